@@ -1,0 +1,61 @@
+# SPDX-License-Identifier: Apache-2.0
+# Settings of the whole build: language, compiler cache, sanitizers, and the warnings that our own targets use.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+# Static and shared builds compile alike, so that the second one comes out of the compiler cache.
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+include(GNUInstallDirs)
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+endif()
+
+# Paths inside the source folder are hashed relative to it: worktrees and clones share one cache.
+find_program(PELVOR_CCACHE ccache)
+if(PELVOR_CCACHE AND (NOT CMAKE_CXX_COMPILER_LAUNCHER OR CMAKE_CXX_COMPILER_LAUNCHER MATCHES "ccache$"))
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=true "${PELVOR_CCACHE}")
+endif()
+
+if(PELVOR_SANITIZE STREQUAL "address")
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+elseif(PELVOR_SANITIZE STREQUAL "thread")
+    add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=thread)
+elseif(PELVOR_SANITIZE STREQUAL "fuzz")
+    add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
+        -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+elseif(PELVOR_SANITIZE)
+    message(FATAL_ERROR "PELVOR_SANITIZE is '${PELVOR_SANITIZE}'; it can be empty, address, thread or fuzz")
+endif()
+
+if(PELVOR_COVERAGE)
+    add_compile_options(--coverage)
+    add_link_options(--coverage)
+endif()
+
+# Gives a target of ours its warnings; they never reach those who link it.
+function(pelvor_warnings target)
+    target_compile_options(${target} PRIVATE
+        -Wall -Wextra -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough
+        -Wundef -Wno-unused-parameter
+        $<$<BOOL:${PELVOR_WERROR}>:-Werror>)
+endfunction()
+
+# Sets RESULT to ON once a folder of the tree holds sources: a floor has no target before its first class.
+function(pelvor_has_sources folder result)
+    file(GLOB_RECURSE found LIST_DIRECTORIES false "${PROJECT_SOURCE_DIR}/${folder}/*.cpp")
+    if(found)
+        set(${result} ON PARENT_SCOPE)
+    else()
+        set(${result} OFF PARENT_SCOPE)
+    endif()
+endfunction()

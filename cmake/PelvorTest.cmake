@@ -1,0 +1,32 @@
+# SPDX-License-Identifier: Apache-2.0
+# pelvor_test_program(): a GoogleTest program, registered with CTest.
+
+find_package(GTest REQUIRED)
+find_package(Threads REQUIRED)
+include(GoogleTest)
+
+# pelvor_test_program(NAME <target> DEPS <target>…)
+# The folders under Tests/ add its sources with target_sources().
+function(pelvor_test_program)
+    cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME" "DEPS")
+    add_executable(${arg_NAME} "${PROJECT_SOURCE_DIR}/Tests/TestMain.cpp")
+    pelvor_warnings(${arg_NAME})
+    target_include_directories(${arg_NAME} PRIVATE "${PROJECT_SOURCE_DIR}/Tests")
+    target_link_libraries(${arg_NAME} PRIVATE ${arg_DEPS} GTest::gmock GTest::gtest Threads::Threads)
+    # Modules that a test loads find the program's own classes.
+    set_target_properties(${arg_NAME} PROPERTIES ENABLE_EXPORTS ON)
+    if(PELVOR_TEST_SHARDS GREATER 0)
+        _pelvor_register_shards(${arg_NAME})
+    else()
+        gtest_discover_tests(${arg_NAME} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+    endif()
+endfunction()
+
+function(_pelvor_register_shards target)
+    math(EXPR last "${PELVOR_TEST_SHARDS} - 1")
+    foreach(index RANGE ${last})
+        add_test(NAME ${target}.${index} COMMAND ${target} --gtest_brief=1)
+        set_tests_properties(${target}.${index} PROPERTIES TIMEOUT 900
+            ENVIRONMENT "GTEST_TOTAL_SHARDS=${PELVOR_TEST_SHARDS};GTEST_SHARD_INDEX=${index}")
+    endforeach()
+endfunction()
