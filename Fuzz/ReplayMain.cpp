@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Runs a fuzz target once over every file below the paths given, in order of name, in builds without a fuzzer.
+// Runs a fuzz target once over every file below the paths given, in order of name, in builds without a
+// fuzzer.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,9 @@
 # SPDX-License-Identifier: Apache-2.0
 # pelvor_library(): declares one library with all that belongs to it.
 
+# All libraries, for those who install them without the rest.
+add_custom_target(pelvor-libraries)
+
 # pelvor_library(NAME <target> ALIAS <name> INCLUDE_ROOT <dir> HEADERS <dir>…
 #                [DEPS <name>…] [PACKAGES "<find_package arguments>"…] [LIBRARIES <target>…])
 #
@@ -37,6 +40,7 @@ function(pelvor_library)
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/pelvor>)
     list(TRANSFORM arg_DEPS PREPEND Pelvor:: OUTPUT_VARIABLE deps)
     target_link_libraries(${arg_NAME} PUBLIC ${deps} PRIVATE ${arg_LIBRARIES})
+    add_dependencies(pelvor-libraries ${arg_NAME})
     _pelvor_install_library()
 endfunction()
 

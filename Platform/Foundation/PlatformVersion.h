@@ -10,8 +10,8 @@ namespace pelvor {
 /// releases divides at 743.0: below it the older one holds. May be called on any thread.
 PELVOR_EXPORT double platformVersion();
 
-/// Sets what platformVersion() answers. To be called before the load-time sequence, which classes use to choose
-/// between old and new behaviour once and for all.
+/// Sets what platformVersion() answers. To be called before the load-time sequence, which classes use to
+/// choose between old and new behaviour once and for all.
 PELVOR_EXPORT void setPlatformVersion(double version);
 
 }  // namespace pelvor
