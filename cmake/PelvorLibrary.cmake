@@ -38,6 +38,11 @@ function(pelvor_library)
     target_include_directories(${arg_NAME} PUBLIC
         $<BUILD_INTERFACE:${arg_INCLUDE_ROOT}>
         $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/pelvor>)
+    if(NOT BUILD_SHARED_LIBS)
+        # A program that loads plug-ins holds all of the library, not only what it calls itself.
+        target_link_options(${arg_NAME} INTERFACE
+            "$<$<BOOL:$<TARGET_PROPERTY:PELVOR_LOADS_PLUGINS>>:SHELL:-Wl,--whole-archive $<TARGET_FILE:Pelvor::${arg_ALIAS}> -Wl,--no-whole-archive>")
+    endif()
     list(TRANSFORM arg_DEPS PREPEND Pelvor:: OUTPUT_VARIABLE deps)
     target_link_libraries(${arg_NAME} PUBLIC ${deps} PRIVATE ${arg_LIBRARIES})
     add_dependencies(pelvor-libraries ${arg_NAME})

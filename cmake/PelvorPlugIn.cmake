@@ -65,13 +65,7 @@ endfunction()
 # Lets an executable load plug-ins: they find its symbols and, where our libraries are static, the whole of those
 # libraries inside it, so that there is one copy of their state in the process.
 function(pelvor_loads_plugins target)
-    set_target_properties(${target} PROPERTIES ENABLE_EXPORTS ON)
-    foreach(name Foundation Text Interface Base)
-        _pelvor_is_static(Pelvor::${name} static)
-        if(static)
-            set_property(TARGET ${target} APPEND_STRING PROPERTY LINK_LIBRARY_OVERRIDE_Pelvor::${name} WHOLE_ARCHIVE)
-        endif()
-    endforeach()
+    set_target_properties(${target} PROPERTIES ENABLE_EXPORTS ON PELVOR_LOADS_PLUGINS ON)
 endfunction()
 
 macro(_pelvor_require function)
