@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/FoundationLibrary.h"
+
+#include "Foundation/NSInlineString.h"
+#include "Foundation/NSString.h"
+#include "Runtime/RuntimeLibrary.h"
+
+namespace pelvor {
+namespace {
+
+constexpr Library* kDependencies[] = {&runtimeLibrary};
+
+// Alphabetical; a superclass is registered before its subclasses wherever it stands.
+constexpr Class* kClasses[] = {
+    &NSConstantString::classRecord,
+    &NSInlineString::classRecord,
+    &NSString::classRecord,
+};
+
+}  // namespace
+
+constinit Library foundationLibrary{"Foundation", kDependencies, kClasses, {}};
+
+}  // namespace pelvor

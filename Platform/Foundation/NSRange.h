@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSRange: a location and a length, and the plain integer types of Foundation.
+#pragma once
+
+#include <cstdint>
+
+#include "Runtime/FixedString.h"
+
+namespace pelvor {
+
+/// Counts, lengths and indexes.
+using NSUInteger = std::uint32_t;
+/// A UTF-16 code unit.
+using unichar = char16_t;
+
+/// No index: what searches answer that find nothing.
+inline constexpr NSUInteger NSNotFound = 0x7FFFFFFF;
+
+/// A run of positions, in code units or indexes.
+struct NSRange {
+    NSUInteger location = 0;
+    NSUInteger length = 0;
+
+    static constexpr FixedString kTypeName = "_NSRange";
+    friend constexpr bool operator==(const NSRange&, const NSRange&) = default;
+};
+
+constexpr NSRange NSMakeRange(NSUInteger location, NSUInteger length) { return {location, length}; }
+
+/// The position after the range. The sum wraps at 2^32.
+constexpr NSUInteger NSMaxRange(NSRange range) { return range.location + range.length; }
+
+constexpr bool NSLocationInRange(NSUInteger location, NSRange range) {
+    return location >= range.location && location - range.location < range.length;
+}
+
+constexpr bool NSEqualRanges(NSRange a, NSRange b) { return a == b; }
+
+/// Whether the range lies within a sequence of `count` places; sums do not wrap.
+constexpr bool isRangeInside(NSRange range, NSUInteger count) {
+    return range.location <= count && range.length <= count - range.location;
+}
+
+/// The order of two things: the first sorts before, with, or after the second.
+enum NSComparisonResult : int { NSOrderedAscending = -1, NSOrderedSame = 0, NSOrderedDescending = 1 };
+
+}  // namespace pelvor

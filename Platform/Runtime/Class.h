@@ -1,0 +1,199 @@
+// SPDX-License-Identifier: Apache-2.0
+// Class records: names, methods, caches, making instances.
+#pragma once
+
+#include <array>
+#include <atomic>
+
+#include "Runtime/Method.h"
+
+namespace pelvor {
+
+struct Library;
+
+/// A method as a class's cache holds it; immutable, never freed. `function` is none where the class
+/// is known to lack the method.
+struct alignas(64) CacheEntry {
+    SEL selector;
+    std::uint64_t signatureKey = 0;
+    void (*function)() = nullptr;
+    NSMethodSignature* signature = nullptr;
+    const CacheEntry* next = nullptr;
+};
+
+/// A class. Class records are objects themselves, of a metaclass that holds the class operations;
+/// every class object answers what NSObject's instances answer. Records are constants of the program
+/// (or made by `createSubclass`), immortal, and usable before their library is registered: the first
+/// message registers it. Any thread.
+class PELVOR_EXPORT Class final : public NSObject {
+    PELVOR_CLASS(Class, NSObject);
+
+public:
+    /// "PBIdleQueue". Both a class and its metaclass have the name.
+    const char* name() const { return _name; }
+    /// Where inherited methods come from; a posing class stands here for the one that it replaced.
+    Class* superclass() const { return _superclass; }
+    bool isMetaclass() const { return _isMetaclass; }
+    /// The record that holds the class operations.
+    Class* metaclass() const { return isa(); }
+    std::size_t instanceSize() const { return _native.instanceSize; }
+    /// The list that names the class; none for classes made at run time.
+    Library* library() const { return _library; }
+
+    bool isSubclassOfClass(Class* ancestor);
+    /// Whether objects of the class are C++ objects of the class behind `ancestor`. Posing does not
+    /// change it.
+    bool isNativeSubclassOf(const Class* ancestor) const;
+
+    /// The method that objects of the class answer the selector with, inherited ones included; none
+    /// when there is none. The caller may change the record only through `replaceImplementation`.
+    const Method* instanceMethod(SEL selector);
+    /// The same for the class itself.
+    const Method* classMethod(SEL selector) { return metaclass()->instanceMethod(selector); }
+    bool instancesRespondTo(SEL selector);
+    NSMethodSignature* signatureOfInstanceMethod(SEL selector);
+
+    /// The class's own method groups, the newest category first, its own methods last; chained by
+    /// `next`. Categories that wait to be attached are not among them.
+    const MethodGroup* methodGroups();
+    /// Adds methods as the newest group, so they go before those of their selectors that are there.
+    /// Raises NSInvalidArgumentException if one cannot be called with objects of the class.
+    void addMethods(MethodGroup group);
+    /// Puts an implementation into the record that `instanceMethod` answers, a superclass's if it is
+    /// inherited, and answers the previous one; none when there is no such method. Raises
+    /// NSInvalidArgumentException if the types differ or the code needs another class of receiver.
+    IMP replaceImplementation(SEL selector, IMP implementation);
+    /// Forgets cached look-ups of the class and its subclasses.
+    void flushCaches();
+    /// Attaches categories for this class that arrived after it was registered.
+    void attachPendingCategories();
+
+    /// A new class at run time, whose instances are those of `superclass` in another class, and which
+    /// lives as long as the process. Raises NSInvalidArgumentException if the name is taken.
+    static Class* createSubclass(const char* name, Class* superclass);
+    /// From now on the receiver stands in for its superclass: it is what is made when `original` is
+    /// asked for an instance, it is what the name finds, other subclasses inherit from it.
+    /// `original` is called "%Name" from then on. Raises NSInvalidArgumentException unless
+    /// `original` is the superclass and the receiver adds no fields.
+    void poseAsClass(Class* original);
+    /// The class that makes instances when this one is asked: itself, or what poses as it.
+    Class* effectiveClass();
+
+    /// Sends `initialize` to the superclass and the class, unless that has been done. Class operations
+    /// that need their class's set-up, called as plain functions, begin with it.
+    void initializeIfNeeded() {
+        if (_initialization.load(std::memory_order_acquire) != Initialization::done) [[unlikely]]
+            runInitialize();
+    }
+    /// A new instance of the class or of the class that poses as it, with a count of one. Raises
+    /// NSInvalidArgumentException for a class without instances of its own.
+    Object* createInstance();
+    /// Whether `make` may construct an instance without asking further.
+    bool makesOwnInstances() const { return _makesOwnInstances.load(std::memory_order_acquire); }
+
+    const CacheEntry* cached(SEL selector) const {
+        return _cache[selector.index() % kCacheSize].load(std::memory_order_acquire);
+    }
+    /// The implementation for a message: from the cache, else looked up and cached, after the class
+    /// has been registered and initialised. No function when there is none.
+    IMP lookUp(SEL selector);
+
+    NSString* description() override;
+
+    struct Metaclass {};
+    constexpr Class(Metaclass, const char* name, Class* describes, Class* superclass)
+        : NSObject(&NSObject::metaclassRecord, kImmortal), _name(name), _superclass(superclass),
+          _nativeSuperclass(superclass), _describes(describes), _isMetaclass(true) {}
+    constexpr Class(const char* name, Class* metaclass, Class* superclass, NativeClass native, Library* library)
+        : NSObject(metaclass, kImmortal), _name(name), _superclass(superclass), _nativeSuperclass(superclass),
+          _native(native), _library(library), _describes(this) {}
+
+private:
+    friend class Registry;
+    enum class Initialization : std::uint8_t { none, running, done };
+    static constexpr std::uint32_t kCacheSize = 64;
+    static const CacheEntry kNoEntry;
+    using Cache = std::array<std::atomic<const CacheEntry*>, kCacheSize>;
+
+    static constexpr Cache emptyCache() {
+        return []<std::size_t... I>(std::index_sequence<I...>) {
+            return Cache{((void)I, &kNoEntry)...};
+        }(std::make_index_sequence<kCacheSize>{});
+    }
+
+    void runInitialize();
+    void sendInitialize();
+    IMP findImplementation(SEL selector, Class* receiver);
+    const Method* findMethod(SEL selector, Class* receiver);
+    void cacheImplementation(SEL selector, const IMP& implementation);
+    void requireCallable(const IMP& implementation);
+
+    Cache _cache = emptyCache();
+    const char* _name;
+    Class* _superclass;
+    Class* _nativeSuperclass;
+    NativeClass _native;
+    Library* _library = nullptr;
+    Class* _describes = nullptr;  // of a metaclass, the class it is the class of
+    std::atomic<MethodGroup*> _groups{nullptr};
+    Class* _firstSubclass = nullptr;
+    Class* _nextSibling = nullptr;
+    std::atomic<Class*> _poser{nullptr};
+    const void* _initializer = nullptr;  // the thread in `initialize`, by the address of a variable of its own
+    std::atomic<Initialization> _initialization{Initialization::none};
+    std::atomic<bool> _makesOwnInstances{false};
+    std::atomic<bool> _isRegistered{false};
+    bool _isMetaclass = false;
+};
+
+/// Raises NSInvalidArgumentException unless instances of `cls` are C++ objects of `ancestor`.
+PELVOR_EXPORT void requireSubclass(Class* cls, Class* ancestor);
+
+/// A new object of class T, or of the given subclass of it, initialised only by its constructor. What
+/// poses as the class is what is made. Raises NSInvalidArgumentException if `cls` is no subclass of T.
+template <class T>
+Retained<T> make(Class* cls = T::classObject()) {
+    static_assert(std::is_same_v<T, typename T::ClassSelf>, "the class lacks PELVOR_CLASS");
+    if constexpr (!std::is_abstract_v<T>)
+        if (cls == T::classObject() && cls->makesOwnInstances()) [[likely]]
+            return Retained<T>::adopting(Instances::create<T>(cls));
+    requireSubclass(cls, T::classObject());
+    return Retained<T>::adopting(static_cast<T*>(cls->createInstance()));
+}
+
+/// The object as a T if it is one, else none.
+template <class T>
+T* cast(Object* object) {
+    return object && isNativeKindOf(object, T::classObject()) ? static_cast<T*>(object) : nullptr;
+}
+
+/// The class record behind an object that is a class, else none.
+inline Class* asClass(Object* object) {
+    return object && object->isa()->isMetaclass() ? static_cast<Class*>(object) : nullptr;
+}
+
+namespace detail {
+
+template <auto Function, bool TakesClass, class... A>
+Wire<typename FunctionTypes<decltype(Function)>::Result> StaticThunk<Function, TakesClass, TypeList<A...>>::call(
+    Object* self, SEL selector, Wire<A>... arguments) {
+    auto run = [&] {
+        if constexpr (TakesClass)
+            return Function(argumentFromWire<A>(arguments, self, selector)..., static_cast<Class*>(self));
+        else
+            return Function(argumentFromWire<A>(arguments, self, selector)...);
+    };
+    if constexpr (std::is_void_v<R>)
+        run();
+    else
+        return resultToWire(run());
+}
+
+template <auto Function, bool TakesClass, class... A>
+IMP StaticThunk<Function, TakesClass, TypeList<A...>>::implementation() {
+    return {reinterpret_cast<void (*)()>(&call), &SignatureFor<R, A...>::object,
+            TakesClass ? Class::classObject() : nullptr};
+}
+
+}  // namespace detail
+}  // namespace pelvor

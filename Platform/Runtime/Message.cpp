@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Runtime/Message.h"
+
+#include <cmath>
+#include <cstring>
+#include <string>
+
+#include "Runtime/NSException.h"
+#include "Runtime/NSInvocation.h"
+
+namespace pelvor {
+namespace {
+
+std::string methodName(Object* target, SEL selector) {
+    Class* cls = target->isa();
+    return std::string(cls->isMetaclass() ? "+[" : "-[") + cls->name() + " " + selector.name() + "]";
+}
+
+[[noreturn]] void raiseType(Object* target, SEL selector, const std::string& what, const char* given,
+                            const char* expected) {
+    throw NSException(NSInvalidArgumentException, methodName(target, selector) + ": " + what +
+                                                      " is of type '" + given + "' where '" + expected +
+                                                      "' is expected");
+}
+
+// MARK: Conversion between unlike types
+
+// A number on its way from one encoding to another. Integers keep their 64 bits, as a C conversion does.
+struct Number {
+    bool isFloating;
+    std::uint64_t bits;
+    double floating;
+};
+
+template <class T>
+T readAs(const void* place) {
+    T value;
+    std::memcpy(&value, place, sizeof value);
+    return value;
+}
+
+template <class T>
+Number integer(const void* place) {
+    T value = readAs<T>(place);
+    return {false, static_cast<std::uint64_t>(static_cast<std::int64_t>(value)), static_cast<double>(value)};
+}
+
+bool readNumber(char encoding, const void* place, Number& number) {
+    switch (encoding) {
+        case 'B':
+            number = integer<bool>(place);
+            return true;
+        case 'c':
+            number = integer<std::int8_t>(place);
+            return true;
+        case 'C':
+            number = integer<std::uint8_t>(place);
+            return true;
+        case 's':
+            number = integer<std::int16_t>(place);
+            return true;
+        case 'S':
+            number = integer<std::uint16_t>(place);
+            return true;
+        case 'i':
+            number = integer<std::int32_t>(place);
+            return true;
+        case 'I':
+            number = integer<std::uint32_t>(place);
+            return true;
+        case 'q':
+            number = integer<std::int64_t>(place);
+            return true;
+        case 'Q':
+            number = integer<std::uint64_t>(place);
+            return true;
+        case 'f':
+            number = {true, 0, readAs<float>(place)};
+            return true;
+        case 'd':
+            number = {true, 0, readAs<double>(place)};
+            return true;
+        default:
+            return false;
+    }
+}
+
+// A fraction is cut off; what no 64-bit integer can hold is the nearest that one can.
+std::uint64_t integerBits(const Number& number) {
+    if (!number.isFloating) return number.bits;
+    if (std::isnan(number.floating)) return 0;
+    if (number.floating >= 0x1p63)
+        return number.floating >= 0x1p64 ? ~0ull : static_cast<std::uint64_t>(number.floating);
+    if (number.floating <= -0x1p63) return 1ull << 63;
+    return static_cast<std::uint64_t>(static_cast<std::int64_t>(number.floating));
+}
+
+template <class T>
+bool write(void* place, T value) {
+    std::memcpy(place, &value, sizeof value);
+    return true;
+}
+
+bool writeNumber(char encoding, void* place, const Number& number) {
+    switch (encoding) {
+        case 'B':
+            return write(place, number.isFloating ? number.floating != 0 : number.bits != 0);
+        case 'c':
+        case 'C':
+            return write(place, static_cast<std::uint8_t>(integerBits(number)));
+        case 's':
+        case 'S':
+            return write(place, static_cast<std::uint16_t>(integerBits(number)));
+        case 'i':
+        case 'I':
+            return write(place, static_cast<std::uint32_t>(integerBits(number)));
+        case 'q':
+        case 'Q':
+            return write(place, integerBits(number));
+        case 'f':
+            return write(place, static_cast<float>(number.floating));
+        case 'd':
+            return write(place, number.floating);
+        default:
+            return false;
+    }
+}
+
+bool isPointer(const char* encoding) { return encoding[0] == '^' || encoding[0] == '*'; }
+
+// Copies a value from one type to another; false when the types have nothing in common.
+bool convert(const ArgumentLayout& from, const void* source, const ArgumentLayout& to, void* destination) {
+    if (std::strcmp(from.encoding, to.encoding) == 0) {
+        std::memcpy(destination, source, to.size);
+        return true;
+    }
+    Number number;
+    if (readNumber(from.encoding[0], source, number)) return writeNumber(to.encoding[0], destination, number);
+    bool isAnyPointer = isPointer(from.encoding) && isPointer(to.encoding) &&
+                        (std::strcmp(from.encoding, "^v") == 0 || std::strcmp(to.encoding, "^v") == 0);
+    if (isAnyPointer || (from.encoding[0] == '#' && to.encoding[0] == '@')) {
+        std::memcpy(destination, source, sizeof(void*));
+        return true;
+    }
+    if (from.encoding[0] == '@' && to.encoding[0] == '#') {
+        Object* object = readAs<Object*>(source);
+        return (!object || asClass(object)) && write(destination, asClass(object));
+    }
+    return false;
+}
+
+// A frame or a result of a size that is known only at run time, on the stack while it is small.
+class Buffer {
+  public:
+    explicit Buffer(std::size_t size) {
+        if (size > sizeof _inline) _bytes = _heap = static_cast<std::byte*>(::operator new(size));
+        std::memset(_bytes, 0, size);
+    }
+    ~Buffer() { ::operator delete(_heap); }
+    Buffer(const Buffer&) = delete;
+    Buffer& operator=(const Buffer&) = delete;
+    std::byte* bytes() { return _bytes; }
+
+  private:
+    alignas(16) std::byte _inline[128];
+    std::byte* _bytes = _inline;
+    std::byte* _heap = nullptr;
+};
+
+void convertArguments(Object* target, SEL selector, NSMethodSignature* given, const std::byte* source,
+                      NSMethodSignature* expected, std::byte* destination) {
+    if (given->argumentCount() != expected->argumentCount())
+        throw NSException(NSInvalidArgumentException,
+                          methodName(target, selector) + ": " + std::to_string(given->argumentCount()) +
+                              " arguments are given where " + std::to_string(expected->argumentCount()) +
+                              " are expected");
+    for (std::uint32_t i = 0; i < expected->argumentCount(); ++i) {
+        const ArgumentLayout& from = given->argument(i);
+        const ArgumentLayout& to = expected->argument(i);
+        if (!convert(from, source + from.offset, to, destination + to.offset))
+            raiseType(target, selector, "argument " + std::to_string(i + 1), from.encoding, to.encoding);
+    }
+}
+
+void convertResult(Object* target, SEL selector, NSMethodSignature* given, const void* source,
+                   NSMethodSignature* expected, void* destination) {
+    if (expected->result().size == 0 || given->result().size == 0) return;
+    if (!convert(given->result(), source, expected->result(), destination))
+        raiseType(target, selector, "the result", given->methodReturnType(), expected->methodReturnType());
+}
+
+// MARK: Roads of a message
+
+void invokeMethod(const IMP& method, Object* target, SEL selector, NSMethodSignature* types,
+                  const std::byte* frame, void* result) {
+    if (method.signature->key() == types->key())
+        return method.signature->invoke(method.function, target, selector, frame, result);
+    Buffer arguments(method.signature->frameLength());
+    Buffer answer(method.signature->methodReturnLength());
+    convertArguments(target, selector, types, frame, method.signature, arguments.bytes());
+    method.signature->invoke(method.function, target, selector, arguments.bytes(), answer.bytes());
+    convertResult(target, selector, method.signature, answer.bytes(), types, result);
+}
+
+void forward(Object* target, SEL selector, NSMethodSignature* types, const std::byte* frame, void* result) {
+    NSMethodSignature* signature = target->methodSignatureForSelector(selector);
+    if (!signature) target->doesNotRecognizeSelector(selector);
+    NSInvocation* invocation = NSInvocation::invocationWithMethodSignature(signature);
+    invocation->setTarget(target);
+    invocation->setSelector(selector);
+    convertArguments(target, selector, types, frame, signature, invocation->frame());
+    target->forwardInvocation(invocation);
+    convertResult(target, selector, signature, invocation->result(), types, result);
+}
+
+}  // namespace
+
+void (*detail::matchingFunction(Class* cls, SEL selector, std::uint64_t signatureKey))() {
+    IMP method = cls->lookUp(selector);
+    return method && method.signature->key() == signatureKey ? method.function : nullptr;
+}
+
+void sendFrameFrom(Class* cls, Object* target, SEL selector, NSMethodSignature* types, const std::byte* frame,
+                   void* result) {
+    IMP method = cls->lookUp(selector);
+    if (method)
+        invokeMethod(method, target, selector, types, frame, result);
+    else
+        forward(target, selector, types, frame, result);
+}
+
+void sendFrame(Object* target, SEL selector, NSMethodSignature* types, const std::byte* frame, void* result) {
+    if (target) sendFrameFrom(target->isa(), target, selector, types, frame, result);
+}
+
+void raiseArgumentClass(Object* receiver, SEL selector, Object* argument, Class* expected) {
+    throw NSException(NSInvalidArgumentException,
+                      methodName(receiver, selector) + ": an object of class " + argument->isa()->name() +
+                          " stands where one of class " + expected->name() + " is expected");
+}
+
+}  // namespace pelvor

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: Apache-2.0
+// Sending messages by selector.
+#pragma once
+
+#include "Runtime/Class.h"
+
+namespace pelvor {
+
+namespace detail {
+
+// What a message's result is read as: an object is checked to be of the class asked for.
+template <class R>
+R resultFromWire(Wire<R> value, Object* target, SEL selector) {
+    if constexpr (isRetained<R>) {
+        using T = std::remove_pointer_t<decltype(std::declval<R>().get())>;
+        return R::retaining(argumentFromWire<T*>(value, target, selector));
+    } else {
+        return argumentFromWire<R>(value, target, selector);
+    }
+}
+
+/// The function of the method if it has exactly these types; none otherwise.
+PELVOR_EXPORT void (*matchingFunction(Class* cls, SEL selector, std::uint64_t signatureKey))();
+
+template <class R, class... Arguments>
+R sendFrom(Class* cls, Object* target, SEL selector, const Arguments&... arguments);
+
+}  // namespace detail
+
+/// Sends a message whose arguments stand in a frame laid out by `types`: looks the method up, converts
+/// arguments and result between unlike number types, or forwards the message. Raises
+/// NSInvalidArgumentException for types that cannot be converted, naming method, argument and types,
+/// and for a message that nobody answers. `result` is zeros for no target.
+PELVOR_EXPORT void sendFrame(Object* target, SEL selector, NSMethodSignature* types, const std::byte* frame,
+                             void* result);
+/// The same with the method as objects of `cls` have it.
+PELVOR_EXPORT void sendFrameFrom(Class* cls, Object* target, SEL selector, NSMethodSignature* types,
+                                 const std::byte* frame, void* result);
+
+/// Sends a message: `send<int>(object, "indexOf:"_sel, other)`. A message to none does nothing and
+/// answers zero. Number types may differ from the method's. A result object is borrowed, also where the
+/// method gives it away; asked for as `Retained<T>` it is retained. Any thread.
+template <class R = void, class... Arguments>
+R send(Object* target, SEL selector, const Arguments&... arguments) {
+    if (!target) [[unlikely]]
+        return R();
+    return detail::sendFrom<R>(target->isa(), target, selector, arguments...);
+}
+
+/// Sends a message to `target` with the method that objects of the superclass of `cls` have: inside a
+/// method of `cls`, the one that it overrides.
+template <class R = void, class... Arguments>
+R sendSuper(Class* cls, Object* target, SEL selector, const Arguments&... arguments) {
+    return detail::sendFrom<R>(cls->superclass(), target, selector, arguments...);
+}
+
+namespace detail {
+
+// The road for a message without a method of exactly these types.
+template <class R, class... Arguments>
+[[gnu::noinline]] R sendThroughFrame(Class* cls, Object* target, SEL selector, Wire<Arguments>... arguments) {
+    using Signature = SignatureFor<R, Arguments...>;
+    alignas(16) std::byte frame[Signature::kFrameLength + 1];
+    if constexpr (Signature::kCount == 0) frame[0] = {};
+    std::size_t index = 0;
+    [[maybe_unused]] auto store = [&]<class W>(W value) {
+        ::new (frame + Signature::kArguments[index++].offset) W(value);
+    };
+    (store(arguments), ...);
+    if constexpr (std::is_void_v<R>) {
+        sendFrameFrom(cls, target, selector, &Signature::object, frame, nullptr);
+    } else {
+        Wire<R> result{};
+        sendFrameFrom(cls, target, selector, &Signature::object, frame, &result);
+        return resultFromWire<R>(result, target, selector);
+    }
+}
+
+template <class R, class... Arguments>
+inline R sendFrom(Class* cls, Object* target, SEL selector, const Arguments&... arguments) {
+    constexpr std::uint64_t key = SignatureFor<R, std::decay_t<Arguments>...>::kKey;
+    const CacheEntry* entry = cls->cached(selector);
+    void (*function)() = entry->function;
+    if (entry->selector != selector || entry->signatureKey != key) [[unlikely]] {
+        function = matchingFunction(cls, selector, key);
+        if (!function)
+            return sendThroughFrame<R, std::decay_t<Arguments>...>(cls, target, selector,
+                                                                   toWire(arguments)...);
+    }
+    auto call = reinterpret_cast<Wire<R> (*)(Object*, SEL, Wire<std::decay_t<Arguments>>...)>(function);
+    if constexpr (std::is_void_v<R>)
+        call(target, selector, toWire(arguments)...);
+    else
+        return resultFromWire<R>(call(target, selector, toWire(arguments)...), target, selector);
+}
+
+}  // namespace detail
+}  // namespace pelvor

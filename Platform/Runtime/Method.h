@@ -1,0 +1,300 @@
+// SPDX-License-Identifier: Apache-2.0
+// Methods: selectors bound to C++ functions, and the tables that a class or category fills.
+#pragma once
+
+#include <vector>
+
+#include "Runtime/NSMethodSignature.h"
+
+namespace pelvor {
+
+/// The code behind a method: a function with its types, and the class whose objects it may be called
+/// with. Two are equal when they are the same function.
+struct IMP {
+    void (*function)() = nullptr;
+    NSMethodSignature* signature = nullptr;
+    Class* receiver = nullptr;  ///< none: any object
+
+    explicit operator bool() const { return function != nullptr; }
+    friend bool operator==(const IMP& a, const IMP& b) { return a.function == b.function; }
+};
+
+struct Method {
+    SEL selector;
+    IMP implementation;
+};
+
+/// Methods that came to a class together: its own, or those of one category. Immortal once attached.
+struct MethodGroup {
+    const char* category = nullptr;  ///< none: the class's own
+    std::vector<Method> methods;
+    MethodGroup* next = nullptr;  ///< the group that was there before
+};
+
+/// Raises NSInvalidArgumentException: an argument is of another class than the method takes.
+[[noreturn]] PELVOR_EXPORT void raiseArgumentClass(Object* receiver, SEL selector, Object* argument,
+                                                   Class* expected);
+
+/// Whether the C++ object is of the C++ class that stands behind `cls`, whatever has posed or forwards.
+PELVOR_EXPORT bool isNativeKindOf(Object* object, Class* cls);
+
+namespace detail {
+
+template <class T>
+Wire<T> toWire(const T& value) {
+    using Plain = std::decay_t<T>;
+    if constexpr (std::is_null_pointer_v<Plain>)
+        return nullptr;
+    else if constexpr (isRetained<Plain>)
+        return value.get();
+    else if constexpr (std::is_same_v<Wire<T>, void*>) {
+        if constexpr (std::is_function_v<std::remove_pointer_t<Plain>>)
+            return reinterpret_cast<void*>(value);
+        else
+            return const_cast<void*>(static_cast<const volatile void*>(value));
+    } else
+        return static_cast<Wire<T>>(value);
+}
+
+// A method's result leaves as a borrowed object: what the method gave away goes to the pool.
+template <class T>
+Wire<T> resultToWire(T&& value) {
+    if constexpr (isRetained<std::remove_cvref_t<T>>)
+        return std::forward<T>(value).autorelease();
+    else
+        return toWire(value);
+}
+
+template <class T>
+T argumentFromWire(Wire<T> value, Object* receiver, SEL selector) {
+    if constexpr (ObjectPointer<T>) {
+        using Pointee = std::remove_cv_t<std::remove_pointer_t<T>>;
+        if constexpr (!std::is_same_v<Pointee, Object>)
+            if (value && !isNativeKindOf(value, Pointee::classObject()))
+                raiseArgumentClass(receiver, selector, value, Pointee::classObject());
+        return static_cast<T>(value);
+    } else if constexpr (std::is_pointer_v<T> && !isClassPointer<T>) {
+        return reinterpret_cast<T>(value);
+    } else {
+        return static_cast<T>(value);
+    }
+}
+
+/// The parts of a function's type. `Receiver` is the class of a member function.
+template <class F>
+struct FunctionTypes;
+template <class R, class... A>
+struct FunctionTypes<R (*)(A...)> {
+    using Result = R;
+    using Receiver = void;
+    template <template <class...> class List>
+    using Arguments = List<A...>;
+};
+template <class R, class... A>
+struct FunctionTypes<R (*)(A...) noexcept> : FunctionTypes<R (*)(A...)> {};
+template <class R, class C, class... A>
+struct FunctionTypes<R (C::*)(A...)> : FunctionTypes<R (*)(A...)> {
+    using Receiver = C;
+};
+template <class R, class C, class... A>
+struct FunctionTypes<R (C::*)(A...) const> : FunctionTypes<R (C::*)(A...)> {};
+template <class R, class C, class... A>
+struct FunctionTypes<R (C::*)(A...) noexcept> : FunctionTypes<R (C::*)(A...)> {};
+template <class R, class C, class... A>
+struct FunctionTypes<R (C::*)(A...) const noexcept> : FunctionTypes<R (C::*)(A...)> {};
+
+template <class... A>
+struct TypeList {
+    static constexpr std::size_t count = sizeof...(A);
+};
+template <class List>
+struct Front;
+template <class First, class... Rest>
+struct Front<TypeList<First, Rest...>> {
+    using type = First;
+    using rest = TypeList<Rest...>;
+};
+template <class List, class... Kept>
+struct DropLast;
+template <class Last, class... Kept>
+struct DropLast<TypeList<Last>, Kept...> {
+    using type = TypeList<Kept...>;
+    using last = Last;
+};
+template <class First, class Second, class... Rest, class... Kept>
+struct DropLast<TypeList<First, Second, Rest...>, Kept...>
+    : DropLast<TypeList<Second, Rest...>, Kept..., First> {};
+
+/// The record of a C++ class, or none for the roots that have none.
+template <class C>
+constexpr Class* receiverRecord() {
+    if constexpr (std::is_same_v<C, Object>)
+        return nullptr;
+    else
+        return &C::classRecord;
+}
+
+template <auto Function, class Arguments>
+struct MemberThunk;
+template <auto Function, class... A>
+struct MemberThunk<Function, TypeList<A...>> {
+    using Types = FunctionTypes<decltype(Function)>;
+    using R = typename Types::Result;
+    using C = typename Types::Receiver;
+
+    static Wire<R> call(Object* self, SEL selector, Wire<A>... arguments) {
+        if constexpr (std::is_void_v<R>)
+            (static_cast<C*>(self)->*Function)(argumentFromWire<A>(arguments, self, selector)...);
+        else
+            return resultToWire(
+                (static_cast<C*>(self)->*Function)(argumentFromWire<A>(arguments, self, selector)...));
+    }
+    static IMP implementation() {
+        return {reinterpret_cast<void (*)()>(&call), &SignatureFor<R, A...>::object, receiverRecord<C>()};
+    }
+};
+
+// A free function whose first parameter is the receiver.
+template <auto Function, class First, class Arguments>
+struct AdditionThunk;
+template <auto Function, class First, class... A>
+struct AdditionThunk<Function, First, TypeList<A...>> {
+    using R = typename FunctionTypes<decltype(Function)>::Result;
+    using C = std::remove_pointer_t<First>;
+
+    static Wire<R> call(Object* self, SEL selector, Wire<A>... arguments) {
+        if constexpr (std::is_void_v<R>)
+            Function(static_cast<First>(self), argumentFromWire<A>(arguments, self, selector)...);
+        else
+            return resultToWire(
+                Function(static_cast<First>(self), argumentFromWire<A>(arguments, self, selector)...));
+    }
+    static IMP implementation() {
+        return {reinterpret_cast<void (*)()>(&call), &SignatureFor<R, A...>::object, receiverRecord<C>()};
+    }
+};
+
+// A static function; `TakesClass` tells that its last parameter is the receiving class.
+template <auto Function, bool TakesClass, class Arguments>
+struct StaticThunk;
+template <auto Function, bool TakesClass, class... A>
+struct StaticThunk<Function, TakesClass, TypeList<A...>> {
+    using R = typename FunctionTypes<decltype(Function)>::Result;
+
+    static Wire<R> call(Object* self, SEL selector, Wire<A>... arguments);  // both in Class.h
+    static IMP implementation();
+};
+
+consteval std::size_t colonCount(std::string_view selector) {
+    std::size_t count = 0;
+    for (char c : selector) count += c == ':';
+    return count;
+}
+
+// The last component of a function's name as the compiler prints it for `Function`.
+template <auto Function>
+consteval std::string_view functionName() {
+    std::string_view text = __PRETTY_FUNCTION__;
+    std::size_t start = text.find("Function = ") + 11;
+    text = text.substr(start, text.find_first_of(";]", start) - start);
+    if (std::size_t mark = text.find_last_of(":&"); mark != std::string_view::npos)
+        text.remove_prefix(mark + 1);
+    return text.substr(0, text.find('('));
+}
+
+// "insertRun:atIndex:" is spelt by insertRun_atIndex; a name that is a keyword of C++ ends in "_".
+consteval bool spells(std::string_view function, std::string_view selector) {
+    if (!selector.empty() && selector.back() == ':') selector.remove_suffix(1);
+    if (function.size() == selector.size() + 1 && function.back() == '_') function.remove_suffix(1);
+    if (function.size() != selector.size()) return false;
+    for (std::size_t i = 0; i < function.size(); ++i)
+        if (function[i] != (selector[i] == ':' ? '_' : selector[i])) return false;
+    return true;
+}
+
+template <FixedString Name, auto Function>
+consteval void checkSpelling() {
+    static_assert(
+        spells(functionName<Function>(), Name.view()),
+        "the function's name joins the selector's keywords with underscores; use …As for another name");
+}
+
+template <auto Function, class Arity>
+IMP instanceImplementation() {
+    using Types = FunctionTypes<decltype(Function)>;
+    using Arguments = typename Types::template Arguments<TypeList>;
+    if constexpr (std::is_void_v<typename Types::Receiver>) {
+        static_assert(Arguments::count == Arity::value + 1,
+                      "an addition takes the receiver and one argument a colon");
+        return AdditionThunk<Function, typename Front<Arguments>::type,
+                             typename Front<Arguments>::rest>::implementation();
+    } else {
+        static_assert(Arguments::count == Arity::value, "a method takes one argument a colon");
+        return MemberThunk<Function, Arguments>::implementation();
+    }
+}
+
+template <auto Function, class Arity>
+IMP classImplementation() {
+    using Arguments = typename FunctionTypes<decltype(Function)>::template Arguments<TypeList>;
+    if constexpr (Arguments::count == Arity::value) {
+        return StaticThunk<Function, false, Arguments>::implementation();
+    } else {
+        static_assert(Arguments::count == Arity::value + 1, "a class operation takes one argument a colon");
+        static_assert(isClassPointer<typename DropLast<Arguments>::last>,
+                      "the extra last parameter of a class operation is the receiving class");
+        return StaticThunk<Function, true, typename DropLast<Arguments>::type>::implementation();
+    }
+}
+
+}  // namespace detail
+
+/// The implementation that a function gives for the selector `Name`: a member function, or a free
+/// function whose first parameter is the receiver.
+template <FixedString Name, auto Function>
+IMP implementation() {
+    return detail::instanceImplementation<
+        Function, std::integral_constant<std::size_t, detail::colonCount(Name.view())>>();
+}
+
+/// The same for a class operation: a static or free function that may take the receiving class last.
+template <FixedString Name, auto Function>
+IMP classImplementation() {
+    return detail::classImplementation<
+        Function, std::integral_constant<std::size_t, detail::colonCount(Name.view())>>();
+}
+
+/// What a class or a category fills when it is registered. A selector and its function are named side
+/// by side and compared at compile time; the …As forms take a function of any name.
+template <class T>
+class MethodTable {
+  public:
+    MethodTable(MethodGroup& instance, MethodGroup& classLevel)
+        : _instance(instance), _classLevel(classLevel) {}
+
+    template <FixedString Name, auto Function>
+    void instance() {
+        detail::checkSpelling<Name, Function>();
+        instanceAs<Name, Function>();
+    }
+    template <FixedString Name, auto Function>
+    void instanceAs() {
+        _instance.methods.push_back({registerSelector(Name.view()), implementation<Name, Function>()});
+    }
+
+    template <FixedString Name, auto Function>
+    void classLevel() {
+        detail::checkSpelling<Name, Function>();
+        classLevelAs<Name, Function>();
+    }
+    template <FixedString Name, auto Function>
+    void classLevelAs() {
+        _classLevel.methods.push_back({registerSelector(Name.view()), classImplementation<Name, Function>()});
+    }
+
+  private:
+    MethodGroup& _instance;
+    MethodGroup& _classLevel;
+};
+
+}  // namespace pelvor

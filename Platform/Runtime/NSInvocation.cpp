@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Runtime/NSInvocation.h"
+
+#include <cstring>
+#include <string>
+
+#include "Runtime/Message.h"
+#include "Runtime/NSException.h"
+#include "Runtime/RuntimeLibrary.h"
+
+namespace pelvor {
+namespace {
+
+bool isObject(const ArgumentLayout& layout) { return layout.encoding[0] == '@' || layout.encoding[0] == '#'; }
+bool isText(const ArgumentLayout& layout) { return layout.encoding[0] == '*'; }
+
+Object*& objectAt(void* place) { return *static_cast<Object**>(place); }
+char*& textAt(void* place) { return *static_cast<char**>(place); }
+
+}  // namespace
+
+PELVOR_DEFINE_CLASS(NSInvocation, runtimeLibrary) {
+    methods.classLevel<"invocationWithMethodSignature:", &NSInvocation::invocationWithMethodSignature>();
+    methods.instance<"methodSignature", &NSInvocation::methodSignature>();
+    methods.instance<"target", &NSInvocation::target>();
+    methods.instance<"setTarget:", &NSInvocation::setTarget>();
+    methods.instance<"selector", &NSInvocation::selector>();
+    methods.instance<"setSelector:", &NSInvocation::setSelector>();
+    methods.instance<"setArgument:atIndex:", &NSInvocation::setArgument_atIndex>();
+    methods.instance<"getArgument:atIndex:", &NSInvocation::getArgument_atIndex>();
+    methods.instance<"getReturnValue:", &NSInvocation::getReturnValue>();
+    methods.instance<"setReturnValue:", &NSInvocation::setReturnValue>();
+    methods.instance<"retainArguments", &NSInvocation::retainArguments>();
+    methods.instance<"argumentsRetained", &NSInvocation::argumentsRetained>();
+    methods.instance<"invoke", &NSInvocation::invoke>();
+    methods.instance<"invokeWithTarget:", &NSInvocation::invokeWithTarget>();
+}
+
+NSInvocation::NSInvocation(NSMethodSignature* signature)
+    : _signature(signature), _frame(_inlineFrame), _result(_inlineResult) {
+    std::uint32_t frameLength = signature->frameLength();
+    std::uint32_t resultLength = signature->methodReturnLength();
+    if (frameLength > kInlineFrame) _frame = static_cast<std::byte*>(::operator new(frameLength));
+    if (resultLength > kInlineResult) _result = static_cast<std::byte*>(::operator new(resultLength));
+    std::memset(_frame, 0, frameLength);
+    std::memset(_result, 0, resultLength);
+}
+
+NSInvocation::~NSInvocation() {
+    if (_retainsArguments) {
+        if (_target) _target->release();
+        for (std::uint32_t i = 0; i < _signature->argumentCount(); ++i)
+            drop(_signature->argument(i), _frame + _signature->argument(i).offset);
+    }
+    if (_holdsResult) drop(_signature->result(), _result);
+    if (_frame != _inlineFrame) ::operator delete(_frame);
+    if (_result != _inlineResult) ::operator delete(_result);
+}
+
+NSInvocation* NSInvocation::invocationWithMethodSignature(NSMethodSignature* signature) {
+    if (!signature) throw NSException(NSInvalidArgumentException, "an invocation needs a method signature");
+    classRecord.initializeIfNeeded();
+    auto* invocation = Instances::createWithExtra<NSInvocation>(0, &classRecord, signature);
+    invocation->autorelease();
+    return invocation;
+}
+
+void NSInvocation::setTarget(Object* target) {
+    if (_retainsArguments) {
+        if (target) target->retain();
+        if (_target) _target->release();
+    }
+    _target = target;
+}
+
+const ArgumentLayout& NSInvocation::argumentAtIndex(int index) {
+    if (index < 2 || static_cast<std::uint32_t>(index) >= _signature->numberOfArguments())
+        throw NSException(NSInvalidArgumentException, "argument index " + std::to_string(index) +
+                                                          " is outside the message " + _selector.name());
+    return _signature->argument(static_cast<std::uint32_t>(index) - 2);
+}
+
+void NSInvocation::requireType(int index, const char* encoding) {
+    const char* expected = argumentAtIndex(index).encoding;
+    if (std::strcmp(expected, encoding) != 0)
+        throw NSException(NSInvalidArgumentException, "argument " + std::to_string(index) + " of " +
+                                                          _selector.name() + " is of type " + expected +
+                                                          ", not " + encoding);
+}
+
+void NSInvocation::requireResultType(const char* encoding) {
+    if (std::strcmp(_signature->methodReturnType(), encoding) != 0)
+        throw NSException(NSInvalidArgumentException, std::string("the result of ") + _selector.name() +
+                                                          " is of type " + _signature->methodReturnType() +
+                                                          ", not " + encoding);
+}
+
+void NSInvocation::hold(const ArgumentLayout& argument, void* place) {
+    if (isObject(argument) && objectAt(place)) objectAt(place)->retain();
+    if (isText(argument) && textAt(place)) {
+        std::size_t size = std::strlen(textAt(place)) + 1;
+        textAt(place) = static_cast<char*>(std::memcpy(::operator new(size), textAt(place), size));
+    }
+}
+
+void NSInvocation::drop(const ArgumentLayout& argument, void* place) {
+    if (isObject(argument) && objectAt(place)) objectAt(place)->release();
+    if (isText(argument)) ::operator delete(textAt(place));
+}
+
+void NSInvocation::setArgument_atIndex(const void* buffer, int index) {
+    const ArgumentLayout& argument = argumentAtIndex(index);
+    void* previous = nullptr;
+    void* place = _frame + argument.offset;
+    bool isHeld = _retainsArguments && (isObject(argument) || isText(argument));
+    if (isHeld) previous = *static_cast<void**>(place);
+    std::memcpy(place, buffer, argument.size);
+    if (!isHeld) return;
+    hold(argument, place);
+    drop(argument, &previous);
+}
+
+void NSInvocation::getArgument_atIndex(void* buffer, int index) {
+    const ArgumentLayout& argument = argumentAtIndex(index);
+    std::memcpy(buffer, _frame + argument.offset, argument.size);
+}
+
+void NSInvocation::getReturnValue(void* buffer) {
+    std::memcpy(buffer, _result, _signature->methodReturnLength());
+}
+
+void NSInvocation::setReturnValue(const void* buffer) {
+    if (_holdsResult) drop(_signature->result(), _result);
+    std::memcpy(_result, buffer, _signature->methodReturnLength());
+    _holdsResult = _retainsArguments;
+    if (_holdsResult) hold(_signature->result(), _result);
+}
+
+void NSInvocation::retainArguments() {
+    if (_retainsArguments) return;
+    _retainsArguments = true;
+    if (_target) _target->retain();
+    for (std::uint32_t i = 0; i < _signature->argumentCount(); ++i)
+        hold(_signature->argument(i), _frame + _signature->argument(i).offset);
+}
+
+void NSInvocation::invoke() {
+    if (_holdsResult) drop(_signature->result(), _result);
+    _holdsResult = false;
+    std::memset(_result, 0, _signature->methodReturnLength());
+    sendFrame(_target, _selector, _signature, _frame, _result);
+    if (_retainsArguments) {
+        hold(_signature->result(), _result);
+        _holdsResult = true;
+    }
+}
+
+void NSInvocation::invokeWithTarget(Object* target) {
+    setTarget(target);
+    invoke();
+}
+
+}  // namespace pelvor

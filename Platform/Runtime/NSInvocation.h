@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSInvocation: a message as an object.
+#pragma once
+
+#include "Runtime/Class.h"
+
+namespace pelvor {
+
+/// A message with its target, arguments and, once invoked, its result. Arguments count from 2, after
+/// the target and the selector. Target and object arguments are borrowed until `retainArguments`.
+/// One thread at a time.
+class PELVOR_EXPORT NSInvocation final : public NSObject {
+    PELVOR_CLASS(NSInvocation, NSObject);
+
+public:
+    /// An invocation with all arguments zero. Raises NSInvalidArgumentException for no signature.
+    static NSInvocation* invocationWithMethodSignature(NSMethodSignature* signature);
+
+    NSMethodSignature* methodSignature() { return _signature; }
+    Object* target() { return _target; }
+    void setTarget(Object* target);
+    SEL selector() { return _selector; }
+    void setSelector(SEL selector) { _selector = selector; }
+
+    /// Copies the argument from, or to, the caller's buffer, which must have the argument's type. Raises
+    /// NSInvalidArgumentException for an index out of bounds.
+    void setArgument_atIndex(const void* buffer, int index);
+    void getArgument_atIndex(void* buffer, int index);
+    /// The same by value; raises if the argument is of another type.
+    template <class T>
+    void setArgument(int index, T value) {
+        requireType(index, typeEncoding<T>.text);
+        Wire<T> wire = detail::toWire(value);
+        setArgument_atIndex(&wire, index);
+    }
+
+    /// Copies the result from, or to, the caller's buffer. Nothing for a method without a result.
+    void getReturnValue(void* buffer);
+    void setReturnValue(const void* buffer);
+    /// The result by value; raises if it is of another type.
+    template <class T>
+    T returnValue() {
+        requireResultType(typeEncoding<T>.text);
+        Wire<T> wire;
+        getReturnValue(&wire);
+        return detail::argumentFromWire<T>(wire, this, _selector);
+    }
+
+    /// Keeps the target and the object arguments, and copies zero-terminated texts, from now on.
+    void retainArguments();
+    bool argumentsRetained() { return _retainsArguments; }
+
+    /// Sends the message to the target and keeps the result; a result object is kept alive by the
+    /// current autorelease pool, or by the invocation if it retains its arguments.
+    void invoke();
+    /// Makes `target` the target and sends the message to it.
+    void invokeWithTarget(Object* target);
+
+    /// The argument frame, and the place of the result, for the message machinery.
+    std::byte* frame() { return _frame; }
+    void* result() { return _result; }
+
+protected:
+    explicit NSInvocation(NSMethodSignature* signature);
+    ~NSInvocation();
+
+private:
+    const ArgumentLayout& argumentAtIndex(int index);
+    void requireType(int index, const char* encoding);
+    void requireResultType(const char* encoding);
+    void hold(const ArgumentLayout& argument, void* place);
+    void drop(const ArgumentLayout& argument, void* place);
+
+    static constexpr std::uint32_t kInlineFrame = 64;
+    static constexpr std::uint32_t kInlineResult = 16;
+
+    NSMethodSignature* _signature;
+    Object* _target = nullptr;
+    SEL _selector;
+    bool _retainsArguments = false;
+    bool _holdsResult = false;
+    std::byte* _frame;
+    std::byte* _result;
+    alignas(16) std::byte _inlineFrame[kInlineFrame];
+    alignas(16) std::byte _inlineResult[kInlineResult];
+};
+
+}  // namespace pelvor

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSObject: the root of the class tree, and the macros that give a C++ class its class record.
+#pragma once
+
+#include "Runtime/Object.h"
+#include "Runtime/Instances.h"
+
+namespace pelvor {
+
+template <class T>
+class MethodTable;
+
+/// In the body of a C++ class: ties it to its class record. `Self::classObject()` is the record.
+/// The .cpp holds PELVOR_DEFINE_CLASS.
+#define PELVOR_CLASS(Self, Base)                                               \
+public:                                                                        \
+    using ClassSelf = Self;                                                    \
+    using Super = Base;                                                        \
+    static ::pelvor::Class classRecord;                                        \
+    static ::pelvor::Class metaclassRecord;                                    \
+    static ::pelvor::Class* classObject() noexcept { return &classRecord; }    \
+                                                                               \
+protected:                                                                     \
+    void destroy() noexcept override { ::pelvor::Instances::destroy(this); }   \
+                                                                               \
+private:                                                                       \
+    friend struct ::pelvor::Instances;                                         \
+    static void defineMethods(::pelvor::MethodTable<Self>& methods)
+
+/// In the .cpp, outside any function, followed by a body that adds the class's methods to
+/// `methods`. `library` is the list that names the class.
+#define PELVOR_DEFINE_CLASS(Self, library)                                                              \
+    constinit ::pelvor::Class Self::metaclassRecord(::pelvor::Class::Metaclass{}, #Self, &Self::classRecord, \
+                                                    &Self::Super::metaclassRecord);                     \
+    constinit ::pelvor::Class Self::classRecord(#Self, &Self::metaclassRecord, &Self::Super::classRecord, \
+                                                ::pelvor::Instances::nativeClass<Self>(), &library);    \
+    void Self::defineMethods([[maybe_unused]] ::pelvor::MethodTable<Self>& methods)
+
+/// The root class. Subclass it with PELVOR_CLASS, keep constructors and destructor protected, and
+/// let initialisers be static members that end in `make<Self>(cls)`.
+class PELVOR_EXPORT NSObject : public Object {
+    PELVOR_CLASS(NSObject, Object);
+
+public:
+    /// An instance of `cls` with nothing but its defaults.
+    static Retained<NSObject> init(Class* cls = classObject());
+
+    /// Called once for a class before its first message, its superclass first. A subclass that has
+    /// none of its own gets its superclass's again.
+    static void initialize(Class* cls);
+
+    /// Whether instances of the receiving class answer the message.
+    static bool instancesRespondToSelector(SEL selector, Class* cls = classObject());
+
+    /// A copy: what `copyWithZone` answers. Raises if the class cannot be copied.
+    Retained<Object> copy();
+    Retained<Object> mutableCopy();
+    /// For classes that can be copied. The zone is not used.
+    virtual Retained<Object> copyWithZone(void* zone);
+    virtual Retained<Object> mutableCopyWithZone(void* zone);
+
+protected:
+    constexpr NSObject() noexcept = default;
+    constexpr NSObject(Class* isa, std::uint32_t count) noexcept : Object(isa, count) {}
+    ~NSObject() = default;
+};
+
+}  // namespace pelvor

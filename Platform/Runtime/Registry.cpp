@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Runtime/Registry.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "Runtime/NSException.h"
+#include "Runtime/RegistryState.h"
+
+namespace pelvor {
+
+Registry& Registry::shared() {
+    static auto& registry = *new Registry;
+    return registry;
+}
+
+void Registry::registerLibrary(Library& library) {
+    std::lock_guard guard(mutex);
+    if (library.isRegistered.load(std::memory_order_relaxed)) return;
+    for (Library* dependency : library.dependencies) registerLibrary(*dependency);
+    refuseTakenNames(library);
+    library.isRegistered.store(true, std::memory_order_release);
+    for (Class* cls : library.classes) registerClass(cls);
+    for (const Category* category : library.categories) addCategory(*category);
+}
+
+void Registry::refuseTakenNames(const Library& library) {
+    for (const Class* cls : library.classes) {
+        bool isTaken = _classesByName.contains(cls->name());
+        for (const Class* other : library.classes)
+            isTaken |= other != cls && std::strcmp(other->name(), cls->name()) == 0;
+        if (isTaken && !cls->_isRegistered)
+            throw NSException(NSInvalidArgumentException, std::string("the class name ") + cls->name() +
+                                                              " of " + library.name + " is already taken");
+    }
+}
+
+void Registry::registerClass(Class* cls) {
+    if (cls->_isRegistered.load(std::memory_order_relaxed)) return;
+    if (Class* superclass = cls->_superclass) {
+        if (!superclass->_isRegistered && superclass->_library) registerLibrary(*superclass->_library);
+        registerClass(superclass);
+        link(cls, superclass);
+    }
+    link(cls->metaclass(), cls->metaclass()->_superclass);
+    if (cls->_native.defineMethods && cls->_library) defineOwnMethods(cls);
+    cls->metaclass()->_isRegistered.store(true, std::memory_order_release);
+    cls->_isRegistered.store(true, std::memory_order_release);
+    _classes.push_back(cls);
+    _classesByName.emplace(cls->name(), cls);
+}
+
+void Registry::defineOwnMethods(Class* cls) {
+    auto* instance = new MethodGroup;
+    auto* classLevel = new MethodGroup;
+    cls->_native.defineMethods(*instance, *classLevel);
+    for (const MethodGroup* group : {instance, classLevel}) noteSignatures(*group);
+    cls->_groups = instance;
+    cls->metaclass()->_groups = classLevel;
+}
+
+void Registry::link(Class* cls, Class* superclass) {
+    cls->_nextSibling = superclass->_firstSubclass;
+    superclass->_firstSubclass = cls;
+}
+
+void Registry::unlink(Class* cls, Class* superclass) {
+    Class** place = &superclass->_firstSubclass;
+    while (*place != cls) place = &(*place)->_nextSibling;
+    *place = cls->_nextSibling;
+}
+
+void Registry::addCategory(const Category& category) {
+    _pendingCategories[category.className].push_back(&category);
+    if (auto found = _classesByName.find(category.className); found != _classesByName.end()) {
+        found->second->flushCaches();
+        found->second->metaclass()->flushCaches();
+    }
+}
+
+void Registry::attachPendingCategories(Class* cls) {
+    std::lock_guard guard(mutex);
+    if (_pendingCategories.empty()) return;
+    auto found = _pendingCategories.find(cls->name());
+    if (found == _pendingCategories.end()) return;
+    auto categories = std::move(found->second);
+    _pendingCategories.erase(found);
+    for (const Category* category : categories) {
+        MethodGroup instance{category->name, {}, nullptr};
+        MethodGroup classLevel{category->name, {}, nullptr};
+        category->defineMethods(instance, classLevel);
+        if (!instance.methods.empty()) cls->addMethods(std::move(instance));
+        if (!classLevel.methods.empty()) cls->metaclass()->addMethods(std::move(classLevel));
+    }
+}
+
+void Registry::noteSignatures(const MethodGroup& group) {
+    for (const Method& method : group.methods) noteSignature(method.implementation.signature);
+}
+
+void Registry::noteSignature(NSMethodSignature* signature) {
+    auto [found, isNew] = _signatures.emplace(signature->key(), signature);
+    if (!isNew && std::strcmp(found->second->types(), signature->types()) != 0)
+        throw NSException(NSInternalInconsistencyException, std::string("the types ") + signature->types() +
+                                                                " and " + found->second->types() +
+                                                                " have one key");
+}
+
+NSMethodSignature* Registry::signatureOfTypes(const char* types) {
+    std::lock_guard guard(mutex);
+    for (const auto& [key, signature] : _signatures)
+        if (std::strcmp(signature->types(), types) == 0) return signature;
+    return nullptr;
+}
+
+Class* Registry::classNamed(std::string_view name) {
+    std::lock_guard guard(mutex);
+    auto found = _classesByName.find(name);
+    return found == _classesByName.end() ? nullptr : found->second;
+}
+
+std::size_t Registry::classList(Class** buffer, std::size_t capacity) {
+    std::lock_guard guard(mutex);
+    std::copy_n(_classes.begin(), std::min(capacity, _classes.size()), buffer);
+    return _classes.size();
+}
+
+void Registry::pose(Class* poser, Class* original) {
+    std::lock_guard guard(mutex);
+    std::string_view oldName = original->name();
+    auto* newName = new std::string("%" + std::string(oldName));
+    _classesByName.insert_or_assign(oldName, poser);
+    original->_name = original->metaclass()->_name = newName->c_str();
+    _classesByName.emplace(*newName, original);
+    original->_poser.store(poser, std::memory_order_release);
+    original->_makesOwnInstances.store(false, std::memory_order_release);
+    adoptSubclasses(poser, original);
+    adoptSubclasses(poser->metaclass(), original->metaclass());
+}
+
+// Every subclass of the original but the poser becomes the poser's.
+void Registry::adoptSubclasses(Class* poser, Class* original) {
+    for (Class* cls = original->_firstSubclass; cls;) {
+        Class* next = cls->_nextSibling;
+        if (cls != poser && cls != poser->metaclass()) {
+            unlink(cls, original);
+            cls->_superclass = poser;
+            link(cls, poser);
+        }
+        cls = next;
+    }
+    original->flushCaches();
+}
+
+void Registry::keep(const CacheEntry* entry) { _cacheEntries.push_back(entry); }
+
+void registerLibrary(Library& library) {
+    if (!library.isRegistered.load(std::memory_order_acquire)) Registry::shared().registerLibrary(library);
+}
+
+std::size_t classList(Class** buffer, std::size_t capacity) {
+    return Registry::shared().classList(buffer, capacity);
+}
+
+Class* classNamed(std::string_view name) { return Registry::shared().classNamed(name); }
+
+}  // namespace pelvor

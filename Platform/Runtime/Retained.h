@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: Apache-2.0
+// Retained<T>: an owned reference to an object.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <type_traits>
+#include <utility>
+
+namespace pelvor {
+
+/// An owned reference, or none. What "create", "copy", "new" and "init" operations answer and what
+/// fields hold. There is no conversion from a bare pointer: say whether the count is taken over
+/// (`adopting`) or one is added (`retaining`). An lvalue converts to a borrowed `T*`.
+template <class T>
+class [[nodiscard]] Retained {
+  public:
+    constexpr Retained() noexcept = default;
+    constexpr Retained(std::nullptr_t) noexcept {}
+
+    /// Takes over a count that the caller owns.
+    static Retained adopting(T* object) noexcept {
+        Retained reference;
+        reference._object = object;
+        return reference;
+    }
+    /// Adds a count of its own.
+    static Retained retaining(T* object) noexcept {
+        if (object) object->retain();
+        return adopting(object);
+    }
+
+    Retained(const Retained& other) noexcept : _object(other._object) { retainObject(); }
+    Retained(Retained&& other) noexcept : _object(other.leak()) {}
+    template <class U>
+    requires std::is_convertible_v<U*, T*> Retained(const Retained<U>& other)
+    noexcept : _object(other.get()) { retainObject(); }
+    template <class U>
+    requires std::is_convertible_v<U*, T*> Retained(Retained<U>&& other)
+    noexcept : _object(other.leak()) {}
+    ~Retained() {
+        if (_object) _object->release();
+    }
+
+    // The new object is in place before the old one is released: a release may come back here.
+    Retained& operator=(Retained other) noexcept {
+        std::swap(_object, other._object);
+        return *this;
+    }
+
+    /// Holds `object` from now on, with a count of its own.
+    void set(T* object) noexcept { *this = retaining(object); }
+
+    T* get() const noexcept { return _object; }
+    T* operator->() const noexcept { return _object; }
+    T& operator*() const noexcept { return *_object; }
+    explicit operator bool() const noexcept { return _object != nullptr; }
+    operator T*() const& noexcept { return _object; }
+    operator T*() const&& = delete;
+
+    /// Hands the count to the caller and forgets the object.
+    [[nodiscard]] T* leak() noexcept { return std::exchange(_object, nullptr); }
+    /// Hands the count to the current autorelease pool; the result is borrowed.
+    T* autorelease() && noexcept {
+        T* object = leak();
+        if (object) object->autorelease();
+        return object;
+    }
+
+    friend bool operator==(const Retained& a, std::nullptr_t) noexcept { return a._object == nullptr; }
+    template <class U>
+    friend bool operator==(const Retained& a, const Retained<U>& b) noexcept {
+        return a._object == b.get();
+    }
+    template <class U>
+    friend bool operator==(const Retained& a, U* b) noexcept {
+        return a._object == b;
+    }
+
+  private:
+    void retainObject() const noexcept {
+        if (_object) _object->retain();
+    }
+
+    T* _object = nullptr;
+};
+
+template <class T>
+inline constexpr bool isRetained = false;
+template <class T>
+inline constexpr bool isRetained<Retained<T>> = true;
+
+}  // namespace pelvor
+
+template <class T>
+struct std::hash<pelvor::Retained<T>> {
+    std::size_t operator()(const pelvor::Retained<T>& reference) const noexcept {
+        return std::hash<T*>()(reference.get());
+    }
+};
