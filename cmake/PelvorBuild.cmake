@@ -45,7 +45,7 @@ endif()
 # Gives a target of ours its warnings; they never reach those who link it.
 function(pelvor_warnings target)
     target_compile_options(${target} PRIVATE
-        -Wall -Wextra -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough
+        -Wall -Wextra -Woverloaded-virtual -Wcast-align -Wformat=2 -Wimplicit-fallthrough
         -Wundef -Wno-unused-parameter
         $<$<BOOL:${PELVOR_WERROR}>:-Werror>)
 endfunction()

@@ -10,7 +10,7 @@ namespace pelvor {
 class NSInlineString : public NSString {
     PELVOR_CLASS(NSInlineString, NSString);
 
-public:
+  public:
     /// An owned string of `length` units, whose content the caller writes to `characters()` before
     /// anybody else sees the string.
     static Retained<NSInlineString> create(NSUInteger length);
@@ -21,11 +21,11 @@ public:
     unichar* characters() { return reinterpret_cast<unichar*>(this + 1); }
     Retained<Object> copyWithZone(void* zone) override;
 
-protected:
+  protected:
     explicit NSInlineString(NSUInteger length) : _length(length) {}
     ~NSInlineString() = default;
 
-private:
+  private:
     NSUInteger _length;
 };
 

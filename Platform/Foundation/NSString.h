@@ -19,7 +19,7 @@ class NSMutableString;
 class PELVOR_EXPORT NSString : public NSObject {
     PELVOR_CLASS(NSString, NSObject);
 
-public:
+  public:
     // Creation. Operations whose names begin with "init" answer owned strings, the others borrowed ones.
 
     /// The empty string.
@@ -54,10 +54,12 @@ public:
     NSString* description() override { return this; }
     bool isEqualToString(NSString* other);
 
-    Retained<NSString> copy() { return Retained<NSString>::adopting(static_cast<NSString*>(copyWithZone(nullptr).leak())); }
+    Retained<NSString> copy() {
+        return Retained<NSString>::adopting(static_cast<NSString*>(copyWithZone(nullptr).leak()));
+    }
     Retained<Object> copyWithZone(void* zone) override;
 
-protected:
+  protected:
     constexpr NSString() noexcept = default;
     constexpr NSString(Class* isa, std::uint32_t count) noexcept : NSObject(isa, count) {}
     ~NSString() = default;
@@ -67,16 +69,18 @@ protected:
 class PELVOR_EXPORT NSConstantString final : public NSString {
     PELVOR_CLASS(NSConstantString, NSString);
 
-public:
+  public:
     constexpr explicit NSConstantString(std::u16string_view units)
-        : NSString(&classRecord, kImmortal), _characters(units.data()), _length(static_cast<NSUInteger>(units.size())) {}
+        : NSString(&classRecord, kImmortal),
+          _characters(units.data()),
+          _length(static_cast<NSUInteger>(units.size())) {}
 
     NSUInteger length() override { return _length; }
     unichar characterAtIndex(NSUInteger index) override;
     const unichar* contiguousCharacters() override { return _characters; }
     Retained<Object> copyWithZone(void* zone) override;
 
-private:
+  private:
     const unichar* _characters;
     NSUInteger _length;
 };

@@ -28,7 +28,7 @@ struct alignas(64) CacheEntry {
 class PELVOR_EXPORT Class final : public NSObject {
     PELVOR_CLASS(Class, NSObject);
 
-public:
+  public:
     /// "PBIdleQueue". Both a class and its metaclass have the name.
     const char* name() const { return _name; }
     /// Where inherited methods come from; a posing class stands here for the one that it replaced.
@@ -102,13 +102,23 @@ public:
 
     struct Metaclass {};
     constexpr Class(Metaclass, const char* name, Class* describes, Class* superclass)
-        : NSObject(&NSObject::metaclassRecord, kImmortal), _name(name), _superclass(superclass),
-          _nativeSuperclass(superclass), _describes(describes), _isMetaclass(true) {}
-    constexpr Class(const char* name, Class* metaclass, Class* superclass, NativeClass native, Library* library)
-        : NSObject(metaclass, kImmortal), _name(name), _superclass(superclass), _nativeSuperclass(superclass),
-          _native(native), _library(library), _describes(this) {}
+        : NSObject(&NSObject::metaclassRecord, kImmortal),
+          _name(name),
+          _superclass(superclass),
+          _nativeSuperclass(superclass),
+          _describes(describes),
+          _isMetaclass(true) {}
+    constexpr Class(const char* name, Class* metaclass, Class* superclass, NativeClass native,
+                    Library* library)
+        : NSObject(metaclass, kImmortal),
+          _name(name),
+          _superclass(superclass),
+          _nativeSuperclass(superclass),
+          _native(native),
+          _library(library),
+          _describes(this) {}
 
-private:
+  private:
     friend class Registry;
     enum class Initialization : std::uint8_t { none, running, done };
     static constexpr std::uint32_t kCacheSize = 64;
@@ -116,9 +126,8 @@ private:
     using Cache = std::array<std::atomic<const CacheEntry*>, kCacheSize>;
 
     static constexpr Cache emptyCache() {
-        return []<std::size_t... I>(std::index_sequence<I...>) {
-            return Cache{((void)I, &kNoEntry)...};
-        }(std::make_index_sequence<kCacheSize>{});
+        return []<std::size_t... I>(std::index_sequence<I...>) { return Cache{((void)I, &kNoEntry)...}; }
+        (std::make_index_sequence<kCacheSize>{});
     }
 
     void runInitialize();
@@ -139,7 +148,8 @@ private:
     Class* _firstSubclass = nullptr;
     Class* _nextSibling = nullptr;
     std::atomic<Class*> _poser{nullptr};
-    const void* _initializer = nullptr;  // the thread in `initialize`, by the address of a variable of its own
+    const void* _initializer =
+        nullptr;  // the thread in `initialize`, by the address of a variable of its own
     std::atomic<Initialization> _initialization{Initialization::none};
     std::atomic<bool> _makesOwnInstances{false};
     std::atomic<bool> _isRegistered{false};
@@ -175,8 +185,8 @@ inline Class* asClass(Object* object) {
 namespace detail {
 
 template <auto Function, bool TakesClass, class... A>
-Wire<typename FunctionTypes<decltype(Function)>::Result> StaticThunk<Function, TakesClass, TypeList<A...>>::call(
-    Object* self, SEL selector, Wire<A>... arguments) {
+Wire<typename FunctionTypes<decltype(Function)>::Result>
+StaticThunk<Function, TakesClass, TypeList<A...>>::call(Object* self, SEL selector, Wire<A>... arguments) {
     auto run = [&] {
         if constexpr (TakesClass)
             return Function(argumentFromWire<A>(arguments, self, selector)..., static_cast<Class*>(self));

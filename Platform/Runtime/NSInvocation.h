@@ -12,7 +12,7 @@ namespace pelvor {
 class PELVOR_EXPORT NSInvocation final : public NSObject {
     PELVOR_CLASS(NSInvocation, NSObject);
 
-public:
+  public:
     /// An invocation with all arguments zero. Raises NSInvalidArgumentException for no signature.
     static NSInvocation* invocationWithMethodSignature(NSMethodSignature* signature);
 
@@ -60,11 +60,11 @@ public:
     std::byte* frame() { return _frame; }
     void* result() { return _result; }
 
-protected:
+  protected:
     explicit NSInvocation(NSMethodSignature* signature);
     ~NSInvocation();
 
-private:
+  private:
     const ArgumentLayout& argumentAtIndex(int index);
     void requireType(int index, const char* encoding);
     void requireResultType(const char* encoding);

@@ -19,14 +19,15 @@ struct ArgumentLayout {
 };
 
 /// Calls `function` with the arguments that stand in `frame`; the result, if any, goes to `result`.
-using FrameInvoker = void (*)(void (*function)(), Object* self, SEL selector, const std::byte* frame, void* result);
+using FrameInvoker = void (*)(void (*function)(), Object* self, SEL selector, const std::byte* frame,
+                              void* result);
 
 /// The types of a method, immutable and immortal. Arguments 0 and 1 are the receiver and the
 /// selector; those of the message begin at 2. Any thread.
 class PELVOR_EXPORT NSMethodSignature final : public NSObject {
     PELVOR_CLASS(NSMethodSignature, NSObject);
 
-public:
+  public:
     /// The signature with these encodings, "v@:@", if a method or a message of that type is known.
     static NSMethodSignature* signatureWithObjCTypes(const char* types);
 
@@ -56,15 +57,21 @@ public:
         _invoker(function, self, selector, frame, result);
     }
 
-private:
+  private:
     template <class R, class... Arguments>
     friend struct SignatureFor;
 
     constexpr NSMethodSignature(const char* types, std::uint64_t key, const ArgumentLayout* arguments,
                                 std::uint32_t count, ArgumentLayout result, std::uint32_t frameLength,
                                 FrameInvoker invoker)
-        : NSObject(&classRecord, kImmortal), _types(types), _key(key), _arguments(arguments), _result(result),
-          _count(count), _frameLength(frameLength), _invoker(invoker) {}
+        : NSObject(&classRecord, kImmortal),
+          _types(types),
+          _key(key),
+          _arguments(arguments),
+          _result(result),
+          _count(count),
+          _frameLength(frameLength),
+          _invoker(invoker) {}
 
     const char* _types;
     std::uint64_t _key;
@@ -110,11 +117,14 @@ struct SignatureFor {
         [&]<std::size_t... I>(std::index_sequence<I...>) {
             auto call = reinterpret_cast<Wire<R> (*)(Object*, SEL, Wire<Arguments>...)>(function);
             if constexpr (std::is_void_v<R>)
-                call(self, selector, *reinterpret_cast<const Wire<Arguments>*>(frame + kArguments[I].offset)...);
+                call(self, selector,
+                     *reinterpret_cast<const Wire<Arguments>*>(frame + kArguments[I].offset)...);
             else
                 *static_cast<Wire<R>*>(result) =
-                    call(self, selector, *reinterpret_cast<const Wire<Arguments>*>(frame + kArguments[I].offset)...);
-        }(std::index_sequence_for<Arguments...>{});
+                    call(self, selector,
+                         *reinterpret_cast<const Wire<Arguments>*>(frame + kArguments[I].offset)...);
+        }
+        (std::index_sequence_for<Arguments...>{});
     }
 
     inline static constinit NSMethodSignature object{

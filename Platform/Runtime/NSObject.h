@@ -2,8 +2,8 @@
 // NSObject: the root of the class tree, and the macros that give a C++ class its class record.
 #pragma once
 
-#include "Runtime/Object.h"
 #include "Runtime/Instances.h"
+#include "Runtime/Object.h"
 
 namespace pelvor {
 
@@ -12,28 +12,28 @@ class MethodTable;
 
 /// In the body of a C++ class: ties it to its class record. `Self::classObject()` is the record.
 /// The .cpp holds PELVOR_DEFINE_CLASS.
-#define PELVOR_CLASS(Self, Base)                                               \
-public:                                                                        \
-    using ClassSelf = Self;                                                    \
-    using Super = Base;                                                        \
-    static ::pelvor::Class classRecord;                                        \
-    static ::pelvor::Class metaclassRecord;                                    \
-    static ::pelvor::Class* classObject() noexcept { return &classRecord; }    \
-                                                                               \
-protected:                                                                     \
-    void destroy() noexcept override { ::pelvor::Instances::destroy(this); }   \
-                                                                               \
-private:                                                                       \
-    friend struct ::pelvor::Instances;                                         \
+#define PELVOR_CLASS(Self, Base)                                             \
+  public:                                                                    \
+    using ClassSelf = Self;                                                  \
+    using Super = Base;                                                      \
+    static ::pelvor::Class classRecord;                                      \
+    static ::pelvor::Class metaclassRecord;                                  \
+    static ::pelvor::Class* classObject() noexcept { return &classRecord; }  \
+                                                                             \
+  protected:                                                                 \
+    void destroy() noexcept override { ::pelvor::Instances::destroy(this); } \
+                                                                             \
+  private:                                                                   \
+    friend struct ::pelvor::Instances;                                       \
     static void defineMethods(::pelvor::MethodTable<Self>& methods)
 
 /// In the .cpp, outside any function, followed by a body that adds the class's methods to
 /// `methods`. `library` is the list that names the class.
-#define PELVOR_DEFINE_CLASS(Self, library)                                                              \
+#define PELVOR_DEFINE_CLASS(Self, library)                                                                   \
     constinit ::pelvor::Class Self::metaclassRecord(::pelvor::Class::Metaclass{}, #Self, &Self::classRecord, \
-                                                    &Self::Super::metaclassRecord);                     \
-    constinit ::pelvor::Class Self::classRecord(#Self, &Self::metaclassRecord, &Self::Super::classRecord, \
-                                                ::pelvor::Instances::nativeClass<Self>(), &library);    \
+                                                    &Self::Super::metaclassRecord);                          \
+    constinit ::pelvor::Class Self::classRecord(#Self, &Self::metaclassRecord, &Self::Super::classRecord,    \
+                                                ::pelvor::Instances::nativeClass<Self>(), &library);         \
     void Self::defineMethods([[maybe_unused]] ::pelvor::MethodTable<Self>& methods)
 
 /// The root class. Subclass it with PELVOR_CLASS, keep constructors and destructor protected, and
@@ -41,7 +41,7 @@ private:                                                                       \
 class PELVOR_EXPORT NSObject : public Object {
     PELVOR_CLASS(NSObject, Object);
 
-public:
+  public:
     /// An instance of `cls` with nothing but its defaults.
     static Retained<NSObject> init(Class* cls = classObject());
 
@@ -59,7 +59,7 @@ public:
     virtual Retained<Object> copyWithZone(void* zone);
     virtual Retained<Object> mutableCopyWithZone(void* zone);
 
-protected:
+  protected:
     constexpr NSObject() noexcept = default;
     constexpr NSObject(Class* isa, std::uint32_t count) noexcept : Object(isa, count) {}
     ~NSObject() = default;

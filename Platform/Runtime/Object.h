@@ -26,7 +26,7 @@ using id = Object*;
 /// (`make<T>()`) and destroyed by the release that takes the last count. Counting is safe on any
 /// thread; everything else follows the thread rule of the object's class.
 class PELVOR_EXPORT Object {
-public:
+  public:
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
 
@@ -73,7 +73,7 @@ public:
     id performSelector_withObject(SEL selector, id object);
     id performSelector_withObject_withObject(SEL selector, id first, id second);
 
-protected:
+  protected:
     constexpr Object() noexcept = default;
     constexpr Object(Class* isa, std::uint32_t count) noexcept : _isa(isa), _retainCount(count) {}
     ~Object() = default;
@@ -95,7 +95,7 @@ protected:
     /// The count of objects that live as long as the process; balanced use never brings it near 0.
     static constexpr std::uint32_t kImmortal = 0x40000000;
 
-private:
+  private:
     friend struct Instances;
 
     static constexpr std::uint32_t kOverridesRelease = 1;
