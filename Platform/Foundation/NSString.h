@@ -102,7 +102,7 @@ inline namespace literals {
 
 /// `u"text"_ns`: an immortal string without start-up cost.
 template <detail::Literal16 Text>
-NSString* operator""_ns() {
+constexpr NSString* operator""_ns() {
     return &detail::literalString<Text>;
 }
 
