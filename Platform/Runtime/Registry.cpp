@@ -129,7 +129,8 @@ std::size_t Registry::classList(Class** buffer, std::size_t capacity) {
 void Registry::pose(Class* poser, Class* original) {
     std::lock_guard guard(mutex);
     std::string_view oldName = original->name();
-    auto* newName = new std::string("%" + std::string(oldName));
+    auto* newName = new std::string("%");
+    newName->append(oldName);
     _classesByName.insert_or_assign(oldName, poser);
     original->_name = original->metaclass()->_name = newName->c_str();
     _classesByName.emplace(*newName, original);
