@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSArray: an immutable sequence of objects.
+#pragma once
+
+#include <initializer_list>
+
+#include "Foundation/NSEnumerator.h"
+
+namespace pelvor {
+
+class NSMutableArray;
+class NSString;
+
+/// Orders two objects: below 0 when the first sorts before the second, above 0 when after, else 0.
+using NSCompareFunction = int (*)(id first, id second, void* context);
+
+/// A sequence of objects, which it retains; none is never among them. Abstract over `count` and
+/// `objectAtIndex`, on which everything else stands; the creators answer objects of concrete classes.
+///
+///     NSArray* names = NSArray::of({u"Anna"_ns, u"Berta"_ns});
+///     for (id name : names) …
+///
+/// Two objects are the same where `isEqual` of the array's entry says so. Objects handed out are
+/// borrowed. Immutable arrays may be used on any thread as far as their objects may.
+class PELVOR_EXPORT NSArray : public NSObject {
+    PELVOR_CLASS(NSArray, NSObject);
+
+  public:
+    // Creation. Operations whose names begin with "init" answer owned arrays, the others borrowed ones.
+    // Those that take objects raise NSInvalidArgumentException if none is among them.
+
+    static NSArray* array();
+    static NSArray* arrayWithObject(id object);
+    static NSArray* arrayWithObjects(std::initializer_list<Object*> objects);
+    static NSArray* arrayWithObjects_count(Object* const* objects, NSUInteger count);
+    static NSArray* arrayWithArray(NSArray* array);
+    static NSArray* of(std::initializer_list<Object*> objects) { return arrayWithObjects(objects); }
+
+    static Retained<NSArray> init();
+    static Retained<NSArray> initWithObjects(std::initializer_list<Object*> objects);
+    static Retained<NSArray> initWithObjects_count(Object* const* objects, NSUInteger count);
+    static Retained<NSArray> initWithArray(NSArray* array);
+
+    // Primitives
+
+    virtual NSUInteger count() = 0;
+    /// Raises NSRangeException for an index at or past the end.
+    virtual id objectAtIndex(NSUInteger index) = 0;
+    /// All objects in one piece where the array has them so, else none. Valid until the array changes
+    /// or goes.
+    virtual Object* const* contiguousObjects() { return nullptr; }
+    /// A number that changes when objects come, go or move; by it, walks notice changes.
+    virtual const std::uint32_t* mutationCounter() { return &detail::kNeverMutated; }
+
+    // Objects and indexes. Searches answer NSNotFound where there is none.
+
+    /// None for an empty array.
+    id lastObject();
+    bool containsObject(id object);
+    NSUInteger indexOfObject(id object);
+    /// Raises NSRangeException for a range that is not inside, as all operations with a range do.
+    NSUInteger indexOfObject_inRange(id object, NSRange range);
+    /// The index of this very object.
+    NSUInteger indexOfObjectIdenticalTo(id object);
+    NSUInteger indexOfObjectIdenticalTo_inRange(id object, NSRange range);
+    /// The receiver's first object that the other array has too; none without one.
+    id firstObjectCommonWithArray(NSArray* other);
+    void getObjects(Object** buffer);
+    void getObjects_range(Object** buffer, NSRange range);
+    NSEnumerator* objectEnumerator();
+    NSEnumerator* reverseObjectEnumerator();
+
+    // Other arrays, borrowed
+
+    NSArray* subarrayWithRange(NSRange range);
+    NSArray* arrayByAddingObject(id object);
+    NSArray* arrayByAddingObjectsFromArray(NSArray* other);
+    /// The objects in ascending order; those that are the same keep theirs. The message takes an object
+    /// and answers an NSComparisonResult.
+    NSArray* sortedArrayUsingSelector(SEL comparator);
+    NSArray* sortedArrayUsingFunction_context(NSCompareFunction comparator, void* context);
+
+    // Everything else
+
+    /// The objects' descriptions with the separator between them.
+    NSString* componentsJoinedByString(NSString* separator);
+    /// Sends the message to the objects that are there when the operation begins.
+    void makeObjectsPerformSelector(SEL selector);
+    void makeObjectsPerformSelector_withObject(SEL selector, id argument);
+    bool isEqualToArray(NSArray* other);
+
+    bool isEqual(id other) override;
+    std::uintptr_t hash() override;
+    /// The text of the array as an old-style property list.
+    NSString* description() override;
+    Retained<Object> copyWithZone(void* zone) override;
+    Retained<Object> mutableCopyWithZone(void* zone) override;
+    Retained<NSArray> copy() {
+        return Retained<NSArray>::adopting(static_cast<NSArray*>(copyWithZone(nullptr).leak()));
+    }
+    Retained<NSMutableArray> mutableCopy();
+
+  protected:
+    constexpr NSArray() noexcept = default;
+    constexpr NSArray(Class* isa, std::uint32_t count) noexcept : NSObject(isa, count) {}
+    ~NSArray() = default;
+};
+
+/// The place of a range-for loop in an array. Raises NSGenericException when the array was changed.
+class NSArrayIterator {
+  public:
+    using value_type = id;
+    using difference_type = std::ptrdiff_t;
+
+    explicit NSArrayIterator(NSArray* array) : _array(Retained<NSArray>::retaining(array)) {
+        if (!array) return;
+        _objects = array->contiguousObjects();
+        _watch = detail::MutationWatch(array->mutationCounter());
+        _count = array->count();
+    }
+    id operator*() const { return _objects ? _objects[_index] : _array->objectAtIndex(_index); }
+    NSArrayIterator& operator++() {
+        _watch.check(_array);
+        ++_index;
+        return *this;
+    }
+    void operator++(int) { ++*this; }
+    bool operator==(std::default_sentinel_t) const { return _index >= _count; }
+
+  private:
+    Retained<NSArray> _array;
+    Object* const* _objects = nullptr;
+    detail::MutationWatch _watch;
+    NSUInteger _index = 0;
+    NSUInteger _count = 0;
+};
+
+inline NSArrayIterator begin(NSArray* array) { return NSArrayIterator(array); }
+inline std::default_sentinel_t end(NSArray*) { return {}; }
+
+}  // namespace pelvor

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSCountedSet: a set that counts how often each member was added.
+#pragma once
+
+#include <memory>
+
+#include "Foundation/NSMutableSet.h"
+
+namespace pelvor {
+
+/// A mutable set that counts: a member stays until it was removed as often as it was added. `count` and
+/// walks take each member once. It equals every set with the same members and counts.
+class PELVOR_EXPORT NSCountedSet : public NSMutableSet {
+    PELVOR_CLASS(NSCountedSet, NSMutableSet);
+
+  public:
+    static NSCountedSet* set();
+    static NSCountedSet* setWithArray(NSArray* array);
+    static NSCountedSet* setWithSet(NSSet* set);
+    static NSCountedSet* of(std::initializer_list<Object*> objects);
+    static Retained<NSCountedSet> init(Class* cls = classObject());
+    static Retained<NSCountedSet> initWithArray(NSArray* array, Class* cls = classObject());
+    static Retained<NSCountedSet> initWithSet(NSSet* set, Class* cls = classObject());
+
+    /// How often the object is in the set; 0 for one that is not.
+    NSUInteger countForObject(id object);
+
+    NSUInteger count() override;
+    id member(id object) override;
+    id stepFrom(NSUInteger& position) override;
+    const std::uint32_t* mutationCounter() override { return &_mutations; }
+    void addObject(id object) override;
+    void removeObject(id object) override;
+    void removeAllObjects() override;
+    Retained<Object> copyWithZone(void* zone) override;
+    Retained<Object> mutableCopyWithZone(void* zone) override;
+    /// The members with their counts.
+    NSString* description() override;
+
+  protected:
+    NSCountedSet();
+    ~NSCountedSet();
+
+  private:
+    struct Table;
+    std::unique_ptr<Table> _table;
+    std::uint32_t _mutations = 0;
+};
+
+}  // namespace pelvor

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSData: an immutable block of bytes.
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+#include "Foundation/NSRange.h"
+#include "Foundation/ObjectPrinting.h"
+#include "Runtime/Class.h"
+
+namespace pelvor {
+
+class NSMutableData;
+class NSString;
+
+/// Bytes. Abstract over `length` and `bytes`; the creators answer objects of concrete classes, which
+/// copy what they are given. Immutable data may be used on any thread.
+class PELVOR_EXPORT NSData : public NSObject {
+    PELVOR_CLASS(NSData, NSObject);
+
+  public:
+    // Creation. Operations whose names begin with "init" answer owned data, the others borrowed data.
+
+    static NSData* data();
+    static NSData* dataWithBytes_length(const void* bytes, NSUInteger length);
+    static NSData* dataWithData(NSData* data);
+    /// The content of the file as far as it can be read; none when it cannot be opened or is no file, or
+    /// does not fit NSUInteger.
+    static NSData* dataWithContentsOfFile(NSString* path);
+    static NSData* of(std::span<const std::byte> bytes);
+
+    static Retained<NSData> initWithBytes_length(const void* bytes, NSUInteger length);
+    static Retained<NSData> initWithData(NSData* data);
+    static Retained<NSData> initWithContentsOfFile(NSString* path);
+
+    // Primitives
+
+    virtual NSUInteger length() = 0;
+    /// Valid until the data change or go. May be none for empty data.
+    virtual const void* bytes() = 0;
+
+    std::span<const std::byte> span() { return {static_cast<const std::byte*>(bytes()), length()}; }
+    /// Copies the bytes to the buffer.
+    void getBytes(void* buffer);
+    /// As many bytes as there are, at most `length`.
+    void getBytes_length(void* buffer, NSUInteger length);
+    /// Raises NSRangeException for a range that is not inside.
+    void getBytes_range(void* buffer, NSRange range);
+    NSData* subdataWithRange(NSRange range);
+    /// Writes the file, new or in the place of an old one; atomically: as a whole or not at all. Answers
+    /// whether it worked.
+    bool writeToFile_atomically(NSString* path, bool isAtomic);
+    bool isEqualToData(NSData* other);
+
+    bool isEqual(id other) override;
+    std::uintptr_t hash() override;
+    /// "<0102aaff 00>".
+    NSString* description() override;
+    Retained<Object> copyWithZone(void* zone) override;
+    Retained<Object> mutableCopyWithZone(void* zone) override;
+    Retained<NSData> copy() {
+        return Retained<NSData>::adopting(static_cast<NSData*>(copyWithZone(nullptr).leak()));
+    }
+    Retained<NSMutableData> mutableCopy();
+
+  protected:
+    NSData() = default;
+    ~NSData() = default;
+};
+
+}  // namespace pelvor

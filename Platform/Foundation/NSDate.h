@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSDate: a moment.
+#pragma once
+
+#include "Foundation/NSRange.h"
+#include "Foundation/ObjectPrinting.h"
+#include "Runtime/Class.h"
+
+namespace pelvor {
+
+/// Seconds.
+using NSTimeInterval = double;
+
+/// From 1970-01-01 to the reference date 2001-01-01, both 00:00 UTC, without leap seconds.
+inline constexpr NSTimeInterval NSTimeIntervalSince1970 = 978307200.0;
+
+/// A moment, kept as the seconds since 2001-01-01 00:00 UTC. Dates are equal when their seconds are
+/// exactly. Abstract over `timeIntervalSinceReferenceDate`. Creators answer borrowed dates, owned ones
+/// where the name begins with "init". Any thread.
+class PELVOR_EXPORT NSDate : public NSObject {
+    PELVOR_CLASS(NSDate, NSObject);
+
+  public:
+    /// Now.
+    static NSDate* date();
+    static NSDate* dateWithTimeIntervalSinceNow(NSTimeInterval seconds);
+    static NSDate* dateWithTimeIntervalSinceReferenceDate(NSTimeInterval seconds);
+    static NSDate* dateWithTimeIntervalSince1970(NSTimeInterval seconds);
+    /// Dates that come before and after all others in practice.
+    static NSDate* distantPast();
+    static NSDate* distantFuture();
+    static Retained<NSDate> init();
+    static Retained<NSDate> initWithTimeIntervalSinceReferenceDate(NSTimeInterval seconds);
+    static Retained<NSDate> initWithTimeIntervalSinceNow(NSTimeInterval seconds);
+    static Retained<NSDate> initWithTimeInterval_sinceDate(NSTimeInterval seconds, NSDate* date);
+    /// Now, in seconds.
+    static NSTimeInterval currentTimeIntervalSinceReferenceDate();
+
+    virtual NSTimeInterval timeIntervalSinceReferenceDate() = 0;
+    NSTimeInterval timeIntervalSince1970();
+    /// Below 0 for a date in the past.
+    NSTimeInterval timeIntervalSinceNow();
+    NSTimeInterval timeIntervalSinceDate(NSDate* other);
+
+    NSDate* addTimeInterval(NSTimeInterval seconds);
+    /// The receiver where both are the same.
+    NSDate* earlierDate(NSDate* other);
+    NSDate* laterDate(NSDate* other);
+    NSComparisonResult compare(NSDate* other);
+    bool isEqualToDate(NSDate* other);
+
+    bool isEqual(id other) override;
+    std::uintptr_t hash() override;
+    /// The moment in UTC to the second, "2001-01-01 00:00:00 +0000".
+    NSString* description() override;
+    Retained<Object> copyWithZone(void* zone) override;
+
+  protected:
+    constexpr NSDate() noexcept = default;
+    constexpr NSDate(Class* isa, std::uint32_t count) noexcept : NSObject(isa, count) {}
+    ~NSDate() = default;
+};
+
+}  // namespace pelvor

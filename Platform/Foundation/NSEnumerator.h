@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSEnumerator: hands out the objects of a collection one after the other.
+#pragma once
+
+#include <cstdint>
+#include <iterator>
+
+#include "Foundation/NSRange.h"
+#include "Foundation/ObjectPrinting.h"
+#include "Runtime/Class.h"
+
+namespace pelvor {
+
+class NSArray;
+
+/// A walk over objects, used up by walking: `while (id object = enumerator->nextObject())`, or in C++
+/// `for (id object : enumerator)`. Abstract over `nextObject`. The enumerators of collections keep their
+/// collection alive until the walk has ended, and raise NSGenericException when it was changed since
+/// they were made; an object put in the place of another is no such change.
+class PELVOR_EXPORT NSEnumerator : public NSObject {
+    PELVOR_CLASS(NSEnumerator, NSObject);
+
+  public:
+    /// The next object, borrowed; none at the end and from then on.
+    virtual id nextObject() = 0;
+    /// The objects that are still to come.
+    NSArray* allObjects();
+
+  protected:
+    NSEnumerator() = default;
+    ~NSEnumerator() = default;
+};
+
+/// Raises NSGenericException: `collection` was changed in the middle of a walk over it.
+[[noreturn]] PELVOR_EXPORT void raiseMutatedWhileEnumerated(Object* collection);
+
+namespace detail {
+
+// Watches the number that a collection changes with its contents.
+class MutationWatch {
+  public:
+    MutationWatch() = default;
+    explicit MutationWatch(const std::uint32_t* counter) : _counter(counter), _expected(*counter) {}
+    void check(Object* collection) const {
+        if (*_counter != _expected) [[unlikely]]
+            raiseMutatedWhileEnumerated(collection);
+    }
+
+  private:
+    const std::uint32_t* _counter = nullptr;
+    std::uint32_t _expected = 0;
+};
+
+// The counter of collections that never change.
+inline constexpr std::uint32_t kNeverMutated = 0;
+
+}  // namespace detail
+
+/// The place of a range-for loop in an enumerator.
+class NSEnumeratorIterator {
+  public:
+    using value_type = id;
+    using difference_type = std::ptrdiff_t;
+
+    explicit NSEnumeratorIterator(NSEnumerator* enumerator)
+        : _enumerator(Retained<NSEnumerator>::retaining(enumerator)),
+          _object(enumerator ? enumerator->nextObject() : nullptr) {}
+    id operator*() const { return _object; }
+    NSEnumeratorIterator& operator++() {
+        _object = _enumerator->nextObject();
+        return *this;
+    }
+    void operator++(int) { ++*this; }
+    bool operator==(std::default_sentinel_t) const { return !_object; }
+
+  private:
+    Retained<NSEnumerator> _enumerator;
+    id _object;
+};
+
+inline NSEnumeratorIterator begin(NSEnumerator* enumerator) { return NSEnumeratorIterator(enumerator); }
+inline std::default_sentinel_t end(NSEnumerator*) { return {}; }
+
+}  // namespace pelvor

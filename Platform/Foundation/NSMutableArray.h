@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSMutableArray: a sequence of objects that can be changed.
+#pragma once
+
+#include "Foundation/NSArray.h"
+
+namespace pelvor {
+
+/// An array that can be changed. Abstract over NSArray's primitives and the five below. Operations that
+/// raise change nothing. An object that goes is released when the array already stands as it will be,
+/// so what its release does may use the array. One thread at a time.
+class PELVOR_EXPORT NSMutableArray : public NSArray {
+    PELVOR_CLASS(NSMutableArray, NSArray);
+
+  public:
+    // Creation; as in NSArray.
+
+    static NSMutableArray* array();
+    static NSMutableArray* arrayWithCapacity(NSUInteger capacity);
+    static NSMutableArray* arrayWithObject(id object);
+    static NSMutableArray* arrayWithObjects(std::initializer_list<Object*> objects);
+    static NSMutableArray* arrayWithObjects_count(Object* const* objects, NSUInteger count);
+    static NSMutableArray* arrayWithArray(NSArray* array);
+    static NSMutableArray* of(std::initializer_list<Object*> objects) { return arrayWithObjects(objects); }
+
+    static Retained<NSMutableArray> init();
+    /// Room for so many objects is made beforehand.
+    static Retained<NSMutableArray> initWithCapacity(NSUInteger capacity);
+    static Retained<NSMutableArray> initWithObjects(std::initializer_list<Object*> objects);
+    static Retained<NSMutableArray> initWithObjects_count(Object* const* objects, NSUInteger count);
+    static Retained<NSMutableArray> initWithArray(NSArray* array);
+
+    // Primitives. No object raises NSInvalidArgumentException, a bad index NSRangeException; so it is
+    // with everything that stands on them.
+
+    virtual void addObject(id object) = 0;
+    /// The index may be the count.
+    virtual void insertObject_atIndex(id object, NSUInteger index) = 0;
+    virtual void replaceObjectAtIndex_withObject(NSUInteger index, id object) = 0;
+    virtual void removeObjectAtIndex(NSUInteger index) = 0;
+    virtual void removeObjectsInRange(NSRange range) = 0;
+
+    // Adding and replacing
+
+    void addObjectsFromArray(NSArray* other);
+    void replaceObjectsInRange_withObjectsFromArray(NSRange range, NSArray* other);
+    void exchangeObjectAtIndex_withObjectAtIndex(NSUInteger first, NSUInteger second);
+    void setArray(NSArray* other);
+
+    // Removing
+
+    /// Raises NSRangeException when the array is empty.
+    void removeLastObject();
+    void removeAllObjects();
+    /// Removes every object that is the same as this one; does nothing if there is none.
+    void removeObject(id object);
+    void removeObject_inRange(id object, NSRange range);
+    void removeObjectIdenticalTo(id object);
+    void removeObjectsInArray(NSArray* other);
+
+    // Sorting, as in NSArray
+
+    void sortUsingSelector(SEL comparator);
+    void sortUsingFunction_context(NSCompareFunction comparator, void* context);
+
+  protected:
+    NSMutableArray() = default;
+    ~NSMutableArray() = default;
+};
+
+}  // namespace pelvor

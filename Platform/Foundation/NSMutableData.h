@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSMutableData: a block of bytes that can be changed.
+#pragma once
+
+#include <vector>
+
+#include "Foundation/NSData.h"
+
+namespace pelvor {
+
+/// Bytes that can be changed. Operations that raise change nothing. One thread at a time.
+class PELVOR_EXPORT NSMutableData : public NSData {
+    PELVOR_CLASS(NSMutableData, NSData);
+
+  public:
+    static NSMutableData* data();
+    static NSMutableData* dataWithCapacity(NSUInteger capacity);
+    /// Zeros.
+    static NSMutableData* dataWithLength(NSUInteger length);
+    static NSMutableData* dataWithBytes_length(const void* bytes, NSUInteger length);
+    static NSMutableData* dataWithData(NSData* data);
+    static NSMutableData* dataWithContentsOfFile(NSString* path);
+    static NSMutableData* of(std::span<const std::byte> bytes);
+
+    static Retained<NSMutableData> init(Class* cls = classObject());
+    static Retained<NSMutableData> initWithCapacity(NSUInteger capacity, Class* cls = classObject());
+    static Retained<NSMutableData> initWithLength(NSUInteger length, Class* cls = classObject());
+    static Retained<NSMutableData> initWithBytes_length(const void* bytes, NSUInteger length,
+                                                        Class* cls = classObject());
+    static Retained<NSMutableData> initWithData(NSData* data, Class* cls = classObject());
+    static Retained<NSMutableData> initWithContentsOfFile(NSString* path, Class* cls = classObject());
+
+    NSUInteger length() override { return static_cast<NSUInteger>(_bytes.size()); }
+    const void* bytes() override { return _bytes.data(); }
+    void* mutableBytes() { return _bytes.data(); }
+    std::span<std::byte> mutableSpan() { return _bytes; }
+
+    /// Cuts the bytes off or adds zeros.
+    void setLength(NSUInteger length);
+    void increaseLengthBy(NSUInteger extra);
+    /// The bytes may be the receiver's own. Raises NSMallocException when the length would not fit
+    /// NSUInteger.
+    void appendBytes_length(const void* bytes, NSUInteger length);
+    void appendData(NSData* other);
+    void append(std::span<const std::byte> bytes);
+    void setData(NSData* other);
+    /// Sets the bytes of the range to zero. Raises NSRangeException for a range that is not inside.
+    void resetBytesInRange(NSRange range);
+    /// Overwrites the range, whose location may be up to the length, and grows where it reaches further.
+    void replaceBytesInRange_withBytes(NSRange range, const void* bytes);
+    /// The bytes take the place of those of the range, which lies inside.
+    void replaceBytesInRange_withBytes_length(NSRange range, const void* bytes, NSUInteger length);
+
+    Retained<Object> copyWithZone(void* zone) override;
+
+  protected:
+    NSMutableData() = default;
+    ~NSMutableData() = default;
+
+  private:
+    std::vector<std::byte> _bytes;
+};
+
+}  // namespace pelvor

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSMutableDictionary: a dictionary that can be changed.
+#pragma once
+
+#include "Foundation/NSDictionary.h"
+
+namespace pelvor {
+
+/// A dictionary that can be changed. Abstract over NSDictionary's primitives and the three below.
+/// Operations that raise change nothing. What goes is released when the dictionary already stands as it
+/// will be. One thread at a time.
+class PELVOR_EXPORT NSMutableDictionary : public NSDictionary {
+    PELVOR_CLASS(NSMutableDictionary, NSDictionary);
+
+  public:
+    // Creation; as in NSDictionary.
+
+    static NSMutableDictionary* dictionary();
+    static NSMutableDictionary* dictionaryWithCapacity(NSUInteger capacity);
+    static NSMutableDictionary* dictionaryWithObject_forKey(id object, id key);
+    static NSMutableDictionary* dictionaryWithObjects_forKeys(NSArray* objects, NSArray* keys);
+    static NSMutableDictionary* dictionaryWithObjects_forKeys_count(Object* const* objects,
+                                                                    Object* const* keys, NSUInteger count);
+    static NSMutableDictionary* dictionaryWithDictionary(NSDictionary* dictionary);
+    static NSMutableDictionary* of(std::initializer_list<NSDictionaryEntry> entries);
+
+    static Retained<NSMutableDictionary> init();
+    static Retained<NSMutableDictionary> initWithCapacity(NSUInteger capacity);
+    static Retained<NSMutableDictionary> initWithObjects_forKeys(NSArray* objects, NSArray* keys);
+    static Retained<NSMutableDictionary> initWithObjects_forKeys_count(Object* const* objects,
+                                                                       Object* const* keys, NSUInteger count);
+    static Retained<NSMutableDictionary> initWithDictionary(NSDictionary* dictionary);
+    static Retained<NSMutableDictionary> initWithEntries(std::initializer_list<NSDictionaryEntry> entries);
+
+    // Primitives
+
+    /// The object takes the place of the one that the key had; the entry keeps its key and its place in
+    /// the order. Raises NSInvalidArgumentException for no object or key, and for a key that cannot be
+    /// copied.
+    virtual void setObject_forKey(id object, id key) = 0;
+    /// Does nothing if there is no entry.
+    virtual void removeObjectForKey(id key) = 0;
+    virtual void removeAllObjects() = 0;
+
+    /// The same as `setObject_forKey`, but no value removes the entry.
+    virtual void setValue_forKey(id value, NSString* key);
+    void removeObjectsForKeys(NSArray* keys);
+    void addEntriesFromDictionary(NSDictionary* other);
+    void setDictionary(NSDictionary* other);
+
+  protected:
+    NSMutableDictionary() = default;
+    ~NSMutableDictionary() = default;
+};
+
+}  // namespace pelvor

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSMutableSet: a set that can be changed.
+#pragma once
+
+#include "Foundation/NSSet.h"
+
+namespace pelvor {
+
+/// A set that can be changed. Abstract over NSSet's primitives and the three below. Operations that
+/// raise change nothing. A member that goes is released when the set already stands as it will be. One
+/// thread at a time.
+class PELVOR_EXPORT NSMutableSet : public NSSet {
+    PELVOR_CLASS(NSMutableSet, NSSet);
+
+  public:
+    // Creation; as in NSSet.
+
+    static NSMutableSet* set();
+    static NSMutableSet* setWithCapacity(NSUInteger capacity);
+    static NSMutableSet* setWithObject(id object);
+    static NSMutableSet* setWithObjects(std::initializer_list<Object*> objects);
+    static NSMutableSet* setWithObjects_count(Object* const* objects, NSUInteger count);
+    static NSMutableSet* setWithArray(NSArray* array);
+    static NSMutableSet* setWithSet(NSSet* set);
+    static NSMutableSet* of(std::initializer_list<Object*> objects) { return setWithObjects(objects); }
+
+    static Retained<NSMutableSet> init();
+    static Retained<NSMutableSet> initWithCapacity(NSUInteger capacity);
+    static Retained<NSMutableSet> initWithObjects(std::initializer_list<Object*> objects);
+    static Retained<NSMutableSet> initWithObjects_count(Object* const* objects, NSUInteger count);
+    static Retained<NSMutableSet> initWithArray(NSArray* array);
+    static Retained<NSMutableSet> initWithSet(NSSet* set);
+
+    // Primitives
+
+    /// Adds the object unless a member is the same. Raises NSInvalidArgumentException for none.
+    virtual void addObject(id object) = 0;
+    /// Removes the member that is the same as the object, if there is one.
+    virtual void removeObject(id object) = 0;
+    virtual void removeAllObjects() = 0;
+
+    void addObjectsFromArray(NSArray* other);
+    void unionSet(NSSet* other);
+    void minusSet(NSSet* other);
+    /// Keeps only the members that the other set has too.
+    void intersectSet(NSSet* other);
+    void setSet(NSSet* other);
+
+  protected:
+    NSMutableSet() = default;
+    ~NSMutableSet() = default;
+};
+
+}  // namespace pelvor

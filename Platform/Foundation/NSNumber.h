@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSNumber: a number or boolean in an object.
+#pragma once
+
+#include "Foundation/NSValue.h"
+
+namespace pelvor {
+
+class NSString;
+
+/// A number of one of C's types, with the encoding of that type: "c", "i", "d", "B" for a boolean …
+/// Numbers are equal, compare and hash by value whatever their types, booleans as 1 and 0, and exactly:
+/// nothing is rounded. A NaN is equal to a NaN and below everything else.
+///
+/// Abstract over NSValue's `objCType` and `getValue`, from which every other operation takes its answer;
+/// each of them may be overridden for speed. Reading as another type cuts an integer to the low bits;
+/// a fraction is dropped, and what lies outside the type's range gives its nearest end, NaN 0.
+/// The creators may answer a shared object. Any thread.
+class PELVOR_EXPORT NSNumber : public NSValue {
+    PELVOR_CLASS(NSNumber, NSValue);
+
+  public:
+    // Creation; borrowed, owned where the name begins with "init".
+
+    static NSNumber* numberWithBool(bool value);
+    static NSNumber* numberWithChar(signed char value);
+    static NSNumber* numberWithUnsignedChar(unsigned char value);
+    static NSNumber* numberWithShort(short value);
+    static NSNumber* numberWithUnsignedShort(unsigned short value);
+    static NSNumber* numberWithInt(int value);
+    static NSNumber* numberWithUnsignedInt(unsigned value);
+    static NSNumber* numberWithLong(long value);
+    static NSNumber* numberWithUnsignedLong(unsigned long value);
+    static NSNumber* numberWithLongLong(long long value);
+    static NSNumber* numberWithUnsignedLongLong(unsigned long long value);
+    static NSNumber* numberWithFloat(float value);
+    static NSNumber* numberWithDouble(double value);
+
+    static Retained<NSNumber> initWithBool(bool value);
+    static Retained<NSNumber> initWithInt(int value);
+    static Retained<NSNumber> initWithUnsignedInt(unsigned value);
+    static Retained<NSNumber> initWithLongLong(long long value);
+    static Retained<NSNumber> initWithUnsignedLongLong(unsigned long long value);
+    static Retained<NSNumber> initWithFloat(float value);
+    static Retained<NSNumber> initWithDouble(double value);
+
+    // Reading
+
+    /// Whether the number is not 0.
+    virtual bool boolValue();
+    virtual signed char charValue();
+    virtual unsigned char unsignedCharValue();
+    virtual short shortValue();
+    virtual unsigned short unsignedShortValue();
+    virtual int intValue();
+    virtual unsigned unsignedIntValue();
+    virtual long longValue();
+    virtual unsigned long unsignedLongValue();
+    virtual long long longLongValue();
+    virtual unsigned long long unsignedLongLongValue();
+    virtual float floatValue();
+    virtual double doubleValue();
+    /// The shortest text that reads back as the same number, "0.1", whatever the locale; a boolean is
+    /// "1" or "0".
+    virtual NSString* stringValue();
+
+    /// Raises NSInvalidArgumentException for none.
+    NSComparisonResult compare(NSNumber* other);
+    bool isEqualToNumber(NSNumber* other);
+    /// Whether the number was made from a boolean.
+    bool isBoolean() { return objCType()[0] == 'B'; }
+
+    bool isEqual(id other) override;
+    std::uintptr_t hash() override;
+    NSString* description() override { return stringValue(); }
+
+  protected:
+    constexpr NSNumber() noexcept = default;
+    constexpr NSNumber(Class* isa, std::uint32_t count) noexcept : NSValue(isa, count) {}
+    ~NSNumber() = default;
+};
+
+}  // namespace pelvor

@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSSet: an immutable collection of objects, each of them once.
+#pragma once
+
+#include <initializer_list>
+
+#include "Foundation/NSEnumerator.h"
+
+namespace pelvor {
+
+class NSArray;
+class NSMutableSet;
+
+/// Objects that differ from each other by `hash` and `isEqual`; it retains them. A look-up asks
+/// `isEqual` of the object that is looked for, with the member. Walks go in the order in which the
+/// members came. An object must not change its hash while it is a member. Abstract over `count`,
+/// `member` and `stepFrom`; the creators answer objects of concrete classes. Immutable sets may be used
+/// on any thread as far as their members may.
+class PELVOR_EXPORT NSSet : public NSObject {
+    PELVOR_CLASS(NSSet, NSObject);
+
+  public:
+    // Creation. Operations whose names begin with "init" answer owned sets, the others borrowed ones.
+    // Those that take objects raise NSInvalidArgumentException if none is among them.
+
+    static NSSet* set();
+    static NSSet* setWithObject(id object);
+    static NSSet* setWithObjects(std::initializer_list<Object*> objects);
+    static NSSet* setWithObjects_count(Object* const* objects, NSUInteger count);
+    static NSSet* setWithArray(NSArray* array);
+    static NSSet* setWithSet(NSSet* set);
+    static NSSet* of(std::initializer_list<Object*> objects) { return setWithObjects(objects); }
+
+    static Retained<NSSet> init();
+    static Retained<NSSet> initWithObjects(std::initializer_list<Object*> objects);
+    static Retained<NSSet> initWithObjects_count(Object* const* objects, NSUInteger count);
+    static Retained<NSSet> initWithArray(NSArray* array);
+    static Retained<NSSet> initWithSet(NSSet* set);
+
+    // Primitives
+
+    virtual NSUInteger count() = 0;
+    /// The member that is the same as the object; none without one.
+    virtual id member(id object) = 0;
+    /// The member at or after `position`, which moves behind it; none at the end. A walk begins at 0.
+    virtual id stepFrom(NSUInteger& position) = 0;
+    /// A number that changes when members come or go; by it, walks notice changes.
+    virtual const std::uint32_t* mutationCounter() { return &detail::kNeverMutated; }
+
+    bool containsObject(id object) { return member(object) != nullptr; }
+    /// The member that came first; none for an empty set.
+    id anyObject();
+    NSArray* allObjects();
+    NSEnumerator* objectEnumerator();
+
+    bool isSubsetOfSet(NSSet* other);
+    bool intersectsSet(NSSet* other);
+    bool isEqualToSet(NSSet* other);
+    /// A borrowed set with the object or objects added.
+    NSSet* setByAddingObject(id object);
+    NSSet* setByAddingObjectsFromSet(NSSet* other);
+    NSSet* setByAddingObjectsFromArray(NSArray* other);
+    /// Sends the message to the members that are there when the operation begins.
+    void makeObjectsPerformSelector(SEL selector);
+    void makeObjectsPerformSelector_withObject(SEL selector, id argument);
+
+    bool isEqual(id other) override;
+    std::uintptr_t hash() override;
+    /// "{(\n    a,\n    b\n)}".
+    NSString* description() override;
+    Retained<Object> copyWithZone(void* zone) override;
+    Retained<Object> mutableCopyWithZone(void* zone) override;
+    Retained<NSSet> copy() {
+        return Retained<NSSet>::adopting(static_cast<NSSet*>(copyWithZone(nullptr).leak()));
+    }
+    Retained<NSMutableSet> mutableCopy();
+
+  protected:
+    NSSet() = default;
+    ~NSSet() = default;
+};
+
+/// The place of a range-for loop in a set. Raises NSGenericException when the set was changed.
+class NSSetIterator {
+  public:
+    using value_type = id;
+    using difference_type = std::ptrdiff_t;
+
+    explicit NSSetIterator(NSSet* set) : _set(Retained<NSSet>::retaining(set)) {
+        if (!set) return;
+        _watch = detail::MutationWatch(set->mutationCounter());
+        _object = set->stepFrom(_position);
+    }
+    id operator*() const { return _object; }
+    NSSetIterator& operator++() {
+        _watch.check(_set);
+        _object = _set->stepFrom(_position);
+        return *this;
+    }
+    void operator++(int) { ++*this; }
+    bool operator==(std::default_sentinel_t) const { return !_object; }
+
+  private:
+    Retained<NSSet> _set;
+    detail::MutationWatch _watch;
+    NSUInteger _position = 0;
+    id _object = nullptr;
+};
+
+inline NSSetIterator begin(NSSet* set) { return NSSetIterator(set); }
+inline std::default_sentinel_t end(NSSet*) { return {}; }
+
+}  // namespace pelvor
