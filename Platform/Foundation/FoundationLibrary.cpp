@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/FoundationLibrary.h"
 
+#include "Foundation/NSBufferString.h"
 #include "Foundation/NSInlineString.h"
 #include "Foundation/NSString.h"
 #include "Runtime/RuntimeLibrary.h"
@@ -12,9 +13,8 @@ constexpr Library* kDependencies[] = {&runtimeLibrary};
 
 // Alphabetical; a superclass is registered before its subclasses wherever it stands.
 constexpr Class* kClasses[] = {
-    &NSConstantString::classRecord,
-    &NSInlineString::classRecord,
-    &NSString::classRecord,
+    &NSBufferString::classRecord, &NSConstantString::classRecord, &NSExternalString::classRecord,
+    &NSInlineString::classRecord, &NSMutableString::classRecord,  &NSString::classRecord,
 };
 
 }  // namespace

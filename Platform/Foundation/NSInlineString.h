@@ -13,20 +13,70 @@ class NSInlineString : public NSString {
   public:
     /// An owned string of `length` units, whose content the caller writes to `characters()` before
     /// anybody else sees the string.
-    static Retained<NSInlineString> create(NSUInteger length);
+    static Retained<NSInlineString> create(NSUInteger length) { return createAs<NSInlineString>(length); }
+    static Retained<NSInlineString> create(std::u16string_view units) {
+        return createAs<NSInlineString>(units);
+    }
 
     NSUInteger length() override { return _length; }
     unichar characterAtIndex(NSUInteger index) override;
+    void getCharacters_range(unichar* buffer, NSRange range) override;
     const unichar* contiguousCharacters() override { return characters(); }
     unichar* characters() { return reinterpret_cast<unichar*>(this + 1); }
+    std::uintptr_t hash() override;
     Retained<Object> copyWithZone(void* zone) override;
 
   protected:
     explicit NSInlineString(NSUInteger length) : _length(length) {}
     ~NSInlineString() = default;
 
+    // For subclasses that add no fields.
+    template <class T>
+    static Retained<T> createAs(NSUInteger length) {
+        static_assert(sizeof(T) == sizeof(NSInlineString), "the units follow the object");
+        return Retained<T>::adopting(
+            Instances::createWithExtra<T>(std::size_t{length} * sizeof(unichar), T::classObject(), length));
+    }
+    template <class T>
+    static Retained<T> createAs(std::u16string_view units) {
+        auto string = createAs<T>(static_cast<NSUInteger>(units.size()));
+        std::char_traits<unichar>::copy(string->characters(), units.data(), units.size());
+        return string;
+    }
+
   private:
     NSUInteger _length;
+    std::atomic<std::uint32_t> _hash{0};  // 0: not yet computed
 };
+
+/// Units in the caller's memory.
+class NSExternalString final : public NSString {
+    PELVOR_CLASS(NSExternalString, NSString);
+
+  public:
+    static Retained<NSExternalString> create(unichar* units, NSUInteger length, bool freeWhenDone);
+
+    NSUInteger length() override { return _length; }
+    unichar characterAtIndex(NSUInteger index) override;
+    void getCharacters_range(unichar* buffer, NSRange range) override;
+    const unichar* contiguousCharacters() override { return _units; }
+
+  protected:
+    NSExternalString() = default;
+    ~NSExternalString();
+
+  private:
+    unichar* _units = nullptr;
+    NSUInteger _length = 0;
+    bool _freeWhenDone = false;
+};
+
+/// The units' hash, the same for all classes of strings; never 0 in its low half.
+std::uintptr_t hashUnits(std::u16string_view units);
+/// Raise NSRangeException for an index not below the count, or a range not inside it.
+void requireIndex(NSUInteger index, NSUInteger count);
+void requireRange(NSRange range, NSUInteger count);
+/// Raises NSInvalidArgumentException for none.
+void requireString(NSString* string, const char* operation);
 
 }  // namespace pelvor

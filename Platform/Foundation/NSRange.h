@@ -10,6 +10,8 @@ namespace pelvor {
 
 /// Counts, lengths and indexes.
 using NSUInteger = std::uint32_t;
+/// A signed number of the same size.
+using NSInteger = std::int32_t;
 /// A UTF-16 code unit.
 using unichar = char16_t;
 

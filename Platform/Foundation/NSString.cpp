@@ -7,41 +7,79 @@
 
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSInlineString.h"
+#include "Foundation/NSMutableString.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {
 
-PELVOR_DEFINE_CLASS(NSConstantString, foundationLibrary) {}
+namespace {
+
+// Formats sent as messages have no arguments.
+NSString* formatAlone(NSString* format) { return formatString(format, {}); }
+
+}  // namespace
 
 PELVOR_DEFINE_CLASS(NSString, foundationLibrary) {
     methods.classLevel<"string", &NSString::string>();
+    methods.classLevel<"stringWithString:", &NSString::stringWithString>();
+    methods.classLevel<"stringWithCharacters:length:", &NSString::stringWithCharacters_length>();
+    methods.classLevel<"stringWithUTF8String:", &NSString::stringWithUTF8String>();
+    methods.classLevelAs<"stringWithFormat:", &formatAlone>();
+    methods.classLevel<"init", &NSString::init>();
+    methods.classLevel<"initWithString:", &NSString::initWithString>();
+    methods.classLevel<"initWithCharacters:length:", &NSString::initWithCharacters_length>();
+    methods.classLevel<"initWithCharactersNoCopy:length:freeWhenDone:",
+                       &NSString::initWithCharactersNoCopy_length_freeWhenDone>();
+    methods.classLevel<"initWithUTF8String:", &NSString::initWithUTF8String>();
+
     methods.instance<"length", &NSString::length>();
     methods.instance<"characterAtIndex:", &NSString::characterAtIndex>();
+    methods.instance<"getCharacters:", &NSString::getCharacters>();
     methods.instance<"getCharacters:range:", &NSString::getCharacters_range>();
+    methods.instance<"substringFromIndex:", &NSString::substringFromIndex>();
+    methods.instance<"substringToIndex:", &NSString::substringToIndex>();
+    methods.instance<"substringWithRange:", &NSString::substringWithRange>();
+    methods.instance<"stringByAppendingString:", &NSString::stringByAppendingString>();
     methods.instance<"UTF8String", &NSString::UTF8String>();
     methods.instance<"isEqualToString:", &NSString::isEqualToString>();
 }
 
-unichar NSConstantString::characterAtIndex(NSUInteger index) {
-    if (index >= _length)
-        throw NSException(NSRangeException, "index (" + std::to_string(index) + ") beyond bounds (" +
-                                                std::to_string(_length) + ")");
-    return _characters[index];
-}
-
-Retained<Object> NSConstantString::copyWithZone(void*) { return Retained<Object>::retaining(this); }
+// Creation
 
 NSString* NSString::string() { return u""_ns; }
 
-Retained<NSString> NSString::initWithCharacters_length(const unichar* characters, NSUInteger length) {
-    auto string = NSInlineString::create(length);
-    if (length) std::memcpy(string->characters(), characters, length * sizeof(unichar));
-    return string;
+Retained<NSString> NSString::init() { return Retained<NSString>::retaining(u""_ns); }
+
+Retained<NSString> NSString::initWithString(NSString* string) {
+    requireString(string, "initWithString:");
+    return string->copy();
 }
 
-NSString* NSString::of(std::u16string_view units) {
-    return initWithCharacters_length(units.data(), static_cast<NSUInteger>(units.size())).autorelease();
+Retained<NSString> NSString::initWithCharacters_length(const unichar* characters, NSUInteger length) {
+    return NSInlineString::create({characters, length});
 }
+
+Retained<NSString> NSString::initWithCharactersNoCopy_length_freeWhenDone(unichar* characters,
+                                                                          NSUInteger length,
+                                                                          bool freeWhenDone) {
+    return NSExternalString::create(characters, length, freeWhenDone);
+}
+
+Retained<NSString> NSString::initWithUTF8String(const char* text) {
+    if (!text) throw NSException(NSInvalidArgumentException, "initWithUTF8String: none given");
+    auto units = decodeBytes(text, NSUTF8StringEncoding);
+    return units ? NSInlineString::create(*units) : nullptr;
+}
+
+NSString* NSString::stringWithString(NSString* string) { return initWithString(string).autorelease(); }
+
+NSString* NSString::stringWithCharacters_length(const unichar* characters, NSUInteger length) {
+    return initWithCharacters_length(characters, length).autorelease();
+}
+
+NSString* NSString::stringWithUTF8String(const char* text) { return initWithUTF8String(text).autorelease(); }
+
+NSString* NSString::of(std::u16string_view units) { return NSInlineString::create(units).autorelease(); }
 
 NSString* NSString::ofUTF8(std::string_view bytes) {
     UErrorCode error = U_ZERO_ERROR;
@@ -49,22 +87,123 @@ NSString* NSString::ofUTF8(std::string_view bytes) {
     std::u16string units(bytes.size(), u'\0');
     u_strFromUTF8WithSub(units.data(), static_cast<int32_t>(units.size()), &length, bytes.data(),
                          static_cast<int32_t>(bytes.size()), 0xFFFD, nullptr, &error);
-    return of(std::u16string_view(units.data(), static_cast<std::size_t>(length)));
+    return of({units.data(), static_cast<std::size_t>(length)});
 }
 
+// Primitives
+
 void NSString::getCharacters_range(unichar* buffer, NSRange range) {
+    requireRange(range, length());
     for (NSUInteger i = 0; i < range.length; ++i) buffer[i] = characterAtIndex(range.location + i);
 }
 
+void requireIndex(NSUInteger index, NSUInteger count) {
+    if (index >= count) [[unlikely]]
+        raiseException(NSRangeException, u"index (%d) beyond bounds (%d)"_ns, index, count);
+}
+
+void requireRange(NSRange range, NSUInteger count) {
+    if (!isRangeInside(range, count)) [[unlikely]]
+        raiseException(NSRangeException, u"range {%u, %u} beyond bounds (%d)"_ns, range.location,
+                       range.length, count);
+}
+
+void requireString(NSString* string, const char* operation) {
+    if (!string) [[unlikely]]
+        raiseException(NSInvalidArgumentException, u"%s none where a string is needed"_ns, operation);
+}
+
+StringUnits::StringUnits(NSString* string)
+    : _units(string->contiguousCharacters()), _length(string->length()) {
+    if (!_units) fetch(string, 0);
+}
+
+StringUnits::StringUnits(NSString* string, NSRange range)
+    : _units(string->contiguousCharacters()), _length(range.length) {
+    requireRange(range, string->length());
+    if (_units)
+        _units += range.location;
+    else
+        fetch(string, range.location);
+}
+
+void StringUnits::fetch(NSString* string, NSUInteger location) {
+    if (_length > std::size(_inline)) _copy = new unichar[_length];
+    _units = _copy;
+    try {
+        string->getCharacters_range(_copy, {location, _length});
+    } catch (...) {
+        if (_copy != _inline) delete[] _copy;
+        throw;
+    }
+}
+
+// Parts and joins
+
+NSString* NSString::substringFromIndex(NSUInteger index) {
+    NSUInteger count = length();
+    requireRange({index, 0}, count);
+    return substringWithRange({index, count - index});
+}
+
+NSString* NSString::substringToIndex(NSUInteger index) { return substringWithRange({0, index}); }
+
+NSString* NSString::substringWithRange(NSRange range) {
+    NSUInteger count = length();
+    requireRange(range, count);
+    if (range.length == count) return copy().autorelease();
+    if (const unichar* units = contiguousCharacters()) return of({units + range.location, range.length});
+    auto part = NSInlineString::create(range.length);
+    getCharacters_range(part->characters(), range);
+    return std::move(part).autorelease();
+}
+
+NSString* NSString::stringByAppendingString(NSString* string) {
+    requireString(string, "stringByAppendingString:");
+    NSUInteger count = length(), more = string->length();
+    auto joined = NSInlineString::create(count + more);
+    getCharacters_range(joined->characters(), {0, count});
+    string->getCharacters_range(joined->characters() + count, {0, more});
+    return std::move(joined).autorelease();
+}
+
+// Identity
+
+bool NSString::isEqual(id other) {
+    auto* string = cast<NSString>(other);
+    return string && isEqualToString(string);
+}
+
+bool NSString::isEqualToString(NSString* other) {
+    if (this == other) return true;
+    if (!other || length() != other->length()) return false;
+    StringUnits mine(this), theirs(other);
+    return std::memcmp(mine.data(), theirs.data(), mine.size() * sizeof(unichar)) == 0;
+}
+
+std::uintptr_t NSString::hash() { return hashUnits(StringUnits(this)); }
+
+Retained<Object> NSString::copyWithZone(void*) {
+    auto units = NSInlineString::create(length());
+    getCharacters_range(units->characters(), {0, units->length()});
+    return units;
+}
+
+Retained<Object> NSString::mutableCopyWithZone(void*) { return NSMutableString::initWithString(this); }
+
+Retained<NSMutableString> NSString::mutableCopy() { return NSMutableString::initWithString(this); }
+
+// Conversion
+
 std::u16string NSString::toUTF16() {
     std::u16string units(length(), u'\0');
-    getCharacters_range(units.data(), {0, length()});
+    getCharacters_range(units.data(), {0, static_cast<NSUInteger>(units.size())});
     return units;
 }
 
 std::string NSString::toUTF8() {
-    std::u16string units = toUTF16();
-    std::string bytes(units.size() * 3, '\0');
+    StringUnits units(this);
+    std::string bytes(std::size_t{units.size()} * 3, '\0');
     UErrorCode error = U_ZERO_ERROR;
     int32_t size = 0;
     u_strToUTF8WithSub(bytes.data(), static_cast<int32_t>(bytes.size()), &size, units.data(),
@@ -73,33 +212,30 @@ std::string NSString::toUTF8() {
     return bytes;
 }
 
-const char* NSString::UTF8String() {
-    std::string bytes = toUTF8();
-    auto holder = NSInlineString::create(static_cast<NSUInteger>(bytes.size() / 2 + 1));
+namespace {
+
+// A zero-terminated copy of the bytes that the current autorelease pool frees.
+const char* autoreleasedText(const std::string& bytes) {
+    auto holder = NSInlineString::create(static_cast<NSUInteger>(bytes.size() / sizeof(unichar) + 1));
     char* text = reinterpret_cast<char*>(holder->characters());
     std::memcpy(text, bytes.c_str(), bytes.size() + 1);
     std::move(holder).autorelease();
     return text;
 }
 
-bool NSString::isEqual(id other) {
-    auto* string = cast<NSString>(other);
-    return string && isEqualToString(string);
-}
+}  // namespace
 
-bool NSString::isEqualToString(NSString* other) {
-    return this == other || (other && length() == other->length() && toUTF16() == other->toUTF16());
-}
-
-std::uintptr_t NSString::hash() { return std::hash<std::u16string>()(toUTF16()); }
-
-Retained<Object> NSString::copyWithZone(void*) {
-    auto units = toUTF16();
-    return initWithCharacters_length(units.data(), static_cast<NSUInteger>(units.size()));
-}
+const char* NSString::UTF8String() { return autoreleasedText(toUTF8()); }
 
 std::ostream& operator<<(std::ostream& stream, NSString* string) {
     return string ? stream << string->toUTF8() : stream << "(null)";
+}
+
+void detail::printObject(Object* object, std::ostream& stream) {
+    if (auto* string = cast<NSString>(object))
+        stream << '"' << string << '"';
+    else
+        stream << (object ? object->description() : u"(null)"_ns);
 }
 
 }  // namespace pelvor

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSMutableString: a string whose content can change.
+#pragma once
+
+#include "Foundation/NSString.h"
+
+namespace pelvor {
+
+/// Abstract over NSString's primitives and `replaceCharactersInRange_withString`, on which everything
+/// that changes the string stands. One thread at a time.
+class PELVOR_EXPORT NSMutableString : public NSString {
+    PELVOR_CLASS(NSMutableString, NSString);
+
+  public:
+    // Creation, as NSString's; the results are mutable.
+
+    static NSMutableString* string();
+    static NSMutableString* stringWithCapacity(NSUInteger capacity);
+    static NSMutableString* stringWithString(NSString* string);
+    static NSMutableString* stringWithCharacters_length(const unichar* characters, NSUInteger length);
+    static NSMutableString* stringWithUTF8String(const char* text);
+    template <class... A>
+    static NSMutableString* stringWithFormat(NSString* format, const A&... arguments) {
+        return stringWithString(formatString(format, detail::formatArguments(arguments...)));
+    }
+    static NSMutableString* stringWithContentsOfFile_encoding(NSString* path, NSStringEncoding encoding);
+
+    static Retained<NSMutableString> init();
+    /// Room for `capacity` units; the string grows past it as needed.
+    static Retained<NSMutableString> initWithCapacity(NSUInteger capacity);
+    static Retained<NSMutableString> initWithString(NSString* string);
+    static Retained<NSMutableString> initWithCharacters_length(const unichar* characters, NSUInteger length);
+    static Retained<NSMutableString> initWithUTF8String(const char* text);
+    static Retained<NSMutableString> initWithBytes_length_encoding(const void* bytes, NSUInteger length,
+                                                                   NSStringEncoding encoding);
+    static Retained<NSMutableString> initWithData_encoding(NSData* data, NSStringEncoding encoding);
+    template <class... A>
+    static Retained<NSMutableString> initWithFormat(NSString* format, const A&... arguments) {
+        return initWithString(formatString(format, detail::formatArguments(arguments...)));
+    }
+
+    /// Borrowed copies of the text; bytes that are not UTF-8 become U+FFFD.
+    static NSMutableString* of(std::u16string_view units);
+    static NSMutableString* ofUTF8(std::string_view bytes);
+
+    // Changing
+
+    /// Puts the string in place of the range. `string` may be the receiver.
+    virtual void replaceCharactersInRange_withString(NSRange range, NSString* string) = 0;
+    /// Puts units in place of the range; they may be the receiver's own.
+    virtual void replaceCharactersInRange_withUnits(NSRange range, std::u16string_view units);
+
+    void setString(NSString* string);
+    void appendString(NSString* string);
+    void appendCharacters_length(const unichar* characters, NSUInteger length);
+    void append(std::u16string_view units) { replaceCharactersInRange_withUnits({length(), 0}, units); }
+    template <class... A>
+    void appendFormat(NSString* format, const A&... arguments) {
+        appendString(formatString(format, detail::formatArguments(arguments...)));
+    }
+    void insertString_atIndex(NSString* string, NSUInteger index);
+    void deleteCharactersInRange(NSRange range);
+    /// Replaces every occurrence inside the range, found from its start on, or backwards from its end;
+    /// answers how many there were.
+    NSUInteger replaceOccurrencesOfString_withString_options_range(NSString* target, NSString* replacement,
+                                                                   NSStringCompareOptions options,
+                                                                   NSRange range);
+
+    Retained<Object> copyWithZone(void* zone) override;
+
+  protected:
+    constexpr NSMutableString() noexcept = default;
+    ~NSMutableString() = default;
+};
+
+}  // namespace pelvor
