@@ -30,7 +30,9 @@ function(pelvor_library)
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
     target_compile_features(${arg_NAME} PUBLIC cxx_std_20)
-    target_compile_options(${arg_NAME} PRIVATE -ftls-model=initial-exec)
+    # Calls inside a library go straight to their functions: nobody replaces single functions of ours.
+    target_compile_options(${arg_NAME} PRIVATE -ftls-model=initial-exec -fno-semantic-interposition)
+    target_link_options(${arg_NAME} PRIVATE -Wl,-Bsymbolic-functions)
     pelvor_warnings(${arg_NAME})
     if(NOT PELVOR_SANITIZE)
         target_link_options(${arg_NAME} PRIVATE -Wl,--no-undefined)

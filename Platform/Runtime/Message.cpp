@@ -130,7 +130,7 @@ bool isPointer(const char* encoding) { return encoding[0] == '^' || encoding[0] 
 
 // Copies a value from one type to another; false when the types have nothing in common.
 bool convert(const ArgumentLayout& from, const void* source, const ArgumentLayout& to, void* destination) {
-    if (std::strcmp(from.encoding, to.encoding) == 0) {
+    if (from.encoding == to.encoding || std::strcmp(from.encoding, to.encoding) == 0) {
         std::memcpy(destination, source, to.size);
         return true;
     }
@@ -169,6 +169,10 @@ class Buffer {
 
 void convertArguments(Object* target, SEL selector, NSMethodSignature* given, const std::byte* source,
                       NSMethodSignature* expected, std::byte* destination) {
+    if (given->key() == expected->key()) {
+        std::memcpy(destination, source, expected->frameLength());
+        return;
+    }
     if (given->argumentCount() != expected->argumentCount())
         throw NSException(NSInvalidArgumentException,
                           methodName(target, selector) + ": " + std::to_string(given->argumentCount()) +
@@ -205,12 +209,14 @@ void invokeMethod(const IMP& method, Object* target, SEL selector, NSMethodSigna
 void forward(Object* target, SEL selector, NSMethodSignature* types, const std::byte* frame, void* result) {
     NSMethodSignature* signature = target->methodSignatureForSelector(selector);
     if (!signature) target->doesNotRecognizeSelector(selector);
-    NSInvocation* invocation = NSInvocation::invocationWithMethodSignature(signature);
+    auto invocation = NSInvocation::initWithMethodSignature(signature);
     invocation->setTarget(target);
     invocation->setSelector(selector);
     convertArguments(target, selector, types, frame, signature, invocation->frame());
     target->forwardInvocation(invocation);
     convertResult(target, selector, signature, invocation->result(), types, result);
+    // One that was kept for another thread owns its result, which must outlive this call.
+    if (invocation->argumentsRetained()) std::move(invocation).autorelease();
 }
 
 }  // namespace

@@ -21,6 +21,7 @@ char*& textAt(void* place) { return *static_cast<char**>(place); }
 
 PELVOR_DEFINE_CLASS(NSInvocation, runtimeLibrary) {
     methods.classLevel<"invocationWithMethodSignature:", &NSInvocation::invocationWithMethodSignature>();
+    methods.classLevel<"initWithMethodSignature:", &NSInvocation::initWithMethodSignature>();
     methods.instance<"methodSignature", &NSInvocation::methodSignature>();
     methods.instance<"target", &NSInvocation::target>();
     methods.instance<"setTarget:", &NSInvocation::setTarget>();
@@ -42,8 +43,11 @@ NSInvocation::NSInvocation(NSMethodSignature* signature)
     std::uint32_t resultLength = signature->methodReturnLength();
     if (frameLength > kInlineFrame) _frame = static_cast<std::byte*>(::operator new(frameLength));
     if (resultLength > kInlineResult) _result = static_cast<std::byte*>(::operator new(resultLength));
-    std::memset(_frame, 0, frameLength);
-    std::memset(_result, 0, resultLength);
+    if (_frame == _inlineFrame) [[likely]]
+        std::memset(_inlineFrame, 0, sizeof _inlineFrame);
+    else
+        std::memset(_frame, 0, frameLength);
+    clearResult();
 }
 
 NSInvocation::~NSInvocation() {
@@ -58,11 +62,13 @@ NSInvocation::~NSInvocation() {
 }
 
 NSInvocation* NSInvocation::invocationWithMethodSignature(NSMethodSignature* signature) {
+    return initWithMethodSignature(signature).autorelease();
+}
+
+Retained<NSInvocation> NSInvocation::initWithMethodSignature(NSMethodSignature* signature) {
     if (!signature) throw NSException(NSInvalidArgumentException, "an invocation needs a method signature");
-    classRecord.initializeIfNeeded();
-    auto* invocation = Instances::createWithExtra<NSInvocation>(0, &classRecord, signature);
-    invocation->autorelease();
-    return invocation;
+    return Retained<NSInvocation>::adopting(
+        Instances::createWithExtra<NSInvocation>(0, &classRecord, signature));
 }
 
 void NSInvocation::setTarget(Object* target) {
@@ -73,26 +79,25 @@ void NSInvocation::setTarget(Object* target) {
     _target = target;
 }
 
-const ArgumentLayout& NSInvocation::argumentAtIndex(int index) {
-    if (index < 2 || static_cast<std::uint32_t>(index) >= _signature->numberOfArguments())
-        throw NSException(NSInvalidArgumentException, "argument index " + std::to_string(index) +
-                                                          " is outside the message " + _selector.name());
-    return _signature->argument(static_cast<std::uint32_t>(index) - 2);
+void NSInvocation::raiseIndex(int index) {
+    throw NSException(NSInvalidArgumentException, "argument index " + std::to_string(index) +
+                                                      " is outside the message " + _selector.name());
 }
 
-void NSInvocation::requireType(int index, const char* encoding) {
-    const char* expected = argumentAtIndex(index).encoding;
-    if (std::strcmp(expected, encoding) != 0)
-        throw NSException(NSInvalidArgumentException, "argument " + std::to_string(index) + " of " +
-                                                          _selector.name() + " is of type " + expected +
-                                                          ", not " + encoding);
+void NSInvocation::requireType(const ArgumentLayout& place, const char* encoding) {
+    if (std::strcmp(place.encoding, encoding) == 0) return;
+    bool isResult = &place == &_signature->result();
+    throw NSException(NSInvalidArgumentException,
+                      std::string(isResult ? "the result of " : "an argument of ") + _selector.name() +
+                          " is of type " + place.encoding + ", not " + encoding);
 }
 
-void NSInvocation::requireResultType(const char* encoding) {
-    if (std::strcmp(_signature->methodReturnType(), encoding) != 0)
-        throw NSException(NSInvalidArgumentException, std::string("the result of ") + _selector.name() +
-                                                          " is of type " + _signature->methodReturnType() +
-                                                          ", not " + encoding);
+// Most results fit in the object, where clearing all of it is quicker than clearing what is used.
+void NSInvocation::clearResult() {
+    if (_result == _inlineResult) [[likely]]
+        std::memset(_inlineResult, 0, sizeof _inlineResult);
+    else
+        std::memset(_result, 0, _signature->methodReturnLength());
 }
 
 void NSInvocation::hold(const ArgumentLayout& argument, void* place) {
@@ -147,8 +152,12 @@ void NSInvocation::retainArguments() {
 void NSInvocation::invoke() {
     if (_holdsResult) drop(_signature->result(), _result);
     _holdsResult = false;
-    std::memset(_result, 0, _signature->methodReturnLength());
-    sendFrame(_target, _selector, _signature, _frame, _result);
+    clearResult();
+    const CacheEntry* entry = _target ? _target->isa()->cached(_selector) : nullptr;
+    if (entry && entry->selector == _selector && entry->signatureKey == _signature->key()) [[likely]]
+        _signature->invoke(entry->function, _target, _selector, _frame, _result);
+    else
+        sendFrame(_target, _selector, _signature, _frame, _result);
     if (_retainsArguments) {
         hold(_signature->result(), _result);
         _holdsResult = true;

@@ -15,6 +15,7 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
   public:
     /// An invocation with all arguments zero. Raises NSInvalidArgumentException for no signature.
     static NSInvocation* invocationWithMethodSignature(NSMethodSignature* signature);
+    static Retained<NSInvocation> initWithMethodSignature(NSMethodSignature* signature);
 
     NSMethodSignature* methodSignature() { return _signature; }
     Object* target() { return _target; }
@@ -29,9 +30,13 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
     /// The same by value; raises if the argument is of another type.
     template <class T>
     void setArgument(int index, T value) {
-        requireType(index, typeEncoding<T>.text);
+        const ArgumentLayout& argument = argumentAtIndex(index);
+        if (argument.encoding != typeEncoding<T>.text) [[unlikely]]
+            requireType(argument, typeEncoding<T>.text);
         Wire<T> wire = detail::toWire(value);
-        setArgument_atIndex(&wire, index);
+        if (_retainsArguments) [[unlikely]]
+            return setArgument_atIndex(&wire, index);
+        ::new (_frame + argument.offset) Wire<T>(wire);
     }
 
     /// Copies the result from, or to, the caller's buffer. Nothing for a method without a result.
@@ -40,10 +45,10 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
     /// The result by value; raises if it is of another type.
     template <class T>
     T returnValue() {
-        requireResultType(typeEncoding<T>.text);
-        Wire<T> wire;
-        getReturnValue(&wire);
-        return detail::argumentFromWire<T>(wire, this, _selector);
+        const ArgumentLayout& result = _signature->result();
+        if (result.encoding != typeEncoding<T>.text) [[unlikely]]
+            requireType(result, typeEncoding<T>.text);
+        return detail::argumentFromWire<T>(*reinterpret_cast<Wire<T>*>(_result), this, _selector);
     }
 
     /// Keeps the target and the object arguments, and copies zero-terminated texts, from now on.
@@ -65,9 +70,14 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
     ~NSInvocation();
 
   private:
-    const ArgumentLayout& argumentAtIndex(int index);
-    void requireType(int index, const char* encoding);
-    void requireResultType(const char* encoding);
+    const ArgumentLayout& argumentAtIndex(int index) {
+        if (index < 2 || static_cast<std::uint32_t>(index) >= _signature->numberOfArguments()) [[unlikely]]
+            raiseIndex(index);
+        return _signature->argument(static_cast<std::uint32_t>(index) - 2);
+    }
+    [[noreturn]] void raiseIndex(int index);
+    void requireType(const ArgumentLayout& place, const char* encoding);
+    void clearResult();
     void hold(const ArgumentLayout& argument, void* place);
     void drop(const ArgumentLayout& argument, void* place);
 

@@ -24,6 +24,8 @@ bool Object::respondsToSelector(SEL selector) {
 }
 
 NSMethodSignature* Object::methodSignatureForSelector(SEL selector) {
+    const CacheEntry* entry = _isa->cached(selector);
+    if (entry->selector == selector) return entry->signature;
     return _isa->signatureOfInstanceMethod(selector);
 }
 
@@ -48,7 +50,7 @@ id perform(Object* target, SEL selector, id first, id second) {
     if (signature->argumentCount() > 2)
         throw NSException(NSInvalidArgumentException, std::string("performSelector: ") + selector.name() +
                                                           " takes more than two arguments");
-    NSInvocation* invocation = NSInvocation::invocationWithMethodSignature(signature);
+    auto invocation = NSInvocation::initWithMethodSignature(signature);
     invocation->setSelector(selector);
     const id objects[] = {first, second};
     for (std::uint32_t i = 0; i < signature->argumentCount(); ++i)
