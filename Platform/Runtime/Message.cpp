@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <limits>
 #include <string>
 
 #include "Runtime/NSException.h"
@@ -85,44 +86,38 @@ bool readNumber(char encoding, const void* place, Number& number) {
     }
 }
 
-// A fraction is cut off; what no 64-bit integer can hold is the nearest that one can.
-std::uint64_t integerBits(const Number& number) {
-    if (!number.isFloating) return number.bits;
-    if (std::isnan(number.floating)) return 0;
-    if (number.floating >= 0x1p63)
-        return number.floating >= 0x1p64 ? ~0ull : static_cast<std::uint64_t>(number.floating);
-    if (number.floating <= -0x1p63) return 1ull << 63;
-    return static_cast<std::uint64_t>(static_cast<std::int64_t>(number.floating));
-}
-
 template <class T>
 bool write(void* place, T value) {
     std::memcpy(place, &value, sizeof value);
     return true;
 }
 
+// Of a floating-point number the fraction is cut off, and what the integer cannot hold is the nearest
+// that it can.
+template <class T>
+bool writeInteger(void* place, const Number& number) {
+    if (!number.isFloating) return write(place, static_cast<T>(number.bits));
+    using Limits = std::numeric_limits<T>;
+    if (std::isnan(number.floating)) return write(place, T(0));
+    if (number.floating <= static_cast<double>(Limits::min())) return write(place, Limits::min());
+    if (number.floating >= static_cast<double>(Limits::max())) return write(place, Limits::max());
+    return write(place, static_cast<T>(number.floating));
+}
+
 bool writeNumber(char encoding, void* place, const Number& number) {
     switch (encoding) {
-        case 'B':
-            return write(place, number.isFloating ? number.floating != 0 : number.bits != 0);
-        case 'c':
-        case 'C':
-            return write(place, static_cast<std::uint8_t>(integerBits(number)));
-        case 's':
-        case 'S':
-            return write(place, static_cast<std::uint16_t>(integerBits(number)));
-        case 'i':
-        case 'I':
-            return write(place, static_cast<std::uint32_t>(integerBits(number)));
-        case 'q':
-        case 'Q':
-            return write(place, integerBits(number));
-        case 'f':
-            return write(place, static_cast<float>(number.floating));
-        case 'd':
-            return write(place, number.floating);
-        default:
-            return false;
+        case 'B': return write(place, number.isFloating ? number.floating != 0 : number.bits != 0);
+        case 'c': return writeInteger<std::int8_t>(place, number);
+        case 'C': return writeInteger<std::uint8_t>(place, number);
+        case 's': return writeInteger<std::int16_t>(place, number);
+        case 'S': return writeInteger<std::uint16_t>(place, number);
+        case 'i': return writeInteger<std::int32_t>(place, number);
+        case 'I': return writeInteger<std::uint32_t>(place, number);
+        case 'q': return writeInteger<std::int64_t>(place, number);
+        case 'Q': return writeInteger<std::uint64_t>(place, number);
+        case 'f': return write(place, static_cast<float>(number.floating));
+        case 'd': return write(place, number.floating);
+        default: return false;
     }
 }
 

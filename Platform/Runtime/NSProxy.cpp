@@ -9,7 +9,7 @@
 namespace pelvor {
 
 constinit Class NSProxy::metaclassRecord(Class::Metaclass{}, "NSProxy", &NSProxy::classRecord,
-                                         &NSObject::classRecord);
+                                         &NSObject::metaclassRecord);
 constinit Class NSProxy::classRecord("NSProxy", &NSProxy::metaclassRecord, nullptr,
                                      Instances::nativeClass<NSProxy>(), &runtimeLibrary);
 

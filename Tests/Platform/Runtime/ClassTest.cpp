@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Runtime/Class.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "Creatures.h"
+
+namespace pelvor::testing {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+template <int N>
+int answer(Animal*) {
+    return N;
+}
+template <int N>
+int classAnswer() {
+    return N;
+}
+template <int N>
+void defineAnswer(MethodTable<Animal>& methods) {
+    methods.instanceAs<"answer", &answer<N>>();
+    methods.classLevelAs<"classAnswer", &classAnswer<N>>();
+}
+
+// A library of one category that is registered at the moment a test chooses.
+template <int N>
+Library& categoryLibrary(const char* className) {
+    static Category category = Category::of<Animal, defineAnswer<N>>("Answers");
+    category.className = className;
+    static const Category* const categories[] = {&category};
+    static Library library{"Category", {}, {}, categories};
+    return library;
+}
+
+MethodGroup oneMethod(SEL selector, IMP implementation) {
+    MethodGroup group;
+    group.methods.push_back({selector, implementation});
+    return group;
+}
+
+TEST(ClassTest, InitializeRunsOnceBeforeTheFirstMessageSuperclassFirst) {
+    journal().clear();
+    Class* first = Class::createSubclass("InitializedFirst", Animal::classObject());
+    Class* second = Class::createSubclass("InitializedSecond", first);
+    EXPECT_EQ(send<Class*>(second, "kind"_sel), second);
+    send<Class*>(second, "kind"_sel);
+    (void)Retained<Object>::adopting(second->createInstance());
+    Lines expected{"initialize InitializedFirst", "initialize InitializedSecond", "end of 0"};
+    if (journal().front() == "initialize Animal") journal().erase(journal().begin());
+    EXPECT_EQ(journal(), expected);
+}
+
+std::atomic<int> slowInitializations = 0;
+void initializeSlowly(Class*) {
+    std::this_thread::yield();
+    ++slowInitializations;
+}
+
+TEST(ClassTest, ThreadsWaitForAnInitializeThatIsRunning) {
+    Class* slow = Class::createSubclass("SlowlyInitialized", Animal::classObject());
+    slow->metaclass()->addMethods(
+        oneMethod("initialize"_sel, classImplementation<"initialize", &initializeSlowly>()));
+    std::vector<std::thread> threads;
+    std::atomic<int> early = 0;
+    for (int i = 0; i < 8; ++i)
+        threads.emplace_back([&] {
+            send<Class*>(slow, "kind"_sel);
+            if (slowInitializations != 1) ++early;
+        });
+    for (auto& thread : threads) thread.join();
+    EXPECT_EQ(slowInitializations, 1);
+    EXPECT_EQ(early, 0);
+}
+
+TEST(ClassTest, TheNewestCategoryGoesFirstAndCachedLookUpsFollow) {
+    auto puppy = Animal::initWithLegs(4, Puppy::classObject());
+    EXPECT_FALSE(puppy->respondsToSelector("answer"_sel));
+    registerLibrary(categoryLibrary<1>("Animal"));
+    EXPECT_EQ(send<int>(puppy, "answer"_sel), 1);
+    EXPECT_EQ(send<int>(Puppy::classObject(), "classAnswer"_sel), 1);
+    registerLibrary(categoryLibrary<2>("Animal"));
+    EXPECT_TRUE(puppy->respondsToSelector("answer"_sel));
+    EXPECT_EQ(send<int>(puppy, "answer"_sel), 2);
+    EXPECT_EQ(send<int>(Puppy::classObject(), "classAnswer"_sel), 2);
+    const MethodGroup* newest = Animal::classRecord.methodGroups();
+    ASSERT_TRUE(newest->next && newest->next->next);
+    EXPECT_STREQ(newest->category, "Answers");
+    EXPECT_EQ(newest->methods[0].implementation, (implementation<"answer", &answer<2>>()));
+    EXPECT_EQ(newest->next->next->category, nullptr);
+}
+
+TEST(ClassTest, ACategoryMayArriveBeforeItsClass) {
+    registerLibrary(categoryLibrary<3>("LateCreature"));
+    Class* late = Class::createSubclass("LateCreature", Animal::classObject());
+    EXPECT_EQ(late->methodGroups(), nullptr);
+    EXPECT_EQ(send<int>(late, "classAnswer"_sel), 3);
+    EXPECT_NE(late->methodGroups(), nullptr);
+}
+
+TEST(ClassTest, AReplacedImplementationIsSeenByEverySubclass) {
+    Class* base = Class::createSubclass("ReplacedBase", Animal::classObject());
+    base->addMethods(oneMethod("answer"_sel, implementation<"answer", &answer<10>>()));
+    Class* sub = Class::createSubclass("ReplacedSub", base);
+    auto object = Retained<Object>::adopting(sub->createInstance());
+    EXPECT_EQ(send<int>(object, "answer"_sel), 10);
+    IMP previous = sub->replaceImplementation("answer"_sel, implementation<"answer", &answer<11>>());
+    EXPECT_EQ(send<int>(object, "answer"_sel), 11);
+    EXPECT_EQ(send<int>(Retained<Object>::adopting(base->createInstance()).get(), "answer"_sel), 11);
+    EXPECT_EQ(sub->replaceImplementation("answer"_sel, previous), (implementation<"answer", &answer<11>>()));
+    EXPECT_EQ(send<int>(object, "answer"_sel), 10);
+    EXPECT_FALSE(sub->replaceImplementation("noSuchMethod"_sel, previous));
+}
+
+TEST(ClassTest, AnImplementationOfOtherTypesOrForOtherReceiversIsRefused) {
+    Class* cls = Class::createSubclass("Guarded", Animal::classObject());
+    IMP legs = Animal::classRecord.instanceMethod("legs"_sel)->implementation;
+    EXPECT_EQ(reasonOf([&] { cls->replaceImplementation("mood"_sel, legs); }),
+              "the new code for mood of Guarded must be of types C@:");
+    IMP fetch = Dog::classRecord.instanceMethod("fetch"_sel)->implementation;
+    EXPECT_EQ(reasonOf([&] { cls->replaceImplementation("legs"_sel, fetch); }),
+              "code that needs a receiver of class Dog cannot be a method of Animal");
+    EXPECT_EQ(reasonOf([&] { NSObject::classRecord.addMethods(oneMethod("legs"_sel, legs)); }),
+              "code that needs a receiver of class Animal cannot be a method of NSObject");
+}
+
+TEST(ClassTest, APosingClassIsWhatIsMadeFoundAndInherited) {
+    Class* original = Class::createSubclass("Posed", Dog::classObject());
+    Class* sibling = Class::createSubclass("PosedSibling", original);
+    Class* poser = Class::createSubclass("Poser", original);
+    poser->addMethods(oneMethod("fetch"_sel, implementation<"fetch", &answer<99>>()));
+    auto before = Retained<Object>::adopting(original->createInstance());
+    auto child = Retained<Object>::adopting(sibling->createInstance());
+    EXPECT_EQ(send<int>(child, "fetch"_sel), 7);
+
+    poser->poseAsClass(original);
+    EXPECT_EQ(Retained<Object>::adopting(original->createInstance())->isa(), poser);
+    EXPECT_EQ(classNamed("Posed"), poser);
+    EXPECT_STREQ(original->name(), "%Posed");
+    EXPECT_EQ(classNamed("%Posed"), original);
+    EXPECT_EQ(send<int>(child, "fetch"_sel), 99);
+    EXPECT_EQ(child->isKindOfClass(poser), true);
+    EXPECT_EQ(send<int>(before, "fetch"_sel), 7);
+}
+
+// A sheep, a lamb that is one, and a wolf that poses as one with code for wolves only.
+class Sheep : public Animal {
+    PELVOR_CLASS(Sheep, Animal);
+
+  public:
+    int bleat() { return 1; }
+
+  protected:
+    Sheep() = default;
+    ~Sheep() = default;
+};
+class Lamb : public Sheep {
+    PELVOR_CLASS(Lamb, Sheep);
+
+  protected:
+    Lamb() = default;
+    ~Lamb() = default;
+    double _weight = 3;
+};
+class Wolf : public Sheep {
+    PELVOR_CLASS(Wolf, Sheep);
+
+  public:
+    int bleat() { return -1; }
+
+  protected:
+    Wolf() = default;
+    ~Wolf() = default;
+};
+extern Library flockLibrary;
+PELVOR_DEFINE_CLASS(Sheep, flockLibrary) { methods.instance<"bleat", &Sheep::bleat>(); }
+PELVOR_DEFINE_CLASS(Lamb, flockLibrary) {}
+PELVOR_DEFINE_CLASS(Wolf, flockLibrary) { methods.instance<"bleat", &Wolf::bleat>(); }
+constexpr Library* kDependencies[] = {&creatureLibrary};
+constexpr Class* kClasses[] = {&Sheep::classRecord, &Lamb::classRecord, &Wolf::classRecord};
+constinit Library flockLibrary{"Flock", kDependencies, kClasses, {}};
+
+TEST(ClassTest, PosingIsForDirectSubclassesWithoutFields) {
+    EXPECT_NE(reasonOf([] { Lamb::classRecord.poseAsClass(Sheep::classObject()); }), "");
+    EXPECT_NE(reasonOf([] { Wolf::classRecord.poseAsClass(Animal::classObject()); }), "");
+    EXPECT_NE(reasonOf([] { Wolf::classRecord.poseAsClass(nullptr); }), "");
+    EXPECT_EQ(classNamed("Animal"), Animal::classObject());
+}
+
+TEST(ClassTest, APosersOwnCodeIsKeptFromOtherSubclasses) {
+    auto lamb = Animal::initWithLegs(4, Lamb::classObject());
+    auto sheep = make<Sheep>();
+    Wolf::classRecord.poseAsClass(Sheep::classObject());
+    EXPECT_EQ(send<int>(Animal::initWithLegs(1, Sheep::classObject()).get(), "bleat"_sel), -1);
+    EXPECT_EQ(make<Sheep>()->isa(), Wolf::classObject());
+    EXPECT_EQ(send<int>(lamb, "bleat"_sel), 1);
+    EXPECT_EQ(send<int>(sheep, "bleat"_sel), 1);
+    EXPECT_EQ(cast<Wolf>(lamb.get()), nullptr);
+    EXPECT_NE(reasonOf([] { Wolf::classRecord.poseAsClass(Sheep::classObject()); }), "");
+}
+
+TEST(ClassTest, ClassesWithoutInstancesSaySo) {
+    EXPECT_EQ(reasonOf([] { Class::classRecord.createInstance(); }), "Class has no instances of its own");
+    EXPECT_EQ(reasonOf([] { (void)make<Dog>(Animal::classObject()); }), "Animal is no subclass of Dog");
+    EXPECT_EQ(reasonOf([] { Class::createSubclass("Animal", NSObject::classObject()); }),
+              "the class name Animal is already taken");
+}
+
+TEST(ClassTest, MessagesAndNewMethodsFromManyThreads) {
+    Class* busy = Class::createSubclass("Busy", Animal::classObject());
+    busy->addMethods(oneMethod("answer"_sel, implementation<"answer", &answer<20>>()));
+    std::atomic<bool> isWrong = false;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 6; ++t)
+        threads.emplace_back([&] {
+            auto object = Retained<Object>::adopting(busy->createInstance());
+            for (int i = 0; i < 2000; ++i) {
+                int seen = send<int>(object, "answer"_sel);
+                if (seen != 20 && seen != 21) isWrong = true;
+            }
+        });
+    for (int i = 0; i < 200; ++i)
+        busy->replaceImplementation("answer"_sel, i % 2 ? implementation<"answer", &answer<20>>()
+                                                        : implementation<"answer", &answer<21>>());
+    for (auto& thread : threads) thread.join();
+    EXPECT_FALSE(isWrong);
+}
+
+}  // namespace
+}  // namespace pelvor::testing

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Creatures.h"
+
+namespace pelvor::testing {
+
+std::vector<std::string>& journal() {
+    static std::vector<std::string> lines;
+    return lines;
+}
+
+PELVOR_DEFINE_CLASS(Animal, creatureLibrary) {
+    methods.classLevel<"initWithLegs:", &Animal::initWithLegs>();
+    methods.classLevel<"kind", &Animal::kind>();
+    methods.classLevel<"initialize", &Animal::initialize>();
+    methods.instance<"legs", &Animal::legs>();
+    methods.instance<"setLegs:", &Animal::setLegs>();
+    methods.instance<"loudness:", &Animal::loudness>();
+    methods.instance<"scaled:", &Animal::scaled>();
+    methods.instance<"sum:and:and:", &Animal::sum_and_and>();
+    methods.instance<"span:", &Animal::span_>();
+    methods.instance<"mood", &Animal::mood>();
+    methods.instance<"mate:", &Animal::mate>();
+    methods.instance<"offspring", &Animal::offspring>();
+    methods.instance<"label:", &Animal::label>();
+    methods.instance<"classOf:", &Animal::classOf>();
+    methods.instance<"isSelector:", &Animal::isSelector>();
+    methods.instance<"fail", &Animal::fail>();
+}
+PELVOR_DEFINE_CLASS(Dog, creatureLibrary) { methods.instance<"fetch", &Dog::fetch>(); }
+PELVOR_DEFINE_CLASS(Puppy, creatureLibrary) {}
+PELVOR_DEFINE_CLASS(Shadow, creatureLibrary) {
+    methods.classLevel<"initWithTarget:", &Shadow::initWithTarget>();
+}
+PELVOR_DEFINE_CLASS(Counted, creatureLibrary) {}
+
+namespace {
+
+constexpr Library* kDependencies[] = {&runtimeLibrary};
+// Subclasses first: the order of a list does not matter.
+constexpr Class* kClasses[] = {&Puppy::classRecord,     &Dog::classRecord,
+                               &Shadow::classRecord, &Counted::classRecord, &Animal::classRecord};
+
+}  // namespace
+
+constinit Library creatureLibrary{"Creatures", kDependencies, kClasses, {}};
+
+Retained<Animal> Animal::initWithLegs(int legs, Class* cls) {
+    auto animal = make<Animal>(cls);
+    animal->_legs = legs;
+    return animal;
+}
+
+void Animal::initialize(Class* cls) { journal().push_back(std::string("initialize ") + cls->name()); }
+
+Retained<Shadow> Shadow::initWithTarget(Object* target, Class* cls) {
+    auto shadow = make<Shadow>(cls);
+    shadow->_target.set(target);
+    return shadow;
+}
+
+NSMethodSignature* Shadow::methodSignatureForSelector(SEL selector) {
+    return _target->methodSignatureForSelector(selector);
+}
+
+void Shadow::forwardInvocation(NSInvocation* invocation) {
+    journal().push_back(std::string("forward ") + invocation->selector().name());
+    invocation->invokeWithTarget(_target);
+}
+
+Retained<Counted> Counted::initWithName(std::string name) {
+    auto counted = make<Counted>();
+    counted->_name = std::move(name);
+    return counted;
+}
+
+void Counted::overriddenRelease() noexcept {
+    journal().push_back("release " + _name);
+    releaseReference();
+}
+
+}  // namespace pelvor::testing

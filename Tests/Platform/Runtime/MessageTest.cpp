@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Runtime/Message.h"
+
+#include <gtest/gtest.h>
+
+#include "Creatures.h"
+
+namespace pelvor::testing {
+namespace {
+
+int louderLoudness(Dog* dog, int distance) {
+    return 1000 + sendSuper<int>(classNamed("LouderDog"), dog, "loudness:"_sel, distance);
+}
+
+class MessageTest : public ::testing::Test {
+  protected:
+    AutoreleasePool pool;
+    Retained<Animal> animal = Animal::initWithLegs(4);
+    Retained<Animal> dog = Animal::initWithLegs(3, Dog::classObject());
+};
+
+TEST_F(MessageTest, AnswersWithTheMethodOfTheReceiversClass) {
+    EXPECT_EQ(send<int>(animal, "legs"_sel), 4);
+    EXPECT_EQ(send<int>(animal, "loudness:"_sel, 10), 90);
+    EXPECT_EQ(send<int>(dog, "loudness:"_sel, 10), 180);
+    send(animal, "setLegs:"_sel, 6);
+    EXPECT_EQ(animal->legs(), 6);
+}
+
+TEST_F(MessageTest, CarriesEveryKindOfValue) {
+    NSRange range{3, 5};
+    EXPECT_EQ(send<Span>(animal, "span:"_sel, range), (Span{{3, 5}, {5, 3}}));
+    EXPECT_EQ(send<Mood>(animal, "mood"_sel), Mood::wild);
+    EXPECT_STREQ(send<const char*>(animal, "label:"_sel, "text"), "text");
+    EXPECT_EQ(send<Class*>(animal, "classOf:"_sel, dog), Dog::classObject());
+    EXPECT_TRUE(send<bool>(animal, "isSelector:"_sel, "legs"_sel));
+    EXPECT_EQ(send<Animal*>(animal, "mate:"_sel, dog), dog);
+    EXPECT_EQ(send<id>(animal, "mate:"_sel, nullptr), nullptr);
+}
+
+TEST_F(MessageTest, ConvertsUnlikeNumbersBothWays) {
+    EXPECT_EQ(send<double>(animal, "legs"_sel), 4.0);
+    EXPECT_EQ(send<std::uint8_t>(animal, "legs"_sel), 4);
+    EXPECT_EQ(send<int>(animal, "scaled:"_sel, 2), 8);
+    EXPECT_EQ(send<int>(animal, "sum:and:and:"_sel, 1.9, true, std::int8_t(-3)), -1);
+    send(animal, "setLegs:"_sel, -1e300);
+    EXPECT_EQ(send<std::int64_t>(animal, "legs"_sel), INT32_MIN);
+    EXPECT_EQ(send<std::uint8_t>(animal, "scaled:"_sel, 0x1p-23), 0);
+    EXPECT_TRUE(send<bool>(animal, "legs"_sel));
+}
+
+TEST_F(MessageTest, ToNoneDoesNothingAndAnswersZero) {
+    EXPECT_EQ(send<int>(nullptr, "legs"_sel), 0);
+    EXPECT_EQ(send<id>(nullptr, "mate:"_sel, dog), nullptr);
+    EXPECT_EQ(send<Span>(nullptr, "span:"_sel, NSRange{1, 1}), Span{});
+}
+
+TEST_F(MessageTest, OfWrongTypesIsRefusedByMethodArgumentAndTypes) {
+    struct {
+        std::string reason, expected;
+    } rows[] = {
+        {reasonOf([&] { send(animal, "setLegs:"_sel, "four"); }),
+         "-[Animal setLegs:]: argument 1 is of type '*' where 'i' is expected"},
+        {reasonOf([&] { send<int>(animal, "sum:and:and:"_sel, 1, dog, 2); }),
+         "-[Animal sum:and:and:]: argument 2 is of type '@' where 'q' is expected"},
+        {reasonOf([&] { send<id>(animal, "legs"_sel); }),
+         "-[Animal legs]: the result is of type 'i' where '@' is expected"},
+        {reasonOf([&] { send<int>(animal, "legs"_sel, 1); }),
+         "-[Animal legs]: 1 arguments are given where 0 are expected"},
+        {reasonOf([&] { send<id>(animal, "mate:"_sel, NSObject::init().get()); }),
+         "-[Animal mate:]: an object of class NSObject stands where one of class Animal is expected"},
+        {reasonOf([&] { send<Dog*>(animal, "mate:"_sel, animal); }),
+         "-[Animal mate:]: an object of class Animal stands where one of class Dog is expected"},
+        {reasonOf([&] { send<id>(animal, "classOf:"_sel, 3); }),
+         "-[Animal classOf:]: argument 1 is of type 'i' where '@' is expected"},
+    };
+    for (auto& row : rows) EXPECT_EQ(row.reason, row.expected);
+    EXPECT_EQ(animal->legs(), 4);
+}
+
+TEST_F(MessageTest, NobodyAnswersRaises) {
+    std::string reason = reasonOf([&] { send(animal, "fly"_sel); });
+    EXPECT_TRUE(reason.starts_with("-[Animal fly]: unrecognized selector sent to instance 0x")) << reason;
+    reason = reasonOf([&] { send(Animal::classObject(), "legs"_sel); });
+    EXPECT_TRUE(reason.starts_with("+[Animal legs]: unrecognized selector sent to class 0x")) << reason;
+    EXPECT_NE(reasonOf([&] { send(animal, SEL()); }), "");
+}
+
+TEST_F(MessageTest, ClassesAnswerClassOperationsAndWhatEveryObjectAnswers) {
+    EXPECT_EQ(send<Class*>(Dog::classObject(), "kind"_sel), Dog::classObject());
+    EXPECT_TRUE(send<bool>(Dog::classObject(), "isKindOfClass:"_sel, NSObject::classObject()));
+    EXPECT_TRUE(send<bool>(Dog::classObject(), "isSubclassOfClass:"_sel, Animal::classObject()));
+    EXPECT_EQ(send<id>(Dog::classObject(), "self"_sel), Dog::classObject());
+    EXPECT_EQ(send<Class*>(Shadow::classObject(), "superclass"_sel), NSProxy::classObject());
+}
+
+TEST_F(MessageTest, AClassMakesInstancesOfTheReceiver) {
+    auto puppy = send<Retained<Animal>>(Puppy::classObject(), "initWithLegs:"_sel, 2);
+    EXPECT_EQ(puppy->isa(), Puppy::classObject());
+    EXPECT_EQ(puppy->legs(), 2);
+    EXPECT_EQ(puppy->retainCount(), 2u);  // ours, and the pool's
+    EXPECT_EQ(send<id>(puppy, "offspring"_sel)->isa(), Puppy::classObject());
+}
+
+TEST_F(MessageTest, SuperSendTakesTheOverriddenMethod) {
+    Class* louder = Class::createSubclass("LouderDog", Dog::classObject());
+    MethodGroup group;
+    group.methods.push_back({"loudness:"_sel, implementation<"loudness:", &louderLoudness>()});
+    louder->addMethods(std::move(group));
+    auto made = Retained<Object>::adopting(louder->createInstance());
+    EXPECT_EQ(send<int>(made, "loudness:"_sel, 0), 1200);
+}
+
+TEST_F(MessageTest, PerformAnswersObjectsAndDropsWhatTheMethodDoesNotTake) {
+    EXPECT_EQ(animal->performSelector("self"_sel), animal);
+    EXPECT_EQ(animal->performSelector("legs"_sel), nullptr);
+    EXPECT_EQ(animal->performSelector_withObject("mate:"_sel, dog), dog);
+    EXPECT_EQ(animal->performSelector("mate:"_sel), nullptr);
+    EXPECT_EQ(animal->performSelector_withObject_withObject("mate:"_sel, dog, animal), dog);
+    EXPECT_NE(reasonOf([&] { animal->performSelector_withObject("setLegs:"_sel, dog); }), "");
+    EXPECT_NE(reasonOf([&] { animal->performSelector("sum:and:and:"_sel); }), "");
+}
+
+TEST_F(MessageTest, AnExceptionPassesThroughEveryRoad) {
+    EXPECT_EQ(reasonOf([&] { send(animal, "fail"_sel); }), "bitten");
+    EXPECT_EQ(reasonOf([&] { animal->performSelector("fail"_sel); }), "bitten");
+    EXPECT_EQ(reasonOf([&] { send(Shadow::initWithTarget(animal).get(), "fail"_sel); }), "bitten");
+}
+
+}  // namespace
+}  // namespace pelvor::testing

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Runtime/NSInvocation.h"
+
+#include <gtest/gtest.h>
+
+#include "Creatures.h"
+
+namespace pelvor::testing {
+namespace {
+
+Retained<NSInvocation> invocationFor(Object* object, SEL selector) {
+    auto invocation = NSInvocation::initWithMethodSignature(object->methodSignatureForSelector(selector));
+    invocation->setSelector(selector);
+    return invocation;
+}
+
+TEST(NSInvocationTest, CarriesArgumentsAndResult) {
+    auto animal = Animal::initWithLegs(4);
+    auto invocation = invocationFor(animal, "sum:and:and:"_sel);
+    invocation->setArgument(2, 1);
+    std::int64_t second = 20;
+    invocation->setArgument_atIndex(&second, 3);
+    invocation->setArgument(4, 300.0f);
+    invocation->invokeWithTarget(animal);
+    EXPECT_EQ(invocation->returnValue<int>(), 321);
+    int first = 0;
+    invocation->getArgument_atIndex(&first, 2);
+    EXPECT_EQ(first, 1);
+
+    auto spans = invocationFor(animal, "span:"_sel);
+    spans->setArgument(2, NSRange{1, 2});
+    spans->invokeWithTarget(animal);
+    EXPECT_EQ(spans->returnValue<Span>(), (Span{{1, 2}, {2, 1}}));
+}
+
+TEST(NSInvocationTest, RefusesWrongIndexesAndTypes) {
+    auto animal = Animal::initWithLegs(4);
+    auto invocation = invocationFor(animal, "setLegs:"_sel);
+    EXPECT_EQ(reasonOf([&] { invocation->setArgument(3, 1); }),
+              "argument index 3 is outside the message setLegs:");
+    EXPECT_EQ(reasonOf([&] { invocation->setArgument(1, 1); }),
+              "argument index 1 is outside the message setLegs:");
+    EXPECT_EQ(reasonOf([&] { invocation->setArgument(2, 1.5); }),
+              "an argument of setLegs: is of type i, not d");
+    EXPECT_EQ(reasonOf([&] { (void)invocation->returnValue<int>(); }),
+              "the result of setLegs: is of type v, not i");
+    EXPECT_NE(reasonOf([] { (void)NSInvocation::initWithMethodSignature(nullptr); }), "");
+}
+
+TEST(NSInvocationTest, KeepsWhatItIsToldToKeep) {
+    journal().clear();
+    {
+        auto animal = Animal::initWithLegs(4);
+        auto invocation = invocationFor(animal, "mate:"_sel);
+        {
+            auto other = Animal::initWithLegs(2);
+            invocation->setArgument(2, other.get());
+            EXPECT_EQ(other->retainCount(), 1u);
+            invocation->retainArguments();
+            EXPECT_EQ(other->retainCount(), 2u);
+            invocation->invokeWithTarget(animal);
+            EXPECT_EQ(other->retainCount(), 3u);  // argument and result
+        }
+        EXPECT_EQ(animal->retainCount(), 2u);
+        invocation->setArgument<id>(2, nullptr);
+        EXPECT_TRUE(journal().empty());
+        invocation->invoke();
+        EXPECT_EQ(journal().back(), "end of 2");
+    }
+    EXPECT_EQ(journal().back(), "end of 4");
+}
+
+TEST(NSInvocationTest, CopiesTextsThatItKeeps) {
+    auto animal = Animal::initWithLegs(4);
+    auto invocation = invocationFor(animal, "label:"_sel);
+    std::string text = "before";
+    invocation->setArgument(2, text.c_str());
+    invocation->retainArguments();
+    text = "after!";
+    invocation->invokeWithTarget(animal);
+    EXPECT_STREQ(invocation->returnValue<const char*>(), "before");
+}
+
+TEST(NSInvocationTest, ToNoTargetAnswersZeros) {
+    auto animal = Animal::initWithLegs(4);
+    auto invocation = invocationFor(animal, "legs"_sel);
+    invocation->invokeWithTarget(animal);
+    invocation->invokeWithTarget(nullptr);
+    EXPECT_EQ(invocation->returnValue<int>(), 0);
+}
+
+TEST(NSInvocationTest, AProxyPassesMessagesOnWithTheirResults) {
+    AutoreleasePool pool;
+    journal().clear();
+    auto animal = Animal::initWithLegs(4);
+    auto shadow = Shadow::initWithTarget(animal);
+    EXPECT_EQ(send<int>(shadow, "sum:and:and:"_sel, 1, 2, 3.0), 6);
+    EXPECT_EQ(send<Span>(shadow, "span:"_sel, NSRange{4, 5}), (Span{{4, 5}, {5, 4}}));
+    EXPECT_EQ(send<id>(shadow, "mate:"_sel, animal), animal);
+    EXPECT_EQ(journal().size(), 3u);
+    EXPECT_TRUE(shadow->respondsToSelector("legs"_sel));
+    EXPECT_FALSE(shadow->respondsToSelector("fly"_sel));
+    EXPECT_TRUE(reasonOf([&] { send(shadow, "fly"_sel); }).starts_with("-[Shadow fly]: unrecognized"));
+    EXPECT_TRUE(shadow->isProxy());
+    EXPECT_EQ(shadow->retainCount(), 1u);
+}
+
+TEST(NSMethodSignatureTest, TellsTypesAndSizes) {
+    NSMethodSignature* signature = Animal::classRecord.signatureOfInstanceMethod("span:"_sel);
+    EXPECT_STREQ(signature->types(), "{Span={_NSRange=II}{_NSRange=II}}@:{_NSRange=II}");
+    EXPECT_EQ(signature->numberOfArguments(), 3u);
+    EXPECT_STREQ(signature->getArgumentTypeAtIndex(0), "@");
+    EXPECT_STREQ(signature->getArgumentTypeAtIndex(1), ":");
+    EXPECT_STREQ(signature->getArgumentTypeAtIndex(2), "{_NSRange=II}");
+    EXPECT_EQ(signature->methodReturnLength(), 16u);
+    EXPECT_NE(reasonOf([&] { signature->getArgumentTypeAtIndex(3); }), "");
+    EXPECT_EQ(NSMethodSignature::signatureWithObjCTypes("i@:iqf")->methodReturnLength(), 4u);
+    EXPECT_EQ(NSMethodSignature::signatureWithObjCTypes("nonsense"), nullptr);
+}
+
+}  // namespace
+}  // namespace pelvor::testing

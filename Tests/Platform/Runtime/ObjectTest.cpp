@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Runtime/Object.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "Creatures.h"
+
+namespace pelvor::testing {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+static_assert(!std::is_convertible_v<Animal*, Retained<Animal>>, "a bare pointer must say what it means");
+static_assert(!std::is_convertible_v<Retained<Animal>&&, Animal*>, "a temporary is not borrowed silently");
+static_assert(!std::is_convertible_v<Retained<Object>, Retained<Animal>>);
+static_assert(std::is_convertible_v<Retained<Dog>, Retained<Animal>>);
+static_assert(!std::is_copy_constructible_v<Animal> && !std::is_default_constructible_v<Animal>);
+static_assert(sizeof(Object) <= 24);
+
+TEST(ObjectTest, AReferenceIsStoredBeforeTheOldOneGoes) {
+    static Retained<Object> slot;
+    journal().clear();
+    slot = Counted::initWithName("old");
+    Object* old = slot;
+    slot = Counted::initWithName("new");
+    EXPECT_NE(slot.get(), old);
+    EXPECT_EQ(journal(), (Lines{"release old", "~old"}));
+    slot = nullptr;
+    EXPECT_EQ(journal(), (Lines{"release old", "~old", "release new", "~new"}));
+}
+
+TEST(ObjectTest, CopiesMovesAndSelfAssignmentBalance) {
+    auto animal = Animal::initWithLegs(4);
+    {
+        Retained<Animal> copy = animal;
+        Retained<Object> wider = copy;
+        EXPECT_EQ(animal->retainCount(), 3u);
+        Retained<Object> moved = std::move(wider);
+        EXPECT_EQ(animal->retainCount(), 3u);
+        moved = moved;
+        EXPECT_EQ(animal->retainCount(), 3u);
+    }
+    EXPECT_EQ(animal->retainCount(), 1u);
+    Animal* leaked = animal.leak();
+    EXPECT_FALSE(animal);
+    EXPECT_EQ(Retained<Animal>::adopting(leaked)->retainCount(), 1u);
+}
+
+TEST(ObjectTest, AnOverriddenReleaseIsReachedFromEverywhere) {
+    journal().clear();
+    auto counted = Counted::initWithName("a");
+    counted->retain();
+    send(counted, "release"_sel);
+    {
+        AutoreleasePool pool;
+        counted->retain();
+        counted->autorelease();
+    }
+    (void)Retained<Object>::retaining(counted);
+    EXPECT_EQ(journal(), (Lines{"release a", "release a", "release a"}));
+    EXPECT_EQ(counted->retainCount(), 1u);
+}
+
+TEST(ObjectTest, CountsFromManyThreads) {
+    auto animal = Animal::initWithLegs(4);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 8; ++t)
+        threads.emplace_back([&] {
+            for (int i = 0; i < 1000; ++i) (void)Retained<Animal>::retaining(animal);
+        });
+    for (auto& thread : threads) thread.join();
+    EXPECT_EQ(animal->retainCount(), 1u);
+}
+
+TEST(AutoreleasePoolTest, ReleasesItsObjectsInOrderAtTheEndOfItsScope) {
+    journal().clear();
+    {
+        AutoreleasePool outer;
+        Counted::initWithName("outer").autorelease();
+        {
+            AutoreleasePool inner;
+            Counted::initWithName("first").autorelease();
+            Counted::initWithName("second").autorelease();
+        }
+        EXPECT_EQ(journal(), (Lines{"release first", "~first", "release second", "~second"}));
+        outer.drain();
+        EXPECT_EQ(journal().back(), "~outer");
+        Counted::initWithName("again").autorelease();
+    }
+    EXPECT_EQ(journal().back(), "~again");
+}
+
+// Autoreleases another object while it goes.
+class Heir : public NSObject {
+    PELVOR_CLASS(Heir, NSObject);
+
+  public:
+    int generations = 0;
+
+  protected:
+    Heir() = default;
+    ~Heir() {
+        journal().push_back("heir " + std::to_string(generations));
+        AutoreleasePool nested;
+        Counted::initWithName("nested").autorelease();
+        if (generations == 0) return;
+        auto next = make<Heir>();
+        next->generations = generations - 1;
+        next->retain()->autorelease();
+    }
+};
+PELVOR_DEFINE_CLASS(Heir, creatureLibrary) {}
+
+TEST(AutoreleasePoolTest, WhatIsAutoreleasedDuringADrainIsReleasedToo) {
+    std::size_t before = AutoreleasePool::pendingCount();
+    journal().clear();
+    {
+        AutoreleasePool pool;
+        auto heir = make<Heir>();
+        heir->generations = 3;
+        for (int i = 0; i < 5000; ++i) heir->retain()->autorelease();
+        std::move(heir).autorelease();
+    }
+    EXPECT_EQ(AutoreleasePool::pendingCount(), before);
+    EXPECT_EQ(std::count(journal().begin(), journal().end(), "heir 0"), 1);
+    EXPECT_EQ(std::count(journal().begin(), journal().end(), "~nested"), 4);
+}
+
+TEST(AutoreleasePoolTest, WithoutAPoolObjectsGoWithTheirThread) {
+    journal().clear();
+    std::thread([] {
+        Counted::initWithName("loose").autorelease();
+        EXPECT_TRUE(journal().empty());
+    }).join();
+    EXPECT_EQ(journal(), (Lines{"release loose", "~loose"}));
+}
+
+}  // namespace
+}  // namespace pelvor::testing

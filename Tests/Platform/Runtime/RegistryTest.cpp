@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Runtime/Registry.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "Creatures.h"
+
+namespace pelvor::testing {
+namespace {
+
+TEST(RegistryTest, ListsClassesAndFindsThemByName) {
+    registerLibrary(creatureLibrary);
+    std::size_t count = classList(nullptr, 0);
+    std::vector<Class*> classes(count);
+    EXPECT_EQ(classList(classes.data(), 2), count);
+    EXPECT_EQ(classes[2], nullptr);
+    classList(classes.data(), count);
+    auto position = [&](Class* cls) {
+        return std::find(classes.begin(), classes.end(), cls) - classes.begin();
+    };
+    EXPECT_LT(position(Animal::classObject()), position(Dog::classObject()));
+    EXPECT_LT(position(Dog::classObject()), position(Puppy::classObject()));
+    EXPECT_LT(position(Puppy::classObject()), static_cast<std::ptrdiff_t>(count));
+    EXPECT_EQ(classNamed("Animal"), Animal::classObject());
+    EXPECT_EQ(classNamed("Unicorn"), nullptr);
+    EXPECT_EQ(classNamed(""), nullptr);
+}
+
+// Two records of one name, as two plug-ins may bring them.
+constinit Library intruderLibrary{"Intruder", {}, {}, {}};
+constinit Class intruderMeta(Class::Metaclass{}, "Animal", nullptr, &NSObject::metaclassRecord);
+constinit Class intruder("Animal", &intruderMeta, &NSObject::classRecord, {}, &intruderLibrary);
+
+TEST(RegistryTest, ATakenNameIsRefusedBeforeAnythingIsRegistered) {
+    registerLibrary(creatureLibrary);
+    std::size_t before = classList(nullptr, 0);
+    static Class* const classes[] = {&intruder};
+    intruderLibrary.classes = classes;
+    EXPECT_EQ(reasonOf([] { registerLibrary(intruderLibrary); }),
+              "the class name Animal of Intruder is already taken");
+    EXPECT_EQ(classList(nullptr, 0), before);
+    EXPECT_EQ(classNamed("Animal"), Animal::classObject());
+    EXPECT_FALSE(intruderLibrary.isRegistered);
+}
+
+TEST(SelectorTest, IsInternedAndKnowsItsArguments) {
+    EXPECT_EQ(registerSelector("move:by:"), "move:by:"_sel);
+    EXPECT_NE("move:by:"_sel, "move:"_sel);
+    EXPECT_EQ("move:by:"_sel.argumentCount(), 2);
+    EXPECT_EQ("count"_sel.argumentCount(), 0);
+    EXPECT_STREQ(SEL().name(), "");
+    EXPECT_FALSE(findSelector("neverHeardOf:"));
+    for (int i = 0; i < 3000; ++i) registerSelector("selector" + std::to_string(i));
+    EXPECT_STREQ(findSelector("selector2999").name(), "selector2999");
+}
+
+struct Unnamed {
+    double a;
+    void* b;
+    Object* c;
+};
+
+TEST(TypeEncodingTest, IsDeduced) {
+    EXPECT_STREQ((typeEncoding<int>.text), "i");
+    EXPECT_STREQ((typeEncoding<unsigned long>.text), "Q");
+    EXPECT_STREQ((typeEncoding<long long>.text), "q");
+    EXPECT_STREQ((typeEncoding<bool>.text), "B");
+    EXPECT_STREQ((typeEncoding<char16_t>.text), "S");
+    EXPECT_STREQ((typeEncoding<Mood>.text), "C");
+    EXPECT_STREQ((typeEncoding<Animal*>.text), "@");
+    EXPECT_STREQ((typeEncoding<Retained<Animal>>.text), "@");
+    EXPECT_STREQ((typeEncoding<Class*>.text), "#");
+    EXPECT_STREQ((typeEncoding<SEL>.text), ":");
+    EXPECT_STREQ((typeEncoding<const char*>.text), "*");
+    EXPECT_STREQ((typeEncoding<void*>.text), "^v");
+    EXPECT_STREQ((typeEncoding<NSRange*>.text), "^{_NSRange=II}");
+    EXPECT_STREQ((typeEncoding<int (*)(int)>.text), "^?");
+    EXPECT_STREQ((typeEncoding<Unnamed>.text), "{Unnamed=d^v@}");
+    EXPECT_STREQ((SignatureFor<void, id, NSRange>::kTypes.text), "v@:@{_NSRange=II}");
+}
+
+}  // namespace
+}  // namespace pelvor::testing
