@@ -106,18 +106,30 @@ bool writeInteger(void* place, const Number& number) {
 
 bool writeNumber(char encoding, void* place, const Number& number) {
     switch (encoding) {
-        case 'B': return write(place, number.isFloating ? number.floating != 0 : number.bits != 0);
-        case 'c': return writeInteger<std::int8_t>(place, number);
-        case 'C': return writeInteger<std::uint8_t>(place, number);
-        case 's': return writeInteger<std::int16_t>(place, number);
-        case 'S': return writeInteger<std::uint16_t>(place, number);
-        case 'i': return writeInteger<std::int32_t>(place, number);
-        case 'I': return writeInteger<std::uint32_t>(place, number);
-        case 'q': return writeInteger<std::int64_t>(place, number);
-        case 'Q': return writeInteger<std::uint64_t>(place, number);
-        case 'f': return write(place, static_cast<float>(number.floating));
-        case 'd': return write(place, number.floating);
-        default: return false;
+        case 'B':
+            return write(place, number.isFloating ? number.floating != 0 : number.bits != 0);
+        case 'c':
+            return writeInteger<std::int8_t>(place, number);
+        case 'C':
+            return writeInteger<std::uint8_t>(place, number);
+        case 's':
+            return writeInteger<std::int16_t>(place, number);
+        case 'S':
+            return writeInteger<std::uint16_t>(place, number);
+        case 'i':
+            return writeInteger<std::int32_t>(place, number);
+        case 'I':
+            return writeInteger<std::uint32_t>(place, number);
+        case 'q':
+            return writeInteger<std::int64_t>(place, number);
+        case 'Q':
+            return writeInteger<std::uint64_t>(place, number);
+        case 'f':
+            return write(place, static_cast<float>(number.floating));
+        case 'd':
+            return write(place, number.floating);
+        default:
+            return false;
     }
 }
 

@@ -37,8 +37,8 @@ namespace {
 
 constexpr Library* kDependencies[] = {&runtimeLibrary};
 // Subclasses first: the order of a list does not matter.
-constexpr Class* kClasses[] = {&Puppy::classRecord,     &Dog::classRecord,
-                               &Shadow::classRecord, &Counted::classRecord, &Animal::classRecord};
+constexpr Class* kClasses[] = {&Puppy::classRecord, &Dog::classRecord, &Shadow::classRecord,
+                               &Counted::classRecord, &Animal::classRecord};
 
 }  // namespace
 
