@@ -225,11 +225,11 @@ Class* Class::createSubclass(const char* name, Class* superclass) {
         throw NSException(NSInvalidArgumentException,
                           std::string("the class name ") + name + " is already taken");
     superclass->methodGroups();
-    auto* copy = new std::string(name);
+    const char* copy = registry.keepName(name);
     auto* memory = static_cast<Class*>(::operator new(2 * sizeof(Class), std::align_val_t(alignof(Class))));
     Class* cls = memory;
-    Class* meta = ::new (memory + 1) Class(Metaclass{}, copy->c_str(), cls, superclass->metaclass());
-    ::new (memory) Class(copy->c_str(), meta, superclass, superclass->_native, nullptr);
+    Class* meta = ::new (memory + 1) Class(Metaclass{}, copy, cls, superclass->metaclass());
+    ::new (memory) Class(copy, meta, superclass, superclass->_native, nullptr);
     registry.registerClass(cls);
     return cls;
 }

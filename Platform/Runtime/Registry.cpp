@@ -129,11 +129,11 @@ std::size_t Registry::classList(Class** buffer, std::size_t capacity) {
 void Registry::pose(Class* poser, Class* original) {
     std::lock_guard guard(mutex);
     std::string_view oldName = original->name();
-    auto* newName = new std::string("%");
-    newName->append(oldName);
+    std::string renamed("%");
+    const char* newName = keepName(renamed.append(oldName));
     _classesByName.insert_or_assign(oldName, poser);
-    original->_name = original->metaclass()->_name = newName->c_str();
-    _classesByName.emplace(*newName, original);
+    original->_name = original->metaclass()->_name = newName;
+    _classesByName.emplace(newName, original);
     original->_poser.store(poser, std::memory_order_release);
     original->_makesOwnInstances.store(false, std::memory_order_release);
     adoptSubclasses(poser, original);
@@ -153,6 +153,8 @@ void Registry::adoptSubclasses(Class* poser, Class* original) {
     }
     original->flushCaches();
 }
+
+const char* Registry::keepName(std::string name) { return _names.emplace_back(std::move(name)).c_str(); }
 
 void Registry::keep(const CacheEntry* entry) { _cacheEntries.push_back(entry); }
 

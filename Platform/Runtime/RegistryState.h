@@ -3,7 +3,9 @@
 #pragma once
 
 #include <condition_variable>
+#include <deque>
 #include <mutex>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -28,6 +30,8 @@ class Registry {
     void pose(Class* poser, Class* original);
     /// Cache entries may be read long after they were taken out of a cache; none is ever freed.
     void keep(const CacheEntry* entry);
+    /// The name of a class made or renamed at run time, kept for good.
+    const char* keepName(std::string name);
 
     std::recursive_mutex mutex;
     std::condition_variable_any initialization;  ///< a class's `initialize` has ended
@@ -42,6 +46,7 @@ class Registry {
     static void unlink(Class* cls, Class* superclass);
 
     std::vector<Class*> _classes;
+    std::deque<std::string> _names;
     std::vector<const CacheEntry*> _cacheEntries;
     std::unordered_map<std::string_view, Class*> _classesByName;
     std::unordered_map<std::string_view, std::vector<const Category*>> _pendingCategories;

@@ -1,11 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Creatures.h"
 
+#include <mutex>
+
 namespace pelvor::testing {
 
 std::vector<std::string>& journal() {
     static std::vector<std::string> lines;
     return lines;
+}
+
+void note(std::string line) {
+    static std::mutex mutex;
+    std::lock_guard guard(mutex);
+    journal().push_back(std::move(line));
 }
 
 PELVOR_DEFINE_CLASS(Animal, creatureLibrary) {
@@ -50,7 +58,7 @@ Retained<Animal> Animal::initWithLegs(int legs, Class* cls) {
     return animal;
 }
 
-void Animal::initialize(Class* cls) { journal().push_back(std::string("initialize ") + cls->name()); }
+void Animal::initialize(Class* cls) { note(std::string("initialize ") + cls->name()); }
 
 Retained<Shadow> Shadow::initWithTarget(Object* target, Class* cls) {
     auto shadow = make<Shadow>(cls);
@@ -63,7 +71,7 @@ NSMethodSignature* Shadow::methodSignatureForSelector(SEL selector) {
 }
 
 void Shadow::forwardInvocation(NSInvocation* invocation) {
-    journal().push_back(std::string("forward ") + invocation->selector().name());
+    note(std::string("forward ") + invocation->selector().name());
     invocation->invokeWithTarget(_target);
 }
 
@@ -74,7 +82,7 @@ Retained<Counted> Counted::initWithName(std::string name) {
 }
 
 void Counted::overriddenRelease() noexcept {
-    journal().push_back("release " + _name);
+    note("release " + _name);
     releaseReference();
 }
 

@@ -20,6 +20,8 @@ extern Library creatureLibrary;
 
 /// What happened, in order; every test begins by emptying it.
 std::vector<std::string>& journal();
+/// Adds a line to the journal. Any thread.
+void note(std::string line);
 
 struct Span {
     NSRange first;
@@ -53,7 +55,7 @@ class Animal : public NSObject {
 
   protected:
     Animal() = default;
-    ~Animal() { journal().push_back("end of " + std::to_string(_legs)); }
+    ~Animal() { note("end of " + std::to_string(_legs)); }
 
     int _legs = 0;
 };
@@ -103,7 +105,7 @@ class Counted : public NSObject {
 
   protected:
     Counted() { setOverridesRelease(); }
-    ~Counted() { journal().push_back("~" + _name); }
+    ~Counted() { note("~" + _name); }
     void overriddenRelease() noexcept override;
     std::string _name;
 };

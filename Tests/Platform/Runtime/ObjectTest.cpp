@@ -39,7 +39,8 @@ TEST(ObjectTest, CopiesMovesAndSelfAssignmentBalance) {
         EXPECT_EQ(animal->retainCount(), 3u);
         Retained<Object> moved = std::move(wider);
         EXPECT_EQ(animal->retainCount(), 3u);
-        moved = moved;
+        Retained<Object>& alias = moved;
+        moved = alias;
         EXPECT_EQ(animal->retainCount(), 3u);
     }
     EXPECT_EQ(animal->retainCount(), 1u);
@@ -102,7 +103,7 @@ class Heir : public NSObject {
   protected:
     Heir() = default;
     ~Heir() {
-        journal().push_back("heir " + std::to_string(generations));
+        note("heir " + std::to_string(generations));
         AutoreleasePool nested;
         Counted::initWithName("nested").autorelease();
         if (generations == 0) return;
