@@ -26,22 +26,19 @@ struct Instances {
     template <class T>
     static void destroy(T* object) noexcept {
         object->T::~T();
-        if constexpr (requires { T::operator delete(object); })
-            T::operator delete(object);
-        else
-            ::operator delete(object);
+        deallocate<T>(object);
     }
 
     /// An object of exactly the C++ class T that belongs to the class `isa`, count one. `extra` bytes
     /// follow it in its memory.
     template <class T, class... Arguments>
     static T* createWithExtra(std::size_t extra, Class* isa, Arguments&&... arguments) {
-        void* memory = ::operator new(sizeof(T) + extra);
+        void* memory = allocate<T>(sizeof(T) + extra);
         T* object;
         try {
             object = ::new (memory) T(std::forward<Arguments>(arguments)...);
         } catch (...) {
-            ::operator delete(memory);
+            deallocate<T>(memory);
             throw;
         }
         object->_isa = isa;
@@ -75,6 +72,22 @@ struct Instances {
     }
 
   private:
+    // A class may bring its own memory by operators new and delete.
+    template <class T>
+    static void* allocate(std::size_t size) {
+        if constexpr (requires { T::operator new(size); })
+            return T::operator new(size);
+        else
+            return ::operator new(size);
+    }
+    template <class T>
+    static void deallocate(void* memory) noexcept {
+        if constexpr (requires { T::operator delete(memory); })
+            T::operator delete(memory);
+        else
+            ::operator delete(memory);
+    }
+
     template <class T>
     static constexpr bool kDefaultMade = requires(void* memory) {
         ::new (memory) T();

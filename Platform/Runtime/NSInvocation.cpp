@@ -17,6 +17,33 @@ bool isText(const ArgumentLayout& layout) { return layout.encoding[0] == '*'; }
 Object*& objectAt(void* place) { return *static_cast<Object**>(place); }
 char*& textAt(void* place) { return *static_cast<char**>(place); }
 
+// Memory of gone invocations, for the thread's next ones.
+struct SpareMemory {
+    static constexpr unsigned kLimit = 8;
+
+    void* blocks[kLimit] = {};
+    unsigned count = 0;
+    unsigned limit = 0;  // 0 before the thread has kept anything and after its end
+
+    void open();
+};
+
+constinit thread_local SpareMemory spareMemory;
+
+struct EndOfThread {
+    ~EndOfThread() {
+        spareMemory.limit = 0;
+        while (spareMemory.count > 0) ::operator delete(spareMemory.blocks[--spareMemory.count]);
+        hasEnded = true;
+    }
+    bool hasEnded = false;
+};
+
+void SpareMemory::open() {
+    static thread_local EndOfThread endOfThread;
+    if (!endOfThread.hasEnded) limit = kLimit;
+}
+
 }  // namespace
 
 PELVOR_DEFINE_CLASS(NSInvocation, runtimeLibrary) {
@@ -35,6 +62,20 @@ PELVOR_DEFINE_CLASS(NSInvocation, runtimeLibrary) {
     methods.instance<"argumentsRetained", &NSInvocation::argumentsRetained>();
     methods.instance<"invoke", &NSInvocation::invoke>();
     methods.instance<"invokeWithTarget:", &NSInvocation::invokeWithTarget>();
+}
+
+void* NSInvocation::operator new(std::size_t size) {
+    SpareMemory& spare = spareMemory;
+    return spare.count > 0 ? spare.blocks[--spare.count] : ::operator new(size);
+}
+
+void NSInvocation::operator delete(void* memory) noexcept {
+    SpareMemory& spare = spareMemory;
+    if (spare.limit == 0) spare.open();
+    if (spare.count < spare.limit)
+        spare.blocks[spare.count++] = memory;
+    else
+        ::operator delete(memory);
 }
 
 NSInvocation::NSInvocation(NSMethodSignature* signature)

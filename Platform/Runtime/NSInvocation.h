@@ -69,6 +69,10 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
     explicit NSInvocation(NSMethodSignature* signature);
     ~NSInvocation();
 
+    // Invocations come and go with every forwarded message: each thread keeps the memory of a few.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* memory) noexcept;
+
   private:
     const ArgumentLayout& argumentAtIndex(int index) {
         if (index < 2 || static_cast<std::uint32_t>(index) >= _signature->numberOfArguments()) [[unlikely]]
