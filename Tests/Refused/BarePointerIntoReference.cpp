@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
+// expect: could not convert
+#include "Preamble.h"
+
+namespace pelvor {
+
+Retained<Lamp> keep(Lamp* lamp) { return lamp; }
+
+}  // namespace pelvor

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+// A class for code that must not compile. Each other file here holds one fault and the text that the compiler
+// must say about it; scripts/check-refused looks.
+#pragma once
+
+#include "Foundation/NSString.h"
+#include "Runtime/Message.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor {
+
+extern Library refusedLibrary;
+
+class Lamp : public NSObject {
+    PELVOR_CLASS(Lamp, NSObject);
+
+  public:
+    void setLevel_animated(int, bool) {}
+    void show(std::string) {}
+
+  protected:
+    Lamp() = default;
+    ~Lamp() = default;
+};
+
+}  // namespace pelvor
