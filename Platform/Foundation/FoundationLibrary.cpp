@@ -1,8 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/FoundationLibrary.h"
 
+#include "Foundation/CollectionEnumeratorsPrivate.h"
+#include "Foundation/ConcreteArraysPrivate.h"
+#include "Foundation/ConcreteDataPrivate.h"
+#include "Foundation/ConcreteDatePrivate.h"
+#include "Foundation/ConcreteDictionariesPrivate.h"
+#include "Foundation/ConcreteSetsPrivate.h"
+#include "Foundation/ConcreteValuesPrivate.h"
 #include "Foundation/NSBufferString.h"
+#include "Foundation/NSCountedSet.h"
 #include "Foundation/NSInlineString.h"
+#include "Foundation/NSMutableData.h"
+#include "Foundation/NSNull.h"
 #include "Foundation/NSString.h"
 #include "Runtime/RuntimeLibrary.h"
 
@@ -12,10 +22,43 @@ namespace {
 constexpr Library* kDependencies[] = {&runtimeLibrary};
 
 // Alphabetical; a superclass is registered before its subclasses wherever it stands.
+// clang-format off
 constexpr Class* kClasses[] = {
-    &NSBufferString::classRecord, &NSConstantString::classRecord, &NSExternalString::classRecord,
-    &NSInlineString::classRecord, &NSMutableString::classRecord,  &NSString::classRecord,
+    &NSArray::classRecord,
+    &NSArrayEnumerator::classRecord,
+    &NSBufferArray::classRecord,
+    &NSBufferString::classRecord,
+    &NSConstantString::classRecord,
+    &NSCountedSet::classRecord,
+    &NSData::classRecord,
+    &NSDate::classRecord,
+    &NSDictionary::classRecord,
+    &NSDictionaryEnumerator::classRecord,
+    &NSEnumerator::classRecord,
+    &NSExternalString::classRecord,
+    &NSInlineArray::classRecord,
+    &NSInlineData::classRecord,
+    &NSInlineString::classRecord,
+    &NSInlineValue::classRecord,
+    &NSMutableArray::classRecord,
+    &NSMutableData::classRecord,
+    &NSMutableDictionary::classRecord,
+    &NSMutableSet::classRecord,
+    &NSMutableString::classRecord,
+    &NSNull::classRecord,
+    &NSNumber::classRecord,
+    &NSPlainDate::classRecord,
+    &NSPlainNumber::classRecord,
+    &NSSet::classRecord,
+    &NSSetEnumerator::classRecord,
+    &NSString::classRecord,
+    &NSTableDictionary::classRecord,
+    &NSTableMutableDictionary::classRecord,
+    &NSTableMutableSet::classRecord,
+    &NSTableSet::classRecord,
+    &NSValue::classRecord,
 };
+// clang-format on
 
 }  // namespace
 

@@ -106,34 +106,40 @@ class PELVOR_EXPORT NSArray : public NSObject {
     ~NSArray() = default;
 };
 
-/// The place of a range-for loop in an array. Raises NSGenericException when the array was changed.
-class NSArrayIterator {
+namespace detail {
+
+class ArrayCursor {
   public:
     using value_type = id;
-    using difference_type = std::ptrdiff_t;
 
-    explicit NSArrayIterator(NSArray* array) : _array(Retained<NSArray>::retaining(array)) {
+    explicit ArrayCursor(NSArray* array) : _array(array) {
         if (!array) return;
         _objects = array->contiguousObjects();
-        _watch = detail::MutationWatch(array->mutationCounter());
+        _watch = MutationWatch(array->mutationCounter());
         _count = array->count();
     }
     id operator*() const { return _objects ? _objects[_index] : _array->objectAtIndex(_index); }
-    NSArrayIterator& operator++() {
+    ArrayCursor& operator++() {
         _watch.check(_array);
         ++_index;
         return *this;
     }
-    void operator++(int) { ++*this; }
     bool operator==(std::default_sentinel_t) const { return _index >= _count; }
 
   private:
-    Retained<NSArray> _array;
+    NSArray* _array;
     Object* const* _objects = nullptr;
-    detail::MutationWatch _watch;
+    MutationWatch _watch;
     NSUInteger _index = 0;
     NSUInteger _count = 0;
 };
+
+inline BorrowedWalk<ArrayCursor, NSArray> walk(NSArray* array) { return {array}; }
+
+}  // namespace detail
+
+/// The place of a range-for loop in an array. Raises NSGenericException when the array was changed.
+using NSArrayIterator = detail::KeepingIterator<detail::ArrayCursor, NSArray>;
 
 inline NSArrayIterator begin(NSArray* array) { return NSArrayIterator(array); }
 inline std::default_sentinel_t end(NSArray*) { return {}; }

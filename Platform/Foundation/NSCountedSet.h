@@ -9,7 +9,8 @@
 namespace pelvor {
 
 /// A mutable set that counts: a member stays until it was removed as often as it was added. `count` and
-/// walks take each member once. It equals every set with the same members and counts.
+/// walks take each member once. It equals every set with the same members and counts, where a member of
+/// another set counts once; its description tells the counts.
 class PELVOR_EXPORT NSCountedSet : public NSMutableSet {
     PELVOR_CLASS(NSCountedSet, NSMutableSet);
 
@@ -28,14 +29,12 @@ class PELVOR_EXPORT NSCountedSet : public NSMutableSet {
     NSUInteger count() override;
     id member(id object) override;
     id stepFrom(NSUInteger& position) override;
-    const std::uint32_t* mutationCounter() override { return &_mutations; }
+    const std::uint32_t* mutationCounter() override;
     void addObject(id object) override;
     void removeObject(id object) override;
     void removeAllObjects() override;
     Retained<Object> copyWithZone(void* zone) override;
     Retained<Object> mutableCopyWithZone(void* zone) override;
-    /// The members with their counts.
-    NSString* description() override;
 
   protected:
     NSCountedSet();
@@ -44,7 +43,6 @@ class PELVOR_EXPORT NSCountedSet : public NSMutableSet {
   private:
     struct Table;
     std::unique_ptr<Table> _table;
-    std::uint32_t _mutations = 0;
 };
 
 }  // namespace pelvor

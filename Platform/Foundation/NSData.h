@@ -30,6 +30,7 @@ class PELVOR_EXPORT NSData : public NSObject {
     static NSData* dataWithContentsOfFile(NSString* path);
     static NSData* of(std::span<const std::byte> bytes);
 
+    static Retained<NSData> init();
     static Retained<NSData> initWithBytes_length(const void* bytes, NSUInteger length);
     static Retained<NSData> initWithData(NSData* data);
     static Retained<NSData> initWithContentsOfFile(NSString* path);

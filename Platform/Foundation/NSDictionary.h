@@ -90,33 +90,38 @@ class PELVOR_EXPORT NSDictionary : public NSObject {
     ~NSDictionary() = default;
 };
 
-/// The place of a range-for loop in a dictionary. Raises NSGenericException when keys came or went.
-class NSDictionaryIterator {
+namespace detail {
+
+class DictionaryCursor {
   public:
     using value_type = NSDictionaryEntry;
-    using difference_type = std::ptrdiff_t;
 
-    explicit NSDictionaryIterator(NSDictionary* dictionary)
-        : _dictionary(Retained<NSDictionary>::retaining(dictionary)) {
+    explicit DictionaryCursor(NSDictionary* dictionary) : _dictionary(dictionary) {
         if (!dictionary) return;
-        _watch = detail::MutationWatch(dictionary->mutationCounter());
+        _watch = MutationWatch(dictionary->mutationCounter());
         _entry = dictionary->stepFrom(_position);
     }
     NSDictionaryEntry operator*() const { return _entry; }
-    NSDictionaryIterator& operator++() {
+    DictionaryCursor& operator++() {
         _watch.check(_dictionary);
         _entry = _dictionary->stepFrom(_position);
         return *this;
     }
-    void operator++(int) { ++*this; }
     bool operator==(std::default_sentinel_t) const { return !_entry.key; }
 
   private:
-    Retained<NSDictionary> _dictionary;
-    detail::MutationWatch _watch;
+    NSDictionary* _dictionary;
+    MutationWatch _watch;
     NSUInteger _position = 0;
     NSDictionaryEntry _entry{nullptr, nullptr};
 };
+
+inline BorrowedWalk<DictionaryCursor, NSDictionary> walk(NSDictionary* dictionary) { return {dictionary}; }
+
+}  // namespace detail
+
+/// The place of a range-for loop in a dictionary. Raises NSGenericException when keys came or went.
+using NSDictionaryIterator = detail::KeepingIterator<detail::DictionaryCursor, NSDictionary>;
 
 inline NSDictionaryIterator begin(NSDictionary* dictionary) { return NSDictionaryIterator(dictionary); }
 inline std::default_sentinel_t end(NSDictionary*) { return {}; }

@@ -54,6 +54,36 @@ class MutationWatch {
 // The counter of collections that never change.
 inline constexpr std::uint32_t kNeverMutated = 0;
 
+// A cursor is a place in a walk over a collection that somebody else keeps alive. This one keeps it.
+template <class Cursor, class Collection>
+class KeepingIterator {
+  public:
+    using value_type = typename Cursor::value_type;
+    using difference_type = std::ptrdiff_t;
+
+    explicit KeepingIterator(Collection* collection)
+        : _kept(Retained<Collection>::retaining(collection)), _cursor(collection) {}
+    value_type operator*() const { return *_cursor; }
+    KeepingIterator& operator++() {
+        ++_cursor;
+        return *this;
+    }
+    void operator++(int) { ++_cursor; }
+    bool operator==(std::default_sentinel_t sentinel) const { return _cursor == sentinel; }
+
+  private:
+    Retained<Collection> _kept;
+    Cursor _cursor;
+};
+
+// For a collection's own loops over itself, which may run while it is being destroyed.
+template <class Cursor, class Collection>
+struct BorrowedWalk {
+    Collection* collection;
+    Cursor begin() const { return Cursor(collection); }
+    std::default_sentinel_t end() const { return {}; }
+};
+
 }  // namespace detail
 
 /// The place of a range-for loop in an enumerator.

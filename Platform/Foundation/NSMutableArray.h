@@ -66,6 +66,9 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
   protected:
     NSMutableArray() = default;
     ~NSMutableArray() = default;
+
+    /// Puts the objects, all checked and kept alive by the caller, in the place of a range that is inside.
+    virtual void replaceObjects(NSRange range, Object* const* objects, NSUInteger count);
 };
 
 }  // namespace pelvor

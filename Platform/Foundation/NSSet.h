@@ -80,32 +80,38 @@ class PELVOR_EXPORT NSSet : public NSObject {
     ~NSSet() = default;
 };
 
-/// The place of a range-for loop in a set. Raises NSGenericException when the set was changed.
-class NSSetIterator {
+namespace detail {
+
+class SetCursor {
   public:
     using value_type = id;
-    using difference_type = std::ptrdiff_t;
 
-    explicit NSSetIterator(NSSet* set) : _set(Retained<NSSet>::retaining(set)) {
+    explicit SetCursor(NSSet* set) : _set(set) {
         if (!set) return;
-        _watch = detail::MutationWatch(set->mutationCounter());
+        _watch = MutationWatch(set->mutationCounter());
         _object = set->stepFrom(_position);
     }
     id operator*() const { return _object; }
-    NSSetIterator& operator++() {
+    SetCursor& operator++() {
         _watch.check(_set);
         _object = _set->stepFrom(_position);
         return *this;
     }
-    void operator++(int) { ++*this; }
     bool operator==(std::default_sentinel_t) const { return !_object; }
 
   private:
-    Retained<NSSet> _set;
-    detail::MutationWatch _watch;
+    NSSet* _set;
+    MutationWatch _watch;
     NSUInteger _position = 0;
     id _object = nullptr;
 };
+
+inline BorrowedWalk<SetCursor, NSSet> walk(NSSet* set) { return {set}; }
+
+}  // namespace detail
+
+/// The place of a range-for loop in a set. Raises NSGenericException when the set was changed.
+using NSSetIterator = detail::KeepingIterator<detail::SetCursor, NSSet>;
 
 inline NSSetIterator begin(NSSet* set) { return NSSetIterator(set); }
 inline std::default_sentinel_t end(NSSet*) { return {}; }

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "Foundation/CollectionFailuresPrivate.h"
+#include "Foundation/ConcreteArraysPrivate.h"
+#include "Foundation/FoundationLibrary.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+
+// MARK: Immutable
+
+PELVOR_DEFINE_CLASS(NSInlineArray, foundationLibrary) {}
+
+NSInlineArray* NSInlineArray::empty() {
+    static NSInlineArray* const array = Instances::createWithExtra<NSInlineArray>(0, &classRecord, 0u);
+    return array;
+}
+
+Retained<NSInlineArray> NSInlineArray::create(Object* const* objects, NSUInteger count) {
+    if (count == 0) return Retained<NSInlineArray>::retaining(empty());
+    auto* array = Instances::createWithExtra<NSInlineArray>(count * sizeof(Object*), &classRecord, count);
+    for (NSUInteger i = 0; i < count; ++i) array->objects()[i] = objects[i]->retain();
+    return Retained<NSInlineArray>::adopting(array);
+}
+
+NSInlineArray::~NSInlineArray() {
+    // What a release does may look at the array: it is empty by then.
+    NSUInteger count = std::exchange(_count, 0);
+    for (NSUInteger i = 0; i < count; ++i) objects()[i]->release();
+}
+
+id NSInlineArray::objectAtIndex(NSUInteger index) {
+    requireIndex(index, _count);
+    return objects()[index];
+}
+
+Retained<Object> NSInlineArray::copyWithZone(void*) { return Retained<Object>::retaining(this); }
+
+// MARK: The buffer
+
+namespace {
+
+void movePointers(Object** to, Object** from, std::size_t count) {
+    if (count) std::memmove(to, from, count * sizeof(Object*));
+}
+
+}  // namespace
+
+void ObjectBuffer::replace(NSUInteger index, NSUInteger removed, NSUInteger added) {
+    if (added > removed)
+        openGap(index + removed, added - removed);
+    else if (removed > added)
+        closeGap(index + added, removed - added);
+}
+
+void ObjectBuffer::reserve(NSUInteger capacity) {
+    if (capacity > _capacity - _head) relocate(std::max(capacity, _count), _count, 0);
+}
+
+// Moves the shorter side where there is room for it.
+void ObjectBuffer::openGap(NSUInteger index, NSUInteger added) {
+    NSUInteger tail = _count - index;
+    bool fitsBefore = _head >= added;
+    bool fitsAfter = _capacity - _head - _count >= added;
+    if (fitsBefore && (!fitsAfter || index < tail)) {
+        movePointers(begin() - added, begin(), index);
+        _head -= added;
+    } else if (fitsAfter) {
+        movePointers(begin() + index + added, begin() + index, tail);
+    } else {
+        growAround(index, added);
+    }
+    _count += added;
+}
+
+void ObjectBuffer::closeGap(NSUInteger index, NSUInteger removed) {
+    NSUInteger tail = _count - index - removed;
+    if (index < tail) {
+        movePointers(begin() + removed, begin(), index);
+        _head += removed;
+    } else {
+        movePointers(begin() + index, begin() + index + removed, tail);
+    }
+    _count -= removed;
+    if (_count == 0) _head = 0;
+}
+
+void ObjectBuffer::growAround(NSUInteger index, NSUInteger added) {
+    std::uint64_t needed = std::uint64_t{_count} + added;
+    if (needed > UINT32_MAX) throw NSException(NSMallocException, "an array of more than 2^32 - 1 objects");
+    std::uint64_t capacity = _capacity;
+    if (needed > capacity - capacity / 4) capacity = std::max(needed, capacity + capacity / 2 + 4);
+    relocate(static_cast<NSUInteger>(std::min<std::uint64_t>(capacity, UINT32_MAX)), index, added);
+}
+
+// Whoever adds at the front will do it again: half of the spare room goes there.
+void ObjectBuffer::relocate(NSUInteger capacity, NSUInteger index, NSUInteger added) {
+    NSUInteger head = index < _count - index ? (capacity - _count - added) / 2 : 0;
+    auto* memory = new Object*[capacity];
+    movePointers(memory + head, begin(), index);
+    movePointers(memory + head + index + added, begin() + index, _count - index);
+    delete[] std::exchange(_memory, memory);
+    _head = head;
+    _capacity = capacity;
+}
+
+// MARK: Mutable
+
+PELVOR_DEFINE_CLASS(NSBufferArray, foundationLibrary) {}
+
+NSBufferArray::~NSBufferArray() {
+    if (count()) replaceObjects({0, count()}, nullptr, 0);
+}
+
+id NSBufferArray::objectAtIndex(NSUInteger index) {
+    requireIndex(index, _buffer.count());
+    return _buffer.begin()[index];
+}
+
+void NSBufferArray::addObject(id object) {
+    requireObject(object, "addObject:");
+    NSUInteger index = _buffer.count();
+    _buffer.replace(index, 0, 1);
+    _buffer.begin()[index] = object->retain();
+    ++_mutations;
+}
+
+void NSBufferArray::insertObject_atIndex(id object, NSUInteger index) {
+    requireObject(object, "insertObject:atIndex:");
+    if (index > _buffer.count()) raiseIndexBeyondBounds(index, _buffer.count());
+    _buffer.replace(index, 0, 1);
+    _buffer.begin()[index] = object->retain();
+    ++_mutations;
+}
+
+void NSBufferArray::replaceObjectAtIndex_withObject(NSUInteger index, id object) {
+    requireObject(object, "replaceObjectAtIndex:withObject:");
+    requireIndex(index, _buffer.count());
+    std::exchange(_buffer.begin()[index], object->retain())->release();
+}
+
+void NSBufferArray::removeObjectAtIndex(NSUInteger index) {
+    requireIndex(index, _buffer.count());
+    id object = _buffer.begin()[index];
+    _buffer.replace(index, 1, 0);
+    ++_mutations;
+    object->release();
+}
+
+void NSBufferArray::removeObjectsInRange(NSRange range) {
+    requireRange(range, _buffer.count());
+    replaceObjects(range, nullptr, 0);
+}
+
+void NSBufferArray::replaceObjects(NSRange range, Object* const* objects, NSUInteger count) {
+    if (range.length == 0 && count == 0) return;
+    Object** first = _buffer.begin() + range.location;
+    std::vector<Object*> removed(first, first + range.length);
+    _buffer.replace(range.location, range.length, count);
+    for (NSUInteger i = 0; i < count; ++i) _buffer.begin()[range.location + i] = objects[i]->retain();
+    ++_mutations;
+    for (Object* object : removed) object->release();
+}
+
+}  // namespace pelvor

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include "Foundation/FileContentsPrivate.h"
+
+namespace pelvor {
+namespace {
+
+class Descriptor {
+  public:
+    explicit Descriptor(int number) : _number(number) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    ~Descriptor() {
+        if (_number >= 0) ::close(_number);
+    }
+    explicit operator bool() const { return _number >= 0; }
+    operator int() const { return _number; }
+    bool close() { return ::close(std::exchange(_number, -1)) == 0; }
+
+  private:
+    int _number;
+};
+
+bool writeAll(int descriptor, std::span<const std::byte> content) {
+    while (!content.empty()) {
+        ssize_t written = ::write(descriptor, content.data(), content.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return false;
+        content = content.subspan(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+bool writeDirectly(const std::string& path, std::span<const std::byte> content) {
+    Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+    return file && writeAll(file, content) && file.close();
+}
+
+// The rights that the file at `path` has, or that a new file gets.
+mode_t rightsFor(const std::string& path) {
+    struct stat status;
+    if (::stat(path.c_str(), &status) == 0) return status.st_mode & 07777;
+    mode_t mask = ::umask(0);
+    ::umask(mask);
+    return 0666 & ~mask;
+}
+
+bool writeAtomically(const std::string& path, std::span<const std::byte> content) {
+    std::string target = path;
+    if (char* real = ::realpath(path.c_str(), nullptr)) {
+        target = real;  // a symbolic link stays what it is
+        std::free(real);
+    }
+    std::string temporary = target + ".XXXXXX";
+    Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
+    if (!file) return false;
+    bool isWritten = writeAll(file, content) && ::fchmod(file, rightsFor(target)) == 0 &&
+                     ::fsync(file) == 0 && file.close() && ::rename(temporary.c_str(), target.c_str()) == 0;
+    if (!isWritten) ::unlink(temporary.c_str());
+    return isWritten;
+}
+
+}  // namespace
+
+bool readFile(const std::string& path, std::vector<std::byte>& content) {
+    Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    struct stat status;
+    if (!file || ::fstat(file, &status) != 0 || S_ISDIR(status.st_mode)) return false;
+    // The size is only where to begin: some files tell none, and others grow.
+    std::size_t length = 0;
+    content.resize(static_cast<std::size_t>(std::clamp<off_t>(status.st_size, 0, UINT32_MAX)) + 1);
+    for (;;) {
+        if (length == content.size()) content.resize(length * 2);
+        ssize_t count = ::read(file, content.data() + length, content.size() - length);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return false;
+        if (count == 0) break;
+        length += static_cast<std::size_t>(count);
+        if (length > UINT32_MAX) return false;
+    }
+    content.resize(length);
+    return true;
+}
+
+bool writeFile(const std::string& path, std::span<const std::byte> content, FileWriting writing) {
+    return writing == FileWriting::atomic ? writeAtomically(path, content) : writeDirectly(path, content);
+}
+
+}  // namespace pelvor

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSCountedSet.h"
+
+#include "Foundation/CollectionFailuresPrivate.h"
+#include "Foundation/FoundationLibrary.h"
+#include "Foundation/NSArray.h"
+#include "Foundation/OrderedTablePrivate.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(NSCountedSet, foundationLibrary) {
+    methods.classLevel<"set", &NSCountedSet::set>();
+    methods.classLevel<"setWithArray:", &NSCountedSet::setWithArray>();
+    methods.classLevel<"setWithSet:", &NSCountedSet::setWithSet>();
+    methods.classLevel<"init", &NSCountedSet::init>();
+    methods.classLevelAs<"new", &NSCountedSet::init>();
+    methods.classLevel<"initWithArray:", &NSCountedSet::initWithArray>();
+    methods.classLevel<"initWithSet:", &NSCountedSet::initWithSet>();
+    methods.instance<"countForObject:", &NSCountedSet::countForObject>();
+}
+
+struct NSCountedSet::Table : OrderedTable<NSUInteger> {
+    NSUInteger find(id object) { return object ? OrderedTable::find(object, fold(object->hash())) : kNone; }
+};
+
+NSCountedSet::NSCountedSet() : _table(std::make_unique<Table>()) {}
+
+NSCountedSet::~NSCountedSet() { NSCountedSet::removeAllObjects(); }
+
+NSCountedSet* NSCountedSet::set() { return init().autorelease(); }
+
+NSCountedSet* NSCountedSet::setWithArray(NSArray* array) { return initWithArray(array).autorelease(); }
+
+NSCountedSet* NSCountedSet::setWithSet(NSSet* set) { return initWithSet(set).autorelease(); }
+
+NSCountedSet* NSCountedSet::of(std::initializer_list<Object*> objects) {
+    auto set = init();
+    for (Object* object : objects) set->addObject(object);
+    return std::move(set).autorelease();
+}
+
+Retained<NSCountedSet> NSCountedSet::init(Class* cls) { return make<NSCountedSet>(cls); }
+
+Retained<NSCountedSet> NSCountedSet::initWithArray(NSArray* array, Class* cls) {
+    auto set = make<NSCountedSet>(cls);
+    set->addObjectsFromArray(array);
+    return set;
+}
+
+Retained<NSCountedSet> NSCountedSet::initWithSet(NSSet* set, Class* cls) {
+    auto copy = make<NSCountedSet>(cls);
+    auto* counted = cast<NSCountedSet>(set);
+    for (id object : set)
+        for (NSUInteger i = counted ? counted->countForObject(object) : 1; i > 0; --i)
+            copy->addObject(object);
+    return copy;
+}
+
+NSUInteger NSCountedSet::countForObject(id object) {
+    NSUInteger position = _table->find(object);
+    return position == Table::kNone ? 0 : _table->entry(position).payload;
+}
+
+NSUInteger NSCountedSet::count() { return _table->count(); }
+
+id NSCountedSet::member(id object) {
+    NSUInteger position = _table->find(object);
+    return position == Table::kNone ? nullptr : _table->entry(position).key;
+}
+
+id NSCountedSet::stepFrom(NSUInteger& position) {
+    position = _table->next(position);
+    return position == Table::kNone ? nullptr : _table->entry(position++).key;
+}
+
+const std::uint32_t* NSCountedSet::mutationCounter() { return _table->mutationCounter(); }
+
+void NSCountedSet::addObject(id object) {
+    requireObject(object, "addObject:");
+    std::uint32_t hash = Table::fold(object->hash());
+    NSUInteger position = _table->OrderedTable::find(object, hash);
+    if (position == Table::kNone)
+        _table->add(object->retain(), hash, 1);
+    else
+        ++_table->entry(position).payload;
+}
+
+void NSCountedSet::removeObject(id object) {
+    NSUInteger position = _table->find(object);
+    if (position == Table::kNone) return;
+    if (--_table->entry(position).payload == 0) _table->remove(position).key->release();
+}
+
+void NSCountedSet::removeAllObjects() {
+    for (auto& entry : _table->removeAll())
+        if (entry.key) entry.key->release();
+}
+
+Retained<Object> NSCountedSet::copyWithZone(void*) { return initWithSet(this, isa()); }
+
+Retained<Object> NSCountedSet::mutableCopyWithZone(void*) { return initWithSet(this, isa()); }
+
+}  // namespace pelvor

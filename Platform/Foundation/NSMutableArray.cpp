@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSMutableArray.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "Foundation/CollectionFailuresPrivate.h"
+#include "Foundation/ConcreteArraysPrivate.h"
+#include "Foundation/FoundationLibrary.h"
+#include "Foundation/NSSet.h"
+#include "Foundation/ObjectTablesPrivate.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(NSMutableArray, foundationLibrary) {
+    methods.classLevel<"array", &NSMutableArray::array>();
+    methods.classLevel<"arrayWithCapacity:", &NSMutableArray::arrayWithCapacity>();
+    methods.classLevel<"arrayWithObject:", &NSMutableArray::arrayWithObject>();
+    methods.classLevel<"arrayWithObjects:count:", &NSMutableArray::arrayWithObjects_count>();
+    methods.classLevel<"arrayWithArray:", &NSMutableArray::arrayWithArray>();
+    methods.classLevel<"init", &NSMutableArray::init>();
+    methods.classLevelAs<"new", &NSMutableArray::init>();
+    methods.classLevel<"initWithCapacity:", &NSMutableArray::initWithCapacity>();
+    methods.classLevel<"initWithObjects:count:", &NSMutableArray::initWithObjects_count>();
+    methods.classLevel<"initWithArray:", &NSMutableArray::initWithArray>();
+    methods.instance<"addObject:", &NSMutableArray::addObject>();
+    methods.instance<"insertObject:atIndex:", &NSMutableArray::insertObject_atIndex>();
+    methods.instance<"replaceObjectAtIndex:withObject:", &NSMutableArray::replaceObjectAtIndex_withObject>();
+    methods.instance<"removeObjectAtIndex:", &NSMutableArray::removeObjectAtIndex>();
+    methods.instance<"removeObjectsInRange:", &NSMutableArray::removeObjectsInRange>();
+    methods.instance<"addObjectsFromArray:", &NSMutableArray::addObjectsFromArray>();
+    methods.instance<"replaceObjectsInRange:withObjectsFromArray:",
+                     &NSMutableArray::replaceObjectsInRange_withObjectsFromArray>();
+    methods.instance<"exchangeObjectAtIndex:withObjectAtIndex:",
+                     &NSMutableArray::exchangeObjectAtIndex_withObjectAtIndex>();
+    methods.instance<"setArray:", &NSMutableArray::setArray>();
+    methods.instance<"removeLastObject", &NSMutableArray::removeLastObject>();
+    methods.instance<"removeAllObjects", &NSMutableArray::removeAllObjects>();
+    methods.instance<"removeObject:", &NSMutableArray::removeObject>();
+    methods.instance<"removeObject:inRange:", &NSMutableArray::removeObject_inRange>();
+    methods.instance<"removeObjectIdenticalTo:", &NSMutableArray::removeObjectIdenticalTo>();
+    methods.instance<"removeObjectsInArray:", &NSMutableArray::removeObjectsInArray>();
+    methods.instance<"sortUsingSelector:", &NSMutableArray::sortUsingSelector>();
+    methods.instance<"sortUsingFunction:context:", &NSMutableArray::sortUsingFunction_context>();
+}
+
+// MARK: Creation
+
+NSMutableArray* NSMutableArray::array() { return init().autorelease(); }
+
+NSMutableArray* NSMutableArray::arrayWithCapacity(NSUInteger capacity) {
+    return initWithCapacity(capacity).autorelease();
+}
+
+NSMutableArray* NSMutableArray::arrayWithObject(id object) { return arrayWithObjects_count(&object, 1); }
+
+NSMutableArray* NSMutableArray::arrayWithObjects(std::initializer_list<Object*> objects) {
+    return initWithObjects(objects).autorelease();
+}
+
+NSMutableArray* NSMutableArray::arrayWithObjects_count(Object* const* objects, NSUInteger count) {
+    return initWithObjects_count(objects, count).autorelease();
+}
+
+NSMutableArray* NSMutableArray::arrayWithArray(NSArray* array) { return initWithArray(array).autorelease(); }
+
+Retained<NSMutableArray> NSMutableArray::init() { return make<NSBufferArray>(); }
+
+Retained<NSMutableArray> NSMutableArray::initWithCapacity(NSUInteger capacity) {
+    auto array = make<NSBufferArray>();
+    array->reserve(std::min(capacity, kLargestReserve));
+    return array;
+}
+
+Retained<NSMutableArray> NSMutableArray::initWithObjects(std::initializer_list<Object*> objects) {
+    return initWithObjects_count(objects.begin(), static_cast<NSUInteger>(objects.size()));
+}
+
+Retained<NSMutableArray> NSMutableArray::initWithObjects_count(Object* const* objects, NSUInteger count) {
+    requireObjects(objects, count, "initWithObjects:count:");
+    auto array = init();
+    array->replaceObjects({0, 0}, objects, count);
+    return array;
+}
+
+Retained<NSMutableArray> NSMutableArray::initWithArray(NSArray* array) {
+    auto copy = init();
+    copy->addObjectsFromArray(array);
+    return copy;
+}
+
+// MARK: Adding and replacing
+
+void NSMutableArray::replaceObjects(NSRange range, Object* const* objects, NSUInteger count) {
+    Retained<NSArray> leaving = Retained<NSArray>::retaining(subarrayWithRange(range));
+    removeObjectsInRange(range);
+    for (NSUInteger i = 0; i < count; ++i) insertObject_atIndex(objects[i], range.location + i);
+}
+
+void NSMutableArray::addObjectsFromArray(NSArray* other) {
+    replaceObjectsInRange_withObjectsFromArray({count(), 0}, other);
+}
+
+void NSMutableArray::replaceObjectsInRange_withObjectsFromArray(NSRange range, NSArray* other) {
+    requireRange(range, count());
+    Retained<NSArray> objects = NSArray::initWithArray(other);
+    replaceObjects(range, objects->contiguousObjects(), objects->count());
+}
+
+void NSMutableArray::exchangeObjectAtIndex_withObjectAtIndex(NSUInteger first, NSUInteger second) {
+    auto one = Retained<Object>::retaining(objectAtIndex(first));
+    auto two = Retained<Object>::retaining(objectAtIndex(second));
+    replaceObjectAtIndex_withObject(first, two);
+    replaceObjectAtIndex_withObject(second, one);
+}
+
+void NSMutableArray::setArray(NSArray* other) {
+    replaceObjectsInRange_withObjectsFromArray({0, count()}, other);
+}
+
+// MARK: Removing
+
+void NSMutableArray::removeLastObject() {
+    NSUInteger length = count();
+    removeObjectAtIndex(length ? length - 1 : 0);
+}
+
+void NSMutableArray::removeAllObjects() { removeObjectsInRange({0, count()}); }
+
+void NSMutableArray::removeObject(id object) { removeObject_inRange(object, {0, count()}); }
+
+void NSMutableArray::removeObject_inRange(id object, NSRange range) {
+    requireRange(range, count());
+    auto kept = Retained<Object>::retaining(object);
+    // What a comparison or a release does may shorten the array.
+    for (NSUInteger i = range.location + range.length; object && i > range.location;) {
+        i = std::min(i, count());
+        if (i <= range.location) return;
+        id entry = objectAtIndex(--i);
+        if ((entry == object || entry->isEqual(object)) && i < count()) removeObjectAtIndex(i);
+    }
+}
+
+void NSMutableArray::removeObjectIdenticalTo(id object) {
+    auto kept = Retained<Object>::retaining(object);
+    for (NSUInteger i = count(); i > 0; i = std::min(i, count()))
+        if (objectAtIndex(--i) == object) removeObjectAtIndex(i);
+}
+
+void NSMutableArray::removeObjectsInArray(NSArray* other) {
+    if (!other || other->count() == 0) return;
+    Retained<NSSet> leaving = NSSet::initWithArray(other);
+    Retained<NSArray> all = NSArray::initWithArray(this);
+    std::vector<Object*> staying;
+    for (id object : all)
+        if (!leaving->containsObject(object)) staying.push_back(object);
+    if (staying.size() != all->count())
+        replaceObjects({0, count()}, staying.data(), static_cast<NSUInteger>(staying.size()));
+}
+
+// MARK: Sorting
+
+void NSMutableArray::sortUsingSelector(SEL comparator) { setArray(sortedArrayUsingSelector(comparator)); }
+
+void NSMutableArray::sortUsingFunction_context(NSCompareFunction comparator, void* context) {
+    setArray(sortedArrayUsingFunction_context(comparator, context));
+}
+
+}  // namespace pelvor

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSMutableSet.h"
+
+#include "Foundation/CollectionFailuresPrivate.h"
+#include "Foundation/ConcreteSetsPrivate.h"
+#include "Foundation/FoundationLibrary.h"
+#include "Foundation/NSArray.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(NSTableMutableSet, foundationLibrary) {}
+
+PELVOR_DEFINE_CLASS(NSMutableSet, foundationLibrary) {
+    methods.classLevel<"set", &NSMutableSet::set>();
+    methods.classLevel<"setWithCapacity:", &NSMutableSet::setWithCapacity>();
+    methods.classLevel<"setWithObject:", &NSMutableSet::setWithObject>();
+    methods.classLevel<"setWithObjects:count:", &NSMutableSet::setWithObjects_count>();
+    methods.classLevel<"setWithArray:", &NSMutableSet::setWithArray>();
+    methods.classLevel<"setWithSet:", &NSMutableSet::setWithSet>();
+    methods.classLevel<"init", &NSMutableSet::init>();
+    methods.classLevelAs<"new", &NSMutableSet::init>();
+    methods.classLevel<"initWithCapacity:", &NSMutableSet::initWithCapacity>();
+    methods.classLevel<"initWithObjects:count:", &NSMutableSet::initWithObjects_count>();
+    methods.classLevel<"initWithArray:", &NSMutableSet::initWithArray>();
+    methods.classLevel<"initWithSet:", &NSMutableSet::initWithSet>();
+    methods.instance<"addObject:", &NSMutableSet::addObject>();
+    methods.instance<"removeObject:", &NSMutableSet::removeObject>();
+    methods.instance<"removeAllObjects", &NSMutableSet::removeAllObjects>();
+    methods.instance<"addObjectsFromArray:", &NSMutableSet::addObjectsFromArray>();
+    methods.instance<"unionSet:", &NSMutableSet::unionSet>();
+    methods.instance<"minusSet:", &NSMutableSet::minusSet>();
+    methods.instance<"intersectSet:", &NSMutableSet::intersectSet>();
+    methods.instance<"setSet:", &NSMutableSet::setSet>();
+}
+
+// MARK: Creation
+
+NSMutableSet* NSMutableSet::set() { return init().autorelease(); }
+
+NSMutableSet* NSMutableSet::setWithCapacity(NSUInteger capacity) {
+    return initWithCapacity(capacity).autorelease();
+}
+
+NSMutableSet* NSMutableSet::setWithObject(id object) { return setWithObjects_count(&object, 1); }
+
+NSMutableSet* NSMutableSet::setWithObjects(std::initializer_list<Object*> objects) {
+    return initWithObjects(objects).autorelease();
+}
+
+NSMutableSet* NSMutableSet::setWithObjects_count(Object* const* objects, NSUInteger count) {
+    return initWithObjects_count(objects, count).autorelease();
+}
+
+NSMutableSet* NSMutableSet::setWithArray(NSArray* array) { return initWithArray(array).autorelease(); }
+
+NSMutableSet* NSMutableSet::setWithSet(NSSet* set) { return initWithSet(set).autorelease(); }
+
+Retained<NSMutableSet> NSMutableSet::init() { return make<NSTableMutableSet>(); }
+
+Retained<NSMutableSet> NSMutableSet::initWithCapacity(NSUInteger capacity) {
+    auto set = make<NSTableMutableSet>();
+    set->table().reserve(capacity);
+    return set;
+}
+
+Retained<NSMutableSet> NSMutableSet::initWithObjects(std::initializer_list<Object*> objects) {
+    return initWithObjects_count(objects.begin(), static_cast<NSUInteger>(objects.size()));
+}
+
+Retained<NSMutableSet> NSMutableSet::initWithObjects_count(Object* const* objects, NSUInteger count) {
+    requireObjects(objects, count, "initWithObjects:count:");
+    auto set = make<NSTableMutableSet>();
+    set->table().addAll(objects, count);
+    return set;
+}
+
+Retained<NSMutableSet> NSMutableSet::initWithArray(NSArray* array) {
+    Retained<NSArray> objects = NSArray::initWithArray(array);
+    return initWithObjects_count(objects->contiguousObjects(), objects->count());
+}
+
+Retained<NSMutableSet> NSMutableSet::initWithSet(NSSet* set) {
+    auto copy = make<NSTableMutableSet>();
+    fillTable(copy->table(), set);
+    return copy;
+}
+
+// MARK: Changing
+
+void NSTableMutableSet::addObject(id object) {
+    requireObject(object, "addObject:");
+    _table.add(object);
+}
+
+void NSMutableSet::addObjectsFromArray(NSArray* other) {
+    for (id object : other) addObject(object);
+}
+
+void NSMutableSet::unionSet(NSSet* other) {
+    if (other == this) return;
+    for (id object : other) addObject(object);
+}
+
+void NSMutableSet::minusSet(NSSet* other) {
+    if (other == this) return removeAllObjects();
+    for (id object : other) removeObject(object);
+}
+
+void NSMutableSet::intersectSet(NSSet* other) {
+    if (other == this) return;
+    if (!other) return removeAllObjects();
+    Retained<NSSet> members = NSSet::initWithSet(this);
+    for (id object : members)
+        if (!other->containsObject(object)) removeObject(object);
+}
+
+void NSMutableSet::setSet(NSSet* other) {
+    if (other == this) return;
+    Retained<NSSet> leaving = NSSet::initWithSet(this);
+    removeAllObjects();
+    unionSet(other);
+}
+
+}  // namespace pelvor

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSValue.h"
+
+#include <string_view>
+#include <vector>
+
+#include "Foundation/ByteTextPrivate.h"
+#include "Foundation/ConcreteValuesPrivate.h"
+#include "Foundation/FoundationLibrary.h"
+#include "Foundation/NSString.h"
+#include "Foundation/TypeNamesPrivate.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(NSInlineValue, foundationLibrary) {}
+
+PELVOR_DEFINE_CLASS(NSValue, foundationLibrary) {
+    methods.classLevel<"valueWithBytes:objCType:", &NSValue::valueWithBytes_objCType>();
+    methods.classLevel<"initWithBytes:objCType:", &NSValue::initWithBytes_objCType>();
+    methods.classLevel<"valueWithRange:", &NSValue::valueWithRange>();
+    methods.classLevel<"valueWithPoint:", &NSValue::valueWithPoint>();
+    methods.classLevel<"valueWithSize:", &NSValue::valueWithSize>();
+    methods.classLevel<"valueWithRect:", &NSValue::valueWithRect>();
+    methods.classLevel<"valueWithPointer:", &NSValue::valueWithPointer>();
+    methods.classLevel<"valueWithNonretainedObject:", &NSValue::valueWithNonretainedObject>();
+    methods.instance<"objCType", &NSValue::objCType>();
+    methods.instance<"getValue:", &NSValue::getValue>();
+    methods.instance<"rangeValue", &NSValue::rangeValue>();
+    methods.instance<"pointValue", &NSValue::pointValue>();
+    methods.instance<"sizeValue", &NSValue::sizeValue>();
+    methods.instance<"rectValue", &NSValue::rectValue>();
+    methods.instance<"pointerValue", &NSValue::pointerValue>();
+    methods.instance<"nonretainedObjectValue", &NSValue::nonretainedObjectValue>();
+    methods.instance<"isEqualToValue:", &NSValue::isEqualToValue>();
+}
+
+// MARK: Creation
+
+Retained<NSInlineValue> NSInlineValue::create(const void* bytes, std::size_t size, const char* type) {
+    auto* value = Instances::createWithExtra<NSInlineValue>(size, &classRecord, type, size);
+    std::memcpy(static_cast<void*>(value + 1), bytes, size);
+    return Retained<NSInlineValue>::adopting(value);
+}
+
+Retained<NSValue> NSValue::withTypedBytes(const void* bytes, std::size_t size, const char* immortalType) {
+    return NSInlineValue::create(bytes, size, immortalType);
+}
+
+NSValue* NSValue::valueWithBytes_objCType(const void* bytes, const char* type) {
+    return initWithBytes_objCType(bytes, type).autorelease();
+}
+
+Retained<NSValue> NSValue::initWithBytes_objCType(const void* bytes, const char* type) {
+    NSUInteger size = 0;
+    if (!bytes || !type || *NSGetSizeAndAlignment(type, &size, nullptr) != '\0')
+        throw NSException(NSInvalidArgumentException,
+                          std::string("a value needs bytes and one type, not ") + (type ? type : "(null)"));
+    return withTypedBytes(bytes, size, immortalTypeName(type));
+}
+
+NSValue* NSValue::valueWithRange(NSRange range) { return of(range); }
+NSValue* NSValue::valueWithPoint(NSPoint point) { return of(point); }
+NSValue* NSValue::valueWithSize(NSSize size) { return of(size); }
+NSValue* NSValue::valueWithRect(NSRect rect) { return of(rect); }
+NSValue* NSValue::valueWithPointer(const void* pointer) { return of(const_cast<void*>(pointer)); }
+NSValue* NSValue::valueWithNonretainedObject(id object) { return of(object); }
+
+// MARK: Reading
+
+void NSValue::requireType(const char* type) {
+    const char* own = objCType();
+    if (own != type && std::strcmp(own, type) != 0)
+        throw NSException(NSInvalidArgumentException,
+                          std::string("a value of type ") + own + " cannot be read as " + type);
+}
+
+namespace {
+
+std::vector<char> bytesOf(NSValue* value) {
+    NSUInteger size = 0;
+    NSGetSizeAndAlignment(value->objCType(), &size, nullptr);
+    std::vector<char> bytes(size);
+    value->getValue(bytes.data());
+    return bytes;
+}
+
+}  // namespace
+
+bool NSValue::isEqualToValue(NSValue* other) { return isEqual(other); }
+
+bool NSValue::isEqual(id other) {
+    if (this == other) return true;
+    auto* value = cast<NSValue>(other);
+    if (!value || cast<NSNumber>(value)) return false;
+    return std::strcmp(objCType(), value->objCType()) == 0 && bytesOf(this) == bytesOf(value);
+}
+
+std::uintptr_t NSValue::hash() {
+    std::vector<char> bytes = bytesOf(this);
+    return std::hash<std::string_view>()({bytes.data(), bytes.size()});
+}
+
+NSString* NSValue::description() {
+    std::string_view type = objCType();
+    if (type == typeEncoding<NSPoint>.text) return NSStringFromPoint(pointValue());
+    if (type == typeEncoding<NSSize>.text) return NSStringFromSize(sizeValue());
+    if (type == typeEncoding<NSRect>.text) return NSStringFromRect(rectValue());
+    if (type == typeEncoding<NSRange>.text) {
+        NSRange range = rangeValue();
+        return NSString::ofUTF8("{" + std::to_string(range.location) + ", " + std::to_string(range.length) +
+                                "}");
+    }
+    std::vector<char> bytes = bytesOf(this);
+    return hexadecimalDescription(std::as_bytes(std::span(bytes)));
+}
+
+Retained<Object> NSValue::copyWithZone(void*) { return Retained<Object>::retaining(this); }
+
+}  // namespace pelvor

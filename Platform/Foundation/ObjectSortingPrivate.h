@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: Apache-2.0
+// A stable sort that stays within its bounds whatever the comparison answers; for Foundation's own sources.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+namespace pelvor {
+
+namespace detail {
+
+template <class T, class Compare>
+void insertionSort(T* items, std::size_t count, Compare&& compare) {
+    for (std::size_t i = 1; i < count; ++i) {
+        T item = items[i];
+        std::size_t place = i;
+        while (place > 0 && compare(items[place - 1], item) > 0) --place;
+        std::move_backward(items + place, items + i, items + i + 1);
+        items[place] = item;
+    }
+}
+
+template <class T, class Compare>
+void mergeSort(T* items, std::size_t count, T* scratch, Compare&& compare) {
+    if (count <= 8) return insertionSort(items, count, compare);
+    std::size_t half = count / 2;
+    mergeSort(items, half, scratch, compare);
+    mergeSort(items + half, count - half, scratch, compare);
+    if (compare(items[half - 1], items[half]) <= 0) return;
+    std::copy(items, items + half, scratch);
+    T* left = scratch;
+    T* right = items + half;
+    T* out = items;
+    while (left < scratch + half && right < items + count)
+        *out++ = compare(*left, *right) > 0 ? *right++ : *left++;
+    std::copy(left, scratch + half, out);
+}
+
+}  // namespace detail
+
+/// Sorts plain items by `compare`, which answers above 0 when its first argument belongs after the
+/// second; items that are the same keep their order. A comparison without sense gives some order of the
+/// same items; one that raises leaves the items, each once or not, as they lie.
+template <class T, class Compare>
+void sortStably(std::vector<T>& items, Compare&& compare) {
+    std::vector<T> scratch(items.size() / 2);
+    detail::mergeSort(items.data(), items.size(), scratch.data(), compare);
+}
+
+}  // namespace pelvor
