@@ -8,9 +8,10 @@
 #include "Foundation/ConcreteDictionariesPrivate.h"
 #include "Foundation/ConcreteSetsPrivate.h"
 #include "Foundation/ConcreteValuesPrivate.h"
-#include "Foundation/NSBufferString.h"
+#include "Foundation/NSBufferStringPrivate.h"
+#include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSCountedSet.h"
-#include "Foundation/NSInlineString.h"
+#include "Foundation/NSInlineStringPrivate.h"
 #include "Foundation/NSMutableData.h"
 #include "Foundation/NSNull.h"
 #include "Foundation/NSString.h"
@@ -28,6 +29,7 @@ constexpr Class* kClasses[] = {
     &NSArrayEnumerator::classRecord,
     &NSBufferArray::classRecord,
     &NSBufferString::classRecord,
+    &NSCharacterSet::classRecord,
     &NSConstantString::classRecord,
     &NSCountedSet::classRecord,
     &NSData::classRecord,
@@ -41,6 +43,7 @@ constexpr Class* kClasses[] = {
     &NSInlineString::classRecord,
     &NSInlineValue::classRecord,
     &NSMutableArray::classRecord,
+    &NSMutableCharacterSet::classRecord,
     &NSMutableData::classRecord,
     &NSMutableDictionary::classRecord,
     &NSMutableSet::classRecord,

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <memory>
+#include <string_view>
 
 #include "Foundation/NSRange.h"
 #include "Runtime/Class.h"
@@ -94,9 +95,10 @@ class PELVOR_EXPORT NSCharacterSet : public NSObject {
     }
     // Planes are shared between sets until one of them changes.
     Plane& writablePlane(std::size_t index);
-    void addRange(char32_t first, char32_t last);
-    void removeRange(char32_t first, char32_t last);
-    void addCharacters(NSString* string);
+    enum class Change { add, remove };
+    void changeRange(char32_t first, char32_t last, Change change);
+    void changeRange(NSRange range, Change change);
+    void changeCharacters(NSString* string, Change change);
     void readBitmap(NSData* data);
     void invertPlanes();
 
@@ -104,7 +106,7 @@ class PELVOR_EXPORT NSCharacterSet : public NSObject {
 
   private:
     friend class NSMutableCharacterSet;
-    static NSCharacterSet* named(std::size_t index);
+    static NSCharacterSet* setOfPattern(std::u16string_view pattern);
 };
 
 /// A set that can change. One thread at a time.

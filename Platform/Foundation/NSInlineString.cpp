@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Foundation/NSInlineString.h"
+#include "Foundation/NSInlineStringPrivate.h"
 
 #include <cstdlib>
 

@@ -2,10 +2,12 @@
 #include "Foundation/NSMutableString.h"
 
 #include <algorithm>
+#include <vector>
 
+#include "Foundation/CanonicalTextPrivate.h"
 #include "Foundation/FoundationLibrary.h"
-#include "Foundation/NSBufferString.h"
-#include "Foundation/NSInlineString.h"
+#include "Foundation/NSBufferStringPrivate.h"
+#include "Foundation/NSInlineStringPrivate.h"
 
 namespace pelvor {
 
@@ -40,6 +42,8 @@ PELVOR_DEFINE_CLASS(NSMutableString, foundationLibrary) {
     methods.instanceAs<"appendFormat:", &appendFormatAlone>();
     methods.instance<"insertString:atIndex:", &NSMutableString::insertString_atIndex>();
     methods.instance<"deleteCharactersInRange:", &NSMutableString::deleteCharactersInRange>();
+    methods.instance<"replaceOccurrencesOfString:withString:options:range:",
+                     &NSMutableString::replaceOccurrencesOfString_withString_options_range>();
 }
 
 // Creation
@@ -125,6 +129,59 @@ void NSMutableString::insertString_atIndex(NSString* string, NSUInteger index) {
 
 void NSMutableString::deleteCharactersInRange(NSRange range) {
     replaceCharactersInRange_withUnits(range, {});
+}
+
+namespace {
+
+// Writes the text with every match replaced to `result`; answers how many there were.
+NSUInteger replaceForwards(std::u16string& result, std::u16string_view text, std::u16string_view target,
+                           std::u16string_view replacement, NSStringCompareOptions options) {
+    NSUInteger count = 0;
+    while (true) {
+        NSRange match = findText(text, target, options);
+        if (match.location == NSNotFound) break;
+        result += text.substr(0, match.location);
+        result += replacement;
+        text.remove_prefix(NSMaxRange(match));
+        ++count;
+        if (options & NSAnchoredSearch) break;
+    }
+    result += text;
+    return count;
+}
+
+NSUInteger replaceBackwards(std::u16string& result, std::u16string_view text, std::u16string_view target,
+                            std::u16string_view replacement, NSStringCompareOptions options) {
+    std::vector<NSRange> matches;
+    std::u16string_view rest = text;
+    do {
+        NSRange match = findText(rest, target, options);
+        if (match.location == NSNotFound) break;
+        matches.push_back(match);
+        rest = rest.substr(0, match.location);
+    } while (!(options & NSAnchoredSearch));
+    std::size_t place = 0;
+    for (auto match = matches.rbegin(); match != matches.rend(); ++match) {
+        result += text.substr(place, match->location - place);
+        result += replacement;
+        place = NSMaxRange(*match);
+    }
+    result += text.substr(place);
+    return static_cast<NSUInteger>(matches.size());
+}
+
+}  // namespace
+
+NSUInteger NSMutableString::replaceOccurrencesOfString_withString_options_range(
+    NSString* target, NSString* replacement, NSStringCompareOptions options, NSRange range) {
+    requireString(target, "replaceOccurrencesOfString:withString:options:range:");
+    requireString(replacement, "replaceOccurrencesOfString:withString:options:range:");
+    std::u16string result;
+    StringUnits text(this, range), wanted(target), put(replacement);
+    auto replace = options & NSBackwardsSearch ? &replaceBackwards : &replaceForwards;
+    NSUInteger count = replace(result, text, wanted, put, options);
+    if (count) replaceCharactersInRange_withUnits(range, result);
+    return count;
 }
 
 Retained<Object> NSMutableString::copyWithZone(void* zone) { return NSString::copyWithZone(zone); }

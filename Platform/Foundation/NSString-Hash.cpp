@@ -2,7 +2,7 @@
 // The hash of a string's units.
 #include <cstring>
 
-#include "Foundation/NSInlineString.h"
+#include "Foundation/NSInlineStringPrivate.h"
 
 namespace pelvor {
 namespace {

@@ -6,7 +6,8 @@
 #include <cstring>
 
 #include "Foundation/FoundationLibrary.h"
-#include "Foundation/NSInlineString.h"
+#include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSInlineStringPrivate.h"
 #include "Foundation/NSMutableString.h"
 #include "Runtime/NSException.h"
 
@@ -16,6 +17,9 @@ namespace {
 
 // Formats sent as messages have no arguments.
 NSString* formatAlone(NSString* format) { return formatString(format, {}); }
+NSString* appendFormatAlone(NSString* string, NSString* format) {
+    return string->stringByAppendingFormat(format);
+}
 
 }  // namespace
 
@@ -40,8 +44,47 @@ PELVOR_DEFINE_CLASS(NSString, foundationLibrary) {
     methods.instance<"substringToIndex:", &NSString::substringToIndex>();
     methods.instance<"substringWithRange:", &NSString::substringWithRange>();
     methods.instance<"stringByAppendingString:", &NSString::stringByAppendingString>();
+    methods.instanceAs<"stringByAppendingFormat:", &appendFormatAlone>();
+    methods.instance<"stringByTrimmingCharactersInSet:", &NSString::stringByTrimmingCharactersInSet>();
+    methods.instance<"stringByReplacingOccurrencesOfString:withString:",
+                     &NSString::stringByReplacingOccurrencesOfString_withString>();
+    methods.instance<"stringByPaddingToLength:withString:startingAtIndex:",
+                     &NSString::stringByPaddingToLength_withString_startingAtIndex>();
     methods.instance<"UTF8String", &NSString::UTF8String>();
     methods.instance<"isEqualToString:", &NSString::isEqualToString>();
+    methods.instance<"compare:", &NSString::compare>();
+    methods.instance<"compare:options:", &NSString::compare_options>();
+    methods.instance<"compare:options:range:", &NSString::compare_options_range>();
+    methods.instance<"caseInsensitiveCompare:", &NSString::caseInsensitiveCompare>();
+    methods.instance<"localizedCompare:", &NSString::localizedCompare>();
+    methods.instance<"localizedCaseInsensitiveCompare:", &NSString::localizedCaseInsensitiveCompare>();
+    methods.instance<"hasPrefix:", &NSString::hasPrefix>();
+    methods.instance<"hasSuffix:", &NSString::hasSuffix>();
+
+    methods.instance<"rangeOfString:", &NSString::rangeOfString>();
+    methods.instance<"rangeOfString:options:", &NSString::rangeOfString_options>();
+    methods.instance<"rangeOfString:options:range:", &NSString::rangeOfString_options_range>();
+    methods.instance<"rangeOfCharacterFromSet:", &NSString::rangeOfCharacterFromSet>();
+    methods.instance<"rangeOfCharacterFromSet:options:", &NSString::rangeOfCharacterFromSet_options>();
+    methods.instance<"rangeOfCharacterFromSet:options:range:",
+                     &NSString::rangeOfCharacterFromSet_options_range>();
+    methods.instance<"rangeOfComposedCharacterSequenceAtIndex:",
+                     &NSString::rangeOfComposedCharacterSequenceAtIndex>();
+
+    methods.instance<"uppercaseString", &NSString::uppercaseString>();
+    methods.instance<"lowercaseString", &NSString::lowercaseString>();
+    methods.instance<"capitalizedString", &NSString::capitalizedString>();
+    methods
+        .instance<"decomposedStringWithCanonicalMapping", &NSString::decomposedStringWithCanonicalMapping>();
+    methods.instance<"precomposedStringWithCanonicalMapping",
+                     &NSString::precomposedStringWithCanonicalMapping>();
+
+    methods.instance<"intValue", &NSString::intValue>();
+    methods.instance<"integerValue", &NSString::integerValue>();
+    methods.instance<"longLongValue", &NSString::longLongValue>();
+    methods.instance<"floatValue", &NSString::floatValue>();
+    methods.instance<"doubleValue", &NSString::doubleValue>();
+    methods.instance<"boolValue", &NSString::boolValue>();
 }
 
 // Creation
@@ -229,13 +272,6 @@ const char* NSString::UTF8String() { return autoreleasedText(toUTF8()); }
 
 std::ostream& operator<<(std::ostream& stream, NSString* string) {
     return string ? stream << string->toUTF8() : stream << "(null)";
-}
-
-void detail::printObject(Object* object, std::ostream& stream) {
-    if (auto* string = cast<NSString>(object))
-        stream << '"' << string << '"';
-    else
-        stream << (object ? object->description() : u"(null)"_ns);
 }
 
 }  // namespace pelvor

@@ -9,6 +9,7 @@
 #include "Foundation/NSFormat.h"
 #include "Foundation/NSRange.h"
 #include "Foundation/NSStringEncoding.h"
+#include "Foundation/ObjectPrinting.h"
 #include "Runtime/Class.h"
 
 namespace pelvor {
@@ -312,19 +313,9 @@ constexpr NSString* operator""_ns() {
 /// Prints the string as UTF-8, for streams.
 PELVOR_EXPORT std::ostream& operator<<(std::ostream& stream, NSString* string);
 
-namespace detail {
-
-PELVOR_EXPORT void printObject(Object* object, std::ostream& stream);
-
-}  // namespace detail
-
-/// Shows objects by their descriptions in test failures.
-template <class T>
-requires std::is_base_of_v<Object, T>
-void PrintTo(T* const& object, std::ostream* stream) { detail::printObject(object, *stream); }
 template <class T>
 void PrintTo(const Retained<T>& object, std::ostream* stream) {
-    detail::printObject(object.get(), *stream);
+    *stream << static_cast<Object*>(object.get());
 }
 
 }  // namespace pelvor

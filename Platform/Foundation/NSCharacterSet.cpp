@@ -1,0 +1,377 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSCharacterSet.h"
+
+#include <unicode/uset.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "Foundation/CanonicalTextPrivate.h"
+#include "Foundation/FoundationLibrary.h"
+#include "Foundation/NSInlineStringPrivate.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(NSCharacterSet, foundationLibrary) {
+    methods.classLevel<"letterCharacterSet", &NSCharacterSet::letterCharacterSet>();
+    methods.classLevel<"decimalDigitCharacterSet", &NSCharacterSet::decimalDigitCharacterSet>();
+    methods.classLevel<"alphanumericCharacterSet", &NSCharacterSet::alphanumericCharacterSet>();
+    methods.classLevel<"whitespaceCharacterSet", &NSCharacterSet::whitespaceCharacterSet>();
+    methods
+        .classLevel<"whitespaceAndNewlineCharacterSet", &NSCharacterSet::whitespaceAndNewlineCharacterSet>();
+    methods.classLevel<"uppercaseLetterCharacterSet", &NSCharacterSet::uppercaseLetterCharacterSet>();
+    methods.classLevel<"lowercaseLetterCharacterSet", &NSCharacterSet::lowercaseLetterCharacterSet>();
+    methods.classLevel<"capitalizedLetterCharacterSet", &NSCharacterSet::capitalizedLetterCharacterSet>();
+    methods.classLevel<"punctuationCharacterSet", &NSCharacterSet::punctuationCharacterSet>();
+    methods.classLevel<"symbolCharacterSet", &NSCharacterSet::symbolCharacterSet>();
+    methods.classLevel<"controlCharacterSet", &NSCharacterSet::controlCharacterSet>();
+    methods.classLevel<"nonBaseCharacterSet", &NSCharacterSet::nonBaseCharacterSet>();
+    methods.classLevel<"decomposableCharacterSet", &NSCharacterSet::decomposableCharacterSet>();
+    methods.classLevel<"illegalCharacterSet", &NSCharacterSet::illegalCharacterSet>();
+    methods.classLevel<"characterSet", &NSCharacterSet::characterSet>();
+    methods.classLevel<"characterSetWithCharactersInString:",
+                       &NSCharacterSet::characterSetWithCharactersInString>();
+    methods.classLevel<"characterSetWithRange:", &NSCharacterSet::characterSetWithRange>();
+    methods.classLevel<"initWithCharactersInString:", &NSCharacterSet::initWithCharactersInString>();
+    methods.classLevel<"initWithRange:", &NSCharacterSet::initWithRange>();
+
+    methods.instance<"characterIsMember:", &NSCharacterSet::characterIsMember>();
+    methods.instance<"longCharacterIsMember:", &NSCharacterSet::longCharacterIsMember>();
+    methods.instance<"hasMemberInPlane:", &NSCharacterSet::hasMemberInPlane>();
+    methods.instance<"isSupersetOfSet:", &NSCharacterSet::isSupersetOfSet>();
+    methods.instance<"invertedSet", &NSCharacterSet::invertedSet>();
+}
+
+PELVOR_DEFINE_CLASS(NSMutableCharacterSet, foundationLibrary) {
+    methods.classLevel<"characterSet", &NSMutableCharacterSet::characterSet>();
+    methods.classLevel<"characterSetWithCharactersInString:",
+                       &NSMutableCharacterSet::characterSetWithCharactersInString>();
+    methods.classLevel<"characterSetWithRange:", &NSMutableCharacterSet::characterSetWithRange>();
+    methods.classLevel<"init", &NSMutableCharacterSet::init>();
+    methods.instance<"addCharactersInRange:", &NSMutableCharacterSet::addCharactersInRange>();
+    methods.instance<"removeCharactersInRange:", &NSMutableCharacterSet::removeCharactersInRange>();
+    methods.instance<"addCharactersInString:", &NSMutableCharacterSet::addCharactersInString>();
+    methods.instance<"removeCharactersInString:", &NSMutableCharacterSet::removeCharactersInString>();
+    methods.instance<"formUnionWithCharacterSet:", &NSMutableCharacterSet::formUnionWithCharacterSet>();
+    methods.instance<"formIntersectionWithCharacterSet:",
+                     &NSMutableCharacterSet::formIntersectionWithCharacterSet>();
+    methods.instance<"invert", &NSMutableCharacterSet::invert>();
+}
+
+namespace {
+
+using Plane = std::array<std::uint8_t, 8192>;
+using SharedPlane = std::shared_ptr<Plane>;
+
+// Planes without members, and planes of nothing else, are the same object in all sets; they live for
+// good, for the named sets do.
+SharedPlane uniformPlane(std::uint8_t byte) {
+    auto plane = std::make_shared<Plane>();
+    plane->fill(byte);
+    return plane;
+}
+
+const SharedPlane& emptyPlane() {
+    static const auto& plane = *new SharedPlane(uniformPlane(0));
+    return plane;
+}
+
+const SharedPlane& fullPlane() {
+    static const auto& plane = *new SharedPlane(uniformPlane(0xFF));
+    return plane;
+}
+
+void requireSet(NSCharacterSet* set, const char* operation) {
+    if (!set) throw NSException(NSInvalidArgumentException, std::string(operation) + " none given");
+}
+
+void changeBits(Plane& plane, unsigned first, unsigned last, bool toMember) {
+    auto setBit = [&](unsigned c) {
+        auto mask = static_cast<std::uint8_t>(1u << (c & 7));
+        if (toMember)
+            plane[c >> 3] |= mask;
+        else
+            plane[c >> 3] &= static_cast<std::uint8_t>(~mask);
+    };
+    for (; first <= last && (first & 7); ++first) setBit(first);
+    if (first > last) return;
+    unsigned bytes = (last + 1 - first) / 8;
+    std::memset(plane.data() + first / 8, toMember ? 0xFF : 0, bytes);
+    for (first += bytes * 8; first <= last; ++first) setBit(first);
+}
+
+}  // namespace
+
+NSCharacterSet::NSCharacterSet() { _planes.fill(emptyPlane()); }
+
+NSCharacterSet::Plane& NSCharacterSet::writablePlane(std::size_t index) {
+    SharedPlane& plane = _planes[index];
+    if (plane.use_count() > 1) plane = std::make_shared<Plane>(*plane);
+    return *plane;
+}
+
+void NSCharacterSet::changeRange(char32_t first, char32_t last, Change change) {
+    for (char32_t plane = first >> 16; plane <= last >> 16; ++plane) {
+        unsigned from = plane == first >> 16 ? first & 0xFFFF : 0;
+        unsigned to = plane == last >> 16 ? last & 0xFFFF : 0xFFFF;
+        changeBits(writablePlane(plane), from, to, change == Change::add);
+    }
+}
+
+void NSCharacterSet::changeRange(NSRange range, Change change) {
+    if (!isRangeInside(range, 0x110000))
+        raiseException(NSInvalidArgumentException, u"range {%u, %u} beyond the code points"_ns,
+                       range.location, range.length);
+    if (range.length) changeRange(range.location, NSMaxRange(range) - 1, change);
+}
+
+void NSCharacterSet::changeCharacters(NSString* string, Change change) {
+    requireString(string, "charactersInString:");
+    StringUnits units(string);
+    for (std::size_t i = 0; i < units.size();) {
+        char32_t c = codePointAt(units, i);
+        changeRange(c, c, change);
+        i += unitCount(c);
+    }
+}
+
+void NSCharacterSet::invertPlanes() {
+    for (SharedPlane& plane : _planes) {
+        if (plane == emptyPlane()) {
+            plane = fullPlane();
+        } else if (plane == fullPlane()) {
+            plane = emptyPlane();
+        } else {
+            auto inverted = std::make_shared<Plane>();
+            std::transform(plane->begin(), plane->end(), inverted->begin(),
+                           [](std::uint8_t byte) { return static_cast<std::uint8_t>(~byte); });
+            plane = std::move(inverted);
+        }
+    }
+}
+
+// Named sets
+
+NSCharacterSet* NSCharacterSet::setOfPattern(std::u16string_view pattern) {
+    UErrorCode error = U_ZERO_ERROR;
+    std::unique_ptr<USet, decltype(&uset_close)> codePoints(
+        uset_openPattern(pattern.data(), static_cast<int32_t>(pattern.size()), &error), &uset_close);
+    auto set = make<NSCharacterSet>();
+    for (int32_t i = 0; i < uset_getItemCount(codePoints.get()); ++i) {
+        UChar32 first, last;
+        if (uset_getItem(codePoints.get(), i, &first, &last, nullptr, 0, &error) == 0)
+            set->changeRange(static_cast<char32_t>(first), static_cast<char32_t>(last), Change::add);
+    }
+    return set.leak();
+}
+
+NSCharacterSet* NSCharacterSet::letterCharacterSet() {
+    static NSCharacterSet* const set = setOfPattern(u"[[:L:][:M:]]");
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::decimalDigitCharacterSet() {
+    static NSCharacterSet* const set = setOfPattern(u"[:Nd:]");
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::alphanumericCharacterSet() {
+    static NSCharacterSet* const set = setOfPattern(u"[[:L:][:M:][:N:]]");
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::whitespaceCharacterSet() {
+    static NSCharacterSet* const set = setOfPattern(u"[[:Zs:]\\u0009]");
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::whitespaceAndNewlineCharacterSet() {
+    static NSCharacterSet* const set = setOfPattern(u"[[:Z:]\\u0009-\\u000D\\u0085]");
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::uppercaseLetterCharacterSet() {
+    static NSCharacterSet* const set = setOfPattern(u"[[:Lu:][:Lt:]]");
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::lowercaseLetterCharacterSet() {
+    static NSCharacterSet* const set = setOfPattern(u"[:Ll:]");
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::capitalizedLetterCharacterSet() {
+    static NSCharacterSet* const set = setOfPattern(u"[:Lt:]");
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::punctuationCharacterSet() {
+    static NSCharacterSet* const set = setOfPattern(u"[:P:]");
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::symbolCharacterSet() {
+    static NSCharacterSet* const set = setOfPattern(u"[:S:]");
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::controlCharacterSet() {
+    static NSCharacterSet* const set = setOfPattern(u"[[:Cc:][:Cf:]]");
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::nonBaseCharacterSet() {
+    static NSCharacterSet* const set = setOfPattern(u"[:M:]");
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::decomposableCharacterSet() {
+    static NSCharacterSet* const set = setOfPattern(u"[:NFD_QC=No:]");
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::illegalCharacterSet() {
+    static NSCharacterSet* const set = setOfPattern(u"[:Cn:]");
+    return set;
+}
+
+// Creation
+
+Retained<NSCharacterSet> NSCharacterSet::initWithCharactersInString(NSString* string) {
+    auto set = make<NSCharacterSet>();
+    set->changeCharacters(string, Change::add);
+    return set;
+}
+
+Retained<NSCharacterSet> NSCharacterSet::initWithRange(NSRange range) {
+    auto set = make<NSCharacterSet>();
+    set->changeRange(range, Change::add);
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::characterSet() { return make<NSCharacterSet>().autorelease(); }
+
+NSCharacterSet* NSCharacterSet::characterSetWithCharactersInString(NSString* string) {
+    return initWithCharactersInString(string).autorelease();
+}
+
+NSCharacterSet* NSCharacterSet::characterSetWithRange(NSRange range) {
+    return initWithRange(range).autorelease();
+}
+
+// Questions
+
+bool NSCharacterSet::hasMemberInPlane(std::uint8_t plane) {
+    return plane < kPlaneCount && *_planes[plane] != *emptyPlane();
+}
+
+bool NSCharacterSet::isSupersetOfSet(NSCharacterSet* other) {
+    requireSet(other, "isSupersetOfSet:");
+    auto lacks = [](std::uint8_t mine, std::uint8_t theirs) { return (theirs & ~mine) != 0; };
+    for (std::size_t i = 0; i < kPlaneCount; ++i) {
+        const Plane &mine = *_planes[i], &theirs = *other->_planes[i];
+        for (std::size_t k = 0; k < mine.size(); ++k)
+            if (lacks(mine[k], theirs[k])) return false;
+    }
+    return true;
+}
+
+NSCharacterSet* NSCharacterSet::invertedSet() {
+    auto set = make<NSCharacterSet>();
+    set->_planes = _planes;
+    set->invertPlanes();
+    return std::move(set).autorelease();
+}
+
+bool NSCharacterSet::isEqual(id other) {
+    auto* set = cast<NSCharacterSet>(other);
+    if (!set) return false;
+    return std::equal(_planes.begin(), _planes.end(), set->_planes.begin(),
+                      [](const SharedPlane& a, const SharedPlane& b) { return a == b || *a == *b; });
+}
+
+std::uintptr_t NSCharacterSet::hash() {
+    const auto* units = reinterpret_cast<const char16_t*>(_planes[0]->data());
+    return hashUnits({units, sizeof(Plane) / sizeof(char16_t)});
+}
+
+NSString* NSCharacterSet::description() {
+    NSUInteger count = 0;
+    for (const SharedPlane& plane : _planes)
+        for (std::uint8_t byte : *plane) count += static_cast<NSUInteger>(__builtin_popcount(byte));
+    return NSString::stringWithFormat(u"<%s: %p> (%u members)"_ns, isa()->name(), this, count);
+}
+
+Retained<Object> NSCharacterSet::copyWithZone(void*) { return Retained<Object>::retaining(this); }
+
+Retained<Object> NSCharacterSet::mutableCopyWithZone(void*) {
+    auto set = make<NSMutableCharacterSet>();
+    set->_planes = _planes;
+    return set;
+}
+
+Retained<NSMutableCharacterSet> NSCharacterSet::mutableCopy() {
+    return Retained<NSMutableCharacterSet>::adopting(
+        static_cast<NSMutableCharacterSet*>(mutableCopyWithZone(nullptr).leak()));
+}
+
+// NSMutableCharacterSet
+
+Retained<NSMutableCharacterSet> NSMutableCharacterSet::init(Class* cls) {
+    return make<NSMutableCharacterSet>(cls);
+}
+
+NSMutableCharacterSet* NSMutableCharacterSet::characterSet() { return init().autorelease(); }
+
+NSMutableCharacterSet* NSMutableCharacterSet::characterSetWithCharactersInString(NSString* string) {
+    auto set = init();
+    set->addCharactersInString(string);
+    return std::move(set).autorelease();
+}
+
+NSMutableCharacterSet* NSMutableCharacterSet::characterSetWithRange(NSRange range) {
+    auto set = init();
+    set->addCharactersInRange(range);
+    return std::move(set).autorelease();
+}
+
+void NSMutableCharacterSet::addCharactersInRange(NSRange range) { changeRange(range, Change::add); }
+
+void NSMutableCharacterSet::removeCharactersInRange(NSRange range) { changeRange(range, Change::remove); }
+
+void NSMutableCharacterSet::addCharactersInString(NSString* string) { changeCharacters(string, Change::add); }
+
+void NSMutableCharacterSet::removeCharactersInString(NSString* string) {
+    changeCharacters(string, Change::remove);
+}
+
+void NSMutableCharacterSet::formUnionWithCharacterSet(NSCharacterSet* other) {
+    requireSet(other, "formUnionWithCharacterSet:");
+    for (std::size_t i = 0; i < kPlaneCount; ++i) {
+        const SharedPlane theirs = other->_planes[i];
+        if (theirs == emptyPlane() || theirs == _planes[i]) continue;
+        Plane& mine = writablePlane(i);
+        for (std::size_t k = 0; k < mine.size(); ++k) mine[k] |= (*theirs)[k];
+    }
+}
+
+void NSMutableCharacterSet::formIntersectionWithCharacterSet(NSCharacterSet* other) {
+    requireSet(other, "formIntersectionWithCharacterSet:");
+    for (std::size_t i = 0; i < kPlaneCount; ++i) {
+        const SharedPlane theirs = other->_planes[i];
+        if (theirs == fullPlane() || theirs == _planes[i]) continue;
+        Plane& mine = writablePlane(i);
+        for (std::size_t k = 0; k < mine.size(); ++k) mine[k] &= (*theirs)[k];
+    }
+}
+
+void NSMutableCharacterSet::invert() { invertPlanes(); }
+
+Retained<Object> NSMutableCharacterSet::copyWithZone(void*) {
+    auto set = make<NSCharacterSet>();
+    set->_planes = _planes;
+    return set;
+}
+
+}  // namespace pelvor

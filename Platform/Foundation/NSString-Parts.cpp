@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+// Strings made of other strings' parts.
+#include "Foundation/CanonicalTextPrivate.h"
+#include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSInlineStringPrivate.h"
+#include "Foundation/NSMutableString.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+
+NSString* NSString::stringByTrimmingCharactersInSet(NSCharacterSet* set) {
+    if (!set) throw NSException(NSInvalidArgumentException, "stringByTrimmingCharactersInSet: none given");
+    StringUnits units(this);
+    std::u16string_view text = units;
+    auto isMember = [&](std::size_t index) { return set->longCharacterIsMember(codePointAt(text, index)); };
+    std::size_t start = 0, end = text.size();
+    while (start < end && isMember(start)) start += unitCount(codePointAt(text, start));
+    while (end > start) {
+        std::size_t last = end - (splitsPair(text, end - 1) ? 2 : 1);
+        if (!isMember(last)) break;
+        end = last;
+    }
+    return substringWithRange({static_cast<NSUInteger>(start), static_cast<NSUInteger>(end - start)});
+}
+
+NSString* NSString::stringByReplacingOccurrencesOfString_withString(NSString* target, NSString* replacement) {
+    if (rangeOfString(target).location == NSNotFound) return copy().autorelease();
+    auto changed = mutableCopy();
+    changed->replaceOccurrencesOfString_withString_options_range(target, replacement, 0, {0, length()});
+    return std::move(changed).autorelease();
+}
+
+NSString* NSString::stringByPaddingToLength_withString_startingAtIndex(NSUInteger newLength, NSString* pad,
+                                                                       NSUInteger index) {
+    NSUInteger count = length();
+    if (newLength <= count) return substringToIndex(newLength);
+    requireString(pad, "stringByPaddingToLength:withString:startingAtIndex:");
+    requireIndex(index, pad->length());
+    StringUnits padding(pad);
+    auto padded = NSInlineString::create(newLength);
+    getCharacters_range(padded->characters(), {0, count});
+    for (NSUInteger i = count; i < newLength; ++i) {
+        padded->characters()[i] = padding[index];
+        if (++index == padding.size()) index = 0;
+    }
+    return std::move(padded).autorelease();
+}
+
+}  // namespace pelvor

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+// Tests of character sets.
+#include "Foundation/NSCharacterSet.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "FoundationTestSupport.h"
+#include "Runtime/AutoreleasePool.h"
+
+namespace pelvor {
+namespace {
+
+class NSCharacterSetTest : public testing::Test {
+    AutoreleasePool _pool;
+};
+
+TEST_F(NSCharacterSetTest, NamedSetsHaveTheirMembersAndNotTheirNeighbours) {
+    struct {
+        NSCharacterSet* set;
+        std::u32string members;
+        std::u32string others;
+    } cases[] = {
+        {NSCharacterSet::letterCharacterSet(), U"aZéß中\u0301ʰ𐐀", U"1 -_€😀"},
+        {NSCharacterSet::decimalDigitCharacterSet(), U"09٣𝟘", U"a½Ⅳ²"},
+        {NSCharacterSet::alphanumericCharacterSet(), U"a9Ⅳ½\u0301", U"-_ €"},
+        {NSCharacterSet::whitespaceCharacterSet(), U" \t\u00A0\u3000", U"\n\r\u2028\u000Ba"},
+        {NSCharacterSet::whitespaceAndNewlineCharacterSet(), U" \t\n\u000B\u000C\r\u0085\u2028\u2029\u00A0",
+         U"\u0008\u000E\u0084\u200Ba"},
+        {NSCharacterSet::uppercaseLetterCharacterSet(), U"AÀǅ𐐀", U"aß1\u24B6"},
+        {NSCharacterSet::lowercaseLetterCharacterSet(), U"aß𐐨", U"Aǅʰ"},
+        {NSCharacterSet::capitalizedLetterCharacterSet(), U"ǅᾈ", U"Aa"},
+        {NSCharacterSet::punctuationCharacterSet(), U"!-_«»’", U"$+<a"},
+        {NSCharacterSet::symbolCharacterSet(), U"$+<€😀", U"!a1"},
+        {NSCharacterSet::controlCharacterSet(), std::u32string(U"\0\u001F\u007F\u200D", 4), U" a"},
+        {NSCharacterSet::nonBaseCharacterSet(), U"\u0301\u0903", U"a"},
+        {NSCharacterSet::decomposableCharacterSet(), U"éÅ가", U"eﬁ"},
+        {NSCharacterSet::illegalCharacterSet(), U"\uFFFF\u0378\U0010FFFF", U"a\uFFFD\uE000"},
+    };
+    for (auto& c : cases) {
+        for (char32_t member : c.members)
+            EXPECT_TRUE(c.set->longCharacterIsMember(member)) << &c - cases << " " << std::hex << +member;
+        for (char32_t other : c.others)
+            EXPECT_FALSE(c.set->longCharacterIsMember(other)) << &c - cases << " " << std::hex << +other;
+    }
+}
+
+TEST_F(NSCharacterSetTest, NamedSetsAreMadeOnceOnAnyThread) {
+    NSCharacterSet* seen[4];
+    std::thread threads[4];
+    for (int i = 0; i < 4; ++i)
+        threads[i] = std::thread([&, i] { seen[i] = NSCharacterSet::symbolCharacterSet(); });
+    for (std::thread& thread : threads) thread.join();
+    for (NSCharacterSet* set : seen) EXPECT_EQ(set, seen[0]);
+}
+
+TEST_F(NSCharacterSetTest, RangesReachOverByteAndPlaneBounds) {
+    for (NSRange range : {NSRange{0, 1}, NSRange{3, 2}, NSRange{7, 2}, NSRange{5, 40}, NSRange{8, 16},
+                          NSRange{0xFFF0, 0x30}, NSRange{0xFFFF, 0x10002}, NSRange{0x10FFFF, 1}}) {
+        NSCharacterSet* set = NSCharacterSet::characterSetWithRange(range);
+        NSUInteger members = 0;
+        for (char32_t c = 0; c <= 0x10FFFF; ++c) members += set->longCharacterIsMember(c);
+        EXPECT_EQ(members, range.length);
+        EXPECT_TRUE(set->longCharacterIsMember(range.location));
+        EXPECT_TRUE(set->longCharacterIsMember(NSMaxRange(range) - 1));
+    }
+    EXPECT_EQ(NSCharacterSet::characterSetWithRange({5, 0})->description()->hasSuffix(u"(0 members)"_ns),
+              true);
+    expectRaises(NSInvalidArgumentException, [] { NSCharacterSet::characterSetWithRange({0x10FFFF, 2}); });
+    expectRaises(NSInvalidArgumentException, [] { NSCharacterSet::characterSetWithRange({2, 0xFFFFFFFF}); });
+}
+
+TEST_F(NSCharacterSetTest, CharactersOfAStringArePairsAndLoneHalves) {
+    NSCharacterSet* set =
+        NSCharacterSet::characterSetWithCharactersInString(NSString::of(std::u16string(u"a😀\xD800")));
+    EXPECT_TRUE(set->longCharacterIsMember(U'😀'));
+    EXPECT_FALSE(set->characterIsMember(0xD83D));
+    EXPECT_TRUE(set->characterIsMember(0xD800));
+    EXPECT_FALSE(set->longCharacterIsMember(0x110000));
+    EXPECT_FALSE(set->longCharacterIsMember(0xFFFFFFFF));
+    EXPECT_TRUE(set->hasMemberInPlane(1));
+    EXPECT_FALSE(set->hasMemberInPlane(2));
+    EXPECT_FALSE(set->hasMemberInPlane(17));
+}
+
+TEST_F(NSCharacterSetTest, SetsThatChangeLeaveTheirCopiesAlone) {
+    auto set = NSCharacterSet::letterCharacterSet()->mutableCopy();
+    auto before = set->copy();
+    set->removeCharactersInRange({u'a', 26});
+    set->addCharactersInString(u"1"_ns);
+    EXPECT_FALSE(set->characterIsMember(u'q'));
+    EXPECT_TRUE(set->characterIsMember(u'1'));
+    EXPECT_TRUE(before->isEqual(NSCharacterSet::letterCharacterSet()));
+    EXPECT_TRUE(NSCharacterSet::letterCharacterSet()->characterIsMember(u'q'));
+    set->removeCharactersInString(u"1"_ns);
+    set->addCharactersInRange({u'a', 26});
+    EXPECT_TRUE(set->isEqual(before.get()));
+    EXPECT_EQ(set->hash(), before->hash());
+}
+
+TEST_F(NSCharacterSetTest, UnionIntersectionAndInverse) {
+    auto set = NSMutableCharacterSet::characterSetWithRange({u'a', 26});
+    set->formUnionWithCharacterSet(NSCharacterSet::characterSetWithCharactersInString(u"1😀"_ns));
+    EXPECT_TRUE(set->longCharacterIsMember(U'😀') && set->characterIsMember(u'1'));
+    set->formIntersectionWithCharacterSet(NSCharacterSet::alphanumericCharacterSet());
+    EXPECT_TRUE(set->characterIsMember(u'z') && set->characterIsMember(u'1'));
+    EXPECT_FALSE(set->longCharacterIsMember(U'😀'));
+
+    NSCharacterSet* inverse = set->invertedSet();
+    EXPECT_FALSE(inverse->characterIsMember(u'z'));
+    EXPECT_TRUE(inverse->longCharacterIsMember(U'😀') && inverse->longCharacterIsMember(0x10FFFF));
+    EXPECT_TRUE(inverse->invertedSet()->isEqual(set));
+    EXPECT_TRUE(NSCharacterSet::alphanumericCharacterSet()->isSupersetOfSet(set));
+    EXPECT_FALSE(set->isSupersetOfSet(NSCharacterSet::alphanumericCharacterSet()));
+    set->invert();
+    EXPECT_TRUE(set->isEqual(inverse));
+    expectRaises(NSInvalidArgumentException, [&] { set->formUnionWithCharacterSet(nullptr); });
+}
+
+}  // namespace
+}  // namespace pelvor
