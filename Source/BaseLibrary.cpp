@@ -2,7 +2,11 @@
 #include "BaseLibrary.h"
 
 #include "Foundation/FoundationLibrary.h"
+#include "NSInvocation-PelvorAdditions.h"
 #include "NSObject-PelvorAdditions.h"
+#include "PBMutableNumber.h"
+#include "PBPostLoader.h"
+#include "PBUtil.h"
 
 namespace pelvor {
 namespace {
@@ -11,11 +15,21 @@ constexpr Library* kDependencies[] = {&foundationLibrary};
 
 // Alphabetical; a superclass is registered before its subclasses wherever it stands.
 constexpr Class* kClasses[] = {
+    &PBMutableIntNumber::classRecord,
+    &PBMutableNumber::classRecord,
+    &PBPostLoader::classRecord,
     &PBUniqueObject::classRecord,
+};
+
+constexpr const Category* kCategories[] = {
+    &NSInvocation_PelvorAdditions_category,
+    &NSObject_PelvorAdditions_category,
+    &NSObject_PelvorDebugMenus_category,
+    &NSPathStore2_OFOverrides_category,
 };
 
 }  // namespace
 
-constinit Library baseLibrary{"PelvorBase", kDependencies, kClasses, {}};
+constinit Library baseLibrary{"PelvorBase", kDependencies, kClasses, kCategories};
 
 }  // namespace pelvor

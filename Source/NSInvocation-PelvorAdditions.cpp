@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "NSInvocation-PelvorAdditions.h"
+
+#include <cstring>
+
+#include "Runtime/Message.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor {
+namespace {
+
+void defineAdditions(MethodTable<NSInvocation>& methods) {
+    using Additions = NSInvocation_PelvorAdditions;
+    methods
+        .classLevel<"invocationWithTargetClass:selector:", &Additions::invocationWithTargetClass_selector>();
+    methods.classLevel<"invocationWithTarget:selector:", &Additions::invocationWithTarget_selector>();
+    methods.instance<"returnObject", &returnObject>();
+}
+
+NSInvocation* invocationOf(NSMethodSignature* signature, SEL selector) {
+    NSInvocation* invocation = NSInvocation::invocationWithMethodSignature(signature);
+    invocation->setSelector(selector);
+    return invocation;
+}
+
+}  // namespace
+
+constinit const Category NSInvocation_PelvorAdditions_category =
+    Category::of<NSInvocation, defineAdditions>("PelvorAdditions");
+
+NSInvocation* NSInvocation_PelvorAdditions::invocationWithTargetClass_selector(Class* targetClass,
+                                                                               SEL selector) {
+    return invocationOf(targetClass ? targetClass->signatureOfInstanceMethod(selector) : nullptr, selector);
+}
+
+NSInvocation* NSInvocation_PelvorAdditions::invocationWithTarget_selector(id target, SEL selector) {
+    NSInvocation* invocation =
+        invocationOf(target ? target->methodSignatureForSelector(selector) : nullptr, selector);
+    invocation->setTarget(target);
+    return invocation;
+}
+
+id returnObject(NSInvocation* invocation) {
+    if (std::strcmp(invocation->methodSignature()->methodReturnType(), "@") != 0) return nullptr;
+    id result = nullptr;
+    invocation->getReturnValue(&result);
+    return result;
+}
+
+}  // namespace pelvor

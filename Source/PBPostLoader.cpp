@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PBPostLoader.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <mutex>
+#include <unordered_set>
+#include <vector>
+
+#include "BaseLibrary.h"
+#include "Foundation/NSString.h"
+#include "PBUtil.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/Message.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+
+int PBExceptionHandlingNestLevel = 0;
+
+namespace {
+
+using Function = void (*)();
+
+struct LoaderState {
+    std::recursive_mutex lock;
+    std::unordered_set<Function> calledImplementations;
+    Class* barredClass = nullptr;  // the bundle class, while it must not be initialised
+    IMP bundleInitialize;
+    bool hasBeenInitialized = false;
+    bool isMultiThreaded = false;
+    bool isSendingBecomingMultiThreaded = false;
+};
+
+LoaderState& loader() {
+    static auto& state = *new LoaderState;
+    return state;
+}
+
+class ProtectedCall {
+  public:
+    ProtectedCall() { ++PBExceptionHandlingNestLevel; }
+    ~ProtectedCall() { --PBExceptionHandlingNestLevel; }
+};
+
+// MARK: Calling hooks
+
+// Makes the call for the hook of the class and reports what it throws.
+template <class Call>
+void callReporting(Class* cls, SEL selector, Call call) {
+    AutoreleasePool pool;
+    try {
+        ProtectedCall protectedCall;
+        call();
+    } catch (...) {
+        std::fprintf(stderr, "Exception raised by +[%s %s]: %s\n", cls->name(), selector.name(),
+                     currentExceptionReason().c_str());
+    }
+}
+
+void sendClassOrInitialize(Class* cls) {
+    Class* metaclass = cls->metaclass();
+    if (metaclass->instancesRespondTo("class"_sel))
+        send(cls, "class"_sel);
+    else if (metaclass->instancesRespondTo("initialize"_sel))
+        send(cls, "initialize"_sel);
+}
+
+// A hook has no arguments or result; one that declares them gets zeros and is not listened to.
+void callHook(const IMP& hook, Class* cls, SEL selector) {
+    NSMethodSignature* types = hook.signature;
+    std::vector<std::max_align_t> frame(types->frameLength() / sizeof(std::max_align_t) + 1);
+    std::vector<std::max_align_t> result(types->methodReturnLength() / sizeof(std::max_align_t) + 1);
+    types->invoke(hook.function, cls, selector, reinterpret_cast<std::byte*>(frame.data()), result.data());
+}
+
+// The class's own implementations that were never called; from now on they count as called.
+std::vector<IMP> takeHooks(SEL selector, Class* cls) {
+    std::vector<IMP> hooks;
+    auto& called = loader().calledImplementations;
+    for (const MethodGroup* group = cls->metaclass()->methodGroups(); group; group = group->next)
+        for (const Method& method : group->methods)
+            if (method.selector == selector && called.insert(method.implementation.function).second)
+                hooks.push_back(method.implementation);
+    return hooks;
+}
+
+// Registering classes while the list is read makes it longer.
+std::vector<Class*> allClasses() {
+    std::vector<Class*> classes(classList(nullptr, 0));
+    std::size_t count = classList(classes.data(), classes.size());
+    while (count > classes.size()) {
+        classes.resize(count);
+        count = classList(classes.data(), classes.size());
+    }
+    return classes;
+}
+
+// The name under which the platform keeps the class that another one has posed as.
+bool isReplacedFileWrapper(Class* cls) { return std::string_view(cls->name()) == "%NSFileWrapper"; }
+
+// MARK: Bundle initialisation
+
+void abortBundleInitialization() {
+    std::fputs(
+        "+[NSBundle initialize] called too early!  This should not happen until OFPostLoader provokes it. "
+        "Please rewrite your +performPosing method to not provoke +[NSBundle initialize].\n",
+        stderr);
+    std::abort();
+}
+
+// While it lives, path strings do not resolve symbolic links.
+class UnresolvedLinks {
+  public:
+    UnresolvedLinks() : _pathClass(classNamed("NSPathStore2")) {
+        if (_pathClass)
+            _resolving =
+                PBReplaceMethodImplementationWithSelector(_pathClass, "stringByResolvingSymlinksInPath"_sel,
+                                                          "replacement_stringByResolvingSymlinksInPath"_sel);
+    }
+    ~UnresolvedLinks() {
+        if (_resolving)
+            PBReplaceMethodImplementation(_pathClass, "stringByResolvingSymlinksInPath"_sel, _resolving);
+    }
+
+  private:
+    Class* _pathClass;
+    IMP _resolving;
+};
+
+void defineOverrides(MethodTable<NSString>& methods) {
+    methods.instance<"replacement_stringByResolvingSymlinksInPath",
+                     &replacement_stringByResolvingSymlinksInPath>();
+}
+
+}  // namespace
+
+NSString* replacement_stringByResolvingSymlinksInPath(NSString* path) { return path; }
+
+constinit const Category NSPathStore2_OFOverrides_category = [] {
+    Category category = Category::of<NSString, defineOverrides>("OFOverrides");
+    category.className = "NSPathStore2";
+    return category;
+}();
+
+PELVOR_DEFINE_CLASS(PBPostLoader, baseLibrary) {
+    methods.classLevel<"initialize", &PBPostLoader::initialize>();
+    methods.classLevel<"processClasses", &PBPostLoader::processClasses>();
+    methods.classLevel<"processClassesStartingRegistry:", &PBPostLoader::processClassesStartingRegistry>();
+    methods.classLevel<"processClassesStartingRegistry:posing:",
+                       &PBPostLoader::processClassesStartingRegistry_posing>();
+    methods.classLevel<"processSelector:initialize:", &PBPostLoader::processSelector_initialize>();
+    methods.classLevel<"isMultiThreaded", &PBPostLoader::isMultiThreaded>();
+    methods.classLevel<"_processSelector:inClass:initialize:",
+                       &PBPostLoader::_processSelector_inClass_initialize>();
+    methods.classLevel<"_preventBundleInitialization", &PBPostLoader::_preventBundleInitialization>();
+    methods.classLevel<"_provokeBundleInitialization", &PBPostLoader::_provokeBundleInitialization>();
+}
+
+void PBPostLoader::initialize(Class* cls) {
+    sendSuper(&metaclassRecord, cls, "initialize"_sel);
+    if (loader().hasBeenInitialized) return;
+    loader().hasBeenInitialized = true;
+    _preventBundleInitialization();
+    processSelector_initialize("performPosing"_sel, false);
+    _provokeBundleInitialization();
+}
+
+void PBPostLoader::processClasses() { processClassesStartingRegistry(true); }
+
+void PBPostLoader::processClassesStartingRegistry(bool startRegistry) {
+    processClassesStartingRegistry_posing(startRegistry, true);
+}
+
+void PBPostLoader::processClassesStartingRegistry_posing(bool startRegistry, bool posing) {
+    classRecord.initializeIfNeeded();
+    AutoreleasePool pool;
+    if (posing) processSelector_initialize("performPosing"_sel, false);
+    processSelector_initialize("didLoad"_sel, true);
+    processSelector_initialize("activateToolkit"_sel, true);
+}
+
+void PBPostLoader::processSelector_initialize(SEL selector, bool initialize) {
+    classRecord.initializeIfNeeded();
+    std::lock_guard guard(loader().lock);
+    for (bool foundAny = true; foundAny;) {
+        foundAny = false;
+        for (Class* cls : allClasses()) {
+            cls->attachPendingCategories();
+            foundAny |= _processSelector_inClass_initialize(selector, cls, initialize);
+        }
+    }
+}
+
+bool PBPostLoader::isMultiThreaded() {
+    classRecord.initializeIfNeeded();
+    return loader().isMultiThreaded;
+}
+
+bool PBPostLoader::_processSelector_inClass_initialize(SEL selector, Class* inClass, bool initialize) {
+    std::vector<IMP> hooks = takeHooks(selector, inClass);
+    if (hooks.empty()) return false;
+    if (initialize && !isReplacedFileWrapper(inClass))
+        callReporting(inClass, selector, [=] { sendClassOrInitialize(inClass); });
+    for (const IMP& hook : hooks)
+        callReporting(inClass, selector, [&] { callHook(hook, inClass, selector); });
+    return true;
+}
+
+// Bars only an `initialize` of the bundle class's own.
+void PBPostLoader::_preventBundleInitialization() {
+    Class* bundleClass = classNamed("NSBundle");
+    if (!bundleClass) return;
+    SEL initialize = "initialize"_sel;
+    Class* superclass = bundleClass->superclass();
+    const Method* method = bundleClass->classMethod(initialize);
+    if (!method || (superclass && superclass->classMethod(initialize) == method)) return;
+    loader().barredClass = bundleClass;
+    loader().bundleInitialize =
+        PBReplaceMethodImplementation(bundleClass->metaclass(), initialize,
+                                      classImplementation<"initialize", &abortBundleInitialization>());
+}
+
+void PBPostLoader::_provokeBundleInitialization() {
+    Class* bundleClass = std::exchange(loader().barredClass, nullptr);
+    if (!bundleClass) return;
+    PBReplaceMethodImplementation(bundleClass->metaclass(), "initialize"_sel, loader().bundleInitialize);
+    UnresolvedLinks unresolvedLinks;
+    bundleClass->initializeIfNeeded();
+}
+
+}  // namespace pelvor

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PBUtil.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <ctime>
+#include <utility>
+
+#include "Foundation/PlatformVersion.h"
+#include "Foundation/SystemVersion.h"
+#include "Runtime/NSException.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor {
+namespace {
+
+bool hasSeededRandom = false;
+bool isRunPoofs = false;
+// Retained; it is never destroyed with the process's statics, whose order nobody knows.
+id sharedFeedbackController = nullptr;
+
+int seededRandom() {
+    if (!std::exchange(hasSeededRandom, true)) srandom(static_cast<unsigned>(std::time(nullptr)));
+    return static_cast<int>(random());
+}
+
+void defineDebugMenus(MethodTable<NSObject>& methods) {
+    methods.instance<"PBAddDebugMenuItemWithTitle:action:", &PBAddDebugMenuItemWithTitle_action>();
+}
+
+}  // namespace
+
+constinit const Category NSObject_PelvorDebugMenus_category =
+    Category::of<NSObject, defineDebugMenus>("PelvorDebugMenus");
+
+// MARK: Method replacement
+
+IMP PBRegisterInstanceMethodWithSelector(Class* aClass, SEL oldSelector, SEL newSelector) {
+    const Method* method = aClass->instanceMethod(oldSelector);
+    if (!method) return {};
+    IMP implementation = method->implementation;
+    aClass->addMethods({"PBUtil", {{newSelector, implementation}}, nullptr});
+    return implementation;
+}
+
+IMP PBReplaceMethodImplementation(Class* aClass, SEL oldSelector, IMP newImp) {
+    return aClass->replaceImplementation(oldSelector, newImp);
+}
+
+IMP PBReplaceMethodImplementationWithSelector(Class* aClass, SEL oldSelector, SEL newSelector) {
+    return PBReplaceMethodImplementationWithSelectorOnClass(aClass, oldSelector, aClass, newSelector);
+}
+
+IMP PBReplaceMethodImplementationWithSelectorOnClass(Class* destClass, SEL oldSelector, Class* sourceClass,
+                                                     SEL newSelector) {
+    const Method* method = sourceClass->instanceMethod(newSelector);
+    if (!method)
+        raiseException(NSInvalidArgumentException, u"%s has no method %s"_ns, sourceClass->name(),
+                       newSelector.name());
+    return PBReplaceMethodImplementation(destClass, oldSelector, method->implementation);
+}
+
+// MARK: The process and its system
+
+bool PBIsRunPoofs() { return std::floor(platformVersion()) >= 743.0 && isRunPoofs; }
+
+void PBSetIsRunPoofs(bool isEn) { isRunPoofs = isEn; }
+
+int PBRandomInt() { return seededRandom(); }
+
+float PBRandomFloat() { return static_cast<float>(seededRandom()) * 4.656612873e-10f; }
+
+NSString* PBSystemVersion() {
+    int code = systemVersionCode();
+    return NSString::stringWithFormat(u"%x.%x.%x"_ns, code >> 8 & 0xFF, code >> 4 & 0xF, code & 0xF);
+}
+
+id PBSharedFeedbackController() { return sharedFeedbackController; }
+
+void PBSetSharedFeedbackController(id fc) {
+    if (fc == sharedFeedbackController) return;
+    if (fc) fc->retain();
+    id previous = std::exchange(sharedFeedbackController, fc);
+    if (previous) previous->release();
+}
+
+void PBAddDebugMenuItem(id, NSString*, SEL) {}
+void PBAddDebugMenuItemWithObjectAndTitleAndAction(id) {}
+void PBAddDebugMenuItemWithTitle_action(id, NSString*, SEL) {}
+
+void PBAbstractMethodWasCalled(id self, SEL _cmd) {
+    Class* cls = asClass(self);
+    raiseException(PBAbstractMethodException, u"%@ must implement the abstract method %@"_ns,
+                   cls ? cls : self->class_(),
+                   NSString::stringWithFormat(u"%c%@"_ns, cls ? '+' : '-', NSString::ofUTF8(_cmd.name())));
+}
+
+}  // namespace pelvor

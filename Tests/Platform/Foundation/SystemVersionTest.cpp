@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/SystemVersion.h"
+
+#include <gtest/gtest.h>
+#include <sys/utsname.h>
+
+namespace pelvor {
+namespace {
+
+TEST(SystemVersionCode, ComesFromTheKernelsRelease) {
+    struct {
+        const char* release;
+        int code;
+    } const cases[] = {
+        {"6.1.0-18-amd64", 0x0610}, {"5.15.2", 0x0592},  {"10.4.9", 0x1049}, {"4.19.99999999999-x", 0x0499},
+        {"123.1", 0x9910},          {"6.8-rc1", 0x0680}, {"7", 0x0700},      {"", 0},
+    };
+    for (auto [release, code] : cases) EXPECT_EQ(systemVersionCodeOfRelease(release), code) << release;
+
+    utsname names;
+    ASSERT_EQ(uname(&names), 0);
+    EXPECT_EQ(systemVersionCode(), systemVersionCodeOfRelease(names.release));
+}
+
+TEST(SystemVersionCode, IsWhatTheHostSays) {
+    setSystemVersionCode(0x1039);
+    EXPECT_EQ(systemVersionCode(), 0x1039);
+    setSystemVersionCode(0);
+    EXPECT_NE(systemVersionCode(), 0x1039);
+}
+
+}  // namespace
+}  // namespace pelvor

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PBMutableNumber.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+
+#include "BaseLibrary.h"
+#include "Foundation/NSString.h"
+#include "Runtime/Message.h"
+
+namespace pelvor {
+namespace {
+
+TEST(MutableNumber, IsMadeFromPlainNumbers) {
+    EXPECT_EQ(PBMutableNumber::numberWithBool(true)->intValue(), 1);
+    EXPECT_EQ(PBMutableNumber::numberWithBool(false)->intValue(), 0);
+    EXPECT_EQ(PBMutableNumber::numberWithInt(-3)->intValue(), -3);
+    EXPECT_EQ(PBMutableNumber::numberWithUnsignedInt(0xFFFFFFFE)->intValue(), -2);
+
+    auto* bySelector = send<id>(PBMutableNumber::classObject(), "numberWithInt:"_sel, 8);
+    EXPECT_EQ(bySelector->class_(), PBMutableIntNumber::classObject());
+}
+
+TEST(MutableNumber, CountsUpAndDownAndAround) {
+    auto number = PBMutableIntNumber::initWithInt(5);
+    EXPECT_EQ(number->increment(), 6);
+    EXPECT_EQ(number->decrement(), 5);
+    number->setIntValue(INT_MAX);
+    EXPECT_EQ(number->increment(), INT_MIN);
+    EXPECT_EQ(number->decrement(), INT_MAX);
+}
+
+TEST(MutableNumber, ReadsLikeAnyNumber) {
+    auto number = PBMutableIntNumber::initWithInt(-7);
+    std::int32_t value = 0;
+    number->getValue(&value);
+    EXPECT_EQ(value, -7);
+    EXPECT_STREQ(number->objCType(), "i");
+    EXPECT_EQ(number->doubleValue(), -7.0);
+    EXPECT_EQ(number->stringValue()->toUTF8(), "-7");
+    EXPECT_TRUE(number->isEqual(NSNumber::numberWithInt(-7)));
+    EXPECT_EQ(number->hash(), NSNumber::numberWithInt(-7)->hash());
+    EXPECT_EQ(send<int>(number, "increment"_sel), -6);
+}
+
+TEST(MutableNumber, IsCopiedAsAFixedNumber) {
+    auto number = PBMutableIntNumber::initWithInt(5);
+    Retained<Object> copy = number->copy();
+    number->increment();
+    EXPECT_EQ(cast<NSNumber>(copy)->intValue(), 5);
+    EXPECT_EQ(cast<PBMutableNumber>(copy), nullptr);
+}
+
+TEST(MutableNumber, IsCopiedMutablyInItsOwnClass) {
+    Class* cls = Class::createSubclass("CountingNumber", PBMutableIntNumber::classObject());
+    auto number = PBMutableIntNumber::initWithInt(5, cls);
+    Retained<Object> copy = number->mutableCopy();
+    EXPECT_EQ(copy->isa(), cls);
+    cast<PBMutableIntNumber>(copy)->increment();
+    EXPECT_EQ(cast<PBMutableIntNumber>(copy)->intValue(), 6);
+    EXPECT_EQ(number->intValue(), 5);
+}
+
+class HalfNumber : public PBMutableNumber {
+    PELVOR_CLASS(HalfNumber, PBMutableNumber);
+
+  public:
+    const char* objCType() override { return "d"; }
+    void getValue(void* buffer) override { *static_cast<double*>(buffer) = 0.5; }
+
+  protected:
+    HalfNumber() = default;
+    ~HalfNumber() = default;
+};
+
+constexpr Library* kNeeded[] = {&baseLibrary};
+constexpr Class* kClasses[] = {&HalfNumber::classRecord};
+constinit Library halfLibrary{"Half", kNeeded, kClasses, {}};
+PELVOR_DEFINE_CLASS(HalfNumber, halfLibrary) {}
+
+TEST(MutableNumber, LeavesCopiesToItsSubclasses) {
+    auto half = make<HalfNumber>();
+    EXPECT_EQ(half->copy(), nullptr);
+    EXPECT_EQ(half->mutableCopy(), nullptr);
+    EXPECT_EQ(half->doubleValue(), 0.5);
+}
+
+}  // namespace
+}  // namespace pelvor

@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PBUtil.h"
+
+#include <gtest/gtest.h>
+
+#include "Foundation/PlatformVersion.h"
+#include "Foundation/SystemVersion.h"
+#include "HookedClasses.h"
+
+namespace pelvor::testing {
+namespace {
+
+// MARK: Method replacement
+
+IMP answering(int (*function)(Object*, SEL)) {
+    return {reinterpret_cast<void (*)()>(function), &SignatureFor<int>::object, nullptr};
+}
+
+void addMethod(Class* cls, SEL selector, IMP implementation) {
+    cls->addMethods({"Test", {{selector, implementation}}, nullptr});
+}
+
+// A class whose instances answer 1 to "one", a subclass of it, and an instance of each.
+struct Family {
+    explicit Family(const std::string& name)
+        : parent(Class::createSubclass(name.c_str(), NSObject::classObject())),
+          child(Class::createSubclass(("Sub" + name).c_str(), parent)) {
+        addMethod(parent, "one"_sel, answering([](Object*, SEL) { return 1; }));
+        ofParent = Retained<Object>::adopting(parent->createInstance());
+        ofChild = Retained<Object>::adopting(child->createInstance());
+    }
+
+    Class* parent;
+    Class* child;
+    Retained<Object> ofParent;
+    Retained<Object> ofChild;
+};
+
+TEST(MethodReplacement, KeepsTheOldBehaviourUnderASecondSelector) {
+    Family family("Aliased");
+    IMP found = PBRegisterInstanceMethodWithSelector(family.child, "one"_sel, "plainOne"_sel);
+    EXPECT_EQ(found, family.parent->instanceMethod("one"_sel)->implementation);
+
+    addMethod(family.child, "one"_sel,
+              answering([](Object* self, SEL) { return 10 + send<int>(self, "plainOne"_sel); }));
+    EXPECT_EQ(send<int>(family.ofChild, "one"_sel), 11);
+    EXPECT_FALSE(family.ofParent->respondsToSelector("plainOne"_sel)) << "added to the class alone";
+}
+
+TEST(MethodReplacement, AddsOneGroupOfOneMethod) {
+    Family family("Grouped");
+    PBRegisterInstanceMethodWithSelector(family.parent, "one"_sel, "uno"_sel);
+    const MethodGroup* group = family.parent->methodGroups();
+    ASSERT_EQ(group->methods.size(), 1u);
+    EXPECT_EQ(group->methods[0].selector, "uno"_sel);
+    EXPECT_EQ(group->methods[0].implementation.signature, &SignatureFor<int>::object);
+}
+
+TEST(MethodReplacement, ChangesTheRecordOfTheSuperclassThatHasTheMethod) {
+    Family family("Inherited");
+    IMP two = answering([](Object*, SEL) { return 2; });
+    EXPECT_EQ(send<int>(family.ofParent, "one"_sel), 1);
+
+    IMP previous = PBReplaceMethodImplementation(family.child, "one"_sel, two);
+    EXPECT_EQ(send<int>(family.ofParent, "one"_sel), 2);
+
+    EXPECT_EQ(PBReplaceMethodImplementation(family.child, "one"_sel, previous), two);
+    EXPECT_EQ(send<int>(family.ofChild, "one"_sel), 1);
+}
+
+TEST(MethodReplacement, TakesTheNewCodeFromASelectorOfTheSameOrAnotherClass) {
+    Family family("Exchanged");
+    Family other("Lending");
+    addMethod(family.parent, "three"_sel, answering([](Object*, SEL) { return 3; }));
+    addMethod(other.parent, "four"_sel, answering([](Object*, SEL) { return 4; }));
+
+    PBReplaceMethodImplementationWithSelector(family.parent, "one"_sel, "three"_sel);
+    EXPECT_EQ(send<int>(family.ofParent, "one"_sel), 3);
+    PBReplaceMethodImplementationWithSelectorOnClass(family.parent, "one"_sel, other.parent, "four"_sel);
+    EXPECT_EQ(send<int>(family.ofParent, "one"_sel), 4);
+}
+
+TEST(MethodReplacement, WorksOnClassOperationsThroughTheMetaclass) {
+    Family family("Meta");
+    addMethod(family.parent->metaclass(), "count"_sel, answering([](Object*, SEL) { return 5; }));
+    EXPECT_EQ(send<int>(family.child, "count"_sel), 5);
+    PBReplaceMethodImplementation(family.parent->metaclass(), "count"_sel,
+                                  answering([](Object*, SEL) { return 6; }));
+    EXPECT_EQ(send<int>(family.child, "count"_sel), 6);
+}
+
+TEST(MethodReplacement, ChangesNothingWithoutTheMethod) {
+    Family family("Lacking");
+    IMP other = answering([](Object*, SEL) { return 9; });
+    EXPECT_FALSE(PBRegisterInstanceMethodWithSelector(family.child, "none"_sel, "nothing"_sel));
+    EXPECT_FALSE(PBReplaceMethodImplementation(family.child, "none"_sel, other));
+    EXPECT_FALSE(PBReplaceMethodImplementationWithSelector(family.child, "none"_sel, "one"_sel));
+    EXPECT_FALSE(family.ofChild->respondsToSelector("nothing"_sel));
+
+    EXPECT_THROW(PBReplaceMethodImplementationWithSelector(family.child, "one"_sel, "none"_sel), NSException);
+    EXPECT_EQ(send<int>(family.ofChild, "one"_sel), 1);
+}
+
+// MARK: The process and its system
+
+struct VersionScope {
+    ~VersionScope() {
+        setPlatformVersion(1000.0);
+        setSystemVersionCode(0);
+        PBSetIsRunPoofs(false);
+    }
+};
+
+TEST(RunPoofs, NeedsTheHostsWishAndAPlatformThatCan) {
+    VersionScope scope;
+    EXPECT_FALSE(PBIsRunPoofs());
+    PBSetIsRunPoofs(true);
+    struct {
+        double version;
+        bool canRun;
+    } const cases[] = {{1000.0, true}, {743.9, true}, {743.0, true}, {742.99, false}, {0, false}};
+    for (auto [version, canRun] : cases) {
+        setPlatformVersion(version);
+        EXPECT_EQ(PBIsRunPoofs(), canRun) << version;
+    }
+}
+
+TEST(SystemVersion, IsPrintedFromItsDigits) {
+    VersionScope scope;
+    struct {
+        int code;
+        const char* text;
+    } const cases[] = {{0x1049, "10.4.9"}, {0x1039, "10.3.9"}, {0x0610, "6.1.0"}};
+    for (auto [code, text] : cases) {
+        setSystemVersionCode(code);
+        EXPECT_EQ(PBSystemVersion()->toUTF8(), text);
+    }
+}
+
+TEST(RandomNumbers, StayInTheirRanges) {
+    bool differs = false;
+    int first = PBRandomInt();
+    for (int i = 0; i < 1000; ++i) {
+        int number = PBRandomInt();
+        float fraction = PBRandomFloat();
+        differs |= number != first;
+        EXPECT_GE(number, 0);
+        EXPECT_TRUE(fraction >= 0 && fraction <= 1) << fraction;
+    }
+    EXPECT_TRUE(differs);
+}
+
+TEST(RandomNumbers, AreSeededOnce) {
+    PBRandomInt();
+    srandom(17);
+    long expected = random();
+    srandom(17);
+    EXPECT_EQ(PBRandomInt(), expected);
+    srandom(17);
+    EXPECT_EQ(PBRandomFloat(), static_cast<float>(expected) * 4.656612873e-10f);
+}
+
+TEST(FeedbackController, IsRetainedOnce) {
+    auto controller = make<NSObject>();
+    PBSetSharedFeedbackController(controller);
+    PBSetSharedFeedbackController(controller);
+    EXPECT_EQ(PBSharedFeedbackController(), controller.get());
+    EXPECT_EQ(controller->retainCount(), 2u);
+
+    PBSetSharedFeedbackController(nullptr);
+    EXPECT_EQ(PBSharedFeedbackController(), nullptr);
+    EXPECT_EQ(controller->retainCount(), 1u);
+}
+
+// MARK: Abstract methods
+
+std::string reasonOfAbstract(id receiver, SEL selector) {
+    try {
+        PBAbstractMethodWasCalled(receiver, selector);
+    } catch (const NSException& exception) {
+        EXPECT_EQ(exception.name(), "PBAbstractMethodException");
+        return exception.reason();
+    }
+    return "";
+}
+
+TEST(AbstractMethod, NamesClassAndMethod) {
+    Class* cls = Class::createSubclass("AbstractLamp", NSObject::classObject());
+    auto lamp = Retained<Object>::adopting(cls->createInstance());
+    EXPECT_EQ(reasonOfAbstract(lamp, "lightAt:for:"_sel),
+              "AbstractLamp must implement the abstract method -lightAt:for:");
+    EXPECT_EQ(reasonOfAbstract(cls, "lamp"_sel), "AbstractLamp must implement the abstract method +lamp");
+}
+
+}  // namespace
+}  // namespace pelvor::testing
