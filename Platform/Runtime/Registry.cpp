@@ -82,7 +82,16 @@ void Registry::addCategory(const Category& category) {
 void Registry::attachPendingCategories(Class* cls) {
     std::lock_guard guard(mutex);
     if (_pendingCategories.empty()) return;
-    auto found = _pendingCategories.find(cls->name());
+    attachPendingCategories(cls, cls->name());
+    // A posing class answers to the names of those in whose place it stands.
+    if (cls->_poser) return;
+    for (Class* poser = cls; poser->_superclass && poser->_superclass->_poser == poser;
+         poser = poser->_superclass)
+        attachPendingCategories(cls, poser->_superclass->name() + 1);
+}
+
+void Registry::attachPendingCategories(Class* cls, std::string_view name) {
+    auto found = _pendingCategories.find(name);
     if (found == _pendingCategories.end()) return;
     auto categories = std::move(found->second);
     _pendingCategories.erase(found);
@@ -128,10 +137,11 @@ std::size_t Registry::classList(Class** buffer, std::size_t capacity) {
 
 void Registry::pose(Class* poser, Class* original) {
     std::lock_guard guard(mutex);
-    std::string_view oldName = original->name();
+    attachPendingCategories(original);
     std::string renamed("%");
-    const char* newName = keepName(renamed.append(oldName));
-    _classesByName.insert_or_assign(oldName, poser);
+    const char* newName = keepName(renamed.append(original->name()));
+    for (auto& [name, cls] : _classesByName)
+        if (cls == original) cls = poser;
     original->_name = original->metaclass()->_name = newName;
     _classesByName.emplace(newName, original);
     original->_poser.store(poser, std::memory_order_release);

@@ -38,6 +38,7 @@ class Registry {
 
   private:
     void refuseTakenNames(const Library& library);
+    void attachPendingCategories(Class* cls, std::string_view name);
     void defineOwnMethods(Class* cls);
     void addCategory(const Category& category);
     void noteSignature(NSMethodSignature* signature);

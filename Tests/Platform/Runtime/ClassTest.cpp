@@ -147,6 +147,37 @@ TEST(ClassTest, APosingClassIsWhatIsMadeFoundAndInherited) {
     EXPECT_EQ(send<int>(before, "fetch"_sel), 7);
 }
 
+void defineSeats(MethodTable<Animal>& methods) { methods.instanceAs<"seats", &Animal::legs>(); }
+constexpr Category chairCategory(const char* name) {
+    Category category = Category::of<Animal, defineSeats>(name);
+    category.className = "Chair";
+    return category;
+}
+constinit const Category kEarlyForChair = chairCategory("Early");
+constinit const Category kLateForChair = chairCategory("Late");
+constexpr const Category* kEarlyCategories[] = {&kEarlyForChair};
+constexpr const Category* kLateCategories[] = {&kLateForChair};
+constinit Library earlyChairLibrary{"EarlyChair", {}, {}, kEarlyCategories};
+constinit Library lateChairLibrary{"LateChair", {}, {}, kLateCategories};
+
+TEST(ClassTest, APosingClassStandsForAllNamesThatLedToTheOneItReplaced) {
+    Class* chair = Class::createSubclass("Chair", Animal::classObject());
+    registerLibrary(earlyChairLibrary);
+    Class* armchair = Class::createSubclass("Armchair", chair);
+    armchair->poseAsClass(chair);
+    Class* sofa = Class::createSubclass("Sofa", armchair);
+    sofa->poseAsClass(armchair);
+    EXPECT_EQ(classNamed("Chair"), sofa);
+    EXPECT_EQ(classNamed("Armchair"), sofa);
+    EXPECT_EQ(classNamed("%Chair"), chair);
+
+    registerLibrary(lateChairLibrary);
+    for (Class* cls : {chair, armchair, sofa}) cls->attachPendingCategories();
+    EXPECT_STREQ(chair->methodGroups()->category, "Early");
+    EXPECT_EQ(armchair->methodGroups(), nullptr);
+    EXPECT_STREQ(sofa->methodGroups()->category, "Late");
+}
+
 // A sheep, a lamb that is one, and a wolf that poses as one with code for wolves only.
 class Sheep : public Animal {
     PELVOR_CLASS(Sheep, Animal);
