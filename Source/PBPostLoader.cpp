@@ -69,6 +69,8 @@ void sendClassOrInitialize(Class* cls) {
 // A hook has no arguments or result; one that declares them gets zeros and is not listened to.
 void callHook(const IMP& hook, Class* cls, SEL selector) {
     NSMethodSignature* types = hook.signature;
+    if (types->key() == SignatureFor<void>::kKey)
+        return types->invoke(hook.function, cls, selector, nullptr, nullptr);
     std::vector<std::max_align_t> frame(types->frameLength() / sizeof(std::max_align_t) + 1);
     std::vector<std::max_align_t> result(types->methodReturnLength() / sizeof(std::max_align_t) + 1);
     types->invoke(hook.function, cls, selector, reinterpret_cast<std::byte*>(frame.data()), result.data());
