@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Foundation/NSData.h"
+#include "Runtime/NSException.h"
 
 namespace pelvor {
 
@@ -30,5 +31,10 @@ class NSInlineData final : public NSData {
   private:
     NSUInteger _length;
 };
+
+/// Raises NSInvalidArgumentException for a length without bytes.
+inline void requireBytes(const void* bytes, NSUInteger length) {
+    if (!bytes && length) throw NSException(NSInvalidArgumentException, "a length was given without bytes");
+}
 
 }  // namespace pelvor

@@ -2,6 +2,8 @@
 // The values and numbers that creators answer; for Foundation's own sources.
 #pragma once
 
+#include <span>
+
 #include "Foundation/NSNumber.h"
 
 namespace pelvor {
@@ -15,8 +17,8 @@ class NSInlineValue final : public NSValue {
     static Retained<NSInlineValue> create(const void* bytes, std::size_t size, const char* type);
 
     const char* objCType() override { return _type; }
-    void getValue(void* buffer) override { std::memcpy(buffer, this + 1, _size); }
-    std::size_t size() { return _size; }
+    void getValue(void* buffer) override { std::memcpy(buffer, span().data(), _size); }
+    std::span<const std::byte> span() { return {reinterpret_cast<const std::byte*>(this + 1), _size}; }
 
   protected:
     NSInlineValue(const char* type, std::size_t size) : _type(type), _size(size) {}
@@ -66,8 +68,9 @@ class NSPlainNumber final : public NSNumber {
             Instances::createWithExtra<NSPlainNumber>(0, &classRecord, type, contents));
     }
     /// One that lives as long as the process.
-    constexpr NSPlainNumber(std::uint32_t count, const char* type, NumberContents contents)
-        : NSNumber(&classRecord, count), _type(type), _contents(contents) {}
+    struct Shared {};
+    constexpr NSPlainNumber(Shared, const char* type, NumberContents contents)
+        : NSNumber(&classRecord, kImmortal), _type(type), _contents(contents) {}
 
     const char* objCType() override { return _type; }
     void getValue(void* buffer) override;

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -46,13 +47,17 @@ bool writeDirectly(const std::string& path, std::span<const std::byte> content) 
     return file && writeAll(file, content) && file.close();
 }
 
-// The rights that the file at `path` has, or that a new file gets.
-mode_t rightsFor(const std::string& path) {
+// A new file beside the target, with the rights of the target or of any new file; its path to `path`.
+int createBeside(const std::string& target, std::string& path) {
+    static std::atomic<unsigned> counter{0};
+    int file;
+    do {
+        path = target + "." + std::to_string(::getpid()) + "-" + std::to_string(counter++);
+        file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    } while (file < 0 && errno == EEXIST);
     struct stat status;
-    if (::stat(path.c_str(), &status) == 0) return status.st_mode & 07777;
-    mode_t mask = ::umask(0);
-    ::umask(mask);
-    return 0666 & ~mask;
+    if (file >= 0 && ::stat(target.c_str(), &status) == 0) (void)!::fchmod(file, status.st_mode & 07777);
+    return file;
 }
 
 bool writeAtomically(const std::string& path, std::span<const std::byte> content) {
@@ -61,11 +66,11 @@ bool writeAtomically(const std::string& path, std::span<const std::byte> content
         target = real;  // a symbolic link stays what it is
         std::free(real);
     }
-    std::string temporary = target + ".XXXXXX";
-    Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC));
+    std::string temporary;
+    Descriptor file(createBeside(target, temporary));
     if (!file) return false;
-    bool isWritten = writeAll(file, content) && ::fchmod(file, rightsFor(target)) == 0 &&
-                     ::fsync(file) == 0 && file.close() && ::rename(temporary.c_str(), target.c_str()) == 0;
+    bool isWritten = writeAll(file, content) && ::fsync(file) == 0 && file.close() &&
+                     ::rename(temporary.c_str(), target.c_str()) == 0;
     if (!isWritten) ::unlink(temporary.c_str());
     return isWritten;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSArray.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "Foundation/CollectionDescriptionPrivate.h"
@@ -139,7 +140,10 @@ void NSArray::getObjects(Object** buffer) { getObjects_range(buffer, {0, count()
 
 void NSArray::getObjects_range(Object** buffer, NSRange range) {
     requireRange(range, count());
-    for (NSUInteger i = 0; i < range.length; ++i) buffer[i] = objectAtIndex(range.location + i);
+    if (Object* const* objects = contiguousObjects())
+        std::copy_n(objects + range.location, range.length, buffer);
+    else
+        for (NSUInteger i = 0; i < range.length; ++i) buffer[i] = objectAtIndex(range.location + i);
 }
 
 NSEnumerator* NSArray::objectEnumerator() {

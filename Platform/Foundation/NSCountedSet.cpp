@@ -1,19 +1,26 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSCountedSet.h"
 
+#include <algorithm>
+
 #include "Foundation/CollectionFailuresPrivate.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
-#include "Foundation/OrderedTablePrivate.h"
+#include "Foundation/ObjectTablesPrivate.h"
 
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSCountedSet, foundationLibrary) {
     methods.classLevel<"set", &NSCountedSet::set>();
+    methods.classLevel<"setWithCapacity:", &NSCountedSet::setWithCapacity>();
+    methods.classLevel<"setWithObject:", &NSCountedSet::setWithObject>();
+    methods.classLevel<"setWithObjects:count:", &NSCountedSet::setWithObjects_count>();
     methods.classLevel<"setWithArray:", &NSCountedSet::setWithArray>();
     methods.classLevel<"setWithSet:", &NSCountedSet::setWithSet>();
     methods.classLevel<"init", &NSCountedSet::init>();
     methods.classLevelAs<"new", &NSCountedSet::init>();
+    methods.classLevel<"initWithCapacity:", &NSCountedSet::initWithCapacity>();
+    methods.classLevel<"initWithObjects:count:", &NSCountedSet::initWithObjects_count>();
     methods.classLevel<"initWithArray:", &NSCountedSet::initWithArray>();
     methods.classLevel<"initWithSet:", &NSCountedSet::initWithSet>();
     methods.instance<"countForObject:", &NSCountedSet::countForObject>();
@@ -29,17 +36,43 @@ NSCountedSet::~NSCountedSet() { NSCountedSet::removeAllObjects(); }
 
 NSCountedSet* NSCountedSet::set() { return init().autorelease(); }
 
+NSCountedSet* NSCountedSet::setWithCapacity(NSUInteger capacity) {
+    return initWithCapacity(capacity).autorelease();
+}
+
+NSCountedSet* NSCountedSet::setWithObject(id object) { return setWithObjects_count(&object, 1); }
+
+NSCountedSet* NSCountedSet::setWithObjects(std::initializer_list<Object*> objects) {
+    return initWithObjects(objects).autorelease();
+}
+
+NSCountedSet* NSCountedSet::setWithObjects_count(Object* const* objects, NSUInteger count) {
+    return initWithObjects_count(objects, count).autorelease();
+}
+
 NSCountedSet* NSCountedSet::setWithArray(NSArray* array) { return initWithArray(array).autorelease(); }
 
 NSCountedSet* NSCountedSet::setWithSet(NSSet* set) { return initWithSet(set).autorelease(); }
 
-NSCountedSet* NSCountedSet::of(std::initializer_list<Object*> objects) {
-    auto set = init();
-    for (Object* object : objects) set->addObject(object);
-    return std::move(set).autorelease();
+Retained<NSCountedSet> NSCountedSet::init(Class* cls) { return make<NSCountedSet>(cls); }
+
+Retained<NSCountedSet> NSCountedSet::initWithCapacity(NSUInteger capacity, Class* cls) {
+    auto set = make<NSCountedSet>(cls);
+    set->_table->reserve(std::min(capacity, kLargestReserve));
+    return set;
 }
 
-Retained<NSCountedSet> NSCountedSet::init(Class* cls) { return make<NSCountedSet>(cls); }
+Retained<NSCountedSet> NSCountedSet::initWithObjects(std::initializer_list<Object*> objects) {
+    return initWithObjects_count(objects.begin(), static_cast<NSUInteger>(objects.size()));
+}
+
+Retained<NSCountedSet> NSCountedSet::initWithObjects_count(Object* const* objects, NSUInteger count,
+                                                           Class* cls) {
+    requireObjects(objects, count, "initWithObjects:count:");
+    auto set = make<NSCountedSet>(cls);
+    for (NSUInteger i = 0; i < count; ++i) set->addObject(objects[i]);
+    return set;
+}
 
 Retained<NSCountedSet> NSCountedSet::initWithArray(NSArray* array, Class* cls) {
     auto set = make<NSCountedSet>(cls);

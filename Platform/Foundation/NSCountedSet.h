@@ -16,10 +16,19 @@ class PELVOR_EXPORT NSCountedSet : public NSMutableSet {
 
   public:
     static NSCountedSet* set();
+    static NSCountedSet* setWithCapacity(NSUInteger capacity);
+    static NSCountedSet* setWithObject(id object);
+    static NSCountedSet* setWithObjects(std::initializer_list<Object*> objects);
+    static NSCountedSet* setWithObjects_count(Object* const* objects, NSUInteger count);
     static NSCountedSet* setWithArray(NSArray* array);
     static NSCountedSet* setWithSet(NSSet* set);
-    static NSCountedSet* of(std::initializer_list<Object*> objects);
+    static NSCountedSet* of(std::initializer_list<Object*> objects) { return setWithObjects(objects); }
+
     static Retained<NSCountedSet> init(Class* cls = classObject());
+    static Retained<NSCountedSet> initWithCapacity(NSUInteger capacity, Class* cls = classObject());
+    static Retained<NSCountedSet> initWithObjects(std::initializer_list<Object*> objects);
+    static Retained<NSCountedSet> initWithObjects_count(Object* const* objects, NSUInteger count,
+                                                        Class* cls = classObject());
     static Retained<NSCountedSet> initWithArray(NSArray* array, Class* cls = classObject());
     static Retained<NSCountedSet> initWithSet(NSSet* set, Class* cls = classObject());
 

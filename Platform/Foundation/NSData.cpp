@@ -57,6 +57,7 @@ NSData* NSData::of(std::span<const std::byte> bytes) {
 Retained<NSData> NSData::init() { return NSInlineData::create(0); }
 
 Retained<NSData> NSData::initWithBytes_length(const void* bytes, NSUInteger length) {
+    requireBytes(bytes, length);
     auto data = NSInlineData::create(length);
     if (length) std::memcpy(data->storage(), bytes, length);
     return data;

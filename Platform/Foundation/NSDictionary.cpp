@@ -176,7 +176,7 @@ bool NSDictionary::isEqual(id other) {
 std::uintptr_t NSDictionary::hash() {
     std::uintptr_t sum = count();
     for (auto [key, object] : detail::walk(this))
-        sum += (hashOfElement(key) * 31 + hashOfElement(object)) * 0x9E3779B97F4A7C15u;
+        sum += spreadHash(spreadHash(hashOfElement(key)) + hashOfElement(object));
     return sum;
 }
 

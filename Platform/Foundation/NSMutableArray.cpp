@@ -92,9 +92,11 @@ Retained<NSMutableArray> NSMutableArray::initWithArray(NSArray* array) {
 // MARK: Adding and replacing
 
 void NSMutableArray::replaceObjects(NSRange range, Object* const* objects, NSUInteger count) {
+    Retained<NSArray> arriving = NSArray::initWithObjects_count(objects, count);
     Retained<NSArray> leaving = Retained<NSArray>::retaining(subarrayWithRange(range));
     removeObjectsInRange(range);
-    for (NSUInteger i = 0; i < count; ++i) insertObject_atIndex(objects[i], range.location + i);
+    NSUInteger index = range.location;
+    for (id object : arriving) insertObject_atIndex(object, index++);
 }
 
 void NSMutableArray::addObjectsFromArray(NSArray* other) {
@@ -103,6 +105,9 @@ void NSMutableArray::addObjectsFromArray(NSArray* other) {
 
 void NSMutableArray::replaceObjectsInRange_withObjectsFromArray(NSRange range, NSArray* other) {
     requireRange(range, count());
+    if (!other) return removeObjectsInRange(range);
+    if (Object* const* objects = other != this ? other->contiguousObjects() : nullptr)
+        return replaceObjects(range, objects, other->count());
     Retained<NSArray> objects = NSArray::initWithArray(other);
     replaceObjects(range, objects->contiguousObjects(), objects->count());
 }
@@ -137,7 +142,8 @@ void NSMutableArray::removeObject_inRange(id object, NSRange range) {
         i = std::min(i, count());
         if (i <= range.location) return;
         id entry = objectAtIndex(--i);
-        if ((entry == object || entry->isEqual(object)) && i < count()) removeObjectAtIndex(i);
+        bool isSame = entry == object || entry->isEqual(object);
+        if (isSame && i < count() && objectAtIndex(i) == entry) removeObjectAtIndex(i);
     }
 }
 

@@ -67,7 +67,7 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
     NSMutableArray() = default;
     ~NSMutableArray() = default;
 
-    /// Puts the objects, all checked and kept alive by the caller, in the place of a range that is inside.
+    /// Puts the objects, none of which is none, in the place of a range that is inside.
     virtual void replaceObjects(NSRange range, Object* const* objects, NSUInteger count);
 };
 

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "Foundation/CollectionFailuresPrivate.h"
+#include "Foundation/ConcreteDataPrivate.h"
 #include "Foundation/FileContentsPrivate.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
@@ -152,6 +153,7 @@ void NSMutableData::replaceBytesInRange_withBytes(NSRange range, const void* byt
 void NSMutableData::replaceBytesInRange_withBytes_length(NSRange range, const void* bytes, NSUInteger count) {
     requireRange(range, length());
     requireLength(_bytes.size() - range.length + count);
+    requireBytes(bytes, count);
     auto* first = static_cast<const std::byte*>(bytes);
     // Bytes of our own would move while they are copied.
     std::vector<std::byte> own;

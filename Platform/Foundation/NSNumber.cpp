@@ -76,50 +76,62 @@ constexpr int kSharedCount = 272;
 template <int... I>
 NSPlainNumber* sharedInteger(int value, std::integer_sequence<int, I...>) {
     static constinit NSPlainNumber shared[] = {
-        {0x40000000, "i", NumberContents::of(std::int64_t{kFirstShared + I})}...};
+        {NSPlainNumber::Shared(), "i", NumberContents::of(std::int64_t{kFirstShared + I})}...};
     return &shared[value - kFirstShared];
 }
 
-// A shared number where there is one.
+NSPlainNumber* sharedBoolean(bool value) {
+    static constinit NSPlainNumber shared[] = {
+        {NSPlainNumber::Shared(), "B", NumberContents::of(std::uint64_t{0})},
+        {NSPlainNumber::Shared(), "B", NumberContents::of(std::uint64_t{1})}};
+    return &shared[value];
+}
+
+// The immortal number of that type and value, if there is one.
 template <class T>
-Retained<NSNumber> numberOf(T value) {
-    if constexpr (std::is_same_v<T, bool>) {
-        static constinit NSPlainNumber booleans[] = {{0x40000000, "B", NumberContents::of(std::uint64_t{0})},
-                                                     {0x40000000, "B", NumberContents::of(std::uint64_t{1})}};
-        return Retained<NSNumber>::retaining(&booleans[value]);
-    }
+NSPlainNumber* sharedNumber([[maybe_unused]] T value) {
+    if constexpr (std::is_same_v<T, bool>) return sharedBoolean(value);
     if constexpr (std::is_same_v<T, int>)
         if (value >= kFirstShared && value < kFirstShared + kSharedCount)
-            return Retained<NSNumber>::retaining(
-                sharedInteger(value, std::make_integer_sequence<int, kSharedCount>()));
+            return sharedInteger(value, std::make_integer_sequence<int, kSharedCount>());
+    return nullptr;
+}
+
+template <class T>
+Retained<NSNumber> owned(T value) {
+    if (NSPlainNumber* shared = sharedNumber(value)) return Retained<NSNumber>::retaining(shared);
     return NSPlainNumber::create(typeEncoding<T>.text, widened(value));
+}
+
+template <class T>
+NSNumber* borrowed(T value) {
+    if (NSPlainNumber* shared = sharedNumber(value)) return shared;
+    return NSPlainNumber::create(typeEncoding<T>.text, widened(value)).autorelease();
 }
 
 }  // namespace
 
-NSNumber* NSNumber::numberWithBool(bool value) { return numberOf(value).autorelease(); }
-NSNumber* NSNumber::numberWithChar(signed char value) { return numberOf(value).autorelease(); }
-NSNumber* NSNumber::numberWithUnsignedChar(unsigned char value) { return numberOf(value).autorelease(); }
-NSNumber* NSNumber::numberWithShort(short value) { return numberOf(value).autorelease(); }
-NSNumber* NSNumber::numberWithUnsignedShort(unsigned short value) { return numberOf(value).autorelease(); }
-NSNumber* NSNumber::numberWithInt(int value) { return numberOf(value).autorelease(); }
-NSNumber* NSNumber::numberWithUnsignedInt(unsigned value) { return numberOf(value).autorelease(); }
-NSNumber* NSNumber::numberWithLong(long value) { return numberOf(value).autorelease(); }
-NSNumber* NSNumber::numberWithUnsignedLong(unsigned long value) { return numberOf(value).autorelease(); }
-NSNumber* NSNumber::numberWithLongLong(long long value) { return numberOf(value).autorelease(); }
-NSNumber* NSNumber::numberWithUnsignedLongLong(unsigned long long value) {
-    return numberOf(value).autorelease();
-}
-NSNumber* NSNumber::numberWithFloat(float value) { return numberOf(value).autorelease(); }
-NSNumber* NSNumber::numberWithDouble(double value) { return numberOf(value).autorelease(); }
+NSNumber* NSNumber::numberWithBool(bool value) { return borrowed(value); }
+NSNumber* NSNumber::numberWithChar(signed char value) { return borrowed(value); }
+NSNumber* NSNumber::numberWithUnsignedChar(unsigned char value) { return borrowed(value); }
+NSNumber* NSNumber::numberWithShort(short value) { return borrowed(value); }
+NSNumber* NSNumber::numberWithUnsignedShort(unsigned short value) { return borrowed(value); }
+NSNumber* NSNumber::numberWithInt(int value) { return borrowed(value); }
+NSNumber* NSNumber::numberWithUnsignedInt(unsigned value) { return borrowed(value); }
+NSNumber* NSNumber::numberWithLong(long value) { return borrowed(value); }
+NSNumber* NSNumber::numberWithUnsignedLong(unsigned long value) { return borrowed(value); }
+NSNumber* NSNumber::numberWithLongLong(long long value) { return borrowed(value); }
+NSNumber* NSNumber::numberWithUnsignedLongLong(unsigned long long value) { return borrowed(value); }
+NSNumber* NSNumber::numberWithFloat(float value) { return borrowed(value); }
+NSNumber* NSNumber::numberWithDouble(double value) { return borrowed(value); }
 
-Retained<NSNumber> NSNumber::initWithBool(bool value) { return numberOf(value); }
-Retained<NSNumber> NSNumber::initWithInt(int value) { return numberOf(value); }
-Retained<NSNumber> NSNumber::initWithUnsignedInt(unsigned value) { return numberOf(value); }
-Retained<NSNumber> NSNumber::initWithLongLong(long long value) { return numberOf(value); }
-Retained<NSNumber> NSNumber::initWithUnsignedLongLong(unsigned long long value) { return numberOf(value); }
-Retained<NSNumber> NSNumber::initWithFloat(float value) { return numberOf(value); }
-Retained<NSNumber> NSNumber::initWithDouble(double value) { return numberOf(value); }
+Retained<NSNumber> NSNumber::initWithBool(bool value) { return owned(value); }
+Retained<NSNumber> NSNumber::initWithInt(int value) { return owned(value); }
+Retained<NSNumber> NSNumber::initWithUnsignedInt(unsigned value) { return owned(value); }
+Retained<NSNumber> NSNumber::initWithLongLong(long long value) { return owned(value); }
+Retained<NSNumber> NSNumber::initWithUnsignedLongLong(unsigned long long value) { return owned(value); }
+Retained<NSNumber> NSNumber::initWithFloat(float value) { return owned(value); }
+Retained<NSNumber> NSNumber::initWithDouble(double value) { return owned(value); }
 
 // MARK: Contents
 

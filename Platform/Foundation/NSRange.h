@@ -43,6 +43,20 @@ constexpr bool isRangeInside(NSRange range, NSUInteger count) {
     return range.location <= count && range.length <= count - range.location;
 }
 
+/// The smallest range that holds both.
+constexpr NSRange NSUnionRange(NSRange a, NSRange b) {
+    NSUInteger start = a.location < b.location ? a.location : b.location;
+    NSUInteger end = NSMaxRange(a) > NSMaxRange(b) ? NSMaxRange(a) : NSMaxRange(b);
+    return {start, end - start};
+}
+
+/// What both hold; an empty range at 0 when that is nothing.
+constexpr NSRange NSIntersectionRange(NSRange a, NSRange b) {
+    NSUInteger start = a.location > b.location ? a.location : b.location;
+    NSUInteger end = NSMaxRange(a) < NSMaxRange(b) ? NSMaxRange(a) : NSMaxRange(b);
+    return start < end ? NSRange{start, end - start} : NSRange{};
+}
+
 /// The order of two things: the first sorts before, with, or after the second.
 enum NSComparisonResult : int { NSOrderedAscending = -1, NSOrderedSame = 0, NSOrderedDescending = 1 };
 

@@ -179,7 +179,7 @@ bool NSSet::isEqual(id other) {
 // The order does not count, nor how often a member was added.
 std::uintptr_t NSSet::hash() {
     std::uintptr_t sum = count();
-    for (id object : detail::walk(this)) sum += hashOfElement(object) * 0x9E3779B97F4A7C15u;
+    for (id object : detail::walk(this)) sum += spreadHash(hashOfElement(object));
     return sum;
 }
 

@@ -313,9 +313,4 @@ constexpr NSString* operator""_ns() {
 /// Prints the string as UTF-8, for streams.
 PELVOR_EXPORT std::ostream& operator<<(std::ostream& stream, NSString* string);
 
-template <class T>
-void PrintTo(const Retained<T>& object, std::ostream* stream) {
-    *stream << static_cast<Object*>(object.get());
-}
-
 }  // namespace pelvor

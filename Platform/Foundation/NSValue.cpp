@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSValue.h"
 
+#include <algorithm>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -77,13 +79,17 @@ void NSValue::requireType(const char* type) {
 
 namespace {
 
-std::vector<char> bytesOf(NSValue* value) {
+// The bytes of a value, where they stand or in `copy`.
+std::span<const std::byte> bytesOf(NSValue* value, std::vector<std::byte>& copy) {
+    if (value->isa() == NSInlineValue::classObject()) return static_cast<NSInlineValue*>(value)->span();
     NSUInteger size = 0;
     NSGetSizeAndAlignment(value->objCType(), &size, nullptr);
-    std::vector<char> bytes(size);
-    value->getValue(bytes.data());
-    return bytes;
+    copy.resize(size);
+    value->getValue(copy.data());
+    return copy;
 }
+
+bool isSameType(const char* a, const char* b) { return a == b || std::strcmp(a, b) == 0; }
 
 }  // namespace
 
@@ -92,13 +98,15 @@ bool NSValue::isEqualToValue(NSValue* other) { return isEqual(other); }
 bool NSValue::isEqual(id other) {
     if (this == other) return true;
     auto* value = cast<NSValue>(other);
-    if (!value || cast<NSNumber>(value)) return false;
-    return std::strcmp(objCType(), value->objCType()) == 0 && bytesOf(this) == bytesOf(value);
+    if (!value || cast<NSNumber>(value) || !isSameType(objCType(), value->objCType())) return false;
+    std::vector<std::byte> copy, otherCopy;
+    return std::ranges::equal(bytesOf(this, copy), bytesOf(value, otherCopy));
 }
 
 std::uintptr_t NSValue::hash() {
-    std::vector<char> bytes = bytesOf(this);
-    return std::hash<std::string_view>()({bytes.data(), bytes.size()});
+    std::vector<std::byte> copy;
+    auto bytes = bytesOf(this, copy);
+    return std::hash<std::string_view>()({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 NSString* NSValue::description() {
@@ -111,8 +119,8 @@ NSString* NSValue::description() {
         return NSString::ofUTF8("{" + std::to_string(range.location) + ", " + std::to_string(range.length) +
                                 "}");
     }
-    std::vector<char> bytes = bytesOf(this);
-    return hexadecimalDescription(std::as_bytes(std::span(bytes)));
+    std::vector<std::byte> copy;
+    return hexadecimalDescription(bytesOf(this, copy));
 }
 
 Retained<Object> NSValue::copyWithZone(void*) { return Retained<Object>::retaining(this); }

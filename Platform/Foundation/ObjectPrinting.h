@@ -12,10 +12,14 @@ namespace pelvor {
 /// Prints the object's description; "(null)" for none.
 PELVOR_EXPORT std::ostream& operator<<(std::ostream& stream, Object* object);
 
-/// What test programs print a pointer to an object with.
+// What test programs print pointers and references to objects with.
 template <std::derived_from<Object> T>
 void PrintTo(T* object, std::ostream* stream) {
     *stream << static_cast<Object*>(object);
+}
+template <class T>
+void PrintTo(const Retained<T>& object, std::ostream* stream) {
+    *stream << static_cast<Object*>(object.get());
 }
 
 }  // namespace pelvor

@@ -63,6 +63,13 @@ class EntryTable {
 /// for one that holds itself.
 std::uintptr_t hashOfElement(id object);
 
+/// Spreads a hash over all bits, so that a sum of such hashes tells which elements went into it.
+inline std::uintptr_t spreadHash(std::uintptr_t hash) {
+    hash = (hash ^ (hash >> 32)) * 0x9E3779B97F4A7C15u;
+    hash = (hash ^ (hash >> 29)) * 0xBF58476D1CE4E5B9u;
+    return hash ^ (hash >> 32);
+}
+
 /// Room is made beforehand up to here; beyond, a collection grows as it is filled.
 inline constexpr NSUInteger kLargestReserve = 1 << 20;
 

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+// Tests of the texts of collections.
+#include "Foundation/CollectionDescriptionPrivate.h"
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+#include "Foundation/NSData.h"
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSSet.h"
+#include "Platform/Foundation/Pebble.h"
+
+namespace pelvor {
+namespace {
+
+using testing::num;
+
+TEST(CollectionDescription, IsAnOldStylePropertyList) {
+    AutoreleasePool pool;
+    NSDictionary* inner =
+        NSDictionary::of({{u"a key"_ns, num(-1)}, {u"b"_ns, NSNumber::numberWithDouble(1.5)}});
+    NSArray* array = NSArray::of({u"plain_1:$"_ns, u""_ns, u"say \"hi\"\\\n"_ns, u"\u00e4\U0001F600"_ns,
+                                  inner, NSSet::setWithObject(num(3)),
+                                  NSData::dataWithBytes_length("\x01\xff", 2), NSArray::array()});
+    EXPECT_EQ(array->description()->toUTF8(), R"((
+    plain_1:$,
+    "",
+    "say \"hi\"\\\n",
+    "\U00e4\Ud83d\Ude00",
+    {
+        "a key" = "-1";
+        b = 1.5;
+    },
+    {(
+        3
+    )},
+    <01ff>,
+    (
+    )
+))");
+}
+
+TEST(CollectionDescription, EndsForACollectionInsideItself) {
+    AutoreleasePool pool;
+    auto array = NSMutableArray::init();
+    auto dictionary = NSMutableDictionary::init();
+    dictionary->setObject_forKey(array, u"array"_ns);
+    array->addObject(dictionary);
+    EXPECT_THAT(array->description()->toUTF8(),
+                ::testing::ContainsRegex("array = \"<NSBufferArray: 0x[0-9a-f]+>\";"));
+    array->hash();
+    array->removeAllObjects();
+}
+
+TEST(ObjectPrinting, ShowsDescriptionsOfPointersAndReferences) {
+    AutoreleasePool pool;
+    auto owned = NSArray::initWithObjects({u"\u00e4"_ns, num(2)});
+    NSArray* array = owned;
+    std::ostringstream stream;
+    stream << array << "|" << owned << "|" << static_cast<Object*>(nullptr) << "|" << u"\u00e4"_ns;
+    const std::string text = "(\n    \"\\U00e4\",\n    2\n)";
+    EXPECT_EQ(stream.str(), text + "|" + text + "|(null)|\u00e4");
+    EXPECT_EQ(::testing::PrintToString(array), text);
+    EXPECT_EQ(::testing::PrintToString(owned), text);
+}
+
+}  // namespace
+}  // namespace pelvor

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+// Tests of data, and of reading and writing files with them.
+#include "Foundation/NSData.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "Foundation/NSMutableData.h"
+#include "Platform/Foundation/Pebble.h"
+#include "Runtime/Message.h"
+
+namespace pelvor {
+namespace {
+
+using testing::reasonOf;
+namespace fs = std::filesystem;
+
+NSData* bytes(std::string_view text) {
+    return NSData::dataWithBytes_length(text.data(), static_cast<NSUInteger>(text.size()));
+}
+
+std::string text(NSData* data) { return {static_cast<const char*>(data->bytes()), data->length()}; }
+
+class NSDataTest : public ::testing::Test {
+    AutoreleasePool _pool;
+};
+
+TEST_F(NSDataTest, HoldsACopyOfTheBytes) {
+    char buffer[] = "abcdef";
+    NSData* data = NSData::dataWithBytes_length(buffer, 6);
+    buffer[0] = 'X';
+    EXPECT_EQ(text(data), "abcdef");
+    EXPECT_EQ(text(data->subdataWithRange({2, 3})), "cde");
+    data->getBytes_range(buffer, {4, 2});
+    EXPECT_STREQ(buffer, "efcdef");
+    data->getBytes_length(buffer, 99);
+    EXPECT_STREQ(buffer, "abcdef");
+    EXPECT_EQ(reasonOf(NSRangeException,
+                       [&] {
+                           data->subdataWithRange({5, 2});
+                       }),
+              "index (7) beyond bounds (6)");
+    EXPECT_EQ(data->copy().get(), data);
+    EXPECT_THROW(NSData::dataWithBytes_length(nullptr, 1), NSException);
+}
+
+TEST_F(NSDataTest, ComparesAndDescribes) {
+    EXPECT_TRUE(bytes("ab")->isEqual(NSMutableData::dataWithData(bytes("ab"))));
+    EXPECT_EQ(bytes("ab")->hash(), NSMutableData::dataWithData(bytes("ab"))->hash());
+    EXPECT_FALSE(bytes("ab")->isEqual(bytes("ac")));
+    EXPECT_FALSE(bytes("ab")->isEqual(bytes("abc")));
+    EXPECT_FALSE(bytes("ab")->isEqual(u"ab"_ns));
+    EXPECT_TRUE(NSData::data()->isEqualToData(NSMutableData::data()));
+    EXPECT_EQ(bytes("\x01\x02\xaa\xff\x10")->description()->toUTF8(), "<0102aaff 10>");
+    EXPECT_EQ(NSData::data()->description()->toUTF8(), "<>");
+}
+
+TEST_F(NSDataTest, Changes) {
+    NSMutableData* data = NSMutableData::dataWithData(bytes("abc"));
+    data->appendBytes_length("de", 2);
+    data->appendData(data);
+    EXPECT_EQ(text(data), "abcdeabcde");
+    data->replaceBytesInRange_withBytes_length({1, 7}, "X", 1);
+    EXPECT_EQ(text(data), "aXde");
+    data->replaceBytesInRange_withBytes_length({0, 1}, data->bytes(), 4);
+    EXPECT_EQ(text(data), "aXdeXde");
+    data->replaceBytesInRange_withBytes({5, 4}, "1234");
+    EXPECT_EQ(text(data), "aXdeX1234");
+    data->resetBytesInRange({1, 2});
+    EXPECT_EQ(text(data), std::string("a\0\0eX1234", 9));
+    data->setLength(1);
+    data->increaseLengthBy(2);
+    EXPECT_EQ(text(data), std::string("a\0\0", 3));
+    auto copy = data->copy();
+    data->setData(bytes("z"));
+    EXPECT_EQ(copy->length(), 3u);
+    for (auto& action : std::initializer_list<std::function<void()>>{
+             [&] {
+                 data->replaceBytesInRange_withBytes({2, 1}, "x");
+             },
+             [&] {
+                 data->replaceBytesInRange_withBytes_length({0, 2}, "x", 1);
+             },
+             [&] {
+                 data->resetBytesInRange({1, 1});
+             }})
+        EXPECT_THAT(reasonOf(NSRangeException, action), ::testing::EndsWith("beyond bounds (1)"));
+    EXPECT_THROW(data->increaseLengthBy(0xFFFFFFFF), NSException);
+    EXPECT_EQ(text(data), "z");
+    EXPECT_EQ(send<int>(send<id>(NSMutableData::classObject(), "dataWithLength:"_sel, 7), "length"_sel), 7);
+}
+
+class NSDataFileTest : public NSDataTest {
+  protected:
+    NSDataFileTest() : folder(fs::temp_directory_path() / ("pelvor-data-" + std::to_string(::getpid()))) {
+        fs::create_directory(folder);
+    }
+    ~NSDataFileTest() { fs::remove_all(folder); }
+    NSString* path(const char* name) { return NSString::ofUTF8((folder / name).string()); }
+    static mode_t rights(const fs::path& file) {
+        struct stat status {};
+        ::stat(file.c_str(), &status);
+        return status.st_mode & 0777;
+    }
+    long filesInFolder() { return std::distance(fs::directory_iterator(folder), fs::directory_iterator()); }
+
+    fs::path folder;
+};
+
+TEST_F(NSDataFileTest, WritesAndReadsFiles) {
+    for (bool isAtomic : {false, true}) {
+        EXPECT_TRUE(bytes("first, and longer")->writeToFile_atomically(path("file"), isAtomic));
+        EXPECT_TRUE(bytes("second")->writeToFile_atomically(path("file"), isAtomic));
+        EXPECT_EQ(text(NSData::dataWithContentsOfFile(path("file"))), "second");
+        EXPECT_EQ(text(NSMutableData::dataWithContentsOfFile(path("file"))), "second");
+        EXPECT_FALSE(bytes("x")->writeToFile_atomically(path("no folder/file"), isAtomic));
+        EXPECT_FALSE(bytes("x")->writeToFile_atomically(nullptr, isAtomic));
+        EXPECT_EQ(filesInFolder(), 1);
+    }
+    EXPECT_TRUE(NSData::data()->writeToFile_atomically(path("file"), true));
+    EXPECT_EQ(NSData::dataWithContentsOfFile(path("file"))->length(), 0u);
+    EXPECT_EQ(NSData::dataWithContentsOfFile(path("absent")), nullptr);
+    EXPECT_EQ(NSData::dataWithContentsOfFile(path(".")), nullptr);
+    EXPECT_EQ(NSData::dataWithContentsOfFile(nullptr), nullptr);
+    EXPECT_GT(NSData::dataWithContentsOfFile(u"/proc/self/status"_ns)->length(), 0u);
+}
+
+TEST_F(NSDataFileTest, AnAtomicWriteKeepsRightsAndLinks) {
+    ASSERT_TRUE(bytes("old")->writeToFile_atomically(path("file"), true));
+    EXPECT_EQ(rights(folder / "file") & 0600, 0600u);
+    fs::permissions(folder / "file", fs::perms(0640));
+    fs::create_symlink("file", folder / "link");
+    EXPECT_TRUE(bytes("new")->writeToFile_atomically(path("link"), true));
+    EXPECT_TRUE(fs::is_symlink(folder / "link"));
+    EXPECT_EQ(text(NSData::dataWithContentsOfFile(path("file"))), "new");
+    EXPECT_EQ(rights(folder / "file"), 0640u);
+    EXPECT_EQ(filesInFolder(), 2);
+}
+
+}  // namespace
+}  // namespace pelvor

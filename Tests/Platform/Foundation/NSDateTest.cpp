@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: Apache-2.0
+// Tests of dates.
+#include "Foundation/NSDate.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "Platform/Foundation/Pebble.h"
+#include "Runtime/Message.h"
+
+namespace pelvor {
+namespace {
+
+NSDate* at(NSTimeInterval seconds) { return NSDate::dateWithTimeIntervalSinceReferenceDate(seconds); }
+
+TEST(NSDate, DescribesTheMomentInUTC) {
+    AutoreleasePool pool;
+    const std::pair<NSDate*, const char*> rows[] = {
+        {at(0), "2001-01-01 00:00:00 +0000"},
+        {at(-0.5), "2000-12-31 23:59:59 +0000"},
+        {at(1.9), "2001-01-01 00:00:01 +0000"},
+        {NSDate::dateWithTimeIntervalSince1970(951868799), "2000-02-29 23:59:59 +0000"},
+        {NSDate::dateWithTimeIntervalSince1970(-1), "1969-12-31 23:59:59 +0000"},
+        {NSDate::distantPast(), "0001-01-01 00:00:00 +0000"},
+        {NSDate::distantFuture(), "4001-01-01 00:00:00 +0000"},
+        {at(1e300), "(a date out of the calendar)"},
+        {at(NAN), "(a date out of the calendar)"},
+    };
+    for (auto [date, text] : rows) EXPECT_EQ(date->description()->toUTF8(), text);
+}
+
+TEST(NSDate, ComparesAndCounts) {
+    AutoreleasePool pool;
+    NSDate* early = at(10);
+    NSDate* late = at(20.5);
+    EXPECT_EQ(early->compare(late), NSOrderedAscending);
+    EXPECT_EQ(late->compare(early), NSOrderedDescending);
+    EXPECT_EQ(early->compare(at(10)), NSOrderedSame);
+    EXPECT_EQ(late->earlierDate(early), early);
+    EXPECT_EQ(early->laterDate(late), late);
+    EXPECT_EQ(early->earlierDate(at(10)), early);
+    EXPECT_EQ(late->timeIntervalSinceDate(early), 10.5);
+    EXPECT_EQ(early->timeIntervalSince1970(), 978307210.0);
+    EXPECT_TRUE(early->addTimeInterval(10.5)->isEqual(late));
+    EXPECT_EQ(early->addTimeInterval(10.5)->hash(), late->hash());
+    EXPECT_FALSE(early->isEqual(late));
+    EXPECT_FALSE(early->isEqual(u"10"_ns));
+    EXPECT_EQ(send<double>(early, "timeIntervalSinceReferenceDate"_sel), 10.0);
+    EXPECT_THROW(early->compare(nullptr), NSException);
+}
+
+TEST(NSDate, NowLiesBetweenTwoReadings) {
+    AutoreleasePool pool;
+    NSDate* before = NSDate::date();
+    NSDate* soon = NSDate::dateWithTimeIntervalSinceNow(100);
+    NSDate* after = NSDate::date();
+    EXPECT_GE(soon->timeIntervalSinceDate(before), 100);
+    EXPECT_LE(soon->timeIntervalSinceDate(after), 100);
+    EXPECT_LE(before->timeIntervalSinceNow(), 0);
+    EXPECT_GT(before->compare(NSDate::dateWithTimeIntervalSince1970(1700000000)), 0);
+}
+
+}  // namespace
+}  // namespace pelvor

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+// Tests of points, sizes, rectangles and the operations of ranges.
+#include "Foundation/NSGeometry.h"
+
+#include <gtest/gtest.h>
+
+#include "Platform/Foundation/Pebble.h"
+
+namespace pelvor {
+
+void PrintTo(const NSRect& rect, std::ostream* stream) {
+    AutoreleasePool pool;
+    *stream << NSStringFromRect(rect);
+}
+
+namespace {
+
+constexpr NSRect kRect = NSMakeRect(10, 20, 30, 40);
+
+TEST(NSGeometry, ReadsEdgesAndTests) {
+    EXPECT_EQ(NSMaxX(kRect), 40);
+    EXPECT_EQ(NSMaxY(kRect), 60);
+    EXPECT_EQ(NSMidX(kRect), 25);
+    EXPECT_EQ(NSMidY(kRect), 40);
+    EXPECT_TRUE(NSEqualRects(kRect, NSMakeRect(10, 20, 30, 40)));
+    EXPECT_TRUE(NSIsEmptyRect(NSMakeRect(1, 1, 0, 5)));
+    EXPECT_TRUE(NSIsEmptyRect(NSMakeRect(1, 1, 5, -1)));
+    EXPECT_TRUE(NSPointInRect({10, 20}, kRect));
+    EXPECT_FALSE(NSPointInRect({10, 60}, kRect));
+    EXPECT_FALSE(NSPointInRect({40, 30}, kRect));
+    EXPECT_TRUE(NSMouseInRect({10, 60}, kRect, false));
+    EXPECT_FALSE(NSMouseInRect({10, 20}, kRect, false));
+    EXPECT_TRUE(NSContainsRect(kRect, kRect));
+    EXPECT_FALSE(NSContainsRect(kRect, NSMakeRect(10, 20, 31, 5)));
+    EXPECT_FALSE(NSContainsRect(kRect, NSMakeRect(15, 25, 0, 0)));
+}
+
+TEST(NSGeometry, MakesOtherRectangles) {
+    EXPECT_EQ(NSInsetRect(kRect, 1, 2), NSMakeRect(11, 22, 28, 36));
+    EXPECT_EQ(NSOffsetRect(kRect, -10, 1), NSMakeRect(0, 21, 30, 40));
+    EXPECT_EQ(NSIntegralRect(NSMakeRect(-0.5f, 0.25f, 1, 1)), NSMakeRect(-1, 0, 2, 2));
+    EXPECT_EQ(NSIntegralRect(NSMakeRect(1, 1, 0, 1)), NSZeroRect);
+    EXPECT_EQ(NSUnionRect(kRect, NSMakeRect(0, 50, 5, 20)), NSMakeRect(0, 20, 40, 50));
+    EXPECT_EQ(NSUnionRect(kRect, NSZeroRect), kRect);
+    EXPECT_EQ(NSUnionRect(NSZeroRect, kRect), kRect);
+    EXPECT_EQ(NSIntersectionRect(kRect, NSMakeRect(0, 0, 20, 25)), NSMakeRect(10, 20, 10, 5));
+    EXPECT_EQ(NSIntersectionRect(kRect, NSMakeRect(40, 20, 5, 5)), NSZeroRect);
+    EXPECT_FALSE(NSIntersectsRect(kRect, NSMakeRect(40, 20, 5, 5)));
+}
+
+TEST(NSGeometry, DividesARectangleAlongAnEdge) {
+    struct Row {
+        NSRectEdge edge;
+        float thickness;
+        NSRect slice, rest;
+    };
+    for (const Row& row :
+         std::initializer_list<Row>{{NSMinXEdge, 5, {{10, 20}, {5, 40}}, {{15, 20}, {25, 40}}},
+                                    {NSMaxXEdge, 5, {{35, 20}, {5, 40}}, {{10, 20}, {25, 40}}},
+                                    {NSMinYEdge, 50, {{10, 20}, {30, 40}}, {{10, 60}, {30, 0}}},
+                                    {NSMaxYEdge, 10, {{10, 50}, {30, 10}}, {{10, 20}, {30, 30}}},
+                                    {NSMaxYEdge, -1, {{10, 60}, {30, 0}}, kRect}}) {
+        NSRect slice, rest;
+        NSDivideRect(kRect, &slice, &rest, row.thickness, row.edge);
+        EXPECT_EQ(slice, row.slice) << row.edge;
+        EXPECT_EQ(rest, row.rest) << row.edge;
+    }
+}
+
+TEST(NSGeometry, ReadsTheTextThatItWrites) {
+    AutoreleasePool pool;
+    NSRect rect = NSMakeRect(-1.5f, 0.1f, 1e10f, 0);
+    EXPECT_EQ(NSStringFromRect(rect)->toUTF8(), "{{-1.5, 0.1}, {10000000000, 0}}");
+    EXPECT_EQ(NSRectFromString(NSStringFromRect(rect)), rect);
+    EXPECT_EQ(NSPointFromString(u"{3, -4}"_ns), NSMakePoint(3, -4));
+    EXPECT_EQ(NSSizeFromString(u"width 7"_ns), NSMakeSize(7, 0));
+    EXPECT_EQ(NSRectFromString(nullptr), NSZeroRect);
+    EXPECT_EQ(NSStringFromPoint({1, 2})->toUTF8(), "{1, 2}");
+    EXPECT_EQ(NSStringFromSize({1, 2})->toUTF8(), "{1, 2}");
+}
+
+TEST(NSRange, JoinsAndIntersects) {
+    EXPECT_EQ(NSUnionRange({5, 2}, {1, 2}), NSMakeRange(1, 6));
+    EXPECT_EQ(NSUnionRange({5, 9}, {6, 0}), NSMakeRange(5, 9));
+    EXPECT_EQ(NSIntersectionRange({5, 5}, {8, 9}), NSMakeRange(8, 2));
+    EXPECT_EQ(NSIntersectionRange({5, 5}, {10, 1}), NSMakeRange(0, 0));
+}
+
+}  // namespace
+}  // namespace pelvor

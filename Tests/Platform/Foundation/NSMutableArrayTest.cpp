@@ -1,0 +1,186 @@
+// SPDX-License-Identifier: Apache-2.0
+// Tests of arrays that change.
+#include "Foundation/NSMutableArray.h"
+
+#include <gmock/gmock.h>
+
+#include <random>
+
+#include "Platform/Foundation/OwnCollections.h"
+#include "Platform/Foundation/Pebble.h"
+
+namespace pelvor {
+namespace {
+
+using testing::listing;
+using testing::num;
+using testing::numbers;
+using testing::OwnArray;
+using testing::Pebble;
+using testing::reasonOf;
+
+// Each test runs with the array of the platform and with one over only the primitives.
+class NSMutableArrayTest : public ::testing::TestWithParam<bool> {
+  protected:
+    NSMutableArray* arrayOf(std::initializer_list<int> values) {
+        auto array = GetParam() ? Retained<NSMutableArray>(make<OwnArray>()) : NSMutableArray::init();
+        for (int value : values) array->addObject(num(value));
+        return std::move(array).autorelease();
+    }
+
+  private:
+    AutoreleasePool _pool;
+};
+INSTANTIATE_TEST_SUITE_P(, NSMutableArrayTest, ::testing::Bool(),
+                         [](const auto& info) { return info.param ? "OfItsOwn" : "OfThePlatform"; });
+
+TEST_P(NSMutableArrayTest, AddsAndReplaces) {
+    NSMutableArray* array = arrayOf({1, 2});
+    array->insertObject_atIndex(num(0), 0);
+    array->insertObject_atIndex(num(9), 3);
+    array->replaceObjectAtIndex_withObject(1, num(7));
+    EXPECT_EQ(listing(array), "0 7 2 9");
+    array->addObjectsFromArray(array);
+    EXPECT_EQ(listing(array), "0 7 2 9 0 7 2 9");
+    array->replaceObjectsInRange_withObjectsFromArray({1, 6}, numbers({4, 5}));
+    EXPECT_EQ(listing(array), "0 4 5 9");
+    array->replaceObjectsInRange_withObjectsFromArray({1, 1}, array);
+    EXPECT_EQ(listing(array), "0 0 4 5 9 5 9");
+    array->exchangeObjectAtIndex_withObjectAtIndex(0, 4);
+    EXPECT_EQ(listing(array), "9 0 4 5 0 5 9");
+    array->setArray(array->subarrayWithRange({2, 2}));
+    EXPECT_EQ(listing(array), "4 5");
+    array->setArray(nullptr);
+    EXPECT_EQ(array->count(), 0u);
+}
+
+TEST_P(NSMutableArrayTest, Removes) {
+    NSMutableArray* array = arrayOf({1, 2, 1, 3, 1, 4, 5});
+    array->removeObject_inRange(num(1), {1, 2});
+    EXPECT_EQ(listing(array), "1 2 3 1 4 5");
+    array->removeObject(num(1));
+    array->removeObject(nullptr);
+    array->removeObjectAtIndex(1);
+    array->removeLastObject();
+    EXPECT_EQ(listing(array), "2 4");
+    array->addObjectsFromArray(numbers({6, 7, 2, 8}));
+    array->removeObjectsInArray(numbers({2, 7, 100}));
+    EXPECT_EQ(listing(array), "4 6 8");
+    array->removeObjectsInRange({1, 2});
+    array->removeObjectIdenticalTo(num(4));
+    array->removeAllObjects();
+    EXPECT_EQ(array->count(), 0u);
+    EXPECT_EQ(reasonOf(NSRangeException, [] { NSMutableArray::array()->removeLastObject(); }),
+              "index (0) beyond bounds (0)");
+}
+
+TEST_P(NSMutableArrayTest, Sorts) {
+    NSMutableArray* array = arrayOf({3, 1, 2});
+    array->sortUsingSelector("compare:"_sel);
+    EXPECT_EQ(listing(array), "1 2 3");
+    array->sortUsingFunction_context(
+        [](id a, id b, void*) { return -cast<NSNumber>(a)->compare(cast<NSNumber>(b)); }, nullptr);
+    EXPECT_EQ(listing(array), "3 2 1");
+}
+
+TEST(NSMutableArray, RaisesAndChangesNothing) {
+    AutoreleasePool pool;
+    NSMutableArray* array = NSMutableArray::of({num(1), num(2)});
+    for (auto& action : std::initializer_list<std::function<void()>>{
+             [&] { array->addObject(nullptr); }, [&] { array->insertObject_atIndex(nullptr, 0); },
+             [&] { array->replaceObjectAtIndex_withObject(0, nullptr); }})
+        EXPECT_THAT(reasonOf(NSInvalidArgumentException, action),
+                    ::testing::StartsWith("no object was given"));
+    for (auto& action : std::initializer_list<std::function<void()>>{
+             [&] { array->insertObject_atIndex(num(1), 3); }, [&] { array->removeObjectAtIndex(2); },
+             [&] { array->replaceObjectAtIndex_withObject(2, num(1)); },
+             [&] {
+                 array->removeObjectsInRange({1, 2});
+             },
+             [&] {
+                 array->replaceObjectsInRange_withObjectsFromArray({1, 2}, nullptr);
+             },
+             [&] { array->exchangeObjectAtIndex_withObjectAtIndex(0, 2); }})
+        EXPECT_THAT(reasonOf(NSRangeException, action), ::testing::EndsWith(" beyond bounds (2)"));
+    EXPECT_EQ(listing(array), "1 2");
+}
+
+TEST(NSMutableArray, DoesWhatAVectorDoes) {
+    AutoreleasePool pool;
+    std::mt19937 random(3);
+    auto array = NSMutableArray::init();
+    std::vector<Object*> model;
+    // The places favour the front in one phase and the back in the next.
+    for (int step = 0; step < 20000; ++step) {
+        auto place = [&](std::size_t count) {
+            auto at = static_cast<NSUInteger>(count ? random() % count : 0);
+            return step / 2000 % 3 == 0   ? at / 8
+                   : step / 2000 % 3 == 1 ? at
+                                          : static_cast<NSUInteger>(count) - 1 - at / 8;
+        };
+        if (random() % 16 < (step / 4000 % 2 ? 7u : 9u) || model.empty()) {
+            NSUInteger index = place(model.size() + 1);
+            array->insertObject_atIndex(num(step), index);
+            model.insert(model.begin() + index, array->objectAtIndex(index));
+        } else {
+            NSUInteger index = place(model.size());
+            array->removeObjectAtIndex(index);
+            model.erase(model.begin() + index);
+        }
+        if (step % 500 == 0) {
+            ASSERT_EQ(array->count(), model.size());
+            ASSERT_TRUE(std::equal(model.begin(), model.end(), array->contiguousObjects())) << step;
+        }
+    }
+}
+
+TEST(NSMutableArray, BalancesReferences) {
+    int before = Pebble::alive();
+    {
+        AutoreleasePool pool;
+        auto array = NSMutableArray::init();
+        for (int i = 0; i < 50; ++i) array->addObject(Pebble::create(i % 10).autorelease());
+        array->removeObject(Pebble::create(3).autorelease());
+        array->replaceObjectAtIndex_withObject(0, Pebble::create(77).autorelease());
+        array->replaceObjectAtIndex_withObject(1, array->objectAtIndex(1));
+        array->exchangeObjectAtIndex_withObjectAtIndex(2, 2);
+        array->removeObjectsInRange({5, 10});
+        array->sortUsingSelector("compare:"_sel);
+        auto copy = array->copy();
+        array->removeAllObjects();
+        EXPECT_EQ(copy->count(), 35u);
+    }
+    EXPECT_EQ(Pebble::alive(), before);
+}
+
+TEST(NSMutableArray, AReleaseMayUseTheArray) {
+    AutoreleasePool pool;
+    auto array = NSMutableArray::init();
+    std::vector<NSUInteger> counts;
+    auto add = [&](int number) {
+        auto pebble = Pebble::create(number);
+        pebble->whenDestroyed = [&] {
+            counts.push_back(array->count());
+            array->addObject(num(100 + static_cast<int>(array->count())));
+        };
+        array->addObject(pebble);
+    };
+    for (int i = 0; i < 6; ++i) add(i);
+    array->removeObjectAtIndex(0);
+    array->replaceObjectAtIndex_withObject(0, num(1));
+    array->removeObjectsInRange({1, 2});
+    array->setArray(numbers({8, 9}));
+    EXPECT_EQ(counts, (std::vector<NSUInteger>{5, 6, 5, 6, 2, 3}));
+    EXPECT_EQ(listing(array), "8 9 102 103");
+}
+
+TEST(NSMutableArray, RemovingTheLastReferenceToTheObjectAskedForIsSafe) {
+    auto array = NSMutableArray::init();
+    for (int i = 0; i < 3; ++i) array->addObject(Pebble::create(1).autorelease());
+    AutoreleasePool().drain();
+    array->removeObject(array->objectAtIndex(1));
+    EXPECT_EQ(array->count(), 0u);
+}
+
+}  // namespace
+}  // namespace pelvor

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: Apache-2.0
+// Tests of boxed values, of the one null object, and of the sizes of encodings.
+#include "Foundation/NSValue.h"
+
+#include <gtest/gtest.h>
+
+#include "Foundation/NSNull.h"
+#include "Platform/Foundation/Pebble.h"
+#include "Runtime/Message.h"
+
+namespace pelvor {
+namespace {
+
+using testing::num;
+using testing::reasonOf;
+
+struct Cell {
+    NSRange row;
+    NSRange column;
+    friend bool operator==(const Cell&, const Cell&) = default;
+};
+
+class NSValueTest : public ::testing::Test {
+    AutoreleasePool _pool;
+};
+
+TEST_F(NSValueTest, GivesBackWhatWasPutIn) {
+    EXPECT_EQ(NSValue::valueWithRange({3, 4})->rangeValue(), NSMakeRange(3, 4));
+    EXPECT_EQ(NSValue::valueWithPoint({1, 2.5f})->pointValue(), NSMakePoint(1, 2.5f));
+    EXPECT_EQ(NSValue::valueWithSize({1, 2})->sizeValue(), NSMakeSize(1, 2));
+    EXPECT_EQ(NSValue::valueWithRect({{1, 2}, {3, 4}})->rectValue(), NSMakeRect(1, 2, 3, 4));
+    int local = 0;
+    EXPECT_EQ(NSValue::valueWithPointer(&local)->pointerValue(), &local);
+    auto object = NSObject::init();
+    EXPECT_EQ(NSValue::valueWithNonretainedObject(object)->nonretainedObjectValue(), object);
+    EXPECT_EQ(object->retainCount(), 1u);
+    EXPECT_EQ(send<NSRange>(NSValue::valueWithRange({3, 4}), "rangeValue"_sel), NSMakeRange(3, 4));
+}
+
+TEST_F(NSValueTest, TakesAnyPlainStructure) {
+    NSValue* cell = NSValue::of(Cell{{1, 2}, {3, 4}});
+    EXPECT_STREQ(cell->objCType(), "{Cell={_NSRange=II}{_NSRange=II}}");
+    EXPECT_EQ(cell->as<Cell>(), (Cell{{1, 2}, {3, 4}}));
+    char type[] = "{Cell={_NSRange=II}{_NSRange=II}}";
+    Cell content{{1, 2}, {3, 4}};
+    NSValue* same = NSValue::valueWithBytes_objCType(&content, type);
+    type[1] = 'X';
+    EXPECT_TRUE(same->isEqual(cell));
+    EXPECT_EQ(same->hash(), cell->hash());
+    EXPECT_FALSE(same->isEqual(NSValue::of(Cell{{1, 2}, {3, 5}})));
+    EXPECT_EQ(reasonOf(NSInvalidArgumentException, [&] { cell->rangeValue(); }),
+              "a value of type {Cell={_NSRange=II}{_NSRange=II}} cannot be read as {_NSRange=II}");
+    EXPECT_THROW(num(1)->rangeValue(), NSException);
+}
+
+TEST_F(NSValueTest, EqualsByTypeAndBytes) {
+    NSValue* range = NSValue::valueWithRange({1, 2});
+    EXPECT_TRUE(range->isEqualToValue(NSValue::valueWithRange({1, 2})));
+    EXPECT_FALSE(range->isEqual(NSValue::valueWithRange({2, 1})));
+    NSUInteger words[] = {1, 2};
+    EXPECT_FALSE(range->isEqual(NSValue::valueWithBytes_objCType(words, "{Pair=II}")));
+    int one = 1;
+    NSValue* plain = NSValue::valueWithBytes_objCType(&one, "i");
+    EXPECT_FALSE(plain->isEqual(num(1)));
+    EXPECT_FALSE(num(1)->isEqual(plain));
+}
+
+TEST_F(NSValueTest, DescribesItself) {
+    EXPECT_EQ(NSValue::valueWithRange({1, 2})->description()->toUTF8(), "{1, 2}");
+    EXPECT_EQ(NSValue::valueWithPoint({0.1f, -2})->description()->toUTF8(), "{0.1, -2}");
+    EXPECT_EQ(NSValue::valueWithRect({{1, 2}, {3, 4}})->description()->toUTF8(), "{{1, 2}, {3, 4}}");
+    EXPECT_EQ(NSValue::valueWithBytes_objCType("\x01\x02\x03\x04\x05", "[5C]")->description()->toUTF8(),
+              "<01020304 05>");
+}
+
+TEST_F(NSValueTest, KnowsTheSizesOfTypes) {
+    struct Row {
+        const char* type;
+        NSUInteger size, alignment;
+    };
+    for (Row row : std::initializer_list<Row>{{"c", 1, 1},
+                                              {"i", 4, 4},
+                                              {"d", 8, 8},
+                                              {"@", 8, 8},
+                                              {"^{Node}", 8, 8},
+                                              {"^?", 8, 8},
+                                              {"^^i", 8, 8},
+                                              {"r*", 8, 8},
+                                              {"{_NSRange=II}", 8, 4},
+                                              {"{Mixed=cdS}", 24, 8},
+                                              {"[3{Odd=Sc}]", 12, 2},
+                                              {"(Either=dC)", 8, 8}}) {
+        NSUInteger size = 0, alignment = 0;
+        EXPECT_STREQ(NSGetSizeAndAlignment(row.type, &size, &alignment), "") << row.type;
+        EXPECT_EQ(size, row.size) << row.type;
+        EXPECT_EQ(alignment, row.alignment) << row.type;
+    }
+    EXPECT_STREQ(NSGetSizeAndAlignment("{_NSRange=II}@:", nullptr, nullptr), "@:");
+    std::string deep(1000, '^');
+    for (const char* bad :
+         {"", "x", "{Open=i", "[i]", "[3i", "[99999999999d]", "[-1i]", "{a={b}", deep.c_str()})
+        EXPECT_THROW(NSGetSizeAndAlignment(bad, nullptr, nullptr), NSException) << bad;
+    EXPECT_THROW(NSValue::valueWithBytes_objCType("ab", "cc"), NSException);
+}
+
+TEST_F(NSValueTest, ThereIsOneNull) {
+    NSNull* null = NSNull::null();
+    EXPECT_EQ(null, NSNull::null());
+    EXPECT_EQ(null->copy().get(), null);
+    EXPECT_EQ(null->description()->toUTF8(), "<null>");
+    EXPECT_EQ(send<id>(NSNull::classObject(), "null"_sel), null);
+}
+
+}  // namespace
+}  // namespace pelvor

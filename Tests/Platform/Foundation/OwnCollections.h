@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+// Subclasses of Foundation's abstract classes with only the primitives, as a program outside would write
+// them.
+#pragma once
+
+#include <vector>
+
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSNumber.h"
+
+namespace pelvor::testing {
+
+/// The numbers from a start down to 1, which exist only when asked for.
+class Countdown : public NSArray {
+    PELVOR_CLASS(Countdown, NSArray);
+
+  public:
+    static Retained<Countdown> from(NSUInteger start) {
+        auto array = make<Countdown>();
+        array->_start = start;
+        return array;
+    }
+    NSUInteger count() override { return _start; }
+    id objectAtIndex(NSUInteger index) override {
+        return NSNumber::numberWithInt(static_cast<int>(_start - index));
+    }
+
+  private:
+    NSUInteger _start = 0;
+};
+
+/// A mutable array over its own storage.
+class OwnArray : public NSMutableArray {
+    PELVOR_CLASS(OwnArray, NSMutableArray);
+
+  public:
+    NSUInteger count() override { return static_cast<NSUInteger>(_objects.size()); }
+    id objectAtIndex(NSUInteger index) override { return _objects.at(index); }
+    void addObject(id object) override { _objects.push_back(Retained<Object>::retaining(object)); }
+    void insertObject_atIndex(id object, NSUInteger index) override {
+        _objects.insert(_objects.begin() + index, Retained<Object>::retaining(object));
+    }
+    void replaceObjectAtIndex_withObject(NSUInteger index, id object) override {
+        _objects.at(index).set(object);
+    }
+    void removeObjectAtIndex(NSUInteger index) override { _objects.erase(_objects.begin() + index); }
+    void removeObjectsInRange(NSRange range) override {
+        auto first = _objects.begin() + range.location;
+        _objects.erase(first, first + range.length);
+    }
+
+  private:
+    std::vector<Retained<Object>> _objects;
+};
+
+/// An integer that can be changed.
+class Tally : public NSNumber {
+    PELVOR_CLASS(Tally, NSNumber);
+
+  public:
+    int value = 0;
+
+    const char* objCType() override { return "i"; }
+    void getValue(void* buffer) override { std::memcpy(buffer, &value, sizeof value); }
+};
+
+}  // namespace pelvor::testing

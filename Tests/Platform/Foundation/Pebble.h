@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+// Objects for the tests of collections, and short ways to write their contents.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "Foundation/NSArray.h"
+#include "Foundation/NSNumber.h"
+#include "Foundation/NSString.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/NSException.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor::testing {
+
+/// An object that equals those of the same number and hashes as it is told; it can do something when it is
+/// compared, copied or destroyed. A copy is the object itself.
+class Pebble : public NSObject {
+    PELVOR_CLASS(Pebble, NSObject);
+
+  public:
+    static Retained<Pebble> create(int number, std::uintptr_t hash);
+    static Retained<Pebble> create(int number) { return create(number, static_cast<unsigned>(number)); }
+    /// How many exist.
+    static int alive();
+
+    int number() { return _number; }
+    NSComparisonResult compare(Pebble* other);
+    bool isEqual(id other) override;
+    std::uintptr_t hash() override { return _hash; }
+    NSString* description() override;
+    Retained<Object> copyWithZone(void* zone) override;
+
+    std::function<void()> whenCompared, whenCopied, whenDestroyed;
+
+  protected:
+    Pebble();
+    ~Pebble();
+
+  private:
+    int _number = 0;
+    std::uintptr_t _hash = 0;
+};
+
+/// The reason of the exception of that name that `action` raises; else what happened instead.
+std::string reasonOf(const char* name, const std::function<void()>& action);
+
+/// The objects' descriptions with blanks between them.
+template <class Objects>
+std::string listing(const Objects& objects) {
+    AutoreleasePool pool;
+    std::string text;
+    for (id object : objects) text += (text.empty() ? "" : " ") + object->description()->toUTF8();
+    return text;
+}
+
+inline NSNumber* num(int value) { return NSNumber::numberWithInt(value); }
+NSArray* numbers(std::initializer_list<int> values);
+
+}  // namespace pelvor::testing
