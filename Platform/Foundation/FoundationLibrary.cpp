@@ -11,10 +11,14 @@
 #include "Foundation/NSBufferStringPrivate.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSCountedSet.h"
+#include "Foundation/NSExternalDataPrivate.h"
 #include "Foundation/NSInlineStringPrivate.h"
 #include "Foundation/NSMutableData.h"
 #include "Foundation/NSNull.h"
+#include "Foundation/NSPropertyListError.h"
+#include "Foundation/NSPropertyListSerialization.h"
 #include "Foundation/NSString.h"
+#include "Foundation/PropertyListCategoriesPrivate.h"
 #include "Runtime/RuntimeLibrary.h"
 
 namespace pelvor {
@@ -37,6 +41,7 @@ constexpr Class* kClasses[] = {
     &NSDictionary::classRecord,
     &NSDictionaryEnumerator::classRecord,
     &NSEnumerator::classRecord,
+    &NSExternalData::classRecord,
     &NSExternalString::classRecord,
     &NSInlineArray::classRecord,
     &NSInlineData::classRecord,
@@ -52,6 +57,8 @@ constexpr Class* kClasses[] = {
     &NSNumber::classRecord,
     &NSPlainDate::classRecord,
     &NSPlainNumber::classRecord,
+    &NSPropertyListError::classRecord,
+    &NSPropertyListSerialization::classRecord,
     &NSSet::classRecord,
     &NSSetEnumerator::classRecord,
     &NSString::classRecord,
@@ -63,8 +70,14 @@ constexpr Class* kClasses[] = {
 };
 // clang-format on
 
+constexpr const Category* kCategories[] = {
+    &NSArray_PropertyList_category,
+    &NSDictionary_PropertyList_category,
+    &NSString_PropertyList_category,
+};
+
 }  // namespace
 
-constinit Library foundationLibrary{"Foundation", kDependencies, kClasses, {}};
+constinit Library foundationLibrary{"Foundation", kDependencies, kClasses, kCategories};
 
 }  // namespace pelvor

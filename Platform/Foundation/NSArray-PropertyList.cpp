@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSArray-PropertyList.h"
+
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSString.h"
+#include "Foundation/PropertyListCategoriesPrivate.h"
+#include "Foundation/PropertyListFilesPrivate.h"
+
+namespace pelvor {
+
+Retained<NSArray> NSArray_PropertyList::initWithContentsOfFile(NSString* path, Class* cls) {
+    bool isMutable = cls->isSubclassOfClass(NSMutableArray::classObject());
+    auto list =
+        readPropertyListFile(path, isMutable ? NSPropertyListMutableContainers : NSPropertyListImmutable);
+    return Retained<NSArray>::retaining(cast<NSArray>(list));
+}
+
+NSArray* NSArray_PropertyList::arrayWithContentsOfFile(NSString* path, Class* cls) {
+    return initWithContentsOfFile(path, cls).autorelease();
+}
+
+bool writeToFile_atomically(NSArray* array, NSString* path, bool isAtomic) {
+    return writePropertyListFile(array, path, isAtomic);
+}
+
+namespace {
+
+void defineMethods(MethodTable<NSArray>& methods) {
+    methods.classLevel<"arrayWithContentsOfFile:", &NSArray_PropertyList::arrayWithContentsOfFile>();
+    methods.classLevel<"initWithContentsOfFile:", &NSArray_PropertyList::initWithContentsOfFile>();
+    methods.instanceAs<"writeToFile:atomically:",
+                       static_cast<bool (*)(NSArray*, NSString*, bool)>(&writeToFile_atomically)>();
+}
+
+}  // namespace
+
+constinit const Category NSArray_PropertyList_category = Category::of<NSArray, defineMethods>("PropertyList");
+
+}  // namespace pelvor

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSDictionary-PropertyList.h"
+
+#include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSString.h"
+#include "Foundation/PropertyListCategoriesPrivate.h"
+#include "Foundation/PropertyListFilesPrivate.h"
+
+namespace pelvor {
+
+Retained<NSDictionary> NSDictionary_PropertyList::initWithContentsOfFile(NSString* path, Class* cls) {
+    bool isMutable = cls->isSubclassOfClass(NSMutableDictionary::classObject());
+    auto list =
+        readPropertyListFile(path, isMutable ? NSPropertyListMutableContainers : NSPropertyListImmutable);
+    return Retained<NSDictionary>::retaining(cast<NSDictionary>(list));
+}
+
+NSDictionary* NSDictionary_PropertyList::dictionaryWithContentsOfFile(NSString* path, Class* cls) {
+    return initWithContentsOfFile(path, cls).autorelease();
+}
+
+bool writeToFile_atomically(NSDictionary* dictionary, NSString* path, bool isAtomic) {
+    return writePropertyListFile(dictionary, path, isAtomic);
+}
+
+namespace {
+
+void defineMethods(MethodTable<NSDictionary>& methods) {
+    methods.classLevel<"dictionaryWithContentsOfFile:",
+                       &NSDictionary_PropertyList::dictionaryWithContentsOfFile>();
+    methods.classLevel<"initWithContentsOfFile:", &NSDictionary_PropertyList::initWithContentsOfFile>();
+    methods.instanceAs<"writeToFile:atomically:",
+                       static_cast<bool (*)(NSDictionary*, NSString*, bool)>(&writeToFile_atomically)>();
+}
+
+}  // namespace
+
+constinit const Category NSDictionary_PropertyList_category =
+    Category::of<NSDictionary, defineMethods>("PropertyList");
+
+}  // namespace pelvor

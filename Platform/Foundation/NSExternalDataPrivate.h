@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSExternalData: data over memory that was made elsewhere; for Foundation's own sources.
+#pragma once
+
+#include "Foundation/GrowingBytesPrivate.h"
+#include "Foundation/NSData.h"
+
+namespace pelvor {
+
+/// Takes over a writer's buffer instead of copying it.
+class NSExternalData final : public NSData {
+    PELVOR_CLASS(NSExternalData, NSData);
+
+  public:
+    /// Data with the buffer's bytes, at most 4 GiB; the buffer is empty afterwards.
+    static Retained<NSExternalData> create(GrowingBytes& buffer);
+
+    NSUInteger length() override { return _length; }
+    const void* bytes() override { return _bytes; }
+    Retained<Object> copyWithZone(void* zone) override;
+
+  protected:
+    NSExternalData() = default;
+    ~NSExternalData();
+
+  private:
+    char* _bytes = nullptr;
+    NSUInteger _length = 0;
+};
+
+}  // namespace pelvor

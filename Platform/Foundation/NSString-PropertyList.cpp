@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSString-PropertyList.h"
+
+#include "Foundation/NSDictionary.h"
+#include "Foundation/OldStylePropertyListReaderPrivate.h"
+#include "Foundation/PropertyListCategoriesPrivate.h"
+#include "Foundation/PropertyListFaultPrivate.h"
+#include "Foundation/PropertyListReadingPrivate.h"
+#include "Foundation/XMLPropertyListReaderPrivate.h"
+
+namespace pelvor {
+
+id propertyList(NSString* string) {
+    try {
+        std::string utf8 = string->toUTF8();
+        if (propertyListFormatOf(utf8) == NSPropertyListXMLFormat_v1_0)
+            return readXMLPropertyList(utf8, NSPropertyListImmutable, XMLEncoding::utf8).autorelease();
+        return readOldStylePropertyList(StringUnits(string), NSPropertyListImmutable).autorelease();
+    } catch (const PropertyListFault&) {
+        return nullptr;
+    }
+}
+
+NSDictionary* propertyListFromStringsFileFormat(NSString* string) {
+    try {
+        auto list = readOldStylePropertyList(StringUnits(string), NSPropertyListImmutable);
+        if (!cast<NSDictionary>(list)) return nullptr;
+        return static_cast<NSDictionary*>(std::move(list).autorelease());
+    } catch (const PropertyListFault&) {
+        return nullptr;
+    }
+}
+
+namespace {
+
+void defineMethods(MethodTable<NSString>& methods) {
+    methods.instance<"propertyList", &propertyList>();
+    methods.instance<"propertyListFromStringsFileFormat", &propertyListFromStringsFileFormat>();
+}
+
+}  // namespace
+
+constinit const Category NSString_PropertyList_category =
+    Category::of<NSString, defineMethods>("PropertyList");
+
+}  // namespace pelvor

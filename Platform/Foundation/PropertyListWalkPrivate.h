@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+// A walk over the objects of a property list in the order in which they are written; for the writers.
+#pragma once
+
+#include <cstdint>
+
+#include "Foundation/NSString.h"
+
+namespace pelvor {
+
+/// What an object is in a property list.
+enum class PropertyListKind : std::uint8_t { foreign, string, data, date, number, array, dictionary };
+
+/// Told of the objects in their order.
+class PropertyListVisitor {
+  public:
+    virtual void visitLeaf(PropertyListKind kind, Object* object) = 0;
+    virtual void beginArray(NSUInteger count) = 0;
+    virtual void beginDictionary(NSUInteger count) = 0;
+    /// Comes before the key's value.
+    virtual void visitKey(NSString* key) = 0;
+    /// Ends the innermost array or dictionary.
+    virtual void end() = 0;
+
+  protected:
+    ~PropertyListVisitor() = default;
+};
+
+/// Shows the visitor the root and all below it, a dictionary in the order of its keys' units. Throws
+/// PropertyListFault, with the key path, for an object that no property list holds, a key that is no string,
+/// nesting past the limit, and adds the key path to what the visitor throws.
+void walkPropertyList(Object* root, PropertyListVisitor& visitor);
+
+}  // namespace pelvor

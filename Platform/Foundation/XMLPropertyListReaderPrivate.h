@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+// Reads XML property lists; for NSPropertyListSerialization.
+#pragma once
+
+#include <string_view>
+
+#include "Foundation/NSPropertyListSerialization.h"
+
+namespace pelvor {
+
+/// What says in which encoding the bytes are.
+enum class XMLEncoding { declared, utf8 };
+
+/// The list that the document holds. Throws PropertyListFault with line and column for anything else, and for
+/// a document type with declarations in it.
+Retained<Object> readXMLPropertyList(std::string_view bytes, NSPropertyListMutabilityOptions options,
+                                     XMLEncoding encoding = XMLEncoding::declared);
+
+}  // namespace pelvor

@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: Apache-2.0
+// Tests of reading binary property lists made by hand: all widths, and lists that lie about themselves.
+#include <gtest/gtest.h>
+
+#include "Platform/Foundation/PropertyListSamples.h"
+
+namespace pelvor {
+namespace {
+
+using namespace propertylists;
+
+class BinaryPropertyLists : public testing::Test {
+  protected:
+    AutoreleasePool pool;
+};
+
+std::string bigEndian(std::uint64_t value, int size) {
+    std::string bytes;
+    while (size-- > 0) bytes += static_cast<char>(value >> 8 * size);
+    return bytes;
+}
+
+// What the end of a list says of it.
+struct Trailer {
+    int offsetSize = 1;
+    int referenceSize = 1;
+    std::uint64_t count = 0;
+    std::uint64_t top = 0;
+    std::uint64_t table = 0;
+
+    std::string bytes() const {
+        return std::string(6, '\0') + bigEndian(static_cast<unsigned>(offsetSize), 1) +
+               bigEndian(static_cast<unsigned>(referenceSize), 1) + bigEndian(count, 8) + bigEndian(top, 8) +
+               bigEndian(table, 8);
+    }
+};
+
+// A list of the objects' bytes, the first of them the root, with offsets and references of that size.
+std::string listOf(const std::vector<std::string>& objects, int offsetSize = 1, int referenceSize = 1) {
+    std::string bytes = "bplist00", table;
+    for (const std::string& object : objects) {
+        table += bigEndian(bytes.size(), offsetSize);
+        bytes += object;
+    }
+    Trailer trailer{offsetSize, referenceSize, objects.size(), 0, bytes.size()};
+    return bytes + table + trailer.bytes();
+}
+
+using namespace std::string_literals;
+
+TEST_F(BinaryPropertyLists, HoldNumbersOfAllWidths) {
+    const std::pair<std::string, std::string_view> numbers[] = {
+        {"\x10\xFF"s, "255"},
+        {"\x11\xFF\xFF"s, "65535"},
+        {"\x12\xFF\xFF\xFF\xFF"s, "4294967295"},
+        {"\x13" + bigEndian(UINT64_MAX, 8), "-1"},
+        {"\x14" + bigEndian(0, 8) + bigEndian(UINT64_MAX, 8), "18446744073709551615"},
+        {"\x14" + bigEndian(UINT64_MAX, 8) + bigEndian(UINT64_MAX, 8), "-1"},
+        {"\x22\x3F\x80\x00\x00"s, "1"},
+        {"\x23\x3F\xF8\x00\x00\x00\x00\x00\x00"s, "1.5"},
+        {"\x80\x07"s, "7"},
+        {"\x81\x01\x00"s, "256"},
+        {"\x08", "0"},
+        {"\x09", "1"},
+    };
+    for (const auto& [object, value] : numbers) {
+        Reading reading = read(listOf({object}));
+        ASSERT_TRUE(reading.list) << reading.error << " for " << value;
+        EXPECT_EQ(reading.list->description()->toUTF8(), value);
+    }
+}
+
+TEST_F(BinaryPropertyLists, HoldTextDataAndDates) {
+    EXPECT_TRUE(u"ab"_ns->isEqual(read(listOf({"\x52"
+                                               "ab"}))
+                                      .list));
+    EXPECT_TRUE(u"\u00E4\xD83D"_ns->isEqual(read(listOf({"\x62\x00\xE4\xD8\x3D"s})).list));
+    EXPECT_TRUE(sampleData(2)->isEqual(read(listOf({"\x42\x00\x07"s})).list));
+    std::string text(300, 'x');
+    EXPECT_TRUE(NSString::ofUTF8(text)->isEqual(read(listOf({"\x5F\x11\x01\x2C" + text}, 2)).list));
+    id date = read(listOf({"\x33\x40\x4E\x00\x00\x00\x00\x00\x00"s})).list;
+    EXPECT_TRUE(NSDate::dateWithTimeIntervalSinceReferenceDate(60)->isEqual(date));
+}
+
+TEST_F(BinaryPropertyLists, ReferToObjectsByNumbersOfAnySize) {
+    for (int size = 1; size <= 8; ++size) {
+        std::string list =
+            listOf({"\xD1" + bigEndian(1, size) + bigEndian(2, size), "\x51k", "\x51v"}, size, size);
+        Reading reading = read(list);
+        ASSERT_TRUE(reading.list) << reading.error;
+        EXPECT_TRUE(reading.list->isEqual(NSDictionary::of({{u"k"_ns, u"v"_ns}})));
+    }
+}
+
+TEST_F(BinaryPropertyLists, AreRefusedWhenTheirObjectsAreWrong) {
+    const std::pair<std::vector<std::string>, std::string_view> lists[] = {
+        {{"\x00"s}, "at byte 8: an object of an unknown kind"},
+        {{"\x70"}, "at byte 8: an object of an unknown kind"},
+        {{"\xC0"}, "at byte 8: an object of an unknown kind"},
+        {{"\x15" + std::string(32, 'x')}, "at byte 8: a number of an impossible size"},
+        {{"\x14" + std::string(16, 'x')}, "at byte 8: a number that does not fit 64 bits"},
+        {{"\x21" + std::string(2, 'x')}, "at byte 8: a real number of an impossible size"},
+        {{"\x33\x7F\xF0\x00\x00\x00\x00\x00\x00"s}, "at byte 8: a date that is no moment"},
+        {{"\x8F" + std::string(16, 'x')}, "at byte 8: an identifier of an impossible size"},
+        {{"\x13xxx"}, "at byte 8: an object that reaches past the list's end"},
+        {{"\x55xxxx"}, "at byte 8: an object that reaches past the list's end"},
+        {{"\x5F\x13" + bigEndian(UINT64_MAX, 8)}, "at byte 8: an object that reaches past the list's end"},
+        {{"\x6F\x13" + bigEndian(std::uint64_t{1} << 63, 8)},
+         "at byte 8: an object that reaches past the list's end"},
+        {{"\xDF\x13" + bigEndian(std::uint64_t{1} << 63, 8)},
+         "at byte 8: an object that reaches past the list's end"},
+        {{"\x5F\x51x"}, "at byte 9: an object without a length"},
+        {{"\x5F"}, "at byte 9: an object without a length"},
+        {{"\x52\x61\xE4"s}, "at byte 10: a character that is not ASCII"},
+        {{"\xA1\x01"}, "at byte 9: a reference to an object that does not exist"},
+        {{"\xD1\x01\x01", "\x10\x07"}, "at byte 11: a key that is no string"},
+        {{"\xA1\x00"s}, "at byte 8: an array or dictionary that contains itself"},
+        {{"\xA1\x01", "\xD1\x02\x00"s, "\x51k"}, "at byte 8: an array or dictionary that contains itself"},
+    };
+    for (const auto& [objects, reason] : lists) EXPECT_EQ(refusal(listOf(objects)), reason);
+}
+
+TEST_F(BinaryPropertyLists, AreRefusedWhenTheirTrailerIsWrong) {
+    const std::pair<Trailer, std::string_view> trailers[] = {
+        {{0, 1, 1, 0, 9}, "offsets of an impossible size"},
+        {{9, 1, 1, 0, 9}, "offsets of an impossible size"},
+        {{1, 0, 1, 0, 9}, "references of an impossible size"},
+        {{1, 255, 1, 0, 9}, "references of an impossible size"},
+        {{1, 1, 0, 0, 9}, "a root object that does not exist"},
+        {{1, 1, 1, 1, 9}, "a root object that does not exist"},
+        {{1, 1, 2, 0, 9}, "more objects than the list can hold"},
+        {{8, 1, UINT64_MAX / 4, 0, 9}, "more objects than the list can hold"},
+        {{1, 1, 1, 0, 7}, "a table of offsets outside the list"},
+        {{1, 1, 1, 0, 11}, "a table of offsets outside the list"},
+        {{1, 1, 1, 0, UINT64_MAX}, "a table of offsets outside the list"},
+        {{1, 1, 1, 0, 8}, "an object outside the list"},
+    };
+    for (const auto& [trailer, reason] : trailers)
+        EXPECT_TRUE(refusal("bplist00\x09\x08" + trailer.bytes()).ends_with(reason)) << reason;
+    EXPECT_EQ(refusal("bplist15\x09\x08" + Trailer{1, 1, 1, 0, 9}.bytes()),
+              "a binary list of an unknown version");
+    EXPECT_EQ(refusal("bplist00"), "at byte 8: a binary list that is cut off");
+}
+
+// Arrays of two references each to the next one, `depth` of them above a number.
+std::string doublingList(int depth) {
+    std::vector<std::string> objects;
+    for (int i = 1; i <= depth; ++i)
+        objects.push_back("\xA2" + bigEndian(static_cast<unsigned>(i), 1) +
+                          bigEndian(static_cast<unsigned>(i), 1));
+    objects.push_back("\x10\x07");
+    return listOf(objects);
+}
+
+TEST_F(BinaryPropertyLists, MayShareContainersWithinBounds) {
+    auto* shared = cast<NSArray>(read(doublingList(10)).list);
+    ASSERT_TRUE(shared);
+    EXPECT_EQ(shared->objectAtIndex(0), shared->objectAtIndex(1));
+    auto* separate = cast<NSArray>(read(doublingList(10), NSPropertyListMutableContainers).list);
+    ASSERT_TRUE(separate);
+    EXPECT_NE(separate->objectAtIndex(0), separate->objectAtIndex(1));
+    EXPECT_TRUE(separate->isEqual(shared));
+    for (auto options : {NSPropertyListImmutable, NSPropertyListMutableContainers,
+                         NSPropertyListMutableContainersAndLeaves}) {
+        Reading reading = read(doublingList(60), options);
+        ASSERT_TRUE(reading.error);
+        EXPECT_TRUE(reading.error->reason()->isEqual(u"references that repeat too many objects"_ns));
+    }
+}
+
+TEST_F(BinaryPropertyLists, CountTheDepthOfWhatTheyShare) {
+    std::vector<std::string> objects{"\xA2" + bigEndian(1, 2) + bigEndian(511, 2)};
+    for (unsigned i = 2; i <= 511; ++i) objects.push_back("\xA1" + bigEndian(i, 2));
+    objects.push_back("\xA0");
+    ASSERT_EQ(refusal(listOf(objects, 2, 2)), "");
+    // The chain, of 511 arrays, is read first and then found again one array deeper.
+    objects[0] = "\xA2" + bigEndian(1, 2) + bigEndian(512, 2);
+    objects.push_back("\xA1" + bigEndian(1, 2));
+    EXPECT_TRUE(refusal(listOf(objects, 2, 2)).ends_with("nested more than 512 deep"));
+}
+
+TEST_F(BinaryPropertyLists, MayNotStandForMoreBytesThanTheyHave) {
+    // A thousand arrays that are all the same thousand references, each to a string of a thousand bytes.
+    std::string bytes = "bplist00\xAF\x11\x03\xE8";
+    for (unsigned i = 0; i < 1000; ++i) bytes += bigEndian(i + 1, 2);
+    const std::size_t string = bytes.size();
+    bytes += "\x5F\x11\x03\xE8" + std::string(1000, 'x');
+    Trailer trailer{2, 2, 1001, 0, bytes.size()};
+    std::string table = bigEndian(8, 2);
+    for (int i = 0; i < 1000; ++i) table += bigEndian(string, 2);
+    EXPECT_TRUE(refusal(bytes + table + trailer.bytes()).ends_with("objects that lie over each other"));
+}
+
+TEST_F(BinaryPropertyLists, MakeLongStringsAgainOnlySoOften) {
+    std::string references = repeated("\x01", 2000);
+    std::string text(100'000, 'x');
+    std::string list =
+        listOf({"\xAF\x11\x07\xD0" + references, "\x5F\x12" + bigEndian(text.size(), 4) + text}, 4);
+    EXPECT_TRUE(read(list).list);
+    Reading reading = read(list, NSPropertyListMutableContainersAndLeaves);
+    EXPECT_FALSE(reading.list);
+}
+
+}  // namespace
+}  // namespace pelvor

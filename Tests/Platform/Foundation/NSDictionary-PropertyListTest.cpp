@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: Apache-2.0
+// Tests of dictionaries and arrays to and from files.
+#include "Foundation/NSDictionary-PropertyList.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "Foundation/NSArray-PropertyList.h"
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSNull.h"
+#include "Platform/Foundation/PropertyListSamples.h"
+#include "Runtime/Message.h"
+
+namespace pelvor {
+namespace {
+
+using namespace propertylists;
+
+class PropertyListFiles : public testing::Test {
+  protected:
+    PropertyListFiles() {
+        char name[] = "/tmp/pelvor-lists-XXXXXX";
+        folder = mkdtemp(name);
+    }
+    ~PropertyListFiles() override { std::filesystem::remove_all(folder); }
+
+    NSString* path(const char* name) { return NSString::ofUTF8((folder / name).string()); }
+    NSString* file(const char* name, std::string_view content) {
+        std::ofstream(folder / name, std::ios::binary) << content;
+        return path(name);
+    }
+
+    AutoreleasePool pool;
+    std::filesystem::path folder;
+};
+
+TEST_F(PropertyListFiles, AreReadInEveryFormat) {
+    id list = NSDictionary::of({{u"a"_ns, u"b"_ns}});
+    for (const std::string& content :
+         {written(list), written(list, NSPropertyListBinaryFormat_v1_0), std::string("a = b;")})
+        EXPECT_TRUE(
+            list->isEqual(NSDictionary_PropertyList::dictionaryWithContentsOfFile(file("x", content))));
+    EXPECT_TRUE(
+        NSArray::of({u"a"_ns})->isEqual(NSArray_PropertyList::arrayWithContentsOfFile(file("x", "(a)"))));
+}
+
+TEST_F(PropertyListFiles, ThatAreMissingDamagedOrOfAnotherKindGiveNone) {
+    for (NSString* name :
+         {path("none"), path(""), file("damaged", "{ a = "), file("empty", ""), file("other", "text")}) {
+        EXPECT_FALSE(NSDictionary_PropertyList::dictionaryWithContentsOfFile(name)) << name;
+        EXPECT_FALSE(NSArray_PropertyList::arrayWithContentsOfFile(name)) << name;
+    }
+    EXPECT_FALSE(NSDictionary_PropertyList::initWithContentsOfFile(file("array", "(a)")));
+    EXPECT_FALSE(NSArray_PropertyList::initWithContentsOfFile(file("dictionary", "{}")));
+    EXPECT_FALSE(NSDictionary_PropertyList::initWithContentsOfFile(nullptr));
+}
+
+TEST_F(PropertyListFiles, GiveMutableClassesMutableLists) {
+    NSString* name = file("x", "{ a = (b); }");
+    auto* dictionary =
+        send<NSDictionary*>(NSMutableDictionary::classObject(), "dictionaryWithContentsOfFile:"_sel, name);
+    ASSERT_TRUE(cast<NSMutableDictionary>(dictionary));
+    EXPECT_TRUE(cast<NSMutableArray>(dictionary->objectForKey(u"a"_ns)));
+    auto* immutable =
+        send<NSDictionary*>(NSDictionary::classObject(), "dictionaryWithContentsOfFile:"_sel, name);
+    EXPECT_FALSE(cast<NSMutableDictionary>(immutable));
+}
+
+TEST_F(PropertyListFiles, AreWrittenAsAWholeOrNotAtAll) {
+    NSDictionary* list = richList();
+    EXPECT_TRUE(writeToFile_atomically(list, path("list"), true));
+    EXPECT_TRUE(list->isEqual(NSDictionary_PropertyList::dictionaryWithContentsOfFile(path("list"))));
+    EXPECT_FALSE(writeToFile_atomically(NSDictionary::of({{u"a"_ns, NSNull::null()}}), path("list"), true));
+    EXPECT_TRUE(list->isEqual(NSDictionary_PropertyList::dictionaryWithContentsOfFile(path("list"))));
+    EXPECT_FALSE(writeToFile_atomically(list, path("no/list"), true));
+    EXPECT_TRUE(send<bool>(NSArray::of({u"a"_ns}), "writeToFile:atomically:"_sel, path("list"), false));
+    EXPECT_TRUE(NSArray_PropertyList::arrayWithContentsOfFile(path("list")));
+}
+
+}  // namespace
+}  // namespace pelvor
