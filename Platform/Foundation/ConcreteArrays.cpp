@@ -60,18 +60,18 @@ void ObjectBuffer::reserve(NSUInteger capacity) {
     if (capacity > _capacity - _head) relocate(std::max(capacity, _count), _count, 0);
 }
 
-// Moves the shorter side where there is room for it.
+// Moves the shorter side, and makes room when there is none on that side: moving the longer one each time
+// would make a queue slow.
 void ObjectBuffer::openGap(NSUInteger index, NSUInteger added) {
     NSUInteger tail = _count - index;
-    bool fitsBefore = _head >= added;
-    bool fitsAfter = _capacity - _head - _count >= added;
-    if (fitsBefore && (!fitsAfter || index < tail)) {
+    bool movesFront = index < tail;
+    if (movesFront ? _head < added : _capacity - _head - _count < added) {
+        growAround(index, added);
+    } else if (movesFront) {
         movePointers(begin() - added, begin(), index);
         _head -= added;
-    } else if (fitsAfter) {
-        movePointers(begin() + index + added, begin() + index, tail);
     } else {
-        growAround(index, added);
+        movePointers(begin() + index + added, begin() + index, tail);
     }
     _count += added;
 }

@@ -6,6 +6,8 @@
 
 #include <random>
 
+#include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSMutableSet.h"
 #include "Platform/Foundation/OwnCollections.h"
 #include "Platform/Foundation/Pebble.h"
 
@@ -131,6 +133,23 @@ TEST(NSMutableArray, DoesWhatAVectorDoes) {
             ASSERT_EQ(array->count(), model.size());
             ASSERT_TRUE(std::equal(model.begin(), model.end(), array->contiguousObjects())) << step;
         }
+    }
+}
+
+TEST(NSMutableArray, ACapacityIsOnlyAHint) {
+    AutoreleasePool pool;
+    for (NSUInteger capacity : {0u, 3u, 100u, 0xFFFFFFFFu}) {
+        auto array = NSMutableArray::initWithCapacity(capacity);
+        auto set = NSMutableSet::initWithCapacity(capacity);
+        auto dictionary = NSMutableDictionary::initWithCapacity(capacity);
+        for (int i = 0; i < 200; ++i) {
+            array->insertObject_atIndex(num(i), 0);
+            set->addObject(num(i));
+            dictionary->setObject_forKey(num(-i), num(i));
+        }
+        EXPECT_EQ(array->objectAtIndex(199), num(0));
+        EXPECT_TRUE(set->isEqualToSet(NSSet::setWithArray(array)));
+        EXPECT_EQ(dictionary->objectForKey(num(150)), dictionary->allValues()->objectAtIndex(150));
     }
 }
 
