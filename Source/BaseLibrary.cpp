@@ -15,10 +15,8 @@ constexpr Library* kDependencies[] = {&foundationLibrary};
 
 // Alphabetical; a superclass is registered before its subclasses wherever it stands.
 constexpr Class* kClasses[] = {
-    &PBMutableIntNumber::classRecord,
-    &PBMutableNumber::classRecord,
-    &PBPostLoader::classRecord,
-    &PBUniqueObject::classRecord,
+    &PBMutableIntNumber::classRecord, &PBMutableNumber::classRecord, &PBPostLoader::classRecord,
+    &PBUniqueObject::classRecord,     &PBUtil_Dummy::classRecord,
 };
 
 constexpr const Category* kCategories[] = {

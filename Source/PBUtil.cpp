@@ -6,6 +6,8 @@
 #include <ctime>
 #include <utility>
 
+#include "BaseLibrary.h"
+#include "Foundation/NSCharacterSet.h"
 #include "Foundation/PlatformVersion.h"
 #include "Foundation/SystemVersion.h"
 #include "Runtime/NSException.h"
@@ -24,6 +26,11 @@ int seededRandom() {
     return static_cast<int>(random());
 }
 
+// A set of the characters of a UTF-8 text, for good.
+NSCharacterSet* keptSetOf(const char* text) {
+    return NSCharacterSet::initWithCharactersInString(NSString::stringWithUTF8String(text)).leak();
+}
+
 void defineDebugMenus(MethodTable<NSObject>& methods) {
     methods.instance<"PBAddDebugMenuItemWithTitle:action:", &PBAddDebugMenuItemWithTitle_action>();
 }
@@ -32,6 +39,29 @@ void defineDebugMenus(MethodTable<NSObject>& methods) {
 
 constinit const Category NSObject_PelvorDebugMenus_category =
     Category::of<NSObject, defineDebugMenus>("PelvorDebugMenus");
+
+// MARK: Shared character sets
+
+NSCharacterSet* _pbLettersCharacterSet = nullptr;
+NSCharacterSet* _pbWhitespaceCharacterSet = nullptr;
+NSCharacterSet* _pbDecimalDigitCharacterSet = nullptr;
+NSCharacterSet* _pbMoneyCharacterSet = nullptr;
+NSCharacterSet* _pbDoubleQuotesCharacterSet = nullptr;
+NSCharacterSet* _pbSingleQuotesCharacterSet = nullptr;
+
+PELVOR_DEFINE_CLASS(PBUtil_Dummy, baseLibrary) {
+    methods.classLevel<"load", &PBUtil_Dummy::load>();
+    methods.classLevel<"didLoad", &PBUtil_Dummy::didLoad>();
+}
+
+void PBUtil_Dummy::didLoad() {
+    _pbLettersCharacterSet = NSCharacterSet::letterCharacterSet();
+    _pbWhitespaceCharacterSet = NSCharacterSet::whitespaceAndNewlineCharacterSet();
+    _pbDecimalDigitCharacterSet = NSCharacterSet::decimalDigitCharacterSet();
+    _pbMoneyCharacterSet = keptSetOf("$\u20AC\u00A3\u00A5");
+    _pbDoubleQuotesCharacterSet = keptSetOf("\"\u201C\u201D\u00AB\u00BB");
+    _pbSingleQuotesCharacterSet = keptSetOf("'\u2018\u2019");
+}
 
 // MARK: Method replacement
 

@@ -11,6 +11,30 @@ struct Category;
 class NSBundle;
 class NSCharacterSet;
 
+// The shared character sets. None before the load-time sequence has sent `didLoad` to PBUtil_Dummy: hooks
+// of the posing phase cannot use them. Immutable, and there until the process ends.
+
+extern PELVOR_EXPORT NSCharacterSet* _pbLettersCharacterSet;
+extern PELVOR_EXPORT NSCharacterSet* _pbWhitespaceCharacterSet;  ///< line ends included
+extern PELVOR_EXPORT NSCharacterSet* _pbDecimalDigitCharacterSet;
+extern PELVOR_EXPORT NSCharacterSet* _pbMoneyCharacterSet;         ///< dollar, euro, pound and yen signs
+extern PELVOR_EXPORT NSCharacterSet* _pbDoubleQuotesCharacterSet;  ///< straight, curly and angle quotes
+extern PELVOR_EXPORT NSCharacterSet* _pbSingleQuotesCharacterSet;  ///< straight and curly quotes
+
+/// Makes the shared character sets. It has no instances of interest.
+class PELVOR_EXPORT PBUtil_Dummy : public NSObject {
+    PELVOR_CLASS(PBUtil_Dummy, NSObject);
+
+  public:
+    static void load() {}
+    /// A hook of the load-time sequence.
+    static void didLoad();
+
+  protected:
+    PBUtil_Dummy() = default;
+    ~PBUtil_Dummy() = default;
+};
+
 // Method replacement. `aClass` is the class whose instances' methods change; for class operations it is
 // a metaclass. To call the old behaviour from a replacement, register it under a second selector first:
 //

@@ -3,9 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include "Foundation/NSCharacterSet.h"
 #include "Foundation/PlatformVersion.h"
 #include "Foundation/SystemVersion.h"
 #include "HookedClasses.h"
+#include "PBPostLoader.h"
 
 namespace pelvor::testing {
 namespace {
@@ -170,6 +172,32 @@ TEST(FeedbackController, IsRetainedOnce) {
     PBSetSharedFeedbackController(nullptr);
     EXPECT_EQ(PBSharedFeedbackController(), nullptr);
     EXPECT_EQ(controller->retainCount(), 1u);
+}
+
+// MARK: Shared character sets
+
+int memberCount(NSCharacterSet* set) {
+    int count = 0;
+    for (unsigned unit = 0; unit < 0x10000; ++unit)
+        count += set->characterIsMember(static_cast<unichar>(unit));
+    return count;
+}
+
+TEST(SharedCharacterSets, AreMadeByTheLoadTimeSequence) {
+    PBPostLoader::processClasses();
+    EXPECT_EQ(_pbLettersCharacterSet, NSCharacterSet::letterCharacterSet());
+    EXPECT_EQ(_pbWhitespaceCharacterSet, NSCharacterSet::whitespaceAndNewlineCharacterSet());
+    EXPECT_EQ(_pbDecimalDigitCharacterSet, NSCharacterSet::decimalDigitCharacterSet());
+    struct {
+        NSCharacterSet* set;
+        std::u16string_view members;
+    } const cases[] = {{_pbMoneyCharacterSet, u"\x24\x20AC\xA3\xA5"},
+                       {_pbDoubleQuotesCharacterSet, u"\x22\x201C\x201D\xAB\xBB"},
+                       {_pbSingleQuotesCharacterSet, u"\x27\x2018\x2019"}};
+    for (auto [set, members] : cases) {
+        for (unichar member : members) EXPECT_TRUE(set->characterIsMember(member)) << int(member);
+        EXPECT_EQ(memberCount(set), static_cast<int>(members.size()));
+    }
 }
 
 // MARK: Abstract methods
