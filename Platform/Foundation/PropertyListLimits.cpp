@@ -6,13 +6,18 @@
 namespace pelvor {
 
 namespace {
-constinit std::atomic<PropertyListLimits> limitsInForce{PropertyListLimits{}};
+constinit std::atomic<std::uint32_t> maximumDepth{PropertyListLimits{}.maximumDepth};
+constinit std::atomic<std::uint32_t> maximumSharedObjects{PropertyListLimits{}.maximumSharedObjects};
+}  // namespace
+
+PropertyListLimits propertyListLimits() {
+    return {maximumDepth.load(std::memory_order_relaxed),
+            maximumSharedObjects.load(std::memory_order_relaxed)};
 }
 
-PropertyListLimits propertyListLimits() { return limitsInForce.load(std::memory_order_relaxed); }
-
 void setPropertyListLimits(PropertyListLimits limits) {
-    limitsInForce.store(limits, std::memory_order_relaxed);
+    maximumDepth.store(limits.maximumDepth, std::memory_order_relaxed);
+    maximumSharedObjects.store(limits.maximumSharedObjects, std::memory_order_relaxed);
 }
 
 }  // namespace pelvor
