@@ -10,14 +10,20 @@
 #include "Foundation/ConcreteValuesPrivate.h"
 #include "Foundation/NSBufferStringPrivate.h"
 #include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSConditionLock.h"
 #include "Foundation/NSCountedSet.h"
 #include "Foundation/NSExternalDataPrivate.h"
 #include "Foundation/NSInlineStringPrivate.h"
+#include "Foundation/NSLock.h"
 #include "Foundation/NSMutableData.h"
+#include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSNull.h"
+#include "Foundation/NSProcessInfo.h"
 #include "Foundation/NSPropertyListError.h"
 #include "Foundation/NSPropertyListSerialization.h"
+#include "Foundation/NSRecursiveLock.h"
 #include "Foundation/NSString.h"
+#include "Foundation/NSThread.h"
 #include "Foundation/PropertyListCategoriesPrivate.h"
 #include "Runtime/RuntimeLibrary.h"
 
@@ -34,6 +40,7 @@ constexpr Class* kClasses[] = {
     &NSBufferArray::classRecord,
     &NSBufferString::classRecord,
     &NSCharacterSet::classRecord,
+    &NSConditionLock::classRecord,
     &NSConstantString::classRecord,
     &NSCountedSet::classRecord,
     &NSData::classRecord,
@@ -47,18 +54,23 @@ constexpr Class* kClasses[] = {
     &NSInlineData::classRecord,
     &NSInlineString::classRecord,
     &NSInlineValue::classRecord,
+    &NSLock::classRecord,
     &NSMutableArray::classRecord,
     &NSMutableCharacterSet::classRecord,
     &NSMutableData::classRecord,
     &NSMutableDictionary::classRecord,
     &NSMutableSet::classRecord,
     &NSMutableString::classRecord,
+    &NSNotification::classRecord,
+    &NSNotificationCenter::classRecord,
     &NSNull::classRecord,
     &NSNumber::classRecord,
     &NSPlainDate::classRecord,
     &NSPlainNumber::classRecord,
+    &NSProcessInfo::classRecord,
     &NSPropertyListError::classRecord,
     &NSPropertyListSerialization::classRecord,
+    &NSRecursiveLock::classRecord,
     &NSSet::classRecord,
     &NSSetEnumerator::classRecord,
     &NSString::classRecord,
@@ -66,6 +78,7 @@ constexpr Class* kClasses[] = {
     &NSTableMutableDictionary::classRecord,
     &NSTableMutableSet::classRecord,
     &NSTableSet::classRecord,
+    &NSThread::classRecord,
     &NSValue::classRecord,
 };
 // clang-format on

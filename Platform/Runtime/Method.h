@@ -134,6 +134,30 @@ constexpr Class* receiverRecord() {
         return &C::classRecord;
 }
 
+// Whether an argument is seen at a glance to be what the method takes: none, or of exactly its class. Of an
+// abstract class it never is.
+template <class T>
+inline constexpr bool hasQuickCheck = false;
+template <ObjectPointer T>
+inline constexpr bool hasQuickCheck<T> =
+    !std::is_same_v<T, Object*> && !std::is_abstract_v<std::remove_pointer_t<T>>;
+
+template <class T>
+bool passesQuickCheck(Wire<T> value) {
+    if constexpr (hasQuickCheck<T>)
+        return !value || value->isa() == std::remove_pointer_t<T>::classObject();
+    else
+        return !ObjectPointer<T> || std::is_same_v<T, Object*>;
+}
+
+template <class T>
+T uncheckedFromWire(Wire<T> value) {
+    if constexpr (ObjectPointer<T>)
+        return static_cast<T>(value);
+    else
+        return argumentFromWire<T>(value, nullptr, SEL());
+}
+
 template <auto Function, class Arguments>
 struct MemberThunk;
 template <auto Function, class... A>
@@ -143,11 +167,23 @@ struct MemberThunk<Function, TypeList<A...>> {
     using C = typename Types::Receiver;
 
     static Wire<R> call(Object* self, SEL selector, Wire<A>... arguments) {
+        if constexpr ((hasQuickCheck<A> || ...)) {
+            if (!(passesQuickCheck<A>(arguments) && ...)) [[unlikely]]
+                return callChecked(self, selector, arguments...);
+            return callWith(self, uncheckedFromWire<A>(arguments)...);
+        } else {
+            return callWith(self, argumentFromWire<A>(arguments, self, selector)...);
+        }
+    }
+    // Apart, so that the quick road saves no registers.
+    [[gnu::noinline]] static Wire<R> callChecked(Object* self, SEL selector, Wire<A>... arguments) {
+        return callWith(self, argumentFromWire<A>(arguments, self, selector)...);
+    }
+    static Wire<R> callWith(Object* self, A... arguments) {
         if constexpr (std::is_void_v<R>)
-            (static_cast<C*>(self)->*Function)(argumentFromWire<A>(arguments, self, selector)...);
+            (static_cast<C*>(self)->*Function)(arguments...);
         else
-            return resultToWire(
-                (static_cast<C*>(self)->*Function)(argumentFromWire<A>(arguments, self, selector)...));
+            return resultToWire((static_cast<C*>(self)->*Function)(arguments...));
     }
     static IMP implementation() {
         return {reinterpret_cast<void (*)()>(&call), &SignatureFor<R, A...>::object, receiverRecord<C>()};

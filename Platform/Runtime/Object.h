@@ -86,10 +86,8 @@ class PELVOR_EXPORT Object {
     void setOverridesRelease() noexcept { _flags.fetch_or(kOverridesRelease, std::memory_order_relaxed); }
     virtual void overriddenRelease() noexcept { releaseReference(); }
     void releaseReference() noexcept {
-        if (_retainCount.fetch_sub(1, std::memory_order_release) == 1) {
-            std::atomic_thread_fence(std::memory_order_acquire);
-            destroy();
-        }
+        // Not a release with a fence before `destroy`: the thread sanitizer does not know fences.
+        if (_retainCount.fetch_sub(1, std::memory_order_acq_rel) == 1) destroy();
     }
 
     /// The count of objects that live as long as the process; balanced use never brings it near 0.

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSLock.h"
+
+#include "Foundation/DeadlinePrivate.h"
+#include "Foundation/FoundationLibrary.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(NSLock, foundationLibrary) {
+    methods.classLevel<"init", &NSLock::init>();
+    methods.instance<"lock", &NSLock::lock>();
+    methods.instance<"tryLock", &NSLock::tryLock>();
+    methods.instance<"lockBeforeDate:", &NSLock::lockBeforeDate>();
+    methods.instance<"unlock", &NSLock::unlock>();
+}
+
+Retained<NSLock> NSLock::init(Class* cls) { return make<NSLock>(cls); }
+
+bool NSLock::lockBeforeDate(NSDate* date) { return _mutex.try_lock_until(deadline(date)); }
+
+}  // namespace pelvor

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: Apache-2.0
+// ObserverTable: who is to be told what by a notification centre; for the centre's own source.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+#include <vector>
+
+#include "Foundation/LiteralTablePrivate.h"
+#include "Foundation/NSNotification.h"
+#include "Foundation/ReadScopePrivate.h"
+
+namespace pelvor {
+
+/// One registration. `observer` becomes none when it is removed; lists that still hold it skip it.
+struct Registration {
+    std::atomic<Object*> observer;
+    SEL selector;
+    std::uint64_t serial;  ///< the order of registration in the centre
+};
+
+/// Registrations in their order. Grows at its end while others read it; is replaced for everything else.
+struct ObserverList {
+    explicit ObserverList(std::uint32_t newCapacity)
+        : capacity(newCapacity), entries(std::make_unique<std::shared_ptr<Registration>[]>(newCapacity)) {}
+
+    std::atomic<std::uint32_t> count{0};
+    const std::uint32_t capacity;
+    const std::unique_ptr<std::shared_ptr<Registration>[]> entries;
+};
+
+/// The registrations of one name and one sender, either of which may be "any". Changed under the table's
+/// lock.
+class ObserverSequence {
+  public:
+    ObserverSequence() = default;
+    ~ObserverSequence() { replace(nullptr); }
+    ObserverSequence(const ObserverSequence&) = delete;
+    ObserverSequence& operator=(const ObserverSequence&) = delete;
+
+    /// None when there is no registration.
+    const std::atomic<ObserverList*>& list() const { return _list; }
+    bool isEmpty() const { return !_list.load(std::memory_order_relaxed); }
+
+    void append(std::shared_ptr<Registration> registration);
+    /// One of the registrations has lost its observer.
+    void noteRemoval();
+
+  private:
+    void replace(ObserverList* list);
+    void rebuild(std::uint32_t capacity);
+
+    std::atomic<ObserverList*> _list{nullptr};
+    std::uint32_t _removed = 0;
+};
+
+/// The sequences of one name, or of any name.
+struct NameRecord {
+    Retained<NSString> name;
+    bool isLiteral = false;  ///< posts of it find the record without the lock, so it stays
+    ObserverSequence ofAnySender;
+    std::unordered_map<Object*, ObserverSequence> bySender;
+    std::atomic<bool> hasSenders{false};
+
+    ObserverSequence& sequence(Object* sender) { return sender ? bySender[sender] : ofAnySender; }
+    void prune(Object* sender);
+    bool isEmpty() const { return ofAnySender.isEmpty() && bySender.empty(); }
+};
+
+/// What a centre knows. Any thread; must not be destroyed during a delivery.
+class ObserverTable {
+  public:
+    class Audience;
+
+    ObserverTable();
+    ~ObserverTable();
+
+    void add(Object* observer, SEL selector, NSString* name, Object* sender);
+    /// None as name or sender stands for any, also for none as the observer asked.
+    void remove(Object* observer, NSString* name, Object* sender);
+
+  private:
+    struct Hash {
+        std::size_t operator()(NSString* name) const { return name->hash(); }
+    };
+    struct Equal {
+        bool operator()(NSString* a, NSString* b) const { return a->isEqualToString(b); }
+    };
+    // What was registered for an observer.
+    struct Place {
+        std::shared_ptr<Registration> registration;
+        NameRecord* record;
+        Object* sender;
+    };
+
+    NameRecord* ensureRecord(NSString* name);
+    NameRecord* recordForPost(NSString* name);
+    void prune(NameRecord* record, Object* sender);
+
+    std::mutex _mutex;
+    LiteralTable<NameRecord> _literals;
+    std::unordered_map<NSString*, std::unique_ptr<NameRecord>, Hash, Equal> _records;
+    NameRecord _anyName;
+    std::atomic<bool> _hasAnyName{false};
+    std::unordered_map<Object*, std::vector<Place>> _places;
+    std::uint64_t _lastSerial = 0;
+};
+
+/// The registrations that one notification is for, as they were when this was made.
+class ObserverTable::Audience {
+  public:
+    Audience(ObserverTable& table, NSString* name, Object* sender);
+
+    bool isEmpty() const { return _count == 0; }
+    /// Sends the notification to those that have not been removed since.
+    void send(NSNotification* notification);
+
+  private:
+    void gather(ObserverTable& table, NSString* name, Object* sender);
+    void gather(const NameRecord& record, Object* sender);
+    void take(const ObserverList* list);
+    void merge();
+
+    ReadScope _scope;
+    std::uint32_t _count = 0;
+    const std::shared_ptr<Registration>* _entries = nullptr;
+    // Of more than one list, merged.
+    std::vector<std::shared_ptr<Registration>> _merged;
+};
+
+}  // namespace pelvor

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSLock.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+#include "Foundation/NSConditionLock.h"
+#include "Foundation/NSDate.h"
+#include "Foundation/NSRecursiveLock.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/Message.h"
+
+namespace pelvor::testing {
+namespace {
+
+std::vector<Retained<NSObject>> locksOfAllKinds() {
+    return {NSLock::init(), NSRecursiveLock::init(), NSConditionLock::initWithCondition(0)};
+}
+
+template <class Call>
+auto onAnotherThread(Call call) {
+    decltype(call()) result;
+    std::thread([&] { result = call(); }).join();
+    return result;
+}
+
+TEST(NSLockTest, LocksOfAllKindsKeepThreadsApart) {
+    for (auto& lock : locksOfAllKinds()) {
+        int count = 0;
+        std::vector<std::thread> threads;
+        for (int t = 0; t < 4; ++t)
+            threads.emplace_back([&] {
+                for (int i = 0; i < 500; ++i) {
+                    send(lock, "lock"_sel);
+                    ++count;
+                    send(lock, "unlock"_sel);
+                }
+            });
+        for (auto& thread : threads) thread.join();
+        EXPECT_EQ(count, 2000) << lock->isa()->name();
+    }
+}
+
+TEST(NSLockTest, ALockThatAnotherThreadHoldsIsNotTaken) {
+    AutoreleasePool pool;
+    NSDate* past = NSDate::distantPast();
+    for (auto& lock : locksOfAllKinds()) {
+        ASSERT_TRUE(send<bool>(lock, "tryLock"_sel));
+        EXPECT_FALSE(onAnotherThread([&] { return send<bool>(lock, "tryLock"_sel); }));
+        EXPECT_FALSE(onAnotherThread([&] { return send<bool>(lock, "lockBeforeDate:"_sel, past); }));
+        send(lock, "unlock"_sel);
+        EXPECT_TRUE(onAnotherThread([&] {
+            bool isTaken = send<bool>(lock, "lockBeforeDate:"_sel, NSDate::distantFuture());
+            send(lock, "unlock"_sel);
+            return isTaken;
+        }));
+    }
+}
+
+TEST(NSLockTest, OnlyARecursiveLockIsTakenTwice) {
+    auto lock = NSRecursiveLock::init();
+    lock->lock();
+    EXPECT_TRUE(lock->tryLock());
+    lock->unlock();
+    EXPECT_FALSE(onAnotherThread([&] { return lock->tryLock(); }));
+    lock->unlock();
+
+    auto conditional = NSConditionLock::initWithCondition(0);
+    conditional->lock();
+    EXPECT_FALSE(conditional->tryLock());
+    conditional->unlock();
+}
+
+TEST(NSLockTest, AConditionHandsTheLockFromOneThreadToTheOther) {
+    enum { empty, full };
+    auto lock = NSConditionLock::initWithCondition(empty);
+    int box = 0, sum = 0;
+    std::thread producer([&] {
+        for (int i = 1; i <= 100; ++i) {
+            lock->lockWhenCondition(empty);
+            box = i;
+            lock->unlockWithCondition(full);
+        }
+    });
+    for (int i = 1; i <= 100; ++i) {
+        lock->lockWhenCondition(full);
+        sum += box;
+        lock->unlockWithCondition(empty);
+    }
+    producer.join();
+    EXPECT_EQ(sum, 5050);
+    EXPECT_EQ(lock->condition(), empty);
+}
+
+TEST(NSLockTest, ALockUnderAnotherConditionIsNotTaken) {
+    AutoreleasePool pool;
+    auto lock = NSConditionLock::initWithCondition(1);
+    EXPECT_FALSE(lock->tryLockWhenCondition(2));
+    EXPECT_FALSE(lock->lockWhenCondition_beforeDate(2, NSDate::date()));
+    ASSERT_TRUE(lock->lockWhenCondition_beforeDate(1, NSDate::distantFuture()));
+    EXPECT_FALSE(lock->tryLockWhenCondition(1));
+    lock->unlock();
+    EXPECT_TRUE(lock->tryLockWhenCondition(1));
+    lock->unlockWithCondition(2);
+    EXPECT_EQ(lock->condition(), 2);
+}
+
+}  // namespace
+}  // namespace pelvor::testing
