@@ -9,6 +9,7 @@
 #include "Foundation/NSData.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSPropertyListSerialization.h"
 #include "Foundation/NSSet.h"
 #include "Platform/Foundation/Pebble.h"
 
@@ -40,6 +41,22 @@ TEST(CollectionDescription, IsAnOldStylePropertyList) {
     (
     )
 ))");
+}
+
+TEST(CollectionDescription, IsReadBackAsTheSameList) {
+    AutoreleasePool pool;
+    auto units = NSMutableArray::init();
+    for (unsigned unit = 1; unit < 0x180; ++unit)
+        units->addObject(NSString::of(std::u16string(1, static_cast<unichar>(unit))));
+    NSDictionary* list = NSDictionary::of({{u"units"_ns, units},
+                                           {u"a // comment \"?"_ns, u"/* none */"_ns},
+                                           {u"data"_ns, NSData::dataWithBytes_length("12345", 5)},
+                                           {u"empty"_ns, NSArray::of({NSArray::array(), u""_ns})}});
+    std::string text = list->description()->toUTF8();
+    NSData* data = NSData::dataWithBytes_length(text.data(), static_cast<NSUInteger>(text.size()));
+    id read = NSPropertyListSerialization::propertyListWithData_options_format_error(
+        data, NSPropertyListImmutable, nullptr, nullptr);
+    EXPECT_TRUE(list->isEqual(read)) << read;
 }
 
 TEST(CollectionDescription, EndsForACollectionInsideItself) {
