@@ -18,6 +18,7 @@
 #include "Foundation/NSMutableData.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSNull.h"
+#include "Foundation/NSPathStore2.h"
 #include "Foundation/NSProcessInfo.h"
 #include "Foundation/NSPropertyListError.h"
 #include "Foundation/NSPropertyListSerialization.h"
@@ -65,6 +66,7 @@ constexpr Class* kClasses[] = {
     &NSNotificationCenter::classRecord,
     &NSNull::classRecord,
     &NSNumber::classRecord,
+    &NSPathStore2::classRecord,
     &NSPlainDate::classRecord,
     &NSPlainNumber::classRecord,
     &NSProcessInfo::classRecord,

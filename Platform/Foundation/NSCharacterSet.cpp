@@ -9,6 +9,7 @@
 #include "Foundation/CanonicalTextPrivate.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSInlineStringPrivate.h"
+#include "Foundation/NSMutableData.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {
@@ -35,12 +36,16 @@ PELVOR_DEFINE_CLASS(NSCharacterSet, foundationLibrary) {
     methods.classLevel<"characterSetWithRange:", &NSCharacterSet::characterSetWithRange>();
     methods.classLevel<"initWithCharactersInString:", &NSCharacterSet::initWithCharactersInString>();
     methods.classLevel<"initWithRange:", &NSCharacterSet::initWithRange>();
+    methods.classLevel<"characterSetWithBitmapRepresentation:",
+                       &NSCharacterSet::characterSetWithBitmapRepresentation>();
+    methods.classLevel<"initWithBitmapRepresentation:", &NSCharacterSet::initWithBitmapRepresentation>();
 
     methods.instance<"characterIsMember:", &NSCharacterSet::characterIsMember>();
     methods.instance<"longCharacterIsMember:", &NSCharacterSet::longCharacterIsMember>();
     methods.instance<"hasMemberInPlane:", &NSCharacterSet::hasMemberInPlane>();
     methods.instance<"isSupersetOfSet:", &NSCharacterSet::isSupersetOfSet>();
     methods.instance<"invertedSet", &NSCharacterSet::invertedSet>();
+    methods.instance<"bitmapRepresentation", &NSCharacterSet::bitmapRepresentation>();
 }
 
 PELVOR_DEFINE_CLASS(NSMutableCharacterSet, foundationLibrary) {
@@ -48,6 +53,8 @@ PELVOR_DEFINE_CLASS(NSMutableCharacterSet, foundationLibrary) {
     methods.classLevel<"characterSetWithCharactersInString:",
                        &NSMutableCharacterSet::characterSetWithCharactersInString>();
     methods.classLevel<"characterSetWithRange:", &NSMutableCharacterSet::characterSetWithRange>();
+    methods.classLevel<"characterSetWithBitmapRepresentation:",
+                       &NSMutableCharacterSet::characterSetWithBitmapRepresentation>();
     methods.classLevel<"init", &NSMutableCharacterSet::init>();
     methods.instance<"addCharactersInRange:", &NSMutableCharacterSet::addCharactersInRange>();
     methods.instance<"removeCharactersInRange:", &NSMutableCharacterSet::removeCharactersInRange>();
@@ -258,6 +265,49 @@ NSCharacterSet* NSCharacterSet::characterSetWithCharactersInString(NSString* str
 
 NSCharacterSet* NSCharacterSet::characterSetWithRange(NSRange range) {
     return initWithRange(range).autorelease();
+}
+
+// Bitmaps
+
+void NSCharacterSet::readBitmap(NSData* data) {
+    if (!data) throw NSException(NSInvalidArgumentException, "bitmapRepresentation: none given");
+    std::span<const std::byte> bytes = data->span();
+    std::size_t plane = 0;
+    while (!bytes.empty()) {
+        std::size_t size = std::min(bytes.size(), sizeof(Plane));
+        if (plane < kPlaneCount) std::memcpy(writablePlane(plane).data(), bytes.data(), size);
+        bytes = bytes.subspan(size);
+        if (bytes.empty()) return;
+        plane = static_cast<std::size_t>(bytes[0]);
+        bytes = bytes.subspan(1);
+    }
+}
+
+NSData* NSCharacterSet::bitmapRepresentation() {
+    NSMutableData* data = NSMutableData::dataWithCapacity(sizeof(Plane));
+    data->appendBytes_length(_planes[0]->data(), sizeof(Plane));
+    for (std::uint8_t plane = 1; plane < kPlaneCount; ++plane) {
+        if (!hasMemberInPlane(plane)) continue;
+        data->appendBytes_length(&plane, 1);
+        data->appendBytes_length(_planes[plane]->data(), sizeof(Plane));
+    }
+    return data->copy().autorelease();
+}
+
+Retained<NSCharacterSet> NSCharacterSet::initWithBitmapRepresentation(NSData* data) {
+    auto set = make<NSCharacterSet>();
+    set->readBitmap(data);
+    return set;
+}
+
+NSCharacterSet* NSCharacterSet::characterSetWithBitmapRepresentation(NSData* data) {
+    return initWithBitmapRepresentation(data).autorelease();
+}
+
+NSMutableCharacterSet* NSMutableCharacterSet::characterSetWithBitmapRepresentation(NSData* data) {
+    auto set = init();
+    set->readBitmap(data);
+    return std::move(set).autorelease();
 }
 
 // Questions

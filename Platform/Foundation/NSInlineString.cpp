@@ -14,9 +14,7 @@ PELVOR_DEFINE_CLASS(NSExternalString, foundationLibrary) {}
 
 PELVOR_DEFINE_CLASS(NSInlineString, foundationLibrary) {}
 
-namespace {
-
-// The hash of immutable units, computed once. Racing threads store the same value.
+// Racing threads store the same value.
 std::uintptr_t cachedHash(std::atomic<std::uint32_t>& cache, std::u16string_view units) {
     std::uint32_t half = cache.load(std::memory_order_relaxed);
     if (!half) {
@@ -30,8 +28,6 @@ void copyUnits(unichar* buffer, std::u16string_view units, NSRange range) {
     requireRange(range, static_cast<NSUInteger>(units.size()));
     std::char_traits<unichar>::copy(buffer, units.data() + range.location, range.length);
 }
-
-}  // namespace
 
 unichar NSConstantString::characterAtIndex(NSUInteger index) {
     requireIndex(index, _length);

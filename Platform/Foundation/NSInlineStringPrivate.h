@@ -7,15 +7,20 @@
 namespace pelvor {
 
 /// Units in the same memory as the object, directly after it.
-class NSInlineString : public NSString {
+class NSInlineString final : public NSString {
     PELVOR_CLASS(NSInlineString, NSString);
 
   public:
     /// An owned string of `length` units, whose content the caller writes to `characters()` before
     /// anybody else sees the string.
-    static Retained<NSInlineString> create(NSUInteger length) { return createAs<NSInlineString>(length); }
+    static Retained<NSInlineString> create(NSUInteger length) {
+        return Retained<NSInlineString>::adopting(Instances::createWithExtra<NSInlineString>(
+            std::size_t{length} * sizeof(unichar), &classRecord, length));
+    }
     static Retained<NSInlineString> create(std::u16string_view units) {
-        return createAs<NSInlineString>(units);
+        auto string = create(static_cast<NSUInteger>(units.size()));
+        std::char_traits<unichar>::copy(string->characters(), units.data(), units.size());
+        return string;
     }
 
     NSUInteger length() override { return _length; }
@@ -29,20 +34,6 @@ class NSInlineString : public NSString {
   protected:
     explicit NSInlineString(NSUInteger length) : _length(length) {}
     ~NSInlineString() = default;
-
-    // For subclasses that add no fields.
-    template <class T>
-    static Retained<T> createAs(NSUInteger length) {
-        static_assert(sizeof(T) == sizeof(NSInlineString), "the units follow the object");
-        return Retained<T>::adopting(
-            Instances::createWithExtra<T>(std::size_t{length} * sizeof(unichar), T::classObject(), length));
-    }
-    template <class T>
-    static Retained<T> createAs(std::u16string_view units) {
-        auto string = createAs<T>(static_cast<NSUInteger>(units.size()));
-        std::char_traits<unichar>::copy(string->characters(), units.data(), units.size());
-        return string;
-    }
 
   private:
     NSUInteger _length;
@@ -73,6 +64,10 @@ class NSExternalString final : public NSString {
 
 /// The units' hash, the same for all classes of strings; never 0 in its low half.
 std::uintptr_t hashUnits(std::u16string_view units);
+/// The hash of immutable units, computed once; `cache` is 0 until then.
+std::uintptr_t cachedHash(std::atomic<std::uint32_t>& cache, std::u16string_view units);
+/// Copies the units of the range to the buffer. Raises NSRangeException for a range outside.
+void copyUnits(unichar* buffer, std::u16string_view units, NSRange range);
 /// Raise NSRangeException for an index not below the count, or a range not inside it.
 void requireIndex(NSUInteger index, NSUInteger count);
 void requireRange(NSRange range, NSUInteger count);

@@ -7,6 +7,7 @@
 #include "Foundation/CanonicalTextPrivate.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSBufferStringPrivate.h"
+#include "Foundation/NSData.h"
 #include "Foundation/NSInlineStringPrivate.h"
 
 namespace pelvor {
@@ -28,11 +29,16 @@ PELVOR_DEFINE_CLASS(NSMutableString, foundationLibrary) {
     methods.classLevel<"stringWithCharacters:length:", &NSMutableString::stringWithCharacters_length>();
     methods.classLevel<"stringWithUTF8String:", &NSMutableString::stringWithUTF8String>();
     methods.classLevelAs<"stringWithFormat:", &formatAlone>();
+    methods.classLevel<"stringWithContentsOfFile:encoding:",
+                       &NSMutableString::stringWithContentsOfFile_encoding>();
     methods.classLevel<"init", &NSMutableString::init>();
     methods.classLevel<"initWithCapacity:", &NSMutableString::initWithCapacity>();
     methods.classLevel<"initWithString:", &NSMutableString::initWithString>();
     methods.classLevel<"initWithCharacters:length:", &NSMutableString::initWithCharacters_length>();
     methods.classLevel<"initWithUTF8String:", &NSMutableString::initWithUTF8String>();
+    methods.classLevel<"initWithBytes:length:encoding:", &NSMutableString::initWithBytes_length_encoding>();
+    methods.classLevel<"initWithData:encoding:", &NSMutableString::initWithData_encoding>();
+    methods.classLevelAs<"initWithFormat:", &formatAlone>();
 
     methods.instance<"replaceCharactersInRange:withString:",
                      &NSMutableString::replaceCharactersInRange_withString>();

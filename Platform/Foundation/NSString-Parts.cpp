@@ -3,10 +3,25 @@
 #include "Foundation/CanonicalTextPrivate.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSInlineStringPrivate.h"
+#include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableString.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {
+
+NSArray* NSString::componentsSeparatedByString(NSString* separator) {
+    requireString(separator, "componentsSeparatedByString:");
+    StringUnits units(this), mark(separator);
+    std::u16string_view text = units;
+    NSMutableArray* components = NSMutableArray::array();
+    while (true) {
+        NSRange match = findText(text, mark, 0);
+        bool isLast = match.location == NSNotFound;
+        components->addObject(NSInlineString::create(isLast ? text : text.substr(0, match.location)).get());
+        if (isLast) return NSArray::arrayWithArray(components);
+        text.remove_prefix(NSMaxRange(match));
+    }
+}
 
 NSString* NSString::stringByTrimmingCharactersInSet(NSCharacterSet* set) {
     if (!set) throw NSException(NSInvalidArgumentException, "stringByTrimmingCharactersInSet: none given");

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSString.h"
 
-#include <unicode/ustring.h>
-
 #include <cstring>
 
 #include "Foundation/FoundationLibrary.h"
+#include "Foundation/NSArray.h"
 #include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSData.h"
 #include "Foundation/NSInlineStringPrivate.h"
 #include "Foundation/NSMutableString.h"
+#include "Foundation/UnitConversionPrivate.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {
@@ -28,13 +29,24 @@ PELVOR_DEFINE_CLASS(NSString, foundationLibrary) {
     methods.classLevel<"stringWithString:", &NSString::stringWithString>();
     methods.classLevel<"stringWithCharacters:length:", &NSString::stringWithCharacters_length>();
     methods.classLevel<"stringWithUTF8String:", &NSString::stringWithUTF8String>();
+    methods.classLevel<"stringWithCString:encoding:", &NSString::stringWithCString_encoding>();
     methods.classLevelAs<"stringWithFormat:", &formatAlone>();
+    methods.classLevel<"stringWithContentsOfFile:encoding:", &NSString::stringWithContentsOfFile_encoding>();
+    methods.classLevel<"stringWithContentsOfFile:", &NSString::stringWithContentsOfFile>();
+    methods.classLevel<"pathWithComponents:", &NSString::pathWithComponents>();
+    methods.classLevel<"localizedNameOfStringEncoding:", &NSString::localizedNameOfStringEncoding>();
     methods.classLevel<"init", &NSString::init>();
     methods.classLevel<"initWithString:", &NSString::initWithString>();
     methods.classLevel<"initWithCharacters:length:", &NSString::initWithCharacters_length>();
     methods.classLevel<"initWithCharactersNoCopy:length:freeWhenDone:",
                        &NSString::initWithCharactersNoCopy_length_freeWhenDone>();
     methods.classLevel<"initWithUTF8String:", &NSString::initWithUTF8String>();
+    methods.classLevel<"initWithCString:encoding:", &NSString::initWithCString_encoding>();
+    methods.classLevel<"initWithBytes:length:encoding:", &NSString::initWithBytes_length_encoding>();
+    methods.classLevel<"initWithData:encoding:", &NSString::initWithData_encoding>();
+    methods.classLevel<"initWithContentsOfFile:encoding:", &NSString::initWithContentsOfFile_encoding>();
+    methods.classLevel<"initWithContentsOfFile:", &NSString::initWithContentsOfFile>();
+    methods.classLevelAs<"initWithFormat:", &formatAlone>();
 
     methods.instance<"length", &NSString::length>();
     methods.instance<"characterAtIndex:", &NSString::characterAtIndex>();
@@ -50,7 +62,7 @@ PELVOR_DEFINE_CLASS(NSString, foundationLibrary) {
                      &NSString::stringByReplacingOccurrencesOfString_withString>();
     methods.instance<"stringByPaddingToLength:withString:startingAtIndex:",
                      &NSString::stringByPaddingToLength_withString_startingAtIndex>();
-    methods.instance<"UTF8String", &NSString::UTF8String>();
+    methods.instance<"componentsSeparatedByString:", &NSString::componentsSeparatedByString>();
     methods.instance<"isEqualToString:", &NSString::isEqualToString>();
     methods.instance<"compare:", &NSString::compare>();
     methods.instance<"compare:options:", &NSString::compare_options>();
@@ -85,6 +97,30 @@ PELVOR_DEFINE_CLASS(NSString, foundationLibrary) {
     methods.instance<"floatValue", &NSString::floatValue>();
     methods.instance<"doubleValue", &NSString::doubleValue>();
     methods.instance<"boolValue", &NSString::boolValue>();
+
+    methods.instance<"lastPathComponent", &NSString::lastPathComponent>();
+    methods.instance<"pathExtension", &NSString::pathExtension>();
+    methods.instance<"stringByAppendingPathComponent:", &NSString::stringByAppendingPathComponent>();
+    methods.instance<"stringByAppendingPathExtension:", &NSString::stringByAppendingPathExtension>();
+    methods.instance<"stringByDeletingLastPathComponent", &NSString::stringByDeletingLastPathComponent>();
+    methods.instance<"stringByDeletingPathExtension", &NSString::stringByDeletingPathExtension>();
+    methods.instance<"pathComponents", &NSString::pathComponents>();
+    methods.instance<"isAbsolutePath", &NSString::isAbsolutePath>();
+    methods.instance<"stringByExpandingTildeInPath", &NSString::stringByExpandingTildeInPath>();
+    methods.instance<"stringByAbbreviatingWithTildeInPath", &NSString::stringByAbbreviatingWithTildeInPath>();
+    methods.instance<"stringByStandardizingPath", &NSString::stringByStandardizingPath>();
+    methods.instance<"stringByResolvingSymlinksInPath", &NSString::stringByResolvingSymlinksInPath>();
+    methods.instance<"fileSystemRepresentation", &NSString::fileSystemRepresentation>();
+
+    methods.instance<"UTF8String", &NSString::UTF8String>();
+    methods.instance<"cStringUsingEncoding:", &NSString::cStringUsingEncoding>();
+    methods.instance<"dataUsingEncoding:", &NSString::dataUsingEncoding>();
+    methods.instance<"dataUsingEncoding:allowLossyConversion:",
+                     &NSString::dataUsingEncoding_allowLossyConversion>();
+    methods.instance<"canBeConvertedToEncoding:", &NSString::canBeConvertedToEncoding>();
+    methods.instance<"lengthOfBytesUsingEncoding:", &NSString::lengthOfBytesUsingEncoding>();
+    methods.instance<"smallestEncoding", &NSString::smallestEncoding>();
+    methods.instance<"writeToFile:atomically:encoding:", &NSString::writeToFile_atomically_encoding>();
 }
 
 // Creation
@@ -108,9 +144,22 @@ Retained<NSString> NSString::initWithCharactersNoCopy_length_freeWhenDone(unicha
     return NSExternalString::create(characters, length, freeWhenDone);
 }
 
+namespace {
+
+// None if there are other bytes than ASCII.
+Retained<NSString> asciiString(std::string_view bytes) {
+    if (asciiPrefix(bytes) < bytes.size()) return nullptr;
+    auto string = NSInlineString::create(static_cast<NSUInteger>(bytes.size()));
+    widen(bytes, string->characters());
+    return string;
+}
+
+}  // namespace
+
 Retained<NSString> NSString::initWithUTF8String(const char* text) {
     if (!text) throw NSException(NSInvalidArgumentException, "initWithUTF8String: none given");
-    auto units = decodeBytes(text, NSUTF8StringEncoding);
+    if (auto string = asciiString(text)) return string;
+    auto units = unitsFromUTF8(text);
     return units ? NSInlineString::create(*units) : nullptr;
 }
 
@@ -125,12 +174,8 @@ NSString* NSString::stringWithUTF8String(const char* text) { return initWithUTF8
 NSString* NSString::of(std::u16string_view units) { return NSInlineString::create(units).autorelease(); }
 
 NSString* NSString::ofUTF8(std::string_view bytes) {
-    UErrorCode error = U_ZERO_ERROR;
-    int32_t length = 0;
-    std::u16string units(bytes.size(), u'\0');
-    u_strFromUTF8WithSub(units.data(), static_cast<int32_t>(units.size()), &length, bytes.data(),
-                         static_cast<int32_t>(bytes.size()), 0xFFFD, nullptr, &error);
-    return of({units.data(), static_cast<std::size_t>(length)});
+    if (auto string = asciiString(bytes)) return std::move(string).autorelease();
+    return of(unitsFromUTF8Mending(bytes));
 }
 
 // Primitives
@@ -243,32 +288,6 @@ std::u16string NSString::toUTF16() {
     getCharacters_range(units.data(), {0, static_cast<NSUInteger>(units.size())});
     return units;
 }
-
-std::string NSString::toUTF8() {
-    StringUnits units(this);
-    std::string bytes(std::size_t{units.size()} * 3, '\0');
-    UErrorCode error = U_ZERO_ERROR;
-    int32_t size = 0;
-    u_strToUTF8WithSub(bytes.data(), static_cast<int32_t>(bytes.size()), &size, units.data(),
-                       static_cast<int32_t>(units.size()), 0xFFFD, nullptr, &error);
-    bytes.resize(static_cast<std::size_t>(size));
-    return bytes;
-}
-
-namespace {
-
-// A zero-terminated copy of the bytes that the current autorelease pool frees.
-const char* autoreleasedText(const std::string& bytes) {
-    auto holder = NSInlineString::create(static_cast<NSUInteger>(bytes.size() / sizeof(unichar) + 1));
-    char* text = reinterpret_cast<char*>(holder->characters());
-    std::memcpy(text, bytes.c_str(), bytes.size() + 1);
-    std::move(holder).autorelease();
-    return text;
-}
-
-}  // namespace
-
-const char* NSString::UTF8String() { return autoreleasedText(toUTF8()); }
 
 std::ostream& operator<<(std::ostream& stream, NSString* string) {
     return string ? stream << string->toUTF8() : stream << "(null)";

@@ -49,10 +49,14 @@ PELVOR_EXPORT bool isEncodingAvailable(NSStringEncoding encoding);
 /// "Western (ISO Latin 1)": the encoding's name in English, or "" for an unknown number.
 PELVOR_EXPORT std::string_view nameOfEncoding(NSStringEncoding encoding);
 
+/// "iso-8859-1": the encoding's name in documents, or "" for an unknown number.
+PELVOR_EXPORT std::string_view ianaNameOfEncoding(NSStringEncoding encoding);
+
 /// The encoding that an IANA name or alias ("utf-8", "windows-1252") names; 0 when none does.
 PELVOR_EXPORT NSStringEncoding encodingForName(std::string_view name);
 
-/// The bytes as UTF-16, without a leading byte-order mark; none if they are not valid in the encoding or
+/// The bytes as UTF-16, without the mark that tells the byte order of NSUnicodeStringEncoding and
+/// NSUTF32StringEncoding; none if they are not valid in the encoding or
 /// the encoding is unknown. Any thread.
 PELVOR_EXPORT std::optional<std::u16string> decodeBytes(std::string_view bytes, NSStringEncoding encoding);
 

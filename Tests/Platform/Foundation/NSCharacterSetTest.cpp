@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <thread>
 
+#include "Foundation/NSData.h"
 #include "FoundationTestSupport.h"
 #include "Runtime/AutoreleasePool.h"
 
@@ -116,6 +118,35 @@ TEST_F(NSCharacterSetTest, UnionIntersectionAndInverse) {
     set->invert();
     EXPECT_TRUE(set->isEqual(inverse));
     expectRaises(NSInvalidArgumentException, [&] { set->formUnionWithCharacterSet(nullptr); });
+}
+
+TEST_F(NSCharacterSetTest, BitmapsHoldTheMembersBitByBit) {
+    NSCharacterSet* set = NSCharacterSet::characterSetWithCharactersInString(u"\u0000\u0007\u0008\uFFFF"_ns);
+    NSData* data = set->bitmapRepresentation();
+    ASSERT_EQ(data->length(), 8192u);
+    EXPECT_EQ(data->span()[0], std::byte{0x81});
+    EXPECT_EQ(data->span()[1], std::byte{0x01});
+    EXPECT_EQ(data->span()[8191], std::byte{0x80});
+    EXPECT_EQ(std::memcmp(data->bytes(), set->basicPlaneBitmap(), 8192), 0);
+    EXPECT_TRUE(NSCharacterSet::characterSetWithBitmapRepresentation(data)->isEqual(set));
+}
+
+TEST_F(NSCharacterSetTest, BitmapsOfHigherPlanesFollowWithTheirNumbers) {
+    for (NSCharacterSet* set : {NSCharacterSet::letterCharacterSet(), NSCharacterSet::characterSet(),
+                                NSCharacterSet::symbolCharacterSet()->invertedSet()}) {
+        NSData* data = set->bitmapRepresentation();
+        EXPECT_EQ(data->length() % 8193, 8192u);
+        EXPECT_TRUE(NSCharacterSet::characterSetWithBitmapRepresentation(data)->isEqual(set));
+        EXPECT_TRUE(NSMutableCharacterSet::characterSetWithBitmapRepresentation(data)->isEqual(set));
+    }
+    std::byte shortBitmap[] = {std::byte{2}};
+    NSCharacterSet* set = NSCharacterSet::characterSetWithBitmapRepresentation(NSData::of(shortBitmap));
+    EXPECT_TRUE(set->characterIsMember(1) && !set->characterIsMember(0) && !set->characterIsMember(9));
+    std::vector<std::byte> badPlane(8192 + 1 + 8192, std::byte{0xFF});
+    EXPECT_FALSE(
+        NSCharacterSet::characterSetWithBitmapRepresentation(NSData::of(badPlane))->hasMemberInPlane(1));
+    expectRaises(NSInvalidArgumentException,
+                 [] { NSCharacterSet::characterSetWithBitmapRepresentation(nullptr); });
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <limits>
 #include <sstream>
 
+#include "Foundation/NSArray.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSMutableString.h"
 #include "FoundationTestSupport.h"
@@ -136,6 +137,22 @@ TEST_F(NSStringTest, JoiningPaddingAndReplacing) {
     EXPECT_EQ(replaced(u"aXbXX"_ns, u"X"_ns, u"--"_ns), "a--b----");
     EXPECT_EQ(replaced(u"aaa"_ns, u"aa"_ns, u"b"_ns), "ba");
     EXPECT_EQ(replaced(u"abc"_ns, u""_ns, u"-"_ns), "abc");
+}
+
+TEST_F(NSStringTest, SplittingKeepsEmptyPieces) {
+    struct {
+        NSString *text, *separator;
+        const char* pieces;
+    } cases[] = {{u"a,b,c"_ns, u","_ns, "a|b|c|"}, {u",a,,"_ns, u","_ns, "|a|||"},
+                 {u""_ns, u","_ns, "|"},           {u"abc"_ns, u""_ns, "abc|"},
+                 {u"a, b"_ns, u", "_ns, "a|b|"},   {u"aaa"_ns, u"aa"_ns, "|a|"}};
+    for (auto& c : cases) {
+        std::string pieces;
+        for (id piece : c.text->componentsSeparatedByString(c.separator))
+            pieces += cast<NSString>(piece)->toUTF8() + "|";
+        EXPECT_EQ(pieces, c.pieces) << c.text;
+    }
+    expectRaises(NSInvalidArgumentException, [] { u"a"_ns->componentsSeparatedByString(nullptr); });
 }
 
 TEST_F(NSStringTest, TrimmingKeepsWhatStandsInside) {

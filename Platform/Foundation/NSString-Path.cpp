@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: Apache-2.0
+// Strings as paths.
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <vector>
+
+#include "Foundation/NSInlineStringPrivate.h"
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSPathStore2.h"
+#include "Foundation/UnitConversionPrivate.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+namespace {
+
+using Path = std::u16string_view;
+
+// The end of the path without trailing slashes; a path of nothing else keeps its first.
+std::size_t endOfLastComponent(Path path) {
+    std::size_t end = path.find_last_not_of(u'/');
+    return end == Path::npos ? std::min<std::size_t>(path.size(), 1) : end + 1;
+}
+
+std::size_t startOfLastComponent(Path path) {
+    std::size_t end = endOfLastComponent(path);
+    if (path.substr(0, end) == u"/") return 0;
+    return path.substr(0, end).rfind(u'/') + 1;  // npos + 1 is 0
+}
+
+Path lastComponent(Path path) {
+    std::size_t start = startOfLastComponent(path);
+    return path.substr(start, endOfLastComponent(path) - start);
+}
+
+// The place of the full stop before the extension, npos for none.
+std::size_t placeOfExtension(Path path) {
+    Path name = lastComponent(path);
+    std::size_t stop = name.rfind(u'.');
+    if (stop == Path::npos || stop == 0) return Path::npos;
+    return startOfLastComponent(path) + stop;
+}
+
+// With runs of slashes made one and without one at the end.
+std::u16string withoutSpareSlashes(Path path) {
+    std::u16string result;
+    for (char16_t unit : path)
+        if (unit != u'/' || result.empty() || result.back() != u'/') result += unit;
+    result.resize(endOfLastComponent(result));
+    return result;
+}
+
+std::vector<Path> splitAtSlashes(Path path) {
+    std::vector<Path> components;
+    for (std::size_t place = 0; place < path.size();) {
+        std::size_t end = std::min(path.find(u'/', place), path.size());
+        if (end > place) components.push_back(path.substr(place, end - place));
+        place = end + 1;
+    }
+    return components;
+}
+
+NSString* pathString(NSString* receiver, Path path) {
+    if (cast<NSPathStore2>(receiver) && StringUnits(receiver).view() == path)
+        return receiver->copy().autorelease();
+    return NSPathStore2::of(path);
+}
+
+// The home directory of the user, of the process's own for an empty name; none for an unknown user.
+std::string homeDirectory(const std::string& user) {
+    if (const char* home = std::getenv("HOME"); user.empty() && home && *home) return home;
+    std::vector<char> buffer(16384);
+    passwd entry, *found = nullptr;
+    if (user.empty())
+        getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found);
+    else
+        getpwnam_r(user.c_str(), &entry, buffer.data(), buffer.size(), &found);
+    return found && found->pw_dir ? found->pw_dir : "";
+}
+
+std::u16string expandedTilde(Path path) {
+    if (path.empty() || path[0] != u'~') return std::u16string(path);
+    std::size_t end = std::min(path.find(u'/'), path.size());
+    std::string home = homeDirectory(utf8FromUnitsMending(path.substr(1, end - 1)));
+    if (home.empty()) return std::u16string(path);
+    return withoutSpareSlashes(unitsFromUTF8Mending(home) + std::u16string(path.substr(end)));
+}
+
+std::u16string joined(const std::vector<std::u16string>& components, bool isAbsolute) {
+    std::u16string path = isAbsolute ? u"/" : u"";
+    for (const std::u16string& component : components) {
+        if (!path.empty() && path.back() != u'/') path += u'/';
+        path += component;
+    }
+    return path;
+}
+
+}  // namespace
+
+// Components and extensions
+
+NSString* NSString::lastPathComponent() {
+    StringUnits path(this);
+    return pathString(this, lastComponent(path));
+}
+
+NSString* NSString::pathExtension() {
+    StringUnits units(this);
+    Path path = units;
+    std::size_t stop = placeOfExtension(path);
+    if (stop == Path::npos) return NSPathStore2::of({});
+    return NSPathStore2::of(path.substr(stop + 1, endOfLastComponent(path) - stop - 1));
+}
+
+NSString* NSString::stringByAppendingPathComponent(NSString* component) {
+    requireString(component, "stringByAppendingPathComponent:");
+    std::u16string path = toUTF16();
+    StringUnits last(component);
+    if (!path.empty() && last.size()) path += u'/';
+    path += last.view();
+    return pathString(this, withoutSpareSlashes(path));
+}
+
+NSString* NSString::stringByAppendingPathExtension(NSString* extension) {
+    requireString(extension, "stringByAppendingPathExtension:");
+    std::u16string path = withoutSpareSlashes(StringUnits(this));
+    if (path.empty() || path == u"/") return pathString(this, path);
+    path += u'.';
+    path += StringUnits(extension).view();
+    return NSPathStore2::of(path);
+}
+
+NSString* NSString::stringByDeletingLastPathComponent() {
+    StringUnits units(this);
+    Path path = units;
+    return pathString(this, withoutSpareSlashes(path.substr(0, startOfLastComponent(path))) +
+                                (lastComponent(path) == u"/" ? u"/" : u""));
+}
+
+NSString* NSString::stringByDeletingPathExtension() {
+    StringUnits units(this);
+    Path path = units;
+    std::size_t stop = placeOfExtension(path);
+    return pathString(this, withoutSpareSlashes(path.substr(0, std::min(stop, path.size()))));
+}
+
+NSArray* NSString::pathComponents() {
+    StringUnits units(this);
+    Path path = units;
+    NSMutableArray* components = NSMutableArray::array();
+    if (!path.empty() && path[0] == u'/') components->addObject(NSPathStore2::of(u"/"));
+    for (Path component : splitAtSlashes(path)) components->addObject(NSPathStore2::of(component));
+    if (path.find_first_not_of(u'/') != Path::npos && path.back() == u'/')
+        components->addObject(NSPathStore2::of(u"/"));
+    return NSArray::arrayWithArray(components);
+}
+
+NSString* NSString::pathWithComponents(NSArray* components) {
+    if (!components) throw NSException(NSInvalidArgumentException, "pathWithComponents: none given");
+    std::u16string path;
+    for (id object : components) {
+        auto* component = cast<NSString>(object);
+        requireString(component, "pathWithComponents:");
+        if (!path.empty() && component->length()) path += u'/';
+        path += StringUnits(component).view();
+    }
+    return NSPathStore2::of(withoutSpareSlashes(path));
+}
+
+bool NSString::isAbsolutePath() {
+    return length() > 0 && (characterAtIndex(0) == u'/' || characterAtIndex(0) == u'~');
+}
+
+// Home directories and links
+
+NSString* NSString::stringByExpandingTildeInPath() {
+    StringUnits path(this);
+    return pathString(this, expandedTilde(path));
+}
+
+NSString* NSString::stringByAbbreviatingWithTildeInPath() {
+    std::u16string path = withoutSpareSlashes(StringUnits(this));
+    std::u16string home = withoutSpareSlashes(unitsFromUTF8Mending(homeDirectory("")));
+    bool isBelow = home.size() > 1 && path.starts_with(home) &&
+                   (path.size() == home.size() || path[home.size()] == u'/');
+    return pathString(this, isBelow ? u"~" + path.substr(home.size()) : path);
+}
+
+NSString* NSString::stringByStandardizingPath() {
+    std::u16string path = expandedTilde(StringUnits(this));
+    bool isAbsolute = !path.empty() && path[0] == u'/';
+    std::vector<std::u16string> components;
+    for (Path component : splitAtSlashes(path)) {
+        if (component == u".") continue;
+        if (component != u".." || !isAbsolute)
+            components.emplace_back(component);
+        else if (!components.empty())
+            components.pop_back();
+    }
+    std::u16string result = joined(components, isAbsolute);
+    return pathString(this, result.empty() && !path.empty() ? u"." : result);
+}
+
+namespace {
+
+// Follows the links of a path, component by component; what does not exist is kept as it is.
+class LinkResolver {
+  public:
+    std::u16string resolve(Path path) {
+        _isAbsolute = !path.empty() && path[0] == u'/';
+        push(path);
+        while (!_pending.empty()) {
+            std::u16string component = std::move(_pending.back());
+            _pending.pop_back();
+            step(component);
+        }
+        std::u16string result = joined(_resolved, _isAbsolute);
+        return result.empty() && !path.empty() ? u"." : result;
+    }
+
+  private:
+    // As many as the kernel follows.
+    static constexpr int kMostLinks = 40;
+
+    void push(Path path) {
+        std::vector<Path> components = splitAtSlashes(path);
+        for (auto component = components.rbegin(); component != components.rend(); ++component)
+            _pending.emplace_back(*component);
+    }
+
+    void step(const std::u16string& component) {
+        if (component == u".") return;
+        if (component == u"..") return goUp();
+        _resolved.push_back(component);
+        std::u16string target = linkTarget(joined(_resolved, _isAbsolute));
+        if (target.empty() || ++_links > kMostLinks) return;
+        _resolved.pop_back();
+        if (target[0] == u'/') {
+            _resolved.clear();
+            _isAbsolute = true;
+        }
+        push(target);
+    }
+
+    void goUp() {
+        if (!_resolved.empty() && _resolved.back() != u"..")
+            _resolved.pop_back();
+        else if (!_isAbsolute)
+            _resolved.push_back(u"..");
+    }
+
+    // Where the link at the path points; empty for what is no link.
+    static std::u16string linkTarget(const std::u16string& path) {
+        char target[PATH_MAX];
+        ssize_t size = readlink(utf8FromUnitsMending(path).c_str(), target, sizeof target);
+        if (size <= 0) return {};
+        return unitsFromUTF8Mending({target, static_cast<std::size_t>(size)});
+    }
+
+    bool _isAbsolute = false;
+    int _links = 0;
+    std::vector<std::u16string> _resolved;
+    std::vector<std::u16string> _pending;  // the next component last
+};
+
+}  // namespace
+
+NSString* NSString::stringByResolvingSymlinksInPath() {
+    return pathString(this, LinkResolver().resolve(expandedTilde(StringUnits(this))));
+}
+
+}  // namespace pelvor

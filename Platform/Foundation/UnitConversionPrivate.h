@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+// UTF-8 to UTF-16 and back; for Foundation's own sources.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace pelvor {
+
+/// How many bytes, or units, at the front are below 0x80.
+std::size_t asciiPrefix(std::string_view bytes);
+std::size_t asciiPrefix(std::u16string_view units);
+
+/// Writes each byte as a unit, and each unit's low half as a byte.
+void widen(std::string_view bytes, char16_t* units);
+void narrow(std::u16string_view units, char* bytes);
+
+/// None for bytes that are not UTF-8.
+std::optional<std::u16string> unitsFromUTF8(std::string_view bytes);
+/// Every ill-formed part becomes U+FFFD.
+std::u16string unitsFromUTF8Mending(std::string_view bytes);
+/// None if there is a lone half of a pair.
+std::optional<std::string> utf8FromUnits(std::u16string_view units);
+/// Lone halves become U+FFFD.
+std::string utf8FromUnitsMending(std::u16string_view units);
+
+}  // namespace pelvor
