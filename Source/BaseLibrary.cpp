@@ -7,6 +7,7 @@
 #include "PBMutableNumber.h"
 #include "PBPostLoader.h"
 #include "PBUtil.h"
+#include "assertions.h"
 
 namespace pelvor {
 namespace {
@@ -16,7 +17,7 @@ constexpr Library* kDependencies[] = {&foundationLibrary};
 // Alphabetical; a superclass is registered before its subclasses wherever it stands.
 constexpr Class* kClasses[] = {
     &PBMutableIntNumber::classRecord, &PBMutableNumber::classRecord, &PBPostLoader::classRecord,
-    &PBUniqueObject::classRecord,     &PBUtil_Dummy::classRecord,
+    &PBUniqueObject::classRecord,     &PBUtil_Dummy::classRecord,    &_PBAssertionWarning::classRecord,
 };
 
 constexpr const Category* kCategories[] = {

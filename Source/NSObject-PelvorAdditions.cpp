@@ -7,6 +7,7 @@
 
 #include "BaseLibrary.h"
 #include "Foundation/NSMutableSet.h"
+#include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSString.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
@@ -23,6 +24,7 @@ void defineAdditions(MethodTable<NSObject>& methods) {
     using Additions = NSObject_PelvorAdditions;
     methods.classLevel<"classSelectorNames", &Additions::classSelectorNames>();
     methods.classLevel<"instanceSelectorNames", &Additions::instanceSelectorNames>();
+    methods.instance<"notificationCenter", &notificationCenter>();
     methods.instanceAs<"deepCopy", &copyShallowly>();
     methods.instanceAs<"mutableDeepCopy", &mutableCopyShallowly>();
     methods.instance<"intForPerformSelector:", &intForPerformSelector>();
@@ -137,6 +139,8 @@ constinit const Category NSObject_PelvorAdditions_category =
 NSSet* NSObject_PelvorAdditions::classSelectorNames(Class* cls) { return selectorNames(cls->metaclass()); }
 
 NSSet* NSObject_PelvorAdditions::instanceSelectorNames(Class* cls) { return selectorNames(cls); }
+
+NSNotificationCenter* notificationCenter(id) { return NSNotificationCenter::defaultCenter(); }
 
 Retained<Object> deepCopy(NSObject* object) {
     registerLibrary(baseLibrary);

@@ -7,6 +7,7 @@
 namespace pelvor {
 
 struct Category;
+class NSNotificationCenter;
 class NSSet;
 
 /// Class operations of every class.
@@ -17,6 +18,9 @@ struct PELVOR_EXPORT NSObject_PelvorAdditions {
     /// The names of all selectors that instances of the class answer.
     static NSSet* instanceSelectorNames(Class* cls);
 };
+
+/// The process's default notification centre.
+PELVOR_EXPORT NSNotificationCenter* notificationCenter(id object);
 
 /// Copies of the object together with what it holds. They send `deepCopy` and `mutableDeepCopy`, which a
 /// class overrides that has something to copy deeply; of other objects they are `copy` and `mutableCopy`.

@@ -5,10 +5,13 @@
 #include <cstdlib>
 #include <mutex>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "BaseLibrary.h"
-#include "Foundation/NSString.h"
+#include "Foundation/NSLog.h"
+#include "Foundation/NSNotificationCenter.h"
+#include "Foundation/NSThread.h"
 #include "PBUtil.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
@@ -155,6 +158,7 @@ PELVOR_DEFINE_CLASS(PBPostLoader, baseLibrary) {
     methods.classLevel<"isMultiThreaded", &PBPostLoader::isMultiThreaded>();
     methods.classLevel<"_processSelector:inClass:initialize:",
                        &PBPostLoader::_processSelector_inClass_initialize>();
+    methods.classLevel<"_becomingMultiThreaded:", &PBPostLoader::_becomingMultiThreaded>();
     methods.classLevel<"_preventBundleInitialization", &PBPostLoader::_preventBundleInitialization>();
     methods.classLevel<"_provokeBundleInitialization", &PBPostLoader::_provokeBundleInitialization>();
 }
@@ -166,6 +170,9 @@ void PBPostLoader::initialize(Class* cls) {
     _preventBundleInitialization();
     processSelector_initialize("performPosing"_sel, false);
     _provokeBundleInitialization();
+    NSNotificationCenter* center = NSNotificationCenter::defaultCenter();
+    center->addObserver_selector_name_object(cls, "_becomingMultiThreaded:"_sel,
+                                             NSWillBecomeMultiThreadedNotification, nullptr);
 }
 
 void PBPostLoader::processClasses() { processClassesStartingRegistry(true); }
@@ -180,6 +187,7 @@ void PBPostLoader::processClassesStartingRegistry_posing(bool startRegistry, boo
     if (posing) processSelector_initialize("performPosing"_sel, false);
     processSelector_initialize("didLoad"_sel, true);
     processSelector_initialize("activateToolkit"_sel, true);
+    if (NSThread::isMultiThreaded()) _becomingMultiThreaded(nullptr);
 }
 
 void PBPostLoader::processSelector_initialize(SEL selector, bool initialize) {
@@ -192,6 +200,20 @@ void PBPostLoader::processSelector_initialize(SEL selector, bool initialize) {
             foundAny |= _processSelector_inClass_initialize(selector, cls, initialize);
         }
     }
+}
+
+// Hooks' exceptions are reported as those of all hooks; what comes out here is a failure of another kind.
+void PBPostLoader::_becomingMultiThreaded(NSNotification*) {
+    if (std::exchange(loader().isSendingBecomingMultiThreaded, true)) return;
+    try {
+        ProtectedCall protectedCall;
+        processSelector_initialize("becomingMultiThreaded"_sel, false);
+    } catch (...) {
+        NSLog(u"Ignoring exception raised while sending -becomingMultiThreaded.  %@"_ns,
+              NSString::ofUTF8(currentExceptionReason()));
+    }
+    loader().isMultiThreaded = true;
+    loader().isSendingBecomingMultiThreaded = false;
 }
 
 bool PBPostLoader::isMultiThreaded() {

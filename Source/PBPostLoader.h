@@ -54,6 +54,7 @@ class PELVOR_EXPORT PBPostLoader : public NSObject {
     static bool isMultiThreaded();
 
   private:
+    static void _becomingMultiThreaded(NSNotification* notification);
     static bool _processSelector_inClass_initialize(SEL selector, Class* inClass, bool initialize);
     static void _preventBundleInitialization();
     static void _provokeBundleInitialization();

@@ -8,6 +8,7 @@
 #include "BaseLibrary.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableSet.h"
+#include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSString.h"
 #include "HookedClasses.h"
 #include "Runtime/AutoreleasePool.h"
@@ -144,6 +145,12 @@ TEST(SelectorNames, AreThoseOfTheClassAndAllAboveIt) {
     for (const char* selector : {"kind", "alloc", "instanceSelectorNames", "isEqual:"})
         EXPECT_TRUE(names(ofClass, selector)) << selector;
     EXPECT_FALSE(names(ofClass, "twice:"));
+}
+
+TEST(ObjectAdditions, NameTheDefaultNotificationCentre) {
+    auto* byMessage = send<NSNotificationCenter*>(u"any"_ns, "notificationCenter"_sel);
+    EXPECT_EQ(byMessage, NSNotificationCenter::defaultCenter());
+    EXPECT_EQ(notificationCenter(Meter::classObject()), NSNotificationCenter::defaultCenter());
 }
 
 // MARK: Copies

@@ -4,10 +4,11 @@
 #include <gmock/gmock.h>
 
 #include <stdexcept>
+#include <thread>
 
 #include "BaseLibrary.h"
+#include "Foundation/NSLog.h"
 #include "HookedClasses.h"
-#include "PBUtil.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/RuntimeLibrary.h"
 
@@ -270,19 +271,43 @@ TEST_F(PostLoader, GivesEachHookAnAutoreleasePool) {
     EXPECT_EQ(AutoreleasePool::pendingCount(), before);
 }
 
-// MARK: Start
+// MARK: Failures of another kind
 
-TEST(PostLoaderStart, RunsThePosingPhaseWithTheFirstMessage) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(
-        {
-            classWithHook("EarlyPoser", "performPosing",
-                          [](Object*, SEL) { note(_pbLettersCharacterSet ? "sets" : "no sets"); });
-            classWithHook("EarlyLoader", "didLoad", [](Object*, SEL) { note("loading"); });
-            send<bool>(&PBPostLoader::classRecord, "isMultiThreaded"_sel);
-            std::exit(journal() == Lines{"no sets"} ? 0 : 1);
-        },
-        ::testing::ExitedWithCode(0), "");
+// Attaching this category fails: its code is for strings, its class is none.
+size_t lengthOf(NSString* string) { return string->length(); }
+void defineUnfit(MethodTable<NSString>& methods) { methods.instanceAs<"length", &lengthOf>(); }
+constexpr Category unfitCategory(const char* className) {
+    Category category = Category::of<NSString, defineUnfit>("Unfit");
+    category.className = className;
+    return category;
+}
+
+TEST_F(PostLoader, ReleasesItsLockWhateverLeavesACycle) {
+    static constinit const Category category = unfitCategory("UnfitOnce");
+    static constexpr const Category* kCategories[] = {&category};
+    static constinit Library library{"UnfitOnce", {}, {}, kCategories};
+    Class::createSubclass("UnfitOnce", NSObject::classObject());
+    registerLibrary(library);
+    EXPECT_THROW(cycle(), NSException);
+
+    classWithHook("AfterUnfit", "didLoad", [](Object*, SEL) { note("free"); });
+    std::thread(cycle).join();
+    EXPECT_THAT(journal(), ElementsAre("free"));
+}
+
+TEST_F(PostLoader, LogsSuchAFailureInTheThreadPhaseAndGoesOn) {
+    static constinit const Category category = unfitCategory("UnfitForThreads");
+    static constexpr const Category* kCategories[] = {&category};
+    static constinit Library library{"UnfitForThreads", {}, {}, kCategories};
+    Class::createSubclass("UnfitForThreads", NSObject::classObject());
+    registerLibrary(library);
+    LogSinkScope scope([](const LogEntry& entry) { note(std::string(entry.text)); });
+    send(&PBPostLoader::classRecord, "_becomingMultiThreaded:"_sel, nullptr);
+    EXPECT_THAT(journal(), ElementsAre("Ignoring exception raised while sending -becomingMultiThreaded.  "
+                                       "code that needs a receiver of class NSString cannot be a method of "
+                                       "UnfitForThreads"));
+    EXPECT_EQ(PBExceptionHandlingNestLevel, 0);
+    EXPECT_TRUE(PBPostLoader::isMultiThreaded());
 }
 
 }  // namespace
