@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <string>
 
 #include "Runtime/NSException.h"
@@ -17,22 +18,54 @@ Registry& Registry::shared() {
 
 void Registry::registerLibrary(Library& library) {
     std::lock_guard guard(mutex);
-    if (library.isRegistered.load(std::memory_order_relaxed)) return;
-    for (Library* dependency : library.dependencies) registerLibrary(*dependency);
-    refuseTakenNames(library);
-    library.isRegistered.store(true, std::memory_order_release);
-    for (Class* cls : library.classes) registerClass(cls);
-    for (const Category* category : library.categories) addCategory(*category);
+    std::vector<Library*> libraries;
+    collectUnregistered(library, libraries);
+    for (Library* each : libraries) refuseTakenNames(*each, libraries);
+    defineMethods(libraries);
+    // From here on nothing fails.
+    for (Library* each : libraries) each->isRegistered.store(true, std::memory_order_release);
+    for (Library* each : libraries) {
+        for (Class* cls : each->classes) registerClass(cls);
+        for (const Category* category : each->categories) addCategory(*category);
+    }
 }
 
-void Registry::refuseTakenNames(const Library& library) {
+// The library and what it needs, the latter first.
+void Registry::collectUnregistered(Library& library, std::vector<Library*>& libraries) {
+    if (library.isRegistered.load(std::memory_order_relaxed)) return;
+    if (std::find(libraries.begin(), libraries.end(), &library) != libraries.end()) return;
+    for (Library* dependency : library.dependencies) collectUnregistered(*dependency, libraries);
+    libraries.push_back(&library);
+}
+
+void Registry::refuseTakenNames(const Library& library, const std::vector<Library*>& libraries) {
     for (const Class* cls : library.classes) {
         bool isTaken = _classesByName.contains(cls->name());
-        for (const Class* other : library.classes)
-            isTaken |= other != cls && std::strcmp(other->name(), cls->name()) == 0;
+        for (const Library* each : libraries)
+            for (const Class* other : each->classes)
+                isTaken |= other != cls && std::strcmp(other->name(), cls->name()) == 0;
         if (isTaken && !cls->_isRegistered)
             throw NSException(NSInvalidArgumentException, std::string("the class name ") + cls->name() +
                                                               " of " + library.name + " is already taken");
+    }
+}
+
+// The code that fills the tables may throw: then no class keeps any.
+void Registry::defineMethods(const std::vector<Library*>& libraries) {
+    std::vector<Class*> defined;
+    try {
+        for (const Library* library : libraries)
+            for (Class* cls : library->classes) {
+                if (cls->_isRegistered || cls->_groups.load() || !cls->_native.defineMethods) continue;
+                defineOwnMethods(cls);
+                defined.push_back(cls);
+            }
+    } catch (...) {
+        for (Class* cls : defined) {
+            delete cls->_groups.exchange(nullptr);
+            delete cls->metaclass()->_groups.exchange(nullptr);
+        }
+        throw;
     }
 }
 
@@ -44,7 +77,7 @@ void Registry::registerClass(Class* cls) {
         link(cls, superclass);
     }
     link(cls->metaclass(), cls->metaclass()->_superclass);
-    if (cls->_native.defineMethods && cls->_library) defineOwnMethods(cls);
+    if (cls->_native.defineMethods && cls->_library && !cls->_groups.load()) defineOwnMethods(cls);
     cls->metaclass()->_isRegistered.store(true, std::memory_order_release);
     cls->_isRegistered.store(true, std::memory_order_release);
     _classes.push_back(cls);
@@ -52,12 +85,12 @@ void Registry::registerClass(Class* cls) {
 }
 
 void Registry::defineOwnMethods(Class* cls) {
-    auto* instance = new MethodGroup;
-    auto* classLevel = new MethodGroup;
+    auto instance = std::make_unique<MethodGroup>();
+    auto classLevel = std::make_unique<MethodGroup>();
     cls->_native.defineMethods(*instance, *classLevel);
-    for (const MethodGroup* group : {instance, classLevel}) noteSignatures(*group);
-    cls->_groups = instance;
-    cls->metaclass()->_groups = classLevel;
+    for (const MethodGroup* group : {instance.get(), classLevel.get()}) noteSignatures(*group);
+    cls->_groups = instance.release();
+    cls->metaclass()->_groups = classLevel.release();
 }
 
 void Registry::link(Class* cls, Class* superclass) {

@@ -43,7 +43,8 @@ struct Library {
 };
 
 /// Registers the library after those that it needs; does nothing if it is registered. Raises
-/// NSInvalidArgumentException, and registers nothing of it, if a class's name is taken. Any thread.
+/// NSInvalidArgumentException if a class's name is taken, or what the filling of a method table raises; then
+/// nothing is registered, neither of it nor of what it needs. Any thread.
 PELVOR_EXPORT void registerLibrary(Library& library);
 
 /// Writes the registered classes, in the order of registration, to `buffer` as far as `capacity`

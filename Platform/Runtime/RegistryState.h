@@ -37,7 +37,9 @@ class Registry {
     std::condition_variable_any initialization;  ///< a class's `initialize` has ended
 
   private:
-    void refuseTakenNames(const Library& library);
+    static void collectUnregistered(Library& library, std::vector<Library*>& libraries);
+    void refuseTakenNames(const Library& library, const std::vector<Library*>& libraries);
+    void defineMethods(const std::vector<Library*>& libraries);
     void attachPendingCategories(Class* cls, std::string_view name);
     void defineOwnMethods(Class* cls);
     void addCategory(const Category& category);

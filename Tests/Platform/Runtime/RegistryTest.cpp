@@ -45,6 +45,45 @@ TEST(RegistryTest, ATakenNameIsRefusedBeforeAnythingIsRegistered) {
     EXPECT_FALSE(intruderLibrary.isRegistered);
 }
 
+// A library whose second class cannot be defined at first, and one that it needs.
+bool isFailing = true;
+constinit Library neededLibrary{"Needed", {}, {}, {}};
+constinit Library brokenLibrary{"Broken", {}, {}, {}};
+
+int answer() { return 42; }
+
+class Needed : public NSObject {
+    PELVOR_CLASS(Needed, NSObject);
+};
+PELVOR_DEFINE_CLASS(Needed, neededLibrary) {}
+
+class Broken : public Needed {
+    PELVOR_CLASS(Broken, Needed);
+};
+PELVOR_DEFINE_CLASS(Broken, brokenLibrary) {
+    if (isFailing) throw NSException("Broken", "not today");
+    methods.classLevelAs<"answer", &answer>();
+}
+
+TEST(RegistryTest, ALibraryThatCannotBeDefinedLeavesNothingBehind) {
+    static Class* const needed[] = {&Needed::classRecord};
+    static Class* const broken[] = {&Broken::classRecord};
+    static Library* const dependencies[] = {&neededLibrary};
+    neededLibrary.classes = needed;
+    brokenLibrary.classes = broken;
+    brokenLibrary.dependencies = dependencies;
+    std::size_t before = classList(nullptr, 0);
+    EXPECT_EQ(reasonOf([] { registerLibrary(brokenLibrary); }), "not today");
+    EXPECT_EQ(classList(nullptr, 0), before);
+    EXPECT_EQ(classNamed("Needed"), nullptr);
+    EXPECT_FALSE(neededLibrary.isRegistered || brokenLibrary.isRegistered);
+
+    isFailing = false;
+    registerLibrary(brokenLibrary);
+    EXPECT_EQ(send<int>(Broken::classObject(), "answer"_sel), 42);
+    EXPECT_EQ(classNamed("Needed"), Needed::classObject());
+}
+
 TEST(SelectorTest, IsInternedAndKnowsItsArguments) {
     EXPECT_EQ(registerSelector("move:by:"), "move:by:"_sel);
     EXPECT_NE("move:by:"_sel, "move:"_sel);
