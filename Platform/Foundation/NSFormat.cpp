@@ -160,7 +160,7 @@ Number signedNumber(const Directive& directive, std::int64_t value) {
 Number unsignedNumber(const Directive& directive, std::uint64_t value) {
     switch (directive.conversion) {
         case u'o':
-            return {directive.alternate && value ? "0" : "", digitsOf(value, 8)};
+            return {"", digitsOf(value, 8)};
         case u'x':
             return {directive.alternate && value ? "0x" : "", digitsOf(value, 16)};
         case u'X': {
@@ -183,6 +183,9 @@ void appendInteger(std::u16string& text, Directive directive, std::int64_t value
         if (least == 0 && number.digits == "0") number.digits.clear();
         if (number.digits.size() < least) number.digits.insert(0, least - number.digits.size(), '0');
     }
+    // The octal mark is one more digit, where the first is not 0 already.
+    if (directive.conversion == u'o' && directive.alternate && !number.digits.starts_with('0'))
+        number.digits.insert(0, 1, '0');
     appendNumber(text, directive, number);
 }
 

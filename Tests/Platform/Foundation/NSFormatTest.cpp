@@ -34,6 +34,7 @@ TEST(NSFormat, IntegersInEveryBaseWithFlagsWidthAndPrecision) {
         {"ff FF 0xff 0XFF 17 017 0", u"%x %X %#x %#X %o %#o %#x"_ns, {255, 255, 255, 255, 15, 15, 0}},
         {"ffffffff 4294967295 ffffffffffffffff", u"%x %u %lx"_ns, {-1, -1, -1LL}},
         {"0x0000ff", u"%#08x"_ns, {255}},
+        {"010 0010 0 [  010]", u"%#.3o %#.4o %#.0o [%#5o]"_ns, {8, 8, 0, 8}},
         {"[   42][42   ][00042]", u"[%*d][%*d][%.*d]"_ns, {5, 42, -5, 42, 5, 42}},
     });
 }

@@ -117,6 +117,65 @@ TEST_F(NSStringSearchTest, AgreesWithTheObviousSearch) {
     }
 }
 
+// Random text of letters, marks, syllables and their parts that join in many ways.
+std::u16string troublesomeText(std::mt19937& random, std::size_t longest) {
+    const std::u16string_view pieces[] = {u"e",      u"é",      u"\u0301", u"\u0323", u"ẹ",  u"K",
+                                          u"\u212A", u"k",      u"ß",      u"s",      u"가", u"\u1100",
+                                          u"\u1161", u"\u11A8", u"𝅗𝅥",     u"😀"};
+    std::u16string text;
+    for (std::size_t count = random() % longest; count > 0; --count)
+        text += pieces[random() % std::size(pieces)];
+    return text;
+}
+
+NSString* composed(NSString* text) { return text->precomposedStringWithCanonicalMapping(); }
+
+TEST_F(NSStringSearchTest, TextIsTheSameExactlyWhereItsComposedFormsAre) {
+    std::mt19937 random(11);
+    for (int round = 0; round < 20000; ++round) {
+        AutoreleasePool pool;
+        NSString *a = NSString::of(troublesomeText(random, 6)), *b = NSString::of(troublesomeText(random, 6));
+        bool isSame = composed(a)->isEqualToString(composed(b));
+        ASSERT_EQ(a->compare(b) == NSOrderedSame, isSame) << a << " " << b;
+        ASSERT_EQ(a->compare(b), composed(a)->compare_options(composed(b), kLiteral)) << a << " " << b;
+    }
+}
+
+bool isMark(unichar unit) { return unit == 0x301 || unit == 0x323; }
+
+// The first range, in the order of its start and then of its end, that is the target in some spelling and
+// does not part a letter from its marks.
+NSRange obviousRange(NSString* text, NSString* target) {
+    NSUInteger count = text->length();
+    auto parts = [&](NSUInteger place) {
+        return place > 0 && place < count &&
+               (isMark(text->characterAtIndex(place)) || (text->characterAtIndex(place) & 0xFC00) == 0xDC00 ||
+                text->substringFromIndex(place)->hasPrefix(u"\U0001D165"_ns));
+    };
+    for (NSUInteger start = 0; start < count; ++start)
+        for (NSUInteger end = start + 1; end <= count && !parts(start); ++end) {
+            NSString* piece = text->substringWithRange({start, end - start});
+            if (!parts(end) && composed(piece)->isEqualToString(composed(target)))
+                return {start, end - start};
+        }
+    return kNothing;
+}
+
+TEST_F(NSStringSearchTest, AgreesWithTheObviousSearchForEquivalentText) {
+    std::mt19937 random(13);
+    int found = 0;
+    for (int round = 0; round < 4000; ++round) {
+        AutoreleasePool pool;
+        NSString *text = NSString::of(troublesomeText(random, 10)),
+                 *target = NSString::of(troublesomeText(random, 3));
+        if (target->length() == 0 || isMark(target->characterAtIndex(0))) continue;
+        NSRange expected = obviousRange(text, target), range = text->rangeOfString(target);
+        ASSERT_EQ(range, expected) << text << " " << target;
+        found += range.location != NSNotFound;
+    }
+    EXPECT_GT(found, 200);
+}
+
 TEST_F(NSStringSearchTest, TextThatAlmostMatchesEverywhereTakesNoLonger) {
     std::u16string text(200000, u'a'), target(5000, u'a');
     target[2500] = u'b';
