@@ -47,27 +47,30 @@ bool writeDirectly(const std::string& path, std::span<const std::byte> content) 
     return file && writeAll(file, content) && file.close();
 }
 
-// A new file beside the target, with the rights of the target or of any new file; its path to `path`.
-int createBeside(const std::string& target, std::string& path) {
+// A new file beside the target, private or with the rights of the target or of any new file; its path to
+// `path`.
+int createBeside(const std::string& target, std::string& path, FileWriting writing) {
     static std::atomic<unsigned> counter{0};
+    bool isPrivate = writing == FileWriting::atomicPrivate;
     int file;
     do {
         path = target + "." + std::to_string(::getpid()) + "-" + std::to_string(counter++);
-        file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isPrivate ? 0600 : 0666);
     } while (file < 0 && errno == EEXIST);
     struct stat status;
-    if (file >= 0 && ::stat(target.c_str(), &status) == 0) (void)!::fchmod(file, status.st_mode & 07777);
+    if (file >= 0 && !isPrivate && ::stat(target.c_str(), &status) == 0)
+        (void)!::fchmod(file, status.st_mode & 07777);
     return file;
 }
 
-bool writeAtomically(const std::string& path, std::span<const std::byte> content) {
+bool writeAtomically(const std::string& path, std::span<const std::byte> content, FileWriting writing) {
     std::string target = path;
     if (char* real = ::realpath(path.c_str(), nullptr)) {
         target = real;  // a symbolic link stays what it is
         std::free(real);
     }
     std::string temporary;
-    Descriptor file(createBeside(target, temporary));
+    Descriptor file(createBeside(target, temporary, writing));
     if (!file) return false;
     bool isWritten = writeAll(file, content) && ::fsync(file) == 0 && file.close() &&
                      ::rename(temporary.c_str(), target.c_str()) == 0;
@@ -98,7 +101,8 @@ bool readFile(const std::string& path, std::vector<std::byte>& content) {
 }
 
 bool writeFile(const std::string& path, std::span<const std::byte> content, FileWriting writing) {
-    return writing == FileWriting::atomic ? writeAtomically(path, content) : writeDirectly(path, content);
+    return writing == FileWriting::direct ? writeDirectly(path, content)
+                                          : writeAtomically(path, content, writing);
 }
 
 }  // namespace pelvor

@@ -13,9 +13,10 @@ namespace pelvor {
 /// holds 2^32 bytes or more.
 bool readFile(const std::string& path, std::vector<std::byte>& content);
 
-enum class FileWriting : bool {
+enum class FileWriting : unsigned char {
     direct,
-    atomic  ///< by way of another file in the same folder that takes the name when it is complete
+    atomic,        ///< by way of another file in the same folder that takes the name when it is complete
+    atomicPrivate  ///< the same, and nobody else than the user may read or write the file, also an old one
 };
 
 /// Writes a file, new or in the place of an old one, whose access rights it keeps. False on failure.

@@ -25,6 +25,7 @@
 #include "Foundation/NSRecursiveLock.h"
 #include "Foundation/NSString.h"
 #include "Foundation/NSThread.h"
+#include "Foundation/NSUserDefaults.h"
 #include "Foundation/PropertyListCategoriesPrivate.h"
 #include "Runtime/RuntimeLibrary.h"
 
@@ -81,6 +82,7 @@ constexpr Class* kClasses[] = {
     &NSTableMutableSet::classRecord,
     &NSTableSet::classRecord,
     &NSThread::classRecord,
+    &NSUserDefaults::classRecord,
     &NSValue::classRecord,
 };
 // clang-format on
