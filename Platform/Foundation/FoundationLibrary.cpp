@@ -9,6 +9,7 @@
 #include "Foundation/ConcreteSetsPrivate.h"
 #include "Foundation/ConcreteValuesPrivate.h"
 #include "Foundation/NSBufferStringPrivate.h"
+#include "Foundation/NSBundle.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSConditionLock.h"
 #include "Foundation/NSCountedSet.h"
@@ -41,6 +42,7 @@ constexpr Class* kClasses[] = {
     &NSArrayEnumerator::classRecord,
     &NSBufferArray::classRecord,
     &NSBufferString::classRecord,
+    &NSBundle::classRecord,
     &NSCharacterSet::classRecord,
     &NSConditionLock::classRecord,
     &NSConstantString::classRecord,

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+// BundleLoader: brings a bundle's code into the process; for Foundation's own sources.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Foundation/NSBundle.h"
+
+namespace pelvor {
+
+struct BundleContents;
+
+/// Why a bundle was not loaded.
+struct BundleFault {
+    const char* stage;  ///< "information", "identifier", "executable", "code" or "registration"
+    std::string reason;
+};
+
+class BundleLoader {
+  public:
+    enum class Outcome { loaded, wasLoaded };
+
+    /// Loads the bundle's code and registers its classes, whose names `classNames` receives. Throws
+    /// BundleFault. One bundle at a time; a bundle may be loaded while another one is.
+    static Outcome load(NSBundle* bundle, std::vector<std::string>& classNames);
+
+  private:
+    explicit BundleLoader(NSBundle* bundle);
+
+    void run(std::vector<std::string>& classNames);
+    void checkInformation();
+    void checkIdentifier();
+    void* loadCode(const std::string& executable);
+    Library* findLibrary(void* handle);
+    void registerClasses(Library* library, std::vector<std::string>& classNames);
+
+    NSBundle* _bundle;
+    BundleContents& _contents;
+};
+
+}  // namespace pelvor

@@ -1,0 +1,254 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSBundle.h"
+
+#include <gmock/gmock.h>
+
+#include "BundleTestSupport.h"
+#include "Foundation/NSArray.h"
+#include "Foundation/NSDictionary.h"
+#include "Foundation/NSThread.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/Message.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+std::string text(id object) { return object ? object->description()->toUTF8() : "(none)"; }
+
+// Paths relative to the folder.
+std::vector<std::string> names(NSArray* paths, const fs::path& folder) {
+    std::vector<std::string> names;
+    for (id path : paths) names.push_back(fs::path(text(path)).lexically_relative(folder).string());
+    return names;
+}
+
+class NSBundleTest : public ::testing::Test {
+  protected:
+    AutoreleasePool pool;
+    BundleFolder folder;
+};
+
+TEST_F(NSBundleTest, APlainProgramHasItsFolderAsTheMainBundle) {
+    auto* main = NSBundle::mainBundle();
+    fs::path program = fs::canonical("/proc/self/exe");
+    EXPECT_EQ(text(main->bundlePath()), program.parent_path());
+    EXPECT_EQ(text(main->executablePath()), program);
+    EXPECT_EQ(main->infoDictionary()->count(), 0u);
+    EXPECT_TRUE(main->isLoaded() && main->load());
+    EXPECT_EQ(main->bundleIdentifier(), nullptr);
+    EXPECT_EQ(NSBundle::allBundles()->objectAtIndex(0), main);
+    EXPECT_EQ(bundleAt(program.parent_path()), main);
+}
+
+TEST_F(NSBundleTest, AFolderHasOneBundleWhateverItIsCalled) {
+    fs::path path = folder.makeBundle("A.bundle", {});
+    auto* bundle = bundleAt(path);
+    ASSERT_TRUE(bundle);
+    fs::create_symlink(path, folder.path() / "Link.bundle");
+    EXPECT_EQ(bundleAt(folder.path() / "Link.bundle"), bundle);
+    EXPECT_EQ(bundleAt(path.string() + "/"), bundle);
+    EXPECT_EQ(bundleAt(path / "Contents/.."), bundle);
+    EXPECT_EQ(NSBundle::initWithPath(stringOf(path)).get(), bundle);
+    EXPECT_EQ(text(bundle->bundlePath()), path);
+
+    EXPECT_EQ(bundleAt(folder.path() / "None.bundle"), nullptr);
+    EXPECT_EQ(bundleAt(path / "Contents/Info.plist"), nullptr);
+    EXPECT_EQ(bundleAt(""), nullptr);
+    EXPECT_EQ(NSBundle::bundleWithPath(nullptr), nullptr);
+}
+
+TEST_F(NSBundleTest, BundlesAreListedInTheOrderInWhichTheyWereAskedFor) {
+    NSUInteger before = NSBundle::allBundles()->count();
+    NSUInteger frameworksBefore = NSBundle::allFrameworks()->count();
+    auto* b = bundleAt(folder.makeBundle("B.bundle", {{"CFBundleIdentifier", "test.list.b"}}));
+    auto* f = bundleAt(folder.makeBundle("F.framework", {{"CFBundleIdentifier", "test.list.f"}}));
+    auto* a = bundleAt(folder.makeBundle("A.bundle", {{"CFBundleIdentifier", "test.list.a"}}));
+    fs::path plain = folder.path() / "Plain";
+    fs::create_directories(plain);
+    auto* registered = NSBundle::registerFramework(stringOf(plain));
+
+    NSArray* bundles = NSBundle::allBundles();
+    ASSERT_EQ(bundles->count(), before + 2);
+    EXPECT_EQ(bundles->objectAtIndex(before), b);
+    EXPECT_EQ(bundles->objectAtIndex(before + 1), a);
+    NSArray* frameworks = NSBundle::allFrameworks();
+    ASSERT_EQ(frameworks->count(), frameworksBefore + 2);
+    EXPECT_EQ(frameworks->objectAtIndex(frameworksBefore), f);
+    EXPECT_EQ(frameworks->objectAtIndex(frameworksBefore + 1), registered);
+    EXPECT_EQ(NSBundle::bundleWithIdentifier(u"test.list.a"_ns), a);
+    EXPECT_EQ(NSBundle::bundleWithIdentifier(u"test.list.f"_ns), f);
+    EXPECT_EQ(NSBundle::bundleWithIdentifier(u"test.list.c"_ns), nullptr);
+    EXPECT_EQ(NSBundle::registerFramework(u"/no/such/folder"_ns), nullptr);
+}
+
+TEST_F(NSBundleTest, AFolderOfBundlesIsReadInTheOrderOfNames) {
+    for (const char* name : {"b.bundle", "a.bundle", "C.bundle", "other.folder"}) folder.makeBundle(name, {});
+    folder.write("file.bundle", "");
+    LogLines log;
+    std::vector<std::string> found;
+    for (id bundle : NSBundle::bundlesInDirectory(stringOf(folder.path())))
+        found.push_back(fs::path(text(static_cast<NSBundle*>(bundle)->bundlePath())).filename());
+    EXPECT_THAT(found, ElementsAre("C.bundle", "a.bundle", "b.bundle"));
+    EXPECT_EQ(NSBundle::bundlesInDirectory(u"/no/such/folder"_ns)->count(), 0u);
+    EXPECT_EQ(NSBundle::bundlesInDirectory(nullptr)->count(), 0u);
+    EXPECT_THAT(log.lines, IsEmpty());
+    EXPECT_EQ(NSBundle::bundlesInDirectory(stringOf(folder.path() / "file.bundle"))->count(), 0u);
+    EXPECT_EQ(log.lines.size(), 1u);
+}
+
+TEST_F(NSBundleTest, InformationIsReadFromTheFolder) {
+    auto* bundle = bundleAt(folder.makeBundle(
+        "A.bundle",
+        {{"CFBundleIdentifier", "test.info"}, {"CFBundleExecutable", "A.so"}, {"Colour", "red"}}));
+    folder.write("A.bundle/Contents/Resources/en.lproj/InfoPlist.strings", "\"Colour\" = \"crimson\";");
+    fs::path contents = folder.path() / "A.bundle/Contents";
+    EXPECT_EQ(text(bundle->bundleIdentifier()), "test.info");
+    EXPECT_EQ(text(bundle->executablePath()), contents / "Linux/A.so");
+    EXPECT_EQ(text(bundle->resourcePath()), contents / "Resources");
+    EXPECT_EQ(text(bundle->builtInPlugInsPath()), contents / "PlugIns");
+    EXPECT_EQ(text(bundle->infoDictionary()->objectForKey(u"Colour"_ns)), "red");
+    EXPECT_EQ(text(bundle->objectForInfoDictionaryKey(u"Colour"_ns)), "crimson");
+    EXPECT_EQ(text(bundle->objectForInfoDictionaryKey(u"CFBundleIdentifier"_ns)), "test.info");
+    EXPECT_EQ(bundle->objectForInfoDictionaryKey(u"Shape"_ns), nullptr);
+
+    auto* bare = bundleAt(folder.makeBundle("Bare.bundle", {}));
+    EXPECT_EQ(bare->localizedInfoDictionary(), nullptr);
+    EXPECT_EQ(bare->executablePath(), nullptr);
+}
+
+TEST_F(NSBundleTest, ResourcesAreFoundByNameTypeFolderAndLanguage) {
+    fs::path bundlePath = folder.makeBundle("A.bundle", {});
+    fs::path resources = bundlePath / "Contents/Resources";
+    for (const char* file :
+         {"Pages.plist", "b.png", "a.png", "Sub/c.png", "Sub/a.tar.gz", "de.lproj/Pages.plist",
+          "de.lproj/d.png", "de.lproj/b.png", "fr.lproj/f.png", "en.lproj/Sub/e.png"})
+        folder.write(resources / file, "");
+    auto* bundle = bundleAt(bundlePath);
+    LanguageScope languages("de:en");
+    struct {
+        NSString *name, *type, *subfolder;
+        const char* found;
+    } const rows[] = {
+        {u"Pages"_ns, u"plist"_ns, nullptr, "Pages.plist"},
+        {u"Pages.plist"_ns, nullptr, nullptr, "Pages.plist"},
+        {u"Pages.plist"_ns, u""_ns, u""_ns, "Pages.plist"},
+        {u"Pages"_ns, u".plist"_ns, nullptr, "Pages.plist"},
+        {u"d"_ns, u"png"_ns, nullptr, "de.lproj/d.png"},
+        {u"e"_ns, u"png"_ns, u"Sub"_ns, "en.lproj/Sub/e.png"},
+        {u"a"_ns, u"tar.gz"_ns, u"Sub"_ns, "Sub/a.tar.gz"},
+        {nullptr, u"png"_ns, nullptr, "a.png"},
+        {u"f"_ns, u"png"_ns, nullptr, nullptr},
+        {u"/etc/passwd"_ns, nullptr, nullptr, nullptr},
+        {nullptr, nullptr, nullptr, nullptr},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(text(bundle->pathForResource_ofType_inDirectory(row.name, row.type, row.subfolder)),
+                  row.found ? (resources / row.found).string() : "(none)");
+    EXPECT_EQ(text(bundle->pathForResource_ofType_inDirectory_forLocalization(u"f"_ns, u"png"_ns, nullptr,
+                                                                              u"fr"_ns)),
+              resources / "fr.lproj/f.png");
+    EXPECT_THAT(names(bundle->pathsForResourcesOfType_inDirectory(u"png"_ns, nullptr), resources),
+                ElementsAre("a.png", "b.png", "de.lproj/d.png"));
+    EXPECT_THAT(names(bundle->pathsForResourcesOfType_inDirectory(nullptr, u"Sub"_ns), resources),
+                ElementsAre("Sub/a.tar.gz", "Sub/c.png", "en.lproj/Sub/e.png"));
+}
+
+TEST_F(NSBundleTest, AFolderWithoutContentsIsABundleAsWell) {
+    folder.write("Flat/Info.plist",
+                 propertyList("<dict><key>CFBundleIdentifier</key><string>flat</string></dict>"));
+    folder.write("Flat/picture.png", "");
+    auto* bundle = bundleAt(folder.path() / "Flat");
+    EXPECT_EQ(text(bundle->bundleIdentifier()), "flat");
+    EXPECT_EQ(text(bundle->pathForResource_ofType(u"picture"_ns, u"png"_ns)),
+              folder.path() / "Flat/picture.png");
+}
+
+// MARK: Classes
+
+TEST_F(NSBundleTest, ClassesOfTheProgramAndItsLibrariesAreTheMainBundles) {
+    auto* main = NSBundle::mainBundle();
+    EXPECT_EQ(NSBundle::bundleForClass(NSBundle::classObject()), main);
+    EXPECT_EQ(NSBundle::bundleForClass(Class::createSubclass("MadeForBundles", NSObject::classObject())),
+              main);
+    EXPECT_EQ(NSBundle::bundleForClass(nullptr), nullptr);
+    EXPECT_EQ(main->classNamed(u"NSBundle"_ns), NSBundle::classObject());
+    EXPECT_EQ(main->classNamed(u"NoSuchClass"_ns), nullptr);
+}
+
+extern Library frameworkLibrary;
+class Frame : public NSObject {
+    PELVOR_CLASS(Frame, NSObject);
+};
+PELVOR_DEFINE_CLASS(Frame, frameworkLibrary) {}
+constexpr Class* kFrameworkClasses[] = {&Frame::classRecord};
+constinit Library frameworkLibrary{"FrameworkTest", {}, kFrameworkClasses, {}};
+
+TEST_F(NSBundleTest, ClassesOfAFrameworksLibraryAreTheFrameworks) {
+    registerLibrary(frameworkLibrary);
+    fs::path path = folder.makeBundle("Frames.framework", {{"CFBundleIdentifier", "test.frames"}});
+    auto* framework = NSBundle::registerFramework_library(stringOf(path), frameworkLibrary);
+    EXPECT_TRUE(framework->isLoaded());
+    EXPECT_EQ(NSBundle::bundleForClass(Frame::classObject()), framework);
+    EXPECT_EQ(NSBundle::bundleForClass(Class::createSubclass("RuntimeFrame", Frame::classObject())),
+              framework);
+    EXPECT_EQ(framework->principalClass(), Frame::classObject());
+    EXPECT_EQ(framework->classNamed(u"NSBundle"_ns), nullptr);
+}
+
+// MARK: Set-up
+
+// In a process of their own, where bundles have not been set up.
+class NSBundleDeathTest : public ::testing::Test {
+  protected:
+    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+int resolvings = 0;
+NSString* leaveAsItIs(NSString* path) {
+    ++resolvings;
+    return path;
+}
+
+TEST_F(NSBundleDeathTest, SetUpResolvesPathsByTheMethodOfTheMoment) {
+    auto setUp = [] {
+        registerLibrary(*NSBundle::classObject()->library());
+        SEL selector = "stringByResolvingSymlinksInPath"_sel;
+        auto* cls = NSString::ofUTF8("/tmp")->isa();
+        auto replacement = implementation<"stringByResolvingSymlinksInPath", &leaveAsItIs>();
+        auto previous = cls->replaceImplementation(selector, replacement);
+        send(NSBundle::classObject(), "initialize"_sel);
+        cls->replaceImplementation(selector, previous);
+        send(NSBundle::classObject(), "initialize"_sel);  // does nothing more
+        std::exit(resolvings == 1 && NSBundle::mainBundle() ? 0 : 1);
+    };
+    EXPECT_EXIT(setUp(), ::testing::ExitedWithCode(0), "");
+}
+
+void touchedTooEarly(Class*) { std::exit(3); }
+
+TEST_F(NSBundleDeathTest, EveryUseOfBundlesProvokesTheirSetUp) {
+    NSBundle* (*const uses[])() = {
+        [] { return NSBundle::mainBundle(); },
+        [] { return NSBundle::bundleWithPath(u"/tmp"_ns); },
+        [] { return NSBundle::bundleForClass(NSString::classObject()); },
+        [] { return NSBundle::bundleWithIdentifier(u"any"_ns); },
+        [] { return static_cast<NSBundle*>(NSBundle::allBundles()->lastObject()); },
+        [] { return static_cast<NSBundle*>(NSBundle::allFrameworks()->lastObject()); },
+        [] { return send<NSBundle*>(NSBundle::classObject(), "mainBundle"_sel); },
+    };
+    auto provoke = [](auto use) {
+        registerLibrary(*NSBundle::classObject()->library());
+        NSBundle::classObject()->metaclass()->replaceImplementation(
+            "initialize"_sel, classImplementation<"initialize", &touchedTooEarly>());
+        use();
+        std::exit(0);
+    };
+    for (auto use : uses) EXPECT_EXIT(provoke(use), ::testing::ExitedWithCode(3), "");
+}
+
+}  // namespace
+}  // namespace pelvor::testing
