@@ -6,6 +6,7 @@
 #include "NSObject-PelvorAdditions.h"
 #include "PBMutableNumber.h"
 #include "PBPostLoader.h"
+#include "PBRegistry.h"
 #include "PBUtil.h"
 #include "assertions.h"
 
@@ -17,13 +18,13 @@ constexpr Library* kDependencies[] = {&foundationLibrary};
 // Alphabetical; a superclass is registered before its subclasses wherever it stands.
 constexpr Class* kClasses[] = {
     &PBMutableIntNumber::classRecord, &PBMutableNumber::classRecord, &PBPostLoader::classRecord,
-    &PBUniqueObject::classRecord,     &PBUtil_Dummy::classRecord,    &_PBAssertionWarning::classRecord,
+    &PBProfile::classRecord,          &PBProfileSet::classRecord,    &PBRegistry::classRecord,
+    &PBUniqueObject::classRecord,     &PBUtil_Dummy::classRecord, &_PBAssertionWarning::classRecord,
 };
 
 constexpr const Category* kCategories[] = {
-    &NSInvocation_PelvorAdditions_category,
-    &NSObject_PelvorAdditions_category,
-    &NSObject_PelvorDebugMenus_category,
+    &NSInvocation_PelvorAdditions_category, &NSObject_PBProfileAccess_category,
+    &NSObject_PelvorAdditions_category,     &NSObject_PelvorDebugMenus_category,
     &NSPathStore2_OFOverrides_category,
 };
 

@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PBRegistry.h"
+
+#include "BaseLibrary.h"
+#include "Foundation/NSArray.h"
+#include "Foundation/NSDictionary-PropertyList.h"
+#include "Foundation/NSLog.h"
+#include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSNotificationCenter.h"
+#include "ProfileIndexPrivate.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/Message.h"
+
+namespace pelvor {
+namespace {
+
+constinit PBRegistry* theSharedRegistry = nullptr;
+
+void defineProfileAccess(MethodTable<NSObject>& methods) {
+    methods.classLevel<"identifier", &NSObject_PBProfileAccess::identifier>();
+}
+
+}  // namespace
+
+constinit NSString* const PBProfilesDidChangeNotification = u"PBProfilesDidChangeNotification"_ns;
+constinit NSString* const PBProfilesKey = u"Profiles"_ns;
+constinit NSString* const PBDisabledProfilesKey = u"DisabledProfiles"_ns;
+
+constinit const Category NSObject_PBProfileAccess_category =
+    Category::of<NSObject, defineProfileAccess>("PBProfileAccess");
+
+id NSObject_PBProfileAccess::identifier() { return nullptr; }
+
+PELVOR_DEFINE_CLASS(PBRegistry, baseLibrary) {
+    methods.classLevel<"initialize", &PBRegistry::initialize>();
+    methods.classLevel<"sharedRegistry", &PBRegistry::sharedRegistry>();
+    methods.classLevel<"setSharedRegistry:", &PBRegistry::setSharedRegistry>();
+    methods.classLevel<"init", &PBRegistry::init>();
+    methods.instance<"startRegistry", &PBRegistry::startRegistry>();
+    methods.instance<"addProfilesFromBundle:", &PBRegistry::addProfilesFromBundle>();
+    methods.instance<"addProfilesFromPath:bundle:", &PBRegistry::addProfilesFromPath_bundle>();
+    methods.instance<"addProfile:", &PBRegistry::addProfile>();
+    methods.instance<"_postProfilesDidChange", &PBRegistry::_postProfilesDidChange>();
+    methods.instance<"localize:usingProfileNamed:", &PBRegistry::localize_usingProfileNamed>();
+}
+
+// Holds back the notification of changes while it lives.
+class PBRegistry::Suspension {
+  public:
+    explicit Suspension(PBRegistry* registry) : _registry(registry) {
+        ++_registry->_suspendProfilesDidChange;
+    }
+    ~Suspension() { --_registry->_suspendProfilesDidChange; }
+    Suspension(const Suspension&) = delete;
+    Suspension& operator=(const Suspension&) = delete;
+
+  private:
+    PBRegistry* _registry;
+};
+
+PBRegistry::PBRegistry() = default;
+PBRegistry::~PBRegistry() = default;
+
+// Subclasses inherit `initialize`; the shared registry is made once.
+void PBRegistry::initialize(Class* cls) {
+    if (cls == classObject() && !theSharedRegistry) theSharedRegistry = init().leak();
+}
+
+PBRegistry* PBRegistry::sharedRegistry() {
+    classRecord.initializeIfNeeded();
+    return theSharedRegistry;
+}
+
+void PBRegistry::setSharedRegistry(PBRegistry* registry) {
+    classRecord.initializeIfNeeded();
+    auto previous = Retained<PBRegistry>::adopting(theSharedRegistry);
+    theSharedRegistry = Retained<PBRegistry>::retaining(registry).leak();
+}
+
+Retained<PBRegistry> PBRegistry::init(Class* cls) {
+    requireSubclass(cls, classObject());
+    auto set = PBProfileSet::init(cls);
+    auto self = Retained<PBRegistry>::adopting(static_cast<PBRegistry*>(set.leak()));
+    self->_profiles = NSMutableDictionary::init();
+    self->_indexes = std::make_unique<ProfileIndexes>(self->_profiles);
+    return self;
+}
+
+void PBRegistry::startRegistry() {
+    AutoreleasePool pool;
+    addProfilesFromBundles(NSBundle::allFrameworks());
+    addProfilesFromBundles(NSBundle::allBundles());
+}
+
+// Of one identifier the last profile stays, so going backwards the first bundle wins.
+void PBRegistry::addProfilesFromBundles(NSArray* bundles) {
+    for (NSUInteger i = bundles->count(); i-- > 0;)
+        addProfilesFromBundle(static_cast<NSBundle*>(bundles->objectAtIndex(i)));
+}
+
+void PBRegistry::addProfilesFromBundle(NSBundle* bundle) {
+    NSString* path = bundle ? bundle->pathForResource_ofType(PBProfilesKey, u"plist"_ns) : nullptr;
+    addProfilesFromPath_bundle(path, bundle);
+}
+
+void PBRegistry::addProfilesFromPath_bundle(NSString* path, NSBundle* bundle) {
+    {
+        AutoreleasePool pool;
+        Suspension suspension(this);
+        if (NSDictionary* declarations =
+                path ? NSDictionary_PropertyList::dictionaryWithContentsOfFile(path) : nullptr)
+            addDeclarations_bundle(declarations, bundle);
+    }
+    _postProfilesDidChange();
+}
+
+void PBRegistry::addDeclarations_bundle(NSDictionary* declarations, NSBundle* bundle) {
+    id declared = declarations->objectForKey(PBProfilesKey);
+    if (!declared) return;
+    auto* profiles = cast<NSDictionary>(declared);
+    if (!profiles) return NSLog(u"Profiles Wrong kind of class! got: %@"_ns, declared->class_());
+    auto* disabled = cast<NSArray>(declarations->objectForKey(PBDisabledProfilesKey));
+    NSArray* identifiers = profiles->allKeys();
+    for (NSUInteger i = identifiers->count(); i-- > 0;) {
+        id identifier = identifiers->objectAtIndex(i);
+        if (disabled && disabled->containsObject(identifier)) continue;
+        id entry = profiles->objectForKey(identifier);
+        if (auto* dictionary = cast<NSDictionary>(entry))
+            addProfile(PBProfile::profileWithIdentifier_dictionary_bundle(identifier, dictionary, bundle));
+        else
+            NSLog(u"profile '%@' should be a dictionary! got: %@"_ns, identifier, entry->class_());
+    }
+}
+
+// A registry that was made by another initialiser than its own may hold no dictionary or a constant one.
+NSMutableDictionary* PBRegistry::mutableProfiles() {
+    if (!_profiles) _profiles = NSMutableDictionary::init();
+    if (!cast<NSMutableDictionary>(_profiles)) _profiles = _profiles->mutableCopy();
+    return static_cast<NSMutableDictionary*>(_profiles.get());
+}
+
+// A profile that goes takes the indexes with it, for they borrow the profiles.
+void PBRegistry::addProfile(PBProfile* profile) {
+    id identifier = profile ? profile->identifier() : nullptr;
+    NSMutableDictionary* profiles = mutableProfiles();
+    NSUInteger count = profiles->count();
+    if (identifier && profiles->objectForKey(identifier)) _indexes.reset();
+    profiles->setObject_forKey(profile, identifier);
+    if (_indexes && profiles->count() > count) _indexes->add(identifier, profile);
+    ++_version;
+    _postProfilesDidChange();
+}
+
+std::vector<ProfileCandidate> PBRegistry::candidates(const ProfileQuery& query) {
+    if (!_indexes) _indexes = std::make_unique<ProfileIndexes>(_profiles);
+    return _indexes->candidates(query);
+}
+
+void PBRegistry::_postProfilesDidChange() {
+    if (_suspendProfilesDidChange) return;
+    auto* centre = send<NSNotificationCenter*>(this, "notificationCenter"_sel);
+    if (centre) centre->postNotificationName_object(PBProfilesDidChangeNotification, this);
+}
+
+NSString* PBRegistry::localize_usingProfileNamed(NSString* string, id identifier) {
+    if (identifier)
+        if (PBProfile* profile = profileWithIdentifier(identifier)) return profile->localize(string);
+    return NSBundle::mainBundle()->localizedStringForKey_value_table(string, u""_ns, nullptr);
+}
+
+}  // namespace pelvor

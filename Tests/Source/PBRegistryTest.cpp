@@ -1,0 +1,259 @@
+// SPDX-License-Identifier: Apache-2.0
+// Tests of declaration files and of the registry that reads them.
+#include "PBRegistry.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include "Foundation/NSLog.h"
+#include "Foundation/NSNotificationCenter.h"
+#include "PBProfileKeys.h"
+#include "ProfileFixture.h"
+#include "Runtime/Message.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+namespace {
+
+using testing::isSame;
+using testing::makeProfile;
+using testing::names;
+using testing::SharedRegistry;
+using testing::TemporaryBundle;
+using testing::TemporaryFolder;
+using Names = std::set<std::string>;
+
+extern Library registryTestLibrary;
+
+// Counts the notifications of one registry.
+class PBTestChangeCounter : public NSObject {
+    PELVOR_CLASS(PBTestChangeCounter, NSObject);
+
+  public:
+    void profilesDidChange(NSNotification* notification) {
+        ++count;
+        EXPECT_EQ(notification->userInfo(), nullptr);
+    }
+    int count = 0;
+
+  protected:
+    PBTestChangeCounter() = default;
+    ~PBTestChangeCounter() = default;
+};
+
+// Notes which bundles it is asked to read instead of reading them, or fails at each profile.
+class PBTestRegistry : public PBRegistry {
+    PELVOR_CLASS(PBTestRegistry, PBRegistry);
+
+  public:
+    void addProfilesFromBundle(NSBundle* bundle) override {
+        if (notesBundles)
+            bundles.push_back(bundle);
+        else
+            PBRegistry::addProfilesFromBundle(bundle);
+    }
+    void addProfile(PBProfile* profile) override {
+        if (fails) throw NSException(NSGenericException, "full");
+        PBRegistry::addProfile(profile);
+    }
+    bool notesBundles = false;
+    bool fails = false;
+    std::vector<NSBundle*> bundles;
+
+  protected:
+    PBTestRegistry() = default;
+    ~PBTestRegistry() = default;
+};
+
+PELVOR_DEFINE_CLASS(PBTestChangeCounter, registryTestLibrary) {
+    methods.instance<"profilesDidChange:", &PBTestChangeCounter::profilesDidChange>();
+}
+PELVOR_DEFINE_CLASS(PBTestRegistry, registryTestLibrary) {}
+
+constexpr Class* kClasses[] = {&PBTestChangeCounter::classRecord, &PBTestRegistry::classRecord};
+constinit Library registryTestLibrary{"RegistryTest", {}, kClasses, {}};
+
+Retained<PBTestRegistry> makeTestRegistry() {
+    auto registry = PBRegistry::init(PBTestRegistry::classObject());
+    return Retained<PBTestRegistry>::retaining(cast<PBTestRegistry>(registry));
+}
+
+class PBRegistryTest : public ::testing::Test {
+  protected:
+    void SetUp() override { observe(registry); }
+    void TearDown() override { NSNotificationCenter::defaultCenter()->removeObserver(counter); }
+
+    void observe(PBRegistry* sender) {
+        NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
+            counter, "profilesDidChange:"_sel, PBProfilesDidChangeNotification, sender);
+    }
+    void read(const std::string& text, NSBundle* bundle = nullptr) {
+        registry->addProfilesFromPath_bundle(folder.write("Profiles.plist", text), bundle);
+    }
+
+    AutoreleasePool pool;
+    TemporaryFolder folder;
+    Retained<PBRegistry> registry = PBRegistry::init();
+    SharedRegistry shared{registry};
+    Retained<PBTestChangeCounter> counter = make<PBTestChangeCounter>();
+};
+
+TEST_F(PBRegistryTest, OneRegistryIsSharedUntilItIsReplaced) {
+    EXPECT_EQ(PBRegistry::sharedRegistry(), registry.get());
+    EXPECT_EQ(send<id>(PBRegistry::classObject(), "sharedRegistry"_sel), registry.get());
+    std::uint32_t count = registry->retainCount();
+    PBRegistry::setSharedRegistry(registry);
+    EXPECT_EQ(registry->retainCount(), count);
+    {
+        SharedRegistry none(nullptr);
+        EXPECT_EQ(PBRegistry::sharedRegistry(), nullptr);
+        (void)make<PBTestRegistry>();
+        EXPECT_EQ(PBRegistry::sharedRegistry(), nullptr) << "a subclass made it anew";
+        EXPECT_EQ(registry->retainCount(), count);
+    }
+}
+
+TEST_F(PBRegistryTest, EveryProfileThatIsAddedCountsAndPosts) {
+    EXPECT_EQ(registry->setVersion(), 0u);
+    PBProfile* first = makeProfile(u"rtf"_ns, nullptr);
+    PBProfile* second = makeProfile(u"rtf"_ns, nullptr);
+    registry->addProfile(first);
+    registry->addProfile(second);
+    EXPECT_EQ(registry->profileWithIdentifier(u"rtf"_ns), second);
+    EXPECT_EQ(registry->setVersion(), 2u);
+    EXPECT_EQ(counter->count, 2);
+    EXPECT_EQ(names(registry), Names{"rtf"});
+}
+
+TEST_F(PBRegistryTest, RefusesWhatHasNoIdentifierAndChangesNothing) {
+    EXPECT_THROW(registry->addProfile(nullptr), NSException);
+    EXPECT_THROW(registry->addProfile(makeProfile(nullptr, nullptr)), NSException);
+    EXPECT_EQ(registry->setVersion(), 0u);
+    EXPECT_EQ(counter->count, 0);
+}
+
+TEST_F(PBRegistryTest, AFileCountsItsProfilesAndPostsOnce) {
+    TemporaryBundle plugIn("Formats");
+    read("{ Profiles = { a = {type = coder;}; b = {}; c = {}; d = {}; e = {}; }; }", plugIn.bundle());
+    EXPECT_EQ(registry->setVersion(), 5u);
+    EXPECT_EQ(counter->count, 1);
+    PBProfile* profile = registry->profileWithIdentifier(u"a"_ns);
+    EXPECT_TRUE(isSame(profile->type(), PBProfileCoderType));
+    EXPECT_EQ(profile->bundle(), plugIn.bundle());
+}
+
+TEST_F(PBRegistryTest, PostsEvenWhenThereIsNothingToRead) {
+    registry->addProfilesFromPath_bundle(NSString::ofUTF8((folder.path() / "missing.plist").string()), nullptr);
+    registry->addProfilesFromPath_bundle(nullptr, nullptr);
+    registry->addProfilesFromBundle(nullptr);
+    for (const char* text : {"", "{ Profiles = {", "(Profiles)", "{ Other = {}; }", "{ Profiles = {}; }"})
+        read(text);
+    EXPECT_EQ(counter->count, 8);
+    EXPECT_EQ(registry->setVersion(), 0u);
+}
+
+TEST_F(PBRegistryTest, LogsProfilesOfTheWrongKindAndGoesOn) {
+    std::vector<std::string> lines;
+    LogSinkScope scope([&](const LogEntry& entry) { lines.emplace_back(entry.text); });
+    read("{ Profiles = (a, b); }");
+    read("{ Profiles = { rtf = plain; txt = {}; }; }");
+    EXPECT_EQ(names(registry), Names{"txt"});
+    EXPECT_EQ(counter->count, 2);
+    EXPECT_THAT(lines, ::testing::ElementsAre(
+                           ::testing::MatchesRegex("Profiles Wrong kind of class! got: NS[A-Za-z]*Array"),
+                           ::testing::MatchesRegex(
+                               "profile 'rtf' should be a dictionary! got: NS[A-Za-z]*String")));
+}
+
+TEST_F(PBRegistryTest, AFileDisablesOnlyItsOwnProfiles) {
+    read("{ Profiles = { rtf = {type = old;}; txt = {}; }; DisabledProfiles = (rtf, html); }");
+    EXPECT_EQ(names(registry), Names{"txt"});
+    read("{ Profiles = { rtf = {type = new;}; html = {}; }; DisabledProfiles = rtf; }");
+    EXPECT_EQ(names(registry), (Names{"html", "rtf", "txt"}));
+    EXPECT_EQ(registry->setVersion(), 3u);
+}
+
+TEST_F(PBRegistryTest, FindsTheDeclarationsAmongABundlesResources) {
+    TemporaryBundle plugIn("Formats");
+    plugIn.write(
+        "Profiles.plist",
+        "<plist version=\"1.0\"><dict><key>Profiles</key><dict><key>rtf</key>"
+        "<dict><key>reads text pboard</key><array><string>val</string></array></dict></dict></dict></plist>");
+    registry->addProfilesFromBundle(plugIn.bundle());
+    PBProfile* profile = registry->profileWithIdentifier(u"rtf"_ns);
+    ASSERT_NE(profile, nullptr);
+    EXPECT_EQ(profile->bundle(), plugIn.bundle());
+    TemporaryBundle silent("Silent");
+    registry->addProfilesFromBundle(silent.bundle());
+    EXPECT_EQ(names(registry), Names{"rtf"});
+    EXPECT_EQ(counter->count, 2);
+}
+
+TEST_F(PBRegistryTest, StartsWithTheLastFrameworkAndEndsWithTheFirstBundle) {
+    TemporaryBundle one("StartOne"), two("StartTwo");
+    NSBundle* held[] = {one.bundle(), two.bundle()};
+    ASSERT_NE(held[0], held[1]);
+    auto noting = makeTestRegistry();
+    noting->notesBundles = true;
+    noting->startRegistry();
+    std::vector<NSBundle*> expected;
+    for (NSArray* list : {NSBundle::allBundles(), NSBundle::allFrameworks()})
+        for (id bundle : list) expected.push_back(static_cast<NSBundle*>(bundle));
+    std::reverse(expected.begin(), expected.end());
+    EXPECT_EQ(noting->bundles, expected);
+    EXPECT_EQ(std::count(expected.begin(), expected.end(), NSBundle::mainBundle()), 1);
+}
+
+TEST_F(PBRegistryTest, OfTwoBundlesTheOneNearerTheFrontDeclaresTheProfile) {
+    TemporaryBundle one("RivalOne"), two("RivalTwo");
+    for (TemporaryBundle* bundle : {&one, &two})
+        bundle->write("Profiles.plist", "{Profiles = {rival = {};};}");
+    NSBundle* candidates[] = {one.bundle(), two.bundle()};
+    NSBundle* front = nullptr;
+    for (id bundle : NSBundle::allBundles())
+        if (!front && std::count(std::begin(candidates), std::end(candidates), bundle))
+            front = static_cast<NSBundle*>(bundle);
+    ASSERT_NE(front, nullptr);
+    registry->startRegistry();
+    EXPECT_EQ(registry->profileWithIdentifier(u"rival"_ns)->bundle(), front);
+    std::uint32_t version = registry->setVersion();
+    registry->startRegistry();
+    EXPECT_EQ(registry->setVersion(), 2 * version);
+}
+
+TEST_F(PBRegistryTest, PostsAgainAfterAFileThatFailed) {
+    auto failing = makeTestRegistry();
+    observe(failing);
+    failing->fails = true;
+    EXPECT_THROW(
+        failing->addProfilesFromPath_bundle(folder.write("p.plist", "{Profiles = {a = {};};}"), nullptr),
+        NSException);
+    EXPECT_EQ(counter->count, 0);
+    failing->fails = false;
+    failing->addProfile(makeProfile(u"a"_ns, nullptr));
+    EXPECT_EQ(counter->count, 1);
+}
+
+TEST_F(PBRegistryTest, ARegistryMadeWithoutItsOwnInitialiserTakesProfilesToo) {
+    auto members = NSDictionary::of({{u"a"_ns, makeProfile(u"a"_ns, nullptr)}});
+    auto set = PBProfileSet::initWithParent_value_key_any_version_profiles(
+        nullptr, nullptr, nullptr, false, 3, members, PBRegistry::classObject());
+    auto* made = cast<PBRegistry>(set);
+    made->addProfile(makeProfile(u"b"_ns, nullptr));
+    EXPECT_EQ(names(made), (Names{"a", "b"}));
+    EXPECT_EQ(made->setVersion(), 4u);
+}
+
+TEST_F(PBRegistryTest, LocalizesThroughTheNamedProfile) {
+    TemporaryBundle plugIn("Formats");
+    plugIn.write("Formats.strings", "\"_Rich\" = \"Reich\";");
+    NSDictionary* entries = NSDictionary::of({{PBProfileStringsKey, u"Formats"_ns}});
+    registry->addProfile(makeProfile(u"rtf"_ns, entries, plugIn.bundle()));
+    EXPECT_TRUE(isSame(registry->localize_usingProfileNamed(u"_Rich"_ns, u"rtf"_ns), u"Reich"_ns));
+    EXPECT_TRUE(isSame(registry->localize_usingProfileNamed(u"_Rich"_ns, u"nobody"_ns), u"_Rich"_ns));
+    EXPECT_TRUE(isSame(registry->localize_usingProfileNamed(u"_Rich"_ns, nullptr), u"_Rich"_ns));
+}
+
+}  // namespace
+}  // namespace pelvor
