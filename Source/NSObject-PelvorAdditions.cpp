@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "BaseLibrary.h"
+#include "Foundation/NSBundle.h"
 #include "Foundation/NSMutableSet.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSString.h"
@@ -22,9 +23,11 @@ Retained<Object> mutableCopyShallowly(NSObject* object) { return object->mutable
 
 void defineAdditions(MethodTable<NSObject>& methods) {
     using Additions = NSObject_PelvorAdditions;
+    methods.classLevel<"bundle", &Additions::bundle>();
     methods.classLevel<"classSelectorNames", &Additions::classSelectorNames>();
     methods.classLevel<"instanceSelectorNames", &Additions::instanceSelectorNames>();
     methods.instance<"notificationCenter", &notificationCenter>();
+    methods.instance<"bundle", &bundle>();
     methods.instanceAs<"deepCopy", &copyShallowly>();
     methods.instanceAs<"mutableDeepCopy", &mutableCopyShallowly>();
     methods.instance<"intForPerformSelector:", &intForPerformSelector>();
@@ -136,11 +139,15 @@ int performWithNumber(id object, SEL selector, Number argument) {
 constinit const Category NSObject_PelvorAdditions_category =
     Category::of<NSObject, defineAdditions>("PelvorAdditions");
 
+NSBundle* NSObject_PelvorAdditions::bundle(Class* cls) { return NSBundle::bundleForClass(cls); }
+
 NSSet* NSObject_PelvorAdditions::classSelectorNames(Class* cls) { return selectorNames(cls->metaclass()); }
 
 NSSet* NSObject_PelvorAdditions::instanceSelectorNames(Class* cls) { return selectorNames(cls); }
 
 NSNotificationCenter* notificationCenter(id) { return NSNotificationCenter::defaultCenter(); }
+
+NSBundle* bundle(id object) { return NSBundle::bundleForClass(object->class_()); }
 
 Retained<Object> deepCopy(NSObject* object) {
     registerLibrary(baseLibrary);

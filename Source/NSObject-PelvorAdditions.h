@@ -7,11 +7,14 @@
 namespace pelvor {
 
 struct Category;
+class NSBundle;
 class NSNotificationCenter;
 class NSSet;
 
 /// Class operations of every class.
 struct PELVOR_EXPORT NSObject_PelvorAdditions {
+    /// The bundle that holds the class; none for a class of none.
+    static NSBundle* bundle(Class* cls);
     /// The names, once each, of all selectors that the class itself answers: its class operations and its
     /// superclasses', and, as every class is an object, the instance operations of the root class.
     static NSSet* classSelectorNames(Class* cls);
@@ -21,6 +24,8 @@ struct PELVOR_EXPORT NSObject_PelvorAdditions {
 
 /// The process's default notification centre.
 PELVOR_EXPORT NSNotificationCenter* notificationCenter(id object);
+/// The bundle that holds the object's class.
+PELVOR_EXPORT NSBundle* bundle(id object);
 
 /// Copies of the object together with what it holds. They send `deepCopy` and `mutableDeepCopy`, which a
 /// class overrides that has something to copy deeply; of other objects they are `copy` and `mutableCopy`.

@@ -9,9 +9,12 @@
 #include <vector>
 
 #include "BaseLibrary.h"
+#include "Foundation/NSBundle.h"
 #include "Foundation/NSLog.h"
 #include "Foundation/NSNotificationCenter.h"
+#include "Foundation/NSPathStore2.h"
 #include "Foundation/NSThread.h"
+#include "PBRegistry.h"
 #include "PBUtil.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
@@ -117,36 +120,29 @@ void abortBundleInitialization() {
 // While it lives, path strings do not resolve symbolic links.
 class UnresolvedLinks {
   public:
-    UnresolvedLinks() : _pathClass(classNamed("NSPathStore2")) {
-        if (_pathClass)
-            _resolving =
-                PBReplaceMethodImplementationWithSelector(_pathClass, "stringByResolvingSymlinksInPath"_sel,
-                                                          "replacement_stringByResolvingSymlinksInPath"_sel);
+    UnresolvedLinks()
+        : _resolving(PBReplaceMethodImplementationWithSelector(NSPathStore2::classObject(), resolve(),
+                                                               "replacement_stringByResolvingSymlinksInPath"_sel)) {
     }
-    ~UnresolvedLinks() {
-        if (_resolving)
-            PBReplaceMethodImplementation(_pathClass, "stringByResolvingSymlinksInPath"_sel, _resolving);
-    }
+    ~UnresolvedLinks() { PBReplaceMethodImplementation(NSPathStore2::classObject(), resolve(), _resolving); }
 
   private:
-    Class* _pathClass;
+    static SEL resolve() { return "stringByResolvingSymlinksInPath"_sel; }
+
     IMP _resolving;
 };
 
-void defineOverrides(MethodTable<NSString>& methods) {
+void defineOverrides(MethodTable<NSPathStore2>& methods) {
     methods.instance<"replacement_stringByResolvingSymlinksInPath",
                      &replacement_stringByResolvingSymlinksInPath>();
 }
 
 }  // namespace
 
-NSString* replacement_stringByResolvingSymlinksInPath(NSString* path) { return path; }
+NSString* replacement_stringByResolvingSymlinksInPath(NSPathStore2* path) { return path; }
 
-constinit const Category NSPathStore2_OFOverrides_category = [] {
-    Category category = Category::of<NSString, defineOverrides>("OFOverrides");
-    category.className = "NSPathStore2";
-    return category;
-}();
+constinit const Category NSPathStore2_OFOverrides_category =
+    Category::of<NSPathStore2, defineOverrides>("OFOverrides");
 
 PELVOR_DEFINE_CLASS(PBPostLoader, baseLibrary) {
     methods.classLevel<"initialize", &PBPostLoader::initialize>();
@@ -155,6 +151,7 @@ PELVOR_DEFINE_CLASS(PBPostLoader, baseLibrary) {
     methods.classLevel<"processClassesStartingRegistry:posing:",
                        &PBPostLoader::processClassesStartingRegistry_posing>();
     methods.classLevel<"processSelector:initialize:", &PBPostLoader::processSelector_initialize>();
+    methods.classLevel<"bundleDidLoad:", &PBPostLoader::bundleDidLoad>();
     methods.classLevel<"isMultiThreaded", &PBPostLoader::isMultiThreaded>();
     methods.classLevel<"_processSelector:inClass:initialize:",
                        &PBPostLoader::_processSelector_inClass_initialize>();
@@ -171,6 +168,7 @@ void PBPostLoader::initialize(Class* cls) {
     processSelector_initialize("performPosing"_sel, false);
     _provokeBundleInitialization();
     NSNotificationCenter* center = NSNotificationCenter::defaultCenter();
+    center->addObserver_selector_name_object(cls, "bundleDidLoad:"_sel, NSBundleDidLoadNotification, nullptr);
     center->addObserver_selector_name_object(cls, "_becomingMultiThreaded:"_sel,
                                              NSWillBecomeMultiThreadedNotification, nullptr);
 }
@@ -185,6 +183,8 @@ void PBPostLoader::processClassesStartingRegistry_posing(bool startRegistry, boo
     classRecord.initializeIfNeeded();
     AutoreleasePool pool;
     if (posing) processSelector_initialize("performPosing"_sel, false);
+    PBRegistry* registry = PBRegistry::sharedRegistry();
+    if (startRegistry && registry) registry->startRegistry();
     processSelector_initialize("didLoad"_sel, true);
     processSelector_initialize("activateToolkit"_sel, true);
     if (NSThread::isMultiThreaded()) _becomingMultiThreaded(nullptr);
@@ -200,6 +200,12 @@ void PBPostLoader::processSelector_initialize(SEL selector, bool initialize) {
             foundAny |= _processSelector_inClass_initialize(selector, cls, initialize);
         }
     }
+}
+
+void PBPostLoader::bundleDidLoad(NSNotification* notification) {
+    processClassesStartingRegistry(false);
+    PBRegistry* registry = PBRegistry::sharedRegistry();
+    if (registry) registry->addProfilesFromBundle(cast<NSBundle>(notification->object()));
 }
 
 // Hooks' exceptions are reported as those of all hooks; what comes out here is a failure of another kind.

@@ -8,6 +8,7 @@ namespace pelvor {
 
 struct Category;
 class NSNotification;
+class NSPathStore2;
 class NSString;
 
 /// How many protected calls are running inside each other; shared with whatever handles exceptions. One
@@ -50,6 +51,9 @@ class PELVOR_EXPORT PBPostLoader : public NSObject {
     /// Calls each class's own class-level methods for the selector that were never called, pass after pass
     /// until one finds none. With `initialize`, a class is initialised before its first hook.
     static void processSelector_initialize(SEL selector, bool initialize);
+    /// Sent for every bundle that was loaded: a cycle without the registry's start, and then the bundle's
+    /// profiles go to the registry.
+    static void bundleDidLoad(NSNotification* notification);
     /// Whether the phase for a second thread has run.
     static bool isMultiThreaded();
 
@@ -63,6 +67,6 @@ class PELVOR_EXPORT PBPostLoader : public NSObject {
 /// "OFOverrides": what path strings answer while the bundle class is being initialised.
 extern const Category NSPathStore2_OFOverrides_category;
 /// The path itself, with whatever symbolic links are in it.
-PELVOR_EXPORT NSString* replacement_stringByResolvingSymlinksInPath(NSString* path);
+PELVOR_EXPORT NSString* replacement_stringByResolvingSymlinksInPath(NSPathStore2* path);
 
 }  // namespace pelvor

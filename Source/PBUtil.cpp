@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "BaseLibrary.h"
+#include "Foundation/NSBundle.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/PlatformVersion.h"
 #include "Foundation/SystemVersion.h"
@@ -18,8 +19,20 @@ namespace {
 
 bool hasSeededRandom = false;
 bool isRunPoofs = false;
-// Retained; it is never destroyed with the process's statics, whose order nobody knows.
+// Retained; not destroyed with the process's statics, whose order nobody knows.
 id sharedFeedbackController = nullptr;
+NSString* toolboxIdentifier = nullptr;
+NSBundle* toolboxBundle = nullptr;
+
+// What a bundle answers for a key that it lacks; known by its address, for a table may hold the same text.
+constinit NSConstantString notFound{u"__PBLocalizedStringNotFound__"};
+
+// The bundle's text for the key; none if it has none, or if there is no bundle.
+NSString* localizedIn(NSBundle* bundle, NSString* key) {
+    if (!bundle) return nullptr;
+    NSString* text = bundle->localizedStringForKey_value_table(key, &notFound, nullptr);
+    return text == &notFound ? nullptr : text;
+}
 
 int seededRandom() {
     if (!std::exchange(hasSeededRandom, true)) srandom(static_cast<unsigned>(std::time(nullptr)));
@@ -39,6 +52,32 @@ void defineDebugMenus(MethodTable<NSObject>& methods) {
 
 constinit const Category NSObject_PelvorDebugMenus_category =
     Category::of<NSObject, defineDebugMenus>("PelvorDebugMenus");
+
+// MARK: Localisation
+
+NSBundle* _PBDoToolboxBundle() {
+    if (!toolboxBundle) {
+        NSString* identifier =
+            toolboxIdentifier ? toolboxIdentifier : NSBundle::mainBundle()->bundleIdentifier();
+        toolboxBundle = Retained<NSBundle>::retaining(NSBundle::bundleWithIdentifier(identifier)).leak();
+    }
+    return toolboxBundle;
+}
+
+void PBSetToolboxBundleIdentifier(NSString* identifier) {
+    NSString* previous = toolboxIdentifier;
+    toolboxIdentifier = identifier ? identifier->copy().leak() : nullptr;
+    if (previous) previous->release();
+    if (toolboxBundle) std::exchange(toolboxBundle, nullptr)->release();
+}
+
+NSString* _PBDoLocalize(NSString* rawStr, id obj) {
+    if (NSString* text = localizedIn(_PBDoToolboxBundle(), rawStr)) return text;
+    if (!obj) return rawStr;
+    Class* cls = asClass(obj) ? asClass(obj) : obj->class_();
+    NSString* text = localizedIn(NSBundle::bundleForClass(cls), rawStr);
+    return text ? text : rawStr;
+}
 
 // MARK: Shared character sets
 

@@ -11,6 +11,19 @@ struct Category;
 class NSBundle;
 class NSCharacterSet;
 
+// Localisation
+
+/// The host's bundle, which is the toolbox for all: the one with the main bundle's identifier, or with the
+/// one that was set. Kept once it has been found; none while there is none. Main thread.
+PELVOR_EXPORT NSBundle* _PBDoToolboxBundle();
+/// Sets the identifier of the toolbox bundle, none for the main bundle's, and has it looked up again.
+PELVOR_EXPORT void PBSetToolboxBundleIdentifier(NSString* identifier);
+
+/// The text for the key `rawStr` in the user's language: from the default string table of the toolbox
+/// bundle, else, if an object is given, from that of the bundle of its class, else `rawStr` itself. Keys
+/// are the English text after an underscore, "_Cancel". Main thread.
+PELVOR_EXPORT NSString* _PBDoLocalize(NSString* rawStr, id obj);
+
 // The shared character sets. None before the load-time sequence has sent `didLoad` to PBUtil_Dummy: hooks
 // of the posing phase cannot use them. Immutable, and there until the process ends.
 

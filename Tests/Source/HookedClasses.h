@@ -2,6 +2,9 @@
 // Classes with load-time hooks, made while a test runs, and a journal of what the hooks did.
 #pragma once
 
+#include <cstdio>
+#include <cstdlib>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -41,6 +44,19 @@ inline Class* classWithHook(const char* name, const char* selector, void (*funct
 /// "Lamp didLoad", for the journal.
 inline void noteCall(Object* self, SEL selector) {
     note(std::string(static_cast<Class*>(self)->name()) + " " + selector.name());
+}
+
+/// Ends the process; the journal goes to standard error, ready to be compared with `journalOf`.
+[[noreturn]] inline void exitWithJournal() {
+    for (const std::string& line : journal()) std::fprintf(stderr, "[%s]", line.c_str());
+    std::exit(0);
+}
+
+/// Exactly these lines, as a regular expression; the lines may be some.
+inline std::string journalOf(std::initializer_list<std::string> lines) {
+    std::string text;
+    for (const std::string& line : lines) text += "\\[" + line + "\\]";
+    return "^" + text + "$";
 }
 
 }  // namespace pelvor::testing

@@ -6,6 +6,7 @@
 #include <bit>
 
 #include "BaseLibrary.h"
+#include "Foundation/NSBundle.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableSet.h"
 #include "Foundation/NSNotificationCenter.h"
@@ -151,6 +152,13 @@ TEST(ObjectAdditions, NameTheDefaultNotificationCentre) {
     auto* byMessage = send<NSNotificationCenter*>(u"any"_ns, "notificationCenter"_sel);
     EXPECT_EQ(byMessage, NSNotificationCenter::defaultCenter());
     EXPECT_EQ(notificationCenter(Meter::classObject()), NSNotificationCenter::defaultCenter());
+}
+
+TEST(ObjectAdditions, NameTheBundleOfTheirClass) {
+    auto meter = make<Meter>();
+    EXPECT_EQ(bundle(meter), NSBundle::bundleForClass(Meter::classObject()));
+    EXPECT_EQ(send<NSBundle*>(meter, "bundle"_sel), NSBundle::mainBundle());
+    EXPECT_EQ(send<NSBundle*>(Meter::classObject(), "bundle"_sel), NSBundle::mainBundle());
 }
 
 // MARK: Copies

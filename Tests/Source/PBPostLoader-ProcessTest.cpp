@@ -17,19 +17,6 @@ class PostLoaderProcess : public ::testing::Test {
     void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 
-// Ends the process; the journal goes to standard error, ready to be compared.
-[[noreturn]] void exitWithJournal() {
-    for (const std::string& line : journal()) std::fprintf(stderr, "[%s]", line.c_str());
-    std::exit(0);
-}
-
-// Exactly these lines, as a regular expression.
-std::string journalOf(std::initializer_list<std::string> lines) {
-    std::string text;
-    for (const std::string& line : lines) text += "\\[" + line + "\\]";
-    return "^" + text + "$";
-}
-
 void noteWhetherMultiThreaded() { note(PBPostLoader::isMultiThreaded() ? "multi-threaded" : "one thread"); }
 
 TEST_F(PostLoaderProcess, RunsThePosingPhaseWithTheFirstMessage) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Foundation/NSBundle.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/PlatformVersion.h"
 #include "Foundation/SystemVersion.h"
@@ -172,6 +173,63 @@ TEST(FeedbackController, IsRetainedOnce) {
     PBSetSharedFeedbackController(nullptr);
     EXPECT_EQ(PBSharedFeedbackController(), nullptr);
     EXPECT_EQ(controller->retainCount(), 1u);
+}
+
+// MARK: Localisation
+
+NSBundle* bundleOfTests(const char* name) {
+    std::string path = std::string(PELVOR_TEST_PLUGINS) + "/" + name + ".bundle";
+    return NSBundle::bundleWithPath(NSString::ofUTF8(path));
+}
+
+class Localisation : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        bundleOfTests("Toolbox");
+        phrases = bundleOfTests("Phrases")->classNamed(u"Phrases"_ns);
+        ASSERT_TRUE(phrases);
+    }
+    void TearDown() override { PBSetToolboxBundleIdentifier(nullptr); }
+
+    Class* phrases = nullptr;
+};
+
+TEST_F(Localisation, FindsTheToolboxBundleByItsIdentifierAndKeepsIt) {
+    PBSetToolboxBundleIdentifier(u"pelvor.test.Nobody"_ns);
+    EXPECT_EQ(_PBDoToolboxBundle(), nullptr);
+    PBSetToolboxBundleIdentifier(u"pelvor.test.Toolbox"_ns);
+    EXPECT_EQ(_PBDoToolboxBundle(), bundleOfTests("Toolbox"));
+    EXPECT_EQ(_PBDoToolboxBundle(), bundleOfTests("Toolbox"));
+}
+
+TEST_F(Localisation, AsksTheHostThenTheBundleOfTheObjectsClassThenAnswersTheKey) {
+    auto object = Retained<Object>::adopting(phrases->createInstance());
+    struct {
+        const char* toolbox;
+        const char16_t* key;
+        id object;
+        const char* text;
+    } const cases[] = {
+        {"pelvor.test.Toolbox", u"_Host", nullptr, "The host"},
+        {"pelvor.test.Toolbox", u"_Both", object, "Both, says the host"},
+        {"pelvor.test.Toolbox", u"_Plug-in", object, "The plug-in"},
+        {"pelvor.test.Toolbox", u"_Plug-in", phrases, "The plug-in"},
+        {"pelvor.test.Toolbox", u"_Plug-in", nullptr, "_Plug-in"},
+        {"pelvor.test.Toolbox", u"_Cancel", object, "_Cancel"},
+        {"pelvor.test.Toolbox", u"_Marker", object, "__PBLocalizedStringNotFound__"},
+        {"pelvor.test.Nobody", u"_Both", object, "Both, says the plug-in"},
+        {"pelvor.test.Nobody", u"_Both", nullptr, "_Both"},
+    };
+    for (const auto& entry : cases) {
+        PBSetToolboxBundleIdentifier(NSString::ofUTF8(entry.toolbox));
+        EXPECT_EQ(_PBDoLocalize(NSString::of(entry.key), entry.object)->toUTF8(), entry.text);
+    }
+}
+
+TEST_F(Localisation, AnswersAnUnknownKeyItself) {
+    NSString* key = NSString::of(u"_Nobody knows this");
+    EXPECT_EQ(_PBDoLocalize(key, nullptr), key);
+    EXPECT_EQ(_PBDoLocalize(key, phrases), key);
 }
 
 // MARK: Shared character sets
