@@ -162,7 +162,7 @@ TEST_F(UserDefaults, RefuseWhatAFileCannotHold) {
     EXPECT_THROW(defaults->registerDefaults(nullptr), NSException);
     EXPECT_THROW(defaults->setVolatileDomain_forName(nullptr, u"x"_ns), NSException);
     for (NSString* name : {u""_ns, u"../x"_ns, u"a/b"_ns, NSString::of(std::u16string(1, u'\0'))})
-        EXPECT_THROW(NSUserDefaults::initWithDomainName(name), NSException) << name;
+        EXPECT_THROW((void)NSUserDefaults::initWithDomainName(name), NSException) << name;
 }
 
 TEST_F(UserDefaults, ReadArguments) {
