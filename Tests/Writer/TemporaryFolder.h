@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+// TemporaryFolder: a folder for the files of one test.
+#pragma once
+
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace pelvor {
+
+/// A new folder that goes, with all that is in it, at the end of its scope.
+class TemporaryFolder {
+  public:
+    TemporaryFolder() {
+        std::string name = std::filesystem::temp_directory_path() / "PelvorWriterXXXXXX";
+        if (!mkdtemp(name.data())) std::abort();
+        _path = name;
+    }
+    ~TemporaryFolder() {
+        std::error_code error;
+        std::filesystem::remove_all(_path, error);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    std::string path(const std::string& name) const { return _path / name; }
+    /// Writes a file, with the folders that its name has, and answers its path.
+    std::string write(const std::string& name, const std::string& content) const {
+        std::filesystem::create_directories((_path / name).parent_path());
+        std::ofstream(_path / name, std::ios::binary) << content;
+        return _path / name;
+    }
+    std::string read(const std::string& name) const {
+        std::ifstream file(_path / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+  private:
+    std::filesystem::path _path;
+};
+
+}  // namespace pelvor

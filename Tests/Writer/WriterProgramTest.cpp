@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "WriterProgram.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace pelvor {
+namespace {
+
+using namespace std::string_literals;
+
+TEST(WriterProgram, TellsAboutTheSampleDocument) {
+    const WriterRun run = WriterProgram().run({});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.errors, "");
+    EXPECT_EQ(run.valueOf("Encoding"), "UTF-8");
+    EXPECT_EQ(run.valueOf("Bytes"), "26827");
+    EXPECT_EQ(run.valueOf("UTF-16 units"), "25701");
+    EXPECT_EQ(run.valueOf("Code points"), "25694");
+    EXPECT_EQ(run.valueOf("Words"), "4542");
+    EXPECT_EQ(run.valueOf("Paragraphs"), "84");
+    EXPECT_EQ(run.valueOf("Longest paragraph"), "number 61, of 710 units");
+    EXPECT_EQ(run.valueOf("First line"), "The Travelling Case");
+    EXPECT_EQ(run.valueOf("Reader"), "Plain text, of 2, because it is for “txt” documents");
+}
+
+struct LanguageCase {
+    const char* locale;
+    const char* lines[5];
+};
+
+// The program's own table, tables of plug-ins with code and of data alone, and of the one that comes later.
+const LanguageCase kLanguages[] = {
+    {"en_US.UTF-8",
+     {"Document readers: Plain text (txt, text, log, *), Markdown text (md, markdown), ",
+      "Measurement units: Millimetre (mm), Centimetre (cm), Inch (in)", "English: ", "Last line: ended",
+      "Document services: Word statistics"}},
+    {"fr_FR.UTF-8",
+     {"Lecteurs de documents : Texte brut (txt, text, log, *), Texte Markdown (md, markdown), ",
+      "Unités de mesure : Millimètre (mm), Centimètre (cm), Pouce (in)", "Anglais : ",
+      "Dernière ligne : terminée", "Services de documents : Statistique des mots"}},
+    {"de_CH.UTF-8",
+     {"Dokumentleser: Reiner Text (txt, text, log, *), Markdown-Text (md, markdown), ",
+      "Maßeinheiten: Millimeter (mm), Zentimeter (cm), Zoll (in)", "Englisch: ",
+      "Letzte Zeile: abgeschlossen", "Dokumentdienste: Wortstatistik"}},
+};
+
+TEST(WriterProgram, SpeaksTheLanguageOfTheUser) {
+    for (const LanguageCase& expected : kLanguages) {
+        const WriterRun run = WriterProgram(expected.locale).run({});
+        EXPECT_EQ(run.status, 0);
+        for (const char* line : expected.lines) EXPECT_TRUE(run.prints(line)) << line << run.output;
+        EXPECT_FALSE(run.prints("    _")) << "a key without translation\n" << run.output;
+    }
+}
+
+TEST(WriterProgram, FallsBackToEnglish) {
+    for (const char* locale : {"C", "", "ja_JP.UTF-8", "nonsense"})
+        EXPECT_TRUE(WriterProgram(locale).run({"--list"}).prints("Document readers: ")) << locale;
+}
+
+TEST(WriterProgram, LoadsAPlugInLaterAndHearsOfItsProfiles) {
+    const WriterRun listing = WriterProgram().run({"--list"});
+    EXPECT_TRUE(listing.prints("Plug-ins (10): "));
+    EXPECT_FALSE(listing.prints("Word statistics"));
+    const WriterRun run = WriterProgram().run({});
+    const std::size_t document = run.output.find("\nDocument “Sample.txt”");
+    const std::size_t arrival = run.output.find("\nLoaded for the document\n    Plug-ins (1): WordStatistics\n"
+                                                "    Document services: Word statistics\n");
+    EXPECT_LT(document, arrival);
+    ASSERT_NE(arrival, std::string::npos);
+    // Both are made by its load-time hooks.
+    EXPECT_GT(std::atoi(run.valueOf("Sentences").c_str()), 200);
+    const std::string words = run.valueOf("Most frequent words");
+    EXPECT_EQ(std::count(words.begin(), words.end(), ','), 4) << words;
+}
+
+TEST(WriterProgram, HasServicesThatUseProfilesOfPlugInsOfDataAlone) {
+    const WriterRun run = WriterProgram().run({});
+    EXPECT_GT(std::atoi(run.valueOf("English").c_str()), 20);
+    EXPECT_GT(std::atoi(run.valueOf("French").c_str()), 15);
+    EXPECT_GT(std::atoi(run.valueOf("German").c_str()), 15);
+    EXPECT_EQ(run.valueOf("Spanish") + run.valueOf("Dutch"), "");
+    EXPECT_EQ(run.valueOf("Line feed (Unix)"), "84");
+}
+
+struct DocumentCase {
+    const char* name;
+    std::string content;
+    const char* reader;
+    const char* bytes;
+    const char* words;
+};
+
+TEST(WriterProgram, ReadsWhateverItIsGiven) {
+    const DocumentCase cases[] = {
+        {"empty.txt", "", "Plain text, of 2", "0", "0"},
+        {"one.txt", "x", "Plain text, of 2", "1", "1"},
+        {"zero.txt", "\0"s, "Bytes in hexadecimal, the first of 2 that did not refuse", "1", "2"},
+        {"noextension", "two words", "Plain text, of 2, because it takes every document", "9", "2"},
+        {"notes.md", "# Two *words*\n", "Markdown text, of 3, because it is for “md” documents", "14", "2"},
+        {"picture.md", "\x89PNG\r\n\x1A\n\0\0\0\r"s, "Bytes in hexadecimal, the first of 3", "12", "14"},
+        {"data.bin", "plain words", "Bytes in hexadecimal, of 2, because it is for “bin”", "11", "14"},
+        {"Brief.TXT", "gr\xFC\xDF" "e", "Plain text, of 2, because it is for “TXT”", "5", "1"},
+    };
+    for (const DocumentCase& expected : cases) {
+        WriterProgram program;
+        const WriterRun run = program.run({program.folder.write(expected.name, expected.content)});
+        EXPECT_EQ(run.status, 0) << expected.name;
+        EXPECT_EQ(run.errors, "") << expected.name;
+        EXPECT_EQ(run.valueOf("Reader").find(expected.reader), 0u) << expected.name << run.output;
+        EXPECT_EQ(run.valueOf("Bytes"), expected.bytes) << expected.name;
+        EXPECT_EQ(run.valueOf("Words"), expected.words) << expected.name;
+    }
+}
+
+TEST(WriterProgram, ReadsInTheEncodingThatIsNamed) {
+    WriterProgram program;
+    const std::string path = program.folder.write("a.txt", "\xCF\xF0\xE8\xE2\xE5\xF2");
+    const WriterRun run = program.run({path, "--encoding", "windows-1251"});
+    EXPECT_EQ(run.valueOf("First line"), "Привет");
+    EXPECT_EQ(run.valueOf("Encoding"), "windows-1251");
+    EXPECT_EQ(program.run({path}).valueOf("Encoding"), "windows-1252");
+}
+
+struct FaultCase {
+    std::vector<std::string> arguments;
+    const char* complaint;
+};
+
+TEST(WriterProgram, SaysInOneLineWhyADocumentCannotBeOpened) {
+    WriterProgram program("fr_FR.UTF-8");
+    const std::string latin = program.folder.write("latin.txt", "caf\xE9");
+    const FaultCase cases[] = {
+        {{program.folder.path("missing.txt")}, "missing.txt » n’a pas pu être ouvert : ce fichier n’existe pas."},
+        {{program.folder.path("")}, "c’est un dossier."},
+        {{"/dev/null"}, "ce n’est pas un fichier."},
+        {{latin, "--encoding", "UTF-8"}, "« latin.txt » n’est pas du texte dans le codage « UTF-8 »."},
+        {{latin, "--encoding", "klingon"}, "Le codage « klingon » est inconnu."},
+        {{"a\x1B[31m.txt"}, "« a�[31m.txt »"},
+    };
+    for (const FaultCase& expected : cases) {
+        const WriterRun run = program.run(expected.arguments);
+        EXPECT_EQ(run.status, 1) << expected.complaint;
+        EXPECT_TRUE(run.complains(expected.complaint)) << run.errors;
+        EXPECT_EQ(std::count(run.errors.begin(), run.errors.end(), '\n'), 1) << run.errors;
+    }
+}
+
+TEST(WriterProgram, ExplainsItsArguments) {
+    const WriterRun help = WriterProgram("de_DE.UTF-8").run({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_TRUE(help.prints("--save-as FILE        schreibt das Dokument in die Datei"));
+    const WriterRun wrong = WriterProgram("de_DE.UTF-8").run({"--colour"});
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_EQ(wrong.errors, "Das Argument „--colour“ ist nicht bekannt.\n");
+    EXPECT_EQ(wrong.output, "");
+}
+
+TEST(WriterProgram, WritesTheDocumentInAnEncoding) {
+    WriterProgram program;
+    const std::string source = program.folder.write("a.txt", "na\xC3\xAFve €\r\nb");
+    const std::string copy = program.folder.path("b.txt");
+    const WriterRun run = program.run({source, "--save-as", copy, "--save-encoding", "windows-1252"});
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(program.folder.read("b.txt"), "na\xEFve \x80\r\nb");
+    EXPECT_EQ(program.run({copy}).valueOf("First line"), "naïve €");
+    program.run({source, "--save-as", copy, "--save-encoding", "UTF-32BE"});
+    EXPECT_EQ(program.run({copy}).valueOf("First line"), "naïve €");
+}
+
+TEST(WriterProgram, WritesWebPagesForTheirExtension) {
+    WriterProgram program;
+    const std::string source = program.folder.write("a.txt", "a<b\n\xC3\xA9");
+    const std::string page = program.folder.path("a.html");
+    EXPECT_EQ(program.run({source, "--save-as", page, "--save-encoding", "us-ascii"}).status, 0);
+    EXPECT_NE(program.folder.read("a.html").find("<p>a&lt;b</p>\n<p>&#233;</p>"), std::string::npos);
+}
+
+TEST(WriterProgram, LeavesTheOldFileWhereWritingFails) {
+    WriterProgram program;
+    const std::string source = program.folder.write("a.txt", "\xC5\x81\xC3\xB3" "d\xC5\xBA");
+    const std::string old = program.folder.write("old.txt", "old");
+    const WriterRun unfit = program.run({source, "--save-as", old, "--save-encoding", "iso-8859-1"});
+    EXPECT_EQ(unfit.status, 1);
+    EXPECT_TRUE(unfit.complains("characters that the encoding “iso-8859-1” lacks"));
+    EXPECT_EQ(program.folder.read("old.txt"), "old");
+    EXPECT_EQ(program.run({source, "--save-as", old, "--save-encoding", "klingon"}).status, 1);
+    EXPECT_EQ(program.run({source, "--save-as", program.folder.path("no/such/folder.txt")}).status, 1);
+}
+
+}  // namespace
+}  // namespace pelvor

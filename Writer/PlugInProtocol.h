@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+// What Writer and its plug-ins say to each other.
+#pragma once
+
+#include "Foundation/NSString.h"
+
+namespace pelvor {
+
+// A plug-in is a bundle in the PlugIns folder of Writer. Its Profiles.plist declares what it offers; each
+// profile has an identifier, PBProfileTypeKey, PBProfileNameKey (the key of the name in the table that
+// PBProfileStringsKey names) and, where there is code behind it, PBProfileClassKey. Writer makes an object by
+// sending `init` to the class of that name and talks to it by the messages below, so a plug-in needs this
+// header but no code of Writer's. All messages come on the main thread.
+//
+// Document readers (PBProfileDocumentReaderType)
+//
+//     NSDictionary* readDocumentAtPath:(NSString*) options:(NSDictionary*)
+//         Options: WREncodingKey, if the user named an encoding.
+//         Answers WRTextKey and, where they make sense, WREncodingKey, WRByteOrderMarkKey, WRByteCountKey;
+//         or WRErrorKey and WRMessageKey. With WRErrorRefused the next reader is tried.
+//
+// Document writers (PBProfileDocumentWriterType)
+//
+//     NSDictionary* writeText:(NSString*) toPath:(NSString*) options:(NSDictionary*)
+//         Options: WREncodingKey, if the user named an encoding.
+//         Answers WREncodingKey and WRByteCountKey; or WRErrorKey and WRMessageKey. The path then holds what
+//         it held before.
+//
+// Document services (PBProfileDocumentServiceType)
+//
+//     NSDictionary* examineDocument:(id)
+//         The document answers `path` and `text`, strings, `paragraphCount`, a number, and
+//         `paragraphAtIndex:`, the paragraph's text without what ends it.
+//         Answers what was found: from names, in the user's language, to strings or numbers, in the order in
+//         which they are to be shown.
+//
+// PBProfileDocumentTypesKey of readers and writers lists file extensions in lower case, and "*" if every
+// document will do. Those that name a document's extension go before those with "*", and then those with the
+// lower PBProfilePaletteOrderKey go first; services are run in that order too.
+//
+// A bundle whose information dictionary has WRLoadMomentKey with the value WRLoadMomentDocument is loaded
+// after the first document was opened; all others are loaded when Writer starts.
+
+// Keys of options and answers
+
+/// A string: the text of the document.
+inline constexpr NSString* WRTextKey = u"text"_ns;
+/// A string: the name of an encoding, "windows-1252".
+inline constexpr NSString* WREncodingKey = u"encoding"_ns;
+/// A number: whether the file began with a byte-order mark.
+inline constexpr NSString* WRByteOrderMarkKey = u"byte order mark"_ns;
+/// A number: how many bytes were read or written.
+inline constexpr NSString* WRByteCountKey = u"byte count"_ns;
+/// A string: one of the errors below.
+inline constexpr NSString* WRErrorKey = u"error"_ns;
+/// A string: what went wrong, as a sentence in the user's language.
+inline constexpr NSString* WRMessageKey = u"message"_ns;
+
+// Values of WRErrorKey
+
+/// The reader cannot do anything with such a document; another one may.
+inline constexpr NSString* WRErrorRefused = u"refused"_ns;
+/// The file could not be read or written.
+inline constexpr NSString* WRErrorFile = u"file"_ns;
+/// The encoding is not known, or the document does not agree with it.
+inline constexpr NSString* WRErrorEncoding = u"encoding"_ns;
+/// The plug-in threw; Writer itself makes this answer.
+inline constexpr NSString* WRErrorPlugIn = u"plug-in"_ns;
+
+// The information dictionary
+
+inline constexpr NSString* WRLoadMomentKey = u"WRLoadMoment"_ns;
+inline constexpr NSString* WRLoadMomentDocument = u"document"_ns;
+
+}  // namespace pelvor

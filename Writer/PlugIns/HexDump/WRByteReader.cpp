@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/PlugIns/HexDump/WRByteReader.h"
+
+#include <algorithm>
+#include <span>
+
+#include "Foundation/NSData.h"
+#include "Foundation/NSDictionary.h"
+#include "Foundation/NSNumber.h"
+#include "PBUtil.h"
+#include "Writer/PlugIns/HexDump/HexDumpPlugIn.h"
+#include "Writer/PlugIns/TextFiles/TextFileReading.h"
+#include "Writer/PlugInProtocol.h"
+
+namespace pelvor {
+namespace {
+
+using Bytes = std::span<const std::byte>;
+
+constexpr std::size_t kLineLength = 16;
+constexpr std::size_t kShownLength = 64 * 1024;
+
+void appendHexadecimal(std::u16string& text, std::size_t number, int digits) {
+    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4)
+        text.push_back(u"0123456789abcdef"[(number >> shift) & 0xF]);
+}
+
+// "00000010  48 65 6c 6c 6f                                    Hello".
+void appendLine(std::u16string& text, std::size_t offset, Bytes line) {
+    appendHexadecimal(text, offset, 8);
+    text.push_back(u' ');
+    for (std::byte byte : line) {
+        text.push_back(u' ');
+        appendHexadecimal(text, std::to_integer<std::size_t>(byte), 2);
+    }
+    text.append(3 * (kLineLength - line.size()) + 2, u' ');
+    for (std::byte byte : line) {
+        const auto unit = std::to_integer<char16_t>(byte);
+        text.push_back(unit >= 0x20 && unit < 0x7F ? unit : u'.');
+    }
+    text.push_back(u'\n');
+}
+
+std::u16string hexadecimalText(Bytes bytes) {
+    std::u16string text;
+    for (std::size_t offset = 0; offset < bytes.size(); offset += kLineLength)
+        appendLine(text, offset, bytes.subspan(offset, std::min(kLineLength, bytes.size() - offset)));
+    return text;
+}
+
+}  // namespace
+
+PELVOR_DEFINE_CLASS(WRByteReader, hexDumpPlugIn) {
+    methods.instance<"readDocumentAtPath:options:", &WRByteReader::readDocumentAtPath_options>();
+}
+
+NSDictionary* WRByteReader::readDocumentAtPath_options(NSString* path, NSDictionary* options) {
+    auto data = NSData::initWithContentsOfFile(path);
+    if (!data) {
+        NSString* format = _PBDoLocalize(u"_The document \"%@\" could not be read."_ns, this);
+        return errorAnswer(WRErrorFile, NSString::stringWithFormat(format, path->lastPathComponent()));
+    }
+    const Bytes bytes = data->span();
+    NSString* text = NSString::of(hexadecimalText(bytes.first(std::min(bytes.size(), kShownLength))));
+    NSNumber* count = NSNumber::numberWithUnsignedInt(data->length());
+    if (bytes.size() > kShownLength) {
+        NSNumber* more = NSNumber::numberWithUnsignedInt(data->length() - kShownLength);
+        text = text->stringByAppendingFormat(_PBDoLocalize(u"_and %@ more bytes"_ns, this), more);
+    }
+    return NSDictionary::of({{WRTextKey, text}, {WRByteCountKey, count}});
+}
+
+}  // namespace pelvor

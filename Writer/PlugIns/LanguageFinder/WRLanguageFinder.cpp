@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/PlugIns/LanguageFinder/WRLanguageFinder.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <vector>
+
+#include "Foundation/NSArray.h"
+#include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSNumber.h"
+#include "Foundation/NSString.h"
+#include "PBProfileKeys.h"
+#include "PBRegistry.h"
+#include "PBUtil.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/Message.h"
+#include "Writer/PlugIns/LanguageFinder/LanguageFinderPlugIn.h"
+
+namespace pelvor {
+namespace {
+
+struct Language {
+    PBProfile* profile;
+    NSUInteger paragraphCount = 0;
+};
+
+bool goesBefore(const Language& a, const Language& b) {
+    return send<int>(a.profile->valueForKey(PBProfilePaletteOrderKey), "intValue"_sel) <
+           send<int>(b.profile->valueForKey(PBProfilePaletteOrderKey), "intValue"_sel);
+}
+
+// The registered languages, and for each of their common words the languages that have it.
+class LanguageTable {
+  public:
+    LanguageTable() {
+        NSArray* profiles =
+            PBRegistry::sharedRegistry()->profilesOfType(PBProfileLanguageType)->profiles();
+        for (id profile : profiles) _languages.push_back({static_cast<PBProfile*>(profile)});
+        std::sort(_languages.begin(), _languages.end(), goesBefore);
+        for (std::size_t i = 0; i < _languages.size(); ++i)
+            for (id word : cast<NSArray>(_languages[i].profile->valueForKey(u"common words"_ns)))
+                if (auto* text = cast<NSString>(word)) _words[text->toUTF16()].push_back(i);
+    }
+
+    /// Counts the paragraph for its language; answers false if none has more of its words than all others.
+    bool take(std::u16string_view paragraph) {
+        std::vector<unsigned> votes(_languages.size());
+        NSCharacterSet* letters = _pbLettersCharacterSet;
+        for (std::size_t i = 0; i < paragraph.size();) {
+            std::size_t end = i;
+            while (end < paragraph.size() && letters->characterIsMember(paragraph[end])) ++end;
+            if (end > i) vote(paragraph.substr(i, end - i), votes);
+            i = end + 1;
+        }
+        const auto best = std::max_element(votes.begin(), votes.end());
+        if (best == votes.end() || *best == 0 || std::count(votes.begin(), votes.end(), *best) > 1)
+            return false;
+        ++_languages[static_cast<std::size_t>(best - votes.begin())].paragraphCount;
+        return true;
+    }
+
+    const std::vector<Language>& languages() const { return _languages; }
+
+  private:
+    void vote(std::u16string_view word, std::vector<unsigned>& votes) {
+        const auto found = _words.find(std::u16string(word));
+        if (found == _words.end()) return;
+        for (std::size_t language : found->second) ++votes[language];
+    }
+
+    std::vector<Language> _languages;
+    std::unordered_map<std::u16string, std::vector<std::size_t>> _words;
+};
+
+}  // namespace
+
+PELVOR_DEFINE_CLASS(WRLanguageFinder, languageFinderPlugIn) {
+    methods.instance<"examineDocument:", &WRLanguageFinder::examineDocument>();
+}
+
+NSDictionary* WRLanguageFinder::examineDocument(id document) {
+    LanguageTable table;
+    NSUInteger undecided = 0;
+    const auto count = send<NSUInteger>(document, "paragraphCount"_sel);
+    for (NSUInteger i = 0; i < count; ++i) {
+        AutoreleasePool pool;
+        auto* paragraph = send<NSString*>(document, "paragraphAtIndex:"_sel, i);
+        if (!table.take(StringUnits(paragraph->lowercaseString()))) ++undecided;
+    }
+    auto* found = NSMutableDictionary::dictionary();
+    auto add = [&](NSUInteger number, NSString* name) {
+        if (number) found->setObject_forKey(NSNumber::numberWithUnsignedInt(number), name);
+    };
+    for (const Language& language : table.languages()) {
+        auto* name = cast<NSString>(language.profile->valueForKey(PBProfileNameKey));
+        if (name) add(language.paragraphCount, language.profile->localize(name));
+    }
+    add(undecided, _PBDoLocalize(u"_Undecided"_ns, this));
+    return found;
+}
+
+}  // namespace pelvor

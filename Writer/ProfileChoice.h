@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+// Chooses among registered profiles.
+#pragma once
+
+#include "PBProfileSet.h"
+
+namespace pelvor {
+
+/// The profiles of the set in ascending palette order, then by identifier. Borrowed.
+NSArray* profilesInOrder(PBProfileSet* profiles);
+
+/// Profiles of the type for a file at the path, best first: those whose document types name its extension,
+/// then those whose document types have "*"; each group in the order above. Borrowed.
+NSArray* profilesForDocument(PBProfileSet* profiles, NSString* type, NSString* path);
+
+/// Whether the profile's document types name the path's extension.
+bool isNamedForDocument(PBProfile* profile, NSString* path);
+
+/// The profile's name in the user's language, else its identifier. Borrowed.
+NSString* nameOfProfile(PBProfile* profile);
+
+}  // namespace pelvor

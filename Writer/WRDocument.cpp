@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/WRDocument.h"
+
+#include "Foundation/NSDictionary.h"
+#include "Foundation/NSNumber.h"
+#include "PBProfile.h"
+#include "Runtime/NSException.h"
+#include "Writer/PlugInProtocol.h"
+#include "Writer/TextParagraphs.h"
+#include "Writer/WriterLibrary.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(WRDocument, writerLibrary) {
+    methods.classLevel<"initWithPath:reader:answer:", &WRDocument::initWithPath_reader_answer>();
+    methods.instance<"path", &WRDocument::path>();
+    methods.instance<"text", &WRDocument::text>();
+    methods.instance<"reader", &WRDocument::reader>();
+    methods.instance<"encodingName", &WRDocument::encodingName>();
+    methods.instance<"hasByteOrderMark", &WRDocument::hasByteOrderMark>();
+    methods.instance<"byteCount", &WRDocument::byteCount>();
+    methods.instance<"paragraphCount", &WRDocument::paragraphCount>();
+    methods.instance<"paragraphAtIndex:", &WRDocument::paragraphAtIndex>();
+    methods.instance<"rangeOfParagraphAtIndex:", &WRDocument::rangeOfParagraphAtIndex>();
+}
+
+WRDocument::~WRDocument() = default;
+
+Retained<WRDocument> WRDocument::initWithPath_reader_answer(NSString* path, PBProfile* reader,
+                                                            NSDictionary* answer, Class* cls) {
+    auto* text = cast<NSString>(answer->objectForKey(WRTextKey));
+    if (!text) return nullptr;
+    auto self = make<WRDocument>(cls);
+    self->_path = path->copy();
+    self->_text = text->copy();
+    self->_reader.set(reader);
+    self->_encodingName.set(cast<NSString>(answer->objectForKey(WREncodingKey)));
+    auto* mark = cast<NSNumber>(answer->objectForKey(WRByteOrderMarkKey));
+    self->_hasByteOrderMark = mark && mark->boolValue();
+    auto* count = cast<NSNumber>(answer->objectForKey(WRByteCountKey));
+    self->_byteCount = count ? count->unsignedLongLongValue() : 0;
+    return self;
+}
+
+NSUInteger WRDocument::paragraphCount() { return static_cast<NSUInteger>(paragraphs().size()); }
+
+NSString* WRDocument::paragraphAtIndex(NSUInteger index) {
+    return _text->substringWithRange(rangeOfParagraphAtIndex(index));
+}
+
+NSRange WRDocument::rangeOfParagraphAtIndex(NSUInteger index) {
+    if (index >= paragraphCount())
+        raiseException(NSRangeException, u"paragraph (%u) beyond bounds (%u)"_ns, index, paragraphCount());
+    return paragraphs()[index];
+}
+
+const std::vector<NSRange>& WRDocument::paragraphs() {
+    if (_paragraphs) return *_paragraphs;
+    _paragraphs.emplace();
+    const StringUnits units(_text);
+    for (std::u16string_view rest = units; !rest.empty();) {
+        const auto location = static_cast<NSUInteger>(units.size() - rest.size());
+        const auto length = static_cast<NSUInteger>(takeParagraph(rest).size());
+        _paragraphs->push_back({location, length});
+    }
+    return *_paragraphs;
+}
+
+}  // namespace pelvor

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+// WRDocument: a document that was read.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "Foundation/NSString.h"
+
+namespace pelvor {
+
+class NSDictionary;
+class PBProfile;
+
+/// The text of a document and how it came in. Never changes. Main thread.
+class WRDocument : public NSObject {
+    PELVOR_CLASS(WRDocument, NSObject);
+
+  public:
+    /// Takes what a reader answered; none if there is no text in it.
+    static Retained<WRDocument> initWithPath_reader_answer(NSString* path, PBProfile* reader,
+                                                           NSDictionary* answer, Class* cls = classObject());
+
+    NSString* path() { return _path; }
+    NSString* text() { return _text; }
+    /// The profile of the reader that read it.
+    PBProfile* reader() { return _reader; }
+    /// None where there is no encoding, as for bytes.
+    NSString* encodingName() { return _encodingName; }
+    bool hasByteOrderMark() { return _hasByteOrderMark; }
+    /// The length of the file when it was read.
+    unsigned long long byteCount() { return _byteCount; }
+
+    /// Paragraphs end with CR LF, LF, CR, or a line or paragraph separator; the end of the text ends the last
+    /// one. An empty text has none.
+    NSUInteger paragraphCount();
+    /// The paragraph without what ends it. Raises NSRangeException for an index at or past the count.
+    NSString* paragraphAtIndex(NSUInteger index);
+    /// Where it is in the text. Raises like `paragraphAtIndex`.
+    NSRange rangeOfParagraphAtIndex(NSUInteger index);
+
+  protected:
+    WRDocument() = default;
+    ~WRDocument();
+
+  private:
+    const std::vector<NSRange>& paragraphs();
+
+    Retained<NSString> _path;
+    Retained<NSString> _text;
+    Retained<PBProfile> _reader;
+    Retained<NSString> _encodingName;
+    unsigned long long _byteCount = 0;
+    bool _hasByteOrderMark = false;
+    std::optional<std::vector<NSRange>> _paragraphs;  // found when first asked for
+};
+
+}  // namespace pelvor

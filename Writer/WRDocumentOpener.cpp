@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/WRDocumentOpener.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "Foundation/NSArray.h"
+#include "Foundation/NSDictionary.h"
+#include "PBProfileKeys.h"
+#include "PBProfileSet.h"
+#include "PBUtil.h"
+#include "Writer/PlugInObjects.h"
+#include "Writer/PlugInProtocol.h"
+#include "Writer/ProfileChoice.h"
+#include "Writer/WriterLibrary.h"
+
+namespace pelvor {
+namespace {
+
+// What stands in the way of reading the file, whoever reads it; none if nothing does.
+NSString* obstacleAtPath(NSString* path) {
+    const char* name = path->fileSystemRepresentation();
+    std::error_code error;
+    const auto status = std::filesystem::status(name, error);
+    if (status.type() == std::filesystem::file_type::not_found)
+        return u"_The document \"%@\" could not be opened: there is no such file."_ns;
+    if (is_directory(status)) return u"_The document \"%@\" could not be opened: it is a folder."_ns;
+    if (error || access(name, R_OK) != 0)
+        return u"_The document \"%@\" could not be opened: it may not be read."_ns;
+    if (!is_regular_file(status)) return u"_The document \"%@\" could not be opened: it is not a file."_ns;
+    return nullptr;
+}
+
+}  // namespace
+
+PELVOR_DEFINE_CLASS(WRDocumentOpener, writerLibrary) {
+    methods.classLevel<"initWithProfiles:", &WRDocumentOpener::initWithProfiles>();
+    methods.instance<"openDocumentAtPath:options:", &WRDocumentOpener::openDocumentAtPath_options>();
+    methods.instance<"problem", &WRDocumentOpener::problem>();
+    methods.instance<"candidates", &WRDocumentOpener::candidates>();
+}
+
+WRDocumentOpener::~WRDocumentOpener() = default;
+
+Retained<WRDocumentOpener> WRDocumentOpener::initWithProfiles(PBProfileSet* profiles, Class* cls) {
+    auto self = make<WRDocumentOpener>(cls);
+    self->_profiles.set(profiles);
+    self->_candidates.set(NSArray::array());
+    return self;
+}
+
+WRDocument* WRDocumentOpener::openDocumentAtPath_options(NSString* path, NSDictionary* options) {
+    _problem = nullptr;
+    _candidates.set(NSArray::array());
+    if (NSString* obstacle = obstacleAtPath(path)) {
+        complain(obstacle, path);
+        return nullptr;
+    }
+    _candidates.set(profilesForDocument(_profiles, PBProfileDocumentReaderType, path));
+    return askReaders(path, options);
+}
+
+// A refusal leads to the next reader, any other error to the end: it is the document that is at fault.
+WRDocument* WRDocumentOpener::askReaders(NSString* path, NSDictionary* options) {
+    complain(u"_The document \"%@\" could not be opened: there is no reader for it."_ns, path);
+    for (id candidate : _candidates.get()) {
+        auto* profile = static_cast<PBProfile*>(candidate);
+        NSDictionary* answer = askPlugIn(profile, "readDocumentAtPath:options:"_sel, path, options);
+        _problem.set(problemOfAnswer(answer, WRTextKey, profile));
+        if (!_problem) {
+            auto document = WRDocument::initWithPath_reader_answer(path, profile, answer);
+            if (document) return std::move(document).autorelease();
+            _problem.set(problemOfAnswer(NSDictionary::dictionary(), WRTextKey, profile));
+        }
+        id error = answer->objectForKey(WRErrorKey);
+        if (error && !error->isEqual(WRErrorRefused) && !error->isEqual(WRErrorPlugIn)) return nullptr;
+    }
+    return nullptr;
+}
+
+void WRDocumentOpener::complain(NSString* key, NSString* path) {
+    _problem.set(NSString::stringWithFormat(_PBDoLocalize(key, nullptr), path));
+}
+
+}  // namespace pelvor

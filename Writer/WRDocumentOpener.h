@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+// WRDocumentOpener: finds a reader for a document and has it read.
+#pragma once
+
+#include "Foundation/NSString.h"
+#include "Writer/WRDocument.h"
+
+namespace pelvor {
+
+class NSArray;
+class NSDictionary;
+class PBProfileSet;
+
+/// Asks the readers that a profile query finds, the best first, until one does not refuse the document:
+///
+///     auto opener = WRDocumentOpener::initWithProfiles(PBRegistry::sharedRegistry());
+///     WRDocument* document = opener->openDocumentAtPath_options(path, options);
+///     if (!document) complain(opener->problem());
+///
+/// Main thread.
+class WRDocumentOpener : public NSObject {
+    PELVOR_CLASS(WRDocumentOpener, NSObject);
+
+  public:
+    static Retained<WRDocumentOpener> initWithProfiles(PBProfileSet* profiles, Class* cls = classObject());
+
+    /// The document, borrowed, or none: then `problem` tells why. Options are those of readers.
+    WRDocument* openDocumentAtPath_options(NSString* path, NSDictionary* options);
+
+    /// Why the last document was not opened, as a sentence for the user; none if it was.
+    NSString* problem() { return _problem; }
+    /// The profiles of the readers that came into question for the last document, in the order of asking.
+    NSArray* candidates() { return _candidates; }
+
+  protected:
+    WRDocumentOpener() = default;
+    ~WRDocumentOpener();
+
+  private:
+    WRDocument* askReaders(NSString* path, NSDictionary* options);
+    void complain(NSString* key, NSString* path);
+
+    Retained<PBProfileSet> _profiles;
+    Retained<NSArray> _candidates;
+    Retained<NSString> _problem;
+};
+
+}  // namespace pelvor

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/WriterLibrary.h"
+
+#include "BaseLibrary.h"
+#include "Writer/WRApplication.h"
+#include "Writer/WRArguments.h"
+#include "Writer/WRDocument.h"
+#include "Writer/WRDocumentOpener.h"
+#include "Writer/WRDocumentSaver.h"
+#include "Writer/WRPlugInLoader.h"
+#include "Writer/WRProfileListing.h"
+#include "Writer/WRReport.h"
+
+namespace pelvor {
+namespace {
+
+constexpr Library* kDependencies[] = {&baseLibrary};
+
+// Alphabetical; a superclass is registered before its subclasses wherever it stands.
+constexpr Class* kClasses[] = {
+    &WRApplication::classRecord,    &WRArguments::classRecord,     &WRDocument::classRecord,
+    &WRDocumentOpener::classRecord, &WRDocumentSaver::classRecord, &WRPlugInLoader::classRecord,
+    &WRProfileListing::classRecord, &WRReport::classRecord,
+};
+
+}  // namespace
+
+constinit Library writerLibrary{"Writer", kDependencies, kClasses, {}};
+
+}  // namespace pelvor
