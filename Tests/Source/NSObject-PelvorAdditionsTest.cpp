@@ -149,6 +149,7 @@ TEST(SelectorNames, AreThoseOfTheClassAndAllAboveIt) {
 }
 
 TEST(ObjectAdditions, NameTheDefaultNotificationCentre) {
+    registerLibrary(baseLibrary);
     auto* byMessage = send<NSNotificationCenter*>(u"any"_ns, "notificationCenter"_sel);
     EXPECT_EQ(byMessage, NSNotificationCenter::defaultCenter());
     EXPECT_EQ(notificationCenter(Meter::classObject()), NSNotificationCenter::defaultCenter());

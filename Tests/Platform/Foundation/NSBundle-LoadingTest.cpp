@@ -371,6 +371,7 @@ std::vector<BadBundle> BadBundleTest::codeRows() {
 
 // Every bundle is refused with one line, twice, and leaves nothing behind; a sound one loads after each.
 void BadBundleTest::expectRefused(const std::vector<BadBundle>& rows) {
+    registerLibrary(foundationLibrary);
     for (const BadBundle& row : rows) {
         SCOPED_TRACE(row.name);
         std::string file = std::string(row.name) + ".bundle";

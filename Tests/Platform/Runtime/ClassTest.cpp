@@ -235,6 +235,7 @@ TEST(ClassTest, APosersOwnCodeIsKeptFromOtherSubclasses) {
 }
 
 TEST(ClassTest, ClassesWithoutInstancesSaySo) {
+    registerLibrary(creatureLibrary);
     EXPECT_EQ(reasonOf([] { Class::classRecord.createInstance(); }), "Class has no instances of its own");
     EXPECT_EQ(reasonOf([] { (void)make<Dog>(Animal::classObject()); }), "Animal is no subclass of Dog");
     EXPECT_EQ(reasonOf([] { Class::createSubclass("Animal", NSObject::classObject()); }),

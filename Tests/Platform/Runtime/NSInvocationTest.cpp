@@ -48,6 +48,7 @@ TEST(NSInvocationTest, RefusesWrongIndexesAndTypes) {
 }
 
 TEST(NSInvocationTest, KeepsWhatItIsToldToKeep) {
+    Animal::classRecord.initializeIfNeeded();
     journal().clear();
     {
         auto animal = Animal::initWithLegs(4);
@@ -91,6 +92,7 @@ TEST(NSInvocationTest, ToNoTargetAnswersZeros) {
 
 TEST(NSInvocationTest, AProxyPassesMessagesOnWithTheirResults) {
     AutoreleasePool pool;
+    Animal::classRecord.initializeIfNeeded();
     journal().clear();
     auto animal = Animal::initWithLegs(4);
     auto shadow = Shadow::initWithTarget(animal);
