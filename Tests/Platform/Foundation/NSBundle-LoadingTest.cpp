@@ -376,8 +376,8 @@ void BadBundleTest::expectRefused(const std::vector<BadBundle>& rows) {
         SCOPED_TRACE(row.name);
         std::string file = std::string(row.name) + ".bundle";
         fs::path path = row.make(file);
-        std::size_t classes = classList(nullptr, 0);
         auto watcher = make<LoadWatcher>();
+        std::size_t classes = classList(nullptr, 0);
         auto* bundle = bundleAt(path);
         ASSERT_TRUE(bundle);
         for (int i = 0; i < 2; ++i) {
