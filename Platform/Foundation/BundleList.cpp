@@ -6,6 +6,7 @@
 #include "Foundation/BundleContentsPrivate.h"
 #include "Foundation/BundleListPrivate.h"
 #include "Foundation/CodeFilePrivate.h"
+#include "Foundation/NSPathStore2.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
@@ -16,12 +17,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// By message: while bundles are set up, the program may have the method replaced by one that resolves
-// nothing.
+// By message to a path string: while bundles are set up, the program may have the method of that class
+// replaced by one that resolves nothing.
 std::string resolved(const std::string& path) {
-    auto* string = NSString::ofUTF8(path);
+    AutoreleasePool pool;
+    auto* string = NSPathStore2::of(NSString::ofUTF8(path)->toUTF16());
     auto* result = send<NSString*>(string, "stringByResolvingSymlinksInPath"_sel);
-    return (result ? result : string)->toUTF8();
+    return result ? result->toUTF8() : path;
 }
 
 bool isFolder(const fs::path& path) {
@@ -41,9 +43,9 @@ bool isFrameworkPath(const std::string& path) { return fs::path(path).extension(
 
 // The framework that the file is the code of, "" if it is none's.
 std::string frameworkFolderOf(const std::string& file) {
+    if (file.find('/') == std::string::npos) return "";
     std::error_code error;
-    fs::path real = fs::canonical(file, error);
-    std::string folder = error ? "" : bundleFolderOf(real);
+    std::string folder = bundleFolderOf(resolved(fs::absolute(file, error).string()));
     return isFrameworkPath(folder) ? folder : "";
 }
 

@@ -67,31 +67,37 @@ NSArray* NSBundle::localizations() {
     return _contents->localizations;
 }
 
+// Under the bundle's lock, which is never held while the user's languages are asked for. String tables are in
+// the languages of their time and go with them.
+void NSBundle::chooseLocalizations(NSArray* languages) {
+    if (_contents->languages && _contents->languages->isEqualToArray(languages)) return;
+    auto preferred = NSMutableArray::init();
+    for (id language : languages)
+        addLocalizationsFor(static_cast<NSString*>(language)->toUTF8(), localizations(), preferred);
+    auto* own = cast<NSString>(infoDictionary()->objectForKey(u"CFBundleDevelopmentRegion"_ns));
+    if (own) addLocalizationsFor(own->toUTF8(), localizations(), preferred);
+    addLocalizationsFor("en", localizations(), preferred);
+    _contents->preferredLocalizations = preferred->copy();
+    _contents->languages.set(languages);
+    _contents->tables = NSMutableDictionary::init();
+}
+
 NSArray* NSBundle::preferredLocalizations() {
     NSArray* languages = userLanguages();
     std::lock_guard guard(_contents->mutex);
-    if (!_contents->languages || !_contents->languages->isEqualToArray(languages)) {
-        auto preferred = NSMutableArray::init();
-        for (id language : languages)
-            addLocalizationsFor(static_cast<NSString*>(language)->toUTF8(), localizations(), preferred);
-        auto* own = cast<NSString>(infoDictionary()->objectForKey(u"CFBundleDevelopmentRegion"_ns));
-        if (own) addLocalizationsFor(own->toUTF8(), localizations(), preferred);
-        addLocalizationsFor("en", localizations(), preferred);
-        _contents->preferredLocalizations = preferred->copy();
-        _contents->languages.set(languages);
-        _contents->tables = NSMutableDictionary::init();
-    }
+    chooseLocalizations(languages);
     return Retained(_contents->preferredLocalizations).autorelease();
 }
 
 // The table in the preferred localisation, or an empty one.
 Retained<NSDictionary> NSBundle::stringTable(NSString* name) {
     AutoreleasePool pool;
+    NSArray* languages = userLanguages();
     std::lock_guard guard(_contents->mutex);
-    preferredLocalizations();  // forgets the tables when the user's languages have changed
+    chooseLocalizations(languages);
     if (id known = _contents->tables->objectForKey(name))
         return Retained<NSDictionary>::retaining(static_cast<NSDictionary*>(known));
-    auto table = readTable(pathForResource_ofType(name, u"strings"_ns));
+    auto table = readTable(pathForResource(name, u"strings"_ns, nullptr, _contents->preferredLocalizations));
     _contents->tables->setObject_forKey(table, name);
     return table;
 }

@@ -60,29 +60,29 @@ std::string extensionOf(NSString* type) {
     return extension.starts_with('.') ? extension.substr(1) : extension;
 }
 
-NSString* firstFile(const std::vector<fs::path>& folders, NSString* name, NSString* type) {
-    for (const fs::path& folder : folders)
+}  // namespace
+
+NSString* NSBundle::pathForResource(NSString* name, NSString* type, NSString* subfolder,
+                                    NSArray* localizations) {
+    for (const fs::path& folder : resourceFolders(_contents->resources, text(subfolder), localizations))
         if (std::string file = fileIn(folder, text(name), extensionOf(type)); !file.empty())
             return NSString::ofUTF8(file);
     return nullptr;
 }
-
-}  // namespace
 
 NSString* NSBundle::pathForResource_ofType(NSString* name, NSString* type) {
     return pathForResource_ofType_inDirectory(name, type, nullptr);
 }
 
 NSString* NSBundle::pathForResource_ofType_inDirectory(NSString* name, NSString* type, NSString* subfolder) {
-    return firstFile(resourceFolders(_contents->resources, text(subfolder), preferredLocalizations()), name,
-                     type);
+    return pathForResource(name, type, subfolder, preferredLocalizations());
 }
 
 NSString* NSBundle::pathForResource_ofType_inDirectory_forLocalization(NSString* name, NSString* type,
                                                                        NSString* subfolder,
                                                                        NSString* localization) {
     NSArray* localizations = localization ? NSArray::arrayWithObject(localization) : nullptr;
-    return firstFile(resourceFolders(_contents->resources, text(subfolder), localizations), name, type);
+    return pathForResource(name, type, subfolder, localizations);
 }
 
 NSArray* NSBundle::pathsForResourcesOfType_inDirectory(NSString* type, NSString* subfolder) {

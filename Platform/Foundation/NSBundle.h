@@ -130,6 +130,8 @@ class PELVOR_EXPORT NSBundle : public NSObject {
     friend class BundleList;
     friend class BundleLoader;
 
+    void chooseLocalizations(NSArray* languages);
+    NSString* pathForResource(NSString* name, NSString* type, NSString* subfolder, NSArray* localizations);
     Retained<NSDictionary> stringTable(NSString* name);
 
     std::unique_ptr<BundleContents> _contents;
