@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBPostLoader.h"
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
@@ -34,8 +35,9 @@ struct LoaderState {
     Class* barredClass = nullptr;  // the bundle class, while it must not be initialised
     IMP bundleInitialize;
     bool hasBeenInitialized = false;
-    bool isMultiThreaded = false;
-    bool isSendingBecomingMultiThreaded = false;
+    // Bundles may be loaded on any thread.
+    std::atomic<bool> isMultiThreaded = false;
+    std::atomic<bool> isSendingBecomingMultiThreaded = false;
 };
 
 LoaderState& loader() {
@@ -107,6 +109,10 @@ std::vector<Class*> allClasses() {
 // The name under which the platform keeps the class that another one has posed as.
 bool isReplacedFileWrapper(Class* cls) { return std::string_view(cls->name()) == "%NSFileWrapper"; }
 
+void startSharedRegistry() {
+    if (PBRegistry* registry = PBRegistry::sharedRegistry()) registry->startRegistry();
+}
+
 // MARK: Bundle initialisation
 
 void abortBundleInitialization() {
@@ -121,9 +127,8 @@ void abortBundleInitialization() {
 class UnresolvedLinks {
   public:
     UnresolvedLinks()
-        : _resolving(PBReplaceMethodImplementationWithSelector(NSPathStore2::classObject(), resolve(),
-                                                               "replacement_stringByResolvingSymlinksInPath"_sel)) {
-    }
+        : _resolving(PBReplaceMethodImplementationWithSelector(
+              NSPathStore2::classObject(), resolve(), "replacement_stringByResolvingSymlinksInPath"_sel)) {}
     ~UnresolvedLinks() { PBReplaceMethodImplementation(NSPathStore2::classObject(), resolve(), _resolving); }
 
   private:
@@ -183,8 +188,7 @@ void PBPostLoader::processClassesStartingRegistry_posing(bool startRegistry, boo
     classRecord.initializeIfNeeded();
     AutoreleasePool pool;
     if (posing) processSelector_initialize("performPosing"_sel, false);
-    PBRegistry* registry = PBRegistry::sharedRegistry();
-    if (startRegistry && registry) registry->startRegistry();
+    if (startRegistry) startSharedRegistry();
     processSelector_initialize("didLoad"_sel, true);
     processSelector_initialize("activateToolkit"_sel, true);
     if (NSThread::isMultiThreaded()) _becomingMultiThreaded(nullptr);
@@ -204,13 +208,13 @@ void PBPostLoader::processSelector_initialize(SEL selector, bool initialize) {
 
 void PBPostLoader::bundleDidLoad(NSNotification* notification) {
     processClassesStartingRegistry(false);
-    PBRegistry* registry = PBRegistry::sharedRegistry();
-    if (registry) registry->addProfilesFromBundle(cast<NSBundle>(notification->object()));
+    if (PBRegistry* registry = PBRegistry::sharedRegistry())
+        registry->addProfilesFromBundle(cast<NSBundle>(notification->object()));
 }
 
 // Hooks' exceptions are reported as those of all hooks; what comes out here is a failure of another kind.
 void PBPostLoader::_becomingMultiThreaded(NSNotification*) {
-    if (std::exchange(loader().isSendingBecomingMultiThreaded, true)) return;
+    if (loader().isSendingBecomingMultiThreaded.exchange(true)) return;
     try {
         ProtectedCall protectedCall;
         processSelector_initialize("becomingMultiThreaded"_sel, false);

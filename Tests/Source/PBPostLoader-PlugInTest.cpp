@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include "Foundation/NSBundle.h"
-#include "Foundation/NSPathStore2.h"
 #include "Foundation/NSThread.h"
 #include "HookedClasses.h"
 #include "PBPostLoader.h"
@@ -44,9 +43,8 @@ class PlugIns : public ::testing::Test {
 TEST_F(PlugIns, PassThroughAllPhasesWhenTheyAreLoadedAndThenBringTheirProfiles) {
     PBPostLoader::processClasses();
     ASSERT_TRUE(plugIn("LateLamp")->load());
-    EXPECT_THAT(journal(), ElementsAre("LateLamp performPosing",
-                                       "NSString didLoad", "LateLamp initialize", "LateLamp didLoad",
-                                       "LateLamp activateToolkit"));
+    EXPECT_THAT(journal(), ElementsAre("LateLamp performPosing", "NSString didLoad", "LateLamp initialize",
+                                       "LateLamp didLoad", "LateLamp activateToolkit"));
     PBProfile* profile = PBRegistry::sharedRegistry()->profileWithIdentifier(u"late lamp"_ns);
     ASSERT_TRUE(profile);
     EXPECT_EQ(profile->profileClass(), classNamed("LateLamp"));
@@ -94,12 +92,14 @@ TEST_F(PlugIns, BundlesAreBarredFromThePosingPhase) {
             PBPostLoader::processClasses();
         },
         "^\\+\\[NSBundle initialize\\] called too early!  This should not happen until OFPostLoader provokes "
-        "it\\. Please rewrite your \\+performPosing method to not provoke \\+\\[NSBundle initialize\\]\\.\n$");
+        "it\\. Please rewrite your \\+performPosing method to not provoke \\+\\[NSBundle "
+        "initialize\\]\\.\n$");
 }
 
+// The folder is a symbolic link.
 bool resolvesLinks() {
-    NSString* path = NSPathStore2::of(u"/proc/self");
-    return !send<NSString*>(path, "stringByResolvingSymlinksInPath"_sel)->isEqual(path);
+    NSString* path = u"/proc/self"_ns;
+    return !NSBundle::bundleWithPath(path)->bundlePath()->isEqual(path);
 }
 
 TEST_F(PlugIns, BundlesAreInitialisedOnceAfterThePosingPhaseWithoutResolvingLinks) {
