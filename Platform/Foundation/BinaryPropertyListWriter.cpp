@@ -3,6 +3,7 @@
 
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "Foundation/NSArray.h"
 #include "Foundation/NSData.h"
 #include "Foundation/NSDate.h"
+#include "Foundation/NSInlineStringPrivate.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/PropertyListFaultPrivate.h"
 #include "Foundation/PropertyListNumbersPrivate.h"
@@ -91,9 +93,18 @@ struct Scalar {
     friend bool operator==(const Scalar&, const Scalar&) = default;
 };
 
+// Hashes as strings are hashed: nobody can make up numbers or data that fall on one place.
 struct HashOfScalar {
     std::size_t operator()(const Scalar& scalar) const {
-        return (scalar.bits ^ static_cast<std::uint64_t>(scalar.marker) << 56) * 0x9E3779B97F4A7C15u >> 17;
+        unichar units[5] = {scalar.marker};
+        std::memcpy(units + 1, &scalar.bits, sizeof scalar.bits);
+        return hashUnits({units, 5});
+    }
+};
+
+struct HashOfData {
+    std::size_t operator()(std::string_view bytes) const {
+        return hashUnits({reinterpret_cast<const unichar*>(bytes.data()), bytes.size() / 2});
     }
 };
 
@@ -268,7 +279,7 @@ class Writer final : public PropertyListVisitor {
     std::vector<Open> _open;
     std::unordered_map<NSString*, std::uint32_t, HashOfString, EqualStrings> _strings;
     std::unordered_map<Scalar, std::uint32_t, HashOfScalar> _scalars;
-    std::unordered_map<std::string_view, std::uint32_t> _data;
+    std::unordered_map<std::string_view, std::uint32_t, HashOfData> _data;
 };
 
 }  // namespace

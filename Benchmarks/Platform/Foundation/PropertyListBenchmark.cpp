@@ -43,10 +43,10 @@ constexpr char kChapter[] =
     "string>\n"
     "\t</dict>\n";
 
-std::string records() {
+std::string records(std::size_t size) {
     std::string text = kHeader;
     char record[1024];
-    for (int i = 0; text.size() < kSize; ++i) {
+    for (int i = 0; text.size() < size; ++i) {
         std::snprintf(record, sizeof record, kRecord, i, i % 12 + 1, i % 28 + 1, i, i % 2 ? "true" : "false",
                       i * 0.375, i * 1234, i);
         text += record;
@@ -68,7 +68,7 @@ std::string chapters() {
 }
 
 const std::string& text(std::int64_t which) {
-    static const std::string texts[] = {records(), chapters()};
+    static const std::string texts[] = {records(kSize), chapters()};
     return texts[which];
 }
 
@@ -184,6 +184,24 @@ void writeBinaryByLibplist(benchmark::State& state) {
     plist_free(list);
     finish(state, size);
 }
+
+// The speed stays the same from the smallest list to the largest. With a comment in it, a document is read by
+// the parser.
+void readXMLOfSize(benchmark::State& state) {
+    AutoreleasePool pool;
+    std::string text = records(static_cast<std::size_t>(state.range(0)));
+    if (state.range(1)) text += "<!-- -->";
+    NSData* data = dataOf(text);
+    for (auto _ : state) {
+        AutoreleasePool inner;
+        if (!readList(data)) state.SkipWithError("not read");
+    }
+    finish(state, data->length());
+}
+BENCHMARK(readXMLOfSize)
+    ->ArgNames({"bytes", "parsed"})
+    ->ArgsProduct({{64 << 10, 2 << 20, 64 << 20}, {0, 1}})
+    ->Unit(benchmark::kMillisecond);
 
 #define PELVOR_PROPERTY_LIST_BENCHMARK(function) \
     BENCHMARK(function)->ArgName("chapters")->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <unordered_set>
 
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableData.h"
@@ -219,6 +220,26 @@ TEST_F(PropertyLists, OfAnyDepthNeedLittleStack) {
         std::string xml = nestedText(512, NSPropertyListXMLFormat_v1_0);
         EXPECT_EQ(written(read(xml).list).size(), written(nestedArrays(512)).size());
     });
+}
+
+// MARK: Time
+
+// Keys whose first four units are the number that a fixed hash begins with: the next four would count for
+// nothing.
+TEST_P(PropertyListFormats, AreReadAndWrittenAtOnceWhateverTheirKeysAre) {
+    constexpr NSUInteger kCount = 60'000;
+    NSMutableDictionary* list = NSMutableDictionary::dictionaryWithCapacity(kCount);
+    std::u16string key = u"\u7C15\u7F4A\u79B9\u9E37aaaaaaaaa";
+    std::unordered_set<std::uintptr_t> hashes;
+    for (NSUInteger i = 0; i < kCount; ++i) {
+        for (unsigned digit = 0; digit < 4; ++digit)
+            key[4 + digit] = static_cast<char16_t>(u'a' + (i >> 4 * digit & 15));
+        NSString* string = NSString::of(key);
+        hashes.insert(string->hash());
+        list->setObject_forKey(string, string);
+    }
+    EXPECT_GT(hashes.size(), kCount - 100);
+    EXPECT_TRUE(list->isEqual(read(written(list, GetParam())).list));
 }
 
 // MARK: Telling formats apart
