@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Text up to canonical equivalence and case: comparing and finding; for Foundation's own sources.
+// Comparing text up to canonical equivalence and case, and code points; for Foundation's own sources.
 #pragma once
 
 #include <string>
@@ -12,9 +12,6 @@ namespace pelvor {
 /// Compares as the options say: case-insensitive, literal, numeric. Text that is not compared literally is
 /// ordered by the units of its composed form.
 NSComparisonResult compareText(std::u16string_view a, std::u16string_view b, NSStringCompareOptions options);
-
-/// Where the needle stands in the text as the options say: case-insensitive, literal, backwards, anchored.
-NSRange findText(std::u16string_view text, std::u16string_view needle, NSStringCompareOptions options);
 
 /// The code point that begins at the index; a lone half is itself.
 inline char32_t codePointAt(std::u16string_view text, std::size_t index) {

@@ -2,6 +2,8 @@
 // The arrays that creators answer; for Foundation's own sources.
 #pragma once
 
+#include <vector>
+
 #include "Foundation/NSMutableArray.h"
 
 namespace pelvor {
@@ -13,6 +15,15 @@ class NSInlineArray final : public NSArray {
   public:
     /// An owned array; the objects, none of which is none, are retained.
     static Retained<NSInlineArray> create(Object* const* objects, NSUInteger count);
+    /// The same from references that are taken over.
+    template <class T>
+    static Retained<NSInlineArray> createAdopting(std::vector<Retained<T>>&& references) {
+        auto count = static_cast<NSUInteger>(references.size());
+        if (count == 0) return Retained<NSInlineArray>::retaining(empty());
+        auto* array = Instances::createWithExtra<NSInlineArray>(count * sizeof(Object*), &classRecord, count);
+        for (NSUInteger i = 0; i < count; ++i) array->objects()[i] = references[i].leak();
+        return Retained<NSInlineArray>::adopting(array);
+    }
     /// The array without objects, borrowed; there is one.
     static NSInlineArray* empty();
 

@@ -190,6 +190,9 @@ void appendInteger(std::u16string& text, Directive directive, std::int64_t value
 }
 
 std::string converted(double value, std::chars_format format, int precision) {
+    char digits[128];
+    auto written = std::to_chars(digits, digits + sizeof digits, value, format, precision);
+    if (written.ec == std::errc()) return {digits, written.ptr};
     std::string buffer(static_cast<std::size_t>(precision) + 340, '\0');
     auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, format, precision);
     buffer.resize(static_cast<std::size_t>(end.ptr - buffer.data()));
@@ -315,6 +318,7 @@ class FormatReader {
         : _text(text), _format(format), _arguments(arguments) {}
 
     void run() {
+        _text.reserve(_text.size() + _format.size() + _arguments.size() * 16);
         while (true) {
             std::size_t percent = std::min(_format.find(u'%', _place), _format.size());
             _text += _format.substr(_place, percent - _place);

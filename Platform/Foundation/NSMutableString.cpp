@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <vector>
 
-#include "Foundation/CanonicalTextPrivate.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSBufferStringPrivate.h"
 #include "Foundation/NSData.h"
 #include "Foundation/NSInlineStringPrivate.h"
+#include "Foundation/TextFinderPrivate.h"
 
 namespace pelvor {
 
@@ -142,9 +142,10 @@ namespace {
 // Writes the text with every match replaced to `result`; answers how many there were.
 NSUInteger replaceForwards(std::u16string& result, std::u16string_view text, std::u16string_view target,
                            std::u16string_view replacement, NSStringCompareOptions options) {
+    TextFinder finder(target, options);
     NSUInteger count = 0;
     while (true) {
-        NSRange match = findText(text, target, options);
+        NSRange match = finder.find(text);
         if (match.location == NSNotFound) break;
         result += text.substr(0, match.location);
         result += replacement;
@@ -158,10 +159,11 @@ NSUInteger replaceForwards(std::u16string& result, std::u16string_view text, std
 
 NSUInteger replaceBackwards(std::u16string& result, std::u16string_view text, std::u16string_view target,
                             std::u16string_view replacement, NSStringCompareOptions options) {
+    TextFinder finder(target, options);
     std::vector<NSRange> matches;
     std::u16string_view rest = text;
     do {
-        NSRange match = findText(rest, target, options);
+        NSRange match = finder.find(rest);
         if (match.location == NSNotFound) break;
         matches.push_back(match);
         rest = rest.substr(0, match.location);

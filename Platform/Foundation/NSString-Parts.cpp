@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // Strings made of other strings' parts.
+#include <vector>
+
 #include "Foundation/CanonicalTextPrivate.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSInlineStringPrivate.h"
-#include "Foundation/NSMutableArray.h"
+#include "Foundation/ConcreteArraysPrivate.h"
 #include "Foundation/NSMutableString.h"
+#include "Foundation/TextFinderPrivate.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {
@@ -13,14 +16,14 @@ NSArray* NSString::componentsSeparatedByString(NSString* separator) {
     requireString(separator, "componentsSeparatedByString:");
     StringUnits units(this), mark(separator);
     std::u16string_view text = units;
-    NSMutableArray* components = NSMutableArray::array();
-    while (true) {
-        NSRange match = findText(text, mark, 0);
-        bool isLast = match.location == NSNotFound;
-        components->addObject(NSInlineString::create(isLast ? text : text.substr(0, match.location)).get());
-        if (isLast) return NSArray::arrayWithArray(components);
+    TextFinder finder(mark, 0);
+    std::vector<Retained<NSString>> components;
+    for (NSRange match = finder.find(text); match.location != NSNotFound; match = finder.find(text)) {
+        components.push_back(NSInlineString::create(text.substr(0, match.location)));
         text.remove_prefix(NSMaxRange(match));
     }
+    components.push_back(NSInlineString::create(text));
+    return NSInlineArray::createAdopting(std::move(components)).autorelease();
 }
 
 NSString* NSString::stringByTrimmingCharactersInSet(NSCharacterSet* set) {

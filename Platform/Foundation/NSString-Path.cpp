@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <vector>
 
+#include "Foundation/ConcreteArraysPrivate.h"
 #include "Foundation/NSInlineStringPrivate.h"
-#include "Foundation/NSMutableArray.h"
 #include "Foundation/NSPathStore2.h"
 #include "Foundation/UnitConversionPrivate.h"
 #include "Runtime/NSException.h"
@@ -150,12 +150,15 @@ NSString* NSString::stringByDeletingPathExtension() {
 NSArray* NSString::pathComponents() {
     StringUnits units(this);
     Path path = units;
-    NSMutableArray* components = NSMutableArray::array();
-    if (!path.empty() && path[0] == u'/') components->addObject(NSPathStore2::of(u"/"));
-    for (Path component : splitAtSlashes(path)) components->addObject(NSPathStore2::of(component));
+    std::vector<Retained<NSString>> components;
+    auto add = [&](Path component) {
+        components.push_back(Retained<NSString>::retaining(NSPathStore2::of(component)));
+    };
+    if (!path.empty() && path[0] == u'/') add(u"/");
+    for (Path component : splitAtSlashes(path)) add(component);
     if (path.find_first_not_of(u'/') != Path::npos && path.back() == u'/')
-        components->addObject(NSPathStore2::of(u"/"));
-    return NSArray::arrayWithArray(components);
+        add(u"/");
+    return NSInlineArray::createAdopting(std::move(components)).autorelease();
 }
 
 NSString* NSString::pathWithComponents(NSArray* components) {

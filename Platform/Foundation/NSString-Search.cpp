@@ -8,6 +8,7 @@
 #include "Foundation/CanonicalTextPrivate.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSInlineStringPrivate.h"
+#include "Foundation/TextFinderPrivate.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {
@@ -28,7 +29,8 @@ NSRange NSString::rangeOfString_options(NSString* target, NSStringCompareOptions
 NSRange NSString::rangeOfString_options_range(NSString* target, NSStringCompareOptions options,
                                               NSRange range) {
     requireString(target, "rangeOfString:");
-    return shifted(findText(StringUnits(this, range), StringUnits(target), options), range.location);
+    StringUnits wanted(target);
+    return shifted(TextFinder(wanted, options).find(StringUnits(this, range)), range.location);
 }
 
 // Members of a set
@@ -42,6 +44,8 @@ class MemberSearch {
 
     NSRange first() const {
         for (NSUInteger i = 0; i < _text.size();) {
+            i = firstInterestingUnit(i);
+            if (i == _text.size()) break;
             NSUInteger length = memberAt(i);
             if (length) return {i, length};
             i += static_cast<NSUInteger>(unitCount(codePointAt(_text, i)));
@@ -63,6 +67,21 @@ class MemberSearch {
     }
 
   private:
+    // Passes units that are neither members nor at or past the halves of pairs; none if case does not count.
+    NSUInteger firstInterestingUnit(NSUInteger place) const {
+        const std::uint8_t* bitmap = _set->basicPlaneBitmap();
+        auto count = static_cast<NSUInteger>(_text.size());
+        auto stops = [bitmap](char16_t unit) {
+            return unsigned{unit >= 0xD800} | (bitmap[unit >> 3] >> (unit & 7) & 1u);
+        };
+        if (_folds) return place;
+        const char16_t* text = _text.data();
+        while (place + 4 <= count && !(stops(text[place]) | stops(text[place + 1]) | stops(text[place + 2]) |
+                                       stops(text[place + 3])))
+            place += 4;
+        while (place < count && !stops(text[place])) ++place;
+        return place;
+    }
     // How many units the member at the index has; 0 if what stands there is no member.
     NSUInteger memberAt(NSUInteger index) const {
         char32_t c = codePointAt(_text, index);

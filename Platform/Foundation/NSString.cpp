@@ -146,11 +146,10 @@ Retained<NSString> NSString::initWithCharactersNoCopy_length_freeWhenDone(unicha
 
 namespace {
 
-// None if there are other bytes than ASCII.
-Retained<NSString> asciiString(std::string_view bytes) {
-    if (asciiPrefix(bytes) < bytes.size()) return nullptr;
-    auto string = NSInlineString::create(static_cast<NSUInteger>(bytes.size()));
-    widen(bytes, string->characters());
+// None if the bytes are not UTF-8.
+Retained<NSString> utf8String(std::string_view bytes) {
+    auto string = NSInlineString::create(static_cast<NSUInteger>(unitCountOfUTF8(bytes)));
+    if (!decodeAllUTF8(bytes, string->characters())) return nullptr;
     return string;
 }
 
@@ -158,9 +157,7 @@ Retained<NSString> asciiString(std::string_view bytes) {
 
 Retained<NSString> NSString::initWithUTF8String(const char* text) {
     if (!text) throw NSException(NSInvalidArgumentException, "initWithUTF8String: none given");
-    if (auto string = asciiString(text)) return string;
-    auto units = unitsFromUTF8(text);
-    return units ? NSInlineString::create(*units) : nullptr;
+    return utf8String(text);
 }
 
 NSString* NSString::stringWithString(NSString* string) { return initWithString(string).autorelease(); }
@@ -174,7 +171,7 @@ NSString* NSString::stringWithUTF8String(const char* text) { return initWithUTF8
 NSString* NSString::of(std::u16string_view units) { return NSInlineString::create(units).autorelease(); }
 
 NSString* NSString::ofUTF8(std::string_view bytes) {
-    if (auto string = asciiString(bytes)) return std::move(string).autorelease();
+    if (auto string = utf8String(bytes)) return std::move(string).autorelease();
     return of(unitsFromUTF8Mending(bytes));
 }
 
@@ -258,15 +255,19 @@ NSString* NSString::stringByAppendingString(NSString* string) {
 // Identity
 
 bool NSString::isEqual(id other) {
+    if (this == other) return true;
     auto* string = cast<NSString>(other);
     return string && isEqualToString(string);
 }
 
 bool NSString::isEqualToString(NSString* other) {
     if (this == other) return true;
-    if (!other || length() != other->length()) return false;
-    StringUnits mine(this), theirs(other);
-    return std::memcmp(mine.data(), theirs.data(), mine.size() * sizeof(unichar)) == 0;
+    if (!other) return false;
+    NSUInteger count = length();
+    if (count != other->length()) return false;
+    const unichar *mine = contiguousCharacters(), *theirs = other->contiguousCharacters();
+    if (mine && theirs) return std::memcmp(mine, theirs, count * sizeof(unichar)) == 0;
+    return StringUnits(this).view() == StringUnits(other).view();
 }
 
 std::uintptr_t NSString::hash() { return hashUnits(StringUnits(this)); }

@@ -17,6 +17,11 @@ std::size_t asciiPrefix(std::u16string_view units);
 void widen(std::string_view bytes, char16_t* units);
 void narrow(std::u16string_view units, char* bytes);
 
+/// How many units UTF-8 has; no fewer than it has where it is ill-formed, too.
+std::size_t unitCountOfUTF8(std::string_view bytes);
+/// Writes the units, as many as `unitCountOfUTF8` says; false, with some written, for ill-formed bytes.
+bool decodeAllUTF8(std::string_view bytes, char16_t* units);
+
 /// None for bytes that are not UTF-8.
 std::optional<std::u16string> unitsFromUTF8(std::string_view bytes);
 /// Every ill-formed part becomes U+FFFD.

@@ -106,6 +106,54 @@ std::size_t findUnits(Units text, Units needle) {
     return find(text, needle);
 }
 
+namespace {
+
+using Spellings = std::array<char16_t, 4>;
+
+bool isOneOf(const Spellings& spellings, char16_t unit) {
+    return std::find(spellings.begin(), spellings.end(), unit) != spellings.end();
+}
+
+#ifdef __SSE2__
+
+// Which of the eight units are one of four.
+class SpellingMask {
+  public:
+    explicit SpellingMask(const Spellings& spellings) {
+        for (std::size_t i = 0; i < spellings.size(); ++i)
+            _units[i] = _mm_set1_epi16(static_cast<short>(spellings[i]));
+    }
+    __m128i operator()(const char16_t* text) const {
+        __m128i units = load(text);
+        return _mm_or_si128(
+            _mm_or_si128(_mm_cmpeq_epi16(units, _units[0]), _mm_cmpeq_epi16(units, _units[1])),
+            _mm_or_si128(_mm_cmpeq_epi16(units, _units[2]), _mm_cmpeq_epi16(units, _units[3])));
+    }
+
+  private:
+    __m128i _units[4];
+};
+
+#endif
+
+}  // namespace
+
+std::size_t findCandidate(Units text, std::size_t from, const Spellings& first, std::size_t distance,
+                          const Spellings& last) {
+    std::size_t i = from;
+#ifdef __SSE2__
+    const SpellingMask isFirst(first), isLast(last);
+    for (; i + distance + 8 <= text.size(); i += 8) {
+        __m128i both = _mm_and_si128(isFirst(text.data() + i), isLast(text.data() + i + distance));
+        if (auto mask = static_cast<unsigned>(_mm_movemask_epi8(both)))
+            return i + static_cast<std::size_t>(std::countr_zero(mask)) / 2;
+    }
+#endif
+    for (; i + distance < text.size(); ++i)
+        if (isOneOf(first, text[i]) && isOneOf(last, text[i + distance])) return i;
+    return kNoUnit;
+}
+
 std::size_t findLastUnits(Units text, Units needle) {
     if (needle.empty() || needle.size() > text.size()) return kNoUnit;
     Effort effort(needle.size());

@@ -2,6 +2,7 @@
 // Finding units in units, bit for bit; for Foundation's own sources.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <string_view>
 
@@ -14,6 +15,10 @@ inline constexpr std::size_t kNoUnit = std::u16string_view::npos;
 std::size_t findUnits(std::u16string_view text, std::u16string_view needle);
 /// Where the needle last stands in the text.
 std::size_t findLastUnits(std::u16string_view text, std::u16string_view needle);
+/// The first place from `from` on with one of the units `first` at it and one of `last` at the distance
+/// after it; kNoUnit if there is none.
+std::size_t findCandidate(std::u16string_view text, std::size_t from, const std::array<char16_t, 4>& first,
+                          std::size_t distance, const std::array<char16_t, 4>& last);
 /// How many units at the front are the same in both.
 std::size_t commonPrefix(std::u16string_view a, std::u16string_view b);
 
