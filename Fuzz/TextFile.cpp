@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+// Reads any bytes as a text file and as a Markdown document.
+#include <cstdlib>
+
+#include "Writer/PlugIns/Markdown/MarkdownText.h"
+#include "Writer/PlugIns/TextFiles/TextFileDecoding.h"
+#include "Writer/TextParagraphs.h"
+
+namespace {
+
+void require(bool holds) {
+    if (!holds) std::abort();
+}
+
+// Paragraphs and what ends them are the whole text.
+void checkParagraphs(std::u16string_view text) {
+    for (std::u16string_view rest = text; !rest.empty();) {
+        const std::size_t before = rest.size();
+        const std::size_t length = pelvor::takeParagraph(rest).size();
+        const std::size_t ending = before - rest.size() - length;
+        require(ending <= 2 && (ending > 0 || rest.empty()));
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+    using namespace pelvor;
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    const TextFileContent content = decodeTextFile(bytes, {});
+    if (content.fault != TextFileFault::none) {
+        require(content.fault == TextFileFault::notText && content.text.empty());
+        return 0;
+    }
+    require(content.text.find(u'\0') == content.text.npos);
+    const TextFileContent again = decodeTextFile(bytes, content.encodingName);
+    require(again.text == content.text && again.hasByteOrderMark == content.hasByteOrderMark);
+    checkParagraphs(content.text);
+    const std::u16string text = textOfMarkdown(content.text);
+    require(text.size() <= content.text.size() + 1);
+    require(text.empty() || text.back() == u'\n');
+    return 0;
+}
