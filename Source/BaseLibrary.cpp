@@ -19,7 +19,7 @@ constexpr Library* kDependencies[] = {&foundationLibrary};
 constexpr Class* kClasses[] = {
     &PBMutableIntNumber::classRecord, &PBMutableNumber::classRecord, &PBPostLoader::classRecord,
     &PBProfile::classRecord,          &PBProfileSet::classRecord,    &PBRegistry::classRecord,
-    &PBUniqueObject::classRecord,     &PBUtil_Dummy::classRecord, &_PBAssertionWarning::classRecord,
+    &PBUniqueObject::classRecord,     &PBUtil_Dummy::classRecord,    &_PBAssertionWarning::classRecord,
 };
 
 constexpr const Category* kCategories[] = {
