@@ -15,18 +15,28 @@ namespace {
 
 constexpr Library* kDependencies[] = {&foundationLibrary};
 
+// clang-format off: one a line.
 // Alphabetical; a superclass is registered before its subclasses wherever it stands.
 constexpr Class* kClasses[] = {
-    &PBMutableIntNumber::classRecord, &PBMutableNumber::classRecord, &PBPostLoader::classRecord,
-    &PBProfile::classRecord,          &PBProfileSet::classRecord,    &PBRegistry::classRecord,
-    &PBUniqueObject::classRecord,     &PBUtil_Dummy::classRecord,    &_PBAssertionWarning::classRecord,
+    &PBMutableIntNumber::classRecord,
+    &PBMutableNumber::classRecord,
+    &PBPostLoader::classRecord,
+    &PBProfile::classRecord,
+    &PBProfileSet::classRecord,
+    &PBRegistry::classRecord,
+    &PBUniqueObject::classRecord,
+    &PBUtil_Dummy::classRecord,
+    &_PBAssertionWarning::classRecord,
 };
 
 constexpr const Category* kCategories[] = {
-    &NSInvocation_PelvorAdditions_category, &NSObject_PBProfileAccess_category,
-    &NSObject_PelvorAdditions_category,     &NSObject_PelvorDebugMenus_category,
+    &NSInvocation_PelvorAdditions_category,
+    &NSObject_PBProfileAccess_category,
+    &NSObject_PelvorAdditions_category,
+    &NSObject_PelvorDebugMenus_category,
     &NSPathStore2_OFOverrides_category,
 };
+// clang-format on
 
 }  // namespace
 
