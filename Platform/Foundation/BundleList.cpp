@@ -164,12 +164,13 @@ NSBundle* BundleList::bundleForClass(Class* cls) {
 }
 
 NSBundle* BundleList::bundleForCode(Class* cls) {
-    const void* base = codeBase(cls);
+    const void* code = cls->codeAddress();
+    const void* base = codeBase(code);
     {
         std::lock_guard guard(_mutex);
         if (auto found = _byCode.find(base); found != _byCode.end()) return found->second;
     }
-    std::string folder = frameworkFolderOf(codePath(cls));
+    std::string folder = frameworkFolderOf(codePath(code));
     NSBundle* bundle = folder.empty() ? _main : bundleWithPath(folder, NSBundle::classObject());
     noteCode(base, bundle);
     return bundle;

@@ -39,6 +39,11 @@ class PELVOR_EXPORT Class final : public NSObject {
     std::size_t instanceSize() const { return _native.instanceSize; }
     /// The list that names the class; none for classes made at run time.
     Library* library() const { return _library; }
+    /// An address in the library or plug-in that defines the class. The record is no such address: the
+    /// linker may put it among the data of a program that names the class.
+    const void* codeAddress() const {
+        return reinterpret_cast<const void*>(_describes->_native.defineMethods);
+    }
 
     bool isSubclassOfClass(Class* ancestor);
     /// Whether objects of the class are C++ objects of the class behind `ancestor`. Posing does not
