@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBPostLoader.h"
 
-#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <mutex>
@@ -23,7 +22,7 @@
 
 namespace pelvor {
 
-int PBExceptionHandlingNestLevel = 0;
+std::atomic<int> PBExceptionHandlingNestLevel = 0;
 
 namespace {
 

@@ -2,6 +2,8 @@
 // PBPostLoader: calls the load-time hooks of all classes, phase by phase and each once.
 #pragma once
 
+#include <atomic>
+
 #include "Runtime/Class.h"
 
 namespace pelvor {
@@ -13,7 +15,7 @@ class NSString;
 
 /// How many protected calls are running inside each other; shared with whatever handles exceptions. One
 /// more while the post-loader calls a hook, and one less however the call ends.
-extern PELVOR_EXPORT int PBExceptionHandlingNestLevel;
+extern PELVOR_EXPORT std::atomic<int> PBExceptionHandlingNestLevel;
 
 /// Runs what classes want done once, after code was loaded and before it is used. A class, or a category
 /// of it, asks for it by a class operation without arguments or result:
