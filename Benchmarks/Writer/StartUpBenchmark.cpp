@@ -3,22 +3,23 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
 namespace {
 
-// Runs the program once and answers the milliseconds from main to the moment, as it tells them itself; below 0
-// if it does not.
+// Runs the program once and answers the milliseconds from main to the moment, as it tells them itself; below
+// 0 if it does not.
 double millisecondsTo(const char* moment, const char* arguments) {
     const std::string command = std::string(WRITER_PROGRAM " --timing ") + arguments;
     std::FILE* output = popen(command.c_str(), "r");
     if (!output) return -1;
-    const std::string format = std::string("timing ") + moment + " %lf";
+    const std::string start = std::string("timing ") + moment + ' ';
     double milliseconds = -1;
     for (char line[4096]; std::fgets(line, sizeof line, output);) {
-        double value = 0;
-        if (std::sscanf(line, format.c_str(), &value) == 1) milliseconds = value;
+        if (std::strncmp(line, start.c_str(), start.size()) == 0)
+            milliseconds = std::strtod(line + start.size(), nullptr);
     }
     return pclose(output) == 0 ? milliseconds : -1;
 }
@@ -35,7 +36,10 @@ void measure(benchmark::State& state, const char* moment, const char* arguments)
 }
 
 void settings(benchmark::internal::Benchmark* benchmark) {
-    benchmark->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(1)->Repetitions(20)
+    benchmark->Unit(benchmark::kMillisecond)
+        ->UseManualTime()
+        ->Iterations(1)
+        ->Repetitions(20)
         ->ReportAggregatesOnly();
 }
 

@@ -56,6 +56,8 @@ void checkPlugIn(const std::filesystem::path& contents) {
     pelvor::setPlatformVersion(742.0);
     const auto seen = reinterpret_cast<double (*)()>(dlsym(module, "platformVersionSeenByPlugIn"));
     check(seen && seen() == 742.0, "host and plug-in share one copy of the library");
+    const auto count = reinterpret_cast<unsigned long (*)()>(dlsym(module, "countOfTwoEqualTexts"));
+    check(count && count() == 2, "the plug-in uses a class that the host does not");
 }
 
 }  // namespace

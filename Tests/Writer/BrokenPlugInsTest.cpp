@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <fstream>
 
+#include "Sanitizers.h"
 #include "WriterProgram.h"
 
 namespace pelvor {
@@ -33,7 +34,8 @@ class BrokenPlugIns : public testing::Test {
     }
     // A plug-in whose code is these bytes.
     void addCode(const std::string& name, const std::string& code) {
-        addInformation(name, entry("CFBundleIdentifier", "example." + name) + entry("CFBundleExecutable", "x.so"));
+        addInformation(name,
+                       entry("CFBundleIdentifier", "example." + name) + entry("CFBundleExecutable", "x.so"));
         add(name, "Linux/x.so", code);
     }
     std::string codeOf(const std::string& plugIn) {
@@ -59,28 +61,36 @@ TEST_F(BrokenPlugIns, AreToldOfInOneLineEachAndTheOthersAreLoaded) {
     add("NoInformation", "Resources/x.txt", "");
     add("BadInformation", "Info.plist", "<plist><dict><key>");
     addInformation("OddInformation", "<key>CFBundleExecutable</key><integer>7</integer>");
-    addInformation("NoCode", entry("CFBundleIdentifier", "example.none") + entry("CFBundleExecutable", "x.so"));
+    addInformation("NoCode",
+                   entry("CFBundleIdentifier", "example.none") + entry("CFBundleExecutable", "x.so"));
     addInformation("Twin", entry("CFBundleIdentifier", "pelvor.writer.plaintext"));
     addCode("Garbage", "This is no code.");
     addCode("EmptyCode", "");
     std::string foreign = codeOf("PlainText");
     foreign[18] = '\x28';  // the machine, here one that this program was not built for
     addCode("Foreign", foreign);
-    addCode("HalfOfTheCode", codeOf("PlainText").substr(0, foreign.size() / 2));
-    for (const char* name : {"BrokenUndefined", "BrokenConstructor"}) addBuilt(name);
+    // What is left out here has to be more than the debug information, with which a file may well be half
+    // full.
+    addCode("StartOfTheCode", codeOf("PlainText").substr(0, 4096));
+    addBuilt("BrokenUndefined");
+    if (kConstructorsMayRaise) addBuilt("BrokenConstructor");
 
     const WriterRun run = program.run({});
     EXPECT_EQ(run.status, 0);
     EXPECT_TRUE(run.prints("Plug-ins (10): HexDump, LanguageFinder, Languages,")) << run.output;
-    EXPECT_EQ(run.valueOf("Plug-ins that could not be loaded"), "11; see the log");
+    EXPECT_EQ(run.valueOf("Plug-ins that could not be loaded"),
+              kConstructorsMayRaise ? "11; see the log" : "10; see the log");
     EXPECT_EQ(run.valueOf("Words"), "4542");
     for (const char* name : {"NoInformation", "BadInformation", "OddInformation"})
         EXPECT_NE(lineAbout(run, name).find("information"), std::string::npos) << name << run.errors;
     EXPECT_NE(lineAbout(run, "Twin").find("identifier"), std::string::npos) << run.errors;
-    for (const char* name : {"NoCode", "Garbage", "EmptyCode", "Foreign", "HalfOfTheCode"})
+    for (const char* name : {"NoCode", "Garbage", "EmptyCode", "Foreign", "StartOfTheCode"})
         EXPECT_NE(lineAbout(run, name), "") << name << run.errors;
-    EXPECT_NE(lineAbout(run, "BrokenUndefined").find("functionThatNobodyHas"), std::string::npos) << run.errors;
-    EXPECT_NE(lineAbout(run, "BrokenConstructor").find("no paper"), std::string::npos) << run.errors;
+    EXPECT_NE(lineAbout(run, "BrokenUndefined").find("functionThatNobodyHas"), std::string::npos)
+        << run.errors;
+    if (kConstructorsMayRaise) {
+        EXPECT_NE(lineAbout(run, "BrokenConstructor").find("no paper"), std::string::npos) << run.errors;
+    }
 }
 
 TEST_F(BrokenPlugIns, OfNamesThatAreTakenComeTooLate) {

@@ -21,6 +21,7 @@
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
+#include "Sanitizers.h"
 
 namespace pelvor::testing {
 
@@ -164,14 +165,6 @@ TEST_F(NSBundleLoadingTest, AMendedBundleLoads) {
     EXPECT_EQ(reason, nullptr);
     EXPECT_EQ(bundle->bundleIdentifier()->toUTF8(), "test.mended");
 }
-
-// The thread sanitizer's own dlopen does not outlive an exception.
-#if defined(__has_feature)
-#define PELVOR_HAS_FEATURE(feature) __has_feature(feature)
-#else
-#define PELVOR_HAS_FEATURE(feature) 0
-#endif
-constexpr bool kConstructorsMayRaise = !PELVOR_HAS_FEATURE(thread_sanitizer);
 
 TEST_F(NSBundleLoadingTest, ARaisingConstructorLeavesTheLoaderUsableOnAllThreads) {
     if (!kConstructorsMayRaise) GTEST_SKIP();
