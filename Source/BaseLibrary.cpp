@@ -4,7 +4,10 @@
 #include "Foundation/FoundationLibrary.h"
 #include "NSInvocation-PelvorAdditions.h"
 #include "NSObject-PelvorAdditions.h"
+#include "NSValue-PelvorAdditions.h"
+#include "PBFloatArray.h"
 #include "PBMutableNumber.h"
+#include "PBPlanarRange.h"
 #include "PBPostLoader.h"
 #include "PBRegistry.h"
 #include "PBUtil.h"
@@ -18,6 +21,8 @@ constexpr Library* kDependencies[] = {&foundationLibrary};
 // clang-format off: one a line.
 // Alphabetical; a superclass is registered before its subclasses wherever it stands.
 constexpr Class* kClasses[] = {
+    &PBFloatArray::classRecord,
+    &PBFloatVector::classRecord,
     &PBMutableIntNumber::classRecord,
     &PBMutableNumber::classRecord,
     &PBPostLoader::classRecord,
@@ -35,6 +40,8 @@ constexpr const Category* kCategories[] = {
     &NSObject_PelvorAdditions_category,
     &NSObject_PelvorDebugMenus_category,
     &NSPathStore2_OFOverrides_category,
+    &NSValue_PelvorAdditions_category,
+    &NSValue_PlanarRangeAdditions_category,
 };
 // clang-format on
 

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PBFloatArray.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "BaseLibrary.h"
+#include "Foundation/NSNumber.h"
+#include "Foundation/NSString.h"
+#include "Runtime/Message.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+namespace {
+
+[[noreturn]] void raiseOutOfBounds(std::uint32_t index, std::uint32_t count) {
+    raiseException(NSRangeException, u"float array index out of bounds (idx=%d length=%d)"_ns,
+                   static_cast<int>(index), static_cast<int>(count));
+}
+
+}  // namespace
+
+// MARK: Fixed length
+
+PELVOR_DEFINE_CLASS(PBFloatArray, baseLibrary) {
+    methods.classLevel<"initWithFloats:count:", &PBFloatArray::initWithFloats_count>();
+    methods.classLevel<"initWithCapacity:", &PBFloatArray::initWithCapacity>();
+    methods.instance<"count", &PBFloatArray::count>();
+    methods.instance<"floatAtIndex:", &PBFloatArray::floatAtIndex>();
+    methods.instance<"replaceFloatAtIndex:withFloat:", &PBFloatArray::replaceFloatAtIndex_withFloat>();
+    methods.instance<"objectAtIndex:", &PBFloatArray::objectAtIndex>();
+    methods.instance<"replaceObjectAtIndex:withObject:", &PBFloatArray::replaceObjectAtIndex_withObject>();
+    methods.instance<"replaceFloatsInRange:withFloatsFrom:",
+                     &PBFloatArray::replaceFloatsInRange_withFloatsFrom>();
+    methods.instance<"sumFloatsInRange:", &PBFloatArray::sumFloatsInRange>();
+}
+
+Retained<PBFloatArray> PBFloatArray::initWithFloats_count(const float* floats, unsigned count, Class* cls) {
+    auto array = make<PBFloatArray>(cls);
+    array->_floats.reset(static_cast<float*>(std::calloc(std::max(count, 1u), sizeof(float))));
+    if (!array->_floats) return nullptr;
+    array->_capacity = array->_count = count;
+    if (floats) array->replaceFloatsInRange_withFloatsFrom({0, count}, floats);
+    return array;
+}
+
+Retained<PBFloatArray> PBFloatArray::initWithCapacity(unsigned capacity, Class* cls) {
+    return initWithFloats_count(nullptr, capacity, cls);
+}
+
+void PBFloatArray::requireIndex(unsigned index) {
+    if (index >= _count) raiseOutOfBounds(index, _count);
+}
+
+void PBFloatArray::requireRange(NSRange range) {
+    if (!isRangeInside(range, _count)) raiseOutOfBounds(NSMaxRange(range) - 1, _count);
+}
+
+float PBFloatArray::floatAtIndex(unsigned index) {
+    requireIndex(index);
+    return _floats[index];
+}
+
+void PBFloatArray::replaceFloatAtIndex_withFloat(unsigned index, float value) {
+    requireIndex(index);
+    _floats[index] = value;
+}
+
+NSNumber* PBFloatArray::objectAtIndex(unsigned index) {
+    return NSNumber::numberWithFloat(floatAtIndex(index));
+}
+
+void PBFloatArray::replaceObjectAtIndex_withObject(unsigned index, id object) {
+    requireIndex(index);
+    replaceFloatAtIndex_withFloat(index, send<float>(object, "floatValue"_sel));
+}
+
+void PBFloatArray::replaceFloatsInRange_withFloatsFrom(NSRange range, const float* floats) {
+    if (range.length == 0) return;
+    requireRange(range);
+    if (!floats) raiseException(NSInvalidArgumentException, u"no floats to copy from"_ns);
+    std::memmove(_floats.get() + range.location, floats, range.length * sizeof(float));
+}
+
+float PBFloatArray::sumFloatsInRange(NSRange range) {
+    if (range.length == 0) return 0;
+    requireRange(range);
+    float sum = 0;
+    for (std::uint32_t i = 0; i < NSMaxRange(range); ++i) sum += _floats[i];
+    return sum;
+}
+
+NSString* PBFloatArray::description() {
+    std::u16string text =
+        NSString::stringWithFormat(u"<PBFloatArray %p> \n"_ns, static_cast<void*>(this))->toUTF16();
+    for (std::uint32_t i = 0; i < _count; ++i)
+        text += NSString::stringWithFormat(u"   %f, \n"_ns, static_cast<double>(_floats[i]))->toUTF16();
+    return NSString::of(text);
+}
+
+// MARK: Growing
+
+PELVOR_DEFINE_CLASS(PBFloatVector, baseLibrary) {
+    methods.classLevel<"initWithFloats:count:", &PBFloatVector::initWithFloats_count>();
+    methods.classLevel<"initWithCapacity:", &PBFloatVector::initWithCapacity>();
+    methods.instance<"addFloat:", &PBFloatVector::addFloat>();
+    methods.instance<"insertFloat:atIndex:", &PBFloatVector::insertFloat_atIndex>();
+    methods.instance<"removeFloatAtIndex:", &PBFloatVector::removeFloatAtIndex>();
+    methods.instance<"removeAllFloats", &PBFloatVector::removeAllFloats>();
+}
+
+Retained<PBFloatVector> PBFloatVector::initWithFloats_count(const float* floats, unsigned count, Class* cls) {
+    auto array = PBFloatArray::initWithFloats_count(floats, count, cls);
+    auto vector = Retained<PBFloatVector>::retaining(cast<PBFloatVector>(array.get()));
+    if (vector && !floats) vector->_count = 0;
+    return vector;
+}
+
+Retained<PBFloatVector> PBFloatVector::initWithCapacity(unsigned capacity, Class* cls) {
+    return initWithFloats_count(nullptr, capacity, cls);
+}
+
+void PBFloatVector::addFloat(float value) { insertFloat_atIndex(value, _count); }
+
+void PBFloatVector::grow() {
+    if (_capacity == 0 || _capacity > UINT32_MAX / 2) raiseOutOfBounds(_count, _count);
+    void* grown = std::realloc(_floats.get(), std::size_t{_capacity} * 2 * sizeof(float));
+    if (!grown) throw NSException(NSMallocException, "no memory for a longer float vector");
+    (void)_floats.release();
+    _floats.reset(static_cast<float*>(grown));
+    _capacity *= 2;
+}
+
+void PBFloatVector::insertFloat_atIndex(float value, unsigned index) {
+    if (index > _count) raiseOutOfBounds(index, _count);
+    if (_count == _capacity) grow();
+    float* place = _floats.get() + index;
+    std::memmove(place + 1, place, (_count - index) * sizeof(float));
+    *place = value;
+    ++_count;
+}
+
+void PBFloatVector::removeFloatAtIndex(unsigned index) {
+    requireIndex(index);
+    float* place = _floats.get() + index;
+    std::memmove(place, place + 1, (_count - index - 1) * sizeof(float));
+    --_count;
+}
+
+}  // namespace pelvor
