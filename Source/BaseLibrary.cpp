@@ -2,6 +2,7 @@
 #include "BaseLibrary.h"
 
 #include "Foundation/FoundationLibrary.h"
+#include "NSData-PelvorAdditions.h"
 #include "NSInvocation-PelvorAdditions.h"
 #include "NSObject-PelvorAdditions.h"
 #include "NSValue-PelvorAdditions.h"
@@ -35,6 +36,7 @@ constexpr Class* kClasses[] = {
 };
 
 constexpr const Category* kCategories[] = {
+    &NSData_PelvorAdditions_category,
     &NSInvocation_PelvorAdditions_category,
     &NSObject_PBProfileAccess_category,
     &NSObject_PelvorAdditions_category,

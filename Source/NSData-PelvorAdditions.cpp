@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "NSData-PelvorAdditions.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+
+#include "Base64TextPrivate.h"
+#include "ByteSearchPrivate.h"
+#include "HexTextPrivate.h"
+#include "Runtime/NSException.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor {
+namespace {
+
+using Byte = std::uint8_t;
+
+void defineAdditions(MethodTable<NSData>& methods) {
+    using Additions = NSData_PelvorAdditions;
+    methods.classLevel<"initWithBase64String:", &Additions::initWithBase64String>();
+    methods.classLevel<"dataWithBase64String:", &Additions::dataWithBase64String>();
+    methods.classLevel<"initWithHexString:", &Additions::initWithHexString>();
+    methods.classLevel<"dataWithHexString:", &Additions::dataWithHexString>();
+    methods.instance<"base64DataWithLineLength:", &base64DataWithLineLength>();
+    methods.instance<"base64String", &base64String>();
+    methods.instance<"lowercaseHexString", &lowercaseHexString>();
+    methods.instance<"unadornedLowercaseHexString", &unadornedLowercaseHexString>();
+    methods.instance<"_lowercaseHexStringWithPrefix:length:", &_lowercaseHexStringWithPrefix_length>();
+    methods.instance<"rangeOfBytes:length:range:", &rangeOfBytes_length_range>();
+    methods.instance<"rangeOfBytes:length:", &rangeOfBytes_length>();
+    methods.instance<"rangeOfData:range:", &rangeOfData_range>();
+    methods.instance<"rangeOfData:", &rangeOfData>();
+}
+
+std::span<const Byte> bytesOf(NSData* data) {
+    return {static_cast<const Byte*>(data->bytes()), data->length()};
+}
+
+NSUInteger requireLength(std::uint64_t length) {
+    if (length > std::numeric_limits<NSUInteger>::max())
+        throw NSException(NSMallocException, "the text would be too long");
+    return static_cast<NSUInteger>(length);
+}
+
+void requireString(NSString* string, const char* operation) {
+    if (!string) throw NSException(NSInvalidArgumentException, std::string(operation) + " none given");
+}
+
+// A string of `length` units, which `write` writes.
+template <class Write>
+NSString* writtenString(NSUInteger length, Write write) {
+    std::unique_ptr<unichar, decltype(&std::free)> units(
+        static_cast<unichar*>(std::malloc(std::size_t{length} * sizeof(unichar) + 1)), &std::free);
+    if (!units) throw NSException(NSMallocException, "no room for the text");
+    write(units.get());
+    return NSString::initWithCharactersNoCopy_length_freeWhenDone(units.release(), length, true)
+        .autorelease();
+}
+
+// Text that is read in pieces small enough for the nearest cache.
+constexpr std::size_t kPiece = 8192;
+
+bool isASCII(std::u16string_view units) {
+    unsigned all = 0;
+    for (char16_t unit : units) all |= unit;
+    return all < 0x80;
+}
+
+std::span<const Byte> narrowed(std::u16string_view units, Byte* bytes) {
+    std::transform(units.begin(), units.end(), bytes, [](char16_t unit) { return static_cast<Byte>(unit); });
+    return {bytes, units.size()};
+}
+
+bool isSpace(char16_t unit) { return unit == u' ' || (unit >= u'\t' && unit <= u'\r'); }
+
+std::u16string_view withoutHexPrefix(std::u16string_view text) {
+    while (!text.empty() && isSpace(text.front())) text.remove_prefix(1);
+    if (text.starts_with(u"0x") || text.starts_with(u"0X")) text.remove_prefix(2);
+    return text;
+}
+
+}  // namespace
+
+constinit const Category NSData_PelvorAdditions_category =
+    Category::of<NSData, defineAdditions>("PelvorAdditions");
+
+// MARK: Base64
+
+NSData* base64DataWithLineLength(NSData* data, NSUInteger lineLength) {
+    auto bytes = bytesOf(data);
+    std::size_t groupsALine = (std::size_t{lineLength} + 3) / 4, size = base64LengthOf(bytes.size());
+    std::size_t lineFeeds = lineLength ? size / 4 / groupsALine : 0;
+    requireLength(size + lineFeeds);
+    std::unique_ptr<Byte[]> text(new Byte[size + lineFeeds]);
+    Byte* end = text.get();
+    for (; lineFeeds > 0; --lineFeeds) {
+        auto line = bytes.first(std::min(groupsALine * 3, bytes.size()));
+        bytes = bytes.subspan(line.size());
+        end = writeBase64(line, end);
+        *end++ = '\n';
+    }
+    end = writeBase64(bytes, end);
+    return NSData::dataWithBytes_length(text.get(), static_cast<NSUInteger>(end - text.get()));
+}
+
+NSString* base64String(NSData* data) {
+    auto bytes = bytesOf(data);
+    return writtenString(requireLength(base64LengthOf(bytes.size())), [bytes](unichar* units) mutable {
+        Byte piece[kPiece];
+        while (!bytes.empty()) {
+            auto part = bytes.first(std::min(kPiece / 4 * 3, bytes.size()));
+            bytes = bytes.subspan(part.size());
+            units = std::copy(piece, writeBase64(part, piece), units);
+        }
+    });
+}
+
+Retained<NSData> NSData_PelvorAdditions::initWithBase64String(NSString* string) {
+    requireString(string, "initWithBase64String:");
+    StringUnits units(string);
+    std::u16string_view text = units;
+    std::unique_ptr<Byte[]> bytes(new Byte[Base64Reader::roomFor(text.size())]);
+    Base64Reader reader(bytes.get());
+    Byte piece[kPiece];
+    while (!text.empty()) {
+        auto part = text.substr(0, kPiece);
+        if (!isASCII(part)) return NSData::init();
+        reader.read(narrowed(part, piece));
+        text.remove_prefix(part.size());
+    }
+    if (reader.isInsideGroup()) throw NSException(Base64Error, "Premature end of Base64 string");
+    return NSData::initWithBytes_length(bytes.get(), static_cast<NSUInteger>(reader.end() - bytes.get()));
+}
+
+NSData* NSData_PelvorAdditions::dataWithBase64String(NSString* string) {
+    return initWithBase64String(string).autorelease();
+}
+
+// MARK: Hexadecimal
+
+NSString* _lowercaseHexStringWithPrefix_length(NSData* data, const unichar* prefix, NSUInteger prefixLength) {
+    auto bytes = bytesOf(data);
+    return writtenString(requireLength(bytes.size() * 2 + prefixLength),
+                         [=](unichar* units) { writeHex(bytes, std::copy_n(prefix, prefixLength, units)); });
+}
+
+NSString* lowercaseHexString(NSData* data) { return _lowercaseHexStringWithPrefix_length(data, u"0x", 2); }
+
+NSString* unadornedLowercaseHexString(NSData* data) {
+    return _lowercaseHexStringWithPrefix_length(data, nullptr, 0);
+}
+
+Retained<NSData> NSData_PelvorAdditions::initWithHexString(NSString* string) {
+    requireString(string, "initWithHexString:");
+    StringUnits units(string);
+    std::u16string_view text = withoutHexPrefix(units);
+    std::size_t size = (text.size() + 1) / 2, lone = text.size() % 2;
+    std::unique_ptr<Byte[]> bytes(new Byte[size]);
+    if (lone && (bytes[0] = valueOfHexDigit(text[0])) > 15) return nullptr;
+    if (!readHex(text.substr(lone), bytes.get() + lone)) return nullptr;
+    return NSData::initWithBytes_length(bytes.get(), static_cast<NSUInteger>(size));
+}
+
+NSData* NSData_PelvorAdditions::dataWithHexString(NSString* string) {
+    return initWithHexString(string).autorelease();
+}
+
+// MARK: Search
+
+NSRange rangeOfBytes_length_range(NSData* data, const void* bytes, NSUInteger length, NSRange range) {
+    if (!isRangeInside(range, data->length()))
+        raiseException(NSRangeException, u"range {%u, %u} beyond bounds (%u)"_ns, range.location,
+                       range.length, data->length());
+    if (!bytes && length) throw NSException(NSInvalidArgumentException, "a length was given without bytes");
+    std::size_t place = findBytes(bytesOf(data).subspan(range.location, range.length),
+                                  {static_cast<const Byte*>(bytes), length});
+    if (place == kNoPlace) return {NSNotFound, 0};
+    return {range.location + static_cast<NSUInteger>(place), length};
+}
+
+NSRange rangeOfBytes_length(NSData* data, const void* bytes, NSUInteger length) {
+    return rangeOfBytes_length_range(data, bytes, length, {0, data->length()});
+}
+
+NSRange rangeOfData_range(NSData* data, NSData* pattern, NSRange range) {
+    return rangeOfBytes_length_range(data, pattern ? pattern->bytes() : nullptr,
+                                     pattern ? pattern->length() : 0, range);
+}
+
+NSRange rangeOfData(NSData* data, NSData* pattern) {
+    return rangeOfData_range(data, pattern, {0, data->length()});
+}
+
+}  // namespace pelvor

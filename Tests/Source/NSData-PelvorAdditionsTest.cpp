@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "NSData-PelvorAdditions.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "Base64TextPrivate.h"
+#include "BaseLibrary.h"
+#include "ByteSearchPrivate.h"
+#include "HexTextPrivate.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/Message.h"
+#include "Runtime/NSException.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor::testing {
+namespace {
+
+using Additions = NSData_PelvorAdditions;
+using Bytes = std::vector<std::uint8_t>;
+
+NSData* dataOf(std::string_view text) {
+    return NSData::dataWithBytes_length(text.data(), static_cast<NSUInteger>(text.size()));
+}
+
+std::string textOf(NSData* data) {
+    return data ? std::string(static_cast<const char*>(data->bytes()), data->length()) : "none";
+}
+
+Bytes scrambledBytes(std::size_t size) {
+    Bytes bytes(size);
+    std::uint32_t state = 7;
+    for (auto& byte : bytes) byte = static_cast<std::uint8_t>((state = state * 1664525 + 1013904223) >> 24);
+    return bytes;
+}
+
+TEST(Base64, BreaksLinesAfterWholeGroups) {
+    AutoreleasePool pool;
+    const struct {
+        const char* bytes;
+        NSUInteger lineLength;
+        const char* text;
+    } rows[] = {{"ABC", 0, "QUJD"},
+                {"ABC", 4, "QUJD\n"},
+                {"AB", 0, "QUI="},
+                {"A", 0, "QQ=="},
+                {"", 4, ""},
+                {"ABCDEFG", 8, "QUJDREVG\nRw=="},
+                {"ABCDEF", 5, "QUJDREVG\n"},
+                {"ABCD", 1, "QUJD\nRA==\n"},
+                {"ABC", 0xFFFFFFFF, "QUJD"}};
+    for (auto& row : rows)
+        EXPECT_EQ(textOf(base64DataWithLineLength(dataOf(row.bytes), row.lineLength)), row.text);
+    EXPECT_EQ(base64String(dataOf("ABCD"))->toUTF8(), "QUJDRA==");
+}
+
+TEST(Base64, IsReadPastEverythingForeign) {
+    AutoreleasePool pool;
+    const std::pair<const char16_t*, const char*> rows[] = {
+        {u"QUJD", "ABC"}, {u"QU\nJ D", "ABC"}, {u"QQ==garbage", "A"}, {u"QUI=QUJD", "AB"},  {u"", ""},
+        {u"é QUJD", ""},  {u"===A", ""},       {u"QQ=A", "A"},        {u"QUJD=QUJ", "ABC"}, {u"-_.", ""}};
+    for (auto [text, bytes] : rows)
+        EXPECT_EQ(textOf(Additions::dataWithBase64String(NSString::of(text))), bytes);
+    for (auto* text : {u"QUI", u"QUJD=", u"Q", u"QUJDQU\n"}) {
+        try {
+            Additions::dataWithBase64String(NSString::of(text));
+            ADD_FAILURE() << NSString::of(text);
+        } catch (const NSException& exception) {
+            EXPECT_EQ(exception.name(), "Base64Error");
+            EXPECT_EQ(exception.reason(), "Premature end of Base64 string");
+        }
+    }
+}
+
+TEST(Base64, IsTheSameWithWideAndPlainInstructions) {
+    const Bytes all = scrambledBytes(300);
+    for (std::size_t size = 0; size <= all.size(); ++size) {
+        std::span<const std::uint8_t> bytes(all.data(), size);
+        Bytes text(base64LengthOf(size)), plainText(text);
+        ASSERT_EQ(writeBase64(bytes, text.data()), text.data() + text.size());
+        writeBase64(bytes, plainText.data(), WideInstructions::absent);
+        ASSERT_EQ(text, plainText) << size;
+        if (size % 7 == 3) text.insert(text.begin() + static_cast<std::ptrdiff_t>(size / 2), '\n');
+        for (auto wide : {wideInstructions(), WideInstructions::absent}) {
+            Bytes read(Base64Reader::roomFor(text.size()));
+            Base64Reader reader(read.data(), wide);
+            reader.read(text);
+            read.resize(static_cast<std::size_t>(reader.end() - read.data()));
+            ASSERT_TRUE(std::ranges::equal(read, bytes)) << size;
+        }
+    }
+}
+
+TEST(Base64, PassesOverEveryForeignByteInAWideBlock) {
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        Bytes text(96, 'Q');
+        text[40] = static_cast<std::uint8_t>(byte);
+        Bytes wide(Base64Reader::roomFor(96)), plain(wide);
+        Base64Reader reader(wide.data()), plainReader(plain.data(), WideInstructions::absent);
+        reader.read(text);
+        plainReader.read(text);
+        ASSERT_EQ(reader.end() - wide.data(), plainReader.end() - plain.data()) << byte;
+        ASSERT_TRUE(std::equal(wide.data(), reader.end(), plain.data())) << byte;
+    }
+}
+
+TEST(HexText, IsReadAndWritten) {
+    AutoreleasePool pool;
+    EXPECT_EQ(lowercaseHexString(dataOf("\x0A\xFF"))->toUTF8(), "0x0aff");
+    EXPECT_EQ(unadornedLowercaseHexString(dataOf("\x0A\xFF"))->toUTF8(), "0aff");
+    EXPECT_EQ(lowercaseHexString(NSData::data())->toUTF8(), "0x");
+    const std::pair<const char16_t*, const char*> rows[] = {
+        {u" 0XABC", "\x0A\xBC"}, {u"12 G", "none"}, {u"12 ", "none"}, {u" \t\r\n\v\f", ""}, {u"0x", ""},
+        {u"\u0130A", "\x0A"},    {u"f", "\x0F"},    {u"xff", "none"}, {u"0x0x12", "none"},  {u"", ""}};
+    for (auto [text, bytes] : rows)
+        EXPECT_EQ(textOf(Additions::dataWithHexString(NSString::of(text))), bytes) << NSString::of(text);
+}
+
+TEST(HexText, IsTheSameWithWideAndPlainInstructions) {
+    const Bytes all = scrambledBytes(100);
+    for (std::size_t size = 0; size <= all.size(); ++size) {
+        std::u16string text(2 * size, u' '), plain(text);
+        writeHex({all.data(), size}, text.data());
+        writeHex({all.data(), size}, plain.data(), WideInstructions::absent);
+        ASSERT_EQ(text, plain);
+        Bytes read(size);
+        ASSERT_TRUE(readHex(text, read.data()));
+        ASSERT_TRUE(std::equal(read.begin(), read.end(), all.begin()));
+    }
+    for (unsigned byte = 0; byte < 0x200; ++byte) {
+        std::u16string text(64, u'a');
+        text[21] = static_cast<char16_t>(byte);
+        Bytes read(32), plain(32);
+        ASSERT_EQ(readHex(text, read.data()), readHex(text, plain.data(), WideInstructions::absent)) << byte;
+        if (valueOfHexDigit(text[21]) < 16) {
+            ASSERT_EQ(read, plain) << byte;
+        }
+    }
+}
+
+TEST(ByteSearch, FindsTheFirstPlaceInsideTheRange) {
+    AutoreleasePool pool;
+    NSData* data = dataOf("abcabcabd");
+    EXPECT_EQ(rangeOfData(data, dataOf("abd")), NSMakeRange(6, 3));
+    EXPECT_EQ(rangeOfBytes_length_range(data, "abc", 3, {1, 5}), NSMakeRange(3, 3));
+    EXPECT_EQ(rangeOfBytes_length_range(data, "abc", 3, {4, 5}), NSMakeRange(NSNotFound, 0));
+    EXPECT_EQ(rangeOfBytes_length(data, "a", 0), NSMakeRange(NSNotFound, 0));
+    EXPECT_EQ(rangeOfData(data, nullptr), NSMakeRange(NSNotFound, 0));
+    EXPECT_THROW(rangeOfBytes_length_range(data, "a", 1, {9, 1}), NSException);
+    EXPECT_THROW(rangeOfBytes_length_range(data, "a", 1, {4, 0xFFFFFFFE}), NSException);
+    registerLibrary(baseLibrary);
+    EXPECT_EQ(send<NSRange>(data, "rangeOfData:"_sel, dataOf("c")), NSMakeRange(2, 1));
+}
+
+TEST(ByteSearch, AgreesWithThePlainSearchOnRepetitiveBytes) {
+    Bytes bytes = scrambledBytes(20000);
+    for (auto& byte : bytes) byte = byte < 250;
+    for (std::size_t length : {1u, 2u, 3u, 31u, 40u, 200u, 5000u})
+        for (std::size_t from : {0u, 1u, 9000u, 14999u}) {
+            std::span<const std::uint8_t> pattern(bytes.data() + from, length);
+            auto expected = std::search(bytes.begin(), bytes.end(), pattern.begin(), pattern.end());
+            auto place = static_cast<std::size_t>(expected - bytes.begin());
+            ASSERT_EQ(findBytes(bytes, pattern), place);
+            ASSERT_EQ(findBytes(bytes, pattern, WideInstructions::absent), place);
+        }
+    Bytes absent(300, 1);
+    absent[150] = 2;
+    EXPECT_EQ(findBytes(bytes, absent), kNoPlace);
+}
+
+}  // namespace
+}  // namespace pelvor::testing
