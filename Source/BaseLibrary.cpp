@@ -3,6 +3,7 @@
 
 #include "Foundation/FoundationLibrary.h"
 #include "NSData-PelvorAdditions.h"
+#include "NSCharacterSet-PelvorAdditions.h"
 #include "NSInvocation-PelvorAdditions.h"
 #include "NSObject-PelvorAdditions.h"
 #include "NSValue-PelvorAdditions.h"
@@ -12,6 +13,8 @@
 #include "PBPostLoader.h"
 #include "PBRegistry.h"
 #include "PBUtil.h"
+#include "Scanning/NSObject-OFDebugging.h"
+#include "Scanning/OFCharacterSet.h"
 #include "assertions.h"
 
 namespace pelvor {
@@ -32,6 +35,9 @@ constexpr Class* kClasses[] = {
     &PBRegistry::classRecord,
     &PBUniqueObject::classRecord,
     &PBUtil_Dummy::classRecord,
+    &OFCharacterSet::classRecord,      &PBMutableIntNumber::classRecord, &PBMutableNumber::classRecord,
+    &PBPostLoader::classRecord,        &PBProfile::classRecord,          &PBProfileSet::classRecord,
+    &PBRegistry::classRecord,          &PBUniqueObject::classRecord,     &PBUtil_Dummy::classRecord,
     &_PBAssertionWarning::classRecord,
 };
 
@@ -41,6 +47,9 @@ constexpr const Category* kCategories[] = {
     &NSObject_PBProfileAccess_category,
     &NSObject_PelvorAdditions_category,
     &NSObject_PelvorDebugMenus_category,
+    &NSCharacterSet_PelvorAdditions_category, &NSInvocation_PelvorAdditions_category,
+    &NSObject_OFDebugging_category,           &NSObject_PBProfileAccess_category,
+    &NSObject_PelvorAdditions_category,       &NSObject_PelvorDebugMenus_category,
     &NSPathStore2_OFOverrides_category,
     &NSValue_PelvorAdditions_category,
     &NSValue_PlanarRangeAdditions_category,

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Scanning/OFCharacterSet.h"
+
+#include <gtest/gtest.h>
+
+#include <bitset>
+#include <random>
+
+#include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSDictionary.h"
+#include "Foundation/NSString.h"
+#include "Runtime/Message.h"
+#include "Scanning/NSObject-OFDebugging.h"
+
+namespace pelvor {
+namespace {
+
+using Bits = std::bitset<0x10000>;
+
+Bits membersOf(OFCharacterSet* set) {
+    Bits bits;
+    for (unsigned unit = 0; unit < bits.size(); ++unit)
+        bits[unit] = set->characterIsMember(static_cast<unichar>(unit));
+    return bits;
+}
+
+TEST(OFCharacterSet, FollowsAPlainModel) {
+    std::mt19937 random(7);
+    auto set = OFCharacterSet::init();
+    Bits model;
+    EXPECT_EQ(membersOf(set), model);
+    for (int round = 0; round < 300; ++round) {
+        auto location = static_cast<NSUInteger>(random() % 0x30000);
+        auto length = static_cast<NSUInteger>(round % 10 == 0 ? random() : random() % 40);
+        NSRange range{location, length};
+        bool isAdding = random() % 2;
+        isAdding ? set->addCharactersInRange(range) : set->removeCharactersInRange(range);
+        for (unsigned i = 0; i < std::min(range.length, 0x10000u); ++i)
+            model[(range.location + i) & 0xFFFF] = isAdding;
+        if (round % 25 == 0) {
+            set->invert();
+            model.flip();
+        }
+        if (round % 20 == 0) {
+            ASSERT_EQ(membersOf(set), model) << round;
+        }
+    }
+    ASSERT_EQ(membersOf(set), model);
+}
+
+TEST(OFCharacterSet, HoldsTheUnitsOfStringsAndOtherSets) {
+    auto set = OFCharacterSet::initWithString(u"a\U0001F600"_ns);
+    for (unichar unit : {u'a', u'\xD83D', u'\xDE00'}) EXPECT_TRUE(set->characterIsMember(unit));
+    EXPECT_EQ(set->characterIsMember(u'a'), 1u << (u'a' & 7)) << "the bit where it stands";
+    set->addCharactersFromCharacterSet(NSCharacterSet::characterSetWithRange({0x10061, 2}));
+    EXPECT_EQ(membersOf(set).count(), 3u) << "members above U+FFFF are ignored";
+    set->removeCharactersInString(u"\U0001F600"_ns);
+    set->addCharactersFromCharacterSet(NSCharacterSet::decimalDigitCharacterSet());
+    auto other = OFCharacterSet::initWithCharacterSet(NSCharacterSet::decimalDigitCharacterSet());
+    other->removeCharacter(u'7');
+    set->removeCharactersFromOFCharacterSet(other);
+    EXPECT_EQ(membersOf(set), membersOf(OFCharacterSet::characterSetWithString(u"a7"_ns)));
+}
+
+TEST(OFCharacterSet, IsCopiedInItsOwnClassAndChangesAlone) {
+    Class* cls = Class::createSubclass("SpecialCharacterSet", OFCharacterSet::classObject());
+    auto set = OFCharacterSet::initWithString(u"abc"_ns, cls);
+    auto copy = set->copy();
+    EXPECT_EQ(copy->isa(), cls);
+    set->removeAllCharacters();
+    EXPECT_EQ(membersOf(cast<OFCharacterSet>(copy)).count(), 3u);
+    EXPECT_EQ(OFCharacterSet::whitespaceOFCharacterSet(), OFCharacterSet::whitespaceOFCharacterSet());
+    EXPECT_EQ(membersOf(OFCharacterSet::whitespaceOFCharacterSet()).count(), 4u);
+}
+
+TEST(OFCharacterSet, ListsItsMembersAsRuns) {
+    auto listing = [](OFCharacterSet* set) {
+        auto* dictionary = cast<NSDictionary>(send<id>(set, "debugDictionary"_sel));
+        EXPECT_TRUE(dictionary->objectForKey(u"__self__"_ns));
+        return cast<NSString>(dictionary->objectForKey(u"ranges"_ns))->toUTF16();
+    };
+    auto set = OFCharacterSet::initWithString(u"cabx"_ns);
+    EXPECT_EQ(listing(set), u"'a' - 'c', 'x'");
+    set->removeAllCharacters();
+    EXPECT_EQ(listing(set), u"");
+    set->addCharactersInRange({0xFFFF, 2});
+    EXPECT_EQ(listing(set), std::u16string_view(u"'\0', '\xFFFF'", 8));
+}
+
+}  // namespace
+}  // namespace pelvor
