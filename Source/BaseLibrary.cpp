@@ -6,12 +6,15 @@
 #include "NSCharacterSet-PelvorAdditions.h"
 #include "NSInvocation-PelvorAdditions.h"
 #include "NSObject-PelvorAdditions.h"
+#include "NSString-PelvorAdditions.h"
 #include "NSValue-PelvorAdditions.h"
 #include "PBFloatArray.h"
 #include "PBMutableNumber.h"
 #include "PBPlanarRange.h"
 #include "PBPostLoader.h"
 #include "PBRegistry.h"
+#include "PBRepeatString.h"
+#include "PBUnichar32String.h"
 #include "PBUtil.h"
 #include "Scanning/NSObject-OFDebugging.h"
 #include "Scanning/OFCharacterSet.h"
@@ -33,6 +36,8 @@ constexpr Class* kClasses[] = {
     &PBProfile::classRecord,
     &PBProfileSet::classRecord,
     &PBRegistry::classRecord,
+    &PBRepeatString::classRecord,
+    &PBUnichar32String::classRecord,
     &PBUniqueObject::classRecord,
     &PBUtil_Dummy::classRecord,
     &OFCharacterSet::classRecord,      &PBMutableIntNumber::classRecord, &PBMutableNumber::classRecord,
@@ -51,6 +56,7 @@ constexpr const Category* kCategories[] = {
     &NSObject_OFDebugging_category,           &NSObject_PBProfileAccess_category,
     &NSObject_PelvorAdditions_category,       &NSObject_PelvorDebugMenus_category,
     &NSPathStore2_OFOverrides_category,
+    &NSString_PelvorAdditions_category,
     &NSValue_PelvorAdditions_category,
     &NSValue_PlanarRangeAdditions_category,
 };

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PBRepeatString.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "BaseLibrary.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(PBRepeatString, baseLibrary) {
+    methods.classLevel<"initWithString:length:", &PBRepeatString::initWithString_length>();
+    methods.classLevel<"initWithString:repeatCount:", &PBRepeatString::initWithString_repeatCount>();
+}
+
+Retained<PBRepeatString> PBRepeatString::initWithString_length(NSString* string, NSUInteger length,
+                                                               Class* cls) {
+    if (!string) throw NSException(NSInvalidArgumentException, "initWithString:length: none given");
+    auto repeated = make<PBRepeatString>(cls);
+    repeated->_source = string->toUTF16();
+    repeated->_len = length;
+    return repeated;
+}
+
+Retained<PBRepeatString> PBRepeatString::initWithString_repeatCount(NSString* string, NSUInteger repeatCount,
+                                                                    Class* cls) {
+    if (!string) throw NSException(NSInvalidArgumentException, "initWithString:repeatCount: none given");
+    std::uint64_t length = std::uint64_t{string->length()} * repeatCount;
+    if (length > std::numeric_limits<NSUInteger>::max()) return nullptr;
+    return initWithString_length(string, static_cast<NSUInteger>(length), cls);
+}
+
+unichar PBRepeatString::characterAtIndex(NSUInteger index) {
+    if (_source.empty()) return 0;
+    return _source[index > _len ? 0 : index % _source.size()];
+}
+
+void PBRepeatString::getCharacters_range(unichar* buffer, NSRange range) {
+    NSUInteger start = std::min(range.location, _len), count = std::min(range.length, _len - start);
+    if (_source.size() <= 1) {
+        std::fill_n(buffer, count, _source.empty() ? u'\0' : _source.front());
+        return;
+    }
+    std::size_t place = start % _source.size();
+    for (NSUInteger i = 0; i < count; ++i) {
+        buffer[i] = _source[place];
+        if (++place == _source.size()) place = 0;
+    }
+}
+
+}  // namespace pelvor

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PBUnichar32String.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+#include "BaseLibrary.h"
+#include "NSString-PelvorAdditions.h"
+#include "PBRepeatString.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/Message.h"
+#include "Runtime/NSException.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor::testing {
+namespace {
+
+using Additions = NSString_PelvorAdditions;
+
+TEST(Codepoints, AreWrittenAsUnitsAndPairs) {
+    AutoreleasePool pool;
+    EXPECT_EQ(Additions::stringWithCodepoint(0x1F600)->toUTF16(), u"\xD83D\xDE00");
+    EXPECT_EQ(Additions::stringWithCodepoint(0x41)->toUTF16(), u"A");
+    EXPECT_EQ(Additions::stringWithCodepoint(0x110000)->toUTF16(), (std::u16string{0xD800, 0xDC00}));
+    EXPECT_EQ(Additions::stringWithCodepoints_count(nullptr, 0)->length(), 0u);
+}
+
+TEST(Codepoints, AreReadFromAnyRange) {
+    AutoreleasePool pool;
+    NSString* text = NSString::of(
+        u"a\xD83D\xDE00"
+        u"b\xD83D");
+    std::array<std::uint32_t, 4> read{};
+    EXPECT_EQ(getCodepoints_range(text, read.data(), {0, 5}), 4u);
+    EXPECT_EQ(read, (std::array<std::uint32_t, 4>{'a', 0x1F600, 'b', 0xD83D}));
+    EXPECT_EQ(getCodepoints_range(text, read.data(), {2, 2}), 2u);
+    EXPECT_EQ(read[0], 0xDE00u);
+    EXPECT_EQ(countCodepointsInRange(text, {1, 1}), 1u);
+    EXPECT_EQ(countCodepointsInRange(text, {5, 0}), 0u);
+    EXPECT_THROW(countCodepointsInRange(text, {2, 0xFFFFFFFF}), NSException);
+    EXPECT_EQ(countCodepointsInRange(NSString::of(u"\xD83Dx"), {0, 2}), 1u) << "any unit ends the pair";
+}
+
+TEST(PBUnichar32String, MapsBetweenUnitsAndCodepoints) {
+    auto text = PBUnichar32String::initWithString(u"a\U0001F600b"_ns);
+    EXPECT_EQ(text->length(), 4u);
+    EXPECT_EQ(text->codepointCount(), 3u);
+    EXPECT_EQ(text->characterAtIndex(1), 0xD83D);
+    EXPECT_EQ(text->characterAtIndex(2), 0xD83D) << "the first half at both places";
+    EXPECT_EQ(text->toUTF16(), u"a\U0001F600b");
+    bool isLow = true;
+    using P = PBUnichar32String;
+    EXPECT_EQ(text->codepointRangeForUnicharsWithRange_isFirstUnicharLowSurrogate({2, 2}, &isLow),
+              NSMakeRange(1, 2));
+    EXPECT_FALSE(isLow);
+    EXPECT_EQ(
+        (text.get()->*&P::_surrogateCountForUnicharsWithRange_isFirstUnicharLowSurrogate)({1, 1}, &isLow),
+        1u);
+    EXPECT_TRUE(isLow);
+    EXPECT_EQ(text->unicharRangeForCodepointsWithRange({2, 1}), NSMakeRange(3, 1));
+    EXPECT_EQ(text->substringForCodepointsWithRange({1, 2})->toUTF16(), u"\U0001F600b");
+}
+
+TEST(PBUnichar32String, CopiesUnitsFromTheMiddleOfPairs) {
+    auto text = PBUnichar32String::initWithString(u"a\U0001F600b"_ns);
+    unichar units[2] = {};
+    text->getCharacters_range(units, {2, 2});
+    EXPECT_EQ(std::u16string(units, 2), u"\U0001F600") << "shifted to the start of the pair";
+    text->getCharacters_range(units, {2, 1});
+    EXPECT_EQ(units[0], 0xD83D);
+    std::uint32_t codepoint = 0;
+    registerLibrary(baseLibrary);
+    EXPECT_EQ(countCodepointsInRange(text, {1, 1}), 0u);
+    EXPECT_EQ(getCodepoints_range(text, &codepoint, {2, 1}), 1u);
+    EXPECT_EQ(codepoint, 0x1F600u);
+    EXPECT_THROW(text->characterAtIndex(4), NSException);
+    EXPECT_THROW(text->getCharacters_range(units, {3, 2}), NSException);
+    EXPECT_THROW(text->unicharRangeForCodepointsWithRange({1, 0xFFFFFFFF}), NSException);
+}
+
+TEST(PBRepeatString, ReadsItsSourceRoundAndRound) {
+    auto text = PBRepeatString::initWithString_length(u"ab"_ns, 5);
+    EXPECT_EQ(text->toUTF16(), u"ababa");
+    EXPECT_EQ(text->characterAtIndex(5), u'b');
+    EXPECT_EQ(text->characterAtIndex(7), u'a');
+    std::u16string units(3, u'-');
+    text->getCharacters_range(units.data(), {3, 10});
+    EXPECT_EQ(units, u"ba-");
+    text->getCharacters_range(units.data(), {0xFFFFFFFF, 0xFFFFFFFF});
+    EXPECT_EQ(units, u"ba-");
+}
+
+TEST(PBRepeatString, HasLengthsUpToTheLimit) {
+    EXPECT_FALSE(PBRepeatString::initWithString_repeatCount(u"ab"_ns, 0x80000000));
+    auto longest = PBRepeatString::initWithString_length(u"abc"_ns, 0xFFFFFFFF);
+    EXPECT_EQ(longest->characterAtIndex(0xFFFFFFFE), u'c');
+    EXPECT_EQ(PBRepeatString::initWithString_length(u""_ns, 2)->toUTF16(), std::u16string(2, u'\0'));
+    EXPECT_EQ(PBRepeatString::initWithString_repeatCount(u"-"_ns, 3)->toUTF16(), u"---");
+}
+
+}  // namespace
+}  // namespace pelvor::testing
