@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "BaseLibrary.h"
 
+#include "FileWatcher/ZWMainThreadProxy.h"
 #include "Foundation/FoundationLibrary.h"
 #include "NSData-PelvorAdditions.h"
 #include "NSCharacterSet-PelvorAdditions.h"
@@ -9,6 +10,8 @@
 #include "NSString-PelvorAdditions.h"
 #include "NSValue-PelvorAdditions.h"
 #include "PBFloatArray.h"
+#include "NSRunLoop-PelvorAdditions.h"
+#include "PBDelayedActionTimer.h"
 #include "PBMutableNumber.h"
 #include "PBPlanarRange.h"
 #include "PBPostLoader.h"
@@ -30,6 +33,7 @@ constexpr Library* kDependencies[] = {&foundationLibrary};
 constexpr Class* kClasses[] = {
     &PBFloatArray::classRecord,
     &PBFloatVector::classRecord,
+    &PBDelayedActionTimer::classRecord,
     &PBMutableIntNumber::classRecord,
     &PBMutableNumber::classRecord,
     &PBPostLoader::classRecord,
@@ -44,6 +48,7 @@ constexpr Class* kClasses[] = {
     &PBPostLoader::classRecord,        &PBProfile::classRecord,          &PBProfileSet::classRecord,
     &PBRegistry::classRecord,          &PBUniqueObject::classRecord,     &PBUtil_Dummy::classRecord,
     &_PBAssertionWarning::classRecord,
+    &ZWMainThreadProxy::classRecord,
 };
 
 constexpr const Category* kCategories[] = {
@@ -59,6 +64,9 @@ constexpr const Category* kCategories[] = {
     &NSString_PelvorAdditions_category,
     &NSValue_PelvorAdditions_category,
     &NSValue_PlanarRangeAdditions_category,
+    &NSObject_ZWMainThreadProxy_category,
+    &NSPathStore2_OFOverrides_category,
+    &NSRunLoop_PelvorAdditions_category,
 };
 // clang-format on
 

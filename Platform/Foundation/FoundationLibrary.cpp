@@ -18,14 +18,18 @@
 #include "Foundation/NSLock.h"
 #include "Foundation/NSMutableData.h"
 #include "Foundation/NSNotificationCenter.h"
+#include "Foundation/NSNotificationQueue.h"
 #include "Foundation/NSNull.h"
+#include "Foundation/NSObject-MainThread.h"
 #include "Foundation/NSPathStore2.h"
 #include "Foundation/NSProcessInfo.h"
 #include "Foundation/NSPropertyListError.h"
 #include "Foundation/NSPropertyListSerialization.h"
 #include "Foundation/NSRecursiveLock.h"
+#include "Foundation/NSRunLoop.h"
 #include "Foundation/NSString.h"
 #include "Foundation/NSThread.h"
+#include "Foundation/NSTimer.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Foundation/PropertyListCategoriesPrivate.h"
 #include "Runtime/RuntimeLibrary.h"
@@ -67,6 +71,7 @@ constexpr Class* kClasses[] = {
     &NSMutableString::classRecord,
     &NSNotification::classRecord,
     &NSNotificationCenter::classRecord,
+    &NSNotificationQueue::classRecord,
     &NSNull::classRecord,
     &NSNumber::classRecord,
     &NSPathStore2::classRecord,
@@ -76,6 +81,7 @@ constexpr Class* kClasses[] = {
     &NSPropertyListError::classRecord,
     &NSPropertyListSerialization::classRecord,
     &NSRecursiveLock::classRecord,
+    &NSRunLoop::classRecord,
     &NSSet::classRecord,
     &NSSetEnumerator::classRecord,
     &NSString::classRecord,
@@ -84,6 +90,7 @@ constexpr Class* kClasses[] = {
     &NSTableMutableSet::classRecord,
     &NSTableSet::classRecord,
     &NSThread::classRecord,
+    &NSTimer::classRecord,
     &NSUserDefaults::classRecord,
     &NSValue::classRecord,
 };
@@ -92,6 +99,7 @@ constexpr Class* kClasses[] = {
 constexpr const Category* kCategories[] = {
     &NSArray_PropertyList_category,
     &NSDictionary_PropertyList_category,
+    &NSObject_MainThread_category,
     &NSString_PropertyList_category,
 };
 

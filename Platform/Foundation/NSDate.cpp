@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <functional>
 
+#include "Foundation/ClockScope.h"
 #include "Foundation/CollectionFailuresPrivate.h"
 #include "Foundation/ConcreteDatePrivate.h"
 #include "Foundation/FoundationLibrary.h"
@@ -44,6 +45,8 @@ PELVOR_DEFINE_CLASS(NSDate, foundationLibrary) {
 // MARK: Creation
 
 NSTimeInterval NSDate::currentTimeIntervalSinceReferenceDate() {
+    if (const ClockScope* clock = ClockScope::current()) [[unlikely]]
+        return clock->now();
     std::chrono::duration<double> sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
     return sinceEpoch.count() - NSTimeIntervalSince1970;
 }

@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSNotificationQueue.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "Foundation/FoundationLibrary.h"
+#include "Foundation/NSArray.h"
+#include "Foundation/NSFormat.h"
+#include "Foundation/NSRunLoop.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+namespace {
+
+bool isSame(NSNotification* a, NSNotification* b, std::uint32_t mask) {
+    if ((mask & (NSNotificationCoalescingOnName | NSNotificationCoalescingOnSender)) == 0) return a == b;
+    if ((mask & NSNotificationCoalescingOnSender) && a->object() != b->object()) return false;
+    return !(mask & NSNotificationCoalescingOnName) || a->name() == b->name() ||
+           a->name()->isEqual(b->name());
+}
+
+}  // namespace
+
+PELVOR_DEFINE_CLASS(NSNotificationQueue, foundationLibrary) {
+    methods.classLevel<"defaultQueue", &NSNotificationQueue::defaultQueue>();
+    methods.classLevel<"init", &NSNotificationQueue::init>();
+    methods.classLevel<"initWithNotificationCenter:", &NSNotificationQueue::initWithNotificationCenter>();
+    methods.instance<"enqueueNotification:postingStyle:",
+                     &NSNotificationQueue::enqueueNotification_postingStyle>();
+    methods.instance<"enqueueNotification:postingStyle:coalesceMask:forModes:",
+                     &NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes>();
+    methods.instance<"dequeueNotificationsMatching:coalesceMask:",
+                     &NSNotificationQueue::dequeueNotificationsMatching_coalesceMask>();
+}
+
+NSNotificationQueue*& NSNotificationQueue::queuesOfThread() {
+    static constinit thread_local NSNotificationQueue* first = nullptr;
+    return first;
+}
+
+NSNotificationQueue::NSNotificationQueue() {
+    NSNotificationQueue** link = &queuesOfThread();
+    while (*link) link = &(*link)->_next;
+    *link = this;
+}
+
+NSNotificationQueue::~NSNotificationQueue() {
+    NSNotificationQueue** link = &queuesOfThread();
+    while (*link && *link != this) link = &(*link)->_next;
+    if (*link) *link = _next;
+}
+
+NSNotificationQueue* NSNotificationQueue::defaultQueue() {
+    static thread_local const Retained<NSNotificationQueue> queue = init();
+    return queue;
+}
+
+Retained<NSNotificationQueue> NSNotificationQueue::init(Class* cls) {
+    return initWithNotificationCenter(NSNotificationCenter::defaultCenter(), cls);
+}
+
+Retained<NSNotificationQueue> NSNotificationQueue::initWithNotificationCenter(NSNotificationCenter* center,
+                                                                              Class* cls) {
+    if (!center) raiseException(NSInvalidArgumentException, u"a notification queue needs a centre"_ns);
+    auto queue = make<NSNotificationQueue>(cls);
+    queue->_center.set(center);
+    return queue;
+}
+
+// MARK: Queueing
+
+void NSNotificationQueue::enqueueNotification_postingStyle(NSNotification* notification,
+                                                           NSPostingStyle style) {
+    constexpr std::uint32_t kBoth = NSNotificationCoalescingOnName | NSNotificationCoalescingOnSender;
+    enqueueNotification_postingStyle_coalesceMask_forModes(notification, style, kBoth, nullptr);
+}
+
+void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes(NSNotification* notification,
+                                                                                 NSPostingStyle style,
+                                                                                 std::uint32_t mask,
+                                                                                 NSArray* modes) {
+    if (!notification) raiseException(NSInvalidArgumentException, u"no notification to queue"_ns);
+    if (mask != NSNotificationNoCoalescing) dequeueNotificationsMatching_coalesceMask(notification, mask);
+    if (style == NSPostNow) return _center->postNotification(notification);
+    Items& items = style == NSPostASAP ? _asap : _idle;
+    bool isDefault = !modes || modes->count() == 0;
+    items.push_back({Retained<NSNotification>::retaining(notification),
+                     Retained<NSArray>::retaining(isDefault ? nullptr : modes)});
+}
+
+void NSNotificationQueue::dequeueNotificationsMatching_coalesceMask(NSNotification* notification,
+                                                                    std::uint32_t mask) {
+    if (!notification) return;
+    Items gone;  // let go at the end, since a release may come back here
+    for (Items* items : {&_asap, &_idle})
+        for (auto item = items->begin(); item != items->end();) {
+            auto next = std::next(item);
+            if (isSame(item->notification, notification, mask)) gone.splice(gone.end(), *items, item);
+            item = next;
+        }
+}
+
+// MARK: Posting
+
+bool NSNotificationQueue::isFor(const Item& item, NSRunLoop* loop, NSString* mode) {
+    return loop->isMode_amongModes(mode, item.modes.get());
+}
+
+bool NSNotificationQueue::postFirst(Items& items, NSRunLoop* loop, NSString* mode) {
+    auto item =
+        std::find_if(items.begin(), items.end(), [&](const Item& each) { return isFor(each, loop, mode); });
+    if (item == items.end()) return false;
+    auto self = Retained<NSNotificationQueue>::retaining(this);
+    auto notification = std::move(item->notification);
+    items.erase(item);
+    _center->postNotification(notification);
+    return true;
+}
+
+// Only as many as there are now: one that an observer queues anew waits for the next turn.
+bool NSNotificationQueue::postAllASAP(NSRunLoop* loop, NSString* mode) {
+    std::vector<std::pair<Retained<NSNotificationQueue>, std::size_t>> queues;
+    for (NSNotificationQueue* queue = queuesOfThread(); queue; queue = queue->_next)
+        if (!queue->_asap.empty())
+            queues.emplace_back(Retained<NSNotificationQueue>::retaining(queue), queue->_asap.size());
+    bool hasPosted = false;
+    for (auto& [queue, count] : queues)
+        for (; count > 0 && queue->postFirst(queue->_asap, loop, mode); --count) hasPosted = true;
+    return hasPosted;
+}
+
+bool NSNotificationQueue::postOneIdle(NSRunLoop* loop, NSString* mode) {
+    for (NSNotificationQueue* queue = queuesOfThread(); queue; queue = queue->_next)
+        if (queue->postFirst(queue->_idle, loop, mode)) return true;
+    return false;
+}
+
+bool NSNotificationQueue::hasReady(NSRunLoop* loop, NSString* mode) {
+    auto isReady = [&](const Item& item) { return isFor(item, loop, mode); };
+    for (NSNotificationQueue* queue = queuesOfThread(); queue; queue = queue->_next)
+        if (std::any_of(queue->_asap.begin(), queue->_asap.end(), isReady) ||
+            std::any_of(queue->_idle.begin(), queue->_idle.end(), isReady))
+            return true;
+    return false;
+}
+
+}  // namespace pelvor

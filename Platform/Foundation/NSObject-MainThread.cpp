@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSObject-MainThread.h"
+
+#include <condition_variable>
+#include <exception>
+#include <mutex>
+
+#include "Foundation/NSArray.h"
+#include "Foundation/NSFormat.h"
+#include "Foundation/NSRunLoop.h"
+#include "Foundation/NSThread.h"
+#include "Runtime/NSException.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor {
+namespace {
+
+void defineMainThread(MethodTable<NSObject>& methods) {
+    methods.instance<"performSelectorOnMainThread:withObject:waitUntilDone:modes:",
+                     &performSelectorOnMainThread_withObject_waitUntilDone_modes>();
+    methods.instance<"performSelectorOnMainThread:withObject:waitUntilDone:",
+                     &performSelectorOnMainThread_withObject_waitUntilDone>();
+}
+
+// A call that another thread waits for. It lives on that thread's stack, so the lock is held until the end.
+class AwaitedCall {
+  public:
+    AwaitedCall(id target, SEL selector, id argument)
+        : _target(target), _selector(selector), _argument(argument) {}
+
+    void call() {
+        std::exception_ptr failure;
+        try {
+            _target->performSelector_withObject(_selector, _argument);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        std::lock_guard guard(_mutex);
+        _failure = std::move(failure);
+        _isDone = true;
+        _done.notify_one();
+    }
+    void wait() {
+        std::unique_lock lock(_mutex);
+        _done.wait(lock, [this] { return _isDone; });
+        if (_failure) std::rethrow_exception(std::move(_failure));
+    }
+
+  private:
+    id _target;
+    SEL _selector;
+    id _argument;
+    std::mutex _mutex;
+    std::condition_variable _done;
+    bool _isDone = false;
+    std::exception_ptr _failure;
+};
+
+}  // namespace
+
+constinit const Category NSObject_MainThread_category =
+    Category::of<NSObject, defineMainThread>("MainThread");
+
+void performSelectorOnMainThread_withObject_waitUntilDone_modes(id target, SEL selector, id argument,
+                                                                bool wait, NSArray* modes) {
+    if (!target) return;
+    if (!selector) raiseException(NSInvalidArgumentException, u"no selector to perform"_ns);
+    auto keptTarget = Retained<Object>::retaining(target);
+    auto keptArgument = Retained<Object>::retaining(argument);
+    if (wait && NSThread::isMainThread()) {
+        target->performSelector_withObject(selector, argument);
+    } else if (wait) {
+        AwaitedCall awaited(target, selector, argument);
+        NSRunLoop::mainRunLoop()->perform([&awaited] { awaited.call(); }, modes);
+        awaited.wait();
+    } else {
+        auto call = [selector, keptTarget, keptArgument] {
+            keptTarget->performSelector_withObject(selector, keptArgument);
+        };
+        NSRunLoop::mainRunLoop()->perform(std::move(call), modes);
+    }
+}
+
+void performSelectorOnMainThread_withObject_waitUntilDone(id target, SEL selector, id argument, bool wait) {
+    static NSArray* const commonModes = NSArray::initWithObjects({NSRunLoopCommonModes}).leak();
+    performSelectorOnMainThread_withObject_waitUntilDone_modes(target, selector, argument, wait, commonModes);
+}
+
+}  // namespace pelvor

@@ -1,0 +1,515 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSRunLoop.h"
+
+#include <sys/epoll.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <list>
+#include <map>
+#include <mutex>
+#include <unordered_map>
+#include <vector>
+
+#include "Foundation/ClockScope.h"
+#include "Foundation/FoundationLibrary.h"
+#include "Foundation/NSArray.h"
+#include "Foundation/NSFormat.h"
+#include "Foundation/NSNotificationQueue.h"
+#include "Foundation/NSThread.h"
+#include "Foundation/NSTimer.h"
+#include "Foundation/TimerHeapPrivate.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/Message.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+namespace {
+
+constexpr NSTimeInterval kNever = std::numeric_limits<NSTimeInterval>::infinity();
+
+bool isSameName(NSString* a, NSString* b) { return a == b || (a && b && a->isEqual(b)); }
+
+struct Perform {
+    SEL selector;
+    Retained<Object> target;
+    Retained<Object> argument;
+    Retained<NSArray> modes;
+    std::uint64_t number;
+};
+
+struct Watch {
+    std::uint64_t number;
+    std::uint32_t events;
+    Retained<Object> target;
+    SEL selector;
+    Retained<NSString> mode;
+};
+
+struct Descriptor {
+    std::vector<Watch> watches;
+    std::uint32_t polled = 0;  // the events that the kernel is asked for
+};
+
+struct TimerMode {
+    Retained<NSString> name;
+    TimerHeap timers;
+};
+
+struct ThreadPerform {
+    std::function<void()> work;
+    Retained<NSArray> modes;
+};
+
+std::uint32_t pollEvents(std::uint32_t events) {
+    return (events & NSDescriptorReadable ? EPOLLIN | EPOLLRDHUP : 0u) |
+           (events & NSDescriptorWritable ? EPOLLOUT : 0u);
+}
+
+// Sleeps at most so many seconds; infinity is for as long as it takes.
+int waitForEvents(int poll, epoll_event* events, int count, NSTimeInterval timeout) {
+    if (timeout == kNever) return epoll_wait(poll, events, count, -1);
+    if (timeout <= 0) return epoll_wait(poll, events, count, 0);
+    constexpr NSTimeInterval kLongest = 1e6;  // a loop that wakes up early sleeps again
+    NSTimeInterval seconds = std::min(timeout, kLongest);
+    timespec span;
+    span.tv_sec = static_cast<time_t>(seconds);
+    span.tv_nsec = static_cast<long>((seconds - std::floor(seconds)) * 1e9);
+    int ready = epoll_pwait2(poll, events, count, &span, nullptr);
+    if (ready >= 0 || errno != ENOSYS) return ready;
+    return epoll_wait(poll, events, count, static_cast<int>(std::ceil(seconds * 1000)));
+}
+
+}  // namespace
+
+struct NSRunLoop::State {
+    int poll = -1;
+    int wake = -1;
+    std::vector<Retained<NSString>> commonModes;
+    std::list<TimerMode> timerModes;
+    std::multimap<std::uint32_t, Perform> performs;
+    std::unordered_map<int, Descriptor> descriptors;
+    Retained<NSString> watchedMode;
+    std::uint64_t numbers = 0;
+    std::uint64_t turns = 0;
+    std::atomic<bool> isStopped{false};
+    std::atomic<bool> isSignalled{false};  // other threads have left work, or want the loop awake
+
+    std::mutex mutex;
+    std::list<ThreadPerform> fromThreads;
+
+    TimerHeap& timersFor(NSString* mode) {
+        for (TimerMode& each : timerModes)
+            if (isSameName(each.name, mode)) return each.timers;
+        timerModes.emplace_back();
+        timerModes.back().name = mode->copy();
+        return timerModes.back().timers;
+    }
+};
+
+PELVOR_DEFINE_CLASS(NSRunLoop, foundationLibrary) {
+    methods.classLevel<"currentRunLoop", &NSRunLoop::currentRunLoop>();
+    methods.classLevel<"mainRunLoop", &NSRunLoop::mainRunLoop>();
+    methods.instance<"currentMode", &NSRunLoop::currentMode>();
+    methods.instance<"addCommonMode:", &NSRunLoop::addCommonMode>();
+    methods.instance<"isMode:amongModes:", &NSRunLoop::isMode_amongModes>();
+    methods.instance<"runMode:beforeDate:", &NSRunLoop::runMode_beforeDate>();
+    methods.instance<"runUntilDate:", &NSRunLoop::runUntilDate>();
+    methods.instance<"run", &NSRunLoop::run>();
+    methods.instance<"stop", &NSRunLoop::stop>();
+    methods.instance<"wakeUp", &NSRunLoop::wakeUp>();
+    methods.instance<"hasWorkForMode:", &NSRunLoop::hasWorkForMode>();
+    methods.instance<"addTimer:forMode:", &NSRunLoop::addTimer_forMode>();
+    methods.instance<"addDescriptor:events:target:selector:forMode:",
+                     &NSRunLoop::addDescriptor_events_target_selector_forMode>();
+    methods.instance<"removeDescriptor:forMode:", &NSRunLoop::removeDescriptor_forMode>();
+    methods.instance<"performSelector:target:argument:order:modes:",
+                     &NSRunLoop::performSelector_target_argument_order_modes>();
+    methods.instance<"cancelPerformSelector:target:argument:",
+                     &NSRunLoop::cancelPerformSelector_target_argument>();
+    methods.instance<"cancelPerformSelectorsWithTarget:", &NSRunLoop::cancelPerformSelectorsWithTarget>();
+    methods.instance<"descriptor", &NSRunLoop::descriptor>();
+    methods.instance<"limitDateForMode:", &NSRunLoop::limitDateForMode>();
+    methods.instance<"performReadyWorkForMode:", &NSRunLoop::performReadyWorkForMode>();
+}
+
+NSRunLoop::NSRunLoop() : _state(std::make_unique<State>()) {
+    _state->poll = epoll_create1(EPOLL_CLOEXEC);
+    _state->wake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    epoll_event event{EPOLLIN, {}};
+    event.data.fd = _state->wake;
+    if (_state->poll < 0 || _state->wake < 0 ||
+        epoll_ctl(_state->poll, EPOLL_CTL_ADD, _state->wake, &event) != 0)
+        raiseException(NSGenericException, u"a run loop cannot be made: %s"_ns, std::strerror(errno));
+    _state->commonModes.push_back(Retained<NSString>::retaining(NSDefaultRunLoopMode));
+}
+
+NSRunLoop::~NSRunLoop() {
+    if (_state->wake >= 0) close(_state->wake);
+    if (_state->poll >= 0) close(_state->poll);
+}
+
+// A thread's loop goes with the thread; the main thread's stays, since others ask for it at any time.
+struct OwnRunLoop {
+    OwnRunLoop() : loop(make<NSRunLoop>()) {}
+    Retained<NSRunLoop> loop;
+};
+
+NSRunLoop* NSRunLoop::currentRunLoop() {
+    if (NSThread::isMainThread()) return mainRunLoop();
+    static thread_local const OwnRunLoop own;
+    return own.loop;
+}
+
+NSRunLoop* NSRunLoop::mainRunLoop() {
+    static NSRunLoop* const loop = make<NSRunLoop>().leak();
+    return loop;
+}
+
+// MARK: Modes
+
+void NSRunLoop::addCommonMode(NSString* mode) {
+    if (!mode) raiseException(NSInvalidArgumentException, u"a run loop mode needs a name"_ns);
+    if (isModeNamed(mode, NSRunLoopCommonModes)) return;
+    _state->commonModes.push_back(mode->copy());
+    _state->watchedMode = nullptr;
+}
+
+// Whether what was added under the name is for the mode.
+bool NSRunLoop::isModeNamed(NSString* mode, NSString* name) {
+    if (isSameName(mode, name)) return true;
+    if (!isSameName(name, NSRunLoopCommonModes)) return false;
+    return std::any_of(_state->commonModes.begin(), _state->commonModes.end(),
+                       [&](const auto& common) { return isSameName(common, mode); });
+}
+
+bool NSRunLoop::isMode_amongModes(NSString* mode, NSArray* modes) {
+    if (!modes) return isSameName(mode, NSDefaultRunLoopMode);
+    for (id name : modes)
+        if (isModeNamed(mode, cast<NSString>(name))) return true;
+    return false;
+}
+
+// MARK: Running
+
+// The loop's mode for the time of a turn.
+class NSRunLoop::Turn {
+  public:
+    Turn(NSRunLoop* loop, NSString* mode) : _loop(loop), _outer(loop->_currentMode) {
+        loop->_currentMode = mode;
+        ++loop->_state->turns;
+    }
+    ~Turn() { _loop->_currentMode = _outer; }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+  private:
+    NSRunLoop* _loop;
+    NSString* _outer;
+};
+
+bool NSRunLoop::turn(NSString* mode, Wait wait, NSTimeInterval limit) {
+    if (!mode) raiseException(NSInvalidArgumentException, u"a run loop runs in a mode"_ns);
+    AutoreleasePool pool;
+    auto kept = Retained<NSString>::retaining(mode);
+    Turn turn(this, mode);
+    return doReadyWork(mode, wait, limit);
+}
+
+bool NSRunLoop::doReadyWork(NSString* mode, Wait wait, NSTimeInterval limit) {
+    bool hasWorked = firePerforms(mode);
+    hasWorked |= fireTimers(mode);
+    hasWorked |= pollDescriptors(mode, 0);
+    hasWorked |= NSNotificationQueue::postAllASAP(this, mode);
+    if (hasWorked || NSNotificationQueue::postOneIdle(this, mode)) return true;
+    if (wait == Wait::no || _state->isStopped.load()) return false;
+    NSTimeInterval now = NSDate::currentTimeIntervalSinceReferenceDate();
+    NSTimeInterval moment = std::min(limit, nextMoment(mode));
+    if (moment == kNever && this != mainRunLoop() && !hasWorkForMode(mode)) return false;
+    hasWorked = pollDescriptors(mode, moment == kNever ? kNever : std::max(0.0, moment - now));
+    hasWorked |= fireTimers(mode);
+    hasWorked |= firePerforms(mode);
+    return NSNotificationQueue::postAllASAP(this, mode) || hasWorked;
+}
+
+bool NSRunLoop::runMode_beforeDate(NSString* mode, NSDate* limit) {
+    NSTimeInterval moment = limit ? limit->timeIntervalSinceReferenceDate() : kNever;
+    if (this != mainRunLoop() && !hasWorkForMode(mode)) return false;
+    while (!turn(mode, Wait::yes, moment)) {
+        if (_state->isStopped.load() || !(NSDate::currentTimeIntervalSinceReferenceDate() < moment))
+            return false;
+        if (this != mainRunLoop() && !hasWorkForMode(mode)) return false;
+    }
+    return true;
+}
+
+void NSRunLoop::runUntilDate(NSDate* limit) {
+    NSTimeInterval moment = limit ? limit->timeIntervalSinceReferenceDate() : kNever;
+    auto kept = Retained<NSDate>::retaining(limit);
+    while (runMode_beforeDate(NSDefaultRunLoopMode, limit) && !_state->isStopped.load())
+        if (!(NSDate::currentTimeIntervalSinceReferenceDate() < moment)) break;
+    _state->isStopped.store(false);
+}
+
+void NSRunLoop::run() { runUntilDate(nullptr); }
+
+void NSRunLoop::stop() {
+    _state->isStopped.store(true);
+    wakeUp();
+}
+
+void NSRunLoop::wakeUp() {
+    if (_state->isSignalled.exchange(true)) return;
+    std::uint64_t one = 1;
+    while (write(_state->wake, &one, sizeof one) < 0 && errno == EINTR) {
+    }
+}
+
+bool NSRunLoop::hasWorkForMode(NSString* mode) {
+    if (nextMoment(mode) != kNever) return true;
+    for (auto& [number, descriptor] : _state->descriptors)
+        for (Watch& watch : descriptor.watches)
+            if (isModeNamed(mode, watch.mode)) return true;
+    std::lock_guard guard(_state->mutex);
+    return std::any_of(_state->fromThreads.begin(), _state->fromThreads.end(),
+                       [&](ThreadPerform& each) { return isMode_amongModes(mode, each.modes.get()); });
+}
+
+// MARK: Timers
+
+void NSRunLoop::addTimer_forMode(NSTimer* timer, NSString* mode) {
+    if (!timer || !mode) raiseException(NSInvalidArgumentException, u"no timer, or no mode for it"_ns);
+    timer->addTo(_state->timersFor(mode));
+}
+
+// Those that were there when the turn came to them: one that is added by another waits for the next turn.
+bool NSRunLoop::fireTimers(NSString* mode) {
+    bool hasFired = false;
+    NSTimeInterval now = 0;
+    for (TimerMode& each : _state->timerModes) {
+        if (each.timers.isEmpty() || !isModeNamed(mode, each.name)) continue;
+        if (now == 0) now = NSDate::currentTimeIntervalSinceReferenceDate();
+        std::uint64_t limit = each.timers.nextArrival();
+        while (!each.timers.isEmpty() && each.timers.topMoment() <= now && each.timers.topArrival() < limit) {
+            each.timers.top()->fireOnTime(now);
+            hasFired = true;
+        }
+    }
+    return hasFired;
+}
+
+NSTimeInterval NSRunLoop::nextMoment(NSString* mode) {
+    if (hasPerforms(mode) || NSNotificationQueue::hasReady(this, mode)) return -kNever;
+    NSTimeInterval moment = kNever;
+    for (TimerMode& each : _state->timerModes)
+        if (!each.timers.isEmpty() && isModeNamed(mode, each.name))
+            moment = std::min(moment, each.timers.topMoment());
+    return moment;
+}
+
+// MARK: Performs
+
+void NSRunLoop::performSelector_target_argument_order_modes(SEL selector, id target, id argument,
+                                                            std::uint32_t order, NSArray* modes) {
+    if (!target || !selector)
+        raiseException(NSInvalidArgumentException, u"a perform needs a target and a selector"_ns);
+    _state->performs.emplace(
+        order, Perform{selector, Retained<Object>::retaining(target), Retained<Object>::retaining(argument),
+                       Retained<NSArray>::retaining(modes), _state->numbers++});
+}
+
+void NSRunLoop::cancelPerformSelector_target_argument(SEL selector, id target, id argument) {
+    std::vector<Perform> gone;  // let go at the end, since a release may come back here
+    auto& performs = _state->performs;
+    for (auto at = performs.begin(); at != performs.end();) {
+        const Perform& perform = at->second;
+        bool isSame =
+            perform.target == target && perform.selector == selector &&
+            (perform.argument == argument || (perform.argument && perform.argument->isEqual(argument)));
+        if (isSame) gone.push_back(std::move(at->second));
+        at = isSame ? performs.erase(at) : std::next(at);
+    }
+}
+
+void NSRunLoop::cancelPerformSelectorsWithTarget(id target) {
+    std::vector<Perform> gone;
+    auto& performs = _state->performs;
+    for (auto at = performs.begin(); at != performs.end();) {
+        bool isSame = at->second.target == target;
+        if (isSame) gone.push_back(std::move(at->second));
+        at = isSame ? performs.erase(at) : std::next(at);
+    }
+}
+
+bool NSRunLoop::hasPerforms(NSString* mode) {
+    return std::any_of(_state->performs.begin(), _state->performs.end(),
+                       [&](const auto& each) { return isMode_amongModes(mode, each.second.modes.get()); });
+}
+
+// Those that were there at the beginning. Each is looked for anew, since any may cancel others.
+bool NSRunLoop::firePerforms(NSString* mode) {
+    auto& performs = _state->performs;
+    if (performs.empty()) return false;
+    std::uint64_t limit = _state->numbers;
+    for (bool hasFired = false;; hasFired = true) {
+        auto at = std::find_if(performs.begin(), performs.end(), [&](const auto& each) {
+            return each.second.number < limit && isMode_amongModes(mode, each.second.modes.get());
+        });
+        if (at == performs.end()) return hasFired;
+        Perform perform = std::move(at->second);
+        performs.erase(at);
+        perform.target->performSelector_withObject(perform.selector, perform.argument);
+    }
+}
+
+void NSRunLoop::perform(std::function<void()> work, NSArray* modes) {
+    {
+        std::lock_guard guard(_state->mutex);
+        _state->fromThreads.push_back({std::move(work), Retained<NSArray>::retaining(modes)});
+    }
+    wakeUp();
+}
+
+// Those that were there at the beginning. What is for other modes stays.
+bool NSRunLoop::serveThreads(NSString* mode) {
+    std::unique_lock lock(_state->mutex);
+    auto& waiting = _state->fromThreads;
+    bool hasServed = false;
+    for (std::size_t count = waiting.size(); count > 0; --count) {
+        auto at = std::find_if(waiting.begin(), waiting.end(), [&](const ThreadPerform& each) {
+            return isMode_amongModes(mode, each.modes.get());
+        });
+        if (at == waiting.end()) break;
+        std::list<ThreadPerform> taken;
+        taken.splice(taken.end(), waiting, at);
+        // If the call raises, the others are still to be found.
+        if (!waiting.empty()) wakeUp();
+        lock.unlock();
+        taken.front().work();
+        taken.clear();
+        hasServed = true;
+        lock.lock();
+    }
+    return hasServed;
+}
+
+// MARK: Descriptors
+
+void NSRunLoop::addDescriptor_events_target_selector_forMode(int descriptor, std::uint32_t events, id target,
+                                                             SEL selector, NSString* mode) {
+    epoll_event event{0, {}};
+    event.data.fd = descriptor;
+    auto isWatchable = [&] {
+        if (epoll_ctl(_state->poll, EPOLL_CTL_ADD, descriptor, &event) == 0)
+            return epoll_ctl(_state->poll, EPOLL_CTL_DEL, descriptor, &event) == 0;
+        return errno == EEXIST;
+    };
+    if (!target || !selector || !mode || pollEvents(events) == 0 || !isWatchable())
+        raiseException(NSInvalidArgumentException, u"descriptor %d cannot be watched"_ns, descriptor);
+    _state->descriptors[descriptor].watches.push_back({_state->numbers++, events,
+                                                       Retained<Object>::retaining(target), selector,
+                                                       Retained<NSString>::retaining(mode)});
+    _state->watchedMode = nullptr;
+}
+
+void NSRunLoop::removeDescriptor_forMode(int descriptor, NSString* mode) {
+    auto found = _state->descriptors.find(descriptor);
+    if (found == _state->descriptors.end()) return;
+    std::vector<Watch> gone;
+    auto& watches = found->second.watches;
+    for (auto at = watches.begin(); at != watches.end();) {
+        bool isGone = isSameName(at->mode, mode);
+        if (isGone) gone.push_back(std::move(*at));
+        at = isGone ? watches.erase(at) : std::next(at);
+    }
+    if (watches.empty()) {
+        if (found->second.polled) epoll_ctl(_state->poll, EPOLL_CTL_DEL, descriptor, nullptr);
+        _state->descriptors.erase(found);
+    }
+    _state->watchedMode = nullptr;
+}
+
+// Asks the kernel for what the mode wants, so that nothing else wakes the thread.
+void NSRunLoop::watchForMode(NSString* mode) {
+    if (isSameName(_state->watchedMode, mode)) return;
+    for (auto& [number, descriptor] : _state->descriptors) {
+        std::uint32_t wanted = 0;
+        for (Watch& watch : descriptor.watches)
+            if (isModeNamed(mode, watch.mode)) wanted |= pollEvents(watch.events);
+        if (wanted == descriptor.polled) continue;
+        epoll_event event{wanted, {}};
+        event.data.fd = number;
+        int step = !wanted ? EPOLL_CTL_DEL : descriptor.polled ? EPOLL_CTL_MOD : EPOLL_CTL_ADD;
+        if (epoll_ctl(_state->poll, step, number, &event) != 0 && step == EPOLL_CTL_MOD)
+            epoll_ctl(_state->poll, EPOLL_CTL_ADD, number, &event);  // closed and opened again
+        descriptor.polled = wanted;
+    }
+    _state->watchedMode = mode->copy();
+}
+
+// Without descriptors only other threads can have left anything, which a flag tells without the kernel.
+bool NSRunLoop::pollDescriptors(NSString* mode, NSTimeInterval timeout) {
+    if (timeout == 0 && _state->descriptors.empty() && !_state->isSignalled.load()) return false;
+    watchForMode(mode);
+    ClockScope* clock = timeout > 0 && timeout != kNever ? ClockScope::current() : nullptr;
+    epoll_event events[16];
+    int count = waitForEvents(_state->poll, events, 16, clock ? 0 : timeout);
+    if (clock && count <= 0) clock->advance(timeout);
+    bool hasServed = false;
+    std::uint64_t limit = _state->numbers, turns = _state->turns;
+    // A turn inside a call may have served the rest; what is still ready the kernel tells again.
+    for (int i = 0; i < count && turns == _state->turns; ++i) {
+        if (events[i].data.fd != _state->wake) {
+            hasServed |= serve(mode, events[i].data.fd, events[i].events, limit);
+            continue;
+        }
+        std::uint64_t signals;
+        [[maybe_unused]] ssize_t length = read(_state->wake, &signals, sizeof signals);
+        _state->isSignalled.store(false);
+        hasServed |= serveThreads(mode);
+    }
+    return hasServed;
+}
+
+bool NSRunLoop::serve(NSString* mode, int descriptor, std::uint32_t events, std::uint64_t limit) {
+    std::uint32_t ready = (events & ~EPOLLOUT ? NSDescriptorReadable : 0u) |
+                          (events & (EPOLLOUT | EPOLLERR | EPOLLHUP) ? NSDescriptorWritable : 0u);
+    bool hasServed = false;
+    for (std::uint64_t from = 0;; hasServed = true) {
+        auto found = _state->descriptors.find(descriptor);
+        if (found == _state->descriptors.end()) return hasServed;
+        auto& watches = found->second.watches;
+        auto at = std::find_if(watches.begin(), watches.end(), [&](const Watch& each) {
+            return each.number >= from && each.number < limit && (each.events & ready) &&
+                   isModeNamed(mode, each.mode);
+        });
+        if (at == watches.end()) return hasServed;
+        from = at->number + 1;
+        auto target = at->target;
+        send<void>(target, at->selector, descriptor);
+    }
+}
+
+// MARK: In another loop
+
+int NSRunLoop::descriptor() {
+    if (!_state->watchedMode) watchForMode(NSDefaultRunLoopMode);
+    return _state->poll;
+}
+
+NSDate* NSRunLoop::limitDateForMode(NSString* mode) {
+    watchForMode(mode);
+    NSTimeInterval moment = nextMoment(mode);
+    if (moment == kNever) return nullptr;
+    return moment == -kNever ? NSDate::distantPast() : NSDate::dateWithTimeIntervalSinceReferenceDate(moment);
+}
+
+bool NSRunLoop::performReadyWorkForMode(NSString* mode) { return turn(mode, Wait::no, kNever); }
+
+}  // namespace pelvor

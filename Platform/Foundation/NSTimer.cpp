@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSTimer.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "Foundation/FoundationLibrary.h"
+#include "Foundation/NSFormat.h"
+#include "Foundation/NSRunLoop.h"
+#include "Foundation/TimerHeapPrivate.h"
+#include "Runtime/Message.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(NSTimer, foundationLibrary) {
+    methods.classLevel<"timerWithTimeInterval:target:selector:userInfo:repeats:",
+                       &NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats>();
+    methods.classLevel<"scheduledTimerWithTimeInterval:target:selector:userInfo:repeats:",
+                       &NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats>();
+    methods.classLevel<"initWithFireDate:interval:target:selector:userInfo:repeats:",
+                       &NSTimer::initWithFireDate_interval_target_selector_userInfo_repeats>();
+    methods.instance<"fire", &NSTimer::fire>();
+    methods.instance<"invalidate", &NSTimer::invalidate>();
+    methods.instance<"isValid", &NSTimer::isValid>();
+    methods.instance<"fireDate", &NSTimer::fireDate>();
+    methods.instance<"setFireDate:", &NSTimer::setFireDate>();
+    methods.instance<"timeInterval", &NSTimer::timeInterval>();
+    methods.instance<"userInfo", &NSTimer::userInfo>();
+}
+
+NSTimer::~NSTimer() = default;
+
+NSTimer* NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(NSTimeInterval seconds, id target,
+                                                                         SEL selector, id userInfo,
+                                                                         bool repeats) {
+    auto date = NSDate::initWithTimeIntervalSinceNow(seconds);
+    return initWithFireDate_interval_target_selector_userInfo_repeats(date, seconds, target, selector,
+                                                                      userInfo, repeats)
+        .autorelease();
+}
+
+NSTimer* NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats(NSTimeInterval seconds,
+                                                                                  id target, SEL selector,
+                                                                                  id userInfo, bool repeats) {
+    NSTimer* timer =
+        timerWithTimeInterval_target_selector_userInfo_repeats(seconds, target, selector, userInfo, repeats);
+    NSRunLoop::currentRunLoop()->addTimer_forMode(timer, NSDefaultRunLoopMode);
+    return timer;
+}
+
+Retained<NSTimer> NSTimer::initWithFireDate_interval_target_selector_userInfo_repeats(
+    NSDate* date, NSTimeInterval seconds, id target, SEL selector, id userInfo, bool repeats) {
+    constexpr NSTimeInterval kShortest = 0.0001;
+    if (!target || !selector)
+        raiseException(NSInvalidArgumentException, u"a timer needs a target and a selector"_ns);
+    auto timer = make<NSTimer>();
+    timer->_target.set(target);
+    timer->_userInfo.set(userInfo);
+    timer->_selector = selector;
+    timer->_interval = repeats ? std::max(seconds, kShortest) : 0;
+    timer->setFireDate(date);
+    return timer;
+}
+
+void NSTimer::addTo(TimerHeap& heap) {
+    if (isValid() && !placeIn(&heap)) heap.add(this, _moment);
+}
+
+TimerPlace* NSTimer::placeIn(TimerHeap* heap) {
+    TimerPlace* place = _places;
+    while (place && place->heap != heap) place = place->next;
+    return place;
+}
+
+void NSTimer::fire() {
+    if (isValid()) sendMessage();
+}
+
+// The beats stay where they were, so that delays do not add up.
+void NSTimer::fireOnTime(NSTimeInterval now) {
+    if (_interval > 0) {
+        NSTimeInterval next = _moment + _interval * (std::floor((now - _moment) / _interval) + 1);
+        _moment = next > now ? next : now + _interval;
+        for (TimerPlace* place = _places; place; place = place->next) place->heap->move(place, _moment);
+    }
+    sendMessage();
+}
+
+void NSTimer::sendMessage() {
+    auto self = Retained<NSTimer>::retaining(this);
+    auto target = _target;
+    if (_interval == 0) invalidate();
+    target->performSelector_withObject(_selector, this);
+}
+
+void NSTimer::invalidate() {
+    auto self = Retained<NSTimer>::retaining(this);
+    auto target = std::move(_target);
+    auto userInfo = std::move(_userInfo);
+    while (_places) _places->heap->remove(_places);
+}
+
+NSDate* NSTimer::fireDate() { return NSDate::dateWithTimeIntervalSinceReferenceDate(_moment); }
+
+void NSTimer::setFireDate(NSDate* date) {
+    if (!isValid()) return;
+    _moment = date ? date->timeIntervalSinceReferenceDate() : NSDate::currentTimeIntervalSinceReferenceDate();
+    if (std::isnan(_moment)) raiseException(NSInvalidArgumentException, u"a timer needs a moment"_ns);
+    for (TimerPlace* place = _places; place; place = place->next) place->heap->move(place, _moment);
+}
+
+}  // namespace pelvor

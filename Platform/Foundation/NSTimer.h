@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSTimer: a message to be sent at a moment, once or again and again.
+#pragma once
+
+#include "Foundation/NSDate.h"
+#include "Runtime/Selector.h"
+
+namespace pelvor {
+
+class TimerHeap;
+struct TimerPlace;
+
+/// Sends a message, with itself as the argument, when its fire date has come and its run loop runs in one of
+/// its modes. The loop retains the timer and the timer its target and user information, all until it is
+/// invalidated. A timer that fires once is invalidated before its message is sent. A repeating one
+/// keeps to the beat of its first fire date and leaves out the beats that were missed; intervals below a
+/// tenth of a millisecond count as that.
+///
+///     NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats(0.5, view, "blink:"_sel,
+///                                                                              nullptr, true);
+///
+/// For one thread: that of its run loop.
+class PELVOR_EXPORT NSTimer : public NSObject {
+    PELVOR_CLASS(NSTimer, NSObject);
+
+  public:
+    /// A timer that fires at the interval, in seconds from now, once a run loop has it. All creators raise
+    /// NSInvalidArgumentException for no target or selector.
+    static NSTimer* timerWithTimeInterval_target_selector_userInfo_repeats(NSTimeInterval seconds, id target,
+                                                                           SEL selector, id userInfo,
+                                                                           bool repeats);
+    /// The same, and the current run loop has it in its default mode.
+    static NSTimer* scheduledTimerWithTimeInterval_target_selector_userInfo_repeats(NSTimeInterval seconds,
+                                                                                    id target, SEL selector,
+                                                                                    id userInfo,
+                                                                                    bool repeats);
+    static Retained<NSTimer> initWithFireDate_interval_target_selector_userInfo_repeats(
+        NSDate* date, NSTimeInterval seconds, id target, SEL selector, id userInfo, bool repeats);
+
+    /// Sends the message now. The schedule of a repeating timer stays; the other is invalidated.
+    void fire();
+    /// The timer never fires again; its run loop, its target and its user information are let go.
+    void invalidate();
+    bool isValid() { return _target != nullptr; }
+
+    NSDate* fireDate();
+    /// Moves the next firing; nothing for an invalid timer. None stands for at once.
+    void setFireDate(NSDate* date);
+    /// 0 for a timer that fires once.
+    NSTimeInterval timeInterval() { return _interval; }
+    id userInfo() { return _userInfo; }
+
+  protected:
+    NSTimer() = default;
+    ~NSTimer();
+
+  private:
+    friend class TimerHeap;
+
+    TimerPlace* placeIn(TimerHeap* heap);
+    void sendMessage();
+
+    Retained<Object> _target;
+    Retained<Object> _userInfo;
+    SEL _selector;
+    NSTimeInterval _moment = 0;
+    NSTimeInterval _interval = 0;
+    TimerPlace* _places = nullptr;
+
+    friend class NSRunLoop;
+    void addTo(TimerHeap& heap);
+    void fireOnTime(NSTimeInterval now);
+};
+
+}  // namespace pelvor

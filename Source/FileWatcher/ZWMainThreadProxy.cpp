@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "FileWatcher/ZWMainThreadProxy.h"
+
+#include "BaseLibrary.h"
+#include "Foundation/NSObject-MainThread.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor {
+namespace {
+
+void defineProxies(MethodTable<NSObject>& methods) {
+    methods.instance<"mainThreadProxy", &mainThreadProxy>();
+    methods.instance<"copyMainThreadProxy", &copyMainThreadProxy>();
+}
+
+}  // namespace
+
+constinit const Category NSObject_ZWMainThreadProxy_category =
+    Category::of<NSObject, defineProxies>("ZWMainThreadProxy");
+
+PELVOR_DEFINE_CLASS(ZWMainThreadProxy, baseLibrary) {
+    methods.classLevel<"initWithTarget:", &ZWMainThreadProxy::initWithTarget>();
+    methods.instance<"respondsToSelector:", &ZWMainThreadProxy::respondsToSelector>();
+    methods.instance<"methodSignatureForSelector:", &ZWMainThreadProxy::methodSignatureForSelector>();
+    methods.instance<"forwardInvocation:", &ZWMainThreadProxy::forwardInvocation>();
+    methods.instance<"performSelector:", &ZWMainThreadProxy::performSelector>();
+    methods.instance<"performSelector:withObject:", &ZWMainThreadProxy::performSelector_withObject>();
+    methods.instance<"mainThreadProxy", &ZWMainThreadProxy::mainThreadProxy>();
+    methods.instance<"copyMainThreadProxy", &ZWMainThreadProxy::copyMainThreadProxy>();
+}
+
+Retained<ZWMainThreadProxy> ZWMainThreadProxy::initWithTarget(id target, Class* cls) {
+    auto self = make<ZWMainThreadProxy>(cls);
+    self->_unretainedTarget = target;
+    return self;
+}
+
+bool ZWMainThreadProxy::implements(SEL selector) { return NSObject::respondsToSelector(selector); }
+
+bool ZWMainThreadProxy::respondsToSelector(SEL selector) {
+    return implements(selector) || (_unretainedTarget && _unretainedTarget->respondsToSelector(selector));
+}
+
+NSMethodSignature* ZWMainThreadProxy::methodSignatureForSelector(SEL selector) {
+    if (NSMethodSignature* own = NSObject::methodSignatureForSelector(selector)) return own;
+    return _unretainedTarget ? _unretainedTarget->methodSignatureForSelector(selector) : nullptr;
+}
+
+void ZWMainThreadProxy::requireTarget(SEL selector) {
+    if (!_unretainedTarget || !_unretainedTarget->respondsToSelector(selector))
+        doesNotRecognizeSelector(selector);
+}
+
+void ZWMainThreadProxy::forwardInvocation(NSInvocation* invocation) {
+    requireTarget(invocation->selector());
+    invocation->retainArguments();
+    auto target = Retained<Object>::retaining(_unretainedTarget);
+    performSelectorOnMainThread_withObject_waitUntilDone(invocation, "invokeWithTarget:"_sel, target, true);
+}
+
+id ZWMainThreadProxy::performSelector(SEL selector) { return performSelector_withObject(selector, nullptr); }
+
+id ZWMainThreadProxy::performSelector_withObject(SEL selector, id object) {
+    if (implements(selector)) return NSObject::performSelector_withObject(selector, object);
+    requireTarget(selector);
+    auto target = Retained<Object>::retaining(_unretainedTarget);
+    auto argument = Retained<Object>::retaining(object);
+    performSelectorOnMainThread_withObject_waitUntilDone(target, selector, argument, true);
+    return nullptr;
+}
+
+ZWMainThreadProxy* mainThreadProxy(NSObject* object) { return copyMainThreadProxy(object).autorelease(); }
+
+Retained<ZWMainThreadProxy> copyMainThreadProxy(NSObject* object) {
+    if (auto* proxy = cast<ZWMainThreadProxy>(object)) return proxy->copyMainThreadProxy();
+    return ZWMainThreadProxy::initWithTarget(object);
+}
+
+}  // namespace pelvor
