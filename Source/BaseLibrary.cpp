@@ -3,8 +3,8 @@
 
 #include "FileWatcher/ZWMainThreadProxy.h"
 #include "Foundation/FoundationLibrary.h"
-#include "NSData-PelvorAdditions.h"
 #include "NSCharacterSet-PelvorAdditions.h"
+#include "NSData-PelvorAdditions.h"
 #include "NSInvocation-PelvorAdditions.h"
 #include "NSObject-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
@@ -21,6 +21,8 @@
 #include "PBUtil.h"
 #include "Scanning/NSObject-OFDebugging.h"
 #include "Scanning/OFCharacterSet.h"
+#include "Scanning/OFStringScanner.h"
+#include "Scanning/OFTrie.h"
 #include "assertions.h"
 
 namespace pelvor {
@@ -44,9 +46,24 @@ constexpr Class* kClasses[] = {
     &PBUnichar32String::classRecord,
     &PBUniqueObject::classRecord,
     &PBUtil_Dummy::classRecord,
-    &OFCharacterSet::classRecord,      &PBMutableIntNumber::classRecord, &PBMutableNumber::classRecord,
-    &PBPostLoader::classRecord,        &PBProfile::classRecord,          &PBProfileSet::classRecord,
-    &PBRegistry::classRecord,          &PBUniqueObject::classRecord,     &PBUtil_Dummy::classRecord,
+    &OFCharacterSet::classRecord,
+    &PBMutableIntNumber::classRecord,
+    &PBMutableNumber::classRecord,
+    &OFCharacterScanner::classRecord,
+    &OFCharacterSet::classRecord,
+    &OFStringScanner::classRecord,
+    &OFTrie::classRecord,
+    &OFTrieBucket::classRecord,
+    &OFTrieEnumerator::classRecord,
+    &OFTrieNode::classRecord,
+    &PBMutableIntNumber::classRecord,
+    &PBMutableNumber::classRecord,
+    &PBPostLoader::classRecord,
+    &PBProfile::classRecord,
+    &PBProfileSet::classRecord,
+    &PBRegistry::classRecord,
+    &PBUniqueObject::classRecord,
+    &PBUtil_Dummy::classRecord,
     &_PBAssertionWarning::classRecord,
     &ZWMainThreadProxy::classRecord,
 };
@@ -67,6 +84,13 @@ constexpr const Category* kCategories[] = {
     &NSObject_ZWMainThreadProxy_category,
     &NSPathStore2_OFOverrides_category,
     &NSRunLoop_PelvorAdditions_category,
+    &NSData_PelvorAdditions_category,       &NSInvocation_PelvorAdditions_category,
+    &NSObject_PBProfileAccess_category,     &NSObject_PelvorAdditions_category,
+    &NSObject_PelvorDebugMenus_category,    &NSCharacterSet_PelvorAdditions_category,
+    &NSInvocation_PelvorAdditions_category, &NSObject_OFDebugging_category,
+    &NSObject_PBProfileAccess_category,     &NSObject_PelvorAdditions_category,
+    &NSObject_PelvorDebugMenus_category,    &NSPathStore2_OFOverrides_category,
+    &NSValue_PelvorAdditions_category,      &NSValue_PlanarRangeAdditions_category,
 };
 // clang-format on
 

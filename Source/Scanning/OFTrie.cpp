@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Scanning/OFTrie.h"
+
+#include "BaseLibrary.h"
+#include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSNumber.h"
+#include "Scanning/CaseFormsPrivate.h"
+#include "Scanning/NSObject-OFDebugging.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(OFTrie, baseLibrary) {
+    methods.classLevel<"initCaseSensitive:", &OFTrie::initCaseSensitive>();
+    methods.instance<"isCaseSensitive", &OFTrie::isCaseSensitive>();
+    methods.instance<"headNode", &OFTrie::headNode>();
+    methods.instance<"addBucket:forString:", &OFTrie::addBucket_forString>();
+    methods.instance<"bucketForString:", &OFTrie::bucketForString>();
+    methods.instance<"objectEnumerator", &OFTrie::objectEnumerator>();
+    methods.instance<"debugDictionary", &OFTrie::debugDictionary>();
+}
+
+PELVOR_DEFINE_CLASS(OFTrieEnumerator, baseLibrary) {
+    methods.classLevel<"initWithTrie:", &OFTrieEnumerator::initWithTrie>();
+}
+
+// The units of a string in both forms, zero-terminated; a case-sensitive one has but one.
+struct OFTrie::Key {
+    Key(NSString* string, bool isCaseSensitive) {
+        std::u16string units = string->toUTF16();
+        units.resize(std::char_traits<unichar>::length(units.c_str()));
+        if (isCaseSensitive) {
+            _forms.lower = std::move(units);
+            lower = upper = _forms.lower.c_str();
+        } else {
+            _forms = foldedFormsOf(NSString::of(units));
+            lower = _forms.lower.c_str();
+            upper = _forms.upper.c_str();
+        }
+        length = _forms.lower.size();
+    }
+
+    // Hangs the child under both forms of the unit at the place.
+    void hang(OFTrieNode* node, NSObject* child, std::size_t place) const {
+        node->addChild_withCharacter(child, lower[place]);
+        node->addChild_withCharacter(child, upper[place]);
+    }
+    // Hangs the bucket, which keeps the units after the place.
+    void insert(OFTrieNode* node, OFTrieBucket* bucket, std::size_t place) const {
+        hang(node, bucket, place);
+        auto rest = static_cast<NSInteger>(length) - static_cast<NSInteger>(place) - 1;
+        bucket->setRemainingLower_upper_length(lower + place + 1, upper + place + 1, rest);
+    }
+
+    const unichar* lower;
+    const unichar* upper;
+    std::size_t length;
+
+  private:
+    CaseForms _forms;
+};
+
+Retained<OFTrie> OFTrie::initCaseSensitive(bool isCaseSensitive, Class* cls) {
+    auto self = make<OFTrie>(cls);
+    self->_head = OFTrieNode::init();
+    self->_caseSensitive = isCaseSensitive;
+    return self;
+}
+
+void OFTrie::addBucket_forString(OFTrieBucket* bucket, NSString* string) {
+    if (!bucket || !string) return;
+    auto kept = Retained<OFTrieBucket>::retaining(bucket);
+    Key key(string, _caseSensitive);
+    OFTrieNode* node = _head;
+    for (std::size_t place = 0;; ++place) {
+        OFTrieNode::Child child = node->childForCharacter(key.lower[place]);
+        if (child.bucket && key.lower[place] != 0) return splitBucket(child.bucket, node, place, bucket, key);
+        if (!child.node) return key.insert(node, bucket, place);
+        node = child.node;
+    }
+}
+
+// The unit at the place leads to a bucket. Its string and the new one get a chain of nodes for what they
+// have in common after that unit.
+void OFTrie::splitBucket(OFTrieBucket* existing, OFTrieNode* node, std::size_t place, OFTrieBucket* bucket,
+                         const Key& key) {
+    auto kept = Retained<OFTrieBucket>::retaining(existing);
+    const unichar *lower = existing->lowerCharacters(), *upper = existing->upperCharacters();
+    std::size_t common = 0;
+    while (lower[common] && lower[common] == key.lower[place + 1 + common]) ++common;
+    std::size_t end = place + 1 + common;
+    if (lower[common] == key.lower[end]) return key.insert(node, bucket, place);
+
+    for (; place < end; ++place) {
+        auto next = OFTrieNode::init();
+        key.hang(node, next, place);
+        node = next;
+    }
+    node->addChild_withCharacter(existing, lower[common]);
+    node->addChild_withCharacter(existing, upper[common]);
+    auto rest = static_cast<NSInteger>(std::char_traits<unichar>::length(lower + common)) - 1;
+    existing->setRemainingLower_upper_length(lower + common + 1, upper + common + 1, rest);
+    key.insert(node, bucket, end);
+}
+
+OFTrieBucket* OFTrie::bucketForString(NSString* string) {
+    if (!string) return nullptr;
+    StringUnits units(string);
+    std::size_t length = std::min(units.view().find(u'\0'), std::size_t{units.size()});
+    OFTrieNode* node = _head;
+    for (std::size_t place = 0; place <= length; ++place) {
+        auto child = node->childForCharacter(place < length ? units[static_cast<NSUInteger>(place)] : u'\0');
+        if (!child) return nullptr;
+        node = child.node;
+        if (node) continue;
+        const unichar *lower = child.bucket->lowerCharacters(), *upper = child.bucket->upperCharacters();
+        for (++place; place < length && *lower; ++place, ++lower, ++upper) {
+            unichar unit = units[static_cast<NSUInteger>(place)];
+            if (unit != *lower && unit != *upper) return nullptr;
+        }
+        return place >= length && !*lower ? child.bucket : nullptr;
+    }
+    return nullptr;
+}
+
+OFTrieEnumerator* OFTrie::objectEnumerator() { return OFTrieEnumerator::initWithTrie(this).autorelease(); }
+
+NSMutableDictionary* OFTrie::debugDictionary() {
+    NSMutableDictionary* dictionary = pelvor::debugDictionary(this);
+    dictionary->setObject_forKey(_head, u"head"_ns);
+    return dictionary;
+}
+
+// MARK: Enumerating
+
+Retained<OFTrieEnumerator> OFTrieEnumerator::initWithTrie(OFTrie* trie, Class* cls) {
+    auto self = make<OFTrieEnumerator>(cls);
+    self->_trieNodes = NSMutableArray::init();
+    self->_positions = NSMutableArray::init();
+    if (!trie) return self;
+    self->_isCaseSensitive = trie->isCaseSensitive();
+    self->_trieNodes->addObject(trie->headNode());
+    self->_positions->addObject(NSNumber::numberWithUnsignedInt(0));
+    return self;
+}
+
+id OFTrieEnumerator::nextObject() {
+    static NSCharacterSet* const capitals = NSCharacterSet::uppercaseLetterCharacterSet();
+    auto store = [this](NSUInteger position) {
+        _positions->replaceObjectAtIndex_withObject(_positions->count() - 1,
+                                                    NSNumber::numberWithUnsignedInt(position));
+    };
+    while (_trieNodes->count()) {
+        auto* node = static_cast<OFTrieNode*>(_trieNodes->lastObject());
+        NSUInteger place = static_cast<NSNumber*>(_positions->lastObject())->unsignedIntValue();
+        while (place < node->childCount()) {
+            auto child = node->childWithIndex(place);
+            bool isDouble = !_isCaseSensitive && capitals->characterIsMember(node->characters()[place]);
+            ++place;
+            if (isDouble || !child) continue;
+            store(place);
+            if (child.bucket) return child.bucket;
+            _trieNodes->addObject(child.node);
+            _positions->addObject(NSNumber::numberWithUnsignedInt(0));
+            node = child.node;
+            place = 0;
+        }
+        _trieNodes->removeLastObject();
+        _positions->removeLastObject();
+    }
+    return nullptr;
+}
+
+}  // namespace pelvor

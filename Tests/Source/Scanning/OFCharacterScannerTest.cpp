@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Scanning/OFCharacterScanner.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "BaseLibrary.h"
+#include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSDictionary.h"
+#include "Runtime/NSException.h"
+#include "Runtime/Registry.h"
+#include "Scanning/OFStringScanner.h"
+#include "Scanning/OFTrie.h"
+#include "Scanning/UnitSpansPrivate.h"
+
+namespace pelvor {
+namespace {
+
+// Hands out a text in pieces of one size, and goes wherever it is told.
+class PieceScanner : public OFCharacterScanner {
+    PELVOR_CLASS(PieceScanner, OFCharacterScanner);
+
+  public:
+    static Retained<PieceScanner> of(std::u16string text, std::size_t size) {
+        auto scanner = make<PieceScanner>();
+        scanner->_text = std::move(text);
+        scanner->_size = size;
+        return scanner;
+    }
+    bool fetchMoreData() override {
+        NSUInteger place = scanLocation();
+        if (place >= _text.size()) return false;
+        _piece = _text.substr(place, _size);
+        return fetchMoreDataFromCharacters_length_offset_freeWhenDone(
+            _piece.data(), static_cast<NSUInteger>(_piece.size()), place, false);
+    }
+    void _rewindCharacterSource() override {}
+
+  protected:
+    PieceScanner() = default;
+    ~PieceScanner() = default;
+
+  private:
+    std::u16string _text, _piece;
+    std::size_t _size = 1;
+};
+
+constexpr Class* kClasses[] = {&PieceScanner::classRecord};
+constexpr Library* kNeeded[] = {&baseLibrary};
+constinit Library pieceLibrary{"Pieces", kNeeded, kClasses, {}};
+PELVOR_DEFINE_CLASS(PieceScanner, pieceLibrary) {}
+
+// The text in pieces of one, two, three and more units, and as one string.
+template <class Check>
+void forAllScanners(std::u16string text, Check check) {
+    for (std::size_t size : {1, 2, 3, 7, 1000}) {
+        SCOPED_TRACE(size);
+        check(PieceScanner::of(text, size).get());
+    }
+    SCOPED_TRACE("string");
+    check(OFStringScanner::initWithString(NSString::of(text)).get());
+}
+
+std::u16string textOf(NSString* string) { return string ? string->toUTF16() : u"(none)"; }
+
+template <class Action>
+std::string reasonOf(Action action) {
+    try {
+        action();
+    } catch (const NSException& exception) {
+        EXPECT_EQ(exception.name(), OFCharacterConversionExceptionName);
+        return exception.reason();
+    }
+    return "nothing raised";
+}
+
+TEST(CharacterScanner, KeepsPlacesAndMarksAcrossBuffers) {
+    forAllScanners(u"abcdef", [](OFCharacterScanner* scanner) {
+        EXPECT_EQ(scanner->readCharacter(), u'a');
+        EXPECT_EQ(scanner->scanLocation(), 1u);
+        EXPECT_NE(reasonOf([&] { scanner->setScanLocation(0); }).find("between the most recent rewind"), 0u);
+        scanner->setRewindMark();
+        scanner->setScanLocation(4);
+        scanner->setRewindMark();
+        EXPECT_EQ(scanner->readCharacter(), u'e');
+        EXPECT_EQ(scanner->readCharacter(), u'f');
+        EXPECT_EQ(scanner->readCharacter(), 0);
+        scanner->rewindToMark();
+        EXPECT_EQ(scanner->peekCharacter(), u'e');
+        scanner->rewindToMark();
+        EXPECT_EQ(scanner->scanLocation(), 1u);
+        EXPECT_EQ(reasonOf([&] { scanner->rewindToMark(); }), "Attempt to use nonexistent rewind mark");
+        scanner->discardRewindMark();
+        scanner->skipCharacters(2);
+        EXPECT_EQ(scanner->peekCharacter(), u'd');
+        for (int i = 0; i < 8; ++i) scanner->setRewindMark();
+        EXPECT_NE(reasonOf([&] { scanner->setRewindMark(); }), "nothing raised");
+    });
+}
+
+TEST(CharacterScanner, RefusesPlacesOutsideAString) {
+    auto scanner = OFStringScanner::initWithString(u"abc"_ns);
+    scanner->setScanLocation(3);
+    EXPECT_EQ(reasonOf([&] { scanner->setScanLocation(4); }), "Attempt to rewind a nonrewindable stream");
+    EXPECT_EQ(scanner->scanLocation(), 4u);
+    EXPECT_EQ(scanner->readCharacter(), 0);
+    EXPECT_EQ(OFStringScanner::initWithString(nullptr)->readLine(), nullptr);
+}
+
+TEST(CharacterScanner, ReadsNumbers) {
+    struct {
+        std::u16string text;
+        double value;
+        bool isNumber;
+        char16_t next;
+    } const cases[] = {
+        {u"-12.50e2x", -1250, true, u'x'},
+        {u"1e", 1, true, u'e'},
+        {u".", 7, false, u'.'},
+        {u"+", 7, false, u'+'},
+        {u"1e+x", 1, true, u'e'},
+        {u"1.2.3", 1.2, true, u'.'},
+        {u"5e4294967290", 5e5, true, u'9'},
+        {u"2e999", INFINITY, true, 0},
+        {u"-0.5", -0.5, true, 0},
+    };
+    for (const auto& entry : cases)
+        forAllScanners(entry.text, [&](OFCharacterScanner* scanner) {
+            double value = 7;
+            NSUInteger exponentLength = entry.next == u'9' ? 1 : 3;
+            bool isNumber = scanner->scanDouble_maximumLength_exponentLength(&value, 20, exponentLength);
+            EXPECT_EQ(isNumber, entry.isNumber);
+            if (entry.next != u'9') {
+                EXPECT_DOUBLE_EQ(value, entry.value);
+                EXPECT_EQ(scanner->peekCharacter(), entry.next);
+            }
+        });
+    forAllScanners(u"-12345+x1aFgZ4294967297", [](OFCharacterScanner* scanner) {
+        EXPECT_EQ(scanner->scanIntegerMaximumDigits(3), -123);
+        EXPECT_EQ(scanner->scanUnsignedIntegerMaximumDigits(9), 45u);
+        EXPECT_EQ(scanner->scanIntegerMaximumDigits(3), 0) << "the sign stays consumed";
+        EXPECT_EQ(scanner->readCharacter(), u'x');
+        EXPECT_EQ(scanner->scanHexadecimalNumberMaximumDigits(8), 0x1AFu);
+        scanner->skipCharacters(2);
+        EXPECT_EQ(scanner->scanUnsignedIntegerMaximumDigits(20), 1u) << "wraps";
+    });
+}
+
+TEST(CharacterScanner, MatchesStringsAndGoesToThem) {
+    forAllScanners(u"abababac \xC4pfel", [](OFCharacterScanner* scanner) {
+        EXPECT_TRUE(scanner->scanString_peek(u""_ns, false));
+        EXPECT_TRUE(scanner->scanString_peek(u"aba"_ns, true));
+        EXPECT_FALSE(scanner->scanString_peek(u"abx"_ns, false));
+        EXPECT_EQ(scanner->scanLocation(), 0u);
+        EXPECT_TRUE(scanner->scanStringCaseInsensitive_peek(u"aBA"_ns, false));
+        EXPECT_EQ(scanner->scanLocation(), 3u);
+        EXPECT_TRUE(scanner->scanUpToString(u"abac"_ns));
+        EXPECT_EQ(scanner->scanLocation(), 4u);
+        EXPECT_FALSE(scanner->hasScannedNonASCII());
+        EXPECT_TRUE(scanner->scanUpToStringCaseInsensitive(u"\xE4PF"_ns));
+        EXPECT_EQ(scanner->scanLocation(), 9u);
+        EXPECT_TRUE(scanner->scanUpToCharacter(u'p'));
+        EXPECT_TRUE(scanner->hasScannedNonASCII());
+        EXPECT_TRUE(
+            scanner->scanUpToCharacterInSet(NSCharacterSet::characterSetWithCharactersInString(u"le"_ns)));
+        EXPECT_EQ(scanner->peekCharacter(), u'e');
+        EXPECT_FALSE(scanner->scanUpToString(u"elf"_ns));
+        EXPECT_EQ(scanner->scanLocation(), 14u);
+    });
+}
+
+TEST(CharacterScanner, ReadsTokensAndLines) {
+    forAllScanners(u"One,,TWO \xC9\r\nx\r\ny\n\nlast", [](OFCharacterScanner* scanner) {
+        OFCharacterSet* comma = OFCharacterSet::characterSetWithString(u","_ns);
+        EXPECT_EQ(textOf(scanner->readFullTokenWithDelimiterCharacter(u',')), u"One");
+        EXPECT_EQ(textOf(scanner->readFullTokenWithDelimiterCharacter(u',')), u"");
+        EXPECT_EQ(scanner->readFullTokenWithDelimiterOFCharacterSet(comma), nullptr);
+        scanner->skipCharacters(2);
+        EXPECT_EQ(textOf(scanner->readFullTokenWithDelimiterCharacter_forceLowercase(u' ', true)), u"two");
+        scanner->skipCharacters(1);
+        OFCharacterSet* ends = OFCharacterSet::characterSetWithString(u"\r"_ns);
+        EXPECT_EQ(textOf(scanner->readFullTokenWithDelimiterOFCharacterSet_forceLowercase(ends, true)),
+                  u"\xE9");
+        EXPECT_EQ(scanner->readLine(), nullptr);
+        EXPECT_EQ(textOf(scanner->readFullTokenOfSet(NSCharacterSet::letterCharacterSet())), u"x");
+        EXPECT_EQ(scanner->readFullTokenOfSet(NSCharacterSet::letterCharacterSet()), nullptr);
+        EXPECT_EQ(scanner->readLine(), nullptr);
+        EXPECT_EQ(textOf(scanner->readLine()), u"y");
+        EXPECT_EQ(scanner->readLine(), nullptr);
+        EXPECT_EQ(textOf(scanner->readFullTokenUpToString(u"st"_ns)), u"la");
+        EXPECT_EQ(textOf(scanner->readCharacterCount(1)), u"s");
+        EXPECT_EQ(textOf(scanner->readFullTokenUpToString(u"none"_ns)), u"t");
+        EXPECT_EQ(textOf(scanner->readFullTokenUpToString(u"none"_ns)), u"");
+        EXPECT_EQ(scanner->readCharacterCount(1), nullptr);
+        EXPECT_EQ(scanner->readFullTokenWithDelimiterCharacter(u','), nullptr);
+    });
+    auto pieces = PieceScanner::of(u"abcd", 3);
+    EXPECT_EQ(textOf(pieces->readTokenFragmentWithDelimiterCharacter(u'x')), u"abc");
+    EXPECT_EQ(textOf(pieces->readTokenFragmentWithDelimiters(NSCharacterSet::characterSet())), u"d");
+}
+
+TEST(CharacterScanner, FindsMembersTheSameWayWithAndWithoutWideInstructions) {
+    OFCharacterSet* set = OFCharacterSet::characterSetWithString(u"\x7F;\x3B1"_ns);
+    for (std::size_t length : {0, 1, 15, 16, 31, 80, 200})
+        for (unichar fill : {u'a', u'\x7E', u'\xFFFF', u'\x3B0'})
+            for (std::size_t place = 0; place <= length; ++place) {
+                std::u16string text(length, fill);
+                if (place < length) text[place] = u"\x7F;\x3B1"[place % 3];
+                unichar* end = text.data() + length;
+                useWideInstructions(false);
+                ASSERT_EQ(findMember(text.data(), end, set->bitmapRep()) - text.data(),
+                          std::ptrdiff_t(place));
+                useWideInstructions(true);
+                ASSERT_EQ(findMember(text.data(), end, set->bitmapRep()) - text.data(),
+                          std::ptrdiff_t(place));
+            }
+}
+
+TEST(CharacterScanner, ReadsTrieElements) {
+    auto trie = OFTrie::initCaseSensitive(true);
+    std::vector<Retained<OFTrieBucket>> buckets;
+    for (NSString* word : {u"in"_ns, u"into"_ns, u"intone"_ns, u"aab"_ns}) {
+        buckets.push_back(make<OFTrieBucket>());
+        trie->addBucket_forString(buckets.back(), word);
+    }
+    OFCharacterSet* space = OFCharacterSet::whitespaceOFCharacterSet();
+    forAllScanners(u"intonation in, aaab", [&](OFCharacterScanner* scanner) {
+        EXPECT_EQ(scanner->readLongestTrieElement_delimiterOFCharacterSet(trie, space), nullptr);
+        EXPECT_EQ(scanner->scanLocation(), 0u);
+        scanner->setRewindMark();
+        EXPECT_EQ(scanner->readShortestTrieElement(trie), buckets[0]);
+        EXPECT_EQ(scanner->scanLocation(), 1u) << "the unit that led there is not consumed";
+        scanner->rewindToMark();
+        EXPECT_EQ(scanner->readLongestTrieElement(trie), buckets[1]);
+        EXPECT_EQ(scanner->scanLocation(), 4u);
+        EXPECT_TRUE(scanner->scanUpToString(u"aaab"_ns));
+        EXPECT_EQ(scanner->readShortestTrieElement(trie), nullptr);
+        EXPECT_EQ(scanner->scanLocation(), 16u) << "what matched of the remainder \"ab\" stays consumed";
+    });
+}
+
+}  // namespace
+}  // namespace pelvor

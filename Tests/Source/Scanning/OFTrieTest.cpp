@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Scanning/OFTrie.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+
+#include "Foundation/NSMutableDictionary.h"
+#include "Runtime/Message.h"
+#include "Scanning/OFStringScanner.h"
+
+namespace pelvor {
+namespace {
+
+OFTrieBucket* add(OFTrie* trie, std::u16string_view string) {
+    auto* bucket = make<OFTrieBucket>().autorelease();
+    trie->addBucket_forString(bucket, NSString::of(string));
+    return bucket;
+}
+
+TEST(OFTrie, HangsBucketsWhereTheirStringsPart) {
+    auto trie = OFTrie::initCaseSensitive(true);
+    EXPECT_EQ(trie->bucketForString(u"cat"_ns), nullptr);
+    OFTrieBucket *cat = add(trie, u"cat"), *car = add(trie, u"car");
+    ASSERT_EQ(trie->headNode()->childCount(), 1u);
+    OFTrieNode* node = trie->headNode()->childForCharacter(u'c').node->childForCharacter(u'a').node;
+    ASSERT_EQ(node->childCount(), 2u);
+    EXPECT_EQ(node->childAtIndex(0), car);
+    EXPECT_EQ(node->childAtIndex(1), cat);
+    EXPECT_EQ(cat->lowerCharacters()[0], 0);
+    OFTrieBucket* ca = add(trie, u"ca");
+    EXPECT_EQ(node->endMarker(), ca);
+    OFTrieBucket* other = add(trie, u"cat");
+    EXPECT_EQ(trie->bucketForString(u"cat"_ns), other) << "the second one replaces the first";
+    EXPECT_EQ(trie->bucketForString(u"CAT"_ns), nullptr);
+    auto* entries = cast<NSDictionary>(send<id>(node, "debugDictionary"_sel));
+    EXPECT_EQ(entries->count(), 3u);
+    EXPECT_EQ(entries->objectForKey(u"2. 't'"_ns), other);
+}
+
+TEST(OFTrie, FindsBothFormsWhereItDoesNotTellThemApart) {
+    auto trie = OFTrie::initCaseSensitive(false);
+    OFTrieBucket *cat = add(trie, u"Cat"), *street = add(trie,
+                                                         u"Stra\xDF"
+                                                         u"e");
+    for (NSString* text : {u"CAT"_ns, u"cat"_ns, u"cAt"_ns}) EXPECT_EQ(trie->bucketForString(text), cat);
+    EXPECT_EQ(trie->bucketForString(u"STRA\xDF"
+                                    u"E"_ns),
+              street)
+        << "forms of one length";
+    auto* entries = cat->debugDictionary();
+    EXPECT_TRUE(cast<NSString>(entries->objectForKey(u"upperCharacters"_ns))->isEqualToString(u"AT"_ns));
+    OFTrieEnumerator* walk = trie->objectEnumerator();
+    EXPECT_EQ(walk->nextObject(), cat);
+    EXPECT_EQ(walk->nextObject(), street);
+    EXPECT_EQ(walk->nextObject(), nullptr);
+}
+
+TEST(OFTrie, FollowsAnOrderedMap) {
+    std::mt19937 random(3);
+    auto trie = OFTrie::initCaseSensitive(true);
+    std::map<std::u16string, OFTrieBucket*> model;
+    for (int i = 0; i < 2000; ++i) {
+        std::u16string word;
+        for (auto length = random() % 9; length > 0; --length)
+            word += static_cast<char16_t>(u'a' + random() % 3);
+        model[word] = add(trie, word);
+    }
+    for (auto& [word, bucket] : model) ASSERT_EQ(trie->bucketForString(NSString::of(word)), bucket);
+    OFTrieEnumerator* walk = trie->objectEnumerator();
+    for (auto& [word, bucket] : model) ASSERT_EQ(walk->nextObject(), bucket);
+    EXPECT_EQ(walk->nextObject(), nullptr);
+}
+
+TEST(OFTrie, SurvivesWordsOfAMillionUnits) {
+    auto trie = OFTrie::initCaseSensitive(true);
+    std::u16string word(1000000, u'a');
+    OFTrieBucket* shorter = add(trie, word);
+    OFTrieBucket* longer = add(trie, word + u"a");
+    EXPECT_EQ(trie->bucketForString(NSString::of(word)), shorter);
+    auto scanner = OFStringScanner::initWithString(NSString::of(word + u"ab"));
+    EXPECT_EQ(scanner->readLongestTrieElement(trie), longer);
+    EXPECT_EQ(scanner->readCharacter(), u'b');
+}
+
+}  // namespace
+}  // namespace pelvor
