@@ -5,7 +5,12 @@
 #include "Foundation/FoundationLibrary.h"
 #include "NSCharacterSet-PelvorAdditions.h"
 #include "NSData-PelvorAdditions.h"
+#include "NSArray-PelvorAdditions.h"
+#include "NSArray-PelvorRangeArray.h"
+#include "NSDictionary-PelvorAdditions.h"
+#include "NSEnumerator-PelvorAdditions.h"
 #include "NSInvocation-PelvorAdditions.h"
+#include "NSMutableDictionary-PelvorAdditions.h"
 #include "NSObject-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
 #include "NSValue-PelvorAdditions.h"
@@ -62,6 +67,7 @@ constexpr Class* kClasses[] = {
     &PBProfile::classRecord,
     &PBProfileSet::classRecord,
     &PBRegistry::classRecord,
+    &PBSingleObjectEnumerator::classRecord,
     &PBUniqueObject::classRecord,
     &PBUtil_Dummy::classRecord,
     &_PBAssertionWarning::classRecord,
@@ -70,7 +76,14 @@ constexpr Class* kClasses[] = {
 
 constexpr const Category* kCategories[] = {
     &NSData_PelvorAdditions_category,
+    &NSArray_PelvorAdditions_category,
+    &NSArray_PelvorRangeArray_category,
+    &NSDictionary_PelvorAdditions_category,
+    &NSEnumerator_PelvorAdditions_category,
     &NSInvocation_PelvorAdditions_category,
+    &NSMutableArray_PelvorAdditions_category,
+    &NSMutableArray_PelvorMutableRangeArray_category,
+    &NSMutableDictionary_PelvorAdditions_category,
     &NSObject_PBProfileAccess_category,
     &NSObject_PelvorAdditions_category,
     &NSObject_PelvorDebugMenus_category,

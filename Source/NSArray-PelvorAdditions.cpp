@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "NSArray-PelvorAdditions.h"
+
+#include <algorithm>
+
+#include "PBUtil.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor {
+namespace {
+
+void defineAdditions(MethodTable<NSArray>& methods) {
+    methods.instance<"firstObject", &firstObject>();
+    methods.instance<"_isSortedInRange:withCompareFunction:context:",
+                     &_isSortedInRange_withCompareFunction_context>();
+    methods.instance<"_indexOfObject:withCompareFunction:context:nextIndex:",
+                     &_indexOfObject_withCompareFunction_context_nextIndex>();
+    methods
+        .instance<"indexOfObject:withCompareFunction:context:", &indexOfObject_withCompareFunction_context>();
+    methods.instance<"nearestIndexOfObject:withCompareFunction:context:",
+                     &nearestIndexOfObject_withCompareFunction_context>();
+    methods.instance<"arrayByMakingObjectsPerformSelector:", &arrayByMakingObjectsPerformSelector>();
+    methods.instance<"arrayByMakingObjectsPerformSelector:withObject:",
+                     &arrayByMakingObjectsPerformSelector_withObject>();
+}
+
+void defineMutableAdditions(MethodTable<NSMutableArray>& methods) {
+    methods.classLevel<"initWithSingleObject:count:",
+                       &NSMutableArray_PelvorAdditions::initWithSingleObject_count>();
+    methods
+        .instance<"insertObject:withCompareFunction:context:", &insertObject_withCompareFunction_context>();
+    methods
+        .instance<"removeObject:withCompareFunction:context:", &removeObject_withCompareFunction_context>();
+    methods.instance<"randomize", &randomize>();
+}
+
+template <class Ask>
+NSArray* answersOf(NSArray* array, Ask ask) {
+    NSMutableArray* answers = NSMutableArray::array();
+    for (id element : array)
+        if (id answer = ask(element)) answers->addObject(answer);
+    return answers;
+}
+
+}  // namespace
+
+constinit const Category NSArray_PelvorAdditions_category =
+    Category::of<NSArray, defineAdditions>("PelvorAdditions");
+constinit const Category NSMutableArray_PelvorAdditions_category =
+    Category::of<NSMutableArray, defineMutableAdditions>("PelvorAdditions");
+
+id firstObject(NSArray* array) { return array->count() ? array->objectAtIndex(0) : nullptr; }
+
+// MARK: Sorted arrays
+
+bool _isSortedInRange_withCompareFunction_context(NSArray* array, NSRange range, NSCompareFunction compare,
+                                                  void* context) {
+    id previous = array->objectAtIndex(range.location);
+    std::uint64_t end = std::uint64_t{range.location} + range.length;
+    for (std::uint64_t i = std::uint64_t{range.location} + 1; i < end; ++i) {
+        id next = array->objectAtIndex(static_cast<NSUInteger>(i));
+        if (compare(previous, next, context) == NSOrderedDescending) return false;
+        previous = next;
+    }
+    return true;
+}
+
+NSUInteger _indexOfObject_withCompareFunction_context_nextIndex(NSArray* array, id object,
+                                                                NSCompareFunction compare, void* context,
+                                                                NSUInteger* nextIndex) {
+    auto order = [&](NSUInteger index) { return compare(object, array->objectAtIndex(index), context); };
+    NSUInteger low = 0, end = array->count();
+    while (low < end) {
+        NSUInteger middle = low + (end - 1 - low) / 2;
+        int result = order(middle);
+        if (result == NSOrderedAscending) {
+            end = middle;
+        } else if (result == NSOrderedDescending) {
+            low = middle + 1;
+        } else {
+            while (middle > low && order(middle - 1) == NSOrderedSame) --middle;
+            return middle;
+        }
+    }
+    if (nextIndex) *nextIndex = low;
+    return NSNotFound;
+}
+
+NSUInteger indexOfObject_withCompareFunction_context(NSArray* array, id object, NSCompareFunction compare,
+                                                     void* context) {
+    return _indexOfObject_withCompareFunction_context_nextIndex(array, object, compare, context, nullptr);
+}
+
+NSUInteger nearestIndexOfObject_withCompareFunction_context(NSArray* array, id object,
+                                                            NSCompareFunction compare, void* context) {
+    NSUInteger next = 0;
+    NSUInteger index =
+        _indexOfObject_withCompareFunction_context_nextIndex(array, object, compare, context, &next);
+    if (index != NSNotFound) return index;
+    return next < array->count() ? next : NSNotFound;
+}
+
+// MARK: Answers
+
+NSArray* arrayByMakingObjectsPerformSelector(NSArray* array, SEL selector) {
+    return answersOf(array, [&](id element) { return element->performSelector(selector); });
+}
+
+NSArray* arrayByMakingObjectsPerformSelector_withObject(NSArray* array, SEL selector, id argument) {
+    return answersOf(array,
+                     [&](id element) { return element->performSelector_withObject(selector, argument); });
+}
+
+// MARK: Mutable arrays
+
+Retained<NSMutableArray> NSMutableArray_PelvorAdditions::initWithSingleObject_count(id object,
+                                                                                    NSUInteger count) {
+    constexpr NSUInteger kLargestReserve = 1u << 20;
+    auto array = NSMutableArray::initWithCapacity(std::min(count, kLargestReserve));
+    for (NSUInteger i = 0; i < count; ++i) array->addObject(object);
+    return array;
+}
+
+NSUInteger insertObject_withCompareFunction_context(NSMutableArray* array, id object,
+                                                    NSCompareFunction compare, void* context) {
+    NSUInteger next = 0;
+    NSUInteger index =
+        _indexOfObject_withCompareFunction_context_nextIndex(array, object, compare, context, &next);
+    if (index == NSNotFound) index = next;
+    array->insertObject_atIndex(object, index);
+    return index;
+}
+
+bool removeObject_withCompareFunction_context(NSMutableArray* array, id object, NSCompareFunction compare,
+                                              void* context) {
+    NSUInteger index = indexOfObject_withCompareFunction_context(array, object, compare, context);
+    if (index == NSNotFound) return false;
+    auto kept = Retained<Object>::retaining(object);
+    do array->removeObjectAtIndex(index);
+    while (index < array->count() && compare(object, array->objectAtIndex(index), context) == NSOrderedSame);
+    return true;
+}
+
+void randomize(NSMutableArray* array) {
+    NSUInteger count = array->count();
+    for (NSUInteger i = 0; i < count; ++i) {
+        NSUInteger other = i + static_cast<NSUInteger>(PBRandomInt()) % (count - i);
+        array->exchangeObjectAtIndex_withObjectAtIndex(i, other);
+    }
+}
+
+}  // namespace pelvor

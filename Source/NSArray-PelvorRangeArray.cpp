@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "NSArray-PelvorRangeArray.h"
+
+#include "Foundation/NSString.h"
+#include "Foundation/NSValue.h"
+#include "Runtime/NSException.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor {
+namespace {
+
+void defineRangeArray(MethodTable<NSArray>& methods) {
+    methods.classLevel<"initWithRange:", &NSArray_PelvorRangeArray::initWithRange>();
+    methods.instance<"rangeAtIndex:", &rangeAtIndex>();
+    methods.instance<"insertionIndexForRange:", &insertionIndexForRange>();
+    methods.instance<"unionRange", &unionRange>();
+}
+
+void defineMutableRangeArray(MethodTable<NSMutableArray>& methods) {
+    methods.instance<"addRange:", &addRange>();
+    methods.instance<"replaceRangeAtIndex:withRange:", &replaceRangeAtIndex_withRange>();
+    methods.instance<"insertRange:atIndex:", &insertRange_atIndex>();
+    methods.instance<"removeRangeAtIndex:", &removeRangeAtIndex>();
+    methods.instance<"insertSortedRange:", &insertSortedRange>();
+}
+
+NSRange rangeOf(id entry) {
+    auto* value = cast<NSValue>(entry);
+    if (!value) raiseException(NSInvalidArgumentException, u"%@ is no boxed range"_ns, entry);
+    return value->rangeValue();
+}
+
+}  // namespace
+
+constinit const Category NSArray_PelvorRangeArray_category =
+    Category::of<NSArray, defineRangeArray>("PelvorRangeArray");
+constinit const Category NSMutableArray_PelvorMutableRangeArray_category =
+    Category::of<NSMutableArray, defineMutableRangeArray>("PelvorMutableRangeArray");
+
+Retained<NSArray> NSArray_PelvorRangeArray::initWithRange(NSRange range, Class* cls) {
+    NSValue* value = NSValue::valueWithRange(range);
+    if (cls->isSubclassOfClass(NSMutableArray::classObject()))
+        return NSMutableArray::initWithObjects({value});
+    return NSArray::initWithObjects({value});
+}
+
+NSRange rangeAtIndex(NSArray* array, NSUInteger index) { return rangeOf(array->objectAtIndex(index)); }
+
+NSUInteger insertionIndexForRange(NSArray* array, NSRange range) {
+    NSUInteger index = 0;
+    for (id entry : array) {
+        NSRange other = rangeOf(entry);
+        if (range.location < other.location ||
+            (range.location == other.location && range.length < other.length))
+            return index;
+        ++index;
+    }
+    return index;
+}
+
+NSRange unionRange(NSArray* array) {
+    NSUInteger count = array->count();
+    if (count == 0) return PBNotFoundRange;
+    return NSUnionRange(rangeAtIndex(array, 0), rangeAtIndex(array, count - 1));
+}
+
+void addRange(NSMutableArray* array, NSRange range) { array->addObject(NSValue::valueWithRange(range)); }
+
+void replaceRangeAtIndex_withRange(NSMutableArray* array, NSUInteger index, NSRange range) {
+    array->replaceObjectAtIndex_withObject(index, NSValue::valueWithRange(range));
+}
+
+void insertRange_atIndex(NSMutableArray* array, NSRange range, NSUInteger index) {
+    array->insertObject_atIndex(NSValue::valueWithRange(range), index);
+}
+
+void removeRangeAtIndex(NSMutableArray* array, NSUInteger index) { array->removeObjectAtIndex(index); }
+
+void insertSortedRange(NSMutableArray* array, NSRange range) {
+    insertRange_atIndex(array, range, insertionIndexForRange(array, range));
+}
+
+}  // namespace pelvor
