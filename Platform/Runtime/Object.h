@@ -87,7 +87,12 @@ class PELVOR_EXPORT Object {
     virtual void overriddenRelease() noexcept { releaseReference(); }
     void releaseReference() noexcept {
         // Not a release with a fence before `destroy`: the thread sanitizer does not know fences.
-        if (_retainCount.fetch_sub(1, std::memory_order_acq_rel) == 1) destroy();
+        if (isOnlyReference() || _retainCount.fetch_sub(1, std::memory_order_acq_rel) == 1) end();
+    }
+    /// Whether the caller's reference is the only one, and no other can come into being: a release will
+    /// end the object and need not count down for it.
+    bool isOnlyReference() const noexcept {
+        return _retainCount.load(std::memory_order_acquire) == 1 && !isWatched();
     }
 
     /// The count of objects that live as long as the process; balanced use never brings it near 0.
@@ -95,8 +100,18 @@ class PELVOR_EXPORT Object {
 
   private:
     friend struct Instances;
+    friend class WeakHandle;
 
     static constexpr std::uint32_t kOverridesRelease = 1;
+    static constexpr std::uint32_t kIsWatched = 2;  // weak handles are to be told of its end
+
+    bool isWatched() const noexcept { return _flags.load(std::memory_order_acquire) & kIsWatched; }
+    void end() noexcept {
+        if (isWatched()) [[unlikely]]
+            endWatch();
+        destroy();
+    }
+    void endWatch() noexcept;
 
     Class* _isa = nullptr;
     std::atomic<std::uint32_t> _retainCount{1};

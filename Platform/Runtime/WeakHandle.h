@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+// WeakHandle: a reference that does not keep its object alive and knows when it is gone.
+#pragma once
+
+#include <utility>
+
+#include "Runtime/Object.h"
+
+namespace pelvor {
+
+/// Refers to an object without retaining it, and never touches its memory once it has been destroyed. A
+/// mark in the object's header makes the object's end known to a table of handles; objects without
+/// handles pay nothing. A handle belongs to one thread at a time; its object may be used and end on any.
+class PELVOR_EXPORT WeakHandle {
+  public:
+    WeakHandle() = default;
+    /// The caller holds the object while this runs; none gives an empty handle.
+    explicit WeakHandle(Object* object);
+    WeakHandle(WeakHandle&& other) noexcept : _watch(std::exchange(other._watch, nullptr)) {}
+    WeakHandle& operator=(WeakHandle other) noexcept {
+        std::swap(_watch, other._watch);
+        return *this;
+    }
+    ~WeakHandle();
+
+    /// The object, kept for the caller; none once its last reference is gone, also while it is still
+    /// being destroyed.
+    Retained<Object> object() const;
+
+  private:
+    friend class Object;
+    struct Watch;
+    struct Watches;
+
+    static Watches& watches();
+    static bool retainUnlessEnding(Object* object) noexcept;
+
+    Watch* _watch = nullptr;
+};
+
+}  // namespace pelvor
