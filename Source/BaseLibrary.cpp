@@ -19,6 +19,11 @@
 #include "PBDelayedActionTimer.h"
 #include "PBMutableNumber.h"
 #include "PBPlanarRange.h"
+#include "NSSet-PelvorAdditions.h"
+#include "PBLinkedList.h"
+#include "PBMutableNumber.h"
+#include "PBObjectPool.h"
+#include "PBObserverSet.h"
 #include "PBPostLoader.h"
 #include "PBRegistry.h"
 #include "PBRepeatString.h"
@@ -28,6 +33,11 @@
 #include "Scanning/OFCharacterSet.h"
 #include "Scanning/OFStringScanner.h"
 #include "Scanning/OFTrie.h"
+#include "PBSafeWeakReference.h"
+#include "PBUtil.h"
+#include "Scanning/NSObject-OFDebugging.h"
+#include "Scanning/OFCharacterSet.h"
+#include "PBWeakReference.h"
 #include "assertions.h"
 
 namespace pelvor {
@@ -41,8 +51,14 @@ constexpr Class* kClasses[] = {
     &PBFloatArray::classRecord,
     &PBFloatVector::classRecord,
     &PBDelayedActionTimer::classRecord,
+    &PBExternalObjectPool::classRecord,
+    &PBLinkedList::classRecord,
+    &PBLinkedListEnumerator::classRecord,
+    &PBLinkedListNode::classRecord,
     &PBMutableIntNumber::classRecord,
     &PBMutableNumber::classRecord,
+    &PBObjectPool::classRecord,
+    &PBObserverSet::classRecord,
     &PBPostLoader::classRecord,
     &PBProfile::classRecord,
     &PBProfileSet::classRecord,
@@ -70,6 +86,13 @@ constexpr Class* kClasses[] = {
     &PBSingleObjectEnumerator::classRecord,
     &PBUniqueObject::classRecord,
     &PBUtil_Dummy::classRecord,
+    &PBSafeWeakReference::classRecord,
+    &PBUniqueObject::classRecord,
+    &PBUtil_Dummy::classRecord,
+    &OFCharacterSet::classRecord,      &PBMutableIntNumber::classRecord, &PBMutableNumber::classRecord,
+    &PBPostLoader::classRecord,        &PBProfile::classRecord,          &PBProfileSet::classRecord,
+    &PBRegistry::classRecord,          &PBUniqueObject::classRecord,     &PBUtil_Dummy::classRecord,
+    &PBWeakReference::classRecord,
     &_PBAssertionWarning::classRecord,
     &ZWMainThreadProxy::classRecord,
 };
@@ -84,6 +107,10 @@ constexpr const Category* kCategories[] = {
     &NSMutableArray_PelvorAdditions_category,
     &NSMutableArray_PelvorMutableRangeArray_category,
     &NSMutableDictionary_PelvorAdditions_category,
+    &NSArray_PBWeakReferenceAdditions_category,
+    &NSInvocation_PelvorAdditions_category,
+    &NSMutableSet_PBWeakReferenceAdditions_category,
+    &NSMutableSet_PelvorAdditions_category,
     &NSObject_PBProfileAccess_category,
     &NSObject_PelvorAdditions_category,
     &NSObject_PelvorDebugMenus_category,
@@ -104,6 +131,8 @@ constexpr const Category* kCategories[] = {
     &NSObject_PBProfileAccess_category,     &NSObject_PelvorAdditions_category,
     &NSObject_PelvorDebugMenus_category,    &NSPathStore2_OFOverrides_category,
     &NSValue_PelvorAdditions_category,      &NSValue_PlanarRangeAdditions_category,
+    &NSSet_PBWeakReferenceAdditions_category,
+    &NSSet_PelvorAdditions_category,
 };
 // clang-format on
 

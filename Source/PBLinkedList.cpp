@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PBLinkedList.h"
+
+#include "BaseLibrary.h"
+#include "Foundation/NSMutableString.h"
+#include "Runtime/Message.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(PBLinkedListNode, baseLibrary) {
+    methods.classLevel<"initWithObject:", &PBLinkedListNode::initWithObject>();
+}
+
+PELVOR_DEFINE_CLASS(PBLinkedList, baseLibrary) {
+    methods.classLevel<"init", &PBLinkedList::init>();
+    methods.instance<"count", &PBLinkedList::count>();
+    methods.instance<"isEmpty", &PBLinkedList::isEmpty>();
+    methods.instance<"push:", &PBLinkedList::push>();
+    methods.instance<"pop", &PBLinkedList::pop>();
+    methods.instance<"top", &PBLinkedList::top>();
+    methods.instance<"enqueueObject:", &PBLinkedList::enqueueObject>();
+    methods.instance<"dequeueObject", &PBLinkedList::dequeueObject>();
+    methods.instance<"objectAtIndex:", &PBLinkedList::objectAtIndex>();
+    methods.instance<"nodeAtIndex:prevNode:", &PBLinkedList::nodeAtIndex_prevNode>();
+    methods.instance<"removeNode:withPreviousNode:", &PBLinkedList::removeNode_withPreviousNode>();
+    methods.instance<"removeObjectAtIndex:", &PBLinkedList::removeObjectAtIndex>();
+    methods.instance<"removeObjectsInRange:", &PBLinkedList::removeObjectsInRange>();
+    methods.instance<"removeAllObjects", &PBLinkedList::removeAllObjects>();
+    methods.instance<"objectEnumerator", &PBLinkedList::objectEnumerator>();
+}
+
+PELVOR_DEFINE_CLASS(PBLinkedListEnumerator, baseLibrary) {
+    methods.classLevel<"initWithList:node:", &PBLinkedListEnumerator::initWithList_node>();
+    methods.instance<"removeLastObject", &PBLinkedListEnumerator::removeLastObject>();
+}
+
+Retained<PBLinkedListNode> PBLinkedListNode::initWithObject(id object, Class* cls) {
+    auto node = make<PBLinkedListNode>(cls);
+    node->object.set(object);
+    return node;
+}
+
+// MARK: The list
+
+Retained<PBLinkedList> PBLinkedList::init(Class* cls) { return make<PBLinkedList>(cls); }
+
+void PBLinkedList::push(id object) {
+    PBLinkedListNode* node = PBLinkedListNode::initWithObject(object).leak();
+    node->next = std::exchange(_head, node);
+    ++_count;
+}
+
+id PBLinkedList::pop() {
+    if (!_head) return nullptr;
+    auto object = Retained<Object>::retaining(_head->object);
+    removeNode_withPreviousNode(_head, nullptr);
+    return std::move(object).autorelease();
+}
+
+id PBLinkedList::top() { return _head ? _head->object.get() : nullptr; }
+
+void PBLinkedList::enqueueObject(id object) {
+    if (!_head) return push(object);
+    PBLinkedListNode* last = nodeAtIndex_prevNode(_count - 1, nullptr);
+    last->next = PBLinkedListNode::initWithObject(object).leak();
+    ++_count;
+}
+
+id PBLinkedList::dequeueObject() { return pop(); }
+
+id PBLinkedList::objectAtIndex(NSUInteger index) {
+    PBLinkedListNode* node = nodeAtIndex_prevNode(index, nullptr);
+    if (!node) raiseException(NSRangeException, u"index (%d) beyond bounds (%d)"_ns, index, _count);
+    return node->object;
+}
+
+PBLinkedListNode* PBLinkedList::nodeAtIndex_prevNode(NSUInteger index, PBLinkedListNode** previous) {
+    if (index > _count) raiseException(NSRangeException, u"index (%d) beyond bounds (%d)"_ns, index, _count);
+    PBLinkedListNode* before = nullptr;
+    PBLinkedListNode* node = _head;
+    for (NSUInteger i = 0; i < index; ++i) before = std::exchange(node, node->next);
+    if (previous) *previous = before;
+    return node;
+}
+
+// The list already stands as it will be when the node and its object are released.
+void PBLinkedList::removeNode_withPreviousNode(PBLinkedListNode* node, PBLinkedListNode* previous) {
+    (node == _head ? _head : previous->next) = node->next;
+    --_count;
+    node->release();
+}
+
+void PBLinkedList::removeObjectAtIndex(NSUInteger index) { removeObjectsInRange({index, 1}); }
+
+void PBLinkedList::removeObjectsInRange(NSRange range) {
+    std::uint64_t end = std::uint64_t{range.location} + range.length;
+    if (end > _count)
+        raiseException(NSRangeException, u"index (%d) to remove beyond bounds (%d)"_ns,
+                       static_cast<NSUInteger>(end - 1), _count);
+    PBLinkedListNode* previous = nullptr;
+    PBLinkedListNode* node = nodeAtIndex_prevNode(range.location, &previous);
+    for (NSUInteger i = 0; i < range.length; ++i)
+        removeNode_withPreviousNode(std::exchange(node, node->next), previous);
+}
+
+void PBLinkedList::removeAllObjects() {
+    if (_count > 0) removeObjectsInRange({0, _count});
+}
+
+PBLinkedListEnumerator* PBLinkedList::objectEnumerator() {
+    return PBLinkedListEnumerator::initWithList_node(this, _head).autorelease();
+}
+
+NSString* PBLinkedList::description() {
+    NSMutableString* text = NSMutableString::string();
+    NSUInteger index = 0;
+    for (PBLinkedListNode* node = _head; node; node = node->next)
+        text->appendFormat(u"%02d: %@ \n"_ns, index++, node->object);
+    return text;
+}
+
+// MARK: Walks
+
+Retained<PBLinkedListEnumerator> PBLinkedListEnumerator::initWithList_node(PBLinkedList* list,
+                                                                           PBLinkedListNode* node,
+                                                                           Class* cls) {
+    auto enumerator = make<PBLinkedListEnumerator>(cls);
+    enumerator->_list = list;
+    enumerator->_next = node;
+    return enumerator;
+}
+
+id PBLinkedListEnumerator::nextObject() {
+    if (!_isCurRemoved && _cur) _prev = _cur;
+    _isCurRemoved = false;
+    _cur = _next;
+    if (!_cur) return nullptr;
+    _next = _cur->next;
+    return _cur->object;
+}
+
+void PBLinkedListEnumerator::removeLastObject() {
+    if (!_cur || _isCurRemoved) return;
+    _isCurRemoved = true;
+    _list->removeNode_withPreviousNode(_cur, _prev);
+}
+
+}  // namespace pelvor

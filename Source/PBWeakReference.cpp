@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PBWeakReference.h"
+
+#include <mutex>
+
+#include "BaseLibrary.h"
+#include "Foundation/NSArray.h"
+#include "Foundation/NSMutableSet.h"
+#include "Foundation/NSString.h"
+#include "PBObjectPool.h"
+#include "Runtime/Message.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor {
+namespace {
+
+constexpr std::uint32_t kPoolCapacity = 50;
+
+// Of all threads; made by `initialize`, never destroyed.
+PBObjectPool* sharedPool = nullptr;
+
+// The thread's own gone reference: most are made for one look-up, and the next is made when that is over.
+constinit thread_local PBWeakReference* spareReference = nullptr;
+constinit thread_local bool mayKeepSpare = false;
+
+struct EndOfThread {
+    ~EndOfThread() {
+        mayKeepSpare = false;
+        hasEnded = true;
+        if (spareReference) std::exchange(spareReference, nullptr)->release();
+    }
+    bool hasEnded = false;
+};
+
+[[gnu::noinline]] bool openThread() {
+    static thread_local EndOfThread endOfThread;
+    return mayKeepSpare = !endOfThread.hasEnded;
+}
+
+void defineArrayAdditions(MethodTable<NSArray>& methods) {
+    methods.instance<"indexOfWeakReferenceObject:", &indexOfWeakReferenceObject>();
+}
+void defineSetAdditions(MethodTable<NSSet>& methods) {
+    methods.instance<"containsWeakReferenceObject:", &containsWeakReferenceObject>();
+}
+void defineMutableSetAdditions(MethodTable<NSMutableSet>& methods) {
+    methods.instance<"addWeakReferenceObject:", &addWeakReferenceObject>();
+    methods.instance<"removeWeakReferenceObject:", &removeWeakReferenceObject>();
+}
+
+}  // namespace
+
+constinit const Category NSArray_PBWeakReferenceAdditions_category =
+    Category::of<NSArray, defineArrayAdditions>("PBWeakReferenceAdditions");
+constinit const Category NSSet_PBWeakReferenceAdditions_category =
+    Category::of<NSSet, defineSetAdditions>("PBWeakReferenceAdditions");
+constinit const Category NSMutableSet_PBWeakReferenceAdditions_category =
+    Category::of<NSMutableSet, defineMutableSetAdditions>("PBWeakReferenceAdditions");
+
+PELVOR_DEFINE_CLASS(PBWeakReference, baseLibrary) {
+    methods.classLevel<"initialize", &PBWeakReference::initialize>();
+    methods.classLevelAs<"alloc", &PBWeakReference::allocate>();
+    methods.classLevel<"weakReferenceWithObject:", &PBWeakReference::weakReferenceWithObject>();
+    methods.classLevel<"initWithObject:", &PBWeakReference::initWithObject>();
+    methods.instance<"object", &PBWeakReference::object>();
+    methods.instance<"setObject:", &PBWeakReference::setObject>();
+    methods.instance<"hash", &PBWeakReference::hash>();
+    methods.instance<"isEqual:", &PBWeakReference::isEqual>();
+    methods.instance<"copyWithZone:", &PBWeakReference::copyWithZone>();
+}
+
+void PBWeakReference::initialize(Class* cls) {
+    if (cls == classObject()) sharedPool = PBObjectPool::initWithCapacity(kPoolCapacity).leak();
+}
+
+PBWeakReference* PBWeakReference::weakReferenceWithObject(id object, Class* cls) {
+    return initWithObject(object, cls).autorelease();
+}
+
+Retained<PBWeakReference> PBWeakReference::initWithObject(id object, Class* cls) {
+    PBWeakReference* spare = cls == classObject() ? takeSpare() : nullptr;
+    auto reference = spare ? Retained<PBWeakReference>::adopting(spare) : make<PBWeakReference>(cls);
+    reference->_weakObj = object;
+    return reference;
+}
+
+bool PBWeakReference::isEqual(id other) {
+    auto* reference = cast<PBWeakReference>(other);
+    return (reference ? reference->_weakObj : other) == _weakObj;
+}
+
+NSString* PBWeakReference::description() {
+    return NSString::stringWithFormat(u"PBWeakReference<%p>"_ns, static_cast<void*>(this));
+}
+
+Retained<Object> PBWeakReference::copyWithZone(void*) { return Retained<Object>::retaining(this); }
+
+// MARK: Recycling
+
+Retained<Object> PBWeakReference::allocate(Class* cls) {
+    if (PBWeakReference* spare = cls == classObject() ? takeSpare() : nullptr)
+        return Retained<Object>::adopting(spare);
+    return Retained<Object>::adopting(cls->createInstance());
+}
+
+// A gone reference, count one; none if there is none, or another class poses as this one.
+PBWeakReference* PBWeakReference::takeSpare() {
+    if (!classRecord.makesOwnInstances()) [[unlikely]]
+        return nullptr;
+    if (spareReference) return std::exchange(spareReference, nullptr);
+    std::lock_guard guard(*sharedPool->_lock);
+    return static_cast<PBWeakReference*>(sharedPool->popObject().leak());
+}
+
+void PBWeakReference::overriddenRelease() noexcept {
+    if (!isOnlyReference() || isa() != &classRecord || !isKept()) releaseReference();
+}
+
+bool PBWeakReference::isKept() noexcept {
+    _weakObj = nullptr;
+    if (!spareReference && (mayKeepSpare || openThread())) {
+        spareReference = this;
+        return true;
+    }
+    std::lock_guard guard(*sharedPool->_lock);
+    return sharedPool->poolObject(this);
+}
+
+// MARK: Look-ups
+
+NSUInteger indexOfWeakReferenceObject(NSArray* array, id object) {
+    return array->indexOfObject(PBWeakReference::initWithObject(object).get());
+}
+
+bool containsWeakReferenceObject(NSSet* set, id object) {
+    return set->containsObject(PBWeakReference::initWithObject(object).get());
+}
+
+void addWeakReferenceObject(NSMutableSet* set, id object) {
+    set->addObject(PBWeakReference::initWithObject(object).get());
+}
+
+void removeWeakReferenceObject(NSMutableSet* set, id object) {
+    set->removeObject(PBWeakReference::initWithObject(object).get());
+}
+
+}  // namespace pelvor

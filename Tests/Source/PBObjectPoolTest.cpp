@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PBObjectPool.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/Message.h"
+
+namespace pelvor::testing {
+namespace {
+
+TEST(PBObjectPoolTest, ARawPoolTakesReferencesOverAndGivesThemBack) {
+    auto first = NSObject::init(), second = NSObject::init(), third = NSObject::init();
+    auto pool = PBObjectPool::initWithCapacity(2);
+    EXPECT_TRUE(pool->poolObject(Retained<Object>(first).leak()));
+    EXPECT_TRUE(pool->poolObject(Retained<Object>(second).leak()));
+    EXPECT_FALSE(pool->poolObject(third));
+    EXPECT_EQ(third->retainCount(), 1u);
+    EXPECT_EQ(pool->popObject(), second);
+    EXPECT_EQ(second->retainCount(), 1u);
+    EXPECT_EQ(first->retainCount(), 2u);
+    pool = nullptr;
+    EXPECT_EQ(first->retainCount(), 1u);
+    auto none = PBObjectPool::initWithCapacity(0);
+    EXPECT_FALSE(none->poolObject(first));
+    EXPECT_EQ(none->popObject(), nullptr);
+}
+
+TEST(PBObjectPoolTest, AnExternalPoolRetainsAndAnswersBorrowedObjects) {
+    for (bool useLock : {false, true}) {
+        auto object = NSObject::init();
+        auto pool = PBExternalObjectPool::initWithCapacity_useLock(1, useLock);
+        EXPECT_EQ(pool->_lock != nullptr, useLock);
+        EXPECT_TRUE(send<bool>(pool, "poolObject:"_sel, object.get()));
+        EXPECT_FALSE(pool->poolObject(object));
+        EXPECT_EQ(object->retainCount(), 2u);
+        {
+            AutoreleasePool inner;
+            EXPECT_EQ(pool->popObject(), object.get());
+            pool = nullptr;
+            EXPECT_EQ(object->retainCount(), 2u);
+        }
+        EXPECT_EQ(object->retainCount(), 1u);
+    }
+}
+
+TEST(PBObjectPoolTest, ThreadsShareALockedPool) {
+    auto pool = PBExternalObjectPool::initWithCapacity_useLock(3, true);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i)
+        threads.emplace_back([&] {
+            AutoreleasePool inner;
+            for (int step = 0; step < 500; ++step)
+                if (id object = pool->popObject(); !object || step % 3 == 0)
+                    pool->poolObject(NSObject::init().get());
+                else
+                    pool->poolObject(object);
+        });
+    for (std::thread& thread : threads) thread.join();
+    AutoreleasePool inner;
+    int left = 0;
+    while (pool->popObject()) ++left;
+    EXPECT_LE(left, 3);
+}
+
+}  // namespace
+}  // namespace pelvor::testing

@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PBWeakReference.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdio>
+#include <memory>
+#include <set>
+#include <thread>
+#include <vector>
+
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSString.h"
+#include "NSSet-PelvorAdditions.h"
+#include "PBSafeWeakReference.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/Message.h"
+#include "Runtime/NSException.h"
+#include "Runtime/NSInvocation.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor::testing {
+namespace {
+
+extern Library weakReferenceTestLibrary;
+
+class PBTestTarget : public NSObject {
+    PELVOR_CLASS(PBTestTarget, NSObject);
+
+  public:
+    int answer() { return ++calls; }
+    int fail() { throw NSException("PBTestException", "as asked"); }
+    int calls = 0;
+
+  protected:
+    PBTestTarget() = default;
+    ~PBTestTarget() = default;
+};
+
+PELVOR_DEFINE_CLASS(PBTestTarget, weakReferenceTestLibrary) {
+    methods.instance<"answer", &PBTestTarget::answer>();
+    methods.instance<"fail", &PBTestTarget::fail>();
+}
+constexpr Class* kClasses[] = {&PBTestTarget::classRecord};
+constinit Library weakReferenceTestLibrary{"WeakReferenceTest", {}, kClasses, {}};
+
+class PBWeakReferenceTest : public ::testing::Test {
+    AutoreleasePool pool;
+
+  protected:
+    Retained<PBTestTarget> target = make<PBTestTarget>();
+    Retained<PBTestTarget> other = make<PBTestTarget>();
+};
+
+// Deliberately one-sided: an object does not know its references.
+TEST_F(PBWeakReferenceTest, EqualsItsObjectButNotTheOtherWayRound) {
+    auto reference = PBWeakReference::initWithObject(target);
+    EXPECT_EQ(target->retainCount(), 1u);
+    EXPECT_EQ(reference->hash(), reinterpret_cast<std::uintptr_t>(target.get()));
+    EXPECT_TRUE(reference->isEqual(PBWeakReference::weakReferenceWithObject(target)));
+    EXPECT_FALSE(reference->isEqual(PBWeakReference::weakReferenceWithObject(other)));
+    EXPECT_TRUE(reference->isEqual(target));
+    EXPECT_FALSE(target->isEqual(reference));
+    EXPECT_EQ(reference->copy(), reference);
+    char text[64];
+    std::snprintf(text, sizeof text, "PBWeakReference<%p>", static_cast<void*>(reference.get()));
+    EXPECT_EQ(reference->description()->toUTF8(), text);
+}
+
+TEST_F(PBWeakReferenceTest, IsFoundInCollectionsByItsObject) {
+    auto set = NSMutableSet::init();
+    addWeakReferenceObject(set, target);
+    addWeakReferenceObject(set, target);
+    EXPECT_EQ(set->count(), 1u);
+    EXPECT_TRUE(containsWeakReferenceObject(set, target));
+    EXPECT_FALSE(send<bool>(set, "containsWeakReferenceObject:"_sel, other.get()));
+    removeWeakReferenceObject(set, target);
+    EXPECT_EQ(set->count(), 0u);
+    set->addObject(other);
+    addWeakReferenceObject(set, other);
+    EXPECT_EQ(set->count(), 1u);
+    auto* array = NSArray::of({target, PBWeakReference::weakReferenceWithObject(other),
+                               PBWeakReference::weakReferenceWithObject(target)});
+    EXPECT_EQ(indexOfWeakReferenceObject(array, target), 2u);
+    EXPECT_EQ(indexOfWeakReferenceObject(array, set), NSNotFound);
+}
+
+TEST_F(PBWeakReferenceTest, GoneReferencesAreUsedAgainUpToALimit) {
+    std::vector<Retained<PBWeakReference>> references;
+    std::set<void*> places;
+    for (int i = 0; i < 200; ++i) references.push_back(PBWeakReference::initWithObject(target));
+    for (auto& reference : references) places.insert(reference.get());
+    references.clear();
+    std::vector<std::unique_ptr<std::byte[]>> freed(300);
+    for (auto& memory : freed) memory.reset(new std::byte[sizeof(PBWeakReference)]);
+    for (unsigned i = 0; i < 52; ++i) {
+        auto fresh = send<Retained<Object>>(PBWeakReference::classObject(), "alloc"_sel);
+        EXPECT_EQ(cast<PBWeakReference>(fresh)->object(), nullptr);
+        EXPECT_EQ(places.count(fresh.get()), i < 51 ? 1u : 0u) << i;
+        references.push_back(Retained<PBWeakReference>::retaining(cast<PBWeakReference>(fresh)));
+    }
+}
+
+TEST_F(PBWeakReferenceTest, SixteenThreadsMakeAndDropThem) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 16; ++i)
+        threads.emplace_back([this] {
+            std::vector<Retained<PBWeakReference>> held(20);
+            for (std::size_t step = 0; step < 2000; ++step) {
+                id object = step % 3 ? target : other;
+                held[step * 7 % held.size()] = PBWeakReference::initWithObject(object);
+                EXPECT_EQ(held[step * 7 % held.size()]->object(), object);
+            }
+        });
+    for (std::thread& thread : threads) thread.join();
+}
+
+// Deliberately: the separator is not used.
+TEST_F(PBWeakReferenceTest, MembersOfASetAreJoinedWithNothingBetweenThem) {
+    auto* set = NSMutableSet::of({u"a"_ns, u"b"_ns, u"c"_ns});
+    removeObjectsInArray(set, NSArray::of({u"c"_ns, u"x"_ns}));
+    EXPECT_EQ(componentsJoinedByString(set, u","_ns)->toUTF8(), "ab");
+}
+
+// MARK: Safe references
+
+TEST_F(PBWeakReferenceTest, ASafeReferencePassesMessagesOnUntilItsObjectIsGone) {
+    auto safe = PBSafeWeakReference::initWithObject(target);
+    EXPECT_EQ(send<int>(safe, "answer"_sel), 1);
+    EXPECT_EQ(target->retainCount(), 1u);
+    auto held = NSInvocation::initWithMethodSignature(safe->methodSignatureForSelector("answer"_sel));
+    held->setSelector("answer"_sel);
+    target = nullptr;
+    EXPECT_EQ(safe->methodSignatureForSelector("answer"_sel), nullptr);
+    EXPECT_FALSE(safe->respondsToSelector("answer"_sel));
+    EXPECT_THROW(send<int>(safe, "answer"_sel), NSException);
+    safe->forwardInvocation(held);
+    EXPECT_EQ(held->target(), nullptr);
+}
+
+TEST_F(PBWeakReferenceTest, ASafeReferenceDropsMessagesToAnObjectOfAnotherClass) {
+    static Class* changed = Class::createSubclass("PBTestChangedTarget", PBTestTarget::classObject());
+    auto safe = PBSafeWeakReference::initWithObject(target);
+    auto invocation = NSInvocation::initWithMethodSignature(target->methodSignatureForSelector("answer"_sel));
+    invocation->setSelector("answer"_sel);
+    Instances::setClass(target, changed);
+    safe->forwardInvocation(invocation);
+    EXPECT_EQ(target->calls, 0);
+    EXPECT_EQ(safe->methodSignatureForSelector("answer"_sel), nullptr);
+    Instances::setClass(target, PBTestTarget::classObject());
+    EXPECT_EQ(send<int>(safe, "answer"_sel), 1);
+}
+
+TEST_F(PBWeakReferenceTest, ASafeReferenceForgetsAnObjectThatRaises) {
+    auto safe = PBSafeWeakReference::initWithObject(target);
+    EXPECT_EQ(send<int>(safe, "fail"_sel), 0);
+    EXPECT_EQ(safe->methodSignatureForSelector("answer"_sel), nullptr);
+}
+
+}  // namespace
+}  // namespace pelvor::testing
