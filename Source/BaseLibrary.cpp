@@ -3,41 +3,37 @@
 
 #include "FileWatcher/ZWMainThreadProxy.h"
 #include "Foundation/FoundationLibrary.h"
-#include "NSCharacterSet-PelvorAdditions.h"
-#include "NSData-PelvorAdditions.h"
 #include "NSArray-PelvorAdditions.h"
 #include "NSArray-PelvorRangeArray.h"
+#include "NSCharacterSet-PelvorAdditions.h"
+#include "NSData-PelvorAdditions.h"
 #include "NSDictionary-PelvorAdditions.h"
 #include "NSEnumerator-PelvorAdditions.h"
 #include "NSInvocation-PelvorAdditions.h"
 #include "NSMutableDictionary-PelvorAdditions.h"
 #include "NSObject-PelvorAdditions.h"
+#include "NSRunLoop-PelvorAdditions.h"
+#include "NSSet-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
 #include "NSValue-PelvorAdditions.h"
-#include "PBFloatArray.h"
-#include "NSRunLoop-PelvorAdditions.h"
 #include "PBDelayedActionTimer.h"
-#include "PBMutableNumber.h"
-#include "PBPlanarRange.h"
-#include "NSSet-PelvorAdditions.h"
+#include "PBFloatArray.h"
 #include "PBLinkedList.h"
 #include "PBMutableNumber.h"
 #include "PBObjectPool.h"
 #include "PBObserverSet.h"
+#include "PBPlanarRange.h"
 #include "PBPostLoader.h"
 #include "PBRegistry.h"
 #include "PBRepeatString.h"
+#include "PBSafeWeakReference.h"
 #include "PBUnichar32String.h"
 #include "PBUtil.h"
+#include "PBWeakReference.h"
 #include "Scanning/NSObject-OFDebugging.h"
 #include "Scanning/OFCharacterSet.h"
 #include "Scanning/OFStringScanner.h"
 #include "Scanning/OFTrie.h"
-#include "PBSafeWeakReference.h"
-#include "PBUtil.h"
-#include "Scanning/NSObject-OFDebugging.h"
-#include "Scanning/OFCharacterSet.h"
-#include "PBWeakReference.h"
 #include "assertions.h"
 
 namespace pelvor {
@@ -45,13 +41,20 @@ namespace {
 
 constexpr Library* kDependencies[] = {&foundationLibrary};
 
-// clang-format off: one a line.
-// Alphabetical; a superclass is registered before its subclasses wherever it stands.
+// One a line, alphabetical; a superclass is registered before its subclasses wherever it stands.
+// clang-format off
 constexpr Class* kClasses[] = {
-    &PBFloatArray::classRecord,
-    &PBFloatVector::classRecord,
+    &OFCharacterScanner::classRecord,
+    &OFCharacterSet::classRecord,
+    &OFStringScanner::classRecord,
+    &OFTrie::classRecord,
+    &OFTrieBucket::classRecord,
+    &OFTrieEnumerator::classRecord,
+    &OFTrieNode::classRecord,
     &PBDelayedActionTimer::classRecord,
     &PBExternalObjectPool::classRecord,
+    &PBFloatArray::classRecord,
+    &PBFloatVector::classRecord,
     &PBLinkedList::classRecord,
     &PBLinkedListEnumerator::classRecord,
     &PBLinkedListNode::classRecord,
@@ -64,75 +67,42 @@ constexpr Class* kClasses[] = {
     &PBProfileSet::classRecord,
     &PBRegistry::classRecord,
     &PBRepeatString::classRecord,
+    &PBSafeWeakReference::classRecord,
+    &PBSingleObjectEnumerator::classRecord,
     &PBUnichar32String::classRecord,
     &PBUniqueObject::classRecord,
     &PBUtil_Dummy::classRecord,
-    &OFCharacterSet::classRecord,
-    &PBMutableIntNumber::classRecord,
-    &PBMutableNumber::classRecord,
-    &OFCharacterScanner::classRecord,
-    &OFCharacterSet::classRecord,
-    &OFStringScanner::classRecord,
-    &OFTrie::classRecord,
-    &OFTrieBucket::classRecord,
-    &OFTrieEnumerator::classRecord,
-    &OFTrieNode::classRecord,
-    &PBMutableIntNumber::classRecord,
-    &PBMutableNumber::classRecord,
-    &PBPostLoader::classRecord,
-    &PBProfile::classRecord,
-    &PBProfileSet::classRecord,
-    &PBRegistry::classRecord,
-    &PBSingleObjectEnumerator::classRecord,
-    &PBUniqueObject::classRecord,
-    &PBUtil_Dummy::classRecord,
-    &PBSafeWeakReference::classRecord,
-    &PBUniqueObject::classRecord,
-    &PBUtil_Dummy::classRecord,
-    &OFCharacterSet::classRecord,      &PBMutableIntNumber::classRecord, &PBMutableNumber::classRecord,
-    &PBPostLoader::classRecord,        &PBProfile::classRecord,          &PBProfileSet::classRecord,
-    &PBRegistry::classRecord,          &PBUniqueObject::classRecord,     &PBUtil_Dummy::classRecord,
     &PBWeakReference::classRecord,
-    &_PBAssertionWarning::classRecord,
     &ZWMainThreadProxy::classRecord,
+    &_PBAssertionWarning::classRecord,
 };
 
 constexpr const Category* kCategories[] = {
-    &NSData_PelvorAdditions_category,
+    &NSArray_PBWeakReferenceAdditions_category,
     &NSArray_PelvorAdditions_category,
     &NSArray_PelvorRangeArray_category,
+    &NSCharacterSet_PelvorAdditions_category,
+    &NSData_PelvorAdditions_category,
     &NSDictionary_PelvorAdditions_category,
     &NSEnumerator_PelvorAdditions_category,
     &NSInvocation_PelvorAdditions_category,
     &NSMutableArray_PelvorAdditions_category,
     &NSMutableArray_PelvorMutableRangeArray_category,
     &NSMutableDictionary_PelvorAdditions_category,
-    &NSArray_PBWeakReferenceAdditions_category,
-    &NSInvocation_PelvorAdditions_category,
     &NSMutableSet_PBWeakReferenceAdditions_category,
     &NSMutableSet_PelvorAdditions_category,
+    &NSObject_OFDebugging_category,
     &NSObject_PBProfileAccess_category,
     &NSObject_PelvorAdditions_category,
     &NSObject_PelvorDebugMenus_category,
-    &NSCharacterSet_PelvorAdditions_category, &NSInvocation_PelvorAdditions_category,
-    &NSObject_OFDebugging_category,           &NSObject_PBProfileAccess_category,
-    &NSObject_PelvorAdditions_category,       &NSObject_PelvorDebugMenus_category,
-    &NSPathStore2_OFOverrides_category,
-    &NSString_PelvorAdditions_category,
-    &NSValue_PelvorAdditions_category,
-    &NSValue_PlanarRangeAdditions_category,
     &NSObject_ZWMainThreadProxy_category,
     &NSPathStore2_OFOverrides_category,
     &NSRunLoop_PelvorAdditions_category,
-    &NSData_PelvorAdditions_category,       &NSInvocation_PelvorAdditions_category,
-    &NSObject_PBProfileAccess_category,     &NSObject_PelvorAdditions_category,
-    &NSObject_PelvorDebugMenus_category,    &NSCharacterSet_PelvorAdditions_category,
-    &NSInvocation_PelvorAdditions_category, &NSObject_OFDebugging_category,
-    &NSObject_PBProfileAccess_category,     &NSObject_PelvorAdditions_category,
-    &NSObject_PelvorDebugMenus_category,    &NSPathStore2_OFOverrides_category,
-    &NSValue_PelvorAdditions_category,      &NSValue_PlanarRangeAdditions_category,
     &NSSet_PBWeakReferenceAdditions_category,
     &NSSet_PelvorAdditions_category,
+    &NSString_PelvorAdditions_category,
+    &NSValue_PelvorAdditions_category,
+    &NSValue_PlanarRangeAdditions_category,
 };
 // clang-format on
 
