@@ -26,6 +26,9 @@ struct Encoding {
     const char* name;
 };
 
+// An encoding without a name of its own in the interface: 0x80000000 and the platform's other number for it.
+constexpr NSStringEncoding kKOI8R = 0x80000A02;
+
 constexpr Encoding kEncodings[] = {
     {NSASCIIStringEncoding, nullptr, "us-ascii", "Western (ASCII)"},
     {NSNEXTSTEPStringEncoding, nullptr, "x-nextstep", "Western (NextStep)"},
@@ -44,6 +47,7 @@ constexpr Encoding kEncodings[] = {
      "Central European (Windows Latin 2)"},
     {NSISO2022JPStringEncoding, "ISO_2022,locale=ja,version=0", "iso-2022-jp", "Japanese (ISO 2022-JP)"},
     {NSMacOSRomanStringEncoding, "macos-0_2-10.2", "macintosh", "Western (Mac OS Roman)"},
+    {kKOI8R, "ibm-878_P100-1996", "koi8-r", "Cyrillic (KOI8-R)"},
     {NSUTF16BigEndianStringEncoding, nullptr, "utf-16be", "Unicode (UTF-16BE)"},
     {NSUTF16LittleEndianStringEncoding, nullptr, "utf-16le", "Unicode (UTF-16LE)"},
     {NSUTF32StringEncoding, nullptr, "utf-32", "Unicode (UTF-32)"},

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Scanning/OFStringDecoder.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "Runtime/NSException.h"
+#include "Scanning/OFCaseConversion.h"
+
+namespace pelvor {
+namespace {
+
+// Decodes in steps of so many bytes, each into room for its own units and one pair.
+std::u16string decoded(const std::string& bytes, CFStringEncoding encoding, std::size_t step) {
+    std::u16string text;
+    auto state = OFInitialStateForEncoding(encoding);
+    for (std::size_t place = 0; place < bytes.size();) {
+        std::u16string room(step + 2, u'!');
+        auto count = static_cast<NSUInteger>(std::min(step, bytes.size() - place));
+        auto result =
+            OFScanCharactersIntoBuffer(state, reinterpret_cast<const unsigned char*>(bytes.data()) + place,
+                                       count, room.data(), static_cast<NSUInteger>(room.size()));
+        EXPECT_EQ(result.bytesConsumed, count);
+        text += room.substr(0, result.charactersProduced);
+        place += result.bytesConsumed;
+        state = result.state;
+    }
+    return text;
+}
+
+TEST(StringDecoder, DecodesInStepsOfAnySize) {
+    struct {
+        CFStringEncoding encoding;
+        std::string bytes;
+        std::u16string text;
+    } const cases[] = {
+        {kCFStringEncodingUTF8,
+         "plain text of more than thirty-two bytes, \xC3\xA4\xC3\xB6\xC3\xBC\xC3\x9F\xC3\xA9 a",
+         u"plain text of more than thirty-two bytes, \xE4\xF6\xFC\xDF\xE9 a"},
+        {kCFStringEncodingUTF8, "\xE2\x82\xAC\xE4\xB8\xAD\xE6\x96\x87\xF0\x9F\x98\x80z",
+         u"\x20AC\x4E2D\x6587\xD83D\xDE00z"},
+        {kCFStringEncodingUTF8, "\xC0\x80\xED\xA0\x80\xF7\xBF\xBF\xBF\xFC\x84\x80\x80\x80\x80\xFE\x80",
+         std::u16string(u"\0\xD800\xFFFD\xFFFD\xFFFD\xFFFD", 6)},
+        {kCFStringEncodingASCII, "a\x7F\x80\xFF", u"a\x7F\xFFFD\xFFFD"},
+        {kCFStringEncodingISOLatin1, "0123456789abcdef\x85\xA0\xE9\xFF",
+         u"0123456789abcdef\xFFFD\xA0\xE9\xFF"},
+        {kCFStringEncodingWindowsLatin1, "0123456789abcde\x85\x80\x81\xE9\x9F",
+         u"0123456789abcde\x2026\x20AC\xFFFD\xE9\x178"},
+        {kCFStringEncodingMacRoman, "\x80\xCA\xDB\xFF", u"\xC4\xA0\x20AC\x2C7"},
+        {kCFStringEncodingKOI8_R, "\xC1\xE1\x80", u"\x430\x410\x2500"},
+        {kCFStringEncodingMacRomanLatin1, "a\xE9\xC4", u"a\xE9\xC4"},
+        {kCFStringEncodingNextStepLatin, "\x80\xFD\xFE", u"\xA0\xFF\xFFFD"},
+    };
+    for (const auto& entry : cases)
+        for (std::size_t step : {1, 2, 3, 5, 16, 100})
+            EXPECT_EQ(decoded(entry.bytes, entry.encoding, step), entry.text)
+                << entry.encoding << ' ' << step;
+}
+
+TEST(StringDecoder, TellsHowFarItCame) {
+    auto scan = [](OFStringDecoderState state, std::string bytes, NSUInteger capacity) {
+        unichar units[8];
+        return OFScanCharactersIntoBuffer(state, reinterpret_cast<const unsigned char*>(bytes.data()),
+                                          static_cast<NSUInteger>(bytes.size()), units, capacity);
+    };
+    auto start = OFInitialStateForEncoding(kCFStringEncodingUTF8);
+    auto first = scan(start, "\xE2", 8);
+    EXPECT_EQ(first.bytesConsumed, 1u);
+    EXPECT_EQ(first.charactersProduced, 0u);
+    EXPECT_TRUE(OFDecoderContainsPartialCharacters(first.state));
+    auto second = scan(first.state, "\x82\xAC", 8);
+    EXPECT_EQ(second.charactersProduced, 1u);
+    EXPECT_FALSE(OFDecoderContainsPartialCharacters(second.state));
+
+    auto lost = scan(start, "\xF0\x9F\x98\x80z", 1);
+    EXPECT_EQ(lost.bytesConsumed, 4u);
+    EXPECT_EQ(lost.charactersProduced, 0u);
+    auto malformed = scan(start,
+                          "\xE2"
+                          "abc\xC3"
+                          "d",
+                          8);
+    EXPECT_EQ(malformed.charactersProduced, 3u) << "the bytes of a broken sequence go with it";
+    EXPECT_EQ(scan(start, "abc", 2).bytesConsumed, 2u);
+}
+
+TEST(StringDecoder, KnowsItsEncodings) {
+    EXPECT_TRUE(OFCanScanEncoding(kCFStringEncodingUTF8));
+    EXPECT_FALSE(OFEncodingIsSimple(kCFStringEncodingUTF8));
+    EXPECT_TRUE(OFEncodingIsSimple(kCFStringEncodingKOI8_R));
+    try {
+        OFInitialStateForEncoding(0x0100);
+        FAIL();
+    } catch (const NSException& exception) {
+        EXPECT_EQ(exception.name(), NSInvalidArgumentException);
+        EXPECT_EQ(exception.reason().find("Unsupported character encoding in fast string decoder: 256 ("),
+                  0u);
+    }
+}
+
+TEST(CaseConversion, LowersAndHashesBlindToCase) {
+    OFCaseConversionBuffer buffer;
+    OFCaseConversionBufferInit(&buffer);
+    for (std::u16string text : {u"plain", u"Word", u"\xC4pfel", u""}) {
+        auto length = static_cast<NSUInteger>(text.size());
+        auto lower = OFCreateStringByLowercasingCharacters(&buffer, text.data(), length);
+        EXPECT_EQ(lower->toUTF16(), NSString::of(text)->lowercaseString()->toUTF16());
+        std::u16string form = lower->toUTF16();
+        EXPECT_EQ(OFCaseInsensitiveHash(text.data(), length), OFCaseInsensitiveHash(form.data(), length));
+    }
+    std::u16string large(1000, u'A');
+    EXPECT_EQ(OFCreateStringByLowercasingCharacters(&buffer, large.data(), 1000)->toUTF16(),
+              std::u16string(1000, u'a'));
+    EXPECT_EQ(buffer.bufferSize, 1000);
+    OFCaseConversionBufferDestroy(&buffer);
+    EXPECT_EQ(buffer.buffer, nullptr);
+    EXPECT_EQ(OFCaseInsensitiveHash(u"", 0), 0u);
+    EXPECT_EQ(OFCaseInsensitiveHash(u"aB", 2), ((0x610000u >> 7) | 0x620000u));
+}
+
+}  // namespace
+}  // namespace pelvor
