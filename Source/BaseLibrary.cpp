@@ -9,6 +9,7 @@
 #include "NSData-PelvorAdditions.h"
 #include "NSDictionary-PelvorAdditions.h"
 #include "NSEnumerator-PelvorAdditions.h"
+#include "NSIndexSet-PelvorAdditions.h"
 #include "NSInvocation-PelvorAdditions.h"
 #include "NSMutableDictionary-PelvorAdditions.h"
 #include "NSObject-PelvorAdditions.h"
@@ -85,6 +86,7 @@ constexpr const Category* kCategories[] = {
     &NSData_PelvorAdditions_category,
     &NSDictionary_PelvorAdditions_category,
     &NSEnumerator_PelvorAdditions_category,
+    &NSIndexSet_PelvorAdditions_category,
     &NSInvocation_PelvorAdditions_category,
     &NSMutableArray_PelvorAdditions_category,
     &NSMutableArray_PelvorMutableRangeArray_category,

@@ -14,6 +14,7 @@
 #include "Foundation/NSConditionLock.h"
 #include "Foundation/NSCountedSet.h"
 #include "Foundation/NSExternalDataPrivate.h"
+#include "Foundation/NSIndexSet.h"
 #include "Foundation/NSInlineStringPrivate.h"
 #include "Foundation/NSLock.h"
 #include "Foundation/NSMutableData.h"
@@ -58,6 +59,7 @@ constexpr Class* kClasses[] = {
     &NSEnumerator::classRecord,
     &NSExternalData::classRecord,
     &NSExternalString::classRecord,
+    &NSIndexSet::classRecord,
     &NSInlineArray::classRecord,
     &NSInlineData::classRecord,
     &NSInlineString::classRecord,
@@ -67,6 +69,7 @@ constexpr Class* kClasses[] = {
     &NSMutableCharacterSet::classRecord,
     &NSMutableData::classRecord,
     &NSMutableDictionary::classRecord,
+    &NSMutableIndexSet::classRecord,
     &NSMutableSet::classRecord,
     &NSMutableString::classRecord,
     &NSNotification::classRecord,

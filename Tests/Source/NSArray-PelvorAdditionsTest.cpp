@@ -14,6 +14,7 @@
 #include "Foundation/NSValue.h"
 #include "NSArray-PelvorRangeArray.h"
 #include "NSEnumerator-PelvorAdditions.h"
+#include "NSIndexSet-PelvorAdditions.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
@@ -170,6 +171,23 @@ TEST(NSArrayPelvorRangeArray, KeepsRangesInOrder) {
     id made = send<id>(NSMutableArray::classObject(), "initWithRange:"_sel, NSRange{1, 2});
     addRange(cast<NSMutableArray>(made), {3, 4});
     EXPECT_EQ(unionRange(cast<NSArray>(made)), (NSRange{1, 6}));
+}
+
+TEST(NSIndexSetPelvorAdditions, ReadArraysAndAnswerRuns) {
+    AutoreleasePool pool;
+    NSIndexSet* set = NSIndexSet_PelvorAdditions::indexSetWithNumberArray(arrayOf({10, 6, 1, 2, 7, 8}));
+    EXPECT_EQ(indexRangeStartingAtOrAfterIndex(set, 4), (NSRange{6, 3}));
+    EXPECT_EQ(indexRangeStartingAtOrAfterIndex(set, 7), (NSRange{7, 2}));
+    EXPECT_EQ(indexRangeStartingAtOrAfterIndex(set, 11), PBNotFoundRange);
+    NSMutableArray* ranges = NSMutableArray::array();
+    EXPECT_EQ(NSIndexSet_PelvorAdditions::indexSetWithRangeArray(ranges)->count(), 0u);
+    addRange(ranges, {6, 3});
+    EXPECT_EQ(NSIndexSet_PelvorAdditions::indexSetWithRangeArray(ranges)->count(), 3u);
+    for (NSRange range : {NSRange{1, 2}, NSRange{10, 1}}) addRange(ranges, range);
+    EXPECT_TRUE(NSIndexSet_PelvorAdditions::indexSetWithRangeArray(ranges)->isEqual(set));
+    addRange(ranges, {NSNotFound, 1});
+    EXPECT_THROW(NSIndexSet_PelvorAdditions::indexSetWithRangeArray(ranges), NSException);
+    EXPECT_THROW(NSIndexSet_PelvorAdditions::indexSetWithNumberArray(ranges), NSException);
 }
 
 TEST(PBSingleObjectEnumerator, HandsItsObjectOverOnce) {

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSIndexSet and NSMutableIndexSet: sets of indexes, kept as runs.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "Foundation/NSRange.h"
+#include "Foundation/ObjectPrinting.h"
+#include "Runtime/Class.h"
+
+namespace pelvor {
+
+class NSMutableIndexSet;
+
+/// Indexes from 0 to NSNotFound - 1, each once, in ascending order. Memory is used by runs of consecutive
+/// indexes. Indexes beyond raise NSRangeException where a set is made or added to. Immutable sets may be
+/// used on any thread.
+class PELVOR_EXPORT NSIndexSet : public NSObject {
+    PELVOR_CLASS(NSIndexSet, NSObject);
+
+  public:
+    // Creation: borrowed sets, owned where the name begins with "init".
+
+    static NSIndexSet* indexSet(Class* cls = classObject());
+    static NSIndexSet* indexSetWithIndex(NSUInteger index, Class* cls = classObject());
+    static NSIndexSet* indexSetWithIndexesInRange(NSRange range, Class* cls = classObject());
+    static Retained<NSIndexSet> init(Class* cls = classObject());
+    static Retained<NSIndexSet> initWithIndex(NSUInteger index, Class* cls = classObject());
+    static Retained<NSIndexSet> initWithIndexesInRange(NSRange range, Class* cls = classObject());
+    /// The members of the other set; empty for none.
+    static Retained<NSIndexSet> initWithIndexSet(NSIndexSet* other, Class* cls = classObject());
+
+    /// The members as ranges in ascending order, none empty, no two touching. Valid until the set changes.
+    std::span<const NSRange> runs() { return _runs; }
+
+    NSUInteger count();
+    // NSNotFound where there is none.
+    NSUInteger firstIndex();
+    NSUInteger lastIndex();
+    NSUInteger indexGreaterThanIndex(NSUInteger index);
+    NSUInteger indexGreaterThanOrEqualToIndex(NSUInteger index);
+    NSUInteger indexLessThanIndex(NSUInteger index);
+    NSUInteger indexLessThanOrEqualToIndex(NSUInteger index);
+
+    bool containsIndex(NSUInteger index);
+    /// Whether all indexes of the range are members; NO for an empty one.
+    bool containsIndexesInRange(NSRange range);
+    bool containsIndexes(NSIndexSet* other);
+    bool intersectsIndexesInRange(NSRange range);
+    bool isEqualToIndexSet(NSIndexSet* other);
+
+    bool isEqual(id other) override;
+    std::uintptr_t hash() override;
+    /// "<NSIndexSet: 0x…>(2-5 7)".
+    NSString* description() override;
+    Retained<Object> copyWithZone(void* zone) override;
+    Retained<Object> mutableCopyWithZone(void* zone) override;
+    Retained<NSIndexSet> copy();
+    Retained<NSMutableIndexSet> mutableCopy();
+
+  protected:
+    NSIndexSet() = default;
+    ~NSIndexSet() = default;
+
+    void add(NSRange range);
+    void remove(NSRange range);
+
+    std::vector<NSRange> _runs;
+
+  private:
+    std::size_t firstRunEndingAfter(NSUInteger index);
+};
+
+/// A set that can be changed. One thread at a time.
+class PELVOR_EXPORT NSMutableIndexSet : public NSIndexSet {
+    PELVOR_CLASS(NSMutableIndexSet, NSIndexSet);
+
+  public:
+    static NSMutableIndexSet* indexSet();
+    static Retained<NSMutableIndexSet> init();
+
+    void addIndex(NSUInteger index) { add({index, 1}); }
+    void addIndexesInRange(NSRange range) { add(range); }
+    void addIndexes(NSIndexSet* other);
+    // What is no member is passed over.
+    void removeIndex(NSUInteger index) { remove({index, 1}); }
+    void removeIndexesInRange(NSRange range) { remove(range); }
+    void removeIndexes(NSIndexSet* other);
+    void removeAllIndexes() { _runs.clear(); }
+
+  protected:
+    NSMutableIndexSet() = default;
+    ~NSMutableIndexSet() = default;
+};
+
+}  // namespace pelvor

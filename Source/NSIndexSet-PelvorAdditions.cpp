@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "NSIndexSet-PelvorAdditions.h"
+
+#include <algorithm>
+
+#include "Foundation/NSArray.h"
+#include "Foundation/NSNumber.h"
+#include "PBRangeUtil.h"
+#include "Runtime/Message.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor {
+namespace {
+
+void defineAdditions(MethodTable<NSIndexSet>& methods) {
+    methods.classLevel<"indexSetWithRangeArray:", &NSIndexSet_PelvorAdditions::indexSetWithRangeArray>();
+    methods.classLevel<"indexSetWithNumberArray:", &NSIndexSet_PelvorAdditions::indexSetWithNumberArray>();
+    methods.instance<"indexRangeStartingAtOrAfterIndex:", &indexRangeStartingAtOrAfterIndex>();
+}
+
+// The set of all elements, each read as a range.
+template <class RangeOf>
+NSIndexSet* indexSetOf(NSArray* elements, RangeOf rangeOf) {
+    NSUInteger count = elements ? elements->count() : 0;
+    if (count == 0) return NSIndexSet::indexSet();
+    if (count == 1) return NSIndexSet::indexSetWithIndexesInRange(rangeOf(elements->lastObject()));
+    auto set = NSMutableIndexSet::init();
+    for (id element : elements) set->addIndexesInRange(rangeOf(element));
+    return set->copy().autorelease();
+}
+
+}  // namespace
+
+constinit const Category NSIndexSet_PelvorAdditions_category =
+    Category::of<NSIndexSet, defineAdditions>("PelvorAdditions");
+
+NSIndexSet* NSIndexSet_PelvorAdditions::indexSetWithRangeArray(NSArray* ranges) {
+    return indexSetOf(ranges, [](id element) { return send<NSRange>(element, "rangeValue"_sel); });
+}
+
+NSIndexSet* NSIndexSet_PelvorAdditions::indexSetWithNumberArray(NSArray* numbers) {
+    return indexSetOf(numbers, [](id element) {
+        return NSRange{send<unsigned>(element, "unsignedIntValue"_sel), 1};
+    });
+}
+
+NSRange indexRangeStartingAtOrAfterIndex(NSIndexSet* set, NSUInteger index) {
+    auto runs = set->runs();
+    auto run =
+        std::partition_point(runs.begin(), runs.end(), [index](NSRange r) { return NSMaxRange(r) <= index; });
+    if (run == runs.end()) return PBNotFoundRange;
+    NSUInteger first = std::max(index, run->location);
+    return {first, NSMaxRange(*run) - first};
+}
+
+}  // namespace pelvor
