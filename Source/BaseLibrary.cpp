@@ -19,8 +19,10 @@
 #include "NSValue-PelvorAdditions.h"
 #include "PBDelayedActionTimer.h"
 #include "PBFloatArray.h"
+#include "PBIdleQueue.h"
 #include "PBLinkedList.h"
 #include "PBMutableNumber.h"
+#include "PBNotificationCenter.h"
 #include "PBObjectPool.h"
 #include "PBObserverSet.h"
 #include "PBPlanarRange.h"
@@ -47,6 +49,7 @@ constexpr Library* kDependencies[] = {&foundationLibrary};
 constexpr Class* kClasses[] = {
     &OFCharacterScanner::classRecord,
     &OFCharacterSet::classRecord,
+    &OFCharacterSet::classRecord,      &PBMutableIntNumber::classRecord, &PBMutableNumber::classRecord,
     &OFStringScanner::classRecord,
     &OFTrie::classRecord,
     &OFTrieBucket::classRecord,
@@ -56,6 +59,8 @@ constexpr Class* kClasses[] = {
     &PBExternalObjectPool::classRecord,
     &PBFloatArray::classRecord,
     &PBFloatVector::classRecord,
+    &PBIdleQueue::classRecord,
+    &PBIdleQueueScheduler::classRecord,
     &PBLinkedList::classRecord,
     &PBLinkedListEnumerator::classRecord,
     &PBLinkedListNode::classRecord,
@@ -67,6 +72,16 @@ constexpr Class* kClasses[] = {
     &PBProfile::classRecord,
     &PBProfileSet::classRecord,
     &PBRegistry::classRecord,
+    &PBNotificationCenter::classRecord,
+    &PBNotificationWatcher::classRecord,
+    &PBObjectPool::classRecord,
+    &PBObserverSet::classRecord,
+    &PBPostLoader::classRecord,
+    &PBPostLoader::classRecord,        &PBProfile::classRecord,          &PBProfileSet::classRecord,
+    &PBProfile::classRecord,
+    &PBProfileSet::classRecord,
+    &PBRegistry::classRecord,
+    &PBRegistry::classRecord,          &PBUniqueObject::classRecord,     &PBUtil_Dummy::classRecord,
     &PBRepeatString::classRecord,
     &PBSafeWeakReference::classRecord,
     &PBSingleObjectEnumerator::classRecord,
@@ -84,10 +99,14 @@ constexpr const Category* kCategories[] = {
     &NSArray_PelvorRangeArray_category,
     &NSCharacterSet_PelvorAdditions_category,
     &NSData_PelvorAdditions_category,
+    &NSCharacterSet_PelvorAdditions_category, &NSInvocation_PelvorAdditions_category,
+    &NSData_PelvorAdditions_category,
+    &NSData_PelvorAdditions_category,       &NSInvocation_PelvorAdditions_category,
     &NSDictionary_PelvorAdditions_category,
     &NSEnumerator_PelvorAdditions_category,
     &NSIndexSet_PelvorAdditions_category,
     &NSInvocation_PelvorAdditions_category,
+    &NSInvocation_PelvorAdditions_category, &NSObject_OFDebugging_category,
     &NSMutableArray_PelvorAdditions_category,
     &NSMutableArray_PelvorMutableRangeArray_category,
     &NSMutableDictionary_PelvorAdditions_category,
@@ -97,6 +116,15 @@ constexpr const Category* kCategories[] = {
     &NSObject_PBProfileAccess_category,
     &NSObject_PelvorAdditions_category,
     &NSObject_PelvorDebugMenus_category,
+    &NSNotificationCenter_PelvorAdditions_category,
+    &NSObject_OFDebugging_category,           &NSObject_PBProfileAccess_category,
+    &NSObject_PBProfileAccess_category,
+    &NSObject_PBProfileAccess_category,     &NSObject_PelvorAdditions_category,
+    &NSObject_PelvorAdditions_category,
+    &NSObject_PelvorAdditions_category,       &NSObject_PelvorDebugMenus_category,
+    &NSObject_PelvorDebugMenus_category,
+    &NSObject_PelvorDebugMenus_category,    &NSCharacterSet_PelvorAdditions_category,
+    &NSObject_PelvorDebugMenus_category,    &NSPathStore2_OFOverrides_category,
     &NSObject_ZWMainThreadProxy_category,
     &NSPathStore2_OFOverrides_category,
     &NSRunLoop_PelvorAdditions_category,
@@ -104,6 +132,7 @@ constexpr const Category* kCategories[] = {
     &NSSet_PelvorAdditions_category,
     &NSString_PelvorAdditions_category,
     &NSValue_PelvorAdditions_category,
+    &NSValue_PelvorAdditions_category,      &NSValue_PlanarRangeAdditions_category,
     &NSValue_PlanarRangeAdditions_category,
 };
 // clang-format on

@@ -10,6 +10,7 @@
 #include "Foundation/NSMutableSet.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSString.h"
+#include "PBIdleQueue.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
 #include "Runtime/NSInvocation.h"
@@ -30,6 +31,7 @@ void defineAdditions(MethodTable<NSObject>& methods) {
     methods.instance<"bundle", &bundle>();
     methods.instanceAs<"deepCopy", &copyShallowly>();
     methods.instanceAs<"mutableDeepCopy", &mutableCopyShallowly>();
+    methods.instance<"releaseWhenIdle", &releaseWhenIdle>();
     methods.instance<"intForPerformSelector:", &intForPerformSelector>();
     methods.instance<"intForPerformSelector:withObject:", &intForPerformSelector_withObject>();
     methods.instance<"floatForPerformSelector:", &floatForPerformSelector>();
@@ -191,6 +193,14 @@ int performSelector_withFloat(id object, SEL selector, float argument) {
 
 int performSelector_withBool(id object, SEL selector, bool argument) {
     return performWithNumber(object, selector, argument);
+}
+
+void releaseWhenIdle(id object) {
+    static PBIdleQueue* const queue = PBIdleQueue::initWithSelector("release"_sel).leak();
+    if (queue->containsObject(object))
+        object->release();
+    else
+        queue->addObject(object);
 }
 
 PELVOR_DEFINE_CLASS(PBUniqueObject, baseLibrary) {

@@ -51,6 +51,10 @@ PELVOR_EXPORT int performSelector_withInt(id object, SEL selector, int argument)
 PELVOR_EXPORT int performSelector_withFloat(id object, SEL selector, float argument);
 PELVOR_EXPORT int performSelector_withBool(id object, SEL selector, bool argument);
 
+/// Stands for one release: at the next idle moment of the main loop, or at once for an object that waits
+/// for one already. Main thread.
+PELVOR_EXPORT void releaseWhenIdle(id object);
+
 extern const Category NSObject_PelvorAdditions_category;
 
 /// A dictionary key that no other object equals. Made with `new` or `init`. A copy of one is the same

@@ -179,8 +179,10 @@ TEST_F(PBObserverSetTest, RandomStepsCallWhomAPlainListCalls) {
                 if (observer) leave(observer);
                 break;
             default:
-                if (!observer) observer = make<PBTestObserver>();
-                observer->action = action;
+                if (!observer) {
+                    observer = make<PBTestObserver>();
+                    observer->action = action;
+                }
                 if (std::find(members.begin(), members.end(), observer.get()) == members.end())
                     members.push_back(observer);
                 set->addObserver(observer);

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PBNotificationCenter.h"
+
+#include <utility>
+
+#include "BaseLibrary.h"
+#include "Foundation/NSArray.h"
+#include "Foundation/NSCountedSet.h"
+#include "Foundation/NSDictionary.h"
+#include "Foundation/NSString.h"
+#include "PBIdleQueue.h"
+#include "Runtime/Message.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor {
+namespace {
+
+bool hasPosed = false;
+NSCountedSet* disabledNames = nullptr;
+NSSet* delayedCoalescedNames = nullptr;
+NSMutableSet* queuedDelayedNames = nullptr;
+PBIdleQueue* delayedNotifications = nullptr;
+
+// Whether the notification goes no further now: it is dropped, or its name waits for an idle moment.
+bool isHeldBack(NSNotificationCenter* center, NSString* name) {
+    if (!name) return false;
+    if (disabledNames && disabledNames->containsObject(name)) return true;
+    if (!delayedCoalescedNames || !delayedCoalescedNames->containsObject(name)) return false;
+    queuedDelayedNames->addObject(name);
+    delayedNotifications->addObject(center);
+    return true;
+}
+
+// The default centre was made as its superclass, so these are no members.
+
+void postName(NSNotificationCenter* center, NSString* name, id object, NSDictionary* userInfo) {
+    if (!isHeldBack(center, name))
+        sendSuper(PBNotificationCenter::classObject(), center, "postNotificationName:object:userInfo:"_sel,
+                  name, object, userInfo);
+}
+
+void post(NSNotificationCenter* center, NSNotification* notification) {
+    if (!isHeldBack(center, notification ? notification->name() : nullptr))
+        sendSuper(PBNotificationCenter::classObject(), center, "postNotification:"_sel, notification);
+}
+
+// A name that was disabled since it was queued is posted all the same.
+void postDelayedNotifications(NSNotificationCenter* center) {
+    if (!queuedDelayedNames) return;
+    Retained<NSSet> names = NSSet::initWithSet(queuedDelayedNames);
+    queuedDelayedNames->removeAllObjects();
+    for (id name : names)
+        sendSuper(PBNotificationCenter::classObject(), center, "postNotificationName:object:userInfo:"_sel,
+                  static_cast<NSString*>(name), id(), static_cast<NSDictionary*>(nullptr));
+}
+
+void defineAdditions(MethodTable<NSNotificationCenter>& methods) {
+    using Additions = NSNotificationCenter_PelvorAdditions;
+    methods.classLevel<"disableNotificationName:", &Additions::disableNotificationName>();
+    methods.classLevel<"enableNotificationName:", &Additions::enableNotificationName>();
+}
+
+}  // namespace
+
+constinit const Category NSNotificationCenter_PelvorAdditions_category =
+    Category::of<NSNotificationCenter, defineAdditions>("PelvorAdditions");
+
+PELVOR_DEFINE_CLASS(PBNotificationCenter, baseLibrary) {
+    methods.classLevel<"doPosing", &PBNotificationCenter::doPosing>();
+    methods.instanceAs<"postNotification:", &post>();
+    methods.instanceAs<"postNotificationName:object:userInfo:", &postName>();
+    methods.instanceAs<"_pbPostDelayedNotifications", &postDelayedNotifications>();
+}
+
+PELVOR_DEFINE_CLASS(PBNotificationWatcher, baseLibrary) {
+    methods.classLevel<"initWithNotificationCenter:", &PBNotificationWatcher::initWithNotificationCenter>();
+    methods.instance<"watchObject:notifications:", &PBNotificationWatcher::watchObject_notifications>();
+    methods.instance<"watchNone", &PBNotificationWatcher::watchNone>();
+    methods.instance<"invalidate", &PBNotificationWatcher::invalidate>();
+    methods.instance<"didPostNotification:", &PBNotificationWatcher::didPostNotification>();
+}
+
+void NSNotificationCenter_PelvorAdditions::disableNotificationName(NSString* name) {
+    if (!disabledNames) {
+        disabledNames = NSCountedSet::init().leak();
+        PBNotificationCenter::doPosing();
+    }
+    disabledNames->addObject(name->copy().get());
+}
+
+void NSNotificationCenter_PelvorAdditions::enableNotificationName(NSString* name) {
+    if (disabledNames) disabledNames->removeObject(name);
+}
+
+void PBNotificationCenter::doPosing() {
+    if (std::exchange(hasPosed, true)) return;
+    delayedCoalescedNames = NSSet::initWithObjects({u"NSFontSetChangedNotification"_ns,
+                                                    u"NSAntialiasThresholdChangedNotification"_ns})
+                                .leak();
+    queuedDelayedNames = NSMutableSet::init().leak();
+    delayedNotifications = PBIdleQueue::initWithSelector("_pbPostDelayedNotifications"_sel).leak();
+    Instances::setClass(NSNotificationCenter::defaultCenter(), classObject());
+}
+
+Retained<PBNotificationWatcher> PBNotificationWatcher::initWithNotificationCenter(
+    NSNotificationCenter* center, Class* cls) {
+    auto watcher = make<PBNotificationWatcher>(cls);
+    watcher->_center.set(center);
+    return watcher;
+}
+
+void PBNotificationWatcher::watchObject_notifications(id object, NSArray* names) {
+    watchNone();
+    if (!_center) return;
+    SEL selector = "didPostNotification:"_sel;
+    if (!names) return _center->addObserver_selector_name_object(this, selector, nullptr, object);
+    for (id name : names)
+        _center->addObserver_selector_name_object(this, selector, cast<NSString>(name), object);
+}
+
+void PBNotificationWatcher::watchNone() {
+    if (_center) _center->removeObserver(this);
+}
+
+void PBNotificationWatcher::invalidate() {
+    watchNone();
+    _center = nullptr;
+}
+
+}  // namespace pelvor
