@@ -24,7 +24,7 @@ PBIdleQueue* delayedNotifications = nullptr;
 // Whether the notification goes no further now: it is dropped, or its name waits for an idle moment.
 bool isHeldBack(NSNotificationCenter* center, NSString* name) {
     if (!name) return false;
-    if (disabledNames && disabledNames->containsObject(name)) return true;
+    if (disabledNames && disabledNames->count() > 0 && disabledNames->containsObject(name)) return true;
     if (!delayedCoalescedNames || !delayedCoalescedNames->containsObject(name)) return false;
     queuedDelayedNames->addObject(name);
     delayedNotifications->addObject(center);

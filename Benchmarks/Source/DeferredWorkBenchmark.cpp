@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: Apache-2.0
+// Weak references, observer sets, lists, idle items and posts through the changed default centre, beside the
+// standard library's weak pointers.
+#include <benchmark/benchmark.h>
+
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "BaseLibrary.h"
+#include "Foundation/NSRunLoop.h"
+#include "PBIdleQueue.h"
+#include "PBNotificationCenter.h"
+#include "PBObserverSet.h"
+#include "PBWeakReference.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor {
+
+extern Library benchmarkLibrary;
+
+class Worker : public NSObject {
+    PELVOR_CLASS(Worker, NSObject);
+
+  public:
+    void work() { ++worked; }
+    void hear(NSNotification* notification) { worked += notification != nullptr; }
+    std::uint64_t worked = 0;
+
+  protected:
+    Worker() = default;
+    ~Worker() = default;
+};
+
+namespace {
+
+constexpr Library* kDependencies[] = {&baseLibrary};
+constexpr Class* kClasses[] = {&Worker::classRecord};
+
+// The standard library counts without atomics until there has been a second thread.
+void beMultiThreaded() {
+    static const bool once = (std::thread([] {}).join(), true);
+    (void)once;
+}
+
+std::vector<Retained<Worker>> workers(std::int64_t count) {
+    std::vector<Retained<Worker>> made(static_cast<std::size_t>(count));
+    for (auto& worker : made) worker = make<Worker>();
+    return made;
+}
+
+void weakReference(benchmark::State& state) {
+    beMultiThreaded();
+    auto worker = make<Worker>();
+    for (auto _ : state) benchmark::DoNotOptimize(PBWeakReference::initWithObject(worker).get());
+}
+
+void peerWeakPointer(benchmark::State& state) {
+    beMultiThreaded();
+    auto shared = std::make_shared<int>(1);
+    for (auto _ : state) benchmark::DoNotOptimize(std::weak_ptr<int>(shared));
+}
+
+void observerSetLookUp(benchmark::State& state) {
+    auto set = PBObserverSet::init();
+    auto members = workers(state.range(0));
+    for (auto& member : members) set->addObserver(member);
+    std::size_t i = 0;
+    for (auto _ : state) benchmark::DoNotOptimize(set->containsObserver(members[++i % members.size()]));
+}
+
+void postThroughChangedCentre(benchmark::State& state) {
+    constexpr NSString* kName = u"PageDidChangeNotification"_ns;
+    AutoreleasePool pool;
+    PBNotificationCenter::doPosing();
+    NSNotificationCenter* centre = NSNotificationCenter::defaultCenter();
+    auto listeners = workers(state.range(0)), others = workers(state.range(1));
+    for (std::size_t i = 0; i < others.size(); ++i)
+        centre->addObserver_selector_name_object(
+            others[i], "hear:"_sel, NSString::ofUTF8("Other" + std::to_string(i) + "Notification"), nullptr);
+    for (auto& listener : listeners)
+        centre->addObserver_selector_name_object(listener, "hear:"_sel, kName, nullptr);
+    for (auto _ : state) centre->postNotificationName_object(kName, nullptr);
+    for (auto* crowd : {&listeners, &others})
+        for (auto& listener : *crowd) centre->removeObserver(listener);
+}
+
+constexpr std::int64_t kItems = 10'000;
+
+void idleItem(benchmark::State& state) {
+    AutoreleasePool pool;
+    auto queue = PBIdleQueue::initWithSelector("work"_sel);
+    auto items = workers(kItems);
+    for (auto _ : state) {
+        for (auto& item : items) queue->addObject(item);
+        while (queue->count() > 0)
+            NSRunLoop::currentRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+// Every other node of a million goes.
+void listWalkedAndThinned(benchmark::State& state) {
+    constexpr std::int64_t kNodes = 1'000'000;
+    auto object = make<Worker>();
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto list = PBLinkedList::init();
+        for (std::int64_t i = 0; i < kNodes; ++i) list->push(object);
+        state.ResumeTiming();
+        AutoreleasePool pool;
+        PBLinkedListEnumerator* walk = list->objectEnumerator();
+        for (bool isLeaving = false; walk->nextObject(); isLeaving = !isLeaving)
+            if (isLeaving) walk->removeLastObject();
+        state.PauseTiming();
+        list = nullptr;
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kNodes);
+}
+
+BENCHMARK(weakReference);
+BENCHMARK(peerWeakPointer);
+BENCHMARK(observerSetLookUp)->Arg(4)->Arg(1000);
+BENCHMARK(postThroughChangedCentre)->ArgsProduct({{1, 10, 100}, {0, 10'000}});
+BENCHMARK(idleItem);
+BENCHMARK(listWalkedAndThinned);
+
+}  // namespace
+
+constinit Library benchmarkLibrary{"DeferredWorkBenchmark", kDependencies, kClasses, {}};
+
+PELVOR_DEFINE_CLASS(Worker, benchmarkLibrary) {
+    methods.instance<"work", &Worker::work>();
+    methods.instance<"hear:", &Worker::hear>();
+}
+
+}  // namespace pelvor
