@@ -126,8 +126,9 @@ bool widenSixteen(const unsigned char* bytes, unichar* units, std::uint8_t span)
 }
 
 void decodeSingly(const UpperHalf& half, const unsigned char* bytes, NSUInteger count, unichar* units) {
-    // How many places from 0x80 on are not simply their byte.
-    std::uint8_t span = half[0x20] == 0xA0 && half[0x7F] == 0xFF && half[0x40] == 0xC0 ? 0x20 : 0x80;
+    // How many places from 0x80 on may be something else than their byte.
+    std::uint8_t span = 0x80;
+    while (span > 0 && half[span - 1u] == 0x80 + span - 1) --span;
     auto decode = [&](NSUInteger i) { units[i] = bytes[i] < 0x80 ? bytes[i] : half[bytes[i] & 0x7F]; };
     NSUInteger i = 0;
     for (; count - i >= 16; i += 16)
