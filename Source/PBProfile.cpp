@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "BaseLibrary.h"
-#include "Foundation/NSArray.h"
+#include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSPasteboardTypes.h"
 #include "PBProfileKeys.h"
@@ -27,6 +27,20 @@ void makeStandardPboardTypes() {
     };
     _PBStandardPboardTypes = NSMutableDictionary::init().leak();
     for (NSString* type : types) _PBStandardPboardTypes->setObject_forKey(type, u"val"_ns);
+}
+
+// Whether the object holds nothing to convert and nobody can change it: most of what is read from files.
+bool isConverted(id object) {
+    if (cast<NSString>(object)) return !_PBStandardPboardTypes->objectForKey(object);
+    if (cast<NSMutableDictionary>(object) || cast<NSMutableArray>(object)) return false;
+    if (auto* dictionary = cast<NSDictionary>(object)) {
+        for (auto [key, value] : dictionary)
+            if (!isConverted(value)) return false;
+    } else if (auto* array = cast<NSArray>(object)) {
+        for (id element : array)
+            if (!isConverted(element)) return false;
+    }
+    return true;
 }
 
 Retained<Object> _PBConvertPboardTypes(id object);
@@ -58,10 +72,9 @@ Retained<NSArray> convertedArray(NSArray* array) {
 
 // The same object where there is nothing to convert.
 Retained<Object> _PBConvertPboardTypes(id object) {
-    if (cast<NSString>(object)) {
-        id type = _PBStandardPboardTypes->objectForKey(object);
-        return Retained<Object>::retaining(type ? type : object);
-    }
+    if (isConverted(object)) return Retained<Object>::retaining(object);
+    if (cast<NSString>(object))
+        return Retained<Object>::retaining(_PBStandardPboardTypes->objectForKey(object));
     if (auto* dictionary = cast<NSDictionary>(object)) return convertedDictionary(dictionary);
     if (auto* array = cast<NSArray>(object)) return convertedArray(array);
     return Retained<Object>::retaining(object);
@@ -99,7 +112,10 @@ Retained<PBProfile> PBProfile::initWithIdentifier_dictionary_bundle(id identifie
     auto self = make<PBProfile>(cls);
     self->_identifier = send<Retained<Object>>(identifier, "copy"_sel);
     self->_bundle.set(bundle);
-    if (dictionary) self->_info = convertedDictionary(dictionary);
+    if (dictionary && isConverted(dictionary))
+        self->_info = dictionary->copy();
+    else if (dictionary)
+        self->_info = convertedDictionary(dictionary);
     return self;
 }
 

@@ -20,6 +20,8 @@ Units8 load(const unichar* from) {
     return value;
 }
 
+Units8 eightOf(unichar unit) { return Units8{unit, unit, unit, unit, unit, unit, unit, unit}; }
+
 template <class Mask>
 bool isAnySet(Mask mask) {
     auto words = reinterpret_cast<Words2>(mask);
@@ -87,14 +89,14 @@ Width width = Width::unknown;
 }  // namespace
 
 unichar* findUnit(unichar* begin, unichar* end, unichar unit) {
-    Units8 wanted = Units8{} + unit;
+    Units8 wanted = eightOf(unit);
     return findInBlocks(
         begin, end, [wanted](Units8 block) { return block == wanted; },
         [unit](unichar other) { return other == unit; });
 }
 
 unichar* findAbove(unichar* begin, unichar* end, unichar limit) {
-    Units8 most = Units8{} + limit;
+    Units8 most = eightOf(limit);
     return findInBlocks(
         begin, end, [most](Units8 block) { return block > most; },
         [limit](unichar other) { return other > limit; });
