@@ -6,6 +6,7 @@
 #include "NSArray-PelvorAdditions.h"
 #include "NSArray-PelvorRangeArray.h"
 #include "NSCharacterSet-PelvorAdditions.h"
+#include "NSCoder-PelvorAdditions.h"
 #include "NSData-PelvorAdditions.h"
 #include "NSDictionary-PelvorAdditions.h"
 #include "NSEnumerator-PelvorAdditions.h"
@@ -98,6 +99,7 @@ constexpr const Category* kCategories[] = {
     &NSArray_PelvorAdditions_category,
     &NSArray_PelvorRangeArray_category,
     &NSCharacterSet_PelvorAdditions_category,
+    &NSCoder_PelvorAdditions_category,
     &NSData_PelvorAdditions_category,
     &NSCharacterSet_PelvorAdditions_category, &NSInvocation_PelvorAdditions_category,
     &NSData_PelvorAdditions_category,

@@ -11,11 +11,14 @@
 #include "Foundation/NSBufferStringPrivate.h"
 #include "Foundation/NSBundle.h"
 #include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSCoder.h"
 #include "Foundation/NSConditionLock.h"
 #include "Foundation/NSCountedSet.h"
 #include "Foundation/NSExternalDataPrivate.h"
 #include "Foundation/NSIndexSet.h"
 #include "Foundation/NSInlineStringPrivate.h"
+#include "Foundation/NSKeyedArchiver.h"
+#include "Foundation/NSKeyedUnarchiver.h"
 #include "Foundation/NSLock.h"
 #include "Foundation/NSMutableData.h"
 #include "Foundation/NSNotificationCenter.h"
@@ -49,6 +52,7 @@ constexpr Class* kClasses[] = {
     &NSBufferString::classRecord,
     &NSBundle::classRecord,
     &NSCharacterSet::classRecord,
+    &NSCoder::classRecord,
     &NSConditionLock::classRecord,
     &NSConstantString::classRecord,
     &NSCountedSet::classRecord,
@@ -64,6 +68,8 @@ constexpr Class* kClasses[] = {
     &NSInlineData::classRecord,
     &NSInlineString::classRecord,
     &NSInlineValue::classRecord,
+    &NSKeyedArchiver::classRecord,
+    &NSKeyedUnarchiver::classRecord,
     &NSLock::classRecord,
     &NSMutableArray::classRecord,
     &NSMutableCharacterSet::classRecord,

@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSKeyedArchiver.h"
+
+#include "Foundation/FoundationLibrary.h"
+#include "Foundation/KeyedArchiveKeysPrivate.h"
+#include "Foundation/NSData.h"
+#include "Foundation/NSDate.h"
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSMutableSet.h"
+#include "Foundation/NSNumber.h"
+#include "Foundation/NSPropertyListError.h"
+#include "Foundation/PropertyListLimits.h"
+#include "Runtime/Message.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+namespace {
+
+bool isLeaf(id object) {
+    return cast<NSString>(object) || cast<NSNumber>(object) || cast<NSData>(object) || cast<NSDate>(object);
+}
+
+Retained<Object> entryForValue(NSValue* value) {
+    const char* type = value->objCType();
+    if (!archive::isPortableType(type))
+        raiseException(NSInvalidArgumentException, u"a value of type %s cannot be archived"_ns, type);
+    NSUInteger size = 0;
+    NSGetSizeAndAlignment(type, &size, nullptr);
+    std::vector<std::byte> bytes(size);
+    value->getValue(bytes.data());
+    return NSDictionary::initWithEntries({{archive::kClass, u"NSValue"_ns},
+                                          {archive::kType, NSString::ofUTF8(type)},
+                                          {archive::kBytes, NSData::of(bytes)}});
+}
+
+}  // namespace
+
+PELVOR_DEFINE_CLASS(NSKeyedArchiver, foundationLibrary) {
+    methods.classLevel<"archivedDataWithRootObject:", &NSKeyedArchiver::archivedDataWithRootObject>();
+    methods.classLevel<"init", &NSKeyedArchiver::init>();
+    methods.instance<"setOutputFormat:", &NSKeyedArchiver::setOutputFormat>();
+    methods.instance<"encodedData", &NSKeyedArchiver::encodedData>();
+}
+
+NSKeyedArchiver::NSKeyedArchiver() = default;
+NSKeyedArchiver::~NSKeyedArchiver() = default;
+
+Retained<NSKeyedArchiver> NSKeyedArchiver::init(Class* cls) {
+    auto archiver = make<NSKeyedArchiver>(cls);
+    archiver->_top = NSMutableDictionary::init();
+    archiver->_fields = archiver->_top;
+    archiver->_entries = NSMutableArray::initWithObjects({u""_ns});
+    archiver->_encoded = NSMutableArray::init();
+    archiver->_isComplete.push_back(true);
+    return archiver;
+}
+
+NSData* NSKeyedArchiver::archivedDataWithRootObject(id object) {
+    auto archiver = init();
+    archiver->encodeObject_forKey(object, archive::kRoot);
+    return archiver->encodedData();
+}
+
+NSData* NSKeyedArchiver::encodedData() {
+    id list = NSDictionary::of({{archive::kArchiver, archive::kArchiverName},
+                                {archive::kVersion, NSNumber::numberWithInt(1)},
+                                {archive::kTop, _top.get()},
+                                {archive::kObjects, _entries.get()}});
+    NSPropertyListError* error = nullptr;
+    NSData* data =
+        NSPropertyListSerialization::dataWithPropertyList_format_options_error(list, _format, 0, &error);
+    if (!data) raiseException(NSInvalidArgumentException, u"the objects cannot be archived: %@"_ns, error);
+    return data;
+}
+
+// MARK: Objects
+
+void NSKeyedArchiver::encodeObject_forKey(id object, NSString* key) {
+    NSNumber* index = NSNumber::numberWithUnsignedInt(indexOf(object));
+    _fields->setObject_forKey(NSDictionary::of({{archive::kObject, index}}), key);
+}
+
+NSUInteger NSKeyedArchiver::indexOf(id object) {
+    if (!object) return 0;
+    auto [known, isNew] = _indexes.try_emplace(object, _entries->count());
+    NSUInteger index = known->second;
+    if (isNew) {
+        if (_depth >= propertyListLimits().maximumDepth)
+            raiseException(NSInvalidArgumentException,
+                           u"the objects are nested too deeply to be archived"_ns);
+        _encoded->addObject(object);
+        _entries->addObject(u""_ns);
+        _isComplete.push_back(false);
+        ++_depth;
+        _entries->replaceObjectAtIndex_withObject(index, entryFor(object).get());
+        --_depth;
+        _isComplete[index] = true;
+    } else if (!_isComplete[index]) {
+        raiseException(NSInvalidArgumentException, u"%s leads back to itself and cannot be archived"_ns,
+                       object->isa()->name());
+    }
+    return index;
+}
+
+Retained<Object> NSKeyedArchiver::entryFor(id object) {
+    if (isLeaf(object)) return send<Retained<Object>>(object, "copy"_sel);
+    if (object->respondsToSelector("encodeWithCoder:"_sel)) return entryByCoding(object);
+    if (auto* value = cast<NSValue>(object)) return entryForValue(value);
+    if (cast<NSArray>(object))
+        return listOf(cast<NSMutableArray>(object) ? "NSMutableArray" : "NSArray", object);
+    if (cast<NSSet>(object)) return listOf(cast<NSMutableSet>(object) ? "NSMutableSet" : "NSSet", object);
+    auto* dictionary = cast<NSDictionary>(object);
+    if (!dictionary)
+        raiseException(NSInvalidArgumentException, u"%s cannot be archived: it has no encodeWithCoder:"_ns,
+                       object->isa()->name());
+    const char* cls = cast<NSMutableDictionary>(object) ? "NSMutableDictionary" : "NSDictionary";
+    return NSDictionary::initWithEntries({{archive::kClass, NSString::ofUTF8(cls)},
+                                          {archive::kKeys, referencesTo(dictionary->allKeys())},
+                                          {archive::kItems, referencesTo(dictionary->allValues())}});
+}
+
+Retained<Object> NSKeyedArchiver::entryByCoding(id object) {
+    auto fields = NSMutableDictionary::init();
+    Retained<NSMutableDictionary> outer = std::exchange(_fields, fields);
+    send(object, "encodeWithCoder:"_sel, static_cast<id>(this));
+    _fields = outer;
+    NSString* cls = NSString::ofUTF8(object->class_()->name());
+    return NSDictionary::initWithEntries({{archive::kClass, cls}, {archive::kFields, fields.get()}});
+}
+
+Retained<Object> NSKeyedArchiver::listOf(const char* cls, id collection) {
+    return NSDictionary::initWithEntries(
+        {{archive::kClass, NSString::ofUTF8(cls)}, {archive::kItems, referencesTo(collection)}});
+}
+
+id NSKeyedArchiver::referencesTo(id collection) {
+    auto* set = cast<NSSet>(collection);
+    NSMutableArray* references = NSMutableArray::array();
+    for (id object : set ? set->allObjects() : cast<NSArray>(collection))
+        references->addObject(NSNumber::numberWithUnsignedInt(indexOf(object)));
+    return references;
+}
+
+// MARK: Plain values
+
+void NSKeyedArchiver::encodeBool_forKey(bool value, NSString* key) {
+    _fields->setObject_forKey(NSNumber::numberWithBool(value), key);
+}
+
+void NSKeyedArchiver::encodeInt64_forKey(std::int64_t value, NSString* key) {
+    _fields->setObject_forKey(NSNumber::numberWithLongLong(value), key);
+}
+
+void NSKeyedArchiver::encodeDouble_forKey(double value, NSString* key) {
+    _fields->setObject_forKey(NSNumber::numberWithDouble(value), key);
+}
+
+void NSKeyedArchiver::encodeBytes_length_forKey(const void* bytes, NSUInteger length, NSString* key) {
+    _fields->setObject_forKey(NSData::dataWithBytes_length(bytes, length), key);
+}
+
+}  // namespace pelvor

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSKeyedArchiver: objects with their keys as a property list.
+#pragma once
+
+#include <unordered_map>
+#include <vector>
+
+#include "Foundation/NSCoder.h"
+#include "Foundation/NSPropertyListSerialization.h"
+
+namespace pelvor {
+
+class NSData;
+class NSMutableArray;
+class NSMutableDictionary;
+
+/// Writes objects that may refer to each other, each once, as a property list:
+///
+///     { archiver = NSKeyedArchiver; version = 1; top = { key = reference }; objects = ( "", … ); }
+///
+/// An entry of `objects` is a string, number, date or data, or a dictionary of its `class` and `fields` or
+/// contents. A reference is { object = index }; index 0 stands for none. Values are archived of types
+/// without pointers. Objects that lead back to themselves, that are nested deeper than property lists may
+/// be, or that cannot be coded raise NSInvalidArgumentException; the archiver is of no use after that.
+class PELVOR_EXPORT NSKeyedArchiver : public NSCoder {
+    PELVOR_CLASS(NSKeyedArchiver, NSCoder);
+
+  public:
+    /// A borrowed archive of one object, under the key "root".
+    static NSData* archivedDataWithRootObject(id object);
+    static Retained<NSKeyedArchiver> init(Class* cls = classObject());
+
+    /// At first the binary format.
+    void setOutputFormat(NSPropertyListFormat format) { _format = format; }
+    /// What was encoded so far, borrowed. Raises NSInvalidArgumentException if the format cannot hold it.
+    NSData* encodedData();
+
+    bool allowsKeyedCoding() override { return true; }
+    void encodeObject_forKey(id object, NSString* key) override;
+    void encodeBool_forKey(bool value, NSString* key) override;
+    void encodeInt64_forKey(std::int64_t value, NSString* key) override;
+    void encodeDouble_forKey(double value, NSString* key) override;
+    void encodeBytes_length_forKey(const void* bytes, NSUInteger length, NSString* key) override;
+
+  protected:
+    NSKeyedArchiver();
+    ~NSKeyedArchiver();
+
+  private:
+    NSUInteger indexOf(id object);
+    Retained<Object> entryFor(id object);
+    Retained<Object> entryByCoding(id object);
+    Retained<Object> listOf(const char* cls, id collection);
+    id referencesTo(id collection);
+
+    Retained<NSMutableDictionary> _top;
+    Retained<NSMutableDictionary> _fields;  // of the object that is being encoded
+    Retained<NSMutableArray> _entries;
+    Retained<NSMutableArray> _encoded;  // keeps the addresses in `_indexes` taken
+    std::unordered_map<Object*, NSUInteger> _indexes;
+    std::vector<bool> _isComplete;
+    NSUInteger _depth = 0;
+    NSPropertyListFormat _format = NSPropertyListBinaryFormat_v1_0;
+};
+
+}  // namespace pelvor

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "NSCoder-PelvorAdditions.h"
+
+#include <gtest/gtest.h>
+
+#include "Foundation/NSKeyedArchiver.h"
+#include "Foundation/NSKeyedUnarchiver.h"
+#include "Foundation/NSString.h"
+#include "Runtime/AutoreleasePool.h"
+
+namespace pelvor {
+namespace {
+
+TEST(NSCoderPelvorAdditions, ReadBytesThatFitTheBuffer) {
+    AutoreleasePool pool;
+    auto archiver = NSKeyedArchiver::init();
+    archiver->encodeBytes_length_forKey("0123456789", 10, u"block"_ns);
+    auto coder = NSKeyedUnarchiver::initForReadingWithData_allowedClasses(archiver->encodedData(), nullptr);
+    char buffer[12] = "untouched";
+    EXPECT_EQ(decodeBytesIntoBuffer_bufferLength_forKey(coder, buffer, 8, u"block"_ns), 0u);
+    EXPECT_EQ(decodeBytesIntoBuffer_bufferLength_forKey(coder, buffer, 8, u"none"_ns), 0u);
+    EXPECT_STREQ(buffer, "untouched");
+    EXPECT_EQ(decodeBytesIntoBuffer_bufferLength_forKey(coder, buffer, 10, u"block"_ns), 10u);
+    EXPECT_STREQ(buffer, "0123456789");
+}
+
+}  // namespace
+}  // namespace pelvor
