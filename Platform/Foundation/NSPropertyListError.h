@@ -2,6 +2,7 @@
 // NSPropertyListError: why a property list could not be read or written.
 #pragma once
 
+#include "Foundation/NSString.h"
 #include "Foundation/NSRange.h"
 #include "Runtime/Class.h"
 
