@@ -2,8 +2,8 @@
 // NSPropertyListError: why a property list could not be read or written.
 #pragma once
 
-#include "Foundation/NSString.h"
 #include "Foundation/NSRange.h"
+#include "Foundation/NSString.h"
 #include "Runtime/Class.h"
 
 namespace pelvor {
