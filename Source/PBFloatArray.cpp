@@ -92,7 +92,7 @@ float PBFloatArray::sumFloatsInRange(NSRange range) {
 
 NSString* PBFloatArray::description() {
     std::u16string text =
-        NSString::stringWithFormat(u"<PBFloatArray %p> \n"_ns, static_cast<void*>(this))->toUTF16();
+        NSString::stringWithFormat(u"PBFloatArray <%p> \n"_ns, static_cast<void*>(this))->toUTF16();
     for (std::uint32_t i = 0; i < _count; ++i)
         text += NSString::stringWithFormat(u"   %f, \n"_ns, static_cast<double>(_floats[i]))->toUTF16();
     return NSString::of(text);

@@ -36,7 +36,7 @@ class PELVOR_EXPORT PBFloatArray : public NSObject {
     /// The sum of everything before the end of the range, from index 0 on: the range's location counts
     /// only through its end. Added in order, in single precision; 0 for an empty range.
     float sumFloatsInRange(NSRange range);
-    /// "<PBFloatArray 0x…> ", a line end, and one line a value.
+    /// "PBFloatArray <0x…> ", a line end, and one line a value.
     NSString* description() override;
 
   protected:

@@ -19,6 +19,7 @@ Retained<PBRepeatString> PBRepeatString::initWithString_length(NSString* string,
     if (!string) throw NSException(NSInvalidArgumentException, "initWithString:length: none given");
     auto repeated = make<PBRepeatString>(cls);
     repeated->_source = string->toUTF16();
+    repeated->_srcLen = static_cast<NSUInteger>(repeated->_source.size());
     repeated->_len = length;
     return repeated;
 }
@@ -32,20 +33,20 @@ Retained<PBRepeatString> PBRepeatString::initWithString_repeatCount(NSString* st
 }
 
 unichar PBRepeatString::characterAtIndex(NSUInteger index) {
-    if (_source.empty()) return 0;
-    return _source[index > _len ? 0 : index % _source.size()];
+    if (_srcLen == 0) return 0;
+    return _source[index > _len ? 0 : index % _srcLen];
 }
 
 void PBRepeatString::getCharacters_range(unichar* buffer, NSRange range) {
     NSUInteger start = std::min(range.location, _len), count = std::min(range.length, _len - start);
-    if (_source.size() <= 1) {
-        std::fill_n(buffer, count, _source.empty() ? u'\0' : _source.front());
+    if (_srcLen <= 1) {
+        std::fill_n(buffer, count, _srcLen ? _source.front() : u'\0');
         return;
     }
-    std::size_t place = start % _source.size();
+    NSUInteger place = start % _srcLen;
     for (NSUInteger i = 0; i < count; ++i) {
         buffer[i] = _source[place];
-        if (++place == _source.size()) place = 0;
+        if (++place == _srcLen) place = 0;
     }
 }
 

@@ -30,6 +30,7 @@ class PELVOR_EXPORT PBRepeatString : public NSString {
 
   private:
     std::u16string _source;
+    NSUInteger _srcLen = 0;
     NSUInteger _len = 0;
 };
 

@@ -51,6 +51,7 @@ Retained<PBUnichar32String> PBUnichar32String::initWithOwnedCodepoints_count(std
     if (std::uint64_t{count} + string->_surrogateOffsets.size() > std::numeric_limits<NSUInteger>::max())
         return nullptr;
     string->_len = count;
+    string->_surrogateCount = static_cast<NSUInteger>(string->_surrogateOffsets.size());
     string->_chars = std::move(owned);
     return string;
 }
@@ -74,7 +75,7 @@ Retained<PBUnichar32String> PBUnichar32String::initWithString(NSString* string, 
 
 // The k-th pair begins at unit k + offset of k, which grows with k.
 NSUInteger PBUnichar32String::pairsBeforeUnit(NSUInteger unit) const {
-    NSUInteger first = 0, count = surrogateCount();
+    NSUInteger first = 0, count = _surrogateCount;
     while (count > 0) {
         NSUInteger half = count / 2, middle = first + half;
         bool isBefore = middle + _surrogateOffsets[middle] < unit;
@@ -109,7 +110,7 @@ NSUInteger PBUnichar32String::_surrogateCountForUnicharsWithRange_isFirstUnichar
     requireRangeInside(range, length());
     NSUInteger before = pairsBeforeUnit(range.location);
     if (isFirstLow)
-        *isFirstLow = before < surrogateCount() && before + _surrogateOffsets[before] == range.location;
+        *isFirstLow = before < _surrogateCount && before + _surrogateOffsets[before] == range.location;
     return pairsBeforeUnit(NSMaxRange(range)) - before;
 }
 

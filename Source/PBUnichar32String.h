@@ -48,7 +48,7 @@ class PELVOR_EXPORT PBUnichar32String : public NSString {
     /// A borrowed plain string.
     NSString* substringForCodepointsWithRange(NSRange range);
 
-    NSUInteger length() override { return _len + surrogateCount(); }
+    NSUInteger length() override { return _len + _surrogateCount; }
     unichar characterAtIndex(NSUInteger index) override;
     void getCharacters_range(unichar* buffer, NSRange range) override;
     /// How many code points the range of units has, by the rule above; they are written if there is a
@@ -66,13 +66,13 @@ class PELVOR_EXPORT PBUnichar32String : public NSString {
         void operator()(std::uint32_t* codepoints) const { std::free(codepoints); }
     };
 
-    NSUInteger surrogateCount() const { return static_cast<NSUInteger>(_surrogateOffsets.size()); }
     NSUInteger pairsBeforeUnit(NSUInteger unit) const;
     NSUInteger pairsBeforeCodepoint(NSUInteger codepoint) const;
     NSUInteger codepointOfUnit(NSUInteger unit) const { return unit - pairsBeforeUnit(unit); }
 
     NSUInteger _len = 0;
     std::unique_ptr<std::uint32_t[], Free> _chars;
+    NSUInteger _surrogateCount = 0;
     std::vector<NSUInteger> _surrogateOffsets;  // the indexes of the code points that are pairs
 };
 

@@ -11,6 +11,7 @@
 #include "Foundation/ConcreteDataPrivate.h"
 #include "Foundation/FileContentsPrivate.h"
 #include "Foundation/FoundationLibrary.h"
+#include "Foundation/NSExternalDataPrivate.h"
 #include "Foundation/NSMutableData.h"
 #include "Foundation/NSString.h"
 
@@ -21,11 +22,17 @@ PELVOR_DEFINE_CLASS(NSInlineData, foundationLibrary) {}
 PELVOR_DEFINE_CLASS(NSData, foundationLibrary) {
     methods.classLevel<"data", &NSData::data>();
     methods.classLevel<"dataWithBytes:length:", &NSData::dataWithBytes_length>();
+    methods.classLevel<"dataWithBytesNoCopy:length:", &NSData::dataWithBytesNoCopy_length>();
+    methods.classLevel<"dataWithBytesNoCopy:length:freeWhenDone:",
+                       &NSData::dataWithBytesNoCopy_length_freeWhenDone>();
     methods.classLevel<"dataWithData:", &NSData::dataWithData>();
     methods.classLevel<"dataWithContentsOfFile:", &NSData::dataWithContentsOfFile>();
     methods.classLevel<"init", &NSData::init>();
     methods.classLevelAs<"new", &NSData::init>();
     methods.classLevel<"initWithBytes:length:", &NSData::initWithBytes_length>();
+    methods.classLevel<"initWithBytesNoCopy:length:", &NSData::initWithBytesNoCopy_length>();
+    methods.classLevel<"initWithBytesNoCopy:length:freeWhenDone:",
+                       &NSData::initWithBytesNoCopy_length_freeWhenDone>();
     methods.classLevel<"initWithData:", &NSData::initWithData>();
     methods.classLevel<"initWithContentsOfFile:", &NSData::initWithContentsOfFile>();
     methods.instance<"length", &NSData::length>();
@@ -46,6 +53,14 @@ NSData* NSData::dataWithBytes_length(const void* bytes, NSUInteger length) {
     return initWithBytes_length(bytes, length).autorelease();
 }
 
+NSData* NSData::dataWithBytesNoCopy_length(void* bytes, NSUInteger length) {
+    return initWithBytesNoCopy_length(bytes, length).autorelease();
+}
+
+NSData* NSData::dataWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length, bool freeWhenDone) {
+    return initWithBytesNoCopy_length_freeWhenDone(bytes, length, freeWhenDone).autorelease();
+}
+
 NSData* NSData::dataWithData(NSData* data) { return initWithData(data).autorelease(); }
 
 NSData* NSData::dataWithContentsOfFile(NSString* path) { return initWithContentsOfFile(path).autorelease(); }
@@ -63,9 +78,21 @@ Retained<NSData> NSData::initWithBytes_length(const void* bytes, NSUInteger leng
     return data;
 }
 
+Retained<NSData> NSData::initWithBytesNoCopy_length(void* bytes, NSUInteger length) {
+    return initWithBytesNoCopy_length_freeWhenDone(bytes, length, true);
+}
+
+Retained<NSData> NSData::initWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length,
+                                                                 bool freeWhenDone) {
+    requireBytes(bytes, length);
+    return NSExternalData::create(
+        bytes, length, freeWhenDone ? NSExternalData::Memory::own : NSExternalData::Memory::borrowed);
+}
+
 Retained<NSData> NSData::initWithData(NSData* data) {
     if (!data) return init();
     if (data->isa() == NSInlineData::classObject()) return Retained<NSData>::retaining(data);
+    if (data->isa() == NSExternalData::classObject()) return data->copy();
     return initWithBytes_length(data->bytes(), data->length());
 }
 

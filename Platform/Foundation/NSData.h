@@ -15,7 +15,7 @@ class NSMutableData;
 class NSString;
 
 /// Bytes. Abstract over `length` and `bytes`; the creators answer objects of concrete classes, which
-/// copy what they are given. Immutable data may be used on any thread.
+/// copy what they are given unless they say otherwise. Immutable data may be used on any thread.
 class PELVOR_EXPORT NSData : public NSObject {
     PELVOR_CLASS(NSData, NSObject);
 
@@ -24,6 +24,11 @@ class PELVOR_EXPORT NSData : public NSObject {
 
     static NSData* data();
     static NSData* dataWithBytes_length(const void* bytes, NSUInteger length);
+    /// Data over memory made by `malloc`, which they take over and free; with NO for `freeWhenDone` over
+    /// memory that stays the caller's, and as it is, for as long as the data are there. Copies of the data
+    /// have bytes of their own then.
+    static NSData* dataWithBytesNoCopy_length(void* bytes, NSUInteger length);
+    static NSData* dataWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length, bool freeWhenDone);
     static NSData* dataWithData(NSData* data);
     /// The content of the file as far as it can be read; none when it cannot be opened or is no file, or
     /// does not fit NSUInteger.
@@ -32,6 +37,9 @@ class PELVOR_EXPORT NSData : public NSObject {
 
     static Retained<NSData> init();
     static Retained<NSData> initWithBytes_length(const void* bytes, NSUInteger length);
+    static Retained<NSData> initWithBytesNoCopy_length(void* bytes, NSUInteger length);
+    static Retained<NSData> initWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length,
+                                                                    bool freeWhenDone);
     static Retained<NSData> initWithData(NSData* data);
     static Retained<NSData> initWithContentsOfFile(NSString* path);
 

@@ -7,13 +7,16 @@
 
 namespace pelvor {
 
-/// Takes over a writer's buffer instead of copying it.
+/// Uses memory as it is instead of copying it.
 class NSExternalData final : public NSData {
     PELVOR_CLASS(NSExternalData, NSData);
 
   public:
     /// Data with the buffer's bytes, at most 4 GiB; the buffer is empty afterwards.
     static Retained<NSExternalData> create(GrowingBytes& buffer);
+    /// Data over the bytes: memory made by `malloc`, which they free, or borrowed memory.
+    enum class Memory : bool { borrowed, own };
+    static Retained<NSExternalData> create(void* bytes, NSUInteger length, Memory memory);
 
     NSUInteger length() override { return _length; }
     const void* bytes() override { return _bytes; }
@@ -24,8 +27,9 @@ class NSExternalData final : public NSData {
     ~NSExternalData();
 
   private:
-    char* _bytes = nullptr;
+    void* _bytes = nullptr;
     NSUInteger _length = 0;
+    Memory _memory = Memory::own;
 };
 
 }  // namespace pelvor

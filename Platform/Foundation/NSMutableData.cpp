@@ -2,6 +2,7 @@
 #include "Foundation/NSMutableData.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 #include "Foundation/CollectionFailuresPrivate.h"
@@ -18,6 +19,9 @@ PELVOR_DEFINE_CLASS(NSMutableData, foundationLibrary) {
     methods.classLevel<"dataWithCapacity:", &NSMutableData::dataWithCapacity>();
     methods.classLevel<"dataWithLength:", &NSMutableData::dataWithLength>();
     methods.classLevel<"dataWithBytes:length:", &NSMutableData::dataWithBytes_length>();
+    methods.classLevel<"dataWithBytesNoCopy:length:", &NSMutableData::dataWithBytesNoCopy_length>();
+    methods.classLevel<"dataWithBytesNoCopy:length:freeWhenDone:",
+                       &NSMutableData::dataWithBytesNoCopy_length_freeWhenDone>();
     methods.classLevel<"dataWithData:", &NSMutableData::dataWithData>();
     methods.classLevel<"dataWithContentsOfFile:", &NSMutableData::dataWithContentsOfFile>();
     methods.classLevel<"init", &NSMutableData::init>();
@@ -25,6 +29,9 @@ PELVOR_DEFINE_CLASS(NSMutableData, foundationLibrary) {
     methods.classLevel<"initWithCapacity:", &NSMutableData::initWithCapacity>();
     methods.classLevel<"initWithLength:", &NSMutableData::initWithLength>();
     methods.classLevel<"initWithBytes:length:", &NSMutableData::initWithBytes_length>();
+    methods.classLevel<"initWithBytesNoCopy:length:", &NSMutableData::initWithBytesNoCopy_length>();
+    methods.classLevel<"initWithBytesNoCopy:length:freeWhenDone:",
+                       &NSMutableData::initWithBytesNoCopy_length_freeWhenDone>();
     methods.classLevel<"initWithData:", &NSMutableData::initWithData>();
     methods.classLevel<"initWithContentsOfFile:", &NSMutableData::initWithContentsOfFile>();
     methods.instance<"mutableBytes", &NSMutableData::mutableBytes>();
@@ -53,6 +60,15 @@ NSMutableData* NSMutableData::dataWithLength(NSUInteger length) {
 
 NSMutableData* NSMutableData::dataWithBytes_length(const void* bytes, NSUInteger length) {
     return initWithBytes_length(bytes, length).autorelease();
+}
+
+NSMutableData* NSMutableData::dataWithBytesNoCopy_length(void* bytes, NSUInteger length) {
+    return initWithBytesNoCopy_length(bytes, length).autorelease();
+}
+
+NSMutableData* NSMutableData::dataWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length,
+                                                                      bool freeWhenDone) {
+    return initWithBytesNoCopy_length_freeWhenDone(bytes, length, freeWhenDone).autorelease();
 }
 
 NSMutableData* NSMutableData::dataWithData(NSData* data) { return initWithData(data).autorelease(); }
@@ -84,6 +100,19 @@ Retained<NSMutableData> NSMutableData::initWithBytes_length(const void* bytes, N
                                                             Class* cls) {
     auto data = make<NSMutableData>(cls);
     data->appendBytes_length(bytes, length);
+    return data;
+}
+
+Retained<NSMutableData> NSMutableData::initWithBytesNoCopy_length(void* bytes, NSUInteger length,
+                                                                  Class* cls) {
+    return initWithBytesNoCopy_length_freeWhenDone(bytes, length, true, cls);
+}
+
+Retained<NSMutableData> NSMutableData::initWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length,
+                                                                               bool freeWhenDone,
+                                                                               Class* cls) {
+    auto data = initWithBytes_length(bytes, length, cls);
+    if (freeWhenDone) std::free(bytes);
     return data;
 }
 

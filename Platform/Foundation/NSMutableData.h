@@ -18,6 +18,10 @@ class PELVOR_EXPORT NSMutableData : public NSData {
     /// Zeros.
     static NSMutableData* dataWithLength(NSUInteger length);
     static NSMutableData* dataWithBytes_length(const void* bytes, NSUInteger length);
+    /// Copies the bytes all the same; frees the memory it was to take over.
+    static NSMutableData* dataWithBytesNoCopy_length(void* bytes, NSUInteger length);
+    static NSMutableData* dataWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length,
+                                                                  bool freeWhenDone);
     static NSMutableData* dataWithData(NSData* data);
     static NSMutableData* dataWithContentsOfFile(NSString* path);
     static NSMutableData* of(std::span<const std::byte> bytes);
@@ -27,6 +31,11 @@ class PELVOR_EXPORT NSMutableData : public NSData {
     static Retained<NSMutableData> initWithLength(NSUInteger length, Class* cls = classObject());
     static Retained<NSMutableData> initWithBytes_length(const void* bytes, NSUInteger length,
                                                         Class* cls = classObject());
+    static Retained<NSMutableData> initWithBytesNoCopy_length(void* bytes, NSUInteger length,
+                                                              Class* cls = classObject());
+    static Retained<NSMutableData> initWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length,
+                                                                           bool freeWhenDone,
+                                                                           Class* cls = classObject());
     static Retained<NSMutableData> initWithData(NSData* data, Class* cls = classObject());
     static Retained<NSMutableData> initWithContentsOfFile(NSString* path, Class* cls = classObject());
 

@@ -39,7 +39,7 @@ TEST(PBFloatArray, ReplacesBoxesAndSumsUpToTheEndOfARange) {
     auto one = PBFloatArray::initWithFloats_count(kFive, 1);
     EXPECT_EQ(
         one->description()->toUTF8(),
-        NSString::stringWithFormat(u"<PBFloatArray %p> \n   1.000000, \n"_ns, static_cast<void*>(one.get()))
+        NSString::stringWithFormat(u"PBFloatArray <%p> \n   1.000000, \n"_ns, static_cast<void*>(one.get()))
             ->toUTF8());
 }
 

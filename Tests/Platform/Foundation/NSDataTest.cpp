@@ -48,6 +48,27 @@ TEST_F(NSDataTest, HoldsACopyOfTheBytes) {
     EXPECT_THROW(NSData::dataWithBytes_length(nullptr, 1), NSException);
 }
 
+TEST_F(NSDataTest, TakesMemoryOverOrBorrowsIt) {
+    void* memory = std::malloc(3);
+    std::memcpy(memory, "abc", 3);
+    NSData* data = NSData::dataWithBytesNoCopy_length(memory, 3);
+    EXPECT_EQ(data->bytes(), memory);
+    EXPECT_EQ(data->copy(), data);
+    EXPECT_EQ(NSData::dataWithData(data), data);
+    char buffer[] = "xyz";
+    NSData* borrowed = NSData::dataWithBytesNoCopy_length_freeWhenDone(buffer, 3, false);
+    auto copy = borrowed->copy();
+    buffer[0] = 'X';
+    EXPECT_EQ(text(borrowed), "Xyz");
+    EXPECT_EQ(text(copy), "xyz");
+    EXPECT_THROW(NSData::dataWithBytesNoCopy_length(nullptr, 1), NSException);
+    id own = send<id>(NSMutableData::classObject(), "dataWithBytesNoCopy:length:freeWhenDone:"_sel,
+                      static_cast<void*>(buffer), 3, false);
+    buffer[0] = 'Y';
+    cast<NSMutableData>(own)->appendBytes_length("!", 1);
+    EXPECT_EQ(text(cast<NSData>(own)), "Xyz!");
+}
+
 TEST_F(NSDataTest, ComparesAndDescribes) {
     EXPECT_TRUE(bytes("ab")->isEqual(NSMutableData::dataWithData(bytes("ab"))));
     EXPECT_EQ(bytes("ab")->hash(), NSMutableData::dataWithData(bytes("ab"))->hash());
