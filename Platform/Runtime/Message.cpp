@@ -133,12 +133,26 @@ bool writeNumber(char encoding, void* place, const Number& number) {
     }
 }
 
+// Copies a value by moves of its own width: a wider read of what was just written would have to wait for it.
+inline void copyValue(void* destination, const void* source, std::uint32_t size) {
+    switch (size) {
+        case 4:
+            std::memcpy(destination, source, 4);
+            break;
+        case 8:
+            std::memcpy(destination, source, 8);
+            break;
+        default:
+            std::memcpy(destination, source, size);
+    }
+}
+
 bool isPointer(const char* encoding) { return encoding[0] == '^' || encoding[0] == '*'; }
 
 // Copies a value from one type to another; false when the types have nothing in common.
 bool convert(const ArgumentLayout& from, const void* source, const ArgumentLayout& to, void* destination) {
     if (from.encoding == to.encoding || std::strcmp(from.encoding, to.encoding) == 0) {
-        std::memcpy(destination, source, to.size);
+        copyValue(destination, source, to.size);
         return true;
     }
     Number number;
@@ -177,7 +191,10 @@ class Buffer {
 void convertArguments(Object* target, SEL selector, NSMethodSignature* given, const std::byte* source,
                       NSMethodSignature* expected, std::byte* destination) {
     if (given->key() == expected->key()) {
-        std::memcpy(destination, source, expected->frameLength());
+        for (std::uint32_t i = 0; i < expected->argumentCount(); ++i) {
+            const ArgumentLayout& place = expected->argument(i);
+            copyValue(destination + place.offset, source + place.offset, place.size);
+        }
         return;
     }
     if (given->argumentCount() != expected->argumentCount())
@@ -196,6 +213,7 @@ void convertArguments(Object* target, SEL selector, NSMethodSignature* given, co
 void convertResult(Object* target, SEL selector, NSMethodSignature* given, const void* source,
                    NSMethodSignature* expected, void* destination) {
     if (expected->result().size == 0 || given->result().size == 0) return;
+    if (given->key() == expected->key()) return copyValue(destination, source, expected->result().size);
     if (!convert(given->result(), source, expected->result(), destination))
         raiseType(target, selector, "the result", given->methodReturnType(), expected->methodReturnType());
 }
@@ -216,9 +234,7 @@ void invokeMethod(const IMP& method, Object* target, SEL selector, NSMethodSigna
 void forward(Object* target, SEL selector, NSMethodSignature* types, const std::byte* frame, void* result) {
     NSMethodSignature* signature = target->methodSignatureForSelector(selector);
     if (!signature) target->doesNotRecognizeSelector(selector);
-    auto invocation = NSInvocation::initWithMethodSignature(signature);
-    invocation->setTarget(target);
-    invocation->setSelector(selector);
+    auto invocation = NSInvocation::forMessage(signature, target, selector);
     convertArguments(target, selector, types, frame, signature, invocation->frame());
     target->forwardInvocation(invocation);
     convertResult(target, selector, signature, invocation->result(), types, result);
@@ -235,7 +251,8 @@ void (*detail::matchingFunction(Class* cls, SEL selector, std::uint64_t signatur
 
 void sendFrameFrom(Class* cls, Object* target, SEL selector, NSMethodSignature* types, const std::byte* frame,
                    void* result) {
-    IMP method = cls->lookUp(selector);
+    const CacheEntry* entry = cls->cached(selector);
+    IMP method = entry->selector == selector ? IMP{entry->function, entry->signature} : cls->lookUp(selector);
     if (method)
         invokeMethod(method, target, selector, types, frame, result);
     else

@@ -82,7 +82,8 @@ inline R sendFrom(Class* cls, Object* target, SEL selector, const Arguments&... 
     const CacheEntry* entry = cls->cached(selector);
     void (*function)() = entry->function;
     if (entry->selector != selector || entry->signatureKey != key) [[unlikely]] {
-        function = matchingFunction(cls, selector, key);
+        // What the cache knows under the selector has other types, or is known to be missing.
+        function = entry->selector == selector ? nullptr : matchingFunction(cls, selector, key);
         if (!function)
             return sendThroughFrame<R, std::decay_t<Arguments>...>(cls, target, selector,
                                                                    toWire(arguments)...);

@@ -28,7 +28,8 @@ struct SpareMemory {
     void open();
 };
 
-constinit thread_local SpareMemory spareMemory;
+// Found without a call, so every start of the library sets these few bytes aside for each thread.
+[[gnu::tls_model("initial-exec")]] constinit thread_local SpareMemory spareMemory;
 
 struct EndOfThread {
     ~EndOfThread() {
@@ -78,8 +79,12 @@ void NSInvocation::operator delete(void* memory) noexcept {
         ::operator delete(memory);
 }
 
-NSInvocation::NSInvocation(NSMethodSignature* signature)
-    : _signature(signature), _frame(_inlineFrame), _result(_inlineResult) {
+NSInvocation::NSInvocation(NSMethodSignature* signature, Object* target, SEL selector)
+    : _signature(signature),
+      _target(target),
+      _selector(selector),
+      _frame(_inlineFrame),
+      _result(_inlineResult) {
     std::uint32_t frameLength = signature->frameLength();
     std::uint32_t resultLength = signature->methodReturnLength();
     if (frameLength > kInlineFrame) _frame = static_cast<std::byte*>(::operator new(frameLength));
@@ -108,8 +113,12 @@ NSInvocation* NSInvocation::invocationWithMethodSignature(NSMethodSignature* sig
 
 Retained<NSInvocation> NSInvocation::initWithMethodSignature(NSMethodSignature* signature) {
     if (!signature) throw NSException(NSInvalidArgumentException, "an invocation needs a method signature");
+    return forMessage(signature, nullptr, SEL());
+}
+
+Retained<NSInvocation> NSInvocation::forMessage(NSMethodSignature* signature, Object* target, SEL selector) {
     return Retained<NSInvocation>::adopting(
-        Instances::createWithExtra<NSInvocation>(0, &classRecord, signature));
+        Instances::createWithExtra<NSInvocation>(0, &classRecord, signature, target, selector));
 }
 
 void NSInvocation::setTarget(Object* target) {

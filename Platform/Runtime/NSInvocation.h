@@ -16,6 +16,8 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
     /// An invocation with all arguments zero. Raises NSInvalidArgumentException for no signature.
     static NSInvocation* invocationWithMethodSignature(NSMethodSignature* signature);
     static Retained<NSInvocation> initWithMethodSignature(NSMethodSignature* signature);
+    /// The message that is on its way to `target`, arguments still zero.
+    static Retained<NSInvocation> forMessage(NSMethodSignature* signature, Object* target, SEL selector);
 
     NSMethodSignature* methodSignature() { return _signature; }
     Object* target() { return _target; }
@@ -66,7 +68,7 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
     void* result() { return _result; }
 
   protected:
-    explicit NSInvocation(NSMethodSignature* signature);
+    NSInvocation(NSMethodSignature* signature, Object* target, SEL selector);
     ~NSInvocation();
 
     // Invocations come and go with every forwarded message: each thread keeps the memory of a few.
@@ -89,7 +91,7 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
     static constexpr std::uint32_t kInlineResult = 16;
 
     NSMethodSignature* _signature;
-    Object* _target = nullptr;
+    Object* _target;
     SEL _selector;
     bool _retainsArguments = false;
     bool _holdsResult = false;
