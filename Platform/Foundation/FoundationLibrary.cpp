@@ -106,10 +106,8 @@ constexpr Class* kClasses[] = {
 // clang-format on
 
 constexpr const Category* kCategories[] = {
-    &NSArray_PropertyList_category,
-    &NSDictionary_PropertyList_category,
-    &NSObject_MainThread_category,
-    &NSString_PropertyList_category,
+    &NSArray_PropertyList_category, &NSDictionary_PropertyList_category, &NSObject_MainThread_category,
+    &NSProxy_MainThread_category,   &NSString_PropertyList_category,
 };
 
 }  // namespace

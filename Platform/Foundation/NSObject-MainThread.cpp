@@ -10,16 +10,18 @@
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSThread.h"
 #include "Runtime/NSException.h"
+#include "Runtime/NSProxy.h"
 #include "Runtime/Registry.h"
 
 namespace pelvor {
 namespace {
 
-void defineMainThread(MethodTable<NSObject>& methods) {
-    methods.instance<"performSelectorOnMainThread:withObject:waitUntilDone:modes:",
-                     &performSelectorOnMainThread_withObject_waitUntilDone_modes>();
-    methods.instance<"performSelectorOnMainThread:withObject:waitUntilDone:",
-                     &performSelectorOnMainThread_withObject_waitUntilDone>();
+template <class Root>
+void defineMainThread(MethodTable<Root>& methods) {
+    methods.template instance<"performSelectorOnMainThread:withObject:waitUntilDone:modes:",
+                              &performSelectorOnMainThread_withObject_waitUntilDone_modes>();
+    methods.template instance<"performSelectorOnMainThread:withObject:waitUntilDone:",
+                              &performSelectorOnMainThread_withObject_waitUntilDone>();
 }
 
 // A call that another thread waits for. It lives on that thread's stack, so the lock is held until the end.
@@ -59,7 +61,12 @@ class AwaitedCall {
 }  // namespace
 
 constinit const Category NSObject_MainThread_category =
-    Category::of<NSObject, defineMainThread>("MainThread");
+    Category::of<NSObject, defineMainThread<NSObject>>("MainThread");
+
+// Objects that stand in for others have no methods of NSObject's and would forward these; the message that is
+// performed is the one to forward.
+constinit const Category NSProxy_MainThread_category =
+    Category::of<NSProxy, defineMainThread<NSProxy>>("MainThread");
 
 void performSelectorOnMainThread_withObject_waitUntilDone_modes(id target, SEL selector, id argument,
                                                                 bool wait, NSArray* modes) {

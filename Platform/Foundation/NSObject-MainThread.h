@@ -22,5 +22,6 @@ PELVOR_EXPORT void performSelectorOnMainThread_withObject_waitUntilDone(id targe
                                                                         bool wait);
 
 extern const Category NSObject_MainThread_category;
+extern const Category NSProxy_MainThread_category;
 
 }  // namespace pelvor

@@ -15,6 +15,7 @@
 #include <map>
 #include <mutex>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "Foundation/ClockScope.h"
@@ -98,11 +99,13 @@ struct NSRunLoop::State {
     Retained<NSString> watchedMode;
     std::uint64_t numbers = 0;
     std::uint64_t turns = 0;
-    std::atomic<bool> isStopped{false};
-    std::atomic<bool> isSignalled{false};  // other threads have left work, or want the loop awake
+    bool wasWoken = false;                 // noted by the poll for the run that waits
+    std::atomic<bool> isWoken{false};      // somebody wants the loop awake
+    std::atomic<bool> isSignalled{false};  // the descriptor for waking has been written to
 
     std::mutex mutex;
     std::list<ThreadPerform> fromThreads;
+    Run* innermost = nullptr;
 
     TimerHeap& timersFor(NSString* mode) {
         for (TimerMode& each : timerModes)
@@ -228,7 +231,7 @@ bool NSRunLoop::doReadyWork(NSString* mode, Wait wait, NSTimeInterval limit) {
     hasWorked |= pollDescriptors(mode, 0);
     hasWorked |= NSNotificationQueue::postAllASAP(this, mode);
     if (hasWorked || NSNotificationQueue::postOneIdle(this, mode)) return true;
-    if (wait == Wait::no || _state->isStopped.load()) return false;
+    if (wait == Wait::no || _state->wasWoken) return false;
     NSTimeInterval now = NSDate::currentTimeIntervalSinceReferenceDate();
     NSTimeInterval moment = std::min(limit, nextMoment(mode));
     if (moment == kNever && this != mainRunLoop() && !hasWorkForMode(mode)) return false;
@@ -240,31 +243,65 @@ bool NSRunLoop::doReadyWork(NSString* mode, Wait wait, NSTimeInterval limit) {
 
 bool NSRunLoop::runMode_beforeDate(NSString* mode, NSDate* limit) {
     NSTimeInterval moment = limit ? limit->timeIntervalSinceReferenceDate() : kNever;
-    if (this != mainRunLoop() && !hasWorkForMode(mode)) return false;
-    while (!turn(mode, Wait::yes, moment)) {
-        if (_state->isStopped.load() || !(NSDate::currentTimeIntervalSinceReferenceDate() < moment))
-            return false;
-        if (this != mainRunLoop() && !hasWorkForMode(mode)) return false;
+    _state->wasWoken = false;
+    while (this == mainRunLoop() || hasWorkForMode(mode)) {
+        if (turn(mode, Wait::yes, moment)) return true;
+        if (std::exchange(_state->wasWoken, false)) return true;
+        if (!(NSDate::currentTimeIntervalSinceReferenceDate() < moment)) return false;
     }
-    return true;
+    return false;
 }
 
+// A run under way, which `stop` finds.
+class NSRunLoop::Run {
+  public:
+    explicit Run(State& state) : _state(state) {
+        std::lock_guard guard(_state.mutex);
+        _outer = std::exchange(_state.innermost, this);
+    }
+    ~Run() {
+        std::lock_guard guard(_state.mutex);
+        _state.innermost = _outer;
+    }
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+
+    bool isStopped() {
+        std::lock_guard guard(_state.mutex);
+        return _isStopped;
+    }
+    void stop() { _isStopped = true; }
+
+  private:
+    State& _state;
+    Run* _outer;
+    bool _isStopped = false;
+};
+
 void NSRunLoop::runUntilDate(NSDate* limit) {
-    NSTimeInterval moment = limit ? limit->timeIntervalSinceReferenceDate() : kNever;
     auto kept = Retained<NSDate>::retaining(limit);
-    while (runMode_beforeDate(NSDefaultRunLoopMode, limit) && !_state->isStopped.load())
-        if (!(NSDate::currentTimeIntervalSinceReferenceDate() < moment)) break;
-    _state->isStopped.store(false);
+    Run run(*_state);
+    while (runMode_beforeDate(NSDefaultRunLoopMode, limit) && !run.isStopped())
+        if (limit && !(limit->timeIntervalSinceNow() > 0)) break;
 }
 
 void NSRunLoop::run() { runUntilDate(nullptr); }
 
 void NSRunLoop::stop() {
-    _state->isStopped.store(true);
+    {
+        std::lock_guard guard(_state->mutex);
+        if (!_state->innermost) return;
+        _state->innermost->stop();
+    }
     wakeUp();
 }
 
 void NSRunLoop::wakeUp() {
+    _state->isWoken.store(true);
+    signal();
+}
+
+void NSRunLoop::signal() {
     if (_state->isSignalled.exchange(true)) return;
     std::uint64_t one = 1;
     while (write(_state->wake, &one, sizeof one) < 0 && errno == EINTR) {
@@ -373,7 +410,7 @@ void NSRunLoop::perform(std::function<void()> work, NSArray* modes) {
         std::lock_guard guard(_state->mutex);
         _state->fromThreads.push_back({std::move(work), Retained<NSArray>::retaining(modes)});
     }
-    wakeUp();
+    signal();
 }
 
 // Those that were there at the beginning. What is for other modes stays.
@@ -389,7 +426,7 @@ bool NSRunLoop::serveThreads(NSString* mode) {
         std::list<ThreadPerform> taken;
         taken.splice(taken.end(), waiting, at);
         // If the call raises, the others are still to be found.
-        if (!waiting.empty()) wakeUp();
+        if (!waiting.empty()) signal();
         lock.unlock();
         taken.front().work();
         taken.clear();
@@ -472,6 +509,7 @@ bool NSRunLoop::pollDescriptors(NSString* mode, NSTimeInterval timeout) {
         std::uint64_t signals;
         [[maybe_unused]] ssize_t length = read(_state->wake, &signals, sizeof signals);
         _state->isSignalled.store(false);
+        if (_state->isWoken.exchange(false)) _state->wasWoken = true;
         hasServed |= serveThreads(mode);
     }
     return hasServed;

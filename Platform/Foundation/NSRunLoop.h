@@ -56,17 +56,19 @@ class PELVOR_EXPORT NSRunLoop : public NSObject {
 
     // Running
 
-    /// Does one turn, after waiting for work until the date; no date waits for as long as it takes. False
-    /// if there was no work until then, or nothing to wait for. The main thread's loop can always be given
-    /// work by another thread, so it waits also when it has none.
+    /// Does one turn, after waiting for work until the date; no date waits for as long as it takes. True if
+    /// there was work, or the loop was woken; false if there was none until then, or nothing to wait for. The
+    /// main thread's loop can always be given work by another thread, so it waits also when it has none.
     bool runMode_beforeDate(NSString* mode, NSDate* limit);
     /// Turns in the default mode until the date, or until `stop`, or until there is nothing to wait for.
     void runUntilDate(NSDate* limit);
     /// The same without a date.
     void run();
-    /// The innermost `runUntilDate` or `run` ends after its turn. Any thread.
+    /// The innermost `runUntilDate` or `run` ends after its turn. Does nothing when none is under way; it
+    /// does not keep a later one from running. Any thread.
     void stop();
-    /// A loop that sleeps looks around. Any thread.
+    /// Ends the wait of `runMode:beforeDate:`, now or when it next comes to wait, so that its caller looks
+    /// around. Any thread.
     void wakeUp();
     /// Whether the mode has timers, descriptors, performs or notifications, ready or not.
     bool hasWorkForMode(NSString* mode);
@@ -112,8 +114,10 @@ class PELVOR_EXPORT NSRunLoop : public NSObject {
     friend struct OwnRunLoop;
     enum class Wait { no, yes };
     class Turn;
+    class Run;
     struct State;
 
+    void signal();
     bool turn(NSString* mode, Wait wait, NSTimeInterval limit);
     bool doReadyWork(NSString* mode, Wait wait, NSTimeInterval limit);
     bool firePerforms(NSString* mode);

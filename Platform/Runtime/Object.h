@@ -69,9 +69,9 @@ class PELVOR_EXPORT Object {
 
     /// Sends the message and answers its result if that is an object, else none. Objects more than
     /// the method takes are dropped, missing ones are none.
-    id performSelector(SEL selector);
-    id performSelector_withObject(SEL selector, id object);
-    id performSelector_withObject_withObject(SEL selector, id first, id second);
+    virtual id performSelector(SEL selector);
+    virtual id performSelector_withObject(SEL selector, id object);
+    virtual id performSelector_withObject_withObject(SEL selector, id first, id second);
 
   protected:
     constexpr Object() noexcept = default;

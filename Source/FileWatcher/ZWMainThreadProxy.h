@@ -27,8 +27,8 @@ class PELVOR_EXPORT ZWMainThreadProxy : public NSObject {
 
     /// What the proxy implements is performed on it, here and now. All else is performed on the target on the
     /// main thread, with waiting, and its result is lost: the answer is none. Raise as `forwardInvocation`.
-    id performSelector(SEL selector);
-    id performSelector_withObject(SEL selector, id object);
+    id performSelector(SEL selector) override;
+    id performSelector_withObject(SEL selector, id object) override;
 
     /// The proxy itself, retained by the second: there is no proxy of a proxy.
     ZWMainThreadProxy* mainThreadProxy() { return this; }

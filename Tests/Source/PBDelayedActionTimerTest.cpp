@@ -151,9 +151,7 @@ void onAnotherThread(Work work) {
         isDone = true;
         NSRunLoop::mainRunLoop()->wakeUp();
     });
-    while (!isDone)
-        NSRunLoop::mainRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode,
-                                                     NSDate::dateWithTimeIntervalSinceNow(0.05));
+    while (!isDone) NSRunLoop::mainRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
 }
 
 std::string raisedBy(std::function<void()> call) {
@@ -201,7 +199,7 @@ TEST(ZWMainThreadProxyTest, PerformingLosesTheResultAndAProxyIsItsOwnProxy) {
     ZWMainThreadProxy* proxy = mainThreadProxy(target);
     EXPECT_TRUE(proxy->respondsToSelector("nameOf:"_sel));
     EXPECT_FALSE(proxy->respondsToSelector("noSuchMessage"_sel));
-    EXPECT_EQ(proxy->performSelector_withObject("nameOf:"_sel, u"x"_ns), nullptr);
+    EXPECT_EQ(static_cast<id>(proxy)->performSelector_withObject("nameOf:"_sel, u"x"_ns), nullptr);
     EXPECT_EQ(proxy->performSelector("mainThreadProxy"_sel), proxy);
     EXPECT_EQ(mainThreadProxy(proxy), proxy);
     EXPECT_EQ(send<id>(proxy, "mainThreadProxy"_sel), proxy);

@@ -18,7 +18,10 @@
 #include "Foundation/NSThread.h"
 #include "Foundation/NSTimer.h"
 #include "Runtime/AutoreleasePool.h"
+#include "Runtime/Message.h"
 #include "Runtime/NSException.h"
+#include "Runtime/NSInvocation.h"
+#include "Runtime/NSProxy.h"
 #include "Runtime/Registry.h"
 
 namespace pelvor::testing {
@@ -52,10 +55,28 @@ class LoopRecorder : public NSObject {
     ~LoopRecorder() = default;
 };
 
+/// Stands in for a recorder.
+class RecorderProxy : public NSProxy {
+    PELVOR_CLASS(RecorderProxy, NSProxy);
+
+  public:
+    LoopRecorder* target = nullptr;
+
+    NSMethodSignature* methodSignatureForSelector(SEL selector) override {
+        if (NSMethodSignature* own = NSProxy::methodSignatureForSelector(selector)) return own;
+        return target->methodSignatureForSelector(selector);
+    }
+    void forwardInvocation(NSInvocation* invocation) override { invocation->invokeWithTarget(target); }
+
+  protected:
+    RecorderProxy() = default;
+    ~RecorderProxy() = default;
+};
+
 namespace {
 
 constexpr Library* kDependencies[] = {&foundationLibrary};
-constexpr Class* kClasses[] = {&LoopRecorder::classRecord};
+constexpr Class* kClasses[] = {&LoopRecorder::classRecord, &RecorderProxy::classRecord};
 
 }  // namespace
 
@@ -67,6 +88,8 @@ PELVOR_DEFINE_CLASS(LoopRecorder, runLoopTestLibrary) {
     methods.instance<"observe:", &LoopRecorder::observe>();
     methods.instance<"read:", &LoopRecorder::read>();
 }
+
+PELVOR_DEFINE_CLASS(RecorderProxy, runLoopTestLibrary) {}
 
 namespace {
 
@@ -250,6 +273,35 @@ TEST_F(NSRunLoopTest, WhatACallRaisesLeavesTheLoopFitToGoOn) {
     EXPECT_THAT(heard, ElementsAre("one", "two", "beat", "Idle"));
 }
 
+TEST_F(NSRunLoopTest, StopEndsTheInnermostRunAndDoesNotReachOneToCome) {
+    loop->stop();
+    recorder->reaction = [this] {
+        if (heard.back() != "outer") return loop->stop();
+        perform(u"inner"_ns, 0);
+        loop->run();
+        heard.push_back("inner has ended");
+        perform(u"last"_ns, 0);
+    };
+    perform(u"outer"_ns, 0);
+    loop->run();
+    EXPECT_THAT(heard, ElementsAre("outer", "inner", "inner has ended", "last"));
+}
+
+TEST_F(NSRunLoopTest, ARunUntilADateTakesWhatComesBeforeIt) {
+    NSTimer* beat = timer(1, true);
+    loop->runUntilDate(NSDate::dateWithTimeIntervalSinceNow(3.5));
+    EXPECT_EQ(heard.size(), 3u);
+    EXPECT_EQ(clock.now(), 1003.5);
+    beat->invalidate();
+}
+
+TEST_F(NSRunLoopTest, AWakeUpEndsOneWaitAndIsNotLostBeforeIt) {
+    loop->wakeUp();
+    EXPECT_TRUE(loop->runMode_beforeDate(kTracking, nullptr));
+    EXPECT_FALSE(loop->runMode_beforeDate(kTracking, NSDate::dateWithTimeIntervalSinceNow(9)));
+    EXPECT_EQ(clock.now(), 1009);
+}
+
 TEST(NSObjectMainThreadTest, ThreadsThatPostAndWaitAreServedOneByOne) {
     constexpr int kThreads = 8, kPosts = 200;
     AutoreleasePool pool;
@@ -270,9 +322,7 @@ TEST(NSObjectMainThreadTest, ThreadsThatPostAndWaitAreServedOneByOne) {
             --running;
             NSRunLoop::mainRunLoop()->wakeUp();
         });
-    while (running > 0)
-        NSRunLoop::mainRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode,
-                                                     NSDate::dateWithTimeIntervalSinceNow(0.05));
+    while (running > 0) NSRunLoop::mainRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
     EXPECT_EQ(recorder->heard.size(), static_cast<std::size_t>(kThreads * kPosts));
     EXPECT_EQ(caught, kThreads * kPosts / 10);
 }
@@ -285,6 +335,19 @@ TEST(NSObjectMainThreadTest, OnTheMainThreadAWaitedCallRunsAtOnceAndAnotherInThe
     EXPECT_THAT(recorder->heard, ElementsAre("now"));
     NSRunLoop::mainRunLoop()->performReadyWorkForMode(NSDefaultRunLoopMode);
     EXPECT_THAT(recorder->heard, ElementsAre("now", "later"));
+}
+
+TEST(NSObjectMainThreadTest, AProxyIsPerformedOnAndForwardsOnlyWhatIsPerformed) {
+    AutoreleasePool pool;
+    auto recorder = make<LoopRecorder>();
+    auto proxy = make<RecorderProxy>();
+    proxy->target = recorder;
+    send(proxy, "performSelectorOnMainThread:withObject:waitUntilDone:"_sel, "hear:"_sel,
+         static_cast<id>(u"later"_ns), false);
+    EXPECT_EQ(proxy->retainCount(), 2u);
+    EXPECT_EQ(recorder->retainCount(), 1u);
+    NSRunLoop::mainRunLoop()->performReadyWorkForMode(NSDefaultRunLoopMode);
+    EXPECT_THAT(recorder->heard, ElementsAre("later"));
 }
 
 }  // namespace
