@@ -33,6 +33,20 @@ PELVOR_DEFINE_CLASS(NSNotification, foundationLibrary) {
     methods.instance<"userInfo", &NSNotification::userInfo>();
 }
 
+// Inside every post: no calls of their own.
+[[gnu::always_inline]] inline void NSNotification::fill(NSString* name, id object, NSDictionary* userInfo) {
+    _name = isLiteral(name) ? name : name->copy().leak();
+    if (object) _object.set(object);
+    if (userInfo) _userInfo.set(userInfo);
+}
+
+[[gnu::always_inline]] inline void NSNotification::clear() noexcept {
+    NSString* name = std::exchange(_name, nullptr);
+    if (name && !isLiteral(name)) name->release();
+    if (_object) _object = nullptr;
+    if (_userInfo) _userInfo = nullptr;
+}
+
 NSNotification* NSNotification::notificationWithName_object(NSString* name, id object, Class* cls) {
     return notificationWithName_object_userInfo(name, object, nullptr, cls);
 }
@@ -46,19 +60,6 @@ NSNotification* NSNotification::notificationWithName_object_userInfo(NSString* n
 }
 
 NSNotification::~NSNotification() { clear(); }
-
-void NSNotification::fill(NSString* name, id object, NSDictionary* userInfo) {
-    _name = isLiteral(name) ? name : name->copy().leak();
-    if (object) _object.set(object);
-    if (userInfo) _userInfo.set(userInfo);
-}
-
-void NSNotification::clear() noexcept {
-    NSString* name = std::exchange(_name, nullptr);
-    if (name && !isLiteral(name)) name->release();
-    if (_object) _object = nullptr;
-    if (_userInfo) _userInfo = nullptr;
-}
 
 Retained<Object> NSNotification::copyWithZone(void*) { return Retained<Object>::retaining(this); }
 

@@ -20,6 +20,11 @@ bool isSame(NSNotification* a, NSNotification* b, std::uint32_t mask) {
            a->name()->isEqual(b->name());
 }
 
+bool isDefaultModeAlone(NSArray* modes) {
+    NSUInteger count = modes ? modes->count() : 0;
+    return count == 0 || (count == 1 && modes->objectAtIndex(0) == NSDefaultRunLoopMode);
+}
+
 }  // namespace
 
 PELVOR_DEFINE_CLASS(NSNotificationQueue, foundationLibrary) {
@@ -83,15 +88,19 @@ void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes
     if (!notification) raiseException(NSInvalidArgumentException, u"no notification to queue"_ns);
     if (mask != NSNotificationNoCoalescing) dequeueNotificationsMatching_coalesceMask(notification, mask);
     if (style == NSPostNow) return _center->postNotification(notification);
-    Items& items = style == NSPostASAP ? _asap : _idle;
-    bool isDefault = !modes || modes->count() == 0;
-    items.push_back({Retained<NSNotification>::retaining(notification),
-                     Retained<NSArray>::retaining(isDefault ? nullptr : modes)});
+    append(style == NSPostASAP ? _asap : _idle, notification, isDefaultModeAlone(modes) ? nullptr : modes);
+}
+
+void NSNotificationQueue::append(Items& items, NSNotification* notification, NSArray* modes) {
+    if (_spare.empty()) _spare.emplace_back();
+    _spare.front().notification.set(notification);
+    _spare.front().modes.set(modes);
+    items.splice(items.end(), _spare, _spare.begin());
 }
 
 void NSNotificationQueue::dequeueNotificationsMatching_coalesceMask(NSNotification* notification,
                                                                     std::uint32_t mask) {
-    if (!notification) return;
+    if (!notification || (_asap.empty() && _idle.empty())) return;
     Items gone;  // let go at the end, since a release may come back here
     for (Items* items : {&_asap, &_idle})
         for (auto item = items->begin(); item != items->end();) {
@@ -113,7 +122,11 @@ bool NSNotificationQueue::postFirst(Items& items, NSRunLoop* loop, NSString* mod
     if (item == items.end()) return false;
     auto self = Retained<NSNotificationQueue>::retaining(this);
     auto notification = std::move(item->notification);
-    items.erase(item);
+    item->modes = nullptr;
+    if (_spare.empty())
+        _spare.splice(_spare.end(), items, item);
+    else
+        items.erase(item);
     _center->postNotification(notification);
     return true;
 }

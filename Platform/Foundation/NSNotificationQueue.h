@@ -59,7 +59,7 @@ class PELVOR_EXPORT NSNotificationQueue : public NSObject {
     friend class NSRunLoop;
     struct Item {
         Retained<NSNotification> notification;
-        Retained<NSArray> modes;
+        Retained<NSArray> modes;  // none: the default mode
     };
     using Items = std::list<Item>;
 
@@ -70,11 +70,13 @@ class PELVOR_EXPORT NSNotificationQueue : public NSObject {
 
     static NSNotificationQueue*& queuesOfThread();
     static bool isFor(const Item& item, NSRunLoop* loop, NSString* mode);
+    void append(Items& items, NSNotification* notification, NSArray* modes);
     bool postFirst(Items& items, NSRunLoop* loop, NSString* mode);
 
     Retained<NSNotificationCenter> _center;
     Items _asap;
     Items _idle;
+    Items _spare;  // an empty item, for the next notification
     NSNotificationQueue* _next = nullptr;
 };
 

@@ -16,10 +16,10 @@ void ObserverSequence::replace(ObserverList* list) {
 void ObserverSequence::rebuild(std::uint32_t capacity) {
     ObserverList* old = _list.load(std::memory_order_relaxed);
     std::uint32_t oldCount = old ? old->count.load(std::memory_order_relaxed) : 0;
-    auto list = capacity ? std::make_unique<ObserverList>(capacity) : nullptr;
+    auto list = capacity ? std::make_unique<ObserverList>(_sender, capacity) : nullptr;
     std::uint32_t count = 0;
     for (std::uint32_t i = 0; list && i < oldCount; ++i)
-        if (old->entries[i]->observer.load(std::memory_order_relaxed))
+        if (old->entries[i].registration->observer.load(std::memory_order_relaxed))
             list->entries[count++] = old->entries[i];
     if (list) list->count.store(count, std::memory_order_relaxed);
     _removed = 0;
@@ -34,24 +34,32 @@ void ObserverSequence::append(std::shared_ptr<Registration> registration) {
         list = _list.load(std::memory_order_relaxed);
         count = list->count.load(std::memory_order_relaxed);
     }
-    list->entries[count] = std::move(registration);
+    ObserverEntry& entry = list->entries[count];
+    entry.observer = registration->observer.load(std::memory_order_relaxed);
+    entry.selector = registration->selector;
+    entry.registration = std::move(registration);
     list->count.store(count + 1, std::memory_order_release);
 }
 
 void ObserverSequence::noteRemoval() {
-    std::uint32_t count = _list.load(std::memory_order_relaxed)->count.load(std::memory_order_relaxed);
+    ObserverList* list = _list.load(std::memory_order_relaxed);
+    list->hasGaps.store(true, std::memory_order_release);
+    std::uint32_t count = list->count.load(std::memory_order_relaxed);
     if (++_removed * 2 >= count) rebuild(count - _removed);
 }
 
 // MARK: Names
 
 void NameRecord::prune(Object* sender) {
+    recent.store(nullptr, std::memory_order_relaxed);
     auto found = sender ? bySender.find(sender) : bySender.end();
     if (found != bySender.end() && found->second.isEmpty()) bySender.erase(found);
     hasSenders.store(!bySender.empty(), std::memory_order_release);
 }
 
 // MARK: The table
+
+constinit std::atomic<std::uint64_t> ObserverTable::_removals{0};
 
 ObserverTable::ObserverTable() { ReadScope::prepare(); }
 
@@ -106,6 +114,7 @@ void ObserverTable::remove(Object* observer, NSString* name, Object* sender) {
         if ((record && place.record != record) || (sender && place.sender != sender)) return false;
         place.registration->observer.store(nullptr, std::memory_order_release);
         place.record->sequence(place.sender).noteRemoval();
+        _removals.fetch_add(1, std::memory_order_release);
         prune(place.record, place.sender);
         return true;
     });
@@ -123,59 +132,90 @@ void ObserverTable::prune(NameRecord* record, Object* sender) {
 
 // MARK: Deliveries
 
-ObserverTable::Audience::Audience(ObserverTable& table, NSString* name, Object* sender) {
-    const NameRecord* record = table._literals.find(name);
-    if (!record || record->hasSenders.load(std::memory_order_acquire) ||
-        table._hasAnyName.load(std::memory_order_acquire)) [[unlikely]] {
-        gather(table, name, sender);
-    } else if (const ObserverList* list = _scope.protect(record->ofAnySender.list())) {
-        _count = list->count.load(std::memory_order_acquire);
-        _entries = list->entries.get();
-    }
-}
-
 void ObserverTable::Audience::gather(ObserverTable& table, NSString* name, Object* sender) {
     {
         std::lock_guard guard(table._mutex);
-        if (const NameRecord* record = table.recordForPost(name)) gather(*record, sender);
+        if (NameRecord* record = table.recordForPost(name)) gather(*record, sender);
         gather(table._anyName, sender);
     }
     merge();
 }
 
-void ObserverTable::Audience::gather(const NameRecord& record, Object* sender) {
+void ObserverTable::Audience::gather(NameRecord& record, Object* sender) {
     take(record.ofAnySender.list().load(std::memory_order_relaxed));
     if (!sender || record.bySender.empty()) return;
     auto found = record.bySender.find(sender);
-    if (found != record.bySender.end()) take(found->second.list().load(std::memory_order_relaxed));
+    if (found == record.bySender.end()) return;
+    ObserverList* list = found->second.list().load(std::memory_order_relaxed);
+    record.recent.store(list, std::memory_order_release);
+    take(list);
 }
 
-void ObserverTable::Audience::take(const ObserverList* list) {
+void ObserverTable::Audience::take(ObserverList* list) {
     if (!list) return;
-    std::uint32_t count = list->count.load(std::memory_order_relaxed);
     if (_count == 0) {
         _scope.protect(list);
-        _entries = list->entries.get();
-        _count = count;
-        return;
+        return look(list);
     }
     if (_merged.empty()) _merged.assign(_entries, _entries + _count);
+    std::uint32_t count = list->count.load(std::memory_order_relaxed);
     _merged.insert(_merged.end(), list->entries.get(), list->entries.get() + count);
+    _seenRemovals = kUnknown;
 }
 
 void ObserverTable::Audience::merge() {
     if (_merged.empty()) return;
     std::sort(_merged.begin(), _merged.end(),
-              [](const auto& a, const auto& b) { return a->serial < b->serial; });
+              [](const auto& a, const auto& b) { return a.registration->serial < b.registration->serial; });
     _entries = _merged.data();
     _count = static_cast<std::uint32_t>(_merged.size());
 }
 
+namespace {
+
+// The implementation of the message for the class of the observer before: mostly that of the next, too.
+class Implementation {
+  public:
+    using Function = void (*)(Object*, SEL, Wire<NSNotification*>);
+
+    /// None where the message has to be sent.
+    Function find(Class* cls, SEL selector) {
+        if (cls == _class && selector == _selector && cls->cached(selector) == _entry) [[likely]]
+            return _function;
+        return findAnew(cls, selector);
+    }
+
+  private:
+    static constexpr std::uint64_t kKey = SignatureFor<void, NSNotification*>::kKey;
+
+    Function findAnew(Class* cls, SEL selector) {
+        const CacheEntry* entry = cls->cached(selector);
+        if (entry->selector != selector || entry->signatureKey != kKey) return nullptr;
+        _class = cls;
+        _selector = selector;
+        _entry = entry;
+        return _function = reinterpret_cast<Function>(entry->function);
+    }
+
+    Class* _class = nullptr;
+    SEL _selector;
+    const CacheEntry* _entry = nullptr;
+    Function _function = nullptr;
+};
+
+}  // namespace
+
 void ObserverTable::Audience::send(NSNotification* notification) {
-    for (std::uint32_t i = 0; i < _count; ++i) {
-        const Registration& registration = *_entries[i];
-        if (Object* observer = registration.observer.load(std::memory_order_acquire))
-            pelvor::send(observer, registration.selector, notification);
+    Implementation implementation;
+    for (const ObserverEntry *entry = _entries, *end = entry + _count; entry != end; ++entry) {
+        if (_removals.load(std::memory_order_acquire) != _seenRemovals &&
+            !entry->registration->observer.load(std::memory_order_acquire)) [[unlikely]]
+            continue;
+        auto function = implementation.find(entry->observer->isa(), entry->selector);
+        if (function) [[likely]]
+            function(entry->observer, entry->selector, notification);
+        else
+            pelvor::send(entry->observer, entry->selector, notification);
     }
 }
 

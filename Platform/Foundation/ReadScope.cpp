@@ -13,61 +13,6 @@
 namespace pelvor {
 namespace {
 
-// The places of eight nested scopes of a thread. Never freed, for other threads look through them.
-struct Places {
-    static constexpr int kScopes = 8;
-    std::atomic<const void*> objects[kScopes * ReadScope::kPlaces] = {};
-    std::atomic<Places*> deeper{nullptr};
-};
-
-// A thread that reads, or one that has ended and whose record the next new thread takes.
-struct Reader {
-    Places places;
-    Places* current = &places;  // of the innermost scope
-    std::vector<Places*> outer;
-    int depth = 0;  // scopes within `current`
-    std::atomic<bool> isTaken{true};
-    Reader* next = nullptr;
-};
-
-std::atomic<Reader*> firstReader{nullptr};
-constinit thread_local Reader* ownReader = nullptr;
-
-struct EndOfThread {
-    ~EndOfThread() {
-        ownReader->isTaken.store(false, std::memory_order_release);
-        ownReader = nullptr;
-    }
-};
-
-Reader* takeReader() {
-    for (Reader* reader = firstReader.load(std::memory_order_acquire); reader; reader = reader->next) {
-        bool expected = false;
-        if (reader->isTaken.compare_exchange_strong(expected, true)) return reader;
-    }
-    auto* reader = new Reader;
-    reader->next = firstReader.load(std::memory_order_relaxed);
-    while (!firstReader.compare_exchange_weak(reader->next, reader)) continue;
-    return reader;
-}
-
-[[gnu::noinline]] Reader& beginReader() {
-    ownReader = takeReader();
-    static thread_local EndOfThread endOfThread;
-    return *ownReader;
-}
-
-[[gnu::noinline]] void goDeeper(Reader& reader) {
-    Places* deeper = reader.current->deeper.load(std::memory_order_relaxed);
-    if (!deeper) {
-        deeper = new Places;
-        reader.current->deeper.store(deeper, std::memory_order_release);
-    }
-    reader.outer.push_back(reader.current);
-    reader.current = deeper;
-    reader.depth = 0;
-}
-
 // MARK: Retired objects
 
 struct Retired {
@@ -95,19 +40,8 @@ bool fenceReaders(const std::atomic<bool>& readersFence) {
     return callMembarrier(MEMBARRIER_CMD_PRIVATE_EXPEDITED) == 0 || readersFence.load();
 }
 
-std::unordered_set<const void*> protectedObjects() {
-    std::unordered_set<const void*> found;
-    for (Reader* reader = firstReader.load(std::memory_order_acquire); reader; reader = reader->next)
-        for (Places* places = &reader->places; places;
-             places = places->deeper.load(std::memory_order_acquire))
-            for (auto& place : places->objects)
-                if (const void* object = place.load(std::memory_order_acquire)) found.insert(object);
-    return found;
-}
-
 // Takes what nobody reads out of the waiting ones.
-std::vector<Retired> collect(Retirement& state) {
-    auto readObjects = protectedObjects();
+std::vector<Retired> collect(Retirement& state, const std::unordered_set<const void*>& readObjects) {
     auto middle = std::partition(state.waiting.begin(), state.waiting.end(), [&](const Retired& retired) {
         return readObjects.contains(retired.object);
     });
@@ -119,28 +53,77 @@ std::vector<Retired> collect(Retirement& state) {
 
 }  // namespace
 
+// MARK: Readers
+
+constinit thread_local ReadScope::Reader* ReadScope::_ownReader = nullptr;
+
+struct ReadScope::EndOfThread {
+    ~EndOfThread() {
+        _ownReader->isTaken.store(false, std::memory_order_release);
+        _ownReader = nullptr;
+    }
+};
+
+struct ReadScope::Readers {
+    static Reader* take();
+    static std::unordered_set<const void*> protectedObjects();
+
+    static constinit std::atomic<Reader*> first;
+};
+
+constinit std::atomic<ReadScope::Reader*> ReadScope::Readers::first{nullptr};
+
+ReadScope::Reader* ReadScope::Readers::take() {
+    for (Reader* reader = first.load(std::memory_order_acquire); reader; reader = reader->next) {
+        bool expected = false;
+        if (reader->isTaken.compare_exchange_strong(expected, true)) return reader;
+    }
+    auto* reader = new Reader;
+    reader->next = first.load(std::memory_order_relaxed);
+    while (!first.compare_exchange_weak(reader->next, reader)) continue;
+    return reader;
+}
+
+std::unordered_set<const void*> ReadScope::Readers::protectedObjects() {
+    std::unordered_set<const void*> found;
+    for (Reader* reader = first.load(std::memory_order_acquire); reader; reader = reader->next)
+        for (Places* places = &reader->places; places;
+             places = places->deeper.load(std::memory_order_acquire))
+            for (auto& place : places->objects)
+                if (const void* object = place.load(std::memory_order_acquire)) found.insert(object);
+    return found;
+}
+
+[[gnu::noinline]] ReadScope::Reader& ReadScope::beginReader() {
+    _ownReader = Readers::take();
+    static thread_local EndOfThread endOfThread;
+    return *_ownReader;
+}
+
+void ReadScope::Reader::goDeeper() {
+    Places* deeper = current->deeper.load(std::memory_order_relaxed);
+    if (!deeper) {
+        deeper = new Places;
+        current->deeper.store(deeper, std::memory_order_release);
+    }
+    outer.push_back(current);
+    current = deeper;
+    depth = 0;
+}
+
+void ReadScope::Reader::goBack() {
+    current = outer.back();
+    outer.pop_back();
+    depth = Places::kScopes;
+}
+
+// MARK: The kernel's part
+
 constinit std::atomic<bool> ReadScope::_needsFence{true};
 
 void ReadScope::prepare() {
     static const bool isPrepared = callMembarrier(MEMBARRIER_CMD_REGISTER_PRIVATE_EXPEDITED) == 0;
     if (isPrepared) _needsFence.store(false, std::memory_order_relaxed);
-}
-
-ReadScope::ReadScope() noexcept {
-    Reader& reader = ownReader ? *ownReader : beginReader();
-    if (reader.depth == Places::kScopes) [[unlikely]]
-        goDeeper(reader);
-    _places = reader.current->objects + reader.depth++ * kPlaces;
-}
-
-ReadScope::~ReadScope() {
-    for (int i = 0; i < _count; ++i) _places[i].store(nullptr, std::memory_order_release);
-    Reader& reader = *ownReader;
-    if (--reader.depth == 0 && !reader.outer.empty()) [[unlikely]] {
-        reader.current = reader.outer.back();
-        reader.outer.pop_back();
-        reader.depth = Places::kScopes;
-    }
 }
 
 void ReadScope::retire(const void* object, void (*free)(const void*)) {
@@ -149,7 +132,8 @@ void ReadScope::retire(const void* object, void (*free)(const void*)) {
         Retirement& state = retirement();
         std::lock_guard guard(state.mutex);
         state.waiting.push_back({object, free});
-        if (state.waiting.size() >= state.enough && fenceReaders(_needsFence)) unread = collect(state);
+        if (state.waiting.size() >= state.enough && fenceReaders(_needsFence))
+            unread = collect(state, Readers::protectedObjects());
     }
     for (const Retired& retired : unread) retired.free(retired.object);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <vector>
 
 #include "Runtime/Export.h"
 
@@ -16,8 +17,17 @@ class ReadScope {
     /// How many objects one scope protects.
     static constexpr int kPlaces = 4;
 
-    ReadScope() noexcept;
-    ~ReadScope();
+    ReadScope() noexcept {
+        Reader& reader = _ownReader ? *_ownReader : beginReader();
+        if (reader.depth == Places::kScopes) [[unlikely]]
+            reader.goDeeper();
+        _places = reader.current->objects + reader.depth++ * kPlaces;
+    }
+    ~ReadScope() {
+        for (int i = 0; i < _count; ++i) _places[i].store(nullptr, std::memory_order_release);
+        if (--_ownReader->depth == 0 && _ownReader->current != &_ownReader->places) [[unlikely]]
+            _ownReader->goBack();
+    }
     ReadScope(const ReadScope&) = delete;
     ReadScope& operator=(const ReadScope&) = delete;
 
@@ -50,6 +60,28 @@ class ReadScope {
     static void prepare();
 
   private:
+    // The places of eight nested scopes of a thread. Never freed, for other threads look through them.
+    struct Places {
+        static constexpr int kScopes = 8;
+        std::atomic<const void*> objects[kScopes * kPlaces] = {};
+        std::atomic<Places*> deeper{nullptr};
+    };
+    // A thread that reads, or one that has ended and whose record the next new thread takes.
+    struct Reader {
+        void goDeeper();
+        void goBack();
+
+        Places places;
+        Places* current = &places;  // of the innermost scope
+        std::vector<Places*> outer;
+        int depth = 0;  // scopes within `current`
+        std::atomic<bool> isTaken{true};
+        Reader* next = nullptr;
+    };
+    struct EndOfThread;
+    struct Readers;
+
+    static Reader& beginReader();
     static void fenceReader() noexcept {
         if (_needsFence.load(std::memory_order_relaxed)) [[unlikely]]
             std::atomic_thread_fence(std::memory_order_seq_cst);
@@ -58,6 +90,7 @@ class ReadScope {
     }
 
     static std::atomic<bool> _needsFence;
+    static constinit thread_local Reader* _ownReader;
 
     std::atomic<const void*>* _places;
     int _count = 0;
