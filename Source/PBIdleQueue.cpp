@@ -133,7 +133,10 @@ void PBIdleQueueScheduler::scheduleQueues() {
 }
 
 void PBIdleQueueScheduler::runLoopDidIdle(NSNotification*) {
-    if (auto* queue = cast<PBIdleQueue>(_queues->dequeueObject())) queue->doRun();
+    {
+        Retained<Object> next = _queues->takeTop();
+        if (auto* queue = cast<PBIdleQueue>(next)) queue->doRun();
+    }
     if (!_queues->isEmpty()) scheduleQueues();
 }
 

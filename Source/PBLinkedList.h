@@ -22,6 +22,11 @@ class PELVOR_EXPORT PBLinkedListNode final : public NSObject {
   protected:
     PBLinkedListNode() = default;
     ~PBLinkedListNode() = default;
+
+  private:
+    // Nodes that a thread makes one after the other stand one after the other in memory.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* memory) noexcept;
 };
 
 /// A list of objects, which it retains: a stack and a queue, also mixed, and a sequence with indexes. The
@@ -40,6 +45,8 @@ class PELVOR_EXPORT PBLinkedList : public NSObject {
 
     void push(id object);
     id pop();
+    /// What `pop` takes out, owned.
+    Retained<Object> takeTop();
     id top();
     /// Puts the object at the tail.
     void enqueueObject(id object);
@@ -52,7 +59,7 @@ class PELVOR_EXPORT PBLinkedList : public NSObject {
     /// The node, borrowed, and, if asked for, the one before it. At the index that is the count there is
     /// no node, and the last one is before it.
     PBLinkedListNode* nodeAtIndex_prevNode(NSUInteger index, PBLinkedListNode** previous);
-    /// Takes the node out; `previous` is the node before it, none for the head.
+    /// Takes the node out; `previous` is the node before it, none for the head. Nothing if it is not.
     void removeNode_withPreviousNode(PBLinkedListNode* node, PBLinkedListNode* previous);
     void removeObjectAtIndex(NSUInteger index);
     void removeObjectsInRange(NSRange range);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBNotificationCenter.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "BaseLibrary.h"
@@ -17,15 +19,23 @@ namespace {
 
 bool hasPosed = false;
 NSCountedSet* disabledNames = nullptr;
-NSSet* delayedCoalescedNames = nullptr;
 NSMutableSet* queuedDelayedNames = nullptr;
 PBIdleQueue* delayedNotifications = nullptr;
+
+constexpr NSString* kDelayedCoalescedNames[] = {u"NSFontSetChangedNotification"_ns,
+                                                u"NSAntialiasThresholdChangedNotification"_ns};
+
+// Asked with every post: names mostly differ in length, which is cheaper to see than a hash.
+bool isDelayedCoalesced(NSString* name) {
+    return std::any_of(std::begin(kDelayedCoalescedNames), std::end(kDelayedCoalescedNames),
+                       [&](NSString* delayed) { return name->isEqualToString(delayed); });
+}
 
 // Whether the notification goes no further now: it is dropped, or its name waits for an idle moment.
 bool isHeldBack(NSNotificationCenter* center, NSString* name) {
     if (!name) return false;
     if (disabledNames && disabledNames->count() > 0 && disabledNames->containsObject(name)) return true;
-    if (!delayedCoalescedNames || !delayedCoalescedNames->containsObject(name)) return false;
+    if (!queuedDelayedNames || !isDelayedCoalesced(name)) return false;
     queuedDelayedNames->addObject(name);
     delayedNotifications->addObject(center);
     return true;
@@ -85,7 +95,8 @@ void NSNotificationCenter_PelvorAdditions::disableNotificationName(NSString* nam
         disabledNames = NSCountedSet::init().leak();
         PBNotificationCenter::doPosing();
     }
-    disabledNames->addObject(name->copy().get());
+    Retained<NSString> copy = name ? name->copy() : nullptr;
+    disabledNames->addObject(copy);
 }
 
 void NSNotificationCenter_PelvorAdditions::enableNotificationName(NSString* name) {
@@ -94,9 +105,6 @@ void NSNotificationCenter_PelvorAdditions::enableNotificationName(NSString* name
 
 void PBNotificationCenter::doPosing() {
     if (std::exchange(hasPosed, true)) return;
-    delayedCoalescedNames = NSSet::initWithObjects({u"NSFontSetChangedNotification"_ns,
-                                                    u"NSAntialiasThresholdChangedNotification"_ns})
-                                .leak();
     queuedDelayedNames = NSMutableSet::init().leak();
     delayedNotifications = PBIdleQueue::initWithSelector("_pbPostDelayedNotifications"_sel).leak();
     Instances::setClass(NSNotificationCenter::defaultCenter(), classObject());

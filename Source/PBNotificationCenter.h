@@ -12,6 +12,7 @@ class NSArray;
 /// Silencing, counted: a name that was disabled twice is heard again after it was enabled twice. The first
 /// call makes the default centre a PBNotificationCenter for the rest of the process. Main thread.
 struct PELVOR_EXPORT NSNotificationCenter_PelvorAdditions {
+    /// Raises NSInvalidArgumentException for no name.
     static void disableNotificationName(NSString* name);
     /// Does nothing for a name that is not disabled.
     static void enableNotificationName(NSString* name);

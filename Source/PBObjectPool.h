@@ -23,19 +23,20 @@ class PELVOR_EXPORT PBObjectPool : public NSObject {
     /// The object that came last, whose reference the caller owns; none when the pool is empty.
     Retained<Object> popObject();
 
+    // Also without the lock, to see whether taking it is worth while; the answer may be old at once.
+
+    bool isEmpty() const { return _count.load(std::memory_order_relaxed) == 0; }
+    bool isFull() const { return _count.load(std::memory_order_relaxed) >= _capacity; }
+
     Retained<NSLock> _lock;
 
   protected:
     PBObjectPool() = default;
     ~PBObjectPool();
 
-    bool isEmpty() const { return _count == 0; }
-    bool isFull() const { return _count >= _capacity; }
-
   private:
     std::unique_ptr<id[]> _pool;
     std::uint32_t _capacity = 0;
-    // Read without the lock to see whether taking it is worth while.
     std::atomic<std::uint32_t> _count = 0;
 };
 

@@ -97,7 +97,8 @@ void PBObserverSet::makeObserversPerformSelector_withObject_withObject_withObjec
         // Before the observer is touched: one that has left the set may be gone.
         if (!_observers || !_observers->containsObject(member)) continue;
         id observer = static_cast<PBWeakReference*>(member)->object();
-        if (observer->respondsToSelector(selector)) performOn(observer, selector, {first, second, third});
+        if (observer && observer->respondsToSelector(selector))
+            performOn(observer, selector, {first, second, third});
     }
 }
 

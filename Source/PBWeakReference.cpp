@@ -85,6 +85,8 @@ Retained<PBWeakReference> PBWeakReference::initWithObject(id object, Class* cls)
 }
 
 bool PBWeakReference::isEqual(id other) {
+    if (other && other->isa() == &classRecord)
+        return static_cast<PBWeakReference*>(other)->_weakObj == _weakObj;
     auto* reference = cast<PBWeakReference>(other);
     return (reference ? reference->_weakObj : other) == _weakObj;
 }
@@ -107,41 +109,73 @@ Retained<Object> PBWeakReference::allocate(Class* cls) {
 PBWeakReference* PBWeakReference::takeSpare() {
     if (!classRecord.makesOwnInstances()) [[unlikely]]
         return nullptr;
-    if (spareReference) return std::exchange(spareReference, nullptr);
+    if (spareReference) [[likely]]
+        return std::exchange(spareReference, nullptr);
+    return takePooled();
+}
+
+[[gnu::noinline]] PBWeakReference* PBWeakReference::takePooled() {
+    if (sharedPool->isEmpty()) return nullptr;
     std::lock_guard guard(*sharedPool->_lock);
     return static_cast<PBWeakReference*>(sharedPool->popObject().leak());
 }
 
 void PBWeakReference::overriddenRelease() noexcept {
-    if (!isOnlyReference() || isa() != &classRecord || !isKept()) releaseReference();
+    if (!isOnlyReference() || isa() != &classRecord) return releaseReference();
+    if (mayKeepSpare && !spareReference) [[likely]] {
+        _weakObj = nullptr;
+        spareReference = this;
+    } else if (!isKept()) {
+        releaseReference();
+    }
 }
 
-bool PBWeakReference::isKept() noexcept {
+[[gnu::noinline]] bool PBWeakReference::isKept() noexcept {
     _weakObj = nullptr;
-    if (!spareReference && (mayKeepSpare || openThread())) {
+    if (!spareReference && openThread()) {
         spareReference = this;
         return true;
     }
+    if (sharedPool->isFull()) return false;
     std::lock_guard guard(*sharedPool->_lock);
     return sharedPool->poolObject(this);
 }
 
 // MARK: Look-ups
 
+// A reference for one look-up. The thread's gone one, if it has any, is borrowed from its place and put back
+// there, unless a set has kept it.
+class LookUpReference {
+  public:
+    explicit LookUpReference(id object) : _reference(PBWeakReference::initWithObject(object).leak()) {}
+    ~LookUpReference() {
+        if (mayKeepSpare && !spareReference && _reference->isOnlyReference() &&
+            _reference->isa() == PBWeakReference::classObject()) [[likely]] {
+            _reference->_weakObj = nullptr;
+            spareReference = _reference;
+        } else {
+            _reference->release();
+        }
+    }
+    LookUpReference(const LookUpReference&) = delete;
+    LookUpReference& operator=(const LookUpReference&) = delete;
+
+    operator PBWeakReference*() const { return _reference; }
+
+  private:
+    PBWeakReference* _reference;
+};
+
 NSUInteger indexOfWeakReferenceObject(NSArray* array, id object) {
-    return array->indexOfObject(PBWeakReference::initWithObject(object).get());
+    return array->indexOfObject(LookUpReference(object));
 }
 
 bool containsWeakReferenceObject(NSSet* set, id object) {
-    return set->containsObject(PBWeakReference::initWithObject(object).get());
+    return set->containsObject(LookUpReference(object));
 }
 
-void addWeakReferenceObject(NSMutableSet* set, id object) {
-    set->addObject(PBWeakReference::initWithObject(object).get());
-}
+void addWeakReferenceObject(NSMutableSet* set, id object) { set->addObject(LookUpReference(object)); }
 
-void removeWeakReferenceObject(NSMutableSet* set, id object) {
-    set->removeObject(PBWeakReference::initWithObject(object).get());
-}
+void removeWeakReferenceObject(NSMutableSet* set, id object) { set->removeObject(LookUpReference(object)); }
 
 }  // namespace pelvor

@@ -43,8 +43,11 @@ class PELVOR_EXPORT PBWeakReference : public NSObject {
     void overriddenRelease() noexcept override;
 
   private:
+    friend class LookUpReference;
+
     static Retained<Object> allocate(Class* cls);
     static PBWeakReference* takeSpare();
+    static PBWeakReference* takePooled();
     bool isKept() noexcept;
 
     id _weakObj = nullptr;
