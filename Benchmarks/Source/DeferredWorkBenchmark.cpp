@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // Weak references, observer sets, lists, idle items and posts through the changed default centre, beside the
-// standard library's weak pointers.
+// standard library's weak pointers and lists, and the idle sources, posted events and signals of GLib and Qt.
 #include <benchmark/benchmark.h>
+#include <glib.h>
+#include <malloc.h>
 
+#include <iterator>
+#include <list>
 #include <memory>
 #include <string>
 #include <thread>
@@ -14,6 +18,7 @@
 #include "PBNotificationCenter.h"
 #include "PBObserverSet.h"
 #include "PBWeakReference.h"
+#include "QtPeers.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Registry.h"
 
@@ -67,8 +72,10 @@ void observerSetLookUp(benchmark::State& state) {
     auto set = PBObserverSet::init();
     auto members = workers(state.range(0));
     for (auto& member : members) set->addObserver(member);
-    std::size_t i = 0;
-    for (auto _ : state) benchmark::DoNotOptimize(set->containsObserver(members[++i % members.size()]));
+    for (std::size_t i = 0; auto _ : state) {
+        benchmark::DoNotOptimize(set->containsObserver(members[i]));
+        if (++i == members.size()) i = 0;
+    }
 }
 
 void postThroughChangedCentre(benchmark::State& state) {
@@ -87,7 +94,7 @@ void postThroughChangedCentre(benchmark::State& state) {
         for (auto& listener : *crowd) centre->removeObserver(listener);
 }
 
-constexpr std::int64_t kItems = 10'000;
+constexpr int kItems = 10'000;
 
 void idleItem(benchmark::State& state) {
     AutoreleasePool pool;
@@ -101,32 +108,78 @@ void idleItem(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * kItems);
 }
 
-// Every other node of a million goes.
-void listWalkedAndThinned(benchmark::State& state) {
-    constexpr std::int64_t kNodes = 1'000'000;
+void peerGLibIdle(benchmark::State& state) {
+    int worked = 0;
+    GSourceFunc work = [](void* count) -> gboolean {
+        ++*static_cast<int*>(count);
+        return G_SOURCE_REMOVE;
+    };
+    for (auto _ : state) {
+        for (int i = worked = 0; i < kItems; ++i) g_idle_add(work, &worked);
+        while (worked < kItems) g_main_context_iteration(nullptr, FALSE);
+    }
+    state.SetItemsProcessed(state.iterations() * kItems);
+}
+
+// MARK: Lists
+
+constexpr int kNodes = 1'000'000;
+
+// Every other node of a million goes. On a fresh heap nodes that were made together lie together; otherwise
+// each list gets the memory that the one before it left.
+template <class Fill, class Thin>
+void walkAndThin(benchmark::State& state, Fill fill, Thin thin) {
     auto object = make<Worker>();
     for (auto _ : state) {
         state.PauseTiming();
-        auto list = PBLinkedList::init();
-        for (std::int64_t i = 0; i < kNodes; ++i) list->push(object);
+        if (state.range(0)) malloc_trim(0);
+        auto list = fill(object);
         state.ResumeTiming();
+        thin(list);
+        state.PauseTiming();
+        list = {};
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * kNodes);
+}
+
+void listWalkedAndThinned(benchmark::State& state) {
+    auto fill = [](id object) {
+        auto list = PBLinkedList::init();
+        for (int i = 0; i < kNodes; ++i) list->push(object);
+        return list;
+    };
+    walkAndThin(state, fill, [](PBLinkedList* list) {
         AutoreleasePool pool;
         PBLinkedListEnumerator* walk = list->objectEnumerator();
         for (bool isLeaving = false; walk->nextObject(); isLeaving = !isLeaving)
             if (isLeaving) walk->removeLastObject();
-        state.PauseTiming();
-        list = nullptr;
-        state.ResumeTiming();
-    }
-    state.SetItemsProcessed(state.iterations() * kNodes);
+    });
+}
+
+void peerStandardList(benchmark::State& state) {
+    auto fill = [](id object) {
+        std::list<Retained<Object>> list;
+        for (int i = 0; i < kNodes; ++i) list.push_front(Retained<Object>::retaining(object));
+        return list;
+    };
+    walkAndThin(state, fill, [](std::list<Retained<Object>>& list) {
+        bool isLeaving = false;
+        for (auto at = list.begin(); at != list.end(); isLeaving = !isLeaving)
+            at = isLeaving ? list.erase(at) : std::next(at);
+    });
 }
 
 BENCHMARK(weakReference);
 BENCHMARK(peerWeakPointer);
 BENCHMARK(observerSetLookUp)->Arg(4)->Arg(1000);
 BENCHMARK(postThroughChangedCentre)->ArgsProduct({{1, 10, 100}, {0, 10'000}});
+BENCHMARK(peerQtSignal)->Arg(1)->Arg(10)->Arg(100);
 BENCHMARK(idleItem);
-BENCHMARK(listWalkedAndThinned);
+BENCHMARK(peerGLibIdle);
+BENCHMARK(peerQtPostedEvent)->Arg(kItems);
+BENCHMARK(listWalkedAndThinned)->ArgName("freshHeap")->Arg(1)->Arg(0);
+BENCHMARK(peerStandardList)->ArgName("freshHeap")->Arg(1)->Arg(0);
 
 }  // namespace
 

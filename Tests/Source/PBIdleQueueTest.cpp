@@ -13,6 +13,7 @@
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSString.h"
 #include "NSObject-PelvorAdditions.h"
+#include "RandomSteps.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
@@ -28,7 +29,8 @@ class PBTestWorker : public NSObject {
 
   public:
     void work() {
-        if (action) action(this);
+        auto kept = action;  // it may destroy this
+        kept(this);
     }
     std::function<void(PBTestWorker*)> action;
 
@@ -45,6 +47,10 @@ bool turn(NSString* mode = NSDefaultRunLoopMode) {
     return NSRunLoop::currentRunLoop()->runMode_beforeDate(mode, NSDate::distantPast());
 }
 
+void idle() {
+    while (turn()) continue;
+}
+
 class PBIdleQueueTest : public ::testing::Test {
     AutoreleasePool pool;
 
@@ -52,8 +58,7 @@ class PBIdleQueueTest : public ::testing::Test {
     ~PBIdleQueueTest() override {
         first->invalidate();
         second->invalidate();
-        while (turn()) {
-        }
+        idle();
     }
     Retained<PBTestWorker> worker(const char* name) {
         auto made = make<PBTestWorker>();
@@ -89,28 +94,41 @@ TEST_F(PBIdleQueueTest, ServesNothingInAnotherMode) {
 }
 
 TEST_F(PBIdleQueueTest, ObjectsChangeQueuesInTheMiddleOfTheirTurn) {
-    a->action = [&](id self) {
-        served += "a";
-        if (served.size() < 3) first->addObject(self);
-        second->addObject(c);
-        first->removeObject(b);
-        b = nullptr;
+    const struct {
+        const char* name;
+        std::function<void(id)> action;  // of a, the first of a queue; b waits in it, c in the second
+        const char* expected;
+    } cases[] = {
+        {"adds itself again", [&](id self) { first->addObject(self); }, "acba"},
+        {"moves to the other queue", [&](id self) { second->addObject(self); }, "acba"},
+        {"adds and removes itself", [&](id self) { first->addObject(self), first->removeObject(self); },
+         "acb"},
+        {"destroys itself", [&](id) { a = nullptr; }, "acb"},
+        {"destroys one to come", [&](id) { first->removeObject(b), b = nullptr; }, "ac"},
+        {"destroys one in the other queue", [&](id) { second->removeObject(c), c = nullptr; }, "ab"},
+        {"flushes its queue", [&](id) { first->flush(); }, "ac"},
+        {"invalidates its queue", [&](id) { first->invalidate(); }, "ac"},
+        {"invalidates the other queue", [&](id) { second->invalidate(); }, "ab"},
+        {"lets go of both queues", [&](id) { first = second = nullptr; }, "acb"},
     };
-    first->addObject(a);
-    first->addObject(b);
-    for (const char* expected : {"a", "aa", "aac", "aaca"}) {
-        turn();
-        EXPECT_EQ(served, expected);
-    }
-    c->action = [&](id) {
-        second->removeObject(c);
-        c = nullptr;
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.name);
+        first = PBIdleQueue::initWithSelector("work"_sel);
         second = PBIdleQueue::initWithSelector("work"_sel);
-    };
-    second->addObject(c);
-    while (turn()) {
+        served = "";
+        for (auto* object : {&a, &b, &c}) *object = worker(object == &b ? "b" : "c");
+        a->action = [&](id self) {
+            served += "a";
+            if (served == "a") row.action(self);
+        };
+        first->addObject(a);
+        first->addObject(b);
+        second->addObject(c);
+        idle();
+        EXPECT_EQ(served, row.expected);
     }
-    EXPECT_EQ(c, nullptr);
+    first = PBIdleQueue::initWithSelector("work"_sel);
+    second = PBIdleQueue::initWithSelector("work"_sel);
 }
 
 // Deliberately: a flush discards what is queued and sends nothing.
@@ -121,13 +139,11 @@ TEST_F(PBIdleQueueTest, FlushedRemovedAndInvalidatedObjectsAreNotServed) {
     second->addObject(a);
     second->removeObject(a);
     EXPECT_FALSE(second->containsObject(a));
-    while (turn()) {
-    }
+    idle();
     first->addObject(b);
     first->invalidate();
     first->addObject(b);
-    while (turn()) {
-    }
+    idle();
     EXPECT_EQ(served, "");
     EXPECT_EQ(first->count(), 0u);
     EXPECT_TRUE(first->description()->hasSuffix(u"> {work, objects=0}"_ns));
@@ -139,13 +155,29 @@ TEST_F(PBIdleQueueTest, AfterAnExceptionObjectsWaitForTheNextAddition) {
     first->addObject(b);
     EXPECT_THROW(turn(), NSException);
     EXPECT_FALSE(first->containsObject(a));
-    while (turn()) {
-    }
+    idle();
     EXPECT_EQ(served, "");
     first->addObject(c);
-    while (turn()) {
-    }
+    idle();
     EXPECT_EQ(served, "bc");
+}
+
+// Deliberately: the scheduler is told of additions to an empty line only.
+TEST_F(PBIdleQueueTest, AfterAnExceptionQueuesInLineWaitUntilItIsEmptyAndAQueueComes) {
+    a->action = [](id) { throw NSException("PBTestException", "as asked"); };
+    first->addObject(a);
+    second->addObject(c);
+    EXPECT_THROW(turn(), NSException);
+    first->addObject(b);
+    idle();
+    EXPECT_EQ(served, "");
+    second->invalidate();
+    first->flush();
+    first->invalidate();
+    first = PBIdleQueue::initWithSelector("work"_sel);
+    first->addObject(b);
+    idle();
+    EXPECT_EQ(served, "b");
 }
 
 TEST_F(PBIdleQueueTest, EachDeferredReleaseIsOneRelease) {
@@ -153,12 +185,10 @@ TEST_F(PBIdleQueueTest, EachDeferredReleaseIsOneRelease) {
     a->retain();
     for (int i = 0; i < 2; ++i) send(a, "releaseWhenIdle"_sel);
     EXPECT_EQ(a->retainCount(), 2u);
-    while (turn()) {
-    }
+    idle();
     EXPECT_EQ(a->retainCount(), 1u);
     releaseWhenIdle(b.leak());
-    while (turn()) {
-    }
+    idle();
 }
 
 // By the model, queues are lines that hand their turn on after each object.
@@ -207,7 +237,7 @@ TEST_F(PBIdleQueueTest, RandomStepsServeWhomPlainLinesServe) {
         change();
         expected = nullptr;
     };
-    for (int step = 0; step < 60'000; ++step) {
+    for (int step = 0, steps = randomSteps(60'000); step < steps; ++step) {
         AutoreleasePool inner;
         if (random() % 2) change();
         if (step % 2 || turns.empty()) continue;

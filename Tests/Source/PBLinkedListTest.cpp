@@ -8,9 +8,12 @@
 #include <functional>
 #include <random>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSString.h"
+#include "RandomSteps.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
@@ -93,6 +96,8 @@ TEST_F(PBLinkedListTest, RaisesPastTheEndAndChangesNothing) {
              list->removeObjectsInRange({3, 0});
          },
          ""},
+        {[&] { list->removeNode_withPreviousNode(list->nodeAtIndex_prevNode(2, nullptr), nullptr); }, ""},
+        {[&] { list->removeNode_withPreviousNode(nullptr, list->nodeAtIndex_prevNode(2, nullptr)); }, ""},
     };
     for (const auto& c : cases) {
         std::string reason;
@@ -126,11 +131,32 @@ TEST_F(PBLinkedListTest, AnEnumeratorRemovesWhatItReturned) {
     }
 }
 
+TEST_F(PBLinkedListTest, NodesMadeOnOneThreadMayGoOnAnother) {
+    std::vector<Retained<PBLinkedList>> lists(4);
+    auto onThreads = [&](auto work) {
+        std::vector<std::thread> threads;
+        for (auto& each : lists) threads.emplace_back([&each, work] { work(each); });
+        for (std::thread& thread : threads) thread.join();
+    };
+    onThreads([](auto& each) {
+        each = PBLinkedList::init();
+        for (int i = 0; i < 3000; ++i) each->push(each->isEmpty() ? NSObject::init().get() : each->top());
+    });
+    std::rotate(lists.begin(), lists.begin() + 1, lists.end());
+    onThreads([](auto& each) {
+        PBLinkedListEnumerator* walk = each->objectEnumerator();
+        for (int i = 0; i < 1500 && walk->nextObject(); ++i) walk->removeLastObject();
+        for (int i = 0; i < 1500; ++i) each->push(each->top());
+    });
+    for (auto& each : lists) EXPECT_EQ(each->count(), 3000u);
+    onThreads([](auto& each) { each = nullptr; });
+}
+
 TEST_F(PBLinkedListTest, RandomStepsLeaveWhatAPlainListHolds) {
     std::mt19937 random(7);
     std::deque<id> model;
     auto made = PBLinkedList::init();
-    for (int step = 0; step < 20'000; ++step) {
+    for (int step = 0, steps = randomSteps(20'000); step < steps; ++step) {
         AutoreleasePool inner;
         id object = NSNumber::numberWithInt(step);
         auto size = static_cast<std::uint32_t>(model.size());

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Posting notifications beside centres made by hand: a hash table of callbacks, and a bare list of them.
+// Posting notifications beside Qt's signals and centres made by hand: a hash table of callbacks, and a bare
+// list.
 #include <benchmark/benchmark.h>
 
 #include <functional>
@@ -9,6 +10,7 @@
 
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSNotificationCenter.h"
+#include "QtPeers.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Registry.h"
 
@@ -136,6 +138,7 @@ BENCHMARK(postByName)->Apply(crowds);
 BENCHMARK(postByNameWithSender)->Apply(crowds);
 BENCHMARK(postBySender)->Apply(crowds);
 BENCHMARK(peerHashCentre)->Apply(crowds);
+BENCHMARK(peerQtSignal)->Arg(1)->Arg(10)->Arg(100);
 BENCHMARK(peerFunctionList)->Arg(1)->Arg(10)->Arg(100);
 BENCHMARK(addAndRemove)->Arg(0)->Arg(100)->Arg(10'000);
 

@@ -12,6 +12,7 @@
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSMutableString.h"
 #include "Foundation/ReadScopePrivate.h"
+#include "RandomSteps.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
@@ -410,7 +411,7 @@ class CenterModel {
 };
 
 TEST(NSNotificationCenterModelTest, RandomStepsAlsoInsideDeliveriesAgreeWithAModel) {
-    CenterModel().run(20'000);
+    CenterModel().run(randomSteps(20'000));
     EXPECT_LT(ReadScope::retiredCount(), 200u);
 }
 
