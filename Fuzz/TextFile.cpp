@@ -27,17 +27,19 @@ void checkParagraphs(std::u16string_view text) {
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     using namespace pelvor;
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-    const TextFileContent content = decodeTextFile(bytes, {});
+    const TextFileSource source(bytes);
+    const TextFileContent content = decodeTextFile(source, {});
+    const std::u16string_view units = content.text.view();
     if (content.fault != TextFileFault::none) {
-        require(content.fault == TextFileFault::notText && content.text.empty());
+        require(content.fault == TextFileFault::notText && units.empty());
         return 0;
     }
-    require(content.text.find(u'\0') == content.text.npos);
-    const TextFileContent again = decodeTextFile(bytes, content.encodingName);
-    require(again.text == content.text && again.hasByteOrderMark == content.hasByteOrderMark);
-    checkParagraphs(content.text);
-    const std::u16string text = textOfMarkdown(content.text);
-    require(text.size() <= content.text.size() + 1);
+    require(units.find(u'\0') == units.npos);
+    const TextFileContent again = decodeTextFile(source, content.encodingName);
+    require(again.text.view() == units && again.hasByteOrderMark == content.hasByteOrderMark);
+    checkParagraphs(units);
+    const std::u16string text = textOfMarkdown(units);
+    require(text.size() <= units.size() + 1);
     require(text.empty() || text.back() == u'\n');
     return 0;
 }

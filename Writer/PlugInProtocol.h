@@ -15,7 +15,7 @@ namespace pelvor {
 // Document readers (PBProfileDocumentReaderType)
 //
 //     NSDictionary* readDocumentAtPath:(NSString*) options:(NSDictionary*)
-//         Options: WREncodingKey, if the user named an encoding.
+//         Options: WREncodingKey, if the user named an encoding; WRProgressKey.
 //         Answers WRTextKey and, where they make sense, WREncodingKey, WRByteOrderMarkKey, WRByteCountKey;
 //         or WRErrorKey and WRMessageKey. With WRErrorRefused the next reader is tried.
 //
@@ -47,6 +47,9 @@ namespace pelvor {
 inline constexpr NSString* WRTextKey = u"text"_ns;
 /// A string: the name of an encoding, "windows-1252".
 inline constexpr NSString* WREncodingKey = u"encoding"_ns;
+/// An object that may be told how far the reading has come, by `readerDidRead:of:` with two unsigned long
+/// long numbers of bytes.
+inline constexpr NSString* WRProgressKey = u"progress"_ns;
 /// A number: whether the file began with a byte-order mark.
 inline constexpr NSString* WRByteOrderMarkKey = u"byte order mark"_ns;
 /// A number: how many bytes were read or written.

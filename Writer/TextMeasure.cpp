@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/TextMeasure.h"
 
+#include <algorithm>
+
 #include "Foundation/NSCharacterSet.h"
+#include "NSString-PelvorAdditions.h"
 #include "PBUtil.h"
-#include "Writer/WRDocument.h"
+#include "Writer/TextParagraphs.h"
 
 namespace pelvor {
 namespace {
@@ -13,83 +16,74 @@ enum class UnitKind { other, letter, digit };
 constexpr bool isHighHalf(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 constexpr bool isLowHalf(char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
-// Walks once through the text; what joins two parts of a word is looked at together with its neighbours.
-class WordWalk {
-  public:
-    explicit WordWalk(std::u16string_view text) : _text(text) {}
+std::size_t characterLength(std::u16string_view text, std::size_t place) {
+    return isHighHalf(text[place]) && place + 1 < text.size() && isLowHalf(text[place + 1]) ? 2 : 1;
+}
 
-    NSUInteger countWords() {
-        NSUInteger words = 0;
-        bool isInWord = false;
-        for (_place = 0; _place < _text.size();) {
-            const bool isPart = isPartOfWord(isInWord);
-            words += isPart && !isInWord;
-            isInWord = isPart;
-            _place += characterLength(_place);
-        }
-        return words;
-    }
+char32_t characterAt(std::u16string_view text, std::size_t place) {
+    if (characterLength(text, place) == 1) return text[place];
+    return 0x10000 + ((text[place] - 0xD800u) << 10) + (text[place + 1] - 0xDC00u);
+}
 
-  private:
-    std::size_t characterLength(std::size_t place) const {
-        return isHighHalf(_text[place]) && place + 1 < _text.size() && isLowHalf(_text[place + 1]) ? 2 : 1;
-    }
-    char32_t characterAt(std::size_t place) const {
-        if (characterLength(place) == 1) return _text[place];
-        return 0x10000 + ((_text[place] - 0xD800u) << 10) + (_text[place + 1] - 0xDC00u);
-    }
-    UnitKind kindAt(std::size_t place) const {
-        if (place >= _text.size()) return UnitKind::other;
-        const char32_t character = characterAt(place);
-        if (_pbLettersCharacterSet->longCharacterIsMember(character)) return UnitKind::letter;
-        if (_pbDecimalDigitCharacterSet->longCharacterIsMember(character)) return UnitKind::digit;
-        return UnitKind::other;
-    }
-    bool isPartOfWord(bool isInWord) {
-        const UnitKind kind = kindAt(_place);
-        if (kind == UnitKind::other) return isInWord && joins(_text[_place]);
-        _last = kind;
-        return true;
-    }
-    bool joins(char16_t unit) const {
-        const UnitKind next = kindAt(_place + 1);
-        if (unit == u'.' || unit == u',') return _last == UnitKind::digit && next == UnitKind::digit;
-        return _pbSingleQuotesCharacterSet->characterIsMember(unit) && _last == UnitKind::letter &&
-               next == UnitKind::letter;
-    }
+UnitKind kindAt(std::u16string_view text, std::size_t place) {
+    if (place >= text.size()) return UnitKind::other;
+    const char32_t character = characterAt(text, place);
+    if (_pbLettersCharacterSet->longCharacterIsMember(character)) return UnitKind::letter;
+    if (_pbDecimalDigitCharacterSet->longCharacterIsMember(character)) return UnitKind::digit;
+    return UnitKind::other;
+}
 
-    std::u16string_view _text;
-    std::size_t _place = 0;
-    UnitKind _last = UnitKind::other;
-};
-
-NSUInteger countCodePoints(std::u16string_view text) {
-    NSUInteger count = 0;
-    for (std::size_t i = 0; i < text.size(); ++i, ++count)
-        if (isHighHalf(text[i]) && i + 1 < text.size() && isLowHalf(text[i + 1])) ++i;
-    return count;
+// Whether the unit between two parts of a word, the first of which ends with a letter or a digit, joins them.
+bool joins(std::u16string_view text, std::size_t place, UnitKind last) {
+    const char16_t unit = text[place];
+    const UnitKind next = kindAt(text, place + 1);
+    if (unit == u'.' || unit == u',') return last == UnitKind::digit && next == UnitKind::digit;
+    return _pbSingleQuotesCharacterSet->characterIsMember(unit) && last == UnitKind::letter &&
+           next == UnitKind::letter;
 }
 
 }  // namespace
 
-TextMeasure measureDocument(WRDocument* document) {
-    TextMeasure measure;
-    const StringUnits text(document->text());
-    measure.codePoints = countCodePoints(text);
-    measure.words = WordWalk(text).countWords();
-    for (NSUInteger i = 0; i < document->paragraphCount(); ++i) {
-        const NSUInteger length = document->rangeOfParagraphAtIndex(i).length;
-        if (length <= measure.longestLength) continue;
-        measure.longestLength = length;
-        measure.longestParagraph = i;
-    }
-    return measure;
+void TextCounter::advance(NSUInteger units) {
+    const NSUInteger start = _position;
+    const StringUnits text(_text);
+    countWords(text, start + std::max<std::size_t>(1, std::min(units, text.size() - start)));
+    countParagraphs(text);
+    _count.codePoints += countCodepointsInRange(_text, {start, _position - start});
 }
 
-NSString* firstLineOfDocument(WRDocument* document, NSUInteger length) {
-    for (NSUInteger i = 0; i < document->paragraphCount(); ++i) {
+void TextCounter::countWords(std::u16string_view text, std::size_t limit) {
+    std::size_t place = _position;
+    for (; place < std::min(limit, text.size()); place += characterLength(text, place)) {
+        const UnitKind kind = kindAt(text, place);
+        const UnitKind last = _wasLetter ? UnitKind::letter : UnitKind::digit;
+        const bool isPart = kind != UnitKind::other || (_isInWord && joins(text, place, last));
+        _count.words += isPart && !_isInWord;
+        _isInWord = isPart;
+        if (kind != UnitKind::other) _wasLetter = kind == UnitKind::letter;
+    }
+    _position = static_cast<NSUInteger>(place);
+}
+
+// Those that begin before the position; the last of them may go on behind it.
+void TextCounter::countParagraphs(std::u16string_view text) {
+    while (_paragraphStart < _position) {
+        std::u16string_view rest = text.substr(_paragraphStart);
+        const auto length = static_cast<NSUInteger>(takeParagraph(rest).size());
+        if (length > _count.longestLength) {
+            _count.longestLength = length;
+            _count.longestParagraph = _count.paragraphs;
+        }
+        ++_count.paragraphs;
+        _paragraphStart = static_cast<NSUInteger>(text.size() - rest.size());
+    }
+}
+
+NSString* firstLineOfText(NSString* text, NSUInteger length) {
+    const StringUnits units(text);
+    for (std::u16string_view rest = units; !rest.empty();) {
         NSString* line =
-            document->paragraphAtIndex(i)->stringByTrimmingCharactersInSet(_pbWhitespaceCharacterSet);
+            NSString::of(takeParagraph(rest))->stringByTrimmingCharactersInSet(_pbWhitespaceCharacterSet);
         if (line->length() == 0) continue;
         if (line->length() <= length) return line;
         const NSRange cut = line->rangeOfComposedCharacterSequenceAtIndex(length);

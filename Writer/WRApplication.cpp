@@ -2,6 +2,7 @@
 #include "Writer/WRApplication.h"
 
 #include <cstdio>
+#include <fstream>
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSBundle.h"
@@ -9,21 +10,26 @@
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSMutableSet.h"
 #include "Foundation/NSNotificationCenter.h"
-#include "Foundation/NSNumber.h"
+#include "NSRunLoop-PelvorAdditions.h"
+#include "PBObserverSet.h"
 #include "PBPostLoader.h"
 #include "PBProfileKeys.h"
 #include "PBRegistry.h"
-#include "PBUtil.h"
 #include "Runtime/AutoreleasePool.h"
+#include "Runtime/NSException.h"
+#include "Writer/DocumentReport.h"
 #include "Writer/PlugInObjects.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
-#include "Writer/TextMeasure.h"
+#include "Writer/TextEdit.h"
 #include "Writer/WRArguments.h"
+#include "Writer/WRDocumentCounter.h"
 #include "Writer/WRDocumentOpener.h"
 #include "Writer/WRDocumentSaver.h"
+#include "Writer/WRMainLoop.h"
 #include "Writer/WRPlugInLoader.h"
 #include "Writer/WRProfileListing.h"
+#include "Writer/WRProgressLine.h"
 #include "Writer/WRReport.h"
 #include "Writer/WriterLibrary.h"
 
@@ -32,21 +38,21 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr NSUInteger kFirstLineLength = 72;
-
-NSString* localized(NSString* key) { return _PBDoLocalize(key, nullptr); }
-
-template <class... Arguments>
-NSString* localizedFormat(NSString* key, const Arguments&... arguments) {
-    return NSString::stringWithFormat(localized(key), arguments...);
-}
-
-NSNumber* number(unsigned long long value) { return NSNumber::numberWithUnsignedLongLong(value); }
-
 PBRegistry* registry() { return PBRegistry::sharedRegistry(); }
 
 NSDictionary* optionsWithEncoding(NSString* name) {
     return name ? NSDictionary::dictionaryWithObject_forKey(name, WREncodingKey) : NSDictionary::dictionary();
+}
+
+// In KiB; 0 where the system does not tell. What the system tells of resources used counts in the program that
+// started this one.
+long peakMemory() {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        long size = 0;
+        if (word == "VmHWM:" && status >> size) return size;
+    }
+    return 0;
 }
 
 NSString* namesOf(NSArray* bundles) {
@@ -60,6 +66,11 @@ NSString* namesOf(NSArray* bundles) {
 PELVOR_DEFINE_CLASS(WRApplication, writerLibrary) {
     methods.instance<"run", &WRApplication::run>();
     methods.instance<"profilesDidChange:", &WRApplication::profilesDidChange>();
+    methods.instance<"readerDidRead:of:", &WRApplication::readerDidRead_of>();
+    methods.instance<"counterDidAdvance:", &WRApplication::counterDidAdvance>();
+    methods.instance<"counterDidFinish:", &WRApplication::counterDidFinish>();
+    methods.instance<"takeEdit:", &WRApplication::takeEdit>();
+    methods.instance<"takeLine:", &WRApplication::takeLine>();
 }
 
 WRApplication::~WRApplication() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
@@ -69,6 +80,8 @@ Retained<WRApplication> WRApplication::initWithArguments_start(NSArray* argument
     self->_start = start;
     self->_arguments = WRArguments::initWithArguments(arguments);
     self->_report = WRReport::init();
+    self->_progress = WRProgressLine::init();
+    self->_loop = WRMainLoop::init();
     self->_arrivals = NSMutableArray::init();
     self->_knownIdentifiers = NSMutableSet::init();
     return self;
@@ -79,29 +92,26 @@ int WRApplication::run() {
         complain(problem);
         return 2;
     }
-    if (_arguments->wantsHelp()) {
+    if (_arguments->hasOption(u"--help"_ns)) {
         print(WRArguments::usage()->stringByAppendingString(u"\n"_ns));
         return 0;
     }
     startUp();
-    bool isGood = true;
-    if (!_arguments->wantsList()) {
-        isGood = openDocument();
-        if (isGood) {
-            loadDocumentPlugIns();
-            examineDocument();
-            isGood = saveDocument();
-        }
+    if (!_arguments->hasOption(u"--list"_ns) && openDocument()) {
+        loadDocumentPlugIns();
+        examineDocument();
+        runMainLoop();
+        saveDocument();
     }
     markMoment("end");
-    if (_arguments->wantsTiming()) print(NSString::ofUTF8(_timing));
-    return isGood && std::fflush(stdout) == 0 ? 0 : 1;
+    if (_arguments->hasOption(u"--timing"_ns)) print(NSString::ofUTF8(_timing));
+    return !_hasFailed && std::fflush(stdout) == 0 ? 0 : 1;
 }
 
 // MARK: Stages
 
-// The classes that are linked in go through their hooks first; every bundle that is loaded later brings a cycle
-// of its own.
+// The classes that are linked in go through their hooks first; every bundle that is loaded later brings a
+// cycle of its own.
 void WRApplication::startUp() {
     PBPostLoader::processClasses();
     markMoment("classes");
@@ -112,6 +122,7 @@ void WRApplication::startUp() {
 }
 
 bool WRApplication::openDocument() {
+    AutoreleasePool pool;  // what the reader made goes, but for the text
     NSString* path = _arguments->documentPath();
     if (!path) path = NSBundle::mainBundle()->pathForResource_ofType(u"Sample"_ns, u"txt"_ns);
     if (!path) {
@@ -119,15 +130,22 @@ bool WRApplication::openDocument() {
         return false;
     }
     auto opener = WRDocumentOpener::initWithProfiles(registry());
-    _document.set(
-        opener->openDocumentAtPath_options(path, optionsWithEncoding(_arguments->encodingName())));
+    auto* options = NSMutableDictionary::dictionaryWithDictionary(
+        optionsWithEncoding(_arguments->valueOfOption(u"--encoding"_ns)));
+    options->setObject_forKey(this, WRProgressKey);
+    _document.set(opener->openDocumentAtPath_options(path, options));
+    markMoment("opened");
     if (!_document) {
         complain(opener->problem());
         return false;
     }
-    markMoment("opened");
-    reportDocument(opener);
+    reportDocument(_report, _document, opener);
+    print(_report->takeText());
     return true;
+}
+
+void WRApplication::readerDidRead_of(unsigned long long count, unsigned long long length) {
+    _progress->showTask_done_of(localized(u"_Reading"_ns), count, length);
 }
 
 void WRApplication::loadDocumentPlugIns() {
@@ -157,32 +175,74 @@ void WRApplication::examineDocument() {
             _report->addLine(problemOfAnswer(answer, WRTextKey, profile));
             continue;
         }
-        for (NSDictionaryEntry entry : answer)
-            _report->addLabel_value(entry.key->description(), entry.value);
+        for (NSDictionaryEntry entry : answer) _report->addLabel_value(entry.key->description(), entry.value);
     }
     print(_report->takeText());
     markMoment("examined");
 }
 
-bool WRApplication::saveDocument() {
-    NSString* path = _arguments->savePath();
-    if (!path) return true;
+void WRApplication::saveDocument() {
+    NSString* path = _arguments->valueOfOption(u"--save-as"_ns);
+    if (!path) return;
     auto saver = WRDocumentSaver::initWithProfiles(registry());
-    NSDictionary* answer = saver->saveText_toPath_options(
-        _document->text(), path, optionsWithEncoding(_arguments->saveEncodingName()));
-    if (!answer) {
-        complain(saver->problem());
-        return false;
-    }
-    _report->addHeading(localized(u"_Written"_ns));
-    _report->addLabel_value(localized(u"_Path"_ns), path);
-    _report->addLabel_value(localized(u"_Writer"_ns), nameOfProfile(saver->writer()));
-    if (id encoding = answer->objectForKey(WREncodingKey))
-        _report->addLabel_value(localized(u"_Encoding"_ns), encoding);
-    _report->addLabel_value(localized(u"_Bytes"_ns), answer->objectForKey(WRByteCountKey));
+    NSDictionary* options = optionsWithEncoding(_arguments->valueOfOption(u"--save-encoding"_ns));
+    NSDictionary* answer = saver->saveText_toPath_options(_document->text(), path, options);
+    if (!answer) return complain(saver->problem());
+    reportWriting(_report, path, saver, answer);
     print(_report->takeText());
     markMoment("saved");
-    return true;
+}
+
+// MARK: The main loop
+
+// Edits of the command line come as a burst, as if they had been typed fast.
+void WRApplication::runMainLoop() {
+    auto counter = WRDocumentCounter::initWithDocument(_document);
+    counter->observers()->addObserver(this);
+    counter->start();
+    for (id edit : _arguments->valuesOfOption(u"--edit"_ns))
+        NSRunLoop_PelvorAdditions::performSelector_target_argument_order("takeEdit:"_sel, this, edit,
+                                                                         _waitingEdits++);
+    try {
+        if (_arguments->hasOption(u"--stay"_ns)) _loop->stayForTarget_selector(this, "takeLine:"_sel);
+        _loop->runWhile([&] { return _waitingEdits > 0 || counter->isCounting(); });
+    } catch (...) {
+        complain(
+            localizedFormat(u"_The work was broken off: %@"_ns, NSString::ofUTF8(currentExceptionReason())));
+    }
+    _loop->end();
+    counter->invalidate();
+}
+
+void WRApplication::counterDidAdvance(WRDocumentCounter* counter) {
+    _progress->showTask_done_of(localized(u"_Counting"_ns), counter->position(), _document->text()->length());
+}
+
+void WRApplication::counterDidFinish(WRDocumentCounter* counter) {
+    reportCount(_report, counter->count());
+    print(_report->takeText());
+    markMoment("counted");
+}
+
+void WRApplication::takeEdit(NSString* line) {
+    --_waitingEdits;
+    applyEdit(line);
+}
+
+void WRApplication::takeLine(NSString* line) {
+    if (line->isEqualToString(u"quit"_ns)) return _loop->end();
+    if (line->isEqualToString(u"save"_ns) && _arguments->hasOption(u"--save-as"_ns)) return saveDocument();
+    if (line->length()) applyEdit(line);
+}
+
+void WRApplication::applyEdit(NSString* line) {
+    const auto edit = textEditOf(line);
+    const NSUInteger length = _document->text()->length();
+    if (!edit) return complain(localizedFormat(u"_The line \"%@\" means nothing."_ns, line));
+    if (edit->range.location > length || edit->range.length > length - edit->range.location)
+        return complain(localizedFormat(
+            u"_The edit \"%@\" lies outside the document, which has %u UTF-16 units."_ns, line, length));
+    _document->replaceCharactersInRange_withString(edit->range, edit->text.get());
 }
 
 // MARK: Reports
@@ -194,47 +254,11 @@ void WRApplication::reportStart(NSArray* bundles) {
     _report->addLabel_value(localized(u"_Bundle"_ns), bundle->bundlePath());
     _report->addLabel_value(localizedFormat(u"_Plug-ins (%u)"_ns, bundles->count()), namesOf(bundles));
     if (const NSUInteger failures = _loader->failureCount())
-        _report->addLine(localizedFormat(u"_Plug-ins that could not be loaded: %u; see the log"_ns, failures));
+        _report->addLine(
+            localizedFormat(u"_Plug-ins that could not be loaded: %u; see the log"_ns, failures));
     _report->addHeading(localized(u"_Registered"_ns));
     WRProfileListing::initWithProfiles(registry())->addToReport(_report);
     print(_report->takeText());
-}
-
-void WRApplication::reportDocument(WRDocumentOpener* opener) {
-    const TextMeasure measure = measureDocument(_document);
-    _report->addHeading(localizedFormat(u"_Document \"%@\""_ns, _document->path()->lastPathComponent()));
-    auto add = [this](NSString* label, id value) { _report->addLabel_value(localized(label), value); };
-    add(u"_Path"_ns, _document->path());
-    add(u"_Reader"_ns, reasonForReader(opener));
-    if (NSString* encoding = _document->encodingName())
-        add(u"_Encoding"_ns, _document->hasByteOrderMark()
-                                 ? localizedFormat(u"_%@ with a byte-order mark"_ns, encoding)
-                                 : encoding);
-    add(u"_Bytes"_ns, number(_document->byteCount()));
-    add(u"_UTF-16 units"_ns, number(_document->text()->length()));
-    add(u"_Code points"_ns, number(measure.codePoints));
-    add(u"_Words"_ns, number(measure.words));
-    add(u"_Paragraphs"_ns, number(_document->paragraphCount()));
-    if (measure.longestLength)
-        add(u"_Longest paragraph"_ns, localizedFormat(u"_number %u, of %u units"_ns,
-                                                      measure.longestParagraph + 1, measure.longestLength));
-    add(u"_First line"_ns, firstLineOfDocument(_document, kFirstLineLength));
-    print(_report->takeText());
-}
-
-// "Plain text, chosen of 2 for documents "txt"".
-NSString* WRApplication::reasonForReader(WRDocumentOpener* opener) {
-    PBProfile* reader = _document->reader();
-    NSArray* candidates = opener->candidates();
-    NSString* extension = _document->path()->pathExtension();
-    if (candidates->indexOfObjectIdenticalTo(reader) > 0)
-        return localizedFormat(u"_%@, the first of %u that did not refuse"_ns, nameOfProfile(reader),
-                               candidates->count());
-    if (isNamedForDocument(reader, _document->path()))
-        return localizedFormat(u"_%@, of %u, because it is for \"%@\" documents"_ns, nameOfProfile(reader),
-                               candidates->count(), extension);
-    return localizedFormat(u"_%@, of %u, because it takes every document"_ns, nameOfProfile(reader),
-                           candidates->count());
 }
 
 void WRApplication::reportArrivals(NSArray* bundles) {
@@ -251,22 +275,26 @@ void WRApplication::reportArrivals(NSArray* bundles) {
 
 // MARK: Output
 
-// "timing ready 12.345", in milliseconds.
+// "timing ready 12.345", in milliseconds, and "memory ready 20480", the most that there was so far, in KiB.
 void WRApplication::markMoment(const char* name) {
+    if (!_arguments->hasOption(u"--timing"_ns)) return;
     const std::chrono::duration<double, std::milli> elapsed = Clock::now() - _start;
-    char line[80];
-    std::snprintf(line, sizeof line, "timing %s %.3f\n", name, elapsed.count());
+    char line[160];
+    std::snprintf(line, sizeof line, "timing %s %.3f\nmemory %s %ld\n", name, elapsed.count(), name,
+                  peakMemory());
     _timing += line;
 }
 
 void WRApplication::print(NSString* text) {
+    _progress->clear();
     const std::string bytes = text->toUTF8();
     std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+    std::fflush(stdout);
 }
 
 void WRApplication::complain(NSString* problem) {
+    _hasFailed = true;
     print(_report->takeText());
-    std::fflush(stdout);
     std::fprintf(stderr, "%s\n", WRReport::printableText(problem)->toUTF8().c_str());
 }
 

@@ -14,11 +14,14 @@ class NSMutableSet;
 class NSNotification;
 class WRArguments;
 class WRDocument;
-class WRDocumentOpener;
+class WRDocumentCounter;
+class WRMainLoop;
 class WRPlugInLoader;
+class WRProgressLine;
 class WRReport;
 
-/// Starts the library, loads plug-ins, opens a document and tells about it. One a process; main thread.
+/// Starts the library, loads plug-ins, opens a document, tells about it, changes it and writes it. One a
+/// process; main thread.
 class WRApplication : public NSObject {
     PELVOR_CLASS(WRApplication, NSObject);
 
@@ -27,12 +30,20 @@ class WRApplication : public NSObject {
     static Retained<WRApplication> initWithArguments_start(NSArray* arguments,
                                                            std::chrono::steady_clock::time_point start);
 
-    /// Does it all and answers the exit status: 0; 1 if the document could not be read or written; 2 for
-    /// arguments that mean nothing. Prints to standard output, and what went wrong to standard error.
+    /// Does it all and answers the exit status: 0; 1 if the document could not be read, changed or written;
+    /// 2 for arguments that mean nothing. Prints to standard output, and what went wrong to standard error.
     int run();
 
     /// Observes PBProfilesDidChangeNotification: notes the profiles that are new.
     void profilesDidChange(NSNotification* notification);
+    /// The message of readers: tells how far the reading has come.
+    void readerDidRead_of(unsigned long long count, unsigned long long length);
+    /// Observe the counter of the document: tell how far the count has come, and what was counted.
+    void counterDidAdvance(WRDocumentCounter* counter);
+    void counterDidFinish(WRDocumentCounter* counter);
+    /// The messages of the main loop: an edit of the command line, a line of standard input.
+    void takeEdit(NSString* line);
+    void takeLine(NSString* line);
 
   protected:
     WRApplication() = default;
@@ -43,11 +54,11 @@ class WRApplication : public NSObject {
     bool openDocument();
     void loadDocumentPlugIns();
     void examineDocument();
-    bool saveDocument();
+    void runMainLoop();
+    void applyEdit(NSString* line);
+    void saveDocument();
 
     void reportStart(NSArray* bundles);
-    void reportDocument(WRDocumentOpener* opener);
-    NSString* reasonForReader(WRDocumentOpener* opener);
     void reportArrivals(NSArray* bundles);
 
     void markMoment(const char* name);
@@ -56,10 +67,14 @@ class WRApplication : public NSObject {
 
     Retained<WRArguments> _arguments;
     Retained<WRReport> _report;
+    Retained<WRProgressLine> _progress;
     Retained<WRPlugInLoader> _loader;
     Retained<WRDocument> _document;
+    Retained<WRMainLoop> _loop;
     Retained<NSMutableArray> _arrivals;  // PBProfiles, since the start
     Retained<NSMutableSet> _knownIdentifiers;
+    NSUInteger _waitingEdits = 0;
+    bool _hasFailed = false;
     std::chrono::steady_clock::time_point _start;
     std::string _timing;
 };

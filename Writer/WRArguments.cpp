@@ -1,27 +1,60 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/WRArguments.h"
 
-#include "Foundation/NSArray.h"
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSMutableString.h"
 #include "PBUtil.h"
+#include "Writer/TextEdit.h"
 #include "Writer/WriterLibrary.h"
 
 namespace pelvor {
+
+enum class OptionKind { flag, text, edit };
+
+struct ProgramOption {
+    OptionKind kind;
+    NSString* name;
+    NSString* placeholder;
+    NSString* explanation;
+    NSString* needed = nullptr;  // the option without which it means nothing
+};
+
 namespace {
 
-struct Option {
-    const char* form;
-    NSString* explanation;
+constexpr ProgramOption kOptions[] = {
+    {OptionKind::text, u"--encoding"_ns, u"NAME"_ns, u"_the document's encoding, found out by default"_ns},
+    {OptionKind::edit, u"--edit"_ns, u"EDIT"_ns,
+     u"_changes the document: \"insert POSITION TEXT\", \"delete POSITION LENGTH\", \"replace POSITION LENGTH TEXT\""_ns},
+    {OptionKind::text, u"--save-as"_ns, u"FILE"_ns, u"_writes the document to the file"_ns},
+    {OptionKind::text, u"--save-encoding"_ns, u"NAME"_ns, u"_the encoding to write in, UTF-8 by default"_ns,
+     u"--save-as"_ns},
+    {OptionKind::flag, u"--stay"_ns, u""_ns,
+     u"_stays and takes edits, \"save\" and \"quit\" line by line from standard input"_ns},
+    {OptionKind::flag, u"--list"_ns, u""_ns, u"_shows what is registered and nothing else"_ns},
+    {OptionKind::flag, u"--timing"_ns, u""_ns, u"_prints when each stage was reached"_ns},
+    {OptionKind::flag, u"--help"_ns, u""_ns, u"_this text"_ns},
 };
 
-constexpr Option kOptions[] = {
-    {"--encoding NAME", u"_the document's encoding, found out by default"_ns},
-    {"--save-as FILE", u"_writes the document to the file"_ns},
-    {"--save-encoding NAME", u"_the encoding to write in, UTF-8 by default"_ns},
-    {"--list", u"_shows what is registered and nothing else"_ns},
-    {"--timing", u"_prints when each stage was reached"_ns},
-    {"--help", u"_this text"_ns},
-};
+const ProgramOption* optionNamed(NSString* name) {
+    if (name->isEqualToString(u"-h"_ns)) name = u"--help"_ns;
+    for (const ProgramOption& option : kOptions)
+        if (option.name->isEqualToString(name)) return &option;
+    return nullptr;
+}
+
+template <class... Arguments>
+NSString* problemText(NSString* key, const Arguments&... arguments) {
+    return NSString::stringWithFormat(_PBDoLocalize(key, nullptr), arguments...);
+}
+
+// What is wrong with the value, or none.
+NSString* problemOfValue(const ProgramOption& option, NSString* value) {
+    if (value->length() == 0) return problemText(u"_The argument \"%@\" needs a value."_ns, option.name);
+    if (option.kind == OptionKind::edit && !textEditOf(value))
+        return problemText(u"_The argument \"%@\" does not understand \"%@\"."_ns, option.name, value);
+    return nullptr;
+}
 
 }  // namespace
 
@@ -30,16 +63,17 @@ PELVOR_DEFINE_CLASS(WRArguments, writerLibrary) {
     methods.classLevel<"usage", &WRArguments::usage>();
     methods.instance<"problem", &WRArguments::problem>();
     methods.instance<"documentPath", &WRArguments::documentPath>();
-    methods.instance<"encodingName", &WRArguments::encodingName>();
-    methods.instance<"savePath", &WRArguments::savePath>();
-    methods.instance<"saveEncodingName", &WRArguments::saveEncodingName>();
-    methods.instance<"wantsHelp", &WRArguments::wantsHelp>();
-    methods.instance<"wantsList", &WRArguments::wantsList>();
-    methods.instance<"wantsTiming", &WRArguments::wantsTiming>();
+    methods.instance<"hasOption:", &WRArguments::hasOption>();
+    methods.instance<"valueOfOption:", &WRArguments::valueOfOption>();
+    methods.instance<"numberOfOption:", &WRArguments::numberOfOption>();
+    methods.instance<"valuesOfOption:", &WRArguments::valuesOfOption>();
 }
+
+WRArguments::~WRArguments() = default;
 
 Retained<WRArguments> WRArguments::initWithArguments(NSArray* arguments, Class* cls) {
     auto self = make<WRArguments>(cls);
+    self->_values = NSMutableDictionary::init();
     for (NSUInteger i = 0; i < arguments->count() && !self->_problem; ++i) self->takeArgument(arguments, i);
     if (!self->_problem) self->checkTogether();
     return self;
@@ -54,60 +88,70 @@ void WRArguments::takeArgument(NSArray* arguments, NSUInteger& index) {
         _hasOptionsEnded = true;
         return;
     }
-    if (takeFlag(argument)) return;
     const NSRange equals = argument->rangeOfString_options(u"="_ns, NSLiteralSearch);
     const bool isJoined = equals.location != NSNotFound;
-    NSString* name = isJoined ? argument->substringToIndex(equals.location) : argument;
-    Retained<NSString>* value = valueNamed(name);
-    if (!value) return complain(u"_The argument \"%@\" is not known."_ns, argument);
-    if (isJoined) return takeValue(name, *value, argument->substringFromIndex(NSMaxRange(equals)));
-    if (++index == arguments->count()) return complain(u"_The argument \"%@\" needs a value."_ns, name);
-    takeValue(name, *value, static_cast<NSString*>(arguments->objectAtIndex(index)));
+    const ProgramOption* option =
+        optionNamed(isJoined ? argument->substringToIndex(equals.location) : argument);
+    if (!option || (isJoined && option->kind == OptionKind::flag))
+        return _problem.set(problemText(u"_The argument \"%@\" is not known."_ns, argument));
+    if (option->kind == OptionKind::flag) return addValue(option->name, u""_ns);
+    if (isJoined) return takeValue(*option, argument->substringFromIndex(NSMaxRange(equals)));
+    if (++index == arguments->count())
+        return _problem.set(problemText(u"_The argument \"%@\" needs a value."_ns, option->name));
+    takeValue(*option, static_cast<NSString*>(arguments->objectAtIndex(index)));
 }
 
 void WRArguments::takeDocument(NSString* path) {
-    if (_documentPath) return complain(u"_Only one document can be opened; \"%@\" is too many."_ns, path);
+    if (_documentPath)
+        _problem.set(problemText(u"_Only one document can be opened; \"%@\" is too many."_ns, path));
     _documentPath.set(path);
 }
 
-bool WRArguments::takeFlag(NSString* name) {
-    const bool isHelp = name->isEqualToString(u"--help"_ns) || name->isEqualToString(u"-h"_ns);
-    const bool isList = name->isEqualToString(u"--list"_ns);
-    const bool isTiming = name->isEqualToString(u"--timing"_ns);
-    _wantsHelp |= isHelp;
-    _wantsList |= isList;
-    _wantsTiming |= isTiming;
-    return isHelp || isList || isTiming;
+void WRArguments::takeValue(const ProgramOption& option, NSString* value) {
+    _problem.set(problemOfValue(option, value));
+    addValue(option.name, value);
 }
 
-Retained<NSString>* WRArguments::valueNamed(NSString* name) {
-    if (name->isEqualToString(u"--encoding"_ns)) return &_encodingName;
-    if (name->isEqualToString(u"--save-as"_ns)) return &_savePath;
-    if (name->isEqualToString(u"--save-encoding"_ns)) return &_saveEncodingName;
-    return nullptr;
-}
-
-void WRArguments::takeValue(NSString* name, Retained<NSString>& value, NSString* text) {
-    if (text->length() == 0) return complain(u"_The argument \"%@\" needs a value."_ns, name);
-    value.set(text);
+void WRArguments::addValue(NSString* name, NSString* value) {
+    if (!hasOption(name)) _values->setObject_forKey(NSMutableArray::array(), name);
+    static_cast<NSMutableArray*>(_values->objectForKey(name))->addObject(value);
 }
 
 void WRArguments::checkTogether() {
-    if (_saveEncodingName && !_savePath)
-        complain(u"_The argument \"%@\" needs another: \"--save-as\"."_ns, u"--save-encoding"_ns);
+    for (const ProgramOption& option : kOptions)
+        if (option.needed && hasOption(option.name) && !hasOption(option.needed))
+            _problem.set(
+                problemText(u"_The argument \"%@\" needs another: \"%@\"."_ns, option.name, option.needed));
 }
 
-void WRArguments::complain(NSString* key, NSString* argument) {
-    _problem.set(NSString::stringWithFormat(_PBDoLocalize(key, nullptr), argument));
+bool WRArguments::hasOption(NSString* name) { return _values->objectForKey(name); }
+
+NSString* WRArguments::valueOfOption(NSString* name) {
+    NSArray* values = valuesOfOption(name);
+    return values->count() ? static_cast<NSString*>(values->lastObject()) : nullptr;
+}
+
+NSUInteger WRArguments::numberOfOption(NSString* name) {
+    NSString* value = valueOfOption(name);
+    return value ? static_cast<NSUInteger>(value->intValue()) : 0;
+}
+
+NSArray* WRArguments::valuesOfOption(NSString* name) {
+    auto* values = static_cast<NSArray*>(_values->objectForKey(name));
+    return values ? values : NSArray::array();
 }
 
 NSString* WRArguments::usage() {
     NSMutableString* text = NSMutableString::string();
     text->appendString(_PBDoLocalize(u"_Usage: PelvorWriter [options] [document]"_ns, nullptr));
     text->append(u"\n");
-    text->appendString(_PBDoLocalize(u"_Opens the document, or a sample, and tells what is in it."_ns, nullptr));
-    for (const Option& option : kOptions)
-        text->appendFormat(u"\n  %-20s  %@"_ns, option.form, _PBDoLocalize(option.explanation, nullptr));
+    text->appendString(
+        _PBDoLocalize(u"_Opens the document, or a sample, and tells what is in it."_ns, nullptr));
+    for (const ProgramOption& option : kOptions) {
+        NSString* form = NSString::stringWithFormat(u"%@ %@"_ns, option.name, option.placeholder);
+        form = form->stringByPaddingToLength_withString_startingAtIndex(20, u" "_ns, 0);
+        text->appendFormat(u"\n  %@  %@"_ns, form, _PBDoLocalize(option.explanation, nullptr));
+    }
     return text;
 }
 

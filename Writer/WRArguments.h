@@ -7,9 +7,11 @@
 namespace pelvor {
 
 class NSArray;
+class NSMutableDictionary;
+struct ProgramOption;
 
 /// The arguments of the program, "--encoding NAME" or "--encoding=NAME", in any order; after "--" everything
-/// is a document.
+/// is a document. Options are asked for by their names, "--encoding".
 class WRArguments : public NSObject {
     PELVOR_CLASS(WRArguments, NSObject);
 
@@ -21,42 +23,31 @@ class WRArguments : public NSObject {
     NSString* problem() { return _problem; }
     /// None for the sample document.
     NSString* documentPath() { return _documentPath; }
-    /// The encoding to read in; none to find it out.
-    NSString* encodingName() { return _encodingName; }
-    /// Where to write the document; none for nowhere.
-    NSString* savePath() { return _savePath; }
-    /// The encoding to write in; none for the writer's own.
-    NSString* saveEncodingName() { return _saveEncodingName; }
-    bool wantsHelp() { return _wantsHelp; }
-    /// Whether to show what is registered and nothing else.
-    bool wantsList() { return _wantsList; }
-    /// Whether to print when each stage was reached.
-    bool wantsTiming() { return _wantsTiming; }
+    bool hasOption(NSString* name);
+    /// The value that was given last; none if the option was not given.
+    NSString* valueOfOption(NSString* name);
+    /// Of an option with a number; 0 if it was not given.
+    NSUInteger numberOfOption(NSString* name);
+    /// All the values, in their order. Borrowed.
+    NSArray* valuesOfOption(NSString* name);
 
     /// The explanation of the arguments.
     static NSString* usage();
 
   protected:
     WRArguments() = default;
-    ~WRArguments() = default;
+    ~WRArguments();
 
   private:
     void takeArgument(NSArray* arguments, NSUInteger& index);
     void takeDocument(NSString* path);
-    bool takeFlag(NSString* name);
-    Retained<NSString>* valueNamed(NSString* name);
-    void takeValue(NSString* name, Retained<NSString>& value, NSString* text);
+    void takeValue(const ProgramOption& option, NSString* value);
+    void addValue(NSString* name, NSString* value);
     void checkTogether();
-    void complain(NSString* key, NSString* argument);
 
     Retained<NSString> _problem;
     Retained<NSString> _documentPath;
-    Retained<NSString> _encodingName;
-    Retained<NSString> _savePath;
-    Retained<NSString> _saveEncodingName;
-    bool _wantsHelp = false;
-    bool _wantsList = false;
-    bool _wantsTiming = false;
+    Retained<NSMutableDictionary> _values;  // from the names of options to lists of strings
     bool _hasOptionsEnded = false;
 };
 

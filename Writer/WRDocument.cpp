@@ -2,6 +2,8 @@
 #include "Writer/WRDocument.h"
 
 #include "Foundation/NSDictionary.h"
+#include "Foundation/NSMutableString.h"
+#include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSNumber.h"
 #include "PBProfile.h"
 #include "Runtime/NSException.h"
@@ -15,6 +17,8 @@ PELVOR_DEFINE_CLASS(WRDocument, writerLibrary) {
     methods.classLevel<"initWithPath:reader:answer:", &WRDocument::initWithPath_reader_answer>();
     methods.instance<"path", &WRDocument::path>();
     methods.instance<"text", &WRDocument::text>();
+    methods
+        .instance<"replaceCharactersInRange:withString:", &WRDocument::replaceCharactersInRange_withString>();
     methods.instance<"reader", &WRDocument::reader>();
     methods.instance<"encodingName", &WRDocument::encodingName>();
     methods.instance<"hasByteOrderMark", &WRDocument::hasByteOrderMark>();
@@ -40,6 +44,16 @@ Retained<WRDocument> WRDocument::initWithPath_reader_answer(NSString* path, PBPr
     auto* count = cast<NSNumber>(answer->objectForKey(WRByteCountKey));
     self->_byteCount = count ? count->unsignedLongLongValue() : 0;
     return self;
+}
+
+// A text that is never changed is never copied.
+void WRDocument::replaceCharactersInRange_withString(NSRange range, NSString* string) {
+    auto text = Retained<NSMutableString>::retaining(cast<NSMutableString>(_text.get()));
+    if (!text) text = _text->mutableCopy();
+    text->replaceCharactersInRange_withString(range, string);
+    _text = std::move(text);
+    _paragraphs.reset();
+    NSNotificationCenter::defaultCenter()->postNotificationName_object(WRDocumentDidChangeNotification, this);
 }
 
 NSUInteger WRDocument::paragraphCount() { return static_cast<NSUInteger>(paragraphs().size()); }

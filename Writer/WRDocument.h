@@ -12,7 +12,10 @@ namespace pelvor {
 class NSDictionary;
 class PBProfile;
 
-/// The text of a document and how it came in. Never changes. Main thread.
+/// Posted by a document after its text has changed.
+inline constexpr NSString* WRDocumentDidChangeNotification = u"WRDocumentDidChangeNotification"_ns;
+
+/// The text of a document and how it came in. Main thread.
 class WRDocument : public NSObject {
     PELVOR_CLASS(WRDocument, NSObject);
 
@@ -22,7 +25,10 @@ class WRDocument : public NSObject {
                                                            NSDictionary* answer, Class* cls = classObject());
 
     NSString* path() { return _path; }
+    /// Good until the next change.
     NSString* text() { return _text; }
+    /// Changes the text. Raises NSRangeException for a range outside.
+    void replaceCharactersInRange_withString(NSRange range, NSString* string);
     /// The profile of the reader that read it.
     PBProfile* reader() { return _reader; }
     /// None where there is no encoding, as for bytes.

@@ -5,10 +5,13 @@
 #include "Writer/WRApplication.h"
 #include "Writer/WRArguments.h"
 #include "Writer/WRDocument.h"
+#include "Writer/WRDocumentCounter.h"
 #include "Writer/WRDocumentOpener.h"
 #include "Writer/WRDocumentSaver.h"
+#include "Writer/WRMainLoop.h"
 #include "Writer/WRPlugInLoader.h"
 #include "Writer/WRProfileListing.h"
+#include "Writer/WRProgressLine.h"
 #include "Writer/WRReport.h"
 
 namespace pelvor {
@@ -18,9 +21,10 @@ constexpr Library* kDependencies[] = {&baseLibrary};
 
 // Alphabetical; a superclass is registered before its subclasses wherever it stands.
 constexpr Class* kClasses[] = {
-    &WRApplication::classRecord,    &WRArguments::classRecord,     &WRDocument::classRecord,
-    &WRDocumentOpener::classRecord, &WRDocumentSaver::classRecord, &WRPlugInLoader::classRecord,
-    &WRProfileListing::classRecord, &WRReport::classRecord,
+    &WRApplication::classRecord,     &WRArguments::classRecord,      &WRDocument::classRecord,
+    &WRDocumentCounter::classRecord, &WRDocumentOpener::classRecord, &WRDocumentSaver::classRecord,
+    &WRMainLoop::classRecord,        &WRPlugInLoader::classRecord,   &WRProfileListing::classRecord,
+    &WRProgressLine::classRecord,    &WRReport::classRecord,
 };
 
 }  // namespace

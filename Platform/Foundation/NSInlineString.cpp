@@ -76,4 +76,8 @@ void NSExternalString::getCharacters_range(unichar* buffer, NSRange range) {
     copyUnits(buffer, {_units, _length}, range);
 }
 
+Retained<Object> NSExternalString::copyWithZone(void* zone) {
+    return _freeWhenDone ? Retained<Object>::retaining(this) : NSString::copyWithZone(zone);
+}
+
 }  // namespace pelvor

@@ -51,6 +51,8 @@ class NSExternalString final : public NSString {
     unichar characterAtIndex(NSUInteger index) override;
     void getCharacters_range(unichar* buffer, NSRange range) override;
     const unichar* contiguousCharacters() override { return _units; }
+    /// Units of its own need not be copied.
+    Retained<Object> copyWithZone(void* zone) override;
 
   protected:
     NSExternalString() = default;

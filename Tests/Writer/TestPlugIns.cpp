@@ -13,8 +13,8 @@ namespace pelvor {
 namespace {
 
 constexpr Library* kDependencies[] = {&baseLibrary};
-constexpr Class* kClasses[] = {&WRTestPathReader::classRecord, &WRTestReader::classRecord,
-                               &WRTestWriter::classRecord};
+constexpr Class* kClasses[] = {&WRTestObserver::classRecord, &WRTestPathReader::classRecord,
+                               &WRTestReader::classRecord, &WRTestWriter::classRecord};
 
 NSDictionary* error(NSString* error) {
     return NSDictionary::of({{WRErrorKey, error}, {WRMessageKey, u"message"_ns}});
@@ -23,6 +23,12 @@ NSDictionary* error(NSString* error) {
 }  // namespace
 
 constinit Library testPlugIns{"TestPlugIns", kDependencies, kClasses, {}};
+
+PELVOR_DEFINE_CLASS(WRTestObserver, testPlugIns) {
+    methods.instance<"counterDidAdvance:", &WRTestObserver::counterDidAdvance>();
+    methods.instance<"counterDidFinish:", &WRTestObserver::counterDidFinish>();
+    methods.instance<"didCount:", &WRTestObserver::didCount>();
+}
 
 PELVOR_DEFINE_CLASS(WRTestPathReader, testPlugIns) {
     methods.instance<"readDocumentAtPath:options:", &WRTestPathReader::readDocumentAtPath_options>();
@@ -66,8 +72,8 @@ PBProfile* addProfile(PBRegistry* registry, const char* identifier, NSString* ty
     dictionary->setObject_forKey(types, PBProfileDocumentTypesKey);
     dictionary->setObject_forKey(NSString::ofUTF8(className), PBProfileClassKey);
     if (order) dictionary->setObject_forKey(NSNumber::numberWithInt(order), PBProfilePaletteOrderKey);
-    auto* profile = PBProfile::profileWithIdentifier_dictionary_bundle(NSString::ofUTF8(identifier),
-                                                                       dictionary, nullptr);
+    auto* profile =
+        PBProfile::profileWithIdentifier_dictionary_bundle(NSString::ofUTF8(identifier), dictionary, nullptr);
     registry->addProfile(profile);
     return profile;
 }

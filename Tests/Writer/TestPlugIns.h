@@ -16,8 +16,8 @@ class WRTestPathReader : public NSObject {
     NSDictionary* readDocumentAtPath_options(NSString* path, NSDictionary* options);
 };
 
-/// Answers as the path's last component without extension says: "refused", "encoding", "nothing", "odd" (a text
-/// that is a number), "throw", or, for the rest, none.
+/// Answers as the path's last component without extension says: "refused", "encoding", "nothing", "odd" (a
+/// text that is a number), "throw", or, for the rest, none.
 class WRTestReader : public NSObject {
     PELVOR_CLASS(WRTestReader, NSObject);
 
@@ -32,6 +32,17 @@ class WRTestWriter : public NSObject {
   public:
     NSDictionary* writeText_toPath_options(NSString* text, NSString* path, NSDictionary* options);
     static Retained<NSString> writtenText;
+};
+
+/// Writes down what the counter of a document told it.
+class WRTestObserver : public NSObject {
+    PELVOR_CLASS(WRTestObserver, NSObject);
+
+  public:
+    void counterDidAdvance(id counter) { told += "advanced "; }
+    void counterDidFinish(id counter) { told += "finished "; }
+    void didCount(id notification) { told += "posted "; }
+    std::string told;
 };
 
 extern Library testPlugIns;

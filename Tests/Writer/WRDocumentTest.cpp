@@ -62,35 +62,50 @@ TEST_F(Document, OfNothingHasNoParagraphs) {
     EXPECT_EQ(documentWith(u"a")->paragraphCount(), 1u);
 }
 
-TEST_F(Document, IsMeasuredInWordsAndCharacters) {
-    const struct {
-        const char16_t* text;
-        NSUInteger words;
-        NSUInteger codePoints;
-    } cases[] = {
-        {u"", 0, 0},
-        {u"one two", 2, 7},
-        {u"don’t l'homme ’tis’", 3, 19},
-        {u"1,250.50 £ at 6:42.", 4, 19},
-        {u"end. 3 . 4, five", 4, 16},
-        {u"naïve Straße, 日本", 3, 16},
-        {u"🐈 𝐀𝐁 x", 2, 6},
-    };
-    for (const auto& expected : cases) {
-        const TextMeasure measure = measureDocument(documentWith(expected.text).get());
-        EXPECT_EQ(measure.words, expected.words) << NSString::of(expected.text);
-        EXPECT_EQ(measure.codePoints, expected.codePoints) << NSString::of(expected.text);
+TEST_F(Document, TellsThatItsTextHasChanged) {
+    auto document = documentWith(u"one\ntwo");
+    EXPECT_EQ(document->paragraphCount(), 2u);
+    document->replaceCharactersInRange_withString({3, 1}, u"\n\n"_ns);
+    EXPECT_EQ(document->text()->toUTF8(), "one\n\ntwo");
+    EXPECT_EQ(document->paragraphCount(), 3u);
+    EXPECT_THROW(document->replaceCharactersInRange_withString({8, 1}, u""_ns), NSException);
+}
+
+struct CountCase {
+    const char16_t* text;
+    TextCount count;  // code points, words, paragraphs, the longest one's index and length
+};
+
+const CountCase kCounts[] = {
+    {u"", {0, 0, 0, 0, 0}},
+    {u"one two", {7, 2, 1, 0, 7}},
+    {u"don’t l'homme ’tis’", {19, 3, 1, 0, 19}},
+    {u"1,250.50 £ at 6:42.", {19, 4, 1, 0, 19}},
+    {u"end. 3 . 4, five", {16, 4, 1, 0, 16}},
+    {u"naïve Straße, 日本", {16, 3, 1, 0, 16}},
+    {u" \n  the 🐈 sat \r\nlonger than that\nwithin the hour\n\n", {50, 8, 5, 2, 16}},
+};
+
+TEST_F(Document, IsCountedTheSameInPiecesOfAnyLength) {
+    for (const auto& [text, expected] : kCounts) {
+        for (NSUInteger step : {1u, 2u, 3u, 7u, 100u}) {
+            TextCounter counter(NSString::of(text));
+            while (!counter.isDone()) counter.advance(step);
+            const TextCount& count = counter.count();
+            EXPECT_EQ(count.codePoints, expected.codePoints) << NSString::of(text) << step;
+            EXPECT_EQ(count.words, expected.words) << NSString::of(text) << step;
+            EXPECT_EQ(count.paragraphs, expected.paragraphs) << NSString::of(text) << step;
+            EXPECT_EQ(count.longestParagraph, expected.longestParagraph) << NSString::of(text) << step;
+            EXPECT_EQ(count.longestLength, expected.longestLength) << NSString::of(text) << step;
+        }
     }
 }
 
-TEST_F(Document, HasAFirstLongestParagraphAndAFirstLine) {
-    auto document = documentWith(u" \n  the 🐈 sat \nlonger than that\nwithin the hour\n");
-    const TextMeasure measure = measureDocument(document);
-    EXPECT_EQ(measure.longestParagraph, 2u);
-    EXPECT_EQ(measure.longestLength, 16u);
-    EXPECT_EQ(firstLineOfDocument(document, 72)->toUTF8(), "the 🐈 sat");
-    EXPECT_EQ(firstLineOfDocument(document, 5)->toUTF8(), "the …");
-    EXPECT_EQ(firstLineOfDocument(documentWith(u"\n \n").get(), 9)->length(), 0u);
+TEST_F(Document, HasAFirstLine) {
+    NSString* text = u" \n  the 🐈 sat \nlonger"_ns;
+    EXPECT_EQ(firstLineOfText(text, 72)->toUTF8(), "the 🐈 sat");
+    EXPECT_EQ(firstLineOfText(text, 5)->toUTF8(), "the …");
+    EXPECT_EQ(firstLineOfText(u"\n \n"_ns, 9)->length(), 0u);
 }
 
 }  // namespace

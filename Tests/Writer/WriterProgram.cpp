@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "WriterProgram.h"
 
+#include <fcntl.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 
 namespace pelvor {
@@ -17,19 +20,94 @@ std::string shellQuoted(const std::string& text) {
 }  // namespace
 
 std::string WriterRun::valueOf(const std::string& label) const {
-    const std::size_t at = output.find("    " + label + ": ");
+    const std::size_t at = output.rfind("    " + label + ": ");
     if (at == output.npos) return "";
     const std::size_t start = at + label.size() + 6;
     return output.substr(start, output.find('\n', start) - start);
 }
 
-WriterRun WriterProgram::run(const std::vector<std::string>& arguments) {
-    std::string command = "env -u LANGUAGE -u LC_ALL -u LC_MESSAGES -u XDG_CONFIG_HOME HOME=" +
-                          shellQuoted(folder.path("home")) + " LANG=" + shellQuoted(_locale) + " " + shellQuoted(_program);
+std::size_t WriterRun::countOf(const std::string& text) const {
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = output.find(text, at)) != output.npos; at += text.size()) ++count;
+    return count;
+}
+
+WriterSession::WriterSession(const std::string& command, WriterOutput kind) {
+    int input[2], output[2];
+    if (pipe2(input, O_CLOEXEC) != 0) std::abort();
+    if (kind == WriterOutput::terminal) {
+        output[0] = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        if (grantpt(output[0]) != 0 || unlockpt(output[0]) != 0) std::abort();
+        output[1] = open(ptsname(output[0]), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    } else if (pipe2(output, O_CLOEXEC) != 0) {
+        std::abort();
+    }
+    _process = fork();
+    if (_process == 0) {
+        dup2(input[0], STDIN_FILENO);
+        dup2(output[1], STDOUT_FILENO);
+        execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+        _exit(127);
+    }
+    close(input[0]);
+    close(output[1]);
+    _input = input[1];
+    _output = output[0];
+}
+
+WriterSession::~WriterSession() {
+    if (_process > 0) end();
+}
+
+void WriterSession::write(const std::string& input) {
+    if (::write(_input, input.data(), input.size()) < 0) std::abort();
+}
+
+// A terminal that nobody writes to any more fails to be read.
+bool WriterSession::read() {
+    char bytes[4096];
+    const ssize_t count = ::read(_output, bytes, sizeof bytes);
+    if (count > 0) _run.output.append(bytes, static_cast<std::size_t>(count));
+    return count > 0;
+}
+
+bool WriterSession::waitFor(const std::string& text, std::size_t times) {
+    while (_run.countOf(text) < times)
+        if (!read()) return false;
+    return true;
+}
+
+void WriterSession::signal(int number) { kill(_process, number); }
+
+WriterRun WriterSession::end() {
+    close(_input);
+    while (read()) {
+    }
+    close(_output);
+    int status = 0;
+    waitpid(_process, &status, 0);
+    _process = 0;
+    _run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return _run;
+}
+
+std::unique_ptr<WriterSession> WriterProgram::start(const std::vector<std::string>& arguments,
+                                                    WriterOutput kind, const std::string& inputPath) {
+    std::string command = "exec env -u LANGUAGE -u LC_ALL -u LC_MESSAGES -u XDG_CONFIG_HOME HOME=" +
+                          shellQuoted(folder.path("home")) + " LANG=" + shellQuoted(_locale) + " " +
+                          shellQuoted(_program);
     for (const std::string& argument : arguments) command += " " + shellQuoted(argument);
-    command += " >" + shellQuoted(folder.path("output")) + " 2>" + shellQuoted(folder.path("errors")) + " </dev/null";
-    const int status = std::system(command.c_str());
-    return {folder.read("output"), folder.read("errors"), WIFEXITED(status) ? WEXITSTATUS(status) : -1};
+    if (!inputPath.empty()) command += " <" + shellQuoted(inputPath);
+    return std::make_unique<WriterSession>(command + " 2>" + shellQuoted(folder.path("errors")), kind);
+}
+
+WriterRun WriterProgram::run(const std::vector<std::string>& arguments, const std::string& input,
+                             WriterOutput kind, const std::string& inputPath) {
+    const auto session = start(arguments, kind, inputPath);
+    if (!input.empty()) session->write(input);
+    WriterRun run = session->end();
+    run.errors = folder.read("errors");
+    return run;
 }
 
 std::string WriterProgram::useCopy() {

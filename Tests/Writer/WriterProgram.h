@@ -2,6 +2,9 @@
 // WriterProgram: runs the built program, in a copy of its bundle if need be.
 #pragma once
 
+#include <sys/types.h>
+
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -17,8 +20,35 @@ struct WriterRun {
 
     bool prints(const std::string& text) const { return output.find(text) != output.npos; }
     bool complains(const std::string& text) const { return errors.find(text) != errors.npos; }
-    /// The rest of the line that has the label, "Words: 12"; "" for none.
+    /// The rest of the last line that has the label, "Words: 12"; "" for none.
     std::string valueOf(const std::string& label) const;
+    std::size_t countOf(const std::string& text) const;
+};
+
+enum class WriterOutput { pipe, terminal };
+
+/// The program while it runs.
+class WriterSession {
+  public:
+    WriterSession(const std::string& command, WriterOutput kind);
+    ~WriterSession();
+    WriterSession(const WriterSession&) = delete;
+    WriterSession& operator=(const WriterSession&) = delete;
+
+    void write(const std::string& input);
+    /// Reads on until the output so far has the text so many times; false if it ends before.
+    bool waitFor(const std::string& text, std::size_t times = 1);
+    void signal(int number);
+    /// Ends the input and reads to the end.
+    WriterRun end();
+
+  private:
+    bool read();
+
+    WriterRun _run;
+    pid_t _process;
+    int _input;
+    int _output;
 };
 
 /// The program, with settings of its own and in the language of the locale.
@@ -26,7 +56,12 @@ class WriterProgram {
   public:
     explicit WriterProgram(std::string locale = "en_GB.UTF-8") : _locale(std::move(locale)) {}
 
-    WriterRun run(const std::vector<std::string>& arguments);
+    /// Standard input is what is written to it, or the file at the path.
+    WriterRun run(const std::vector<std::string>& arguments, const std::string& input = "",
+                  WriterOutput kind = WriterOutput::pipe, const std::string& inputPath = "");
+    std::unique_ptr<WriterSession> start(const std::vector<std::string>& arguments,
+                                         WriterOutput kind = WriterOutput::pipe,
+                                         const std::string& inputPath = "");
     /// From now on runs a copy of the bundle, and answers the copy's folder of plug-ins.
     std::string useCopy();
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 
 namespace pelvor {
 namespace {
@@ -38,12 +39,12 @@ const LanguageCase kLanguages[] = {
       "Document services: Word statistics"}},
     {"fr_FR.UTF-8",
      {"Lecteurs de documents : Texte brut (txt, text, log, *), Texte Markdown (md, markdown), ",
-      "Unités de mesure : Millimètre (mm), Centimètre (cm), Pouce (in)", "Anglais : ",
-      "Dernière ligne : terminée", "Services de documents : Statistique des mots"}},
+      "Unités de mesure : Millimètre (mm), Centimètre (cm), Pouce (in)",
+      "Anglais : ", "Dernière ligne : terminée", "Services de documents : Statistique des mots"}},
     {"de_CH.UTF-8",
      {"Dokumentleser: Reiner Text (txt, text, log, *), Markdown-Text (md, markdown), ",
-      "Maßeinheiten: Millimeter (mm), Zentimeter (cm), Zoll (in)", "Englisch: ",
-      "Letzte Zeile: abgeschlossen", "Dokumentdienste: Wortstatistik"}},
+      "Maßeinheiten: Millimeter (mm), Zentimeter (cm), Zoll (in)",
+      "Englisch: ", "Letzte Zeile: abgeschlossen", "Dokumentdienste: Wortstatistik"}},
 };
 
 TEST(WriterProgram, SpeaksTheLanguageOfTheUser) {
@@ -66,8 +67,9 @@ TEST(WriterProgram, LoadsAPlugInLaterAndHearsOfItsProfiles) {
     EXPECT_FALSE(listing.prints("Word statistics"));
     const WriterRun run = WriterProgram().run({});
     const std::size_t document = run.output.find("\nDocument “Sample.txt”");
-    const std::size_t arrival = run.output.find("\nLoaded for the document\n    Plug-ins (1): WordStatistics\n"
-                                                "    Document services: Word statistics\n");
+    const std::size_t arrival = run.output.find(
+        "\nLoaded for the document\n    Plug-ins (1): WordStatistics\n"
+        "    Document services: Word statistics\n");
     EXPECT_LT(document, arrival);
     ASSERT_NE(arrival, std::string::npos);
     // Both are made by its load-time hooks.
@@ -102,7 +104,10 @@ TEST(WriterProgram, ReadsWhateverItIsGiven) {
         {"notes.md", "# Two *words*\n", "Markdown text, of 3, because it is for “md” documents", "14", "2"},
         {"picture.md", "\x89PNG\r\n\x1A\n\0\0\0\r"s, "Bytes in hexadecimal, the first of 3", "12", "14"},
         {"data.bin", "plain words", "Bytes in hexadecimal, of 2, because it is for “bin”", "11", "14"},
-        {"Brief.TXT", "gr\xFC\xDF" "e", "Plain text, of 2, because it is for “TXT”", "5", "1"},
+        {"Brief.TXT",
+         "gr\xFC\xDF"
+         "e",
+         "Plain text, of 2, because it is for “TXT”", "5", "1"},
     };
     for (const DocumentCase& expected : cases) {
         WriterProgram program;
@@ -133,7 +138,8 @@ TEST(WriterProgram, SaysInOneLineWhyADocumentCannotBeOpened) {
     WriterProgram program("fr_FR.UTF-8");
     const std::string latin = program.folder.write("latin.txt", "caf\xE9");
     const FaultCase cases[] = {
-        {{program.folder.path("missing.txt")}, "missing.txt » n’a pas pu être ouvert : ce fichier n’existe pas."},
+        {{program.folder.path("missing.txt")},
+         "missing.txt » n’a pas pu être ouvert : ce fichier n’existe pas."},
         {{program.folder.path("")}, "c’est un dossier."},
         {{"/dev/null"}, "ce n’est pas un fichier."},
         {{latin, "--encoding", "UTF-8"}, "« latin.txt » n’est pas du texte dans le codage « UTF-8 »."},
@@ -146,6 +152,66 @@ TEST(WriterProgram, SaysInOneLineWhyADocumentCannotBeOpened) {
         EXPECT_TRUE(run.complains(expected.complaint)) << run.errors;
         EXPECT_EQ(std::count(run.errors.begin(), run.errors.end(), '\n'), 1) << run.errors;
     }
+}
+
+TEST(WriterProgram, CountsOnceAfterABurstOfEdits) {
+    WriterProgram program;
+    const std::string path = program.folder.write("a.txt", "one two\nthree");
+    const WriterRun run =
+        program.run({path, "--edit", "delete 0 4", "--edit", "insert 0 zero \\n", "--edit", "replace 99 1 x",
+                     "--edit", "insert 0 minus ", "--save-as", program.folder.path("b.txt")});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(
+        run.complains("The edit “replace 99 1 x” lies outside the document, which has 16 UTF-16 units."));
+    EXPECT_EQ(run.countOf("\nCounted\n"), 1u) << run.output;
+    EXPECT_EQ(run.valueOf("Words"), "4");
+    EXPECT_EQ(run.valueOf("Paragraphs"), "3");
+    EXPECT_EQ(program.folder.read("b.txt"), "minus zero \ntwo\nthree");
+}
+
+TEST(WriterProgram, StaysUntilItIsTold) {
+    for (int signal : {0, SIGINT, SIGTERM}) {
+        WriterProgram program;
+        const std::string path = program.folder.write("a.txt", "one two");
+        const auto session = program.start({path, "--stay", "--save-as", program.folder.path("b.txt")});
+        ASSERT_TRUE(session->waitFor("Code points: 7\n"));
+        session->write("insert 7  three\ninsert 13  fo");
+        session->write("ur\n\nsave\n");
+        ASSERT_TRUE(session->waitFor("Written"));
+        EXPECT_EQ(program.folder.read("b.txt"), "one two three four");
+        ASSERT_TRUE(session->waitFor("Code points: 18\n"));
+        signal ? session->signal(signal) : session->write("delete 0 4\nquit\nsave\n");
+        const WriterRun run = session->end();
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(run.countOf("Counted"), 2u) << run.output;
+        EXPECT_EQ(program.folder.read("b.txt"), signal ? "one two three four" : "two three four");
+    }
+}
+
+TEST(WriterProgram, TakesLinesOfAFileAndOutlivesItsInput) {
+    WriterProgram program;
+    const std::string lines = program.folder.write("lines", "insert 0 zero \nhop\nquit");
+    const std::string path = program.folder.write("a.txt", "one");
+    const WriterRun run = program.run({path, "--stay", "--save-as", path}, "", WriterOutput::pipe, lines);
+    EXPECT_TRUE(run.complains("The line “hop” means nothing."));
+    EXPECT_EQ(program.folder.read("a.txt"), "zero one");
+    const auto session = program.start({path, "--stay"}, WriterOutput::pipe, "/dev/null");
+    EXPECT_TRUE(session->waitFor("Code points"));
+    session->signal(SIGTERM);
+    EXPECT_EQ(session->end().status, 0);
+}
+
+TEST(WriterProgram, ShowsItsProgressOnATerminalOnly) {
+    WriterProgram program;
+    std::string text;
+    while (text.size() < 1'000'000) text += "some words\n";
+    const std::string path = program.folder.write("a.txt", text);
+    const WriterRun shown = program.run({path}, "", WriterOutput::terminal);
+    EXPECT_TRUE(shown.prints("\r\x1B[KCounting: 13 %\r\x1B[KCounting: 26 %")) << shown.output;
+    EXPECT_TRUE(shown.prints("\r\x1B[K\r\nCounted\r\n"));
+    const WriterRun plain = program.run({path});
+    EXPECT_FALSE(plain.prints("\x1B") || plain.prints("Counting"));
+    EXPECT_EQ(plain.valueOf("Words"), std::to_string(2 * (text.size() / 11)));
 }
 
 TEST(WriterProgram, ExplainsItsArguments) {
@@ -180,7 +246,9 @@ TEST(WriterProgram, WritesWebPagesForTheirExtension) {
 
 TEST(WriterProgram, LeavesTheOldFileWhereWritingFails) {
     WriterProgram program;
-    const std::string source = program.folder.write("a.txt", "\xC5\x81\xC3\xB3" "d\xC5\xBA");
+    const std::string source = program.folder.write("a.txt",
+                                                    "\xC5\x81\xC3\xB3"
+                                                    "d\xC5\xBA");
     const std::string old = program.folder.write("old.txt", "old");
     const WriterRun unfit = program.run({source, "--save-as", old, "--save-encoding", "iso-8859-1"});
     EXPECT_EQ(unfit.status, 1);

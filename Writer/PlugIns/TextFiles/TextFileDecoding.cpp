@@ -3,15 +3,17 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
+#include <utility>
 #include <vector>
 
 #include "Foundation/NSStringEncoding.h"
+#include "Writer/PlugIns/TextFiles/TextBlocks.h"
 
 namespace pelvor {
 namespace {
 
 constexpr std::size_t kSampleLength = 4096;
+constexpr std::size_t kBlockLength = 256 * 1024;  // fits the cache together with its text
 
 struct EncodingGuess {
     NSStringEncoding encoding;
@@ -59,16 +61,16 @@ struct ZeroCounts {
     std::size_t odd() const { return at[1] + at[3]; }
 };
 
-// What the zeros at the front allow. Text of any script has a zero in the highest byte of each UTF-32 character;
-// in UTF-16, spaces, digits and line ends alone make zeros frequent in one half of the units and rare in the
-// other. Bytes that are no text pass now and then, but do not decode.
-std::vector<EncodingGuess> encodingsByZeros(std::string_view bytes) {
+// What the zeros at the front allow. Text of any script has a zero in the highest byte of each UTF-32
+// character; in UTF-16, spaces, digits and line ends alone make zeros frequent in one half of the units and
+// rare in the other. Bytes that are no text pass now and then, but do not decode.
+std::vector<EncodingGuess> encodingsByZeros(std::string_view bytes, std::uint64_t length) {
     const ZeroCounts zeros(bytes);
     std::vector<EncodingGuess> guesses;
-    if (zeros.groups == 0 || bytes.size() % 2 != 0) return guesses;
-    if (bytes.size() % 4 == 0 && zeros.at[3] == zeros.groups)
+    if (zeros.groups == 0 || length % 2 != 0) return guesses;
+    if (length % 4 == 0 && zeros.at[3] == zeros.groups)
         guesses.push_back({NSUTF32LittleEndianStringEncoding, "UTF-32LE", {}});
-    if (bytes.size() % 4 == 0 && zeros.at[0] == zeros.groups)
+    if (length % 4 == 0 && zeros.at[0] == zeros.groups)
         guesses.push_back({NSUTF32BigEndianStringEncoding, "UTF-32BE", {}});
     if (zeros.odd() * 10 >= zeros.groups && zeros.even() * 20 <= zeros.odd())
         guesses.push_back({NSUTF16LittleEndianStringEncoding, "UTF-16LE", {}});
@@ -82,43 +84,121 @@ bool isUnusualControl(char16_t unit) {
     return (unit < 0x20 && !(unit >= u'\t' && unit <= u'\r') && unit != kEscape) || unit == 0x7F;
 }
 
-// Text has no zeros, and hardly any controls but those that lay lines out.
+// Text has hardly any controls but those that lay lines out.
 bool looksLikeText(std::u16string_view units) {
-    if (units.find(u'\0') != units.npos) return false;
     const auto sample = units.substr(0, kSampleLength);
     const auto controls = std::count_if(sample.begin(), sample.end(), isUnusualControl);
     return static_cast<std::size_t>(controls) * 32 <= sample.size();
 }
 
-std::optional<TextFileContent> decodedAs(const EncodingGuess& guess, std::string_view bytes) {
-    auto text = decodeBytes(bytes.substr(guess.mark.size()), guess.encoding);
-    if (!text || !looksLikeText(*text)) return std::nullopt;
-    return TextFileContent{TextFileFault::none, *std::move(text), guess.name, !guess.mark.empty()};
-}
+enum class Trust {
+    guessed,  // what does not look like text is not taken for it
+    named,
+};
 
-TextFileContent decodeByGuess(std::string_view bytes) {
-    if (const EncodingGuess* marked = markedEncoding(bytes))
-        if (auto content = decodedAs(*marked, bytes)) return *std::move(content);
-    for (const EncodingGuess& guess : encodingsByZeros(bytes))
-        if (auto content = decodedAs(guess, bytes)) return *std::move(content);
-    if (auto content = decodedAs({NSUTF8StringEncoding, "UTF-8", {}}, bytes)) return *std::move(content);
-    if (auto content = decodedAs({NSWindowsCP1252StringEncoding, "windows-1252", {}}, bytes))
-        return *std::move(content);
-    return {TextFileFault::notText, {}, {}, false};
+constexpr std::uint64_t kLongestCharacter = 4;
+
+// Reads a file once through, in one encoding.
+class TextFilePass {
+  public:
+    TextFilePass(const TextFileSource& source, const TextFileProgress& progress, Trust trust)
+        : _source(source), _progress(progress), _trust(trust) {}
+
+    /// From the place on. Whether it is valid in the encoding and, if guessed, looks like text.
+    bool decode(NSStringEncoding encoding, std::uint64_t place) {
+        const bool isInBlocks = decodesInBlocks(encoding);
+        const std::uint64_t length = std::max<std::uint64_t>(_source.length(), place) - place;
+        const std::uint64_t blockLength = isInBlocks ? std::min<std::uint64_t>(kBlockLength, length) : length;
+        std::string bytes(std::max<std::uint64_t>(blockLength + 1, kLongestCharacter + 1), '\0');
+        _text.reserve(isInBlocks ? length / fewestBytesPerUnit(encoding) + 1 : 0);
+        for (std::size_t kept = 0;;) {
+            const std::ptrdiff_t count = _source.readAt(place, {bytes.data() + kept, bytes.size() - kept});
+            if (count < 0 || _text.view().size() >= NSNotFound) return fail(TextFileFault::unreadable);
+            place += static_cast<std::uint64_t>(count);
+            if (_progress) _progress(place, std::max(place, _source.length()));
+            const std::size_t available = kept + static_cast<std::size_t>(count);
+            const bool isLast = available < bytes.size();
+            if (!isLast && !isInBlocks) {  // the file has grown
+                kept = available;
+                bytes.resize(2 * bytes.size());
+                continue;
+            }
+            kept = isLast ? 0 : lengthOfCutCharacter(bytes, encoding);
+            if (!decodePiece({bytes.data(), available - kept}, encoding))
+                return fail(TextFileFault::undecodable);
+            if (isLast) break;
+            std::copy(bytes.end() - static_cast<std::ptrdiff_t>(kept), bytes.end(), bytes.begin());
+        }
+        _byteCount = place;
+        return true;
+    }
+
+    TextFileContent content(std::string encodingName, bool hasMark) {
+        if (_fault != TextFileFault::none) return {_fault, {}, {}, false, 0};
+        return {_fault, std::move(_text), std::move(encodingName), hasMark, _byteCount};
+    }
+    TextFileFault fault() const { return _fault; }
+    TextUnits& text() { return _text; }
+
+  private:
+    static std::uint64_t fewestBytesPerUnit(NSStringEncoding encoding) {
+        return encoding >= NSUTF32StringEncoding ? 2
+                                                 : 1;  // these and the numbers of UTF-16 are the last ones
+    }
+    bool fail(TextFileFault fault) {
+        _fault = fault;
+        return false;
+    }
+    // Text has no zeros.
+    bool decodePiece(std::string_view bytes, NSStringEncoding encoding) {
+        const std::size_t start = _text.view().size();
+        if (!decodeBlock(bytes, encoding, _text)) return false;
+        if (_trust == Trust::named) return true;
+        const std::u16string_view units = _text.view().substr(start);
+        return (start > 0 || looksLikeText(units)) && units.find(u'\0') == units.npos;
+    }
+
+    const TextFileSource& _source;
+    const TextFileProgress& _progress;
+    Trust _trust;
+    TextUnits _text;
+    std::uint64_t _byteCount = 0;
+    TextFileFault _fault = TextFileFault::none;
+};
+
+TextFileContent decodeByGuess(const TextFileSource& source, std::string_view sample,
+                              const TextFileProgress& progress) {
+    std::vector<EncodingGuess> guesses = encodingsByZeros(sample, source.length());
+    if (const EncodingGuess* marked = markedEncoding(sample)) guesses.insert(guesses.begin(), *marked);
+    guesses.push_back({NSUTF8StringEncoding, "UTF-8", {}});
+    guesses.push_back({NSWindowsCP1252StringEncoding, "windows-1252", {}});
+    for (const EncodingGuess& guess : guesses) {
+        TextFilePass pass(source, progress, Trust::guessed);
+        const bool isDecoded = pass.decode(guess.encoding, guess.mark.size());
+        if (isDecoded || pass.fault() == TextFileFault::unreadable)
+            return pass.content(guess.name, !guess.mark.empty());
+    }
+    return {TextFileFault::notText, {}, {}, false, 0};
 }
 
 }  // namespace
 
-TextFileContent decodeTextFile(std::string_view bytes, std::string_view encodingName) {
-    if (encodingName.empty()) return decodeByGuess(bytes);
+TextFileContent decodeTextFile(const TextFileSource& source, std::string_view encodingName,
+                               const TextFileProgress& progress) {
+    char bytes[kSampleLength];
+    const std::ptrdiff_t length =
+        source.isOpen() && source.length() < NSNotFound ? source.readAt(0, bytes) : -1;
+    if (length < 0) return {TextFileFault::unreadable, {}, {}, false, 0};
+    const std::string_view sample(bytes, static_cast<std::size_t>(length));
+    if (encodingName.empty()) return decodeByGuess(source, sample, progress);
     const NSStringEncoding encoding = encodingForName(encodingName);
-    if (encoding == 0) return {TextFileFault::unknownEncoding, {}, {}, false};
-    const std::string_view mark = markOf(encoding, bytes);
+    if (encoding == 0) return {TextFileFault::unknownEncoding, {}, {}, false, 0};
+    const std::string_view mark = markOf(encoding, sample);
     // Without the mark the order of bytes would be lost; with it, text in a named order begins with U+FEFF.
-    auto text = decodeBytes(bytes, encoding);
-    if (!text) return {TextFileFault::undecodable, {}, {}, false};
-    if (!mark.empty() && text->starts_with(u'\uFEFF')) text->erase(0, 1);
-    return {TextFileFault::none, *std::move(text), std::string(encodingName), !mark.empty()};
+    TextFilePass pass(source, progress, Trust::named);
+    if (pass.decode(encoding, 0) && !mark.empty() && pass.text().view().starts_with(u'\uFEFF'))
+        pass.text().removeFirst();
+    return pass.content(std::string(encodingName), !mark.empty());
 }
 
 }  // namespace pelvor

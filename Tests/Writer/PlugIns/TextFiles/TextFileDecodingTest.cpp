@@ -14,6 +14,10 @@ std::string encoded(std::u16string_view text, NSStringEncoding encoding) {
     return encodeUnits(text, encoding).value();
 }
 
+TextFileContent decoded(std::string_view bytes, std::string_view encodingName = {}) {
+    return decodeTextFile(TextFileSource(bytes), encodingName);
+}
+
 struct GuessCase {
     const char* situation;
     std::string bytes;
@@ -26,9 +30,9 @@ class GuessedTextFile : public testing::TestWithParam<GuessCase> {};
 
 TEST_P(GuessedTextFile, IsReadInTheEncodingThatItsBytesShow) {
     const GuessCase& expected = GetParam();
-    const TextFileContent content = decodeTextFile(expected.bytes, {});
+    const TextFileContent content = decoded(expected.bytes);
     EXPECT_EQ(content.fault, TextFileFault::none);
-    EXPECT_EQ(content.text, expected.text);
+    EXPECT_EQ(content.text.view(), expected.text);
     EXPECT_EQ(content.encodingName, expected.encodingName);
     EXPECT_EQ(content.hasByteOrderMark, expected.hasMark);
 }
@@ -38,10 +42,19 @@ const GuessCase kGuessCases[] = {
     {"OneByte", "A", u"A", "UTF-8", false},
     {"OneByteOfLatin", "\xE9", u"é", "windows-1252", false},
     {"PlainUTF8", "caf\xC3\xA9 \xF0\x9F\x90\x88", u"café 🐈", "UTF-8", false},
-    {"MarkedUTF8", "\xEF\xBB\xBF" "ab", u"ab", "UTF-8", true},
+    {"MarkedUTF8",
+     "\xEF\xBB\xBF"
+     "ab",
+     u"ab", "UTF-8", true},
     {"MarkAlone", "\xEF\xBB\xBF", u"", "UTF-8", true},
-    {"MarkedUTF8WithBadRest", "\xEF\xBB\xBF" "a\xFF", u"ï»¿aÿ", "windows-1252", false},
-    {"MarkedUTF16Little", "\xFF\xFE" "a\0\xE9\0"s, u"aé", "UTF-16LE", true},
+    {"MarkedUTF8WithBadRest",
+     "\xEF\xBB\xBF"
+     "a\xFF",
+     u"ï»¿aÿ", "windows-1252", false},
+    {"MarkedUTF16Little",
+     "\xFF\xFE"
+     "a\0\xE9\0"s,
+     u"aé", "UTF-16LE", true},
     {"MarkedUTF16Big", "\xFE\xFF\0a\0\xE9"s, u"aé", "UTF-16BE", true},
     {"MarkedUTF32Little", "\xFF\xFE\0\0a\0\0\0"s, u"a", "UTF-32LE", true},
     {"MarkedUTF32Big", "\0\0\xFE\xFF\0\x01\xF4\x08"s, u"🐈", "UTF-32BE", true},
@@ -58,16 +71,18 @@ INSTANTIATE_TEST_SUITE_P(Bytes, GuessedTextFile, testing::ValuesIn(kGuessCases),
 
 TEST(TextFileDecoding, RefusesWhatLooksLikeAnythingButText) {
     const std::string programs[] = {
-        "\x7F" "ELF\x02\x01\x01\0\0\0\0\0"s,
+        "\x7F"
+        "ELF\x02\x01\x01\0\0\0\0\0"s,
         "\0"s,
         "\x89PNG\r\n\x1A\n\0\0\0\rIHDR"s,
-        "text\x01with\x02many\x03" "controls",
+        "text\x01with\x02many\x03"
+        "controls",
         "half a pair \xD8\0"s,
     };
     for (const std::string& bytes : programs) {
-        const TextFileContent content = decodeTextFile(bytes, {});
+        const TextFileContent content = decoded(bytes);
         EXPECT_EQ(content.fault, TextFileFault::notText) << testing::PrintToString(bytes);
-        EXPECT_EQ(content.text, u"");
+        EXPECT_EQ(content.text.view(), u"");
     }
 }
 
@@ -84,36 +99,42 @@ TEST(TextFileDecoding, TakesANamedEncodingAtItsWord) {
         {"UTF-16LE", NSUTF16LittleEndianStringEncoding, u"漢字"},
     };
     for (const auto& expected : cases) {
-        const auto content = decodeTextFile(encoded(expected.text, expected.encoding), expected.name);
+        const auto content = decoded(encoded(expected.text, expected.encoding), expected.name);
         EXPECT_EQ(content.fault, TextFileFault::none) << expected.name;
-        EXPECT_EQ(content.text, expected.text) << expected.name;
+        EXPECT_EQ(content.text.view(), expected.text) << expected.name;
         EXPECT_EQ(content.encodingName, expected.name);
     }
 }
 
 TEST(TextFileDecoding, ReadsBytesOfANamedEncodingEvenIfTheyDoNotLookLikeText) {
-    EXPECT_EQ(decodeTextFile("a\0\x01"s, "iso-8859-1").text, u"a\0\x01"s);
+    EXPECT_EQ(decoded("a\0\x01"s, "iso-8859-1").text.view(), u"a\0\x01"s);
 }
 
 TEST(TextFileDecoding, TellsAnUnknownEncodingFromBytesThatDisagreeWithTheirs) {
-    EXPECT_EQ(decodeTextFile("text", "klingon").fault, TextFileFault::unknownEncoding);
-    EXPECT_EQ(decodeTextFile("caf\xE9", "UTF-8").fault, TextFileFault::undecodable);
-    EXPECT_EQ(decodeTextFile("caf\xC3\xA9", "US-ASCII").fault, TextFileFault::undecodable);
-    EXPECT_EQ(decodeTextFile("abc", "UTF-16LE").fault, TextFileFault::undecodable);
+    EXPECT_EQ(decoded("text", "klingon").fault, TextFileFault::unknownEncoding);
+    EXPECT_EQ(decoded("caf\xE9", "UTF-8").fault, TextFileFault::undecodable);
+    EXPECT_EQ(decoded("caf\xC3\xA9", "US-ASCII").fault, TextFileFault::undecodable);
+    EXPECT_EQ(decoded("abc", "UTF-16LE").fault, TextFileFault::undecodable);
 }
 
 TEST(TextFileDecoding, FindsTheMarkOfTheNamedEncodingOnly) {
-    EXPECT_TRUE(decodeTextFile("\xEF\xBB\xBF" "a", "utf-8").hasByteOrderMark);
-    EXPECT_TRUE(decodeTextFile("\xFE\xFF\0a"s, "UTF-16").hasByteOrderMark);
-    const TextFileContent latin = decodeTextFile("\xFF\xFE" "a", "iso-8859-1");
+    EXPECT_TRUE(decoded("\xEF\xBB\xBF"
+                        "a",
+                        "utf-8")
+                    .hasByteOrderMark);
+    EXPECT_TRUE(decoded("\xFE\xFF\0a"s, "UTF-16").hasByteOrderMark);
+    const TextFileContent latin = decoded(
+        "\xFF\xFE"
+        "a",
+        "iso-8859-1");
     EXPECT_FALSE(latin.hasByteOrderMark);
-    EXPECT_EQ(latin.text, u"ÿþa");
+    EXPECT_EQ(latin.text.view(), u"ÿþa");
 }
 
 TEST(TextFileDecoding, ReadsAgainInTheSameWayWhatItGuessed) {
     for (const GuessCase& guessed : kGuessCases) {
-        const TextFileContent content = decodeTextFile(guessed.bytes, guessed.encodingName);
-        EXPECT_EQ(content.text, guessed.text) << guessed.situation;
+        const TextFileContent content = decoded(guessed.bytes, guessed.encodingName);
+        EXPECT_EQ(content.text.view(), guessed.text) << guessed.situation;
         EXPECT_EQ(content.hasByteOrderMark, guessed.hasMark) << guessed.situation;
     }
 }

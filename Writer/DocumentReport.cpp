@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/DocumentReport.h"
+
+#include "Foundation/NSArray.h"
+#include "Foundation/NSDictionary.h"
+#include "Foundation/NSNumber.h"
+#include "PBUtil.h"
+#include "Writer/PlugInProtocol.h"
+#include "Writer/ProfileChoice.h"
+#include "Writer/TextMeasure.h"
+#include "Writer/WRDocumentOpener.h"
+#include "Writer/WRDocumentSaver.h"
+#include "Writer/WRReport.h"
+
+namespace pelvor {
+namespace {
+
+constexpr NSUInteger kFirstLineLength = 72;
+
+NSNumber* number(unsigned long long value) { return NSNumber::numberWithUnsignedLongLong(value); }
+
+// "Plain text, of 2, because it is for "txt" documents".
+NSString* reasonForReader(WRDocument* document, WRDocumentOpener* opener) {
+    PBProfile* reader = document->reader();
+    NSArray* candidates = opener->candidates();
+    NSString* name = nameOfProfile(reader);
+    if (candidates->indexOfObjectIdenticalTo(reader) > 0)
+        return localizedFormat(u"_%@, the first of %u that did not refuse"_ns, name, candidates->count());
+    if (isNamedForDocument(reader, document->path()))
+        return localizedFormat(u"_%@, of %u, because it is for \"%@\" documents"_ns, name,
+                               candidates->count(), document->path()->pathExtension());
+    return localizedFormat(u"_%@, of %u, because it takes every document"_ns, name, candidates->count());
+}
+
+}  // namespace
+
+NSString* localized(NSString* key) { return _PBDoLocalize(key, nullptr); }
+
+void reportDocument(WRReport* report, WRDocument* document, WRDocumentOpener* opener) {
+    report->addHeading(localizedFormat(u"_Document \"%@\""_ns, document->path()->lastPathComponent()));
+    auto add = [report](NSString* label, id value) { report->addLabel_value(localized(label), value); };
+    add(u"_Path"_ns, document->path());
+    add(u"_Reader"_ns, reasonForReader(document, opener));
+    if (NSString* encoding = document->encodingName())
+        add(u"_Encoding"_ns, document->hasByteOrderMark()
+                                 ? localizedFormat(u"_%@ with a byte-order mark"_ns, encoding)
+                                 : encoding);
+    add(u"_Bytes"_ns, number(document->byteCount()));
+    add(u"_UTF-16 units"_ns, number(document->text()->length()));
+    add(u"_First line"_ns, firstLineOfText(document->text(), kFirstLineLength));
+}
+
+void reportCount(WRReport* report, const TextCount& count) {
+    report->addHeading(localized(u"_Counted"_ns));
+    auto add = [report](NSString* label, id value) { report->addLabel_value(localized(label), value); };
+    add(u"_Words"_ns, number(count.words));
+    add(u"_Paragraphs"_ns, number(count.paragraphs));
+    if (count.longestLength)
+        add(u"_Longest paragraph"_ns,
+            localizedFormat(u"_number %u, of %u units"_ns, count.longestParagraph + 1, count.longestLength));
+    add(u"_Code points"_ns, number(count.codePoints));
+}
+
+void reportWriting(WRReport* report, NSString* path, WRDocumentSaver* saver, NSDictionary* answer) {
+    report->addHeading(localized(u"_Written"_ns));
+    report->addLabel_value(localized(u"_Path"_ns), path);
+    report->addLabel_value(localized(u"_Writer"_ns), nameOfProfile(saver->writer()));
+    if (id encoding = answer->objectForKey(WREncodingKey))
+        report->addLabel_value(localized(u"_Encoding"_ns), encoding);
+    report->addLabel_value(localized(u"_Bytes"_ns), answer->objectForKey(WRByteCountKey));
+}
+
+}  // namespace pelvor

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/PlugIns/TextFiles/TextBlocks.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+#include "Scanning/OFStringDecoder.h"
+#include "Writer/PlugIns/TextFiles/TextUnits.h"
+
+namespace pelvor {
+namespace {
+
+std::uint8_t byteAt(std::string_view bytes, std::size_t place) {
+    return static_cast<std::uint8_t>(bytes[place]);
+}
+
+bool isContinuation(std::uint8_t byte) { return (byte & 0xC0) == 0x80; }
+
+// How many bytes a character has that begins with this one; 1 for what begins none.
+std::size_t lengthAfterLead(std::uint8_t lead) {
+    return lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 1;
+}
+
+std::size_t lengthOfCutUTF8(std::string_view block) {
+    for (std::size_t back = 1; back <= std::min<std::size_t>(3, block.size()); ++back) {
+        const std::uint8_t byte = byteAt(block, block.size() - back);
+        if (!isContinuation(byte)) return back < lengthAfterLead(byte) ? back : 0;
+    }
+    return 0;
+}
+
+bool isHighHalf(std::string_view block, std::size_t place, NSStringEncoding encoding) {
+    const std::uint8_t high =
+        byteAt(block, encoding == NSUTF16LittleEndianStringEncoding ? place + 1 : place);
+    return (high & 0xFC) == 0xD8;
+}
+
+// The second byte decides about overlong forms, halves of pairs and what lies above U+10FFFF.
+bool isSecondByte(std::uint8_t lead, std::uint8_t byte) {
+    const std::uint8_t low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
+    const std::uint8_t high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
+    return byte >= low && byte <= high;
+}
+
+// How long the character at the place is; 0 if there is none.
+std::size_t lengthOfCharacter(std::string_view bytes, std::size_t place) {
+    const std::uint8_t lead = byteAt(bytes, place);
+    const std::size_t length = lengthAfterLead(lead);
+    if (lead < 0x80) return 1;
+    if (length == 1 || lead > 0xF4 || bytes.size() - place < length) return 0;
+    if (!isSecondByte(lead, byteAt(bytes, place + 1))) return 0;
+    for (std::size_t i = 2; i < length; ++i)
+        if (!isContinuation(byteAt(bytes, place + i))) return 0;
+    return length;
+}
+
+bool isASCII(const char* bytes) {
+    std::uint64_t words[4];
+    std::memcpy(words, bytes, sizeof words);
+    return ((words[0] | words[1] | words[2] | words[3]) & 0x8080808080808080) == 0;
+}
+
+bool isUTF8(std::string_view bytes) {
+    constexpr std::size_t kStride = 32;
+    for (std::size_t place = 0; place < bytes.size();) {
+        if (byteAt(bytes, place) < 0x80) {
+            while (bytes.size() - place >= kStride && isASCII(bytes.data() + place)) place += kStride;
+            while (place < bytes.size() && byteAt(bytes, place) < 0x80) ++place;
+            continue;
+        }
+        const std::size_t length = lengthOfCharacter(bytes, place);
+        if (length == 0) return false;
+        place += length;
+    }
+    return true;
+}
+
+// The decoder lets through what is not valid, and puts something in its place.
+bool decodeUTF8Block(std::string_view block, TextUnits& units) {
+    if (!isUTF8(block)) return false;
+    const auto count = static_cast<NSUInteger>(block.size());
+    char16_t* room = units.reserve(count);
+    const auto* bytes = reinterpret_cast<const unsigned char*>(block.data());
+    const OFStringDecoderState state = OFInitialStateForEncoding(kCFStringEncodingUTF8);
+    units.take(OFScanCharactersIntoBuffer(state, bytes, count, room, count).charactersProduced);
+    return true;
+}
+
+}  // namespace
+
+bool decodesInBlocks(NSStringEncoding encoding) {
+    constexpr NSStringEncoding kEncodings[] = {
+        NSASCIIStringEncoding,          NSUTF8StringEncoding,
+        NSISOLatin1StringEncoding,      NSISOLatin2StringEncoding,
+        NSWindowsCP1250StringEncoding,  NSWindowsCP1251StringEncoding,
+        NSWindowsCP1252StringEncoding,  NSWindowsCP1253StringEncoding,
+        NSWindowsCP1254StringEncoding,  NSMacOSRomanStringEncoding,
+        NSUTF16BigEndianStringEncoding, NSUTF16LittleEndianStringEncoding,
+        NSUTF32BigEndianStringEncoding, NSUTF32LittleEndianStringEncoding,
+    };
+    return std::find(std::begin(kEncodings), std::end(kEncodings), encoding) != std::end(kEncodings);
+}
+
+std::size_t lengthOfCutCharacter(std::string_view block, NSStringEncoding encoding) {
+    switch (encoding) {
+        case NSUTF8StringEncoding:
+            return lengthOfCutUTF8(block);
+        case NSUTF16BigEndianStringEncoding:
+        case NSUTF16LittleEndianStringEncoding: {
+            const std::size_t odd = block.size() % 2;
+            const std::size_t even = block.size() - odd;
+            return odd + (even >= 2 && isHighHalf(block, even - 2, encoding) ? 2 : 0);
+        }
+        case NSUTF32BigEndianStringEncoding:
+        case NSUTF32LittleEndianStringEncoding:
+            return block.size() % 4;
+        default:
+            return 0;
+    }
+}
+
+bool decodeBlock(std::string_view block, NSStringEncoding encoding, TextUnits& units) {
+    if (encoding == NSUTF8StringEncoding) return decodeUTF8Block(block, units);
+    const auto text = decodeBytes(block, encoding);
+    if (text) units.append(*text);
+    return text.has_value();
+}
+
+}  // namespace pelvor

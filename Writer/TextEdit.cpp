@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/TextEdit.h"
+
+#include "Scanning/OFStringScanner.h"
+
+namespace pelvor {
+namespace {
+
+constexpr NSUInteger kLongestNumber = 9;  // more digits might not fit
+
+// The number after a space, with nothing but a space or the end behind it.
+std::optional<NSUInteger> readNumber(OFStringScanner* scanner) {
+    if (scanner->readCharacter() != u' ') return std::nullopt;
+    const NSUInteger start = scanner->scanLocation();
+    const NSUInteger number = scanner->scanUnsignedIntegerMaximumDigits(kLongestNumber);
+    const unichar next = scanner->peekCharacter();
+    if (scanner->scanLocation() == start || (next != u' ' && next != 0)) return std::nullopt;
+    return number;
+}
+
+NSString* readText(OFStringScanner* scanner, NSString* line) {
+    if (scanner->readCharacter() != u' ') return nullptr;
+    const StringUnits units(line, {scanner->scanLocation(), line->length() - scanner->scanLocation()});
+    std::u16string text;
+    for (NSUInteger i = 0; i < units.size(); ++i) {
+        const std::u16string_view escape = units.view().substr(i, 2);
+        const bool isEscape = escape == u"\\n" || escape == u"\\t" || escape == u"\\\\";
+        if (isEscape) ++i;
+        text.push_back(!isEscape ? units[i] : units[i] == u'n' ? u'\n' : units[i] == u't' ? u'\t' : u'\\');
+    }
+    return NSString::of(text);
+}
+
+}  // namespace
+
+std::optional<TextEdit> textEditOf(NSString* line) {
+    auto scanner = OFStringScanner::initWithString(line);
+    const bool inserts = scanner->scanString_peek(u"insert"_ns, false);
+    const bool deletes = !inserts && scanner->scanString_peek(u"delete"_ns, false);
+    if (!inserts && !deletes && !scanner->scanString_peek(u"replace"_ns, false)) return std::nullopt;
+    const auto position = readNumber(scanner);
+    const auto length = inserts ? 0 : position ? readNumber(scanner) : std::nullopt;
+    NSString* text = !length ? nullptr : !deletes ? readText(scanner, line) : u""_ns;
+    if (!position || !text || (deletes && scanner->scanLocation() < line->length())) return std::nullopt;
+    return TextEdit{{*position, *length}, Retained<NSString>::retaining(text)};
+}
+
+}  // namespace pelvor

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+// A change of a text, as the user writes it.
+#pragma once
+
+#include <optional>
+
+#include "Foundation/NSString.h"
+
+namespace pelvor {
+
+/// The text that takes the place of a range. Positions and lengths count UTF-16 units.
+struct TextEdit {
+    NSRange range;
+    Retained<NSString> text;
+};
+
+/// Reads "insert POSITION TEXT", "delete POSITION LENGTH" or "replace POSITION LENGTH TEXT"; none if the line
+/// is nothing of that. The text goes on to the end of the line; "\n", "\t" and "\\" in it stand for a line
+/// end, a tab and a backslash.
+std::optional<TextEdit> textEditOf(NSString* line);
+
+}  // namespace pelvor

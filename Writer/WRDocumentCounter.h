@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+// WRDocumentCounter: counts a document while the program has nothing else to do.
+#pragma once
+
+#include <optional>
+
+#include "Foundation/NSNotification.h"
+#include "Writer/TextMeasure.h"
+
+namespace pelvor {
+
+class PBDelayedActionTimer;
+class PBIdleQueue;
+class PBObserverSet;
+class WRDocument;
+
+/// Posted by the counter when its count is whole.
+inline constexpr NSString* WRDocumentDidCountNotification = u"WRDocumentDidCountNotification"_ns;
+
+/// Counts the words, paragraphs and code points of a document, a slice at each idle moment of the main loop.
+/// When the document changes it begins anew, a moment after the last of a burst of changes.
+///
+///     auto counter = WRDocumentCounter::initWithDocument(document);
+///     counter->observers()->addObserver(window);
+///     counter->start();
+///
+/// Observers are sent, with the counter, `counterDidAdvance:` after a slice and `counterDidFinish:` when the
+/// count is whole, as far as they answer them; then the notification above is posted. `invalidate` must be
+/// sent before it can be destroyed. Main thread, after the load-time hooks ran.
+class WRDocumentCounter : public NSObject {
+    PELVOR_CLASS(WRDocumentCounter, NSObject);
+
+  public:
+    static Retained<WRDocumentCounter> initWithDocument(WRDocument* document, Class* cls = classObject());
+
+    /// Begins anew, with the next idle moment.
+    void start();
+    /// Whether the count is not whole but is going to be: some of it is to be done, or there were changes.
+    bool isCounting();
+    /// How much was counted since the last start, in UTF-16 units.
+    NSUInteger position() { return _text ? _text->position() : 0; }
+    /// As far as it has come.
+    const TextCount& count() { return _count; }
+    WRDocument* document() { return _document; }
+    PBObserverSet* observers() { return _observers; }
+    /// Ends the counting for good.
+    void invalidate();
+
+    /// The messages of the notification centre, the timer and the idle queue.
+    void documentDidChange(NSNotification* notification);
+    void changesAreOver(PBDelayedActionTimer* timer);
+    void countSlice();
+
+  protected:
+    WRDocumentCounter() = default;
+    ~WRDocumentCounter();
+
+  private:
+    void finish();
+
+    Retained<WRDocument> _document;
+    Retained<PBObserverSet> _observers;
+    Retained<PBIdleQueue> _queue;
+    Retained<PBDelayedActionTimer> _timer;
+    std::optional<TextCounter> _text;  // none but in the middle of a count
+    TextCount _count;
+};
+
+}  // namespace pelvor

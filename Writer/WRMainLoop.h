@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: Apache-2.0
+// WRMainLoop: keeps the program running for as long as there is something to do.
+#pragma once
+
+#include <csignal>
+#include <functional>
+#include <string>
+
+#include "Foundation/NSString.h"
+
+namespace pelvor {
+
+/// Runs the main thread's run loop. Main thread.
+class WRMainLoop : public NSObject {
+    PELVOR_CLASS(WRMainLoop, NSObject);
+
+  public:
+    static Retained<WRMainLoop> init(Class* cls = classObject());
+
+    /// Keeps the loop running until `end` or one of the signals SIGINT and SIGTERM, which then do nothing
+    /// else. Each line of standard input is sent to the target with the selector, as a string without its
+    /// end; the end of the input ends nothing.
+    void stayForTarget_selector(id target, SEL selector);
+    /// Runs while there is work or it was told to stay.
+    void runWhile(const std::function<bool()>& hasWork);
+    /// It does not stay any longer.
+    void end();
+
+    /// The messages of the run loop.
+    void readInput(int descriptor);
+    void readWholeInput(id none);
+    void takeSignal(int descriptor);
+
+  protected:
+    WRMainLoop() = default;
+    ~WRMainLoop() = default;
+
+  private:
+    void readSoon();
+    void sendLines();
+
+    id _target = nullptr;
+    SEL _selector;
+    std::string _input;  // bytes of which no line has been made
+    sigset_t _oldMask{};
+    int _signals = -1;
+    bool _isInputWatched = false;
+    bool _isStaying = false;
+};
+
+}  // namespace pelvor
