@@ -50,7 +50,8 @@ void WRMainLoop::stayForTarget_selector(id target, SEL selector) {
 
 void WRMainLoop::runWhile(const std::function<bool()>& hasWork) {
     NSRunLoop* loop = NSRunLoop::mainRunLoop();
-    while (_isStaying || hasWork()) loop->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
+    while (_isStaying || (!_isBrokenOff && hasWork()))
+        loop->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
 }
 
 void WRMainLoop::end() {
@@ -94,7 +95,9 @@ void WRMainLoop::sendLines() {
 
 void WRMainLoop::takeSignal(int descriptor) {
     signalfd_siginfo signal;
-    if (read(descriptor, &signal, sizeof signal) == sizeof signal) end();
+    if (read(descriptor, &signal, sizeof signal) != sizeof signal) return;
+    _isBrokenOff = true;
+    end();
 }
 
 }  // namespace pelvor

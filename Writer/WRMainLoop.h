@@ -46,6 +46,7 @@ class WRMainLoop : public NSObject {
     int _signals = -1;
     bool _isInputWatched = false;
     bool _isStaying = false;
+    bool _isBrokenOff = false;
 };
 
 }  // namespace pelvor

@@ -48,7 +48,8 @@ std::map<std::string, double> openedByWriter(const std::string& path) {
     double figure;
     while (output && std::fgets(line, sizeof line, output))
         if (std::sscanf(line, "%7s %31[a-z -] %lf", kind, moment, &figure) == 3)
-            figures[std::string(kind) + " " + std::string(moment).substr(0, std::string(moment).find(' '))] = figure;
+            figures[std::string(kind) + " " + std::string(moment).substr(0, std::string(moment).find(' '))] =
+                figure;
     if (!output || pclose(output) != 0) figures.clear();
     return figures;
 }

@@ -11,7 +11,7 @@ namespace {
 
 class Arguments : public testing::Test {
   protected:
-    Retained<WRArguments> parsed(std::initializer_list<const char*> texts) {
+    Retained<WRArguments> parsed(const std::vector<const char*>& texts) {
         auto* arguments = NSMutableArray::array();
         for (const char* text : texts) arguments->addObject(NSString::ofUTF8(text));
         return WRArguments::initWithArguments(arguments);
@@ -39,7 +39,7 @@ TEST_F(Arguments, AreDocumentsAfterTwoHyphens) {
 }
 
 TEST_F(Arguments, AreComplainedAboutInOneSentence) {
-    const std::pair<std::initializer_list<const char*>, const char*> cases[] = {
+    const std::pair<std::vector<const char*>, const char*> cases[] = {
         {{"--colour", "--size"}, "_The argument \"--colour\" is not known."},
         {{"--list=yes"}, "_The argument \"--list=yes\" is not known."},
         {{"--encoding"}, "_The argument \"--encoding\" needs a value."},

@@ -8,6 +8,7 @@
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSRunLoop.h"
 #include "PBObserverSet.h"
+#include "PBPostLoader.h"
 #include "Runtime/AutoreleasePool.h"
 #include "TestPlugIns.h"
 #include "Writer/PlugInProtocol.h"
@@ -20,6 +21,8 @@ namespace {
 class DocumentCounter : public testing::Test {
   protected:
     DocumentCounter() { registerLibrary(testPlugIns); }
+    // The shared character sets are made by a load-time hook.
+    static void SetUpTestSuite() { PBPostLoader::processClassesStartingRegistry(false); }
     ~DocumentCounter() override {
         counter->invalidate();
         NSNotificationCenter::defaultCenter()->removeObserver(observer);
@@ -79,7 +82,9 @@ TEST_F(DocumentCounter, IsSilentOnceItIsInvalid) {
     turn();
     counter->invalidate();
     document->replaceCharactersInRange_withString({0, 5}, u""_ns);
-    EXPECT_FALSE(NSRunLoop::mainRunLoop()->performReadyWorkForMode(NSDefaultRunLoopMode));
+    clock.advance(1);
+    while (NSRunLoop::mainRunLoop()->performReadyWorkForMode(NSDefaultRunLoopMode)) {
+    }
     EXPECT_FALSE(counter->isCounting());
     EXPECT_EQ(observer->told, "advanced ");
 }

@@ -38,7 +38,7 @@ NSDictionary* readTextFile(NSString* path, NSDictionary* options, id reader) {
             send<void>(observer, "readerDidRead:of:"_sel, static_cast<unsigned long long>(read),
                        static_cast<unsigned long long>(length));
         };
-    const TextFileSource source(path->fileSystemRepresentation());
+    const TextFileSource source(std::string(path->fileSystemRepresentation()));
     TextFileContent content = decodeTextFile(source, wanted ? wanted->toUTF8() : std::string(), progress);
     if (content.fault != TextFileFault::none)
         return faultAnswer(content.fault, path->lastPathComponent(), wanted, reader);
