@@ -8,7 +8,7 @@ constinit thread_local ClockScope* currentScope = nullptr;
 
 }  // namespace
 
-ClockScope::ClockScope(NSTimeInterval start) noexcept : _now(start), _outer(currentScope) {
+ClockScope::ClockScope(NSTimeInterval start) noexcept : _steadyTime(start), _outer(currentScope) {
     currentScope = this;
 }
 

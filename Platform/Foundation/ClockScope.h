@@ -20,15 +20,21 @@ class PELVOR_EXPORT ClockScope {
     /// The thread's innermost; none while it goes by the system's clock.
     static ClockScope* current() noexcept;
 
-    NSTimeInterval now() const noexcept { return _now; }
-    void advance(NSTimeInterval seconds) noexcept { _now += seconds; }
+    NSTimeInterval now() const noexcept { return _steadyTime + _setAhead; }
+    void advance(NSTimeInterval seconds) noexcept { _steadyTime += seconds; }
     /// Moves the clock forward, never back.
     void advanceTo(NSTimeInterval moment) noexcept {
-        if (moment > _now) _now = moment;
+        if (moment > now()) _steadyTime = moment - _setAhead;
     }
 
+    /// Sets the clock to another time without any passing, as somebody may set the system's.
+    void set(NSTimeInterval moment) noexcept { _setAhead = moment - _steadyTime; }
+    /// The time of the clock if it had never been set.
+    NSTimeInterval steadyTime() const noexcept { return _steadyTime; }
+
   private:
-    NSTimeInterval _now;
+    NSTimeInterval _steadyTime;
+    NSTimeInterval _setAhead = 0;
     ClockScope* _outer;
 };
 

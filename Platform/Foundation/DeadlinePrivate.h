@@ -1,21 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
-// A date as the moment that waits of the standard library take; for Foundation's own sources.
+// Dates as moments of a clock that nobody sets, which is what waiting goes by; for Foundation's own sources.
 #pragma once
 
-#include <algorithm>
 #include <chrono>
 
 #include "Foundation/NSDate.h"
 
 namespace pelvor {
 
-/// The date on the system's clock, as far as that clock reaches; none is a moment long past.
-inline std::chrono::system_clock::time_point deadline(NSDate* date) {
-    using namespace std::chrono;
-    if (!date) return system_clock::time_point();
-    constexpr double kReach = 200.0 * 366 * 86400;  // seconds from 1970 on; the clock's range is 292 years
-    duration<double> seconds(std::clamp(date->timeIntervalSince1970(), 0.0, kReach));
-    return system_clock::time_point(duration_cast<system_clock::duration>(seconds));
-}
+/// Seconds on a clock that only goes forward, or the thread's ClockScope. It began as the time since the
+/// reference date, so that a ClockScope of today agrees with it.
+NSTimeInterval steadyTime() noexcept;
+/// When the date comes, on that clock, if nobody sets the system's clock until then.
+NSTimeInterval steadyMoment(NSDate* date);
+
+/// The date for the waits of the standard library, as far as their clock reaches; none is a moment long past.
+std::chrono::steady_clock::time_point deadline(NSDate* date);
 
 }  // namespace pelvor

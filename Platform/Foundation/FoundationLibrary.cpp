@@ -14,6 +14,7 @@
 #include "Foundation/NSCoder.h"
 #include "Foundation/NSConditionLock.h"
 #include "Foundation/NSCountedSet.h"
+#include "Foundation/NSDelayedPerformPrivate.h"
 #include "Foundation/NSExternalDataPrivate.h"
 #include "Foundation/NSIndexSet.h"
 #include "Foundation/NSInlineStringPrivate.h"
@@ -24,6 +25,7 @@
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSNotificationQueue.h"
 #include "Foundation/NSNull.h"
+#include "Foundation/NSObject-DelayedPerforming.h"
 #include "Foundation/NSObject-MainThread.h"
 #include "Foundation/NSPathStore2.h"
 #include "Foundation/NSProcessInfo.h"
@@ -58,6 +60,7 @@ constexpr Class* kClasses[] = {
     &NSCountedSet::classRecord,
     &NSData::classRecord,
     &NSDate::classRecord,
+    &NSDelayedPerform::classRecord,
     &NSDictionary::classRecord,
     &NSDictionaryEnumerator::classRecord,
     &NSEnumerator::classRecord,
@@ -103,12 +106,17 @@ constexpr Class* kClasses[] = {
     &NSUserDefaults::classRecord,
     &NSValue::classRecord,
 };
-// clang-format on
 
 constexpr const Category* kCategories[] = {
-    &NSArray_PropertyList_category, &NSDictionary_PropertyList_category, &NSObject_MainThread_category,
-    &NSProxy_MainThread_category,   &NSString_PropertyList_category,
+    &NSArray_PropertyList_category,
+    &NSDictionary_PropertyList_category,
+    &NSObject_DelayedPerforming_category,
+    &NSObject_MainThread_category,
+    &NSProxy_DelayedPerforming_category,
+    &NSProxy_MainThread_category,
+    &NSString_PropertyList_category,
 };
+// clang-format on
 
 }  // namespace
 

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSObject-MainThread.h"
 
-#include <condition_variable>
+#include <atomic>
 #include <exception>
-#include <mutex>
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSFormat.h"
@@ -24,27 +23,23 @@ void defineMainThread(MethodTable<Root>& methods) {
                               &performSelectorOnMainThread_withObject_waitUntilDone>();
 }
 
-// A call that another thread waits for. It lives on that thread's stack, so the lock is held until the end.
+// A call that another thread waits for, on that thread's stack: it may be gone as soon as it is done.
 class AwaitedCall {
   public:
     AwaitedCall(id target, SEL selector, id argument)
         : _target(target), _selector(selector), _argument(argument) {}
 
     void call() {
-        std::exception_ptr failure;
         try {
             _target->performSelector_withObject(_selector, _argument);
         } catch (...) {
-            failure = std::current_exception();
+            _failure = std::current_exception();
         }
-        std::lock_guard guard(_mutex);
-        _failure = std::move(failure);
-        _isDone = true;
-        _done.notify_one();
+        _isDone.store(1, std::memory_order_release);
+        _isDone.notify_one();
     }
     void wait() {
-        std::unique_lock lock(_mutex);
-        _done.wait(lock, [this] { return _isDone; });
+        _isDone.wait(0, std::memory_order_acquire);
         if (_failure) std::rethrow_exception(std::move(_failure));
     }
 
@@ -52,9 +47,7 @@ class AwaitedCall {
     id _target;
     SEL _selector;
     id _argument;
-    std::mutex _mutex;
-    std::condition_variable _done;
-    bool _isDone = false;
+    std::atomic<int> _isDone{0};
     std::exception_ptr _failure;
 };
 

@@ -19,8 +19,10 @@
 #include <vector>
 
 #include "Foundation/ClockScope.h"
+#include "Foundation/DeadlinePrivate.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
+#include "Foundation/NSDelayedPerformPrivate.h"
 #include "Foundation/NSFormat.h"
 #include "Foundation/NSNotificationQueue.h"
 #include "Foundation/NSThread.h"
@@ -93,6 +95,7 @@ struct NSRunLoop::State {
     int poll = -1;
     int wake = -1;
     std::vector<Retained<NSString>> commonModes;
+    std::unordered_multimap<id, NSDelayedPerform*> delayedPerforms;  // kept by their timers
     std::list<TimerMode> timerModes;
     std::multimap<std::uint32_t, Perform> performs;
     std::unordered_map<int, Descriptor> descriptors;
@@ -105,6 +108,7 @@ struct NSRunLoop::State {
 
     std::mutex mutex;
     std::list<ThreadPerform> fromThreads;
+    std::atomic<std::size_t> threadPerforms{0};
     Run* innermost = nullptr;
 
     TimerHeap& timersFor(NSString* mode) {
@@ -145,7 +149,8 @@ PELVOR_DEFINE_CLASS(NSRunLoop, foundationLibrary) {
 NSRunLoop::NSRunLoop() : _state(std::make_unique<State>()) {
     _state->poll = epoll_create1(EPOLL_CLOEXEC);
     _state->wake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    epoll_event event{EPOLLIN, {}};
+    // Edge-triggered, so that a signal needs no reading.
+    epoll_event event{EPOLLIN | EPOLLET, {}};
     event.data.fd = _state->wake;
     if (_state->poll < 0 || _state->wake < 0 ||
         epoll_ctl(_state->poll, EPOLL_CTL_ADD, _state->wake, &event) != 0)
@@ -161,6 +166,7 @@ NSRunLoop::~NSRunLoop() {
 // A thread's loop goes with the thread; the main thread's stays, since others ask for it at any time.
 struct OwnRunLoop {
     OwnRunLoop() : loop(make<NSRunLoop>()) {}
+    ~OwnRunLoop() { loop->abandon(); }
     Retained<NSRunLoop> loop;
 };
 
@@ -173,6 +179,15 @@ NSRunLoop* NSRunLoop::currentRunLoop() {
 NSRunLoop* NSRunLoop::mainRunLoop() {
     static NSRunLoop* const loop = make<NSRunLoop>().leak();
     return loop;
+}
+
+// Lets go of all work while the loop can still be asked: what ends with it may want to cancel more.
+void NSRunLoop::abandon() {
+    for (TimerMode& each : _state->timerModes)
+        while (!each.timers.isEmpty()) each.timers.top()->invalidate();
+    for (auto performs = std::exchange(_state->performs, {}); !performs.empty();)
+        performs.erase(performs.begin());
+    auto descriptors = std::exchange(_state->descriptors, {});
 }
 
 // MARK: Modes
@@ -193,7 +208,7 @@ bool NSRunLoop::isModeNamed(NSString* mode, NSString* name) {
 }
 
 bool NSRunLoop::isMode_amongModes(NSString* mode, NSArray* modes) {
-    if (!modes) return isSameName(mode, NSDefaultRunLoopMode);
+    if (!modes || modes->count() == 0) return isSameName(mode, NSDefaultRunLoopMode);
     for (id name : modes)
         if (isModeNamed(mode, cast<NSString>(name))) return true;
     return false;
@@ -228,26 +243,30 @@ bool NSRunLoop::turn(NSString* mode, Wait wait, NSTimeInterval limit) {
 bool NSRunLoop::doReadyWork(NSString* mode, Wait wait, NSTimeInterval limit) {
     bool hasWorked = firePerforms(mode);
     hasWorked |= fireTimers(mode);
-    hasWorked |= pollDescriptors(mode, 0);
-    hasWorked |= NSNotificationQueue::postAllASAP(this, mode);
-    if (hasWorked || NSNotificationQueue::postOneIdle(this, mode)) return true;
-    if (wait == Wait::no || _state->wasWoken) return false;
-    NSTimeInterval now = NSDate::currentTimeIntervalSinceReferenceDate();
+    if (hasWorked || wait == Wait::no || NSNotificationQueue::hasReady(this, mode)) {
+        hasWorked |= pollDescriptors(mode, 0);
+        hasWorked |= NSNotificationQueue::postAllASAP(this, mode);
+        if (hasWorked || NSNotificationQueue::postOneIdle(this, mode)) return true;
+        if (wait == Wait::no || _state->wasWoken) return false;
+    }
     NSTimeInterval moment = std::min(limit, nextMoment(mode));
     if (moment == kNever && this != mainRunLoop() && !hasWorkForMode(mode)) return false;
-    hasWorked = pollDescriptors(mode, moment == kNever ? kNever : std::max(0.0, moment - now));
+    hasWorked = pollDescriptors(mode, moment == kNever ? kNever : std::max(0.0, moment - steadyTime()));
     hasWorked |= fireTimers(mode);
     hasWorked |= firePerforms(mode);
     return NSNotificationQueue::postAllASAP(this, mode) || hasWorked;
 }
 
 bool NSRunLoop::runMode_beforeDate(NSString* mode, NSDate* limit) {
-    NSTimeInterval moment = limit ? limit->timeIntervalSinceReferenceDate() : kNever;
+    return runMode(mode, limit ? steadyMoment(limit) : kNever);
+}
+
+bool NSRunLoop::runMode(NSString* mode, NSTimeInterval limit) {
     _state->wasWoken = false;
     while (this == mainRunLoop() || hasWorkForMode(mode)) {
-        if (turn(mode, Wait::yes, moment)) return true;
+        if (turn(mode, Wait::yes, limit)) return true;
         if (std::exchange(_state->wasWoken, false)) return true;
-        if (!(NSDate::currentTimeIntervalSinceReferenceDate() < moment)) return false;
+        if (!(steadyTime() < limit)) return false;
     }
     return false;
 }
@@ -279,10 +298,10 @@ class NSRunLoop::Run {
 };
 
 void NSRunLoop::runUntilDate(NSDate* limit) {
-    auto kept = Retained<NSDate>::retaining(limit);
+    NSTimeInterval moment = limit ? steadyMoment(limit) : kNever;
     Run run(*_state);
-    while (runMode_beforeDate(NSDefaultRunLoopMode, limit) && !run.isStopped())
-        if (limit && !(limit->timeIntervalSinceNow() > 0)) break;
+    while (runMode(NSDefaultRunLoopMode, moment) && !run.isStopped())
+        if (!(steadyTime() < moment)) break;
 }
 
 void NSRunLoop::run() { runUntilDate(nullptr); }
@@ -313,9 +332,7 @@ bool NSRunLoop::hasWorkForMode(NSString* mode) {
     for (auto& [number, descriptor] : _state->descriptors)
         for (Watch& watch : descriptor.watches)
             if (isModeNamed(mode, watch.mode)) return true;
-    std::lock_guard guard(_state->mutex);
-    return std::any_of(_state->fromThreads.begin(), _state->fromThreads.end(),
-                       [&](ThreadPerform& each) { return isMode_amongModes(mode, each.modes.get()); });
+    return false;
 }
 
 // MARK: Timers
@@ -331,7 +348,7 @@ bool NSRunLoop::fireTimers(NSString* mode) {
     NSTimeInterval now = 0;
     for (TimerMode& each : _state->timerModes) {
         if (each.timers.isEmpty() || !isModeNamed(mode, each.name)) continue;
-        if (now == 0) now = NSDate::currentTimeIntervalSinceReferenceDate();
+        if (now == 0) now = steadyTime();
         std::uint64_t limit = each.timers.nextArrival();
         while (!each.timers.isEmpty() && each.timers.topMoment() <= now && each.timers.topArrival() < limit) {
             each.timers.top()->fireOnTime(now);
@@ -342,12 +359,34 @@ bool NSRunLoop::fireTimers(NSString* mode) {
 }
 
 NSTimeInterval NSRunLoop::nextMoment(NSString* mode) {
-    if (hasPerforms(mode) || NSNotificationQueue::hasReady(this, mode)) return -kNever;
+    if (hasPerforms(mode) || hasThreadPerforms(mode) || NSNotificationQueue::hasReady(this, mode))
+        return -kNever;
     NSTimeInterval moment = kNever;
     for (TimerMode& each : _state->timerModes)
         if (!each.timers.isEmpty() && isModeNamed(mode, each.name))
             moment = std::min(moment, each.timers.topMoment());
     return moment;
+}
+
+void NSRunLoop::listDelayed(NSDelayedPerform* perform) {
+    _state->delayedPerforms.emplace(perform->receiver(), perform);
+}
+
+void NSRunLoop::unlistDelayed(NSDelayedPerform* perform) {
+    auto [at, end] = _state->delayedPerforms.equal_range(perform->receiver());
+    at = std::find_if(at, end, [&](const auto& each) { return each.second == perform; });
+    if (at != end) _state->delayedPerforms.erase(at);
+}
+
+void NSRunLoop::cancelDelayed(id receiver, const std::function<bool(NSDelayedPerform*)>& isMeant) {
+    std::vector<Retained<NSDelayedPerform>> listed;
+    auto [at, end] = _state->delayedPerforms.equal_range(receiver);
+    for (; at != end; ++at) listed.push_back(Retained<NSDelayedPerform>::retaining(at->second));
+    for (auto& perform : listed) {
+        if (!isMeant(perform)) continue;
+        unlistDelayed(perform);
+        perform->cancel();
+    }
 }
 
 // MARK: Performs
@@ -409,12 +448,21 @@ void NSRunLoop::perform(std::function<void()> work, NSArray* modes) {
     {
         std::lock_guard guard(_state->mutex);
         _state->fromThreads.push_back({std::move(work), Retained<NSArray>::retaining(modes)});
+        ++_state->threadPerforms;
     }
     signal();
 }
 
-// Those that were there at the beginning. What is for other modes stays.
+bool NSRunLoop::hasThreadPerforms(NSString* mode) {
+    if (_state->threadPerforms.load() == 0) return false;
+    std::lock_guard guard(_state->mutex);
+    return std::any_of(_state->fromThreads.begin(), _state->fromThreads.end(),
+                       [&](const ThreadPerform& each) { return isMode_amongModes(mode, each.modes.get()); });
+}
+
+// Those that were there at the beginning. What is for other modes stays, and so do the others if one raises.
 bool NSRunLoop::serveThreads(NSString* mode) {
+    if (_state->threadPerforms.load() == 0) return false;
     std::unique_lock lock(_state->mutex);
     auto& waiting = _state->fromThreads;
     bool hasServed = false;
@@ -425,8 +473,7 @@ bool NSRunLoop::serveThreads(NSString* mode) {
         if (at == waiting.end()) break;
         std::list<ThreadPerform> taken;
         taken.splice(taken.end(), waiting, at);
-        // If the call raises, the others are still to be found.
-        if (!waiting.empty()) signal();
+        --_state->threadPerforms;
         lock.unlock();
         taken.front().work();
         taken.clear();
@@ -490,29 +537,29 @@ void NSRunLoop::watchForMode(NSString* mode) {
     _state->watchedMode = mode->copy();
 }
 
-// Without descriptors only other threads can have left anything, which a flag tells without the kernel.
+// Without descriptors only other threads can have left anything, which is told without the kernel.
 bool NSRunLoop::pollDescriptors(NSString* mode, NSTimeInterval timeout) {
-    if (timeout == 0 && _state->descriptors.empty() && !_state->isSignalled.load()) return false;
+    if (timeout == 0 && _state->descriptors.empty() && !_state->isSignalled.load()) return serveThreads(mode);
     watchForMode(mode);
     ClockScope* clock = timeout > 0 && timeout != kNever ? ClockScope::current() : nullptr;
     epoll_event events[16];
     int count = waitForEvents(_state->poll, events, 16, clock ? 0 : timeout);
     if (clock && count <= 0) clock->advance(timeout);
+    for (int i = 0; i < count; ++i) acknowledgeSignal(events[i].data.fd);
     bool hasServed = false;
     std::uint64_t limit = _state->numbers, turns = _state->turns;
     // A turn inside a call may have served the rest; what is still ready the kernel tells again.
-    for (int i = 0; i < count && turns == _state->turns; ++i) {
-        if (events[i].data.fd != _state->wake) {
+    for (int i = 0; i < count && turns == _state->turns; ++i)
+        if (events[i].data.fd != _state->wake)
             hasServed |= serve(mode, events[i].data.fd, events[i].events, limit);
-            continue;
-        }
-        std::uint64_t signals;
-        [[maybe_unused]] ssize_t length = read(_state->wake, &signals, sizeof signals);
-        _state->isSignalled.store(false);
-        if (_state->isWoken.exchange(false)) _state->wasWoken = true;
-        hasServed |= serveThreads(mode);
-    }
-    return hasServed;
+    return (turns == _state->turns && serveThreads(mode)) || hasServed;
+}
+
+// Before anything is called: the kernel tells of a signal once, and what is called may raise.
+void NSRunLoop::acknowledgeSignal(int ready) {
+    if (ready != _state->wake) return;
+    _state->isSignalled.exchange(false);
+    if (_state->isWoken.exchange(false)) _state->wasWoken = true;
 }
 
 bool NSRunLoop::serve(NSString* mode, int descriptor, std::uint32_t events, std::uint64_t limit) {
@@ -545,7 +592,8 @@ NSDate* NSRunLoop::limitDateForMode(NSString* mode) {
     watchForMode(mode);
     NSTimeInterval moment = nextMoment(mode);
     if (moment == kNever) return nullptr;
-    return moment == -kNever ? NSDate::distantPast() : NSDate::dateWithTimeIntervalSinceReferenceDate(moment);
+    return moment == -kNever ? NSDate::distantPast()
+                             : NSDate::dateWithTimeIntervalSinceNow(moment - steadyTime());
 }
 
 bool NSRunLoop::performReadyWorkForMode(NSString* mode) { return turn(mode, Wait::no, kNever); }

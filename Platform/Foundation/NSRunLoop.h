@@ -11,6 +11,7 @@
 namespace pelvor {
 
 class NSArray;
+class NSDelayedPerform;
 class NSTimer;
 
 /// The mode in which a loop runs unless it is told otherwise.
@@ -37,7 +38,8 @@ enum NSDescriptorEvents : std::uint32_t {
 /// sleeps until there is work. A loop may be run from inside what it calls.
 ///
 /// What a call raises leaves the running operation and takes the rest of the turn with it; the loop can be
-/// run again and nothing that waits is lost. For the loop's own thread, but for `wakeUp` and `stop`.
+/// run again and nothing that waits is lost. Dates are turned into moments of a clock that nobody sets when
+/// they are given. For the loop's own thread, but for `wakeUp` and `stop`.
 class PELVOR_EXPORT NSRunLoop : public NSObject {
     PELVOR_CLASS(NSRunLoop, NSObject);
 
@@ -51,7 +53,7 @@ class PELVOR_EXPORT NSRunLoop : public NSObject {
     NSString* currentMode() { return _currentMode; }
     /// Makes `mode` one of those that NSRunLoopCommonModes stands for.
     void addCommonMode(NSString* mode);
-    /// Whether one of the names is the mode, or stands for it. No list is the default mode.
+    /// Whether one of the names is the mode, or stands for it. No list, or an empty one, is the default mode.
     bool isMode_amongModes(NSString* mode, NSArray* modes);
 
     // Running
@@ -98,7 +100,8 @@ class PELVOR_EXPORT NSRunLoop : public NSObject {
     /// Readable when there may be work. The loop's own; only for waiting.
     int descriptor();
     /// When there is work in the mode at the latest if the descriptor stays silent: a moment that is over
-    /// when there is some now, none when there is only the descriptor to wait for.
+    /// when there is some now, none when there is only the descriptor to wait for. By the system's clock as
+    /// it is now; a host that goes by another takes the time until then at once.
     NSDate* limitDateForMode(NSString* mode);
     /// Does what is ready, without waiting; whether there was any.
     bool performReadyWorkForMode(NSString* mode);
@@ -111,13 +114,17 @@ class PELVOR_EXPORT NSRunLoop : public NSObject {
     ~NSRunLoop();
 
   private:
+    friend class NSDelayedPerform;
+    friend struct NSObject_DelayedPerforming;
     friend struct OwnRunLoop;
     enum class Wait { no, yes };
     class Turn;
     class Run;
     struct State;
 
+    void abandon();
     void signal();
+    bool runMode(NSString* mode, NSTimeInterval limit);
     bool turn(NSString* mode, Wait wait, NSTimeInterval limit);
     bool doReadyWork(NSString* mode, Wait wait, NSTimeInterval limit);
     bool firePerforms(NSString* mode);
@@ -125,10 +132,15 @@ class PELVOR_EXPORT NSRunLoop : public NSObject {
     bool pollDescriptors(NSString* mode, NSTimeInterval timeout);
     bool serve(NSString* mode, int descriptor, std::uint32_t events, std::uint64_t limit);
     bool serveThreads(NSString* mode);
+    void acknowledgeSignal(int ready);
+    bool hasThreadPerforms(NSString* mode);
     bool hasPerforms(NSString* mode);
     NSTimeInterval nextMoment(NSString* mode);
     void watchForMode(NSString* mode);
     bool isModeNamed(NSString* mode, NSString* name);
+    void listDelayed(NSDelayedPerform* perform);
+    void unlistDelayed(NSDelayedPerform* perform);
+    void cancelDelayed(id receiver, const std::function<bool(NSDelayedPerform*)>& isMeant);
 
     std::unique_ptr<State> _state;
     NSString* _currentMode = nullptr;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Foundation/DeadlinePrivate.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSFormat.h"
 #include "Foundation/NSRunLoop.h"
@@ -31,13 +32,25 @@ PELVOR_DEFINE_CLASS(NSTimer, foundationLibrary) {
 
 NSTimer::~NSTimer() = default;
 
+Retained<NSTimer> NSTimer::unscheduled(NSTimeInterval interval, id target, SEL selector, id userInfo,
+                                       bool repeats) {
+    constexpr NSTimeInterval kShortest = 0.0001;
+    if (!target || !selector)
+        raiseException(NSInvalidArgumentException, u"a timer needs a target and a selector"_ns);
+    auto timer = make<NSTimer>();
+    timer->_target.set(target);
+    timer->_userInfo.set(userInfo);
+    timer->_selector = selector;
+    timer->_interval = repeats ? std::max(interval, kShortest) : 0;
+    return timer;
+}
+
 NSTimer* NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(NSTimeInterval seconds, id target,
                                                                          SEL selector, id userInfo,
                                                                          bool repeats) {
-    auto date = NSDate::initWithTimeIntervalSinceNow(seconds);
-    return initWithFireDate_interval_target_selector_userInfo_repeats(date, seconds, target, selector,
-                                                                      userInfo, repeats)
-        .autorelease();
+    auto timer = unscheduled(seconds, target, selector, userInfo, repeats);
+    timer->schedule(steadyTime() + seconds, NSDate::currentTimeIntervalSinceReferenceDate() + seconds);
+    return std::move(timer).autorelease();
 }
 
 NSTimer* NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats(NSTimeInterval seconds,
@@ -51,14 +64,7 @@ NSTimer* NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeat
 
 Retained<NSTimer> NSTimer::initWithFireDate_interval_target_selector_userInfo_repeats(
     NSDate* date, NSTimeInterval seconds, id target, SEL selector, id userInfo, bool repeats) {
-    constexpr NSTimeInterval kShortest = 0.0001;
-    if (!target || !selector)
-        raiseException(NSInvalidArgumentException, u"a timer needs a target and a selector"_ns);
-    auto timer = make<NSTimer>();
-    timer->_target.set(target);
-    timer->_userInfo.set(userInfo);
-    timer->_selector = selector;
-    timer->_interval = repeats ? std::max(seconds, kShortest) : 0;
+    auto timer = unscheduled(seconds, target, selector, userInfo, repeats);
     timer->setFireDate(date);
     return timer;
 }
@@ -80,9 +86,9 @@ void NSTimer::fire() {
 // The beats stay where they were, so that delays do not add up.
 void NSTimer::fireOnTime(NSTimeInterval now) {
     if (_interval > 0) {
-        NSTimeInterval next = _moment + _interval * (std::floor((now - _moment) / _interval) + 1);
-        _moment = next > now ? next : now + _interval;
-        for (TimerPlace* place = _places; place; place = place->next) place->heap->move(place, _moment);
+        NSTimeInterval step = _interval * (std::floor((now - _moment) / _interval) + 1);
+        if (!(_moment + step > now)) step = now + _interval - _moment;
+        schedule(_moment + step, _date + step);
     }
     sendMessage();
 }
@@ -101,13 +107,21 @@ void NSTimer::invalidate() {
     while (_places) _places->heap->remove(_places);
 }
 
-NSDate* NSTimer::fireDate() { return NSDate::dateWithTimeIntervalSinceReferenceDate(_moment); }
+NSDate* NSTimer::fireDate() { return NSDate::dateWithTimeIntervalSinceReferenceDate(_date); }
 
 void NSTimer::setFireDate(NSDate* date) {
     if (!isValid()) return;
-    _moment = date ? date->timeIntervalSinceReferenceDate() : NSDate::currentTimeIntervalSinceReferenceDate();
-    if (std::isnan(_moment)) raiseException(NSInvalidArgumentException, u"a timer needs a moment"_ns);
-    for (TimerPlace* place = _places; place; place = place->next) place->heap->move(place, _moment);
+    if (date)
+        schedule(steadyMoment(date), date->timeIntervalSinceReferenceDate());
+    else
+        schedule(steadyTime(), NSDate::currentTimeIntervalSinceReferenceDate());
+}
+
+void NSTimer::schedule(NSTimeInterval moment, NSTimeInterval date) {
+    if (std::isnan(moment)) raiseException(NSInvalidArgumentException, u"a timer needs a moment"_ns);
+    _moment = moment;
+    _date = date;
+    for (TimerPlace* place = _places; place; place = place->next) place->heap->move(place, moment);
 }
 
 }  // namespace pelvor

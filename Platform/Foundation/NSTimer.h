@@ -11,10 +11,11 @@ class TimerHeap;
 struct TimerPlace;
 
 /// Sends a message, with itself as the argument, when its fire date has come and its run loop runs in one of
-/// its modes. The loop retains the timer and the timer its target and user information, all until it is
-/// invalidated. A timer that fires once is invalidated before its message is sent. A repeating one
-/// keeps to the beat of its first fire date and leaves out the beats that were missed; intervals below a
-/// tenth of a millisecond count as that.
+/// its modes. A fire date is turned into a moment when it is set; from then on the timer goes by a clock that
+/// nobody sets, so that setting the system's clock neither hurries nor holds it. The loop retains the timer
+/// and the timer its target and user information, all until it is invalidated. A timer that fires once is
+/// invalidated before its message is sent. A repeating one keeps to the beat of its first fire date and
+/// leaves out the beats that were missed; intervals below a tenth of a millisecond count as that.
 ///
 ///     NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats(0.5, view, "blink:"_sel,
 ///                                                                              nullptr, true);
@@ -57,13 +58,17 @@ class PELVOR_EXPORT NSTimer : public NSObject {
   private:
     friend class TimerHeap;
 
+    static Retained<NSTimer> unscheduled(NSTimeInterval interval, id target, SEL selector, id userInfo,
+                                         bool repeats);
     TimerPlace* placeIn(TimerHeap* heap);
+    void schedule(NSTimeInterval moment, NSTimeInterval date);
     void sendMessage();
 
     Retained<Object> _target;
     Retained<Object> _userInfo;
     SEL _selector;
-    NSTimeInterval _moment = 0;
+    NSTimeInterval _moment = 0;  // of the clock that nobody sets
+    NSTimeInterval _date = 0;    // what that is by the system's clock as it was when the date was set
     NSTimeInterval _interval = 0;
     TimerPlace* _places = nullptr;
 

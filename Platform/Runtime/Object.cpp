@@ -74,6 +74,11 @@ id Object::performSelector(SEL selector) {
 id Object::performSelector_withObject(SEL selector, id object) {
     if (auto function = detail::matchingFunction(_isa, selector, SignatureFor<id, id>::kKey))
         return reinterpret_cast<id (*)(Object*, SEL, id)>(function)(this, selector, object);
+    // What actions, timers and deferred messages mostly are.
+    if (auto function = detail::matchingFunction(_isa, selector, SignatureFor<void, id>::kKey)) {
+        reinterpret_cast<void (*)(Object*, SEL, id)>(function)(this, selector, object);
+        return nullptr;
+    }
     return perform(this, selector, object, nullptr);
 }
 

@@ -3,6 +3,7 @@
 #include "Foundation/NSRunLoop.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -14,6 +15,7 @@
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSNotificationQueue.h"
+#include "Foundation/NSObject-DelayedPerforming.h"
 #include "Foundation/NSObject-MainThread.h"
 #include "Foundation/NSThread.h"
 #include "Foundation/NSTimer.h"
@@ -273,6 +275,143 @@ TEST_F(NSRunLoopTest, WhatACallRaisesLeavesTheLoopFitToGoOn) {
     EXPECT_THAT(heard, ElementsAre("one", "two", "beat", "Idle"));
 }
 
+TEST_F(NSRunLoopTest, WhatADescriptorsCallRaisesLosesNoSignalOfOtherThreads) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    loop->addDescriptor_events_target_selector_forMode(ends[0], NSDescriptorReadable, recorder, "read:"_sel,
+                                                       NSDefaultRunLoopMode);
+    recorder->reaction = [] { throw NSException("Broken", "by a call"); };
+    auto post = [this](NSString* text) { loop->perform([=, this] { recorder->hear(text); }, nullptr); };
+    ASSERT_EQ(write(ends[1], "d", 1), 1);
+    post(u"one"_ns);
+    post(u"two"_ns);
+    EXPECT_LT(loop->limitDateForMode(NSDefaultRunLoopMode)->timeIntervalSinceNow(), 0);
+    for (int i = 0; i < 3; ++i) EXPECT_THROW(turn(), NSException);
+    EXPECT_FALSE(turn());
+    recorder->reaction = nullptr;
+    post(u"three"_ns);
+    EXPECT_TRUE(loop->runMode_beforeDate(NSDefaultRunLoopMode, nullptr));
+    EXPECT_THAT(heard, ElementsAre("d", "one", "two", "three"));
+    loop->removeDescriptor_forMode(ends[0], NSDefaultRunLoopMode);
+    close(ends[0]);
+    close(ends[1]);
+}
+
+TEST_F(NSRunLoopTest, SettingTheSystemsClockNeitherHurriesNorHoldsATimer) {
+    for (double set : {5000.0, -5000.0}) {
+        heard.clear();
+        NSTimer* once = timer(10, false);
+        NSTimer* beat = timer(4, true);
+        NSDate* fireDate = once->fireDate();
+        clock.set(set);
+        EXPECT_FALSE(turn());
+        EXPECT_EQ(loop->limitDateForMode(NSDefaultRunLoopMode)->timeIntervalSinceReferenceDate(), set + 4);
+        EXPECT_TRUE(once->fireDate()->isEqualToDate(fireDate));
+        loop->runUntilDate(NSDate::dateWithTimeIntervalSinceReferenceDate(set + 9));
+        EXPECT_EQ(heard.size(), 2u);
+        EXPECT_EQ(clock.now(), set + 9);
+        once->setFireDate(NSDate::dateWithTimeIntervalSinceReferenceDate(set + 11));
+        beat->invalidate();
+        EXPECT_TRUE(loop->runMode_beforeDate(NSDefaultRunLoopMode, nullptr));
+        EXPECT_EQ(clock.now(), set + 11);
+    }
+}
+
+TEST_F(NSRunLoopTest, ARunGoesOnForItsTimeWhenTheSystemsClockIsSetMeanwhile) {
+    recorder->reaction = [this] { clock.set(90000); };
+    perform(u"set"_ns, 0);
+    loop->runUntilDate(NSDate::dateWithTimeIntervalSinceNow(3));
+    EXPECT_EQ(clock.now(), 90003);
+}
+
+TEST_F(NSRunLoopTest, DelayedPerformsComeInTimeAndOnlyInTheirModes) {
+    performSelector_withObject_afterDelay(recorder, "hear:"_sel, u"late"_ns, 2);
+    send(recorder, "performSelector:withObject:afterDelay:inModes:"_sel, "hear:"_sel,
+         static_cast<id>(u"tracking"_ns), 1.0, NSArray::of({kTracking, u"Panel"_ns}));
+    performSelector_withObject_afterDelay(recorder, "hear:"_sel, u"soon"_ns, 0);
+    EXPECT_TRUE(heard.empty());
+    EXPECT_EQ(recorder->retainCount(), 4u);
+    EXPECT_TRUE(turn());
+    clock.advance(1);
+    EXPECT_FALSE(turn());
+    EXPECT_TRUE(turn(u"Panel"_ns));
+    EXPECT_FALSE(turn(kTracking));
+    clock.advance(1);
+    EXPECT_TRUE(turn());
+    EXPECT_THAT(heard, ElementsAre("soon", "tracking", "late"));
+    EXPECT_EQ(recorder->retainCount(), 1u);
+}
+
+TEST_F(NSRunLoopTest, CancelledDelayedPerformsAreForgotten) {
+    auto later = [this](NSString* text) {
+        performSelector_withObject_afterDelay(recorder, "hear:"_sel, text, 1);
+    };
+    for (NSString* text : {u"a"_ns, u"b"_ns, u"c"_ns, u"b"_ns}) later(text);
+    using Delayed = NSObject_DelayedPerforming;
+    Delayed::cancelPreviousPerformRequestsWithTarget_selector_object(recorder, "hear:"_sel,
+                                                                     NSString::ofUTF8("b"));
+    Delayed::cancelPreviousPerformRequestsWithTarget_selector_object(recorder, "beat:"_sel, u"a"_ns);
+    EXPECT_EQ(recorder->retainCount(), 3u);
+    recorder->reaction = [&] {
+        send(LoopRecorder::classObject(), "cancelPreviousPerformRequestsWithTarget:"_sel,
+             static_cast<id>(recorder));
+        if (heard.size() == 1) later(u"again"_ns);
+    };
+    loop->runUntilDate(NSDate::dateWithTimeIntervalSinceNow(5));
+    EXPECT_THAT(heard, ElementsAre("a", "again"));
+    EXPECT_FALSE(loop->hasWorkForMode(NSDefaultRunLoopMode));
+    EXPECT_EQ(recorder->retainCount(), 1u);
+}
+
+TEST_F(NSRunLoopTest, ARunInsideACallServesItsOwnModeAlone) {
+    std::vector<std::string> modes;
+    timer(1, false);
+    perform(u"tracked"_ns, 0, kTracking);
+    loop->perform([this] { recorder->hear(u"posted"_ns); }, nullptr);
+    recorder->reaction = [&] {
+        modes.push_back(loop->currentMode()->toUTF8());
+        if (heard.size() > 1) return;
+        while (loop->runMode_beforeDate(kTracking, NSDate::dateWithTimeIntervalSinceNow(2))) {
+        }
+    };
+    perform(u"outer"_ns, 0);
+    turn();
+    EXPECT_THAT(heard, ElementsAre("outer", "tracked", "beat", "posted"));
+    EXPECT_THAT(modes, ElementsAre("NSDefaultRunLoopMode", "Tracking", "NSDefaultRunLoopMode",
+                                   "NSDefaultRunLoopMode"));
+    EXPECT_EQ(loop->currentMode(), nullptr);
+}
+
+long sleepsOfThisThread() {
+    rusage usage;
+    getrusage(RUSAGE_THREAD, &usage);
+    return usage.ru_nvcsw;
+}
+
+// By the system's clock: the kernel counts how often the thread has gone to sleep.
+TEST(NSRunLoopSleepTest, ALoopWithNothingToDoSleepsThroughAndWakesOnceForManyTimers) {
+    AutoreleasePool pool;
+    auto recorder = make<LoopRecorder>();
+    NSRunLoop* loop = NSRunLoop::currentRunLoop();
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    loop->addDescriptor_events_target_selector_forMode(ends[0], NSDescriptorReadable, recorder, "read:"_sel,
+                                                       NSDefaultRunLoopMode);
+    NSDate* together = NSDate::dateWithTimeIntervalSinceNow(0.02);
+    for (int i = 0; i < 100; ++i)
+        loop->addTimer_forMode(NSTimer::initWithFireDate_interval_target_selector_userInfo_repeats(
+                                   together, 0, recorder, "beat:"_sel, nullptr, false)
+                                   .get(),
+                               NSDefaultRunLoopMode);
+    long before = sleepsOfThisThread();
+    loop->runUntilDate(NSDate::dateWithTimeIntervalSinceNow(0.04));
+    EXPECT_EQ(recorder->heard.size(), 100u);
+    EXPECT_LE(sleepsOfThisThread() - before, 4);  // two, and what a busy machine adds
+    loop->removeDescriptor_forMode(ends[0], NSDefaultRunLoopMode);
+    close(ends[0]);
+    close(ends[1]);
+}
+
 TEST_F(NSRunLoopTest, StopEndsTheInnermostRunAndDoesNotReachOneToCome) {
     loop->stop();
     recorder->reaction = [this] {
@@ -303,7 +442,7 @@ TEST_F(NSRunLoopTest, AWakeUpEndsOneWaitAndIsNotLostBeforeIt) {
 }
 
 TEST(NSObjectMainThreadTest, ThreadsThatPostAndWaitAreServedOneByOne) {
-    constexpr int kThreads = 8, kPosts = 200;
+    constexpr int kThreads = 16, kPosts = 200;
     AutoreleasePool pool;
     auto recorder = make<LoopRecorder>();
     recorder->reaction = [&] {
