@@ -6,7 +6,14 @@
 #include <memory>
 
 #include "CodepointsPrivate.h"
+#include "Foundation/NSArray.h"
+#include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSData.h"
+#include "Foundation/NSMutableSet.h"
+#include "Foundation/NSMutableString.h"
+#include "NSMutableString-PelvorAdditions.h"
 #include "PBUnichar32String.h"
+#include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
 
 namespace pelvor {
@@ -17,8 +24,48 @@ void defineAdditions(MethodTable<NSString>& methods) {
     methods.classLevel<"stringWithCodepoint:", &Additions::stringWithCodepoint>();
     methods.classLevel<"stringWithCodepoints:count:", &Additions::stringWithCodepoints_count>();
     methods.classLevel<"initWithCodepoints:count:", &Additions::initWithCodepoints_count>();
+    methods.classLevel<"stringWithData:encoding:", &Additions::stringWithData_encoding>();
+    methods.classLevel<"stringWithCharacter:", &Additions::stringWithCharacter>();
+
+    methods.instance<"wordRangeForRange:includePreviousWord:", &wordRangeForRange_includePreviousWord>();
+    methods.instance<"rangeOfTrimmedWordForRange:", &rangeOfTrimmedWordForRange>();
+    methods.instance<"locationOfCharacterFromSet:options:location:",
+                     &locationOfCharacterFromSet_options_location>();
+    methods.instance<"nonwhitespaceRangeForRange:", &nonwhitespaceRangeForRange>();
+    methods.instance<"paragraphRangeForRange:", &paragraphRangeForRange>();
+    methods.instance<"paragraphContentRangeForRange:", &paragraphContentRangeForRange>();
+    methods.instance<"getParagraphStart:end:contentsEnd:forRange:",
+                     &getParagraphStart_end_contentsEnd_forRange>();
+    methods.instance<"rangeOfComposedCharactersForRange:", &rangeOfComposedCharactersForRange>();
+    methods.instance<"rangeOfCharacterAtIndex:", &rangeOfCharacterAtIndex>();
+    methods.instance<"containsString:", &containsString>();
+
+    methods.instance<"stringByMatchingCase:", &stringByMatchingCase>();
+    methods.instance<"toggledcaseString", &toggledcaseString>();
+    methods.instance<"stringByPrettyTruncationToLength:", &stringByPrettyTruncationToLength>();
+    methods.instance<"stringByHardWrappingToLineLength:", &stringByHardWrappingToLineLength>();
+    methods.instance<"stringByRemovingSurroundingWhitespace", &stringByRemovingSurroundingWhitespace>();
+    methods.instance<"stringByReplacingAllOccurrencesOfString:withString:",
+                     &stringByReplacingAllOccurrencesOfString_withString>();
+    methods.instance<"stringByReplacingAllOccurrencesOfCharactersInSet:withString:",
+                     &stringByReplacingAllOccurrencesOfCharactersInSet_withString>();
+    methods.instance<"stringByLossyConversionToEncoding:", &stringByLossyConversionToEncoding>();
+    methods.instance<"setWithComponentsSeparatedByString:", &setWithComponentsSeparatedByString>();
+    methods.instance<"characterBuffer", &characterBuffer>();
+
+    methods.instance<"intValueAtIndex:effectiveRange:", &intValueAtIndex_effectiveRange>();
+    methods.instance<"hexIntValueAtIndex:effectiveRange:", &hexIntValueAtIndex_effectiveRange>();
+    methods.instance<"hexIntValue", &hexIntValue>();
+
     methods.instance<"getCodepoints:range:", &getCodepoints_range>();
     methods.instance<"countCodepointsInRange:", &countCodepointsInRange>();
+}
+
+// A class operation of a mutable class answers a mutable string.
+NSString* stringOfClass(Retained<NSString> string, Class* cls) {
+    if (string && cls->isSubclassOfClass(NSMutableString::classObject()))
+        return string->mutableCopy().autorelease();
+    return std::move(string).autorelease();
 }
 
 }  // namespace
@@ -48,6 +95,15 @@ Retained<NSString> NSString_PelvorAdditions::initWithCodepoints_count(const std:
                                                                   static_cast<NSUInteger>(length), true);
 }
 
+NSString* NSString_PelvorAdditions::stringWithData_encoding(NSData* data, NSStringEncoding encoding,
+                                                            Class* cls) {
+    return stringOfClass(NSString::initWithData_encoding(data, encoding), cls);
+}
+
+NSString* NSString_PelvorAdditions::stringWithCharacter(unichar character, Class* cls) {
+    return stringOfClass(NSString::initWithCharacters_length(&character, 1), cls);
+}
+
 NSUInteger getCodepoints_range(NSString* string, std::uint32_t* codepoints, NSRange range) {
     if (auto* wide = cast<PBUnichar32String>(string)) return wide->getCodepoints_range(codepoints, range);
     StringUnits units(string, range);
@@ -62,6 +118,50 @@ NSUInteger getCodepoints_range(NSString* string, std::uint32_t* codepoints, NSRa
 
 NSUInteger countCodepointsInRange(NSString* string, NSRange range) {
     return getCodepoints_range(string, nullptr, range);
+}
+
+bool containsString(NSString* string, NSString* other) {
+    return !other || other->length() == 0 || string->rangeOfString(other).location != NSNotFound;
+}
+
+NSString* stringByReplacingAllOccurrencesOfString_withString(NSString* string, NSString* target,
+                                                             NSString* replacement) {
+    if (string->rangeOfString(target).location == NSNotFound) return string;
+    return string->stringByReplacingOccurrencesOfString_withString(target, replacement);
+}
+
+NSString* stringByReplacingAllOccurrencesOfCharactersInSet_withString(NSString* string, NSCharacterSet* set,
+                                                                      NSString* replacement) {
+    if (string->rangeOfCharacterFromSet_options(set, NSLiteralSearch).location == NSNotFound) return string;
+    auto changed = string->mutableCopy();
+    replaceAllOccurrencesOfCharactersInSet_withString(changed, set, replacement);
+    return std::move(changed).autorelease();
+}
+
+NSString* stringByLossyConversionToEncoding(NSString* string, NSStringEncoding encoding) {
+    NSData* data = string->dataUsingEncoding_allowLossyConversion(encoding, true);
+    return data ? NSString::initWithData_encoding(data, encoding).autorelease() : nullptr;
+}
+
+NSSet* setWithComponentsSeparatedByString(NSString* string, NSString* separator) {
+    if (!separator || separator->length() == 0) return NSSet::setWithObject(string);
+    NSArray* components = string->componentsSeparatedByString(separator);
+    auto* set = NSMutableSet::setWithArray(components);
+    auto* last = cast<NSString>(components->lastObject());
+    NSUInteger count = components->count();
+    if (last->length() > 0 || components->indexOfObject(last) + 1 < count) return set;
+    set->removeObject(last);
+    return set;
+}
+
+unichar* characterBuffer(NSString* string) {
+    NSUInteger count = string->length();
+    if (count == 0) return nullptr;
+    auto* units = static_cast<unichar*>(std::malloc(std::size_t{count} * sizeof(unichar)));
+    if (!units) throw NSException(NSMallocException, "no room for the text");
+    NSString::initWithCharactersNoCopy_length_freeWhenDone(units, count, true).autorelease();
+    string->getCharacters(units);
+    return units;
 }
 
 }  // namespace pelvor

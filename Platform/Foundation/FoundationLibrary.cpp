@@ -33,6 +33,7 @@
 #include "Foundation/NSPropertyListSerialization.h"
 #include "Foundation/NSRecursiveLock.h"
 #include "Foundation/NSRunLoop.h"
+#include "Foundation/NSScanner.h"
 #include "Foundation/NSString.h"
 #include "Foundation/NSThread.h"
 #include "Foundation/NSTimer.h"
@@ -94,6 +95,7 @@ constexpr Class* kClasses[] = {
     &NSPropertyListSerialization::classRecord,
     &NSRecursiveLock::classRecord,
     &NSRunLoop::classRecord,
+    &NSScanner::classRecord,
     &NSSet::classRecord,
     &NSSetEnumerator::classRecord,
     &NSString::classRecord,

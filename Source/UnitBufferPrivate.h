@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+// A text that is written from front to back, and becomes a string without being copied.
+#pragma once
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+#include "Foundation/NSString.h"
+#include "Runtime/NSException.h"
+
+namespace pelvor {
+
+class UnitBuffer {
+  public:
+    /// With room for as many units as the text is expected to have.
+    explicit UnitBuffer(std::size_t expected) { reserve(std::max<std::size_t>(expected, 16)); }
+    UnitBuffer(const UnitBuffer&) = delete;
+    UnitBuffer& operator=(const UnitBuffer&) = delete;
+    ~UnitBuffer() { std::free(_units); }
+
+    void append(std::u16string_view text) {
+        if (text.size() > _capacity - _size) [[unlikely]]
+            reserve(std::max(_size + text.size(), _capacity + _capacity / 2));
+        std::memcpy(_units + _size, text.data(), text.size() * sizeof(unichar));
+        _size += text.size();
+    }
+    std::u16string_view view() const { return {_units, _size}; }
+
+    /// The text as a string, borrowed; nothing is left here. Raises NSMallocException for a text that is too
+    /// long for a string.
+    NSString* takeString() {
+        if (_size > std::numeric_limits<NSUInteger>::max())
+            throw NSException(NSMallocException, "the text would be too long");
+        if (_size < _capacity / 4 * 3) reserve(std::max<std::size_t>(_size, 1));
+        return NSString::initWithCharactersNoCopy_length_freeWhenDone(
+                   std::exchange(_units, nullptr), static_cast<NSUInteger>(std::exchange(_size, 0)), true)
+            .autorelease();
+    }
+
+  private:
+    void reserve(std::size_t capacity) {
+        auto* units = static_cast<unichar*>(std::realloc(_units, capacity * sizeof(unichar)));
+        if (!units) throw NSException(NSMallocException, "no room for the text");
+        _units = units;
+        _capacity = capacity;
+    }
+
+    unichar* _units = nullptr;
+    std::size_t _size = 0;
+    std::size_t _capacity = 0;
+};
+
+}  // namespace pelvor

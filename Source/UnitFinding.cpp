@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "UnitFindingPrivate.h"
+
+#include <bit>
+#include <cstring>
+
+#include "CodepointsPrivate.h"
+#include "Foundation/NSCharacterSet.h"
+#include "Runtime/NSException.h"
+#include "Scanning/UnitSpansPrivate.h"
+
+namespace pelvor {
+namespace {
+
+// What compilers turn into the machine's vectors.
+using Units8 = std::uint16_t __attribute__((vector_size(16)));
+using Words2 = std::uint64_t __attribute__((vector_size(16)));
+
+class EitherTest {
+  public:
+    EitherTest(unichar one, unichar other) : _one(eightOf(one)), _other(eightOf(other)) {}
+    // All bits of those of eight units that are one of the two.
+    Words2 operator()(const unichar* from) const {
+        Units8 units;
+        std::memcpy(&units, from, sizeof units);
+        return reinterpret_cast<Words2>((units == _one) | (units == _other));
+    }
+
+  private:
+    static Units8 eightOf(unichar unit) { return Units8{} + static_cast<std::uint16_t>(unit); }
+
+    Units8 _one, _other;
+};
+
+constexpr bool isLittleEndian = std::endian::native == std::endian::little;
+
+}  // namespace
+
+const unichar* findEither(const unichar* place, const unichar* end, unichar one, unichar other) {
+    const EitherTest test(one, other);
+    for (; end - place >= 32; place += 32) {
+        Words2 found = test(place) | test(place + 8) | test(place + 16) | test(place + 24);
+        if (found[0] | found[1]) break;
+    }
+    for (; isLittleEndian && end - place >= 8; place += 8) {
+        Words2 found = test(place);
+        if (found[0]) return place + std::countr_zero(found[0]) / 16;
+        if (found[1]) return place + 4 + std::countr_zero(found[1]) / 16;
+    }
+    while (place < end && *place != one && *place != other) ++place;
+    return place;
+}
+
+MemberFinder::MemberFinder(NSCharacterSet* set) : _set(set) {
+    if (!set) throw NSException(NSInvalidArgumentException, "a set of characters is needed, none given");
+    _bitmap = set->basicPlaneBitmap();
+    constexpr unsigned kFirstHalf = 0xD800 / 8, kPastHalves = 0xE000 / 8;
+    unsigned others = 0;
+    for (unsigned i = kFirstHalf; i < kPastHalves; ++i) others |= _bitmap[i];
+    for (std::uint8_t plane = 1; plane <= 16; ++plane) others |= set->hasMemberInPlane(plane);
+    _hasPlainUnitsOnly = others == 0;
+}
+
+// The first unit that is a member, or a half of a pair that may be one.
+std::size_t MemberFinder::firstStop(std::u16string_view text, std::size_t from) const {
+    auto* begin = const_cast<unichar*>(text.data());
+    if (_hasPlainUnitsOnly)
+        return static_cast<std::size_t>(findMember(begin + from, begin + text.size(), _bitmap) - begin);
+    auto stops = [this](unichar unit) {
+        return isHighSurrogate(unit) || isLowSurrogate(unit) || (_bitmap[unit >> 3] >> (unit & 7) & 1);
+    };
+    while (from < text.size() && !stops(text[from])) ++from;
+    return from;
+}
+
+UnitMatch MemberFinder::find(std::u16string_view text, std::size_t from) const {
+    while (true) {
+        from = firstStop(text, from);
+        if (from == text.size()) return {from, 0};
+        bool isPair =
+            isHighSurrogate(text[from]) && from + 1 < text.size() && (text[from + 1] & 0xFC00) == 0xDC00;
+        std::size_t length = isPair ? 2 : 1;
+        char32_t character = isPair ? codepointOfPair(text[from], text[from + 1]) : char32_t{text[from]};
+        if (_set->longCharacterIsMember(character)) return {from, length};
+        from += length;
+    }
+}
+
+}  // namespace pelvor

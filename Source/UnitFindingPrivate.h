@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+// Where one of two units, or a member of a set, comes next in a text.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "Foundation/NSRange.h"
+
+namespace pelvor {
+
+class NSCharacterSet;
+
+/// The first place in [place, end) with one of the units; `end` without them.
+const unichar* findEither(const unichar* place, const unichar* end, unichar one, unichar other);
+
+/// A place in a text; at the text's end and empty for none.
+struct UnitMatch {
+    std::size_t location;
+    std::size_t length;
+};
+
+/// Finds members of a set by code points: a pair is one character, never two halves.
+class MemberFinder {
+  public:
+    /// Raises NSInvalidArgumentException for no set, which must not change meanwhile.
+    explicit MemberFinder(NSCharacterSet* set);
+
+    /// The first member at or after the place.
+    UnitMatch find(std::u16string_view text, std::size_t from) const;
+
+  private:
+    std::size_t firstStop(std::u16string_view text, std::size_t from) const;
+
+    NSCharacterSet* _set;
+    const std::uint8_t* _bitmap;
+    bool _hasPlainUnitsOnly;
+};
+
+}  // namespace pelvor

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "NSMutableString-PelvorAdditions.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "BaseLibrary.h"
+#include "Foundation/NSCharacterSet.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/NSException.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor::testing {
+namespace {
+
+// A text that counts its changes, and whose units are not in one piece for others.
+class CountingText : public NSMutableString {
+    PELVOR_CLASS(CountingText, NSMutableString);
+
+  public:
+    NSUInteger length() override { return static_cast<NSUInteger>(text.size()); }
+    unichar characterAtIndex(NSUInteger index) override { return text.at(index); }
+    void replaceCharactersInRange_withString(NSRange range, NSString* string) override {
+        ++changes;
+        text.replace(range.location, range.length, string->toUTF16());
+    }
+
+    std::u16string text;
+    int changes = 0;
+
+  protected:
+    CountingText() = default;
+    ~CountingText() = default;
+};
+
+constexpr Library* kNeeded[] = {&baseLibrary};
+constexpr Class* kClasses[] = {&CountingText::classRecord};
+constinit Library countingTexts{"CountingTexts", kNeeded, kClasses, {}};
+PELVOR_DEFINE_CLASS(CountingText, countingTexts) {}
+
+using Change = std::function<void(NSMutableString*)>;
+
+// What a change does to a platform string, which it must also do to any other.
+std::u16string changed(std::u16string_view text, const Change& change, int changes) {
+    auto plain = NSMutableString::of(text);
+    change(plain);
+    registerLibrary(countingTexts);
+    auto counting = make<CountingText>();
+    counting->text = text;
+    change(counting);
+    EXPECT_EQ(counting->text, plain->toUTF16());
+    EXPECT_EQ(counting->changes, changes) << NSString::of(text);
+    return plain->toUTF16();
+}
+
+TEST(LineEndings, AreAllReplaced) {
+    AutoreleasePool pool;
+    const struct {
+        std::u16string_view text, ending, result;
+        int changes;
+    } rows[] = {{u"a\r\nb\rc\nd", u"\n", u"a\nb\nc\nd", 2},
+                {u"a\r\nb\rc\nd", u"\r\n", u"a\r\nb\r\nc\r\nd", 3},
+                {u"\r\r\n\n\r", u"|", u"||||", 4},
+                {u"a\n\nb", u"", u"ab", 2},
+                {u"a\nb\n", u"\n", u"a\nb\n", 0},
+                {u"a\n\u0301b", u"\r", u"a\r\u0301b", 1},
+                {u"0123456789012345678901234567890123456789\r\n012345\r", u"\n",
+                 u"0123456789012345678901234567890123456789\n012345\n", 2},
+                {u"", u"\r", u"", 0}};
+    for (auto& row : rows) {
+        Change change = [&](NSMutableString* text) {
+            replaceAllLineEndingsWithString(text, NSString::of(row.ending));
+        };
+        EXPECT_EQ(changed(row.text, change, row.changes), row.result);
+    }
+    EXPECT_THROW(replaceAllLineEndingsWithString(NSMutableString::string(), nullptr), NSException);
+}
+
+TEST(Members, AreRemovedAndReplacedByCodePoints) {
+    AutoreleasePool pool;
+    NSCharacterSet* set = NSCharacterSet::characterSetWithCharactersInString(u"ab\U0001F600"_ns);
+    NSCharacterSet* vowels = NSCharacterSet::characterSetWithCharactersInString(u"aeiou"_ns);
+    auto remove = [&](NSMutableString* text) { removeCharactersInSet(text, set); };
+    auto replace = [&](NSMutableString* text) {
+        replaceAllOccurrencesOfCharactersInSet_withString(text, set, u"aba"_ns);
+    };
+    EXPECT_EQ(changed(u"xaby\U0001F600z\U0001F601", remove, 3), u"xyz\U0001F601");
+    EXPECT_EQ(changed(u"aaa", remove, 3), u"");
+    EXPECT_EQ(changed(std::u16string{u'\xD83D', u'a', u'\xDE00'}, remove, 1), u"\U0001F600");
+    EXPECT_EQ(changed(u"xa\U0001F600", replace, 2), u"xabaaba");
+    EXPECT_EQ(changed(u"xyz", replace, 0), u"xyz");
+    EXPECT_EQ(changed(
+                  u"educational pneumonoultramicroscopic \u0434\U0001F600",
+                  [&](NSMutableString* text) { removeCharactersInSet(text, vowels); }, 16),
+              u"dctnl pnmnltrmcrscpc \u0434\U0001F600");
+    EXPECT_THROW(removeCharactersInSet(NSMutableString::string(), nullptr), NSException);
+}
+
+TEST(Occurrences, AreReplacedLiterallyInOneChange) {
+    AutoreleasePool pool;
+    const struct {
+        std::u16string_view text, target, replacement, result;
+    } rows[] = {{u"aXbXc", u"X", u"--", u"a--b--c"},
+                {u"aaaa", u"aa", u"a", u"aa"},
+                {u"aXb", u"x", u"-", u"aXb"},
+                {u"abc", u"", u"-", u"abc"},
+                {u"X", u"X", u"", u""},
+                {u"e\u0301", u"e", u"E", u"E\u0301"},
+                {u"\u00E9", u"e\u0301", u"", u"\u00E9"}};
+    for (auto& row : rows) {
+        bool isAny = row.text != row.result;
+        Change change = [&](NSMutableString* text) {
+            EXPECT_EQ(replaceAllOccurrencesOfString_withString(text, NSString::of(row.target),
+                                                               NSString::of(row.replacement)),
+                      isAny);
+        };
+        EXPECT_EQ(changed(row.text, change, isAny), row.result);
+    }
+    EXPECT_EQ(changed(
+                  u"a", [](NSMutableString* text) { appendCharacter(text, 0xD83D); }, 1),
+              (std::u16string{u'a', 0xD83D}));
+}
+
+}  // namespace
+}  // namespace pelvor::testing
