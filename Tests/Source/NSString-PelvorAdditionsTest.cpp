@@ -7,6 +7,7 @@
 #include <clocale>
 #include <vector>
 
+#include "BaseLibrary.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSData.h"
 #include "Foundation/NSMutableString.h"
@@ -16,6 +17,7 @@
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
+#include "Runtime/Registry.h"
 
 namespace pelvor::testing {
 namespace {
@@ -314,6 +316,7 @@ TEST(NumbersAtAnIndex, TellHowFarTheyReach) {
 
 TEST(StringAdditions, AnswerBySelector) {
     AutoreleasePool pool;
+    registerLibrary(baseLibrary);
     Class *plain = NSString::classObject(), *mutable_ = NSMutableString::classObject();
     NSData* data = u"na\u00EFve"_ns->dataUsingEncoding(NSISOLatin1StringEncoding);
     auto* text = send<NSString*>(mutable_, "stringWithData:encoding:"_sel, data,
