@@ -4,13 +4,8 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <initializer_list>
-#include <string>
-#include <vector>
 
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
-#include "Runtime/Registry.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 

@@ -2,23 +2,12 @@
 // Tests of sorted arrays against a plain vector, of lists of ranges, and of the one-object enumerator.
 #include "NSArray-PelvorAdditions.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
-#include <vector>
-
 #include "BaseLibrary.h"
-#include "Foundation/NSNumber.h"
-#include "Foundation/NSString.h"
 #include "Foundation/NSValue.h"
 #include "NSArray-PelvorRangeArray.h"
 #include "NSEnumerator-PelvorAdditions.h"
 #include "NSIndexSet-PelvorAdditions.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
-#include "Runtime/Registry.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
@@ -44,7 +33,6 @@ Numbers numbersOf(NSArray* array) {
 }
 
 TEST(NSArrayPelvorAdditions, SearchesSortedArrays) {
-    AutoreleasePool pool;
     NSArray* array = arrayOf({1, 3, 5, 5, 5, 9});
     const struct {
         int value;
@@ -66,7 +54,6 @@ TEST(NSArrayPelvorAdditions, SearchesSortedArrays) {
 }
 
 TEST(NSArrayPelvorAdditions, TellsWhetherARangeIsSorted) {
-    AutoreleasePool pool;
     NSArray* array = arrayOf({5, 1, 2, 2, 0});
     auto isSorted = [&](NSRange range) {
         return _isSortedInRange_withCompareFunction_context(array, range, compareNumbers, nullptr);
@@ -114,7 +101,6 @@ id removeLast(id array) {
 }
 
 TEST(NSArrayPelvorAdditions, CollectsAnswersAndShuffles) {
-    AutoreleasePool pool;
     NSEnumerator* none = NSEnumerator_PelvorAdditions::enumerator();
     NSArray* three = NSArray::of({NSEnumerator_PelvorAdditions::enumeratorWithObject(u"a"_ns), none,
                                   NSEnumerator_PelvorAdditions::enumeratorWithObject(u"b"_ns)});
@@ -136,7 +122,6 @@ TEST(NSArrayPelvorAdditions, CollectsAnswersAndShuffles) {
 }
 
 TEST(NSArrayPelvorAdditions, NoticesChangesDuringAWalk) {
-    AutoreleasePool pool;
     Method drop{"dropLast"_sel, implementation<"dropLast", &removeLast>()};
     NSMutableArray::classObject()->addMethods({"Walk", {drop}, nullptr});
     NSMutableArray* array = NSMutableArray::of({u"a"_ns, u"b"_ns, u"c"_ns});
@@ -151,7 +136,6 @@ TEST(NSArrayPelvorAdditions, NoticesChangesDuringAWalk) {
 }
 
 TEST(NSArrayPelvorRangeArray, KeepsRangesInOrder) {
-    AutoreleasePool pool;
     NSMutableArray* ranges = NSMutableArray::array();
     for (NSRange range : {NSRange{5, 3}, NSRange{1, 1}, NSRange{5, 2}}) insertSortedRange(ranges, range);
     EXPECT_EQ(rangeAtIndex(ranges, 1), (NSRange{5, 2}));
@@ -174,7 +158,6 @@ TEST(NSArrayPelvorRangeArray, KeepsRangesInOrder) {
 }
 
 TEST(NSIndexSetPelvorAdditions, ReadArraysAndAnswerRuns) {
-    AutoreleasePool pool;
     NSIndexSet* set = NSIndexSet_PelvorAdditions::indexSetWithNumberArray(arrayOf({10, 6, 1, 2, 7, 8}));
     EXPECT_EQ(indexRangeStartingAtOrAfterIndex(set, 4), (NSRange{6, 3}));
     EXPECT_EQ(indexRangeStartingAtOrAfterIndex(set, 7), (NSRange{7, 2}));
@@ -191,7 +174,6 @@ TEST(NSIndexSetPelvorAdditions, ReadArraysAndAnswerRuns) {
 }
 
 TEST(PBSingleObjectEnumerator, HandsItsObjectOverOnce) {
-    AutoreleasePool pool;
     auto object = NSObject::init();
     auto enumerator = PBSingleObjectEnumerator::initWithObject(object);
     {

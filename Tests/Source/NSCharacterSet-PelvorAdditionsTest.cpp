@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NSCharacterSet-PelvorAdditions.h"
 
-#include <gtest/gtest.h>
-
-#include "Foundation/NSString.h"
-#include "Runtime/Message.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {

@@ -1,18 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NSCoder-PelvorAdditions.h"
 
-#include <gtest/gtest.h>
-
 #include "Foundation/NSKeyedArchiver.h"
 #include "Foundation/NSKeyedUnarchiver.h"
-#include "Foundation/NSString.h"
-#include "Runtime/AutoreleasePool.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
 
 TEST(NSCoderPelvorAdditions, ReadBytesThatFitTheBuffer) {
-    AutoreleasePool pool;
     auto archiver = NSKeyedArchiver::init();
     archiver->encodeBytes_length_forKey("0123456789", 10, u"block"_ns);
     auto coder = NSKeyedUnarchiver::initForReadingWithData_allowedClasses(archiver->encodedData(), nullptr);

@@ -1,15 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NSInvocation-PelvorAdditions.h"
 
-#include <gtest/gtest.h>
-
 #include "BaseLibrary.h"
-#include "Foundation/NSMutableSet.h"
-#include "Foundation/NSNumber.h"
-#include "Foundation/NSString.h"
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
-#include "Runtime/Registry.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
@@ -30,7 +23,6 @@ TEST(InvocationAdditions, MakeOneFromATargetOrAClassAsTheTarget) {
     EXPECT_EQ(invocation->target(), number);
     invocation->invoke();
     EXPECT_EQ(invocation->returnValue<int>(), 5);
-
     Class* cls = NSNumber::classObject();
     EXPECT_EQ(Additions::invocationWithTarget_selector(cls, "numberWithInt:"_sel)->target(), cls);
 }

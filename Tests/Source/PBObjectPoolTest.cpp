@@ -1,13 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBObjectPool.h"
 
-#include <gtest/gtest.h>
-
-#include <thread>
-#include <vector>
-
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 namespace {
@@ -49,18 +43,12 @@ TEST(PBObjectPoolTest, AnExternalPoolRetainsAndAnswersBorrowedObjects) {
 
 TEST(PBObjectPoolTest, ThreadsShareALockedPool) {
     auto pool = PBExternalObjectPool::initWithCapacity_useLock(3, true);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i)
-        threads.emplace_back([&] {
-            AutoreleasePool inner;
-            for (int step = 0; step < 500; ++step)
-                if (id object = pool->popObject(); !object || step % 3 == 0)
-                    pool->poolObject(NSObject::init().get());
-                else
-                    pool->poolObject(object);
-        });
-    for (std::thread& thread : threads) thread.join();
-    AutoreleasePool inner;
+    onThreads(8, [&](int) {
+        for (int step = 0; step < 500; ++step) {
+            id object = pool->popObject();
+            pool->poolObject(!object || step % 3 == 0 ? NSObject::init().autorelease() : object);
+        }
+    });
     int left = 0;
     while (pool->popObject()) ++left;
     EXPECT_LE(left, 3);

@@ -1,20 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 // The post-loader and bundles that come while the process runs.
-#include <gmock/gmock.h>
-
 #include "Foundation/NSBundle.h"
 #include "Foundation/NSThread.h"
 #include "HookedClasses.h"
 #include "PBPostLoader.h"
 #include "PBRegistry.h"
 #include "PBUtil.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::ExitedWithCode;
-using ::testing::IsEmpty;
 
 NSBundle* plugIn(const char* name) {
     std::string path = std::string(PELVOR_TEST_PLUGINS) + "/" + name + ".bundle";

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the post-loader does once in a process: each of these tests has a process of its own.
-#include <gtest/gtest.h>
-
 #include "Foundation/NSThread.h"
 #include "HookedClasses.h"
 #include "PBPostLoader.h"
 #include "PBUtil.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 namespace {

@@ -2,51 +2,34 @@
 // Tests of profiles and of what their dictionaries become.
 #include "PBProfile.h"
 
-#include <gtest/gtest.h>
-
-#include "Foundation/NSArray.h"
-#include "Foundation/NSMutableDictionary.h"
-#include "Foundation/NSMutableString.h"
-#include "Foundation/NSNumber.h"
 #include "Foundation/NSPasteboardTypes.h"
 #include "PBProfileKeys.h"
 #include "PBRegistry.h"
+#include "Prelude.h"
 #include "ProfileFixture.h"
-#include "Runtime/Message.h"
-#include "Runtime/Registry.h"
 
 namespace pelvor {
 namespace {
 
-using testing::isSame;
-using testing::makeProfile;
-using testing::TemporaryBundle;
+using namespace testing;
 
 TEST(PBProfile, KeepsCopiesOfIdentifierAndEntries) {
-    AutoreleasePool pool;
     auto identifier = u"rtf"_ns->mutableCopy();
-    auto entries = NSMutableDictionary::of({{u"name"_ns, u"Rich Text"_ns}});
+    auto entries = NSMutableDictionary::of({{u"name"_ns, u"Rich Text"_ns}, {u"strings"_ns, u"T"_ns}});
     PBProfile* profile = makeProfile(identifier, entries);
     identifier->appendString(u"d"_ns);
     entries->setObject_forKey(u"Poor Text"_ns, u"name"_ns);
     EXPECT_TRUE(isSame(profile->identifier(), u"rtf"_ns));
     EXPECT_TRUE(isSame(profile->valueForKey(PBProfileNameKey), u"Rich Text"_ns));
     EXPECT_TRUE(isSame(profile->objectForKey(PBProfileNameKey), u"Rich Text"_ns));
-    EXPECT_EQ(profile->valueForKey(PBProfileTypeKey), nullptr);
-    EXPECT_EQ(profile->bundle(), nullptr);
-}
-
-TEST(PBProfile, HasNothingWithoutADictionary) {
-    AutoreleasePool pool;
-    PBProfile* profile = makeProfile(u"empty"_ns, nullptr);
-    EXPECT_EQ(profile->valueForKey(PBProfileTypeKey), nullptr);
-    EXPECT_EQ(profile->type(), nullptr);
-    EXPECT_EQ(profile->profileClass(), nullptr);
-    EXPECT_EQ(profile->stringsName(), nullptr);
+    EXPECT_TRUE(isSame(profile->stringsName(), u"T"_ns));
+    for (PBProfile* lacking : {profile, makeProfile(u"empty"_ns, nullptr)}) {
+        EXPECT_EQ(lacking->valueForKey(PBProfileTypeKey), nullptr);
+        EXPECT_TRUE(!lacking->type() && !lacking->profileClass() && !lacking->bundle());
+    }
 }
 
 TEST(PBProfile, ValuesNamedValBecomeThePDFTypeAtAnyDepth) {
-    AutoreleasePool pool;
     id inner = NSDictionary::of({{u"deep"_ns, NSArray::of({u"val"_ns, u"value"_ns})}});
     PBProfile* profile = makeProfile(u"p"_ns, NSDictionary::of({
                                                   {u"plain"_ns, u"val"_ns},
@@ -64,7 +47,6 @@ TEST(PBProfile, ValuesNamedValBecomeThePDFTypeAtAnyDepth) {
 }
 
 TEST(PBProfile, FindsTheLoadedClassThatItNames) {
-    AutoreleasePool pool;
     PBRegistry::classRecord.initializeIfNeeded();
     auto classFor = [](id name) {
         return makeProfile(u"p"_ns, NSDictionary::of({{u"class"_ns, name}}))->profileClass();
@@ -74,53 +56,41 @@ TEST(PBProfile, FindsTheLoadedClassThatItNames) {
     EXPECT_EQ(classFor(NSNumber::numberWithInt(3)), nullptr);
 }
 
-TEST(PBProfile, TypeAndStringsNameAreItsEntries) {
-    AutoreleasePool pool;
-    id types = NSArray::of({PBProfileDocumentReaderType, PBProfileDocumentWriterType});
-    PBProfile* profile =
-        makeProfile(u"p"_ns, NSDictionary::of({{u"type"_ns, types}, {u"strings"_ns, u"T"_ns}}));
-    EXPECT_TRUE(isSame(profile->type(), types));
-    EXPECT_TRUE(isSame(profile->stringsName(), u"T"_ns));
-}
-
 TEST(PBProfile, LocalizesThroughItsTableOnly) {
-    AutoreleasePool pool;
     TemporaryBundle plugIn("Formats");
     plugIn.write("Formats.strings", "\"_Rich\" = \"Reich\";");
     plugIn.write("Localizable.strings", "\"_Rich\" = \"wrong table\";");
-    auto localized = [&](id table, NSString* string) {
-        auto entries = NSMutableDictionary::dictionary();
-        if (table) entries->setObject_forKey(table, PBProfileStringsKey);
-        return makeProfile(u"p"_ns, entries, plugIn.bundle())->localize(string);
+    NSString* rich = NSString::of(u"_Rich");
+    const struct {
+        id table;
+        NSBundle* bundle;
+        NSString *string, *expected;
+    } cases[] = {
+        {u"Formats"_ns, plugIn.bundle(), rich, u"Reich"_ns},
+        {u"Formats"_ns, plugIn.bundle(), u"_Poor"_ns, u"_Poor"_ns},
+        {u"NoSuchTable"_ns, plugIn.bundle(), rich, rich},
+        {u"NoSuchTable"_ns, nullptr, rich, rich},  // the main bundle is asked
+        {nullptr, plugIn.bundle(), rich, rich},
+        {NSNumber::numberWithInt(1), plugIn.bundle(), rich, rich},
     };
-    EXPECT_TRUE(isSame(localized(u"Formats"_ns, u"_Rich"_ns), u"Reich"_ns));
-    EXPECT_TRUE(isSame(localized(u"Formats"_ns, u"_Poor"_ns), u"_Poor"_ns));
-    EXPECT_TRUE(isSame(localized(u"NoSuchTable"_ns, u"_Rich"_ns), u"_Rich"_ns));
-    NSString* untouched = NSString::of(u"_Rich");
-    EXPECT_EQ(localized(nullptr, untouched), untouched);
-    EXPECT_EQ(localized(NSNumber::numberWithInt(1), untouched), untouched);
-}
-
-TEST(PBProfile, AsksTheMainBundleWhenItHasNone) {
-    AutoreleasePool pool;
-    PBProfile* profile = makeProfile(u"p"_ns, NSDictionary::of({{PBProfileStringsKey, u"NoSuchTable"_ns}}));
-    EXPECT_TRUE(isSame(profile->localize(u"_Rich"_ns), u"_Rich"_ns));
+    for (const auto& c : cases) {
+        auto entries = NSMutableDictionary::dictionary();
+        entries->setValue_forKey(c.table, PBProfileStringsKey);
+        NSString* localized = makeProfile(u"p"_ns, entries, c.bundle)->localize(c.string);
+        EXPECT_TRUE(isSame(localized, c.expected)) << localized << " of " << c.table;
+        EXPECT_TRUE(cast<NSString>(c.table) || localized == c.string) << "the very string";
+    }
 }
 
 TEST(PBProfile, DescriptionNamesClassAddressIdentifierAndEntries) {
-    AutoreleasePool pool;
     NSDictionary* entries = NSDictionary::of({{u"type"_ns, u"coder"_ns}});
     PBProfile* profile = makeProfile(u"plain text"_ns, entries);
-    char address[32];
-    std::snprintf(address, sizeof address, "%p", static_cast<void*>(profile));
     EXPECT_EQ(profile->description()->toUTF8(),
-              std::string("<PBProfile ") + address + ">: plain text = " + entries->description()->toUTF8());
-    PBProfile* bare = makeProfile(nullptr, nullptr);
-    EXPECT_TRUE(bare->description()->hasSuffix(u">: (null) = (null)"_ns)) << bare;
+              "<PBProfile " + addressOf(profile) + ">: plain text = " + entries->description()->toUTF8());
+    EXPECT_THAT(makeProfile(nullptr, nullptr)->description()->toUTF8(), EndsWith(">: (null) = (null)"));
 }
 
 TEST(PBProfile, SubclassesMakeTheirOwnKind) {
-    AutoreleasePool pool;
     static Class* subclass = Class::createSubclass("PBProfileTestKind", PBProfile::classObject());
     auto* profile = send<PBProfile*>(subclass, "profileWithIdentifier:dictionary:bundle:"_sel, u"p"_ns,
                                      NSDictionary::of({{u"type"_ns, u"val"_ns}}), nullptr);
@@ -131,7 +101,6 @@ TEST(PBProfile, SubclassesMakeTheirOwnKind) {
 NSString* unitIdentifier() { return u"unit"_ns; }
 
 TEST(PBProfileAccess, ClassesHaveNoIdentifierUnlessTheyOverrideIt) {
-    AutoreleasePool pool;
     PBProfile::classRecord.initializeIfNeeded();
     static Class* unit = Class::createSubclass("PBProfileTestUnit", NSObject::classObject());
     unit->metaclass()->addMethods(

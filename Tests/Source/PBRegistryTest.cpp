@@ -2,45 +2,16 @@
 // Tests of declaration files and of the registry that reads them.
 #include "PBRegistry.h"
 
-#include <gmock/gmock.h>
-
-#include <algorithm>
-
-#include "Foundation/NSLog.h"
-#include "Foundation/NSNotificationCenter.h"
+#include "BaseLibrary.h"
 #include "PBProfileKeys.h"
+#include "Prelude.h"
 #include "ProfileFixture.h"
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
 
 namespace pelvor {
 namespace {
 
-using testing::isSame;
-using testing::makeProfile;
-using testing::names;
-using testing::SharedRegistry;
-using testing::TemporaryBundle;
-using testing::TemporaryFolder;
+using namespace testing;
 using Names = std::set<std::string>;
-
-extern Library registryTestLibrary;
-
-// Counts the notifications of one registry.
-class PBTestChangeCounter : public NSObject {
-    PELVOR_CLASS(PBTestChangeCounter, NSObject);
-
-  public:
-    void profilesDidChange(NSNotification* notification) {
-        ++count;
-        EXPECT_EQ(notification->userInfo(), nullptr);
-    }
-    int count = 0;
-
-  protected:
-    PBTestChangeCounter() = default;
-    ~PBTestChangeCounter() = default;
-};
 
 // Notes which bundles it is asked to read instead of reading them, or fails at each profile.
 class PBTestRegistry : public PBRegistry {
@@ -60,19 +31,9 @@ class PBTestRegistry : public PBRegistry {
     bool notesBundles = false;
     bool fails = false;
     std::vector<NSBundle*> bundles;
-
-  protected:
-    PBTestRegistry() = default;
-    ~PBTestRegistry() = default;
 };
 
-PELVOR_DEFINE_CLASS(PBTestChangeCounter, registryTestLibrary) {
-    methods.instance<"profilesDidChange:", &PBTestChangeCounter::profilesDidChange>();
-}
-PELVOR_DEFINE_CLASS(PBTestRegistry, registryTestLibrary) {}
-
-constexpr Class* kClasses[] = {&PBTestChangeCounter::classRecord, &PBTestRegistry::classRecord};
-constinit Library registryTestLibrary{"RegistryTest", {}, kClasses, {}};
+PELVOR_DEFINE_CLASS(PBTestRegistry, baseLibrary) {}
 
 Retained<PBTestRegistry> makeTestRegistry() {
     auto registry = PBRegistry::init(PBTestRegistry::classObject());
@@ -81,22 +42,14 @@ Retained<PBTestRegistry> makeTestRegistry() {
 
 class PBRegistryTest : public ::testing::Test {
   protected:
-    void SetUp() override { observe(registry); }
-    void TearDown() override { NSNotificationCenter::defaultCenter()->removeObserver(counter); }
-
-    void observe(PBRegistry* sender) {
-        NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
-            counter, "profilesDidChange:"_sel, PBProfilesDidChangeNotification, sender);
-    }
     void read(const std::string& text, NSBundle* bundle = nullptr) {
         registry->addProfilesFromPath_bundle(folder.write("Profiles.plist", text), bundle);
     }
 
-    AutoreleasePool pool;
     TemporaryFolder folder;
     Retained<PBRegistry> registry = PBRegistry::init();
     SharedRegistry shared{registry};
-    Retained<PBTestChangeCounter> counter = make<PBTestChangeCounter>();
+    Retained<Listener> listener = Listener::to(PBProfilesDidChangeNotification, registry);
 };
 
 TEST_F(PBRegistryTest, OneRegistryIsSharedUntilItIsReplaced) {
@@ -115,14 +68,12 @@ TEST_F(PBRegistryTest, OneRegistryIsSharedUntilItIsReplaced) {
 }
 
 TEST_F(PBRegistryTest, EveryProfileThatIsAddedCountsAndPosts) {
-    EXPECT_EQ(registry->setVersion(), 0u);
-    PBProfile* first = makeProfile(u"rtf"_ns, nullptr);
-    PBProfile* second = makeProfile(u"rtf"_ns, nullptr);
-    registry->addProfile(first);
-    registry->addProfile(second);
+    PBProfile *first = makeProfile(u"rtf"_ns, nullptr), *second = makeProfile(u"rtf"_ns, nullptr);
+    for (PBProfile* profile : {first, second}) registry->addProfile(profile);
     EXPECT_EQ(registry->profileWithIdentifier(u"rtf"_ns), second);
     EXPECT_EQ(registry->setVersion(), 2u);
-    EXPECT_EQ(counter->count, 2);
+    ASSERT_EQ(listener->heard.size(), 2u);
+    EXPECT_EQ(listener->heard[1]->userInfo(), nullptr);
     EXPECT_EQ(names(registry), Names{"rtf"});
 }
 
@@ -130,40 +81,40 @@ TEST_F(PBRegistryTest, RefusesWhatHasNoIdentifierAndChangesNothing) {
     EXPECT_THROW(registry->addProfile(nullptr), NSException);
     EXPECT_THROW(registry->addProfile(makeProfile(nullptr, nullptr)), NSException);
     EXPECT_EQ(registry->setVersion(), 0u);
-    EXPECT_EQ(counter->count, 0);
+    EXPECT_EQ(listener->takeCount(), 0u);
 }
 
 TEST_F(PBRegistryTest, AFileCountsItsProfilesAndPostsOnce) {
     TemporaryBundle plugIn("Formats");
     read("{ Profiles = { a = {type = coder;}; b = {}; c = {}; d = {}; e = {}; }; }", plugIn.bundle());
     EXPECT_EQ(registry->setVersion(), 5u);
-    EXPECT_EQ(counter->count, 1);
+    EXPECT_EQ(listener->takeCount(), 1u);
     PBProfile* profile = registry->profileWithIdentifier(u"a"_ns);
     EXPECT_TRUE(isSame(profile->type(), PBProfileCoderType));
     EXPECT_EQ(profile->bundle(), plugIn.bundle());
 }
 
 TEST_F(PBRegistryTest, PostsEvenWhenThereIsNothingToRead) {
-    registry->addProfilesFromPath_bundle(NSString::ofUTF8((folder.path() / "missing.plist").string()), nullptr);
+    registry->addProfilesFromPath_bundle(NSString::ofUTF8((folder.path() / "missing.plist").string()),
+                                         nullptr);
     registry->addProfilesFromPath_bundle(nullptr, nullptr);
     registry->addProfilesFromBundle(nullptr);
     for (const char* text : {"", "{ Profiles = {", "(Profiles)", "{ Other = {}; }", "{ Profiles = {}; }"})
         read(text);
-    EXPECT_EQ(counter->count, 8);
+    EXPECT_EQ(listener->takeCount(), 8u);
     EXPECT_EQ(registry->setVersion(), 0u);
 }
 
 TEST_F(PBRegistryTest, LogsProfilesOfTheWrongKindAndGoesOn) {
-    std::vector<std::string> lines;
-    LogSinkScope scope([&](const LogEntry& entry) { lines.emplace_back(entry.text); });
+    LogLines log;
     read("{ Profiles = (a, b); }");
     read("{ Profiles = { rtf = plain; txt = {}; }; }");
     EXPECT_EQ(names(registry), Names{"txt"});
-    EXPECT_EQ(counter->count, 2);
-    EXPECT_THAT(lines, ::testing::ElementsAre(
-                           ::testing::MatchesRegex("Profiles Wrong kind of class! got: NS[A-Za-z]*Array"),
-                           ::testing::MatchesRegex(
-                               "profile 'rtf' should be a dictionary! got: NS[A-Za-z]*String")));
+    EXPECT_EQ(listener->takeCount(), 2u);
+    using ::testing::MatchesRegex;
+    EXPECT_THAT(log.lines,
+                ElementsAre(MatchesRegex("Profiles Wrong kind of class! got: NS[A-Za-z]*Array"),
+                            MatchesRegex("profile 'rtf' should be a dictionary! got: NS[A-Za-z]*String")));
 }
 
 TEST_F(PBRegistryTest, AFileDisablesOnlyItsOwnProfiles) {
@@ -187,7 +138,7 @@ TEST_F(PBRegistryTest, FindsTheDeclarationsAmongABundlesResources) {
     TemporaryBundle silent("Silent");
     registry->addProfilesFromBundle(silent.bundle());
     EXPECT_EQ(names(registry), Names{"rtf"});
-    EXPECT_EQ(counter->count, 2);
+    EXPECT_EQ(listener->takeCount(), 2u);
 }
 
 TEST_F(PBRegistryTest, StartsWithTheLastFrameworkAndEndsWithTheFirstBundle) {
@@ -224,15 +175,15 @@ TEST_F(PBRegistryTest, OfTwoBundlesTheOneNearerTheFrontDeclaresTheProfile) {
 
 TEST_F(PBRegistryTest, PostsAgainAfterAFileThatFailed) {
     auto failing = makeTestRegistry();
-    observe(failing);
+    listener->listen(PBProfilesDidChangeNotification, failing);
     failing->fails = true;
     EXPECT_THROW(
         failing->addProfilesFromPath_bundle(folder.write("p.plist", "{Profiles = {a = {};};}"), nullptr),
         NSException);
-    EXPECT_EQ(counter->count, 0);
+    EXPECT_THAT(listener->heard, IsEmpty());
     failing->fails = false;
     failing->addProfile(makeProfile(u"a"_ns, nullptr));
-    EXPECT_EQ(counter->count, 1);
+    EXPECT_EQ(listener->takeCount(), 1u);
 }
 
 TEST_F(PBRegistryTest, ARegistryMadeWithoutItsOwnInitialiserTakesProfilesToo) {

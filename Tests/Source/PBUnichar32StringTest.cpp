@@ -1,17 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBUnichar32String.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
 
 #include "BaseLibrary.h"
 #include "NSString-PelvorAdditions.h"
 #include "PBRepeatString.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
-#include "Runtime/Registry.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 namespace {
@@ -19,7 +14,6 @@ namespace {
 using Additions = NSString_PelvorAdditions;
 
 TEST(Codepoints, AreWrittenAsUnitsAndPairs) {
-    AutoreleasePool pool;
     EXPECT_EQ(Additions::stringWithCodepoint(0x1F600)->toUTF16(), u"\xD83D\xDE00");
     EXPECT_EQ(Additions::stringWithCodepoint(0x41)->toUTF16(), u"A");
     EXPECT_EQ(Additions::stringWithCodepoint(0x110000)->toUTF16(), (std::u16string{0xD800, 0xDC00}));
@@ -27,7 +21,6 @@ TEST(Codepoints, AreWrittenAsUnitsAndPairs) {
 }
 
 TEST(Codepoints, AreReadFromAnyRange) {
-    AutoreleasePool pool;
     NSString* text = NSString::of(
         u"a\xD83D\xDE00"
         u"b\xD83D");

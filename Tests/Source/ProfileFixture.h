@@ -4,11 +4,9 @@
 
 #include <filesystem>
 #include <set>
-#include <string>
 
-#include "Foundation/NSArray.h"
 #include "PBRegistry.h"
-#include "Runtime/AutoreleasePool.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 

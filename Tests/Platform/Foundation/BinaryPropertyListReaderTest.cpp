@@ -1,18 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of reading binary property lists made by hand: all widths, and lists that lie about themselves.
-#include <gtest/gtest.h>
-
 #include "Platform/Foundation/PropertyListSamples.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
 
 using namespace propertylists;
-
-class BinaryPropertyLists : public testing::Test {
-  protected:
-    AutoreleasePool pool;
-};
 
 std::string bigEndian(std::uint64_t value, int size) {
     std::string bytes;
@@ -48,7 +42,7 @@ std::string listOf(const std::vector<std::string>& objects, int offsetSize = 1, 
 
 using namespace std::string_literals;
 
-TEST_F(BinaryPropertyLists, HoldNumbersOfAllWidths) {
+TEST(BinaryPropertyLists, HoldNumbersOfAllWidths) {
     const std::pair<std::string, std::string_view> numbers[] = {
         {"\x10\xFF"s, "255"},
         {"\x11\xFF\xFF"s, "65535"},
@@ -70,7 +64,7 @@ TEST_F(BinaryPropertyLists, HoldNumbersOfAllWidths) {
     }
 }
 
-TEST_F(BinaryPropertyLists, HoldTextDataAndDates) {
+TEST(BinaryPropertyLists, HoldTextDataAndDates) {
     EXPECT_TRUE(u"ab"_ns->isEqual(read(listOf({"\x52"
                                                "ab"}))
                                       .list));
@@ -82,7 +76,7 @@ TEST_F(BinaryPropertyLists, HoldTextDataAndDates) {
     EXPECT_TRUE(NSDate::dateWithTimeIntervalSinceReferenceDate(60)->isEqual(date));
 }
 
-TEST_F(BinaryPropertyLists, ReferToObjectsByNumbersOfAnySize) {
+TEST(BinaryPropertyLists, ReferToObjectsByNumbersOfAnySize) {
     for (int size = 1; size <= 8; ++size) {
         std::string list =
             listOf({"\xD1" + bigEndian(1, size) + bigEndian(2, size), "\x51k", "\x51v"}, size, size);
@@ -92,7 +86,7 @@ TEST_F(BinaryPropertyLists, ReferToObjectsByNumbersOfAnySize) {
     }
 }
 
-TEST_F(BinaryPropertyLists, AreRefusedWhenTheirObjectsAreWrong) {
+TEST(BinaryPropertyLists, AreRefusedWhenTheirObjectsAreWrong) {
     const std::pair<std::vector<std::string>, std::string_view> lists[] = {
         {{"\x00"s}, "at byte 8: an object of an unknown kind"},
         {{"\x70"}, "at byte 8: an object of an unknown kind"},
@@ -120,7 +114,7 @@ TEST_F(BinaryPropertyLists, AreRefusedWhenTheirObjectsAreWrong) {
     for (const auto& [objects, reason] : lists) EXPECT_EQ(refusal(listOf(objects)), reason);
 }
 
-TEST_F(BinaryPropertyLists, AreRefusedWhenTheirTrailerIsWrong) {
+TEST(BinaryPropertyLists, AreRefusedWhenTheirTrailerIsWrong) {
     const std::pair<Trailer, std::string_view> trailers[] = {
         {{0, 1, 1, 0, 9}, "offsets of an impossible size"},
         {{9, 1, 1, 0, 9}, "offsets of an impossible size"},
@@ -152,7 +146,7 @@ std::string doublingList(int depth) {
     return listOf(objects);
 }
 
-TEST_F(BinaryPropertyLists, MayShareContainersWithinBounds) {
+TEST(BinaryPropertyLists, MayShareContainersWithinBounds) {
     auto* shared = cast<NSArray>(read(doublingList(10)).list);
     ASSERT_TRUE(shared);
     EXPECT_EQ(shared->objectAtIndex(0), shared->objectAtIndex(1));
@@ -168,7 +162,7 @@ TEST_F(BinaryPropertyLists, MayShareContainersWithinBounds) {
     }
 }
 
-TEST_F(BinaryPropertyLists, CountTheDepthOfWhatTheyShare) {
+TEST(BinaryPropertyLists, CountTheDepthOfWhatTheyShare) {
     std::vector<std::string> objects{"\xA2" + bigEndian(1, 2) + bigEndian(511, 2)};
     for (unsigned i = 2; i <= 511; ++i) objects.push_back("\xA1" + bigEndian(i, 2));
     objects.push_back("\xA0");
@@ -179,7 +173,7 @@ TEST_F(BinaryPropertyLists, CountTheDepthOfWhatTheyShare) {
     EXPECT_TRUE(refusal(listOf(objects, 2, 2)).ends_with("nested more than 512 deep"));
 }
 
-TEST_F(BinaryPropertyLists, MayNotStandForMoreBytesThanTheyHave) {
+TEST(BinaryPropertyLists, MayNotStandForMoreBytesThanTheyHave) {
     // A thousand arrays that are all the same thousand references, each to a string of a thousand bytes.
     std::string bytes = "bplist00\xAF\x11\x03\xE8";
     for (unsigned i = 0; i < 1000; ++i) bytes += bigEndian(i + 1, 2);
@@ -191,7 +185,7 @@ TEST_F(BinaryPropertyLists, MayNotStandForMoreBytesThanTheyHave) {
     EXPECT_TRUE(refusal(bytes + table + trailer.bytes()).ends_with("objects that lie over each other"));
 }
 
-TEST_F(BinaryPropertyLists, MakeLongStringsAgainOnlySoOften) {
+TEST(BinaryPropertyLists, MakeLongStringsAgainOnlySoOften) {
     std::string references = repeated("\x01", 2000);
     std::string text(100'000, 'x');
     std::string list =

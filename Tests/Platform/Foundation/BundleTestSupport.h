@@ -4,12 +4,9 @@
 
 #include <filesystem>
 #include <initializer_list>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "Foundation/NSBundle.h"
-#include "Foundation/NSLog.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 
@@ -52,15 +49,6 @@ class LanguageScope {
 
   private:
     std::vector<std::pair<const char*, std::string>> _before;
-};
-
-/// Keeps the lines of the log for a scope.
-class LogLines {
-  public:
-    std::vector<std::string> lines;
-
-  private:
-    LogSinkScope _scope{[this](const LogEntry& entry) { lines.emplace_back(entry.text); }};
 };
 
 }  // namespace pelvor::testing

@@ -2,24 +2,18 @@
 // Tests of the texts of collections.
 #include "Foundation/CollectionDescriptionPrivate.h"
 
-#include <gmock/gmock.h>
-
 #include <sstream>
 
-#include "Foundation/NSData.h"
-#include "Foundation/NSMutableArray.h"
-#include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSPropertyListSerialization.h"
-#include "Foundation/NSSet.h"
 #include "Platform/Foundation/Pebble.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
 
-using testing::num;
+using namespace testing;
 
 TEST(CollectionDescription, IsAnOldStylePropertyList) {
-    AutoreleasePool pool;
     NSDictionary* inner =
         NSDictionary::of({{u"a key"_ns, num(-1)}, {u"b"_ns, NSNumber::numberWithDouble(1.5)}});
     NSArray* array = NSArray::of({u"plain_1:$"_ns, u""_ns, u"say \"hi\"\\\n"_ns, u"\u00e4\U0001F600"_ns,
@@ -44,7 +38,6 @@ TEST(CollectionDescription, IsAnOldStylePropertyList) {
 }
 
 TEST(CollectionDescription, IsReadBackAsTheSameList) {
-    AutoreleasePool pool;
     auto units = NSMutableArray::init();
     for (unsigned unit = 1; unit < 0x180; ++unit)
         units->addObject(NSString::of(std::u16string(1, static_cast<unichar>(unit))));
@@ -60,7 +53,6 @@ TEST(CollectionDescription, IsReadBackAsTheSameList) {
 }
 
 TEST(CollectionDescription, EndsForACollectionInsideItself) {
-    AutoreleasePool pool;
     auto array = NSMutableArray::init();
     auto dictionary = NSMutableDictionary::init();
     dictionary->setObject_forKey(array, u"array"_ns);
@@ -72,7 +64,6 @@ TEST(CollectionDescription, EndsForACollectionInsideItself) {
 }
 
 TEST(ObjectPrinting, ShowsDescriptionsOfPointersAndReferences) {
-    AutoreleasePool pool;
     auto owned = NSArray::initWithObjects({u"\u00e4"_ns, num(2)});
     NSArray* array = owned;
     std::ostringstream stream;

@@ -2,49 +2,29 @@
 // Tests of arrays that do not change.
 #include "Foundation/NSArray.h"
 
-#include <gtest/gtest.h>
-
-#include <random>
-
-#include "Foundation/NSMutableArray.h"
-#include "Foundation/NSNull.h"
-#include "Foundation/NSSet.h"
 #include "Platform/Foundation/OwnCollections.h"
 #include "Platform/Foundation/Pebble.h"
-#include "Runtime/Message.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
 
-using testing::Countdown;
-using testing::listing;
-using testing::num;
-using testing::numbers;
-using testing::Pebble;
-using testing::reasonOf;
+using namespace testing;
 
-class NSArrayTest : public ::testing::Test {
-    AutoreleasePool _pool;
-};
-
-TEST_F(NSArrayTest, HoldsWhatItWasMadeOf) {
+TEST(NSArrayTest, HoldsWhatItWasMadeOf) {
     NSArray* array = NSArray::of({u"a"_ns, num(2), u"c"_ns});
-    EXPECT_EQ(array->count(), 3u);
     EXPECT_EQ(listing(array), "a 2 c");
     EXPECT_EQ(listing(array->reverseObjectEnumerator()), "c 2 a");
     EXPECT_EQ(array->lastObject(), u"c"_ns);
     EXPECT_EQ(NSArray::array()->lastObject(), nullptr);
-    EXPECT_EQ(reasonOf(NSRangeException, [&] { array->objectAtIndex(3); }), "index (3) beyond bounds (3)");
+    EXPECT_EQ(send<id>(array, "objectAtIndex:"_sel, 1), num(2));
     EXPECT_EQ(reasonOf(NSRangeException, [&] { array->objectAtIndex(0x80000000u); }),
               "index (-2147483648) beyond bounds (3)");
-    EXPECT_EQ(reasonOf(NSInvalidArgumentException,
-                       [] {
-                           NSArray::of({u"a"_ns, nullptr});
-                       }),
+    EXPECT_EQ(reasonOf(NSInvalidArgumentException, [] { NSArray::arrayWithObject(nullptr); }),
               "no object was given to initWithObjects:count:");
 }
 
-TEST_F(NSArrayTest, RetainsAndReleasesEachObjectOnce) {
+TEST(NSArrayTest, RetainsAndReleasesEachObjectOnce) {
     auto pebble = Pebble::create(1);
     {
         AutoreleasePool pool;
@@ -59,37 +39,31 @@ TEST_F(NSArrayTest, RetainsAndReleasesEachObjectOnce) {
     EXPECT_EQ(pebble->retainCount(), 1u);
 }
 
-TEST_F(NSArrayTest, FindsByEqualityOfItsEntriesOrByIdentity) {
+TEST(NSArrayTest, FindsByEqualityOfItsEntriesOrByIdentity) {
     auto one = Pebble::create(1), alike = Pebble::create(1);
     NSArray* array = NSArray::of({Pebble::create(0).autorelease(), one, alike});
     EXPECT_EQ(array->indexOfObject(alike), 1u);
     EXPECT_EQ(array->indexOfObjectIdenticalTo(alike), 2u);
     EXPECT_EQ(array->indexOfObject_inRange(one, {2, 1}), 2u);
     EXPECT_EQ(array->indexOfObject_inRange(one, {0, 1}), NSNotFound);
-    EXPECT_EQ(array->indexOfObject(u"x"_ns), NSNotFound);
-    EXPECT_EQ(array->indexOfObject(nullptr), NSNotFound);
+    for (id stranger : {id(u"x"_ns), id()}) EXPECT_EQ(array->indexOfObject(stranger), NSNotFound);
     EXPECT_FALSE(array->containsObject(nullptr));
-    EXPECT_EQ(reasonOf(NSRangeException,
-                       [&] {
-                           array->indexOfObject_inRange(one, {2, 0xFFFFFFFF});
-                       }),
+    NSRange outside{2, 0xFFFFFFFF};
+    EXPECT_EQ(reasonOf(NSRangeException, [&] { array->indexOfObject_inRange(one, outside); }),
               "index (1) beyond bounds (3)");
     EXPECT_EQ(array->firstObjectCommonWithArray(NSArray::of({u"x"_ns, one})), one);
     EXPECT_EQ(array->firstObjectCommonWithArray(nullptr), nullptr);
 }
 
-TEST_F(NSArrayTest, MakesOtherArrays) {
+TEST(NSArrayTest, MakesOtherArrays) {
     NSArray* array = numbers({3, 1, 2});
     EXPECT_EQ(listing(array->subarrayWithRange({1, 2})), "1 2");
     EXPECT_EQ(array->subarrayWithRange({3, 0})->count(), 0u);
-    EXPECT_EQ(reasonOf(NSRangeException,
-                       [&] {
-                           array->subarrayWithRange({2, 2});
-                       }),
+    NSRange outside{2, 2};
+    EXPECT_EQ(reasonOf(NSRangeException, [&] { array->subarrayWithRange(outside); }),
               "index (4) beyond bounds (3)");
     EXPECT_EQ(listing(array->arrayByAddingObject(num(9))), "3 1 2 9");
     EXPECT_EQ(listing(array->arrayByAddingObjectsFromArray(array)), "3 1 2 3 1 2");
-    EXPECT_EQ(listing(array->sortedArrayUsingSelector("compare:"_sel)), "1 2 3");
     EXPECT_EQ(array->componentsJoinedByString(u", "_ns)->toUTF8(), "3, 1, 2");
     EXPECT_EQ(NSArray::array()->componentsJoinedByString(u", "_ns)->length(), 0u);
 }
@@ -99,7 +73,7 @@ int compareTens(id first, id second, void* calls) {
     return static_cast<Pebble*>(first)->number() / 10 - static_cast<Pebble*>(second)->number() / 10;
 }
 
-TEST_F(NSArrayTest, SortsStably) {
+TEST(NSArrayTest, SortsStably) {
     std::mt19937 random(1);
     for (int count : {0, 1, 2, 9, 100, 1000}) {
         std::vector<Object*> pebbles;
@@ -119,7 +93,7 @@ int nonsense(id, id, void* random) {
     return static_cast<int>((*static_cast<std::mt19937*>(random))() % 3) - 1;
 }
 
-TEST_F(NSArrayTest, SortingBySenselessComparisonsKeepsTheObjects) {
+TEST(NSArrayTest, SortingBySenselessComparisonsKeepsTheObjects) {
     std::mt19937 random(2);
     auto countdown = Countdown::from(500);
     for (int i = 0; i < 20; ++i) {
@@ -128,7 +102,7 @@ TEST_F(NSArrayTest, SortingBySenselessComparisonsKeepsTheObjects) {
     }
 }
 
-TEST_F(NSArrayTest, EqualArraysHaveEqualHashes) {
+TEST(NSArrayTest, EqualArraysHaveEqualHashes) {
     auto countdown = Countdown::from(3);
     NSArray* array = numbers({3, 2, 1});
     EXPECT_TRUE(array->isEqual(countdown));
@@ -142,7 +116,7 @@ TEST_F(NSArrayTest, EqualArraysHaveEqualHashes) {
     EXPECT_FALSE(array->isEqual(u"(3, 2, 1)"_ns));
 }
 
-TEST_F(NSArrayTest, ASubclassNeedsOnlyTwoOperations) {
+TEST(NSArrayTest, ASubclassNeedsOnlyTwoOperations) {
     auto countdown = Countdown::from(4);
     EXPECT_EQ(listing(countdown), "4 3 2 1");
     EXPECT_EQ(listing(countdown->reverseObjectEnumerator()), "1 2 3 4");
@@ -153,20 +127,18 @@ TEST_F(NSArrayTest, ASubclassNeedsOnlyTwoOperations) {
     EXPECT_EQ(listing(countdown->sortedArrayUsingSelector("compare:"_sel)), "1 2 3 4");
 }
 
-TEST_F(NSArrayTest, AnswersMessages) {
-    Class* arrays = NSArray::classObject();
-    id one = num(1);
-    auto* array = send<NSArray*>(arrays, "arrayWithObject:"_sel, one);
-    EXPECT_EQ(send<NSUInteger>(array, "count"_sel), 1u);
-    EXPECT_EQ(send<id>(array, "objectAtIndex:"_sel, 0), one);
-    auto mutableArray = send<Retained<NSMutableArray>>(NSMutableArray::classObject(), "new"_sel);
+TEST(NSArrayTest, SendsItsObjectsMessages) {
+    auto array = send<Retained<NSMutableArray>>(NSMutableArray::classObject(), "new"_sel);
     auto pebble = Pebble::create(5);
-    mutableArray->addObject(pebble);
-    mutableArray->makeObjectsPerformSelector_withObject("isEqual:"_sel, pebble);
-    EXPECT_THROW(mutableArray->makeObjectsPerformSelector("frobnicate"_sel), NSException);
+    int comparisons = 0;
+    pebble->whenCompared = [&] { ++comparisons; };
+    for (int i = 0; i < 2; ++i) array->addObject(pebble);
+    array->makeObjectsPerformSelector_withObject("isEqual:"_sel, pebble);
+    EXPECT_EQ(comparisons, 2);
+    EXPECT_THROW(array->makeObjectsPerformSelector("frobnicate"_sel), NSException);
 }
 
-TEST_F(NSArrayTest, AReleaseAtItsEndSeesItEmpty) {
+TEST(NSArrayTest, AReleaseAtItsEndSeesItEmpty) {
     NSArray* seen = nullptr;
     NSUInteger count = 99;
     auto pebble = Pebble::create(1);

@@ -1,16 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <gmock/gmock.h>
-
 #include "BundleTestSupport.h"
-#include "Foundation/NSArray.h"
 #include "Foundation/NSBundle.h"
-#include "Runtime/AutoreleasePool.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 
 std::vector<std::string> texts(NSArray* strings) {
     std::vector<std::string> texts;
@@ -32,7 +26,6 @@ class NSBundleLocalizationTest : public ::testing::Test {
         return bundle->localizedStringForKey_value_table(u"_Open"_ns, nullptr, nullptr)->toUTF8();
     }
 
-    AutoreleasePool pool;
     BundleFolder folder;
 };
 

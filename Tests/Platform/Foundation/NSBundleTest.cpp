@@ -1,22 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSBundle.h"
 
-#include <gmock/gmock.h>
-
 #include "BundleTestSupport.h"
-#include "Foundation/NSArray.h"
-#include "Foundation/NSDictionary.h"
 #include "Foundation/NSPathStore2.h"
 #include "Foundation/NSThread.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
-#include "Runtime/Registry.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 std::string text(id object) { return object ? object->description()->toUTF8() : "(none)"; }
 
@@ -29,7 +20,6 @@ std::vector<std::string> names(NSArray* paths, const fs::path& folder) {
 
 class NSBundleTest : public ::testing::Test {
   protected:
-    AutoreleasePool pool;
     BundleFolder folder;
 };
 

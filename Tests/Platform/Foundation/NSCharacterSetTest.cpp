@@ -2,23 +2,13 @@
 // Tests of character sets.
 #include "Foundation/NSCharacterSet.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <thread>
-
-#include "Foundation/NSData.h"
 #include "FoundationTestSupport.h"
-#include "Runtime/AutoreleasePool.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
 
-class NSCharacterSetTest : public testing::Test {
-    AutoreleasePool _pool;
-};
-
-TEST_F(NSCharacterSetTest, NamedSetsHaveTheirMembersAndNotTheirNeighbours) {
+TEST(NSCharacterSetTest, NamedSetsHaveTheirMembersAndNotTheirNeighbours) {
     struct {
         NSCharacterSet* set;
         std::u32string members;
@@ -48,16 +38,13 @@ TEST_F(NSCharacterSetTest, NamedSetsHaveTheirMembersAndNotTheirNeighbours) {
     }
 }
 
-TEST_F(NSCharacterSetTest, NamedSetsAreMadeOnceOnAnyThread) {
+TEST(NSCharacterSetTest, NamedSetsAreMadeOnceOnAnyThread) {
     NSCharacterSet* seen[4];
-    std::thread threads[4];
-    for (int i = 0; i < 4; ++i)
-        threads[i] = std::thread([&, i] { seen[i] = NSCharacterSet::symbolCharacterSet(); });
-    for (std::thread& thread : threads) thread.join();
+    onThreads(4, [&](int number) { seen[number] = NSCharacterSet::symbolCharacterSet(); });
     for (NSCharacterSet* set : seen) EXPECT_EQ(set, seen[0]);
 }
 
-TEST_F(NSCharacterSetTest, RangesReachOverByteAndPlaneBounds) {
+TEST(NSCharacterSetTest, RangesReachOverByteAndPlaneBounds) {
     for (NSRange range : {NSRange{0, 1}, NSRange{3, 2}, NSRange{7, 2}, NSRange{5, 40}, NSRange{8, 16},
                           NSRange{0xFFF0, 0x30}, NSRange{0xFFFF, 0x10002}, NSRange{0x10FFFF, 1}}) {
         NSCharacterSet* set = NSCharacterSet::characterSetWithRange(range);
@@ -73,20 +60,17 @@ TEST_F(NSCharacterSetTest, RangesReachOverByteAndPlaneBounds) {
     expectRaises(NSInvalidArgumentException, [] { NSCharacterSet::characterSetWithRange({2, 0xFFFFFFFF}); });
 }
 
-TEST_F(NSCharacterSetTest, CharactersOfAStringArePairsAndLoneHalves) {
+TEST(NSCharacterSetTest, CharactersOfAStringArePairsAndLoneHalves) {
     NSCharacterSet* set =
         NSCharacterSet::characterSetWithCharactersInString(NSString::of(std::u16string(u"a😀\xD800")));
-    EXPECT_TRUE(set->longCharacterIsMember(U'😀'));
+    EXPECT_TRUE(set->longCharacterIsMember(U'😀') && set->characterIsMember(0xD800));
     EXPECT_FALSE(set->characterIsMember(0xD83D));
-    EXPECT_TRUE(set->characterIsMember(0xD800));
-    EXPECT_FALSE(set->longCharacterIsMember(0x110000));
-    EXPECT_FALSE(set->longCharacterIsMember(0xFFFFFFFF));
+    for (char32_t beyond : {0x110000u, 0xFFFFFFFFu}) EXPECT_FALSE(set->longCharacterIsMember(beyond));
     EXPECT_TRUE(set->hasMemberInPlane(1));
-    EXPECT_FALSE(set->hasMemberInPlane(2));
-    EXPECT_FALSE(set->hasMemberInPlane(17));
+    EXPECT_FALSE(set->hasMemberInPlane(2) || set->hasMemberInPlane(17));
 }
 
-TEST_F(NSCharacterSetTest, SetsThatChangeLeaveTheirCopiesAlone) {
+TEST(NSCharacterSetTest, SetsThatChangeLeaveTheirCopiesAlone) {
     auto set = NSCharacterSet::letterCharacterSet()->mutableCopy();
     auto before = set->copy();
     set->removeCharactersInRange({u'a', 26});
@@ -101,7 +85,7 @@ TEST_F(NSCharacterSetTest, SetsThatChangeLeaveTheirCopiesAlone) {
     EXPECT_EQ(set->hash(), before->hash());
 }
 
-TEST_F(NSCharacterSetTest, UnionIntersectionAndInverse) {
+TEST(NSCharacterSetTest, UnionIntersectionAndInverse) {
     auto set = NSMutableCharacterSet::characterSetWithRange({u'a', 26});
     set->formUnionWithCharacterSet(NSCharacterSet::characterSetWithCharactersInString(u"1😀"_ns));
     EXPECT_TRUE(set->longCharacterIsMember(U'😀') && set->characterIsMember(u'1'));
@@ -120,7 +104,7 @@ TEST_F(NSCharacterSetTest, UnionIntersectionAndInverse) {
     expectRaises(NSInvalidArgumentException, [&] { set->formUnionWithCharacterSet(nullptr); });
 }
 
-TEST_F(NSCharacterSetTest, BitmapsHoldTheMembersBitByBit) {
+TEST(NSCharacterSetTest, BitmapsHoldTheMembersBitByBit) {
     NSCharacterSet* set = NSCharacterSet::characterSetWithCharactersInString(u"\u0000\u0007\u0008\uFFFF"_ns);
     NSData* data = set->bitmapRepresentation();
     ASSERT_EQ(data->length(), 8192u);
@@ -131,7 +115,7 @@ TEST_F(NSCharacterSetTest, BitmapsHoldTheMembersBitByBit) {
     EXPECT_TRUE(NSCharacterSet::characterSetWithBitmapRepresentation(data)->isEqual(set));
 }
 
-TEST_F(NSCharacterSetTest, BitmapsOfHigherPlanesFollowWithTheirNumbers) {
+TEST(NSCharacterSetTest, BitmapsOfHigherPlanesFollowWithTheirNumbers) {
     for (NSCharacterSet* set : {NSCharacterSet::letterCharacterSet(), NSCharacterSet::characterSet(),
                                 NSCharacterSet::symbolCharacterSet()->invertedSet()}) {
         NSData* data = set->bitmapRepresentation();

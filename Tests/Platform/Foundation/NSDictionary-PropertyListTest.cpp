@@ -2,18 +2,13 @@
 // Tests of dictionaries and arrays to and from files.
 #include "Foundation/NSDictionary-PropertyList.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 
 #include "Foundation/NSArray-PropertyList.h"
-#include "Foundation/NSMutableArray.h"
-#include "Foundation/NSMutableDictionary.h"
-#include "Foundation/NSNull.h"
 #include "Platform/Foundation/PropertyListSamples.h"
-#include "Runtime/Message.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
@@ -34,7 +29,6 @@ class PropertyListFiles : public testing::Test {
         return path(name);
     }
 
-    AutoreleasePool pool;
     std::filesystem::path folder;
 };
 

@@ -2,35 +2,23 @@
 // Tests of walks over collections, and of collections that change under them.
 #include "Foundation/NSEnumerator.h"
 
-#include <gtest/gtest.h>
-
 #include "Foundation/NSCountedSet.h"
-#include "Foundation/NSMutableArray.h"
-#include "Foundation/NSMutableDictionary.h"
 #include "Platform/Foundation/Pebble.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
 
-using testing::listing;
-using testing::num;
-using testing::numbers;
-using testing::Pebble;
-using testing::reasonOf;
+using namespace testing;
 
-class NSEnumeratorTest : public ::testing::Test {
-    AutoreleasePool _pool;
-};
-
-TEST_F(NSEnumeratorTest, IsUsedUpByWalking) {
+TEST(NSEnumeratorTest, IsUsedUpByWalking) {
     NSEnumerator* enumerator = numbers({1, 2, 3})->objectEnumerator();
     EXPECT_EQ(enumerator->nextObject(), num(1));
     EXPECT_EQ(listing(enumerator->allObjects()), "2 3");
     EXPECT_EQ(enumerator->nextObject(), nullptr);
-    EXPECT_EQ(enumerator->allObjects()->count(), 0u);
 }
 
-TEST_F(NSEnumeratorTest, KeepsTheCollectionUntilTheEnd) {
+TEST(NSEnumeratorTest, KeepsTheCollectionUntilTheEnd) {
     auto array = NSMutableArray::initWithObjects({num(1)});
     Retained<NSEnumerator> enumerator;
     {
@@ -45,7 +33,7 @@ TEST_F(NSEnumeratorTest, KeepsTheCollectionUntilTheEnd) {
     EXPECT_EQ(enumerator->nextObject(), nullptr);
 }
 
-TEST_F(NSEnumeratorTest, LoopsKeepTheCollection) {
+TEST(NSEnumeratorTest, LoopsKeepTheCollection) {
     auto array = NSMutableArray::initWithArray(numbers({1, 2, 3}));
     NSMutableArray* borrowed = array;
     int seen = 0;
@@ -57,67 +45,47 @@ TEST_F(NSEnumeratorTest, LoopsKeepTheCollection) {
     for (id object : static_cast<NSArray*>(nullptr)) FAIL() << object;
 }
 
-struct Walk {
-    const char* name;
-    std::function<void()> walk;
-    Object* collection;
-};
+void forEach(auto* collection, auto act) {
+    for (id object : collection) act(object);
+}
 
-TEST_F(NSEnumeratorTest, NoticesThatTheCollectionChanged) {
+TEST(NSEnumeratorTest, NoticesThatTheCollectionChanged) {
     NSMutableArray* array = NSMutableArray::arrayWithArray(numbers({1, 2, 3}));
     NSMutableSet* set = NSMutableSet::setWithArray(array);
     NSCountedSet* counted = NSCountedSet::setWithArray(array);
     NSMutableDictionary* dictionary = NSMutableDictionary::dictionaryWithObjects_forKeys(array, array);
-    auto walkOver = [](NSEnumerator* enumerator, std::function<void()> change) {
-        while (enumerator->nextObject()) change();
-    };
-    auto shrink = [&] { dictionary->removeObjectForKey(num(1)); };
-    const Walk walks[] = {
-        {"array",
+    auto pebble = Pebble::create(1);
+    pebble->whenCompared = [&] { array->removeAllObjects(); };
+    auto shrink = [&](id) { dictionary->removeObjectForKey(num(1)); };
+    const struct {
+        Object* collection;
+        std::function<void()> walk;
+    } walks[] = {
+        {array, [&] { forEach(array, [&](id object) { array->removeObject(object); }); }},
+        {array, [&] { forEach(array->reverseObjectEnumerator(), [&](id) { array->addObject(num(8)); }); }},
+        {set, [&] { forEach(set, [&](id object) { set->removeObject(object); }); }},
+        {set, [&] { forEach(set->objectEnumerator(), [&](id) { set->addObject(num(8)); }); }},
+        {counted, [&] { forEach(counted, [&](id object) { counted->removeObject(object); }); }},
+        {dictionary, [&] { forEach(dictionary->keyEnumerator(), shrink); }},
+        {dictionary,
          [&] {
-             for (id o : array) array->removeObject(o);
-         },
-         array},
-        {"backwards", [&] { walkOver(array->reverseObjectEnumerator(), [&] { array->addObject(num(8)); }); },
-         array},
-        {"set",
-         [&] {
-             for (id o : set) set->removeObject(o);
-         },
-         set},
-        {"set enumerator", [&] { walkOver(set->objectEnumerator(), [&] { set->addObject(num(8)); }); }, set},
-        {"counted",
-         [&] {
-             for (id o : counted) counted->removeObject(o);
-         },
-         counted},
-        {"keys", [&] { walkOver(dictionary->keyEnumerator(), shrink); }, dictionary},
-        {"entries",
-         [&] {
-             for (auto [k, v] : dictionary) dictionary->setObject_forKey(k, Pebble::create(7).autorelease());
+             for (auto [key, value] : dictionary) dictionary->setObject_forKey(key, pebble);
              (void)0;
-         },
-         dictionary},
-        {"searching",
+         }},
+        {array,
          [&] {
-             auto pebble = Pebble::create(1);
-             pebble->whenCompared = [&] { array->removeAllObjects(); };
              array->insertObject_atIndex(pebble, 0);
              array->indexOfObject(num(100));
-         },
-         array},
+         }},
     };
-    for (const Walk& walk : walks) {
-        char address[32];
-        std::snprintf(address, sizeof address, "%p", static_cast<void*>(walk.collection));
-        EXPECT_EQ(reasonOf(NSGenericException, walk.walk),
-                  std::string("Collection <") + walk.collection->isa()->name() + ": " + address +
-                      "> was mutated while being enumerated.")
-            << walk.name;
-    }
+    for (const auto& row : walks)
+        EXPECT_EQ(reasonOf(NSGenericException, row.walk),
+                  std::string("Collection <") + row.collection->isa()->name() + ": " +
+                      addressOf(row.collection) + "> was mutated while being enumerated.")
+            << &row - walks;
 }
 
-TEST_F(NSEnumeratorTest, AnotherObjectInAPlaceIsNoChangeOfTheWalk) {
+TEST(NSEnumeratorTest, AnotherObjectInAPlaceIsNoChangeOfTheWalk) {
     NSMutableArray* array = NSMutableArray::arrayWithArray(numbers({1, 2, 3}));
     NSUInteger index = 0;
     for (id object : array)

@@ -2,14 +2,7 @@
 // Tests of formatted text.
 #include "Foundation/NSFormat.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-
-#include "Foundation/NSString.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/NSException.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
@@ -110,7 +103,6 @@ TEST(NSFormat, ArgumentsOfTheWrongKindShowWhatTheyAre) {
 }
 
 TEST(NSFormat, ObjectsShowTheirDescriptionAndPointersTheirAddress) {
-    AutoreleasePool pool;
     auto object = NSObject::init();
     std::string address = NSString::stringWithFormat(u"%p"_ns, object)->toUTF8();
     EXPECT_EQ(address.substr(0, 2), "0x");
@@ -121,13 +113,11 @@ TEST(NSFormat, ObjectsShowTheirDescriptionAndPointersTheirAddress) {
 }
 
 TEST(NSFormat, EnormousWidthsAreCut) {
-    AutoreleasePool pool;
     NSString* wide = NSString::stringWithFormat(u"%999999999999d%.999999999f%*d"_ns, 1, 1.0, 1 << 30, 1);
     EXPECT_EQ(wide->length(), 65535u + 65537u + 65535u);
 }
 
 TEST(NSFormat, RaisingNamesTheExceptionAndFormatsItsReason) {
-    AutoreleasePool pool;
     try {
         raiseException(NSRangeException, u"index (%d) beyond bounds (%d)"_ns, 5u, 3u);
         FAIL();

@@ -1,25 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSLog.h"
 
-#include <gmock/gmock.h>
 #include <unistd.h>
-
 #include <regex>
 #include <sstream>
-#include <thread>
-#include <vector>
 
 #include "Foundation/NSProcessInfo.h"
-#include "Runtime/AutoreleasePool.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-
 TEST(NSLogTest, ALineHasTimeProgramProcessAndText) {
-    AutoreleasePool pool;
     ::testing::internal::CaptureStderr();
     NSLog(u"%@ is %d %s"_ns, u"Grüße"_ns, 42, "times");
     std::string line = ::testing::internal::GetCapturedStderr();
@@ -30,15 +22,15 @@ TEST(NSLogTest, ALineHasTimeProgramProcessAndText) {
 }
 
 TEST(NSLogTest, ASinkHearsEverythingForAScope) {
-    std::vector<std::string> outer, inner;
-    LogSinkScope outerScope([&](const LogEntry& entry) { outer.emplace_back(entry.text); });
+    LogLines outer;
+    std::string inner;
     {
-        LogSinkScope innerScope([&](const LogEntry& entry) { inner.emplace_back(entry.line); });
+        LogSinkScope innerScope([&](const LogEntry& entry) { inner += entry.line; });
         NSLog(u"within"_ns);
     }
     logText("outside");
-    EXPECT_THAT(inner, ElementsAre(HasSubstr("] within")));
-    EXPECT_THAT(outer, ElementsAre("outside"));
+    EXPECT_THAT(inner, HasSubstr("] within"));
+    EXPECT_THAT(outer.lines, ElementsAre("outside"));
 }
 
 TEST(NSLogTest, ASinkMayLogThrowAndReplaceItself) {
@@ -60,12 +52,9 @@ TEST(NSLogTest, ASinkMayLogThrowAndReplaceItself) {
 TEST(NSLogTest, LinesOfManyThreadsStayWhole) {
     const std::string text(200, 'x');
     ::testing::internal::CaptureStderr();
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t)
-        threads.emplace_back([&] {
-            for (int i = 0; i < 50; ++i) logText(text);
-        });
-    for (auto& thread : threads) thread.join();
+    onThreads(4, [&](int) {
+        for (int i = 0; i < 50; ++i) logText(text);
+    });
     std::istringstream lines(::testing::internal::GetCapturedStderr());
     int count = 0;
     for (std::string line; std::getline(lines, line); ++count)

@@ -2,24 +2,14 @@
 // Tests of arrays that change.
 #include "Foundation/NSMutableArray.h"
 
-#include <gmock/gmock.h>
-
-#include <random>
-
-#include "Foundation/NSMutableDictionary.h"
-#include "Foundation/NSMutableSet.h"
 #include "Platform/Foundation/OwnCollections.h"
 #include "Platform/Foundation/Pebble.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
 
-using testing::listing;
-using testing::num;
-using testing::numbers;
-using testing::OwnArray;
-using testing::Pebble;
-using testing::reasonOf;
+using namespace testing;
 
 // Each test runs with the array of the platform and with one over only the primitives.
 class NSMutableArrayTest : public ::testing::TestWithParam<bool> {
@@ -29,9 +19,6 @@ class NSMutableArrayTest : public ::testing::TestWithParam<bool> {
         for (int value : values) array->addObject(num(value));
         return std::move(array).autorelease();
     }
-
-  private:
-    AutoreleasePool _pool;
 };
 INSTANTIATE_TEST_SUITE_P(, NSMutableArrayTest, ::testing::Bool(),
                          [](const auto& info) { return info.param ? "OfItsOwn" : "OfThePlatform"; });
@@ -60,8 +47,7 @@ TEST_P(NSMutableArrayTest, Removes) {
     NSMutableArray* array = arrayOf({1, 2, 1, 3, 1, 4, 5});
     array->removeObject_inRange(num(1), {1, 2});
     EXPECT_EQ(listing(array), "1 2 3 1 4 5");
-    array->removeObject(num(1));
-    array->removeObject(nullptr);
+    for (id object : {id(num(1)), id()}) array->removeObject(object);
     array->removeObjectAtIndex(1);
     array->removeLastObject();
     EXPECT_EQ(listing(array), "2 4");
@@ -70,7 +56,6 @@ TEST_P(NSMutableArrayTest, Removes) {
     EXPECT_EQ(listing(array), "4 6 8");
     array->removeObjectsInRange({1, 2});
     array->removeObjectIdenticalTo(num(4));
-    array->removeAllObjects();
     EXPECT_EQ(array->count(), 0u);
     EXPECT_EQ(reasonOf(NSRangeException, [] { NSMutableArray::array()->removeLastObject(); }),
               "index (0) beyond bounds (0)");
@@ -86,39 +71,33 @@ TEST_P(NSMutableArrayTest, Sorts) {
 }
 
 TEST(NSMutableArray, RaisesAndChangesNothing) {
-    AutoreleasePool pool;
+    using Call = std::function<void()>;
     NSMutableArray* array = NSMutableArray::of({num(1), num(2)});
-    for (auto& action : std::initializer_list<std::function<void()>>{
-             [&] { array->addObject(nullptr); }, [&] { array->insertObject_atIndex(nullptr, 0); },
-             [&] { array->replaceObjectAtIndex_withObject(0, nullptr); }})
-        EXPECT_THAT(reasonOf(NSInvalidArgumentException, action),
-                    ::testing::StartsWith("no object was given"));
-    for (auto& action : std::initializer_list<std::function<void()>>{
-             [&] { array->insertObject_atIndex(num(1), 3); }, [&] { array->removeObjectAtIndex(2); },
-             [&] { array->replaceObjectAtIndex_withObject(2, num(1)); },
-             [&] {
-                 array->removeObjectsInRange({1, 2});
-             },
-             [&] {
-                 array->replaceObjectsInRange_withObjectsFromArray({1, 2}, nullptr);
-             },
-             [&] { array->exchangeObjectAtIndex_withObjectAtIndex(0, 2); }})
-        EXPECT_THAT(reasonOf(NSRangeException, action), ::testing::EndsWith(" beyond bounds (2)"));
+    const NSRange outside{1, 2};
+    for (const Call& call :
+         {Call([&] { array->addObject(nullptr); }), Call([&] { array->insertObject_atIndex(nullptr, 0); }),
+          Call([&] { array->replaceObjectAtIndex_withObject(0, nullptr); })})
+        EXPECT_THAT(reasonOf(NSInvalidArgumentException, call), StartsWith("no object was given"));
+    for (const Call& call :
+         {Call([&] { array->insertObject_atIndex(num(1), 3); }), Call([&] { array->removeObjectAtIndex(2); }),
+          Call([&] { array->replaceObjectAtIndex_withObject(2, num(1)); }),
+          Call([&] { array->removeObjectsInRange(outside); }),
+          Call([&] { array->replaceObjectsInRange_withObjectsFromArray(outside, nullptr); }),
+          Call([&] { array->exchangeObjectAtIndex_withObjectAtIndex(0, 2); })})
+        EXPECT_THAT(reasonOf(NSRangeException, call), EndsWith(" beyond bounds (2)"));
     EXPECT_EQ(listing(array), "1 2");
 }
 
 TEST(NSMutableArray, DoesWhatAVectorDoes) {
-    AutoreleasePool pool;
     std::mt19937 random(3);
     auto array = NSMutableArray::init();
     std::vector<Object*> model;
-    // The places favour the front in one phase and the back in the next.
     for (int step = 0; step < 20000; ++step) {
+        // The places favour the front in one phase and the back in the next; it grows and shrinks in turn.
         auto place = [&](std::size_t count) {
-            auto at = static_cast<NSUInteger>(count ? random() % count : 0);
-            return step / 2000 % 3 == 0   ? at / 8
-                   : step / 2000 % 3 == 1 ? at
-                                          : static_cast<NSUInteger>(count) - 1 - at / 8;
+            auto at = static_cast<NSUInteger>(random() % count),
+                 phase = static_cast<NSUInteger>(step / 2000 % 3);
+            return phase == 0 ? at / 8 : phase == 1 ? at : static_cast<NSUInteger>(count) - 1 - at / 8;
         };
         if (random() % 16 < (step / 4000 % 2 ? 7u : 9u) || model.empty()) {
             NSUInteger index = place(model.size() + 1);
@@ -129,15 +108,13 @@ TEST(NSMutableArray, DoesWhatAVectorDoes) {
             array->removeObjectAtIndex(index);
             model.erase(model.begin() + index);
         }
-        if (step % 500 == 0) {
-            ASSERT_EQ(array->count(), model.size());
-            ASSERT_TRUE(std::equal(model.begin(), model.end(), array->contiguousObjects())) << step;
-        }
+        if (step % 500) continue;
+        ASSERT_EQ(array->count(), model.size());
+        ASSERT_TRUE(std::equal(model.begin(), model.end(), array->contiguousObjects())) << step;
     }
 }
 
 TEST(NSMutableArray, ACapacityIsOnlyAHint) {
-    AutoreleasePool pool;
     for (NSUInteger capacity : {0u, 3u, 100u, 0xFFFFFFFFu}) {
         auto array = NSMutableArray::initWithCapacity(capacity);
         auto set = NSMutableSet::initWithCapacity(capacity);
@@ -173,7 +150,6 @@ TEST(NSMutableArray, BalancesReferences) {
 }
 
 TEST(NSMutableArray, AReleaseMayUseTheArray) {
-    AutoreleasePool pool;
     auto array = NSMutableArray::init();
     std::vector<NSUInteger> counts;
     auto add = [&](int number) {
@@ -195,8 +171,7 @@ TEST(NSMutableArray, AReleaseMayUseTheArray) {
 
 TEST(NSMutableArray, RemovingTheLastReferenceToTheObjectAskedForIsSafe) {
     auto array = NSMutableArray::init();
-    for (int i = 0; i < 3; ++i) array->addObject(Pebble::create(1).autorelease());
-    AutoreleasePool().drain();
+    for (int i = 0; i < 3; ++i) array->addObject(Pebble::create(1).get());
     array->removeObject(array->objectAtIndex(1));
     EXPECT_EQ(array->count(), 0u);
 }

@@ -2,20 +2,13 @@
 // Tests of strings that change.
 #include "Foundation/NSMutableString.h"
 
-#include <gtest/gtest.h>
-
 #include "FoundationTestSupport.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Registry.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
 
-class NSMutableStringTest : public testing::Test {
-    AutoreleasePool _pool;
-};
-
-TEST_F(NSMutableStringTest, ReplacingInsertingAndDeleting) {
+TEST(NSMutableStringTest, ReplacingInsertingAndDeleting) {
     auto string = NSMutableString::initWithString(u"hello"_ns);
     string->replaceCharactersInRange_withString({1, 3}, u"u"_ns);
     EXPECT_EQ(string->toUTF8(), "huo");
@@ -31,7 +24,7 @@ TEST_F(NSMutableStringTest, ReplacingInsertingAndDeleting) {
     EXPECT_EQ(string->length(), 0u);
 }
 
-TEST_F(NSMutableStringTest, ARangeOutsideOrNoStringChangesNothing) {
+TEST(NSMutableStringTest, ARangeOutsideOrNoStringChangesNothing) {
     auto string = NSMutableString::initWithString(u"abc"_ns);
     expectRaises(NSRangeException, [&] { string->replaceCharactersInRange_withString({2, 2}, u"x"_ns); });
     expectRaises(NSRangeException, [&] { string->deleteCharactersInRange({1, 0xFFFFFFFF}); });
@@ -42,7 +35,7 @@ TEST_F(NSMutableStringTest, ARangeOutsideOrNoStringChangesNothing) {
     EXPECT_EQ(string->toUTF8(), "abc");
 }
 
-TEST_F(NSMutableStringTest, MayBeItsOwnArgument) {
+TEST(NSMutableStringTest, MayBeItsOwnArgument) {
     auto string = NSMutableString::initWithString(u"abc"_ns);
     string->appendString(string);
     string->insertString_atIndex(string, 1);
@@ -53,7 +46,7 @@ TEST_F(NSMutableStringTest, MayBeItsOwnArgument) {
     EXPECT_EQ(string->replaceOccurrencesOfString_withString_options_range(string, string, 0, {0, 12}), 1u);
 }
 
-TEST_F(NSMutableStringTest, ReplacingOccurrences) {
+TEST(NSMutableStringTest, ReplacingOccurrences) {
     struct {
         const char16_t *text, *target, *replacement;
         NSStringCompareOptions options;
@@ -95,17 +88,13 @@ class LoggedString : public NSMutableString {
 
     std::u16string text = u"abc";
     int changes = 0;
-
-  protected:
-    LoggedString() = default;
-    ~LoggedString() = default;
 };
 extern Library mutableStringTestLibrary;
 PELVOR_DEFINE_CLASS(LoggedString, mutableStringTestLibrary) {}
 constexpr Class* kClasses[] = {&LoggedString::classRecord};
 constinit Library mutableStringTestLibrary{"NSMutableStringTest", {}, kClasses, {}};
 
-TEST_F(NSMutableStringTest, EveryChangeStandsOnTheOnePrimitive) {
+TEST(NSMutableStringTest, EveryChangeStandsOnTheOnePrimitive) {
     auto string = make<LoggedString>();
     string->appendString(u"de"_ns);
     string->append(u"f");

@@ -2,63 +2,43 @@
 // Tests of numbers.
 #include "Foundation/NSNumber.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
-#include <cmath>
-#include <limits>
 
 #include "Platform/Foundation/OwnCollections.h"
 #include "Platform/Foundation/Pebble.h"
-#include "Runtime/Message.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
 
-using testing::num;
-using testing::Tally;
+using namespace testing;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-class NSNumberTest : public ::testing::Test {
-    AutoreleasePool _pool;
-};
 
 NSNumber* real(double value) { return NSNumber::numberWithDouble(value); }
 NSNumber* large(long long value) { return NSNumber::numberWithLongLong(value); }
 NSNumber* huge(unsigned long long value) { return NSNumber::numberWithUnsignedLongLong(value); }
 
 // In ascending order; a row's numbers are equal.
-TEST_F(NSNumberTest, ComparesExactlyAcrossTypes) {
-    const std::vector<std::vector<NSNumber*>> rows = {
-        {real(kNaN), NSNumber::numberWithFloat(NAN)},
-        {real(-kInfinity)},
-        {real(-0x1p63 - 4096)},
-        {large(LLONG_MIN), real(-0x1p63)},
-        {large(LLONG_MIN + 1)},
-        {large(-(1LL << 53) - 1)},
-        {large(-(1LL << 53)), real(-0x1p53)},
-        {real(-1.5)},
-        {num(-1), NSNumber::numberWithChar(-1), NSNumber::numberWithFloat(-1)},
-        {real(-0.5)},
-        {num(0), real(-0.0), NSNumber::numberWithBool(false), huge(0)},
-        {real(5e-324)},
-        {real(0.1)},
+TEST(NSNumberTest, ComparesExactlyAcrossTypes) {
+    using Row = std::vector<NSNumber*>;
+    const Row rows[] = {
+        // clang-format off
+        {real(kNaN), NSNumber::numberWithFloat(NAN)}, {real(-kInfinity)}, {real(-0x1p63 - 4096)},
+        {large(LLONG_MIN), real(-0x1p63)}, {large(LLONG_MIN + 1)}, {large(-(1LL << 53) - 1)},
+        {large(-(1LL << 53)), real(-0x1p53)}, {real(-1.5)},
+        {num(-1), NSNumber::numberWithChar(-1), NSNumber::numberWithFloat(-1)}, {real(-0.5)},
+        {num(0), real(-0.0), NSNumber::numberWithBool(false), huge(0)}, {real(5e-324)}, {real(0.1)},
         {NSNumber::numberWithFloat(0.1f)},
-        {num(1), NSNumber::numberWithBool(true), NSNumber::numberWithShort(1), real(1)},
-        {real(1.5)},
-        {large(1LL << 53), real(0x1p53)},
-        {large((1LL << 53) + 1)},
-        {real(0x1p53 + 2)},
-        {large(LLONG_MAX), huge(LLONG_MAX)},
-        {huge(1ULL << 63), real(0x1p63)},
-        {huge(ULLONG_MAX)},
-        {real(0x1p64), NSNumber::numberWithFloat(0x1p64f)},
-        {real(kInfinity)},
+        {num(1), NSNumber::numberWithBool(true), NSNumber::numberWithShort(1), real(1)}, {real(1.5)},
+        {large(1LL << 53), real(0x1p53)}, {large((1LL << 53) + 1)}, {real(0x1p53 + 2)},
+        {large(LLONG_MAX), huge(LLONG_MAX)}, {huge(1ULL << 63), real(0x1p63)}, {huge(ULLONG_MAX)},
+        {real(0x1p64), NSNumber::numberWithFloat(0x1p64f)}, {real(kInfinity)},
+        // clang-format on
     };
-    for (std::size_t i = 0; i < rows.size(); ++i)
-        for (std::size_t j = 0; j < rows.size(); ++j)
+    for (std::size_t i = 0; i < std::size(rows); ++i)
+        for (std::size_t j = 0; j < std::size(rows); ++j)
             for (NSNumber* a : rows[i])
                 for (NSNumber* b : rows[j]) {
                     EXPECT_EQ(a->compare(b), i < j ? -1 : i > j) << a << " and " << b;
@@ -67,7 +47,7 @@ TEST_F(NSNumberTest, ComparesExactlyAcrossTypes) {
                 }
 }
 
-TEST_F(NSNumberTest, ReadsAsOtherTypes) {
+TEST(NSNumberTest, ReadsAsOtherTypes) {
     EXPECT_EQ(num(-1)->unsignedIntValue(), UINT_MAX);
     EXPECT_EQ(num(300)->charValue(), 44);
     EXPECT_EQ(large(1LL << 32)->intValue(), 0);
@@ -84,7 +64,7 @@ TEST_F(NSNumberTest, ReadsAsOtherTypes) {
     EXPECT_EQ(NSNumber::numberWithBool(true)->floatValue(), 1.0f);
 }
 
-TEST_F(NSNumberTest, KeepsItsType) {
+TEST(NSNumberTest, KeepsItsTypeAndWritesNoMoreThanItsSize) {
     const std::pair<NSNumber*, const char*> rows[] = {{NSNumber::numberWithBool(true), "B"},
                                                       {NSNumber::numberWithChar(1), "c"},
                                                       {NSNumber::numberWithUnsignedChar(1), "C"},
@@ -101,62 +81,49 @@ TEST_F(NSNumberTest, KeepsItsType) {
     for (auto [number, type] : rows) {
         EXPECT_STREQ(number->objCType(), type);
         EXPECT_EQ(number->isBoolean(), number == NSNumber::numberWithBool(true));
-        unsigned char bytes[16];
-        std::memset(bytes, 0xAA, sizeof bytes);
-        number->getValue(bytes);
+        std::string bytes(16, '\xAA');
+        number->getValue(bytes.data());
         NSUInteger size = 0;
         NSGetSizeAndAlignment(type, &size, nullptr);
-        EXPECT_EQ(bytes[size], 0xAA) << type;
+        EXPECT_EQ(bytes[size], '\xAA') << type;
         EXPECT_TRUE(number->isEqualToNumber(num(1))) << type;
     }
-    EXPECT_EQ(num(7), num(7));
-    EXPECT_EQ(num(-16)->intValue(), -16);
-    EXPECT_EQ(num(255)->intValue(), 255);
-    EXPECT_EQ(num(256)->intValue(), 256);
 }
 
-TEST_F(NSNumberTest, WritesTheShortestTextThatReadsBack) {
-    const std::pair<NSNumber*, const char*> rows[] = {{real(0.1), "0.1"},
-                                                      {NSNumber::numberWithFloat(0.1f), "0.1"},
-                                                      {real(1), "1"},
-                                                      {real(-2.5), "-2.5"},
-                                                      {real(100000), "100000"},
-                                                      {real(1e15), "1000000000000000"},
-                                                      {real(1e16), "1e+16"},
-                                                      {real(1e20), "1e+20"},
-                                                      {real(0.0001), "0.0001"},
-                                                      {real(0.00001), "1e-05"},
-                                                      {real(1.0 / 3), "0.3333333333333333"},
-                                                      {NSNumber::numberWithFloat(1.0f / 3), "0.33333334"},
-                                                      {real(kInfinity), "inf"},
-                                                      {real(kNaN), "nan"},
-                                                      {num(-12), "-12"},
-                                                      {huge(ULLONG_MAX), "18446744073709551615"},
-                                                      {large(LLONG_MIN), "-9223372036854775808"},
-                                                      {NSNumber::numberWithBool(true), "1"},
-                                                      {NSNumber::numberWithBool(false), "0"},
-                                                      {NSNumber::numberWithChar('a'), "97"}};
+TEST(NSNumberTest, SmallOnesAreShared) {
+    EXPECT_EQ(num(7), num(7));
+    for (int value : {-17, -16, 255, 256}) EXPECT_EQ(num(value)->intValue(), value);
+}
+
+TEST(NSNumberTest, WritesTheShortestTextThatReadsBack) {
+    const std::pair<NSNumber*, const char*> rows[] = {
+        // clang-format off
+        {real(0.1), "0.1"}, {NSNumber::numberWithFloat(0.1f), "0.1"}, {real(1), "1"}, {real(-2.5), "-2.5"},
+        {real(100000), "100000"}, {real(1e15), "1000000000000000"}, {real(1e16), "1e+16"}, {real(1e20), "1e+20"},
+        {real(0.0001), "0.0001"}, {real(0.00001), "1e-05"}, {real(1.0 / 3), "0.3333333333333333"},
+        {NSNumber::numberWithFloat(1.0f / 3), "0.33333334"}, {real(kInfinity), "inf"}, {real(kNaN), "nan"},
+        {num(-12), "-12"}, {huge(ULLONG_MAX), "18446744073709551615"}, {large(LLONG_MIN), "-9223372036854775808"},
+        {NSNumber::numberWithBool(true), "1"}, {NSNumber::numberWithBool(false), "0"},
+        {NSNumber::numberWithChar('a'), "97"},
+        // clang-format on
+    };
     for (auto [number, text] : rows) EXPECT_EQ(number->stringValue()->toUTF8(), text);
 }
 
-TEST_F(NSNumberTest, ASubclassNeedsOnlyTypeAndValue) {
+TEST(NSNumberTest, ASubclassNeedsOnlyTypeAndValue) {
     auto tally = make<Tally>();
     tally->value = 41;
-    EXPECT_EQ(tally->intValue(), 41);
     EXPECT_EQ(tally->doubleValue(), 41.0);
     EXPECT_EQ(tally->description()->toUTF8(), "41");
-    EXPECT_TRUE(tally->isEqual(real(41)));
-    EXPECT_TRUE(real(41)->isEqual(tally));
+    EXPECT_TRUE(tally->isEqual(real(41)) && real(41)->isEqual(tally));
     EXPECT_EQ(tally->hash(), num(41)->hash());
     tally->value = 42;
     EXPECT_EQ(num(42)->compare(tally), NSOrderedSame);
     EXPECT_EQ(send<float>(tally, "floatValue"_sel), 42.0f);
 }
 
-TEST_F(NSNumberTest, AnswersMessages) {
-    auto* number = send<NSNumber*>(NSNumber::classObject(), "numberWithInt:"_sel, 300);
-    EXPECT_EQ(send<int>(number, "intValue"_sel), 300);
-    EXPECT_EQ(send<int>(number, "compare:"_sel, num(5)), 1);
+TEST(NSNumberTest, IsItsOwnCopyAndEqualsNoText) {
+    NSNumber* number = num(300);
     EXPECT_THROW(number->compare(nullptr), NSException);
     EXPECT_FALSE(number->isEqual(u"300"_ns));
     EXPECT_EQ(number->copy().get(), number);

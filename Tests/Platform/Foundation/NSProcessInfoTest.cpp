@@ -1,23 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSProcessInfo.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <set>
 
-#include "Foundation/NSArray.h"
-#include "Foundation/NSDictionary.h"
 #include "Foundation/NSRuntimeNames.h"
-#include "Runtime/AutoreleasePool.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 namespace {
 
 TEST(NSProcessInfoTest, TellsWhatTheProcessWasStartedWith) {
-    AutoreleasePool pool;
     auto* info = NSProcessInfo::processInfo();
     EXPECT_EQ(info->processIdentifier(), getpid());
     ASSERT_GE(info->arguments()->count(), 1u);
@@ -26,7 +21,6 @@ TEST(NSProcessInfoTest, TellsWhatTheProcessWasStartedWith) {
 }
 
 TEST(NSProcessInfoTest, TheEnvironmentIsThatOfTheMoment) {
-    AutoreleasePool pool;
     auto value = [] {
         return NSProcessInfo::processInfo()->environment()->objectForKey(u"PELVOR_TEST_VARIABLE"_ns);
     };
@@ -37,7 +31,6 @@ TEST(NSProcessInfoTest, TheEnvironmentIsThatOfTheMoment) {
 }
 
 TEST(NSProcessInfoTest, UniqueStringsDiffer) {
-    AutoreleasePool pool;
     std::set<std::string> strings;
     for (int i = 0; i < 100; ++i)
         strings.insert(NSProcessInfo::processInfo()->globallyUniqueString()->toUTF8());
@@ -45,7 +38,6 @@ TEST(NSProcessInfoTest, UniqueStringsDiffer) {
 }
 
 TEST(NSRuntimeNamesTest, ClassesAndSelectorsAreFoundByNameAndNamed) {
-    AutoreleasePool pool;
     EXPECT_EQ(NSClassFromString(u"NSProcessInfo"_ns), NSProcessInfo::classObject());
     EXPECT_EQ(NSClassFromString(u"NSNoSuchClass"_ns), nullptr);
     EXPECT_EQ(NSClassFromString(nullptr), nullptr);

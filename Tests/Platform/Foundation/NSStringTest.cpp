@@ -2,27 +2,17 @@
 // Tests of strings: making them, reading them, their parts and their identity.
 #include "Foundation/NSString.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
-#include <limits>
 #include <sstream>
 
-#include "Foundation/NSArray.h"
 #include "Foundation/NSCharacterSet.h"
-#include "Foundation/NSMutableString.h"
 #include "FoundationTestSupport.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
 
-class NSStringTest : public testing::Test {
-    AutoreleasePool _pool;
-};
-
-TEST_F(NSStringTest, PrimitivesReachEveryUnitAndNoFurther) {
+TEST(NSStringTest, PrimitivesReachEveryUnitAndNoFurther) {
     for (NSString* string : everyKindOfString(u"aé😀")) {
         EXPECT_EQ(string->length(), 4u);
         EXPECT_EQ(string->characterAtIndex(0), u'a');
@@ -38,7 +28,7 @@ TEST_F(NSStringTest, PrimitivesReachEveryUnitAndNoFurther) {
     }
 }
 
-TEST_F(NSStringTest, AllKindsOfStringsWithOneTextAreEqualAndHashAlike) {
+TEST(NSStringTest, AllKindsOfStringsWithOneTextAreEqualAndHashAlike) {
     for (std::size_t length : {0u, 1u, 3u, 4u, 7u, 8u, 9u, 23u, 24u, 25u, 47u, 100u}) {
         std::u16string text(length, u'x'), other(length + 1, u'x');
         std::vector<NSString*> strings = everyKindOfString(text);
@@ -54,7 +44,7 @@ TEST_F(NSStringTest, AllKindsOfStringsWithOneTextAreEqualAndHashAlike) {
     EXPECT_FALSE(u"é"_ns->isEqualToString(u"e\u0301"_ns));
 }
 
-TEST_F(NSStringTest, EveryUnitCountsInTheHash) {
+TEST(NSStringTest, EveryUnitCountsInTheHash) {
     for (std::size_t length : {1u, 5u, 8u, 12u, 24u, 30u, 100u}) {
         std::u16string text(length, u'a');
         auto hash = NSString::of(text)->hash();
@@ -66,7 +56,7 @@ TEST_F(NSStringTest, EveryUnitCountsInTheHash) {
     }
 }
 
-TEST_F(NSStringTest, CopiesAreImmutableAndImmutableStringsTheirOwnCopies) {
+TEST(NSStringTest, CopiesAreImmutableAndImmutableStringsTheirOwnCopies) {
     auto mutableString = NSMutableString::initWithString(u"text"_ns);
     auto copy = mutableString->copy();
     mutableString->appendString(u"!"_ns);
@@ -78,7 +68,7 @@ TEST_F(NSStringTest, CopiesAreImmutableAndImmutableStringsTheirOwnCopies) {
     EXPECT_EQ(copy->toUTF8(), "text");
 }
 
-TEST_F(NSStringTest, UTF8IsReadStrictlyOrMended) {
+TEST(NSStringTest, UTF8IsReadStrictlyOrMended) {
     EXPECT_EQ(NSString::stringWithUTF8String("aé€😀")->toUTF16(), u"aé€😀");
     for (const char* invalid : {"\xC3", "a\x80", "\xC0\x80", "\xED\xA0\x80", "\xF5\x80\x80\x80", "\xE2\x82"})
         EXPECT_EQ(NSString::stringWithUTF8String(invalid), nullptr);
@@ -87,14 +77,14 @@ TEST_F(NSStringTest, UTF8IsReadStrictlyOrMended) {
     expectRaises(NSInvalidArgumentException, [] { NSString::stringWithUTF8String(nullptr); });
 }
 
-TEST_F(NSStringTest, LoneHalvesAreReplacedOnTheWayToUTF8) {
+TEST(NSStringTest, LoneHalvesAreReplacedOnTheWayToUTF8) {
     NSString* string = NSString::of(std::u16string(u"a\xD83Dz\xDE00"));
     EXPECT_EQ(string->toUTF8(), "a\uFFFDz\uFFFD");
     EXPECT_STREQ(string->UTF8String(), "a\uFFFDz\uFFFD");
     EXPECT_EQ(string->length(), 4u);
 }
 
-TEST_F(NSStringTest, UnitsThatTheCallerKeepsAreNotCopied) {
+TEST(NSStringTest, UnitsThatTheCallerKeepsAreNotCopied) {
     unichar units[] = {u'a', u'b', u'c'};
     auto borrowed = NSString::initWithCharactersNoCopy_length_freeWhenDone(units, 3, false);
     EXPECT_EQ(borrowed->contiguousCharacters(), units);
@@ -106,7 +96,7 @@ TEST_F(NSStringTest, UnitsThatTheCallerKeepsAreNotCopied) {
     EXPECT_EQ(NSString::initWithCharactersNoCopy_length_freeWhenDone(made, 3, true)->toUTF8(), "abc");
 }
 
-TEST_F(NSStringTest, Substrings) {
+TEST(NSStringTest, Substrings) {
     for (NSString* string : everyKindOfString(u"hello")) {
         EXPECT_EQ(string->substringFromIndex(3)->toUTF8(), "lo");
         EXPECT_EQ(string->substringFromIndex(5)->toUTF8(), "");
@@ -119,7 +109,7 @@ TEST_F(NSStringTest, Substrings) {
     }
 }
 
-TEST_F(NSStringTest, JoiningPaddingAndReplacing) {
+TEST(NSStringTest, JoiningPaddingAndReplacing) {
     EXPECT_EQ(u"ab"_ns->stringByAppendingString(u"cd"_ns)->toUTF8(), "abcd");
     EXPECT_EQ(u"ab"_ns->stringByAppendingFormat(u"%d"_ns, 7)->toUTF8(), "ab7");
     expectRaises(NSInvalidArgumentException, [] { u"ab"_ns->stringByAppendingString(nullptr); });
@@ -139,7 +129,7 @@ TEST_F(NSStringTest, JoiningPaddingAndReplacing) {
     EXPECT_EQ(replaced(u"abc"_ns, u""_ns, u"-"_ns), "abc");
 }
 
-TEST_F(NSStringTest, SplittingKeepsEmptyPieces) {
+TEST(NSStringTest, SplittingKeepsEmptyPieces) {
     struct {
         NSString *text, *separator;
         const char* pieces;
@@ -155,7 +145,7 @@ TEST_F(NSStringTest, SplittingKeepsEmptyPieces) {
     expectRaises(NSInvalidArgumentException, [] { u"a"_ns->componentsSeparatedByString(nullptr); });
 }
 
-TEST_F(NSStringTest, TrimmingKeepsWhatStandsInside) {
+TEST(NSStringTest, TrimmingKeepsWhatStandsInside) {
     NSCharacterSet* space = NSCharacterSet::whitespaceAndNewlineCharacterSet();
     auto trimmed = [](NSString* string, NSCharacterSet* set) {
         return string->stringByTrimmingCharactersInSet(set)->toUTF8();
@@ -167,7 +157,7 @@ TEST_F(NSStringTest, TrimmingKeepsWhatStandsInside) {
     EXPECT_EQ(trimmed(u"😀a😀😁😀"_ns, faces), "a😀😁");
 }
 
-TEST_F(NSStringTest, CaseNeedsNoLanguageAndMayChangeTheLength) {
+TEST(NSStringTest, CaseNeedsNoLanguageAndMayChangeTheLength) {
     EXPECT_EQ(u"Straße ﬁx iı"_ns->uppercaseString()->toUTF8(), "STRASSE FIX II");
     EXPECT_EQ(u"ÀÉ ΑΣ İ"_ns->lowercaseString()->toUTF8(), "àé ας i̇");
     EXPECT_EQ(u"the quick-brown FOX isn't ǆ"_ns->capitalizedString()->toUTF8(),
@@ -177,12 +167,12 @@ TEST_F(NSStringTest, CaseNeedsNoLanguageAndMayChangeTheLength) {
     EXPECT_EQ(NSString::of(growing)->uppercaseString()->length(), 2000u);
 }
 
-TEST_F(NSStringTest, NormalForms) {
+TEST(NSStringTest, NormalForms) {
     EXPECT_EQ(u"é가"_ns->decomposedStringWithCanonicalMapping()->toUTF16(), u"e\u0301\u1100\u1161");
     EXPECT_EQ(u"e\u0301\u1100\u1161"_ns->precomposedStringWithCanonicalMapping()->toUTF16(), u"é가");
 }
 
-TEST_F(NSStringTest, IntegersAreReadFromTheStart) {
+TEST(NSStringTest, IntegersAreReadFromTheStart) {
     struct {
         NSString* text;
         int value;
@@ -202,7 +192,7 @@ TEST_F(NSStringTest, IntegersAreReadFromTheStart) {
     EXPECT_EQ(u"9223372036854775808"_ns->longLongValue(), std::numeric_limits<long long>::max());
 }
 
-TEST_F(NSStringTest, FloatingNumbersAreReadFromTheStart) {
+TEST(NSStringTest, FloatingNumbersAreReadFromTheStart) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     struct {
         NSString* text;
@@ -230,7 +220,7 @@ TEST_F(NSStringTest, FloatingNumbersAreReadFromTheStart) {
     EXPECT_EQ(u"1e39"_ns->floatValue(), std::numeric_limits<float>::infinity());
 }
 
-TEST_F(NSStringTest, TruthIsAYesOrANumber) {
+TEST(NSStringTest, TruthIsAYesOrANumber) {
     for (NSString* string :
          {u"YES"_ns, u"y"_ns, u" true"_ns, u"T"_ns, u"1"_ns, u"-007"_ns, u"99999999999"_ns})
         EXPECT_TRUE(string->boolValue()) << string;
@@ -238,7 +228,7 @@ TEST_F(NSStringTest, TruthIsAYesOrANumber) {
         EXPECT_FALSE(string->boolValue()) << string;
 }
 
-TEST_F(NSStringTest, IsAtHomeInMessagesAndStreams) {
+TEST(NSStringTest, IsAtHomeInMessagesAndStreams) {
     EXPECT_EQ(send<NSUInteger>(u"abc"_ns, "length"_sel), 3u);
     auto* made = send<NSString*>(NSString::classObject(), "stringWithFormat:"_sel, u"%d%%"_ns);
     EXPECT_EQ(made->toUTF8(), "(missing)%");

@@ -1,25 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSThread.h"
 
-#include <gmock/gmock.h>
-
-#include <functional>
 #include <future>
-#include <thread>
 
-#include "Foundation/FoundationLibrary.h"
-#include "Foundation/NSDate.h"
-#include "Foundation/NSLog.h"
-#include "Foundation/NSMutableDictionary.h"
-#include "Foundation/NSNotificationCenter.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
-
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 
 extern Library threadTestLibrary;
 
@@ -38,14 +24,8 @@ class Worker : public NSObject {
     ~Worker() { end.set_value(); }
 };
 
-namespace {
-
-constexpr Library* kDependencies[] = {&foundationLibrary};
 constexpr Class* kClasses[] = {&Worker::classRecord};
-
-}  // namespace
-
-constinit Library threadTestLibrary{"ThreadTest", kDependencies, kClasses, {}};
+constinit Library threadTestLibrary{"ThreadTest", {}, kClasses, {}};
 
 PELVOR_DEFINE_CLASS(Worker, threadTestLibrary) { methods.instance<"work:", &Worker::work>(); }
 
@@ -78,15 +58,13 @@ TEST(NSThreadTest, AMessageIsSentOnAThreadOfItsOwn) {
 }
 
 TEST(NSThreadTest, TheThreadThatRunsMainIsTheMainThread) {
-    EXPECT_TRUE(NSThread::isMainThread());
-    EXPECT_EQ(NSThread::currentThread(), NSThread::mainThread());
+    EXPECT_TRUE(NSThread::isMainThread() && NSThread::currentThread() == NSThread::mainThread());
     NSThread* main = nullptr;
     std::thread([&] { main = NSThread::mainThread(); }).join();
     EXPECT_EQ(main, NSThread::mainThread());
 }
 
 TEST(NSThreadTest, EveryThreadHasItsDictionaryWhichGoesWithIt) {
-    AutoreleasePool pool;
     auto tenant = make<Worker>();
     auto end = tenant->end.get_future();
     NSThread::currentThread()->threadDictionary()->setObject_forKey(u"main"_ns, u"key"_ns);
@@ -123,13 +101,12 @@ TEST(NSThreadTest, ObjectsThatGoWithTheThreadMayStillAskForIt) {
 }
 
 TEST(NSThreadTest, WhatAThreadRaisesIsLoggedAndEndsIt) {
-    std::vector<std::string> lines;
-    LogSinkScope scope([&](const LogEntry& entry) { lines.emplace_back(entry.text); });
+    LogLines log;
     runOnThread([](id) { throw NSException("BadThing", "it broke"); });
     runOnThread([](id) { throw std::runtime_error("it snapped"); });
     runOnThread([](id) { throw 1; });
-    EXPECT_THAT(lines, ElementsAre(HasSubstr("BadThing: it broke"), HasSubstr("it snapped"),
-                                   HasSubstr("unknown exception")));
+    EXPECT_THAT(log.lines, ElementsAre(HasSubstr("BadThing: it broke"), HasSubstr("it snapped"),
+                                       HasSubstr("unknown exception")));
 }
 
 TEST(NSThreadTest, MistakesAreRaised) {
@@ -139,7 +116,6 @@ TEST(NSThreadTest, MistakesAreRaised) {
 }
 
 TEST(NSThreadTest, SleepingUntilAMomentThatIsOverReturns) {
-    AutoreleasePool pool;
     NSThread::sleepUntilDate(NSDate::distantPast());
     NSThread::sleepForTimeInterval(-1);
     auto start = std::chrono::steady_clock::now();

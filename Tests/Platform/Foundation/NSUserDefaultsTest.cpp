@@ -2,69 +2,17 @@
 // Tests of user defaults: domains, conversions, and the file with everything that can happen to it.
 #include "Foundation/NSUserDefaults.h"
 
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-#include <thread>
-
-#include "Foundation/FoundationLibrary.h"
-#include "Foundation/NSLog.h"
-#include "Foundation/NSMutableArray.h"
-#include "Foundation/NSMutableDictionary.h"
-#include "Foundation/NSNotificationCenter.h"
-#include "Foundation/NSNull.h"
+#include "Platform/Foundation/BundleTestSupport.h"
 #include "Platform/Foundation/EnvironmentScope.h"
 #include "Platform/Foundation/PropertyListSamples.h"
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
+#include "Prelude.h"
 
-namespace pelvor {
-
-extern Library defaultsTestLibrary;
-
-/// Counts how often the settings that it observes say that they have changed.
-class ChangeCounter : public NSObject {
-    PELVOR_CLASS(ChangeCounter, NSObject);
-
-  public:
-    static Retained<ChangeCounter> observing(NSUserDefaults* defaults) {
-        auto counter = make<ChangeCounter>();
-        NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
-            counter, "settingsChanged:"_sel, NSUserDefaultsDidChangeNotification, defaults);
-        return counter;
-    }
-    void settingsChanged(NSNotification*) { ++_count; }
-    int takeCount() { return std::exchange(_count, 0); }
-
-  protected:
-    ChangeCounter() = default;
-    ~ChangeCounter() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
-
-  private:
-    int _count = 0;
-};
-
-PELVOR_DEFINE_CLASS(ChangeCounter, defaultsTestLibrary) {
-    methods.instance<"settingsChanged:", &ChangeCounter::settingsChanged>();
-}
-
-namespace {
-constexpr Library* kDependencies[] = {&foundationLibrary};
-constexpr Class* kClasses[] = {&ChangeCounter::classRecord};
-}  // namespace
-
-constinit Library defaultsTestLibrary{"NSUserDefaultsTest", kDependencies, kClasses, {}};
-
+namespace pelvor::testing {
 namespace {
 
 using propertylists::sampleData;
 
-class UserDefaults : public testing::Test {
-  protected:
-    AutoreleasePool pool;
+struct UserDefaults : ::testing::Test {
     Retained<NSUserDefaults> defaults = NSUserDefaults::initVolatile();
 };
 
@@ -134,14 +82,11 @@ TEST_F(UserDefaults, HandOutObjectsOfTheClassAskedFor) {
     defaults->setObject_forKey(NSArray::of({u"a"_ns}), u"strings"_ns);
     defaults->setObject_forKey(NSDictionary::dictionary(), u"dictionary"_ns);
     defaults->setObject_forKey(sampleData(3), u"data"_ns);
-    EXPECT_TRUE(defaults->arrayForKey(u"array"_ns));
-    EXPECT_FALSE(defaults->stringArrayForKey(u"array"_ns));
-    EXPECT_TRUE(defaults->stringArrayForKey(u"strings"_ns));
-    EXPECT_TRUE(defaults->dictionaryForKey(u"dictionary"_ns));
+    EXPECT_TRUE(defaults->arrayForKey(u"array"_ns) && !defaults->stringArrayForKey(u"array"_ns));
+    EXPECT_TRUE(defaults->stringArrayForKey(u"strings"_ns) && !defaults->dataForKey(u"strings"_ns));
+    EXPECT_TRUE(defaults->dictionaryForKey(u"dictionary"_ns) && !defaults->arrayForKey(u"dictionary"_ns));
     EXPECT_TRUE(defaults->dataForKey(u"data"_ns)->isEqual(sampleData(3)));
-    EXPECT_FALSE(defaults->dictionaryForKey(u"array"_ns));
-    EXPECT_FALSE(defaults->arrayForKey(u"dictionary"_ns));
-    EXPECT_FALSE(defaults->dataForKey(u"strings"_ns));
+    EXPECT_FALSE(defaults->dictionaryForKey(u"data"_ns));
 }
 
 TEST_F(UserDefaults, KeepACopyOfWhatIsSet) {
@@ -186,99 +131,69 @@ TEST_F(UserDefaults, OfTheProgramCanBeExchanged) {
 }
 
 TEST_F(UserDefaults, MayBeUsedOnManyThreads) {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([this, i] {
-            AutoreleasePool inner;
-            NSString* key = NSString::stringWithFormat(u"key%d"_ns, i % 2);
-            for (int step = 0; step < 200; ++step) {
-                defaults->setInteger_forKey(step, key);
-                defaults->integerForKey(key);
-                defaults->dictionaryRepresentation();
-                defaults->registerDefaults(NSDictionary::of({{key, key}}));
-            }
-        });
-    for (std::thread& thread : threads) thread.join();
+    onThreads(4, [this](int number) {
+        NSString* key = NSString::stringWithFormat(u"key%d"_ns, number % 2);
+        for (int step = 0; step < 200; ++step) {
+            defaults->setInteger_forKey(step, key);
+            defaults->integerForKey(key);
+            defaults->dictionaryRepresentation();
+            defaults->registerDefaults(NSDictionary::of({{key, key}}));
+        }
+    });
     EXPECT_EQ(defaults->integerForKey(u"key0"_ns), 199);
 }
 
 // MARK: Files
 
-class UserDefaultsFiles : public testing::Test {
+class UserDefaultsFiles : public ::testing::Test {
   protected:
-    UserDefaultsFiles()
-        : folder(makeFolder()),
-          path(folder / "config/pelvor/Test.plist"),
-          configuration("XDG_CONFIG_HOME", (folder / "config").c_str()),
-          sink([this](const LogEntry& entry) { (log += entry.text) += '\n'; }) {}
-    ~UserDefaultsFiles() override { std::filesystem::remove_all(folder); }
-
-    static std::string makeFolder() {
-        char name[] = "/tmp/pelvor-defaults-XXXXXX";
-        return mkdtemp(name);
-    }
     static Retained<NSUserDefaults> open() { return NSUserDefaults::initWithDomainName(u"Test"_ns); }
+    // Whether the setting could be written.
+    static bool save(NSUserDefaults* defaults, NSString* key, NSString* value) {
+        defaults->setObject_forKey(value, key);
+        return defaults->synchronize();
+    }
     // What a process started now would find.
     static std::string found(NSString* key) {
         NSString* value = open()->stringForKey(key);
         return value ? value->toUTF8() : "nothing";
     }
-    void writeFile(std::string_view content) {
-        std::filesystem::create_directories(path.parent_path());
-        std::ofstream(path, std::ios::binary) << content;
-    }
-    static std::string contentOf(const std::filesystem::path& file) {
-        std::ifstream stream(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
-    static mode_t rightsOf(const std::filesystem::path& file) {
-        struct stat status {};
-        stat(file.c_str(), &status);
-        return status.st_mode & 0777;
-    }
-    std::size_t fileCount() {
-        auto files = std::filesystem::directory_iterator(path.parent_path());
-        return static_cast<std::size_t>(std::distance(begin(files), end(files)));
-    }
+    std::string keptAside(const char* number = "") { return contentOf(path.string() + ".damaged" + number); }
 
-    AutoreleasePool pool;
-    const std::filesystem::path folder;
-    const std::filesystem::path path;
-    EnvironmentScope configuration;
-    std::string log;
-    LogSinkScope sink;
+    BundleFolder folder;
+    const fs::path config = folder.path() / "config";
+    const fs::path path = config / "pelvor/Test.plist";
+    EnvironmentScope configuration{"XDG_CONFIG_HOME", config.c_str()};
+    LogLines log;
 };
 
 TEST_F(UserDefaultsFiles, KeepSettingsForTheUserAlone) {
     auto defaults = open();
     defaults->setObject_forKey(u"blue"_ns, u"colour"_ns);
-    EXPECT_FALSE(std::filesystem::exists(path));
+    EXPECT_FALSE(fs::exists(path));
     EXPECT_TRUE(defaults->synchronize());
     EXPECT_EQ(found(u"colour"_ns), "blue");
-    EXPECT_EQ(rightsOf(path), 0600u);
-    EXPECT_EQ(rightsOf(path.parent_path()), 0700u);
-    EXPECT_EQ(fileCount(), 1u);
-    defaults->removeObjectForKey(u"colour"_ns);
-    EXPECT_TRUE(defaults->synchronize());
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms{0600});
+    EXPECT_EQ(fs::status(path.parent_path()).permissions(), fs::perms{0700});
+    EXPECT_EQ(std::distance(fs::directory_iterator(path.parent_path()), {}), 1);
+    EXPECT_TRUE(save(defaults, u"colour"_ns, nullptr));
     EXPECT_EQ(found(u"colour"_ns), "nothing");
-    EXPECT_EQ(log, "");
+    EXPECT_THAT(log.lines, IsEmpty());
 }
 
 TEST_F(UserDefaultsFiles, AreNotMadeWithoutChanges) {
     auto defaults = open();
     defaults->registerDefaults(NSDictionary::of({{u"a"_ns, u"b"_ns}}));
     EXPECT_TRUE(defaults->synchronize());
-    EXPECT_FALSE(std::filesystem::exists(folder / "config"));
-    EXPECT_EQ(log, "");
+    EXPECT_FALSE(fs::exists(config));
+    EXPECT_THAT(log.lines, IsEmpty());
 }
 
 TEST_F(UserDefaultsFiles, AreFoundInTheHomeFolderToo) {
     EnvironmentScope none("XDG_CONFIG_HOME", "relative/paths/do/not/count");
-    EnvironmentScope home("HOME", folder.c_str());
-    auto defaults = open();
-    defaults->setBool_forKey(true, u"a"_ns);
-    EXPECT_TRUE(defaults->synchronize());
-    EXPECT_TRUE(std::filesystem::exists(folder / ".config/pelvor/Test.plist"));
+    EnvironmentScope home("HOME", folder.path().c_str());
+    EXPECT_TRUE(save(open().get(), u"a"_ns, u"1"_ns));
+    EXPECT_TRUE(fs::exists(folder.path() / ".config/pelvor/Test.plist"));
 }
 
 TEST_F(UserDefaultsFiles, JoinTheChangesOfSeveralProcesses) {
@@ -287,9 +202,7 @@ TEST_F(UserDefaultsFiles, JoinTheChangesOfSeveralProcesses) {
     one->setObject_forKey(u"1"_ns, u"b"_ns);
     other->setObject_forKey(u"2"_ns, u"b"_ns);
     other->setObject_forKey(u"2"_ns, u"c"_ns);
-    EXPECT_TRUE(one->synchronize());
-    EXPECT_TRUE(other->synchronize());
-    EXPECT_TRUE(one->synchronize());
+    for (auto* defaults : {one.get(), other.get(), one.get()}) EXPECT_TRUE(defaults->synchronize());
     for (auto* defaults : {one.get(), other.get()})
         EXPECT_TRUE(defaults->dictionaryRepresentation()->isEqual(
             NSDictionary::of({{u"a"_ns, u"1"_ns}, {u"b"_ns, u"2"_ns}, {u"c"_ns, u"2"_ns}})));
@@ -297,91 +210,77 @@ TEST_F(UserDefaultsFiles, JoinTheChangesOfSeveralProcesses) {
 
 TEST_F(UserDefaultsFiles, TellWhenSettingsChange) {
     auto one = open(), other = open();
-    auto counter = ChangeCounter::observing(one);
+    auto listener = Listener::to(NSUserDefaultsDidChangeNotification, one);
     one->setObject_forKey(u"1"_ns, u"a"_ns);
-    EXPECT_EQ(counter->takeCount(), 1);
+    EXPECT_EQ(listener->takeCount(), 1u);
     EXPECT_TRUE(one->synchronize());
-    EXPECT_EQ(counter->takeCount(), 0);
-    other->removeObjectForKey(u"a"_ns);
-    EXPECT_TRUE(other->synchronize());
-    EXPECT_EQ(counter->takeCount(), 0);
+    EXPECT_TRUE(save(other, u"a"_ns, nullptr));
+    EXPECT_EQ(listener->takeCount(), 0u);
     EXPECT_TRUE(one->synchronize());
-    EXPECT_EQ(counter->takeCount(), 1);
+    EXPECT_EQ(listener->takeCount(), 1u);
 }
 
 TEST_F(UserDefaultsFiles, ThatAreDamagedAreKeptAside) {
-    for (std::string_view damage : {"<plist><dict><key>a</key>", "(no, dictionary)", ""}) {
+    const std::string damages[] = {"<plist><dict><key>a</key>", "(no, dictionary)", ""};
+    for (const std::string& damage : damages) {
         SCOPED_TRACE(damage);
-        log.clear();
-        writeFile(damage);
+        log.lines.clear();
+        folder.write(path, damage);
         auto defaults = open();
         EXPECT_FALSE(defaults->objectForKey(u"a"_ns));
-        EXPECT_NE(log.find("Test.plist are damaged"), std::string::npos) << log;
+        EXPECT_THAT(log.lines, ElementsAre(HasSubstr("Test.plist are damaged")));
         EXPECT_TRUE(defaults->synchronize());
         EXPECT_EQ(contentOf(path), damage);
-        defaults->setObject_forKey(u"b"_ns, u"a"_ns);
-        EXPECT_TRUE(defaults->synchronize());
+        EXPECT_TRUE(save(defaults, u"a"_ns, u"b"_ns));
         EXPECT_EQ(found(u"a"_ns), "b");
     }
-    EXPECT_EQ(contentOf(path.string() + ".damaged"), "<plist><dict><key>a</key>");
-    EXPECT_EQ(contentOf(path.string() + ".damaged-2"), "(no, dictionary)");
-    EXPECT_EQ(contentOf(path.string() + ".damaged-3"), "");
+    EXPECT_EQ(keptAside(), damages[0]);
+    EXPECT_EQ(keptAside("-2"), damages[1]);
+    EXPECT_TRUE(fs::exists(path.string() + ".damaged-3"));
 }
 
 TEST_F(UserDefaultsFiles, ThatAreDamagedMeanwhileLoseNothing) {
     auto defaults = open();
-    defaults->setObject_forKey(u"1"_ns, u"a"_ns);
-    EXPECT_TRUE(defaults->synchronize());
-    writeFile("damage");
-    defaults->setObject_forKey(u"2"_ns, u"b"_ns);
-    EXPECT_TRUE(defaults->synchronize());
-    EXPECT_EQ(found(u"a"_ns), "1");
-    EXPECT_EQ(found(u"b"_ns), "2");
-    EXPECT_EQ(contentOf(path.string() + ".damaged"), "damage");
+    EXPECT_TRUE(save(defaults, u"a"_ns, u"1"_ns));
+    folder.write(path, "damage");
+    EXPECT_TRUE(save(defaults, u"b"_ns, u"2"_ns));
+    EXPECT_EQ(found(u"a"_ns) + found(u"b"_ns), "12");
+    EXPECT_EQ(keptAside(), "damage");
 }
 
 TEST_F(UserDefaultsFiles, ThatAreTakenAwayAreMadeAnew) {
     auto defaults = open();
-    defaults->setObject_forKey(u"1"_ns, u"a"_ns);
-    EXPECT_TRUE(defaults->synchronize());
-    std::filesystem::remove(path);
-    defaults->setObject_forKey(u"2"_ns, u"b"_ns);
-    EXPECT_TRUE(defaults->synchronize());
+    EXPECT_TRUE(save(defaults, u"a"_ns, u"1"_ns));
+    fs::remove(path);
+    EXPECT_TRUE(save(defaults, u"b"_ns, u"2"_ns));
     EXPECT_EQ(found(u"a"_ns), "nothing");
     EXPECT_EQ(found(u"b"_ns), "2");
 }
 
 TEST_F(UserDefaultsFiles, ThatCannotBeWrittenLeaveTheChangesForLater) {
-    std::ofstream(folder / "config") << "no folder";
+    folder.write(config, "no folder");
     auto defaults = open();
-    defaults->setObject_forKey(u"1"_ns, u"a"_ns);
-    EXPECT_FALSE(defaults->synchronize());
-    EXPECT_NE(log.find("cannot be written"), std::string::npos) << log;
-    std::filesystem::remove(folder / "config");
+    EXPECT_FALSE(save(defaults, u"a"_ns, u"1"_ns));
+    EXPECT_THAT(log.lines, Contains(HasSubstr("cannot be written")));
+    fs::remove(config);
     EXPECT_TRUE(defaults->synchronize());
     EXPECT_EQ(found(u"a"_ns), "1");
 }
 
 TEST_F(UserDefaultsFiles, ThatAreNoFilesAreLeftAlone) {
-    std::filesystem::create_directories(path);
-    auto defaults = open();
-    defaults->setObject_forKey(u"1"_ns, u"a"_ns);
-    EXPECT_FALSE(defaults->synchronize());
-    EXPECT_TRUE(std::filesystem::is_directory(path));
-    EXPECT_NE(log.find("cannot be read"), std::string::npos) << log;
+    fs::create_directories(path);
+    EXPECT_FALSE(save(open().get(), u"a"_ns, u"1"_ns));
+    EXPECT_TRUE(fs::is_directory(path));
+    EXPECT_THAT(log.lines, Contains(HasSubstr("cannot be read")));
 }
 
 TEST_F(UserDefaultsFiles, MayBeLinksToOtherFiles) {
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream(folder / "real") << "{ a = 1; }";
-    std::filesystem::create_symlink(folder / "real", path);
-    auto defaults = open();
-    defaults->setObject_forKey(u"2"_ns, u"b"_ns);
-    EXPECT_TRUE(defaults->synchronize());
-    EXPECT_TRUE(std::filesystem::is_symlink(path));
-    EXPECT_EQ(found(u"a"_ns), "1");
-    EXPECT_EQ(found(u"b"_ns), "2");
+    fs::create_directories(path.parent_path());
+    fs::create_symlink(folder.write("real", "{ a = 1; }"), path);
+    EXPECT_TRUE(save(open().get(), u"b"_ns, u"2"_ns));
+    EXPECT_TRUE(fs::is_symlink(path));
+    EXPECT_EQ(found(u"a"_ns) + found(u"b"_ns), "12");
 }
 
 }  // namespace
-}  // namespace pelvor
+}  // namespace pelvor::testing

@@ -2,17 +2,13 @@
 // Tests of boxed values, of the one null object, and of the sizes of encodings.
 #include "Foundation/NSValue.h"
 
-#include <gtest/gtest.h>
-
-#include "Foundation/NSNull.h"
 #include "Platform/Foundation/Pebble.h"
-#include "Runtime/Message.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
 
-using testing::num;
-using testing::reasonOf;
+using namespace testing;
 
 struct Cell {
     NSRange row;
@@ -20,12 +16,8 @@ struct Cell {
     friend bool operator==(const Cell&, const Cell&) = default;
 };
 
-class NSValueTest : public ::testing::Test {
-    AutoreleasePool _pool;
-};
-
-TEST_F(NSValueTest, GivesBackWhatWasPutIn) {
-    EXPECT_EQ(NSValue::valueWithRange({3, 4})->rangeValue(), NSMakeRange(3, 4));
+TEST(NSValueTest, GivesBackWhatWasPutIn) {
+    EXPECT_EQ(send<NSRange>(NSValue::valueWithRange({3, 4}), "rangeValue"_sel), NSMakeRange(3, 4));
     EXPECT_EQ(NSValue::valueWithPoint({1, 2.5f})->pointValue(), NSMakePoint(1, 2.5f));
     EXPECT_EQ(NSValue::valueWithSize({1, 2})->sizeValue(), NSMakeSize(1, 2));
     EXPECT_EQ(NSValue::valueWithRect({{1, 2}, {3, 4}})->rectValue(), NSMakeRect(1, 2, 3, 4));
@@ -34,10 +26,9 @@ TEST_F(NSValueTest, GivesBackWhatWasPutIn) {
     auto object = NSObject::init();
     EXPECT_EQ(NSValue::valueWithNonretainedObject(object)->nonretainedObjectValue(), object);
     EXPECT_EQ(object->retainCount(), 1u);
-    EXPECT_EQ(send<NSRange>(NSValue::valueWithRange({3, 4}), "rangeValue"_sel), NSMakeRange(3, 4));
 }
 
-TEST_F(NSValueTest, TakesAnyPlainStructure) {
+TEST(NSValueTest, TakesAnyPlainStructure) {
     NSValue* cell = NSValue::of(Cell{{1, 2}, {3, 4}});
     EXPECT_STREQ(cell->objCType(), "{Cell={_NSRange=II}{_NSRange=II}}");
     EXPECT_EQ(cell->as<Cell>(), (Cell{{1, 2}, {3, 4}}));
@@ -53,7 +44,7 @@ TEST_F(NSValueTest, TakesAnyPlainStructure) {
     EXPECT_THROW(num(1)->rangeValue(), NSException);
 }
 
-TEST_F(NSValueTest, EqualsByTypeAndBytes) {
+TEST(NSValueTest, EqualsByTypeAndBytes) {
     NSValue* range = NSValue::valueWithRange({1, 2});
     EXPECT_TRUE(range->isEqualToValue(NSValue::valueWithRange({1, 2})));
     EXPECT_FALSE(range->isEqual(NSValue::valueWithRange({2, 1})));
@@ -65,31 +56,33 @@ TEST_F(NSValueTest, EqualsByTypeAndBytes) {
     EXPECT_FALSE(num(1)->isEqual(plain));
 }
 
-TEST_F(NSValueTest, DescribesItself) {
-    EXPECT_EQ(NSValue::valueWithRange({1, 2})->description()->toUTF8(), "{1, 2}");
-    EXPECT_EQ(NSValue::valueWithPoint({0.1f, -2})->description()->toUTF8(), "{0.1, -2}");
-    EXPECT_EQ(NSValue::valueWithRect({{1, 2}, {3, 4}})->description()->toUTF8(), "{{1, 2}, {3, 4}}");
-    EXPECT_EQ(NSValue::valueWithBytes_objCType("\x01\x02\x03\x04\x05", "[5C]")->description()->toUTF8(),
-              "<01020304 05>");
+TEST(NSValueTest, DescribesItself) {
+    const std::pair<NSValue*, const char*> rows[] = {
+        {NSValue::valueWithRange({1, 2}), "{1, 2}"},
+        {NSValue::valueWithPoint({0.1f, -2}), "{0.1, -2}"},
+        {NSValue::valueWithRect({{1, 2}, {3, 4}}), "{{1, 2}, {3, 4}}"},
+        {NSValue::valueWithBytes_objCType("\x01\x02\x03\x04\x05", "[5C]"), "<01020304 05>"},
+    };
+    for (auto [value, text] : rows) EXPECT_EQ(value->description()->toUTF8(), text);
 }
 
-TEST_F(NSValueTest, KnowsTheSizesOfTypes) {
-    struct Row {
+TEST(NSValueTest, KnowsTheSizesOfTypes) {
+    const struct {
         const char* type;
         NSUInteger size, alignment;
-    };
-    for (Row row : std::initializer_list<Row>{{"c", 1, 1},
-                                              {"i", 4, 4},
-                                              {"d", 8, 8},
-                                              {"@", 8, 8},
-                                              {"^{Node}", 8, 8},
-                                              {"^?", 8, 8},
-                                              {"^^i", 8, 8},
-                                              {"r*", 8, 8},
-                                              {"{_NSRange=II}", 8, 4},
-                                              {"{Mixed=cdS}", 24, 8},
-                                              {"[3{Odd=Sc}]", 12, 2},
-                                              {"(Either=dC)", 8, 8}}) {
+    } rows[] = {{"c", 1, 1},
+                {"i", 4, 4},
+                {"d", 8, 8},
+                {"@", 8, 8},
+                {"^{Node}", 8, 8},
+                {"^?", 8, 8},
+                {"^^i", 8, 8},
+                {"r*", 8, 8},
+                {"{_NSRange=II}", 8, 4},
+                {"{Mixed=cdS}", 24, 8},
+                {"[3{Odd=Sc}]", 12, 2},
+                {"(Either=dC)", 8, 8}};
+    for (const auto& row : rows) {
         NSUInteger size = 0, alignment = 0;
         EXPECT_STREQ(NSGetSizeAndAlignment(row.type, &size, &alignment), "") << row.type;
         EXPECT_EQ(size, row.size) << row.type;
@@ -103,7 +96,7 @@ TEST_F(NSValueTest, KnowsTheSizesOfTypes) {
     EXPECT_THROW(NSValue::valueWithBytes_objCType("ab", "cc"), NSException);
 }
 
-TEST_F(NSValueTest, ThereIsOneNull) {
+TEST(NSValueTest, ThereIsOneNull) {
     NSNull* null = NSNull::null();
     EXPECT_EQ(null, NSNull::null());
     EXPECT_EQ(null->copy().get(), null);

@@ -1,20 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of reading old-style property lists and string tables.
-#include <gtest/gtest.h>
-
 #include "Foundation/NSString-PropertyList.h"
 #include "Platform/Foundation/PropertyListSamples.h"
-#include "Runtime/Message.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
 
 using namespace propertylists;
-
-class OldStylePropertyLists : public testing::Test {
-  protected:
-    AutoreleasePool pool;
-};
 
 // The content of the list in XML, without what stands around it; the reason if it is refused.
 std::string asXML(std::string_view text) {
@@ -25,7 +18,7 @@ std::string asXML(std::string_view text) {
     return xml.substr(0, xml.size() - std::string_view("</plist>").size());
 }
 
-TEST_F(OldStylePropertyLists, AreReadInAllTheirForms) {
+TEST(OldStylePropertyLists, AreReadInAllTheirForms) {
     const std::pair<std::string_view, std::string_view> lists[] = {
         {"hello", "<string>hello</string>"},
         {" /usr/lib:a-b_c.$1 ", "<string>/usr/lib:a-b_c.$1</string>"},
@@ -44,7 +37,7 @@ TEST_F(OldStylePropertyLists, AreReadInAllTheirForms) {
     for (auto [text, xml] : lists) EXPECT_EQ(asXML(text), xml) << text;
 }
 
-TEST_F(OldStylePropertyLists, UnderstandEscapes) {
+TEST(OldStylePropertyLists, UnderstandEscapes) {
     const std::pair<std::string_view, std::u16string_view> strings[] = {
         {R"("a\nb\tc\\d\"e\'f")", u"a\nb\tc\\d\"e'f"},
         {R"("\a\b\f\r\v\q")", u"\a\b\f\r\vq"},
@@ -60,7 +53,7 @@ TEST_F(OldStylePropertyLists, UnderstandEscapes) {
     }
 }
 
-TEST_F(OldStylePropertyLists, MayBeStringTables) {
+TEST(OldStylePropertyLists, MayBeStringTables) {
     const std::pair<std::string_view, std::string_view> tables[] = {
         {"\"a\" = \"b\";\nc = d;",
          "<dict><key>a</key><string>b</string><key>c</key><string>d</string></dict>"},
@@ -72,7 +65,7 @@ TEST_F(OldStylePropertyLists, MayBeStringTables) {
     for (auto [text, xml] : tables) EXPECT_EQ(asXML(text), xml) << text;
 }
 
-TEST_F(OldStylePropertyLists, ComeInUTF8AndInUTF16WithAMark) {
+TEST(OldStylePropertyLists, ComeInUTF8AndInUTF16WithAMark) {
     const std::u16string text = u"\uFEFF\"\u00E4\" = \"\U0001F600\";";
     std::string big, little;
     for (char16_t unit : text) {
@@ -86,7 +79,7 @@ TEST_F(OldStylePropertyLists, ComeInUTF8AndInUTF16WithAMark) {
     EXPECT_EQ(refusal("( a,\n  \"\xE4\" )"), "line 2, column 4: bytes that are not UTF-8");
 }
 
-TEST_F(OldStylePropertyLists, TellWhereTheyAreWrong) {
+TEST(OldStylePropertyLists, TellWhereTheyAreWrong) {
     const std::pair<std::string_view, std::string_view> lists[] = {
         {"(a b)", "line 1, column 4: 'b' where there should be ',' or ')'"},
         {"(a,\r\n\r\n b", "line 3, column 3: the text ends where there should be ',' or ')'"},
@@ -112,7 +105,7 @@ TEST_F(OldStylePropertyLists, TellWhereTheyAreWrong) {
     for (auto [text, reason] : lists) EXPECT_EQ(refusal(text), reason) << text;
 }
 
-TEST_F(OldStylePropertyLists, AreTheTextOfStrings) {
+TEST(OldStylePropertyLists, AreTheTextOfStrings) {
     EXPECT_TRUE(propertyList(u"(a, b)"_ns)->isEqual(NSArray::of({u"a"_ns, u"b"_ns})));
     EXPECT_TRUE(
         propertyList(u"<?xml version='1.0' encoding='UTF-16'?><plist><string>\u00E4</string></plist>"_ns)

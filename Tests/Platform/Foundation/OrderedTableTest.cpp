@@ -2,17 +2,13 @@
 // Tests of the hash table behind sets and dictionaries.
 #include "Foundation/OrderedTablePrivate.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <random>
-
 #include "Platform/Foundation/Pebble.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
 
-using testing::Pebble;
+using namespace testing;
 using Table = OrderedTable<int>;
 
 std::vector<std::pair<id, int>> contents(Table& table) {

@@ -3,10 +3,7 @@
 // them.
 #pragma once
 
-#include <vector>
-
-#include "Foundation/NSMutableArray.h"
-#include "Foundation/NSNumber.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 

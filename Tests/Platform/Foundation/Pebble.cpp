@@ -56,15 +56,6 @@ Retained<Object> Pebble::copyWithZone(void*) {
     return Retained<Object>::retaining(this);
 }
 
-std::string reasonOf(const char* name, const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const NSException& exception) {
-        return exception.name() == name ? exception.reason() : std::string("raised ") + exception.what();
-    }
-    return "nothing raised";
-}
-
 NSArray* numbers(std::initializer_list<int> values) {
     std::vector<Object*> objects;
     for (int value : values) objects.push_back(num(value));

@@ -2,16 +2,7 @@
 // Objects for the tests of collections, and short ways to write their contents.
 #pragma once
 
-#include <functional>
-#include <string>
-#include <vector>
-
-#include "Foundation/NSArray.h"
-#include "Foundation/NSNumber.h"
-#include "Foundation/NSString.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/NSException.h"
-#include "Runtime/Registry.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 
@@ -44,8 +35,7 @@ class Pebble : public NSObject {
     std::uintptr_t _hash = 0;
 };
 
-/// The reason of the exception of that name that `action` raises; else what happened instead.
-std::string reasonOf(const char* name, const std::function<void()>& action);
+using pelvor::reasonOf;
 
 /// The objects' descriptions with blanks between them.
 template <class Objects>

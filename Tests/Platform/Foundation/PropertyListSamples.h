@@ -5,19 +5,9 @@
 
 #include <pthread.h>
 
-#include <limits>
-#include <string>
-#include <string_view>
-
-#include "Foundation/NSArray.h"
-#include "Foundation/NSData.h"
-#include "Foundation/NSDate.h"
-#include "Foundation/NSDictionary.h"
-#include "Foundation/NSNumber.h"
 #include "Foundation/NSPropertyListError.h"
 #include "Foundation/NSPropertyListSerialization.h"
-#include "Foundation/NSString.h"
-#include "Runtime/AutoreleasePool.h"
+#include "Prelude.h"
 
 namespace pelvor::propertylists {
 

@@ -2,12 +2,9 @@
 // Tests of the user's languages, from the user defaults and from the environment.
 #include "Foundation/UserLanguages.h"
 
-#include <gtest/gtest.h>
-
-#include "Foundation/NSArray.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Platform/Foundation/EnvironmentScope.h"
-#include "Runtime/AutoreleasePool.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
@@ -19,7 +16,6 @@ class UserLanguages : public testing::Test {
 
     static std::string languages() { return userLanguages()->componentsJoinedByString(u" "_ns)->toUTF8(); }
 
-    AutoreleasePool pool;
     Retained<NSUserDefaults> defaults = NSUserDefaults::initVolatile();
 };
 

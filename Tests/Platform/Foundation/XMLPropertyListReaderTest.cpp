@@ -1,18 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of reading XML property lists: values, forms of documents, what is refused and where.
-#include <gtest/gtest.h>
-
 #include "Platform/Foundation/PropertyListSamples.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
 
 using namespace propertylists;
-
-class XMLPropertyLists : public testing::Test {
-  protected:
-    AutoreleasePool pool;
-};
 
 // Puts the content where only the parser reads it, off the road for plain documents.
 std::string parsedDocument(std::string_view content) { return document("<!-- - -->" + std::string(content)); }
@@ -28,7 +22,7 @@ std::string valueOf(std::string_view element) {
     return plain.list->description()->toUTF8();
 }
 
-TEST_F(XMLPropertyLists, HoldIntegers) {
+TEST(XMLPropertyLists, HoldIntegers) {
     const std::pair<std::string_view, std::string_view> integers[] = {
         {"0", "0"},
         {"+7", "7"},
@@ -49,7 +43,7 @@ TEST_F(XMLPropertyLists, HoldIntegers) {
             << text;
 }
 
-TEST_F(XMLPropertyLists, HoldRealNumbers) {
+TEST(XMLPropertyLists, HoldRealNumbers) {
     const std::pair<std::string_view, std::string_view> numbers[] = {
         {"0", "0"},       {"1.5", "1.5"},      {" +2.5e3 ", "2500"}, {"-.5", "-0.5"},   {"nan", "nan"},
         {"-inf", "-inf"}, {"INFINITY", "inf"}, {"+infinity", "inf"}, {"1e22", "1e+22"},
@@ -59,7 +53,7 @@ TEST_F(XMLPropertyLists, HoldRealNumbers) {
         EXPECT_TRUE(valueOf("<real>" + text + "</real>").starts_with("refused: ")) << text;
 }
 
-TEST_F(XMLPropertyLists, HoldDates) {
+TEST(XMLPropertyLists, HoldDates) {
     const std::pair<std::string_view, double> dates[] = {
         {"2001-01-01T00:00:00Z", 0},
         {"1970-01-01T00:00:00Z", -978307200},
@@ -81,7 +75,7 @@ TEST_F(XMLPropertyLists, HoldDates) {
         EXPECT_TRUE(valueOf("<date>" + text + "</date>").starts_with("refused: ")) << text;
 }
 
-TEST_F(XMLPropertyLists, HoldData) {
+TEST(XMLPropertyLists, HoldData) {
     const std::pair<std::string_view, std::string_view> data[] = {{"", "<>"},
                                                                   {"AA==", "<00>"},
                                                                   {"AAE", "<0001>"},
@@ -92,7 +86,7 @@ TEST_F(XMLPropertyLists, HoldData) {
         EXPECT_EQ(valueOf("<data>" + text + "</data>"), "refused: data that is not base64") << text;
 }
 
-TEST_F(XMLPropertyLists, HoldText) {
+TEST(XMLPropertyLists, HoldText) {
     const std::pair<std::string_view, std::string_view> texts[] = {
         {"<string/>", ""},
         {"<string></string>", ""},
@@ -107,18 +101,18 @@ TEST_F(XMLPropertyLists, HoldText) {
     for (auto [element, value] : texts) EXPECT_EQ(valueOf(element), value);
 }
 
-TEST_F(XMLPropertyLists, HoldTextInPiecesOfTheParser) {
+TEST(XMLPropertyLists, HoldTextInPiecesOfTheParser) {
     std::string text = repeated("\xE6\x97\xA5 & ", 100'000);
     std::string escaped = repeated("\xE6\x97\xA5 &amp; ", 100'000);
     EXPECT_EQ(valueOf("<string>" + escaped + "</string>"), text);
 }
 
-TEST_F(XMLPropertyLists, LetTheLastOfEqualKeysCount) {
+TEST(XMLPropertyLists, LetTheLastOfEqualKeysCount) {
     id list = read("<dict><key>a</key><true/><key>b</key><true/><key>a</key><false/></dict>").list;
     EXPECT_TRUE(list->isEqual(read("<dict><key>a</key><false/><key>b</key><true/></dict>").list));
 }
 
-TEST_F(XMLPropertyLists, ComeInTheEncodingThatTheyDeclare) {
+TEST(XMLPropertyLists, ComeInTheEncodingThatTheyDeclare) {
     std::string latin = "<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xE4</string></plist>";
     EXPECT_TRUE(u"\u00E4"_ns->isEqual(read(latin).list));
     std::u16string text =
@@ -130,7 +124,7 @@ TEST_F(XMLPropertyLists, ComeInTheEncodingThatTheyDeclare) {
               "line 1, column 31: unknown encoding");
 }
 
-TEST_F(XMLPropertyLists, TellWhereTheyAreWrong) {
+TEST(XMLPropertyLists, TellWhereTheyAreWrong) {
     const std::pair<std::string_view, std::string_view> documents[] = {
         {"<plist>\n</plist>", "line 2, column 1: a property list without a value"},
         {"<plist><true/>\n <true/></plist>", "line 2, column 2: more than one value"},
@@ -157,13 +151,13 @@ TEST_F(XMLPropertyLists, TellWhereTheyAreWrong) {
     for (auto [text, reason] : documents) EXPECT_EQ(refusal(text), reason) << text;
 }
 
-TEST_F(XMLPropertyLists, TellNothingButTheirPlaceOfALongName) {
+TEST(XMLPropertyLists, TellNothingButTheirPlaceOfALongName) {
     std::string name = repeated("\xC3\xA4", 50'000);
     EXPECT_EQ(refusal("<plist><" + name + "/></plist>"),
               "line 1, column 8: the element '" + repeated("\xC3\xA4", 20) + "\xE2\x80\xA6' is not known");
 }
 
-TEST_F(XMLPropertyLists, MayNotDeclareEntities) {
+TEST(XMLPropertyLists, MayNotDeclareEntities) {
     std::string bomb = "<!DOCTYPE plist [<!ENTITY a0 \"lol\">";
     for (int i = 1; i < 30; ++i)
         bomb += "<!ENTITY a" + std::to_string(i) + " \"" + repeated("&a" + std::to_string(i - 1) + ";", 10) +
@@ -183,7 +177,7 @@ TEST_F(XMLPropertyLists, MayNotDeclareEntities) {
     EXPECT_EQ(refusal(outside), "line 1, column 65: the entity 'x' is not declared");
 }
 
-TEST_F(XMLPropertyLists, ReadAlikeOnBothRoads) {
+TEST(XMLPropertyLists, ReadAlikeOnBothRoads) {
     std::string text = written(richList());
     std::string parsed = text;
     parsed.insert(kXMLHeader.size(), "<!-- -->");

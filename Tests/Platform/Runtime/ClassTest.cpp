@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Runtime/Class.h"
 
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <thread>
-
 #include "Creatures.h"
 
 namespace pelvor::testing {
@@ -38,9 +33,7 @@ Library& categoryLibrary(const char* className) {
 }
 
 MethodGroup oneMethod(SEL selector, IMP implementation) {
-    MethodGroup group;
-    group.methods.push_back({selector, implementation});
-    return group;
+    return {nullptr, {{selector, implementation}}, nullptr};
 }
 
 TEST(ClassTest, InitializeRunsOnceBeforeTheFirstMessageSuperclassFirst) {
@@ -49,7 +42,7 @@ TEST(ClassTest, InitializeRunsOnceBeforeTheFirstMessageSuperclassFirst) {
     Class* second = Class::createSubclass("InitializedSecond", first);
     EXPECT_EQ(send<Class*>(second, "kind"_sel), second);
     send<Class*>(second, "kind"_sel);
-    (void)Retained<Object>::adopting(second->createInstance());
+    (void)instanceOf(second);
     Lines expected{"initialize InitializedFirst", "initialize InitializedSecond", "end of 0"};
     if (journal().front() == "initialize Animal") journal().erase(journal().begin());
     EXPECT_EQ(journal(), expected);
@@ -65,14 +58,11 @@ TEST(ClassTest, ThreadsWaitForAnInitializeThatIsRunning) {
     Class* slow = Class::createSubclass("SlowlyInitialized", Animal::classObject());
     slow->metaclass()->addMethods(
         oneMethod("initialize"_sel, classImplementation<"initialize", &initializeSlowly>()));
-    std::vector<std::thread> threads;
     std::atomic<int> early = 0;
-    for (int i = 0; i < 8; ++i)
-        threads.emplace_back([&] {
-            send<Class*>(slow, "kind"_sel);
-            if (slowInitializations != 1) ++early;
-        });
-    for (auto& thread : threads) thread.join();
+    onThreads(8, [&](int) {
+        send<Class*>(slow, "kind"_sel);
+        if (slowInitializations != 1) ++early;
+    });
     EXPECT_EQ(slowInitializations, 1);
     EXPECT_EQ(early, 0);
 }
@@ -106,11 +96,11 @@ TEST(ClassTest, AReplacedImplementationIsSeenByEverySubclass) {
     Class* base = Class::createSubclass("ReplacedBase", Animal::classObject());
     base->addMethods(oneMethod("answer"_sel, implementation<"answer", &answer<10>>()));
     Class* sub = Class::createSubclass("ReplacedSub", base);
-    auto object = Retained<Object>::adopting(sub->createInstance());
+    auto object = instanceOf(sub);
     EXPECT_EQ(send<int>(object, "answer"_sel), 10);
     IMP previous = sub->replaceImplementation("answer"_sel, implementation<"answer", &answer<11>>());
     EXPECT_EQ(send<int>(object, "answer"_sel), 11);
-    EXPECT_EQ(send<int>(Retained<Object>::adopting(base->createInstance()).get(), "answer"_sel), 11);
+    EXPECT_EQ(send<int>(instanceOf(base).get(), "answer"_sel), 11);
     EXPECT_EQ(sub->replaceImplementation("answer"_sel, previous), (implementation<"answer", &answer<11>>()));
     EXPECT_EQ(send<int>(object, "answer"_sel), 10);
     EXPECT_FALSE(sub->replaceImplementation("noSuchMethod"_sel, previous));
@@ -133,12 +123,12 @@ TEST(ClassTest, APosingClassIsWhatIsMadeFoundAndInherited) {
     Class* sibling = Class::createSubclass("PosedSibling", original);
     Class* poser = Class::createSubclass("Poser", original);
     poser->addMethods(oneMethod("fetch"_sel, implementation<"fetch", &answer<99>>()));
-    auto before = Retained<Object>::adopting(original->createInstance());
-    auto child = Retained<Object>::adopting(sibling->createInstance());
+    auto before = instanceOf(original);
+    auto child = instanceOf(sibling);
     EXPECT_EQ(send<int>(child, "fetch"_sel), 7);
 
     poser->poseAsClass(original);
-    EXPECT_EQ(Retained<Object>::adopting(original->createInstance())->isa(), poser);
+    EXPECT_EQ(instanceOf(original)->isa(), poser);
     EXPECT_EQ(classNamed("Posed"), poser);
     EXPECT_STREQ(original->name(), "%Posed");
     EXPECT_EQ(classNamed("%Posed"), original);
@@ -148,21 +138,18 @@ TEST(ClassTest, APosingClassIsWhatIsMadeFoundAndInherited) {
 }
 
 void defineSeats(MethodTable<Animal>& methods) { methods.instanceAs<"seats", &Animal::legs>(); }
-constexpr Category chairCategory(const char* name) {
-    Category category = Category::of<Animal, defineSeats>(name);
+template <int N>
+void registerChairCategory(const char* name) {
+    static Category category = Category::of<Animal, defineSeats>(name);
     category.className = "Chair";
-    return category;
+    static const Category* const categories[] = {&category};
+    static Library library{name, {}, {}, categories};
+    registerLibrary(library);
 }
-constinit const Category kEarlyForChair = chairCategory("Early");
-constinit const Category kLateForChair = chairCategory("Late");
-constexpr const Category* kEarlyCategories[] = {&kEarlyForChair};
-constexpr const Category* kLateCategories[] = {&kLateForChair};
-constinit Library earlyChairLibrary{"EarlyChair", {}, {}, kEarlyCategories};
-constinit Library lateChairLibrary{"LateChair", {}, {}, kLateCategories};
 
 TEST(ClassTest, APosingClassStandsForAllNamesThatLedToTheOneItReplaced) {
     Class* chair = Class::createSubclass("Chair", Animal::classObject());
-    registerLibrary(earlyChairLibrary);
+    registerChairCategory<1>("Early");
     Class* armchair = Class::createSubclass("Armchair", chair);
     armchair->poseAsClass(chair);
     Class* sofa = Class::createSubclass("Sofa", armchair);
@@ -171,7 +158,7 @@ TEST(ClassTest, APosingClassStandsForAllNamesThatLedToTheOneItReplaced) {
     EXPECT_EQ(classNamed("Armchair"), sofa);
     EXPECT_EQ(classNamed("%Chair"), chair);
 
-    registerLibrary(lateChairLibrary);
+    registerChairCategory<2>("Late");
     for (Class* cls : {chair, armchair, sofa}) cls->attachPendingCategories();
     EXPECT_STREQ(chair->methodGroups()->category, "Early");
     EXPECT_EQ(armchair->methodGroups(), nullptr);
@@ -184,17 +171,11 @@ class Sheep : public Animal {
 
   public:
     int bleat() { return 1; }
-
-  protected:
-    Sheep() = default;
-    ~Sheep() = default;
 };
 class Lamb : public Sheep {
     PELVOR_CLASS(Lamb, Sheep);
 
   protected:
-    Lamb() = default;
-    ~Lamb() = default;
     double _weight = 3;
 };
 class Wolf : public Sheep {
@@ -202,18 +183,13 @@ class Wolf : public Sheep {
 
   public:
     int bleat() { return -1; }
-
-  protected:
-    Wolf() = default;
-    ~Wolf() = default;
 };
 extern Library flockLibrary;
 PELVOR_DEFINE_CLASS(Sheep, flockLibrary) { methods.instance<"bleat", &Sheep::bleat>(); }
 PELVOR_DEFINE_CLASS(Lamb, flockLibrary) {}
 PELVOR_DEFINE_CLASS(Wolf, flockLibrary) { methods.instance<"bleat", &Wolf::bleat>(); }
-constexpr Library* kDependencies[] = {&creatureLibrary};
 constexpr Class* kClasses[] = {&Sheep::classRecord, &Lamb::classRecord, &Wolf::classRecord};
-constinit Library flockLibrary{"Flock", kDependencies, kClasses, {}};
+constinit Library flockLibrary{"Flock", {}, kClasses, {}};
 
 TEST(ClassTest, PosingIsForDirectSubclassesWithoutFields) {
     EXPECT_NE(reasonOf([] { Lamb::classRecord.poseAsClass(Sheep::classObject()); }), "");
@@ -244,21 +220,17 @@ TEST(ClassTest, ClassesWithoutInstancesSaySo) {
 
 TEST(ClassTest, MessagesAndNewMethodsFromManyThreads) {
     Class* busy = Class::createSubclass("Busy", Animal::classObject());
-    busy->addMethods(oneMethod("answer"_sel, implementation<"answer", &answer<20>>()));
+    const IMP codes[] = {implementation<"answer", &answer<20>>(), implementation<"answer", &answer<21>>()};
+    busy->addMethods(oneMethod("answer"_sel, codes[0]));
     std::atomic<bool> isWrong = false;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 6; ++t)
-        threads.emplace_back([&] {
-            auto object = Retained<Object>::adopting(busy->createInstance());
-            for (int i = 0; i < 2000; ++i) {
-                int seen = send<int>(object, "answer"_sel);
-                if (seen != 20 && seen != 21) isWrong = true;
-            }
-        });
-    for (int i = 0; i < 200; ++i)
-        busy->replaceImplementation("answer"_sel, i % 2 ? implementation<"answer", &answer<20>>()
-                                                        : implementation<"answer", &answer<21>>());
-    for (auto& thread : threads) thread.join();
+    onThreads(7, [&](int number) {
+        auto object = instanceOf(busy);
+        for (int i = 0; i < 2000; ++i)
+            if (number == 0)
+                busy->replaceImplementation("answer"_sel, codes[i % 2]);
+            else if (int seen = send<int>(object, "answer"_sel); seen != 20 && seen != 21)
+                isWrong = true;
+    });
     EXPECT_FALSE(isWrong);
 }
 

@@ -2,16 +2,10 @@
 // A few classes for the tests of the object model.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "Foundation/NSRange.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
+#include "Prelude.h"
 #include "Runtime/NSInvocation.h"
 #include "Runtime/NSProxy.h"
-#include "Runtime/Registry.h"
 #include "Runtime/RuntimeLibrary.h"
 
 namespace pelvor::testing {
@@ -109,16 +103,5 @@ class Counted : public NSObject {
     void overriddenRelease() noexcept override;
     std::string _name;
 };
-
-/// The message of the NSException that the call throws; "" if it throws none.
-template <class Call>
-std::string reasonOf(Call call) {
-    try {
-        call();
-    } catch (const NSException& exception) {
-        return exception.reason();
-    }
-    return "";
-}
 
 }  // namespace pelvor::testing

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Runtime/Message.h"
 
-#include <gtest/gtest.h>
-
 #include "Creatures.h"
 
 namespace pelvor::testing {
@@ -14,7 +12,6 @@ int louderLoudness(Dog* dog, int distance) {
 
 class MessageTest : public ::testing::Test {
   protected:
-    AutoreleasePool pool;
     Retained<Animal> animal = Animal::initWithLegs(4);
     Retained<Animal> dog = Animal::initWithLegs(3, Dog::classObject());
 };
@@ -104,11 +101,9 @@ TEST_F(MessageTest, AClassMakesInstancesOfTheReceiver) {
 
 TEST_F(MessageTest, SuperSendTakesTheOverriddenMethod) {
     Class* louder = Class::createSubclass("LouderDog", Dog::classObject());
-    MethodGroup group;
-    group.methods.push_back({"loudness:"_sel, implementation<"loudness:", &louderLoudness>()});
-    louder->addMethods(std::move(group));
-    auto made = Retained<Object>::adopting(louder->createInstance());
-    EXPECT_EQ(send<int>(made, "loudness:"_sel, 0), 1200);
+    Method louderMethod{"loudness:"_sel, implementation<"loudness:", &louderLoudness>()};
+    louder->addMethods({nullptr, {louderMethod}, nullptr});
+    EXPECT_EQ(send<int>(instanceOf(louder).get(), "loudness:"_sel, 0), 1200);
 }
 
 TEST_F(MessageTest, PerformAnswersObjectsAndDropsWhatTheMethodDoesNotTake) {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Runtime/NSInvocation.h"
 
-#include <gtest/gtest.h>
-
 #include "Creatures.h"
 
 namespace pelvor::testing {
@@ -91,7 +89,6 @@ TEST(NSInvocationTest, ToNoTargetAnswersZeros) {
 }
 
 TEST(NSInvocationTest, AProxyPassesMessagesOnWithTheirResults) {
-    AutoreleasePool pool;
     Animal::classRecord.initializeIfNeeded();
     journal().clear();
     auto animal = Animal::initWithLegs(4);

@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Runtime/Object.h"
 
-#include <gtest/gtest.h>
-
-#include <thread>
-
 #include "Creatures.h"
 
 namespace pelvor::testing {
@@ -66,12 +62,9 @@ TEST(ObjectTest, AnOverriddenReleaseIsReachedFromEverywhere) {
 
 TEST(ObjectTest, CountsFromManyThreads) {
     auto animal = Animal::initWithLegs(4);
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 8; ++t)
-        threads.emplace_back([&] {
-            for (int i = 0; i < 1000; ++i) (void)Retained<Animal>::retaining(animal);
-        });
-    for (auto& thread : threads) thread.join();
+    onThreads(8, [&](int) {
+        for (int i = 0; i < 1000; ++i) (void)Retained<Animal>::retaining(animal);
+    });
     EXPECT_EQ(animal->retainCount(), 1u);
 }
 

