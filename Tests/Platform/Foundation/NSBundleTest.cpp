@@ -40,36 +40,28 @@ TEST_F(NSBundleTest, AFolderHasOneBundleWhateverItIsCalled) {
     auto* bundle = bundleAt(path);
     ASSERT_TRUE(bundle);
     fs::create_symlink(path, folder.path() / "Link.bundle");
-    EXPECT_EQ(bundleAt(folder.path() / "Link.bundle"), bundle);
-    EXPECT_EQ(bundleAt(path.string() + "/"), bundle);
-    EXPECT_EQ(bundleAt(path / "Contents/.."), bundle);
+    for (fs::path alias : {folder.path() / "Link.bundle", path / "", path / "Contents/.."})
+        EXPECT_EQ(bundleAt(alias), bundle) << alias;
     EXPECT_EQ(NSBundle::initWithPath(stringOf(path)).get(), bundle);
     EXPECT_EQ(text(bundle->bundlePath()), path);
-
-    EXPECT_EQ(bundleAt(folder.path() / "None.bundle"), nullptr);
-    EXPECT_EQ(bundleAt(path / "Contents/Info.plist"), nullptr);
-    EXPECT_EQ(bundleAt(""), nullptr);
+    for (fs::path none : {folder.path() / "None.bundle", path / "Contents/Info.plist", fs::path()})
+        EXPECT_EQ(bundleAt(none), nullptr) << none;
     EXPECT_EQ(NSBundle::bundleWithPath(nullptr), nullptr);
 }
 
 TEST_F(NSBundleTest, BundlesAreListedInTheOrderInWhichTheyWereAskedFor) {
-    NSUInteger before = NSBundle::allBundles()->count();
+    NSUInteger bundlesBefore = NSBundle::allBundles()->count();
     NSUInteger frameworksBefore = NSBundle::allFrameworks()->count();
+    auto added = [](NSArray* list, NSUInteger before) {
+        return list->subarrayWithRange({before, list->count() - before});
+    };
     auto* b = bundleAt(folder.makeBundle("B.bundle", {{"CFBundleIdentifier", "test.list.b"}}));
     auto* f = bundleAt(folder.makeBundle("F.framework", {{"CFBundleIdentifier", "test.list.f"}}));
     auto* a = bundleAt(folder.makeBundle("A.bundle", {{"CFBundleIdentifier", "test.list.a"}}));
-    fs::path plain = folder.path() / "Plain";
-    fs::create_directories(plain);
-    auto* registered = NSBundle::registerFramework(stringOf(plain));
-
-    NSArray* bundles = NSBundle::allBundles();
-    ASSERT_EQ(bundles->count(), before + 2);
-    EXPECT_EQ(bundles->objectAtIndex(before), b);
-    EXPECT_EQ(bundles->objectAtIndex(before + 1), a);
-    NSArray* frameworks = NSBundle::allFrameworks();
-    ASSERT_EQ(frameworks->count(), frameworksBefore + 2);
-    EXPECT_EQ(frameworks->objectAtIndex(frameworksBefore), f);
-    EXPECT_EQ(frameworks->objectAtIndex(frameworksBefore + 1), registered);
+    fs::create_directories(folder.path() / "Plain");
+    auto* registered = NSBundle::registerFramework(stringOf(folder.path() / "Plain"));
+    EXPECT_TRUE(added(NSBundle::allBundles(), bundlesBefore)->isEqual(NSArray::of({b, a})));
+    EXPECT_TRUE(added(NSBundle::allFrameworks(), frameworksBefore)->isEqual(NSArray::of({f, registered})));
     EXPECT_EQ(NSBundle::bundleWithIdentifier(u"test.list.a"_ns), a);
     EXPECT_EQ(NSBundle::bundleWithIdentifier(u"test.list.f"_ns), f);
     EXPECT_EQ(NSBundle::bundleWithIdentifier(u"test.list.c"_ns), nullptr);
@@ -84,8 +76,8 @@ TEST_F(NSBundleTest, AFolderOfBundlesIsReadInTheOrderOfNames) {
     for (id bundle : NSBundle::bundlesInDirectory(stringOf(folder.path())))
         found.push_back(fs::path(text(static_cast<NSBundle*>(bundle)->bundlePath())).filename());
     EXPECT_THAT(found, ElementsAre("C.bundle", "a.bundle", "b.bundle"));
-    EXPECT_EQ(NSBundle::bundlesInDirectory(u"/no/such/folder"_ns)->count(), 0u);
-    EXPECT_EQ(NSBundle::bundlesInDirectory(nullptr)->count(), 0u);
+    for (NSString* none : {u"/no/such/folder"_ns, static_cast<NSString*>(nullptr)})
+        EXPECT_EQ(NSBundle::bundlesInDirectory(none)->count(), 0u);
     EXPECT_THAT(log.lines, IsEmpty());
     EXPECT_EQ(NSBundle::bundlesInDirectory(stringOf(folder.path() / "file.bundle"))->count(), 0u);
     EXPECT_EQ(log.lines.size(), 1u);
@@ -149,8 +141,7 @@ TEST_F(NSBundleTest, ResourcesAreFoundByNameTypeFolderAndLanguage) {
 }
 
 TEST_F(NSBundleTest, AFolderWithoutContentsIsABundleAsWell) {
-    folder.write("Flat/Info.plist",
-                 propertyList("<dict><key>CFBundleIdentifier</key><string>flat</string></dict>"));
+    folder.write("Flat/Info.plist", "{ CFBundleIdentifier = flat; }");
     folder.write("Flat/picture.png", "");
     auto* bundle = bundleAt(folder.path() / "Flat");
     EXPECT_EQ(text(bundle->bundleIdentifier()), "flat");
