@@ -2,7 +2,7 @@
 #include "PBNotificationCenter.h"
 
 #include <algorithm>
-#include <iterator>
+#include <cstdint>
 #include <utility>
 
 #include "BaseLibrary.h"
@@ -19,23 +19,23 @@ namespace {
 
 bool hasPosed = false;
 NSCountedSet* disabledNames = nullptr;
+bool hasDisabledNames = false;
+NSSet* delayedCoalescedNames = nullptr;
+std::uint64_t delayedLengths = 0;  // of the delayed names, a bit each
 NSMutableSet* queuedDelayedNames = nullptr;
 PBIdleQueue* delayedNotifications = nullptr;
 
-constexpr NSString* kDelayedCoalescedNames[] = {u"NSFontSetChangedNotification"_ns,
-                                                u"NSAntialiasThresholdChangedNotification"_ns};
-
-// Asked with every post: names mostly differ in length, which is cheaper to see than a hash.
+// Asked with every post: most names are seen by their length not to be among them.
 bool isDelayedCoalesced(NSString* name) {
-    return std::any_of(std::begin(kDelayedCoalescedNames), std::end(kDelayedCoalescedNames),
-                       [&](NSString* delayed) { return name->isEqualToString(delayed); });
+    return (delayedLengths >> std::min(name->length(), 63u) & 1) &&
+           delayedCoalescedNames->containsObject(name);
 }
 
 // Whether the notification goes no further now: it is dropped, or its name waits for an idle moment.
 bool isHeldBack(NSNotificationCenter* center, NSString* name) {
     if (!name) return false;
-    if (disabledNames && disabledNames->count() > 0 && disabledNames->containsObject(name)) return true;
-    if (!queuedDelayedNames || !isDelayedCoalesced(name)) return false;
+    if (hasDisabledNames && disabledNames->containsObject(name)) return true;
+    if (!isDelayedCoalesced(name)) return false;
     queuedDelayedNames->addObject(name);
     delayedNotifications->addObject(center);
     return true;
@@ -47,6 +47,10 @@ void postName(NSNotificationCenter* center, NSString* name, id object, NSDiction
     if (!isHeldBack(center, name))
         sendSuper(PBNotificationCenter::classObject(), center, "postNotificationName:object:userInfo:"_sel,
                   name, object, userInfo);
+}
+
+void postNameAlone(NSNotificationCenter* center, NSString* name, id object) {
+    postName(center, name, object, nullptr);
 }
 
 void post(NSNotificationCenter* center, NSNotification* notification) {
@@ -78,6 +82,7 @@ constinit const Category NSNotificationCenter_PelvorAdditions_category =
 PELVOR_DEFINE_CLASS(PBNotificationCenter, baseLibrary) {
     methods.classLevel<"doPosing", &PBNotificationCenter::doPosing>();
     methods.instanceAs<"postNotification:", &post>();
+    methods.instanceAs<"postNotificationName:object:", &postNameAlone>();
     methods.instanceAs<"postNotificationName:object:userInfo:", &postName>();
     methods.instanceAs<"_pbPostDelayedNotifications", &postDelayedNotifications>();
 }
@@ -97,14 +102,22 @@ void NSNotificationCenter_PelvorAdditions::disableNotificationName(NSString* nam
     }
     Retained<NSString> copy = name ? name->copy() : nullptr;
     disabledNames->addObject(copy);
+    hasDisabledNames = true;
 }
 
 void NSNotificationCenter_PelvorAdditions::enableNotificationName(NSString* name) {
-    if (disabledNames) disabledNames->removeObject(name);
+    if (!disabledNames) return;
+    disabledNames->removeObject(name);
+    hasDisabledNames = disabledNames->count() > 0;
 }
 
 void PBNotificationCenter::doPosing() {
     if (std::exchange(hasPosed, true)) return;
+    delayedCoalescedNames = NSSet::initWithObjects({u"NSFontSetChangedNotification"_ns,
+                                                    u"NSAntialiasThresholdChangedNotification"_ns})
+                                .leak();
+    for (id name : delayedCoalescedNames)
+        delayedLengths |= std::uint64_t{1} << static_cast<NSString*>(name)->length();
     queuedDelayedNames = NSMutableSet::init().leak();
     delayedNotifications = PBIdleQueue::initWithSelector("_pbPostDelayedNotifications"_sel).leak();
     Instances::setClass(NSNotificationCenter::defaultCenter(), classObject());

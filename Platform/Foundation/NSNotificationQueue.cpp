@@ -7,6 +7,7 @@
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSFormat.h"
+#include "Foundation/NSMutableArray.h"
 #include "Foundation/NSRunLoop.h"
 #include "Runtime/NSException.h"
 
@@ -18,11 +19,6 @@ bool isSame(NSNotification* a, NSNotification* b, std::uint32_t mask) {
     if ((mask & NSNotificationCoalescingOnSender) && a->object() != b->object()) return false;
     return !(mask & NSNotificationCoalescingOnName) || a->name() == b->name() ||
            a->name()->isEqual(b->name());
-}
-
-bool isDefaultModeAlone(NSArray* modes) {
-    NSUInteger count = modes ? modes->count() : 0;
-    return count == 0 || (count == 1 && modes->objectAtIndex(0) == NSDefaultRunLoopMode);
 }
 
 }  // namespace
@@ -57,7 +53,11 @@ NSNotificationQueue::~NSNotificationQueue() {
 }
 
 NSNotificationQueue* NSNotificationQueue::defaultQueue() {
-    static thread_local const Retained<NSNotificationQueue> queue = init();
+    static thread_local const Retained<NSNotificationQueue> queue = [] {
+        auto own = init();
+        own->_isThreadsOwn = true;
+        return own;
+    }();
     return queue;
 }
 
@@ -86,9 +86,28 @@ void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes
                                                                                  std::uint32_t mask,
                                                                                  NSArray* modes) {
     if (!notification) raiseException(NSInvalidArgumentException, u"no notification to queue"_ns);
-    if (mask != NSNotificationNoCoalescing) dequeueNotificationsMatching_coalesceMask(notification, mask);
+    if (isDefaultModeAlone(modes)) modes = nullptr;
+    Items& items = style == NSPostASAP ? _asap : _idle;
+    if (mask != NSNotificationNoCoalescing) {
+        if (style != NSPostNow && isOnlyItem(items, notification, modes)) return;
+        dequeueNotificationsMatching_coalesceMask(notification, mask);
+    }
     if (style == NSPostNow) return _center->postNotification(notification);
-    append(style == NSPostASAP ? _asap : _idle, notification, isDefaultModeAlone(modes) ? nullptr : modes);
+    append(items, notification, modes);
+}
+
+// Lists are mostly made once and given again and again.
+bool NSNotificationQueue::isDefaultModeAlone(NSArray* modes) {
+    if (!modes || modes == _knownModes || modes->count() == 0) return true;
+    if (modes->count() != 1 || !NSDefaultRunLoopMode->isEqual(modes->objectAtIndex(0))) return false;
+    if (!cast<NSMutableArray>(modes)) _knownModes.set(modes);
+    return true;
+}
+
+// To drop it and queue it again would change nothing.
+bool NSNotificationQueue::isOnlyItem(const Items& items, NSNotification* notification, NSArray* modes) {
+    return _asap.size() + _idle.size() == 1 && items.size() == 1 &&
+           items.front().notification == notification && items.front().modes == modes;
 }
 
 void NSNotificationQueue::append(Items& items, NSNotification* notification, NSArray* modes) {
@@ -120,7 +139,7 @@ bool NSNotificationQueue::postFirst(Items& items, NSRunLoop* loop, NSString* mod
     auto item =
         std::find_if(items.begin(), items.end(), [&](const Item& each) { return isFor(each, loop, mode); });
     if (item == items.end()) return false;
-    auto self = Retained<NSNotificationQueue>::retaining(this);
+    auto self = Retained<NSNotificationQueue>::retaining(_isThreadsOwn ? nullptr : this);
     auto notification = std::move(item->notification);
     item->modes = nullptr;
     if (_spare.empty())

@@ -70,13 +70,17 @@ class PELVOR_EXPORT NSNotificationQueue : public NSObject {
 
     static NSNotificationQueue*& queuesOfThread();
     static bool isFor(const Item& item, NSRunLoop* loop, NSString* mode);
+    bool isDefaultModeAlone(NSArray* modes);
+    bool isOnlyItem(const Items& items, NSNotification* notification, NSArray* modes);
     void append(Items& items, NSNotification* notification, NSArray* modes);
     bool postFirst(Items& items, NSRunLoop* loop, NSString* mode);
 
     Retained<NSNotificationCenter> _center;
     Items _asap;
     Items _idle;
-    Items _spare;  // an empty item, for the next notification
+    Items _spare;                   // an empty item, for the next notification
+    Retained<NSArray> _knownModes;  // immutable, last seen to be the default mode alone
+    bool _isThreadsOwn = false;
     NSNotificationQueue* _next = nullptr;
 };
 

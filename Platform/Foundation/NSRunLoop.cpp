@@ -37,7 +37,7 @@ namespace {
 
 constexpr NSTimeInterval kNever = std::numeric_limits<NSTimeInterval>::infinity();
 
-bool isSameName(NSString* a, NSString* b) { return a == b || (a && b && a->isEqual(b)); }
+bool isSameName(NSString* a, NSString* b) { return a == b || (a && b && a->isEqualToString(b)); }
 
 struct Perform {
     SEL selector;
@@ -235,7 +235,12 @@ class NSRunLoop::Turn {
 bool NSRunLoop::turn(NSString* mode, Wait wait, NSTimeInterval limit) {
     if (!mode) raiseException(NSInvalidArgumentException, u"a run loop runs in a mode"_ns);
     AutoreleasePool pool;
-    auto kept = Retained<NSString>::retaining(mode);
+    // The usual mode is compared by its address from here on, and need not be kept.
+    Retained<NSString> kept;
+    if (isSameName(mode, NSDefaultRunLoopMode))
+        mode = NSDefaultRunLoopMode;
+    else
+        kept.set(mode);
     Turn turn(this, mode);
     return doReadyWork(mode, wait, limit);
 }
