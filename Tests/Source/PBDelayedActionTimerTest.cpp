@@ -147,7 +147,10 @@ template <class Work>
 void onAnotherThread(Work work) {
     std::atomic<bool> isDone{false};
     NSThread::detach([&] {
-        work();
+        {
+            AutoreleasePool inner;  // what is left to it holds targets
+            work();
+        }
         isDone = true;
         NSRunLoop::mainRunLoop()->wakeUp();
     });
