@@ -4,6 +4,7 @@
 #include "Foundation/NSArray.h"
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSNumber.h"
+#include "NSString-PelvorAdditions.h"
 #include "PBUtil.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
@@ -15,7 +16,7 @@
 namespace pelvor {
 namespace {
 
-constexpr NSUInteger kFirstLineLength = 72;
+constexpr NSUInteger kLineLength = 72;
 
 NSNumber* number(unsigned long long value) { return NSNumber::numberWithUnsignedLongLong(value); }
 
@@ -30,6 +31,19 @@ NSString* reasonForReader(WRDocument* document, WRDocumentOpener* opener) {
         return localizedFormat(u"_%@, of %u, because it is for \"%@\" documents"_ns, name,
                                candidates->count(), document->path()->pathExtension());
     return localizedFormat(u"_%@, of %u, because it takes every document"_ns, name, candidates->count());
+}
+
+// "{4, 3} bar".
+NSString* textOfRange(NSString* text, NSRange range) {
+    NSString* excerpt = excerptOfText(text->substringWithRange(range), kLineLength);
+    return NSString::stringWithFormat(u"{%u, %u} %@"_ns, range.location, range.length, excerpt);
+}
+
+// Only quantities have digits.
+bool isQuantity(NSString* text, NSRange range) {
+    constexpr NSStringCompareOptions kLiteral = NSLiteralSearch;
+    return text->rangeOfCharacterFromSet_options_range(_pbDecimalDigitCharacterSet, kLiteral, range)
+               .location != NSNotFound;
 }
 
 }  // namespace
@@ -47,7 +61,7 @@ void reportDocument(WRReport* report, WRDocument* document, WRDocumentOpener* op
                                  : encoding);
     add(u"_Bytes"_ns, number(document->byteCount()));
     add(u"_UTF-16 units"_ns, number(document->text()->length()));
-    add(u"_First line"_ns, firstLineOfText(document->text(), kFirstLineLength));
+    add(u"_First line"_ns, firstLineOfText(document->text(), kLineLength));
 }
 
 void reportCount(WRReport* report, const TextCount& count) {
@@ -59,6 +73,19 @@ void reportCount(WRReport* report, const TextCount& count) {
         add(u"_Longest paragraph"_ns,
             localizedFormat(u"_number %u, of %u units"_ns, count.longestParagraph + 1, count.longestLength));
     add(u"_Code points"_ns, number(count.codePoints));
+}
+
+void reportCaret(WRReport* report, WRDocument* document, NSUInteger position) {
+    NSString* text = document->text();
+    report->addHeading(localizedFormat(u"_At %u"_ns, position));
+    auto add = [&](NSString* label, NSRange range) {
+        report->addLabel_value(localized(label), textOfRange(text, range));
+    };
+    const NSRange word = wordRangeForRange_includePreviousWord(text, {position, 0}, false);
+    add(isQuantity(text, word) ? u"_Quantity"_ns : u"_Word"_ns, word);
+    add(u"_With the word before"_ns, wordRangeForRange_includePreviousWord(text, {position, 0}, true));
+    add(u"_Paragraph"_ns, paragraphRangeForRange(text, {position, 0}));
+    add(u"_Paragraph without its end"_ns, paragraphContentRangeForRange(text, {position, 0}));
 }
 
 void reportWriting(WRReport* report, NSString* path, WRDocumentSaver* saver, NSDictionary* answer) {

@@ -22,6 +22,9 @@ NSString* localized(NSString* key);
 void reportDocument(WRReport* report, WRDocument* document, WRDocumentOpener* opener);
 /// What was counted in it.
 void reportCount(WRReport* report, const TextCount& count);
+/// The word or quantity and the paragraph at the position, and the word together with the one before it. The
+/// position must not be behind the end.
+void reportCaret(WRReport* report, WRDocument* document, NSUInteger position);
 /// What a writer answered who wrote it to the path.
 void reportWriting(WRReport* report, NSString* path, WRDocumentSaver* saver, NSDictionary* answer);
 

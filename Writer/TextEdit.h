@@ -14,6 +14,11 @@ struct TextEdit {
     Retained<NSString> text;
 };
 
+/// The greatest number that a user may write.
+inline constexpr NSUInteger kGreatestTextPosition = 999'999'999;
+/// A number without sign, and nothing else; none if the text is no such number.
+std::optional<NSUInteger> textPositionOf(NSString* text);
+
 /// Reads "insert POSITION TEXT", "delete POSITION LENGTH" or "replace POSITION LENGTH TEXT"; none if the line
 /// is nothing of that. The text goes on to the end of the line; "\n", "\t" and "\\" in it stand for a line
 /// end, a tab and a backslash.

@@ -3,93 +3,64 @@
 
 #include <algorithm>
 
-#include "Foundation/NSCharacterSet.h"
 #include "NSString-PelvorAdditions.h"
-#include "PBUtil.h"
-#include "Writer/TextParagraphs.h"
 
 namespace pelvor {
-namespace {
 
-enum class UnitKind { other, letter, digit };
-
-constexpr bool isHighHalf(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
-constexpr bool isLowHalf(char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
-
-std::size_t characterLength(std::u16string_view text, std::size_t place) {
-    return isHighHalf(text[place]) && place + 1 < text.size() && isLowHalf(text[place + 1]) ? 2 : 1;
+bool nextParagraph(NSString* text, TextParagraph& paragraph) {
+    const NSUInteger length = text->length();
+    if (paragraph.end == length) return false;
+    paragraph.start = paragraph.end;
+    getParagraphStart_end_contentsEnd_forRange(text, nullptr, &paragraph.end, &paragraph.contentsEnd,
+                                               {paragraph.start, 0});
+    if (paragraph.contentsEnd == NSNotFound) paragraph.contentsEnd = length;
+    return true;
 }
-
-char32_t characterAt(std::u16string_view text, std::size_t place) {
-    if (characterLength(text, place) == 1) return text[place];
-    return 0x10000 + ((text[place] - 0xD800u) << 10) + (text[place + 1] - 0xDC00u);
-}
-
-UnitKind kindAt(std::u16string_view text, std::size_t place) {
-    if (place >= text.size()) return UnitKind::other;
-    const char32_t character = characterAt(text, place);
-    if (_pbLettersCharacterSet->longCharacterIsMember(character)) return UnitKind::letter;
-    if (_pbDecimalDigitCharacterSet->longCharacterIsMember(character)) return UnitKind::digit;
-    return UnitKind::other;
-}
-
-// Whether the unit between two parts of a word, the first of which ends with a letter or a digit, joins them.
-bool joins(std::u16string_view text, std::size_t place, UnitKind last) {
-    const char16_t unit = text[place];
-    const UnitKind next = kindAt(text, place + 1);
-    if (unit == u'.' || unit == u',') return last == UnitKind::digit && next == UnitKind::digit;
-    return _pbSingleQuotesCharacterSet->characterIsMember(unit) && last == UnitKind::letter &&
-           next == UnitKind::letter;
-}
-
-}  // namespace
 
 void TextCounter::advance(NSUInteger units) {
     const NSUInteger start = _position;
-    const StringUnits text(_text);
-    countWords(text, start + std::max<std::size_t>(1, std::min(units, text.size() - start)));
-    countParagraphs(text);
+    countWords(start + std::clamp<NSUInteger>(units, 1, _text->length() - start));
+    countParagraphs();
     _count.codePoints += countCodepointsInRange(_text, {start, _position - start});
 }
 
-void TextCounter::countWords(std::u16string_view text, std::size_t limit) {
-    std::size_t place = _position;
-    for (; place < std::min(limit, text.size()); place += characterLength(text, place)) {
-        const UnitKind kind = kindAt(text, place);
-        const UnitKind last = _wasLetter ? UnitKind::letter : UnitKind::digit;
-        const bool isPart = kind != UnitKind::other || (_isInWord && joins(text, place, last));
-        _count.words += isPart && !_isInWord;
-        _isInWord = isPart;
-        if (kind != UnitKind::other) _wasLetter = kind == UnitKind::letter;
+// A word that begins before the limit is counted as a whole. No piece ends with the first half of a pair: what
+// follows it belongs to its code point.
+void TextCounter::countWords(NSUInteger limit) {
+    const NSUInteger length = _text->length();
+    auto isInPair = [&] { return (_text->characterAtIndex(_position - 1) & 0xFC00) == 0xD800; };
+    while (_position < limit || (_position < length && isInPair())) {
+        const NSRange word = wordRangeForRange_includePreviousWord(_text, {_position, 0}, false);
+        _count.words += word.length > 0;
+        _position = std::max(NSMaxRange(word), _position + 1);
     }
-    _position = static_cast<NSUInteger>(place);
 }
 
 // Those that begin before the position; the last of them may go on behind it.
-void TextCounter::countParagraphs(std::u16string_view text) {
-    while (_paragraphStart < _position) {
-        std::u16string_view rest = text.substr(_paragraphStart);
-        const auto length = static_cast<NSUInteger>(takeParagraph(rest).size());
+void TextCounter::countParagraphs() {
+    while (_paragraph.end < _position && nextParagraph(_text, _paragraph)) {
+        const NSUInteger length = _paragraph.contentsEnd - _paragraph.start;
         if (length > _count.longestLength) {
             _count.longestLength = length;
             _count.longestParagraph = _count.paragraphs;
         }
         ++_count.paragraphs;
-        _paragraphStart = static_cast<NSUInteger>(text.size() - rest.size());
     }
 }
 
 NSString* firstLineOfText(NSString* text, NSUInteger length) {
-    const StringUnits units(text);
-    for (std::u16string_view rest = units; !rest.empty();) {
-        NSString* line =
-            NSString::of(takeParagraph(rest))->stringByTrimmingCharactersInSet(_pbWhitespaceCharacterSet);
-        if (line->length() == 0) continue;
-        if (line->length() <= length) return line;
-        const NSRange cut = line->rangeOfComposedCharacterSequenceAtIndex(length);
-        return line->substringToIndex(cut.location)->stringByAppendingString(u"…"_ns);
+    for (TextParagraph paragraph; nextParagraph(text, paragraph);) {
+        const NSRange line =
+            nonwhitespaceRangeForRange(text, {paragraph.start, paragraph.contentsEnd - paragraph.start});
+        if (line.length) return excerptOfText(text->substringWithRange(line), length);
     }
     return u""_ns;
+}
+
+NSString* excerptOfText(NSString* text, NSUInteger length) {
+    if (text->length() <= length) return text;
+    const NSRange cut = PBRangeOfComposedCharacterSequenceAtIndex(text, length);
+    return text->substringToIndex(cut.location)->stringByAppendingString(u"…"_ns);
 }
 
 }  // namespace pelvor

@@ -14,9 +14,18 @@ struct TextCount {
     NSUInteger longestLength = 0;     ///< in UTF-16 units
 };
 
-/// Counts a text piece by piece; the text must not change meanwhile. Words are runs of letters and digits,
-/// with single apostrophes between letters and single stops and commas between digits. The shared character
-/// sets must have been made: not before the load-time hooks ran.
+/// A paragraph, and where the next one starts.
+struct TextParagraph {
+    NSUInteger start = 0;
+    NSUInteger contentsEnd = 0;
+    NSUInteger end = 0;
+};
+
+/// Goes on to the paragraph that starts where this one ends; false at the end of the text.
+bool nextParagraph(NSString* text, TextParagraph& paragraph);
+
+/// Counts a text piece by piece; the text must not change meanwhile. Words are words and quantities, as
+/// `wordRangeForRange_includePreviousWord` finds them. Not before the load-time hooks ran.
 class TextCounter {
   public:
     explicit TextCounter(NSString* text) : _text(Retained<NSString>::retaining(text)) {}
@@ -29,19 +38,20 @@ class TextCounter {
     const TextCount& count() const { return _count; }
 
   private:
-    void countWords(std::u16string_view text, std::size_t limit);
-    void countParagraphs(std::u16string_view text);
+    void countWords(NSUInteger limit);
+    void countParagraphs();
 
     Retained<NSString> _text;
     TextCount _count;
     NSUInteger _position = 0;
-    NSUInteger _paragraphStart = 0;
-    bool _isInWord = false;
-    bool _wasLetter = false;
+    TextParagraph _paragraph;  // the last one that was counted
 };
 
-/// The first paragraph that is not blank, without white space around it, cut at `length` units between two
-/// characters; "" where all are blank. Borrowed.
+/// The first paragraph that is not blank, without white space around it, cut at `length` units; "" where all
+/// are blank. Borrowed.
 NSString* firstLineOfText(NSString* text, NSUInteger length);
+
+/// The text, cut at `length` units between two characters and with an ellipsis then. Borrowed.
+NSString* excerptOfText(NSString* text, NSUInteger length);
 
 }  // namespace pelvor

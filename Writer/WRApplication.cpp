@@ -17,6 +17,7 @@
 #include "PBRegistry.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/NSException.h"
+#include "Writer/DocumentCommands.h"
 #include "Writer/DocumentReport.h"
 #include "Writer/PlugInObjects.h"
 #include "Writer/PlugInProtocol.h"
@@ -44,8 +45,8 @@ NSDictionary* optionsWithEncoding(NSString* name) {
     return name ? NSDictionary::dictionaryWithObject_forKey(name, WREncodingKey) : NSDictionary::dictionary();
 }
 
-// In KiB; 0 where the system does not tell. What the system tells of resources used counts in the program that
-// started this one.
+// In KiB; 0 where the system does not tell. What the system tells of resources used counts in the program
+// that started this one.
 long peakMemory() {
     std::ifstream status("/proc/self/status");
     for (std::string word; status >> word;) {
@@ -70,6 +71,7 @@ PELVOR_DEFINE_CLASS(WRApplication, writerLibrary) {
     methods.instance<"counterDidAdvance:", &WRApplication::counterDidAdvance>();
     methods.instance<"counterDidFinish:", &WRApplication::counterDidFinish>();
     methods.instance<"takeEdit:", &WRApplication::takeEdit>();
+    methods.instance<"takePosition:", &WRApplication::takePosition>();
     methods.instance<"takeLine:", &WRApplication::takeLine>();
 }
 
@@ -98,6 +100,8 @@ int WRApplication::run() {
     }
     startUp();
     if (!_arguments->hasOption(u"--list"_ns) && openDocument()) {
+        changeDocument(_document, _arguments, _report);
+        print(_report->takeText());
         loadDocumentPlugIns();
         examineDocument();
         runMainLoop();
@@ -166,8 +170,10 @@ void WRApplication::profilesDidChange(NSNotification* notification) {
 }
 
 void WRApplication::examineDocument() {
-    for (id object : profilesInOrder(registry()->profilesOfType(PBProfileDocumentServiceType))) {
+    NSArray* services = profilesInOrder(registry()->profilesOfType(PBProfileDocumentServiceType));
+    for (NSUInteger done = 0; id object : services) {
         AutoreleasePool pool;
+        _progress->showTask_done_of(localized(u"_Examining"_ns), done++, services->count());
         auto* profile = static_cast<PBProfile*>(object);
         NSDictionary* answer = askPlugIn(profile, "examineDocument:"_sel, _document.get());
         _report->addHeading(nameOfProfile(profile));
@@ -201,11 +207,12 @@ void WRApplication::runMainLoop() {
     counter->observers()->addObserver(this);
     counter->start();
     for (id edit : _arguments->valuesOfOption(u"--edit"_ns))
-        NSRunLoop_PelvorAdditions::performSelector_target_argument_order("takeEdit:"_sel, this, edit,
-                                                                         _waitingEdits++);
+        performSoon("takeEdit:"_sel, static_cast<NSString*>(edit));
+    if (NSString* position = _arguments->valueOfOption(u"--at"_ns))
+        performSoon("takePosition:"_sel, position);
     try {
         if (_arguments->hasOption(u"--stay"_ns)) _loop->stayForTarget_selector(this, "takeLine:"_sel);
-        _loop->runWhile([&] { return _waitingEdits > 0 || counter->isCounting(); });
+        _loop->runWhile([&] { return _waitingPerforms > 0 || counter->isCounting(); });
     } catch (...) {
         complain(
             localizedFormat(u"_The work was broken off: %@"_ns, NSString::ofUTF8(currentExceptionReason())));
@@ -224,14 +231,36 @@ void WRApplication::counterDidFinish(WRDocumentCounter* counter) {
     markMoment("counted");
 }
 
+void WRApplication::performSoon(SEL selector, NSString* argument) {
+    NSRunLoop_PelvorAdditions::performSelector_target_argument_order(selector, this, argument,
+                                                                     _waitingPerforms++);
+}
+
 void WRApplication::takeEdit(NSString* line) {
-    --_waitingEdits;
+    --_waitingPerforms;
     applyEdit(line);
+}
+
+void WRApplication::takePosition(NSString* position) {
+    --_waitingPerforms;
+    showPosition(position);
+}
+
+void WRApplication::showPosition(NSString* text) {
+    const auto position = textPositionOf(text);
+    const NSUInteger length = _document->text()->length();
+    if (!position || *position > length)
+        return complain(localizedFormat(
+            u"_The position \"%@\" of \"--at\" is not in the document, which has %u UTF-16 units."_ns, text,
+            length));
+    reportCaret(_report, _document, *position);
+    print(_report->takeText());
 }
 
 void WRApplication::takeLine(NSString* line) {
     if (line->isEqualToString(u"quit"_ns)) return _loop->end();
     if (line->isEqualToString(u"save"_ns) && _arguments->hasOption(u"--save-as"_ns)) return saveDocument();
+    if (line->hasPrefix(u"at "_ns)) return showPosition(line->substringFromIndex(3));
     if (line->length()) applyEdit(line);
 }
 

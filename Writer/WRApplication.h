@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include "Foundation/NSString.h"
+#include "Runtime/Selector.h"
 
 namespace pelvor {
 
@@ -41,8 +42,9 @@ class WRApplication : public NSObject {
     /// Observe the counter of the document: tell how far the count has come, and what was counted.
     void counterDidAdvance(WRDocumentCounter* counter);
     void counterDidFinish(WRDocumentCounter* counter);
-    /// The messages of the main loop: an edit of the command line, a line of standard input.
+    /// The messages of the main loop: an edit and a position of the command line, a line of standard input.
     void takeEdit(NSString* line);
+    void takePosition(NSString* position);
     void takeLine(NSString* line);
 
   protected:
@@ -55,7 +57,9 @@ class WRApplication : public NSObject {
     void loadDocumentPlugIns();
     void examineDocument();
     void runMainLoop();
+    void performSoon(SEL selector, NSString* argument);
     void applyEdit(NSString* line);
+    void showPosition(NSString* text);
     void saveDocument();
 
     void reportStart(NSArray* bundles);
@@ -73,7 +77,7 @@ class WRApplication : public NSObject {
     Retained<WRMainLoop> _loop;
     Retained<NSMutableArray> _arrivals;  // PBProfiles, since the start
     Retained<NSMutableSet> _knownIdentifiers;
-    NSUInteger _waitingEdits = 0;
+    NSUInteger _waitingPerforms = 0;
     bool _hasFailed = false;
     std::chrono::steady_clock::time_point _start;
     std::string _timing;

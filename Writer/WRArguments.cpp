@@ -10,30 +10,80 @@
 
 namespace pelvor {
 
-enum class OptionKind { flag, text, edit };
+enum class OptionKind { flag, text, anyText, number, choice, edit };
 
 struct ProgramOption {
     OptionKind kind;
     NSString* name;
     NSString* placeholder;
     NSString* explanation;
-    NSString* needed = nullptr;  // the option without which it means nothing
+    NSString* needed = nullptr;   // the option without which it means nothing
+    NSString* choices = nullptr;  // what a choice is among
+    NSUInteger least = 0;         // what a number is at least
 };
 
 namespace {
 
 constexpr ProgramOption kOptions[] = {
-    {OptionKind::text, u"--encoding"_ns, u"NAME"_ns, u"_the document's encoding, found out by default"_ns},
-    {OptionKind::edit, u"--edit"_ns, u"EDIT"_ns,
-     u"_changes the document: \"insert POSITION TEXT\", \"delete POSITION LENGTH\", \"replace POSITION LENGTH TEXT\""_ns},
-    {OptionKind::text, u"--save-as"_ns, u"FILE"_ns, u"_writes the document to the file"_ns},
-    {OptionKind::text, u"--save-encoding"_ns, u"NAME"_ns, u"_the encoding to write in, UTF-8 by default"_ns,
-     u"--save-as"_ns},
-    {OptionKind::flag, u"--stay"_ns, u""_ns,
-     u"_stays and takes edits, \"save\" and \"quit\" line by line from standard input"_ns},
-    {OptionKind::flag, u"--list"_ns, u""_ns, u"_shows what is registered and nothing else"_ns},
-    {OptionKind::flag, u"--timing"_ns, u""_ns, u"_prints when each stage was reached"_ns},
-    {OptionKind::flag, u"--help"_ns, u""_ns, u"_this text"_ns},
+    {.kind = OptionKind::text,
+     .name = u"--encoding"_ns,
+     .placeholder = u"NAME"_ns,
+     .explanation = u"_the document's encoding, found out by default"_ns},
+    {.kind = OptionKind::number,
+     .name = u"--at"_ns,
+     .placeholder = u"POSITION"_ns,
+     .explanation = u"_shows the word, quantity and paragraph at a position, in UTF-16 units"_ns},
+    {.kind = OptionKind::text,
+     .name = u"--find"_ns,
+     .placeholder = u"TEXT"_ns,
+     .explanation = u"_counts where the text stands in the document"_ns},
+    {.kind = OptionKind::anyText,
+     .name = u"--replace"_ns,
+     .placeholder = u"TEXT"_ns,
+     .explanation = u"_puts this in the place of what is found"_ns,
+     .needed = u"--find"_ns},
+    {.kind = OptionKind::choice,
+     .name = u"--case"_ns,
+     .placeholder = u"CASE"_ns,
+     .explanation = u"_changes the letters: upper, lower, capitals, toggle"_ns,
+     .choices = u"upper, lower, capitals, toggle"_ns},
+    {.kind = OptionKind::number,
+     .name = u"--wrap"_ns,
+     .placeholder = u"COLUMN"_ns,
+     .explanation = u"_breaks lines that reach the column"_ns,
+     .least = 1},
+    {.kind = OptionKind::choice,
+     .name = u"--line-endings"_ns,
+     .placeholder = u"KIND"_ns,
+     .explanation = u"_makes all line endings the same: lf, crlf, cr"_ns,
+     .choices = u"lf, crlf, cr"_ns},
+    {.kind = OptionKind::edit,
+     .name = u"--edit"_ns,
+     .placeholder = u"EDIT"_ns,
+     .explanation =
+         u"_\"insert POSITION TEXT\", \"delete POSITION LENGTH\" or \"replace POSITION LENGTH TEXT\""_ns},
+    {.kind = OptionKind::text,
+     .name = u"--save-as"_ns,
+     .placeholder = u"FILE"_ns,
+     .explanation = u"_writes the document to the file"_ns},
+    {.kind = OptionKind::text,
+     .name = u"--save-encoding"_ns,
+     .placeholder = u"NAME"_ns,
+     .explanation = u"_the encoding to write in, UTF-8 by default"_ns,
+     .needed = u"--save-as"_ns},
+    {.kind = OptionKind::flag,
+     .name = u"--stay"_ns,
+     .placeholder = u""_ns,
+     .explanation = u"_stays and takes edits, \"at POSITION\", \"save\" and \"quit\" from standard input"_ns},
+    {.kind = OptionKind::flag,
+     .name = u"--list"_ns,
+     .placeholder = u""_ns,
+     .explanation = u"_shows what is registered and nothing else"_ns},
+    {.kind = OptionKind::flag,
+     .name = u"--timing"_ns,
+     .placeholder = u""_ns,
+     .explanation = u"_prints when each stage was reached and the memory taken until then"_ns},
+    {.kind = OptionKind::flag, .name = u"--help"_ns, .placeholder = u""_ns, .explanation = u"_this text"_ns},
 };
 
 const ProgramOption* optionNamed(NSString* name) {
@@ -50,10 +100,20 @@ NSString* problemText(NSString* key, const Arguments&... arguments) {
 
 // What is wrong with the value, or none.
 NSString* problemOfValue(const ProgramOption& option, NSString* value) {
-    if (value->length() == 0) return problemText(u"_The argument \"%@\" needs a value."_ns, option.name);
+    if (value->length() == 0 && option.kind != OptionKind::anyText)
+        return problemText(u"_The argument \"%@\" needs a value."_ns, option.name);
     if (option.kind == OptionKind::edit && !textEditOf(value))
         return problemText(u"_The argument \"%@\" does not understand \"%@\"."_ns, option.name, value);
-    return nullptr;
+    if (option.kind == OptionKind::choice &&
+        !option.choices->componentsSeparatedByString(u", "_ns)->containsObject(value))
+        return problemText(u"_The argument \"%@\" takes one of %@, not \"%@\"."_ns, option.name,
+                           option.choices, value);
+    if (option.kind != OptionKind::number) return nullptr;
+    const auto number = textPositionOf(value);
+    return number && *number >= option.least
+               ? nullptr
+               : problemText(u"_The argument \"%@\" takes a number from %u to %u, not \"%@\"."_ns,
+                             option.name, option.least, kGreatestTextPosition, value);
 }
 
 }  // namespace

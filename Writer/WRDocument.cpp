@@ -8,7 +8,7 @@
 #include "PBProfile.h"
 #include "Runtime/NSException.h"
 #include "Writer/PlugInProtocol.h"
-#include "Writer/TextParagraphs.h"
+#include "Writer/TextMeasure.h"
 #include "Writer/WriterLibrary.h"
 
 namespace pelvor {
@@ -19,6 +19,7 @@ PELVOR_DEFINE_CLASS(WRDocument, writerLibrary) {
     methods.instance<"text", &WRDocument::text>();
     methods
         .instance<"replaceCharactersInRange:withString:", &WRDocument::replaceCharactersInRange_withString>();
+    methods.instance<"setText:", &WRDocument::setText>();
     methods.instance<"reader", &WRDocument::reader>();
     methods.instance<"encodingName", &WRDocument::encodingName>();
     methods.instance<"hasByteOrderMark", &WRDocument::hasByteOrderMark>();
@@ -46,12 +47,25 @@ Retained<WRDocument> WRDocument::initWithPath_reader_answer(NSString* path, PBPr
     return self;
 }
 
-// A text that is never changed is never copied.
 void WRDocument::replaceCharactersInRange_withString(NSRange range, NSString* string) {
+    changeText([&](NSMutableString* text) { text->replaceCharactersInRange_withString(range, string); });
+}
+
+void WRDocument::setText(NSString* text) {
+    _text = text->copy();
+    textDidChange();
+}
+
+// A text that is never changed is never copied.
+void WRDocument::changeText(const std::function<void(NSMutableString*)>& change) {
     auto text = Retained<NSMutableString>::retaining(cast<NSMutableString>(_text.get()));
     if (!text) text = _text->mutableCopy();
-    text->replaceCharactersInRange_withString(range, string);
+    change(text);
     _text = std::move(text);
+    textDidChange();
+}
+
+void WRDocument::textDidChange() {
     _paragraphs.reset();
     NSNotificationCenter::defaultCenter()->postNotificationName_object(WRDocumentDidChangeNotification, this);
 }
@@ -71,12 +85,8 @@ NSRange WRDocument::rangeOfParagraphAtIndex(NSUInteger index) {
 const std::vector<NSRange>& WRDocument::paragraphs() {
     if (_paragraphs) return *_paragraphs;
     _paragraphs.emplace();
-    const StringUnits units(_text);
-    for (std::u16string_view rest = units; !rest.empty();) {
-        const auto location = static_cast<NSUInteger>(units.size() - rest.size());
-        const auto length = static_cast<NSUInteger>(takeParagraph(rest).size());
-        _paragraphs->push_back({location, length});
-    }
+    for (TextParagraph paragraph; nextParagraph(_text, paragraph);)
+        _paragraphs->push_back({paragraph.start, paragraph.contentsEnd - paragraph.start});
     return *_paragraphs;
 }
 

@@ -2,6 +2,7 @@
 // WRDocument: a document that was read.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -10,6 +11,7 @@
 namespace pelvor {
 
 class NSDictionary;
+class NSMutableString;
 class PBProfile;
 
 /// Posted by a document after its text has changed.
@@ -29,6 +31,9 @@ class WRDocument : public NSObject {
     NSString* text() { return _text; }
     /// Changes the text. Raises NSRangeException for a range outside.
     void replaceCharactersInRange_withString(NSRange range, NSString* string);
+    void setText(NSString* text);
+    /// Has the function change the text.
+    void changeText(const std::function<void(NSMutableString*)>& change);
     /// The profile of the reader that read it.
     PBProfile* reader() { return _reader; }
     /// None where there is no encoding, as for bytes.
@@ -37,8 +42,8 @@ class WRDocument : public NSObject {
     /// The length of the file when it was read.
     unsigned long long byteCount() { return _byteCount; }
 
-    /// Paragraphs end with CR LF, LF, CR, or a line or paragraph separator; the end of the text ends the last
-    /// one. An empty text has none.
+    /// Paragraphs are those of `paragraphRangeForRange`; the end of the text ends the last one. An empty text
+    /// has none.
     NSUInteger paragraphCount();
     /// The paragraph without what ends it. Raises NSRangeException for an index at or past the count.
     NSString* paragraphAtIndex(NSUInteger index);
@@ -50,6 +55,7 @@ class WRDocument : public NSObject {
     ~WRDocument();
 
   private:
+    void textDidChange();
     const std::vector<NSRange>& paragraphs();
 
     Retained<NSString> _path;

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/WRArguments.h"
 
-#include <gtest/gtest.h>
-
-#include "Foundation/NSMutableArray.h"
-#include "Runtime/AutoreleasePool.h"
+#include "Prelude.h"
+#include "Writer/TextEdit.h"
 
 namespace pelvor {
 namespace {
@@ -16,7 +14,6 @@ class Arguments : public testing::Test {
         for (const char* text : texts) arguments->addObject(NSString::ofUTF8(text));
         return WRArguments::initWithArguments(arguments);
     }
-    AutoreleasePool pool;
 };
 
 TEST_F(Arguments, ComeInAnyOrderAndInBothForms) {
@@ -46,12 +43,45 @@ TEST_F(Arguments, AreComplainedAboutInOneSentence) {
         {{"--save-as="}, "_The argument \"--save-as\" needs a value."},
         {{"a", "b"}, "_Only one document can be opened; \"b\" is too many."},
         {{"--save-encoding", "utf-8"}, "_The argument \"--save-encoding\" needs another: \"--save-as\"."},
+        {{"--replace", "x"}, "_The argument \"--replace\" needs another: \"--find\"."},
+        {{"--at", "x"}, "_The argument \"--at\" takes a number from 0 to 999999999, not \"x\"."},
+        {{"--wrap=0"}, "_The argument \"--wrap\" takes a number from 1 to 999999999, not \"0\"."},
+        {{"--wrap=-3"}, "_The argument \"--wrap\" takes a number from 1 to 999999999, not \"-3\"."},
+        {{"--at=1234567890"},
+         "_The argument \"--at\" takes a number from 0 to 999999999, not \"1234567890\"."},
+        {{"--case=title"},
+         "_The argument \"--case\" takes one of upper, lower, capitals, toggle, not \"title\"."},
+        {{"--line-endings=mac"}, "_The argument \"--line-endings\" takes one of lf, crlf, cr, not \"mac\"."},
+        {{"--find", "a", "--replace="}, ""},
         {{"--edit", "erase 3"}, "_The argument \"--edit\" does not understand \"erase 3\"."},
     };
     for (const auto& [arguments, problem] : cases) {
         NSString* found = parsed(arguments)->problem();
         EXPECT_EQ(found ? found->toUTF8() : "", problem);
     }
+}
+
+std::string described(std::string_view line) {
+    const auto edit = textEditOf(NSString::ofUTF8(line));
+    if (!edit) return "nothing";
+    return std::to_string(edit->range.location) + "+" + std::to_string(edit->range.length) + "=" +
+           edit->text->toUTF8();
+}
+
+TEST(TextEdit, IsReadFromALine) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"insert 0 a", "0+0=a"},
+        {"insert 12  two words ", "12+0= two words "},
+        {"insert 3 é\\n\\\\n\\t\\x\\", "3+0=é\n\\n\t\\x\\"},
+        {"insert 3 ", "3+0="},
+        {"delete 3 4", "3+4="},
+        {"replace 3 4 delete", "3+4=delete"},
+    };
+    for (const auto& [line, edit] : cases) EXPECT_EQ(described(line), edit) << line;
+    for (const char* line :
+         {"", "insert", "insert 3", "insert x a", "insert -1 a", "insert 1234567890 a", "insert 1x a",
+          "delete 3", "delete 3 4 5", "delete  3 4", "replace 1 2", "erase 1 2", "Insert 1 a"})
+        EXPECT_EQ(described(line), "nothing") << line;
 }
 
 }  // namespace

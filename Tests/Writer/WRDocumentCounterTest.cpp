@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/WRDocumentCounter.h"
 
-#include <gtest/gtest.h>
-
 #include "Foundation/ClockScope.h"
-#include "Foundation/NSDictionary.h"
-#include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSRunLoop.h"
 #include "PBObserverSet.h"
 #include "PBPostLoader.h"
-#include "Runtime/AutoreleasePool.h"
+#include "Prelude.h"
 #include "TestPlugIns.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/WRDocument.h"
@@ -42,7 +38,6 @@ class DocumentCounter : public testing::Test {
         while (counter->isCounting()) turn();
     }
 
-    AutoreleasePool pool;
     ClockScope clock;
     Retained<WRDocument> document = WRDocument::initWithPath_reader_answer(
         u"/a"_ns, nullptr, NSDictionary::of({{WRTextKey, NSString::of(words(100'000))}}));

@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/WRDocumentOpener.h"
 
-#include <gtest/gtest.h>
-
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "Foundation/NSArray.h"
-#include "Foundation/NSDictionary.h"
 #include "PBProfileKeys.h"
-#include "Runtime/AutoreleasePool.h"
+#include "Prelude.h"
 #include "TemporaryFolder.h"
 #include "TestPlugIns.h"
+#include "Writer/WRDocumentSaver.h"
 
 namespace pelvor {
 namespace {
@@ -31,7 +28,6 @@ class DocumentOpener : public testing::Test {
         return document ? document->reader()->identifier()->description()->toUTF8()
                         : opener->problem()->toUTF8();
     }
-    AutoreleasePool pool;
     TemporaryFolder folder;
     Retained<PBRegistry> registry = PBRegistry::init();
     Retained<WRDocumentOpener> opener = WRDocumentOpener::initWithProfiles(registry);
@@ -49,56 +45,66 @@ TEST_F(DocumentOpener, HasTheBestReaderReadTheDocument) {
     EXPECT_EQ(opener->problem(), nullptr);
 }
 
+// A reader that does as the name of the file says, alone and with another one after it.
 TEST_F(DocumentOpener, GoesOnToTheNextReaderUnlessTheDocumentIsAtFault) {
+    const struct {
+        const char* name;
+        const char* alone;
+        const char* followed;
+    } cases[] = {
+        {"refused.txt", "message", "patient"},
+        {"encoding.txt", "message", "message"},
+        {"throw.txt", "_The plug-in \"fickle\" failed: no ink", "patient"},
+        {"odd.txt", "_The plug-in \"fickle\" answered nothing.", "patient"},
+        {"nothing.txt", "_The plug-in \"fickle\" answered nothing.", "patient"},
+        {"none.txt", "_The plug-in \"fickle\" answered nothing.", "patient"},
+    };
     addReader("fickle", 1, "WRTestReader");
+    for (const auto& expected : cases) EXPECT_EQ(outcomeFor(expected.name), expected.alone);
     addReader("patient", 2, "WRTestPathReader");
-    EXPECT_EQ(outcomeFor("refused.txt"), "patient");
-    EXPECT_EQ(outcomeFor("throw.txt"), "patient");
-    EXPECT_EQ(outcomeFor("odd.txt"), "patient");
-    EXPECT_EQ(outcomeFor("nothing.txt"), "patient");
-    EXPECT_EQ(outcomeFor("none.txt"), "patient");
-    EXPECT_EQ(outcomeFor("encoding.txt"), "message");
-}
-
-TEST_F(DocumentOpener, TellsWhatTheLastReaderSaid) {
-    addReader("fickle", 1, "WRTestReader");
-    EXPECT_EQ(outcomeFor("refused.txt"), "message");
-    EXPECT_EQ(outcomeFor("throw.txt"), "_The plug-in \"fickle\" failed: no ink");
-    EXPECT_EQ(outcomeFor("odd.txt"), "_The plug-in \"fickle\" answered nothing.");
-    EXPECT_EQ(outcomeFor("none.txt"), "_The plug-in \"fickle\" answered nothing.");
+    for (const auto& expected : cases)
+        EXPECT_EQ(outcomeFor(expected.name), expected.followed) << expected.name;
 }
 
 TEST_F(DocumentOpener, TakesAProfileWhoseClassIsNotThereForAFailedPlugIn) {
+    EXPECT_NE(outcomeFor("a.txt").find("no reader"), std::string::npos);
     addReader("empty", 1, "WRNoSuchClass");
     EXPECT_EQ(outcomeFor("a.txt"), "_The plug-in \"empty\" failed: there is no class \"WRNoSuchClass\"");
     addReader("path", 2, "WRTestPathReader");
     EXPECT_EQ(outcomeFor("a.txt"), "path");
 }
 
-TEST_F(DocumentOpener, AsksNoReaderAboutWhatIsNoFile) {
+TEST_F(DocumentOpener, AsksNoReaderAboutWhatIsNoFileOrMayNotBeRead) {
     addReader("path", 1, "WRTestPathReader");
-    const std::string pipe = folder.path("pipe.txt");
+    const std::string pipe = folder.path("pipe.txt"), secret = folder.write("secret.txt", "x");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    EXPECT_FALSE(open(pipe));
-    EXPECT_NE(opener->problem()->toUTF8().find("it is not a file"), std::string::npos);
-    EXPECT_FALSE(open(folder.path("missing.txt")));
-    EXPECT_NE(opener->problem()->toUTF8().find("no such file"), std::string::npos);
-    EXPECT_FALSE(open(folder.path("")));
-    EXPECT_NE(opener->problem()->toUTF8().find("a folder"), std::string::npos);
-    EXPECT_EQ(opener->candidates()->count(), 0u);
+    ASSERT_EQ(chmod(secret.c_str(), 0), 0);
+    const std::pair<std::string, const char*> cases[] = {{pipe, "it is not a file"},
+                                                         {folder.path("missing.txt"), "no such file"},
+                                                         {folder.path(""), "a folder"},
+                                                         {secret, "may not be read"}};
+    for (const auto& [path, problem] : cases) {
+        if (path == secret && geteuid() == 0) continue;  // nothing is forbidden to this user
+        EXPECT_FALSE(open(path));
+        EXPECT_NE(opener->problem()->toUTF8().find(problem), std::string::npos);
+        EXPECT_EQ(opener->candidates()->count(), 0u);
+    }
 }
 
-TEST_F(DocumentOpener, TellsThatAFileMayNotBeRead) {
-    if (geteuid() == 0) GTEST_SKIP() << "nothing is forbidden to this user";
-    const std::string path = folder.write("secret.txt", "x");
-    ASSERT_EQ(chmod(path.c_str(), 0), 0);
-    EXPECT_FALSE(open(path));
-    EXPECT_NE(opener->problem()->toUTF8().find("may not be read"), std::string::npos);
-}
-
-TEST_F(DocumentOpener, SaysThatThereIsNoReader) {
-    EXPECT_EQ(outcomeFor("a.txt").find("_The document "), 0u);
-    EXPECT_NE(opener->problem()->toUTF8().find("no reader"), std::string::npos);
+TEST_F(DocumentOpener, HasACounterpartThatHasTheBestWriterWriteTheText) {
+    auto saver = WRDocumentSaver::initWithProfiles(registry);
+    auto save = [&] {
+        return saver->saveText_toPath_options(u"text"_ns, u"a.txt"_ns, NSDictionary::dictionary());
+    };
+    EXPECT_FALSE(save());
+    EXPECT_THAT(saver->problem()->toUTF8(), HasSubstr("no writer"));
+    addProfile(registry, "reader", PBProfileDocumentWriterType, {"*"}, 1, "WRTestPathReader");
+    EXPECT_FALSE(save());
+    EXPECT_THAT(saver->problem()->toUTF8(), HasSubstr("_The plug-in \"reader\" failed: "));
+    addProfile(registry, "text", PBProfileDocumentWriterType, {"txt"}, 2, "WRTestWriter");
+    EXPECT_TRUE(save());
+    EXPECT_EQ(WRTestWriter::writtenText->toUTF8(), "text");
+    EXPECT_EQ(saver->writer()->identifier()->description()->toUTF8(), "text");
 }
 
 }  // namespace

@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/WRDocument.h"
 
-#include <gtest/gtest.h>
-
-#include "Foundation/NSDictionary.h"
-#include "Foundation/NSNumber.h"
 #include "PBPostLoader.h"
 #include "PBProfile.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/NSException.h"
+#include "Prelude.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/TextMeasure.h"
 
@@ -23,7 +18,6 @@ class Document : public testing::Test {
         return WRDocument::initWithPath_reader_answer(u"/a/b.txt"_ns, nullptr,
                                                       NSDictionary::of({{WRTextKey, NSString::of(text)}}));
     }
-    AutoreleasePool pool;
 };
 
 TEST_F(Document, KeepsWhatTheReaderAnswered) {
@@ -48,7 +42,7 @@ TEST_F(Document, IsNotMadeOfAnAnswerWithoutTextAndBearsOddEntries) {
 }
 
 TEST_F(Document, EndsParagraphsAtEveryKindOfLineEnd) {
-    auto document = documentWith(u"one\ntwo\r\n\rfour\u2029five\u2028");
+    auto document = documentWith(u"one\ntwo\r\n\rfour\u2029five\f");
     ASSERT_EQ(document->paragraphCount(), 5u);
     EXPECT_EQ(document->paragraphAtIndex(1)->toUTF8(), "two");
     EXPECT_EQ(document->paragraphAtIndex(2)->length(), 0u);
@@ -83,6 +77,9 @@ const CountCase kCounts[] = {
     {u"1,250.50 £ at 6:42.", {19, 4, 1, 0, 19}},
     {u"end. 3 . 4, five", {16, 4, 1, 0, 16}},
     {u"naïve Straße, 日本", {16, 3, 1, 0, 16}},
+    {u"\xD83D"
+     u"a \xD83D\xD83D\xDC08 b\xDC08",
+     {7, 2, 1, 0, 9}},
     {u" \n  the 🐈 sat \r\nlonger than that\nwithin the hour\n\n", {50, 8, 5, 2, 16}},
 };
 

@@ -9,6 +9,7 @@
 #include "Foundation/NSString.h"
 #include "Foundation/NSUserDefaults.h"
 #include "PBUtil.h"
+#include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
 #include "Writer/PlugIns/WordStatistics/WordCount.h"
 #include "Writer/PlugIns/WordStatistics/WordStatisticsPlugIn.h"
@@ -50,10 +51,14 @@ void WRWordStatistics::activateToolkit() {
 
 NSDictionary* WRWordStatistics::examineDocument(id document) {
     auto* found = NSMutableDictionary::dictionary();
-    auto* text = send<NSString*>(document, "text"_sel);
-    if (!text || !theSentenceEnders) return found;
-    const WordCount count =
-        countWords(StringUnits(text->lowercaseString()), _pbLettersCharacterSet, theSentenceEnders);
+    if (!theSentenceEnders) return found;
+    WordCount count;
+    const auto paragraphs = send<NSUInteger>(document, "paragraphCount"_sel);
+    for (NSUInteger i = 0; i < paragraphs; ++i) {
+        AutoreleasePool pool;
+        auto* paragraph = send<NSString*>(document, "paragraphAtIndex:"_sel, i);
+        count.take(StringUnits(paragraph->lowercaseString()), _pbLettersCharacterSet, theSentenceEnders);
+    }
     auto add = [&](NSString* key, id value) { found->setObject_forKey(value, _PBDoLocalize(key, this)); };
     auto number = [](std::size_t value) { return NSNumber::numberWithUnsignedLong(value); };
     add(u"_Sentences"_ns, number(count.sentences));

@@ -24,29 +24,26 @@ std::vector<std::u16string> WordCount::mostFrequent(std::size_t count) const {
     return words;
 }
 
-WordCount countWords(std::u16string_view text, NSCharacterSet* letters, NSCharacterSet* enders) {
-    WordCount count;
-    bool isInSentence = false;
+void WordCount::take(std::u16string_view text, NSCharacterSet* letterSet, NSCharacterSet* enders) {
     for (std::size_t i = 0; i < text.size();) {
         std::size_t end = i;
-        while (end < text.size() && letters->characterIsMember(text[end])) ++end;
+        while (end < text.size() && letterSet->characterIsMember(text[end])) ++end;
         if (end > i) {
             std::u16string word(text.substr(i, end - i));
-            ++count.words;
-            count.letters += word.size();
-            if (word.size() > count.longest.size()) count.longest = word;
-            ++count.timesOfWord[std::move(word)];
+            ++words;
+            letters += word.size();
+            if (word.size() > longest.size()) longest = word;
+            ++timesOfWord[std::move(word)];
             isInSentence = true;
             i = end;
         } else {
             if (isInSentence && enders->characterIsMember(text[i])) {
-                ++count.sentences;
+                ++sentences;
                 isInSentence = false;
             }
             ++i;
         }
     }
-    return count;
 }
 
 }  // namespace pelvor

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/Markdown/MarkdownText.h"
 
-#include <gtest/gtest.h>
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
@@ -28,7 +28,8 @@ const MarkdownCase kBlocks[] = {
     {"HeadingEndingInSharp", u"# About C#\n", u"About C#\n"},
     {"UnderlinedHeading", u"Title\n=====\nSub\n---\ntext", u"Title\nSub\ntext\n"},
     {"Rule", u"a\n\n* * *\n---\n\nb", u"a\nb\n"},
-    {"List", u"- one\n  more\n* two\n12. twelve\n2019 was good", u"• one more\n• two\n12. twelve 2019 was good\n"},
+    {"List", u"- one\n  more\n* two\n12. twelve\n2019 was good",
+     u"• one more\n• two\n12. twelve 2019 was good\n"},
     {"Quotation", u"> he said\n> > so", u"he said so\n"},
     {"Code", u"a\n```c\n*p = 1;\n\n# no\n```\nb", u"a\n*p = 1;\n\n# no\nb\n"},
     {"CodeWithoutEnd", u"~~~\nx", u"x\n"},

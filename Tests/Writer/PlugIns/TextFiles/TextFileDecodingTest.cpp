@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/TextFiles/TextFileDecoding.h"
 
-#include <gtest/gtest.h>
-
 #include "Foundation/NSStringEncoding.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
@@ -106,10 +105,6 @@ TEST(TextFileDecoding, TakesANamedEncodingAtItsWord) {
     }
 }
 
-TEST(TextFileDecoding, ReadsBytesOfANamedEncodingEvenIfTheyDoNotLookLikeText) {
-    EXPECT_EQ(decoded("a\0\x01"s, "iso-8859-1").text.view(), u"a\0\x01"s);
-}
-
 TEST(TextFileDecoding, TellsAnUnknownEncodingFromBytesThatDisagreeWithTheirs) {
     EXPECT_EQ(decoded("text", "klingon").fault, TextFileFault::unknownEncoding);
     EXPECT_EQ(decoded("caf\xE9", "UTF-8").fault, TextFileFault::undecodable);
@@ -129,6 +124,55 @@ TEST(TextFileDecoding, FindsTheMarkOfTheNamedEncodingOnly) {
         "iso-8859-1");
     EXPECT_FALSE(latin.hasByteOrderMark);
     EXPECT_EQ(latin.text.view(), u"ÿþa");
+    EXPECT_EQ(decoded("a\0\x01"s, "iso-8859-1").text.view(), u"a\0\x01"s) << "not like text";
+}
+
+// Characters of every length, so that some are cut wherever a block ends.
+TEST(TextFileDecoding, ReadsLongTextsInBlocksAsItReadsThemAsAWhole) {
+    const std::u16string all = u"aé漢🐈\n", latin = u"aé€ñ”\n", japanese = u"a日本語\n";
+    const struct {
+        const char* name;
+        NSStringEncoding encoding;
+        const std::u16string& line;
+    } cases[] = {
+        {"UTF-8", NSUTF8StringEncoding, all},
+        {"UTF-16LE", NSUTF16LittleEndianStringEncoding, all},
+        {"UTF-16BE", NSUTF16BigEndianStringEncoding, all},
+        {"UTF-32LE", NSUTF32LittleEndianStringEncoding, all},
+        {"UTF-32BE", NSUTF32BigEndianStringEncoding, all},
+        {"windows-1252", NSWindowsCP1252StringEncoding, latin},
+        {"Shift_JIS", NSShiftJISStringEncoding, japanese},
+    };
+    for (const auto& [name, encoding, line] : cases)
+        for (std::size_t shift = 0; shift < 4; ++shift) {
+            std::u16string whole(shift, u'x');
+            while (whole.size() < 300'000) whole += line;
+            const TextFileContent content = decoded(encoded(whole, encoding), name);
+            EXPECT_EQ(content.fault, TextFileFault::none) << name;
+            EXPECT_TRUE(content.text.view() == whole) << name << shift;
+        }
+    const TextFileContent content = decoded(std::string(700'000, 'a') + "\xE9");
+    EXPECT_EQ(content.encodingName, "windows-1252");
+    EXPECT_EQ(content.text.view().back(), u'é');
+    EXPECT_EQ(content.text.view().size(), 700'001u);
+}
+
+TEST(TextFileDecoding, AgreesWithThePlatformAboutWhatIsUTF8) {
+    for (unsigned lead = 0x80; lead < 0x100; ++lead)
+        for (unsigned second = 0; second < 0x100; ++second)
+            for (unsigned last : {0x7Fu, 0x80u, 0xC0u})
+                for (std::size_t length : {2u, 3u, 4u, 5u}) {
+                    const char bytes[] = {'a', static_cast<char>(lead), static_cast<char>(second),
+                                          static_cast<char>(last), static_cast<char>(last)};
+                    const std::string_view text(bytes, length);
+                    const auto expected = decodeBytes(text, NSUTF8StringEncoding);
+                    const TextFileContent content = decoded(text, "UTF-8");
+                    ASSERT_EQ(content.fault == TextFileFault::none, expected.has_value())
+                        << lead << " " << second;
+                    if (expected) {
+                        ASSERT_EQ(content.text.view(), *expected);
+                    }
+                }
 }
 
 TEST(TextFileDecoding, ReadsAgainInTheSameWayWhatItGuessed) {

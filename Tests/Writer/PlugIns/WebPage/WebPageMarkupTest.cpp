@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/WebPage/WebPageMarkup.h"
 
-#include <gtest/gtest.h>
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {

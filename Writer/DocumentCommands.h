@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+// Changes of a whole document that the user asks for by arguments.
+#pragma once
+
+namespace pelvor {
+
+class WRArguments;
+class WRDocument;
+class WRReport;
+
+/// Finds and replaces, changes the case, wraps lines and converts their ends, in this order and as far as the
+/// arguments want it, and reports what was done.
+void changeDocument(WRDocument* document, WRArguments* arguments, WRReport* report);
+
+}  // namespace pelvor
