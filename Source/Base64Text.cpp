@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Base64TextPrivate.h"
 
+#include <algorithm>
 #include <array>
 #ifdef PELVOR_HAS_WIDE_FORMS
 #include <immintrin.h>
@@ -32,11 +33,12 @@ constexpr auto kPairs = [] {
     return pairs;
 }();
 
-Byte* writeTail(std::span<const Byte> tail, Byte* text) {
+template <class Unit>
+Unit* writeTail(std::span<const Byte> tail, Unit* text) {
     unsigned first = tail[0], second = tail.size() > 1 ? tail[1] : 0;
-    *text++ = static_cast<Byte>(kAlphabet[first >> 2]);
-    *text++ = static_cast<Byte>(kAlphabet[(first & 3) << 4 | second >> 4]);
-    *text++ = tail.size() > 1 ? static_cast<Byte>(kAlphabet[(second & 15) << 2]) : Byte{'='};
+    *text++ = static_cast<Unit>(kAlphabet[first >> 2]);
+    *text++ = static_cast<Unit>(kAlphabet[(first & 3) << 4 | second >> 4]);
+    *text++ = tail.size() > 1 ? static_cast<Unit>(kAlphabet[(second & 15) << 2]) : Unit{'='};
     *text++ = '=';
     return text;
 }
@@ -67,16 +69,33 @@ PELVOR_WIDE inline __m256i charactersOf(const Byte* bytes) {
     return _mm256_add_epi8(values, _mm256_shuffle_epi8(shifts, runs));
 }
 
-PELVOR_WIDE std::size_t writeWide(std::span<const Byte> bytes, Byte* text) {
+PELVOR_WIDE inline void store(__m256i characters, Byte* text) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(text), characters);
+}
+
+PELVOR_WIDE inline void store(__m256i characters, char16_t* text) {
+    auto* place = reinterpret_cast<__m256i*>(text);
+    _mm256_storeu_si256(place, _mm256_cvtepu8_epi16(_mm256_castsi256_si128(characters)));
+    _mm256_storeu_si256(place + 1, _mm256_cvtepu8_epi16(_mm256_extracti128_si256(characters, 1)));
+}
+
+template <class Unit>
+PELVOR_WIDE std::size_t writeWide(std::span<const Byte> bytes, Unit* text) {
     std::size_t i = 0;
-    for (; i + 28 <= bytes.size(); i += 24, text += 32)
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(text), charactersOf(bytes.data() + i));
+    for (; i + 28 <= bytes.size(); i += 24, text += 32) store(charactersOf(bytes.data() + i), text);
     return i;
+}
+
+// 32 units as bytes; those above 0xFF become 0 or 0xFF.
+PELVOR_WIDE inline __m256i loadBlock(const char16_t* text) {
+    auto* place = reinterpret_cast<const __m256i*>(text);
+    __m256i packed = _mm256_packus_epi16(_mm256_loadu_si256(place), _mm256_loadu_si256(place + 1));
+    return _mm256_permute4x64_epi64(packed, 0xD8);
 }
 
 // Turns 32 characters into 24 bytes, with eight more written; false, with nothing written, if one of them is
 // not in the alphabet.
-PELVOR_WIDE inline bool readBlock(const Byte* text, Byte* bytes) {
+PELVOR_WIDE inline bool readBlock(const char16_t* text, Byte* bytes) {
     const __m256i lowKinds = inBothHalves(_mm_setr_epi8(0x15, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11,
                                                         0x11, 0x13, 0x1A, 0x1B, 0x1B, 0x1B, 0x1A));
     const __m256i highKinds = inBothHalves(_mm_setr_epi8(0x10, 0x10, 0x01, 0x02, 0x04, 0x08, 0x04, 0x08, 0x10,
@@ -85,7 +104,7 @@ PELVOR_WIDE inline bool readBlock(const Byte* text, Byte* bytes) {
         inBothHalves(_mm_setr_epi8(0, 16, 19, 4, -65, -65, -71, -71, 0, 0, 0, 0, 0, 0, 0, 0));
     const __m256i order = inBothHalves(_mm_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1));
     const __m256i slash = _mm256_set1_epi8('/');
-    __m256i block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(text));
+    __m256i block = loadBlock(text);
     __m256i high = _mm256_and_si256(_mm256_srli_epi32(block, 4), slash);
     __m256i kinds = _mm256_shuffle_epi8(lowKinds, _mm256_and_si256(block, slash));
     if (!_mm256_testz_si256(kinds, _mm256_shuffle_epi8(highKinds, high))) return false;
@@ -99,7 +118,7 @@ PELVOR_WIDE inline bool readBlock(const Byte* text, Byte* bytes) {
     return true;
 }
 
-PELVOR_WIDE std::size_t readWide(std::span<const Byte> text, Byte* bytes) {
+PELVOR_WIDE std::size_t readWide(std::u16string_view text, Byte* bytes) {
     std::size_t i = 0;
     while (i + 32 <= text.size() && readBlock(text.data() + i, bytes)) {
         i += 32;
@@ -110,18 +129,22 @@ PELVOR_WIDE std::size_t readWide(std::span<const Byte> text, Byte* bytes) {
 
 #else
 
-std::size_t writeWide(std::span<const Byte>, Byte*) { return 0; }
-std::size_t readWide(std::span<const Byte>, Byte*) { return 0; }
+template <class Unit>
+std::size_t writeWide(std::span<const Byte>, Unit*) {
+    return 0;
+}
+std::size_t readWide(std::u16string_view, Byte*) { return 0; }
 
 #endif
 
 // Reads groups without padding; answers how many characters they are.
-std::size_t readGroups(std::span<const Byte> text, Byte* bytes, WideInstructions wide) {
+std::size_t readGroups(std::u16string_view text, Byte* bytes, WideInstructions wide) {
     std::size_t i = wide == WideInstructions::present ? readWide(text, bytes) : 0;
     bytes += i / 4 * 3;
     for (; i + 4 <= text.size(); i += 4) {
-        unsigned a = kValues[text[i]], b = kValues[text[i + 1]], c = kValues[text[i + 2]],
-                 d = kValues[text[i + 3]];
+        const char16_t* next = text.data() + i;
+        if ((next[0] | next[1] | next[2] | next[3]) >= 0x80) break;
+        unsigned a = kValues[next[0]], b = kValues[next[1]], c = kValues[next[2]], d = kValues[next[3]];
         if ((a | b | c | d) >= kPadding) break;
         unsigned group = a << 18 | b << 12 | c << 6 | d;
         *bytes++ = static_cast<Byte>(group >> 16);
@@ -131,9 +154,8 @@ std::size_t readGroups(std::span<const Byte> text, Byte* bytes, WideInstructions
     return i;
 }
 
-}  // namespace
-
-std::uint8_t* writeBase64(std::span<const std::uint8_t> bytes, std::uint8_t* text, WideInstructions wide) {
+template <class Unit>
+Unit* write(std::span<const Byte> bytes, Unit* text, WideInstructions wide) {
     std::size_t i = wide == WideInstructions::present ? writeWide(bytes, text) : 0;
     text += i / 3 * 4;
     for (; i + 3 <= bytes.size(); i += 3, text += 4) {
@@ -147,20 +169,32 @@ std::uint8_t* writeBase64(std::span<const std::uint8_t> bytes, std::uint8_t* tex
     return i < bytes.size() ? writeTail(bytes.subspan(i), text) : text;
 }
 
-void Base64Reader::read(std::span<const std::uint8_t> text) {
+}  // namespace
+
+std::uint8_t* writeBase64(std::span<const std::uint8_t> bytes, std::uint8_t* text, WideInstructions wide) {
+    return write(bytes, text, wide);
+}
+
+char16_t* writeBase64(std::span<const std::uint8_t> bytes, char16_t* text, WideInstructions wide) {
+    return write(bytes, text, wide);
+}
+
+bool Base64Reader::read(std::u16string_view text) {
     while (!text.empty() && !_isPadded) {
         if (_count == 0) {
             std::size_t size = readGroups(text, _bytes, _wide);
             _bytes += size / 4 * 3;
-            text = text.subspan(size);
-            if (text.empty()) return;
+            text.remove_prefix(size);
+            if (text.empty()) return true;
         }
-        Byte value = kValues[text.front()];
-        text = text.subspan(1);
-        if (value == kForeign) continue;
-        _group[_count++] = value;
+        char16_t unit = text.front();
+        text.remove_prefix(1);
+        if (unit >= 0x80) return false;
+        if (kValues[unit] == kForeign) continue;
+        _group[_count++] = kValues[unit];
         if (_count == 4) finishGroup();
     }
+    return std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
 }
 
 void Base64Reader::finishGroup() {

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// Base64 between bytes and ASCII text, a block at a time; for this library's own sources.
+// Base64 between bytes and text, a block at a time; for this library's own sources.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #include "WideInstructionsPrivate.h"
 
@@ -16,6 +17,8 @@ constexpr std::size_t base64LengthOf(std::size_t byteCount) { return (byteCount 
 /// Writes the text of the bytes, with padding, and answers the place after it.
 PELVOR_EXPORT std::uint8_t* writeBase64(std::span<const std::uint8_t> bytes, std::uint8_t* text,
                                         WideInstructions wide = wideInstructions());
+PELVOR_EXPORT char16_t* writeBase64(std::span<const std::uint8_t> bytes, char16_t* text,
+                                    WideInstructions wide = wideInstructions());
 
 /// Reads text that comes in pieces. What is neither in the alphabet nor padding is passed over, and so is
 /// everything after a group with padding.
@@ -27,7 +30,8 @@ class PELVOR_EXPORT Base64Reader {
     explicit Base64Reader(std::uint8_t* bytes, WideInstructions wide = wideInstructions())
         : _bytes(bytes), _wide(wide) {}
 
-    void read(std::span<const std::uint8_t> text);
+    /// False if the text is not ASCII.
+    bool read(std::u16string_view text);
     /// The place after the bytes.
     std::uint8_t* end() const { return _bytes; }
     /// Whether the text ended inside a group.

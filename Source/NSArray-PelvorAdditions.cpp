@@ -65,10 +65,38 @@ bool _isSortedInRange_withCompareFunction_context(NSArray* array, NSRange range,
     return true;
 }
 
+namespace {
+
+// Elements one by one of an array that a comparison may change in between.
+class ElementReader {
+  public:
+    explicit ElementReader(NSArray* array) : _array(array), _counter(array->mutationCounter()) { look(); }
+    id operator[](NSUInteger index) {
+        if (*_counter != _seen) look();
+        return _objects && index < _count ? _objects[index] : _array->objectAtIndex(index);
+    }
+
+  private:
+    void look() {
+        _seen = *_counter;
+        _objects = _array->contiguousObjects();
+        _count = _array->count();
+    }
+
+    NSArray* _array;
+    const std::uint32_t* _counter;
+    std::uint32_t _seen;
+    Object* const* _objects;
+    NSUInteger _count;
+};
+
+}  // namespace
+
 NSUInteger _indexOfObject_withCompareFunction_context_nextIndex(NSArray* array, id object,
                                                                 NSCompareFunction compare, void* context,
                                                                 NSUInteger* nextIndex) {
-    auto order = [&](NSUInteger index) { return compare(object, array->objectAtIndex(index), context); };
+    ElementReader elements(array);
+    auto order = [&](NSUInteger index) { return compare(object, elements[index], context); };
     NSUInteger low = 0, end = array->count();
     while (low < end) {
         NSUInteger middle = low + (end - 1 - low) / 2;

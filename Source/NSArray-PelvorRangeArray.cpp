@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NSArray-PelvorRangeArray.h"
 
-#include "Foundation/NSString.h"
-#include "Foundation/NSValue.h"
-#include "Runtime/NSException.h"
+#include "BoxedRangesPrivate.h"
 #include "Runtime/Registry.h"
 
 namespace pelvor {
@@ -24,12 +22,6 @@ void defineMutableRangeArray(MethodTable<NSMutableArray>& methods) {
     methods.instance<"insertSortedRange:", &insertSortedRange>();
 }
 
-NSRange rangeOf(id entry) {
-    auto* value = cast<NSValue>(entry);
-    if (!value) raiseException(NSInvalidArgumentException, u"%@ is no boxed range"_ns, entry);
-    return value->rangeValue();
-}
-
 }  // namespace
 
 constinit const Category NSArray_PelvorRangeArray_category =
@@ -44,9 +36,12 @@ Retained<NSArray> NSArray_PelvorRangeArray::initWithRange(NSRange range, Class* 
     return NSArray::initWithObjects({value});
 }
 
-NSRange rangeAtIndex(NSArray* array, NSUInteger index) { return rangeOf(array->objectAtIndex(index)); }
+NSRange rangeAtIndex(NSArray* array, NSUInteger index) {
+    return BoxedRangeReader()(array->objectAtIndex(index));
+}
 
 NSUInteger insertionIndexForRange(NSArray* array, NSRange range) {
+    BoxedRangeReader rangeOf;
     NSUInteger index = 0;
     for (id entry : array) {
         NSRange other = rangeOf(entry);

@@ -48,29 +48,35 @@ void requireString(NSString* string, const char* operation) {
     if (!string) throw NSException(NSInvalidArgumentException, std::string(operation) + " none given");
 }
 
+// Memory made by `malloc`, which an object takes over. Raises NSMallocException if there is none.
+template <class Unit>
+struct Block {
+    explicit Block(std::size_t count)
+        : size(count), units(static_cast<Unit*>(std::malloc(count * sizeof(Unit) + 1)), &std::free) {
+        if (!units) throw NSException(NSMallocException, "no room for the text or the data");
+    }
+    std::size_t size;
+    std::unique_ptr<Unit, decltype(&std::free)> units;
+};
+
+// Data of the bytes at the block's front, which keep no memory worth mentioning behind them.
+Retained<NSData> dataOf(Block<Byte> block, const Byte* end) {
+    auto length = static_cast<std::size_t>(end - block.units.get());
+    if (length + length / 8 + 64 < block.size)
+        if (void* smaller = std::realloc(block.units.get(), length + 1)) {
+            (void)block.units.release();
+            block.units.reset(static_cast<Byte*>(smaller));
+        }
+    return NSData::initWithBytesNoCopy_length(block.units.release(), static_cast<NSUInteger>(length));
+}
+
 // A string of `length` units, which `write` writes.
 template <class Write>
 NSString* writtenString(NSUInteger length, Write write) {
-    std::unique_ptr<unichar, decltype(&std::free)> units(
-        static_cast<unichar*>(std::malloc(std::size_t{length} * sizeof(unichar) + 1)), &std::free);
-    if (!units) throw NSException(NSMallocException, "no room for the text");
-    write(units.get());
-    return NSString::initWithCharactersNoCopy_length_freeWhenDone(units.release(), length, true)
+    Block<unichar> block(length);
+    write(block.units.get());
+    return NSString::initWithCharactersNoCopy_length_freeWhenDone(block.units.release(), length, true)
         .autorelease();
-}
-
-// Text that is read in pieces small enough for the nearest cache.
-constexpr std::size_t kPiece = 8192;
-
-bool isASCII(std::u16string_view units) {
-    unsigned all = 0;
-    for (char16_t unit : units) all |= unit;
-    return all < 0x80;
-}
-
-std::span<const Byte> narrowed(std::u16string_view units, Byte* bytes) {
-    std::transform(units.begin(), units.end(), bytes, [](char16_t unit) { return static_cast<Byte>(unit); });
-    return {bytes, units.size()};
 }
 
 bool isSpace(char16_t unit) { return unit == u' ' || (unit >= u'\t' && unit <= u'\r'); }
@@ -93,8 +99,8 @@ NSData* base64DataWithLineLength(NSData* data, NSUInteger lineLength) {
     std::size_t groupsALine = (std::size_t{lineLength} + 3) / 4, size = base64LengthOf(bytes.size());
     std::size_t lineFeeds = lineLength ? size / 4 / groupsALine : 0;
     requireLength(size + lineFeeds);
-    std::unique_ptr<Byte[]> text(new Byte[size + lineFeeds]);
-    Byte* end = text.get();
+    Block<Byte> text(size + lineFeeds);
+    Byte* end = text.units.get();
     for (; lineFeeds > 0; --lineFeeds) {
         auto line = bytes.first(std::min(groupsALine * 3, bytes.size()));
         bytes = bytes.subspan(line.size());
@@ -102,36 +108,24 @@ NSData* base64DataWithLineLength(NSData* data, NSUInteger lineLength) {
         *end++ = '\n';
     }
     end = writeBase64(bytes, end);
-    return NSData::dataWithBytes_length(text.get(), static_cast<NSUInteger>(end - text.get()));
+    return dataOf(std::move(text), end).autorelease();
 }
 
 NSString* base64String(NSData* data) {
     auto bytes = bytesOf(data);
-    return writtenString(requireLength(base64LengthOf(bytes.size())), [bytes](unichar* units) mutable {
-        Byte piece[kPiece];
-        while (!bytes.empty()) {
-            auto part = bytes.first(std::min(kPiece / 4 * 3, bytes.size()));
-            bytes = bytes.subspan(part.size());
-            units = std::copy(piece, writeBase64(part, piece), units);
-        }
-    });
+    return writtenString(requireLength(base64LengthOf(bytes.size())),
+                         [bytes](unichar* units) { writeBase64(bytes, units); });
 }
 
 Retained<NSData> NSData_PelvorAdditions::initWithBase64String(NSString* string) {
     requireString(string, "initWithBase64String:");
     StringUnits units(string);
     std::u16string_view text = units;
-    std::unique_ptr<Byte[]> bytes(new Byte[Base64Reader::roomFor(text.size())]);
-    Base64Reader reader(bytes.get());
-    Byte piece[kPiece];
-    while (!text.empty()) {
-        auto part = text.substr(0, kPiece);
-        if (!isASCII(part)) return NSData::init();
-        reader.read(narrowed(part, piece));
-        text.remove_prefix(part.size());
-    }
+    Block<Byte> bytes(Base64Reader::roomFor(text.size()));
+    Base64Reader reader(bytes.units.get());
+    if (!reader.read(text)) return NSData::init();
     if (reader.isInsideGroup()) throw NSException(Base64Error, "Premature end of Base64 string");
-    return NSData::initWithBytes_length(bytes.get(), static_cast<NSUInteger>(reader.end() - bytes.get()));
+    return dataOf(std::move(bytes), reader.end());
 }
 
 NSData* NSData_PelvorAdditions::dataWithBase64String(NSString* string) {
@@ -157,10 +151,11 @@ Retained<NSData> NSData_PelvorAdditions::initWithHexString(NSString* string) {
     StringUnits units(string);
     std::u16string_view text = withoutHexPrefix(units);
     std::size_t size = (text.size() + 1) / 2, lone = text.size() % 2;
-    std::unique_ptr<Byte[]> bytes(new Byte[size]);
+    Block<Byte> block(size);
+    Byte* bytes = block.units.get();
     if (lone && (bytes[0] = valueOfHexDigit(text[0])) > 15) return nullptr;
-    if (!readHex(text.substr(lone), bytes.get() + lone)) return nullptr;
-    return NSData::initWithBytes_length(bytes.get(), static_cast<NSUInteger>(size));
+    if (!readHex(text.substr(lone), bytes + lone)) return nullptr;
+    return dataOf(std::move(block), bytes + size);
 }
 
 NSData* NSData_PelvorAdditions::dataWithHexString(NSString* string) {

@@ -2,7 +2,9 @@
 #include "NSIndexSet-PelvorAdditions.h"
 
 #include <algorithm>
+#include <vector>
 
+#include "BoxedRangesPrivate.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSNumber.h"
 #include "PBRangeUtil.h"
@@ -24,8 +26,15 @@ NSIndexSet* indexSetOf(NSArray* elements, RangeOf rangeOf) {
     NSUInteger count = elements ? elements->count() : 0;
     if (count == 0) return NSIndexSet::indexSet();
     if (count == 1) return NSIndexSet::indexSetWithIndexesInRange(rangeOf(elements->lastObject()));
+    std::vector<NSRange> ranges;
+    ranges.reserve(count);
+    for (id element : elements) ranges.push_back(rangeOf(element));
+    // In order each goes to the end of the set, instead of moving what follows.
+    auto isBefore = [](NSRange a, NSRange b) { return a.location < b.location; };
+    if (!std::is_sorted(ranges.begin(), ranges.end(), isBefore))
+        std::sort(ranges.begin(), ranges.end(), isBefore);
     auto set = NSMutableIndexSet::init();
-    for (id element : elements) set->addIndexesInRange(rangeOf(element));
+    for (NSRange range : ranges) set->addIndexesInRange(range);
     return set->copy().autorelease();
 }
 
@@ -35,12 +44,16 @@ constinit const Category NSIndexSet_PelvorAdditions_category =
     Category::of<NSIndexSet, defineAdditions>("PelvorAdditions");
 
 NSIndexSet* NSIndexSet_PelvorAdditions::indexSetWithRangeArray(NSArray* ranges) {
-    return indexSetOf(ranges, [](id element) { return send<NSRange>(element, "rangeValue"_sel); });
+    return indexSetOf(ranges, [rangeOf = BoxedRangeReader()](id element) {
+        return cast<NSValue>(element) ? rangeOf(element) : send<NSRange>(element, "rangeValue"_sel);
+    });
 }
 
 NSIndexSet* NSIndexSet_PelvorAdditions::indexSetWithNumberArray(NSArray* numbers) {
     return indexSetOf(numbers, [](id element) {
-        return NSRange{send<unsigned>(element, "unsignedIntValue"_sel), 1};
+        auto* number = cast<NSNumber>(element);
+        return NSRange{number ? number->unsignedIntValue() : send<unsigned>(element, "unsignedIntValue"_sel),
+                       1};
     });
 }
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <numeric>
 
 #include "BaseLibrary.h"
 #include "Foundation/NSNumber.h"
@@ -11,14 +12,6 @@
 #include "Runtime/NSException.h"
 
 namespace pelvor {
-namespace {
-
-[[noreturn]] void raiseOutOfBounds(std::uint32_t index, std::uint32_t count) {
-    raiseException(NSRangeException, u"float array index out of bounds (idx=%d length=%d)"_ns,
-                   static_cast<int>(index), static_cast<int>(count));
-}
-
-}  // namespace
 
 // MARK: Fixed length
 
@@ -48,22 +41,13 @@ Retained<PBFloatArray> PBFloatArray::initWithCapacity(unsigned capacity, Class* 
     return initWithFloats_count(nullptr, capacity, cls);
 }
 
-void PBFloatArray::requireIndex(unsigned index) {
-    if (index >= _count) raiseOutOfBounds(index, _count);
+void PBFloatArray::raiseOutOfBounds(unsigned index) {
+    raiseException(NSRangeException, u"float array index out of bounds (idx=%d length=%d)"_ns,
+                   static_cast<int>(index), static_cast<int>(_count));
 }
 
 void PBFloatArray::requireRange(NSRange range) {
-    if (!isRangeInside(range, _count)) raiseOutOfBounds(NSMaxRange(range) - 1, _count);
-}
-
-float PBFloatArray::floatAtIndex(unsigned index) {
-    requireIndex(index);
-    return _floats[index];
-}
-
-void PBFloatArray::replaceFloatAtIndex_withFloat(unsigned index, float value) {
-    requireIndex(index);
-    _floats[index] = value;
+    if (!isRangeInside(range, _count)) raiseOutOfBounds(NSMaxRange(range) - 1);
 }
 
 NSNumber* PBFloatArray::objectAtIndex(unsigned index) {
@@ -85,9 +69,7 @@ void PBFloatArray::replaceFloatsInRange_withFloatsFrom(NSRange range, const floa
 float PBFloatArray::sumFloatsInRange(NSRange range) {
     if (range.length == 0) return 0;
     requireRange(range);
-    float sum = 0;
-    for (std::uint32_t i = 0; i < NSMaxRange(range); ++i) sum += _floats[i];
-    return sum;
+    return std::accumulate(_floats.get(), _floats.get() + NSMaxRange(range), 0.0f);
 }
 
 NSString* PBFloatArray::description() {
@@ -120,10 +102,8 @@ Retained<PBFloatVector> PBFloatVector::initWithCapacity(unsigned capacity, Class
     return initWithFloats_count(nullptr, capacity, cls);
 }
 
-void PBFloatVector::addFloat(float value) { insertFloat_atIndex(value, _count); }
-
 void PBFloatVector::grow() {
-    if (_capacity == 0 || _capacity > UINT32_MAX / 2) raiseOutOfBounds(_count, _count);
+    if (_capacity == 0 || _capacity > UINT32_MAX / 2) raiseOutOfBounds(_count);
     void* grown = std::realloc(_floats.get(), std::size_t{_capacity} * 2 * sizeof(float));
     if (!grown) throw NSException(NSMallocException, "no memory for a longer float vector");
     (void)_floats.release();
@@ -132,7 +112,7 @@ void PBFloatVector::grow() {
 }
 
 void PBFloatVector::insertFloat_atIndex(float value, unsigned index) {
-    if (index > _count) raiseOutOfBounds(index, _count);
+    if (index > _count) raiseOutOfBounds(index);
     if (_count == _capacity) grow();
     float* place = _floats.get() + index;
     std::memmove(place + 1, place, (_count - index) * sizeof(float));

@@ -26,8 +26,14 @@ class PELVOR_EXPORT PBFloatArray : public NSObject {
     static Retained<PBFloatArray> initWithCapacity(unsigned capacity, Class* cls = classObject());
 
     unsigned count() { return _count; }
-    float floatAtIndex(unsigned index);
-    void replaceFloatAtIndex_withFloat(unsigned index, float value);
+    float floatAtIndex(unsigned index) {
+        requireIndex(index);
+        return _floats[index];
+    }
+    void replaceFloatAtIndex_withFloat(unsigned index, float value) {
+        requireIndex(index);
+        _floats[index] = value;
+    }
     NSNumber* objectAtIndex(unsigned index);
     /// Stores the object's float value.
     void replaceObjectAtIndex_withObject(unsigned index, id object);
@@ -46,7 +52,11 @@ class PELVOR_EXPORT PBFloatArray : public NSObject {
     struct Free {
         void operator()(float* floats) const { std::free(floats); }
     };
-    void requireIndex(unsigned index);
+    void requireIndex(unsigned index) {
+        if (index >= _count) [[unlikely]]
+            raiseOutOfBounds(index);
+    }
+    [[noreturn]] void raiseOutOfBounds(unsigned index);
     void requireRange(NSRange range);
 
     std::unique_ptr<float[], Free> _floats;
@@ -64,7 +74,12 @@ class PELVOR_EXPORT PBFloatVector : public PBFloatArray {
                                                         Class* cls = classObject());
     static Retained<PBFloatVector> initWithCapacity(unsigned capacity, Class* cls = classObject());
 
-    void addFloat(float value);
+    void addFloat(float value) {
+        if (_count < _capacity)
+            _floats[_count++] = value;
+        else
+            insertFloat_atIndex(value, _count);
+    }
     /// The index may be the count. Raises NSRangeException for one above it and for a full vector that
     /// cannot grow: of capacity 0, or of 2^31 floats and more.
     void insertFloat_atIndex(float value, unsigned index);

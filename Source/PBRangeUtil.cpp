@@ -5,19 +5,11 @@
 #include <array>
 #include <vector>
 
+#include "BoxedRangesPrivate.h"
 #include "Foundation/NSMutableArray.h"
-#include "Foundation/NSString.h"
-#include "Foundation/NSValue.h"
-#include "Runtime/NSException.h"
 
 namespace pelvor {
 namespace {
-
-NSRange rangeOf(id object) {
-    auto* value = cast<NSValue>(object);
-    if (!value) raiseException(NSInvalidArgumentException, u"%@ is no boxed range"_ns, object);
-    return value->rangeValue();
-}
 
 bool isAbsent(NSRange range) { return range.location == NSNotFound; }
 
@@ -26,11 +18,13 @@ bool overlap(NSRange a, NSRange b) { return NSIntersectionRange(a, b).length > 0
 }  // namespace
 
 int PBCompareRanges(id obj1, id obj2, void*) {
+    BoxedRangeReader rangeOf;
     NSUInteger first = rangeOf(obj1).location, second = rangeOf(obj2).location;
     return first < second ? NSOrderedAscending : first > second ? NSOrderedDescending : NSOrderedSame;
 }
 
 NSUInteger PBIndexOfRangeInRanges(NSRange findRng, NSArray* rngs) {
+    BoxedRangeReader rangeOf;
     NSUInteger index = 0;
     for (id entry : rngs) {
         NSRange range = rangeOf(entry);
@@ -44,13 +38,6 @@ NSUInteger PBIndexOfRangeInRanges(NSRange findRng, NSArray* rngs) {
 }
 
 // MARK: Adjusting
-
-NSRange PBAdjustedRangeForInsertedRange(NSRange adjRng, NSRange inRng) {
-    if (isAbsent(adjRng)) return adjRng;
-    if (adjRng.location >= inRng.location) return {adjRng.location + inRng.length, adjRng.length};
-    if (PBMaxRange(adjRng) > inRng.location) return {adjRng.location, adjRng.length + inRng.length};
-    return adjRng;
-}
 
 NSRange PBAdjustedRangeForRemovedRange(NSRange adjRng, NSRange remRng) {
     if (isAbsent(adjRng)) return adjRng;
@@ -118,29 +105,44 @@ struct Entry {
     Object* box;
 };
 
-// Stable, in passes over the digits of the location; a comparing sort is slower on long lists.
-void sortByDigits(std::vector<Entry>& entries) {
-    constexpr std::uint32_t kBits = 11, kDigits = 1u << kBits;
-    std::vector<Entry> other(entries.size());
-    for (std::uint32_t shift = 0; shift < 32; shift += kBits) {
-        auto digit = [shift](const Entry& e) { return e.range.location >> shift & (kDigits - 1); };
+// Locations in passes over their digits, each with the place of its entry; a comparing sort is slower on long
+// lists.
+void sortByDigits(std::vector<std::uint64_t>& keys) {
+    constexpr unsigned kBits = 11, kDigits = 1u << kBits;
+    std::vector<std::uint64_t> other(keys.size());
+    for (unsigned shift = 32; shift < 64; shift += kBits) {
+        auto digit = [shift](std::uint64_t key) { return key >> shift & (kDigits - 1); };
         std::array<std::size_t, kDigits + 1> starts{};
-        for (const Entry& entry : entries) ++starts[digit(entry) + 1];
-        if (starts[digit(entries.front()) + 1] == entries.size()) continue;
-        for (std::uint32_t i = 0; i < kDigits; ++i) starts[i + 1] += starts[i];
-        for (const Entry& entry : entries) other[starts[digit(entry)]++] = entry;
-        entries.swap(other);
+        for (std::uint64_t key : keys) ++starts[digit(key) + 1];
+        if (starts[digit(keys.front()) + 1] == keys.size()) continue;
+        for (unsigned i = 0; i < kDigits; ++i) starts[i + 1] += starts[i];
+        for (std::uint64_t key : keys) other[starts[digit(key)]++] = key;
+        keys.swap(other);
     }
 }
 
-void sortByLocation(std::vector<Entry>& entries) {
+// The entries in order of their locations, those with the same as they were; with their places in the key's
+// lower half where they stay unsorted.
+struct Sorted {
+    std::vector<Entry> entries;
+    std::vector<std::uint64_t> keys;
+
+    const Entry& operator[](std::size_t i) const { return entries[keys.empty() ? i : keys[i] & 0xFFFFFFFF]; }
+};
+
+void sortByLocation(Sorted& list) {
+    std::vector<Entry>& entries = list.entries;
     auto isBefore = [](const Entry& a, const Entry& b) { return a.range.location < b.range.location; };
-    if (std::is_sorted(entries.begin(), entries.end(), isBefore)) return;
+    // Often a list in order, or one with another behind it.
+    auto second = std::is_sorted_until(entries.begin(), entries.end(), isBefore);
+    if (std::is_sorted(second, entries.end(), isBefore))
+        return std::inplace_merge(entries.begin(), second, entries.end(), isBefore);
     constexpr std::size_t kLong = 2048;
-    if (entries.size() < kLong)
-        std::stable_sort(entries.begin(), entries.end(), isBefore);
-    else
-        sortByDigits(entries);
+    if (entries.size() < kLong) return std::stable_sort(entries.begin(), entries.end(), isBefore);
+    list.keys.reserve(entries.size());
+    for (const Entry& entry : entries)
+        list.keys.push_back(std::uint64_t{entry.range.location} << 32 | list.keys.size());
+    sortByDigits(list.keys);
 }
 
 enum class Empties : bool { keep, remove };
@@ -163,28 +165,39 @@ bool merge(Entry& current, const Entry& next, Empties empties) {
     return true;
 }
 
-// The merged entries at the front; answers how many.
-std::size_t mergeSorted(std::vector<Entry>& entries, Empties empties) {
-    std::size_t last = 0;
-    for (std::size_t i = 1; i < entries.size(); ++i)
-        if (!merge(entries[last], entries[i], empties)) entries[++last] = entries[i];
-    return last + 1;
+// An entry that nothing was merged into keeps its box.
+void append(NSMutableArray* list, const Entry& entry) {
+    if (entry.box) return list->addObject(entry.box);
+    list->addObject(NSValue::initWithBytes_objCType(&entry.range, typeEncoding<NSRange>.text).get());
 }
 
-// Entries that nothing was merged into keep their box.
-NSMutableArray* listOf(const std::vector<Entry>& entries, std::size_t count) {
-    std::vector<Retained<Object>> made;
-    std::vector<Object*> boxes;
-    boxes.reserve(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        if (entries[i].box) {
-            boxes.push_back(entries[i].box);
-            continue;
-        }
-        made.push_back(NSValue::initWithBytes_objCType(&entries[i].range, typeEncoding<NSRange>.text));
-        boxes.push_back(made.back().get());
+NSMutableArray* mergedList(const Sorted& list, Empties empties) {
+    constexpr std::size_t kAhead = 12;
+    std::size_t count = list.entries.size();
+    auto merged = NSMutableArray::initWithCapacity(static_cast<NSUInteger>(count));
+    Entry current = list[0];
+    for (std::size_t i = 1; i < count; ++i) {
+        // The boxes may lie anywhere in memory, and most will be retained.
+        if (i + kAhead < count) __builtin_prefetch(list[i + kAhead].box, 1);
+        const Entry& next = list[i];
+        if (merge(current, next, empties)) continue;
+        append(merged, current);
+        current = next;
     }
-    return NSMutableArray::arrayWithObjects_count(boxes.data(), static_cast<NSUInteger>(count));
+    append(merged, current);
+    return std::move(merged).autorelease();
+}
+
+// Whether the entries are in order, none empty, and none touching the next.
+bool isNormalized(NSArray* ranges) {
+    BoxedRangeReader rangeOf;
+    std::uint64_t least = 0;
+    for (id box : ranges) {
+        NSRange range = rangeOf(box);
+        if (range.location < least || PBMaxRange(range) <= range.location) return false;
+        least = std::uint64_t{PBMaxRange(range)} + 1;
+    }
+    return true;
 }
 
 NSMutableArray* mutableListOf(NSArray* ranges) { return NSMutableArray::arrayWithArray(ranges); }
@@ -193,11 +206,13 @@ NSMutableArray* mutableListOf(NSArray* ranges) { return NSMutableArray::arrayWit
 
 NSArray* PBNormalizeRanges(NSArray* ranges, bool isRemZeros) {
     if (!ranges || ranges->count() < 2) return ranges;
-    std::vector<Entry> entries;
-    entries.reserve(ranges->count());
-    for (id box : ranges) entries.push_back({rangeOf(box), box});
-    sortByLocation(entries);
-    return listOf(entries, mergeSorted(entries, isRemZeros ? Empties::remove : Empties::keep));
+    if (isNormalized(ranges)) return mutableListOf(ranges);
+    BoxedRangeReader rangeOf;
+    Sorted list;
+    list.entries.reserve(ranges->count());
+    for (id box : ranges) list.entries.push_back({rangeOf(box), box});
+    sortByLocation(list);
+    return mergedList(list, isRemZeros ? Empties::remove : Empties::keep);
 }
 
 NSArray* PBAddRangeToNormalizedRanges(NSRange addRng, NSArray* rngs) {
@@ -214,7 +229,7 @@ NSArray* subtracted(NSRange range, NSArray* ranges, NSUInteger& active) {
     if (index == NSNotFound) return ranges;
     NSMutableArray* left = mutableListOf(ranges);
     NSRange pieces[2];
-    int count = PBSubtractionRanges(rangeOf(left->objectAtIndex(index)), range, pieces);
+    int count = PBSubtractionRanges(BoxedRangeReader()(left->objectAtIndex(index)), range, pieces);
     left->removeObjectAtIndex(index);
     for (int i = 0; i < count; ++i)
         left->insertObject_atIndex(NSValue::valueWithRange(pieces[i]), index + static_cast<NSUInteger>(i));

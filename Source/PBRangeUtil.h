@@ -36,7 +36,12 @@ PELVOR_EXPORT NSUInteger PBIndexOfRangeInRanges(NSRange findRng, NSArray* rngs);
 
 /// Where `adjRng` is after text came in at `inRng`. An insertion at its start moves it, one inside
 /// lengthens it, one at its end does nothing.
-PELVOR_EXPORT NSRange PBAdjustedRangeForInsertedRange(NSRange adjRng, NSRange inRng);
+constexpr NSRange PBAdjustedRangeForInsertedRange(NSRange adjRng, NSRange inRng) {
+    if (adjRng.location == NSNotFound) return adjRng;
+    if (adjRng.location >= inRng.location) return {adjRng.location + inRng.length, adjRng.length};
+    if (PBMaxRange(adjRng) > inRng.location) return {adjRng.location, adjRng.length + inRng.length};
+    return adjRng;
+}
 /// Where `adjRng` is after the text of `remRng` went. A removal that began before the range and ends
 /// inside moves the location by all that was removed.
 PELVOR_EXPORT NSRange PBAdjustedRangeForRemovedRange(NSRange adjRng, NSRange remRng);

@@ -4,15 +4,27 @@
 find_package(benchmark QUIET)
 add_custom_target(benchmarks)
 
-# pelvor_benchmark(<Name> DEPS <target>… [PEERS <pkg-config module>…])
-# Builds Benchmarks/<Name>.cpp; a name may hold folders. PEERS are libraries measured beside ours: without one of
-# them the program is left out.
+# pelvor_benchmark(<Name> DEPS <target>… [PEERS <pkg-config module or folder/header.hpp>…])
+# Builds Benchmarks/<Name>.cpp; a name may hold folders. PEERS are libraries measured beside ours, those that are
+# but headers by one of these: without one of them the program is left out.
 function(pelvor_benchmark path)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "DEPS;PEERS")
     get_filename_component(target "${path}" NAME)
     if(NOT benchmark_FOUND)
         return()
     endif()
+    set(headers ${arg_PEERS})
+    list(FILTER headers INCLUDE REGEX "/")
+    list(FILTER arg_PEERS EXCLUDE REGEX "/")
+    foreach(header ${headers})
+        string(MAKE_C_IDENTIFIER "${header}" name)
+        find_path(${name}_FOLDER "${header}")
+        mark_as_advanced(${name}_FOLDER)
+        if(NOT ${name}_FOLDER)
+            message(STATUS "Benchmark ${target} left out: ${header} not found")
+            return()
+        endif()
+    endforeach()
     if(arg_PEERS)
         find_package(PkgConfig QUIET)
         if(NOT PkgConfig_FOUND)

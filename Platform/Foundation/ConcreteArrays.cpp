@@ -10,6 +10,30 @@
 
 namespace pelvor {
 
+namespace {
+
+// Objects may lie anywhere in memory: each is asked for some steps before its turn.
+void fetchForCounting(Object* const* objects, std::size_t index, std::size_t count) {
+    constexpr std::size_t kAhead = 12;
+    if (index + kAhead < count) __builtin_prefetch(objects[index + kAhead], 1);
+}
+
+void retainAll(Object* const* objects, std::size_t count, Object** references) {
+    for (std::size_t i = 0; i < count; ++i) {
+        fetchForCounting(objects, i, count);
+        references[i] = objects[i]->retain();
+    }
+}
+
+void releaseAll(Object* const* references, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        fetchForCounting(references, i, count);
+        references[i]->release();
+    }
+}
+
+}  // namespace
+
 // MARK: Immutable
 
 PELVOR_DEFINE_CLASS(NSInlineArray, foundationLibrary) {}
@@ -22,14 +46,14 @@ NSInlineArray* NSInlineArray::empty() {
 Retained<NSInlineArray> NSInlineArray::create(Object* const* objects, NSUInteger count) {
     if (count == 0) return Retained<NSInlineArray>::retaining(empty());
     auto* array = Instances::createWithExtra<NSInlineArray>(count * sizeof(Object*), &classRecord, count);
-    for (NSUInteger i = 0; i < count; ++i) array->objects()[i] = objects[i]->retain();
+    retainAll(objects, count, array->objects());
     return Retained<NSInlineArray>::adopting(array);
 }
 
 NSInlineArray::~NSInlineArray() {
     // What a release does may look at the array: it is empty by then.
     NSUInteger count = std::exchange(_count, 0);
-    for (NSUInteger i = 0; i < count; ++i) objects()[i]->release();
+    releaseAll(objects(), count);
 }
 
 id NSInlineArray::objectAtIndex(NSUInteger index) {
@@ -112,7 +136,10 @@ void ObjectBuffer::relocate(NSUInteger capacity, NSUInteger index, NSUInteger ad
 PELVOR_DEFINE_CLASS(NSBufferArray, foundationLibrary) {}
 
 NSBufferArray::~NSBufferArray() {
-    if (count()) replaceObjects({0, count()}, nullptr, 0);
+    // What a release does may look at the array: it is empty by then.
+    ObjectBuffer leaving;
+    leaving.swap(_buffer);
+    releaseAll(leaving.begin(), leaving.count());
 }
 
 id NSBufferArray::objectAtIndex(NSUInteger index) {
@@ -160,9 +187,9 @@ void NSBufferArray::replaceObjects(NSRange range, Object* const* objects, NSUInt
     Object** first = _buffer.begin() + range.location;
     std::vector<Object*> removed(first, first + range.length);
     _buffer.replace(range.location, range.length, count);
-    for (NSUInteger i = 0; i < count; ++i) _buffer.begin()[range.location + i] = objects[i]->retain();
+    retainAll(objects, count, _buffer.begin() + range.location);
     ++_mutations;
-    for (Object* object : removed) object->release();
+    releaseAll(removed.data(), removed.size());
 }
 
 }  // namespace pelvor

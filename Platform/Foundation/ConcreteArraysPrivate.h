@@ -54,6 +54,12 @@ class ObjectBuffer {
     /// Opens `added` places, whose content is open, in the place of `removed` others at `index`.
     void replace(NSUInteger index, NSUInteger removed, NSUInteger added);
     void reserve(NSUInteger capacity);
+    void swap(ObjectBuffer& other) {
+        std::swap(_memory, other._memory);
+        std::swap(_head, other._head);
+        std::swap(_count, other._count);
+        std::swap(_capacity, other._capacity);
+    }
 
   private:
     void openGap(NSUInteger index, NSUInteger added);

@@ -73,6 +73,7 @@ std::size_t NSIndexSet::firstRunEndingAfter(NSUInteger index) {
 void NSIndexSet::add(NSRange range) {
     requireRange(range, NSNotFound);
     if (range.length == 0) return;
+    if (_runs.empty() || NSMaxRange(_runs.back()) < range.location) return _runs.push_back(range);
     std::size_t first = range.location ? firstRunEndingAfter(range.location - 1) : 0;
     std::size_t end = first;
     NSUInteger limit = NSMaxRange(range);

@@ -37,6 +37,12 @@ PELVOR_DEFINE_CLASS(NSValue, foundationLibrary) {
     methods.instance<"isEqualToValue:", &NSValue::isEqualToValue>();
 }
 
+namespace {
+
+bool isSameType(const char* a, const char* b) { return a == b || std::strcmp(a, b) == 0; }
+
+}  // namespace
+
 // MARK: Creation
 
 Retained<NSInlineValue> NSInlineValue::create(const void* bytes, std::size_t size, const char* type) {
@@ -54,6 +60,8 @@ NSValue* NSValue::valueWithBytes_objCType(const void* bytes, const char* type) {
 }
 
 Retained<NSValue> NSValue::initWithBytes_objCType(const void* bytes, const char* type) {
+    if (bytes && type && isSameType(type, typeEncoding<NSRange>.text))
+        return withTypedBytes(bytes, sizeof(NSRange), typeEncoding<NSRange>.text);
     NSUInteger size = 0;
     if (!bytes || !type || *NSGetSizeAndAlignment(type, &size, nullptr) != '\0')
         throw NSException(NSInvalidArgumentException,
@@ -88,8 +96,6 @@ std::span<const std::byte> bytesOf(NSValue* value, std::vector<std::byte>& copy)
     value->getValue(copy.data());
     return copy;
 }
-
-bool isSameType(const char* a, const char* b) { return a == b || std::strcmp(a, b) == 0; }
 
 }  // namespace
 
