@@ -177,8 +177,11 @@ NSMutableArray* mergedList(const Sorted& list, Empties empties) {
     auto merged = NSMutableArray::initWithCapacity(static_cast<NSUInteger>(count));
     Entry current = list[0];
     for (std::size_t i = 1; i < count; ++i) {
-        // The boxes may lie anywhere in memory, and most will be retained.
-        if (i + kAhead < count) __builtin_prefetch(list[i + kAhead].box, 1);
+        // The entries and their boxes may lie anywhere in memory, and most boxes will be retained.
+        if (i + 2 * kAhead < count) {
+            __builtin_prefetch(&list[i + 2 * kAhead]);
+            __builtin_prefetch(list[i + kAhead].box, 1);
+        }
         const Entry& next = list[i];
         if (merge(current, next, empties)) continue;
         append(merged, current);
