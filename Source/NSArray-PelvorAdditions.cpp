@@ -53,18 +53,6 @@ id firstObject(NSArray* array) { return array->count() ? array->objectAtIndex(0)
 
 // MARK: Sorted arrays
 
-bool _isSortedInRange_withCompareFunction_context(NSArray* array, NSRange range, NSCompareFunction compare,
-                                                  void* context) {
-    id previous = array->objectAtIndex(range.location);
-    std::uint64_t end = std::uint64_t{range.location} + range.length;
-    for (std::uint64_t i = std::uint64_t{range.location} + 1; i < end; ++i) {
-        id next = array->objectAtIndex(static_cast<NSUInteger>(i));
-        if (compare(previous, next, context) == NSOrderedDescending) return false;
-        previous = next;
-    }
-    return true;
-}
-
 namespace {
 
 // Elements one by one of an array that a comparison may change in between.
@@ -91,6 +79,18 @@ class ElementReader {
 };
 
 }  // namespace
+
+bool _isSortedInRange_withCompareFunction_context(NSArray* array, NSRange range, NSCompareFunction compare,
+                                                  void* context) {
+    ElementReader elements(array);
+    elements[range.location];
+    std::uint64_t end = std::uint64_t{range.location} + range.length;
+    for (std::uint64_t i = std::uint64_t{range.location} + 1; i < end; ++i) {
+        id previous = elements[static_cast<NSUInteger>(i - 1)], next = elements[static_cast<NSUInteger>(i)];
+        if (compare(previous, next, context) == NSOrderedDescending) return false;
+    }
+    return true;
+}
 
 NSUInteger _indexOfObject_withCompareFunction_context_nextIndex(NSArray* array, id object,
                                                                 NSCompareFunction compare, void* context,

@@ -8,6 +8,7 @@
 
 #include "Base64TextPrivate.h"
 #include "ByteSearchPrivate.h"
+#include "Foundation/NSMutableData.h"
 #include "HexTextPrivate.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
@@ -60,8 +61,11 @@ struct Block {
 };
 
 // Data of the bytes at the block's front, which keep no memory worth mentioning behind them.
-Retained<NSData> dataOf(Block<Byte> block, const Byte* end) {
+Retained<NSData> dataOf(Block<Byte>& block, const Byte* end, Class* cls = NSData::classObject()) {
     auto length = static_cast<std::size_t>(end - block.units.get());
+    if (cls->isSubclassOfClass(NSMutableData::classObject()))
+        return NSMutableData::initWithBytesNoCopy_length(block.units.release(),
+                                                         static_cast<NSUInteger>(length));
     if (length + length / 8 + 64 < block.size)
         if (void* smaller = std::realloc(block.units.get(), length + 1)) {
             (void)block.units.release();
@@ -108,7 +112,7 @@ NSData* base64DataWithLineLength(NSData* data, NSUInteger lineLength) {
         *end++ = '\n';
     }
     end = writeBase64(bytes, end);
-    return dataOf(std::move(text), end).autorelease();
+    return dataOf(text, end).autorelease();
 }
 
 NSString* base64String(NSData* data) {
@@ -117,19 +121,19 @@ NSString* base64String(NSData* data) {
                          [bytes](unichar* units) { writeBase64(bytes, units); });
 }
 
-Retained<NSData> NSData_PelvorAdditions::initWithBase64String(NSString* string) {
+Retained<NSData> NSData_PelvorAdditions::initWithBase64String(NSString* string, Class* cls) {
     requireString(string, "initWithBase64String:");
     StringUnits units(string);
     std::u16string_view text = units;
     Block<Byte> bytes(Base64Reader::roomFor(text.size()));
     Base64Reader reader(bytes.units.get());
-    if (!reader.read(text)) return NSData::init();
+    if (!reader.read(text)) return dataOf(bytes, bytes.units.get(), cls);
     if (reader.isInsideGroup()) throw NSException(Base64Error, "Premature end of Base64 string");
-    return dataOf(std::move(bytes), reader.end());
+    return dataOf(bytes, reader.end(), cls);
 }
 
-NSData* NSData_PelvorAdditions::dataWithBase64String(NSString* string) {
-    return initWithBase64String(string).autorelease();
+NSData* NSData_PelvorAdditions::dataWithBase64String(NSString* string, Class* cls) {
+    return initWithBase64String(string, cls).autorelease();
 }
 
 // MARK: Hexadecimal
@@ -146,7 +150,7 @@ NSString* unadornedLowercaseHexString(NSData* data) {
     return _lowercaseHexStringWithPrefix_length(data, nullptr, 0);
 }
 
-Retained<NSData> NSData_PelvorAdditions::initWithHexString(NSString* string) {
+Retained<NSData> NSData_PelvorAdditions::initWithHexString(NSString* string, Class* cls) {
     requireString(string, "initWithHexString:");
     StringUnits units(string);
     std::u16string_view text = withoutHexPrefix(units);
@@ -155,11 +159,11 @@ Retained<NSData> NSData_PelvorAdditions::initWithHexString(NSString* string) {
     Byte* bytes = block.units.get();
     if (lone && (bytes[0] = valueOfHexDigit(text[0])) > 15) return nullptr;
     if (!readHex(text.substr(lone), bytes + lone)) return nullptr;
-    return dataOf(std::move(block), bytes + size);
+    return dataOf(block, bytes + size, cls);
 }
 
-NSData* NSData_PelvorAdditions::dataWithHexString(NSString* string) {
-    return initWithHexString(string).autorelease();
+NSData* NSData_PelvorAdditions::dataWithHexString(NSString* string, Class* cls) {
+    return initWithHexString(string, cls).autorelease();
 }
 
 // MARK: Search

@@ -9,17 +9,18 @@ namespace pelvor {
 
 struct Category;
 
+// The results are mutable where `cls` is.
 struct PELVOR_EXPORT NSData_PelvorAdditions {
     /// The bytes that the Base64 text stands for. Characters that are not in the alphabet are passed over,
     /// and so is everything after a group with padding. Empty data for text that is not ASCII. Raises
     /// "Base64Error" for text that ends inside a group of four.
-    static Retained<NSData> initWithBase64String(NSString* string);
-    static NSData* dataWithBase64String(NSString* string);
+    static Retained<NSData> initWithBase64String(NSString* string, Class* cls = NSData::classObject());
+    static NSData* dataWithBase64String(NSString* string, Class* cls = NSData::classObject());
     /// The bytes of hexadecimal digits of either case, after white space and "0x"; of an odd number of digits
     /// the first is a byte of its own. Only the low eight bits of each digit's unit count. None if there is
     /// anything but digits, white space at the end too.
-    static Retained<NSData> initWithHexString(NSString* string);
-    static NSData* dataWithHexString(NSString* string);
+    static Retained<NSData> initWithHexString(NSString* string, Class* cls = NSData::classObject());
+    static NSData* dataWithHexString(NSString* string, Class* cls = NSData::classObject());
 };
 
 inline constexpr char Base64Error[] = "Base64Error";

@@ -135,6 +135,22 @@ TEST(NSArrayPelvorAdditions, NoticesChangesDuringAWalk) {
     array->removeAllObjects();
 }
 
+// Finds the object before every element, and empties the array.
+int compareAndEmpty(id, id, void* array) {
+    static_cast<NSMutableArray*>(array)->removeAllObjects();
+    return -1;
+}
+
+TEST(NSArrayPelvorAdditions, NoticesThatAComparisonChangesTheArray) {
+    AutoreleasePool pool;
+    NSMutableArray* array = arrayOf({1, 2, 3, 4, 5, 6, 7, 8});
+    EXPECT_THROW(indexOfObject_withCompareFunction_context(array, number(3), compareAndEmpty, array),
+                 NSException);
+    array->addObjectsFromArray(arrayOf({1, 2, 3}));
+    EXPECT_THROW(_isSortedInRange_withCompareFunction_context(array, {0, 3}, compareAndEmpty, array),
+                 NSException);
+}
+
 TEST(NSArrayPelvorRangeArray, KeepsRangesInOrder) {
     NSMutableArray* ranges = NSMutableArray::array();
     for (NSRange range : {NSRange{5, 3}, NSRange{1, 1}, NSRange{5, 2}}) insertSortedRange(ranges, range);

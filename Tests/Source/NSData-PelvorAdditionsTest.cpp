@@ -10,6 +10,7 @@
 #include "Base64TextPrivate.h"
 #include "BaseLibrary.h"
 #include "ByteSearchPrivate.h"
+#include "Foundation/NSMutableData.h"
 #include "HexTextPrivate.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
@@ -59,6 +60,10 @@ TEST(Base64, BreaksLinesAfterWholeGroups) {
 
 TEST(Base64, IsReadPastEverythingForeign) {
     AutoreleasePool pool;
+    registerLibrary(baseLibrary);
+    id read = send<id>(NSMutableData::classObject(), "dataWithBase64String:"_sel, u"QUJD"_ns);
+    cast<NSMutableData>(read)->appendBytes_length("D", 1);
+    EXPECT_EQ(textOf(cast<NSData>(read)), "ABCD");
     const std::pair<const char16_t*, const char*> rows[] = {
         {u"QUJD", "ABC"}, {u"QU\nJ D", "ABC"}, {u"QQ==garbage", "A"}, {u"QUI=QUJD", "AB"},  {u"", ""},
         {u"é QUJD", ""},  {u"===A", ""},       {u"QQ=A", "A"},        {u"QUJD=QUJ", "ABC"}, {u"-_.", ""}};

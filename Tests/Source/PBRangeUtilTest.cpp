@@ -134,6 +134,23 @@ TEST(PBRangeUtil, NormalizesAndCombines) {
     EXPECT_EQ(PBCombineRangeWithNormalizedRanges({}, one, PBSelectionMode(9), nullptr), nullptr);
 }
 
+TEST(PBRangeUtil, ReachesToTheLastPlace) {
+    AutoreleasePool pool;
+    constexpr NSUInteger kLate = 0xFFFFFFF0;
+    NSRange last{kLate, 15};
+    EXPECT_EQ(rangesOf(PBNormalizeRanges(listOf({{kLate + 10, 5}, {kLate, 10}, {0, 1}}), true)),
+              (Ranges{{0, 1}, last}));
+    EXPECT_EQ(rangesOf(PBNormalizeRanges(listOf({{0, 1}, {kLate, 8}, {kLate + 9, 6}}), true)),
+              (Ranges{{0, 1}, {kLate, 8}, {kLate + 9, 6}}));
+    EXPECT_EQ(PBContiguousUnionRange({kLate, 8}, {kLate + 8, 7}), last);
+    EXPECT_EQ(PBAdjustedRangeForRemovedRange(last, {0, kLate}), (NSRange{0, 15}));
+    EXPECT_EQ(PBAdjustedRangeForInsertedRange({0, 15}, {0, kLate}), last);
+    EXPECT_EQ(PBAdjustedUnionRangeForModifiedRange({0, 15}, {0, 1}, 0x7FFFFFFF), (NSRange{0, 0x8000000E}));
+    NSRange pieces[2];
+    EXPECT_EQ(PBSubtractionRanges(last, {kLate + 4, 2}, pieces), 2);
+    EXPECT_EQ(pieces[1], (NSRange{kLate + 6, 9}));
+}
+
 // What the ranges cover, as bits; the list in order, its entries apart from each other.
 TEST(PBRangeUtil, NormalizedListsCoverWhatTheRangesCover) {
     std::mt19937 random(7);
