@@ -145,7 +145,8 @@ TEST(PBRangeUtil, ReachesToTheLastPlace) {
     EXPECT_EQ(PBContiguousUnionRange({kLate, 8}, {kLate + 8, 7}), last);
     EXPECT_EQ(PBAdjustedRangeForRemovedRange(last, {0, kLate}), (NSRange{0, 15}));
     EXPECT_EQ(PBAdjustedRangeForInsertedRange({0, 15}, {0, kLate}), last);
-    EXPECT_EQ(PBAdjustedUnionRangeForModifiedRange({0, 15}, {0, 1}, 0x7FFFFFFF), (NSRange{0, 0x8000000E}));
+    EXPECT_EQ(PBAdjustedUnionRangeForModifiedRange({0, 15}, {0, 0x80000000}, 0x7FFFFFFF),
+              (NSRange{0, 0x8000000E}));
     NSRange pieces[2];
     EXPECT_EQ(PBSubtractionRanges(last, {kLate + 4, 2}, pieces), 2);
     EXPECT_EQ(pieces[1], (NSRange{kLate + 6, 9}));
