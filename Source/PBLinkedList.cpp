@@ -1,21 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBLinkedList.h"
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <utility>
 
 #include "BaseLibrary.h"
 #include "Foundation/NSMutableString.h"
+#include "RowMemoryPrivate.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
-
-#if __has_include(<sanitizer/asan_interface.h>)
-#include <sanitizer/asan_interface.h>
-#else
-#define ASAN_POISON_MEMORY_REGION(memory, size) ((void)0)
-#endif
 
 namespace pelvor {
 
@@ -52,93 +44,9 @@ Retained<PBLinkedListNode> PBLinkedListNode::initWithObject(id object, Class* cl
     return node;
 }
 
-// MARK: Memory of nodes
+void* PBLinkedListNode::operator new(std::size_t) { return RowMemory<PBLinkedListNode>::allocate(); }
 
-namespace {
-
-// Nodes in a row, all made by one thread. The block goes with the last of them, on whatever thread that is.
-struct NodeBlock {
-    static constexpr std::size_t kAlignment = 16384;       // by which a node's address tells its block
-    static constexpr std::size_t kSize = kAlignment - 16;  // blocks and what the heap notes fit one another
-    static constexpr std::size_t kStart = sizeof(std::uint64_t);
-    static constexpr std::uint32_t kNodes = (kSize - kStart) / sizeof(PBLinkedListNode);
-
-    explicit NodeBlock(std::uint32_t count) : left(count) {}
-    static NodeBlock* of(void* node) {
-        return reinterpret_cast<NodeBlock*>(reinterpret_cast<std::uintptr_t>(node) & ~(kAlignment - 1));
-    }
-    void forget(std::uint32_t count) {
-        if (left.fetch_sub(count, std::memory_order_acq_rel) == count) std::free(this);
-    }
-
-    std::atomic<std::uint32_t> left;  // nodes that have not gone, those that are still to be made among them
-};
-static_assert(sizeof(NodeBlock) <= NodeBlock::kStart);
-
-// A thread's block, and how many nodes of a block have gone on the thread since the block was last told.
-struct NodeMemory {
-    std::byte* next = nullptr;
-    std::byte* end = nullptr;
-    NodeBlock* leaving = nullptr;
-    std::uint32_t gone = 0;
-    bool isOver = false;  // the thread is ending and will not be asked to tell anything
-
-    void open();
-    void tell() {
-        if (leaving) std::exchange(leaving, nullptr)->forget(std::exchange(gone, 0));
-    }
-    void close();
-};
-
-constinit thread_local NodeMemory nodeMemory;
-
-[[gnu::noinline]] void awaitEndOfThread() {
-    struct EndOfThread {
-        ~EndOfThread() { nodeMemory.close(); }
-    };
-    static thread_local EndOfThread endOfThread;
-}
-
-[[gnu::noinline]] void NodeMemory::open() {
-    void* memory = nullptr;
-    if (posix_memalign(&memory, NodeBlock::kAlignment, NodeBlock::kSize) != 0) throw std::bad_alloc();
-    std::uint32_t count = isOver ? 1 : NodeBlock::kNodes;
-    ::new (memory) NodeBlock(count);
-    next = static_cast<std::byte*>(memory) + NodeBlock::kStart;
-    end = next + count * sizeof(PBLinkedListNode);
-    awaitEndOfThread();
-}
-
-void NodeMemory::close() {
-    isOver = true;
-    tell();
-    auto unmade = static_cast<std::size_t>(end - next) / sizeof(PBLinkedListNode);
-    if (unmade > 0) NodeBlock::of(next)->forget(static_cast<std::uint32_t>(unmade));
-    next = end;
-}
-
-}  // namespace
-
-void* PBLinkedListNode::operator new(std::size_t size) {
-    NodeMemory& memory = nodeMemory;
-    if (memory.next == memory.end) [[unlikely]]
-        memory.open();
-    return std::exchange(memory.next, memory.next + size);
-}
-
-void PBLinkedListNode::operator delete(void* node) noexcept {
-    NodeMemory& memory = nodeMemory;
-    NodeBlock* block = NodeBlock::of(node);
-    ASAN_POISON_MEMORY_REGION(node, sizeof(PBLinkedListNode));
-    if (block != memory.leaving) {
-        memory.tell();
-        memory.leaving = block;
-        awaitEndOfThread();
-    }
-    ++memory.gone;
-    if (memory.isOver) [[unlikely]]
-        memory.tell();
-}
+void PBLinkedListNode::operator delete(void* node) noexcept { RowMemory<PBLinkedListNode>::free(node); }
 
 // MARK: The list
 

@@ -8,6 +8,7 @@
 #include "Foundation/NSMutableSet.h"
 #include "Foundation/NSString.h"
 #include "PBObjectPool.h"
+#include "RowMemoryPrivate.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
 
@@ -139,6 +140,31 @@ void PBWeakReference::overriddenRelease() noexcept {
     if (sharedPool->isFull()) return false;
     std::lock_guard guard(*sharedPool->_lock);
     return sharedPool->poolObject(this);
+}
+
+// MARK: Memory
+
+namespace {
+
+// In front of each reference, to tell a larger one, of a subclass, from those that stand in rows.
+enum class Place : std::uint64_t { row, heap };
+using Rows = RowMemory<PBWeakReference, sizeof(Place) + sizeof(PBWeakReference)>;
+
+}  // namespace
+
+void* PBWeakReference::operator new(std::size_t size) {
+    bool isInRow = size == sizeof(PBWeakReference);
+    auto* place = static_cast<Place*>(isInRow ? Rows::allocate() : ::operator new(sizeof(Place) + size));
+    *place = isInRow ? Place::row : Place::heap;
+    return place + 1;
+}
+
+void PBWeakReference::operator delete(void* memory) noexcept {
+    auto* place = static_cast<Place*>(memory) - 1;
+    if (*place == Place::row)
+        Rows::free(place);
+    else
+        ::operator delete(place);
 }
 
 // MARK: Look-ups

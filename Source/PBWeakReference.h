@@ -45,6 +45,9 @@ class PELVOR_EXPORT PBWeakReference : public NSObject {
   private:
     friend class LookUpReference;
 
+    static void* operator new(std::size_t size);
+    static void operator delete(void* memory) noexcept;
+
     static Retained<Object> allocate(Class* cls);
     static PBWeakReference* takeSpare();
     static PBWeakReference* takePooled();

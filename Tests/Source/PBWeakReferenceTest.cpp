@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <memory>
 #include <set>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -38,11 +39,24 @@ class PBTestTarget : public NSObject {
     ~PBTestTarget() = default;
 };
 
+// Larger than the references that stand in rows.
+class PBTestMarkedReference : public PBWeakReference {
+    PELVOR_CLASS(PBTestMarkedReference, PBWeakReference);
+
+  public:
+    std::string mark = "an own mark, too long to stand inside the string";
+
+  protected:
+    PBTestMarkedReference() = default;
+    ~PBTestMarkedReference() = default;
+};
+
+PELVOR_DEFINE_CLASS(PBTestMarkedReference, weakReferenceTestLibrary) {}
 PELVOR_DEFINE_CLASS(PBTestTarget, weakReferenceTestLibrary) {
     methods.instance<"answer", &PBTestTarget::answer>();
     methods.instance<"fail", &PBTestTarget::fail>();
 }
-constexpr Class* kClasses[] = {&PBTestTarget::classRecord};
+constexpr Class* kClasses[] = {&PBTestTarget::classRecord, &PBTestMarkedReference::classRecord};
 constinit Library weakReferenceTestLibrary{"WeakReferenceTest", {}, kClasses, {}};
 
 class PBWeakReferenceTest : public ::testing::Test {
@@ -100,6 +114,16 @@ TEST_F(PBWeakReferenceTest, GoneReferencesAreUsedAgainUpToALimit) {
         EXPECT_EQ(places.count(fresh.get()), i < 51 ? 1u : 0u) << i;
         references.push_back(Retained<PBWeakReference>::retaining(cast<PBWeakReference>(fresh)));
     }
+}
+
+TEST_F(PBWeakReferenceTest, ASubclassHasFieldsOfItsOwn) {
+    auto set = NSMutableSet::init();
+    for (id object : {id(target), id(other), id(target)})
+        set->addObject(PBWeakReference::initWithObject(object, PBTestMarkedReference::classObject()).get());
+    EXPECT_EQ(set->count(), 2u);
+    EXPECT_TRUE(containsWeakReferenceObject(set, target));
+    for (id reference : set)
+        EXPECT_EQ(cast<PBTestMarkedReference>(reference)->mark.substr(0, 11), "an own mark");
 }
 
 TEST_F(PBWeakReferenceTest, SixteenThreadsMakeAndDropThem) {
