@@ -2,6 +2,8 @@
 // Tests of sorted arrays against a plain vector, of lists of ranges, and of the one-object enumerator.
 #include "NSArray-PelvorAdditions.h"
 
+#include <numeric>
+
 #include "BaseLibrary.h"
 #include "Foundation/NSValue.h"
 #include "NSArray-PelvorRangeArray.h"
@@ -110,7 +112,7 @@ TEST(NSArrayPelvorAdditions, CollectsAnswersAndShuffles) {
                                                                "stringByAppendingString:"_sel, u"b"_ns)
                     ->isEqual(NSArray::of({u"ab"_ns})));
     Numbers all(100);
-    for (int i = 0; i < 100; ++i) all[static_cast<std::size_t>(i)] = i;
+    std::iota(all.begin(), all.end(), 0);
     NSMutableArray* shuffled = arrayOf(all);
     randomize(shuffled);
     Numbers result = numbersOf(shuffled);
@@ -126,12 +128,9 @@ TEST(NSArrayPelvorAdditions, NoticesChangesDuringAWalk) {
     NSMutableArray::classObject()->addMethods({"Walk", {drop}, nullptr});
     NSMutableArray* array = NSMutableArray::of({u"a"_ns, u"b"_ns, u"c"_ns});
     array->replaceObjectAtIndex_withObject(0, array);
-    try {
-        arrayByMakingObjectsPerformSelector(array, "dropLast"_sel);
-        ADD_FAILURE() << "the change went unnoticed";
-    } catch (const NSException& exception) {
-        EXPECT_EQ(exception.name(), NSGenericException);
-    }
+    EXPECT_THAT(
+        reasonOf(NSGenericException, [&] { arrayByMakingObjectsPerformSelector(array, "dropLast"_sel); }),
+        HasSubstr("mutated"));
     array->removeAllObjects();
 }
 
@@ -198,8 +197,7 @@ TEST(PBSingleObjectEnumerator, HandsItsObjectOverOnce) {
         EXPECT_EQ(enumerator->nextObject(), nullptr);
     }
     EXPECT_EQ(object->retainCount(), 1u);
-    enumerator = PBSingleObjectEnumerator::initWithObject(object);
-    enumerator = nullptr;
+    (void)PBSingleObjectEnumerator::initWithObject(object);
     EXPECT_EQ(object->retainCount(), 1u);
     EXPECT_EQ(PBSingleObjectEnumerator::initWithObject(nullptr)->nextObject(), nullptr);
 }

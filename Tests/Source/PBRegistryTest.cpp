@@ -126,18 +126,11 @@ TEST_F(PBRegistryTest, AFileDisablesOnlyItsOwnProfiles) {
 }
 
 TEST_F(PBRegistryTest, FindsTheDeclarationsAmongABundlesResources) {
-    TemporaryBundle plugIn("Formats");
-    plugIn.write(
-        "Profiles.plist",
-        "<plist version=\"1.0\"><dict><key>Profiles</key><dict><key>rtf</key>"
-        "<dict><key>reads text pboard</key><array><string>val</string></array></dict></dict></dict></plist>");
-    registry->addProfilesFromBundle(plugIn.bundle());
-    PBProfile* profile = registry->profileWithIdentifier(u"rtf"_ns);
-    ASSERT_NE(profile, nullptr);
-    EXPECT_EQ(profile->bundle(), plugIn.bundle());
-    TemporaryBundle silent("Silent");
-    registry->addProfilesFromBundle(silent.bundle());
+    TemporaryBundle plugIn("Formats"), silent("Silent");
+    plugIn.write("Profiles.plist", "{ Profiles = { rtf = { \"reads text pboard\" = (val); }; }; }");
+    for (NSBundle* bundle : {plugIn.bundle(), silent.bundle()}) registry->addProfilesFromBundle(bundle);
     EXPECT_EQ(names(registry), Names{"rtf"});
+    EXPECT_EQ(registry->profileWithIdentifier(u"rtf"_ns)->bundle(), plugIn.bundle());
     EXPECT_EQ(listener->takeCount(), 2u);
 }
 
@@ -160,14 +153,12 @@ TEST_F(PBRegistryTest, OfTwoBundlesTheOneNearerTheFrontDeclaresTheProfile) {
     TemporaryBundle one("RivalOne"), two("RivalTwo");
     for (TemporaryBundle* bundle : {&one, &two})
         bundle->write("Profiles.plist", "{Profiles = {rival = {};};}");
-    NSBundle* candidates[] = {one.bundle(), two.bundle()};
-    NSBundle* front = nullptr;
-    for (id bundle : NSBundle::allBundles())
-        if (!front && std::count(std::begin(candidates), std::end(candidates), bundle))
-            front = static_cast<NSBundle*>(bundle);
-    ASSERT_NE(front, nullptr);
+    ASSERT_NE(one.bundle(), two.bundle());
+    NSArray* all = NSBundle::allBundles();
+    bool isOneFirst = all->indexOfObject(one.bundle()) < all->indexOfObject(two.bundle());
     registry->startRegistry();
-    EXPECT_EQ(registry->profileWithIdentifier(u"rival"_ns)->bundle(), front);
+    EXPECT_EQ(registry->profileWithIdentifier(u"rival"_ns)->bundle(),
+              isOneFirst ? one.bundle() : two.bundle());
     std::uint32_t version = registry->setVersion();
     registry->startRegistry();
     EXPECT_EQ(registry->setVersion(), 2 * version);
@@ -201,9 +192,10 @@ TEST_F(PBRegistryTest, LocalizesThroughTheNamedProfile) {
     plugIn.write("Formats.strings", "\"_Rich\" = \"Reich\";");
     NSDictionary* entries = NSDictionary::of({{PBProfileStringsKey, u"Formats"_ns}});
     registry->addProfile(makeProfile(u"rtf"_ns, entries, plugIn.bundle()));
-    EXPECT_TRUE(isSame(registry->localize_usingProfileNamed(u"_Rich"_ns, u"rtf"_ns), u"Reich"_ns));
-    EXPECT_TRUE(isSame(registry->localize_usingProfileNamed(u"_Rich"_ns, u"nobody"_ns), u"_Rich"_ns));
-    EXPECT_TRUE(isSame(registry->localize_usingProfileNamed(u"_Rich"_ns, nullptr), u"_Rich"_ns));
+    const std::pair<NSString*, NSString*> cases[] = {
+        {u"rtf"_ns, u"Reich"_ns}, {u"nobody"_ns, u"_Rich"_ns}, {nullptr, u"_Rich"_ns}};
+    for (auto [name, expected] : cases)
+        EXPECT_TRUE(isSame(registry->localize_usingProfileNamed(u"_Rich"_ns, name), expected)) << name;
 }
 
 }  // namespace

@@ -21,9 +21,7 @@ TEST(Codepoints, AreWrittenAsUnitsAndPairs) {
 }
 
 TEST(Codepoints, AreReadFromAnyRange) {
-    NSString* text = NSString::of(
-        u"a\xD83D\xDE00"
-        u"b\xD83D");
+    NSString* text = NSString::of(std::u16string{u'a', 0xD83D, 0xDE00, u'b', 0xD83D});
     std::array<std::uint32_t, 4> read{};
     EXPECT_EQ(getCodepoints_range(text, read.data(), {0, 5}), 4u);
     EXPECT_EQ(read, (std::array<std::uint32_t, 4>{'a', 0x1F600, 'b', 0xD83D}));

@@ -41,13 +41,13 @@ TEST(NSDictionaryTest, IsMadeInManyWays) {
     EXPECT_EQ(reasonOf(NSInvalidArgumentException,
                        [&] { NSDictionary::dictionaryWithObjects_forKeys(objects, numbers({1})); }),
               "initWithObjects:forKeys: got 2 objects for 1 keys");
-    const std::pair<id, id> lacking[] = {{num(1), nullptr}, {nullptr, num(1)}};
-    for (auto [object, key] : lacking) {
-        for (auto& call : std::initializer_list<std::function<void()>>{
-                 [&] { NSDictionary::dictionaryWithObject_forKey(object, key); },
-                 [&] { NSMutableDictionary::dictionary()->setObject_forKey(object, key); }})
-            EXPECT_THAT(reasonOf(NSInvalidArgumentException, call), StartsWith("no object was given"));
-    }
+    using Call = std::function<void()>;
+    for (const Call& call :
+         {Call([] { NSDictionary::dictionaryWithObject_forKey(nullptr, num(1)); }),
+          Call([] { NSDictionary::dictionaryWithObject_forKey(num(1), nullptr); }),
+          Call([] { NSMutableDictionary::dictionary()->setObject_forKey(num(1), nullptr); }),
+          Call([] { NSMutableDictionary::dictionary()->setObject_forKey(nullptr, num(1)); })})
+        EXPECT_THAT(reasonOf(NSInvalidArgumentException, call), StartsWith("no object was given"));
 }
 
 TEST(NSDictionaryTest, ComparesByContentWhateverTheOrder) {

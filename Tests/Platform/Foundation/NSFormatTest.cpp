@@ -104,9 +104,9 @@ TEST(NSFormat, ArgumentsOfTheWrongKindShowWhatTheyAre) {
 
 TEST(NSFormat, ObjectsShowTheirDescriptionAndPointersTheirAddress) {
     auto object = NSObject::init();
-    std::string address = NSString::stringWithFormat(u"%p"_ns, object)->toUTF8();
-    EXPECT_EQ(address.substr(0, 2), "0x");
-    EXPECT_EQ(NSString::stringWithFormat(u"%@"_ns, object)->toUTF8(), "<NSObject: " + address + ">");
+    EXPECT_THAT(addressOf(object), StartsWith("0x"));
+    EXPECT_EQ(NSString::stringWithFormat(u"%@"_ns, object)->toUTF8(),
+              "<NSObject: " + addressOf(object) + ">");
     int number = 0;
     EXPECT_EQ(NSString::stringWithFormat(u"%p"_ns, &number)->toUTF8(),
               NSString::stringWithFormat(u"%@"_ns, &number)->toUTF8());
@@ -118,13 +118,9 @@ TEST(NSFormat, EnormousWidthsAreCut) {
 }
 
 TEST(NSFormat, RaisingNamesTheExceptionAndFormatsItsReason) {
-    try {
-        raiseException(NSRangeException, u"index (%d) beyond bounds (%d)"_ns, 5u, 3u);
-        FAIL();
-    } catch (const NSException& exception) {
-        EXPECT_EQ(exception.name(), NSRangeException);
-        EXPECT_EQ(exception.reason(), "index (5) beyond bounds (3)");
-    }
+    EXPECT_EQ(reasonOf(NSRangeException,
+                       [] { raiseException(NSRangeException, u"index (%d) beyond bounds (%d)"_ns, 5u, 3u); }),
+              "index (5) beyond bounds (3)");
     EXPECT_THROW(NSString::stringWithFormat(nullptr), NSException);
 }
 

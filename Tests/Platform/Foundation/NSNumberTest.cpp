@@ -65,19 +65,15 @@ TEST(NSNumberTest, ReadsAsOtherTypes) {
 }
 
 TEST(NSNumberTest, KeepsItsTypeAndWritesNoMoreThanItsSize) {
-    const std::pair<NSNumber*, const char*> rows[] = {{NSNumber::numberWithBool(true), "B"},
-                                                      {NSNumber::numberWithChar(1), "c"},
-                                                      {NSNumber::numberWithUnsignedChar(1), "C"},
-                                                      {NSNumber::numberWithShort(1), "s"},
-                                                      {NSNumber::numberWithUnsignedShort(1), "S"},
-                                                      {num(1), "i"},
-                                                      {NSNumber::numberWithUnsignedInt(1), "I"},
-                                                      {NSNumber::numberWithLong(1), "q"},
-                                                      {NSNumber::numberWithUnsignedLong(1), "Q"},
-                                                      {large(1), "q"},
-                                                      {huge(1), "Q"},
-                                                      {NSNumber::numberWithFloat(1), "f"},
-                                                      {real(1), "d"}};
+    const std::pair<NSNumber*, const char*> rows[] = {
+        // clang-format off
+        {NSNumber::numberWithBool(true), "B"}, {NSNumber::numberWithChar(1), "c"},
+        {NSNumber::numberWithUnsignedChar(1), "C"}, {NSNumber::numberWithShort(1), "s"},
+        {NSNumber::numberWithUnsignedShort(1), "S"}, {num(1), "i"}, {NSNumber::numberWithUnsignedInt(1), "I"},
+        {NSNumber::numberWithLong(1), "q"}, {NSNumber::numberWithUnsignedLong(1), "Q"}, {large(1), "q"},
+        {huge(1), "Q"}, {NSNumber::numberWithFloat(1), "f"}, {real(1), "d"},
+        // clang-format on
+    };
     for (auto [number, type] : rows) {
         EXPECT_STREQ(number->objCType(), type);
         EXPECT_EQ(number->isBoolean(), number == NSNumber::numberWithBool(true));

@@ -2,11 +2,11 @@
 #include "Foundation/NSProcessInfo.h"
 
 #include <unistd.h>
-#include <cstdlib>
 #include <filesystem>
 #include <set>
 
 #include "Foundation/NSRuntimeNames.h"
+#include "Platform/Foundation/EnvironmentScope.h"
 #include "Prelude.h"
 
 namespace pelvor::testing {
@@ -21,13 +21,11 @@ TEST(NSProcessInfoTest, TellsWhatTheProcessWasStartedWith) {
 }
 
 TEST(NSProcessInfoTest, TheEnvironmentIsThatOfTheMoment) {
-    auto value = [] {
-        return NSProcessInfo::processInfo()->environment()->objectForKey(u"PELVOR_TEST_VARIABLE"_ns);
-    };
-    setenv("PELVOR_TEST_VARIABLE", "a=b", 1);
-    EXPECT_TRUE(u"a=b"_ns->isEqual(value()));
-    unsetenv("PELVOR_TEST_VARIABLE");
-    EXPECT_EQ(value(), nullptr);
+    for (const char* value : {"a=b", static_cast<const char*>(nullptr)}) {
+        EnvironmentScope scope("PELVOR_TEST_VARIABLE", value);
+        id found = NSProcessInfo::processInfo()->environment()->objectForKey(u"PELVOR_TEST_VARIABLE"_ns);
+        EXPECT_TRUE(value ? u"a=b"_ns->isEqual(found) : !found) << found;
+    }
 }
 
 TEST(NSProcessInfoTest, UniqueStringsDiffer) {

@@ -1,23 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of strings as paths.
-#include <gtest/gtest.h>
-#include <unistd.h>
-
-#include <cstdlib>
 #include <filesystem>
 
-#include "Foundation/NSArray.h"
 #include "Foundation/NSPathStore2.h"
 #include "FoundationTestSupport.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
+#include "Platform/Foundation/BundleTestSupport.h"
+#include "Platform/Foundation/EnvironmentScope.h"
+#include "Prelude.h"
 
 namespace pelvor {
 namespace {
-
-class NSStringPathTest : public testing::Test {
-    AutoreleasePool _pool;
-};
 
 std::string joinedComponents(NSArray* components) {
     std::string text;
@@ -25,7 +17,7 @@ std::string joinedComponents(NSArray* components) {
     return text;
 }
 
-TEST_F(NSStringPathTest, PartsOfAPath) {
+TEST(NSStringPathTest, PartsOfAPath) {
     struct {
         const char *path, *last, *extension, *parent, *stem, *components;
     } cases[] = {
@@ -57,7 +49,7 @@ TEST_F(NSStringPathTest, PartsOfAPath) {
     }
 }
 
-TEST_F(NSStringPathTest, AppendingComponentsAndExtensions) {
+TEST(NSStringPathTest, AppendingComponentsAndExtensions) {
     struct {
         const char *path, *piece, *withComponent, *withExtension;
     } cases[] = {
@@ -79,7 +71,7 @@ TEST_F(NSStringPathTest, AppendingComponentsAndExtensions) {
     expectRaises(NSInvalidArgumentException, [] { u"a"_ns->stringByAppendingPathComponent(nullptr); });
 }
 
-TEST_F(NSStringPathTest, ComponentsJoinToThePathTheyCameFrom) {
+TEST(NSStringPathTest, ComponentsJoinToThePathTheyCameFrom) {
     for (NSString* path : {u"/"_ns, u"/tmp/a.b"_ns, u"a/b"_ns, u""_ns, u"a"_ns})
         EXPECT_EQ(NSString::pathWithComponents(path->pathComponents())->toUTF8(), path->toUTF8());
     EXPECT_EQ(NSString::pathWithComponents(NSArray::of({u"a"_ns, u""_ns, u"/b/"_ns}))->toUTF8(), "a/b");
@@ -87,9 +79,8 @@ TEST_F(NSStringPathTest, ComponentsJoinToThePathTheyCameFrom) {
                  [] { NSString::pathWithComponents(NSArray::arrayWithObject(NSArray::array())); });
 }
 
-TEST_F(NSStringPathTest, TildesStandForHomes) {
-    std::string before = std::getenv("HOME") ? std::getenv("HOME") : "";
-    setenv("HOME", "/home/anna/", 1);
+TEST(NSStringPathTest, TildesStandForHomes) {
+    EnvironmentScope home("HOME", "/home/anna/");
     struct {
         NSString* path;
         const char *expanded, *abbreviated;
@@ -107,10 +98,9 @@ TEST_F(NSStringPathTest, TildesStandForHomes) {
     }
     EXPECT_TRUE(u"/x"_ns->isAbsolutePath() && u"~/x"_ns->isAbsolutePath());
     EXPECT_FALSE(u"x"_ns->isAbsolutePath() || u""_ns->isAbsolutePath());
-    setenv("HOME", before.c_str(), 1);
 }
 
-TEST_F(NSStringPathTest, StandardPathsHaveNothingToSpare) {
+TEST(NSStringPathTest, StandardPathsHaveNothingToSpare) {
     struct {
         NSString* path;
         const char* expected;
@@ -126,10 +116,9 @@ TEST_F(NSStringPathTest, StandardPathsHaveNothingToSpare) {
     for (auto& c : cases) EXPECT_EQ(c.path->stringByStandardizingPath()->toUTF8(), c.expected) << c.path;
 }
 
-TEST_F(NSStringPathTest, LinksAreFollowedAsFarAsThePathExists) {
-    char folder[] = "/tmp/PathTestXXXXXX";
-    ASSERT_NE(mkdtemp(folder), nullptr);
-    std::string root = std::filesystem::canonical(folder);
+TEST(NSStringPathTest, LinksAreFollowedAsFarAsThePathExists) {
+    testing::BundleFolder folder;
+    std::string root = folder.path();
     std::filesystem::create_directories(root + "/real/deep");
     std::filesystem::create_symlink("real", root + "/relative");
     std::filesystem::create_symlink(root + "/relative/deep", root + "/absolute");
@@ -146,12 +135,11 @@ TEST_F(NSStringPathTest, LinksAreFollowedAsFarAsThePathExists) {
                   root + c.expected);
     EXPECT_EQ(u"no-such-folder/../x/."_ns->stringByResolvingSymlinksInPath()->toUTF8(), "x");
     EXPECT_EQ(u"../x"_ns->stringByResolvingSymlinksInPath()->toUTF8(), "../x");
-    std::filesystem::remove_all(root);
 }
 
 Object* unchanged(Object* self, SEL) { return self; }
 
-TEST_F(NSStringPathTest, PathStringsHaveTheirOwnWayOfFollowingLinks) {
+TEST(NSStringPathTest, PathStringsHaveTheirOwnWayOfFollowingLinks) {
     NSString* path = u"/usr"_ns->stringByAppendingPathComponent(u"./bin"_ns);
     ASSERT_TRUE(path->isKindOfClass(NSPathStore2::classObject()));
     EXPECT_EQ(path->stringByAppendingPathComponent(u""_ns), path);

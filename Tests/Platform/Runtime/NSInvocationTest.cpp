@@ -107,10 +107,9 @@ TEST(NSInvocationTest, AProxyPassesMessagesOnWithTheirResults) {
 TEST(NSMethodSignatureTest, TellsTypesAndSizes) {
     NSMethodSignature* signature = Animal::classRecord.signatureOfInstanceMethod("span:"_sel);
     EXPECT_STREQ(signature->types(), "{Span={_NSRange=II}{_NSRange=II}}@:{_NSRange=II}");
-    EXPECT_EQ(signature->numberOfArguments(), 3u);
-    EXPECT_STREQ(signature->getArgumentTypeAtIndex(0), "@");
-    EXPECT_STREQ(signature->getArgumentTypeAtIndex(1), ":");
-    EXPECT_STREQ(signature->getArgumentTypeAtIndex(2), "{_NSRange=II}");
+    const char* arguments[] = {"@", ":", "{_NSRange=II}"};
+    ASSERT_EQ(signature->numberOfArguments(), 3u);
+    for (NSUInteger i = 0; i < 3; ++i) EXPECT_STREQ(signature->getArgumentTypeAtIndex(i), arguments[i]);
     EXPECT_EQ(signature->methodReturnLength(), 16u);
     EXPECT_NE(reasonOf([&] { signature->getArgumentTypeAtIndex(3); }), "");
     EXPECT_EQ(NSMethodSignature::signatureWithObjCTypes("i@:iqf")->methodReturnLength(), 4u);

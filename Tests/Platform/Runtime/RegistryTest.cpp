@@ -40,8 +40,7 @@ TEST(RegistryTest, ATakenNameIsRefusedBeforeAnythingIsRegistered) {
 
 // A library whose second class cannot be defined at first, and one that it needs.
 bool isFailing = true;
-constinit Library neededLibrary{"Needed", {}, {}, {}};
-constinit Library brokenLibrary{"Broken", {}, {}, {}};
+extern Library neededLibrary, brokenLibrary;
 
 int answer() { return 42; }
 
@@ -58,13 +57,13 @@ PELVOR_DEFINE_CLASS(Broken, brokenLibrary) {
     methods.classLevelAs<"answer", &answer>();
 }
 
+constexpr Class* kNeeded[] = {&Needed::classRecord};
+constexpr Class* kBroken[] = {&Broken::classRecord};
+constexpr Library* kDependencies[] = {&neededLibrary};
+constinit Library neededLibrary{"Needed", {}, kNeeded, {}};
+constinit Library brokenLibrary{"Broken", kDependencies, kBroken, {}};
+
 TEST(RegistryTest, ALibraryThatCannotBeDefinedLeavesNothingBehind) {
-    static Class* const needed[] = {&Needed::classRecord};
-    static Class* const broken[] = {&Broken::classRecord};
-    static Library* const dependencies[] = {&neededLibrary};
-    neededLibrary.classes = needed;
-    brokenLibrary.classes = broken;
-    brokenLibrary.dependencies = dependencies;
     std::size_t before = classList(nullptr, 0);
     EXPECT_EQ(reasonOf([] { registerLibrary(brokenLibrary); }), "not today");
     EXPECT_EQ(classList(nullptr, 0), before);
