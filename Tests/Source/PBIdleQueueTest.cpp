@@ -1,23 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBIdleQueue.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <functional>
-#include <random>
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "Foundation/NSRunLoop.h"
-#include "Foundation/NSString.h"
 #include "NSObject-PelvorAdditions.h"
+#include "Prelude.h"
 #include "RandomSteps.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
-#include "Runtime/Registry.h"
 
 namespace pelvor::testing {
 namespace {
@@ -52,8 +39,6 @@ void idle() {
 }
 
 class PBIdleQueueTest : public ::testing::Test {
-    AutoreleasePool pool;
-
   protected:
     ~PBIdleQueueTest() override {
         first->invalidate();

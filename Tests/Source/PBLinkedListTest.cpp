@@ -1,29 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBLinkedList.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <deque>
-#include <functional>
-#include <random>
-#include <string>
-#include <thread>
-#include <vector>
 
-#include "Foundation/NSNumber.h"
-#include "Foundation/NSString.h"
+#include "Prelude.h"
 #include "RandomSteps.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
 
 namespace pelvor::testing {
 namespace {
 
 class PBLinkedListTest : public ::testing::Test {
-    AutoreleasePool pool;
-
   protected:
     std::string text(PBLinkedList* of) {
         std::string result;
@@ -100,13 +86,7 @@ TEST_F(PBLinkedListTest, RaisesPastTheEndAndChangesNothing) {
         {[&] { list->removeNode_withPreviousNode(nullptr, list->nodeAtIndex_prevNode(2, nullptr)); }, ""},
     };
     for (const auto& c : cases) {
-        std::string reason;
-        try {
-            c.operation();
-        } catch (const NSException& exception) {
-            reason = exception.reason();
-        }
-        EXPECT_EQ(reason, c.reason);
+        EXPECT_EQ(reasonOf(c.operation), c.reason);
         EXPECT_EQ(text(list), "abc");
     }
 }
@@ -132,24 +112,18 @@ TEST_F(PBLinkedListTest, AnEnumeratorRemovesWhatItReturned) {
 }
 
 TEST_F(PBLinkedListTest, NodesMadeOnOneThreadMayGoOnAnother) {
-    std::vector<Retained<PBLinkedList>> lists(4);
-    auto onThreads = [&](auto work) {
-        std::vector<std::thread> threads;
-        for (auto& each : lists) threads.emplace_back([&each, work] { work(each); });
-        for (std::thread& thread : threads) thread.join();
-    };
-    onThreads([](auto& each) {
-        each = PBLinkedList::init();
-        for (int i = 0; i < 3000; ++i) each->push(each->isEmpty() ? NSObject::init().get() : each->top());
+    Retained<PBLinkedList> lists[4];
+    onThreads(4, [&](int number) {
+        lists[number] = PBLinkedList::init();
+        for (int i = 0; i < 3000; ++i) lists[number]->push(u"a"_ns);
     });
-    std::rotate(lists.begin(), lists.begin() + 1, lists.end());
-    onThreads([](auto& each) {
-        PBLinkedListEnumerator* walk = each->objectEnumerator();
+    onThreads(4, [&](int number) {
+        Retained<PBLinkedList> taken = std::move(lists[(number + 1) % 4]);
+        PBLinkedListEnumerator* walk = taken->objectEnumerator();
         for (int i = 0; i < 1500 && walk->nextObject(); ++i) walk->removeLastObject();
-        for (int i = 0; i < 1500; ++i) each->push(each->top());
+        for (int i = 0; i < 1000; ++i) taken->push(u"b"_ns);
+        EXPECT_EQ(taken->count(), 2500u);
     });
-    for (auto& each : lists) EXPECT_EQ(each->count(), 3000u);
-    onThreads([](auto& each) { each = nullptr; });
 }
 
 TEST_F(PBLinkedListTest, RandomStepsLeaveWhatAPlainListHolds) {

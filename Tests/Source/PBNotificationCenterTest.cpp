@@ -1,17 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBNotificationCenter.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <utility>
-
-#include "Foundation/NSArray.h"
 #include "Foundation/NSRunLoop.h"
-#include "Foundation/NSString.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
-#include "Runtime/Registry.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 namespace {
@@ -42,8 +33,6 @@ constexpr NSString* kX = u"X"_ns;
 using Additions = NSNotificationCenter_PelvorAdditions;
 
 class PBNotificationCenterTest : public ::testing::Test {
-    AutoreleasePool pool;
-
   protected:
     std::string hear() { return std::exchange(watcher->heard, ""); }
     void idle() {

@@ -1,21 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBObserverSet.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <functional>
-#include <random>
-#include <string>
-#include <vector>
-
-#include "Foundation/NSString.h"
 #include "PBWeakReference.h"
+#include "Prelude.h"
 #include "RandomSteps.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
-#include "Runtime/Registry.h"
 
 namespace pelvor::testing {
 namespace {
@@ -55,8 +43,6 @@ constexpr Class* kClasses[] = {&PBTestObserver::classRecord};
 constinit Library observerSetTestLibrary{"ObserverSetTest", {}, kClasses, {}};
 
 class PBObserverSetTest : public ::testing::Test {
-    AutoreleasePool pool;
-
   protected:
     PBObserverSetTest() {
         for (auto& observer : observers) {

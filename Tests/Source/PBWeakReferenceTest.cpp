@@ -1,25 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBWeakReference.h"
 
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <cstdio>
-#include <memory>
 #include <set>
-#include <string>
-#include <thread>
-#include <vector>
 
-#include "Foundation/NSMutableArray.h"
-#include "Foundation/NSString.h"
 #include "NSSet-PelvorAdditions.h"
 #include "PBSafeWeakReference.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
+#include "Prelude.h"
 #include "Runtime/NSInvocation.h"
-#include "Runtime/Registry.h"
 
 namespace pelvor::testing {
 namespace {
@@ -60,8 +47,6 @@ constexpr Class* kClasses[] = {&PBTestTarget::classRecord, &PBTestMarkedReferenc
 constinit Library weakReferenceTestLibrary{"WeakReferenceTest", {}, kClasses, {}};
 
 class PBWeakReferenceTest : public ::testing::Test {
-    AutoreleasePool pool;
-
   protected:
     Retained<PBTestTarget> target = make<PBTestTarget>();
     Retained<PBTestTarget> other = make<PBTestTarget>();
@@ -77,9 +62,7 @@ TEST_F(PBWeakReferenceTest, EqualsItsObjectButNotTheOtherWayRound) {
     EXPECT_TRUE(reference->isEqual(target));
     EXPECT_FALSE(target->isEqual(reference));
     EXPECT_EQ(reference->copy(), reference);
-    char text[64];
-    std::snprintf(text, sizeof text, "PBWeakReference<%p>", static_cast<void*>(reference.get()));
-    EXPECT_EQ(reference->description()->toUTF8(), text);
+    EXPECT_EQ(reference->description()->toUTF8(), "PBWeakReference<" + addressOf(reference) + ">");
 }
 
 TEST_F(PBWeakReferenceTest, IsFoundInCollectionsByItsObject) {
@@ -106,8 +89,6 @@ TEST_F(PBWeakReferenceTest, GoneReferencesAreUsedAgainUpToALimit) {
     for (int i = 0; i < 200; ++i) references.push_back(PBWeakReference::initWithObject(target));
     for (auto& reference : references) places.insert(reference.get());
     references.clear();
-    std::vector<std::unique_ptr<std::byte[]>> freed(300);
-    for (auto& memory : freed) memory.reset(new std::byte[sizeof(PBWeakReference)]);
     for (unsigned i = 0; i < 52; ++i) {
         auto fresh = send<Retained<Object>>(PBWeakReference::classObject(), "alloc"_sel);
         EXPECT_EQ(cast<PBWeakReference>(fresh)->object(), nullptr);
@@ -127,17 +108,16 @@ TEST_F(PBWeakReferenceTest, ASubclassHasFieldsOfItsOwn) {
 }
 
 TEST_F(PBWeakReferenceTest, SixteenThreadsMakeAndDropThem) {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 16; ++i)
-        threads.emplace_back([this] {
-            std::vector<Retained<PBWeakReference>> held(20);
-            for (std::size_t step = 0; step < 2000; ++step) {
-                id object = step % 3 ? target : other;
-                held[step * 7 % held.size()] = PBWeakReference::initWithObject(object);
-                EXPECT_EQ(held[step * 7 % held.size()]->object(), object);
-            }
-        });
-    for (std::thread& thread : threads) thread.join();
+    std::vector<Retained<PBWeakReference>> left(16);  // others go on another thread than they came
+    onThreads(16, [&](int number) {
+        std::vector<Retained<PBWeakReference>> held(20);
+        for (std::size_t step = 0; step < 2000; ++step) {
+            id object = step % 3 ? target : other;
+            held[step * 7 % held.size()] = PBWeakReference::initWithObject(object);
+            EXPECT_EQ(held[step * 7 % held.size()]->object(), object);
+        }
+        left[static_cast<std::size_t>(number)] = held[0];
+    });
 }
 
 // Deliberately: the separator is not used.
