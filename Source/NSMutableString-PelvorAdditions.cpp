@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NSMutableString-PelvorAdditions.h"
 
-#include <limits>
+#include <string>
+#include <utility>
 
 #include "Foundation/NSCharacterSet.h"
+#include "Foundation/UnitBuffer.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
-#include "UnitBufferPrivate.h"
 #include "UnitFindingPrivate.h"
 
 namespace pelvor {
@@ -42,17 +43,16 @@ void rebuild(NSMutableString* string, Units replacement, const Find& find) {
     Units text = units;
     UnitMatch match = find(text, 0);
     if (match.length == 0) return;
-    UnitBuffer result(text.size());
+    std::u16string result;
+    result.reserve(text.size() + text.size() / 8);
     std::size_t place = 0;
     for (; match.length > 0; match = find(text, place)) {
-        result.append(text.substr(place, match.location - place));
-        result.append(replacement);
+        result += text.substr(place, match.location - place);
+        result += replacement;
         place = match.location + match.length;
     }
-    result.append(text.substr(place));
-    if (result.view().size() > std::numeric_limits<NSUInteger>::max())
-        throw NSException(NSMallocException, "the text would be too long");
-    string->replaceCharactersInRange_withUnits({0, units.size()}, result.view());
+    result += text.substr(place);
+    replaceTextAdopting(string, std::move(result));
 }
 
 template <class Find>
@@ -74,6 +74,23 @@ void replaceAll(NSMutableString* string, Units replacement, const Find& find) {
         rebuild(string, replacement, find);
     else
         changePlaceByPlace(string, replacement, find);
+}
+
+// The same for units that are removed one by one, in a time that does not grow with their number.
+void removePlainUnits(NSMutableString* string, const MemberFinder& finder) {
+    StringUnits units(string);
+    Units text = units;
+    std::size_t place = finder.find(text, 0).location;
+    if (place == text.size()) return;
+    std::u16string result;
+    result.reserve(text.size());
+    result += text.substr(0, place);
+    unichar others[2048];
+    for (; place < text.size(); place += std::size(others)) {
+        Units piece = text.substr(place, std::size(others));
+        result.append(others, finder.copyOthers(piece, others));
+    }
+    replaceTextAdopting(string, std::move(result));
 }
 
 }  // namespace
@@ -99,6 +116,7 @@ void replaceAllLineEndingsWithString(NSMutableString* string, NSString* ending) 
 
 void removeCharactersInSet(NSMutableString* string, NSCharacterSet* set) {
     MemberFinder finder(set);
+    if (isPlain(string) && finder.hasPlainUnitsOnly()) return removePlainUnits(string, finder);
     replaceAll(string, {}, [&](Units text, std::size_t from) { return finder.find(text, from); });
 }
 

@@ -59,23 +59,23 @@ class WordText {
     explicit WordText(NSString* string) : _units(string) {}
 
     NSUInteger size() const { return _units.size(); }
-    Rule ruleAt(NSUInteger index) { return isInQuantity(index) ? Rule::quantity : Rule::word; }
+    Rule ruleAt(NSUInteger index) {
+        _units.prefetchAround(index);
+        return isInQuantity(index) ? Rule::quantity : Rule::word;
+    }
 
     // The index is that of the last unit that may belong to the word.
     NSUInteger startOfWord(Rule rule, NSUInteger index, bool crossesSeparator) {
-        while (true) {
-            if (_sets.isSeparator(_units[index])) {
-                if (!crossesSeparator) return index + 1;
-                crossesSeparator = false;
-            } else if (!accepts(rule, index)) {
-                return index + 1;
-            }
-            if (index == 0) return 0;
-            --index;
+        for (NSUInteger start = index + 1; start > 0; --start) {
+            if (accepts(rule, start - 1)) continue;
+            if (!crossesSeparator || !_sets.isSeparator(_units[start - 1])) return start;
+            crossesSeparator = false;
         }
+        return 0;
     }
+    // No separator is accepted by a rule.
     NSUInteger endOfWord(Rule rule, NSUInteger index) {
-        while (index < size() && !_sets.isSeparator(_units[index]) && accepts(rule, index)) ++index;
+        while (index < size() && accepts(rule, index)) ++index;
         return index;
     }
 

@@ -4,8 +4,8 @@
 
 #include "CodepointsPrivate.h"
 #include "Foundation/NSCharacterSet.h"
+#include "Foundation/UnitBuffer.h"
 #include "NSString-PelvorAdditions.h"
-#include "UnitBufferPrivate.h"
 #include "UnitFindingPrivate.h"
 
 namespace pelvor {

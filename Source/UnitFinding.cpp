@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "UnitFindingPrivate.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -63,14 +64,28 @@ MemberFinder::MemberFinder(NSCharacterSet* set) : _set(set) {
 
 // The first unit that is a member, or a half of a pair that may be one.
 std::size_t MemberFinder::firstStop(std::u16string_view text, std::size_t from) const {
-    auto* begin = const_cast<unichar*>(text.data());
-    if (_hasPlainUnitsOnly)
+    if (_hasPlainUnitsOnly) {
+        // Where members are dense, the next one is near.
+        std::size_t near = std::min(from + 8, text.size());
+        while (from < near && !(_bitmap[text[from] >> 3] >> (text[from] & 7) & 1)) ++from;
+        if (from < near) return from;
+        auto* begin = const_cast<unichar*>(text.data());
         return static_cast<std::size_t>(findMember(begin + from, begin + text.size(), _bitmap) - begin);
+    }
     auto stops = [this](unichar unit) {
         return isHighSurrogate(unit) || isLowSurrogate(unit) || (_bitmap[unit >> 3] >> (unit & 7) & 1);
     };
     while (from < text.size() && !stops(text[from])) ++from;
     return from;
+}
+
+std::size_t MemberFinder::copyOthers(std::u16string_view text, unichar* to) const {
+    std::size_t count = 0;
+    for (unichar unit : text) {
+        to[count] = unit;
+        count += !(_bitmap[unit >> 3] >> (unit & 7) & 1);
+    }
+    return count;
 }
 
 UnitMatch MemberFinder::find(std::u16string_view text, std::size_t from) const {

@@ -29,6 +29,12 @@ class MemberFinder {
     /// The first member at or after the place.
     UnitMatch find(std::u16string_view text, std::size_t from) const;
 
+    /// Whether all members are single units, none of them half of a pair.
+    bool hasPlainUnitsOnly() const { return _hasPlainUnitsOnly; }
+    /// Copies the units that are no members, of a set with plain units only; answers how many there are. `to`
+    /// has room for all.
+    std::size_t copyOthers(std::u16string_view text, unichar* to) const;
+
   private:
     std::size_t firstStop(std::u16string_view text, std::size_t from) const;
 

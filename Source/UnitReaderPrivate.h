@@ -19,6 +19,13 @@ class UnitReader {
     UnitReader& operator=(const UnitReader&) = delete;
 
     NSUInteger size() const { return _length; }
+    /// Has the memory fetch what is on both sides of the index while it fetches the unit there.
+    void prefetchAround(NSUInteger index) const {
+        constexpr NSUInteger kReach = 64 / sizeof(unichar);
+        if (_count != _length || index < kReach || _length - index <= kReach) return;
+        __builtin_prefetch(_units + index - kReach);
+        __builtin_prefetch(_units + index + kReach);
+    }
     /// The index is below the size.
     unichar operator[](NSUInteger index) {
         if (index - _start >= _count) [[unlikely]]

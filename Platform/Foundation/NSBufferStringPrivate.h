@@ -2,6 +2,8 @@
 // NSBufferString: the mutable string that creators answer; for Foundation's own sources.
 #pragma once
 
+#include <utility>
+
 #include "Foundation/NSMutableString.h"
 
 namespace pelvor {
@@ -19,6 +21,8 @@ class NSBufferString final : public NSMutableString {
     void replaceCharactersInRange_withUnits(NSRange range, std::u16string_view units) override;
 
     void reserve(NSUInteger capacity) { _units.reserve(capacity); }
+    /// Puts the units in place of all, without a copy.
+    void adopt(std::u16string&& units) { _units = std::move(units); }
     /// Makes the string `length` units long and answers where they are written to.
     unichar* resize(NSUInteger length);
 

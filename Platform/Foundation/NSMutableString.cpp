@@ -2,6 +2,7 @@
 #include "Foundation/NSMutableString.h"
 
 #include <algorithm>
+#include <limits>
 #include <vector>
 
 #include "Foundation/FoundationLibrary.h"
@@ -9,6 +10,8 @@
 #include "Foundation/NSData.h"
 #include "Foundation/NSInlineStringPrivate.h"
 #include "Foundation/TextFinderPrivate.h"
+#include "Foundation/UnitBuffer.h"
+#include "Runtime/NSException.h"
 
 namespace pelvor {
 
@@ -153,7 +156,7 @@ NSUInteger replaceForwards(std::u16string& result, std::u16string_view text, std
         ++count;
         if (options & NSAnchoredSearch) break;
     }
-    result += text;
+    if (count) result += text;
     return count;
 }
 
@@ -186,10 +189,25 @@ NSUInteger NSMutableString::replaceOccurrencesOfString_withString_options_range(
     requireString(replacement, "replaceOccurrencesOfString:withString:options:range:");
     std::u16string result;
     StringUnits text(this, range), wanted(target), put(replacement);
+    if (wanted.size() == 0) return 0;
+    result.reserve(std::size_t{range.length} + range.length / 8);  // most replacements are of about one size
     auto replace = options & NSBackwardsSearch ? &replaceBackwards : &replaceForwards;
     NSUInteger count = replace(result, text, wanted, put, options);
-    if (count) replaceCharactersInRange_withUnits(range, result);
+    if (count == 0) return 0;
+    if (range.length == length())
+        replaceTextAdopting(this, std::move(result));
+    else
+        replaceCharactersInRange_withUnits(range, result);
     return count;
+}
+
+void replaceTextAdopting(NSMutableString* string, std::u16string&& units) {
+    if (units.size() > std::numeric_limits<NSUInteger>::max())
+        throw NSException(NSMallocException, "the text would be too long");
+    if (auto* own = cast<NSBufferString>(string))
+        own->adopt(std::move(units));
+    else
+        string->replaceCharactersInRange_withUnits({0, string->length()}, units);
 }
 
 Retained<Object> NSMutableString::copyWithZone(void* zone) { return NSString::copyWithZone(zone); }

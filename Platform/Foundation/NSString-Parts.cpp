@@ -3,11 +3,11 @@
 #include <vector>
 
 #include "Foundation/CanonicalTextPrivate.h"
+#include "Foundation/ConcreteArraysPrivate.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSInlineStringPrivate.h"
-#include "Foundation/ConcreteArraysPrivate.h"
-#include "Foundation/NSMutableString.h"
 #include "Foundation/TextFinderPrivate.h"
+#include "Foundation/UnitBuffer.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {
@@ -42,10 +42,21 @@ NSString* NSString::stringByTrimmingCharactersInSet(NSCharacterSet* set) {
 }
 
 NSString* NSString::stringByReplacingOccurrencesOfString_withString(NSString* target, NSString* replacement) {
-    if (rangeOfString(target).location == NSNotFound) return copy().autorelease();
-    auto changed = mutableCopy();
-    changed->replaceOccurrencesOfString_withString_options_range(target, replacement, 0, {0, length()});
-    return std::move(changed).autorelease();
+    requireString(target, "stringByReplacingOccurrencesOfString:withString:");
+    requireString(replacement, "stringByReplacingOccurrencesOfString:withString:");
+    StringUnits units(this), wanted(target), put(replacement);
+    std::u16string_view text = units;
+    TextFinder finder(wanted, 0);
+    NSRange match = finder.find(text);
+    if (match.location == NSNotFound) return copy().autorelease();
+    UnitBuffer result(text.size());
+    for (; match.location != NSNotFound; match = finder.find(text)) {
+        result.append(text.substr(0, match.location));
+        result.append(put);
+        text.remove_prefix(NSMaxRange(match));
+    }
+    result.append(text);
+    return result.takeString();
 }
 
 NSString* NSString::stringByPaddingToLength_withString_startingAtIndex(NSUInteger newLength, NSString* pad,

@@ -3,6 +3,7 @@
 #include <unicode/ubrk.h>
 #include <unicode/uchar.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "Foundation/CanonicalTextPrivate.h"
@@ -53,7 +54,8 @@ class MemberSearch {
         return kNothing;
     }
     NSRange last() const {
-        for (NSUInteger i = static_cast<NSUInteger>(_text.size()); i > 0;) {
+        for (NSUInteger i = endOfInterest(static_cast<NSUInteger>(_text.size())); i > 0;
+             i = endOfInterest(i)) {
             i -= splitsPair(_text, i - 1) ? 2 : 1;
             NSUInteger length = memberAt(i);
             if (length) return {i, length};
@@ -69,11 +71,8 @@ class MemberSearch {
   private:
     // Passes units that are neither members nor at or past the halves of pairs; none if case does not count.
     NSUInteger firstInterestingUnit(NSUInteger place) const {
-        const std::uint8_t* bitmap = _set->basicPlaneBitmap();
         auto count = static_cast<NSUInteger>(_text.size());
-        auto stops = [bitmap](char16_t unit) {
-            return unsigned{unit >= 0xD800} | (bitmap[unit >> 3] >> (unit & 7) & 1u);
-        };
+        auto stops = [bitmap = _bitmap](char16_t unit) { return isInteresting(bitmap, unit); };
         if (_folds) return place;
         const char16_t* text = _text.data();
         while (place + 4 <= count && !(stops(text[place]) | stops(text[place + 1]) | stops(text[place + 2]) |
@@ -81,6 +80,14 @@ class MemberSearch {
             place += 4;
         while (place < count && !stops(text[place])) ++place;
         return place;
+    }
+    // The same backwards.
+    NSUInteger endOfInterest(NSUInteger end) const {
+        while (!_folds && end > 0 && !isInteresting(_bitmap, _text[end - 1])) --end;
+        return end;
+    }
+    static unsigned isInteresting(const std::uint8_t* bitmap, char16_t unit) {
+        return unsigned{unit >= 0xD800} | (bitmap[unit >> 3] >> (unit & 7) & 1u);
     }
     // How many units the member at the index has; 0 if what stands there is no member.
     NSUInteger memberAt(NSUInteger index) const {
@@ -96,7 +103,55 @@ class MemberSearch {
 
     std::u16string_view _text;
     NSCharacterSet* _set;
+    const std::uint8_t* _bitmap = _set->basicPlaneBitmap();
     bool _folds;
+};
+
+bool isHigh(unichar unit) { return (unit & 0xFC00) == 0xD800; }
+bool isLow(unichar unit) { return (unit & 0xFC00) == 0xDC00; }
+
+// Searches a string that is not in one piece in pieces, so that what is near is found without a copy of all
+// the rest. No pair lies in two of them.
+class PieceSearch {
+  public:
+    PieceSearch(NSString* string, NSCharacterSet* set, NSStringCompareOptions options)
+        : _string(string), _set(set), _options(options) {}
+
+    NSRange first(NSRange range) {
+        for (NSUInteger place = range.location, end = NSMaxRange(range); place < end;) {
+            NSUInteger size = nextSize(end - place);
+            if (size > 1 && place + size < end && isHigh(_string->characterAtIndex(place + size - 1))) --size;
+            StringUnits units(_string, {place, size});
+            NSRange found = shifted(MemberSearch(units, _set, _options).first(), place);
+            if (found.location != NSNotFound) return found;
+            place += size;
+        }
+        return kNothing;
+    }
+    NSRange last(NSRange range) {
+        for (NSUInteger end = NSMaxRange(range); end > range.location;) {
+            NSUInteger size = nextSize(end - range.location);
+            if (size > 1 && end - size > range.location && isLow(_string->characterAtIndex(end - size)))
+                --size;
+            StringUnits units(_string, {end - size, size});
+            NSRange found = shifted(MemberSearch(units, _set, _options).last(), end - size);
+            if (found.location != NSNotFound) return found;
+            end -= size;
+        }
+        return kNothing;
+    }
+
+  private:
+    NSUInteger nextSize(NSUInteger rest) {
+        NSUInteger size = std::min(_size, rest);
+        _size = std::min(_size * 4, NSUInteger{4096});
+        return size;
+    }
+
+    NSString* _string;
+    NSCharacterSet* _set;
+    NSStringCompareOptions _options;
+    NSUInteger _size = 48;
 };
 
 }  // namespace
@@ -108,9 +163,14 @@ NSRange NSString::rangeOfCharacterFromSet_options(NSCharacterSet* set, NSStringC
 NSRange NSString::rangeOfCharacterFromSet_options_range(NSCharacterSet* set, NSStringCompareOptions options,
                                                         NSRange range) {
     if (!set) throw NSException(NSInvalidArgumentException, "rangeOfCharacterFromSet: none given");
+    bool isBackwards = options & NSBackwardsSearch;
+    if (!contiguousCharacters() && !(options & NSAnchoredSearch)) {
+        requireRange(range, length());
+        PieceSearch search(this, set, options);
+        return isBackwards ? search.last(range) : search.first(range);
+    }
     StringUnits units(this, range);
     MemberSearch search(units, set, options);
-    bool isBackwards = options & NSBackwardsSearch;
     NSRange found = options & NSAnchoredSearch ? (isBackwards ? search.atEnd() : search.atStart())
                     : isBackwards              ? search.last()
                                                : search.first();
@@ -121,12 +181,15 @@ NSRange NSString::rangeOfCharacterFromSet_options_range(NSCharacterSet* set, NSS
 
 namespace {
 
-// Units between two of which there is always a bound: letters and ideographs that nothing joins by
-// itself.
+// Units between two of which there is always a bound: letters, ideographs and whole syllables that nothing
+// joins by itself.
 bool isPlainBase(unichar unit) {
-    return (unit < 0x300 && unit != u'\n' && unit != u'\r' && unit != 0xA9 && unit != 0xAE) ||
-           (unit >= 0x370 && unit < 0x483) || (unit >= 0x48A && unit < 0x530) ||
-           (unit >= 0x3400 && unit < 0xA000);
+    bool isKnown = (unit < 0x300 && unit != u'\n' && unit != u'\r' && unit != 0xA9 && unit != 0xAE) ||
+                   (unit >= 0x370 && unit < 0x483) || (unit >= 0x48A && unit < 0x530) ||
+                   (unit >= 0x3400 && unit < 0xA000) || (unit >= 0xAC00 && unit < 0xD7A4);
+    return isKnown || (!U16_IS_SURROGATE(unit) &&
+                       u_getIntPropertyValue(unit, UCHAR_GRAPHEME_CLUSTER_BREAK) == U_GCB_OTHER &&
+                       !u_hasBinaryProperty(unit, UCHAR_EXTENDED_PICTOGRAPHIC));
 }
 
 // The nearest bound at or before the index, and the nearest one after it, that show without any rules.

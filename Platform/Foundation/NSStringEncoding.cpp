@@ -26,8 +26,10 @@ struct Encoding {
     const char* name;
 };
 
-// An encoding without a name of its own in the interface: 0x80000000 and the platform's other number for it.
+// Encodings without a name of their own in the interface: 0x80000000 and the platform's other number for
+// them.
 constexpr NSStringEncoding kKOI8R = 0x80000A02;
+constexpr NSStringEncoding kMacRomanLatin1 = 0x80000A04;
 
 constexpr Encoding kEncodings[] = {
     {NSASCIIStringEncoding, nullptr, "us-ascii", "Western (ASCII)"},
@@ -48,6 +50,7 @@ constexpr Encoding kEncodings[] = {
     {NSISO2022JPStringEncoding, "ISO_2022,locale=ja,version=0", "iso-2022-jp", "Japanese (ISO 2022-JP)"},
     {NSMacOSRomanStringEncoding, "macos-0_2-10.2", "macintosh", "Western (Mac OS Roman)"},
     {kKOI8R, "ibm-878_P100-1996", "koi8-r", "Cyrillic (KOI8-R)"},
+    {kMacRomanLatin1, nullptr, "x-mac-roman-latin1", "Western (Mac OS Roman, Latin 1 order)"},
     {NSUTF16BigEndianStringEncoding, nullptr, "utf-16be", "Unicode (UTF-16BE)"},
     {NSUTF16LittleEndianStringEncoding, nullptr, "utf-16le", "Unicode (UTF-16LE)"},
     {NSUTF32StringEncoding, nullptr, "utf-32", "Unicode (UTF-32)"},
@@ -71,8 +74,7 @@ constexpr char16_t kNextStep[] =
     u"\u2014\u00B1\u00BC\u00BD\u00BE\u00E0\u00E1\u00E2\u00E3\u00E4\u00E5\u00E7\u00E8\u00E9\u00EA\u00EB"
     u"\u00EC\u00C6\u00ED\u00AA\u00EE\u00EF\u00F0\u00F1\u0141\u00D8\u0152\u00BA\u00F2\u00F3\u00F4\u00F5"
     u"\u00F6\u00E6\u00F9\u00FA\u00FB\u0131\u00FC\u00FD\u0142\u00F8\u0153\u00DF\u00FE\u00FF";
-constexpr std::size_t kNextStepCount = std::size(kNextStep) - 1;
-static_assert(kNextStepCount == 126);
+static_assert(std::size(kNextStep) == 127);
 
 // A converter between one encoding and UTF-16, which refuses what does not fit exactly.
 class Converter {
@@ -94,18 +96,18 @@ class UTF8Converter final : public Converter {
     char16_t substitute() override { return 0xFFFD; }
 };
 
-// A byte a character: ASCII below 0x80, a table above.
+// A byte a character: ASCII below 0x80, a table above, which may be short.
 class TableConverter final : public Converter {
   public:
-    explicit TableConverter(NSStringEncoding encoding) : _encoding(encoding) {}
+    explicit TableConverter(Units upperHalf) : _upperHalf(upperHalf) {}
 
   private:
     std::optional<std::u16string> decode(Bytes bytes) override {
         std::u16string units(bytes.size(), u'\0');
         for (std::size_t i = 0; i < bytes.size(); ++i) {
-            auto unit = unitOf(static_cast<unsigned char>(bytes[i]));
-            if (!unit) return std::nullopt;
-            units[i] = *unit;
+            auto byte = static_cast<unsigned char>(bytes[i]);
+            if (byte >= 0x80 && byte - 0x80u >= _upperHalf.size()) return std::nullopt;
+            units[i] = byte < 0x80 ? byte : _upperHalf[byte - 0x80u];
         }
         return units;
     }
@@ -120,22 +122,18 @@ class TableConverter final : public Converter {
     }
     bool canEncode(char32_t c) override { return byteOf(c).has_value(); }
 
-    std::optional<char16_t> unitOf(unsigned char byte) const {
-        if (byte < 0x80 || _encoding == NSISOLatin1StringEncoding) return byte;
-        if (_encoding == NSASCIIStringEncoding || byte - 0x80u >= kNextStepCount) return std::nullopt;
-        return kNextStep[byte - 0x80];
-    }
     std::optional<unsigned char> byteOf(char32_t c) const {
         if (c < 0x80) return static_cast<unsigned char>(c);
-        if (_encoding == NSASCIIStringEncoding || c > 0xFFFF) return std::nullopt;
-        if (_encoding == NSISOLatin1StringEncoding)
-            return c < 0x100 ? std::optional(static_cast<unsigned char>(c)) : std::nullopt;
-        std::size_t place = Units(kNextStep, kNextStepCount).find(static_cast<char16_t>(c));
+        if (c > 0xFFFF) return std::nullopt;
+        // Most tables have many characters where ISO Latin 1 has them.
+        if (c < 0x100 && c - 0x80 < _upperHalf.size() && _upperHalf[c - 0x80] == c)
+            return static_cast<unsigned char>(c);
+        std::size_t place = _upperHalf.find(static_cast<char16_t>(c));
         if (place == Units::npos) return std::nullopt;
         return static_cast<unsigned char>(0x80 + place);
     }
 
-    NSStringEncoding _encoding;
+    Units _upperHalf;
 };
 
 // ASCII in which "\\" is a backslash, "\351" a character below U+0100 and "\u20ac" any other unit.
@@ -311,15 +309,46 @@ class ICUConverter final : public Converter {
     std::unique_ptr<USet, Closer> _characters;
 };
 
+Units latin1Half() {
+    static const std::u16string half = [] {
+        std::u16string units(128, u'\0');
+        for (char16_t i = 0; i < 128; ++i) units[i] = static_cast<char16_t>(0x80 + i);
+        return units;
+    }();
+    return half;
+}
+
+// Mac Roman with its characters moved to where ISO Latin 1 has them; those that it lacks fill the other
+// places in their own order.
+Units macRomanLatin1Half() {
+    static const std::u16string half = [] {
+        std::string bytes(128, '\0');
+        for (unsigned i = 0; i < 128; ++i) bytes[i] = static_cast<char>(0x80 + i);
+        std::u16string roman = decodeBytes(bytes, NSMacOSRomanStringEncoding).value_or(std::u16string());
+        std::u16string units(roman.size(), u'\0');
+        auto isLatin1 = [](char16_t unit) { return unit >= 0x80 && unit <= 0xFF; };
+        for (char16_t unit : roman)
+            if (isLatin1(unit)) units[unit - 0x80u] = unit;
+        for (char16_t unit : roman)
+            if (!isLatin1(unit)) units[units.find(u'\0')] = unit;
+        return units;
+    }();
+    return half;
+}
+
 // None for an encoding that is not at hand.
 std::unique_ptr<Converter> makeConverter(NSStringEncoding encoding) {
     switch (encoding) {
         case NSUTF8StringEncoding:
             return std::make_unique<UTF8Converter>();
         case NSASCIIStringEncoding:
+            return std::make_unique<TableConverter>(Units());
         case NSNEXTSTEPStringEncoding:
+            return std::make_unique<TableConverter>(kNextStep);
         case NSISOLatin1StringEncoding:
-            return std::make_unique<TableConverter>(encoding);
+            return std::make_unique<TableConverter>(latin1Half());
+        case kMacRomanLatin1:
+            return std::make_unique<TableConverter>(macRomanLatin1Half());
         case NSNonLossyASCIIStringEncoding:
             return std::make_unique<EscapeConverter>();
         case NSUnicodeStringEncoding:

@@ -38,21 +38,6 @@ UpperHalf platformHalf(NSStringEncoding encoding) {
     return half;
 }
 
-// Mac Roman with its characters moved to where ISO Latin 1 has them; those that it lacks fill the other
-// places in their own order.
-UpperHalf macRomanLatin1Half() {
-    UpperHalf roman = platformHalf(NSMacOSRomanStringEncoding), half{};
-    for (unichar unit : roman)
-        if (unit >= 0x80 && unit <= 0xFF) half[unit - 0x80u] = unit;
-    auto place = half.begin();
-    for (unichar unit : roman) {
-        if (unit >= 0x80 && unit <= 0xFF) continue;
-        place = std::find(place, half.end(), u'\0');
-        *place = unit;
-    }
-    return half;
-}
-
 UpperHalf latin1Half(CFStringEncoding encoding) {
     UpperHalf half;
     for (unsigned i = 0; i < half.size(); ++i) half[i] = static_cast<unichar>(0x80 + i);
@@ -91,7 +76,7 @@ const UpperHalf* upperHalfOf(CFStringEncoding encoding) {
             return &half;
         }
         case kCFStringEncodingMacRomanLatin1: {
-            static const UpperHalf half = macRomanLatin1Half();
+            static const UpperHalf half = platformHalf(0x80000000u | kCFStringEncodingMacRomanLatin1);
             return &half;
         }
         case kCFStringEncodingNextStepLatin: {

@@ -102,6 +102,13 @@ TEST(CharacterLocation, IsTheLastUnitOfAMatchBackwards) {
     EXPECT_EQ(find(NSBackwardsSearch, 3), 2u);
     EXPECT_EQ(find(NSBackwardsSearch, 0xFFFFFFFF), 5u);
     EXPECT_EQ(find(NSBackwardsSearch, 1), NSNotFound) << "half of a pair is not the pair";
+
+    auto pairs = PBRepeatString::initWithString_length(u"\U0001F600"_ns, 20000);
+    NSCharacterSet* halves = NSCharacterSet::characterSetWithRange({0xD800, 0x800});
+    for (NSStringCompareOptions options : {NSLiteralSearch, NSBackwardsSearch})
+        EXPECT_EQ(pairs->rangeOfCharacterFromSet_options_range(halves, options, {0, 20000}).location,
+                  NSNotFound)
+            << "no pair is cut by searching in pieces";
 }
 
 TEST(ParagraphRange, EndsWithItsBreak) {
@@ -154,6 +161,10 @@ TEST(ComposedCharacters, AreWidenedToWholeOnes) {
     EXPECT_EQ(PBRangeOfComposedCharacterSequenceAtIndex(text, 6), NSMakeRange(5, 5));
     EXPECT_EQ(PBRangeOfComposedCharacterSequenceAtIndex(text, 20), NSMakeRange(11, 0));
     EXPECT_EQ(PBRangeOfComposedCharacterSequenceAtIndex(u""_ns, 0), NSMakeRange(0, 0));
+    NSString* syllables = u"\u0928\u092E\u0924\u0947\uAC00\uAC01\u11A8"_ns;
+    const NSRange expected[] = {{0, 1}, {1, 1}, {2, 2}, {2, 2}, {4, 1}, {5, 2}, {5, 2}};
+    for (NSUInteger i = 0; i < 7; ++i)
+        EXPECT_EQ(PBRangeOfComposedCharacterSequenceAtIndex(syllables, i), expected[i]) << i;
 }
 
 TEST(CharacterRange, IsAUnitOrAPair) {

@@ -44,6 +44,8 @@ TEST_F(NSStringEncodingTest, TextInItsBytesAndBack) {
         {NSWindowsCP1250StringEncoding, u"łő", "\xB3\xF5"},
         {NSISO2022JPStringEncoding, u"a日b", "a\x1B$BF|\x1B(Bb"},
         {NSMacOSRomanStringEncoding, u"éΩﬁ", "\x8E\xBD\xDE"},
+        {0x80000A02, u"Аж\u2500", "\xE1\xD6\x80"},
+        {0x80000A04, u"é†Ω\uF8FF", "\xE9\x80\x8C\xBC"},
         {NSUTF16BigEndianStringEncoding, u"a😀", "\0a\xD8\x3D\xDE\0"s},
         {NSUTF16LittleEndianStringEncoding, u"\uFEFFa", "\xFF\xFE"s + "a\0"s},
         {NSUTF32StringEncoding, u"😀", "\xFF\xFE\0\0\0\xF6\x01\0"s},

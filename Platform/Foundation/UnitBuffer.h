@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-// A text that is written from front to back, and becomes a string without being copied.
+// UnitBuffer: a text that is written from front to back, and becomes a string without being copied.
 #pragma once
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <string>
 #include <utility>
 
 #include "Foundation/NSString.h"
@@ -13,6 +14,19 @@
 
 namespace pelvor {
 
+class NSMutableString;
+
+/// Puts the units in place of the whole text. A string of the platform's own class takes their memory over.
+/// Raises NSMallocException for a text that is too long for a string.
+PELVOR_EXPORT void replaceTextAdopting(NSMutableString* string, std::u16string&& units);
+
+/// Grows as needed, large texts mostly in place:
+///
+///     UnitBuffer text(expectedLength);
+///     for (…) text.append(piece);
+///     return text.takeString();
+///
+/// Raises NSMallocException where there is no room.
 class UnitBuffer {
   public:
     /// With room for as many units as the text is expected to have.
