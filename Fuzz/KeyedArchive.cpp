@@ -125,7 +125,7 @@ struct Maker {
         if (depth == 0) kind %= 6;
         switch (kind % 10) {
             case 0:
-                return NSNumber::numberWithLongLong(next() * 0x0102030405060708LL * (next() & 1 ? 1 : -1));
+                return NSNumber::numberWithLongLong(static_cast<long long>(next() * 0x0102030405060708u));
             case 1:
                 return NSNumber::numberWithDouble(next() / 7.0);
             case 2:

@@ -63,18 +63,15 @@ TEST(BinaryPropertyLists, HoldNumbersOfAllWidths) {
 
 TEST(BinaryPropertyLists, HoldTextDataAndDates) {
     const std::string text(300, 'x');
-    const struct {
-        std::string bytes;
-        id object;
-    } objects[] = {
+    const std::pair<std::string, id> objects[] = {
         {"\x52" + "ab"s, u"ab"_ns},
         {"\x62\x00\xE4\xD8\x3D"s, u"\u00E4\xD83D"_ns},
         {"\x42\x00\x07"s, sampleData(2)},
         {"\x5F\x11\x01\x2C" + text, NSString::ofUTF8(text)},
         {"\x33\x40\x4E\x00\x00\x00\x00\x00\x00"s, NSDate::dateWithTimeIntervalSinceReferenceDate(60)},
     };
-    for (const auto& row : objects)
-        EXPECT_TRUE(row.object->isEqual(read(listOf({row.bytes}, 2)).list)) << row.object;
+    for (const auto& [bytes, object] : objects)
+        EXPECT_TRUE(object->isEqual(read(listOf({bytes}, 2)).list)) << object;
 }
 
 TEST(BinaryPropertyLists, ReferToObjectsByNumbersOfAnySize) {
