@@ -126,7 +126,7 @@ const std::string kRussian = "Был яркий холодный апрельс�
 const std::string kChinese = "四月間，天氣寒冷晴朗，鐘敲了十三下，他把下巴貼在胸前，躲避寒風。\n";
 
 void settings(benchmark::internal::Benchmark* benchmark) {
-    benchmark->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(5);
+    benchmark->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(3);
 }
 
 BENCHMARK_CAPTURE(open, English, kEnglish)->Apply(settings);

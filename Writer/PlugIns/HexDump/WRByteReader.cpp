@@ -3,14 +3,15 @@
 
 #include <algorithm>
 #include <span>
+#include <vector>
 
-#include "Foundation/NSData.h"
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSNumber.h"
 #include "PBUtil.h"
+#include "Writer/PlugInProtocol.h"
 #include "Writer/PlugIns/HexDump/HexDumpPlugIn.h"
 #include "Writer/PlugIns/TextFiles/TextFileReading.h"
-#include "Writer/PlugInProtocol.h"
+#include "Writer/PlugIns/TextFiles/TextFileSource.h"
 
 namespace pelvor {
 namespace {
@@ -55,16 +56,19 @@ PELVOR_DEFINE_CLASS(WRByteReader, hexDumpPlugIn) {
 }
 
 NSDictionary* WRByteReader::readDocumentAtPath_options(NSString* path, NSDictionary* options) {
-    auto data = NSData::initWithContentsOfFile(path);
-    if (!data) {
+    const TextFileSource source(std::string(path->fileSystemRepresentation()));
+    std::vector<char> shown(kShownLength);
+    const std::ptrdiff_t length = source.isOpen() ? source.readAt(0, shown) : -1;
+    if (length < 0) {
         NSString* format = _PBDoLocalize(u"_The document \"%@\" could not be read."_ns, this);
         return errorAnswer(WRErrorFile, NSString::stringWithFormat(format, path->lastPathComponent()));
     }
-    const Bytes bytes = data->span();
-    NSString* text = NSString::of(hexadecimalText(bytes.first(std::min(bytes.size(), kShownLength))));
-    NSNumber* count = NSNumber::numberWithUnsignedInt(data->length());
-    if (bytes.size() > kShownLength) {
-        NSNumber* more = NSNumber::numberWithUnsignedInt(data->length() - kShownLength);
+    const Bytes bytes = std::as_bytes(std::span(shown)).first(static_cast<std::size_t>(length));
+    NSString* text = NSString::of(hexadecimalText(bytes));
+    NSNumber* count =
+        NSNumber::numberWithUnsignedLongLong(std::max<std::uint64_t>(source.length(), bytes.size()));
+    if (source.length() > bytes.size()) {
+        NSNumber* more = NSNumber::numberWithUnsignedLongLong(source.length() - bytes.size());
         text = text->stringByAppendingFormat(_PBDoLocalize(u"_and %@ more bytes"_ns, this), more);
     }
     return NSDictionary::of({{WRTextKey, text}, {WRByteCountKey, count}});
