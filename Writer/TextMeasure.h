@@ -12,6 +12,8 @@ struct TextCount {
     NSUInteger paragraphs = 0;
     NSUInteger longestParagraph = 0;  ///< the index; the first one of several, 0 without paragraphs
     NSUInteger longestLength = 0;     ///< in UTF-16 units
+
+    bool operator==(const TextCount&) const = default;
 };
 
 /// A paragraph, and where the next one starts.
