@@ -2,12 +2,11 @@
 #include "Writer/PlugIns/TextFiles/TextBlocks.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdint>
-#include <cstring>
 
 #include "Scanning/OFStringDecoder.h"
 #include "Writer/PlugIns/TextFiles/TextUnits.h"
+#include "Writer/PlugIns/TextFiles/UTF8Check.h"
 
 namespace pelvor {
 namespace {
@@ -35,58 +34,6 @@ bool isHighHalf(std::string_view block, std::size_t place, NSStringEncoding enco
     const std::uint8_t high =
         byteAt(block, encoding == NSUTF16LittleEndianStringEncoding ? place + 1 : place);
     return (high & 0xFC) == 0xD8;
-}
-
-// The second byte decides about overlong forms, halves of pairs and what lies above U+10FFFF.
-bool isSecondByte(std::uint8_t lead, std::uint8_t byte) {
-    const std::uint8_t low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-    const std::uint8_t high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-    return byte >= low && byte <= high;
-}
-
-// How long the character beyond ASCII at the place is; 0 if there is none.
-std::size_t lengthOfCharacter(std::string_view bytes, std::size_t place) {
-    const std::uint8_t lead = byteAt(bytes, place);
-    const std::size_t length = lengthAfterLead(lead);
-    if (length == 1 || lead > 0xF4 || bytes.size() - place < length) return 0;
-    if (!isSecondByte(lead, byteAt(bytes, place + 1))) return 0;
-    for (std::size_t i = 2; i < length; ++i)
-        if (!isContinuation(byteAt(bytes, place + i))) return 0;
-    return length;
-}
-
-constexpr std::uint64_t kHighBits = 0x8080808080808080;
-
-// Of the byte, which comes first in memory, that has the first of the bits.
-std::size_t placeOfFirstHighBit(std::uint64_t bits) {
-    const int zeros =
-        std::endian::native == std::endian::little ? std::countr_zero(bits) : std::countl_zero(bits);
-    return static_cast<std::size_t>(zeros) / 8;
-}
-
-// Where the ASCII that stands at the place ends.
-std::size_t endOfASCII(std::string_view bytes, std::size_t place) {
-    for (std::uint64_t words[4]; bytes.size() - place >= sizeof words; place += sizeof words) {
-        std::memcpy(words, bytes.data() + place, sizeof words);
-        if ((words[0] | words[1] | words[2] | words[3]) & kHighBits) break;
-    }
-    for (std::uint64_t word; bytes.size() - place >= sizeof word; place += sizeof word) {
-        std::memcpy(&word, bytes.data() + place, sizeof word);
-        if (word & kHighBits) return place + placeOfFirstHighBit(word & kHighBits);
-    }
-    while (place < bytes.size() && byteAt(bytes, place) < 0x80) ++place;
-    return place;
-}
-
-bool isUTF8(std::string_view bytes) {
-    for (std::size_t place = 0; (place = endOfASCII(bytes, place)) < bytes.size();) {
-        while (place < bytes.size() && byteAt(bytes, place) >= 0x80) {
-            const std::size_t length = lengthOfCharacter(bytes, place);
-            if (length == 0) return false;
-            place += length;
-        }
-    }
-    return true;
 }
 
 // The decoder lets through what is not valid, and puts something in its place.
