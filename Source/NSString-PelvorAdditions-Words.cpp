@@ -15,9 +15,12 @@ namespace pelvor {
 namespace {
 
 NSCharacterSet* wordSeparators() {
-    auto set = NSCharacterSet::whitespaceAndNewlineCharacterSet()->mutableCopy();
-    set->addCharactersInRange({2, 2});
-    return immutableCopy(set).leak();
+    static NSCharacterSet* const separators = [] {
+        auto set = NSCharacterSet::whitespaceAndNewlineCharacterSet()->mutableCopy();
+        set->addCharactersInRange({2, 2});
+        return immutableCopy(set).leak();
+    }();
+    return separators;
 }
 
 // The kinds of units that words are made of. The sets are there for good.
