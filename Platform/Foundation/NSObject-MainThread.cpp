@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSObject-MainThread.h"
 
-#include <atomic>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 #include <exception>
 
 #include "Foundation/NSArray.h"
@@ -23,6 +27,39 @@ void defineMainThread(MethodTable<Root>& methods) {
                               &performSelectorOnMainThread_withObject_waitUntilDone>();
 }
 
+// What a thread waits on for the main thread. A pipe, because the kernel takes the writer of a pipe for about
+// to sleep and has the reader follow on the same processor, which halves the time of a call.
+class Bell {
+  public:
+    Bell() {
+        if (pipe2(_ends, O_CLOEXEC) != 0)
+            raiseException(NSGenericException, u"no pipe to wait on: %s"_ns, std::strerror(errno));
+    }
+    ~Bell() {
+        close(_ends[0]);
+        close(_ends[1]);
+    }
+    Bell(const Bell&) = delete;
+    Bell& operator=(const Bell&) = delete;
+
+    static Bell& ofThread() {
+        static thread_local Bell bell;
+        return bell;
+    }
+    void ring() {
+        while (write(_ends[1], "", 1) < 0 && errno == EINTR) {
+        }
+    }
+    void await() {
+        char byte;
+        while (read(_ends[0], &byte, 1) < 0 && errno == EINTR) {
+        }
+    }
+
+  private:
+    int _ends[2];
+};
+
 // A call that another thread waits for, on that thread's stack: it may be gone as soon as it is done.
 class AwaitedCall {
   public:
@@ -35,11 +72,10 @@ class AwaitedCall {
         } catch (...) {
             _failure = std::current_exception();
         }
-        _isDone.store(1, std::memory_order_release);
-        _isDone.notify_one();
+        _bell.ring();
     }
     void wait() {
-        _isDone.wait(0, std::memory_order_acquire);
+        _bell.await();
         if (_failure) std::rethrow_exception(std::move(_failure));
     }
 
@@ -47,7 +83,7 @@ class AwaitedCall {
     id _target;
     SEL _selector;
     id _argument;
-    std::atomic<int> _isDone{0};
+    Bell& _bell = Bell::ofThread();
     std::exception_ptr _failure;
 };
 

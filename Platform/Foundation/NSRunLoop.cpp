@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSRunLoop.h"
 
+#include <fcntl.h>
 #include <sys/epoll.h>
-#include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -93,7 +93,8 @@ int waitForEvents(int poll, epoll_event* events, int count, NSTimeInterval timeo
 
 struct NSRunLoop::State {
     int poll = -1;
-    int wake = -1;
+    int wake = -1;  // readable once `signal` was written to
+    int signal = -1;
     std::vector<Retained<NSString>> commonModes;
     std::unordered_multimap<id, NSDelayedPerform*> delayedPerforms;  // kept by their timers
     std::list<TimerMode> timerModes;
@@ -148,18 +149,22 @@ PELVOR_DEFINE_CLASS(NSRunLoop, foundationLibrary) {
 
 NSRunLoop::NSRunLoop() : _state(std::make_unique<State>()) {
     _state->poll = epoll_create1(EPOLL_CLOEXEC);
-    _state->wake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    // Edge-triggered, so that a signal needs no reading.
-    epoll_event event{EPOLLIN | EPOLLET, {}};
+    // A pipe rather than an event descriptor: its writer is taken for about to sleep, so that the loop's
+    // thread may follow on the same processor.
+    int ends[2] = {-1, -1};
+    bool isOpen = pipe2(ends, O_CLOEXEC | O_NONBLOCK) == 0;
+    _state->wake = ends[0];
+    _state->signal = ends[1];
+    epoll_event event{EPOLLIN, {}};
     event.data.fd = _state->wake;
-    if (_state->poll < 0 || _state->wake < 0 ||
-        epoll_ctl(_state->poll, EPOLL_CTL_ADD, _state->wake, &event) != 0)
+    if (_state->poll < 0 || !isOpen || epoll_ctl(_state->poll, EPOLL_CTL_ADD, _state->wake, &event) != 0)
         raiseException(NSGenericException, u"a run loop cannot be made: %s"_ns, std::strerror(errno));
     _state->commonModes.push_back(Retained<NSString>::retaining(NSDefaultRunLoopMode));
 }
 
 NSRunLoop::~NSRunLoop() {
     if (_state->wake >= 0) close(_state->wake);
+    if (_state->signal >= 0) close(_state->signal);
     if (_state->poll >= 0) close(_state->poll);
 }
 
@@ -327,8 +332,7 @@ void NSRunLoop::wakeUp() {
 
 void NSRunLoop::signal() {
     if (_state->isSignalled.exchange(true)) return;
-    std::uint64_t one = 1;
-    while (write(_state->wake, &one, sizeof one) < 0 && errno == EINTR) {
+    while (write(_state->signal, "", 1) < 0 && errno == EINTR) {
     }
 }
 
@@ -560,9 +564,11 @@ bool NSRunLoop::pollDescriptors(NSString* mode, NSTimeInterval timeout) {
     return (turns == _state->turns && serveThreads(mode)) || hasServed;
 }
 
-// Before anything is called: the kernel tells of a signal once, and what is called may raise.
+// Before anything is called, which may raise. A signal that comes in between is written anew.
 void NSRunLoop::acknowledgeSignal(int ready) {
     if (ready != _state->wake) return;
+    char signals[16];
+    [[maybe_unused]] ssize_t length = read(_state->wake, signals, sizeof signals);
     _state->isSignalled.exchange(false);
     if (_state->isWoken.exchange(false)) _state->wasWoken = true;
 }

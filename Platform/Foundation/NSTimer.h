@@ -7,8 +7,16 @@
 
 namespace pelvor {
 
+class NSTimer;
 class TimerHeap;
-struct TimerPlace;
+
+/// The place of a timer in a heap of a run loop. A timer has one a mode, chained by `next`.
+struct TimerPlace {
+    NSTimer* timer;
+    TimerHeap* heap;
+    std::size_t index;
+    TimerPlace* next;
+};
 
 /// Sends a message, with itself as the argument, when its fire date has come and its run loop runs in one of
 /// its modes. A fire date is turned into a moment when it is set; from then on the timer goes by a clock that
@@ -71,6 +79,7 @@ class PELVOR_EXPORT NSTimer : public NSObject {
     NSTimeInterval _date = 0;    // what that is by the system's clock as it was when the date was set
     NSTimeInterval _interval = 0;
     TimerPlace* _places = nullptr;
+    TimerPlace _firstPlace{};  // for the one mode that most have; free without a heap
 
     friend class NSRunLoop;
     void addTo(TimerHeap& heap);

@@ -12,7 +12,9 @@ TimerHeap::~TimerHeap() {
 
 void TimerHeap::add(NSTimer* timer, NSTimeInterval moment) {
     timer->retain();
-    timer->_places = new TimerPlace{timer, this, 0, timer->_places};
+    TimerPlace* place = timer->_firstPlace.heap ? new TimerPlace : &timer->_firstPlace;
+    *place = {timer, this, 0, timer->_places};
+    timer->_places = place;
     _nodes.emplace_back();
     siftUp(_nodes.size() - 1, {moment, _arrivals++, timer->_places});
 }
@@ -26,7 +28,10 @@ void TimerHeap::remove(TimerPlace* place) {
     TimerPlace** link = &timer->_places;
     while (*link != place) link = &(*link)->next;
     *link = place->next;
-    delete place;
+    if (place == &timer->_firstPlace)
+        place->heap = nullptr;
+    else
+        delete place;
     timer->release();
 }
 

@@ -5,20 +5,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "Foundation/NSDate.h"
+#include "Foundation/NSTimer.h"
 
 namespace pelvor {
-
-class NSTimer;
-class TimerHeap;
-
-/// The place of a timer in a heap. A timer has one a mode, chained by `next`.
-struct TimerPlace {
-    NSTimer* timer;
-    TimerHeap* heap;
-    std::size_t index;
-    TimerPlace* next;
-};
 
 /// A heap of four branches a node, ordered by moment and, among equal ones, by arrival. It holds its timers.
 class TimerHeap {
