@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Scanning/OFStringDecoder.h"
+#include "Scanning/WideInstructionsPrivate.h"
 
 namespace pelvor {
 namespace {
@@ -98,7 +99,8 @@ void run(const std::vector<unsigned char>& cuts, const std::vector<unsigned char
     bool isLost = false;
     for (std::size_t place = 0, step = 0; place < bytes.size(); ++step) {
         unsigned cut = cuts.empty() ? 7u : cuts[step % cuts.size()];
-        std::size_t count = std::min<std::size_t>(cut % 40 + 1, bytes.size() - place);
+        std::size_t count =
+            std::min<std::size_t>(cut & 0x40 ? 200 + cut : cut % 40 + 1, bytes.size() - place);
         std::vector<unsigned char> piece(bytes.begin() + static_cast<std::ptrdiff_t>(place),
                                          bytes.begin() + static_cast<std::ptrdiff_t>(place + count));
         std::u16string room(cut & 0x80 ? 1 + cut % 5 : count + 2, u'\0');
@@ -123,6 +125,7 @@ void run(const std::vector<unsigned char>& cuts, const std::vector<unsigned char
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2) return 0;
+    pelvor::useInstructions(data[0] & 0x80 ? pelvor::Instructions::plain : pelvor::Instructions::avx512);
     std::size_t cutCount = std::min<std::size_t>(data[1] % 8u, size - 2);
     std::vector<unsigned char> cuts(data + 2, data + 2 + cutCount), bytes(data + 2 + cutCount, data + size);
     pelvor::run(cuts, bytes, pelvor::kEncodings[data[0] % 8]);

@@ -74,6 +74,11 @@ void run(const std::uint8_t* data, std::size_t size) {
     OFTrieEnumerator* walk = trie->objectEnumerator();
     for (auto& [word, bucket] : words) require(walk->nextObject() == bucket, "another order");
     require(!walk->nextObject(), "more buckets than words");
+    // Again and again, so that it gets its index; then another word, and it loses it.
+    for (int i = 0; i < 3; ++i) checkReads(trie, words, text, isFolding);
+    auto bucket = make<OFTrieBucket>();
+    trie->addBucket_forString(bucket, NSString::of(text.substr(0, text.size() / 2)));
+    words[(isFolding ? lowered(text) : text).substr(0, text.size() / 2)] = bucket;
     checkReads(trie, words, text, isFolding);
 }
 

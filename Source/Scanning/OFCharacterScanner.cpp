@@ -2,8 +2,14 @@
 #include "Scanning/OFCharacterScanner.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
 #include <cstdlib>
+
+#if defined(__x86_64__)
+#include <emmintrin.h>
+#endif
 
 #include "BaseLibrary.h"
 #include "Foundation/NSCharacterSet.h"
@@ -11,6 +17,7 @@
 #include "Scanning/CaseFormsPrivate.h"
 #include "Scanning/NSObject-OFDebugging.h"
 #include "Scanning/OFTrie.h"
+#include "Scanning/TrieIndexPrivate.h"
 #include "Scanning/UnitSpansPrivate.h"
 
 namespace pelvor {
@@ -184,17 +191,72 @@ int hexadecimalDigitOf(unichar unit) {
     return digitOf(unit);
 }
 
+// Times 5 to the power, rounded, then times 2 to the power; the usual powers are kept.
+double scaled(double value, std::int64_t exponent) {
+    constexpr int kKept = 32;
+    struct Powers {
+        double five, two;
+    };
+    static const auto powers = [] {
+        std::array<Powers, 2 * kKept + 1> all;
+        for (int i = -kKept; i <= kKept; ++i)
+            all[static_cast<std::size_t>(i + kKept)] = {std::pow(5.0, i), std::ldexp(1.0, i)};
+        return all;
+    }();
+    if (exponent >= -kKept && exponent <= kKept) {
+        const Powers& kept = powers[static_cast<std::size_t>(exponent + kKept)];
+        return value * kept.five * kept.two;
+    }
+    auto power = static_cast<int>(std::clamp<std::int64_t>(exponent, -100000, 100000));
+    return std::ldexp(value * std::pow(5.0, power), power);
+}
+
+// How many of eight units are digits up to the first that is not, and their value; all at once, since where a
+// number ends is hard to foresee.
+unsigned leadingDigits(const unichar* units, std::uint32_t& value) {
+#if defined(__x86_64__)
+    __m128i digits =
+        _mm_sub_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(units)), _mm_set1_epi16(u'0'));
+    __m128i above9 = _mm_subs_epu16(digits, _mm_set1_epi16(9));
+    auto areDigits = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(above9, _mm_setzero_si128())));
+    unsigned count = static_cast<unsigned>(std::countr_one(areDigits)) / 2;
+    if (!count) return 0;
+    // Zeros in front make them eight: pairs, then fours, then all.
+    auto eight = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_packus_epi16(digits, digits)));
+    eight <<= 64 - 8 * count;
+    eight = eight * 10 + (eight >> 8);
+    std::uint64_t outer = (eight & 0x000000FF000000FFu) * 0x000F424000000064u;
+    std::uint64_t inner = (eight >> 16 & 0x000000FF000000FFu) * 0x0000271000000001u;
+    value = static_cast<std::uint32_t>((outer + inner) >> 32);
+    return count;
+#else
+    unsigned count = 0;
+    for (unsigned digit; count < 8 && (digit = units[count] - unsigned{u'0'}) < 10; ++count)
+        value = value * 10 + digit;
+    return count;
+#endif
+}
+
 bool isSign(unichar unit) { return unit == u'+' || unit == u'-'; }
 
 }  // namespace
 
 std::uint32_t OFCharacterScanner::scanUnsignedIntegerMaximumDigits(NSUInteger max) {
     std::uint32_t value = 0;
-    for (; max > 0; --max) {
-        int digit = digitOf(peekCharacter());
-        if (digit < 0) break;
-        value = value * 10 + static_cast<std::uint32_t>(digit);
-        ++_scanLocation;
+    if (max >= 8 && bufferedCount() >= 8) {
+        unsigned count = leadingDigits(_scanLocation, value);
+        _scanLocation += count;
+        max -= count;
+        if (count < 8) return value;
+    }
+    while (max && hasCharacter()) {
+        unichar* place = _scanLocation;
+        unichar* const end = place + std::min<std::size_t>(max, bufferedCount());
+        for (unsigned digit; place < end && (digit = *place - unsigned{u'0'}) < 10; ++place)
+            value = value * 10 + digit;
+        max -= static_cast<NSUInteger>(place - _scanLocation);
+        _scanLocation = place;
+        if (place < end) break;
     }
     return value;
 }
@@ -247,10 +309,7 @@ bool OFCharacterScanner::scanDouble_maximumLength_exponentLength(double* value, 
     discardRewindMark();
     std::int64_t exponent = scanExponent(room, exponentLength) - std::int64_t{fraction};
     if (sign == u'-') mantissa = -mantissa;
-    if (exponent && mantissa != 0) {
-        auto power = static_cast<int>(std::clamp<std::int64_t>(exponent, -100000, 100000));
-        mantissa = std::ldexp(mantissa * std::pow(5.0, power), power);
-    }
+    if (exponent && mantissa != 0) mantissa = scaled(mantissa, exponent);
     *value = mantissa;
     return true;
 }
@@ -346,9 +405,17 @@ bool OFCharacterScanner::scanUpToString(NSString* string) {
     requireString(string, "scanUpToString:");
     if (!string->length()) return true;
     StringUnits text(string);
-    unichar first = text[0];
-    return scanUpToText(text, text,
-                        [first](unichar* place, unichar* end) { return findUnit(place, end, first); });
+    // Where the whole text can be in the buffer its last unit must follow, too.
+    std::size_t distance = text.size() - 1;
+    unichar first = text[0], last = text[static_cast<NSUInteger>(distance)];
+    return scanUpToText(text, text, [=](unichar* place, unichar* end) {
+        if (static_cast<std::size_t>(end - place) > distance) {
+            unichar* found = findPair(place, end - distance, first, last, distance);
+            if (found < end - distance) return found;
+            place = found;
+        }
+        return findUnit(place, end, first);
+    });
 }
 
 bool OFCharacterScanner::scanUpToStringCaseInsensitive(NSString* string) {
@@ -555,6 +622,13 @@ OFTrieBucket* OFCharacterScanner::readLongestTrieElement_delimiterOFCharacterSet
                                                                                  OFCharacterSet* delimiters) {
     OFTrieNode* node = trie ? trie->headNode() : nullptr;
     if (!node || !node->childCount()) return nullptr;
+    normalize();
+    TrieIndex::Found found;
+    const TrieIndex* index = trie->index();
+    if (index && index->findLongest(_scanLocation, _scanEnd, delimiters, found)) {
+        if (found.bucket) _scanLocation += found.length;
+        return found.bucket;
+    }
     setRewindMark();
     OFTrieBucket* last = nullptr;
     NSUInteger lastEnd = 0;

@@ -60,6 +60,20 @@ void forRange(NSRange range, Change change) {
     if (end > kUnitCount) forBytes(0, end - kUnitCount, change);
 }
 
+// What compilers turn into the machine's vectors.
+using Bytes16 = std::uint8_t __attribute__((vector_size(16)));
+
+template <class Combination>
+void combine(std::uint8_t* bitmap, const std::uint8_t* other, Combination combination) {
+    for (std::size_t i = 0; i < OFCharacterSet::kBitmapSize; i += sizeof(Bytes16)) {
+        Bytes16 own, its;
+        std::memcpy(&own, bitmap + i, sizeof own);
+        std::memcpy(&its, other + i, sizeof its);
+        own = combination(own, its);
+        std::memcpy(bitmap + i, &own, sizeof own);
+    }
+}
+
 NSString* stringOfUnit(unsigned unit) {
     auto value = static_cast<unichar>(unit);
     return NSString::of({&value, 1});
@@ -119,11 +133,11 @@ void OFCharacterSet::removeCharactersInString(NSString* string) {
 }
 
 void OFCharacterSet::addBitmap(const std::uint8_t* other) {
-    for (std::size_t i = 0; i < kBitmapSize; ++i) _bitmapRep[i] |= other[i];
+    combine(_bitmapRep.data(), other, [](Bytes16 own, Bytes16 its) { return own | its; });
 }
 
 void OFCharacterSet::removeBitmap(const std::uint8_t* other) {
-    for (std::size_t i = 0; i < kBitmapSize; ++i) _bitmapRep[i] &= static_cast<std::uint8_t>(~other[i]);
+    combine(_bitmapRep.data(), other, [](Bytes16 own, Bytes16 its) { return own & ~its; });
 }
 
 void OFCharacterSet::addCharactersFromOFCharacterSet(OFCharacterSet* other) {
@@ -143,7 +157,7 @@ void OFCharacterSet::removeCharactersFromCharacterSet(NSCharacterSet* other) {
 }
 
 void OFCharacterSet::invert() {
-    for (std::uint8_t& byte : _bitmapRep) byte = static_cast<std::uint8_t>(~byte);
+    combine(_bitmapRep.data(), _bitmapRep.data(), [](Bytes16 own, Bytes16) { return ~own; });
 }
 
 NSMutableDictionary* OFCharacterSet::debugDictionary() {

@@ -10,6 +10,8 @@
 #include "Foundation/NSString.h"
 #include "Runtime/NSException.h"
 #include "Scanning/UTF8StepPrivate.h"
+#include "Scanning/WideDecodingPrivate.h"
+#include "Scanning/WideInstructionsPrivate.h"
 
 namespace pelvor {
 namespace {
@@ -98,28 +100,29 @@ const UpperHalf* upperHalfOf(CFStringEncoding encoding) {
 using Bytes16 = std::uint8_t __attribute__((vector_size(16)));
 using Units16 = std::uint16_t __attribute__((vector_size(32)));
 
-// Sixteen bytes as units; whether none of them is in [0x80, 0x80 + span).
-bool widenSixteen(const unsigned char* bytes, unichar* units, std::uint8_t span) {
+// Sixteen bytes as units, then those again that are in [0x80, 0x80 + span).
+void decodeSixteen(const UpperHalf& half, unsigned span, const unsigned char* bytes, unichar* units) {
     Bytes16 block;
     std::memcpy(&block, bytes, sizeof block);
     Units16 wide = __builtin_convertvector(block, Units16);
     std::memcpy(units, &wide, sizeof wide);
-    auto special = static_cast<Bytes16>(block - 0x80 < span);
+    auto special = static_cast<Bytes16>(block - 0x80 < static_cast<std::uint8_t>(span));
     std::uint64_t words[2];
     std::memcpy(words, &special, sizeof words);
-    return (words[0] | words[1]) == 0;
+    if (!(words[0] | words[1])) return;
+    for (int i = 0; i < 16; ++i)
+        if (bytes[i] >= 0x80) units[i] = half[bytes[i] & 0x7F];
 }
 
 void decodeSingly(const UpperHalf& half, const unsigned char* bytes, NSUInteger count, unichar* units) {
     // How many places from 0x80 on may be something else than their byte.
-    std::uint8_t span = 0x80;
+    unsigned span = 0x80;
     while (span > 0 && half[span - 1u] == 0x80 + span - 1) --span;
-    auto decode = [&](NSUInteger i) { units[i] = bytes[i] < 0x80 ? bytes[i] : half[bytes[i] & 0x7F]; };
+    if (instructionsInUse() == Instructions::avx512)
+        return decodeSinglyWide(half.data(), span, bytes, count, units);
     NSUInteger i = 0;
-    for (; count - i >= 16; i += 16)
-        if (!widenSixteen(bytes + i, units + i, span))
-            for (NSUInteger k = i; k < i + 16; ++k) decode(k);
-    for (; i < count; ++i) decode(i);
+    for (; count - i >= 16; i += 16) decodeSixteen(half, span, bytes + i, units + i);
+    for (; i < count; ++i) units[i] = bytes[i] < 0x80 ? bytes[i] : half[bytes[i] & 0x7F];
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "Foundation/NSNumber.h"
 #include "Scanning/CaseFormsPrivate.h"
 #include "Scanning/NSObject-OFDebugging.h"
+#include "Scanning/TrieIndexPrivate.h"
 
 namespace pelvor {
 
@@ -60,6 +61,23 @@ struct OFTrie::Key {
   private:
     CaseForms _forms;
 };
+
+// Small tries that are read a few times need no index; after that, making it costs less than the reads before
+// it.
+constexpr std::size_t kReadsBeforeIndex = 64;
+
+OFTrie::OFTrie() : _readsUntilIndex(kReadsBeforeIndex) {}
+
+OFTrie::~OFTrie() = default;
+
+const TrieIndex* OFTrie::index() {
+    if (_index && _index->isCurrent()) return _index.get();
+    if (_index) _readsUntilIndex = kReadsBeforeIndex + _index->nodeCount() / 4;
+    _index.reset();
+    if (_readsUntilIndex && --_readsUntilIndex) return nullptr;
+    _index = std::make_unique<TrieIndex>(_head);
+    return _index.get();
+}
 
 Retained<OFTrie> OFTrie::initCaseSensitive(bool isCaseSensitive, Class* cls) {
     auto self = make<OFTrie>(cls);

@@ -2,6 +2,8 @@
 // OFTrie: finds the words that begin at a place in a text, unit by unit.
 #pragma once
 
+#include <memory>
+
 #include "Foundation/NSEnumerator.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSString.h"
@@ -10,6 +12,7 @@
 namespace pelvor {
 
 class OFTrieEnumerator;
+class TrieIndex;
 
 /// Maps strings to buckets, which it retains:
 ///
@@ -40,9 +43,13 @@ class PELVOR_EXPORT OFTrie : public NSObject {
     /// The root's dictionary with the head under "head". Borrowed.
     NSMutableDictionary* debugDictionary();
 
+    /// For the scanner: the words packed together, which a trie makes once it has been read often enough
+    /// since it was changed; none until then. Valid until the next change.
+    const TrieIndex* index();
+
   protected:
-    OFTrie() = default;
-    ~OFTrie() = default;
+    OFTrie();
+    ~OFTrie();
 
   private:
     struct Key;
@@ -50,6 +57,8 @@ class PELVOR_EXPORT OFTrie : public NSObject {
                      const Key& key);
 
     Retained<OFTrieNode> _head;
+    std::unique_ptr<TrieIndex> _index;
+    std::size_t _readsUntilIndex;
     bool _caseSensitive = true;
 };
 

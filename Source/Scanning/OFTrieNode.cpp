@@ -11,6 +11,7 @@
 #include "Foundation/NSString.h"
 #include "Runtime/NSException.h"
 #include "Scanning/NSObject-OFDebugging.h"
+#include "Scanning/TrieIndexPrivate.h"
 
 namespace pelvor {
 
@@ -45,6 +46,7 @@ OFTrieBucket::~OFTrieBucket() {
 
 void OFTrieBucket::setRemainingLower_upper_length(const unichar* lower, const unichar* upper,
                                                   NSInteger length) {
+    if (_isIndexed) TrieIndex::noteEdit();
     unichar* previous = _lower;
     if (lower && upper && length >= 1) {
         auto count = static_cast<std::size_t>(length);
@@ -126,6 +128,7 @@ void OFTrieNode::addChild_withCharacter(id child, unichar character) {
     NSUInteger index = indexOfCharacter(character);
     bool isPresent = index < _childCount && _characters[index] == character;
     if (isPresent && childAtIndex(index) == child) return;
+    if (_indexNumber) TrieIndex::noteEdit();
     if (!isPresent) insertEntry(index, {}, character);
     Object* previous = childAtIndex(index);
     if (child) child->retain();

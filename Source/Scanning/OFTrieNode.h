@@ -30,10 +30,12 @@ class PELVOR_EXPORT OFTrieBucket : public NSObject {
     ~OFTrieBucket();
 
   private:
+    friend class TrieIndex;
     static unichar emptyCharacters[1];
 
     unichar* _lower = emptyCharacters;  // one block holds both
     unichar* _upper = emptyCharacters;
+    bool _isIndexed = false;
 };
 
 /// A branch: children, nodes or buckets, by the unit that leads to each, in ascending order. A bucket under 0
@@ -78,6 +80,8 @@ class PELVOR_EXPORT OFTrieNode : public NSObject {
     ~OFTrieNode();
 
   private:
+    friend class TrieIndex;
+
     // An address whose lowest bit says that it is a node's.
     class Entry {
       public:
@@ -111,6 +115,9 @@ class PELVOR_EXPORT OFTrieNode : public NSObject {
     NSUInteger _capacity = 0;
     Entry* _children = nullptr;  // one block holds the children, then the units
     unichar* _characters = nullptr;
+    // Where the index with this number has the node; 0 for none.
+    std::uint32_t _indexNumber = 0;
+    std::uint32_t _indexPlace = 0;
 };
 
 }  // namespace pelvor

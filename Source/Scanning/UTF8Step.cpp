@@ -4,6 +4,8 @@
 #include <bit>
 #include <cstring>
 
+#include "Scanning/WideInstructionsPrivate.h"
+
 namespace pelvor {
 namespace {
 
@@ -32,10 +34,15 @@ bool isContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 }  // namespace
 
 void UTF8Step::run() {
+    const bool isWide = instructionsInUse() == Instructions::avx512;
     while (_in < _inEnd && _out < _outEnd) {
         if (_state.utf8octetsremaining) {
             if (readOwed() == Progress::stopped) return;
             continue;
+        }
+        if (isWide) {
+            readWide();
+            if (_in == _inEnd || _out == _outEnd) return;
         }
         if (*_in < 0x80)
             readASCII();

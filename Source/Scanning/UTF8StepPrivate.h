@@ -28,6 +28,8 @@ class UTF8Step {
 
     std::size_t inputLeft() const { return static_cast<std::size_t>(_inEnd - _in); }
     std::size_t roomLeft() const { return static_cast<std::size_t>(_outEnd - _out); }
+    // Goes as far as whole characters do, in the widest instructions; what it leaves is for the rest.
+    void readWide();
     void readASCII();
     void readTwoByteRun();
     void readThreeByteRun();

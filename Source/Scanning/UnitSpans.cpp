@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Scanning/UnitSpansPrivate.h"
 
+#include <bit>
 #include <cstring>
+
+#include "Scanning/WideInstructionsPrivate.h"
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -48,18 +51,22 @@ unichar* findMemberSingly(unichar* place, unichar* end, const std::uint8_t* bitm
 }
 
 #if defined(__x86_64__)
+#define PELVOR_AVX2 __attribute__((target("avx2,bmi")))
+
+PELVOR_AVX2 inline __m256i loadWide(const unichar* from) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
+}
+
 // Thirty-two units at a time, whose bytes look their bits up in the first sixteen bytes of the bitmap; blocks
 // with units beyond ASCII go unit by unit.
-__attribute__((target("avx2"))) unichar* findMemberWide(unichar* place, unichar* end,
-                                                        const std::uint8_t* bitmap) {
+PELVOR_AVX2 unichar* findMemberWide(unichar* place, unichar* end, const std::uint8_t* bitmap) {
     const __m256i table =
         _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bitmap)));
     const __m256i bits = _mm256_set1_epi64x(static_cast<long long>(0x8040201008040201u));
     const __m256i low4 = _mm256_set1_epi8(0x0F), low3 = _mm256_set1_epi8(0x07);
     const __m256i beyond = _mm256_set1_epi16(static_cast<short>(0xFF80));
     for (; end - place >= 32; place += 32) {
-        __m256i first = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(place));
-        __m256i second = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(place + 16));
+        __m256i first = loadWide(place), second = loadWide(place + 16);
         if (!_mm256_testz_si256(_mm256_or_si256(first, second), beyond)) {
             unichar* found = findMemberSingly(place, place + 32, bitmap);
             if (found < place + 32) return found;
@@ -68,23 +75,41 @@ __attribute__((target("avx2"))) unichar* findMemberWide(unichar* place, unichar*
         __m256i units = _mm256_packus_epi16(first, second);
         __m256i bytes = _mm256_shuffle_epi8(table, _mm256_and_si256(_mm256_srli_epi16(units, 3), low4));
         __m256i wanted = _mm256_shuffle_epi8(bits, _mm256_and_si256(units, low3));
-        if (!_mm256_testz_si256(bytes, wanted)) break;
+        __m256i found = _mm256_and_si256(bytes, wanted);
+        if (_mm256_testz_si256(found, found)) continue;
+        // Packing has left the quarters as 0, 2, 1, 3.
+        found = _mm256_permute4x64_epi64(_mm256_cmpeq_epi8(found, _mm256_setzero_si256()), 0xD8);
+        return place + std::countr_zero(~static_cast<unsigned>(_mm256_movemask_epi8(found)));
     }
     return findMemberSingly(place, end, bitmap);
 }
 
-bool hasWideInstructions() { return __builtin_cpu_supports("avx2"); }
+PELVOR_AVX2 unichar* findPairWide(unichar* place, unichar* end, unichar first, unichar second,
+                                  std::size_t distance) {
+    const __m256i firsts = _mm256_set1_epi16(static_cast<short>(first));
+    const __m256i seconds = _mm256_set1_epi16(static_cast<short>(second));
+    for (; end - place >= 32; place += 32) {
+        __m256i low = _mm256_and_si256(_mm256_cmpeq_epi16(loadWide(place), firsts),
+                                       _mm256_cmpeq_epi16(loadWide(place + distance), seconds));
+        __m256i high = _mm256_and_si256(_mm256_cmpeq_epi16(loadWide(place + 16), firsts),
+                                        _mm256_cmpeq_epi16(loadWide(place + 16 + distance), seconds));
+        __m256i either = _mm256_or_si256(low, high);
+        if (_mm256_testz_si256(either, either)) continue;
+        if (auto found = static_cast<unsigned>(_mm256_movemask_epi8(low)))
+            return place + std::countr_zero(found) / 2;
+        return place + 16 + std::countr_zero(static_cast<unsigned>(_mm256_movemask_epi8(high))) / 2;
+    }
+    return place;
+}
 #else
 unichar* findMemberWide(unichar* place, unichar* end, const std::uint8_t* bitmap) {
     return findMemberSingly(place, end, bitmap);
 }
 
-bool hasWideInstructions() { return false; }
+unichar* findPairWide(unichar* place, unichar*, unichar, unichar, std::size_t) { return place; }
 #endif
 
-// Not known before the first call.
-enum class Width : char { unknown, single, wide };
-Width width = Width::unknown;
+bool isWide() { return instructionsInUse() != Instructions::plain; }
 
 }  // namespace
 
@@ -103,16 +128,19 @@ unichar* findAbove(unichar* begin, unichar* end, unichar limit) {
 }
 
 unichar* findMember(unichar* begin, unichar* end, const std::uint8_t* bitmap) {
-    // Tokens are short: most end here.
-    for (int i = 0; i < 16; ++i, ++begin)
-        if (begin == end || isMember(bitmap, *begin)) return begin;
-    if (width == Width::unknown) useWideInstructions(true);
-    return width == Width::wide ? findMemberWide(begin, end, bitmap) : findMemberSingly(begin, end, bitmap);
+    return isWide() ? findMemberWide(begin, end, bitmap) : findMemberSingly(begin, end, bitmap);
 }
 
-bool useWideInstructions(bool wanted) {
-    width = wanted && hasWideInstructions() ? Width::wide : Width::single;
-    return width == Width::wide;
+unichar* findPair(unichar* begin, unichar* end, unichar first, unichar second, std::size_t distance) {
+    unichar* place = begin;
+    if (isWide()) {
+        place = findPairWide(begin, end, first, second, distance);
+        if (end - place >= 32) return place;
+    }
+    for (; end - place >= 8; place += 8)
+        if (isAnySet((load(place) == eightOf(first)) & (load(place + distance) == eightOf(second)))) break;
+    while (place < end && (*place != first || place[distance] != second)) ++place;
+    return place;
 }
 
 }  // namespace pelvor

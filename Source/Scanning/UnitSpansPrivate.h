@@ -13,11 +13,11 @@ namespace pelvor {
 unichar* findUnit(unichar* begin, unichar* end, unichar unit);
 /// The first place with a member of the bitmap, in which unit c is bit c & 7 of byte c >> 3.
 PELVOR_EXPORT unichar* findMember(unichar* begin, unichar* end, const std::uint8_t* bitmap);
+/// The first place in [begin, end) with `first`, and `second` so many units behind it; `end` without them.
+/// There are units to read as far as `end` and that distance.
+PELVOR_EXPORT unichar* findPair(unichar* begin, unichar* end, unichar first, unichar second,
+                                std::size_t distance);
 /// The first place with a unit above the limit.
 unichar* findAbove(unichar* begin, unichar* end, unichar limit);
-
-/// Takes the machine's wide instructions into use, or back out of it: without them `findMember` goes unit by
-/// unit, to the same results. Answers whether they are in use now. For tests.
-PELVOR_EXPORT bool useWideInstructions(bool wanted);
 
 }  // namespace pelvor

@@ -13,6 +13,7 @@
 #include "Scanning/OFStringScanner.h"
 #include "Scanning/OFTrie.h"
 #include "Scanning/UnitSpansPrivate.h"
+#include "Scanning/WideInstructionsPrivate.h"
 
 namespace pelvor {
 namespace {
@@ -208,12 +209,11 @@ TEST(CharacterScanner, FindsMembersTheSameWayWithAndWithoutWideInstructions) {
                 std::u16string text(length, fill);
                 if (place < length) text[place] = u"\x7F;\x3B1"[place % 3];
                 unichar* end = text.data() + length;
-                useWideInstructions(false);
-                ASSERT_EQ(findMember(text.data(), end, set->bitmapRep()) - text.data(),
-                          std::ptrdiff_t(place));
-                useWideInstructions(true);
-                ASSERT_EQ(findMember(text.data(), end, set->bitmapRep()) - text.data(),
-                          std::ptrdiff_t(place));
+                for (auto level : {Instructions::plain, Instructions::avx512}) {
+                    useInstructions(level);
+                    ASSERT_EQ(findMember(text.data(), end, set->bitmapRep()) - text.data(),
+                              std::ptrdiff_t(place));
+                }
             }
 }
 

@@ -3,10 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 
 #include "Runtime/NSException.h"
 #include "Scanning/OFCaseConversion.h"
+#include "Scanning/WideInstructionsPrivate.h"
 
 namespace pelvor {
 namespace {
@@ -52,10 +54,57 @@ TEST(StringDecoder, DecodesInStepsOfAnySize) {
         {kCFStringEncodingMacRomanLatin1, "a\xE9\xC4", u"a\xE9\xC4"},
         {kCFStringEncodingNextStepLatin, "\x80\xFD\xFE", u"\xA0\xFF\xFFFD"},
     };
-    for (const auto& entry : cases)
-        for (std::size_t step : {1, 2, 3, 5, 16, 100})
-            EXPECT_EQ(decoded(entry.bytes, entry.encoding, step), entry.text)
-                << entry.encoding << ' ' << step;
+    for (auto level : {Instructions::plain, Instructions::avx512})
+        for (const auto& entry : cases)
+            for (std::size_t step : {1, 2, 3, 5, 16, 100}) {
+                useInstructions(level);
+                EXPECT_EQ(decoded(entry.bytes, entry.encoding, step), entry.text)
+                    << entry.encoding << ' ' << step;
+            }
+}
+
+// Well-formed, broken and cut characters in any order, into room of any size.
+TEST(StringDecoder, DecodesTheSameAtEveryLevelOfInstructions) {
+    const std::string parts[] = {
+        "plain text of more than sixty-four bytes, so that whole blocks of it are ASCII",
+        "a",
+        "\xC3\xA4",
+        "\xE4\xB8\xAD",
+        "\xF0\x9F\x98\x80",
+        "\xF4\x8F\xBF\xBF",
+        "\xF0\x8F\xBF\xBF",
+        "\xF4\x90\x80\x80",
+        "\xC0\x80",
+        "\xED\xA0\x80",
+        "\xE4\xB8",
+        "\xC3",
+        "\xF0\x9F\x98",
+        "\x80",
+        "\xFF",
+        "\xF8\x88\x80\x80\x80"};
+    std::mt19937 random(5);
+    for (int round = 0; round < 20000; ++round) {
+        std::string bytes;
+        // Few broken parts in half of the rounds: then blocks are taken whole.
+        for (auto count = random() % 40; count > 0; --count)
+            bytes += parts[random() % (round % 2 && random() % 8 ? 6 : std::size(parts))];
+        auto room = static_cast<NSUInteger>(random() % 200);
+        OFCharacterScanResult results[2];
+        std::u16string texts[2];
+        for (int i = 0; i < 2; ++i) {
+            useInstructions(i ? Instructions::avx512 : Instructions::plain);
+            texts[i].resize(room);
+            results[i] =
+                OFScanCharactersIntoBuffer(OFInitialStateForEncoding(kCFStringEncodingUTF8),
+                                           reinterpret_cast<const unsigned char*>(bytes.data()),
+                                           static_cast<NSUInteger>(bytes.size()), texts[i].data(), room);
+            texts[i].resize(results[i].charactersProduced);
+        }
+        ASSERT_EQ(texts[0], texts[1]) << round;
+        ASSERT_EQ(results[0].bytesConsumed, results[1].bytesConsumed);
+        ASSERT_EQ(results[0].state.partialCharacter, results[1].state.partialCharacter);
+        ASSERT_EQ(results[0].state.utf8octetsremaining, results[1].state.utf8octetsremaining);
+    }
 }
 
 TEST(StringDecoder, TellsHowFarItCame) {

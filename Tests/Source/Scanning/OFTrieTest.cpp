@@ -7,6 +7,7 @@
 #include <random>
 
 #include "Foundation/NSMutableDictionary.h"
+#include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
 #include "Scanning/OFStringScanner.h"
 
@@ -73,6 +74,48 @@ TEST(OFTrie, FollowsAnOrderedMap) {
     EXPECT_EQ(walk->nextObject(), nullptr);
 }
 
+// The longest word of the map at the place that a delimiter or the end follows.
+OFTrieBucket* longestAt(const std::map<std::u16string, OFTrieBucket*>& model, std::u16string_view text) {
+    OFTrieBucket* longest = nullptr;
+    char16_t next = 0;
+    for (std::size_t length = 1; length <= text.size(); ++length) {
+        auto found = model.find(std::u16string(text.substr(0, length)));
+        if (found == model.end()) continue;
+        longest = found->second;
+        next = length < text.size() ? text[length] : u'\0';
+    }
+    return next == 0 || next == u' ' ? longest : nullptr;
+}
+
+TEST(OFTrie, IsReadTheSameWayBeforeAndAfterItHasAnIndex) {
+    std::mt19937 random(4);
+    OFCharacterSet* space = OFCharacterSet::whitespaceOFCharacterSet();
+    for (bool isCaseSensitive : {true, false}) {
+        auto trie = OFTrie::initCaseSensitive(isCaseSensitive);
+        std::map<std::u16string, OFTrieBucket*> model;
+        auto letters = [&](std::size_t count) {
+            std::u16string word;
+            while (word.size() < count)
+                word += random() % 9 ? u"abA"[random() % (isCaseSensitive ? 3 : 2)] : u' ';
+            return word;
+        };
+        for (int round = 0; round < 400; ++round) {
+            AutoreleasePool pool;
+            std::u16string word = letters(random() % 12), text = letters(60);
+            model[word] = add(trie, word);
+            auto scanner = OFStringScanner::initWithString(NSString::of(text));
+            scanner->setRewindMark();
+            // Some changes come before there is an index, some after.
+            for (auto reads = random() % 200; reads > 0; --reads) {
+                auto place = static_cast<NSUInteger>(random() % text.size());
+                scanner->setScanLocation(place);
+                ASSERT_EQ(scanner->readLongestTrieElement_delimiterOFCharacterSet(trie, space),
+                          longestAt(model, std::u16string_view(text).substr(place)));
+            }
+        }
+    }
+}
+
 TEST(OFTrie, SurvivesWordsOfAMillionUnits) {
     auto trie = OFTrie::initCaseSensitive(true);
     std::u16string word(1000000, u'a');
@@ -80,6 +123,12 @@ TEST(OFTrie, SurvivesWordsOfAMillionUnits) {
     OFTrieBucket* longer = add(trie, word + u"a");
     EXPECT_EQ(trie->bucketForString(NSString::of(word)), shorter);
     auto scanner = OFStringScanner::initWithString(NSString::of(word + u"ab"));
+    scanner->setRewindMark();
+    for (int i = 0; i < 100; ++i) {
+        scanner->setScanLocation(999990);
+        EXPECT_EQ(scanner->readLongestTrieElement(trie), nullptr) << "gets its index meanwhile";
+    }
+    scanner->rewindToMark();
     EXPECT_EQ(scanner->readLongestTrieElement(trie), longer);
     EXPECT_EQ(scanner->readCharacter(), u'b');
 }
