@@ -98,6 +98,17 @@ enum class Trust {
 
 constexpr std::uint64_t kLongestCharacter = 4;
 
+// Of those that are decoded in blocks; the numbers of UTF-16 and UTF-32 are the last ones.
+std::uint64_t fewestBytesPerUnit(NSStringEncoding encoding) {
+    return encoding >= NSUTF32StringEncoding ? 2 : 1;
+}
+
+// Bytes are looked through many at a time, units one by one.
+bool hasZero(std::string_view bytes, std::u16string_view units, NSStringEncoding encoding) {
+    return fewestBytesPerUnit(encoding) == 1 ? bytes.find('\0') != bytes.npos
+                                             : units.find(u'\0') != units.npos;
+}
+
 // Reads a file once through, in one encoding.
 class TextFilePass {
   public:
@@ -141,10 +152,6 @@ class TextFilePass {
     TextUnits& text() { return _text; }
 
   private:
-    static std::uint64_t fewestBytesPerUnit(NSStringEncoding encoding) {
-        return encoding >= NSUTF32StringEncoding ? 2
-                                                 : 1;  // these and the numbers of UTF-16 are the last ones
-    }
     bool fail(TextFileFault fault) {
         _fault = fault;
         return false;
@@ -155,7 +162,7 @@ class TextFilePass {
         if (!decodeBlock(bytes, encoding, _text)) return false;
         if (_trust == Trust::named) return true;
         const std::u16string_view units = _text.view().substr(start);
-        return (start > 0 || looksLikeText(units)) && units.find(u'\0') == units.npos;
+        return (start > 0 || looksLikeText(units)) && !hasZero(bytes, units, encoding);
     }
 
     const TextFileSource& _source;
