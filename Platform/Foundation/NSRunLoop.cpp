@@ -152,7 +152,7 @@ NSRunLoop::NSRunLoop() : _state(std::make_unique<State>()) {
     // A pipe rather than an event descriptor: its writer is taken for about to sleep, so that the loop's
     // thread may follow on the same processor.
     int ends[2] = {-1, -1};
-    bool isOpen = pipe2(ends, O_CLOEXEC | O_NONBLOCK) == 0;
+    bool isOpen = pipe2(ends, O_CLOEXEC) == 0;
     _state->wake = ends[0];
     _state->signal = ends[1];
     epoll_event event{EPOLLIN, {}};
@@ -549,6 +549,10 @@ void NSRunLoop::watchForMode(NSString* mode) {
 // Without descriptors only other threads can have left anything, which is told without the kernel.
 bool NSRunLoop::pollDescriptors(NSString* mode, NSTimeInterval timeout) {
     if (timeout == 0 && _state->descriptors.empty() && !_state->isSignalled.load()) return serveThreads(mode);
+    if (timeout == kNever && _state->descriptors.empty()) {  // only a signal can come
+        acknowledgeSignal(_state->wake);
+        return serveThreads(mode);
+    }
     watchForMode(mode);
     ClockScope* clock = timeout > 0 && timeout != kNever ? ClockScope::current() : nullptr;
     epoll_event events[16];
@@ -564,7 +568,7 @@ bool NSRunLoop::pollDescriptors(NSString* mode, NSTimeInterval timeout) {
     return (turns == _state->turns && serveThreads(mode)) || hasServed;
 }
 
-// Before anything is called, which may raise. A signal that comes in between is written anew.
+// Before anything is called, which may raise. Waits for the signal if there is none.
 void NSRunLoop::acknowledgeSignal(int ready) {
     if (ready != _state->wake) return;
     char signals[16];
