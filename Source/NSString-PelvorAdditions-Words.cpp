@@ -32,8 +32,7 @@ class WordSets {
         _digits = _pbDecimalDigitCharacterSet->basicPlaneBitmap();
         _money = _pbMoneyCharacterSet->basicPlaneBitmap();
         _singleQuotes = _pbSingleQuotesCharacterSet->basicPlaneBitmap();
-        _separatorSet = wordSeparators();
-        _separators = _separatorSet->basicPlaneBitmap();
+        _separators = wordSeparators()->basicPlaneBitmap();
     }
     bool isLetter(unichar unit) const { return has(_letters, unit); }
     bool isDigit(unichar unit) const { return has(_digits, unit); }
@@ -44,7 +43,6 @@ class WordSets {
   private:
     static bool has(const std::uint8_t* bitmap, unichar unit) { return bitmap[unit >> 3] >> (unit & 7) & 1; }
 
-    NSCharacterSet* _separatorSet;  // the others' owners are elsewhere
     const std::uint8_t* _letters;
     const std::uint8_t* _digits;
     const std::uint8_t* _money;
