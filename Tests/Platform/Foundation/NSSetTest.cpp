@@ -110,6 +110,15 @@ TEST(NSSetTest, AReleaseMayUseTheSet) {
     EXPECT_EQ(set->count(), 29u);
 }
 
+TEST(NSSetTest, IsMadeInTheClassThatIsAsked) {
+    for (Class* cls : {NSMutableSet::classObject(), NSCountedSet::classObject()}) {
+        auto* set = send<NSMutableSet*>(cls, "setWithObject:"_sel, num(4));
+        EXPECT_TRUE(set->isKindOfClass(cls));
+        send(set, "addObject:"_sel, num(5));
+        EXPECT_EQ(listing(set), "4 5");
+    }
+}
+
 TEST(NSSetTest, CountsItsObjects) {
     auto set = NSCountedSet::initWithArray(numbers({1, 2, 1, 1}));
     EXPECT_EQ(set->count(), 2u);

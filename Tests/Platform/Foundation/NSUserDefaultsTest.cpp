@@ -192,7 +192,9 @@ TEST_F(UserDefaultsFiles, AreNotMadeWithoutChanges) {
 TEST_F(UserDefaultsFiles, AreFoundInTheHomeFolderToo) {
     EnvironmentScope none("XDG_CONFIG_HOME", "relative/paths/do/not/count");
     EnvironmentScope home("HOME", folder.path().c_str());
-    EXPECT_TRUE(save(open().get(), u"a"_ns, u"1"_ns));
+    auto defaults = open();
+    defaults->setBool_forKey(true, u"a"_ns);
+    EXPECT_TRUE(defaults->synchronize());
     EXPECT_TRUE(fs::exists(folder.path() / ".config/pelvor/Test.plist"));
 }
 
