@@ -1,27 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/TextFiles/TextUnits.h"
 
-#include <sys/mman.h>
-
 #include <algorithm>
-#include <cstdint>
 #include <cstdlib>
 #include <new>
 #include <utility>
 
 namespace pelvor {
-namespace {
-
-// Fresh memory costs more than the reading of a long text; in large pages it costs a fraction of that.
-void askForLargePages(void* memory, std::size_t size) {
-    constexpr std::uintptr_t kPage = std::uintptr_t{2} << 20;
-    const auto start = (reinterpret_cast<std::uintptr_t>(memory) + kPage - 1) / kPage * kPage;
-    const auto end = (reinterpret_cast<std::uintptr_t>(memory) + size) / kPage * kPage;
-    if (start < end) madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
-}
-
-}  // namespace
-
 TextUnits::TextUnits(TextUnits&& other) noexcept
     : _units(std::exchange(other._units, nullptr)),
       _length(std::exchange(other._length, 0)),
@@ -43,7 +28,6 @@ char16_t* TextUnits::reserve(std::size_t count) {
         if (!memory) throw std::bad_alloc();
         _units = static_cast<char16_t*>(memory);
         _capacity = capacity;
-        askForLargePages(memory, capacity * sizeof *_units);
     }
     return _units + _length;
 }
