@@ -203,7 +203,8 @@ struct Pair {
                 require(tokenOf(scanner->readCharacterCount(number)) == model.count(number), "count");
                 break;
             default: {
-                if (model.marks.size() == 8) break;
+                // It takes a mark of its own and another while it searches.
+                if (model.marks.size() >= 7) break;
                 std::size_t start = model.place;
                 model.goTo(model.text.find(word, model.place));
                 require(tokenOf(scanner->readFullTokenUpToString(string)) ==
