@@ -7,6 +7,7 @@
 #include <utility>
 
 namespace pelvor {
+
 TextUnits::TextUnits(TextUnits&& other) noexcept
     : _units(std::exchange(other._units, nullptr)),
       _length(std::exchange(other._length, 0)),
