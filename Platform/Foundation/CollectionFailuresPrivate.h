@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The exceptions that collections and values raise; for Foundation's own sources.
+// The exceptions that collections, values and strings raise; for Foundation's own sources.
 #pragma once
 
 #include "Foundation/NSRange.h"
@@ -9,6 +9,8 @@ namespace pelvor {
 
 /// Raises NSRangeException, "index (7) beyond bounds (3)".
 [[noreturn]] void raiseIndexBeyondBounds(NSUInteger index, NSUInteger bounds);
+/// Raises NSRangeException, "range {2, 2} beyond bounds (3)".
+[[noreturn]] void raiseRangeBeyondBounds(NSRange range, NSUInteger bounds);
 /// Raises NSInvalidArgumentException: `operation` was given no object.
 [[noreturn]] void raiseNoObject(const char* operation);
 
@@ -20,7 +22,7 @@ inline void requireIndex(NSUInteger index, NSUInteger bounds) {
 /// Raises NSRangeException for a range that is not inside a sequence of `count` places.
 inline void requireRange(NSRange range, NSUInteger count) {
     if (!isRangeInside(range, count)) [[unlikely]]
-        raiseIndexBeyondBounds(range.location > count ? range.location : NSMaxRange(range), count);
+        raiseRangeBeyondBounds(range, count);
 }
 
 inline void requireObject(id object, const char* operation) {

@@ -2,6 +2,7 @@
 // NSInlineString: the immutable string that creators answer; for Foundation's own sources.
 #pragma once
 
+#include "Foundation/CollectionFailuresPrivate.h"
 #include "Foundation/NSString.h"
 
 namespace pelvor {
@@ -70,9 +71,6 @@ std::uintptr_t hashUnits(std::u16string_view units);
 std::uintptr_t cachedHash(std::atomic<std::uint32_t>& cache, std::u16string_view units);
 /// Copies the units of the range to the buffer. Raises NSRangeException for a range outside.
 void copyUnits(unichar* buffer, std::u16string_view units, NSRange range);
-/// Raise NSRangeException for an index not below the count, or a range not inside it.
-void requireIndex(NSUInteger index, NSUInteger count);
-void requireRange(NSRange range, NSUInteger count);
 /// Raises NSInvalidArgumentException for none.
 void requireString(NSString* string, const char* operation);
 

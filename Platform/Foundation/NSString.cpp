@@ -182,17 +182,6 @@ void NSString::getCharacters_range(unichar* buffer, NSRange range) {
     for (NSUInteger i = 0; i < range.length; ++i) buffer[i] = characterAtIndex(range.location + i);
 }
 
-void requireIndex(NSUInteger index, NSUInteger count) {
-    if (index >= count) [[unlikely]]
-        raiseException(NSRangeException, u"index (%d) beyond bounds (%d)"_ns, index, count);
-}
-
-void requireRange(NSRange range, NSUInteger count) {
-    if (!isRangeInside(range, count)) [[unlikely]]
-        raiseException(NSRangeException, u"range {%u, %u} beyond bounds (%d)"_ns, range.location,
-                       range.length, count);
-}
-
 void requireString(NSString* string, const char* operation) {
     if (!string) [[unlikely]]
         raiseException(NSInvalidArgumentException, u"%s none where a string is needed"_ns, operation);

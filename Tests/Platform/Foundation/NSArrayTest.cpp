@@ -50,7 +50,7 @@ TEST(NSArrayTest, FindsByEqualityOfItsEntriesOrByIdentity) {
     EXPECT_FALSE(array->containsObject(nullptr));
     NSRange outside{2, 0xFFFFFFFF};
     EXPECT_EQ(reasonOf(NSRangeException, [&] { array->indexOfObject_inRange(one, outside); }),
-              "index (1) beyond bounds (3)");
+              "range {2, 4294967295} beyond bounds (3)");
     EXPECT_EQ(array->firstObjectCommonWithArray(NSArray::of({u"x"_ns, one})), one);
     EXPECT_EQ(array->firstObjectCommonWithArray(nullptr), nullptr);
 }
@@ -61,7 +61,7 @@ TEST(NSArrayTest, MakesOtherArrays) {
     EXPECT_EQ(array->subarrayWithRange({3, 0})->count(), 0u);
     NSRange outside{2, 2};
     EXPECT_EQ(reasonOf(NSRangeException, [&] { array->subarrayWithRange(outside); }),
-              "index (4) beyond bounds (3)");
+              "range {2, 2} beyond bounds (3)");
     EXPECT_EQ(listing(array->arrayByAddingObject(num(9))), "3 1 2 9");
     EXPECT_EQ(listing(array->arrayByAddingObjectsFromArray(array)), "3 1 2 3 1 2");
     EXPECT_EQ(array->componentsJoinedByString(u", "_ns)->toUTF8(), "3, 1, 2");

@@ -228,7 +228,7 @@ TEST_F(BadBundleTest, FilesThatAreNoCodeAreRefused) {
         {"order", "another kind of machine", changed(EI_DATA, ELFDATA2MSB)},
         {"relocatable", "no shared object", changed(offsetof(Elf64_Ehdr, e_type), ET_REL)},
         {"header", "cut off", sound.substr(0, sizeof(Elf64_Ehdr))},
-        {"half", "cut off", sound.substr(0, sound.size() / 2)},
+        {"page", "cut off", sound.substr(0, 4096)},
     };
     for (const auto& row : rows) expectCodeRefused(row.name, "executable", row.reason, row.code);
     const std::string information_ = entry("CFBundleExecutable", "<string>code.so</string>");

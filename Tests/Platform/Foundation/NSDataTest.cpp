@@ -43,7 +43,7 @@ TEST_F(NSDataTest, HoldsACopyOfTheBytes) {
                        [&] {
                            data->subdataWithRange({5, 2});
                        }),
-              "index (7) beyond bounds (6)");
+              "range {5, 2} beyond bounds (6)");
     EXPECT_EQ(data->copy().get(), data);
     EXPECT_THROW(NSData::dataWithBytes_length(nullptr, 1), NSException);
 }
