@@ -39,7 +39,7 @@ int seededRandom() {
     return static_cast<int>(random());
 }
 
-// A set of the characters of a UTF-8 text, for good.
+// A new set of the characters of a UTF-8 text, for good.
 NSCharacterSet* keptSetOf(const char* text) {
     return NSCharacterSet::initWithCharactersInString(NSString::stringWithUTF8String(text)).leak();
 }
@@ -97,9 +97,13 @@ void PBUtil_Dummy::didLoad() {
     _pbLettersCharacterSet = NSCharacterSet::letterCharacterSet();
     _pbWhitespaceCharacterSet = NSCharacterSet::whitespaceAndNewlineCharacterSet();
     _pbDecimalDigitCharacterSet = NSCharacterSet::decimalDigitCharacterSet();
-    _pbMoneyCharacterSet = keptSetOf("$\u20AC\u00A3\u00A5");
-    _pbDoubleQuotesCharacterSet = keptSetOf("\"\u201C\u201D\u00AB\u00BB");
-    _pbSingleQuotesCharacterSet = keptSetOf("'\u2018\u2019");
+    // Made once, though a text that is looked at earlier than the load-time sequence asks for them too.
+    static NSCharacterSet* const money = keptSetOf("$\u20AC\u00A3\u00A5");
+    static NSCharacterSet* const doubleQuotes = keptSetOf("\"\u201C\u201D\u00AB\u00BB");
+    static NSCharacterSet* const singleQuotes = keptSetOf("'\u2018\u2019");
+    _pbMoneyCharacterSet = money;
+    _pbDoubleQuotesCharacterSet = doubleQuotes;
+    _pbSingleQuotesCharacterSet = singleQuotes;
 }
 
 // MARK: Method replacement

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSLock.h"
 
-#include "Foundation/DeadlinePrivate.h"
 #include "Foundation/FoundationLibrary.h"
+#include "Foundation/TimedLockPrivate.h"
 
 namespace pelvor {
 
@@ -16,6 +16,6 @@ PELVOR_DEFINE_CLASS(NSLock, foundationLibrary) {
 
 Retained<NSLock> NSLock::init(Class* cls) { return make<NSLock>(cls); }
 
-bool NSLock::lockBeforeDate(NSDate* date) { return _mutex.try_lock_until(deadline(date)); }
+bool NSLock::lockBeforeDate(NSDate* date) { return lockUntil(_mutex, date); }
 
 }  // namespace pelvor

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSRecursiveLock.h"
 
-#include "Foundation/DeadlinePrivate.h"
 #include "Foundation/FoundationLibrary.h"
+#include "Foundation/TimedLockPrivate.h"
 
 namespace pelvor {
 
@@ -16,6 +16,6 @@ PELVOR_DEFINE_CLASS(NSRecursiveLock, foundationLibrary) {
 
 Retained<NSRecursiveLock> NSRecursiveLock::init(Class* cls) { return make<NSRecursiveLock>(cls); }
 
-bool NSRecursiveLock::lockBeforeDate(NSDate* date) { return _mutex.try_lock_until(deadline(date)); }
+bool NSRecursiveLock::lockBeforeDate(NSDate* date) { return lockUntil(_mutex, date); }
 
 }  // namespace pelvor
