@@ -19,15 +19,13 @@ Retained<PBSafeWeakReference> PBSafeWeakReference::initWithObject(id object, Cla
     return reference;
 }
 
-// Kept for the time of a message, so that it cannot end in the middle on another thread.
-Retained<Object> PBSafeWeakReference::target() {
-    Retained<Object> target = _target.object();
-    return target && target->isa() == _class ? target : nullptr;
-}
+bool PBSafeWeakReference::isAsItWas(id object) { return object && object->isa() == _class; }
+
+// The object is kept for the time of a message, so that it cannot end in the middle on another thread.
 
 NSMethodSignature* PBSafeWeakReference::methodSignatureForSelector(SEL selector) {
-    Retained<Object> object = target();
-    if (!object) return nullptr;
+    Retained<Object> object = _target.object();
+    if (!isAsItWas(object)) return nullptr;
     try {
         return object->methodSignatureForSelector(selector);
     } catch (...) {
@@ -37,9 +35,9 @@ NSMethodSignature* PBSafeWeakReference::methodSignatureForSelector(SEL selector)
 }
 
 void PBSafeWeakReference::forwardInvocation(NSInvocation* invocation) {
-    Retained<Object> object = target();
+    Retained<Object> object = _target.object();
     invocation->setTarget(object);
-    if (!object) return;
+    if (!isAsItWas(object)) return;
     try {
         invocation->invoke();
     } catch (...) {

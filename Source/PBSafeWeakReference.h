@@ -27,7 +27,7 @@ class PELVOR_EXPORT PBSafeWeakReference : public NSProxy {
     ~PBSafeWeakReference() = default;
 
   private:
-    Retained<Object> target();
+    bool isAsItWas(id object);
 
     WeakHandle _target;
     Class* _class = nullptr;  // the target's when the proxy was made

@@ -79,9 +79,12 @@ PBWeakReference* PBWeakReference::weakReferenceWithObject(id object, Class* cls)
 }
 
 Retained<PBWeakReference> PBWeakReference::initWithObject(id object, Class* cls) {
-    PBWeakReference* spare = cls == classObject() ? takeSpare() : nullptr;
-    auto reference = spare ? Retained<PBWeakReference>::adopting(spare) : make<PBWeakReference>(cls);
-    reference->_weakObj = object;
+    if (PBWeakReference* spare = cls == classObject() ? takeSpare() : nullptr) {
+        spare->_weakObj = object;
+        return Retained<PBWeakReference>::adopting(spare);
+    }
+    auto reference = make<PBWeakReference>(cls);
+    reference->setObject(object);
     return reference;
 }
 

@@ -22,10 +22,11 @@ class PELVOR_EXPORT PBWeakReference : public NSObject {
   public:
     static void initialize(Class* cls);
     static PBWeakReference* weakReferenceWithObject(id object, Class* cls = classObject());
+    /// Sets the object through `setObject`, so that a subclass hears of it.
     static Retained<PBWeakReference> initWithObject(id object, Class* cls = classObject());
 
     id object() { return _weakObj; }
-    void setObject(id object) { _weakObj = object; }
+    virtual void setObject(id object) { _weakObj = object; }
 
     /// The object's address.
     std::uintptr_t hash() override { return reinterpret_cast<std::uintptr_t>(_weakObj); }

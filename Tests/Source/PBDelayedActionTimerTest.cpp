@@ -130,6 +130,10 @@ TEST_F(PBDelayedActionTimerTest, UnschedulingAndInvalidatingKeepTheActionFromCom
     EXPECT_FALSE(timer->isScheduled());
     runUntil(9);
     EXPECT_TRUE(target->moments.empty());
+    timerFrom(true)->schedule();  // nobody else keeps it
+    runUntil(10);
+    EXPECT_THAT(target->moments, ElementsAre(10));
+    EXPECT_EQ(target->retainCount(), 1u);
 }
 
 TEST_F(PBDelayedActionTimerTest, PerformsOfTheRunLoopWaitForTheDefaultMode) {

@@ -26,8 +26,22 @@ class PBTestWorker : public NSObject {
     ~PBTestWorker() = default;
 };
 
+// Counts instead of sending.
+class PBTestCountingQueue : public PBIdleQueue {
+    PELVOR_CLASS(PBTestCountingQueue, PBIdleQueue);
+
+  public:
+    void sendIdleToObject(id) override { ++served; }
+    int served = 0;
+
+  protected:
+    PBTestCountingQueue() = default;
+    ~PBTestCountingQueue() = default;
+};
+
+PELVOR_DEFINE_CLASS(PBTestCountingQueue, idleQueueTestLibrary) {}
 PELVOR_DEFINE_CLASS(PBTestWorker, idleQueueTestLibrary) { methods.instance<"work", &PBTestWorker::work>(); }
-constexpr Class* kClasses[] = {&PBTestWorker::classRecord};
+constexpr Class* kClasses[] = {&PBTestWorker::classRecord, &PBTestCountingQueue::classRecord};
 constinit Library idleQueueTestLibrary{"IdleQueueTest", {}, kClasses, {}};
 
 bool turn(NSString* mode = NSDefaultRunLoopMode) {
@@ -68,6 +82,14 @@ TEST_F(PBIdleQueueTest, QueuesTakeTurnsOneObjectAnIdleMoment) {
         EXPECT_EQ(served, expected);
     }
     EXPECT_EQ(first->count(), 0u);
+}
+
+TEST_F(PBIdleQueueTest, ASubclassSendsWhatItLikes) {
+    auto queue = PBIdleQueue::initWithSelector("work"_sel, PBTestCountingQueue::classObject());
+    for (auto& object : {a, b, a}) queue->addObject(object);
+    idle();
+    EXPECT_EQ(cast<PBTestCountingQueue>(queue.get())->served, 2);
+    EXPECT_EQ(served, "");
 }
 
 TEST_F(PBIdleQueueTest, ServesNothingInAnotherMode) {
@@ -131,7 +153,7 @@ TEST_F(PBIdleQueueTest, FlushedRemovedAndInvalidatedObjectsAreNotServed) {
     idle();
     EXPECT_EQ(served, "");
     EXPECT_EQ(first->count(), 0u);
-    EXPECT_TRUE(first->description()->hasSuffix(u"> {work, objects=0}"_ns));
+    EXPECT_EQ(first->description()->toUTF8(), "PBIdleQueue<" + addressOf(first) + "> {work, objects=0}");
 }
 
 TEST_F(PBIdleQueueTest, AfterAnExceptionObjectsWaitForTheNextAddition) {

@@ -29,6 +29,7 @@ constexpr Class* kClasses[] = {&PBTestWatcher::classRecord};
 constinit Library notificationCenterTestLibrary{"NotificationCenterTest", {}, kClasses, {}};
 
 constexpr NSString* kFonts = u"NSFontSetChangedNotification"_ns;
+constexpr NSString* kThreshold = u"NSAntialiasThresholdChangedNotification"_ns;
 constexpr NSString* kX = u"X"_ns;
 using Additions = NSNotificationCenter_PelvorAdditions;
 
@@ -71,12 +72,14 @@ TEST_F(PBNotificationCenterTest, TheFirstDisabledNameChangesTheDefaultCentre) {
 // Deliberately: a name that was disabled after it was queued is delivered all the same.
 TEST_F(PBNotificationCenterTest, DelayedNamesAreDeliveredOnceWithoutSenderWhenIdle) {
     PBNotificationCenter::doPosing();
-    watcher->watchObject_notifications(nullptr, NSArray::of({kFonts}));
-    for (int i = 0; i < 5; ++i) center->postNotificationName_object(kFonts, sender);
-    center->postNotification(NSNotification::notificationWithName_object(kFonts, sender));
-    EXPECT_EQ(hear(), "");
-    idle();
-    EXPECT_EQ(hear(), "NSFontSetChangedNotification ");
+    watcher->watchObject_notifications(nullptr, NSArray::of({kFonts, kThreshold}));
+    for (NSString* name : {kFonts, kThreshold}) {
+        for (int i = 0; i < 5; ++i) center->postNotificationName_object(name, sender);
+        center->postNotification(NSNotification::notificationWithName_object(name, sender));
+        EXPECT_EQ(hear(), "");
+        idle();
+        EXPECT_EQ(hear(), name->toUTF8() + " ");
+    }
     center->postNotificationName_object(kFonts, sender);
     Additions::disableNotificationName(kFonts);
     center->postNotificationName_object(kFonts, sender);
@@ -106,6 +109,13 @@ TEST_F(PBNotificationCenterTest, AWatcherHearsOnlyWhatItWasToldToWatchLast) {
     watcher->invalidate();
     watcher->watchObject_notifications(sender, nullptr);
     post("");
+    auto other = NSNotificationCenter::init();
+    auto gone = PBNotificationWatcher::initWithNotificationCenter(other);
+    gone->watchObject_notifications(nullptr, nullptr);
+    EXPECT_EQ(other->retainCount(), 2u);
+    gone = nullptr;
+    EXPECT_EQ(other->retainCount(), 1u);
+    other->postNotificationName_object(kX, nullptr);
 }
 
 }  // namespace

@@ -19,6 +19,10 @@ class PBTestTarget : public NSObject {
   public:
     int answer() { return ++calls; }
     int fail() { throw NSException("PBTestException", "as asked"); }
+    NSMethodSignature* methodSignatureForSelector(SEL selector) override {
+        if (selector == "raiseWhenAsked"_sel) fail();
+        return NSObject::methodSignatureForSelector(selector);
+    }
     int calls = 0;
 
   protected:
@@ -31,7 +35,11 @@ class PBTestMarkedReference : public PBWeakReference {
     PELVOR_CLASS(PBTestMarkedReference, PBWeakReference);
 
   public:
-    std::string mark = "an own mark, too long to stand inside the string";
+    void setObject(id object) override {
+        PBWeakReference::setObject(object);
+        mark = "an own mark, too long to stand inside the string";
+    }
+    std::string mark;
 
   protected:
     PBTestMarkedReference() = default;
@@ -150,6 +158,7 @@ TEST_F(PBWeakReferenceTest, ASafeReferenceDropsMessagesToAnObjectOfAnotherClass)
     invocation->setSelector("answer"_sel);
     Instances::setClass(target, changed);
     safe->forwardInvocation(invocation);
+    EXPECT_EQ(invocation->target(), target);
     EXPECT_EQ(target->calls, 0);
     EXPECT_EQ(safe->methodSignatureForSelector("answer"_sel), nullptr);
     Instances::setClass(target, PBTestTarget::classObject());
@@ -157,9 +166,11 @@ TEST_F(PBWeakReferenceTest, ASafeReferenceDropsMessagesToAnObjectOfAnotherClass)
 }
 
 TEST_F(PBWeakReferenceTest, ASafeReferenceForgetsAnObjectThatRaises) {
-    auto safe = PBSafeWeakReference::initWithObject(target);
-    EXPECT_EQ(send<int>(safe, "fail"_sel), 0);
-    EXPECT_EQ(safe->methodSignatureForSelector("answer"_sel), nullptr);
+    for (SEL selector : {"fail"_sel, "raiseWhenAsked"_sel}) {
+        auto safe = PBSafeWeakReference::initWithObject(target);
+        reasonOf([&] { send<int>(safe, selector); });
+        EXPECT_EQ(safe->methodSignatureForSelector("answer"_sel), nullptr);
+    }
 }
 
 }  // namespace

@@ -160,6 +160,7 @@ TEST_F(NSRunLoopTest, ATimerFiresOnceAndLetsGoOfItsTarget) {
     EXPECT_EQ(recorder->retainCount(), 2u);
     clock.advance(0.2);
     EXPECT_FALSE(turn(kTracking));
+    recorder->reaction = [this] { Retained<Object>(recorder).autorelease(); };  // until the turn is over
     EXPECT_TRUE(turn());
     EXPECT_FALSE(once->isValid());
     EXPECT_EQ(recorder->retainCount(), 1u);
@@ -472,7 +473,10 @@ TEST(NSObjectMainThreadTest, OnTheMainThreadAWaitedCallRunsAtOnceAndAnotherInThe
     performSelectorOnMainThread_withObject_waitUntilDone(recorder, "hear:"_sel, u"later"_ns, false);
     performSelectorOnMainThread_withObject_waitUntilDone(recorder, "hear:"_sel, u"now"_ns, true);
     EXPECT_THAT(recorder->heard, ElementsAre("now"));
-    NSRunLoop::mainRunLoop()->performReadyWorkForMode(NSDefaultRunLoopMode);
+    NSRunLoop::mainRunLoop()->performReadyWorkForMode(u"Sheet"_ns);
+    EXPECT_THAT(recorder->heard, ElementsAre("now"));
+    NSRunLoop::mainRunLoop()->addCommonMode(u"Sheet"_ns);
+    NSRunLoop::mainRunLoop()->performReadyWorkForMode(u"Sheet"_ns);
     EXPECT_THAT(recorder->heard, ElementsAre("now", "later"));
 }
 
