@@ -546,12 +546,12 @@ void NSRunLoop::watchForMode(NSString* mode) {
     _state->watchedMode = mode->copy();
 }
 
-// Without descriptors only other threads can have left anything, which is told without the kernel.
 bool NSRunLoop::pollDescriptors(NSString* mode, NSTimeInterval timeout) {
-    if (timeout == 0 && _state->descriptors.empty() && !_state->isSignalled.load()) return serveThreads(mode);
-    if (timeout == kNever && _state->descriptors.empty()) {  // only a signal can come
-        acknowledgeSignal(_state->wake);
-        return serveThreads(mode);
+    // Without descriptors only a signal can come, and whether one has come is known without the kernel.
+    if (_state->descriptors.empty()) {
+        bool awaitsSignal = timeout == kNever || _state->isSignalled.load();
+        if (awaitsSignal) acknowledgeSignal(_state->wake);
+        if (awaitsSignal || timeout == 0) return serveThreads(mode);
     }
     watchForMode(mode);
     ClockScope* clock = timeout > 0 && timeout != kNever ? ClockScope::current() : nullptr;
