@@ -47,8 +47,8 @@ Retained<NSString> OFCreateStringByLowercasingCharacters(OFCaseConversionBuffer*
         hasCapital |= isCapital(characters[i]);
     }
     if (joined < 128 && !hasCapital) return NSString::initWithCharacters_length(characters, count);
+    ensureRoom(record, count);
     if (joined < 128) {
-        ensureRoom(record, count);
         std::transform(characters, characters + count, record->buffer, lowered);
         return NSString::initWithCharacters_length(record->buffer, count);
     }

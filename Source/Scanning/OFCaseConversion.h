@@ -14,7 +14,7 @@ namespace pelvor {
 struct OFCaseConversionBuffer {
     NSMutableString* string = nullptr;  ///< owned
     unichar* buffer = nullptr;          ///< owned
-    std::int32_t bufferSize = 0;        ///< in units
+    std::int32_t bufferSize = 0;        ///< in units, 128 at first
 };
 
 /// Makes room for 128 units.

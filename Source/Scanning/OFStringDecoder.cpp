@@ -90,8 +90,25 @@ const UpperHalf* upperHalfOf(CFStringEncoding encoding) {
     }
 }
 
+// The other interface's numbers: its own for some, the rest with the highest bit set.
+NSStringEncoding stringEncodingOf(CFStringEncoding encoding) {
+    static constexpr struct {
+        CFStringEncoding encoding;
+        NSStringEncoding own;
+    } known[] = {
+        {0x0100, NSUnicodeStringEncoding},       {0x0202, NSISOLatin2StringEncoding},
+        {0x0420, NSShiftJISStringEncoding},      {0x0501, NSWindowsCP1250StringEncoding},
+        {0x0502, NSWindowsCP1251StringEncoding}, {0x0503, NSWindowsCP1253StringEncoding},
+        {0x0504, NSWindowsCP1254StringEncoding}, {0x0820, NSISO2022JPStringEncoding},
+        {0x0920, NSJapaneseEUCStringEncoding},   {0x0BFF, NSNonLossyASCIIStringEncoding},
+    };
+    for (const auto& entry : known)
+        if (entry.encoding == encoding) return entry.own;
+    return 0x80000000u | encoding;
+}
+
 [[noreturn]] void raiseUnsupported(CFStringEncoding encoding) {
-    NSString* name = NSString::ofUTF8(nameOfEncoding(0x80000000u | encoding));
+    NSString* name = NSString::ofUTF8(nameOfEncoding(stringEncodingOf(encoding)));
     raiseException(NSInvalidArgumentException,
                    u"Unsupported character encoding in fast string decoder: %d (%@)"_ns,
                    static_cast<int>(encoding), name->length() ? name : nullptr);

@@ -138,14 +138,18 @@ TEST(StringDecoder, KnowsItsEncodings) {
     EXPECT_TRUE(OFCanScanEncoding(kCFStringEncodingUTF8));
     EXPECT_FALSE(OFEncodingIsSimple(kCFStringEncodingUTF8));
     EXPECT_TRUE(OFEncodingIsSimple(kCFStringEncodingKOI8_R));
-    try {
-        OFInitialStateForEncoding(0x0100);
-        FAIL();
-    } catch (const NSException& exception) {
-        EXPECT_EQ(exception.name(), NSInvalidArgumentException);
-        EXPECT_EQ(exception.reason().find("Unsupported character encoding in fast string decoder: 256 ("),
-                  0u);
-    }
+    const std::pair<CFStringEncoding, std::string> unsupported[] = {
+        {0x0100, "256 (Unicode (UTF-16))"},
+        {0x10000100, "268435712 (Unicode (UTF-16BE))"},
+        {0xFFFFFFFF, "-1 ((null))"},
+    };
+    for (const auto& [encoding, text] : unsupported) try {
+            OFInitialStateForEncoding(encoding);
+            ADD_FAILURE() << text;
+        } catch (const NSException& exception) {
+            EXPECT_EQ(exception.name(), NSInvalidArgumentException);
+            EXPECT_EQ(exception.reason(), "Unsupported character encoding in fast string decoder: " + text);
+        }
 }
 
 TEST(CaseConversion, LowersAndHashesBlindToCase) {
@@ -162,6 +166,10 @@ TEST(CaseConversion, LowersAndHashesBlindToCase) {
     EXPECT_EQ(OFCreateStringByLowercasingCharacters(&buffer, large.data(), 1000)->toUTF16(),
               std::u16string(1000, u'a'));
     EXPECT_EQ(buffer.bufferSize, 1000);
+    std::u16string foreign(2000, u'\xC4');
+    EXPECT_EQ(OFCreateStringByLowercasingCharacters(&buffer, foreign.data(), 2000)->toUTF16(),
+              std::u16string(2000, u'\xE4'));
+    EXPECT_EQ(buffer.bufferSize, 2000);
     OFCaseConversionBufferDestroy(&buffer);
     EXPECT_EQ(buffer.buffer, nullptr);
     EXPECT_EQ(OFCaseInsensitiveHash(u"", 0), 0u);
