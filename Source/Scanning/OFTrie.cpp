@@ -93,8 +93,10 @@ void OFTrie::addBucket_forString(OFTrieBucket* bucket, NSString* string) {
     OFTrieNode* node = _head;
     for (std::size_t place = 0;; ++place) {
         OFTrieNode::Child child = node->childForCharacter(key.lower[place]);
-        if (child.bucket && key.lower[place] != 0) return splitBucket(child.bucket, node, place, bucket, key);
-        if (!child.node) return key.insert(node, bucket, place);
+        bool isEnd = key.lower[place] == 0;
+        if (child.bucket && !isEnd) return splitBucket(child.bucket, node, place, bucket, key);
+        // A node that somebody has hung under 0 is no place to walk into.
+        if (!child.node || isEnd) return key.insert(node, bucket, place);
         node = child.node;
     }
 }

@@ -38,6 +38,9 @@ TEST(OFTrie, HangsBucketsWhereTheirStringsPart) {
     auto* entries = cast<NSDictionary>(send<id>(node, "debugDictionary"_sel));
     EXPECT_EQ(entries->count(), 3u);
     EXPECT_EQ(entries->objectForKey(u"2. 't'"_ns), other);
+    node->addChild_withCharacter(OFTrieNode::init().autorelease(), 0);
+    OFTrieBucket* last = add(trie, u"ca");
+    EXPECT_EQ(node->endMarker(), last) << "not hung below the node that was under 0";
 }
 
 TEST(OFTrie, FindsBothFormsWhereItDoesNotTellThemApart) {
