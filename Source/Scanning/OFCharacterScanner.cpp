@@ -1,15 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Scanning/OFCharacterScanner.h"
 
-#include <algorithm>
-#include <array>
-#include <bit>
-#include <cmath>
 #include <cstdlib>
-
-#if defined(__x86_64__)
-#include <emmintrin.h>
-#endif
 
 #include "BaseLibrary.h"
 #include "Foundation/NSCharacterSet.h"
@@ -17,6 +9,7 @@
 #include "Scanning/CaseFormsPrivate.h"
 #include "Scanning/NSObject-OFDebugging.h"
 #include "Scanning/OFTrie.h"
+#include "Scanning/ScannerMarkPrivate.h"
 #include "Scanning/TrieIndexPrivate.h"
 #include "Scanning/UnitSpansPrivate.h"
 
@@ -89,6 +82,12 @@ namespace {
 
 [[noreturn]] void raise(const char* reason) { throw NSException(OFCharacterConversionExceptionName, reason); }
 
+[[noreturn]] void raiseBadLocation() {
+    raise(
+        "You are only allowed to set the new scan location to be between the most recent rewind mark and "
+        "EOF, or the current position and EOF if there are no rewind marks.");
+}
+
 void requireString(NSString* string, const char* operation) {
     if (!string) throw NSException(NSInvalidArgumentException, std::string(operation) + " none given");
 }
@@ -146,9 +145,11 @@ void OFCharacterScanner::setScanLocation(NSUInteger location) {
     normalize();
     if (location < scanLocation() &&
         (!_rewindMarkCount || location < _rewindMarkOffsets[_rewindMarkCount - 1]))
-        raise(
-            "You are only allowed to set the new scan location to be between the most recent rewind mark "
-            "and EOF, or the current position and EOF if there are no rewind marks.");
+        raiseBadLocation();
+    moveTo(location);
+}
+
+void OFCharacterScanner::moveTo(NSUInteger location) {
     auto length = static_cast<NSUInteger>(_scanEnd - _inputBuffer);
     if (location >= _inputStringPosition && location - _inputStringPosition <= length) {
         _scanLocation = _inputBuffer + (location - _inputStringPosition);
@@ -163,13 +164,19 @@ void OFCharacterScanner::skipCharacters(NSInteger count) {
     std::ptrdiff_t place = _scanLocation - _inputBuffer + std::ptrdiff_t{count};
     if (place >= 0 && place < _scanEnd - _inputBuffer)
         _scanLocation = _inputBuffer + place;
+    else if (std::int64_t{scanLocation()} + count < 0)
+        raiseBadLocation();
     else
         setScanLocation(scanLocation() + static_cast<NSUInteger>(count));
 }
 
+void OFCharacterScanner::requireRoomForMark() {
+    if (_rewindMarkCount == kMarkCapacity) raise("Attempt to set more than eight rewind marks");
+}
+
 void OFCharacterScanner::setRewindMark() {
     normalize();
-    if (_rewindMarkCount == kMarkCapacity) raise("Attempt to set more than eight rewind marks");
+    requireRoomForMark();
     _rewindMarkOffsets[_rewindMarkCount++] = scanLocation();
 }
 
@@ -179,170 +186,7 @@ void OFCharacterScanner::rewindToMark() {
     --_rewindMarkCount;
 }
 
-// MARK: Numbers
-
-namespace {
-
-int digitOf(unichar unit) { return unit >= u'0' && unit <= u'9' ? unit - u'0' : -1; }
-
-int hexadecimalDigitOf(unichar unit) {
-    if (unit >= u'a' && unit <= u'f') return unit - u'a' + 10;
-    if (unit >= u'A' && unit <= u'F') return unit - u'A' + 10;
-    return digitOf(unit);
-}
-
-// Times 5 to the power, rounded, then times 2 to the power; the usual powers are kept.
-double scaled(double value, std::int64_t exponent) {
-    constexpr int kKept = 32;
-    struct Powers {
-        double five, two;
-    };
-    static const auto powers = [] {
-        std::array<Powers, 2 * kKept + 1> all;
-        for (int i = -kKept; i <= kKept; ++i)
-            all[static_cast<std::size_t>(i + kKept)] = {std::pow(5.0, i), std::ldexp(1.0, i)};
-        return all;
-    }();
-    if (exponent >= -kKept && exponent <= kKept) {
-        const Powers& kept = powers[static_cast<std::size_t>(exponent + kKept)];
-        return value * kept.five * kept.two;
-    }
-    auto power = static_cast<int>(std::clamp<std::int64_t>(exponent, -100000, 100000));
-    return std::ldexp(value * std::pow(5.0, power), power);
-}
-
-// How many of eight units are digits up to the first that is not, and their value; all at once, since where a
-// number ends is hard to foresee.
-unsigned leadingDigits(const unichar* units, std::uint32_t& value) {
-#if defined(__x86_64__)
-    __m128i digits =
-        _mm_sub_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(units)), _mm_set1_epi16(u'0'));
-    __m128i above9 = _mm_subs_epu16(digits, _mm_set1_epi16(9));
-    auto areDigits = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(above9, _mm_setzero_si128())));
-    unsigned count = static_cast<unsigned>(std::countr_one(areDigits)) / 2;
-    if (!count) return 0;
-    // Zeros in front make them eight: pairs, then fours, then all.
-    auto eight = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_packus_epi16(digits, digits)));
-    eight <<= 64 - 8 * count;
-    eight = eight * 10 + (eight >> 8);
-    std::uint64_t outer = (eight & 0x000000FF000000FFu) * 0x000F424000000064u;
-    std::uint64_t inner = (eight >> 16 & 0x000000FF000000FFu) * 0x0000271000000001u;
-    value = static_cast<std::uint32_t>((outer + inner) >> 32);
-    return count;
-#else
-    unsigned count = 0;
-    for (unsigned digit; count < 8 && (digit = units[count] - unsigned{u'0'}) < 10; ++count)
-        value = value * 10 + digit;
-    return count;
-#endif
-}
-
-bool isSign(unichar unit) { return unit == u'+' || unit == u'-'; }
-
-}  // namespace
-
-std::uint32_t OFCharacterScanner::scanUnsignedIntegerMaximumDigits(NSUInteger max) {
-    std::uint32_t value = 0;
-    if (max >= 8 && bufferedCount() >= 8) {
-        unsigned count = leadingDigits(_scanLocation, value);
-        _scanLocation += count;
-        max -= count;
-        if (count < 8) return value;
-    }
-    while (max && hasCharacter()) {
-        unichar* place = _scanLocation;
-        unichar* const end = place + std::min<std::size_t>(max, bufferedCount());
-        for (unsigned digit; place < end && (digit = *place - unsigned{u'0'}) < 10; ++place)
-            value = value * 10 + digit;
-        max -= static_cast<NSUInteger>(place - _scanLocation);
-        _scanLocation = place;
-        if (place < end) break;
-    }
-    return value;
-}
-
-std::int32_t OFCharacterScanner::scanIntegerMaximumDigits(NSUInteger max) {
-    unichar sign = peekCharacter();
-    if (isSign(sign)) ++_scanLocation;
-    std::uint32_t value = scanUnsignedIntegerMaximumDigits(max);
-    return static_cast<std::int32_t>(sign == u'-' ? 0 - value : value);
-}
-
-std::uint32_t OFCharacterScanner::scanHexadecimalNumberMaximumDigits(NSUInteger max) {
-    std::uint32_t value = 0;
-    for (; max > 0; --max) {
-        int digit = hexadecimalDigitOf(peekCharacter());
-        if (digit < 0) break;
-        value = value * 16 + static_cast<std::uint32_t>(digit);
-        ++_scanLocation;
-    }
-    return value;
-}
-
-bool OFCharacterScanner::scanDouble_maximumLength_exponentLength(double* value, NSUInteger maximumLength,
-                                                                 NSUInteger exponentLength) {
-    setRewindMark();
-    NSUInteger room = maximumLength, digits = 0, fraction = 0;
-    unichar sign = room ? peekCharacter() : u'\0';
-    if (isSign(sign)) {
-        ++_scanLocation;
-        --room;
-    }
-    double mantissa = 0;
-    bool hasPoint = false;
-    for (; room > 0; --room, ++_scanLocation) {
-        unichar unit = peekCharacter();
-        if (unit == u'.' && !hasPoint) {
-            hasPoint = true;
-            continue;
-        }
-        int digit = digitOf(unit);
-        if (digit < 0) break;
-        mantissa = mantissa * 10 + digit;
-        ++digits;
-        fraction += hasPoint;
-    }
-    if (!digits) {
-        rewindToMark();
-        return false;
-    }
-    discardRewindMark();
-    std::int64_t exponent = scanExponent(room, exponentLength) - std::int64_t{fraction};
-    if (sign == u'-') mantissa = -mantissa;
-    if (exponent && mantissa != 0) mantissa = scaled(mantissa, exponent);
-    *value = mantissa;
-    return true;
-}
-
-// 0, with nothing consumed, if there is none.
-std::int64_t OFCharacterScanner::scanExponent(NSUInteger room, NSUInteger exponentLength) {
-    if (room < 2 || !exponentLength || (peekCharacter() | 0x20) != u'e') return 0;
-    setRewindMark();
-    ++_scanLocation;
-    --room;
-    unichar sign = peekCharacter();
-    if (isSign(sign)) {
-        ++_scanLocation;
-        --room;
-    }
-    if (!room || digitOf(peekCharacter()) < 0) {
-        rewindToMark();
-        return 0;
-    }
-    discardRewindMark();
-    std::int64_t value = scanUnsignedIntegerMaximumDigits(std::min(room, exponentLength));
-    return sign == u'-' ? -value : value;
-}
-
 // MARK: Matching
-
-bool OFCharacterScanner::finishMatch(bool isKept, bool result) {
-    if (isKept)
-        discardRewindMark();
-    else
-        rewindToMark();
-    return result;
-}
 
 // Whether each unit that is next equals one form's; consumes those that do.
 bool OFCharacterScanner::matches(std::u16string_view lower, std::u16string_view upper) {
@@ -357,18 +201,18 @@ bool OFCharacterScanner::matches(std::u16string_view lower, std::u16string_view 
 bool OFCharacterScanner::scanString_peek(NSString* string, bool isPeek) {
     requireString(string, "scanString:peek:");
     StringUnits text(string);
-    setRewindMark();
+    Mark mark(*this);
     bool isMatch = matches(text, text);
-    return finishMatch(isMatch && !isPeek, isMatch);
+    return mark.finish(isMatch && !isPeek, isMatch);
 }
 
 bool OFCharacterScanner::scanStringCaseInsensitive_peek(NSString* string, bool isPeek) {
     requireString(string, "scanStringCaseInsensitive:peek:");
     if (!string->length()) return true;
     CaseForms forms = caseFormsOf(string);
-    setRewindMark();
+    Mark mark(*this);
     bool isMatch = matches(forms.lower, forms.upper);
-    return finishMatch(isMatch && !isPeek, isMatch);
+    return mark.finish(isMatch && !isPeek, isMatch);
 }
 
 template <class Find>
@@ -383,12 +227,14 @@ bool OFCharacterScanner::scanUpTo(Find find) {
 // Whether the text is next, with the place as it was.
 bool OFCharacterScanner::matchesHere(std::u16string_view lower, std::u16string_view upper) {
     if (bufferedCount() >= lower.size()) {
+        // It takes no mark, but fails where one is too many as it does at the buffer's end.
+        requireRoomForMark();
         for (std::size_t i = 0; i < lower.size(); ++i)
             if (_scanLocation[i] != lower[i] && _scanLocation[i] != upper[i]) return false;
         return true;
     }
-    setRewindMark();
-    return finishMatch(false, matches(lower, upper));
+    Mark mark(*this);
+    return mark.finish(false, matches(lower, upper));
 }
 
 template <class Find>
@@ -558,11 +404,11 @@ NSString* OFCharacterScanner::readFullTokenOfSet(NSCharacterSet* set) {
 }
 
 NSString* OFCharacterScanner::readFullTokenUpToString(NSString* string) {
-    setRewindMark();
+    Mark mark(*this);
     NSUInteger start = scanLocation();
     scanUpToString(string);
     NSUInteger end = scanLocation();
-    rewindToMark();
+    mark.goBack();
     return readCharacterCount(end - start);
 }
 
@@ -605,13 +451,14 @@ bool OFCharacterScanner::matchesRemainder(OFTrieBucket* bucket) {
 }
 
 // The bucket, or none and back at the mark if a delimiter should follow and does not.
-OFTrieBucket* OFCharacterScanner::finishElement(OFTrieBucket* bucket, OFCharacterSet* delimiters) {
+OFTrieBucket* OFCharacterScanner::finishElement(Mark& mark, OFTrieBucket* bucket,
+                                                OFCharacterSet* delimiters) {
     bool isFound = bucket;
     if (isFound && delimiters) {
         unichar next = peekCharacter();
         isFound = next == OFCharacterScannerEndOfDataCharacter || delimiters->characterIsMember(next);
     }
-    return finishMatch(isFound, isFound) ? bucket : nullptr;
+    return mark.finish(isFound, isFound) ? bucket : nullptr;
 }
 
 OFTrieBucket* OFCharacterScanner::readLongestTrieElement(OFTrie* trie) {
@@ -623,13 +470,14 @@ OFTrieBucket* OFCharacterScanner::readLongestTrieElement_delimiterOFCharacterSet
     OFTrieNode* node = trie ? trie->headNode() : nullptr;
     if (!node || !node->childCount()) return nullptr;
     normalize();
+    requireRoomForMark();
     TrieIndex::Found found;
     const TrieIndex* index = trie->index();
     if (index && index->findLongest(_scanLocation, _scanEnd, delimiters, found)) {
         if (found.bucket) _scanLocation += found.length;
         return found.bucket;
     }
-    setRewindMark();
+    Mark mark(*this);
     OFTrieBucket* last = nullptr;
     NSUInteger lastEnd = 0;
     while (unichar unit = peekCharacter()) {
@@ -637,7 +485,7 @@ OFTrieBucket* OFCharacterScanner::readLongestTrieElement_delimiterOFCharacterSet
         if (!child) break;
         ++_scanLocation;
         if (child.bucket) {
-            if (matchesRemainder(child.bucket)) return finishElement(child.bucket, delimiters);
+            if (matchesRemainder(child.bucket)) return finishElement(mark, child.bucket, delimiters);
             break;
         }
         node = child.node;
@@ -647,7 +495,7 @@ OFTrieBucket* OFCharacterScanner::readLongestTrieElement_delimiterOFCharacterSet
         }
     }
     if (last) setScanLocation(lastEnd);
-    return finishElement(last, delimiters);
+    return finishElement(mark, last, delimiters);
 }
 
 OFTrieBucket* OFCharacterScanner::readShortestTrieElement(OFTrie* trie) {

@@ -143,16 +143,19 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
 
   private:
     static constexpr unsigned kMarkCapacity = 8;
+    class Mark;
     class Token;
 
-    bool hasCharacter() { return _scanLocation < _scanEnd || fetchMoreData(); }
+    // A source may say that there is more and bring none.
+    bool hasCharacter() { return _scanLocation < _scanEnd || (fetchMoreData() && _scanLocation < _scanEnd); }
     void normalize() {
         if (_scanLocation >= _scanEnd && !fetchMoreData()) _scanLocation = _scanEnd;
     }
     std::size_t bufferedCount() const { return static_cast<std::size_t>(_scanEnd - _scanLocation); }
     void findNonASCII();
-    // Leaves the last mark's place for good (true) or goes back to it.
-    bool finishMatch(bool isKept, bool result);
+    // Goes anywhere, whatever marks there are.
+    void moveTo(NSUInteger location);
+    void requireRoomForMark();
     bool matches(std::u16string_view lower, std::u16string_view upper);
     bool matchesHere(std::u16string_view lower, std::u16string_view upper);
     template <class Find>
@@ -164,7 +167,7 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
     template <class Find>
     void readPieces(Find find, Token& token);
     std::int64_t scanExponent(NSUInteger room, NSUInteger exponentLength);
-    OFTrieBucket* finishElement(OFTrieBucket* bucket, OFCharacterSet* delimiters);
+    OFTrieBucket* finishElement(Mark& mark, OFTrieBucket* bucket, OFCharacterSet* delimiters);
     bool matchesRemainder(OFTrieBucket* bucket);
 
     std::uint32_t _rewindMarkOffsets[kMarkCapacity];

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 
 #include "BaseLibrary.h"
 #include "Foundation/NSCharacterSet.h"
@@ -47,9 +48,22 @@ class PieceScanner : public OFCharacterScanner {
     std::size_t _size = 1;
 };
 
-constexpr Class* kClasses[] = {&PieceScanner::classRecord};
+// Says without end that there is more.
+class BoastingScanner : public OFCharacterScanner {
+    PELVOR_CLASS(BoastingScanner, OFCharacterScanner);
+
+  public:
+    bool fetchMoreData() override { return true; }
+
+  protected:
+    BoastingScanner() = default;
+    ~BoastingScanner() = default;
+};
+
+constexpr Class* kClasses[] = {&BoastingScanner::classRecord, &PieceScanner::classRecord};
 constexpr Library* kNeeded[] = {&baseLibrary};
 constinit Library pieceLibrary{"Pieces", kNeeded, kClasses, {}};
+PELVOR_DEFINE_CLASS(BoastingScanner, pieceLibrary) {}
 PELVOR_DEFINE_CLASS(PieceScanner, pieceLibrary) {}
 
 // The text in pieces of one, two, three and more units, and as one string.
@@ -76,11 +90,19 @@ std::string reasonOf(Action action) {
     return "nothing raised";
 }
 
+constexpr char kForbiddenPlace[] =
+    "You are only allowed to set the new scan location to be between the most recent rewind mark and EOF, or "
+    "the current position and EOF if there are no rewind marks.";
+
 TEST(CharacterScanner, KeepsPlacesAndMarksAcrossBuffers) {
     forAllScanners(u"abcdef", [](OFCharacterScanner* scanner) {
         EXPECT_EQ(scanner->readCharacter(), u'a');
         EXPECT_EQ(scanner->scanLocation(), 1u);
-        EXPECT_NE(reasonOf([&] { scanner->setScanLocation(0); }).find("between the most recent rewind"), 0u);
+        EXPECT_EQ(reasonOf([&] { scanner->setScanLocation(0); }), kForbiddenPlace);
+        scanner->setRewindMark();
+        EXPECT_EQ(reasonOf([&] { scanner->skipCharacters(-2); }), kForbiddenPlace) << "before the text";
+        scanner->discardRewindMark();
+        EXPECT_EQ(scanner->scanLocation(), 1u);
         scanner->setRewindMark();
         scanner->setScanLocation(4);
         scanner->setRewindMark();
@@ -98,6 +120,42 @@ TEST(CharacterScanner, KeepsPlacesAndMarksAcrossBuffers) {
         for (int i = 0; i < 8; ++i) scanner->setRewindMark();
         EXPECT_NE(reasonOf([&] { scanner->setRewindMark(); }), "nothing raised");
     });
+}
+
+TEST(CharacterScanner, StaysAsItWasWhenAnOperationNeedsOneMarkTooMany) {
+    auto trie = OFTrie::initCaseSensitive(true);
+    trie->addBucket_forString(make<OFTrieBucket>().autorelease(), u"12"_ns);
+    while (!trie->index()) continue;
+    double value;
+    using Self = OFCharacterScanner;
+    const struct {
+        int marks;
+        std::function<void(Self*)> read;
+    } cases[] = {
+        {8, [](Self* s) { s->scanString_peek(u"12"_ns, false); }},
+        {8, [](Self* s) { s->scanStringCaseInsensitive_peek(u"12"_ns, true); }},
+        {8, [](Self* s) { s->scanUpToString(u"1"_ns); }},
+        {8, [&](Self* s) { s->scanDouble_maximumLength_exponentLength(&value, 9, 9); }},
+        {8, [&](Self* s) { s->readLongestTrieElement(trie); }},
+        {8, [](Self* s) { s->readFullTokenUpToString(u"e"_ns); }},
+        {7, [](Self* s) { s->readFullTokenUpToString(u"ex"_ns); }},
+    };
+    for (const auto& entry : cases)
+        forAllScanners(u"-12e7e", [&](Self* scanner) {
+            scanner->readCharacter();
+            for (int i = 0; i < entry.marks; ++i) scanner->setRewindMark();
+            EXPECT_NE(reasonOf([&] { entry.read(scanner); }), "nothing raised");
+            EXPECT_EQ(scanner->scanLocation(), 1u);
+            for (int i = 0; i < entry.marks; ++i) scanner->rewindToMark();
+            EXPECT_NE(reasonOf([&] { scanner->rewindToMark(); }), "nothing raised");
+        });
+}
+
+TEST(CharacterScanner, ReadsNothingFromASourceThatBringsNothing) {
+    auto scanner = make<BoastingScanner>();
+    EXPECT_EQ(scanner->readCharacter(), 0);
+    EXPECT_EQ(scanner->readLine(), nullptr);
+    EXPECT_FALSE(scanner->scanUpToCharacter(u'a'));
 }
 
 TEST(CharacterScanner, RefusesPlacesOutsideAString) {

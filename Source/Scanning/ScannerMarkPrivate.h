@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+// The mark that a scanner's own operation sets while it tries a reading; for the scanner.
+#pragma once
+
+#include "Scanning/OFCharacterScanner.h"
+
+namespace pelvor {
+
+/// The operation keeps the place that it has reached, or goes back. If it raises before, the scanner is left
+/// at the mark, with those marks alone that it had before.
+class OFCharacterScanner::Mark {
+  public:
+    explicit Mark(OFCharacterScanner& scanner) : _scanner(scanner), _outerCount(scanner._rewindMarkCount) {
+        scanner.setRewindMark();
+    }
+    Mark(const Mark&) = delete;
+    ~Mark() {
+        if (_scanner._rewindMarkCount <= _outerCount) return;
+        _scanner._rewindMarkCount = _outerCount;
+        try {
+            if (!_isGoingBack) _scanner.moveTo(_scanner._rewindMarkOffsets[_outerCount]);
+        } catch (...) {  // the first exception is on its way
+        }
+    }
+
+    void keep() { _scanner.discardRewindMark(); }
+    void goBack() {
+        _isGoingBack = true;
+        _scanner.rewindToMark();
+    }
+    /// Keeps the place or goes back; answers the result.
+    bool finish(bool isKept, bool result) {
+        if (isKept)
+            keep();
+        else
+            goBack();
+        return result;
+    }
+
+  private:
+    OFCharacterScanner& _scanner;
+    const std::uint16_t _outerCount;
+    bool _isGoingBack = false;
+};
+
+}  // namespace pelvor
