@@ -18,7 +18,8 @@ class PELVOR_EXPORT PBObjectPool : public NSObject {
     /// An empty pool; none if there is no memory for so many objects.
     static Retained<PBObjectPool> initWithCapacity(std::uint32_t capacity, Class* cls = classObject());
 
-    /// Takes over the caller's reference to the object; false, with nothing done, when the pool is full.
+    /// Takes over the caller's reference to the object; false, with nothing done, for none or when the pool
+    /// is full.
     bool poolObject(id object);
     /// The object that came last, whose reference the caller owns; none when the pool is empty.
     Retained<Object> popObject();
@@ -48,7 +49,7 @@ class PELVOR_EXPORT PBExternalObjectPool : public PBObjectPool {
   public:
     static Retained<PBExternalObjectPool> initWithCapacity_useLock(std::uint32_t capacity, bool useLock,
                                                                    Class* cls = classObject());
-    /// Retains the object; false, with nothing done, when the pool is full.
+    /// Retains the object; false, with nothing done, for none or when the pool is full.
     bool poolObject(id object);
     /// The object that came last, left to the current autorelease pool; none when the pool is empty.
     id popObject();

@@ -18,6 +18,7 @@ TEST(PBObjectPoolTest, ARawPoolTakesReferencesOverAndGivesThemBack) {
     EXPECT_EQ(first->retainCount(), 2u);
     pool = nullptr;
     EXPECT_EQ(first->retainCount(), 1u);
+    EXPECT_FALSE(PBObjectPool::initWithCapacity(1)->poolObject(nullptr));
     auto none = PBObjectPool::initWithCapacity(0);
     EXPECT_FALSE(none->poolObject(first));
     EXPECT_EQ(none->popObject(), nullptr);
