@@ -170,15 +170,7 @@ void OFCharacterScanner::skipCharacters(NSInteger count) {
         setScanLocation(scanLocation() + static_cast<NSUInteger>(count));
 }
 
-void OFCharacterScanner::requireRoomForMark() {
-    if (_rewindMarkCount == kMarkCapacity) raise("Attempt to set more than eight rewind marks");
-}
-
-void OFCharacterScanner::setRewindMark() {
-    normalize();
-    requireRoomForMark();
-    _rewindMarkOffsets[_rewindMarkCount++] = scanLocation();
-}
+void OFCharacterScanner::raiseTooManyMarks() { raise("Attempt to set more than eight rewind marks"); }
 
 void OFCharacterScanner::rewindToMark() {
     if (!_rewindMarkCount) raise("Attempt to use nonexistent rewind mark");

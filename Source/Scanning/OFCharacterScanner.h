@@ -58,7 +58,11 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
     /// Moves within the buffer, even back, without asking for marks; beyond it like `setScanLocation`.
     void skipCharacters(NSInteger count);
     /// Remembers the position. Each mark, at most eight, needs one of the two that follow.
-    void setRewindMark();
+    void setRewindMark() {
+        normalize();
+        requireRoomForMark();
+        _rewindMarkOffsets[_rewindMarkCount++] = scanLocation();
+    }
     /// Goes to the last mark, and forgets it. Raises if there is none.
     void rewindToMark();
     /// Forgets the last mark, if there is one.
@@ -155,7 +159,10 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
     void findNonASCII();
     // Goes anywhere, whatever marks there are.
     void moveTo(NSUInteger location);
-    void requireRoomForMark();
+    void requireRoomForMark() {
+        if (_rewindMarkCount == kMarkCapacity) raiseTooManyMarks();
+    }
+    [[noreturn]] static void raiseTooManyMarks();
     bool matches(std::u16string_view lower, std::u16string_view upper);
     bool matchesHere(std::u16string_view lower, std::u16string_view upper);
     template <class Find>
