@@ -22,8 +22,9 @@ Retained<Object> makePlugInObject(PBProfile* profile) {
 
 NSDictionary* failureAnswer(PBProfile* profile) {
     const std::string reason = currentExceptionReason();
-    NSString* message = NSString::stringWithFormat(_PBDoLocalize(u"_The plug-in \"%@\" failed: %@"_ns, nullptr),
-                                                   nameOfProfile(profile), NSString::ofUTF8(reason));
+    NSString* message =
+        NSString::stringWithFormat(_PBDoLocalize(u"_The plug-in \"%@\" failed: %@"_ns, nullptr),
+                                   nameOfProfile(profile), NSString::ofUTF8(reason));
     return NSDictionary::of({{WRErrorKey, WRErrorPlugIn}, {WRMessageKey, message}});
 }
 

@@ -12,12 +12,12 @@ namespace pelvor {
 /// not there or makes nothing.
 Retained<Object> makePlugInObject(PBProfile* profile);
 
-/// The answer that tells that the plug-in failed with the exception being handled. Only inside a catch clause.
-/// Borrowed.
+/// The answer that tells that the plug-in failed with the exception being handled. Only inside a catch
+/// clause. Borrowed.
 NSDictionary* failureAnswer(PBProfile* profile);
 
-/// The message of an answer that tells of an error, and of one that has nothing under `key`; none for an answer
-/// that is good. Borrowed.
+/// The message of an answer that tells of an error, and of one that has nothing under `key`; none for an
+/// answer that is good. Borrowed.
 NSString* problemOfAnswer(NSDictionary* answer, NSString* key, PBProfile* profile);
 
 /// Sends a message to a new object of the profile's class and answers its answer, or one that tells of an

@@ -24,8 +24,8 @@ void TextCounter::advance(NSUInteger units) {
     _count.codePoints += countCodepointsInRange(_text, {start, _position - start});
 }
 
-// A word that begins before the limit is counted as a whole. No piece ends with the first half of a pair: what
-// follows it belongs to its code point.
+// A word that begins before the limit is counted as a whole. No piece ends with the first half of a pair:
+// what follows it belongs to its code point.
 void TextCounter::countWords(NSUInteger limit) {
     const NSUInteger length = _text->length();
     auto isInPair = [&] { return (_text->characterAtIndex(_position - 1) & 0xFC00) == 0xD800; };

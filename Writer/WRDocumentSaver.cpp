@@ -33,8 +33,8 @@ NSDictionary* WRDocumentSaver::saveText_toPath_options(NSString* text, NSString*
     NSArray* candidates = profilesForDocument(_profiles, PBProfileDocumentWriterType, path);
     _writer.set(candidates->count() ? static_cast<PBProfile*>(candidates->objectAtIndex(0)) : nullptr);
     if (!_writer) {
-        NSString* format =
-            _PBDoLocalize(u"_The document \"%@\" could not be written: there is no writer for it."_ns, nullptr);
+        NSString* format = _PBDoLocalize(
+            u"_The document \"%@\" could not be written: there is no writer for it."_ns, nullptr);
         _problem.set(NSString::stringWithFormat(format, path));
         return nullptr;
     }

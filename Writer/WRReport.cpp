@@ -12,7 +12,8 @@ namespace {
 constexpr bool isUnprintable(char16_t unit) {
     const bool isControl = unit < 0x20 || (unit >= 0x7F && unit < 0xA0);
     const bool isSeparator = unit == u'\u2028' || unit == u'\u2029';
-    const bool isDirection = (unit >= u'\u202A' && unit <= u'\u202E') || (unit >= u'\u2066' && unit <= u'\u2069');
+    const bool isDirection =
+        (unit >= u'\u202A' && unit <= u'\u202E') || (unit >= u'\u2066' && unit <= u'\u2069');
     return isControl || isSeparator || isDirection;
 }
 

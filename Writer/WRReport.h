@@ -6,8 +6,8 @@
 
 namespace pelvor {
 
-/// Text in sections, made line by line. What would do something to a terminal other than showing text, such as
-/// controls out of a document, is replaced.
+/// Text in sections, made line by line. What would do something to a terminal other than showing text, such
+/// as controls out of a document, is replaced.
 class WRReport : public NSObject {
     PELVOR_CLASS(WRReport, NSObject);
 

@@ -2,11 +2,10 @@
 // NSScanner: reads numbers, words and separators from a string, one after the other.
 #pragma once
 
+#include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSString.h"
 
 namespace pelvor {
-
-class NSCharacterSet;
 
 /// A place in a text that every successful reading moves:
 ///

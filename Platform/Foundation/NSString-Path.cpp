@@ -156,8 +156,7 @@ NSArray* NSString::pathComponents() {
     };
     if (!path.empty() && path[0] == u'/') add(u"/");
     for (Path component : splitAtSlashes(path)) add(component);
-    if (path.find_first_not_of(u'/') != Path::npos && path.back() == u'/')
-        add(u"/");
+    if (path.find_first_not_of(u'/') != Path::npos && path.back() == u'/') add(u"/");
     return NSInlineArray::createAdopting(std::move(components)).autorelease();
 }
 

@@ -39,9 +39,9 @@ class TextFinder {
 
     NSStringCompareOptions _options;
     std::u16string _folded;
-    Units _needle;                // folded by units if case does not count
-    const ActiveUnits* _active;   // none for a literal search
-    std::u32string _decomposed;  // if the needle itself can be written in several ways
+    Units _needle;                              // folded by units if case does not count
+    const ActiveUnits* _active;                 // none for a literal search
+    std::u32string _decomposed;                 // if the needle itself can be written in several ways
     std::array<char16_t, 4> _first{}, _last{};  // what folds to the needle's first, and last, unit
     bool _hasSpellings = false;
 };

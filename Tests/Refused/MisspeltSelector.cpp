@@ -4,6 +4,8 @@
 
 namespace pelvor {
 
-PELVOR_DEFINE_CLASS(Lamp, refusedLibrary) { methods.instance<"setLevel:animate:", &Lamp::setLevel_animated>(); }
+PELVOR_DEFINE_CLASS(Lamp, refusedLibrary) {
+    methods.instance<"setLevel:animate:", &Lamp::setLevel_animated>();
+}
 
 }  // namespace pelvor

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// A plug-in of the tests whose hooks say in the test program's journal that they run, as those of LateLamp do.
+// A plug-in of the tests whose hooks say in the test program's journal that they run, as those of LateLamp
+// do.
 #include "BaseLibrary.h"
 #include "Foundation/NSString.h"
 #include "Runtime/Message.h"
@@ -13,7 +14,9 @@ class LateShade : public NSObject {
     PELVOR_CLASS(LateShade, NSObject);
 
   public:
-    static void performPosing() { send(classNamed("HookJournal"), "note:"_sel, u"LateShade performPosing"_ns); }
+    static void performPosing() {
+        send(classNamed("HookJournal"), "note:"_sel, u"LateShade performPosing"_ns);
+    }
     static void didLoad() { send(classNamed("HookJournal"), "note:"_sel, u"LateShade didLoad"_ns); }
 
   protected:

@@ -34,8 +34,7 @@ bool goesBefore(const Language& a, const Language& b) {
 class LanguageTable {
   public:
     LanguageTable() {
-        NSArray* profiles =
-            PBRegistry::sharedRegistry()->profilesOfType(PBProfileLanguageType)->profiles();
+        NSArray* profiles = PBRegistry::sharedRegistry()->profilesOfType(PBProfileLanguageType)->profiles();
         for (id profile : profiles) _languages.push_back({static_cast<PBProfile*>(profile)});
         std::sort(_languages.begin(), _languages.end(), goesBefore);
         for (std::size_t i = 0; i < _languages.size(); ++i)

@@ -8,8 +8,8 @@ namespace pelvor {
 
 class NSDictionary;
 
-/// Counts the paragraphs in each language. The languages are the registered profiles of that kind; a paragraph
-/// is in the language that has most of its words under "common words".
+/// Counts the paragraphs in each language. The languages are the registered profiles of that kind; a
+/// paragraph is in the language that has most of its words under "common words".
 class WRLanguageFinder : public NSObject {
     PELVOR_CLASS(WRLanguageFinder, NSObject);
 

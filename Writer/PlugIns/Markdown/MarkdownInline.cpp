@@ -12,8 +12,8 @@ using View = std::u16string_view;
 constexpr std::size_t kNone = View::npos;
 
 constexpr bool isPunctuation(char16_t unit) {
-    return (unit >= u'!' && unit <= u'/') || (unit >= u':' && unit <= u'@') || (unit >= u'[' && unit <= u'`') ||
-           (unit >= u'{' && unit <= u'~');
+    return (unit >= u'!' && unit <= u'/') || (unit >= u':' && unit <= u'@') ||
+           (unit >= u'[' && unit <= u'`') || (unit >= u'{' && unit <= u'~');
 }
 constexpr bool isSpace(char16_t unit) { return unit == u' ' || unit == u'\t' || unit == u'\0'; }
 // Beyond ASCII everything counts as a letter here.
@@ -43,15 +43,23 @@ class InlineText {
   private:
     void step() {
         switch (_source[_place]) {
-            case u'\\': return takeEscape();
-            case u'`': return takeCode();
+            case u'\\':
+                return takeEscape();
+            case u'`':
+                return takeCode();
             case u'*':
-            case u'_': return takeEmphasis();
-            case u'[': return takeOpenBracket();
-            case u']': return takeCloseBracket();
-            case u'<': return takeAutomaticLink();
-            case u'&': return takeEntity();
-            default: copy(1);
+            case u'_':
+                return takeEmphasis();
+            case u'[':
+                return takeOpenBracket();
+            case u']':
+                return takeCloseBracket();
+            case u'<':
+                return takeAutomaticLink();
+            case u'&':
+                return takeEntity();
+            default:
+                copy(1);
         }
     }
 

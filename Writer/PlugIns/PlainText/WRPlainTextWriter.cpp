@@ -4,10 +4,10 @@
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSString.h"
 #include "PBUtil.h"
+#include "Writer/PlugInProtocol.h"
 #include "Writer/PlugIns/PlainText/PlainTextPlugIn.h"
 #include "Writer/PlugIns/TextFiles/TextFileReading.h"
 #include "Writer/PlugIns/TextFiles/TextFileWriting.h"
-#include "Writer/PlugInProtocol.h"
 
 namespace pelvor {
 

@@ -16,8 +16,8 @@ NSDictionary* writeTextFile(std::string_view bytes, NSString* encodingName, NSSt
         NSString* format = _PBDoLocalize(u"_The document \"%@\" could not be written."_ns, writer);
         return errorAnswer(WRErrorFile, NSString::stringWithFormat(format, path->lastPathComponent()));
     }
-    return NSDictionary::of({{WREncodingKey, encodingName},
-                             {WRByteCountKey, NSNumber::numberWithUnsignedInt(data->length())}});
+    return NSDictionary::of(
+        {{WREncodingKey, encodingName}, {WRByteCountKey, NSNumber::numberWithUnsignedInt(data->length())}});
 }
 
 NSDictionary* unknownEncodingAnswer(NSString* encodingName, id plugIn) {

@@ -3,11 +3,11 @@
 
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSString.h"
+#include "Writer/PlugInProtocol.h"
 #include "Writer/PlugIns/TextFiles/TextFileReading.h"
 #include "Writer/PlugIns/TextFiles/TextFileWriting.h"
 #include "Writer/PlugIns/WebPage/WebPageMarkup.h"
 #include "Writer/PlugIns/WebPage/WebPagePlugIn.h"
-#include "Writer/PlugInProtocol.h"
 
 namespace pelvor {
 

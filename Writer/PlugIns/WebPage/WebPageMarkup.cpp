@@ -10,10 +10,18 @@ namespace {
 void appendEscaped(std::u16string& page, std::u16string_view text) {
     for (char16_t unit : text) {
         switch (unit) {
-            case u'&': page += u"&amp;"; break;
-            case u'<': page += u"&lt;"; break;
-            case u'>': page += u"&gt;"; break;
-            case u'"': page += u"&quot;"; break;
+            case u'&':
+                page += u"&amp;";
+                break;
+            case u'<':
+                page += u"&lt;";
+                break;
+            case u'>':
+                page += u"&gt;";
+                break;
+            case u'"':
+                page += u"&quot;";
+                break;
             default:
                 if (unit >= 0x20 || unit == u'\t') page.push_back(unit);
         }

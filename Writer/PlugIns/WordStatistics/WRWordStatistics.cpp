@@ -44,8 +44,7 @@ void WRWordStatistics::didLoad() {
 }
 
 void WRWordStatistics::activateToolkit() {
-    const NSInteger wanted =
-        NSUserDefaults::standardUserDefaults()->integerForKey(u"WRFrequentWordCount"_ns);
+    const NSInteger wanted = NSUserDefaults::standardUserDefaults()->integerForKey(u"WRFrequentWordCount"_ns);
     theFrequentWordCount = wanted > 0 ? static_cast<std::size_t>(std::min(wanted, 100)) : 5;
 }
 
