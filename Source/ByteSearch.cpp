@@ -3,7 +3,8 @@
 
 #include <bit>
 #include <cstring>
-#include <vector>
+
+#include "Foundation/SequenceSearch.h"
 #ifdef PELVOR_HAS_WIDE_FORMS
 #include <immintrin.h>
 #endif
@@ -17,38 +18,7 @@ bool standsAt(Bytes bytes, std::size_t place, Bytes pattern) {
     return std::memcmp(bytes.data() + place, pattern.data(), pattern.size()) == 0;
 }
 
-// Knuth, Morris and Pratt: never looks at a byte twice.
-std::size_t findWithTable(Bytes bytes, Bytes pattern, std::size_t from) {
-    std::vector<std::uint32_t> border(pattern.size() + 1, 0);
-    for (std::size_t i = 1, k = 0; i < pattern.size(); ++i) {
-        while (k && pattern[i] != pattern[k]) k = border[k];
-        if (pattern[i] == pattern[k]) ++k;
-        border[i + 1] = static_cast<std::uint32_t>(k);
-    }
-    std::size_t matched = 0;
-    for (std::size_t i = from; i < bytes.size(); ++i) {
-        while (matched && bytes[i] != pattern[matched]) matched = border[matched];
-        if (bytes[i] == pattern[matched]) ++matched;
-        if (matched == pattern.size()) return i + 1 - matched;
-    }
-    return kNoPlace;
-}
-
-// Once the bytes compared in vain outgrow those that have been passed, the search goes on with a table.
-class Effort {
-  public:
-    explicit Effort(std::size_t patternSize) : _step(patternSize) {}
-    bool exceeds(std::size_t passed) {
-        _spent += _step;
-        return _spent > 8 * passed + 4096;
-    }
-
-  private:
-    std::size_t _step;
-    std::size_t _spent = 0;
-};
-
-std::size_t findPlain(Bytes bytes, Bytes pattern, std::size_t from, Effort effort) {
+std::size_t findPlain(Bytes bytes, Bytes pattern, std::size_t from, SearchEffort effort) {
     for (std::size_t i = from; i + pattern.size() <= bytes.size(); ++i) {
         std::size_t starts = bytes.size() - pattern.size() + 1 - i;
         auto* hit = static_cast<const std::uint8_t*>(std::memchr(bytes.data() + i, pattern[0], starts));
@@ -64,7 +34,7 @@ std::size_t findPlain(Bytes bytes, Bytes pattern, std::size_t from, Effort effor
 
 // Compares where the pattern's first and last byte stand, 32 places at a time.
 PELVOR_WIDE std::size_t findWide(Bytes bytes, Bytes pattern) {
-    Effort effort(pattern.size());
+    SearchEffort effort(pattern.size());
     const std::size_t distance = pattern.size() - 1;
     const __m256i first = _mm256_set1_epi8(static_cast<char>(pattern.front()));
     const __m256i last = _mm256_set1_epi8(static_cast<char>(pattern.back()));
@@ -86,7 +56,7 @@ PELVOR_WIDE std::size_t findWide(Bytes bytes, Bytes pattern) {
 #else
 
 std::size_t findWide(Bytes bytes, Bytes pattern) {
-    return findPlain(bytes, pattern, 0, Effort(pattern.size()));
+    return findPlain(bytes, pattern, 0, SearchEffort(pattern.size()));
 }
 
 #endif
@@ -96,7 +66,7 @@ std::size_t findWide(Bytes bytes, Bytes pattern) {
 std::size_t findBytes(Bytes bytes, Bytes pattern, WideInstructions wide) {
     if (pattern.empty() || pattern.size() > bytes.size()) return kNoPlace;
     if (wide == WideInstructions::present && pattern.size() > 1) return findWide(bytes, pattern);
-    return findPlain(bytes, pattern, 0, Effort(pattern.size()));
+    return findPlain(bytes, pattern, 0, SearchEffort(pattern.size()));
 }
 
 }  // namespace pelvor

@@ -6,7 +6,8 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
-#include <vector>
+
+#include "Foundation/SequenceSearch.h"
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -20,39 +21,7 @@ bool standsAt(const char16_t* text, Units needle) {
     return std::memcmp(text, needle.data(), needle.size() * sizeof(char16_t)) == 0;
 }
 
-// Knuth, Morris and Pratt: never looks at a unit of the text twice.
-std::size_t findWithTable(Units text, Units needle, std::size_t from) {
-    std::vector<std::uint32_t> border(needle.size() + 1, 0);
-    for (std::size_t i = 1, k = 0; i < needle.size(); ++i) {
-        while (k && needle[i] != needle[k]) k = border[k];
-        if (needle[i] == needle[k]) ++k;
-        border[i + 1] = static_cast<std::uint32_t>(k);
-    }
-    std::size_t matched = 0;
-    for (std::size_t i = from; i < text.size(); ++i) {
-        while (matched && text[i] != needle[matched]) matched = border[matched];
-        if (text[i] == needle[matched]) ++matched;
-        if (matched == needle.size()) return i + 1 - matched;
-    }
-    return kNoUnit;
-}
-
-// Counts the units compared in vain. Once they outgrow the text that has been passed, the search goes on
-// with a table.
-class Effort {
-  public:
-    explicit Effort(std::size_t needleSize) : _step(needleSize) {}
-    bool exceeds(std::size_t passed) {
-        _spent += _step;
-        return _spent > 8 * passed + 4096;
-    }
-
-  private:
-    std::size_t _step;
-    std::size_t _spent = 0;
-};
-
-std::size_t findScalar(Units text, Units needle, std::size_t from, Effort& effort) {
+std::size_t findScalar(Units text, Units needle, std::size_t from, SearchEffort& effort) {
     for (std::size_t i = from; i + needle.size() <= text.size(); ++i) {
         if (text[i] != needle[0]) continue;
         if (standsAt(text.data() + i, needle)) return i;
@@ -75,7 +44,7 @@ unsigned candidates(const char16_t* units, std::size_t distance, __m128i first, 
 }
 
 std::size_t find(Units text, Units needle) {
-    Effort effort(needle.size());
+    SearchEffort effort(needle.size());
     std::size_t distance = needle.size() - 1, i = 0;
     const __m128i first = _mm_set1_epi16(static_cast<short>(needle.front()));
     const __m128i last = _mm_set1_epi16(static_cast<short>(needle.back()));
@@ -93,7 +62,7 @@ std::size_t find(Units text, Units needle) {
 #else
 
 std::size_t find(Units text, Units needle) {
-    Effort effort(needle.size());
+    SearchEffort effort(needle.size());
     return findScalar(text, needle, 0, effort);
 }
 
@@ -156,7 +125,7 @@ std::size_t findCandidate(Units text, std::size_t from, const Spellings& first, 
 
 std::size_t findLastUnits(Units text, Units needle) {
     if (needle.empty() || needle.size() > text.size()) return kNoUnit;
-    Effort effort(needle.size());
+    SearchEffort effort(needle.size());
     for (std::size_t i = text.size() - needle.size() + 1; i-- > 0;) {
         if (text[i] != needle[0]) continue;
         if (standsAt(text.data() + i, needle)) return i;

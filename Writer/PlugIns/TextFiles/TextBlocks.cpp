@@ -11,17 +11,6 @@
 namespace pelvor {
 namespace {
 
-std::uint8_t byteAt(std::string_view bytes, std::size_t place) {
-    return static_cast<std::uint8_t>(bytes[place]);
-}
-
-bool isContinuation(std::uint8_t byte) { return (byte & 0xC0) == 0x80; }
-
-// How many bytes a character has that begins with this one; 1 for what begins none.
-std::size_t lengthAfterLead(std::uint8_t lead) {
-    return lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 1;
-}
-
 std::size_t lengthOfCutUTF8(std::string_view block) {
     for (std::size_t back = 1; back <= std::min<std::size_t>(3, block.size()); ++back) {
         const std::uint8_t byte = byteAt(block, block.size() - back);

@@ -12,17 +12,6 @@
 namespace pelvor {
 namespace {
 
-std::uint8_t byteAt(std::string_view bytes, std::size_t place) {
-    return static_cast<std::uint8_t>(bytes[place]);
-}
-
-bool isContinuation(std::uint8_t byte) { return (byte & 0xC0) == 0x80; }
-
-// How many bytes a character has that begins with this one; 1 for what begins none.
-std::size_t lengthAfterLead(std::uint8_t lead) {
-    return lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 1;
-}
-
 // The second byte decides about overlong forms, halves of pairs and what lies above U+10FFFF.
 bool isSecondByte(std::uint8_t lead, std::uint8_t byte) {
     const std::uint8_t low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
