@@ -124,18 +124,17 @@ PBWeakReference* PBWeakReference::takeSpare() {
     return static_cast<PBWeakReference*>(sharedPool->popObject().leak());
 }
 
-void PBWeakReference::overriddenRelease() noexcept {
-    if (!isOnlyReference() || isa() != &classRecord) return releaseReference();
+bool PBWeakReference::recycle() noexcept {
+    if (isa() != &classRecord) return false;
+    _weakObj = nullptr;
     if (mayKeepSpare && !spareReference) [[likely]] {
-        _weakObj = nullptr;
         spareReference = this;
-    } else if (!isKept()) {
-        releaseReference();
+        return true;
     }
+    return recycleInPool();
 }
 
-[[gnu::noinline]] bool PBWeakReference::isKept() noexcept {
-    _weakObj = nullptr;
+[[gnu::noinline]] bool PBWeakReference::recycleInPool() noexcept {
     if (!spareReference && openThread()) {
         spareReference = this;
         return true;

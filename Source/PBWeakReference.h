@@ -39,9 +39,9 @@ class PELVOR_EXPORT PBWeakReference : public NSObject {
     Retained<Object> copyWithZone(void* zone) override;
 
   protected:
-    PBWeakReference() { setOverridesRelease(); }
+    PBWeakReference() { setRecycles(); }
     ~PBWeakReference() = default;
-    void overriddenRelease() noexcept override;
+    bool recycle() noexcept override;
 
   private:
     friend class LookUpReference;
@@ -52,7 +52,7 @@ class PELVOR_EXPORT PBWeakReference : public NSObject {
     static Retained<Object> allocate(Class* cls);
     static PBWeakReference* takeSpare();
     static PBWeakReference* takePooled();
-    bool isKept() noexcept;
+    bool recycleInPool() noexcept;
 
     id _weakObj = nullptr;
 };

@@ -11,6 +11,16 @@
 
 namespace pelvor {
 
+void Object::endMarked(State before) noexcept {
+    if (before & kIsWatched) {
+        endWatch();
+    } else {
+        _state.store(before, std::memory_order_relaxed);
+        if (recycle()) return;
+    }
+    destroy();
+}
+
 Class* Object::class_() { return _isa; }
 
 bool Object::isKindOfClass(Class* cls) { return _isa->isSubclassOfClass(cls); }

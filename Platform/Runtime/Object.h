@@ -34,17 +34,19 @@ class PELVOR_EXPORT Object {
     Class* isa() const noexcept { return _isa; }
 
     Object* retain() noexcept {
-        _retainCount.fetch_add(1, std::memory_order_relaxed);
+        _state.fetch_add(kReference, std::memory_order_relaxed);
         return this;
     }
     void release() noexcept {
-        if (_flags.load(std::memory_order_relaxed) & kOverridesRelease) [[unlikely]]
-            return overriddenRelease();
-        releaseReference();
+        // The count comes first: a look at anything else before it would cost half as much again.
+        State before = _state.fetch_sub(kReference, std::memory_order_acq_rel);
+        if (before < 2 * kReference) end(before);
     }
     /// Leaves one release to the current autorelease pool of this thread.
     Object* autorelease();
-    std::uint32_t retainCount() const noexcept { return _retainCount.load(std::memory_order_relaxed); }
+    std::uint32_t retainCount() const noexcept {
+        return static_cast<std::uint32_t>(_state.load(std::memory_order_relaxed) / kReference);
+    }
 
     /// The class of the object as it wants to be seen.
     virtual Class* class_();
@@ -75,24 +77,20 @@ class PELVOR_EXPORT Object {
 
   protected:
     constexpr Object() noexcept = default;
-    constexpr Object(Class* isa, std::uint32_t count) noexcept : _isa(isa), _retainCount(count) {}
+    constexpr Object(Class* isa, std::uint32_t count) noexcept : _isa(isa), _state(count * kReference) {}
     ~Object() = default;
 
     /// Destroys the object as its own C++ class; PELVOR_CLASS defines it.
     virtual void destroy() noexcept = 0;
 
-    /// A class that has its own idea of release calls this when an object is made, and overrides
-    /// `overriddenRelease`, from where `releaseReference` is the ordinary release.
-    void setOverridesRelease() noexcept { _flags.fetch_or(kOverridesRelease, std::memory_order_relaxed); }
-    virtual void overriddenRelease() noexcept { releaseReference(); }
-    void releaseReference() noexcept {
-        // Not a release with a fence before `destroy`: the thread sanitizer does not know fences.
-        if (isOnlyReference() || _retainCount.fetch_sub(1, std::memory_order_acq_rel) == 1) end();
-    }
-    /// Whether the caller's reference is the only one, and no other can come into being: a release will
-    /// end the object and need not count down for it.
+    /// A class that keeps objects for another use says so when one is made, and overrides `recycle`.
+    void setRecycles() noexcept { _state.fetch_or(kRecycles, std::memory_order_relaxed); }
+    /// Called by the release that takes the last count, which the object has again: true keeps the object
+    /// with that count, false destroys it. Not called while weak handles refer to it.
+    virtual bool recycle() noexcept { return false; }
+    /// Whether the caller's reference is the only one, and no other can come into being.
     bool isOnlyReference() const noexcept {
-        return _retainCount.load(std::memory_order_acquire) == 1 && !isWatched();
+        return (_state.load(std::memory_order_acquire) & ~kRecycles) == kReference;
     }
 
     /// The count of objects that live as long as the process; balanced use never brings it near 0.
@@ -102,20 +100,23 @@ class PELVOR_EXPORT Object {
     friend struct Instances;
     friend class WeakHandle;
 
-    static constexpr std::uint32_t kOverridesRelease = 1;
-    static constexpr std::uint32_t kIsWatched = 2;  // weak handles are to be told of its end
+    // The count, in steps of `kReference`, above the marks.
+    using State = std::uint64_t;
+    static constexpr State kRecycles = 1;
+    static constexpr State kIsWatched = 2;  // weak handles are to be told of its end
+    static constexpr State kReference = 4;
 
-    bool isWatched() const noexcept { return _flags.load(std::memory_order_acquire) & kIsWatched; }
-    void end() noexcept {
-        if (isWatched()) [[unlikely]]
-            endWatch();
-        destroy();
+    void end(State before) noexcept {
+        if (before == kReference)
+            destroy();
+        else
+            endMarked(before);
     }
+    void endMarked(State before) noexcept;
     void endWatch() noexcept;
 
     Class* _isa = nullptr;
-    std::atomic<std::uint32_t> _retainCount{1};
-    std::atomic<std::uint32_t> _flags{0};
+    std::atomic<State> _state{kReference};
 };
 
 static_assert(sizeof(Object) <= 24);

@@ -30,7 +30,7 @@ WeakHandle::WeakHandle(Object* object) {
     Watch*& watch = all.byObject[object];
     if (!watch) {
         watch = new Watch{object, 0};
-        object->_flags.fetch_or(Object::kIsWatched, std::memory_order_relaxed);
+        object->_state.fetch_or(Object::kIsWatched, std::memory_order_relaxed);
     }
     ++watch->handles;
     _watch = watch;
@@ -44,7 +44,7 @@ WeakHandle::~WeakHandle() {
     if (_watch->object) {
         all.byObject.erase(_watch->object);
         // Before the mark is gone, an object that ends waits for the lock.
-        _watch->object->_flags.fetch_and(~Object::kIsWatched, std::memory_order_release);
+        _watch->object->_state.fetch_and(~Object::kIsWatched, std::memory_order_release);
     }
     delete _watch;
 }
@@ -58,9 +58,10 @@ Retained<Object> WeakHandle::object() const {
 
 // Another thread may have counted down to 0 and be waiting to end the watch.
 bool WeakHandle::retainUnlessEnding(Object* object) noexcept {
-    std::uint32_t count = object->_retainCount.load(std::memory_order_relaxed);
-    while (count > 0)
-        if (object->_retainCount.compare_exchange_weak(count, count + 1, std::memory_order_relaxed))
+    Object::State state = object->_state.load(std::memory_order_relaxed);
+    while (state >= Object::kReference)
+        if (object->_state.compare_exchange_weak(state, state + Object::kReference,
+                                                 std::memory_order_relaxed))
             return true;
     return false;
 }

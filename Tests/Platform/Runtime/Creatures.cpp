@@ -81,9 +81,9 @@ Retained<Counted> Counted::initWithName(std::string name) {
     return counted;
 }
 
-void Counted::overriddenRelease() noexcept {
-    note("release " + _name);
-    releaseReference();
+bool Counted::recycle() noexcept {
+    note("last " + _name);
+    return lives-- > 1;
 }
 
 }  // namespace pelvor::testing

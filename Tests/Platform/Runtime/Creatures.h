@@ -90,17 +90,19 @@ class Shadow : public NSProxy {
     Retained<Object> _target;
 };
 
-/// Writes down its own counting.
+/// Writes down when its last reference goes and when it does; may have lives left by then.
 class Counted : public NSObject {
     PELVOR_CLASS(Counted, NSObject);
 
   public:
     static Retained<Counted> initWithName(std::string name);
 
+    int lives = 1;
+
   protected:
-    Counted() { setOverridesRelease(); }
+    Counted() { setRecycles(); }
     ~Counted() { note("~" + _name); }
-    void overriddenRelease() noexcept override;
+    bool recycle() noexcept override;
     std::string _name;
 };
 
