@@ -11,7 +11,7 @@
 #include "Foundation/PropertyListBuilderPrivate.h"
 #include "Foundation/PropertyListFaultPrivate.h"
 #include "Foundation/PropertyListLimits.h"
-#include "Foundation/UTF8UnitsPrivate.h"
+#include "Foundation/UnitConversionPrivate.h"
 
 namespace pelvor {
 namespace {
@@ -322,9 +322,9 @@ class Reader {
             for (std::size_t i = 0; i < head.length; ++i)
                 units[i] = static_cast<unichar>(number(head.content + 2 * i, 2));
         } else {
-            std::size_t ascii = asciiPrefixLength(bytes);
+            std::size_t ascii = asciiPrefix(bytes);
             if (ascii < bytes.size()) fail("a character that is not ASCII", head.content + ascii);
-            widenASCII(bytes, units);
+            widen(bytes, units);
         }
         return string;
     }

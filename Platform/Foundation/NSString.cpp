@@ -149,7 +149,7 @@ namespace {
 // None if the bytes are not UTF-8.
 Retained<NSString> utf8String(std::string_view bytes) {
     auto string = NSInlineString::create(static_cast<NSUInteger>(unitCountOfUTF8(bytes)));
-    if (!decodeAllUTF8(bytes, string->characters())) return nullptr;
+    if (!decodeUTF8(bytes, string->characters()).isValid) return nullptr;
     return string;
 }
 

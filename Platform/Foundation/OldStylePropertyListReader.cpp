@@ -8,7 +8,7 @@
 
 #include "Foundation/PropertyListBuilderPrivate.h"
 #include "Foundation/PropertyListFaultPrivate.h"
-#include "Foundation/UTF8UnitsPrivate.h"
+#include "Foundation/UnitConversionPrivate.h"
 
 namespace pelvor {
 namespace {

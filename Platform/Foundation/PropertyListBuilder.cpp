@@ -12,7 +12,7 @@
 #include "Foundation/NSNumber.h"
 #include "Foundation/PropertyListFaultPrivate.h"
 #include "Foundation/PropertyListLimits.h"
-#include "Foundation/UTF8UnitsPrivate.h"
+#include "Foundation/UnitConversionPrivate.h"
 
 namespace pelvor {
 namespace {
@@ -162,9 +162,9 @@ void PropertyListBuilder::addString(std::string_view utf8) {
 }
 
 Retained<Object> PropertyListBuilder::stringFromUTF8(std::string_view utf8, bool isMutable) {
-    if (!isMutable && asciiPrefixLength(utf8) == utf8.size()) {
+    if (!isMutable && asciiPrefix(utf8) == utf8.size()) {
         auto string = NSInlineString::create(static_cast<NSUInteger>(utf8.size()));
-        widenASCII(utf8, string->characters());
+        widen(utf8, string->characters());
         return string;
     }
     if (_units.size() < utf8.size()) _units.resize(utf8.size());

@@ -117,7 +117,11 @@ std::size_t unitCountOfUTF8(std::string_view bytes) {
     return total;
 }
 
-bool decodeAllUTF8(std::string_view text, char16_t* units) {
+DecodedUTF8 decodeUTF8(std::string_view text, char16_t* units) {
+    const char16_t* first = units;
+    auto decoded = [&](bool isValid) {
+        return DecodedUTF8{static_cast<std::size_t>(units - first), isValid};
+    };
     const Byte *bytes = reinterpret_cast<const Byte*>(text.data()), *end = bytes + text.size();
     while (bytes < end) {
         if (*bytes < 0x80) {
@@ -131,18 +135,18 @@ bool decodeAllUTF8(std::string_view text, char16_t* units) {
         while (bytes < end && *bytes >= 0x80) {
             char32_t c;
             std::size_t size = decodeSequence(bytes, end - bytes, c);
-            if (size == 0) return false;
+            if (size == 0) return decoded(false);
             bytes += size;
             if (c > 0xFFFF) *units++ = U16_LEAD(c);
             *units++ = c > 0xFFFF ? U16_TRAIL(c) : static_cast<char16_t>(c);
         }
     }
-    return true;
+    return decoded(true);
 }
 
 std::optional<std::u16string> unitsFromUTF8(std::string_view bytes) {
     std::u16string units(unitCountOfUTF8(bytes), u'\0');
-    if (!decodeAllUTF8(bytes, units.data())) return std::nullopt;
+    if (!decodeUTF8(bytes, units.data()).isValid) return std::nullopt;
     return units;
 }
 

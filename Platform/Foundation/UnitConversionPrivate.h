@@ -19,8 +19,13 @@ void narrow(std::u16string_view units, char* bytes);
 
 /// How many units UTF-8 has; no fewer than it has where it is ill-formed, too.
 std::size_t unitCountOfUTF8(std::string_view bytes);
-/// Writes the units, as many as `unitCountOfUTF8` says; false, with some written, for ill-formed bytes.
-bool decodeAllUTF8(std::string_view bytes, char16_t* units);
+/// How many units were written, and whether that was all; if not, ill-formed bytes follow.
+struct DecodedUTF8 {
+    std::size_t unitCount;
+    bool isValid;
+};
+/// Writes the units: no more than `unitCountOfUTF8` says, and no more than there are bytes.
+DecodedUTF8 decodeUTF8(std::string_view bytes, char16_t* units);
 
 /// None for bytes that are not UTF-8.
 std::optional<std::u16string> unitsFromUTF8(std::string_view bytes);
