@@ -37,6 +37,12 @@ constexpr unichar* writeCodepoint(std::uint32_t codepoint, unichar* units) {
     return units;
 }
 
+/// Raises NSInvalidArgumentException for a count without code points.
+inline void requireCodepoints(const std::uint32_t* codepoints, NSUInteger count) {
+    if (!codepoints && count)
+        throw NSException(NSInvalidArgumentException, "a count was given without code points");
+}
+
 /// Raise NSRangeException for an index not below the count, or a range not inside it.
 inline void requireIndexBelow(NSUInteger index, NSUInteger count) {
     if (index >= count) raiseException(NSRangeException, u"index (%d) beyond bounds (%d)"_ns, index, count);

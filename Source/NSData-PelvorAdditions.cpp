@@ -139,6 +139,8 @@ NSData* NSData_PelvorAdditions::dataWithBase64String(NSString* string, Class* cl
 // MARK: Hexadecimal
 
 NSString* _lowercaseHexStringWithPrefix_length(NSData* data, const unichar* prefix, NSUInteger prefixLength) {
+    if (!prefix && prefixLength)
+        throw NSException(NSInvalidArgumentException, "a length was given without a prefix");
     auto bytes = bytesOf(data);
     return writtenString(requireLength(bytes.size() * 2 + prefixLength),
                          [=](unichar* units) { writeHex(bytes, std::copy_n(prefix, prefixLength, units)); });

@@ -28,7 +28,7 @@ NSUInteger locationOfCharacterFromSet_options_location(NSString* string, NSChara
     NSUInteger count = string->length();
     bool isBackwards = options & NSBackwardsSearch;
     NSUInteger place = std::min(location, count);
-    NSRange range = isBackwards ? NSRange{0, std::min(place + 1, count)} : NSRange{place, count - place};
+    NSRange range = isBackwards ? NSRange{0, place + (place < count)} : NSRange{place, count - place};
     NSRange found = string->rangeOfCharacterFromSet_options_range(set, options, range);
     if (found.location == NSNotFound) return NSNotFound;
     return isBackwards ? NSMaxRange(found) - 1 : found.location;
@@ -117,9 +117,8 @@ NSRange rangeOfCharacterAtIndex(NSString* string, NSUInteger index) {
     unichar unit = string->characterAtIndex(index);
     bool isLow = isLowSurrogate(unit);
     if (!isLow && !isHighSurrogate(unit)) return {index, 1};
-    NSUInteger start = isLow && index > 0 ? index - 1 : index;
-    NSUInteger end = isLow ? index + 1 : std::min(index + 2, count);
-    return {start, end - start};
+    if (isLow) return index > 0 ? NSRange{index - 1, 2} : NSRange{index, 1};
+    return {index, index + 1 < count ? 2u : 1u};
 }
 
 }  // namespace pelvor

@@ -62,10 +62,9 @@ void defineAdditions(MethodTable<NSString>& methods) {
 }
 
 // A class operation of a mutable class answers a mutable string.
-NSString* stringOfClass(Retained<NSString> string, Class* cls) {
-    if (string && cls->isSubclassOfClass(NSMutableString::classObject()))
-        return string->mutableCopy().autorelease();
-    return std::move(string).autorelease();
+Retained<NSString> ofClass(Retained<NSString> string, Class* cls) {
+    if (string && cls->isSubclassOfClass(NSMutableString::classObject())) return string->mutableCopy();
+    return string;
 }
 
 }  // namespace
@@ -83,7 +82,8 @@ NSString* NSString_PelvorAdditions::stringWithCodepoints_count(const std::uint32
 }
 
 Retained<NSString> NSString_PelvorAdditions::initWithCodepoints_count(const std::uint32_t* codepoints,
-                                                                      NSUInteger count) {
+                                                                      NSUInteger count, Class* cls) {
+    requireCodepoints(codepoints, count);
     std::unique_ptr<unichar, decltype(&std::free)> units(
         static_cast<unichar*>(std::malloc((std::size_t{count} * 2 + 1) * sizeof(unichar))), &std::free);
     if (!units) return nullptr;
@@ -91,17 +91,18 @@ Retained<NSString> NSString_PelvorAdditions::initWithCodepoints_count(const std:
     for (NSUInteger i = 0; i < count; ++i) end = writeCodepoint(codepoints[i], end);
     std::ptrdiff_t length = end - units.get();
     if (length > std::numeric_limits<NSUInteger>::max()) return nullptr;
-    return NSString::initWithCharactersNoCopy_length_freeWhenDone(units.release(),
-                                                                  static_cast<NSUInteger>(length), true);
+    return ofClass(NSString::initWithCharactersNoCopy_length_freeWhenDone(
+                       units.release(), static_cast<NSUInteger>(length), true),
+                   cls);
 }
 
 NSString* NSString_PelvorAdditions::stringWithData_encoding(NSData* data, NSStringEncoding encoding,
                                                             Class* cls) {
-    return stringOfClass(NSString::initWithData_encoding(data, encoding), cls);
+    return ofClass(NSString::initWithData_encoding(data, encoding), cls).autorelease();
 }
 
 NSString* NSString_PelvorAdditions::stringWithCharacter(unichar character, Class* cls) {
-    return stringOfClass(NSString::initWithCharacters_length(&character, 1), cls);
+    return ofClass(NSString::initWithCharacters_length(&character, 1), cls).autorelease();
 }
 
 NSUInteger getCodepoints_range(NSString* string, std::uint32_t* codepoints, NSRange range) {

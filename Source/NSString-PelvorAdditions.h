@@ -15,8 +15,10 @@ struct PELVOR_EXPORT NSString_PelvorAdditions {
     /// One unit, or two for a code point above 0xFFFF; those above 0x10FFFF are folded into some pair.
     static NSString* stringWithCodepoint(std::uint32_t codepoint);
     static NSString* stringWithCodepoints_count(const std::uint32_t* codepoints, NSUInteger count);
-    /// None if there is no room, or the units are more than NSUInteger can count.
-    static Retained<NSString> initWithCodepoints_count(const std::uint32_t* codepoints, NSUInteger count);
+    /// None if there is no room, or the units are more than NSUInteger can count. Mutable if `cls` is. Raises
+    /// NSInvalidArgumentException for a count without code points.
+    static Retained<NSString> initWithCodepoints_count(const std::uint32_t* codepoints, NSUInteger count,
+                                                       Class* cls = NSString::classObject());
     /// None if the bytes are not valid in the encoding. Mutable if `cls` is. Raises
     /// NSInvalidArgumentException for no data.
     static NSString* stringWithData_encoding(NSData* data, NSStringEncoding encoding,

@@ -44,6 +44,7 @@ std::uint32_t* allocateCodepoints(NSUInteger count) {
 
 Retained<PBUnichar32String> PBUnichar32String::initWithOwnedCodepoints_count(std::uint32_t* codepoints,
                                                                              NSUInteger count, Class* cls) {
+    requireCodepoints(codepoints, count);
     std::unique_ptr<std::uint32_t[], Free> owned(codepoints);
     auto string = make<PBUnichar32String>(cls);
     for (NSUInteger i = 0; i < count; ++i)
@@ -58,6 +59,7 @@ Retained<PBUnichar32String> PBUnichar32String::initWithOwnedCodepoints_count(std
 
 Retained<PBUnichar32String> PBUnichar32String::initWithCodepoints_count(const std::uint32_t* codepoints,
                                                                         NSUInteger count, Class* cls) {
+    requireCodepoints(codepoints, count);
     std::uint32_t* copy = allocateCodepoints(count);
     if (!copy) return nullptr;
     std::copy_n(codepoints, count, copy);

@@ -14,9 +14,9 @@ namespace pelvor {
 /// of units are found by the list of the pairs alone. Code points are not checked: above 0x10FFFF they are
 /// folded into some pair. Any thread.
 ///
-/// Operations raise NSRangeException for a range or an index outside. `characterAtIndex` answers the first
-/// half of a pair at both its places, and `getCharacters_range` begins with the whole pair where the range
-/// begins with its second half.
+/// Operations raise NSRangeException for a range or an index outside, and NSInvalidArgumentException for a
+/// count without code points. `characterAtIndex` answers the first half of a pair at both its places, and
+/// `getCharacters_range` begins with the whole pair where the range begins with its second half.
 class PELVOR_EXPORT PBUnichar32String : public NSString {
     PELVOR_CLASS(PBUnichar32String, NSString);
 

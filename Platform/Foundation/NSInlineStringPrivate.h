@@ -2,10 +2,20 @@
 // NSInlineString: the immutable string that creators answer; for Foundation's own sources.
 #pragma once
 
+#include <limits>
+
 #include "Foundation/CollectionFailuresPrivate.h"
 #include "Foundation/NSString.h"
+#include "Runtime/NSException.h"
 
 namespace pelvor {
+
+/// Raises NSMallocException for a length that a string cannot have.
+inline NSUInteger requireTextLength(std::uint64_t length) {
+    if (length > std::numeric_limits<NSUInteger>::max()) [[unlikely]]
+        throw NSException(NSMallocException, "the text would be too long");
+    return static_cast<NSUInteger>(length);
+}
 
 /// Units in the same memory as the object, directly after it.
 class NSInlineString final : public NSString {
@@ -19,7 +29,7 @@ class NSInlineString final : public NSString {
             std::size_t{length} * sizeof(unichar), &classRecord, length));
     }
     static Retained<NSInlineString> create(std::u16string_view units) {
-        auto string = create(static_cast<NSUInteger>(units.size()));
+        auto string = create(requireTextLength(units.size()));
         std::char_traits<unichar>::copy(string->characters(), units.data(), units.size());
         return string;
     }

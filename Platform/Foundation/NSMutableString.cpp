@@ -2,7 +2,6 @@
 #include "Foundation/NSMutableString.h"
 
 #include <algorithm>
-#include <limits>
 #include <vector>
 
 #include "Foundation/FoundationLibrary.h"
@@ -202,8 +201,7 @@ NSUInteger NSMutableString::replaceOccurrencesOfString_withString_options_range(
 }
 
 void replaceTextAdopting(NSMutableString* string, std::u16string&& units) {
-    if (units.size() > std::numeric_limits<NSUInteger>::max())
-        throw NSException(NSMallocException, "the text would be too long");
+    requireTextLength(units.size());
     if (auto* own = cast<NSBufferString>(string))
         own->adopt(std::move(units));
     else
@@ -227,12 +225,14 @@ void NSBufferString::getCharacters_range(unichar* buffer, NSRange range) {
 void NSBufferString::replaceCharactersInRange_withString(NSRange range, NSString* string) {
     requireString(string, "replaceCharactersInRange:withString:");
     requireRange(range, length());
+    requireTextLength(_units.size() - range.length + string->length());
     StringUnits units(string);
     replaceCharactersInRange_withUnits(range, units);
 }
 
 void NSBufferString::replaceCharactersInRange_withUnits(NSRange range, std::u16string_view units) {
     requireRange(range, length());
+    requireTextLength(_units.size() - range.length + units.size());
     _units.replace(range.location, range.length, units);
 }
 

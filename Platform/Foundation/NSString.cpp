@@ -235,7 +235,7 @@ NSString* NSString::substringWithRange(NSRange range) {
 NSString* NSString::stringByAppendingString(NSString* string) {
     requireString(string, "stringByAppendingString:");
     NSUInteger count = length(), more = string->length();
-    auto joined = NSInlineString::create(count + more);
+    auto joined = NSInlineString::create(requireTextLength(std::uint64_t{count} + more));
     getCharacters_range(joined->characters(), {0, count});
     string->getCharacters_range(joined->characters() + count, {0, more});
     return std::move(joined).autorelease();

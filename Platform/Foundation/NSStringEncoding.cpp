@@ -265,12 +265,17 @@ class ICUConverter final : public Converter {
         _converter.reset(ucnv_open(name, &error));
         if (!_converter) return;
         ucnv_setToUCallBack(_converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &error);
-        ucnv_setFromUCallBack(_converter.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &error);
+        ucnv_setFromUCallBack(_converter.get(), &refuse, nullptr, nullptr, nullptr, &error);
         ucnv_setFallback(_converter.get(), false);
     }
     bool isOpen() const { return _converter != nullptr; }
 
   private:
+    // Leaves the error as it is. ICU's own way to stop passes over characters that are not seen, as if they
+    // had been encoded.
+    static void refuse(const void*, UConverterFromUnicodeArgs*, const UChar*, int32_t, UChar32,
+                       UConverterCallbackReason, UErrorCode*) {}
+
     std::optional<std::u16string> decode(Bytes bytes) override {
         // No encoding here makes more than two units of a byte.
         std::u16string units(bytes.size() * 2, u'\0');
@@ -399,13 +404,15 @@ Units likenessOf(char32_t c) {
     return found != std::end(kLikenesses) && found->character == c ? found->text : Units();
 }
 
-// Something like the character that the encoding has: its parts without their marks, or a picture of it.
+// Something like the character that the encoding has: its parts without their marks, a picture of it, or
+// nothing for what is not seen.
 std::u16string replacementFor(char32_t c, Converter& converter) {
-    if (U_GET_GC_MASK(static_cast<UChar32>(c)) & U_GC_M_MASK) return {};
+    auto code = static_cast<UChar32>(c);
+    bool isUnseen = u_hasBinaryProperty(code, UCHAR_DEFAULT_IGNORABLE_CODE_POINT);
+    if (isUnseen || (U_GET_GC_MASK(code) & U_GC_M_MASK)) return {};
     UErrorCode error = U_ZERO_ERROR;
     char16_t parts[64];
-    int32_t size =
-        unorm2_getDecomposition(unorm2_getNFKDInstance(&error), static_cast<UChar32>(c), parts, 64, &error);
+    int32_t size = unorm2_getDecomposition(unorm2_getNFKDInstance(&error), code, parts, 64, &error);
     Units source = size > 0 ? Units(parts, static_cast<std::size_t>(size)) : likenessOf(c);
     std::u16string text;
     for (std::size_t i = 0; i < source.size();) {

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "BaseLibrary.h"
+#include "Foundation/NSCharacterSet.h"
 #include "NSString-PelvorAdditions.h"
 #include "PBRepeatString.h"
 #include "Prelude.h"
@@ -18,6 +19,17 @@ TEST(Codepoints, AreWrittenAsUnitsAndPairs) {
     EXPECT_EQ(Additions::stringWithCodepoint(0x41)->toUTF16(), u"A");
     EXPECT_EQ(Additions::stringWithCodepoint(0x110000)->toUTF16(), (std::u16string{0xD800, 0xDC00}));
     EXPECT_EQ(Additions::stringWithCodepoints_count(nullptr, 0)->length(), 0u);
+    registerLibrary(baseLibrary);
+    const std::uint32_t face = 0x1F600, *none = nullptr;
+    auto make = [](Class* cls, const std::uint32_t* from) {
+        return send<NSString*>(cls, "initWithCodepoints:count:"_sel, from, NSUInteger{1});
+    };
+    EXPECT_EQ(make(NSMutableString::classObject(), &face)->toUTF16(), u"\U0001F600");
+    EXPECT_TRUE(cast<NSMutableString>(make(NSMutableString::classObject(), &face)));
+    EXPECT_TRUE(cast<PBUnichar32String>(make(PBUnichar32String::classObject(), &face)));
+    for (Class* cls : {NSString::classObject(), PBUnichar32String::classObject()})
+        EXPECT_EQ(reasonOf(NSInvalidArgumentException, [&] { make(cls, none); }),
+                  "a count was given without code points");
 }
 
 TEST(Codepoints, AreReadFromAnyRange) {
@@ -86,6 +98,16 @@ TEST(PBRepeatString, HasLengthsUpToTheLimit) {
     EXPECT_FALSE(PBRepeatString::initWithString_repeatCount(u"ab"_ns, 0x80000000));
     auto longest = PBRepeatString::initWithString_length(u"abc"_ns, 0xFFFFFFFF);
     EXPECT_EQ(longest->characterAtIndex(0xFFFFFFFE), u'c');
+    NSCharacterSet* letters = NSCharacterSet::letterCharacterSet();
+    EXPECT_EQ(locationOfCharacterFromSet_options_location(longest, letters, NSBackwardsSearch, 0xFFFFFFFF),
+              0xFFFFFFFE);
+    auto halves = PBRepeatString::initWithString_length(u"\U0001F600"_ns, 0xFFFFFFFF);
+    EXPECT_EQ(rangeOfCharacterAtIndex(halves, 0xFFFFFFFE), NSMakeRange(0xFFFFFFFE, 1)) << "half of a pair";
+    auto text = NSMutableString::of(u"a");
+    EXPECT_EQ(reasonOf(NSMallocException, [&] { text->appendString(longest); }),
+              "the text would be too long");
+    EXPECT_EQ(reasonOf(NSMallocException, [&] { text->stringByAppendingString(longest); }),
+              "the text would be too long");
     EXPECT_EQ(PBRepeatString::initWithString_length(u""_ns, 2)->toUTF16(), std::u16string(2, u'\0'));
     EXPECT_EQ(PBRepeatString::initWithString_repeatCount(u"-"_ns, 3)->toUTF16(), u"---");
 }

@@ -91,6 +91,7 @@ TEST_F(NSStringEncodingTest, TextThatDoesNotFitIsRefusedOrReplacedBySomethingAli
                  {NSASCIIStringEncoding, u"日😀\u00A0½", "?? 1/2"},
                  {NSISOLatin1StringEncoding, u"é“ł日", "\xE9\"l?"},
                  {NSWindowsCP1252StringEncoding, u"“ő日", "\x93o?"},
+                 {NSWindowsCP1252StringEncoding, u"a\u200Db\u00AD", "ab\xAD"},
                  {NSISO2022JPStringEncoding, u"日é", "\x1B$BF|\x1B(Be"},
                  {NSUTF8StringEncoding, u"a\xD800z", "a\xEF\xBF\xBDz"},
                  {NSUTF32BigEndianStringEncoding, u"\xDC00", "\0\0\xFF\xFD"s}};
