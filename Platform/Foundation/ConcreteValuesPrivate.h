@@ -3,6 +3,7 @@
 #pragma once
 
 #include <span>
+#include <string_view>
 
 #include "Foundation/NSNumber.h"
 
@@ -15,6 +16,9 @@ class NSInlineValue final : public NSValue {
   public:
     /// An owned value; `type` lives as long as the process.
     static Retained<NSInlineValue> create(const void* bytes, std::size_t size, const char* type);
+    /// One that keeps the name of its type itself, behind the bytes: names may come from anywhere.
+    static Retained<NSInlineValue> createWithTypeName(const void* bytes, std::size_t size,
+                                                      std::string_view type);
 
     const char* objCType() override { return _type; }
     void getValue(void* buffer) override { std::memcpy(buffer, span().data(), _size); }

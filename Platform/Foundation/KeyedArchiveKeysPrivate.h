@@ -20,6 +20,7 @@ inline NSString* const kItems = u"items"_ns;
 inline NSString* const kKeys = u"keys"_ns;
 inline NSString* const kType = u"type"_ns;
 inline NSString* const kBytes = u"bytes"_ns;
+inline NSString* const kValue = u"value"_ns;
 inline NSString* const kRoot = u"root"_ns;
 
 /// Whether values of the type mean the same in another process: plain numbers, and structures of them.

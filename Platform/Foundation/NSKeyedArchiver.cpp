@@ -3,11 +3,12 @@
 
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/KeyedArchiveKeysPrivate.h"
-#include "Foundation/NSData.h"
+#include "Foundation/NSCountedSet.h"
 #include "Foundation/NSDate.h"
 #include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableData.h"
 #include "Foundation/NSMutableDictionary.h"
-#include "Foundation/NSMutableSet.h"
+#include "Foundation/NSMutableString.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSPropertyListError.h"
 #include "Foundation/PropertyListLimits.h"
@@ -19,6 +20,15 @@ namespace {
 
 bool isLeaf(id object) {
     return cast<NSString>(object) || cast<NSNumber>(object) || cast<NSData>(object) || cast<NSDate>(object);
+}
+
+// The entry of a string or of data that can be changed; none for another object.
+Retained<Object> entryForMutableLeaf(id object) {
+    bool isText = cast<NSMutableString>(object);
+    if (!isText && !cast<NSMutableData>(object)) return nullptr;
+    NSString* cls = isText ? u"NSMutableString"_ns : u"NSMutableData"_ns;
+    auto value = send<Retained<Object>>(object, "copy"_sel);
+    return NSDictionary::initWithEntries({{archive::kClass, cls}, {archive::kValue, value}});
 }
 
 Retained<Object> entryForValue(NSValue* value) {
@@ -104,11 +114,13 @@ NSUInteger NSKeyedArchiver::indexOf(id object) {
 }
 
 Retained<Object> NSKeyedArchiver::entryFor(id object) {
+    if (Retained<Object> entry = entryForMutableLeaf(object)) return entry;
     if (isLeaf(object)) return send<Retained<Object>>(object, "copy"_sel);
     if (object->respondsToSelector("encodeWithCoder:"_sel)) return entryByCoding(object);
     if (auto* value = cast<NSValue>(object)) return entryForValue(value);
     if (cast<NSArray>(object))
         return listOf(cast<NSMutableArray>(object) ? "NSMutableArray" : "NSArray", object);
+    if (cast<NSCountedSet>(object)) return listOf("NSCountedSet", object);
     if (cast<NSSet>(object)) return listOf(cast<NSMutableSet>(object) ? "NSMutableSet" : "NSSet", object);
     auto* dictionary = cast<NSDictionary>(object);
     if (!dictionary)
@@ -136,9 +148,13 @@ Retained<Object> NSKeyedArchiver::listOf(const char* cls, id collection) {
 
 id NSKeyedArchiver::referencesTo(id collection) {
     auto* set = cast<NSSet>(collection);
+    auto* counted = cast<NSCountedSet>(collection);
     NSMutableArray* references = NSMutableArray::array();
-    for (id object : set ? set->allObjects() : cast<NSArray>(collection))
-        references->addObject(NSNumber::numberWithUnsignedInt(indexOf(object)));
+    for (id object : set ? set->allObjects() : cast<NSArray>(collection)) {
+        NSNumber* reference = NSNumber::numberWithUnsignedInt(indexOf(object));
+        for (NSUInteger i = counted ? counted->countForObject(object) : 1; i > 0; --i)
+            references->addObject(reference);
+    }
     return references;
 }
 

@@ -19,9 +19,10 @@ class NSMutableDictionary;
 ///     { archiver = NSKeyedArchiver; version = 1; top = { key = reference }; objects = ( "", … ); }
 ///
 /// An entry of `objects` is a string, number, date or data, or a dictionary of its `class` and `fields` or
-/// contents. A reference is { object = index }; index 0 stands for none. Values are archived of types
-/// without pointers. Objects that lead back to themselves, that are nested deeper than property lists may
-/// be, or that cannot be coded raise NSInvalidArgumentException; the archiver is of no use after that.
+/// contents; a counted set lists a member as often as it holds it. A reference is { object = index }; index 0
+/// stands for none. Values are archived of types without pointers. Objects that lead back to themselves, that
+/// are nested deeper than property lists may be, or that cannot be coded raise NSInvalidArgumentException;
+/// the archiver is of no use after that.
 class PELVOR_EXPORT NSKeyedArchiver : public NSCoder {
     PELVOR_CLASS(NSKeyedArchiver, NSCoder);
 

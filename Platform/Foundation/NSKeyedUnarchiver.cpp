@@ -3,10 +3,11 @@
 
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/KeyedArchiveKeysPrivate.h"
-#include "Foundation/NSData.h"
+#include "Foundation/NSCountedSet.h"
 #include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableData.h"
 #include "Foundation/NSMutableDictionary.h"
-#include "Foundation/NSMutableSet.h"
+#include "Foundation/NSMutableString.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSPropertyListError.h"
 #include "Foundation/NSPropertyListSerialization.h"
@@ -143,6 +144,8 @@ void NSKeyedUnarchiver::makeObject(NSUInteger index) {
         slot.object = objectFor(_entries->objectAtIndex(index));
     } catch (const NSException& exception) {
         fail("object " + std::to_string(index) + ": " + exception.reason());
+    } catch (const std::exception& exception) {
+        fail("object " + std::to_string(index) + ": " + exception.what());
     }
     --_depth;
     _fields = outerFields;
@@ -160,6 +163,7 @@ Retained<Object> NSKeyedUnarchiver::objectFor(id entry) {
     if (!cls) return fail("an object has no class");
     if (dictionary->objectForKey(archive::kItems)) return collectionFor(cls, dictionary);
     if (cls->isEqualToString(u"NSValue"_ns)) return valueFor(dictionary);
+    if (id value = dictionary->objectForKey(archive::kValue)) return mutableLeafFor(cls, value);
     return codedObjectFor(cls, dictionary);
 }
 
@@ -183,6 +187,7 @@ Retained<Object> NSKeyedUnarchiver::collectionFor(NSString* cls, NSDictionary* e
     if (name == "NSArray") return NSArray::initWithObjects_count(items.data(), count);
     if (name == "NSMutableArray") return NSMutableArray::initWithObjects_count(items.data(), count);
     if (name == "NSSet") return NSSet::initWithObjects_count(items.data(), count);
+    if (name == "NSCountedSet") return NSCountedSet::initWithObjects_count(items.data(), count);
     if (name == "NSMutableSet") return NSMutableSet::initWithObjects_count(items.data(), count);
     bool isMutable = name == "NSMutableDictionary";
     if (!isMutable && name != "NSDictionary") return fail("\"" + name + "\" is no class of collections");
@@ -199,10 +204,19 @@ Retained<Object> NSKeyedUnarchiver::valueFor(NSDictionary* entry) {
     if (!type || !bytes) return fail("a value lacks its type or its bytes");
     std::string text = type->toUTF8();
     NSUInteger size = 0;
-    if (!archive::isPortableType(text) || *NSGetSizeAndAlignment(text.c_str(), &size, nullptr) != '\0' ||
+    if (!archive::isPortableType(text) ||
+        NSGetSizeAndAlignment(text.c_str(), &size, nullptr) != text.c_str() + text.size() ||
         size != bytes->length())
         return fail("a value's bytes do not fit its type");
     return NSValue::initWithBytes_objCType(bytes->bytes(), text.c_str());
+}
+
+Retained<Object> NSKeyedUnarchiver::mutableLeafFor(NSString* cls, id value) {
+    if (auto* text = cast<NSString>(value); text && cls->isEqualToString(u"NSMutableString"_ns))
+        return NSMutableString::initWithString(text);
+    if (auto* data = cast<NSData>(value); data && cls->isEqualToString(u"NSMutableData"_ns))
+        return NSMutableData::initWithData(data);
+    return fail("\"" + cls->toUTF8() + "\" has no such value");
 }
 
 bool NSKeyedUnarchiver::isAllowed(Class* cls) {

@@ -62,6 +62,7 @@ class PELVOR_EXPORT NSKeyedUnarchiver : public NSCoder {
     void makeObject(NSUInteger index);
     Retained<Object> objectFor(id entry);
     Retained<Object> collectionFor(NSString* cls, NSDictionary* entry);
+    Retained<Object> mutableLeafFor(NSString* cls, id value);
     Retained<Object> valueFor(NSDictionary* entry);
     Retained<Object> codedObjectFor(NSString* cls, NSDictionary* entry);
     bool isAllowed(Class* cls);

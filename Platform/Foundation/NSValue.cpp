@@ -10,7 +10,6 @@
 #include "Foundation/ConcreteValuesPrivate.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
-#include "Foundation/TypeNamesPrivate.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {
@@ -51,6 +50,17 @@ Retained<NSInlineValue> NSInlineValue::create(const void* bytes, std::size_t siz
     return Retained<NSInlineValue>::adopting(value);
 }
 
+Retained<NSInlineValue> NSInlineValue::createWithTypeName(const void* bytes, std::size_t size,
+                                                          std::string_view type) {
+    auto* value =
+        Instances::createWithExtra<NSInlineValue>(size + type.size() + 1, &classRecord, nullptr, size);
+    auto* place = reinterpret_cast<char*>(value + 1);
+    std::memcpy(place, bytes, size);
+    value->_type = place + size;
+    place[size + type.copy(place + size, type.size())] = '\0';
+    return Retained<NSInlineValue>::adopting(value);
+}
+
 Retained<NSValue> NSValue::withTypedBytes(const void* bytes, std::size_t size, const char* immortalType) {
     return NSInlineValue::create(bytes, size, immortalType);
 }
@@ -66,7 +76,7 @@ Retained<NSValue> NSValue::initWithBytes_objCType(const void* bytes, const char*
     if (!bytes || !type || *NSGetSizeAndAlignment(type, &size, nullptr) != '\0')
         throw NSException(NSInvalidArgumentException,
                           std::string("a value needs bytes and one type, not ") + (type ? type : "(null)"));
-    return withTypedBytes(bytes, size, immortalTypeName(type));
+    return NSInlineValue::createWithTypeName(bytes, size, type);
 }
 
 NSValue* NSValue::valueWithRange(NSRange range) { return of(range); }

@@ -2,56 +2,38 @@
 // Tests of keyed archives: what comes back, and what is refused.
 #include "Foundation/NSKeyedArchiver.h"
 
-#include <gtest/gtest.h>
+#include <regex>
 
-#include <functional>
-
-#include "Foundation/FoundationLibrary.h"
-#include "Foundation/NSData.h"
-#include "Foundation/NSDate.h"
+#include "Foundation/NSCountedSet.h"
 #include "Foundation/NSKeyedUnarchiver.h"
-#include "Foundation/NSMutableArray.h"
-#include "Foundation/NSMutableDictionary.h"
-#include "Foundation/NSNumber.h"
-#include "Foundation/NSSet.h"
-#include "Foundation/NSString.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/NSException.h"
-#include "Runtime/Registry.h"
+#include "Foundation/NSMutableData.h"
+#include "Foundation/PropertyListLimits.h"
+#include "Platform/Foundation/Pebble.h"
 
 namespace pelvor {
 namespace {
 
-// An object with a value of every kind.
+using testing::num;
+
 class TestParcel : public NSObject {
     PELVOR_CLASS(TestParcel, NSObject);
 
   public:
     static Retained<TestParcel> initWithCoder(NSCoder* coder, Class* cls = classObject()) {
         auto parcel = make<TestParcel>(cls);
-        parcel->fragile = coder->decodeBoolForKey(u"fragile"_ns);
-        parcel->count = coder->decodeIntForKey(u"count"_ns);
-        parcel->weight = coder->decodeFloatForKey(u"weight"_ns);
         parcel->inside.set(coder->decodeObjectForKey(u"inside"_ns));
-        NSUInteger length = 0;
-        auto* bytes = static_cast<const char*>(coder->decodeBytesForKey_returnedLength(u"mark"_ns, &length));
-        parcel->mark.assign(bytes ? bytes : "", length);
-        if (parcel->count < 0) throw NSException(NSGenericException, "no parcel");
+        parcel->count = coder->decodeIntForKey(u"count"_ns);
+        if (parcel->count == -1) throw NSException(NSGenericException, "no parcel");
+        if (parcel->count == -2) throw std::out_of_range("lost parcel");
         return parcel;
     }
     void encodeWithCoder(NSCoder* coder) {
-        coder->encodeBool_forKey(fragile, u"fragile"_ns);
-        coder->encodeInt_forKey(count, u"count"_ns);
-        coder->encodeFloat_forKey(weight, u"weight"_ns);
         coder->encodeObject_forKey(inside, u"inside"_ns);
-        coder->encodeBytes_length_forKey(mark.data(), static_cast<NSUInteger>(mark.size()), u"mark"_ns);
+        coder->encodeInt_forKey(count, u"count"_ns);
     }
 
-    bool fragile = false;
     int count = 0;
-    float weight = 0;
     Retained<Object> inside;
-    std::string mark;
 };
 
 constexpr Class* kClasses[] = {&TestParcel::classRecord};
@@ -63,40 +45,37 @@ PELVOR_DEFINE_CLASS(TestParcel, parcelLibrary) {
     methods.instance<"encodeWithCoder:", &TestParcel::encodeWithCoder>();
 }
 
-// The list with numbers for the digits that old-style text has as strings.
-id withNumbers(id list) {
-    if (auto* text = cast<NSString>(list))
-        return text->length() == 1 && std::isdigit(text->characterAtIndex(0))
-                   ? static_cast<id>(NSNumber::numberWithInt(text->intValue()))
-                   : list;
-    if (auto* array = cast<NSArray>(list)) {
-        NSMutableArray* result = NSMutableArray::array();
-        for (id item : array) result->addObject(withNumbers(item));
-        return result;
-    }
-    if (!cast<NSDictionary>(list)) return list;
-    NSMutableDictionary* result = NSMutableDictionary::dictionary();
-    for (auto [key, value] : cast<NSDictionary>(list)) result->setObject_forKey(withNumbers(value), key);
-    return result;
+NSData* dataOf(const std::string& bytes) {
+    return NSData::dataWithBytes_length(bytes.data(), static_cast<NSUInteger>(bytes.size()));
+}
+
+// Old-style text as an XML list in which its digits are numbers; other text as it is.
+NSData* listWithNumbers(const std::string& text) {
+    id list = NSPropertyListSerialization::propertyListWithData_options_format_error(
+        dataOf(text), NSPropertyListImmutable, nullptr, nullptr);
+    if (!list) return dataOf(text);
+    NSData* xml = NSPropertyListSerialization::dataWithPropertyList_format_options_error(
+        list, NSPropertyListXMLFormat_v1_0, 0, nullptr);
+    return dataOf(std::regex_replace(std::string(static_cast<const char*>(xml->bytes()), xml->length()),
+                                     std::regex("<string>(\\d)</string>"), "<integer>$1</integer>"));
 }
 
 class NSKeyedArchiverTest : public ::testing::Test {
   protected:
-    id restored(id object) {
-        return NSKeyedUnarchiver::unarchivedObjectWithData_allowedClasses_error(
-            NSKeyedArchiver::archivedDataWithRootObject(object), allowed, &error);
+    id objectIn(NSData* archive) {
+        return NSKeyedUnarchiver::unarchivedObjectWithData_allowedClasses_error(archive, allowed, &error);
     }
-    std::string errorOf(const char* list) {
-        NSData* data = NSData::dataWithBytes_length(list, static_cast<NSUInteger>(std::strlen(list)));
-        if (id parsed = NSPropertyListSerialization::propertyListWithData_options_format_error(
-                data, NSPropertyListImmutable, nullptr, nullptr))
-            data = NSPropertyListSerialization::dataWithPropertyList_format_options_error(
-                withNumbers(parsed), NSPropertyListBinaryFormat_v1_0, 0, nullptr);
-        id object = NSKeyedUnarchiver::unarchivedObjectWithData_allowedClasses_error(data, allowed, &error);
-        return object || !error ? "" : error->toUTF8();
+    id restored(id object) { return objectIn(NSKeyedArchiver::archivedDataWithRootObject(object)); }
+    std::string errorOf(NSData* archive) { return objectIn(archive) || !error ? "" : error->toUTF8(); }
+    std::string errorOf(id object) { return errorOf(NSKeyedArchiver::archivedDataWithRootObject(object)); }
+    // Of an archive of these entries.
+    std::string errorOfEntries(const std::string& entries) {
+        return errorOf(
+            listWithNumbers("{archiver = NSKeyedArchiver; version = 1; top = {root = {object = 1;};};"
+                            "objects = (\"\", " +
+                            entries + ");}"));
     }
 
-    AutoreleasePool pool;
     NSSet* allowed = NSSet::of({TestParcel::classObject()});
     NSString* error = nullptr;
     Retained<TestParcel> parcel = make<TestParcel>();
@@ -111,7 +90,7 @@ TEST_F(NSKeyedArchiverTest, RestoresObjectsOfEveryKind) {
         NSDate::dateWithTimeIntervalSinceReferenceDate(12.5),
         NSArray::of({u"a"_ns, NSArray::array()}),
         NSSet::of({u"a"_ns, u"b"_ns}),
-        NSDictionary::of({{NSNumber::numberWithInt(1), NSDictionary::dictionary()}}),
+        NSDictionary::of({{num(1), NSDictionary::dictionary()}}),
         NSValue::valueWithRange({NSNotFound, 0xFFFFFFFF}),
         NSValue::valueWithRect({{1, 2}, {3, 4}}),
     };
@@ -120,17 +99,22 @@ TEST_F(NSKeyedArchiverTest, RestoresObjectsOfEveryKind) {
         ASSERT_TRUE(again) << object << error;
         EXPECT_TRUE(again->isEqual(object)) << object;
     }
-    EXPECT_NE(cast<NSMutableArray>(restored(NSMutableArray::array())), nullptr);
-    EXPECT_NE(cast<NSMutableDictionary>(restored(NSMutableDictionary::dictionary())), nullptr);
+    id mutables[] = {NSMutableArray::array(), NSMutableDictionary::dictionary(),
+                     NSMutableSet::set(),     NSCountedSet::of({u"a"_ns, u"b"_ns, u"a"_ns}),
+                     NSMutableData::data(),   NSMutableString::stringWithString(u"text"_ns)};
+    for (id object : mutables) {
+        id again = restored(object);
+        EXPECT_TRUE(again->isEqual(object) && again->isa() == object->isa()) << object;
+    }
     EXPECT_EQ(restored(nullptr), nullptr);
     EXPECT_EQ(error, nullptr);
+    // The names of types that archives bring last no longer than their values.
+    auto* point = cast<NSValue>(restored(NSValue::valueWithPoint({1, 2})));
+    EXPECT_NE(point->objCType(), cast<NSValue>(restored(point))->objCType());
 }
 
 TEST_F(NSKeyedArchiverTest, RestoresFieldsAndSharedObjects) {
-    parcel->fragile = true;
     parcel->count = 7;
-    parcel->weight = 0.1f;
-    parcel->mark = std::string("a\0b", 3);
     auto outer = make<TestParcel>();
     outer->inside.set(NSArray::of({parcel.get(), parcel.get()}));
     auto* again = cast<TestParcel>(restored(outer));
@@ -138,62 +122,95 @@ TEST_F(NSKeyedArchiverTest, RestoresFieldsAndSharedObjects) {
     auto* list = cast<NSArray>(again->inside);
     auto* inner = cast<TestParcel>(list->objectAtIndex(0));
     EXPECT_EQ(inner, list->objectAtIndex(1));
-    EXPECT_TRUE(inner->fragile && inner->count == 7 && inner->weight == 0.1f && !inner->inside);
-    EXPECT_EQ(inner->mark, parcel->mark);
-    EXPECT_TRUE(!again->fragile && again->count == 0);
+    EXPECT_TRUE(inner->count == 7 && !inner->inside && again->count == 0);
+}
+
+TEST_F(NSKeyedArchiverTest, RestoresPlainValues) {
+    auto archiver = NSKeyedArchiver::init();
+    archiver->encodeBool_forKey(true, u"bool"_ns);
+    archiver->encodeInt64_forKey(1ll << 40, u"long"_ns);
+    archiver->encodeFloat_forKey(0.1f, u"float"_ns);
+    archiver->encodeBytes_length_forKey("a\0b", 3, u"bytes"_ns);
+    archiver->encodeObject_forKey(parcel, u"object"_ns);
+    EXPECT_EQ(parcel->retainCount(), 2u);
+    auto coder = [&] {
+        return NSKeyedUnarchiver::initForReadingWithData_allowedClasses(archiver->encodedData(), allowed);
+    };
+    auto reader = coder();
+    NSUInteger length = 0;
+    EXPECT_TRUE(reader->decodeBoolForKey(u"bool"_ns) && !reader->decodeBoolForKey(u"none"_ns));
+    EXPECT_EQ(reader->decodeInt64ForKey(u"long"_ns), 1ll << 40);
+    EXPECT_EQ(reader->decodeFloatForKey(u"float"_ns), 0.1f);
+    EXPECT_STREQ(static_cast<const char*>(reader->decodeBytesForKey_returnedLength(u"bytes"_ns, &length)) + 2,
+                 "b");
+    EXPECT_EQ(length, 3u);
+    EXPECT_EQ(reader->decodeInt64ForKey(u"bytes"_ns), 0);
+    EXPECT_EQ(reader->error()->toUTF8(), "the value for \"bytes\" is no number");
+    EXPECT_EQ(reader->decodeObjectForKey(u"object"_ns), nullptr);
+    reader = coder();
+    EXPECT_EQ(reader->decodeBytesForKey_returnedLength(u"long"_ns, nullptr), nullptr);
+    EXPECT_EQ(reader->error()->toUTF8(), "the value for \"long\" is no block of bytes");
 }
 
 TEST_F(NSKeyedArchiverTest, RefusesToWriteWhatCannotBeRead) {
     parcel->inside.set(parcel);
-    EXPECT_THROW(NSKeyedArchiver::archivedDataWithRootObject(parcel), NSException);
-    parcel->inside = nullptr;
-    EXPECT_THROW(NSKeyedArchiver::archivedDataWithRootObject(NSValue::valueWithPointer(this)), NSException);
-    EXPECT_THROW(NSKeyedArchiver::archivedDataWithRootObject(NSObject::init().get()), NSException);
     id deep = NSArray::array();
     for (int i = 0; i < 600; ++i) deep = NSArray::of({deep});
-    EXPECT_THROW(NSKeyedArchiver::archivedDataWithRootObject(deep), NSException);
+    id objects[] = {parcel, NSValue::valueWithPointer(this), NSObject::init().autorelease(), deep};
+    for (id object : objects) EXPECT_THROW(NSKeyedArchiver::archivedDataWithRootObject(object), NSException);
+    parcel->inside = nullptr;
     EXPECT_THROW(NSKeyedArchiver::init()->decodeObjectForKey(u"root"_ns), NSException);
 }
 
 TEST_F(NSKeyedArchiverTest, MakesAllowedClassesOnly) {
     allowed = nullptr;
-    EXPECT_EQ(restored(parcel), nullptr);
-    EXPECT_EQ(error->toUTF8(), "objects of class \"TestParcel\" are not allowed");
+    EXPECT_EQ(errorOf(parcel.get()), "objects of class \"TestParcel\" are not allowed");
     allowed = NSSet::of({NSObject::classObject()});
     EXPECT_NE(cast<TestParcel>(restored(parcel)), nullptr);
-    parcel->count = -1;
-    EXPECT_EQ(restored(NSArray::of({parcel.get()})), nullptr);
-    EXPECT_EQ(error->toUTF8(), "object 2: no parcel");
+    EXPECT_EQ(errorOfEntries("{class = NSObject; fields = {};}"), "class NSObject has no initWithCoder:");
+    const std::pair<int, const char*> faults[] = {{-1, "object 2: no parcel"}, {-2, "object 2: lost parcel"}};
+    for (auto [count, reason] : faults) {
+        parcel->count = count;
+        EXPECT_EQ(errorOf(NSArray::of({parcel.get()})), reason);
+    }
+}
+
+TEST_F(NSKeyedArchiverTest, KeepsWithinBounds) {
+    id shared = NSArray::array();
+    for (int i = 0; i < 8; ++i)
+        shared = NSArray::of({shared, shared, shared, shared, shared, shared, shared});
+    EXPECT_EQ(errorOf(shared), "the archive refers to its objects too often");
+    NSData* deep = NSKeyedArchiver::archivedDataWithRootObject(shared);
+    PropertyListLimits usual = propertyListLimits();
+    setPropertyListLimits({8, usual.maximumSharedObjects});
+    EXPECT_EQ(errorOf(deep), "the archive is nested too deeply");
+    setPropertyListLimits(usual);
 }
 
 TEST_F(NSKeyedArchiverTest, TellsWhatIsWrongWithAnArchive) {
-    const struct {
-        const char* objects;
-        const char* error;
-    } cases[] = {
+    const char* const kUnfit = "a value's bytes do not fit its type";
+    const std::pair<const char*, const char*> cases[] = {
         {"{class = NSArray; items = (1);}", "object 1 leads back to itself"},
         {"{class = NSArray; items = (0);}", "a collection holds none"},
-        {"{class = NSArray; items = (7);}", "a reference leads outside the archive"},
+        {"{class = NSArray; items = (2);}", "a reference leads outside the archive"},
         {"{class = NSLock; items = ();}", "\"NSLock\" is no class of collections"},
         {"{class = NSDictionary; items = (); keys = (2);}, x",
          "a dictionary has keys and values of different number"},
         {"{class = NSLock; fields = {};}", "objects of class \"NSLock\" are not allowed"},
-        {"{class = NSValue; type = \"@\"; bytes = <0000000000000000>;}",
-         "a value's bytes do not fit its type"},
-        {"{class = NSValue; type = \"{_NSRange=II}\"; bytes = <00>;}", "a value's bytes do not fit its type"},
+        {"{class = NSMutableData; value = x;}", "\"NSMutableData\" has no such value"},
+        {"{class = NSValue; type = \"@\"; bytes = <0000000000000000>;}", kUnfit},
+        {"{class = NSValue; type = \"{_NSRange=II}\"; bytes = <00>;}", kUnfit},
+        {"{class = NSValue; type = ij; bytes = <00000000>;}", kUnfit},
         {"{class = TestParcel;}", "an object of class TestParcel lacks its fields"},
         {"{}", "an object has no class"},
         {"()", "an array where an object's entry should be"},
     };
-    for (const auto& c : cases) {
-        NSString* text = NSString::stringWithFormat(
-            u"{archiver = NSKeyedArchiver; version = 1; top = {root = {object = 1;};}; objects = (\"\", %s);}"_ns,
-            c.objects);
-        EXPECT_EQ(errorOf(text->toUTF8().c_str()), c.error);
-    }
-    EXPECT_EQ(errorOf("{a = b;}"), "the property list is no keyed archive");
-    EXPECT_NE(errorOf("{"), "");
-    EXPECT_NE(errorOf(""), "");
+    for (auto [entries, reason] : cases) EXPECT_EQ(errorOfEntries(entries), reason);
+    EXPECT_EQ(errorOf(listWithNumbers("{a = b;}")), "the property list is no keyed archive");
+    EXPECT_EQ(errorOf(listWithNumbers("{archiver = NSKeyedArchiver; version = 2;}")),
+              "the archive is of an unknown version");
+    EXPECT_NE(errorOf(dataOf("{")), "");
+    EXPECT_NE(errorOf(dataOf("")), "");
 }
 
 }  // namespace

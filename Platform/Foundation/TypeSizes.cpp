@@ -3,22 +3,12 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <mutex>
 #include <string>
-#include <unordered_set>
 
 #include "Foundation/NSValue.h"
-#include "Foundation/TypeNamesPrivate.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {
-
-const char* immortalTypeName(const char* type) {
-    static std::mutex mutex;
-    static auto* names = new std::unordered_set<std::string>;
-    std::lock_guard guard(mutex);
-    return names->emplace(type).first->c_str();
-}
 
 namespace {
 
