@@ -207,7 +207,7 @@ char16_t unitOf(std::uint8_t byte) {
 }
 
 void run(const std::uint8_t* data, std::size_t size) {
-    std::size_t width = data[0] % 40;
+    std::size_t width = data[0] < 200 ? data[0] % 40 : data[0];
     Text text, target, replacement;
     for (std::size_t i = 2; i < size; ++i) {
         text += unitOf(data[i]);

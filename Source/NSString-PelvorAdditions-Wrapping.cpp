@@ -7,6 +7,7 @@
 #include "Foundation/UnitBuffer.h"
 #include "NSString-PelvorAdditions.h"
 #include "UnitFindingPrivate.h"
+#include "WhiteSpacePrivate.h"
 
 namespace pelvor {
 namespace {
@@ -18,67 +19,64 @@ bool splitsPair(Units text, std::size_t index) {
            isHighSurrogate(text[index - 1]);
 }
 
+// Lines end where paragraphs do, so each is wrapped by itself. Where its white space is stands in bits: no
+// branch depends on the lengths of its words.
 class Wrapper {
   public:
     Wrapper(Units text, NSUInteger width)
-        : _text(text), _width(std::max(width, NSUInteger{1})), _result(text.size() + text.size() / 16) {}
+        : _text(text),
+          _width(std::max(width, NSUInteger{1})),
+          _whiteSpace(text),
+          _result(text.size() + text.size() / 16) {}
 
     NSString* wrap() {
-        while (_width <= _text.size() - _countStart) {
-            const unichar* first = _text.data() + _countStart;
-            const unichar* lineEnd = findEither(first, first + _width, u'\n', u'\f');
-            if (lineEnd != first + _width) {
-                _lineStart = _countStart = static_cast<std::size_t>(lineEnd - _text.data()) + 1;
-            } else {
-                breakAt(placeOfBreak());
-            }
+        std::size_t place = 0;
+        while (_width <= _text.size() - place) {
+            std::size_t end = _whiteSpace.readParagraph(place);
+            wrapParagraph(place, end);
+            if (end == _text.size()) break;
+            place = end + 1;
         }
         _result.append(_text.substr(_written));
         return _result.takeString();
     }
 
   private:
-    bool isWhitespace(std::size_t index) const {
-        unichar unit = _text[index];
-        return _whitespace[unit >> 3] >> (unit & 7) & 1;
+    void wrapParagraph(std::size_t start, std::size_t end) {
+        _paragraph = _text.substr(start, end - start);
+        std::size_t lineStart = 0, countStart = 0;
+        while (_width <= _paragraph.size() - countStart) {
+            lineStart = placeOfBreak(lineStart, countStart);
+            if (lineStart == _paragraph.size()) return;
+            _result.appendPart(_text, _written, start + lineStart - _written);
+            _result.append(u'\n');
+            _written = start + lineStart;
+            countStart = lineStart + 1;  // the unit after a line feed that has been put in is not counted
+        }
     }
 
     // Before which unit the line breaks whose counted units reach the width.
-    std::size_t placeOfBreak() const {
-        std::size_t last = _countStart + _width - 1;
-        if (isWhitespace(last)) return last;
-        std::size_t wordStart = last;
-        while (wordStart > _countStart && !isWhitespace(wordStart - 1)) --wordStart;
+    std::size_t placeOfBreak(std::size_t lineStart, std::size_t countStart) const {
+        std::size_t last = countStart + _width - 1;
+        std::size_t wordStart = _whiteSpace.behindLast(countStart, last + 1);
         // The unit at `last` counts twice. That is how texts have always been wrapped.
-        std::size_t wordSize = last - wordStart + 1;
-        for (std::size_t i = last; wordSize < _width && i < _text.size() && !isWhitespace(i); ++i) ++wordSize;
-        return wordSize < _width ? wordStart - 1 : outsidePair(last);
+        std::size_t wordEnd = _whiteSpace.first(last, std::min(last + _width, _paragraph.size()));
+        std::size_t wordSize = last + 1 - wordStart + (wordEnd - last);
+        return outsidePair(wordSize < _width ? wordStart - 1 : last, lineStart);
     }
 
     // Before the pair that the index is inside of, or after it where the line would have nothing in it.
-    std::size_t outsidePair(std::size_t index) const {
-        if (!splitsPair(_text, index)) return index;
-        return index - 1 > _lineStart ? index - 1 : index + 1;
-    }
-
-    void breakAt(std::size_t place) {
-        bool isBroken = place == _text.size() || _text[place] == u'\n' || _text[place] == u'\f';
-        if (!isBroken) {
-            _result.append(_text.substr(_written, place - _written));
-            _result.append(u"\n");
-            _written = place;
-        }
-        _lineStart = place;
-        _countStart = isBroken ? place : place + 1;
+    std::size_t outsidePair(std::size_t index, std::size_t lineStart) const {
+        if (!splitsPair(_paragraph, index)) return index;
+        return index - 1 > lineStart ? index - 1 : index + 1;
     }
 
     Units _text;
     std::size_t _width;
-    std::size_t _lineStart = 0;
-    std::size_t _countStart = 0;  // the unit after a line feed that has been put in is not counted
-    std::size_t _written = 0;     // how much of the text the result has
+    Units _paragraph;
+    WhiteSpace _whiteSpace;    // of the paragraph
+    std::size_t _written = 0;  // how much of the text the result has
     UnitBuffer _result;
-    const std::uint8_t* _whitespace = NSCharacterSet::whitespaceAndNewlineCharacterSet()->basicPlaneBitmap();
 };
 
 }  // namespace

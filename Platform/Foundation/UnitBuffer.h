@@ -41,6 +41,22 @@ class UnitBuffer {
         std::memcpy(_units + _size, text.data(), text.size() * sizeof(unichar));
         _size += text.size();
     }
+    void append(unichar unit) {
+        if (_size == _capacity) [[unlikely]]
+            reserve(_capacity + _capacity / 2);
+        _units[_size++] = unit;
+    }
+    /// Appends `count` units of the text from the place on. Quicker for few, which it copies with some of
+    /// those behind them.
+    void appendPart(std::u16string_view text, std::size_t place, std::size_t count) {
+        constexpr std::size_t kBlock = 16;
+        std::size_t whole = (count + kBlock - 1) / kBlock * kBlock;
+        if (count > 8 * kBlock || whole > text.size() - place || whole > _capacity - _size)
+            return append(text.substr(place, count));
+        for (std::size_t i = 0; i < count; i += kBlock)
+            std::memcpy(_units + _size + i, text.data() + place + i, kBlock * sizeof(unichar));
+        _size += count;
+    }
     std::u16string_view view() const { return {_units, _size}; }
 
     /// The text as a string, borrowed; nothing is left here. Raises NSMallocException for a text that is too

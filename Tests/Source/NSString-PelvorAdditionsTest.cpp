@@ -244,6 +244,8 @@ TEST(HardWrapping, BreaksBeforeWhiteSpaceOrInsideLongWords) {
     for (auto& [text, length, result] : rows)
         EXPECT_EQ(stringByHardWrappingToLineLength(NSString::of(text), length)->toUTF16(), result)
             << NSString::of(text) << " to " << length;
+    std::u16string wide = u"xxxxxxxxxx\u3000" + std::u16string(69, u'y');
+    EXPECT_EQ(stringByHardWrappingToLineLength(NSString::of(wide), 79)->toUTF16(), wide.insert(10, 1, u'\n'));
     NSMutableString* text = NSMutableString::of(u"short");
     EXPECT_EQ(stringByHardWrappingToLineLength(text, 5), text);
 }
