@@ -18,21 +18,20 @@ class NSDictionaryPelvorAdditions : public ::testing::Test {
 
 TEST_F(NSDictionaryPelvorAdditions, HoldTypedValues) {
     NSMutableDictionary* record = NSMutableDictionary::dictionary();
-    setBool_forKey(record, true, u"bool"_ns);
-    setInt_forKey(record, -7, u"int"_ns);
-    setFloat_forKey(record, 0.1f, u"float"_ns);
-    setDouble_forKey(record, 0.1, u"double"_ns);
-    record->setObject_forKey(u"12"_ns, u"text"_ns);
-    record->setObject_forKey(a, u"dictionary"_ns);
-    EXPECT_TRUE(boolForKey(record, u"bool"_ns));
-    EXPECT_TRUE(cast<NSNumber>(record->objectForKey(u"bool"_ns))->isBoolean());
-    EXPECT_EQ(intForKey(record, u"int"_ns), -7);
-    EXPECT_EQ(floatForKey(record, u"float"_ns), 0.1f);
-    EXPECT_EQ(doubleForKey(record, u"double"_ns), 0.1);
-    EXPECT_EQ(intForKey(record, u"text"_ns), 12);
+    setBool_forKey(record, true, u"B"_ns);
+    setInt_forKey(record, -7, u"i"_ns);
+    setFloat_forKey(record, 0.1f, u"f"_ns);
+    setDouble_forKey(record, 0.1, u"d"_ns);
+    for (auto [key, value] : record)
+        EXPECT_EQ(cast<NSString>(key)->toUTF8(), cast<NSNumber>(value)->objCType());
+    EXPECT_TRUE(boolForKey(record, u"B"_ns) && boolForKey(record, u"d"_ns));
+    EXPECT_EQ(intForKey(record, u"i"_ns), -7);
+    EXPECT_EQ(floatForKey(record, u"f"_ns), 0.1f);
+    EXPECT_EQ(doubleForKey(record, u"d"_ns), 0.1);
     NSString* none = u"none"_ns;
     EXPECT_FALSE(intForKey(record, none) || doubleForKey(record, none) != 0 || boolForKey(record, none));
-    EXPECT_THROW(intForKey(record, u"dictionary"_ns), NSException);
+    EXPECT_EQ(intForKey(NSDictionary::of({{none, u"12"_ns}}), none), 12);
+    EXPECT_THROW(intForKey(NSDictionary::of({{none, a}}), none), NSException);
 }
 
 TEST_F(NSDictionaryPelvorAdditions, CompareSomeKeys) {
@@ -50,27 +49,31 @@ TEST_F(NSDictionaryPelvorAdditions, CompareSomeKeys) {
     EXPECT_FALSE(containsKeyInSet(a, b) || containsKeyInDictionary(a, empty));
 }
 
-TEST_F(NSDictionaryPelvorAdditions, MakeChangedCopies) {
-    EXPECT_TRUE(dictionarySettingObject_forKey(a, two, u"b"_ns)->isEqual(ab));
+TEST_F(NSDictionaryPelvorAdditions, MakeChangedCopiesAndParts) {
+    NSDictionary* empty = NSDictionary::dictionary();
+    NSDictionary* twos = NSDictionary::of({{u"a"_ns, two}, {u"b"_ns, two}});
+    auto part = [&](NSSet* keys) { return createSubdictionaryWithKeys(ab, keys).autorelease(); };
+    const struct {
+        NSDictionary *made, *expected;
+        bool isMutable;
+    } cases[] = {
+        {dictionarySettingObject_forKey(a, two, u"b"_ns), ab, false},
+        {dictionaryRemovingObjectForKey(a, u"a"_ns), empty, false},
+        {dictionaryRemovingObjectForKey(ab, u"b"_ns), a, false},
+        {dictionaryByAddingEntriesFromDictionary(a, twos), twos, true},
+        {part(NSSet::of({u"a"_ns, u"z"_ns})), a, true},
+        {part(NSSet::of({u"a"_ns})), a, false},
+        {part(NSSet::of({u"z"_ns})), empty, false},
+        {part(nullptr), empty, false},
+    };
+    for (const auto& c : cases)
+        EXPECT_TRUE(c.made->isEqual(c.expected) && !cast<NSMutableDictionary>(c.made) == !c.isMutable);
     EXPECT_EQ(a->count(), 1u);
+    for (NSDictionary* other : {a, empty}) EXPECT_EQ(dictionaryByAddingEntriesFromDictionary(a, other), a);
     EXPECT_EQ(dictionaryRemovingObjectForKey(a, u"z"_ns), a);
-    EXPECT_EQ(dictionaryRemovingObjectForKey(a, u"a"_ns)->count(), 0u);
-    EXPECT_TRUE(dictionaryRemovingObjectForKey(ab, u"b"_ns)->isEqual(a));
-    EXPECT_EQ(dictionaryByAddingEntriesFromDictionary(a, a), a);
-    EXPECT_EQ(dictionaryByAddingEntriesFromDictionary(a, NSDictionary::dictionary()), a);
-    NSDictionary* changed = dictionaryByAddingEntriesFromDictionary(ab, NSDictionary::of({{u"a"_ns, two}}));
-    EXPECT_EQ(intForKey(changed, u"a"_ns), 2);
-    EXPECT_NE(cast<NSMutableDictionary>(changed), nullptr);
-}
-
-TEST_F(NSDictionaryPelvorAdditions, CopySomeEntries) {
-    EXPECT_TRUE(createSubdictionaryWithKeys(ab, NSSet::of({u"a"_ns, u"z"_ns}))->isEqual(a));
-    EXPECT_TRUE(createSubdictionaryWithKeys(ab, NSSet::of({u"a"_ns}))->isEqual(a));
-    EXPECT_EQ(createSubdictionaryWithKeys(ab, NSSet::of({u"z"_ns}))->count(), 0u);
-    EXPECT_EQ(createSubdictionaryWithKeys(ab, nullptr)->count(), 0u);
     for (NSSet* keys : {NSSet::of({u"b"_ns}), NSSet::of({u"b"_ns, u"y"_ns, u"z"_ns})}) {
         NSMutableDictionary* some = NSMutableDictionary::dictionaryWithDictionary(a);
-        addObjectsFromDictionary_forKeys(some, ab, keys);
+        addObjectsFromDictionary_forKeys(some, twos, keys);
         EXPECT_TRUE(some->isEqual(ab));
     }
 }
