@@ -53,10 +53,7 @@ TEST_F(NSDictionaryPelvorAdditions, MakeChangedCopiesAndParts) {
     NSDictionary* empty = NSDictionary::dictionary();
     NSDictionary* twos = NSDictionary::of({{u"a"_ns, two}, {u"b"_ns, two}});
     auto part = [&](NSSet* keys) { return createSubdictionaryWithKeys(ab, keys).autorelease(); };
-    const struct {
-        NSDictionary *made, *expected;
-        bool isMutable;
-    } cases[] = {
+    const std::tuple<NSDictionary*, NSDictionary*, bool> cases[] = {
         {dictionarySettingObject_forKey(a, two, u"b"_ns), ab, false},
         {dictionaryRemovingObjectForKey(a, u"a"_ns), empty, false},
         {dictionaryRemovingObjectForKey(ab, u"b"_ns), a, false},
@@ -64,10 +61,9 @@ TEST_F(NSDictionaryPelvorAdditions, MakeChangedCopiesAndParts) {
         {part(NSSet::of({u"a"_ns, u"z"_ns})), a, true},
         {part(NSSet::of({u"a"_ns})), a, false},
         {part(NSSet::of({u"z"_ns})), empty, false},
-        {part(nullptr), empty, false},
-    };
-    for (const auto& c : cases)
-        EXPECT_TRUE(c.made->isEqual(c.expected) && !cast<NSMutableDictionary>(c.made) == !c.isMutable);
+        {part(nullptr), empty, false}};
+    for (auto [made, expected, isMutable] : cases)
+        EXPECT_TRUE(made->isEqual(expected) && !cast<NSMutableDictionary>(made) == !isMutable);
     EXPECT_EQ(a->count(), 1u);
     for (NSDictionary* other : {a, empty}) EXPECT_EQ(dictionaryByAddingEntriesFromDictionary(a, other), a);
     EXPECT_EQ(dictionaryRemovingObjectForKey(a, u"z"_ns), a);

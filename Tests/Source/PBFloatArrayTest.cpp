@@ -15,24 +15,27 @@ TEST(PBFloatArray, ReplacesBoxesAndSumsUpToTheEndOfARange) {
     EXPECT_EQ(array->sumFloatsInRange({9, 0}), 0.0f);
     array->replaceObjectAtIndex_withObject(1, NSNumber::numberWithDouble(2.5));
     EXPECT_EQ(array->objectAtIndex(1)->floatValue(), 2.5f);
-    array->replaceFloatsInRange_withFloatsFrom({9, 0}, kFive);
-    array->replaceFloatsInRange_withFloatsFrom({3, 2}, kFive);
+    for (NSRange range : {NSRange{9, 0}, {3, 2}}) array->replaceFloatsInRange_withFloatsFrom(range, kFive);
     EXPECT_EQ(array->sumFloatsInRange({4, 1}), 1 + 2.5f + 3 + 1 + 2);
-    EXPECT_TRUE(PBFloatArray::initWithCapacity(3)->count() == 3 &&
-                !PBFloatArray::initWithCapacity(3)->floatAtIndex(2));
-    auto one = PBFloatArray::initWithFloats_count(kFive, 1);
+    auto zeros = PBFloatArray::initWithCapacity(3), one = PBFloatArray::initWithFloats_count(kFive, 1);
+    EXPECT_TRUE(zeros->count() == 3 && zeros->floatAtIndex(2) == 0);
     EXPECT_EQ(one->description()->toUTF8(), "PBFloatArray <" + addressOf(one) + "> \n   1.000000, \n");
 }
 
 TEST(PBFloatArray, RaisesForWhatIsOutside) {
     auto array = PBFloatArray::initWithFloats_count(kFive, 5);
-    auto expectOutside = [](const std::string& index, const std::function<void()>& call) {
+    const std::pair<const char*, std::function<void()>> cases[] = {
+        {"5", [&] { array->floatAtIndex(5); }},
+        {"6",
+         [&] {
+             array->replaceFloatsInRange_withFloatsFrom({4, 3}, kFive);
+         }},
+        {"2", [&] {
+             array->sumFloatsInRange({0xFFFFFFFF, 4});
+         }}};
+    for (const auto& [index, call] : cases)
         EXPECT_EQ(reasonOf(NSRangeException, call),
-                  "float array index out of bounds (idx=" + index + " length=5)");
-    };
-    expectOutside("5", [&] { array->floatAtIndex(5); });
-    expectOutside("6", [&] { array->replaceFloatsInRange_withFloatsFrom(NSRange{4, 3}, kFive); });
-    expectOutside("2", [&] { array->sumFloatsInRange(NSRange{0xFFFFFFFF, 4}); });
+                  std::string("float array index out of bounds (idx=") + index + " length=5)");
     EXPECT_EQ(array->sumFloatsInRange({0, 5}), 15.0f);
 }
 
@@ -42,7 +45,7 @@ TEST(PBFloatVector, GrowsInsertsAndRemoves) {
     for (float value : kFive) vector->addFloat(value);
     vector->insertFloat_atIndex(9, 0);
     vector->removeFloatAtIndex(1);
-    ASSERT_EQ(vector->count(), 5u);
+    EXPECT_EQ(vector->count(), 5u);
     EXPECT_EQ(vector->floatAtIndex(0), 9.0f);
     EXPECT_EQ(vector->sumFloatsInRange({0, 5}), 9 + 2 + 3 + 4 + 5);
     EXPECT_THROW(vector->insertFloat_atIndex(1, 6), NSException);
