@@ -29,6 +29,7 @@
 #include "PBObserverSet.h"
 #include "PBPlanarRange.h"
 #include "PBPostLoader.h"
+#include "PBRangeListPrivate.h"
 #include "PBRegistry.h"
 #include "PBRepeatString.h"
 #include "PBSafeWeakReference.h"
@@ -74,6 +75,7 @@ constexpr Class* kClasses[] = {
     &PBPostLoader::classRecord,
     &PBProfile::classRecord,
     &PBProfileSet::classRecord,
+    &PBRangeList::classRecord,
     &PBRegistry::classRecord,
     &PBRepeatString::classRecord,
     &PBSafeWeakReference::classRecord,

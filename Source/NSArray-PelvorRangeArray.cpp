@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NSArray-PelvorRangeArray.h"
 
-#include "BoxedRangesPrivate.h"
+#include "PBRangeListPrivate.h"
 #include "Runtime/Registry.h"
 
 namespace pelvor {
@@ -37,20 +37,17 @@ Retained<NSArray> NSArray_PelvorRangeArray::initWithRange(NSRange range, Class* 
 }
 
 NSRange rangeAtIndex(NSArray* array, NSUInteger index) {
-    return BoxedRangeReader()(array->objectAtIndex(index));
+    const std::vector<NSRange>* plain = PBRangeList::plainRangesOf(array);
+    if (plain && index < plain->size()) return (*plain)[index];
+    return rangeInBox(array->objectAtIndex(index));
 }
 
 NSUInteger insertionIndexForRange(NSArray* array, NSRange range) {
-    BoxedRangeReader rangeOf;
-    NSUInteger index = 0;
-    for (id entry : array) {
-        NSRange other = rangeOf(entry);
-        if (range.location < other.location ||
-            (range.location == other.location && range.length < other.length))
-            return index;
-        ++index;
-    }
-    return index;
+    NSUInteger index = indexOfRange(array, [range](NSRange other) {
+        return range.location < other.location ||
+               (range.location == other.location && range.length < other.length);
+    });
+    return index == NSNotFound ? array->count() : index;
 }
 
 NSRange unionRange(NSArray* array) {

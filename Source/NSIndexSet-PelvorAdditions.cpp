@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "BoxedRangesPrivate.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSNumber.h"
+#include "PBRangeListPrivate.h"
 #include "PBRangeUtil.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
@@ -20,15 +20,9 @@ void defineAdditions(MethodTable<NSIndexSet>& methods) {
     methods.instance<"indexRangeStartingAtOrAfterIndex:", &indexRangeStartingAtOrAfterIndex>();
 }
 
-// The set of all elements, each read as a range.
-template <class RangeOf>
-NSIndexSet* indexSetOf(NSArray* elements, RangeOf rangeOf) {
-    NSUInteger count = elements ? elements->count() : 0;
-    if (count == 0) return NSIndexSet::indexSet();
-    if (count == 1) return NSIndexSet::indexSetWithIndexesInRange(rangeOf(elements->lastObject()));
-    std::vector<NSRange> ranges;
-    ranges.reserve(count);
-    for (id element : elements) ranges.push_back(rangeOf(element));
+NSIndexSet* indexSetOf(std::vector<NSRange> ranges) {
+    if (ranges.empty()) return NSIndexSet::indexSet();
+    if (ranges.size() == 1) return NSIndexSet::indexSetWithIndexesInRange(ranges.front());
     // In order each goes to the end of the set, instead of moving what follows.
     auto isBefore = [](NSRange a, NSRange b) { return a.location < b.location; };
     if (!std::is_sorted(ranges.begin(), ranges.end(), isBefore))
@@ -38,14 +32,24 @@ NSIndexSet* indexSetOf(NSArray* elements, RangeOf rangeOf) {
     return set->copy().autorelease();
 }
 
+// The set of all elements, each read as a range.
+template <class RangeOf>
+NSIndexSet* indexSetOf(NSArray* elements, RangeOf rangeOf) {
+    std::vector<NSRange> ranges;
+    if (elements) ranges.reserve(elements->count());
+    for (id element : elements) ranges.push_back(rangeOf(element));
+    return indexSetOf(std::move(ranges));
+}
+
 }  // namespace
 
 constinit const Category NSIndexSet_PelvorAdditions_category =
     Category::of<NSIndexSet, defineAdditions>("PelvorAdditions");
 
 NSIndexSet* NSIndexSet_PelvorAdditions::indexSetWithRangeArray(NSArray* ranges) {
-    return indexSetOf(ranges, [rangeOf = BoxedRangeReader()](id element) {
-        return cast<NSValue>(element) ? rangeOf(element) : send<NSRange>(element, "rangeValue"_sel);
+    if (const std::vector<NSRange>* plain = PBRangeList::plainRangesOf(ranges)) return indexSetOf(*plain);
+    return indexSetOf(ranges, [](id element) {
+        return cast<NSValue>(element) ? rangeInBox(element) : send<NSRange>(element, "rangeValue"_sel);
     });
 }
 

@@ -5,7 +5,7 @@
 
 #include "BaseLibrary.h"
 #include "Foundation/NSMutableString.h"
-#include "RowMemoryPrivate.h"
+#include "Foundation/RowMemory.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
 

@@ -3,10 +3,11 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <span>
 #include <vector>
 
-#include "BoxedRangesPrivate.h"
-#include "Foundation/NSMutableArray.h"
+#include "PBRangeListPrivate.h"
 
 namespace pelvor {
 namespace {
@@ -18,23 +19,16 @@ bool overlap(NSRange a, NSRange b) { return NSIntersectionRange(a, b).length > 0
 }  // namespace
 
 int PBCompareRanges(id obj1, id obj2, void*) {
-    BoxedRangeReader rangeOf;
-    NSUInteger first = rangeOf(obj1).location, second = rangeOf(obj2).location;
+    NSUInteger first = rangeInBox(obj1).location, second = rangeInBox(obj2).location;
     return first < second ? NSOrderedAscending : first > second ? NSOrderedDescending : NSOrderedSame;
 }
 
 NSUInteger PBIndexOfRangeInRanges(NSRange findRng, NSArray* rngs) {
-    BoxedRangeReader rangeOf;
-    NSUInteger index = 0;
-    for (id entry : rngs) {
-        NSRange range = rangeOf(entry);
-        if (range == findRng) return index;
-        if (findRng.length ? overlap(findRng, range)
-                           : range.location <= findRng.location && findRng.location < PBMaxRange(range))
-            return index;
-        ++index;
-    }
-    return NSNotFound;
+    return indexOfRange(rngs, [findRng](NSRange range) {
+        if (range == findRng) return true;
+        return findRng.length ? overlap(findRng, range)
+                              : range.location <= findRng.location && findRng.location < PBMaxRange(range);
+    });
 }
 
 // MARK: Adjusting
@@ -99,129 +93,127 @@ int PBSubtractionRanges(NSRange rng, NSRange subRng, NSRange* resPtr) {
 
 namespace {
 
-// A range with the object that boxes it; none once the range is another.
-struct Entry {
-    NSRange range;
-    Object* box;
-};
+using Ranges = std::vector<NSRange>;
 
-// Locations in passes over their digits, each with the place of its entry; a comparing sort is slower on long
-// lists.
-void sortByDigits(std::vector<std::uint64_t>& keys) {
+// An object, so that sorting need not call it.
+constexpr auto isBefore = [](NSRange a, NSRange b) { return a.location < b.location; };
+
+// By passes over the digits of the locations; a comparing sort is slower on long lists.
+void sortByDigits(Ranges& ranges) {
     constexpr unsigned kBits = 11, kDigits = 1u << kBits;
-    std::vector<std::uint64_t> other(keys.size());
-    for (unsigned shift = 32; shift < 64; shift += kBits) {
-        auto digit = [shift](std::uint64_t key) { return key >> shift & (kDigits - 1); };
+    Ranges other(ranges.size());
+    for (unsigned shift = 0; shift < 32; shift += kBits) {
+        auto digit = [shift](NSRange range) { return range.location >> shift & (kDigits - 1); };
         std::array<std::size_t, kDigits + 1> starts{};
-        for (std::uint64_t key : keys) ++starts[digit(key) + 1];
-        if (starts[digit(keys.front()) + 1] == keys.size()) continue;
+        for (NSRange range : ranges) ++starts[digit(range) + 1];
+        if (starts[digit(ranges.front()) + 1] == ranges.size()) continue;
         for (unsigned i = 0; i < kDigits; ++i) starts[i + 1] += starts[i];
-        for (std::uint64_t key : keys) other[starts[digit(key)]++] = key;
-        keys.swap(other);
+        for (NSRange range : ranges) other[starts[digit(range)]++] = range;
+        ranges.swap(other);
     }
-}
-
-// The entries in order of their locations, those with the same as they were; with their places in the key's
-// lower half where they stay unsorted.
-struct Sorted {
-    std::vector<Entry> entries;
-    std::vector<std::uint64_t> keys;
-
-    const Entry& operator[](std::size_t i) const { return entries[keys.empty() ? i : keys[i] & 0xFFFFFFFF]; }
-};
-
-void sortByLocation(Sorted& list) {
-    std::vector<Entry>& entries = list.entries;
-    auto isBefore = [](const Entry& a, const Entry& b) { return a.range.location < b.range.location; };
-    // Often a list in order, or one with another behind it.
-    auto second = std::is_sorted_until(entries.begin(), entries.end(), isBefore);
-    if (std::is_sorted(second, entries.end(), isBefore))
-        return std::inplace_merge(entries.begin(), second, entries.end(), isBefore);
-    constexpr std::size_t kLong = 2048;
-    if (entries.size() < kLong) return std::stable_sort(entries.begin(), entries.end(), isBefore);
-    list.keys.reserve(entries.size());
-    for (const Entry& entry : entries)
-        list.keys.push_back(std::uint64_t{entry.range.location} << 32 | list.keys.size());
-    sortByDigits(list.keys);
 }
 
 enum class Empties : bool { keep, remove };
 
 // Takes `next` into `current` if it belongs there; answers false where it is an entry of its own.
-bool merge(Entry& current, const Entry& next, Empties empties) {
-    NSRange& range = current.range;
-    const NSRange& r = next.range;
-    if (r.length == 0 && (empties == Empties::remove || r.location - range.location < range.length))
+bool merge(NSRange& current, NSRange next, Empties empties) {
+    if (next.length == 0 && (empties == Empties::remove || next.location - current.location < current.length))
         return true;
-    if (range.length == 0 && range.location - r.location < r.length) {
+    if (current.length == 0 && current.location - next.location < next.length)
         current = next;
-        return true;
-    }
-    bool touches = PBMaxRange(range) == r.location;
-    if (!overlap(r, range) && !touches) return false;
-    NSRange merged =
-        overlap(r, range) ? NSUnionRange(range, r) : NSRange{range.location, PBMaxRange(r) - range.location};
-    if (merged != range) current = {merged, nullptr};
+    else if (overlap(next, current))
+        current = NSUnionRange(current, next);
+    else if (PBMaxRange(current) == next.location)
+        current.length += next.length;
+    else
+        return false;
     return true;
 }
 
-// An entry that nothing was merged into keeps its box.
-void append(NSMutableArray* list, const Entry& entry) {
-    if (entry.box) return list->addObject(entry.box);
-    list->addObject(NSValue::initWithBytes_objCType(&entry.range, typeEncoding<NSRange>.text).get());
-}
+// Merges ranges that come in order; writes the results over those that have been read.
+class Merger {
+  public:
+    Merger(NSRange* place, Empties empties) : _place(place), _empties(empties) {}
 
-NSMutableArray* mergedList(const Sorted& list, Empties empties) {
-    constexpr std::size_t kAhead = 12;
-    std::size_t count = list.entries.size();
-    auto merged = NSMutableArray::initWithCapacity(static_cast<NSUInteger>(count));
-    Entry current = list[0];
-    for (std::size_t i = 1; i < count; ++i) {
-        // The entries and their boxes may lie anywhere in memory, and most boxes will be retained.
-        if (i + 2 * kAhead < count) {
-            __builtin_prefetch(&list[i + 2 * kAhead]);
-            __builtin_prefetch(list[i + kAhead].box, 1);
-        }
-        const Entry& next = list[i];
-        if (merge(current, next, empties)) continue;
-        append(merged, current);
-        current = next;
+    void begin(NSRange first) { _current = first; }
+    void take(NSRange next) {
+        if (merge(_current, next, _empties)) return;
+        *_place++ = _current;
+        _current = next;
     }
-    append(merged, current);
-    return std::move(merged).autorelease();
-}
-
-// Whether the entries are in order, none empty, and none touching the next.
-bool isNormalized(NSArray* ranges) {
-    BoxedRangeReader rangeOf;
-    std::uint64_t least = 0;
-    for (id box : ranges) {
-        NSRange range = rangeOf(box);
-        if (range.location < least || PBMaxRange(range) <= range.location) return false;
-        least = std::uint64_t{PBMaxRange(range)} + 1;
+    NSRange* end() {
+        *_place++ = _current;
+        return _place;
     }
-    return true;
+
+  private:
+    NSRange* _place;
+    NSRange _current;
+    Empties _empties;
+};
+
+NSRange* mergeInOrder(std::span<NSRange> ranges, Empties empties) {
+    Merger merger(ranges.data(), empties);
+    merger.begin(ranges.front());
+    for (NSRange range : ranges.subspan(1)) merger.take(range);
+    return merger.end();
 }
 
-NSMutableArray* mutableListOf(NSArray* ranges) { return NSMutableArray::arrayWithArray(ranges); }
+// Of two lists in order, one behind the other. Of ranges at one location the first list's come first.
+NSRange* mergeTwo(std::span<NSRange> ranges, std::size_t count, Empties empties) {
+    Ranges copy(ranges.begin(), ranges.begin() + count);
+    const NSRange *one = copy.data(), *oneEnd = one + count;
+    const NSRange *other = ranges.data() + count, *otherEnd = ranges.data() + ranges.size();
+    Merger merger(ranges.data(), empties);
+    merger.begin(isBefore(*other, *one) ? *other++ : *one++);
+    while (one != oneEnd && other != otherEnd) {
+        // Which is next cannot be foreseen: no branch asks for it.
+        std::size_t isOther = isBefore(*other, *one);
+        auto first = std::bit_cast<std::uint64_t>(*one), second = std::bit_cast<std::uint64_t>(*other);
+        merger.take(std::bit_cast<NSRange>(first ^ ((first ^ second) & -std::uint64_t{isOther})));
+        other += isOther;
+        one += 1 - isOther;
+    }
+    while (one != oneEnd) merger.take(*one++);
+    while (other != otherEnd) merger.take(*other++);
+    return merger.end();
+}
+
+// Answers the end of what is left.
+NSRange* sortAndMerge(Ranges& ranges, Empties empties) {
+    // Often a list in order, or one with another behind it, or with a few ranges.
+    auto second = std::is_sorted_until(ranges.begin(), ranges.end(), isBefore);
+    bool areTwo = std::is_sorted(second, ranges.end(), isBefore);
+    auto count = second - ranges.begin(), others = ranges.end() - second;
+    if (areTwo && others > count / 8) return mergeTwo(ranges, static_cast<std::size_t>(count), empties);
+    constexpr std::size_t kLong = 2048;
+    if (areTwo)
+        std::inplace_merge(ranges.begin(), second, ranges.end(), isBefore);
+    else if (ranges.size() < kLong)
+        std::stable_sort(ranges.begin(), ranges.end(), isBefore);
+    else
+        sortByDigits(ranges);
+    return mergeInOrder(ranges, empties);
+}
+
+NSArray* normalizedList(Ranges ranges, Empties empties) {
+    NSRange* end = sortAndMerge(ranges, empties);
+    ranges.resize(static_cast<std::size_t>(end - ranges.data()));
+    if (ranges.size() < ranges.capacity() / 2) ranges.shrink_to_fit();
+    return PBRangeList::listOf(std::move(ranges));
+}
 
 }  // namespace
 
 NSArray* PBNormalizeRanges(NSArray* ranges, bool isRemZeros) {
     if (!ranges || ranges->count() < 2) return ranges;
-    if (isNormalized(ranges)) return mutableListOf(ranges);
-    BoxedRangeReader rangeOf;
-    Sorted list;
-    list.entries.reserve(ranges->count());
-    for (id box : ranges) list.entries.push_back({rangeOf(box), box});
-    sortByLocation(list);
-    return mergedList(list, isRemZeros ? Empties::remove : Empties::keep);
+    return normalizedList(rangesOf(ranges), isRemZeros ? Empties::remove : Empties::keep);
 }
 
 NSArray* PBAddRangeToNormalizedRanges(NSRange addRng, NSArray* rngs) {
-    NSMutableArray* all = mutableListOf(rngs);
-    all->addObject(NSValue::valueWithRange(addRng));
-    return PBNormalizeRanges(all, true);
+    Ranges all = rangesOf(rngs);
+    all.push_back(addRng);
+    return normalizedList(std::move(all), Empties::remove);
 }
 
 namespace {
@@ -230,15 +222,14 @@ namespace {
 NSArray* subtracted(NSRange range, NSArray* ranges, NSUInteger& active) {
     NSUInteger index = PBIndexOfRangeInRanges(range, ranges);
     if (index == NSNotFound) return ranges;
-    NSMutableArray* left = mutableListOf(ranges);
+    Ranges left = rangesOf(ranges);
     NSRange pieces[2];
-    int count = PBSubtractionRanges(BoxedRangeReader()(left->objectAtIndex(index)), range, pieces);
-    left->removeObjectAtIndex(index);
-    for (int i = 0; i < count; ++i)
-        left->insertObject_atIndex(NSValue::valueWithRange(pieces[i]), index + static_cast<NSUInteger>(i));
-    if (left->count() == 0) left->addObject(NSValue::valueWithRange({range.location, 0}));
-    active = index < left->count() ? index : 0;
-    return left;
+    int count = PBSubtractionRanges(left[index], range, pieces);
+    auto place = left.erase(left.begin() + index);
+    left.insert(place, pieces, pieces + count);
+    if (left.empty()) left.push_back({range.location, 0});
+    active = index < left.size() ? index : 0;
+    return PBRangeList::listOf(std::move(left));
 }
 
 NSArray* added(NSRange range, NSArray* ranges, NSUInteger& active) {
@@ -255,7 +246,7 @@ NSArray* PBCombineRangeWithNormalizedRanges(NSRange rng, NSArray* rngs, PBSelect
     NSUInteger active = 0;
     NSArray* result = nullptr;
     if (mode == PBSelectionMode_Overwrite)
-        result = NSMutableArray::arrayWithObject(NSValue::valueWithRange(rng));
+        result = PBRangeList::listOf({rng});
     else if (mode == PBSelectionMode_Add)
         result = added(rng, rngs, active);
     else if (mode == PBSelectionMode_Subtract)

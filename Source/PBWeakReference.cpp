@@ -7,8 +7,8 @@
 #include "Foundation/NSArray.h"
 #include "Foundation/NSMutableSet.h"
 #include "Foundation/NSString.h"
+#include "Foundation/RowMemory.h"
 #include "PBObjectPool.h"
-#include "RowMemoryPrivate.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
 

@@ -78,13 +78,39 @@ Intervals intervalsOf(const Ranges& ranges) {
     return intervals;
 }
 
+// Lists of boxes that somebody made one by one, and lists as the library answers them.
+enum class Maker { user, library };
+
+Retained<NSArray> listOf(const Ranges& ranges, Maker maker) {
+    AutoreleasePool pool;
+    auto list = boxed(ranges);
+    if (maker == Maker::user) return list;
+    return Retained<NSArray>::retaining(PBNormalizeRanges(list, true));
+}
+
 // The whole life of the result is measured, its end included, here and with the peers.
-void NormalizeBoxed(benchmark::State& state, Shape shape) {
-    auto list = boxed(rangesOf(shape));
+void NormalizeBoxed(benchmark::State& state, Shape shape, Maker maker) {
+    auto list = listOf(rangesOf(shape), maker);
     for (auto _ : state) {
         AutoreleasePool pool;
         benchmark::DoNotOptimize(PBNormalizeRanges(list, true)->count());
     }
+    perItem(state, kMany);
+}
+// Every box of the result is asked for.
+void NormalizeBoxedAndRead(benchmark::State& state) {
+    auto list = boxed(rangesOf(Shape::sorted));
+    for (auto _ : state) {
+        AutoreleasePool pool;
+        NSUInteger sum = 0;
+        for (id box : PBNormalizeRanges(list, true)) sum += static_cast<NSValue*>(box)->rangeValue().length;
+        benchmark::DoNotOptimize(sum);
+    }
+    perItem(state, kMany);
+}
+void ListOfBoxesMade(benchmark::State& state) {
+    Ranges ranges = rangesOf(Shape::sorted);
+    for (auto _ : state) benchmark::DoNotOptimize(boxed(ranges)->count());
     perItem(state, kMany);
 }
 void NormalizeStdSort(benchmark::State& state, Shape shape) {
@@ -97,21 +123,25 @@ void NormalizeIntervalSet(benchmark::State& state, Shape shape) {
     for (auto _ : state) benchmark::DoNotOptimize(intervalsOf(ranges).iterative_size());
     perItem(state, kMany);
 }
-BENCHMARK_CAPTURE(NormalizeBoxed, sparse, Shape::sparse)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(NormalizeBoxed, sparse, Shape::sparse, Maker::user)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(NormalizeStdSort, sparse, Shape::sparse)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(NormalizeIntervalSet, sparse, Shape::sparse)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(NormalizeBoxed, dense, Shape::dense)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(NormalizeBoxed, dense, Shape::dense, Maker::user)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(NormalizeStdSort, dense, Shape::dense)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(NormalizeIntervalSet, dense, Shape::dense)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(NormalizeBoxed, sorted, Shape::sorted)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(NormalizeBoxed, sorted, Shape::sorted, Maker::user)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(NormalizeBoxed, sorted_by_library, Shape::sorted, Maker::library)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(NormalizeStdSort, sorted, Shape::sorted)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(NormalizeIntervalSet, sorted, Shape::sorted)->Unit(benchmark::kMillisecond);
+BENCHMARK(NormalizeBoxedAndRead)->Unit(benchmark::kMillisecond);
+BENCHMARK(ListOfBoxesMade)->Unit(benchmark::kMillisecond);
 
 // MARK: Two lists
 
-void UniteBoxed(benchmark::State& state) {
-    auto one = boxed(mergedAfterSorting(rangesOf(Shape::sparse, kMany / 2, 1)));
-    auto other = boxed(mergedAfterSorting(rangesOf(Shape::sparse, kMany / 2, 2)));
+void UniteBoxed(benchmark::State& state, Maker maker) {
+    auto one = listOf(mergedAfterSorting(rangesOf(Shape::sparse, kMany / 2, 1)), maker);
+    auto other = listOf(mergedAfterSorting(rangesOf(Shape::sparse, kMany / 2, 2)), maker);
     for (auto _ : state) {
         AutoreleasePool pool;
         benchmark::DoNotOptimize(PBNormalizeRanges(one->arrayByAddingObjectsFromArray(other), true)->count());
@@ -134,7 +164,8 @@ void UniteIntervalSets(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize((one + other).iterative_size());
     perItem(state, kMany);
 }
-BENCHMARK(UniteBoxed)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(UniteBoxed, by_user, Maker::user)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(UniteBoxed, by_library, Maker::library)->Unit(benchmark::kMillisecond);
 BENCHMARK(UniteStdSort)->Unit(benchmark::kMillisecond);
 BENCHMARK(UniteIntervalSets)->Unit(benchmark::kMillisecond);
 

@@ -50,6 +50,17 @@ Retained<NSInlineArray> NSInlineArray::create(Object* const* objects, NSUInteger
     return Retained<NSInlineArray>::adopting(array);
 }
 
+Retained<NSInlineArray> NSInlineArray::createJoined(NSArray* first, std::span<Object* const> behind) {
+    std::uint64_t own = first->count(), count = own + behind.size();
+    if (count > UINT32_MAX) throw NSException(NSMallocException, "an array of more than 2^32 - 1 objects");
+    if (count == 0) return Retained<NSInlineArray>::retaining(empty());
+    auto* array = Instances::createWithExtra<NSInlineArray>(count * sizeof(Object*), &classRecord,
+                                                            static_cast<NSUInteger>(count));
+    retainAll(first->contiguousObjects(), own, array->objects());
+    retainAll(behind.data(), behind.size(), array->objects() + own);
+    return Retained<NSInlineArray>::adopting(array);
+}
+
 NSInlineArray::~NSInlineArray() {
     // What a release does may look at the array: it is empty by then.
     NSUInteger count = std::exchange(_count, 0);
@@ -149,9 +160,13 @@ id NSBufferArray::objectAtIndex(NSUInteger index) {
 
 void NSBufferArray::addObject(id object) {
     requireObject(object, "addObject:");
+    adoptObject(Retained<Object>::retaining(object));
+}
+
+void NSBufferArray::adoptObject(Retained<Object> object) {
     NSUInteger index = _buffer.count();
     _buffer.replace(index, 0, 1);
-    _buffer.begin()[index] = object->retain();
+    _buffer.begin()[index] = object.leak();
     ++_mutations;
 }
 

@@ -2,6 +2,7 @@
 // The arrays that creators answer; for Foundation's own sources.
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "Foundation/NSMutableArray.h"
@@ -15,6 +16,8 @@ class NSInlineArray final : public NSArray {
   public:
     /// An owned array; the objects, none of which is none, are retained.
     static Retained<NSInlineArray> create(Object* const* objects, NSUInteger count);
+    /// The same from an array, which has its objects in one piece, and objects behind them.
+    static Retained<NSInlineArray> createJoined(NSArray* first, std::span<Object* const> behind);
     /// The same from references that are taken over.
     template <class T>
     static Retained<NSInlineArray> createAdopting(std::vector<Retained<T>>&& references) {
@@ -88,6 +91,8 @@ class NSBufferArray final : public NSMutableArray {
     void removeObjectAtIndex(NSUInteger index) override;
     void removeObjectsInRange(NSRange range) override;
     void reserve(NSUInteger capacity) { _buffer.reserve(capacity); }
+    /// Adds an object and takes the reference over.
+    void adoptObject(Retained<Object> object);
 
   protected:
     NSBufferArray() = default;

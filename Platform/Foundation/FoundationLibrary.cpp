@@ -31,6 +31,7 @@
 #include "Foundation/NSProcessInfo.h"
 #include "Foundation/NSPropertyListError.h"
 #include "Foundation/NSPropertyListSerialization.h"
+#include "Foundation/NSRangeValue.h"
 #include "Foundation/NSRecursiveLock.h"
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSScanner.h"
@@ -93,6 +94,7 @@ constexpr Class* kClasses[] = {
     &NSProcessInfo::classRecord,
     &NSPropertyListError::classRecord,
     &NSPropertyListSerialization::classRecord,
+    &NSRangeValue::classRecord,
     &NSRecursiveLock::classRecord,
     &NSRunLoop::classRecord,
     &NSScanner::classRecord,

@@ -165,19 +165,25 @@ NSArray* NSArray::subarrayWithRange(NSRange range) {
     return NSInlineArray::create(objects.data(), range.length).autorelease();
 }
 
+namespace {
+
+// The array itself if it has its objects in one piece, else a copy that does.
+Retained<NSArray> inOnePiece(NSArray* array) {
+    if (array && array->contiguousObjects()) return Retained<NSArray>::retaining(array);
+    return NSArray::initWithArray(array);
+}
+
+}  // namespace
+
 NSArray* NSArray::arrayByAddingObject(id object) {
     requireObject(object, "arrayByAddingObject:");
-    std::vector<Object*> objects(count());
-    getObjects(objects.data());
-    objects.push_back(object);
-    return NSInlineArray::create(objects.data(), static_cast<NSUInteger>(objects.size())).autorelease();
+    Retained<NSArray> own = inOnePiece(this);
+    return NSInlineArray::createJoined(own, {&object, 1}).autorelease();
 }
 
 NSArray* NSArray::arrayByAddingObjectsFromArray(NSArray* other) {
-    std::vector<Object*> objects(count());
-    getObjects(objects.data());
-    for (id object : other) objects.push_back(object);
-    return NSInlineArray::create(objects.data(), static_cast<NSUInteger>(objects.size())).autorelease();
+    Retained<NSArray> own = inOnePiece(this), more = inOnePiece(other);
+    return NSInlineArray::createJoined(own, {more->contiguousObjects(), more->count()}).autorelease();
 }
 
 namespace {

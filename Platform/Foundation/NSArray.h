@@ -74,7 +74,7 @@ class PELVOR_EXPORT NSArray : public NSObject {
 
     NSArray* subarrayWithRange(NSRange range);
     NSArray* arrayByAddingObject(id object);
-    NSArray* arrayByAddingObjectsFromArray(NSArray* other);
+    virtual NSArray* arrayByAddingObjectsFromArray(NSArray* other);
     /// The objects in ascending order; those that are the same keep theirs. The message takes an object
     /// and answers an NSComparisonResult.
     NSArray* sortedArrayUsingSelector(SEL comparator);

@@ -43,7 +43,7 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
     // Adding and replacing
 
     void addObjectsFromArray(NSArray* other);
-    void replaceObjectsInRange_withObjectsFromArray(NSRange range, NSArray* other);
+    virtual void replaceObjectsInRange_withObjectsFromArray(NSRange range, NSArray* other);
     void exchangeObjectAtIndex_withObjectAtIndex(NSUInteger first, NSUInteger second);
     void setArray(NSArray* other);
 

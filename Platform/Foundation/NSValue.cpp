@@ -9,6 +9,7 @@
 #include "Foundation/ByteTextPrivate.h"
 #include "Foundation/ConcreteValuesPrivate.h"
 #include "Foundation/FoundationLibrary.h"
+#include "Foundation/NSRangeValue.h"
 #include "Foundation/NSString.h"
 #include "Runtime/NSException.h"
 
@@ -62,7 +63,11 @@ Retained<NSInlineValue> NSInlineValue::createWithTypeName(const void* bytes, std
 }
 
 Retained<NSValue> NSValue::withTypedBytes(const void* bytes, std::size_t size, const char* immortalType) {
-    return NSInlineValue::create(bytes, size, immortalType);
+    if (size != sizeof(NSRange) || !isSameType(immortalType, typeEncoding<NSRange>.text))
+        return NSInlineValue::create(bytes, size, immortalType);
+    NSRange range;
+    std::memcpy(&range, bytes, sizeof range);
+    return NSRangeValue::create(range);
 }
 
 NSValue* NSValue::valueWithBytes_objCType(const void* bytes, const char* type) {
@@ -100,6 +105,7 @@ namespace {
 // The bytes of a value, where they stand or in `copy`.
 std::span<const std::byte> bytesOf(NSValue* value, std::vector<std::byte>& copy) {
     if (value->isa() == NSInlineValue::classObject()) return static_cast<NSInlineValue*>(value)->span();
+    if (value->isa() == NSRangeValue::classObject()) return static_cast<NSRangeValue*>(value)->span();
     NSUInteger size = 0;
     NSGetSizeAndAlignment(value->objCType(), &size, nullptr);
     copy.resize(size);

@@ -4,6 +4,7 @@
 
 #include <bitset>
 
+#include "NSArray-PelvorRangeArray.h"
 #include "NSValue-PelvorAdditions.h"
 #include "PBPlanarRange.h"
 #include "Prelude.h"
@@ -140,6 +141,47 @@ TEST(PBRangeUtil, NormalizedListsAreTheRunsOfWhatTheRangesCover) {
             else if (bits[i])
                 runs.push_back({i, 1});
         ASSERT_EQ(rangesOf(PBNormalizeRanges(listOf(ranges), true)), runs) << round;
+    }
+}
+
+// One of the things that may be done with a list; what a bad index raises is told.
+std::string change(NSMutableArray* list, unsigned kind, NSUInteger index, NSRange range, NSArray* others) {
+    return reasonOf([&] {
+        if (kind == 0) addRange(list, range);
+        if (kind == 1) insertSortedRange(list, range);
+        if (kind == 2) insertRange_atIndex(list, range, index);
+        if (kind == 3) replaceRangeAtIndex_withRange(list, index, range);
+        if (kind == 4) removeRangeAtIndex(list, index);
+        if (kind == 5) list->replaceObjectsInRange_withObjectsFromArray({index, range.length}, others);
+        if (kind == 6) list->setArray(list->arrayByAddingObjectsFromArray(others));
+        if (kind == 7) list->setArray(list->mutableCopy().get());
+        if (kind == 8) list->removeObject(list->lastObject());
+    });
+}
+
+TEST(PBRangeUtil, ListsThatAreAnsweredDoAsOtherArrays) {
+    std::mt19937 random(9);
+    for (int round = 0; round < 400; ++round) {
+        AutoreleasePool pool;
+        Ranges ranges = {{0, 3}, {5, 1}, {9, 2}};
+        auto answered = [&] { return cast<NSMutableArray>(PBNormalizeRanges(listOf(ranges), true)); };
+        NSMutableArray *list = answered(), *other = cast<NSMutableArray>(listOf(ranges));
+        for (unsigned step = random() % 5; step-- > 0;) {
+            unsigned kind = random() % 9, index = random() % 5, isOwn = random() % 4 == 0;
+            NSRange range{NSUInteger(random() % 12), NSUInteger(random() % 3)};
+            std::string outcome = change(list, kind, index, range, isOwn ? list : answered());
+            ASSERT_EQ(outcome, change(other, kind, index, range, isOwn ? other : listOf(ranges))) << kind;
+            bool isRead = random() % 4 == 0;
+            ASSERT_TRUE(!isRead || list->isEqual(other)) << kind;
+        }
+        EXPECT_EQ(rangesOf(PBNormalizeRanges(list, false)), rangesOf(PBNormalizeRanges(other, false)));
+        EXPECT_EQ(unionRange(list), unionRange(other));
+        EXPECT_EQ(list->indexOfObjectIdenticalTo(list->lastObject()),
+                  other->indexOfObjectIdenticalTo(other->lastObject()));
+        EXPECT_TRUE(list->isEqual(other) && list->copy()->isEqual(other));
+        list->addObject(u"a"_ns);
+        EXPECT_THROW(for (id box : list) list->addObject(box), NSException);
+        EXPECT_THROW(PBNormalizeRanges(list, true), NSException);
     }
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// RowMemory: memory for many small objects of one class; for the library's own sources.
+// RowMemory: memory for many small objects of one class.
 #pragma once
 
 #include <atomic>

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSRangeValue: the value that boxes a range.
+#pragma once
+
+#include <span>
+
+#include "Foundation/NSValue.h"
+
+namespace pelvor {
+
+class NSMutableArray;
+
+/// What NSValue's creators answer for a range: no larger than it must be, for lists that hold many, and
+/// read without a call by who knows the class. Any thread.
+class PELVOR_EXPORT NSRangeValue final : public NSValue {
+    PELVOR_CLASS(NSRangeValue, NSValue);
+
+  public:
+    /// An owned value.
+    static Retained<NSRangeValue> create(NSRange range);
+    /// An owned array of a value for each range.
+    static Retained<NSMutableArray> createArray(std::span<const NSRange> ranges);
+    static void* operator new(std::size_t size);
+    static void operator delete(void* value) noexcept;
+
+    NSRange range() const { return _range; }
+    const char* objCType() override { return typeEncoding<NSRange>.text; }
+    void getValue(void* buffer) override { std::memcpy(buffer, &_range, sizeof _range); }
+    std::span<const std::byte> span() { return std::as_bytes(std::span(&_range, 1)); }
+
+  protected:
+    explicit NSRangeValue(NSRange range) : _range(range) {}
+    ~NSRangeValue() = default;
+
+  private:
+    NSRange _range;
+};
+
+}  // namespace pelvor
