@@ -11,6 +11,7 @@
 #include <functional>
 #include <limits>
 #include <random>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -35,6 +36,7 @@ namespace pelvor {
 
 using ::testing::AllOf;
 using ::testing::Contains;
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
@@ -56,6 +58,49 @@ inline std::string reasonOf(const char* name, const std::function<void()>& call)
     return name ? "nothing raised" : "";
 }
 inline std::string reasonOf(const std::function<void()>& call) { return reasonOf(nullptr, call); }
+
+/// What the expression raises, "NSRangeException: index (4) beyond bounds (4)"; "" if nothing.
+#define RAISED(...) ::pelvor::whatIsRaisedBy([&] { (void)(__VA_ARGS__); })
+template <class Call>
+std::string whatIsRaisedBy(Call call) {
+    try {
+        call();
+        return "";
+    } catch (const NSException& exception) {
+        return exception.what();
+    }
+}
+
+/// The values as a stream shows them, with blanks between.
+template <class... Values>
+std::string shown(const Values&... values) {
+    AutoreleasePool pool;
+    std::ostringstream stream;
+    const char* blank = "";
+    ((stream << std::exchange(blank, " ") << values), ...);
+    return std::move(stream).str();
+}
+
+/// The texts with commas between.
+inline std::string joined(const std::vector<std::string>& texts) {
+    std::string all;
+    for (const std::string& text : texts) all += (&text == texts.data() ? "" : ", ") + text;
+    return all;
+}
+
+/// Expects of each row what it says that the function makes of its text: "text -> result as a stream shows
+/// it".
+template <class Function>
+void expectAll(std::initializer_list<std::string_view> rows, Function function) {
+    for (std::string_view row : rows) {
+        const std::size_t arrow = row.find(" -> ");
+        EXPECT_EQ(shown(function(std::string(row.substr(0, arrow)))), row.substr(arrow + 4)) << row;
+    }
+}
+
+/// The classes as a library lists them.
+template <class... Classes>
+constexpr Class* kClassesOf[] = {&Classes::classRecord...};
 
 /// "0x…", as descriptions have it.
 inline std::string addressOf(Object* object) {
@@ -103,3 +148,6 @@ class Listener : public NSObject {
 };
 
 }  // namespace pelvor
+
+/// Tests speak of the library without its name.
+using namespace pelvor;

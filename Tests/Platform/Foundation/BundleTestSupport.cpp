@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "BundleTestSupport.h"
 
-#include <cstdlib>
 #include <fstream>
-#include <iterator>
 
 namespace pelvor::testing {
 
@@ -50,19 +48,6 @@ fs::path testPlugIn(const std::string& name) { return fs::path(PELVOR_TEST_PLUGI
 
 fs::path testPlugInCode(const std::string& name) {
     return testPlugIn(name) / "Contents/Linux" / (name + ".so");
-}
-
-LanguageScope::LanguageScope(const char* languages) {
-    for (const char* name : {"LANGUAGE", "LC_ALL"}) {
-        const char* value = std::getenv(name);
-        _before.emplace_back(name, value ? value : "");
-    }
-    setenv("LANGUAGE", languages, 1);
-    setenv("LC_ALL", "en_US.UTF-8", 1);
-}
-
-LanguageScope::~LanguageScope() {
-    for (const auto& [name, value] : _before) value.empty() ? unsetenv(name) : setenv(name, value.c_str(), 1);
 }
 
 }  // namespace pelvor::testing

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <filesystem>
-#include <initializer_list>
+#include <optional>
 
 #include "Foundation/NSBundle.h"
 #include "Prelude.h"
@@ -41,14 +41,32 @@ NSBundle* bundleAt(const fs::path& path);
 fs::path testPlugIn(const std::string& name);
 fs::path testPlugInCode(const std::string& name);
 
-/// The environment in which the user reads these languages, "fr_CA:de", for a scope.
-class LanguageScope {
+/// Gives an environment variable another value for a scope.
+class EnvironmentScope {
   public:
-    explicit LanguageScope(const char* languages);
-    ~LanguageScope();
+    /// No value takes the variable away.
+    EnvironmentScope(const char* name, const char* value) : _name(name) {
+        if (const char* before = std::getenv(name)) _before = before;
+        set(value);
+    }
+    ~EnvironmentScope() { set(_before ? _before->c_str() : nullptr); }
+    EnvironmentScope(const EnvironmentScope&) = delete;
+    EnvironmentScope& operator=(const EnvironmentScope&) = delete;
 
   private:
-    std::vector<std::pair<const char*, std::string>> _before;
+    void set(const char* value) { value ? setenv(_name, value, 1) : unsetenv(_name); }
+
+    const char* _name;
+    std::optional<std::string> _before;
+};
+
+/// The environment in which the user reads these languages, "fr_CA:de", for a scope.
+struct LanguageScope {
+    explicit LanguageScope(const char* languages) : _languages("LANGUAGE", languages) {}
+
+  private:
+    EnvironmentScope _languages, _locale{"LC_ALL", "en_US.UTF-8"};
 };
 
 }  // namespace pelvor::testing
+using namespace pelvor::testing;

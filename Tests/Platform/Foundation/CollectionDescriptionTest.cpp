@@ -2,16 +2,10 @@
 // Tests of the texts of collections.
 #include "Foundation/CollectionDescriptionPrivate.h"
 
-#include <sstream>
-
-#include "Foundation/NSPropertyListSerialization.h"
 #include "Platform/Foundation/Pebble.h"
-#include "Prelude.h"
+#include "Platform/Foundation/PropertyListSamples.h"
 
-namespace pelvor {
 namespace {
-
-using namespace testing;
 
 TEST(CollectionDescription, IsAnOldStylePropertyList) {
     NSDictionary* inner =
@@ -19,7 +13,7 @@ TEST(CollectionDescription, IsAnOldStylePropertyList) {
     NSArray* array = NSArray::of({u"plain_1:$"_ns, u""_ns, u"say \"hi\"\\\n"_ns, u"\u00e4\U0001F600"_ns,
                                   inner, NSSet::setWithObject(num(3)),
                                   NSData::dataWithBytes_length("\x01\xff", 2), NSArray::array()});
-    EXPECT_EQ(array->description()->toUTF8(), R"((
+    EXPECT_EQ(shown(array), R"((
     plain_1:$,
     "",
     "say \"hi\"\\\n",
@@ -45,10 +39,7 @@ TEST(CollectionDescription, IsReadBackAsTheSameList) {
                                            {u"a // comment \"?"_ns, u"/* none */"_ns},
                                            {u"data"_ns, NSData::dataWithBytes_length("12345", 5)},
                                            {u"empty"_ns, NSArray::of({NSArray::array(), u""_ns})}});
-    std::string text = list->description()->toUTF8();
-    NSData* data = NSData::dataWithBytes_length(text.data(), static_cast<NSUInteger>(text.size()));
-    id read = NSPropertyListSerialization::propertyListWithData_options_format_error(
-        data, NSPropertyListImmutable, nullptr, nullptr);
+    id read = listOf(shown(list));
     EXPECT_TRUE(list->isEqual(read)) << read;
 }
 
@@ -57,8 +48,7 @@ TEST(CollectionDescription, EndsForACollectionInsideItself) {
     auto dictionary = NSMutableDictionary::init();
     dictionary->setObject_forKey(array, u"array"_ns);
     array->addObject(dictionary);
-    EXPECT_THAT(array->description()->toUTF8(),
-                ::testing::ContainsRegex("array = \"<NSBufferArray: 0x[0-9a-f]+>\";"));
+    EXPECT_THAT(shown(array), ::testing::ContainsRegex("array = \"<NSBufferArray: 0x[0-9a-f]+>\";"));
     array->hash();
     array->removeAllObjects();
 }
@@ -66,13 +56,11 @@ TEST(CollectionDescription, EndsForACollectionInsideItself) {
 TEST(ObjectPrinting, ShowsDescriptionsOfPointersAndReferences) {
     auto owned = NSArray::initWithObjects({u"\u00e4"_ns, num(2)});
     NSArray* array = owned;
-    std::ostringstream stream;
-    stream << array << "|" << owned << "|" << static_cast<Object*>(nullptr) << "|" << u"\u00e4"_ns;
     const std::string text = "(\n    \"\\U00e4\",\n    2\n)";
-    EXPECT_EQ(stream.str(), text + "|" + text + "|(null)|\u00e4");
+    EXPECT_EQ(shown(array, owned, static_cast<Object*>(nullptr), u"\u00e4"_ns),
+              text + " " + text + " (null) \u00e4");
     EXPECT_EQ(::testing::PrintToString(array), text);
     EXPECT_EQ(::testing::PrintToString(owned), text);
 }
 
 }  // namespace
-}  // namespace pelvor

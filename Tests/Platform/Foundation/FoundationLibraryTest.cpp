@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/FoundationLibrary.h"
 
-#include <gtest/gtest.h>
-
 #include "ClassConformity.h"
+#include "Prelude.h"
 
-namespace pelvor::testing {
 namespace {
 
 TEST(FoundationLibraryTest, EveryClassConforms) {
     registerLibrary(foundationLibrary);
-    for (Class* cls : registeredClasses()) checkClass(cls);
+    for (Class* cls : pelvor::testing::registeredClasses()) pelvor::testing::checkClass(cls);
 }
 
 }  // namespace
-}  // namespace pelvor::testing

@@ -4,18 +4,14 @@
 #include "BundleTestSupport.h"
 #include "Foundation/NSPathStore2.h"
 #include "Foundation/NSThread.h"
-#include "Prelude.h"
 
-namespace pelvor::testing {
 namespace {
 
-std::string text(id object) { return object ? object->description()->toUTF8() : "(none)"; }
-
 // Paths relative to the folder.
-std::vector<std::string> names(NSArray* paths, const fs::path& folder) {
+std::string names(NSArray* paths, const fs::path& folder) {
     std::vector<std::string> names;
-    for (id path : paths) names.push_back(fs::path(text(path)).lexically_relative(folder).string());
-    return names;
+    for (id path : paths) names.push_back(fs::path(shown(path)).lexically_relative(folder));
+    return joined(names);
 }
 
 class NSBundleTest : public ::testing::Test {
@@ -26,11 +22,10 @@ class NSBundleTest : public ::testing::Test {
 TEST_F(NSBundleTest, APlainProgramHasItsFolderAsTheMainBundle) {
     auto* main = NSBundle::mainBundle();
     fs::path program = fs::canonical("/proc/self/exe");
-    EXPECT_EQ(text(main->bundlePath()), program.parent_path());
-    EXPECT_EQ(text(main->executablePath()), program);
-    EXPECT_EQ(main->infoDictionary()->count(), 0u);
+    EXPECT_EQ(shown(main->bundlePath()), program.parent_path());
+    EXPECT_EQ(shown(main->executablePath()), program);
+    EXPECT_EQ(shown(main->infoDictionary()->count(), main->bundleIdentifier()), "0 (null)");
     EXPECT_TRUE(main->isLoaded() && main->load());
-    EXPECT_EQ(main->bundleIdentifier(), nullptr);
     EXPECT_EQ(NSBundle::allBundles()->objectAtIndex(0), main);
     EXPECT_EQ(bundleAt(program.parent_path()), main);
 }
@@ -43,21 +38,23 @@ TEST_F(NSBundleTest, AFolderHasOneBundleWhateverItIsCalled) {
     for (fs::path alias : {folder.path() / "Link.bundle", path / "", path / "Contents/.."})
         EXPECT_EQ(bundleAt(alias), bundle) << alias;
     EXPECT_EQ(NSBundle::initWithPath(stringOf(path)).get(), bundle);
-    EXPECT_EQ(text(bundle->bundlePath()), path);
+    EXPECT_EQ(shown(bundle->bundlePath()), path);
     for (fs::path none : {folder.path() / "None.bundle", path / "Contents/Info.plist", fs::path()})
         EXPECT_EQ(bundleAt(none), nullptr) << none;
     EXPECT_EQ(NSBundle::bundleWithPath(nullptr), nullptr);
 }
 
 TEST_F(NSBundleTest, BundlesAreListedInTheOrderInWhichTheyWereAskedFor) {
-    NSUInteger bundlesBefore = NSBundle::allBundles()->count();
-    NSUInteger frameworksBefore = NSBundle::allFrameworks()->count();
+    const NSUInteger bundlesBefore = NSBundle::allBundles()->count(),
+                     frameworksBefore = NSBundle::allFrameworks()->count();
     auto added = [](NSArray* list, NSUInteger before) {
         return list->subarrayWithRange({before, list->count() - before});
     };
-    auto* b = bundleAt(folder.makeBundle("B.bundle", {{"CFBundleIdentifier", "test.list.b"}}));
-    auto* f = bundleAt(folder.makeBundle("F.framework", {{"CFBundleIdentifier", "test.list.f"}}));
-    auto* a = bundleAt(folder.makeBundle("A.bundle", {{"CFBundleIdentifier", "test.list.a"}}));
+    auto made = [this](const char* name, const char* identifier) {
+        return bundleAt(folder.makeBundle(name, {{"CFBundleIdentifier", identifier}}));
+    };
+    auto *b = made("B.bundle", "test.list.b"), *f = made("F.framework", "test.list.f"),
+         *a = made("A.bundle", "test.list.a");
     fs::create_directories(folder.path() / "Plain");
     auto* registered = NSBundle::registerFramework(stringOf(folder.path() / "Plain"));
     EXPECT_TRUE(added(NSBundle::allBundles(), bundlesBefore)->isEqual(NSArray::of({b, a})));
@@ -74,8 +71,8 @@ TEST_F(NSBundleTest, AFolderOfBundlesIsReadInTheOrderOfNames) {
     LogLines log;
     std::vector<std::string> found;
     for (id bundle : NSBundle::bundlesInDirectory(stringOf(folder.path())))
-        found.push_back(fs::path(text(static_cast<NSBundle*>(bundle)->bundlePath())).filename());
-    EXPECT_THAT(found, ElementsAre("C.bundle", "a.bundle", "b.bundle"));
+        found.push_back(fs::path(shown(static_cast<NSBundle*>(bundle)->bundlePath())).filename());
+    EXPECT_EQ(joined(found), "C.bundle, a.bundle, b.bundle");
     for (NSString* none : {u"/no/such/folder"_ns, static_cast<NSString*>(nullptr)})
         EXPECT_EQ(NSBundle::bundlesInDirectory(none)->count(), 0u);
     EXPECT_THAT(log.lines, IsEmpty());
@@ -89,18 +86,18 @@ TEST_F(NSBundleTest, InformationIsReadFromTheFolder) {
         {{"CFBundleIdentifier", "test.info"}, {"CFBundleExecutable", "A.so"}, {"Colour", "red"}}));
     folder.write("A.bundle/Contents/Resources/en.lproj/InfoPlist.strings", "\"Colour\" = \"crimson\";");
     fs::path contents = folder.path() / "A.bundle/Contents";
-    EXPECT_EQ(text(bundle->bundleIdentifier()), "test.info");
-    EXPECT_EQ(text(bundle->executablePath()), contents / "Linux/A.so");
-    EXPECT_EQ(text(bundle->resourcePath()), contents / "Resources");
-    EXPECT_EQ(text(bundle->builtInPlugInsPath()), contents / "PlugIns");
-    EXPECT_EQ(text(bundle->infoDictionary()->objectForKey(u"Colour"_ns)), "red");
-    EXPECT_EQ(text(bundle->objectForInfoDictionaryKey(u"Colour"_ns)), "crimson");
-    EXPECT_EQ(text(bundle->objectForInfoDictionaryKey(u"CFBundleIdentifier"_ns)), "test.info");
-    EXPECT_EQ(bundle->objectForInfoDictionaryKey(u"Shape"_ns), nullptr);
-
+    EXPECT_EQ(
+        names(NSArray::of({bundle->executablePath(), bundle->resourcePath(), bundle->builtInPlugInsPath()}),
+              contents),
+        "Linux/A.so, Resources, PlugIns");
+    EXPECT_EQ(shown(bundle->bundleIdentifier(), bundle->infoDictionary()->objectForKey(u"Colour"_ns)),
+              "test.info red");
+    auto information = [&](NSString* key) { return bundle->objectForInfoDictionaryKey(key); };
+    EXPECT_EQ(
+        shown(information(u"Colour"_ns), information(u"CFBundleIdentifier"_ns), information(u"Shape"_ns)),
+        "crimson test.info (null)");
     auto* bare = bundleAt(folder.makeBundle("Bare.bundle", {}));
-    EXPECT_EQ(bare->localizedInfoDictionary(), nullptr);
-    EXPECT_EQ(bare->executablePath(), nullptr);
+    EXPECT_EQ(shown(bare->localizedInfoDictionary(), bare->executablePath()), "(null) (null)");
 }
 
 TEST_F(NSBundleTest, ResourcesAreFoundByNameTypeFolderAndLanguage) {
@@ -112,40 +109,35 @@ TEST_F(NSBundleTest, ResourcesAreFoundByNameTypeFolderAndLanguage) {
         folder.write(resources / file, "");
     auto* bundle = bundleAt(bundlePath);
     LanguageScope languages("de:en");
-    struct {
-        NSString *name, *type, *subfolder;
-        const char* found;
-    } const rows[] = {
-        {u"Pages"_ns, u"plist"_ns, nullptr, "Pages.plist"},
-        {u"Pages.plist"_ns, nullptr, nullptr, "Pages.plist"},
-        {u"Pages.plist"_ns, u""_ns, u""_ns, "Pages.plist"},
-        {u"Pages"_ns, u".plist"_ns, nullptr, "Pages.plist"},
-        {u"d"_ns, u"png"_ns, nullptr, "de.lproj/d.png"},
-        {u"e"_ns, u"png"_ns, u"Sub"_ns, "en.lproj/Sub/e.png"},
-        {u"a"_ns, u"tar.gz"_ns, u"Sub"_ns, "Sub/a.tar.gz"},
-        {nullptr, u"png"_ns, nullptr, "a.png"},
-        {u"f"_ns, u"png"_ns, nullptr, nullptr},
-        {u"/etc/passwd"_ns, nullptr, nullptr, nullptr},
-        {nullptr, nullptr, nullptr, nullptr},
+    auto found = [&](NSString* name, NSString* type, NSString* subfolder = nullptr) {
+        NSString* path = bundle->pathForResource_ofType_inDirectory(name, type, subfolder);
+        return path ? names(NSArray::of({path}), resources) : "none";
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(text(bundle->pathForResource_ofType_inDirectory(row.name, row.type, row.subfolder)),
-                  row.found ? (resources / row.found).string() : "(none)");
-    EXPECT_EQ(text(bundle->pathForResource_ofType_inDirectory_forLocalization(u"f"_ns, u"png"_ns, nullptr,
-                                                                              u"fr"_ns)),
-              resources / "fr.lproj/f.png");
-    EXPECT_THAT(names(bundle->pathsForResourcesOfType_inDirectory(u"png"_ns, nullptr), resources),
-                ElementsAre("a.png", "b.png", "de.lproj/d.png"));
-    EXPECT_THAT(names(bundle->pathsForResourcesOfType_inDirectory(nullptr, u"Sub"_ns), resources),
-                ElementsAre("Sub/a.tar.gz", "Sub/c.png", "en.lproj/Sub/e.png"));
+    EXPECT_EQ(found(u"Pages"_ns, u"plist"_ns), "Pages.plist");
+    EXPECT_EQ(found(u"Pages.plist"_ns, nullptr), "Pages.plist");
+    EXPECT_EQ(found(u"Pages.plist"_ns, u""_ns, u""_ns), "Pages.plist");
+    EXPECT_EQ(found(u"Pages"_ns, u".plist"_ns), "Pages.plist");
+    EXPECT_EQ(found(u"d"_ns, u"png"_ns), "de.lproj/d.png");
+    EXPECT_EQ(found(u"e"_ns, u"png"_ns, u"Sub"_ns), "en.lproj/Sub/e.png");
+    EXPECT_EQ(found(u"a"_ns, u"tar.gz"_ns, u"Sub"_ns), "Sub/a.tar.gz");
+    EXPECT_EQ(found(nullptr, u"png"_ns), "a.png");
+    EXPECT_EQ(joined({found(u"f"_ns, u"png"_ns), found(u"/etc/passwd"_ns, nullptr), found(nullptr, nullptr)}),
+              "none, none, none");
+    NSString* french =
+        bundle->pathForResource_ofType_inDirectory_forLocalization(u"f"_ns, u"png"_ns, nullptr, u"fr"_ns);
+    EXPECT_EQ(shown(french), resources / "fr.lproj/f.png");
+    EXPECT_EQ(names(bundle->pathsForResourcesOfType_inDirectory(u"png"_ns, nullptr), resources),
+              "a.png, b.png, de.lproj/d.png");
+    EXPECT_EQ(names(bundle->pathsForResourcesOfType_inDirectory(nullptr, u"Sub"_ns), resources),
+              "Sub/a.tar.gz, Sub/c.png, en.lproj/Sub/e.png");
 }
 
 TEST_F(NSBundleTest, AFolderWithoutContentsIsABundleAsWell) {
     folder.write("Flat/Info.plist", "{ CFBundleIdentifier = flat; }");
     folder.write("Flat/picture.png", "");
     auto* bundle = bundleAt(folder.path() / "Flat");
-    EXPECT_EQ(text(bundle->bundleIdentifier()), "flat");
-    EXPECT_EQ(text(bundle->pathForResource_ofType(u"picture"_ns, u"png"_ns)),
+    EXPECT_EQ(shown(bundle->bundleIdentifier()), "flat");
+    EXPECT_EQ(shown(bundle->pathForResource_ofType(u"picture"_ns, u"png"_ns)),
               folder.path() / "Flat/picture.png");
 }
 
@@ -166,8 +158,7 @@ class Frame : public NSObject {
     PELVOR_CLASS(Frame, NSObject);
 };
 PELVOR_DEFINE_CLASS(Frame, frameworkLibrary) {}
-constexpr Class* kFrameworkClasses[] = {&Frame::classRecord};
-constinit Library frameworkLibrary{"FrameworkTest", {}, kFrameworkClasses, {}};
+constinit Library frameworkLibrary{"FrameworkTest", {}, kClassesOf<Frame>, {}};
 
 TEST_F(NSBundleTest, ClassesOfAFrameworksLibraryAreTheFrameworks) {
     registerLibrary(frameworkLibrary);
@@ -198,11 +189,7 @@ TEST_F(NSBundleTest, AHostInABundleSeesItselfAndItsFrameworks) {
 
 // MARK: Set-up
 
-// In a process of their own, where bundles have not been set up.
-class NSBundleDeathTest : public ::testing::Test {
-  protected:
-    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
-};
+// Each in a process of its own, where bundles have not been set up.
 
 int resolvings = 0;
 NSString* leaveAsItIs(NSPathStore2* path) {
@@ -210,7 +197,7 @@ NSString* leaveAsItIs(NSPathStore2* path) {
     return path;
 }
 
-TEST_F(NSBundleDeathTest, SetUpResolvesPathsByTheMethodOfTheMoment) {
+TEST(NSBundleDeathTest, SetUpResolvesPathsByTheMethodOfTheMoment) {
     auto setUp = [] {
         registerLibrary(*NSBundle::classObject()->library());
         SEL selector = "stringByResolvingSymlinksInPath"_sel;
@@ -223,12 +210,13 @@ TEST_F(NSBundleDeathTest, SetUpResolvesPathsByTheMethodOfTheMoment) {
         send(NSBundle::classObject(), "initialize"_sel);  // does nothing more
         std::exit(before > 0 && resolvings == before && NSBundle::mainBundle() ? 0 : 1);
     };
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(setUp(), ::testing::ExitedWithCode(0), "");
 }
 
 void touchedTooEarly(Class*) { std::exit(3); }
 
-TEST_F(NSBundleDeathTest, EveryUseOfBundlesProvokesTheirSetUp) {
+TEST(NSBundleDeathTest, EveryUseOfBundlesProvokesTheirSetUp) {
     NSBundle* (*const uses[])() = {
         [] { return NSBundle::mainBundle(); },
         [] { return NSBundle::bundleWithPath(u"/tmp"_ns); },
@@ -245,8 +233,8 @@ TEST_F(NSBundleDeathTest, EveryUseOfBundlesProvokesTheirSetUp) {
         use();
         std::exit(0);
     };
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
     for (auto use : uses) EXPECT_EXIT(provoke(use), ::testing::ExitedWithCode(3), "");
 }
 
 }  // namespace
-}  // namespace pelvor::testing

@@ -1,19 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of character sets.
 #include "Foundation/NSCharacterSet.h"
+#include "Platform/Foundation/OwnCollections.h"
 
-#include "FoundationTestSupport.h"
-#include "Prelude.h"
-
-namespace pelvor {
 namespace {
 
 TEST(NSCharacterSetTest, NamedSetsHaveTheirMembersAndNotTheirNeighbours) {
-    struct {
-        NSCharacterSet* set;
-        std::u32string members;
-        std::u32string others;
-    } cases[] = {
+    const std::tuple<NSCharacterSet*, std::u32string_view, std::u32string_view> rows[] = {
         {NSCharacterSet::letterCharacterSet(), U"aZéß中\u0301ʰ𐐀", U"1 -_€😀"},
         {NSCharacterSet::decimalDigitCharacterSet(), U"09٣𝟘", U"a½Ⅳ²"},
         {NSCharacterSet::alphanumericCharacterSet(), U"a9Ⅳ½\u0301", U"-_ €"},
@@ -25,16 +18,15 @@ TEST(NSCharacterSetTest, NamedSetsHaveTheirMembersAndNotTheirNeighbours) {
         {NSCharacterSet::capitalizedLetterCharacterSet(), U"ǅᾈ", U"Aa"},
         {NSCharacterSet::punctuationCharacterSet(), U"!-_«»’", U"$+<a"},
         {NSCharacterSet::symbolCharacterSet(), U"$+<€😀", U"!a1"},
-        {NSCharacterSet::controlCharacterSet(), std::u32string(U"\0\u001F\u007F\u200D", 4), U" a"},
+        {NSCharacterSet::controlCharacterSet(), std::u32string_view(U"\0\u001F\u007F\u200D", 4), U" a"},
         {NSCharacterSet::nonBaseCharacterSet(), U"\u0301\u0903", U"a"},
         {NSCharacterSet::decomposableCharacterSet(), U"éÅ가", U"eﬁ"},
         {NSCharacterSet::illegalCharacterSet(), U"\uFFFF\u0378\U0010FFFF", U"a\uFFFD\uE000"},
     };
-    for (auto& c : cases) {
-        for (char32_t member : c.members)
-            EXPECT_TRUE(c.set->longCharacterIsMember(member)) << &c - cases << " " << std::hex << +member;
-        for (char32_t other : c.others)
-            EXPECT_FALSE(c.set->longCharacterIsMember(other)) << &c - cases << " " << std::hex << +other;
+    for (auto [set, members, others] : rows) {
+        SCOPED_TRACE(shown(set));
+        for (char32_t member : members) EXPECT_TRUE(set->longCharacterIsMember(member)) << +member;
+        for (char32_t other : others) EXPECT_FALSE(set->longCharacterIsMember(other)) << +other;
     }
 }
 
@@ -54,10 +46,10 @@ TEST(NSCharacterSetTest, RangesReachOverByteAndPlaneBounds) {
         EXPECT_TRUE(set->longCharacterIsMember(range.location));
         EXPECT_TRUE(set->longCharacterIsMember(NSMaxRange(range) - 1));
     }
-    EXPECT_EQ(NSCharacterSet::characterSetWithRange({5, 0})->description()->hasSuffix(u"(0 members)"_ns),
-              true);
-    expectRaises(NSInvalidArgumentException, [] { NSCharacterSet::characterSetWithRange({0x10FFFF, 2}); });
-    expectRaises(NSInvalidArgumentException, [] { NSCharacterSet::characterSetWithRange({2, 0xFFFFFFFF}); });
+    EXPECT_THAT(shown(NSCharacterSet::characterSetWithRange({5, 0})), HasSubstr("(0 members)"));
+    expectRaised(NSInvalidArgumentException,
+                 {RAISED(NSCharacterSet::characterSetWithRange({0x10FFFF, 2})),
+                  RAISED(NSCharacterSet::characterSetWithRange({2, 0xFFFFFFFF}))});
 }
 
 TEST(NSCharacterSetTest, CharactersOfAStringArePairsAndLoneHalves) {
@@ -75,14 +67,12 @@ TEST(NSCharacterSetTest, SetsThatChangeLeaveTheirCopiesAlone) {
     auto before = set->copy();
     set->removeCharactersInRange({u'a', 26});
     set->addCharactersInString(u"1"_ns);
-    EXPECT_FALSE(set->characterIsMember(u'q'));
-    EXPECT_TRUE(set->characterIsMember(u'1'));
+    EXPECT_TRUE(!set->characterIsMember(u'q') && set->characterIsMember(u'1'));
     EXPECT_TRUE(before->isEqual(NSCharacterSet::letterCharacterSet()));
     EXPECT_TRUE(NSCharacterSet::letterCharacterSet()->characterIsMember(u'q'));
     set->removeCharactersInString(u"1"_ns);
     set->addCharactersInRange({u'a', 26});
-    EXPECT_TRUE(set->isEqual(before.get()));
-    EXPECT_EQ(set->hash(), before->hash());
+    EXPECT_TRUE(set->isEqual(before.get()) && set->hash() == before->hash());
 }
 
 TEST(NSCharacterSetTest, UnionIntersectionAndInverse) {
@@ -101,16 +91,15 @@ TEST(NSCharacterSetTest, UnionIntersectionAndInverse) {
     EXPECT_FALSE(set->isSupersetOfSet(NSCharacterSet::alphanumericCharacterSet()));
     set->invert();
     EXPECT_TRUE(set->isEqual(inverse));
-    expectRaises(NSInvalidArgumentException, [&] { set->formUnionWithCharacterSet(nullptr); });
+    expectRaised(NSInvalidArgumentException, {RAISED(set->formUnionWithCharacterSet(nullptr))});
 }
 
 TEST(NSCharacterSetTest, BitmapsHoldTheMembersBitByBit) {
     NSCharacterSet* set = NSCharacterSet::characterSetWithCharactersInString(u"\u0000\u0007\u0008\uFFFF"_ns);
     NSData* data = set->bitmapRepresentation();
     ASSERT_EQ(data->length(), 8192u);
-    EXPECT_EQ(data->span()[0], std::byte{0x81});
-    EXPECT_EQ(data->span()[1], std::byte{0x01});
-    EXPECT_EQ(data->span()[8191], std::byte{0x80});
+    for (auto [at, bits] : {std::pair{0u, 0x81}, {1u, 0x01}, {8191u, 0x80}})
+        EXPECT_EQ(data->span()[at], std::byte(bits));
     EXPECT_EQ(std::memcmp(data->bytes(), set->basicPlaneBitmap(), 8192), 0);
     EXPECT_TRUE(NSCharacterSet::characterSetWithBitmapRepresentation(data)->isEqual(set));
 }
@@ -129,9 +118,8 @@ TEST(NSCharacterSetTest, BitmapsOfHigherPlanesFollowWithTheirNumbers) {
     std::vector<std::byte> badPlane(8192 + 1 + 8192, std::byte{0xFF});
     EXPECT_FALSE(
         NSCharacterSet::characterSetWithBitmapRepresentation(NSData::of(badPlane))->hasMemberInPlane(1));
-    expectRaises(NSInvalidArgumentException,
-                 [] { NSCharacterSet::characterSetWithBitmapRepresentation(nullptr); });
+    expectRaised(NSInvalidArgumentException,
+                 {RAISED(NSCharacterSet::characterSetWithBitmapRepresentation(nullptr))});
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -2,22 +2,10 @@
 // Tests of data, and of reading and writing files with them.
 #include "Foundation/NSData.h"
 
-#include <gmock/gmock.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-
+#include "BundleTestSupport.h"
 #include "Foundation/NSMutableData.h"
-#include "Platform/Foundation/Pebble.h"
-#include "Runtime/Message.h"
 
-namespace pelvor {
 namespace {
-
-using testing::reasonOf;
-namespace fs = std::filesystem;
 
 NSData* bytes(std::string_view text) {
     return NSData::dataWithBytes_length(text.data(), static_cast<NSUInteger>(text.size()));
@@ -25,11 +13,7 @@ NSData* bytes(std::string_view text) {
 
 std::string text(NSData* data) { return {static_cast<const char*>(data->bytes()), data->length()}; }
 
-class NSDataTest : public ::testing::Test {
-    AutoreleasePool _pool;
-};
-
-TEST_F(NSDataTest, HoldsACopyOfTheBytes) {
+TEST(NSDataTest, HoldsACopyOfTheBytes) {
     char buffer[] = "abcdef";
     NSData* data = NSData::dataWithBytes_length(buffer, 6);
     buffer[0] = 'X';
@@ -39,28 +23,21 @@ TEST_F(NSDataTest, HoldsACopyOfTheBytes) {
     EXPECT_STREQ(buffer, "efcdef");
     data->getBytes_length(buffer, 99);
     EXPECT_STREQ(buffer, "abcdef");
-    EXPECT_EQ(reasonOf(NSRangeException,
-                       [&] {
-                           data->subdataWithRange({5, 2});
-                       }),
-              "range {5, 2} beyond bounds (6)");
+    EXPECT_EQ(RAISED(data->subdataWithRange({5, 2})), "NSRangeException: range {5, 2} beyond bounds (6)");
     EXPECT_EQ(data->copy().get(), data);
     EXPECT_THROW(NSData::dataWithBytes_length(nullptr, 1), NSException);
 }
 
-TEST_F(NSDataTest, TakesMemoryOverOrBorrowsIt) {
+TEST(NSDataTest, TakesMemoryOverOrBorrowsIt) {
     void* memory = std::malloc(3);
     std::memcpy(memory, "abc", 3);
     NSData* data = NSData::dataWithBytesNoCopy_length(memory, 3);
-    EXPECT_EQ(data->bytes(), memory);
-    EXPECT_EQ(data->copy(), data);
-    EXPECT_EQ(NSData::dataWithData(data), data);
+    EXPECT_TRUE(data->bytes() == memory && data->copy() == data && NSData::dataWithData(data) == data);
     char buffer[] = "xyz";
     NSData* borrowed = NSData::dataWithBytesNoCopy_length_freeWhenDone(buffer, 3, false);
     auto copy = borrowed->copy();
     buffer[0] = 'X';
-    EXPECT_EQ(text(borrowed), "Xyz");
-    EXPECT_EQ(text(copy), "xyz");
+    EXPECT_EQ(text(borrowed) + text(copy), "Xyzxyz");
     EXPECT_THROW(NSData::dataWithBytesNoCopy_length(nullptr, 1), NSException);
     id own = send<id>(NSMutableData::classObject(), "dataWithBytesNoCopy:length:freeWhenDone:"_sel,
                       static_cast<void*>(buffer), 3, false);
@@ -69,18 +46,16 @@ TEST_F(NSDataTest, TakesMemoryOverOrBorrowsIt) {
     EXPECT_EQ(text(cast<NSData>(own)), "Xyz!");
 }
 
-TEST_F(NSDataTest, ComparesAndDescribes) {
-    EXPECT_TRUE(bytes("ab")->isEqual(NSMutableData::dataWithData(bytes("ab"))));
-    EXPECT_EQ(bytes("ab")->hash(), NSMutableData::dataWithData(bytes("ab"))->hash());
-    EXPECT_FALSE(bytes("ab")->isEqual(bytes("ac")));
-    EXPECT_FALSE(bytes("ab")->isEqual(bytes("abc")));
-    EXPECT_FALSE(bytes("ab")->isEqual(u"ab"_ns));
+TEST(NSDataTest, ComparesAndDescribes) {
+    NSData *data = bytes("ab"), *same = NSMutableData::dataWithData(data);
+    EXPECT_TRUE(data->isEqual(same) && data->hash() == same->hash());
+    for (id other : {id(bytes("ac")), id(bytes("abc")), id(u"ab"_ns)})
+        EXPECT_FALSE(data->isEqual(other)) << other;
     EXPECT_TRUE(NSData::data()->isEqualToData(NSMutableData::data()));
-    EXPECT_EQ(bytes("\x01\x02\xaa\xff\x10")->description()->toUTF8(), "<0102aaff 10>");
-    EXPECT_EQ(NSData::data()->description()->toUTF8(), "<>");
+    EXPECT_EQ(shown(bytes("\x01\x02\xaa\xff\x10"), NSData::data()), "<0102aaff 10> <>");
 }
 
-TEST_F(NSDataTest, Changes) {
+TEST(NSDataTest, Changes) {
     NSMutableData* data = NSMutableData::dataWithData(bytes("abc"));
     data->appendBytes_length("de", 2);
     data->appendData(data);
@@ -99,68 +74,56 @@ TEST_F(NSDataTest, Changes) {
     auto copy = data->copy();
     data->setData(bytes("z"));
     EXPECT_EQ(copy->length(), 3u);
-    for (auto& action : std::initializer_list<std::function<void()>>{
-             [&] {
-                 data->replaceBytesInRange_withBytes({2, 1}, "x");
-             },
-             [&] {
-                 data->replaceBytesInRange_withBytes_length({0, 2}, "x", 1);
-             },
-             [&] {
-                 data->resetBytesInRange({1, 1});
-             }})
-        EXPECT_THAT(reasonOf(NSRangeException, action), ::testing::EndsWith("beyond bounds (1)"));
+    for (const std::string& raised : {RAISED(data->replaceBytesInRange_withBytes({2, 1}, "x")),
+                                      RAISED(data->replaceBytesInRange_withBytes_length({0, 2}, "x", 1)),
+                                      RAISED(data->resetBytesInRange({1, 1}))})
+        EXPECT_THAT(raised, AllOf(StartsWith(NSRangeException), EndsWith("beyond bounds (1)")));
     EXPECT_THROW(data->increaseLengthBy(0xFFFFFFFF), NSException);
     EXPECT_EQ(text(data), "z");
     EXPECT_EQ(send<int>(send<id>(NSMutableData::classObject(), "dataWithLength:"_sel, 7), "length"_sel), 7);
 }
 
-class NSDataFileTest : public NSDataTest {
+class NSDataFileTest : public ::testing::Test {
   protected:
-    NSDataFileTest() : folder(fs::temp_directory_path() / ("pelvor-data-" + std::to_string(::getpid()))) {
-        fs::create_directory(folder);
+    NSString* path(const char* name) { return stringOf(folder.path() / name); }
+    mode_t rights(const char* name) {
+        return static_cast<mode_t>(fs::status(folder.path() / name).permissions());
     }
-    ~NSDataFileTest() { fs::remove_all(folder); }
-    NSString* path(const char* name) { return NSString::ofUTF8((folder / name).string()); }
-    static mode_t rights(const fs::path& file) {
-        struct stat status {};
-        ::stat(file.c_str(), &status);
-        return status.st_mode & 0777;
+    long filesInFolder() {
+        return std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator());
     }
-    long filesInFolder() { return std::distance(fs::directory_iterator(folder), fs::directory_iterator()); }
 
-    fs::path folder;
+    BundleFolder folder;
 };
 
 TEST_F(NSDataFileTest, WritesAndReadsFiles) {
     for (bool isAtomic : {false, true}) {
         EXPECT_TRUE(bytes("first, and longer")->writeToFile_atomically(path("file"), isAtomic));
         EXPECT_TRUE(bytes("second")->writeToFile_atomically(path("file"), isAtomic));
-        EXPECT_EQ(text(NSData::dataWithContentsOfFile(path("file"))), "second");
-        EXPECT_EQ(text(NSMutableData::dataWithContentsOfFile(path("file"))), "second");
+        for (NSData* read : {NSData::dataWithContentsOfFile(path("file")),
+                             static_cast<NSData*>(NSMutableData::dataWithContentsOfFile(path("file")))})
+            EXPECT_EQ(text(read), "second");
         EXPECT_FALSE(bytes("x")->writeToFile_atomically(path("no folder/file"), isAtomic));
         EXPECT_FALSE(bytes("x")->writeToFile_atomically(nullptr, isAtomic));
         EXPECT_EQ(filesInFolder(), 1);
     }
     EXPECT_TRUE(NSData::data()->writeToFile_atomically(path("file"), true));
     EXPECT_EQ(NSData::dataWithContentsOfFile(path("file"))->length(), 0u);
-    EXPECT_EQ(NSData::dataWithContentsOfFile(path("absent")), nullptr);
-    EXPECT_EQ(NSData::dataWithContentsOfFile(path(".")), nullptr);
-    EXPECT_EQ(NSData::dataWithContentsOfFile(nullptr), nullptr);
+    for (NSString* none : {path("absent"), path("."), static_cast<NSString*>(nullptr)})
+        EXPECT_EQ(NSData::dataWithContentsOfFile(none), nullptr) << none;
     EXPECT_GT(NSData::dataWithContentsOfFile(u"/proc/self/status"_ns)->length(), 0u);
 }
 
 TEST_F(NSDataFileTest, AnAtomicWriteKeepsRightsAndLinks) {
     ASSERT_TRUE(bytes("old")->writeToFile_atomically(path("file"), true));
-    EXPECT_EQ(rights(folder / "file") & 0600, 0600u);
-    fs::permissions(folder / "file", fs::perms(0640));
-    fs::create_symlink("file", folder / "link");
+    EXPECT_EQ(rights("file") & 0600, 0600u);
+    fs::permissions(folder.path() / "file", fs::perms(0640));
+    fs::create_symlink("file", folder.path() / "link");
     EXPECT_TRUE(bytes("new")->writeToFile_atomically(path("link"), true));
-    EXPECT_TRUE(fs::is_symlink(folder / "link"));
+    EXPECT_TRUE(fs::is_symlink(folder.path() / "link"));
     EXPECT_EQ(text(NSData::dataWithContentsOfFile(path("file"))), "new");
-    EXPECT_EQ(rights(folder / "file"), 0640u);
+    EXPECT_EQ(rights("file"), 0640u);
     EXPECT_EQ(filesInFolder(), 2);
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -2,10 +2,8 @@
 // Tests of dates.
 #include "Foundation/NSDate.h"
 
-#include "Platform/Foundation/Pebble.h"
 #include "Prelude.h"
 
-namespace pelvor {
 namespace {
 
 NSDate* at(NSTimeInterval seconds) { return NSDate::dateWithTimeIntervalSinceReferenceDate(seconds); }
@@ -22,19 +20,16 @@ TEST(NSDate, DescribesTheMomentInUTC) {
         {at(1e300), "(a date out of the calendar)"},
         {at(NAN), "(a date out of the calendar)"},
     };
-    for (auto [date, text] : rows) EXPECT_EQ(date->description()->toUTF8(), text);
+    for (auto [date, text] : rows) EXPECT_EQ(shown(date), text);
 }
 
 TEST(NSDate, ComparesAndCounts) {
     NSDate *early = at(10), *late = at(20.5);
-    EXPECT_EQ(early->compare(late), NSOrderedAscending);
-    EXPECT_EQ(late->compare(early), NSOrderedDescending);
-    EXPECT_EQ(early->compare(at(10)), NSOrderedSame);
-    EXPECT_EQ(late->earlierDate(early), early);
-    EXPECT_EQ(early->laterDate(late), late);
-    EXPECT_EQ(early->earlierDate(at(10)), early);
-    EXPECT_EQ(late->timeIntervalSinceDate(early), 10.5);
-    EXPECT_EQ(early->timeIntervalSince1970(), 978307210.0);
+    EXPECT_EQ(shown(early->compare(late), late->compare(early), early->compare(at(10))), "-1 1 0");
+    EXPECT_TRUE(late->earlierDate(early) == early && early->laterDate(late) == late &&
+                early->earlierDate(at(10)) == early);
+    EXPECT_EQ(shown(late->timeIntervalSinceDate(early), early->timeIntervalSince1970() - 978307200),
+              "10.5 10");
     NSDate* same = early->addTimeInterval(10.5);
     EXPECT_TRUE(same->isEqual(late) && same->hash() == late->hash());
     EXPECT_FALSE(early->isEqual(late) || early->isEqual(u"10"_ns));
@@ -52,4 +47,3 @@ TEST(NSDate, NowLiesBetweenTwoReadings) {
 }
 
 }  // namespace
-}  // namespace pelvor

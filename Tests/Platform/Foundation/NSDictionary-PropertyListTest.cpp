@@ -5,12 +5,11 @@
 #include "Foundation/NSArray-PropertyList.h"
 #include "Platform/Foundation/BundleTestSupport.h"
 #include "Platform/Foundation/PropertyListSamples.h"
-#include "Prelude.h"
 
-namespace pelvor::testing {
 namespace {
 
-using namespace propertylists;
+using Dictionaries = NSDictionary_PropertyList;
+using Arrays = NSArray_PropertyList;
 
 class PropertyListFiles : public ::testing::Test {
   protected:
@@ -23,23 +22,21 @@ class PropertyListFiles : public ::testing::Test {
 };
 
 TEST_F(PropertyListFiles, AreReadInEveryFormat) {
-    id list = NSDictionary::of({{u"a"_ns, u"b"_ns}});
-    for (const std::string& content :
-         {written(list), written(list, NSPropertyListBinaryFormat_v1_0), std::string("a = b;")})
-        EXPECT_TRUE(
-            list->isEqual(NSDictionary_PropertyList::dictionaryWithContentsOfFile(file("x", content))));
-    EXPECT_EQ(NSArray_PropertyList::arrayWithContentsOfFile(file("x", "(a)"))->count(), 1u);
+    id list = listOf("{a = b;}");
+    for (const std::string& content : {written(list), written(list, kBinary), std::string("a = b;")})
+        EXPECT_TRUE(list->isEqual(Dictionaries::dictionaryWithContentsOfFile(file("x", content))));
+    EXPECT_EQ(Arrays::arrayWithContentsOfFile(file("x", "(a)"))->count(), 1u);
 }
 
 TEST_F(PropertyListFiles, ThatAreMissingDamagedOrOfAnotherKindGiveNone) {
     for (NSString* name :
          {path("none"), path(""), file("damaged", "{ a = "), file("empty", ""), file("other", "text")}) {
-        EXPECT_FALSE(NSDictionary_PropertyList::dictionaryWithContentsOfFile(name)) << name;
-        EXPECT_FALSE(NSArray_PropertyList::arrayWithContentsOfFile(name)) << name;
+        EXPECT_FALSE(Dictionaries::dictionaryWithContentsOfFile(name)) << name;
+        EXPECT_FALSE(Arrays::arrayWithContentsOfFile(name)) << name;
     }
-    EXPECT_FALSE(NSDictionary_PropertyList::initWithContentsOfFile(file("array", "(a)")));
-    EXPECT_FALSE(NSArray_PropertyList::initWithContentsOfFile(file("dictionary", "{}")));
-    EXPECT_FALSE(NSDictionary_PropertyList::initWithContentsOfFile(nullptr));
+    for (NSString* name : {file("array", "(a)"), static_cast<NSString*>(nullptr)})
+        EXPECT_FALSE(Dictionaries::initWithContentsOfFile(name)) << name;
+    EXPECT_FALSE(Arrays::initWithContentsOfFile(file("dictionary", "{}")));
 }
 
 TEST_F(PropertyListFiles, GiveMutableClassesMutableLists) {
@@ -55,13 +52,12 @@ TEST_F(PropertyListFiles, GiveMutableClassesMutableLists) {
 TEST_F(PropertyListFiles, AreWrittenAsAWholeOrNotAtAll) {
     NSDictionary* list = richList();
     EXPECT_TRUE(writeToFile_atomically(list, path("list"), true));
-    EXPECT_TRUE(list->isEqual(NSDictionary_PropertyList::dictionaryWithContentsOfFile(path("list"))));
+    EXPECT_TRUE(list->isEqual(Dictionaries::dictionaryWithContentsOfFile(path("list"))));
     EXPECT_FALSE(writeToFile_atomically(NSDictionary::of({{u"a"_ns, NSNull::null()}}), path("list"), true));
-    EXPECT_TRUE(list->isEqual(NSDictionary_PropertyList::dictionaryWithContentsOfFile(path("list"))));
+    EXPECT_TRUE(list->isEqual(Dictionaries::dictionaryWithContentsOfFile(path("list"))));
     EXPECT_FALSE(writeToFile_atomically(list, path("no/list"), true));
     EXPECT_TRUE(send<bool>(NSArray::of({u"a"_ns}), "writeToFile:atomically:"_sel, path("list"), false));
-    EXPECT_TRUE(NSArray_PropertyList::arrayWithContentsOfFile(path("list")));
+    EXPECT_TRUE(Arrays::arrayWithContentsOfFile(path("list")));
 }
 
 }  // namespace
-}  // namespace pelvor::testing

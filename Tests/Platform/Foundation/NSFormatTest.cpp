@@ -4,7 +4,6 @@
 
 #include "Prelude.h"
 
-namespace pelvor {
 namespace {
 
 struct Case {
@@ -125,4 +124,3 @@ TEST(NSFormat, RaisingNamesTheExceptionAndFormatsItsReason) {
 }
 
 }  // namespace
-}  // namespace pelvor

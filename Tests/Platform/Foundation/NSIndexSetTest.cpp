@@ -6,7 +6,6 @@
 
 #include "Prelude.h"
 
-namespace pelvor {
 namespace {
 
 constexpr NSUInteger kSize = 90;
@@ -56,8 +55,7 @@ TEST(NSIndexSet, IsChangedAndAskedAsASetOfBits) {
 TEST(NSIndexSet, ReachesToTheLastIndex) {
     auto set = NSMutableIndexSet::init();
     set->addIndexesInRange({0, NSNotFound});
-    EXPECT_EQ(set->count(), NSNotFound);
-    EXPECT_EQ(set->lastIndex(), NSNotFound - 1);
+    EXPECT_TRUE(set->count() == NSNotFound && set->lastIndex() == NSNotFound - 1);
     EXPECT_EQ(set->indexGreaterThanIndex(NSNotFound - 1), NSNotFound);
     EXPECT_FALSE(set->containsIndexesInRange({NSNotFound - 1, 0xFFFFFFFF}));
     EXPECT_EQ(set->indexLessThanIndex(0xFFFFFFFF), NSNotFound - 1);
@@ -77,7 +75,7 @@ TEST(NSIndexSet, IsCopiedComparedAndDescribed) {
     EXPECT_TRUE(copy->isEqual(set) && copy->hash() == set->hash());
     EXPECT_TRUE(copy->containsIndexes(NSIndexSet::indexSetWithIndex(7)));
     EXPECT_FALSE(NSIndexSet::indexSetWithIndex(7)->containsIndexes(copy));
-    EXPECT_THAT(copy->description()->toUTF8(), EndsWith(">(2-5 7)"));
+    EXPECT_THAT(shown(copy), EndsWith(">(2-5 7)"));
     set->removeIndexes(copy->mutableCopy().get());
     EXPECT_EQ(set->firstIndex(), NSNotFound);
     EXPECT_FALSE(copy->isEqual(set));
@@ -88,4 +86,3 @@ TEST(NSIndexSet, IsCopiedComparedAndDescribed) {
 }
 
 }  // namespace
-}  // namespace pelvor

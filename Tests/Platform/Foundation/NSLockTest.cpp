@@ -5,7 +5,6 @@
 #include "Foundation/NSRecursiveLock.h"
 #include "Prelude.h"
 
-namespace pelvor::testing {
 namespace {
 
 std::vector<Retained<NSObject>> locksOfAllKinds() {
@@ -91,4 +90,3 @@ TEST(NSLockTest, ALockUnderAnotherConditionIsNotTaken) {
 }
 
 }  // namespace
-}  // namespace pelvor::testing

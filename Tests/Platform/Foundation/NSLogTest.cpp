@@ -3,12 +3,10 @@
 
 #include <unistd.h>
 #include <regex>
-#include <sstream>
 
 #include "Foundation/NSProcessInfo.h"
 #include "Prelude.h"
 
-namespace pelvor::testing {
 namespace {
 
 TEST(NSLogTest, ALineHasTimeProgramProcessAndText) {
@@ -63,4 +61,3 @@ TEST(NSLogTest, LinesOfManyThreadsStayWhole) {
 }
 
 }  // namespace
-}  // namespace pelvor::testing

@@ -3,13 +3,8 @@
 #include "Foundation/NSMutableArray.h"
 
 #include "Platform/Foundation/OwnCollections.h"
-#include "Platform/Foundation/Pebble.h"
-#include "Prelude.h"
 
-namespace pelvor {
 namespace {
-
-using namespace testing;
 
 // Each test runs with the array of the platform and with one over only the primitives.
 class NSMutableArrayTest : public ::testing::TestWithParam<bool> {
@@ -57,8 +52,8 @@ TEST_P(NSMutableArrayTest, Removes) {
     array->removeObjectsInRange({1, 2});
     array->removeObjectIdenticalTo(num(4));
     EXPECT_EQ(array->count(), 0u);
-    EXPECT_EQ(reasonOf(NSRangeException, [] { NSMutableArray::array()->removeLastObject(); }),
-              "index (0) beyond bounds (0)");
+    EXPECT_EQ(RAISED(NSMutableArray::array()->removeLastObject()),
+              "NSRangeException: index (0) beyond bounds (0)");
 }
 
 TEST_P(NSMutableArrayTest, Sorts) {
@@ -71,20 +66,19 @@ TEST_P(NSMutableArrayTest, Sorts) {
 }
 
 TEST(NSMutableArray, RaisesAndChangesNothing) {
-    using Call = std::function<void()>;
     NSMutableArray* array = NSMutableArray::of({num(1), num(2)});
     const NSRange outside{1, 2};
-    for (const Call& call :
-         {Call([&] { array->addObject(nullptr); }), Call([&] { array->insertObject_atIndex(nullptr, 0); }),
-          Call([&] { array->replaceObjectAtIndex_withObject(0, nullptr); })})
-        EXPECT_THAT(reasonOf(NSInvalidArgumentException, call), StartsWith("no object was given"));
-    for (const Call& call :
-         {Call([&] { array->insertObject_atIndex(num(1), 3); }), Call([&] { array->removeObjectAtIndex(2); }),
-          Call([&] { array->replaceObjectAtIndex_withObject(2, num(1)); }),
-          Call([&] { array->removeObjectsInRange(outside); }),
-          Call([&] { array->replaceObjectsInRange_withObjectsFromArray(outside, nullptr); }),
-          Call([&] { array->exchangeObjectAtIndex_withObjectAtIndex(0, 2); })})
-        EXPECT_THAT(reasonOf(NSRangeException, call), EndsWith(" beyond bounds (2)"));
+    for (const std::string& raised :
+         {RAISED(array->addObject(nullptr)), RAISED(array->insertObject_atIndex(nullptr, 0)),
+          RAISED(array->replaceObjectAtIndex_withObject(0, nullptr))})
+        EXPECT_THAT(raised, StartsWith("NSInvalidArgumentException: no object was given"));
+    for (const std::string& raised :
+         {RAISED(array->insertObject_atIndex(num(1), 3)), RAISED(array->removeObjectAtIndex(2)),
+          RAISED(array->replaceObjectAtIndex_withObject(2, num(1))),
+          RAISED(array->removeObjectsInRange(outside)),
+          RAISED(array->replaceObjectsInRange_withObjectsFromArray(outside, nullptr)),
+          RAISED(array->exchangeObjectAtIndex_withObjectAtIndex(0, 2))})
+        EXPECT_THAT(raised, AllOf(StartsWith(NSRangeException), EndsWith(" beyond bounds (2)")));
     EXPECT_EQ(listing(array), "1 2");
 }
 
@@ -131,9 +125,7 @@ TEST(NSMutableArray, ACapacityIsOnlyAHint) {
 }
 
 TEST(NSMutableArray, BalancesReferences) {
-    int before = Pebble::alive();
-    {
-        AutoreleasePool pool;
+    expectPebblesBalance([] {
         auto array = NSMutableArray::init();
         for (int i = 0; i < 50; ++i) array->addObject(Pebble::create(i % 10).autorelease());
         array->removeObject(Pebble::create(3).autorelease());
@@ -145,8 +137,7 @@ TEST(NSMutableArray, BalancesReferences) {
         auto copy = array->copy();
         array->removeAllObjects();
         EXPECT_EQ(copy->count(), 35u);
-    }
-    EXPECT_EQ(Pebble::alive(), before);
+    });
 }
 
 TEST(NSMutableArray, AReleaseMayUseTheArray) {
@@ -177,4 +168,3 @@ TEST(NSMutableArray, RemovingTheLastReferenceToTheObjectAskedForIsSafe) {
 }
 
 }  // namespace
-}  // namespace pelvor

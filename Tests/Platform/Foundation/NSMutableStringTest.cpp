@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of strings that change.
 #include "Foundation/NSMutableString.h"
+#include "Platform/Foundation/OwnCollections.h"
 
-#include "FoundationTestSupport.h"
-#include "Prelude.h"
-
-namespace pelvor {
 namespace {
 
 TEST(NSMutableStringTest, ReplacingInsertingAndDeleting) {
@@ -24,12 +21,12 @@ TEST(NSMutableStringTest, ReplacingInsertingAndDeleting) {
 
 TEST(NSMutableStringTest, ARangeOutsideOrNoStringChangesNothing) {
     auto string = NSMutableString::initWithString(u"abc"_ns);
-    expectRaises(NSRangeException, [&] { string->replaceCharactersInRange_withString({2, 2}, u"x"_ns); });
-    expectRaises(NSRangeException, [&] { string->deleteCharactersInRange({1, 0xFFFFFFFF}); });
-    expectRaises(NSRangeException, [&] { string->insertString_atIndex(u"x"_ns, 4); });
-    expectRaises(NSInvalidArgumentException, [&] { string->appendString(nullptr); });
-    expectRaises(NSInvalidArgumentException, [&] { string->setString(nullptr); });
-    expectRaises(NSInvalidArgumentException, [&] { string->insertString_atIndex(nullptr, 0); });
+    expectRaised(NSRangeException, {RAISED(string->replaceCharactersInRange_withString({2, 2}, u"x"_ns)),
+                                    RAISED(string->deleteCharactersInRange({1, 0xFFFFFFFF})),
+                                    RAISED(string->insertString_atIndex(u"x"_ns, 4))});
+    expectRaised(NSInvalidArgumentException,
+                 {RAISED(string->appendString(nullptr)), RAISED(string->setString(nullptr)),
+                  RAISED(string->insertString_atIndex(nullptr, 0))});
     EXPECT_EQ(string->toUTF8(), "abc");
 }
 
@@ -45,31 +42,26 @@ TEST(NSMutableStringTest, MayBeItsOwnArgument) {
 }
 
 TEST(NSMutableStringTest, ReplacingOccurrences) {
-    struct {
-        const char16_t *text, *target, *replacement;
-        NSStringCompareOptions options;
-        NSRange range;
-        NSUInteger count;
-        const char* expected;
-    } cases[] = {
-        {u"a.b.c", u".", u"--", 0, {0, 5}, 2, "a--b--c"},
-        {u"aaaaa", u"aa", u"b", 0, {0, 5}, 2, "bba"},
-        {u"aaaaa", u"aa", u"b", NSBackwardsSearch, {0, 5}, 2, "abb"},
-        {u"aaa", u"a", u"aa", 0, {1, 1}, 1, "aaaa"},
-        {u"aaa", u"a", u"b", NSAnchoredSearch, {0, 3}, 1, "baa"},
-        {u"aaa", u"a", u"b", NSAnchoredSearch | NSBackwardsSearch, {0, 3}, 1, "aab"},
-        {u"AbA", u"a", u"", NSCaseInsensitiveSearch, {0, 3}, 2, "b"},
-        {u"ée\u0301", u"é", u"e", 0, {0, 3}, 2, "ee"},
-        {u"abc", u"x", u"y", 0, {0, 3}, 0, "abc"},
-        {u"abc", u"", u"y", 0, {0, 3}, 0, "abc"},
+    auto replaced = [](NSStringCompareOptions options, NSRange range, const std::string& row) {
+        NSArray* parts = NSString::ofUTF8(row)->componentsSeparatedByString(u"/"_ns);
+        auto part = [&](NSUInteger index) { return cast<NSString>(parts->objectAtIndex(index)); };
+        auto string = NSMutableString::initWithString(part(0));
+        if (range.location == NSNotFound) range = {0, string->length()};
+        NSUInteger count =
+            string->replaceOccurrencesOfString_withString_options_range(part(1), part(2), options, range);
+        return shown(count, string);
     };
-    for (auto& c : cases) {
-        NSMutableString* string = NSMutableString::of(c.text);
-        NSUInteger count = string->replaceOccurrencesOfString_withString_options_range(
-            NSString::of(c.target), NSString::of(c.replacement), c.options, c.range);
-        EXPECT_EQ(count, c.count) << c.expected;
-        EXPECT_EQ(string->toUTF8(), c.expected);
-    }
+    auto expectReplaced = [=](NSStringCompareOptions options, std::initializer_list<std::string_view> rows) {
+        expectAll(rows, [=](const std::string& row) { return replaced(options, {NSNotFound, 0}, row); });
+    };
+    // The text, what is replaced and by what, how often, and what becomes of it.
+    expectReplaced(0, {"a.b.c/./-- -> 2 a--b--c", "aaaaa/aa/b -> 2 bba", "ée\u0301/é/e -> 2 ee",
+                       "abc/x/y -> 0 abc", "abc//y -> 0 abc"});
+    expectReplaced(NSBackwardsSearch, {"aaaaa/aa/b -> 2 abb"});
+    expectReplaced(NSAnchoredSearch, {"aaa/a/b -> 1 baa"});
+    expectReplaced(NSAnchoredSearch | NSBackwardsSearch, {"aaa/a/b -> 1 aab"});
+    expectReplaced(NSCaseInsensitiveSearch, {"AbA/a/ -> 2 b"});
+    EXPECT_EQ(replaced(0, {1, 1}, "aaa/a/aa"), "1 aaaa");
 }
 
 // A subclass of one's own has only the primitives.
@@ -96,11 +88,8 @@ TEST(NSMutableStringTest, EveryChangeStandsOnTheOnePrimitive) {
     string->insertString_atIndex(u"-"_ns, 3);
     string->deleteCharactersInRange({0, 1});
     string->replaceOccurrencesOfString_withString_options_range(u"e"_ns, u"E"_ns, 0, {0, 6});
-    EXPECT_EQ(string->toUTF8(), "bc-dEf");
-    EXPECT_EQ(string->changes, 5);
+    EXPECT_EQ(shown(string, string->copy(), string->changes), "bc-dEf bc-dEf 5");
     EXPECT_EQ(string->hash(), u"bc-dEf"_ns->hash());
-    EXPECT_EQ(string->copy()->toUTF8(), "bc-dEf");
 }
 
 }  // namespace
-}  // namespace pelvor

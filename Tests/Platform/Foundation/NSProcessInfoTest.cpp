@@ -2,22 +2,19 @@
 #include "Foundation/NSProcessInfo.h"
 
 #include <unistd.h>
-#include <filesystem>
 #include <set>
 
 #include "Foundation/NSRuntimeNames.h"
-#include "Platform/Foundation/EnvironmentScope.h"
-#include "Prelude.h"
+#include "Platform/Foundation/BundleTestSupport.h"
 
-namespace pelvor::testing {
 namespace {
 
 TEST(NSProcessInfoTest, TellsWhatTheProcessWasStartedWith) {
     auto* info = NSProcessInfo::processInfo();
     EXPECT_EQ(info->processIdentifier(), getpid());
     ASSERT_GE(info->arguments()->count(), 1u);
-    std::filesystem::path program(cast<NSString>(info->arguments()->objectAtIndex(0))->toUTF8());
-    EXPECT_EQ(program.filename(), info->processName()->toUTF8());
+    std::filesystem::path program(shown(info->arguments()->objectAtIndex(0)));
+    EXPECT_EQ(program.filename(), shown(info->processName()));
 }
 
 TEST(NSProcessInfoTest, TheEnvironmentIsThatOfTheMoment) {
@@ -30,22 +27,20 @@ TEST(NSProcessInfoTest, TheEnvironmentIsThatOfTheMoment) {
 
 TEST(NSProcessInfoTest, UniqueStringsDiffer) {
     std::set<std::string> strings;
-    for (int i = 0; i < 100; ++i)
-        strings.insert(NSProcessInfo::processInfo()->globallyUniqueString()->toUTF8());
+    for (int i = 0; i < 100; ++i) strings.insert(shown(NSProcessInfo::processInfo()->globallyUniqueString()));
     EXPECT_EQ(strings.size(), 100u);
 }
 
 TEST(NSRuntimeNamesTest, ClassesAndSelectorsAreFoundByNameAndNamed) {
-    EXPECT_EQ(NSClassFromString(u"NSProcessInfo"_ns), NSProcessInfo::classObject());
-    EXPECT_EQ(NSClassFromString(u"NSNoSuchClass"_ns), nullptr);
-    EXPECT_EQ(NSClassFromString(nullptr), nullptr);
-    EXPECT_TRUE(NSStringFromClass(NSProcessInfo::classObject())->isEqualToString(u"NSProcessInfo"_ns));
-    EXPECT_EQ(NSStringFromClass(nullptr), nullptr);
+    Class* cls = NSProcessInfo::classObject();
+    EXPECT_EQ(shown(NSClassFromString(u"NSProcessInfo"_ns), NSStringFromClass(cls),
+                    NSStringFromSelector("count"_sel)),
+              "NSProcessInfo NSProcessInfo count");
+    for (NSString* name : {u"NSNoSuchClass"_ns, static_cast<NSString*>(nullptr)})
+        EXPECT_EQ(NSClassFromString(name), nullptr);
     EXPECT_EQ(NSSelectorFromString(u"objectAtIndex:"_ns), "objectAtIndex:"_sel);
     EXPECT_EQ(NSSelectorFromString(u""_ns), SEL());
-    EXPECT_TRUE(NSStringFromSelector("count"_sel)->isEqualToString(u"count"_ns));
-    EXPECT_EQ(NSStringFromSelector(SEL()), nullptr);
+    EXPECT_TRUE(!NSStringFromClass(nullptr) && !NSStringFromSelector(SEL()));
 }
 
 }  // namespace
-}  // namespace pelvor::testing

@@ -7,19 +7,16 @@
 #include "Foundation/NSMutableData.h"
 #include "Foundation/PropertyListLimits.h"
 #include "Platform/Foundation/PropertyListSamples.h"
-#include "Prelude.h"
 
-namespace pelvor {
 namespace {
 
-using namespace propertylists;
+class PropertyListFormats : public ::testing::TestWithParam<NSPropertyListFormat> {};
+INSTANTIATE_TEST_SUITE_P(, PropertyListFormats, ::testing::Values(kXML, kBinary),
+                         [](const auto& format) { return format.param == kXML ? "XML" : "Binary"; });
 
-constexpr NSPropertyListFormat kWritten[] = {NSPropertyListXMLFormat_v1_0, NSPropertyListBinaryFormat_v1_0};
-
-class PropertyListFormats : public testing::TestWithParam<NSPropertyListFormat> {};
-INSTANTIATE_TEST_SUITE_P(, PropertyListFormats, testing::ValuesIn(kWritten), [](const auto& format) {
-    return format.param == NSPropertyListXMLFormat_v1_0 ? "XML" : "Binary";
-});
+bool isValid(id list, NSPropertyListFormat format) {
+    return NSPropertyListSerialization::propertyList_isValidForFormat(list, format);
+}
 
 // MARK: There and back
 
@@ -37,29 +34,24 @@ TEST_P(PropertyListFormats, KeepEveryValue) {
 }
 
 TEST_P(PropertyListFormats, KeepWhatKindANumberIs) {
-    id list = NSArray::of({NSNumber::numberWithBool(true), NSNumber::numberWithInt(1),
-                           NSNumber::numberWithDouble(1), NSNumber::numberWithDouble(std::nan("")),
-                           NSNumber::numberWithDouble(-0.0)});
-    std::vector<NSNumber*> numbers;
-    for (id number : cast<NSArray>(read(written(list, GetParam())).list))
-        numbers.push_back(static_cast<NSNumber*>(number));
-    ASSERT_EQ(numbers.size(), 5u);
-    EXPECT_TRUE(numbers[0]->isBoolean());
-    EXPECT_STREQ(numbers[1]->objCType(), "q");
-    EXPECT_STREQ(numbers[2]->objCType(), "d");
-    EXPECT_TRUE(std::isnan(numbers[3]->doubleValue()) && std::signbit(numbers[4]->doubleValue()));
+    auto real = &NSNumber::numberWithDouble;
+    id list = NSArray::of({NSNumber::numberWithBool(true), NSNumber::numberWithInt(1), real(1),
+                           real(std::nan("")), real(-0.0)});
+    auto* numbers = cast<NSArray>(listOf(written(list, GetParam())));
+    auto number = [&](NSUInteger index) { return cast<NSNumber>(numbers->objectAtIndex(index)); };
+    EXPECT_EQ(shown(number(0)->isBoolean(), number(1)->objCType(), number(2)->objCType()), "1 q d");
+    EXPECT_TRUE(std::isnan(number(3)->doubleValue()) && std::signbit(number(4)->doubleValue()));
 }
 
 TEST_P(PropertyListFormats, AreTheSameForEqualLists) {
-    NSDictionary* one = NSDictionary::of({{u"b"_ns, u"1"_ns}, {u"\u00E4"_ns, u"3"_ns}});
-    NSDictionary* other = NSDictionary::of({{u"\u00E4"_ns, u"3"_ns}, {u"b"_ns, u"1"_ns}});
-    EXPECT_EQ(written(one, GetParam()), written(other, GetParam()));
+    EXPECT_EQ(written(listOf("{b = 1; \"\\U00E4\" = 3;}"), GetParam()),
+              written(listOf("{\"\\U00E4\" = 3; b = 1;}"), GetParam()));
 }
 
 TEST_P(PropertyListFormats, KeepRootsOfEveryKind) {
     for (id root : {id(u"text"_ns), id(NSNumber::numberWithInt(7)), id(sampleData(5)), id(NSArray::array()),
                     id(NSDate::dateWithTimeIntervalSinceReferenceDate(60))})
-        EXPECT_TRUE(root->isEqual(read(written(root, GetParam())).list)) << root;
+        EXPECT_TRUE(root->isEqual(listOf(written(root, GetParam())))) << root;
 }
 
 TEST(PropertyLists, AreWrittenAsXMLInTheUsualForm) {
@@ -78,38 +70,33 @@ TEST(PropertyLists, AreWrittenAsXMLInTheUsualForm) {
 }
 
 TEST(PropertyLists, ShareEqualLeavesInBinaryLists) {
-    std::string text(1000, 'x');
     NSMutableArray* list = NSMutableArray::array();
-    for (int i = 0; i < 100; ++i) list->addObject(NSString::ofUTF8(text));
-    EXPECT_LT(written(list, NSPropertyListBinaryFormat_v1_0).size(), 1200u);
+    for (int i = 0; i < 100; ++i) list->addObject(NSString::ofUTF8(repeated("x", 1000)));
+    EXPECT_LT(written(list, kBinary).size(), 1200u);
 }
 
 // MARK: Mutability
 
 TEST_P(PropertyListFormats, AreAsMutableAsAskedFor) {
-    id list = NSDictionary::of({{u"array"_ns, NSArray::of({u"text"_ns, sampleData(3)})}});
-    std::string bytes = written(list, GetParam());
-    for (auto options : {NSPropertyListImmutable, NSPropertyListMutableContainers,
-                         NSPropertyListMutableContainersAndLeaves}) {
-        bool areContainers = options >= NSPropertyListMutableContainers;
-        bool areLeaves = options == NSPropertyListMutableContainersAndLeaves;
-        auto* dictionary = cast<NSDictionary>(read(bytes, options).list);
-        ASSERT_TRUE(dictionary && dictionary->isEqual(list));
-        auto* array = cast<NSArray>(dictionary->objectForKey(u"array"_ns));
-        EXPECT_EQ(cast<NSMutableDictionary>(dictionary) != nullptr, areContainers);
-        EXPECT_EQ(cast<NSMutableArray>(array) != nullptr, areContainers);
-        EXPECT_EQ(cast<NSMutableString>(array->objectAtIndex(0)) != nullptr, areLeaves);
-        EXPECT_EQ(cast<NSMutableData>(array->objectAtIndex(1)) != nullptr, areLeaves);
+    std::string bytes = written(listOf("{array = (text, <000000>);}"), GetParam());
+    for (auto [options, mutability] : {std::pair{NSPropertyListImmutable, "0 0 0 0"},
+                                       {NSPropertyListMutableContainers, "1 1 0 0"},
+                                       {NSPropertyListMutableContainersAndLeaves, "1 1 1 1"}}) {
+        id list = read(bytes, options).list;
+        ASSERT_TRUE(list && list->isEqual(listOf(bytes)));
+        auto* array = cast<NSArray>(cast<NSDictionary>(list)->objectForKey(u"array"_ns));
+        EXPECT_EQ(shown(!!cast<NSMutableDictionary>(list), !!cast<NSMutableArray>(array),
+                        !!cast<NSMutableString>(array->objectAtIndex(0)),
+                        !!cast<NSMutableData>(array->objectAtIndex(1))),
+                  mutability);
     }
 }
 
 TEST(PropertyLists, GiveEachReferenceOfABinaryListAMutableObjectOfItsOwn) {
-    id list = NSArray::of({u"shared"_ns, u"shared"_ns, NSDictionary::of({{u"shared"_ns, u"x"_ns}})});
-    std::string bytes = written(list, NSPropertyListBinaryFormat_v1_0);
+    std::string bytes = written(listOf("(shared, shared, {shared = x;})"), kBinary);
     auto* array = cast<NSArray>(read(bytes, NSPropertyListMutableContainersAndLeaves).list);
     static_cast<NSMutableString*>(array->objectAtIndex(0))->appendString(u"!"_ns);
-    EXPECT_TRUE(array->objectAtIndex(1)->isEqual(u"shared"_ns));
-    EXPECT_TRUE(cast<NSDictionary>(array->objectAtIndex(2))->objectForKey(u"shared"_ns));
+    EXPECT_TRUE(array->isEqual(listOf("(\"shared!\", shared, {shared = x;})"))) << array;
 }
 
 // MARK: What cannot be written
@@ -119,26 +106,22 @@ TEST_P(PropertyListFormats, RefuseForeignObjectsByClassAndPlace) {
         {{u"styles"_ns, NSArray::of({u"a"_ns, NSDictionary::of({{u"x"_ns, NSNull::null()}})})}});
     EXPECT_EQ(written(list, GetParam()),
               "refused: at styles.1.x: an object of class NSNull has no place in a property list");
-    EXPECT_FALSE(NSPropertyListSerialization::propertyList_isValidForFormat(list, GetParam()));
+    EXPECT_FALSE(isValid(list, GetParam()));
     id numbered = NSArray::of({NSDictionary::of({{NSNumber::numberWithInt(1), u"x"_ns}})});
     EXPECT_EQ(written(numbered, GetParam()), "refused: at 0: a key of class NSPlainNumber is no string");
     EXPECT_EQ(written(nullptr, GetParam()), "refused: there is no object");
 }
 
 TEST(PropertyLists, RefuseAsXMLWhatXMLCannotHold) {
-    const std::pair<char16_t, const char*> characters[] = {{u'\0', "U+0000"},  {1, "U+0001"},
-                                                           {0x1F, "U+001F"},   {0xD800, "U+D800"},
-                                                           {0xDC00, "U+DC00"}, {0xFFFE, "U+FFFE"}};
-    for (auto [unit, name] : characters) {
-        std::u16string text = u"12345678";
-        text += unit;
-        text += u"12345678";
+    for (unsigned unit : {0u, 1u, 0x1Fu, 0xD800u, 0xDC00u, 0xFFFEu}) {
+        std::u16string text = u"12345678 12345678";
+        text[8] = static_cast<char16_t>(unit);
         id list = NSArray::of({NSString::of(text)});
-        EXPECT_EQ(written(list),
-                  "refused: at 0: the character " + std::string(name) + " cannot be written as XML");
-        EXPECT_FALSE(
-            NSPropertyListSerialization::propertyList_isValidForFormat(list, NSPropertyListXMLFormat_v1_0));
-        EXPECT_TRUE(list->isEqual(read(written(list, NSPropertyListBinaryFormat_v1_0)).list)) << name;
+        auto reason = NSString::stringWithFormat(
+            u"refused: at 0: the character U+%04X cannot be written as XML"_ns, unit);
+        EXPECT_EQ(written(list), shown(reason));
+        EXPECT_FALSE(isValid(list, kXML));
+        EXPECT_TRUE(list->isEqual(listOf(written(list, kBinary)))) << reason;
     }
 }
 
@@ -146,61 +129,57 @@ TEST(PropertyLists, RefuseMomentsThatNoDateTells) {
     for (double seconds : {1e300, -1e300, std::nan(""), HUGE_VAL}) {
         id date = NSDate::dateWithTimeIntervalSinceReferenceDate(seconds);
         EXPECT_EQ(written(date), "refused: the date lies too far away");
-        EXPECT_EQ(written(date, NSPropertyListBinaryFormat_v1_0).starts_with("bplist"),
-                  std::isfinite(seconds));
+        EXPECT_EQ(written(date, kBinary).starts_with("bplist"), std::isfinite(seconds));
     }
 }
 
 TEST(PropertyLists, AreNotWrittenInTheOldStyle) {
-    constexpr auto kFormat = NSPropertyListOldStyleFormat;
-    EXPECT_TRUE(written(u"x"_ns, kFormat).starts_with("refused: "));
-    EXPECT_FALSE(NSPropertyListSerialization::propertyList_isValidForFormat(u"x"_ns, kFormat));
+    EXPECT_THAT(written(u"x"_ns, kOldStyle), StartsWith("refused: "));
+    EXPECT_FALSE(isValid(u"x"_ns, kOldStyle));
 }
 
 // MARK: Depth
 
 std::string nestedText(unsigned depth, NSPropertyListFormat format) {
-    if (format == NSPropertyListOldStyleFormat) return repeated("(", depth) + repeated(")", depth);
+    if (format == kOldStyle) return repeated("(", depth) + repeated(")", depth);
     return document(repeated("<array>", depth) + repeated("</array>", depth));
 }
 
 TEST(PropertyLists, MayBeNestedToTheLimitAndNoFurther) {
     NSMutableArray* insideItself = NSMutableArray::array();
     insideItself->addObject(insideItself);
-    for (auto format : kWritten) {
-        EXPECT_TRUE(read(written(nestedArrays(512), format)).list);
+    for (auto format : {kXML, kBinary}) {
+        EXPECT_TRUE(listOf(written(nestedArrays(512), format)));
         for (id list : {nestedArrays(513), id(insideItself)})
-            EXPECT_TRUE(written(list, format).ends_with("nested more than 512 deep"));
+            EXPECT_THAT(written(list, format), EndsWith("nested more than 512 deep"));
     }
     insideItself->removeAllObjects();
-    for (auto format : {NSPropertyListXMLFormat_v1_0, NSPropertyListOldStyleFormat}) {
-        EXPECT_TRUE(read(nestedText(512, format)).list);
-        EXPECT_TRUE(refusal(nestedText(513, format)).ends_with("nested more than 512 deep"));
+    for (auto format : {kXML, kOldStyle}) {
+        EXPECT_TRUE(listOf(nestedText(512, format)));
+        EXPECT_THAT(refusal(nestedText(513, format)), EndsWith("nested more than 512 deep"));
     }
 }
 
 TEST(PropertyLists, MayBeNestedAsDeepAsTheHostAllows) {
     const PropertyListLimits before = propertyListLimits();
     setPropertyListLimits({.maximumDepth = 600});
-    std::string binary = written(nestedArrays(600), NSPropertyListBinaryFormat_v1_0);
-    EXPECT_TRUE(read(binary).list);
+    std::string binary = written(nestedArrays(600), kBinary);
+    EXPECT_TRUE(listOf(binary));
     setPropertyListLimits({.maximumDepth = 3});
-    EXPECT_TRUE(read(nestedText(3, NSPropertyListXMLFormat_v1_0)).list);
-    EXPECT_FALSE(read(nestedText(4, NSPropertyListXMLFormat_v1_0)).list);
-    EXPECT_TRUE(refusal(binary).ends_with("nested more than 3 deep"));
-    EXPECT_TRUE(written(nestedArrays(4)).starts_with("refused: at 0.0.0: "));
+    EXPECT_TRUE(listOf(nestedText(3, kXML)) && !listOf(nestedText(4, kXML)));
+    EXPECT_THAT(refusal(binary), EndsWith("nested more than 3 deep"));
+    EXPECT_THAT(written(nestedArrays(4)), StartsWith("refused: at 0.0.0: "));
     setPropertyListLimits(before);
 }
 
 TEST(PropertyLists, OfAnyDepthNeedLittleStack) {
     constexpr unsigned kDepth = 1'000'000;
     runOnSmallStack([] {
-        for (auto format : {NSPropertyListXMLFormat_v1_0, NSPropertyListOldStyleFormat})
-            EXPECT_TRUE(refusal(nestedText(kDepth, format)).ends_with("nested more than 512 deep"));
-        EXPECT_FALSE(read(repeated("{a=", kDepth)).list);
-        EXPECT_FALSE(read(repeated("<array><!-- -->", kDepth)).list);
-        std::string xml = nestedText(512, NSPropertyListXMLFormat_v1_0);
-        EXPECT_EQ(written(read(xml).list).size(), written(nestedArrays(512)).size());
+        for (auto format : {kXML, kOldStyle})
+            EXPECT_THAT(refusal(nestedText(kDepth, format)), EndsWith("nested more than 512 deep"));
+        for (const char* opening : {"{a=", "<array><!-- -->"})
+            EXPECT_FALSE(listOf(repeated(opening, kDepth)));
+        EXPECT_EQ(written(listOf(nestedText(512, kXML))).size(), written(nestedArrays(512)).size());
     });
 }
 
@@ -221,55 +200,40 @@ TEST_P(PropertyListFormats, AreReadAndWrittenAtOnceWhateverTheirKeysAre) {
         list->setObject_forKey(string, string);
     }
     EXPECT_GT(hashes.size(), kCount - 100);
-    EXPECT_TRUE(list->isEqual(read(written(list, GetParam())).list));
+    EXPECT_TRUE(list->isEqual(listOf(written(list, GetParam()))));
 }
 
-// MARK: Telling formats apart
+// MARK: Reading
 
 TEST(PropertyLists, TellTheirFormat) {
-    const std::pair<std::string_view, NSPropertyListFormat> samples[] = {
-        {"<?xml version='1.0'?><plist><dict/></plist>", NSPropertyListXMLFormat_v1_0},
-        {"\xEF\xBB\xBF <!-- x --><array/>", NSPropertyListXMLFormat_v1_0},
-        {"\n<data>AAAA</data>", NSPropertyListXMLFormat_v1_0},
-        {"<dead beef>", NSPropertyListOldStyleFormat},
-        {"< 00 >", NSPropertyListOldStyleFormat},
-        {"{a=b;}", NSPropertyListOldStyleFormat},
-        {"// nothing", NSPropertyListOldStyleFormat},
-    };
-    for (auto [bytes, format] : samples) {
-        Reading reading = read(bytes);
-        EXPECT_TRUE(reading.list) << bytes << ": " << reading.error;
-        EXPECT_EQ(reading.format, format) << bytes;
-    }
+    for (const char* bytes : {"<?xml version='1.0'?><plist><dict/></plist>",
+                              "\xEF\xBB\xBF <!-- x --><array/>", "\n<data>AAAA</data>"})
+        EXPECT_TRUE(listOf(bytes) && read(bytes).format == kXML) << bytes;
+    for (const char* bytes : {"<dead beef>", "< 00 >", "{a=b;}", "// nothing"})
+        EXPECT_TRUE(listOf(bytes) && read(bytes).format == kOldStyle) << bytes;
 }
 
-TEST(PropertyLists, CanBeAskedForWithoutPlacesForFormatAndError) {
+TEST(PropertyLists, CanBeAskedForWithoutPlacesForFormatAndErrorAndBySelector) {
     auto readPlainly = [](NSData* data) {
         return NSPropertyListSerialization::propertyListWithData_options_format_error(
             data, NSPropertyListImmutable, nullptr, nullptr);
     };
     EXPECT_TRUE(readPlainly(dataOf("(a)")));
-    EXPECT_FALSE(readPlainly(dataOf("(a")));
-    EXPECT_FALSE(readPlainly(nullptr));
+    EXPECT_FALSE(readPlainly(dataOf("(a")) || readPlainly(nullptr));
     EXPECT_EQ(refusal(""), "there are no bytes");
-}
-
-TEST(PropertyLists, AnswerBySelector) {
-    id cls = NSPropertyListSerialization::classObject();
     NSPropertyListFormat format{};
     NSPropertyListError* error = nullptr;
-    id list = send<id>(cls, "propertyListWithData:options:format:error:"_sel, dataOf("{a=(b"),
-                       NSPropertyListImmutable, &format, &error);
-    EXPECT_FALSE(list);
+    EXPECT_FALSE(send<id>(NSPropertyListSerialization::classObject(),
+                          "propertyListWithData:options:format:error:"_sel, dataOf("{a=(b"),
+                          NSPropertyListImmutable, &format, &error));
     ASSERT_TRUE(error);
-    EXPECT_EQ(send<NSUInteger>(error, "line"_sel), 1u);
-    EXPECT_EQ(send<NSUInteger>(error, "column"_sel), 6u);
+    EXPECT_EQ(shown(send<NSUInteger>(error, "line"_sel), send<NSUInteger>(error, "column"_sel)), "1 6");
 }
 
 // MARK: Damage
 
 std::string damagedSample(NSPropertyListFormat format) {
-    if (format != NSPropertyListOldStyleFormat) return written(richList(), format);
+    if (format != kOldStyle) return written(richList(), format);
     return "/* all of it */ { \"a key\" = ( one, 'two', \"thr\\ee\", \"\\n\\U00e4\\344\" ); // end\n"
            " data = < 0fbd77 1c >; table = { key; \"\xC3\xA4\" = y; }; empty = {}; }";
 }
@@ -284,29 +248,21 @@ void expectListOrError(std::string_view bytes) {
     EXPECT_LE(reading.error->offset(), bytes.size() + 1);
 }
 
-class DamagedPropertyLists : public testing::TestWithParam<NSPropertyListFormat> {};
-INSTANTIATE_TEST_SUITE_P(, DamagedPropertyLists,
-                         testing::Values(NSPropertyListXMLFormat_v1_0, NSPropertyListBinaryFormat_v1_0,
-                                         NSPropertyListOldStyleFormat));
-
-TEST_P(DamagedPropertyLists, GiveAnErrorWhereverTheyAreCutOff) {
-    const std::string whole = damagedSample(GetParam());
-    ASSERT_EQ(refusal(whole), "");
-    for (std::size_t size = 0; size < whole.size(); ++size)
-        expectListOrError(std::string_view(whole).substr(0, size));
-}
-
-TEST_P(DamagedPropertyLists, GiveAListOrAnErrorWhicheverByteIsFlipped) {
-    std::string bytes = damagedSample(GetParam());
-    for (char& byte : bytes) {
-        const char before = byte;
-        for (int mask : {0x01, 0x20, 0x80, 0xFF}) {
-            byte = static_cast<char>(before ^ mask);
-            expectListOrError(bytes);
+TEST(DamagedPropertyLists, GiveAnErrorOrAListWhereverTheyAreCutOffAndWhicheverByteIsFlipped) {
+    for (auto format : {kXML, kBinary, kOldStyle}) {
+        SCOPED_TRACE(format);
+        std::string bytes = damagedSample(format);
+        ASSERT_EQ(refusal(bytes), "");
+        for (std::size_t at = 0; at < bytes.size(); ++at) {
+            expectListOrError(std::string_view(bytes).substr(0, at));
+            const char before = bytes[at];
+            for (int mask : {0x01, 0x20, 0x80, 0xFF}) {
+                bytes[at] = static_cast<char>(before ^ mask);
+                expectListOrError(bytes);
+            }
+            bytes[at] = before;
         }
-        byte = before;
     }
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -1,41 +1,24 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSScanner.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-
 #include "Foundation/NSCharacterSet.h"
-#include "Foundation/NSMutableString.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
+#include "Prelude.h"
 
-namespace pelvor::testing {
 namespace {
 
 TEST(NSScanner, ReadsNumbersAsFarAsTheyGo) {
-    AutoreleasePool pool;
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    const struct {
-        std::u16string_view text;
-        double value;
-        NSUInteger end;  // 0: there is no number
-    } rows[] = {{u" 12.5 cm", 12.5, 5}, {u"-1.5e2x", -150, 6},   {u"1e+", 1, 1}, {u".5.5", 0.5, 2},
-                {u"5.", 5, 2},          {u"1e999", infinity, 5}, {u"+.", 0, 0},  {u"", 0, 0},
-                {u"e5", 0, 0},          {u"- 1", 0, 0}};
-    for (auto& [text, value, end] : rows) {
-        NSScanner* scanner = NSScanner::scannerWithString(NSString::of(text));
-        double number = 7;
-        EXPECT_EQ(scanner->scanDouble(&number), end > 0) << scanner->string();
-        EXPECT_EQ(number, end ? value : 7) << scanner->string();
-        EXPECT_EQ(scanner->scanLocation(), end) << scanner->string();
-    }
+    // Whether there is a number, which it is, and the place after it.
+    expectAll({" 12.5 cm -> 1 12.5 5", "-1.5e2x -> 1 -150 6", "1e+ -> 1 1 1", ".5.5 -> 1 0.5 2",
+               "5. -> 1 5 2", "1e999 -> 1 inf 5", "+. -> 0 7 0", " -> 0 7 0", "e5 -> 0 7 0", "- 1 -> 0 7 0"},
+              [](const std::string& text) {
+                  NSScanner* scanner = NSScanner::scannerWithString(NSString::ofUTF8(text));
+                  double number = 7;
+                  bool isNumber = scanner->scanDouble(&number);
+                  return shown(isNumber, number, scanner->scanLocation());
+              });
 }
 
 TEST(NSScanner, ReadsIntegersUpToTheLimitsOfTheType) {
-    AutoreleasePool pool;
     NSScanner* scanner =
         NSScanner::scannerWithString(u"-3000000000 -3000000000\n0x1Fz FFFFFFFFF FFFFFFFFF 2.5 x"_ns);
     int number = 0;
@@ -60,7 +43,6 @@ TEST(NSScanner, ReadsIntegersUpToTheLimitsOfTheType) {
 }
 
 TEST(NSScanner, ReadsStringsAndRunsOfMembers) {
-    AutoreleasePool pool;
     NSCharacterSet* letters = NSCharacterSet::letterCharacterSet();
     auto source = NSMutableString::of(u"  Width: e\u0301tat\U00010400, END  ");
     NSScanner* scanner = NSScanner::scannerWithString(source);
@@ -81,7 +63,6 @@ TEST(NSScanner, ReadsStringsAndRunsOfMembers) {
 }
 
 TEST(NSScanner, SkipsWhatItIsToldTo) {
-    AutoreleasePool pool;
     NSScanner* scanner = NSScanner::scannerWithString(u"--12 13"_ns);
     int number = 0;
     scanner->setCharactersToBeSkipped(NSCharacterSet::characterSetWithCharactersInString(u"-"_ns));
@@ -97,4 +78,3 @@ TEST(NSScanner, SkipsWhatItIsToldTo) {
 }
 
 }  // namespace
-}  // namespace pelvor::testing

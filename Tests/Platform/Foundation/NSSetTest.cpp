@@ -4,23 +4,18 @@
 
 #include "Foundation/NSCountedSet.h"
 #include "Platform/Foundation/Pebble.h"
-#include "Prelude.h"
 
-namespace pelvor {
 namespace {
-
-using namespace testing;
 
 TEST(NSSetTest, HoldsEachObjectOnceInTheOrderOfComing) {
     NSSet* set = NSSet::setWithArray(numbers({5, 1, 5, 300, 1, 2}));
-    EXPECT_EQ(listing(set), "5 1 300 2");
-    EXPECT_EQ(listing(set->objectEnumerator()), "5 1 300 2");
-    EXPECT_EQ(listing(set->allObjects()), "5 1 300 2");
+    EXPECT_EQ(joined({listing(set), listing(set->objectEnumerator()), listing(set->allObjects())}),
+              "5 1 300 2, 5 1 300 2, 5 1 300 2");
     EXPECT_TRUE(set->anyObject() == num(5) && !NSSet::set()->anyObject());
     EXPECT_TRUE(set->containsObject(NSNumber::numberWithDouble(300)));
     EXPECT_FALSE(set->containsObject(num(3)) || set->containsObject(nullptr));
-    EXPECT_EQ(reasonOf(NSInvalidArgumentException, [] { NSSet::setWithObject(nullptr); }),
-              "no object was given to initWithObjects:count:");
+    EXPECT_EQ(RAISED(NSSet::setWithObject(nullptr)),
+              "NSInvalidArgumentException: no object was given to initWithObjects:count:");
 }
 
 // As a reference that is equal to what it refers to, though that does not know of it.
@@ -70,26 +65,21 @@ TEST(NSSetTest, Changes) {
     auto copy = set->copy();
     set->setSet(setOf({7}));
     set->addObjectsFromArray(numbers({8, 7}));
-    EXPECT_EQ(listing(set), "7 8");
-    EXPECT_EQ(listing(copy), "3 5");
+    EXPECT_EQ(joined({listing(set), listing(copy)}), "7 8, 3 5");
     set->minusSet(set);
     EXPECT_EQ(set->count(), 0u);
     EXPECT_THROW(set->addObject(nullptr), NSException);
 }
 
 TEST(NSSetTest, BalancesReferences) {
-    int before = Pebble::alive();
-    {
-        AutoreleasePool pool;
+    expectPebblesBalance([] {
         auto set = NSMutableSet::init();
         for (int i = 0; i < 100; ++i) set->addObject(Pebble::create(i % 40).autorelease());
         for (int i = 0; i < 100; i += 3) set->removeObject(Pebble::create(i).autorelease());
-        auto copy = set->copy();
-        auto second = copy->mutableCopy();
+        auto second = set->copy()->mutableCopy();
         set->removeAllObjects();
         EXPECT_EQ(second->count(), 26u);
-    }
-    EXPECT_EQ(Pebble::alive(), before);
+    });
 }
 
 TEST(NSSetTest, AReleaseMayUseTheSet) {
@@ -106,8 +96,7 @@ TEST(NSSetTest, AReleaseMayUseTheSet) {
     set->removeObject(Pebble::create(4).autorelease());
     EXPECT_EQ(set->count(), 30u);
     set->removeAllObjects();
-    EXPECT_EQ(freed, 30);
-    EXPECT_EQ(set->count(), 29u);
+    EXPECT_EQ(shown(freed, set->count()), "30 29");
 }
 
 TEST(NSSetTest, IsMadeInTheClassThatIsAsked) {
@@ -121,9 +110,8 @@ TEST(NSSetTest, IsMadeInTheClassThatIsAsked) {
 
 TEST(NSSetTest, CountsItsObjects) {
     auto set = NSCountedSet::initWithArray(numbers({1, 2, 1, 1}));
-    EXPECT_EQ(set->count(), 2u);
-    EXPECT_EQ(send<int>(set, "countForObject:"_sel, num(1)), 3);
-    EXPECT_EQ(set->countForObject(num(9)), 0u);
+    EXPECT_EQ(shown(set->count(), send<int>(set, "countForObject:"_sel, num(1)), set->countForObject(num(9))),
+              "2 3 0");
     auto copy = set->mutableCopy();
     for (int value : {1, 2}) set->removeObject(num(value));
     EXPECT_EQ(cast<NSCountedSet>(copy)->countForObject(num(1)), 3u);
@@ -131,9 +119,7 @@ TEST(NSSetTest, CountsItsObjects) {
     NSSet* plain = setOf({1});
     EXPECT_FALSE(set->isEqual(plain) || plain->isEqual(set));
     set->removeObject(num(1));
-    EXPECT_TRUE(plain->isEqual(set));
-    EXPECT_EQ(plain->hash(), set->hash());
+    EXPECT_TRUE(plain->isEqual(set) && plain->hash() == set->hash());
 }
 
 }  // namespace
-}  // namespace pelvor

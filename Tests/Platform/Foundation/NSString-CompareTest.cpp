@@ -1,43 +1,30 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of comparing strings.
-#include "FoundationTestSupport.h"
-#include "Prelude.h"
 
-namespace pelvor {
+#include "Platform/Foundation/OwnCollections.h"
+
 namespace {
 
-struct Comparison {
-    NSString* first;
-    NSString* second;
-    NSStringCompareOptions options;
-    NSComparisonResult expected;
-};
+/// How strings compare by these options, and the other way round, in rows "first/second -> -1".
+void expectOrders(NSStringCompareOptions options, std::initializer_list<std::string_view> rows) {
+    expectAll(rows, [=](const std::string& row) {
+        const std::size_t slash = row.find('/');
+        NSString *first = NSString::ofUTF8(row.substr(0, slash)),
+                 *second = NSString::ofUTF8(row.substr(slash + 1));
+        EXPECT_EQ(second->compare_options(first, options), -first->compare_options(second, options)) << row;
+        return static_cast<int>(first->compare_options(second, options));
+    });
+}
 
 TEST(NSStringCompareTest, OrdersByTheOptions) {
-    const Comparison cases[] = {
-        {u"a"_ns, u"b"_ns, 0, NSOrderedAscending},
-        {u"ab"_ns, u"a"_ns, 0, NSOrderedDescending},
-        {u""_ns, u""_ns, 0, NSOrderedSame},
-        {u"B"_ns, u"a"_ns, 0, NSOrderedAscending},
-        {u"B"_ns, u"a"_ns, NSCaseInsensitiveSearch, NSOrderedDescending},
-        {u"ÀB"_ns, u"àb"_ns, NSCaseInsensitiveSearch, NSOrderedSame},
-        {u"Straße"_ns, u"STRASSE"_ns, NSCaseInsensitiveSearch, NSOrderedSame},
-        {u"Straße"_ns, u"STRASSE"_ns, NSCaseInsensitiveSearch | NSLiteralSearch, NSOrderedDescending},
-        {u"𐐀"_ns, u"𐐨"_ns, NSCaseInsensitiveSearch, NSOrderedSame},
-        {u"𐐀"_ns, u"𐐨"_ns, NSCaseInsensitiveSearch | NSLiteralSearch, NSOrderedSame},
-        {u"ΣΑΣ"_ns, u"σας"_ns, NSCaseInsensitiveSearch, NSOrderedSame},
-        {u"file9"_ns, u"file10"_ns, 0, NSOrderedDescending},
-        {u"file9"_ns, u"file10"_ns, NSNumericSearch, NSOrderedAscending},
-        {u"v007b"_ns, u"v7b"_ns, NSNumericSearch, NSOrderedSame},
-        {u"1.12"_ns, u"1.9"_ns, NSNumericSearch, NSOrderedDescending},
-        {u"File12"_ns, u"fiLe012"_ns, NSNumericSearch | NSCaseInsensitiveSearch, NSOrderedSame},
-        {u"99999999999999999999998"_ns, u"99999999999999999999999"_ns, NSNumericSearch, NSOrderedAscending},
-        {u"1a"_ns, u"1"_ns, NSNumericSearch | NSLiteralSearch, NSOrderedDescending},
-    };
-    for (const Comparison& c : cases) {
-        EXPECT_EQ(c.first->compare_options(c.second, c.options), c.expected) << c.first << " " << c.second;
-        EXPECT_EQ(c.second->compare_options(c.first, c.options), -c.expected) << c.second << " " << c.first;
-    }
+    expectOrders(0, {"a/b -> -1", "ab/a -> 1", "/ -> 0", "B/a -> -1", "file9/file10 -> 1"});
+    expectOrders(NSCaseInsensitiveSearch,
+                 {"B/a -> 1", "ÀB/àb -> 0", "Straße/STRASSE -> 0", "𐐀/𐐨 -> 0", "ΣΑΣ/σας -> 0"});
+    expectOrders(NSCaseInsensitiveSearch | NSLiteralSearch, {"Straße/STRASSE -> 1", "𐐀/𐐨 -> 0"});
+    expectOrders(NSNumericSearch, {"file9/file10 -> -1", "v007b/v7b -> 0", "1.12/1.9 -> 1",
+                                   "99999999999999999999998/99999999999999999999999 -> -1"});
+    expectOrders(NSNumericSearch | NSCaseInsensitiveSearch, {"File12/fiLe012 -> 0"});
+    expectOrders(NSNumericSearch | NSLiteralSearch, {"1a/1 -> 1"});
 }
 
 TEST(NSStringCompareTest, CanonicallyEquivalentTextsAreTheSameUnlessLiteral) {
@@ -77,10 +64,11 @@ TEST(NSStringCompareTest, TheOrderIsTotalHoweverTextIsWritten) {
 
 TEST(NSStringCompareTest, ARangeOfTheReceiverIsComparedWithTheWholeOther) {
     NSString* text = u"xabcx"_ns;
-    EXPECT_EQ(text->compare_options_range(u"abc"_ns, 0, {1, 3}), NSOrderedSame);
-    EXPECT_EQ(text->compare_options_range(u"abc"_ns, 0, {1, 2}), NSOrderedAscending);
-    expectRaises(NSRangeException, [&] { text->compare_options_range(u"abc"_ns, 0, {3, 3}); });
-    expectRaises(NSInvalidArgumentException, [&] { text->compare(nullptr); });
+    auto compare = [=](NSRange range) { return text->compare_options_range(u"abc"_ns, 0, range); };
+    EXPECT_EQ(compare({1, 3}), NSOrderedSame);
+    EXPECT_EQ(compare({1, 2}), NSOrderedAscending);
+    expectRaised(NSRangeException, {RAISED(compare({3, 3}))});
+    expectRaised(NSInvalidArgumentException, {RAISED(text->compare(nullptr))});
 }
 
 TEST(NSStringCompareTest, TheOrderOfALanguagePutsAccentsNextToTheirLetters) {
@@ -100,4 +88,3 @@ TEST(NSStringCompareTest, PrefixesAndSuffixes) {
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -1,138 +1,94 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of strings as paths.
-#include <filesystem>
 
 #include "Foundation/NSPathStore2.h"
-#include "FoundationTestSupport.h"
 #include "Platform/Foundation/BundleTestSupport.h"
-#include "Platform/Foundation/EnvironmentScope.h"
-#include "Prelude.h"
+#include "Platform/Foundation/OwnCollections.h"
 
-namespace pelvor {
 namespace {
 
 std::string joinedComponents(NSArray* components) {
     std::string text;
-    for (id component : components) text += "[" + cast<NSString>(component)->toUTF8() + "]";
+    for (id component : components) text += "[" + shown(component) + "]";
     return text;
 }
 
 TEST(NSStringPathTest, PartsOfAPath) {
-    struct {
-        const char *path, *last, *extension, *parent, *stem, *components;
-    } cases[] = {
-        {"/tmp/a.tiff", "a.tiff", "tiff", "/tmp", "/tmp/a", "[/][tmp][a.tiff]"},
-        {"/tmp/lock/", "lock", "", "/tmp", "/tmp/lock", "[/][tmp][lock][/]"},
-        {"/tmp", "tmp", "", "/", "/tmp", "[/][tmp]"},
-        {"/", "/", "", "/", "/", "[/]"},
-        {"//", "/", "", "/", "/", "[/]"},
-        {"", "", "", "", "", ""},
-        {"a", "a", "", "", "a", "[a]"},
-        {"a.tar.gz", "a.tar.gz", "gz", "", "a.tar", "[a.tar.gz]"},
-        {"a..tiff", "a..tiff", "tiff", "", "a.", "[a..tiff]"},
-        {".profile", ".profile", "", "", ".profile", "[.profile]"},
-        {"/x/.profile", ".profile", "", "/x", "/x/.profile", "[/][x][.profile]"},
-        {".profile.bak", ".profile.bak", "bak", "", ".profile", "[.profile.bak]"},
-        {"a.", "a.", "", "", "a", "[a.]"},
-        {"a.b/c", "c", "", "a.b", "a.b/c", "[a.b][c]"},
-        {"dir.ext///", "dir.ext", "ext", "", "dir", "[dir.ext][/]"},
-        {"//a//b", "b", "", "/a", "/a/b", "[/][a][b]"},
-        {"été.日本", "été.日本", "日本", "", "été", "[été.日本]"},
-    };
-    for (auto& c : cases) {
-        NSString* path = NSString::ofUTF8(c.path);
-        EXPECT_EQ(path->lastPathComponent()->toUTF8(), c.last) << c.path;
-        EXPECT_EQ(path->pathExtension()->toUTF8(), c.extension) << c.path;
-        EXPECT_EQ(path->stringByDeletingLastPathComponent()->toUTF8(), c.parent) << c.path;
-        EXPECT_EQ(path->stringByDeletingPathExtension()->toUTF8(), c.stem) << c.path;
-        EXPECT_EQ(joinedComponents(path->pathComponents()), c.components) << c.path;
-    }
+    // The last component, the extension, the path without each of them, and all components.
+    expectAll({"/tmp/a.tiff -> a.tiff, tiff, /tmp, /tmp/a, [/][tmp][a.tiff]",
+               "/tmp/lock/ -> lock, , /tmp, /tmp/lock, [/][tmp][lock][/]", "/tmp -> tmp, , /, /tmp, [/][tmp]",
+               "/ -> /, , /, /, [/]", "// -> /, , /, /, [/]", " -> , , , , ", "a -> a, , , a, [a]",
+               "a.tar.gz -> a.tar.gz, gz, , a.tar, [a.tar.gz]", "a..tiff -> a..tiff, tiff, , a., [a..tiff]",
+               ".profile -> .profile, , , .profile, [.profile]",
+               "/x/.profile -> .profile, , /x, /x/.profile, [/][x][.profile]",
+               ".profile.bak -> .profile.bak, bak, , .profile, [.profile.bak]", "a. -> a., , , a, [a.]",
+               "a.b/c -> c, , a.b, a.b/c, [a.b][c]", "dir.ext/// -> dir.ext, ext, , dir, [dir.ext][/]",
+               "//a//b -> b, , /a, /a/b, [/][a][b]", "été.日本 -> été.日本, 日本, , été, [été.日本]"},
+              [](const std::string& text) {
+                  NSString* path = NSString::ofUTF8(text);
+                  return joined({shown(path->lastPathComponent()), shown(path->pathExtension()),
+                                 shown(path->stringByDeletingLastPathComponent()),
+                                 shown(path->stringByDeletingPathExtension()),
+                                 joinedComponents(path->pathComponents())});
+              });
 }
 
 TEST(NSStringPathTest, AppendingComponentsAndExtensions) {
-    struct {
-        const char *path, *piece, *withComponent, *withExtension;
-    } cases[] = {
-        {"/tmp", "a", "/tmp/a", "/tmp.a"},
-        {"/tmp/", "a", "/tmp/a", "/tmp.a"},
-        {"/", "a", "/a", "/"},
-        {"", "a", "a", ""},
-        {"/tmp", "", "/tmp", "/tmp."},
-        {"x", "a/b/", "x/a/b", "x.a/b/"},
-        {"/tmp", "/a", "/tmp/a", "/tmp./a"},
-        {"a.old", "new", "a.old/new", "a.old.new"},
-        {"", "", "", ""},
-    };
-    for (auto& c : cases) {
-        NSString *path = NSString::ofUTF8(c.path), *piece = NSString::ofUTF8(c.piece);
-        EXPECT_EQ(path->stringByAppendingPathComponent(piece)->toUTF8(), c.withComponent) << c.path;
-        EXPECT_EQ(path->stringByAppendingPathExtension(piece)->toUTF8(), c.withExtension) << c.path;
-    }
-    expectRaises(NSInvalidArgumentException, [] { u"a"_ns->stringByAppendingPathComponent(nullptr); });
+    expectAll({"/tmp + a -> /tmp/a /tmp.a", "/tmp/ + a -> /tmp/a /tmp.a", "/ + a -> /a /", " + a -> a ",
+               "/tmp +  -> /tmp /tmp.", "x + a/b/ -> x/a/b x.a/b/", "/tmp + /a -> /tmp/a /tmp./a",
+               "a.old + new -> a.old/new a.old.new", " +  ->  "},
+              [](const std::string& row) {
+                  const std::size_t plus = row.find(" + ");
+                  NSString *path = NSString::ofUTF8(row.substr(0, plus)),
+                           *piece = NSString::ofUTF8(row.substr(plus + 3));
+                  return shown(path->stringByAppendingPathComponent(piece),
+                               path->stringByAppendingPathExtension(piece));
+              });
+    expectRaised(NSInvalidArgumentException, {RAISED(u"a"_ns->stringByAppendingPathComponent(nullptr))});
 }
 
 TEST(NSStringPathTest, ComponentsJoinToThePathTheyCameFrom) {
     for (NSString* path : {u"/"_ns, u"/tmp/a.b"_ns, u"a/b"_ns, u""_ns, u"a"_ns})
         EXPECT_EQ(NSString::pathWithComponents(path->pathComponents())->toUTF8(), path->toUTF8());
     EXPECT_EQ(NSString::pathWithComponents(NSArray::of({u"a"_ns, u""_ns, u"/b/"_ns}))->toUTF8(), "a/b");
-    expectRaises(NSInvalidArgumentException,
-                 [] { NSString::pathWithComponents(NSArray::arrayWithObject(NSArray::array())); });
+    expectRaised(NSInvalidArgumentException,
+                 {RAISED(NSString::pathWithComponents(NSArray::of({NSArray::array()})))});
 }
 
 TEST(NSStringPathTest, TildesStandForHomes) {
     EnvironmentScope home("HOME", "/home/anna/");
-    struct {
-        NSString* path;
-        const char *expanded, *abbreviated;
-    } cases[] = {{u"~"_ns, "/home/anna", "~"},
-                 {u"~/x"_ns, "/home/anna/x", "~/x"},
-                 {u"/home/anna"_ns, "/home/anna", "~"},
-                 {u"/home/anna/x/"_ns, "/home/anna/x/", "~/x"},
-                 {u"/home/annabel"_ns, "/home/annabel", "/home/annabel"},
-                 {u"a~"_ns, "a~", "a~"},
-                 {u"~nobody-of-that-name/x"_ns, "~nobody-of-that-name/x", "~nobody-of-that-name/x"},
-                 {u"~root/x"_ns, "/root/x", "~root/x"}};
-    for (auto& c : cases) {
-        EXPECT_EQ(c.path->stringByExpandingTildeInPath()->toUTF8(), c.expanded) << c.path;
-        EXPECT_EQ(c.path->stringByAbbreviatingWithTildeInPath()->toUTF8(), c.abbreviated) << c.path;
-    }
+    expectAll({"~ -> /home/anna ~", "~/x -> /home/anna/x ~/x", "/home/anna -> /home/anna ~",
+               "/home/anna/x/ -> /home/anna/x/ ~/x", "/home/annabel -> /home/annabel /home/annabel",
+               "a~ -> a~ a~", "~nobody-of-that-name/x -> ~nobody-of-that-name/x ~nobody-of-that-name/x",
+               "~root/x -> /root/x ~root/x"},
+              [](const std::string& text) {
+                  NSString* path = NSString::ofUTF8(text);
+                  return shown(path->stringByExpandingTildeInPath(),
+                               path->stringByAbbreviatingWithTildeInPath());
+              });
     EXPECT_TRUE(u"/x"_ns->isAbsolutePath() && u"~/x"_ns->isAbsolutePath());
     EXPECT_FALSE(u"x"_ns->isAbsolutePath() || u""_ns->isAbsolutePath());
 }
 
 TEST(NSStringPathTest, StandardPathsHaveNothingToSpare) {
-    struct {
-        NSString* path;
-        const char* expected;
-    } cases[] = {{u"/a//b/./c/"_ns, "/a/b/c"},
-                 {u"/a/../b"_ns, "/b"},
-                 {u"/../a"_ns, "/a"},
-                 {u"a/../b"_ns, "a/../b"},
-                 {u"./a/."_ns, "a"},
-                 {u"."_ns, "."},
-                 {u"/."_ns, "/"},
-                 {u""_ns, ""},
-                 {u"/a/.."_ns, "/"}};
-    for (auto& c : cases) EXPECT_EQ(c.path->stringByStandardizingPath()->toUTF8(), c.expected) << c.path;
+    expectAll({"/a//b/./c/ -> /a/b/c", "/a/../b -> /b", "/../a -> /a", "a/../b -> a/../b", "./a/. -> a",
+               ". -> .", "/. -> /", " -> ", "/a/.. -> /"},
+              [](const std::string& path) { return NSString::ofUTF8(path)->stringByStandardizingPath(); });
 }
 
 TEST(NSStringPathTest, LinksAreFollowedAsFarAsThePathExists) {
-    testing::BundleFolder folder;
+    BundleFolder folder;
     std::string root = folder.path();
     std::filesystem::create_directories(root + "/real/deep");
     std::filesystem::create_symlink("real", root + "/relative");
     std::filesystem::create_symlink(root + "/relative/deep", root + "/absolute");
     std::filesystem::create_symlink("loop", root + "/loop");
-    struct {
-        const char *path, *expected;
-    } cases[] = {{"/relative", "/real"},
-                 {"/absolute/../x", "/real/x"},
-                 {"/relative/none/./y", "/real/none/y"},
-                 {"/real/deep", "/real/deep"},
-                 {"/loop", "/loop"}};
-    for (auto& c : cases)
-        EXPECT_EQ(NSString::ofUTF8(root + c.path)->stringByResolvingSymlinksInPath()->toUTF8(),
-                  root + c.expected);
+    expectAll({"/relative -> /real", "/absolute/../x -> /real/x", "/relative/none/./y -> /real/none/y",
+               "/real/deep -> /real/deep", "/loop -> /loop"},
+              [&](const std::string& path) {
+                  return shown(NSString::ofUTF8(root + path)->stringByResolvingSymlinksInPath())
+                      .substr(root.size());
+              });
     EXPECT_EQ(u"no-such-folder/../x/."_ns->stringByResolvingSymlinksInPath()->toUTF8(), "x");
     EXPECT_EQ(u"../x"_ns->stringByResolvingSymlinksInPath()->toUTF8(), "../x");
 }
@@ -155,4 +111,3 @@ TEST(NSStringPathTest, PathStringsHaveTheirOwnWayOfFollowingLinks) {
 }
 
 }  // namespace
-}  // namespace pelvor

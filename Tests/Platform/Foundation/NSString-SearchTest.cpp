@@ -1,81 +1,64 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of searching strings.
-#include "Foundation/NSCharacterSet.h"
-#include "FoundationTestSupport.h"
-#include "Prelude.h"
+#include <set>
 
-namespace pelvor {
+#include "Foundation/NSCharacterSet.h"
+#include "Platform/Foundation/OwnCollections.h"
+
 namespace {
 
 constexpr NSRange kNothing{NSNotFound, 0};
 constexpr NSStringCompareOptions kFold = NSCaseInsensitiveSearch, kLiteral = NSLiteralSearch,
                                  kBack = NSBackwardsSearch, kAnchor = NSAnchoredSearch;
 
-struct Search {
-    const char16_t* text;
-    const char16_t* target;
-    NSStringCompareOptions options;
-    NSRange expected;
-};
+/// "location length", or "none".
+std::string told(NSRange range) { return range == kNothing ? "none" : shown(range.location, range.length); }
+
+/// What is found by these options in strings of every kind, in rows "text/what is looked for -> range".
+void expectFound(NSStringCompareOptions options, std::initializer_list<std::string_view> rows) {
+    expectAll(rows, [=](const std::string& row) {
+        const std::size_t slash = row.find('/');
+        NSString *text = NSString::ofUTF8(row.substr(0, slash)),
+                 *target = NSString::ofUTF8(row.substr(slash + 1));
+        NSRange found = text->rangeOfString_options(target, options);
+        for (NSString* string : everyKindOfString(text->toUTF16()))
+            EXPECT_EQ(string->rangeOfString_options(target, options), found) << row << " " << string->isa();
+        return told(found);
+    });
+}
 
 TEST(NSStringSearchTest, FindsByTheOptions) {
-    const Search cases[] = {
-        {u"abcabc", u"bc", 0, {1, 2}},
-        {u"abcabc", u"bc", kBack, {4, 2}},
-        {u"abcabc", u"abc", kAnchor, {0, 3}},
-        {u"abcabc", u"bc", kAnchor, kNothing},
-        {u"abcabc", u"bc", kAnchor | kBack, {4, 2}},
-        {u"abcabc", u"ab", kAnchor | kBack, kNothing},
-        {u"abcabc", u"x", 0, kNothing},
-        {u"abc", u"abcd", 0, kNothing},
-        {u"abc", u"", 0, kNothing},
-        {u"", u"a", 0, kNothing},
-        {u"aBcABC", u"abc", kFold, {0, 3}},
-        {u"aBcABC", u"abc", kFold | kBack, {3, 3}},
-        {u"ÉTÉ", u"été", kFold | kLiteral, {0, 3}},
-        {u"x𐐀𐐨", u"𐐨", kFold, {1, 2}},
-        {u"x𐐀𐐨", u"𐐀", kFold | kBack | kLiteral, {3, 2}},
-        {u"die STRASSE", u"straße", kFold, {4, 7}},
-        {u"die Straße", u"STRASSE", kFold, {4, 6}},
-        {u"Straße", u"strasse", kFold | kLiteral, kNothing},
-    };
-    for (const Search& c : cases)
-        for (NSString* string : everyKindOfString(c.text))
-            EXPECT_EQ(string->rangeOfString_options(NSString::of(c.target), c.options), c.expected)
-                << string << " " << NSString::of(c.target) << " " << c.options;
+    expectFound(0,
+                {"abcabc/bc -> 1 2", "abcabc/x -> none", "abc/abcd -> none", "abc/ -> none", "/a -> none"});
+    expectFound(kBack, {"abcabc/bc -> 4 2"});
+    expectFound(kAnchor, {"abcabc/abc -> 0 3", "abcabc/bc -> none"});
+    expectFound(kAnchor | kBack, {"abcabc/bc -> 4 2", "abcabc/ab -> none"});
+    expectFound(kFold, {"aBcABC/abc -> 0 3", "x𐐀𐐨/𐐨 -> 1 2", "die STRASSE/straße -> 4 7",
+                        "die Straße/STRASSE -> 4 6"});
+    expectFound(kFold | kBack, {"aBcABC/abc -> 3 3"});
+    expectFound(kFold | kLiteral, {"ÉTÉ/été -> 0 3", "Straße/strasse -> none"});
+    expectFound(kFold | kBack | kLiteral, {"x𐐀𐐨/𐐀 -> 3 2"});
 }
 
 TEST(NSStringSearchTest, EquivalentSpellingsAreFoundAndComposedCharactersKeptWhole) {
-    const Search cases[] = {
-        {u"un cafe\u0301 noir", u"café", 0, {3, 5}},
-        {u"un café noir", u"cafe\u0301", 0, {3, 4}},
-        {u"un cafe\u0301 noir", u"CAFÉ", kFold, {3, 5}},
-        {u"un cafe\u0301 noir", u"café", kLiteral, kNothing},
-        {u"cafe\u0301 cafe", u"cafe", 0, {6, 4}},
-        {u"cafe\u0301 cafe", u"cafe", kLiteral, {0, 4}},
-        {u"cafe cafe\u0301", u"cafe", kBack, {0, 4}},
-        {u"e\u0301", u"\u0301", 0, kNothing},
-        {u"e\u0301", u"\u0301", kLiteral, {1, 1}},
-        {u"q\u0307\u0323!", u"q\u0323\u0307", 0, {0, 3}},
-        {u"x\u1100\u1161", u"가", 0, {1, 2}},
-        {u"é", u"e\u0301", kAnchor, {0, 1}},
-        {u"xe\u0301", u"é", kAnchor | kBack, {1, 2}},
-        {u"e\u0301x", u"e", kAnchor, kNothing},
-        {u"20 \u212A", u"k", kFold, {3, 1}},
-    };
-    for (const Search& c : cases)
-        EXPECT_EQ(NSString::of(c.text)->rangeOfString_options(NSString::of(c.target), c.options), c.expected)
-            << NSString::of(c.text) << " " << NSString::of(c.target) << " " << c.options;
+    expectFound(
+        0, {"un cafe\u0301 noir/café -> 3 5", "un café noir/cafe\u0301 -> 3 4", "cafe\u0301 cafe/cafe -> 6 4",
+            "e\u0301/\u0301 -> none", "q\u0307\u0323!/q\u0323\u0307 -> 0 3", "x\u1100\u1161/가 -> 1 2"});
+    expectFound(kFold, {"un cafe\u0301 noir/CAFÉ -> 3 5", "20 \u212A/k -> 3 1"});
+    expectFound(kLiteral,
+                {"un cafe\u0301 noir/café -> none", "cafe\u0301 cafe/cafe -> 0 4", "e\u0301/\u0301 -> 1 1"});
+    expectFound(kBack, {"cafe cafe\u0301/cafe -> 0 4"});
+    expectFound(kAnchor, {"é/e\u0301 -> 0 1", "e\u0301x/e -> none"});
+    expectFound(kAnchor | kBack, {"xe\u0301/é -> 1 2"});
 }
 
 TEST(NSStringSearchTest, ANearEquivalentComesBeforeAFarPlainOne) {
     const std::u16string between(20000, u'x'), parted = u"e\u0301", whole = u"é";
-    NSString* partedFirst = NSString::of(parted + between + whole);
-    EXPECT_EQ(partedFirst->rangeOfString(u"é"_ns), NSMakeRange(0, 2));
-    EXPECT_EQ(partedFirst->rangeOfString_options(u"é"_ns, kBack), NSMakeRange(20002, 1));
-    NSString* wholeFirst = NSString::of(whole + between + parted);
-    EXPECT_EQ(wholeFirst->rangeOfString(u"é"_ns), NSMakeRange(0, 1));
-    EXPECT_EQ(wholeFirst->rangeOfString_options(u"é"_ns, kBack), NSMakeRange(20001, 2));
+    for (bool isPartedFirst : {true, false}) {
+        NSString* text = NSString::of(isPartedFirst ? parted + between + whole : whole + between + parted);
+        EXPECT_EQ(told(text->rangeOfString(u"é"_ns)), isPartedFirst ? "0 2" : "0 1");
+        EXPECT_EQ(told(text->rangeOfString_options(u"é"_ns, kBack)), isPartedFirst ? "20002 1" : "20001 2");
+    }
 }
 
 TEST(NSStringSearchTest, OnlyTheRangeIsSearched) {
@@ -83,13 +66,11 @@ TEST(NSStringSearchTest, OnlyTheRangeIsSearched) {
     auto search = [&](NSStringCompareOptions options, NSUInteger location, NSUInteger length) {
         return text->rangeOfString_options_range(u"abc"_ns, options, {location, length});
     };
-    EXPECT_EQ(search(0, 1, 7), NSMakeRange(3, 3));
-    EXPECT_EQ(search(kBack, 0, 8), NSMakeRange(3, 3));
-    EXPECT_EQ(search(kAnchor, 3, 3), NSMakeRange(3, 3));
+    EXPECT_EQ(shown(told(search(0, 1, 7)), told(search(kBack, 0, 8)), told(search(kAnchor, 3, 3))),
+              "3 3 3 3 3 3");
     EXPECT_EQ(search(0, 9, 0), kNothing);
-    expectRaises(NSRangeException, [&] { search(0, 9, 1); });
-    expectRaises(NSRangeException, [&] { search(0, 1, 0xFFFFFFFF); });
-    expectRaises(NSInvalidArgumentException, [&] { text->rangeOfString(nullptr); });
+    expectRaised(NSRangeException, {RAISED(search(0, 9, 1)), RAISED(search(0, 1, 0xFFFFFFFF))});
+    expectRaised(NSInvalidArgumentException, {RAISED(text->rangeOfString(nullptr))});
 }
 
 // Long enough for whole vectors, with few letters so that much almost matches.
@@ -101,14 +82,13 @@ TEST(NSStringSearchTest, AgreesWithTheObviousSearch) {
         for (char16_t& unit : target) unit = static_cast<char16_t>(u'a' + random() % 3);
         std::size_t first = text.find(target), last = text.rfind(target);
         auto range = [&](std::size_t place) {
-            return place == text.npos
-                       ? kNothing
-                       : NSRange{static_cast<NSUInteger>(place), static_cast<NSUInteger>(target.size())};
+            return place == text.npos ? "none" : shown(place, target.size());
         };
         NSString *string = NSString::of(text), *wanted = NSString::of(target);
-        ASSERT_EQ(string->rangeOfString(wanted), range(first)) << string << " " << wanted;
-        ASSERT_EQ(string->rangeOfString_options(wanted, kBack), range(last)) << string << " " << wanted;
-        ASSERT_EQ(string->rangeOfString_options(wanted, kFold), range(first)) << string << " " << wanted;
+        ASSERT_EQ(told(string->rangeOfString(wanted)), range(first)) << string << " " << wanted;
+        ASSERT_EQ(told(string->rangeOfString_options(wanted, kBack)), range(last)) << string << " " << wanted;
+        ASSERT_EQ(told(string->rangeOfString_options(wanted, kFold)), range(first))
+            << string << " " << wanted;
     }
 }
 
@@ -184,57 +164,37 @@ TEST(NSStringSearchTest, TextThatAlmostMatchesEverywhereTakesNoLonger) {
 
 TEST(NSStringSearchTest, MembersOfASet) {
     NSCharacterSet* vowels = NSCharacterSet::characterSetWithCharactersInString(u"ae😀"_ns);
-    struct {
-        const char16_t* text;
-        NSStringCompareOptions options;
-        NSRange expected;
-    } cases[] = {{u"xyabe", 0, {2, 1}},
-                 {u"xyabe", kBack, {4, 1}},
-                 {u"xyz", 0, kNothing},
-                 {u"", kBack, kNothing},
-                 {u"z😀😁", 0, {1, 2}},
-                 {u"😀😁z", kBack, {0, 2}},
-                 {u"xA", 0, kNothing},
-                 {u"xA", kFold, {1, 1}},
-                 {u"xa", kAnchor, kNothing},
-                 {u"ax", kAnchor, {0, 1}},
-                 {u"xa", kAnchor | kBack, {1, 1}},
-                 {u"ax", kAnchor | kBack, kNothing},
-                 {u"\xDE00", 0, kNothing}};
-    for (auto& c : cases)
-        EXPECT_EQ(NSString::of(c.text)->rangeOfCharacterFromSet_options(vowels, c.options), c.expected)
-            << NSString::of(c.text) << " " << c.options;
-    NSString* text = u"aba"_ns;
-    EXPECT_EQ(text->rangeOfCharacterFromSet_options_range(vowels, 0, {1, 2}), NSMakeRange(2, 1));
-    expectRaises(NSRangeException, [&] { text->rangeOfCharacterFromSet_options_range(vowels, 0, {2, 2}); });
+    auto expectMembers = [=](NSStringCompareOptions options, std::initializer_list<std::string_view> rows) {
+        expectAll(rows, [=](const std::string& text) {
+            return told(NSString::ofUTF8(text)->rangeOfCharacterFromSet_options(vowels, options));
+        });
+    };
+    expectMembers(0, {"xyabe -> 2 1", "xyz -> none", "z😀😁 -> 1 2", "xA -> none"});
+    expectMembers(kBack, {"xyabe -> 4 1", " -> none", "😀😁z -> 0 2"});
+    expectMembers(kFold, {"xA -> 1 1"});
+    expectMembers(kAnchor, {"xa -> none", "ax -> 0 1"});
+    expectMembers(kAnchor | kBack, {"xa -> 1 1", "ax -> none"});
+    EXPECT_EQ(NSString::of(u"\xDE00")->rangeOfCharacterFromSet(vowels), kNothing);
+    EXPECT_EQ(u"aba"_ns->rangeOfCharacterFromSet_options_range(vowels, 0, {1, 2}), NSMakeRange(2, 1));
+    expectRaised(NSRangeException,
+                 {RAISED(u"aba"_ns->rangeOfCharacterFromSet_options_range(vowels, 0, {2, 2}))});
 }
 
 TEST(NSStringSearchTest, ComposedCharactersAroundAnIndex) {
-    struct {
-        const char16_t* text;
-        NSUInteger index;
-        NSRange expected;
-    } cases[] = {{u"abc", 1, {1, 1}},
-                 {u"ae\u0301b", 1, {1, 2}},
-                 {u"ae\u0301b", 2, {1, 2}},
-                 {u"ae\u0301b", 3, {3, 1}},
-                 {u"x😀y", 1, {1, 2}},
-                 {u"x😀y", 2, {1, 2}},
-                 {u"👩\u200D👩\u200D👧!", 4, {0, 8}},
-                 {u"🇩🇪🇫🇷", 5, {4, 4}},
-                 {u"\u1100\u1161\u11A8x", 2, {0, 3}},
-                 {u"नि", 1, {0, 2}},
-                 {u"a\u0301\u0302\u0303", 0, {0, 4}},
-                 {u"\r\n", 1, {0, 2}},
-                 {u"中文\u3099", 1, {1, 2}}};
-    for (auto& c : cases)
-        for (NSString* string : everyKindOfString(c.text))
-            EXPECT_EQ(string->rangeOfComposedCharacterSequenceAtIndex(c.index), c.expected)
-                << string << " " << c.index;
-    NSString* lone = NSString::of(std::u16string(u"a\xDE00"));
-    EXPECT_EQ(lone->rangeOfComposedCharacterSequenceAtIndex(1), NSMakeRange(1, 1));
-    expectRaises(NSRangeException, [] { u"abc"_ns->rangeOfComposedCharacterSequenceAtIndex(3); });
+    expectAll(
+        {"abc@1 -> 1 1", "ae\u0301b@1 -> 1 2", "ae\u0301b@2 -> 1 2", "ae\u0301b@3 -> 3 1", "x😀y@1 -> 1 2",
+         "x😀y@2 -> 1 2", "👩\u200D👩\u200D👧!@4 -> 0 8", "🇩🇪🇫🇷@5 -> 4 4", "\u1100\u1161\u11A8x@2 -> 0 3",
+         "नि@1 -> 0 2", "a\u0301\u0302\u0303@0 -> 0 4", "\r\n@1 -> 0 2", "中文\u3099@1 -> 1 2"},
+        [](const std::string& row) {
+            const std::size_t at = row.find('@');
+            const auto index = static_cast<NSUInteger>(row[at + 1] - '0');
+            std::set<std::string> ranges;
+            for (NSString* string : everyKindOfString(NSString::ofUTF8(row.substr(0, at))->toUTF16()))
+                ranges.insert(told(string->rangeOfComposedCharacterSequenceAtIndex(index)));
+            return joined({ranges.begin(), ranges.end()});
+        });
+    EXPECT_EQ(told(NSString::of(u"a\xDE00")->rangeOfComposedCharacterSequenceAtIndex(1)), "1 1");
+    expectRaised(NSRangeException, {RAISED(u"abc"_ns->rangeOfComposedCharacterSequenceAtIndex(3))});
 }
 
 }  // namespace
-}  // namespace pelvor

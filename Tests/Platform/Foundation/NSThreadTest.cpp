@@ -5,9 +5,7 @@
 
 #include "Prelude.h"
 
-namespace pelvor::testing {
-
-extern Library threadTestLibrary;
+namespace {
 
 /// Does what it was told, and says when it goes.
 class Worker : public NSObject {
@@ -20,16 +18,12 @@ class Worker : public NSObject {
     void work(id argument) { task(argument); }
 
   protected:
-    Worker() = default;
     ~Worker() { end.set_value(); }
 };
 
-constexpr Class* kClasses[] = {&Worker::classRecord};
-constinit Library threadTestLibrary{"ThreadTest", {}, kClasses, {}};
-
+extern Library threadTestLibrary;
 PELVOR_DEFINE_CLASS(Worker, threadTestLibrary) { methods.instance<"work:", &Worker::work>(); }
-
-namespace {
+constinit Library threadTestLibrary{"ThreadTest", {}, kClassesOf<Worker>, {}};
 
 // Runs the task on a thread of its own and waits until the thread has let go of its target.
 void runOnThread(std::function<void(id)> task, id argument = nullptr) {
@@ -52,9 +46,7 @@ TEST(NSThreadTest, AMessageIsSentOnAThreadOfItsOwn) {
             heard = argument;
         },
         u"hello"_ns);
-    EXPECT_TRUE(isOther && hasPool);
-    EXPECT_TRUE(heard == u"hello"_ns);
-    EXPECT_TRUE(NSThread::isMultiThreaded());
+    EXPECT_EQ(shown(isOther, hasPool, heard, NSThread::isMultiThreaded()), "1 1 hello 1");
 }
 
 TEST(NSThreadTest, TheThreadThatRunsMainIsTheMainThread) {
@@ -110,9 +102,9 @@ TEST(NSThreadTest, WhatAThreadRaisesIsLoggedAndEndsIt) {
 }
 
 TEST(NSThreadTest, MistakesAreRaised) {
-    EXPECT_THROW(NSThread::detachNewThreadSelector_toTarget_withObject(SEL(), u""_ns, nullptr), NSException);
-    EXPECT_THROW(NSThread::detachNewThreadSelector_toTarget_withObject("work:"_sel, nullptr, nullptr),
-                 NSException);
+    auto detach = &NSThread::detachNewThreadSelector_toTarget_withObject;
+    EXPECT_THROW(detach(SEL(), u""_ns, nullptr), NSException);
+    EXPECT_THROW(detach("work:"_sel, nullptr, nullptr), NSException);
 }
 
 TEST(NSThreadTest, SleepingUntilAMomentThatIsOverReturns) {
@@ -124,12 +116,7 @@ TEST(NSThreadTest, SleepingUntilAMomentThatIsOverReturns) {
 }
 
 // In a process of their own, where no thread was started before.
-class NSThreadDeathTest : public ::testing::Test {
-  protected:
-    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
-};
-
-TEST_F(NSThreadDeathTest, TheFirstFurtherThreadIsAnnouncedOnceBeforeItRuns) {
+TEST(NSThreadDeathTest, TheFirstFurtherThreadIsAnnouncedOnceBeforeItRuns) {
     auto announce = [] {
         auto watcher = make<Worker>();
         int announcements = 0;
@@ -147,8 +134,8 @@ TEST_F(NSThreadDeathTest, TheFirstFurtherThreadIsAnnouncedOnceBeforeItRuns) {
         for (int i = 0; i < 3; ++i) runOnThread([&](id) { hasRun = true; });
         std::exit(isRight && announcements == 1 && hasRun && NSThread::isMultiThreaded() ? 0 : 1);
     };
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(announce(), ::testing::ExitedWithCode(0), "Ignored: and logged");
 }
 
 }  // namespace
-}  // namespace pelvor::testing

@@ -3,99 +3,82 @@
 #include "Foundation/NSUserDefaults.h"
 
 #include "Platform/Foundation/BundleTestSupport.h"
-#include "Platform/Foundation/EnvironmentScope.h"
 #include "Platform/Foundation/PropertyListSamples.h"
-#include "Prelude.h"
 
-namespace pelvor::testing {
 namespace {
 
-using propertylists::sampleData;
+NSDictionary* dictionary(std::string_view text) { return cast<NSDictionary>(listOf(text)); }
 
 struct UserDefaults : ::testing::Test {
     Retained<NSUserDefaults> defaults = NSUserDefaults::initVolatile();
 };
 
 TEST_F(UserDefaults, LookInTheirDomainsInOrder) {
-    auto setting = [](NSString* value) { return NSDictionary::of({{u"key"_ns, value}}); };
-    auto value = [this] { return defaults->stringForKey(u"key"_ns); };
-    EXPECT_FALSE(value());
-    defaults->registerDefaults(setting(u"registered"_ns));
-    EXPECT_TRUE(value()->isEqual(u"registered"_ns));
+    auto expect = [this](const char* value) { EXPECT_EQ(shown(defaults->stringForKey(u"key"_ns)), value); };
+    expect("(null)");
+    defaults->registerDefaults(dictionary("{key = registered;}"));
+    expect("registered");
     defaults->setObject_forKey(u"set"_ns, u"key"_ns);
-    EXPECT_TRUE(value()->isEqual(u"set"_ns));
-    defaults->setVolatileDomain_forName(setting(u"test"_ns), u"Test"_ns);
-    EXPECT_TRUE(value()->isEqual(u"test"_ns));
-    defaults->setVolatileDomain_forName(setting(u"argument"_ns), NSArgumentDomain);
-    EXPECT_TRUE(value()->isEqual(u"argument"_ns));
-    EXPECT_TRUE(defaults->dictionaryRepresentation()->isEqual(setting(u"argument"_ns)));
-
-    defaults->removeVolatileDomainForName(NSArgumentDomain);
+    expect("set");
+    defaults->setVolatileDomain_forName(dictionary("{key = test;}"), u"Test"_ns);
+    expect("test");
+    defaults->setVolatileDomain_forName(dictionary("{key = argument;}"), NSArgumentDomain);
+    expect("argument");
+    EXPECT_TRUE(defaults->dictionaryRepresentation()->isEqual(dictionary("{key = argument;}")));
+    for (NSString* name : {NSArgumentDomain, u"Test"_ns}) defaults->removeVolatileDomainForName(name);
     EXPECT_FALSE(defaults->volatileDomainForName(NSArgumentDomain));
-    defaults->removeVolatileDomainForName(u"Test"_ns);
-    EXPECT_TRUE(value()->isEqual(u"set"_ns));
+    expect("set");
     defaults->removeObjectForKey(u"key"_ns);
-    EXPECT_TRUE(value()->isEqual(u"registered"_ns));
+    expect("registered");
     EXPECT_FALSE(defaults->objectForKey(nullptr));
 }
 
 TEST_F(UserDefaults, AddToWhatIsRegistered) {
-    defaults->registerDefaults(NSDictionary::of({{u"a"_ns, u"1"_ns}, {u"b"_ns, u"1"_ns}}));
-    defaults->registerDefaults(NSDictionary::of({{u"b"_ns, u"2"_ns}}));
+    for (const char* added : {"{a = 1; b = 1;}", "{b = 2;}"}) defaults->registerDefaults(dictionary(added));
     defaults->setObject_forKey(u"3"_ns, u"c"_ns);
-    EXPECT_TRUE(defaults->dictionaryRepresentation()->isEqual(
-        NSDictionary::of({{u"a"_ns, u"1"_ns}, {u"b"_ns, u"2"_ns}, {u"c"_ns, u"3"_ns}})));
+    EXPECT_TRUE(defaults->dictionaryRepresentation()->isEqual(dictionary("{a = 1; b = 2; c = 3;}")));
 }
 
 TEST_F(UserDefaults, ConvertNumbersAndTexts) {
-    struct {
-        id object;
-        NSInteger integer;
-        double real;
-        bool boolean;
-        NSString* string;
-    } const rows[] = {
-        {NSNumber::numberWithInt(7), 7, 7, true, u"7"_ns},
-        {NSNumber::numberWithDouble(2.5), 2, 2.5, true, u"2.5"_ns},
-        {NSNumber::numberWithBool(true), 1, 1, true, u"1"_ns},
-        {NSNumber::numberWithInt(0), 0, 0, false, u"0"_ns},
-        {u"12.5 points"_ns, 12, 12.5, true, u"12.5 points"_ns},
-        {u"YES"_ns, 0, 0, true, u"YES"_ns},
-        {u"no"_ns, 0, 0, false, u"no"_ns},
-        {NSArray::of({u"1"_ns}), 0, 0, false, nullptr},
+    const std::pair<id, const char*> rows[] = {
+        {NSNumber::numberWithInt(7), "7 7 1 7"},
+        {NSNumber::numberWithDouble(2.5), "2 2.5 1 2.5"},
+        {NSNumber::numberWithBool(true), "1 1 1 1"},
+        {NSNumber::numberWithInt(0), "0 0 0 0"},
+        {u"12.5 points"_ns, "12 12.5 1 12.5 points"},
+        {u"YES"_ns, "0 0 1 YES"},
+        {u"no"_ns, "0 0 0 no"},
+        {listOf("(1)"), "0 0 0 (null)"},
+        {nullptr, "0 0 0 (null)"},
     };
-    for (const auto& row : rows) {
-        defaults->setObject_forKey(row.object, u"key"_ns);
-        EXPECT_EQ(defaults->integerForKey(u"key"_ns), row.integer) << row.object;
-        EXPECT_EQ(defaults->doubleForKey(u"key"_ns), row.real) << row.object;
-        EXPECT_EQ(defaults->floatForKey(u"key"_ns), static_cast<float>(row.real)) << row.object;
-        EXPECT_EQ(defaults->boolForKey(u"key"_ns), row.boolean) << row.object;
-        NSString* string = defaults->stringForKey(u"key"_ns);
-        EXPECT_TRUE(row.string ? row.string->isEqual(string) : !string) << row.object;
+    NSString* key = u"key"_ns;
+    for (auto [object, values] : rows) {
+        defaults->setObject_forKey(object, key);
+        EXPECT_EQ(shown(defaults->integerForKey(key), defaults->doubleForKey(key), defaults->boolForKey(key),
+                        defaults->stringForKey(key)),
+                  values);
+        EXPECT_EQ(defaults->floatForKey(key), static_cast<float>(defaults->doubleForKey(key)));
     }
-    EXPECT_EQ(defaults->integerForKey(u"other"_ns), 0);
-    EXPECT_FALSE(defaults->boolForKey(u"other"_ns));
 }
 
 TEST_F(UserDefaults, HandOutObjectsOfTheClassAskedFor) {
-    defaults->setObject_forKey(NSArray::of({u"a"_ns, NSNumber::numberWithInt(1)}), u"array"_ns);
-    defaults->setObject_forKey(NSArray::of({u"a"_ns}), u"strings"_ns);
-    defaults->setObject_forKey(NSDictionary::dictionary(), u"dictionary"_ns);
-    defaults->setObject_forKey(sampleData(3), u"data"_ns);
-    EXPECT_TRUE(defaults->arrayForKey(u"array"_ns) && !defaults->stringArrayForKey(u"array"_ns));
-    EXPECT_TRUE(defaults->stringArrayForKey(u"strings"_ns) && !defaults->dataForKey(u"strings"_ns));
-    EXPECT_TRUE(defaults->dictionaryForKey(u"dictionary"_ns) && !defaults->arrayForKey(u"dictionary"_ns));
-    EXPECT_TRUE(defaults->dataForKey(u"data"_ns)->isEqual(sampleData(3)));
-    EXPECT_FALSE(defaults->dictionaryForKey(u"data"_ns));
+    auto kindsOf = [this](id object) {
+        NSString* key = u"key"_ns;
+        defaults->setObject_forKey(object, key);
+        return shown(!!defaults->arrayForKey(key), !!defaults->stringArrayForKey(key),
+                     !!defaults->dictionaryForKey(key), !!defaults->dataForKey(key));
+    };
+    EXPECT_EQ(kindsOf(NSArray::of({u"a"_ns, NSNumber::numberWithInt(1)})), "1 0 0 0");
+    EXPECT_EQ(kindsOf(listOf("(a)")), "1 1 0 0");
+    EXPECT_EQ(kindsOf(listOf("{}")), "0 0 1 0");
+    EXPECT_EQ(kindsOf(sampleData(3)), "0 0 0 1");
 }
 
 TEST_F(UserDefaults, KeepACopyOfWhatIsSet) {
     NSMutableArray* array = NSMutableArray::of({NSMutableArray::of({u"a"_ns})});
     defaults->setObject_forKey(array, u"key"_ns);
     static_cast<NSMutableArray*>(array->objectAtIndex(0))->addObject(u"b"_ns);
-    EXPECT_TRUE(NSArray::of({NSArray::of({u"a"_ns})})->isEqual(defaults->arrayForKey(u"key"_ns)));
-    defaults->setObject_forKey(nullptr, u"key"_ns);
-    EXPECT_FALSE(defaults->objectForKey(u"key"_ns));
+    EXPECT_TRUE(listOf("((a))")->isEqual(defaults->arrayForKey(u"key"_ns)));
 }
 
 TEST_F(UserDefaults, RefuseWhatAFileCannotHold) {
@@ -111,14 +94,11 @@ TEST_F(UserDefaults, RefuseWhatAFileCannotHold) {
 }
 
 TEST_F(UserDefaults, ReadArguments) {
-    NSArray* arguments =
-        NSArray::of({u"program"_ns, u"-Zoom"_ns, u"-5"_ns, u"file"_ns, u"-A"_ns, u"-B"_ns, u"(a, b)"_ns,
-                     u"--long"_ns, u"x"_ns, u"-C"_ns, u"{broken"_ns, u"-D"_ns, u""_ns, u"-"_ns, u"-E"_ns});
+    auto* arguments =
+        cast<NSArray>(listOf("(program, '-Zoom', '-5', file, '-A', '-B', '(a, b)', '--long', x, '-C', "
+                             "'{broken', '-D', '', '-', '-E')"));
     EXPECT_TRUE(NSUserDefaults::settingsFromArguments(arguments)->isEqual(
-        NSDictionary::of({{u"Zoom"_ns, u"-5"_ns},
-                          {u"B"_ns, NSArray::of({u"a"_ns, u"b"_ns})},
-                          {u"C"_ns, u"{broken"_ns},
-                          {u"D"_ns, u""_ns}})));
+        listOf("{Zoom = '-5'; B = (a, b); C = '{broken'; D = '';}")));
 }
 
 TEST_F(UserDefaults, OfTheProgramCanBeExchanged) {
@@ -154,10 +134,7 @@ class UserDefaultsFiles : public ::testing::Test {
         return defaults->synchronize();
     }
     // What a process started now would find.
-    static std::string found(NSString* key) {
-        NSString* value = open()->stringForKey(key);
-        return value ? value->toUTF8() : "nothing";
-    }
+    static std::string found(NSString* key) { return shown(open()->stringForKey(key)); }
     std::string keptAside(const char* number = "") { return contentOf(path.string() + ".damaged" + number); }
 
     BundleFolder folder;
@@ -169,6 +146,8 @@ class UserDefaultsFiles : public ::testing::Test {
 
 TEST_F(UserDefaultsFiles, KeepSettingsForTheUserAlone) {
     auto defaults = open();
+    defaults->registerDefaults(dictionary("{a = b;}"));
+    EXPECT_TRUE(defaults->synchronize() && !fs::exists(config));  // there is nothing to keep
     defaults->setObject_forKey(u"blue"_ns, u"colour"_ns);
     EXPECT_FALSE(fs::exists(path));
     EXPECT_TRUE(defaults->synchronize());
@@ -177,37 +156,24 @@ TEST_F(UserDefaultsFiles, KeepSettingsForTheUserAlone) {
     EXPECT_EQ(fs::status(path.parent_path()).permissions(), fs::perms{0700});
     EXPECT_EQ(std::distance(fs::directory_iterator(path.parent_path()), {}), 1);
     EXPECT_TRUE(save(defaults, u"colour"_ns, nullptr));
-    EXPECT_EQ(found(u"colour"_ns), "nothing");
-    EXPECT_THAT(log.lines, IsEmpty());
-}
-
-TEST_F(UserDefaultsFiles, AreNotMadeWithoutChanges) {
-    auto defaults = open();
-    defaults->registerDefaults(NSDictionary::of({{u"a"_ns, u"b"_ns}}));
-    EXPECT_TRUE(defaults->synchronize());
-    EXPECT_FALSE(fs::exists(config));
+    EXPECT_EQ(found(u"colour"_ns), "(null)");
     EXPECT_THAT(log.lines, IsEmpty());
 }
 
 TEST_F(UserDefaultsFiles, AreFoundInTheHomeFolderToo) {
     EnvironmentScope none("XDG_CONFIG_HOME", "relative/paths/do/not/count");
     EnvironmentScope home("HOME", folder.path().c_str());
-    auto defaults = open();
-    defaults->setBool_forKey(true, u"a"_ns);
-    EXPECT_TRUE(defaults->synchronize());
+    EXPECT_TRUE(save(open().get(), u"a"_ns, u"1"_ns));
     EXPECT_TRUE(fs::exists(folder.path() / ".config/pelvor/Test.plist"));
 }
 
 TEST_F(UserDefaultsFiles, JoinTheChangesOfSeveralProcesses) {
     auto one = open(), other = open();
-    one->setObject_forKey(u"1"_ns, u"a"_ns);
-    one->setObject_forKey(u"1"_ns, u"b"_ns);
-    other->setObject_forKey(u"2"_ns, u"b"_ns);
-    other->setObject_forKey(u"2"_ns, u"c"_ns);
+    for (NSString* key : {u"a"_ns, u"b"_ns}) one->setObject_forKey(u"1"_ns, key);
+    for (NSString* key : {u"b"_ns, u"c"_ns}) other->setObject_forKey(u"2"_ns, key);
     for (auto* defaults : {one.get(), other.get(), one.get()}) EXPECT_TRUE(defaults->synchronize());
     for (auto* defaults : {one.get(), other.get()})
-        EXPECT_TRUE(defaults->dictionaryRepresentation()->isEqual(
-            NSDictionary::of({{u"a"_ns, u"1"_ns}, {u"b"_ns, u"2"_ns}, {u"c"_ns, u"2"_ns}})));
+        EXPECT_TRUE(defaults->dictionaryRepresentation()->isEqual(dictionary("{a = 1; b = 2; c = 2;}")));
 }
 
 TEST_F(UserDefaultsFiles, TellWhenSettingsChange) {
@@ -241,22 +207,16 @@ TEST_F(UserDefaultsFiles, ThatAreDamagedAreKeptAside) {
     EXPECT_TRUE(fs::exists(path.string() + ".damaged-3"));
 }
 
-TEST_F(UserDefaultsFiles, ThatAreDamagedMeanwhileLoseNothing) {
+TEST_F(UserDefaultsFiles, ThatAreDamagedMeanwhileLoseNothingAndThatAreTakenAwayAreMadeAnew) {
     auto defaults = open();
     EXPECT_TRUE(save(defaults, u"a"_ns, u"1"_ns));
     folder.write(path, "damage");
     EXPECT_TRUE(save(defaults, u"b"_ns, u"2"_ns));
     EXPECT_EQ(found(u"a"_ns) + found(u"b"_ns), "12");
     EXPECT_EQ(keptAside(), "damage");
-}
-
-TEST_F(UserDefaultsFiles, ThatAreTakenAwayAreMadeAnew) {
-    auto defaults = open();
-    EXPECT_TRUE(save(defaults, u"a"_ns, u"1"_ns));
     fs::remove(path);
-    EXPECT_TRUE(save(defaults, u"b"_ns, u"2"_ns));
-    EXPECT_EQ(found(u"a"_ns), "nothing");
-    EXPECT_EQ(found(u"b"_ns), "2");
+    EXPECT_TRUE(save(defaults, u"b"_ns, u"3"_ns));
+    EXPECT_EQ(found(u"a"_ns) + found(u"b"_ns), "(null)3");
 }
 
 TEST_F(UserDefaultsFiles, ThatCannotBeWrittenLeaveTheChangesForLater) {
@@ -285,4 +245,3 @@ TEST_F(UserDefaultsFiles, MayBeLinksToOtherFiles) {
 }
 
 }  // namespace
-}  // namespace pelvor::testing

@@ -3,12 +3,9 @@
 #include "Foundation/OrderedTablePrivate.h"
 
 #include "Platform/Foundation/Pebble.h"
-#include "Prelude.h"
 
-namespace pelvor {
 namespace {
 
-using namespace testing;
 using Table = OrderedTable<int>;
 
 std::vector<std::pair<id, int>> contents(Table& table) {
@@ -107,4 +104,3 @@ TEST(OrderedTable, LookUpSurvivesAComparisonThatChangesTheTable) {
 }
 
 }  // namespace
-}  // namespace pelvor

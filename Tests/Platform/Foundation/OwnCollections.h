@@ -3,7 +3,7 @@
 // them.
 #pragma once
 
-#include "Prelude.h"
+#include "Platform/Foundation/Pebble.h"
 
 namespace pelvor::testing {
 
@@ -60,5 +60,19 @@ class Tally : public NSNumber {
     const char* objCType() override { return "i"; }
     void getValue(void* buffer) override { std::memcpy(buffer, &value, sizeof value); }
 };
+
+/// A string that has only its primitives.
+class SparseString : public NSString {
+    PELVOR_CLASS(SparseString, NSString);
+
+  public:
+    std::u16string text;
+
+    NSUInteger length() override { return static_cast<NSUInteger>(text.size()); }
+    unichar characterAtIndex(NSUInteger index) override;
+};
+
+/// Strings of several classes with one text.
+std::vector<NSString*> everyKindOfString(std::u16string_view text);
 
 }  // namespace pelvor::testing

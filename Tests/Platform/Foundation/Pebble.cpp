@@ -1,20 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Platform/Foundation/Pebble.h"
-
-#include "Foundation/FoundationLibrary.h"
 #include "Platform/Foundation/OwnCollections.h"
 
 namespace pelvor::testing {
-namespace {
-
-Library* const kDependencies[] = {&foundationLibrary};
-Class* const kClasses[] = {&Pebble::classRecord, &Countdown::classRecord, &OwnArray::classRecord,
-                           &Tally::classRecord};
-constinit Library pebbleLibrary{"Pebbles", kDependencies, kClasses, {}};
-int aliveCount = 0;
-
-}  // namespace
-
+extern Library pebbleLibrary;
 PELVOR_DEFINE_CLASS(Pebble, pebbleLibrary) {
     methods.instance<"number", &Pebble::number>();
     methods.instance<"compare:", &Pebble::compare>();
@@ -22,6 +10,9 @@ PELVOR_DEFINE_CLASS(Pebble, pebbleLibrary) {
 PELVOR_DEFINE_CLASS(Countdown, pebbleLibrary) {}
 PELVOR_DEFINE_CLASS(OwnArray, pebbleLibrary) {}
 PELVOR_DEFINE_CLASS(Tally, pebbleLibrary) {}
+PELVOR_DEFINE_CLASS(SparseString, pebbleLibrary) {}
+constinit Library pebbleLibrary{
+    "Pebbles", {}, kClassesOf<Pebble, Countdown, OwnArray, Tally, SparseString>, {}};
 
 Retained<Pebble> Pebble::create(int number, std::uintptr_t hash) {
     auto pebble = make<Pebble>();
@@ -29,10 +20,6 @@ Retained<Pebble> Pebble::create(int number, std::uintptr_t hash) {
     pebble->_hash = hash;
     return pebble;
 }
-
-int Pebble::alive() { return aliveCount; }
-
-Pebble::Pebble() { ++aliveCount; }
 
 Pebble::~Pebble() {
     --aliveCount;
@@ -60,6 +47,23 @@ NSArray* numbers(std::initializer_list<int> values) {
     std::vector<Object*> objects;
     for (int value : values) objects.push_back(num(value));
     return NSArray::arrayWithObjects_count(objects.data(), static_cast<NSUInteger>(objects.size()));
+}
+
+unichar SparseString::characterAtIndex(NSUInteger index) {
+    if (index >= length())
+        raiseException(NSRangeException, u"index (%d) beyond bounds (%d)"_ns, index, length());
+    return text[index];
+}
+
+std::vector<NSString*> everyKindOfString(std::u16string_view text) {
+    auto* units = static_cast<unichar*>(std::malloc((text.size() + 1) * sizeof(unichar)));
+    std::copy(text.begin(), text.end(), units);
+    auto external = NSString::initWithCharactersNoCopy_length_freeWhenDone(
+        units, static_cast<NSUInteger>(text.size()), true);
+    auto sparse = make<SparseString>();
+    sparse->text = text;
+    return {NSString::of(text), NSMutableString::of(text), std::move(external).autorelease(),
+            std::move(sparse).autorelease()};
 }
 
 }  // namespace pelvor::testing

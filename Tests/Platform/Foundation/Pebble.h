@@ -15,7 +15,7 @@ class Pebble : public NSObject {
     static Retained<Pebble> create(int number, std::uintptr_t hash);
     static Retained<Pebble> create(int number) { return create(number, static_cast<unsigned>(number)); }
     /// How many exist.
-    static int alive();
+    static int alive() { return aliveCount; }
 
     int number() { return _number; }
     NSComparisonResult compare(Pebble* other);
@@ -27,15 +27,25 @@ class Pebble : public NSObject {
     std::function<void()> whenCompared, whenCopied, whenDestroyed;
 
   protected:
-    Pebble();
+    Pebble() { ++aliveCount; }
     ~Pebble();
 
   private:
+    static inline int aliveCount = 0;
     int _number = 0;
     std::uintptr_t _hash = 0;
 };
 
-using pelvor::reasonOf;
+/// Expects that the work leaves as many pebbles as there were.
+template <class Work>
+void expectPebblesBalance(Work work) {
+    const int before = Pebble::alive();
+    {
+        AutoreleasePool pool;
+        work();
+    }
+    EXPECT_EQ(Pebble::alive(), before);
+}
 
 /// The objects' descriptions with blanks between them.
 template <class Objects>
@@ -49,4 +59,10 @@ std::string listing(const Objects& objects) {
 inline NSNumber* num(int value) { return NSNumber::numberWithInt(value); }
 NSArray* numbers(std::initializer_list<int> values);
 
+/// Expects that what was raised is each an exception of that name.
+inline void expectRaised(const char* name, std::initializer_list<std::string> raised) {
+    EXPECT_THAT(raised, Each(StartsWith(name + std::string(": "))));
+}
+
 }  // namespace pelvor::testing
+using namespace pelvor::testing;

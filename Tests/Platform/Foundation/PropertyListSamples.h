@@ -9,7 +9,10 @@
 #include "Foundation/NSPropertyListSerialization.h"
 #include "Prelude.h"
 
-namespace pelvor::propertylists {
+namespace pelvor::testing {
+
+constexpr auto kXML = NSPropertyListXMLFormat_v1_0, kBinary = NSPropertyListBinaryFormat_v1_0,
+               kOldStyle = NSPropertyListOldStyleFormat;
 
 struct Reading {
     id list = nullptr;
@@ -29,18 +32,21 @@ inline Reading read(std::string_view bytes,
     return reading;
 }
 
+/// The list of that text: "{a = (b, c);}".
+inline id listOf(std::string_view text) { return read(text).list; }
+
 /// The reason for which the bytes are refused, with its place; "" if they are read.
 inline std::string refusal(std::string_view bytes) {
-    Reading reading = read(bytes);
-    return reading.error ? reading.error->description()->toUTF8() : "";
+    NSPropertyListError* error = read(bytes).error;
+    return error ? shown(error) : "";
 }
 
 /// The list as text or bytes; "refused: …" with the reason if it cannot be written.
-inline std::string written(id list, NSPropertyListFormat format = NSPropertyListXMLFormat_v1_0) {
+inline std::string written(id list, NSPropertyListFormat format = kXML) {
     NSPropertyListError* error = nullptr;
     NSData* data =
         NSPropertyListSerialization::dataWithPropertyList_format_options_error(list, format, 0, &error);
-    if (!data) return "refused: " + error->description()->toUTF8();
+    if (!data) return "refused: " + shown(error);
     return {static_cast<const char*>(data->bytes()), data->length()};
 }
 
@@ -63,15 +69,13 @@ inline NSArray* sampleStrings() {
 
 inline NSArray* sampleNumbers() {
     using Real = std::numeric_limits<double>;
-    return NSArray::of({NSNumber::numberWithInt(0), NSNumber::numberWithInt(-1), NSNumber::numberWithInt(255),
-                        NSNumber::numberWithInt(256), NSNumber::numberWithInt(65536),
-                        NSNumber::numberWithLongLong(INT64_MIN), NSNumber::numberWithLongLong(INT64_MAX),
-                        NSNumber::numberWithUnsignedLongLong(UINT64_MAX), NSNumber::numberWithBool(true),
-                        NSNumber::numberWithBool(false), NSNumber::numberWithDouble(0.1),
-                        NSNumber::numberWithDouble(1), NSNumber::numberWithDouble(Real::max()),
-                        NSNumber::numberWithDouble(Real::denorm_min()),
-                        NSNumber::numberWithDouble(Real::infinity()),
-                        NSNumber::numberWithDouble(-Real::infinity()), NSNumber::numberWithFloat(0.1f)});
+    auto whole = &NSNumber::numberWithLongLong;
+    auto real = &NSNumber::numberWithDouble;
+    return NSArray::of({whole(0), whole(-1), whole(255), whole(256), whole(65536), whole(INT64_MIN),
+                        whole(INT64_MAX), NSNumber::numberWithUnsignedLongLong(UINT64_MAX),
+                        NSNumber::numberWithBool(true), NSNumber::numberWithBool(false), real(0.1), real(1),
+                        real(Real::max()), real(Real::denorm_min()), real(Real::infinity()),
+                        real(-Real::infinity()), NSNumber::numberWithFloat(0.1f)});
 }
 
 inline NSArray* sampleDates() {
@@ -90,13 +94,14 @@ inline NSData* sampleData(NSUInteger length) {
 inline NSDictionary* richList() {
     NSDictionary* inner =
         NSDictionary::of({{u"b"_ns, sampleStrings()}, {u"a \u00E4 & \U0001F600"_ns, u"x"_ns}});
+    NSArray* data =
+        NSArray::of({sampleData(0), sampleData(1), sampleData(2), sampleData(3), sampleData(200)});
     return NSDictionary::of(
         {{u"strings"_ns, sampleStrings()},
          {u"numbers"_ns, sampleNumbers()},
          {u"dates"_ns, sampleDates()},
-         {u"data"_ns,
-          NSArray::of({sampleData(0), sampleData(1), sampleData(2), sampleData(3), sampleData(200)})},
-         {u"empty"_ns, NSArray::of({NSArray::array(), NSDictionary::dictionary()})},
+         {u"data"_ns, data},
+         {u"empty"_ns, listOf("((), {})")},
          {u"nested"_ns, NSArray::of({inner, NSArray::of({inner, NSArray::of({inner})})})}});
 }
 
@@ -116,19 +121,17 @@ void runOnSmallStack(Work work) {
     pthread_t thread;
     auto start = [](void* context) -> void* {
         AutoreleasePool pool;
-        (*static_cast<Work*>(context))();
-        return nullptr;
+        return (*static_cast<Work*>(context))(), nullptr;
     };
     ASSERT_EQ(pthread_create(&thread, &attributes, start, &work), 0);
     pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
 }
 
 inline std::string repeated(std::string_view text, std::size_t count) {
     std::string result;
-    result.reserve(text.size() * count);
     while (count-- > 0) result += text;
     return result;
 }
 
-}  // namespace pelvor::propertylists
+}  // namespace pelvor::testing
+using namespace pelvor::testing;

@@ -2,14 +2,14 @@
 // Tests of the user's languages, from the user defaults and from the environment.
 #include "Foundation/UserLanguages.h"
 
-#include "Foundation/NSUserDefaults.h"
-#include "Platform/Foundation/EnvironmentScope.h"
-#include "Prelude.h"
+#include <list>
 
-namespace pelvor {
+#include "Foundation/NSUserDefaults.h"
+#include "Platform/Foundation/BundleTestSupport.h"
+
 namespace {
 
-class UserLanguages : public testing::Test {
+class UserLanguages : public ::testing::Test {
   protected:
     UserLanguages() { NSUserDefaults::setStandardUserDefaults(defaults); }
     ~UserLanguages() override { NSUserDefaults::setStandardUserDefaults(nullptr); }
@@ -20,34 +20,22 @@ class UserLanguages : public testing::Test {
 };
 
 TEST_F(UserLanguages, ComeFromTheEnvironment) {
-    struct {
-        const char* all;
-        const char* messages;
-        const char* lang;
-        const char* language;
-        std::string_view languages;
-    } const rows[] = {
-        {nullptr, nullptr, nullptr, nullptr, "en"},
-        {"", "", "de_AT.UTF-8", "", "de-AT de"},
-        {nullptr, "fr_FR", "de_AT.UTF-8", nullptr, "fr-FR fr"},
-        {"it", "fr_FR", "de_AT.UTF-8", nullptr, "it"},
-        {nullptr, nullptr, "de_AT.UTF-8", "pt_BR:pt_PT:en", "pt-BR pt pt-PT en"},
-        {nullptr, nullptr, nullptr, "sv", "sv"},
-        {"C", nullptr, "de_AT", "sv", "en"},
-        {"C.UTF-8", nullptr, nullptr, "sv", "en"},
-        {"POSIX", nullptr, nullptr, nullptr, "en"},
-        {nullptr, nullptr, "sr_RS@latin", nullptr, "sr-Latn-RS sr-Latn sr"},
-        {nullptr, nullptr, "ca_ES@euro", nullptr, "ca-ES ca"},
-        {nullptr, nullptr, "de_DE", "::../x:12", "de-DE de"},
-        {nullptr, nullptr, "no such locale", nullptr, "en"},
-    };
-    for (const auto& row : rows) {
-        EnvironmentScope scopes[] = {{"LC_ALL", row.all},
-                                     {"LC_MESSAGES", row.messages},
-                                     {"LANG", row.lang},
-                                     {"LANGUAGE", row.language}};
-        EXPECT_EQ(languages(), row.languages);
-    }
+    // LC_ALL, LC_MESSAGES, LANG and LANGUAGE; "-" is none.
+    expectAll({"-,-,-,- -> en", ",,de_AT.UTF-8, -> de-AT de", "-,fr_FR,de_AT.UTF-8,- -> fr-FR fr",
+               "it,fr_FR,de_AT.UTF-8,- -> it", "-,-,de_AT.UTF-8,pt_BR:pt_PT:en -> pt-BR pt pt-PT en",
+               "-,-,-,sv -> sv", "C,-,de_AT,sv -> en", "C.UTF-8,-,-,sv -> en", "POSIX,-,-,- -> en",
+               "-,-,sr_RS@latin,- -> sr-Latn-RS sr-Latn sr", "-,-,ca_ES@euro,- -> ca-ES ca",
+               "-,-,de_DE,::../x:12 -> de-DE de", "-,-,no such locale,- -> en"},
+              [](const std::string& row) {
+                  std::istringstream values(row + ",");
+                  std::list<EnvironmentScope> scopes;
+                  for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG", "LANGUAGE"}) {
+                      std::string value;
+                      std::getline(values, value, ',');
+                      scopes.emplace_back(name, value == "-" ? nullptr : value.c_str());
+                  }
+                  return languages();
+              });
 }
 
 TEST_F(UserLanguages, ComeFromTheUserDefaultsFirst) {
@@ -62,4 +50,3 @@ TEST_F(UserLanguages, ComeFromTheUserDefaultsFirst) {
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -41,16 +41,10 @@ PELVOR_DEFINE_CLASS(Shadow, creatureLibrary) {
 }
 PELVOR_DEFINE_CLASS(Counted, creatureLibrary) {}
 
-namespace {
-
 constexpr Library* kDependencies[] = {&runtimeLibrary};
 // Subclasses first: the order of a list does not matter.
-constexpr Class* kClasses[] = {&Puppy::classRecord, &Dog::classRecord, &Shadow::classRecord,
-                               &Counted::classRecord, &Animal::classRecord};
-
-}  // namespace
-
-constinit Library creatureLibrary{"Creatures", kDependencies, kClasses, {}};
+constinit Library creatureLibrary{
+    "Creatures", kDependencies, kClassesOf<Puppy, Dog, Shadow, Counted, Animal>, {}};
 
 Retained<Animal> Animal::initWithLegs(int legs, Class* cls) {
     auto animal = make<Animal>(cls);

@@ -12,6 +12,11 @@ namespace pelvor::testing {
 
 extern Library creatureLibrary;
 
+/// What RAISED says of a wrong argument.
+inline std::string invalid(const char* reason) {
+    return std::string("NSInvalidArgumentException: ") + reason;
+}
+
 /// What happened, in order; every test begins by emptying it.
 std::vector<std::string>& journal();
 /// Adds a line to the journal. Any thread.
@@ -60,18 +65,12 @@ class Dog : public Animal {
   public:
     int loudness(int distance) override { return 2 * Animal::loudness(distance); }
     int fetch() { return 7; }
-
-  protected:
-    Dog() = default;
-    ~Dog() = default;
 };
 
 class Puppy : public Dog {
     PELVOR_CLASS(Puppy, Dog);
 
   protected:
-    Puppy() = default;
-    ~Puppy() = default;
     double _weeks = 8;
 };
 
@@ -85,8 +84,6 @@ class Shadow : public NSProxy {
     void forwardInvocation(NSInvocation* invocation) override;
 
   protected:
-    Shadow() = default;
-    ~Shadow() = default;
     Retained<Object> _target;
 };
 
@@ -107,3 +104,4 @@ class Counted : public NSObject {
 };
 
 }  // namespace pelvor::testing
+using namespace pelvor::testing;

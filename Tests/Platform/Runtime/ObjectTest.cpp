@@ -3,7 +3,6 @@
 
 #include "Creatures.h"
 
-namespace pelvor::testing {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -136,4 +135,3 @@ TEST(AutoreleasePoolTest, WithoutAPoolObjectsGoWithTheirThread) {
 }
 
 }  // namespace
-}  // namespace pelvor::testing

@@ -3,7 +3,6 @@
 
 #include "Creatures.h"
 
-namespace pelvor::testing {
 namespace {
 
 TEST(WeakHandleTest, KnowsWhenItsObjectIsGone) {
@@ -51,4 +50,3 @@ TEST(WeakHandleTest, AnObjectEndsOnOneThreadWhileOthersAskForIt) {
 }
 
 }  // namespace
-}  // namespace pelvor::testing

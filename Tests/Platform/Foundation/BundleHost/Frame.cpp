@@ -9,11 +9,7 @@ extern Library frameLibrary;
 
 PELVOR_DEFINE_CLASS(Frame, frameLibrary) {}
 
-namespace {
-
 constexpr Class* kClasses[] = {&Frame::classRecord};
-
-}  // namespace
 
 constinit Library frameLibrary{"Frame", {}, kClasses, {}};
 

@@ -8,10 +8,6 @@ namespace pelvor {
 
 class PELVOR_EXPORT Frame : public NSObject {
     PELVOR_CLASS(Frame, NSObject);
-
-  protected:
-    Frame() = default;
-    ~Frame() = default;
 };
 
 }  // namespace pelvor

@@ -21,8 +21,6 @@ class FloorLamp : public Lamp {
 PELVOR_DEFINE_CLASS(Lamp, lampLibrary) { methods.instance<"watts", &Lamp::watts>(); }
 PELVOR_DEFINE_CLASS(FloorLamp, lampLibrary) {}
 
-namespace {
-
 int lampCount(NSString* string) { return static_cast<int>(string->length()); }
 void defineAdditions(MethodTable<NSString>& methods) { methods.instance<"lampCount", &lampCount>(); }
 
@@ -31,8 +29,6 @@ constinit const Category kAdditions = Category::of<NSString, defineAdditions>("L
 constexpr Library* kDependencies[] = {&foundationLibrary};
 constexpr Class* kClasses[] = {&Lamp::classRecord, &FloorLamp::classRecord};
 constexpr const Category* kCategories[] = {&kAdditions};
-
-}  // namespace
 
 constinit Library lampLibrary{"Lamp", kDependencies, kClasses, kCategories};
 

@@ -26,13 +26,9 @@ PELVOR_DEFINE_CLASS(NSBundle, takenLibrary) {}
 
 }  // namespace other
 
-namespace {
-
 constexpr Class* kInner[] = {&Inner::classRecord};
 constexpr Library* kDependencies[] = {&foundationLibrary, &innerLibrary};
 constexpr Class* kClasses[] = {&Outer::classRecord, &other::NSBundle::classRecord};
-
-}  // namespace
 
 constinit Library innerLibrary{"Inner", {}, kInner, {}};
 constinit Library takenLibrary{"Taken", kDependencies, kClasses, {}};

@@ -17,11 +17,7 @@ class Cracked : public NSObject {
 };
 PELVOR_DEFINE_CLASS(Cracked, raisingLibrary) { throw NSException("PlugInException", "no methods today"); }
 
-namespace {
-
 constexpr Class* kClasses[] = {&Sound::classRecord, &Cracked::classRecord};
-
-}  // namespace
 
 constinit Library raisingLibrary{"Raising", {}, kClasses, {}};
 
