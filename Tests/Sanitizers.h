@@ -15,4 +15,8 @@ namespace pelvor {
 /// locks that are given back.
 inline constexpr bool kConstructorsMayRaise = !PELVOR_HAS_FEATURE(thread_sanitizer);
 
+/// Whether a program goes on with less room for addresses than the machine has.
+inline constexpr bool kMemoryMayBeLimited =
+    !PELVOR_HAS_FEATURE(thread_sanitizer) && !PELVOR_HAS_FEATURE(address_sanitizer);
+
 }  // namespace pelvor

@@ -100,9 +100,7 @@ int WRApplication::run() {
         return 0;
     }
     startUp();
-    if (!_arguments->hasOption(u"--list"_ns) && openDocument()) {
-        changeDocument(_document, _arguments, _report);
-        print(_report->takeText());
+    if (!_arguments->hasOption(u"--list"_ns) && openDocument() && changeText()) {
         loadDocumentPlugIns();
         examineDocument();
         runMainLoop();
@@ -151,6 +149,16 @@ bool WRApplication::openDocument() {
 
 void WRApplication::readerDidRead_of(unsigned long long count, unsigned long long length) {
     _progress->showTask_done_of(localized(u"_Reading"_ns), count, length);
+}
+
+// Where a change breaks off nothing is written.
+bool WRApplication::changeText() try {
+    changeDocument(_document, _arguments, _report);
+    print(_report->takeText());
+    return true;
+} catch (...) {
+    complainOfException();
+    return false;
 }
 
 void WRApplication::loadDocumentPlugIns() {
@@ -215,8 +223,7 @@ void WRApplication::runMainLoop() {
         if (_arguments->hasOption(u"--stay"_ns)) _loop->stayForTarget_selector(this, "takeLine:"_sel);
         _loop->runWhile([&] { return _waitingPerforms > 0 || counter->isCounting(); });
     } catch (...) {
-        complain(
-            localizedFormat(u"_The work was broken off: %@"_ns, NSString::ofUTF8(currentExceptionReason())));
+        complainOfException();
     }
     _loop->end();
     counter->invalidate();
@@ -328,6 +335,10 @@ void WRApplication::complain(NSString* problem) {
     _hasFailed = true;
     print(_report->takeText());
     std::fprintf(stderr, "%s\n", WRReport::printableText(problem)->toUTF8().c_str());
+}
+
+void WRApplication::complainOfException() {
+    complain(localizedFormat(u"_The work was broken off: %@"_ns, NSString::ofUTF8(currentExceptionReason())));
 }
 
 }  // namespace pelvor

@@ -54,6 +54,7 @@ class WRApplication : public NSObject {
   private:
     void startUp();
     bool openDocument();
+    bool changeText();
     void loadDocumentPlugIns();
     void examineDocument();
     void runMainLoop();
@@ -68,6 +69,7 @@ class WRApplication : public NSObject {
     void markMoment(const char* name);
     void print(NSString* text);
     void complain(NSString* problem);
+    void complainOfException();
 
     Retained<WRArguments> _arguments;
     Retained<WRReport> _report;

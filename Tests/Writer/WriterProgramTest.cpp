@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <sys/resource.h>
+
 #include <csignal>
 
 #include "Prelude.h"
+#include "Sanitizers.h"
 #include "WriterProgram.h"
 
 namespace pelvor {
@@ -189,6 +192,23 @@ TEST(WriterProgram, ChangesTheWholeDocumentAndWritesIt) {
         EXPECT_EQ(program.folder.read("b.txt"), change.after) << change.line;
         EXPECT_TRUE(run.prints(change.line)) << run.output;
     }
+}
+
+TEST(WriterProgram, WritesNothingWhereAChangeBreaksOff) {
+    if (!kMemoryMayBeLimited) GTEST_SKIP();
+    WriterProgram program;
+    const std::string path = program.folder.write("a.txt", std::string(1'000'000, 'a'));
+    rlimit usual;
+    getrlimit(RLIMIT_AS, &usual);
+    const rlimit small{rlim_t{1} << 30, usual.rlim_max};
+    setrlimit(RLIMIT_AS, &small);
+    const WriterRun run = program.run(
+        {path, "--find=a", "--replace", std::string(1000, 'b'), "--save-as", program.folder.path("b.txt")});
+    setrlimit(RLIMIT_AS, &usual);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.prints("Found “a”: 1000000")) << run.output;
+    EXPECT_TRUE(run.complains("The work was broken off: ")) << run.errors;
+    EXPECT_EQ(program.folder.read("b.txt"), "");
 }
 
 TEST(WriterProgram, ShowsWhatStandsAtAPosition) {
