@@ -1,21 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NSData-PelvorAdditions.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <optional>
-#include <string>
 
 #include "Base64TextPrivate.h"
 #include "BaseLibrary.h"
 #include "ByteSearchPrivate.h"
 #include "Foundation/NSMutableData.h"
 #include "HexTextPrivate.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
-#include "Runtime/Registry.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 namespace {
@@ -39,27 +32,22 @@ Bytes scrambledBytes(std::size_t size) {
 }
 
 TEST(Base64, BreaksLinesAfterWholeGroups) {
-    AutoreleasePool pool;
-    const struct {
-        const char* bytes;
-        NSUInteger lineLength;
-        const char* text;
-    } rows[] = {{"ABC", 0, "QUJD"},
-                {"ABC", 4, "QUJD\n"},
-                {"AB", 0, "QUI="},
-                {"A", 0, "QQ=="},
-                {"", 4, ""},
-                {"ABCDEFG", 8, "QUJDREVG\nRw=="},
-                {"ABCDEF", 5, "QUJDREVG\n"},
-                {"ABCD", 1, "QUJD\nRA==\n"},
-                {"ABC", 0xFFFFFFFF, "QUJD"}};
-    for (auto& row : rows)
-        EXPECT_EQ(textOf(base64DataWithLineLength(dataOf(row.bytes), row.lineLength)), row.text);
+    auto lines = [](const char* bytes, NSUInteger length) {
+        return textOf(base64DataWithLineLength(dataOf(bytes), length));
+    };
+    EXPECT_EQ(lines("ABC", 0), "QUJD");
+    EXPECT_EQ(lines("AB", 0), "QUI=");
+    EXPECT_EQ(lines("A", 0), "QQ==");
+    EXPECT_EQ(lines("ABC", 4), "QUJD\n");
+    EXPECT_EQ(lines("", 4), "");
+    EXPECT_EQ(lines("ABCDEFG", 8), "QUJDREVG\nRw==");
+    EXPECT_EQ(lines("ABCDEF", 5), "QUJDREVG\n");
+    EXPECT_EQ(lines("ABCD", 1), "QUJD\nRA==\n");
+    EXPECT_EQ(lines("ABC", 0xFFFFFFFF), "QUJD");
     EXPECT_EQ(base64String(dataOf("ABCD"))->toUTF8(), "QUJDRA==");
 }
 
 TEST(Base64, IsReadPastEverythingForeign) {
-    AutoreleasePool pool;
     registerLibrary(baseLibrary);
     id read = send<id>(NSMutableData::classObject(), "dataWithBase64String:"_sel, u"QUJD"_ns);
     cast<NSMutableData>(read)->appendBytes_length("D", 1);
@@ -69,15 +57,9 @@ TEST(Base64, IsReadPastEverythingForeign) {
         {u"é QUJD", ""},  {u"===A", ""},       {u"QQ=A", "A"},        {u"QUJD=QUJ", "ABC"}, {u"-_.", ""}};
     for (auto [text, bytes] : rows)
         EXPECT_EQ(textOf(Additions::dataWithBase64String(NSString::of(text))), bytes);
-    for (auto* text : {u"QUI", u"QUJD=", u"Q", u"QUJDQU\n"}) {
-        try {
-            Additions::dataWithBase64String(NSString::of(text));
-            ADD_FAILURE() << NSString::of(text);
-        } catch (const NSException& exception) {
-            EXPECT_EQ(exception.name(), "Base64Error");
-            EXPECT_EQ(exception.reason(), "Premature end of Base64 string");
-        }
-    }
+    for (NSString* text : {u"QUI"_ns, u"QUJD="_ns, u"Q"_ns, u"QUJDQU\n"_ns})
+        EXPECT_EQ(reasonOf(Base64Error, [&] { Additions::dataWithBase64String(text); }),
+                  "Premature end of Base64 string");
 }
 
 // The bytes that the text stands for, or that it is not ASCII.
@@ -117,7 +99,6 @@ TEST(Base64, NoticesEveryForeignUnitInAWideBlock) {
 }
 
 TEST(HexText, IsReadAndWritten) {
-    AutoreleasePool pool;
     EXPECT_EQ(lowercaseHexString(dataOf("\x0A\xFF"))->toUTF8(), "0x0aff");
     EXPECT_EQ(unadornedLowercaseHexString(dataOf("\x0A\xFF"))->toUTF8(), "0aff");
     EXPECT_EQ(lowercaseHexString(NSData::data())->toUTF8(), "0x");
@@ -151,15 +132,17 @@ TEST(HexText, IsTheSameWithWideAndPlainInstructions) {
 }
 
 TEST(ByteSearch, FindsTheFirstPlaceInsideTheRange) {
-    AutoreleasePool pool;
     NSData* data = dataOf("abcabcabd");
+    auto find = [=](const char* bytes, NSRange range) {
+        return rangeOfBytes_length_range(data, bytes, static_cast<NSUInteger>(std::strlen(bytes)), range);
+    };
     EXPECT_EQ(rangeOfData(data, dataOf("abd")), NSMakeRange(6, 3));
-    EXPECT_EQ(rangeOfBytes_length_range(data, "abc", 3, {1, 5}), NSMakeRange(3, 3));
-    EXPECT_EQ(rangeOfBytes_length_range(data, "abc", 3, {4, 5}), NSMakeRange(NSNotFound, 0));
+    EXPECT_EQ(find("abc", {1, 5}), NSMakeRange(3, 3));
+    EXPECT_EQ(find("abc", {4, 5}), NSMakeRange(NSNotFound, 0));
     EXPECT_EQ(rangeOfBytes_length(data, "a", 0), NSMakeRange(NSNotFound, 0));
     EXPECT_EQ(rangeOfData(data, nullptr), NSMakeRange(NSNotFound, 0));
-    EXPECT_THROW(rangeOfBytes_length_range(data, "a", 1, {9, 1}), NSException);
-    EXPECT_THROW(rangeOfBytes_length_range(data, "a", 1, {4, 0xFFFFFFFE}), NSException);
+    for (NSRange outside : {NSRange{9, 1}, NSRange{4, 0xFFFFFFFE}})
+        EXPECT_THROW(find("a", outside), NSException);
     registerLibrary(baseLibrary);
     EXPECT_EQ(send<NSRange>(data, "rangeOfData:"_sel, dataOf("c")), NSMakeRange(2, 1));
 }

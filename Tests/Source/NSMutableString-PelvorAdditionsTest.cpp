@@ -1,15 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NSMutableString-PelvorAdditions.h"
 
-#include <gtest/gtest.h>
-
-#include <functional>
-
 #include "BaseLibrary.h"
 #include "Foundation/NSCharacterSet.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/NSException.h"
-#include "Runtime/Registry.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 namespace {
@@ -28,10 +22,6 @@ class CountingText : public NSMutableString {
 
     std::u16string text;
     int changes = 0;
-
-  protected:
-    CountingText() = default;
-    ~CountingText() = default;
 };
 
 constexpr Library* kNeeded[] = {&baseLibrary};
@@ -55,7 +45,6 @@ std::u16string changed(std::u16string_view text, const Change& change, int chang
 }
 
 TEST(LineEndings, AreAllReplaced) {
-    AutoreleasePool pool;
     const struct {
         std::u16string_view text, ending, result;
         int changes;
@@ -78,27 +67,25 @@ TEST(LineEndings, AreAllReplaced) {
 }
 
 TEST(Members, AreRemovedAndReplacedByCodePoints) {
-    AutoreleasePool pool;
     NSCharacterSet* set = NSCharacterSet::characterSetWithCharactersInString(u"ab\U0001F600"_ns);
     NSCharacterSet* vowels = NSCharacterSet::characterSetWithCharactersInString(u"aeiou"_ns);
-    auto remove = [&](NSMutableString* text) { removeCharactersInSet(text, set); };
+    auto remove = [](NSCharacterSet* members) {
+        return [=](NSMutableString* text) { removeCharactersInSet(text, members); };
+    };
     auto replace = [&](NSMutableString* text) {
         replaceAllOccurrencesOfCharactersInSet_withString(text, set, u"aba"_ns);
     };
-    EXPECT_EQ(changed(u"xaby\U0001F600z\U0001F601", remove, 3), u"xyz\U0001F601");
-    EXPECT_EQ(changed(u"aaa", remove, 3), u"");
-    EXPECT_EQ(changed(std::u16string{u'\xD83D', u'a', u'\xDE00'}, remove, 1), u"\U0001F600");
+    EXPECT_EQ(changed(u"xaby\U0001F600z\U0001F601", remove(set), 3), u"xyz\U0001F601");
+    EXPECT_EQ(changed(u"aaa", remove(set), 3), u"");
+    EXPECT_EQ(changed(std::u16string{u'\xD83D', u'a', u'\xDE00'}, remove(set), 1), u"\U0001F600");
+    EXPECT_EQ(changed(u"educational pneumonoultramicroscopic \u0434\U0001F600", remove(vowels), 16),
+              u"dctnl pnmnltrmcrscpc \u0434\U0001F600");
     EXPECT_EQ(changed(u"xa\U0001F600", replace, 2), u"xabaaba");
     EXPECT_EQ(changed(u"xyz", replace, 0), u"xyz");
-    EXPECT_EQ(changed(
-                  u"educational pneumonoultramicroscopic \u0434\U0001F600",
-                  [&](NSMutableString* text) { removeCharactersInSet(text, vowels); }, 16),
-              u"dctnl pnmnltrmcrscpc \u0434\U0001F600");
     EXPECT_THROW(removeCharactersInSet(NSMutableString::string(), nullptr), NSException);
 }
 
 TEST(Occurrences, AreReplacedLiterallyInOneChange) {
-    AutoreleasePool pool;
     const struct {
         std::u16string_view text, target, replacement, result;
     } rows[] = {{u"aXbXc", u"X", u"--", u"a--b--c"},
@@ -117,9 +104,8 @@ TEST(Occurrences, AreReplacedLiterallyInOneChange) {
         };
         EXPECT_EQ(changed(row.text, change, isAny), row.result);
     }
-    EXPECT_EQ(changed(
-                  u"a", [](NSMutableString* text) { appendCharacter(text, 0xD83D); }, 1),
-              (std::u16string{u'a', 0xD83D}));
+    auto append = [](NSMutableString* text) { appendCharacter(text, 0xD83D); };
+    EXPECT_EQ(changed(u"a", append, 1), u"a\xD83D");
 }
 
 }  // namespace

@@ -1,83 +1,77 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NSString-PelvorAdditions.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <clocale>
-#include <vector>
 
 #include "BaseLibrary.h"
 #include "Foundation/NSCharacterSet.h"
-#include "Foundation/NSData.h"
-#include "Foundation/NSMutableString.h"
-#include "Foundation/NSSet.h"
 #include "PBPostLoader.h"
 #include "PBRepeatString.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Message.h"
-#include "Runtime/NSException.h"
-#include "Runtime/Registry.h"
+#include "Prelude.h"
 
 namespace pelvor::testing {
 namespace {
 
+using namespace std::string_literals;
 using Text = std::u16string_view;
 
-NSRange wordAt(Text text, NSRange range, bool includesPrevious = false) {
-    return wordRangeForRange_includePreviousWord(NSString::of(text), range, includesPrevious);
+std::vector<Text> piecesOf(Text text, char16_t separator) {
+    std::vector<Text> pieces;
+    std::size_t start = 0;
+    for (std::size_t end; (end = text.find(separator, start)) != Text::npos; start = end + 1)
+        pieces.push_back(text.substr(start, end - start));
+    pieces.push_back(text.substr(start));
+    return pieces;
+}
+
+// A text with "|" where a range begins and ends, or both, and "[", ")" and "]" where the answer starts, has
+// its contents' end, and ends.
+struct MarkedText {
+    explicit MarkedText(Text marked) {
+        for (char16_t unit : marked) {
+            std::size_t kind = Text(u"|[)]").find(unit);
+            if (kind == Text::npos)
+                text += unit;
+            else
+                marks[kind].push_back(static_cast<NSUInteger>(text.size()));
+        }
+        string = NSString::of(text);
+    }
+    NSRange range() const { return {marks[0].front(), marks[0].back() - marks[0].front()}; }
+    NSRange answer(std::size_t end = 3) const { return {marks[1][0], marks[end][0] - marks[1][0]}; }
+
+    std::u16string text;
+    std::vector<NSUInteger> marks[4];
+    NSString* string;
+};
+
+// Texts with a slash between them: "I [do|n't] know/the dogs|[]' tails".
+void expectWords(Text texts, bool includesPrevious = false) {
+    for (Text text : piecesOf(texts, u'/')) {
+        const MarkedText marked(text);
+        EXPECT_EQ(wordRangeForRange_includePreviousWord(marked.string, marked.range(), includesPrevious),
+                  marked.answer())
+            << NSString::of(text);
+    }
 }
 
 TEST(WordRange, FollowsTheRuleOfTheUnitAtTheCaret) {
-    AutoreleasePool pool;
     PBPostLoader::processClasses();
-    const struct {
-        Text text;
-        NSUInteger caret;
-        NSRange word;
-    } rows[] = {{u"I don't know", 4, {2, 5}},
-                {u"I don\u2019t know", 5, {2, 5}},
-                {u"the dogs' tails", 8, {8, 0}},
-                {u"'tis", 0, {0, 0}},
-                {u"foo bar", 4, {4, 3}},
-                {u"foo bar", 7, {4, 3}},
-                {u"foo bar", 3, {3, 0}},
-                {u"costs $1,250.99 today", 9, {6, 9}},
-                {u"costs $1,250.99 today", 6, {6, 9}},
-                {u"one, two", 3, {3, 0}},
-                {u"a - b", 2, {2, 0}},
-                {u"end. Next", 3, {3, 0}},
-                {u"ab12cd", 2, {2, 2}},
-                {u"ab12cd", 1, {0, 2}},
-                {u"of \u20AC12,5 each", 3, {3, 5}},
-                {u" $.99 ", 1, {1, 4}},
-                {u"$.99", 1, {1, 3}},
-                {u"x.5", 1, {1, 0}},
-                {u"1,", 1, {1, 0}},
-                {u"a\u0002b", 2, {2, 1}},
-                {u"e\u0301t\u00E9!", 1, {0, 4}},
-                {u"", 0, {0, 0}},
-                {u"foo.", 4, {4, 0}}};
-    for (auto& [text, caret, word] : rows)
-        EXPECT_EQ(wordAt(text, {caret, 0}), word) << NSString::of(text) << " at " << caret;
+    expectWords(
+        u"I [do|n't] know/I [don|\u2019t] know/the dogs|[]' tails/|[]'tis/1'[|ab]/[e|\u0301t\u00E9]!/|[]/"
+        u"foo |[bar]/foo [bar|]/foo|[] bar/foo.|[]/one|[], two/a |[]- b/end|[]. Next/a\u0002[|b]/"
+        u"costs [$1,|250.99] today/costs [|$1,250.99] today/of [|\u20AC12,5] each/ab[|12]cd/[a|b]12cd/"
+        u" [|$.99] /$[|.99]/x|[].5/5|[]..5/1|[],/1|[],a/a|[],1 x");
 }
 
 TEST(WordRange, CrossesOneSeparatorAndSpansTheRange) {
-    AutoreleasePool pool;
-    EXPECT_EQ(wordAt(u"foo bar", {4, 0}, true), NSMakeRange(0, 7));
-    EXPECT_EQ(wordAt(u"foo bar", {7, 0}, true), NSMakeRange(0, 7));
-    EXPECT_EQ(wordAt(u"foo  bar", {5, 0}, true), NSMakeRange(4, 4)) << "one separator of two";
-    EXPECT_EQ(wordAt(u"foo. bar", {5, 0}, true), NSMakeRange(4, 4));
-    EXPECT_EQ(wordAt(u" bar", {1, 0}, true), NSMakeRange(0, 4));
-    EXPECT_EQ(wordAt(u"one two three", {5, 4}), NSMakeRange(4, 9)) << "from inside two to inside three";
-    EXPECT_EQ(wordAt(u"one two", {0, 4}), NSMakeRange(0, 3));
-    EXPECT_EQ(wordAt(u"one 12", {1, 4}), NSMakeRange(0, 4)) << "the first unit's rule holds to the end";
-    EXPECT_THROW(wordAt(u"one", {4, 0}), NSException);
-    EXPECT_THROW(wordAt(u"one", {2, 0xFFFFFFFF}), NSException);
+    expectWords(u"[foo |bar]/[foo bar|]/foo [ |bar]/foo.[ |bar]/[ |bar]/[a\u0002|b]/[a\u0003|b]", true);
+    expectWords(u"one [t|wo t|hree]/[|one] |two/[o|ne ]1|2");
+    for (NSRange range : {NSRange{4, 0}, NSRange{2, 0xFFFFFFFF}})
+        EXPECT_THROW(wordRangeForRange_includePreviousWord(u"one"_ns, range, false), NSException);
 }
 
 TEST(WordRange, TrimsWordsAndWhiteSpace) {
-    AutoreleasePool pool;
     NSString* text = u" \u2028(two words\u0301!) \U0001D7D8."_ns;
     NSUInteger count = text->length();
     EXPECT_EQ(rangeOfTrimmedWordForRange(text, {0, count}), NSMakeRange(3, 15)) << "with the digit pair";
@@ -89,7 +83,6 @@ TEST(WordRange, TrimsWordsAndWhiteSpace) {
 }
 
 TEST(CharacterLocation, IsTheLastUnitOfAMatchBackwards) {
-    AutoreleasePool pool;
     NSString* text = u"a\U0001F600b\U0001F600"_ns;
     NSCharacterSet* faces = NSCharacterSet::characterSetWithCharactersInString(u"\U0001F600"_ns);
     auto find = [&](NSStringCompareOptions options, NSUInteger location) {
@@ -97,9 +90,8 @@ TEST(CharacterLocation, IsTheLastUnitOfAMatchBackwards) {
     };
     EXPECT_EQ(find(0, 0), 1u);
     EXPECT_EQ(find(0, 3), 4u);
-    EXPECT_EQ(find(0, 6), NSNotFound);
-    EXPECT_EQ(find(0, 0xFFFFFFFF), NSNotFound);
-    EXPECT_EQ(find(NSBackwardsSearch, 3), 2u);
+    for (NSUInteger past : {6u, 0xFFFFFFFF}) EXPECT_EQ(find(0, past), NSNotFound);
+    EXPECT_EQ(find(NSBackwardsSearch, 2), 2u);
     EXPECT_EQ(find(NSBackwardsSearch, 0xFFFFFFFF), 5u);
     EXPECT_EQ(find(NSBackwardsSearch, 1), NSNotFound) << "half of a pair is not the pair";
 
@@ -112,35 +104,26 @@ TEST(CharacterLocation, IsTheLastUnitOfAMatchBackwards) {
 }
 
 TEST(ParagraphRange, EndsWithItsBreak) {
-    AutoreleasePool pool;
-    const struct {
-        Text text;
-        NSRange range, paragraph, content;
-    } rows[] = {{u"ab\r\ncd", {0, 0}, {0, 4}, {0, 2}},      {u"ab\r\ncd", {4, 0}, {4, 2}, {4, 2}},
-                {u"ab\r\ncd", {3, 0}, {3, 1}, {3, 0}},      {u"ab\r\ncd", {0, 3}, {0, 4}, {0, 2}},
-                {u"ab\r\ncd", {1, 4}, {0, 6}, {0, 6}},      {u"a\u2029b\u0085c\fd", {2, 3}, {2, 4}, {2, 3}},
-                {u"a\vb\u2028c\n", {0, 1}, {0, 6}, {0, 5}}, {u"a\n\nb", {2, 0}, {2, 1}, {2, 0}},
-                {u"a\n", {2, 0}, {2, 0}, {2, 0}},           {u"", {0, 0}, {0, 0}, {0, 0}}};
-    for (auto& [text, range, paragraph, content] : rows) {
-        EXPECT_EQ(paragraphRangeForRange(NSString::of(text), range), paragraph) << NSString::of(text);
-        EXPECT_EQ(paragraphContentRangeForRange(NSString::of(text), range), content) << NSString::of(text);
+    for (Text text : piecesOf(u"|[ab)\r\n]cd/ab\r\n|[cd)]/ab\r|[)\n]cd/|[ab)\r|\n]cd/[a|b\r\nc|d)]/"
+                              u"a\n|[)\n]b/|[a|)\n]\nb/a\n|[)]/|[)]/"
+                              u"a\u2029|[b\u0085c|)\f]d/|[a|\vb\u2028c)\n]",
+                              u'/')) {
+        const MarkedText marked(text);
+        EXPECT_EQ(paragraphRangeForRange(marked.string, marked.range()), marked.answer()) << marked.string;
+        EXPECT_EQ(paragraphContentRangeForRange(marked.string, marked.range()), marked.answer(2))
+            << marked.string;
     }
     NSUInteger contentsEnd = 0;
     getParagraphStart_end_contentsEnd_forRange(u"ab"_ns, nullptr, nullptr, &contentsEnd, {1, 0});
     EXPECT_EQ(contentsEnd, NSNotFound);
-    for (NSRange range : {NSRange{3, 0}, NSRange{1, 2}, NSRange{1, 0xFFFFFFFF}}) {
-        try {
-            paragraphRangeForRange(u"ab"_ns, range);
-            ADD_FAILURE();
-        } catch (const NSException& exception) {
-            EXPECT_EQ(exception.name(), NSRangeException);
-            EXPECT_TRUE(exception.reason().ends_with("} must be in range: {0, 2}")) << exception.reason();
-        }
-    }
+    const std::pair<NSRange, const char*> outside[] = {
+        {{3, 0}, "{3, 0}"}, {{1, 2}, "{1, 2}"}, {{1, 0xFFFFFFFF}, "{1, 4294967295}"}};
+    for (auto [range, text] : outside)
+        EXPECT_EQ(reasonOf(NSRangeException, [&] { paragraphRangeForRange(u"ab"_ns, range); }),
+                  "range: "s + text + " must be in range: {0, 2}");
 }
 
 TEST(ParagraphRange, IsFoundInALongTextThatIsNotInOnePiece) {
-    AutoreleasePool pool;
     auto text = PBRepeatString::initWithString_length(u"12345678 don't\n"_ns, 1500);
     for (NSUInteger start = 0; start < 1500; start += 15) {
         EXPECT_EQ(paragraphRangeForRange(text, {start + 7, 0}), NSMakeRange(start, 15));
@@ -152,7 +135,6 @@ TEST(ParagraphRange, IsFoundInALongTextThatIsNotInOnePiece) {
 }
 
 TEST(ComposedCharacters, AreWidenedToWholeOnes) {
-    AutoreleasePool pool;
     NSString* text = u"ae\u0301\u0323o\U0001F469\u200D\U0001F692z"_ns;
     EXPECT_EQ(rangeOfComposedCharactersForRange(text, {2, 1}), NSMakeRange(1, 3));
     EXPECT_EQ(rangeOfComposedCharactersForRange(text, {3, 4}), NSMakeRange(1, 9));
@@ -168,12 +150,10 @@ TEST(ComposedCharacters, AreWidenedToWholeOnes) {
 }
 
 TEST(CharacterRange, IsAUnitOrAPair) {
-    AutoreleasePool pool;
     NSString* text = NSString::of(
-        u"\xDC00"
-        u"a\xD83D\xDE00"
+        u"\xDC00\xDC00\xD83D\xDE00"
         u"b\xD83D");
-    const NSRange expected[] = {{0, 1}, {1, 1}, {2, 2}, {2, 2}, {4, 1}, {5, 1}, {6, 0}};
+    const NSRange expected[] = {{0, 1}, {0, 2}, {2, 2}, {2, 2}, {4, 1}, {5, 1}, {6, 0}};
     for (NSUInteger i = 0; i < std::size(expected); ++i)
         EXPECT_EQ(rangeOfCharacterAtIndex(text, i), expected[i]);
     EXPECT_EQ(rangeOfCharacterAtIndex(NSString::of(u"\xD83Dx\xDC00"), 0), NSMakeRange(0, 2));
@@ -181,7 +161,6 @@ TEST(CharacterRange, IsAUnitOrAPair) {
 }
 
 TEST(MatchingCase, TakesTheCaseOfThePattern) {
-    AutoreleasePool pool;
     const std::pair<Text, Text> rows[] = {{u"Hello", u"World-Wide Don't"}, {u"HELLO", u"WORLD-WIDE DON'T"},
                                           {u"hello", u"world-wIDE don't"}, {u"H", u"WORLD-WIDE DON'T"},
                                           {u"H1", u"World-Wide Don't"},    {u"", u"world-wIDE don't"},
@@ -193,7 +172,6 @@ TEST(MatchingCase, TakesTheCaseOfThePattern) {
 }
 
 TEST(ToggledCase, KeepsOneByteOfALetter) {
-    AutoreleasePool pool;
     EXPECT_EQ(toggledcaseString(u"Hello, wORLD 1"_ns)->toUTF16(), u"hELLO, World 1");
     EXPECT_EQ(toggledcaseString(u"\u00E9\u0416"_ns)->toUTF16(), u"\u00E9\u0416") << "no letters of plain C";
     ASSERT_TRUE(std::setlocale(LC_CTYPE, "C.UTF-8"));
@@ -202,48 +180,32 @@ TEST(ToggledCase, KeepsOneByteOfALetter) {
     EXPECT_EQ(result->toUTF16(), u"\u00C9\u00E9\u0036\u0078\u4E00");
 }
 
+// "The quick br|own fox=The quick/...": what an operation makes of a text, with a bar where the length ends.
+void expectResults(NSString* (*operation)(NSString*, NSUInteger), Text rows) {
+    for (Text row : piecesOf(rows, u'/')) {
+        const MarkedText marked(piecesOf(row, u'=')[0]);
+        EXPECT_EQ(operation(marked.string, marked.marks[0][0])->toUTF16(), piecesOf(row, u'=')[1])
+            << NSString::of(row);
+    }
+}
+
 TEST(Truncation, CutsAtTheLastWhiteSpace) {
-    AutoreleasePool pool;
-    const struct {
-        Text text;
-        NSUInteger length;
-        Text result;
-    } rows[] = {{u"The quick brown fox", 12, u"The quick"},
-                {u"The quick", 9, u"The quick"},
-                {u"Thequickbrown", 5, u"Thequ"},
-                {u" \t The quick", 9, u"The"},
-                {u"one\ntwo", 5, u"one"},
-                {u"one  \n two", 7, u"one  \n"},
-                {u"ab\U0001F600", 3, u"ab"},
-                {u"abc", 0, u""}};
-    for (auto& [text, length, result] : rows)
-        EXPECT_EQ(stringByPrettyTruncationToLength(NSString::of(text), length)->toUTF16(), result);
+    expectResults(
+        &stringByPrettyTruncationToLength,
+        u"The quick br|own fox=The quick/The quick|=The quick/Thequ|ickbrown=Thequ/ \t The qu|ick=The/"
+        u"one\nt|wo=one/one  \n |two=one  \n/ab\xD83D|\xDE00=ab/|abc=");
 }
 
 TEST(HardWrapping, BreaksBeforeWhiteSpaceOrInsideLongWords) {
-    AutoreleasePool pool;
-    const struct {
-        Text text;
-        NSUInteger length;
-        Text result;
-    } rows[] = {{u"The quick brown fox jumps", 10, u"The quick\n brown fox\n jumps"},
-                {u"abcdefghijkl", 5, u"abcd\nefghi\njkl"},
-                {u"aa bb\ncc dd ee", 5, u"aa\n bb\ncc\n dd\n ee"},
-                {u"ab cdefgh", 5, u"ab c\ndefgh"},
-                {u"aaa bbb", 4, u"aaa\n bbb"},
-                {u"abcd efghi jk", 7, u"abcd\n efghi\n jk"},
-                {u"a\fbcdefg hi", 4, u"a\fbcd\nefg\n hi"},
-                {u"   x   y  ", 3, u"  \n x \n  y\n  "},
-                {u"x\n\n\nyyyyyy", 3, u"x\n\n\nyy\nyyy\ny"},
-                {u"aa\r\nbb", 3, u"aa\n\r\nbb"},
-                {u"one two", 7, u"one two"},
-                {u"abc", 1, u"\na\nb\nc"},
-                {u"abc", 0, u"\na\nb\nc"},
-                {u"\U0001F600\U0001F600\U0001F600", 3, u"\U0001F600\n\U0001F600\n\U0001F600"},
-                {u"\U0001F600\n\U0001F600z", 2, u"\U0001F600\n\U0001F600\nz"}};
-    for (auto& [text, length, result] : rows)
-        EXPECT_EQ(stringByHardWrappingToLineLength(NSString::of(text), length)->toUTF16(), result)
-            << NSString::of(text) << " to " << length;
+    expectResults(&stringByHardWrappingToLineLength,
+                  u"The quick |brown fox jumps=The quick\n brown fox\n jumps/aaa |bbb=aaa\n bbb/abcd ef|ghi "
+                  u"jk=abcd\n efghi\n jk/"
+                  u"aa bb|\ncc dd ee=aa\n bb\ncc\n dd\n ee/one two|=one two/   |x   y  =  \n x \n  y\n  /"
+                  u"ab cd|efgh=ab c\ndefgh/x abc|d=x ab\ncd/abcde|fghijkl=abcd\nefghi\njkl/a\fbc|defg "
+                  u"hi=a\fbcd\nefg\n hi/"
+                  u"x\n\n|\nyyyyyy=x\n\n\nyy\nyyy\ny/aa\r|\nbb=aa\n\r\nbb/a|bc=\na\nb\nc/|abc=\na\nb\nc/"
+                  u"\U0001F600\xD83D|\xDE00\U0001F600=\U0001F600\n\U0001F600\n\U0001F600/"
+                  u"\U0001F600|\n\U0001F600z=\U0001F600\n\U0001F600\nz");
     std::u16string wide = u"xxxxxxxxxx\u3000" + std::u16string(69, u'y');
     EXPECT_EQ(stringByHardWrappingToLineLength(NSString::of(wide), 79)->toUTF16(), wide.insert(10, 1, u'\n'));
     NSMutableString* text = NSMutableString::of(u"short");
@@ -251,51 +213,44 @@ TEST(HardWrapping, BreaksBeforeWhiteSpaceOrInsideLongWords) {
 }
 
 TEST(DerivedStrings, AreTheReceiverWhereNothingChanges) {
-    AutoreleasePool pool;
     NSString* text = u"a,b,,a"_ns;
     NSCharacterSet* commas = NSCharacterSet::characterSetWithCharactersInString(u",\U0001F600"_ns);
-    EXPECT_EQ(stringByReplacingAllOccurrencesOfString_withString(text, u";"_ns, u"-"_ns), text);
-    EXPECT_EQ(stringByReplacingAllOccurrencesOfString_withString(text, u""_ns, u"-"_ns), text);
-    EXPECT_EQ(stringByReplacingAllOccurrencesOfString_withString(text, u","_ns, u", "_ns)->toUTF16(),
-              u"a, b, , a");
-    EXPECT_EQ(stringByReplacingAllOccurrencesOfCharactersInSet_withString(u"ab"_ns, commas, u"-"_ns),
-              u"ab"_ns);
+    auto replace = [=](NSString* target, NSString* with) {
+        return stringByReplacingAllOccurrencesOfString_withString(text, target, with);
+    };
+    for (NSString* absent : {u";"_ns, u""_ns}) EXPECT_EQ(replace(absent, u"-"_ns), text);
+    EXPECT_EQ(replace(u","_ns, u", "_ns)->toUTF16(), u"a, b, , a");
+    NSMutableString* plain = NSMutableString::of(u"ab");
+    EXPECT_EQ(stringByReplacingAllOccurrencesOfCharactersInSet_withString(plain, commas, u"-"_ns), plain);
+    EXPECT_EQ(stringByReplacingAllOccurrencesOfString_withString(plain, u","_ns, u"-"_ns), plain);
     EXPECT_EQ(stringByReplacingAllOccurrencesOfCharactersInSet_withString(text, commas, u""_ns)->toUTF16(),
               u"aba");
-    EXPECT_EQ(stringByRemovingSurroundingWhitespace(text), text);
-    EXPECT_EQ(stringByRemovingSurroundingWhitespace(u"\u2028 a b\t\u00A0"_ns)->toUTF16(), u"a b");
-    EXPECT_EQ(stringByRemovingSurroundingWhitespace(u" \n"_ns)->toUTF16(), u"");
+    const std::pair<Text, Text> trimmed[] = {{u"\u2028 a b\t\u00A0", u"a b"}, {u" \n", u""}, {u"", u""}};
+    for (auto [whole, rest] : trimmed)
+        EXPECT_EQ(stringByRemovingSurroundingWhitespace(NSString::of(whole))->toUTF16(), rest);
+    EXPECT_EQ(stringByRemovingSurroundingWhitespace(plain), plain);
     EXPECT_EQ(
         stringByLossyConversionToEncoding(u"caf\u00E9 \u2014 \u0141"_ns, NSASCIIStringEncoding)->toUTF8(),
         "cafe - L");
     EXPECT_EQ(stringByLossyConversionToEncoding(text, 12345), nullptr);
-    EXPECT_TRUE(containsString(text, nullptr) && containsString(text, u""_ns) &&
-                containsString(text, u",,"_ns));
+    for (NSString* part : std::initializer_list<NSString*>{nullptr, u""_ns, u",,"_ns})
+        EXPECT_TRUE(containsString(text, part));
     EXPECT_FALSE(containsString(text, u"A"_ns));
 }
 
 TEST(Components, LeaveOutOnlyAnEmptyLastPiece) {
-    AutoreleasePool pool;
-    const struct {
-        Text text, separator;
-        std::vector<Text> pieces;
-    } rows[] = {{u"a,b,,a", u",", {u"a", u"b", u""}},
-                {u"a,b,", u",", {u"a", u"b"}},
-                {u"a,,", u",", {u"a", u""}},
-                {u"ab", u",", {u"ab"}},
-                {u"ab", u"", {u"ab"}},
-                {u"", u",", {}},
-                {u",", u",", {u""}},
-                {u"a--b", u"--", {u"a", u"b"}}};
-    for (auto& [text, separator, pieces] : rows) {
-        NSSet* set = setWithComponentsSeparatedByString(NSString::of(text), NSString::of(separator));
-        EXPECT_EQ(set->count(), pieces.size()) << NSString::of(text);
-        for (Text piece : pieces) EXPECT_TRUE(set->containsObject(NSString::of(piece))) << NSString::of(text);
+    // The text, the separator, and the pieces.
+    for (Text row : {u"a,b,,a/,/a/b/", u"a,b,/,/a/b", u"a,,/,/a/", u"ab/,/ab", u"ab//ab", u"/,", u",/,/",
+                     u"a--b/--/a/b"}) {
+        std::vector<Text> parts = piecesOf(row, u'/');
+        NSSet* set = setWithComponentsSeparatedByString(NSString::of(parts[0]), NSString::of(parts[1]));
+        EXPECT_EQ(set->count(), parts.size() - 2) << NSString::of(row);
+        for (std::size_t i = 2; i < parts.size(); ++i)
+            EXPECT_TRUE(set->containsObject(NSString::of(parts[i]))) << NSString::of(row);
     }
 }
 
 TEST(NumbersAtAnIndex, TellHowFarTheyReach) {
-    AutoreleasePool pool;
     const struct {
         Text text;
         NSUInteger index;
@@ -328,7 +283,6 @@ TEST(NumbersAtAnIndex, TellHowFarTheyReach) {
 }
 
 TEST(StringAdditions, AnswerBySelector) {
-    AutoreleasePool pool;
     registerLibrary(baseLibrary);
     Class *plain = NSString::classObject(), *mutable_ = NSMutableString::classObject();
     NSData* data = u"na\u00EFve"_ns->dataUsingEncoding(NSISOLatin1StringEncoding);

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBUnichar32String.h"
 
-#include <array>
-
 #include "BaseLibrary.h"
 #include "Foundation/NSCharacterSet.h"
 #include "NSString-PelvorAdditions.h"
@@ -34,10 +32,10 @@ TEST(Codepoints, AreWrittenAsUnitsAndPairs) {
 
 TEST(Codepoints, AreReadFromAnyRange) {
     NSString* text = NSString::of(std::u16string{u'a', 0xD83D, 0xDE00, u'b', 0xD83D});
-    std::array<std::uint32_t, 4> read{};
-    EXPECT_EQ(getCodepoints_range(text, read.data(), {0, 5}), 4u);
-    EXPECT_EQ(read, (std::array<std::uint32_t, 4>{'a', 0x1F600, 'b', 0xD83D}));
-    EXPECT_EQ(getCodepoints_range(text, read.data(), {2, 2}), 2u);
+    std::uint32_t read[4] = {};
+    EXPECT_EQ(getCodepoints_range(text, read, {0, 5}), 4u);
+    EXPECT_THAT(read, ElementsAre(0x61u, 0x1F600u, 0x62u, 0xD83Du));
+    EXPECT_EQ(getCodepoints_range(text, read, {2, 2}), 2u);
     EXPECT_EQ(read[0], 0xDE00u);
     EXPECT_EQ(countCodepointsInRange(text, {1, 1}), 1u);
     EXPECT_EQ(countCodepointsInRange(text, {5, 0}), 0u);
@@ -53,13 +51,10 @@ TEST(PBUnichar32String, MapsBetweenUnitsAndCodepoints) {
     EXPECT_EQ(text->characterAtIndex(2), 0xD83D) << "the first half at both places";
     EXPECT_EQ(text->toUTF16(), u"a\U0001F600b");
     bool isLow = true;
-    using P = PBUnichar32String;
     EXPECT_EQ(text->codepointRangeForUnicharsWithRange_isFirstUnicharLowSurrogate({2, 2}, &isLow),
               NSMakeRange(1, 2));
     EXPECT_FALSE(isLow);
-    EXPECT_EQ(
-        (text.get()->*&P::_surrogateCountForUnicharsWithRange_isFirstUnicharLowSurrogate)({1, 1}, &isLow),
-        1u);
+    EXPECT_EQ(text->_surrogateCountForUnicharsWithRange_isFirstUnicharLowSurrogate({1, 1}, &isLow), 1u);
     EXPECT_TRUE(isLow);
     EXPECT_EQ(text->unicharRangeForCodepointsWithRange({2, 1}), NSMakeRange(3, 1));
     EXPECT_EQ(text->substringForCodepointsWithRange({1, 2})->toUTF16(), u"\U0001F600b");

@@ -1,90 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 // A scanner that streams from a file does what the scanner over the whole string does.
-#include <gtest/gtest.h>
+#include "FileScanner.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <functional>
 #include <memory>
-#include <string>
-#include <vector>
 
-#include "BaseLibrary.h"
 #include "Foundation/NSCharacterSet.h"
-#include "Foundation/NSMutableDictionary.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/NSException.h"
-#include "Runtime/Registry.h"
-#include "Scanning/OFStringDecoder.h"
+#include "Prelude.h"
 #include "Scanning/OFStringScanner.h"
 #include "Scanning/OFTrie.h"
 
 namespace pelvor {
 namespace {
-
-// Reads a UTF-8 file in steps of so many bytes and keeps one step's units. It remembers where each step
-// began, and so finds any place again.
-class FileScanner : public OFCharacterScanner {
-    PELVOR_CLASS(FileScanner, OFCharacterScanner);
-
-  public:
-    static Retained<FileScanner> of(std::FILE* file, std::size_t stepSize) {
-        auto scanner = make<FileScanner>();
-        scanner->_file = file;
-        scanner->_bytes.resize(stepSize);
-        scanner->_steps.push_back({0, 0, OFInitialStateForEncoding(kCFStringEncodingUTF8)});
-        return scanner;
-    }
-
-    bool fetchMoreData() override {
-        NSUInteger place = scanLocation();
-        std::size_t step = _steps.size() - 1;
-        while (_steps[step].location > place) --step;
-        for (;; ++step) {
-            if (!decodeStep(step)) return false;
-            if (_steps[step + 1].location > place) break;
-        }
-        return fetchMoreDataFromCharacters_length_offset_freeWhenDone(
-            _units.data(), static_cast<NSUInteger>(_units.size()), _steps[step].location, false);
-    }
-    // The next fetch goes wherever the position is.
-    void _rewindCharacterSource() override {}
-
-  protected:
-    FileScanner() = default;
-    ~FileScanner() = default;
-
-  private:
-    struct Step {
-        NSUInteger location;
-        long byteOffset;
-        OFStringDecoderState state;
-    };
-
-    bool decodeStep(std::size_t index) {
-        Step step = _steps[index];
-        std::fseek(_file, step.byteOffset, SEEK_SET);
-        auto count = static_cast<NSUInteger>(std::fread(_bytes.data(), 1, _bytes.size(), _file));
-        if (!count) return false;
-        _units.resize(count + 2);
-        auto result = OFScanCharactersIntoBuffer(step.state, _bytes.data(), count, _units.data(), count + 2);
-        _units.resize(result.charactersProduced);
-        if (index + 1 == _steps.size())
-            _steps.push_back({step.location + result.charactersProduced,
-                              step.byteOffset + static_cast<long>(result.bytesConsumed), result.state});
-        return true;
-    }
-
-    std::FILE* _file = nullptr;
-    std::vector<unsigned char> _bytes;
-    std::u16string _units;
-    std::vector<Step> _steps;
-};
-
-constexpr Class* kClasses[] = {&FileScanner::classRecord};
-constexpr Library* kNeeded[] = {&baseLibrary};
-constinit Library fileLibrary{"Files", kNeeded, kClasses, {}};
-PELVOR_DEFINE_CLASS(FileScanner, fileLibrary) {}
 
 // What an operation answers, as text.
 using Answer = std::function<std::string(OFCharacterScanner*)>;
@@ -227,7 +153,6 @@ std::string outcome(OFCharacterScanner* scanner, NSUInteger start, const Answer&
 }
 
 TEST(FileScanner, DoesWhatAStringScannerDoesWhateverItsSteps) {
-    AutoreleasePool pool;
     NSString* text = NSString::of(
         u"intonation,-12.50e2x;into\r\n\n0x1aFfG4294967297,One,,TWO \xC9\U0001F600\n"
         u"aaab,aab \xC4pfel\r\xE4PFEL intone 1e+5;+7 \x4E2D\x6587\U0001F600 in");

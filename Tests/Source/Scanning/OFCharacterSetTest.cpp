@@ -1,15 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Scanning/OFCharacterSet.h"
 
-#include <gtest/gtest.h>
-
 #include <bitset>
-#include <random>
 
 #include "Foundation/NSCharacterSet.h"
-#include "Foundation/NSDictionary.h"
-#include "Foundation/NSString.h"
-#include "Runtime/Message.h"
+#include "Prelude.h"
 #include "Scanning/NSObject-OFDebugging.h"
 
 namespace pelvor {
@@ -41,11 +36,10 @@ TEST(OFCharacterSet, FollowsAPlainModel) {
             set->invert();
             model.flip();
         }
-        if (round % 20 == 0) {
+        if (round % 20 == 0 || round == 299) {
             ASSERT_EQ(membersOf(set), model) << round;
         }
     }
-    ASSERT_EQ(membersOf(set), model);
 }
 
 TEST(OFCharacterSet, HoldsTheUnitsOfStringsAndOtherSets) {
