@@ -139,6 +139,11 @@ void run(const std::uint8_t* data, std::size_t size) {
     Ranges normal = rangesOf(PBNormalizeRanges(listOf(ranges), true));
     model.checkNormal(normal, bits);
     require(model.bitsOf(rangesOf(PBNormalizeRanges(listOf(ranges), false))) == bits, "empty ranges kept");
+    auto normalOf = [](Ranges part) { return PBNormalizeRanges(listOf(part), true); };
+    auto middle = ranges.begin() + static_cast<std::ptrdiff_t>(ranges.size() / 2);
+    NSArray* one = normalOf({ranges.begin(), middle});
+    NSArray* joined = one->arrayByAddingObjectsFromArray(normalOf({middle, ranges.end()}));
+    require(rangesOf(PBNormalizeRanges(joined, true)) == normal, "two lists joined");
     checkSelection(model, normal, ranges.back());
     if (!model.base) checkIndexSet(ranges, bits);
     NSMutableArray* sorted = NSMutableArray::array();

@@ -95,6 +95,20 @@ NSRange rangeInOtherBox(id box) {
     return value->rangeValue();
 }
 
+namespace {
+
+// Stops and answers false at a box of another kind: asking that may do anything, with the list too.
+bool readUsualBoxes(Object* const* boxes, std::vector<NSRange>& ranges) {
+    for (NSRange& range : ranges) {
+        id box = *boxes++;
+        if (!isUsualBox(box)) return false;
+        range = static_cast<NSRangeValue*>(box)->range();
+    }
+    return true;
+}
+
+}  // namespace
+
 std::vector<NSRange> rangesOf(NSArray* list) {
     std::vector<NSRange> ranges;
     if (!list) return ranges;
@@ -102,12 +116,14 @@ std::vector<NSRange> rangesOf(NSArray* list) {
     ranges.reserve(std::size_t{count} + 1);
     if (const std::vector<NSRange>* plain = PBRangeList::plainRangesOf(list)) {
         ranges.assign(plain->begin(), plain->end());
-    } else if (Object* const* boxes = list->contiguousObjects()) {
-        ranges.resize(count);
-        for (NSUInteger i = 0; i < count; ++i) ranges[i] = rangeInBox(boxes[i]);
-    } else {
-        for (id box : list) ranges.push_back(rangeInBox(box));
+        return ranges;
     }
+    if (Object* const* boxes = list->contiguousObjects()) {
+        ranges.resize(count);
+        if (readUsualBoxes(boxes, ranges)) return ranges;
+        ranges.clear();
+    }
+    for (id box : list) ranges.push_back(rangeInBox(box));
     return ranges;
 }
 

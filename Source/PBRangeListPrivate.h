@@ -53,13 +53,13 @@ class PBRangeList final : public NSMutableArray {
     bool _hasRanges = true;           // the boxes, if any, have not been changed
 };
 
-/// The range in a box of another kind than the usual one.
+/// Whether the object is a box as NSValue's creators make it.
+inline bool isUsualBox(id object) { return object && object->isa() == NSRangeValue::classObject(); }
+/// The range in a box of another kind.
 NSRange rangeInOtherBox(id box);
 /// The range in a box. Raises NSInvalidArgumentException for what is no boxed range.
 inline NSRange rangeInBox(id box) {
-    if (box && box->isa() == NSRangeValue::classObject()) [[likely]]
-        return static_cast<NSRangeValue*>(box)->range();
-    return rangeInOtherBox(box);
+    return isUsualBox(box) ? static_cast<NSRangeValue*>(box)->range() : rangeInOtherBox(box);
 }
 
 /// A copy of the ranges of any list, with room for one more.
