@@ -2,7 +2,7 @@
 // What must hold for every registered class, whoever wrote it.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cstring>
 #include <set>
@@ -11,7 +11,7 @@
 
 #include "Runtime/Registry.h"
 
-namespace pelvor::testing {
+namespace pelvor {
 
 inline std::vector<Class*> registeredClasses() {
     std::vector<Class*> classes(classList(nullptr, 0));
@@ -19,26 +19,17 @@ inline std::vector<Class*> registeredClasses() {
     return classes;
 }
 
-inline std::string methodText(Class* cls, const Method& method) {
-    return std::string(cls->isMetaclass() ? "+[" : "-[") + cls->name() + " " + method.selector.name() + "]";
-}
-
-inline bool isLegalSelector(const std::string& name) {
-    if (name.empty() || !(std::isalpha(static_cast<unsigned char>(name[0])) || name[0] == '_')) return false;
-    bool hasColon = name.find(':') != std::string::npos;
-    if (hasColon && name.back() != ':') return false;
-    for (char c : name)
-        if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_' && c != ':') return false;
-    return true;
-}
-
-/// One selector has one meaning: a method has the types of the one that it overrides.
-inline void checkOverride(Class* cls, const Method& method) {
-    if (!cls->superclass()) return;
-    const Method* inherited = cls->superclass()->instanceMethod(method.selector);
+inline void checkMethod(Class* cls, const Method& method) {
+    const IMP& code = method.implementation;
+    EXPECT_THAT(method.selector.name(), ::testing::MatchesRegex("[A-Za-z_]([A-Za-z0-9_]*|[A-Za-z0-9_:]*:)"));
+    ASSERT_TRUE(code);
+    EXPECT_EQ(static_cast<int>(code.signature->argumentCount()), method.selector.argumentCount());
+    EXPECT_TRUE(!code.receiver || cls->isNativeSubclassOf(code.receiver)) << "it needs another receiver";
+    // One selector has one meaning: a method has the types of the one that it overrides.
+    const Method* inherited =
+        cls->superclass() ? cls->superclass()->instanceMethod(method.selector) : &method;
     if (!inherited) return;
-    EXPECT_STREQ(method.implementation.signature->types(), inherited->implementation.signature->types())
-        << methodText(cls, method) << " has other types than the method that it overrides";
+    EXPECT_STREQ(code.signature->types(), inherited->implementation.signature->types());
 }
 
 inline void checkMethods(Class* cls) {
@@ -46,16 +37,9 @@ inline void checkMethods(Class* cls) {
     for (const MethodGroup* group = cls->methodGroups(); group; group = group->next) {
         std::set<std::string> seen;
         for (const Method& method : group->methods) {
-            std::string text = methodText(cls, method);
-            EXPECT_TRUE(isLegalSelector(method.selector.name())) << text;
-            EXPECT_TRUE(seen.insert(method.selector.name()).second) << text << " is registered twice";
-            ASSERT_TRUE(method.implementation) << text;
-            EXPECT_EQ(method.implementation.signature->argumentCount(),
-                      static_cast<std::uint32_t>(method.selector.argumentCount()))
-                << text;
-            Class* receiver = method.implementation.receiver;
-            EXPECT_TRUE(!receiver || cls->isNativeSubclassOf(receiver)) << text << " needs another receiver";
-            checkOverride(cls, method);
+            SCOPED_TRACE((cls->isMetaclass() ? "+" : "-") + std::string(method.selector.name()));
+            EXPECT_TRUE(seen.insert(method.selector.name()).second) << "it is registered twice";
+            checkMethod(cls, method);
         }
     }
 }
@@ -73,8 +57,7 @@ inline void checkClass(Class* cls) {
         EXPECT_EQ(classNamed(cls->superclass()->name()), cls->superclass());
         EXPECT_EQ(cls->metaclass()->superclass(), cls->superclass()->metaclass());
     }
-    checkMethods(cls);
-    checkMethods(cls->metaclass());
+    for (Class* level : {cls, cls->metaclass()}) checkMethods(level);
 }
 
-}  // namespace pelvor::testing
+}  // namespace pelvor

@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-namespace pelvor::testing {
+namespace pelvor {
 
 /// The usual number of steps, or what the environment's PELVOR_RANDOM_STEPS says.
 inline int randomSteps(int usual) {
@@ -12,4 +12,4 @@ inline int randomSteps(int usual) {
     return steps ? std::atoi(steps) : usual;
 }
 
-}  // namespace pelvor::testing
+}  // namespace pelvor

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 
 #include "Foundation/PlatformVersion.h"
 
@@ -20,39 +21,32 @@ void check(bool holds, const char* what) {
     ++failures;
 }
 
-std::string contentsOf(const std::filesystem::path& path) {
+bool has(const std::filesystem::path& path, const char* text) {
     std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return std::string(std::istreambuf_iterator<char>(file), {}).find(text) != std::string::npos;
 }
 
-bool has(const std::string& text, const char* part) { return text.find(part) != std::string::npos; }
-
 void checkLayout(const std::filesystem::path& contents) {
-    const std::string info = contentsOf(contents / "Info.plist");
-    check(has(info, "<string>example.consumer</string>"), "the host's identifier");
-    check(has(info, "<string>2.5</string>"), "the host's version");
-    check(has(info, "<string>APPL</string>"), "the host's kind");
-    check(has(info, "<string>Fish &amp; Chips</string>"), "text of the information is escaped");
-    check(has(contentsOf(contents / "Resources/de.lproj/Localizable.strings"), "deutsch"),
-          "the host's German table");
-
     const auto palette = contents / "PlugIns/Palette.bundle/Contents";
-    const std::string paletteInfo = contentsOf(palette / "Info.plist");
-    check(has(paletteInfo, "<string>BNDL</string>"), "the plug-in's kind");
-    check(!has(paletteInfo, "CFBundleExecutable"), "a plug-in of data alone names no executable");
-    check(has(contentsOf(palette / "Resources/Profiles.plist"), "palette"), "the declarations");
-    check(std::filesystem::exists(palette / "Resources/en.lproj/Localizable.strings"), "the plug-in's table");
+    const std::pair<std::filesystem::path, const char*> texts[] = {
+        {contents / "Info.plist", "<string>example.consumer</string>"},
+        {contents / "Info.plist", "<string>2.5</string>"},
+        {contents / "Info.plist", "<string>APPL</string>"},
+        {contents / "Info.plist", "<string>Fish &amp; Chips</string>"},
+        {contents / "Resources/de.lproj/Localizable.strings", "deutsch"},
+        {contents / "PlugIns/Counter.bundle/Contents/Info.plist", "<string>Counter.so</string>"},
+        {palette / "Info.plist", "<string>BNDL</string>"},
+        {palette / "Resources/Profiles.plist", "palette"},
+        {palette / "Resources/en.lproj/Localizable.strings", "="},
+    };
+    for (const auto& [path, text] : texts) check(has(path, text), (path.string() + " has " + text).c_str());
+    check(!has(palette / "Info.plist", "CFBundleExecutable"), "a plug-in of data alone names no executable");
 }
 
 void checkPlugIn(const std::filesystem::path& contents) {
-    const auto counter = contents / "PlugIns/Counter.bundle/Contents";
-    check(has(contentsOf(counter / "Info.plist"), "<string>Counter.so</string>"), "the plug-in's executable");
-    void* module = dlopen((counter / "Linux/Counter.so").c_str(), RTLD_NOW | RTLD_LOCAL);
-    check(module != nullptr, "the plug-in loads");
-    if (!module) {
-        std::fprintf(stderr, "%s\n", dlerror());
-        return;
-    }
+    const auto code = contents / "PlugIns/Counter.bundle/Contents/Linux/Counter.so";
+    void* module = dlopen(code.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!module) return check(false, dlerror());
     pelvor::setPlatformVersion(742.0);
     const auto seen = reinterpret_cast<double (*)()>(dlsym(module, "platformVersionSeenByPlugIn"));
     check(seen && seen() == 742.0, "host and plug-in share one copy of the library");

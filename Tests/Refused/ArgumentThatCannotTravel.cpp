@@ -2,8 +2,4 @@
 // expect: only plain values, objects and pointers travel in messages
 #include "Preamble.h"
 
-namespace pelvor {
-
 PELVOR_DEFINE_CLASS(Lamp, refusedLibrary) { methods.instance<"show:", &Lamp::show>(); }
-
-}  // namespace pelvor

@@ -2,8 +2,4 @@
 // expect: could not convert
 #include "Preamble.h"
 
-namespace pelvor {
-
 Retained<Lamp> keep(Lamp* lamp) { return lamp; }
-
-}  // namespace pelvor

@@ -2,8 +2,4 @@
 // expect: deleted function
 #include "Preamble.h"
 
-namespace pelvor {
-
 Lamp* borrow() { return make<Lamp>(); }
-
-}  // namespace pelvor

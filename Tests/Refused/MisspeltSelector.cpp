@@ -2,10 +2,6 @@
 // expect: joins the selector's keywords with underscores
 #include "Preamble.h"
 
-namespace pelvor {
-
 PELVOR_DEFINE_CLASS(Lamp, refusedLibrary) {
     methods.instance<"setLevel:animate:", &Lamp::setLevel_animated>();
 }
-
-}  // namespace pelvor

@@ -2,8 +2,4 @@
 // expect: is protected
 #include "Preamble.h"
 
-namespace pelvor {
-
 void stand() { Lamp lamp; }
-
-}  // namespace pelvor

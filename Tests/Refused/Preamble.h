@@ -7,7 +7,7 @@
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
 
-namespace pelvor {
+using namespace pelvor;
 
 extern Library refusedLibrary;
 
@@ -22,5 +22,3 @@ class Lamp : public NSObject {
     Lamp() = default;
     ~Lamp() = default;
 };
-
-}  // namespace pelvor

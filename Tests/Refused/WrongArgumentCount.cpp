@@ -2,8 +2,4 @@
 // expect: takes one argument a colon
 #include "Preamble.h"
 
-namespace pelvor {
-
 PELVOR_DEFINE_CLASS(Lamp, refusedLibrary) { methods.instanceAs<"setLevel:", &Lamp::setLevel_animated>(); }
-
-}  // namespace pelvor

@@ -2,10 +2,9 @@
 #include "BaseLibrary.h"
 
 #include "ClassConformity.h"
-#include "Foundation/FoundationLibrary.h"
+#include "Prelude.h"
 #include "Runtime/RuntimeLibrary.h"
 
-namespace pelvor::testing {
 namespace {
 
 TEST(BaseLibrary, LeavesEveryClassInOrder) {
@@ -15,4 +14,3 @@ TEST(BaseLibrary, LeavesEveryClassInOrder) {
 }
 
 }  // namespace
-}  // namespace pelvor::testing

@@ -2,12 +2,12 @@
 // Classes with load-time hooks, made while a test runs, and a journal of what the hooks did.
 #pragma once
 
-#include <cstdio>
 #include <cstdlib>
 
+#include "Foundation/NSBundle.h"
 #include "Prelude.h"
 
-namespace pelvor::testing {
+namespace pelvor {
 
 /// What happened, in order. A test that reads it begins by emptying it.
 inline std::vector<std::string>& journal() {
@@ -16,42 +16,45 @@ inline std::vector<std::string>& journal() {
 }
 inline void note(std::string line) { journal().push_back(std::move(line)); }
 
-using Lines = std::vector<std::string>;
+/// A hook that does this. The post-loader calls a function once in the life of the process, so every place
+/// that makes a class has a function of its own.
+#define HOOK(...) [](Object* self, SEL selector) { __VA_ARGS__; }
+using HookFunction = void (*)(Object*, SEL);
 
-/// The implementation that a function without captures gives.
-inline IMP hookOf(void (*function)(Object*, SEL)) {
+inline IMP hookOf(HookFunction function) {
     return {reinterpret_cast<void (*)()>(function), &SignatureFor<void>::object, nullptr};
 }
-
-inline void addHook(Class* cls, const char* selector, IMP implementation) {
-    cls->metaclass()->addMethods({"Hooks", {{registerSelector(selector), implementation}}, nullptr});
+inline void addHook(Class* cls, SEL selector, IMP implementation) {
+    cls->metaclass()->addMethods({"Hooks", {{selector, implementation}}, nullptr});
 }
 
-/// A new class whose class operation `selector` is the function. The post-loader calls a function once in
-/// the life of the process, so every place that makes a class needs a lambda of its own.
-inline Class* classWithHook(const char* name, const char* selector, void (*function)(Object*, SEL),
-                            Class* superclass = NSObject::classObject()) {
+/// A new class with these class operations.
+inline Class* classWithHooks(const char* name, std::initializer_list<std::pair<SEL, HookFunction>> hooks,
+                             Class* superclass = NSObject::classObject()) {
     Class* cls = Class::createSubclass(name, superclass);
-    addHook(cls, selector, hookOf(function));
+    for (auto [selector, function] : hooks) addHook(cls, selector, hookOf(function));
     return cls;
 }
 
 /// "Lamp didLoad", for the journal.
 inline void noteCall(Object* self, SEL selector) {
-    note(std::string(static_cast<Class*>(self)->name()) + " " + selector.name());
+    note(shown(static_cast<Class*>(self)->name(), selector.name()));
 }
 
-/// Ends the process; the journal goes to standard error, ready to be compared with `journalOf`.
-[[noreturn]] inline void exitWithJournal() {
-    for (const std::string& line : journal()) std::fprintf(stderr, "[%s]", line.c_str());
-    std::exit(0);
+/// Expects of the situation, in a process of its own, that the journal has exactly these lines.
+inline void expectJournal(const std::string& lines, void (*situation)()) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    auto run = [&] {
+        situation();
+        std::fputs(joined(journal()).c_str(), stderr);
+        std::exit(0);
+    };
+    EXPECT_EXIT(run(), ::testing::ExitedWithCode(0), "^" + lines + "$");
 }
 
-/// Exactly these lines, as a regular expression; the lines may be some.
-inline std::string journalOf(std::initializer_list<std::string> lines) {
-    std::string text;
-    for (const std::string& line : lines) text += "\\[" + line + "\\]";
-    return "^" + text + "$";
+/// A plug-in of the tests.
+inline NSBundle* plugIn(const std::string& name) {
+    return NSBundle::bundleWithPath(NSString::ofUTF8(PELVOR_TEST_PLUGINS "/" + name + ".bundle"));
 }
 
-}  // namespace pelvor::testing
+}  // namespace pelvor

@@ -5,13 +5,9 @@
 
 #include "BaseLibrary.h"
 #include "Foundation/NSBundle.h"
-#include "HookedClasses.h"
 #include "Prelude.h"
 
-namespace pelvor::testing {
 namespace {
-
-extern Library meterLibrary;
 
 // What the platform's classes do not answer: methods that take plain numbers, and results of odd kinds.
 class Meter : public NSObject {
@@ -22,44 +18,45 @@ class Meter : public NSObject {
 
     float halfLengthOf(NSString* text) { return static_cast<float>(text->length()) / 2; }
     int twice(int value) { return 2 * value; }
-    int bitsOf(float value) { return std::bit_cast<int>(value); }
-    int oneIf(bool value) { return value ? 1 : 0; }
     float negated(float value) { return -value; }
     std::int64_t widened(std::int64_t value) { return value; }
-    void swallow(bool value) { note(value ? "true" : "false"); }
+    void swallow(bool value) { swallowed = value; }
     Retained<Object> deepCopy() { return u"deep"_ns->copy(); }
+
+    bool swallowed = false;
 };
+
+constexpr Library* kNeeded[] = {&baseLibrary};
+constinit Library meterLibrary{"Meter", kNeeded, kClassesOf<Meter>, {}};
 
 PELVOR_DEFINE_CLASS(Meter, meterLibrary) {
     methods.classLevel<"kind", &Meter::kind>();
     methods.instance<"halfLengthOf:", &Meter::halfLengthOf>();
     methods.instance<"twice:", &Meter::twice>();
-    methods.instance<"bitsOf:", &Meter::bitsOf>();
-    methods.instance<"oneIf:", &Meter::oneIf>();
     methods.instance<"negated:", &Meter::negated>();
     methods.instance<"widened:", &Meter::widened>();
     methods.instance<"swallow:", &Meter::swallow>();
     methods.instance<"deepCopy", &Meter::deepCopy>();
 }
 
-constexpr Library* kNeeded[] = {&baseLibrary};
-constexpr Class* kClasses[] = {&Meter::classRecord};
-constinit Library meterLibrary{"Meter", kNeeded, kClasses, {}};
+struct ObjectAdditions : ::testing::Test {
+    Retained<Meter> meter = make<Meter>();
+};
 
 // MARK: Messages with plain numbers
 
-TEST(PlainMessages, ReadTheResultAsTheTypeAskedFor) {
+TEST_F(ObjectAdditions, ReadAResultAsTheTypeAskedFor) {
     NSNumber* number = NSNumber::numberWithDouble(-2.5);
     EXPECT_EQ(intForPerformSelector(number, "intValue"_sel), -2);
     EXPECT_EQ(floatForPerformSelector(number, "floatValue"_sel), -2.5f);
     EXPECT_TRUE(boolForPerformSelector(number, "boolValue"_sel));
     EXPECT_EQ(intForPerformSelector_withObject(u"b"_ns, "compare:"_sel, u"a"_ns), 1);
-    EXPECT_EQ(floatForPerformSelector_withObject(make<Meter>().get(), "halfLengthOf:"_sel, u"abc"_ns), 1.5f);
+    EXPECT_EQ(floatForPerformSelector_withObject(meter, "halfLengthOf:"_sel, u"abc"_ns), 1.5f);
     EXPECT_FALSE(boolForPerformSelector_withObject(u"abc"_ns, "hasPrefix:"_sel, u"b"_ns));
     EXPECT_EQ(intForPerformSelector_withObject(u"a"_ns, "isKindOfClass:"_sel, NSString::classObject()), 1);
 }
 
-TEST(PlainMessages, ReadAnotherResultByItsBytesWithZerosBehindIt) {
+TEST_F(ObjectAdditions, ReadAnotherResultByItsBytesWithZerosBehindIt) {
     NSNumber* half = NSNumber::numberWithFloat(2.5f);
     NSNumber* large = NSNumber::numberWithLongLong(0x1'0000'0100);
     EXPECT_EQ(intForPerformSelector(half, "floatValue"_sel), std::bit_cast<int>(2.5f));
@@ -71,20 +68,15 @@ TEST(PlainMessages, ReadAnotherResultByItsBytesWithZerosBehindIt) {
     EXPECT_EQ(floatForPerformSelector(NSMutableArray::array(), "removeAllObjects"_sel), 0.0f);
 }
 
-TEST(PlainMessages, GiveANumberAndAnswerResultsOfFourBytes) {
-    auto meter = make<Meter>();
+TEST_F(ObjectAdditions, GiveANumberAndAnswerResultsOfFourBytes) {
     EXPECT_EQ(send<int>(meter, "performSelector:withInt:"_sel, "twice:"_sel, -21), -42);
-    EXPECT_EQ(performSelector_withFloat(meter, "bitsOf:"_sel, 0.5f), std::bit_cast<int>(0.5f));
-    EXPECT_EQ(performSelector_withBool(meter, "oneIf:"_sel, true), 1);
     EXPECT_EQ(performSelector_withFloat(meter, "negated:"_sel, 0.5f), std::bit_cast<int>(-0.5f));
     EXPECT_EQ(performSelector_withInt(meter, "widened:"_sel, 5), 0) << "the result has eight bytes";
-    journal().clear();
     EXPECT_EQ(performSelector_withBool(meter, "swallow:"_sel, true), 0);
-    EXPECT_EQ(journal(), Lines{"true"});
+    EXPECT_TRUE(meter->swallowed);
 }
 
-TEST(PlainMessages, RaiseWhereAnArgumentCannotBeGiven) {
-    auto meter = make<Meter>();
+TEST_F(ObjectAdditions, RaiseWhereAnArgumentCannotBeGiven) {
     NSNumber* number = NSNumber::numberWithInt(1);
     EXPECT_THROW(intForPerformSelector(meter, "unknown"_sel), NSException);
     for (SEL selector : {"intValue"_sel, "getValue:"_sel, "isKindOfClass:"_sel})
@@ -97,24 +89,25 @@ TEST(PlainMessages, RaiseWhereAnArgumentCannotBeGiven) {
 
 // MARK: Names of selectors
 
-bool names(NSSet* set, const char* selector) { return set->containsObject(NSString::ofUTF8(selector)); }
-
-TEST(SelectorNames, AreThoseOfTheClassAndAllAboveIt) {
-    NSSet* instance = NSObject_PelvorAdditions::instanceSelectorNames(Meter::classObject());
-    for (const char* selector : {"twice:", "hash", "performSelector:withInt:", "deepCopy"})
-        EXPECT_TRUE(names(instance, selector)) << selector;
-    for (const char* selector : {"kind", "alloc", "instanceSelectorNames"})
-        EXPECT_FALSE(names(instance, selector)) << selector;
-
-    auto* ofClass = send<NSSet*>(Meter::classObject(), "classSelectorNames"_sel);
-    for (const char* selector : {"kind", "alloc", "instanceSelectorNames", "isEqual:"})
-        EXPECT_TRUE(names(ofClass, selector)) << selector;
-    EXPECT_FALSE(names(ofClass, "twice:"));
+// Those of the texts that the set has.
+std::string present(NSSet* set, std::initializer_list<const char*> texts) {
+    std::vector<std::string> found;
+    for (const char* text : texts)
+        if (set->containsObject(NSString::ofUTF8(text))) found.push_back(text);
+    return joined(found);
 }
 
-TEST(ObjectAdditions, NameTheDefaultNotificationCentreAndTheBundleOfTheirClass) {
-    auto meter = make<Meter>();
-    for (id object : {id(meter.get()), id(Meter::classObject())}) {
+TEST_F(ObjectAdditions, NameTheSelectorsOfTheClassAndAllAboveIt) {
+    auto names = {"kind",     "alloc",   "instanceSelectorNames", "twice:", "performSelector:withInt:",
+                  "deepCopy", "isEqual:"};
+    EXPECT_EQ(present(NSObject_PelvorAdditions::instanceSelectorNames(Meter::classObject()), names),
+              "twice:, performSelector:withInt:, deepCopy, isEqual:");
+    EXPECT_EQ(present(send<NSSet*>(Meter::classObject(), "classSelectorNames"_sel), names),
+              "kind, alloc, instanceSelectorNames, performSelector:withInt:, deepCopy, isEqual:");
+}
+
+TEST_F(ObjectAdditions, NameTheDefaultNotificationCentreAndTheBundleOfTheirClass) {
+    for (id object : {id(meter), id(Meter::classObject())}) {
         EXPECT_EQ(notificationCenter(object), NSNotificationCenter::defaultCenter());
         EXPECT_EQ(send<NSBundle*>(object, "bundle"_sel), NSBundle::mainBundle());
     }
@@ -122,13 +115,13 @@ TEST(ObjectAdditions, NameTheDefaultNotificationCentreAndTheBundleOfTheirClass) 
 
 // MARK: Copies
 
-TEST(DeepCopies, AreCopiesUnlessAClassOverridesThem) {
+TEST_F(ObjectAdditions, CopyDeeplyAsACopyUnlessAClassOverridesIt) {
     auto list = NSMutableArray::initWithObjects({u"a"_ns});
     Retained<Object> copy = deepCopy(list), mutableCopy = mutableDeepCopy(list);
     list->removeAllObjects();
     EXPECT_EQ(cast<NSArray>(copy)->count(), 1u);
     EXPECT_EQ(cast<NSMutableArray>(mutableCopy)->count(), 1u);
-    EXPECT_TRUE(deepCopy(make<Meter>().get())->isEqual(u"deep"_ns));
+    EXPECT_TRUE(deepCopy(meter)->isEqual(u"deep"_ns));
 }
 
 TEST(PBUniqueObject, EqualsOnlyItselfAndIsItsOwnCopy) {
@@ -147,4 +140,3 @@ TEST(PBUniqueObject, EqualsOnlyItselfAndIsItsOwnCopy) {
 }
 
 }  // namespace
-}  // namespace pelvor::testing

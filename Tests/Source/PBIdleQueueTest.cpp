@@ -1,30 +1,24 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBIdleQueue.h"
 
+#include "BaseLibrary.h"
 #include "Foundation/NSRunLoop.h"
 #include "NSObject-PelvorAdditions.h"
 #include "Prelude.h"
 #include "RandomSteps.h"
 
-namespace pelvor::testing {
 namespace {
-
-extern Library idleQueueTestLibrary;
 
 class PBTestWorker : public NSObject {
     PELVOR_CLASS(PBTestWorker, NSObject);
 
   public:
-    void work() {
-        auto kept = action;  // it may destroy this
-        kept(this);
-    }
+    void work() { std::function<void(PBTestWorker*)>{action}(this); }  // it may destroy this
     std::function<void(PBTestWorker*)> action;
-
-  protected:
-    PBTestWorker() = default;
-    ~PBTestWorker() = default;
 };
+
+constinit Library idleQueueTestLibrary{"IdleQueueTest", {}, kClassesOf<PBTestWorker>, {}};
+PELVOR_DEFINE_CLASS(PBTestWorker, idleQueueTestLibrary) { methods.instance<"work", &PBTestWorker::work>(); }
 
 // Counts instead of sending.
 class PBTestCountingQueue : public PBIdleQueue {
@@ -33,16 +27,8 @@ class PBTestCountingQueue : public PBIdleQueue {
   public:
     void sendIdleToObject(id) override { ++served; }
     int served = 0;
-
-  protected:
-    PBTestCountingQueue() = default;
-    ~PBTestCountingQueue() = default;
 };
-
-PELVOR_DEFINE_CLASS(PBTestCountingQueue, idleQueueTestLibrary) {}
-PELVOR_DEFINE_CLASS(PBTestWorker, idleQueueTestLibrary) { methods.instance<"work", &PBTestWorker::work>(); }
-constexpr Class* kClasses[] = {&PBTestWorker::classRecord, &PBTestCountingQueue::classRecord};
-constinit Library idleQueueTestLibrary{"IdleQueueTest", {}, kClasses, {}};
+PELVOR_DEFINE_CLASS(PBTestCountingQueue, baseLibrary) {}
 
 bool turn(NSString* mode = NSDefaultRunLoopMode) {
     return NSRunLoop::currentRunLoop()->runMode_beforeDate(mode, NSDate::distantPast());
@@ -52,17 +38,21 @@ void idle() {
     while (turn()) continue;
 }
 
-class PBIdleQueueTest : public ::testing::Test {
-  protected:
+struct PBIdleQueueTest : ::testing::Test {
     ~PBIdleQueueTest() override {
-        first->invalidate();
-        second->invalidate();
+        for (auto& queue : {first, second}) send(queue, "invalidate"_sel);
         idle();
     }
     Retained<PBTestWorker> worker(const char* name) {
         auto made = make<PBTestWorker>();
         made->action = [this, name](id) { served += name; };
         return made;
+    }
+    void letAThrowWhileItWaits(PBTestWorker* object, PBIdleQueue* queue) {
+        a->action = [](id) { throw NSException("PBTestException", "as asked"); };
+        first->addObject(a);
+        queue->addObject(object);
+        EXPECT_THROW(turn(), NSException);
     }
 
     std::string served;
@@ -72,11 +62,12 @@ class PBIdleQueueTest : public ::testing::Test {
 };
 
 TEST_F(PBIdleQueueTest, QueuesTakeTurnsOneObjectAnIdleMoment) {
-    for (int i = 0; i < 3; ++i) first->addObject(a);
-    first->addObject(b);
+    for (auto& object : {a, a, a, b}) first->addObject(object);
     second->addObject(c);
     EXPECT_EQ(first->count(), 2u);
     EXPECT_EQ(a->retainCount(), 1u);
+    for (int i = 0; i < 3; ++i) turn(u"PBTestModalMode"_ns);
+    EXPECT_EQ(served, "") << "in another mode";
     for (const char* expected : {"a", "ac", "acb", "acb"}) {
         turn();
         EXPECT_EQ(served, expected);
@@ -92,50 +83,33 @@ TEST_F(PBIdleQueueTest, ASubclassSendsWhatItLikes) {
     EXPECT_EQ(served, "");
 }
 
-TEST_F(PBIdleQueueTest, ServesNothingInAnotherMode) {
-    first->addObject(a);
-    for (int i = 0; i < 3; ++i) turn(u"PBTestModalMode"_ns);
-    EXPECT_EQ(served, "");
-    turn();
-    EXPECT_EQ(served, "a");
-}
-
 TEST_F(PBIdleQueueTest, ObjectsChangeQueuesInTheMiddleOfTheirTurn) {
-    const struct {
-        const char* name;
-        std::function<void(id)> action;  // of a, the first of a queue; b waits in it, c in the second
-        const char* expected;
-    } cases[] = {
-        {"adds itself again", [&](id self) { first->addObject(self); }, "acba"},
-        {"moves to the other queue", [&](id self) { second->addObject(self); }, "acba"},
-        {"adds and removes itself", [&](id self) { first->addObject(self), first->removeObject(self); },
-         "acb"},
-        {"destroys itself", [&](id) { a = nullptr; }, "acb"},
-        {"destroys one to come", [&](id) { first->removeObject(b), b = nullptr; }, "ac"},
-        {"destroys one in the other queue", [&](id) { second->removeObject(c), c = nullptr; }, "ab"},
-        {"flushes its queue", [&](id) { first->flush(); }, "ac"},
-        {"invalidates its queue", [&](id) { first->invalidate(); }, "ac"},
-        {"invalidates the other queue", [&](id) { second->invalidate(); }, "ab"},
-        {"lets go of both queues", [&](id) { first = second = nullptr; }, "acb"},
-    };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.name);
+    // The action is of a, the first of a queue; b waits in it, c in the second.
+    auto expectServed = [this](const char* order, const char* situation, std::function<void(id)> action) {
         first = PBIdleQueue::initWithSelector("work"_sel);
         second = PBIdleQueue::initWithSelector("work"_sel);
         served = "";
-        for (auto* object : {&a, &b, &c}) *object = worker(object == &b ? "b" : "c");
+        a = worker("a"), b = worker("b"), c = worker("c");
         a->action = [&](id self) {
             served += "a";
-            if (served == "a") row.action(self);
+            if (served == "a") action(self);
         };
-        first->addObject(a);
-        first->addObject(b);
+        for (auto& object : {a, b}) first->addObject(object);
         second->addObject(c);
         idle();
-        EXPECT_EQ(served, row.expected);
-    }
-    first = PBIdleQueue::initWithSelector("work"_sel);
-    second = PBIdleQueue::initWithSelector("work"_sel);
+        EXPECT_EQ(served, order) << situation;
+    };
+    expectServed("acba", "adds itself again", [&](id self) { first->addObject(self); });
+    expectServed("acba", "moves to the other queue", [&](id self) { second->addObject(self); });
+    expectServed("acb", "adds and removes itself",
+                 [&](id self) { first->addObject(self), first->removeObject(self); });
+    expectServed("acb", "destroys itself", [&](id) { a = nullptr; });
+    expectServed("ac", "destroys one to come", [&](id) { first->removeObject(b), b = nullptr; });
+    expectServed("ab", "destroys one in the other", [&](id) { second->removeObject(c), c = nullptr; });
+    expectServed("ac", "flushes its queue", [&](id) { first->flush(); });
+    expectServed("ac", "invalidates its queue", [&](id) { first->invalidate(); });
+    expectServed("ab", "invalidates the other queue", [&](id) { second->invalidate(); });
+    expectServed("acb", "lets go of both queues", [&](id) { first = second = nullptr; });
 }
 
 // Deliberately: a flush discards what is queued and sends nothing.
@@ -152,15 +126,11 @@ TEST_F(PBIdleQueueTest, FlushedRemovedAndInvalidatedObjectsAreNotServed) {
     first->addObject(b);
     idle();
     EXPECT_EQ(served, "");
-    EXPECT_EQ(first->count(), 0u);
     EXPECT_EQ(first->description()->toUTF8(), "PBIdleQueue<" + addressOf(first) + "> {work, objects=0}");
 }
 
 TEST_F(PBIdleQueueTest, AfterAnExceptionObjectsWaitForTheNextAddition) {
-    a->action = [](id) { throw NSException("PBTestException", "as asked"); };
-    first->addObject(a);
-    first->addObject(b);
-    EXPECT_THROW(turn(), NSException);
+    letAThrowWhileItWaits(b, first);
     EXPECT_FALSE(first->containsObject(a));
     idle();
     EXPECT_EQ(served, "");
@@ -171,10 +141,7 @@ TEST_F(PBIdleQueueTest, AfterAnExceptionObjectsWaitForTheNextAddition) {
 
 // Deliberately: the scheduler is told of additions to an empty line only.
 TEST_F(PBIdleQueueTest, AfterAnExceptionQueuesInLineWaitUntilItIsEmptyAndAQueueComes) {
-    a->action = [](id) { throw NSException("PBTestException", "as asked"); };
-    first->addObject(a);
-    second->addObject(c);
-    EXPECT_THROW(turn(), NSException);
+    letAThrowWhileItWaits(c, second);
     first->addObject(b);
     idle();
     EXPECT_EQ(served, "");
@@ -188,9 +155,10 @@ TEST_F(PBIdleQueueTest, AfterAnExceptionQueuesInLineWaitUntilItIsEmptyAndAQueueC
 }
 
 TEST_F(PBIdleQueueTest, EachDeferredReleaseIsOneRelease) {
-    a->retain();
-    a->retain();
-    for (int i = 0; i < 2; ++i) send(a, "releaseWhenIdle"_sel);
+    for (int i = 0; i < 2; ++i) {
+        a->retain();
+        send(a, "releaseWhenIdle"_sel);
+    }
     EXPECT_EQ(a->retainCount(), 2u);
     idle();
     EXPECT_EQ(a->retainCount(), 1u);
@@ -204,45 +172,40 @@ TEST_F(PBIdleQueueTest, RandomStepsServeWhomPlainLinesServe) {
     struct Line {
         Retained<PBIdleQueue> queue = PBIdleQueue::initWithSelector("work"_sel);
         std::vector<PBTestWorker*> objects;
-        bool isScheduled = false;
     };
     std::vector<Line> lines(3);
     std::vector<Line*> turns;
     std::vector<Retained<PBTestWorker>> all(9);
     PBTestWorker* expected = nullptr;
-    std::function<void(PBTestWorker*)> serve;
-    auto schedule = [&](Line& line) {
-        if (!std::exchange(line.isScheduled, true)) turns.push_back(&line);
+    auto addOnce = [](auto& list, auto* member) {
+        if (std::find(list.begin(), list.end(), member) == list.end()) list.push_back(member);
     };
-    auto change = [&] {
+    auto remove = [](Line& line, PBTestWorker* object) {
+        line.queue->removeObject(object);
+        std::erase(line.objects, object);
+    };
+    std::function<void()> change = [&] {
         Line& line = lines[random() % lines.size()];
         auto& object = all[random() % all.size()];
-        if (!object) {
-            object = make<PBTestWorker>();
-            object->action = serve;
+        if (!object) object = make<PBTestWorker>();
+        object->action = [&](PBTestWorker* self) {
+            ASSERT_EQ(self, expected);
+            change();
+            expected = nullptr;
+        };
+        switch (random() % 6) {
+            case 0:
+                for (Line& each : lines) remove(each, object);
+                if (object != expected) object = nullptr;
+                break;
+            case 1:
+                remove(line, object);
+                break;
+            default:
+                line.queue->addObject(object);
+                addOnce(line.objects, object.get());
+                addOnce(turns, &line);
         }
-        bool isLeaving = random() % 3 == 0;
-        if (isLeaving && random() % 2) {
-            for (Line& each : lines) {
-                each.queue->removeObject(object);
-                std::erase(each.objects, object.get());
-            }
-            if (object != expected) object = nullptr;
-        } else if (isLeaving) {
-            line.queue->removeObject(object);
-            std::erase(line.objects, object.get());
-        } else {
-            line.queue->addObject(object);
-            if (std::find(line.objects.begin(), line.objects.end(), object.get()) == line.objects.end())
-                line.objects.push_back(object);
-            schedule(line);
-        }
-    };
-    serve = [&](PBTestWorker* self) {
-        ASSERT_EQ(self, expected);
-        served = "yes";
-        change();
-        expected = nullptr;
     };
     for (int step = 0, steps = randomSteps(60'000); step < steps; ++step) {
         AutoreleasePool inner;
@@ -250,18 +213,15 @@ TEST_F(PBIdleQueueTest, RandomStepsServeWhomPlainLinesServe) {
         if (step % 2 || turns.empty()) continue;
         Line& line = *turns.front();
         turns.erase(turns.begin());
-        line.isScheduled = false;
         expected = line.objects.empty() ? nullptr : line.objects.front();
-        served = expected ? "" : "yes";
-        if (expected) line.objects.erase(line.objects.begin());
+        std::erase(line.objects, expected);
         bool hadObject = expected;
         turn();
-        ASSERT_EQ(served, "yes");
-        if (hadObject && !line.objects.empty()) schedule(line);
+        ASSERT_EQ(expected, nullptr) << "not served";
+        if (hadObject && !line.objects.empty()) addOnce(turns, &line);
         for (Line& each : lines) ASSERT_EQ(each.queue->count(), each.objects.size());
     }
     for (Line& line : lines) line.queue->invalidate();
 }
 
 }  // namespace
-}  // namespace pelvor::testing

@@ -6,110 +6,78 @@
 #include "Prelude.h"
 #include "RandomSteps.h"
 
-namespace pelvor::testing {
 namespace {
 
-class PBLinkedListTest : public ::testing::Test {
-  protected:
+struct PBLinkedListTest : ::testing::Test {
     std::string text(PBLinkedList* of) {
         std::string result;
         PBLinkedListEnumerator* walk = of->objectEnumerator();
-        while (id object = walk->nextObject()) result += object->description()->toUTF8();
+        while (id object = walk->nextObject()) result += shown(object);
         EXPECT_EQ(walk->nextObject(), nullptr);
         return result;
     }
-    Retained<PBLinkedList> listOf(std::initializer_list<id> objects) {
+    Retained<PBLinkedList> abc() {
         auto made = PBLinkedList::init();
-        for (id object : objects) made->enqueueObject(object);
+        for (NSString* object : {u"a"_ns, u"b"_ns, u"c"_ns}) made->enqueueObject(object);
         return made;
     }
-    Retained<PBLinkedList> list = listOf({u"a"_ns, u"b"_ns, u"c"_ns});
+    Retained<PBLinkedList> list = abc();
 };
 
 TEST_F(PBLinkedListTest, IsAStackAndAQueue) {
     list->push(u"z"_ns);
-    EXPECT_EQ(list->top()->description()->toUTF8(), "z");
-    EXPECT_EQ(text(list), "zabc");
-    EXPECT_EQ(list->pop()->description()->toUTF8(), "z");
-    EXPECT_EQ(list->dequeueObject()->description()->toUTF8(), "a");
-    EXPECT_EQ(list->description()->toUTF8(), "00: b \n01: c \n");
-    list->removeAllObjects();
-    list->removeAllObjects();
+    EXPECT_EQ(shown(list->top(), text(list)), "z zabc");
+    EXPECT_EQ(shown(list->pop()), "z");
+    EXPECT_EQ(shown(list->dequeueObject()), "a");
+    EXPECT_EQ(shown(list.get()), "00: b \n01: c \n");
+    for (int i = 0; i < 2; ++i) list->removeAllObjects();
     EXPECT_TRUE(list->isEmpty());
-    EXPECT_EQ(list->pop(), nullptr);
-    EXPECT_EQ(list->top(), nullptr);
-    EXPECT_EQ(list->description()->toUTF8(), "");
+    EXPECT_EQ(shown(list->pop(), list->top(), list.get()), "(null) (null) ");
 }
 
 TEST_F(PBLinkedListTest, WhatIsPoppedLivesAsLongAsThePool) {
     auto object = NSObject::init();
-    auto stack = PBLinkedList::init();
-    stack->push(object);
+    list->push(object);
     {
         AutoreleasePool inner;
-        stack->pop();
+        list->pop();
         EXPECT_EQ(object->retainCount(), 2u);
     }
     EXPECT_EQ(object->retainCount(), 1u);
 }
 
 // The index that is the count is deliberately let through: there is no node, and the last is before it.
-TEST_F(PBLinkedListTest, TheNodePastTheLastIsNone) {
-    PBLinkedListNode* previous = nullptr;
+TEST_F(PBLinkedListTest, RaisesPastTheEndAndChangesNothing) {
+    const std::string raised = std::string(NSRangeException) + ": index (";
+    EXPECT_EQ(RAISED(list->objectAtIndex(3)), raised + "3) beyond bounds (3)");
+    EXPECT_EQ(RAISED(list->nodeAtIndex_prevNode(4, nullptr)), raised + "4) beyond bounds (3)");
+    EXPECT_EQ(RAISED(list->removeObjectsInRange({2, 2})), raised + "3) to remove beyond bounds (3)");
+    EXPECT_EQ(RAISED(list->removeObjectAtIndex(3)), raised + "3) to remove beyond bounds (3)");
+    EXPECT_EQ(RAISED(list->removeObjectsInRange({1, ~0u})), raised + "-1) to remove beyond bounds (3)");
+    PBLinkedListNode *last = list->nodeAtIndex_prevNode(2, nullptr), *previous = nullptr;
     EXPECT_EQ(list->nodeAtIndex_prevNode(3, &previous), nullptr);
-    EXPECT_EQ(previous, list->nodeAtIndex_prevNode(2, nullptr));
+    EXPECT_EQ(previous, last);
     list->nodeAtIndex_prevNode(0, &previous);
     EXPECT_EQ(previous, nullptr);
-}
-
-TEST_F(PBLinkedListTest, RaisesPastTheEndAndChangesNothing) {
-    const struct {
-        std::function<void()> operation;
-        const char* reason;
-    } cases[] = {
-        {[&] { list->objectAtIndex(3); }, "index (3) beyond bounds (3)"},
-        {[&] { list->nodeAtIndex_prevNode(4, nullptr); }, "index (4) beyond bounds (3)"},
-        {[&] {
-             list->removeObjectsInRange({2, 2});
-         },
-         "index (3) to remove beyond bounds (3)"},
-        {[&] { list->removeObjectAtIndex(3); }, "index (3) to remove beyond bounds (3)"},
-        {[&] {
-             list->removeObjectsInRange({1, 0xFFFFFFFF});
-         },
-         "index (-1) to remove beyond bounds (3)"},
-        {[&] {
-             list->removeObjectsInRange({3, 0});
-         },
-         "nothing raised"},
-        {[&] { list->removeNode_withPreviousNode(list->nodeAtIndex_prevNode(2, nullptr), nullptr); },
-         "nothing raised"},
-        {[&] { list->removeNode_withPreviousNode(nullptr, list->nodeAtIndex_prevNode(2, nullptr)); },
-         "nothing raised"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(reasonOf(NSRangeException, c.operation), c.reason);
-        EXPECT_EQ(text(list), "abc");
-    }
+    list->removeObjectsInRange({3, 0});
+    list->removeNode_withPreviousNode(last, nullptr);
+    list->removeNode_withPreviousNode(nullptr, last);
+    EXPECT_EQ(text(list), "abc");
 }
 
 TEST_F(PBLinkedListTest, AnEnumeratorRemovesWhatItReturned) {
     for (std::string leaving : {"", "a", "b", "c", "ab", "bc", "ac", "abc"}) {
-        auto copy = listOf({u"a"_ns, u"b"_ns, u"c"_ns});
+        auto copy = abc();
         std::string seen, left;
         PBLinkedListEnumerator* walk = copy->objectEnumerator();
         walk->removeLastObject();
         while (id object = walk->nextObject()) {
-            std::string name = object->description()->toUTF8();
-            seen += name;
-            if (leaving.find(name) == std::string::npos)
-                left += name;
-            else
-                for (int twice = 0; twice < 2; ++twice) walk->removeLastObject();
+            bool leaves = leaving.find(shown(object)) != std::string::npos;
+            seen += shown(object);
+            if (!leaves) left += shown(object);
+            for (int twice = 0; leaves && twice < 2; ++twice) walk->removeLastObject();
         }
-        EXPECT_EQ(seen, "abc");
-        EXPECT_EQ(text(copy), left);
-        EXPECT_EQ(copy->count(), left.size());
+        EXPECT_EQ(shown(seen, text(copy), copy->count()), shown("abc", left, left.size()));
     }
 }
 
@@ -136,34 +104,27 @@ TEST_F(PBLinkedListTest, RandomStepsLeaveWhatAPlainListHolds) {
         AutoreleasePool inner;
         id object = NSNumber::numberWithInt(step);
         auto size = static_cast<std::uint32_t>(model.size());
-        std::uint32_t index = size ? random() % size : 0;
-        switch (size > 40 ? 2 + random() % 4 : random() % 4) {
-            case 0:
-                made->push(object), model.push_front(object);
-                break;
-            case 1:
-                made->enqueueObject(object), model.push_back(object);
-                break;
-            case 2: {
-                id expected = model.empty() ? nullptr : model.front();
-                EXPECT_EQ(made->pop(), expected);
-                if (expected) model.pop_front();
-                break;
-            }
-            default: {
-                std::uint32_t length = size ? random() % std::min(4u, size - index + 1) : 0;
-                length = std::min(length, size - index);
-                made->removeObjectsInRange({index, length});
-                model.erase(model.begin() + index, model.begin() + index + length);
-            }
+        std::uint32_t index = random() % (size + 1);
+        unsigned choice = size > 40 ? 2 + random() % 4 : random() % 4;
+        if (choice == 0) {
+            made->push(object);
+            model.push_front(object);
+        } else if (choice == 1) {
+            made->enqueueObject(object);
+            model.push_back(object);
+        } else if (choice == 2) {
+            EXPECT_EQ(made->pop(), model.empty() ? nullptr : model.front());
+            if (size) model.pop_front();
+        } else {
+            std::uint32_t length = std::min<std::uint32_t>(random() % 4, size - index);
+            made->removeObjectsInRange({index, length});
+            model.erase(model.begin() + index, model.begin() + index + length);
         }
         ASSERT_EQ(made->count(), model.size());
-        if (!model.empty()) {
-            index = random() % made->count();
-            ASSERT_EQ(made->objectAtIndex(index), model[index]);
-        }
+        if (model.empty()) continue;
+        index = random() % made->count();
+        ASSERT_EQ(made->objectAtIndex(index), model[index]);
     }
 }
 
 }  // namespace
-}  // namespace pelvor::testing

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBNotificationCenter.h"
 
+#include "BaseLibrary.h"
 #include "Foundation/NSRunLoop.h"
 #include "Prelude.h"
 
-namespace pelvor::testing {
 namespace {
-
-extern Library notificationCenterTestLibrary;
 
 // Writes down what it hears, with "!" for a sender.
 class PBTestWatcher : public PBNotificationWatcher {
@@ -18,27 +16,23 @@ class PBTestWatcher : public PBNotificationWatcher {
         heard += notification->name()->toUTF8() + (notification->object() ? "! " : " ");
     }
     std::string heard;
-
-  protected:
-    PBTestWatcher() = default;
-    ~PBTestWatcher() = default;
 };
-
-PELVOR_DEFINE_CLASS(PBTestWatcher, notificationCenterTestLibrary) {}
-constexpr Class* kClasses[] = {&PBTestWatcher::classRecord};
-constinit Library notificationCenterTestLibrary{"NotificationCenterTest", {}, kClasses, {}};
+PELVOR_DEFINE_CLASS(PBTestWatcher, baseLibrary) {}
 
 constexpr NSString* kFonts = u"NSFontSetChangedNotification"_ns;
 constexpr NSString* kThreshold = u"NSAntialiasThresholdChangedNotification"_ns;
 constexpr NSString* kX = u"X"_ns;
 using Additions = NSNotificationCenter_PelvorAdditions;
 
-class PBNotificationCenterTest : public ::testing::Test {
-  protected:
+struct PBNotificationCenterTest : ::testing::Test {
     std::string hear() { return std::exchange(watcher->heard, ""); }
     void idle() {
-        while (NSRunLoop::currentRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, NSDate::distantPast())) {
-        }
+        while (NSRunLoop::currentRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, NSDate::distantPast()))
+            continue;
+    }
+    void post(NSString* name) { center->postNotificationName_object(name, sender); }
+    void watch(id object, std::initializer_list<id> names) {
+        watcher->watchObject_notifications(object, NSArray::of(names));
     }
 
     NSNotificationCenter* center = NSNotificationCenter::defaultCenter();
@@ -50,16 +44,16 @@ class PBNotificationCenterTest : public ::testing::Test {
 
 // The first case runs before the default centre has changed, unless another test has changed it.
 TEST_F(PBNotificationCenterTest, TheFirstDisabledNameChangesTheDefaultCentre) {
-    watcher->watchObject_notifications(nullptr, NSArray::of({kFonts, kX}));
+    watch(nullptr, {kFonts, kX});
     if (center->isa() == NSNotificationCenter::classObject()) {
         Additions::enableNotificationName(kX);
-        for (int i = 0; i < 2; ++i) center->postNotificationName_object(kFonts, sender);
+        for (int i = 0; i < 2; ++i) post(kFonts);
         EXPECT_EQ(hear(), "NSFontSetChangedNotification! NSFontSetChangedNotification! ");
     }
     for (int i = 0; i < 2; ++i) Additions::disableNotificationName(kX);
     EXPECT_EQ(center->isa(), PBNotificationCenter::classObject());
     Additions::enableNotificationName(kX);
-    center->postNotificationName_object(kX, sender);
+    post(kX);
     center->postNotification(NSNotification::notificationWithName_object(kX, sender));
     EXPECT_EQ(hear(), "");
     for (int i = 0; i < 2; ++i) Additions::enableNotificationName(kX);
@@ -72,17 +66,17 @@ TEST_F(PBNotificationCenterTest, TheFirstDisabledNameChangesTheDefaultCentre) {
 // Deliberately: a name that was disabled after it was queued is delivered all the same.
 TEST_F(PBNotificationCenterTest, DelayedNamesAreDeliveredOnceWithoutSenderWhenIdle) {
     PBNotificationCenter::doPosing();
-    watcher->watchObject_notifications(nullptr, NSArray::of({kFonts, kThreshold}));
+    watch(nullptr, {kFonts, kThreshold});
     for (NSString* name : {kFonts, kThreshold}) {
-        for (int i = 0; i < 5; ++i) center->postNotificationName_object(name, sender);
+        for (int i = 0; i < 5; ++i) post(name);
         center->postNotification(NSNotification::notificationWithName_object(name, sender));
         EXPECT_EQ(hear(), "");
         idle();
         EXPECT_EQ(hear(), name->toUTF8() + " ");
     }
-    center->postNotificationName_object(kFonts, sender);
+    post(kFonts);
     Additions::disableNotificationName(kFonts);
-    center->postNotificationName_object(kFonts, sender);
+    post(kFonts);
     idle();
     EXPECT_EQ(hear(), "NSFontSetChangedNotification ");
     Additions::enableNotificationName(kFonts);
@@ -91,24 +85,24 @@ TEST_F(PBNotificationCenterTest, DelayedNamesAreDeliveredOnceWithoutSenderWhenId
 }
 
 TEST_F(PBNotificationCenterTest, AWatcherHearsOnlyWhatItWasToldToWatchLast) {
-    auto post = [this](const char* expected) {
+    auto heardOfAll = [this] {
         for (NSString* name : {u"A"_ns, u"B"_ns})
             for (id from : {id(sender), id()}) center->postNotificationName_object(name, from);
-        EXPECT_EQ(hear(), expected);
+        return hear();
     };
-    watcher->watchObject_notifications(sender, NSArray::of({u"A"_ns}));
-    post("A! ");
-    watcher->watchObject_notifications(nullptr, NSArray::of({u"B"_ns}));
-    post("B! B ");
+    watch(sender, {u"A"_ns});
+    EXPECT_EQ(heardOfAll(), "A! ");
+    watch(nullptr, {u"B"_ns});
+    EXPECT_EQ(heardOfAll(), "B! B ");
     watcher->watchObject_notifications(sender, nullptr);
-    post("A! B! ");
+    EXPECT_EQ(heardOfAll(), "A! B! ");
     watcher->watchNone();
-    post("");
-    watcher->watchObject_notifications(sender, NSArray::of({u"A"_ns, u"B"_ns}));
-    post("A! B! ");
+    EXPECT_EQ(heardOfAll(), "");
+    watch(sender, {u"A"_ns, u"B"_ns});
+    EXPECT_EQ(heardOfAll(), "A! B! ");
     watcher->invalidate();
     watcher->watchObject_notifications(sender, nullptr);
-    post("");
+    EXPECT_EQ(heardOfAll(), "");
     auto other = NSNotificationCenter::init();
     auto gone = PBNotificationWatcher::initWithNotificationCenter(other);
     gone->watchObject_notifications(nullptr, nullptr);
@@ -119,4 +113,3 @@ TEST_F(PBNotificationCenterTest, AWatcherHearsOnlyWhatItWasToldToWatchLast) {
 }
 
 }  // namespace
-}  // namespace pelvor::testing

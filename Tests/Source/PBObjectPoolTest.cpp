@@ -3,23 +3,20 @@
 
 #include "Prelude.h"
 
-namespace pelvor::testing {
 namespace {
 
 TEST(PBObjectPoolTest, ARawPoolTakesReferencesOverAndGivesThemBack) {
     auto first = NSObject::init(), second = NSObject::init(), third = NSObject::init();
-    auto pool = PBObjectPool::initWithCapacity(2);
-    EXPECT_TRUE(pool->poolObject(Retained<Object>(first).leak()));
-    EXPECT_TRUE(pool->poolObject(Retained<Object>(second).leak()));
+    auto counts = [&] { return shown(first->retainCount(), second->retainCount(), third->retainCount()); };
+    auto pool = PBObjectPool::initWithCapacity(2), none = PBObjectPool::initWithCapacity(0);
+    for (auto* object : {&first, &second}) EXPECT_TRUE(pool->poolObject(Retained<Object>(*object).leak()));
     EXPECT_FALSE(pool->poolObject(third));
-    EXPECT_EQ(third->retainCount(), 1u);
+    EXPECT_EQ(counts(), "2 2 1");
     EXPECT_EQ(pool->popObject(), second);
-    EXPECT_EQ(second->retainCount(), 1u);
-    EXPECT_EQ(first->retainCount(), 2u);
+    EXPECT_EQ(counts(), "2 1 1");
     pool = nullptr;
-    EXPECT_EQ(first->retainCount(), 1u);
+    EXPECT_EQ(counts(), "1 1 1");
     EXPECT_FALSE(PBObjectPool::initWithCapacity(1)->poolObject(nullptr));
-    auto none = PBObjectPool::initWithCapacity(0);
     EXPECT_FALSE(none->poolObject(first));
     EXPECT_EQ(none->popObject(), nullptr);
 }
@@ -56,4 +53,3 @@ TEST(PBObjectPoolTest, ThreadsShareALockedPool) {
 }
 
 }  // namespace
-}  // namespace pelvor::testing

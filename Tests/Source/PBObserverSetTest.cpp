@@ -5,10 +5,7 @@
 #include "Prelude.h"
 #include "RandomSteps.h"
 
-namespace pelvor::testing {
 namespace {
-
-extern Library observerSetTestLibrary;
 
 // Calls what it was given.
 class PBTestObserver : public NSObject {
@@ -16,7 +13,7 @@ class PBTestObserver : public NSObject {
 
   public:
     void note(id first, id second, id third) {
-        for (id object : {first, second, third}) heard += object ? object->description()->toUTF8() : "-";
+        heard += shown(first, second, third) + " ";
         act();
     }
     void noteOne(id first) { note(first, nullptr, nullptr); }
@@ -28,39 +25,34 @@ class PBTestObserver : public NSObject {
     int calls = 0;
     std::string heard;
     std::function<void(PBTestObserver*)> action;
-
-  protected:
-    PBTestObserver() = default;
-    ~PBTestObserver() = default;
 };
 
+constinit Library observerSetTestLibrary{"ObserverSetTest", {}, kClassesOf<PBTestObserver>, {}};
 PELVOR_DEFINE_CLASS(PBTestObserver, observerSetTestLibrary) {
     methods.instanceAs<"note:and:and:", &PBTestObserver::note>();
     methods.instanceAs<"note:", &PBTestObserver::noteOne>();
     methods.instance<"act", &PBTestObserver::act>();
 }
-constexpr Class* kClasses[] = {&PBTestObserver::classRecord};
-constinit Library observerSetTestLibrary{"ObserverSetTest", {}, kClasses, {}};
 
-class PBObserverSetTest : public ::testing::Test {
-  protected:
-    PBObserverSetTest() {
+struct PBObserverSetTest : ::testing::Test {
+    PBObserverSetTest() { fill(); }
+    void fill() {
+        set = PBObserverSet::init();
         for (auto& observer : observers) {
             observer = make<PBTestObserver>();
             set->addObserver(observer);
         }
     }
-    std::vector<int> calls() {
-        std::vector<int> counts;
-        for (auto& observer : observers) counts.push_back(observer ? observer->calls : -1);
+    // How often the observers were called; "-" for those that are gone.
+    std::string calls() {
+        std::string counts;
+        for (auto& observer : observers) counts += observer ? std::to_string(observer->calls) : "-";
         return counts;
     }
 
-    Retained<PBObserverSet> set = PBObserverSet::init();
+    Retained<PBObserverSet> set;
     Retained<PBTestObserver> observers[4];
 };
-
-using Calls = std::vector<int>;
 
 TEST_F(PBObserverSetTest, HoldsEachObserverOnceAndDoesNotKeepIt) {
     set->addObserver(observers[0]);
@@ -70,15 +62,15 @@ TEST_F(PBObserverSetTest, HoldsEachObserverOnceAndDoesNotKeepIt) {
     EXPECT_FALSE(set->containsObserver(observers[0]));
     EXPECT_TRUE(set->containsObserver(observers[1]));
     for (int i : {1, 2}) set->removeObserver(observers[i]);
-    EXPECT_TRUE(set->description()->hasPrefix(u"PBObserverSet {\n\tPBWeakReference<0x"_ns));
-    EXPECT_TRUE(set->description()->hasSuffix(u">\n}"_ns));
+    EXPECT_THAT(shown(set.get()),
+                AllOf(StartsWith("PBObserverSet {\n\tPBWeakReference<0x"), EndsWith(">\n}")));
     set->invalidate();
     set->addObserver(observers[0]);
     set->makeObserversPerformSelector("act"_sel);
     EXPECT_EQ(set->count(), 0u);
     EXPECT_FALSE(set->containsObserver(observers[3]));
-    EXPECT_EQ(set->description()->toUTF8(), "PBObserverSet {\n}");
-    EXPECT_EQ(calls(), (Calls{0, 0, 0, 0}));
+    EXPECT_EQ(shown(set.get()), "PBObserverSet {\n}");
+    EXPECT_EQ(calls(), "0000");
 }
 
 TEST_F(PBObserverSetTest, SendsAsManyObjectsAsTheMessageTakes) {
@@ -88,58 +80,46 @@ TEST_F(PBObserverSetTest, SendsAsManyObjectsAsTheMessageTakes) {
                                                                        u"c"_ns);
     set->makeObserversPerformSelector_withObject_withObject("note:"_sel, u"d"_ns, u"e"_ns);
     set->makeObserversPerformSelector_withObject("act"_sel, u"f"_ns);
-    for (auto& observer : observers) EXPECT_EQ(observer->heard, "a-cd--");
+    for (auto& observer : observers) EXPECT_EQ(observer->heard, "a (null) c d (null) (null) ");
+    EXPECT_EQ(calls(), "3333");
 }
 
 TEST_F(PBObserverSetTest, ObserversChangeTheSetInTheMiddleOfABroadcast) {
     auto late = make<PBTestObserver>();
-    const struct {
-        const char* name;
-        std::function<void(PBTestObserver*)> action;  // of the second
-        Calls expected;
-    } cases[] = {
-        {"removes itself", [&](PBTestObserver* self) { set->removeObserver(self); }, {1, 1, 1, 1}},
-        {"removes one to come", [&](id) { set->removeObserver(observers[2]); }, {1, 1, 0, 1}},
-        {"removes one gone by", [&](id) { set->removeObserver(observers[0]); }, {1, 1, 1, 1}},
-        {"adds one", [&](id) { set->addObserver(late); }, {1, 1, 1, 1}},
-        {"invalidates the set", [&](id) { set->invalidate(); }, {1, 1, 0, 0}},
-        {"destroys one to come",
-         [&](id) {
-             set->removeObserver(observers[3]);
-             observers[3] = nullptr;
-         },
-         {1, 1, 1, -1}},
-        {"destroys itself",
-         [&](PBTestObserver* self) {
-             set->removeObserver(self);
-             observers[1] = nullptr;
-             EXPECT_EQ(self->retainCount(), 1u);
-         },
-         {1, -1, 1, 1}},
-        {"drops the set", [&](id) { set = nullptr; }, {1, 1, 1, 1}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        set = PBObserverSet::init();
-        for (auto& observer : observers) {
-            observer = make<PBTestObserver>();
-            set->addObserver(observer);
-        }
-        observers[1]->action = c.action;
+    // The action is of the second.
+    auto expectCalls = [&](const char* expected, const char* situation,
+                           std::function<void(PBTestObserver*)> action) {
+        fill();
+        observers[1]->action = action;
         set->makeObserversPerformSelector("act"_sel);
-        EXPECT_EQ(calls(), c.expected);
-        EXPECT_EQ(late->calls, 0);
-    }
+        EXPECT_EQ(calls(), expected) << situation;
+        EXPECT_EQ(late->calls, 0) << situation;
+    };
+    auto destroy = [this](int number) {
+        set->removeObserver(observers[number]);
+        observers[number] = nullptr;
+    };
+    expectCalls("1111", "removes itself", [&](id self) { set->removeObserver(self); });
+    expectCalls("1101", "removes one to come", [&](id) { set->removeObserver(observers[2]); });
+    expectCalls("1111", "removes one gone by", [&](id) { set->removeObserver(observers[0]); });
+    expectCalls("1111", "adds one", [&](id) { set->addObserver(late); });
+    expectCalls("1100", "invalidates the set", [&](id) { set->invalidate(); });
+    expectCalls("111-", "destroys one to come", [&](id) { destroy(3); });
+    expectCalls("1-11", "destroys itself", [&](PBTestObserver* self) {
+        destroy(1);
+        EXPECT_EQ(self->retainCount(), 1u);
+    });
+    expectCalls("1111", "drops the set", [&](id) { set = nullptr; });
 }
 
 TEST_F(PBObserverSetTest, WhatAnObserverRaisesLeavesTheBroadcast) {
     observers[1]->action = [](id) { throw NSException("PBTestException", "as asked"); };
     EXPECT_THROW(set->makeObserversPerformSelector("act"_sel), NSException);
-    EXPECT_EQ(calls(), (Calls{1, 1, 0, 0}));
+    EXPECT_EQ(calls(), "1100");
     for (auto& observer : observers) EXPECT_EQ(observer->retainCount(), 1u);
     observers[1]->action = nullptr;
     set->makeObserversPerformSelector("act"_sel);
-    EXPECT_EQ(calls(), (Calls{2, 2, 1, 1}));
+    EXPECT_EQ(calls(), "2211");
 }
 
 // Observers add, remove, destroy and broadcast at random, also from inside broadcasts. By the model, each
@@ -147,43 +127,34 @@ TEST_F(PBObserverSetTest, WhatAnObserverRaisesLeavesTheBroadcast) {
 TEST_F(PBObserverSetTest, RandomStepsCallWhomAPlainListCalls) {
     std::mt19937 random(11);
     std::vector<Retained<PBTestObserver>> all(12);
-    std::vector<PBTestObserver*> members, present;
-    std::size_t turn = 0;
-    std::function<void(PBTestObserver*)> action;
+    std::vector<PBTestObserver*> members, waiting;
     set = PBObserverSet::init();
-    auto leave = [&](PBTestObserver* observer) {
-        set->removeObserver(observer);
-        std::erase(members, observer);
-    };
-    auto change = [&] {
-        auto& observer = all[random() % all.size()];
-        switch (random() % 4) {
-            case 0:
-                if (observer) leave(observer);
-                observer = nullptr;
-                break;
-            case 1:
-                if (observer) leave(observer);
-                break;
-            default:
-                if (!observer) {
-                    observer = make<PBTestObserver>();
-                    observer->action = action;
-                }
-                if (std::find(members.begin(), members.end(), observer.get()) == members.end())
-                    members.push_back(observer);
-                set->addObserver(observer);
-        }
+    auto isMember = [&](PBTestObserver* observer) {
+        return std::find(members.begin(), members.end(), observer) != members.end();
     };
     auto skipGone = [&] {
-        while (turn < present.size() &&
-               std::find(members.begin(), members.end(), present[turn]) == members.end())
-            ++turn;
+        while (!waiting.empty() && !isMember(waiting.front())) waiting.erase(waiting.begin());
+    };
+    std::function<void(PBTestObserver*)> action;
+    auto change = [&] {
+        auto& observer = all[random() % all.size()];
+        unsigned choice = random() % 4;
+        if (choice > 1) {
+            if (!observer) observer = make<PBTestObserver>();
+            if (!observer->action) observer->action = action;
+            set->addObserver(observer);
+            if (!isMember(observer)) members.push_back(observer);
+            return;
+        }
+        set->removeObserver(observer);
+        std::erase(members, observer.get());
+        if (choice == 0) observer = nullptr;
     };
     action = [&](PBTestObserver* self) {
         skipGone();
-        ASSERT_LT(turn, present.size());
-        ASSERT_EQ(present[turn++], self);
+        ASSERT_FALSE(waiting.empty());
+        ASSERT_EQ(waiting.front(), self);
+        waiting.erase(waiting.begin());
         change();
     };
     for (int step = 0, steps = randomSteps(50'000); step < steps; ++step) {
@@ -191,13 +162,11 @@ TEST_F(PBObserverSetTest, RandomStepsCallWhomAPlainListCalls) {
         change();
         ASSERT_EQ(set->count(), members.size());
         if (step % 5) continue;
-        present = members;
-        turn = 0;
+        waiting = members;
         set->makeObserversPerformSelector("act"_sel);
         skipGone();
-        ASSERT_EQ(turn, present.size());
+        ASSERT_TRUE(waiting.empty());
     }
 }
 
 }  // namespace
-}  // namespace pelvor::testing

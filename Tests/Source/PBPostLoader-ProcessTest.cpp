@@ -3,68 +3,127 @@
 #include "Foundation/NSThread.h"
 #include "HookedClasses.h"
 #include "PBPostLoader.h"
+#include "PBRegistry.h"
 #include "PBUtil.h"
-#include "Prelude.h"
+#include "TestClasses.h"
 
-namespace pelvor::testing {
 namespace {
-
-using ::testing::ExitedWithCode;
-
-class PostLoaderProcess : public ::testing::Test {
-  protected:
-    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
-};
 
 void noteWhetherMultiThreaded() { note(PBPostLoader::isMultiThreaded() ? "multi-threaded" : "one thread"); }
 
-TEST_F(PostLoaderProcess, RunsThePosingPhaseWithTheFirstMessage) {
-    EXPECT_EXIT(
-        {
-            classWithHook("EarlyPoser", "performPosing",
-                          [](Object*, SEL) { note(_pbLettersCharacterSet ? "sets" : "no sets"); });
-            classWithHook("EarlyLoader", "didLoad", [](Object*, SEL) { note("loading"); });
-            send<bool>(&PBPostLoader::classRecord, "isMultiThreaded"_sel);
-            note("first message sent");
-            PBPostLoader::processClasses();
-            exitWithJournal();
-        },
-        ExitedWithCode(0), journalOf({"no sets", "first message sent", "loading"}));
+TEST(PostLoaderProcess, RunsThePosingPhaseWithTheFirstMessage) {
+    expectJournal("no sets, first message sent, loading", [] {
+        classWithHooks("Early",
+                       {{"performPosing"_sel, HOOK(note(_pbLettersCharacterSet ? "sets" : "no sets"))},
+                        {"didLoad"_sel, HOOK(note("loading"))}});
+        send<bool>(&PBPostLoader::classRecord, "isMultiThreaded"_sel);
+        note("first message sent");
+        PBPostLoader::processClasses();
+    });
 }
 
-TEST_F(PostLoaderProcess, RunsTheThreadPhaseWithTheFirstFurtherThreadAndThenInEveryCycle) {
-    EXPECT_EXIT(
-        {
-            classWithHook("Early", "becomingMultiThreaded", [](Object*, SEL) { note("early"); });
-            PBPostLoader::processClasses();
+TEST(PostLoaderProcess, RunsTheThreadPhaseWithTheFirstFurtherThreadAndThenInEveryCycle) {
+    expectJournal("one thread, early, multi-threaded, late activateToolkit, late", [] {
+        classWithHooks("Early", {{"becomingMultiThreaded"_sel, HOOK(note("early"))}});
+        PBPostLoader::processClasses();
+        noteWhetherMultiThreaded();
+        NSThread::detach([] {});
+        noteWhetherMultiThreaded();
+        classWithHooks("Late", {{"becomingMultiThreaded"_sel, HOOK(note("late"))},
+                                {"activateToolkit"_sel, HOOK(note("late activateToolkit"))}});
+        PBPostLoader::processClassesStartingRegistry(false);
+    });
+}
+
+TEST(PostLoaderProcess, RunsNoThreadPhaseInsideAThreadPhase) {
+    expectJournal("nobody listens yet, one thread, inner, multi-threaded", [] {
+        HookFunction outer = [](Object*, SEL) {
+            classWithHooks("Inner", {{"becomingMultiThreaded"_sel, HOOK(note("inner"))}});
+            send(&PBPostLoader::classRecord, "_becomingMultiThreaded:"_sel, nullptr);
             noteWhetherMultiThreaded();
-            NSThread::detach([] {});
-            noteWhetherMultiThreaded();
-            Class* late = classWithHook("Late", "becomingMultiThreaded", [](Object*, SEL) { note("late"); });
-            addHook(late, "activateToolkit", hookOf([](Object*, SEL) { note("late activateToolkit"); }));
+        };
+        classWithHooks("Outer", {{"becomingMultiThreaded"_sel, outer}});
+        NSThread::detach([] {});
+        note("nobody listens yet");
+        PBPostLoader::processClasses();
+        noteWhetherMultiThreaded();
+    });
+}
+
+// MARK: Plug-ins
+
+// Plug-ins find a class by its name to say something in the journal.
+void noteLine(NSObject*, NSString* line) { note(shown(line)); }
+void processClassesWithJournal() {
+    addMethod<"note:", &noteLine>(Class::createSubclass("HookJournal", NSObject::classObject())->metaclass());
+    PBPostLoader::processClasses();
+}
+
+// Those before the last.
+const std::string kPhases = "LateLamp performPosing, NSString didLoad, LateLamp initialize, LateLamp didLoad";
+
+TEST(PlugIns, PassThroughAllPhasesWhenTheyAreLoadedAndThenBringTheirProfiles) {
+    expectJournal(kPhases + ", LateLamp activateToolkit, its profile, again", [] {
+        processClassesWithJournal();
+        ASSERT_TRUE(plugIn("LateLamp")->load());
+        PBProfile* profile = PBRegistry::sharedRegistry()->profileWithIdentifier(u"late lamp"_ns);
+        ASSERT_EQ(profile->profileClass(), classNamed("LateLamp"));
+        note(profile->bundle() == plugIn("LateLamp") ? "its profile" : "another's profile");
+        note(plugIn("LateLamp")->load() ? "again" : "not again");
+        PBPostLoader::processClasses();
+    });
+}
+
+TEST(PlugIns, AreLoadedInsideAHookWithTheirWholeCycle) {
+    // The cycle inside the hook passes over the loader's hook of the later phase as well.
+    expectJournal(
+        kPhases + "(, activates, LateLamp activateToolkit|, LateLamp activateToolkit, activates), has loaded",
+        [] {
+            processClassesWithJournal();
+            HookFunction load = HOOK(plugIn("LateLamp")->load(), note("has loaded"));
+            classWithHooks("Loader",
+                           {{"didLoad"_sel, load}, {"activateToolkit"_sel, HOOK(note("activates"))}});
             PBPostLoader::processClassesStartingRegistry(false);
-            exitWithJournal();
-        },
-        ExitedWithCode(0),
-        journalOf({"one thread", "early", "multi-threaded", "late activateToolkit", "late"}));
+        });
 }
 
-TEST_F(PostLoaderProcess, RunsNoThreadPhaseInsideAThreadPhase) {
-    EXPECT_EXIT(
+TEST(PlugIns, GetTheThreadPhaseAtTheEndOfTheirCycleOnceThereIsASecondThread) {
+    expectJournal(kPhases + ", LateLamp activateToolkit, LateLamp becomingMultiThreaded", [] {
+        processClassesWithJournal();
+        NSThread::detach([] {});
+        plugIn("LateLamp")->load();
+    });
+}
+
+// MARK: Initialisation of the bundle class
+
+TEST(PlugIns, BundlesAreBarredFromThePosingPhase) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(
         {
-            classWithHook("Outer", "becomingMultiThreaded", [](Object*, SEL) {
-                classWithHook("Inner", "becomingMultiThreaded", [](Object*, SEL) { note("inner"); });
-                send(&PBPostLoader::classRecord, "_becomingMultiThreaded:"_sel, nullptr);
-                noteWhetherMultiThreaded();
-            });
-            NSThread::detach([] {});
-            note("nobody listens yet");
+            classWithHooks("TouchesBundles", {{"performPosing"_sel, HOOK(NSBundle::mainBundle())}});
             PBPostLoader::processClasses();
-            noteWhetherMultiThreaded();
-            exitWithJournal();
         },
-        ExitedWithCode(0), journalOf({"nobody listens yet", "one thread", "inner", "multi-threaded"}));
+        "^\\+\\[NSBundle initialize\\] called too early!  This should not happen until OFPostLoader provokes "
+        "it\\. Please rewrite your \\+performPosing method to not provoke \\+\\[NSBundle "
+        "initialize\\]\\.\n$");
+}
+
+void noteWhetherLinksAreResolved() {
+    NSString* link = u"/proc/self"_ns;
+    note(NSBundle::bundleWithPath(link)->bundlePath()->isEqual(link) ? "not resolved" : "resolved");
+}
+
+TEST(PlugIns, BundlesAreInitialisedOnceAfterThePosingPhaseWithoutResolvingLinks) {
+    expectJournal("posing, not resolved, resolved", [] {
+        Class* bundleClass = NSBundle::classObject();
+        registerLibrary(*bundleClass->library());
+        PBReplaceMethodImplementation(bundleClass->metaclass(), "initialize"_sel,
+                                      hookOf(HOOK(noteWhetherLinksAreResolved())));
+        classWithHooks("PosesFirst", {{"performPosing"_sel, HOOK(note("posing"))}});
+        send<bool>(&PBPostLoader::classRecord, "isMultiThreaded"_sel);
+        noteWhetherLinksAreResolved();
+    });
 }
 
 }  // namespace
-}  // namespace pelvor::testing

@@ -3,28 +3,22 @@
 
 #include <stdexcept>
 
-#include "BaseLibrary.h"
 #include "HookedClasses.h"
-#include "Prelude.h"
-#include "Runtime/RuntimeLibrary.h"
 
-namespace pelvor::testing {
 namespace {
 
-class PostLoader : public ::testing::Test {
-  protected:
+struct PostLoader : ::testing::Test {
     // All hooks that are there have run, so that only a test's own appear in its journal.
-    void SetUp() override {
+    PostLoader() {
         PBPostLoader::processClasses();
         PBPostLoader::processSelector_initialize("becomingMultiThreaded"_sel, false);
         journal().clear();
     }
     static void cycle() { PBPostLoader::processClassesStartingRegistry(false); }
-    // What the call writes on standard error.
-    template <class Call>
-    static std::string errorsOf(Call call) {
+    // What a cycle writes on standard error.
+    static std::string errorsOfCycle() {
         ::testing::internal::CaptureStderr();
-        call();
+        cycle();
         return ::testing::internal::GetCapturedStderr();
     }
 };
@@ -32,32 +26,29 @@ class PostLoader : public ::testing::Test {
 // MARK: Which implementations are called
 
 TEST_F(PostLoader, CallsAnImplementationOnceForAllCyclesClassesAndSelectors) {
-    auto shared = [](Object*, SEL selector) { note(selector.name()); };
-    Class* first = classWithHook("SharingHook", "didLoad", shared);
-    addHook(first, "activateToolkit", hookOf(shared));
-    classWithHook("SharingHookToo", "didLoad", shared);
+    HookFunction shared = HOOK(note(selector.name()));
+    classWithHooks("SharingHook", {{"didLoad"_sel, shared}, {"activateToolkit"_sel, shared}});
+    classWithHooks("SharingHookToo", {{"didLoad"_sel, shared}});
     for (int i = 0; i < 2; ++i) cycle();
     PBPostLoader::processSelector_initialize("didLoad"_sel, true);
     EXPECT_THAT(journal(), ElementsAre("didLoad"));
 }
 
 TEST_F(PostLoader, CallsNeitherInheritedHooksNorInstanceMethods) {
-    Class* cls = classWithHook("WithHook", "activateToolkit",
-                               [](Object* self, SEL selector) { noteCall(self, selector); });
+    Class* cls = classWithHooks("WithHook", {{"activateToolkit"_sel, HOOK(noteCall(self, selector))}});
     Class::createSubclass("WithoutHook", cls);
-    cls->addMethods({"Hooks", {{"didLoad"_sel, hookOf([](Object*, SEL) { note("instance"); })}}, nullptr});
+    cls->addMethods({"Hooks", {{"didLoad"_sel, hookOf(HOOK(note("instance")))}}, nullptr});
     cycle();
     EXPECT_THAT(journal(), ElementsAre("WithHook activateToolkit"));
 }
 
 TEST_F(PostLoader, GivesADeclaredArgumentZerosAndIgnoresAResult) {
-    Class* cls = Class::createSubclass("OddHook", NSObject::classObject());
-    auto odd = [](Object*, SEL, double argument) -> double {
+    double (*odd)(Object*, SEL, double) = [](Object*, SEL, double argument) -> double {
         note("argument " + std::to_string(argument));
         return 1.0;
     };
-    auto function = reinterpret_cast<void (*)()>(static_cast<double (*)(Object*, SEL, double)>(odd));
-    addHook(cls, "didLoad", {function, &SignatureFor<double, double>::object, nullptr});
+    IMP implementation{reinterpret_cast<void (*)()>(odd), &SignatureFor<double, double>::object, nullptr};
+    addHook(classWithHooks("OddHook", {}), "didLoad"_sel, implementation);
     cycle();
     EXPECT_THAT(journal(), ElementsAre("argument 0.000000"));
 }
@@ -79,120 +70,95 @@ template <int N>
 void noteCategory() {
     note("category " + std::to_string(N));
 }
-
 template <int N>
 void defineHook(MethodTable<HookedLamp>& methods) {
     methods.template classLevelAs<"didLoad", &noteCategory<N>>();
 }
-
-constinit const Category kFirst = Category::of<HookedLamp, defineHook<1>>("First");
-constinit const Category kSecond = Category::of<HookedLamp, defineHook<2>>("Second");
-constinit const Category kEarly = Category::of<HookedLamp, defineHook<3>>("Early");
-constinit const Category kLate = Category::of<HookedLamp, defineHook<4>>("Late");
-constexpr Class* kLampClasses[] = {&HookedLamp::classRecord};
-constexpr const Category* kLampCategories[] = {&kFirst, &kSecond};
-constexpr const Category* kEarlyCategories[] = {&kEarly};
-constexpr const Category* kLateCategories[] = {&kLate};
-constinit Library earlyLibrary{"Early", {}, {}, kEarlyCategories};
-constinit Library lampLibrary{"Lamp", {}, kLampClasses, kLampCategories};
-constinit Library lateLibrary{"Late", {}, {}, kLateCategories};
+template <int N>
+constinit const Category kCategory = Category::of<HookedLamp, defineHook<N>>("Hooks");
+template <int... N>
+constexpr const Category* kCategories[] = {&kCategory<N>...};
+constinit Library earlyLibrary{"Early", {}, {}, kCategories<3>};
+constinit Library lampLibrary{"Lamp", {}, kClassesOf<HookedLamp>, kCategories<1, 2>};
+constinit Library lateLibrary{"Late", {}, {}, kCategories<4>};
 
 TEST_F(PostLoader, CallsTheHooksOfAllCategoriesTheNewestFirstAndTheOwnLast) {
     registerLibrary(earlyLibrary);
     cycle();
     EXPECT_THAT(journal(), IsEmpty()) << "the category waits for its class";
-
-    registerLibrary(lampLibrary);
-    cycle();
-    EXPECT_THAT(journal(), ElementsAre("category 2", "category 1", "category 3", "own"));
-
-    registerLibrary(lateLibrary);
-    cycle();
-    EXPECT_EQ(journal().back(), "category 4");
-    EXPECT_EQ(journal().size(), 5u);
+    for (Library* library : {&lampLibrary, &lateLibrary}) {
+        registerLibrary(*library);
+        cycle();
+    }
+    EXPECT_THAT(journal(), ElementsAre("category 2", "category 1", "category 3", "own", "category 4"));
 }
 
 // MARK: Phases
 
-template <int N>
-void addHooksOfAllPhases() {
-    Class* cls = Class::createSubclass(("Phased" + std::to_string(N)).c_str(), NSObject::classObject());
-    addHook(cls, "activateToolkit", hookOf([](Object*, SEL) { note("activating"); }));
-    addHook(cls, "didLoad", hookOf([](Object*, SEL) { note("loading"); }));
-    addHook(cls, "performPosing", hookOf([](Object*, SEL) { note("posing"); }));
-}
-
 TEST_F(PostLoader, RunsTheCyclePhaseByPhase) {
-    addHooksOfAllPhases<1>();
-    addHooksOfAllPhases<2>();
+    classWithHooks("Phased", {{"activateToolkit"_sel, HOOK(note("activating"))},
+                              {"didLoad"_sel, HOOK(note("loading"))},
+                              {"performPosing"_sel, HOOK(note("posing"))}});
+    classWithHooks("PhasedToo", {{"performPosing"_sel, HOOK(note("posing"))},
+                                 {"didLoad"_sel, HOOK(note("loading"))},
+                                 {"activateToolkit"_sel, HOOK(note("activating"))}});
     cycle();
     EXPECT_THAT(journal(), ElementsAre("posing", "posing", "loading", "loading", "activating", "activating"));
 }
 
 TEST_F(PostLoader, LeavesPosingOutWhereItIsNotWanted) {
-    classWithHook("PosesLater", "performPosing",
-                  [](Object* self, SEL selector) { noteCall(self, selector); });
+    classWithHooks("PosesLater", {{"performPosing"_sel, HOOK(noteCall(self, selector))}});
     PBPostLoader::processClassesStartingRegistry_posing(false, false);
     EXPECT_THAT(journal(), IsEmpty());
     PBPostLoader::processClassesStartingRegistry_posing(false, true);
     EXPECT_THAT(journal(), ElementsAre("PosesLater performPosing"));
 }
 
+void makeGranddaughter() { classWithHooks("Granddaughter", {{"didLoad"_sel, HOOK(note("granddaughter"))}}); }
+void makeDaughter() {
+    classWithHooks("Daughter", {{"didLoad"_sel, HOOK(note("daughter"), makeGranddaughter())}});
+}
+
 TEST_F(PostLoader, CallsHooksOfClassesThatHooksRegisterInTheSamePhase) {
-    classWithHook("Mother", "didLoad", [](Object*, SEL) {
-        note("mother");
-        classWithHook("Daughter", "didLoad", [](Object*, SEL) {
-            note("daughter");
-            classWithHook("Granddaughter", "didLoad", [](Object*, SEL) { note("granddaughter"); });
-        });
-    });
+    classWithHooks("Mother", {{"didLoad"_sel, HOOK(note("mother"), makeDaughter())}});
     PBPostLoader::processSelector_initialize("didLoad"_sel, true);
     EXPECT_THAT(journal(), ElementsAre("mother", "daughter", "granddaughter"));
 }
 
 TEST_F(PostLoader, RunsACycleInsideAHook) {
-    classWithHook("Outer", "didLoad", [](Object*, SEL) {
-        Class* inner = classWithHook("Inner", "didLoad", [](Object*, SEL) { note("inner didLoad"); });
-        addHook(inner, "activateToolkit", hookOf([](Object*, SEL) { note("inner activateToolkit"); }));
-        cycle();
-        note("outer");
-    });
+    classWithHooks("Outer", {{"didLoad"_sel, [](Object*, SEL) {
+                                  classWithHooks("Inner", {{"didLoad"_sel, HOOK(noteCall(self, selector))},
+                                                           {"activateToolkit"_sel, HOOK(note("activate"))}});
+                                  cycle();
+                                  note("outer");
+                              }}});
     cycle();
-    EXPECT_THAT(journal(), ElementsAre("inner didLoad", "inner activateToolkit", "outer"));
+    EXPECT_THAT(journal(), ElementsAre("Inner didLoad", "activate", "outer"));
 }
 
 TEST_F(PostLoader, LetsAClassPose) {
-    Class* original = Class::createSubclass("PlainLamp", NSObject::classObject());
-    classWithHook(
-        "SilverLamp", "performPosing",
-        [](Object* self, SEL) { static_cast<Class*>(self)->poseAsClass(classNamed("PlainLamp")); }, original);
-    addHook(original, "didLoad", hookOf([](Object* self, SEL) {
-                auto made = Retained<Object>::adopting(static_cast<Class*>(self)->createInstance());
-                note(made->isa()->name());
-            }));
+    HookFunction noteClassMade = HOOK(note(instanceOf(static_cast<Class*>(self))->isa()->name()));
+    Class* original = classWithHooks("PlainLamp", {{"didLoad"_sel, noteClassMade}});
+    HookFunction pose = HOOK(static_cast<Class*>(self)->poseAsClass(classNamed("PlainLamp")));
+    classWithHooks("SilverLamp", {{"performPosing"_sel, pose}}, original);
     cycle();
     EXPECT_THAT(journal(), ElementsAre("SilverLamp"));
 }
 
 // MARK: Initialisation of classes
 
-Class* classThatNotesInitialize(const char* name, const char* selector, void (*hook)(Object*, SEL),
-                                IMP initialize = hookOf([](Object*, SEL) { note("initialize"); })) {
-    Class* cls = classWithHook(name, selector, hook);
-    addHook(cls, "initialize", initialize);
-    return cls;
-}
-
 TEST_F(PostLoader, InitialisesAClassBeforeItsFirstHookButForPosing) {
-    classThatNotesInitialize("PosesUninitialised", "performPosing", [](Object*, SEL) { note("posing"); });
-    classThatNotesInitialize("InitialisedFirst", "didLoad", [](Object*, SEL) { note("didLoad"); });
+    classWithHooks("PosesUninitialised", {{"performPosing"_sel, HOOK(note("posing"))},
+                                          {"initialize"_sel, HOOK(note("initialised too early"))}});
+    classWithHooks("InitialisedFirst",
+                   {{"didLoad"_sel, HOOK(note("didLoad"))}, {"initialize"_sel, HOOK(note("initialize"))}});
     cycle();
     EXPECT_THAT(journal(), ElementsAre("posing", "initialize", "didLoad"));
 }
 
 TEST_F(PostLoader, DoesNotInitialiseTheClassThatAFileWrapperReplaced) {
-    Class* wrapper =
-        classThatNotesInitialize("NSFileWrapper", "didLoad", [](Object*, SEL) { note("didLoad"); });
+    Class* wrapper = classWithHooks("NSFileWrapper", {{"didLoad"_sel, HOOK(note("didLoad"))},
+                                                      {"initialize"_sel, HOOK(note("initialize"))}});
     Class::createSubclass("BetterFileWrapper", wrapper)->poseAsClass(wrapper);
     ASSERT_STREQ(wrapper->name(), "%NSFileWrapper");
     cycle();
@@ -201,42 +167,38 @@ TEST_F(PostLoader, DoesNotInitialiseTheClassThatAFileWrapperReplaced) {
 
 // MARK: Failures
 
-TEST_F(PostLoader, ReportsWhatAHookThrowsAndGoesOn) {
-    Class* cls = classWithHook("Stumbling", "didLoad", [](Object*, SEL) { note("after"); });
-    addHook(cls, "didLoad", hookOf([](Object*, SEL) { throw NSException("Fall", "a stone"); }));
-    addHook(cls, "didLoad", hookOf([](Object*, SEL) { throw std::runtime_error("a 100 % root"); }));
-    addHook(cls, "didLoad", hookOf([](Object*, SEL) { throw 7; }));
-    EXPECT_EQ(errorsOf(cycle),
+TEST_F(PostLoader, ReportsWhatAHookOrAnInitialisationThrowsAndGoesOn) {
+    classWithHooks("Stumbling", {{"didLoad"_sel, HOOK(note("after"))},
+                                 {"didLoad"_sel, HOOK(throw NSException("Fall", "a stone"))},
+                                 {"didLoad"_sel, HOOK(throw std::runtime_error("a 100 % root"))},
+                                 {"didLoad"_sel, HOOK(throw 7)}});
+    classWithHooks("BadStart", {{"activateToolkit"_sel, HOOK(note("hook"))},
+                                {"initialize"_sel, HOOK(throw NSException("Fall", "no start"))}});
+    EXPECT_EQ(errorsOfCycle(),
               "Exception raised by +[Stumbling didLoad]: unknown exception\n"
               "Exception raised by +[Stumbling didLoad]: a 100 % root\n"
-              "Exception raised by +[Stumbling didLoad]: a stone\n");
-    EXPECT_THAT(journal(), ElementsAre("after"));
-}
-
-TEST_F(PostLoader, ReportsAFailingInitialisationAndCallsTheHooks) {
-    classThatNotesInitialize(
-        "BadStart", "activateToolkit", [](Object*, SEL) { note("hook"); },
-        hookOf([](Object*, SEL) { throw NSException("Fall", "no start"); }));
-    EXPECT_EQ(errorsOf(cycle), "Exception raised by +[BadStart activateToolkit]: no start\n");
-    EXPECT_THAT(journal(), ElementsAre("hook"));
+              "Exception raised by +[Stumbling didLoad]: a stone\n"
+              "Exception raised by +[BadStart activateToolkit]: no start\n");
+    EXPECT_THAT(journal(), ElementsAre("after", "hook"));
 }
 
 TEST_F(PostLoader, CountsTheNestingOfProtectedCalls) {
     ASSERT_EQ(PBExceptionHandlingNestLevel, 0);
-    Class* cls = classWithHook("Counting", "didLoad", [](Object*, SEL) {
+    HookFunction counting = [](Object*, SEL) {
         note(std::to_string(PBExceptionHandlingNestLevel));
-        classWithHook("CountingInside", "performPosing",
-                      [](Object*, SEL) { note(std::to_string(PBExceptionHandlingNestLevel)); });
+        HookFunction inside = HOOK(note(std::to_string(PBExceptionHandlingNestLevel)));
+        classWithHooks("CountingInside", {{"performPosing"_sel, inside}});
         cycle();
-    });
-    addHook(cls, "didLoad", hookOf([](Object*, SEL) { throw NSException("Fall", "uncounted"); }));
-    errorsOf(cycle);
+    };
+    HookFunction falling = HOOK(throw NSException("Fall", "uncounted"));
+    classWithHooks("Counting", {{"didLoad"_sel, counting}, {"didLoad"_sel, falling}});
+    errorsOfCycle();
     EXPECT_THAT(journal(), ElementsAre("1", "2"));
     EXPECT_EQ(PBExceptionHandlingNestLevel, 0);
 }
 
 TEST_F(PostLoader, GivesEachHookAnAutoreleasePool) {
-    classWithHook("Littering", "didLoad", [](Object*, SEL) { NSObject::init().leak()->autorelease(); });
+    classWithHooks("Littering", {{"didLoad"_sel, HOOK(NSObject::init().leak()->autorelease())}});
     std::size_t before = AutoreleasePool::pendingCount();
     PBPostLoader::processSelector_initialize("didLoad"_sel, false);
     EXPECT_EQ(AutoreleasePool::pendingCount(), before);
@@ -261,7 +223,7 @@ void makeUnfitClass(const char* name) {
 TEST_F(PostLoader, ReleasesItsLockWhateverLeavesACycle) {
     makeUnfitClass<1>("UnfitOnce");
     EXPECT_THROW(cycle(), NSException);
-    classWithHook("AfterUnfit", "didLoad", [](Object*, SEL) { note("free"); });
+    classWithHooks("AfterUnfit", {{"didLoad"_sel, HOOK(note("free"))}});
     std::thread(cycle).join();
     EXPECT_THAT(journal(), ElementsAre("free"));
 }
@@ -278,4 +240,3 @@ TEST_F(PostLoader, LogsSuchAFailureInTheThreadPhaseAndGoesOn) {
 }
 
 }  // namespace
-}  // namespace pelvor::testing

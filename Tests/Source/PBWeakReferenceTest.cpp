@@ -3,15 +3,13 @@
 
 #include <set>
 
+#include "BaseLibrary.h"
 #include "NSSet-PelvorAdditions.h"
 #include "PBSafeWeakReference.h"
 #include "Prelude.h"
 #include "Runtime/NSInvocation.h"
 
-namespace pelvor::testing {
 namespace {
-
-extern Library weakReferenceTestLibrary;
 
 class PBTestTarget : public NSObject {
     PELVOR_CLASS(PBTestTarget, NSObject);
@@ -24,11 +22,13 @@ class PBTestTarget : public NSObject {
         return NSObject::methodSignatureForSelector(selector);
     }
     int calls = 0;
-
-  protected:
-    PBTestTarget() = default;
-    ~PBTestTarget() = default;
 };
+
+constinit Library weakReferenceTestLibrary{"WeakReferenceTest", {}, kClassesOf<PBTestTarget>, {}};
+PELVOR_DEFINE_CLASS(PBTestTarget, weakReferenceTestLibrary) {
+    methods.instance<"answer", &PBTestTarget::answer>();
+    methods.instance<"fail", &PBTestTarget::fail>();
+}
 
 // Larger than the references that stand in rows.
 class PBTestMarkedReference : public PBWeakReference {
@@ -40,24 +40,11 @@ class PBTestMarkedReference : public PBWeakReference {
         mark = "an own mark, too long to stand inside the string";
     }
     std::string mark;
-
-  protected:
-    PBTestMarkedReference() = default;
-    ~PBTestMarkedReference() = default;
 };
+PELVOR_DEFINE_CLASS(PBTestMarkedReference, baseLibrary) {}
 
-PELVOR_DEFINE_CLASS(PBTestMarkedReference, weakReferenceTestLibrary) {}
-PELVOR_DEFINE_CLASS(PBTestTarget, weakReferenceTestLibrary) {
-    methods.instance<"answer", &PBTestTarget::answer>();
-    methods.instance<"fail", &PBTestTarget::fail>();
-}
-constexpr Class* kClasses[] = {&PBTestTarget::classRecord, &PBTestMarkedReference::classRecord};
-constinit Library weakReferenceTestLibrary{"WeakReferenceTest", {}, kClasses, {}};
-
-class PBWeakReferenceTest : public ::testing::Test {
-  protected:
-    Retained<PBTestTarget> target = make<PBTestTarget>();
-    Retained<PBTestTarget> other = make<PBTestTarget>();
+struct PBWeakReferenceTest : ::testing::Test {
+    Retained<PBTestTarget> target = make<PBTestTarget>(), other = make<PBTestTarget>();
 };
 
 // Deliberately one-sided: an object does not know its references.
@@ -75,8 +62,7 @@ TEST_F(PBWeakReferenceTest, EqualsItsObjectButNotTheOtherWayRound) {
 
 TEST_F(PBWeakReferenceTest, IsFoundInCollectionsByItsObject) {
     auto set = NSMutableSet::init();
-    addWeakReferenceObject(set, target);
-    addWeakReferenceObject(set, target);
+    for (id object : {target, target}) addWeakReferenceObject(set, object);
     EXPECT_EQ(set->count(), 1u);
     EXPECT_TRUE(containsWeakReferenceObject(set, target));
     EXPECT_FALSE(send<bool>(set, "containsWeakReferenceObject:"_sel, other.get()));
@@ -112,7 +98,7 @@ TEST_F(PBWeakReferenceTest, ASubclassHasFieldsOfItsOwn) {
     EXPECT_EQ(set->count(), 2u);
     EXPECT_TRUE(containsWeakReferenceObject(set, target));
     for (id reference : set)
-        EXPECT_EQ(cast<PBTestMarkedReference>(reference)->mark.substr(0, 11), "an own mark");
+        EXPECT_THAT(cast<PBTestMarkedReference>(reference)->mark, StartsWith("an own mark"));
 }
 
 TEST_F(PBWeakReferenceTest, SixteenThreadsMakeAndDropThem) {
@@ -137,25 +123,27 @@ TEST_F(PBWeakReferenceTest, MembersOfASetAreJoinedWithNothingBetweenThem) {
 
 // MARK: Safe references
 
-TEST_F(PBWeakReferenceTest, ASafeReferencePassesMessagesOnUntilItsObjectIsGone) {
-    auto safe = PBSafeWeakReference::initWithObject(target);
+struct PBSafeWeakReferenceTest : PBWeakReferenceTest {
+    PBSafeWeakReferenceTest() { invocation->setSelector("answer"_sel); }
+
+    Retained<PBSafeWeakReference> safe = PBSafeWeakReference::initWithObject(target);
+    Retained<NSInvocation> invocation =
+        NSInvocation::initWithMethodSignature(safe->methodSignatureForSelector("answer"_sel));
+};
+
+TEST_F(PBSafeWeakReferenceTest, PassesMessagesOnUntilItsObjectIsGone) {
     EXPECT_EQ(send<int>(safe, "answer"_sel), 1);
     EXPECT_EQ(target->retainCount(), 1u);
-    auto held = NSInvocation::initWithMethodSignature(safe->methodSignatureForSelector("answer"_sel));
-    held->setSelector("answer"_sel);
     target = nullptr;
     EXPECT_EQ(safe->methodSignatureForSelector("answer"_sel), nullptr);
     EXPECT_FALSE(safe->respondsToSelector("answer"_sel));
     EXPECT_THROW(send<int>(safe, "answer"_sel), NSException);
-    safe->forwardInvocation(held);
-    EXPECT_EQ(held->target(), nullptr);
+    safe->forwardInvocation(invocation);
+    EXPECT_EQ(invocation->target(), nullptr);
 }
 
-TEST_F(PBWeakReferenceTest, ASafeReferenceDropsMessagesToAnObjectOfAnotherClass) {
+TEST_F(PBSafeWeakReferenceTest, DropsMessagesToAnObjectOfAnotherClass) {
     static Class* changed = Class::createSubclass("PBTestChangedTarget", PBTestTarget::classObject());
-    auto safe = PBSafeWeakReference::initWithObject(target);
-    auto invocation = NSInvocation::initWithMethodSignature(target->methodSignatureForSelector("answer"_sel));
-    invocation->setSelector("answer"_sel);
     Instances::setClass(target, changed);
     safe->forwardInvocation(invocation);
     EXPECT_EQ(invocation->target(), target);
@@ -165,13 +153,12 @@ TEST_F(PBWeakReferenceTest, ASafeReferenceDropsMessagesToAnObjectOfAnotherClass)
     EXPECT_EQ(send<int>(safe, "answer"_sel), 1);
 }
 
-TEST_F(PBWeakReferenceTest, ASafeReferenceForgetsAnObjectThatRaises) {
+TEST_F(PBSafeWeakReferenceTest, ForgetsAnObjectThatRaises) {
     for (SEL selector : {"fail"_sel, "raiseWhenAsked"_sel}) {
-        auto safe = PBSafeWeakReference::initWithObject(target);
-        reasonOf([&] { send<int>(safe, selector); });
+        safe = PBSafeWeakReference::initWithObject(target);
+        RAISED(send<int>(safe, selector));
         EXPECT_EQ(safe->methodSignatureForSelector("answer"_sel), nullptr);
     }
 }
 
 }  // namespace
-}  // namespace pelvor::testing

@@ -1,69 +1,48 @@
 // SPDX-License-Identifier: Apache-2.0
-// What tests of profiles need: registries of their own, bundles and declaration files on disk.
+// What tests of profiles need: registries of their own, bundles on disk, and sets in few words.
 #pragma once
 
-#include <filesystem>
-#include <set>
-
+#include "Foundation/NSString-PropertyList.h"
 #include "PBRegistry.h"
 #include "Prelude.h"
+#include "TemporaryFolder.h"
 
-namespace pelvor::testing {
+namespace pelvor {
 
 inline bool isSame(id object, id expected) { return object && object->isEqual(expected); }
 
-inline PBProfile* makeProfile(id identifier, NSDictionary* entries, NSBundle* bundle = nullptr) {
-    return PBProfile::profileWithIdentifier_dictionary_bundle(identifier, entries, bundle);
+/// The property list that the text is, or none for "none".
+inline id parsed(const std::string& text) {
+    return text == "none" ? nullptr : propertyList(NSString::ofUTF8(text));
+}
+inline PBProfile* makeProfile(id identifier, const char* entries, NSBundle* bundle = nullptr) {
+    return PBProfile::profileWithIdentifier_dictionary_bundle(identifier, cast<NSDictionary>(parsed(entries)),
+                                                              bundle);
 }
 
-/// The identifiers of a set's profiles.
-std::set<std::string> names(PBProfileSet* set);
-/// The identifiers in a filter's dictionary.
-std::set<std::string> names(NSDictionary* profiles);
+/// The texts in their order, with blanks between.
+inline std::string names(NSArray* texts) {
+    return shown(texts->sortedArrayUsingSelector("compare:"_sel)->componentsJoinedByString(u" "_ns));
+}
+inline std::string names(PBProfileSet* set) { return names(set->identifiers()); }
+inline std::string names(NSDictionary* profiles) { return names(profiles->allKeys()); }
 
 /// Makes another registry, or none, the shared one while it lives.
 class SharedRegistry {
   public:
-    explicit SharedRegistry(PBRegistry* registry);
-    ~SharedRegistry();
-    SharedRegistry(const SharedRegistry&) = delete;
-    SharedRegistry& operator=(const SharedRegistry&) = delete;
+    explicit SharedRegistry(PBRegistry* registry) { PBRegistry::setSharedRegistry(registry); }
+    ~SharedRegistry() { PBRegistry::setSharedRegistry(_previous); }
 
   private:
-    Retained<PBRegistry> _previous;
+    Retained<PBRegistry> _previous = Retained<PBRegistry>::retaining(PBRegistry::sharedRegistry());
 };
 
-/// A folder that goes with its object.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+/// A bundle in the folder, without code, with one resource more than it needs.
+inline NSBundle* makeBundle(TemporaryFolder& folder, const std::string& name,
+                            const std::string& resource = "none", const std::string& text = "") {
+    folder.write(name + ".bundle/Contents/Info.plist", "{ CFBundleIdentifier = test." + name + "; }");
+    folder.write(name + ".bundle/Contents/Resources/" + resource, text);
+    return NSBundle::bundleWithPath(NSString::ofUTF8(folder.path(name + ".bundle")));
+}
 
-    /// Writes a file, with the folders on the way, and answers its path.
-    NSString* write(const std::string& name, const std::string& text);
-    const std::filesystem::path& path() const { return _path; }
-
-  private:
-    std::filesystem::path _path;
-};
-
-/// A bundle on disk without code.
-class TemporaryBundle {
-  public:
-    explicit TemporaryBundle(const std::string& name);
-
-    /// Writes a resource. To be done before the bundle is asked for resources.
-    void write(const std::string& name, const std::string& text) {
-        _folder.write(_name + "/Contents/Resources/" + name, text);
-    }
-    NSBundle* bundle();
-
-  private:
-    TemporaryFolder _folder;
-    std::string _name;
-    Retained<NSBundle> _bundle;
-};
-
-}  // namespace pelvor::testing
+}  // namespace pelvor

@@ -3,7 +3,6 @@
 
 #include "Prelude.h"
 
-namespace pelvor {
 namespace {
 
 TEST(Assertions, LogWhenTheyAreSoftAndDoNothingWhenTheyAreHard) {
@@ -19,11 +18,8 @@ TEST(Assertions, LogWhenTheyAreSoftAndDoNothingWhenTheyAreHard) {
 
 TEST(Assertions, HaveAClassThatTheLoadTimeSequenceFinds) {
     Class* cls = &_PBAssertionWarning::classRecord;
-    for (const char* selector : {"load", "didLoad"}) {
-        EXPECT_TRUE(cls->classMethod(registerSelector(selector))) << selector;
-        EXPECT_FALSE(cls->superclass()->classMethod(registerSelector(selector))) << selector;
-    }
+    for (SEL hook : {"load"_sel, "didLoad"_sel})
+        EXPECT_TRUE(cls->classMethod(hook) && !cls->superclass()->classMethod(hook)) << hook.name();
 }
 
 }  // namespace
-}  // namespace pelvor

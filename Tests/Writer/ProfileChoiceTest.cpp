@@ -1,47 +1,42 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/ProfileChoice.h"
 
-#include "PBProfileKeys.h"
-#include "Prelude.h"
-#include "TestPlugIns.h"
+#include "TestProfiles.h"
 
-namespace pelvor {
 namespace {
 
-class ProfileChoice : public testing::Test {
-  protected:
-    void add(const char* identifier, std::initializer_list<const char*> documentTypes, int order) {
+struct ProfileChoice : ::testing::Test {
+    void add(const char* identifier, std::initializer_list<id> documentTypes, int order) {
         addProfile(registry, identifier, PBProfileDocumentReaderType, documentTypes, order);
     }
-    std::string readersFor(const char* path) {
-        std::string identifiers;
-        for (id profile : profilesForDocument(registry, PBProfileDocumentReaderType, NSString::ofUTF8(path)))
-            identifiers += static_cast<PBProfile*>(profile)->identifier()->description()->toUTF8() + " ";
-        return identifiers;
+    void expectReaders(std::initializer_list<std::string_view> pathsAndReaders) {
+        expectAll(pathsAndReaders, [this](const std::string& path) {
+            std::string names;
+            for (id profile :
+                 profilesForDocument(registry, PBProfileDocumentReaderType, NSString::ofUTF8(path)))
+                names += shown(static_cast<PBProfile*>(profile)->identifier()) + " ";
+            return names;
+        });
     }
     Retained<PBRegistry> registry = PBRegistry::init();
 };
 
 TEST_F(ProfileChoice, PrefersReadersThatNameTheExtensionToThoseForEverything) {
-    add("any", {"*"}, 1);
-    add("late text", {"txt"}, 30);
-    add("text", {"text", "txt", "*"}, 20);
-    add("picture", {"png"}, 5);
-    addProfile(registry, "writer", PBProfileDocumentWriterType, {"txt", "*"}, 1);
-    EXPECT_EQ(readersFor("/a/b.txt"), "text late text any ");
-    EXPECT_EQ(readersFor("LETTER.TXT"), "text late text any ");
-    EXPECT_EQ(readersFor("b.png"), "picture any text ");
-    EXPECT_EQ(readersFor("README"), "any text ");
+    add("any", {u"*"_ns}, 1);
+    add("late", {u"txt"_ns}, 30);
+    add("text", {u"text"_ns, u"txt"_ns, u"*"_ns}, 20);
+    add("picture", {u"png"_ns}, 5);
+    addProfile(registry, "writer", PBProfileDocumentWriterType, {u"txt"_ns, u"*"_ns}, 1);
+    expectReaders({"/a/b.txt -> text late any ", "LETTER.TXT -> text late any ", "b.png -> picture any text ",
+                   "README -> any text "});
 }
 
 TEST_F(ProfileChoice, PutsProfilesWithoutOrderLastAndEqualOnesByIdentifier) {
-    add("c", {"txt"}, 0);
-    add("b", {"txt"}, 7);
-    add("a", {"txt"}, 7);
-    EXPECT_EQ(readersFor("x.txt"), "a b c ");
-    auto* profile = addProfile(registry, "plain", PBProfileDocumentReaderType, {}, 1);
-    EXPECT_EQ(nameOfProfile(profile)->toUTF8(), "plain");
+    add("c", {u"txt"_ns}, 0);
+    for (const char* identifier : {"b", "a"}) add(identifier, {u"txt"_ns}, 7);
+    expectReaders({"x.txt -> a b c "});
+    EXPECT_EQ(shown(nameOfProfile(addProfile(registry, "plain", PBProfileDocumentReaderType, {}, 1))),
+              "plain");
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -4,29 +4,61 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "PBProfileKeys.h"
-#include "Prelude.h"
 #include "TemporaryFolder.h"
-#include "TestPlugIns.h"
+#include "TestClasses.h"
+#include "TestProfiles.h"
+#include "Writer/PlugInProtocol.h"
 #include "Writer/WRDocumentSaver.h"
 
-namespace pelvor {
 namespace {
 
-class DocumentOpener : public testing::Test {
-  protected:
-    DocumentOpener() { registerLibrary(testPlugIns); }
-    void addReader(const char* identifier, int order, const char* className) {
-        addProfile(registry, identifier, PBProfileDocumentReaderType, {"txt"}, order, className);
+// What plug-ins of the test do: one answers the path as the text.
+NSDictionary* readPath(NSObject*, NSString* path, NSDictionary*) {
+    return NSDictionary::of({{WRTextKey, path}});
+}
+
+NSDictionary* fault(NSString* error) {
+    return NSDictionary::of({{WRErrorKey, error}, {WRMessageKey, u"message"_ns}});
+}
+
+// One answers as the path's last component without extension says: "refused", "encoding", "nothing", "odd" (a
+// text that is a number), "throw", or, for the rest, none.
+NSDictionary* readAsNamed(NSObject*, NSString* path, NSDictionary*) {
+    const std::string wish = shown(path->lastPathComponent()->stringByDeletingPathExtension());
+    if (wish == "refused") return fault(WRErrorRefused);
+    if (wish == "encoding") return fault(WRErrorEncoding);
+    if (wish == "nothing") return NSDictionary::dictionary();
+    if (wish == "odd") return NSDictionary::of({{WRTextKey, NSNumber::numberWithInt(1)}});
+    if (wish == "throw") throw NSException("Fault", "no ink");
+    return nullptr;
+}
+
+std::string writtenText;
+
+NSDictionary* keepText(NSObject*, NSString* text, NSString*, NSDictionary*) {
+    writtenText = shown(text);
+    return NSDictionary::of({{WRByteCountKey, NSNumber::numberWithInt(1)}});
+}
+
+struct DocumentOpener : ::testing::Test {
+    static void SetUpTestSuite() {
+        makeClass<"readDocumentAtPath:options:", &readPath>("WRTestPathReader");
+        makeClass<"readDocumentAtPath:options:", &readAsNamed>("WRTestReader");
+        makeClass<"writeText:toPath:options:", &keepText>("WRTestWriter");
+    }
+    void addReader(const char* identifier, int order, NSString* className) {
+        addProfile(registry, identifier, PBProfileDocumentReaderType, {u"txt"_ns}, order, className);
     }
     WRDocument* open(const std::string& path) {
         return opener->openDocumentAtPath_options(NSString::ofUTF8(path), NSDictionary::dictionary());
     }
     // Opens a file of that name and answers the identifier of the reader or the problem.
-    std::string outcomeFor(const char* name) {
+    std::string outcomeFor(const std::string& name) {
         WRDocument* document = open(folder.write(name, "content"));
-        return document ? document->reader()->identifier()->description()->toUTF8()
-                        : opener->problem()->toUTF8();
+        return document ? shown(document->reader()->identifier()) : shown(opener->problem());
+    }
+    void expectOutcomes(std::initializer_list<std::string_view> namesAndOutcomes) {
+        expectAll(namesAndOutcomes, [this](const std::string& name) { return outcomeFor(name); });
     }
     TemporaryFolder folder;
     Retained<PBRegistry> registry = PBRegistry::init();
@@ -34,61 +66,49 @@ class DocumentOpener : public testing::Test {
 };
 
 TEST_F(DocumentOpener, HasTheBestReaderReadTheDocument) {
-    addReader("second", 2, "WRTestReader");
-    addReader("first", 1, "WRTestPathReader");
-    const std::string path = folder.write("a.txt", "content");
-    WRDocument* document = open(path);
+    addReader("second", 2, u"WRTestReader"_ns);
+    addReader("first", 1, u"WRTestPathReader"_ns);
+    WRDocument* document = open(folder.write("a.txt", "content"));
     ASSERT_TRUE(document);
-    EXPECT_EQ(document->text()->toUTF8(), path);
-    EXPECT_EQ(document->reader()->identifier()->description()->toUTF8(), "first");
-    EXPECT_EQ(opener->candidates()->count(), 2u);
-    EXPECT_EQ(opener->problem(), nullptr);
+    EXPECT_EQ(shown(document->text()), folder.path("a.txt"));
+    EXPECT_EQ(shown(document->reader()->identifier(), opener->candidates()->count(), opener->problem()),
+              "first 2 (null)");
 }
 
 // A reader that does as the name of the file says, alone and with another one after it.
 TEST_F(DocumentOpener, GoesOnToTheNextReaderUnlessTheDocumentIsAtFault) {
-    const struct {
-        const char* name;
-        const char* alone;
-        const char* followed;
-    } cases[] = {
-        {"refused.txt", "message", "patient"},
-        {"encoding.txt", "message", "message"},
-        {"throw.txt", "_The plug-in \"fickle\" failed: no ink", "patient"},
-        {"odd.txt", "_The plug-in \"fickle\" answered nothing.", "patient"},
-        {"nothing.txt", "_The plug-in \"fickle\" answered nothing.", "patient"},
-        {"none.txt", "_The plug-in \"fickle\" answered nothing.", "patient"},
-    };
-    addReader("fickle", 1, "WRTestReader");
-    for (const auto& expected : cases) EXPECT_EQ(outcomeFor(expected.name), expected.alone);
-    addReader("patient", 2, "WRTestPathReader");
-    for (const auto& expected : cases)
-        EXPECT_EQ(outcomeFor(expected.name), expected.followed) << expected.name;
+    addReader("fickle", 1, u"WRTestReader"_ns);
+    expectOutcomes({"refused.txt -> message", "encoding.txt -> message",
+                    "throw.txt -> _The plug-in \"fickle\" failed: no ink",
+                    "odd.txt -> _The plug-in \"fickle\" answered nothing.",
+                    "nothing.txt -> _The plug-in \"fickle\" answered nothing.",
+                    "none.txt -> _The plug-in \"fickle\" answered nothing."});
+    addReader("patient", 2, u"WRTestPathReader"_ns);
+    expectOutcomes({"refused.txt -> patient", "encoding.txt -> message", "throw.txt -> patient",
+                    "odd.txt -> patient", "nothing.txt -> patient", "none.txt -> patient"});
 }
 
 TEST_F(DocumentOpener, TakesAProfileWhoseClassIsNotThereForAFailedPlugIn) {
-    EXPECT_NE(outcomeFor("a.txt").find("no reader"), std::string::npos);
-    addReader("empty", 1, "WRNoSuchClass");
+    EXPECT_THAT(outcomeFor("a.txt"), HasSubstr("no reader"));
+    addReader("empty", 1, u"WRNoSuchClass"_ns);
     EXPECT_EQ(outcomeFor("a.txt"), "_The plug-in \"empty\" failed: there is no class \"WRNoSuchClass\"");
-    addReader("path", 2, "WRTestPathReader");
+    addReader("path", 2, u"WRTestPathReader"_ns);
     EXPECT_EQ(outcomeFor("a.txt"), "path");
 }
 
 TEST_F(DocumentOpener, AsksNoReaderAboutWhatIsNoFileOrMayNotBeRead) {
-    addReader("path", 1, "WRTestPathReader");
-    const std::string pipe = folder.path("pipe.txt"), secret = folder.write("secret.txt", "x");
-    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    ASSERT_EQ(chmod(secret.c_str(), 0), 0);
-    const std::pair<std::string, const char*> cases[] = {{pipe, "it is not a file"},
-                                                         {folder.path("missing.txt"), "no such file"},
-                                                         {folder.path(""), "a folder"},
-                                                         {secret, "may not be read"}};
-    for (const auto& [path, problem] : cases) {
-        if (path == secret && geteuid() == 0) continue;  // nothing is forbidden to this user
-        EXPECT_FALSE(open(path));
-        EXPECT_NE(opener->problem()->toUTF8().find(problem), std::string::npos);
+    addReader("path", 1, u"WRTestPathReader"_ns);
+    auto expectProblem = [this](const char* name, const char* problem) {
+        EXPECT_FALSE(open(folder.path(name))) << name;
+        EXPECT_THAT(shown(opener->problem()), HasSubstr(problem));
         EXPECT_EQ(opener->candidates()->count(), 0u);
-    }
+    };
+    ASSERT_EQ(mkfifo(folder.path("pipe.txt").c_str(), 0600), 0);
+    ASSERT_EQ(chmod(folder.write("secret.txt", "x").c_str(), 0), 0);
+    expectProblem("pipe.txt", "it is not a file");
+    expectProblem("missing.txt", "no such file");
+    expectProblem("", "a folder");
+    if (geteuid() != 0) expectProblem("secret.txt", "may not be read");  // nothing is forbidden to that user
 }
 
 TEST_F(DocumentOpener, HasACounterpartThatHasTheBestWriterWriteTheText) {
@@ -97,15 +117,13 @@ TEST_F(DocumentOpener, HasACounterpartThatHasTheBestWriterWriteTheText) {
         return saver->saveText_toPath_options(u"text"_ns, u"a.txt"_ns, NSDictionary::dictionary());
     };
     EXPECT_FALSE(save());
-    EXPECT_THAT(saver->problem()->toUTF8(), HasSubstr("no writer"));
-    addProfile(registry, "reader", PBProfileDocumentWriterType, {"*"}, 1, "WRTestPathReader");
+    EXPECT_THAT(shown(saver->problem()), HasSubstr("no writer"));
+    addProfile(registry, "reader", PBProfileDocumentWriterType, {u"*"_ns}, 1);
     EXPECT_FALSE(save());
-    EXPECT_THAT(saver->problem()->toUTF8(), HasSubstr("_The plug-in \"reader\" failed: "));
-    addProfile(registry, "text", PBProfileDocumentWriterType, {"txt"}, 2, "WRTestWriter");
+    EXPECT_THAT(shown(saver->problem()), HasSubstr("_The plug-in \"reader\" failed: "));
+    addProfile(registry, "text", PBProfileDocumentWriterType, {u"txt"_ns}, 2, u"WRTestWriter"_ns);
     EXPECT_TRUE(save());
-    EXPECT_EQ(WRTestWriter::writtenText->toUTF8(), "text");
-    EXPECT_EQ(saver->writer()->identifier()->description()->toUTF8(), "text");
+    EXPECT_EQ(shown(writtenText, saver->writer()->identifier()), "text text");
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -3,7 +3,6 @@
 
 #include "Prelude.h"
 
-namespace pelvor {
 namespace {
 
 TEST(Report, HasSectionsOfLines) {
@@ -11,16 +10,14 @@ TEST(Report, HasSectionsOfLines) {
     report->addHeading(u"One"_ns);
     report->addLine(u"line"_ns);
     report->addHeading(u"Two"_ns);
-    EXPECT_EQ(report->takeText()->toUTF8(), "One\n    line\n\nTwo\n");
+    EXPECT_EQ(shown(report->takeText()), "One\n    line\n\nTwo\n");
     report->addHeading(u"Three"_ns);
-    EXPECT_EQ(report->takeText()->toUTF8(), "\nThree\n");
-    EXPECT_EQ(report->takeText()->toUTF8(), "");
+    for (const char* rest : {"\nThree\n", ""}) EXPECT_EQ(shown(report->takeText()), rest);
 }
 
 TEST(Report, LetsNoTextOfADocumentWorkOnTheTerminal) {
-    EXPECT_EQ(WRReport::printableText(u"a\x1B[31m\n\u202Eb\u0085é👩‍👧"_ns)->toUTF8(),
+    EXPECT_EQ(shown(WRReport::printableText(u"a\x1B[31m\n\u202Eb\u0085é👩‍👧"_ns)),
               "a�[31m��b�é👩‍👧");
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -2,11 +2,12 @@
 #include "WriterProgram.h"
 
 #include <fcntl.h>
+#include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdlib>
+#include <utility>
 
 namespace pelvor {
 namespace {
@@ -34,14 +35,10 @@ std::size_t WriterRun::countOf(const std::string& text) const {
 
 WriterSession::WriterSession(const std::string& command, WriterOutput kind) {
     int input[2], output[2];
+    const bool isTerminal = kind == WriterOutput::terminal;
     if (pipe2(input, O_CLOEXEC) != 0) std::abort();
-    if (kind == WriterOutput::terminal) {
-        output[0] = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-        if (grantpt(output[0]) != 0 || unlockpt(output[0]) != 0) std::abort();
-        output[1] = open(ptsname(output[0]), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    } else if (pipe2(output, O_CLOEXEC) != 0) {
+    if (isTerminal ? openpty(&output[0], &output[1], nullptr, nullptr, nullptr) : pipe2(output, O_CLOEXEC))
         std::abort();
-    }
     _process = fork();
     if (_process == 0) {
         dup2(input[0], STDIN_FILENO);
@@ -53,10 +50,6 @@ WriterSession::WriterSession(const std::string& command, WriterOutput kind) {
     close(output[1]);
     _input = input[1];
     _output = output[0];
-}
-
-WriterSession::~WriterSession() {
-    if (_process > 0) end();
 }
 
 void WriterSession::write(const std::string& input) {
@@ -71,41 +64,35 @@ bool WriterSession::read() {
     return count > 0;
 }
 
-bool WriterSession::waitFor(const std::string& text, std::size_t times) {
-    while (_run.countOf(text) < times)
+bool WriterSession::waitFor(const std::string& text) {
+    while (!_run.prints(text))
         if (!read()) return false;
     return true;
 }
 
-void WriterSession::signal(int number) { kill(_process, number); }
-
 WriterRun WriterSession::end() {
     close(_input);
-    while (read()) {
-    }
+    while (read()) continue;
     close(_output);
     int status = 0;
-    waitpid(_process, &status, 0);
-    _process = 0;
+    waitpid(std::exchange(_process, 0), &status, 0);
     _run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return _run;
 }
 
-std::unique_ptr<WriterSession> WriterProgram::start(const std::vector<std::string>& arguments,
-                                                    WriterOutput kind, const std::string& inputPath) {
+WriterSession WriterProgram::start(const std::vector<std::string>& arguments, WriterOutput kind,
+                                   const std::string& inputPath) {
     std::string command = "exec env -u LANGUAGE -u LC_ALL -u LC_MESSAGES -u XDG_CONFIG_HOME HOME=" +
-                          shellQuoted(folder.path("home")) + " LANG=" + shellQuoted(_locale) + " " +
+                          shellQuoted(folder.path("home")) + " LANG=" + shellQuoted(locale) + " " +
                           shellQuoted(_program);
     for (const std::string& argument : arguments) command += " " + shellQuoted(argument);
     if (!inputPath.empty()) command += " <" + shellQuoted(inputPath);
-    return std::make_unique<WriterSession>(command + " 2>" + shellQuoted(folder.path("errors")), kind);
+    return {command + " 2>" + shellQuoted(folder.path("errors")), kind};
 }
 
-WriterRun WriterProgram::run(const std::vector<std::string>& arguments, const std::string& input,
-                             WriterOutput kind, const std::string& inputPath) {
-    const auto session = start(arguments, kind, inputPath);
-    if (!input.empty()) session->write(input);
-    WriterRun run = session->end();
+WriterRun WriterProgram::run(const std::vector<std::string>& arguments, const std::string& lines,
+                             WriterOutput kind) {
+    WriterRun run = start(arguments, kind, folder.write("lines", lines)).end();
     run.errors = folder.read("errors");
     return run;
 }

@@ -2,9 +2,8 @@
 // WriterProgram: runs the built program, in a copy of its bundle if need be.
 #pragma once
 
-#include <sys/types.h>
+#include <signal.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,14 +30,15 @@ enum class WriterOutput { pipe, terminal };
 class WriterSession {
   public:
     WriterSession(const std::string& command, WriterOutput kind);
-    ~WriterSession();
+    ~WriterSession() {
+        if (_process > 0) end();
+    }
     WriterSession(const WriterSession&) = delete;
-    WriterSession& operator=(const WriterSession&) = delete;
 
     void write(const std::string& input);
-    /// Reads on until the output so far has the text so many times; false if it ends before.
-    bool waitFor(const std::string& text, std::size_t times = 1);
-    void signal(int number);
+    /// Reads on until the output so far has the text; false if it ends before.
+    bool waitFor(const std::string& text);
+    void signal(int number) { kill(_process, number); }
     /// Ends the input and reads to the end.
     WriterRun end();
 
@@ -47,28 +47,25 @@ class WriterSession {
 
     WriterRun _run;
     pid_t _process;
-    int _input;
-    int _output;
+    int _input, _output;
 };
 
-/// The program, with settings of its own and in the language of the locale.
+/// The program, with settings of its own.
 class WriterProgram {
   public:
-    explicit WriterProgram(std::string locale = "en_GB.UTF-8") : _locale(std::move(locale)) {}
-
-    /// Standard input is what is written to it, or the file at the path.
-    WriterRun run(const std::vector<std::string>& arguments, const std::string& input = "",
-                  WriterOutput kind = WriterOutput::pipe, const std::string& inputPath = "");
-    std::unique_ptr<WriterSession> start(const std::vector<std::string>& arguments,
-                                         WriterOutput kind = WriterOutput::pipe,
-                                         const std::string& inputPath = "");
+    /// Its input is a file of these lines.
+    WriterRun run(const std::vector<std::string>& arguments, const std::string& lines = "",
+                  WriterOutput kind = WriterOutput::pipe);
+    /// Its input is the file at the path, or what is written to it.
+    WriterSession start(const std::vector<std::string>& arguments, WriterOutput kind = WriterOutput::pipe,
+                        const std::string& inputPath = "");
     /// From now on runs a copy of the bundle, and answers the copy's folder of plug-ins.
     std::string useCopy();
 
     TemporaryFolder folder;
+    std::string locale = "en_GB.UTF-8";
 
   private:
-    std::string _locale;
     std::string _program = WRITER_BUNDLE "/Contents/Linux/PelvorWriter";
 };
 

@@ -8,7 +8,7 @@ namespace {
 
 TEST(FoundationLibraryTest, EveryClassConforms) {
     registerLibrary(foundationLibrary);
-    for (Class* cls : pelvor::testing::registeredClasses()) pelvor::testing::checkClass(cls);
+    for (Class* cls : registeredClasses()) checkClass(cls);
 }
 
 }  // namespace

@@ -275,7 +275,7 @@ class CenterModel {
 };
 
 TEST(NSNotificationCenterModelTest, RandomStepsAlsoInsideDeliveriesAgreeWithAModel) {
-    CenterModel().run(pelvor::testing::randomSteps(20'000));
+    CenterModel().run(randomSteps(20'000));
     EXPECT_LT(ReadScope::retiredCount(), 200u);
 }
 

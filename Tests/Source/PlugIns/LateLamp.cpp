@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// A plug-in of the tests, whose hooks say in the test program's journal that they run.
-#include <string>
-
+// A plug-in of the tests that has a string table, and whose hooks say in the test program's journal that they
+// run.
 #include "BaseLibrary.h"
 #include "Foundation/NSString.h"
 #include "PBRegistry.h"
@@ -12,37 +11,33 @@ namespace {
 
 extern Library lampLibrary;
 
-void noteInJournal(NSString* line) { send(classNamed("HookJournal"), "note:"_sel, line); }
+template <FixedString Line>
+void note() {
+    send(classNamed("HookJournal"), "note:"_sel, NSString::ofUTF8(Line.view()));
+}
 
 class LateLamp : public NSObject {
     PELVOR_CLASS(LateLamp, NSObject);
 
   public:
-    static void initialize(Class*) { noteInJournal(u"LateLamp initialize"_ns); }
-    static void performPosing() { noteInJournal(u"LateLamp performPosing"_ns); }
-    static void activateToolkit() { noteInJournal(u"LateLamp activateToolkit"_ns); }
-    static void becomingMultiThreaded() { noteInJournal(u"LateLamp becomingMultiThreaded"_ns); }
     static void didLoad() {
-        bool hasProfile = PBRegistry::sharedRegistry()->profileWithIdentifier(u"late lamp"_ns);
-        noteInJournal(hasProfile ? u"LateLamp didLoad with its profile"_ns : u"LateLamp didLoad"_ns);
+        if (PBRegistry::sharedRegistry()->profileWithIdentifier(u"late lamp"_ns)) note<"too late">();
+        note<"LateLamp didLoad">();
     }
-
-  protected:
-    LateLamp() = default;
-    ~LateLamp() = default;
 };
 
 PELVOR_DEFINE_CLASS(LateLamp, lampLibrary) {
-    methods.classLevel<"initialize", &LateLamp::initialize>();
-    methods.classLevel<"performPosing", &LateLamp::performPosing>();
+    methods.classLevelAs<"initialize", &note<"LateLamp initialize">>();
+    methods.classLevelAs<"performPosing", &note<"LateLamp performPosing">>();
     methods.classLevel<"didLoad", &LateLamp::didLoad>();
-    methods.classLevel<"activateToolkit", &LateLamp::activateToolkit>();
-    methods.classLevel<"becomingMultiThreaded", &LateLamp::becomingMultiThreaded>();
+    methods.classLevelAs<"activateToolkit", &note<"LateLamp activateToolkit">>();
+    methods.classLevelAs<"becomingMultiThreaded", &note<"LateLamp becomingMultiThreaded">>();
 }
 
 // A category for a class of the platform, whose own phases are over.
-void stringDidLoad() { noteInJournal(u"NSString didLoad"_ns); }
-void defineStringHooks(MethodTable<NSString>& methods) { methods.classLevelAs<"didLoad", &stringDidLoad>(); }
+void defineStringHooks(MethodTable<NSString>& methods) {
+    methods.classLevelAs<"didLoad", &note<"NSString didLoad">>();
+}
 constinit const Category stringHooks = Category::of<NSString, defineStringHooks>("LateLamp");
 
 constexpr Library* kDependencies[] = {&baseLibrary};

@@ -2,21 +2,12 @@
 // A plug-in that throws while its code is being loaded.
 #include <stdexcept>
 
-#include "BaseLibrary.h"
+#include "Runtime/Registry.h"
 
 namespace pelvor {
-namespace {
 
-constexpr Library* kDependencies[] = {&baseLibrary};
-
-struct Thrower {
-    Thrower() { throw std::runtime_error("no paper"); }
-};
-[[maybe_unused]] Thrower theThrower;
-
-}  // namespace
-
-constinit Library constructorPlugIn{"BrokenConstructor", kDependencies, {}, {}};
+[[maybe_unused]] const int kNothing = []() -> int { throw std::runtime_error("no paper"); }();
+constinit Library constructorPlugIn{"BrokenConstructor", {}, {}, {}};
 
 }  // namespace pelvor
 

@@ -1,15 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // A plug-in whose load-time hook throws, and whose service throws what is no exception of the platform.
-#include "BaseLibrary.h"
 #include "Foundation/NSDictionary.h"
 #include "Runtime/NSException.h"
+#include "Runtime/Registry.h"
 
 namespace pelvor {
-namespace {
-
-constexpr Library* kDependencies[] = {&baseLibrary};
-
-}  // namespace
 
 class WRBrokenHook : public NSObject {
     PELVOR_CLASS(WRBrokenHook, NSObject);
@@ -20,8 +15,7 @@ class WRBrokenHook : public NSObject {
 };
 
 constexpr Class* kClasses[] = {&WRBrokenHook::classRecord};
-constinit Library hookPlugIn{"BrokenHook", kDependencies, kClasses, {}};
-
+constinit Library hookPlugIn{"BrokenHook", {}, kClasses, {}};
 PELVOR_DEFINE_CLASS(WRBrokenHook, hookPlugIn) {
     methods.classLevel<"didLoad", &WRBrokenHook::didLoad>();
     methods.instance<"examineDocument:", &WRBrokenHook::examineDocument>();

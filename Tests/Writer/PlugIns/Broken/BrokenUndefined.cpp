@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // A plug-in that calls a function that nobody has.
-#include "BaseLibrary.h"
+#include "Runtime/Registry.h"
 
 namespace pelvor {
 
 void functionThatNobodyHas();
-
-namespace {
-constexpr Library* kDependencies[] = {&baseLibrary};
-}
-constinit Library undefinedPlugIn{"BrokenUndefined", kDependencies, {}, {}};
+constinit Library undefinedPlugIn{"BrokenUndefined", {}, {}, {}};
 
 }  // namespace pelvor
 

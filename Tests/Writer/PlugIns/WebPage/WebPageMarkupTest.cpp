@@ -3,7 +3,6 @@
 
 #include "Prelude.h"
 
-namespace pelvor {
 namespace {
 
 TEST(WebPageMarkup, EscapesWhatWouldBeMarkupAndLeavesControlsOut) {
@@ -11,12 +10,9 @@ TEST(WebPageMarkup, EscapesWhatWouldBeMarkupAndLeavesControlsOut) {
               u"<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"UTF-8\">\n"
               u"<title>A &lt;b&gt; &amp; &quot;c&quot;</title>\n</head>\n<body>\n"
               u"<p>A &lt;b&gt; &amp; &quot;c&quot;</p>\n<p>x</p>\n</body>\n</html>\n");
-}
-
-TEST(WebPageMarkup, MakesAPageOfAnEmptyText) {
-    const std::u16string page = webPageOfText(u"", u"a\"b");
-    EXPECT_NE(page.find(u"charset=\"a&quot;b\""), page.npos);
-    EXPECT_EQ(page.find(u"<p>"), page.npos);
+    const std::u16string empty = webPageOfText(u"", u"a\"b");
+    EXPECT_NE(empty.find(u"charset=\"a&quot;b\""), empty.npos);
+    EXPECT_EQ(empty.find(u"<p>"), empty.npos);
 }
 
 TEST(WebPageMarkup, WritesCharactersByNumberPairsTogether) {
@@ -26,4 +22,3 @@ TEST(WebPageMarkup, WritesCharactersByNumberPairsTogether) {
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -15,16 +15,12 @@ namespace pelvor {
 class TemporaryFolder {
   public:
     TemporaryFolder() {
-        std::string name = std::filesystem::temp_directory_path() / "PelvorWriterXXXXXX";
+        std::string name = std::filesystem::temp_directory_path() / "PelvorXXXXXX";
         if (!mkdtemp(name.data())) std::abort();
         _path = name;
     }
-    ~TemporaryFolder() {
-        std::error_code error;
-        std::filesystem::remove_all(_path, error);
-    }
+    ~TemporaryFolder() { std::filesystem::remove_all(_path); }
     TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     std::string path(const std::string& name) const { return _path / name; }
     /// Writes a file, with the folders that its name has, and answers its path.
