@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The word or quantity at a place in a text.
 #include <algorithm>
+#include <bit>
 
 #include "CodepointsPrivate.h"
 #include "Foundation/NSCharacterSet.h"
@@ -8,6 +9,7 @@
 #include "NSCharacterSet-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
 #include "PBUtil.h"
+#include "UnitFindingPrivate.h"
 #include "UnitReaderPrivate.h"
 #include "assertions.h"
 
@@ -62,29 +64,38 @@ class WordText {
     explicit WordText(NSString* string) : _units(string) {}
 
     NSUInteger size() const { return _units.size(); }
-    Rule ruleAt(NSUInteger index) {
-        _units.prefetchAround(index);
-        return isInQuantity(index) ? Rule::quantity : Rule::word;
-    }
+    Rule ruleAt(NSUInteger index) { return isInQuantity(index) ? Rule::quantity : Rule::word; }
 
     // The index is that of the last unit that may belong to the word.
     NSUInteger startOfWord(Rule rule, NSUInteger index, bool crossesSeparator) {
-        for (NSUInteger start = index + 1; start > 0; --start) {
+        for (NSUInteger start = index + 1;; --start) {
+            if (rule == Rule::word) start -= lettersBefore(start);
+            if (start == 0) return 0;
             if (accepts(rule, start - 1)) continue;
             if (!crossesSeparator || !_sets.isSeparator(_units[start - 1])) return start;
             crossesSeparator = false;
         }
-        return 0;
     }
     // No separator is accepted by a rule.
     NSUInteger endOfWord(Rule rule, NSUInteger index) {
-        while (index < size() && accepts(rule, index)) ++index;
-        return index;
+        for (;; ++index) {
+            if (rule == Rule::word) index += lettersFrom(index);
+            if (index >= size() || !accepts(rule, index)) return index;
+        }
     }
 
   private:
     bool accepts(Rule rule, NSUInteger index) {
         return rule == Rule::quantity ? isInQuantity(index) : isInWord(index);
+    }
+    // Letters of words are mostly these, and most words are short: their ends are found without a branch.
+    NSUInteger lettersBefore(NSUInteger index) {
+        const unichar* units = index < 16 ? nullptr : _units.inMemory(index - 16, 16);
+        return units ? static_cast<NSUInteger>(std::countl_one(asciiLetters(units))) : 0;
+    }
+    NSUInteger lettersFrom(NSUInteger index) {
+        const unichar* units = _units.inMemory(index, 16);
+        return units ? static_cast<NSUInteger>(std::countr_one(asciiLetters(units))) : 0;
     }
     bool hasNeighbours(NSUInteger index) const { return index > 0 && index + 1 < size(); }
 

@@ -10,6 +10,10 @@
 #include "Runtime/NSException.h"
 #include "Scanning/UnitSpansPrivate.h"
 
+#if defined(__x86_64__)
+#include <emmintrin.h>
+#endif
+
 namespace pelvor {
 namespace {
 
@@ -50,6 +54,21 @@ const unichar* findEither(const unichar* place, const unichar* end, unichar one,
     }
     while (place < end && *place != one && *place != other) ++place;
     return place;
+}
+
+std::uint16_t asciiLetters(const unichar* units) {
+#if defined(__x86_64__)
+    auto areLetters = [units](int from) {
+        __m128i eight = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + from));
+        __m128i fromA = _mm_sub_epi16(_mm_or_si128(eight, _mm_set1_epi16(0x20)), _mm_set1_epi16(u'a'));
+        return _mm_cmpeq_epi16(_mm_subs_epu16(fromA, _mm_set1_epi16(u'z' - u'a')), _mm_setzero_si128());
+    };
+    return static_cast<std::uint16_t>(_mm_movemask_epi8(_mm_packs_epi16(areLetters(0), areLetters(8))));
+#else
+    unsigned bits = 0;
+    for (int i = 0; i < 16; ++i) bits |= unsigned{(units[i] | 0x20u) - u'a' < 26} << i;
+    return static_cast<std::uint16_t>(bits);
+#endif
 }
 
 MemberFinder::MemberFinder(NSCharacterSet* set) : _set(set) {

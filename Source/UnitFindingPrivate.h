@@ -14,6 +14,9 @@ class NSCharacterSet;
 /// The first place in [place, end) with one of the units; `end` without them.
 const unichar* findEither(const unichar* place, const unichar* end, unichar one, unichar other);
 
+/// Which of sixteen units are letters of ASCII: bit i for unit i.
+std::uint16_t asciiLetters(const unichar* units);
+
 /// A place in a text; at the text's end and empty for none.
 struct UnitMatch {
     std::size_t location;

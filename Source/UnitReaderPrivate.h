@@ -19,12 +19,10 @@ class UnitReader {
     UnitReader& operator=(const UnitReader&) = delete;
 
     NSUInteger size() const { return _length; }
-    /// Has the memory fetch what is on both sides of the index while it fetches the unit there.
-    void prefetchAround(NSUInteger index) const {
-        constexpr NSUInteger kReach = 64 / sizeof(unichar);
-        if (_count != _length || index < kReach || _length - index <= kReach) return;
-        __builtin_prefetch(_units + index - kReach);
-        __builtin_prefetch(_units + index + kReach);
+    /// The units of [index, index + count), which are inside, in memory; none for a text that is not in one
+    /// piece.
+    const unichar* inMemory(NSUInteger index, NSUInteger count) const {
+        return _count == _length && index <= _length && count <= _length - index ? _units + index : nullptr;
     }
     /// The index is below the size.
     unichar operator[](NSUInteger index) {
