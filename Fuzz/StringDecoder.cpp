@@ -125,7 +125,7 @@ void run(const std::vector<unsigned char>& cuts, const std::vector<unsigned char
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2) return 0;
-    pelvor::useInstructions(data[0] & 0x80 ? pelvor::Instructions::plain : pelvor::Instructions::avx512);
+    pelvor::useInstructions(static_cast<pelvor::Instructions>((data[0] >> 6) % 3));
     std::size_t cutCount = std::min<std::size_t>(data[1] % 8u, size - 2);
     std::vector<unsigned char> cuts(data + 2, data + 2 + cutCount), bytes(data + 2 + cutCount, data + size);
     pelvor::run(cuts, bytes, pelvor::kEncodings[data[0] % 8]);

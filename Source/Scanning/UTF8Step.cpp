@@ -6,6 +6,10 @@
 
 #include "Scanning/WideInstructionsPrivate.h"
 
+#if defined(__x86_64__)
+#include <emmintrin.h>
+#endif
+
 namespace pelvor {
 namespace {
 
@@ -22,77 +26,132 @@ Word load(const unsigned char* bytes) {
     return word;
 }
 
-void widenEight(const unsigned char* bytes, unichar* units) {
-    Units8 wide = __builtin_convertvector(load<Bytes8>(bytes), Units8);
-    std::memcpy(units, &wide, sizeof wide);
-}
-
 constexpr std::uint64_t kHighBits = 0x8080808080808080u;
 
 bool isContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 
+// How many of sixteen bytes are ASCII up to the first that is not.
+int asciiCount(const unsigned char* bytes) {
+#if defined(__x86_64__)
+    __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+    return std::countr_zero(static_cast<unsigned>(_mm_movemask_epi8(sixteen)) | 0x10000);
+#else
+    std::uint64_t first = load<std::uint64_t>(bytes) & kHighBits;
+    std::uint64_t second = load<std::uint64_t>(bytes + 8) & kHighBits;
+    return (first ? std::countr_zero(first) : 64 + std::countr_zero(second)) / 8;
+#endif
+}
+
+// Where input and output have come to. What is written behind the output is written again.
+struct Cursor {
+    const unsigned char* in;
+    unichar* out;
+
+    void widenEight(int offset) {
+        Units8 wide = __builtin_convertvector(load<Bytes8>(in + offset), Units8);
+        std::memcpy(out + offset, &wide, sizeof wide);
+    }
+    void skip(int bytes, int units) {
+        in += bytes;
+        out += units;
+    }
+    // Of the next sixteen bytes what is ASCII; answers whether that was not all.
+    bool readASCII() {
+        widenEight(0);
+        widenEight(8);
+        int count = asciiCount(in);
+        skip(count, count);
+        return count < 16;
+    }
+    bool readTwoByteForm() {
+        auto word = load<std::uint16_t>(in);
+        if ((word & 0xC0E0) != 0x80C0) return false;
+        *out = static_cast<unichar>((word & 0x1F) << 6 | (word >> 8 & 0x3F));
+        skip(2, 1);
+        return true;
+    }
+    // Up to four characters.
+    bool readTwoByteForms() {
+        auto word = load<std::uint64_t>(in);
+        std::uint64_t wrong = (word & 0xC0E0C0E0C0E0C0E0u) ^ 0x80C080C080C080C0u;
+        if (wrong & 0xFFFF) return false;
+        std::uint64_t units = (word & 0x001F001F001F001Fu) << 6 | (word >> 8 & 0x003F003F003F003Fu);
+        std::memcpy(out, &units, sizeof units);
+        int count = wrong ? std::countr_zero(wrong) / 16 : 4;
+        skip(2 * count, count);
+        return true;
+    }
+    bool readThreeByteForm() {
+        auto word = load<std::uint32_t>(in);
+        if ((word & 0x00C0C0F0u) != 0x008080E0u) return false;
+        *out = static_cast<unichar>((word & 0x0F) << 12 | (word >> 2 & 0x0FC0) | (word >> 16 & 0x3F));
+        skip(3, 1);
+        return true;
+    }
+    bool readPair() {
+        auto word = load<std::uint32_t>(in);
+        if ((word & 0xC0C0C0F8u) != 0x808080F0u) return false;
+        std::uint32_t value =
+            (word & 0x07) << 18 | (word << 4 & 0x3F000) | (word >> 10 & 0x0FC0) | (word >> 24 & 0x3F);
+        value -= 0x10000;
+        if (value >= 0x100000) return false;
+        out[0] = static_cast<unichar>(0xD800 + (value >> 10));
+        out[1] = static_cast<unichar>(0xDC00 + (value & 0x3FF));
+        skip(4, 2);
+        return true;
+    }
+};
+
 }  // namespace
 
 void UTF8Step::run() {
-    const bool isWide = instructionsInUse() == Instructions::avx512;
+    const Instructions instructions = instructionsInUse();
     while (_in < _inEnd && _out < _outEnd) {
         if (_state.utf8octetsremaining) {
             if (readOwed() == Progress::stopped) return;
             continue;
         }
-        if (isWide) {
-            readWide();
-            if (_in == _inEnd || _out == _outEnd) return;
+        if (instructions == Instructions::avx512) {
+            readSixtyFours();
+        } else {
+            if (instructions == Instructions::avx2) readThirtyTwos();
+            readWellFormed();
         }
-        if (*_in < 0x80)
-            readASCII();
-        else if (readSequence() == Progress::stopped)
-            return;
+        while (_in < _inEnd && _out < _outEnd && *_in < 0x80) put(static_cast<unichar>(*_in++));
+        if (_in == _inEnd || _out == _outEnd || readSequence() == Progress::stopped) return;
     }
 }
 
-void UTF8Step::readASCII() {
-    while (inputLeft() >= 32 && roomLeft() >= 32) {
-        std::uint64_t joined = load<std::uint64_t>(_in) | load<std::uint64_t>(_in + 8) |
-                               load<std::uint64_t>(_in + 16) | load<std::uint64_t>(_in + 24);
-        if (joined & kHighBits) break;
-        for (int i = 0; i < 32; i += 8) widenEight(_in + i, _out + i);
-        _in += 32;
-        _out += 32;
+// As long as there is enough of both that nothing need be asked for each byte.
+void UTF8Step::readWellFormed() {
+    if constexpr (std::endian::native != std::endian::little) return;
+    constexpr std::ptrdiff_t kEnough = 24;
+    Cursor cursor{_in, _out};
+    auto hasBoth = [&](std::ptrdiff_t count) {
+        return _inEnd - cursor.in >= count && _outEnd - cursor.out >= count;
+    };
+    while (hasBoth(kEnough)) {
+        if (!cursor.readASCII()) {
+            while (hasBoth(32)) {
+                const unsigned char* in = cursor.in;
+                std::uint64_t joined = load<std::uint64_t>(in) | load<std::uint64_t>(in + 8) |
+                                       load<std::uint64_t>(in + 16) | load<std::uint64_t>(in + 24);
+                if (joined & kHighBits) break;
+                for (int i = 0; i < 32; i += 8) cursor.widenEight(i);
+                cursor.skip(32, 32);
+            }
+        } else if (cursor.readTwoByteForm()) {
+            while (hasBoth(8) && cursor.readTwoByteForms()) continue;
+        } else if (cursor.readThreeByteForm()) {
+            while (hasBoth(4) && cursor.readThreeByteForm()) continue;
+        } else if (cursor.readPair()) {
+            while (hasBoth(4) && cursor.readPair()) continue;
+        } else {
+            break;
+        }
     }
-    // The rest of a run at once: what is written behind it is written again.
-    while (std::endian::native == std::endian::little && inputLeft() >= 8 && roomLeft() >= 8) {
-        std::uint64_t beyond = load<std::uint64_t>(_in) & kHighBits;
-        widenEight(_in, _out);
-        int count = beyond ? std::countr_zero(beyond) / 8 : 8;
-        _in += count;
-        _out += count;
-        if (beyond) return;
-    }
-    while (_in < _inEnd && _out < _outEnd && *_in < 0x80) put(static_cast<unichar>(*_in++));
-}
-
-// Four characters at a time while they are of two bytes each.
-void UTF8Step::readTwoByteRun() {
-    while (std::endian::native == std::endian::little && inputLeft() >= 8 && roomLeft() >= 4) {
-        auto word = load<std::uint64_t>(_in);
-        std::uint64_t wrong = (word & 0xC0E0C0E0C0E0C0E0u) ^ 0x80C080C080C080C0u;
-        std::uint64_t units = (word & 0x001F001F001F001Fu) << 6 | (word >> 8 & 0x003F003F003F003Fu);
-        std::memcpy(_out, &units, sizeof units);
-        int count = wrong ? std::countr_zero(wrong) / 16 : 4;
-        _in += 2 * count;
-        _out += count;
-        if (wrong) return;
-    }
-}
-
-void UTF8Step::readThreeByteRun() {
-    while (std::endian::native == std::endian::little && inputLeft() >= 4 && roomLeft() >= 1) {
-        auto word = load<std::uint32_t>(_in);
-        if ((word & 0x00C0C0F0u) != 0x008080E0u) return;
-        put(static_cast<unichar>((word & 0x0F) << 12 | (word >> 2 & 0x0FC0) | (word >> 16 & 0x3F)));
-        _in += 3;
-    }
+    _in = cursor.in;
+    _out = cursor.out;
 }
 
 UTF8Step::Progress UTF8Step::readSequence() {
@@ -108,7 +167,6 @@ UTF8Step::Progress UTF8Step::readSequence() {
             bool isWhole = isContinuation(_in[1]);
             put(isWhole ? static_cast<unichar>((lead & 0x1F) << 6 | (_in[1] & 0x3F)) : kReplacement);
             _in += 2;
-            if (isWhole) readTwoByteRun();
         }
     } else if (lead < 0xF0) {
         if (left < 3) {
@@ -118,7 +176,6 @@ UTF8Step::Progress UTF8Step::readSequence() {
             unsigned value = (lead & 0x0Fu) << 12 | (_in[1] & 0x3Fu) << 6 | (_in[2] & 0x3Fu);
             put(isWhole ? static_cast<unichar>(value) : kReplacement);
             _in += 3;
-            if (isWhole) readThreeByteRun();
         }
     } else if (lead < 0xF8 && left >= 4) {
         std::uint32_t value =

@@ -28,11 +28,12 @@ class UTF8Step {
 
     std::size_t inputLeft() const { return static_cast<std::size_t>(_inEnd - _in); }
     std::size_t roomLeft() const { return static_cast<std::size_t>(_outEnd - _out); }
-    // Goes as far as whole characters do, in the widest instructions; what it leaves is for the rest.
-    void readWide();
-    void readASCII();
-    void readTwoByteRun();
-    void readThreeByteRun();
+    // Go as far as whole characters do in blocks of so many bytes; what they leave is for the rest. Each unit
+    // is put together at the last byte of its character; those places are then moved together.
+    void readSixtyFours();
+    void readThirtyTwos();
+    // The same without wide instructions.
+    void readWellFormed();
     Progress readSequence();
     Progress readOwed();
     Progress put(std::uint32_t value);

@@ -5,6 +5,7 @@
 #include <array>
 #include <bit>
 
+#include "Scanning/UTF8BlockPrivate.h"
 #include "Scanning/UTF8StepPrivate.h"
 
 #if defined(__x86_64__)
@@ -23,51 +24,19 @@ namespace pelvor {
 #if defined(__x86_64__)
 namespace {
 
-// The first `count` of 64.
-std::uint64_t firstBits(unsigned count) {
-    return count < 64 ? (std::uint64_t{1} << count) - 1 : ~std::uint64_t{0};
-}
-
 PELVOR_WIDE __m512i all(int byte) { return _mm512_set1_epi8(static_cast<char>(byte)); }
 
-// Up to 64 bytes and what each of them is; bit i is byte i.
-struct Block {
-    __m512i bytes;
-    std::uint64_t beyond;         // not ASCII
-    std::uint64_t continuations;  // 10xxxxxx
-    std::uint64_t leads3;         // of three bytes or more
-    std::uint64_t leads4;
-};
-
-PELVOR_WIDE Block blockOf(__m512i bytes, std::uint64_t beyond) {
-    return {bytes, beyond, _mm512_cmplt_epi8_mask(bytes, all(0xC0)), _mm512_cmpge_epu8_mask(bytes, all(0xE0)),
-            _mm512_cmpge_epu8_mask(bytes, all(0xF0))};
+PELVOR_WIDE std::uint64_t strangeLeads(__m512i bytes) {
+    std::uint64_t isF0 = _mm512_cmpeq_epi8_mask(bytes, all(0xF0));
+    std::uint64_t isF4 = _mm512_cmpeq_epi8_mask(bytes, all(0xF4));
+    std::uint64_t hasLow = _mm512_cmplt_epu8_mask(bytes, all(0x90)) >> 1;
+    return _mm512_cmpgt_epu8_mask(bytes, all(0xF4)) | (isF0 & hasLow) | (isF4 & ~hasLow);
 }
 
-// Leads of four bytes whose value is below 0x10000 or above 0x10FFFF, and those of more bytes.
-PELVOR_WIDE std::uint64_t strangeLeads(const Block& block) {
-    std::uint64_t isF0 = _mm512_cmpeq_epi8_mask(block.bytes, all(0xF0));
-    std::uint64_t isF4 = _mm512_cmpeq_epi8_mask(block.bytes, all(0xF4));
-    std::uint64_t hasLow = _mm512_cmplt_epu8_mask(block.bytes, all(0x90)) >> 1;
-    return _mm512_cmpgt_epu8_mask(block.bytes, all(0xF4)) | (isF0 & hasLow) | (isF4 & ~hasLow);
-}
-
-// How many of the first bytes are whole characters that need no second look. A character that the end of the
-// block cuts in two is not among them.
-PELVOR_WIDE unsigned wholeCount(const Block& block, unsigned count) {
-    std::uint64_t leads = block.beyond & ~block.continuations;
-    std::uint64_t expected = leads << 1 | block.leads3 << 2 | block.leads4 << 3;
-    std::uint64_t wrong = expected ^ block.continuations;
-    if (block.leads4) wrong |= strangeLeads(block);
-    if (wrong) {
-        unsigned place = static_cast<unsigned>(std::countr_zero(wrong));
-        bool isMissing = (expected & ~block.continuations) >> place & 1;
-        if (!isMissing) return place;
-        return 63 - static_cast<unsigned>(std::countl_zero(~block.continuations & firstBits(place)));
-    }
-    std::uint64_t open = (leads & std::uint64_t{1} << 63) | (block.leads3 & std::uint64_t{3} << 62) |
-                         (block.leads4 & std::uint64_t{7} << 61);
-    return open ? static_cast<unsigned>(std::countr_zero(open)) : count;
+PELVOR_WIDE UTF8Block blockOf(__m512i bytes, std::uint64_t beyond) {
+    std::uint64_t leads4 = _mm512_cmpge_epu8_mask(bytes, all(0xF0));
+    return {beyond, _mm512_cmplt_epi8_mask(bytes, all(0xC0)), _mm512_cmpge_epu8_mask(bytes, all(0xE0)),
+            leads4, leads4 ? strangeLeads(bytes) : 0};
 }
 
 // Three bytes a unit: its low six bits (seven in ASCII), the six above them, and the top four.
@@ -76,15 +45,16 @@ struct Parts {
 };
 
 // Both halves of the pairs, which stand at the third and fourth bytes of their characters.
-PELVOR_WIDE void placePairs(Parts& parts, const Block& block, __m512i before1, __m512i before2) {
-    std::uint64_t first = block.leads4 << 2, second = block.leads4 << 3;
+PELVOR_WIDE void placePairs(Parts& parts, __m512i bytes, std::uint64_t leads4, __m512i before1,
+                            __m512i before2) {
+    std::uint64_t first = leads4 << 2, second = leads4 << 3;
     // 0xDC00 and the low ten bits.
     __m512i middle = _mm512_or_si512(_mm512_and_si512(before1, all(0x0F)), all(0x30));
     parts.middle = _mm512_mask_mov_epi8(parts.middle, second, middle);
     parts.top = _mm512_mask_mov_epi8(parts.top, first | second, all(0x0D));
     // 0xD800 and the bits above those, less 0x10000.
     __m512i low = _mm512_or_si512(_mm512_and_si512(_mm512_slli_epi16(before1, 2), all(0x3C)),
-                                  _mm512_and_si512(_mm512_srli_epi16(block.bytes, 4), all(0x03)));
+                                  _mm512_and_si512(_mm512_srli_epi16(bytes, 4), all(0x03)));
     parts.low = _mm512_mask_mov_epi8(parts.low, first, low);
     middle = _mm512_or_si512(_mm512_and_si512(_mm512_slli_epi16(before2, 2), all(0x1C)),
                              _mm512_and_si512(_mm512_srli_epi16(before1, 4), all(0x03)));
@@ -92,20 +62,20 @@ PELVOR_WIDE void placePairs(Parts& parts, const Block& block, __m512i before1, _
     parts.middle = _mm512_mask_mov_epi8(parts.middle, first, middle);
 }
 
-PELVOR_WIDE Parts partsOf(const Block& block) {
+PELVOR_WIDE Parts partsOf(__m512i bytes, const UTF8Block& block) {
     alignas(64) static constexpr auto kPrevious = [] {
         std::array<std::uint8_t, 64> places{};
         for (unsigned i = 1; i < 64; ++i) places[i] = static_cast<std::uint8_t>(i - 1);
         return places;
     }();
     const __m512i previous = _mm512_load_si512(kPrevious.data()), six = all(0x3F);
-    __m512i before1 = _mm512_permutexvar_epi8(previous, block.bytes);
+    __m512i before1 = _mm512_permutexvar_epi8(previous, bytes);
     __m512i before2 = _mm512_permutexvar_epi8(previous, before1);
     Parts parts;
-    parts.low = _mm512_mask_mov_epi8(block.bytes, block.beyond, _mm512_and_si512(block.bytes, six));
+    parts.low = _mm512_mask_mov_epi8(bytes, block.beyond, _mm512_and_si512(bytes, six));
     parts.middle = _mm512_maskz_mov_epi8(block.continuations, _mm512_and_si512(before1, six));
     parts.top = _mm512_maskz_mov_epi8(block.leads3 << 2, _mm512_and_si512(before2, all(0x0F)));
-    if (block.leads4) placePairs(parts, block, before1, before2);
+    if (block.leads4) placePairs(parts, bytes, block.leads4, before1, before2);
     return parts;
 }
 
@@ -136,9 +106,7 @@ PELVOR_WIDE void storeASCII(unichar* units, unsigned count, __m512i bytes) {
 
 }  // namespace
 
-// Each unit is put together at the last byte of its character, the first half of a pair at the byte before;
-// those places are then moved together.
-PELVOR_WIDE_TARGET void UTF8Step::readWide() {
+PELVOR_WIDE_TARGET void UTF8Step::readSixtyFours() {
     while (_in < _inEnd && _out < _outEnd) {
         // No more units than bytes: there is room for all.
         auto count = static_cast<unsigned>(std::min<std::size_t>({64, inputLeft(), roomLeft()}));
@@ -150,12 +118,11 @@ PELVOR_WIDE_TARGET void UTF8Step::readWide() {
             _out += count;
             continue;
         }
-        Block block = blockOf(bytes, beyond);
-        unsigned whole = wholeCount(block, count);
+        UTF8Block block = blockOf(bytes, beyond);
+        unsigned whole = block.wholeCount(count, 64);
         if (!whole) return;
-        std::uint64_t kept = firstBits(whole);
-        std::uint64_t places = (kept & ~((block.continuations & kept) >> 1)) | (block.leads4 << 2 & kept);
-        Parts parts = partsOf(block);
+        std::uint64_t places = block.unitPlaces(whole);
+        Parts parts = partsOf(bytes, block);
         parts = {_mm512_maskz_compress_epi8(places, parts.low),
                  _mm512_maskz_compress_epi8(places, parts.middle),
                  _mm512_maskz_compress_epi8(places, parts.top)};
@@ -163,6 +130,8 @@ PELVOR_WIDE_TARGET void UTF8Step::readWide() {
         store(_out, units, parts);
         _in += whole;
         _out += units;
+        // The end cuts off three bytes at most: what follows is malformed.
+        if (whole + 3 < count) return;
     }
 }
 
@@ -202,7 +171,7 @@ PELVOR_WIDE_TARGET void decodeSinglyWide(const unichar* half, unsigned span, con
     }
 }
 #else
-void UTF8Step::readWide() {}
+void UTF8Step::readSixtyFours() {}
 
 void decodeSinglyWide(const unichar*, unsigned, const unsigned char*, NSUInteger, unichar*) {}
 #endif

@@ -15,6 +15,7 @@
 #include "Foundation/NSString.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Scanning/OFStringDecoder.h"
+#include "Scanning/WideInstructionsPrivate.h"
 
 namespace pelvor {
 namespace {
@@ -117,6 +118,13 @@ void decodeWith(benchmark::State& state, const std::string& text, CFStringEncodi
     finish(state, text.size());
 }
 
+// As on machines that have no more than these instructions.
+void decodeAt(benchmark::State& state, Instructions most, Script script) {
+    useInstructions(most);
+    decodeWith(state, textOf(script), kCFStringEncodingUTF8);
+    useInstructions(Instructions::avx512);
+}
+
 void qtDecodeWith(benchmark::State& state, const std::string& text, QStringConverter::Encoding encoding) {
     std::vector<QChar> units(text.size() + kStep);
     for (auto _ : state) {
@@ -206,6 +214,8 @@ void icuEncode(benchmark::State& state, Script script) {
         auto script = static_cast<Script>(i);
         std::string name = kScriptNames[i];
         add("decode/" + name, [=](auto& state) { decodeWith(state, textOf(script), kCFStringEncodingUTF8); });
+        add("decode/" + name + "/AVX2", [=](auto& state) { decodeAt(state, Instructions::avx2, script); });
+        add("decode/" + name + "/plain", [=](auto& state) { decodeAt(state, Instructions::plain, script); });
         add("decode/" + name + "/Qt",
             [=](auto& state) { qtDecodeWith(state, textOf(script), QStringConverter::Utf8); });
         add("decode/" + name + "/ICU", [=](auto& state) { icuDecodeWith(state, textOf(script), "UTF-8"); });

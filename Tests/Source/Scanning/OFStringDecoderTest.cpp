@@ -54,7 +54,7 @@ TEST(StringDecoder, DecodesInStepsOfAnySize) {
         {kCFStringEncodingMacRomanLatin1, "a\xE9\xC4", u"a\xE9\xC4"},
         {kCFStringEncodingNextStepLatin, "\x80\xFD\xFE", u"\xA0\xFF\xFFFD"},
     };
-    for (auto level : {Instructions::plain, Instructions::avx512})
+    for (auto level : {Instructions::plain, Instructions::avx2, Instructions::avx512})
         for (const auto& entry : cases)
             for (std::size_t step : {1, 2, 3, 5, 16, 100}) {
                 useInstructions(level);
@@ -89,21 +89,21 @@ TEST(StringDecoder, DecodesTheSameAtEveryLevelOfInstructions) {
         for (auto count = random() % 40; count > 0; --count)
             bytes += parts[random() % (round % 2 && random() % 8 ? 6 : std::size(parts))];
         auto room = static_cast<NSUInteger>(random() % 200);
-        OFCharacterScanResult results[2];
-        std::u16string texts[2];
-        for (int i = 0; i < 2; ++i) {
-            useInstructions(i ? Instructions::avx512 : Instructions::plain);
+        OFCharacterScanResult results[3];
+        std::u16string texts[3];
+        for (int i = 0; i < 3; ++i) {
+            useInstructions(static_cast<Instructions>(i));
             texts[i].resize(room);
             results[i] =
                 OFScanCharactersIntoBuffer(OFInitialStateForEncoding(kCFStringEncodingUTF8),
                                            reinterpret_cast<const unsigned char*>(bytes.data()),
                                            static_cast<NSUInteger>(bytes.size()), texts[i].data(), room);
             texts[i].resize(results[i].charactersProduced);
+            ASSERT_EQ(texts[0], texts[i]) << round;
+            ASSERT_EQ(results[0].bytesConsumed, results[i].bytesConsumed);
+            ASSERT_EQ(results[0].state.partialCharacter, results[i].state.partialCharacter);
+            ASSERT_EQ(results[0].state.utf8octetsremaining, results[i].state.utf8octetsremaining);
         }
-        ASSERT_EQ(texts[0], texts[1]) << round;
-        ASSERT_EQ(results[0].bytesConsumed, results[1].bytesConsumed);
-        ASSERT_EQ(results[0].state.partialCharacter, results[1].state.partialCharacter);
-        ASSERT_EQ(results[0].state.utf8octetsremaining, results[1].state.utf8octetsremaining);
     }
 }
 
