@@ -144,6 +144,7 @@ struct Pair {
                 if (!model.marks.empty()) model.marks.pop_back();
                 break;
             case 5:
+                number = argument % 25;
                 require(scanner->scanUnsignedIntegerMaximumDigits(number) == model.digits(number, 10),
                         "decimal");
                 break;

@@ -43,31 +43,42 @@ double scaled(double value, std::int64_t exponent) {
     return std::ldexp(value * std::pow(5.0, power), power);
 }
 
-// How many of eight units are digits up to the first that is not, and their value; all at once, since where a
-// number ends is hard to foresee.
-unsigned leadingDigits(const unichar* units, std::uint32_t& value) {
 #if defined(__x86_64__)
-    __m128i digits =
-        _mm_sub_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(units)), _mm_set1_epi16(u'0'));
-    __m128i above9 = _mm_subs_epu16(digits, _mm_set1_epi16(9));
-    auto areDigits = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(above9, _mm_setzero_si128())));
-    unsigned count = static_cast<unsigned>(std::countr_one(areDigits)) / 2;
-    if (!count) return 0;
-    // Zeros in front make them eight: pairs, then fours, then all.
-    auto eight = static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_packus_epi16(digits, digits)));
-    eight <<= 64 - 8 * count;
-    eight = eight * 10 + (eight >> 8);
-    std::uint64_t outer = (eight & 0x000000FF000000FFu) * 0x000F424000000064u;
-    std::uint64_t inner = (eight >> 16 & 0x000000FF000000FFu) * 0x0000271000000001u;
-    value = static_cast<std::uint32_t>((outer + inner) >> 32);
-    return count;
-#else
-    unsigned count = 0;
-    for (unsigned digit; count < 8 && (digit = units[count] - unsigned{u'0'}) < 10; ++count)
-        value = value * 10 + digit;
-    return count;
-#endif
+__m128i loadEight(const unichar* units) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units)); }
+
+// All bits of those of eight units that are no digits.
+__m128i areOthers(__m128i units) {
+    constexpr int kLeast = -0x8000;
+    __m128i fromLeast = _mm_add_epi16(units, _mm_set1_epi16(static_cast<short>(kLeast - u'0')));
+    return _mm_cmpgt_epi16(fromLeast, _mm_set1_epi16(kLeast + 9));
 }
+
+// How many digits are at the front of sixteen units, `max` at most. Where a number ends is hard to foresee:
+// no branch depends on it.
+unsigned leadingDigits(const unichar* units, unsigned max) {
+    __m128i others = _mm_packs_epi16(areOthers(loadEight(units)), areOthers(loadEight(units + 8)));
+    auto bits = static_cast<unsigned>(_mm_movemask_epi8(others));
+    return static_cast<unsigned>(std::countr_zero(bits | 1u << std::min(max, 16u)));
+}
+
+// The value of the last `count` of sixteen units, which are digits.
+std::uint32_t valueOfDigits(const unichar* units, unsigned count) {
+    const __m128i first = _mm_set1_epi16(static_cast<short>(15 - count)), zero = _mm_set1_epi16(u'0');
+    auto digitsAt = [&](int from, __m128i places) {
+        return _mm_and_si128(_mm_sub_epi16(loadEight(units + from), zero), _mm_cmpgt_epi16(places, first));
+    };
+    __m128i low = digitsAt(0, _mm_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7));
+    __m128i high = digitsAt(8, _mm_setr_epi16(8, 9, 10, 11, 12, 13, 14, 15));
+    // Pairs, then fours, then eights.
+    const __m128i tens = _mm_set1_epi32(1 << 16 | 10), hundreds = _mm_set1_epi32(1 << 16 | 100),
+                  myriads = _mm_set1_epi32(1 << 16 | 10000);
+    __m128i fours =
+        _mm_madd_epi16(_mm_packs_epi32(_mm_madd_epi16(low, tens), _mm_madd_epi16(high, tens)), hundreds);
+    __m128i eights = _mm_madd_epi16(_mm_packs_epi32(fours, fours), myriads);
+    auto both = static_cast<std::uint64_t>(_mm_cvtsi128_si64(eights));
+    return static_cast<std::uint32_t>(both) * 100000000u + static_cast<std::uint32_t>(both >> 32);
+}
+#endif
 
 bool isSign(unichar unit) { return unit == u'+' || unit == u'-'; }
 
@@ -75,12 +86,15 @@ bool isSign(unichar unit) { return unit == u'+' || unit == u'-'; }
 
 std::uint32_t OFCharacterScanner::scanUnsignedIntegerMaximumDigits(NSUInteger max) {
     std::uint32_t value = 0;
-    if (max >= 8 && bufferedCount() >= 8) {
-        unsigned count = leadingDigits(_scanLocation, value);
+#if defined(__x86_64__)
+    if (bufferedCount() >= 16 && _scanLocation - _inputBuffer >= 16) {
+        unsigned count = leadingDigits(_scanLocation, max);
         _scanLocation += count;
+        value = valueOfDigits(_scanLocation - 16, count);
+        if (count < 16) return value;
         max -= count;
-        if (count < 8) return value;
     }
+#endif
     while (max && hasCharacter()) {
         unichar* place = _scanLocation;
         unichar* const end = place + std::min<std::size_t>(max, bufferedCount());

@@ -173,7 +173,8 @@ TEST(CharacterScanner, ReadsNumbers) {
                 EXPECT_EQ(scanner->peekCharacter(), entry.next);
             }
         });
-    forAllScanners(u"-12345+x1aFgZ4294967297", [](OFCharacterScanner* scanner) {
+    const std::u16string text = u"-12345+x1aFgZ4294967297 305 12345678901234567890 and sixteen units";
+    forAllScanners(text, [](OFCharacterScanner* scanner) {
         EXPECT_EQ(scanner->scanIntegerMaximumDigits(3), -123);
         EXPECT_EQ(scanner->scanUnsignedIntegerMaximumDigits(9), 45u);
         EXPECT_EQ(scanner->scanIntegerMaximumDigits(3), 0) << "the sign stays consumed";
@@ -181,6 +182,9 @@ TEST(CharacterScanner, ReadsNumbers) {
         EXPECT_EQ(scanner->scanHexadecimalNumberMaximumDigits(8), 0x1AFu);
         scanner->skipCharacters(2);
         EXPECT_EQ(scanner->scanUnsignedIntegerMaximumDigits(20), 1u) << "wraps";
+        EXPECT_EQ(scanner->scanIntegerMaximumDigits((scanner->readCharacter(), 20)), 305);
+        EXPECT_EQ(scanner->scanIntegerMaximumDigits((scanner->readCharacter(), 3)), 123);
+        EXPECT_EQ(scanner->scanUnsignedIntegerMaximumDigits(30), 4191226578u) << "wraps";
     });
 }
 
