@@ -17,6 +17,10 @@ Retained<PBRangeList> PBRangeList::create(std::vector<NSRange> ranges) {
     return list;
 }
 
+PBRangeList::~PBRangeList() {
+    if (NSMutableArray* boxes = _boxes) boxes->release();
+}
+
 NSArray* PBRangeList::listOf(std::vector<NSRange> ranges) { return create(std::move(ranges)).autorelease(); }
 
 const std::vector<NSRange>* PBRangeList::plainRangesOf(NSArray* array) {
@@ -32,19 +36,21 @@ PBRangeList* PBRangeList::withoutBoxes(NSArray* array) {
 }
 
 NSMutableArray* PBRangeList::boxes() {
-    if (!_boxes) _boxes = NSRangeValue::createArray(_ranges);
-    return _boxes;
+    if (NSMutableArray* made = _boxes.load(std::memory_order_acquire)) return made;
+    auto boxes = NSRangeValue::createArray(_ranges);
+    NSMutableArray* made = nullptr;  // by another thread meanwhile
+    return _boxes.compare_exchange_strong(made, boxes, std::memory_order_acq_rel) ? boxes.leak() : made;
 }
 
 NSMutableArray* PBRangeList::changingBoxes() {
-    boxes();
+    NSMutableArray* changing = boxes();
     _hasRanges = false;
     _ranges = {};
-    return _boxes;
+    return changing;
 }
 
 NSUInteger PBRangeList::count() {
-    return _hasRanges ? static_cast<NSUInteger>(_ranges.size()) : _boxes->count();
+    return _hasRanges ? static_cast<NSUInteger>(_ranges.size()) : boxes()->count();
 }
 
 id PBRangeList::objectAtIndex(NSUInteger index) { return boxes()->objectAtIndex(index); }

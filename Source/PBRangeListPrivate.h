@@ -2,6 +2,7 @@
 // PBRangeList, and the reading of range lists of any kind; for the library's own sources.
 #pragma once
 
+#include <atomic>
 #include <vector>
 
 #include "Foundation/NSMutableArray.h"
@@ -10,8 +11,8 @@
 namespace pelvor {
 
 /// The lists that range operations answer: arrays of boxed ranges whose boxes are made when somebody asks
-/// for an object. This library reads them without, and joins them as long as nobody has. One thread at a
-/// time.
+/// for an object. This library reads them without, and joins them as long as nobody has. Threads may read a
+/// list at once.
 class PBRangeList final : public NSMutableArray {
     PELVOR_CLASS(PBRangeList, NSMutableArray);
 
@@ -36,7 +37,7 @@ class PBRangeList final : public NSMutableArray {
 
   protected:
     PBRangeList() = default;
-    ~PBRangeList() = default;
+    ~PBRangeList();
     void replaceObjects(NSRange range, Object* const* objects, NSUInteger count) override;
 
   private:
@@ -49,8 +50,8 @@ class PBRangeList final : public NSMutableArray {
     NSMutableArray* changingBoxes();
 
     std::vector<NSRange> _ranges;
-    Retained<NSMutableArray> _boxes;  // once somebody has asked for one
-    bool _hasRanges = true;           // the boxes, if any, have not been changed
+    std::atomic<NSMutableArray*> _boxes{nullptr};  // owned, once somebody has asked for one
+    bool _hasRanges = true;                        // the boxes, if any, have not been changed
 };
 
 /// Whether the object is a box as NSValue's creators make it.

@@ -185,6 +185,15 @@ TEST(PBRangeUtil, ListsThatAreAnsweredDoAsOtherArrays) {
     }
 }
 
+TEST(PBRangeUtil, ListsThatAreAnsweredAreReadOnManyThreads) {
+    for (int round = 0; round < 20; ++round) {
+        NSArray* list = PBNormalizeRanges(listOf({{0, 3}, {5, 1}}), true);
+        std::array<id, 4> found;
+        onThreads(4, [&](int i) { found[static_cast<std::size_t>(i)] = list->objectAtIndex(1); });
+        EXPECT_THAT(found, ::testing::Each(list->objectAtIndex(1)));
+    }
+}
+
 TEST(NSValuePelvorAdditions, OrderBoxedRangesAndBoxPlanarOnes) {
     NSValue* five = NSValue::valueWithRange({5, 1});
     const std::pair<NSRange, int> orders[] = {{{5, 9}, 0}, {{6, 0}, -1}, {{4, 0}, 1}};
