@@ -118,9 +118,9 @@ TEST(ParagraphRange, EndsWithItsBreak) {
     EXPECT_EQ(contentsEnd, NSNotFound);
     const std::pair<NSRange, const char*> outside[] = {
         {{3, 0}, "{3, 0}"}, {{1, 2}, "{1, 2}"}, {{1, 0xFFFFFFFF}, "{1, 4294967295}"}};
-    for (auto [range, text] : outside)
-        EXPECT_EQ(reasonOf(NSRangeException, [&] { paragraphRangeForRange(u"ab"_ns, range); }),
-                  "range: "s + text + " must be in range: {0, 2}");
+    for (auto& row : outside)
+        EXPECT_EQ(reasonOf(NSRangeException, [&] { paragraphRangeForRange(u"ab"_ns, row.first); }),
+                  "range: "s + row.second + " must be in range: {0, 2}");
 }
 
 TEST(ParagraphRange, IsFoundInALongTextThatIsNotInOnePiece) {

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Scanning/OFCharacterScanner.h"
 
+#include <memory>
+
 #include "BaseLibrary.h"
+#include "FileScanner.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Prelude.h"
 #include "Scanning/OFStringScanner.h"
@@ -12,31 +15,6 @@
 namespace pelvor {
 namespace {
 
-// Hands out a text in pieces of one size, and goes wherever it is told.
-class PieceScanner : public OFCharacterScanner {
-    PELVOR_CLASS(PieceScanner, OFCharacterScanner);
-
-  public:
-    static Retained<PieceScanner> of(std::u16string text, std::size_t size) {
-        auto scanner = make<PieceScanner>();
-        scanner->_text = std::move(text);
-        scanner->_size = size;
-        return scanner;
-    }
-    bool fetchMoreData() override {
-        NSUInteger place = scanLocation();
-        if (place >= _text.size()) return false;
-        _piece = _text.substr(place, _size);
-        return fetchMoreDataFromCharacters_length_offset_freeWhenDone(
-            _piece.data(), static_cast<NSUInteger>(_piece.size()), place, false);
-    }
-    void _rewindCharacterSource() override {}
-
-  private:
-    std::u16string _text, _piece;
-    std::size_t _size = 1;
-};
-
 // Says without end that there is more.
 class BoastingScanner : public OFCharacterScanner {
     PELVOR_CLASS(BoastingScanner, OFCharacterScanner);
@@ -45,18 +23,20 @@ class BoastingScanner : public OFCharacterScanner {
     bool fetchMoreData() override { return true; }
 };
 
-constexpr Class* kClasses[] = {&BoastingScanner::classRecord, &PieceScanner::classRecord};
+constexpr Class* kClasses[] = {&BoastingScanner::classRecord};
 constexpr Library* kNeeded[] = {&baseLibrary};
-constinit Library pieceLibrary{"Pieces", kNeeded, kClasses, {}};
-PELVOR_DEFINE_CLASS(BoastingScanner, pieceLibrary) {}
-PELVOR_DEFINE_CLASS(PieceScanner, pieceLibrary) {}
+constinit Library boastLibrary{"Boasts", kNeeded, kClasses, {}};
+PELVOR_DEFINE_CLASS(BoastingScanner, boastLibrary) {}
 
-// The text in pieces of one, two, three and more units, and as one string.
+// The text in steps of one, two, three and more bytes, and as one string.
 template <class Check>
 void forAllScanners(std::u16string text, Check check) {
+    std::string bytes = NSString::of(text)->toUTF8();
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(fmemopen(bytes.data(), bytes.size(), "r"),
+                                                         &std::fclose);
     for (std::size_t size : {1, 2, 3, 7, 1000}) {
         SCOPED_TRACE(size);
-        check(PieceScanner::of(text, size).get());
+        check(FileScanner::of(file.get(), size).get());
     }
     SCOPED_TRACE("string");
     check(OFStringScanner::initWithString(NSString::of(text)).get());
@@ -234,7 +214,9 @@ TEST(CharacterScanner, ReadsTokensAndLines) {
         EXPECT_EQ(scanner->readCharacterCount(1), nullptr);
         EXPECT_EQ(scanner->readFullTokenWithDelimiterCharacter(u','), nullptr);
     });
-    auto pieces = PieceScanner::of(u"abcd", 3);
+    char bytes[] = "abcd";
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(fmemopen(bytes, 4, "r"), &std::fclose);
+    auto pieces = FileScanner::of(file.get(), 3);
     EXPECT_EQ(textOf(pieces->readTokenFragmentWithDelimiterCharacter(u'x')), u"abc");
     EXPECT_EQ(textOf(pieces->readTokenFragmentWithDelimiters(NSCharacterSet::characterSet())), u"d");
 }
