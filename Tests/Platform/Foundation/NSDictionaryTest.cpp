@@ -59,8 +59,7 @@ TEST(NSDictionaryTest, Changes) {
     dictionary->setValue_forKey(num(3), u"c"_ns);
     EXPECT_EQ(listing(dictionary->allValues()), "9 2 3");
     dictionary->setValue_forKey(nullptr, u"b"_ns);
-    dictionary->removeObjectForKey(u"zz"_ns);
-    dictionary->removeObjectForKey(nullptr);
+    for (NSString* none : {u"zz"_ns, static_cast<NSString*>(nullptr)}) dictionary->removeObjectForKey(none);
     EXPECT_EQ(listing(dictionary->allKeys()), "a c");
     dictionary->addEntriesFromDictionary(NSDictionary::of({{u"c"_ns, num(4)}, {u"d"_ns, num(5)}}));
     dictionary->addEntriesFromDictionary(dictionary);
@@ -68,7 +67,7 @@ TEST(NSDictionaryTest, Changes) {
     dictionary->removeObjectsForKeys(NSArray::of({u"a"_ns, u"c"_ns, u"x"_ns}));
     EXPECT_EQ(listing(dictionary->allKeys()), "d");
     dictionary->setDictionary(dictionary->copy().get());
-    EXPECT_EQ(dictionary->count(), 1u);
+    EXPECT_EQ(listing(dictionary->allKeys()), "d");
     dictionary->setDictionary(nullptr);
     EXPECT_EQ(dictionary->count(), 0u);
 }

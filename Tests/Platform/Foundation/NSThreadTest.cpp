@@ -59,18 +59,16 @@ TEST(NSThreadTest, TheThreadThatRunsMainIsTheMainThread) {
 TEST(NSThreadTest, EveryThreadHasItsDictionaryWhichGoesWithIt) {
     auto tenant = make<Worker>();
     auto end = tenant->end.get_future();
-    NSThread::currentThread()->threadDictionary()->setObject_forKey(u"main"_ns, u"key"_ns);
-    id other = nullptr;
-    std::thread([&] {  // not one of NSThread's
+    auto* own = NSThread::currentThread()->threadDictionary();
+    own->setObject_forKey(u"main"_ns, u"key"_ns);
+    onThreads(1, [&](int) {  // not one of NSThread's
         auto* dictionary = NSThread::currentThread()->threadDictionary();
-        other = dictionary->objectForKey(u"key"_ns);
+        EXPECT_EQ(dictionary->objectForKey(u"key"_ns), nullptr);
         dictionary->setObject_forKey(tenant, u"key"_ns);
         tenant = nullptr;
-    })
-        .join();
+    });
     EXPECT_EQ(end.wait_for(std::chrono::seconds(0)), std::future_status::ready);
-    EXPECT_EQ(other, nullptr);
-    EXPECT_TRUE(NSThread::currentThread()->threadDictionary()->objectForKey(u"key"_ns) == u"main"_ns);
+    EXPECT_EQ(shown(own), "{\n    key = main;\n}");
 }
 
 TEST(NSThreadTest, ObjectsThatGoWithTheThreadMayStillAskForIt) {

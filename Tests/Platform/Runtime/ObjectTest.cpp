@@ -5,8 +5,6 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 static_assert(!std::is_convertible_v<Animal*, Retained<Animal>>, "a bare pointer must say what it means");
 static_assert(!std::is_convertible_v<Retained<Animal>&&, Animal*>, "a temporary is not borrowed silently");
 static_assert(!std::is_convertible_v<Retained<Object>, Retained<Animal>>);
@@ -21,9 +19,9 @@ TEST(ObjectTest, AReferenceIsStoredBeforeTheOldOneGoes) {
     Object* old = slot;
     slot = Counted::initWithName("new");
     EXPECT_NE(slot.get(), old);
-    EXPECT_EQ(journal(), (Lines{"last old", "~old"}));
+    EXPECT_EQ(joined(journal()), "last old, ~old");
     slot = nullptr;
-    EXPECT_EQ(journal(), (Lines{"last old", "~old", "last new", "~new"}));
+    EXPECT_EQ(joined(journal()), "last old, ~old, last new, ~new");
 }
 
 TEST(ObjectTest, CopiesMovesAndSelfAssignmentBalance) {
@@ -50,14 +48,13 @@ TEST(ObjectTest, ARecycledObjectOutlivesItsLastRelease) {
     counted->lives = 4;
     counted->retain();
     send(counted, "release"_sel);
-    EXPECT_EQ(journal(), Lines{});
+    EXPECT_EQ(joined(journal()), "");
     send(counted, "release"_sel);
-    {
-        AutoreleasePool pool;
-        counted->autorelease();
-    }
+    AutoreleasePool pool;
+    counted->autorelease();
+    pool.drain();
     (void)Retained<Object>::adopting(counted);
-    EXPECT_EQ(journal(), (Lines{"last a", "last a", "last a"}));
+    EXPECT_EQ(joined(journal()), "last a, last a, last a");
     EXPECT_EQ(counted->retainCount(), 1u);
     counted->release();
     EXPECT_EQ(journal().back(), "~a");
@@ -78,10 +75,9 @@ TEST(AutoreleasePoolTest, ReleasesItsObjectsInOrderAtTheEndOfItsScope) {
         Counted::initWithName("outer").autorelease();
         {
             AutoreleasePool inner;
-            Counted::initWithName("first").autorelease();
-            Counted::initWithName("second").autorelease();
+            for (const char* name : {"first", "second"}) Counted::initWithName(name).autorelease();
         }
-        EXPECT_EQ(journal(), (Lines{"last first", "~first", "last second", "~second"}));
+        EXPECT_EQ(joined(journal()), "last first, ~first, last second, ~second");
         outer.drain();
         EXPECT_EQ(journal().back(), "~outer");
         Counted::initWithName("again").autorelease();
@@ -97,7 +93,6 @@ class Heir : public NSObject {
     int generations = 0;
 
   protected:
-    Heir() = default;
     ~Heir() {
         note("heir " + std::to_string(generations));
         AutoreleasePool nested;
@@ -131,7 +126,7 @@ TEST(AutoreleasePoolTest, WithoutAPoolObjectsGoWithTheirThread) {
         Counted::initWithName("loose").autorelease();
         EXPECT_TRUE(journal().empty());
     }).join();
-    EXPECT_EQ(journal(), (Lines{"last loose", "~loose"}));
+    EXPECT_EQ(joined(journal()), "last loose, ~loose");
 }
 
 }  // namespace
