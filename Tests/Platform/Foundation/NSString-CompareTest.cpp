@@ -8,9 +8,7 @@ namespace {
 /// How strings compare by these options, and the other way round, in rows "first/second -> -1".
 void expectOrders(NSStringCompareOptions options, std::initializer_list<std::string_view> rows) {
     expectAll(rows, [=](const std::string& row) {
-        const std::size_t slash = row.find('/');
-        NSString *first = NSString::ofUTF8(row.substr(0, slash)),
-                 *second = NSString::ofUTF8(row.substr(slash + 1));
+        auto [first, second] = halves(row);
         EXPECT_EQ(second->compare_options(first, options), -first->compare_options(second, options)) << row;
         return static_cast<int>(first->compare_options(second, options));
     });

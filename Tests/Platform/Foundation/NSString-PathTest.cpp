@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of strings as paths.
-
 #include "Foundation/NSPathStore2.h"
 #include "Platform/Foundation/BundleTestSupport.h"
 #include "Platform/Foundation/OwnCollections.h"
@@ -38,9 +37,7 @@ TEST(NSStringPathTest, AppendingComponentsAndExtensions) {
                "/tmp +  -> /tmp /tmp.", "x + a/b/ -> x/a/b x.a/b/", "/tmp + /a -> /tmp/a /tmp./a",
                "a.old + new -> a.old/new a.old.new", " +  ->  "},
               [](const std::string& row) {
-                  const std::size_t plus = row.find(" + ");
-                  NSString *path = NSString::ofUTF8(row.substr(0, plus)),
-                           *piece = NSString::ofUTF8(row.substr(plus + 3));
+                  auto [path, piece] = halves(row, " + ");
                   return shown(path->stringByAppendingPathComponent(piece),
                                path->stringByAppendingPathExtension(piece));
               });

@@ -17,9 +17,7 @@ std::string told(NSRange range) { return range == kNothing ? "none" : shown(rang
 /// What is found by these options in strings of every kind, in rows "text/what is looked for -> range".
 void expectFound(NSStringCompareOptions options, std::initializer_list<std::string_view> rows) {
     expectAll(rows, [=](const std::string& row) {
-        const std::size_t slash = row.find('/');
-        NSString *text = NSString::ofUTF8(row.substr(0, slash)),
-                 *target = NSString::ofUTF8(row.substr(slash + 1));
+        auto [text, target] = halves(row);
         NSRange found = text->rangeOfString_options(target, options);
         for (NSString* string : everyKindOfString(text->toUTF16()))
             EXPECT_EQ(string->rangeOfString_options(target, options), found) << row << " " << string->isa();
@@ -186,11 +184,11 @@ TEST(NSStringSearchTest, ComposedCharactersAroundAnIndex) {
          "x😀y@2 -> 1 2", "👩\u200D👩\u200D👧!@4 -> 0 8", "🇩🇪🇫🇷@5 -> 4 4", "\u1100\u1161\u11A8x@2 -> 0 3",
          "नि@1 -> 0 2", "a\u0301\u0302\u0303@0 -> 0 4", "\r\n@1 -> 0 2", "中文\u3099@1 -> 1 2"},
         [](const std::string& row) {
-            const std::size_t at = row.find('@');
-            const auto index = static_cast<NSUInteger>(row[at + 1] - '0');
+            auto [text, index] = halves(row, "@");
             std::set<std::string> ranges;
-            for (NSString* string : everyKindOfString(NSString::ofUTF8(row.substr(0, at))->toUTF16()))
-                ranges.insert(told(string->rangeOfComposedCharacterSequenceAtIndex(index)));
+            for (NSString* string : everyKindOfString(text->toUTF16()))
+                ranges.insert(told(string->rangeOfComposedCharacterSequenceAtIndex(
+                    static_cast<NSUInteger>(index->intValue()))));
             return joined({ranges.begin(), ranges.end()});
         });
     EXPECT_EQ(told(NSString::of(u"a\xDE00")->rangeOfComposedCharacterSequenceAtIndex(1)), "1 1");

@@ -119,8 +119,7 @@ TEST(NSStringTest, SplittingKeepsEmptyPieces) {
     expectAll({"a,b,c/, -> a|b|c|", ",a,,/, -> |a|||", "/, -> |", "abc/ -> abc|", "a, b/,  -> a|b|",
                "aaa/aa -> |a|"},
               [](const std::string& row) {
-                  NSString *text = NSString::ofUTF8(row.substr(0, row.find('/'))),
-                           *separator = NSString::ofUTF8(row.substr(row.find('/') + 1));
+                  auto [text, separator] = halves(row);
                   std::string pieces;
                   for (id piece : text->componentsSeparatedByString(separator)) pieces += shown(piece) + "|";
                   return pieces;

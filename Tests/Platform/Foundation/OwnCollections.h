@@ -72,6 +72,12 @@ class SparseString : public NSString {
     unichar characterAtIndex(NSUInteger index) override;
 };
 
+/// The row's texts before and after the mark.
+inline std::pair<NSString*, NSString*> halves(const std::string& row, const std::string& mark = "/") {
+    const std::size_t at = row.find(mark);
+    return {NSString::ofUTF8(row.substr(0, at)), NSString::ofUTF8(row.substr(at + mark.size()))};
+}
+
 /// Strings of several classes with one text.
 std::vector<NSString*> everyKindOfString(std::u16string_view text);
 
