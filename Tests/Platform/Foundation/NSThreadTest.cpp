@@ -59,8 +59,7 @@ TEST(NSThreadTest, TheThreadThatRunsMainIsTheMainThread) {
 TEST(NSThreadTest, EveryThreadHasItsDictionaryWhichGoesWithIt) {
     auto tenant = make<Worker>();
     auto end = tenant->end.get_future();
-    auto* own = NSThread::currentThread()->threadDictionary();
-    own->setObject_forKey(u"main"_ns, u"key"_ns);
+    NSThread::currentThread()->threadDictionary()->setObject_forKey(u"main"_ns, u"key"_ns);
     onThreads(1, [&](int) {  // not one of NSThread's
         auto* dictionary = NSThread::currentThread()->threadDictionary();
         EXPECT_EQ(dictionary->objectForKey(u"key"_ns), nullptr);
@@ -68,7 +67,7 @@ TEST(NSThreadTest, EveryThreadHasItsDictionaryWhichGoesWithIt) {
         tenant = nullptr;
     });
     EXPECT_EQ(end.wait_for(std::chrono::seconds(0)), std::future_status::ready);
-    EXPECT_EQ(shown(own), "{\n    key = main;\n}");
+    EXPECT_EQ(shown(NSThread::currentThread()->threadDictionary()), "{\n    key = main;\n}");
 }
 
 TEST(NSThreadTest, ObjectsThatGoWithTheThreadMayStillAskForIt) {

@@ -59,6 +59,8 @@ TEST_F(UserDefaults, ConvertNumbersAndTexts) {
                   values);
         EXPECT_EQ(defaults->floatForKey(key), static_cast<float>(defaults->doubleForKey(key)));
     }
+    defaults->setBool_forKey(true, key);
+    EXPECT_TRUE(NSNumber::numberWithBool(true)->isEqual(defaults->objectForKey(key)));
 }
 
 TEST_F(UserDefaults, HandOutObjectsOfTheClassAskedFor) {
