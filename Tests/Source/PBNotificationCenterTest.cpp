@@ -79,6 +79,7 @@ TEST_F(PBNotificationCenterTest, DelayedNamesAreDeliveredOnceWithoutSenderWhenId
     post(kFonts);
     idle();
     EXPECT_EQ(hear(), "NSFontSetChangedNotification ");
+    post(kFonts);
     Additions::enableNotificationName(kFonts);
     idle();
     EXPECT_EQ(hear(), "");
