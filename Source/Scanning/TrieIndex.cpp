@@ -42,6 +42,8 @@ constexpr std::size_t kLinkCells = 2;
 constexpr std::size_t kPadding = 32;
 // The place of a node in the middle of a run.
 constexpr std::uint32_t kInsideRun = 0xFFFFFFFF;
+// To no record.
+constexpr std::uint32_t kNoLink = 0xFFFFFFFF;
 
 std::uint32_t linkAt(const std::uint16_t* cells) {
     std::uint32_t link;
@@ -111,7 +113,12 @@ bool TrieIndex::findLongest(const unichar* place, const unichar* end, OFCharacte
     const unichar* const start = place;
     const Cell* element = nullptr;
     std::size_t length = 0;
-    for (std::uint32_t link = 0;;) {
+    std::uint32_t link = 0;
+    if (_hasFirstLinks && place < end && *place < _firstLinks.size()) {
+        link = _firstLinks[*place++];
+        if (link == kNoLink) return true;
+    }
+    while (true) {
         const Cell* units = _cells.data() + link;
         // What is behind the header is needed as soon as it is known.
         __builtin_prefetch(units + 32);
@@ -172,7 +179,19 @@ TrieIndex::TrieIndex(OFTrieNode* head) {
     }
     _cells.insert(_cells.end(), kPadding, 0);
     _cells.shrink_to_fit();
+    findFirstLinks();
     _pending.shrink_to_fit();
+}
+
+// Every search begins at the head: where it is a branch, its links are also at hand by unit.
+void TrieIndex::findFirstLinks() {
+    const Cell* units = _cells.data() + 1;
+    std::size_t count = _cells[0] >> kCountShift;
+    _hasFirstLinks = !(_cells[0] & (kIsTail | kIsRun)) && count < kLongCount;
+    if (!_hasFirstLinks) return;
+    _firstLinks.fill(kNoLink);
+    for (std::size_t i = 0; i < count && units[i] < _firstLinks.size(); ++i)
+        _firstLinks[units[i]] = linkAt(units + count + kLinkCells * i);
 }
 
 void TrieIndex::place(const Pending& pending) {

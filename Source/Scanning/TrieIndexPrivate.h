@@ -2,6 +2,7 @@
 // TrieIndex: the nodes of a trie packed together, in the order in which a walk meets them.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <vector>
@@ -43,6 +44,7 @@ class TrieIndex {
         std::size_t twin;
     };
 
+    void findFirstLinks();
     void place(const Pending& pending);
     void addTail(OFTrieBucket* bucket);
     void addRun(OFTrieNode* node);
@@ -53,6 +55,8 @@ class TrieIndex {
     static std::atomic<std::uint64_t> edits;
 
     std::vector<Cell> _cells;
+    std::array<std::uint32_t, 128> _firstLinks;
+    bool _hasFirstLinks = false;
     std::vector<Pending> _pending;
     std::size_t _nodeCount = 0;
     std::uint32_t _number;
