@@ -240,8 +240,8 @@ TEST(DerivedStrings, AreTheReceiverWhereNothingChanges) {
 
 TEST(Components, LeaveOutOnlyAnEmptyLastPiece) {
     // The text, the separator, and the pieces.
-    for (Text row : {u"a,b,,a/,/a/b/", u"a,b,/,/a/b", u"a,,/,/a/", u"ab/,/ab", u"ab//ab", u"/,", u",/,/",
-                     u"a--b/--/a/b"}) {
+    for (Text row : {u"a,b,,a/,/a/b/", u"a,b,/,/a/b", u"a,,/,/a/", u"ab/,/ab", u"ab//ab", u"//", u"/,",
+                     u",/,/", u"a--b/--/a/b"}) {
         std::vector<Text> parts = piecesOf(row, u'/');
         NSSet* set = setWithComponentsSeparatedByString(NSString::of(parts[0]), NSString::of(parts[1]));
         EXPECT_EQ(set->count(), parts.size() - 2) << NSString::of(row);
