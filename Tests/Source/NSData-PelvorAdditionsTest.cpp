@@ -53,8 +53,9 @@ TEST(Base64, IsReadPastEverythingForeign) {
     cast<NSMutableData>(read)->appendBytes_length("D", 1);
     EXPECT_EQ(textOf(cast<NSData>(read)), "ABCD");
     const std::pair<const char16_t*, const char*> rows[] = {
-        {u"QUJD", "ABC"}, {u"QU\nJ D", "ABC"}, {u"QQ==garbage", "A"}, {u"QUI=QUJD", "AB"},  {u"", ""},
-        {u"QUJDé", ""},   {u"===A", ""},       {u"QQ=A", "A"},        {u"QUJD=QUJ", "ABC"}, {u"-_.", ""}};
+        {u"QUJD", "ABC"}, {u"QU\nJ D", "ABC"},  {u"QQ==garbage", "A"}, {u"QUI=QUJD", "AB"},
+        {u"", ""},        {u"QUJDé", ""},       {u"===A", ""},         {u"QQ=AQUJD", "A"},
+        {u"Q=QQ", ""},    {u"QUJD=QUJ", "ABC"}, {u"-_.", ""}};
     for (auto [text, bytes] : rows)
         EXPECT_EQ(textOf(Additions::dataWithBase64String(NSString::of(text))), bytes);
     for (NSString* text : {u"QUI"_ns, u"QUJD="_ns, u"Q"_ns, u"QUJDQU\n"_ns})
@@ -102,9 +103,17 @@ TEST(HexText, IsReadAndWritten) {
     EXPECT_EQ(lowercaseHexString(dataOf("\x0A\xFF"))->toUTF8(), "0x0aff");
     EXPECT_EQ(unadornedLowercaseHexString(dataOf("\x0A\xFF"))->toUTF8(), "0aff");
     EXPECT_EQ(lowercaseHexString(NSData::data())->toUTF8(), "0x");
-    const std::pair<const char16_t*, const char*> rows[] = {
-        {u" 0XABC", "\x0A\xBC"}, {u"12 G", "none"}, {u"12 ", "none"}, {u" \t\r\n\v\f", ""}, {u"0x", ""},
-        {u"\u0130A", "\x0A"},    {u"f", "\x0F"},    {u"xff", "none"}, {u"0x0x12", "none"},  {u"", ""}};
+    const std::pair<const char16_t*, const char*> rows[] = {{u" 0XABC", "\x0A\xBC"},
+                                                            {u"12 G", "none"},
+                                                            {u"G1", "none"},
+                                                            {u"12 ", "none"},
+                                                            {u" \t\r\n\v\f", ""},
+                                                            {u"0x", ""},
+                                                            {u"\u0130A", "\x0A"},
+                                                            {u"f", "\x0F"},
+                                                            {u"xff", "none"},
+                                                            {u"0x0x12", "none"},
+                                                            {u"", ""}};
     for (auto [text, bytes] : rows)
         EXPECT_EQ(textOf(Additions::dataWithHexString(NSString::of(text))), bytes) << NSString::of(text);
 }
