@@ -50,7 +50,7 @@ std::uint64_t mixTail(const char* bytes, std::size_t size, std::uint64_t first, 
     if (size >= 8) {
         a = word(bytes);
         b = word(bytes + size - 8);
-    } else {
+    } else if (size > 0) {  // nothing may be nowhere
         std::memcpy(&a, bytes, size);
     }
     return mix(a ^ first, b ^ seed);

@@ -52,6 +52,7 @@ TEST(NSDataTest, ComparesAndDescribes) {
     for (id other : {id(bytes("ac")), id(bytes("abc")), id(u"ab"_ns)})
         EXPECT_FALSE(data->isEqual(other)) << other;
     EXPECT_TRUE(NSData::data()->isEqualToData(NSMutableData::data()));
+    EXPECT_EQ(NSData::data()->hash(), NSMutableData::data()->hash());
     EXPECT_EQ(shown(bytes("\x01\x02\xaa\xff\x10"), NSData::data()), "<0102aaff 10> <>");
 }
 
