@@ -17,6 +17,12 @@ inline NSUInteger requireTextLength(std::uint64_t length) {
     return static_cast<NSUInteger>(length);
 }
 
+/// Raises NSInvalidArgumentException for text of that length that is nowhere.
+inline void requireText(const void* text, NSUInteger length) {
+    if (!text && length) [[unlikely]]
+        throw NSException(NSInvalidArgumentException, "a length was given without characters");
+}
+
 /// Units in the same memory as the object, directly after it.
 class NSInlineString final : public NSString {
     PELVOR_CLASS(NSInlineString, NSString);

@@ -74,6 +74,7 @@ Retained<NSMutableString> NSMutableString::initWithString(NSString* string) {
 
 Retained<NSMutableString> NSMutableString::initWithCharacters_length(const unichar* characters,
                                                                      NSUInteger length) {
+    requireText(characters, length);
     auto string = make<NSBufferString>();
     std::copy_n(characters, length, string->resize(length));
     return string;
@@ -127,6 +128,7 @@ void NSMutableString::appendString(NSString* string) {
 }
 
 void NSMutableString::appendCharacters_length(const unichar* characters, NSUInteger length) {
+    requireText(characters, length);
     append({characters, length});
 }
 

@@ -43,6 +43,7 @@ Retained<NSString> fileText(std::string_view bytes, NSStringEncoding encoding) {
 
 Retained<NSString> NSString::initWithBytes_length_encoding(const void* bytes, NSUInteger length,
                                                            NSStringEncoding encoding) {
+    requireText(bytes, length);
     auto units = decodeBytes({static_cast<const char*>(bytes), length}, encoding);
     return units ? NSInlineString::create(*units) : nullptr;
 }

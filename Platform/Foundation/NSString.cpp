@@ -135,12 +135,14 @@ Retained<NSString> NSString::initWithString(NSString* string) {
 }
 
 Retained<NSString> NSString::initWithCharacters_length(const unichar* characters, NSUInteger length) {
+    requireText(characters, length);
     return NSInlineString::create({characters, length});
 }
 
 Retained<NSString> NSString::initWithCharactersNoCopy_length_freeWhenDone(unichar* characters,
                                                                           NSUInteger length,
                                                                           bool freeWhenDone) {
+    requireText(characters, length);
     return NSExternalString::create(characters, length, freeWhenDone);
 }
 

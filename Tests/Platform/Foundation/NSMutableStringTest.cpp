@@ -26,7 +26,12 @@ TEST(NSMutableStringTest, ARangeOutsideOrNoStringChangesNothing) {
                                     RAISED(string->insertString_atIndex(u"x"_ns, 4))});
     expectRaised(NSInvalidArgumentException,
                  {RAISED(string->appendString(nullptr)), RAISED(string->setString(nullptr)),
-                  RAISED(string->insertString_atIndex(nullptr, 0))});
+                  RAISED(string->insertString_atIndex(nullptr, 0)),
+                  RAISED(string->appendCharacters_length(nullptr, 1)),
+                  RAISED(NSMutableString::initWithCharacters_length(nullptr, 1)),
+                  RAISED(NSString::initWithCharacters_length(nullptr, 1)),
+                  RAISED(NSString::initWithCharactersNoCopy_length_freeWhenDone(nullptr, 1, true)),
+                  RAISED(NSString::initWithBytes_length_encoding(nullptr, 1, NSUTF8StringEncoding))});
     EXPECT_EQ(string->toUTF8(), "abc");
 }
 
