@@ -35,8 +35,8 @@ enum : NSStringCompareOptions {
 /// objects of concrete classes. Immutable strings may be used on any thread.
 ///
 /// Everywhere: a range that is not inside the string raises NSRangeException; none where a string is
-/// needed raises NSInvalidArgumentException; searches answer {NSNotFound, 0} for nothing found; an
-/// operation that would change nothing may answer the receiver.
+/// needed, or no memory where there is a length, raises NSInvalidArgumentException; searches answer
+/// {NSNotFound, 0} for nothing found; an operation that would change nothing may answer the receiver.
 class PELVOR_EXPORT NSString : public NSObject {
     PELVOR_CLASS(NSString, NSObject);
 
