@@ -61,11 +61,13 @@ PELVOR_EXPORT void getParagraphStart_end_contentsEnd_forRange(NSString* string, 
 
 /// The range with the whole of the composed characters at its ends; an empty one as it is.
 PELVOR_EXPORT NSRange rangeOfComposedCharactersForRange(NSString* string, NSRange range);
-/// The composed character at the index and those that overlap it; at or past the end, empty at the end.
-PELVOR_EXPORT NSRange PBRangeOfComposedCharacterSequenceAtIndex(NSString* string, NSUInteger index);
 /// The unit at the index, or the pair that it is half of; at or past the end, empty at the end. A lone half
 /// counts the unit that stands where its other half would.
 PELVOR_EXPORT NSRange rangeOfCharacterAtIndex(NSString* string, NSUInteger index);
+
+// C++ only
+/// The composed character at the index and those that overlap it; at or past the end, empty at the end.
+PELVOR_EXPORT NSRange PBRangeOfComposedCharacterSequenceAtIndex(NSString* string, NSUInteger index);
 
 /// True for none and for an empty string, too.
 PELVOR_EXPORT bool containsString(NSString* string, NSString* other);

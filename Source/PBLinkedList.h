@@ -45,13 +45,15 @@ class PELVOR_EXPORT PBLinkedList : public NSObject {
 
     void push(id object);
     id pop();
-    /// What `pop` takes out, owned.
-    Retained<Object> takeTop();
     id top();
     /// Puts the object at the tail.
     void enqueueObject(id object);
     /// The same as `pop`.
     id dequeueObject();
+
+    // C++ only
+    /// What `pop` takes out, owned.
+    Retained<Object> takeTop();
 
     // Indexes. All raise NSRangeException and change nothing when they reach past the end.
 

@@ -24,8 +24,8 @@ class PELVOR_EXPORT PBObjectPool : public NSObject {
     /// The object that came last, whose reference the caller owns; none when the pool is empty.
     Retained<Object> popObject();
 
-    // Also without the lock, to see whether taking it is worth while; the answer may be old at once.
-
+    // C++ only. Also without the lock, to see whether taking it is worth while; the answer may be old at
+    // once.
     bool isEmpty() const { return _count.load(std::memory_order_relaxed) == 0; }
     bool isFull() const { return _count.load(std::memory_order_relaxed) >= _capacity; }
 

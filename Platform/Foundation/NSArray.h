@@ -31,21 +31,25 @@ class PELVOR_EXPORT NSArray : public NSObject {
 
     static NSArray* array();
     static NSArray* arrayWithObject(id object);
-    static NSArray* arrayWithObjects(std::initializer_list<Object*> objects);
     static NSArray* arrayWithObjects_count(Object* const* objects, NSUInteger count);
     static NSArray* arrayWithArray(NSArray* array);
-    static NSArray* of(std::initializer_list<Object*> objects) { return arrayWithObjects(objects); }
 
     static Retained<NSArray> init();
-    static Retained<NSArray> initWithObjects(std::initializer_list<Object*> objects);
     static Retained<NSArray> initWithObjects_count(Object* const* objects, NSUInteger count);
     static Retained<NSArray> initWithArray(NSArray* array);
+
+    // C++ only
+    static NSArray* of(std::initializer_list<Object*> objects) { return arrayWithObjects(objects); }
+    static NSArray* arrayWithObjects(std::initializer_list<Object*> objects);
+    static Retained<NSArray> initWithObjects(std::initializer_list<Object*> objects);
 
     // Primitives
 
     virtual NSUInteger count() = 0;
     /// Raises NSRangeException for an index at or past the end.
     virtual id objectAtIndex(NSUInteger index) = 0;
+
+    // C++ only
     /// All objects in one piece where the array has them so, else none. Valid until the array changes
     /// or goes.
     virtual Object* const* contiguousObjects() { return nullptr; }

@@ -57,8 +57,11 @@ class PELVOR_EXPORT NSBundle : public NSObject {
     /// that cannot be read gives none and a line in the log, one that is not there gives none.
     static NSArray* bundlesInDirectory(NSString* path);
     /// Makes the folder a framework of the process, whatever its name, and answers its bundle, or none if
-    /// there is no such folder. With a library, that library's classes are the framework's.
+    /// there is no such folder.
     static NSBundle* registerFramework(NSString* path);
+
+    // C++ only
+    /// `registerFramework` for a framework whose classes are those of the library.
     static NSBundle* registerFramework_library(NSString* path, Library& library);
 
     // What a bundle says about itself

@@ -68,6 +68,8 @@ class PELVOR_EXPORT NSCharacterSet : public NSObject {
     /// 8192 bytes for U+0000 to U+FFFF, the bit of c in byte c >> 3 at 1 << (c & 7); then, for each further
     /// plane that has members, its number as one byte and its 8192 bytes.
     NSData* bitmapRepresentation();
+
+    // C++ only
     /// The 8192 bytes for U+0000 to U+FFFF themselves; valid until the set changes or goes.
     const std::uint8_t* basicPlaneBitmap() { return _planes[0]->data(); }
 

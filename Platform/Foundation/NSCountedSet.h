@@ -18,19 +18,21 @@ class PELVOR_EXPORT NSCountedSet : public NSMutableSet {
     static NSCountedSet* set();
     static NSCountedSet* setWithCapacity(NSUInteger capacity);
     static NSCountedSet* setWithObject(id object);
-    static NSCountedSet* setWithObjects(std::initializer_list<Object*> objects);
     static NSCountedSet* setWithObjects_count(Object* const* objects, NSUInteger count);
     static NSCountedSet* setWithArray(NSArray* array);
     static NSCountedSet* setWithSet(NSSet* set);
-    static NSCountedSet* of(std::initializer_list<Object*> objects) { return setWithObjects(objects); }
 
     static Retained<NSCountedSet> init(Class* cls = classObject());
     static Retained<NSCountedSet> initWithCapacity(NSUInteger capacity, Class* cls = classObject());
-    static Retained<NSCountedSet> initWithObjects(std::initializer_list<Object*> objects);
     static Retained<NSCountedSet> initWithObjects_count(Object* const* objects, NSUInteger count,
                                                         Class* cls = classObject());
     static Retained<NSCountedSet> initWithArray(NSArray* array, Class* cls = classObject());
     static Retained<NSCountedSet> initWithSet(NSSet* set, Class* cls = classObject());
+
+    // C++ only
+    static NSCountedSet* of(std::initializer_list<Object*> objects) { return setWithObjects(objects); }
+    static NSCountedSet* setWithObjects(std::initializer_list<Object*> objects);
+    static Retained<NSCountedSet> initWithObjects(std::initializer_list<Object*> objects);
 
     /// How often the object is in the set; 0 for one that is not.
     NSUInteger countForObject(id object);

@@ -33,7 +33,6 @@ class PELVOR_EXPORT NSData : public NSObject {
     /// The content of the file as far as it can be read; none when it cannot be opened or is no file, or
     /// does not fit NSUInteger.
     static NSData* dataWithContentsOfFile(NSString* path);
-    static NSData* of(std::span<const std::byte> bytes);
 
     static Retained<NSData> init();
     static Retained<NSData> initWithBytes_length(const void* bytes, NSUInteger length);
@@ -43,13 +42,18 @@ class PELVOR_EXPORT NSData : public NSObject {
     static Retained<NSData> initWithData(NSData* data);
     static Retained<NSData> initWithContentsOfFile(NSString* path);
 
+    // C++ only
+    static NSData* of(std::span<const std::byte> bytes);
+
     // Primitives
 
     virtual NSUInteger length() = 0;
     /// Valid until the data change or go. May be none for empty data.
     virtual const void* bytes() = 0;
 
+    // C++ only
     std::span<const std::byte> span() { return {static_cast<const std::byte*>(bytes()), length()}; }
+
     /// Copies the bytes to the buffer.
     void getBytes(void* buffer);
     /// As many bytes as there are, at most `length`.

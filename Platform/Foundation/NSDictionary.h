@@ -41,13 +41,15 @@ class PELVOR_EXPORT NSDictionary : public NSObject {
     static NSDictionary* dictionaryWithObjects_forKeys_count(Object* const* objects, Object* const* keys,
                                                              NSUInteger count);
     static NSDictionary* dictionaryWithDictionary(NSDictionary* dictionary);
-    static NSDictionary* of(std::initializer_list<NSDictionaryEntry> entries);
 
     static Retained<NSDictionary> init();
     static Retained<NSDictionary> initWithObjects_forKeys(NSArray* objects, NSArray* keys);
     static Retained<NSDictionary> initWithObjects_forKeys_count(Object* const* objects, Object* const* keys,
                                                                 NSUInteger count);
     static Retained<NSDictionary> initWithDictionary(NSDictionary* dictionary);
+
+    // C++ only
+    static NSDictionary* of(std::initializer_list<NSDictionaryEntry> entries);
     static Retained<NSDictionary> initWithEntries(std::initializer_list<NSDictionaryEntry> entries);
 
     // Primitives
@@ -55,6 +57,8 @@ class PELVOR_EXPORT NSDictionary : public NSObject {
     virtual NSUInteger count() = 0;
     /// None where there is no entry, and for no key.
     virtual id objectForKey(id key) = 0;
+
+    // C++ only
     /// The entry at or after `position`, which moves behind it; no key at the end. A walk begins at 0.
     virtual NSDictionaryEntry stepFrom(NSUInteger& position) = 0;
     /// A number that changes when keys come or go; by it, walks notice changes.

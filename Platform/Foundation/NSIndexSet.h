@@ -31,6 +31,7 @@ class PELVOR_EXPORT NSIndexSet : public NSObject {
     /// The members of the other set; empty for none.
     static Retained<NSIndexSet> initWithIndexSet(NSIndexSet* other, Class* cls = classObject());
 
+    // C++ only
     /// The members as ranges in ascending order, none empty, no two touching. Valid until the set changes.
     std::span<const NSRange> runs() { return _runs; }
 

@@ -18,17 +18,19 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
     static NSMutableArray* array();
     static NSMutableArray* arrayWithCapacity(NSUInteger capacity);
     static NSMutableArray* arrayWithObject(id object);
-    static NSMutableArray* arrayWithObjects(std::initializer_list<Object*> objects);
     static NSMutableArray* arrayWithObjects_count(Object* const* objects, NSUInteger count);
     static NSMutableArray* arrayWithArray(NSArray* array);
-    static NSMutableArray* of(std::initializer_list<Object*> objects) { return arrayWithObjects(objects); }
 
     static Retained<NSMutableArray> init();
     /// Room for so many objects is made beforehand.
     static Retained<NSMutableArray> initWithCapacity(NSUInteger capacity);
-    static Retained<NSMutableArray> initWithObjects(std::initializer_list<Object*> objects);
     static Retained<NSMutableArray> initWithObjects_count(Object* const* objects, NSUInteger count);
     static Retained<NSMutableArray> initWithArray(NSArray* array);
+
+    // C++ only
+    static NSMutableArray* of(std::initializer_list<Object*> objects) { return arrayWithObjects(objects); }
+    static NSMutableArray* arrayWithObjects(std::initializer_list<Object*> objects);
+    static Retained<NSMutableArray> initWithObjects(std::initializer_list<Object*> objects);
 
     // Primitives. No object raises NSInvalidArgumentException, a bad index NSRangeException; so it is
     // with everything that stands on them.

@@ -24,7 +24,6 @@ class PELVOR_EXPORT NSMutableData : public NSData {
                                                                   bool freeWhenDone);
     static NSMutableData* dataWithData(NSData* data);
     static NSMutableData* dataWithContentsOfFile(NSString* path);
-    static NSMutableData* of(std::span<const std::byte> bytes);
 
     static Retained<NSMutableData> init(Class* cls = classObject());
     static Retained<NSMutableData> initWithCapacity(NSUInteger capacity, Class* cls = classObject());
@@ -39,10 +38,12 @@ class PELVOR_EXPORT NSMutableData : public NSData {
     static Retained<NSMutableData> initWithData(NSData* data, Class* cls = classObject());
     static Retained<NSMutableData> initWithContentsOfFile(NSString* path, Class* cls = classObject());
 
+    // C++ only
+    static NSMutableData* of(std::span<const std::byte> bytes);
+
     NSUInteger length() override { return static_cast<NSUInteger>(_bytes.size()); }
     const void* bytes() override { return _bytes.data(); }
     void* mutableBytes() { return _bytes.data(); }
-    std::span<std::byte> mutableSpan() { return _bytes; }
 
     /// Cuts the bytes off or adds zeros.
     void setLength(NSUInteger length);
@@ -51,7 +52,6 @@ class PELVOR_EXPORT NSMutableData : public NSData {
     /// NSUInteger.
     void appendBytes_length(const void* bytes, NSUInteger length);
     void appendData(NSData* other);
-    void append(std::span<const std::byte> bytes);
     void setData(NSData* other);
     /// Sets the bytes of the range to zero. Raises NSRangeException for a range that is not inside.
     void resetBytesInRange(NSRange range);
@@ -59,6 +59,10 @@ class PELVOR_EXPORT NSMutableData : public NSData {
     void replaceBytesInRange_withBytes(NSRange range, const void* bytes);
     /// The bytes take the place of those of the range, which lies inside.
     void replaceBytesInRange_withBytes_length(NSRange range, const void* bytes, NSUInteger length);
+
+    // C++ only
+    std::span<std::byte> mutableSpan() { return _bytes; }
+    void append(std::span<const std::byte> bytes);
 
     Retained<Object> copyWithZone(void* zone) override;
 

@@ -22,7 +22,6 @@ class PELVOR_EXPORT NSMutableDictionary : public NSDictionary {
     static NSMutableDictionary* dictionaryWithObjects_forKeys_count(Object* const* objects,
                                                                     Object* const* keys, NSUInteger count);
     static NSMutableDictionary* dictionaryWithDictionary(NSDictionary* dictionary);
-    static NSMutableDictionary* of(std::initializer_list<NSDictionaryEntry> entries);
 
     static Retained<NSMutableDictionary> init();
     static Retained<NSMutableDictionary> initWithCapacity(NSUInteger capacity);
@@ -30,6 +29,9 @@ class PELVOR_EXPORT NSMutableDictionary : public NSDictionary {
     static Retained<NSMutableDictionary> initWithObjects_forKeys_count(Object* const* objects,
                                                                        Object* const* keys, NSUInteger count);
     static Retained<NSMutableDictionary> initWithDictionary(NSDictionary* dictionary);
+
+    // C++ only
+    static NSMutableDictionary* of(std::initializer_list<NSDictionaryEntry> entries);
     static Retained<NSMutableDictionary> initWithEntries(std::initializer_list<NSDictionaryEntry> entries);
 
     // Primitives

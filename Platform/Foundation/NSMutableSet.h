@@ -18,18 +18,20 @@ class PELVOR_EXPORT NSMutableSet : public NSSet {
     static NSMutableSet* set();
     static NSMutableSet* setWithCapacity(NSUInteger capacity);
     static NSMutableSet* setWithObject(id object);
-    static NSMutableSet* setWithObjects(std::initializer_list<Object*> objects);
     static NSMutableSet* setWithObjects_count(Object* const* objects, NSUInteger count);
     static NSMutableSet* setWithArray(NSArray* array);
     static NSMutableSet* setWithSet(NSSet* set);
-    static NSMutableSet* of(std::initializer_list<Object*> objects) { return setWithObjects(objects); }
 
     static Retained<NSMutableSet> init();
     static Retained<NSMutableSet> initWithCapacity(NSUInteger capacity);
-    static Retained<NSMutableSet> initWithObjects(std::initializer_list<Object*> objects);
     static Retained<NSMutableSet> initWithObjects_count(Object* const* objects, NSUInteger count);
     static Retained<NSMutableSet> initWithArray(NSArray* array);
     static Retained<NSMutableSet> initWithSet(NSSet* set);
+
+    // C++ only
+    static NSMutableSet* of(std::initializer_list<Object*> objects) { return setWithObjects(objects); }
+    static NSMutableSet* setWithObjects(std::initializer_list<Object*> objects);
+    static Retained<NSMutableSet> initWithObjects(std::initializer_list<Object*> objects);
 
     // Primitives
 

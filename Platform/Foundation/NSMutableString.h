@@ -19,10 +19,6 @@ class PELVOR_EXPORT NSMutableString : public NSString {
     static NSMutableString* stringWithString(NSString* string);
     static NSMutableString* stringWithCharacters_length(const unichar* characters, NSUInteger length);
     static NSMutableString* stringWithUTF8String(const char* text);
-    template <class... A>
-    static NSMutableString* stringWithFormat(NSString* format, const A&... arguments) {
-        return stringWithString(formatString(format, detail::formatArguments(arguments...)));
-    }
     static NSMutableString* stringWithContentsOfFile_encoding(NSString* path, NSStringEncoding encoding);
 
     static Retained<NSMutableString> init();
@@ -34,11 +30,16 @@ class PELVOR_EXPORT NSMutableString : public NSString {
     static Retained<NSMutableString> initWithBytes_length_encoding(const void* bytes, NSUInteger length,
                                                                    NSStringEncoding encoding);
     static Retained<NSMutableString> initWithData_encoding(NSData* data, NSStringEncoding encoding);
+
+    // C++ only
+    template <class... A>
+    static NSMutableString* stringWithFormat(NSString* format, const A&... arguments) {
+        return stringWithString(formatString(format, detail::formatArguments(arguments...)));
+    }
     template <class... A>
     static Retained<NSMutableString> initWithFormat(NSString* format, const A&... arguments) {
         return initWithString(formatString(format, detail::formatArguments(arguments...)));
     }
-
     /// Borrowed copies of the text; bytes that are not UTF-8 become U+FFFD.
     static NSMutableString* of(std::u16string_view units);
     static NSMutableString* ofUTF8(std::string_view bytes);
@@ -47,17 +48,10 @@ class PELVOR_EXPORT NSMutableString : public NSString {
 
     /// Puts the string in place of the range. `string` may be the receiver.
     virtual void replaceCharactersInRange_withString(NSRange range, NSString* string) = 0;
-    /// Puts units in place of the range; they may be the receiver's own.
-    virtual void replaceCharactersInRange_withUnits(NSRange range, std::u16string_view units);
 
     void setString(NSString* string);
     void appendString(NSString* string);
     void appendCharacters_length(const unichar* characters, NSUInteger length);
-    void append(std::u16string_view units) { replaceCharactersInRange_withUnits({length(), 0}, units); }
-    template <class... A>
-    void appendFormat(NSString* format, const A&... arguments) {
-        appendString(formatString(format, detail::formatArguments(arguments...)));
-    }
     void insertString_atIndex(NSString* string, NSUInteger index);
     void deleteCharactersInRange(NSRange range);
     /// Replaces every occurrence inside the range, found from its start on, or backwards from its end;
@@ -65,6 +59,15 @@ class PELVOR_EXPORT NSMutableString : public NSString {
     NSUInteger replaceOccurrencesOfString_withString_options_range(NSString* target, NSString* replacement,
                                                                    NSStringCompareOptions options,
                                                                    NSRange range);
+
+    // C++ only
+    /// Puts units in place of the range; they may be the receiver's own.
+    virtual void replaceCharactersInRange_withUnits(NSRange range, std::u16string_view units);
+    void append(std::u16string_view units) { replaceCharactersInRange_withUnits({length(), 0}, units); }
+    template <class... A>
+    void appendFormat(NSString* format, const A&... arguments) {
+        appendString(formatString(format, detail::formatArguments(arguments...)));
+    }
 
     Retained<Object> copyWithZone(void* zone) override;
 

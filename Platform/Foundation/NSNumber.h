@@ -67,6 +67,8 @@ class PELVOR_EXPORT NSNumber : public NSValue {
     /// Raises NSInvalidArgumentException for none.
     NSComparisonResult compare(NSNumber* other);
     bool isEqualToNumber(NSNumber* other);
+
+    // C++ only
     /// Whether the number was made from a boolean.
     bool isBoolean() { return objCType()[0] == 'B'; }
 

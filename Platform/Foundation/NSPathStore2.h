@@ -12,6 +12,7 @@ class PELVOR_EXPORT NSPathStore2 : public NSString {
     PELVOR_CLASS(NSPathStore2, NSString);
 
   public:
+    // C++ only
     /// A borrowed copy of the path.
     static NSPathStore2* of(std::u16string_view path);
 

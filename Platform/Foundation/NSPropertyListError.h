@@ -16,6 +16,7 @@ class PELVOR_EXPORT NSPropertyListError : public NSObject {
     PELVOR_CLASS(NSPropertyListError, NSObject);
 
   public:
+    // C++ only
     /// For the readers and writers.
     static Retained<NSPropertyListError> create(const PropertyListFault& fault);
 

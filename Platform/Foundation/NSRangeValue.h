@@ -16,17 +16,18 @@ class PELVOR_EXPORT NSRangeValue final : public NSValue {
     PELVOR_CLASS(NSRangeValue, NSValue);
 
   public:
+    // C++ only
     /// An owned value.
     static Retained<NSRangeValue> create(NSRange range);
     /// An owned array of a value for each range.
     static Retained<NSMutableArray> createArray(std::span<const NSRange> ranges);
+    NSRange range() const { return _range; }
+    std::span<const std::byte> span() { return std::as_bytes(std::span(&_range, 1)); }
     static void* operator new(std::size_t size);
     static void operator delete(void* value) noexcept;
 
-    NSRange range() const { return _range; }
     const char* objCType() override { return typeEncoding<NSRange>.text; }
     void getValue(void* buffer) override { std::memcpy(buffer, &_range, sizeof _range); }
-    std::span<const std::byte> span() { return std::as_bytes(std::span(&_range, 1)); }
 
   protected:
     explicit NSRangeValue(NSRange range) : _range(range) {}

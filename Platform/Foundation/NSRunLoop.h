@@ -106,6 +106,7 @@ class PELVOR_EXPORT NSRunLoop : public NSObject {
     /// Does what is ready, without waiting; whether there was any.
     bool performReadyWorkForMode(NSString* mode);
 
+    // C++ only
     /// Has the function called in one of the modes on the loop's thread. Any thread.
     void perform(std::function<void()> work, NSArray* modes);
 

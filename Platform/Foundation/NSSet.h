@@ -25,23 +25,27 @@ class PELVOR_EXPORT NSSet : public NSObject {
 
     static NSSet* set();
     static NSSet* setWithObject(id object);
-    static NSSet* setWithObjects(std::initializer_list<Object*> objects);
     static NSSet* setWithObjects_count(Object* const* objects, NSUInteger count);
     static NSSet* setWithArray(NSArray* array);
     static NSSet* setWithSet(NSSet* set);
-    static NSSet* of(std::initializer_list<Object*> objects) { return setWithObjects(objects); }
 
     static Retained<NSSet> init();
-    static Retained<NSSet> initWithObjects(std::initializer_list<Object*> objects);
     static Retained<NSSet> initWithObjects_count(Object* const* objects, NSUInteger count);
     static Retained<NSSet> initWithArray(NSArray* array);
     static Retained<NSSet> initWithSet(NSSet* set);
+
+    // C++ only
+    static NSSet* of(std::initializer_list<Object*> objects) { return setWithObjects(objects); }
+    static NSSet* setWithObjects(std::initializer_list<Object*> objects);
+    static Retained<NSSet> initWithObjects(std::initializer_list<Object*> objects);
 
     // Primitives
 
     virtual NSUInteger count() = 0;
     /// The member that is the same as the object; none without one.
     virtual id member(id object) = 0;
+
+    // C++ only
     /// The member at or after `position`, which moves behind it; none at the end. A walk begins at 0.
     virtual id stepFrom(NSUInteger& position) = 0;
     /// A number that changes when members come or go; by it, walks notice changes.

@@ -50,11 +50,6 @@ class PELVOR_EXPORT NSString : public NSObject {
     /// None if the bytes are not UTF-8. Raises NSInvalidArgumentException for no text.
     static NSString* stringWithUTF8String(const char* text);
     static NSString* stringWithCString_encoding(const char* text, NSStringEncoding encoding);
-    /// The format with its arguments in place; see `formatString`.
-    template <class... A>
-    static NSString* stringWithFormat(NSString* format, const A&... arguments) {
-        return formatString(format, detail::formatArguments(arguments...));
-    }
     /// The file's text; none if it cannot be read or is not valid in the encoding.
     static NSString* stringWithContentsOfFile_encoding(NSString* path, NSStringEncoding encoding);
     /// The same as the file's mark tells, else UTF-8, else ISO Latin 1.
@@ -76,11 +71,17 @@ class PELVOR_EXPORT NSString : public NSObject {
     static Retained<NSString> initWithData_encoding(NSData* data, NSStringEncoding encoding);
     static Retained<NSString> initWithContentsOfFile_encoding(NSString* path, NSStringEncoding encoding);
     static Retained<NSString> initWithContentsOfFile(NSString* path);
+
+    // C++ only
+    /// The format with its arguments in place; see `formatString`.
+    template <class... A>
+    static NSString* stringWithFormat(NSString* format, const A&... arguments) {
+        return formatString(format, detail::formatArguments(arguments...));
+    }
     template <class... A>
     static Retained<NSString> initWithFormat(NSString* format, const A&... arguments) {
         return Retained<NSString>::retaining(stringWithFormat(format, arguments...));
     }
-
     /// Borrowed copies of the text; bytes that are not UTF-8 become U+FFFD.
     static NSString* of(std::u16string_view units);
     static NSString* ofUTF8(std::string_view bytes);
@@ -94,6 +95,8 @@ class PELVOR_EXPORT NSString : public NSObject {
     virtual void getCharacters_range(unichar* buffer, NSRange range);
     /// Copies all units to the buffer.
     void getCharacters(unichar* buffer) { getCharacters_range(buffer, {0, length()}); }
+
+    // C++ only
     /// All units in one piece where the string has them so, else none. Valid until the string changes
     /// or goes.
     virtual const unichar* contiguousCharacters() { return nullptr; }
@@ -104,10 +107,6 @@ class PELVOR_EXPORT NSString : public NSObject {
     NSString* substringToIndex(NSUInteger index);
     NSString* substringWithRange(NSRange range);
     NSString* stringByAppendingString(NSString* string);
-    template <class... A>
-    NSString* stringByAppendingFormat(NSString* format, const A&... arguments) {
-        return stringByAppendingString(stringWithFormat(format, arguments...));
-    }
     /// The pieces between separators, empty ones included; the receiver alone if there is no separator
     /// in it.
     NSArray* componentsSeparatedByString(NSString* separator);
@@ -118,6 +117,12 @@ class PELVOR_EXPORT NSString : public NSObject {
     /// round and round from `index` on.
     NSString* stringByPaddingToLength_withString_startingAtIndex(NSUInteger length, NSString* pad,
                                                                  NSUInteger index);
+
+    // C++ only
+    template <class... A>
+    NSString* stringByAppendingFormat(NSString* format, const A&... arguments) {
+        return stringByAppendingString(stringWithFormat(format, arguments...));
+    }
 
     // Comparing
 
@@ -204,9 +209,6 @@ class PELVOR_EXPORT NSString : public NSObject {
 
     // Conversion
 
-    std::u16string toUTF16();
-    /// Lone halves of pairs become U+FFFD.
-    std::string toUTF8();
     /// Zero-terminated UTF-8 that lives as long as the current autorelease pool.
     const char* UTF8String();
     /// None if the text does not fit the encoding.
@@ -221,6 +223,11 @@ class PELVOR_EXPORT NSString : public NSObject {
     static NSString* localizedNameOfStringEncoding(NSStringEncoding encoding);
     /// Whether the file could be written; atomically, the path holds the old file or the new one.
     bool writeToFile_atomically_encoding(NSString* path, bool atomically, NSStringEncoding encoding);
+
+    // C++ only
+    std::u16string toUTF16();
+    /// Lone halves of pairs become U+FFFD.
+    std::string toUTF8();
 
     NSString* description() override { return this; }
 

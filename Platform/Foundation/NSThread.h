@@ -27,8 +27,6 @@ class PELVOR_EXPORT NSThread : public NSObject {
     /// raises is logged and ends the thread. Raises NSInvalidArgumentException for no target or selector,
     /// NSGenericException if the system gives no thread.
     static void detachNewThreadSelector_toTarget_withObject(SEL selector, id target, id argument);
-    /// The same with a function.
-    static void detach(std::function<void()> entry);
 
     static NSThread* currentThread();
     /// The thread that the process began with.
@@ -46,6 +44,10 @@ class PELVOR_EXPORT NSThread : public NSObject {
     void setName(NSString* name);
     /// The thread's own dictionary, made on first demand; its objects are released when the thread ends.
     NSMutableDictionary* threadDictionary();
+
+    // C++ only
+    /// Starts a thread that calls the function, as `detachNewThreadSelector_toTarget_withObject` does.
+    static void detach(std::function<void()> entry);
 
   protected:
     NSThread();

@@ -38,6 +38,8 @@ class PELVOR_EXPORT NSValue : public NSObject {
     static NSValue* valueWithPointer(const void* pointer);
     /// The object is not kept alive.
     static NSValue* valueWithNonretainedObject(id object);
+
+    // C++ only
     /// Any plain structure or number; a structure has up to six fields.
     template <class T>
     static NSValue* of(const T& value) {
@@ -58,6 +60,8 @@ class PELVOR_EXPORT NSValue : public NSObject {
     NSRect rectValue() { return as<NSRect>(); }
     void* pointerValue() { return as<void*>(); }
     id nonretainedObjectValue() { return as<id>(); }
+
+    // C++ only
     template <class T>
     T as() {
         T value{};

@@ -29,6 +29,8 @@ class PELVOR_EXPORT Class final : public NSObject {
     PELVOR_CLASS(Class, NSObject);
 
   public:
+    // C++ only: a message to a class reaches its class operations, not its record.
+
     /// "PBIdleQueue". Both a class and its metaclass have the name.
     const char* name() const { return _name; }
     /// Where inherited methods come from; a posing class stands here for the one that it replaced.

@@ -16,6 +16,8 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
     /// An invocation with all arguments zero. Raises NSInvalidArgumentException for no signature.
     static NSInvocation* invocationWithMethodSignature(NSMethodSignature* signature);
     static Retained<NSInvocation> initWithMethodSignature(NSMethodSignature* signature);
+
+    // C++ only
     /// The message that is on its way to `target`, arguments still zero.
     static Retained<NSInvocation> forMessage(NSMethodSignature* signature, Object* target, SEL selector);
 
@@ -29,29 +31,10 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
     /// NSInvalidArgumentException for an index out of bounds.
     void setArgument_atIndex(const void* buffer, int index);
     void getArgument_atIndex(void* buffer, int index);
-    /// The same by value; raises if the argument is of another type.
-    template <class T>
-    void setArgument(int index, T value) {
-        const ArgumentLayout& argument = argumentAtIndex(index);
-        if (argument.encoding != typeEncoding<T>.text) [[unlikely]]
-            requireType(argument, typeEncoding<T>.text);
-        Wire<T> wire = detail::toWire(value);
-        if (_retainsArguments) [[unlikely]]
-            return setArgument_atIndex(&wire, index);
-        ::new (_frame + argument.offset) Wire<T>(wire);
-    }
 
     /// Copies the result from, or to, the caller's buffer. Nothing for a method without a result.
     void getReturnValue(void* buffer);
     void setReturnValue(const void* buffer);
-    /// The result by value; raises if it is of another type.
-    template <class T>
-    T returnValue() {
-        const ArgumentLayout& result = _signature->result();
-        if (result.encoding != typeEncoding<T>.text) [[unlikely]]
-            requireType(result, typeEncoding<T>.text);
-        return detail::argumentFromWire<T>(*reinterpret_cast<Wire<T>*>(_result), this, _selector);
-    }
 
     /// Keeps the target and the object arguments, and copies zero-terminated texts, from now on.
     void retainArguments();
@@ -63,6 +46,26 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
     /// Makes `target` the target and sends the message to it.
     void invokeWithTarget(Object* target);
 
+    // C++ only
+    /// Sets the argument by value; raises if the argument is of another type.
+    template <class T>
+    void setArgument(int index, T value) {
+        const ArgumentLayout& argument = argumentAtIndex(index);
+        if (argument.encoding != typeEncoding<T>.text) [[unlikely]]
+            requireType(argument, typeEncoding<T>.text);
+        Wire<T> wire = detail::toWire(value);
+        if (_retainsArguments) [[unlikely]]
+            return setArgument_atIndex(&wire, index);
+        ::new (_frame + argument.offset) Wire<T>(wire);
+    }
+    /// The result by value; raises if it is of another type.
+    template <class T>
+    T returnValue() {
+        const ArgumentLayout& result = _signature->result();
+        if (result.encoding != typeEncoding<T>.text) [[unlikely]]
+            requireType(result, typeEncoding<T>.text);
+        return detail::argumentFromWire<T>(*reinterpret_cast<Wire<T>*>(_result), this, _selector);
+    }
     /// The argument frame, and the place of the result, for the message machinery.
     std::byte* frame() { return _frame; }
     void* result() { return _result; }

@@ -45,6 +45,7 @@ class PELVOR_EXPORT NSMethodSignature final : public NSObject {
     std::uintptr_t hash() override { return _key; }
     NSString* description() override;
 
+    // C++ only
     /// All encodings in one text, "i@:{_NSRange=II}".
     const char* types() const { return _types; }
     /// Stands for `types` in comparisons.

@@ -56,6 +56,7 @@ class PELVOR_EXPORT OFCharacterSet : public NSObject {
     void removeAllCharacters() { _bitmapRep.fill(0); }
     void invert();
 
+    // C++ only
     /// The bitmap itself, as long as the set lives.
     const std::uint8_t* bitmapRep() const { return _bitmapRep.data(); }
 

@@ -43,6 +43,7 @@ class PELVOR_EXPORT OFTrie : public NSObject {
     /// The root's dictionary with the head under "head". Borrowed.
     NSMutableDictionary* debugDictionary();
 
+    // C++ only
     /// For the scanner: the words packed together, which a trie makes once it has been read often enough
     /// since it was changed; none until then. Valid until the next change.
     const TrieIndex* index();

@@ -15,9 +15,11 @@ class PELVOR_EXPORT OFTrieBucket : public NSObject {
     PELVOR_CLASS(OFTrieBucket, NSObject);
 
   public:
+    // C++ only
     /// The remaining units, zero-terminated, in both forms; one and the same array in a case-sensitive trie.
     const unichar* lowerCharacters() { return _lower; }
     const unichar* upperCharacters() { return _upper; }
+
     /// Copies `length` units of both forms, which may be one array or lie inside the present ones. Without
     /// one of them, or with a length below 1, nothing remains.
     void setRemainingLower_upper_length(const unichar* lower, const unichar* upper, NSInteger length);
@@ -46,6 +48,7 @@ class PELVOR_EXPORT OFTrieNode : public NSObject {
   public:
     static Retained<OFTrieNode> init(Class* cls = classObject());
 
+    // C++ only
     NSUInteger childCount() { return _childCount; }
     const unichar* characters() { return _characters; }
     /// Each may be a node, a bucket or none.
@@ -58,6 +61,7 @@ class PELVOR_EXPORT OFTrieNode : public NSObject {
     /// The root's dictionary with an entry "0. 'a'" for each child instead of the node's own. Borrowed.
     NSMutableDictionary* debugDictionary();
 
+    // C++ only
     /// What a unit leads to: at most one of them.
     struct Child {
         OFTrieNode* node = nullptr;
