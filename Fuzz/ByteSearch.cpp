@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "ByteSearchPrivate.h"
 #include "NSData-PelvorAdditions.h"
+#include "Private/ByteSearch.h"
 #include "Require.h"
 #include "Runtime/AutoreleasePool.h"
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "Scanning/OFStringDecoder.h"
-#include "Scanning/WideInstructionsPrivate.h"
+#include "Scanning/Private/WideInstructions.h"
 
 namespace pelvor {
 namespace {

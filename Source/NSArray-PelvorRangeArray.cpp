@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NSArray-PelvorRangeArray.h"
 
-#include "PBRangeListPrivate.h"
+#include "Private/PBRangeList.h"
 #include "Runtime/Registry.h"
 
 namespace pelvor {

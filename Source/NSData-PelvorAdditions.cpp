@@ -6,10 +6,10 @@
 #include <limits>
 #include <memory>
 
-#include "Base64TextPrivate.h"
-#include "ByteSearchPrivate.h"
 #include "Foundation/NSMutableData.h"
-#include "HexTextPrivate.h"
+#include "Private/Base64Text.h"
+#include "Private/ByteSearch.h"
+#include "Private/HexText.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
 

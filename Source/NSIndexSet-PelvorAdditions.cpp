@@ -6,8 +6,8 @@
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSNumber.h"
-#include "PBRangeListPrivate.h"
 #include "PBRangeUtil.h"
+#include "Private/PBRangeList.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
 

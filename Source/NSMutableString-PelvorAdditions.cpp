@@ -6,9 +6,9 @@
 
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/UnitBuffer.h"
+#include "Private/UnitFinding.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
-#include "UnitFindingPrivate.h"
 
 namespace pelvor {
 namespace {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Numbers at an index of a string.
-#include "CodepointsPrivate.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSScanner.h"
 #include "NSString-PelvorAdditions.h"
-#include "UnitReaderPrivate.h"
+#include "Private/Codepoints.h"
+#include "Private/UnitReader.h"
 
 namespace pelvor {
 namespace {

@@ -2,11 +2,11 @@
 // Paragraphs, composed characters and white space around a place in a text.
 #include <algorithm>
 
-#include "CodepointsPrivate.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSValue.h"
 #include "NSCharacterSet-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
+#include "Private/Codepoints.h"
 #include "Runtime/Message.h"
 
 namespace pelvor {

@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <bit>
 
-#include "CodepointsPrivate.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSMutableString.h"
 #include "NSCharacterSet-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
 #include "PBUtil.h"
-#include "UnitFindingPrivate.h"
-#include "UnitReaderPrivate.h"
+#include "Private/Codepoints.h"
+#include "Private/UnitFinding.h"
+#include "Private/UnitReader.h"
 #include "assertions.h"
 
 namespace pelvor {

@@ -2,12 +2,12 @@
 // Strings cut, trimmed and wrapped.
 #include <algorithm>
 
-#include "CodepointsPrivate.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/UnitBuffer.h"
 #include "NSString-PelvorAdditions.h"
-#include "UnitFindingPrivate.h"
-#include "WhiteSpacePrivate.h"
+#include "Private/Codepoints.h"
+#include "Private/UnitFinding.h"
+#include "Private/WhiteSpace.h"
 
 namespace pelvor {
 namespace {

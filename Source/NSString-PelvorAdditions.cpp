@@ -5,7 +5,6 @@
 #include <limits>
 #include <memory>
 
-#include "CodepointsPrivate.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSData.h"
@@ -13,6 +12,7 @@
 #include "Foundation/NSMutableString.h"
 #include "NSMutableString-PelvorAdditions.h"
 #include "PBUnichar32String.h"
+#include "Private/Codepoints.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
 

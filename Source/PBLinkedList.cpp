@@ -5,9 +5,9 @@
 
 #include "BaseLibrary.h"
 #include "Foundation/NSMutableString.h"
-#include "Foundation/RowMemory.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
+#include "Shared/RowMemory.h"
 
 namespace pelvor {
 

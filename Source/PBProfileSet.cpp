@@ -8,7 +8,7 @@
 #include "Foundation/NSMutableDictionary.h"
 #include "PBProfileKeys.h"
 #include "PBRegistry.h"
-#include "ProfileIndexPrivate.h"
+#include "Private/ProfileIndex.h"
 #include "Runtime/Message.h"
 
 namespace pelvor {

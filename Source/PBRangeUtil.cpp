@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "PBRangeListPrivate.h"
+#include "Private/PBRangeList.h"
 
 namespace pelvor {
 namespace {

@@ -7,7 +7,7 @@
 #include "Foundation/NSLog.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNotificationCenter.h"
-#include "ProfileIndexPrivate.h"
+#include "Private/ProfileIndex.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
 

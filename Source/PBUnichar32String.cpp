@@ -6,8 +6,8 @@
 #include <string>
 
 #include "BaseLibrary.h"
-#include "CodepointsPrivate.h"
 #include "NSString-PelvorAdditions.h"
+#include "Private/Codepoints.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {

@@ -7,10 +7,10 @@
 #include "Foundation/NSArray.h"
 #include "Foundation/NSMutableSet.h"
 #include "Foundation/NSString.h"
-#include "Foundation/RowMemory.h"
 #include "PBObjectPool.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
+#include "Shared/RowMemory.h"
 
 namespace pelvor {
 namespace {

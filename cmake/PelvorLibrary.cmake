@@ -10,8 +10,8 @@ add_custom_target(pelvor-libraries)
 #   NAME          the target; its sources are added by the folders with target_sources()
 #   ALIAS         the name behind Pelvor::, in the tree and for consumers, and the package's component
 #   INCLUDE_ROOT  what include paths start at, while building
-#   HEADERS       folders whose headers are installed (those ending in Private.h are not), below INCLUDE_ROOT;
-#                 "." stands for the root itself
+#   HEADERS       folders whose headers are installed, below INCLUDE_ROOT, "." for the root itself; a folder below
+#                 one of them is installed only if it is named too
 #   DEPS          libraries of ours, by alias, that the public headers need
 #   PACKAGES      third-party packages, each as the arguments of find_package()
 #   LIBRARIES     the targets of those packages; private, for no public header may show them
@@ -59,9 +59,8 @@ macro(_pelvor_install_library)
     install(EXPORT Pelvor${arg_ALIAS}Targets NAMESPACE Pelvor::
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Pelvor COMPONENT Pelvor)
     foreach(folder IN LISTS arg_HEADERS)
-        install(DIRECTORY "${arg_INCLUDE_ROOT}/${folder}"
-            DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/pelvor COMPONENT Pelvor
-            FILES_MATCHING PATTERN "*.h" PATTERN "*Private.h" EXCLUDE)
+        file(GLOB headers CONFIGURE_DEPENDS "${arg_INCLUDE_ROOT}/${folder}/*.h")
+        install(FILES ${headers} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/pelvor/${folder}" COMPONENT Pelvor)
     endforeach()
 
     # A static library hands the libraries behind it on to whoever links it.

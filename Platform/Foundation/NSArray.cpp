@@ -4,15 +4,15 @@
 #include <algorithm>
 #include <vector>
 
-#include "Foundation/CollectionDescriptionPrivate.h"
-#include "Foundation/CollectionEnumeratorsPrivate.h"
-#include "Foundation/CollectionFailuresPrivate.h"
-#include "Foundation/ConcreteArraysPrivate.h"
+#include "Foundation/Collections/CollectionDescription.h"
+#include "Foundation/Collections/CollectionEnumerators.h"
+#include "Foundation/Collections/CollectionFailures.h"
+#include "Foundation/Collections/ConcreteArrays.h"
+#include "Foundation/Collections/ObjectSorting.h"
+#include "Foundation/Collections/ObjectTables.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSString.h"
-#include "Foundation/ObjectSortingPrivate.h"
-#include "Foundation/ObjectTablesPrivate.h"
 #include "Runtime/Message.h"
 
 namespace pelvor {

@@ -4,7 +4,7 @@
 #include <cctype>
 #include <filesystem>
 
-#include "Foundation/BundleContentsPrivate.h"
+#include "Foundation/Bundles/BundleContents.h"
 #include "Foundation/NSBundle.h"
 #include "Foundation/NSDictionary-PropertyList.h"
 #include "Foundation/NSLog.h"

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <set>
 
-#include "Foundation/BundleContentsPrivate.h"
+#include "Foundation/Bundles/BundleContents.h"
 #include "Foundation/NSBundle.h"
 #include "Foundation/NSMutableArray.h"
 

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "Foundation/BundleContentsPrivate.h"
-#include "Foundation/BundleListPrivate.h"
-#include "Foundation/BundleLoaderPrivate.h"
+#include "Foundation/Bundles/BundleContents.h"
+#include "Foundation/Bundles/BundleList.h"
+#include "Foundation/Bundles/BundleLoader.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSLog.h"
 #include "Foundation/NSMutableArray.h"

@@ -6,10 +6,10 @@
 #include <algorithm>
 #include <cstring>
 
-#include "Foundation/CanonicalTextPrivate.h"
 #include "Foundation/FoundationLibrary.h"
-#include "Foundation/NSInlineStringPrivate.h"
 #include "Foundation/NSMutableData.h"
+#include "Foundation/Strings/CanonicalText.h"
+#include "Foundation/Strings/NSInlineString.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSConditionLock.h"
 
-#include "Foundation/DeadlinePrivate.h"
 #include "Foundation/FoundationLibrary.h"
+#include "Foundation/RunLoop/Deadline.h"
 
 namespace pelvor {
 

@@ -3,10 +3,10 @@
 
 #include <algorithm>
 
-#include "Foundation/CollectionFailuresPrivate.h"
+#include "Foundation/Collections/CollectionFailures.h"
+#include "Foundation/Collections/ObjectTables.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
-#include "Foundation/ObjectTablesPrivate.h"
 
 namespace pelvor {
 

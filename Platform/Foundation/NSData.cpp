@@ -6,14 +6,14 @@
 #include <string_view>
 #include <vector>
 
-#include "Foundation/ByteTextPrivate.h"
-#include "Foundation/CollectionFailuresPrivate.h"
-#include "Foundation/ConcreteDataPrivate.h"
-#include "Foundation/FileContentsPrivate.h"
+#include "Foundation/Collections/CollectionFailures.h"
+#include "Foundation/Files/FileContents.h"
 #include "Foundation/FoundationLibrary.h"
-#include "Foundation/NSExternalDataPrivate.h"
 #include "Foundation/NSMutableData.h"
 #include "Foundation/NSString.h"
+#include "Foundation/Strings/ByteText.h"
+#include "Foundation/Values/ConcreteData.h"
+#include "Foundation/Values/NSExternalData.h"
 
 namespace pelvor {
 

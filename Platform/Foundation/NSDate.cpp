@@ -7,10 +7,10 @@
 #include <functional>
 
 #include "Foundation/ClockScope.h"
-#include "Foundation/CollectionFailuresPrivate.h"
-#include "Foundation/ConcreteDatePrivate.h"
+#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
+#include "Foundation/Values/ConcreteDate.h"
 
 namespace pelvor {
 

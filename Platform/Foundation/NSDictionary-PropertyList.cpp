@@ -3,8 +3,8 @@
 
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSString.h"
-#include "Foundation/PropertyListCategoriesPrivate.h"
-#include "Foundation/PropertyListFilesPrivate.h"
+#include "Foundation/PropertyLists/PropertyListCategories.h"
+#include "Foundation/PropertyLists/PropertyListFiles.h"
 
 namespace pelvor {
 

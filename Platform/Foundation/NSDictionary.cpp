@@ -3,13 +3,13 @@
 
 #include <vector>
 
-#include "Foundation/CollectionDescriptionPrivate.h"
-#include "Foundation/CollectionEnumeratorsPrivate.h"
-#include "Foundation/CollectionFailuresPrivate.h"
-#include "Foundation/ConcreteDictionariesPrivate.h"
+#include "Foundation/Collections/CollectionDescription.h"
+#include "Foundation/Collections/CollectionEnumerators.h"
+#include "Foundation/Collections/CollectionFailures.h"
+#include "Foundation/Collections/ConcreteDictionaries.h"
+#include "Foundation/Collections/ObjectSorting.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
-#include "Foundation/ObjectSortingPrivate.h"
 #include "Runtime/Message.h"
 
 namespace pelvor {

@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "Foundation/NSString.h"
-#include "Foundation/NumberTextPrivate.h"
+#include "Foundation/Strings/NumberText.h"
 
 namespace pelvor {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "Foundation/CollectionFailuresPrivate.h"
+#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSKeyedArchiver.h"
 
+#include "Foundation/Coding/KeyedArchiveKeys.h"
 #include "Foundation/FoundationLibrary.h"
-#include "Foundation/KeyedArchiveKeysPrivate.h"
 #include "Foundation/NSCountedSet.h"
 #include "Foundation/NSDate.h"
 #include "Foundation/NSMutableArray.h"

@@ -2,7 +2,7 @@
 #include "Foundation/NSLock.h"
 
 #include "Foundation/FoundationLibrary.h"
-#include "Foundation/TimedLockPrivate.h"
+#include "Foundation/Threads/TimedLock.h"
 
 namespace pelvor {
 

@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <vector>
 
-#include "Foundation/CollectionFailuresPrivate.h"
-#include "Foundation/ConcreteArraysPrivate.h"
+#include "Foundation/Collections/CollectionFailures.h"
+#include "Foundation/Collections/ConcreteArrays.h"
+#include "Foundation/Collections/ObjectTables.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSSet.h"
-#include "Foundation/ObjectTablesPrivate.h"
 
 namespace pelvor {
 

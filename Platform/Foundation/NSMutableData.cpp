@@ -5,11 +5,11 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "Foundation/CollectionFailuresPrivate.h"
-#include "Foundation/ConcreteDataPrivate.h"
-#include "Foundation/FileContentsPrivate.h"
+#include "Foundation/Collections/CollectionFailures.h"
+#include "Foundation/Files/FileContents.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
+#include "Foundation/Values/ConcreteData.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {

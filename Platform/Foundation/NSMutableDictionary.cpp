@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSMutableDictionary.h"
 
-#include "Foundation/ConcreteDictionariesPrivate.h"
+#include "Foundation/Collections/ConcreteDictionaries.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSString.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSMutableSet.h"
 
-#include "Foundation/CollectionFailuresPrivate.h"
-#include "Foundation/ConcreteSetsPrivate.h"
+#include "Foundation/Collections/CollectionFailures.h"
+#include "Foundation/Collections/ConcreteSets.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
 

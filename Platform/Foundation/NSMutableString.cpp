@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "Foundation/FoundationLibrary.h"
-#include "Foundation/NSBufferStringPrivate.h"
 #include "Foundation/NSData.h"
-#include "Foundation/NSInlineStringPrivate.h"
-#include "Foundation/TextFinderPrivate.h"
+#include "Foundation/Strings/NSBufferString.h"
+#include "Foundation/Strings/NSInlineString.h"
+#include "Foundation/Strings/TextFinder.h"
 #include "Foundation/UnitBuffer.h"
 #include "Runtime/NSException.h"
 

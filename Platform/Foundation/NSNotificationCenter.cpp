@@ -3,7 +3,7 @@
 
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSDictionary.h"
-#include "Foundation/ObserverTablePrivate.h"
+#include "Foundation/Threads/ObserverTable.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
 

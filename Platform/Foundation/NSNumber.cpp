@@ -6,11 +6,11 @@
 #include <limits>
 #include <utility>
 
-#include "Foundation/CollectionFailuresPrivate.h"
-#include "Foundation/ConcreteValuesPrivate.h"
+#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
-#include "Foundation/NumberTextPrivate.h"
+#include "Foundation/Strings/NumberText.h"
+#include "Foundation/Values/ConcreteValues.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {

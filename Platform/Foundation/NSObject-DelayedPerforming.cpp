@@ -2,8 +2,8 @@
 #include "Foundation/NSObject-DelayedPerforming.h"
 
 #include "Foundation/NSArray.h"
-#include "Foundation/NSDelayedPerformPrivate.h"
 #include "Foundation/NSFormat.h"
+#include "Foundation/RunLoop/NSDelayedPerform.h"
 #include "Runtime/NSException.h"
 #include "Runtime/NSProxy.h"
 #include "Runtime/Registry.h"

@@ -2,7 +2,7 @@
 #include "Foundation/NSPathStore2.h"
 
 #include "Foundation/FoundationLibrary.h"
-#include "Foundation/NSInlineStringPrivate.h"
+#include "Foundation/Strings/NSInlineString.h"
 
 namespace pelvor {
 

@@ -3,7 +3,7 @@
 
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
-#include "Foundation/PropertyListFaultPrivate.h"
+#include "Foundation/PropertyLists/PropertyListFault.h"
 
 namespace pelvor {
 

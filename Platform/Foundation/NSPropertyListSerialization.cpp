@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSPropertyListSerialization.h"
 
-#include "Foundation/BinaryPropertyListWriterPrivate.h"
 #include "Foundation/FoundationLibrary.h"
-#include "Foundation/NSExternalDataPrivate.h"
 #include "Foundation/NSPropertyListError.h"
 #include "Foundation/NSString.h"
-#include "Foundation/PropertyListFaultPrivate.h"
-#include "Foundation/PropertyListReadingPrivate.h"
-#include "Foundation/XMLPropertyListWriterPrivate.h"
+#include "Foundation/PropertyLists/BinaryPropertyListWriter.h"
+#include "Foundation/PropertyLists/PropertyListFault.h"
+#include "Foundation/PropertyLists/PropertyListReading.h"
+#include "Foundation/PropertyLists/XMLPropertyListWriter.h"
+#include "Foundation/Values/NSExternalData.h"
 
 namespace pelvor {
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSRangeValue.h"
 
-#include "Foundation/ConcreteArraysPrivate.h"
+#include "Foundation/Collections/ConcreteArrays.h"
 #include "Foundation/FoundationLibrary.h"
-#include "Foundation/RowMemory.h"
+#include "Shared/RowMemory.h"
 
 namespace pelvor {
 

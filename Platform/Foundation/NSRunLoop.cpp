@@ -19,15 +19,15 @@
 #include <vector>
 
 #include "Foundation/ClockScope.h"
-#include "Foundation/DeadlinePrivate.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
-#include "Foundation/NSDelayedPerformPrivate.h"
 #include "Foundation/NSFormat.h"
 #include "Foundation/NSNotificationQueue.h"
 #include "Foundation/NSThread.h"
 #include "Foundation/NSTimer.h"
-#include "Foundation/TimerHeapPrivate.h"
+#include "Foundation/RunLoop/Deadline.h"
+#include "Foundation/RunLoop/NSDelayedPerform.h"
+#include "Foundation/RunLoop/TimerHeap.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSScanner.h"
 
-#include "Foundation/CanonicalTextPrivate.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSCharacterSet.h"
-#include "Foundation/NSInlineStringPrivate.h"
-#include "Foundation/NumberReaderPrivate.h"
+#include "Foundation/Strings/CanonicalText.h"
+#include "Foundation/Strings/NSInlineString.h"
+#include "Foundation/Strings/NumberReader.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {

@@ -3,10 +3,10 @@
 
 #include <vector>
 
-#include "Foundation/CollectionDescriptionPrivate.h"
-#include "Foundation/CollectionEnumeratorsPrivate.h"
-#include "Foundation/CollectionFailuresPrivate.h"
-#include "Foundation/ConcreteSetsPrivate.h"
+#include "Foundation/Collections/CollectionDescription.h"
+#include "Foundation/Collections/CollectionEnumerators.h"
+#include "Foundation/Collections/CollectionFailures.h"
+#include "Foundation/Collections/ConcreteSets.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSCountedSet.h"
 

@@ -6,7 +6,7 @@
 
 #include <memory>
 
-#include "Foundation/NSInlineStringPrivate.h"
+#include "Foundation/Strings/NSInlineString.h"
 
 namespace pelvor {
 namespace {

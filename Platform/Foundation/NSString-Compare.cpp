@@ -5,8 +5,8 @@
 
 #include <cstring>
 
-#include "Foundation/CanonicalTextPrivate.h"
-#include "Foundation/NSInlineStringPrivate.h"
+#include "Foundation/Strings/CanonicalText.h"
+#include "Foundation/Strings/NSInlineString.h"
 
 namespace pelvor {
 

@@ -3,9 +3,9 @@
 #include <cstring>
 
 #include "Foundation/NSData.h"
-#include "Foundation/NSInlineStringPrivate.h"
 #include "Foundation/NSMutableString.h"
-#include "Foundation/UnitConversionPrivate.h"
+#include "Foundation/Strings/NSInlineString.h"
+#include "Foundation/Strings/UnitConversion.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {

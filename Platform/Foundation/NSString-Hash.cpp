@@ -6,7 +6,7 @@
 #include <bit>
 #include <cstring>
 
-#include "Foundation/NSInlineStringPrivate.h"
+#include "Foundation/Strings/NSInlineString.h"
 
 namespace pelvor {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Numbers read from the start of a string.
 #include "Foundation/NSString.h"
-#include "Foundation/NumberReaderPrivate.h"
+#include "Foundation/Strings/NumberReader.h"
 
 namespace pelvor {
 namespace {

@@ -2,11 +2,11 @@
 // Strings made of other strings' parts.
 #include <vector>
 
-#include "Foundation/CanonicalTextPrivate.h"
-#include "Foundation/ConcreteArraysPrivate.h"
+#include "Foundation/Collections/ConcreteArrays.h"
 #include "Foundation/NSCharacterSet.h"
-#include "Foundation/NSInlineStringPrivate.h"
-#include "Foundation/TextFinderPrivate.h"
+#include "Foundation/Strings/CanonicalText.h"
+#include "Foundation/Strings/NSInlineString.h"
+#include "Foundation/Strings/TextFinder.h"
 #include "Foundation/UnitBuffer.h"
 #include "Runtime/NSException.h"
 

@@ -8,10 +8,10 @@
 #include <cstdlib>
 #include <vector>
 
-#include "Foundation/ConcreteArraysPrivate.h"
-#include "Foundation/NSInlineStringPrivate.h"
+#include "Foundation/Collections/ConcreteArrays.h"
 #include "Foundation/NSPathStore2.h"
-#include "Foundation/UnitConversionPrivate.h"
+#include "Foundation/Strings/NSInlineString.h"
+#include "Foundation/Strings/UnitConversion.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {

@@ -2,11 +2,11 @@
 #include "Foundation/NSString-PropertyList.h"
 
 #include "Foundation/NSDictionary.h"
-#include "Foundation/OldStylePropertyListReaderPrivate.h"
-#include "Foundation/PropertyListCategoriesPrivate.h"
-#include "Foundation/PropertyListFaultPrivate.h"
-#include "Foundation/PropertyListReadingPrivate.h"
-#include "Foundation/XMLPropertyListReaderPrivate.h"
+#include "Foundation/PropertyLists/OldStylePropertyListReader.h"
+#include "Foundation/PropertyLists/PropertyListCategories.h"
+#include "Foundation/PropertyLists/PropertyListFault.h"
+#include "Foundation/PropertyLists/PropertyListReading.h"
+#include "Foundation/PropertyLists/XMLPropertyListReader.h"
 
 namespace pelvor {
 

@@ -6,10 +6,10 @@
 #include <algorithm>
 #include <memory>
 
-#include "Foundation/CanonicalTextPrivate.h"
 #include "Foundation/NSCharacterSet.h"
-#include "Foundation/NSInlineStringPrivate.h"
-#include "Foundation/TextFinderPrivate.h"
+#include "Foundation/Strings/CanonicalText.h"
+#include "Foundation/Strings/NSInlineString.h"
+#include "Foundation/Strings/TextFinder.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {

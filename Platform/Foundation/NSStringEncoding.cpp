@@ -10,8 +10,8 @@
 #include <algorithm>
 #include <memory>
 
-#include "Foundation/CanonicalTextPrivate.h"
-#include "Foundation/UnitConversionPrivate.h"
+#include "Foundation/Strings/CanonicalText.h"
+#include "Foundation/Strings/UnitConversion.h"
 
 namespace pelvor {
 namespace {

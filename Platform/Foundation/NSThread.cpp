@@ -9,11 +9,11 @@
 #include <thread>
 #include <utility>
 
-#include "Foundation/DeadlinePrivate.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSLog.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNotificationCenter.h"
+#include "Foundation/RunLoop/Deadline.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/NSException.h"
 

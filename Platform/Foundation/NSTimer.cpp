@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <cmath>
 
-#include "Foundation/DeadlinePrivate.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSFormat.h"
 #include "Foundation/NSRunLoop.h"
-#include "Foundation/TimerHeapPrivate.h"
+#include "Foundation/RunLoop/Deadline.h"
+#include "Foundation/RunLoop/TimerHeap.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
 

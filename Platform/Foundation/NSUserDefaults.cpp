@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "Foundation/DefaultsFilePrivate.h"
+#include "Foundation/Files/DefaultsFile.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSData.h"

@@ -6,11 +6,11 @@
 #include <string_view>
 #include <vector>
 
-#include "Foundation/ByteTextPrivate.h"
-#include "Foundation/ConcreteValuesPrivate.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSRangeValue.h"
 #include "Foundation/NSString.h"
+#include "Foundation/Strings/ByteText.h"
+#include "Foundation/Values/ConcreteValues.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {

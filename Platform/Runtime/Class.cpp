@@ -5,7 +5,7 @@
 
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
-#include "Runtime/RegistryState.h"
+#include "Runtime/Private/RegistryState.h"
 #include "Runtime/RuntimeLibrary.h"
 
 namespace pelvor {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "Runtime/NSException.h"
-#include "Runtime/RegistryState.h"
+#include "Runtime/Private/RegistryState.h"
 #include "Runtime/RuntimeLibrary.h"
 
 namespace pelvor {

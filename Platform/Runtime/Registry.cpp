@@ -7,7 +7,7 @@
 #include <string>
 
 #include "Runtime/NSException.h"
-#include "Runtime/RegistryState.h"
+#include "Runtime/Private/RegistryState.h"
 
 namespace pelvor {
 

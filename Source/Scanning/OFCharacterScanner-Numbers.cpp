@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "Scanning/OFCharacterScanner.h"
-#include "Scanning/ScannerMarkPrivate.h"
+#include "Scanning/Private/ScannerMark.h"
 
 #if defined(__x86_64__)
 #include <emmintrin.h>

@@ -6,12 +6,12 @@
 #include "BaseLibrary.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Runtime/NSException.h"
-#include "Scanning/CaseFormsPrivate.h"
 #include "Scanning/NSObject-OFDebugging.h"
 #include "Scanning/OFTrie.h"
-#include "Scanning/ScannerMarkPrivate.h"
-#include "Scanning/TrieIndexPrivate.h"
-#include "Scanning/UnitSpansPrivate.h"
+#include "Scanning/Private/CaseForms.h"
+#include "Scanning/Private/ScannerMark.h"
+#include "Scanning/Private/TrieIndex.h"
+#include "Scanning/Private/UnitSpans.h"
 
 namespace pelvor {
 

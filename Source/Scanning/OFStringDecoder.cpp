@@ -9,9 +9,9 @@
 
 #include "Foundation/NSString.h"
 #include "Runtime/NSException.h"
-#include "Scanning/UTF8StepPrivate.h"
-#include "Scanning/WideDecodingPrivate.h"
-#include "Scanning/WideInstructionsPrivate.h"
+#include "Scanning/Private/UTF8Step.h"
+#include "Scanning/Private/WideDecoding.h"
+#include "Scanning/Private/WideInstructions.h"
 
 namespace pelvor {
 namespace {

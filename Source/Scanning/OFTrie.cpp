@@ -6,9 +6,9 @@
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNumber.h"
-#include "Scanning/CaseFormsPrivate.h"
 #include "Scanning/NSObject-OFDebugging.h"
-#include "Scanning/TrieIndexPrivate.h"
+#include "Scanning/Private/CaseForms.h"
+#include "Scanning/Private/TrieIndex.h"
 
 namespace pelvor {
 

@@ -11,7 +11,7 @@
 #include "Foundation/NSString.h"
 #include "Runtime/NSException.h"
 #include "Scanning/NSObject-OFDebugging.h"
-#include "Scanning/TrieIndexPrivate.h"
+#include "Scanning/Private/TrieIndex.h"
 
 namespace pelvor {
 

@@ -3,12 +3,12 @@
 
 #include <optional>
 
-#include "Base64TextPrivate.h"
 #include "BaseLibrary.h"
-#include "ByteSearchPrivate.h"
 #include "Foundation/NSMutableData.h"
-#include "HexTextPrivate.h"
 #include "Prelude.h"
+#include "Private/Base64Text.h"
+#include "Private/ByteSearch.h"
+#include "Private/HexText.h"
 
 namespace pelvor::testing {
 namespace {

@@ -15,7 +15,7 @@
 #include "Foundation/NSString.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Scanning/OFStringDecoder.h"
-#include "Scanning/WideInstructionsPrivate.h"
+#include "Scanning/Private/WideInstructions.h"
 
 namespace pelvor {
 namespace {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSNotificationCenter.h"
 
-#include "Foundation/ReadScopePrivate.h"
+#include "Foundation/Threads/ReadScope.h"
 #include "Prelude.h"
 #include "RandomSteps.h"
 

@@ -9,8 +9,8 @@
 #include "Prelude.h"
 #include "Scanning/OFStringScanner.h"
 #include "Scanning/OFTrie.h"
-#include "Scanning/UnitSpansPrivate.h"
-#include "Scanning/WideInstructionsPrivate.h"
+#include "Scanning/Private/UnitSpans.h"
+#include "Scanning/Private/WideInstructions.h"
 
 namespace pelvor {
 namespace {

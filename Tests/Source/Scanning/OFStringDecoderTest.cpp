@@ -8,7 +8,7 @@
 
 #include "Runtime/NSException.h"
 #include "Scanning/OFCaseConversion.h"
-#include "Scanning/WideInstructionsPrivate.h"
+#include "Scanning/Private/WideInstructions.h"
 
 namespace pelvor {
 namespace {

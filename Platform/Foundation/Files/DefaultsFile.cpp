@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Foundation/Files/DefaultsFile.h"
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "Foundation/Files/FileContents.h"
+#include "Foundation/NSData.h"
+#include "Foundation/NSLog.h"
+#include "Foundation/NSPropertyListError.h"
+#include "Foundation/NSPropertyListSerialization.h"
+
+namespace pelvor {
+namespace {
+
+std::string homeFolder() {
+    if (const char* home = std::getenv("HOME"); home && *home == '/') return home;
+    std::vector<char> buffer(16384);
+    passwd entry;
+    passwd* found = nullptr;
+    if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || !found) return "/";
+    return found->pw_dir;
+}
+
+// Relative paths are not allowed there and count as absent.
+std::string configurationFolder() {
+    if (const char* folder = std::getenv("XDG_CONFIG_HOME"); folder && *folder == '/') return folder;
+    return homeFolder() + "/.config";
+}
+
+bool isSameFile(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
+           a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
+}
+
+}  // namespace
+
+DefaultsFile::DefaultsFile(const std::string& domain)
+    : _folder(configurationFolder() + "/pelvor"), _path(_folder + "/" + domain + ".plist") {}
+
+DefaultsFile::Lock::Lock(const DefaultsFile& file)
+    : _folder(::open(file._folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    while (_folder >= 0 && ::flock(_folder, LOCK_EX) != 0 && errno == EINTR) continue;
+}
+
+DefaultsFile::Lock::~Lock() {
+    if (_folder >= 0) ::close(_folder);
+}
+
+int DefaultsFile::readStatus(struct stat& status) const {
+    if (::stat(_path.c_str(), &status) == 0) return 0;
+    status = {};
+    return errno;
+}
+
+bool DefaultsFile::hasChanged() const {
+    if (_state == State::unreadable) return true;
+    struct stat now;
+    readStatus(now);
+    return !isSameFile(now, _known);
+}
+
+DefaultsFile::State DefaultsFile::load() {
+    _content = nullptr;
+    int failure = readStatus(_known);
+    if (failure == ENOENT || failure == ENOTDIR) return _state = State::missing;
+    std::vector<std::byte> bytes;
+    if (!readFile(_path, bytes)) {
+        NSLog(u"Settings cannot be read from %s"_ns, _path);
+        return _state = State::unreadable;
+    }
+    NSPropertyListError* error = nullptr;
+    NSPropertyListFormat format;
+    id list = NSPropertyListSerialization::propertyListWithData_options_format_error(
+        NSData::of(bytes), NSPropertyListImmutable, &format, &error);
+    if (auto* dictionary = cast<NSDictionary>(list)) {
+        _content.set(dictionary);
+        return _state = State::read;
+    }
+    id reason = error ? static_cast<id>(error) : u"no dictionary"_ns;
+    NSLog(u"Settings in %s are damaged and left aside: %@"_ns, _path, reason);
+    return _state = State::damaged;
+}
+
+bool DefaultsFile::makeFolder() const {
+    for (std::size_t end = _folder.find('/', 1);; end = _folder.find('/', end + 1)) {
+        if (::mkdir(_folder.substr(0, end).c_str(), 0700) != 0 && errno != EEXIST && end == _folder.npos)
+            return false;
+        if (end == _folder.npos) return true;
+    }
+}
+
+// Under a name that nothing else has; the tenth damaged file takes the place of the ninth.
+bool DefaultsFile::keepDamagedFile() const {
+    std::string name = _path + ".damaged";
+    for (int i = 2;
+         i <= 9 && ::renameat2(AT_FDCWD, _path.c_str(), AT_FDCWD, name.c_str(), RENAME_NOREPLACE) != 0; ++i) {
+        if (errno != EEXIST) break;
+        name = _path + ".damaged-" + std::to_string(i);
+    }
+    bool isInPlace = ::access(_path.c_str(), F_OK) == 0;
+    return !isInPlace || ::rename(_path.c_str(), name.c_str()) == 0;
+}
+
+bool DefaultsFile::save(NSDictionary* content) {
+    NSData* data = NSPropertyListSerialization::dataWithPropertyList_format_options_error(
+        content, NSPropertyListXMLFormat_v1_0, 0, nullptr);
+    bool isKept = _state != State::damaged || keepDamagedFile();
+    if (!data || !isKept || !writeFile(_path, data->span(), FileWriting::atomicPrivate)) {
+        NSLog(u"Settings cannot be written to %s"_ns, _path);
+        return false;
+    }
+    _state = State::read;
+    _content.set(content);
+    readStatus(_known);
+    return true;
+}
+
+}  // namespace pelvor

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+// PropertyListBuilder: makes the objects of a property list as a reader comes across them; for the readers.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "Foundation/NSPropertyListSerialization.h"
+#include "Foundation/NSString.h"
+#include "Foundation/PropertyLists/PropertyListNumbers.h"
+
+namespace pelvor {
+
+/// Takes keys, values and the ends of arrays and dictionaries in the order of the text and answers the root.
+/// What does not fit together, and nesting past the limit, throws PropertyListFault without a position. Of
+/// equal keys the last counts.
+class PropertyListBuilder {
+  public:
+    explicit PropertyListBuilder(NSPropertyListMutabilityOptions options);
+    ~PropertyListBuilder();
+    PropertyListBuilder(const PropertyListBuilder&) = delete;
+    PropertyListBuilder& operator=(const PropertyListBuilder&) = delete;
+
+    // Leaves, owned; mutable if that was asked for.
+
+    Retained<Object> makeString(std::u16string_view units);
+    Retained<Object> makeData(std::span<const std::byte> bytes);
+    static Retained<Object> makeInteger(PropertyListInteger value);
+    static Retained<Object> makeReal(double value);
+    static Retained<Object> makeBoolean(bool value);
+    static Retained<Object> makeDate(double secondsSinceReferenceDate);
+
+    // The tree.
+
+    void beginArray() { begin(Container::array); }
+    void beginDictionary() { begin(Container::dictionary); }
+    /// Ends the innermost array or dictionary, which is a value of the one around it; borrowed.
+    Object* end();
+    void add(Retained<Object> value);
+    /// A string value; faults if the bytes are not UTF-8.
+    void addString(std::string_view utf8);
+    void addKey(Retained<Object> key);
+    /// The key of these units, or of this UTF-8; the same object where it came lately.
+    void addKey(std::u16string_view units);
+    void addKey(std::string_view utf8);
+
+    /// Faults where the next thing cannot be a value.
+    void requireValuePlace() const;
+    /// How many arrays and dictionaries are open.
+    std::size_t depth() const { return _frames.size(); }
+    bool isInDictionary() const { return !_frames.empty() && _frames.back().kind == Container::dictionary; }
+    bool hasRoot() const { return _root != nullptr; }
+    Retained<Object> takeRoot() { return std::move(_root); }
+
+  private:
+    enum class Container : std::uint8_t { array, dictionary };
+    struct Frame {
+        Container kind;
+        std::size_t firstKey;
+        std::size_t firstValue;
+    };
+    /// A key that came lately, found by its bytes.
+    struct RecentKey {
+        static constexpr std::size_t kLongest = 39;
+        std::uint8_t length = 0;
+        char bytes[kLongest] = {};
+        Retained<Object> string;
+    };
+    using RecentKeys = std::array<RecentKey, 256>;
+
+    void begin(Container kind);
+    bool awaitsValue(const Frame& frame) const;
+    Retained<Object> makeArray(const Frame& frame);
+    Retained<Object> makeDictionary(const Frame& frame);
+    void dropFrom(std::vector<Object*>& objects, std::size_t first);
+    Retained<Object> stringFromUTF8(std::string_view utf8, bool isMutable);
+
+    const NSPropertyListMutabilityOptions _options;
+    const std::size_t _maximumDepth;
+    std::vector<Frame> _frames;
+    std::vector<Object*> _keys;    // owned, of all open dictionaries
+    std::vector<Object*> _values;  // owned, of all open containers
+    Retained<Object> _root;
+    std::unique_ptr<RecentKeys> _recentKeys;
+    std::u16string _units;
+};
+
+}  // namespace pelvor

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+// Base64 between bytes and text, a block at a time; for this library's own sources.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "Private/WideInstructions.h"
+
+namespace pelvor {
+
+/// How many characters the bytes make, without line breaks.
+constexpr std::size_t base64LengthOf(std::size_t byteCount) { return (byteCount + 2) / 3 * 4; }
+
+/// Writes the text of the bytes, with padding, and answers the place after it.
+PELVOR_EXPORT std::uint8_t* writeBase64(std::span<const std::uint8_t> bytes, std::uint8_t* text,
+                                        WideInstructions wide = wideInstructions());
+PELVOR_EXPORT char16_t* writeBase64(std::span<const std::uint8_t> bytes, char16_t* text,
+                                    WideInstructions wide = wideInstructions());
+
+/// Reads text that comes in pieces. What is neither in the alphabet nor padding is passed over, and so is
+/// everything after a group with padding.
+class PELVOR_EXPORT Base64Reader {
+  public:
+    /// How much room there must be for a text, some more than its bytes take.
+    static constexpr std::size_t roomFor(std::size_t textLength) { return textLength / 4 * 3 + 35; }
+
+    explicit Base64Reader(std::uint8_t* bytes, WideInstructions wide = wideInstructions())
+        : _bytes(bytes), _wide(wide) {}
+
+    /// False if the text is not ASCII.
+    bool read(std::u16string_view text);
+    /// The place after the bytes.
+    std::uint8_t* end() const { return _bytes; }
+    /// Whether the text ended inside a group.
+    bool isInsideGroup() const { return _count != 0; }
+
+  private:
+    void finishGroup();
+
+    std::uint8_t* _bytes;
+    WideInstructions _wide;
+    bool _isPadded = false;
+    unsigned _count = 0;  // how much of the group has been read
+    std::uint8_t _group[4];
+};
+
+}  // namespace pelvor

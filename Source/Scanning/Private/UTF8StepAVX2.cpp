@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: Apache-2.0
+// UTF-8 thirty-two bytes at a time.
+#include <array>
+#include <bit>
+
+#include "Scanning/Private/UTF8Block.h"
+#include "Scanning/Private/UTF8Step.h"
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+
+#define PELVOR_AVX2 __attribute__((target("avx2,bmi,popcnt")))
+#endif
+
+namespace pelvor {
+
+#if defined(__x86_64__)
+namespace {
+
+constexpr unsigned kBlockSize = 32;
+
+// For each choice of eight units the bytes that move those together.
+struct Gathering {
+    alignas(16) std::uint8_t bytes[256][16];
+};
+constexpr Gathering gathering = [] {
+    Gathering all{};
+    for (unsigned choice = 0; choice < 256; ++choice)
+        for (unsigned unit = 0, count = 0; unit < 8; ++unit)
+            if (choice >> unit & 1) {
+                all.bytes[choice][count++] = static_cast<std::uint8_t>(2 * unit);
+                all.bytes[choice][count++] = static_cast<std::uint8_t>(2 * unit + 1);
+            }
+    return all;
+}();
+
+PELVOR_AVX2 inline __m256i every(int byte) { return _mm256_set1_epi8(static_cast<char>(byte)); }
+
+PELVOR_AVX2 inline __m256i both(__m256i one, __m256i other) { return _mm256_and_si256(one, other); }
+
+PELVOR_AVX2 inline __m256i either(__m256i one, __m256i other) { return _mm256_or_si256(one, other); }
+
+PELVOR_AVX2 inline __m256i isAtLeast(__m256i bytes, int least) {
+    return _mm256_cmpeq_epi8(_mm256_max_epu8(bytes, every(least)), bytes);
+}
+
+PELVOR_AVX2 inline std::uint64_t bitsOf(__m256i bytes) {
+    return static_cast<unsigned>(_mm256_movemask_epi8(bytes));
+}
+
+PELVOR_AVX2 inline __m256i isContinuation(__m256i bytes) { return _mm256_cmpgt_epi8(every(0xC0), bytes); }
+
+PELVOR_AVX2 inline std::uint64_t strangeLeads(__m256i bytes) {
+    std::uint64_t isF0 = bitsOf(_mm256_cmpeq_epi8(bytes, every(0xF0)));
+    std::uint64_t isF4 = bitsOf(_mm256_cmpeq_epi8(bytes, every(0xF4)));
+    std::uint64_t hasLow = (bitsOf(isAtLeast(bytes, 0x90)) ^ firstBits(kBlockSize)) >> 1;
+    return bitsOf(isAtLeast(bytes, 0xF5)) | (isF0 & hasLow) | (isF4 & ~hasLow);
+}
+
+PELVOR_AVX2 inline UTF8Block blockOf(__m256i bytes, std::uint64_t beyond) {
+    std::uint64_t leads4 = bitsOf(isAtLeast(bytes, 0xF0));
+    return {beyond, bitsOf(isContinuation(bytes)), bitsOf(isAtLeast(bytes, 0xE0)), leads4,
+            leads4 ? strangeLeads(bytes) : 0};
+}
+
+// Three bytes a unit: its low six bits (seven in ASCII), the six above them, and the top four.
+struct Parts {
+    __m256i low, middle, top;
+};
+
+PELVOR_AVX2 inline void replace(__m256i& bytes, __m256i where, __m256i with) {
+    bytes = _mm256_blendv_epi8(bytes, with, where);
+}
+
+// Both halves of the pairs, which stand at the third and fourth bytes of their characters.
+PELVOR_AVX2 inline void placePairs(Parts& parts, __m256i bytes, __m256i before1, __m256i before2,
+                                   __m256i before3) {
+    __m256i isFirst = isAtLeast(before2, 0xF0), isSecond = isAtLeast(before3, 0xF0);
+    // 0xDC00 and the low ten bits.
+    replace(parts.middle, isSecond, either(both(before1, every(0x0F)), every(0x30)));
+    replace(parts.top, either(isFirst, isSecond), every(0x0D));
+    // 0xD800 and the bits above those, less 0x10000.
+    replace(parts.low, isFirst,
+            either(both(_mm256_slli_epi16(before1, 2), every(0x3C)),
+                   both(_mm256_srli_epi16(bytes, 4), every(0x03))));
+    __m256i middle = either(both(_mm256_slli_epi16(before2, 2), every(0x1C)),
+                            both(_mm256_srli_epi16(before1, 4), every(0x03)));
+    replace(parts.middle, isFirst, either(_mm256_sub_epi8(middle, every(1)), every(0x20)));
+}
+
+PELVOR_AVX2 inline Parts partsOf(__m256i bytes, bool hasPairs) {
+    const __m256i carried = _mm256_permute2x128_si256(bytes, bytes, 0x08);
+    __m256i before1 = _mm256_alignr_epi8(bytes, carried, 15);
+    __m256i before2 = _mm256_alignr_epi8(bytes, carried, 14);
+    __m256i isBeyond = _mm256_cmpgt_epi8(_mm256_setzero_si256(), bytes);
+    Parts parts;
+    parts.low = _mm256_andnot_si256(both(isBeyond, every(0xC0)), bytes);
+    parts.middle = both(both(before1, every(0x3F)), isContinuation(bytes));
+    parts.top = both(both(before2, every(0x0F)), isAtLeast(before2, 0xE0));
+    if (hasPairs) placePairs(parts, bytes, before1, before2, _mm256_alignr_epi8(bytes, carried, 13));
+    return parts;
+}
+
+// Eight units of which those are wanted whose bits are set; answers the place behind them.
+PELVOR_AVX2 inline unichar* storeChosen(unichar* units, __m128i eight, std::uint64_t places) {
+    auto choice = static_cast<unsigned>(places & 0xFF);
+    __m128i shuffle = _mm_load_si128(reinterpret_cast<const __m128i*>(gathering.bytes[choice]));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(units), _mm_shuffle_epi8(eight, shuffle));
+    return units + std::popcount(choice);
+}
+
+// Writes up to 32 units, whatever their number.
+PELVOR_AVX2 inline unichar* store(unichar* units, const Parts& parts, std::uint64_t places) {
+    __m256i lower = either(parts.low, both(_mm256_slli_epi16(parts.middle, 6), every(0xC0)));
+    __m256i upper = either(both(_mm256_srli_epi16(parts.middle, 2), every(0x0F)),
+                           both(_mm256_slli_epi16(parts.top, 4), every(0xF0)));
+    __m256i even = _mm256_unpacklo_epi8(lower, upper), odd = _mm256_unpackhi_epi8(lower, upper);
+    units = storeChosen(units, _mm256_castsi256_si128(even), places);
+    units = storeChosen(units, _mm256_castsi256_si128(odd), places >> 8);
+    units = storeChosen(units, _mm256_extracti128_si256(even, 1), places >> 16);
+    return storeChosen(units, _mm256_extracti128_si256(odd, 1), places >> 24);
+}
+
+PELVOR_AVX2 inline void storeASCII(unichar* units, __m256i bytes) {
+    auto* to = reinterpret_cast<__m256i*>(units);
+    _mm256_storeu_si256(to, _mm256_cvtepu8_epi16(_mm256_castsi256_si128(bytes)));
+    _mm256_storeu_si256(to + 1, _mm256_cvtepu8_epi16(_mm256_extracti128_si256(bytes, 1)));
+}
+
+}  // namespace
+
+// No more units than bytes come of a block: there is room for all.
+PELVOR_AVX2 void UTF8Step::readThirtyTwos() {
+    const unsigned char* in = _in;
+    unichar* out = _out;
+    while (_inEnd - in >= kBlockSize && _outEnd - out >= kBlockSize) {
+        __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
+        std::uint64_t beyond = bitsOf(bytes);
+        if (!beyond) {
+            storeASCII(out, bytes);
+            in += kBlockSize;
+            out += kBlockSize;
+            continue;
+        }
+        UTF8Block block = blockOf(bytes, beyond);
+        unsigned whole = block.wholeCount(kBlockSize, kBlockSize);
+        out = store(out, partsOf(bytes, block.leads4 != 0), block.unitPlaces(whole));
+        in += whole;
+        // The end cuts off three bytes at most: what follows is malformed.
+        if (whole < kBlockSize - 3) break;
+    }
+    _in = in;
+    _out = out;
+}
+#else
+void UTF8Step::readThirtyTwos() {}
+#endif
+
+}  // namespace pelvor
