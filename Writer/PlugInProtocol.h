@@ -19,10 +19,13 @@ namespace pelvor {
 //         Answers WRTextKey and, where they make sense, WREncodingKey, WRByteOrderMarkKey, WRByteCountKey;
 //         or WRErrorKey and WRMessageKey. With WRErrorRefused the next reader is tried.
 //
+//         A reader whose text is less than the document says so in its profile, by WRFidelityKey.
+//
 // Document writers (PBProfileDocumentWriterType)
 //
 //     NSDictionary* writeText:(NSString*) toPath:(NSString*) options:(NSDictionary*)
-//         Options: WREncodingKey, if the user named an encoding.
+//         Options: WREncodingKey, if the user named an encoding; WRDocumentEncodingKey and
+//         WRByteOrderMarkKey, the encoding and the mark that the document was read with, if there were any.
 //         Answers WREncodingKey and WRByteCountKey; or WRErrorKey and WRMessageKey. The path then holds what
 //         it held before.
 //
@@ -38,6 +41,9 @@ namespace pelvor {
 // document will do. Those that name a document's extension go before those with "*", and then those with the
 // lower PBProfilePaletteOrderKey go first; services are run in that order too.
 //
+// Writer never replaces a document by less than was in it. The profile of a reader has WRFidelityKey unless
+// its text is the whole document.
+//
 // A bundle whose information dictionary has WRLoadMomentKey with the value WRLoadMomentDocument is loaded
 // after the first document was opened; all others are loaded when Writer starts.
 
@@ -47,6 +53,10 @@ namespace pelvor {
 inline constexpr NSString* WRTextKey = u"text"_ns;
 /// A string: the name of an encoding, "windows-1252".
 inline constexpr NSString* WREncodingKey = u"encoding"_ns;
+/// A string: the name of the encoding in which the document was read.
+inline constexpr NSString* WRDocumentEncodingKey = u"document encoding"_ns;
+/// A number: whether the encoding is a guess, and the text in it would not be the bytes of the file again.
+inline constexpr NSString* WRLossyKey = u"lossy"_ns;
 /// An object that may be told how far the reading has come, by `readerDidRead:of:` with two unsigned long
 /// long numbers of bytes.
 inline constexpr NSString* WRProgressKey = u"progress"_ns;
@@ -69,6 +79,15 @@ inline constexpr NSString* WRErrorFile = u"file"_ns;
 inline constexpr NSString* WRErrorEncoding = u"encoding"_ns;
 /// The plug-in threw; Writer itself makes this answer.
 inline constexpr NSString* WRErrorPlugIn = u"plug-in"_ns;
+
+// Profiles of readers
+
+/// A string: one of the values below. Without it the text is the whole document.
+inline constexpr NSString* WRFidelityKey = u"fidelity"_ns;
+/// The text lacks some of the document, such as its markup: it is saved to other files only.
+inline constexpr NSString* WRFidelityPart = u"part"_ns;
+/// The text shows the document and is not its content: it is never saved.
+inline constexpr NSString* WRFidelityView = u"view"_ns;
 
 // The information dictionary
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/WRApplication.h"
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <ctime>
 #include <fstream>
@@ -100,7 +102,8 @@ int WRApplication::run() {
         return 0;
     }
     startUp();
-    if (!_arguments->hasOption(u"--list"_ns) && openDocument() && changeText()) {
+    if (!_arguments->hasOption(u"--list"_ns) && openDocument()) {
+        changeText();
         loadDocumentPlugIns();
         examineDocument();
         runMainLoop();
@@ -151,14 +154,11 @@ void WRApplication::readerDidRead_of(unsigned long long count, unsigned long lon
     _progress->showTask_done_of(localized(u"_Reading"_ns), count, length);
 }
 
-// Where a change breaks off nothing is written.
-bool WRApplication::changeText() try {
+void WRApplication::changeText() try {
     changeDocument(_document, _arguments, _report);
     print(_report->takeText());
-    return true;
 } catch (...) {
     complainOfException();
-    return false;
 }
 
 void WRApplication::loadDocumentPlugIns() {
@@ -199,9 +199,12 @@ void WRApplication::examineDocument() {
 void WRApplication::saveDocument() {
     NSString* path = _arguments->valueOfOption(u"--save-as"_ns);
     if (!path) return;
+    if (_hasFailedStep)
+        return complain(localizedFormat(
+            u"_The document \"%@\" was not written, because not all that was asked for was done."_ns, path));
     auto saver = WRDocumentSaver::initWithProfiles(registry());
-    NSDictionary* options = optionsWithEncoding(_arguments->valueOfOption(u"--save-encoding"_ns));
-    NSDictionary* answer = saver->saveText_toPath_options(_document->text(), path, options);
+    NSString* encodingName = _arguments->valueOfOption(u"--save-encoding"_ns);
+    NSDictionary* answer = saver->saveDocument_toPath_encoding(_document, path, encodingName);
     if (!answer) return complain(saver->problem());
     reportWriting(_report, path, saver, answer);
     print(_report->takeText());
@@ -258,14 +261,21 @@ void WRApplication::showPosition(NSString* text) {
     const auto position = textPositionOf(text);
     const NSUInteger length = _document->text()->length();
     if (!position || *position > length)
-        return complain(localizedFormat(
+        return failStep(localizedFormat(
             u"_The position \"%@\" of \"--at\" is not in the document, which has %u UTF-16 units."_ns, text,
             length));
     reportCaret(_report, _document, *position);
     print(_report->takeText());
 }
 
+// Who types a line sees that it failed, and decides what to do. Nobody else does.
 void WRApplication::takeLine(NSString* line) {
+    const bool hasFailedStep = _hasFailedStep;
+    obeyLine(line);
+    if (isatty(STDIN_FILENO)) _hasFailedStep = hasFailedStep;
+}
+
+void WRApplication::obeyLine(NSString* line) {
     if (line->isEqualToString(u"quit"_ns)) return _loop->end();
     if (line->isEqualToString(u"save"_ns) && _arguments->hasOption(u"--save-as"_ns)) return saveDocument();
     if (line->hasPrefix(u"at "_ns)) return showPosition(line->substringFromIndex(3));
@@ -275,9 +285,9 @@ void WRApplication::takeLine(NSString* line) {
 void WRApplication::applyEdit(NSString* line) {
     const auto edit = textEditOf(line);
     const NSUInteger length = _document->text()->length();
-    if (!edit) return complain(localizedFormat(u"_The line \"%@\" means nothing."_ns, line));
+    if (!edit) return failStep(localizedFormat(u"_The line \"%@\" means nothing."_ns, line));
     if (edit->range.location > length || edit->range.length > length - edit->range.location)
-        return complain(localizedFormat(
+        return failStep(localizedFormat(
             u"_The edit \"%@\" lies outside the document, which has %u UTF-16 units."_ns, line, length));
     _document->replaceCharactersInRange_withString(edit->range, edit->text.get());
 }
@@ -337,8 +347,13 @@ void WRApplication::complain(NSString* problem) {
     std::fprintf(stderr, "%s\n", WRReport::printableText(problem)->toUTF8().c_str());
 }
 
+void WRApplication::failStep(NSString* problem) {
+    _hasFailedStep = true;
+    complain(problem);
+}
+
 void WRApplication::complainOfException() {
-    complain(localizedFormat(u"_The work was broken off: %@"_ns, NSString::ofUTF8(currentExceptionReason())));
+    failStep(localizedFormat(u"_The work was broken off: %@"_ns, NSString::ofUTF8(currentExceptionReason())));
 }
 
 }  // namespace pelvor

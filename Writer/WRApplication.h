@@ -54,11 +54,12 @@ class WRApplication : public NSObject {
   private:
     void startUp();
     bool openDocument();
-    bool changeText();
+    void changeText();
     void loadDocumentPlugIns();
     void examineDocument();
     void runMainLoop();
     void performSoon(SEL selector, NSString* argument);
+    void obeyLine(NSString* line);
     void applyEdit(NSString* line);
     void showPosition(NSString* text);
     void saveDocument();
@@ -69,6 +70,7 @@ class WRApplication : public NSObject {
     void markMoment(const char* name);
     void print(NSString* text);
     void complain(NSString* problem);
+    void failStep(NSString* problem);
     void complainOfException();
 
     Retained<WRArguments> _arguments;
@@ -81,6 +83,7 @@ class WRApplication : public NSObject {
     Retained<NSMutableSet> _knownIdentifiers;
     NSUInteger _waitingPerforms = 0;
     bool _hasFailed = false;
+    bool _hasFailedStep = false;  // then the document is not what was asked for, and is not written
     std::chrono::steady_clock::time_point _start;
     std::string _timing;
 };

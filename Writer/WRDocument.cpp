@@ -12,6 +12,14 @@
 #include "Writer/WriterLibrary.h"
 
 namespace pelvor {
+namespace {
+
+bool isSet(NSDictionary* answer, NSString* key) {
+    auto* number = cast<NSNumber>(answer->objectForKey(key));
+    return number && number->boolValue();
+}
+
+}  // namespace
 
 PELVOR_DEFINE_CLASS(WRDocument, writerLibrary) {
     methods.classLevel<"initWithPath:reader:answer:", &WRDocument::initWithPath_reader_answer>();
@@ -23,6 +31,7 @@ PELVOR_DEFINE_CLASS(WRDocument, writerLibrary) {
     methods.instance<"reader", &WRDocument::reader>();
     methods.instance<"encodingName", &WRDocument::encodingName>();
     methods.instance<"hasByteOrderMark", &WRDocument::hasByteOrderMark>();
+    methods.instance<"isLossy", &WRDocument::isLossy>();
     methods.instance<"byteCount", &WRDocument::byteCount>();
     methods.instance<"paragraphCount", &WRDocument::paragraphCount>();
     methods.instance<"paragraphAtIndex:", &WRDocument::paragraphAtIndex>();
@@ -40,8 +49,8 @@ Retained<WRDocument> WRDocument::initWithPath_reader_answer(NSString* path, PBPr
     self->_text = text->copy();
     self->_reader.set(reader);
     self->_encodingName.set(cast<NSString>(answer->objectForKey(WREncodingKey)));
-    auto* mark = cast<NSNumber>(answer->objectForKey(WRByteOrderMarkKey));
-    self->_hasByteOrderMark = mark && mark->boolValue();
+    self->_hasByteOrderMark = isSet(answer, WRByteOrderMarkKey);
+    self->_isLossy = isSet(answer, WRLossyKey);
     auto* count = cast<NSNumber>(answer->objectForKey(WRByteCountKey));
     self->_byteCount = count ? count->unsignedLongLongValue() : 0;
     return self;

@@ -39,6 +39,8 @@ class WRDocument : public NSObject {
     /// None where there is no encoding, as for bytes.
     NSString* encodingName() { return _encodingName; }
     bool hasByteOrderMark() { return _hasByteOrderMark; }
+    /// Whether the encoding is a guess in which the text would not be the bytes of the file again.
+    bool isLossy() { return _isLossy; }
     /// The length of the file when it was read.
     unsigned long long byteCount() { return _byteCount; }
 
@@ -64,6 +66,7 @@ class WRDocument : public NSObject {
     Retained<NSString> _encodingName;
     unsigned long long _byteCount = 0;
     bool _hasByteOrderMark = false;
+    bool _isLossy = false;
     std::optional<std::vector<NSRange>> _paragraphs;  // found when first asked for
 };
 

@@ -1,21 +1,53 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/WRDocumentSaver.h"
 
+#include <filesystem>
+
 #include "Foundation/NSArray.h"
-#include "Foundation/NSDictionary.h"
+#include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSNumber.h"
 #include "PBProfileKeys.h"
 #include "PBProfileSet.h"
 #include "PBUtil.h"
 #include "Writer/PlugInObjects.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
+#include "Writer/WRDocument.h"
 #include "Writer/WriterLibrary.h"
 
 namespace pelvor {
+namespace {
+
+// Whether the document's reader says this of its texts.
+bool hasFidelity(WRDocument* document, NSString* fidelity) {
+    id value = document->reader() ? document->reader()->valueForKey(WRFidelityKey) : nullptr;
+    return value && value->isEqual(fidelity);
+}
+
+bool isSameFile(NSString* path, NSString* other) {
+    std::error_code error;
+    return std::filesystem::equivalent(path->fileSystemRepresentation(), other->fileSystemRepresentation(),
+                                       error);
+}
+
+NSMutableDictionary* optionsFor(WRDocument* document, NSString* encodingName) {
+    auto* options = NSMutableDictionary::dictionary();
+    if (encodingName) options->setObject_forKey(encodingName, WREncodingKey);
+    if (NSString* own = document->encodingName()) options->setObject_forKey(own, WRDocumentEncodingKey);
+    options->setObject_forKey(NSNumber::numberWithBool(document->hasByteOrderMark()), WRByteOrderMarkKey);
+    return options;
+}
+
+template <class... Arguments>
+NSString* problemText(NSString* key, const Arguments&... arguments) {
+    return NSString::stringWithFormat(_PBDoLocalize(key, nullptr), arguments...);
+}
+
+}  // namespace
 
 PELVOR_DEFINE_CLASS(WRDocumentSaver, writerLibrary) {
     methods.classLevel<"initWithProfiles:", &WRDocumentSaver::initWithProfiles>();
-    methods.instance<"saveText:toPath:options:", &WRDocumentSaver::saveText_toPath_options>();
+    methods.instance<"saveDocument:toPath:encoding:", &WRDocumentSaver::saveDocument_toPath_encoding>();
     methods.instance<"problem", &WRDocumentSaver::problem>();
     methods.instance<"writer", &WRDocumentSaver::writer>();
 }
@@ -28,19 +60,35 @@ Retained<WRDocumentSaver> WRDocumentSaver::initWithProfiles(PBProfileSet* profil
     return self;
 }
 
-NSDictionary* WRDocumentSaver::saveText_toPath_options(NSString* text, NSString* path,
-                                                       NSDictionary* options) {
+NSDictionary* WRDocumentSaver::saveDocument_toPath_encoding(WRDocument* document, NSString* path,
+                                                            NSString* encodingName) {
     NSArray* candidates = profilesForDocument(_profiles, PBProfileDocumentWriterType, path);
     _writer.set(candidates->count() ? static_cast<PBProfile*>(candidates->objectAtIndex(0)) : nullptr);
-    if (!_writer) {
-        NSString* format = _PBDoLocalize(
-            u"_The document \"%@\" could not be written: there is no writer for it."_ns, nullptr);
-        _problem.set(NSString::stringWithFormat(format, path));
-        return nullptr;
-    }
-    NSDictionary* answer = askPlugIn(_writer, "writeText:toPath:options:"_sel, text, path, options);
+    _problem.set(problemOfSaving(document, path, encodingName));
+    if (_problem) return nullptr;
+    NSDictionary* answer = askPlugIn(_writer, "writeText:toPath:options:"_sel, document->text(), path,
+                                     optionsFor(document, encodingName));
     _problem.set(problemOfAnswer(answer, WRByteCountKey, _writer));
     return _problem ? nullptr : answer;
+}
+
+// What forbids the saving before any writer is asked; null if nothing does.
+NSString* WRDocumentSaver::problemOfSaving(WRDocument* document, NSString* path, NSString* encodingName) {
+    if (hasFidelity(document, WRFidelityView))
+        return problemText(
+            u"_The document \"%@\" was not written: \"%@\" only shows documents, and what it shows is not their content."_ns,
+            path, nameOfProfile(document->reader()));
+    if (hasFidelity(document, WRFidelityPart) && isSameFile(path, document->path()))
+        return problemText(
+            u"_The document \"%@\" was not written: \"%@\" leaves out some of what is in the file. Save it as another file."_ns,
+            path, nameOfProfile(document->reader()));
+    if (document->isLossy() && !encodingName)
+        return problemText(
+            u"_The document \"%@\" was not written: its encoding \"%@\" was guessed, and would give other bytes than were read. Name an encoding by \"--encoding\" or \"--save-encoding\"."_ns,
+            path, document->encodingName());
+    if (!_writer)
+        return problemText(u"_The document \"%@\" could not be written: there is no writer for it."_ns, path);
+    return nullptr;
 }
 
 }  // namespace pelvor

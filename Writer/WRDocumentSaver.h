@@ -9,20 +9,23 @@ namespace pelvor {
 class NSDictionary;
 class PBProfile;
 class PBProfileSet;
+class WRDocument;
 
-/// Asks the best writer that a profile query finds for the path. Main thread.
+/// Asks the best writer that a profile query finds for the path, unless the file there would lose by it.
+/// Main thread.
 class WRDocumentSaver : public NSObject {
     PELVOR_CLASS(WRDocumentSaver, NSObject);
 
   public:
     static Retained<WRDocumentSaver> initWithProfiles(PBProfileSet* profiles, Class* cls = classObject());
 
-    /// What the writer answered, borrowed, or none: then `problem` tells why. Options are those of writers.
-    NSDictionary* saveText_toPath_options(NSString* text, NSString* path, NSDictionary* options);
+    /// Writes the document in the named encoding, or, if that is null, in the one in which it was read.
+    /// Returns what the writer answered, borrowed, or null; then `problem` tells why.
+    NSDictionary* saveDocument_toPath_encoding(WRDocument* document, NSString* path, NSString* encodingName);
 
-    /// Why the last text was not written, as a sentence for the user; none if it was.
+    /// Why the last document was not written, as a sentence for the user; null if it was.
     NSString* problem() { return _problem; }
-    /// The profile of the writer that was asked last; none if there was none.
+    /// The profile of the writer that was asked last; null if there was none.
     PBProfile* writer() { return _writer; }
 
   protected:
@@ -30,6 +33,8 @@ class WRDocumentSaver : public NSObject {
     ~WRDocumentSaver();
 
   private:
+    NSString* problemOfSaving(WRDocument* document, NSString* path, NSString* encodingName);
+
     Retained<PBProfileSet> _profiles;
     Retained<PBProfile> _writer;
     Retained<NSString> _problem;

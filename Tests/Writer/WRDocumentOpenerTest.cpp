@@ -113,9 +113,9 @@ TEST_F(DocumentOpener, AsksNoReaderAboutWhatIsNoFileOrMayNotBeRead) {
 
 TEST_F(DocumentOpener, HasACounterpartThatHasTheBestWriterWriteTheText) {
     auto saver = WRDocumentSaver::initWithProfiles(registry);
-    auto save = [&] {
-        return saver->saveText_toPath_options(u"text"_ns, u"a.txt"_ns, NSDictionary::dictionary());
-    };
+    auto document = WRDocument::initWithPath_reader_answer(u"b.txt"_ns, nullptr,
+                                                           NSDictionary::of({{WRTextKey, u"text"_ns}}));
+    auto save = [&] { return saver->saveDocument_toPath_encoding(document, u"a.txt"_ns, nullptr); };
     EXPECT_FALSE(save());
     EXPECT_THAT(shown(saver->problem()), HasSubstr("no writer"));
     addProfile(registry, "reader", PBProfileDocumentWriterType, {u"*"_ns}, 1);

@@ -186,7 +186,56 @@ TEST_F(WriterProgramTest, CountsOnceAfterABurstOfEdits) {
         run.complains("The edit “replace 99 1 x” lies outside the document, which has 15 UTF-16 units."));
     EXPECT_EQ(run.countOf("\nCounted\n"), 1u) << run.output;
     EXPECT_EQ(shown(run.valueOf("Words"), run.valueOf("Paragraphs")), "4 3");
-    EXPECT_EQ(copied(), "minus zero \ntwo\nthree");
+}
+
+TEST_F(WriterProgramTest, WritesNothingWhereAStepFailed) {
+    program.folder.write("b.txt", "old");
+    auto expectNothingWritten = [this](Arguments arguments, const char* lines) {
+        arguments.insert(arguments.end(), {path, saveAs});
+        const WriterRun run = program.run(arguments, lines);
+        EXPECT_EQ(shown(run.status, copied()), "1 old");
+        EXPECT_TRUE(run.complains("b.txt” was not written, because not all that was asked for was done."));
+    };
+    program.folder.write("a.txt", "one");
+    expectNothingWritten({"--edit=delete 0 9", "--edit=insert 0 a"}, "");
+    expectNothingWritten({"--at=9"}, "");
+    expectNothingWritten({"--stay"}, "insert 0 a\nhop\nsave\nquit");
+}
+
+TEST_F(WriterProgramTest, NeverReplacesADocumentByLessThanWasInIt) {
+    auto expectRefusal = [this](const char* name, const std::string& content, const char* copyName,
+                                const std::string& complaint) {
+        const WriterRun run = runOn(content, {"--save-as", program.folder.path(copyName)}, name);
+        EXPECT_EQ(run.status, complaint.empty() ? 0 : 1) << name;
+        EXPECT_EQ(program.folder.read(name), content);
+        EXPECT_THAT(run.errors, HasSubstr(complaint));
+        return program.folder.read(copyName);
+    };
+    expectRefusal("r2.bin", "\0\1\2"s, "r2.bin", "“Bytes in hexadecimal” only shows documents");
+    EXPECT_EQ(expectRefusal("r2.bin", "\0\1\2"s, "b.bin", "only shows documents"), "");
+    expectRefusal("hello.txt", "hello\0world\n"s, "hello.txt", "only shows documents");
+    expectRefusal("n.md", "# One\n", "n.md", "“Markdown text” leaves out some of what is in the file");
+    std::filesystem::create_hard_link(program.folder.path("n.md"), program.folder.path("link.txt"));
+    expectRefusal("n.md", "# One\n", "link.txt", "leaves out some");
+    EXPECT_EQ(expectRefusal("n.md", "# One\n", "b.txt", ""), "One\n");
+}
+
+TEST_F(WriterProgramTest, KeepsTheEncodingAndTheMarkOfTheDocument) {
+    const std::pair<const char*, std::string> cases[] = {
+        {"UTF-8 with a mark", "\xEF\xBB\xBF\xC3\xA9"},
+        {"UTF-8", "\xC3\xA9"},
+        {"UTF-16LE with a mark", "\xFF\xFE\xE9\0"s},
+        {"UTF-16BE with a mark", "\xFE\xFF\0\xE9"s},
+        {"UTF-32LE with a mark", "\xFF\xFE\0\0a\0\0\0"s},
+        {"windows-1252", "caf\xE9 \x80"},
+        {"UTF-16LE", "h\0i\0 \0a\0l\0l\0"s},
+    };
+    for (const auto& [situation, content] : cases) {
+        runOn(content, {saveAs});
+        EXPECT_EQ(copied(), content) << situation;
+    }
+    runOn("\xEF\xBB\xBFx", {saveAs, "--save-encoding=UTF-8"});
+    EXPECT_EQ(copied(), "x") << "a named encoding is written as it is named";
 }
 
 TEST_F(WriterProgramTest, StaysUntilItIsTold) {
@@ -209,9 +258,9 @@ TEST_F(WriterProgramTest, StaysUntilItIsTold) {
 
 TEST_F(WriterProgramTest, TakesLinesOfAFileAndOutlivesItsInput) {
     program.folder.write("a.txt", "one");
-    const WriterRun run = program.run({path, "--stay", "--save-as", path}, "insert 0 zero \nhop\nquit");
-    EXPECT_TRUE(run.complains("The line “hop” means nothing."));
+    program.run({path, "--stay", "--save-as", path}, "insert 0 zero \nquit");
     EXPECT_EQ(program.folder.read("a.txt"), "zero one");
+    EXPECT_TRUE(program.run({path, "--stay"}, "hop\nquit").complains("The line “hop” means nothing."));
     WriterSession session = program.start({path, "--stay"}, WriterOutput::pipe, "/dev/null");
     EXPECT_TRUE(session.waitFor("Code points"));
     session.signal(SIGTERM);

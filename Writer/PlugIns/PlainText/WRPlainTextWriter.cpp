@@ -18,10 +18,13 @@ PELVOR_DEFINE_CLASS(WRPlainTextWriter, plainTextPlugIn) {
 NSDictionary* WRPlainTextWriter::writeText_toPath_options(NSString* text, NSString* path,
                                                           NSDictionary* options) {
     NSString* named = stringEntry(options, WREncodingKey);
-    NSString* encodingName = named ? named : u"UTF-8"_ns;
+    NSString* own = stringEntry(options, WRDocumentEncodingKey);
+    NSString* encodingName = named ? named : own ? own : u"UTF-8"_ns;
     const NSStringEncoding encoding = encodingForName(encodingName->toUTF8());
     if (encoding == 0) return unknownEncodingAnswer(encodingName, this);
-    const auto bytes = encodeUnits(StringUnits(text), encoding);
+    auto bytes = encodeUnits(StringUnits(text), encoding);
+    const bool isMarked = !named && own && numberEntry(options, WRByteOrderMarkKey);
+    if (bytes && isMarked) bytes->insert(0, encodeUnits(u"\uFEFF", encoding).value_or(std::string()));
     if (bytes) return writeTextFile(*bytes, encodingName, path, this);
     NSString* format = _PBDoLocalize(u"_The text has characters that the encoding \"%@\" lacks."_ns, this);
     return errorAnswer(WRErrorEncoding, NSString::stringWithFormat(format, encodingName));

@@ -9,8 +9,9 @@ namespace pelvor {
 class NSDictionary;
 class NSString;
 
-/// Writes the text as it is, in UTF-8 or in the encoding that the user named. A text that does not fit the
-/// encoding is not written: no character is ever replaced by another.
+/// Writes the text as it is, in the encoding that the user named; else in the one in which the document was
+/// read, with a byte-order mark if there was one; else in UTF-8. A text that does not fit the encoding is not
+/// written: no character is ever replaced by another.
 class WRPlainTextWriter : public NSObject {
     PELVOR_CLASS(WRPlainTextWriter, NSObject);
 

@@ -61,6 +61,12 @@ struct ZeroCounts {
     std::size_t odd() const { return at[1] + at[3]; }
 };
 
+bool isPrintableASCIIAndZeros(std::string_view bytes) {
+    return std::all_of(bytes.begin(), bytes.end(), [](char byte) {
+        return byte == '\0' || (byte >= '\t' && byte <= '\r') || (byte >= ' ' && byte <= '~');
+    });
+}
+
 // What the zeros at the front allow. Text of any script has a zero in the highest byte of each UTF-32
 // character; in UTF-16, spaces, digits and line ends alone make zeros frequent in one half of the units and
 // rare in the other. Bytes that are no text pass now and then, but do not decode.
@@ -68,6 +74,7 @@ std::vector<EncodingGuess> encodingsByZeros(std::string_view bytes, std::uint64_
     const ZeroCounts zeros(bytes);
     std::vector<EncodingGuess> guesses;
     if (zeros.groups == 0 || length % 2 != 0) return guesses;
+    if (isPrintableASCIIAndZeros(bytes) && zeros.even() + zeros.odd() < 2 * zeros.groups) return guesses;
     if (length % 4 == 0 && zeros.at[3] == zeros.groups)
         guesses.push_back({NSUTF32LittleEndianStringEncoding, "UTF-32LE", {}});
     if (length % 4 == 0 && zeros.at[0] == zeros.groups)

@@ -54,6 +54,11 @@ NSString* stringEntry(NSDictionary* dictionary, NSString* key) {
     return dictionary ? cast<NSString>(dictionary->objectForKey(key)) : nullptr;
 }
 
+bool numberEntry(NSDictionary* dictionary, NSString* key) {
+    auto* number = dictionary ? cast<NSNumber>(dictionary->objectForKey(key)) : nullptr;
+    return number && number->boolValue();
+}
+
 NSDictionary* errorAnswer(NSString* error, NSString* message) {
     return NSDictionary::of({{WRErrorKey, error}, {WRMessageKey, message}});
 }

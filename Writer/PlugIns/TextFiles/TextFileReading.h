@@ -16,6 +16,9 @@ NSDictionary* readTextFile(NSString* path, NSDictionary* options, id reader);
 /// The entry of a dictionary of options or answers if it is a string, else none; none for no dictionary.
 NSString* stringEntry(NSDictionary* dictionary, NSString* key);
 
+/// Whether the entry of a dictionary of options is a number other than 0.
+bool numberEntry(NSDictionary* dictionary, NSString* key);
+
 /// The answer that tells of an error. Borrowed.
 NSDictionary* errorAnswer(NSString* error, NSString* message);
 
