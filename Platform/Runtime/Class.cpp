@@ -51,6 +51,12 @@ void requireSubclass(Class* cls, Class* ancestor) {
                           std::string(cls ? cls->name() : "none") + " is no subclass of " + ancestor->name());
 }
 
+void detail::raiseMadeOther(Object* made, Class* wanted) {
+    throw NSException(NSInvalidArgumentException,
+                      std::string("the creator makes objects of class ") + made->isa()->name() + ", none of class " +
+                          wanted->name() + ": the class needs a creator of its own");
+}
+
 // MARK: Methods
 
 const MethodGroup* Class::methodGroups() {

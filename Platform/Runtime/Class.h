@@ -178,10 +178,21 @@ Retained<T> make(Class* cls = T::classObject()) {
     return Retained<T>::adopting(static_cast<T*>(cls->createInstance()));
 }
 
-/// The object as a T if it is one, else none.
+/// The object as a T if it is one, else null.
 template <class T>
 T* cast(Object* object) {
     return object && isNativeKindOf(object, T::classObject()) ? static_cast<T*>(object) : nullptr;
+}
+
+/// The owned object as an owned T if it is one; else null, and the object is released. What a superclass's creator
+/// returns becomes the subclass's object so:
+///
+///     auto self = cast<PBSpot>(PBLamp::initWithColour(colour, cls));
+template <class T, class U>
+Retained<T> cast(Retained<U>&& object) {
+    T* same = cast<T>(object.get());
+    if (same) static_cast<void>(object.leak());
+    return Retained<T>::adopting(same);
 }
 
 /// The class record behind an object that is a class, else none.
@@ -190,6 +201,21 @@ inline Class* asClass(Object* object) {
 }
 
 namespace detail {
+
+/// Raises NSInvalidArgumentException: a creator returned an object of another class than it was to make.
+[[noreturn]] PELVOR_EXPORT void raiseMadeOther(Object* made, Class* wanted);
+
+template <class Self, auto creator, class... A>
+auto CreatorCall<Self, creator, TypeList<A...>>::operator()(A... arguments, Class* cls) const -> Result {
+    requireSubclass(cls, Self::classObject());
+    Inherited made = creator(arguments..., cls);
+    auto* object = static_cast<Object*>(static_cast<std::remove_reference_t<decltype(*made)>*>(made));
+    if (object && !isNativeKindOf(object, Self::classObject())) raiseMadeOther(object, cls);
+    if constexpr (isRetained<Inherited>)
+        return cast<Self>(std::move(made));
+    else
+        return static_cast<Self*>(made);
+}
 
 template <auto Function, bool TakesClass, class... A>
 Wire<typename FunctionTypes<decltype(Function)>::Result>

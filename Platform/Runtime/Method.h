@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "Runtime/FunctionTypes.h"
 #include "Runtime/NSMethodSignature.h"
 
 namespace pelvor {
@@ -79,51 +80,6 @@ T argumentFromWire(Wire<T> value, Object* receiver, SEL selector) {
         return static_cast<T>(value);
     }
 }
-
-/// The parts of a function's type. `Receiver` is the class of a member function.
-template <class F>
-struct FunctionTypes;
-template <class R, class... A>
-struct FunctionTypes<R (*)(A...)> {
-    using Result = R;
-    using Receiver = void;
-    template <template <class...> class List>
-    using Arguments = List<A...>;
-};
-template <class R, class... A>
-struct FunctionTypes<R (*)(A...) noexcept> : FunctionTypes<R (*)(A...)> {};
-template <class R, class C, class... A>
-struct FunctionTypes<R (C::*)(A...)> : FunctionTypes<R (*)(A...)> {
-    using Receiver = C;
-};
-template <class R, class C, class... A>
-struct FunctionTypes<R (C::*)(A...) const> : FunctionTypes<R (C::*)(A...)> {};
-template <class R, class C, class... A>
-struct FunctionTypes<R (C::*)(A...) noexcept> : FunctionTypes<R (C::*)(A...)> {};
-template <class R, class C, class... A>
-struct FunctionTypes<R (C::*)(A...) const noexcept> : FunctionTypes<R (C::*)(A...)> {};
-
-template <class... A>
-struct TypeList {
-    static constexpr std::size_t count = sizeof...(A);
-};
-template <class List>
-struct Front;
-template <class First, class... Rest>
-struct Front<TypeList<First, Rest...>> {
-    using type = First;
-    using rest = TypeList<Rest...>;
-};
-template <class List, class... Kept>
-struct DropLast;
-template <class Last, class... Kept>
-struct DropLast<TypeList<Last>, Kept...> {
-    using type = TypeList<Kept...>;
-    using last = Last;
-};
-template <class First, class Second, class... Rest, class... Kept>
-struct DropLast<TypeList<First, Second, Rest...>, Kept...>
-    : DropLast<TypeList<Second, Rest...>, Kept..., First> {};
 
 /// The record of a C++ class, or none for the roots that have none.
 template <class C>
@@ -248,6 +204,17 @@ consteval bool spells(std::string_view function, std::string_view selector) {
     return true;
 }
 
+/// Whether a method can have the function's result and arguments. References cannot travel: the caller may send a value
+/// that nothing refers to.
+template <class Result, class Arguments>
+inline constexpr bool canBeSent = false;
+template <class Result, class... A>
+inline constexpr bool canBeSent<Result, TypeList<A...>> = canTravel<Result> && (canTravel<std::remove_cv_t<A>> && ...);
+template <auto Function>
+inline constexpr bool isSendable =
+    canBeSent<std::remove_cv_t<typename FunctionTypes<decltype(Function)>::Result>,
+              typename FunctionTypes<decltype(Function)>::template Arguments<TypeList>>;
+
 template <FixedString Name, auto Function>
 consteval void checkSpelling() {
     static_assert(
@@ -300,6 +267,8 @@ IMP classImplementation() {
         Function, std::integral_constant<std::size_t, detail::colonCount(Name.view())>>();
 }
 
+#define PELVOR_UNSENDABLE "only plain values, objects and pointers travel in messages, and none by reference"
+
 /// What a class or a category fills when it is registered. A selector and its function are named side
 /// by side and compared at compile time; the …As forms take a function of any name.
 template <class T>
@@ -315,7 +284,9 @@ class MethodTable {
     }
     template <FixedString Name, auto Function>
     void instanceAs() {
-        _instance.methods.push_back({registerSelector(Name.view()), implementation<Name, Function>()});
+        static_assert(detail::isSendable<Function>, PELVOR_UNSENDABLE);
+        if constexpr (detail::isSendable<Function>)
+            _instance.methods.push_back({registerSelector(Name.view()), implementation<Name, Function>()});
     }
 
     template <FixedString Name, auto Function>
@@ -325,7 +296,10 @@ class MethodTable {
     }
     template <FixedString Name, auto Function>
     void classLevelAs() {
-        _classLevel.methods.push_back({registerSelector(Name.view()), classImplementation<Name, Function>()});
+        static_assert(detail::isSendable<Function>, PELVOR_UNSENDABLE);
+        if constexpr (detail::isSendable<Function>)
+            _classLevel.methods.push_back(
+                {registerSelector(Name.view()), classImplementation<Name, Function>()});
     }
 
   private:

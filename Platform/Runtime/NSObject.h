@@ -2,6 +2,7 @@
 // NSObject: the root of the class tree, and the macros that give a C++ class its class record.
 #pragma once
 
+#include "Runtime/Creators.h"
 #include "Runtime/Instances.h"
 #include "Runtime/Object.h"
 
@@ -34,6 +35,7 @@ class MethodTable;
                                                     &Self::Super::metaclassRecord);                          \
     constinit ::pelvor::Class Self::classRecord(#Self, &Self::metaclassRecord, &Self::Super::classRecord,    \
                                                 ::pelvor::Instances::nativeClass<Self>(), &library);         \
+    static_assert(::pelvor::detail::checkCreators<Self>());                                                  \
     void Self::defineMethods([[maybe_unused]] ::pelvor::MethodTable<Self>& methods)
 
 /// The root class. Subclass it with PELVOR_CLASS, keep constructors and destructor protected, and
@@ -42,15 +44,15 @@ class PELVOR_EXPORT NSObject : public Object {
     PELVOR_CLASS(NSObject, Object);
 
   public:
-    /// An instance of `cls` with nothing but its defaults.
-    static Retained<NSObject> init(Class* cls = classObject());
+    /// A new object of `cls` as its constructor leaves it. C++ code writes `make<PBLamp>()` instead.
+    static Retained<NSObject> init(Class* cls);
 
     /// Called once for a class before its first message, its superclass first. A subclass that has
     /// none of its own gets its superclass's again.
     static void initialize(Class* cls);
 
-    /// Whether instances of the receiving class answer the message.
-    static bool instancesRespondToSelector(SEL selector, Class* cls = classObject());
+    /// Whether instances of `cls` have a method for the selector.
+    static bool instancesRespondToSelector(SEL selector, Class* cls);
 
     /// A copy: what `copyWithZone` answers. Raises if the class cannot be copied.
     Retained<Object> copy();

@@ -27,6 +27,11 @@ using id = Object*;
 /// thread; everything else follows the thread rule of the object's class.
 class PELVOR_EXPORT Object {
   public:
+    /// Where the lists of PELVOR_CREATORS begin.
+    template <class Self>
+    struct CreatorCheck {};
+    struct HiddenCreators {};
+
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
 

@@ -10,6 +10,20 @@
 #include "Runtime/Private/RegistryState.h"
 
 namespace pelvor {
+namespace {
+
+// A record that is none may have nothing behind its first two fields.
+void requireUsable(const Library& library) {
+    if (library.canBeUsed()) return;
+    if (library.mark != Library::kMark)
+        throw NSException(NSInvalidArgumentException, "registerLibrary: the record is no library's");
+    throw NSException(NSInvalidArgumentException,
+                      "registerLibrary: the library was compiled with interface version " +
+                          std::to_string(library.interfaceVersion) + ", this platform with version " +
+                          std::to_string(kInterfaceVersion));
+}
+
+}  // namespace
 
 Registry& Registry::shared() {
     static auto& registry = *new Registry;
@@ -32,6 +46,7 @@ void Registry::registerLibrary(Library& library) {
 
 // The library and what it needs, the latter first.
 void Registry::collectUnregistered(Library& library, std::vector<Library*>& libraries) {
+    requireUsable(library);
     if (library.isRegistered.load(std::memory_order_relaxed)) return;
     if (std::find(libraries.begin(), libraries.end(), &library) != libraries.end()) return;
     for (Library* dependency : library.dependencies) collectUnregistered(*dependency, libraries);
@@ -202,7 +217,8 @@ const char* Registry::keepName(std::string name) { return _names.emplace_back(st
 void Registry::keep(const CacheEntry* entry) { _cacheEntries.push_back(entry); }
 
 void registerLibrary(Library& library) {
-    if (!library.isRegistered.load(std::memory_order_acquire)) Registry::shared().registerLibrary(library);
+    if (!library.canBeUsed() || !library.isRegistered.load(std::memory_order_acquire))
+        Registry::shared().registerLibrary(library);
 }
 
 std::size_t classList(Class** buffer, std::size_t capacity) {

@@ -4,7 +4,7 @@
 
 #include <atomic>
 #include <cstddef>
-#include <initializer_list>
+#include <cstdint>
 #include <span>
 #include <string_view>
 
@@ -12,7 +12,7 @@
 
 namespace pelvor {
 
-/// A named group of methods for a class, found by the class's name: it may arrive before the class.
+/// A named group of methods for a class. The class is found by its name, so a category may arrive before its class.
 struct Category {
     const char* name;
     const char* className;
@@ -32,26 +32,46 @@ struct Category {
     static constexpr auto kClassName = detail::structName<T>();
 };
 
-/// The list of a library or plug-in: what it needs, its classes and its categories. One constant a
-/// library, in its own .cpp. Registered once, as a whole, and for good.
+/// The version of the binary interface between hosts and plug-ins: the layout of objects and records and the C++
+/// functions that headers name. It grows with every change after which code has to be compiled again, and code that was
+/// compiled with another one is refused.
+inline constexpr std::uint32_t kInterfaceVersion = 2;
+
+/// The list of a library or plug-in: what it needs, its classes and its categories. One constant a library, in its own
+/// .cpp. It is registered once, as a whole, and for good.
+///
+///     constinit Library lampLibrary{"Lamp", kDependencies, kClasses, kCategories};
 struct Library {
+    constexpr Library(const char* itsName, std::span<Library* const> itsDependencies,
+                      std::span<Class* const> itsClasses, std::span<const Category* const> itsCategories)
+        : name(itsName), dependencies(itsDependencies), classes(itsClasses), categories(itsCategories) {}
+
+    /// Whether this is the record of a library that was compiled with this interface version.
+    bool canBeUsed() const { return mark == kMark && interfaceVersion == kInterfaceVersion; }
+
+    // These two come first in every version.
+    static constexpr std::uint64_t kMark = 0x50656c766f724c62;  // "PelvorLb"
+    std::uint64_t mark = kMark;
+    std::uint32_t interfaceVersion = kInterfaceVersion;
+
+    std::atomic<bool> isRegistered{false};
     const char* name;
     std::span<Library* const> dependencies;
     std::span<Class* const> classes;
     std::span<const Category* const> categories;
-    std::atomic<bool> isRegistered{false};
 };
 
-/// Registers the library after those that it needs; does nothing if it is registered. Raises
-/// NSInvalidArgumentException if a class's name is taken, or what the filling of a method table raises; then
-/// nothing is registered, neither of it nor of what it needs. Any thread.
+/// Registers the library after those that it needs; does nothing if the library is registered. Raises
+/// NSInvalidArgumentException if the record is no library's or is of another interface version, or if a class's name is
+/// taken; passes on what the filling of a method table raises. Then nothing is registered, neither of the library nor
+/// of what it needs. Any thread.
 PELVOR_EXPORT void registerLibrary(Library& library);
 
 /// Writes the registered classes, in the order of registration, to `buffer` as far as `capacity`
-/// reaches, and answers how many there are. Any thread; the count may grow between two calls.
+/// reaches, and returns how many there are. Any thread; the count may grow between two calls.
 PELVOR_EXPORT std::size_t classList(Class** buffer, std::size_t capacity);
 
-/// The registered class of that name, or what poses under it; none when there is none. Any thread.
+/// The registered class of that name, or the class that poses under the name; null if there is none. Any thread.
 PELVOR_EXPORT Class* classNamed(std::string_view name);
 
 /// In one .cpp of a plug-in: the list that the platform looks for when it loads the plug-in's code.

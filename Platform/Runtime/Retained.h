@@ -56,7 +56,8 @@ class [[nodiscard]] Retained {
     T& operator*() const noexcept { return *_object; }
     explicit operator bool() const noexcept { return _object != nullptr; }
     operator T*() const& noexcept { return _object; }
-    operator T*() const&& = delete;
+    // The compiler shows the next line to who borrows from a temporary.
+    operator T*() const&& = delete;  // use .get() inside one expression, or std::move(owned).autorelease()
 
     /// Hands the count to the caller and forgets the object.
     [[nodiscard]] T* leak() noexcept { return std::exchange(_object, nullptr); }
@@ -84,6 +85,11 @@ class [[nodiscard]] Retained {
 
     T* _object = nullptr;
 };
+
+/// A pointer to an object that its holder does not own and that somebody else keeps alive. Fields of bare pointers to
+/// objects are declared so; a field that owns is a Retained.
+template <class T>
+using Unretained = T*;
 
 template <class T>
 inline constexpr bool isRetained = false;

@@ -21,6 +21,14 @@ concept ObjectPointer =
 
 namespace detail {
 
+/// Whether values of the type can be arguments and results of messages: numbers, enumerations, pointers, objects,
+/// selectors and structs of such, all by value.
+template <class T>
+inline constexpr bool canTravel =
+    std::is_void_v<T> || std::is_arithmetic_v<T> || std::is_enum_v<T> || std::is_pointer_v<T> ||
+    std::is_null_pointer_v<T> || std::is_same_v<T, SEL> || isRetained<T> ||
+    (std::is_aggregate_v<T> && std::is_trivially_copyable_v<T>);
+
 // Counts the fields of an aggregate by the longest brace list that makes one.
 struct AnyField {
     template <class T>
@@ -148,11 +156,12 @@ consteval auto encode() {
         return encodeInteger<T>();
     else if constexpr (std::is_pointer_v<T>)
         return encodePointer<std::remove_pointer_t<T>>();
-    else {
-        static_assert(std::is_class_v<T> && std::is_trivially_copyable_v<T>,
-                      "only plain values, objects and pointers travel in messages");
+    else if constexpr (canTravel<T>) {
         return FixedString("{") + structName<T>() + FixedString("=") +
                encodeFields(decltype(fieldTypes(std::declval<T&>())){}) + FixedString("}");
+    } else {
+        static_assert(canTravel<T>, "only plain values, objects and pointers travel in messages");
+        return FixedString("?");
     }
 }
 

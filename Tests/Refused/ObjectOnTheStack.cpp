@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// expect: is protected
+// expect: protected
 #include "Preamble.h"
 
 void stand() { Lamp lamp; }

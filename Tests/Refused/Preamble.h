@@ -13,10 +13,13 @@ extern Library refusedLibrary;
 
 class Lamp : public NSObject {
     PELVOR_CLASS(Lamp, NSObject);
+    PELVOR_CREATORS(initWithLevel);
 
   public:
+    static Retained<Lamp> initWithLevel(int level, Class* cls = classObject());
     void setLevel_animated(int, bool) {}
     void show(std::string) {}
+    void refer(const int&) {}
 
   protected:
     Lamp() = default;

@@ -163,7 +163,7 @@ TEST(NSIndexSetPelvorAdditions, ReadArraysAndAnswerRuns) {
 }
 
 TEST(PBSingleObjectEnumerator, HandsItsObjectOverOnce) {
-    auto object = NSObject::init();
+    auto object = make<NSObject>();
     {
         AutoreleasePool inner;
         auto enumerator = PBSingleObjectEnumerator::initWithObject(object);

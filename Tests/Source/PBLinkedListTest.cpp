@@ -36,7 +36,7 @@ TEST_F(PBLinkedListTest, IsAStackAndAQueue) {
 }
 
 TEST_F(PBLinkedListTest, WhatIsPoppedLivesAsLongAsThePool) {
-    auto object = NSObject::init();
+    auto object = make<NSObject>();
     list->push(object);
     {
         AutoreleasePool inner;

@@ -36,7 +36,7 @@ struct PBNotificationCenterTest : ::testing::Test {
     }
 
     NSNotificationCenter* center = NSNotificationCenter::defaultCenter();
-    Retained<NSObject> sender = NSObject::init();
+    Retained<NSObject> sender = make<NSObject>();
     Retained<PBTestWatcher> watcher = Retained<PBTestWatcher>::retaining(cast<PBTestWatcher>(
         PBNotificationWatcher::initWithNotificationCenter(center, PBTestWatcher::classObject())
             .autorelease()));

@@ -6,7 +6,7 @@
 namespace {
 
 TEST(PBObjectPoolTest, ARawPoolTakesReferencesOverAndGivesThemBack) {
-    auto first = NSObject::init(), second = NSObject::init(), third = NSObject::init();
+    auto first = make<NSObject>(), second = make<NSObject>(), third = make<NSObject>();
     auto counts = [&] { return shown(first->retainCount(), second->retainCount(), third->retainCount()); };
     auto pool = PBObjectPool::initWithCapacity(2), none = PBObjectPool::initWithCapacity(0);
     for (auto* object : {&first, &second}) EXPECT_TRUE(pool->poolObject(Retained<Object>(*object).leak()));
@@ -23,7 +23,7 @@ TEST(PBObjectPoolTest, ARawPoolTakesReferencesOverAndGivesThemBack) {
 
 TEST(PBObjectPoolTest, AnExternalPoolRetainsAndAnswersBorrowedObjects) {
     for (bool useLock : {false, true}) {
-        auto object = NSObject::init();
+        auto object = make<NSObject>();
         auto pool = PBExternalObjectPool::initWithCapacity_useLock(1, useLock);
         EXPECT_EQ(pool->_lock != nullptr, useLock);
         EXPECT_TRUE(send<bool>(pool, "poolObject:"_sel, object.get()));
@@ -44,7 +44,7 @@ TEST(PBObjectPoolTest, ThreadsShareALockedPool) {
     onThreads(8, [&](int) {
         for (int step = 0; step < 500; ++step) {
             id object = pool->popObject();
-            pool->poolObject(!object || step % 3 == 0 ? NSObject::init().autorelease() : object);
+            pool->poolObject(!object || step % 3 == 0 ? make<NSObject>().autorelease() : object);
         }
     });
     int left = 0;

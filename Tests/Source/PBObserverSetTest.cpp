@@ -74,7 +74,7 @@ TEST_F(PBObserverSetTest, HoldsEachObserverOnceAndDoesNotKeepIt) {
 }
 
 TEST_F(PBObserverSetTest, SendsAsManyObjectsAsTheMessageTakes) {
-    auto deaf = NSObject::init();
+    auto deaf = make<NSObject>();
     for (id observer : {id(deaf), id()}) set->addObserver(observer);
     set->makeObserversPerformSelector_withObject_withObject_withObject("note:and:and:"_sel, u"a"_ns, nullptr,
                                                                        u"c"_ns);

@@ -198,7 +198,7 @@ TEST_F(PostLoader, CountsTheNestingOfProtectedCalls) {
 }
 
 TEST_F(PostLoader, GivesEachHookAnAutoreleasePool) {
-    classWithHooks("Littering", {{"didLoad"_sel, HOOK(NSObject::init().leak()->autorelease())}});
+    classWithHooks("Littering", {{"didLoad"_sel, HOOK(make<NSObject>().leak()->autorelease())}});
     std::size_t before = AutoreleasePool::pendingCount();
     PBPostLoader::processSelector_initialize("didLoad"_sel, false);
     EXPECT_EQ(AutoreleasePool::pendingCount(), before);

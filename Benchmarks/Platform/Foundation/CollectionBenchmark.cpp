@@ -42,7 +42,7 @@ std::vector<Retained<Object>> words(int64_t count, unsigned seed) {
 
 std::vector<Retained<Object>> objects(int64_t count) {
     std::vector<Retained<Object>> result;
-    for (int64_t i = 0; i < count; ++i) result.push_back(NSObject::init());
+    for (int64_t i = 0; i < count; ++i) result.push_back(make<NSObject>());
     return result;
 }
 

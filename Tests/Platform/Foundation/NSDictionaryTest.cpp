@@ -81,7 +81,7 @@ TEST(NSDictionaryTest, CopiesItsKeys) {
     EXPECT_EQ(dictionary->objectForKey(key), nullptr);
     dictionary->setObject_forKey(num(2), NSArray::classObject());
     EXPECT_EQ(dictionary->objectForKey(NSArray::classObject()), num(2));
-    auto plain = NSObject::init();
+    auto plain = make<NSObject>();
     EXPECT_THAT(RAISED(dictionary->setObject_forKey(num(1), plain)),
                 AllOf(StartsWith(NSInvalidArgumentException), HasSubstr("NSObject")));
     EXPECT_EQ(dictionary->count(), 2u);

@@ -102,7 +102,7 @@ TEST(NSFormat, ArgumentsOfTheWrongKindShowWhatTheyAre) {
 }
 
 TEST(NSFormat, ObjectsShowTheirDescriptionAndPointersTheirAddress) {
-    auto object = NSObject::init();
+    auto object = make<NSObject>();
     EXPECT_THAT(addressOf(object), StartsWith("0x"));
     EXPECT_EQ(NSString::stringWithFormat(u"%@"_ns, object)->toUTF8(),
               "<NSObject: " + addressOf(object) + ">");

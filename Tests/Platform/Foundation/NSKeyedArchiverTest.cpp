@@ -151,7 +151,7 @@ TEST_F(NSKeyedArchiverTest, RefusesToWriteWhatCannotBeRead) {
     parcel->inside.set(parcel);
     id deep = NSArray::array();
     for (int i = 0; i < 600; ++i) deep = NSArray::of({deep});
-    id objects[] = {parcel, NSValue::valueWithPointer(this), NSObject::init().autorelease(), deep};
+    id objects[] = {parcel, NSValue::valueWithPointer(this), make<NSObject>().autorelease(), deep};
     for (id object : objects) EXPECT_THROW(NSKeyedArchiver::archivedDataWithRootObject(object), NSException);
     parcel->inside = nullptr;
     EXPECT_THROW(NSKeyedArchiver::init()->decodeObjectForKey(u"root"_ns), NSException);

@@ -63,8 +63,8 @@ class NSNotificationCenterTest : public ::testing::Test {
     Retained<NSNotificationCenter> center = NSNotificationCenter::init();
     std::vector<Retained<Ear>> ears;
     std::vector<std::string> heard;
-    Retained<NSObject> sender = NSObject::init();
-    Retained<NSObject> otherSender = NSObject::init();
+    Retained<NSObject> sender = make<NSObject>();
+    Retained<NSObject> otherSender = make<NSObject>();
 };
 
 TEST_F(NSNotificationCenterTest, AnObserverHearsTheNameAndSenderItAskedFor) {
@@ -269,7 +269,7 @@ class CenterModel {
     std::mt19937 _random{20040712};
     Retained<NSNotificationCenter> _center = NSNotificationCenter::init();
     std::vector<Retained<Ear>> _ears;
-    Retained<NSObject> _senders[3] = {nullptr, NSObject::init(), NSObject::init()};
+    Retained<NSObject> _senders[3] = {nullptr, make<NSObject>(), make<NSObject>()};
     Entries _entries;
     std::vector<std::unique_ptr<Entries>> _deliveries;  // who has still to hear of each
 };

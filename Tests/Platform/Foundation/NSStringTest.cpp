@@ -32,7 +32,7 @@ TEST(NSStringTest, AllKindsOfStringsWithOneTextAreEqualAndHashAlike) {
         }
     }
     EXPECT_FALSE(u"a"_ns->isEqual(nullptr));
-    EXPECT_FALSE(u"a"_ns->isEqual(NSObject::init().get()));
+    EXPECT_FALSE(u"a"_ns->isEqual(make<NSObject>().get()));
     EXPECT_FALSE(u"é"_ns->isEqualToString(u"e\u0301"_ns));
 }
 

@@ -42,7 +42,7 @@ TEST(NSThreadTest, AMessageIsSentOnAThreadOfItsOwn) {
         [&](id argument) {
             isOther = NSThread::currentThread() != NSThread::mainThread() && !NSThread::isMainThread();
             hasPool = AutoreleasePool::pendingCount() == 0;
-            NSObject::init().autorelease();
+            make<NSObject>().autorelease();
             heard = argument;
         },
         u"hello"_ns);

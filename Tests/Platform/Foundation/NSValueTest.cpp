@@ -19,7 +19,7 @@ TEST(NSValueTest, GivesBackWhatWasPutIn) {
     EXPECT_EQ(NSValue::valueWithRect({{1, 2}, {3, 4}})->rectValue(), NSMakeRect(1, 2, 3, 4));
     int local = 0;
     EXPECT_EQ(NSValue::valueWithPointer(&local)->pointerValue(), &local);
-    auto object = NSObject::init();
+    auto object = make<NSObject>();
     EXPECT_EQ(NSValue::valueWithNonretainedObject(object)->nonretainedObjectValue(), object);
     EXPECT_EQ(object->retainCount(), 1u);
 }

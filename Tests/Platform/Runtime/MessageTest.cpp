@@ -59,7 +59,7 @@ TEST_F(MessageTest, OfWrongTypesIsRefusedByMethodArgumentAndTypes) {
               invalid("-[Animal legs]: the result is of type 'i' where '@' is expected"));
     EXPECT_EQ(RAISED(send<int>(animal, "legs"_sel, 1)),
               invalid("-[Animal legs]: 1 arguments are given where 0 are expected"));
-    auto other = NSObject::init();
+    auto other = make<NSObject>();
     EXPECT_EQ(
         RAISED(send<id>(animal, "mate:"_sel, other)),
         invalid("-[Animal mate:]: an object of class NSObject stands where one of class Animal is expected"));

@@ -6,7 +6,7 @@
 namespace {
 
 TEST(WeakHandleTest, KnowsWhenItsObjectIsGone) {
-    auto object = NSObject::init();
+    auto object = make<NSObject>();
     WeakHandle first(object), second(object), none(nullptr), moved;
     EXPECT_EQ(object->retainCount(), 1u);
     EXPECT_EQ(first.object(), object);
@@ -35,7 +35,7 @@ TEST(WeakHandleTest, AnObjectAtTheSamePlaceIsAnother) {
 // Each round ends an object on one thread while others ask for it and drop their handles.
 TEST(WeakHandleTest, AnObjectEndsOnOneThreadWhileOthersAskForIt) {
     for (int round = 0; round < 200; ++round) {
-        auto object = NSObject::init();
+        auto object = make<NSObject>();
         std::vector<std::thread> threads;
         for (int i = 0; i < 4; ++i)
             threads.emplace_back([handle = WeakHandle(object)]() mutable {

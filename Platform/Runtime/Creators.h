@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: Apache-2.0
+// Creators: class operations that make an object of the class that they are called on, also where they are inherited.
+#pragma once
+// Compilers then show the line that uses a macro of this header, not the hundred steps of its expansion.
+#pragma GCC system_header
+
+#include <type_traits>
+#include <utility>
+
+#include "Runtime/FunctionTypes.h"
+#include "Runtime/Object.h"
+
+namespace pelvor {
+
+/// A creator is a static member that returns a new object of its class, owned (`Retained<PBLamp>`) or borrowed
+/// (`PBLamp*`). C++ does not tell a static member through which subclass it was called, so a subclass has to say
+/// what becomes of each creator that it inherits. A class lists its creators once, after PELVOR_CLASS:
+///
+///     class PBLamp : public NSObject {
+///         PELVOR_CLASS(PBLamp, NSObject);
+///         PELVOR_CREATORS(lampWithColour, initWithColour);
+///
+///       public:
+///         static PBLamp* lampWithColour(NSString* colour, Class* cls = classObject());
+///         static Retained<PBLamp> initWithColour(NSString* colour, Class* cls = classObject());
+///
+/// and each subclass does one of three things with each of them; a subclass that does none does not compile:
+///
+///     class PBSpot : public PBLamp {
+///         PELVOR_CLASS(PBSpot, PBLamp);
+///         PELVOR_INHERITED_CREATORS(lampWithColour);  // PBSpot::lampWithColour(colour) makes a PBSpot
+///
+///       public:
+///         static Retained<PBSpot> initWithColour(NSString* colour, Class* cls = classObject());  // its own code
+///
+///     class PBTorch : public PBLamp, PBLamp::HiddenCreators {  // PBTorch::lampWithColour(…) does not compile
+///
+/// Final classes need not say anything.
+
+namespace detail {
+
+template <class Self, class T>
+inline constexpr bool isOwn = false;
+template <class Self, class T>
+inline constexpr bool isOwn<Self, Retained<T>> = std::is_base_of_v<Self, T>;
+template <class Self, class T>
+inline constexpr bool isOwn<Self, T*> = std::is_base_of_v<Self, T>;
+
+/// A function object that calls the superclass's creator with the class that it is to make.
+template <class Self, auto creator, class Arguments>
+struct CreatorCall;
+template <class Self, auto creator, class... A>
+struct CreatorCall<Self, creator, TypeList<A...>> {
+    using Inherited = typename FunctionTypes<decltype(creator)>::Result;
+    using Result = std::conditional_t<isRetained<Inherited>, Retained<Self>, Self*>;
+
+    /// Raises NSInvalidArgumentException if `cls` is no subclass of Self.
+    Result operator()(A... arguments, Class* cls = Self::classObject()) const;  // in Class.h
+};
+
+/// An inherited creator, called with the class that inherits it. `creator` is a function that takes the receiving
+/// class last.
+template <class Self, auto creator>
+struct InheritedCreator
+    : CreatorCall<
+          Self, creator,
+          typename DropLast<typename FunctionTypes<decltype(creator)>::template Arguments<TypeList>>::type> {
+    static constexpr auto kFunction = creator;
+};
+
+/// The function behind a creator that is one, or that is itself inherited.
+template <auto creator>
+constexpr auto creatorFunction() {
+    if constexpr (requires { creator->kFunction; })
+        return creator->kFunction;
+    else
+        return creator;
+}
+
+/// Whether a static member of the type `Member` makes objects of Self.
+template <class Self, class Member>
+inline constexpr bool makes = false;
+template <class Self, class Result, class... Arguments>
+inline constexpr bool makes<Self, Result(Arguments...)> = isOwn<Self, Result>;
+template <class Self, class Other, auto inherited>
+inline constexpr bool makes<Self, const InheritedCreator<Other, inherited>> = std::is_base_of_v<Self, Other>;
+
+/// The name of a creator that a class hides.
+struct HiddenCreator {};
+
+/// Whether what PELVOR_CREATORS demands of a class holds; it says so itself where it does not.
+template <class Self>
+consteval bool checkCreators() {
+    if constexpr (std::is_final_v<Self>)
+        return true;
+    else
+        return sizeof(typename Self::template CreatorCheck<Self>) > 0;
+}
+
+}  // namespace detail
+
+// Applies a macro to each of up to 256 names.
+#define PELVOR_PARENTHESES ()
+#define PELVOR_EXPAND(...) PELVOR_EXPAND3(PELVOR_EXPAND3(PELVOR_EXPAND3(PELVOR_EXPAND3(__VA_ARGS__))))
+#define PELVOR_EXPAND3(...) PELVOR_EXPAND2(PELVOR_EXPAND2(PELVOR_EXPAND2(PELVOR_EXPAND2(__VA_ARGS__))))
+#define PELVOR_EXPAND2(...) PELVOR_EXPAND1(PELVOR_EXPAND1(PELVOR_EXPAND1(PELVOR_EXPAND1(__VA_ARGS__))))
+#define PELVOR_EXPAND1(...) __VA_ARGS__
+#define PELVOR_EACH(macro, ...) __VA_OPT__(PELVOR_EXPAND(PELVOR_EACH_STEP(macro, __VA_ARGS__)))
+#define PELVOR_EACH_STEP(macro, name, ...) \
+    macro(name) __VA_OPT__(PELVOR_EACH_AGAIN PELVOR_PARENTHESES(macro, __VA_ARGS__))
+#define PELVOR_EACH_AGAIN() PELVOR_EACH_STEP
+
+#define PELVOR_CHECK_CREATOR(name)                                                            \
+    static_assert(!requires { requires !::pelvor::detail::makes<Self, decltype(Self::name)>; }, \
+                  "the inherited creator " #name                                              \
+                  " would make an object of another class: name it in PELVOR_INHERITED_CREATORS, declare one of " \
+                  "the class's own, or derive from the superclass's HiddenCreators");
+#define PELVOR_HIDE_CREATOR(name) static constexpr ::pelvor::detail::HiddenCreator name{};
+#define PELVOR_INHERIT_CREATOR(name) \
+    static constexpr ::pelvor::detail::InheritedCreator<ClassSelf, ::pelvor::detail::creatorFunction<&Super::name>()> name{};
+
+/// In the body of a class, after PELVOR_CLASS: the names of the creators that the class adds.
+#define PELVOR_CREATORS(...)                                               \
+  public:                                                                  \
+    template <class Self>                                                  \
+    struct CreatorCheck : Super::template CreatorCheck<Self> {             \
+        PELVOR_EACH(PELVOR_CHECK_CREATOR, __VA_ARGS__)                     \
+    };                                                                     \
+    struct HiddenCreators : Super::HiddenCreators {                        \
+        PELVOR_EACH(PELVOR_HIDE_CREATOR, __VA_ARGS__)                      \
+    };                                                                     \
+                                                                           \
+  private:                                                                 \
+    using ListsCreators = void
+
+/// In the body of a class, after PELVOR_CLASS: inherited creators that make this class when they are called on it.
+#define PELVOR_INHERITED_CREATORS(...)                 \
+  public:                                              \
+    PELVOR_EACH(PELVOR_INHERIT_CREATOR, __VA_ARGS__)   \
+                                                       \
+  private:                                             \
+    using InheritsCreators = void
+
+}  // namespace pelvor
