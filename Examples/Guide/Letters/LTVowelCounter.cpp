@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "LTVowelCounter.h"
+
+#include "LettersLibrary.h"
+
+namespace letters {
+
+PELVOR_DEFINE_CLASS(LTVowelCounter, lettersLibrary) { methods.classLevel<"init", &LTVowelCounter::init>(); }
+
+Retained<LTVowelCounter> LTVowelCounter::init(Class* cls) {
+    auto* vowels = NSCharacterSet::characterSetWithCharactersInString(u"aeiouAEIOU"_ns);
+    auto x = initWithCharacters(vowels, cls); return Retained<LTVowelCounter>::retaining(cast<LTVowelCounter>(x.get()));
+}
+
+}  // namespace letters

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+// LTVowelCounter: a service that counts vowels.
+#pragma once
+
+#include "LTCharacterCounter.h"
+
+namespace letters {
+
+/// Counts vowels unless it is made with another set. Main thread.
+class LTVowelCounter : public LTCharacterCounter {
+    PELVOR_CLASS(LTVowelCounter, LTCharacterCounter);
+
+  public:
+    static Retained<LTVowelCounter> init(Class* cls = classObject());
+
+  protected:
+    LTVowelCounter() = default;
+    ~LTVowelCounter() = default;
+};
+
+}  // namespace letters
