@@ -14,6 +14,7 @@ using namespace pelvor;
 /// Main thread.
 class DKDesk : public NSObject {
     PELVOR_CLASS(DKDesk, NSObject);
+    PELVOR_CREATORS(init);
 
   public:
     static Retained<DKDesk> init(Class* cls = classObject());

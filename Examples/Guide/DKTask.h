@@ -15,6 +15,7 @@ using namespace pelvor;
 ///     NSUInteger countInText:(NSString*)
 class DKTask : public NSObject {
     PELVOR_CLASS(DKTask, NSObject);
+    PELVOR_CREATORS(initWithProfile_text);
 
   public:
     /// Retains the profile and copies the text.

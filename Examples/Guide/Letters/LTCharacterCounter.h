@@ -12,6 +12,7 @@ using namespace pelvor;
 /// Counts the units of a text that are in a set of characters. Main thread.
 class LTCharacterCounter : public NSObject {
     PELVOR_CLASS(LTCharacterCounter, NSObject);
+    PELVOR_CREATORS(init, initWithCharacters);
 
   public:
     /// Counts letters.

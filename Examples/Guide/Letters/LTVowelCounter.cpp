@@ -9,7 +9,7 @@ PELVOR_DEFINE_CLASS(LTVowelCounter, lettersLibrary) { methods.classLevel<"init",
 
 Retained<LTVowelCounter> LTVowelCounter::init(Class* cls) {
     auto* vowels = NSCharacterSet::characterSetWithCharactersInString(u"aeiouAEIOU"_ns);
-    auto x = initWithCharacters(vowels, cls); return Retained<LTVowelCounter>::retaining(cast<LTVowelCounter>(x.get()));
+    return cast<LTVowelCounter>(LTCharacterCounter::initWithCharacters(vowels, cls));
 }
 
 }  // namespace letters

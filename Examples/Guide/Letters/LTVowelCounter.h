@@ -9,6 +9,7 @@ namespace letters {
 /// Counts vowels unless it is made with another set. Main thread.
 class LTVowelCounter : public LTCharacterCounter {
     PELVOR_CLASS(LTVowelCounter, LTCharacterCounter);
+    PELVOR_INHERITED_CREATORS(initWithCharacters);
 
   public:
     static Retained<LTVowelCounter> init(Class* cls = classObject());
