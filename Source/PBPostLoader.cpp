@@ -36,6 +36,7 @@ struct LoaderState {
     bool hasBeenInitialized = false;
     // Bundles may be loaded on any thread.
     std::atomic<bool> isMultiThreaded = false;
+    std::atomic<bool> hasProcessedClasses = false;
     std::atomic<bool> isSendingBecomingMultiThreaded = false;
 };
 
@@ -186,6 +187,7 @@ void PBPostLoader::processClassesStartingRegistry(bool startRegistry) {
 void PBPostLoader::processClassesStartingRegistry_posing(bool startRegistry, bool posing) {
     classRecord.initializeIfNeeded();
     AutoreleasePool pool;
+    loader().hasProcessedClasses = true;
     if (posing) processSelector_initialize("performPosing"_sel, false);
     if (startRegistry) startSharedRegistry();
     processSelector_initialize("didLoad"_sel, true);
@@ -229,6 +231,8 @@ bool PBPostLoader::isMultiThreaded() {
     classRecord.initializeIfNeeded();
     return loader().isMultiThreaded;
 }
+
+bool PBPostLoader::hasProcessedClasses() { return loader().hasProcessedClasses; }
 
 bool PBPostLoader::_processSelector_inClass_initialize(SEL selector, Class* inClass, bool initialize) {
     std::vector<IMP> hooks = takeHooks(selector, inClass);

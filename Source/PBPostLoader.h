@@ -59,6 +59,10 @@ class PELVOR_EXPORT PBPostLoader : public NSObject {
     /// Whether the phase for a second thread has run.
     static bool isMultiThreaded();
 
+    // C++ only
+    /// Returns whether a cycle has ever begun. Any thread.
+    static bool hasProcessedClasses();
+
   private:
     static void _becomingMultiThreaded(NSNotification* notification);
     static bool _processSelector_inClass_initialize(SEL selector, Class* inClass, bool initialize);

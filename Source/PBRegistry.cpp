@@ -3,10 +3,12 @@
 
 #include "BaseLibrary.h"
 #include "Foundation/NSArray.h"
-#include "Foundation/NSDictionary-PropertyList.h"
 #include "Foundation/NSLog.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNotificationCenter.h"
+#include "Foundation/NSPropertyListError.h"
+#include "Foundation/NSPropertyListSerialization.h"
+#include "PBPostLoader.h"
 #include "Private/ProfileIndex.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
@@ -15,6 +17,20 @@ namespace pelvor {
 namespace {
 
 constinit PBRegistry* theSharedRegistry = nullptr;
+
+// What the file declares; null, with a line in the log, if it declares nothing that can be read.
+NSDictionary* readDeclarations(NSString* path, NSBundle* bundle) {
+    if (!path) return nullptr;
+    NSPropertyListError* error = nullptr;
+    id list = NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error(
+        path, NSPropertyListImmutable, nullptr, &error);
+    auto* declarations = cast<NSDictionary>(list);
+    if (declarations) return declarations;
+    NSString* owner = bundle ? NSString::stringWithFormat(u"bundle %@: "_ns, bundle->bundlePath()) : u""_ns;
+    NSLog(u"%@the declarations in %@ cannot be read: %@"_ns, owner, path,
+          error ? error->description() : u"they are a list, but no dictionary"_ns);
+    return nullptr;
+}
 
 void defineProfileAccess(MethodTable<NSObject>& methods) {
     methods.classLevel<"identifier", &NSObject_PBProfileAccess::identifier>();
@@ -63,7 +79,9 @@ PBRegistry::~PBRegistry() = default;
 
 // Subclasses inherit `initialize`; the shared registry is made once.
 void PBRegistry::initialize(Class* cls) {
-    if (cls == classObject() && !theSharedRegistry) theSharedRegistry = init().leak();
+    if (cls != classObject() || theSharedRegistry) return;
+    theSharedRegistry = init().leak();
+    theSharedRegistry->_awaitsStart = true;
 }
 
 PBRegistry* PBRegistry::sharedRegistry() {
@@ -88,6 +106,7 @@ Retained<PBRegistry> PBRegistry::init(Class* cls) {
 
 void PBRegistry::startRegistry() {
     AutoreleasePool pool;
+    _awaitsStart = false;
     addProfilesFromBundles(NSBundle::allFrameworks());
     addProfilesFromBundles(NSBundle::allBundles());
 }
@@ -107,8 +126,7 @@ void PBRegistry::addProfilesFromPath_bundle(NSString* path, NSBundle* bundle) {
     {
         AutoreleasePool pool;
         Suspension suspension(this);
-        if (NSDictionary* declarations =
-                path ? NSDictionary_PropertyList::dictionaryWithContentsOfFile(path) : nullptr)
+        if (NSDictionary* declarations = readDeclarations(path, bundle))
             addDeclarations_bundle(declarations, bundle);
     }
     _postProfilesDidChange();
@@ -148,7 +166,17 @@ void PBRegistry::addProfile(PBProfile* profile) {
     profiles->setObject_forKey(profile, identifier);
     if (_indexes && profiles->count() > count) _indexes->add(identifier, profile);
     ++_version;
+    _awaitsStart = false;
     _postProfilesDidChange();
+}
+
+// Every query begins here.
+void PBRegistry::update() {
+    if (std::exchange(_awaitsStart, false) && !PBPostLoader::hasProcessedClasses())
+        NSLog(
+            u"The profile registry is asked for profiles, but PBPostLoader::processClasses() was not called: "
+            "the declarations of bundles have not been read"_ns);
+    PBProfileSet::update();
 }
 
 std::vector<ProfileCandidate> PBRegistry::candidates(const ProfileQuery& query) {

@@ -26,8 +26,8 @@ extern PELVOR_EXPORT NSString* const PBDisabledProfilesKey;
 ///       DisabledProfiles = ( "old reader" ); }
 ///
 /// Of profiles with one identifier the last that came stays. Profiles never go. `setVersion` counts the
-/// profiles that came. Malformed files are reported in the platform's log and otherwise passed over. Main
-/// thread.
+/// profiles that came. A declaration file that cannot be read adds nothing, and one line of the platform's
+/// log names the bundle, the file and the reason, with line and column. Main thread.
 class PELVOR_EXPORT PBRegistry : public PBProfileSet {
     PELVOR_CLASS(PBRegistry, PBProfileSet);
 
@@ -58,6 +58,9 @@ class PELVOR_EXPORT PBRegistry : public PBProfileSet {
     virtual void addProfile(PBProfile* profile);
     /// Posts PBProfilesDidChangeNotification, unless a file is being read.
     virtual void _postProfilesDidChange();
+    /// If the shared registry is asked for profiles although no profile came and the load-time sequence never
+    /// ran, one line of the log says so, once.
+    void update() override;
 
     /// The string in the language of the user: from the strings table of the profile of that identifier, else
     /// from the main bundle's default table, else as it is.
@@ -76,6 +79,7 @@ class PELVOR_EXPORT PBRegistry : public PBProfileSet {
 
     std::unique_ptr<ProfileIndexes> _indexes;  // none: to be made from the profiles when needed
     std::int32_t _suspendProfilesDidChange = 0;
+    bool _awaitsStart = false;  // the shared registry, as it was made
 };
 
 /// What stands for a profile says which. Classes override the class operation by one of their own.

@@ -2,13 +2,7 @@
 #include "Writer/WRPlugInLoader.h"
 
 #include "Foundation/NSBundle.h"
-#include "Foundation/NSData.h"
-#include "Foundation/NSDictionary.h"
-#include "Foundation/NSLog.h"
 #include "Foundation/NSMutableArray.h"
-#include "Foundation/NSPropertyListError.h"
-#include "Foundation/NSPropertyListSerialization.h"
-#include "PBRegistry.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/WriterLibrary.h"
@@ -19,26 +13,6 @@ namespace {
 bool isForMoment(NSBundle* bundle, NSString* moment) {
     id named = bundle->objectForInfoDictionaryKey(WRLoadMomentKey);
     return moment ? named && named->isEqual(moment) : !named;
-}
-
-bool hasRegisteredProfiles(NSBundle* bundle) {
-    for (id profile : PBRegistry::sharedRegistry()->profiles())
-        if (static_cast<PBProfile*>(profile)->bundle() == bundle) return true;
-    return false;
-}
-
-// The registry passes over declarations that it cannot read; the author of the plug-in wants to know.
-void logUnreadableDeclarations(NSBundle* bundle) {
-    NSString* path = bundle->pathForResource_ofType(PBProfilesKey, u"plist"_ns);
-    if (!path || hasRegisteredProfiles(bundle)) return;
-    NSPropertyListError* error = nullptr;
-    NSData* data = NSData::dataWithContentsOfFile(path);
-    id list = data ? NSPropertyListSerialization::propertyListWithData_options_format_error(
-                         data, NSPropertyListImmutable, nullptr, &error)
-                   : nullptr;
-    if (cast<NSDictionary>(list)) return;
-    NSString* reason = error ? error->description() : list ? u"no dictionary"_ns : u"cannot be read"_ns;
-    NSLog(u"bundle %@, declarations: %@"_ns, bundle->bundlePath(), reason);
 }
 
 }  // namespace
@@ -69,7 +43,6 @@ NSArray* WRPlugInLoader::loadPlugInsForMoment(NSString* moment) {
             waiting->addObject(bundle);
         } else if (bundle->load()) {
             loaded->addObject(bundle);
-            logUnreadableDeclarations(bundle);
         } else {
             ++_failureCount;
         }

@@ -7,16 +7,17 @@
 namespace pelvor {
 
 struct PELVOR_EXPORT NSArray_PropertyList {
-    /// The array that the property list in the file is, whatever its format; none if the file cannot be read,
-    /// is no list, or holds something else. Asked of a mutable class, the array and all arrays and
-    /// dictionaries in it are mutable. Borrowed.
+    /// Returns the array that the property list in the file is, whatever its format; borrowed. Returns null
+    /// if the file cannot be read, holds no list, or holds a list of another kind;
+    /// NSPropertyListSerialization tells why. Sent to a mutable class, returns a mutable array, with mutable
+    /// arrays and dictionaries in it.
     static NSArray* arrayWithContentsOfFile(NSString* path, Class* cls = NSArray::classObject());
-    /// The same, owned.
+    /// Does the same; the result is owned.
     static Retained<NSArray> initWithContentsOfFile(NSString* path, Class* cls = NSArray::classObject());
 };
 
-/// Writes the array as an XML property list, new or in the place of an old file; atomically: as a whole or
-/// not at all. False if the file cannot be written or the array is no property list.
+/// Writes the array as an XML property list, to a new file or in the place of an old one. Atomically means as
+/// a whole or not at all. Returns false if the file cannot be written or the array is no property list.
 PELVOR_EXPORT bool writeToFile_atomically(NSArray* array, NSString* path, bool isAtomic);
 
 }  // namespace pelvor

@@ -6,9 +6,10 @@
 
 #include "Foundation/Bundles/BundleContents.h"
 #include "Foundation/NSBundle.h"
-#include "Foundation/NSDictionary-PropertyList.h"
 #include "Foundation/NSLog.h"
 #include "Foundation/NSMutableArray.h"
+#include "Foundation/NSPropertyListError.h"
+#include "Foundation/NSPropertyListSerialization.h"
 #include "Foundation/UserLanguages.h"
 #include "Runtime/AutoreleasePool.h"
 
@@ -18,7 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// "fr-CA" and "fr_ca.UTF-8" as one and the same.
+// Makes "fr-CA" and "fr_ca.UTF-8" equal: both become "fr_ca".
 std::string plainLanguage(std::string language) {
     language = language.substr(0, language.find_first_of(".@"));
     for (char& c : language)
@@ -26,7 +27,7 @@ std::string plainLanguage(std::string language) {
     return language;
 }
 
-// Adds the localisations for the language, then those for what it is a form of: "fr_ca", "fr".
+// Adds the localisations for the language, then those for the language without its region: "fr_ca", "fr".
 void addLocalizationsFor(const std::string& language, NSArray* localizations, NSMutableArray* found) {
     for (std::string range = plainLanguage(language); !range.empty();) {
         for (id localization : localizations)
@@ -50,12 +51,15 @@ Retained<NSArray> readLocalizations(const std::string& resources) {
     return localizations->copy();
 }
 
-// Empty where there is no table; one that is there and cannot be read is logged.
+// Returns an empty table if there is none, and, with a line in the log, if it cannot be read.
 Retained<NSDictionary> readTable(NSString* path) {
     if (!path) return NSDictionary::init();
-    auto table = NSDictionary_PropertyList::initWithContentsOfFile(path);
-    if (table) return table;
-    NSLog(u"The string table %@ cannot be read"_ns, path);
+    NSPropertyListError* error = nullptr;
+    id list = NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error(
+        path, NSPropertyListImmutable, nullptr, &error);
+    if (auto* table = cast<NSDictionary>(list)) return Retained<NSDictionary>::retaining(table);
+    NSLog(u"The string table %@ cannot be read: %@"_ns, path,
+          error ? error->description() : u"it is a list, but no dictionary"_ns);
     return NSDictionary::init();
 }
 

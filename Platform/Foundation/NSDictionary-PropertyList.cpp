@@ -5,13 +5,15 @@
 #include "Foundation/NSString.h"
 #include "Foundation/PropertyLists/PropertyListCategories.h"
 #include "Foundation/PropertyLists/PropertyListFiles.h"
+#include "Runtime/AutoreleasePool.h"
 
 namespace pelvor {
 
 Retained<NSDictionary> NSDictionary_PropertyList::initWithContentsOfFile(NSString* path, Class* cls) {
     bool isMutable = cls->isSubclassOfClass(NSMutableDictionary::classObject());
-    auto list =
-        readPropertyListFile(path, isMutable ? NSPropertyListMutableContainers : NSPropertyListImmutable);
+    AutoreleasePool pool;
+    id list = NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error(
+        path, isMutable ? NSPropertyListMutableContainers : NSPropertyListImmutable, nullptr, nullptr);
     return Retained<NSDictionary>::retaining(cast<NSDictionary>(list));
 }
 

@@ -11,7 +11,7 @@ namespace pelvor {
 class NSString;
 struct PropertyListFault;
 
-/// What reading or writing a property list answers where there is no result. Immutable; any thread.
+/// Why a property list could not be read or written. Immutable. Any thread.
 class PELVOR_EXPORT NSPropertyListError : public NSObject {
     PELVOR_CLASS(NSPropertyListError, NSObject);
 
@@ -20,18 +20,21 @@ class PELVOR_EXPORT NSPropertyListError : public NSObject {
     /// For the readers and writers.
     static Retained<NSPropertyListError> create(const PropertyListFault& fault);
 
-    /// What is wrong, without its place.
+    /// Returns what is wrong, without its place.
     NSString* reason() { return _reason; }
-    /// Where reading stopped, counting from 1; 0 for binary lists, when writing, and when nothing was read.
+    /// Returns the line in which reading stopped, counting from 1; 0 for binary lists, after writing, and if
+    /// nothing was read.
     NSUInteger line() { return _line; }
-    /// In characters of the line; in old-style lists in UTF-16 units.
+    /// Returns the column in that line, counting from 1: in characters for XML, in UTF-16 units for old-style
+    /// lists.
     NSUInteger column() { return _column; }
-    /// The same counting from 0 through the whole text: bytes, in old-style lists UTF-16 units.
+    /// Returns the place counting from 0 from the beginning of the text: in bytes, in old-style lists in
+    /// UTF-16 units.
     NSUInteger offset() { return _offset; }
-    /// When writing, the keys and indexes that lead from the root to the object at fault, "styles.2.name";
-    /// else "".
+    /// After writing, returns the keys and indexes that lead from the root to the object that cannot be
+    /// written, "styles.2.name"; after reading, returns "".
     NSString* keyPath() { return _keyPath; }
-    /// The reason and its place: "line 3, column 14: …", "at byte 41: …", "at styles.2.name: …".
+    /// Returns the reason with its place: "line 3, column 14: …", "at byte 41: …", "at styles.2.name: …".
     NSString* description() override;
 
   protected:

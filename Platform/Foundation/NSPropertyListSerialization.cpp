@@ -6,6 +6,7 @@
 #include "Foundation/NSString.h"
 #include "Foundation/PropertyLists/BinaryPropertyListWriter.h"
 #include "Foundation/PropertyLists/PropertyListFault.h"
+#include "Foundation/PropertyLists/PropertyListFiles.h"
 #include "Foundation/PropertyLists/PropertyListReading.h"
 #include "Foundation/PropertyLists/XMLPropertyListWriter.h"
 #include "Foundation/Values/NSExternalData.h"
@@ -15,6 +16,8 @@ namespace pelvor {
 PELVOR_DEFINE_CLASS(NSPropertyListSerialization, foundationLibrary) {
     methods.classLevel<"propertyListWithData:options:format:error:",
                        &NSPropertyListSerialization::propertyListWithData_options_format_error>();
+    methods.classLevel<"propertyListWithContentsOfFile:options:format:error:",
+                       &NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error>();
     methods.classLevel<"dataWithPropertyList:format:options:error:",
                        &NSPropertyListSerialization::dataWithPropertyList_format_options_error>();
     methods.classLevel<"propertyList:isValidForFormat:",
@@ -45,11 +48,23 @@ id NSPropertyListSerialization::propertyListWithData_options_format_error(
     NSPropertyListError** error) {
     if (error) *error = nullptr;
     try {
-        if (!data) throw PropertyListFault{"there are no bytes"};
+        if (!data) throw PropertyListFault{"the data is null"};
         std::string_view bytes(static_cast<const char*>(data->bytes()), data->length());
         auto list = readPropertyList(bytes, options);
         if (format) *format = propertyListFormatOf(bytes);
         return std::move(list).autorelease();
+    } catch (const PropertyListFault& fault) {
+        report(error, fault);
+        return nullptr;
+    }
+}
+
+id NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error(
+    NSString* path, NSPropertyListMutabilityOptions options, NSPropertyListFormat* format,
+    NSPropertyListError** error) {
+    if (error) *error = nullptr;
+    try {
+        return readPropertyListFile(path, options, format).autorelease();
     } catch (const PropertyListFault& fault) {
         report(error, fault);
         return nullptr;

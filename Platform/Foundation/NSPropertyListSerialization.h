@@ -25,29 +25,46 @@ enum NSPropertyListMutabilityOptions : NSUInteger {
     NSPropertyListMutableContainersAndLeaves = 2,  ///< strings and data too, but not keys
 };
 
-/// Property lists are strings, numbers, booleans, dates, data, and arrays and dictionaries of them with
-/// strings for keys. They are read and written as XML, as binary lists, and read in the old style. Nothing
-/// here raises on account of what is read: a list that is damaged, nested too deeply or otherwise beyond
-/// `propertyListLimits()` gives none and an error. Any thread.
+/// Reads and writes property lists: strings, numbers, booleans, dates, data, and arrays and dictionaries of
+/// them with strings for keys. Lists are read and written as XML and as binary lists; lists in the old style
+/// are only read.
+///
+///     NSPropertyListError* error;
+///     id list = NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error(
+///         path, NSPropertyListImmutable, nullptr, &error);
+///     if (!list) NSLog(u"%@: %@"_ns, path, error);  // "styles.plist: line 3, column 14: …"
+///
+/// Nothing that is read raises an exception: for a list that is damaged, nested too deeply or otherwise
+/// beyond `propertyListLimits()` the operations return null and an error. Any thread.
 class PELVOR_EXPORT NSPropertyListSerialization : public NSObject {
     PELVOR_CLASS(NSPropertyListSerialization, NSObject);
 
   public:
-    /// The list that the bytes hold, whichever format they are in; borrowed. `format`, unless none, receives
-    /// that format. None for bytes that are no list; `error`, unless none, then receives the reason and its
-    /// place, borrowed, and otherwise none. Of equal keys the last counts. Entity declarations are refused.
+    /// Returns the list that the bytes hold, whichever format they are in; borrowed. `format`, unless null,
+    /// receives that format. For bytes that are no list returns null, and `error`, unless null, receives the
+    /// reason and its place, borrowed; after a success `error` receives null. If a dictionary has two equal
+    /// keys, the last one counts. Text is read in UTF-8 and UTF-16, XML also in what its declaration names.
+    /// Entity declarations in XML are refused.
     static id propertyListWithData_options_format_error(NSData* data, NSPropertyListMutabilityOptions options,
                                                         NSPropertyListFormat* format,
                                                         NSPropertyListError** error);
 
-    /// The list as bytes, the same for equal lists: dictionaries are written in the order of their keys.
-    /// None, with an error, for an object that has no place in a list of that format, dates that lie outside
-    /// the years of nine digits, and strings with characters that XML does not know. Written as XML, dates
-    /// are cut to the second, and real numbers keep their value.
+    /// Reads the list in the file in the same way. A file that cannot be read gives an error too. An empty
+    /// file whose name ends in ".strings" is a table without entries.
+    static id propertyListWithContentsOfFile_options_format_error(NSString* path,
+                                                                  NSPropertyListMutabilityOptions options,
+                                                                  NSPropertyListFormat* format,
+                                                                  NSPropertyListError** error);
+
+    /// Returns the list as bytes, borrowed; equal lists give equal bytes, since dictionaries are written in
+    /// the order of their keys. Returns null, with an error, for an object that has no place in a list of
+    /// that format, for dates outside the years of nine digits, and for strings with characters that XML does
+    /// not know. In XML, dates are cut to the second, and real numbers keep their value. `options` has no
+    /// meaning yet.
     static NSData* dataWithPropertyList_format_options_error(id propertyList, NSPropertyListFormat format,
                                                              NSUInteger options, NSPropertyListError** error);
 
-    /// Whether `dataWithPropertyList…` would write the list.
+    /// Returns whether `dataWithPropertyList…` would write the list.
     static bool propertyList_isValidForFormat(id propertyList, NSPropertyListFormat format);
 };
 

@@ -2,15 +2,26 @@
 #include "Foundation/NSString-PropertyList.h"
 
 #include "Foundation/NSDictionary.h"
+#include "Foundation/NSFormat.h"
 #include "Foundation/PropertyLists/OldStylePropertyListReader.h"
 #include "Foundation/PropertyLists/PropertyListCategories.h"
 #include "Foundation/PropertyLists/PropertyListFault.h"
 #include "Foundation/PropertyLists/PropertyListReading.h"
 #include "Foundation/PropertyLists/XMLPropertyListReader.h"
+#include "Runtime/NSException.h"
 
 namespace pelvor {
 
+namespace {
+
+void requireString(NSString* string, NSString* operation) {
+    if (!string) raiseException(NSInvalidArgumentException, u"%@: the string is null"_ns, operation);
+}
+
+}  // namespace
+
 id propertyList(NSString* string) {
+    requireString(string, u"propertyList"_ns);
     try {
         std::string utf8 = string->toUTF8();
         if (propertyListFormatOf(utf8) == NSPropertyListXMLFormat_v1_0)
@@ -22,6 +33,7 @@ id propertyList(NSString* string) {
 }
 
 NSDictionary* propertyListFromStringsFileFormat(NSString* string) {
+    requireString(string, u"propertyListFromStringsFileFormat"_ns);
     try {
         auto list = readOldStylePropertyList(StringUnits(string), NSPropertyListImmutable);
         if (!cast<NSDictionary>(list)) return nullptr;

@@ -8,10 +8,11 @@ namespace pelvor {
 
 class NSDictionary;
 
-/// The list that the text is, in XML or the old style, or none; borrowed.
+/// Returns the list that the text is, in XML or the old style; borrowed. Returns null if the text is no list.
+/// Both operations raise NSInvalidArgumentException if the string is null.
 PELVOR_EXPORT id propertyList(NSString* string);
-/// The dictionary that the text is, with braces or, as a string table, without; none if the text is anything
-/// else. Text without entries is an empty table. Borrowed.
+/// Returns the dictionary that the text is, with braces or, as a string table, without; borrowed. Text
+/// without entries is an empty table. Returns null if the text is anything else.
 PELVOR_EXPORT NSDictionary* propertyListFromStringsFileFormat(NSString* string);
 
 }  // namespace pelvor

@@ -72,6 +72,7 @@ TEST_F(PBRegistryTest, AFileCountsItsProfilesAndPostsOnce) {
 }
 
 TEST_F(PBRegistryTest, PostsEvenWhenThereIsNothingToRead) {
+    LogLines log;
     for (NSString* path : {NSString::ofUTF8(folder.path("missing.plist")), static_cast<NSString*>(nullptr)})
         registry->addProfilesFromPath_bundle(path, nullptr);
     registry->addProfilesFromBundle(nullptr);
@@ -89,6 +90,21 @@ TEST_F(PBRegistryTest, LogsProfilesOfTheWrongKindAndGoesOn) {
     EXPECT_THAT(log.lines,
                 ElementsAre(MatchesRegex("Profiles Wrong kind of class! got: NS[A-Za-z]*Array"),
                             MatchesRegex("profile 'rtf' should be a dictionary! got: NS[A-Za-z]*String")));
+}
+
+TEST_F(PBRegistryTest, LogsBundleFileAndReasonOfDeclarationsThatCannotBeRead) {
+    LogLines log;
+    NSBundle* plugIn = makeBundle(folder, "Formats");
+    const char* reasons[] = {"line 2, column 1: the text ends where there should be a key or '}'",
+                             "they are a list, but no dictionary", "there are no bytes"};
+    for (const char* text : {"{ Profiles = {\n", "(Profiles)", ""}) read(text, plugIn);
+    ASSERT_EQ(log.lines.size(), std::size(reasons));
+    for (std::size_t i = 0; i < std::size(reasons); ++i)
+        EXPECT_THAT(log.lines[i], AllOf(StartsWith("bundle " + plugIn->bundlePath()->toUTF8()),
+                                        HasSubstr("/Profiles.plist cannot be read: "), EndsWith(reasons[i])));
+    registry->addProfilesFromPath_bundle(NSString::ofUTF8(folder.path("missing.plist")), nullptr);
+    EXPECT_THAT(log.lines.back(), EndsWith("missing.plist cannot be read: the file cannot be read: "
+                                           "No such file or directory"));
 }
 
 TEST_F(PBRegistryTest, AFileDisablesOnlyItsOwnProfiles) {

@@ -19,7 +19,7 @@ namespace {
 constexpr std::string_view kMagic = "bplist";
 constexpr std::string_view kHeader = "bplist00";
 constexpr std::size_t kTrailerSize = 32;
-// So many bytes of strings and data count as one object when they are made again for another reference.
+// When strings and data are made again for another reference, so many bytes of them count as one object.
 constexpr std::size_t kBytesAnObject = 64;
 
 // The high half of an object's first byte.
@@ -36,8 +36,8 @@ enum Marker : std::uint8_t {
     kDictionary = 0xD,
 };
 
-// An object's first byte, how long it is, and where its content begins. The length counts bytes, units or
-// entries; of numbers it is the low half of the first byte.
+// An object's first byte, its length, and where its content begins. The length counts bytes, units or entries; a
+// number's length is the low half of the first byte.
 struct Head {
     std::size_t offset;
     Marker marker;
@@ -50,7 +50,7 @@ struct Node {
     enum class State : std::uint8_t { unread, open, read };
 
     Retained<Object> object;       // once read, unless each reference makes its own; of a string, as a key
-    std::uint32_t totalCount = 1;  // with all below it, those that are shared as often as referred to
+    std::uint32_t totalCount = 1;  // with all objects below, shared objects as often as they are referred to
     std::uint32_t height = 0;      // how deep arrays and dictionaries are nested in it, itself included
     State state = State::unread;
 };
@@ -329,7 +329,7 @@ class Reader {
         return string;
     }
 
-    // Up to four bytes are unsigned, eight are signed, sixteen hold what does not fit otherwise.
+    // Numbers of up to four bytes are unsigned, those of eight are signed; sixteen bytes hold larger ones.
     Retained<Object> makeInteger(const Head& head) {
         if (head.length > 4) fail("a number of an impossible size", head.offset);
         std::size_t size = std::size_t{1} << head.length;

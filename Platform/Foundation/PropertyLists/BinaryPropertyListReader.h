@@ -8,12 +8,13 @@
 
 namespace pelvor {
 
-/// Whether the bytes begin as a binary list does, of whatever version.
+/// Returns whether the bytes begin as a binary list of any version does.
 bool hasBinaryPropertyListMagic(std::string_view bytes);
 
-/// The list that the bytes hold. Unique identifiers are read as numbers. An array or dictionary that is
-/// referred to repeatedly is one object in an immutable list; in a mutable one each reference gets its own.
-/// Throws PropertyListFault, with the byte's offset, for anything that is no list or lies beyond the limits.
+/// Returns the list that the bytes hold. Unique identifiers are read as numbers. An array or dictionary to
+/// which the list refers repeatedly is one object in an immutable list; in a mutable list each reference gets
+/// an object of its own. Throws PropertyListFault, with the byte's offset, for bytes that are no list or lie
+/// beyond the limits.
 Retained<Object> readBinaryPropertyList(std::string_view bytes, NSPropertyListMutabilityOptions options);
 
 }  // namespace pelvor

@@ -52,7 +52,7 @@ void appendUnsigned(GrowingBytes& bytes, std::uint64_t value) {
     appendNumber(bytes, value, size);
 }
 
-// Eight bytes are read as signed, so what is larger takes sixteen.
+// Numbers of eight bytes are read as signed, so larger numbers take sixteen.
 void appendInteger(GrowingBytes& bytes, PropertyListInteger value) {
     if (!value.isUnsigned) return appendUnsigned(bytes, value.bits);
     bytes.append(static_cast<char>(kInteger | 4));
@@ -84,7 +84,7 @@ void appendString(GrowingBytes& bytes, std::u16string_view units) {
     bytes.advance(units.size());
 }
 
-// Numbers and dates are one object where their kind and their bits are the same.
+// Numbers and dates of one kind with equal bits are written as one object.
 struct Scalar {
     Marker marker;
     std::uint64_t bits;
@@ -93,7 +93,7 @@ struct Scalar {
     friend bool operator==(const Scalar&, const Scalar&) = default;
 };
 
-// Hashes as strings are hashed: nobody can make up numbers or data that fall on one place.
+// Hashes as strings are hashed, with a secret: nobody can choose numbers or data that collide.
 struct HashOfScalar {
     std::size_t operator()(const Scalar& scalar) const {
         unichar units[5] = {scalar.marker};
@@ -130,8 +130,8 @@ Scalar scalarOf(NSNumber* number) {
     }
 }
 
-// The walk numbers the objects, a container after what it holds, so that the root comes last. They are
-// written afterwards, when it is known how many bytes a reference takes.
+// The walk numbers the objects, a container after its members, so that the root comes last. The objects are written
+// afterwards, when the number of bytes that a reference takes is known.
 class Writer final : public PropertyListVisitor {
   public:
     void visitLeaf(PropertyListKind kind, Object* object) override {

@@ -133,7 +133,7 @@ class Reader {
         if (!isAtEnd()) failExpecting("the end of the text");
     }
 
-    // A string alone is a value; one that is a key begins a string table.
+    // A string alone is the value; a string that is a key begins a string table.
     void readTableOrString() {
         std::u16string first(readString());
         skipSpace();
@@ -145,7 +145,7 @@ class Reader {
         readContainers();
     }
 
-    // Reads on until everything that is open has ended.
+    // Reads on until all open arrays and dictionaries have ended.
     void readContainers() {
         while (_builder.depth() > 0) {
             skipSpace();
@@ -163,7 +163,7 @@ class Reader {
         readEntry(readString());
     }
 
-    // What follows a key: its value, or at once the end of the entry, which makes the key the value too.
+    // Reads what follows a key: its value, or the end of the entry, which makes the key its own value.
     void readEntry(std::u16string_view key) {
         _builder.addKey(key);
         skipSpace();
@@ -264,7 +264,7 @@ class Reader {
         constexpr std::u16string_view kControls = u"\a\b\f\n\r\t\v";
         if (std::size_t index = kNames.find(unit); index != kNames.npos)
             _unescaped += kControls[index];
-        else if (unit == 'U' || unit == 'u')
+        else if ((unit == 'U' || unit == 'u') && !isAtEnd() && hexValue(peek()) >= 0)
             _unescaped += readHexEscape();
         else if (unit >= '0' && unit <= '7')
             _unescaped += readOctalEscape(unit);
@@ -272,12 +272,11 @@ class Reader {
             _unescaped += unit;
     }
 
-    // Up to four digits.
+    // One to four digits.
     unichar readHexEscape() {
-        unsigned value = 0, digits = 0;
-        for (; digits < 4 && !isAtEnd() && hexValue(peek()) >= 0; ++digits, ++_next)
+        unsigned value = 0;
+        for (int digits = 0; digits < 4 && !isAtEnd() && hexValue(peek()) >= 0; ++digits, ++_next)
             value = value << 4 | static_cast<unsigned>(hexValue(peek()));
-        if (digits == 0) failExpecting("a hexadecimal digit");
         return static_cast<unichar>(value);
     }
 

@@ -9,13 +9,13 @@
 
 namespace pelvor {
 
-/// The text of UTF-8, or of UTF-16 with a byte-order mark, without the mark. Throws PropertyListFault for
-/// bytes that are neither.
+/// Returns the text of bytes in UTF-8, or in UTF-16 with a byte-order mark, without the mark. Throws
+/// PropertyListFault for bytes that are neither.
 std::u16string decodeOldStyleText(std::string_view bytes);
 
-/// The list that the text holds: { } for a dictionary, ( ) for an array, < > for data, strings with and
-/// without quotes, or the entries of a dictionary without braces, which is a string table; text without any
-/// of these is an empty table. Throws PropertyListFault with line and column for any other text.
+/// Returns the list that the text holds: { } for a dictionary, ( ) for an array, < > for data, strings with
+/// and without quotes, or the entries of a dictionary without braces, which is a string table. Text without
+/// any of these is an empty table. Throws PropertyListFault with line and column for any other text.
 Retained<Object> readOldStylePropertyList(std::u16string_view text, NSPropertyListMutabilityOptions options);
 
 }  // namespace pelvor

@@ -27,8 +27,8 @@ constexpr Reference kReferences[] = {{"&lt;", '<'},   {"&gt;", '>'},    {"&amp;"
 
 using Bytes16 = std::uint8_t __attribute__((vector_size(16)));
 
-// Whether the character ends plain text: tags, references, what XML does not allow or reads otherwise than it
-// stands.
+// Whether the character ends plain text: it begins a tag or a reference, or XML does not allow it or reads it as
+// another character.
 bool endsText(char c) {
     auto byte = static_cast<std::uint8_t>(c);
     return byte == '<' || byte == '&' || byte == '>' || (byte < 0x20 && byte != '\t' && byte != '\n');
@@ -176,7 +176,8 @@ class Reader {
         _builder.add(make(*value));
     }
 
-    // The text up to the end tag, which is read too: where it stands or, with references in it, in `_text`.
+    // Returns the text up to the end tag, which is read too. The text stands in the document or, if there are
+    // references in it, in `_text`.
     std::string_view readText(std::string_view endTag) {
         std::string_view text = rest().substr(0, lengthOfText(rest()));
         _next += text.size();

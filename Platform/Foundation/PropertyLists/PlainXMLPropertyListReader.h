@@ -8,10 +8,10 @@
 
 namespace pelvor {
 
-/// The list that the document holds if it is UTF-8 in the plain form that programs write: the usual header,
-/// tags without attributes, no comments, sections or instructions, and no mistake of any kind. None for every
-/// other document: it takes the parser to say what that is. What is answered here, `readXMLPropertyList`
-/// would answer too.
+/// Returns the list that the document holds if the document is in UTF-8 and in the plain form that programs
+/// write: the usual header, tags without attributes, no comments, sections or instructions, and no mistake of
+/// any kind. Returns null for every other document, which the parser has to read. `readXMLPropertyList`
+/// returns an equal list for every document that is read here.
 Retained<Object> readPlainXMLPropertyList(std::string_view bytes, NSPropertyListMutabilityOptions options);
 
 }  // namespace pelvor

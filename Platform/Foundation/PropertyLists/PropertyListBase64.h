@@ -10,9 +10,9 @@
 
 namespace pelvor {
 
-/// Replaces base64 text by the bytes that it stands for; white space is passed over, and padding at the end
-/// may be missing. False for any other character, for text after padding and for a single last digit; the
-/// text is spoilt then.
+/// Replaces base64 text by the bytes that the text stands for. White space is skipped, and padding at the end
+/// may be missing. Returns false, with the text spoilt, for any other character, for text after padding and
+/// for a single last digit.
 bool decodePropertyListBase64(std::string& text);
 
 /// Writes padded base64 in lines of up to `lineLength` digits, a multiple of 4; each line follows `indent`

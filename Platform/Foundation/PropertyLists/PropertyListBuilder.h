@@ -13,9 +13,9 @@
 
 namespace pelvor {
 
-/// Takes keys, values and the ends of arrays and dictionaries in the order of the text and answers the root.
-/// What does not fit together, and nesting past the limit, throws PropertyListFault without a position. Of
-/// equal keys the last counts.
+/// Takes keys, values and the ends of arrays and dictionaries in the order of the text, and makes the root of
+/// them. Throws PropertyListFault without a position where they do not fit together, and for nesting past the
+/// limit. Of equal keys the last one counts.
 class PropertyListBuilder {
   public:
     explicit PropertyListBuilder(NSPropertyListMutabilityOptions options);
@@ -23,7 +23,7 @@ class PropertyListBuilder {
     PropertyListBuilder(const PropertyListBuilder&) = delete;
     PropertyListBuilder& operator=(const PropertyListBuilder&) = delete;
 
-    // Leaves, owned; mutable if that was asked for.
+    // Leaves, owned; mutable if mutable leaves were asked for.
 
     Retained<Object> makeString(std::u16string_view units);
     Retained<Object> makeData(std::span<const std::byte> bytes);
@@ -36,19 +36,19 @@ class PropertyListBuilder {
 
     void beginArray() { begin(Container::array); }
     void beginDictionary() { begin(Container::dictionary); }
-    /// Ends the innermost array or dictionary, which is a value of the one around it; borrowed.
+    /// Ends the innermost array or dictionary, adds it to the container around it, and returns it, borrowed.
     Object* end();
     void add(Retained<Object> value);
-    /// A string value; faults if the bytes are not UTF-8.
+    /// Adds a string. Throws PropertyListFault if the bytes are not UTF-8.
     void addString(std::string_view utf8);
     void addKey(Retained<Object> key);
-    /// The key of these units, or of this UTF-8; the same object where it came lately.
+    /// These add the key with the units, or with the UTF-8. A key that came lately is not made again.
     void addKey(std::u16string_view units);
     void addKey(std::string_view utf8);
 
-    /// Faults where the next thing cannot be a value.
+    /// Throws PropertyListFault where there may be no value.
     void requireValuePlace() const;
-    /// How many arrays and dictionaries are open.
+    /// Returns how many arrays and dictionaries are open.
     std::size_t depth() const { return _frames.size(); }
     bool isInDictionary() const { return !_frames.empty() && _frames.back().kind == Container::dictionary; }
     bool hasRoot() const { return _root != nullptr; }

@@ -7,14 +7,14 @@
 
 namespace pelvor {
 
-/// Thrown inside the readers and writers and turned into an NSPropertyListError where they are called. Lines
-/// and columns count from 1; 0 means that the format has none. Offsets count bytes, or units of a string.
+/// Thrown inside the readers and writers, and turned into an NSPropertyListError where they are called. Lines
+/// and columns count from 1; 0 means that the format has no lines. Offsets count bytes, or units of a string.
 struct PropertyListFault {
     std::string reason;
     std::size_t line = 0;
     std::size_t column = 0;
     std::size_t offset = 0;
-    std::string keyPath = {};  ///< where the object stands that cannot be written, "styles.2.name"
+    std::string keyPath = {};  ///< the place of an object that cannot be written, "styles.2.name"
 };
 
 }  // namespace pelvor

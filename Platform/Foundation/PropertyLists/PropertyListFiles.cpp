@@ -1,21 +1,29 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/PropertyLists/PropertyListFiles.h"
 
+#include <cerrno>
+#include <cstring>
+
 #include "Foundation/NSData.h"
+#include "Foundation/NSDictionary.h"
+#include "Foundation/NSString.h"
 #include "Foundation/PropertyLists/PropertyListFault.h"
 #include "Foundation/PropertyLists/PropertyListReading.h"
 
 namespace pelvor {
 
-Retained<Object> readPropertyListFile(NSString* path, NSPropertyListMutabilityOptions options) {
-    if (!path) return nullptr;
+Retained<Object> readPropertyListFile(NSString* path, NSPropertyListMutabilityOptions options,
+                                      NSPropertyListFormat* format) {
+    if (!path) throw PropertyListFault{"the path is null"};
+    errno = 0;
     auto data = NSData::initWithContentsOfFile(path);
-    if (!data) return nullptr;
-    try {
-        return readPropertyList({static_cast<const char*>(data->bytes()), data->length()}, options);
-    } catch (const PropertyListFault&) {
-        return nullptr;
-    }
+    if (!data)
+        throw PropertyListFault{std::string("the file cannot be read") +
+                                (errno ? std::string(": ") + std::strerror(errno) : "")};
+    std::string_view bytes(static_cast<const char*>(data->bytes()), data->length());
+    if (format) *format = propertyListFormatOf(bytes);
+    if (bytes.empty() && path->hasSuffix(u".strings"_ns)) return NSDictionary::init();
+    return readPropertyList(bytes, options);
 }
 
 bool writePropertyListFile(id list, NSString* path, bool isAtomic) {

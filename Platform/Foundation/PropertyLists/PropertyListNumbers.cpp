@@ -20,7 +20,7 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(kSpace) - first + 1);
 }
 
-// Takes a sign off the front; whether it was a minus.
+// Takes a sign off the front. Returns whether it was a minus.
 bool takeSign(std::string_view& text) {
     if (text.empty() || (text[0] != '-' && text[0] != '+')) return false;
     bool isNegative = text[0] == '-';

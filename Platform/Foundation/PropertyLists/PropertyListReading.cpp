@@ -28,6 +28,15 @@ std::string beginningOf(std::string_view bytes) {
     return beginning;
 }
 
+// With its mark, or without by the zeros around the first character, which is ASCII in every list.
+bool isUTF32(std::string_view bytes) {
+    constexpr std::string_view kZeros("\0\0\0", 3);
+    if (bytes.size() < 4 || bytes.size() % 4 != 0) return false;
+    std::string_view first = bytes.substr(0, 4);
+    return first == std::string_view("\xFF\xFE\0\0", 4) || first == std::string_view("\0\0\xFE\xFF", 4) ||
+           (first.starts_with(kZeros) != first.ends_with(kZeros));
+}
+
 bool isHexDigit(char c) { return (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'f'); }
 
 // "<" begins data in the old style, too; but a tag's name is no hexadecimal number.
@@ -48,6 +57,7 @@ NSPropertyListFormat propertyListFormatOf(std::string_view bytes) {
 
 Retained<Object> readPropertyList(std::string_view bytes, NSPropertyListMutabilityOptions options) {
     if (bytes.empty()) throw PropertyListFault{"there are no bytes"};
+    if (isUTF32(bytes)) throw PropertyListFault{"the text is in UTF-32; only UTF-8 and UTF-16 are read"};
     switch (propertyListFormatOf(bytes)) {
         case NSPropertyListBinaryFormat_v1_0:
             return readBinaryPropertyList(bytes, options);

@@ -8,10 +8,11 @@
 
 namespace pelvor {
 
-/// The format that the bytes begin as. Bytes that are no list have one too, in which they are then refused.
+/// Returns the format as which the bytes begin. Bytes that are no list have a format too; its reader refuses
+/// them.
 NSPropertyListFormat propertyListFormatOf(std::string_view bytes);
 
-/// The list that the bytes hold. Throws PropertyListFault for bytes that are no list.
+/// Returns the list that the bytes hold. Throws PropertyListFault for bytes that are no list.
 Retained<Object> readPropertyList(std::string_view bytes, NSPropertyListMutabilityOptions options);
 
 }  // namespace pelvor

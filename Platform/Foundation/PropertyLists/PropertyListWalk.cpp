@@ -5,6 +5,7 @@
 #include <deque>
 #include <vector>
 
+#include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSData.h"
 #include "Foundation/NSDate.h"
@@ -24,6 +25,15 @@ PropertyListKind findKind(Object* object) {
     if (cast<NSDate>(object)) return PropertyListKind::date;
     if (cast<NSData>(object)) return PropertyListKind::data;
     return PropertyListKind::foreign;
+}
+
+// The object's class for messages: of the platform's private classes, the public one right below NSObject.
+std::string classNameOf(Object* object) {
+    if (cast<NSNumber>(object)) return NSNumber::classObject()->name();
+    Class* cls = object->isa();
+    while (cls->library() == &foundationLibrary && cls->superclass() && cls->superclass()->superclass())
+        cls = cls->superclass();
+    return cls->name();
 }
 
 // Remembers the kinds of the classes that came lately: objects of a list are of few classes.
@@ -61,7 +71,7 @@ class Walk {
 
   private:
     struct Frame {
-        NSArray* array;  // none for a dictionary
+        NSArray* array;  // null for a dictionary
         std::size_t next;
         std::size_t count;
         std::size_t firstEntry;
@@ -87,9 +97,9 @@ class Walk {
         PropertyListKind kind = _kinds.kindOf(object);
         switch (kind) {
             case PropertyListKind::foreign:
-                throw PropertyListFault{object ? std::string("an object of class ") + object->isa()->name() +
-                                                     " has no place in a property list"
-                                               : "there is no object"};
+                throw PropertyListFault{
+                    object ? "an object of class " + classNameOf(object) + " has no place in a property list"
+                           : "the object is null"};
             case PropertyListKind::array:
                 return enterArray(static_cast<NSArray*>(object));
             case PropertyListKind::dictionary:
@@ -117,7 +127,7 @@ class Walk {
 
     void addEntry(Object* key, Object* value) {
         if (_kinds.kindOf(key) != PropertyListKind::string)
-            throw PropertyListFault{std::string("a key of class ") + key->isa()->name() + " is no string"};
+            throw PropertyListFault{"a key of class " + classNameOf(key) + " is no string"};
         auto* string = static_cast<NSString*>(key);
         if (const unichar* units = string->contiguousCharacters())
             _entries.push_back({string, value, {units, string->length()}});
@@ -143,7 +153,7 @@ class Walk {
                                     std::to_string(_maximumDepth) + " deep"};
     }
 
-    // Where the walk is: keys and indexes of what was entered last, from the root on.
+    // The place of the object that was entered last: keys and indexes from the root on.
     std::string keyPath() {
         std::string path;
         for (const Frame& frame : _frames) {

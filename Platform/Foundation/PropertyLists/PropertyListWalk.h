@@ -11,7 +11,7 @@ namespace pelvor {
 /// What an object is in a property list.
 enum class PropertyListKind : std::uint8_t { foreign, string, data, date, number, array, dictionary };
 
-/// Told of the objects in their order.
+/// Is shown the objects in their order.
 class PropertyListVisitor {
   public:
     virtual void visitLeaf(PropertyListKind kind, Object* object) = 0;
@@ -26,9 +26,9 @@ class PropertyListVisitor {
     ~PropertyListVisitor() = default;
 };
 
-/// Shows the visitor the root and all below it, a dictionary in the order of its keys' units. Throws
-/// PropertyListFault, with the key path, for an object that no property list holds, a key that is no string,
-/// nesting past the limit, and adds the key path to what the visitor throws.
+/// Shows the visitor the root and all objects below the root; a dictionary's in the order of the keys' units.
+/// Throws PropertyListFault, with the key path, for an object that no property list holds, for a key that is
+/// no string and for nesting past the limit. Adds the key path to faults that the visitor throws.
 void walkPropertyList(Object* root, PropertyListVisitor& visitor);
 
 }  // namespace pelvor

@@ -8,11 +8,11 @@
 
 namespace pelvor {
 
-/// What says in which encoding the bytes are.
+/// Where the encoding of the bytes is told.
 enum class XMLEncoding { declared, utf8 };
 
-/// The list that the document holds. Throws PropertyListFault with line and column for anything else, and for
-/// a document type with declarations in it.
+/// Returns the list that the document holds. Throws PropertyListFault with line and column for any other
+/// document, and for a document type with declarations in it.
 Retained<Object> readXMLPropertyList(std::string_view bytes, NSPropertyListMutabilityOptions options,
                                      XMLEncoding encoding = XMLEncoding::declared);
 

@@ -32,7 +32,7 @@ constexpr std::size_t kNarrowestData = 20;
 using Units8 = std::uint16_t __attribute__((vector_size(16)));
 using Bytes8 = std::uint8_t __attribute__((vector_size(8)));
 
-// Writes eight units that stand for themselves in XML as eight bytes; false if one of them does not.
+// Writes eight units as eight bytes. Returns false if one of the units does not stand for itself in XML.
 bool copyPlain(const unichar* units, char* out) {
     Units8 eight;
     std::memcpy(&eight, units, sizeof eight);
@@ -56,7 +56,7 @@ char* copyLiteral(char* out, std::string_view text) {
     throw PropertyListFault{std::string("the character ") + name + " cannot be written as XML"};
 }
 
-// One unit below U+0080; six bytes at most.
+// Writes one unit below U+0080, which takes six bytes at most.
 char* writeASCII(unichar unit, char* out) {
     switch (unit) {
         case '<':
@@ -65,7 +65,7 @@ char* writeASCII(unichar unit, char* out) {
             return copyLiteral(out, "&gt;");
         case '&':
             return copyLiteral(out, "&amp;");
-        case '\r':  // a reader takes a bare one for a line feed
+        case '\r':  // a reader takes a bare carriage return for a line feed
             return copyLiteral(out, "&#13;");
         default:
             if (unit < 0x20 && unit != '\t' && unit != '\n') refuseCharacter(unit);
@@ -207,7 +207,7 @@ class Writer final : public PropertyListVisitor {
     }
 
     GrowingBytes& _bytes;
-    std::vector<std::string_view> _endTags;  // of what is open; "" for what is empty
+    std::vector<std::string_view> _endTags;  // of the open elements; "" for an empty element
 };
 
 }  // namespace

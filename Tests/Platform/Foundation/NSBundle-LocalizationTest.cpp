@@ -69,10 +69,16 @@ TEST_F(NSBundleLocalizationTest, ATranslationThatEqualsTheValueIsNotTheValue) {
 
 TEST_F(NSBundleLocalizationTest, ATableThatCannotBeReadIsLoggedOnce) {
     auto* bundle = bundleIn({"en"});
-    folder.write("A.bundle/Contents/Resources/en.lproj/Bad.strings", "\"_Key\" = ");
+    const fs::path resources = "A.bundle/Contents/Resources/en.lproj";
+    folder.write(resources / "Bad.strings", "\"_Key\" = ");
+    folder.write(resources / "List.strings", "(_Key)");
+    folder.write(resources / "Empty.strings", "");
     LogLines log;
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(shown(look(bundle, u"_Key"_ns, nullptr, u"Bad"_ns)), "_Key");
-    EXPECT_THAT(log.lines, ElementsAre(HasSubstr("Bad.strings")));
+    for (NSString* table : {u"Bad"_ns, u"Bad"_ns, u"List"_ns, u"Empty"_ns})
+        EXPECT_EQ(shown(look(bundle, u"_Key"_ns, nullptr, table)), "_Key");
+    EXPECT_THAT(log.lines,
+                ElementsAre(HasSubstr("Bad.strings cannot be read: line 1, column 10: the text ends"),
+                            HasSubstr("List.strings cannot be read: it is a list")));
 }
 
 }  // namespace

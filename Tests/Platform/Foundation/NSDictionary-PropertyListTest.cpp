@@ -37,6 +37,7 @@ TEST_F(PropertyListFiles, ThatAreMissingDamagedOrOfAnotherKindGiveNone) {
     for (NSString* name : {file("array", "(a)"), static_cast<NSString*>(nullptr)})
         EXPECT_FALSE(Dictionaries::initWithContentsOfFile(name)) << name;
     EXPECT_FALSE(Arrays::initWithContentsOfFile(file("dictionary", "{}")));
+    EXPECT_EQ(Dictionaries::dictionaryWithContentsOfFile(file("empty.strings", ""))->count(), 0u);
 }
 
 TEST_F(PropertyListFiles, GiveMutableClassesMutableLists) {

@@ -108,8 +108,8 @@ TEST_P(PropertyListFormats, RefuseForeignObjectsByClassAndPlace) {
               "refused: at styles.1.x: an object of class NSNull has no place in a property list");
     EXPECT_FALSE(isValid(list, GetParam()));
     id numbered = NSArray::of({NSDictionary::of({{NSNumber::numberWithInt(1), u"x"_ns}})});
-    EXPECT_EQ(written(numbered, GetParam()), "refused: at 0: a key of class NSPlainNumber is no string");
-    EXPECT_EQ(written(nullptr, GetParam()), "refused: there is no object");
+    EXPECT_EQ(written(numbered, GetParam()), "refused: at 0: a key of class NSNumber is no string");
+    EXPECT_EQ(written(nullptr, GetParam()), "refused: the object is null");
 }
 
 TEST(PropertyLists, RefuseAsXMLWhatXMLCannotHold) {
@@ -221,6 +221,13 @@ TEST(PropertyLists, CanBeAskedForWithoutPlacesForFormatAndErrorAndBySelector) {
     EXPECT_TRUE(readPlainly(dataOf("(a)")));
     EXPECT_FALSE(readPlainly(dataOf("(a")) || readPlainly(nullptr));
     EXPECT_EQ(refusal(""), "there are no bytes");
+    auto readFile = &NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error;
+    NSPropertyListError* reason = nullptr;
+    for (auto [path, expected] : {std::pair{u"/no/file"_ns, "the file cannot be read: No such file or directory"},
+                                  {static_cast<NSString*>(nullptr), "the path is null"}}) {
+        EXPECT_FALSE(readFile(path, NSPropertyListImmutable, nullptr, &reason));
+        EXPECT_EQ(shown(reason), expected);
+    }
     NSPropertyListFormat format{};
     NSPropertyListError* error = nullptr;
     EXPECT_FALSE(send<id>(NSPropertyListSerialization::classObject(),

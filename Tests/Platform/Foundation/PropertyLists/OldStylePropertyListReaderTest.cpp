@@ -35,7 +35,7 @@ TEST(OldStylePropertyLists, AreReadInAllTheirForms) {
 
 TEST(OldStylePropertyLists, UnderstandEscapes) {
     expectAll({"\"a\\nb\\tc\\\\d\\\"e\\'f\" -> a\nb\tc\\d\"e'f", "\"\\a\\b\\f\\r\\v\\q\" -> \a\b\f\r\vq",
-               "\"\\U00e4\\u65E5\\UD83D\\UDE00\\U41g\" -> \u00E4\u65E5\U0001F600Ag",
+               "\"\\U00e4\\u65E5\\UD83D\\UDE00\\U41g\\Ux\\u\" -> \u00E4\u65E5\U0001F600AgUxu",
                "\"\\101\\60\\0018\\12\" -> A0\0018\n", "\"\\341\\256\\377\" -> \u00C6\uFB01\uFFFD",
                "\"a\\\nb\" -> a\nb"},
               listOf);
@@ -52,6 +52,8 @@ TEST(OldStylePropertyLists, ComeInUTF8AndInUTF16WithAMark) {
     for (const std::string& bytes : {big, little, NSString::of(text)->toUTF8()})
         EXPECT_TRUE(table->isEqual(read(bytes).list));
     EXPECT_EQ(refusal(big + "x"), "at byte 24: UTF-16 with half a unit");
+    for (const char* mark : {"\xFF\xFE\0\0", "\0\0\xFE\xFF", "{\0\0\0", "\0\0\0<"})
+        EXPECT_THAT(refusal(std::string(mark, 4) + std::string("}\0\0\0", 4)), HasSubstr("UTF-32"));
     EXPECT_EQ(refusal("( a,\n  \"\xE4\" )"), "line 2, column 4: bytes that are not UTF-8");
 }
 
@@ -70,7 +72,6 @@ TEST(OldStylePropertyLists, TellWhereTheyAreWrong) {
                "a = b -> line 1, column 6: the text ends where there should be ';'",
                "\"a\nb -> line 1, column 2: a string without an end",
                "\"a\\ -> line 1, column 4: a string without an end",
-               "\"\\Ux\" -> line 1, column 4: 'x' where there should be a hexadecimal digit",
                "/* a -> line 1, column 1: a comment without an end",
                "<0> -> line 1, column 3: data with half a byte",
                "<0x> -> line 1, column 3: 'x' where there should be a hexadecimal digit or '>'",
@@ -89,6 +90,8 @@ TEST(OldStylePropertyLists, AreTheTextOfStrings) {
     EXPECT_TRUE(table->isEqual(send<id>(u"{ a = b; }"_ns, "propertyListFromStringsFileFormat"_sel)));
     EXPECT_EQ(propertyListFromStringsFileFormat(u""_ns)->count(), 0u);
     for (NSString* text : {u"(a)"_ns, u"a = b"_ns}) EXPECT_FALSE(propertyListFromStringsFileFormat(text));
+    EXPECT_THROW(propertyList(nullptr), NSException);
+    EXPECT_THROW(propertyListFromStringsFileFormat(nullptr), NSException);
 }
 
 }  // namespace
