@@ -3,7 +3,8 @@
 # outside this tree.
 #
 # Both kinds are a folder <Name>.bundle (a plug-in) or <Name> (a host) that holds
-#   Contents/Info.plist            identifier, name, version, name of the executable
+#   Contents/Info.plist            identifier, name, version, name of the executable; of a plug-in with code also
+#                                  the interface version that the code is built with
 #   Contents/Resources/            Profiles.plist, <language>.lproj/ string tables, other resources
 #   Contents/Linux/<Name>[.so]     the code, if any
 #   Contents/PlugIns/              the host's plug-ins
@@ -160,6 +161,10 @@ function(_pelvor_write_info path type executable)
         "CFBundleShortVersionString=${arg_VERSION}" "CFBundleVersion=${arg_VERSION}" ${arg_INFO})
     if(arg_SOURCES)
         list(APPEND pairs "CFBundleExecutable=${executable}")
+        if(type STREQUAL "BNDL")
+            # kInterfaceVersion in Runtime/Registry.h: a process loads no code that says another one.
+            list(APPEND pairs "PelvorInterfaceVersion=2")
+        endif()
     endif()
     set(entries "")
     foreach(pair IN LISTS pairs)

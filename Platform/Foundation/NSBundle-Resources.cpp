@@ -21,7 +21,7 @@ fs::path joined(const fs::path& folder, const std::string& part) {
     return part.empty() ? folder : fs::path(folder.string() + "/" + part);
 }
 
-// The files of a folder, by their names' bytes; of one extension unless that is "".
+// Returns the files of a folder in the order of their names' bytes; unless `extension` is "", only its files.
 std::vector<fs::path> filesIn(const fs::path& folder, const std::string& extension) {
     std::vector<fs::path> files;
     std::error_code error;
@@ -44,7 +44,7 @@ std::string fileIn(const fs::path& folder, const std::string& name, const std::s
     return fs::exists(file, error) ? file.string() : "";
 }
 
-// The folders in which resources are looked for, the one without language first.
+// Returns the folders with resources, of which the first has the resources without a language.
 std::vector<fs::path> resourceFolders(const fs::path& resources, const std::string& subfolder,
                                       NSArray* localizations) {
     std::vector<fs::path> folders{joined(resources, subfolder)};

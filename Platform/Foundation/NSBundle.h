@@ -12,115 +12,145 @@ class NSDictionary;
 struct BundleContents;
 struct Library;
 
-/// Posted on the default centre when a bundle has been loaded, by the loading thread. The object is the
-/// bundle; the user information has the names of the classes that came with it, an array, under
-/// "NSLoadedClasses".
+/// Posted on the default centre when a bundle has been loaded, on the thread that loaded the bundle. The
+/// object is the bundle; the user information has an array with the names of the bundle's classes under the
+/// key NSLoadedClasses.
 inline constexpr NSString* NSBundleDidLoadNotification = u"NSBundleDidLoadNotification"_ns;
 inline constexpr NSString* NSLoadedClasses = u"NSLoadedClasses"_ns;
 
-/// A folder that holds
+/// In Info.plist, the key of the interface version that the bundle's code was built with, as a text:
+/// `pelvor_add_plugin` of the CMake package writes it. See `NSBundle::load`.
+inline constexpr NSString* PelvorInterfaceVersionKey = u"PelvorInterfaceVersion"_ns;
+
+/// A folder with code, resources and a description of them:
 ///
 ///     Contents/Info.plist            what the bundle says about itself, a dictionary
-///     Contents/Resources/            resources; those in a language in <language>.lproj
-///     Contents/Linux/<executable>    code, under the name that Info.plist has as CFBundleExecutable
+///     Contents/Resources/            resources; those in a language lie in <language>.lproj
+///     Contents/Linux/<executable>    the code; Info.plist has the file's name as CFBundleExecutable
 ///     Contents/PlugIns/              further bundles
 ///
-/// or has the same without the folder Contents. Plug-ins are called Name.bundle, frameworks Name.framework,
-/// and a host's own folder simply Name. A program that lies in no such folder has the folder it lies in as
-/// its bundle. There is one object a folder, which lives as long as the process. Any thread.
+/// The folder Contents may be left out; its members then lie in the bundle's folder itself. Plug-ins are
+/// called Name.bundle, frameworks Name.framework, and a host's own folder is simply called Name. The bundle
+/// of a program that lies in no such folder is the folder that the program lies in.
+///
+/// A host loads its plug-ins, and finds a text in the user's language:
+///
+///     NSBundle* own = NSBundle::mainBundle();
+///     for (id plugIn : NSBundle::bundlesInDirectory(own->builtInPlugInsPath()))
+///         cast<NSBundle>(plugIn)->load();  // a plug-in that cannot be loaded is logged
+///     NSString* title = own->localizedStringForKey_value_table(u"_Open"_ns, nullptr, nullptr);
+///
+/// A folder has one bundle object, which lives as long as the process. Results are borrowed. Any thread.
 class PELVOR_EXPORT NSBundle : public NSObject {
     PELVOR_CLASS(NSBundle, NSObject);
 
   public:
-    /// Finds the main bundle and the frameworks that the program is linked to. May be sent again.
+    /// Finds the main bundle and the frameworks that the program is linked to. The runtime sends it.
     static void initialize(Class* cls);
 
     // Bundles
 
-    /// The program's.
+    /// Returns the program's bundle.
     static NSBundle* mainBundle();
-    /// The bundle of the folder, made on first demand; none if there is no such folder.
+    /// Returns the bundle of the folder, which is made on first demand; null if there is no such folder.
     static NSBundle* bundleWithPath(NSString* path, Class* cls = classObject());
     static Retained<NSBundle> initWithPath(NSString* path, Class* cls = classObject());
-    /// The bundle whose code the class belongs to. Classes of the program and of the libraries it is linked
-    /// to are the main bundle's, unless their library is a framework's; those made at run time belong
-    /// where their superclass does. None for none.
+    /// Returns the bundle whose code the class belongs to. Classes of the program, and of the libraries that
+    /// the program is linked to, belong to the main bundle, unless their library is a framework's. A class
+    /// that was made at run time belongs where its superclass belongs. Returns null for null.
     static NSBundle* bundleForClass(Class* cls);
-    /// The first one, of `allFrameworks` behind `allBundles`, that has the identifier.
+    /// Returns the first bundle that has the identifier, searching `allBundles` and then `allFrameworks`;
+    /// null if there is none.
     static NSBundle* bundleWithIdentifier(NSString* identifier);
-    /// The main bundle, then all others that are no frameworks in the order in which they were first asked
-    /// for.
+    /// Returns the main bundle, and after it all other bundles that are no frameworks, in the order in which
+    /// they were first asked for.
     static NSArray* allBundles();
-    /// In the order in which they were found, registered or first asked for.
+    /// Returns the frameworks in the order in which they were found, registered or first asked for.
     static NSArray* allFrameworks();
-    /// The bundles <path>/*.bundle, in the order of the bytes of their names; none is loaded by it. A folder
-    /// that cannot be read gives none and a line in the log, one that is not there gives none.
+    /// Returns the bundles <path>/*.bundle in the order of the bytes of their names, without loading any. If
+    /// the folder cannot be read, the array is empty and the log tells why; if there is no such folder, the
+    /// array is empty.
     static NSArray* bundlesInDirectory(NSString* path);
-    /// Makes the folder a framework of the process, whatever its name, and answers its bundle, or none if
-    /// there is no such folder.
+    /// Makes the folder a framework of the process, whatever its name. Returns its bundle, or null if there
+    /// is no such folder.
     static NSBundle* registerFramework(NSString* path);
 
     // C++ only
-    /// `registerFramework` for a framework whose classes are those of the library.
+    /// Does the same for a framework whose classes are those of the library.
     static NSBundle* registerFramework_library(NSString* path, Library& library);
 
     // What a bundle says about itself
 
-    /// With symbolic links resolved.
+    /// Returns the bundle's folder, with symbolic links resolved.
     NSString* bundlePath();
     NSString* resourcePath();
     NSString* builtInPlugInsPath();
-    /// None if the bundle names no executable.
+    /// Returns where the bundle's code is, or would be; null if Info.plist names no executable.
     NSString* executablePath();
     NSString* bundleIdentifier();
-    /// Empty if there is none that can be read.
+    /// Returns what Info.plist holds; an empty dictionary if the file cannot be read or used.
     NSDictionary* infoDictionary();
-    /// The string table InfoPlist in the user's language, or none.
+    /// Returns the string table InfoPlist in the user's language; null if there is none.
     NSDictionary* localizedInfoDictionary();
-    /// The localised value, else the other one.
+    /// Returns the value of `localizedInfoDictionary`, else that of `infoDictionary`, else null.
     id objectForInfoDictionaryKey(NSString* key);
 
-    // Resources. A name may carry its extension if the type is none or empty. Looked for is first what is in
-    // no language, then what is in the preferred localisations. A subfolder is one of Resources, and of the
-    // .lproj folders; none stands for themselves.
+    // Resources. The type is the extension of the file's name, with or without its full stop; with a null or
+    // empty type, the name carries its extension itself. Resources without a language are found before those
+    // of the preferred localisations. A subfolder is a folder in Resources or in a .lproj folder; null stands
+    // for Resources and the .lproj folders themselves.
 
-    /// The path of the file; with no name, of the first one of the type. None if there is none.
+    /// Returns the path of the file; for a null name, the path of the first file of the type. Returns null if
+    /// there is no such file.
     NSString* pathForResource_ofType(NSString* name, NSString* type);
     NSString* pathForResource_ofType_inDirectory(NSString* name, NSString* type, NSString* subfolder);
-    /// Of all languages only this one.
+    /// Searches Resources and, of all languages, only this one.
     NSString* pathForResource_ofType_inDirectory_forLocalization(NSString* name, NSString* type,
                                                                  NSString* subfolder, NSString* localization);
-    /// The files of the type, of several with one name the preferred one; ordered by folder, then by name.
-    /// No type stands for all.
+    /// Returns the paths of all files of the type, ordered by folder and then by name. Of several files with
+    /// one name, the preferred one is returned. A null type stands for all types.
     NSArray* pathsForResourcesOfType_inDirectory(NSString* type, NSString* subfolder);
 
     // Languages
 
-    /// The names of the .lproj folders, in order.
+    /// Returns the names of the .lproj folders in the order of their bytes: "de", "en".
     NSArray* localizations();
-    /// Those of them that the user understands, best first: for each of the user's languages itself, then
-    /// without its region ("fr_CA", "fr"); behind them the bundle's own language, CFBundleDevelopmentRegion,
-    /// and English.
+    /// Returns the localisations that the user understands, the best one first: for each of the user's
+    /// languages the language itself and then the language without its region ("fr_CA", "fr"); after them the
+    /// bundle's own language, CFBundleDevelopmentRegion, and English.
     NSArray* preferredLocalizations();
-    /// The text for the key in the string table (none: "Localizable"), as the first preferred localisation
-    /// has it that has the table. Without one, `value` itself if it has any characters, else the key.
+    /// Returns the text for the key in the string table <table>.strings of the first preferred localisation
+    /// that has the table. A null or empty `table` stands for "Localizable". Where there is no text, returns
+    /// `value` itself if it has any characters, else the key. A table that cannot be read counts as empty,
+    /// and the log tells why, with line and column.
     NSString* localizedStringForKey_value_table(NSString* key, NSString* value, NSString* table);
 
     // Code
 
-    /// Loads the bundle's code, registers its classes and posts NSBundleDidLoadNotification. Whether the
-    /// bundle is loaded then. A failure leaves nothing behind that could be used and writes one line to the
-    /// log, which names bundle, stage and reason. A bundle without code is loaded by no more than the
-    /// notification. Code is never unloaded.
+    /// Loads the bundle's code, registers its classes and posts NSBundleDidLoadNotification. Returns whether
+    /// the bundle is loaded afterwards; a failure is one line of the log with the bundle, the stage and the
+    /// reason, and leaves nothing behind that could be used. Loading a bundle without code does nothing but
+    /// post. Code is never unloaded. The stages:
+    ///
+    ///     information   Info.plist is there, can be read, and has texts where texts belong
+    ///     identifier    no loaded bundle has the same CFBundleIdentifier
+    ///     executable    the file is code for this machine
+    ///     interface     the code was built with the interface version of this process
+    ///     code          the system's loader and the constructors in the code succeed
+    ///     registration  the code gives the list of its classes, whose names are free
+    ///
+    /// The interface version is told twice. Info.plist has to have it under PelvorInterfaceVersionKey, so
+    /// that no constructor runs in code that cannot work; the list of classes has it too, and is refused if
+    /// it is no list of this platform.
     bool load();
-    /// The same with the stage and the reason as text, borrowed, in place of the line in the log; none for
-    /// success. `reason` may be none.
+    /// Does the same without a line in the log. `reason`, unless null, receives "stage: reason", or null
+    /// after a success.
     bool loadAndReturnError(NSString** reason);
     bool isLoaded();
-    /// The class that Info.plist has as NSPrincipalClass, else the first of the bundle's library; loads the
-    /// bundle. None if there is none.
+    /// Loads the bundle and returns the class that Info.plist names as NSPrincipalClass, else the first class
+    /// of the bundle's library. Returns null if there is no such class or the bundle cannot be loaded.
     Class* principalClass();
-    /// The class of that name if it is the bundle's; loads the bundle.
+    /// Loads the bundle and returns the class of that name if the class belongs to the bundle, else null.
     Class* classNamed(NSString* name);
 
     NSString* description() override;

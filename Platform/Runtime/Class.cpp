@@ -53,8 +53,8 @@ void requireSubclass(Class* cls, Class* ancestor) {
 
 void detail::raiseMadeOther(Object* made, Class* wanted) {
     throw NSException(NSInvalidArgumentException,
-                      std::string("the creator makes objects of class ") + made->isa()->name() + ", none of class " +
-                          wanted->name() + ": the class needs a creator of its own");
+                      std::string("the creator makes objects of class ") + made->isa()->name() +
+                          ", none of class " + wanted->name() + ": the class needs a creator of its own");
 }
 
 // MARK: Methods
@@ -227,9 +227,10 @@ Object* Class::createInstance() {
 Class* Class::createSubclass(const char* name, Class* superclass) {
     Registry& registry = Registry::shared();
     std::lock_guard guard(registry.mutex);
-    if (registry.classNamed(name))
-        throw NSException(NSInvalidArgumentException,
-                          std::string("the class name ") + name + " is already taken");
+    if (const Class* holder = registry.classNamed(name))
+        throw NSException(NSInvalidArgumentException, std::string("createSubclass: the class ") + name +
+                                                          " cannot be made: " + Registry::ownerOf(*holder) +
+                                                          " has a class of that name");
     superclass->methodGroups();
     const char* copy = registry.keepName(name);
     auto* memory = static_cast<Class*>(::operator new(2 * sizeof(Class), std::align_val_t(alignof(Class))));

@@ -55,14 +55,26 @@ void Registry::collectUnregistered(Library& library, std::vector<Library*>& libr
 
 void Registry::refuseTakenNames(const Library& library, const std::vector<Library*>& libraries) {
     for (const Class* cls : library.classes) {
-        bool isTaken = _classesByName.contains(cls->name());
-        for (const Library* each : libraries)
-            for (const Class* other : each->classes)
-                isTaken |= other != cls && std::strcmp(other->name(), cls->name()) == 0;
-        if (isTaken && !cls->_isRegistered)
-            throw NSException(NSInvalidArgumentException, std::string("the class name ") + cls->name() +
-                                                              " of " + library.name + " is already taken");
+        const Class* holder = cls->_isRegistered ? nullptr : holderOfName(cls, libraries);
+        if (!holder) continue;
+        throw NSException(NSInvalidArgumentException, std::string("registerLibrary: the class ") +
+                                                          cls->name() + " of the library " + library.name +
+                                                          " is refused: " + ownerOf(*holder) +
+                                                          " has a class of that name");
     }
+}
+
+std::string Registry::ownerOf(const Class& cls) {
+    return cls.library() ? std::string("the library ") + cls.library()->name : "the program";
+}
+
+// Another class of the name, registered or about to be; null if there is none.
+const Class* Registry::holderOfName(const Class* cls, const std::vector<Library*>& libraries) {
+    if (auto found = _classesByName.find(cls->name()); found != _classesByName.end()) return found->second;
+    for (const Library* each : libraries)
+        for (const Class* other : each->classes)
+            if (other != cls && std::strcmp(other->name(), cls->name()) == 0) return other;
+    return nullptr;
 }
 
 // The code that fills the tables may throw: then no class keeps any.

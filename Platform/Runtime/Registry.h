@@ -35,7 +35,7 @@ struct Category {
 /// The version of the binary interface between hosts and plug-ins: the layout of objects and records and the C++
 /// functions that headers name. It grows with every change after which code has to be compiled again, and code that was
 /// compiled with another one is refused.
-inline constexpr std::uint32_t kInterfaceVersion = 2;
+inline constexpr std::uint32_t kInterfaceVersion = 2;  // also in cmake/PelvorPlugIn.cmake
 
 /// The list of a library or plug-in: what it needs, its classes and its categories. One constant a library, in its own
 /// .cpp. It is registered once, as a whole, and for good.

@@ -16,30 +16,32 @@ struct Library;
 
 /// What Info.plist says.
 struct BundleInformation {
-    Retained<NSDictionary> dictionary;  ///< empty where it cannot be used
-    std::string fault;                  ///< why not; "" for a sound one
+    Retained<NSDictionary> dictionary;  ///< empty if Info.plist cannot be used
+    std::string fault;                  ///< why Info.plist cannot be used; "" if it can
 };
 
-/// Reads the file. Everything in it that the platform uses is of the right type in a sound one.
+/// Reads the file. In the dictionary of a sound file, all values that the platform uses are of the right
+/// type.
 BundleInformation readBundleInformation(const std::string& path);
 
 /// The largest Info.plist that is read, in bytes.
 inline constexpr std::uint64_t kLargestBundleInformation = 16u << 20;
 
-/// What a bundle's object knows. What is read lazily is guarded by `mutex`; the first block does not change
-/// after the object was made, `isFramework` and the state of the code aside.
+/// What a bundle's object knows. `mutex` guards what is read on demand, which stands behind it. Before the
+/// mutex stands what does not change after the object was made, except `isFramework` and the state of the
+/// code.
 struct BundleContents {
     enum class Code : std::uint8_t {
         notLoaded,
         loading,
         loaded,
-        unusable  ///< in memory, but a constructor of it failed
+        unusable  ///< in memory, but a constructor failed
     };
 
     Retained<NSString> path;
     std::string folder;  ///< Contents, or the bundle itself
     std::string resources;
-    std::string executable;  ///< known beforehand of the main bundle only
+    std::string executable;  ///< only of the main bundle, from the beginning
     std::atomic<bool> isFramework{false};
     std::atomic<Code> code{Code::notLoaded};
     std::string faultOfCode;

@@ -17,8 +17,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// By message to a path string: while bundles are set up, the program may have the method of that class
-// replaced by one that resolves nothing.
+// Sends a message to a path string: while bundles are set up, the program may have replaced the method of the
+// path string's class by one that resolves nothing.
 std::string resolved(const std::string& path) {
     AutoreleasePool pool;
     auto* string = NSPathStore2::of(NSString::ofUTF8(path)->toUTF16());
@@ -41,7 +41,7 @@ std::string bundleFolderOf(const fs::path& executable) {
 
 bool isFrameworkPath(const std::string& path) { return fs::path(path).extension() == ".framework"; }
 
-// The framework that the file is the code of, "" if it is none's.
+// Returns the framework to which the file belongs; "" if the file belongs to none.
 std::string frameworkFolderOf(const std::string& file) {
     if (file.find('/') == std::string::npos) return "";
     std::error_code error;
@@ -79,6 +79,7 @@ void BundleList::setUpMain() {
     contents(bundle).executable = executable;
     contents(bundle).code = BundleContents::Code::loaded;
     _main = add(std::move(bundle));
+    noteLoaded(_main);
 }
 
 void BundleList::setUpFrameworks() {
@@ -107,7 +108,7 @@ Retained<NSBundle> BundleList::make(const std::string& path, Class* cls) {
     return bundle;
 }
 
-// The bundle, or the one that another thread has made of the folder meanwhile.
+// Returns the bundle, or the bundle that another thread has made of the folder meanwhile.
 NSBundle* BundleList::add(Retained<NSBundle> bundle) {
     std::lock_guard guard(_mutex);
     auto [place, isNew] = _byPath.emplace(contents(bundle).path->toUTF8(), bundle.get());
@@ -138,6 +139,25 @@ void BundleList::makeFramework(NSBundle* bundle) {
     if (!bundle || bundle == _main) return;
     contents(bundle).isFramework = true;
     contents(bundle).code = BundleContents::Code::loaded;
+    noteLoaded(bundle);
+}
+
+void BundleList::noteLoaded(NSBundle* bundle) {
+    std::lock_guard guard(_mutex);
+    _newlyLoaded.push_back(bundle);
+}
+
+// An identifier is read when it is first needed, which is not before the program has a bundle to load.
+NSBundle* BundleList::loadedBundle(const std::string& identifier) {
+    std::vector<NSBundle*> newlyLoaded;
+    {
+        std::lock_guard guard(_mutex);
+        newlyLoaded.swap(_newlyLoaded);
+    }
+    for (NSBundle* bundle : newlyLoaded)
+        if (NSString* own = bundle->bundleIdentifier()) _loadedByIdentifier.emplace(own->toUTF8(), bundle);
+    auto found = _loadedByIdentifier.find(identifier);
+    return found == _loadedByIdentifier.end() ? nullptr : found->second;
 }
 
 // MARK: Classes

@@ -18,20 +18,29 @@ class BundleList {
   public:
     static BundleList& shared();
 
-    /// Makes the main bundle and those of the frameworks that the program is linked to, the first time.
+    /// At its first call, makes the main bundle and the bundles of the frameworks that the program is linked
+    /// to.
     void setUp();
 
     NSBundle* mainBundle() const { return _main; }
-    /// The folder's bundle, an object of the class if it has to be made; none if there is no folder.
+    /// Returns the folder's bundle, which is made as an object of the class on first demand; null if there is
+    /// no such folder.
     NSBundle* bundleWithPath(const std::string& path, Class* cls);
-    /// The bundles in the order in which they were made, the main bundle first.
+    /// Returns the bundles in the order in which they were made, the main bundle first.
     std::vector<NSBundle*> all();
     NSBundle* bundleForClass(Class* cls);
 
     void makeFramework(NSBundle* bundle);
-    /// The library's classes are the bundle's from now on, and so is all code in the file at this address.
+    /// From now on the library's classes belong to the bundle, and so does all code in the file at the
+    /// address.
     void noteLibrary(Library* library, NSBundle* bundle);
     void noteCode(const void* base, NSBundle* bundle);
+
+    /// The bundle is loaded: `loadedBundle` finds it from now on.
+    void noteLoaded(NSBundle* bundle);
+    /// Returns the loaded bundle with the identifier; null if there is none. For the thread that loads a
+    /// bundle.
+    NSBundle* loadedBundle(const std::string& identifier);
 
     static BundleContents& contents(NSBundle* bundle) { return *bundle->_contents; }
 
@@ -49,6 +58,8 @@ class BundleList {
     std::unordered_map<std::string, NSBundle*> _byPath;
     std::unordered_map<const Library*, NSBundle*> _byLibrary;
     std::unordered_map<const void*, NSBundle*> _byCode;
+    std::vector<NSBundle*> _newlyLoaded;  // not yet among those found by their identifiers
+    std::unordered_map<std::string, NSBundle*> _loadedByIdentifier;
 };
 
 }  // namespace pelvor

@@ -23,6 +23,13 @@ void collectClassNames(const Library& library, std::vector<std::string>& names) 
     for (const Class* cls : library.classes) names.emplace_back(cls->name());
 }
 
+void refuseOtherInterface(const std::string& version) {
+    const std::string own = std::to_string(kInterfaceVersion);
+    if (version != own)
+        throw BundleFault{"interface", "the code was built with interface version " + version +
+                                           ", this process has interface version " + own};
+}
+
 }  // namespace
 
 BundleLoader::BundleLoader(NSBundle* bundle) : _bundle(bundle), _contents(BundleList::contents(bundle)) {}
@@ -57,10 +64,11 @@ void BundleLoader::run(std::vector<std::string>& classNames) {
     checkIdentifier();
     if (NSString* executable = _bundle->executablePath())
         registerClasses(findLibrary(loadCode(executable->toUTF8())), classNames);
+    BundleList::shared().noteLoaded(_bundle);
     _contents.code = Code::loaded;
 }
 
-// Reads again what was at fault: the file may have been mended.
+// Reads a file that was at fault again: somebody may have mended the file.
 void BundleLoader::checkInformation() {
     std::lock_guard guard(_contents.mutex);
     if (!_contents.hasInformation || !_contents.information.fault.empty()) {
@@ -73,15 +81,25 @@ void BundleLoader::checkInformation() {
 void BundleLoader::checkIdentifier() {
     NSString* identifier = _bundle->bundleIdentifier();
     if (!identifier) return;
-    for (NSBundle* other : BundleList::shared().all())
-        if (other != _bundle && other->isLoaded() && identifier->isEqual(other->bundleIdentifier()))
-            throw BundleFault{"identifier",
-                              identifier->toUTF8() + " is already that of " + other->bundlePath()->toUTF8()};
+    if (NSBundle* other = BundleList::shared().loadedBundle(identifier->toUTF8()))
+        throw BundleFault{"identifier",
+                          identifier->toUTF8() + " is already that of " + other->bundlePath()->toUTF8()};
+}
+
+// Before any of the code runs.
+void BundleLoader::checkInterface() {
+    id version = _bundle->infoDictionary()->objectForKey(PelvorInterfaceVersionKey);
+    if (!version)
+        throw BundleFault{"interface", PelvorInterfaceVersionKey->toUTF8() +
+                                           " is missing in Info.plist; this process has interface version " +
+                                           std::to_string(kInterfaceVersion)};
+    refuseOtherInterface(version->description()->toUTF8());
 }
 
 void* BundleLoader::loadCode(const std::string& executable) {
     if (std::string fault = faultInCodeFile(executable); !fault.empty())
         throw BundleFault{"executable", fault};
+    checkInterface();
     CodeFile code = loadCodeFile(executable);
     if (code.isPartlyConstructed) {
         _contents.faultOfCode = code.fault;
@@ -100,7 +118,11 @@ Library* BundleLoader::findLibrary(void* handle) {
     } catch (...) {
         throw BundleFault{"registration", "pelvorPlugInLibrary raised: " + currentExceptionReason()};
     }
-    if (!library) throw BundleFault{"registration", "pelvorPlugInLibrary answers none"};
+    if (!library) throw BundleFault{"registration", "pelvorPlugInLibrary returns null"};
+    if (library->mark != Library::kMark)
+        throw BundleFault{"interface",
+                          "pelvorPlugInLibrary returns what is no library record of this platform"};
+    refuseOtherInterface(std::to_string(library->interfaceVersion));
     if (library->isRegistered)
         throw BundleFault{"registration",
                           std::string("the library ") + library->name + " is registered already"};

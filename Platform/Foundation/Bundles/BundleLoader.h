@@ -13,7 +13,7 @@ struct BundleContents;
 
 /// Why a bundle was not loaded.
 struct BundleFault {
-    const char* stage;  ///< "information", "identifier", "executable", "code" or "registration"
+    const char* stage;  ///< "information", "identifier", "executable", "interface", "code", "registration"
     std::string reason;
 };
 
@@ -22,7 +22,7 @@ class BundleLoader {
     enum class Outcome { loaded, wasLoaded };
 
     /// Loads the bundle's code and registers its classes, whose names `classNames` receives. Throws
-    /// BundleFault. One bundle at a time; a bundle may be loaded while another one is.
+    /// BundleFault. Threads take turns; a constructor in the code of a bundle may load another bundle.
     static Outcome load(NSBundle* bundle, std::vector<std::string>& classNames);
 
   private:
@@ -31,6 +31,7 @@ class BundleLoader {
     void run(std::vector<std::string>& classNames);
     void checkInformation();
     void checkIdentifier();
+    void checkInterface();
     void* loadCode(const std::string& executable);
     Library* findLibrary(void* handle);
     void registerClasses(Library* library, std::vector<std::string>& classNames);

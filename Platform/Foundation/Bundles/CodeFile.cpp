@@ -27,7 +27,7 @@ class File {
     File& operator=(const File&) = delete;
 
     bool isOpen() const { return _descriptor >= 0; }
-    /// -1 for what is no plain file.
+    /// Returns -1 if this is no plain file.
     off_t size() const {
         struct stat status;
         return fstat(_descriptor, &status) == 0 && S_ISREG(status.st_mode) ? status.st_size : -1;
@@ -86,8 +86,8 @@ std::string faultInCodeFile(const std::string& path) {
 }
 
 CodeFile loadCodeFile(const std::string& path) {
-    // Declared never to throw, which is not true of the constructors that it runs: a handler round a direct
-    // call would be left out by the compiler.
+    // The function is declared never to throw, but the constructors that it runs may: the compiler would leave
+    // out a handler round a direct call.
     void* (*volatile const load)(const char*, int) = dlopen;
     CodeFile code;
     LoaderLock lock;

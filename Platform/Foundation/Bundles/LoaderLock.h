@@ -8,14 +8,14 @@
 
 namespace pelvor {
 
-/// The GNU C library runs the constructors of a file that it loads while it holds a lock of its own, and does
-/// not give it back when one of them throws: from then on every other thread that loads code or looks up a
-/// symbol would wait for ever. Made before a load, this notes what the thread holds, and gives back the rest
-/// when the load has thrown. Where no such lock is found, it does nothing.
+/// The GNU C library holds a lock of its own while it runs the constructors of a file, and does not give the
+/// lock back when a constructor throws: from then on every other thread that loads code or looks up a symbol
+/// would wait for ever. An object of this class, made before a load, notes the locks that the thread holds,
+/// and gives back all others after a load that threw. Where there is no such lock, the object does nothing.
 class LoaderLock {
   public:
     LoaderLock();
-    /// Gives back what this thread has taken since.
+    /// Gives back the locks that this thread has taken since the object was made.
     void restore();
 
   private:

@@ -32,6 +32,8 @@ class Registry {
     void keep(const CacheEntry* entry);
     /// The name of a class made or renamed at run time, kept for good.
     const char* keepName(std::string name);
+    /// Whose the class is, for messages: "the library Lamp", or "the program".
+    static std::string ownerOf(const Class& cls);
 
     std::recursive_mutex mutex;
     std::condition_variable_any initialization;  ///< a class's `initialize` has ended
@@ -39,6 +41,7 @@ class Registry {
   private:
     static void collectUnregistered(Library& library, std::vector<Library*>& libraries);
     void refuseTakenNames(const Library& library, const std::vector<Library*>& libraries);
+    const Class* holderOfName(const Class* cls, const std::vector<Library*>& libraries);
     void defineMethods(const std::vector<Library*>& libraries);
     void attachPendingCategories(Class* cls, std::string_view name);
     void defineOwnMethods(Class* cls);

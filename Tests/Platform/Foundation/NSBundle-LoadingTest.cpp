@@ -20,7 +20,8 @@ class NSBundleLoadingTest : public ::testing::Test {
     fs::path bundleWithCode(const fs::path& bundle, const std::string& code) {
         folder.write(bundle / "Contents/Linux/code.so", code);
         return folder.makeBundle(bundle, {{"CFBundleIdentifier", "test." + bundle.filename().string()},
-                                          {"CFBundleExecutable", "code.so"}});
+                                          {"CFBundleExecutable", "code.so"},
+                                          {"PelvorInterfaceVersion", std::to_string(kInterfaceVersion)}});
     }
     NSBundle* dataBundle(const std::string& name) {
         return bundleAt(folder.makeBundle(name + ".bundle", {}));
@@ -225,20 +226,46 @@ TEST_F(BadBundleTest, FilesThatMayNotBeReadAreRefused) {
 }
 
 TEST_F(BadBundleTest, CodeThatFailsIsRefused) {
-    auto expectPlugInRefused = [this](const char* name, const char* reason) {
+    auto expectPlugInRefused = [this](const char* name, const std::string& reason) {
         expectCodeRefused(name, reason, contentOf(testPlugInCode(name)));
     };
     expectPlugInRefused("UndefinedSymbol", "code: functionThatNobodyHas");
     expectPlugInRefused("NoFunction", "registration: pelvorPlugInLibrary");
     expectPlugInRefused("RaisingFunction", "registration: not at home");
-    expectPlugInRefused("NoLibrary", "registration: answers none");
-    expectPlugInRefused("NameTaken", "registration: NSBundle of Taken is already taken");
+    expectPlugInRefused("NoLibrary", "registration: returns null");
+    expectPlugInRefused("NameTaken",
+                        "registration: the class NSBundle of the library Taken is refused: the library "
+                        "Foundation has a class of that name");
     expectPlugInRefused("RaisingTable", "registration: no methods today");
+    expectPlugInRefused("ZeroedRecord", "interface: no library record of this platform");
+    expectPlugInRefused("ForeignRecord", "interface: no library record of this platform");
+    expectPlugInRefused("OtherInterface",
+                        "interface: the code was built with interface version 4711, this process has "
+                        "interface version " +
+                            std::to_string(kInterfaceVersion));
     if (kConstructorsMayRaise) expectPlugInRefused("RaisingConstructor", "code: no lamp oil");
     std::string unlinked = contentOf(testPlugInCode("Lamp")), needed = "libstdc++.so.6";
     for (std::size_t at = 0; (at = unlinked.find(needed, at)) != std::string::npos;)
         unlinked.replace(at, needed.size(), "libxxxx++.so.6");
     expectCodeRefused("unlinked", "code: libxxxx++.so.6", unlinked);
+}
+
+TEST_F(BadBundleTest, CodeOfAnotherInterfaceIsRefusedBeforeItsConstructorsRun) {
+    // Its constructor would raise, which is a fault of the stage "code".
+    auto refuse = [this](const std::string& name, const std::string& version, const std::string& reason) {
+        const std::string entries = "<key>CFBundleExecutable</key><string>code.so</string>" + version;
+        expectRefused(name, "interface: " + reason, [&](const fs::path& plist) {
+            folder.write(plist.parent_path() / "Linux/code.so",
+                         contentOf(testPlugInCode("RaisingConstructor")));
+            folder.write(plist, propertyList("<dict>" + entries + "</dict>"));
+        });
+    };
+    const std::string key = "<key>PelvorInterfaceVersion</key>", own = std::to_string(kInterfaceVersion);
+    refuse("silent", "", "PelvorInterfaceVersion is missing in Info.plist");
+    refuse("newer", key + "<string>4711</string>",
+           "the code was built with interface version 4711, this process has interface version " + own);
+    refuse("number", key + "<integer>4711</integer>", "interface version 4711");
+    refuse("odd", key + "<array/>", "this process has interface version " + own);
 }
 
 TEST_F(BadBundleTest, WhatIsLoadedAlreadyIsRefusedUnderAnotherPath) {
@@ -247,8 +274,9 @@ TEST_F(BadBundleTest, WhatIsLoadedAlreadyIsRefusedUnderAnotherPath) {
                   information(entry("CFBundleIdentifier", "<string>test.twice</string>")));
     EXPECT_TRUE(bundleAt(testPlugIn("Lamp"))->load());
     expectRefused("loaded", "registration: is registered already", [&](const fs::path& plist) {
-        information(entry("CFBundleExecutable", "<string>code.so</string>"))(plist);
-        fs::create_symlink(testPlugInCode("Lamp"), plist.parent_path() / "Linux/code.so");
+        const fs::path bundle = plist.parent_path().parent_path();
+        fs::remove(bundleWithCode(bundle, "") / "Contents/Linux/code.so");
+        fs::create_symlink(testPlugInCode("Lamp"), bundle / "Contents/Linux/code.so");
     });
 }
 

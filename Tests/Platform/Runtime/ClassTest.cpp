@@ -199,7 +199,8 @@ TEST(ClassTest, ClassesWithoutInstancesSaySo) {
     EXPECT_EQ(RAISED(Class::classRecord.createInstance()), invalid("Class has no instances of its own"));
     EXPECT_EQ(RAISED(make<Dog>(Animal::classObject())), invalid("Animal is no subclass of Dog"));
     EXPECT_EQ(RAISED(Class::createSubclass("Animal", NSObject::classObject())),
-              invalid("the class name Animal is already taken"));
+              invalid("createSubclass: the class Animal cannot be made: the library " +
+                      std::string(creatureLibrary.name) + " has a class of that name"));
 }
 
 TEST(ClassTest, MessagesAndNewMethodsFromManyThreads) {

@@ -13,7 +13,7 @@ namespace pelvor::testing {
 extern Library creatureLibrary;
 
 /// What RAISED says of a wrong argument.
-inline std::string invalid(const char* reason) {
+inline std::string invalid(const std::string& reason) {
     return std::string("NSInvalidArgumentException: ") + reason;
 }
 

@@ -31,7 +31,8 @@ TEST(RegistryTest, ATakenNameIsRefusedBeforeAnythingIsRegistered) {
     static Class* const classes[] = {&intruder};
     intruderLibrary.classes = classes;
     EXPECT_EQ(RAISED(registerLibrary(intruderLibrary)),
-              invalid("the class name Animal of Intruder is already taken"));
+              invalid("registerLibrary: the class Animal of the library Intruder is refused: the library " +
+                      std::string(creatureLibrary.name) + " has a class of that name"));
     EXPECT_EQ(classList(nullptr, 0), before);
     EXPECT_EQ(classNamed("Animal"), Animal::classObject());
     EXPECT_FALSE(intruderLibrary.isRegistered);
