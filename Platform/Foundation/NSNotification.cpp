@@ -11,7 +11,7 @@
 namespace pelvor {
 namespace {
 
-// The one that the thread's last post left.
+// The notification that the thread's last post left.
 constinit thread_local NSNotification* spareNotification = nullptr;
 
 struct EndOfThread {
@@ -53,7 +53,8 @@ NSNotification* NSNotification::notificationWithName_object(NSString* name, id o
 
 NSNotification* NSNotification::notificationWithName_object_userInfo(NSString* name, id object,
                                                                      NSDictionary* userInfo, Class* cls) {
-    if (!name) raiseException(NSInvalidArgumentException, u"a notification needs a name"_ns);
+    if (!name)
+        raiseException(NSInvalidArgumentException, u"notificationWithName:object: the name is null"_ns);
     auto notification = make<NSNotification>(cls);
     notification->fill(name, object, userInfo);
     return std::move(notification).autorelease();

@@ -8,14 +8,15 @@ namespace pelvor {
 
 class NSDictionary;
 
-/// A name, the object that it is about (its sender), and what else there is to say. Immutable and owner of
-/// all three. What a centre delivers is an observer's beyond the call only if the observer retains it.
-/// Any thread.
+/// A name, the object that the news is about (its sender), and a dictionary with what else there is to say. A
+/// notification is immutable and retains all three. An observer that needs a notification after the call in
+/// which a centre delivered it has to retain the notification. Any thread.
 class PELVOR_EXPORT NSNotification : public NSObject {
     PELVOR_CLASS(NSNotification, NSObject);
 
   public:
-    /// Object and user information may be none. Raises NSInvalidArgumentException for no name.
+    /// These return a notification, borrowed. Object and user information may be null. Raise
+    /// NSInvalidArgumentException if the name is null.
     static NSNotification* notificationWithName_object(NSString* name, id object, Class* cls = classObject());
     static NSNotification* notificationWithName_object_userInfo(NSString* name, id object,
                                                                 NSDictionary* userInfo,
@@ -25,7 +26,14 @@ class PELVOR_EXPORT NSNotification : public NSObject {
     id object() { return _object; }
     NSDictionary* userInfo() { return _userInfo; }
 
+    /// Returns the notification itself.
     Retained<Object> copyWithZone(void* zone) override;
+
+    // C++ only
+    Retained<NSNotification> copy() {
+        return Retained<NSNotification>::adopting(static_cast<NSNotification*>(copyWithZone(nullptr).leak()));
+    }
+
     NSString* description() override;
 
   protected:
@@ -38,14 +46,14 @@ class PELVOR_EXPORT NSNotification : public NSObject {
     void fill(NSString* name, id object, NSDictionary* userInfo);
     void clear() noexcept;
 
-    // Owned; a bare pointer because literals, which most names are, are not counted.
+    // Owned; a bare pointer, because most names are literals, which are not counted.
     NSString* _name = nullptr;
     Retained<Object> _object;
     Retained<NSDictionary> _userInfo;
 };
 
-/// A notification for the time of its delivery. The thread keeps one that nobody retained for its next
-/// delivery, so that a post makes no object. For the centre.
+/// A notification for the time of its delivery. The thread keeps a notification that no observer retained for
+/// its next delivery, so that a post makes no object. For the centre.
 class PostedNotification {
   public:
     PostedNotification(NSString* name, id object, NSDictionary* userInfo);

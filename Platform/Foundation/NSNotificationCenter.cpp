@@ -23,7 +23,7 @@ PELVOR_DEFINE_CLASS(NSNotificationCenter, foundationLibrary) {
                        &NSNotificationCenter::deliverName_object_userInfo>();
 }
 
-NSNotificationCenter::NSNotificationCenter() : _observers(std::make_unique<ObserverTable>()) {}
+NSNotificationCenter::NSNotificationCenter() : _observers(new ObserverTable) {}
 
 NSNotificationCenter::~NSNotificationCenter() = default;
 
@@ -36,10 +36,13 @@ Retained<NSNotificationCenter> NSNotificationCenter::init(Class* cls) {
     return make<NSNotificationCenter>(cls);
 }
 
+void NSNotificationCenter::TableEnding::operator()(ObserverTable* table) { table->end(); }
+
 void NSNotificationCenter::addObserver_selector_name_object(id observer, SEL selector, NSString* name,
                                                             id object) {
     if (!observer || !selector)
-        raiseException(NSInvalidArgumentException, u"a notification needs an observer and a selector"_ns);
+        raiseException(NSInvalidArgumentException, u"addObserver:selector:name:object: the %s is null"_ns,
+                       observer ? "selector" : "observer");
     _observers->add(observer, selector, name, object);
 }
 
@@ -72,7 +75,8 @@ void NSNotificationCenter::postNotificationName_object_userInfo(NSString* name, 
 
 void NSNotificationCenter::deliver(NSNotification* notification) {
     if (!notification || !notification->name())
-        raiseException(NSInvalidArgumentException, u"a post needs a notification with a name"_ns);
+        raiseException(NSInvalidArgumentException,
+                       u"postNotification: the notification is null or has no name"_ns);
     ObserverTable::Audience(*_observers, notification->name(), notification->object()).send(notification);
 }
 
@@ -82,7 +86,7 @@ void NSNotificationCenter::deliverName_object(NSString* name, id object) {
 
 void NSNotificationCenter::deliverName_object_userInfo(NSString* name, id object, NSDictionary* userInfo) {
     if (!name) [[unlikely]]
-        raiseException(NSInvalidArgumentException, u"a post needs a name"_ns);
+        raiseException(NSInvalidArgumentException, u"postNotificationName:object: the name is null"_ns);
     ObserverTable::Audience audience(*_observers, name, object);
     if (audience.isEmpty()) return;
     PostedNotification posted(name, object, userInfo);

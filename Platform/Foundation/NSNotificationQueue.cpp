@@ -2,12 +2,14 @@
 #include "Foundation/NSNotificationQueue.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSFormat.h"
 #include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableString.h"
 #include "Foundation/NSRunLoop.h"
 #include "Runtime/NSException.h"
 
@@ -67,7 +69,8 @@ Retained<NSNotificationQueue> NSNotificationQueue::init(Class* cls) {
 
 Retained<NSNotificationQueue> NSNotificationQueue::initWithNotificationCenter(NSNotificationCenter* center,
                                                                               Class* cls) {
-    if (!center) raiseException(NSInvalidArgumentException, u"a notification queue needs a centre"_ns);
+    if (!center)
+        raiseException(NSInvalidArgumentException, u"initWithNotificationCenter: the centre is null"_ns);
     auto queue = make<NSNotificationQueue>(cls);
     queue->_center.set(center);
     return queue;
@@ -85,7 +88,8 @@ void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes
                                                                                  NSPostingStyle style,
                                                                                  std::uint32_t mask,
                                                                                  NSArray* modes) {
-    if (!notification) raiseException(NSInvalidArgumentException, u"no notification to queue"_ns);
+    if (!notification)
+        raiseException(NSInvalidArgumentException, u"enqueueNotification: the notification is null"_ns);
     if (isDefaultModeAlone(modes)) modes = nullptr;
     Items& items = style == NSPostASAP ? _asap : _idle;
     if (mask != NSNotificationNoCoalescing) {
@@ -93,7 +97,7 @@ void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes
         dequeueNotificationsMatching_coalesceMask(notification, mask);
     }
     if (style == NSPostNow) return _center->postNotification(notification);
-    append(items, notification, modes);
+    items.push_back({Retained<NSNotification>::retaining(notification), Retained<NSArray>::retaining(modes)});
 }
 
 // Lists are mostly made once and given again and again.
@@ -110,23 +114,17 @@ bool NSNotificationQueue::isOnlyItem(const Items& items, NSNotification* notific
            items.front().notification == notification && items.front().modes == modes;
 }
 
-void NSNotificationQueue::append(Items& items, NSNotification* notification, NSArray* modes) {
-    if (_spare.empty()) _spare.emplace_back();
-    _spare.front().notification.set(notification);
-    _spare.front().modes.set(modes);
-    items.splice(items.end(), _spare, _spare.begin());
-}
-
 void NSNotificationQueue::dequeueNotificationsMatching_coalesceMask(NSNotification* notification,
                                                                     std::uint32_t mask) {
     if (!notification || (_asap.empty() && _idle.empty())) return;
     Items gone;  // let go at the end, since a release may come back here
-    for (Items* items : {&_asap, &_idle})
-        for (auto item = items->begin(); item != items->end();) {
-            auto next = std::next(item);
-            if (isSame(item->notification, notification, mask)) gone.splice(gone.end(), *items, item);
-            item = next;
+    for (Items* items : {&_asap, &_idle}) {
+        auto isMeant = [&](Item& item) { return isSame(item.notification, notification, mask); };
+        for (auto at = items->begin(); (at = std::find_if(at, items->end(), isMeant)) != items->end();) {
+            gone.push_back(std::move(*at));
+            at = items->erase(at);
         }
+    }
 }
 
 // MARK: Posting
@@ -140,13 +138,9 @@ bool NSNotificationQueue::postFirst(Items& items, NSRunLoop* loop, NSString* mod
         std::find_if(items.begin(), items.end(), [&](const Item& each) { return isFor(each, loop, mode); });
     if (item == items.end()) return false;
     auto self = Retained<NSNotificationQueue>::retaining(_isThreadsOwn ? nullptr : this);
-    auto notification = std::move(item->notification);
-    item->modes = nullptr;
-    if (_spare.empty())
-        _spare.splice(_spare.end(), items, item);
-    else
-        items.erase(item);
-    _center->postNotification(notification);
+    Item posted = std::move(*item);
+    items.erase(item);
+    _center->postNotification(posted.notification);
     return true;
 }
 
@@ -175,6 +169,24 @@ bool NSNotificationQueue::hasReady(NSRunLoop* loop, NSString* mode) {
             std::any_of(queue->_idle.begin(), queue->_idle.end(), isReady))
             return true;
     return false;
+}
+
+// MARK: Description
+
+NSString* NSNotificationQueue::description() {
+    auto text = NSMutableString::init();
+    text->appendFormat(u"<%s %p:"_ns, isa()->name(), static_cast<void*>(this));
+    const std::pair<const char*, const Items&> styles[] = {{"as soon as possible", _asap},
+                                                           {"when idle", _idle}};
+    for (const auto& [style, items] : styles)
+        for (const Item& item : items) {
+            NSArray* modes = item.modes.get();
+            text->appendFormat(u"\n  %s in %@: %@"_ns, style,
+                               modes ? modes->componentsJoinedByString(u", "_ns) : NSDefaultRunLoopMode,
+                               item.notification);
+        }
+    text->appendString(u">"_ns);
+    return std::move(text).autorelease();
 }
 
 }  // namespace pelvor

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <cstdint>
-#include <list>
+#include <deque>
 
 #include "Foundation/NSNotificationCenter.h"
 
@@ -14,42 +14,51 @@ class NSRunLoop;
 
 /// When a queued notification is posted.
 enum NSPostingStyle : std::uint32_t {
-    NSPostWhenIdle = 1,  ///< when nothing else is ready in the run loop's mode; one each idle moment
+    NSPostWhenIdle = 1,  ///< when nothing else is ready in the run loop's mode; one notification a turn
     NSPostASAP = 2,      ///< at the end of the run loop's turn
     NSPostNow = 3,       ///< before the call returns, whatever the mode
 };
 
-/// What makes two notifications the same; may be combined.
+/// What makes two notifications the same; values may be combined.
 enum NSNotificationCoalescing : std::uint32_t {
     NSNotificationNoCoalescing = 0,
     NSNotificationCoalescingOnName = 1,
     NSNotificationCoalescingOnSender = 2,
 };
 
-/// Holds notifications until the run loop of the thread comes to post them through the queue's centre, each
-/// in one of the modes that it was given. Order is that of arrival. What an observer raises leaves the run
-/// loop; that notification is gone and those after it stay. For the thread that made it.
+/// Holds notifications until the run loop of the thread posts them through the queue's centre, in the order
+/// of their arrival. A view that is to be drawn once after any number of changes queues for each change:
+///
+///     auto* news = NSNotification::notificationWithName_object(NeedsDrawingNotification, view);
+///     NSNotificationQueue::defaultQueue()->enqueueNotification_postingStyle(news, NSPostWhenIdle);
+///
+/// A notification waits for one of its modes. An exception of an observer leaves the run loop; the
+/// notification is gone, and those after it stay. A queue is for the thread that made it.
 class PELVOR_EXPORT NSNotificationQueue : public NSObject {
     PELVOR_CLASS(NSNotificationQueue, NSObject);
 
   public:
-    /// The thread's queue for the default centre.
+    /// Returns the thread's queue for the default centre.
     static NSNotificationQueue* defaultQueue();
     static Retained<NSNotificationQueue> init(Class* cls = classObject());
-    /// Retains the centre. What is still queued when the queue is destroyed is not posted.
+    /// Returns a queue for the centre, which the queue retains. Notifications that are still queued when the
+    /// queue ends are not posted. Raises NSInvalidArgumentException if the centre is null.
     static Retained<NSNotificationQueue> initWithNotificationCenter(NSNotificationCenter* center,
                                                                     Class* cls = classObject());
 
-    /// Coalesces by name and sender, for the default mode.
+    /// Queues the notification for the default mode, coalescing by name and sender.
     void enqueueNotification_postingStyle(NSNotification* notification, NSPostingStyle style);
-    /// Drops the queued notifications that are the same by `mask` (of NSNotificationCoalescing), then queues
-    /// this one, or posts it. `modes` are names; none or an empty list stands for the default mode. Raises
-    /// NSInvalidArgumentException for no notification.
+    /// Drops the queued notifications that are the same by `mask` (of NSNotificationCoalescing), and then
+    /// queues this one, or posts it if the style is NSPostNow. `modes` are names; a null or empty list stands
+    /// for the default mode. Raises NSInvalidArgumentException if the notification is null.
     void enqueueNotification_postingStyle_coalesceMask_forModes(NSNotification* notification,
                                                                 NSPostingStyle style, std::uint32_t mask,
                                                                 NSArray* modes);
-    /// Drops the queued notifications that are the same by `mask`; with 0, every one that is identical.
+    /// Drops the queued notifications that are the same by `mask`; with 0, those that are this very object.
     void dequeueNotificationsMatching_coalesceMask(NSNotification* notification, std::uint32_t mask);
+
+    /// Returns what waits: each notification with its style and its modes, in the order of posting.
+    NSString* description() override;
 
   protected:
     NSNotificationQueue();
@@ -59,9 +68,9 @@ class PELVOR_EXPORT NSNotificationQueue : public NSObject {
     friend class NSRunLoop;
     struct Item {
         Retained<NSNotification> notification;
-        Retained<NSArray> modes;  // none: the default mode
+        Retained<NSArray> modes;  // null: the default mode
     };
-    using Items = std::list<Item>;
+    using Items = std::deque<Item>;
 
     // What the run loop of the thread asks of all queues of the thread.
     static bool postAllASAP(NSRunLoop* loop, NSString* mode);
@@ -72,16 +81,14 @@ class PELVOR_EXPORT NSNotificationQueue : public NSObject {
     static bool isFor(const Item& item, NSRunLoop* loop, NSString* mode);
     bool isDefaultModeAlone(NSArray* modes);
     bool isOnlyItem(const Items& items, NSNotification* notification, NSArray* modes);
-    void append(Items& items, NSNotification* notification, NSArray* modes);
     bool postFirst(Items& items, NSRunLoop* loop, NSString* mode);
 
     Retained<NSNotificationCenter> _center;
     Items _asap;
     Items _idle;
-    Items _spare;                   // an empty item, for the next notification
     Retained<NSArray> _knownModes;  // immutable, last seen to be the default mode alone
     bool _isThreadsOwn = false;
-    NSNotificationQueue* _next = nullptr;
+    NSNotificationQueue* _next = nullptr;  // not retained: a queue that ends leaves the thread's chain
 };
 
 }  // namespace pelvor

@@ -1,71 +1,27 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <algorithm>
-
 #include "Foundation/Threads/ObserverTable.h"
+
+#include <algorithm>
+#include <mutex>
+
 #include "Runtime/Message.h"
 
 namespace pelvor {
+namespace {
 
-// MARK: Sequences
+using Guard = std::lock_guard<BriefLock>;
 
-void ObserverSequence::replace(ObserverList* list) {
-    ReadScope::retire(_list.exchange(list, std::memory_order_acq_rel));
+std::vector<ObserverEntry>::iterator entryOf(std::uint64_t serial, ObserverList& list) {
+    auto entry = std::lower_bound(list.entries.begin(), list.entries.end(), serial,
+                                  [](const ObserverEntry& each, std::uint64_t s) { return each.serial < s; });
+    return entry != list.entries.end() && entry->serial == serial ? entry : list.entries.end();
 }
 
-// A new list with those that are left, or none.
-void ObserverSequence::rebuild(std::uint32_t capacity) {
-    ObserverList* old = _list.load(std::memory_order_relaxed);
-    std::uint32_t oldCount = old ? old->count.load(std::memory_order_relaxed) : 0;
-    auto list = capacity ? std::make_unique<ObserverList>(_sender, capacity) : nullptr;
-    std::uint32_t count = 0;
-    for (std::uint32_t i = 0; list && i < oldCount; ++i)
-        if (old->entries[i].registration->observer.load(std::memory_order_relaxed))
-            list->entries[count++] = old->entries[i];
-    if (list) list->count.store(count, std::memory_order_relaxed);
-    _removed = 0;
-    replace(list.release());
-}
-
-void ObserverSequence::append(std::shared_ptr<Registration> registration) {
-    ObserverList* list = _list.load(std::memory_order_relaxed);
-    std::uint32_t count = list ? list->count.load(std::memory_order_relaxed) : 0;
-    if (!list || count == list->capacity) {
-        rebuild(std::max<std::uint32_t>(2, (count - _removed) * 2));
-        list = _list.load(std::memory_order_relaxed);
-        count = list->count.load(std::memory_order_relaxed);
-    }
-    ObserverEntry& entry = list->entries[count];
-    entry.observer = registration->observer.load(std::memory_order_relaxed);
-    entry.selector = registration->selector;
-    entry.registration = std::move(registration);
-    list->count.store(count + 1, std::memory_order_release);
-}
-
-void ObserverSequence::noteRemoval() {
-    ObserverList* list = _list.load(std::memory_order_relaxed);
-    list->hasGaps.store(true, std::memory_order_release);
-    std::uint32_t count = list->count.load(std::memory_order_relaxed);
-    if (++_removed * 2 >= count) rebuild(count - _removed);
-}
+}  // namespace
 
 // MARK: Names
 
-void NameRecord::prune(Object* sender) {
-    recent.store(nullptr, std::memory_order_relaxed);
-    auto found = sender ? bySender.find(sender) : bySender.end();
-    if (found != bySender.end() && found->second.isEmpty()) bySender.erase(found);
-    hasSenders.store(!bySender.empty(), std::memory_order_release);
-}
-
-// MARK: The table
-
-constinit std::atomic<std::uint64_t> ObserverTable::_removals{0};
-
-ObserverTable::ObserverTable() { ReadScope::prepare(); }
-
-ObserverTable::~ObserverTable() = default;
-
-NameRecord* ObserverTable::ensureRecord(NSString* name) {
+ObserverTable::NameRecord* ObserverTable::ensureRecord(NSString* name) {
     auto found = _records.find(name);
     if (found != _records.end()) return found->second.get();
     auto record = std::make_unique<NameRecord>();
@@ -75,7 +31,7 @@ NameRecord* ObserverTable::ensureRecord(NSString* name) {
 }
 
 // Literals get a record even if nobody asks for them, so that the next post finds it at once.
-NameRecord* ObserverTable::recordForPost(NSString* name) {
+ObserverTable::NameRecord* ObserverTable::recordForPost(NSString* name) {
     if (NameRecord* known = _literals.find(name)) return known;
     if (name->isa() != NSConstantString::classObject()) {
         auto found = _records.find(name);
@@ -87,21 +43,20 @@ NameRecord* ObserverTable::recordForPost(NSString* name) {
     return record;
 }
 
+// MARK: Registrations
+
 void ObserverTable::add(Object* observer, SEL selector, NSString* name, Object* sender) {
-    std::lock_guard guard(_mutex);
+    Guard guard(_lock);
     NameRecord* record = name ? ensureRecord(name) : &_anyName;
-    auto registration = std::make_shared<Registration>();
-    registration->observer.store(observer, std::memory_order_relaxed);
-    registration->selector = selector;
-    registration->serial = ++_lastSerial;
-    record->sequence(sender).append(registration);
-    if (sender) record->hasSenders.store(true, std::memory_order_release);
-    if (!name) _hasAnyName.store(true, std::memory_order_release);
-    _places[observer].push_back({std::move(registration), record, sender});
+    std::uint64_t serial = ++_lastSerial;
+    ObserverList& list = listToChange(sender ? record->bySender[sender] : record->ofAnySender);
+    list.entries.push_back({observer, selector, serial});
+    _places[observer].push_back({serial, record, sender});
 }
 
 void ObserverTable::remove(Object* observer, NSString* name, Object* sender) {
-    std::lock_guard guard(_mutex);
+    std::vector<std::unique_ptr<NameRecord>> gone;  // freed without the lock: their names may be anyone's
+    Guard guard(_lock);
     auto found = _places.find(observer);
     if (found == _places.end()) return;
     NameRecord* record = nullptr;
@@ -110,65 +65,96 @@ void ObserverTable::remove(Object* observer, NSString* name, Object* sender) {
         if (named == _records.end()) return;
         record = named->second.get();
     }
-    std::erase_if(found->second, [&](Place& place) {
+    std::erase_if(found->second, [&](const Place& place) {
         if ((record && place.record != record) || (sender && place.sender != sender)) return false;
-        place.registration->observer.store(nullptr, std::memory_order_release);
-        place.record->sequence(place.sender).noteRemoval();
-        _removals.fetch_add(1, std::memory_order_release);
-        prune(place.record, place.sender);
+        gone.push_back(removePlace(place));
         return true;
     });
     if (found->second.empty()) _places.erase(found);
 }
 
-void ObserverTable::prune(NameRecord* record, Object* sender) {
-    record->prune(sender);
-    if (!record->isEmpty() || record->isLiteral) return;
-    if (record == &_anyName)
-        _hasAnyName.store(false, std::memory_order_release);
-    else
-        _records.erase(record->name.get());
+// Returns the record of the name if nothing is registered for it any more.
+std::unique_ptr<ObserverTable::NameRecord> ObserverTable::removePlace(const Place& place) {
+    NameRecord* record = place.record;
+    if (place.sender) {
+        auto list = record->bySender.find(place.sender);
+        removeFrom(list->second, place.serial);
+        if (!list->second) record->bySender.erase(list);
+    } else {
+        removeFrom(record->ofAnySender, place.serial);
+    }
+    if (!record->isEmpty() || record->isLiteral || record == &_anyName) return nullptr;
+    return std::move(_records.extract(record->name.get()).mapped());
+}
+
+void ObserverTable::removeFrom(std::unique_ptr<ObserverList>& list, std::uint64_t serial) {
+    ObserverList& changed = listToChange(list);
+    changed.entries.erase(entryOf(serial, changed));
+    if (changed.entries.empty()) list = nullptr;
+    for (auto& outdated : _outdated)
+        if (auto entry = entryOf(serial, *outdated); entry != outdated->entries.end())
+            std::atomic_ref(entry->observer).store(nullptr, std::memory_order_release);
+}
+
+// The list itself, or its copy if deliveries read it.
+ObserverList& ObserverTable::listToChange(std::unique_ptr<ObserverList>& list) {
+    if (!list) list = std::make_unique<ObserverList>();
+    if (list->deliveries > 0) {
+        auto copy = std::make_unique<ObserverList>();
+        copy->entries = list->entries;
+        list->isOutdated = true;
+        _outdated.push_back(std::exchange(list, std::move(copy)));
+    }
+    return *list;
 }
 
 // MARK: Deliveries
 
-void ObserverTable::Audience::gather(ObserverTable& table, NSString* name, Object* sender) {
+ObserverList* ObserverTable::beginDelivery(NSString* name, Object* sender) {
+    Guard guard(_lock);
+    ObserverList* lists[4];
+    std::size_t count = 0;
+    for (NameRecord* record : {recordForPost(name), &_anyName}) {
+        if (!record) continue;
+        if (record->ofAnySender) lists[count++] = record->ofAnySender.get();
+        if (!sender || record->bySender.empty()) continue;
+        auto found = record->bySender.find(sender);
+        if (found != record->bySender.end()) lists[count++] = found->second.get();
+    }
+    if (count == 0) return nullptr;
+    ObserverList* list = count == 1 ? lists[0] : merged(lists, count);
+    ++list->deliveries;
+    ++_deliveries;
+    return list;
+}
+
+ObserverList* ObserverTable::merged(ObserverList* const* lists, std::size_t count) {
+    auto all = std::make_unique<ObserverList>();
+    for (std::size_t i = 0; i < count; ++i)
+        all->entries.insert(all->entries.end(), lists[i]->entries.begin(), lists[i]->entries.end());
+    std::sort(all->entries.begin(), all->entries.end(),
+              [](const auto& a, const auto& b) { return a.serial < b.serial; });
+    all->isOutdated = true;
+    return _outdated.emplace_back(std::move(all)).get();
+}
+
+void ObserverTable::endDelivery(ObserverList* list) {
+    std::unique_lock guard(_lock);
+    --_deliveries;
+    if (--list->deliveries == 0 && list->isOutdated)
+        std::erase_if(_outdated, [&](const auto& each) { return each.get() == list; });
+    if (_deliveries > 0 || !_hasEnded) return;
+    guard.unlock();
+    delete this;
+}
+
+void ObserverTable::end() {
     {
-        std::lock_guard guard(table._mutex);
-        if (NameRecord* record = table.recordForPost(name)) gather(*record, sender);
-        gather(table._anyName, sender);
+        Guard guard(_lock);
+        _hasEnded = true;
+        if (_deliveries > 0) return;
     }
-    merge();
-}
-
-void ObserverTable::Audience::gather(NameRecord& record, Object* sender) {
-    take(record.ofAnySender.list().load(std::memory_order_relaxed));
-    if (!sender || record.bySender.empty()) return;
-    auto found = record.bySender.find(sender);
-    if (found == record.bySender.end()) return;
-    ObserverList* list = found->second.list().load(std::memory_order_relaxed);
-    record.recent.store(list, std::memory_order_release);
-    take(list);
-}
-
-void ObserverTable::Audience::take(ObserverList* list) {
-    if (!list) return;
-    if (_count == 0) {
-        _scope.protect(list);
-        return look(list);
-    }
-    if (_merged.empty()) _merged.assign(_entries, _entries + _count);
-    std::uint32_t count = list->count.load(std::memory_order_relaxed);
-    _merged.insert(_merged.end(), list->entries.get(), list->entries.get() + count);
-    _seenRemovals = kUnknown;
-}
-
-void ObserverTable::Audience::merge() {
-    if (_merged.empty()) return;
-    std::sort(_merged.begin(), _merged.end(),
-              [](const auto& a, const auto& b) { return a.registration->serial < b.registration->serial; });
-    _entries = _merged.data();
-    _count = static_cast<std::uint32_t>(_merged.size());
+    delete this;
 }
 
 namespace {
@@ -178,7 +164,7 @@ class Implementation {
   public:
     using Function = void (*)(Object*, SEL, Wire<NSNotification*>);
 
-    /// None where the message has to be sent.
+    /// Returns null where the message has to be sent.
     Function find(Class* cls, SEL selector) {
         if (cls == _class && selector == _selector && cls->cached(selector) == _entry) [[likely]]
             return _function;
@@ -207,15 +193,16 @@ class Implementation {
 
 void ObserverTable::Audience::send(NSNotification* notification) {
     Implementation implementation;
-    for (const ObserverEntry *entry = _entries, *end = entry + _count; entry != end; ++entry) {
-        if (_removals.load(std::memory_order_acquire) != _seenRemovals &&
-            !entry->registration->observer.load(std::memory_order_acquire)) [[unlikely]]
+    ObserverEntry* entry = _list->entries.data();
+    for (ObserverEntry* end = entry + _list->entries.size(); entry != end; ++entry) {
+        Object* observer = std::atomic_ref(entry->observer).load(std::memory_order_acquire);
+        if (!observer) [[unlikely]]
             continue;
-        auto function = implementation.find(entry->observer->isa(), entry->selector);
+        auto function = implementation.find(observer->isa(), entry->selector);
         if (function) [[likely]]
-            function(entry->observer, entry->selector, notification);
+            function(observer, entry->selector, notification);
         else
-            pelvor::send(entry->observer, entry->selector, notification);
+            pelvor::send(observer, entry->selector, notification);
     }
 }
 
