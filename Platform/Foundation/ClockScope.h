@@ -6,18 +6,24 @@
 
 namespace pelvor {
 
-/// While it lives, the thread that made it has this clock for its time: `NSDate`, timers and run loops go by
-/// it. It stands still until it is moved; a run loop that would sleep until a moment moves it there instead.
-/// Scopes nest.
+/// Gives the thread that makes it a clock of its own for the time of a scope, so that a test need not sleep:
+///
+///     ClockScope clock;
+///     scheduleTimer(60);                                            // with NSTimer
+///     loop->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);      // at once: the loop moves the clock
+///     EXPECT_EQ(clock.now(), 60);
+///
+/// `NSDate`, timers and run loops of the thread go by this clock. The clock stands still until it is moved; a
+/// run loop that would sleep until a moment moves the clock there instead. Scopes nest.
 class PELVOR_EXPORT ClockScope {
   public:
-    /// `start` is in seconds since the reference date.
+    /// The clock begins at `start`, in seconds since the reference date.
     explicit ClockScope(NSTimeInterval start = 0) noexcept;
     ~ClockScope();
     ClockScope(const ClockScope&) = delete;
     ClockScope& operator=(const ClockScope&) = delete;
 
-    /// The thread's innermost; none while it goes by the system's clock.
+    /// Returns the thread's innermost scope; null while the thread goes by the system's clock.
     static ClockScope* current() noexcept;
 
     NSTimeInterval now() const noexcept { return _steadyTime + _setAhead; }
@@ -27,9 +33,9 @@ class PELVOR_EXPORT ClockScope {
         if (moment > now()) _steadyTime = moment - _setAhead;
     }
 
-    /// Sets the clock to another time without any passing, as somebody may set the system's.
+    /// Sets the clock to another time although no time passes, as somebody may set the system's clock.
     void set(NSTimeInterval moment) noexcept { _setAhead = moment - _steadyTime; }
-    /// The time of the clock if it had never been set.
+    /// Returns the time that the clock would show if it had never been set.
     NSTimeInterval steadyTime() const noexcept { return _steadyTime; }
 
   private:

@@ -12,28 +12,36 @@ namespace pelvor {
 
 class NSDate;
 
-/// A lock that can be taken when its condition, a number of the user's, has a certain value: a producer
-/// gives it back with "something is there", a consumer takes it under that condition.
+/// A lock that can be taken when its condition, a number that the program chooses, has a certain value:
+///
+///     enum { kEmpty, kFull };
+///     lock->lockWhenCondition(kEmpty);  // the producer
+///     …
+///     lock->unlockWithCondition(kFull);
+///
+///     lock->lockWhenCondition(kFull);   // the consumer
+///     …
+///     lock->unlockWithCondition(kEmpty);
 class PELVOR_EXPORT NSConditionLock : public NSObject {
     PELVOR_CLASS(NSConditionLock, NSObject);
 
   public:
     static Retained<NSConditionLock> initWithCondition(int condition, Class* cls = classObject());
 
-    /// The value at this moment; it stays only while the lock is held.
+    /// Returns the value at this moment, which is sure to stay only while the caller holds the lock.
     int condition() { return _condition.load(std::memory_order_acquire); }
 
-    /// Takes the lock whatever the condition.
+    /// Takes the lock, whatever the condition is.
     void lock();
     void lockWhenCondition(int condition);
-    /// Take the lock if that is possible at once; whether they did.
+    /// These take the lock if that is possible at once, and return whether it was.
     bool tryLock();
     bool tryLockWhenCondition(int condition);
-    /// Wait until the date; whether the lock was taken.
+    /// These wait until the date, and return whether the lock was taken.
     bool lockBeforeDate(NSDate* date);
     bool lockWhenCondition_beforeDate(int condition, NSDate* date);
 
-    /// Gives the lock back, with the condition unchanged or new.
+    /// These give the lock back, with the condition as it is, or with a new one.
     void unlock();
     void unlockWithCondition(int condition);
 

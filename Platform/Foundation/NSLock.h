@@ -10,9 +10,14 @@ namespace pelvor {
 
 class NSDate;
 
-/// A lock that one thread holds at a time. The thread that took it gives it back; a thread that takes it
-/// twice waits for itself. The locks of this family share `lock`, `tryLock`, `unlock`, so that each can
-/// stand for the other by selector, and `std::lock_guard` takes them all.
+/// A lock that one thread holds at a time:
+///
+///     Retained<NSLock> lock = NSLock::init();
+///     std::lock_guard guard(*lock);  // until the end of the scope
+///
+/// The thread that took the lock gives it back. A thread that takes it twice waits for ever. All locks have
+/// `lock`, `tryLock` and `unlock`, so that one kind can stand for another in messages and in
+/// `std::lock_guard`.
 class PELVOR_EXPORT NSLock : public NSObject {
     PELVOR_CLASS(NSLock, NSObject);
 
@@ -20,9 +25,9 @@ class PELVOR_EXPORT NSLock : public NSObject {
     static Retained<NSLock> init(Class* cls = classObject());
 
     void lock() { _mutex.lock(); }
-    /// Takes the lock if it is free; whether it did.
+    /// Takes the lock if it is free. Returns whether it was.
     bool tryLock() { return _mutex.try_lock(); }
-    /// Waits for the lock until the date; whether it was taken.
+    /// Waits for the lock until the date. Returns whether it was taken. A null date is over.
     bool lockBeforeDate(NSDate* date);
     void unlock() { _mutex.unlock(); }
 

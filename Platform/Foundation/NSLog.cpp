@@ -58,7 +58,7 @@ void hand(Log& log, const LogEntry& entry) {
         ~Ending() { log.isInSink = false; }
     } ending{log};
     log.isInSink = true;
-    LogSink sink = log.sink;  // it may replace itself
+    LogSink sink = log.sink;  // a copy, since the sink may replace itself
     sink(entry);
 }
 

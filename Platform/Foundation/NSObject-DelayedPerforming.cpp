@@ -34,7 +34,9 @@ constinit const Category NSProxy_DelayedPerforming_category =
 void performSelector_withObject_afterDelay_inModes(id target, SEL selector, id argument, NSTimeInterval delay,
                                                    NSArray* modes) {
     if (!target) return;
-    if (!selector) raiseException(NSInvalidArgumentException, u"no selector to perform"_ns);
+    if (!selector)
+        raiseException(NSInvalidArgumentException,
+                       u"performSelector:withObject:afterDelay: the selector is null"_ns);
     NSDelayedPerform::add(target, selector, argument, delay, modes);
 }
 

@@ -10,19 +10,24 @@ struct Category;
 class NSArray;
 
 /// Sends the message, with `argument` if it takes one, once the delay in seconds is over and the current run
-/// loop runs in one of the modes; never before the call returns. Target and argument are retained until then.
-/// No modes stand for the default mode. Raises NSInvalidArgumentException for no selector.
+/// loop runs in one of the modes; never before the call returns:
+///
+///     performSelector_withObject_afterDelay(view, "hideTip:"_sel, tip, 2.5);
+///
+/// Target and argument are retained until then. A null or empty list of modes stands for the default mode.
+/// Does nothing if the target is null. Raises NSInvalidArgumentException if the selector is null.
 PELVOR_EXPORT void performSelector_withObject_afterDelay_inModes(id target, SEL selector, id argument,
                                                                  NSTimeInterval delay, NSArray* modes);
-/// The same in the default mode.
+/// Does the same in the default mode.
 PELVOR_EXPORT void performSelector_withObject_afterDelay(id target, SEL selector, id argument,
                                                          NSTimeInterval delay);
 
-/// Class operations of every class. They reach what was asked for on the thread that calls them.
+/// Class operations of every class. They reach the messages that were asked for on the thread that calls
+/// them.
 struct PELVOR_EXPORT NSObject_DelayedPerforming {
-    /// Forgets all that the target was to perform after a delay.
+    /// Forgets all messages that the target was to be sent after a delay.
     static void cancelPreviousPerformRequestsWithTarget(id target);
-    /// Forgets what has the same selector and an identical or equal argument.
+    /// Forgets those with this selector and an equal argument.
     static void cancelPreviousPerformRequestsWithTarget_selector_object(id target, SEL selector, id argument);
 };
 

@@ -27,13 +27,15 @@ void defineMainThread(MethodTable<Root>& methods) {
                               &performSelectorOnMainThread_withObject_waitUntilDone>();
 }
 
-// What a thread waits on for the main thread. A pipe, because the kernel takes the writer of a pipe for about
+// With this a thread waits for the main thread. It is a pipe, because the kernel takes the writer of a pipe for about
 // to sleep and has the reader follow on the same processor, which halves the time of a call.
 class Bell {
   public:
     Bell() {
         if (pipe2(_ends, O_CLOEXEC) != 0)
-            raiseException(NSGenericException, u"no pipe to wait on: %s"_ns, std::strerror(errno));
+            raiseException(NSGenericException,
+                           u"performSelectorOnMainThread: the system gives no pipe to wait with: %s"_ns,
+                           std::strerror(errno));
     }
     ~Bell() {
         close(_ends[0]);
@@ -60,7 +62,7 @@ class Bell {
     int _ends[2];
 };
 
-// A call that another thread waits for, on that thread's stack: it may be gone as soon as it is done.
+// A call for which another thread waits, on that thread's stack: the object may be gone as soon as the call is done.
 class AwaitedCall {
   public:
     AwaitedCall(id target, SEL selector, id argument)
@@ -92,15 +94,16 @@ class AwaitedCall {
 constinit const Category NSObject_MainThread_category =
     Category::of<NSObject, defineMainThread<NSObject>>("MainThread");
 
-// Objects that stand in for others have no methods of NSObject's and would forward these; the message that is
-// performed is the one to forward.
+// A proxy has no methods of NSObject and would forward these two; only the message that is performed is to be
+// forwarded.
 constinit const Category NSProxy_MainThread_category =
     Category::of<NSProxy, defineMainThread<NSProxy>>("MainThread");
 
 void performSelectorOnMainThread_withObject_waitUntilDone_modes(id target, SEL selector, id argument,
                                                                 bool wait, NSArray* modes) {
     if (!target) return;
-    if (!selector) raiseException(NSInvalidArgumentException, u"no selector to perform"_ns);
+    if (!selector)
+        raiseException(NSInvalidArgumentException, u"performSelectorOnMainThread: the selector is null"_ns);
     auto keptTarget = Retained<Object>::retaining(target);
     auto keptArgument = Retained<Object>::retaining(argument);
     if (wait && NSThread::isMainThread()) {

@@ -10,14 +10,18 @@ struct Category;
 class NSArray;
 
 /// Sends the message, with `argument` if it takes one, on the main thread when its run loop runs in one of
-/// the modes; target and argument are retained until then. With `wait` the call returns when that is done,
-/// at once if this is the main thread, and raises what the method raised; without, what it raises leaves the
-/// main thread's run loop. A main thread that itself waits for this one never comes to it. Any thread.
-/// Raises NSInvalidArgumentException for no selector.
+/// the modes; target and argument are retained until then. A null or empty list of modes stands for the
+/// default mode.
+///
+/// With `wait` the call returns when the message was sent, and raises what the method raised; on the main
+/// thread it sends the message at once. If the main thread itself waits for the calling thread, both wait for
+/// ever. Without `wait`, an exception of the method leaves the main thread's run loop.
+///
+/// Does nothing if the target is null. Raises NSInvalidArgumentException if the selector is null. Any thread.
 PELVOR_EXPORT void performSelectorOnMainThread_withObject_waitUntilDone_modes(id target, SEL selector,
                                                                               id argument, bool wait,
                                                                               NSArray* modes);
-/// The same in the common modes.
+/// Does the same in the common modes.
 PELVOR_EXPORT void performSelectorOnMainThread_withObject_waitUntilDone(id target, SEL selector, id argument,
                                                                         bool wait);
 

@@ -53,7 +53,7 @@ NSDictionary* NSProcessInfo::environment() {
     return variables;
 }
 
-// 128 random bits would do; process and count tell a child from the process that it was copied from.
+// 128 random bits would do. Process and count tell a child from the process of which it is a copy.
 NSString* NSProcessInfo::globallyUniqueString() {
     static std::atomic<std::uint32_t> count{0};
     std::uint32_t random[4] = {};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// NSProcessInfo: what is to be known about the running process.
+// NSProcessInfo: name, arguments and environment of the running process.
 #pragma once
 
 #include "Foundation/NSString.h"
@@ -8,21 +8,26 @@ namespace pelvor {
 
 class NSDictionary;
 
-/// The running process. Texts that are not UTF-8 have U+FFFD in place of the wrong bytes. Any thread.
+/// The running process:
+///
+///     NSArray* arguments = NSProcessInfo::processInfo()->arguments();  // "writer", "letter.txt"
+///
+/// In texts that are not UTF-8, U+FFFD stands in place of the wrong bytes. Results are borrowed. Any thread.
 class PELVOR_EXPORT NSProcessInfo : public NSObject {
     PELVOR_CLASS(NSProcessInfo, NSObject);
 
   public:
     static NSProcessInfo* processInfo();
 
-    /// The last component of the name that the program was started by.
+    /// Returns the last component of the name by which the program was started.
     NSString* processName();
     int processIdentifier();
-    /// What the program was started with, its name first.
+    /// Returns the arguments that the program was started with, its name first.
     NSArray* arguments();
-    /// The environment at this moment; entries without "=" are left out. It must not be changed meanwhile.
+    /// Returns the environment at this moment, without entries that lack "=". No thread may change the
+    /// environment meanwhile.
     NSDictionary* environment();
-    /// A text that no other call answers, in this process or any other.
+    /// Returns a text that no other call returns, in this process or any other.
     NSString* globallyUniqueString();
 
   protected:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// NSRecursiveLock: mutual exclusion that a thread may take again.
+// NSRecursiveLock: mutual exclusion, with a lock that its holder may take again.
 #pragma once
 
 #include <mutex>
@@ -10,7 +10,8 @@ namespace pelvor {
 
 class NSDate;
 
-/// A lock that the thread that holds it may take again; it is free after as many `unlock`s.
+/// A lock that the thread that holds it may take again. It is free after as many calls of `unlock` as of
+/// `lock`. `std::lock_guard` takes it.
 class PELVOR_EXPORT NSRecursiveLock : public NSObject {
     PELVOR_CLASS(NSRecursiveLock, NSObject);
 
@@ -18,9 +19,9 @@ class PELVOR_EXPORT NSRecursiveLock : public NSObject {
     static Retained<NSRecursiveLock> init(Class* cls = classObject());
 
     void lock() { _mutex.lock(); }
-    /// Takes the lock if no other thread has it; whether it did.
+    /// Takes the lock if no other thread holds it. Returns whether it did.
     bool tryLock() { return _mutex.try_lock(); }
-    /// Waits for the lock until the date; whether it was taken.
+    /// Waits for the lock until the date. Returns whether it was taken. A null date is over.
     bool lockBeforeDate(NSDate* date);
     void unlock() { _mutex.unlock(); }
 

@@ -22,6 +22,7 @@
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSFormat.h"
+#include "Foundation/NSMutableString.h"
 #include "Foundation/NSNotificationQueue.h"
 #include "Foundation/NSThread.h"
 #include "Foundation/NSTimer.h"
@@ -75,7 +76,7 @@ std::uint32_t pollEvents(std::uint32_t events) {
            (events & NSDescriptorWritable ? EPOLLOUT : 0u);
 }
 
-// Sleeps at most so many seconds; infinity is for as long as it takes.
+// Sleeps at most so many seconds; with infinity, for as long as it takes.
 int waitForEvents(int poll, epoll_event* events, int count, NSTimeInterval timeout) {
     if (timeout == kNever) return epoll_wait(poll, events, count, -1);
     if (timeout <= 0) return epoll_wait(poll, events, count, 0);
@@ -158,7 +159,8 @@ NSRunLoop::NSRunLoop() : _state(std::make_unique<State>()) {
     epoll_event event{EPOLLIN, {}};
     event.data.fd = _state->wake;
     if (_state->poll < 0 || !isOpen || epoll_ctl(_state->poll, EPOLL_CTL_ADD, _state->wake, &event) != 0)
-        raiseException(NSGenericException, u"a run loop cannot be made: %s"_ns, std::strerror(errno));
+        raiseException(NSGenericException, u"NSRunLoop: the system gives no descriptors to wait with: %s"_ns,
+                       std::strerror(errno));
     _state->commonModes.push_back(Retained<NSString>::retaining(NSDefaultRunLoopMode));
 }
 
@@ -168,7 +170,7 @@ NSRunLoop::~NSRunLoop() {
     if (_state->poll >= 0) close(_state->poll);
 }
 
-// A thread's loop goes with the thread; the main thread's stays, since others ask for it at any time.
+// A thread's loop ends with the thread. The main thread's loop stays, since other threads ask for it at any time.
 struct OwnRunLoop {
     OwnRunLoop() : loop(make<NSRunLoop>()) {}
     ~OwnRunLoop() { loop->abandon(); }
@@ -186,25 +188,32 @@ NSRunLoop* NSRunLoop::mainRunLoop() {
     return loop;
 }
 
-// Lets go of all work while the loop can still be asked: what ends with it may want to cancel more.
+// Lets go of all work while the loop can still be asked: objects that end with the work may cancel other work.
 void NSRunLoop::abandon() {
     for (TimerMode& each : _state->timerModes)
-        while (!each.timers.isEmpty()) each.timers.top()->invalidate();
+        while (!each.timers.isEmpty()) {
+            _state->delayedPerforms.clear();  // the list would outlive those whose timers end here
+            each.timers.top()->invalidate();
+        }
     for (auto performs = std::exchange(_state->performs, {}); !performs.empty();)
         performs.erase(performs.begin());
     auto descriptors = std::exchange(_state->descriptors, {});
+    std::list<ThreadPerform> fromThreads;
+    std::lock_guard guard(_state->mutex);
+    fromThreads.swap(_state->fromThreads);
+    _state->threadPerforms = 0;
 }
 
 // MARK: Modes
 
 void NSRunLoop::addCommonMode(NSString* mode) {
-    if (!mode) raiseException(NSInvalidArgumentException, u"a run loop mode needs a name"_ns);
+    if (!mode) raiseException(NSInvalidArgumentException, u"addCommonMode: the mode is null"_ns);
     if (isModeNamed(mode, NSRunLoopCommonModes)) return;
     _state->commonModes.push_back(mode->copy());
     _state->watchedMode = nullptr;
 }
 
-// Whether what was added under the name is for the mode.
+// Returns whether work that was added under the name is for the mode.
 bool NSRunLoop::isModeNamed(NSString* mode, NSString* name) {
     if (isSameName(mode, name)) return true;
     if (!isSameName(name, NSRunLoopCommonModes)) return false;
@@ -238,7 +247,7 @@ class NSRunLoop::Turn {
 };
 
 bool NSRunLoop::turn(NSString* mode, Wait wait, NSTimeInterval limit) {
-    if (!mode) raiseException(NSInvalidArgumentException, u"a run loop runs in a mode"_ns);
+    if (!mode) raiseException(NSInvalidArgumentException, u"NSRunLoop: the mode to run in is null"_ns);
     AutoreleasePool pool;
     // The usual mode is compared by its address from here on, and need not be kept.
     Retained<NSString> kept;
@@ -347,11 +356,13 @@ bool NSRunLoop::hasWorkForMode(NSString* mode) {
 // MARK: Timers
 
 void NSRunLoop::addTimer_forMode(NSTimer* timer, NSString* mode) {
-    if (!timer || !mode) raiseException(NSInvalidArgumentException, u"no timer, or no mode for it"_ns);
+    if (!timer || !mode)
+        raiseException(NSInvalidArgumentException, u"addTimer:forMode: the %s is null"_ns,
+                       timer ? "mode" : "timer");
     timer->addTo(_state->timersFor(mode));
 }
 
-// Those that were there when the turn came to them: one that is added by another waits for the next turn.
+// Fires the timers that were there when the turn came to them: one that is added by another waits a turn.
 bool NSRunLoop::fireTimers(NSString* mode) {
     bool hasFired = false;
     NSTimeInterval now = 0;
@@ -403,7 +414,9 @@ void NSRunLoop::cancelDelayed(id receiver, const std::function<bool(NSDelayedPer
 void NSRunLoop::performSelector_target_argument_order_modes(SEL selector, id target, id argument,
                                                             std::uint32_t order, NSArray* modes) {
     if (!target || !selector)
-        raiseException(NSInvalidArgumentException, u"a perform needs a target and a selector"_ns);
+        raiseException(NSInvalidArgumentException,
+                       u"performSelector:target:argument:order:modes: the %s is null"_ns,
+                       target ? "selector" : "target");
     _state->performs.emplace(
         order, Perform{selector, Retained<Object>::retaining(target), Retained<Object>::retaining(argument),
                        Retained<NSArray>::retaining(modes), _state->numbers++});
@@ -437,7 +450,7 @@ bool NSRunLoop::hasPerforms(NSString* mode) {
                        [&](const auto& each) { return isMode_amongModes(mode, each.second.modes.get()); });
 }
 
-// Those that were there at the beginning. Each is looked for anew, since any may cancel others.
+// Sends the messages that were there at the beginning. Each is searched for anew, since any may cancel others.
 bool NSRunLoop::firePerforms(NSString* mode) {
     auto& performs = _state->performs;
     if (performs.empty()) return false;
@@ -469,7 +482,7 @@ bool NSRunLoop::hasThreadPerforms(NSString* mode) {
                        [&](const ThreadPerform& each) { return isMode_amongModes(mode, each.modes.get()); });
 }
 
-// Those that were there at the beginning. What is for other modes stays, and so do the others if one raises.
+// Makes the calls that were there at the beginning. Calls for other modes stay, and so do the rest if one raises.
 bool NSRunLoop::serveThreads(NSString* mode) {
     if (_state->threadPerforms.load() == 0) return false;
     std::unique_lock lock(_state->mutex);
@@ -503,8 +516,17 @@ void NSRunLoop::addDescriptor_events_target_selector_forMode(int descriptor, std
             return epoll_ctl(_state->poll, EPOLL_CTL_DEL, descriptor, &event) == 0;
         return errno == EEXIST;
     };
-    if (!target || !selector || !mode || pollEvents(events) == 0 || !isWatchable())
-        raiseException(NSInvalidArgumentException, u"descriptor %d cannot be watched"_ns, descriptor);
+    const char* fault = !target                   ? "the target is null"
+                        : !selector               ? "the selector is null"
+                        : !mode                   ? "the mode is null"
+                        : pollEvents(events) == 0 ? "there are no events to watch for"
+                        : !isWatchable()          ? std::strerror(errno)
+                                                  : nullptr;
+    if (fault)
+        raiseException(
+            NSInvalidArgumentException,
+            u"addDescriptor:events:target:selector:forMode: descriptor %d cannot be watched: %s"_ns,
+            descriptor, fault);
     _state->descriptors[descriptor].watches.push_back({_state->numbers++, events,
                                                        Retained<Object>::retaining(target), selector,
                                                        Retained<NSString>::retaining(mode)});
@@ -528,7 +550,7 @@ void NSRunLoop::removeDescriptor_forMode(int descriptor, NSString* mode) {
     _state->watchedMode = nullptr;
 }
 
-// Asks the kernel for what the mode wants, so that nothing else wakes the thread.
+// Asks the kernel for the events that the mode wants, so that no others wake the thread.
 void NSRunLoop::watchForMode(NSString* mode) {
     if (isSameName(_state->watchedMode, mode)) return;
     for (auto& [number, descriptor] : _state->descriptors) {
@@ -547,7 +569,7 @@ void NSRunLoop::watchForMode(NSString* mode) {
 }
 
 bool NSRunLoop::pollDescriptors(NSString* mode, NSTimeInterval timeout) {
-    // Without descriptors only a signal can come, and whether one has come is known without the kernel.
+    // Without descriptors only a signal can come; whether one has come is known without asking the kernel.
     if (_state->descriptors.empty()) {
         bool awaitsSignal = timeout == kNever || _state->isSignalled.load();
         if (awaitsSignal) acknowledgeSignal(_state->wake);
@@ -568,7 +590,7 @@ bool NSRunLoop::pollDescriptors(NSString* mode, NSTimeInterval timeout) {
     return (turns == _state->turns && serveThreads(mode)) || hasServed;
 }
 
-// Before anything is called, which may raise. Waits for the signal if there is none.
+// Takes note of the signal before the loop calls anything, which may raise. Waits for the signal if need be.
 void NSRunLoop::acknowledgeSignal(int ready) {
     if (ready != _state->wake) return;
     char signals[16];
@@ -594,6 +616,43 @@ bool NSRunLoop::serve(NSString* mode, int descriptor, std::uint32_t events, std:
         auto target = at->target;
         send<void>(target, at->selector, descriptor);
     }
+}
+
+// MARK: Description
+
+namespace {
+
+// The object without its own description, which may be long and is the object's to give.
+NSString* named(id object) {
+    return NSString::stringWithFormat(u"<%s %p>"_ns, object->isa()->name(), static_cast<void*>(object));
+}
+
+NSString* joined(NSArray* modes) {
+    return modes && modes->count() > 0 ? modes->componentsJoinedByString(u", "_ns) : NSDefaultRunLoopMode;
+}
+
+}  // namespace
+
+NSString* NSRunLoop::description() {
+    auto text = NSMutableString::init();
+    NSString* mode = _currentMode ? _currentMode : u"no mode"_ns;
+    text->appendFormat(u"<%s %p: runs in %@, common modes"_ns, isa()->name(), static_cast<void*>(this), mode);
+    for (NSString* common : _state->commonModes) text->appendFormat(u" %@"_ns, common);
+    for (TimerMode& each : _state->timerModes)
+        for (NSTimer* timer : each.timers.timers()) text->appendFormat(u"\n  %@ in %@"_ns, timer, each.name);
+    for (auto& [number, descriptor] : _state->descriptors)
+        for (Watch& watch : descriptor.watches)
+            text->appendFormat(u"\n  descriptor %d%s%s: sends %s to %@ in %@"_ns, number,
+                               watch.events & NSDescriptorReadable ? " readable" : "",
+                               watch.events & NSDescriptorWritable ? " writable" : "", watch.selector.name(),
+                               named(watch.target), watch.mode);
+    for (auto& [order, perform] : _state->performs)
+        text->appendFormat(u"\n  perform of order %u: sends %s to %@ in %@"_ns, order,
+                           perform.selector.name(), named(perform.target), joined(perform.modes));
+    if (std::size_t count = _state->threadPerforms.load())
+        text->appendFormat(u"\n  %u performs from other threads"_ns, static_cast<unsigned>(count));
+    text->appendString(u">"_ns);
+    return std::move(text).autorelease();
 }
 
 // MARK: In another loop

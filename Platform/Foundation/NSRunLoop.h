@@ -16,98 +16,117 @@ class NSTimer;
 
 /// The mode in which a loop runs unless it is told otherwise.
 inline constexpr NSString* NSDefaultRunLoopMode = u"NSDefaultRunLoopMode"_ns;
-/// Stands for every mode that was made a common one; the default mode is from the start. For adding to, not
-/// for running in.
+/// Stands for every common mode: the default mode, and those that `addCommonMode` was given. Work is added
+/// under this name; a loop cannot run in it.
 inline constexpr NSString* NSRunLoopCommonModes = u"NSRunLoopCommonModes"_ns;
 
-/// What a descriptor is watched for; may be combined. Errors and a closed other end count as both.
+/// What a descriptor is watched for; values may be combined. Errors, and an other end that was closed, count
+/// as both.
 enum NSDescriptorEvents : std::uint32_t {
     NSDescriptorReadable = 1,
     NSDescriptorWritable = 2,
 };
 
 /// Waits for the work of its thread and does it: ordered performs, timers, descriptors, performs that other
-/// threads ask for, queued notifications. Each thread has one loop. A loop runs in a mode and does only
-/// what was added for that mode; the rest waits.
+/// threads ask for, queued notifications. Each thread has one loop. A loop runs in a mode and does only the
+/// work that was added for that mode; other work waits.
 ///
-///     while (!isDone) NSRunLoop::currentRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
+///     NSRunLoop* loop = NSRunLoop::currentRunLoop();
+///     loop->addDescriptor_events_target_selector_forMode(socket, NSDescriptorReadable, reader, "read:"_sel,
+///                                                        NSDefaultRunLoopMode);
+///     while (!isDone) loop->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
 ///
-/// One turn, inside an autorelease pool: what was to be performed at its beginning, in order; timers that
-/// are due; descriptors and other threads' performs; notifications to be posted as soon as possible; and, if
-/// nothing of that was ready, one notification to be posted when idle. If there is none either, the thread
-/// sleeps until there is work. A loop may be run from inside what it calls.
+/// A turn of the loop does, inside an autorelease pool: the ordered performs that were there at its
+/// beginning; the timers that are due; ready descriptors and other threads' performs; the notifications that
+/// are to be posted as soon as possible; and, if none of these was ready, one notification that is to be
+/// posted when idle. If there is no such notification either, the thread sleeps until there is work. A loop
+/// may be run from inside a call that it makes.
 ///
-/// What a call raises leaves the running operation and takes the rest of the turn with it; the loop can be
-/// run again and nothing that waits is lost. Dates are turned into moments of a clock that nobody sets when
-/// they are given. For the loop's own thread, but for `wakeUp` and `stop`.
+/// An exception of such a call leaves the operation that runs the loop and ends the turn; work that was not
+/// done waits for the next turn. A date that is given to the loop becomes a moment of a clock that nobody
+/// sets. All operations are for the loop's own thread, except `wakeUp`, `stop` and `perform`.
 class PELVOR_EXPORT NSRunLoop : public NSObject {
     PELVOR_CLASS(NSRunLoop, NSObject);
 
   public:
-    /// The thread's loop, made on first demand.
+    /// Returns the thread's loop, which is made on first demand.
     static NSRunLoop* currentRunLoop();
-    /// The main thread's. Any thread.
+    /// Returns the main thread's loop. Any thread.
     static NSRunLoop* mainRunLoop();
 
-    /// The mode that the loop runs in; none while it does not run.
+    /// Returns the mode that the loop runs in; null while the loop does not run.
     NSString* currentMode() { return _currentMode; }
-    /// Makes `mode` one of those that NSRunLoopCommonModes stands for.
+    /// Makes `mode` one of the modes that NSRunLoopCommonModes stands for. Raises NSInvalidArgumentException
+    /// if `mode` is null.
     void addCommonMode(NSString* mode);
-    /// Whether one of the names is the mode, or stands for it. No list, or an empty one, is the default mode.
+    /// Returns whether one of the names in `modes` is the mode or stands for it. A null or empty list stands
+    /// for the default mode.
     bool isMode_amongModes(NSString* mode, NSArray* modes);
 
     // Running
 
-    /// Does one turn, after waiting for work until the date; no date waits for as long as it takes. True if
-    /// there was work, or the loop was woken; false if there was none until then, or nothing to wait for. The
-    /// main thread's loop can always be given work by another thread, so it waits also when it has none.
+    /// Waits for work until the date and does one turn; with a null date, waits for as long as it takes.
+    /// Returns true if there was work or the loop was woken, false if there was no work until the date or
+    /// nothing to wait for. The main thread's loop waits even if it has nothing to wait for, since another
+    /// thread can always give it work. Raises NSInvalidArgumentException if `mode` is null.
     bool runMode_beforeDate(NSString* mode, NSDate* limit);
-    /// Turns in the default mode until the date, or until `stop`, or until there is nothing to wait for.
+    /// Takes turns in the default mode until the date has come, `stop` was called, or there is nothing to
+    /// wait for.
     void runUntilDate(NSDate* limit);
-    /// The same without a date.
+    /// Does the same without a date.
     void run();
-    /// The innermost `runUntilDate` or `run` ends after its turn. Does nothing when none is under way; it
-    /// does not keep a later one from running. Any thread.
+    /// Ends the innermost `runUntilDate` or `run` after its turn. Does nothing if neither is under way: a
+    /// later call of them runs. Any thread.
     void stop();
-    /// Ends the wait of `runMode:beforeDate:`, now or when it next comes to wait, so that its caller looks
-    /// around. Any thread.
+    /// Makes `runMode:beforeDate:` return instead of waiting, now or when it next comes to wait. Any thread.
     void wakeUp();
-    /// Whether the mode has timers, descriptors, performs or notifications, ready or not.
+    /// Returns whether there are timers, descriptors, performs or notifications for the mode, ready or not.
     bool hasWorkForMode(NSString* mode);
 
     // Work
 
-    /// Does nothing for a timer that has fired or is in the mode already.
+    /// Adds the timer, which the loop retains until the timer is invalidated. Does nothing if the timer is
+    /// invalid or is in the mode already. Raises NSInvalidArgumentException if the timer or the mode is null.
     void addTimer_forMode(NSTimer* timer, NSString* mode);
-    /// Sends `selector` with the descriptor, an int, whenever one of `events` (of NSDescriptorEvents) is
-    /// there. The target is retained. Raises NSInvalidArgumentException for no target, selector or events,
-    /// and for a descriptor that cannot be waited for. Remove it before closing it.
+    /// Sends `selector` with the descriptor, an int, to the target whenever one of `events` (of
+    /// NSDescriptorEvents) is there. The target is retained. Raises NSInvalidArgumentException if target,
+    /// selector or mode is null, if there are no events, or if the descriptor cannot be waited for. Remove
+    /// the descriptor before closing it.
     void addDescriptor_events_target_selector_forMode(int descriptor, std::uint32_t events, id target,
                                                       SEL selector, NSString* mode);
-    /// Removes all that was added for the descriptor in the mode.
+    /// Removes everything that was added for the descriptor in the mode.
     void removeDescriptor_forMode(int descriptor, NSString* mode);
-    /// Sends the message at the beginning of the next turn in one of the modes, those of lower order first
-    /// and equal ones as they came. Target and argument are retained until then.
+    /// Sends the message, with `argument` if it takes one, at the beginning of the next turn in one of the
+    /// modes: messages of a lower order first, messages of one order as they came. Target and argument are
+    /// retained until then. Raises NSInvalidArgumentException if target or selector is null.
     void performSelector_target_argument_order_modes(SEL selector, id target, id argument,
                                                      std::uint32_t order, NSArray* modes);
-    /// Forgets performs with the same selector, target and an equal or identical argument.
+    /// Forgets the performs with this selector, this target and an equal argument.
     void cancelPerformSelector_target_argument(SEL selector, id target, id argument);
+    /// Forgets the performs with this target.
     void cancelPerformSelectorsWithTarget(id target);
 
-    // A host with a loop of its own. It waits until the descriptor is readable or the deadline has come,
-    // then does the ready work, and asks again.
+    // A host with a loop of its own waits until the descriptor is readable or the limit date has come, then
+    // has the ready work done, and asks for the limit date again.
 
-    /// Readable when there may be work. The loop's own; only for waiting.
+    /// Returns a descriptor that is readable when there may be work. It belongs to the loop; it is only for
+    /// waiting.
     int descriptor();
-    /// When there is work in the mode at the latest if the descriptor stays silent: a moment that is over
-    /// when there is some now, none when there is only the descriptor to wait for. By the system's clock as
-    /// it is now; a host that goes by another takes the time until then at once.
+    /// Returns when there is work in the mode at the latest, if the descriptor does not become readable
+    /// before: a past date if there is work now, null if there is only the descriptor to wait for. The date
+    /// is one of the system's clock as that is set now; a host that waits by another clock takes the time
+    /// until the date at once.
     NSDate* limitDateForMode(NSString* mode);
-    /// Does what is ready, without waiting; whether there was any.
+    /// Does the work that is ready, without waiting. Returns whether there was any.
     bool performReadyWorkForMode(NSString* mode);
 
+    /// Returns what a debugger wants to see: the mode that the loop runs in, the common modes, and the
+    /// timers, descriptors and performs that wait, each with its modes.
+    NSString* description() override;
+
     // C++ only
-    /// Has the function called in one of the modes on the loop's thread. Any thread.
+    /// Has the function called on the loop's thread when the loop runs in one of the modes; null stands for
+    /// the default mode. Any thread.
     void perform(std::function<void()> work, NSArray* modes);
 
   protected:
@@ -144,7 +163,7 @@ class PELVOR_EXPORT NSRunLoop : public NSObject {
     void cancelDelayed(id receiver, const std::function<bool(NSDelayedPerform*)>& isMeant);
 
     std::unique_ptr<State> _state;
-    NSString* _currentMode = nullptr;
+    NSString* _currentMode = nullptr;  // not retained: the turn keeps it
 };
 
 }  // namespace pelvor

@@ -74,7 +74,9 @@ NSThread::~NSThread() = default;
 
 void NSThread::detachNewThreadSelector_toTarget_withObject(SEL selector, id target, id argument) {
     if (!target || !selector)
-        raiseException(NSInvalidArgumentException, u"a thread needs a target and a selector"_ns);
+        raiseException(NSInvalidArgumentException,
+                       u"detachNewThreadSelector:toTarget:withObject: the %s is null"_ns,
+                       target ? "selector" : "target");
     // The last of the references goes inside the thread's pool, before the thread is seen to end.
     auto keptTarget = Retained<Object>::retaining(target);
     auto keptArgument = Retained<Object>::retaining(argument);
@@ -92,11 +94,11 @@ void NSThread::detach(std::function<void()> entry) {
     try {
         std::thread([entry = std::move(entry)]() mutable { runAndEnd(entry); }).detach();
     } catch (const std::system_error& error) {
-        raiseException(NSGenericException, u"the thread cannot be started: %s"_ns, error.what());
+        raiseException(NSGenericException, u"NSThread: the system gives no thread: %s"_ns, error.what());
     }
 }
 
-// What the thread owns goes before its function's own destruction, inside a pool.
+// The objects that the thread owns are released inside a pool, before the function itself ends.
 void NSThread::runAndEnd(std::function<void()>& entry) {
     AutoreleasePool pool;
     callAndLogExceptions(u"Thread ended by an uncaught exception"_ns, entry);
@@ -126,7 +128,7 @@ NSThread* NSThread::currentThread() {
     return ownThread = make<NSThread>().leak();
 }
 
-// The main thread's object stays, so that other threads may have it whenever they ask.
+// The main thread's object stays, so that other threads can ask for it at any time.
 NSThread* NSThread::mainThread() {
     static NSThread* const thread = make<NSThread>().leak();
     return thread;
@@ -153,7 +155,7 @@ NSMutableDictionary* NSThread::threadDictionary() {
 void NSThread::sleepUntilDate(NSDate* date) { std::this_thread::sleep_until(deadline(date)); }
 
 void NSThread::sleepForTimeInterval(double seconds) {
-    constexpr double kLongest = 1e9;  // beyond what the clock counts nothing is ever awaited
+    constexpr double kLongest = 1e9;  // beyond the range of the clock
     if (seconds > 0) std::this_thread::sleep_for(std::chrono::duration<double>(std::min(seconds, kLongest)));
 }
 

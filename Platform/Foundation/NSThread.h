@@ -11,38 +11,45 @@ namespace pelvor {
 class NSDate;
 class NSMutableDictionary;
 
-/// Posted on the default centre, by the thread that is about to start the first further thread through
-/// NSThread and before that one runs. Without object; once in the life of the process.
+/// Posted on the default centre, with a null object, once in the life of the process: on the thread that is
+/// about to start the first further thread through NSThread, before the new thread runs.
 inline constexpr NSString* NSWillBecomeMultiThreadedNotification =
     u"NSWillBecomeMultiThreadedNotification"_ns;
 
-/// A thread. Threads that were started by other means have an object as well, from the first time that
-/// they ask for it. Class operations are for any thread, an object's own for its thread only.
+/// A thread of the process. A thread is started with a message, and gives its results to the main thread:
+///
+///     NSThread::detachNewThreadSelector_toTarget_withObject("count:"_sel, counter, document);
+///     // in Counter::count, at its end:
+///     performSelectorOnMainThread_withObject_waitUntilDone(view, "show:"_sel, result, false);
+///
+/// Threads that were started by other means have an object as well, from the first time that they ask for
+/// `currentThread`. Class operations are for any thread; the operations of an object are for its thread only.
 class PELVOR_EXPORT NSThread : public NSObject {
     PELVOR_CLASS(NSThread, NSObject);
 
   public:
     /// Starts a thread that sends the message to the target, with `argument` if it takes one, inside an
-    /// autorelease pool, and then ends. Target and argument are retained until then. What the method
-    /// raises is logged and ends the thread. Raises NSInvalidArgumentException for no target or selector,
-    /// NSGenericException if the system gives no thread.
+    /// autorelease pool, and then ends. Target and argument are retained until then. An exception of the
+    /// method is logged and ends the thread. Raises NSInvalidArgumentException if target or selector is null,
+    /// and NSGenericException if the system gives no thread.
     static void detachNewThreadSelector_toTarget_withObject(SEL selector, id target, id argument);
 
     static NSThread* currentThread();
-    /// The thread that the process began with.
+    /// Returns the thread that the process began with.
     static NSThread* mainThread();
     static bool isMainThread();
-    /// Whether NSThread has ever started a thread.
+    /// Returns whether NSThread has ever started a thread.
     static bool isMultiThreaded();
 
-    /// Both return at once for a time that is over.
+    /// Both return at once if the time is over, and for a null date.
     static void sleepUntilDate(NSDate* date);
     static void sleepForTimeInterval(double seconds);
 
-    /// "" unless it was set. The system shows the first 15 bytes of it for the current thread.
+    /// Returns the thread's name; "" unless it was set. Tools of the system show its first 15 bytes.
     NSString* name() { return _name; }
     void setName(NSString* name);
-    /// The thread's own dictionary, made on first demand; its objects are released when the thread ends.
+    /// Returns the thread's own dictionary, which is made on first demand. Its objects are released when the
+    /// thread ends.
     NSMutableDictionary* threadDictionary();
 
     // C++ only

@@ -36,7 +36,8 @@ Retained<NSTimer> NSTimer::unscheduled(NSTimeInterval interval, id target, SEL s
                                        bool repeats) {
     constexpr NSTimeInterval kShortest = 0.0001;
     if (!target || !selector)
-        raiseException(NSInvalidArgumentException, u"a timer needs a target and a selector"_ns);
+        raiseException(NSInvalidArgumentException, u"NSTimer: the %s of the message is null"_ns,
+                       target ? "selector" : "target");
     auto timer = make<NSTimer>();
     timer->_target.set(target);
     timer->_userInfo.set(userInfo);
@@ -83,6 +84,16 @@ void NSTimer::fire() {
     if (isValid()) sendMessage();
 }
 
+NSString* NSTimer::description() {
+    if (!isValid())
+        return NSString::stringWithFormat(u"<%s %p: invalid>"_ns, isa()->name(), static_cast<void*>(this));
+    NSString* repetition =
+        _interval > 0 ? NSString::stringWithFormat(u", then every %g s"_ns, _interval) : u""_ns;
+    return NSString::stringWithFormat(u"<%s %p: sends %s to <%s %p> in %.3f s%@>"_ns, isa()->name(),
+                                      static_cast<void*>(this), _selector.name(), _target->isa()->name(),
+                                      static_cast<void*>(_target.get()), _moment - steadyTime(), repetition);
+}
+
 // The beats stay where they were, so that delays do not add up.
 void NSTimer::fireOnTime(NSTimeInterval now) {
     if (_interval > 0) {
@@ -118,7 +129,8 @@ void NSTimer::setFireDate(NSDate* date) {
 }
 
 void NSTimer::schedule(NSTimeInterval moment, NSTimeInterval date) {
-    if (std::isnan(moment)) raiseException(NSInvalidArgumentException, u"a timer needs a moment"_ns);
+    if (std::isnan(moment))
+        raiseException(NSInvalidArgumentException, u"NSTimer: the time to fire is not a number"_ns);
     _moment = moment;
     _date = date;
     for (TimerPlace* place = _places; place; place = place->next) place->heap->move(place, moment);

@@ -10,7 +10,8 @@ namespace pelvor {
 class NSTimer;
 class TimerHeap;
 
-/// The place of a timer in a heap of a run loop. A timer has one a mode, chained by `next`.
+/// The place of a timer in the heap of a run loop's mode. A timer has one place for each mode, chained by
+/// `next`.
 struct TimerPlace {
     NSTimer* timer;
     TimerHeap* heap;
@@ -19,45 +20,55 @@ struct TimerPlace {
 };
 
 /// Sends a message, with itself as the argument, when its fire date has come and its run loop runs in one of
-/// its modes. A fire date is turned into a moment when it is set; from then on the timer goes by a clock that
-/// nobody sets, so that setting the system's clock neither hurries nor holds it. The loop retains the timer
-/// and the timer its target and user information, all until it is invalidated. A timer that fires once is
-/// invalidated before its message is sent. A repeating one keeps to the beat of its first fire date and
-/// leaves out the beats that were missed; intervals below a tenth of a millisecond count as that.
+/// its modes:
 ///
-///     NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats(0.5, view, "blink:"_sel,
-///                                                                              nullptr, true);
+///     // void View::blink(NSTimer* timer), bound as "blink:", twice a second until `invalidate`
+///     NSTimer* timer = NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats(
+///         0.5, view, "blink:"_sel, nullptr, true);
 ///
-/// For one thread: that of its run loop.
+/// The loop retains the timer, and the timer retains its target and its user information; all are released
+/// when the timer is invalidated. A timer that fires once is invalidated before its message is sent. A
+/// repeating timer keeps to the beat of its first fire date and leaves out the beats that were missed.
+///
+/// A fire date becomes a moment of a clock that nobody sets at the time when it is given, so that setting the
+/// system's clock neither hurries nor delays the timer. All operations are for the thread of the run loop.
 class PELVOR_EXPORT NSTimer : public NSObject {
     PELVOR_CLASS(NSTimer, NSObject);
 
   public:
-    /// A timer that fires at the interval, in seconds from now, once a run loop has it. All creators raise
-    /// NSInvalidArgumentException for no target or selector.
+    /// Returns a timer, borrowed, that first fires in `seconds` seconds, once it was added to a run loop. A
+    /// repeating timer fires at this interval, but at most every tenth of a millisecond. All creators raise
+    /// NSInvalidArgumentException if target or selector is null or the time is not a number.
     static NSTimer* timerWithTimeInterval_target_selector_userInfo_repeats(NSTimeInterval seconds, id target,
                                                                            SEL selector, id userInfo,
                                                                            bool repeats);
-    /// The same, and the current run loop has it in its default mode.
+    /// Returns such a timer after adding it to the current run loop in the default mode.
     static NSTimer* scheduledTimerWithTimeInterval_target_selector_userInfo_repeats(NSTimeInterval seconds,
                                                                                     id target, SEL selector,
                                                                                     id userInfo,
                                                                                     bool repeats);
+    /// Returns a timer that first fires at the date; a null date stands for now.
     static Retained<NSTimer> initWithFireDate_interval_target_selector_userInfo_repeats(
         NSDate* date, NSTimeInterval seconds, id target, SEL selector, id userInfo, bool repeats);
 
-    /// Sends the message now. The schedule of a repeating timer stays; the other is invalidated.
+    /// Sends the message now, if the timer is valid. A timer that fires once is invalidated; the schedule of
+    /// a repeating timer stays as it is.
     void fire();
-    /// The timer never fires again; its run loop, its target and its user information are let go.
+    /// Takes the timer out of its run loop, so that it never fires again, and releases its target and its
+    /// user information.
     void invalidate();
     bool isValid() { return _target != nullptr; }
 
     NSDate* fireDate();
-    /// Moves the next firing; nothing for an invalid timer. None stands for at once.
+    /// Sets when the timer fires next; a null date stands for now. Does nothing if the timer is invalid.
     void setFireDate(NSDate* date);
-    /// 0 for a timer that fires once.
+    /// Returns the interval in seconds; 0 for a timer that fires once.
     NSTimeInterval timeInterval() { return _interval; }
+    /// Returns the user information; null if the timer is invalid.
     id userInfo() { return _userInfo; }
+
+    /// Returns the message that the timer sends, to which class, and when, or that the timer is invalid.
+    NSString* description() override;
 
   protected:
     NSTimer() = default;

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSUserDefaults.h"
 
+#include <algorithm>
 #include <mutex>
 #include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "Foundation/Files/DefaultsFile.h"
@@ -70,17 +73,19 @@ StandardDefaults& standardDefaults() {
 }
 
 void requireKey(NSString* key) {
-    if (!key) throw NSException(NSInvalidArgumentException, "a user default needs a key");
+    if (!key) throw NSException(NSInvalidArgumentException, "NSUserDefaults: the key of the setting is null");
 }
 
-// A copy that does not change. It must fit into the file, so that one setting does not keep all from being
-// written.
+// Returns a copy that does not change. It must fit into the file: one setting that does not would keep all others
+// from being written.
 Retained<Object> frozenCopy(id object, NSString* key) {
     id entry = NSDictionary::dictionaryWithObject_forKey(object, key);
     NSPropertyListError* error = nullptr;
     NSData* xml = NSPropertyListSerialization::dataWithPropertyList_format_options_error(
         entry, NSPropertyListXMLFormat_v1_0, 0, &error);
-    if (!xml) raiseException(NSInvalidArgumentException, u"this cannot be a user default: %@"_ns, error);
+    if (!xml)
+        raiseException(NSInvalidArgumentException, u"setObject:forKey: the object cannot be a setting: %@"_ns,
+                       error);
     NSData* binary = NSPropertyListSerialization::dataWithPropertyList_format_options_error(
         object, NSPropertyListBinaryFormat_v1_0, 0, nullptr);
     return Retained<Object>::retaining(NSPropertyListSerialization::propertyListWithData_options_format_error(
@@ -120,7 +125,7 @@ class DefaultsStore {
         return result;
     }
 
-    // The file's domain as it stands.
+    // Returns the file's domain as it is now.
     Retained<NSDictionary> settings() {
         Guard lock(_mutex);
         load();
@@ -150,12 +155,9 @@ class DefaultsStore {
     }
 
     void setVolatile(NSDictionary* settings, NSString* name) {
-        Guard lock(_mutex);
         auto copy = settings->copy();
-        if (VolatileDomain* domain = domainNamed(name)) {
-            domain->settings = std::move(copy);
-            return;
-        }
+        Guard lock(_mutex);
+        if (VolatileDomain* domain = domainNamed(name)) return std::swap(domain->settings, copy);
         VolatileDomain domain{rankOf(name), name->copy(), std::move(copy)};
         auto place = _volatileDomains.begin();
         while (place != _volatileDomains.end() && place->rank <= domain.rank) ++place;
@@ -169,9 +171,13 @@ class DefaultsStore {
     }
 
     void removeVolatile(NSString* name) {
+        Retained<NSDictionary> gone;  // let go last: objects that end with it may ask for settings
         Guard lock(_mutex);
-        std::erase_if(_volatileDomains,
-                      [&](const VolatileDomain& domain) { return domain.name->isEqual(name); });
+        auto named = [&](const VolatileDomain& domain) { return domain.name->isEqual(name); };
+        auto domain = std::find_if(_volatileDomains.begin(), _volatileDomains.end(), named);
+        if (domain == _volatileDomains.end()) return;
+        gone = std::move(domain->settings);
+        _volatileDomains.erase(domain);
     }
 
   private:
@@ -203,7 +209,7 @@ class DefaultsStore {
         merge();
     }
 
-    // Takes over what others have written. A file that was damaged meanwhile changes nothing.
+    // Takes over what other processes have written. A file that was damaged meanwhile changes nothing.
     bool refresh() {
         if (!_isLoaded || _file->hasChanged()) {
             _isLoaded = true;
@@ -223,7 +229,7 @@ class DefaultsStore {
                 _settings->setObject_forKey(value, key);
     }
 
-    std::recursive_mutex _mutex;  // what the log calls may ask for settings
+    std::recursive_mutex _mutex;  // recursive, since a sink of the log may ask for settings
     std::optional<DefaultsFile> _file;
     bool _isLoaded = false;
     Retained<NSMutableDictionary> _settings;
@@ -260,7 +266,8 @@ Retained<NSUserDefaults> NSUserDefaults::initWithDomainName(NSString* name, Clas
     std::string domain = name ? name->toUTF8() : "";
     constexpr std::string_view kForbidden("/\0", 2);
     if (domain.empty() || domain.size() > 200 || domain.find_first_of(kForbidden) != domain.npos)
-        raiseException(NSInvalidArgumentException, u"'%@' cannot be a domain of user defaults"_ns, name);
+        raiseException(NSInvalidArgumentException,
+                       u"initWithDomainName: '%@' cannot be the name of a domain"_ns, name);
     auto defaults = initVolatile(cls);
     defaults->_store->useFile(domain);
     return defaults;
@@ -370,7 +377,7 @@ bool NSUserDefaults::synchronize() {
 // MARK: Other domains
 
 void NSUserDefaults::registerDefaults(NSDictionary* settings) {
-    if (!settings) throw NSException(NSInvalidArgumentException, "there are no settings to register");
+    if (!settings) throw NSException(NSInvalidArgumentException, "registerDefaults: the settings are null");
     auto merged = NSMutableDictionary::initWithDictionary(volatileDomainForName(NSRegistrationDomain));
     merged->addEntriesFromDictionary(settings);
     setVolatileDomain_forName(merged, NSRegistrationDomain);
@@ -378,7 +385,8 @@ void NSUserDefaults::registerDefaults(NSDictionary* settings) {
 
 void NSUserDefaults::setVolatileDomain_forName(NSDictionary* settings, NSString* name) {
     if (!settings || !name)
-        throw NSException(NSInvalidArgumentException, "a volatile domain needs settings and a name");
+        throw NSException(NSInvalidArgumentException, std::string("setVolatileDomain:forName: the ") +
+                                                          (settings ? "name is null" : "settings are null"));
     _store->setVolatile(settings, name);
 }
 
@@ -388,7 +396,7 @@ NSDictionary* NSUserDefaults::volatileDomainForName(NSString* name) {
 
 void NSUserDefaults::removeVolatileDomainForName(NSString* name) { _store->removeVolatile(name); }
 
-// An argument that looks like a key is none's value, unless it is a negative number.
+// An argument that looks like a key is never a value, unless it is a negative number.
 NSDictionary* NSUserDefaults::settingsFromArguments(NSArray* arguments) {
     auto settings = NSMutableDictionary::init();
     NSString* key = nullptr;

@@ -15,89 +15,100 @@ class NSData;
 class NSDictionary;
 class NSString;
 
-/// The settings that the program was started with: "-Key value" among its arguments.
+/// The domain of the settings that the program was started with: "-Key value" among its arguments.
 extern PELVOR_EXPORT NSString* const NSArgumentDomain;
-/// The settings that hold where the user has made none: `registerDefaults`.
+/// The domain of the settings that hold where the user has made none: `registerDefaults`.
 extern PELVOR_EXPORT NSString* const NSRegistrationDomain;
 
-/// Posted by settings, on the thread that changed them, when the domain of the file has changed, by setting
-/// or by `synchronize`.
+/// Posted by an NSUserDefaults object after the domain that is kept in its file has changed, by setting or by
+/// `synchronize`; on the thread that made the change.
 extern PELVOR_EXPORT NSString* const NSUserDefaultsDidChangeNotification;
 
-/// Settings by key, looked up in domains, the first that has the key counting: the arguments, other volatile
-/// domains in the order in which they were set, the domain that is kept in a file, the registered settings.
-/// What is set goes to the file's domain, and to the file itself by `synchronize`: pelvor/<domain>.plist in
-/// the user's folder for configuration ($XDG_CONFIG_HOME, or ~/.config), which only the user can read.
+/// Settings by key. A program registers what holds without the user, reads, sets, and writes to the file:
 ///
-/// A file that is damaged counts as empty and is told of in the log; before a new one takes its place, it is
-/// kept under its name with ".damaged" behind it. Any thread.
+///     NSUserDefaults* defaults = NSUserDefaults::standardUserDefaults();
+///     defaults->registerDefaults(NSDictionary::of({{u"Columns"_ns, NSNumber::numberWithInt(80)}}));
+///     NSInteger columns = defaults->integerForKey(u"Columns"_ns);  // 72 after the argument "-Columns 72"
+///     defaults->setInteger_forKey(100, u"Columns"_ns);
+///     defaults->synchronize();
+///
+/// A key is looked up in several domains, of which the first that has the key counts: the arguments; other
+/// volatile domains in the order in which they were set; the domain that is kept in a file; the registered
+/// settings. Setting changes the domain of the file; `synchronize` writes the file: pelvor/<domain>.plist in
+/// the user's folder for configuration ($XDG_CONFIG_HOME, or ~/.config). Only the user can read the file.
+///
+/// A damaged file counts as empty, and the log tells of it. Before a new file takes its place, the damaged
+/// file is renamed to its name with ".damaged" behind it. Any thread.
 class PELVOR_EXPORT NSUserDefaults : public NSObject {
     PELVOR_CLASS(NSUserDefaults, NSObject);
 
   public:
     // Creation
 
-    /// The program's settings, with its arguments; made on first demand for the domain with the program's
-    /// name.
+    /// Returns the program's settings, with its arguments; borrowed. They are made on first demand, for the
+    /// domain with the program's name.
     static NSUserDefaults* standardUserDefaults();
-    /// Makes other settings the program's: those of a host that chooses its domain, or of a test. None: they
+    /// Makes other settings the program's: for a host that chooses its domain, or for a test. After null they
     /// are made anew when they are next asked for.
     static void setStandardUserDefaults(NSUserDefaults* defaults);
 
-    /// The settings in the file of that domain. Raises NSInvalidArgumentException for a name that cannot be a
-    /// file's.
+    /// Returns the settings in the file of the domain. Raises NSInvalidArgumentException for a name that is
+    /// null or empty, has more than 200 bytes of UTF-8, or contains "/".
     static Retained<NSUserDefaults> initWithDomainName(NSString* name, Class* cls = classObject());
-    /// Settings in memory only, which never touch a file.
+    /// Returns settings in memory only, which never touch a file.
     static Retained<NSUserDefaults> initVolatile(Class* cls = classObject());
 
-    // Reading. Objects are borrowed, and immutable unless they were registered otherwise.
+    // Reading. Objects are borrowed; they are immutable, unless mutable objects were registered.
 
-    /// None where no domain has the key.
+    /// Returns null if no domain has the key.
     id objectForKey(NSString* key);
-    /// A string, or a number as text; else none.
+    /// Returns a string, or a number as text; null for an object of another class.
     NSString* stringForKey(NSString* key);
-    /// None for objects of another class.
+    /// These return null for an object of another class.
     NSArray* arrayForKey(NSString* key);
-    /// None unless all objects of the array are strings.
+    /// Returns null unless the object is an array of nothing but strings.
     NSArray* stringArrayForKey(NSString* key);
     NSDictionary* dictionaryForKey(NSString* key);
     NSData* dataForKey(NSString* key);
-    /// A number, or a string read as one; 0 for anything else. A boolean is true for numbers other than 0 and
-    /// for texts that begin with Y, T or such a number.
+    /// These return a number, or a string read as a number; 0 for anything else. A boolean is true for
+    /// numbers other than 0 and for texts that begin with Y, T or such a number.
     NSInteger integerForKey(NSString* key);
     float floatForKey(NSString* key);
     double doubleForKey(NSString* key);
     bool boolForKey(NSString* key);
-    /// All that can be found, by key.
+    /// Returns everything that can be found, by key.
     NSDictionary* dictionaryRepresentation();
 
     // Changing the domain of the file
 
-    /// Keeps a copy of the object; none removes the key. Raises NSInvalidArgumentException for no key and for
-    /// objects and keys that no XML property list can hold.
+    /// Keeps a copy of the object; a null object removes the key. Raises NSInvalidArgumentException if the
+    /// key is null, and for an object or a key that an XML property list cannot hold.
     void setObject_forKey(id object, NSString* key);
     void setInteger_forKey(NSInteger value, NSString* key);
     void setFloat_forKey(float value, NSString* key);
     void setDouble_forKey(double value, NSString* key);
     void setBool_forKey(bool value, NSString* key);
-    /// Other domains may still have the key.
+    /// Removes the key from the domain of the file; other domains may still have it. Raises
+    /// NSInvalidArgumentException if the key is null.
     void removeObjectForKey(NSString* key);
-    /// Writes changes to the file and reads what others have written to it; whether that worked. Changes that
-    /// could not be written are kept for the next time. Of a key that was changed here and elsewhere, the
-    /// change made here counts.
+    /// Writes the changes to the file, and reads what other processes have written to it. Returns whether
+    /// both succeeded. Changes that cannot be written are kept for the next time. If a key was changed here
+    /// and in another process, the change made here counts.
     bool synchronize();
 
     // Other domains
 
-    /// Adds settings that hold where there are no others. Raises NSInvalidArgumentException for none.
+    /// Adds settings that hold where no other domain has the key. Raises NSInvalidArgumentException if
+    /// `settings` is null.
     void registerDefaults(NSDictionary* settings);
-    /// Sets all settings of a domain that is not kept in a file.
+    /// Sets all settings of a domain that is not kept in a file. Raises NSInvalidArgumentException if either
+    /// is null.
     void setVolatileDomain_forName(NSDictionary* settings, NSString* name);
-    /// None where there is no such domain.
+    /// Returns null if there is no such domain.
     NSDictionary* volatileDomainForName(NSString* name);
     void removeVolatileDomainForName(NSString* name);
-    /// The settings that arguments of the form "-Key value" make. A value is a string unless it is a property
-    /// list in brackets of any kind, "(de, en)".
+    /// Returns the settings that the arguments of the form "-Key value" make. A value is a string, unless it
+    /// is a property list in brackets of any kind, "(de, en)".
     static NSDictionary* settingsFromArguments(NSArray* arguments);
 
   protected:

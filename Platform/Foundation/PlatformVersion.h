@@ -6,11 +6,11 @@
 
 namespace pelvor {
 
-/// The user-interface framework's version; 1000.0 unless the host set another. Behaviour that differs between
-/// releases divides at 743.0: below it the older one holds. May be called on any thread.
+/// Returns the user-interface framework's version; 1000.0 unless the host set another. Where behaviour
+/// differs between releases, the older behaviour holds below 743.0. Any thread.
 PELVOR_EXPORT double platformVersion();
 
-/// Sets what platformVersion() answers. To be called before the load-time sequence, which classes use to
+/// Sets what platformVersion() returns. A host calls it before the load-time sequence, in which classes
 /// choose between old and new behaviour once and for all.
 PELVOR_EXPORT void setPlatformVersion(double version);
 

@@ -9,10 +9,10 @@
 namespace pelvor {
 namespace {
 
-// A set code, 0 before one is set.
+// The code that the host set; 0 if it set none.
 std::atomic<int> currentCode{0};
 
-// Reads the number at `text`, at most `limit`, and moves past it and the full stop after it.
+// Reads the number at `text`, at most `limit`, and moves `text` past the number and a full stop behind it.
 int readNumber(const char*& text, int limit) {
     int number = 0;
     for (; *text >= '0' && *text <= '9'; ++text) number = std::min(number * 10 + (*text - '0'), limit);

@@ -20,7 +20,7 @@ std::string_view environmentValue(const char* name) {
     return value ? value : "";
 }
 
-// The locale for messages, "" if none is set.
+// Returns the locale for messages; "" if no variable sets it.
 std::string_view messagesLocale() {
     for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"})
         if (std::string_view value = environmentValue(name); !value.empty()) return value;
@@ -47,7 +47,7 @@ void addOnce(std::vector<std::string>& languages, std::string language) {
         languages.push_back(std::move(language));
 }
 
-// Adds what "sr_RS.UTF-8@latin" says: "sr-Latn-RS", "sr-Latn" and "sr".
+// Adds the languages of "sr_RS.UTF-8@latin": "sr-Latn-RS", "sr-Latn" and "sr".
 void addLocale(std::vector<std::string>& languages, std::string_view locale) {
     std::size_t at = locale.find('@');
     std::string_view script = scriptOfModifier(at == locale.npos ? "" : locale.substr(at + 1));

@@ -74,7 +74,7 @@ DefaultsFile::State DefaultsFile::load() {
     if (failure == ENOENT || failure == ENOTDIR) return _state = State::missing;
     std::vector<std::byte> bytes;
     if (!readFile(_path, bytes)) {
-        NSLog(u"Settings cannot be read from %s"_ns, _path);
+        NSLog(u"NSUserDefaults: the settings in %s cannot be read"_ns, _path);
         return _state = State::unreadable;
     }
     NSPropertyListError* error = nullptr;
@@ -85,8 +85,8 @@ DefaultsFile::State DefaultsFile::load() {
         _content.set(dictionary);
         return _state = State::read;
     }
-    id reason = error ? static_cast<id>(error) : u"no dictionary"_ns;
-    NSLog(u"Settings in %s are damaged and left aside: %@"_ns, _path, reason);
+    id reason = error ? static_cast<id>(error) : u"they are a list, but no dictionary"_ns;
+    NSLog(u"NSUserDefaults: the settings in %s are damaged and count as empty: %@"_ns, _path, reason);
     return _state = State::damaged;
 }
 
@@ -115,7 +115,7 @@ bool DefaultsFile::save(NSDictionary* content) {
         content, NSPropertyListXMLFormat_v1_0, 0, nullptr);
     bool isKept = _state != State::damaged || keepDamagedFile();
     if (!data || !isKept || !writeFile(_path, data->span(), FileWriting::atomicPrivate)) {
-        NSLog(u"Settings cannot be written to %s"_ns, _path);
+        NSLog(u"NSUserDefaults: the settings cannot be written to %s"_ns, _path);
         return false;
     }
     _state = State::read;

@@ -16,7 +16,7 @@ class DefaultsFile {
     /// The file of the domain, in the user's folder for configuration.
     explicit DefaultsFile(const std::string& domain);
 
-    /// Holds other processes off the files of the folder while it lives, as far as they keep to it.
+    /// Keeps other processes that use this class off the files of the folder while it lives.
     class Lock {
       public:
         explicit Lock(const DefaultsFile& file);
@@ -30,19 +30,19 @@ class DefaultsFile {
 
     enum class State : std::uint8_t { missing, read, damaged, unreadable };
 
-    /// Reads the file; what it holds is `content()`, none in every state but `read`. Damage is logged.
+    /// Reads the file. `content()` is what the file holds; null in every state but `read`. Damage is logged.
     State load();
     NSDictionary* content() const { return _content; }
     State state() const { return _state; }
-    /// Whether the file is another one than that which was read or written last, or could not be read.
+    /// Returns whether the file is not the one that was read or written last, or could not be read.
     bool hasChanged() const;
-    /// Writes the file, after a damaged one has been put aside. False, and a line in the log, if that fails.
+    /// Writes the file, after renaming a damaged one. Returns false, with a line in the log, if that fails.
     bool save(NSDictionary* content);
-    /// Makes the folder, for the user alone. False if there is none then.
+    /// Makes the folder, for the user alone. Returns false if there is no folder afterwards.
     bool makeFolder() const;
 
   private:
-    // Zeros, and the reason, where there is no file.
+    // Returns 0; where there is no file, clears `status` and returns the reason.
     int readStatus(struct stat& status) const;
     bool keepDamagedFile() const;
 

@@ -6,13 +6,13 @@
 
 namespace pelvor {
 
-/// The target of its own timer, which keeps it; its run loop lists it by its receiver until it fires or is
-/// cancelled.
+/// The target of its own timer, which retains it. The run loop lists the object by the receiver of the
+/// message until the timer fires or is invalidated.
 class NSDelayedPerform : public NSObject {
     PELVOR_CLASS(NSDelayedPerform, NSObject);
 
   public:
-    /// Adds one to the current run loop; no modes are the default mode.
+    /// Has the current run loop send the message after the delay; null modes stand for the default mode.
     static void add(id receiver, SEL selector, id argument, NSTimeInterval delay, NSArray* modes);
 
     id receiver() { return _receiver; }
@@ -31,7 +31,7 @@ class NSDelayedPerform : public NSObject {
     Retained<Object> _receiver;
     SEL _selector;
     Retained<Object> _argument;
-    NSTimer* _timer = nullptr;  // borrowed: it holds this object as long as it is valid
+    NSTimer* _timer = nullptr;  // not retained: while it is valid, it retains this object
 };
 
 }  // namespace pelvor

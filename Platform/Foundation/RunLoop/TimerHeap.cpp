@@ -10,6 +10,14 @@ TimerHeap::~TimerHeap() {
     while (!_nodes.empty()) remove(_nodes.back().place);
 }
 
+std::vector<NSTimer*> TimerHeap::timers() const {
+    std::vector<Node> nodes = _nodes;
+    std::sort(nodes.begin(), nodes.end(), [](const Node& a, const Node& b) { return a.isBefore(b); });
+    std::vector<NSTimer*> timers;
+    for (const Node& node : nodes) timers.push_back(node.place->timer);
+    return timers;
+}
+
 void TimerHeap::add(NSTimer* timer, NSTimeInterval moment) {
     timer->retain();
     TimerPlace* place = timer->_firstPlace.heap ? new TimerPlace : &timer->_firstPlace;
@@ -19,7 +27,7 @@ void TimerHeap::add(NSTimer* timer, NSTimeInterval moment) {
     siftUp(_nodes.size() - 1, {moment, _arrivals++, timer->_places});
 }
 
-// The release comes last: it may destroy the timer.
+// The release comes last, since it may end the timer.
 void TimerHeap::remove(TimerPlace* place) {
     Node last = _nodes.back();
     _nodes.pop_back();

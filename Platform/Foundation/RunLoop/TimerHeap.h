@@ -9,7 +9,8 @@
 
 namespace pelvor {
 
-/// A heap of four branches a node, ordered by moment and, among equal ones, by arrival. It holds its timers.
+/// A heap of four branches a node, ordered by moment and, among equal moments, by arrival. It retains its
+/// timers.
 class TimerHeap {
   public:
     TimerHeap() = default;
@@ -20,9 +21,11 @@ class TimerHeap {
     bool isEmpty() const { return _nodes.empty(); }
     NSTimeInterval topMoment() const { return _nodes.front().moment; }
     NSTimer* top() const { return _nodes.front().place->timer; }
-    /// The number that the next arrival will have; those of earlier arrivals are lower.
+    /// Returns the number that the next arrival will have; earlier arrivals have lower numbers.
     std::uint64_t nextArrival() const { return _arrivals; }
     std::uint64_t topArrival() const { return _nodes.front().arrival; }
+    /// Returns the timers in the order in which they fire.
+    std::vector<NSTimer*> timers() const;
 
     void add(NSTimer* timer, NSTimeInterval moment);
     void remove(TimerPlace* place);

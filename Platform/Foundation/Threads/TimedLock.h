@@ -19,7 +19,7 @@
 
 namespace pelvor {
 
-/// Whether the mutex was taken before the date.
+/// Waits for the mutex until the date. Returns whether the mutex was taken.
 template <class Mutex>
 bool lockUntil(Mutex& mutex, NSDate* date) {
     if (!mutex.try_lock_until(deadline(date))) return false;

@@ -212,7 +212,9 @@ TEST_F(NSRunLoopTest, ADescriptorIsServedWhileItIsReadyAndOnlyInItsMode) {
     endListening();
     EXPECT_EQ(turn(), "");
     EXPECT_EQ(recorder->retainCount(), 1u);
-    EXPECT_THROW(listenTo(-1), NSException);
+    EXPECT_EQ(RAISED(listenTo(-1)),
+              "NSInvalidArgumentException: addDescriptor:events:target:selector:forMode: "
+              "descriptor -1 cannot be watched: Bad file descriptor");
 }
 
 TEST_F(NSRunLoopTest, IdleNotificationsWaitUntilNothingElseIsReady) {
@@ -243,6 +245,83 @@ TEST_F(NSRunLoopTest, QueuedNotificationsCoalesceByWhatTheMaskSays) {
     NSNotificationQueue::defaultQueue()->dequeueNotificationsMatching_coalesceMask(
         NSNotification::notificationWithName_object(u"A"_ns, loop), NSNotificationCoalescingOnName);
     EXPECT_EQ(turn(kTracking), "");
+}
+
+TEST_F(NSRunLoopTest, DescriptionsTellWhatWaits) {
+    NSTimer* beat = timer(2.5, true);
+    EXPECT_THAT(shown(beat), AllOf(StartsWith("<NSTimer 0x"), HasSubstr(": sends hear: to <LoopRecorder 0x"),
+                                   EndsWith("> in 2.500 s, then every 2.5 s>")));
+    perform(u"x"_ns, 7, kTracking);
+    listenToPipe();
+    EXPECT_THAT(shown(loop), AllOf(HasSubstr(": runs in no mode, common modes NSDefaultRunLoopMode"),
+                                   HasSubstr("\n  " + shown(beat) + " in NSDefaultRunLoopMode"),
+                                   HasSubstr(" readable: sends read: to <LoopRecorder 0x"),
+                                   HasSubstr("\n  perform of order 7: sends hear: to <LoopRecorder 0x"),
+                                   EndsWith("> in Tracking>")));
+    endListening();
+    beat->invalidate();
+    EXPECT_THAT(shown(beat), EndsWith(": invalid>"));
+    auto queue = NSNotificationQueue::init();
+    for (NSPostingStyle style : {NSPostWhenIdle, NSPostASAP})
+        queue->enqueueNotification_postingStyle_coalesceMask_forModes(
+            NSNotification::notificationWithName_object(u"News"_ns, nullptr), style, 0,
+            style == NSPostASAP ? nullptr : NSArray::of({kTracking, u"Panel"_ns}));
+    EXPECT_THAT(
+        shown(queue),
+        ::testing::MatchesRegex("<NSNotificationQueue 0x.*:\n  as soon as possible in NSDefaultRunLoopMode: "
+                                "<NSNotification .*\n  when idle in Tracking, Panel: <NSNotification .*>"));
+}
+
+// MARK: What ends
+
+/// Calls the function when it ends.
+Retained<LoopRecorder> recorderWithEnd(std::function<void()> atEnd) {
+    auto recorder = make<LoopRecorder>();
+    recorder->reaction = [end = std::shared_ptr<void>(nullptr, [=](void*) { atEnd(); })] {};
+    return recorder;
+}
+
+TEST_F(NSRunLoopTest, AnEndThatDropsOtherQueuedNotificationsHarmsNothing) {
+    auto queue = NSNotificationQueue::init();
+    auto enqueueFrom = [&](id sender) {
+        queue->enqueueNotification_postingStyle_coalesceMask_forModes(
+            NSNotification::notificationWithName_object(u"News"_ns, sender), NSPostASAP, 0, nullptr);
+    };
+    auto drop = [&](id sender, std::uint32_t mask) {
+        AutoreleasePool pool;
+        queue->dequeueNotificationsMatching_coalesceMask(
+            NSNotification::notificationWithName_object(u"News"_ns, sender), mask);
+    };
+    int ended = 0;
+    {
+        AutoreleasePool pool;
+        for (int i = 0; i < 3; ++i)
+            enqueueFrom(
+                recorderWithEnd([&] { drop(nullptr, NSNotificationCoalescingOnName), ++ended; }).get());
+        enqueueFrom(recorder);
+    }
+    drop(recorder, NSNotificationCoalescingOnSender);
+    EXPECT_EQ(ended, 0);
+    drop(nullptr, NSNotificationCoalescingOnName);
+    EXPECT_EQ(ended, 3);
+}
+
+TEST_F(RunLoopTest, ReceiversThatEndWithTheLoopOfTheirThreadCancelWhatIsGone) {
+    std::atomic<int> ended{0};
+    std::thread([&] {
+        AutoreleasePool pool;
+        for (int i = 0; i < 3; ++i) {
+            auto own = std::make_shared<id>();
+            auto receiver = recorderWithEnd([&, own] {
+                NSObject_DelayedPerforming::cancelPreviousPerformRequestsWithTarget(*own);
+                ++ended;
+            });
+            *own = receiver.get();
+            for (NSTimeInterval delay : {1, 2})
+                performSelector_withObject_afterDelay(receiver, "hear:"_sel, nullptr, delay);
+        }
+    }).join();
+    EXPECT_EQ(ended, 3);
 }
 
 // MARK: What is raised

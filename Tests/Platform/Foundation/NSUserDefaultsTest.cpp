@@ -33,6 +33,24 @@ TEST_F(UserDefaults, LookInTheirDomainsInOrder) {
     EXPECT_FALSE(defaults->objectForKey(nullptr));
 }
 
+TEST_F(UserDefaults, MayBeAskedWhileADomainEnds) {
+    std::string found;
+    {
+        AutoreleasePool pool;
+        auto last = Listener::to(u"Nothing"_ns);
+        last->reaction = [end = std::shared_ptr<void>(nullptr, [&](void*) {
+                              found += shown(defaults->stringForKey(u"key"_ns)) + " ";
+                          })] {};
+        NSDictionary* settings = NSDictionary::of({{u"key"_ns, last.get()}});
+        for (NSString* name : {u"Gone"_ns, u"Replaced"_ns})
+            defaults->setVolatileDomain_forName(settings, name);
+        last = nullptr;
+    }
+    defaults->setVolatileDomain_forName(dictionary("{key = kept;}"), u"Replaced"_ns);
+    defaults->removeVolatileDomainForName(u"Gone"_ns);
+    EXPECT_EQ(found, "kept ");
+}
+
 TEST_F(UserDefaults, AddToWhatIsRegistered) {
     for (const char* added : {"{a = 1; b = 1;}", "{b = 2;}"}) defaults->registerDefaults(dictionary(added));
     defaults->setObject_forKey(u"3"_ns, u"c"_ns);
