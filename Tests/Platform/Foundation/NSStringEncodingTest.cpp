@@ -6,11 +6,13 @@
 
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include "Platform/Foundation/OwnCollections.h"
 
 namespace {
 
 using namespace std::string_literals;
+using namespace std::string_view_literals;
 
 struct Case {
     NSStringEncoding encoding;
@@ -87,12 +89,83 @@ TEST(NSStringEncodingTest, TextThatDoesNotFitIsRefusedOrReplacedBySomethingAlike
     EXPECT_EQ(encodeUnits(u"a", 77777, EncodingLoss::allowed), std::nullopt);
 }
 
+TEST(NSStringEncodingTest, EncodingsWithoutConstantsAreFoundByName) {
+    const struct {
+        const char* name;
+        std::u16string text;
+        std::string bytes;
+    } rows[] = {
+        {"Big5", u"中文", "\xA4\xA4\xA4\xE5"},
+        {"GB 18030", u"中ü😀", "\xD6\xD0\xA8\xB9\x94\x39\xFC\x36"},
+        {"EUC-KR", u"한국", "\xC7\xD1\xB1\xB9"},
+        {"ISO-8859-5", u"Жж", "\xB6\xD6"},
+        {"iso8859-15", u"€", "\xA4"},
+        {"windows-1255", u"שלום", "\xF9\xEC\xE5\xED"},
+        {"cp1256", u"سلام", "\xD3\xE1\xC7\xE3"},
+        {"Windows 1257", u"ž", "\xFE"},
+        {"x-cp1258", u"ă", "\xE3"},
+        {"KOI8-U", u"ї", "\xA7"},
+        {"x-mac-ukrainian", u"Ж", "\x86"},
+        {"TIS-620", u"ก", "\xA1"},
+        {"IBM866", u"Ж", "\x86"},
+        {"ibm-1140", u"A€", "\xC1\x9F"},
+        {"UTF-7", u"é+", "+AOk-+-"},
+    };
+    for (const auto& row : rows) {
+        const NSStringEncoding encoding = encodingForName(row.name);
+        EXPECT_EQ(encodeUnits(row.text, encoding), row.bytes) << row.name;
+        EXPECT_EQ(decodeBytes(row.bytes, encoding), row.text) << row.name;
+    }
+}
+
+TEST(NSStringEncodingTest, EveryEncodingHasANumberAndNamesOfItsOwn) {
+    std::set<NSStringEncoding> numbers;
+    for (NSStringEncoding encoding : availableEncodings()) {
+        const std::vector<std::string_view> names = namesOfEncoding(encoding);
+        ASSERT_FALSE(names.empty()) << encoding;
+        EXPECT_TRUE(numbers.insert(encoding).second) << names[0];
+        EXPECT_EQ(names[0], ianaNameOfEncoding(encoding));
+        EXPECT_NE(nameOfEncoding(encoding), "") << names[0];
+        for (std::string_view name : names) EXPECT_EQ(encodingForName(name), encoding) << name;
+    }
+    EXPECT_GT(numbers.size(), 200u);
+}
+
+TEST(NSStringEncodingTest, TextInPiecesIsTheTextInOnePiece) {
+    for (NSStringEncoding encoding : availableEncodings()) {
+        const std::string_view name = ianaNameOfEncoding(encoding);
+        const auto bytes = encodeUnits(u"a\\b é€ Жλשس ก 日本 😀 한\u0301.", encoding, EncodingLoss::allowed);
+        ASSERT_TRUE(bytes) << name;
+        const auto whole = decodeBytes(*bytes, encoding);
+        ASSERT_TRUE(whole) << name;
+        TextDecoder decoder(encoding);
+        std::u16string units;
+        for (char byte : *bytes) EXPECT_TRUE(decoder.decode({&byte, 1}, units)) << name;
+        EXPECT_TRUE(decoder.finish(units)) << name;
+        EXPECT_EQ(units, *whole) << name;
+    }
+    for (auto [encoding, bytes] : {std::pair(NSUTF8StringEncoding, "a\xE2\x82"), {NSShiftJISStringEncoding, "a\x93"}}) {
+        TextDecoder decoder(encoding);
+        std::u16string units;
+        EXPECT_TRUE(decoder.decode(bytes, units)) << encoding;
+        EXPECT_FALSE(decoder.finish(units)) << encoding;
+        EXPECT_EQ(units, u"a") << encoding;
+    }
+    std::u16string units;
+    EXPECT_FALSE(TextDecoder(NSUTF8StringEncoding).decode("\xC3(", units));
+    EXPECT_FALSE(TextDecoder(77777).decode("a", units));
+}
+
 TEST(NSStringEncodingTest, NamesOfEncodings) {
-    EXPECT_EQ(encodingForName("UTF8"), NSUTF8StringEncoding);
-    EXPECT_EQ(encodingForName("latin1"), NSISOLatin1StringEncoding);
-    EXPECT_EQ(encodingForName("ASCII"), NSASCIIStringEncoding);
-    EXPECT_EQ(encodingForName("cp1252"), NSWindowsCP1252StringEncoding);
-    EXPECT_EQ(encodingForName("no-such-name"), 0u);
+    const std::pair<const char*, NSStringEncoding> rows[] = {
+        {"UTF8", NSUTF8StringEncoding},          {"latin1", NSISOLatin1StringEncoding},
+        {"ASCII", NSASCIIStringEncoding},        {"cp1252", NSWindowsCP1252StringEncoding},
+        {"cp65001", NSUTF8StringEncoding},       {"cp28592", NSISOLatin2StringEncoding},
+        {"x-sjis", NSShiftJISStringEncoding},    {"ISO_8859-1:1987", NSISOLatin1StringEncoding},
+        {"no-such-name", 0},                     {"", 0},
+        {"--", 0},                               {{"cp99999"}, 0}};
+    for (auto [name, encoding] : rows) EXPECT_EQ(encodingForName(name), encoding) << name;
+    EXPECT_EQ(encodingForName("utf-8\0"sv), 0u);
     EXPECT_EQ(shown(NSString::localizedNameOfStringEncoding(NSUTF8StringEncoding)), "Unicode (UTF-8)");
     EXPECT_EQ(NSString::localizedNameOfStringEncoding(77777)->length(), 0u);
 }
