@@ -42,6 +42,7 @@ bool isValid(std::string_view bytes, NSStringEncoding encoding) {
 }  // namespace
 
 std::vector<EncodingGuess> detectEncodings(std::string_view bytes) {
+    if (bytes.empty()) return {};
     bytes = bytes.substr(0, kSampleLength);
     UErrorCode error = U_ZERO_ERROR;
     std::unique_ptr<UCharsetDetector, void (*)(UCharsetDetector*)> detector(ucsdet_open(&error), &ucsdet_close);

@@ -2,7 +2,6 @@
 #include "Foundation/Strings/EncodingConverter.h"
 
 #include <unicode/ucnv.h>
-#include <unicode/uset.h>
 #include <unicode/utf16.h>
 
 #include <algorithm>
@@ -280,21 +279,18 @@ class ICUConverter final : public EncodingConverter {
         if (!convert(units.data(), units.data() + units.size(), bytes, step)) return std::nullopt;
         return bytes;
     }
+    // ICU's own sets of what converters take are too large for some.
     bool canEncode(char32_t c) override {
+        char16_t units[2];
+        int32_t count = 0;
+        U16_APPEND_UNSAFE(units, count, c);
+        char bytes[64];
         UErrorCode error = U_ZERO_ERROR;
-        if (!_characters) {
-            _characters.reset(uset_openEmpty());
-            ucnv_getUnicodeSet(_converter.get(), _characters.get(), UCNV_ROUNDTRIP_SET, &error);
-        }
-        return uset_contains(_characters.get(), static_cast<UChar32>(c));
+        ucnv_fromUChars(_converter.get(), bytes, sizeof bytes, units, count, &error);
+        return U_SUCCESS(error);
     }
 
-    struct Closer {
-        void operator()(UConverter* converter) const { ucnv_close(converter); }
-        void operator()(USet* set) const { uset_close(set); }
-    };
-    std::unique_ptr<UConverter, Closer> _converter;
-    std::unique_ptr<USet, Closer> _characters;
+    std::unique_ptr<UConverter, void (*)(UConverter*)> _converter{nullptr, &ucnv_close};
 };
 
 // The upper half of the NEXTSTEP table; its last two places are empty.
