@@ -45,7 +45,8 @@ std::vector<EncodingGuess> detectEncodings(std::string_view bytes) {
     if (bytes.empty()) return {};
     bytes = bytes.substr(0, kSampleLength);
     UErrorCode error = U_ZERO_ERROR;
-    std::unique_ptr<UCharsetDetector, void (*)(UCharsetDetector*)> detector(ucsdet_open(&error), &ucsdet_close);
+    std::unique_ptr<UCharsetDetector, void (*)(UCharsetDetector*)> detector(ucsdet_open(&error),
+                                                                            &ucsdet_close);
     ucsdet_setText(detector.get(), bytes.data(), static_cast<int32_t>(bytes.size()), &error);
     int32_t count = 0;
     const UCharsetMatch** matches = ucsdet_detectAll(detector.get(), &count, &error);

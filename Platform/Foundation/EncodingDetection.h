@@ -14,14 +14,15 @@ namespace pelvor {
 /// An encoding that bytes may be in.
 struct EncodingGuess {
     NSStringEncoding encoding;
-    int confidence;        ///< 0 to 100; up to 10 stands for hardly more than "not impossible"
-    std::string language;  ///< the text's language as an ISO code ("ru"), empty where the guess says nothing of it
+    int confidence;  ///< 0 to 100; up to 10 stands for hardly more than "not impossible"
+    std::string
+        language;  ///< the text's language as an ISO code ("ru"), empty where the guess says nothing of it
 };
 
-/// The encodings in which the bytes are valid text, as their statistics tell, the most confident first; empty where
-/// nothing fits. Marks at the front count. The first few thousand bytes decide, and the last character may be cut, so
-/// that a sample from the front of a file is enough. The less text there is, the less the guesses are worth: below a
-/// hundred bytes they are often wrong. Any thread.
+/// The encodings in which the bytes are valid text, as their statistics tell, the most confident first; empty
+/// where nothing fits. Marks at the front count. The first few thousand bytes decide, and the last character
+/// may be cut, so that a sample from the front of a file is enough. The less text there is, the less the
+/// guesses are worth: below a hundred bytes they are often wrong. Any thread.
 ///
 ///     for (const EncodingGuess& guess : detectEncodings(bytes))
 ///         if (guess.confidence >= 50) return guess.encoding;
@@ -36,9 +37,9 @@ struct EncodingMark {
 /// The mark that the bytes begin with, if any.
 PELVOR_EXPORT std::optional<EncodingMark> encodingMarkOf(std::string_view bytes);
 
-/// The mark that texts in the encoding may begin with; empty for encodings without one. For encodings that leave the
-/// byte order to the mark (NSUnicodeStringEncoding, NSUTF32StringEncoding) it is the little-endian one, which
-/// `encodeUnits` writes by itself.
+/// The mark that texts in the encoding may begin with; empty for encodings without one. For encodings that
+/// leave the byte order to the mark (NSUnicodeStringEncoding, NSUTF32StringEncoding) it is the little-endian
+/// one, which `encodeUnits` writes by itself.
 PELVOR_EXPORT std::string_view markOfEncoding(NSStringEncoding encoding);
 
 }  // namespace pelvor

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Text encodings: their numbers, names, and conversion between bytes and UTF-16. To find out which encoding bytes
-// are in, see Foundation/EncodingDetection.h.
+// Text encodings: their numbers, names, and conversion between bytes and UTF-16. To find out which encoding
+// bytes are in, see Foundation/EncodingDetection.h.
 #pragma once
 
 #include <memory>
@@ -57,31 +57,34 @@ PELVOR_EXPORT bool isEncodingAvailable(NSStringEncoding encoding);
 /// Every available encoding, those that documents use most first.
 PELVOR_EXPORT std::vector<NSStringEncoding> availableEncodings();
 
-/// "Western (ISO Latin 1)": the encoding's name in English. Encodings that are rare today have their document name
-/// here, too. "" for an unknown number.
+/// "Western (ISO Latin 1)": the encoding's name in English. Encodings that are rare today have their document
+/// name here, too. "" for an unknown number.
 PELVOR_EXPORT std::string_view nameOfEncoding(NSStringEncoding encoding);
 
-/// "iso-8859-1": the encoding's name in documents, which is its registered (IANA) name if it has one. "" for an
-/// unknown number.
+/// "iso-8859-1": the encoding's name in documents, which is its registered (IANA) name if it has one. "" for
+/// an unknown number.
 PELVOR_EXPORT std::string_view ianaNameOfEncoding(NSStringEncoding encoding);
 
-/// All names by which `encodingForName` finds the encoding, the document name first; none for an unknown number.
+/// All names by which `encodingForName` finds the encoding, the document name first; none for an unknown
+/// number.
 PELVOR_EXPORT std::vector<std::string_view> namesOfEncoding(NSStringEncoding encoding);
 
 /// The encoding that a name stands for: a registered (IANA) or MIME name, an alias or the name of a code page
-/// ("UTF-8", "latin1", "windows-1252", "cp1252", "x-sjis"). Case, punctuation and spaces do not count. 0 for an
-/// unknown name.
+/// ("UTF-8", "latin1", "windows-1252", "cp1252", "x-sjis"). Case, punctuation and spaces do not count. 0 for
+/// an unknown name.
 PELVOR_EXPORT NSStringEncoding encodingForName(std::string_view name);
 
 /// Whether characters that the encoding lacks may be replaced by something like them.
 enum class EncodingLoss { refused, allowed };
 
 /// The bytes as UTF-16, without the mark that tells the byte order of NSUnicodeStringEncoding and
-/// NSUTF32StringEncoding. No value if the bytes are not valid in the encoding or the encoding is unknown. Any thread.
+/// NSUTF32StringEncoding. No value if the bytes are not valid in the encoding or the encoding is unknown. Any
+/// thread.
 PELVOR_EXPORT std::optional<std::u16string> decodeBytes(std::string_view bytes, NSStringEncoding encoding);
 
-/// The text in the encoding. No value if the encoding is unknown, or if the text does not fit the encoding and loss is
-/// refused. Where loss is allowed, accents are dropped and what the encoding still lacks becomes "?". Any thread.
+/// The text in the encoding. No value if the encoding is unknown, or if the text does not fit the encoding
+/// and loss is refused. Where loss is allowed, accents are dropped and what the encoding still lacks becomes
+/// "?". Any thread.
 PELVOR_EXPORT std::optional<std::string> encodeUnits(std::u16string_view units, NSStringEncoding encoding,
                                                      EncodingLoss loss = EncodingLoss::refused);
 
@@ -93,7 +96,8 @@ PELVOR_EXPORT std::optional<std::string> encodeUnits(std::u16string_view units, 
 ///         if (!decoder.decode(bytes, text)) return false;
 ///     return decoder.finish(text);
 ///
-/// The text is that which `decodeBytes` returns for all pieces together. One decoder reads one text, on one thread.
+/// The text is that which `decodeBytes` returns for all pieces together. One decoder reads one text, on one
+/// thread.
 class PELVOR_EXPORT TextDecoder {
   public:
     /// With an encoding that is unknown, every piece is refused.
@@ -102,8 +106,8 @@ class PELVOR_EXPORT TextDecoder {
     TextDecoder& operator=(TextDecoder&& other) noexcept;
     ~TextDecoder();
 
-    /// Appends the next piece to the units. Returns false if the bytes so far are not valid in the encoding; the
-    /// decoder is not to be used again then.
+    /// Appends the next piece to the units. Returns false if the bytes so far are not valid in the encoding;
+    /// the decoder is not to be used again then.
     bool decode(std::string_view bytes, std::u16string& units);
     /// Ends the text. Returns false if its last character is cut.
     bool finish(std::u16string& units);

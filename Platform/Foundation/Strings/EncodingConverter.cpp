@@ -151,7 +151,8 @@ class EscapeConverter final : public EncodingConverter {
     static std::optional<char16_t> readDigits(Bytes digits, int base, std::size_t count) {
         std::uint16_t value = 0;
         auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
-        if (digits.size() != count || error != std::errc() || end != digits.data() + count) return std::nullopt;
+        if (digits.size() != count || error != std::errc() || end != digits.data() + count)
+            return std::nullopt;
         return value;
     }
 };

@@ -16,8 +16,8 @@ class EncodingConverter {
   public:
     virtual ~EncodingConverter() = default;
 
-    /// Appends the units of the next bytes; false if the bytes are not valid in the encoding. A piece that is not
-    /// the last may end inside a character, which is appended with the next piece.
+    /// Appends the units of the next bytes; false if the bytes are not valid in the encoding. A piece that is
+    /// not the last may end inside a character, which is appended with the next piece.
     virtual bool decode(std::string_view bytes, std::u16string& units, bool isLast);
     /// No value if the text does not fit the encoding.
     virtual std::optional<std::string> encode(std::u16string_view units) = 0;

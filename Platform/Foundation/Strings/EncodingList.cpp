@@ -10,8 +10,8 @@
 namespace pelvor {
 namespace {
 
-// Encodings without a constant in the interface have the platform's published number for them, with the highest
-// bit set.
+// Encodings without a constant in the interface have the platform's published number for them, with the
+// highest bit set.
 constexpr NSStringEncoding published(std::uint32_t number) { return 0x80000000u | number; }
 
 constexpr EncodingEntry kUsualEncodings[] = {
@@ -40,7 +40,8 @@ constexpr EncodingEntry kUsualEncodings[] = {
     {published(0x041A), "ibm-865_P100-1995", "ibm865", "Nordic (DOS)"},
 
     {NSISOLatin2StringEncoding, "ibm-912_P100-1995", "iso-8859-2", "Central European (ISO Latin 2)"},
-    {NSWindowsCP1250StringEncoding, "ibm-5346_P100-1998", "windows-1250", "Central European (Windows Latin 2)"},
+    {NSWindowsCP1250StringEncoding, "ibm-5346_P100-1998", "windows-1250",
+     "Central European (Windows Latin 2)"},
     {published(0x1D), "macos-29-10.2", "x-mac-centraleurroman", "Central European (Mac OS)"},
     {published(0x0412), "ibm-852_P100-1995", "ibm852", "Central European (DOS Latin 2)"},
     {published(0x0203), "ibm-913_P100-2000", "iso-8859-3", "South European (ISO Latin 3)"},
@@ -101,9 +102,9 @@ constexpr struct {
     const char* name;
     const char* documentName;
 } kFurtherNames[] = {
-    {"cnbig5", "big5"},       {"macgreek", "x-mac-greek"}, {"macturkish", "x-mac-turkish"},
-    {"ucs2be", "utf-16be"},   {"ucs2le", "utf-16le"},      {"ucs4be", "utf-32be"},
-    {"ucs4le", "utf-32le"},   {"uhc", "windows-949"},      {"xmacukrainian", "x-mac-cyrillic"},
+    {"cnbig5", "big5"},     {"macgreek", "x-mac-greek"}, {"macturkish", "x-mac-turkish"},
+    {"ucs2be", "utf-16be"}, {"ucs2le", "utf-16le"},      {"ucs4be", "utf-32be"},
+    {"ucs4le", "utf-32le"}, {"uhc", "windows-949"},      {"xmacukrainian", "x-mac-cyrillic"},
 };
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -204,7 +205,8 @@ const EncodingEntry* findEncodingNamed(std::string_view name) {
     const std::string plain = plainName(name);
     if (plain.empty() || name.find('\0') != name.npos) return nullptr;
     auto isCalled = [](const char* other) {
-        return [other](const EncodingEntry& entry) { return ucnv_compareNames(entry.documentName, other) == 0; };
+        return
+            [other](const EncodingEntry& entry) { return ucnv_compareNames(entry.documentName, other) == 0; };
     };
     if (const EncodingEntry* entry = findIf(kUsualEncodings, isCalled(plain.c_str()))) return entry;
     for (const auto& further : kFurtherNames)

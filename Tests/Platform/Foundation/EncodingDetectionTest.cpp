@@ -10,24 +10,28 @@ using namespace std::string_view_literals;
 
 TEST(EncodingDetectionTest, TextIsGuessedWithItsLanguage) {
     constexpr std::u16string_view kRussian =
-        u"Все люди рождаются свободными и равными в своём достоинстве и правах. Они наделены разумом и совестью "
+        u"Все люди рождаются свободными и равными в своём достоинстве и правах. Они наделены разумом и "
+        u"совестью "
         u"и должны поступать в отношении друг друга в духе братства.";
     constexpr std::u16string_view kJapanese =
-        u"すべての人間は、生れながらにして自由であり、かつ、尊厳と権利とについて平等である。人間は、理性と良心とを"
+        u"すべての人間は、生れながらにして自由であり、かつ、尊厳と権利とについて平等である。人間は、理性と良"
+        u"心とを"
         u"授けられており、互いに同胞の精神をもって行動しなければならない。";
     constexpr std::u16string_view kKorean =
-        u"모든 인간은 태어날 때부터 자유로우며 그 존엄과 권리에 있어 동등하다. 인간은 천부적으로 이성과 양심을 "
+        u"모든 인간은 태어날 때부터 자유로우며 그 존엄과 권리에 있어 동등하다. 인간은 천부적으로 이성과 "
+        u"양심을 "
         u"부여받았으며 서로 형제애의 정신으로 행동하여야 한다.";
     constexpr std::u16string_view kHebrew =
-        u"כל בני האדם נולדו בני חורין ושווים בערכם ובזכויותיהם. כולם חוננו בתבונה ובמצפון, לפיכך חובה עליהם לנהוג "
+        u"כל בני האדם נולדו בני חורין ושווים בערכם ובזכויותיהם. כולם חוננו בתבונה ובמצפון, לפיכך חובה עליהם "
+        u"לנהוג "
         u"איש ברעהו ברוח של אחווה.";
     const struct {
         const char* name;
         std::u16string_view text;
         const char* language;
     } rows[] = {
-        {"windows-1251", kRussian, "ru"}, {"koi8-r", kRussian, "ru"},       {"utf-8", kRussian, ""},
-        {"utf-16le", kRussian, ""},       {"shift_jis", kJapanese, "ja"},   {"euc-jp", kJapanese, "ja"},
+        {"windows-1251", kRussian, "ru"}, {"koi8-r", kRussian, "ru"},     {"utf-8", kRussian, ""},
+        {"utf-16le", kRussian, ""},       {"shift_jis", kJapanese, "ja"}, {"euc-jp", kJapanese, "ja"},
         {"euc-kr", kKorean, "ko"},        {"iso-8859-8", kHebrew, "he"},
     };
     for (const auto& row : rows) {
@@ -47,7 +51,8 @@ TEST(EncodingDetectionTest, GuessesAreEncodingsInWhichTheBytesAreValid) {
     for (std::string_view bytes : {"a\x81\xFF"sv, "\xC3\xA9\xC3"sv, "\xFF\xFE\0\xD8"sv})
         for (const EncodingGuess& guess : detectEncodings(bytes)) {
             std::u16string units;
-            EXPECT_TRUE(TextDecoder(guess.encoding).decode(bytes, units)) << ianaNameOfEncoding(guess.encoding);
+            EXPECT_TRUE(TextDecoder(guess.encoding).decode(bytes, units))
+                << ianaNameOfEncoding(guess.encoding);
         }
     const auto guesses = detectEncodings("caf\xC3\xA9 au lait, cr\xC3\xA8me br\xC3\xBBl\xC3"sv);
     ASSERT_FALSE(guesses.empty());

@@ -144,7 +144,8 @@ TEST(NSStringEncodingTest, TextInPiecesIsTheTextInOnePiece) {
         EXPECT_TRUE(decoder.finish(units)) << name;
         EXPECT_EQ(units, *whole) << name;
     }
-    for (auto [encoding, bytes] : {std::pair(NSUTF8StringEncoding, "a\xE2\x82"), {NSShiftJISStringEncoding, "a\x93"}}) {
+    for (auto [encoding, bytes] :
+         {std::pair(NSUTF8StringEncoding, "a\xE2\x82"), {NSShiftJISStringEncoding, "a\x93"}}) {
         TextDecoder decoder(encoding);
         std::u16string units;
         EXPECT_TRUE(decoder.decode(bytes, units)) << encoding;
@@ -157,13 +158,18 @@ TEST(NSStringEncodingTest, TextInPiecesIsTheTextInOnePiece) {
 }
 
 TEST(NSStringEncodingTest, NamesOfEncodings) {
-    const std::pair<const char*, NSStringEncoding> rows[] = {
-        {"UTF8", NSUTF8StringEncoding},          {"latin1", NSISOLatin1StringEncoding},
-        {"ASCII", NSASCIIStringEncoding},        {"cp1252", NSWindowsCP1252StringEncoding},
-        {"cp65001", NSUTF8StringEncoding},       {"cp28592", NSISOLatin2StringEncoding},
-        {"x-sjis", NSShiftJISStringEncoding},    {"ISO_8859-1:1987", NSISOLatin1StringEncoding},
-        {"no-such-name", 0},                     {"", 0},
-        {"--", 0},                               {{"cp99999"}, 0}};
+    const std::pair<const char*, NSStringEncoding> rows[] = {{"UTF8", NSUTF8StringEncoding},
+                                                             {"latin1", NSISOLatin1StringEncoding},
+                                                             {"ASCII", NSASCIIStringEncoding},
+                                                             {"cp1252", NSWindowsCP1252StringEncoding},
+                                                             {"cp65001", NSUTF8StringEncoding},
+                                                             {"cp28592", NSISOLatin2StringEncoding},
+                                                             {"x-sjis", NSShiftJISStringEncoding},
+                                                             {"ISO_8859-1:1987", NSISOLatin1StringEncoding},
+                                                             {"no-such-name", 0},
+                                                             {"", 0},
+                                                             {"--", 0},
+                                                             {{"cp99999"}, 0}};
     for (auto [name, encoding] : rows) EXPECT_EQ(encodingForName(name), encoding) << name;
     EXPECT_EQ(encodingForName("utf-8\0"sv), 0u);
     EXPECT_EQ(shown(NSString::localizedNameOfStringEncoding(NSUTF8StringEncoding)), "Unicode (UTF-8)");
