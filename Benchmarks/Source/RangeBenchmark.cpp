@@ -13,6 +13,7 @@
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSValue.h"
 #include "NSArray-PelvorAdditions.h"
+#include "NSArray-PelvorRangeArray.h"
 #include "NSIndexSet-PelvorAdditions.h"
 #include "PBFloatArray.h"
 #include "PBRangeUtil.h"
@@ -24,22 +25,17 @@ namespace {
 using Ranges = std::vector<NSRange>;
 using Intervals = boost::icl::interval_set<std::uint32_t>;
 
-constexpr std::size_t kMany = 1'000'000;
-
 enum class Shape { sparse, dense, sorted };
 
 // Sparse ranges hardly ever meet; dense ones mostly do; sorted ones are a normalised list.
-Ranges rangesOf(Shape shape, std::size_t count = kMany, unsigned seed = 1) {
+Ranges rangesOf(Shape shape, std::size_t count, unsigned seed = 1) {
     std::mt19937 random(seed);
     Ranges ranges(count);
     NSUInteger place = 0;
     for (NSRange& range : ranges) {
         NSUInteger length = 1 + random() % 10;
-        if (shape == Shape::sorted)
-            range = {place, length};
-        else
-            range = {static_cast<NSUInteger>(random() % (shape == Shape::sparse ? 2'000'000'000 : 4'000'000)),
-                     length};
+        NSUInteger limit = shape == Shape::sparse ? 2'000'000'000 : static_cast<NSUInteger>(4 * count);
+        range = {shape == Shape::sorted ? place : static_cast<NSUInteger>(random() % limit), length};
         place += length + 1 + random() % 50;
     }
     return ranges;
@@ -55,6 +51,10 @@ Retained<NSMutableArray> boxed(const Ranges& ranges) {
 void perItem(benchmark::State& state, std::size_t count) {
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(count));
 }
+
+// The lists of a word processor's selections and edits.
+void listLengths(benchmark::internal::Benchmark* benchmark) { benchmark->Arg(100)->Arg(1000); }
+std::size_t length(const benchmark::State& state) { return static_cast<std::size_t>(state.range(0)); }
 
 // MARK: Normalising
 
@@ -78,111 +78,82 @@ Intervals intervalsOf(const Ranges& ranges) {
     return intervals;
 }
 
-// Lists of boxes that somebody made one by one, and lists as the library answers them.
-enum class Maker { user, library };
-
-Retained<NSArray> listOf(const Ranges& ranges, Maker maker) {
-    AutoreleasePool pool;
-    auto list = boxed(ranges);
-    if (maker == Maker::user) return list;
-    return Retained<NSArray>::retaining(PBNormalizeRanges(list, true));
-}
-
 // The whole life of the result is measured, its end included, here and with the peers.
-void NormalizeBoxed(benchmark::State& state, Shape shape, Maker maker) {
-    auto list = listOf(rangesOf(shape), maker);
+void NormalizeBoxed(benchmark::State& state, Shape shape) {
+    auto list = boxed(rangesOf(shape, length(state)));
     for (auto _ : state) {
         AutoreleasePool pool;
         benchmark::DoNotOptimize(PBNormalizeRanges(list, true)->count());
     }
-    perItem(state, kMany);
-}
-// Every box of the result is asked for.
-void NormalizeBoxedAndRead(benchmark::State& state) {
-    auto list = boxed(rangesOf(Shape::sorted));
-    for (auto _ : state) {
-        AutoreleasePool pool;
-        NSUInteger sum = 0;
-        for (id box : PBNormalizeRanges(list, true)) sum += static_cast<NSValue*>(box)->rangeValue().length;
-        benchmark::DoNotOptimize(sum);
-    }
-    perItem(state, kMany);
-}
-void ListOfBoxesMade(benchmark::State& state) {
-    Ranges ranges = rangesOf(Shape::sorted);
-    for (auto _ : state) benchmark::DoNotOptimize(boxed(ranges)->count());
-    perItem(state, kMany);
+    perItem(state, length(state));
 }
 void NormalizeStdSort(benchmark::State& state, Shape shape) {
-    Ranges ranges = rangesOf(shape);
+    Ranges ranges = rangesOf(shape, length(state));
     for (auto _ : state) benchmark::DoNotOptimize(mergedAfterSorting(ranges).size());
-    perItem(state, kMany);
+    perItem(state, length(state));
 }
 void NormalizeIntervalSet(benchmark::State& state, Shape shape) {
-    Ranges ranges = rangesOf(shape);
+    Ranges ranges = rangesOf(shape, length(state));
     for (auto _ : state) benchmark::DoNotOptimize(intervalsOf(ranges).iterative_size());
-    perItem(state, kMany);
+    perItem(state, length(state));
 }
-BENCHMARK_CAPTURE(NormalizeBoxed, sparse, Shape::sparse, Maker::user)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(NormalizeStdSort, sparse, Shape::sparse)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(NormalizeIntervalSet, sparse, Shape::sparse)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(NormalizeBoxed, dense, Shape::dense, Maker::user)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(NormalizeStdSort, dense, Shape::dense)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(NormalizeIntervalSet, dense, Shape::dense)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(NormalizeBoxed, sorted, Shape::sorted, Maker::user)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(NormalizeBoxed, sorted_by_library, Shape::sorted, Maker::library)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(NormalizeStdSort, sorted, Shape::sorted)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(NormalizeIntervalSet, sorted, Shape::sorted)->Unit(benchmark::kMillisecond);
-BENCHMARK(NormalizeBoxedAndRead)->Unit(benchmark::kMillisecond);
-BENCHMARK(ListOfBoxesMade)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(NormalizeBoxed, sparse, Shape::sparse)->Apply(listLengths);
+BENCHMARK_CAPTURE(NormalizeStdSort, sparse, Shape::sparse)->Apply(listLengths);
+BENCHMARK_CAPTURE(NormalizeIntervalSet, sparse, Shape::sparse)->Apply(listLengths);
+BENCHMARK_CAPTURE(NormalizeBoxed, dense, Shape::dense)->Apply(listLengths);
+BENCHMARK_CAPTURE(NormalizeStdSort, dense, Shape::dense)->Apply(listLengths);
+BENCHMARK_CAPTURE(NormalizeIntervalSet, dense, Shape::dense)->Apply(listLengths);
+BENCHMARK_CAPTURE(NormalizeBoxed, sorted, Shape::sorted)->Apply(listLengths);
+BENCHMARK_CAPTURE(NormalizeStdSort, sorted, Shape::sorted)->Apply(listLengths);
+BENCHMARK_CAPTURE(NormalizeIntervalSet, sorted, Shape::sorted)->Apply(listLengths);
 
-// MARK: Two lists
+// MARK: Selections
 
-void UniteBoxed(benchmark::State& state, Maker maker) {
-    auto one = listOf(mergedAfterSorting(rangesOf(Shape::sparse, kMany / 2, 1)), maker);
-    auto other = listOf(mergedAfterSorting(rangesOf(Shape::sparse, kMany / 2, 2)), maker);
+// A selection as the operations left it is given a range in its middle, and is then read.
+void SelectionAdds(benchmark::State& state) {
+    AutoreleasePool outer;
+    Ranges ranges = rangesOf(Shape::sorted, length(state));
+    NSRange added{ranges[ranges.size() / 2].location, 30};
+    auto boxes = boxed(ranges);
+    NSArray* list = PBNormalizeRanges(boxes, true);
     for (auto _ : state) {
         AutoreleasePool pool;
-        benchmark::DoNotOptimize(PBNormalizeRanges(one->arrayByAddingObjectsFromArray(other), true)->count());
+        NSArray* all = PBCombineRangeWithNormalizedRanges(added, list, PBSelectionMode_Add, nullptr);
+        NSUInteger sum = 0;
+        for (NSUInteger i = 0; i < all->count(); ++i) sum += rangeAtIndex(all, i).length;
+        benchmark::DoNotOptimize(sum);
     }
-    perItem(state, kMany);
+    perItem(state, length(state));
 }
-void UniteStdSort(benchmark::State& state) {
-    Ranges one = mergedAfterSorting(rangesOf(Shape::sparse, kMany / 2, 1));
-    Ranges other = mergedAfterSorting(rangesOf(Shape::sparse, kMany / 2, 2));
+void StdVectorAdds(benchmark::State& state) {
+    Ranges ranges = rangesOf(Shape::sorted, length(state));
+    NSRange added{ranges[ranges.size() / 2].location, 30};
     for (auto _ : state) {
-        Ranges all = one;
-        all.insert(all.end(), other.begin(), other.end());
-        benchmark::DoNotOptimize(mergedAfterSorting(std::move(all)).size());
+        Ranges all = ranges;
+        all.push_back(added);
+        NSUInteger sum = 0;
+        for (NSRange range : mergedAfterSorting(std::move(all))) sum += range.length;
+        benchmark::DoNotOptimize(sum);
     }
-    perItem(state, kMany);
+    perItem(state, length(state));
 }
-void UniteIntervalSets(benchmark::State& state) {
-    Intervals one = intervalsOf(rangesOf(Shape::sparse, kMany / 2, 1));
-    Intervals other = intervalsOf(rangesOf(Shape::sparse, kMany / 2, 2));
-    for (auto _ : state) benchmark::DoNotOptimize((one + other).iterative_size());
-    perItem(state, kMany);
-}
-BENCHMARK_CAPTURE(UniteBoxed, by_user, Maker::user)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(UniteBoxed, by_library, Maker::library)->Unit(benchmark::kMillisecond);
-BENCHMARK(UniteStdSort)->Unit(benchmark::kMillisecond);
-BENCHMARK(UniteIntervalSets)->Unit(benchmark::kMillisecond);
+BENCHMARK(SelectionAdds)->Apply(listLengths);
+BENCHMARK(StdVectorAdds)->Apply(listLengths);
 
 // MARK: Adjusting
 
 void AdjustForInsertion(benchmark::State& state) {
-    Ranges ranges = rangesOf(Shape::sorted);
-    NSRange inserted{ranges[kMany / 2].location, 1};
+    Ranges ranges = rangesOf(Shape::sorted, length(state));
+    NSRange inserted{ranges[ranges.size() / 2].location, 1};
     for (auto _ : state) {
         for (NSRange& range : ranges) range = PBAdjustedRangeForInsertedRange(range, inserted);
         benchmark::ClobberMemory();
     }
-    perItem(state, kMany);
+    perItem(state, length(state));
 }
 void AdjustForInsertionByHand(benchmark::State& state) {
-    Ranges ranges = rangesOf(Shape::sorted);
-    NSUInteger place = ranges[kMany / 2].location;
+    Ranges ranges = rangesOf(Shape::sorted, length(state));
+    NSUInteger place = ranges[ranges.size() / 2].location;
     for (auto _ : state) {
         for (NSRange& range : ranges) {
             if (range.location >= place)
@@ -192,10 +163,10 @@ void AdjustForInsertionByHand(benchmark::State& state) {
         }
         benchmark::ClobberMemory();
     }
-    perItem(state, kMany);
+    perItem(state, length(state));
 }
-BENCHMARK(AdjustForInsertion)->Unit(benchmark::kMillisecond);
-BENCHMARK(AdjustForInsertionByHand)->Unit(benchmark::kMillisecond);
+BENCHMARK(AdjustForInsertion)->Arg(1000);
+BENCHMARK(AdjustForInsertionByHand)->Arg(1000);
 
 // MARK: Sorted arrays
 
@@ -215,7 +186,7 @@ std::vector<Retained<Object>> numbers(std::size_t count, unsigned seed) {
     return result;
 }
 
-constexpr std::size_t kSorted = 100'000, kInserted = 20'000;
+constexpr std::size_t kSorted = 1'000;
 
 void SortedArrayFinds(benchmark::State& state) {
     auto probes = numbers(kSorted, 3);
@@ -237,27 +208,27 @@ void StdLowerBoundFinds(benchmark::State& state) {
     perItem(state, kSorted);
 }
 void SortedArrayInserts(benchmark::State& state) {
-    auto probes = numbers(kInserted, 3);
+    auto probes = numbers(kSorted, 3);
     for (auto _ : state) {
         auto array = NSMutableArray::init();
         for (auto& probe : probes)
             insertObject_withCompareFunction_context(array, probe, &compareInts, nullptr);
     }
-    perItem(state, kInserted);
+    perItem(state, kSorted);
 }
 void StdLowerBoundInserts(benchmark::State& state) {
-    auto probes = numbers(kInserted, 3);
+    auto probes = numbers(kSorted, 3);
     for (auto _ : state) {
         std::vector<Retained<Object>> array;
         for (auto& probe : probes)
             array.insert(std::lower_bound(array.begin(), array.end(), probe, isBefore), probe);
     }
-    perItem(state, kInserted);
+    perItem(state, kSorted);
 }
-BENCHMARK(SortedArrayFinds)->Unit(benchmark::kMillisecond);
-BENCHMARK(StdLowerBoundFinds)->Unit(benchmark::kMillisecond);
-BENCHMARK(SortedArrayInserts)->Unit(benchmark::kMillisecond);
-BENCHMARK(StdLowerBoundInserts)->Unit(benchmark::kMillisecond);
+BENCHMARK(SortedArrayFinds);
+BENCHMARK(StdLowerBoundFinds);
+BENCHMARK(SortedArrayInserts);
+BENCHMARK(StdLowerBoundInserts);
 
 // MARK: Index sets
 
@@ -274,10 +245,10 @@ void IntervalSetOfRanges(benchmark::State& state, Shape shape) {
     for (auto _ : state) benchmark::DoNotOptimize(intervalsOf(ranges).iterative_size());
     perItem(state, kSorted);
 }
-BENCHMARK_CAPTURE(IndexSetOfRanges, sparse, Shape::sparse)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(IntervalSetOfRanges, sparse, Shape::sparse)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(IndexSetOfRanges, sorted, Shape::sorted)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(IntervalSetOfRanges, sorted, Shape::sorted)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(IndexSetOfRanges, sparse, Shape::sparse);
+BENCHMARK_CAPTURE(IntervalSetOfRanges, sparse, Shape::sparse);
+BENCHMARK_CAPTURE(IndexSetOfRanges, sorted, Shape::sorted);
+BENCHMARK_CAPTURE(IntervalSetOfRanges, sorted, Shape::sorted);
 
 std::vector<NSUInteger> places(NSUInteger limit) {
     std::mt19937 random(4);
@@ -303,10 +274,12 @@ void IntervalSetContains(benchmark::State& state) {
         for (NSUInteger probe : probes) benchmark::DoNotOptimize(boost::icl::contains(set, probe));
     perItem(state, kSorted);
 }
-BENCHMARK(IndexSetContains)->Unit(benchmark::kMillisecond);
-BENCHMARK(IntervalSetContains)->Unit(benchmark::kMillisecond);
+BENCHMARK(IndexSetContains);
+BENCHMARK(IntervalSetContains);
 
 // MARK: Float arrays
+
+constexpr std::size_t kMany = 1'000;
 
 void FloatVectorFills(benchmark::State& state) {
     for (auto _ : state) {
@@ -352,12 +325,12 @@ void StdAccumulateSums(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize(std::accumulate(vector.begin(), vector.end(), 0.0f));
     perItem(state, kMany);
 }
-BENCHMARK(FloatVectorFills)->Unit(benchmark::kMillisecond);
-BENCHMARK(StdVectorFills)->Unit(benchmark::kMillisecond);
-BENCHMARK(FloatArrayReads)->Unit(benchmark::kMillisecond);
-BENCHMARK(StdVectorReads)->Unit(benchmark::kMillisecond);
-BENCHMARK(FloatArraySums)->Unit(benchmark::kMillisecond);
-BENCHMARK(StdAccumulateSums)->Unit(benchmark::kMillisecond);
+BENCHMARK(FloatVectorFills);
+BENCHMARK(StdVectorFills);
+BENCHMARK(FloatArrayReads);
+BENCHMARK(StdVectorReads);
+BENCHMARK(FloatArraySums);
+BENCHMARK(StdAccumulateSums);
 
 }  // namespace
 }  // namespace pelvor
