@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "PBUtil.h"
+#include "Private/ArgumentChecks.h"
 #include "Runtime/Registry.h"
 
 namespace pelvor {
@@ -34,12 +35,12 @@ void defineMutableAdditions(MethodTable<NSMutableArray>& methods) {
     methods.instance<"randomize", &randomize>();
 }
 
-template <class Ask>
-NSArray* answersOf(NSArray* array, Ask ask) {
-    NSMutableArray* answers = NSMutableArray::array();
+template <class Perform>
+NSArray* resultsOf(NSArray* array, Perform perform) {
+    NSMutableArray* results = NSMutableArray::array();
     for (id element : array)
-        if (id answer = ask(element)) answers->addObject(answer);
-    return answers;
+        if (id result = perform(element)) results->addObject(result);
+    return results;
 }
 
 }  // namespace
@@ -55,7 +56,7 @@ id firstObject(NSArray* array) { return array->count() ? array->objectAtIndex(0)
 
 namespace {
 
-// Elements one by one of an array that a comparison may change in between.
+// Reads single elements of an array that a comparison may change in between.
 class ElementReader {
   public:
     explicit ElementReader(NSArray* array) : _array(array), _counter(array->mutationCounter()) { look(); }
@@ -128,14 +129,14 @@ NSUInteger nearestIndexOfObject_withCompareFunction_context(NSArray* array, id o
     return next < array->count() ? next : NSNotFound;
 }
 
-// MARK: Answers
+// MARK: Messages to all elements
 
 NSArray* arrayByMakingObjectsPerformSelector(NSArray* array, SEL selector) {
-    return answersOf(array, [&](id element) { return element->performSelector(selector); });
+    return resultsOf(array, [&](id element) { return element->performSelector(selector); });
 }
 
 NSArray* arrayByMakingObjectsPerformSelector_withObject(NSArray* array, SEL selector, id argument) {
-    return answersOf(array,
+    return resultsOf(array,
                      [&](id element) { return element->performSelector_withObject(selector, argument); });
 }
 
@@ -143,6 +144,7 @@ NSArray* arrayByMakingObjectsPerformSelector_withObject(NSArray* array, SEL sele
 
 Retained<NSMutableArray> NSMutableArray_PelvorAdditions::initWithSingleObject_count(id object,
                                                                                     NSUInteger count) {
+    requireArgument(object, "initWithSingleObject:count:", "the object");
     constexpr NSUInteger kLargestReserve = 1u << 20;
     auto array = NSMutableArray::initWithCapacity(std::min(count, kLargestReserve));
     for (NSUInteger i = 0; i < count; ++i) array->addObject(object);
@@ -151,6 +153,7 @@ Retained<NSMutableArray> NSMutableArray_PelvorAdditions::initWithSingleObject_co
 
 NSUInteger insertObject_withCompareFunction_context(NSMutableArray* array, id object,
                                                     NSCompareFunction compare, void* context) {
+    requireArgument(object, "insertObject:withCompareFunction:context:", "the object");
     NSUInteger next = 0;
     NSUInteger index =
         _indexOfObject_withCompareFunction_context_nextIndex(array, object, compare, context, &next);
@@ -163,9 +166,10 @@ bool removeObject_withCompareFunction_context(NSMutableArray* array, id object, 
                                               void* context) {
     NSUInteger index = indexOfObject_withCompareFunction_context(array, object, compare, context);
     if (index == NSNotFound) return false;
-    auto kept = Retained<Object>::retaining(object);
-    do array->removeObjectAtIndex(index);
-    while (index < array->count() && compare(object, array->objectAtIndex(index), context) == NSOrderedSame);
+    ElementReader elements(array);
+    NSUInteger end = index + 1;
+    while (end < array->count() && compare(object, elements[end], context) == NSOrderedSame) ++end;
+    array->removeObjectsInRange({index, end - index});
     return true;
 }
 

@@ -31,8 +31,9 @@ NSString* componentsJoinedByString(NSSet* set, NSString*) {
 }
 
 void removeObjectsInArray(NSMutableSet* set, NSArray* objects) {
-    for (NSUInteger i = objects ? objects->count() : 0; i > 0; --i)
-        set->removeObject(objects->objectAtIndex(i - 1));
+    if (!objects) return;
+    auto leaving = objects->copy();  // the end of a member may change the array
+    for (NSUInteger i = leaving->count(); i > 0; --i) set->removeObject(leaving->objectAtIndex(i - 1));
 }
 
 }  // namespace pelvor

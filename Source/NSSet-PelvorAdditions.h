@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Members of a set as one text, and members taken out of a set together.
+// Additions to sets: the members as one text, and the removal of several members.
 #pragma once
 
 #include "Foundation/NSMutableSet.h"
@@ -8,10 +8,10 @@ namespace pelvor {
 
 struct Category;
 
-/// The members' descriptions one after the other, in the order of the set. The separator is not used:
-/// nothing stands between them.
+/// The descriptions of the members one after the other, in the order of the set. The separator is not used:
+/// nothing stands between the descriptions.
 PELVOR_EXPORT NSString* componentsJoinedByString(NSSet* set, NSString* separator);
-/// Removes each object of the array, from the last to the first.
+/// Removes each object of the array, from the last to the first. A null array removes nothing.
 PELVOR_EXPORT void removeObjectsInArray(NSMutableSet* set, NSArray* objects);
 
 extern const Category NSSet_PelvorAdditions_category;

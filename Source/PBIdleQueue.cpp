@@ -3,10 +3,10 @@
 
 #include "BaseLibrary.h"
 #include "Foundation/NSArray.h"
+#include "Foundation/NSMutableString.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSNotificationQueue.h"
 #include "Foundation/NSRunLoop.h"
-#include "Foundation/NSString.h"
 #include "PBWeakReference.h"
 #include "Runtime/Message.h"
 
@@ -63,7 +63,7 @@ void PBIdleQueue::scheduleQueue() {
     _isScheduled = true;
 }
 
-// The object may end with its message; it is not touched afterwards.
+// The message may end the object, which is not touched afterwards.
 void PBIdleQueue::sendIdleToObject(id object) { send(object, _sel); }
 
 void PBIdleQueue::doRun() {
@@ -81,11 +81,12 @@ void PBIdleQueue::flush() {
     if (_objs) _objs->removeAllObjects();
 }
 
+// The scheduler may have the last reference, so that comes last. The destructor of a subclass may call this,
+// so the queue does not retain itself.
 void PBIdleQueue::invalidate() {
-    auto self = Retained<PBIdleQueue>::retaining(this);
-    PBIdleQueueScheduler::instance()->removeQueue(this);
     _objs = nullptr;
     _isScheduled = false;
+    PBIdleQueueScheduler::instance()->removeQueue(this);
 }
 
 NSString* PBIdleQueue::description() {
@@ -104,9 +105,7 @@ Retained<PBIdleQueueScheduler> PBIdleQueueScheduler::init(Class* cls) {
     constexpr NSString* kName = u"_PBIdleQueueShouldDoSomeWorkNotification"_ns;
     auto scheduler = make<PBIdleQueueScheduler>(cls);
     scheduler->_queues = PBLinkedList::init();
-    NSNotification* notification = NSNotification::notificationWithName_object(kName, scheduler);
-    notification->retain();
-    scheduler->_notification = notification;
+    scheduler->_notification.set(NSNotification::notificationWithName_object(kName, scheduler));
     NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(scheduler, "runLoopDidIdle:"_sel,
                                                                             kName, scheduler);
     return scheduler;
@@ -127,17 +126,29 @@ void PBIdleQueueScheduler::removeQueue(PBIdleQueue* queue) {
 
 void PBIdleQueueScheduler::scheduleQueues() {
     static NSArray* const modes = NSArray::initWithObjects({NSDefaultRunLoopMode}).leak();
+    _hasAskedForTurn = true;
     NSNotificationQueue::defaultQueue()->enqueueNotification_postingStyle_coalesceMask_forModes(
         _notification, NSPostWhenIdle, NSNotificationCoalescingOnName | NSNotificationCoalescingOnSender,
         modes);
 }
 
-void PBIdleQueueScheduler::runLoopDidIdle(NSNotification*) {
+void PBIdleQueueScheduler::runLoopDidIdle(NSNotification* notification) {
+    if (notification == _notification) _hasAskedForTurn = false;
     {
         Retained<Object> next = _queues->takeTop();
         if (auto* queue = cast<PBIdleQueue>(next)) queue->doRun();
     }
     if (!_queues->isEmpty()) scheduleQueues();
+}
+
+NSString* PBIdleQueueScheduler::description() {
+    NSMutableString* text = NSMutableString::string();
+    text->appendFormat(u"PBIdleQueueScheduler<%p> {%@, queues=%d\n"_ns, static_cast<void*>(this),
+                       _hasAskedForTurn ? u"asked for a turn"_ns : u"asked for no turn"_ns, _queues->count());
+    PBLinkedListEnumerator* walk = _queues->objectEnumerator();
+    while (id queue = walk->nextObject()) text->appendFormat(u"\t%@\n"_ns, queue);
+    text->appendString(u"}"_ns);
+    return text;
 }
 
 }  // namespace pelvor

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// PBIdleQueue and PBIdleQueueScheduler: messages sent when the main loop has nothing else to do.
+// PBIdleQueue and PBIdleQueueScheduler: messages that are sent when the main loop has nothing else to do.
 #pragma once
 
 #include "Foundation/NSMutableSet.h"
@@ -8,35 +8,42 @@
 
 namespace pelvor {
 
-/// Objects that are each to be sent one message when the main loop is idle in the default mode. Each is in
-/// the queue once, however often it is added. The queue does not keep them: an object leaves it before it
-/// is destroyed. One object of one queue is served at each idle moment, and queues take turns.
+/// A queue of objects that are each to be sent one message when the main loop is idle in the default mode:
 ///
-/// An object has left the queue when it is sent its message, and may add itself again for a later moment,
-/// add and remove others, and destroy itself. What it raises reaches the run loop; the queue's other
-/// objects then wait for the next `addObject`. Main thread.
+///     static PBIdleQueue* const layouts = PBIdleQueue::initWithSelector("layOut"_sel).leak();
+///     layouts->addObject(page);     // as often as the page changes; it is sent one layOut
+///     layouts->removeObject(page);  // before the page is destroyed
+///
+/// An object is in the queue once, however often it is added. The queue refers to it by PBWeakReference and
+/// does not retain it: an object leaves the queue before it is destroyed. One object of one queue is served
+/// at each idle moment, and queues take turns.
+///
+/// An object has left the queue when it is sent its message. It may add itself again for a later idle moment,
+/// add and remove others, and destroy itself. An exception that it raises reaches the run loop; the other
+/// objects of the queue then wait until `addObject` is called again. Main thread.
 class PELVOR_EXPORT PBIdleQueue : public NSObject {
     PELVOR_CLASS(PBIdleQueue, NSObject);
 
   public:
-    /// The message takes no argument; its result is not used.
+    /// Makes a queue that sends the message `selector`, which takes no argument. Its result is not used.
     static Retained<PBIdleQueue> initWithSelector(SEL selector, Class* cls = classObject());
 
     void addObject(id object);
     void removeObject(id object);
     bool containsObject(id object);
     NSUInteger count();
-    /// Lines up for a turn, once, unless the queue was invalidated.
+    /// Lines the queue up with the scheduler for a turn, unless it is in line or was invalidated.
     void scheduleQueue();
-    /// Sends the message. For subclasses to send something else.
+    /// Sends the message to the object. Subclasses override it to send something else.
     virtual void sendIdleToObject(id object);
-    /// A turn: sends the message to one of the objects, if there is any, and lines up again for the rest.
+    /// Takes a turn: sends the message to one of the objects, if there is any, and lines up again for the
+    /// rest.
     virtual void doRun();
     /// Empties the queue. Nothing is sent.
     void flush();
-    /// Gives up its turn and its objects for good. The release that ends a queue does so too.
+    /// Gives up the queue's turn and its objects for good: what is added from now on is ignored.
     void invalidate();
-    /// "PBIdleQueue<0x…> {selector, objects=n}".
+    /// "PBIdleQueue<0x…> {layOut, objects=2}".
     NSString* description() override;
 
   protected:
@@ -44,27 +51,32 @@ class PELVOR_EXPORT PBIdleQueue : public NSObject {
     ~PBIdleQueue() = default;
 
   private:
-    Retained<NSMutableSet> _objs;  // of weak references; none once invalidated
+    Retained<NSMutableSet> _objs;  // of PBWeakReferences; null once invalidated
     SEL _sel;
     bool _isScheduled = false;
 };
 
-/// Gives the queues their turns, first come, first served; it keeps those that wait. After a queue's object
-/// has raised, it stands still until its list is empty and a queue is added. Main thread.
+/// Gives idle queues their turns, first come, first served. It retains the queues that wait. After an object
+/// has raised, it gives no turns until its list has become empty and a queue is added. Main thread.
 class PELVOR_EXPORT PBIdleQueueScheduler : public NSObject {
     PELVOR_CLASS(PBIdleQueueScheduler, NSObject);
 
   public:
-    /// The process's scheduler.
+    /// The scheduler of the process.
     static PBIdleQueueScheduler* instance();
     static Retained<PBIdleQueueScheduler> init(Class* cls = classObject());
 
+    /// Puts the queue at the end of the line.
     void addQueue(PBIdleQueue* queue);
+    /// Takes the queue out of the line wherever it stands.
     void removeQueue(PBIdleQueue* queue);
-    /// Asks for the next idle moment, once however often it is called before that.
+    /// Asks for a turn at the next idle moment: for one, however often it is called before that.
     void scheduleQueues();
-    /// An idle moment: gives the first queue its turn.
+    /// Called at an idle moment: gives the first queue its turn.
     void runLoopDidIdle(NSNotification* notification);
+    /// "PBIdleQueueScheduler<0x…> {asked for a turn, queues=1" or "{asked for no turn, …", a line with a tab
+    /// and the description of each waiting queue, and "}".
+    NSString* description() override;
 
   protected:
     PBIdleQueueScheduler() = default;
@@ -72,7 +84,8 @@ class PELVOR_EXPORT PBIdleQueueScheduler : public NSObject {
 
   private:
     Retained<PBLinkedList> _queues;
-    NSNotification* _notification = nullptr;  // owned; it keeps its sender, the scheduler
+    Retained<NSNotification> _notification;  // retains its sender, the scheduler, which so never ends
+    bool _hasAskedForTurn = false;
 };
 
 }  // namespace pelvor

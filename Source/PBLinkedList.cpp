@@ -7,7 +7,6 @@
 #include "Foundation/NSMutableString.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
-#include "Shared/RowMemory.h"
 
 namespace pelvor {
 
@@ -44,10 +43,6 @@ Retained<PBLinkedListNode> PBLinkedListNode::initWithObject(id object, Class* cl
     return node;
 }
 
-void* PBLinkedListNode::operator new(std::size_t) { return RowMemory<PBLinkedListNode>::allocate(); }
-
-void PBLinkedListNode::operator delete(void* node) noexcept { RowMemory<PBLinkedListNode>::free(node); }
-
 // MARK: The list
 
 Retained<PBLinkedList> PBLinkedList::init(Class* cls) { return make<PBLinkedList>(cls); }
@@ -62,7 +57,7 @@ id PBLinkedList::pop() { return takeTop().autorelease(); }
 
 Retained<Object> PBLinkedList::takeTop() {
     if (!_head) return nullptr;
-    // A node that only the list has need not keep what it held.
+    // The object of a node that nobody else has is moved, which saves a retain and a release.
     Retained<Object> object = _head->retainCount() == 1 ? std::move(_head->object) : _head->object;
     removeNode_withPreviousNode(_head, nullptr);
     return object;
@@ -94,11 +89,12 @@ PBLinkedListNode* PBLinkedList::nodeAtIndex_prevNode(NSUInteger index, PBLinkedL
     return node;
 }
 
-// The list already stands as it will be when the node and its object are released.
+// The node is out of the list before it is released: the end of its object may change the list.
 void PBLinkedList::removeNode_withPreviousNode(PBLinkedListNode* node, PBLinkedListNode* previous) {
     if (!node || (node != _head && (!previous || previous->next != node))) return;
-    (node == _head ? _head : previous->next) = node->next;
+    (node == _head ? _head : previous->next) = std::exchange(node->next, nullptr);
     --_count;
+    ++_removals;
     node->release();
 }
 
@@ -109,10 +105,19 @@ void PBLinkedList::removeObjectsInRange(NSRange range) {
     if (end > _count)
         raiseException(NSRangeException, u"index (%d) to remove beyond bounds (%d)"_ns,
                        static_cast<NSUInteger>(end - 1), _count);
+    if (range.length == 0) return;
     PBLinkedListNode* previous = nullptr;
-    PBLinkedListNode* node = nodeAtIndex_prevNode(range.location, &previous);
-    for (NSUInteger i = 0; i < range.length; ++i)
-        removeNode_withPreviousNode(std::exchange(node, node->next), previous);
+    PBLinkedListNode* first = nodeAtIndex_prevNode(range.location, &previous);
+    PBLinkedListNode* last = first;
+    for (NSUInteger i = 1; i < range.length; ++i) last = last->next;
+    (previous ? previous->next : _head) = std::exchange(last->next, nullptr);
+    _count -= range.length;
+    ++_removals;
+    // Only now, since the end of an object may change the list, or be the end of the list.
+    while (PBLinkedListNode* node = first) {
+        first = std::exchange(node->next, nullptr);
+        node->release();
+    }
 }
 
 void PBLinkedList::removeAllObjects() {
@@ -131,7 +136,7 @@ NSString* PBLinkedList::description() {
     return text;
 }
 
-// MARK: Walks
+// MARK: Enumerators
 
 Retained<PBLinkedListEnumerator> PBLinkedListEnumerator::initWithList_node(PBLinkedList* list,
                                                                            PBLinkedListNode* node,
@@ -154,7 +159,21 @@ id PBLinkedListEnumerator::nextObject() {
 void PBLinkedListEnumerator::removeLastObject() {
     if (!_cur || _isCurRemoved) return;
     _isCurRemoved = true;
+    std::uint32_t removals = _list->_removals;
     _list->removeNode_withPreviousNode(_cur, _prev);
+    if (_list->_removals - removals > 1) findPlaceAgain();
+}
+
+// The end of the removed object removed others too, so the nodes around the place may be gone: they are
+// compared with those of the list, and not read. The walk goes on behind the previous node if that is still
+// there, else with the next one, and is over if neither is.
+void PBLinkedListEnumerator::findPlaceAgain() {
+    if (!_prev) return void(_next = _list->_head);
+    for (PBLinkedListNode *before = nullptr, *node = _list->_head; node; before = node, node = node->next) {
+        if (node == _prev) return void(_next = node->next);
+        if (node == _next) return void(_prev = before);
+    }
+    _prev = _next = nullptr;
 }
 
 }  // namespace pelvor

@@ -2,14 +2,16 @@
 #include "PBObjectPool.h"
 
 #include <new>
+#include <utility>
 
 #include "BaseLibrary.h"
+#include "Foundation/NSString.h"
 #include "Runtime/AutoreleasePool.h"
 
 namespace pelvor {
 namespace {
 
-// A lock that may be none.
+// Holds a lock, if there is one, for a scope.
 class Guard {
   public:
     explicit Guard(NSLock* lock) : _lock(lock) {
@@ -35,7 +37,6 @@ PELVOR_DEFINE_CLASS(PBObjectPool, baseLibrary) {
 
 PELVOR_DEFINE_CLASS(PBExternalObjectPool, baseLibrary) {
     methods.classLevel<"initWithCapacity:useLock:", &PBExternalObjectPool::initWithCapacity_useLock>();
-    methods.instance<"poolObject:", &PBExternalObjectPool::poolObject>();
     methods.instance<"popObject", &PBExternalObjectPool::popObject>();
 }
 
@@ -48,9 +49,17 @@ Retained<PBObjectPool> PBObjectPool::initWithCapacity(std::uint32_t capacity, Cl
     return pool;
 }
 
+// The pool is empty and takes nothing more before the first object is released: its end may come back here.
 PBObjectPool::~PBObjectPool() {
-    Guard guard(_lock);
-    while (!isEmpty()) popObject() = nullptr;
+    std::unique_ptr<id[]> objects;
+    std::uint32_t count = 0;
+    {
+        Guard guard(_lock);
+        objects = std::move(_pool);
+        count = _count.exchange(0);
+        _capacity = 0;
+    }
+    while (count > 0) objects[--count]->release();
 }
 
 bool PBObjectPool::poolObject(id object) {
@@ -61,18 +70,26 @@ bool PBObjectPool::poolObject(id object) {
     return true;
 }
 
-Retained<Object> PBObjectPool::popObject() {
+Retained<Object> PBObjectPool::takeTop() {
     std::uint32_t count = _count.load(std::memory_order_relaxed);
     if (count == 0) return nullptr;
     _count.store(count - 1, std::memory_order_relaxed);
     return Retained<Object>::adopting(_pool[count - 1]);
 }
 
+NSString* PBObjectPool::description() {
+    return NSString::stringWithFormat(u"<%@ %p> %u of %u, %@"_ns, class_(), static_cast<void*>(this),
+                                      _count.load(std::memory_order_relaxed), _capacity,
+                                      _lock ? u"with a lock"_ns : u"without a lock"_ns);
+}
+
+// MARK: The external pool
+
 Retained<PBExternalObjectPool> PBExternalObjectPool::initWithCapacity_useLock(std::uint32_t capacity,
                                                                               bool useLock, Class* cls) {
-    auto pool = cast<PBExternalObjectPool>(PBObjectPool::initWithCapacity(capacity, cls).leak());
+    auto pool = cast<PBExternalObjectPool>(PBObjectPool::initWithCapacity(capacity, cls));
     if (pool && !useLock) pool->_lock = nullptr;
-    return Retained<PBExternalObjectPool>::adopting(pool);
+    return pool;
 }
 
 bool PBExternalObjectPool::poolObject(id object) {
@@ -83,10 +100,10 @@ bool PBExternalObjectPool::poolObject(id object) {
     return true;
 }
 
-id PBExternalObjectPool::popObject() {
+Retained<Object> PBExternalObjectPool::takeTop() {
     if (isEmpty()) return nullptr;
     Guard guard(_lock);
-    return PBObjectPool::popObject().autorelease();
+    return PBObjectPool::takeTop();
 }
 
 }  // namespace pelvor

@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "BaseLibrary.h"
+#include "EndingObject.h"
 #include "Foundation/NSValue.h"
 #include "NSArray-PelvorRangeArray.h"
 #include "NSEnumerator-PelvorAdditions.h"
@@ -47,31 +48,41 @@ TEST(NSArrayPelvorAdditions, TellsWhetherARangeIsSorted) {
     for (NSRange range : {NSRange{5, 0}, {4, 0xFFFFFFFF}, {4, 2}}) EXPECT_THROW(isSorted(range), NSException);
 }
 
-TEST(NSArrayPelvorAdditions, KeepsASortedArrayAsAVectorWould) {
-    std::mt19937 random(11);
-    NSMutableArray* array = NSMutableArray::array();
-    auto* const order = &compareNumbers;
-    Numbers model;
-    for (int step = 0; step < 4000; ++step) {
-        id value = NSNumber::numberWithInt(static_cast<int>(random() % 30));
-        auto [first, last] = std::equal_range(model.begin(), model.end(), intValue(value));
-        auto index = static_cast<NSUInteger>(first - model.begin());
-        bool isThere = first != last;
-        NSUInteger next = 77;
-        ASSERT_EQ(_indexOfObject_withCompareFunction_context_nextIndex(array, value, order, nullptr, &next),
-                  isThere ? index : NSNotFound);
-        ASSERT_EQ(next, isThere ? 77 : index);
-        ASSERT_EQ(nearestIndexOfObject_withCompareFunction_context(array, value, order, nullptr),
-                  isThere || last != model.end() ? index : NSNotFound);
-        if (random() % 8) {
-            ASSERT_EQ(insertObject_withCompareFunction_context(array, value, order, nullptr), index);
-            model.insert(first, intValue(value));
-        } else {
-            ASSERT_EQ(removeObject_withCompareFunction_context(array, value, order, nullptr), isThere);
-            model.erase(first, last);
-        }
-        ASSERT_EQ(numbersOf(array), model);
-    }
+// The fuzz target SortedArray compares many operations with a plain vector.
+TEST(NSArrayPelvorAdditions, FindsInsertsAndRemovesInASortedArray) {
+    expectAll({"5 -> 2 77 2, at 2, removed", "4 -> 2147483647 2 2, at 2, not there",
+               "10 -> 2147483647 6 2147483647, at 6, not there", "0 -> 2147483647 0 0, at 0, not there",
+               "9 -> 5 77 5, at 5, removed"},
+              [](const std::string& row) {
+                  NSMutableArray* array = arrayOf({1, 3, 5, 5, 5, 9});
+                  id value = NSNumber::numberWithInt(std::stoi(row));
+                  auto* const order = &compareNumbers;
+                  NSUInteger next = 77;
+                  NSUInteger index =
+                      _indexOfObject_withCompareFunction_context_nextIndex(array, value, order, nullptr, &next);
+                  NSUInteger nearest = nearestIndexOfObject_withCompareFunction_context(array, value, order, nullptr);
+                  bool wasThere = removeObject_withCompareFunction_context(array, value, order, nullptr);
+                  EXPECT_EQ(indexOfObject_withCompareFunction_context(array, value, order, nullptr), NSNotFound);
+                  NSUInteger place = insertObject_withCompareFunction_context(array, value, order, nullptr);
+                  EXPECT_TRUE(_isSortedInRange_withCompareFunction_context(array, {0, array->count()}, order, nullptr));
+                  return shown(index, next, nearest) + ", at " + std::to_string(place) +
+                         (wasThere ? ", removed" : ", not there");
+              });
+}
+
+// What is removed may change the array when it ends.
+TEST(NSArrayPelvorAdditions, RemovesEqualElementsTogether) {
+    auto array = NSMutableArray::init();
+    for (int i = 0; i < 3; ++i)
+        array->addObject(EndingObject::make([&] { array->removeAllObjects(); }).get());
+    auto same = [](id, id, void*) { return 0; };
+    array->addObject(u"end"_ns);
+    auto end = [](id, id element, void*) { return element->isEqual(u"end"_ns) ? -1 : 0; };
+    EXPECT_TRUE(removeObject_withCompareFunction_context(array, array, end, nullptr));
+    EXPECT_EQ(array->count(), 0u);
+    EXPECT_FALSE(removeObject_withCompareFunction_context(array, array, same, nullptr));
+    EXPECT_EQ(RAISED(insertObject_withCompareFunction_context(array, nullptr, same, nullptr)),
+              "NSInvalidArgumentException: insertObject:withCompareFunction:context: the object is null");
 }
 
 TEST(NSArrayPelvorAdditions, TakesComparisonsAsTheyAre) {

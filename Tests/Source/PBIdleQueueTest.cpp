@@ -5,7 +5,6 @@
 #include "Foundation/NSRunLoop.h"
 #include "NSObject-PelvorAdditions.h"
 #include "Prelude.h"
-#include "RandomSteps.h"
 
 namespace {
 
@@ -27,6 +26,13 @@ class PBTestCountingQueue : public PBIdleQueue {
   public:
     void sendIdleToObject(id) override { ++served; }
     int served = 0;
+    std::function<void()> end;
+
+  protected:
+    ~PBTestCountingQueue() {
+        invalidate();
+        if (end) end();
+    }
 };
 PELVOR_DEFINE_CLASS(PBTestCountingQueue, baseLibrary) {}
 
@@ -154,6 +160,36 @@ TEST_F(PBIdleQueueTest, AfterAnExceptionQueuesInLineWaitUntilItIsEmptyAndAQueueC
     EXPECT_EQ(served, "b");
 }
 
+TEST_F(PBIdleQueueTest, TheSchedulerTellsWhoWaitsAndWhetherItAskedForATurn) {
+    PBIdleQueueScheduler* scheduler = PBIdleQueueScheduler::instance();
+    std::string start = "PBIdleQueueScheduler<" + addressOf(scheduler) + "> {asked for ";
+    EXPECT_EQ(shown(scheduler), start + "no turn, queues=0\n}");
+    first->addObject(a);
+    second->addObject(b);
+    EXPECT_EQ(shown(scheduler),
+              start + "a turn, queues=2\n\t" + shown(first.get()) + "\n\t" + shown(second.get()) + "\n}");
+    a->action = [](id) { throw NSException("PBTestException", "as asked"); };
+    EXPECT_THROW(turn(), NSException);
+    EXPECT_EQ(shown(scheduler), start + "no turn, queues=1\n\t" + shown(second.get()) + "\n}");
+}
+
+// A queue's destructor may invalidate it, and what ends with a removed queue may invalidate others.
+TEST_F(PBIdleQueueTest, QueuesThatEndMayInvalidateThemselvesAndOthers) {
+    PBIdleQueueScheduler* scheduler = PBIdleQueueScheduler::instance();
+    auto queue = cast<PBTestCountingQueue>(
+        PBIdleQueue::initWithSelector("work"_sel, PBTestCountingQueue::classObject()));
+    queue->end = [this] { second->invalidate(); };
+    PBIdleQueue* borrowed = queue;
+    scheduler->addQueue(queue);
+    second->addObject(b);
+    first->addObject(c);
+    queue = nullptr;
+    scheduler->removeQueue(borrowed);
+    EXPECT_EQ(second->count(), 0u);
+    idle();
+    EXPECT_EQ(served, "c");
+}
+
 TEST_F(PBIdleQueueTest, EachDeferredReleaseIsOneRelease) {
     for (int i = 0; i < 2; ++i) {
         a->retain();
@@ -164,64 +200,6 @@ TEST_F(PBIdleQueueTest, EachDeferredReleaseIsOneRelease) {
     EXPECT_EQ(a->retainCount(), 1u);
     releaseWhenIdle(b.leak());
     idle();
-}
-
-// By the model, queues are lines that hand their turn on after each object.
-TEST_F(PBIdleQueueTest, RandomStepsServeWhomPlainLinesServe) {
-    std::mt19937 random(3);
-    struct Line {
-        Retained<PBIdleQueue> queue = PBIdleQueue::initWithSelector("work"_sel);
-        std::vector<PBTestWorker*> objects;
-    };
-    std::vector<Line> lines(3);
-    std::vector<Line*> turns;
-    std::vector<Retained<PBTestWorker>> all(9);
-    PBTestWorker* expected = nullptr;
-    auto addOnce = [](auto& list, auto* member) {
-        if (std::find(list.begin(), list.end(), member) == list.end()) list.push_back(member);
-    };
-    auto remove = [](Line& line, PBTestWorker* object) {
-        line.queue->removeObject(object);
-        std::erase(line.objects, object);
-    };
-    std::function<void()> change = [&] {
-        Line& line = lines[random() % lines.size()];
-        auto& object = all[random() % all.size()];
-        if (!object) object = make<PBTestWorker>();
-        object->action = [&](PBTestWorker* self) {
-            ASSERT_EQ(self, expected);
-            change();
-            expected = nullptr;
-        };
-        switch (random() % 6) {
-            case 0:
-                for (Line& each : lines) remove(each, object);
-                if (object != expected) object = nullptr;
-                break;
-            case 1:
-                remove(line, object);
-                break;
-            default:
-                line.queue->addObject(object);
-                addOnce(line.objects, object.get());
-                addOnce(turns, &line);
-        }
-    };
-    for (int step = 0, steps = randomSteps(60'000); step < steps; ++step) {
-        AutoreleasePool inner;
-        if (random() % 2) change();
-        if (step % 2 || turns.empty()) continue;
-        Line& line = *turns.front();
-        turns.erase(turns.begin());
-        expected = line.objects.empty() ? nullptr : line.objects.front();
-        std::erase(line.objects, expected);
-        bool hadObject = expected;
-        turn();
-        ASSERT_EQ(expected, nullptr) << "not served";
-        if (hadObject && !line.objects.empty()) addOnce(turns, &line);
-        for (Line& each : lines) ASSERT_EQ(each.queue->count(), each.objects.size());
-    }
-    for (Line& line : lines) line.queue->invalidate();
 }
 
 }  // namespace

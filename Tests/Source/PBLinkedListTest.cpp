@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBLinkedList.h"
 
-#include <deque>
-
+#include "EndingObject.h"
 #include "Prelude.h"
-#include "RandomSteps.h"
 
 namespace {
 
@@ -81,50 +79,58 @@ TEST_F(PBLinkedListTest, AnEnumeratorRemovesWhatItReturned) {
     }
 }
 
-TEST_F(PBLinkedListTest, NodesMadeOnOneThreadMayGoOnAnother) {
-    Retained<PBLinkedList> lists[4];
-    onThreads(4, [&](int number) {
-        lists[number] = PBLinkedList::init();
-        for (int i = 0; i < 3000; ++i) lists[number]->push(u"a"_ns);
-    });
-    onThreads(4, [&](int number) {
-        Retained<PBLinkedList> taken = std::move(lists[(number + 1) % 4]);
-        PBLinkedListEnumerator* walk = taken->objectEnumerator();
-        for (int i = 0; i < 1500 && walk->nextObject(); ++i) walk->removeLastObject();
-        for (int i = 0; i < 1000; ++i) taken->push(u"b"_ns);
-        EXPECT_EQ(taken->count(), 2500u);
-    });
+// The list is a, an object, b and c; the object's end changes the list.
+TEST_F(PBLinkedListTest, WhatIsRemovedMayChangeTheListWhenItEnds) {
+    struct Row {
+        const char* name;
+        std::function<void()> remove, end;
+        const char* left;
+    };
+    auto removeOne = [this] { list->removeObjectAtIndex(1); };
+    auto removeTwo = [this] { list->removeObjectsInRange({1, 2}); };
+    auto removeAll = [this] { list->removeAllObjects(); };
+    auto removeFirst = [this] { list->removeObjectAtIndex(0); };
+    auto walk = [this] {
+        PBLinkedListEnumerator* walk = list->objectEnumerator();
+        while (id object = walk->nextObject())
+            if (cast<EndingObject>(object) || object->isEqual(u"b"_ns)) walk->removeLastObject();
+    };
+    const Row rows[] = {
+        {"one, then all", removeOne, removeAll, ""},
+        {"two, then the last", removeTwo, removeOne, "a"},
+        {"all, then all", removeAll, removeAll, ""},
+        {"all, then one is added", removeAll, [this] { list->push(u"z"_ns); }, "z"},
+        {"all, then the list ends", removeAll, [this] { list = nullptr; }, ""},
+        {"in a walk, then the next", walk, removeOne, "ac"},
+        {"in a walk, then the one before", walk, removeFirst, "c"},
+        {"in a walk, then those around it", walk, [=] { removeFirst(), removeFirst(); }, "c"},
+        {"in a walk, then all", walk, removeAll, ""},
+    };
+    for (const Row& row : rows) {
+        AutoreleasePool pool;
+        list = PBLinkedList::init();
+        for (id object :
+             {id(u"a"_ns), id(EndingObject::make(row.end).autorelease()), id(u"b"_ns), id(u"c"_ns)})
+            list->enqueueObject(object);
+        pool.drain();  // the list has the last reference
+        row.remove();
+        EXPECT_EQ(list ? shown(text(list), list->count()) : " 0",
+                  shown(std::string(row.left), std::strlen(row.left)))
+            << row.name;
+    }
 }
 
-TEST_F(PBLinkedListTest, RandomStepsLeaveWhatAPlainListHolds) {
-    std::mt19937 random(7);
-    std::deque<id> model;
-    auto made = PBLinkedList::init();
-    for (int step = 0, steps = randomSteps(20'000); step < steps; ++step) {
-        AutoreleasePool inner;
-        id object = NSNumber::numberWithInt(step);
-        auto size = static_cast<std::uint32_t>(model.size());
-        std::uint32_t index = random() % (size + 1);
-        unsigned choice = size > 40 ? 2 + random() % 4 : random() % 4;
-        if (choice == 0) {
-            made->push(object);
-            model.push_front(object);
-        } else if (choice == 1) {
-            made->enqueueObject(object);
-            model.push_back(object);
-        } else if (choice == 2) {
-            EXPECT_EQ(made->pop(), model.empty() ? nullptr : model.front());
-            if (size) model.pop_front();
-        } else {
-            std::uint32_t length = std::min<std::uint32_t>(random() % 4, size - index);
-            made->removeObjectsInRange({index, length});
-            model.erase(model.begin() + index, model.begin() + index + length);
-        }
-        ASSERT_EQ(made->count(), model.size());
-        if (model.empty()) continue;
-        index = random() % made->count();
-        ASSERT_EQ(made->objectAtIndex(index), model[index]);
-    }
+TEST_F(PBLinkedListTest, RemovesRangesAtEachPlace) {
+    expectAll({"0 0 -> abc", "0 1 -> bc", "1 1 -> ac", "2 1 -> ab", "0 2 -> c", "1 2 -> a", "0 3 -> "},
+              [&](const std::string& row) {
+                  list = abc();
+                  list->removeObjectsInRange({NSUInteger(row[0] - '0'), NSUInteger(row[2] - '0')});
+                  std::string left = text(list);
+                  EXPECT_EQ(list->count(), left.size()) << row;
+                  list->enqueueObject(u"z"_ns);
+                  EXPECT_EQ(shown(list->objectAtIndex(list->count() - 1)), "z") << row;
+                  return left;
+              });
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBObjectPool.h"
 
-#include "Prelude.h"
+#include "EndingObject.h"
 
 namespace {
 
@@ -37,6 +37,41 @@ TEST(PBObjectPoolTest, AnExternalPoolRetainsAndAnswersBorrowedObjects) {
         }
         EXPECT_EQ(object->retainCount(), 1u);
     }
+}
+
+TEST(PBObjectPoolTest, AnExternalPoolIsOneAlsoThroughAPointerToARawOne) {
+    auto object = make<NSObject>();
+    Retained<PBObjectPool> pool = PBExternalObjectPool::initWithCapacity_useLock(1, true);
+    EXPECT_TRUE(pool->poolObject(object));
+    EXPECT_EQ(object->retainCount(), 2u) << "not retained";
+    pool->_lock->lock();
+    std::thread waiting([&] { EXPECT_EQ(pool->popObject(), object); });
+    EXPECT_FALSE(pool->isEmpty()) << "not locked";
+    pool->_lock->unlock();
+    waiting.join();
+    EXPECT_TRUE(pool->isEmpty());
+    EXPECT_EQ(object->retainCount(), 1u);
+}
+
+TEST(PBObjectPoolTest, WhatAPoolHoldsMayComeBackToItWhenThePoolEnds) {
+    PBObjectPool* borrowed = nullptr;
+    auto pool = PBExternalObjectPool::initWithCapacity_useLock(2, true);
+    borrowed = pool.get();
+    std::string heard;
+    {
+        auto object = EndingObject::make(
+            [&] { heard = shown(borrowed->poolObject(u"a"_ns), borrowed->popObject() == nullptr); });
+        pool->poolObject(object);
+    }
+    pool = nullptr;
+    EXPECT_EQ(heard, "0 1");
+}
+
+TEST(PBObjectPoolTest, TellsHowFullItIs) {
+    auto pool = PBExternalObjectPool::initWithCapacity_useLock(3, false);
+    pool->poolObject(u"a"_ns);
+    EXPECT_EQ(pool->description()->toUTF8(),
+              "<PBExternalObjectPool " + addressOf(pool) + "> 1 of 3, without a lock");
 }
 
 TEST(PBObjectPoolTest, ThreadsShareALockedPool) {
