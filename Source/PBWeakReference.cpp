@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBWeakReference.h"
 
+#include <atomic>
 #include <mutex>
+#include <thread>
 
 #include "BaseLibrary.h"
 #include "Foundation/NSArray.h"
@@ -10,33 +12,40 @@
 #include "PBObjectPool.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
-#include "Shared/RowMemory.h"
 
 namespace pelvor {
 namespace {
 
-constexpr std::uint32_t kPoolCapacity = 50;
-
-// Of all threads; made by `initialize`, never destroyed.
-PBObjectPool* sharedPool = nullptr;
-
-// The thread's own gone reference: most are made for one look-up, and the next is made when that is over.
-constinit thread_local PBWeakReference* spareReference = nullptr;
-constinit thread_local bool mayKeepSpare = false;
-
-struct EndOfThread {
-    ~EndOfThread() {
-        mayKeepSpare = false;
-        hasEnded = true;
-        if (spareReference) std::exchange(spareReference, nullptr)->release();
+// References that have ended, of all threads. The lock is held for a few instructions at a time, with every
+// reference that is made and that ends: waiting for it asleep would cost more than the work that it guards.
+class SparePool {
+  public:
+    // Null if there is none.
+    PBWeakReference* take() noexcept {
+        if (_pool->isEmpty()) return nullptr;
+        std::lock_guard guard(*this);
+        return static_cast<PBWeakReference*>(_pool->popObject().leak());
     }
-    bool hasEnded = false;
+    // Whether there is room; the pool has taken the caller's reference over then.
+    bool put(PBWeakReference* reference) noexcept {
+        if (_pool->isFull()) return false;
+        std::lock_guard guard(*this);
+        return _pool->poolObject(reference);
+    }
+    void lock() noexcept {
+        while (_isLocked.exchange(true, std::memory_order_acquire)) std::this_thread::yield();
+    }
+    void unlock() noexcept { _isLocked.store(false, std::memory_order_release); }
+
+  private:
+    static constexpr std::uint32_t kCapacity = 50;
+
+    PBObjectPool* _pool = PBObjectPool::initWithCapacity(kCapacity).leak();
+    std::atomic<bool> _isLocked{false};
 };
 
-[[gnu::noinline]] bool openThread() {
-    static thread_local EndOfThread endOfThread;
-    return mayKeepSpare = !endOfThread.hasEnded;
-}
+// Made by `initialize`, never destroyed.
+SparePool* spares = nullptr;
 
 void defineArrayAdditions(MethodTable<NSArray>& methods) {
     methods.instance<"indexOfWeakReferenceObject:", &indexOfWeakReferenceObject>();
@@ -71,7 +80,7 @@ PELVOR_DEFINE_CLASS(PBWeakReference, baseLibrary) {
 }
 
 void PBWeakReference::initialize(Class* cls) {
-    if (cls == classObject()) sharedPool = PBObjectPool::initWithCapacity(kPoolCapacity).leak();
+    if (cls == classObject()) spares = new SparePool;
 }
 
 PBWeakReference* PBWeakReference::weakReferenceWithObject(id object, Class* cls) {
@@ -79,13 +88,22 @@ PBWeakReference* PBWeakReference::weakReferenceWithObject(id object, Class* cls)
 }
 
 Retained<PBWeakReference> PBWeakReference::initWithObject(id object, Class* cls) {
-    if (PBWeakReference* spare = cls == classObject() ? takeSpare() : nullptr) {
-        spare->_weakObj = object;
-        return Retained<PBWeakReference>::adopting(spare);
-    }
-    auto reference = make<PBWeakReference>(cls);
+    auto reference = Retained<PBWeakReference>::adopting(static_cast<PBWeakReference*>(allocate(cls).leak()));
     reference->setObject(object);
     return reference;
+}
+
+// A class that poses as this one makes its own instances.
+Retained<Object> PBWeakReference::allocate(Class* cls) {
+    if (cls == classObject() && classRecord.makesOwnInstances())
+        if (PBWeakReference* spare = spares->take()) return Retained<Object>::adopting(spare);
+    return make<PBWeakReference>(cls);
+}
+
+bool PBWeakReference::recycle() noexcept {
+    if (isa() != &classRecord) return false;
+    _weakObj = nullptr;
+    return spares->put(this);
 }
 
 bool PBWeakReference::isEqual(id other) {
@@ -101,109 +119,26 @@ NSString* PBWeakReference::description() {
 
 Retained<Object> PBWeakReference::copyWithZone(void*) { return Retained<Object>::retaining(this); }
 
-// MARK: Recycling
-
-Retained<Object> PBWeakReference::allocate(Class* cls) {
-    if (PBWeakReference* spare = cls == classObject() ? takeSpare() : nullptr)
-        return Retained<Object>::adopting(spare);
-    return Retained<Object>::adopting(cls->createInstance());
-}
-
-// A gone reference, count one; none if there is none, or another class poses as this one.
-PBWeakReference* PBWeakReference::takeSpare() {
-    if (!classRecord.makesOwnInstances()) [[unlikely]]
-        return nullptr;
-    if (spareReference) [[likely]]
-        return std::exchange(spareReference, nullptr);
-    return takePooled();
-}
-
-[[gnu::noinline]] PBWeakReference* PBWeakReference::takePooled() {
-    if (sharedPool->isEmpty()) return nullptr;
-    std::lock_guard guard(*sharedPool->_lock);
-    return static_cast<PBWeakReference*>(sharedPool->popObject().leak());
-}
-
-bool PBWeakReference::recycle() noexcept {
-    if (isa() != &classRecord) return false;
-    _weakObj = nullptr;
-    if (mayKeepSpare && !spareReference) [[likely]] {
-        spareReference = this;
-        return true;
-    }
-    return recycleInPool();
-}
-
-[[gnu::noinline]] bool PBWeakReference::recycleInPool() noexcept {
-    if (!spareReference && openThread()) {
-        spareReference = this;
-        return true;
-    }
-    if (sharedPool->isFull()) return false;
-    std::lock_guard guard(*sharedPool->_lock);
-    return sharedPool->poolObject(this);
-}
-
-// MARK: Memory
-
-namespace {
-
-// In front of each reference, to tell a larger one, of a subclass, from those that stand in rows.
-enum class Place : std::uint64_t { row, heap };
-using Rows = RowMemory<PBWeakReference, sizeof(Place) + sizeof(PBWeakReference)>;
-
-}  // namespace
-
-void* PBWeakReference::operator new(std::size_t size) {
-    bool isInRow = size == sizeof(PBWeakReference);
-    auto* place = static_cast<Place*>(isInRow ? Rows::allocate() : ::operator new(sizeof(Place) + size));
-    *place = isInRow ? Place::row : Place::heap;
-    return place + 1;
-}
-
-void PBWeakReference::operator delete(void* memory) noexcept {
-    auto* place = static_cast<Place*>(memory) - 1;
-    if (*place == Place::row)
-        Rows::free(place);
-    else
-        ::operator delete(place);
-}
-
 // MARK: Look-ups
 
-// A reference for one look-up. The thread's gone one, if it has any, is borrowed from its place and put back
-// there, unless a set has kept it.
-class LookUpReference {
-  public:
-    explicit LookUpReference(id object) : _reference(PBWeakReference::initWithObject(object).leak()) {}
-    ~LookUpReference() {
-        if (mayKeepSpare && !spareReference && _reference->isOnlyReference() &&
-            _reference->isa() == PBWeakReference::classObject()) [[likely]] {
-            _reference->_weakObj = nullptr;
-            spareReference = _reference;
-        } else {
-            _reference->release();
-        }
-    }
-    LookUpReference(const LookUpReference&) = delete;
-    LookUpReference& operator=(const LookUpReference&) = delete;
-
-    operator PBWeakReference*() const { return _reference; }
-
-  private:
-    PBWeakReference* _reference;
-};
-
 NSUInteger indexOfWeakReferenceObject(NSArray* array, id object) {
-    return array->indexOfObject(LookUpReference(object));
+    auto reference = PBWeakReference::initWithObject(object);
+    return array->indexOfObject(reference);
 }
 
 bool containsWeakReferenceObject(NSSet* set, id object) {
-    return set->containsObject(LookUpReference(object));
+    auto reference = PBWeakReference::initWithObject(object);
+    return set->containsObject(reference);
 }
 
-void addWeakReferenceObject(NSMutableSet* set, id object) { set->addObject(LookUpReference(object)); }
+void addWeakReferenceObject(NSMutableSet* set, id object) {
+    auto reference = PBWeakReference::initWithObject(object);
+    set->addObject(reference);
+}
 
-void removeWeakReferenceObject(NSMutableSet* set, id object) { set->removeObject(LookUpReference(object)); }
+void removeWeakReferenceObject(NSMutableSet* set, id object) {
+    auto reference = PBWeakReference::initWithObject(object);
+    set->removeObject(reference);
+}
 
 }  // namespace pelvor

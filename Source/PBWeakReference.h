@@ -12,31 +12,47 @@ class NSArray;
 class NSMutableSet;
 class NSSet;
 
-/// Refers to an object, which it does not retain, and hashes and compares as that object's identity. It is
-/// not cleared when the object goes: an object leaves the sets and queues that it joined before it is
-/// destroyed. A reference does not change. Gone references of this very class are used again: each thread
-/// keeps one, a pool of at most 50 the others. Any thread.
+/// A reference to an object that does not retain it, for collections that are not to keep their objects
+/// alive. It hashes and compares as the identity of its object:
+///
+///     auto watchers = NSMutableSet::init();
+///     addWeakReferenceObject(watchers, view);        // the set holds a reference to the view
+///     containsWeakReferenceObject(watchers, view);   // true
+///
+/// The reference is not cleared when its object ends: an object leaves the collections that hold references
+/// to it before it is destroyed. (PBSafeWeakReference notices the end of its object.)
+///
+/// References do not change. Up to 50 that have ended wait in a pool, and the one that came last is used
+/// again first; this holds for this very class, not for subclasses. Any thread.
 class PELVOR_EXPORT PBWeakReference : public NSObject {
     PELVOR_CLASS(PBWeakReference, NSObject);
 
   public:
     static void initialize(Class* cls);
     static PBWeakReference* weakReferenceWithObject(id object, Class* cls = classObject());
-    /// Sets the object through `setObject`, so that a subclass hears of it.
+    /// Sets the object by `setObject`, which a subclass may override.
     static Retained<PBWeakReference> initWithObject(id object, Class* cls = classObject());
 
     id object() { return _weakObj; }
     virtual void setObject(id object) { _weakObj = object; }
 
-    /// The object's address.
+    /// The address of the object.
     std::uintptr_t hash() override { return reinterpret_cast<std::uintptr_t>(_weakObj); }
-    /// Whether `other` is a reference to the same object, or the object itself. Asked the other way round,
-    /// the object knows nothing of its references.
+    /// Whether `other` is a reference to the same object, or the object itself. The object's own `isEqual`
+    /// knows nothing of references.
     bool isEqual(id other) override;
-    /// "PBWeakReference<0x…>", with the reference's own address.
+    /// "PBWeakReference<0x…>", with the address of the reference.
     NSString* description() override;
     /// The same instance, retained.
     Retained<Object> copyWithZone(void* zone) override;
+    Retained<PBWeakReference> copy() { return Retained<PBWeakReference>::retaining(this); }
+
+    // C++ only
+    /// The same as the inherited operation, but quicker for the only owner: the count need not be taken down
+    /// for a reference that goes to the pool.
+    void release() noexcept {
+        if (!isOnlyReference() || !recycle()) Object::release();
+    }
 
   protected:
     PBWeakReference() { setRecycles(); }
@@ -44,26 +60,18 @@ class PELVOR_EXPORT PBWeakReference : public NSObject {
     bool recycle() noexcept override;
 
   private:
-    friend class LookUpReference;
-
-    static void* operator new(std::size_t size);
-    static void operator delete(void* memory) noexcept;
-
     static Retained<Object> allocate(Class* cls);
-    static PBWeakReference* takeSpare();
-    static PBWeakReference* takePooled();
-    bool recycleInPool() noexcept;
 
-    id _weakObj = nullptr;
+    Unretained<Object> _weakObj = nullptr;
 };
 
-// Look-ups of a reference to the object. In an array each entry is asked whether it is equal to it; a set
-// that holds the object itself counts as holding a reference to it.
+// Look-ups by a reference to `object`. In an array each entry is asked whether it is equal to the reference;
+// a set that holds the object itself counts as holding a reference to it.
 
-/// NSNotFound if there is none.
+/// The index of the first reference to the object, NSNotFound if there is none.
 PELVOR_EXPORT NSUInteger indexOfWeakReferenceObject(NSArray* array, id object);
 PELVOR_EXPORT bool containsWeakReferenceObject(NSSet* set, id object);
-/// Does nothing if an equal member is there.
+/// Adds a reference to the object unless an equal member is there.
 PELVOR_EXPORT void addWeakReferenceObject(NSMutableSet* set, id object);
 PELVOR_EXPORT void removeWeakReferenceObject(NSMutableSet* set, id object);
 

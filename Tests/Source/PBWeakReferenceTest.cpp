@@ -4,6 +4,7 @@
 #include <set>
 
 #include "BaseLibrary.h"
+#include "EndingObject.h"
 #include "NSSet-PelvorAdditions.h"
 #include "PBSafeWeakReference.h"
 #include "Prelude.h"
@@ -83,12 +84,30 @@ TEST_F(PBWeakReferenceTest, GoneReferencesAreUsedAgainUpToALimit) {
     for (int i = 0; i < 200; ++i) references.push_back(PBWeakReference::initWithObject(target));
     for (auto& reference : references) places.insert(reference.get());
     references.clear();
-    for (unsigned i = 0; i < 52; ++i) {
+    std::size_t reused = 0;
+    for (unsigned i = 0; i < 60; ++i) {
         auto fresh = send<Retained<Object>>(PBWeakReference::classObject(), "alloc"_sel);
         EXPECT_EQ(cast<PBWeakReference>(fresh)->object(), nullptr);
-        EXPECT_EQ(places.count(fresh.get()), i < 51 ? 1u : 0u) << i;
-        references.push_back(Retained<PBWeakReference>::retaining(cast<PBWeakReference>(fresh)));
+        reused += i < 50 && places.count(fresh.get());
+        references.push_back(cast<PBWeakReference>(std::move(fresh)));
     }
+    EXPECT_EQ(reused, 50u);
+}
+
+// One pool holds them for all threads, and the last that came is used first.
+TEST_F(PBWeakReferenceTest, TheLastThatWentIsTheNextOnWhateverThread) {
+    auto first = PBWeakReference::initWithObject(target), second = PBWeakReference::initWithObject(target);
+    void *firstPlace = first.get(), *secondPlace = second.get();
+    first = nullptr;
+    std::thread([&] { second = nullptr; }).join();
+    second = PBWeakReference::initWithObject(other);
+    std::thread([&] { first = PBWeakReference::initWithObject(other); }).join();
+    EXPECT_EQ(second.get(), secondPlace);
+    EXPECT_EQ(first.get(), firstPlace);
+    Retained<Object> inherited = second;
+    second = nullptr;
+    inherited = nullptr;
+    EXPECT_EQ(PBWeakReference::initWithObject(target).get(), secondPlace) << "by the inherited release";
 }
 
 TEST_F(PBWeakReferenceTest, ASubclassHasFieldsOfItsOwn) {
@@ -119,6 +138,11 @@ TEST_F(PBWeakReferenceTest, MembersOfASetAreJoinedWithNothingBetweenThem) {
     auto* set = NSMutableSet::of({u"a"_ns, u"b"_ns, u"c"_ns});
     removeObjectsInArray(set, NSArray::of({u"c"_ns, u"x"_ns}));
     EXPECT_EQ(componentsJoinedByString(set, u","_ns)->toUTF8(), "ab");
+    auto leaving = NSMutableArray::init();
+    for (int i = 0; i < 3; ++i)
+        leaving->addObject(EndingObject::make([&] { leaving->removeAllObjects(); }).get());
+    removeObjectsInArray(set, leaving);
+    EXPECT_EQ(leaving->count(), 3u) << "the array holds them";
 }
 
 // MARK: Safe references
