@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Arrays as lists of boxed ranges.
+// Additions to arrays that are lists of boxed ranges.
 #pragma once
 
 #include "Foundation/NSMutableArray.h"
@@ -9,18 +9,20 @@ namespace pelvor {
 
 struct Category;
 
-// Entries that are no boxed ranges raise NSInvalidArgumentException, bad indexes NSRangeException.
+// An entry that is no boxed range raises NSInvalidArgumentException, an index outside the array
+// NSRangeException.
 
 struct PELVOR_EXPORT NSArray_PelvorRangeArray {
-    /// An owned array of one range, mutable where `cls` is.
+    /// Makes an array of one range, which is mutable if `cls` is a class of mutable arrays.
     static Retained<NSArray> initWithRange(NSRange range, Class* cls = NSArray::classObject());
 };
 
 PELVOR_EXPORT NSRange rangeAtIndex(NSArray* array, NSUInteger index);
-/// Where the range goes in a list sorted by location and then length: after those that are equal to it.
+/// The index at which the range is inserted into a list that is sorted by location and then by length: behind
+/// the ranges that are equal to it.
 PELVOR_EXPORT NSUInteger insertionIndexForRange(NSArray* array, NSRange range);
-/// The smallest range that holds the first and the last entry; the others are not looked at.
-/// PBNotFoundRange for an empty array.
+/// The union of the first and the last entry; those between are not looked at. PBNotFoundRange for an empty
+/// array.
 PELVOR_EXPORT NSRange unionRange(NSArray* array);
 
 extern const Category NSArray_PelvorRangeArray_category;
@@ -29,7 +31,7 @@ PELVOR_EXPORT void addRange(NSMutableArray* array, NSRange range);
 PELVOR_EXPORT void replaceRangeAtIndex_withRange(NSMutableArray* array, NSUInteger index, NSRange range);
 PELVOR_EXPORT void insertRange_atIndex(NSMutableArray* array, NSRange range, NSUInteger index);
 PELVOR_EXPORT void removeRangeAtIndex(NSMutableArray* array, NSUInteger index);
-/// Inserts at `insertionIndexForRange`.
+/// Inserts the range at the index that `insertionIndexForRange` returns.
 PELVOR_EXPORT void insertSortedRange(NSMutableArray* array, NSRange range);
 
 extern const Category NSMutableArray_PelvorMutableRangeArray_category;

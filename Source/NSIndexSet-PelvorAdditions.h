@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Index sets from arrays, and their runs.
+// Additions to index sets: sets made from arrays, and runs of members.
 #pragma once
 
 #include "Foundation/NSIndexSet.h"
@@ -9,17 +9,18 @@ namespace pelvor {
 struct Category;
 class NSArray;
 
-/// Borrowed immutable sets; empty for an empty array. Indexes outside those that a set can hold raise
-/// NSRangeException, elements of another kind NSInvalidArgumentException.
+/// Class operations of index sets. The sets are immutable and borrowed, and empty for an empty array. An
+/// index that a set cannot hold raises NSRangeException, an element of another kind
+/// NSInvalidArgumentException.
 struct PELVOR_EXPORT NSIndexSet_PelvorAdditions {
-    /// The indexes of all boxed ranges.
+    /// The indexes in all boxed ranges of the array.
     static NSIndexSet* indexSetWithRangeArray(NSArray* ranges);
-    /// The numbers, each taken as an unsigned index.
+    /// The numbers of the array, each read as an unsigned index.
     static NSIndexSet* indexSetWithNumberArray(NSArray* numbers);
 };
 
-/// The first member from the index on with those that follow it without a gap; PBNotFoundRange if there
-/// is none.
+/// The range of the first member at or behind the index and of the members that follow it without a gap;
+/// PBNotFoundRange if there is no such member.
 PELVOR_EXPORT NSRange indexRangeStartingAtOrAfterIndex(NSIndexSet* set, NSUInteger index);
 
 extern const Category NSIndexSet_PelvorAdditions_category;

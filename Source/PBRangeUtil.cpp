@@ -2,9 +2,6 @@
 #include "PBRangeUtil.h"
 
 #include <algorithm>
-#include <array>
-#include <bit>
-#include <span>
 #include <vector>
 
 #include "Private/PBRangeList.h"
@@ -66,7 +63,7 @@ NSRange PBContiguousUnionRange(NSRange rng1, NSRange rng2) {
 
 namespace {
 
-// Of two ranges that share no position.
+// For two ranges that share no position.
 bool isCovered(NSRange range, NSRange by) {
     if (range.length) return range.location >= by.location && PBMaxRange(range) <= PBMaxRange(by);
     if (by.length == 0) return range.location == by.location;
@@ -95,27 +92,9 @@ namespace {
 
 using Ranges = std::vector<NSRange>;
 
-// An object, so that sorting need not call it.
-constexpr auto isBefore = [](NSRange a, NSRange b) { return a.location < b.location; };
-
-// By passes over the digits of the locations; a comparing sort is slower on long lists.
-void sortByDigits(Ranges& ranges) {
-    constexpr unsigned kBits = 11, kDigits = 1u << kBits;
-    Ranges other(ranges.size());
-    for (unsigned shift = 0; shift < 32; shift += kBits) {
-        auto digit = [shift](NSRange range) { return range.location >> shift & (kDigits - 1); };
-        std::array<std::size_t, kDigits + 1> starts{};
-        for (NSRange range : ranges) ++starts[digit(range) + 1];
-        if (starts[digit(ranges.front()) + 1] == ranges.size()) continue;
-        for (unsigned i = 0; i < kDigits; ++i) starts[i + 1] += starts[i];
-        for (NSRange range : ranges) other[starts[digit(range)]++] = range;
-        ranges.swap(other);
-    }
-}
-
 enum class Empties : bool { keep, remove };
 
-// Takes `next` into `current` if it belongs there; answers false where it is an entry of its own.
+// Takes `next` into `current` if it belongs there. Returns false where `next` is an entry of its own.
 bool merge(NSRange& current, NSRange next, Empties empties) {
     if (next.length == 0 && (empties == Empties::remove || next.location - current.location < current.length))
         return true;
@@ -130,76 +109,14 @@ bool merge(NSRange& current, NSRange next, Empties empties) {
     return true;
 }
 
-// Merges ranges that come in order; writes the results over those that have been read.
-class Merger {
-  public:
-    Merger(NSRange* place, Empties empties) : _place(place), _empties(empties) {}
-
-    void begin(NSRange first) { _current = first; }
-    void take(NSRange next) {
-        if (merge(_current, next, _empties)) return;
-        *_place++ = _current;
-        _current = next;
-    }
-    NSRange* end() {
-        *_place++ = _current;
-        return _place;
-    }
-
-  private:
-    NSRange* _place;
-    NSRange _current;
-    Empties _empties;
-};
-
-NSRange* mergeInOrder(std::span<NSRange> ranges, Empties empties) {
-    Merger merger(ranges.data(), empties);
-    merger.begin(ranges.front());
-    for (NSRange range : ranges.subspan(1)) merger.take(range);
-    return merger.end();
-}
-
-// Of two lists in order, one behind the other. Of ranges at one location the first list's come first.
-NSRange* mergeTwo(std::span<NSRange> ranges, std::size_t count, Empties empties) {
-    Ranges copy(ranges.begin(), ranges.begin() + count);
-    const NSRange *one = copy.data(), *oneEnd = one + count;
-    const NSRange *other = ranges.data() + count, *otherEnd = ranges.data() + ranges.size();
-    Merger merger(ranges.data(), empties);
-    merger.begin(isBefore(*other, *one) ? *other++ : *one++);
-    while (one != oneEnd && other != otherEnd) {
-        // Which is next cannot be foreseen: no branch asks for it.
-        std::size_t isOther = isBefore(*other, *one);
-        auto first = std::bit_cast<std::uint64_t>(*one), second = std::bit_cast<std::uint64_t>(*other);
-        merger.take(std::bit_cast<NSRange>(first ^ ((first ^ second) & -std::uint64_t{isOther})));
-        other += isOther;
-        one += 1 - isOther;
-    }
-    while (one != oneEnd) merger.take(*one++);
-    while (other != otherEnd) merger.take(*other++);
-    return merger.end();
-}
-
-// Answers the end of what is left.
-NSRange* sortAndMerge(Ranges& ranges, Empties empties) {
-    // Often a list in order, or one with another behind it, or with a few ranges.
-    auto second = std::is_sorted_until(ranges.begin(), ranges.end(), isBefore);
-    bool areTwo = std::is_sorted(second, ranges.end(), isBefore);
-    auto count = second - ranges.begin(), others = ranges.end() - second;
-    if (areTwo && others > count / 8) return mergeTwo(ranges, static_cast<std::size_t>(count), empties);
-    constexpr std::size_t kLong = 2048;
-    if (areTwo)
-        std::inplace_merge(ranges.begin(), second, ranges.end(), isBefore);
-    else if (ranges.size() < kLong)
-        std::stable_sort(ranges.begin(), ranges.end(), isBefore);
-    else
-        sortByDigits(ranges);
-    return mergeInOrder(ranges, empties);
-}
-
 NSArray* normalizedList(Ranges ranges, Empties empties) {
-    NSRange* end = sortAndMerge(ranges, empties);
-    ranges.resize(static_cast<std::size_t>(end - ranges.data()));
-    if (ranges.size() < ranges.capacity() / 2) ranges.shrink_to_fit();
+    auto isBefore = [](NSRange a, NSRange b) { return a.location < b.location; };
+    if (!std::is_sorted(ranges.begin(), ranges.end(), isBefore))
+        std::sort(ranges.begin(), ranges.end(), isBefore);
+    auto last = ranges.begin();  // the results stand over ranges that have been read
+    for (auto next = last + 1; next != ranges.end(); ++next)
+        if (!merge(*last, *next, empties)) *++last = *next;
+    ranges.erase(last + 1, ranges.end());
     return PBRangeList::listOf(std::move(ranges));
 }
 
@@ -218,7 +135,7 @@ NSArray* PBAddRangeToNormalizedRanges(NSRange addRng, NSArray* rngs) {
 
 namespace {
 
-// The list without what the range takes from its first touched entry.
+// The list without what the range takes from the first entry that it touches.
 NSArray* subtracted(NSRange range, NSArray* ranges, NSUInteger& active) {
     NSUInteger index = PBIndexOfRangeInRanges(range, ranges);
     if (index == NSNotFound) return ranges;

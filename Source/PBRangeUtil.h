@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Ranges kept valid while text changes, and lists of ranges for selections.
+// Ranges that stay valid while text changes, and lists of ranges for selections.
 #pragma once
 
 #include "Foundation/NSRange.h"
@@ -9,15 +9,21 @@ namespace pelvor {
 
 class NSArray;
 
-// A list of ranges is an array of boxed ranges. It is normalised when it is sorted by location and no two
-// entries overlap or touch. Operations raise NSInvalidArgumentException for entries that are no ranges.
-// The range at NSNotFound is absent: adjusting leaves it as it is. Arithmetic wraps at 2^32.
+// A list of ranges is an array of boxed ranges:
+//
+//     NSArray* selection = NSArray::of({NSValue::valueWithRange({0, 3}), NSValue::valueWithRange({9, 1})});
+//     selection = PBAddRangeToNormalizedRanges({3, 2}, selection);  // (0, 5) and (9, 1)
+//
+// A list is normalised when it is sorted by location and no two of its entries overlap or touch. Lists that
+// operations return are immutable and borrowed. An entry that is no boxed range raises
+// NSInvalidArgumentException. A range at the location NSNotFound is absent: the adjusting operations return
+// it as it is. Arithmetic wraps at 2^32.
 
-/// No range.
+/// The absent range.
 inline constexpr NSRange PBNotFoundRange{NSNotFound, 0};
 
 constexpr NSRange PBMakeRange(NSUInteger loc, NSUInteger len) { return {loc, len}; }
-/// The position after the range; wraps.
+/// The position behind the range.
 constexpr NSUInteger PBMaxRange(NSRange rng) { return rng.location + rng.length; }
 
 /// How a range is combined with a selection.
@@ -27,43 +33,46 @@ enum PBSelectionMode : int {
     PBSelectionMode_Subtract = 2,
 };
 
-/// Orders boxed ranges by location alone: an NSComparisonResult; can be given to sorting operations.
+/// Compares two boxed ranges by their locations alone and returns an NSComparisonResult. It can be given to
+/// sorting operations; the third argument is not used.
 PELVOR_EXPORT int PBCompareRanges(id obj1, id obj2, void* ignored);
 
-/// The index of the first range of the list that is the same or shares a position with `findRng`; an
-/// empty one is looked for as the position after it. NSNotFound if there is none. Any list will do.
+/// The index of the first range in the list that equals `findRng` or shares a position with it; NSNotFound if
+/// there is none. An empty `findRng` shares a position with a range if the character at its location is in
+/// that range. The list need not be normalised.
 PELVOR_EXPORT NSUInteger PBIndexOfRangeInRanges(NSRange findRng, NSArray* rngs);
 
-/// Where `adjRng` is after text came in at `inRng`. An insertion at its start moves it, one inside
-/// lengthens it, one at its end does nothing.
+/// Where `adjRng` is after text was inserted, which now has the range `inRng`. An insertion at the start of
+/// the range moves it, one inside lengthens it, one at the end leaves it alone.
 constexpr NSRange PBAdjustedRangeForInsertedRange(NSRange adjRng, NSRange inRng) {
     if (adjRng.location == NSNotFound) return adjRng;
     if (adjRng.location >= inRng.location) return {adjRng.location + inRng.length, adjRng.length};
     if (PBMaxRange(adjRng) > inRng.location) return {adjRng.location, adjRng.length + inRng.length};
     return adjRng;
 }
-/// Where `adjRng` is after the text of `remRng` went. A removal that began before the range and ends
-/// inside moves the location by all that was removed.
+/// Where `adjRng` is after the text at `remRng` was removed. A removal that begins before the range and ends
+/// inside moves the location by the whole length that was removed.
 PELVOR_EXPORT NSRange PBAdjustedRangeForRemovedRange(NSRange adjRng, NSRange remRng);
-/// Where `adjRng` is after an edit that left `modRng` and made it longer by `delta`; a range that the edit
-/// crosses the bounds of covers all that was edited.
+/// Where `adjRng` is after an edit. `modRng` is the range of the edited text after the edit, which made it
+/// longer by `delta`. A range that began or ended inside the edited text covers all of that text afterwards.
 PELVOR_EXPORT NSRange PBAdjustedUnionRangeForModifiedRange(NSRange adjRng, NSRange modRng, NSInteger delta);
 
-/// Both as one range if they overlap or touch, else PBNotFoundRange.
+/// The union of two ranges that overlap or touch, else PBNotFoundRange.
 PELVOR_EXPORT NSRange PBContiguousUnionRange(NSRange rng1, NSRange rng2);
-/// Writes the parts of `rng` outside `subRng`, left before right, and answers how many: 0, 1 or 2. An
-/// empty range at either bound of `subRng` counts as inside.
+/// Writes the parts of `rng` outside `subRng` to `resPtr`, which has room for two, the left part first, and
+/// returns how many there are: 0, 1 or 2. An empty range at either bound of `subRng` counts as inside.
 PELVOR_EXPORT int PBSubtractionRanges(NSRange rng, NSRange subRng, NSRange* resPtr);
 
-/// The list in order, overlapping and touching ranges merged; a borrowed new list, or the list itself if
-/// it has less than two entries. Empty ranges inside others go, with `isRemZeros` all but one that sorts
-/// first.
+/// The list in order, with overlapping and touching ranges merged. A list of less than two entries is
+/// returned itself. Empty ranges inside others are removed; with `isRemZeros` all empty ranges are, unless
+/// one sorts first.
 PELVOR_EXPORT NSArray* PBNormalizeRanges(NSArray* ranges, bool isRemZeros);
-/// The list with the range, normalised without empty ranges.
+/// The list with the range added, normalised, without empty ranges. A null list counts as an empty one.
 PELVOR_EXPORT NSArray* PBAddRangeToNormalizedRanges(NSRange addRng, NSArray* rngs);
-/// The selection after `rng` was put in its place, added, or taken from the first entry that it touches,
-/// borrowed; `activeIdxPtr`, unless none, receives the index of the active range. A selection that would
-/// become empty is the empty range at `rng`. None for another mode.
+/// The selection `rngs` after `rng` was put in its place (overwrite), added to it, or taken from the first
+/// entry that it touches (subtract). Writes the index of the active range to `activeIdxPtr` unless that is
+/// null. A selection that would become empty is the empty range at the location of `rng`. Null for another
+/// mode.
 PELVOR_EXPORT NSArray* PBCombineRangeWithNormalizedRanges(NSRange rng, NSArray* rngs, PBSelectionMode mode,
                                                           NSUInteger* activeIdxPtr);
 
