@@ -14,8 +14,8 @@
 namespace pelvor {
 namespace {
 
-// What strings of a profile stand for. Every type is filed under one and the same key, so the last one is
-// all that the table holds, and profiles may well depend on that.
+// The strings of a profile that stand for something else. Every type is put under the same key, so that the
+// table holds only the last one. Profiles may depend on that.
 constinit NSMutableDictionary* _PBStandardPboardTypes = nullptr;
 
 void makeStandardPboardTypes() {
@@ -29,7 +29,8 @@ void makeStandardPboardTypes() {
     for (NSString* type : types) _PBStandardPboardTypes->setObject_forKey(type, u"val"_ns);
 }
 
-// Whether the object holds nothing to convert and nobody can change it: most of what is read from files.
+// Whether the object holds nothing to convert and cannot be changed, as most objects that are read from
+// files.
 bool isConverted(id object) {
     if (cast<NSString>(object)) return !_PBStandardPboardTypes->objectForKey(object);
     if (cast<NSMutableDictionary>(object) || cast<NSMutableArray>(object)) return false;
@@ -64,13 +65,11 @@ Retained<NSDictionary> convertedDictionary(NSDictionary* dictionary) {
 Retained<NSArray> convertedArray(NSArray* array) {
     std::vector<Retained<Object>> converted;
     std::vector<Object*> elements;
-    for (id element : array) {
-        elements.push_back(converted.emplace_back(_PBConvertPboardTypes(element)));
-    }
+    for (id element : array) elements.push_back(converted.emplace_back(_PBConvertPboardTypes(element)));
     return NSArray::initWithObjects_count(elements.data(), static_cast<NSUInteger>(elements.size()));
 }
 
-// The same object where there is nothing to convert.
+// The object itself if there is nothing to convert.
 Retained<Object> _PBConvertPboardTypes(id object) {
     if (isConverted(object)) return Retained<Object>::retaining(object);
     if (cast<NSString>(object))

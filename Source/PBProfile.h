@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// PBProfile: the description of one pluggable piece, as its bundle declared it.
+// PBProfile: the description of one pluggable piece, as a bundle declared it.
 #pragma once
 
 #include "Foundation/NSBundle.h"
@@ -7,14 +7,16 @@
 
 namespace pelvor {
 
-/// A property-list dictionary under an identifier: a document reader, a palette, a unit … PBProfileKeys.h
-/// names the keys. Profiles never change once made. They come out of the declaration files of bundles,
-/// through the registry:
+/// A property-list dictionary with an identifier that describes a document reader, a palette, a unit or
+/// another pluggable piece. PBProfileKeys.h lists the keys. Profiles come out of the declaration files of
+/// bundles, through the registry:
 ///
 ///     PBProfile* reader = PBRegistry::sharedRegistry()->profileWithIdentifier(u"rtf reader"_ns);
+///     NSString* name = reader->localize(cast<NSString>(reader->valueForKey(PBProfileNameKey)));
 ///     Class* cls = reader->profileClass();
 ///
-/// Two profiles are equal only if they are the same object. Main thread.
+/// A profile does not change once it is made. Two profiles are equal only if they are the same object. Main
+/// thread.
 class PELVOR_EXPORT PBProfile : public NSObject {
     PELVOR_CLASS(PBProfile, NSObject);
 
@@ -23,9 +25,10 @@ class PELVOR_EXPORT PBProfile : public NSObject {
 
     static PBProfile* profileWithIdentifier_dictionary_bundle(id identifier, NSDictionary* dictionary,
                                                               NSBundle* bundle, Class* cls = classObject());
-    /// Copies the identifier, which is mostly a string, and the dictionary; retains the bundle. In the
-    /// dictionary, and in dictionaries and arrays inside it, every string "val" that is a value becomes the
-    /// pasteboard type of PDF data. No dictionary makes a profile without entries; the bundle may be none.
+    /// Makes a profile from copies of the identifier, which is a string in most cases, and of the dictionary.
+    /// It retains the bundle. Everywhere in the dictionary, also in dictionaries and arrays inside it, a
+    /// value "val" becomes the pasteboard type of PDF data. A null dictionary makes a profile without
+    /// entries; the bundle may be null.
     static Retained<PBProfile> initWithIdentifier_dictionary_bundle(id identifier, NSDictionary* dictionary,
                                                                     NSBundle* bundle,
                                                                     Class* cls = classObject());
@@ -33,19 +36,21 @@ class PELVOR_EXPORT PBProfile : public NSObject {
     id identifier() { return _identifier.get(); }
     NSBundle* bundle() { return _bundle.get(); }
 
-    /// The entry under the key; none where there is none. Both operations are the same.
+    /// The entry under the key, null if there is none.
     virtual id valueForKey(id key);
+    /// The same as `valueForKey`.
     id objectForKey(id key) { return valueForKey(key); }
 
     /// The entry of PBProfileTypeKey: a string, or an array of strings.
     id type();
-    /// The loaded class that PBProfileClassKey names, else none.
+    /// The class that the entry of PBProfileClassKey names; null if there is no entry or no such class is
+    /// loaded.
     Class* profileClass();
-    /// The entry of PBProfileStringsKey, a table's name.
+    /// The entry of PBProfileStringsKey, the name of a strings table.
     id stringsName();
-    /// The string as the profile's strings table in its bundle has it, or in the main bundle for a profile
-    /// without one. A string that the table lacks comes back as it is, and so does every string for a profile
-    /// that names no table.
+    /// The string in the user's language, from the profile's strings table in its bundle, or in the main
+    /// bundle if the profile has no bundle. A string that the table lacks is returned as it is, and so is
+    /// every string if the profile names no table.
     NSString* localize(NSString* string);
 
     /// "<PBProfile 0x…>: identifier = dictionary".

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBProfileSet.h"
 
-#include <algorithm>
+#include <vector>
 
 #include "BaseLibrary.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "PBProfileKeys.h"
 #include "PBRegistry.h"
-#include "Private/ProfileIndex.h"
 #include "Runtime/Message.h"
 
 namespace pelvor {
@@ -21,7 +20,7 @@ std::uint32_t registryVersion() {
 
 bool areEqual(id object, id other) { return object && object->isEqual(other); }
 
-// Whether a profile's entry is the value or holds it.
+// Whether a profile's entry is the value or an array that holds it.
 bool includes(id entry, id value) {
     auto* entries = cast<NSArray>(entry);
     return entries ? entries->containsObject(value) : areEqual(entry, value);
@@ -100,51 +99,34 @@ PBProfile* PBProfileSet::profileWithIdentifier(id identifier) {
     return _profiles ? cast<PBProfile>(_profiles->objectForKey(identifier)) : nullptr;
 }
 
-std::vector<ProfileCandidate> PBProfileSet::candidates(const ProfileQuery&) {
-    std::vector<ProfileCandidate> candidates;
-    if (_profiles) candidates.reserve(_profiles->count());
-    for (NSDictionaryEntry member : _profiles.get()) candidates.push_back({member, false});
-    return candidates;
-}
-
-// Members are asked in reverse. What they do meanwhile must not take others away: a constant dictionary holds
-// them, of a changing one the arrays of its contents do.
+// The members are asked in reverse. What a member does when it is asked may change the set, so their arrays
+// hold them.
 template <class Filter>
-NSDictionary* PBProfileSet::filtered(const ProfileQuery& query, Filter passes) {
-    auto profiles = _profiles;
-    std::vector<ProfileCandidate> all = candidates(query);
-    bool asks = std::any_of(all.begin(), all.end(), [](const ProfileCandidate& c) { return !c.passes; });
-    if (asks && cast<NSMutableDictionary>(profiles)) {
-        profiles->allKeys();
-        profiles->allValues();
+NSDictionary* PBProfileSet::filtered(id key, Filter passes) {
+    update();
+    if (!_profiles) return NSDictionary::dictionary();
+    NSArray *identifiers = _profiles->allKeys(), *profiles = _profiles->allValues();
+    std::vector<Object*> passing, passingIdentifiers;
+    for (NSUInteger i = identifiers->count(); i-- > 0;) {
+        id profile = profiles->objectAtIndex(i);
+        if (!passes(_PBValueForKeyInProfile(cast<PBProfile>(profile), key))) continue;
+        passing.push_back(profile);
+        passingIdentifiers.push_back(identifiers->objectAtIndex(i));
     }
-    std::vector<Object*> identifiers, matches;
-    for (auto candidate = all.rbegin(); candidate != all.rend(); ++candidate) {
-        auto [identifier, profile] = candidate->member;
-        if (!candidate->passes && !passes(_PBValueForKeyInProfile(cast<PBProfile>(profile), query.key)))
-            continue;
-        identifiers.push_back(identifier);
-        matches.push_back(profile);
-    }
-    return NSDictionary::dictionaryWithObjects_forKeys_count(matches.data(), identifiers.data(),
-                                                             static_cast<NSUInteger>(matches.size()));
+    return NSDictionary::dictionaryWithObjects_forKeys_count(passing.data(), passingIdentifiers.data(),
+                                                             static_cast<NSUInteger>(passing.size()));
 }
 
 NSDictionary* PBProfileSet::profileDictionaryWithKey(id key) {
-    update();
-    return filtered({key, std::nullopt}, [](id entry) { return entry != nullptr; });
+    return filtered(key, [](id entry) { return entry != nullptr; });
 }
 
 NSDictionary* PBProfileSet::profileDictionaryWithValue_forKey(id value, id key) {
-    update();
-    return filtered({key, std::span(&value, 1)}, [value](id entry) { return matchesValue(entry, value); });
+    return filtered(key, [value](id entry) { return matchesValue(entry, value); });
 }
 
 NSDictionary* PBProfileSet::profileDictionaryWithAnyValue_forKey(NSArray* values, id key) {
-    update();
-    std::vector<Object*> all;
-    for (id value : values) all.push_back(value);
-    return filtered({key, all}, [values](id entry) { return matchesAnyValue(entry, values); });
+    return filtered(key, [values](id entry) { return matchesAnyValue(entry, values); });
 }
 
 PBProfileSet* PBProfileSet::derivedSet(id value, id key, bool any, NSDictionary* profiles) {
@@ -173,7 +155,7 @@ bool PBProfileSet::isUpToDate() {
     return isKindOfClass(PBRegistry::classObject()) || setVersion() == registryVersion();
 }
 
-// The set keeps its version: who asks isUpToDate learns that profiles came after it was made.
+// The version stays, so that `isUpToDate` tells that profiles came after the set was made.
 void PBProfileSet::update() {
     std::uint32_t version = registryVersion();
     if (isKindOfClass(PBRegistry::classObject()) || setVersion() == version) return;

@@ -9,7 +9,7 @@
 #include "Foundation/NSPropertyListError.h"
 #include "Foundation/NSPropertyListSerialization.h"
 #include "PBPostLoader.h"
-#include "Private/ProfileIndex.h"
+#include "Private/ArgumentChecks.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
 
@@ -60,7 +60,7 @@ PELVOR_DEFINE_CLASS(PBRegistry, baseLibrary) {
     methods.instance<"localize:usingProfileNamed:", &PBRegistry::localize_usingProfileNamed>();
 }
 
-// Holds back the notification of changes while it lives.
+// Holds back the notification of changes while it exists.
 class PBRegistry::Suspension {
   public:
     explicit Suspension(PBRegistry* registry) : _registry(registry) {
@@ -71,13 +71,10 @@ class PBRegistry::Suspension {
     Suspension& operator=(const Suspension&) = delete;
 
   private:
-    PBRegistry* _registry;
+    Unretained<PBRegistry> _registry;
 };
 
-PBRegistry::PBRegistry() = default;
-PBRegistry::~PBRegistry() = default;
-
-// Subclasses inherit `initialize`; the shared registry is made once.
+// Subclasses inherit this, but the shared registry is made once.
 void PBRegistry::initialize(Class* cls) {
     if (cls != classObject() || theSharedRegistry) return;
     theSharedRegistry = init().leak();
@@ -97,10 +94,8 @@ void PBRegistry::setSharedRegistry(PBRegistry* registry) {
 
 Retained<PBRegistry> PBRegistry::init(Class* cls) {
     requireSubclass(cls, classObject());
-    auto set = PBProfileSet::init(cls);
-    auto self = Retained<PBRegistry>::adopting(static_cast<PBRegistry*>(set.leak()));
+    auto self = cast<PBRegistry>(PBProfileSet::init(cls));
     self->_profiles = NSMutableDictionary::init();
-    self->_indexes = std::make_unique<ProfileIndexes>(self->_profiles);
     return self;
 }
 
@@ -111,7 +106,8 @@ void PBRegistry::startRegistry() {
     addProfilesFromBundles(NSBundle::allBundles());
 }
 
-// Of one identifier the last profile stays, so going backwards the first bundle wins.
+// Of profiles with one identifier the last stays, so that the first bundle wins when the list is read in
+// reverse.
 void PBRegistry::addProfilesFromBundles(NSArray* bundles) {
     for (NSUInteger i = bundles->count(); i-- > 0;)
         addProfilesFromBundle(static_cast<NSBundle*>(bundles->objectAtIndex(i)));
@@ -150,21 +146,18 @@ void PBRegistry::addDeclarations_bundle(NSDictionary* declarations, NSBundle* bu
     }
 }
 
-// A registry that was made by another initialiser than its own may hold no dictionary or a constant one.
+// A registry that was made by an inherited initialiser may have no dictionary or an immutable one.
 NSMutableDictionary* PBRegistry::mutableProfiles() {
     if (!_profiles) _profiles = NSMutableDictionary::init();
     if (!cast<NSMutableDictionary>(_profiles)) _profiles = _profiles->mutableCopy();
     return static_cast<NSMutableDictionary*>(_profiles.get());
 }
 
-// A profile that goes takes the indexes with it, for they borrow the profiles.
 void PBRegistry::addProfile(PBProfile* profile) {
-    id identifier = profile ? profile->identifier() : nullptr;
-    NSMutableDictionary* profiles = mutableProfiles();
-    NSUInteger count = profiles->count();
-    if (identifier && profiles->objectForKey(identifier)) _indexes.reset();
-    profiles->setObject_forKey(profile, identifier);
-    if (_indexes && profiles->count() > count) _indexes->add(identifier, profile);
+    requireArgument(profile, "addProfile:", "the profile");
+    id identifier = profile->identifier();
+    requireArgument(identifier, "addProfile:", "the identifier of the profile");
+    mutableProfiles()->setObject_forKey(profile, identifier);
     ++_version;
     _awaitsStart = false;
     _postProfilesDidChange();
@@ -177,11 +170,6 @@ void PBRegistry::update() {
             u"The profile registry is asked for profiles, but PBPostLoader::processClasses() was not called: "
             "the declarations of bundles have not been read"_ns);
     PBProfileSet::update();
-}
-
-std::vector<ProfileCandidate> PBRegistry::candidates(const ProfileQuery& query) {
-    if (!_indexes) _indexes = std::make_unique<ProfileIndexes>(_profiles);
-    return _indexes->candidates(query);
 }
 
 void PBRegistry::_postProfilesDidChange() {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// PBRegistry: all profiles of the process.
+// PBRegistry: the set of all profiles of the process.
 #pragma once
-
-#include <memory>
 
 #include "PBProfileSet.h"
 #include "Runtime/Registry.h"
@@ -10,81 +8,87 @@
 namespace pelvor {
 
 class NSMutableDictionary;
-class ProfileIndexes;
 
-/// Posted by a registry after profiles came; the sender is the registry.
+/// Posted after profiles have been added to a registry. The sender is the registry; there is no dictionary.
 extern PELVOR_EXPORT NSString* const PBProfilesDidChangeNotification;
-/// The name of the declaration files, and in them the entry of the declared profiles.
+/// "Profiles": the name of the declaration files, and in them the key of the declared profiles.
 extern PELVOR_EXPORT NSString* const PBProfilesKey;
-/// In a declaration file the entry of identifiers that the file disables.
+/// "DisabledProfiles": in a declaration file the key of the identifiers that the file disables.
 extern PELVOR_EXPORT NSString* const PBDisabledProfilesKey;
 
-/// The set of all profiles that bundles have declared, each under its identifier; the source of all other
-/// profile sets. A bundle declares its profiles in a property list, the resource Profiles.plist:
+/// The set of all profiles that bundles have declared, from which all other profile sets are made:
+///
+///     PBRegistry* registry = PBRegistry::sharedRegistry();
+///     for (id unit : registry->profilesOfType(PBProfileUnitType)->profiles()) …
+///
+/// A bundle declares its profiles in a property list, the resource Profiles.plist:
 ///
 ///     { Profiles = { "rtf reader" = { type = "document reader"; class = PBRTFReader; }; … };
 ///       DisabledProfiles = ( "old reader" ); }
 ///
-/// Of profiles with one identifier the last that came stays. Profiles never go. `setVersion` counts the
-/// profiles that came. A declaration file that cannot be read adds nothing, and one line of the platform's
-/// log names the bundle, the file and the reason, with line and column. Main thread.
+/// PBPostLoader starts the shared registry and adds the profiles of bundles that are loaded later.
+///
+/// Of several profiles with one identifier the last that is added stays. Profiles are never removed.
+/// `setVersion` counts the additions. A declaration file that cannot be read adds nothing, and one line of
+/// the platform's log names the bundle, the file and the reason, with line and column. Main thread.
 class PELVOR_EXPORT PBRegistry : public PBProfileSet {
     PELVOR_CLASS(PBRegistry, PBProfileSet);
 
   public:
-    /// Makes the shared registry.
+    /// Makes the shared registry unless one was set before.
     static void initialize(Class* cls);
 
-    /// An empty one from the beginning; none only if it was taken away.
+    /// The registry of the process. It is empty at first, and null only if null was set.
     static PBRegistry* sharedRegistry();
-    /// Puts another registry in its place, or none. Existing sets keep to the registry that they came from,
-    /// but take the version of this one for the present one.
+    /// Makes this the shared registry; it may be null. Sets that exist stay with the registry that they came
+    /// from, but compare their versions with that of the new one.
     static void setSharedRegistry(PBRegistry* registry);
 
-    /// An empty registry.
+    /// Makes an empty registry.
     static Retained<PBRegistry> init(Class* cls = classObject());
 
-    /// Reads the declarations of all frameworks, then of all other bundles, each list from its end to its
-    /// beginning: a bundle's profile beats a framework's, and the one nearer the front of its list beats the
-    /// others. Called once, when the process starts; a second call reads everything again.
+    /// Reads the declarations of all frameworks and then those of all other bundles, each list from its end
+    /// to its beginning. So of profiles with one identifier a bundle's beats a framework's, and one nearer
+    /// the front of the list beats those behind it. PBPostLoader calls this once; a second call reads
+    /// everything again.
     virtual void startRegistry();
     /// Reads the bundle's declaration file, if it has one, as `addProfilesFromPath_bundle` does.
     virtual void addProfilesFromBundle(NSBundle* bundle);
-    /// Adds the profiles of one declaration file, as those of `bundle`, and then posts that profiles came,
-    /// once for all of them, and also when there was nothing to read.
+    /// Adds the profiles of one declaration file as those of `bundle`, which may be null, and then posts
+    /// PBProfilesDidChangeNotification: once for all of them, and also when there was nothing to read.
     virtual void addProfilesFromPath_bundle(NSString* path, NSBundle* bundle);
-    /// Adds one profile, in the place of another of its identifier, and posts that profiles came. Raises
-    /// NSInvalidArgumentException for no profile and for one without an identifier.
+    /// Adds the profile, or replaces the one with the same identifier, and posts
+    /// PBProfilesDidChangeNotification. Raises NSInvalidArgumentException if the profile or its identifier is
+    /// null.
     virtual void addProfile(PBProfile* profile);
     /// Posts PBProfilesDidChangeNotification, unless a file is being read.
     virtual void _postProfilesDidChange();
-    /// If the shared registry is asked for profiles although no profile came and the load-time sequence never
-    /// ran, one line of the log says so, once.
+    /// If the shared registry is asked for profiles, but none was added and the load-time sequence never ran,
+    /// one line of the log says so, once.
     void update() override;
 
-    /// The string in the language of the user: from the strings table of the profile of that identifier, else
-    /// from the main bundle's default table, else as it is.
+    /// The string in the user's language: what the profile with the identifier returns for `localize`, or if
+    /// the identifier is null or unknown, the string from the default table of the main bundle, else the
+    /// string itself.
     NSString* localize_usingProfileNamed(NSString* string, id identifier);
 
   protected:
-    PBRegistry();
-    ~PBRegistry();
+    PBRegistry() = default;
+    ~PBRegistry() = default;
 
   private:
     class Suspension;
     void addProfilesFromBundles(NSArray* bundles);
     void addDeclarations_bundle(NSDictionary* declarations, NSBundle* bundle);
     NSMutableDictionary* mutableProfiles();
-    std::vector<ProfileCandidate> candidates(const ProfileQuery& query) override;
 
-    std::unique_ptr<ProfileIndexes> _indexes;  // none: to be made from the profiles when needed
     std::int32_t _suspendProfilesDidChange = 0;
     bool _awaitsStart = false;  // the shared registry, as it was made
 };
 
-/// What stands for a profile says which. Classes override the class operation by one of their own.
+/// A class operation of every class. A class that stands for a profile overrides it.
 struct PELVOR_EXPORT NSObject_PBProfileAccess {
-    /// None: a class in general stands for no profile.
+    /// The identifier of the profile that the class stands for; null, since most classes stand for none.
     static id identifier();
 };
 extern const Category NSObject_PBProfileAccess_category;

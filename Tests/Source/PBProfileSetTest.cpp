@@ -101,38 +101,6 @@ TEST_F(PBProfileSetTest, AsksProfilesWhoseEntriesMayChange) {
     EXPECT_EQ(names(registry->profilesOfType(u"coder"_ns)), "changing every list listed text");
 }
 
-// The registry knows without looking who has which text; a plain set looks at everyone.
-TEST_F(PBProfileSetTest, TheRegistryFindsWhatAPlainSetFinds) {
-    auto values =
-        NSMutableArray::initWithArray(cast<NSArray>(parsed("(a, b, '*', (a, b, a), ('*'), (), {a = b;})")));
-    values->addObject(NSNumber::numberWithInt(1));
-    values->addObject(NSArray::of({u"b"_ns, NSNumber::numberWithInt(1)}));
-    auto allFound = [&](PBProfileSet* set, id key) {
-        std::vector<std::string> found{names(set), names(set->profilesWithKey(key))};
-        for (id value : values) {
-            found.push_back(names(set->profilesWithValue_forKey(value, key)));
-            found.push_back(names(set->profilesWithAnyValue_forKey(NSArray::of({value, u"b"_ns}), key)));
-        }
-        return found;
-    };
-    auto keyOf = [](unsigned number) { return NSString::stringWithFormat(u"key %u"_ns, number); };
-    for (unsigned i = 0; i < 200; ++i) {
-        auto entries = NSMutableDictionary::dictionary();
-        for (unsigned key = 0; key < 12; ++key)
-            if (unsigned choice = (i * 31 + key * 17) % 13; choice < values->count())
-                entries->setObject_forKey(values->objectAtIndex(choice), keyOf(key));
-        registry->addProfile(PBProfile::profileWithIdentifier_dictionary_bundle(
-            NSString::stringWithFormat(u"profile%d"_ns, i % 150), entries, nullptr));
-        if (i % 20) continue;
-        auto plain = PBProfileSet::initWithParent_value_key_any_version_profiles(
-            nullptr, nullptr, nullptr, false, registry->setVersion(),
-            registry->profileDictionaryWithValue_forKey(u"*"_ns, u"none"_ns));
-        for (unsigned number = 0; number < 11; ++number)
-            EXPECT_EQ(allFound(registry, keyOf(number)), allFound(plain, keyOf(number))) << number;
-        EXPECT_EQ(allFound(registry, parsed("('key 3', a)")), allFound(plain, parsed("('key 3', a)")));
-    }
-}
-
 TEST_F(PBProfileSetTest, ADerivedSetKnowsWhatItCameFrom) {
     auto* values = NSArray::of({u"reader"_ns});
     PBProfileSet* byKey = registry->profilesWithKey(PBProfileTypeKey);
