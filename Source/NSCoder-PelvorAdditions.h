@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Bytes from a keyed decoder into a buffer.
+// An addition to keyed decoders: bytes that go into a buffer.
 #pragma once
 
 #include "Foundation/NSCoder.h"
@@ -8,8 +8,8 @@ namespace pelvor {
 
 struct Category;
 
-/// Copies the block of bytes under the key to the buffer and answers its length; 0, and copies nothing, if
-/// it is longer than the buffer or not there.
+/// Copies the bytes that are stored under the key to the buffer and returns how many there are. Returns 0 and
+/// copies nothing if there are none, or more than `bufferLength`.
 PELVOR_EXPORT unsigned decodeBytesIntoBuffer_bufferLength_forKey(NSCoder* coder, void* buffer,
                                                                  unsigned bufferLength, NSString* key);
 

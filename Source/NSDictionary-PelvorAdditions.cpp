@@ -5,6 +5,7 @@
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSSet.h"
 #include "Foundation/NSString.h"
+#include "Private/ArgumentChecks.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
@@ -28,7 +29,7 @@ void defineAdditions(MethodTable<NSDictionary>& methods) {
     methods.instance<"createSubdictionaryWithKeys:", &createSubdictionaryWithKeys>();
 }
 
-// A key may be missing from both.
+// A key that both lack counts as equal.
 bool areValuesEqual(NSDictionary* dictionary, NSDictionary* other, id key) {
     id value = dictionary->objectForKey(key), otherValue = other->objectForKey(key);
     return value == otherValue || (value && otherValue && value->isEqual(otherValue));
@@ -104,6 +105,8 @@ bool isEqualToDictionary_forKeys(NSDictionary* dictionary, NSDictionary* other, 
 // MARK: Changed copies
 
 NSDictionary* dictionarySettingObject_forKey(NSDictionary* dictionary, id object, id key) {
+    requireArgument(object, "dictionarySettingObject:forKey:", "the object");
+    requireArgument(key, "dictionarySettingObject:forKey:", "the key");
     Retained<NSMutableDictionary> changed = dictionary->mutableCopy();
     changed->setObject_forKey(object, key);
     return changed->copy().autorelease();

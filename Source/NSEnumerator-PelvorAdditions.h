@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Enumerators of one object or none.
+// Additions to enumerators: an enumerator of one object.
 #pragma once
 
 #include "Foundation/NSEnumerator.h"
@@ -8,16 +8,17 @@ namespace pelvor {
 
 struct Category;
 
+/// Class operations of enumerators. Results are borrowed.
 struct PELVOR_EXPORT NSEnumerator_PelvorAdditions {
-    /// A borrowed enumerator without objects.
+    /// An enumerator that returns no objects.
     static NSEnumerator* enumerator();
-    /// A borrowed enumerator of the object; of nothing for none.
+    /// An enumerator that returns the object, or nothing if that is null.
     static NSEnumerator* enumeratorWithObject(id object);
 };
 
 extern const Category NSEnumerator_PelvorAdditions_category;
 
-/// Hands out one object, which it retains until then. One thread.
+/// An enumerator that returns one object, which it retains until then. For one thread at a time.
 class PELVOR_EXPORT PBSingleObjectEnumerator : public NSEnumerator {
     PELVOR_CLASS(PBSingleObjectEnumerator, NSEnumerator);
 

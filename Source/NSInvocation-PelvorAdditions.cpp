@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "Private/ArgumentChecks.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
 
@@ -30,12 +31,23 @@ constinit const Category NSInvocation_PelvorAdditions_category =
 
 NSInvocation* NSInvocation_PelvorAdditions::invocationWithTargetClass_selector(Class* targetClass,
                                                                                SEL selector) {
-    return invocationOf(targetClass ? targetClass->signatureOfInstanceMethod(selector) : nullptr, selector);
+    requireArgument(targetClass, "invocationWithTargetClass:selector:", "the class");
+    NSMethodSignature* signature = targetClass->signatureOfInstanceMethod(selector);
+    if (!signature)
+        raiseException(NSInvalidArgumentException,
+                       u"invocationWithTargetClass:selector: instances of %s have no method %s"_ns,
+                       targetClass->name(), selector.name());
+    return invocationOf(signature, selector);
 }
 
 NSInvocation* NSInvocation_PelvorAdditions::invocationWithTarget_selector(id target, SEL selector) {
-    NSInvocation* invocation =
-        invocationOf(target ? target->methodSignatureForSelector(selector) : nullptr, selector);
+    requireArgument(target, "invocationWithTarget:selector:", "the target");
+    NSMethodSignature* signature = target->methodSignatureForSelector(selector);
+    if (!signature)
+        raiseException(NSInvalidArgumentException,
+                       u"invocationWithTarget:selector: the target, of class %s, has no method %s"_ns,
+                       target->isa()->name(), selector.name());
+    NSInvocation* invocation = invocationOf(signature, selector);
     invocation->setTarget(target);
     return invocation;
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Invocations made from a class or a target, and their result as an object.
+// Additions to invocations: creators from a class or a target, and the result as an object.
 #pragma once
 
 #include "Runtime/NSInvocation.h"
@@ -9,16 +9,17 @@ namespace pelvor {
 struct Category;
 
 struct PELVOR_EXPORT NSInvocation_PelvorAdditions {
-    /// An invocation, without target, of the message as instances of the class answer it. Raises
-    /// NSInvalidArgumentException if they do not.
+    /// An invocation of the message without a target, borrowed. The types are those of the method that
+    /// instances of the class have. Raises NSInvalidArgumentException if the class is null or its instances
+    /// have no such method.
     static NSInvocation* invocationWithTargetClass_selector(Class* targetClass, SEL selector);
-    /// An invocation of the message with its target, which is asked for the message's types. Raises
-    /// NSInvalidArgumentException if it knows none.
+    /// An invocation of the message for the target, borrowed. The target is asked for the types. Raises
+    /// NSInvalidArgumentException if the target is null or has no signature for the message.
     static NSInvocation* invocationWithTarget_selector(id target, SEL selector);
 };
 
-/// The result of an invoked message that answers an object; none for results of every other type, class
-/// records among them.
+/// The result of an invocation that was invoked, if the method returns an object; null if it returns anything
+/// else, a class among it.
 PELVOR_EXPORT id returnObject(NSInvocation* invocation);
 
 extern const Category NSInvocation_PelvorAdditions_category;

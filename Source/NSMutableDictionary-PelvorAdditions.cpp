@@ -3,6 +3,7 @@
 
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSSet.h"
+#include "Private/ArgumentChecks.h"
 #include "Runtime/Registry.h"
 
 namespace pelvor {
@@ -22,23 +23,28 @@ constinit const Category NSMutableDictionary_PelvorAdditions_category =
     Category::of<NSMutableDictionary, defineAdditions>("PelvorAdditions");
 
 void setBool_forKey(NSMutableDictionary* dictionary, bool value, id key) {
+    requireArgument(key, "setBool:forKey:", "the key");
     dictionary->setObject_forKey(NSNumber::numberWithBool(value), key);
 }
 
 void setInt_forKey(NSMutableDictionary* dictionary, int value, id key) {
+    requireArgument(key, "setInt:forKey:", "the key");
     dictionary->setObject_forKey(NSNumber::numberWithInt(value), key);
 }
 
 void setFloat_forKey(NSMutableDictionary* dictionary, float value, id key) {
+    requireArgument(key, "setFloat:forKey:", "the key");
     dictionary->setObject_forKey(NSNumber::numberWithFloat(value), key);
 }
 
 void setDouble_forKey(NSMutableDictionary* dictionary, double value, id key) {
+    requireArgument(key, "setDouble:forKey:", "the key");
     dictionary->setObject_forKey(NSNumber::numberWithDouble(value), key);
 }
 
 void addObjectsFromDictionary_forKeys(NSMutableDictionary* dictionary, NSDictionary* other, NSSet* keys) {
     if (!other || !keys || other == dictionary) return;
+    // The smaller of the two is walked.
     if (other->count() >= keys->count()) {
         for (id key : keys)
             if (id value = other->objectForKey(key)) dictionary->setObject_forKey(value, key);

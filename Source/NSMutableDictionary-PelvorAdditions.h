@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Plain numbers into dictionaries, and some entries of another.
+// Additions to mutable dictionaries: plain numbers as values, and some of the entries of another dictionary.
 #pragma once
 
 #include "Foundation/NSMutableDictionary.h"
@@ -9,14 +9,15 @@ namespace pelvor {
 struct Category;
 class NSSet;
 
-// Store the value as a number object of that kind.
+// These store the value as a number object of its kind. They raise NSInvalidArgumentException if the key is
+// null.
 
 PELVOR_EXPORT void setBool_forKey(NSMutableDictionary* dictionary, bool value, id key);
 PELVOR_EXPORT void setInt_forKey(NSMutableDictionary* dictionary, int value, id key);
 PELVOR_EXPORT void setFloat_forKey(NSMutableDictionary* dictionary, float value, id key);
 PELVOR_EXPORT void setDouble_forKey(NSMutableDictionary* dictionary, double value, id key);
 
-/// Copies the other's entries whose keys are in the set; its walk is over the smaller of the two.
+/// Copies those entries of the other dictionary whose keys are in the set.
 PELVOR_EXPORT void addObjectsFromDictionary_forKeys(NSMutableDictionary* dictionary, NSDictionary* other,
                                                     NSSet* keys);
 

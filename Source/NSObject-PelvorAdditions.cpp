@@ -18,7 +18,7 @@
 namespace pelvor {
 namespace {
 
-// What the messages of these names do unless a class overrides them.
+// The methods `deepCopy` and `mutableDeepCopy`, unless a class overrides them.
 Retained<Object> copyShallowly(NSObject* object) { return object->copy(); }
 Retained<Object> mutableCopyShallowly(NSObject* object) { return object->mutableCopy(); }
 
@@ -43,7 +43,7 @@ void defineAdditions(MethodTable<NSObject>& methods) {
     methods.instance<"performSelector:withBool:", &performSelector_withBool>();
 }
 
-// The names of the methods of the class record and of all above it.
+// The names of the methods of a class record and of all superclasses.
 NSSet* selectorNames(Class* cls) {
     NSMutableSet* names = NSMutableSet::set();
     for (; cls; cls = cls->superclass()) {
@@ -57,7 +57,7 @@ NSSet* selectorNames(Class* cls) {
 
 // MARK: Messages with plain numbers
 
-// A message to be sent to one object, and its result in bytes.
+// A message that is sent to one object, and its result as bytes.
 class PlainMessage {
   public:
     PlainMessage(id object, SEL selector) : _object(object) {
@@ -90,7 +90,7 @@ class PlainMessage {
     std::uint32_t resultLength() { return _invocation->methodSignature()->methodReturnLength(); }
 
   private:
-    // 'v' for a message without an argument.
+    // The kind of the first argument, 'v' for a message without one.
     char argumentKind() {
         NSMethodSignature* signature = _invocation->methodSignature();
         return signature->argumentCount() == 0 ? 'v' : signature->argument(0).encoding[0];
@@ -104,11 +104,13 @@ class PlainMessage {
         _invocation->setArgument_atIndex(&bits, 2);
     }
     [[noreturn]] void raiseArgument(const char* given) {
-        raiseException(NSInvalidArgumentException, u"-[%s %s]: %s cannot be its first argument"_ns,
-                       _object->isa()->name(), _invocation->selector().name(), given);
+        Class* cls = _object->isa();
+        raiseException(NSInvalidArgumentException, u"the first argument of %c[%s %s] cannot be %s: %s"_ns,
+                       cls->isMetaclass() ? '+' : '-', cls->name(), _invocation->selector().name(), given,
+                       argumentKind() == 'v' ? "it takes none" : "it is of another type");
     }
 
-    id _object;
+    Unretained<Object> _object;
     Retained<NSInvocation> _invocation;
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Small operations that every object has, and an object that equals nothing but itself.
+// Additions to all objects, and PBUniqueObject, an object that equals nothing but itself.
 #pragma once
 
 #include "Runtime/Class.h"
@@ -13,12 +13,12 @@ class NSSet;
 
 /// Class operations of every class.
 struct PELVOR_EXPORT NSObject_PelvorAdditions {
-    /// The bundle that holds the class; none for a class of none.
+    /// The bundle that holds the class, null if none does.
     static NSBundle* bundle(Class* cls);
-    /// The names, once each, of all selectors that the class itself answers: its class operations and its
-    /// superclasses', and, as every class is an object, the instance operations of the root class.
+    /// The names of all messages that the class itself responds to: the class operations of the class and its
+    /// superclasses and, since a class is an object, the instance operations of the root class.
     static NSSet* classSelectorNames(Class* cls);
-    /// The names of all selectors that instances of the class answer.
+    /// The names of all messages that instances of the class respond to.
     static NSSet* instanceSelectorNames(Class* cls);
 };
 
@@ -27,17 +27,23 @@ PELVOR_EXPORT NSNotificationCenter* notificationCenter(id object);
 /// The bundle that holds the object's class.
 PELVOR_EXPORT NSBundle* bundle(id object);
 
-/// Copies of the object together with what it holds. They send `deepCopy` and `mutableDeepCopy`, which a
-/// class overrides that has something to copy deeply; of other objects they are `copy` and `mutableCopy`.
+// Copies of the object together with the objects that it holds. These functions send `deepCopy` and
+// `mutableDeepCopy`. A class that has something to copy deeply overrides these methods; for other objects
+// they do what `copy` and `mutableCopy` do.
+
 PELVOR_EXPORT Retained<Object> deepCopy(NSObject* object);
 PELVOR_EXPORT Retained<Object> mutableDeepCopy(NSObject* object);
 
-// Messages whose result or argument is a plain number, by selector. A result is read as the type asked for
-// without being converted: its first bytes as they lie in memory, with zeros where it is shorter; a method
-// without a result answers zero. A number travels the same way to an argument of any number type, and an
-// object to an argument that is an object, or, as its address, to a number. All raise
-// NSInvalidArgumentException for a message that the object does not answer, that takes no argument where
-// one is given, or whose argument is of another kind.
+// Messages, given by selector, whose result or argument is a plain number:
+//
+//     int pages = intForPerformSelector(document, "pageCount"_sel);
+//     performSelector_withBool(ruler, "setVisible:"_sel, true);
+//
+// A result is not converted: the first bytes of the result, followed by zeros if it is shorter, are read as
+// the type of the function. The result of a method that returns nothing is 0. An argument is not converted
+// either: the bytes of a number go to an argument of any number type, and the address of an object goes to an
+// argument that is an object or a number. All functions raise NSInvalidArgumentException if the object does
+// not respond to the message, or if an argument is given and the message takes none, or one of another kind.
 
 PELVOR_EXPORT int intForPerformSelector(id object, SEL selector);
 PELVOR_EXPORT int intForPerformSelector_withObject(id object, SEL selector, id argument);
@@ -46,19 +52,24 @@ PELVOR_EXPORT float floatForPerformSelector_withObject(id object, SEL selector, 
 PELVOR_EXPORT bool boolForPerformSelector(id object, SEL selector);
 PELVOR_EXPORT bool boolForPerformSelector_withObject(id object, SEL selector, id argument);
 
-/// Answer the result if it has exactly four bytes, else 0.
+// These return the result if it has exactly four bytes, else 0.
+
 PELVOR_EXPORT int performSelector_withInt(id object, SEL selector, int argument);
 PELVOR_EXPORT int performSelector_withFloat(id object, SEL selector, float argument);
 PELVOR_EXPORT int performSelector_withBool(id object, SEL selector, bool argument);
 
-/// Stands for one release: at the next idle moment of the main loop, or at once for an object that waits
-/// for one already. Main thread.
+/// Releases the object once: at the next idle moment of the main loop, or at once if the object already waits
+/// for that moment. Main thread.
 PELVOR_EXPORT void releaseWhenIdle(id object);
 
 extern const Category NSObject_PelvorAdditions_category;
 
-/// A dictionary key that no other object equals. Made with `new` or `init`. A copy of one is the same
-/// instance, so a dictionary that copies its keys keeps it findable. Any thread.
+/// A dictionary key that equals no other object:
+///
+///     static PBUniqueObject* const kLayoutKey = make<PBUniqueObject>().leak();
+///     info->setObject_forKey(layout, kLayoutKey);
+///
+/// A copy is the same instance, so that a dictionary that copies its keys finds it again. Any thread.
 class PELVOR_EXPORT PBUniqueObject : public NSObject {
     PELVOR_CLASS(PBUniqueObject, NSObject);
 
@@ -69,6 +80,8 @@ class PELVOR_EXPORT PBUniqueObject : public NSObject {
     /// The same instance, retained.
     Retained<Object> copyWithZone(void* zone) override { return Retained<Object>::retaining(this); }
     Retained<Object> mutableCopyWithZone(void* zone) override { return Retained<Object>::retaining(this); }
+    Retained<PBUniqueObject> copy() { return Retained<PBUniqueObject>::retaining(this); }
+    Retained<PBUniqueObject> mutableCopy() { return copy(); }
 
   protected:
     PBUniqueObject() = default;

@@ -2,6 +2,7 @@
 #include "NSRunLoop-PelvorAdditions.h"
 
 #include "Foundation/NSArray.h"
+#include "Private/ArgumentChecks.h"
 #include "Runtime/Registry.h"
 
 namespace pelvor {
@@ -19,6 +20,7 @@ constinit const Category NSRunLoop_PelvorAdditions_category =
 
 void NSRunLoop_PelvorAdditions::performSelector_target_argument_order(SEL selector, id target, id argument,
                                                                       std::uint32_t order) {
+    requireArgument(target, "performSelector:target:argument:order:", "the target");
     static NSArray* const modes = NSArray::initWithObjects({NSDefaultRunLoopMode}).leak();
     NSRunLoop::currentRunLoop()->performSelector_target_argument_order_modes(selector, target, argument,
                                                                              order, modes);

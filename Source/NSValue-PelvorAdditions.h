@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The order of boxed ranges.
+// An addition to values: the order of boxed ranges.
 #pragma once
 
 #include "Foundation/NSValue.h"
@@ -8,8 +8,8 @@ namespace pelvor {
 
 struct Category;
 
-/// Orders two boxed ranges by their locations; lengths do not count. Raises NSInvalidArgumentException
-/// for values of other types and for none.
+/// Compares two boxed ranges by their locations; the lengths do not matter. Raises NSInvalidArgumentException
+/// for a value of another type and for null.
 PELVOR_EXPORT NSComparisonResult compareRange(NSValue* value, NSValue* other);
 
 extern const Category NSValue_PelvorAdditions_category;

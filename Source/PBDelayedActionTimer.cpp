@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "BaseLibrary.h"
+#include "Foundation/NSString.h"
 
 namespace pelvor {
 
@@ -36,7 +37,7 @@ void PBDelayedActionTimer::schedule() {
         _timer->setFireDate(NSDate::initWithTimeIntervalSinceNow(_delay).get());
 }
 
-// The timer may hold the last reference to this object, which goes with it.
+// The platform's timer may have the last reference to this object, which ends with it then.
 void PBDelayedActionTimer::unschedule() {
     if (auto timer = std::move(_timer)) timer->invalidate();
 }
@@ -51,6 +52,16 @@ void PBDelayedActionTimer::_timerDidFire(NSTimer*) {
     _timer = nullptr;
     auto target = _target;
     if (target) target->performSelector_withObject(_action, this);
+}
+
+NSString* PBDelayedActionTimer::description() {
+    NSString* target =
+        _target ? NSString::stringWithFormat(u"<%@ %p>"_ns, _target->class_(), static_cast<void*>(_target))
+                : u"nobody"_ns;
+    return NSString::stringWithFormat(u"PBDelayedActionTimer<%p> {%s to %@, %g s from the %s request, %s}"_ns,
+                                      static_cast<void*>(this), _action.name(), target, _delay,
+                                      _isFromFirst ? "first" : "last",
+                                      _timer ? "scheduled" : "not scheduled");
 }
 
 }  // namespace pelvor

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// PBDelayedActionTimer: an action a moment after a burst of requests.
+// PBDelayedActionTimer: sends an action a moment after a burst of requests.
 #pragma once
 
 #include "Foundation/NSTimer.h"
@@ -10,29 +10,32 @@ namespace pelvor {
 ///
 ///     auto saver = PBDelayedActionTimer::initWithTimeInterval_fromFirst_target_selector(
 ///         2.0, false, document, "saveSoon:"_sel);
-///     saver->schedule();  // at every edit
+///     saver->schedule();    // at every edit; two seconds after the last one: [document saveSoon: saver]
+///     saver->invalidate();  // when the document closes
 ///
-/// The action comes in the default mode of the run loop that `schedule` was called on, with the timer as its
-/// argument. The target is retained until `invalidate`; a pending timer stays alive by itself. For one
-/// thread.
+/// The action is sent in the default mode of the run loop of the thread that called `schedule`, with this
+/// object as its argument. The target is retained until `invalidate`. An object whose action is pending is
+/// retained by the run loop. For one thread.
 class PELVOR_EXPORT PBDelayedActionTimer : public NSObject {
     PELVOR_CLASS(PBDelayedActionTimer, NSObject);
 
   public:
-    /// `delay` is in seconds. With `fromFirst` the delay counts from the first request, else every request
-    /// starts it anew. Not scheduled.
+    /// Makes a timer that is not scheduled. `delay` is in seconds. With `fromFirst` it counts from the first
+    /// request of a burst, else from the last.
     static Retained<PBDelayedActionTimer> initWithTimeInterval_fromFirst_target_selector(
         double delay, bool fromFirst, id target, SEL action, Class* cls = classObject());
 
-    /// Does nothing after `invalidate`.
+    /// Requests the action. Does nothing after `invalidate`.
     void schedule();
-    /// The pending action is not sent.
+    /// Takes all requests back: a pending action is not sent.
     void unschedule();
-    /// Whether an action is pending; not any more while it is sent.
+    /// Whether an action is pending. It no longer is while it is sent, so that the action may schedule again.
     bool isScheduled() { return static_cast<bool>(_timer); }
-    /// Ends it for good: unscheduled, and the target let go.
+    /// Takes all requests back and releases the target, for good.
     void invalidate();
-    /// The platform timer's message.
+    /// "PBDelayedActionTimer<0x…> {saveSoon: to <Document 0x…>, 2 s from the last request, scheduled}".
+    NSString* description() override;
+    /// Called by the platform's timer.
     void _timerDidFire(NSTimer* timer);
 
   protected:

@@ -8,6 +8,7 @@
 #include "BaseLibrary.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSString.h"
+#include "Private/ArgumentChecks.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
 
@@ -62,7 +63,7 @@ void PBFloatArray::replaceObjectAtIndex_withObject(unsigned index, id object) {
 void PBFloatArray::replaceFloatsInRange_withFloatsFrom(NSRange range, const float* floats) {
     if (range.length == 0) return;
     requireRange(range);
-    if (!floats) raiseException(NSInvalidArgumentException, u"no floats to copy from"_ns);
+    requireArgument(floats, "replaceFloatsInRange:withFloatsFrom:", "the pointer to the floats");
     std::memmove(_floats.get() + range.location, floats, range.length * sizeof(float));
 }
 
@@ -92,8 +93,7 @@ PELVOR_DEFINE_CLASS(PBFloatVector, baseLibrary) {
 }
 
 Retained<PBFloatVector> PBFloatVector::initWithFloats_count(const float* floats, unsigned count, Class* cls) {
-    auto array = PBFloatArray::initWithFloats_count(floats, count, cls);
-    auto vector = Retained<PBFloatVector>::retaining(cast<PBFloatVector>(array.get()));
+    auto vector = cast<PBFloatVector>(PBFloatArray::initWithFloats_count(floats, count, cls));
     if (vector && !floats) vector->_count = 0;
     return vector;
 }
@@ -105,7 +105,8 @@ Retained<PBFloatVector> PBFloatVector::initWithCapacity(unsigned capacity, Class
 void PBFloatVector::grow() {
     if (_capacity == 0 || _capacity > UINT32_MAX / 2) raiseOutOfBounds(_count);
     void* grown = std::realloc(_floats.get(), std::size_t{_capacity} * 2 * sizeof(float));
-    if (!grown) throw NSException(NSMallocException, "no memory for a longer float vector");
+    if (!grown)
+        throw NSException(NSMallocException, "insertFloat:atIndex: there is no memory for a longer vector");
     (void)_floats.release();
     _floats.reset(static_cast<float*>(grown));
     _capacity *= 2;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// PBFloatArray and PBFloatVector: arrays of single-precision numbers, of fixed and of growing length.
+// PBFloatArray and PBFloatVector: arrays of floats, of fixed and of changing length.
 #pragma once
 
 #include <cstdlib>
@@ -13,16 +13,23 @@ namespace pelvor {
 class NSNumber;
 class NSString;
 
-/// A fixed number of floats, which can also be read and written as number objects. A bad index raises
-/// NSRangeException, "float array index out of bounds (idx=5 length=5)", and changes nothing.
+/// An array of a fixed number of floats, which can also be read and written as number objects:
+///
+///     auto widths = PBFloatArray::initWithCapacity(3);         // 0, 0, 0
+///     widths->replaceFloatAtIndex_withFloat(1, 72);
+///     float left = widths->sumFloatsInRange({2, 1});           // everything before index 3: 72
+///
+/// An index that is not below the count raises NSRangeException, "float array index out of bounds (idx=5
+/// length=5)", and changes nothing. For one thread at a time.
 class PELVOR_EXPORT PBFloatArray : public NSObject {
     PELVOR_CLASS(PBFloatArray, NSObject);
 
   public:
-    /// `count` floats copied from `floats`, zeros where that is none. None if there is no memory.
+    /// Makes an array of `count` floats: copies of those at `floats`, or zeros if `floats` is null. The
+    /// result is null if there is no memory.
     static Retained<PBFloatArray> initWithFloats_count(const float* floats, unsigned count,
                                                        Class* cls = classObject());
-    /// The same without floats. Of an array, whose length is fixed, all are in use; a vector is empty.
+    /// Makes an array of as many zeros.
     static Retained<PBFloatArray> initWithCapacity(unsigned capacity, Class* cls = classObject());
 
     unsigned count() { return _count; }
@@ -35,14 +42,16 @@ class PELVOR_EXPORT PBFloatArray : public NSObject {
         _floats[index] = value;
     }
     NSNumber* objectAtIndex(unsigned index);
-    /// Stores the object's float value.
+    /// Stores what the object returns for `floatValue`.
     void replaceObjectAtIndex_withObject(unsigned index, id object);
-    /// Copies as many floats as the range is long; raises with the range's last index.
+    /// Copies the floats at `floats` to the range. A range past the end raises with its last index; null
+    /// `floats` raise NSInvalidArgumentException unless the range is empty.
     void replaceFloatsInRange_withFloatsFrom(NSRange range, const float* floats);
-    /// The sum of everything before the end of the range, from index 0 on: the range's location counts
-    /// only through its end. Added in order, in single precision; 0 for an empty range.
+    /// The sum of all floats from index 0 up to the end of the range: the location matters only in that the
+    /// end depends on it. Floats are added in their order, in single precision. The sum is 0 for an empty
+    /// range.
     float sumFloatsInRange(NSRange range);
-    /// "PBFloatArray <0x…> ", a line end, and one line a value.
+    /// A line "PBFloatArray <0x…> ", and a line "   72.000000, " for each float.
     NSString* description() override;
 
   protected:
@@ -64,27 +73,35 @@ class PELVOR_EXPORT PBFloatArray : public NSObject {
     std::uint32_t _count = 0;
 };
 
-/// Floats that come and go. The storage doubles when it is full, so it needs a capacity of 1 at least.
+/// An array of floats that come and go:
+///
+///     auto tabs = PBFloatVector::initWithCapacity(8);  // empty, with room for 8
+///     tabs->addFloat(36);
+///
+/// The storage doubles when it is full, so the capacity must be 1 at least.
 class PELVOR_EXPORT PBFloatVector : public PBFloatArray {
     PELVOR_CLASS(PBFloatVector, PBFloatArray);
 
   public:
-    /// As for the array; without floats the vector is empty and `count` is its capacity.
+    /// Makes a vector of `count` floats, copies of those at `floats`. If `floats` is null, the vector is
+    /// empty and has room for `count`. The result is null if there is no memory.
     static Retained<PBFloatVector> initWithFloats_count(const float* floats, unsigned count,
                                                         Class* cls = classObject());
+    /// Makes an empty vector with room for `capacity` floats.
     static Retained<PBFloatVector> initWithCapacity(unsigned capacity, Class* cls = classObject());
 
+    /// Adds the float at the end.
     void addFloat(float value) {
         if (_count < _capacity)
             _floats[_count++] = value;
         else
             insertFloat_atIndex(value, _count);
     }
-    /// The index may be the count. Raises NSRangeException for one above it and for a full vector that
-    /// cannot grow: of capacity 0, or of 2^31 floats and more.
+    /// Inserts the float. The index may be the count. Raises NSRangeException for an index above the count,
+    /// and for a full vector that cannot grow: one of capacity 0, or of 2^31 floats and more.
     void insertFloat_atIndex(float value, unsigned index);
     void removeFloatAtIndex(unsigned index);
-    /// Keeps the storage.
+    /// Empties the vector, which keeps its storage.
     void removeAllFloats() { _count = 0; }
 
   protected:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// PBMutableNumber and PBMutableIntNumber: numbers that change.
+// PBMutableNumber and PBMutableIntNumber: number objects that change.
 #pragma once
 
 #include "Foundation/NSNumber.h"
@@ -8,18 +8,26 @@ namespace pelvor {
 
 class PBMutableIntNumber;
 
-/// A number that changes; abstract. What it is made from decides which of its subclasses is made. It must
-/// not change while it is a key of a dictionary or a member of a set.
+/// A number object that changes:
+///
+///     PBMutableIntNumber* pages = PBMutableNumber::numberWithInt(0);
+///     pages->increment();  // 1
+///
+/// It must not change while it is a key of a dictionary or a member of a set. The class is abstract; its
+/// creators make objects of a subclass.
 class PELVOR_EXPORT PBMutableNumber : public NSNumber {
     PELVOR_CLASS(PBMutableNumber, NSNumber);
 
   public:
-    /// Borrowed numbers; a boolean is 1 or 0, an unsigned number the signed one of the same bits.
+    // Creators of borrowed numbers. A boolean becomes 1 or 0, an unsigned number the signed one of the same
+    // bits.
+
     static PBMutableIntNumber* numberWithBool(bool value);
     static PBMutableIntNumber* numberWithInt(int value);
     static PBMutableIntNumber* numberWithUnsignedInt(unsigned value);
 
-    /// None: subclasses say what their copies are.
+    // Null: subclasses define what their copies are.
+
     Retained<Object> copyWithZone(void* zone) override;
     Retained<Object> mutableCopyWithZone(void* zone) override;
 
@@ -28,7 +36,7 @@ class PELVOR_EXPORT PBMutableNumber : public NSNumber {
     ~PBMutableNumber() = default;
 };
 
-/// A 32-bit integer that changes. One thread at a time.
+/// A 32-bit integer that changes. For one thread at a time.
 class PELVOR_EXPORT PBMutableIntNumber : public PBMutableNumber {
     PELVOR_CLASS(PBMutableIntNumber, PBMutableNumber);
 
@@ -37,7 +45,8 @@ class PELVOR_EXPORT PBMutableIntNumber : public PBMutableNumber {
 
     int intValue() override { return _value; }
     void setIntValue(int value) { _value = value; }
-    /// Answer the new value, which wraps around at both ends.
+    // These return the new value, which wraps around at both ends.
+
     int increment();
     int decrement();
 
@@ -45,10 +54,14 @@ class PELVOR_EXPORT PBMutableIntNumber : public PBMutableNumber {
     const char* objCType() override;
     void getValue(void* buffer) override;
 
-    /// An NSNumber of the present value, which does not follow later changes.
+    /// An immutable number of the present value.
     Retained<Object> copyWithZone(void* zone) override;
-    /// A number of the same class and value that changes by itself.
+    /// Another mutable number of the same class and value.
     Retained<Object> mutableCopyWithZone(void* zone) override;
+    Retained<NSNumber> copy() { return cast<NSNumber>(copyWithZone(nullptr)); }
+    Retained<PBMutableIntNumber> mutableCopy() {
+        return cast<PBMutableIntNumber>(mutableCopyWithZone(nullptr));
+    }
 
   protected:
     PBMutableIntNumber() = default;

@@ -11,6 +11,7 @@
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSString.h"
 #include "PBIdleQueue.h"
+#include "Private/ArgumentChecks.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
 
@@ -21,11 +22,11 @@ bool hasPosed = false;
 NSCountedSet* disabledNames = nullptr;
 bool hasDisabledNames = false;
 NSSet* delayedCoalescedNames = nullptr;
-std::uint64_t delayedLengths = 0;  // of the delayed names, a bit each
+std::uint64_t delayedLengths = 0;  // one bit for the length of each delayed name
 NSMutableSet* queuedDelayedNames = nullptr;
 PBIdleQueue* delayedNotifications = nullptr;
 
-// Asked with every post: most names are seen by their length not to be among them.
+// Asked with every post. The length of most names tells that they are not among the delayed ones.
 bool isDelayedCoalesced(NSString* name) {
     return (delayedLengths >> std::min(name->length(), 63u) & 1) &&
            delayedCoalescedNames->containsObject(name);
@@ -41,7 +42,7 @@ bool isHeldBack(NSNotificationCenter* center, NSString* name) {
     return true;
 }
 
-// The default centre was made as its superclass, so these are no members.
+// The default centre was made as an object of the superclass, so these are no members.
 
 void postName(NSNotificationCenter* center, NSString* name, id object, NSDictionary* userInfo) {
     if (!isHeldBack(center, name))
@@ -58,7 +59,7 @@ void post(NSNotificationCenter* center, NSNotification* notification) {
         sendSuper(PBNotificationCenter::classObject(), center, "postNotification:"_sel, notification);
 }
 
-// A name that was disabled since it was queued is posted all the same.
+// A name that was disabled after it was queued is posted all the same.
 void postDelayedNotifications(NSNotificationCenter* center) {
     if (!queuedDelayedNames) return;
     Retained<NSSet> names = NSSet::initWithSet(queuedDelayedNames);
@@ -96,17 +97,18 @@ PELVOR_DEFINE_CLASS(PBNotificationWatcher, baseLibrary) {
 }
 
 void NSNotificationCenter_PelvorAdditions::disableNotificationName(NSString* name) {
+    requireArgument(name, "disableNotificationName:", "the name");
     if (!disabledNames) {
         disabledNames = NSCountedSet::init().leak();
         PBNotificationCenter::doPosing();
     }
-    Retained<NSString> copy = name ? name->copy() : nullptr;
+    auto copy = name->copy();
     disabledNames->addObject(copy);
     hasDisabledNames = true;
 }
 
 void NSNotificationCenter_PelvorAdditions::enableNotificationName(NSString* name) {
-    if (!disabledNames) return;
+    if (!disabledNames || !name) return;
     disabledNames->removeObject(name);
     hasDisabledNames = disabledNames->count() > 0;
 }

@@ -61,7 +61,8 @@ NSString* PBObserverSet::description() {
 
 namespace {
 
-// Objects more than the method takes are dropped. A proxy has no method of its own and is asked itself.
+// Objects beyond those that the method takes are dropped. The class of a proxy has no such method, so the
+// proxy itself is asked for the signature.
 void performOn(id observer, SEL selector, const id (&objects)[3]) {
     auto kept = Retained<Object>::retaining(observer);
     NSMethodSignature* signature = observer->class_()->signatureOfInstanceMethod(selector);
@@ -94,7 +95,7 @@ void PBObserverSet::makeObserversPerformSelector_withObject_withObject_withObjec
     auto self = Retained<PBObserverSet>::retaining(this);
     Retained<NSSet> present = _observers->NSSet::copy();
     for (id member : present) {
-        // Before the observer is touched: one that has left the set may be gone.
+        // This comes before the observer is touched: one that has left the set may have been destroyed.
         if (!_observers || !_observers->containsObject(member)) continue;
         id observer = static_cast<PBWeakReference*>(member)->object();
         if (observer && observer->respondsToSelector(selector))

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// PBPlanarRange: a range in each of two directions, and its box.
+// PBPlanarRange: a range in each of two directions, and its boxed form.
 #pragma once
 
 #include "Foundation/NSValue.h"
@@ -8,6 +8,7 @@ namespace pelvor {
 
 struct Category;
 
+/// Two ranges, such as the columns and the rows of a part of a table.
 struct PBPlanarRange {
     NSRange horizontalRange;
     NSRange verticalRange;
@@ -17,11 +18,12 @@ struct PBPlanarRange {
 };
 
 struct PELVOR_EXPORT NSValue_PlanarRangeAdditions {
-    /// A borrowed value of type "{_PBPlanarRange={_NSRange=II}{_NSRange=II}}".
+    /// A value that boxes the two ranges, borrowed. Its type is
+    /// "{_PBPlanarRange={_NSRange=II}{_NSRange=II}}".
     static NSValue* valueWithPlanarRange(PBPlanarRange range);
 };
 
-/// Raises NSInvalidArgumentException for a value of another type.
+/// The ranges in a value. Raises NSInvalidArgumentException for a value of another type.
 PELVOR_EXPORT PBPlanarRange planarRangeValue(NSValue* value);
 
 extern const Category NSValue_PlanarRangeAdditions_category;

@@ -53,7 +53,7 @@ class ProtectedCall {
 
 // MARK: Calling hooks
 
-// Makes the call for the hook of the class and reports what it throws.
+// Makes the call for the hook of the class, and reports what it throws.
 template <class Call>
 void callReporting(Class* cls, SEL selector, Call call) {
     AutoreleasePool pool;
@@ -74,7 +74,7 @@ void sendClassOrInitialize(Class* cls) {
         send(cls, "initialize"_sel);
 }
 
-// A hook has no arguments or result; one that declares them gets zeros and is not listened to.
+// A hook has no arguments and no result. One that declares some gets zeros, and its result is not used.
 void callHook(const IMP& hook, Class* cls, SEL selector) {
     NSMethodSignature* types = hook.signature;
     if (types->key() == SignatureFor<void>::kKey)
@@ -95,7 +95,7 @@ std::vector<IMP> takeHooks(SEL selector, Class* cls) {
     return hooks;
 }
 
-// Registering classes while the list is read makes it longer.
+// The list becomes longer if classes are registered while it is read.
 std::vector<Class*> allClasses() {
     std::vector<Class*> classes(classList(nullptr, 0));
     std::size_t count = classList(classes.data(), classes.size());
@@ -123,7 +123,7 @@ void abortBundleInitialization() {
     std::abort();
 }
 
-// While it lives, path strings do not resolve symbolic links.
+// While an object of this class exists, path strings do not resolve symbolic links.
 class UnresolvedLinks {
   public:
     UnresolvedLinks()
@@ -213,7 +213,7 @@ void PBPostLoader::bundleDidLoad(NSNotification* notification) {
         registry->addProfilesFromBundle(cast<NSBundle>(notification->object()));
 }
 
-// Hooks' exceptions are reported as those of all hooks; what comes out here is a failure of another kind.
+// Exceptions of the hooks have been reported already. One that comes out here is a failure of another kind.
 void PBPostLoader::_becomingMultiThreaded(NSNotification*) {
     if (loader().isSendingBecomingMultiThreaded.exchange(true)) return;
     try {
@@ -244,7 +244,7 @@ bool PBPostLoader::_processSelector_inClass_initialize(SEL selector, Class* inCl
     return true;
 }
 
-// Bars only an `initialize` of the bundle class's own.
+// Only an `initialize` that the bundle class defines itself is barred.
 void PBPostLoader::_preventBundleInitialization() {
     Class* bundleClass = classNamed("NSBundle");
     if (!bundleClass) return;

@@ -13,48 +13,55 @@ class NSNotification;
 class NSPathStore2;
 class NSString;
 
-/// How many protected calls are running inside each other; shared with whatever handles exceptions. One
-/// more while the post-loader calls a hook, and one less however the call ends.
+/// How many protected calls run inside each other; shared with whatever handles exceptions. The post-loader
+/// adds one for the time of each call of a hook, however the call ends.
 extern PELVOR_EXPORT std::atomic<int> PBExceptionHandlingNestLevel;
 
-/// Runs what classes want done once, after code was loaded and before it is used. A class, or a category
-/// of it, asks for it by a class operation without arguments or result:
+/// Calls the load-time hooks of all classes: class operations with agreed names, by which classes set
+/// themselves up after their code was loaded and before it is used. A host calls it once, before its main
+/// loop:
 ///
-///     performPosing          replace classes and methods; nothing has been initialised
-///     didLoad                every class has posed, the profile registry is filled; the class is initialised
+///     registerLibrary(hostLibrary);
+///     PBPostLoader::processClasses();
+///
+/// A hook has no argument and no result. A class, and each category of it, may define any of these, which are
+/// the phases of a cycle in their order:
+///
+///     performPosing          to replace classes and methods; nothing has been initialised
+///     didLoad                every class has posed, the registry is filled; the class is initialised
 ///     activateToolkit        every didLoad has run; the class is initialised
-///     becomingMultiThreaded  the process is about to have, or has, a second thread
+///     becomingMultiThreaded  the process is about to have a second thread, or has one
 ///
-/// Each implementation is called once in the life of the process, also when several classes share it; an
-/// implementation that a class inherits is its superclass's alone. Only the order of the phases can be
-/// relied on, not that of the classes in a phase. A hook may register classes, whose hooks then run in the
-/// same phase, and load bundles, whose whole cycle runs inside that hook. What a hook throws is reported as
-/// one line on standard error, and the next hook is called.
+/// Each implementation is called once in the life of the process, even if several classes share it. A class
+/// that only inherits a hook is not called. The order of the phases can be relied on, the order of the
+/// classes in a phase cannot. A hook may register classes, whose hooks then run in the same phase, and load
+/// bundles, whose whole cycle then runs inside the hook. An exception of a hook is reported in one line on
+/// standard error, and the next hook is called.
 ///
-/// The host calls `processClasses` once. Bundles that are loaded later pass through all phases by
-/// themselves, and their profiles go to the registry. Cycles are for the main thread; those of bundles that
-/// other threads load wait for each other.
+/// A bundle that is loaded later passes through all phases inside `NSBundle::load`, and then its profiles are
+/// added to the registry. Cycles run on the main thread; those of bundles that other threads load wait for
+/// each other.
 class PELVOR_EXPORT PBPostLoader : public NSObject {
     PELVOR_CLASS(PBPostLoader, NSObject);
 
   public:
-    /// Sent by the first message to the class, once: runs the posing phase, in which the bundle class must
-    /// not be used, then initialises the bundle class and begins to listen for bundles and threads.
+    /// Runs with the first message to the class, once. It runs the posing phase, in which the bundle class
+    /// must not be used, then initialises the bundle class and begins to listen for bundles and threads.
     static void initialize(Class* cls);
 
-    /// One cycle with everything: what a host calls before its main loop. The library itself is registered
-    /// by then; a host registers its own classes first.
+    /// Runs one cycle with everything. A host registers its own classes first.
     static void processClasses();
-    /// One cycle with posing.
+    /// Runs one cycle with posing.
     static void processClassesStartingRegistry(bool startRegistry);
-    /// One cycle: posing if wanted, the profile registry's start if wanted, `didLoad`, `activateToolkit`,
-    /// and, once there is a second thread, `becomingMultiThreaded`.
+    /// Runs one cycle: `performPosing` if wanted, the start of the profile registry if wanted, `didLoad`,
+    /// `activateToolkit`, and `becomingMultiThreaded` if there is a second thread.
     static void processClassesStartingRegistry_posing(bool startRegistry, bool posing);
-    /// Calls each class's own class-level methods for the selector that were never called, pass after pass
-    /// until one finds none. With `initialize`, a class is initialised before its first hook.
+    /// Calls the hooks with this name of all classes, as far as they were never called, and goes through the
+    /// classes again until there is nothing to call. With `initialize`, a class is initialised before its
+    /// first hook.
     static void processSelector_initialize(SEL selector, bool initialize);
-    /// Sent for every bundle that was loaded: a cycle without the registry's start, and then the bundle's
-    /// profiles go to the registry.
+    /// Called for every bundle that was loaded: runs a cycle without the start of the registry, and then adds
+    /// the profiles of the bundle.
     static void bundleDidLoad(NSNotification* notification);
     /// Whether the phase for a second thread has run.
     static bool isMultiThreaded();
@@ -70,9 +77,9 @@ class PELVOR_EXPORT PBPostLoader : public NSObject {
     static void _provokeBundleInitialization();
 };
 
-/// "OFOverrides": what path strings answer while the bundle class is being initialised.
+/// "OFOverrides": the behaviour of path strings while the bundle class is being initialised.
 extern const Category NSPathStore2_OFOverrides_category;
-/// The path itself, with whatever symbolic links are in it.
+/// The path itself: symbolic links are not resolved.
 PELVOR_EXPORT NSString* replacement_stringByResolvingSymlinksInPath(NSPathStore2* path);
 
 }  // namespace pelvor

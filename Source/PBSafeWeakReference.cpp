@@ -21,7 +21,7 @@ Retained<PBSafeWeakReference> PBSafeWeakReference::initWithObject(id object, Cla
 
 bool PBSafeWeakReference::isAsItWas(id object) { return object && object->isa() == _class; }
 
-// The object is kept for the time of a message, so that it cannot end in the middle on another thread.
+// The target is retained for the time of a message, so that it cannot end in the middle on another thread.
 
 NSMethodSignature* PBSafeWeakReference::methodSignatureForSelector(SEL selector) {
     Retained<Object> object = _target.object();

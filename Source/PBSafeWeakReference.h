@@ -7,19 +7,24 @@
 
 namespace pelvor {
 
-/// Passes messages on to an object that it does not keep alive. Once the object has been destroyed, or its
-/// class is another than when the proxy was made, messages are dropped and no signature is known; the
-/// memory of a destroyed object is not touched. An object that raises is forgotten for good. One thread at
-/// a time; the object may end on any.
+/// A proxy that passes messages on to an object, its target, and does not keep the target alive:
+///
+///     auto owner = PBSafeWeakReference::initWithObject(document);
+///     send(owner, "pageDidChange:"_sel, page);  // reaches the document while it lives
+///
+/// Once the target has been destroyed, or has another class than when the proxy was made, the proxy knows no
+/// signatures: a message to it is not understood, and an invocation that reaches it is dropped. The memory of
+/// a destroyed target is not touched. A target that raises is forgotten for good. For one thread at a time;
+/// the target may end on any thread.
 class PELVOR_EXPORT PBSafeWeakReference : public NSProxy {
     PELVOR_CLASS(PBSafeWeakReference, NSProxy);
 
   public:
     static Retained<PBSafeWeakReference> initWithObject(id object, Class* cls = classObject());
 
-    /// None when the object is gone, does not know the message, or raises.
+    /// The target's signature; null when the target is gone, does not know the message, or raises.
     NSMethodSignature* methodSignatureForSelector(SEL selector) override;
-    /// Swallows what the object raises.
+    /// Invokes the message on the target. What the target raises is swallowed.
     void forwardInvocation(NSInvocation* invocation) override;
 
   protected:
@@ -30,7 +35,7 @@ class PELVOR_EXPORT PBSafeWeakReference : public NSProxy {
     bool isAsItWas(id object);
 
     WeakHandle _target;
-    Class* _class = nullptr;  // the target's when the proxy was made
+    Class* _class = nullptr;  // of the target, when the proxy was made
 };
 
 }  // namespace pelvor

@@ -19,15 +19,16 @@ namespace {
 
 bool hasSeededRandom = false;
 bool isRunPoofs = false;
-// Retained; not destroyed with the process's statics, whose order nobody knows.
+// Retained, and not destroyed with the statics of the process, whose order is unknown.
 id sharedFeedbackController = nullptr;
 NSString* toolboxIdentifier = nullptr;
 NSBundle* toolboxBundle = nullptr;
 
-// What a bundle answers for a key that it lacks; known by its address, for a table may hold the same text.
+// A bundle returns this for a key that it lacks. It is known by its address, since a table may hold the same
+// text.
 constinit NSConstantString notFound{u"__PBLocalizedStringNotFound__"};
 
-// The bundle's text for the key; none if it has none, or if there is no bundle.
+// The text of the bundle for the key; null if it has none, and for a null bundle.
 NSString* localizedIn(NSBundle* bundle, NSString* key) {
     if (!bundle) return nullptr;
     NSString* text = bundle->localizedStringForKey_value_table(key, &notFound, nullptr);
@@ -39,7 +40,7 @@ int seededRandom() {
     return static_cast<int>(random());
 }
 
-// A new set of the characters of a UTF-8 text, for good.
+// A new set of the characters in a UTF-8 text, which is never released.
 NSCharacterSet* keptSetOf(const char* text) {
     return NSCharacterSet::initWithCharactersInString(NSString::stringWithUTF8String(text)).leak();
 }
@@ -97,7 +98,8 @@ void PBUtil_Dummy::didLoad() {
     _pbLettersCharacterSet = NSCharacterSet::letterCharacterSet();
     _pbWhitespaceCharacterSet = NSCharacterSet::whitespaceAndNewlineCharacterSet();
     _pbDecimalDigitCharacterSet = NSCharacterSet::decimalDigitCharacterSet();
-    // Made once, though a text that is looked at earlier than the load-time sequence asks for them too.
+    // These are made once, although this is also called for texts that are read before the load-time
+    // sequence.
     static NSCharacterSet* const money = keptSetOf("$\u20AC\u00A3\u00A5");
     static NSCharacterSet* const doubleQuotes = keptSetOf("\"\u201C\u201D\u00AB\u00BB");
     static NSCharacterSet* const singleQuotes = keptSetOf("'\u2018\u2019");
@@ -128,8 +130,9 @@ IMP PBReplaceMethodImplementationWithSelectorOnClass(Class* destClass, SEL oldSe
                                                      SEL newSelector) {
     const Method* method = sourceClass->instanceMethod(newSelector);
     if (!method)
-        raiseException(NSInvalidArgumentException, u"%s has no method %s"_ns, sourceClass->name(),
-                       newSelector.name());
+        raiseException(NSInvalidArgumentException,
+                       u"PBReplaceMethodImplementationWithSelectorOnClass: the class %s has no method %s"_ns,
+                       sourceClass->name(), newSelector.name());
     return PBReplaceMethodImplementation(destClass, oldSelector, method->implementation);
 }
 

@@ -1,21 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
-// What failed assertions call.
+// The functions that failed assertions call.
 #pragma once
 
 #include "Runtime/NSObject.h"
 
 namespace pelvor {
 
-/// A condition failed that the code cannot do without. Does nothing: the caller goes on. All texts are
-/// UTF-8; `type` is the kind of assertion.
+// `type` is the kind of assertion, `expression` the condition that failed, `file` and `lineNumber` its place.
+// Texts are UTF-8.
+
+/// Called when a condition fails that the code cannot do without. Does nothing, so that the caller goes on.
 PELVOR_EXPORT void PBAssertFailed(const char* type, const char* expression, const char* file, int lineNumber);
 
-/// A condition failed that the code can do without: logs one line, "*** Assertion failed: requires 'count >
-/// 0', file PBTrie.cpp, line 12". The caller goes on.
+/// Called when a condition fails that the code can do without. Logs one line, "*** Assertion failed: requires
+/// 'count > 0', file PBTrie.cpp, line 12", and the caller goes on.
 PELVOR_EXPORT void PBSoftAssertFailed(const char* type, const char* expression, const char* file,
                                       int lineNumber);
 
-/// The place for warnings about the state of assertions when a process starts; what is shipped has none.
+/// A place for warnings about assertions when a process starts. What is shipped has no such warnings.
 class PELVOR_EXPORT _PBAssertionWarning : public NSObject {
     PELVOR_CLASS(_PBAssertionWarning, NSObject);
 

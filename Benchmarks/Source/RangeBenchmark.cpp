@@ -107,6 +107,19 @@ BENCHMARK_CAPTURE(NormalizeBoxed, sorted, Shape::sorted)->Apply(listLengths);
 BENCHMARK_CAPTURE(NormalizeStdSort, sorted, Shape::sorted)->Apply(listLengths);
 BENCHMARK_CAPTURE(NormalizeIntervalSet, sorted, Shape::sorted)->Apply(listLengths);
 
+// Every box of the result is asked for.
+void NormalizeBoxedAndRead(benchmark::State& state) {
+    auto list = boxed(rangesOf(Shape::sorted, length(state)));
+    for (auto _ : state) {
+        AutoreleasePool pool;
+        NSUInteger sum = 0;
+        for (id box : PBNormalizeRanges(list, true)) sum += static_cast<NSValue*>(box)->rangeValue().length;
+        benchmark::DoNotOptimize(sum);
+    }
+    perItem(state, length(state));
+}
+BENCHMARK(NormalizeBoxedAndRead)->Apply(listLengths);
+
 // MARK: Selections
 
 // A selection as the operations left it is given a range in its middle, and is then read.

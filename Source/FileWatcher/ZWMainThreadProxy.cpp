@@ -31,30 +31,29 @@ PELVOR_DEFINE_CLASS(ZWMainThreadProxy, baseLibrary) {
 
 Retained<ZWMainThreadProxy> ZWMainThreadProxy::initWithTarget(id target, Class* cls) {
     auto self = make<ZWMainThreadProxy>(cls);
-    self->_unretainedTarget = target;
+    self->_target = target;
     return self;
 }
 
 bool ZWMainThreadProxy::implements(SEL selector) { return NSObject::respondsToSelector(selector); }
 
 bool ZWMainThreadProxy::respondsToSelector(SEL selector) {
-    return implements(selector) || (_unretainedTarget && _unretainedTarget->respondsToSelector(selector));
+    return implements(selector) || (_target && _target->respondsToSelector(selector));
 }
 
 NSMethodSignature* ZWMainThreadProxy::methodSignatureForSelector(SEL selector) {
     if (NSMethodSignature* own = NSObject::methodSignatureForSelector(selector)) return own;
-    return _unretainedTarget ? _unretainedTarget->methodSignatureForSelector(selector) : nullptr;
+    return _target ? _target->methodSignatureForSelector(selector) : nullptr;
 }
 
 void ZWMainThreadProxy::requireTarget(SEL selector) {
-    if (!_unretainedTarget || !_unretainedTarget->respondsToSelector(selector))
-        doesNotRecognizeSelector(selector);
+    if (!_target || !_target->respondsToSelector(selector)) doesNotRecognizeSelector(selector);
 }
 
 void ZWMainThreadProxy::forwardInvocation(NSInvocation* invocation) {
     requireTarget(invocation->selector());
     invocation->retainArguments();
-    auto target = Retained<Object>::retaining(_unretainedTarget);
+    auto target = Retained<Object>::retaining(_target);
     performSelectorOnMainThread_withObject_waitUntilDone(invocation, "invokeWithTarget:"_sel, target, true);
 }
 
@@ -63,7 +62,7 @@ id ZWMainThreadProxy::performSelector(SEL selector) { return performSelector_wit
 id ZWMainThreadProxy::performSelector_withObject(SEL selector, id object) {
     if (implements(selector)) return NSObject::performSelector_withObject(selector, object);
     requireTarget(selector);
-    auto target = Retained<Object>::retaining(_unretainedTarget);
+    auto target = Retained<Object>::retaining(_target);
     auto argument = Retained<Object>::retaining(object);
     performSelectorOnMainThread_withObject_waitUntilDone(target, selector, argument, true);
     return nullptr;

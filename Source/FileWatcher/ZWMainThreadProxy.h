@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// ZWMainThreadProxy: stands in for an object that is to be used on the main thread.
+// ZWMainThreadProxy: stands in for an object that must be used on the main thread.
 #pragma once
 
 #include "Runtime/NSInvocation.h"
@@ -8,29 +8,40 @@ namespace pelvor {
 
 struct Category;
 
-/// Forwards every message that it does not understand itself to its target on the main thread, in the
-/// common modes, and waits until that is done; on the main thread at once. Results come back to the caller,
-/// and so does what the method raises. The target is not retained: the owner of the proxy keeps it alive. A
-/// main thread that itself waits for the caller never comes to it. Any thread.
+/// A proxy that forwards messages to an object, its target, on the main thread. A thread that does work in
+/// the background tells the document of it in this way:
+///
+///     Retained<ZWMainThreadProxy> proxy = copyMainThreadProxy(document);
+///     …  // on another thread
+///     send(proxy, "fileDidChange:"_sel, path);  // returns when the document has run it on the main thread
+///
+/// A message that the proxy itself does not understand is run by the main run loop in the common modes, while
+/// the caller waits; on the main thread it is run at once. The caller gets the result, and the exception if
+/// the method raises one. The proxy does not retain its target: the owner of the proxy keeps the target
+/// alive. A main thread that itself waits for the caller never runs the message. Any thread.
 class PELVOR_EXPORT ZWMainThreadProxy : public NSObject {
     PELVOR_CLASS(ZWMainThreadProxy, NSObject);
 
   public:
     static Retained<ZWMainThreadProxy> initWithTarget(id target, Class* cls = classObject());
 
-    /// Whether the proxy itself or the target does.
+    /// Whether the proxy itself or the target responds.
     bool respondsToSelector(SEL selector) override;
-    /// The proxy's own, else the target's.
+    /// The proxy's own signature if it has such a method, else the target's.
     NSMethodSignature* methodSignatureForSelector(SEL selector) override;
-    /// Raises NSInvalidArgumentException, on the calling thread, for a message that the target does not know.
+    /// Runs the invocation on the main thread with the target. Raises NSInvalidArgumentException, on the
+    /// calling thread, if the target does not respond to the message.
     void forwardInvocation(NSInvocation* invocation) override;
 
-    /// What the proxy implements is performed on it, here and now. All else is performed on the target on the
-    /// main thread, with waiting, and its result is lost: the answer is none. Raise as `forwardInvocation`.
+    // Messages that the proxy implements are performed on the proxy, on the calling thread. All others are
+    // performed on the target on the main thread; their results are lost, and null is returned. They raise as
+    // `forwardInvocation` does.
+
     id performSelector(SEL selector) override;
     id performSelector_withObject(SEL selector, id object) override;
 
-    /// The proxy itself, retained by the second: there is no proxy of a proxy.
+    // The proxy itself: there is no proxy of a proxy.
+
     ZWMainThreadProxy* mainThreadProxy() { return this; }
     Retained<ZWMainThreadProxy> copyMainThreadProxy() { return Retained<ZWMainThreadProxy>::retaining(this); }
 
@@ -42,10 +53,11 @@ class PELVOR_EXPORT ZWMainThreadProxy : public NSObject {
     bool implements(SEL selector);
     void requireTarget(SEL selector);
 
-    id _unretainedTarget = nullptr;
+    Unretained<Object> _target = nullptr;
 };
 
-/// A proxy for the object; of a proxy, itself.
+// A proxy for the object, borrowed or owned. For a proxy this is the proxy itself.
+
 PELVOR_EXPORT ZWMainThreadProxy* mainThreadProxy(NSObject* object);
 PELVOR_EXPORT Retained<ZWMainThreadProxy> copyMainThreadProxy(NSObject* object);
 

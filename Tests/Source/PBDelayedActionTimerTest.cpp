@@ -94,7 +94,11 @@ TEST_F(PBDelayedActionTimerTest, UnschedulingAndInvalidatingKeepTheActionFromCom
     timer->unschedule();
     EXPECT_EQ(target->retainCount(), 2u);
     timer->schedule();
+    const std::string start = "PBDelayedActionTimer<" + addressOf(timer) + "> {act: to ";
+    EXPECT_EQ(shown(timer.get()),
+              start + "<DeferredTarget " + addressOf(target) + ">, 1 s from the first request, scheduled}");
     timer->invalidate();
+    EXPECT_EQ(shown(timer.get()), start + "nobody, 1 s from the first request, not scheduled}");
     EXPECT_EQ(target->retainCount(), 1u);
     timer->schedule();
     EXPECT_FALSE(timer->isScheduled());
