@@ -44,7 +44,11 @@ void check(bool holds, const char* what) {
 
 void testThatPlugInCounts() {
     AutoreleasePool pool;
-    check(NSBundle::bundleWithPath(NSString::ofUTF8(LETTERS_BUNDLE))->load(), "the plug-in is loaded");
+    NSBundle* letters = NSBundle::bundleWithPath(NSString::ofUTF8(LETTERS_BUNDLE));
+    check(letters->load(), "the plug-in is loaded");
+    id motto = letters->objectForInfoDictionaryKey(u"LTMotto"_ns);
+    check(motto && motto->isEqual(u"Count & be counted"_ns),
+          "the information dictionary has what CMake gave it");
     auto desk = DKDesk::init();
     desk->examineText(u"A fish & 2 chips"_ns);
     desk->run();
