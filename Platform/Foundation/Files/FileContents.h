@@ -9,17 +9,29 @@
 
 namespace pelvor {
 
-/// Reads a file to its end. False, with `content` open, when it cannot be opened or read, is a folder, or
-/// holds 2^32 bytes or more.
+/// Reads a file to its end. Returns false, with the reason in `errno` and any `content`, when the file cannot
+/// be opened or read, is a folder, or holds 2^32 bytes or more.
 bool readFile(const std::string& path, std::vector<std::byte>& content);
 
 enum class FileWriting : unsigned char {
-    direct,
-    atomic,        ///< by way of another file in the same folder that takes the name when it is complete
-    atomicPrivate  ///< the same, and nobody else than the user may read or write the file, also an old one
+    direct,        ///< into the file itself; a failure may leave a part of the content
+    atomic,        ///< into another file of the same folder, which takes the name when it is complete
+    atomicPrivate  ///< like `atomic`, and nobody but the file's owner may read or write the file afterwards
 };
 
-/// Writes a file, new or in the place of an old one, whose access rights it keeps. False on failure.
+/// Writes a file, new or in the place of an old one. Returns false, with the reason in `errno`, on failure;
+/// an atomic write then has left the old file as it was.
+///
+/// - A link is followed, a dangling one too, and stays a link.
+/// - What is no regular file (a pipe, a device, /dev/stdout) is written into directly. A pipe without a reader
+///   is refused.
+/// - An atomic write keeps owner, group, access rights and access list of the old file as far as the user may
+///   set them; where the group cannot be kept, the new group may do no more than everybody. Other names of the
+///   old file (hard links) keep the old content. A file that the user may not write is refused, although the
+///   folder would allow to replace the file.
+/// - When the process is killed, no other file stays behind, except in the moment before the new file takes
+///   the name, or on a file system without unnamed files: then the next atomic write of the same file removes
+///   what stayed.
 bool writeFile(const std::string& path, std::span<const std::byte> content, FileWriting writing);
 
 }  // namespace pelvor

@@ -1,0 +1,304 @@
+// SPDX-License-Identifier: Apache-2.0
+// Tests of writing files as a whole or not at all, through the operations of data.
+#include <fcntl.h>
+#include <grp.h>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "Prelude.h"
+#include "TemporaryFolder.h"
+
+// MARK: A system that fails
+
+namespace {
+
+// What the calls below do instead of their work.
+struct Faults {
+    bool refusesUnnamedFiles = false;
+    bool diesBeforeRenaming = false;
+    bool failsToSync = false;
+    bool failsToClose = false;
+    mode_t rightsWhileWritten = 0;  // of the last file that was synchronised
+} faults;
+
+}  // namespace
+
+#define INSTEAD_OF_THE_SYSTEM extern "C" [[gnu::visibility("default")]]
+
+INSTEAD_OF_THE_SYSTEM int openat(int folder, const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    mode_t rights = flags & (O_CREAT | O_TMPFILE) ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    if (faults.refusesUnnamedFiles && (flags & O_TMPFILE) == O_TMPFILE) return errno = EOPNOTSUPP, -1;
+    return static_cast<int>(syscall(SYS_openat, folder, path, flags, rights));
+}
+
+INSTEAD_OF_THE_SYSTEM int renameat(int from, const char* old, int to, const char* name) noexcept {
+    if (faults.diesBeforeRenaming) raise(SIGKILL);
+    return static_cast<int>(syscall(SYS_renameat2, from, old, to, name, 0));
+}
+
+INSTEAD_OF_THE_SYSTEM int fsync(int file) {
+    struct stat status;
+    if (fstat(file, &status) == 0) faults.rightsWhileWritten = status.st_mode & 07777;
+    if (faults.failsToSync) return errno = EIO, -1;
+    return static_cast<int>(syscall(SYS_fsync, file));
+}
+
+INSTEAD_OF_THE_SYSTEM int close(int file) {
+    int result = static_cast<int>(syscall(SYS_close, file));
+    return faults.failsToClose ? errno = ENOSPC, -1 : result;
+}
+
+namespace {
+
+namespace fs = std::filesystem;
+using std::string;
+
+constexpr uid_t kOtherUser = 65534;
+
+class FileContentsTest : public ::testing::TestWithParam<bool> {
+  protected:
+    void SetUp() override {
+        faults = {};
+        faults.refusesUnnamedFiles = GetParam();
+        fs::permissions(folder.path(""), fs::perms::all);
+    }
+    void TearDown() override { faults = {}; }
+
+    // 0, or the reason why the file was not written.
+    int save(const string& name, const string& text, bool isAtomic = true) {
+        NSString* path = NSString::ofUTF8(folder.path(name));
+        auto data = NSData::initWithBytes_length(text.data(), static_cast<NSUInteger>(text.size()));
+        errno = 0;
+        return data->writeToFile_atomically(path, isAtomic) ? 0 : errno ? errno : -1;
+    }
+    // The same in another process, as another user.
+    int saveAs(uid_t user, const string& name, const string& text) {
+        return inChild([&] {
+            if (setgroups(0, nullptr) || setresgid(user, user, user) || setresuid(user, user, user)) return 255;
+            return save(name, text);
+        });
+    }
+    template <class Work>
+    static int inChild(Work work) {
+        pid_t child = fork();
+        if (child == 0) _exit(work());
+        int status = 0;
+        waitpid(child, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    }
+
+    struct stat statusOf(const string& name) {
+        struct stat status {};
+        lstat(folder.path(name).c_str(), &status);
+        return status;
+    }
+    // "65534:7 640"
+    string rightsOf(const string& name) {
+        struct stat status = statusOf(name);
+        char text[64];
+        std::snprintf(text, sizeof text, "%u:%u %o", status.st_uid, status.st_gid, status.st_mode & 07777);
+        return text;
+    }
+    string make(const string& name, const string& text, mode_t rights, uid_t owner = geteuid(),
+                gid_t group = getegid()) {
+        string path = folder.write(name, text);
+        EXPECT_EQ(chown(path.c_str(), owner, group) | chmod(path.c_str(), rights), 0) << name;
+        return path;
+    }
+    std::vector<string> names() {
+        std::vector<string> found;
+        for (const auto& entry : fs::directory_iterator(folder.path("")))
+            found.push_back(entry.path().filename());
+        std::ranges::sort(found);
+        return found;
+    }
+
+    TemporaryFolder folder;
+};
+
+INSTANTIATE_TEST_SUITE_P(, FileContentsTest, ::testing::Bool(),
+                         [](const auto& info) { return info.param ? "NamedFiles" : "UnnamedFiles"; });
+
+// MARK: Where a path leads
+
+TEST_P(FileContentsTest, WritesIntoWhatIsNoRegularFile) {
+    const string pipe = folder.path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    fs::create_symlink("/dev/full", folder.path("full"));
+    fs::create_symlink("/dev/null", folder.path("nothing"));
+    const int file = open(folder.write("open", "long old text").c_str(), O_RDWR);
+    fs::create_symlink("/proc/self/fd/" + std::to_string(file), folder.path("descriptor"));
+    const ino_t inode = statusOf("open").st_ino;
+    for (bool isAtomic : {false, true}) {
+        EXPECT_EQ(save("pipe", "x", isAtomic), ENXIO) << "nobody reads";
+        int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+        char text[16] = {};
+        EXPECT_EQ(save("pipe", "through", isAtomic), 0);
+        EXPECT_EQ(read(reader, text, sizeof text), 7);
+        close(reader);
+        EXPECT_EQ(save("nothing", "x", isAtomic), 0);
+        EXPECT_EQ(save("full", "x", isAtomic), ENOSPC);
+        EXPECT_EQ(save("descriptor", "new", isAtomic), 0);
+        EXPECT_EQ(save(".", "x", isAtomic), EISDIR);
+        EXPECT_EQ(save(string("a\0b", 3), "x", isAtomic), EINVAL);
+    }
+    EXPECT_TRUE(S_ISFIFO(statusOf("pipe").st_mode) && S_ISLNK(statusOf("nothing").st_mode));
+    EXPECT_TRUE(fs::is_character_file("/dev/null") && fs::is_character_file("/dev/full"));
+    EXPECT_EQ(shown(folder.read("open"), statusOf("open").st_ino == inode), "new 1");
+    close(file);
+}
+
+TEST_P(FileContentsTest, FollowsLinksToFilesThatAreNotThereYet) {
+    fs::create_directory(folder.path("sub"));
+    fs::create_symlink("sub/second", folder.path("link"));
+    fs::create_symlink("../third", folder.path("sub/second"));
+    fs::create_symlink("round", folder.path("round"));
+    for (const char* text : {"new", "newer"}) {
+        EXPECT_EQ(save("link", text), 0);
+        EXPECT_EQ(folder.read("third"), text);
+    }
+    EXPECT_TRUE(fs::is_symlink(folder.path("link")) && fs::is_symlink(folder.path("sub/second")));
+    EXPECT_EQ(save("round", "x"), ELOOP);
+    EXPECT_EQ(save("no folder/file", "x"), ENOENT);
+    EXPECT_THAT(names(), ElementsAre("link", "round", "sub", "third"));
+}
+
+TEST_P(FileContentsTest, TakesNamesOfAnyLength) {
+    for (std::size_t length : {252, 255}) {
+        EXPECT_EQ(save(string(length, 'x'), "first"), 0) << length;
+        EXPECT_EQ(save(string(length, 'x'), "second"), 0) << length;
+        EXPECT_EQ(folder.read(string(length, 'x')), "second");
+    }
+    EXPECT_EQ(save(string(256, 'x'), "x"), ENAMETOOLONG);
+}
+
+// MARK: Owner, group and rights
+
+TEST_P(FileContentsTest, KeepsTheRightsOfTheOldFile) {
+    fs::create_hard_link(make("file", "old", 0640), folder.path("other name"));
+    EXPECT_EQ(save("file", "new"), 0);
+    EXPECT_EQ(statusOf("file").st_mode & 07777, 0640u);
+    EXPECT_EQ(faults.rightsWhileWritten & 07137, 0u);
+    EXPECT_EQ(folder.read("file") + folder.read("other name"), "newold");
+    EXPECT_THAT(names(), ElementsAre("file", "other name"));
+}
+
+TEST_P(FileContentsTest, GivesANewFileTheRightsThatTheMaskLeaves) {
+    for (mode_t mask : {0, 022, 077}) {
+        const mode_t before = umask(mask);
+        EXPECT_EQ(save("file", "new"), 0);
+        umask(before);
+        EXPECT_EQ(statusOf("file").st_mode & 07777, 0666u & ~mask);
+        fs::remove(folder.path("file"));
+    }
+}
+
+TEST_P(FileContentsTest, KeepsOwnerAndGroupWhereTheUserMay) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can give files away";
+    struct {
+        const char* situation;
+        uid_t writer, owner;
+        gid_t group;
+        mode_t rights;
+        int failure;
+        const char* result;
+    } const rows[] = {
+        {"root writes a user's file", 0, kOtherUser, 7, 0640, 0, "65534:7 640"},
+        {"root writes a read-only file", 0, kOtherUser, 7, 0400, 0, "65534:7 400"},
+        {"a user writes an own file", kOtherUser, kOtherUser, kOtherUser, 0660, 0, "65534:65534 660"},
+        {"a user writes root's file", kOtherUser, 0, 0, 0666, 0, "65534:65534 666"},
+        {"a group that cannot be kept", kOtherUser, 0, 7, 06672, 0, "65534:65534 622"},
+        {"an own read-only file", kOtherUser, kOtherUser, kOtherUser, 0444, EACCES, "65534:65534 444"},
+        {"a file of somebody else", kOtherUser, 0, 0, 0644, EACCES, "0:0 644"},
+    };
+    for (const auto& row : rows) {
+        make("file", "old", row.rights, row.owner, row.group);
+        EXPECT_EQ(saveAs(row.writer, "file", "new"), row.failure) << row.situation;
+        EXPECT_EQ(rightsOf("file"), row.result) << row.situation;
+        EXPECT_EQ(folder.read("file"), row.failure ? "old" : "new") << row.situation;
+        EXPECT_THAT(names(), ElementsAre("file")) << row.situation;
+        fs::remove(folder.path("file"));
+    }
+}
+
+TEST_P(FileContentsTest, KeepsTheAccessListOfTheOldFile) {
+    // Version 2; owner rw, user 1 rw, group none, mask rw, others none: tag, rights and user or group of each.
+    const unsigned char list[] = {2, 0, 0, 0, 1, 0, 6, 0, 255, 255, 255, 255, 2,   0,   6,   0,   1,  0, 0, 0, 4, 0,
+                                  0, 0, 255, 255, 255, 255, 16, 0, 6, 0, 255, 255, 255, 255, 32, 0, 0, 0, 255, 255,
+                                  255, 255};
+    const string path = make("file", "old", 0600);
+    if (setxattr(path.c_str(), "system.posix_acl_access", list, sizeof list, 0) != 0)
+        GTEST_SKIP() << "the file system has no access lists";
+    EXPECT_EQ(save("file", "new"), 0);
+    char kept[sizeof list] = {};
+    EXPECT_EQ(getxattr(path.c_str(), "system.posix_acl_access", kept, sizeof kept), ssize_t{sizeof list});
+    EXPECT_EQ(std::memcmp(kept, list, sizeof list), 0);
+    EXPECT_EQ(folder.read("file"), "new");
+}
+
+// MARK: Failures
+
+TEST_P(FileContentsTest, AFailureLeavesTheOldContentAndTellsTheReason) {
+    make("file", "old", 0644);
+    struct {
+        bool Faults::*fault;
+        int reason;
+    } const rows[] = {{&Faults::failsToSync, EIO}, {&Faults::failsToClose, ENOSPC}};
+    for (const auto& row : rows) {
+        faults.*row.fault = true;
+        EXPECT_EQ(save("file", "new"), row.reason);
+        faults.*row.fault = false;
+        EXPECT_EQ(folder.read("file"), "old") << std::strerror(row.reason);
+        EXPECT_THAT(names(), ElementsAre("file")) << std::strerror(row.reason);
+    }
+    int tooLarge = inChild([&] {
+        signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{1000, 1000};
+        return setrlimit(RLIMIT_FSIZE, &limit) == 0 ? save("file", string(4000, 'x')) : 0;
+    });
+    EXPECT_EQ(tooLarge, EFBIG);
+    EXPECT_EQ(folder.read("file"), "old");
+    EXPECT_THAT(names(), ElementsAre("file"));
+}
+
+TEST_P(FileContentsTest, WhatAKilledProcessLeftGoesWithTheNextWrite) {
+    auto die = [&](const char* text) {
+        return inChild([&] {
+            faults.diesBeforeRenaming = true;
+            return save("file", text);
+        });
+    };
+    const bool hasUnnamedFiles = !faults.refusesUnnamedFiles;
+    EXPECT_EQ(die("first"), hasUnnamedFiles ? 0 : -SIGKILL) << "a new file without another name needs no renaming";
+    EXPECT_EQ(names().size(), 1u);
+    EXPECT_EQ(save("file", "second"), 0);
+    EXPECT_EQ(die("third"), -SIGKILL);
+    ASSERT_EQ(names().size(), 2u);
+    const string left = names()[0];
+    EXPECT_EQ(save("file", "fourth"), 0);
+    EXPECT_THAT(names(), ElementsAre("file"));
+
+    // A file that a living process writes stays, and so does what a planted link leads to.
+    const int living = open(folder.write(left, "living").c_str(), O_RDONLY);
+    ASSERT_EQ(flock(living, LOCK_EX), 0);
+    EXPECT_EQ(save("file", "fifth"), 0);
+    EXPECT_EQ(folder.read(left), "living");
+    close(living);
+    fs::remove(folder.path(left));
+    fs::create_symlink(folder.write("victim", "untouched"), folder.path(left));
+    EXPECT_EQ(save("file", "sixth"), 0);
+    EXPECT_EQ(folder.read("victim") + folder.read("file"), "untouchedsixth");
+    EXPECT_THAT(names(), ElementsAre(left, "file", "victim"));
+}
+
+}  // namespace
