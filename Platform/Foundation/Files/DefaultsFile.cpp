@@ -74,7 +74,7 @@ DefaultsFile::State DefaultsFile::load() {
     if (failure == ENOENT || failure == ENOTDIR) return _state = State::missing;
     std::vector<std::byte> bytes;
     if (!readFile(_path, bytes)) {
-        NSLog(u"NSUserDefaults: the settings in %s cannot be read"_ns, _path);
+        NSLog(u"NSUserDefaults: the settings in %s cannot be read: %s"_ns, _path, std::strerror(errno));
         return _state = State::unreadable;
     }
     NSPropertyListError* error = nullptr;
@@ -115,7 +115,8 @@ bool DefaultsFile::save(NSDictionary* content) {
         content, NSPropertyListXMLFormat_v1_0, 0, nullptr);
     bool isKept = _state != State::damaged || keepDamagedFile();
     if (!data || !isKept || !writeFile(_path, data->span(), FileWriting::atomicPrivate)) {
-        NSLog(u"NSUserDefaults: the settings cannot be written to %s"_ns, _path);
+        const char* reason = data ? std::strerror(errno) : "they are no property list";
+        NSLog(u"NSUserDefaults: the settings cannot be written to %s: %s"_ns, _path, reason);
         return false;
     }
     _state = State::read;

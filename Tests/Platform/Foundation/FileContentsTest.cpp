@@ -10,6 +10,7 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <cstdarg>
 #include <csignal>
 
 #include "Prelude.h"

@@ -87,9 +87,6 @@ TEST(NSDataTest, Changes) {
 class NSDataFileTest : public ::testing::Test {
   protected:
     NSString* path(const char* name) { return stringOf(folder.path() / name); }
-    mode_t rights(const char* name) {
-        return static_cast<mode_t>(fs::status(folder.path() / name).permissions());
-    }
     long filesInFolder() {
         return std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator());
     }
@@ -113,18 +110,6 @@ TEST_F(NSDataFileTest, WritesAndReadsFiles) {
     for (NSString* none : {path("absent"), path("."), static_cast<NSString*>(nullptr)})
         EXPECT_EQ(NSData::dataWithContentsOfFile(none), nullptr) << none;
     EXPECT_GT(NSData::dataWithContentsOfFile(u"/proc/self/status"_ns)->length(), 0u);
-}
-
-TEST_F(NSDataFileTest, AnAtomicWriteKeepsRightsAndLinks) {
-    ASSERT_TRUE(bytes("old")->writeToFile_atomically(path("file"), true));
-    EXPECT_EQ(rights("file") & 0600, 0600u);
-    fs::permissions(folder.path() / "file", fs::perms(0640));
-    fs::create_symlink("file", folder.path() / "link");
-    EXPECT_TRUE(bytes("new")->writeToFile_atomically(path("link"), true));
-    EXPECT_TRUE(fs::is_symlink(folder.path() / "link"));
-    EXPECT_EQ(text(NSData::dataWithContentsOfFile(path("file"))), "new");
-    EXPECT_EQ(rights("file"), 0640u);
-    EXPECT_EQ(filesInFolder(), 2);
 }
 
 }  // namespace
