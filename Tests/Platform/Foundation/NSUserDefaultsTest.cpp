@@ -253,7 +253,7 @@ TEST_F(UserDefaultsFiles, ThatAreNoFilesAreLeftAlone) {
     fs::create_directories(path);
     EXPECT_FALSE(save(open().get(), u"a"_ns, u"1"_ns));
     EXPECT_TRUE(fs::is_directory(path));
-    EXPECT_THAT(log.lines, Contains(EndsWith("Test.plist: Is a directory")));
+    EXPECT_THAT(log.lines, Contains(EndsWith("cannot be read: Is a directory")));
 }
 
 TEST_F(UserDefaultsFiles, MayBeLinksToOtherFiles) {
