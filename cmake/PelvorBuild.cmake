@@ -16,11 +16,13 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
 endif()
 
-# Paths inside the source folder are hashed relative to it: worktrees and clones share one cache.
+# Paths inside the source folder are hashed relative to it: worktrees and clones share one cache. What the sloppiness
+# names lets precompiled headers share it too.
 find_program(PELVOR_CCACHE ccache)
 if(PELVOR_CCACHE AND (NOT CMAKE_CXX_COMPILER_LAUNCHER OR CMAKE_CXX_COMPILER_LAUNCHER MATCHES "ccache$"))
     set(CMAKE_CXX_COMPILER_LAUNCHER
-        env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=true "${PELVOR_CCACHE}")
+        env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}" CCACHE_NOHASHDIR=true
+        CCACHE_SLOPPINESS=pch_defines,time_macros "${PELVOR_CCACHE}")
 endif()
 
 if(PELVOR_SANITIZE STREQUAL "address")
@@ -41,6 +43,25 @@ if(PELVOR_COVERAGE)
     add_compile_options(--coverage)
     add_link_options(--coverage)
 endif()
+
+# Has all sources of a target start with a header that is compiled once: `header` is named as between the angle
+# brackets of an #include, since a path would keep clones from sharing the compiler cache, or it is a target that
+# precompiles the header with the same options.
+function(pelvor_precompile target header)
+    if(TARGET ${header})
+        target_precompile_headers(${target} REUSE_FROM ${header})
+    else()
+        target_precompile_headers(${target} PRIVATE "<${header}>")
+    endif()
+    target_compile_options(${target} PRIVATE
+        $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>
+        "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
+endfunction()
+
+# Code that only tests run is compiled quickly rather than well.
+function(pelvor_unoptimised target)
+    target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O0>)
+endfunction()
 
 # Gives a target of ours its warnings; they never reach those who link it. g++ 12 takes the sum of a literal and a
 # string for an overlapping copy.

@@ -1,6 +1,13 @@
 # SPDX-License-Identifier: Apache-2.0
 # pelvor_fuzz_target(): a fuzz target, or the replay of its corpus as a test.
 
+if(NOT PELVOR_SANITIZE STREQUAL "fuzz")
+    add_library(PelvorFuzzReplay OBJECT "${PROJECT_SOURCE_DIR}/Fuzz/ReplayMain.cpp")
+    pelvor_warnings(PelvorFuzzReplay)
+    pelvor_unoptimised(PelvorFuzzReplay)
+    target_link_libraries(PelvorFuzzReplay PRIVATE Pelvor::Foundation)
+endif()
+
 # pelvor_fuzz_target(<Name> DEPS <target>…)
 # Builds Fuzz/<Name>.cpp, whose seeds are the files of Fuzz/corpus/<Name>/. With PELVOR_SANITIZE=fuzz the program
 # is a fuzzer; in every build the test Fuzz.<Name> runs each seed once.
@@ -19,7 +26,8 @@ function(pelvor_fuzz_target name)
         target_link_options(${target} PRIVATE -fsanitize=fuzzer)
         add_test(NAME Fuzz.${name} COMMAND ${target} -runs=0 -timeout=5 "${corpus}")
     else()
-        target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/Fuzz/ReplayMain.cpp")
+        pelvor_unoptimised(${target})
+        target_link_libraries(${target} PRIVATE PelvorFuzzReplay)
         add_test(NAME Fuzz.${name} COMMAND ${target} "${corpus}")
     endif()
     set_tests_properties(Fuzz.${name} PROPERTIES TIMEOUT 300)

@@ -3,7 +3,7 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
+#include <string_view>  // std::hash
 #include <type_traits>
 #include <utility>
 

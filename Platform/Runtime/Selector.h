@@ -4,8 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <string_view>
+#include <string_view>  // and std::hash
 
 #include "Runtime/Export.h"
 #include "Runtime/FixedString.h"
