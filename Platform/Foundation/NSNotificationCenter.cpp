@@ -86,7 +86,7 @@ void NSNotificationCenter::deliverName_object(NSString* name, id object) {
 
 void NSNotificationCenter::deliverName_object_userInfo(NSString* name, id object, NSDictionary* userInfo) {
     if (!name) [[unlikely]]
-        raiseException(NSInvalidArgumentException, u"postNotificationName:object: the name is null"_ns);
+        raiseException(NSInvalidArgumentException, u"postNotificationName: the name is null"_ns);
     ObserverTable::Audience audience(*_observers, name, object);
     if (audience.isEmpty()) return;
     PostedNotification posted(name, object, userInfo);

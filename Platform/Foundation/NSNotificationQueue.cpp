@@ -100,7 +100,7 @@ void NSNotificationQueue::enqueueNotification_postingStyle_coalesceMask_forModes
     items.push_back({Retained<NSNotification>::retaining(notification), Retained<NSArray>::retaining(modes)});
 }
 
-// Lists are mostly made once and given again and again.
+// Lists of modes are mostly made once and given again and again.
 bool NSNotificationQueue::isDefaultModeAlone(NSArray* modes) {
     if (!modes || modes == _knownModes || modes->count() == 0) return true;
     if (modes->count() != 1 || !NSDefaultRunLoopMode->isEqual(modes->objectAtIndex(0))) return false;

@@ -86,9 +86,9 @@ class PELVOR_EXPORT NSNotificationQueue : public NSObject {
     Retained<NSNotificationCenter> _center;
     Items _asap;
     Items _idle;
-    Retained<NSArray> _knownModes;  // immutable, last seen to be the default mode alone
+    Retained<NSArray> _knownModes;  // immutable, the last list of the default mode alone
     bool _isThreadsOwn = false;
-    NSNotificationQueue* _next = nullptr;  // not retained: a queue that ends leaves the thread's chain
+    Unretained<NSNotificationQueue> _next = nullptr;  // a queue that ends leaves the thread's chain
 };
 
 }  // namespace pelvor

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSObject-DelayedPerforming.h"
 
+#include <cmath>
+
 #include "Foundation/NSArray.h"
 #include "Foundation/NSFormat.h"
 #include "Foundation/RunLoop/NSDelayedPerform.h"
@@ -37,6 +39,9 @@ void performSelector_withObject_afterDelay_inModes(id target, SEL selector, id a
     if (!selector)
         raiseException(NSInvalidArgumentException,
                        u"performSelector:withObject:afterDelay: the selector is null"_ns);
+    if (std::isnan(delay))
+        raiseException(NSInvalidArgumentException,
+                       u"performSelector:withObject:afterDelay: the delay is not a number"_ns);
     NSDelayedPerform::add(target, selector, argument, delay, modes);
 }
 

@@ -15,7 +15,8 @@ class NSArray;
 ///     performSelector_withObject_afterDelay(view, "hideTip:"_sel, tip, 2.5);
 ///
 /// Target and argument are retained until then. A null or empty list of modes stands for the default mode.
-/// Does nothing if the target is null. Raises NSInvalidArgumentException if the selector is null.
+/// Does nothing if the target is null. Raises NSInvalidArgumentException if the selector is
+/// null or the delay is not a number.
 PELVOR_EXPORT void performSelector_withObject_afterDelay_inModes(id target, SEL selector, id argument,
                                                                  NSTimeInterval delay, NSArray* modes);
 /// Does the same in the default mode.

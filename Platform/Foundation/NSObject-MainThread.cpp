@@ -82,9 +82,9 @@ class AwaitedCall {
     }
 
   private:
-    id _target;
+    Unretained<Object> _target;
     SEL _selector;
-    id _argument;
+    Unretained<Object> _argument;
     Bell& _bell = Bell::ofThread();
     std::exception_ptr _failure;
 };

@@ -97,7 +97,7 @@ struct NSRunLoop::State {
     int wake = -1;  // readable once `signal` was written to
     int signal = -1;
     std::vector<Retained<NSString>> commonModes;
-    std::unordered_multimap<id, NSDelayedPerform*> delayedPerforms;  // kept by their timers
+    std::unordered_multimap<Unretained<Object>, Unretained<NSDelayedPerform>> delayedPerforms;  // by receiver
     std::list<TimerMode> timerModes;
     std::multimap<std::uint32_t, Perform> performs;
     std::unordered_map<int, Descriptor> descriptors;
@@ -242,12 +242,11 @@ class NSRunLoop::Turn {
     Turn& operator=(const Turn&) = delete;
 
   private:
-    NSRunLoop* _loop;
-    NSString* _outer;
+    Unretained<NSRunLoop> _loop;
+    Unretained<NSString> _outer;
 };
 
 bool NSRunLoop::turn(NSString* mode, Wait wait, NSTimeInterval limit) {
-    if (!mode) raiseException(NSInvalidArgumentException, u"NSRunLoop: the mode to run in is null"_ns);
     AutoreleasePool pool;
     // The usual mode is compared by its address from here on, and need not be kept.
     Retained<NSString> kept;
@@ -277,6 +276,7 @@ bool NSRunLoop::doReadyWork(NSString* mode, Wait wait, NSTimeInterval limit) {
 }
 
 bool NSRunLoop::runMode_beforeDate(NSString* mode, NSDate* limit) {
+    if (!mode) raiseException(NSInvalidArgumentException, u"runMode:beforeDate: the mode is null"_ns);
     return runMode(mode, limit ? steadyMoment(limit) : kNever);
 }
 
@@ -670,6 +670,9 @@ NSDate* NSRunLoop::limitDateForMode(NSString* mode) {
                              : NSDate::dateWithTimeIntervalSinceNow(moment - steadyTime());
 }
 
-bool NSRunLoop::performReadyWorkForMode(NSString* mode) { return turn(mode, Wait::no, kNever); }
+bool NSRunLoop::performReadyWorkForMode(NSString* mode) {
+    if (!mode) raiseException(NSInvalidArgumentException, u"performReadyWorkForMode: the mode is null"_ns);
+    return turn(mode, Wait::no, kNever);
+}
 
 }  // namespace pelvor

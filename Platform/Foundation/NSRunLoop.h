@@ -117,7 +117,8 @@ class PELVOR_EXPORT NSRunLoop : public NSObject {
     /// is one of the system's clock as that is set now; a host that waits by another clock takes the time
     /// until the date at once.
     NSDate* limitDateForMode(NSString* mode);
-    /// Does the work that is ready, without waiting. Returns whether there was any.
+    /// Does the work that is ready, without waiting. Returns whether there was any. Raises
+    /// NSInvalidArgumentException if `mode` is null.
     bool performReadyWorkForMode(NSString* mode);
 
     /// Returns what a debugger wants to see: the mode that the loop runs in, the common modes, and the
@@ -163,7 +164,7 @@ class PELVOR_EXPORT NSRunLoop : public NSObject {
     void cancelDelayed(id receiver, const std::function<bool(NSDelayedPerform*)>& isMeant);
 
     std::unique_ptr<State> _state;
-    NSString* _currentMode = nullptr;  // not retained: the turn keeps it
+    Unretained<NSString> _currentMode = nullptr;  // the turn keeps the mode
 };
 
 }  // namespace pelvor

@@ -32,12 +32,14 @@ PELVOR_DEFINE_CLASS(NSTimer, foundationLibrary) {
 
 NSTimer::~NSTimer() = default;
 
-Retained<NSTimer> NSTimer::unscheduled(NSTimeInterval interval, id target, SEL selector, id userInfo,
-                                       bool repeats) {
+Retained<NSTimer> NSTimer::unscheduled(NSString* operation, NSTimeInterval interval, id target, SEL selector,
+                                       id userInfo, bool repeats) {
     constexpr NSTimeInterval kShortest = 0.0001;
     if (!target || !selector)
-        raiseException(NSInvalidArgumentException, u"NSTimer: the %s of the message is null"_ns,
+        raiseException(NSInvalidArgumentException, u"%@ the %s is null"_ns, operation,
                        target ? "selector" : "target");
+    if (std::isnan(interval))
+        raiseException(NSInvalidArgumentException, u"%@ the interval is not a number"_ns, operation);
     auto timer = make<NSTimer>();
     timer->_target.set(target);
     timer->_userInfo.set(userInfo);
@@ -46,26 +48,33 @@ Retained<NSTimer> NSTimer::unscheduled(NSTimeInterval interval, id target, SEL s
     return timer;
 }
 
+NSTimer* NSTimer::timer(NSString* operation, NSTimeInterval seconds, id target, SEL selector, id userInfo,
+                        bool repeats) {
+    auto timer = unscheduled(operation, seconds, target, selector, userInfo, repeats);
+    timer->schedule(steadyTime() + seconds, NSDate::currentTimeIntervalSinceReferenceDate() + seconds);
+    return std::move(timer).autorelease();
+}
+
 NSTimer* NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(NSTimeInterval seconds, id target,
                                                                          SEL selector, id userInfo,
                                                                          bool repeats) {
-    auto timer = unscheduled(seconds, target, selector, userInfo, repeats);
-    timer->schedule(steadyTime() + seconds, NSDate::currentTimeIntervalSinceReferenceDate() + seconds);
-    return std::move(timer).autorelease();
+    return timer(u"timerWithTimeInterval:target:selector:userInfo:repeats:"_ns, seconds, target, selector,
+                 userInfo, repeats);
 }
 
 NSTimer* NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats(NSTimeInterval seconds,
                                                                                   id target, SEL selector,
                                                                                   id userInfo, bool repeats) {
-    NSTimer* timer =
-        timerWithTimeInterval_target_selector_userInfo_repeats(seconds, target, selector, userInfo, repeats);
-    NSRunLoop::currentRunLoop()->addTimer_forMode(timer, NSDefaultRunLoopMode);
-    return timer;
+    NSTimer* scheduled = timer(u"scheduledTimerWithTimeInterval:target:selector:userInfo:repeats:"_ns, seconds,
+                               target, selector, userInfo, repeats);
+    NSRunLoop::currentRunLoop()->addTimer_forMode(scheduled, NSDefaultRunLoopMode);
+    return scheduled;
 }
 
 Retained<NSTimer> NSTimer::initWithFireDate_interval_target_selector_userInfo_repeats(
     NSDate* date, NSTimeInterval seconds, id target, SEL selector, id userInfo, bool repeats) {
-    auto timer = unscheduled(seconds, target, selector, userInfo, repeats);
+    auto timer = unscheduled(u"initWithFireDate:interval:target:selector:userInfo:repeats:"_ns, seconds, target,
+                             selector, userInfo, repeats);
     timer->setFireDate(date);
     return timer;
 }
@@ -130,7 +139,7 @@ void NSTimer::setFireDate(NSDate* date) {
 
 void NSTimer::schedule(NSTimeInterval moment, NSTimeInterval date) {
     if (std::isnan(moment))
-        raiseException(NSInvalidArgumentException, u"NSTimer: the time to fire is not a number"_ns);
+        raiseException(NSInvalidArgumentException, u"setFireDate: the date is not a number of seconds"_ns);
     _moment = moment;
     _date = date;
     for (TimerPlace* place = _places; place; place = place->next) place->heap->move(place, moment);

@@ -13,7 +13,7 @@ class TimerHeap;
 /// The place of a timer in the heap of a run loop's mode. A timer has one place for each mode, chained by
 /// `next`.
 struct TimerPlace {
-    NSTimer* timer;
+    Unretained<NSTimer> timer;  // retained by the heap
     TimerHeap* heap;
     std::size_t index;
     TimerPlace* next;
@@ -77,8 +77,10 @@ class PELVOR_EXPORT NSTimer : public NSObject {
   private:
     friend class TimerHeap;
 
-    static Retained<NSTimer> unscheduled(NSTimeInterval interval, id target, SEL selector, id userInfo,
-                                         bool repeats);
+    static Retained<NSTimer> unscheduled(NSString* operation, NSTimeInterval interval, id target,
+                                         SEL selector, id userInfo, bool repeats);
+    static NSTimer* timer(NSString* operation, NSTimeInterval seconds, id target, SEL selector, id userInfo,
+                          bool repeats);
     TimerPlace* placeIn(TimerHeap* heap);
     void schedule(NSTimeInterval moment, NSTimeInterval date);
     void sendMessage();

@@ -72,8 +72,8 @@ StandardDefaults& standardDefaults() {
     return *standard;
 }
 
-void requireKey(NSString* key) {
-    if (!key) throw NSException(NSInvalidArgumentException, "NSUserDefaults: the key of the setting is null");
+void requireKey(NSString* key, NSString* operation) {
+    if (!key) raiseException(NSInvalidArgumentException, u"%@ the key is null"_ns, operation);
 }
 
 // Returns a copy that does not change. It must fit into the file: one setting that does not would keep all others
@@ -267,7 +267,7 @@ Retained<NSUserDefaults> NSUserDefaults::initWithDomainName(NSString* name, Clas
     constexpr std::string_view kForbidden("/\0", 2);
     if (domain.empty() || domain.size() > 200 || domain.find_first_of(kForbidden) != domain.npos)
         raiseException(NSInvalidArgumentException,
-                       u"initWithDomainName: '%@' cannot be the name of a domain"_ns, name);
+                       u"initWithDomainName: the name '%@' has to have 1 to 200 bytes without '/'"_ns, name);
     auto defaults = initVolatile(cls);
     defaults->_store->useFile(domain);
     return defaults;
@@ -333,28 +333,32 @@ NSDictionary* NSUserDefaults::dictionaryRepresentation() { return _store->all().
 // MARK: Changing
 
 void NSUserDefaults::setObject_forKey(id object, NSString* key) {
-    requireKey(key);
+    requireKey(key, u"setObject:forKey:"_ns);
     change(object ? frozenCopy(object, key) : nullptr, key);
 }
 
 void NSUserDefaults::setInteger_forKey(NSInteger value, NSString* key) {
+    requireKey(key, u"setInteger:forKey:"_ns);
     setObject_forKey(NSNumber::numberWithInt(value), key);
 }
 
 void NSUserDefaults::setFloat_forKey(float value, NSString* key) {
+    requireKey(key, u"setFloat:forKey:"_ns);
     setObject_forKey(NSNumber::numberWithFloat(value), key);
 }
 
 void NSUserDefaults::setDouble_forKey(double value, NSString* key) {
+    requireKey(key, u"setDouble:forKey:"_ns);
     setObject_forKey(NSNumber::numberWithDouble(value), key);
 }
 
 void NSUserDefaults::setBool_forKey(bool value, NSString* key) {
+    requireKey(key, u"setBool:forKey:"_ns);
     setObject_forKey(NSNumber::numberWithBool(value), key);
 }
 
 void NSUserDefaults::removeObjectForKey(NSString* key) {
-    requireKey(key);
+    requireKey(key, u"removeObjectForKey:"_ns);
     change(nullptr, key);
 }
 

@@ -53,13 +53,13 @@ class BundleList {
 
     std::mutex _mutex;
     std::once_flag _isSetUp;
-    NSBundle* _main = nullptr;
+    Unretained<NSBundle> _main = nullptr;
     std::vector<Retained<NSBundle>> _all;
-    std::unordered_map<std::string, NSBundle*> _byPath;
-    std::unordered_map<const Library*, NSBundle*> _byLibrary;
-    std::unordered_map<const void*, NSBundle*> _byCode;
-    std::vector<NSBundle*> _newlyLoaded;  // not yet among those found by their identifiers
-    std::unordered_map<std::string, NSBundle*> _loadedByIdentifier;
+    std::unordered_map<std::string, Unretained<NSBundle>> _byPath;
+    std::unordered_map<const Library*, Unretained<NSBundle>> _byLibrary;
+    std::unordered_map<const void*, Unretained<NSBundle>> _byCode;
+    std::vector<Unretained<NSBundle>> _newlyLoaded;  // not yet among those found by their identifiers
+    std::unordered_map<std::string, Unretained<NSBundle>> _loadedByIdentifier;
 };
 
 }  // namespace pelvor

@@ -36,7 +36,7 @@ class BundleLoader {
     Library* findLibrary(void* handle);
     void registerClasses(Library* library, std::vector<std::string>& classNames);
 
-    NSBundle* _bundle;
+    Unretained<NSBundle> _bundle;
     BundleContents& _contents;
 };
 

@@ -31,7 +31,7 @@ class NSDelayedPerform : public NSObject {
     Retained<Object> _receiver;
     SEL _selector;
     Retained<Object> _argument;
-    NSTimer* _timer = nullptr;  // not retained: while it is valid, it retains this object
+    Unretained<NSTimer> _timer = nullptr;  // retains this object while it is valid
 };
 
 }  // namespace pelvor

@@ -27,7 +27,7 @@ class BriefLock {
 
 /// A registration. Its observer becomes null if the registration is removed while a delivery reads the list.
 struct ObserverEntry {
-    Object* observer;  // not retained
+    Unretained<Object> observer;
     SEL selector;
     std::uint64_t serial;  ///< the order of registration in the centre
 };
@@ -58,7 +58,7 @@ class ObserverTable {
         Retained<NSString> name;
         bool isLiteral = false;  ///< posts find the record by the literal's address, so it stays
         std::unique_ptr<ObserverList> ofAnySender;
-        std::unordered_map<Object*, std::unique_ptr<ObserverList>> bySender;
+        std::unordered_map<Unretained<Object>, std::unique_ptr<ObserverList>> bySender;
 
         bool isEmpty() const { return !ofAnySender && bySender.empty(); }
     };
@@ -72,7 +72,7 @@ class ObserverTable {
     struct Place {
         std::uint64_t serial;
         NameRecord* record;
-        Object* sender;
+        Unretained<Object> sender;
     };
 
     ~ObserverTable() = default;
@@ -90,7 +90,7 @@ class ObserverTable {
     LiteralTable<NameRecord> _literals;
     std::unordered_map<NSString*, std::unique_ptr<NameRecord>, Hash, Equal> _records;
     NameRecord _anyName;
-    std::unordered_map<Object*, std::vector<Place>> _places;
+    std::unordered_map<Unretained<Object>, std::vector<Place>> _places;
     std::vector<std::unique_ptr<ObserverList>> _outdated;  // that deliveries still read
     std::uint64_t _lastSerial = 0;
     std::uint32_t _deliveries = 0;

@@ -106,6 +106,8 @@ TEST_F(UserDefaults, RefuseWhatAFileCannotHold) {
     EXPECT_THROW(defaults->setObject_forKey(NSString::of(u"\xD800"), u"key"_ns), NSException);
     EXPECT_THROW(defaults->setObject_forKey(u"x"_ns, NSString::of(u"\x01")), NSException);
     EXPECT_THROW(defaults->setObject_forKey(u"x"_ns, nullptr), NSException);
+    EXPECT_EQ(RAISED(defaults->setInteger_forKey(1, nullptr)),
+              "NSInvalidArgumentException: setInteger:forKey: the key is null");
     EXPECT_THROW(defaults->removeObjectForKey(nullptr), NSException);
     EXPECT_THROW(defaults->registerDefaults(nullptr), NSException);
     EXPECT_THROW(defaults->setVolatileDomain_forName(nullptr, u"x"_ns), NSException);
