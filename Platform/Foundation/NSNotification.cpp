@@ -53,8 +53,7 @@ NSNotification* NSNotification::notificationWithName_object(NSString* name, id o
 
 NSNotification* NSNotification::notificationWithName_object_userInfo(NSString* name, id object,
                                                                      NSDictionary* userInfo, Class* cls) {
-    if (!name)
-        raiseException(NSInvalidArgumentException, u"notificationWithName: the name is null"_ns);
+    if (!name) raiseException(NSInvalidArgumentException, u"notificationWithName: the name is null"_ns);
     auto notification = make<NSNotification>(cls);
     notification->fill(name, object, userInfo);
     return std::move(notification).autorelease();

@@ -27,8 +27,8 @@ void defineMainThread(MethodTable<Root>& methods) {
                               &performSelectorOnMainThread_withObject_waitUntilDone>();
 }
 
-// With this a thread waits for the main thread. It is a pipe, because the kernel takes the writer of a pipe for about
-// to sleep and has the reader follow on the same processor, which halves the time of a call.
+// With this a thread waits for the main thread. It is a pipe, because the kernel takes the writer of a pipe
+// for about to sleep and has the reader follow on the same processor, which halves the time of a call.
 class Bell {
   public:
     Bell() {
@@ -62,7 +62,8 @@ class Bell {
     int _ends[2];
 };
 
-// A call for which another thread waits, on that thread's stack: the object may be gone as soon as the call is done.
+// A call for which another thread waits, on that thread's stack: the object may be gone as soon as the call
+// is done.
 class AwaitedCall {
   public:
     AwaitedCall(id target, SEL selector, id argument)

@@ -170,7 +170,8 @@ NSRunLoop::~NSRunLoop() {
     if (_state->poll >= 0) close(_state->poll);
 }
 
-// A thread's loop ends with the thread. The main thread's loop stays, since other threads ask for it at any time.
+// A thread's loop ends with the thread. The main thread's loop stays, since other threads ask for it at any
+// time.
 struct OwnRunLoop {
     OwnRunLoop() : loop(make<NSRunLoop>()) {}
     ~OwnRunLoop() { loop->abandon(); }
@@ -188,7 +189,8 @@ NSRunLoop* NSRunLoop::mainRunLoop() {
     return loop;
 }
 
-// Lets go of all work while the loop can still be asked: objects that end with the work may cancel other work.
+// Lets go of all work while the loop can still be asked: objects that end with the work may cancel other
+// work.
 void NSRunLoop::abandon() {
     for (TimerMode& each : _state->timerModes)
         while (!each.timers.isEmpty()) {
@@ -450,7 +452,8 @@ bool NSRunLoop::hasPerforms(NSString* mode) {
                        [&](const auto& each) { return isMode_amongModes(mode, each.second.modes.get()); });
 }
 
-// Sends the messages that were there at the beginning. Each is searched for anew, since any may cancel others.
+// Sends the messages that were there at the beginning. Each is searched for anew, since any may cancel
+// others.
 bool NSRunLoop::firePerforms(NSString* mode) {
     auto& performs = _state->performs;
     if (performs.empty()) return false;
@@ -467,6 +470,7 @@ bool NSRunLoop::firePerforms(NSString* mode) {
 }
 
 void NSRunLoop::perform(std::function<void()> work, NSArray* modes) {
+    if (!work) raiseException(NSInvalidArgumentException, u"perform: the function is empty"_ns);
     {
         std::lock_guard guard(_state->mutex);
         _state->fromThreads.push_back({std::move(work), Retained<NSArray>::retaining(modes)});
@@ -482,7 +486,8 @@ bool NSRunLoop::hasThreadPerforms(NSString* mode) {
                        [&](const ThreadPerform& each) { return isMode_amongModes(mode, each.modes.get()); });
 }
 
-// Makes the calls that were there at the beginning. Calls for other modes stay, and so do the rest if one raises.
+// Makes the calls that were there at the beginning. Calls for other modes stay, and so do the rest if one
+// raises.
 bool NSRunLoop::serveThreads(NSString* mode) {
     if (_state->threadPerforms.load() == 0) return false;
     std::unique_lock lock(_state->mutex);

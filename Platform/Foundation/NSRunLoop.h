@@ -127,7 +127,7 @@ class PELVOR_EXPORT NSRunLoop : public NSObject {
 
     // C++ only
     /// Has the function called on the loop's thread when the loop runs in one of the modes; null stands for
-    /// the default mode. Any thread.
+    /// the default mode. Raises NSInvalidArgumentException if the function is empty. Any thread.
     void perform(std::function<void()> work, NSArray* modes);
 
   protected:

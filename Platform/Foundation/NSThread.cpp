@@ -88,6 +88,7 @@ void NSThread::detachNewThreadSelector_toTarget_withObject(SEL selector, id targ
 }
 
 void NSThread::detach(std::function<void()> entry) {
+    if (!entry) raiseException(NSInvalidArgumentException, u"detach: the function is empty"_ns);
     classRecord.initializeIfNeeded();
     announceSecondThread();
     hasStartedThread.store(true, std::memory_order_release);

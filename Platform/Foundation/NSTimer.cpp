@@ -65,16 +65,16 @@ NSTimer* NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(NSTimeI
 NSTimer* NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats(NSTimeInterval seconds,
                                                                                   id target, SEL selector,
                                                                                   id userInfo, bool repeats) {
-    NSTimer* scheduled = timer(u"scheduledTimerWithTimeInterval:target:selector:userInfo:repeats:"_ns, seconds,
-                               target, selector, userInfo, repeats);
+    NSTimer* scheduled = timer(u"scheduledTimerWithTimeInterval:target:selector:userInfo:repeats:"_ns,
+                               seconds, target, selector, userInfo, repeats);
     NSRunLoop::currentRunLoop()->addTimer_forMode(scheduled, NSDefaultRunLoopMode);
     return scheduled;
 }
 
 Retained<NSTimer> NSTimer::initWithFireDate_interval_target_selector_userInfo_repeats(
     NSDate* date, NSTimeInterval seconds, id target, SEL selector, id userInfo, bool repeats) {
-    auto timer = unscheduled(u"initWithFireDate:interval:target:selector:userInfo:repeats:"_ns, seconds, target,
-                             selector, userInfo, repeats);
+    auto timer = unscheduled(u"initWithFireDate:interval:target:selector:userInfo:repeats:"_ns, seconds,
+                             target, selector, userInfo, repeats);
     timer->setFireDate(date);
     return timer;
 }

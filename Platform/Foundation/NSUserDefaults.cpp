@@ -76,8 +76,8 @@ void requireKey(NSString* key, NSString* operation) {
     if (!key) raiseException(NSInvalidArgumentException, u"%@ the key is null"_ns, operation);
 }
 
-// Returns a copy that does not change. It must fit into the file: one setting that does not would keep all others
-// from being written.
+// Returns a copy that does not change. It must fit into the file: one setting that does not would keep all
+// others from being written.
 Retained<Object> frozenCopy(id object, NSString* key) {
     id entry = NSDictionary::dictionaryWithObject_forKey(object, key);
     NSPropertyListError* error = nullptr;

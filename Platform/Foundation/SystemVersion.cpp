@@ -23,6 +23,7 @@ int readNumber(const char*& text, int limit) {
 }  // namespace
 
 int systemVersionCodeOfRelease(const char* release) {
+    if (!release) return 0;
     int major = readNumber(release, 99);
     int minor = readNumber(release, 9);
     int fix = readNumber(release, 9);

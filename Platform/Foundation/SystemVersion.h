@@ -14,7 +14,8 @@ PELVOR_EXPORT int systemVersionCode();
 /// Sets what systemVersionCode() returns, of which the low 16 bits count; 0 stands for the kernel's release.
 PELVOR_EXPORT void setSystemVersionCode(int code);
 
-/// Returns the code of the text of a release, "6.1.0-18-amd64"; numbers that are missing are 0.
+/// Returns the code of the text of a release, "6.1.0-18-amd64"; numbers that are missing are 0, as is the
+/// code of null.
 PELVOR_EXPORT int systemVersionCodeOfRelease(const char* release);
 
 }  // namespace pelvor

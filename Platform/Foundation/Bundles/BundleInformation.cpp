@@ -2,7 +2,6 @@
 #include <filesystem>
 
 #include "Foundation/Bundles/BundleContents.h"
-#include "Foundation/NSData.h"
 #include "Foundation/NSPropertyListError.h"
 #include "Foundation/NSPropertyListSerialization.h"
 #include "Foundation/NSString.h"
@@ -50,14 +49,9 @@ BundleInformation readBundleInformation(const std::string& path) {
     AutoreleasePool pool;
     BundleInformation information{NSDictionary::init(), faultInFile(path)};
     if (!information.fault.empty()) return information;
-    NSData* data = NSData::dataWithContentsOfFile(NSString::ofUTF8(path));
-    if (!data) {
-        information.fault = "Info.plist cannot be read";
-        return information;
-    }
     NSPropertyListError* error = nullptr;
-    id list = NSPropertyListSerialization::propertyListWithData_options_format_error(
-        data, NSPropertyListImmutable, nullptr, &error);
+    id list = NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error(
+        NSString::ofUTF8(path), NSPropertyListImmutable, nullptr, &error);
     auto* entries = cast<NSDictionary>(list);
     if (error)
         information.fault = "Info.plist: " + error->description()->toUTF8();

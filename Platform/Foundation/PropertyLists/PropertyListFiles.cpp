@@ -3,7 +3,9 @@
 
 #include <cerrno>
 #include <cstring>
+#include <vector>
 
+#include "Foundation/Files/FileContents.h"
 #include "Foundation/NSData.h"
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSString.h"
@@ -15,12 +17,10 @@ namespace pelvor {
 Retained<Object> readPropertyListFile(NSString* path, NSPropertyListMutabilityOptions options,
                                       NSPropertyListFormat* format) {
     if (!path) throw PropertyListFault{"the path is null"};
-    errno = 0;
-    auto data = NSData::initWithContentsOfFile(path);
-    if (!data)
-        throw PropertyListFault{std::string("the file cannot be read") +
-                                (errno ? std::string(": ") + std::strerror(errno) : "")};
-    std::string_view bytes(static_cast<const char*>(data->bytes()), data->length());
+    std::vector<std::byte> content;
+    if (!readFile(path->toUTF8(), content))
+        throw PropertyListFault{std::string("the file cannot be read: ") + std::strerror(errno)};
+    std::string_view bytes(reinterpret_cast<const char*>(content.data()), content.size());
     if (format) *format = propertyListFormatOf(bytes);
     if (bytes.empty() && path->hasSuffix(u".strings"_ns)) return NSDictionary::init();
     return readPropertyList(bytes, options);

@@ -277,15 +277,19 @@ TEST_F(NSRunLoopTest, MistakesAreRaisedWithTheOperationThatWasCalled) {
     const std::string inTimer = "scheduledTimerWithTimeInterval:target:selector:userInfo:repeats: the ";
     const std::pair<std::string, std::function<void()>> rows[] = {
         {inTimer + "target is null", [&] { scheduled(1, nullptr, "hear:"_sel, nullptr, false); }},
-        {inTimer + "interval is not a number", [&] { scheduled(NAN, recorder, "hear:"_sel, nullptr, false); }},
+        {inTimer + "interval is not a number",
+         [&] { scheduled(NAN, recorder, "hear:"_sel, nullptr, false); }},
         {"addTimer:forMode: the timer is null", [&] { loop->addTimer_forMode(nullptr, kTracking); }},
         {"runMode:beforeDate: the mode is null", [&] { run(nullptr, nullptr); }},
         {"performReadyWorkForMode: the mode is null", [&] { loop->performReadyWorkForMode(nullptr); }},
+        {"perform: the function is empty", [&] { loop->perform({}, nullptr); }},
+        {"detach: the function is empty", [] { NSThread::detach({}); }},
         {"addCommonMode: the mode is null", [&] { loop->addCommonMode(nullptr); }},
         {"performSelector:withObject:afterDelay: the selector is null",
          [&] { performSelector_withObject_afterDelay(recorder, SEL(), nullptr, 1); }},
     };
-    for (const auto& [reason, mistake] : rows) EXPECT_EQ(reasonOf("NSInvalidArgumentException", mistake), reason);
+    for (const auto& [reason, mistake] : rows)
+        EXPECT_EQ(reasonOf("NSInvalidArgumentException", mistake), reason);
     EXPECT_FALSE(loop->hasWorkForMode(NSDefaultRunLoopMode));
 }
 

@@ -14,9 +14,7 @@ struct Ways {
     static Library* NoLibrary() { return nullptr; }
     static Library* RaisingFunction() { throw std::runtime_error("not at home"); }
     static Library* ZeroedRecord() { return reinterpret_cast<Library*>(zeros); }
-    static Library* ForeignRecord() {
-        return const_cast<Library*>(reinterpret_cast<const Library*>(kText));
-    }
+    static Library* ForeignRecord() { return const_cast<Library*>(reinterpret_cast<const Library*>(kText)); }
     static Library* OtherInterface() {
         library.interfaceVersion = 4711;
         return &library;
