@@ -28,7 +28,7 @@ Retained<Object> PBMutableNumber::copyWithZone(void*) { return nullptr; }
 Retained<Object> PBMutableNumber::mutableCopyWithZone(void*) { return nullptr; }
 
 PELVOR_DEFINE_CLASS(PBMutableIntNumber, baseLibrary) {
-    methods.classLevel<"initWithInt:", &PBMutableIntNumber::initWithInt>();
+    methods.creator<"initWithInt:", &PBMutableIntNumber::initWithInt>();
     methods.instance<"intValue", &PBMutableIntNumber::intValue>();
     methods.instance<"setIntValue:", &PBMutableIntNumber::setIntValue>();
     methods.instance<"increment", &PBMutableIntNumber::increment>();

@@ -33,6 +33,9 @@ class PELVOR_EXPORT Class final : public NSObject {
 
     /// "PBIdleQueue". Both a class and its metaclass have the name.
     const char* name() const { return _name; }
+    /// The name for messages that people read: a final class that only implements its superclass, as those
+    /// behind NSString do, goes by the superclass's name.
+    const char* publicName() const;
     /// Where inherited methods come from; a posing class stands here for the one that it replaced.
     Class* superclass() const { return _superclass; }
     bool isMetaclass() const { return _isMetaclass; }
@@ -184,8 +187,8 @@ T* cast(Object* object) {
     return object && isNativeKindOf(object, T::classObject()) ? static_cast<T*>(object) : nullptr;
 }
 
-/// The owned object as an owned T if it is one; else null, and the object is released. What a superclass's creator
-/// returns becomes the subclass's object so:
+/// The owned object as an owned T if it is one; else null, and the object is released. What a superclass's
+/// creator returns becomes the subclass's object so:
 ///
 ///     auto self = cast<PBSpot>(PBLamp::initWithColour(colour, cls));
 template <class T, class U>
@@ -217,25 +220,31 @@ auto CreatorCall<Self, creator, TypeList<A...>>::operator()(A... arguments, Clas
         return static_cast<Self*>(made);
 }
 
-template <auto Function, bool TakesClass, class... A>
-Wire<typename FunctionTypes<decltype(Function)>::Result>
-StaticThunk<Function, TakesClass, TypeList<A...>>::call(Object* self, SEL selector, Wire<A>... arguments) {
+template <auto Function, ClassRole Role, class... A>
+Wire<typename FunctionTypes<decltype(Function)>::Result> StaticThunk<Function, Role, TypeList<A...>>::call(
+    Object* self, SEL selector, Wire<A>... arguments) {
     auto run = [&] {
-        if constexpr (TakesClass)
+        if constexpr (Role.takesClass)
             return Function(argumentFromWire<A>(arguments, self, selector)..., static_cast<Class*>(self));
         else
             return Function(argumentFromWire<A>(arguments, self, selector)...);
     };
-    if constexpr (std::is_void_v<R>)
+    if constexpr (std::is_void_v<R>) {
         run();
-    else
+    } else if constexpr (Role.isCreator) {
+        Object* made = resultToWire(run());
+        auto* wanted = static_cast<Class*>(self);
+        if (made && !made->isa()->isSubclassOfClass(wanted)) raiseMadeOther(made, wanted);
+        return made;
+    } else {
         return resultToWire(run());
+    }
 }
 
-template <auto Function, bool TakesClass, class... A>
-IMP StaticThunk<Function, TakesClass, TypeList<A...>>::implementation() {
+template <auto Function, ClassRole Role, class... A>
+IMP StaticThunk<Function, Role, TypeList<A...>>::implementation() {
     return {reinterpret_cast<void (*)()>(&call), &SignatureFor<R, A...>::object,
-            TakesClass ? Class::classObject() : nullptr};
+            Role.takesClass || Role.isCreator ? Class::classObject() : nullptr};
 }
 
 }  // namespace detail

@@ -23,6 +23,7 @@ struct IMP {
 struct Method {
     SEL selector;
     IMP implementation;
+    bool isCreator = false;  ///< what it returns is an object of the receiving class
 };
 
 /// Methods that came to a class together: its own, or those of one category. Immortal once attached.
@@ -166,11 +167,18 @@ struct AdditionThunk<Function, First, TypeList<A...>> {
     }
 };
 
-// A static function; `TakesClass` tells that its last parameter is the receiving class.
-template <auto Function, bool TakesClass, class Arguments>
+/// Whether a creator's last parameter is the receiving class, and whether what it returns must be of that
+/// class.
+struct ClassRole {
+    bool takesClass;
+    bool isCreator;
+};
+
+// A static function.
+template <auto Function, ClassRole Role, class Arguments>
 struct StaticThunk;
-template <auto Function, bool TakesClass, class... A>
-struct StaticThunk<Function, TakesClass, TypeList<A...>> {
+template <auto Function, ClassRole Role, class... A>
+struct StaticThunk<Function, Role, TypeList<A...>> {
     using R = typename FunctionTypes<decltype(Function)>::Result;
 
     static Wire<R> call(Object* self, SEL selector, Wire<A>... arguments);  // both in Class.h
@@ -204,12 +212,13 @@ consteval bool spells(std::string_view function, std::string_view selector) {
     return true;
 }
 
-/// Whether a method can have the function's result and arguments. References cannot travel: the caller may send a value
-/// that nothing refers to.
+/// Whether a method can have the function's result and arguments. References cannot travel: the caller may
+/// send a value that nothing refers to.
 template <class Result, class Arguments>
 inline constexpr bool canBeSent = false;
 template <class Result, class... A>
-inline constexpr bool canBeSent<Result, TypeList<A...>> = canTravel<Result> && (canTravel<std::remove_cv_t<A>> && ...);
+inline constexpr bool canBeSent<Result, TypeList<A...>> = canTravel<Result> &&
+                                                          (canTravel<std::remove_cv_t<A>> && ...);
 template <auto Function>
 inline constexpr bool isSendable =
     canBeSent<std::remove_cv_t<typename FunctionTypes<decltype(Function)>::Result>,
@@ -237,16 +246,17 @@ IMP instanceImplementation() {
     }
 }
 
-template <auto Function, class Arity>
+template <auto Function, class Arity, bool IsCreator>
 IMP classImplementation() {
     using Arguments = typename FunctionTypes<decltype(Function)>::template Arguments<TypeList>;
     if constexpr (Arguments::count == Arity::value) {
-        return StaticThunk<Function, false, Arguments>::implementation();
+        return StaticThunk<Function, ClassRole{false, IsCreator}, Arguments>::implementation();
     } else {
         static_assert(Arguments::count == Arity::value + 1, "a class operation takes one argument a colon");
         static_assert(isClassPointer<typename DropLast<Arguments>::last>,
                       "the extra last parameter of a class operation is the receiving class");
-        return StaticThunk<Function, true, typename DropLast<Arguments>::type>::implementation();
+        return StaticThunk<Function, ClassRole{true, IsCreator},
+                           typename DropLast<Arguments>::type>::implementation();
     }
 }
 
@@ -261,10 +271,10 @@ IMP implementation() {
 }
 
 /// The same for a class operation: a static or free function that may take the receiving class last.
-template <FixedString Name, auto Function>
+template <FixedString Name, auto Function, bool IsCreator = false>
 IMP classImplementation() {
     return detail::classImplementation<
-        Function, std::integral_constant<std::size_t, detail::colonCount(Name.view())>>();
+        Function, std::integral_constant<std::size_t, detail::colonCount(Name.view())>, IsCreator>();
 }
 
 #define PELVOR_UNSENDABLE "only plain values, objects and pointers travel in messages, and none by reference"
@@ -296,13 +306,32 @@ class MethodTable {
     }
     template <FixedString Name, auto Function>
     void classLevelAs() {
-        static_assert(detail::isSendable<Function>, PELVOR_UNSENDABLE);
-        if constexpr (detail::isSendable<Function>)
-            _classLevel.methods.push_back(
-                {registerSelector(Name.view()), classImplementation<Name, Function>()});
+        addClassLevel<Name, Function, false>();
+    }
+
+    /// A class operation that makes objects of the receiving class (Creators.h). By message it raises
+    /// NSInvalidArgumentException for a subclass whose objects the function does not make.
+    template <FixedString Name, auto Function>
+    void creator() {
+        detail::checkSpelling<Name, Function>();
+        creatorAs<Name, Function>();
+    }
+    template <FixedString Name, auto Function>
+    void creatorAs() {
+        static_assert(detail::isOwn<T, typename detail::FunctionTypes<decltype(Function)>::Result>,
+                      "a creator returns an object of its class");
+        addClassLevel<Name, Function, true>();
     }
 
   private:
+    template <FixedString Name, auto Function, bool IsCreator>
+    void addClassLevel() {
+        static_assert(detail::isSendable<Function>, PELVOR_UNSENDABLE);
+        if constexpr (detail::isSendable<Function>)
+            _classLevel.methods.push_back(
+                {registerSelector(Name.view()), classImplementation<Name, Function, IsCreator>(), IsCreator});
+    }
+
     MethodGroup& _instance;
     MethodGroup& _classLevel;
 };

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string>
 #include <utility>
 
 #include "Runtime/NSObject.h"
@@ -21,6 +22,17 @@ struct ArgumentLayout {
 /// Calls `function` with the arguments that stand in `frame`; the result, if any, goes to `result`.
 using FrameInvoker = void (*)(void (*function)(), Object* self, SEL selector, const std::byte* frame,
                               void* result);
+
+class NSMethodSignature;
+
+namespace detail {
+
+/// The type that an encoding stands for, in words: "an int", "an object", "a struct NSRange".
+PELVOR_EXPORT std::string describeType(const char* encoding);
+/// "a method that takes (an int, an object) and returns a bool".
+std::string describeTypes(const NSMethodSignature* signature);
+
+}  // namespace detail
 
 /// The types of a method, immutable and immortal. Arguments 0 and 1 are the receiver and the
 /// selector; those of the message begin at 2. Any thread.

@@ -45,9 +45,9 @@ void Object::doesNotRecognizeSelector(SEL selector) {
     char address[32];
     std::snprintf(address, sizeof address, "%p", static_cast<void*>(this));
     bool isClass = _isa->isMetaclass();
-    throw NSException(NSInvalidArgumentException, std::string(isClass ? "+[" : "-[") + _isa->name() + " " +
-                                                      selector.name() + "]: unrecognized selector sent to " +
-                                                      (isClass ? "class " : "instance ") + address);
+    throw NSException(NSInvalidArgumentException,
+                      std::string(isClass ? "+[" : "-[") + _isa->publicName() + " " + selector.name() +
+                          "]: unrecognized selector sent to " + (isClass ? "class " : "instance ") + address);
 }
 
 namespace {
