@@ -6,9 +6,9 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(PBMutableNumber, baseLibrary) {
-    methods.classLevel<"numberWithBool:", &PBMutableNumber::numberWithBool>();
-    methods.classLevel<"numberWithInt:", &PBMutableNumber::numberWithInt>();
-    methods.classLevel<"numberWithUnsignedInt:", &PBMutableNumber::numberWithUnsignedInt>();
+    methods.creator<"numberWithBool:", &PBMutableNumber::numberWithBool>();
+    methods.creator<"numberWithInt:", &PBMutableNumber::numberWithInt>();
+    methods.creator<"numberWithUnsignedInt:", &PBMutableNumber::numberWithUnsignedInt>();
     methods.instance<"copyWithZone:", &PBMutableNumber::copyWithZone>();
     methods.instance<"mutableCopyWithZone:", &PBMutableNumber::mutableCopyWithZone>();
 }

@@ -17,6 +17,7 @@ class PBMutableIntNumber;
 /// creators make objects of a subclass.
 class PELVOR_EXPORT PBMutableNumber : public NSNumber, NSNumber::HiddenCreators {
     PELVOR_CLASS(PBMutableNumber, NSNumber);
+    PELVOR_CREATORS(numberWithBool, numberWithInt, numberWithUnsignedInt);
 
   public:
     // Creators of borrowed numbers. A boolean becomes 1 or 0, an unsigned number the signed one of the same

@@ -74,7 +74,7 @@ const MethodGroup* Class::methodGroups() {
 
 void Class::attachPendingCategories() { Registry::shared().attachPendingCategories(_describes); }
 
-// The method that an object of `receiver` would answer with; methods whose code needs another C++
+// The method that an object of `receiver` has for the selector. Methods whose code needs another C++
 // class of receiver, as a posing class's may, are passed over.
 const Method* Class::findMethod(SEL selector, Class* receiver) {
     for (Class* cls = this; cls; cls = cls->_superclass) {

@@ -26,8 +26,7 @@ namespace pelvor {
 ///       public:
 ///         static PBLamp* lampWithColour(NSString* colour, Class* cls = classObject());
 ///         static Retained<PBLamp> initWithColour(NSString* colour, Class* cls = classObject());
-///
-/// and each subclass does one of three things with each of them; a subclass that does none does not compile:
+/// and a subclass does one of three things with each inherited creator; a subclass that does nothing does not compile:
 ///
 ///     class PBSpot : public PBLamp {
 ///         PELVOR_CLASS(PBSpot, PBLamp);
@@ -129,7 +128,7 @@ consteval bool checkCreators() {
         name{};
 
 /// In the body of a class, after PELVOR_CLASS: the names of the creators that the class declares. A class
-/// that hides those of its superclass and may have subclasses has such a list too, even an empty one.
+/// that hides its superclass's creators and may have subclasses has such a list too, even an empty one.
 #define PELVOR_CREATORS(...)                                   \
   public:                                                      \
     template <class Self>                                      \

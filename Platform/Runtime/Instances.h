@@ -16,7 +16,7 @@ class MethodTable;
 
 /// What the C++ class behind a class record gives it.
 struct NativeClass {
-    Object* (*create)() = nullptr;  ///< a new object without a class; none for an abstract class
+    Object* (*create)() = nullptr;  ///< makes an object without a class; null for an abstract class
     std::size_t instanceSize = 0;
     bool isFinal = false;
     void (*defineMethods)(MethodGroup& instance, MethodGroup& classLevel) = nullptr;

@@ -10,11 +10,11 @@
 namespace pelvor {
 
 /// The code behind a method: a function with its types, and the class whose objects it may be called
-/// with. Two are equal when they are the same function.
+/// with. Two implementations are equal when they have the same function.
 struct IMP {
     void (*function)() = nullptr;
     NSMethodSignature* signature = nullptr;
-    Class* receiver = nullptr;  ///< none: any object
+    Class* receiver = nullptr;  ///< null: any object
 
     explicit operator bool() const { return function != nullptr; }
     friend bool operator==(const IMP& a, const IMP& b) { return a.function == b.function; }
@@ -26,9 +26,10 @@ struct Method {
     bool isCreator = false;  ///< what it returns is an object of the receiving class
 };
 
-/// Methods that came to a class together: its own, or those of one category. Immortal once attached.
+/// Methods that came to a class together: the class's own methods, or the methods of one category. A group lives for
+/// good once it is attached.
 struct MethodGroup {
-    const char* category = nullptr;  ///< none: the class's own
+    const char* category = nullptr;  ///< null: the class's own methods
     std::vector<Method> methods;
     MethodGroup* next = nullptr;  ///< the group that was there before
 };
@@ -82,7 +83,7 @@ T argumentFromWire(Wire<T> value, Object* receiver, SEL selector) {
     }
 }
 
-/// The record of a C++ class, or none for the roots that have none.
+/// The record of a C++ class; null for the root Object, which has no record.
 template <class C>
 constexpr Class* receiverRecord() {
     if constexpr (std::is_same_v<C, Object>)
@@ -91,8 +92,8 @@ constexpr Class* receiverRecord() {
         return &C::classRecord;
 }
 
-// Whether an argument is seen at a glance to be what the method takes: none, or of exactly its class. Of an
-// abstract class it never is.
+// Whether one comparison can tell that an argument is what the method takes: null, or an object of exactly the
+// parameter's class. No object is of exactly an abstract class.
 template <class T>
 inline constexpr bool hasQuickCheck = false;
 template <ObjectPointer T>
@@ -270,7 +271,8 @@ IMP implementation() {
         Function, std::integral_constant<std::size_t, detail::colonCount(Name.view())>>();
 }
 
-/// The same for a class operation: a static or free function that may take the receiving class last.
+/// The implementation that a static or free function gives for a class operation. The function may take the receiving
+/// class as its last parameter.
 template <FixedString Name, auto Function, bool IsCreator = false>
 IMP classImplementation() {
     return detail::classImplementation<

@@ -35,7 +35,7 @@ std::string describeTypes(const NSMethodSignature* signature);
 }  // namespace detail
 
 /// The types of a method, immutable and immortal. Arguments 0 and 1 are the receiver and the
-/// selector; those of the message begin at 2. Any thread.
+/// selector; the message's own arguments begin at 2. Any thread.
 class PELVOR_EXPORT NSMethodSignature final : public NSObject {
     PELVOR_CLASS(NSMethodSignature, NSObject);
 
@@ -48,7 +48,7 @@ class PELVOR_EXPORT NSMethodSignature final : public NSObject {
     /// Raises NSInvalidArgumentException for an index out of bounds.
     const char* getArgumentTypeAtIndex(std::uint32_t index);
     const char* methodReturnType() { return _result.encoding; }
-    /// The size of the result in bytes, 0 for none.
+    /// The size of the result in bytes; 0 for a method without a result.
     std::uint32_t methodReturnLength() { return _result.size; }
     /// The bytes that the message's own arguments take in a frame.
     std::uint32_t frameLength() { return _frameLength; }
