@@ -13,9 +13,8 @@ namespace pelvor {
 
 /// Reads the file in steps of so many bytes. It remembers where each step began, and so finds any place again
 /// that somebody goes back to.
-class FileScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreators {
+class FileScanner : public OFCharacterScanner {
     PELVOR_CLASS(FileScanner, OFCharacterScanner);
-    PELVOR_CREATORS(of);
 
   public:
     /// The file stays open while the scanner lives; nobody else moves in it.

@@ -39,11 +39,11 @@ Retained<NSArray> NSArray_PelvorRangeArray::initWithRange(NSRange range, Class* 
 NSRange rangeAtIndex(NSArray* array, NSUInteger index) {
     const std::vector<NSRange>* plain = PBRangeList::plainRangesOf(array);
     if (plain && index < plain->size()) return (*plain)[index];
-    return rangeInBox(array->objectAtIndex(index));
+    return rangeInBox(array->objectAtIndex(index), "rangeAtIndex:");
 }
 
 NSUInteger insertionIndexForRange(NSArray* array, NSRange range) {
-    NSUInteger index = indexOfRange(array, [range](NSRange other) {
+    NSUInteger index = indexOfRange(array, "insertionIndexForRange:", [range](NSRange other) {
         return range.location < other.location ||
                (range.location == other.location && range.length < other.length);
     });

@@ -24,7 +24,7 @@ NSEnumerator* NSEnumerator_PelvorAdditions::enumeratorWithObject(id object) {
 }
 
 PELVOR_DEFINE_CLASS(PBSingleObjectEnumerator, baseLibrary) {
-    methods.creator<"initWithObject:", &PBSingleObjectEnumerator::initWithObject>();
+    methods.classLevel<"initWithObject:", &PBSingleObjectEnumerator::initWithObject>();
     methods.instance<"nextObject", &PBSingleObjectEnumerator::nextObject>();
 }
 

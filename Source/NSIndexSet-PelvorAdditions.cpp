@@ -6,9 +6,10 @@
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSNumber.h"
+#include "Foundation/NSString.h"
 #include "PBRangeUtil.h"
 #include "Private/PBRangeList.h"
-#include "Runtime/Message.h"
+#include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
 
 namespace pelvor {
@@ -23,7 +24,7 @@ void defineAdditions(MethodTable<NSIndexSet>& methods) {
 NSIndexSet* indexSetOf(std::vector<NSRange> ranges) {
     if (ranges.empty()) return NSIndexSet::indexSet();
     if (ranges.size() == 1) return NSIndexSet::indexSetWithIndexesInRange(ranges.front());
-    // In order each goes to the end of the set, instead of moving what follows.
+    // Ranges in order are added at the end of the set each, which moves nothing.
     auto isBefore = [](NSRange a, NSRange b) { return a.location < b.location; };
     if (!std::is_sorted(ranges.begin(), ranges.end(), isBefore))
         std::sort(ranges.begin(), ranges.end(), isBefore);
@@ -32,33 +33,26 @@ NSIndexSet* indexSetOf(std::vector<NSRange> ranges) {
     return set->copy().autorelease();
 }
 
-// The set of all elements, each read as a range.
-template <class RangeOf>
-NSIndexSet* indexSetOf(NSArray* elements, RangeOf rangeOf) {
-    std::vector<NSRange> ranges;
-    if (elements) ranges.reserve(elements->count());
-    for (id element : elements) ranges.push_back(rangeOf(element));
-    return indexSetOf(std::move(ranges));
-}
-
 }  // namespace
 
 constinit const Category NSIndexSet_PelvorAdditions_category =
     Category::of<NSIndexSet, defineAdditions>("PelvorAdditions");
 
 NSIndexSet* NSIndexSet_PelvorAdditions::indexSetWithRangeArray(NSArray* ranges) {
-    if (const std::vector<NSRange>* plain = PBRangeList::plainRangesOf(ranges)) return indexSetOf(*plain);
-    return indexSetOf(ranges, [](id element) {
-        return cast<NSValue>(element) ? rangeInBox(element) : send<NSRange>(element, "rangeValue"_sel);
-    });
+    return indexSetOf(rangesOf(ranges, "indexSetWithRangeArray:"));
 }
 
 NSIndexSet* NSIndexSet_PelvorAdditions::indexSetWithNumberArray(NSArray* numbers) {
-    return indexSetOf(numbers, [](id element) {
+    std::vector<NSRange> ranges;
+    if (numbers) ranges.reserve(numbers->count());
+    for (id element : numbers) {
         auto* number = cast<NSNumber>(element);
-        return NSRange{number ? number->unsignedIntValue() : send<unsigned>(element, "unsignedIntValue"_sel),
-                       1};
-    });
+        if (!number)
+            raiseException(NSInvalidArgumentException,
+                           u"indexSetWithNumberArray: the array holds %@, which is no number"_ns, element);
+        ranges.push_back({number->unsignedIntValue(), 1});
+    }
+    return indexSetOf(std::move(ranges));
 }
 
 NSRange indexRangeStartingAtOrAfterIndex(NSIndexSet* set, NSUInteger index) {

@@ -45,8 +45,7 @@ NSInvocation* NSInvocation_PelvorAdditions::invocationWithTarget_selector(id tar
     NSMethodSignature* signature = target->methodSignatureForSelector(selector);
     if (!signature)
         raiseException(NSInvalidArgumentException,
-                       u"invocationWithTarget:selector: the target, of class %s, has no method %s"_ns,
-                       target->isa()->name(), selector.name());
+                       u"invocationWithTarget:selector: the target has no method %s"_ns, selector.name());
     NSInvocation* invocation = invocationOf(signature, selector);
     invocation->setTarget(target);
     return invocation;

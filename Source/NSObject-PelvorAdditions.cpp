@@ -104,10 +104,10 @@ class PlainMessage {
         _invocation->setArgument_atIndex(&bits, 2);
     }
     [[noreturn]] void raiseArgument(const char* given) {
-        Class* cls = _object->isa();
-        raiseException(NSInvalidArgumentException, u"the first argument of %c[%s %s] cannot be %s: %s"_ns,
-                       cls->isMetaclass() ? '+' : '-', cls->name(), _invocation->selector().name(), given,
-                       argumentKind() == 'v' ? "it takes none" : "it is of another type");
+        raiseException(NSInvalidArgumentException,
+                       u"the message %s cannot be given %s: its method takes %s"_ns,
+                       _invocation->selector().name(), given,
+                       argumentKind() == 'v' ? "no argument" : "an argument of another type");
     }
 
     Unretained<Object> _object;

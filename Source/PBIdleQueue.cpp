@@ -13,7 +13,7 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(PBIdleQueue, baseLibrary) {
-    methods.creator<"initWithSelector:", &PBIdleQueue::initWithSelector>();
+    methods.classLevel<"initWithSelector:", &PBIdleQueue::initWithSelector>();
     methods.instance<"addObject:", &PBIdleQueue::addObject>();
     methods.instance<"removeObject:", &PBIdleQueue::removeObject>();
     methods.instance<"containsObject:", &PBIdleQueue::containsObject>();
@@ -27,7 +27,7 @@ PELVOR_DEFINE_CLASS(PBIdleQueue, baseLibrary) {
 
 PELVOR_DEFINE_CLASS(PBIdleQueueScheduler, baseLibrary) {
     methods.classLevel<"instance", &PBIdleQueueScheduler::instance>();
-    methods.creator<"init", &PBIdleQueueScheduler::init>();
+    methods.classLevel<"init", &PBIdleQueueScheduler::init>();
     methods.instance<"addQueue:", &PBIdleQueueScheduler::addQueue>();
     methods.instance<"removeQueue:", &PBIdleQueueScheduler::removeQueue>();
     methods.instance<"scheduleQueues", &PBIdleQueueScheduler::scheduleQueues>();
@@ -81,8 +81,8 @@ void PBIdleQueue::flush() {
     if (_objs) _objs->removeAllObjects();
 }
 
-// The scheduler may have the last reference, so that comes last. The destructor of a subclass may call this,
-// so the queue does not retain itself.
+// The scheduler may have the last reference to the queue, so its turn is given up last. The destructor of a
+// subclass may call this, so the queue does not retain itself.
 void PBIdleQueue::invalidate() {
     _objs = nullptr;
     _isScheduled = false;

@@ -11,11 +11,11 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(PBLinkedListNode, baseLibrary) {
-    methods.creator<"initWithObject:", &PBLinkedListNode::initWithObject>();
+    methods.classLevel<"initWithObject:", &PBLinkedListNode::initWithObject>();
 }
 
 PELVOR_DEFINE_CLASS(PBLinkedList, baseLibrary) {
-    methods.creator<"init", &PBLinkedList::init>();
+    methods.classLevel<"init", &PBLinkedList::init>();
     methods.instance<"count", &PBLinkedList::count>();
     methods.instance<"isEmpty", &PBLinkedList::isEmpty>();
     methods.instance<"push:", &PBLinkedList::push>();
@@ -33,7 +33,7 @@ PELVOR_DEFINE_CLASS(PBLinkedList, baseLibrary) {
 }
 
 PELVOR_DEFINE_CLASS(PBLinkedListEnumerator, baseLibrary) {
-    methods.creator<"initWithList:node:", &PBLinkedListEnumerator::initWithList_node>();
+    methods.classLevel<"initWithList:node:", &PBLinkedListEnumerator::initWithList_node>();
     methods.instance<"removeLastObject", &PBLinkedListEnumerator::removeLastObject>();
 }
 
@@ -89,7 +89,7 @@ PBLinkedListNode* PBLinkedList::nodeAtIndex_prevNode(NSUInteger index, PBLinkedL
     return node;
 }
 
-// The node is out of the list before it is released: the end of its object may change the list.
+// The node is taken out of the list before it is released, since the end of its object may change the list.
 void PBLinkedList::removeNode_withPreviousNode(PBLinkedListNode* node, PBLinkedListNode* previous) {
     if (!node || (node != _head && (!previous || previous->next != node))) return;
     (node == _head ? _head : previous->next) = std::exchange(node->next, nullptr);
@@ -113,7 +113,7 @@ void PBLinkedList::removeObjectsInRange(NSRange range) {
     (previous ? previous->next : _head) = std::exchange(last->next, nullptr);
     _count -= range.length;
     ++_removals;
-    // Only now, since the end of an object may change the list, or be the end of the list.
+    // Objects end only now, since the end of an object may change the list or destroy it.
     while (PBLinkedListNode* node = first) {
         first = std::exchange(node->next, nullptr);
         node->release();

@@ -26,7 +26,7 @@ std::uint64_t delayedLengths = 0;  // one bit for the length of each delayed nam
 NSMutableSet* queuedDelayedNames = nullptr;
 PBIdleQueue* delayedNotifications = nullptr;
 
-// Asked with every post. The length of most names tells that they are not among the delayed ones.
+// Called with every post. The length of most names tells that they are not among the delayed ones.
 bool isDelayedCoalesced(NSString* name) {
     return (delayedLengths >> std::min(name->length(), 63u) & 1) &&
            delayedCoalescedNames->containsObject(name);
@@ -42,7 +42,7 @@ bool isHeldBack(NSNotificationCenter* center, NSString* name) {
     return true;
 }
 
-// The default centre was made as an object of the superclass, so these are no members.
+// The default centre was made as an object of the superclass, so these functions are no members.
 
 void postName(NSNotificationCenter* center, NSString* name, id object, NSDictionary* userInfo) {
     if (!isHeldBack(center, name))
@@ -89,7 +89,7 @@ PELVOR_DEFINE_CLASS(PBNotificationCenter, baseLibrary) {
 }
 
 PELVOR_DEFINE_CLASS(PBNotificationWatcher, baseLibrary) {
-    methods.creator<"initWithNotificationCenter:", &PBNotificationWatcher::initWithNotificationCenter>();
+    methods.classLevel<"initWithNotificationCenter:", &PBNotificationWatcher::initWithNotificationCenter>();
     methods.instance<"watchObject:notifications:", &PBNotificationWatcher::watchObject_notifications>();
     methods.instance<"watchNone", &PBNotificationWatcher::watchNone>();
     methods.instance<"invalidate", &PBNotificationWatcher::invalidate>();

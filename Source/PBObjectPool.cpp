@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBObjectPool.h"
 
+#include <mutex>
 #include <new>
 #include <utility>
 
@@ -11,32 +12,21 @@
 namespace pelvor {
 namespace {
 
-// Holds a lock, if there is one, for a scope.
-class Guard {
-  public:
-    explicit Guard(NSLock* lock) : _lock(lock) {
-        if (_lock) _lock->lock();
-    }
-    ~Guard() {
-        if (_lock) _lock->unlock();
-    }
-    Guard(const Guard&) = delete;
-    Guard& operator=(const Guard&) = delete;
-
-  private:
-    NSLock* _lock;
-};
+// Takes the lock if there is one.
+std::unique_lock<NSLock> guardOf(NSLock* lock) {
+    return lock ? std::unique_lock(*lock) : std::unique_lock<NSLock>();
+}
 
 }  // namespace
 
 PELVOR_DEFINE_CLASS(PBObjectPool, baseLibrary) {
-    methods.creator<"initWithCapacity:", &PBObjectPool::initWithCapacity>();
+    methods.classLevel<"initWithCapacity:", &PBObjectPool::initWithCapacity>();
     methods.instance<"poolObject:", &PBObjectPool::poolObject>();
     methods.instance<"popObject", &PBObjectPool::popObject>();
 }
 
 PELVOR_DEFINE_CLASS(PBExternalObjectPool, baseLibrary) {
-    methods.creator<"initWithCapacity:useLock:", &PBExternalObjectPool::initWithCapacity_useLock>();
+    methods.classLevel<"initWithCapacity:useLock:", &PBExternalObjectPool::initWithCapacity_useLock>();
     methods.instance<"popObject", &PBExternalObjectPool::popObject>();
 }
 
@@ -49,12 +39,13 @@ Retained<PBObjectPool> PBObjectPool::initWithCapacity(std::uint32_t capacity, Cl
     return pool;
 }
 
-// The pool is empty and takes nothing more before the first object is released: its end may come back here.
+// The pool is emptied and closed before the first object is released, since the end of an object may call the
+// pool.
 PBObjectPool::~PBObjectPool() {
     std::unique_ptr<id[]> objects;
     std::uint32_t count = 0;
     {
-        Guard guard(_lock);
+        auto guard = guardOf(_lock);
         objects = std::move(_pool);
         count = _count.exchange(0);
         _capacity = 0;
@@ -87,14 +78,14 @@ NSString* PBObjectPool::description() {
 
 Retained<PBExternalObjectPool> PBExternalObjectPool::initWithCapacity_useLock(std::uint32_t capacity,
                                                                               bool useLock, Class* cls) {
-    auto pool = initWithCapacity(capacity, cls);
+    auto pool = cast<PBExternalObjectPool>(PBObjectPool::initWithCapacity(capacity, cls));
     if (pool && !useLock) pool->_lock = nullptr;
     return pool;
 }
 
 bool PBExternalObjectPool::poolObject(id object) {
     if (!object || isFull()) return false;
-    Guard guard(_lock);
+    auto guard = guardOf(_lock);
     if (!PBObjectPool::poolObject(object)) return false;
     object->retain();
     return true;
@@ -102,7 +93,7 @@ bool PBExternalObjectPool::poolObject(id object) {
 
 Retained<Object> PBExternalObjectPool::takeTop() {
     if (isEmpty()) return nullptr;
-    Guard guard(_lock);
+    auto guard = guardOf(_lock);
     return PBObjectPool::takeTop();
 }
 

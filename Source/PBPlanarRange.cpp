@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBPlanarRange.h"
 
+#include <cstring>
+
+#include "Foundation/NSString.h"
+#include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
 
 namespace pelvor {
@@ -20,6 +24,11 @@ NSValue* NSValue_PlanarRangeAdditions::valueWithPlanarRange(PBPlanarRange range)
     return NSValue::of(range);
 }
 
-PBPlanarRange planarRangeValue(NSValue* value) { return value->as<PBPlanarRange>(); }
+PBPlanarRange planarRangeValue(NSValue* value) {
+    if (std::strcmp(value->objCType(), typeEncoding<PBPlanarRange>.text) != 0)
+        raiseException(NSInvalidArgumentException, u"planarRangeValue: %@ is no boxed planar range"_ns,
+                       value);
+    return value->as<PBPlanarRange>();
+}
 
 }  // namespace pelvor

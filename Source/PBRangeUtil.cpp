@@ -16,12 +16,13 @@ bool overlap(NSRange a, NSRange b) { return NSIntersectionRange(a, b).length > 0
 }  // namespace
 
 int PBCompareRanges(id obj1, id obj2, void*) {
-    NSUInteger first = rangeInBox(obj1).location, second = rangeInBox(obj2).location;
+    constexpr const char* kOperation = "PBCompareRanges:";
+    NSUInteger first = rangeInBox(obj1, kOperation).location, second = rangeInBox(obj2, kOperation).location;
     return first < second ? NSOrderedAscending : first > second ? NSOrderedDescending : NSOrderedSame;
 }
 
 NSUInteger PBIndexOfRangeInRanges(NSRange findRng, NSArray* rngs) {
-    return indexOfRange(rngs, [findRng](NSRange range) {
+    return indexOfRange(rngs, "PBIndexOfRangeInRanges:", [findRng](NSRange range) {
         if (range == findRng) return true;
         return findRng.length ? overlap(findRng, range)
                               : range.location <= findRng.location && findRng.location < PBMaxRange(range);
@@ -124,11 +125,12 @@ NSArray* normalizedList(Ranges ranges, Empties empties) {
 
 NSArray* PBNormalizeRanges(NSArray* ranges, bool isRemZeros) {
     if (!ranges || ranges->count() < 2) return ranges;
-    return normalizedList(rangesOf(ranges), isRemZeros ? Empties::remove : Empties::keep);
+    return normalizedList(rangesOf(ranges, "PBNormalizeRanges:"),
+                          isRemZeros ? Empties::remove : Empties::keep);
 }
 
 NSArray* PBAddRangeToNormalizedRanges(NSRange addRng, NSArray* rngs) {
-    Ranges all = rangesOf(rngs);
+    Ranges all = rangesOf(rngs, "PBAddRangeToNormalizedRanges:");
     all.push_back(addRng);
     return normalizedList(std::move(all), Empties::remove);
 }
@@ -139,7 +141,7 @@ namespace {
 NSArray* subtracted(NSRange range, NSArray* ranges, NSUInteger& active) {
     NSUInteger index = PBIndexOfRangeInRanges(range, ranges);
     if (index == NSNotFound) return ranges;
-    Ranges left = rangesOf(ranges);
+    Ranges left = rangesOf(ranges, "PBCombineRangeWithNormalizedRanges:");
     NSRange pieces[2];
     int count = PBSubtractionRanges(left[index], range, pieces);
     auto place = left.erase(left.begin() + index);

@@ -7,9 +7,8 @@
 namespace pelvor {
 
 /// Reads the source round and round; the repeated text is never built. Any thread.
-class PELVOR_EXPORT PBRepeatString : public NSString, NSString::HiddenCreators {
+class PELVOR_EXPORT PBRepeatString : public NSString {
     PELVOR_CLASS(PBRepeatString, NSString);
-    PELVOR_CREATORS(initWithString_length, initWithString_repeatCount);
 
   public:
     /// Copies the string.

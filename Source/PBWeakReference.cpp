@@ -16,17 +16,17 @@
 namespace pelvor {
 namespace {
 
-// References that have ended, of all threads. The lock is held for a few instructions at a time, with every
-// reference that is made and that ends: waiting for it asleep would cost more than the work that it guards.
+// The pool of all threads for references that have ended. Its lock is taken whenever a reference is made or
+// ends, and held for a few instructions, so that a thread spins for it instead of going to sleep.
 class SparePool {
   public:
-    // Null if there is none.
+    // Takes a reference out; null if there is none.
     PBWeakReference* take() noexcept {
         if (_pool->isEmpty()) return nullptr;
         std::lock_guard guard(*this);
         return static_cast<PBWeakReference*>(_pool->popObject().leak());
     }
-    // Whether there is room; the pool has taken the caller's reference over then.
+    // Takes the caller's reference over if there is room, and returns whether there was.
     bool put(PBWeakReference* reference) noexcept {
         if (_pool->isFull()) return false;
         std::lock_guard guard(*this);
@@ -70,8 +70,8 @@ constinit const Category NSMutableSet_PBWeakReferenceAdditions_category =
 PELVOR_DEFINE_CLASS(PBWeakReference, baseLibrary) {
     methods.classLevel<"initialize", &PBWeakReference::initialize>();
     methods.classLevelAs<"alloc", &PBWeakReference::allocate>();
-    methods.creator<"weakReferenceWithObject:", &PBWeakReference::weakReferenceWithObject>();
-    methods.creator<"initWithObject:", &PBWeakReference::initWithObject>();
+    methods.classLevel<"weakReferenceWithObject:", &PBWeakReference::weakReferenceWithObject>();
+    methods.classLevel<"initWithObject:", &PBWeakReference::initWithObject>();
     methods.instance<"object", &PBWeakReference::object>();
     methods.instance<"setObject:", &PBWeakReference::setObject>();
     methods.instance<"hash", &PBWeakReference::hash>();

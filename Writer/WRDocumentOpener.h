@@ -20,7 +20,6 @@ class PBProfileSet;
 /// Main thread.
 class WRDocumentOpener : public NSObject {
     PELVOR_CLASS(WRDocumentOpener, NSObject);
-    PELVOR_CREATORS(initWithProfiles);
 
   public:
     static Retained<WRDocumentOpener> initWithProfiles(PBProfileSet* profiles, Class* cls = classObject());

@@ -5,7 +5,7 @@
 #include <atomic>
 #include <vector>
 
-#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSArray.h"
 #include "Foundation/NSRangeValue.h"
 
 namespace pelvor {
@@ -38,21 +38,23 @@ class PBRangeList final : public NSArray {
     std::atomic<NSArray*> _boxes{nullptr};  // owned; null until somebody asks for an object
 };
 
-/// Whether the object is a box as NSValue's creators make it.
-inline bool isUsualBox(id object) { return object && object->isa() == NSRangeValue::classObject(); }
-/// The range in a box of another kind.
-NSRange rangeInOtherBox(id box);
-/// The range in a box. Raises NSInvalidArgumentException if the object is no boxed range.
-inline NSRange rangeInBox(id box) {
-    return isUsualBox(box) ? static_cast<NSRangeValue*>(box)->range() : rangeInOtherBox(box);
+/// The range in a box that NSValue's creators did not make.
+NSRange rangeInOtherBox(id box, const char* operation);
+/// The range in a box. Raises NSInvalidArgumentException in the name of the operation, "unionRange: the list
+/// holds page, which is no boxed range", if the object is none.
+inline NSRange rangeInBox(id box, const char* operation) {
+    bool isUsual = box && box->isa() == NSRangeValue::classObject();
+    return isUsual ? static_cast<NSRangeValue*>(box)->range() : rangeInOtherBox(box, operation);
 }
 
-/// A copy of the ranges of any list, with room for one more. A null list has none.
-std::vector<NSRange> rangesOf(NSArray* list);
+/// A copy of the ranges of any list, with room for one more. A null list has none. Raises as `rangeInBox`
+/// does.
+std::vector<NSRange> rangesOf(NSArray* list, const char* operation);
 
-/// The index of the first range of any list for which the test returns true, else NSNotFound.
+/// The index of the first range of any list for which the test returns true, else NSNotFound. Raises as
+/// `rangeInBox` does.
 template <class Test>
-NSUInteger indexOfRange(NSArray* list, Test test) {
+NSUInteger indexOfRange(NSArray* list, const char* operation, Test test) {
     NSUInteger index = 0;
     if (const std::vector<NSRange>* plain = PBRangeList::plainRangesOf(list)) {
         for (NSRange range : *plain) {
@@ -62,7 +64,7 @@ NSUInteger indexOfRange(NSArray* list, Test test) {
         return NSNotFound;
     }
     for (id box : list) {
-        if (test(rangeInBox(box))) return index;
+        if (test(rangeInBox(box, operation))) return index;
         ++index;
     }
     return NSNotFound;

@@ -6,7 +6,7 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(OFStringScanner, baseLibrary) {
-    methods.creator<"initWithString:", &OFStringScanner::initWithString>();
+    methods.classLevel<"initWithString:", &OFStringScanner::initWithString>();
 }
 
 Retained<OFStringScanner> OFStringScanner::initWithString(NSString* string, Class* cls) {

@@ -8,7 +8,7 @@
 namespace {
 
 // Writes down what it hears, with "!" for a sender.
-class PBTestWatcher : public PBNotificationWatcher, PBNotificationWatcher::HiddenCreators {
+class PBTestWatcher : public PBNotificationWatcher {
     PELVOR_CLASS(PBTestWatcher, PBNotificationWatcher);
 
   public:

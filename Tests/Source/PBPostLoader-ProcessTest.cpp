@@ -87,31 +87,6 @@ TEST(PlugIns, AreLoadedInsideAHookWithTheirWholeCycle) {
         });
 }
 
-TEST(PlugIns, GetTheThreadPhaseAtTheEndOfTheirCycleOnceThereIsASecondThread) {
-    expectJournal(kPhases + ", LateLamp activateToolkit, LateLamp becomingMultiThreaded", [] {
-        processClassesWithJournal();
-        NSThread::detach([] {});
-        plugIn("LateLamp")->load();
-    });
-}
-
-TEST(PlugIns, BringNoProfilesWithoutTheLoadTimeSequenceAndTheRegistrySaysSoOnce) {
-    expectJournal("0 profiles, 0 profiles, 1 line, clear", [] {
-        LogLines log;
-        ASSERT_TRUE(plugIn("LateLamp")->load());
-        for (int i = 0; i < 2; ++i)
-            note(std::to_string(PBRegistry::sharedRegistry()->profiles()->count()) + " profiles");
-        note(std::to_string(log.lines.size()) + " line");
-        note(log.lines[0].find("processClasses()") == std::string::npos ? "unclear" : "clear");
-    });
-    expectJournal("nothing is logged", [] {
-        LogLines log;
-        PBPostLoader::processClassesStartingRegistry(false);
-        PBRegistry::sharedRegistry()->profiles();
-        note(log.lines.empty() ? "nothing is logged" : log.lines[0]);
-    });
-}
-
 // MARK: Initialisation of the bundle class
 
 TEST(PlugIns, BundlesAreBarredFromThePosingPhase) {

@@ -9,7 +9,7 @@
 namespace {
 
 // Notes which bundles it is asked to read instead of reading them, or fails at each profile.
-class PBTestRegistry : public PBRegistry, PBRegistry::HiddenCreators {
+class PBTestRegistry : public PBRegistry {
     PELVOR_CLASS(PBTestRegistry, PBRegistry);
 
   public:
@@ -131,20 +131,6 @@ TEST_F(PBRegistryTest, StartsWithTheLastFrameworkAndEndsWithTheFirstBundle) {
     std::reverse(expected.begin(), expected.end());
     EXPECT_EQ(ofTheTest->bundles, expected);
     EXPECT_EQ(std::count(expected.begin(), expected.end(), NSBundle::mainBundle()), 1);
-}
-
-TEST_F(PBRegistryTest, OfTwoBundlesTheOneNearerTheFrontDeclaresTheProfile) {
-    const char* declarations = "{Profiles = {rival = {};};}";
-    NSBundle* one = makeBundle(folder, "RivalOne", "Profiles.plist", declarations);
-    NSBundle* two = makeBundle(folder, "RivalTwo", "Profiles.plist", declarations);
-    ASSERT_NE(one, two);
-    NSArray* all = NSBundle::allBundles();
-    registry->startRegistry();
-    EXPECT_EQ(registry->profileWithIdentifier(u"rival"_ns)->bundle(),
-              all->indexOfObject(one) < all->indexOfObject(two) ? one : two);
-    std::uint32_t version = registry->setVersion();
-    registry->startRegistry();
-    EXPECT_EQ(registry->setVersion(), 2 * version);
 }
 
 TEST_F(PBRegistryTest, PostsAgainAfterAFileThatFailed) {

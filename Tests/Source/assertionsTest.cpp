@@ -16,10 +16,4 @@ TEST(Assertions, LogWhenTheyAreSoftAndDoNothingWhenTheyAreHard) {
                             "*** Check failed: requires 'a', file b, line -1"));
 }
 
-TEST(Assertions, HaveAClassThatTheLoadTimeSequenceFinds) {
-    Class* cls = &_PBAssertionWarning::classRecord;
-    for (SEL hook : {"load"_sel, "didLoad"_sel})
-        EXPECT_TRUE(cls->classMethod(hook) && !cls->superclass()->classMethod(hook)) << hook.name();
-}
-
 }  // namespace

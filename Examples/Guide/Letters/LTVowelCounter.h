@@ -9,7 +9,6 @@ namespace letters {
 /// Counts vowels unless it is made with another set. Main thread.
 class LTVowelCounter : public LTCharacterCounter {
     PELVOR_CLASS(LTVowelCounter, LTCharacterCounter);
-    PELVOR_CREATORS(init);
     PELVOR_INHERITED_CREATORS(initWithCharacters);
 
   public:

@@ -70,7 +70,7 @@ TEST(NSMutableStringTest, ReplacingOccurrences) {
 }
 
 // A subclass of one's own has only the primitives.
-class LoggedString : public NSMutableString, NSMutableString::HiddenCreators {
+class LoggedString : public NSMutableString {
     PELVOR_CLASS(LoggedString, NSMutableString);
 
   public:

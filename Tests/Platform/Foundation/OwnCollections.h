@@ -8,7 +8,7 @@
 namespace pelvor::testing {
 
 /// The numbers from a start down to 1, which exist only when asked for.
-class Countdown : public NSArray, NSArray::HiddenCreators {
+class Countdown : public NSArray {
     PELVOR_CLASS(Countdown, NSArray);
 
   public:
@@ -27,7 +27,7 @@ class Countdown : public NSArray, NSArray::HiddenCreators {
 };
 
 /// A mutable array over its own storage.
-class OwnArray : public NSMutableArray, NSMutableArray::HiddenCreators {
+class OwnArray : public NSMutableArray {
     PELVOR_CLASS(OwnArray, NSMutableArray);
 
   public:
@@ -51,7 +51,7 @@ class OwnArray : public NSMutableArray, NSMutableArray::HiddenCreators {
 };
 
 /// An integer that can be changed.
-class Tally : public NSNumber, NSNumber::HiddenCreators {
+class Tally : public NSNumber {
     PELVOR_CLASS(Tally, NSNumber);
 
   public:
@@ -62,7 +62,7 @@ class Tally : public NSNumber, NSNumber::HiddenCreators {
 };
 
 /// A string that has only its primitives.
-class SparseString : public NSString, NSString::HiddenCreators {
+class SparseString : public NSString {
     PELVOR_CLASS(SparseString, NSString);
 
   public:
