@@ -13,8 +13,9 @@ namespace pelvor {
 
 /// Reads the file in steps of so many bytes. It remembers where each step began, and so finds any place again
 /// that somebody goes back to.
-class FileScanner : public OFCharacterScanner {
+class FileScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreators {
     PELVOR_CLASS(FileScanner, OFCharacterScanner);
+    PELVOR_CREATORS(of);
 
   public:
     /// The file stays open while the scanner lives; nobody else moves in it.

@@ -27,7 +27,7 @@ void require(bool condition, const char* what) {
     std::abort();
 }
 
-class PieceScanner : public OFCharacterScanner {
+class PieceScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreators {
     PELVOR_CLASS(PieceScanner, OFCharacterScanner);
 
   public:

@@ -24,7 +24,7 @@ NSEnumerator* NSEnumerator_PelvorAdditions::enumeratorWithObject(id object) {
 }
 
 PELVOR_DEFINE_CLASS(PBSingleObjectEnumerator, baseLibrary) {
-    methods.classLevel<"initWithObject:", &PBSingleObjectEnumerator::initWithObject>();
+    methods.creator<"initWithObject:", &PBSingleObjectEnumerator::initWithObject>();
     methods.instance<"nextObject", &PBSingleObjectEnumerator::nextObject>();
 }
 

@@ -21,6 +21,7 @@ extern const Category NSEnumerator_PelvorAdditions_category;
 /// An enumerator that returns one object, which it retains until then. For one thread at a time.
 class PELVOR_EXPORT PBSingleObjectEnumerator : public NSEnumerator {
     PELVOR_CLASS(PBSingleObjectEnumerator, NSEnumerator);
+    PELVOR_CREATORS(initWithObject);
 
   public:
     static Retained<PBSingleObjectEnumerator> initWithObject(id object, Class* cls = classObject());

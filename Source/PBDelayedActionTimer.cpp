@@ -9,8 +9,8 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(PBDelayedActionTimer, baseLibrary) {
-    methods.classLevel<"initWithTimeInterval:fromFirst:target:selector:",
-                       &PBDelayedActionTimer::initWithTimeInterval_fromFirst_target_selector>();
+    methods.creator<"initWithTimeInterval:fromFirst:target:selector:",
+                    &PBDelayedActionTimer::initWithTimeInterval_fromFirst_target_selector>();
     methods.instance<"schedule", &PBDelayedActionTimer::schedule>();
     methods.instance<"unschedule", &PBDelayedActionTimer::unschedule>();
     methods.instance<"isScheduled", &PBDelayedActionTimer::isScheduled>();

@@ -18,6 +18,7 @@ namespace pelvor {
 /// retained by the run loop. For one thread.
 class PELVOR_EXPORT PBDelayedActionTimer : public NSObject {
     PELVOR_CLASS(PBDelayedActionTimer, NSObject);
+    PELVOR_CREATORS(initWithTimeInterval_fromFirst_target_selector);
 
   public:
     /// Makes a timer that is not scheduled. `delay` is in seconds. With `fromFirst` it counts from the first

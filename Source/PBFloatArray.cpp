@@ -17,8 +17,8 @@ namespace pelvor {
 // MARK: Fixed length
 
 PELVOR_DEFINE_CLASS(PBFloatArray, baseLibrary) {
-    methods.classLevel<"initWithFloats:count:", &PBFloatArray::initWithFloats_count>();
-    methods.classLevel<"initWithCapacity:", &PBFloatArray::initWithCapacity>();
+    methods.creator<"initWithFloats:count:", &PBFloatArray::initWithFloats_count>();
+    methods.creator<"initWithCapacity:", &PBFloatArray::initWithCapacity>();
     methods.instance<"count", &PBFloatArray::count>();
     methods.instance<"floatAtIndex:", &PBFloatArray::floatAtIndex>();
     methods.instance<"replaceFloatAtIndex:withFloat:", &PBFloatArray::replaceFloatAtIndex_withFloat>();
@@ -84,8 +84,8 @@ NSString* PBFloatArray::description() {
 // MARK: Growing
 
 PELVOR_DEFINE_CLASS(PBFloatVector, baseLibrary) {
-    methods.classLevel<"initWithFloats:count:", &PBFloatVector::initWithFloats_count>();
-    methods.classLevel<"initWithCapacity:", &PBFloatVector::initWithCapacity>();
+    methods.creator<"initWithFloats:count:", &PBFloatVector::initWithFloats_count>();
+    methods.creator<"initWithCapacity:", &PBFloatVector::initWithCapacity>();
     methods.instance<"addFloat:", &PBFloatVector::addFloat>();
     methods.instance<"insertFloat:atIndex:", &PBFloatVector::insertFloat_atIndex>();
     methods.instance<"removeFloatAtIndex:", &PBFloatVector::removeFloatAtIndex>();

@@ -23,6 +23,7 @@ class NSString;
 /// length=5)", and changes nothing. For one thread at a time.
 class PELVOR_EXPORT PBFloatArray : public NSObject {
     PELVOR_CLASS(PBFloatArray, NSObject);
+    PELVOR_CREATORS(initWithFloats_count, initWithCapacity);
 
   public:
     /// Makes an array of `count` floats: copies of those at `floats`, or zeros if `floats` is null. The
@@ -81,6 +82,7 @@ class PELVOR_EXPORT PBFloatArray : public NSObject {
 /// The storage doubles when it is full, so the capacity must be 1 at least.
 class PELVOR_EXPORT PBFloatVector : public PBFloatArray {
     PELVOR_CLASS(PBFloatVector, PBFloatArray);
+    PELVOR_CREATORS(initWithFloats_count, initWithCapacity);
 
   public:
     /// Makes a vector of `count` floats, copies of those at `floats`. If `floats` is null, the vector is

@@ -13,7 +13,7 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(PBIdleQueue, baseLibrary) {
-    methods.classLevel<"initWithSelector:", &PBIdleQueue::initWithSelector>();
+    methods.creator<"initWithSelector:", &PBIdleQueue::initWithSelector>();
     methods.instance<"addObject:", &PBIdleQueue::addObject>();
     methods.instance<"removeObject:", &PBIdleQueue::removeObject>();
     methods.instance<"containsObject:", &PBIdleQueue::containsObject>();
@@ -27,7 +27,7 @@ PELVOR_DEFINE_CLASS(PBIdleQueue, baseLibrary) {
 
 PELVOR_DEFINE_CLASS(PBIdleQueueScheduler, baseLibrary) {
     methods.classLevel<"instance", &PBIdleQueueScheduler::instance>();
-    methods.classLevel<"init", &PBIdleQueueScheduler::init>();
+    methods.creator<"init", &PBIdleQueueScheduler::init>();
     methods.instance<"addQueue:", &PBIdleQueueScheduler::addQueue>();
     methods.instance<"removeQueue:", &PBIdleQueueScheduler::removeQueue>();
     methods.instance<"scheduleQueues", &PBIdleQueueScheduler::scheduleQueues>();

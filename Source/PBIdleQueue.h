@@ -23,6 +23,7 @@ namespace pelvor {
 /// objects of the queue then wait until `addObject` is called again. Main thread.
 class PELVOR_EXPORT PBIdleQueue : public NSObject {
     PELVOR_CLASS(PBIdleQueue, NSObject);
+    PELVOR_CREATORS(initWithSelector);
 
   public:
     /// Makes a queue that sends the message `selector`, which takes no argument. Its result is not used.
@@ -60,6 +61,7 @@ class PELVOR_EXPORT PBIdleQueue : public NSObject {
 /// has raised, it gives no turns until its list has become empty and a queue is added. Main thread.
 class PELVOR_EXPORT PBIdleQueueScheduler : public NSObject {
     PELVOR_CLASS(PBIdleQueueScheduler, NSObject);
+    PELVOR_CREATORS(init);
 
   public:
     /// The scheduler of the process.

@@ -11,11 +11,11 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(PBLinkedListNode, baseLibrary) {
-    methods.classLevel<"initWithObject:", &PBLinkedListNode::initWithObject>();
+    methods.creator<"initWithObject:", &PBLinkedListNode::initWithObject>();
 }
 
 PELVOR_DEFINE_CLASS(PBLinkedList, baseLibrary) {
-    methods.classLevel<"init", &PBLinkedList::init>();
+    methods.creator<"init", &PBLinkedList::init>();
     methods.instance<"count", &PBLinkedList::count>();
     methods.instance<"isEmpty", &PBLinkedList::isEmpty>();
     methods.instance<"push:", &PBLinkedList::push>();
@@ -33,7 +33,7 @@ PELVOR_DEFINE_CLASS(PBLinkedList, baseLibrary) {
 }
 
 PELVOR_DEFINE_CLASS(PBLinkedListEnumerator, baseLibrary) {
-    methods.classLevel<"initWithList:node:", &PBLinkedListEnumerator::initWithList_node>();
+    methods.creator<"initWithList:node:", &PBLinkedListEnumerator::initWithList_node>();
     methods.instance<"removeLastObject", &PBLinkedListEnumerator::removeLastObject>();
 }
 

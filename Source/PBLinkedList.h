@@ -38,6 +38,7 @@ class PELVOR_EXPORT PBLinkedListNode final : public NSObject {
 /// first of it is released. For one thread at a time.
 class PELVOR_EXPORT PBLinkedList : public NSObject {
     PELVOR_CLASS(PBLinkedList, NSObject);
+    PELVOR_CREATORS(init);
 
   public:
     static Retained<PBLinkedList> init(Class* cls = classObject());

@@ -6,9 +6,9 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(PBMutableNumber, baseLibrary) {
-    methods.classLevel<"numberWithBool:", &PBMutableNumber::numberWithBool>();
-    methods.classLevel<"numberWithInt:", &PBMutableNumber::numberWithInt>();
-    methods.classLevel<"numberWithUnsignedInt:", &PBMutableNumber::numberWithUnsignedInt>();
+    methods.creator<"numberWithBool:", &PBMutableNumber::numberWithBool>();
+    methods.creator<"numberWithInt:", &PBMutableNumber::numberWithInt>();
+    methods.creator<"numberWithUnsignedInt:", &PBMutableNumber::numberWithUnsignedInt>();
     methods.instance<"copyWithZone:", &PBMutableNumber::copyWithZone>();
     methods.instance<"mutableCopyWithZone:", &PBMutableNumber::mutableCopyWithZone>();
 }
@@ -28,7 +28,7 @@ Retained<Object> PBMutableNumber::copyWithZone(void*) { return nullptr; }
 Retained<Object> PBMutableNumber::mutableCopyWithZone(void*) { return nullptr; }
 
 PELVOR_DEFINE_CLASS(PBMutableIntNumber, baseLibrary) {
-    methods.classLevel<"initWithInt:", &PBMutableIntNumber::initWithInt>();
+    methods.creator<"initWithInt:", &PBMutableIntNumber::initWithInt>();
     methods.instance<"intValue", &PBMutableIntNumber::intValue>();
     methods.instance<"setIntValue:", &PBMutableIntNumber::setIntValue>();
     methods.instance<"increment", &PBMutableIntNumber::increment>();

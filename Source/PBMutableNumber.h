@@ -15,8 +15,9 @@ class PBMutableIntNumber;
 ///
 /// It must not change while it is a key of a dictionary or a member of a set. The class is abstract; its
 /// creators make objects of a subclass.
-class PELVOR_EXPORT PBMutableNumber : public NSNumber {
+class PELVOR_EXPORT PBMutableNumber : public NSNumber, NSNumber::HiddenCreators {
     PELVOR_CLASS(PBMutableNumber, NSNumber);
+    PELVOR_CREATORS(numberWithBool, numberWithInt, numberWithUnsignedInt);
 
   public:
     // Creators of borrowed numbers. A boolean becomes 1 or 0, an unsigned number the signed one of the same
@@ -39,6 +40,7 @@ class PELVOR_EXPORT PBMutableNumber : public NSNumber {
 /// A 32-bit integer that changes. For one thread at a time.
 class PELVOR_EXPORT PBMutableIntNumber : public PBMutableNumber {
     PELVOR_CLASS(PBMutableIntNumber, PBMutableNumber);
+    PELVOR_CREATORS(initWithInt);
 
   public:
     static Retained<PBMutableIntNumber> initWithInt(int value, Class* cls = classObject());

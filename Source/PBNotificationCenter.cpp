@@ -89,7 +89,7 @@ PELVOR_DEFINE_CLASS(PBNotificationCenter, baseLibrary) {
 }
 
 PELVOR_DEFINE_CLASS(PBNotificationWatcher, baseLibrary) {
-    methods.classLevel<"initWithNotificationCenter:", &PBNotificationWatcher::initWithNotificationCenter>();
+    methods.creator<"initWithNotificationCenter:", &PBNotificationWatcher::initWithNotificationCenter>();
     methods.instance<"watchObject:notifications:", &PBNotificationWatcher::watchObject_notifications>();
     methods.instance<"watchNone", &PBNotificationWatcher::watchNone>();
     methods.instance<"invalidate", &PBNotificationWatcher::invalidate>();

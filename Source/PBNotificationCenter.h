@@ -36,6 +36,7 @@ extern const Category NSNotificationCenter_PelvorAdditions_category;
 /// thread.
 class PELVOR_EXPORT PBNotificationCenter : public NSNotificationCenter {
     PELVOR_CLASS(PBNotificationCenter, NSNotificationCenter);
+    PELVOR_INHERITED_CREATORS(init);
 
   public:
     /// Gives the default centre this class. Only the first call in the process does something.
@@ -54,6 +55,7 @@ class PELVOR_EXPORT PBNotificationCenter : public NSNotificationCenter {
 /// Main thread.
 class PELVOR_EXPORT PBNotificationWatcher : public NSObject {
     PELVOR_CLASS(PBNotificationWatcher, NSObject);
+    PELVOR_CREATORS(initWithNotificationCenter);
 
   public:
     /// Makes a watcher that watches nothing yet. It retains the centre.

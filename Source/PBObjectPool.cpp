@@ -20,13 +20,13 @@ std::unique_lock<NSLock> guardOf(NSLock* lock) {
 }  // namespace
 
 PELVOR_DEFINE_CLASS(PBObjectPool, baseLibrary) {
-    methods.classLevel<"initWithCapacity:", &PBObjectPool::initWithCapacity>();
+    methods.creator<"initWithCapacity:", &PBObjectPool::initWithCapacity>();
     methods.instance<"poolObject:", &PBObjectPool::poolObject>();
     methods.instance<"popObject", &PBObjectPool::popObject>();
 }
 
 PELVOR_DEFINE_CLASS(PBExternalObjectPool, baseLibrary) {
-    methods.classLevel<"initWithCapacity:useLock:", &PBExternalObjectPool::initWithCapacity_useLock>();
+    methods.creator<"initWithCapacity:useLock:", &PBExternalObjectPool::initWithCapacity_useLock>();
     methods.instance<"popObject", &PBExternalObjectPool::popObject>();
 }
 
@@ -78,7 +78,7 @@ NSString* PBObjectPool::description() {
 
 Retained<PBExternalObjectPool> PBExternalObjectPool::initWithCapacity_useLock(std::uint32_t capacity,
                                                                               bool useLock, Class* cls) {
-    auto pool = cast<PBExternalObjectPool>(PBObjectPool::initWithCapacity(capacity, cls));
+    auto pool = initWithCapacity(capacity, cls);
     if (pool && !useLock) pool->_lock = nullptr;
     return pool;
 }

@@ -20,6 +20,7 @@ namespace pelvor {
 /// around each call. PBExternalObjectPool is the form for everybody else.
 class PELVOR_EXPORT PBObjectPool : public NSObject {
     PELVOR_CLASS(PBObjectPool, NSObject);
+    PELVOR_CREATORS(initWithCapacity);
 
   public:
     /// Makes an empty pool. The result is null if there is no memory for so many objects.
@@ -64,6 +65,8 @@ class PELVOR_EXPORT PBObjectPool : public NSObject {
 /// With the lock it may be used on any thread, else on one thread at a time.
 class PELVOR_EXPORT PBExternalObjectPool : public PBObjectPool {
     PELVOR_CLASS(PBExternalObjectPool, PBObjectPool);
+    PELVOR_CREATORS(initWithCapacity_useLock);
+    PELVOR_INHERITED_CREATORS(initWithCapacity);
 
   public:
     static Retained<PBExternalObjectPool> initWithCapacity_useLock(std::uint32_t capacity, bool useLock,

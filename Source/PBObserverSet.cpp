@@ -11,7 +11,7 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(PBObserverSet, baseLibrary) {
-    methods.classLevel<"init", &PBObserverSet::init>();
+    methods.creator<"init", &PBObserverSet::init>();
     methods.instance<"addObserver:", &PBObserverSet::addObserver>();
     methods.instance<"removeObserver:", &PBObserverSet::removeObserver>();
     methods.instance<"containsObserver:", &PBObserverSet::containsObserver>();

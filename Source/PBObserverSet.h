@@ -17,6 +17,7 @@ namespace pelvor {
 /// before it is destroyed. For one thread at a time.
 class PELVOR_EXPORT PBObserverSet : public NSObject {
     PELVOR_CLASS(PBObserverSet, NSObject);
+    PELVOR_CREATORS(init);
 
   public:
     static Retained<PBObserverSet> init(Class* cls = classObject());

@@ -83,10 +83,10 @@ Retained<Object> _PBConvertPboardTypes(id object) {
 
 PELVOR_DEFINE_CLASS(PBProfile, baseLibrary) {
     methods.classLevel<"initialize", &PBProfile::initialize>();
-    methods.classLevel<"profileWithIdentifier:dictionary:bundle:",
-                       &PBProfile::profileWithIdentifier_dictionary_bundle>();
-    methods.classLevel<"initWithIdentifier:dictionary:bundle:",
-                       &PBProfile::initWithIdentifier_dictionary_bundle>();
+    methods.creator<"profileWithIdentifier:dictionary:bundle:",
+                    &PBProfile::profileWithIdentifier_dictionary_bundle>();
+    methods
+        .creator<"initWithIdentifier:dictionary:bundle:", &PBProfile::initWithIdentifier_dictionary_bundle>();
     methods.instance<"identifier", &PBProfile::identifier>();
     methods.instance<"bundle", &PBProfile::bundle>();
     methods.instance<"valueForKey:", &PBProfile::valueForKey>();

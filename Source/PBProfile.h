@@ -19,6 +19,7 @@ namespace pelvor {
 /// thread.
 class PELVOR_EXPORT PBProfile : public NSObject {
     PELVOR_CLASS(PBProfile, NSObject);
+    PELVOR_CREATORS(profileWithIdentifier_dictionary_bundle, initWithIdentifier_dictionary_bundle);
 
   public:
     static void initialize(Class* cls);

@@ -41,9 +41,9 @@ bool matchesAnyValue(id entry, NSArray* values) {
 }  // namespace
 
 PELVOR_DEFINE_CLASS(PBProfileSet, baseLibrary) {
-    methods.classLevel<"init", &PBProfileSet::init>();
-    methods.classLevel<"initWithParent:value:key:any:version:profiles:",
-                       &PBProfileSet::initWithParent_value_key_any_version_profiles>();
+    methods.creator<"init", &PBProfileSet::init>();
+    methods.creator<"initWithParent:value:key:any:version:profiles:",
+                    &PBProfileSet::initWithParent_value_key_any_version_profiles>();
     methods.instance<"profiles", &PBProfileSet::profiles>();
     methods.instance<"identifiers", &PBProfileSet::identifiers>();
     methods.instance<"profileWithIdentifier:", &PBProfileSet::profileWithIdentifier>();

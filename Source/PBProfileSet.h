@@ -24,6 +24,7 @@ class NSArray;
 /// A set retains its parent and its profiles. The order of the profiles means nothing. Main thread.
 class PELVOR_EXPORT PBProfileSet : public NSObject {
     PELVOR_CLASS(PBProfileSet, NSObject);
+    PELVOR_CREATORS(init, initWithParent_value_key_any_version_profiles);
 
   public:
     /// Makes an empty set without a parent.

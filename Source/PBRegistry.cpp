@@ -51,7 +51,7 @@ PELVOR_DEFINE_CLASS(PBRegistry, baseLibrary) {
     methods.classLevel<"initialize", &PBRegistry::initialize>();
     methods.classLevel<"sharedRegistry", &PBRegistry::sharedRegistry>();
     methods.classLevel<"setSharedRegistry:", &PBRegistry::setSharedRegistry>();
-    methods.classLevel<"init", &PBRegistry::init>();
+    methods.creator<"init", &PBRegistry::init>();
     methods.instance<"startRegistry", &PBRegistry::startRegistry>();
     methods.instance<"addProfilesFromBundle:", &PBRegistry::addProfilesFromBundle>();
     methods.instance<"addProfilesFromPath:bundle:", &PBRegistry::addProfilesFromPath_bundle>();
@@ -93,7 +93,6 @@ void PBRegistry::setSharedRegistry(PBRegistry* registry) {
 }
 
 Retained<PBRegistry> PBRegistry::init(Class* cls) {
-    requireSubclass(cls, classObject());
     auto self = cast<PBRegistry>(PBProfileSet::init(cls));
     self->_profiles = NSMutableDictionary::init();
     return self;

@@ -31,8 +31,9 @@ extern PELVOR_EXPORT NSString* const PBDisabledProfilesKey;
 /// Of several profiles with one identifier the last that is added stays. Profiles are never removed.
 /// `setVersion` counts the additions. A declaration file that cannot be read adds nothing, and one line of
 /// the platform's log names the bundle, the file and the reason, with line and column. Main thread.
-class PELVOR_EXPORT PBRegistry : public PBProfileSet {
+class PELVOR_EXPORT PBRegistry : public PBProfileSet, PBProfileSet::HiddenCreators {
     PELVOR_CLASS(PBRegistry, PBProfileSet);
+    PELVOR_CREATORS(init);
 
   public:
     /// Makes the shared registry unless one was set before.

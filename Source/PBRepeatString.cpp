@@ -10,8 +10,8 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(PBRepeatString, baseLibrary) {
-    methods.classLevel<"initWithString:length:", &PBRepeatString::initWithString_length>();
-    methods.classLevel<"initWithString:repeatCount:", &PBRepeatString::initWithString_repeatCount>();
+    methods.creator<"initWithString:length:", &PBRepeatString::initWithString_length>();
+    methods.creator<"initWithString:repeatCount:", &PBRepeatString::initWithString_repeatCount>();
 }
 
 Retained<PBRepeatString> PBRepeatString::initWithString_length(NSString* string, NSUInteger length,

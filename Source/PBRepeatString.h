@@ -7,8 +7,9 @@
 namespace pelvor {
 
 /// Reads the source round and round; the repeated text is never built. Any thread.
-class PELVOR_EXPORT PBRepeatString : public NSString {
+class PELVOR_EXPORT PBRepeatString : public NSString, NSString::HiddenCreators {
     PELVOR_CLASS(PBRepeatString, NSString);
+    PELVOR_CREATORS(initWithString_length, initWithString_repeatCount);
 
   public:
     /// Copies the string.

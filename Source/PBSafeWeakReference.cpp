@@ -7,7 +7,7 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(PBSafeWeakReference, baseLibrary) {
-    methods.classLevel<"initWithObject:", &PBSafeWeakReference::initWithObject>();
+    methods.creator<"initWithObject:", &PBSafeWeakReference::initWithObject>();
     methods.instance<"methodSignatureForSelector:", &PBSafeWeakReference::methodSignatureForSelector>();
     methods.instance<"forwardInvocation:", &PBSafeWeakReference::forwardInvocation>();
 }

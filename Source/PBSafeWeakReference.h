@@ -18,6 +18,7 @@ namespace pelvor {
 /// the target may end on any thread.
 class PELVOR_EXPORT PBSafeWeakReference : public NSProxy {
     PELVOR_CLASS(PBSafeWeakReference, NSProxy);
+    PELVOR_CREATORS(initWithObject);
 
   public:
     static Retained<PBSafeWeakReference> initWithObject(id object, Class* cls = classObject());

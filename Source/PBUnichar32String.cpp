@@ -13,9 +13,9 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(PBUnichar32String, baseLibrary) {
-    methods.classLevel<"initWithOwnedCodepoints:count:", &PBUnichar32String::initWithOwnedCodepoints_count>();
-    methods.classLevel<"initWithCodepoints:count:", &PBUnichar32String::initWithCodepoints_count>();
-    methods.classLevel<"initWithString:", &PBUnichar32String::initWithString>();
+    methods.creator<"initWithOwnedCodepoints:count:", &PBUnichar32String::initWithOwnedCodepoints_count>();
+    methods.creator<"initWithCodepoints:count:", &PBUnichar32String::initWithCodepoints_count>();
+    methods.creator<"initWithString:", &PBUnichar32String::initWithString>();
     methods.instance<"codepointCount", &PBUnichar32String::codepointCount>();
     methods.instance<"codepointBuffer", &PBUnichar32String::codepointBuffer>();
     methods.instance<"getCodepoints:forCodepointsWithRange:",

@@ -17,8 +17,9 @@ namespace pelvor {
 /// Operations raise NSRangeException for a range or an index outside, and NSInvalidArgumentException for a
 /// count without code points. `characterAtIndex` answers the first half of a pair at both its places, and
 /// `getCharacters_range` begins with the whole pair where the range begins with its second half.
-class PELVOR_EXPORT PBUnichar32String : public NSString {
+class PELVOR_EXPORT PBUnichar32String : public NSString, NSString::HiddenCreators {
     PELVOR_CLASS(PBUnichar32String, NSString);
+    PELVOR_CREATORS(initWithOwnedCodepoints_count, initWithCodepoints_count, initWithString);
 
   public:
     /// Takes over the array, which was made by `malloc`. None, with the array freed, if there are more units

@@ -70,8 +70,8 @@ constinit const Category NSMutableSet_PBWeakReferenceAdditions_category =
 PELVOR_DEFINE_CLASS(PBWeakReference, baseLibrary) {
     methods.classLevel<"initialize", &PBWeakReference::initialize>();
     methods.classLevelAs<"alloc", &PBWeakReference::allocate>();
-    methods.classLevel<"weakReferenceWithObject:", &PBWeakReference::weakReferenceWithObject>();
-    methods.classLevel<"initWithObject:", &PBWeakReference::initWithObject>();
+    methods.creator<"weakReferenceWithObject:", &PBWeakReference::weakReferenceWithObject>();
+    methods.creator<"initWithObject:", &PBWeakReference::initWithObject>();
     methods.instance<"object", &PBWeakReference::object>();
     methods.instance<"setObject:", &PBWeakReference::setObject>();
     methods.instance<"hash", &PBWeakReference::hash>();

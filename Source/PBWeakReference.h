@@ -26,6 +26,7 @@ class NSSet;
 /// again first; this holds for this very class, not for subclasses. Any thread.
 class PELVOR_EXPORT PBWeakReference : public NSObject {
     PELVOR_CLASS(PBWeakReference, NSObject);
+    PELVOR_CREATORS(weakReferenceWithObject, initWithObject);
 
   public:
     static void initialize(Class* cls);

@@ -9,6 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "Runtime/AutoreleasePool.h"
+#include "Runtime/NSException.h"
+#include "Runtime/NSInvocation.h"
 #include "Runtime/Registry.h"
 
 namespace pelvor {
@@ -44,6 +47,28 @@ inline void checkMethods(Class* cls) {
     }
 }
 
+/// By message a creator returns an object of the receiving class, or null, or raises, whatever its arguments;
+/// here they are zeros.
+inline void checkCreators(Class* cls) {
+    std::set<std::string> seen;
+    for (Class* level = cls->metaclass(); level; level = level->superclass())
+        for (const MethodGroup* group = level->methodGroups(); group; group = group->next)
+            for (const Method& method : group->methods) {
+                if (!method.isCreator || !seen.insert(method.selector.name()).second) continue;
+                SCOPED_TRACE("+" + std::string(method.selector.name()));
+                AutoreleasePool pool;
+                auto invocation = NSInvocation::initWithMethodSignature(method.implementation.signature);
+                invocation->setSelector(method.selector);
+                try {
+                    invocation->invokeWithTarget(cls);
+                    Object* made = invocation->returnValue<Object*>();
+                    EXPECT_TRUE(!made || made->isa()->isSubclassOfClass(cls)) << made->isa()->name();
+                } catch (const NSException& exception) {
+                    EXPECT_NE(exception.reason(), "");
+                }
+            }
+}
+
 inline void checkClass(Class* cls) {
     SCOPED_TRACE(cls->name());
     ASSERT_TRUE(cls->metaclass() && cls->metaclass()->isMetaclass());
@@ -58,6 +83,7 @@ inline void checkClass(Class* cls) {
         EXPECT_EQ(cls->metaclass()->superclass(), cls->superclass()->metaclass());
     }
     for (Class* level : {cls, cls->metaclass()}) checkMethods(level);
+    checkCreators(cls);
 }
 
 }  // namespace pelvor

@@ -25,6 +25,7 @@ class WRReport;
 /// process; main thread.
 class WRApplication : public NSObject {
     PELVOR_CLASS(WRApplication, NSObject);
+    PELVOR_CREATORS(initWithArguments_start);
 
   public:
     /// Takes the strings that follow the program's name. Times are counted from `start` on.

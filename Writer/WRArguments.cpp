@@ -119,7 +119,7 @@ NSString* problemOfValue(const ProgramOption& option, NSString* value) {
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRArguments, writerLibrary) {
-    methods.classLevel<"initWithArguments:", &WRArguments::initWithArguments>();
+    methods.creator<"initWithArguments:", &WRArguments::initWithArguments>();
     methods.classLevel<"usage", &WRArguments::usage>();
     methods.instance<"problem", &WRArguments::problem>();
     methods.instance<"documentPath", &WRArguments::documentPath>();

@@ -14,6 +14,7 @@ struct ProgramOption;
 /// is a document. Options are asked for by their names, "--encoding".
 class WRArguments : public NSObject {
     PELVOR_CLASS(WRArguments, NSObject);
+    PELVOR_CREATORS(initWithArguments);
 
   public:
     /// Takes the strings that follow the program's name.

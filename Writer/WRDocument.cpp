@@ -22,7 +22,7 @@ bool isSet(NSDictionary* answer, NSString* key) {
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRDocument, writerLibrary) {
-    methods.classLevel<"initWithPath:reader:answer:", &WRDocument::initWithPath_reader_answer>();
+    methods.creator<"initWithPath:reader:answer:", &WRDocument::initWithPath_reader_answer>();
     methods.instance<"path", &WRDocument::path>();
     methods.instance<"text", &WRDocument::text>();
     methods

@@ -20,6 +20,7 @@ inline constexpr NSString* WRDocumentDidChangeNotification = u"WRDocumentDidChan
 /// The text of a document and how it came in. Main thread.
 class WRDocument : public NSObject {
     PELVOR_CLASS(WRDocument, NSObject);
+    PELVOR_CREATORS(initWithPath_reader_answer);
 
   public:
     /// Takes what a reader answered; none if there is no text in it.

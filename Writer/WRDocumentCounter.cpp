@@ -18,7 +18,7 @@ constexpr NSUInteger kSliceLength = 128 * 1024;
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRDocumentCounter, writerLibrary) {
-    methods.classLevel<"initWithDocument:", &WRDocumentCounter::initWithDocument>();
+    methods.creator<"initWithDocument:", &WRDocumentCounter::initWithDocument>();
     methods.instance<"start", &WRDocumentCounter::start>();
     methods.instance<"isCounting", &WRDocumentCounter::isCounting>();
     methods.instance<"position", &WRDocumentCounter::position>();

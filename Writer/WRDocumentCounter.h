@@ -29,6 +29,7 @@ inline constexpr NSString* WRDocumentDidCountNotification = u"WRDocumentDidCount
 /// sent before it can be destroyed. Main thread, after the load-time hooks ran.
 class WRDocumentCounter : public NSObject {
     PELVOR_CLASS(WRDocumentCounter, NSObject);
+    PELVOR_CREATORS(initWithDocument);
 
   public:
     static Retained<WRDocumentCounter> initWithDocument(WRDocument* document, Class* cls = classObject());

@@ -35,7 +35,7 @@ NSString* obstacleAtPath(NSString* path) {
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRDocumentOpener, writerLibrary) {
-    methods.classLevel<"initWithProfiles:", &WRDocumentOpener::initWithProfiles>();
+    methods.creator<"initWithProfiles:", &WRDocumentOpener::initWithProfiles>();
     methods.instance<"openDocumentAtPath:options:", &WRDocumentOpener::openDocumentAtPath_options>();
     methods.instance<"problem", &WRDocumentOpener::problem>();
     methods.instance<"candidates", &WRDocumentOpener::candidates>();

@@ -20,6 +20,7 @@ class PBProfileSet;
 /// Main thread.
 class WRDocumentOpener : public NSObject {
     PELVOR_CLASS(WRDocumentOpener, NSObject);
+    PELVOR_CREATORS(initWithProfiles);
 
   public:
     static Retained<WRDocumentOpener> initWithProfiles(PBProfileSet* profiles, Class* cls = classObject());

@@ -46,7 +46,7 @@ NSString* problemText(NSString* key, const Arguments&... arguments) {
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRDocumentSaver, writerLibrary) {
-    methods.classLevel<"initWithProfiles:", &WRDocumentSaver::initWithProfiles>();
+    methods.creator<"initWithProfiles:", &WRDocumentSaver::initWithProfiles>();
     methods.instance<"saveDocument:toPath:encoding:", &WRDocumentSaver::saveDocument_toPath_encoding>();
     methods.instance<"problem", &WRDocumentSaver::problem>();
     methods.instance<"writer", &WRDocumentSaver::writer>();

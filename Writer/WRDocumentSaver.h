@@ -15,6 +15,7 @@ class WRDocument;
 /// Main thread.
 class WRDocumentSaver : public NSObject {
     PELVOR_CLASS(WRDocumentSaver, NSObject);
+    PELVOR_CREATORS(initWithProfiles);
 
   public:
     static Retained<WRDocumentSaver> initWithProfiles(PBProfileSet* profiles, Class* cls = classObject());

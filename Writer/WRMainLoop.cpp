@@ -16,7 +16,7 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(WRMainLoop, writerLibrary) {
-    methods.classLevel<"init", &WRMainLoop::init>();
+    methods.creator<"init", &WRMainLoop::init>();
     methods.instance<"stayForTarget:selector:", &WRMainLoop::stayForTarget_selector>();
     methods.instance<"end", &WRMainLoop::end>();
     methods.instance<"readInput:", &WRMainLoop::readInput>();

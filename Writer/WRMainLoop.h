@@ -13,6 +13,7 @@ namespace pelvor {
 /// Runs the main thread's run loop. Main thread.
 class WRMainLoop : public NSObject {
     PELVOR_CLASS(WRMainLoop, NSObject);
+    PELVOR_CREATORS(init);
 
   public:
     static Retained<WRMainLoop> init(Class* cls = classObject());

@@ -18,7 +18,7 @@ bool isForMoment(NSBundle* bundle, NSString* moment) {
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRPlugInLoader, writerLibrary) {
-    methods.classLevel<"initWithFolder:", &WRPlugInLoader::initWithFolder>();
+    methods.creator<"initWithFolder:", &WRPlugInLoader::initWithFolder>();
     methods.classLevel<"nameOfBundle:", &WRPlugInLoader::nameOfBundle>();
     methods.instance<"loadPlugInsForMoment:", &WRPlugInLoader::loadPlugInsForMoment>();
     methods.instance<"failureCount", &WRPlugInLoader::failureCount>();

@@ -15,6 +15,7 @@ class NSMutableArray;
 /// are loaded. What is loaded stays. Main thread.
 class WRPlugInLoader : public NSObject {
     PELVOR_CLASS(WRPlugInLoader, NSObject);
+    PELVOR_CREATORS(initWithFolder);
 
   public:
     /// Looks the folder through; without a folder there are no plug-ins.

@@ -47,7 +47,7 @@ NSString* detailOfProfile(PBProfile* profile) {
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRProfileListing, writerLibrary) {
-    methods.classLevel<"initWithProfiles:", &WRProfileListing::initWithProfiles>();
+    methods.creator<"initWithProfiles:", &WRProfileListing::initWithProfiles>();
     methods.classLevel<"textOfProfile:", &WRProfileListing::textOfProfile>();
     methods.classLevel<"nameOfKind:", &WRProfileListing::nameOfKind>();
     methods.instance<"addToReport:", &WRProfileListing::addToReport>();

@@ -13,6 +13,7 @@ class WRReport;
 /// The profiles of a set, by kind, with their names in the user's language. Main thread.
 class WRProfileListing : public NSObject {
     PELVOR_CLASS(WRProfileListing, NSObject);
+    PELVOR_CREATORS(initWithProfiles);
 
   public:
     static Retained<WRProfileListing> initWithProfiles(PBProfileSet* profiles, Class* cls = classObject());

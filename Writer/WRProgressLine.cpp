@@ -12,7 +12,7 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(WRProgressLine, writerLibrary) {
-    methods.classLevel<"init", &WRProgressLine::init>();
+    methods.creator<"init", &WRProgressLine::init>();
     methods.instance<"showTask:done:of:", &WRProgressLine::showTask_done_of>();
     methods.instance<"clear", &WRProgressLine::clear>();
 }

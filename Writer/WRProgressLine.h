@@ -10,6 +10,7 @@ namespace pelvor {
 /// nothing is written. Main thread.
 class WRProgressLine : public NSObject {
     PELVOR_CLASS(WRProgressLine, NSObject);
+    PELVOR_CREATORS(init);
 
   public:
     static Retained<WRProgressLine> init(Class* cls = classObject());

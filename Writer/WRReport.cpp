@@ -20,7 +20,7 @@ constexpr bool isUnprintable(char16_t unit) {
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRReport, writerLibrary) {
-    methods.classLevel<"init", &WRReport::init>();
+    methods.creator<"init", &WRReport::init>();
     methods.classLevel<"printableText:", &WRReport::printableText>();
     methods.instance<"addHeading:", &WRReport::addHeading>();
     methods.instance<"addLine:", &WRReport::addLine>();

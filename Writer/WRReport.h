@@ -10,6 +10,7 @@ namespace pelvor {
 /// as controls out of a document, is replaced.
 class WRReport : public NSObject {
     PELVOR_CLASS(WRReport, NSObject);
+    PELVOR_CREATORS(init);
 
   public:
     static Retained<WRReport> init(Class* cls = classObject());

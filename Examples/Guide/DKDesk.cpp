@@ -30,7 +30,7 @@ NSArray* profilesInOrder(NSString* type) {
 }  // namespace
 
 PELVOR_DEFINE_CLASS(DKDesk, deskLibrary) {
-    methods.classLevel<"init", &DKDesk::init>();
+    methods.creator<"init", &DKDesk::init>();
     methods.instance<"loadPlugIns", &DKDesk::loadPlugIns>();
     methods.instance<"menu", &DKDesk::menu>();
     methods.instance<"openFile:", &DKDesk::openFile>();

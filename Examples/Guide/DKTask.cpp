@@ -10,7 +10,7 @@
 namespace desk {
 
 PELVOR_DEFINE_CLASS(DKTask, deskLibrary) {
-    methods.classLevel<"initWithProfile:text:", &DKTask::initWithProfile_text>();
+    methods.creator<"initWithProfile:text:", &DKTask::initWithProfile_text>();
     methods.classLevel<"nameOfProfile:", &DKTask::nameOfProfile>();
     methods.instance<"run", &DKTask::run>();
     methods.instance<"isDone", &DKTask::isDone>();

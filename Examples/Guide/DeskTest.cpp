@@ -29,7 +29,7 @@ class DKFailingService : public NSObject {
     NSUInteger countInText(NSString*) { throw NSException(NSGenericException, "no ink"); }
 };
 PELVOR_DEFINE_CLASS(DKFailingService, testLibrary) {
-    methods.classLevel<"init", &DKFailingService::init>();
+    methods.creator<"init", &DKFailingService::init>();
     methods.instance<"countInText:", &DKFailingService::countInText>();
 }
 constexpr Library* kDependencies[] = {&deskLibrary};

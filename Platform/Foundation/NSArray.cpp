@@ -18,14 +18,14 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSArray, foundationLibrary) {
-    methods.classLevel<"array", &NSArray::array>();
-    methods.classLevel<"arrayWithObject:", &NSArray::arrayWithObject>();
-    methods.classLevel<"arrayWithObjects:count:", &NSArray::arrayWithObjects_count>();
-    methods.classLevel<"arrayWithArray:", &NSArray::arrayWithArray>();
-    methods.classLevel<"init", &NSArray::init>();
-    methods.classLevelAs<"new", &NSArray::init>();
-    methods.classLevel<"initWithObjects:count:", &NSArray::initWithObjects_count>();
-    methods.classLevel<"initWithArray:", &NSArray::initWithArray>();
+    methods.creator<"array", &NSArray::array>();
+    methods.creator<"arrayWithObject:", &NSArray::arrayWithObject>();
+    methods.creator<"arrayWithObjects:count:", &NSArray::arrayWithObjects_count>();
+    methods.creator<"arrayWithArray:", &NSArray::arrayWithArray>();
+    methods.creator<"init", &NSArray::init>();
+    methods.creatorAs<"new", &NSArray::init>();
+    methods.creator<"initWithObjects:count:", &NSArray::initWithObjects_count>();
+    methods.creator<"initWithArray:", &NSArray::initWithArray>();
     methods.instance<"count", &NSArray::count>();
     methods.instance<"objectAtIndex:", &NSArray::objectAtIndex>();
     methods.instance<"lastObject", &NSArray::lastObject>();

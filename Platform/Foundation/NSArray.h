@@ -24,6 +24,8 @@ using NSCompareFunction = int (*)(id first, id second, void* context);
 /// borrowed. Immutable arrays may be used on any thread as far as their objects may.
 class PELVOR_EXPORT NSArray : public NSObject {
     PELVOR_CLASS(NSArray, NSObject);
+    PELVOR_CREATORS(array, arrayWithObject, arrayWithObjects_count, arrayWithArray, init,
+                    initWithObjects_count, initWithArray, of, arrayWithObjects, initWithObjects);
 
   public:
     // Creation. Operations whose names begin with "init" answer owned arrays, the others borrowed ones.

@@ -22,8 +22,8 @@ namespace fs = std::filesystem;
 PELVOR_DEFINE_CLASS(NSBundle, foundationLibrary) {
     methods.classLevel<"initialize", &NSBundle::initialize>();
     methods.classLevel<"mainBundle", &NSBundle::mainBundle>();
-    methods.classLevel<"bundleWithPath:", &NSBundle::bundleWithPath>();
-    methods.classLevel<"initWithPath:", &NSBundle::initWithPath>();
+    methods.creator<"bundleWithPath:", &NSBundle::bundleWithPath>();
+    methods.creator<"initWithPath:", &NSBundle::initWithPath>();
     methods.classLevel<"bundleForClass:", &NSBundle::bundleForClass>();
     methods.classLevel<"bundleWithIdentifier:", &NSBundle::bundleWithIdentifier>();
     methods.classLevel<"allBundles", &NSBundle::allBundles>();

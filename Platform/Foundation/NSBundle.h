@@ -43,6 +43,7 @@ inline constexpr NSString* PelvorInterfaceVersionKey = u"PelvorInterfaceVersion"
 /// A folder has one bundle object, which lives as long as the process. Results are borrowed. Any thread.
 class PELVOR_EXPORT NSBundle : public NSObject {
     PELVOR_CLASS(NSBundle, NSObject);
+    PELVOR_CREATORS(bundleWithPath, initWithPath);
 
   public:
     /// Finds the main bundle and the frameworks that the program is linked to. The runtime sends it.

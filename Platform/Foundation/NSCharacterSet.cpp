@@ -30,15 +30,15 @@ PELVOR_DEFINE_CLASS(NSCharacterSet, foundationLibrary) {
     methods.classLevel<"nonBaseCharacterSet", &NSCharacterSet::nonBaseCharacterSet>();
     methods.classLevel<"decomposableCharacterSet", &NSCharacterSet::decomposableCharacterSet>();
     methods.classLevel<"illegalCharacterSet", &NSCharacterSet::illegalCharacterSet>();
-    methods.classLevel<"characterSet", &NSCharacterSet::characterSet>();
-    methods.classLevel<"characterSetWithCharactersInString:",
-                       &NSCharacterSet::characterSetWithCharactersInString>();
-    methods.classLevel<"characterSetWithRange:", &NSCharacterSet::characterSetWithRange>();
-    methods.classLevel<"initWithCharactersInString:", &NSCharacterSet::initWithCharactersInString>();
-    methods.classLevel<"initWithRange:", &NSCharacterSet::initWithRange>();
-    methods.classLevel<"characterSetWithBitmapRepresentation:",
-                       &NSCharacterSet::characterSetWithBitmapRepresentation>();
-    methods.classLevel<"initWithBitmapRepresentation:", &NSCharacterSet::initWithBitmapRepresentation>();
+    methods.creator<"characterSet", &NSCharacterSet::characterSet>();
+    methods.creator<"characterSetWithCharactersInString:",
+                    &NSCharacterSet::characterSetWithCharactersInString>();
+    methods.creator<"characterSetWithRange:", &NSCharacterSet::characterSetWithRange>();
+    methods.creator<"initWithCharactersInString:", &NSCharacterSet::initWithCharactersInString>();
+    methods.creator<"initWithRange:", &NSCharacterSet::initWithRange>();
+    methods.creator<"characterSetWithBitmapRepresentation:",
+                    &NSCharacterSet::characterSetWithBitmapRepresentation>();
+    methods.creator<"initWithBitmapRepresentation:", &NSCharacterSet::initWithBitmapRepresentation>();
 
     methods.instance<"characterIsMember:", &NSCharacterSet::characterIsMember>();
     methods.instance<"longCharacterIsMember:", &NSCharacterSet::longCharacterIsMember>();
@@ -49,13 +49,7 @@ PELVOR_DEFINE_CLASS(NSCharacterSet, foundationLibrary) {
 }
 
 PELVOR_DEFINE_CLASS(NSMutableCharacterSet, foundationLibrary) {
-    methods.classLevel<"characterSet", &NSMutableCharacterSet::characterSet>();
-    methods.classLevel<"characterSetWithCharactersInString:",
-                       &NSMutableCharacterSet::characterSetWithCharactersInString>();
-    methods.classLevel<"characterSetWithRange:", &NSMutableCharacterSet::characterSetWithRange>();
-    methods.classLevel<"characterSetWithBitmapRepresentation:",
-                       &NSMutableCharacterSet::characterSetWithBitmapRepresentation>();
-    methods.classLevel<"init", &NSMutableCharacterSet::init>();
+    methods.creator<"init", &NSMutableCharacterSet::init>();
     methods.instance<"addCharactersInRange:", &NSMutableCharacterSet::addCharactersInRange>();
     methods.instance<"removeCharactersInRange:", &NSMutableCharacterSet::removeCharactersInRange>();
     methods.instance<"addCharactersInString:", &NSMutableCharacterSet::addCharactersInString>();
@@ -245,26 +239,26 @@ NSCharacterSet* NSCharacterSet::illegalCharacterSet() {
 
 // Creation
 
-Retained<NSCharacterSet> NSCharacterSet::initWithCharactersInString(NSString* string) {
-    auto set = make<NSCharacterSet>();
+Retained<NSCharacterSet> NSCharacterSet::initWithCharactersInString(NSString* string, Class* cls) {
+    auto set = make<NSCharacterSet>(cls);
     set->changeCharacters(string, Change::add);
     return set;
 }
 
-Retained<NSCharacterSet> NSCharacterSet::initWithRange(NSRange range) {
-    auto set = make<NSCharacterSet>();
+Retained<NSCharacterSet> NSCharacterSet::initWithRange(NSRange range, Class* cls) {
+    auto set = make<NSCharacterSet>(cls);
     set->changeRange(range, Change::add);
     return set;
 }
 
-NSCharacterSet* NSCharacterSet::characterSet() { return make<NSCharacterSet>().autorelease(); }
+NSCharacterSet* NSCharacterSet::characterSet(Class* cls) { return make<NSCharacterSet>(cls).autorelease(); }
 
-NSCharacterSet* NSCharacterSet::characterSetWithCharactersInString(NSString* string) {
-    return initWithCharactersInString(string).autorelease();
+NSCharacterSet* NSCharacterSet::characterSetWithCharactersInString(NSString* string, Class* cls) {
+    return initWithCharactersInString(string, cls).autorelease();
 }
 
-NSCharacterSet* NSCharacterSet::characterSetWithRange(NSRange range) {
-    return initWithRange(range).autorelease();
+NSCharacterSet* NSCharacterSet::characterSetWithRange(NSRange range, Class* cls) {
+    return initWithRange(range, cls).autorelease();
 }
 
 // Bitmaps
@@ -294,20 +288,14 @@ NSData* NSCharacterSet::bitmapRepresentation() {
     return data->copy().autorelease();
 }
 
-Retained<NSCharacterSet> NSCharacterSet::initWithBitmapRepresentation(NSData* data) {
-    auto set = make<NSCharacterSet>();
+Retained<NSCharacterSet> NSCharacterSet::initWithBitmapRepresentation(NSData* data, Class* cls) {
+    auto set = make<NSCharacterSet>(cls);
     set->readBitmap(data);
     return set;
 }
 
-NSCharacterSet* NSCharacterSet::characterSetWithBitmapRepresentation(NSData* data) {
-    return initWithBitmapRepresentation(data).autorelease();
-}
-
-NSMutableCharacterSet* NSMutableCharacterSet::characterSetWithBitmapRepresentation(NSData* data) {
-    auto set = init();
-    set->readBitmap(data);
-    return std::move(set).autorelease();
+NSCharacterSet* NSCharacterSet::characterSetWithBitmapRepresentation(NSData* data, Class* cls) {
+    return initWithBitmapRepresentation(data, cls).autorelease();
 }
 
 // Questions
@@ -370,20 +358,6 @@ Retained<NSMutableCharacterSet> NSCharacterSet::mutableCopy() {
 
 Retained<NSMutableCharacterSet> NSMutableCharacterSet::init(Class* cls) {
     return make<NSMutableCharacterSet>(cls);
-}
-
-NSMutableCharacterSet* NSMutableCharacterSet::characterSet() { return init().autorelease(); }
-
-NSMutableCharacterSet* NSMutableCharacterSet::characterSetWithCharactersInString(NSString* string) {
-    auto set = init();
-    set->addCharactersInString(string);
-    return std::move(set).autorelease();
-}
-
-NSMutableCharacterSet* NSMutableCharacterSet::characterSetWithRange(NSRange range) {
-    auto set = init();
-    set->addCharactersInRange(range);
-    return std::move(set).autorelease();
 }
 
 void NSMutableCharacterSet::addCharactersInRange(NSRange range) { changeRange(range, Change::add); }

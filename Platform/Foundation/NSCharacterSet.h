@@ -18,6 +18,9 @@ class NSMutableCharacterSet;
 /// on any thread. The named sets are made once and live as long as the process.
 class PELVOR_EXPORT NSCharacterSet : public NSObject {
     PELVOR_CLASS(NSCharacterSet, NSObject);
+    PELVOR_CREATORS(characterSet, characterSetWithCharactersInString, characterSetWithRange,
+                    characterSetWithBitmapRepresentation, initWithCharactersInString, initWithRange,
+                    initWithBitmapRepresentation);
 
   public:
     /// Letters and marks (categories L and M).
@@ -44,17 +47,17 @@ class PELVOR_EXPORT NSCharacterSet : public NSObject {
     /// Unassigned code points and non-characters.
     static NSCharacterSet* illegalCharacterSet();
 
-    static NSCharacterSet* characterSet();
+    static NSCharacterSet* characterSet(Class* cls = classObject());
     /// The code points of the string; a lone half is a member itself.
-    static NSCharacterSet* characterSetWithCharactersInString(NSString* string);
+    static NSCharacterSet* characterSetWithCharactersInString(NSString* string, Class* cls = classObject());
     /// Raises NSInvalidArgumentException for a range past U+10FFFF.
-    static NSCharacterSet* characterSetWithRange(NSRange range);
+    static NSCharacterSet* characterSetWithRange(NSRange range, Class* cls = classObject());
     /// The set that `bitmapRepresentation` wrote; shorter data lacks members.
-    static NSCharacterSet* characterSetWithBitmapRepresentation(NSData* data);
+    static NSCharacterSet* characterSetWithBitmapRepresentation(NSData* data, Class* cls = classObject());
 
-    static Retained<NSCharacterSet> initWithCharactersInString(NSString* string);
-    static Retained<NSCharacterSet> initWithRange(NSRange range);
-    static Retained<NSCharacterSet> initWithBitmapRepresentation(NSData* data);
+    static Retained<NSCharacterSet> initWithCharactersInString(NSString* string, Class* cls = classObject());
+    static Retained<NSCharacterSet> initWithRange(NSRange range, Class* cls = classObject());
+    static Retained<NSCharacterSet> initWithBitmapRepresentation(NSData* data, Class* cls = classObject());
 
     bool characterIsMember(unichar unit) { return hasBit(_planes[0]->data(), unit); }
     bool longCharacterIsMember(char32_t codePoint) {
@@ -114,12 +117,12 @@ class PELVOR_EXPORT NSCharacterSet : public NSObject {
 /// A set that can change. One thread at a time.
 class PELVOR_EXPORT NSMutableCharacterSet : public NSCharacterSet {
     PELVOR_CLASS(NSMutableCharacterSet, NSCharacterSet);
+    PELVOR_CREATORS(init);
+    PELVOR_INHERITED_CREATORS(characterSet, characterSetWithCharactersInString, characterSetWithRange,
+                              characterSetWithBitmapRepresentation, initWithCharactersInString, initWithRange,
+                              initWithBitmapRepresentation);
 
   public:
-    static NSMutableCharacterSet* characterSet();
-    static NSMutableCharacterSet* characterSetWithCharactersInString(NSString* string);
-    static NSMutableCharacterSet* characterSetWithRange(NSRange range);
-    static NSMutableCharacterSet* characterSetWithBitmapRepresentation(NSData* data);
     static Retained<NSMutableCharacterSet> init(Class* cls = classObject());
 
     /// Raise NSInvalidArgumentException for a range past U+10FFFF.

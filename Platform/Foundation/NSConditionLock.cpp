@@ -7,7 +7,7 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSConditionLock, foundationLibrary) {
-    methods.classLevel<"initWithCondition:", &NSConditionLock::initWithCondition>();
+    methods.creator<"initWithCondition:", &NSConditionLock::initWithCondition>();
     methods.instance<"condition", &NSConditionLock::condition>();
     methods.instance<"lock", &NSConditionLock::lock>();
     methods.instance<"lockWhenCondition:", &NSConditionLock::lockWhenCondition>();

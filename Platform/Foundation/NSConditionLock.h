@@ -24,6 +24,7 @@ class NSDate;
 ///     lock->unlockWithCondition(kEmpty);
 class PELVOR_EXPORT NSConditionLock : public NSObject {
     PELVOR_CLASS(NSConditionLock, NSObject);
+    PELVOR_CREATORS(initWithCondition);
 
   public:
     static Retained<NSConditionLock> initWithCondition(int condition, Class* cls = classObject());

@@ -11,18 +11,18 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSCountedSet, foundationLibrary) {
-    methods.classLevel<"set", &NSCountedSet::set>();
-    methods.classLevel<"setWithCapacity:", &NSCountedSet::setWithCapacity>();
-    methods.classLevel<"setWithObject:", &NSCountedSet::setWithObject>();
-    methods.classLevel<"setWithObjects:count:", &NSCountedSet::setWithObjects_count>();
-    methods.classLevel<"setWithArray:", &NSCountedSet::setWithArray>();
-    methods.classLevel<"setWithSet:", &NSCountedSet::setWithSet>();
-    methods.classLevel<"init", &NSCountedSet::init>();
-    methods.classLevelAs<"new", &NSCountedSet::init>();
-    methods.classLevel<"initWithCapacity:", &NSCountedSet::initWithCapacity>();
-    methods.classLevel<"initWithObjects:count:", &NSCountedSet::initWithObjects_count>();
-    methods.classLevel<"initWithArray:", &NSCountedSet::initWithArray>();
-    methods.classLevel<"initWithSet:", &NSCountedSet::initWithSet>();
+    methods.creator<"set", &NSCountedSet::set>();
+    methods.creator<"setWithCapacity:", &NSCountedSet::setWithCapacity>();
+    methods.creator<"setWithObject:", &NSCountedSet::setWithObject>();
+    methods.creator<"setWithObjects:count:", &NSCountedSet::setWithObjects_count>();
+    methods.creator<"setWithArray:", &NSCountedSet::setWithArray>();
+    methods.creator<"setWithSet:", &NSCountedSet::setWithSet>();
+    methods.creator<"init", &NSCountedSet::init>();
+    methods.creatorAs<"new", &NSCountedSet::init>();
+    methods.creator<"initWithCapacity:", &NSCountedSet::initWithCapacity>();
+    methods.creator<"initWithObjects:count:", &NSCountedSet::initWithObjects_count>();
+    methods.creator<"initWithArray:", &NSCountedSet::initWithArray>();
+    methods.creator<"initWithSet:", &NSCountedSet::initWithSet>();
     methods.instance<"countForObject:", &NSCountedSet::countForObject>();
 }
 

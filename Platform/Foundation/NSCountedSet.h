@@ -13,6 +13,9 @@ namespace pelvor {
 /// another set counts once; its description tells the counts.
 class PELVOR_EXPORT NSCountedSet : public NSMutableSet {
     PELVOR_CLASS(NSCountedSet, NSMutableSet);
+    PELVOR_CREATORS(set, setWithCapacity, setWithObject, setWithObjects_count, setWithArray, setWithSet, init,
+                    initWithCapacity, initWithObjects_count, initWithArray, initWithSet, of, setWithObjects,
+                    initWithObjects);
 
   public:
     static NSCountedSet* set();

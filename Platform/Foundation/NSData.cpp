@@ -20,21 +20,21 @@ namespace pelvor {
 PELVOR_DEFINE_CLASS(NSInlineData, foundationLibrary) {}
 
 PELVOR_DEFINE_CLASS(NSData, foundationLibrary) {
-    methods.classLevel<"data", &NSData::data>();
-    methods.classLevel<"dataWithBytes:length:", &NSData::dataWithBytes_length>();
-    methods.classLevel<"dataWithBytesNoCopy:length:", &NSData::dataWithBytesNoCopy_length>();
-    methods.classLevel<"dataWithBytesNoCopy:length:freeWhenDone:",
-                       &NSData::dataWithBytesNoCopy_length_freeWhenDone>();
-    methods.classLevel<"dataWithData:", &NSData::dataWithData>();
-    methods.classLevel<"dataWithContentsOfFile:", &NSData::dataWithContentsOfFile>();
-    methods.classLevel<"init", &NSData::init>();
-    methods.classLevelAs<"new", &NSData::init>();
-    methods.classLevel<"initWithBytes:length:", &NSData::initWithBytes_length>();
-    methods.classLevel<"initWithBytesNoCopy:length:", &NSData::initWithBytesNoCopy_length>();
-    methods.classLevel<"initWithBytesNoCopy:length:freeWhenDone:",
-                       &NSData::initWithBytesNoCopy_length_freeWhenDone>();
-    methods.classLevel<"initWithData:", &NSData::initWithData>();
-    methods.classLevel<"initWithContentsOfFile:", &NSData::initWithContentsOfFile>();
+    methods.creator<"data", &NSData::data>();
+    methods.creator<"dataWithBytes:length:", &NSData::dataWithBytes_length>();
+    methods.creator<"dataWithBytesNoCopy:length:", &NSData::dataWithBytesNoCopy_length>();
+    methods.creator<"dataWithBytesNoCopy:length:freeWhenDone:",
+                    &NSData::dataWithBytesNoCopy_length_freeWhenDone>();
+    methods.creator<"dataWithData:", &NSData::dataWithData>();
+    methods.creator<"dataWithContentsOfFile:", &NSData::dataWithContentsOfFile>();
+    methods.creator<"init", &NSData::init>();
+    methods.creatorAs<"new", &NSData::init>();
+    methods.creator<"initWithBytes:length:", &NSData::initWithBytes_length>();
+    methods.creator<"initWithBytesNoCopy:length:", &NSData::initWithBytesNoCopy_length>();
+    methods.creator<"initWithBytesNoCopy:length:freeWhenDone:",
+                    &NSData::initWithBytesNoCopy_length_freeWhenDone>();
+    methods.creator<"initWithData:", &NSData::initWithData>();
+    methods.creator<"initWithContentsOfFile:", &NSData::initWithContentsOfFile>();
     methods.instance<"length", &NSData::length>();
     methods.instance<"bytes", &NSData::bytes>();
     methods.instance<"getBytes:", &NSData::getBytes>();

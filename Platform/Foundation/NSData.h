@@ -18,6 +18,10 @@ class NSString;
 /// copy what they are given unless they say otherwise. Immutable data may be used on any thread.
 class PELVOR_EXPORT NSData : public NSObject {
     PELVOR_CLASS(NSData, NSObject);
+    PELVOR_CREATORS(data, dataWithBytes_length, dataWithBytesNoCopy_length,
+                    dataWithBytesNoCopy_length_freeWhenDone, dataWithData, dataWithContentsOfFile, init,
+                    initWithBytes_length, initWithBytesNoCopy_length, initWithBytesNoCopy_length_freeWhenDone,
+                    initWithData, initWithContentsOfFile, of);
 
   public:
     // Creation. Operations whose names begin with "init" answer owned data, the others borrowed data.

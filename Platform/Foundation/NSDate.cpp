@@ -17,19 +17,19 @@ namespace pelvor {
 PELVOR_DEFINE_CLASS(NSPlainDate, foundationLibrary) {}
 
 PELVOR_DEFINE_CLASS(NSDate, foundationLibrary) {
-    methods.classLevel<"date", &NSDate::date>();
-    methods.classLevel<"dateWithTimeIntervalSinceNow:", &NSDate::dateWithTimeIntervalSinceNow>();
-    methods.classLevel<"dateWithTimeIntervalSinceReferenceDate:",
-                       &NSDate::dateWithTimeIntervalSinceReferenceDate>();
-    methods.classLevel<"dateWithTimeIntervalSince1970:", &NSDate::dateWithTimeIntervalSince1970>();
+    methods.creator<"date", &NSDate::date>();
+    methods.creator<"dateWithTimeIntervalSinceNow:", &NSDate::dateWithTimeIntervalSinceNow>();
+    methods.creator<"dateWithTimeIntervalSinceReferenceDate:",
+                    &NSDate::dateWithTimeIntervalSinceReferenceDate>();
+    methods.creator<"dateWithTimeIntervalSince1970:", &NSDate::dateWithTimeIntervalSince1970>();
     methods.classLevel<"distantPast", &NSDate::distantPast>();
     methods.classLevel<"distantFuture", &NSDate::distantFuture>();
-    methods.classLevel<"init", &NSDate::init>();
-    methods.classLevelAs<"new", &NSDate::init>();
-    methods.classLevel<"initWithTimeIntervalSinceReferenceDate:",
-                       &NSDate::initWithTimeIntervalSinceReferenceDate>();
-    methods.classLevel<"initWithTimeIntervalSinceNow:", &NSDate::initWithTimeIntervalSinceNow>();
-    methods.classLevel<"initWithTimeInterval:sinceDate:", &NSDate::initWithTimeInterval_sinceDate>();
+    methods.creator<"init", &NSDate::init>();
+    methods.creatorAs<"new", &NSDate::init>();
+    methods.creator<"initWithTimeIntervalSinceReferenceDate:",
+                    &NSDate::initWithTimeIntervalSinceReferenceDate>();
+    methods.creator<"initWithTimeIntervalSinceNow:", &NSDate::initWithTimeIntervalSinceNow>();
+    methods.creator<"initWithTimeInterval:sinceDate:", &NSDate::initWithTimeInterval_sinceDate>();
     methods.classLevelAs<"timeIntervalSinceReferenceDate", &NSDate::currentTimeIntervalSinceReferenceDate>();
     methods.instance<"timeIntervalSinceReferenceDate", &NSDate::timeIntervalSinceReferenceDate>();
     methods.instance<"timeIntervalSince1970", &NSDate::timeIntervalSince1970>();

@@ -19,6 +19,9 @@ inline constexpr NSTimeInterval NSTimeIntervalSince1970 = 978307200.0;
 /// where the name begins with "init". Any thread.
 class PELVOR_EXPORT NSDate : public NSObject {
     PELVOR_CLASS(NSDate, NSObject);
+    PELVOR_CREATORS(date, dateWithTimeIntervalSinceNow, dateWithTimeIntervalSinceReferenceDate,
+                    dateWithTimeIntervalSince1970, init, initWithTimeIntervalSinceReferenceDate,
+                    initWithTimeIntervalSinceNow, initWithTimeInterval_sinceDate);
 
   public:
     /// Now.

@@ -15,17 +15,17 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSDictionary, foundationLibrary) {
-    methods.classLevel<"dictionary", &NSDictionary::dictionary>();
-    methods.classLevel<"dictionaryWithObject:forKey:", &NSDictionary::dictionaryWithObject_forKey>();
-    methods.classLevel<"dictionaryWithObjects:forKeys:", &NSDictionary::dictionaryWithObjects_forKeys>();
-    methods.classLevel<"dictionaryWithObjects:forKeys:count:",
-                       &NSDictionary::dictionaryWithObjects_forKeys_count>();
-    methods.classLevel<"dictionaryWithDictionary:", &NSDictionary::dictionaryWithDictionary>();
-    methods.classLevel<"init", &NSDictionary::init>();
-    methods.classLevelAs<"new", &NSDictionary::init>();
-    methods.classLevel<"initWithObjects:forKeys:", &NSDictionary::initWithObjects_forKeys>();
-    methods.classLevel<"initWithObjects:forKeys:count:", &NSDictionary::initWithObjects_forKeys_count>();
-    methods.classLevel<"initWithDictionary:", &NSDictionary::initWithDictionary>();
+    methods.creator<"dictionary", &NSDictionary::dictionary>();
+    methods.creator<"dictionaryWithObject:forKey:", &NSDictionary::dictionaryWithObject_forKey>();
+    methods.creator<"dictionaryWithObjects:forKeys:", &NSDictionary::dictionaryWithObjects_forKeys>();
+    methods.creator<"dictionaryWithObjects:forKeys:count:",
+                    &NSDictionary::dictionaryWithObjects_forKeys_count>();
+    methods.creator<"dictionaryWithDictionary:", &NSDictionary::dictionaryWithDictionary>();
+    methods.creator<"init", &NSDictionary::init>();
+    methods.creatorAs<"new", &NSDictionary::init>();
+    methods.creator<"initWithObjects:forKeys:", &NSDictionary::initWithObjects_forKeys>();
+    methods.creator<"initWithObjects:forKeys:count:", &NSDictionary::initWithObjects_forKeys_count>();
+    methods.creator<"initWithDictionary:", &NSDictionary::initWithDictionary>();
     methods.instance<"count", &NSDictionary::count>();
     methods.instance<"objectForKey:", &NSDictionary::objectForKey>();
     methods.instance<"valueForKey:", &NSDictionary::valueForKey>();

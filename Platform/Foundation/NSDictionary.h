@@ -29,6 +29,10 @@ struct NSDictionaryEntry {
 /// Immutable dictionaries may be used on any thread as far as their objects may.
 class PELVOR_EXPORT NSDictionary : public NSObject {
     PELVOR_CLASS(NSDictionary, NSObject);
+    PELVOR_CREATORS(dictionary, dictionaryWithObject_forKey, dictionaryWithObjects_forKeys,
+                    dictionaryWithObjects_forKeys_count, dictionaryWithDictionary, init,
+                    initWithObjects_forKeys, initWithObjects_forKeys_count, initWithDictionary, of,
+                    initWithEntries);
 
   public:
     // Creation. Operations whose names begin with "init" answer owned dictionaries, the others borrowed

@@ -10,13 +10,13 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSIndexSet, foundationLibrary) {
-    methods.classLevel<"indexSet", &NSIndexSet::indexSet>();
-    methods.classLevel<"indexSetWithIndex:", &NSIndexSet::indexSetWithIndex>();
-    methods.classLevel<"indexSetWithIndexesInRange:", &NSIndexSet::indexSetWithIndexesInRange>();
-    methods.classLevel<"init", &NSIndexSet::init>();
-    methods.classLevel<"initWithIndex:", &NSIndexSet::initWithIndex>();
-    methods.classLevel<"initWithIndexesInRange:", &NSIndexSet::initWithIndexesInRange>();
-    methods.classLevel<"initWithIndexSet:", &NSIndexSet::initWithIndexSet>();
+    methods.creator<"indexSet", &NSIndexSet::indexSet>();
+    methods.creator<"indexSetWithIndex:", &NSIndexSet::indexSetWithIndex>();
+    methods.creator<"indexSetWithIndexesInRange:", &NSIndexSet::indexSetWithIndexesInRange>();
+    methods.creator<"init", &NSIndexSet::init>();
+    methods.creator<"initWithIndex:", &NSIndexSet::initWithIndex>();
+    methods.creator<"initWithIndexesInRange:", &NSIndexSet::initWithIndexesInRange>();
+    methods.creator<"initWithIndexSet:", &NSIndexSet::initWithIndexSet>();
     methods.instance<"count", &NSIndexSet::count>();
     methods.instance<"firstIndex", &NSIndexSet::firstIndex>();
     methods.instance<"lastIndex", &NSIndexSet::lastIndex>();
@@ -201,10 +201,6 @@ PELVOR_DEFINE_CLASS(NSMutableIndexSet, foundationLibrary) {
     methods.instance<"removeIndexes:", &NSMutableIndexSet::removeIndexes>();
     methods.instance<"removeAllIndexes", &NSMutableIndexSet::removeAllIndexes>();
 }
-
-NSMutableIndexSet* NSMutableIndexSet::indexSet() { return init().autorelease(); }
-
-Retained<NSMutableIndexSet> NSMutableIndexSet::init() { return make<NSMutableIndexSet>(classObject()); }
 
 void NSMutableIndexSet::addIndexes(NSIndexSet* other) {
     if (!other || other == this) return;

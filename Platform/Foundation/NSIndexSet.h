@@ -18,6 +18,8 @@ class NSMutableIndexSet;
 /// used on any thread.
 class PELVOR_EXPORT NSIndexSet : public NSObject {
     PELVOR_CLASS(NSIndexSet, NSObject);
+    PELVOR_CREATORS(indexSet, indexSetWithIndex, indexSetWithIndexesInRange, init, initWithIndex,
+                    initWithIndexesInRange, initWithIndexSet);
 
   public:
     // Creation: borrowed sets, owned where the name begins with "init".
@@ -76,11 +78,10 @@ class PELVOR_EXPORT NSIndexSet : public NSObject {
 /// A set that can be changed. One thread at a time.
 class PELVOR_EXPORT NSMutableIndexSet : public NSIndexSet {
     PELVOR_CLASS(NSMutableIndexSet, NSIndexSet);
+    PELVOR_INHERITED_CREATORS(indexSet, indexSetWithIndex, indexSetWithIndexesInRange, init, initWithIndex,
+                              initWithIndexesInRange, initWithIndexSet);
 
   public:
-    static NSMutableIndexSet* indexSet();
-    static Retained<NSMutableIndexSet> init();
-
     void addIndex(NSUInteger index) { add({index, 1}); }
     void addIndexesInRange(NSRange range) { add(range); }
     void addIndexes(NSIndexSet* other);

@@ -48,7 +48,7 @@ Retained<Object> entryForValue(NSValue* value) {
 
 PELVOR_DEFINE_CLASS(NSKeyedArchiver, foundationLibrary) {
     methods.classLevel<"archivedDataWithRootObject:", &NSKeyedArchiver::archivedDataWithRootObject>();
-    methods.classLevel<"init", &NSKeyedArchiver::init>();
+    methods.creator<"init", &NSKeyedArchiver::init>();
     methods.instance<"setOutputFormat:", &NSKeyedArchiver::setOutputFormat>();
     methods.instance<"encodedData", &NSKeyedArchiver::encodedData>();
 }

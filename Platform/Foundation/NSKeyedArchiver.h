@@ -25,6 +25,7 @@ class NSMutableDictionary;
 /// the archiver is of no use after that.
 class PELVOR_EXPORT NSKeyedArchiver : public NSCoder {
     PELVOR_CLASS(NSKeyedArchiver, NSCoder);
+    PELVOR_CREATORS(init);
 
   public:
     /// A borrowed archive of one object, under the key "root".

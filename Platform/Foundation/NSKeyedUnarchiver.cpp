@@ -21,8 +21,8 @@ namespace pelvor {
 PELVOR_DEFINE_CLASS(NSKeyedUnarchiver, foundationLibrary) {
     methods.classLevel<"unarchivedObjectWithData:allowedClasses:error:",
                        &NSKeyedUnarchiver::unarchivedObjectWithData_allowedClasses_error>();
-    methods.classLevel<"initForReadingWithData:allowedClasses:",
-                       &NSKeyedUnarchiver::initForReadingWithData_allowedClasses>();
+    methods.creator<"initForReadingWithData:allowedClasses:",
+                    &NSKeyedUnarchiver::initForReadingWithData_allowedClasses>();
     methods.instance<"error", &NSKeyedUnarchiver::error>();
 }
 

@@ -21,6 +21,7 @@ class NSSet;
 /// unarchiver goes. The bounds of property lists hold.
 class PELVOR_EXPORT NSKeyedUnarchiver : public NSCoder {
     PELVOR_CLASS(NSKeyedUnarchiver, NSCoder);
+    PELVOR_CREATORS(initForReadingWithData_allowedClasses);
 
   public:
     /// The object under the key "root", borrowed. None, with a reason in `error` unless that is none, for a

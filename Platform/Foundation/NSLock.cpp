@@ -7,7 +7,7 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSLock, foundationLibrary) {
-    methods.classLevel<"init", &NSLock::init>();
+    methods.creator<"init", &NSLock::init>();
     methods.instance<"lock", &NSLock::lock>();
     methods.instance<"tryLock", &NSLock::tryLock>();
     methods.instance<"lockBeforeDate:", &NSLock::lockBeforeDate>();

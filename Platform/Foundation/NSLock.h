@@ -20,6 +20,7 @@ class NSDate;
 /// `std::lock_guard`.
 class PELVOR_EXPORT NSLock : public NSObject {
     PELVOR_CLASS(NSLock, NSObject);
+    PELVOR_CREATORS(init);
 
   public:
     static Retained<NSLock> init(Class* cls = classObject());

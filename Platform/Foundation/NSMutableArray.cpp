@@ -13,16 +13,16 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSMutableArray, foundationLibrary) {
-    methods.classLevel<"array", &NSMutableArray::array>();
-    methods.classLevel<"arrayWithCapacity:", &NSMutableArray::arrayWithCapacity>();
-    methods.classLevel<"arrayWithObject:", &NSMutableArray::arrayWithObject>();
-    methods.classLevel<"arrayWithObjects:count:", &NSMutableArray::arrayWithObjects_count>();
-    methods.classLevel<"arrayWithArray:", &NSMutableArray::arrayWithArray>();
-    methods.classLevel<"init", &NSMutableArray::init>();
-    methods.classLevelAs<"new", &NSMutableArray::init>();
-    methods.classLevel<"initWithCapacity:", &NSMutableArray::initWithCapacity>();
-    methods.classLevel<"initWithObjects:count:", &NSMutableArray::initWithObjects_count>();
-    methods.classLevel<"initWithArray:", &NSMutableArray::initWithArray>();
+    methods.creator<"array", &NSMutableArray::array>();
+    methods.creator<"arrayWithCapacity:", &NSMutableArray::arrayWithCapacity>();
+    methods.creator<"arrayWithObject:", &NSMutableArray::arrayWithObject>();
+    methods.creator<"arrayWithObjects:count:", &NSMutableArray::arrayWithObjects_count>();
+    methods.creator<"arrayWithArray:", &NSMutableArray::arrayWithArray>();
+    methods.creator<"init", &NSMutableArray::init>();
+    methods.creatorAs<"new", &NSMutableArray::init>();
+    methods.creator<"initWithCapacity:", &NSMutableArray::initWithCapacity>();
+    methods.creator<"initWithObjects:count:", &NSMutableArray::initWithObjects_count>();
+    methods.creator<"initWithArray:", &NSMutableArray::initWithArray>();
     methods.instance<"addObject:", &NSMutableArray::addObject>();
     methods.instance<"insertObject:atIndex:", &NSMutableArray::insertObject_atIndex>();
     methods.instance<"replaceObjectAtIndex:withObject:", &NSMutableArray::replaceObjectAtIndex_withObject>();

@@ -11,6 +11,9 @@ namespace pelvor {
 /// so what its release does may use the array. One thread at a time.
 class PELVOR_EXPORT NSMutableArray : public NSArray {
     PELVOR_CLASS(NSMutableArray, NSArray);
+    PELVOR_CREATORS(array, arrayWithCapacity, arrayWithObject, arrayWithObjects_count, arrayWithArray, init,
+                    initWithCapacity, initWithObjects_count, initWithArray, of, arrayWithObjects,
+                    initWithObjects);
 
   public:
     // Creation; as in NSArray.

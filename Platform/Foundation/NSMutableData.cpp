@@ -15,25 +15,25 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSMutableData, foundationLibrary) {
-    methods.classLevel<"data", &NSMutableData::data>();
-    methods.classLevel<"dataWithCapacity:", &NSMutableData::dataWithCapacity>();
-    methods.classLevel<"dataWithLength:", &NSMutableData::dataWithLength>();
-    methods.classLevel<"dataWithBytes:length:", &NSMutableData::dataWithBytes_length>();
-    methods.classLevel<"dataWithBytesNoCopy:length:", &NSMutableData::dataWithBytesNoCopy_length>();
-    methods.classLevel<"dataWithBytesNoCopy:length:freeWhenDone:",
-                       &NSMutableData::dataWithBytesNoCopy_length_freeWhenDone>();
-    methods.classLevel<"dataWithData:", &NSMutableData::dataWithData>();
-    methods.classLevel<"dataWithContentsOfFile:", &NSMutableData::dataWithContentsOfFile>();
-    methods.classLevel<"init", &NSMutableData::init>();
-    methods.classLevelAs<"new", &NSMutableData::init>();
-    methods.classLevel<"initWithCapacity:", &NSMutableData::initWithCapacity>();
-    methods.classLevel<"initWithLength:", &NSMutableData::initWithLength>();
-    methods.classLevel<"initWithBytes:length:", &NSMutableData::initWithBytes_length>();
-    methods.classLevel<"initWithBytesNoCopy:length:", &NSMutableData::initWithBytesNoCopy_length>();
-    methods.classLevel<"initWithBytesNoCopy:length:freeWhenDone:",
-                       &NSMutableData::initWithBytesNoCopy_length_freeWhenDone>();
-    methods.classLevel<"initWithData:", &NSMutableData::initWithData>();
-    methods.classLevel<"initWithContentsOfFile:", &NSMutableData::initWithContentsOfFile>();
+    methods.creator<"data", &NSMutableData::data>();
+    methods.creator<"dataWithCapacity:", &NSMutableData::dataWithCapacity>();
+    methods.creator<"dataWithLength:", &NSMutableData::dataWithLength>();
+    methods.creator<"dataWithBytes:length:", &NSMutableData::dataWithBytes_length>();
+    methods.creator<"dataWithBytesNoCopy:length:", &NSMutableData::dataWithBytesNoCopy_length>();
+    methods.creator<"dataWithBytesNoCopy:length:freeWhenDone:",
+                    &NSMutableData::dataWithBytesNoCopy_length_freeWhenDone>();
+    methods.creator<"dataWithData:", &NSMutableData::dataWithData>();
+    methods.creator<"dataWithContentsOfFile:", &NSMutableData::dataWithContentsOfFile>();
+    methods.creator<"init", &NSMutableData::init>();
+    methods.creatorAs<"new", &NSMutableData::init>();
+    methods.creator<"initWithCapacity:", &NSMutableData::initWithCapacity>();
+    methods.creator<"initWithLength:", &NSMutableData::initWithLength>();
+    methods.creator<"initWithBytes:length:", &NSMutableData::initWithBytes_length>();
+    methods.creator<"initWithBytesNoCopy:length:", &NSMutableData::initWithBytesNoCopy_length>();
+    methods.creator<"initWithBytesNoCopy:length:freeWhenDone:",
+                    &NSMutableData::initWithBytesNoCopy_length_freeWhenDone>();
+    methods.creator<"initWithData:", &NSMutableData::initWithData>();
+    methods.creator<"initWithContentsOfFile:", &NSMutableData::initWithContentsOfFile>();
     methods.instance<"mutableBytes", &NSMutableData::mutableBytes>();
     methods.instance<"setLength:", &NSMutableData::setLength>();
     methods.instance<"increaseLengthBy:", &NSMutableData::increaseLengthBy>();

@@ -11,6 +11,10 @@ namespace pelvor {
 /// Bytes that can be changed. Operations that raise change nothing. One thread at a time.
 class PELVOR_EXPORT NSMutableData : public NSData {
     PELVOR_CLASS(NSMutableData, NSData);
+    PELVOR_CREATORS(data, dataWithCapacity, dataWithLength, dataWithBytes_length, dataWithBytesNoCopy_length,
+                    dataWithBytesNoCopy_length_freeWhenDone, dataWithData, dataWithContentsOfFile, init,
+                    initWithCapacity, initWithLength, initWithBytes_length, initWithBytesNoCopy_length,
+                    initWithBytesNoCopy_length_freeWhenDone, initWithData, initWithContentsOfFile, of);
 
   public:
     static NSMutableData* data();

@@ -9,21 +9,19 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSMutableDictionary, foundationLibrary) {
-    methods.classLevel<"dictionary", &NSMutableDictionary::dictionary>();
-    methods.classLevel<"dictionaryWithCapacity:", &NSMutableDictionary::dictionaryWithCapacity>();
-    methods.classLevel<"dictionaryWithObject:forKey:", &NSMutableDictionary::dictionaryWithObject_forKey>();
-    methods
-        .classLevel<"dictionaryWithObjects:forKeys:", &NSMutableDictionary::dictionaryWithObjects_forKeys>();
-    methods.classLevel<"dictionaryWithObjects:forKeys:count:",
-                       &NSMutableDictionary::dictionaryWithObjects_forKeys_count>();
-    methods.classLevel<"dictionaryWithDictionary:", &NSMutableDictionary::dictionaryWithDictionary>();
-    methods.classLevel<"init", &NSMutableDictionary::init>();
-    methods.classLevelAs<"new", &NSMutableDictionary::init>();
-    methods.classLevel<"initWithCapacity:", &NSMutableDictionary::initWithCapacity>();
-    methods.classLevel<"initWithObjects:forKeys:", &NSMutableDictionary::initWithObjects_forKeys>();
-    methods
-        .classLevel<"initWithObjects:forKeys:count:", &NSMutableDictionary::initWithObjects_forKeys_count>();
-    methods.classLevel<"initWithDictionary:", &NSMutableDictionary::initWithDictionary>();
+    methods.creator<"dictionary", &NSMutableDictionary::dictionary>();
+    methods.creator<"dictionaryWithCapacity:", &NSMutableDictionary::dictionaryWithCapacity>();
+    methods.creator<"dictionaryWithObject:forKey:", &NSMutableDictionary::dictionaryWithObject_forKey>();
+    methods.creator<"dictionaryWithObjects:forKeys:", &NSMutableDictionary::dictionaryWithObjects_forKeys>();
+    methods.creator<"dictionaryWithObjects:forKeys:count:",
+                    &NSMutableDictionary::dictionaryWithObjects_forKeys_count>();
+    methods.creator<"dictionaryWithDictionary:", &NSMutableDictionary::dictionaryWithDictionary>();
+    methods.creator<"init", &NSMutableDictionary::init>();
+    methods.creatorAs<"new", &NSMutableDictionary::init>();
+    methods.creator<"initWithCapacity:", &NSMutableDictionary::initWithCapacity>();
+    methods.creator<"initWithObjects:forKeys:", &NSMutableDictionary::initWithObjects_forKeys>();
+    methods.creator<"initWithObjects:forKeys:count:", &NSMutableDictionary::initWithObjects_forKeys_count>();
+    methods.creator<"initWithDictionary:", &NSMutableDictionary::initWithDictionary>();
     methods.instance<"setObject:forKey:", &NSMutableDictionary::setObject_forKey>();
     methods.instance<"setValue:forKey:", &NSMutableDictionary::setValue_forKey>();
     methods.instance<"removeObjectForKey:", &NSMutableDictionary::removeObjectForKey>();

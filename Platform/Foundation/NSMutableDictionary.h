@@ -11,6 +11,10 @@ namespace pelvor {
 /// will be. One thread at a time.
 class PELVOR_EXPORT NSMutableDictionary : public NSDictionary {
     PELVOR_CLASS(NSMutableDictionary, NSDictionary);
+    PELVOR_CREATORS(dictionary, dictionaryWithCapacity, dictionaryWithObject_forKey,
+                    dictionaryWithObjects_forKeys, dictionaryWithObjects_forKeys_count,
+                    dictionaryWithDictionary, init, initWithCapacity, initWithObjects_forKeys,
+                    initWithObjects_forKeys_count, initWithDictionary, of, initWithEntries);
 
   public:
     // Creation; as in NSDictionary.

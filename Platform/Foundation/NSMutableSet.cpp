@@ -11,18 +11,18 @@ namespace pelvor {
 PELVOR_DEFINE_CLASS(NSTableMutableSet, foundationLibrary) {}
 
 PELVOR_DEFINE_CLASS(NSMutableSet, foundationLibrary) {
-    methods.classLevel<"set", &NSMutableSet::set>();
-    methods.classLevel<"setWithCapacity:", &NSMutableSet::setWithCapacity>();
-    methods.classLevel<"setWithObject:", &NSMutableSet::setWithObject>();
-    methods.classLevel<"setWithObjects:count:", &NSMutableSet::setWithObjects_count>();
-    methods.classLevel<"setWithArray:", &NSMutableSet::setWithArray>();
-    methods.classLevel<"setWithSet:", &NSMutableSet::setWithSet>();
-    methods.classLevel<"init", &NSMutableSet::init>();
-    methods.classLevelAs<"new", &NSMutableSet::init>();
-    methods.classLevel<"initWithCapacity:", &NSMutableSet::initWithCapacity>();
-    methods.classLevel<"initWithObjects:count:", &NSMutableSet::initWithObjects_count>();
-    methods.classLevel<"initWithArray:", &NSMutableSet::initWithArray>();
-    methods.classLevel<"initWithSet:", &NSMutableSet::initWithSet>();
+    methods.creator<"set", &NSMutableSet::set>();
+    methods.creator<"setWithCapacity:", &NSMutableSet::setWithCapacity>();
+    methods.creator<"setWithObject:", &NSMutableSet::setWithObject>();
+    methods.creator<"setWithObjects:count:", &NSMutableSet::setWithObjects_count>();
+    methods.creator<"setWithArray:", &NSMutableSet::setWithArray>();
+    methods.creator<"setWithSet:", &NSMutableSet::setWithSet>();
+    methods.creator<"init", &NSMutableSet::init>();
+    methods.creatorAs<"new", &NSMutableSet::init>();
+    methods.creator<"initWithCapacity:", &NSMutableSet::initWithCapacity>();
+    methods.creator<"initWithObjects:count:", &NSMutableSet::initWithObjects_count>();
+    methods.creator<"initWithArray:", &NSMutableSet::initWithArray>();
+    methods.creator<"initWithSet:", &NSMutableSet::initWithSet>();
     methods.instance<"addObject:", &NSMutableSet::addObject>();
     methods.instance<"removeObject:", &NSMutableSet::removeObject>();
     methods.instance<"removeAllObjects", &NSMutableSet::removeAllObjects>();

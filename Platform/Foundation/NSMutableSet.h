@@ -11,6 +11,9 @@ namespace pelvor {
 /// thread at a time.
 class PELVOR_EXPORT NSMutableSet : public NSSet {
     PELVOR_CLASS(NSMutableSet, NSSet);
+    PELVOR_CREATORS(set, setWithCapacity, setWithObject, setWithObjects_count, setWithArray, setWithSet, init,
+                    initWithCapacity, initWithObjects_count, initWithArray, initWithSet, of, setWithObjects,
+                    initWithObjects);
 
   public:
     // Creation; as in NSSet.

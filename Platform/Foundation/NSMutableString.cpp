@@ -25,22 +25,29 @@ void appendFormatAlone(NSMutableString* string, NSString* format) { string->appe
 PELVOR_DEFINE_CLASS(NSBufferString, foundationLibrary) {}
 
 PELVOR_DEFINE_CLASS(NSMutableString, foundationLibrary) {
-    methods.classLevel<"string", &NSMutableString::string>();
-    methods.classLevel<"stringWithCapacity:", &NSMutableString::stringWithCapacity>();
-    methods.classLevel<"stringWithString:", &NSMutableString::stringWithString>();
-    methods.classLevel<"stringWithCharacters:length:", &NSMutableString::stringWithCharacters_length>();
-    methods.classLevel<"stringWithUTF8String:", &NSMutableString::stringWithUTF8String>();
-    methods.classLevelAs<"stringWithFormat:", &formatAlone>();
-    methods.classLevel<"stringWithContentsOfFile:encoding:",
-                       &NSMutableString::stringWithContentsOfFile_encoding>();
-    methods.classLevel<"init", &NSMutableString::init>();
-    methods.classLevel<"initWithCapacity:", &NSMutableString::initWithCapacity>();
-    methods.classLevel<"initWithString:", &NSMutableString::initWithString>();
-    methods.classLevel<"initWithCharacters:length:", &NSMutableString::initWithCharacters_length>();
-    methods.classLevel<"initWithUTF8String:", &NSMutableString::initWithUTF8String>();
-    methods.classLevel<"initWithBytes:length:encoding:", &NSMutableString::initWithBytes_length_encoding>();
-    methods.classLevel<"initWithData:encoding:", &NSMutableString::initWithData_encoding>();
-    methods.classLevelAs<"initWithFormat:", &formatAlone>();
+    methods.creator<"string", &NSMutableString::string>();
+    methods.creator<"stringWithCapacity:", &NSMutableString::stringWithCapacity>();
+    methods.creator<"stringWithString:", &NSMutableString::stringWithString>();
+    methods.creator<"stringWithCharacters:length:", &NSMutableString::stringWithCharacters_length>();
+    methods.creator<"stringWithUTF8String:", &NSMutableString::stringWithUTF8String>();
+    methods.creator<"stringWithCString:encoding:", &NSMutableString::stringWithCString_encoding>();
+    methods.creatorAs<"stringWithFormat:", &formatAlone>();
+    methods
+        .creator<"stringWithContentsOfFile:encoding:", &NSMutableString::stringWithContentsOfFile_encoding>();
+    methods.creator<"stringWithContentsOfFile:", &NSMutableString::stringWithContentsOfFile>();
+    methods.creator<"init", &NSMutableString::init>();
+    methods.creator<"initWithCapacity:", &NSMutableString::initWithCapacity>();
+    methods.creator<"initWithString:", &NSMutableString::initWithString>();
+    methods.creator<"initWithCharacters:length:", &NSMutableString::initWithCharacters_length>();
+    methods.creator<"initWithCharactersNoCopy:length:freeWhenDone:",
+                    &NSMutableString::initWithCharactersNoCopy_length_freeWhenDone>();
+    methods.creator<"initWithUTF8String:", &NSMutableString::initWithUTF8String>();
+    methods.creator<"initWithCString:encoding:", &NSMutableString::initWithCString_encoding>();
+    methods.creator<"initWithBytes:length:encoding:", &NSMutableString::initWithBytes_length_encoding>();
+    methods.creator<"initWithData:encoding:", &NSMutableString::initWithData_encoding>();
+    methods.creator<"initWithContentsOfFile:encoding:", &NSMutableString::initWithContentsOfFile_encoding>();
+    methods.creator<"initWithContentsOfFile:", &NSMutableString::initWithContentsOfFile>();
+    methods.creatorAs<"initWithFormat:", &formatAlone>();
 
     methods.instance<"replaceCharactersInRange:withString:",
                      &NSMutableString::replaceCharactersInRange_withString>();
@@ -55,6 +62,15 @@ PELVOR_DEFINE_CLASS(NSMutableString, foundationLibrary) {
 }
 
 // Creation
+
+namespace {
+
+// A mutable copy of what a creator of NSString made; null for null.
+Retained<NSMutableString> mutableCopyOf(const Retained<NSString>& string) {
+    return string ? NSMutableString::initWithString(string) : nullptr;
+}
+
+}  // namespace
 
 Retained<NSMutableString> NSMutableString::initWithCapacity(NSUInteger capacity) {
     auto string = make<NSBufferString>();
@@ -81,8 +97,28 @@ Retained<NSMutableString> NSMutableString::initWithCharacters_length(const unich
 }
 
 Retained<NSMutableString> NSMutableString::initWithUTF8String(const char* text) {
-    auto string = NSString::initWithUTF8String(text);
-    return string ? initWithString(string) : nullptr;
+    return mutableCopyOf(NSString::initWithUTF8String(text));
+}
+
+Retained<NSMutableString> NSMutableString::initWithCharactersNoCopy_length_freeWhenDone(unichar* characters,
+                                                                                        NSUInteger length,
+                                                                                        bool freeWhenDone) {
+    return mutableCopyOf(
+        NSString::initWithCharactersNoCopy_length_freeWhenDone(characters, length, freeWhenDone));
+}
+
+Retained<NSMutableString> NSMutableString::initWithCString_encoding(const char* text,
+                                                                    NSStringEncoding encoding) {
+    return mutableCopyOf(NSString::initWithCString_encoding(text, encoding));
+}
+
+Retained<NSMutableString> NSMutableString::initWithContentsOfFile_encoding(NSString* path,
+                                                                           NSStringEncoding encoding) {
+    return mutableCopyOf(NSString::initWithContentsOfFile_encoding(path, encoding));
+}
+
+Retained<NSMutableString> NSMutableString::initWithContentsOfFile(NSString* path) {
+    return mutableCopyOf(NSString::initWithContentsOfFile(path));
 }
 
 NSMutableString* NSMutableString::string() { return init().autorelease(); }
@@ -101,6 +137,14 @@ NSMutableString* NSMutableString::stringWithCharacters_length(const unichar* cha
 
 NSMutableString* NSMutableString::stringWithUTF8String(const char* text) {
     return initWithUTF8String(text).autorelease();
+}
+
+NSMutableString* NSMutableString::stringWithCString_encoding(const char* text, NSStringEncoding encoding) {
+    return initWithCString_encoding(text, encoding).autorelease();
+}
+
+NSMutableString* NSMutableString::stringWithContentsOfFile(NSString* path) {
+    return initWithContentsOfFile(path).autorelease();
 }
 
 NSMutableString* NSMutableString::of(std::u16string_view units) {

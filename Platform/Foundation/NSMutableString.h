@@ -10,6 +10,13 @@ namespace pelvor {
 /// that changes the string stands. One thread at a time.
 class PELVOR_EXPORT NSMutableString : public NSString {
     PELVOR_CLASS(NSMutableString, NSString);
+    PELVOR_CREATORS(string, stringWithCapacity, stringWithString, stringWithCharacters_length,
+                    stringWithUTF8String, stringWithCString_encoding, stringWithContentsOfFile_encoding,
+                    stringWithContentsOfFile, init, initWithCapacity, initWithString,
+                    initWithCharacters_length, initWithCharactersNoCopy_length_freeWhenDone,
+                    initWithUTF8String, initWithCString_encoding, initWithBytes_length_encoding,
+                    initWithData_encoding, initWithContentsOfFile_encoding, initWithContentsOfFile, of,
+                    ofUTF8);
 
   public:
     // Creation, as NSString's; the results are mutable.
@@ -19,17 +26,27 @@ class PELVOR_EXPORT NSMutableString : public NSString {
     static NSMutableString* stringWithString(NSString* string);
     static NSMutableString* stringWithCharacters_length(const unichar* characters, NSUInteger length);
     static NSMutableString* stringWithUTF8String(const char* text);
+    static NSMutableString* stringWithCString_encoding(const char* text, NSStringEncoding encoding);
     static NSMutableString* stringWithContentsOfFile_encoding(NSString* path, NSStringEncoding encoding);
+    static NSMutableString* stringWithContentsOfFile(NSString* path);
 
     static Retained<NSMutableString> init();
     /// Room for `capacity` units; the string grows past it as needed.
     static Retained<NSMutableString> initWithCapacity(NSUInteger capacity);
     static Retained<NSMutableString> initWithString(NSString* string);
     static Retained<NSMutableString> initWithCharacters_length(const unichar* characters, NSUInteger length);
+    /// Copies the units all the same, and frees those of the caller at once if that is asked for.
+    static Retained<NSMutableString> initWithCharactersNoCopy_length_freeWhenDone(unichar* characters,
+                                                                                  NSUInteger length,
+                                                                                  bool freeWhenDone);
     static Retained<NSMutableString> initWithUTF8String(const char* text);
+    static Retained<NSMutableString> initWithCString_encoding(const char* text, NSStringEncoding encoding);
     static Retained<NSMutableString> initWithBytes_length_encoding(const void* bytes, NSUInteger length,
                                                                    NSStringEncoding encoding);
     static Retained<NSMutableString> initWithData_encoding(NSData* data, NSStringEncoding encoding);
+    static Retained<NSMutableString> initWithContentsOfFile_encoding(NSString* path,
+                                                                     NSStringEncoding encoding);
+    static Retained<NSMutableString> initWithContentsOfFile(NSString* path);
 
     // C++ only
     template <class... A>

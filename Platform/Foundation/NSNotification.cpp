@@ -25,9 +25,9 @@ bool isLiteral(NSString* string) { return string->isa() == NSConstantString::cla
 }  // namespace
 
 PELVOR_DEFINE_CLASS(NSNotification, foundationLibrary) {
-    methods.classLevel<"notificationWithName:object:", &NSNotification::notificationWithName_object>();
-    methods.classLevel<"notificationWithName:object:userInfo:",
-                       &NSNotification::notificationWithName_object_userInfo>();
+    methods.creator<"notificationWithName:object:", &NSNotification::notificationWithName_object>();
+    methods.creator<"notificationWithName:object:userInfo:",
+                    &NSNotification::notificationWithName_object_userInfo>();
     methods.instance<"name", &NSNotification::name>();
     methods.instance<"object", &NSNotification::object>();
     methods.instance<"userInfo", &NSNotification::userInfo>();

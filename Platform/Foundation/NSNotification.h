@@ -13,6 +13,7 @@ class NSDictionary;
 /// which a centre delivered it has to retain the notification. Any thread.
 class PELVOR_EXPORT NSNotification : public NSObject {
     PELVOR_CLASS(NSNotification, NSObject);
+    PELVOR_CREATORS(notificationWithName_object, notificationWithName_object_userInfo);
 
   public:
     /// These return a notification, borrowed. Object and user information may be null. Raise

@@ -12,7 +12,7 @@ namespace pelvor {
 // By selector, a post is the delivery itself: that is what a subclass's method calls as its superclass's.
 PELVOR_DEFINE_CLASS(NSNotificationCenter, foundationLibrary) {
     methods.classLevel<"defaultCenter", &NSNotificationCenter::defaultCenter>();
-    methods.classLevel<"init", &NSNotificationCenter::init>();
+    methods.creator<"init", &NSNotificationCenter::init>();
     methods.instance<"addObserver:selector:name:object:",
                      &NSNotificationCenter::addObserver_selector_name_object>();
     methods.instance<"removeObserver:", &NSNotificationCenter::removeObserver>();

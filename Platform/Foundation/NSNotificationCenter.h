@@ -32,6 +32,7 @@ class ObserverTable;
 /// changed.
 class PELVOR_EXPORT NSNotificationCenter : public NSObject {
     PELVOR_CLASS(NSNotificationCenter, NSObject);
+    PELVOR_CREATORS(init);
 
   public:
     /// Returns the process's centre.

@@ -27,8 +27,8 @@ bool isSame(NSNotification* a, NSNotification* b, std::uint32_t mask) {
 
 PELVOR_DEFINE_CLASS(NSNotificationQueue, foundationLibrary) {
     methods.classLevel<"defaultQueue", &NSNotificationQueue::defaultQueue>();
-    methods.classLevel<"init", &NSNotificationQueue::init>();
-    methods.classLevel<"initWithNotificationCenter:", &NSNotificationQueue::initWithNotificationCenter>();
+    methods.creator<"init", &NSNotificationQueue::init>();
+    methods.creator<"initWithNotificationCenter:", &NSNotificationQueue::initWithNotificationCenter>();
     methods.instance<"enqueueNotification:postingStyle:",
                      &NSNotificationQueue::enqueueNotification_postingStyle>();
     methods.instance<"enqueueNotification:postingStyle:coalesceMask:forModes:",

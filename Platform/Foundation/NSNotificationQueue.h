@@ -36,6 +36,7 @@ enum NSNotificationCoalescing : std::uint32_t {
 /// notification is gone, and those after it stay. A queue is for the thread that made it.
 class PELVOR_EXPORT NSNotificationQueue : public NSObject {
     PELVOR_CLASS(NSNotificationQueue, NSObject);
+    PELVOR_CREATORS(init, initWithNotificationCenter);
 
   public:
     /// Returns the thread's queue for the default centre.

@@ -18,26 +18,26 @@ namespace pelvor {
 PELVOR_DEFINE_CLASS(NSPlainNumber, foundationLibrary) {}
 
 PELVOR_DEFINE_CLASS(NSNumber, foundationLibrary) {
-    methods.classLevel<"numberWithBool:", &NSNumber::numberWithBool>();
-    methods.classLevel<"numberWithChar:", &NSNumber::numberWithChar>();
-    methods.classLevel<"numberWithUnsignedChar:", &NSNumber::numberWithUnsignedChar>();
-    methods.classLevel<"numberWithShort:", &NSNumber::numberWithShort>();
-    methods.classLevel<"numberWithUnsignedShort:", &NSNumber::numberWithUnsignedShort>();
-    methods.classLevel<"numberWithInt:", &NSNumber::numberWithInt>();
-    methods.classLevel<"numberWithUnsignedInt:", &NSNumber::numberWithUnsignedInt>();
-    methods.classLevel<"numberWithLong:", &NSNumber::numberWithLong>();
-    methods.classLevel<"numberWithUnsignedLong:", &NSNumber::numberWithUnsignedLong>();
-    methods.classLevel<"numberWithLongLong:", &NSNumber::numberWithLongLong>();
-    methods.classLevel<"numberWithUnsignedLongLong:", &NSNumber::numberWithUnsignedLongLong>();
-    methods.classLevel<"numberWithFloat:", &NSNumber::numberWithFloat>();
-    methods.classLevel<"numberWithDouble:", &NSNumber::numberWithDouble>();
-    methods.classLevel<"initWithBool:", &NSNumber::initWithBool>();
-    methods.classLevel<"initWithInt:", &NSNumber::initWithInt>();
-    methods.classLevel<"initWithUnsignedInt:", &NSNumber::initWithUnsignedInt>();
-    methods.classLevel<"initWithLongLong:", &NSNumber::initWithLongLong>();
-    methods.classLevel<"initWithUnsignedLongLong:", &NSNumber::initWithUnsignedLongLong>();
-    methods.classLevel<"initWithFloat:", &NSNumber::initWithFloat>();
-    methods.classLevel<"initWithDouble:", &NSNumber::initWithDouble>();
+    methods.creator<"numberWithBool:", &NSNumber::numberWithBool>();
+    methods.creator<"numberWithChar:", &NSNumber::numberWithChar>();
+    methods.creator<"numberWithUnsignedChar:", &NSNumber::numberWithUnsignedChar>();
+    methods.creator<"numberWithShort:", &NSNumber::numberWithShort>();
+    methods.creator<"numberWithUnsignedShort:", &NSNumber::numberWithUnsignedShort>();
+    methods.creator<"numberWithInt:", &NSNumber::numberWithInt>();
+    methods.creator<"numberWithUnsignedInt:", &NSNumber::numberWithUnsignedInt>();
+    methods.creator<"numberWithLong:", &NSNumber::numberWithLong>();
+    methods.creator<"numberWithUnsignedLong:", &NSNumber::numberWithUnsignedLong>();
+    methods.creator<"numberWithLongLong:", &NSNumber::numberWithLongLong>();
+    methods.creator<"numberWithUnsignedLongLong:", &NSNumber::numberWithUnsignedLongLong>();
+    methods.creator<"numberWithFloat:", &NSNumber::numberWithFloat>();
+    methods.creator<"numberWithDouble:", &NSNumber::numberWithDouble>();
+    methods.creator<"initWithBool:", &NSNumber::initWithBool>();
+    methods.creator<"initWithInt:", &NSNumber::initWithInt>();
+    methods.creator<"initWithUnsignedInt:", &NSNumber::initWithUnsignedInt>();
+    methods.creator<"initWithLongLong:", &NSNumber::initWithLongLong>();
+    methods.creator<"initWithUnsignedLongLong:", &NSNumber::initWithUnsignedLongLong>();
+    methods.creator<"initWithFloat:", &NSNumber::initWithFloat>();
+    methods.creator<"initWithDouble:", &NSNumber::initWithDouble>();
     methods.instance<"boolValue", &NSNumber::boolValue>();
     methods.instance<"charValue", &NSNumber::charValue>();
     methods.instance<"unsignedCharValue", &NSNumber::unsignedCharValue>();

@@ -16,8 +16,13 @@ class NSString;
 /// each of them may be overridden for speed. Reading as another type cuts an integer to the low bits;
 /// a fraction is dropped, and what lies outside the type's range gives its nearest end, NaN 0.
 /// The creators may answer a shared object. Any thread.
-class PELVOR_EXPORT NSNumber : public NSValue {
+class PELVOR_EXPORT NSNumber : public NSValue, NSValue::HiddenCreators {
     PELVOR_CLASS(NSNumber, NSValue);
+    PELVOR_CREATORS(numberWithBool, numberWithChar, numberWithUnsignedChar, numberWithShort,
+                    numberWithUnsignedShort, numberWithInt, numberWithUnsignedInt, numberWithLong,
+                    numberWithUnsignedLong, numberWithLongLong, numberWithUnsignedLongLong, numberWithFloat,
+                    numberWithDouble, initWithBool, initWithInt, initWithUnsignedInt, initWithLongLong,
+                    initWithUnsignedLongLong, initWithFloat, initWithDouble);
 
   public:
     // Creation; borrowed, owned where the name begins with "init".

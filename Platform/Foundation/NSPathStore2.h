@@ -8,8 +8,9 @@ namespace pelvor {
 
 /// An immutable string like any other. It has a method of its own for `stringByResolvingSymlinksInPath`,
 /// which can be replaced without that of other strings.
-class PELVOR_EXPORT NSPathStore2 : public NSString {
+class PELVOR_EXPORT NSPathStore2 : public NSString, NSString::HiddenCreators {
     PELVOR_CLASS(NSPathStore2, NSString);
+    PELVOR_CREATORS(of);
 
   public:
     // C++ only

@@ -14,6 +14,7 @@ struct PropertyListFault;
 /// Why a property list could not be read or written. Immutable. Any thread.
 class PELVOR_EXPORT NSPropertyListError : public NSObject {
     PELVOR_CLASS(NSPropertyListError, NSObject);
+    PELVOR_CREATORS(create);
 
   public:
     // C++ only

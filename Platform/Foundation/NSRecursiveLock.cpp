@@ -7,7 +7,7 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSRecursiveLock, foundationLibrary) {
-    methods.classLevel<"init", &NSRecursiveLock::init>();
+    methods.creator<"init", &NSRecursiveLock::init>();
     methods.instance<"lock", &NSRecursiveLock::lock>();
     methods.instance<"tryLock", &NSRecursiveLock::tryLock>();
     methods.instance<"lockBeforeDate:", &NSRecursiveLock::lockBeforeDate>();

@@ -14,6 +14,7 @@ class NSDate;
 /// `lock`. `std::lock_guard` takes it.
 class PELVOR_EXPORT NSRecursiveLock : public NSObject {
     PELVOR_CLASS(NSRecursiveLock, NSObject);
+    PELVOR_CREATORS(init);
 
   public:
     static Retained<NSRecursiveLock> init(Class* cls = classObject());

@@ -11,8 +11,8 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSScanner, foundationLibrary) {
-    methods.classLevel<"initWithString:", &NSScanner::initWithString>();
-    methods.classLevel<"scannerWithString:", &NSScanner::scannerWithString>();
+    methods.creator<"initWithString:", &NSScanner::initWithString>();
+    methods.creator<"scannerWithString:", &NSScanner::scannerWithString>();
 
     methods.instance<"string", &NSScanner::string>();
     methods.instance<"scanLocation", &NSScanner::scanLocation>();

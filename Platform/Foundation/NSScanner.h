@@ -18,6 +18,7 @@ namespace pelvor {
 /// are too large are the nearest number of the type. One thread at a time.
 class PELVOR_EXPORT NSScanner : public NSObject {
     PELVOR_CLASS(NSScanner, NSObject);
+    PELVOR_CREATORS(initWithString, scannerWithString);
 
   public:
     /// Over a copy of the string. Raises NSInvalidArgumentException for none.

@@ -15,16 +15,16 @@ namespace pelvor {
 PELVOR_DEFINE_CLASS(NSTableSet, foundationLibrary) {}
 
 PELVOR_DEFINE_CLASS(NSSet, foundationLibrary) {
-    methods.classLevel<"set", &NSSet::set>();
-    methods.classLevel<"setWithObject:", &NSSet::setWithObject>();
-    methods.classLevel<"setWithObjects:count:", &NSSet::setWithObjects_count>();
-    methods.classLevel<"setWithArray:", &NSSet::setWithArray>();
-    methods.classLevel<"setWithSet:", &NSSet::setWithSet>();
-    methods.classLevel<"init", &NSSet::init>();
-    methods.classLevelAs<"new", &NSSet::init>();
-    methods.classLevel<"initWithObjects:count:", &NSSet::initWithObjects_count>();
-    methods.classLevel<"initWithArray:", &NSSet::initWithArray>();
-    methods.classLevel<"initWithSet:", &NSSet::initWithSet>();
+    methods.creator<"set", &NSSet::set>();
+    methods.creator<"setWithObject:", &NSSet::setWithObject>();
+    methods.creator<"setWithObjects:count:", &NSSet::setWithObjects_count>();
+    methods.creator<"setWithArray:", &NSSet::setWithArray>();
+    methods.creator<"setWithSet:", &NSSet::setWithSet>();
+    methods.creator<"init", &NSSet::init>();
+    methods.creatorAs<"new", &NSSet::init>();
+    methods.creator<"initWithObjects:count:", &NSSet::initWithObjects_count>();
+    methods.creator<"initWithArray:", &NSSet::initWithArray>();
+    methods.creator<"initWithSet:", &NSSet::initWithSet>();
     methods.instance<"count", &NSSet::count>();
     methods.instance<"member:", &NSSet::member>();
     methods.instance<"containsObject:", &NSSet::containsObject>();

@@ -18,6 +18,8 @@ class NSMutableSet;
 /// on any thread as far as their members may.
 class PELVOR_EXPORT NSSet : public NSObject {
     PELVOR_CLASS(NSSet, NSObject);
+    PELVOR_CREATORS(set, setWithObject, setWithObjects_count, setWithArray, setWithSet, init,
+                    initWithObjects_count, initWithArray, initWithSet, of, setWithObjects, initWithObjects);
 
   public:
     // Creation. Operations whose names begin with "init" answer owned sets, the others borrowed ones.

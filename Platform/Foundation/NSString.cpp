@@ -25,28 +25,28 @@ NSString* appendFormatAlone(NSString* string, NSString* format) {
 }  // namespace
 
 PELVOR_DEFINE_CLASS(NSString, foundationLibrary) {
-    methods.classLevel<"string", &NSString::string>();
-    methods.classLevel<"stringWithString:", &NSString::stringWithString>();
-    methods.classLevel<"stringWithCharacters:length:", &NSString::stringWithCharacters_length>();
-    methods.classLevel<"stringWithUTF8String:", &NSString::stringWithUTF8String>();
-    methods.classLevel<"stringWithCString:encoding:", &NSString::stringWithCString_encoding>();
-    methods.classLevelAs<"stringWithFormat:", &formatAlone>();
-    methods.classLevel<"stringWithContentsOfFile:encoding:", &NSString::stringWithContentsOfFile_encoding>();
-    methods.classLevel<"stringWithContentsOfFile:", &NSString::stringWithContentsOfFile>();
+    methods.creator<"string", &NSString::string>();
+    methods.creator<"stringWithString:", &NSString::stringWithString>();
+    methods.creator<"stringWithCharacters:length:", &NSString::stringWithCharacters_length>();
+    methods.creator<"stringWithUTF8String:", &NSString::stringWithUTF8String>();
+    methods.creator<"stringWithCString:encoding:", &NSString::stringWithCString_encoding>();
+    methods.creatorAs<"stringWithFormat:", &formatAlone>();
+    methods.creator<"stringWithContentsOfFile:encoding:", &NSString::stringWithContentsOfFile_encoding>();
+    methods.creator<"stringWithContentsOfFile:", &NSString::stringWithContentsOfFile>();
     methods.classLevel<"pathWithComponents:", &NSString::pathWithComponents>();
     methods.classLevel<"localizedNameOfStringEncoding:", &NSString::localizedNameOfStringEncoding>();
-    methods.classLevel<"init", &NSString::init>();
-    methods.classLevel<"initWithString:", &NSString::initWithString>();
-    methods.classLevel<"initWithCharacters:length:", &NSString::initWithCharacters_length>();
-    methods.classLevel<"initWithCharactersNoCopy:length:freeWhenDone:",
-                       &NSString::initWithCharactersNoCopy_length_freeWhenDone>();
-    methods.classLevel<"initWithUTF8String:", &NSString::initWithUTF8String>();
-    methods.classLevel<"initWithCString:encoding:", &NSString::initWithCString_encoding>();
-    methods.classLevel<"initWithBytes:length:encoding:", &NSString::initWithBytes_length_encoding>();
-    methods.classLevel<"initWithData:encoding:", &NSString::initWithData_encoding>();
-    methods.classLevel<"initWithContentsOfFile:encoding:", &NSString::initWithContentsOfFile_encoding>();
-    methods.classLevel<"initWithContentsOfFile:", &NSString::initWithContentsOfFile>();
-    methods.classLevelAs<"initWithFormat:", &formatAlone>();
+    methods.creator<"init", &NSString::init>();
+    methods.creator<"initWithString:", &NSString::initWithString>();
+    methods.creator<"initWithCharacters:length:", &NSString::initWithCharacters_length>();
+    methods.creator<"initWithCharactersNoCopy:length:freeWhenDone:",
+                    &NSString::initWithCharactersNoCopy_length_freeWhenDone>();
+    methods.creator<"initWithUTF8String:", &NSString::initWithUTF8String>();
+    methods.creator<"initWithCString:encoding:", &NSString::initWithCString_encoding>();
+    methods.creator<"initWithBytes:length:encoding:", &NSString::initWithBytes_length_encoding>();
+    methods.creator<"initWithData:encoding:", &NSString::initWithData_encoding>();
+    methods.creator<"initWithContentsOfFile:encoding:", &NSString::initWithContentsOfFile_encoding>();
+    methods.creator<"initWithContentsOfFile:", &NSString::initWithContentsOfFile>();
+    methods.creatorAs<"initWithFormat:", &formatAlone>();
 
     methods.instance<"length", &NSString::length>();
     methods.instance<"characterAtIndex:", &NSString::characterAtIndex>();

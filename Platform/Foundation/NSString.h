@@ -39,6 +39,12 @@ enum : NSStringCompareOptions {
 /// {NSNotFound, 0} for nothing found; an operation that would change nothing may answer the receiver.
 class PELVOR_EXPORT NSString : public NSObject {
     PELVOR_CLASS(NSString, NSObject);
+    PELVOR_CREATORS(string, stringWithString, stringWithCharacters_length, stringWithUTF8String,
+                    stringWithCString_encoding, stringWithContentsOfFile_encoding, stringWithContentsOfFile,
+                    init, initWithString, initWithCharacters_length,
+                    initWithCharactersNoCopy_length_freeWhenDone, initWithUTF8String,
+                    initWithCString_encoding, initWithBytes_length_encoding, initWithData_encoding,
+                    initWithContentsOfFile_encoding, initWithContentsOfFile, of, ofUTF8);
 
   public:
     // Creation. Operations whose names begin with "init" answer owned strings, the others borrowed ones.

@@ -15,12 +15,12 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSTimer, foundationLibrary) {
-    methods.classLevel<"timerWithTimeInterval:target:selector:userInfo:repeats:",
-                       &NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats>();
-    methods.classLevel<"scheduledTimerWithTimeInterval:target:selector:userInfo:repeats:",
-                       &NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats>();
-    methods.classLevel<"initWithFireDate:interval:target:selector:userInfo:repeats:",
-                       &NSTimer::initWithFireDate_interval_target_selector_userInfo_repeats>();
+    methods.creator<"timerWithTimeInterval:target:selector:userInfo:repeats:",
+                    &NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats>();
+    methods.creator<"scheduledTimerWithTimeInterval:target:selector:userInfo:repeats:",
+                    &NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats>();
+    methods.creator<"initWithFireDate:interval:target:selector:userInfo:repeats:",
+                    &NSTimer::initWithFireDate_interval_target_selector_userInfo_repeats>();
     methods.instance<"fire", &NSTimer::fire>();
     methods.instance<"invalidate", &NSTimer::invalidate>();
     methods.instance<"isValid", &NSTimer::isValid>();

@@ -34,6 +34,9 @@ struct TimerPlace {
 /// system's clock neither hurries nor delays the timer. All operations are for the thread of the run loop.
 class PELVOR_EXPORT NSTimer : public NSObject {
     PELVOR_CLASS(NSTimer, NSObject);
+    PELVOR_CREATORS(timerWithTimeInterval_target_selector_userInfo_repeats,
+                    scheduledTimerWithTimeInterval_target_selector_userInfo_repeats,
+                    initWithFireDate_interval_target_selector_userInfo_repeats);
 
   public:
     /// Returns a timer, borrowed, that first fires in `seconds` seconds, once it was added to a run loop. A

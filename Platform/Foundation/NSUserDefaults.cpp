@@ -32,8 +32,8 @@ constinit NSString* const NSUserDefaultsDidChangeNotification = u"NSUserDefaults
 PELVOR_DEFINE_CLASS(NSUserDefaults, foundationLibrary) {
     methods.classLevel<"standardUserDefaults", &NSUserDefaults::standardUserDefaults>();
     methods.classLevel<"setStandardUserDefaults:", &NSUserDefaults::setStandardUserDefaults>();
-    methods.classLevel<"initWithDomainName:", &NSUserDefaults::initWithDomainName>();
-    methods.classLevel<"initVolatile", &NSUserDefaults::initVolatile>();
+    methods.creator<"initWithDomainName:", &NSUserDefaults::initWithDomainName>();
+    methods.creator<"initVolatile", &NSUserDefaults::initVolatile>();
     methods.classLevel<"settingsFromArguments:", &NSUserDefaults::settingsFromArguments>();
     methods.instance<"objectForKey:", &NSUserDefaults::objectForKey>();
     methods.instance<"stringForKey:", &NSUserDefaults::stringForKey>();

@@ -41,6 +41,7 @@ extern PELVOR_EXPORT NSString* const NSUserDefaultsDidChangeNotification;
 /// file is renamed to its name with ".damaged" behind it. Any thread.
 class PELVOR_EXPORT NSUserDefaults : public NSObject {
     PELVOR_CLASS(NSUserDefaults, NSObject);
+    PELVOR_CREATORS(initWithDomainName, initVolatile);
 
   public:
     // Creation

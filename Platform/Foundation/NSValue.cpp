@@ -18,14 +18,14 @@ namespace pelvor {
 PELVOR_DEFINE_CLASS(NSInlineValue, foundationLibrary) {}
 
 PELVOR_DEFINE_CLASS(NSValue, foundationLibrary) {
-    methods.classLevel<"valueWithBytes:objCType:", &NSValue::valueWithBytes_objCType>();
-    methods.classLevel<"initWithBytes:objCType:", &NSValue::initWithBytes_objCType>();
-    methods.classLevel<"valueWithRange:", &NSValue::valueWithRange>();
-    methods.classLevel<"valueWithPoint:", &NSValue::valueWithPoint>();
-    methods.classLevel<"valueWithSize:", &NSValue::valueWithSize>();
-    methods.classLevel<"valueWithRect:", &NSValue::valueWithRect>();
-    methods.classLevel<"valueWithPointer:", &NSValue::valueWithPointer>();
-    methods.classLevel<"valueWithNonretainedObject:", &NSValue::valueWithNonretainedObject>();
+    methods.creator<"valueWithBytes:objCType:", &NSValue::valueWithBytes_objCType>();
+    methods.creator<"initWithBytes:objCType:", &NSValue::initWithBytes_objCType>();
+    methods.creator<"valueWithRange:", &NSValue::valueWithRange>();
+    methods.creator<"valueWithPoint:", &NSValue::valueWithPoint>();
+    methods.creator<"valueWithSize:", &NSValue::valueWithSize>();
+    methods.creator<"valueWithRect:", &NSValue::valueWithRect>();
+    methods.creator<"valueWithPointer:", &NSValue::valueWithPointer>();
+    methods.creator<"valueWithNonretainedObject:", &NSValue::valueWithNonretainedObject>();
     methods.instance<"objCType", &NSValue::objCType>();
     methods.instance<"getValue:", &NSValue::getValue>();
     methods.instance<"rangeValue", &NSValue::rangeValue>();

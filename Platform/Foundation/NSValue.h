@@ -24,6 +24,9 @@ PELVOR_EXPORT const char* NSGetSizeAndAlignment(const char* type, NSUInteger* si
 /// Any thread.
 class PELVOR_EXPORT NSValue : public NSObject {
     PELVOR_CLASS(NSValue, NSObject);
+    PELVOR_CREATORS(valueWithBytes_objCType, initWithBytes_objCType, valueWithRange, valueWithPoint,
+                    valueWithSize, valueWithRect, valueWithPointer, valueWithNonretainedObject, of,
+                    withTypedBytes);
 
   public:
     // Creation: borrowed values, an owned one from `initWithBytes_objCType`. A bad encoding raises

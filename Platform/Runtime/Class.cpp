@@ -23,10 +23,17 @@ const CacheEntry Class::kNoEntry{};
 constinit Class Class::metaclassRecord(Class::Metaclass{}, "Class", &Class::classRecord,
                                        &NSObject::metaclassRecord);
 constinit Class Class::classRecord("Class", &Class::metaclassRecord, &NSObject::classRecord,
-                                   {nullptr, sizeof(Class), &Instances::defineMethods<Class>},
+                                   {nullptr, sizeof(Class), true, &Instances::defineMethods<Class>},
                                    &runtimeLibrary);
 
 void Class::defineMethods(MethodTable<Class>&) {}
+
+const char* Class::publicName() const {
+    const Class* cls = _describes;
+    while (cls->_native.isFinal && cls->_nativeSuperclass && cls->_nativeSuperclass->_nativeSuperclass)
+        cls = cls->_nativeSuperclass;
+    return cls->_name;
+}
 
 bool Class::isSubclassOfClass(Class* ancestor) {
     for (Class* cls = this; cls; cls = cls->_superclass)
@@ -48,13 +55,13 @@ bool isNativeKindOf(Object* object, Class* cls) {
 void requireSubclass(Class* cls, Class* ancestor) {
     if (!cls || cls->isMetaclass() || !cls->isNativeSubclassOf(ancestor))
         throw NSException(NSInvalidArgumentException,
-                          std::string(cls ? cls->name() : "none") + " is no subclass of " + ancestor->name());
+                          std::string(cls ? cls->name() : "null") + " is no subclass of " + ancestor->name());
 }
 
 void detail::raiseMadeOther(Object* made, Class* wanted) {
-    throw NSException(NSInvalidArgumentException,
-                      std::string("the creator makes objects of class ") + made->isa()->name() +
-                          ", none of class " + wanted->name() + ": the class needs a creator of its own");
+    throw NSException(NSInvalidArgumentException, std::string("the creator makes objects of class ") +
+                                                      made->isa()->publicName() + ", none of class " +
+                                                      wanted->name() + ", which needs a creator of its own");
 }
 
 // MARK: Methods
@@ -67,7 +74,7 @@ const MethodGroup* Class::methodGroups() {
 
 void Class::attachPendingCategories() { Registry::shared().attachPendingCategories(_describes); }
 
-// The method that an object of `receiver` would answer with; methods whose code needs another C++
+// The method that an object of `receiver` has for the selector. Methods whose code needs another C++
 // class of receiver, as a posing class's may, are passed over.
 const Method* Class::findMethod(SEL selector, Class* receiver) {
     for (Class* cls = this; cls; cls = cls->_superclass) {
@@ -122,8 +129,8 @@ IMP Class::replaceImplementation(SEL selector, IMP implementation) {
     IMP previous = method->implementation;
     if (!implementation || implementation.signature->key() != previous.signature->key())
         throw NSException(NSInvalidArgumentException, std::string("the new code for ") + selector.name() +
-                                                          " of " + _name + " must be of types " +
-                                                          previous.signature->types());
+                                                          " of " + _name + " must be " +
+                                                          detail::describeTypes(previous.signature));
     for (Class* cls = this; cls; cls = cls->_superclass)
         for (MethodGroup* group = cls->_groups.load(); group; group = group->next)
             if (!group->methods.empty() && method >= group->methods.data() &&
@@ -246,7 +253,7 @@ void Class::poseAsClass(Class* original) {
     if (!original || _superclass != original || original->_poser ||
         instanceSize() != original->instanceSize())
         throw NSException(NSInvalidArgumentException,
-                          std::string(_name) + " cannot pose as " + (original ? original->_name : "none") +
+                          std::string(_name) + " cannot pose as " + (original ? original->_name : "null") +
                               ": it must be a direct subclass without fields of its own");
     Registry::shared().pose(this, original);
 }

@@ -11,8 +11,7 @@ namespace pelvor {
 
 struct Library;
 
-/// A method as a class's cache holds it; immutable, never freed. `function` is none where the class
-/// is known to lack the method.
+/// A method as a class's cache holds it; immutable, never freed. `function` is null where the class is known to lack the method.
 struct alignas(64) CacheEntry {
     SEL selector;
     std::uint64_t signatureKey = 0;
@@ -22,7 +21,7 @@ struct alignas(64) CacheEntry {
 };
 
 /// A class. Class records are objects themselves, of a metaclass that holds the class operations;
-/// every class object answers what NSObject's instances answer. Records are constants of the program
+/// every class object understands the messages that NSObject's instances understand. Records are constants of the program
 /// (or made by `createSubclass`), immortal, and usable before their library is registered: the first
 /// message registers it. Any thread.
 class PELVOR_EXPORT Class final : public NSObject {
@@ -33,13 +32,16 @@ class PELVOR_EXPORT Class final : public NSObject {
 
     /// "PBIdleQueue". Both a class and its metaclass have the name.
     const char* name() const { return _name; }
+    /// The name for messages that people read: a final class that only implements its superclass, as those
+    /// behind NSString do, goes by the superclass's name.
+    const char* publicName() const;
     /// Where inherited methods come from; a posing class stands here for the one that it replaced.
     Class* superclass() const { return _superclass; }
     bool isMetaclass() const { return _isMetaclass; }
     /// The record that holds the class operations.
     Class* metaclass() const { return isa(); }
     std::size_t instanceSize() const { return _native.instanceSize; }
-    /// The list that names the class; none for classes made at run time.
+    /// The list that names the class; null for classes made at run time.
     Library* library() const { return _library; }
     /// An address in the library or plug-in that defines the class. The record is no such address: the
     /// linker may put it among the data of a program that names the class.
@@ -52,10 +54,10 @@ class PELVOR_EXPORT Class final : public NSObject {
     /// change it.
     bool isNativeSubclassOf(const Class* ancestor) const;
 
-    /// The method that objects of the class answer the selector with, inherited ones included; none
-    /// when there is none. The caller may change the record only through `replaceImplementation`.
+    /// The method that objects of the class have for the selector, their own or an inherited one; null if they have
+    /// no such method. The caller may change the record only through `replaceImplementation`.
     const Method* instanceMethod(SEL selector);
-    /// The same for the class itself.
+    /// The method that the class itself has for the selector, as `instanceMethod`.
     const Method* classMethod(SEL selector) { return metaclass()->instanceMethod(selector); }
     bool instancesRespondTo(SEL selector);
     NSMethodSignature* signatureOfInstanceMethod(SEL selector);
@@ -63,11 +65,11 @@ class PELVOR_EXPORT Class final : public NSObject {
     /// The class's own method groups, the newest category first, its own methods last; chained by
     /// `next`. Categories that wait to be attached are not among them.
     const MethodGroup* methodGroups();
-    /// Adds methods as the newest group, so they go before those of their selectors that are there.
+    /// Adds methods as the newest group: they take precedence over methods that the class has already.
     /// Raises NSInvalidArgumentException if one cannot be called with objects of the class.
     void addMethods(MethodGroup group);
-    /// Puts an implementation into the record that `instanceMethod` answers, a superclass's if it is
-    /// inherited, and answers the previous one; none when there is no such method. Raises
+    /// Puts an implementation into the record that `instanceMethod` returns, which is a superclass's record if the
+    /// method is inherited, and returns the previous implementation; an empty one if there is no such method. Raises
     /// NSInvalidArgumentException if the types differ or the code needs another class of receiver.
     IMP replaceImplementation(SEL selector, IMP implementation);
     /// Forgets cached look-ups of the class and its subclasses.
@@ -75,8 +77,8 @@ class PELVOR_EXPORT Class final : public NSObject {
     /// Attaches categories for this class that arrived after it was registered.
     void attachPendingCategories();
 
-    /// A new class at run time, whose instances are those of `superclass` in another class, and which
-    /// lives as long as the process. Raises NSInvalidArgumentException if the name is taken.
+    /// Makes a class at run time. Its instances are C++ objects of the class behind `superclass`. It lives as long as
+    /// the process. Raises NSInvalidArgumentException if the name is taken.
     static Class* createSubclass(const char* name, Class* superclass);
     /// From now on the receiver stands in for its superclass: it is what is made when `original` is
     /// asked for an instance, it is what the name finds, other subclasses inherit from it.
@@ -102,7 +104,7 @@ class PELVOR_EXPORT Class final : public NSObject {
         return _cache[selector.index() % kCacheSize].load(std::memory_order_acquire);
     }
     /// The implementation for a message: from the cache, else looked up and cached, after the class
-    /// has been registered and initialised. No function when there is none.
+    /// has been registered and initialised. An empty implementation if the class has no such method.
     IMP lookUp(SEL selector);
 
     NSString* description() override;
@@ -184,8 +186,8 @@ T* cast(Object* object) {
     return object && isNativeKindOf(object, T::classObject()) ? static_cast<T*>(object) : nullptr;
 }
 
-/// The owned object as an owned T if it is one; else null, and the object is released. What a superclass's creator
-/// returns becomes the subclass's object so:
+/// The owned object as an owned T if it is one; else null, and the object is released. What a superclass's
+/// creator returns becomes the subclass's object so:
 ///
 ///     auto self = cast<PBSpot>(PBLamp::initWithColour(colour, cls));
 template <class T, class U>
@@ -195,7 +197,7 @@ Retained<T> cast(Retained<U>&& object) {
     return Retained<T>::adopting(same);
 }
 
-/// The class record behind an object that is a class, else none.
+/// The object as a class record if it is a class, else null.
 inline Class* asClass(Object* object) {
     return object && object->isa()->isMetaclass() ? static_cast<Class*>(object) : nullptr;
 }
@@ -217,25 +219,31 @@ auto CreatorCall<Self, creator, TypeList<A...>>::operator()(A... arguments, Clas
         return static_cast<Self*>(made);
 }
 
-template <auto Function, bool TakesClass, class... A>
-Wire<typename FunctionTypes<decltype(Function)>::Result>
-StaticThunk<Function, TakesClass, TypeList<A...>>::call(Object* self, SEL selector, Wire<A>... arguments) {
+template <auto Function, ClassRole Role, class... A>
+Wire<typename FunctionTypes<decltype(Function)>::Result> StaticThunk<Function, Role, TypeList<A...>>::call(
+    Object* self, SEL selector, Wire<A>... arguments) {
     auto run = [&] {
-        if constexpr (TakesClass)
+        if constexpr (Role.takesClass)
             return Function(argumentFromWire<A>(arguments, self, selector)..., static_cast<Class*>(self));
         else
             return Function(argumentFromWire<A>(arguments, self, selector)...);
     };
-    if constexpr (std::is_void_v<R>)
+    if constexpr (std::is_void_v<R>) {
         run();
-    else
+    } else if constexpr (Role.isCreator) {
+        Object* made = resultToWire(run());
+        auto* wanted = static_cast<Class*>(self);
+        if (made && !made->isa()->isSubclassOfClass(wanted)) raiseMadeOther(made, wanted);
+        return made;
+    } else {
         return resultToWire(run());
+    }
 }
 
-template <auto Function, bool TakesClass, class... A>
-IMP StaticThunk<Function, TakesClass, TypeList<A...>>::implementation() {
+template <auto Function, ClassRole Role, class... A>
+IMP StaticThunk<Function, Role, TypeList<A...>>::implementation() {
     return {reinterpret_cast<void (*)()>(&call), &SignatureFor<R, A...>::object,
-            TakesClass ? Class::classObject() : nullptr};
+            Role.takesClass || Role.isCreator ? Class::classObject() : nullptr};
 }
 
 }  // namespace detail

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Creators: class operations that make an object of the class that they are called on, also where they are inherited.
+// Creators: class operations that make an object of the class that they are called on, also where they are
+// inherited.
 #pragma once
 // Compilers then show the line that uses a macro of this header, not the hundred steps of its expansion.
 #pragma GCC system_header
@@ -12,9 +13,11 @@
 
 namespace pelvor {
 
-/// A creator is a static member that returns a new object of its class, owned (`Retained<PBLamp>`) or borrowed
-/// (`PBLamp*`). C++ does not tell a static member through which subclass it was called, so a subclass has to say
-/// what becomes of each creator that it inherits. A class lists its creators once, after PELVOR_CLASS:
+/// A creator is a static member that returns a new object of its class, owned (`Retained<PBLamp>`) or
+/// borrowed
+/// (`PBLamp*`). C++ does not tell a static member through which subclass it was called, so a subclass has to
+/// say what becomes of each creator that it inherits. A class lists the creators that it declares, after
+/// PELVOR_CLASS:
 ///
 ///     class PBLamp : public NSObject {
 ///         PELVOR_CLASS(PBLamp, NSObject);
@@ -23,17 +26,19 @@ namespace pelvor {
 ///       public:
 ///         static PBLamp* lampWithColour(NSString* colour, Class* cls = classObject());
 ///         static Retained<PBLamp> initWithColour(NSString* colour, Class* cls = classObject());
-///
-/// and each subclass does one of three things with each of them; a subclass that does none does not compile:
+/// and a subclass does one of three things with each inherited creator; a subclass that does nothing does not compile:
 ///
 ///     class PBSpot : public PBLamp {
 ///         PELVOR_CLASS(PBSpot, PBLamp);
+///         PELVOR_CREATORS(initWithColour);
 ///         PELVOR_INHERITED_CREATORS(lampWithColour);  // PBSpot::lampWithColour(colour) makes a PBSpot
 ///
 ///       public:
-///         static Retained<PBSpot> initWithColour(NSString* colour, Class* cls = classObject());  // its own code
+///         static Retained<PBSpot> initWithColour(NSString* colour, Class* cls = classObject());  // its own
+///         code
 ///
-///     class PBTorch : public PBLamp, PBLamp::HiddenCreators {  // PBTorch::lampWithColour(…) does not compile
+///     class PBTorch : public PBLamp, PBLamp::HiddenCreators {  // PBTorch::lampWithColour(…) does not
+///     compile
 ///
 /// Final classes need not say anything.
 
@@ -58,8 +63,8 @@ struct CreatorCall<Self, creator, TypeList<A...>> {
     Result operator()(A... arguments, Class* cls = Self::classObject()) const;  // in Class.h
 };
 
-/// An inherited creator, called with the class that inherits it. `creator` is a function that takes the receiving
-/// class last.
+/// An inherited creator, called with the class that inherits it. `creator` is a function that takes the
+/// receiving class last.
 template <class Self, auto creator>
 struct InheritedCreator
     : CreatorCall<
@@ -110,35 +115,40 @@ consteval bool checkCreators() {
     macro(name) __VA_OPT__(PELVOR_EACH_AGAIN PELVOR_PARENTHESES(macro, __VA_ARGS__))
 #define PELVOR_EACH_AGAIN() PELVOR_EACH_STEP
 
-#define PELVOR_CHECK_CREATOR(name)                                                            \
-    static_assert(!requires { requires !::pelvor::detail::makes<Self, decltype(Self::name)>; }, \
-                  "the inherited creator " #name                                              \
-                  " would make an object of another class: name it in PELVOR_INHERITED_CREATORS, declare one of " \
-                  "the class's own, or derive from the superclass's HiddenCreators");
+#define PELVOR_CHECK_CREATOR(name)                                                                      \
+    static_assert(                                                                                      \
+        !requires { requires !::pelvor::detail::makes<Self, decltype(Self::name)>; },                   \
+        "the inherited creator " #name                                                                  \
+        " would make an object of another class: name it in PELVOR_INHERITED_CREATORS, declare one of " \
+        "the class's own, or derive from the superclass's HiddenCreators");
 #define PELVOR_HIDE_CREATOR(name) static constexpr ::pelvor::detail::HiddenCreator name{};
-#define PELVOR_INHERIT_CREATOR(name) \
-    static constexpr ::pelvor::detail::InheritedCreator<ClassSelf, ::pelvor::detail::creatorFunction<&Super::name>()> name{};
+#define PELVOR_INHERIT_CREATOR(name)                                                                       \
+    static constexpr ::pelvor::detail::InheritedCreator<ClassSelf,                                         \
+                                                        ::pelvor::detail::creatorFunction<&Super::name>()> \
+        name{};
 
-/// In the body of a class, after PELVOR_CLASS: the names of the creators that the class adds.
-#define PELVOR_CREATORS(...)                                               \
-  public:                                                                  \
-    template <class Self>                                                  \
-    struct CreatorCheck : Super::template CreatorCheck<Self> {             \
-        PELVOR_EACH(PELVOR_CHECK_CREATOR, __VA_ARGS__)                     \
-    };                                                                     \
-    struct HiddenCreators : Super::HiddenCreators {                        \
-        PELVOR_EACH(PELVOR_HIDE_CREATOR, __VA_ARGS__)                      \
-    };                                                                     \
-                                                                           \
-  private:                                                                 \
+/// In the body of a class, after PELVOR_CLASS: the names of the creators that the class declares. A class
+/// that hides its superclass's creators and may have subclasses has such a list too, even an empty one.
+#define PELVOR_CREATORS(...)                                   \
+  public:                                                      \
+    template <class Self>                                      \
+    struct CreatorCheck : Super::template CreatorCheck<Self> { \
+        PELVOR_EACH(PELVOR_CHECK_CREATOR, __VA_ARGS__)         \
+    };                                                         \
+    struct HiddenCreators : Super::HiddenCreators {            \
+        PELVOR_EACH(PELVOR_HIDE_CREATOR, __VA_ARGS__)          \
+    };                                                         \
+                                                               \
+  private:                                                     \
     using ListsCreators = void
 
-/// In the body of a class, after PELVOR_CLASS: inherited creators that make this class when they are called on it.
-#define PELVOR_INHERITED_CREATORS(...)                 \
-  public:                                              \
-    PELVOR_EACH(PELVOR_INHERIT_CREATOR, __VA_ARGS__)   \
-                                                       \
-  private:                                             \
+/// In the body of a class, after PELVOR_CLASS: inherited creators that make this class when they are called
+/// on it.
+#define PELVOR_INHERITED_CREATORS(...)               \
+  public:                                            \
+    PELVOR_EACH(PELVOR_INHERIT_CREATOR, __VA_ARGS__) \
+                                                     \
+  private:                                           \
     using InheritsCreators = void
 
 }  // namespace pelvor

@@ -16,8 +16,9 @@ class MethodTable;
 
 /// What the C++ class behind a class record gives it.
 struct NativeClass {
-    Object* (*create)() = nullptr;  ///< a new object without a class; none for an abstract class
+    Object* (*create)() = nullptr;  ///< makes an object without a class; null for an abstract class
     std::size_t instanceSize = 0;
+    bool isFinal = false;
     void (*defineMethods)(MethodGroup& instance, MethodGroup& classLevel) = nullptr;
 };
 
@@ -66,9 +67,9 @@ struct Instances {
     template <class T>
     static consteval NativeClass nativeClass() {
         if constexpr (std::is_abstract_v<T> || !kDefaultMade<T>)
-            return {nullptr, sizeof(T), &defineMethods<T>};
+            return {nullptr, sizeof(T), std::is_final_v<T>, &defineMethods<T>};
         else
-            return {&createNative<T>, sizeof(T), &defineMethods<T>};
+            return {&createNative<T>, sizeof(T), std::is_final_v<T>, &defineMethods<T>};
     }
 
   private:

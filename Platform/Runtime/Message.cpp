@@ -14,14 +14,14 @@ namespace {
 
 std::string methodName(Object* target, SEL selector) {
     Class* cls = target->isa();
-    return std::string(cls->isMetaclass() ? "+[" : "-[") + cls->name() + " " + selector.name() + "]";
+    return std::string(cls->isMetaclass() ? "+[" : "-[") + cls->publicName() + " " + selector.name() + "]";
 }
 
 [[noreturn]] void raiseType(Object* target, SEL selector, const std::string& what, const char* given,
                             const char* expected) {
-    throw NSException(NSInvalidArgumentException, methodName(target, selector) + ": " + what +
-                                                      " is of type '" + given + "' where '" + expected +
-                                                      "' is expected");
+    throw NSException(NSInvalidArgumentException, methodName(target, selector) + ": " + what + " is " +
+                                                      detail::describeType(given) + " where " +
+                                                      detail::describeType(expected) + " is expected");
 }
 
 // MARK: Conversion between unlike types
@@ -264,9 +264,10 @@ void sendFrame(Object* target, SEL selector, NSMethodSignature* types, const std
 }
 
 void raiseArgumentClass(Object* receiver, SEL selector, Object* argument, Class* expected) {
-    throw NSException(NSInvalidArgumentException,
-                      methodName(receiver, selector) + ": an object of class " + argument->isa()->name() +
-                          " stands where one of class " + expected->name() + " is expected");
+    throw NSException(NSInvalidArgumentException, methodName(receiver, selector) + ": an object of class " +
+                                                      argument->isa()->publicName() +
+                                                      " stands where one of class " + expected->name() +
+                                                      " is expected");
 }
 
 }  // namespace pelvor

@@ -19,7 +19,7 @@ R resultFromWire(Wire<R> value, Object* target, SEL selector) {
     }
 }
 
-/// The function of the method if it has exactly these types; none otherwise.
+/// The function of the method if the method has exactly these types, else null.
 PELVOR_EXPORT void (*matchingFunction(Class* cls, SEL selector, std::uint64_t signatureKey))();
 
 template <class R, class... Arguments>
@@ -30,15 +30,14 @@ R sendFrom(Class* cls, Object* target, SEL selector, const Arguments&... argumen
 /// Sends a message whose arguments stand in a frame laid out by `types`: looks the method up, converts
 /// arguments and result between unlike number types, or forwards the message. Raises
 /// NSInvalidArgumentException for types that cannot be converted, naming method, argument and types,
-/// and for a message that nobody answers. `result` is zeros for no target.
+/// and for a message that the target does not understand. Does nothing if `target` is null.
 PELVOR_EXPORT void sendFrame(Object* target, SEL selector, NSMethodSignature* types, const std::byte* frame,
                              void* result);
-/// The same with the method as objects of `cls` have it.
+/// Sends the message as `sendFrame` does, with the method that objects of `cls` have.
 PELVOR_EXPORT void sendFrameFrom(Class* cls, Object* target, SEL selector, NSMethodSignature* types,
                                  const std::byte* frame, void* result);
 
-/// Sends a message: `send<int>(object, "indexOf:"_sel, other)`. A message to none does nothing and
-/// answers zero. Number types may differ from the method's. A result object is borrowed, also where the
+/// Sends a message: `send<int>(object, "indexOf:"_sel, other)`. A message to null does nothing and returns zero. Number types may differ from the method's. A result object is borrowed, also where the
 /// method gives it away; asked for as `Retained<T>` it is retained. Any thread.
 template <class R = void, class... Arguments>
 R send(Object* target, SEL selector, const Arguments&... arguments) {

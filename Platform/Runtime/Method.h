@@ -10,11 +10,11 @@
 namespace pelvor {
 
 /// The code behind a method: a function with its types, and the class whose objects it may be called
-/// with. Two are equal when they are the same function.
+/// with. Two implementations are equal when they have the same function.
 struct IMP {
     void (*function)() = nullptr;
     NSMethodSignature* signature = nullptr;
-    Class* receiver = nullptr;  ///< none: any object
+    Class* receiver = nullptr;  ///< null: any object
 
     explicit operator bool() const { return function != nullptr; }
     friend bool operator==(const IMP& a, const IMP& b) { return a.function == b.function; }
@@ -23,11 +23,13 @@ struct IMP {
 struct Method {
     SEL selector;
     IMP implementation;
+    bool isCreator = false;  ///< what it returns is an object of the receiving class
 };
 
-/// Methods that came to a class together: its own, or those of one category. Immortal once attached.
+/// Methods that came to a class together: the class's own methods, or the methods of one category. A group lives for
+/// good once it is attached.
 struct MethodGroup {
-    const char* category = nullptr;  ///< none: the class's own
+    const char* category = nullptr;  ///< null: the class's own methods
     std::vector<Method> methods;
     MethodGroup* next = nullptr;  ///< the group that was there before
 };
@@ -81,7 +83,7 @@ T argumentFromWire(Wire<T> value, Object* receiver, SEL selector) {
     }
 }
 
-/// The record of a C++ class, or none for the roots that have none.
+/// The record of a C++ class; null for the root Object, which has no record.
 template <class C>
 constexpr Class* receiverRecord() {
     if constexpr (std::is_same_v<C, Object>)
@@ -90,8 +92,8 @@ constexpr Class* receiverRecord() {
         return &C::classRecord;
 }
 
-// Whether an argument is seen at a glance to be what the method takes: none, or of exactly its class. Of an
-// abstract class it never is.
+// Whether one comparison can tell that an argument is what the method takes: null, or an object of exactly the
+// parameter's class. No object is of exactly an abstract class.
 template <class T>
 inline constexpr bool hasQuickCheck = false;
 template <ObjectPointer T>
@@ -166,11 +168,18 @@ struct AdditionThunk<Function, First, TypeList<A...>> {
     }
 };
 
-// A static function; `TakesClass` tells that its last parameter is the receiving class.
-template <auto Function, bool TakesClass, class Arguments>
+/// Whether a creator's last parameter is the receiving class, and whether what it returns must be of that
+/// class.
+struct ClassRole {
+    bool takesClass;
+    bool isCreator;
+};
+
+// A static function.
+template <auto Function, ClassRole Role, class Arguments>
 struct StaticThunk;
-template <auto Function, bool TakesClass, class... A>
-struct StaticThunk<Function, TakesClass, TypeList<A...>> {
+template <auto Function, ClassRole Role, class... A>
+struct StaticThunk<Function, Role, TypeList<A...>> {
     using R = typename FunctionTypes<decltype(Function)>::Result;
 
     static Wire<R> call(Object* self, SEL selector, Wire<A>... arguments);  // both in Class.h
@@ -204,12 +213,13 @@ consteval bool spells(std::string_view function, std::string_view selector) {
     return true;
 }
 
-/// Whether a method can have the function's result and arguments. References cannot travel: the caller may send a value
-/// that nothing refers to.
+/// Whether a method can have the function's result and arguments. References cannot travel: the caller may
+/// send a value that nothing refers to.
 template <class Result, class Arguments>
 inline constexpr bool canBeSent = false;
 template <class Result, class... A>
-inline constexpr bool canBeSent<Result, TypeList<A...>> = canTravel<Result> && (canTravel<std::remove_cv_t<A>> && ...);
+inline constexpr bool canBeSent<Result, TypeList<A...>> = canTravel<Result> &&
+                                                          (canTravel<std::remove_cv_t<A>> && ...);
 template <auto Function>
 inline constexpr bool isSendable =
     canBeSent<std::remove_cv_t<typename FunctionTypes<decltype(Function)>::Result>,
@@ -237,16 +247,17 @@ IMP instanceImplementation() {
     }
 }
 
-template <auto Function, class Arity>
+template <auto Function, class Arity, bool IsCreator>
 IMP classImplementation() {
     using Arguments = typename FunctionTypes<decltype(Function)>::template Arguments<TypeList>;
     if constexpr (Arguments::count == Arity::value) {
-        return StaticThunk<Function, false, Arguments>::implementation();
+        return StaticThunk<Function, ClassRole{false, IsCreator}, Arguments>::implementation();
     } else {
         static_assert(Arguments::count == Arity::value + 1, "a class operation takes one argument a colon");
         static_assert(isClassPointer<typename DropLast<Arguments>::last>,
                       "the extra last parameter of a class operation is the receiving class");
-        return StaticThunk<Function, true, typename DropLast<Arguments>::type>::implementation();
+        return StaticThunk<Function, ClassRole{true, IsCreator},
+                           typename DropLast<Arguments>::type>::implementation();
     }
 }
 
@@ -260,11 +271,12 @@ IMP implementation() {
         Function, std::integral_constant<std::size_t, detail::colonCount(Name.view())>>();
 }
 
-/// The same for a class operation: a static or free function that may take the receiving class last.
-template <FixedString Name, auto Function>
+/// The implementation that a static or free function gives for a class operation. The function may take the receiving
+/// class as its last parameter.
+template <FixedString Name, auto Function, bool IsCreator = false>
 IMP classImplementation() {
     return detail::classImplementation<
-        Function, std::integral_constant<std::size_t, detail::colonCount(Name.view())>>();
+        Function, std::integral_constant<std::size_t, detail::colonCount(Name.view())>, IsCreator>();
 }
 
 #define PELVOR_UNSENDABLE "only plain values, objects and pointers travel in messages, and none by reference"
@@ -296,13 +308,32 @@ class MethodTable {
     }
     template <FixedString Name, auto Function>
     void classLevelAs() {
-        static_assert(detail::isSendable<Function>, PELVOR_UNSENDABLE);
-        if constexpr (detail::isSendable<Function>)
-            _classLevel.methods.push_back(
-                {registerSelector(Name.view()), classImplementation<Name, Function>()});
+        addClassLevel<Name, Function, false>();
+    }
+
+    /// A class operation that makes objects of the receiving class (Creators.h). By message it raises
+    /// NSInvalidArgumentException for a subclass whose objects the function does not make.
+    template <FixedString Name, auto Function>
+    void creator() {
+        detail::checkSpelling<Name, Function>();
+        creatorAs<Name, Function>();
+    }
+    template <FixedString Name, auto Function>
+    void creatorAs() {
+        static_assert(detail::isOwn<T, typename detail::FunctionTypes<decltype(Function)>::Result>,
+                      "a creator returns an object of its class");
+        addClassLevel<Name, Function, true>();
     }
 
   private:
+    template <FixedString Name, auto Function, bool IsCreator>
+    void addClassLevel() {
+        static_assert(detail::isSendable<Function>, PELVOR_UNSENDABLE);
+        if constexpr (detail::isSendable<Function>)
+            _classLevel.methods.push_back(
+                {registerSelector(Name.view()), classImplementation<Name, Function, IsCreator>(), IsCreator});
+    }
+
     MethodGroup& _instance;
     MethodGroup& _classLevel;
 };

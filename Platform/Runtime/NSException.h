@@ -20,7 +20,7 @@ class PELVOR_EXPORT NSException : public std::exception {
 
     const std::string& name() const noexcept { return _name; }
     const std::string& reason() const noexcept { return _reason; }
-    /// What the raiser gave with it, or none.
+    /// The object that the raiser attached, or null.
     Object* userInfo() const noexcept { return _userInfo.get(); }
     /// "name: reason".
     const char* what() const noexcept override { return _what.c_str(); }

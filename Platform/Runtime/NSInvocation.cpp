@@ -48,8 +48,8 @@ void SpareMemory::open() {
 }  // namespace
 
 PELVOR_DEFINE_CLASS(NSInvocation, runtimeLibrary) {
-    methods.classLevel<"invocationWithMethodSignature:", &NSInvocation::invocationWithMethodSignature>();
-    methods.classLevel<"initWithMethodSignature:", &NSInvocation::initWithMethodSignature>();
+    methods.creator<"invocationWithMethodSignature:", &NSInvocation::invocationWithMethodSignature>();
+    methods.creator<"initWithMethodSignature:", &NSInvocation::initWithMethodSignature>();
     methods.instance<"methodSignature", &NSInvocation::methodSignature>();
     methods.instance<"target", &NSInvocation::target>();
     methods.instance<"setTarget:", &NSInvocation::setTarget>();
@@ -139,7 +139,8 @@ void NSInvocation::requireType(const ArgumentLayout& place, const char* encoding
     bool isResult = &place == &_signature->result();
     throw NSException(NSInvalidArgumentException,
                       std::string(isResult ? "the result of " : "an argument of ") + _selector.name() +
-                          " is of type " + place.encoding + ", not " + encoding);
+                          " is " + detail::describeType(place.encoding) + ", not " +
+                          detail::describeType(encoding));
 }
 
 // Most results fit in the object, where clearing all of it is quicker than clearing what is used.

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string>
 #include <utility>
 
 #include "Runtime/NSObject.h"
@@ -22,8 +23,19 @@ struct ArgumentLayout {
 using FrameInvoker = void (*)(void (*function)(), Object* self, SEL selector, const std::byte* frame,
                               void* result);
 
+class NSMethodSignature;
+
+namespace detail {
+
+/// The type that an encoding stands for, in words: "an int", "an object", "a struct NSRange".
+PELVOR_EXPORT std::string describeType(const char* encoding);
+/// "a method that takes (an int, an object) and returns a bool".
+std::string describeTypes(const NSMethodSignature* signature);
+
+}  // namespace detail
+
 /// The types of a method, immutable and immortal. Arguments 0 and 1 are the receiver and the
-/// selector; those of the message begin at 2. Any thread.
+/// selector; the message's own arguments begin at 2. Any thread.
 class PELVOR_EXPORT NSMethodSignature final : public NSObject {
     PELVOR_CLASS(NSMethodSignature, NSObject);
 
@@ -36,7 +48,7 @@ class PELVOR_EXPORT NSMethodSignature final : public NSObject {
     /// Raises NSInvalidArgumentException for an index out of bounds.
     const char* getArgumentTypeAtIndex(std::uint32_t index);
     const char* methodReturnType() { return _result.encoding; }
-    /// The size of the result in bytes, 0 for none.
+    /// The size of the result in bytes; 0 for a method without a result.
     std::uint32_t methodReturnLength() { return _result.size; }
     /// The bytes that the message's own arguments take in a frame.
     std::uint32_t frameLength() { return _frameLength; }

@@ -27,7 +27,7 @@ Object* self(Object* object) { return object; }
 
 [[noreturn]] void raiseCannotCopy(Object* object, const char* operation) {
     throw NSException(NSInvalidArgumentException,
-                      std::string(object->isa()->name()) + " does not implement " + operation);
+                      std::string(object->isa()->publicName()) + " does not implement " + operation);
 }
 
 }  // namespace

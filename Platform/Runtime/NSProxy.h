@@ -14,7 +14,7 @@ class PELVOR_EXPORT NSProxy : public Object {
 
   public:
     bool isProxy() override { return true; }
-    /// Whether the proxy itself or, by its signature, what it stands for answers the message.
+    /// Whether the proxy has a method for the selector, or a signature of the object that it stands for.
     bool respondsToSelector(SEL selector) override;
 
   protected:

@@ -45,15 +45,15 @@ void Object::doesNotRecognizeSelector(SEL selector) {
     char address[32];
     std::snprintf(address, sizeof address, "%p", static_cast<void*>(this));
     bool isClass = _isa->isMetaclass();
-    throw NSException(NSInvalidArgumentException, std::string(isClass ? "+[" : "-[") + _isa->name() + " " +
-                                                      selector.name() + "]: unrecognized selector sent to " +
-                                                      (isClass ? "class " : "instance ") + address);
+    throw NSException(NSInvalidArgumentException,
+                      std::string(isClass ? "+[" : "-[") + _isa->publicName() + " " + selector.name() +
+                          "]: unrecognized selector sent to " + (isClass ? "class " : "instance ") + address);
 }
 
 namespace {
 
-// Sends a message with up to two objects, as many as the method takes; answers its result if that is an
-// object.
+// Sends a message with as many of the two objects as the method takes. Returns the result if it is an object, else
+// null.
 id perform(Object* target, SEL selector, id first, id second) {
     NSMethodSignature* signature = target->methodSignatureForSelector(selector);
     if (!signature) target->doesNotRecognizeSelector(selector);

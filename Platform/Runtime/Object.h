@@ -18,7 +18,7 @@ class NSMethodSignature;
 class NSString;
 class Object;
 
-/// Any object, or none.
+/// Any object, or null.
 using id = Object*;
 
 /// The root of the C++ classes behind both class trees, NSObject's and NSProxy's: a class and a
@@ -35,7 +35,7 @@ class PELVOR_EXPORT Object {
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
 
-    /// The class record that messages are looked up in. `class_` may answer otherwise.
+    /// The class record that messages are looked up in. `class_` may return another class.
     Class* isa() const noexcept { return _isa; }
 
     Object* retain() noexcept {
@@ -58,9 +58,9 @@ class PELVOR_EXPORT Object {
     virtual bool isKindOfClass(Class* cls);
     virtual bool isMemberOfClass(Class* cls);
     virtual bool isProxy() { return false; }
-    /// Whether the object answers the message. Any thread.
+    /// Whether the object has a method for the selector. Any thread.
     virtual bool respondsToSelector(SEL selector);
-    /// The types of the message's method; none when the object does not answer it.
+    /// The types of the method that the object has for the selector, or null.
     virtual NSMethodSignature* methodSignatureForSelector(SEL selector);
     /// Called with a message that has a signature and no method. The base raises as
     /// `doesNotRecognizeSelector` does.
@@ -74,8 +74,8 @@ class PELVOR_EXPORT Object {
     /// A text for logs and formats; "<Class: 0x…>" unless a class says more.
     virtual NSString* description();
 
-    /// Sends the message and answers its result if that is an object, else none. Objects more than
-    /// the method takes are dropped, missing ones are none.
+    /// Sends the message and returns its result if the result is an object, else null. Arguments that the method does
+    /// not take are dropped; arguments that are missing are null.
     virtual id performSelector(SEL selector);
     virtual id performSelector_withObject(SEL selector, id object);
     virtual id performSelector_withObject_withObject(SEL selector, id first, id second);

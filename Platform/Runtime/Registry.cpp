@@ -12,7 +12,7 @@
 namespace pelvor {
 namespace {
 
-// A record that is none may have nothing behind its first two fields.
+// Behind the first two fields of a record that is no library's there may be anything.
 void requireUsable(const Library& library) {
     if (library.canBeUsed()) return;
     if (library.mark != Library::kMark)
@@ -143,7 +143,7 @@ void Registry::attachPendingCategories(Class* cls) {
     std::lock_guard guard(mutex);
     if (_pendingCategories.empty()) return;
     attachPendingCategories(cls, cls->name());
-    // A posing class answers to the names of those in whose place it stands.
+    // A posing class has the names of the classes in whose place it stands.
     if (cls->_poser) return;
     for (Class* poser = cls; poser->_superclass && poser->_superclass->_poser == poser;
          poser = poser->_superclass)

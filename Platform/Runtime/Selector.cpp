@@ -54,7 +54,7 @@ class SelectorTable {
     std::mutex _mutex;
     std::unordered_map<std::string_view, std::uint32_t> _indexes;
     std::array<std::atomic<Block*>, kBlockLimit> _blocks{};
-    std::uint32_t _count = 1;  // 0 is none
+    std::uint32_t _count = 1;  // 0 is the null selector
 };
 
 // Never destroyed: selectors are asked for their names until the very end of the process.

@@ -12,13 +12,13 @@
 namespace pelvor {
 
 /// The interned name of a message, "insertRun:atIndex:". Four bytes, compared by value; the
-/// default-made selector is none and names nothing. Selectors live as long as the process.
+/// default-made selector is null and names nothing. Selectors live as long as the process.
 class PELVOR_EXPORT SEL {
   public:
     constexpr SEL() = default;
     constexpr SEL(std::nullptr_t) {}
 
-    /// The zero-terminated name; "" for none.
+    /// The zero-terminated name; "" for the null selector.
     const char* name() const;
     /// How many arguments a message of this name takes: its colons.
     int argumentCount() const;
@@ -38,7 +38,7 @@ class PELVOR_EXPORT SEL {
 /// The selector of that name, made on first demand. Any thread.
 PELVOR_EXPORT SEL registerSelector(std::string_view name);
 
-/// The selector of that name if one was ever registered, else none. Any thread.
+/// The selector of that name if one was ever registered, else the null selector. Any thread.
 PELVOR_EXPORT SEL findSelector(std::string_view name);
 
 inline namespace literals {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Operations of the Runtime that answer strings, whose class is Foundation's; for the Runtime's own sources.
+// Operations of the Runtime that return strings, whose class is Foundation's; for the Runtime's own sources.
 #pragma once
 
 #include "Runtime/Object.h"

@@ -8,7 +8,7 @@ namespace pelvor {
 
 /// What all handles on one object share; under the lock of the watches.
 struct WeakHandle::Watch {
-    Object* object;  ///< none once it has ended
+    Object* object;  ///< null once the object has ended
     std::uint32_t handles;
 };
 

@@ -14,7 +14,7 @@ namespace pelvor {
 class PELVOR_EXPORT WeakHandle {
   public:
     WeakHandle() = default;
-    /// The caller holds the object while this runs; none gives an empty handle.
+    /// The caller holds the object while the constructor runs. Null gives an empty handle.
     explicit WeakHandle(Object* object);
     WeakHandle(WeakHandle&& other) noexcept : _watch(std::exchange(other._watch, nullptr)) {}
     WeakHandle& operator=(WeakHandle other) noexcept {
@@ -23,7 +23,7 @@ class PELVOR_EXPORT WeakHandle {
     }
     ~WeakHandle();
 
-    /// The object, kept for the caller; none once its last reference is gone, also while it is still
+    /// The object, retained for the caller; null once the last reference to the object is gone, also while the object is
     /// being destroyed.
     Retained<Object> object() const;
 

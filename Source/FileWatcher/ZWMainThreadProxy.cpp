@@ -19,7 +19,7 @@ constinit const Category NSObject_ZWMainThreadProxy_category =
     Category::of<NSObject, defineProxies>("ZWMainThreadProxy");
 
 PELVOR_DEFINE_CLASS(ZWMainThreadProxy, baseLibrary) {
-    methods.classLevel<"initWithTarget:", &ZWMainThreadProxy::initWithTarget>();
+    methods.creator<"initWithTarget:", &ZWMainThreadProxy::initWithTarget>();
     methods.instance<"respondsToSelector:", &ZWMainThreadProxy::respondsToSelector>();
     methods.instance<"methodSignatureForSelector:", &ZWMainThreadProxy::methodSignatureForSelector>();
     methods.instance<"forwardInvocation:", &ZWMainThreadProxy::forwardInvocation>();

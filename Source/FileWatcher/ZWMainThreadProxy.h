@@ -21,6 +21,7 @@ struct Category;
 /// alive. A main thread that itself waits for the caller never runs the message. Any thread.
 class PELVOR_EXPORT ZWMainThreadProxy : public NSObject {
     PELVOR_CLASS(ZWMainThreadProxy, NSObject);
+    PELVOR_CREATORS(initWithTarget);
 
   public:
     static Retained<ZWMainThreadProxy> initWithTarget(id target, Class* cls = classObject());

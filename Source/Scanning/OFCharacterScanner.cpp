@@ -17,7 +17,7 @@ namespace pelvor {
 
 PELVOR_DEFINE_CLASS(OFCharacterScanner, baseLibrary) {
     using Self = OFCharacterScanner;
-    methods.classLevel<"init", &Self::init>();
+    methods.creator<"init", &Self::init>();
     methods.instance<"fetchMoreData", &Self::fetchMoreData>();
     methods.instance<"fetchMoreDataFromCharacters:length:offset:freeWhenDone:",
                      &Self::fetchMoreDataFromCharacters_length_offset_freeWhenDone>();

@@ -30,6 +30,7 @@ inline constexpr char OFCharacterConversionExceptionName[] = "OFCharacterConvers
 /// false or none. Strings answered are borrowed. One thread at a time.
 class PELVOR_EXPORT OFCharacterScanner : public NSObject {
     PELVOR_CLASS(OFCharacterScanner, NSObject);
+    PELVOR_CREATORS(init);
 
   public:
     static Retained<OFCharacterScanner> init(Class* cls = classObject());

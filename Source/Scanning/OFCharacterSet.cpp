@@ -11,12 +11,12 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(OFCharacterSet, baseLibrary) {
-    methods.classLevel<"characterSetWithString:", &OFCharacterSet::characterSetWithString>();
+    methods.creator<"characterSetWithString:", &OFCharacterSet::characterSetWithString>();
     methods.classLevel<"whitespaceOFCharacterSet", &OFCharacterSet::whitespaceOFCharacterSet>();
-    methods.classLevel<"init", &OFCharacterSet::init>();
-    methods.classLevel<"initWithCharacterSet:", &OFCharacterSet::initWithCharacterSet>();
-    methods.classLevel<"initWithOFCharacterSet:", &OFCharacterSet::initWithOFCharacterSet>();
-    methods.classLevel<"initWithString:", &OFCharacterSet::initWithString>();
+    methods.creator<"init", &OFCharacterSet::init>();
+    methods.creator<"initWithCharacterSet:", &OFCharacterSet::initWithCharacterSet>();
+    methods.creator<"initWithOFCharacterSet:", &OFCharacterSet::initWithOFCharacterSet>();
+    methods.creator<"initWithString:", &OFCharacterSet::initWithString>();
 
     methods.instance<"characterIsMember:", &OFCharacterSet::characterIsMember>();
     methods.instance<"addCharacter:", &OFCharacterSet::addCharacter>();

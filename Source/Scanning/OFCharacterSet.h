@@ -19,6 +19,8 @@ class NSString;
 /// another set or a string do nothing with none.
 class PELVOR_EXPORT OFCharacterSet : public NSObject {
     PELVOR_CLASS(OFCharacterSet, NSObject);
+    PELVOR_CREATORS(characterSetWithString, init, initWithCharacterSet, initWithOFCharacterSet,
+                    initWithString);
 
   public:
     static constexpr std::size_t kBitmapSize = 8192;

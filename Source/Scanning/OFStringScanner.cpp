@@ -6,7 +6,7 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(OFStringScanner, baseLibrary) {
-    methods.classLevel<"initWithString:", &OFStringScanner::initWithString>();
+    methods.creator<"initWithString:", &OFStringScanner::initWithString>();
 }
 
 Retained<OFStringScanner> OFStringScanner::initWithString(NSString* string, Class* cls) {

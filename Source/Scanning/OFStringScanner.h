@@ -7,8 +7,9 @@
 namespace pelvor {
 
 /// Reads a copy of the string's units, in one buffer; it can move anywhere in it that marks allow.
-class PELVOR_EXPORT OFStringScanner : public OFCharacterScanner {
+class PELVOR_EXPORT OFStringScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreators {
     PELVOR_CLASS(OFStringScanner, OFCharacterScanner);
+    PELVOR_CREATORS(initWithString);
 
   public:
     /// The string is retained; no string counts as an empty one.

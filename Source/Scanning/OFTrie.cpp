@@ -13,7 +13,7 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(OFTrie, baseLibrary) {
-    methods.classLevel<"initCaseSensitive:", &OFTrie::initCaseSensitive>();
+    methods.creator<"initCaseSensitive:", &OFTrie::initCaseSensitive>();
     methods.instance<"isCaseSensitive", &OFTrie::isCaseSensitive>();
     methods.instance<"headNode", &OFTrie::headNode>();
     methods.instance<"addBucket:forString:", &OFTrie::addBucket_forString>();
@@ -23,7 +23,7 @@ PELVOR_DEFINE_CLASS(OFTrie, baseLibrary) {
 }
 
 PELVOR_DEFINE_CLASS(OFTrieEnumerator, baseLibrary) {
-    methods.classLevel<"initWithTrie:", &OFTrieEnumerator::initWithTrie>();
+    methods.creator<"initWithTrie:", &OFTrieEnumerator::initWithTrie>();
 }
 
 // The units of a string in both forms, zero-terminated; a case-sensitive one has but one.

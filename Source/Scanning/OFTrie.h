@@ -24,6 +24,7 @@ class TrieIndex;
 /// nothing. A string is taken up to its first U+0000. One thread at a time.
 class PELVOR_EXPORT OFTrie : public NSObject {
     PELVOR_CLASS(OFTrie, NSObject);
+    PELVOR_CREATORS(initCaseSensitive);
 
   public:
     static Retained<OFTrie> initCaseSensitive(bool isCaseSensitive, Class* cls = classObject());
@@ -66,6 +67,7 @@ class PELVOR_EXPORT OFTrie : public NSObject {
 /// A walk over a trie's buckets. The trie must not be changed meanwhile.
 class PELVOR_EXPORT OFTrieEnumerator : public NSEnumerator {
     PELVOR_CLASS(OFTrieEnumerator, NSEnumerator);
+    PELVOR_CREATORS(initWithTrie);
 
   public:
     static Retained<OFTrieEnumerator> initWithTrie(OFTrie* trie, Class* cls = classObject());

@@ -21,7 +21,7 @@ PELVOR_DEFINE_CLASS(OFTrieBucket, baseLibrary) {
 }
 
 PELVOR_DEFINE_CLASS(OFTrieNode, baseLibrary) {
-    methods.classLevel<"init", &OFTrieNode::init>();
+    methods.creator<"init", &OFTrieNode::init>();
     methods.instance<"addChild:withCharacter:", &OFTrieNode::addChild_withCharacter>();
     methods.instance<"debugDictionary", &OFTrieNode::debugDictionary>();
 }

@@ -44,6 +44,7 @@ class PELVOR_EXPORT OFTrieBucket : public NSObject {
 /// is the element that ends here. One thread at a time.
 class PELVOR_EXPORT OFTrieNode : public NSObject {
     PELVOR_CLASS(OFTrieNode, NSObject);
+    PELVOR_CREATORS(init);
 
   public:
     static Retained<OFTrieNode> init(Class* cls = classObject());

@@ -9,7 +9,7 @@ namespace pelvor::testing {
 namespace {
 
 // A text that counts its changes, and whose units are not in one piece for others.
-class CountingText : public NSMutableString {
+class CountingText : public NSMutableString, NSMutableString::HiddenCreators {
     PELVOR_CLASS(CountingText, NSMutableString);
 
   public:

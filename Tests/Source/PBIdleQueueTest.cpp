@@ -20,7 +20,7 @@ constinit Library idleQueueTestLibrary{"IdleQueueTest", {}, kClassesOf<PBTestWor
 PELVOR_DEFINE_CLASS(PBTestWorker, idleQueueTestLibrary) { methods.instance<"work", &PBTestWorker::work>(); }
 
 // Counts instead of sending.
-class PBTestCountingQueue : public PBIdleQueue {
+class PBTestCountingQueue : public PBIdleQueue, PBIdleQueue::HiddenCreators {
     PELVOR_CLASS(PBTestCountingQueue, PBIdleQueue);
 
   public:

@@ -42,7 +42,7 @@ TEST(MutableNumber, IsCopiedAsAFixedNumberOrMutablyInItsOwnClass) {
     EXPECT_EQ(number->intValue(), 6);
 }
 
-class HalfNumber : public PBMutableNumber {
+class HalfNumber : public PBMutableNumber, PBMutableNumber::HiddenCreators {
     PELVOR_CLASS(HalfNumber, PBMutableNumber);
 
   public:

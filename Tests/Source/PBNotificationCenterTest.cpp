@@ -8,7 +8,7 @@
 namespace {
 
 // Writes down what it hears, with "!" for a sender.
-class PBTestWatcher : public PBNotificationWatcher {
+class PBTestWatcher : public PBNotificationWatcher, PBNotificationWatcher::HiddenCreators {
     PELVOR_CLASS(PBTestWatcher, PBNotificationWatcher);
 
   public:

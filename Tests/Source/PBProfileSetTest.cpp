@@ -78,7 +78,7 @@ TEST_F(PBProfileSetTest, AKeyMatchesWhateverTheEntryAndAPathLeadsThroughDictiona
 }
 
 // A profile whose entries are whatever they are now.
-class PBTestChangingProfile : public PBProfile {
+class PBTestChangingProfile : public PBProfile, PBProfile::HiddenCreators {
     PELVOR_CLASS(PBTestChangingProfile, PBProfile);
 
   public:

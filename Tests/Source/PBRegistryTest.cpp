@@ -9,7 +9,7 @@
 namespace {
 
 // Notes which bundles it is asked to read instead of reading them, or fails at each profile.
-class PBTestRegistry : public PBRegistry {
+class PBTestRegistry : public PBRegistry, PBRegistry::HiddenCreators {
     PELVOR_CLASS(PBTestRegistry, PBRegistry);
 
   public:

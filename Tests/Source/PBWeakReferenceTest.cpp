@@ -32,7 +32,7 @@ PELVOR_DEFINE_CLASS(PBTestTarget, weakReferenceTestLibrary) {
 }
 
 // Larger than the references that stand in rows.
-class PBTestMarkedReference : public PBWeakReference {
+class PBTestMarkedReference : public PBWeakReference, PBWeakReference::HiddenCreators {
     PELVOR_CLASS(PBTestMarkedReference, PBWeakReference);
 
   public:

@@ -7,8 +7,8 @@
 namespace letters {
 
 PELVOR_DEFINE_CLASS(LTCharacterCounter, lettersLibrary) {
-    methods.classLevel<"init", &LTCharacterCounter::init>();
-    methods.classLevel<"initWithCharacters:", &LTCharacterCounter::initWithCharacters>();
+    methods.creator<"init", &LTCharacterCounter::init>();
+    methods.creator<"initWithCharacters:", &LTCharacterCounter::initWithCharacters>();
     methods.instance<"countInText:", &LTCharacterCounter::countInText>();
 }
 

@@ -5,7 +5,7 @@
 
 namespace letters {
 
-PELVOR_DEFINE_CLASS(LTVowelCounter, lettersLibrary) { methods.classLevel<"init", &LTVowelCounter::init>(); }
+PELVOR_DEFINE_CLASS(LTVowelCounter, lettersLibrary) { methods.creator<"init", &LTVowelCounter::init>(); }
 
 Retained<LTVowelCounter> LTVowelCounter::init(Class* cls) {
     auto* vowels = NSCharacterSet::characterSetWithCharactersInString(u"aeiouAEIOU"_ns);

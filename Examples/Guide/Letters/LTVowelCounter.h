@@ -9,6 +9,7 @@ namespace letters {
 /// Counts vowels unless it is made with another set. Main thread.
 class LTVowelCounter : public LTCharacterCounter {
     PELVOR_CLASS(LTVowelCounter, LTCharacterCounter);
+    PELVOR_CREATORS(init);
     PELVOR_INHERITED_CREATORS(initWithCharacters);
 
   public:

@@ -70,7 +70,7 @@ TEST(NSMutableStringTest, ReplacingOccurrences) {
 }
 
 // A subclass of one's own has only the primitives.
-class LoggedString : public NSMutableString {
+class LoggedString : public NSMutableString, NSMutableString::HiddenCreators {
     PELVOR_CLASS(LoggedString, NSMutableString);
 
   public:

@@ -27,7 +27,7 @@ class Ear : public NSObject {
 };
 
 /// Posts nothing.
-class QuietCenter : public NSNotificationCenter {
+class QuietCenter : public NSNotificationCenter, NSNotificationCenter::HiddenCreators {
     PELVOR_CLASS(QuietCenter, NSNotificationCenter);
 };
 void dropNamed(NSNotificationCenter*, NSString*, id, NSDictionary*) {}

@@ -8,7 +8,7 @@
 namespace pelvor::testing {
 
 /// The numbers from a start down to 1, which exist only when asked for.
-class Countdown : public NSArray {
+class Countdown : public NSArray, NSArray::HiddenCreators {
     PELVOR_CLASS(Countdown, NSArray);
 
   public:
@@ -27,7 +27,7 @@ class Countdown : public NSArray {
 };
 
 /// A mutable array over its own storage.
-class OwnArray : public NSMutableArray {
+class OwnArray : public NSMutableArray, NSMutableArray::HiddenCreators {
     PELVOR_CLASS(OwnArray, NSMutableArray);
 
   public:
@@ -51,7 +51,7 @@ class OwnArray : public NSMutableArray {
 };
 
 /// An integer that can be changed.
-class Tally : public NSNumber {
+class Tally : public NSNumber, NSNumber::HiddenCreators {
     PELVOR_CLASS(Tally, NSNumber);
 
   public:
@@ -62,7 +62,7 @@ class Tally : public NSNumber {
 };
 
 /// A string that has only its primitives.
-class SparseString : public NSString {
+class SparseString : public NSString, NSString::HiddenCreators {
     PELVOR_CLASS(SparseString, NSString);
 
   public:

@@ -108,8 +108,10 @@ TEST(ClassTest, AReplacedImplementationIsSeenByEverySubclass) {
 TEST(ClassTest, AnImplementationOfOtherTypesOrForOtherReceiversIsRefused) {
     Class* cls = Class::createSubclass("Guarded", Animal::classObject());
     IMP legs = Animal::classRecord.instanceMethod("legs"_sel)->implementation;
-    EXPECT_EQ(RAISED(cls->replaceImplementation("mood"_sel, legs)),
-              invalid("the new code for mood of Guarded must be of types C@:"));
+    EXPECT_EQ(
+        RAISED(cls->replaceImplementation("mood"_sel, legs)),
+        invalid(
+            "the new code for mood of Guarded must be a method that takes () and returns an unsigned char"));
     IMP fetch = Dog::classRecord.instanceMethod("fetch"_sel)->implementation;
     EXPECT_EQ(RAISED(cls->replaceImplementation("legs"_sel, fetch)),
               invalid("code that needs a receiver of class Dog cannot be a method of Animal"));

@@ -52,11 +52,11 @@ TEST_F(MessageTest, ToNoneDoesNothingAndAnswersZero) {
 
 TEST_F(MessageTest, OfWrongTypesIsRefusedByMethodArgumentAndTypes) {
     EXPECT_EQ(RAISED(send(animal, "setLegs:"_sel, "four")),
-              invalid("-[Animal setLegs:]: argument 1 is of type '*' where 'i' is expected"));
+              invalid("-[Animal setLegs:]: argument 1 is a C string where an int is expected"));
     EXPECT_EQ(RAISED(send<int>(animal, "sum:and:and:"_sel, 1, dog, 2)),
-              invalid("-[Animal sum:and:and:]: argument 2 is of type '@' where 'q' is expected"));
+              invalid("-[Animal sum:and:and:]: argument 2 is an object where a long is expected"));
     EXPECT_EQ(RAISED(send<id>(animal, "legs"_sel)),
-              invalid("-[Animal legs]: the result is of type 'i' where '@' is expected"));
+              invalid("-[Animal legs]: the result is an int where an object is expected"));
     EXPECT_EQ(RAISED(send<int>(animal, "legs"_sel, 1)),
               invalid("-[Animal legs]: 1 arguments are given where 0 are expected"));
     auto other = make<NSObject>();
@@ -67,7 +67,7 @@ TEST_F(MessageTest, OfWrongTypesIsRefusedByMethodArgumentAndTypes) {
         RAISED(send<Dog*>(animal, "mate:"_sel, animal)),
         invalid("-[Animal mate:]: an object of class Animal stands where one of class Dog is expected"));
     EXPECT_EQ(RAISED(send<id>(animal, "classOf:"_sel, 3)),
-              invalid("-[Animal classOf:]: argument 1 is of type 'i' where '@' is expected"));
+              invalid("-[Animal classOf:]: argument 1 is an int where an object is expected"));
     EXPECT_EQ(animal->legs(), 4);
 }
 

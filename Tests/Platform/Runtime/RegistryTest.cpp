@@ -38,6 +38,18 @@ TEST(RegistryTest, ATakenNameIsRefusedBeforeAnythingIsRegistered) {
     EXPECT_FALSE(intruderLibrary.isRegistered);
 }
 
+TEST(RegistryTest, RecordsThatCannotBeUsedAreRefused) {
+    Library library("Elder", {}, {}, {});
+    library.interfaceVersion = kInterfaceVersion - 1;
+    EXPECT_EQ(RAISED(registerLibrary(library)),
+              invalid(("registerLibrary: the library was compiled with interface version " +
+                       std::to_string(kInterfaceVersion - 1) + ", this platform with version " +
+                       std::to_string(kInterfaceVersion))
+                          .c_str()));
+    library.mark = 0;
+    EXPECT_EQ(RAISED(registerLibrary(library)), invalid("registerLibrary: the record is no library's"));
+}
+
 // A library whose second class cannot be defined at first, and one that it needs.
 bool isFailing = true;
 extern Library neededLibrary, brokenLibrary;

@@ -16,7 +16,7 @@ namespace pelvor {
 namespace {
 
 // Says without end that there is more.
-class BoastingScanner : public OFCharacterScanner {
+class BoastingScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreators {
     PELVOR_CLASS(BoastingScanner, OFCharacterScanner);
 
   public:
