@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "PBUtil.h"
-#include "Private/ArgumentChecks.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {

@@ -5,10 +5,10 @@
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSSet.h"
 #include "Foundation/NSString.h"
-#include "Private/ArgumentChecks.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {

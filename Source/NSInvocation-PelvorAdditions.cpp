@@ -3,9 +3,11 @@
 
 #include <cstring>
 
-#include "Private/ArgumentChecks.h"
+#include "Foundation/NSString.h"
 #include "Runtime/Message.h"
+#include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {

@@ -3,8 +3,8 @@
 
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSSet.h"
-#include "Private/ArgumentChecks.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {

@@ -2,8 +2,8 @@
 #include "NSRunLoop-PelvorAdditions.h"
 
 #include "Foundation/NSArray.h"
-#include "Private/ArgumentChecks.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {

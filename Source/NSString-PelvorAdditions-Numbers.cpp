@@ -3,8 +3,9 @@
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSScanner.h"
 #include "NSString-PelvorAdditions.h"
-#include "Private/Codepoints.h"
 #include "Private/UnitReader.h"
+#include "Shared/ArgumentChecks.h"
+#include "Shared/Codepoints.h"
 
 namespace pelvor {
 namespace {
@@ -19,7 +20,7 @@ bool mayBeInNumber(unichar unit) {
 // text.
 NSString* numberText(NSString* string, NSUInteger index) {
     UnitReader units(string);
-    requireRangeInside({index, 0}, units.size());
+    requireRange({index, 0}, units.size());
     NSCharacterSet* space = NSCharacterSet::whitespaceAndNewlineCharacterSet();
     NSUInteger end = index;
     while (end < units.size() && space->characterIsMember(units[end])) ++end;

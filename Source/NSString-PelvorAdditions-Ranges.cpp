@@ -6,8 +6,10 @@
 #include "Foundation/NSValue.h"
 #include "NSCharacterSet-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
-#include "Private/Codepoints.h"
 #include "Runtime/Message.h"
+#include "Runtime/NSException.h"
+#include "Shared/ArgumentChecks.h"
+#include "Shared/Codepoints.h"
 
 namespace pelvor {
 namespace {
@@ -105,7 +107,7 @@ NSRange PBRangeOfComposedCharacterSequenceAtIndex(NSString* string, NSUInteger i
 
 NSRange rangeOfComposedCharactersForRange(NSString* string, NSRange range) {
     if (range.length == 0) return range;
-    requireRangeInside(range, string->length());
+    requireRange(range, string->length());
     NSUInteger start = PBRangeOfComposedCharacterSequenceAtIndex(string, range.location).location;
     NSRange last = PBRangeOfComposedCharacterSequenceAtIndex(string, NSMaxRange(range) - 1);
     return {start, NSMaxRange(last) - start};

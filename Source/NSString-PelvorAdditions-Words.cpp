@@ -8,9 +8,10 @@
 #include "NSCharacterSet-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
 #include "PBUtil.h"
-#include "Private/Codepoints.h"
 #include "Private/UnitFinding.h"
 #include "Private/UnitReader.h"
+#include "Shared/ArgumentChecks.h"
+#include "Shared/Codepoints.h"
 #include "assertions.h"
 
 namespace pelvor {
@@ -124,7 +125,7 @@ class WordText {
 NSRange wordRangeForRange_includePreviousWord(NSString* string, NSRange range, bool includePreviousWord) {
     WordText text(string);
     NSUInteger count = text.size();
-    requireRangeInside(range, count);
+    requireRange(range, count);
     if (count == 0) return {0, 0};
     NSUInteger first = range.location == count ? count - 1 : range.location;
     NSUInteger last = range.length ? NSMaxRange(range) - 1 : range.location;

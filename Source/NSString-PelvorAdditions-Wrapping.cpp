@@ -5,19 +5,14 @@
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/UnitBuffer.h"
 #include "NSString-PelvorAdditions.h"
-#include "Private/Codepoints.h"
 #include "Private/UnitFinding.h"
 #include "Private/WhiteSpace.h"
+#include "Shared/Codepoints.h"
 
 namespace pelvor {
 namespace {
 
 using Units = std::u16string_view;
-
-bool splitsPair(Units text, std::size_t index) {
-    return index > 0 && index < text.size() && isLowSurrogate(text[index]) &&
-           isHighSurrogate(text[index - 1]);
-}
 
 // Lines end where paragraphs do, so each is wrapped by itself. Where its white space is stands in bits: no
 // branch depends on the lengths of its words.

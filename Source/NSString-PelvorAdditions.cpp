@@ -12,9 +12,10 @@
 #include "Foundation/NSMutableString.h"
 #include "NSMutableString-PelvorAdditions.h"
 #include "PBUnichar32String.h"
-#include "Private/Codepoints.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
+#include "Shared/Codepoints.h"
 
 namespace pelvor {
 namespace {
@@ -83,7 +84,7 @@ NSString* NSString_PelvorAdditions::stringWithCodepoints_count(const std::uint32
 
 Retained<NSString> NSString_PelvorAdditions::initWithCodepoints_count(const std::uint32_t* codepoints,
                                                                       NSUInteger count, Class* cls) {
-    requireCodepoints(codepoints, count);
+    requireElements(codepoints, count, "code points");
     std::unique_ptr<unichar, decltype(&std::free)> units(
         static_cast<unichar*>(std::malloc((std::size_t{count} * 2 + 1) * sizeof(unichar))), &std::free);
     if (!units) return nullptr;

@@ -8,9 +8,9 @@
 #include "BaseLibrary.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSString.h"
-#include "Private/ArgumentChecks.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 

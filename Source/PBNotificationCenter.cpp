@@ -11,9 +11,9 @@
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSString.h"
 #include "PBIdleQueue.h"
-#include "Private/ArgumentChecks.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {

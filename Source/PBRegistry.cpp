@@ -9,9 +9,9 @@
 #include "Foundation/NSPropertyListError.h"
 #include "Foundation/NSPropertyListSerialization.h"
 #include "PBPostLoader.h"
-#include "Private/ArgumentChecks.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {

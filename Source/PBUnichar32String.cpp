@@ -7,8 +7,9 @@
 
 #include "BaseLibrary.h"
 #include "NSString-PelvorAdditions.h"
-#include "Private/Codepoints.h"
 #include "Runtime/NSException.h"
+#include "Shared/ArgumentChecks.h"
+#include "Shared/Codepoints.h"
 
 namespace pelvor {
 
@@ -44,7 +45,7 @@ std::uint32_t* allocateCodepoints(NSUInteger count) {
 
 Retained<PBUnichar32String> PBUnichar32String::initWithOwnedCodepoints_count(std::uint32_t* codepoints,
                                                                              NSUInteger count, Class* cls) {
-    requireCodepoints(codepoints, count);
+    requireElements(codepoints, count, "code points");
     std::unique_ptr<std::uint32_t[], Free> owned(codepoints);
     auto string = make<PBUnichar32String>(cls);
     for (NSUInteger i = 0; i < count; ++i)
@@ -59,7 +60,7 @@ Retained<PBUnichar32String> PBUnichar32String::initWithOwnedCodepoints_count(std
 
 Retained<PBUnichar32String> PBUnichar32String::initWithCodepoints_count(const std::uint32_t* codepoints,
                                                                         NSUInteger count, Class* cls) {
-    requireCodepoints(codepoints, count);
+    requireElements(codepoints, count, "code points");
     std::uint32_t* copy = allocateCodepoints(count);
     if (!copy) return nullptr;
     std::copy_n(codepoints, count, copy);
@@ -93,12 +94,12 @@ NSUInteger PBUnichar32String::pairsBeforeCodepoint(NSUInteger codepoint) const {
 }
 
 void PBUnichar32String::getCodepoints_forCodepointsWithRange(std::uint32_t* codepoints, NSRange range) {
-    requireRangeInside(range, _len);
+    requireRange(range, _len);
     std::copy_n(_chars.get() + range.location, range.length, codepoints);
 }
 
 NSUInteger PBUnichar32String::_surrogateCountForCodepointsWithRange(NSRange range) {
-    requireRangeInside(range, _len);
+    requireRange(range, _len);
     return pairsBeforeCodepoint(NSMaxRange(range)) - pairsBeforeCodepoint(range.location);
 }
 
@@ -109,7 +110,7 @@ NSRange PBUnichar32String::unicharRangeForCodepointsWithRange(NSRange range) {
 
 NSUInteger PBUnichar32String::_surrogateCountForUnicharsWithRange_isFirstUnicharLowSurrogate(
     NSRange range, bool* isFirstLow) {
-    requireRangeInside(range, length());
+    requireRange(range, length());
     NSUInteger before = pairsBeforeUnit(range.location);
     if (isFirstLow)
         *isFirstLow = before < _surrogateCount && before + _surrogateOffsets[before] == range.location;
@@ -118,25 +119,25 @@ NSUInteger PBUnichar32String::_surrogateCountForUnicharsWithRange_isFirstUnichar
 
 NSRange PBUnichar32String::codepointRangeForUnicharsWithRange_isFirstUnicharLowSurrogate(NSRange range,
                                                                                          bool* isFirstLow) {
-    requireRangeInside(range, length());
+    requireRange(range, length());
     NSUInteger before = pairsBeforeUnit(range.location);
     if (isFirstLow) *isFirstLow = false;
     return {range.location - before, range.length - (pairsBeforeUnit(NSMaxRange(range)) - before)};
 }
 
 NSString* PBUnichar32String::substringForCodepointsWithRange(NSRange range) {
-    requireRangeInside(range, _len);
+    requireRange(range, _len);
     return NSString_PelvorAdditions::stringWithCodepoints_count(_chars.get() + range.location, range.length);
 }
 
 unichar PBUnichar32String::characterAtIndex(NSUInteger index) {
-    requireIndexBelow(index, length());
+    requireIndex(index, length());
     std::uint32_t codepoint = _chars[codepointOfUnit(index)];
     return isSupplementary(codepoint) ? highHalfOf(codepoint) : static_cast<unichar>(codepoint);
 }
 
 void PBUnichar32String::getCharacters_range(unichar* buffer, NSRange range) {
-    requireRangeInside(range, length());
+    requireRange(range, length());
     const std::uint32_t* next = _chars.get() + codepointOfUnit(range.location);
     for (unichar* end = buffer + range.length; buffer < end; ++next) {
         if (end - buffer >= 2 || !isSupplementary(*next))

@@ -9,6 +9,7 @@
 
 #include "Foundation/NSString.h"
 #include "Runtime/NSException.h"
+#include "Shared/Codepoints.h"
 
 namespace pelvor {
 namespace {
@@ -260,8 +261,7 @@ void appendCharacter(std::u16string& text, const Directive& directive, std::int6
     if (directive.conversion == u'c') {
         units[0] = static_cast<unsigned char>(value);
     } else if (value >= 0x10000 && value <= 0x10FFFF) {
-        units[0] = static_cast<char16_t>(0xD7C0 + (value >> 10));
-        units[1] = static_cast<char16_t>(0xDC00 + (value & 0x3FF));
+        writeCodepoint(static_cast<std::uint32_t>(value), units);
         count = 2;
     } else {
         units[0] = static_cast<char16_t>(value);
@@ -275,7 +275,7 @@ void appendTextField(std::u16string& text, const Directive& directive) {
     appendText(field, *directive.argument);
     std::size_t limit = static_cast<std::size_t>(directive.precision);
     if (directive.precision >= 0 && field.size() > limit) {
-        if (limit && (field[limit - 1] & 0xFC00) == 0xD800) --limit;
+        if (limit && isHighSurrogate(field[limit - 1])) --limit;
         field.resize(limit);
     }
     appendPadded(text, directive, field);

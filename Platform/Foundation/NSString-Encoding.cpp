@@ -5,8 +5,8 @@
 #include "Foundation/NSData.h"
 #include "Foundation/NSMutableString.h"
 #include "Foundation/Strings/NSInlineString.h"
-#include "Foundation/Strings/UnitConversion.h"
 #include "Runtime/NSException.h"
+#include "Shared/UTF8.h"
 
 namespace pelvor {
 namespace {

@@ -11,8 +11,8 @@
 #include "Foundation/Collections/ConcreteArrays.h"
 #include "Foundation/NSPathStore2.h"
 #include "Foundation/Strings/NSInlineString.h"
-#include "Foundation/Strings/UnitConversion.h"
 #include "Runtime/NSException.h"
+#include "Shared/UTF8.h"
 
 namespace pelvor {
 namespace {

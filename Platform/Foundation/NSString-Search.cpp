@@ -107,9 +107,6 @@ class MemberSearch {
     bool _folds;
 };
 
-bool isHigh(unichar unit) { return (unit & 0xFC00) == 0xD800; }
-bool isLow(unichar unit) { return (unit & 0xFC00) == 0xDC00; }
-
 // Searches a string that is not in one piece in pieces, so that what is near is found without a copy of all
 // the rest. No pair lies in two of them.
 class PieceSearch {
@@ -120,7 +117,9 @@ class PieceSearch {
     NSRange first(NSRange range) {
         for (NSUInteger place = range.location, end = NSMaxRange(range); place < end;) {
             NSUInteger size = nextSize(end - place);
-            if (size > 1 && place + size < end && isHigh(_string->characterAtIndex(place + size - 1))) --size;
+            if (size > 1 && place + size < end &&
+                isHighSurrogate(_string->characterAtIndex(place + size - 1)))
+                --size;
             StringUnits units(_string, {place, size});
             NSRange found = shifted(MemberSearch(units, _set, _options).first(), place);
             if (found.location != NSNotFound) return found;
@@ -131,7 +130,8 @@ class PieceSearch {
     NSRange last(NSRange range) {
         for (NSUInteger end = NSMaxRange(range); end > range.location;) {
             NSUInteger size = nextSize(end - range.location);
-            if (size > 1 && end - size > range.location && isLow(_string->characterAtIndex(end - size)))
+            if (size > 1 && end - size > range.location &&
+                isLowSurrogate(_string->characterAtIndex(end - size)))
                 --size;
             StringUnits units(_string, {end - size, size});
             NSRange found = shifted(MemberSearch(units, _set, _options).last(), end - size);
@@ -187,9 +187,9 @@ bool isPlainBase(unichar unit) {
     bool isKnown = (unit < 0x300 && unit != u'\n' && unit != u'\r' && unit != 0xA9 && unit != 0xAE) ||
                    (unit >= 0x370 && unit < 0x483) || (unit >= 0x48A && unit < 0x530) ||
                    (unit >= 0x3400 && unit < 0xA000) || (unit >= 0xAC00 && unit < 0xD7A4);
-    return isKnown || (!U16_IS_SURROGATE(unit) &&
-                       u_getIntPropertyValue(unit, UCHAR_GRAPHEME_CLUSTER_BREAK) == U_GCB_OTHER &&
-                       !u_hasBinaryProperty(unit, UCHAR_EXTENDED_PICTOGRAPHIC));
+    return isKnown ||
+           (!isSurrogate(unit) && u_getIntPropertyValue(unit, UCHAR_GRAPHEME_CLUSTER_BREAK) == U_GCB_OTHER &&
+            !u_hasBinaryProperty(unit, UCHAR_EXTENDED_PICTOGRAPHIC));
 }
 
 // The nearest bound at or before the index, and the nearest one after it, that show without any rules.

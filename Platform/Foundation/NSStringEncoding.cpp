@@ -93,9 +93,8 @@ std::u16string replacementFor(char32_t c, EncodingConverter& converter) {
             text += likenessOf(part);
         i += unitCount(part);
     }
-    bool fits = std::all_of(text.begin(), text.end(), [&](char16_t unit) {
-        return U16_IS_SURROGATE(unit) || converter.canEncode(unit);
-    });
+    bool fits = std::all_of(text.begin(), text.end(),
+                            [&](char16_t unit) { return isSurrogate(unit) || converter.canEncode(unit); });
     return fits && !text.empty() ? text : std::u16string(1, converter.substitute());
 }
 

@@ -6,9 +6,9 @@
 #include <cstring>
 
 #include "Foundation/NSCharacterSet.h"
-#include "Private/Codepoints.h"
 #include "Runtime/NSException.h"
 #include "Scanning/Private/UnitSpans.h"
+#include "Shared/Codepoints.h"
 
 #if defined(__x86_64__)
 #include <emmintrin.h>
@@ -91,9 +91,7 @@ std::size_t MemberFinder::firstStop(std::u16string_view text, std::size_t from) 
         auto* begin = const_cast<unichar*>(text.data());
         return static_cast<std::size_t>(findMember(begin + from, begin + text.size(), _bitmap) - begin);
     }
-    auto stops = [this](unichar unit) {
-        return isHighSurrogate(unit) || isLowSurrogate(unit) || (_bitmap[unit >> 3] >> (unit & 7) & 1);
-    };
+    auto stops = [this](unichar unit) { return isSurrogate(unit) || (_bitmap[unit >> 3] >> (unit & 7) & 1); };
     while (from < text.size() && !stops(text[from])) ++from;
     return from;
 }
@@ -111,8 +109,7 @@ UnitMatch MemberFinder::find(std::u16string_view text, std::size_t from) const {
     while (true) {
         from = firstStop(text, from);
         if (from == text.size()) return {from, 0};
-        bool isPair =
-            isHighSurrogate(text[from]) && from + 1 < text.size() && (text[from + 1] & 0xFC00) == 0xDC00;
+        bool isPair = isHighSurrogate(text[from]) && from + 1 < text.size() && isLowSurrogate(text[from + 1]);
         std::size_t length = isPair ? 2 : 1;
         char32_t character = isPair ? codepointOfPair(text[from], text[from + 1]) : char32_t{text[from]};
         if (_set->longCharacterIsMember(character)) return {from, length};

@@ -7,18 +7,6 @@
 
 namespace pelvor {
 
-void raiseIndexBeyondBounds(NSUInteger index, NSUInteger bounds) {
-    throw NSException(NSRangeException, "index (" + std::to_string(static_cast<int>(index)) +
-                                            ") beyond bounds (" + std::to_string(static_cast<int>(bounds)) +
-                                            ")");
-}
-
-void raiseRangeBeyondBounds(NSRange range, NSUInteger bounds) {
-    throw NSException(NSRangeException, "range {" + std::to_string(range.location) + ", " +
-                                            std::to_string(range.length) + "} beyond bounds (" +
-                                            std::to_string(static_cast<int>(bounds)) + ")");
-}
-
 void raiseNoObject(const char* operation) {
     throw NSException(NSInvalidArgumentException, std::string("no object was given to ") + operation);
 }

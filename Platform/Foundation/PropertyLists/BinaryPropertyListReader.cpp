@@ -11,7 +11,7 @@
 #include "Foundation/PropertyLists/PropertyListBuilder.h"
 #include "Foundation/PropertyLists/PropertyListFault.h"
 #include "Foundation/Strings/NSInlineString.h"
-#include "Foundation/Strings/UnitConversion.h"
+#include "Shared/UTF8.h"
 
 namespace pelvor {
 namespace {
@@ -36,8 +36,8 @@ enum Marker : std::uint8_t {
     kDictionary = 0xD,
 };
 
-// An object's first byte, its length, and where its content begins. The length counts bytes, units or entries; a
-// number's length is the low half of the first byte.
+// An object's first byte, its length, and where its content begins. The length counts bytes, units or
+// entries; a number's length is the low half of the first byte.
 struct Head {
     std::size_t offset;
     Marker marker;

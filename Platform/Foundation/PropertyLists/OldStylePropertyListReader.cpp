@@ -8,7 +8,7 @@
 
 #include "Foundation/PropertyLists/PropertyListBuilder.h"
 #include "Foundation/PropertyLists/PropertyListFault.h"
-#include "Foundation/Strings/UnitConversion.h"
+#include "Shared/UTF8.h"
 
 namespace pelvor {
 namespace {

@@ -12,7 +12,7 @@
 #include "Foundation/PropertyListLimits.h"
 #include "Foundation/PropertyLists/PropertyListFault.h"
 #include "Foundation/Strings/NSInlineString.h"
-#include "Foundation/Strings/UnitConversion.h"
+#include "Shared/UTF8.h"
 
 namespace pelvor {
 namespace {

@@ -14,6 +14,8 @@
 #include "Foundation/PropertyLists/PropertyListFault.h"
 #include "Foundation/PropertyLists/PropertyListNumbers.h"
 #include "Foundation/PropertyLists/PropertyListWalk.h"
+#include "Shared/Codepoints.h"
+#include "Shared/UTF8.h"
 
 namespace pelvor {
 namespace {
@@ -76,25 +78,14 @@ char* writeASCII(unichar unit, char* out) {
 
 // A character from U+0080 on; `units` moves behind it.
 char* writeWide(const unichar*& units, const unichar* end, char* out) {
-    std::uint32_t value = *units++;
-    if (value < 0x800) {
-        *out++ = static_cast<char>(0xC0 | value >> 6);
-        *out++ = static_cast<char>(0x80 | (value & 0x3F));
-        return out;
+    char32_t value = *units++;
+    if (isHighSurrogate(value) && units < end && isLowSurrogate(*units)) {
+        value = codepointOfPair(units[-1], units[0]);
+        ++units;
+    } else if (isSurrogate(value) || value >= 0xFFFE) {
+        refuseCharacter(value);
     }
-    bool isHalf = value >= 0xD800 && value < 0xE000;
-    bool isPair = isHalf && value < 0xDC00 && units < end && (*units & 0xFC00) == 0xDC00;
-    if ((isHalf && !isPair) || value >= 0xFFFE) refuseCharacter(value);
-    if (isPair) {
-        value = 0x10000 + ((value & 0x3FF) << 10 | (*units++ & 0x3FF));
-        *out++ = static_cast<char>(0xF0 | value >> 18);
-        *out++ = static_cast<char>(0x80 | (value >> 12 & 0x3F));
-    } else {
-        *out++ = static_cast<char>(0xE0 | value >> 12);
-    }
-    *out++ = static_cast<char>(0x80 | (value >> 6 & 0x3F));
-    *out++ = static_cast<char>(0x80 | (value & 0x3F));
-    return out;
+    return writeUTF8(value, out);
 }
 
 // The next eight units or, near the end of the piece, what is left of it; a pair may reach past the piece.

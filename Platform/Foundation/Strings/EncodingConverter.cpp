@@ -10,7 +10,7 @@
 
 #include "Foundation/Strings/CanonicalText.h"
 #include "Foundation/Strings/EncodingList.h"
-#include "Foundation/Strings/UnitConversion.h"
+#include "Shared/UTF8.h"
 
 namespace pelvor {
 
@@ -33,8 +33,6 @@ namespace {
 using Units = std::u16string_view;
 using Bytes = std::string_view;
 
-bool isHalf(char32_t c) { return c >= 0xD800 && c < 0xE000; }
-
 class UTF8Converter final : public EncodingConverter {
     bool decodeWhole(Bytes bytes, std::u16string& units) override {
         const std::size_t start = units.size();
@@ -53,7 +51,7 @@ class UTF8Converter final : public EncodingConverter {
         return 0;
     }
     std::optional<std::string> encode(Units units) override { return utf8FromUnits(units); }
-    bool canEncode(char32_t c) override { return !isHalf(c); }
+    bool canEncode(char32_t c) override { return !isSurrogate(c); }
     char16_t substitute() override { return 0xFFFD; }
 };
 
@@ -191,7 +189,7 @@ class WideConverter final : public EncodingConverter {
         }
         return bytes;
     }
-    bool canEncode(char32_t c) override { return kSize == 2 || !isHalf(c); }
+    bool canEncode(char32_t c) override { return kSize == 2 || !isSurrogate(c); }
     char16_t substitute() override { return 0xFFFD; }
 
     // How long the mark is that tells the order; without one, bytes are little-endian.
@@ -215,9 +213,8 @@ class WideConverter final : public EncodingConverter {
         }
     }
     static bool append(std::u16string& units, char32_t value) {
-        if (value > 0x10FFFF || (kSize == 4 && isHalf(value))) return false;
-        if (value > 0xFFFF) units += U16_LEAD(value);
-        units += value > 0xFFFF ? U16_TRAIL(value) : static_cast<char16_t>(value);
+        if (value > 0x10FFFF || (kSize == 4 && isSurrogate(value))) return false;
+        appendCodepoint(units, value);
         return true;
     }
 
@@ -283,8 +280,7 @@ class ICUConverter final : public EncodingConverter {
     // ICU's own sets of what converters take are too large for some.
     bool canEncode(char32_t c) override {
         char16_t units[2];
-        int32_t count = 0;
-        U16_APPEND_UNSAFE(units, count, c);
+        auto count = static_cast<int32_t>(writeCodepoint(c, units) - units);
         char bytes[64];
         UErrorCode error = U_ZERO_ERROR;
         ucnv_fromUChars(_converter.get(), bytes, sizeof bytes, units, count, &error);

@@ -69,8 +69,7 @@ class CanonicalReader {
         UErrorCode error = U_ZERO_ERROR;
         int32_t size = unorm2_getDecomposition(decomposer(), static_cast<UChar32>(c), units, 32, &error);
         if (size < 0) {
-            size = 0;
-            U16_APPEND_UNSAFE(units, size, c);
+            size = static_cast<int32_t>(writeCodepoint(c, units) - units);
         }
         char16_t folded[96];
         if (_folds) size = u_strFoldCase(folded, 96, units, size, U_FOLD_CASE_DEFAULT, &error);
@@ -211,7 +210,7 @@ bool TextFinder::standsAt(Units text, std::size_t place) const {
     Units piece = text.substr(place, _needle.size());
     if (!has(NSCaseInsensitiveSearch)) return piece == _needle;
     for (std::size_t i = 0; i < piece.size(); ++i) {
-        if ((piece[i] & 0xFC00) == 0xD800) return simpleFold(piece) == _needle;
+        if (isHighSurrogate(piece[i])) return simpleFold(piece) == _needle;
         if (foldUnit(piece[i]) != _needle[i]) return false;
     }
     return true;

@@ -45,7 +45,8 @@ ActiveUnits::ActiveUnits(std::u16string_view pattern, Folding folding) {
         if (uset_getItem(set.get(), i, &first, &last, nullptr, 0, &error) != 0) continue;
         for (UChar32 c = first; c <= last; ++c) {
             if (folding == Folding::counted && c <= 0xFFFF && foldsAlone(c)) continue;
-            _units[c > 0xFFFF ? U16_LEAD(c) : static_cast<std::size_t>(c)] = true;
+            auto value = static_cast<std::uint32_t>(c);
+            _units[isSupplementary(value) ? highHalfOf(value) : value] = true;
         }
     }
 }
@@ -77,8 +78,7 @@ std::u16string simpleFold(std::u16string_view text) {
         UChar32 other = u_foldCase(static_cast<UChar32>(c), U_FOLD_CASE_DEFAULT);
         i += unitCount(c);
         if (unitCount(static_cast<char32_t>(other)) != unitCount(c)) other = static_cast<UChar32>(c);
-        if (other > 0xFFFF) folded += U16_LEAD(other);
-        folded += other > 0xFFFF ? U16_TRAIL(other) : static_cast<char16_t>(other);
+        appendCodepoint(folded, static_cast<std::uint32_t>(other));
     }
     return folded;
 }

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Foundation/Strings/UnitConversion.h"
+#include "Shared/UTF8.h"
 
 #include <unicode/ustring.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
+
+#include "Shared/Codepoints.h"
 
 namespace pelvor {
 namespace {
@@ -14,6 +18,7 @@ using Byte = unsigned char;
 using Bytes8 = std::uint8_t __attribute__((vector_size(8)));
 using Bytes16 = std::uint8_t __attribute__((vector_size(16)));
 using Units8 = std::uint16_t __attribute__((vector_size(16)));
+using Words2 = std::uint64_t __attribute__((vector_size(16)));
 
 template <class T, class Char>
 T load(const Char* from) {
@@ -69,7 +74,7 @@ std::size_t decodeSequence(const Byte* bytes, std::ptrdiff_t left, char32_t& c) 
     if (lead < 0xF0) {
         if (left < 3 || !isContinuation(bytes[1]) || !isContinuation(bytes[2])) return 0;
         c = static_cast<char32_t>((lead & 0x0F) << 12 | (bytes[1] & 0x3F) << 6 | (bytes[2] & 0x3F));
-        return c < 0x800 || (c & 0xF800) == 0xD800 ? 0 : 3;
+        return c < 0x800 || isSurrogate(c) ? 0 : 3;
     }
     if (left < 4 || !isContinuation(bytes[1]) || !isContinuation(bytes[2]) || !isContinuation(bytes[3]))
         return 0;
@@ -137,8 +142,7 @@ DecodedUTF8 decodeUTF8(std::string_view text, char16_t* units) {
             std::size_t size = decodeSequence(bytes, end - bytes, c);
             if (size == 0) return decoded(false);
             bytes += size;
-            if (c > 0xFFFF) *units++ = U16_LEAD(c);
-            *units++ = c > 0xFFFF ? U16_TRAIL(c) : static_cast<char16_t>(c);
+            units = writeCodepoint(c, units);
         }
     }
     return decoded(true);
@@ -164,73 +168,104 @@ std::u16string unitsFromUTF8Mending(std::string_view bytes) {
 
 namespace {
 
-// How many bytes the units take, where every half of a pair has its other half.
-std::size_t byteCount(std::u16string_view units) {
-    std::size_t i = asciiPrefix(units), total = units.size();
-    while (i + 8 <= units.size()) {
-        Units8 counts{};
-        for (int k = 0; k < 8192 && i + 8 <= units.size(); ++k, i += 8) {
-            auto block = load<Units8>(units.data() + i);
-            counts -= reinterpret_cast<Units8>((block & 0xFF80) != 0);
-            counts -= reinterpret_cast<Units8>((block & 0xF800) != 0);
-            counts += reinterpret_cast<Units8>((block & 0xF800) == 0xD800);
-        }
-        for (int k = 0; k < 8; ++k) total += counts[k];
+// Each of eight units below 0x800, with or without a second byte, as the next one overwrites what is too
+// much.
+char* writeEightShort(const char16_t* units, char* bytes) {
+    for (int i = 0; i < 8; ++i) {
+        unsigned unit = units[i], isLong = unit >= 0x80;
+        bytes[0] = static_cast<char>(isLong ? 0xC0 | unit >> 6 : unit);
+        bytes[1] = static_cast<char>(0x80 | (unit & 0x3F));
+        bytes += 1 + isLong;
     }
-    for (; i < units.size(); ++i)
-        total += (units[i] >= 0x80u) + (units[i] >= 0x800u) - ((units[i] & 0xF800u) == 0xD800u);
-    return total;
+    return bytes;
 }
 
-// False at a lone half.
-bool encode(std::u16string_view text, char* bytes) {
-    auto put = [&bytes](unsigned lead, char32_t bits) { *bytes++ = static_cast<char>(lead | bits); };
+// The bits that any of four units at the same place in their words has set.
+std::uint64_t bitsOf(Units8 units) {
+    auto words = reinterpret_cast<Words2>(units);
+    return words[0] | words[1];
+}
+
+// As many of the characters at the front as begin with a unit from 0x800 on; null at a lone half.
+template <LoneHalf kLoneHalf>
+char* writeLong(const char16_t*& units, const char16_t* end, char* bytes) {
+    for (; units < end && *units >= 0x800; ++units) {
+        char32_t c = *units;
+        if (isSurrogate(c)) [[unlikely]] {
+            if (isHighSurrogate(c) && units + 1 < end && isLowSurrogate(units[1])) {
+                c = codepointOfPair(units[0], units[1]);
+                ++units;
+            } else if (kLoneHalf == LoneHalf::replaced) {
+                c = kReplacementCharacter;
+            } else {
+                return nullptr;
+            }
+        }
+        bytes = writeUTF8(c, bytes);
+    }
+    return bytes;
+}
+
+template <LoneHalf kLoneHalf>
+char* write(std::u16string_view text, char* bytes) {
     const char16_t *units = text.data(), *end = units + text.size();
     while (units < end) {
-        while (end - units >= 8 && hasAsciiWord(units) && hasAsciiWord(units + 4)) {
-            narrowEight(units, bytes);
-            units += 8;
-            bytes += 8;
+        for (; end - units >= 32; units += 32, bytes += 32) {
+            auto all = load<Units8>(units) | load<Units8>(units + 8) | load<Units8>(units + 16) |
+                       load<Units8>(units + 24);
+            if (bitsOf(all) & kBeyondAscii<char16_t>) break;
+            for (int i = 0; i < 32; i += 8) narrowEight(units + i, bytes + i);
         }
-        while (units < end && *units < 0x80) *bytes++ = static_cast<char>(*units++);
-        while (units < end && *units >= 0x80) {
-            char32_t c = *units++;
-            if (c < 0x800) {
-                put(0xC0, c >> 6);
-            } else if ((c & 0xF800) != 0xD800) {
-                put(0xE0, c >> 12);
-                put(0x80, c >> 6 & 0x3F);
-            } else {
-                if (c >= 0xDC00 || units == end || (*units & 0xFC00) != 0xDC00) return false;
-                c = (c << 10) + *units++ - ((0xD800 << 10) + 0xDC00 - 0x10000);
-                put(0xF0, c >> 18);
-                put(0x80, c >> 12 & 0x3F);
-                put(0x80, c >> 6 & 0x3F);
+        if (end - units >= 8) {
+            if (const std::uint64_t bits = bitsOf(load<Units8>(units)); !(bits & kBeyondAscii<char16_t>)) {
+                narrowEight(units, bytes);
+                units += 8;
+                bytes += 8;
+                continue;
+            } else if (!(bits & 0xF800F800F800F800)) {
+                bytes = writeEightShort(units, bytes);
+                units += 8;
+                continue;
             }
-            put(0x80, c & 0x3F);
         }
+        while (units < end && *units < 0x800) bytes = writeUTF8(char32_t{*units++}, bytes);
+        bytes = writeLong<kLoneHalf>(units, end, bytes);
+        if (!bytes) return nullptr;
     }
-    return true;
+    return bytes;
+}
+
+// Through a buffer that stays in the cache, since a string clears what it grows by.
+std::optional<std::string> utf8Of(std::u16string_view units, LoneHalf loneHalf) {
+    constexpr std::size_t kPiece = 1024;
+    char buffer[roomForUTF8(kPiece)];
+    std::string bytes;
+    while (!units.empty()) {
+        std::size_t size = std::min(kPiece, units.size());
+        if (splitsPair(units, size)) --size;
+        const char* end = writeUTF8(units.substr(0, size), buffer, loneHalf);
+        if (!end) return std::nullopt;
+        if (bytes.empty()) {  // the rest will be much like the first piece
+            const auto first = static_cast<std::size_t>(end - buffer);
+            bytes.reserve((first + first / 16) * units.size() / size);
+        }
+        bytes.append(buffer, static_cast<std::size_t>(end - buffer));
+        units.remove_prefix(size);
+    }
+    return bytes;
 }
 
 }  // namespace
 
-std::optional<std::string> utf8FromUnits(std::u16string_view units) {
-    // A lone half would take one byte more than is counted: it is found before that is written.
-    std::string bytes(byteCount(units), '\0');
-    if (!encode(units, bytes.data())) return std::nullopt;
-    return bytes;
+char* writeUTF8(std::u16string_view units, char* bytes, LoneHalf loneHalf) {
+    return loneHalf == LoneHalf::refused ? write<LoneHalf::refused>(units, bytes)
+                                         : write<LoneHalf::replaced>(units, bytes);
 }
 
-std::string utf8FromUnitsMending(std::u16string_view units) {
-    if (auto bytes = utf8FromUnits(units)) return *std::move(bytes);
-    std::string bytes(units.size() * 3, '\0');
-    UErrorCode error = U_ZERO_ERROR;
-    int32_t size = 0;
-    u_strToUTF8WithSub(bytes.data(), static_cast<int32_t>(bytes.size()), &size, units.data(),
-                       static_cast<int32_t>(units.size()), 0xFFFD, nullptr, &error);
-    bytes.resize(static_cast<std::size_t>(size));
-    return bytes;
+std::optional<std::string> utf8FromUnits(std::u16string_view units) {
+    return utf8Of(units, LoneHalf::refused);
 }
+
+std::string utf8FromUnitsMending(std::u16string_view units) { return *utf8Of(units, LoneHalf::replaced); }
 
 }  // namespace pelvor
