@@ -60,7 +60,7 @@ endfunction()
 
 # Code that only tests run is compiled quickly rather than well.
 function(pelvor_unoptimised target)
-    target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O0>)
+    target_compile_options(${target} PRIVATE -O0)
 endfunction()
 
 # Gives a target of ours its warnings; they never reach those who link it. g++ 12 takes the sum of a literal and a
