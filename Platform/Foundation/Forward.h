@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+// The classes of Foundation, for headers that only name them: the floor's table of contents.
+#pragma once
+
+#include "Runtime/Forward.h"
+
+namespace pelvor {
+
+// Strings and text
+class NSCharacterSet;         ///< a set of characters
+class NSConstantString;       ///< a string literal: `u"text"_ns`
+class NSMutableCharacterSet;  ///< a set of characters that can be changed
+class NSMutableString;        ///< a text that can be changed
+class NSPathStore2;           ///< what path operations return
+class NSScanner;              ///< reads numbers and words from a string
+class NSString;               ///< a text in UTF-16
+class StringUnits;            ///< a string's units in one piece
+class TextDecoder;            ///< decodes a text that comes in pieces
+
+// Collections
+class NSArray;              ///< objects in an order
+class NSCountedSet;         ///< objects, each with how often it was added
+class NSDictionary;         ///< objects by key
+class NSEnumerator;         ///< hands out the objects of a collection one by one
+class NSIndexSet;           ///< a set of numbers, kept as ranges
+class NSMutableArray;       ///< an array that can be changed
+class NSMutableDictionary;  ///< a dictionary that can be changed
+class NSMutableIndexSet;    ///< an index set that can be changed
+class NSMutableSet;         ///< a set that can be changed
+class NSSet;                ///< objects, each once
+
+// Values
+class NSData;         ///< bytes
+class NSDate;         ///< a moment
+class NSMutableData;  ///< bytes that can be changed
+class NSNull;         ///< the object that stands for null in collections
+class NSNumber;       ///< a number or truth value
+class NSRangeValue;   ///< a range as an object
+class NSValue;        ///< any C value as an object
+
+// Archives, property lists and settings
+class NSCoder;                      ///< what objects are archived with
+class NSKeyedArchiver;              ///< writes objects as a keyed archive
+class NSKeyedUnarchiver;            ///< reads objects from a keyed archive
+class NSPropertyListError;          ///< why a property list cannot be read or written
+class NSPropertyListSerialization;  ///< property lists to bytes and back
+class NSUserDefaults;               ///< the user's settings
+
+// Notifications, time and threads
+class ClockScope;            ///< a clock that tests move
+class NSConditionLock;       ///< a lock that is taken in a state
+class NSLock;                ///< a lock
+class NSNotification;        ///< what happened, and to whom
+class NSNotificationCenter;  ///< tells observers what happened
+class NSNotificationQueue;   ///< posts notifications later, and once
+class NSRecursiveLock;       ///< a lock that its thread can take again
+class NSRunLoop;             ///< waits for timers, descriptors and performs
+class NSThread;              ///< a thread
+class NSTimer;               ///< a message at a moment, or again and again
+
+// The program
+class LogSinkScope;   ///< catches what is logged while it lives
+class NSBundle;       ///< a folder with code, resources and declarations
+class NSProcessInfo;  ///< the process: arguments, environment, name
+
+}  // namespace pelvor
