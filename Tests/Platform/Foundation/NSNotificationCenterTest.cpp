@@ -114,21 +114,6 @@ TEST_F(NSNotificationCenterTest, APostKeepsItsSenderAliveUntilAllHaveHeard) {
     EXPECT_FALSE(isAlive);
 }
 
-TEST_F(NSNotificationCenterTest, PostsNestDeeply) {
-    int depth = 0;
-    add(ear([&](Ear* self, NSNotification*) {
-            if (++depth < 100) center->postNotificationName_object(u"deeper"_ns, nullptr);
-            center->removeObserver(self);
-            add(self, u"deeper"_ns);
-        }),
-        u"deeper"_ns);
-    add(ear("after"), u"deeper"_ns);
-    // The first call goes 100 deep; on the way back each level still has "after" to call.
-    post(u"deeper"_ns);
-    EXPECT_EQ(heard.size(), 100u);
-    EXPECT_EQ(depth, 100);
-}
-
 TEST_F(NSNotificationCenterTest, AnObserverMayEndTheCentreAndTheOthersAreStillCalled) {
     add(ear([&](Ear*, NSNotification*) { center = nullptr; }), u"opened"_ns);
     add(ear("after"), u"opened"_ns);
