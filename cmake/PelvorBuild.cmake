@@ -46,16 +46,18 @@ endif()
 
 # Has all sources of a target start with a header that is compiled once: `header` is named as between the angle
 # brackets of an #include, since a path would keep clones from sharing the compiler cache, or it is a target that
-# precompiles the header with the same options.
+# precompiles the header with the same options. With gcc only: the cache does not share what clang precompiles, nor
+# what is compiled with it.
 function(pelvor_precompile target header)
+    if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        return()
+    endif()
     if(TARGET ${header})
         target_precompile_headers(${target} REUSE_FROM ${header})
     else()
         target_precompile_headers(${target} PRIVATE "<${header}>")
     endif()
-    target_compile_options(${target} PRIVATE
-        $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>
-        "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
+    target_compile_options(${target} PRIVATE -fpch-preprocess)
 endfunction()
 
 # Code that only tests run is compiled quickly rather than well.
