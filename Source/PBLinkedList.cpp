@@ -7,6 +7,7 @@
 #include "Foundation/NSMutableString.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
+#include "Shared/RowMemory.h"
 
 namespace pelvor {
 
@@ -42,6 +43,10 @@ Retained<PBLinkedListNode> PBLinkedListNode::initWithObject(id object, Class* cl
     node->object.set(object);
     return node;
 }
+
+void* PBLinkedListNode::operator new(std::size_t) { return RowMemory<PBLinkedListNode>::allocate(); }
+
+void PBLinkedListNode::operator delete(void* node) noexcept { RowMemory<PBLinkedListNode>::free(node); }
 
 // MARK: The list
 

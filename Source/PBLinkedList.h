@@ -22,6 +22,11 @@ class PELVOR_EXPORT PBLinkedListNode final : public NSObject {
   protected:
     PBLinkedListNode() = default;
     ~PBLinkedListNode() = default;
+
+  private:
+    // Nodes that a thread makes one after the other stand one after the other in memory.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* memory) noexcept;
 };
 
 /// A list of objects, which it retains. It is a stack (`push`, `pop`), a queue (`enqueueObject`,

@@ -12,6 +12,7 @@
 #include "PBObjectPool.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
+#include "Shared/RowMemory.h"
 
 namespace pelvor {
 namespace {
@@ -118,6 +119,31 @@ NSString* PBWeakReference::description() {
 }
 
 Retained<Object> PBWeakReference::copyWithZone(void*) { return Retained<Object>::retaining(this); }
+
+// MARK: Memory
+
+namespace {
+
+// Stands in front of each reference, and tells those in rows from larger ones, of a subclass, on the heap.
+enum class Place : std::uint64_t { row, heap };
+using Rows = RowMemory<PBWeakReference, sizeof(Place) + sizeof(PBWeakReference)>;
+
+}  // namespace
+
+void* PBWeakReference::operator new(std::size_t size) {
+    bool isInRow = size == sizeof(PBWeakReference);
+    auto* place = static_cast<Place*>(isInRow ? Rows::allocate() : ::operator new(sizeof(Place) + size));
+    *place = isInRow ? Place::row : Place::heap;
+    return place + 1;
+}
+
+void PBWeakReference::operator delete(void* memory) noexcept {
+    auto* place = static_cast<Place*>(memory) - 1;
+    if (*place == Place::row)
+        Rows::free(place);
+    else
+        ::operator delete(place);
+}
 
 // MARK: Look-ups
 

@@ -61,6 +61,10 @@ class PELVOR_EXPORT PBWeakReference : public NSObject {
     bool recycle() noexcept override;
 
   private:
+    // References that a thread makes one after the other stand one after the other in memory.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* memory) noexcept;
+
     static Retained<Object> allocate(Class* cls);
 
     Unretained<Object> _weakObj = nullptr;

@@ -79,6 +79,20 @@ TEST_F(PBLinkedListTest, AnEnumeratorRemovesWhatItReturned) {
     }
 }
 
+TEST_F(PBLinkedListTest, NodesMadeOnOneThreadMayGoOnAnother) {
+    Retained<PBLinkedList> lists[4];
+    onThreads(4, [&](int number) {
+        lists[number] = PBLinkedList::init();
+        for (int i = 0; i < 3000; ++i) lists[number]->push(u"a"_ns);
+    });
+    onThreads(4, [&](int number) {
+        Retained<PBLinkedList> taken = std::move(lists[(number + 1) % 4]);
+        taken->removeObjectsInRange({500, 1500});
+        for (int i = 0; i < 1000; ++i) taken->push(u"b"_ns);
+        EXPECT_EQ(taken->count(), 2500u);
+    });
+}
+
 // The list is a, an object, b and c; the object's end changes the list.
 TEST_F(PBLinkedListTest, WhatIsRemovedMayChangeTheListWhenItEnds) {
     struct Row {
