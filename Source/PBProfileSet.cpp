@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBProfileSet.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "BaseLibrary.h"
@@ -99,22 +100,21 @@ PBProfile* PBProfileSet::profileWithIdentifier(id identifier) {
     return _profiles ? cast<PBProfile>(_profiles->objectForKey(identifier)) : nullptr;
 }
 
-// The members are asked in reverse. What a member does when it is asked may change the set, so their arrays
-// hold them.
+// Raises if a profile that is asked for its entry changes the set.
 template <class Filter>
 NSDictionary* PBProfileSet::filtered(id key, Filter passes) {
     update();
-    if (!_profiles) return NSDictionary::dictionary();
-    NSArray *identifiers = _profiles->allKeys(), *profiles = _profiles->allValues();
-    std::vector<Object*> passing, passingIdentifiers;
-    for (NSUInteger i = identifiers->count(); i-- > 0;) {
-        id profile = profiles->objectAtIndex(i);
+    auto members = _profiles;
+    std::vector<Object*> identifiers, profiles;
+    for (auto [identifier, profile] : members.get()) {
         if (!passes(_PBValueForKeyInProfile(cast<PBProfile>(profile), key))) continue;
-        passing.push_back(profile);
-        passingIdentifiers.push_back(identifiers->objectAtIndex(i));
+        identifiers.push_back(identifier);
+        profiles.push_back(profile);
     }
-    return NSDictionary::dictionaryWithObjects_forKeys_count(passing.data(), passingIdentifiers.data(),
-                                                             static_cast<NSUInteger>(passing.size()));
+    std::reverse(identifiers.begin(), identifiers.end());
+    std::reverse(profiles.begin(), profiles.end());
+    return NSDictionary::dictionaryWithObjects_forKeys_count(profiles.data(), identifiers.data(),
+                                                             static_cast<NSUInteger>(profiles.size()));
 }
 
 NSDictionary* PBProfileSet::profileDictionaryWithKey(id key) {

@@ -21,7 +21,9 @@ class NSArray;
 /// entry "*", alone or in an array, matches every value. The value "*" matches every profile, also one
 /// without the key.
 ///
-/// A set retains its parent and its profiles. The order of the profiles means nothing. Main thread.
+/// A profile of a subclass that changes the registry while it is asked for an entry raises
+/// NSGenericException. A set retains its parent and its profiles. The order of the profiles means nothing.
+/// Main thread.
 class PELVOR_EXPORT PBProfileSet : public NSObject {
     PELVOR_CLASS(PBProfileSet, NSObject);
     PELVOR_CREATORS(init, initWithParent_value_key_any_version_profiles);

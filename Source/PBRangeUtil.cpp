@@ -112,7 +112,10 @@ bool merge(NSRange& current, NSRange next, Empties empties) {
 
 NSArray* normalizedList(Ranges ranges, Empties empties) {
     auto isBefore = [](NSRange a, NSRange b) { return a.location < b.location; };
-    if (!std::is_sorted(ranges.begin(), ranges.end(), isBefore))
+    auto unsorted = std::is_sorted_until(ranges.begin(), ranges.end(), isBefore);
+    if (ranges.end() - unsorted == 1)  // a range was added to a list in order
+        std::rotate(std::upper_bound(ranges.begin(), unsorted, *unsorted, isBefore), unsorted, ranges.end());
+    else if (unsorted != ranges.end())
         std::sort(ranges.begin(), ranges.end(), isBefore);
     auto last = ranges.begin();  // the results stand over ranges that have been read
     for (auto next = last + 1; next != ranges.end(); ++next)
