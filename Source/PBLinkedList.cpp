@@ -7,6 +7,7 @@
 #include "Foundation/NSMutableString.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
+#include "Shared/ArgumentChecks.h"
 #include "Shared/RowMemory.h"
 
 namespace pelvor {
@@ -81,12 +82,12 @@ id PBLinkedList::dequeueObject() { return pop(); }
 
 id PBLinkedList::objectAtIndex(NSUInteger index) {
     PBLinkedListNode* node = nodeAtIndex_prevNode(index, nullptr);
-    if (!node) raiseException(NSRangeException, u"index (%d) beyond bounds (%d)"_ns, index, _count);
+    if (!node) raiseIndexBeyondBounds(index, _count);
     return node->object;
 }
 
 PBLinkedListNode* PBLinkedList::nodeAtIndex_prevNode(NSUInteger index, PBLinkedListNode** previous) {
-    if (index > _count) raiseException(NSRangeException, u"index (%d) beyond bounds (%d)"_ns, index, _count);
+    if (index > _count) raiseIndexBeyondBounds(index, _count);
     PBLinkedListNode* before = nullptr;
     PBLinkedListNode* node = _head;
     for (NSUInteger i = 0; i < index; ++i) before = std::exchange(node, node->next);
