@@ -15,38 +15,41 @@ constinit Library fileLibrary{"FileScanner", kNeeded, kClasses, {}};
 
 PELVOR_DEFINE_CLASS(FileScanner, fileLibrary) {}
 
-Retained<FileScanner> FileScanner::of(std::FILE* file, std::size_t stepSize) {
-    auto scanner = make<FileScanner>();
+Retained<FileScanner> FileScanner::of(std::FILE* file, std::size_t stepSize, Class* cls) {
+    auto scanner = cast<FileScanner>(OFCharacterScanner::init(cls));
     scanner->_file = file;
-    scanner->_bytes.resize(stepSize);
+    scanner->_stepSize = stepSize;
     scanner->_steps.push_back({0, 0, OFInitialStateForEncoding(kCFStringEncodingUTF8)});
     return scanner;
 }
 
 bool FileScanner::fetchMoreData() {
-    NSUInteger place = scanLocation();
-    std::size_t step = _steps.size() - 1;
-    while (_steps[step].location > place) --step;
-    for (;; ++step) {
-        if (!decodeStep(step)) return false;
-        if (_steps[step + 1].location > place) break;
+    const NSUInteger place = scanLocation();
+    std::size_t index = _steps.size() - 1;
+    while (_steps[index].location > place) --index;
+    for (;; ++index) {
+        std::u16string units = readStep(index);
+        if (index + 1 == _steps.size()) return false;  // the file has ended
+        // A step that ends at the place, or inside a character, brings nothing.
+        if (_steps[index + 1].location <= place) continue;
+        _units.swap(units);
+        return fetchMoreDataFromCharacters_length_offset_freeWhenDone(
+            _units.data(), static_cast<NSUInteger>(_units.size()), _steps[index].location, false);
     }
-    return fetchMoreDataFromCharacters_length_offset_freeWhenDone(
-        _units.data(), static_cast<NSUInteger>(_units.size()), _steps[step].location, false);
 }
 
-bool FileScanner::decodeStep(std::size_t index) {
-    Step step = _steps[index];
+std::u16string FileScanner::readStep(std::size_t index) {
+    const Step step = _steps[index];
+    std::vector<unsigned char> bytes(_stepSize);
     std::fseek(_file, step.byteOffset, SEEK_SET);
-    auto count = static_cast<NSUInteger>(std::fread(_bytes.data(), 1, _bytes.size(), _file));
-    if (!count) return false;
-    _units.resize(count + 2);
-    auto result = OFScanCharactersIntoBuffer(step.state, _bytes.data(), count, _units.data(), count + 2);
-    _units.resize(result.charactersProduced);
-    if (index + 1 == _steps.size())
+    auto count = static_cast<NSUInteger>(std::fread(bytes.data(), 1, bytes.size(), _file));
+    std::u16string units(count + 2, u'\0');  // room for two more, and no character is lost
+    auto result = OFScanCharactersIntoBuffer(step.state, bytes.data(), count, units.data(), count + 2);
+    units.resize(result.charactersProduced);
+    if (count > 0 && index + 1 == _steps.size())
         _steps.push_back({step.location + result.charactersProduced,
-                          step.byteOffset + static_cast<long>(result.bytesConsumed), result.state});
-    return true;
+                          step.byteOffset + static_cast<long>(count), result.state});
+    return units;
 }
 
 }  // namespace pelvor

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// FileScanner: reads a UTF-8 file of any length by a scanner that keeps no more of it than one step.
+// FileScanner: reads a UTF-8 file of any length through a scanner that holds one step of it at a time.
 #pragma once
 
 #include <cstdio>
@@ -11,19 +11,23 @@
 
 namespace pelvor {
 
-/// Reads the file in steps of so many bytes. It remembers where each step began, and so finds any place again
-/// that somebody goes back to.
+/// A scanner subclass overrides two operations: `fetchMoreData`, which brings the units from the scan
+/// location on, and `_rewindCharacterSource`, which it leaves as it is if its source cannot go back. This one
+/// goes back to any place, since it remembers where each of its steps began:
+///
+///     auto scanner = FileScanner::of(file, 4096);
+///     while (NSString* name = scanner->readFullTokenWithDelimiterCharacter(u':')) …
 class FileScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreators {
     PELVOR_CLASS(FileScanner, OFCharacterScanner);
     PELVOR_CREATORS(of);
 
   public:
-    /// The file stays open while the scanner lives; nobody else moves in it.
-    static Retained<FileScanner> of(std::FILE* file, std::size_t stepSize);
+    /// Reads the file from its start, in steps of `stepSize` bytes. The file stays open, and nobody else
+    /// moves in it, as long as the scanner lives. A file that cannot be read ends there.
+    static Retained<FileScanner> of(std::FILE* file, std::size_t stepSize, Class* cls = classObject());
 
-    /// Decodes the step in which the place lies that the scanner is at.
     bool fetchMoreData() override;
-    /// Nothing to be done: the next fetch goes wherever the place is.
+    /// Does nothing: the next fetch goes to the scan location, wherever that is.
     void _rewindCharacterSource() override {}
 
   protected:
@@ -32,17 +36,18 @@ class FileScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreator
 
   private:
     struct Step {
-        NSUInteger location;         // of its first unit
+        NSUInteger location;         // of the step's first unit
         long byteOffset;             // of its first byte, which may stand inside a character
-        OFStringDecoderState state;  // what came before of that character
+        OFStringDecoderState state;  // what came of that character before
     };
 
-    bool decodeStep(std::size_t index);
+    // The units of a step; notes where the next one begins, unless the file has ended.
+    std::u16string readStep(std::size_t index);
 
     std::FILE* _file = nullptr;
-    std::vector<unsigned char> _bytes;
-    std::u16string _units;  // of the step that was decoded last
-    std::vector<Step> _steps;
+    std::size_t _stepSize = 0;
+    std::u16string _units;     // the scanner's buffer
+    std::vector<Step> _steps;  // those that have been read, and where the next one begins
 };
 
 }  // namespace pelvor

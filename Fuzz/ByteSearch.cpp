@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "NSData-PelvorAdditions.h"
-#include "Private/ByteSearch.h"
 #include "Require.h"
 #include "Runtime/AutoreleasePool.h"
 
@@ -37,10 +36,6 @@ void run(const std::uint8_t* data, std::size_t size) {
     NSData* searched = NSData::dataWithBytes_length(bytes.data(), static_cast<NSUInteger>(bytes.size()));
     require(rangeOfBytes_length_range(searched, pattern.data(), patternLength, range) == expected,
             "found elsewhere");
-    std::size_t plain =
-        findBytes(std::span(bytes).subspan(range.location, range.length), pattern, WideInstructions::absent);
-    require(plain == (place == last ? kNoPlace : static_cast<std::size_t>(place - first)),
-            "found elsewhere by plain instructions");
 }
 
 }  // namespace

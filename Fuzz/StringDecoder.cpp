@@ -4,11 +4,12 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "Scanning/OFStringDecoder.h"
-#include "Scanning/Private/WideInstructions.h"
+#include "Shared/WideInstructions.h"
 
 namespace pelvor {
 namespace {
@@ -125,7 +126,8 @@ void run(const std::vector<unsigned char>& cuts, const std::vector<unsigned char
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2) return 0;
-    pelvor::useInstructions(static_cast<pelvor::Instructions>((data[0] >> 6) % 3));
+    std::optional<pelvor::PlainInstructionsScope> plain;
+    if (data[0] & 0x40) plain.emplace();
     std::size_t cutCount = std::min<std::size_t>(data[1] % 8u, size - 2);
     std::vector<unsigned char> cuts(data + 2, data + 2 + cutCount), bytes(data + 2 + cutCount, data + size);
     pelvor::run(cuts, bytes, pelvor::kEncodings[data[0] % 8]);

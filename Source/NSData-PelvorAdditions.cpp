@@ -3,15 +3,17 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <memory>
 
 #include "Foundation/NSMutableData.h"
 #include "Private/Base64Text.h"
-#include "Private/ByteSearch.h"
 #include "Private/HexText.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
+#include "Shared/SequenceSearch.h"
 
 namespace pelvor {
 namespace {
@@ -41,20 +43,16 @@ std::span<const Byte> bytesOf(NSData* data) {
 
 NSUInteger requireLength(std::uint64_t length) {
     if (length > std::numeric_limits<NSUInteger>::max())
-        throw NSException(NSMallocException, "the text would be too long");
+        throw NSException(NSMallocException, "the text of the data would be too long");
     return static_cast<NSUInteger>(length);
 }
 
-void requireString(NSString* string, const char* operation) {
-    if (!string) throw NSException(NSInvalidArgumentException, std::string(operation) + " none given");
-}
-
-// Memory made by `malloc`, which an object takes over. Raises NSMallocException if there is none.
+// Memory from `malloc` that an object takes over. Raises NSMallocException if memory has run out.
 template <class Unit>
 struct Block {
     explicit Block(std::size_t count)
         : size(count), units(static_cast<Unit*>(std::malloc(count * sizeof(Unit) + 1)), &std::free) {
-        if (!units) throw NSException(NSMallocException, "no room for the text or the data");
+        if (!units) throw NSException(NSMallocException, "no memory for the text or the data");
     }
     std::size_t size;
     std::unique_ptr<Unit, decltype(&std::free)> units;
@@ -104,14 +102,20 @@ NSData* base64DataWithLineLength(NSData* data, NSUInteger lineLength) {
     std::size_t lineFeeds = lineLength ? size / 4 / groupsALine : 0;
     requireLength(size + lineFeeds);
     Block<Byte> text(size + lineFeeds);
-    Byte* end = text.units.get();
+    // The text stands behind the room for the line feeds, and moves to the front line by line.
+    Byte *end = text.units.get(), *from = end + lineFeeds;
+    writeBase64(bytes, from);
+    auto move = [&](std::size_t count) {
+        std::memmove(end, from, count);
+        end += count;
+        from += count;
+    };
     for (; lineFeeds > 0; --lineFeeds) {
-        auto line = bytes.first(std::min(groupsALine * 3, bytes.size()));
-        bytes = bytes.subspan(line.size());
-        end = writeBase64(line, end);
+        move(groupsALine * 4);
+        size -= groupsALine * 4;
         *end++ = '\n';
     }
-    end = writeBase64(bytes, end);
+    move(size);
     return dataOf(text, end).autorelease();
 }
 
@@ -122,7 +126,7 @@ NSString* base64String(NSData* data) {
 }
 
 Retained<NSData> NSData_PelvorAdditions::initWithBase64String(NSString* string, Class* cls) {
-    requireString(string, "initWithBase64String:");
+    requireArgument(string, "initWithBase64String:", "the string");
     StringUnits units(string);
     std::u16string_view text = units;
     Block<Byte> bytes(Base64Reader::roomFor(text.size()));
@@ -133,14 +137,14 @@ Retained<NSData> NSData_PelvorAdditions::initWithBase64String(NSString* string, 
 }
 
 NSData* NSData_PelvorAdditions::dataWithBase64String(NSString* string, Class* cls) {
+    requireArgument(string, "dataWithBase64String:", "the string");
     return initWithBase64String(string, cls).autorelease();
 }
 
 // MARK: Hexadecimal
 
 NSString* _lowercaseHexStringWithPrefix_length(NSData* data, const unichar* prefix, NSUInteger prefixLength) {
-    if (!prefix && prefixLength)
-        throw NSException(NSInvalidArgumentException, "a length was given without a prefix");
+    requireMemory(prefix, prefixLength, "_lowercaseHexStringWithPrefix:length:", "the prefix");
     auto bytes = bytesOf(data);
     return writtenString(requireLength(bytes.size() * 2 + prefixLength),
                          [=](unichar* units) { writeHex(bytes, std::copy_n(prefix, prefixLength, units)); });
@@ -153,7 +157,7 @@ NSString* unadornedLowercaseHexString(NSData* data) {
 }
 
 Retained<NSData> NSData_PelvorAdditions::initWithHexString(NSString* string, Class* cls) {
-    requireString(string, "initWithHexString:");
+    requireArgument(string, "initWithHexString:", "the string");
     StringUnits units(string);
     std::u16string_view text = withoutHexPrefix(units);
     std::size_t size = (text.size() + 1) / 2, lone = text.size() % 2;
@@ -165,29 +169,30 @@ Retained<NSData> NSData_PelvorAdditions::initWithHexString(NSString* string, Cla
 }
 
 NSData* NSData_PelvorAdditions::dataWithHexString(NSString* string, Class* cls) {
+    requireArgument(string, "dataWithHexString:", "the string");
     return initWithHexString(string, cls).autorelease();
 }
 
 // MARK: Search
 
 NSRange rangeOfBytes_length_range(NSData* data, const void* bytes, NSUInteger length, NSRange range) {
-    if (!isRangeInside(range, data->length()))
-        raiseException(NSRangeException, u"range {%u, %u} beyond bounds (%u)"_ns, range.location,
-                       range.length, data->length());
-    if (!bytes && length) throw NSException(NSInvalidArgumentException, "a length was given without bytes");
-    std::size_t place = findBytes(bytesOf(data).subspan(range.location, range.length),
-                                  {static_cast<const Byte*>(bytes), length});
+    requireRange(range, data->length(), "rangeOfBytes:length:range:");
+    requireMemory(bytes, length, "rangeOfBytes:length:range:", "the bytes");
+    std::size_t place = findSequence<Byte>(bytesOf(data).subspan(range.location, range.length),
+                                           {static_cast<const Byte*>(bytes), length});
     if (place == kNoPlace) return {NSNotFound, 0};
     return {range.location + static_cast<NSUInteger>(place), length};
 }
 
 NSRange rangeOfBytes_length(NSData* data, const void* bytes, NSUInteger length) {
+    requireMemory(bytes, length, "rangeOfBytes:length:", "the bytes");
     return rangeOfBytes_length_range(data, bytes, length, {0, data->length()});
 }
 
 NSRange rangeOfData_range(NSData* data, NSData* pattern, NSRange range) {
-    return rangeOfBytes_length_range(data, pattern ? pattern->bytes() : nullptr,
-                                     pattern ? pattern->length() : 0, range);
+    requireRange(range, data->length(), "rangeOfData:range:");
+    return pattern ? rangeOfBytes_length_range(data, pattern->bytes(), pattern->length(), range)
+                   : NSRange{NSNotFound, 0};
 }
 
 NSRange rangeOfData(NSData* data, NSData* pattern) {

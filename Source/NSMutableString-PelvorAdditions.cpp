@@ -9,6 +9,7 @@
 #include "Private/UnitFinding.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {
@@ -23,11 +24,6 @@ void defineAdditions(MethodTable<NSMutableString>& methods) {
         .instance<"replaceAllOccurrencesOfString:withString:", &replaceAllOccurrencesOfString_withString>();
     methods.instance<"replaceAllOccurrencesOfCharactersInSet:withString:",
                      &replaceAllOccurrencesOfCharactersInSet_withString>();
-}
-
-void requireText(NSString* string, const char* operation) {
-    if (!string)
-        raiseException(NSInvalidArgumentException, u"%s none where a string is needed"_ns, operation);
 }
 
 // Whether nobody but the string itself can tell one large change from many small ones.
@@ -103,18 +99,17 @@ void appendCharacter(NSMutableString* string, unichar character) {
 }
 
 void replaceAllLineEndingsWithString(NSMutableString* string, NSString* ending) {
-    requireText(ending, "replaceAllLineEndingsWithString:");
+    requireArgument(ending, "replaceAllLineEndingsWithString:", "the line ending");
     const std::u16string wanted = ending->toUTF16();
     unichar lineFeed = wanted == u"\n" ? u'\r' : u'\n';  // those that are there may stay then
     replaceAll(string, wanted, [lineFeed](Units text, std::size_t from) -> UnitMatch {
-        const unichar *begin = text.data(), *end = begin + text.size();
-        const unichar* found = findEither(begin + from, end, u'\r', lineFeed);
-        bool isPair = end - found > 1 && found[0] == u'\r' && found[1] == u'\n';
-        return {static_cast<std::size_t>(found - begin), found == end ? 0u : isPair ? 2u : 1u};
+        std::size_t place = from + findEither(text.substr(from), u'\r', lineFeed);
+        return {place, place == text.size() ? 0u : text.substr(place, 2) == u"\r\n" ? 2u : 1u};
     });
 }
 
 void removeCharactersInSet(NSMutableString* string, NSCharacterSet* set) {
+    requireArgument(set, "removeCharactersInSet:", "the set");
     MemberFinder finder(set);
     if (isPlain(string) && finder.hasPlainUnitsOnly()) return removePlainUnits(string, finder);
     replaceAll(string, {}, [&](Units text, std::size_t from) { return finder.find(text, from); });
@@ -122,13 +117,18 @@ void removeCharactersInSet(NSMutableString* string, NSCharacterSet* set) {
 
 bool replaceAllOccurrencesOfString_withString(NSMutableString* string, NSString* target,
                                               NSString* replacement) {
+    constexpr char kOperation[] = "replaceAllOccurrencesOfString:withString:";
+    requireArgument(target, kOperation, "the target");
+    requireArgument(replacement, kOperation, "the replacement");
     return string->replaceOccurrencesOfString_withString_options_range(target, replacement, NSLiteralSearch,
                                                                        {0, string->length()}) > 0;
 }
 
 void replaceAllOccurrencesOfCharactersInSet_withString(NSMutableString* string, NSCharacterSet* set,
                                                        NSString* replacement) {
-    requireText(replacement, "replaceAllOccurrencesOfCharactersInSet:withString:");
+    constexpr char kOperation[] = "replaceAllOccurrencesOfCharactersInSet:withString:";
+    requireArgument(set, kOperation, "the set");
+    requireArgument(replacement, kOperation, "the replacement");
     MemberFinder finder(set);
     const std::u16string wanted = replacement->toUTF16();
     replaceAll(string, wanted, [&](Units text, std::size_t from) { return finder.find(text, from); });

@@ -1,5 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// Changes to a whole text: line endings, and replacing or removing all of something.
+// Changes to a whole text: its line endings, and all occurrences of something.
+//
+//     replaceAllLineEndingsWithString(text, u"\n"_ns);  // CR LF and CR become LF
+//     removeCharactersInSet(text, NSCharacterSet_PelvorAdditions::gremlinCharacterSet());
+//
+// A null argument raises NSInvalidArgumentException. A platform string is rebuilt in one change; strings of
+// other classes see one change for each place that changes, from the front to the back.
 #pragma once
 
 #include "Foundation/NSMutableString.h"
@@ -9,15 +15,12 @@ namespace pelvor {
 class NSCharacterSet;
 struct Category;
 
-// A platform string is rebuilt in one change; other classes see a change for each place that changes, from
-// the front to the back.
-
 PELVOR_EXPORT void appendCharacter(NSMutableString* string, unichar character);
-/// Makes each CR LF, CR and LF the ending.
+/// Replaces each CR LF, CR and LF by the ending.
 PELVOR_EXPORT void replaceAllLineEndingsWithString(NSMutableString* string, NSString* ending);
 PELVOR_EXPORT void removeCharactersInSet(NSMutableString* string, NSCharacterSet* set);
-/// Finds the target unit by unit, from the front, an empty one nowhere. Whether anything was replaced; always
-/// one change.
+/// Replaces each occurrence of the target, compared unit by unit from the front; an empty target occurs
+/// nowhere. Returns whether anything was replaced. Strings of every class see one change.
 PELVOR_EXPORT bool replaceAllOccurrencesOfString_withString(NSMutableString* string, NSString* target,
                                                             NSString* replacement);
 PELVOR_EXPORT void replaceAllOccurrencesOfCharactersInSet_withString(NSMutableString* string,

@@ -18,9 +18,9 @@ bool mayBeInNumber(unichar unit) {
 
 // What a number at the index, with white space before it, can reach over: a scanner copies no more of the
 // text.
-NSString* numberText(NSString* string, NSUInteger index) {
+NSString* numberText(NSString* string, NSUInteger index, const char* operation) {
     UnitReader units(string);
-    requireRange({index, 0}, units.size());
+    requireRange({index, 0}, units.size(), operation);
     NSCharacterSet* space = NSCharacterSet::whitespaceAndNewlineCharacterSet();
     NSUInteger end = index;
     while (end < units.size() && space->characterIsMember(units[end])) ++end;
@@ -28,14 +28,14 @@ NSString* numberText(NSString* string, NSUInteger index) {
     return string->substringWithRange({index, end - index});
 }
 
-// What `scan` reads at the index, or the value for nothing.
+// The number that `scan` reads at the index; its value as it was if there is no number.
 template <class Scan>
-std::int32_t valueAtIndex(NSString* string, NSUInteger index, NSRange* effectiveRange, std::int32_t none,
+std::int32_t valueAtIndex(NSString* string, NSUInteger index, NSRange* effectiveRange, const char* operation,
                           Scan scan) {
-    auto scanner = NSScanner::initWithString(numberText(string, index));
+    auto scanner = NSScanner::initWithString(numberText(string, index, operation));
     bool isThere = scan(scanner.get());
     if (effectiveRange) *effectiveRange = {index, isThere ? scanner->scanLocation() : 0};
-    return isThere ? scan.value : none;
+    return scan.value;
 }
 
 struct ScanDecimal {
@@ -46,21 +46,22 @@ struct ScanDecimal {
 struct ScanHexadecimal {
     bool operator()(NSScanner* scanner) {
         unsigned number = 0;
-        bool isThere = scanner->scanHexInt(&number);
+        if (!scanner->scanHexInt(&number)) return false;
         value = static_cast<std::int32_t>(number);
-        return isThere;
+        return true;
     }
-    std::int32_t value = 0;
+    std::int32_t value = 0x3F;
 };
 
 }  // namespace
 
 std::int32_t intValueAtIndex_effectiveRange(NSString* string, NSUInteger index, NSRange* effectiveRange) {
-    return valueAtIndex(string, index, effectiveRange, 0, ScanDecimal());
+    return valueAtIndex(string, index, effectiveRange, "intValueAtIndex:effectiveRange:", ScanDecimal());
 }
 
 std::int32_t hexIntValueAtIndex_effectiveRange(NSString* string, NSUInteger index, NSRange* effectiveRange) {
-    return valueAtIndex(string, index, effectiveRange, 0x3F, ScanHexadecimal());
+    return valueAtIndex(string, index, effectiveRange,
+                        "hexIntValueAtIndex:effectiveRange:", ScanHexadecimal());
 }
 
 std::int32_t hexIntValue(NSString* string) { return hexIntValueAtIndex_effectiveRange(string, 0, nullptr); }

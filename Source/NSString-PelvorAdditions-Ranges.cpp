@@ -27,6 +27,7 @@ NSCharacterSet* nonwhitespace() {
 
 NSUInteger locationOfCharacterFromSet_options_location(NSString* string, NSCharacterSet* set,
                                                        NSStringCompareOptions options, NSUInteger location) {
+    requireArgument(set, "locationOfCharacterFromSet:options:location:", "the set");
     NSUInteger count = string->length();
     bool isBackwards = options & NSBackwardsSearch;
     NSUInteger place = std::min(location, count);
@@ -37,6 +38,7 @@ NSUInteger locationOfCharacterFromSet_options_location(NSString* string, NSChara
 }
 
 NSRange nonwhitespaceRangeForRange(NSString* string, NSRange range) {
+    requireRange(range, string->length(), "nonwhitespaceRangeForRange:");
     NSRange first = string->rangeOfCharacterFromSet_options_range(nonwhitespace(), kForwards, range);
     if (first.location == NSNotFound) return {range.location, 0};
     NSRange last = string->rangeOfCharacterFromSet_options_range(nonwhitespace(), kBackwards, range);
@@ -107,7 +109,7 @@ NSRange PBRangeOfComposedCharacterSequenceAtIndex(NSString* string, NSUInteger i
 
 NSRange rangeOfComposedCharactersForRange(NSString* string, NSRange range) {
     if (range.length == 0) return range;
-    requireRange(range, string->length());
+    requireRange(range, string->length(), "rangeOfComposedCharactersForRange:");
     NSUInteger start = PBRangeOfComposedCharacterSequenceAtIndex(string, range.location).location;
     NSRange last = PBRangeOfComposedCharacterSequenceAtIndex(string, NSMaxRange(range) - 1);
     return {start, NSMaxRange(last) - start};

@@ -125,7 +125,7 @@ class WordText {
 NSRange wordRangeForRange_includePreviousWord(NSString* string, NSRange range, bool includePreviousWord) {
     WordText text(string);
     NSUInteger count = text.size();
-    requireRange(range, count);
+    requireRange(range, count, "wordRangeForRange:includePreviousWord:");
     if (count == 0) return {0, 0};
     NSUInteger first = range.location == count ? count - 1 : range.location;
     NSUInteger last = range.length ? NSMaxRange(range) - 1 : range.location;
@@ -137,6 +137,7 @@ NSRange wordRangeForRange_includePreviousWord(NSString* string, NSRange range, b
 }
 
 NSRange rangeOfTrimmedWordForRange(NSString* string, NSRange range) {
+    requireRange(range, string->length(), "rangeOfTrimmedWordForRange:");
     NSCharacterSet* members = NSCharacterSet::alphanumericCharacterSet();
     NSRange first = string->rangeOfCharacterFromSet_options_range(members, NSLiteralSearch, range);
     if (first.location == NSNotFound) return first;

@@ -62,7 +62,7 @@ void defineAdditions(MethodTable<NSString>& methods) {
     methods.instance<"countCodepointsInRange:", &countCodepointsInRange>();
 }
 
-// A class operation of a mutable class answers a mutable string.
+// A class operation of a mutable class returns a mutable string.
 Retained<NSString> ofClass(Retained<NSString> string, Class* cls) {
     if (string && cls->isSubclassOfClass(NSMutableString::classObject())) return string->mutableCopy();
     return string;
@@ -79,12 +79,13 @@ NSString* NSString_PelvorAdditions::stringWithCodepoint(std::uint32_t codepoint)
 
 NSString* NSString_PelvorAdditions::stringWithCodepoints_count(const std::uint32_t* codepoints,
                                                                NSUInteger count) {
+    requireMemory(codepoints, count, "stringWithCodepoints:count:", "the code points");
     return initWithCodepoints_count(codepoints, count).autorelease();
 }
 
 Retained<NSString> NSString_PelvorAdditions::initWithCodepoints_count(const std::uint32_t* codepoints,
                                                                       NSUInteger count, Class* cls) {
-    requireElements(codepoints, count, "code points");
+    requireMemory(codepoints, count, "initWithCodepoints:count:", "the code points");
     std::unique_ptr<unichar, decltype(&std::free)> units(
         static_cast<unichar*>(std::malloc((std::size_t{count} * 2 + 1) * sizeof(unichar))), &std::free);
     if (!units) return nullptr;
@@ -99,6 +100,7 @@ Retained<NSString> NSString_PelvorAdditions::initWithCodepoints_count(const std:
 
 NSString* NSString_PelvorAdditions::stringWithData_encoding(NSData* data, NSStringEncoding encoding,
                                                             Class* cls) {
+    requireArgument(data, "stringWithData:encoding:", "the data");
     return ofClass(NSString::initWithData_encoding(data, encoding), cls).autorelease();
 }
 
@@ -108,6 +110,7 @@ NSString* NSString_PelvorAdditions::stringWithCharacter(unichar character, Class
 
 NSUInteger getCodepoints_range(NSString* string, std::uint32_t* codepoints, NSRange range) {
     if (auto* wide = cast<PBUnichar32String>(string)) return wide->getCodepoints_range(codepoints, range);
+    requireRange(range, string->length(), "getCodepoints:range:");
     StringUnits units(string, range);
     NSUInteger count = 0;
     for (NSUInteger i = 0; i < units.size(); ++i, ++count) {
@@ -128,12 +131,18 @@ bool containsString(NSString* string, NSString* other) {
 
 NSString* stringByReplacingAllOccurrencesOfString_withString(NSString* string, NSString* target,
                                                              NSString* replacement) {
+    constexpr char kOperation[] = "stringByReplacingAllOccurrencesOfString:withString:";
+    requireArgument(target, kOperation, "the target");
+    requireArgument(replacement, kOperation, "the replacement");
     if (string->rangeOfString(target).location == NSNotFound) return string;
     return string->stringByReplacingOccurrencesOfString_withString(target, replacement);
 }
 
 NSString* stringByReplacingAllOccurrencesOfCharactersInSet_withString(NSString* string, NSCharacterSet* set,
                                                                       NSString* replacement) {
+    constexpr char kOperation[] = "stringByReplacingAllOccurrencesOfCharactersInSet:withString:";
+    requireArgument(set, kOperation, "the set");
+    requireArgument(replacement, kOperation, "the replacement");
     if (string->rangeOfCharacterFromSet_options(set, NSLiteralSearch).location == NSNotFound) return string;
     auto changed = string->mutableCopy();
     replaceAllOccurrencesOfCharactersInSet_withString(changed, set, replacement);
@@ -160,7 +169,7 @@ unichar* characterBuffer(NSString* string) {
     NSUInteger count = string->length();
     if (count == 0) return nullptr;
     auto* units = static_cast<unichar*>(std::malloc(std::size_t{count} * sizeof(unichar)));
-    if (!units) throw NSException(NSMallocException, "no room for the text");
+    if (!units) throw NSException(NSMallocException, "characterBuffer: no memory for the text");
     NSString::initWithCharactersNoCopy_length_freeWhenDone(units, count, true).autorelease();
     string->getCharacters(units);
     return units;

@@ -1,6 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-// What a word processor asks of strings: words, paragraphs and characters around a place, strings derived
-// from others, numbers at an index, code points.
+// What a word processor asks of strings: words, paragraphs and characters around a place, derived strings,
+// numbers at an index, and code points.
+//
+//     NSString* text = u"It costs $1,250.99 today."_ns;
+//     NSRange price = wordRangeForRange_includePreviousWord(text, {11, 0}, false);  // {9, 9}, "$1,250.99"
+//     NSString* lines = stringByHardWrappingToLineLength(text, 12);
+//
+// Positions and lengths count UTF-16 units. The strings and sets that are returned are borrowed. A range or
+// an index outside the string raises NSRangeException, and a null argument NSInvalidArgumentException, where
+// nothing else is said.
 #pragma once
 
 #include "Foundation/NSString.h"
@@ -12,111 +20,125 @@ class NSSet;
 struct Category;
 
 struct PELVOR_EXPORT NSString_PelvorAdditions {
-    /// One unit, or two for a code point above 0xFFFF; those above 0x10FFFF are folded into some pair.
+    /// A string of one code point: one unit, or a surrogate pair for a code point above 0xFFFF. A value above
+    /// 0x10FFFF becomes some pair.
     static NSString* stringWithCodepoint(std::uint32_t codepoint);
     static NSString* stringWithCodepoints_count(const std::uint32_t* codepoints, NSUInteger count);
-    /// None if there is no room, or the units are more than NSUInteger can count. Mutable if `cls` is. Raises
-    /// NSInvalidArgumentException for a count without code points.
+    /// Null if memory runs out or there are more units than NSUInteger can count. Mutable if `cls` is a class
+    /// of mutable strings.
     static Retained<NSString> initWithCodepoints_count(const std::uint32_t* codepoints, NSUInteger count,
                                                        Class* cls = NSString::classObject());
-    /// None if the bytes are not valid in the encoding. Mutable if `cls` is. Raises
-    /// NSInvalidArgumentException for no data.
+    /// Null if the bytes are not valid in the encoding. Mutable if `cls` is a class of mutable strings.
     static NSString* stringWithData_encoding(NSData* data, NSStringEncoding encoding,
                                              Class* cls = NSString::classObject());
-    /// One unit. Mutable if `cls` is.
+    /// A string of one unit. Mutable if `cls` is a class of mutable strings.
     static NSString* stringWithCharacter(unichar character, Class* cls = NSString::classObject());
 };
 
-// Everywhere: positions and lengths count units; a range outside the string raises NSRangeException; strings
-// answered are borrowed.
-
 // MARK: Ranges
 
-/// The word or the quantity that holds the range: what the unit at its location belongs to, and on from its
-/// last unit. A word is letters, with apostrophes between letters; a quantity is digits with commas and
-/// points between them and money signs before: "1,000.50", "$.99". Empty where there is neither. At the end
-/// of the string it is the word before. With `includePreviousWord` it begins with the word before the one
-/// separator in front of it.
+/// The range of the word or the quantity at the range: of what the unit at the range's location belongs to,
+/// from its start to the end of what the range's last unit belongs to. A word is letters, with an apostrophe
+/// between two letters. A quantity is digits with commas and points between them and money signs before them:
+/// "1,000.50",
+/// "$.99". Where there is neither, the result is empty. A location at the end of the string stands for the
+/// last unit. With `includePreviousWord` the result begins with the word before, if one separator is between
+/// the two.
 PELVOR_EXPORT NSRange wordRangeForRange_includePreviousWord(NSString* string, NSRange range,
                                                             bool includePreviousWord);
-/// From the first to the last letter, mark or number in the range; {NSNotFound, 0} for none.
+/// The part of the range from its first to its last letter, mark or number; {NSNotFound, 0} if it has none.
 PELVOR_EXPORT NSRange rangeOfTrimmedWordForRange(NSString* string, NSRange range);
-/// The first member at or after the location; with NSBackwardsSearch the last one at or before it, as the
-/// index of its last unit. NSNotFound for none.
+/// The place of the first member of the set at or after the location; with NSBackwardsSearch, of the last
+/// unit of the last member at or before the location. NSNotFound if there is none. A location past the end
+/// stands for the end.
 PELVOR_EXPORT NSUInteger locationOfCharacterFromSet_options_location(NSString* string, NSCharacterSet* set,
                                                                      NSStringCompareOptions options,
                                                                      NSUInteger location);
-/// From the first to the last character of the range that is no white space; for none, empty at its location.
+/// The part of the range from its first to its last character that is no white space; if there is none, empty
+/// at the range's location.
 PELVOR_EXPORT NSRange nonwhitespaceRangeForRange(NSString* string, NSRange range);
 
-/// The paragraphs that the range touches, with the break at their end and without it.
+/// The paragraphs that the range touches, with the break at their end.
 PELVOR_EXPORT NSRange paragraphRangeForRange(NSString* string, NSRange range);
+/// The paragraphs that the range touches, without the break at their end.
 PELVOR_EXPORT NSRange paragraphContentRangeForRange(NSString* string, NSRange range);
-/// Where they start, where the next one starts, and where the break at their end is, NSNotFound for none;
-/// what is not wanted may be no pointer. CR LF is one break at its front, but a caret between the two stands
-/// at the start of a paragraph.
+/// Of the paragraphs that the range touches: where the first one starts, where the paragraph behind them
+/// starts, and where the break at their end stands, which is NSNotFound at the end of the text. The pointer
+/// to what is not wanted may be null. CR LF is one break, but a place between the two stands at the start of
+/// a paragraph.
 PELVOR_EXPORT void getParagraphStart_end_contentsEnd_forRange(NSString* string, NSUInteger* start,
                                                               NSUInteger* end, NSUInteger* contentsEnd,
                                                               NSRange range);
 
-/// The range with the whole of the composed characters at its ends; an empty one as it is.
+/// The range, widened to whole composed characters at both ends; an empty range stays as it is.
 PELVOR_EXPORT NSRange rangeOfComposedCharactersForRange(NSString* string, NSRange range);
-/// The unit at the index, or the pair that it is half of; at or past the end, empty at the end. A lone half
-/// counts the unit that stands where its other half would.
+/// The range of the unit at the index, or of the surrogate pair that the unit is half of. A half without its
+/// other half takes the unit that stands in the other half's place. At or past the end of the string: empty
+/// at the end.
 PELVOR_EXPORT NSRange rangeOfCharacterAtIndex(NSString* string, NSUInteger index);
 
 // C++ only
-/// The composed character at the index and those that overlap it; at or past the end, empty at the end.
+/// The range of the composed character at the index and of those that overlap it. At or past the end of the
+/// string: empty at the end.
 PELVOR_EXPORT NSRange PBRangeOfComposedCharacterSequenceAtIndex(NSString* string, NSUInteger index);
 
-/// True for none and for an empty string, too.
+/// Whether `rangeOfString` finds the other string. True for null and for an empty string, too.
 PELVOR_EXPORT bool containsString(NSString* string, NSString* other);
 
-// MARK: Derived strings. The receiver itself may be the answer where nothing changes.
+// MARK: Derived strings. Where nothing changes, the result may be the receiver itself.
 
-/// With the case of the pattern: all upper-case like "HELLO", capitalised like "Hello", or as it is.
+/// The string in the case of the pattern: in upper case for "HELLO", capitalised for "Hello", as it is for
+/// "hello".
 PELVOR_EXPORT NSString* stringByMatchingCase(NSString* string, NSString* pattern);
-/// Upper-case letters as lower-case ones and the other way round, unit by unit and as the process's locale
-/// has them; of what a letter turns into, only the low byte is taken.
+/// The string with upper-case letters in lower case and the other way round, unit by unit, as the process's
+/// locale has them. Of what a letter turns into, only the low byte is taken, so that letters beyond U+00FF
+/// come out wrong.
 PELVOR_EXPORT NSString* toggledcaseString(NSString* string);
-/// At most `length` units: cut at the last white space in them, and trimmed of spaces and tabs.
+/// The string's first `length` units at most, cut at the last white space in them and trimmed of spaces and
+/// tabs.
 PELVOR_EXPORT NSString* stringByPrettyTruncationToLength(NSString* string, NSUInteger length);
-/// With line feeds put in where a line would reach `length` units: before the white space in front of a word
-/// of less than `length` - 1 units, else where the line reaches the length. The unit after the line feed is
-/// not counted. Pairs stay whole.
+/// The string with a line feed inserted wherever a line would reach `length` units: in front of the white
+/// space before the word there if the word has fewer than `length` - 1 units, otherwise inside the word. The
+/// unit behind an inserted line feed is not counted. Surrogate pairs stay whole.
 PELVOR_EXPORT NSString* stringByHardWrappingToLineLength(NSString* string, NSUInteger length);
+/// The string without white space at its front and end.
 PELVOR_EXPORT NSString* stringByRemovingSurroundingWhitespace(NSString* string);
-/// Finds the target as `rangeOfString` does.
+/// The string with the replacement for each occurrence of the target, which is found as by `rangeOfString`.
 PELVOR_EXPORT NSString* stringByReplacingAllOccurrencesOfString_withString(NSString* string, NSString* target,
                                                                            NSString* replacement);
+/// The string with the replacement for each member of the set.
 PELVOR_EXPORT NSString* stringByReplacingAllOccurrencesOfCharactersInSet_withString(NSString* string,
                                                                                     NSCharacterSet* set,
                                                                                     NSString* replacement);
-/// What the text becomes in the encoding and back: characters that it lacks are replaced by something like
-/// them. None for an unknown encoding.
+/// What the string becomes when it is converted to the encoding and back: characters that the encoding lacks
+/// turn into similar ones. Null for an unknown encoding.
 PELVOR_EXPORT NSString* stringByLossyConversionToEncoding(NSString* string, NSStringEncoding encoding);
-/// The different pieces between separators; the empty piece after a separator at the end is left out. The
-/// receiver alone for an empty separator or none.
+/// The set of the pieces between separators. An empty piece behind a separator at the end is left out. For an
+/// empty separator or null the set holds the string itself.
 PELVOR_EXPORT NSSet* setWithComponentsSeparatedByString(NSString* string, NSString* separator);
-/// The units in a buffer of its own that lives as long as the current autorelease pool, without a zero at its
-/// end; none for an empty string.
+/// A copy of the string's units, without a zero at the end, which lives as long as the current autorelease
+/// pool. Null for an empty string.
 PELVOR_EXPORT unichar* characterBuffer(NSString* string);
 
-// MARK: Numbers at an index, as NSScanner reads them; `effectiveRange`, if given, is what was read
+// MARK: Numbers at an index, as NSScanner reads them. `effectiveRange` becomes the range that was read, empty
+// at the index if there is no number; it may be null.
 
-/// The nearest number for one that is too large; 0 for none.
+/// 0 if there is no number. A number that is too large becomes the nearest one.
 PELVOR_EXPORT std::int32_t intValueAtIndex_effectiveRange(NSString* string, NSUInteger index,
                                                           NSRange* effectiveRange);
-/// The same for hexadecimal digits, with or without "0x"; 63 for none.
+/// Reads hexadecimal digits, with or without "0x" before them; 63 if there is no number.
 PELVOR_EXPORT std::int32_t hexIntValueAtIndex_effectiveRange(NSString* string, NSUInteger index,
                                                              NSRange* effectiveRange);
+/// The hexadecimal number at the start of the string; 63 if there is none.
 PELVOR_EXPORT std::int32_t hexIntValue(NSString* string);
 
 // MARK: Code points
 
-/// How many code points the range of units holds; they are written if there is a buffer. A lone half is one
-/// of its own; a first half takes whatever unit follows it in the range.
+/// Writes the code points of a range of units and returns their number. The buffer, which may be null, has
+/// room for one code point a unit. A first half of a pair takes whatever unit follows in the range as its
+/// second half; a half that is left alone is a code point of its own.
 PELVOR_EXPORT NSUInteger getCodepoints_range(NSString* string, std::uint32_t* codepoints, NSRange range);
+/// How many code points `getCodepoints_range` writes.
 PELVOR_EXPORT NSUInteger countCodepointsInRange(NSString* string, NSRange range);
 
 extern const Category NSString_PelvorAdditions_category;

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "BaseLibrary.h"
-#include "Runtime/NSException.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -16,7 +16,7 @@ PELVOR_DEFINE_CLASS(PBRepeatString, baseLibrary) {
 
 Retained<PBRepeatString> PBRepeatString::initWithString_length(NSString* string, NSUInteger length,
                                                                Class* cls) {
-    if (!string) throw NSException(NSInvalidArgumentException, "initWithString:length: none given");
+    requireArgument(string, "initWithString:length:", "the string");
     auto repeated = make<PBRepeatString>(cls);
     repeated->_source = string->toUTF16();
     repeated->_srcLen = static_cast<NSUInteger>(repeated->_source.size());
@@ -26,7 +26,7 @@ Retained<PBRepeatString> PBRepeatString::initWithString_length(NSString* string,
 
 Retained<PBRepeatString> PBRepeatString::initWithString_repeatCount(NSString* string, NSUInteger repeatCount,
                                                                     Class* cls) {
-    if (!string) throw NSException(NSInvalidArgumentException, "initWithString:repeatCount: none given");
+    requireArgument(string, "initWithString:repeatCount:", "the string");
     std::uint64_t length = std::uint64_t{string->length()} * repeatCount;
     if (length > std::numeric_limits<NSUInteger>::max()) return nullptr;
     return initWithString_length(string, static_cast<NSUInteger>(length), cls);
@@ -39,6 +39,7 @@ unichar PBRepeatString::characterAtIndex(NSUInteger index) {
 
 void PBRepeatString::getCharacters_range(unichar* buffer, NSRange range) {
     NSUInteger start = std::min(range.location, _len), count = std::min(range.length, _len - start);
+    requireMemory(buffer, count, "getCharacters:range:", "the buffer");
     if (_srcLen <= 1) {
         std::fill_n(buffer, count, _srcLen ? _source.front() : u'\0');
         return;

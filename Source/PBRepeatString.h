@@ -6,23 +6,27 @@
 
 namespace pelvor {
 
-/// Reads the source round and round; the repeated text is never built. Any thread.
+/// A string that reads another one again and again, without ever building the text:
+///
+///     auto dots = PBRepeatString::initWithString_length(u". "_ns, 7);  // ". . . ."
+///
+/// Any thread.
 class PELVOR_EXPORT PBRepeatString : public NSString, NSString::HiddenCreators {
     PELVOR_CLASS(PBRepeatString, NSString);
     PELVOR_CREATORS(initWithString_length, initWithString_repeatCount);
 
   public:
-    /// Copies the string.
+    /// Copies the string. Raises NSInvalidArgumentException for null.
     static Retained<PBRepeatString> initWithString_length(NSString* string, NSUInteger length,
                                                           Class* cls = classObject());
-    /// None if the length would not fit NSUInteger.
+    /// Null if the length would not fit NSUInteger. Raises NSInvalidArgumentException for a null string.
     static Retained<PBRepeatString> initWithString_repeatCount(NSString* string, NSUInteger repeatCount,
                                                                Class* cls = classObject());
 
     NSUInteger length() override { return _len; }
-    /// Past the length, the source's first unit; 0 of an empty source.
+    /// Past the length, the first unit of the source; 0 if the source is empty.
     unichar characterAtIndex(NSUInteger index) override;
-    /// Copies that part of the range which lies inside the string.
+    /// Copies the part of the range that lies inside the string.
     void getCharacters_range(unichar* buffer, NSRange range) override;
 
   protected:

@@ -7,7 +7,6 @@
 
 #include "BaseLibrary.h"
 #include "NSString-PelvorAdditions.h"
-#include "Runtime/NSException.h"
 #include "Shared/ArgumentChecks.h"
 #include "Shared/Codepoints.h"
 
@@ -45,7 +44,7 @@ std::uint32_t* allocateCodepoints(NSUInteger count) {
 
 Retained<PBUnichar32String> PBUnichar32String::initWithOwnedCodepoints_count(std::uint32_t* codepoints,
                                                                              NSUInteger count, Class* cls) {
-    requireElements(codepoints, count, "code points");
+    requireMemory(codepoints, count, "initWithOwnedCodepoints:count:", "the code points");
     std::unique_ptr<std::uint32_t[], Free> owned(codepoints);
     auto string = make<PBUnichar32String>(cls);
     for (NSUInteger i = 0; i < count; ++i)
@@ -60,7 +59,7 @@ Retained<PBUnichar32String> PBUnichar32String::initWithOwnedCodepoints_count(std
 
 Retained<PBUnichar32String> PBUnichar32String::initWithCodepoints_count(const std::uint32_t* codepoints,
                                                                         NSUInteger count, Class* cls) {
-    requireElements(codepoints, count, "code points");
+    requireMemory(codepoints, count, "initWithCodepoints:count:", "the code points");
     std::uint32_t* copy = allocateCodepoints(count);
     if (!copy) return nullptr;
     std::copy_n(codepoints, count, copy);
@@ -68,12 +67,12 @@ Retained<PBUnichar32String> PBUnichar32String::initWithCodepoints_count(const st
 }
 
 Retained<PBUnichar32String> PBUnichar32String::initWithString(NSString* string, Class* cls) {
-    if (!string) throw NSException(NSInvalidArgumentException, "initWithString: none given");
+    requireArgument(string, "initWithString:", "the string");
     NSUInteger length = string->length();
-    std::uint32_t* codepoints = allocateCodepoints(length);
+    std::unique_ptr<std::uint32_t[], Free> codepoints(allocateCodepoints(length));
     if (!codepoints) return nullptr;
-    NSUInteger count = pelvor::getCodepoints_range(string, codepoints, {0, length});
-    return initWithOwnedCodepoints_count(codepoints, count, cls);
+    NSUInteger count = pelvor::getCodepoints_range(string, codepoints.get(), {0, length});
+    return initWithOwnedCodepoints_count(codepoints.release(), count, cls);
 }
 
 // The k-th pair begins at unit k + offset of k, which grows with k.
@@ -94,23 +93,25 @@ NSUInteger PBUnichar32String::pairsBeforeCodepoint(NSUInteger codepoint) const {
 }
 
 void PBUnichar32String::getCodepoints_forCodepointsWithRange(std::uint32_t* codepoints, NSRange range) {
-    requireRange(range, _len);
+    requireRange(range, _len, "getCodepoints:forCodepointsWithRange:");
+    requireMemory(codepoints, range.length, "getCodepoints:forCodepointsWithRange:", "the buffer");
     std::copy_n(_chars.get() + range.location, range.length, codepoints);
 }
 
 NSUInteger PBUnichar32String::_surrogateCountForCodepointsWithRange(NSRange range) {
-    requireRange(range, _len);
+    requireRange(range, _len, "_surrogateCountForCodepointsWithRange:");
     return pairsBeforeCodepoint(NSMaxRange(range)) - pairsBeforeCodepoint(range.location);
 }
 
 NSRange PBUnichar32String::unicharRangeForCodepointsWithRange(NSRange range) {
+    requireRange(range, _len, "unicharRangeForCodepointsWithRange:");
     NSUInteger inside = _surrogateCountForCodepointsWithRange(range);
     return {range.location + pairsBeforeCodepoint(range.location), range.length + inside};
 }
 
 NSUInteger PBUnichar32String::_surrogateCountForUnicharsWithRange_isFirstUnicharLowSurrogate(
     NSRange range, bool* isFirstLow) {
-    requireRange(range, length());
+    requireRange(range, length(), "_surrogateCountForUnicharsWithRange:isFirstUnicharLowSurrogate:");
     NSUInteger before = pairsBeforeUnit(range.location);
     if (isFirstLow)
         *isFirstLow = before < _surrogateCount && before + _surrogateOffsets[before] == range.location;
@@ -119,25 +120,26 @@ NSUInteger PBUnichar32String::_surrogateCountForUnicharsWithRange_isFirstUnichar
 
 NSRange PBUnichar32String::codepointRangeForUnicharsWithRange_isFirstUnicharLowSurrogate(NSRange range,
                                                                                          bool* isFirstLow) {
-    requireRange(range, length());
+    requireRange(range, length(), "codepointRangeForUnicharsWithRange:isFirstUnicharLowSurrogate:");
     NSUInteger before = pairsBeforeUnit(range.location);
     if (isFirstLow) *isFirstLow = false;
     return {range.location - before, range.length - (pairsBeforeUnit(NSMaxRange(range)) - before)};
 }
 
 NSString* PBUnichar32String::substringForCodepointsWithRange(NSRange range) {
-    requireRange(range, _len);
+    requireRange(range, _len, "substringForCodepointsWithRange:");
     return NSString_PelvorAdditions::stringWithCodepoints_count(_chars.get() + range.location, range.length);
 }
 
 unichar PBUnichar32String::characterAtIndex(NSUInteger index) {
-    requireIndex(index, length());
+    requireIndex(index, length(), "characterAtIndex:");
     std::uint32_t codepoint = _chars[codepointOfUnit(index)];
     return isSupplementary(codepoint) ? highHalfOf(codepoint) : static_cast<unichar>(codepoint);
 }
 
 void PBUnichar32String::getCharacters_range(unichar* buffer, NSRange range) {
-    requireRange(range, length());
+    requireRange(range, length(), "getCharacters:range:");
+    requireMemory(buffer, range.length, "getCharacters:range:", "the buffer");
     const std::uint32_t* next = _chars.get() + codepointOfUnit(range.location);
     for (unichar* end = buffer + range.length; buffer < end; ++next) {
         if (end - buffer >= 2 || !isSupplementary(*next))
@@ -148,6 +150,7 @@ void PBUnichar32String::getCharacters_range(unichar* buffer, NSRange range) {
 }
 
 NSUInteger PBUnichar32String::getCodepoints_range(std::uint32_t* codepoints, NSRange range) {
+    requireRange(range, length(), "getCodepoints:range:");
     NSRange found = codepointRangeForUnicharsWithRange_isFirstUnicharLowSurrogate(range, nullptr);
     if (codepoints) getCodepoints_forCodepointsWithRange(codepoints, found);
     return found.length;

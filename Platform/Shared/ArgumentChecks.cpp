@@ -7,20 +7,30 @@
 
 namespace pelvor {
 
-void raiseIndexBeyondBounds(NSUInteger index, NSUInteger bounds) {
-    throw NSException(NSRangeException, "index (" + std::to_string(static_cast<int>(index)) +
-                                            ") beyond bounds (" + std::to_string(static_cast<int>(bounds)) +
-                                            ")");
+namespace {
+
+std::string prefix(const char* operation) { return operation ? std::string(operation) + " " : ""; }
+
+// As %d prints it.
+std::string number(NSUInteger value) { return "(" + std::to_string(static_cast<int>(value)) + ")"; }
+
+}  // namespace
+
+void raiseIndexBeyondBounds(NSUInteger index, NSUInteger bounds, const char* operation) {
+    throw NSException(NSRangeException,
+                      prefix(operation) + "index " + number(index) + " beyond bounds " + number(bounds));
 }
 
-void raiseRangeBeyondBounds(NSRange range, NSUInteger bounds) {
-    throw NSException(NSRangeException, "range {" + std::to_string(range.location) + ", " +
-                                            std::to_string(range.length) + "} beyond bounds (" +
-                                            std::to_string(static_cast<int>(bounds)) + ")");
+void raiseRangeBeyondBounds(NSRange range, NSUInteger bounds, const char* operation) {
+    throw NSException(NSRangeException, prefix(operation) + "range {" + std::to_string(range.location) +
+                                            ", " + std::to_string(range.length) + "} beyond bounds " +
+                                            number(bounds));
 }
 
-void raiseMissingElements(const char* name) {
-    throw NSException(NSInvalidArgumentException, std::string("a count was given without ") + name);
+void raiseNullMemory(NSUInteger length, const char* operation, const char* name) {
+    throw NSException(
+        NSInvalidArgumentException,
+        prefix(operation) + name + " must not be null where the length is " + std::to_string(length));
 }
 
 void raiseNullArgument(const char* operation, const char* name) {

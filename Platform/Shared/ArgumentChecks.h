@@ -7,32 +7,35 @@
 
 namespace pelvor {
 
-/// Raises NSRangeException, "index (7) beyond bounds (3)".
-[[noreturn]] PELVOR_EXPORT void raiseIndexBeyondBounds(NSUInteger index, NSUInteger bounds);
-/// Raises NSRangeException, "range {2, 2} beyond bounds (3)".
-[[noreturn]] PELVOR_EXPORT void raiseRangeBeyondBounds(NSRange range, NSUInteger bounds);
+/// Raises NSRangeException, "characterAtIndex: index (7) beyond bounds (3)"; without an operation its name is
+/// missing.
+[[noreturn]] PELVOR_EXPORT void raiseIndexBeyondBounds(NSUInteger index, NSUInteger bounds,
+                                                       const char* operation = nullptr);
+/// Raises NSRangeException, "getCharacters:range: range {2, 2} beyond bounds (3)".
+[[noreturn]] PELVOR_EXPORT void raiseRangeBeyondBounds(NSRange range, NSUInteger bounds,
+                                                       const char* operation = nullptr);
 /// Raises NSInvalidArgumentException, "disableNotificationName: the name is null".
 [[noreturn]] PELVOR_EXPORT void raiseNullArgument(const char* operation, const char* name);
-
-/// Raises NSInvalidArgumentException, "a count was given without code points".
-[[noreturn]] PELVOR_EXPORT void raiseMissingElements(const char* name);
+/// Raises NSInvalidArgumentException, "rangeOfBytes:length: the bytes must not be null where the length is
+/// 3".
+[[noreturn]] PELVOR_EXPORT void raiseNullMemory(NSUInteger length, const char* operation, const char* name);
 
 /// Raises NSRangeException for an index not below `bounds`.
-inline void requireIndex(NSUInteger index, NSUInteger bounds) {
+inline void requireIndex(NSUInteger index, NSUInteger bounds, const char* operation = nullptr) {
     if (index >= bounds) [[unlikely]]
-        raiseIndexBeyondBounds(index, bounds);
+        raiseIndexBeyondBounds(index, bounds, operation);
 }
 
 /// Raises NSRangeException for a range that is not inside a sequence of `count` places.
-inline void requireRange(NSRange range, NSUInteger count) {
+inline void requireRange(NSRange range, NSUInteger count, const char* operation = nullptr) {
     if (!isRangeInside(range, count)) [[unlikely]]
-        raiseRangeBeyondBounds(range, count);
+        raiseRangeBeyondBounds(range, count, operation);
 }
 
-/// Raises NSInvalidArgumentException if there are no elements, which the message calls `name`, but a count.
-inline void requireElements(const void* elements, NSUInteger count, const char* name) {
-    if (!elements && count) [[unlikely]]
-        raiseMissingElements(name);
+/// Raises NSInvalidArgumentException if the memory, which the message calls `name`, is null and has a length.
+inline void requireMemory(const void* memory, NSUInteger length, const char* operation, const char* name) {
+    if (!memory && length) [[unlikely]]
+        raiseNullMemory(length, operation, name);
 }
 
 /// Raises NSInvalidArgumentException if the argument, which the message calls `name`, is null.

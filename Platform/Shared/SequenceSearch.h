@@ -1,12 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
-// What searches of bytes and of units fall back on, so that no text makes them slow.
+// Finding bytes in bytes and units in units.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <span>
 #include <vector>
 
+#include "Shared/Vectors.h"
+
 namespace pelvor {
+
+inline constexpr std::size_t kNoPlace = SIZE_MAX;
 
 /// Counts what a search by candidates compares in vain. Once that outgrows what has been passed, the search
 /// does better to go on with a table.
@@ -23,8 +30,8 @@ class SearchEffort {
     std::size_t _spent = 0;
 };
 
-/// Where the pattern, which is not empty, first stands at or after `from`; the greatest number for nowhere.
-/// Knuth, Morris and Pratt: looks at nothing twice.
+/// Where the pattern, which is not empty, first stands at or after `from`; kNoPlace if nowhere. Knuth, Morris
+/// and Pratt: looks at nothing twice.
 template <class Sequence>
 std::size_t findWithTable(Sequence text, Sequence pattern, std::size_t from) {
     std::vector<std::uint32_t> border(pattern.size() + 1, 0);
@@ -39,7 +46,46 @@ std::size_t findWithTable(Sequence text, Sequence pattern, std::size_t from) {
         if (text[i] == pattern[matched]) ++matched;
         if (matched == pattern.size()) return i + 1 - matched;
     }
-    return SIZE_MAX;
+    return kNoPlace;
+}
+
+/// At which of the sixteen places from `place` on `first` stands, and `last` so many places behind it: bit i
+/// for place i.
+inline unsigned pairsAt(const std::uint8_t* place, std::size_t distance, Bytes16 first, Bytes16 last) {
+    return bitsOf((loadBytes(place) == first) & (loadBytes(place + distance) == last));
+}
+inline unsigned pairsAt(const char16_t* place, std::size_t distance, Units8 first, Units8 last) {
+    auto pairs = [&](const char16_t* eight) {
+        return (loadUnits(eight) == first) & (loadUnits(eight + distance) == last);
+    };
+    return bitsOf(pairs(place), pairs(place + 8));
+}
+
+/// Where the pattern first stands in the text; kNoPlace if nowhere or if it is empty. Looks for the pattern's
+/// first and last item together. Time grows with the length of the text whatever the two are.
+template <class Item>
+std::size_t findSequence(std::span<const Item> text, std::span<const Item> pattern) {
+    if (pattern.empty() || pattern.size() > text.size()) return kNoPlace;
+    auto standsAt = [&](std::size_t place) {
+        return std::memcmp(text.data() + place, pattern.data(), pattern.size_bytes()) == 0;
+    };
+    const std::size_t distance = pattern.size() - 1, starts = text.size() - distance;
+    const auto first = vectorOf(pattern.front()), last = vectorOf(pattern.back());
+    SearchEffort effort(pattern.size());
+    std::size_t i = 0;
+    for (; i + 32 <= starts; i += 32) {
+        const Item* block = text.data() + i;
+        unsigned pairs = pairsAt(block, distance, first, last) | pairsAt(block + 16, distance, first, last)
+                                                                     << 16;
+        for (; pairs; pairs &= pairs - 1) {
+            std::size_t place = i + static_cast<std::size_t>(std::countr_zero(pairs));
+            if (standsAt(place)) return place;
+            if (effort.exceeds(place)) return findWithTable(text, pattern, place + 1);
+        }
+    }
+    for (; i < starts; ++i)
+        if (text[i] == pattern.front() && standsAt(i)) return i;
+    return kNoPlace;
 }
 
 }  // namespace pelvor

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <array>
+
+#include "Shared/WideInstructions.h"
 #ifdef PELVOR_HAS_WIDE_FORMS
 #include <immintrin.h>
 #endif
@@ -23,14 +25,6 @@ constexpr auto kValues = [] {
     for (Byte i = 0; i < 64; ++i) values[static_cast<Byte>(kAlphabet[i])] = i;
     values['='] = kPadding;
     return values;
-}();
-
-// The two characters of 12 bits.
-constexpr auto kPairs = [] {
-    std::array<std::array<Byte, 2>, 4096> pairs{};
-    for (std::size_t i = 0; i < pairs.size(); ++i)
-        pairs[i] = {static_cast<Byte>(kAlphabet[i >> 6]), static_cast<Byte>(kAlphabet[i & 63])};
-    return pairs;
 }();
 
 template <class Unit>
@@ -137,9 +131,9 @@ std::size_t readWide(std::u16string_view, Byte*) { return 0; }
 
 #endif
 
-// Reads groups without padding; answers how many characters they are.
-std::size_t readGroups(std::u16string_view text, Byte* bytes, WideInstructions wide) {
-    std::size_t i = wide == WideInstructions::present ? readWide(text, bytes) : 0;
+// Reads groups without padding, and returns how many characters that were.
+std::size_t readGroups(std::u16string_view text, Byte* bytes) {
+    std::size_t i = usesWideInstructions() ? readWide(text, bytes) : 0;
     bytes += i / 4 * 3;
     for (; i + 4 <= text.size(); i += 4) {
         const char16_t* next = text.data() + i;
@@ -155,34 +149,28 @@ std::size_t readGroups(std::u16string_view text, Byte* bytes, WideInstructions w
 }
 
 template <class Unit>
-Unit* write(std::span<const Byte> bytes, Unit* text, WideInstructions wide) {
-    std::size_t i = wide == WideInstructions::present ? writeWide(bytes, text) : 0;
+Unit* write(std::span<const Byte> bytes, Unit* text) {
+    std::size_t i = usesWideInstructions() ? writeWide(bytes, text) : 0;
     text += i / 3 * 4;
     for (; i + 3 <= bytes.size(); i += 3, text += 4) {
         unsigned group = static_cast<unsigned>(bytes[i] << 16 | bytes[i + 1] << 8 | bytes[i + 2]);
-        auto first = kPairs[group >> 12], second = kPairs[group & 0xFFF];
-        text[0] = first[0];
-        text[1] = first[1];
-        text[2] = second[0];
-        text[3] = second[1];
+        for (int k = 0; k < 4; ++k) text[k] = static_cast<Unit>(kAlphabet[group >> (18 - 6 * k) & 63]);
     }
     return i < bytes.size() ? writeTail(bytes.subspan(i), text) : text;
 }
 
 }  // namespace
 
-std::uint8_t* writeBase64(std::span<const std::uint8_t> bytes, std::uint8_t* text, WideInstructions wide) {
-    return write(bytes, text, wide);
+std::uint8_t* writeBase64(std::span<const std::uint8_t> bytes, std::uint8_t* text) {
+    return write(bytes, text);
 }
 
-char16_t* writeBase64(std::span<const std::uint8_t> bytes, char16_t* text, WideInstructions wide) {
-    return write(bytes, text, wide);
-}
+char16_t* writeBase64(std::span<const std::uint8_t> bytes, char16_t* text) { return write(bytes, text); }
 
 bool Base64Reader::read(std::u16string_view text) {
     while (!text.empty() && !_isPadded) {
         if (_count == 0) {
-            std::size_t size = readGroups(text, _bytes, _wide);
+            std::size_t size = readGroups(text, _bytes);
             _bytes += size / 4 * 3;
             text.remove_prefix(size);
             if (text.empty()) return true;

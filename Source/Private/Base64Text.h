@@ -7,18 +7,16 @@
 #include <span>
 #include <string_view>
 
-#include "Private/WideInstructions.h"
+#include "Runtime/Export.h"
 
 namespace pelvor {
 
 /// How many characters the bytes make, without line breaks.
 constexpr std::size_t base64LengthOf(std::size_t byteCount) { return (byteCount + 2) / 3 * 4; }
 
-/// Writes the text of the bytes, with padding, and answers the place after it.
-PELVOR_EXPORT std::uint8_t* writeBase64(std::span<const std::uint8_t> bytes, std::uint8_t* text,
-                                        WideInstructions wide = wideInstructions());
-PELVOR_EXPORT char16_t* writeBase64(std::span<const std::uint8_t> bytes, char16_t* text,
-                                    WideInstructions wide = wideInstructions());
+/// Writes the text of the bytes, with padding, and returns the place behind the text.
+PELVOR_EXPORT std::uint8_t* writeBase64(std::span<const std::uint8_t> bytes, std::uint8_t* text);
+PELVOR_EXPORT char16_t* writeBase64(std::span<const std::uint8_t> bytes, char16_t* text);
 
 /// Reads text that comes in pieces. What is neither in the alphabet nor padding is passed over, and so is
 /// everything after a group with padding.
@@ -27,8 +25,7 @@ class PELVOR_EXPORT Base64Reader {
     /// How much room there must be for a text, some more than its bytes take.
     static constexpr std::size_t roomFor(std::size_t textLength) { return textLength / 4 * 3 + 35; }
 
-    explicit Base64Reader(std::uint8_t* bytes, WideInstructions wide = wideInstructions())
-        : _bytes(bytes), _wide(wide) {}
+    explicit Base64Reader(std::uint8_t* bytes) : _bytes(bytes) {}
 
     /// False if the text is not ASCII.
     bool read(std::u16string_view text);
@@ -41,7 +38,6 @@ class PELVOR_EXPORT Base64Reader {
     void finishGroup();
 
     std::uint8_t* _bytes;
-    WideInstructions _wide;
     bool _isPadded = false;
     unsigned _count = 0;  // how much of the group has been read
     std::uint8_t _group[4];

@@ -2,9 +2,8 @@
 #include "Private/HexText.h"
 
 #include <array>
-#ifdef PELVOR_HAS_WIDE_FORMS
-#include <immintrin.h>
-#endif
+
+#include "Shared/Vectors.h"
 
 namespace pelvor {
 namespace {
@@ -24,69 +23,76 @@ constexpr auto kValues = [] {
     return values;
 }();
 
-#ifdef PELVOR_HAS_WIDE_FORMS
-
-PELVOR_WIDE std::size_t writeWide(std::span<const Byte> bytes, char16_t* units) {
-    const __m256i digits =
-        _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(kDigits)));
-    std::size_t i = 0;
-    for (; i + 16 <= bytes.size(); i += 16, units += 32) {
-        __m256i wide =
-            _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data() + i)));
-        // Each pair of bytes: the high four bits, then the low four.
-        __m256i halves = _mm256_or_si256(_mm256_srli_epi16(wide, 4), _mm256_slli_epi16(wide, 8));
-        __m256i text = _mm256_shuffle_epi8(digits, _mm256_and_si256(halves, _mm256_set1_epi8(15)));
-        auto* place = reinterpret_cast<__m256i*>(units);
-        _mm256_storeu_si256(place, _mm256_cvtepu8_epi16(_mm256_castsi256_si128(text)));
-        _mm256_storeu_si256(place + 1, _mm256_cvtepu8_epi16(_mm256_extracti128_si256(text, 1)));
-    }
-    return i;
+// The elements of two vectors in turn, first the lower halves', then the upper halves'.
+Bytes16 lowerInTurn(Bytes16 one, Bytes16 other) {
+    return __builtin_shufflevector(one, other, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+}
+Bytes16 upperInTurn(Bytes16 one, Bytes16 other) {
+    return __builtin_shufflevector(one, other, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31);
 }
 
-// 32 units as 16 bytes a time; stops at what is no digit.
-PELVOR_WIDE std::size_t readWide(std::u16string_view units, Byte* bytes) {
-    const __m256i lowBytes = _mm256_set1_epi16(0xFF);
-    std::size_t i = 0;
-    for (; i + 32 <= units.size(); i += 32, bytes += 16) {
-        auto* place = reinterpret_cast<const __m256i*>(units.data() + i);
-        __m256i text = _mm256_packus_epi16(_mm256_and_si256(_mm256_loadu_si256(place), lowBytes),
-                                           _mm256_and_si256(_mm256_loadu_si256(place + 1), lowBytes));
-        text = _mm256_permute4x64_epi64(text, 0xD8);
-        __m256i number = _mm256_sub_epi8(text, _mm256_set1_epi8('0'));
-        __m256i letter =
-            _mm256_sub_epi8(_mm256_or_si256(text, _mm256_set1_epi8(0x20)), _mm256_set1_epi8('a'));
-        __m256i isNumber = _mm256_cmpeq_epi8(_mm256_min_epu8(number, _mm256_set1_epi8(9)), number);
-        __m256i isLetter = _mm256_cmpeq_epi8(_mm256_min_epu8(letter, _mm256_set1_epi8(5)), letter);
-        if (_mm256_movemask_epi8(_mm256_or_si256(isNumber, isLetter)) != -1) break;
-        __m256i values = _mm256_blendv_epi8(_mm256_add_epi8(letter, _mm256_set1_epi8(10)), number, isNumber);
-        __m256i pairs = _mm256_maddubs_epi16(values, _mm256_set1_epi16(0x0110));
-        __m256i packed = _mm256_permute4x64_epi64(_mm256_packus_epi16(pairs, pairs), 0x08);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), _mm256_castsi256_si128(packed));
-    }
-    return i;
+// Machines compare signed bytes.
+using SignedBytes16 = signed char __attribute__((vector_size(16)));
+
+Bytes16 digitsOf(Bytes16 numbers) {
+    auto areLetters = reinterpret_cast<Bytes16>(reinterpret_cast<SignedBytes16>(numbers) > 9);
+    return numbers + '0' + (areLetters & ('a' - '0' - 10));
 }
 
-#else
+// The digits of sixteen bytes.
+void writeSixteen(const Byte* bytes, char16_t* units) {
+    Bytes16 sixteen = loadBytes(bytes);
+    Bytes16 first = digitsOf(reinterpret_cast<Bytes16>(reinterpret_cast<Units8>(sixteen) >> 4) & 15);
+    Bytes16 second = digitsOf(sixteen & 15);
+    for (Bytes16 digits : {lowerInTurn(first, second), upperInTurn(first, second)})
+        for (Bytes16 part : {lowerInTurn(digits, Bytes16{}), upperInTurn(digits, Bytes16{})}) {
+            std::memcpy(units, &part, sizeof part);
+            units += 8;
+        }
+}
 
-std::size_t writeWide(std::span<const Byte>, char16_t*) { return 0; }
-std::size_t readWide(std::u16string_view, Byte*) { return 0; }
+// Eight bytes from as many pairs of digits, each byte in a unit of its own. Takes the bits of units that are
+// no digits out of `areDigits`.
+Units8 valuesOf(const char16_t* units, Bytes16& areDigits) {
+    Bytes16 text = lowBytes(loadUnits(units), loadUnits(units + 8));
+    // The least signed byte stands for 0.
+    auto isBelow = [](Bytes16 bytes, int count) {
+        const auto end = static_cast<signed char>(count - 128);
+        return reinterpret_cast<Bytes16>(reinterpret_cast<SignedBytes16>(bytes - 128) <
+                                         SignedBytes16{} + end);
+    };
+    Bytes16 areLetters = isBelow((text | 0x20) - 'a', 6);
+    areDigits &= areLetters | isBelow(text - '0', 10);
+    auto pairs = reinterpret_cast<Units8>((text & 15) + (areLetters & 9));
+    return pairs << 4 | pairs >> 8;
+}
 
-#endif
+// Sixteen bytes from as many pairs of digits; false, with nothing written, if one is no digit.
+bool readSixteen(const char16_t* units, Byte* bytes) {
+    Bytes16 areDigits = ~Bytes16{};
+    Bytes16 sixteen = lowBytes(valuesOf(units, areDigits), valuesOf(units + 16, areDigits));
+    if (bitsOf(areDigits) != 0xFFFF) return false;
+    std::memcpy(bytes, &sixteen, sizeof sixteen);
+    return true;
+}
 
 }  // namespace
 
 std::uint8_t valueOfHexDigit(char16_t unit) { return kValues[unit & 0xFF]; }
 
-void writeHex(std::span<const std::uint8_t> bytes, char16_t* units, WideInstructions wide) {
-    std::size_t i = wide == WideInstructions::present ? writeWide(bytes, units) : 0;
+void writeHex(std::span<const std::uint8_t> bytes, char16_t* units) {
+    std::size_t i = 0;
+    for (; i + 16 <= bytes.size(); i += 16) writeSixteen(bytes.data() + i, units + 2 * i);
     for (; i < bytes.size(); ++i) {
         units[2 * i] = static_cast<char16_t>(kDigits[bytes[i] >> 4]);
         units[2 * i + 1] = static_cast<char16_t>(kDigits[bytes[i] & 15]);
     }
 }
 
-bool readHex(std::u16string_view units, std::uint8_t* bytes, WideInstructions wide) {
-    std::size_t i = wide == WideInstructions::present ? readWide(units, bytes) : 0;
+bool readHex(std::u16string_view units, std::uint8_t* bytes) {
+    std::size_t i = 0;
+    for (; i + 32 <= units.size(); i += 32)
+        if (!readSixteen(units.data() + i, bytes + i / 2)) return false;
     for (; i + 2 <= units.size(); i += 2) {
         Byte high = valueOfHexDigit(units[i]), low = valueOfHexDigit(units[i + 1]);
         if ((high | low) > 15) return false;

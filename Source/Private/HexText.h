@@ -6,20 +6,18 @@
 #include <span>
 #include <string_view>
 
-#include "Private/WideInstructions.h"
+#include "Runtime/Export.h"
 
 namespace pelvor {
 
 /// Writes two lower-case digits a byte.
-PELVOR_EXPORT void writeHex(std::span<const std::uint8_t> bytes, char16_t* units,
-                            WideInstructions wide = wideInstructions());
+PELVOR_EXPORT void writeHex(std::span<const std::uint8_t> bytes, char16_t* units);
 
 /// Reads two digits a byte, an even number of them; of each unit only the low eight bits count. False, with
 /// some bytes written, if one is no digit.
-PELVOR_EXPORT bool readHex(std::u16string_view units, std::uint8_t* bytes,
-                           WideInstructions wide = wideInstructions());
+PELVOR_EXPORT bool readHex(std::u16string_view units, std::uint8_t* bytes);
 
-/// The value of the digit that the unit's low eight bits are, 255 for none.
+/// The value of the digit that the unit's low eight bits are; 255 if they are no digit.
 PELVOR_EXPORT std::uint8_t valueOfHexDigit(char16_t unit);
 
 }  // namespace pelvor

@@ -3,76 +3,112 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 
 #include "Foundation/NSCharacterSet.h"
-#include "Runtime/NSException.h"
-#include "Scanning/Private/UnitSpans.h"
 #include "Shared/Codepoints.h"
-
-#if defined(__x86_64__)
-#include <emmintrin.h>
+#include "Shared/Vectors.h"
+#include "Shared/WideInstructions.h"
+#ifdef PELVOR_HAS_WIDE_FORMS
+#include <immintrin.h>
 #endif
 
 namespace pelvor {
 namespace {
 
-// What compilers turn into the machine's vectors.
-using Units8 = std::uint16_t __attribute__((vector_size(16)));
-using Words2 = std::uint64_t __attribute__((vector_size(16)));
+using Units = std::u16string_view;
 
-class EitherTest {
-  public:
-    EitherTest(unichar one, unichar other) : _one(eightOf(one)), _other(eightOf(other)) {}
-    // All bits of those of eight units that are one of the two.
-    Words2 operator()(const unichar* from) const {
-        Units8 units;
-        std::memcpy(&units, from, sizeof units);
-        return reinterpret_cast<Words2>((units == _one) | (units == _other));
+// The first place whose unit the test finds: one for eight units that gives a mask, and one for a single
+// unit.
+template <class TestEight, class Test>
+std::size_t findFirst(Units text, TestEight testEight, Test test) {
+    std::size_t i = 0;
+    for (; i + 16 <= text.size(); i += 16) {
+        auto maskAt = [&](std::size_t place) { return testEight(loadUnits(text.data() + place)); };
+        if (unsigned bits = bitsOf(maskAt(i), maskAt(i + 8)))
+            return i + static_cast<std::size_t>(std::countr_zero(bits));
     }
+    while (i < text.size() && !test(text[i])) ++i;
+    return i;
+}
 
-  private:
-    static Units8 eightOf(unichar unit) { return Units8{} + static_cast<std::uint16_t>(unit); }
+bool isMember(const std::uint8_t* bitmap, unichar unit) { return bitmap[unit >> 3] >> (unit & 7) & 1; }
 
-    Units8 _one, _other;
-};
+std::size_t findMemberSingly(Units text, std::size_t from, std::size_t end, const std::uint8_t* bitmap) {
+    while (from < end && !isMember(bitmap, text[from])) ++from;
+    return from;
+}
 
-constexpr bool isLittleEndian = std::endian::native == std::endian::little;
+#ifdef PELVOR_HAS_WIDE_FORMS
+
+PELVOR_WIDE inline __m256i loadSixteen(const unichar* units) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(units));
+}
+
+// Thirty-two units at a time, whose bytes look their bits up in the first sixteen bytes of the bitmap; blocks
+// with units beyond ASCII go unit by unit.
+PELVOR_WIDE std::size_t findMemberWide(Units text, const std::uint8_t* bitmap) {
+    const __m256i table =
+        _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bitmap)));
+    const __m256i bits = _mm256_set1_epi64x(static_cast<long long>(0x8040201008040201u));
+    const __m256i low4 = _mm256_set1_epi8(0x0F), low3 = _mm256_set1_epi8(0x07);
+    const __m256i beyond = _mm256_set1_epi16(static_cast<short>(0xFF80));
+    std::size_t i = 0;
+    for (; i + 32 <= text.size(); i += 32) {
+        __m256i first = loadSixteen(text.data() + i), second = loadSixteen(text.data() + i + 16);
+        if (!_mm256_testz_si256(_mm256_or_si256(first, second), beyond)) {
+            std::size_t found = findMemberSingly(text, i, i + 32, bitmap);
+            if (found < i + 32) return found;
+            continue;
+        }
+        __m256i units = _mm256_packus_epi16(first, second);
+        __m256i bytes = _mm256_shuffle_epi8(table, _mm256_and_si256(_mm256_srli_epi16(units, 3), low4));
+        __m256i wanted = _mm256_shuffle_epi8(bits, _mm256_and_si256(units, low3));
+        __m256i found = _mm256_and_si256(bytes, wanted);
+        if (_mm256_testz_si256(found, found)) continue;
+        // Packing has left the quarters as 0, 2, 1, 3.
+        found = _mm256_permute4x64_epi64(_mm256_cmpeq_epi8(found, _mm256_setzero_si256()), 0xD8);
+        auto others = static_cast<unsigned>(_mm256_movemask_epi8(found));
+        return i + static_cast<std::size_t>(std::countr_one(others));
+    }
+    return findMemberSingly(text, i, text.size(), bitmap);
+}
+
+#endif
 
 }  // namespace
 
-const unichar* findEither(const unichar* place, const unichar* end, unichar one, unichar other) {
-    const EitherTest test(one, other);
-    for (; end - place >= 32; place += 32) {
-        Words2 found = test(place) | test(place + 8) | test(place + 16) | test(place + 24);
-        if (found[0] | found[1]) break;
-    }
-    for (; isLittleEndian && end - place >= 8; place += 8) {
-        Words2 found = test(place);
-        if (found[0]) return place + std::countr_zero(found[0]) / 16;
-        if (found[1]) return place + 4 + std::countr_zero(found[1]) / 16;
-    }
-    while (place < end && *place != one && *place != other) ++place;
-    return place;
+std::size_t findUnit(Units text, unichar unit) {
+    const Units8 wanted = vectorOf(unit);
+    return findFirst(
+        text, [=](Units8 eight) { return eight == wanted; }, [=](unichar other) { return other == unit; });
+}
+
+std::size_t findEither(Units text, unichar one, unichar other) {
+    const Units8 ones = vectorOf(one), others = vectorOf(other);
+    return findFirst(
+        text, [=](Units8 eight) { return (eight == ones) | (eight == others); },
+        [=](unichar unit) { return unit == one || unit == other; });
+}
+
+std::size_t findAbove(Units text, unichar limit) {
+    const Units8 most = vectorOf(limit);
+    return findFirst(
+        text, [=](Units8 eight) { return eight > most; }, [=](unichar unit) { return unit > limit; });
+}
+
+std::size_t findMember(Units text, const std::uint8_t* bitmap) {
+#ifdef PELVOR_HAS_WIDE_FORMS
+    if (usesWideInstructions()) return findMemberWide(text, bitmap);
+#endif
+    return findMemberSingly(text, 0, text.size(), bitmap);
 }
 
 std::uint16_t asciiLetters(const unichar* units) {
-#if defined(__x86_64__)
-    auto areLetters = [units](int from) {
-        __m128i eight = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + from));
-        __m128i fromA = _mm_sub_epi16(_mm_or_si128(eight, _mm_set1_epi16(0x20)), _mm_set1_epi16(u'a'));
-        return _mm_cmpeq_epi16(_mm_subs_epu16(fromA, _mm_set1_epi16(u'z' - u'a')), _mm_setzero_si128());
-    };
-    return static_cast<std::uint16_t>(_mm_movemask_epi8(_mm_packs_epi16(areLetters(0), areLetters(8))));
-#else
-    unsigned bits = 0;
-    for (int i = 0; i < 16; ++i) bits |= unsigned{(units[i] | 0x20u) - u'a' < 26} << i;
-    return static_cast<std::uint16_t>(bits);
-#endif
+    auto areLetters = [](Units8 eight) { return (eight | 0x20) - u'a' < 26; };
+    return static_cast<std::uint16_t>(bitsOf(areLetters(loadUnits(units)), areLetters(loadUnits(units + 8))));
 }
 
 MemberFinder::MemberFinder(NSCharacterSet* set) : _set(set) {
-    if (!set) throw NSException(NSInvalidArgumentException, "a set of characters is needed, none given");
     _bitmap = set->basicPlaneBitmap();
     constexpr unsigned kFirstHalf = 0xD800 / 8, kPastHalves = 0xE000 / 8;
     unsigned others = 0;
@@ -86,12 +122,10 @@ std::size_t MemberFinder::firstStop(std::u16string_view text, std::size_t from) 
     if (_hasPlainUnitsOnly) {
         // Where members are dense, the next one is near.
         std::size_t near = std::min(from + 8, text.size());
-        while (from < near && !(_bitmap[text[from] >> 3] >> (text[from] & 7) & 1)) ++from;
-        if (from < near) return from;
-        auto* begin = const_cast<unichar*>(text.data());
-        return static_cast<std::size_t>(findMember(begin + from, begin + text.size(), _bitmap) - begin);
+        from = findMemberSingly(text, from, near, _bitmap);
+        return from < near ? from : from + findMember(text.substr(from), _bitmap);
     }
-    auto stops = [this](unichar unit) { return isSurrogate(unit) || (_bitmap[unit >> 3] >> (unit & 7) & 1); };
+    auto stops = [this](unichar unit) { return isSurrogate(unit) || isMember(_bitmap, unit); };
     while (from < text.size() && !stops(text[from])) ++from;
     return from;
 }
@@ -100,7 +134,7 @@ std::size_t MemberFinder::copyOthers(std::u16string_view text, unichar* to) cons
     std::size_t count = 0;
     for (unichar unit : text) {
         to[count] = unit;
-        count += !(_bitmap[unit >> 3] >> (unit & 7) & 1);
+        count += !isMember(_bitmap, unit);
     }
     return count;
 }

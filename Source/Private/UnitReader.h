@@ -19,8 +19,8 @@ class UnitReader {
     UnitReader& operator=(const UnitReader&) = delete;
 
     NSUInteger size() const { return _length; }
-    /// The units of [index, index + count), which are inside, in memory; none for a text that is not in one
-    /// piece.
+    /// Where the units from the index on stand in memory, if `count` of them are there and the text stands in
+    /// one piece; else null.
     const unichar* inMemory(NSUInteger index, NSUInteger count) const {
         return _count == _length && index <= _length && count <= _length - index ? _units + index : nullptr;
     }
@@ -41,7 +41,7 @@ class UnitReader {
         _units = _block;
     }
 
-    NSString* _string;
+    Unretained<NSString> _string;
     const unichar* _units;
     NSUInteger _length;
     NSUInteger _start = 0;

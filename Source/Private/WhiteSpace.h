@@ -16,8 +16,8 @@ class WhiteSpace {
     explicit WhiteSpace(std::u16string_view text)
         : _text(text), _words(std::make_unique_for_overwrite<std::uint64_t[]>(text.size() / 64 + 2)) {}
 
-    /// Reads from a place of the text to the line feed or form feed that comes next; answers where in the
-    /// text that is, or the text's end.
+    /// Reads from a place of the text to the next line feed or form feed, and returns its place in the text;
+    /// without one, to the text's end.
     std::size_t readParagraph(std::size_t start);
 
     /// The first white space in [from, end); `end` without any.

@@ -8,8 +8,9 @@ namespace pelvor {
 
 struct Category;
 
-/// The debug dictionary of any object: "__self__" is its class and address, "<OFTrie: 0x5581…>". Classes with
-/// more to show have an operation of the same name that adds to this. Borrowed; the caller may add to it.
+/// The debug dictionary of any object: under "__self__" it has class and address, "<OFTrie: 0x5581…>".
+/// Classes with more to show have an operation of the same name, which adds to this dictionary. Borrowed; the
+/// caller may add to it.
 PELVOR_EXPORT NSMutableDictionary* debugDictionary(NSObject* object);
 
 extern const Category NSObject_OFDebugging_category;

@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "Runtime/NSException.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {
@@ -19,7 +20,7 @@ unichar lowered(unichar unit) { return isCapital(unit) ? static_cast<unichar>(un
 void ensureRoom(OFCaseConversionBuffer* record, NSUInteger count) {
     if (count <= static_cast<NSUInteger>(record->bufferSize)) return;
     auto* larger = static_cast<unichar*>(std::realloc(record->buffer, std::size_t{count} * sizeof(unichar)));
-    if (!larger) throw NSException(NSMallocException, "no memory for a string in lower case");
+    if (!larger) throw NSException(NSMallocException, "OFCreateStringByLowercasingCharacters: no memory");
     record->buffer = larger;
     record->bufferSize = static_cast<std::int32_t>(count);
 }
@@ -40,6 +41,7 @@ void OFCaseConversionBufferDestroy(OFCaseConversionBuffer* record) {
 
 Retained<NSString> OFCreateStringByLowercasingCharacters(OFCaseConversionBuffer* record,
                                                          const unichar* characters, NSUInteger count) {
+    requireMemory(characters, count, "OFCreateStringByLowercasingCharacters:", "the characters");
     unichar joined = 0;
     bool hasCapital = false;
     for (NSUInteger i = 0; i < count; ++i) {
@@ -57,6 +59,7 @@ Retained<NSString> OFCreateStringByLowercasingCharacters(OFCaseConversionBuffer*
 }
 
 std::uint32_t OFCaseInsensitiveHash(const unichar* characters, NSUInteger length) {
+    requireMemory(characters, length, "OFCaseInsensitiveHash:", "the characters");
     std::uint32_t hash = 0;
     for (NSUInteger i = 0; i < length; ++i) {
         unichar unit = characters[i];

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Lower-case strings and case-blind hashes of plain units, without work where the text is plain ASCII.
+// Lower-case strings and hashes that do not tell the cases apart; quick where the text is plain ASCII.
 #pragma once
 
 #include <string>
@@ -9,26 +9,34 @@
 
 namespace pelvor {
 
-/// Storage that lower-casing uses again and again. Set up by `OFCaseConversionBufferInit`, freed by
-/// `OFCaseConversionBufferDestroy`; one thread at a time.
+/// Storage that lower-casing uses again and again:
+///
+///     OFCaseConversionBuffer buffer;
+///     OFCaseConversionBufferInit(&buffer);
+///     auto lower = OFCreateStringByLowercasingCharacters(&buffer, u"Word", 4);  // "word"
+///     OFCaseConversionBufferDestroy(&buffer);
+///
+/// One thread at a time.
 struct OFCaseConversionBuffer {
     NSMutableString* string = nullptr;  ///< owned
     unichar* buffer = nullptr;          ///< owned
     std::int32_t bufferSize = 0;        ///< in units, 128 at first
 };
 
-/// Makes room for 128 units.
+/// Sets a record up, with room for 128 units. Its contents before do not matter.
 PELVOR_EXPORT void OFCaseConversionBufferInit(OFCaseConversionBuffer* record);
-/// Frees what the record owns and zeroes it.
+/// Frees what the record owns, and zeroes the record.
 PELVOR_EXPORT void OFCaseConversionBufferDestroy(OFCaseConversionBuffer* record);
 
-/// An owned string of the units in lower case, of no language in particular.
+/// A new string of the units in lower case, by the rules of no language in particular. Raises
+/// NSInvalidArgumentException for null units with a count.
 PELVOR_EXPORT Retained<NSString> OFCreateStringByLowercasingCharacters(OFCaseConversionBuffer* record,
                                                                        const unichar* characters,
                                                                        NSUInteger count);
 
-/// The same for texts that differ in case only; 0 for none. Of text beyond printable ASCII it is the low
-/// half of the lower-case string's hash, which differs from process to process.
+/// A hash that is equal for texts that differ in case only; 0 for an empty text. The hash of text beyond
+/// printable ASCII differs from process to process. Raises NSInvalidArgumentException for null units with a
+/// length.
 PELVOR_EXPORT std::uint32_t OFCaseInsensitiveHash(const unichar* characters, NSUInteger length);
 
 }  // namespace pelvor

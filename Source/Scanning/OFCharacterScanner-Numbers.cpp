@@ -7,10 +7,8 @@
 
 #include "Scanning/OFCharacterScanner.h"
 #include "Scanning/Private/ScannerMark.h"
-
-#if defined(__x86_64__)
-#include <emmintrin.h>
-#endif
+#include "Shared/ArgumentChecks.h"
+#include "Shared/Vectors.h"
 
 namespace pelvor {
 namespace {
@@ -40,45 +38,35 @@ double scaled(double value, std::int64_t exponent) {
         return value * kept.five * kept.two;
     }
     auto power = static_cast<int>(std::clamp<std::int64_t>(exponent, -100000, 100000));
-    return std::ldexp(value * std::pow(5.0, power), power);
-}
-
-#if defined(__x86_64__)
-__m128i loadEight(const unichar* units) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units)); }
-
-// All bits of those of eight units that are no digits.
-__m128i areOthers(__m128i units) {
-    constexpr int kLeast = -0x8000;
-    __m128i fromLeast = _mm_add_epi16(units, _mm_set1_epi16(static_cast<short>(kLeast - u'0')));
-    return _mm_cmpgt_epi16(fromLeast, _mm_set1_epi16(kLeast + 9));
+    double five = std::pow(5.0, power);
+    return five == 0 ? std::copysign(0, value) : std::ldexp(value * five, power);
 }
 
 // How many digits are at the front of sixteen units, `max` at most. Where a number ends is hard to foresee:
 // no branch depends on it.
-unsigned leadingDigits(const unichar* units, unsigned max) {
-    __m128i others = _mm_packs_epi16(areOthers(loadEight(units)), areOthers(loadEight(units + 8)));
-    auto bits = static_cast<unsigned>(_mm_movemask_epi8(others));
-    return static_cast<unsigned>(std::countr_zero(bits | 1u << std::min(max, 16u)));
+unsigned leadingDigits(const unichar* units, NSUInteger max) {
+    auto areOthers = [](Units8 eight) { return eight - u'0' > 9; };
+    unsigned others = bitsOf(areOthers(loadUnits(units)), areOthers(loadUnits(units + 8)));
+    return static_cast<unsigned>(std::countr_zero(others | 1u << std::min(max, NSUInteger{16})));
 }
 
-// The value of the last `count` of sixteen units, which are digits.
-std::uint32_t valueOfDigits(const unichar* units, unsigned count) {
-    const __m128i first = _mm_set1_epi16(static_cast<short>(15 - count)), zero = _mm_set1_epi16(u'0');
-    auto digitsAt = [&](int from, __m128i places) {
-        return _mm_and_si128(_mm_sub_epi16(loadEight(units + from), zero), _mm_cmpgt_epi16(places, first));
-    };
-    __m128i low = digitsAt(0, _mm_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7));
-    __m128i high = digitsAt(8, _mm_setr_epi16(8, 9, 10, 11, 12, 13, 14, 15));
-    // Pairs, then fours, then eights.
-    const __m128i tens = _mm_set1_epi32(1 << 16 | 10), hundreds = _mm_set1_epi32(1 << 16 | 100),
-                  myriads = _mm_set1_epi32(1 << 16 | 10000);
-    __m128i fours =
-        _mm_madd_epi16(_mm_packs_epi32(_mm_madd_epi16(low, tens), _mm_madd_epi16(high, tens)), hundreds);
-    __m128i eights = _mm_madd_epi16(_mm_packs_epi32(fours, fours), myriads);
-    auto both = static_cast<std::uint64_t>(_mm_cvtsi128_si64(eights));
-    return static_cast<std::uint32_t>(both) * 100000000u + static_cast<std::uint32_t>(both >> 32);
+// The value of eight digits, each a byte, the first one lowest: pairs, then fours, then eight.
+std::uint64_t valueOfEight(std::uint64_t digits) {
+    digits = (digits * 10 + (digits >> 8)) & 0x00FF00FF00FF00FF;
+    digits = (digits * 100 + (digits >> 16)) & 0x0000FFFF0000FFFF;
+    return (digits * 10000 + (digits >> 32)) & 0xFFFFFFFF;
 }
-#endif
+
+// The value of the first `count` of sixteen units, which are digits.
+std::uint32_t valueOfDigits(const unichar* units, unsigned count) {
+    Bytes16 digits = lowBytes(loadUnits(units), loadUnits(units + 8)) - '0';
+    __extension__ unsigned __int128 all;
+    std::memcpy(&all, &digits, sizeof all);
+    // Zeros in front, in two steps: no shift is by the whole width.
+    all = all << 4 * (16 - count) << 4 * (16 - count);
+    auto first = static_cast<std::uint64_t>(all), second = static_cast<std::uint64_t>(all >> 64);
+    return static_cast<std::uint32_t>(valueOfEight(first) * 100000000 + valueOfEight(second));
+}
 
 bool isSign(unichar unit) { return unit == u'+' || unit == u'-'; }
 
@@ -86,18 +74,16 @@ bool isSign(unichar unit) { return unit == u'+' || unit == u'-'; }
 
 std::uint32_t OFCharacterScanner::scanUnsignedIntegerMaximumDigits(NSUInteger max) {
     std::uint32_t value = 0;
-#if defined(__x86_64__)
-    if (bufferedCount() >= 16 && _scanLocation - _inputBuffer >= 16) {
+    if (buffered().size() >= 16) {
         unsigned count = leadingDigits(_scanLocation, max);
+        value = valueOfDigits(_scanLocation, count);
         _scanLocation += count;
-        value = valueOfDigits(_scanLocation - 16, count);
         if (count < 16) return value;
         max -= count;
     }
-#endif
     while (max && hasCharacter()) {
         unichar* place = _scanLocation;
-        unichar* const end = place + std::min<std::size_t>(max, bufferedCount());
+        unichar* const end = place + std::min<std::size_t>(max, buffered().size());
         for (unsigned digit; place < end && (digit = *place - unsigned{u'0'}) < 10; ++place)
             value = value * 10 + digit;
         max -= static_cast<NSUInteger>(place - _scanLocation);
@@ -127,6 +113,7 @@ std::uint32_t OFCharacterScanner::scanHexadecimalNumberMaximumDigits(NSUInteger 
 
 bool OFCharacterScanner::scanDouble_maximumLength_exponentLength(double* value, NSUInteger maximumLength,
                                                                  NSUInteger exponentLength) {
+    requireArgument(value, "scanDouble:maximumLength:exponentLength:", "the value");
     Mark mark(*this);
     NSUInteger room = maximumLength, digits = 0, fraction = 0;
     unichar sign = room ? peekCharacter() : u'\0';
@@ -157,7 +144,7 @@ bool OFCharacterScanner::scanDouble_maximumLength_exponentLength(double* value, 
     return true;
 }
 
-// 0, with nothing consumed, if there is none.
+// Without an exponent it returns 0 and consumes nothing.
 std::int64_t OFCharacterScanner::scanExponent(NSUInteger room, NSUInteger exponentLength) {
     if (room < 2 || !exponentLength || (peekCharacter() | 0x20) != u'e') return 0;
     Mark mark(*this);
@@ -173,7 +160,11 @@ std::int64_t OFCharacterScanner::scanExponent(NSUInteger room, NSUInteger expone
         return 0;
     }
     mark.keep();
-    std::int64_t value = scanUnsignedIntegerMaximumDigits(std::min(room, exponentLength));
+    constexpr std::int64_t kLargest = std::int64_t{1} << 40;  // no number has as many digits behind its point
+    std::int64_t value = 0;
+    NSUInteger left = std::min(room, exponentLength);
+    for (int digit; left && (digit = digitOf(peekCharacter())) >= 0; --left, ++_scanLocation)
+        value = std::min(value * 10 + digit, kLargest);
     return sign == u'-' ? -value : value;
 }
 

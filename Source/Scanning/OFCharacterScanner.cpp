@@ -2,16 +2,19 @@
 #include "Scanning/OFCharacterScanner.h"
 
 #include <cstdlib>
+#include <memory>
 
 #include "BaseLibrary.h"
 #include "Foundation/NSCharacterSet.h"
+#include "Private/UnitFinding.h"
 #include "Runtime/NSException.h"
 #include "Scanning/NSObject-OFDebugging.h"
 #include "Scanning/OFTrie.h"
 #include "Scanning/Private/CaseForms.h"
 #include "Scanning/Private/ScannerMark.h"
 #include "Scanning/Private/TrieIndex.h"
-#include "Scanning/Private/UnitSpans.h"
+#include "Shared/ArgumentChecks.h"
+#include "Shared/SequenceSearch.h"
 
 namespace pelvor {
 
@@ -88,9 +91,19 @@ namespace {
         "EOF, or the current position and EOF if there are no rewind marks.");
 }
 
-void requireString(NSString* string, const char* operation) {
-    if (!string) throw NSException(NSInvalidArgumentException, std::string(operation) + " none given");
-}
+// Where a reading stops in the units that are buffered.
+struct AtUnit {
+    unichar unit;
+    std::size_t operator()(std::u16string_view buffered) const { return findUnit(buffered, unit); }
+    static constexpr bool mayBeEmpty = true;
+};
+struct AtMember {
+    Unretained<OFCharacterSet> set;
+    std::size_t operator()(std::u16string_view buffered) const {
+        return set ? findMember(buffered, set->bitmapRep()) : buffered.size();
+    }
+    static constexpr bool mayBeEmpty = false;
+};
 
 }  // namespace
 
@@ -107,7 +120,11 @@ bool OFCharacterScanner::fetchMoreDataFromCharacters_length_offset_freeWhenDone(
     NSUInteger location = scanLocation();
     bool isEmpty = !characters || !length;
     if (!isEmpty && (location < offset || location - offset > length))
-        raise("The new buffer does not hold the scan location");
+        raiseException(
+            OFCharacterConversionExceptionName,
+            u"fetchMoreDataFromCharacters:length:offset:freeWhenDone: the units from %u to %u do not hold "
+            u"the scan location %u"_ns,
+            offset, offset + length, location);
     if (_freeInputBuffer) std::free(_inputBuffer);
     _freeInputBuffer = freeWhenDone && !isEmpty;
     _inputStringPosition = offset;
@@ -125,20 +142,21 @@ bool OFCharacterScanner::fetchMoreDataFromCharacters_length_offset_freeWhenDone(
 
 void OFCharacterScanner::findNonASCII() {
     if (_firstNonASCIIOffset != NSNotFound) return;
-    unichar* found = findAbove(_inputBuffer, _scanEnd, 126);
-    if (found != _scanEnd)
-        _firstNonASCIIOffset = _inputStringPosition + static_cast<NSUInteger>(found - _inputBuffer);
+    std::u16string_view text(_inputBuffer, _scanEnd);
+    std::size_t place = findAbove(text, 126);
+    if (place < text.size()) _firstNonASCIIOffset = _inputStringPosition + static_cast<NSUInteger>(place);
 }
 
 bool OFCharacterScanner::fetchMoreDataFromString(NSString* string) {
     NSUInteger length = string ? string->length() : 0;
-    unichar* units = nullptr;
+    std::unique_ptr<unichar, decltype(&std::free)> units(nullptr, &std::free);
     if (length) {
-        units = static_cast<unichar*>(std::malloc(std::size_t{length} * sizeof(unichar)));
-        if (!units) throw NSException(NSMallocException, "no memory for a scanner's buffer");
-        string->getCharacters_range(units, {0, length});
+        units.reset(static_cast<unichar*>(std::malloc(std::size_t{length} * sizeof(unichar))));
+        if (!units) throw NSException(NSMallocException, "fetchMoreDataFromString: no memory for the buffer");
+        string->getCharacters_range(units.get(), {0, length});
     }
-    return fetchMoreDataFromCharacters_length_offset_freeWhenDone(units, length, scanLocation(), true);
+    return fetchMoreDataFromCharacters_length_offset_freeWhenDone(units.release(), length, scanLocation(),
+                                                                  true);
 }
 
 void OFCharacterScanner::setScanLocation(NSUInteger location) {
@@ -157,7 +175,9 @@ void OFCharacterScanner::moveTo(NSUInteger location) {
     }
     _scanEnd = _scanLocation = _inputBuffer;
     _inputStringPosition = location;
+    _hasFailedToRewind = true;
     _rewindCharacterSource();
+    _hasFailedToRewind = false;
 }
 
 void OFCharacterScanner::skipCharacters(NSInteger count) {
@@ -170,7 +190,7 @@ void OFCharacterScanner::skipCharacters(NSInteger count) {
         setScanLocation(scanLocation() + static_cast<NSUInteger>(count));
 }
 
-void OFCharacterScanner::raiseTooManyMarks() { raise("Attempt to set more than eight rewind marks"); }
+void OFCharacterScanner::raiseTooManyMarks() { raise("setRewindMark: there are eight rewind marks already"); }
 
 void OFCharacterScanner::rewindToMark() {
     if (!_rewindMarkCount) raise("Attempt to use nonexistent rewind mark");
@@ -191,7 +211,7 @@ bool OFCharacterScanner::matches(std::u16string_view lower, std::u16string_view 
 }
 
 bool OFCharacterScanner::scanString_peek(NSString* string, bool isPeek) {
-    requireString(string, "scanString:peek:");
+    requireArgument(string, "scanString:peek:", "the string");
     StringUnits text(string);
     Mark mark(*this);
     bool isMatch = matches(text, text);
@@ -199,7 +219,7 @@ bool OFCharacterScanner::scanString_peek(NSString* string, bool isPeek) {
 }
 
 bool OFCharacterScanner::scanStringCaseInsensitive_peek(NSString* string, bool isPeek) {
-    requireString(string, "scanStringCaseInsensitive:peek:");
+    requireArgument(string, "scanStringCaseInsensitive:peek:", "the string");
     if (!string->length()) return true;
     CaseForms forms = caseFormsOf(string);
     Mark mark(*this);
@@ -210,7 +230,7 @@ bool OFCharacterScanner::scanStringCaseInsensitive_peek(NSString* string, bool i
 template <class Find>
 bool OFCharacterScanner::scanUpTo(Find find) {
     while (hasCharacter()) {
-        _scanLocation = find(_scanLocation, _scanEnd);
+        _scanLocation += find(buffered());
         if (_scanLocation < _scanEnd) return true;
     }
     return false;
@@ -218,7 +238,7 @@ bool OFCharacterScanner::scanUpTo(Find find) {
 
 // Whether the text is next, with the place as it was.
 bool OFCharacterScanner::matchesHere(std::u16string_view lower, std::u16string_view upper) {
-    if (bufferedCount() >= lower.size()) {
+    if (buffered().size() >= lower.size()) {
         // It takes no mark, but fails where one is too many as it does at the buffer's end.
         requireRoomForMark();
         for (std::size_t i = 0; i < lower.size(); ++i)
@@ -240,63 +260,36 @@ bool OFCharacterScanner::scanUpToText(std::u16string_view lower, std::u16string_
 }
 
 bool OFCharacterScanner::scanUpToString(NSString* string) {
-    requireString(string, "scanUpToString:");
+    requireArgument(string, "scanUpToString:", "the string");
     if (!string->length()) return true;
     StringUnits text(string);
-    // Where the whole text can be in the buffer its last unit must follow, too.
-    std::size_t distance = text.size() - 1;
-    unichar first = text[0], last = text[static_cast<NSUInteger>(distance)];
-    return scanUpToText(text, text, [=](unichar* place, unichar* end) {
-        if (static_cast<std::size_t>(end - place) > distance) {
-            unichar* found = findPair(place, end - distance, first, last, distance);
-            if (found < end - distance) return found;
-            place = found;
-        }
-        return findUnit(place, end, first);
+    return scanUpToText(text, text, [&text](std::u16string_view buffered) {
+        std::size_t place = findSequence<unichar>(buffered, text.view());
+        if (place != kNoPlace) return place;
+        // It may begin where the buffer ends.
+        place = buffered.size() - std::min<std::size_t>(buffered.size(), text.size() - 1);
+        return place + findUnit(buffered.substr(place), text[0]);
     });
 }
 
 bool OFCharacterScanner::scanUpToStringCaseInsensitive(NSString* string) {
-    requireString(string, "scanUpToStringCaseInsensitive:");
+    requireArgument(string, "scanUpToStringCaseInsensitive:", "the string");
     if (!string->length()) return true;
     CaseForms forms = caseFormsOf(string);
     auto first = OFCharacterSet::init();
     first->addCharacter(forms.lower[0]);
     first->addCharacter(forms.upper[0]);
-    return scanUpToText(forms.lower, forms.upper, [&](unichar* place, unichar* end) {
-        return findMember(place, end, first->bitmapRep());
-    });
+    return scanUpToText(forms.lower, forms.upper, AtMember{first});
 }
 
-bool OFCharacterScanner::scanUpToCharacter(unichar character) {
-    return scanUpTo([=](unichar* place, unichar* end) { return findUnit(place, end, character); });
-}
+bool OFCharacterScanner::scanUpToCharacter(unichar character) { return scanUpTo(AtUnit{character}); }
 
 bool OFCharacterScanner::scanUpToCharacterInSet(NSCharacterSet* set) {
     auto members = OFCharacterSet::initWithCharacterSet(set);
-    return scanUpTo(
-        [&](unichar* place, unichar* end) { return findMember(place, end, members->bitmapRep()); });
+    return scanUpTo(AtMember{members});
 }
 
 // MARK: Tokens
-
-namespace {
-
-// Where tokens end.
-struct AtUnit {
-    unichar unit;
-    unichar* operator()(unichar* place, unichar* end) const { return findUnit(place, end, unit); }
-    static constexpr bool mayBeEmpty = true;
-};
-struct AtMember {
-    OFCharacterSet* set;
-    unichar* operator()(unichar* place, unichar* end) const {
-        return set ? findMember(place, end, set->bitmapRep()) : end;
-    }
-    static constexpr bool mayBeEmpty = false;
-};
-
-}  // namespace
 
 // The pieces of a token: one, as a rule.
 class OFCharacterScanner::Token {
@@ -323,17 +316,24 @@ class OFCharacterScanner::Token {
 
   private:
     OFCaseConversionBuffer* _lowering;
-    NSString* _string = nullptr;
+    Unretained<NSString> _string = nullptr;
     Retained<NSMutableString> _joined;
 };
+
+// Consumes the buffered units up to where the reading stops.
+template <class Find>
+std::u16string_view OFCharacterScanner::takeUpTo(Find find) {
+    std::u16string_view taken = buffered();
+    taken = taken.substr(0, find(taken));
+    _scanLocation += taken.size();
+    return taken;
+}
 
 template <class Find>
 NSString* OFCharacterScanner::readFragment(Find find) {
     if (!hasCharacter()) return nullptr;
-    unichar* start = _scanLocation;
-    _scanLocation = find(start, _scanEnd);
-    if (_scanLocation == start && !Find::mayBeEmpty) return nullptr;
-    return NSString::of({start, static_cast<std::size_t>(_scanLocation - start)});
+    std::u16string_view fragment = takeUpTo(find);
+    return fragment.empty() && !Find::mayBeEmpty ? nullptr : NSString::of(fragment);
 }
 
 NSString* OFCharacterScanner::readTokenFragmentWithDelimiterCharacter(unichar delimiter) {
@@ -352,10 +352,9 @@ NSString* OFCharacterScanner::readTokenFragmentWithDelimiters(NSCharacterSet* de
 template <class Find>
 void OFCharacterScanner::readPieces(Find find, Token& token) {
     while (hasCharacter()) {
-        unichar* start = _scanLocation;
-        _scanLocation = find(start, _scanEnd);
-        if (_scanLocation == start && !Find::mayBeEmpty) return;
-        token.add({start, static_cast<std::size_t>(_scanLocation - start)});
+        std::u16string_view piece = takeUpTo(find);
+        if (piece.empty() && !Find::mayBeEmpty) return;
+        token.add(piece);
         if (_scanLocation < _scanEnd) return;
     }
 }
@@ -396,6 +395,7 @@ NSString* OFCharacterScanner::readFullTokenOfSet(NSCharacterSet* set) {
 }
 
 NSString* OFCharacterScanner::readFullTokenUpToString(NSString* string) {
+    requireArgument(string, "readFullTokenUpToString:", "the string");
     Mark mark(*this);
     NSUInteger start = scanLocation();
     scanUpToString(string);
@@ -414,13 +414,12 @@ NSString* OFCharacterScanner::readLine() {
 
 NSString* OFCharacterScanner::readCharacterCount(NSUInteger count) {
     Retained<NSMutableString> pieces;
-    while (bufferedCount() < count) {
-        auto buffered = static_cast<NSUInteger>(bufferedCount());
+    while (buffered().size() < count) {
         if (!pieces) pieces = NSMutableString::init();
-        pieces->append({_scanLocation, buffered});
-        count -= buffered;
+        pieces->append(buffered());
+        count -= static_cast<NSUInteger>(buffered().size());
         _scanLocation = _scanEnd;
-        if (!fetchMoreData()) return nullptr;
+        if (!hasCharacter()) return nullptr;
     }
     std::u16string_view rest(_scanLocation, count);
     _scanLocation += count;
@@ -442,7 +441,7 @@ bool OFCharacterScanner::matchesRemainder(OFTrieBucket* bucket) {
     return true;
 }
 
-// The bucket, or none and back at the mark if a delimiter should follow and does not.
+// Returns the bucket; null, and goes back to the mark, where a delimiter should follow and does not.
 OFTrieBucket* OFCharacterScanner::finishElement(Mark& mark, OFTrieBucket* bucket,
                                                 OFCharacterSet* delimiters) {
     bool isFound = bucket;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// OFCharacterScanner: reads UTF-16 text unit by unit out of a buffer that a source fills again and again.
+// OFCharacterScanner: reads UTF-16 text out of a buffer that a source fills again and again.
 #pragma once
 
 #include <string>
@@ -13,21 +13,34 @@ namespace pelvor {
 class OFTrie;
 class OFTrieBucket;
 
-/// What reads answer at the end of the data.
+/// What reads of one character return at the end of the data.
 inline constexpr unichar OFCharacterScannerEndOfDataCharacter = 0;
-/// The name of the exceptions that misuse of a scanner raises.
+/// The name of the exceptions that a misused scanner raises.
 inline constexpr char OFCharacterConversionExceptionName[] = "OFCharacterConversionException";
 
-/// Reads characters, numbers, strings, tokens, lines and trie elements. Positions are absolute: units from
-/// the start of the input, whatever the buffer holds. Marks let a reading be tried and given back:
+/// Reads characters, numbers, strings, tokens, lines and trie elements:
+///
+///     auto scanner = OFStringScanner::initWithString(u"width = 12.5 cm"_ns);
+///     NSString* name = scanner->readFullTokenWithDelimiterCharacter(u' ');  // "width"
+///     scanner->scanUpToCharacter(u'=');
+///     scanner->skipCharacters(2);
+///     double value = 0;
+///     scanner->scanDouble_maximumLength_exponentLength(&value, 20, 3);  // 12.5
+///
+/// Positions are absolute: they count UTF-16 units from the start of the input, whatever part of it is in the
+/// buffer. Rewind marks let a caller try a reading and give it back:
 ///
 ///     scanner->setRewindMark();
 ///     if (scanner->scanString_peek(u"BEGIN"_ns, false)) scanner->discardRewindMark();
 ///     else scanner->rewindToMark();
 ///
-/// This class has no source; OFStringScanner has a string. A subclass that streams overrides `fetchMoreData`
-/// and, to go back further than its buffer, `_rewindCharacterSource`. At the end of the data reads answer 0,
-/// false or none. Strings answered are borrowed. One thread at a time.
+/// This class has no source of text. OFStringScanner reads a string; a subclass that reads something else
+/// overrides `fetchMoreData` and, if it can go back further than its buffer, `_rewindCharacterSource`.
+/// `Examples/FileScanner.h` is such a subclass, to be copied.
+///
+/// At the end of the data reads return 0, false or null. The strings and elements that they return are
+/// borrowed. A null string raises NSInvalidArgumentException; a null set has no members. A misused mark or
+/// location raises OFCharacterConversionExceptionName. One thread at a time.
 class PELVOR_EXPORT OFCharacterScanner : public NSObject {
     PELVOR_CLASS(OFCharacterScanner, NSObject);
     PELVOR_CREATORS(init);
@@ -37,78 +50,94 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
 
     // Buffer and position
 
-    /// Puts the units from the present position on into the buffer, by one of the two operations that follow;
-    /// false at the end of the data.
+    /// The scanner calls this when its buffer is used up. An override puts the units from `scanLocation()` on
+    /// into the buffer, by one of the two operations that follow, and returns their result; it returns false
+    /// at the end of the data. This class has no data.
     virtual bool fetchMoreData();
-    /// Makes the units the buffer, in place of the previous one. `offset` is the position of the first of
-    /// them; the scan location stays. With `freeWhenDone` they come from `malloc` and are freed by the
-    /// scanner. False, and an empty buffer, without units. Raises if the scan location is not among the
-    /// units or just after them.
+    /// Replaces the buffer by `length` units, of which the first stands at the position `offset`; the scan
+    /// location stays what it was. With `freeWhenDone` the units come from `malloc` and the scanner frees
+    /// them; without it they must outlive their use as the buffer. Returns false, and leaves an empty buffer,
+    /// where the pointer is null or the length 0. Raises if the scan location lies neither among the units
+    /// nor just behind them.
     bool fetchMoreDataFromCharacters_length_offset_freeWhenDone(unichar* characters, NSUInteger length,
                                                                 NSUInteger offset, bool freeWhenDone);
-    /// The same with a copy of the string, whose first unit is at the present position.
+    /// Replaces the buffer by a copy of the string, whose first unit stands at the scan location. Returns
+    /// false, and leaves an empty buffer, for an empty string or null.
     bool fetchMoreDataFromString(NSString* string);
-    /// Called with an empty buffer when a position outside it has been set, which `scanLocation` then
-    /// answers. A source that can go there makes ready to; this class raises.
+    /// The scanner calls this when it has moved to a position outside the buffer: the buffer is empty then,
+    /// and `scanLocation()` is the new position. An override makes the source ready to go on from there. This
+    /// class raises "Attempt to rewind a nonrewindable stream".
     virtual void _rewindCharacterSource();
+    /// How many units of the input come before the next one that is read.
     NSUInteger scanLocation() {
         return static_cast<NSUInteger>(_scanLocation - _inputBuffer) + _inputStringPosition;
     }
-    /// Goes forward, or back as far as the last mark; otherwise raises.
+    /// Moves forward, or back as far as the most recent mark. Raises for a location further back, or one that
+    /// the source cannot go to.
     void setScanLocation(NSUInteger location);
-    /// Moves within the buffer, even back, without asking for marks; beyond it like `setScanLocation`.
+    /// Moves by so many units: inside the buffer without looking at marks, beyond it like `setScanLocation`.
     void skipCharacters(NSInteger count);
-    /// Remembers the position. Each mark, at most eight, needs one of the two that follow.
+    /// Remembers the scan location. There can be eight marks; each of them is ended by one of the two
+    /// operations that follow. Raises for a ninth.
     void setRewindMark() {
         normalize();
         requireRoomForMark();
         _rewindMarkOffsets[_rewindMarkCount++] = scanLocation();
     }
-    /// Goes to the last mark, and forgets it. Raises if there is none.
+    /// Moves to the most recent mark and forgets the mark. Raises if there is none, or if the source cannot
+    /// go back; the mark stays then.
     void rewindToMark();
-    /// Forgets the last mark, if there is one.
+    /// Forgets the most recent mark, if there is one.
     void discardRewindMark() {
         if (_rewindMarkCount) --_rewindMarkCount;
     }
-    /// Whether a unit above 126 lies before the scan location.
+    /// Whether a unit above U+007E lies before the scan location.
     bool hasScannedNonASCII() { return _firstNonASCIIOffset < scanLocation(); }
 
     // Characters
 
+    /// The next unit, which stays the next one.
     unichar peekCharacter() { return hasCharacter() ? *_scanLocation : OFCharacterScannerEndOfDataCharacter; }
-    /// Only after a peek that did not answer the end.
+    /// Consumes the unit that `peekCharacter` has just returned.
     void skipPeekedCharacter() {
         if (_scanLocation < _scanEnd) ++_scanLocation;
     }
+    /// Consumes the next unit and returns it.
     unichar readCharacter() {
         return hasCharacter() ? *_scanLocation++ : OFCharacterScannerEndOfDataCharacter;
     }
 
-    // Numbers: digits as far as they go and `max` allows, a sign apart. They wrap at 2^32.
+    // Numbers. The three integers read at most `max` digits; without a digit they are 0. They wrap at 2^32.
 
     std::uint32_t scanUnsignedIntegerMaximumDigits(NSUInteger max);
-    /// After "+" or "-", which stays consumed without digits, too.
+    /// Reads a "+" or "-" first, which is no digit. A sign without digits behind it stays consumed.
     std::int32_t scanIntegerMaximumDigits(NSUInteger max);
+    /// Digits of either case, without "0x".
     std::uint32_t scanHexadecimalNumberMaximumDigits(NSUInteger max);
-    /// Sign, digits with a point and exponent, within `maximumLength` units, the exponent's digits within
-    /// `exponentLength`. False, with nothing consumed and `value` as it was, without a digit.
+    /// Reads a sign, digits with at most one point among them, and "e" with an exponent, within
+    /// `maximumLength` units; the exponent has at most `exponentLength` digits. An exponent that is too large
+    /// makes the number infinite, or 0 if the exponent is negative. Without a digit it returns false,
+    /// consumes nothing and leaves `value` alone. Raises NSInvalidArgumentException if `value` is null.
     bool scanDouble_maximumLength_exponentLength(double* value, NSUInteger maximumLength,
                                                  NSUInteger exponentLength);
 
     // Matching. The empty string matches everywhere.
 
-    /// Whether the string is next; it is consumed then, unless this is a peek.
+    /// Whether the string comes next. It is consumed then, unless this is a peek.
     bool scanString_peek(NSString* string, bool isPeek);
+    /// The same where each unit may be the upper-case or the lower-case form of the string's unit.
     bool scanStringCaseInsensitive_peek(NSString* string, bool isPeek);
-    /// Go to the next occurrence; false, at the end of the data, if there is none.
+    // Moving to the next occurrence, which is not consumed. Without one, the result is false and the scanner
+    // is at the end of the data.
+
     bool scanUpToString(NSString* string);
     bool scanUpToStringCaseInsensitive(NSString* string);
     bool scanUpToCharacter(unichar character);
     bool scanUpToCharacterInSet(NSCharacterSet* set);
 
-    // Tokens end before a delimiter, which is not consumed. None at the end of the data; at a delimiter the
-    // forms with one character answer the empty string and those with a set none. Fragments end with the
-    // buffer, too.
+    // Tokens. A token ends before a delimiter, which is not consumed, or at the end of the data; a fragment
+    // ends with the buffer, too. At the end of the data the result is null. At a delimiter the forms that
+    // take one character return an empty string, and those that take a set return null.
 
     NSString* readTokenFragmentWithDelimiterCharacter(unichar delimiter);
     NSString* readTokenFragmentWithDelimiterOFCharacterSet(OFCharacterSet* delimiters);
@@ -119,27 +148,32 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
     NSString* readFullTokenWithDelimiterOFCharacterSet_forceLowercase(OFCharacterSet* delimiters,
                                                                       bool forceLowercase);
     NSString* readFullTokenWithDelimiters_forceLowercase(NSCharacterSet* delimiters, bool forceLowercase);
-    /// The members of the set that are next; none if there are none.
+    /// The longest run of members of the set that comes next; null if a unit that is no member comes next.
     NSString* readFullTokenOfSet(NSCharacterSet* set);
-    /// Up to the next occurrence or the end of the data; empty for nothing.
+    /// The text before the next occurrence of the string, or before the end of the data; it may be empty.
     NSString* readFullTokenUpToString(NSString* string);
-    /// Up to CR, LF or CR LF, which is consumed. None for an empty line as well as at the end.
+    /// The text before the next CR, LF or CR LF, which is consumed. Null for an empty line, and also at the
+    /// end of the data: `peekCharacter` tells the two apart beforehand.
     NSString* readLine();
-    /// None, and the end of the data reached, if there are fewer.
+    /// The next `count` units. If there are fewer, the result is null and the scanner is at the end of the
+    /// data.
     NSString* readCharacterCount(NSUInteger count);
 
-    // Trie elements
+    // Trie elements: the words of a trie that come next. Without one the result is null.
 
     OFTrieBucket* readLongestTrieElement(OFTrie* trie);
-    /// With a set, only an element that is followed by a member or the end of the data.
+    /// Takes only an element that is followed by a member of the set or by the end of the data, unless the
+    /// set is null.
     OFTrieBucket* readLongestTrieElement_delimiterOFCharacterSet(OFTrie* trie, OFCharacterSet* delimiters);
-    /// The first element on the way. Its last unit is not consumed if longer elements begin with it, and a
-    /// failed read leaves consumed what matched; an element that no other one continues has to repeat the
-    /// unit that leads to it.
+    /// The first element that ends on the way through the trie. If longer elements begin with it, its last
+    /// unit is not consumed. If none does, its remaining units are compared from the unit on that leads to
+    /// them, which is not consumed before: "aab", as the only word, is found where "ab" stands. A reading
+    /// that fails leaves consumed what has matched.
     OFTrieBucket* readShortestTrieElement(OFTrie* trie);
 
-    /// The root's dictionary with "inputStringPosition" and, while there is a buffer, "inputString",
-    /// "inputStringLength" and "inputScanLocation", the place in it. Borrowed.
+    /// The debug dictionary of any object with "inputStringPosition", the position of the buffer's first
+    /// unit, and, while there is a buffer, "inputString", "inputStringLength" and "inputScanLocation", the
+    /// place in the buffer. Borrowed.
     NSMutableDictionary* debugDictionary();
 
   protected:
@@ -151,12 +185,12 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
     class Mark;
     class Token;
 
-    // A source may say that there is more and bring none.
+    // A source may say that there is more and bring nothing.
     bool hasCharacter() { return _scanLocation < _scanEnd || (fetchMoreData() && _scanLocation < _scanEnd); }
     void normalize() {
         if (_scanLocation >= _scanEnd && !fetchMoreData()) _scanLocation = _scanEnd;
     }
-    std::size_t bufferedCount() const { return static_cast<std::size_t>(_scanEnd - _scanLocation); }
+    std::u16string_view buffered() const { return {_scanLocation, _scanEnd}; }
     void findNonASCII();
     // Goes anywhere, whatever marks there are.
     void moveTo(NSUInteger location);
@@ -170,6 +204,8 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
     bool scanUpTo(Find find);
     template <class Find>
     bool scanUpToText(std::u16string_view lower, std::u16string_view upper, Find find);
+    template <class Find>
+    std::u16string_view takeUpTo(Find find);
     template <class Find>
     NSString* readFragment(Find find);
     template <class Find>
@@ -186,6 +222,7 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
     unichar* _scanEnd = nullptr;
     std::uint32_t _inputStringPosition = 0;
     bool _freeInputBuffer = false;
+    bool _hasFailedToRewind = false;
     OFCaseConversionBuffer _caseBuffer;
 };
 

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Scanning/OFCharacterSet.h"
 
-#include <cstring>
-
 #include "BaseLibrary.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSMutableString.h"
 #include "Scanning/NSObject-OFDebugging.h"
+#include "Shared/Vectors.h"
 
 namespace pelvor {
 
@@ -60,16 +59,10 @@ void forRange(NSRange range, Change change) {
     if (end > kUnitCount) forBytes(0, end - kUnitCount, change);
 }
 
-// What compilers turn into the machine's vectors.
-using Bytes16 = std::uint8_t __attribute__((vector_size(16)));
-
 template <class Combination>
 void combine(std::uint8_t* bitmap, const std::uint8_t* other, Combination combination) {
     for (std::size_t i = 0; i < OFCharacterSet::kBitmapSize; i += sizeof(Bytes16)) {
-        Bytes16 own, its;
-        std::memcpy(&own, bitmap + i, sizeof own);
-        std::memcpy(&its, other + i, sizeof its);
-        own = combination(own, its);
+        Bytes16 own = combination(loadBytes(bitmap + i), loadBytes(other + i));
         std::memcpy(bitmap + i, &own, sizeof own);
     }
 }

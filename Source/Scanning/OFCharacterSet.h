@@ -13,10 +13,15 @@ class NSCharacterSet;
 class NSMutableDictionary;
 class NSString;
 
-/// A set of UTF-16 code units as a bitmap of 8192 bytes: the bit of unit c is in byte c >> 3 at 1 << (c & 7),
-/// as in the bitmap of a platform set. Halves of pairs are units like others; a code point above U+FFFF
-/// cannot be a member. Mutable; whoever made a set owns it. One thread at a time. Operations that take
-/// another set or a string do nothing with none.
+/// A mutable set of UTF-16 code units, kept as a bitmap:
+///
+///     auto ends = OFCharacterSet::initWithString(u"\r\n"_ns);
+///     ends->addCharactersInRange({0x2028, 2});
+///     if (ends->characterIsMember(unit)) …
+///
+/// The bitmap has 8192 bytes; the bit of unit c is 1 << (c & 7) in byte c >> 3, as in the bitmap of a
+/// platform set. A half of a surrogate pair is a unit like others; a code point above U+FFFF cannot be a
+/// member. A null string or a null other set has no members. One thread at a time.
 class PELVOR_EXPORT OFCharacterSet : public NSObject {
     PELVOR_CLASS(OFCharacterSet, NSObject);
     PELVOR_CREATORS(characterSetWithString, init, initWithCharacterSet, initWithOFCharacterSet,
@@ -25,9 +30,9 @@ class PELVOR_EXPORT OFCharacterSet : public NSObject {
   public:
     static constexpr std::size_t kBitmapSize = 8192;
 
-    /// A borrowed set of the string's units.
+    /// A new set of the string's units, borrowed.
     static OFCharacterSet* characterSetWithString(NSString* string, Class* cls = classObject());
-    /// Space, tab, carriage return and line feed: one set for all, which nobody may change.
+    /// Space, tab, carriage return and line feed. Everybody gets the same set, which nobody may change.
     static OFCharacterSet* whitespaceOFCharacterSet();
 
     /// An empty set.
@@ -36,22 +41,22 @@ class PELVOR_EXPORT OFCharacterSet : public NSObject {
     static Retained<OFCharacterSet> initWithOFCharacterSet(OFCharacterSet* set, Class* cls = classObject());
     static Retained<OFCharacterSet> initWithString(NSString* string, Class* cls = classObject());
 
-    /// Not 0 for a member: the unit's bit where it stands in its byte.
+    /// Not 0 if the unit is a member; the value is the unit's bit in its byte.
     std::uint8_t characterIsMember(unichar unit) {
         return static_cast<std::uint8_t>(_bitmapRep[unit >> 3] & (1u << (unit & 7)));
     }
 
     void addCharacter(unichar unit) { _bitmapRep[unit >> 3] |= bitOf(unit); }
     void removeCharacter(unichar unit) { _bitmapRep[unit >> 3] &= static_cast<std::uint8_t>(~bitOf(unit)); }
-    /// The values of the range, each cut to 16 bits: a range past U+FFFF goes on at U+0000.
+    /// Takes each value of the range modulo 2^16: a range that runs past U+FFFF goes on at U+0000.
     void addCharactersInRange(NSRange range);
     void removeCharactersInRange(NSRange range);
-    /// Each unit of the string, both halves of a pair included.
+    /// Takes each unit of the string; of a surrogate pair, both halves.
     void addCharactersInString(NSString* string);
     void removeCharactersInString(NSString* string);
     void addCharactersFromOFCharacterSet(OFCharacterSet* other);
     void removeCharactersFromOFCharacterSet(OFCharacterSet* other);
-    /// The platform set's members up to U+FFFF.
+    /// Takes the platform set's members up to U+FFFF.
     void addCharactersFromCharacterSet(NSCharacterSet* other);
     void removeCharactersFromCharacterSet(NSCharacterSet* other);
     void addAllCharacters() { _bitmapRep.fill(0xFF); }
@@ -59,12 +64,14 @@ class PELVOR_EXPORT OFCharacterSet : public NSObject {
     void invert();
 
     // C++ only
-    /// The bitmap itself, as long as the set lives.
+    /// The bitmap itself; it lives as long as the set and changes with it.
     const std::uint8_t* bitmapRep() const { return _bitmapRep.data(); }
 
-    /// The root's dictionary with the members under "ranges": "'a' - 'c', 'x'". Borrowed.
+    /// The debug dictionary of any object with the members under "ranges", as in "'a' - 'c', 'x'". Borrowed.
     NSMutableDictionary* debugDictionary();
 
+    /// A set of the same class with the same members.
+    Retained<OFCharacterSet> copy() { return cast<OFCharacterSet>(copyWithZone(nullptr)); }
     Retained<Object> copyWithZone(void* zone) override;
 
   protected:

@@ -4,14 +4,13 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cstring>
 #include <string>
 
 #include "Foundation/NSString.h"
 #include "Runtime/NSException.h"
 #include "Scanning/Private/UTF8Step.h"
-#include "Scanning/Private/WideDecoding.h"
-#include "Scanning/Private/WideInstructions.h"
+#include "Shared/ArgumentChecks.h"
+#include "Shared/Vectors.h"
 
 namespace pelvor {
 namespace {
@@ -26,64 +25,62 @@ constexpr unichar kWindowsLatin1[] = {
 };
 static_assert(std::size(kWindowsLatin1) == 32);
 
-// What stands at 0x80 to 0xFF.
-using UpperHalf = std::array<unichar, 128>;
+// What each byte stands for.
+using Table = std::array<unichar, 256>;
 
-// A platform encoding, byte by byte.
-UpperHalf platformHalf(NSStringEncoding encoding) {
-    UpperHalf half;
-    for (unsigned i = 0; i < half.size(); ++i) {
-        char byte = static_cast<char>(0x80 + i);
-        auto units = decodeBytes({&byte, 1}, encoding);
-        half[i] = units && units->size() == 1 ? units->front() : kReplacement;
-    }
-    return half;
+template <class UnitOf>
+Table tableOf(UnitOf unitOf) {
+    Table table;
+    for (unsigned byte = 0; byte < table.size(); ++byte)
+        table[byte] = byte < 0x80 ? static_cast<unichar>(byte) : unitOf(byte);
+    return table;
 }
 
-UpperHalf latin1Half(CFStringEncoding encoding) {
-    UpperHalf half;
-    for (unsigned i = 0; i < half.size(); ++i) half[i] = static_cast<unichar>(0x80 + i);
-    for (unsigned i = 0; i < 32; ++i)
-        half[i] = encoding == kCFStringEncodingWindowsLatin1 ? kWindowsLatin1[i] : kReplacement;
-    return half;
+Table platformTable(NSStringEncoding encoding) {
+    return tableOf([=](unsigned byte) {
+        char character = static_cast<char>(byte);
+        auto units = decodeBytes({&character, 1}, encoding);
+        return units && units->size() == 1 ? units->front() : kReplacement;
+    });
 }
 
-UpperHalf asciiHalf() {
-    UpperHalf half;
-    half.fill(kReplacement);
-    return half;
+Table latin1Table(const unichar* controls) {
+    return tableOf([=](unsigned byte) {
+        if (byte >= 0xA0) return static_cast<unichar>(byte);
+        return controls ? controls[byte - 0x80] : kReplacement;
+    });
 }
 
-// None for an encoding that is not a byte a character.
-const UpperHalf* upperHalfOf(CFStringEncoding encoding) {
+// Null for an encoding that is not a byte a character.
+const Table* tableOfEncoding(CFStringEncoding encoding) {
     switch (encoding) {
         case kCFStringEncodingMacRoman: {
-            static const UpperHalf half = platformHalf(NSMacOSRomanStringEncoding);
-            return &half;
+            static const Table table = platformTable(NSMacOSRomanStringEncoding);
+            return &table;
         }
         case kCFStringEncodingISOLatin1: {
-            static const UpperHalf half = latin1Half(encoding);
-            return &half;
+            static const Table table = latin1Table(nullptr);
+            return &table;
         }
         case kCFStringEncodingWindowsLatin1: {
-            static const UpperHalf half = latin1Half(encoding);
-            return &half;
+            static const Table table = latin1Table(kWindowsLatin1);
+            return &table;
         }
         case kCFStringEncodingASCII: {
-            static const UpperHalf half = asciiHalf();
-            return &half;
+            static const Table table = tableOf([](unsigned) { return kReplacement; });
+            return &table;
         }
         case kCFStringEncodingKOI8_R: {
-            static const UpperHalf half = platformHalf(0x80000000u | kCFStringEncodingKOI8_R);
-            return &half;
+            static const Table table = platformTable(0x80000000u | kCFStringEncodingKOI8_R);
+            return &table;
         }
         case kCFStringEncodingMacRomanLatin1: {
-            static const UpperHalf half = platformHalf(0x80000000u | kCFStringEncodingMacRomanLatin1);
-            return &half;
+            static const Table table = platformTable(0x80000000u | kCFStringEncodingMacRomanLatin1);
+            return &table;
         }
         case kCFStringEncodingNextStepLatin: {
-            static const UpperHalf half = platformHalf(NSNEXTSTEPStringEncoding);
-            return &half;
+            static const Table table = platformTable(NSNEXTSTEPStringEncoding);
+            return &table;
         }
         default:
             return nullptr;
@@ -114,32 +111,24 @@ NSStringEncoding stringEncodingOf(CFStringEncoding encoding) {
                    static_cast<int>(encoding), name->length() ? name : nullptr);
 }
 
-using Bytes16 = std::uint8_t __attribute__((vector_size(16)));
-using Units16 = std::uint16_t __attribute__((vector_size(32)));
-
-// Sixteen bytes as units, then those again that are in [0x80, 0x80 + span).
-void decodeSixteen(const UpperHalf& half, unsigned span, const unsigned char* bytes, unichar* units) {
-    Bytes16 block;
-    std::memcpy(&block, bytes, sizeof block);
-    Units16 wide = __builtin_convertvector(block, Units16);
-    std::memcpy(units, &wide, sizeof wide);
-    auto special = static_cast<Bytes16>(block - 0x80 < static_cast<std::uint8_t>(span));
-    std::uint64_t words[2];
-    std::memcpy(words, &special, sizeof words);
-    if (!(words[0] | words[1])) return;
-    for (int i = 0; i < 16; ++i)
-        if (bytes[i] >= 0x80) units[i] = half[bytes[i] & 0x7F];
-}
-
-void decodeSingly(const UpperHalf& half, const unsigned char* bytes, NSUInteger count, unichar* units) {
-    // How many places from 0x80 on may be something else than their byte.
-    unsigned span = 0x80;
-    while (span > 0 && half[span - 1u] == 0x80 + span - 1) --span;
-    if (instructionsInUse() == Instructions::avx512)
-        return decodeSinglyWide(half.data(), span, bytes, count, units);
+// Most bytes stand for themselves: blocks are widened, and the other bytes then looked up one by one.
+void decodeSingly(const Table& table, const unsigned char* bytes, NSUInteger count, unichar* units) {
+    using Units16 = std::uint16_t __attribute__((vector_size(32)));
+    // How many places from 0x80 on may stand for something else.
+    unsigned end = 0x100;
+    while (end > 0x80 && table[end - 1] == end - 1) --end;
+    const auto span = static_cast<std::uint8_t>(end - 0x80);
     NSUInteger i = 0;
-    for (; count - i >= 16; i += 16) decodeSixteen(half, span, bytes + i, units + i);
-    for (; i < count; ++i) units[i] = bytes[i] < 0x80 ? bytes[i] : half[bytes[i] & 0x7F];
+    for (; count - i >= 16; i += 16) {
+        Bytes16 block = loadBytes(bytes + i);
+        auto wide = __builtin_convertvector(block, Units16);
+        std::memcpy(units + i, &wide, sizeof wide);
+        for (unsigned others = bitsOf(block - 0x80 < span); others; others &= others - 1) {
+            auto place = i + static_cast<NSUInteger>(std::countr_zero(others));
+            units[place] = table[bytes[place]];
+        }
+    }
+    for (; i < count; ++i) units[i] = table[bytes[i]];
 }
 
 }  // namespace
@@ -148,7 +137,7 @@ bool OFCanScanEncoding(CFStringEncoding encoding) {
     return encoding == kCFStringEncodingUTF8 || OFEncodingIsSimple(encoding);
 }
 
-bool OFEncodingIsSimple(CFStringEncoding encoding) { return upperHalfOf(encoding) != nullptr; }
+bool OFEncodingIsSimple(CFStringEncoding encoding) { return tableOfEncoding(encoding) != nullptr; }
 
 OFStringDecoderState OFInitialStateForEncoding(CFStringEncoding encoding) {
     if (!OFCanScanEncoding(encoding)) raiseUnsupported(encoding);
@@ -162,16 +151,18 @@ bool OFDecoderContainsPartialCharacters(OFStringDecoderState state) {
 OFCharacterScanResult OFScanCharactersIntoBuffer(OFStringDecoderState state, const unsigned char* bytes,
                                                  NSUInteger byteCount, unichar* characters,
                                                  NSUInteger capacity) {
+    requireMemory(bytes, byteCount, "OFScanCharactersIntoBuffer:", "the bytes");
+    requireMemory(characters, capacity, "OFScanCharactersIntoBuffer:", "the characters");
     if (state.encoding == kCFStringEncodingUTF8) {
         UTF8Step step(state, {bytes, byteCount}, {characters, capacity});
         step.run();
         return {state, static_cast<NSUInteger>(step.input() - bytes),
                 static_cast<NSUInteger>(step.output() - characters)};
     }
-    const UpperHalf* half = upperHalfOf(state.encoding);
-    if (!half) raiseUnsupported(state.encoding);
+    const Table* table = tableOfEncoding(state.encoding);
+    if (!table) raiseUnsupported(state.encoding);
     NSUInteger count = std::min(byteCount, capacity);
-    decodeSingly(*half, bytes, count, characters);
+    decodeSingly(*table, bytes, count, characters);
     return {state, count, count};
 }
 

@@ -6,13 +6,14 @@
 
 namespace pelvor {
 
-/// Reads a copy of the string's units, in one buffer; it can move anywhere in it that marks allow.
+/// Reads a string, whose units it copies into one buffer; OFCharacterScanner has an example. Within the
+/// string it can move wherever marks allow.
 class PELVOR_EXPORT OFStringScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreators {
     PELVOR_CLASS(OFStringScanner, OFCharacterScanner);
     PELVOR_CREATORS(initWithString);
 
   public:
-    /// The string is retained; no string counts as an empty one.
+    /// Retains the string. Null counts as an empty string.
     static Retained<OFStringScanner> initWithString(NSString* string, Class* cls = classObject());
 
   protected:

@@ -14,14 +14,16 @@ namespace pelvor {
 class OFTrieEnumerator;
 class TrieIndex;
 
-/// Maps strings to buckets, which it retains:
+/// Maps strings to buckets, which callers subclass for what they want to find:
 ///
 ///     auto trie = OFTrie::initCaseSensitive(false);
-///     trie->addBucket_forString(bucket, u"Chapter"_ns);
-///     scanner->readLongestTrieElement(trie);
+///     trie->addBucket_forString(chapter, u"Chapter"_ns);
+///     trie->addBucket_forString(section, u"Section"_ns);
+///     auto scanner = OFStringScanner::initWithString(u"CHAPTER 1"_ns);
+///     OFTrieBucket* found = scanner->readLongestTrieElement(trie);  // chapter
 ///
-/// A trie that does not tell the cases apart holds both forms of every unit, so that looking up folds
-/// nothing. A string is taken up to its first U+0000. One thread at a time.
+/// The trie retains its buckets. One that does not tell the cases apart holds both forms of every unit, so
+/// that a look-up has nothing to convert. A string counts up to its first U+0000. One thread at a time.
 class PELVOR_EXPORT OFTrie : public NSObject {
     PELVOR_CLASS(OFTrie, NSObject);
     PELVOR_CREATORS(initCaseSensitive);
@@ -30,23 +32,25 @@ class PELVOR_EXPORT OFTrie : public NSObject {
     static Retained<OFTrie> initCaseSensitive(bool isCaseSensitive, Class* cls = classObject());
 
     bool isCaseSensitive() { return _caseSensitive; }
-    /// Where every walk begins; borrowed.
+    /// The node at which every walk begins; borrowed.
     OFTrieNode* headNode() { return _head; }
 
-    /// Stores the bucket, in place of one that the string has already. Nothing happens without either.
+    /// Stores the bucket under the string, in place of the bucket that is there already. Does nothing if
+    /// either is null.
     void addBucket_forString(OFTrieBucket* bucket, NSString* string);
-    /// The bucket of exactly this string, each unit in either form if the trie does not tell cases apart; or
-    /// none. Borrowed.
+    /// The bucket of exactly this string, or null; borrowed. In a trie that does not tell the cases apart
+    /// each unit may be in either form.
     OFTrieBucket* bucketForString(NSString* string);
-    /// The buckets in ascending order of their strings, units compared in lower case. Borrowed.
+    /// An enumerator of the buckets in ascending order of their strings in lower case, compared unit by unit.
+    /// Borrowed.
     OFTrieEnumerator* objectEnumerator();
 
-    /// The root's dictionary with the head under "head". Borrowed.
+    /// The debug dictionary of any object with the head under "head". Borrowed.
     NSMutableDictionary* debugDictionary();
 
     // C++ only
-    /// For the scanner: the words packed together, which a trie makes once it has been read often enough
-    /// since it was changed; none until then. Valid until the next change.
+    /// For the scanner: an index of the words, which the trie makes once it has been read often enough since
+    /// it was changed; null before. Valid until the next change.
     const TrieIndex* index();
 
   protected:
@@ -71,8 +75,8 @@ class PELVOR_EXPORT OFTrieEnumerator : public NSEnumerator {
 
   public:
     static Retained<OFTrieEnumerator> initWithTrie(OFTrie* trie, Class* cls = classObject());
-    /// The next bucket; none at the end. In a trie that does not tell cases apart, what an upper-case letter
-    /// leads to is passed over, for its lower-case form leads there too.
+    /// The next bucket, or null at the end. In a trie that does not tell the cases apart the enumerator
+    /// passes over what an upper-case letter leads to, since the letter's lower-case form leads there too.
     id nextObject() override;
 
   protected:

@@ -124,7 +124,8 @@ void OFTrieNode::insertEntry(NSUInteger index, Entry entry, unichar character) {
 void OFTrieNode::addChild_withCharacter(id child, unichar character) {
     bool isNode = cast<OFTrieNode>(child);
     if (child && !isNode && !cast<OFTrieBucket>(child))
-        throw NSException(NSInvalidArgumentException, "a child is a node or a bucket");
+        throw NSException(NSInvalidArgumentException,
+                          "addChild:withCharacter: the child is neither an OFTrieNode nor an OFTrieBucket");
     NSUInteger index = indexOfCharacter(character);
     bool isPresent = index < _childCount && _characters[index] == character;
     if (isPresent && childAtIndex(index) == child) return;

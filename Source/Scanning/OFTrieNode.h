@@ -9,22 +9,23 @@ namespace pelvor {
 
 class NSMutableDictionary;
 
-/// A leaf, which callers subclass or fill with what they want to find. It keeps the units of its element that
-/// come after the one that leads to it. One thread at a time.
+/// A leaf of an OFTrie. Callers subclass it for what they want to find. A bucket keeps the units of its
+/// string that come after the unit that leads to the bucket. One thread at a time.
 class PELVOR_EXPORT OFTrieBucket : public NSObject {
     PELVOR_CLASS(OFTrieBucket, NSObject);
 
   public:
     // C++ only
-    /// The remaining units, zero-terminated, in both forms; one and the same array in a case-sensitive trie.
+    /// The remaining units in both forms, each ended by a zero; in a case-sensitive trie both are one array.
     const unichar* lowerCharacters() { return _lower; }
     const unichar* upperCharacters() { return _upper; }
 
-    /// Copies `length` units of both forms, which may be one array or lie inside the present ones. Without
-    /// one of them, or with a length below 1, nothing remains.
+    /// Copies `length` units of both forms. The two may be one array, and may lie inside the present ones. If
+    /// one of them is null or the length is below 1, nothing remains.
     void setRemainingLower_upper_length(const unichar* lower, const unichar* upper, NSInteger length);
 
-    /// The root's dictionary with "lowerCharacters" and, when it is separate, "upperCharacters". Borrowed.
+    /// The debug dictionary of any object with "lowerCharacters" and, where that array is separate,
+    /// "upperCharacters". Borrowed.
     NSMutableDictionary* debugDictionary();
 
   protected:
@@ -40,8 +41,8 @@ class PELVOR_EXPORT OFTrieBucket : public NSObject {
     bool _isIndexed = false;
 };
 
-/// A branch: children, nodes or buckets, by the unit that leads to each, in ascending order. A bucket under 0
-/// is the element that ends here. One thread at a time.
+/// A branch of an OFTrie: children in ascending order of the units that lead to them. A child is a node or a
+/// bucket; the bucket under U+0000 is the one whose string ends at this node. One thread at a time.
 class PELVOR_EXPORT OFTrieNode : public NSObject {
     PELVOR_CLASS(OFTrieNode, NSObject);
     PELVOR_CREATORS(init);
@@ -52,21 +53,22 @@ class PELVOR_EXPORT OFTrieNode : public NSObject {
     // C++ only
     NSUInteger childCount() { return _childCount; }
     const unichar* characters() { return _characters; }
-    /// Each may be a node, a bucket or none.
+    /// A node, a bucket or null; borrowed. The index is below `childCount()`.
     Object* childAtIndex(NSUInteger index) { return _children[index].object(); }
 
-    /// Puts the child, which is retained, in place of the one that the unit had. Raises
-    /// NSInvalidArgumentException for a child that is neither a node nor a bucket.
+    /// Retains the child and puts it in place of the unit's present child. Raises NSInvalidArgumentException
+    /// for an object that is neither a node nor a bucket.
     void addChild_withCharacter(id child, unichar character);
 
-    /// The root's dictionary with an entry "0. 'a'" for each child instead of the node's own. Borrowed.
+    /// For each child an entry such as "0. 'a'": the child's index and the unit that leads to the child.
+    /// Borrowed.
     NSMutableDictionary* debugDictionary();
 
     // C++ only
-    /// What a unit leads to: at most one of them.
+    /// What a unit leads to. At most one of the two is not null.
     struct Child {
-        OFTrieNode* node = nullptr;
-        OFTrieBucket* bucket = nullptr;
+        Unretained<OFTrieNode> node = nullptr;
+        Unretained<OFTrieBucket> bucket = nullptr;
         explicit operator bool() const { return node || bucket; }
     };
     Child childForCharacter(unichar character) {
@@ -75,7 +77,7 @@ class PELVOR_EXPORT OFTrieNode : public NSObject {
         return _children[index].child();
     }
     Child childWithIndex(NSUInteger index) { return _children[index].child(); }
-    /// The bucket of the element that ends here, or none.
+    /// The bucket of the string that ends at this node, or null.
     OFTrieBucket* endMarker() {
         return _childCount && _characters[0] == 0 ? _children[0].child().bucket : nullptr;
     }
@@ -120,7 +122,7 @@ class PELVOR_EXPORT OFTrieNode : public NSObject {
     NSUInteger _capacity = 0;
     Entry* _children = nullptr;  // one block holds the children, then the units
     unichar* _characters = nullptr;
-    // Where the index with this number has the node; 0 for none.
+    // Where the index with this number has the node; the number is 0 as long as no index has it.
     std::uint32_t _indexNumber = 0;
     std::uint32_t _indexPlace = 0;
 };

@@ -7,8 +7,10 @@
 #include "Foundation/NSMutableData.h"
 #include "Prelude.h"
 #include "Private/Base64Text.h"
-#include "Private/ByteSearch.h"
 #include "Private/HexText.h"
+#include "Shared/SequenceSearch.h"
+#include "Shared/WideInstructions.h"
+#include "Source/TextInPieces.h"
 
 namespace pelvor::testing {
 namespace {
@@ -56,17 +58,16 @@ TEST(Base64, IsReadPastEverythingForeign) {
         {u"QUJD", "ABC"}, {u"QU\nJ D", "ABC"},  {u"QQ==garbage", "A"}, {u"QUI=QUJD", "AB"},
         {u"", ""},        {u"QUJDé", ""},       {u"===A", ""},         {u"QQ=AQUJD", "A"},
         {u"Q=QQ", ""},    {u"QUJD=QUJ", "ABC"}, {u"-_.", ""}};
-    for (auto [text, bytes] : rows)
-        EXPECT_EQ(textOf(Additions::dataWithBase64String(NSString::of(text))), bytes);
+    for (auto [text, bytes] : rows) EXPECT_EQ(textOf(Additions::dataWithBase64String(inPieces(text))), bytes);
     for (NSString* text : {u"QUI"_ns, u"QUJD="_ns, u"Q"_ns, u"QUJDQU\n"_ns})
         EXPECT_EQ(reasonOf(Base64Error, [&] { Additions::dataWithBase64String(text); }),
                   "Premature end of Base64 string");
 }
 
 // The bytes that the text stands for, or that it is not ASCII.
-std::optional<Bytes> readBase64(std::u16string_view text, WideInstructions wide) {
+std::optional<Bytes> readBase64(std::u16string_view text) {
     Bytes bytes(Base64Reader::roomFor(text.size()));
-    Base64Reader reader(bytes.data(), wide);
+    Base64Reader reader(bytes.data());
     if (!reader.read(text)) return std::nullopt;
     bytes.resize(static_cast<std::size_t>(reader.end() - bytes.data()));
     return bytes;
@@ -79,13 +80,14 @@ TEST(Base64, IsTheSameWithWideAndPlainInstructions) {
         Bytes text(base64LengthOf(size)), plainText(text);
         std::u16string units(text.size(), u' ');
         ASSERT_EQ(writeBase64(bytes, text.data()), text.data() + text.size());
-        writeBase64(bytes, plainText.data(), WideInstructions::absent);
         writeBase64(bytes, units.data());
-        ASSERT_EQ(text, plainText) << size;
         ASSERT_TRUE(std::ranges::equal(text, units)) << size;
         if (size % 7 == 3) units.insert(size / 2, 1, u'\n');
-        for (auto wide : {wideInstructions(), WideInstructions::absent})
-            ASSERT_EQ(readBase64(units, wide), bytes) << size;
+        ASSERT_EQ(readBase64(units), bytes) << size;
+        PlainInstructionsScope plain;
+        writeBase64(bytes, plainText.data());
+        ASSERT_EQ(text, plainText) << size;
+        ASSERT_EQ(readBase64(units), bytes) << size;
     }
 }
 
@@ -93,9 +95,10 @@ TEST(Base64, NoticesEveryForeignUnitInAWideBlock) {
     for (unsigned unit = 0; unit < 0x10000; unit += unit < 256 ? 1 : 255) {
         std::u16string text(96, u'Q');
         text[40] = static_cast<char16_t>(unit);
-        auto wide = readBase64(text, wideInstructions());
-        ASSERT_EQ(wide, readBase64(text, WideInstructions::absent)) << unit;
+        auto wide = readBase64(text);
         ASSERT_EQ(wide.has_value(), unit < 128) << unit;
+        PlainInstructionsScope plain;
+        ASSERT_EQ(wide, readBase64(text)) << unit;
     }
 }
 
@@ -115,27 +118,28 @@ TEST(HexText, IsReadAndWritten) {
                                                             {u"0x0x12", "none"},
                                                             {u"", ""}};
     for (auto [text, bytes] : rows)
-        EXPECT_EQ(textOf(Additions::dataWithHexString(NSString::of(text))), bytes) << NSString::of(text);
+        EXPECT_EQ(textOf(Additions::dataWithHexString(inPieces(text))), bytes) << NSString::of(text);
 }
 
-TEST(HexText, IsTheSameWithWideAndPlainInstructions) {
+TEST(HexText, IsTheSameInBlocksAndByteByByte) {
     const Bytes all = scrambledBytes(100);
     for (std::size_t size = 0; size <= all.size(); ++size) {
-        std::u16string text(2 * size, u' '), plain(text);
+        std::u16string text(2 * size, u' '), single(text);
         writeHex({all.data(), size}, text.data());
-        writeHex({all.data(), size}, plain.data(), WideInstructions::absent);
-        ASSERT_EQ(text, plain);
+        for (std::size_t i = 0; i < size; ++i) writeHex({&all[i], 1}, single.data() + 2 * i);
+        ASSERT_EQ(text, single);
         Bytes read(size);
         ASSERT_TRUE(readHex(text, read.data()));
         ASSERT_TRUE(std::equal(read.begin(), read.end(), all.begin()));
     }
-    for (unsigned byte = 0; byte < 0x200; ++byte) {
+    for (unsigned unit = 0; unit < 0x200; ++unit) {
         std::u16string text(64, u'a');
-        text[21] = static_cast<char16_t>(byte);
-        Bytes read(32), plain(32);
-        ASSERT_EQ(readHex(text, read.data()), readHex(text, plain.data(), WideInstructions::absent)) << byte;
-        if (valueOfHexDigit(text[21]) < 16) {
-            ASSERT_EQ(read, plain) << byte;
+        text[21] = static_cast<char16_t>(unit);
+        Bytes read(32, 0xAA);
+        const unsigned value = valueOfHexDigit(text[21]);
+        ASSERT_EQ(readHex(text, read.data()), value < 16) << unit;
+        if (value < 16) {
+            ASSERT_EQ(read[10], 0xA0 | value) << unit;
         }
     }
 }
@@ -164,12 +168,11 @@ TEST(ByteSearch, AgreesWithThePlainSearchOnRepetitiveBytes) {
             std::span<const std::uint8_t> pattern(bytes.data() + from, length);
             auto expected = std::search(bytes.begin(), bytes.end(), pattern.begin(), pattern.end());
             auto place = static_cast<std::size_t>(expected - bytes.begin());
-            ASSERT_EQ(findBytes(bytes, pattern), place);
-            ASSERT_EQ(findBytes(bytes, pattern, WideInstructions::absent), place);
+            ASSERT_EQ(findSequence<std::uint8_t>(bytes, pattern), place);
         }
     Bytes absent(300, 1);
     absent[150] = 2;
-    EXPECT_EQ(findBytes(bytes, absent), kNoPlace);
+    EXPECT_EQ(findSequence<std::uint8_t>(bytes, absent), kNoPlace);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "BaseLibrary.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Prelude.h"
+#include "Source/TextInPieces.h"
 
 namespace pelvor::testing {
 namespace {
@@ -59,7 +60,7 @@ TEST(LineEndings, AreAllReplaced) {
                 {u"", u"\r", u"", 0}};
     for (auto& row : rows) {
         Change change = [&](NSMutableString* text) {
-            replaceAllLineEndingsWithString(text, NSString::of(row.ending));
+            replaceAllLineEndingsWithString(text, inPieces(row.ending));
         };
         EXPECT_EQ(changed(row.text, change, row.changes), row.result);
     }
@@ -73,7 +74,7 @@ TEST(Members, AreRemovedAndReplacedByCodePoints) {
         return [=](NSMutableString* text) { removeCharactersInSet(text, members); };
     };
     auto replace = [&](NSMutableString* text) {
-        replaceAllOccurrencesOfCharactersInSet_withString(text, set, u"aba"_ns);
+        replaceAllOccurrencesOfCharactersInSet_withString(text, set, inPieces(u"aba"));
     };
     EXPECT_EQ(changed(u"xaby\U0001F600z\U0001F601", remove(set), 3), u"xyz\U0001F601");
     EXPECT_EQ(changed(u"aaa", remove(set), 3), u"");
@@ -98,8 +99,8 @@ TEST(Occurrences, AreReplacedLiterallyInOneChange) {
     for (auto& row : rows) {
         bool isAny = row.text != row.result;
         Change change = [&](NSMutableString* text) {
-            EXPECT_EQ(replaceAllOccurrencesOfString_withString(text, NSString::of(row.target),
-                                                               NSString::of(row.replacement)),
+            EXPECT_EQ(replaceAllOccurrencesOfString_withString(text, inPieces(row.target),
+                                                               inPieces(row.replacement)),
                       isAny);
         };
         EXPECT_EQ(changed(row.text, change, isAny), row.result);

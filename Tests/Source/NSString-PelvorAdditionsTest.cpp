@@ -6,8 +6,8 @@
 #include "BaseLibrary.h"
 #include "Foundation/NSCharacterSet.h"
 #include "PBPostLoader.h"
-#include "PBRepeatString.h"
 #include "Prelude.h"
+#include "Source/TextInPieces.h"
 
 namespace pelvor::testing {
 namespace {
@@ -35,23 +35,24 @@ struct MarkedText {
             else
                 marks[kind].push_back(static_cast<NSUInteger>(text.size()));
         }
-        string = NSString::of(text);
+        strings = {NSString::of(text), inPieces(text)};
     }
     NSRange range() const { return {marks[0].front(), marks[0].back() - marks[0].front()}; }
     NSRange answer(std::size_t end = 3) const { return {marks[1][0], marks[end][0] - marks[1][0]}; }
 
     std::u16string text;
     std::vector<NSUInteger> marks[4];
-    NSString* string;
+    std::array<NSString*, 2> strings;
 };
 
 // Texts with a slash between them: "I [do|n't] know/the dogs|[]' tails".
 void expectWords(Text texts, bool includesPrevious = false) {
     for (Text text : piecesOf(texts, u'/')) {
         const MarkedText marked(text);
-        EXPECT_EQ(wordRangeForRange_includePreviousWord(marked.string, marked.range(), includesPrevious),
-                  marked.answer())
-            << NSString::of(text);
+        for (NSString* string : marked.strings)
+            EXPECT_EQ(wordRangeForRange_includePreviousWord(string, marked.range(), includesPrevious),
+                      marked.answer())
+                << NSString::of(text);
     }
 }
 
@@ -72,7 +73,7 @@ TEST(WordRange, CrossesOneSeparatorAndSpansTheRange) {
 }
 
 TEST(WordRange, TrimsWordsAndWhiteSpace) {
-    NSString* text = u" \u2028(two words\u0301!) \U0001D7D8."_ns;
+    NSString* text = inPieces(u" \u2028(two words\u0301!) \U0001D7D8.");
     NSUInteger count = text->length();
     EXPECT_EQ(rangeOfTrimmedWordForRange(text, {0, count}), NSMakeRange(3, 15)) << "with the digit pair";
     EXPECT_EQ(rangeOfTrimmedWordForRange(text, {0, 6}), NSMakeRange(3, 3));
@@ -83,8 +84,8 @@ TEST(WordRange, TrimsWordsAndWhiteSpace) {
 }
 
 TEST(CharacterLocation, IsTheLastUnitOfAMatchBackwards) {
-    NSString* text = u"a\U0001F600b\U0001F600"_ns;
-    NSCharacterSet* faces = NSCharacterSet::characterSetWithCharactersInString(u"\U0001F600"_ns);
+    NSString* text = inPieces(u"a\U0001F600b\U0001F600");
+    NSCharacterSet* faces = NSCharacterSet::characterSetWithCharactersInString(inPieces(u"\U0001F600"));
     auto find = [&](NSStringCompareOptions options, NSUInteger location) {
         return locationOfCharacterFromSet_options_location(text, faces, options, location);
     };
@@ -109,9 +110,10 @@ TEST(ParagraphRange, EndsWithItsBreak) {
                               u"a\u2029|[b\u0085c|)\f]d/|[a|\vb\u2028c)\n]",
                               u'/')) {
         const MarkedText marked(text);
-        EXPECT_EQ(paragraphRangeForRange(marked.string, marked.range()), marked.answer()) << marked.string;
-        EXPECT_EQ(paragraphContentRangeForRange(marked.string, marked.range()), marked.answer(2))
-            << marked.string;
+        for (NSString* string : marked.strings) {
+            EXPECT_EQ(paragraphRangeForRange(string, marked.range()), marked.answer()) << string;
+            EXPECT_EQ(paragraphContentRangeForRange(string, marked.range()), marked.answer(2)) << string;
+        }
     }
     NSUInteger contentsEnd = 0;
     getParagraphStart_end_contentsEnd_forRange(u"ab"_ns, nullptr, nullptr, &contentsEnd, {1, 0});
@@ -135,7 +137,7 @@ TEST(ParagraphRange, IsFoundInALongTextThatIsNotInOnePiece) {
 }
 
 TEST(ComposedCharacters, AreWidenedToWholeOnes) {
-    NSString* text = u"ae\u0301\u0323o\U0001F469\u200D\U0001F692z"_ns;
+    NSString* text = inPieces(u"ae\u0301\u0323o\U0001F469\u200D\U0001F692z");
     EXPECT_EQ(rangeOfComposedCharactersForRange(text, {2, 1}), NSMakeRange(1, 3));
     EXPECT_EQ(rangeOfComposedCharactersForRange(text, {3, 4}), NSMakeRange(1, 9));
     EXPECT_EQ(rangeOfComposedCharactersForRange(text, {2, 0}), NSMakeRange(2, 0));
@@ -150,7 +152,7 @@ TEST(ComposedCharacters, AreWidenedToWholeOnes) {
 }
 
 TEST(CharacterRange, IsAUnitOrAPair) {
-    NSString* text = NSString::of(
+    NSString* text = inPieces(
         u"\xDC00\xDC00\xD83D\xDE00"
         u"b\xD83D");
     const NSRange expected[] = {{0, 1}, {0, 2}, {2, 2}, {2, 2}, {4, 1}, {5, 1}, {6, 0}};
@@ -166,13 +168,13 @@ TEST(MatchingCase, TakesTheCaseOfThePattern) {
                                           {u"H1", u"World-Wide Don't"},    {u"", u"world-wIDE don't"},
                                           {u"\u01C5", u"WORLD-WIDE DON'T"}};
     for (auto [pattern, result] : rows)
-        EXPECT_EQ(stringByMatchingCase(u"world-wIDE don't"_ns, NSString::of(pattern))->toUTF16(), result);
+        EXPECT_EQ(stringByMatchingCase(inPieces(u"world-wIDE don't"), inPieces(pattern))->toUTF16(), result);
     NSMutableString* own = NSMutableString::of(u"a");
     EXPECT_NE(stringByMatchingCase(own, nullptr), own) << "a copy";
 }
 
 TEST(ToggledCase, KeepsOneByteOfALetter) {
-    EXPECT_EQ(toggledcaseString(u"Hello, wORLD 1"_ns)->toUTF16(), u"hELLO, World 1");
+    EXPECT_EQ(toggledcaseString(inPieces(u"Hello, wORLD 1"))->toUTF16(), u"hELLO, World 1");
     EXPECT_EQ(toggledcaseString(u"\u00E9\u0416"_ns)->toUTF16(), u"\u00E9\u0416") << "no letters of plain C";
     ASSERT_TRUE(std::setlocale(LC_CTYPE, "C.UTF-8"));
     NSString* result = toggledcaseString(u"\u00E9\u00C9\u0416\u00FF\u4E00"_ns);
@@ -184,8 +186,9 @@ TEST(ToggledCase, KeepsOneByteOfALetter) {
 void expectResults(NSString* (*operation)(NSString*, NSUInteger), Text rows) {
     for (Text row : piecesOf(rows, u'/')) {
         const MarkedText marked(piecesOf(row, u'=')[0]);
-        EXPECT_EQ(operation(marked.string, marked.marks[0][0])->toUTF16(), piecesOf(row, u'=')[1])
-            << NSString::of(row);
+        for (NSString* string : marked.strings)
+            EXPECT_EQ(operation(string, marked.marks[0][0])->toUTF16(), piecesOf(row, u'=')[1])
+                << NSString::of(row);
     }
 }
 
@@ -213,27 +216,28 @@ TEST(HardWrapping, BreaksBeforeWhiteSpaceOrInsideLongWords) {
 }
 
 TEST(DerivedStrings, AreTheReceiverWhereNothingChanges) {
-    NSString* text = u"a,b,,a"_ns;
+    NSString* text = inPieces(u"a,b,,a");
     NSCharacterSet* commas = NSCharacterSet::characterSetWithCharactersInString(u",\U0001F600"_ns);
     auto replace = [=](NSString* target, NSString* with) {
         return stringByReplacingAllOccurrencesOfString_withString(text, target, with);
     };
-    for (NSString* absent : {u";"_ns, u""_ns}) EXPECT_EQ(replace(absent, u"-"_ns), text);
-    EXPECT_EQ(replace(u","_ns, u", "_ns)->toUTF16(), u"a, b, , a");
+    for (NSString* absent : {inPieces(u";"), inPieces(u"")}) EXPECT_EQ(replace(absent, u"-"_ns), text);
+    EXPECT_EQ(replace(inPieces(u","), inPieces(u", "))->toUTF16(), u"a, b, , a");
     NSMutableString* plain = NSMutableString::of(u"ab");
     EXPECT_EQ(stringByReplacingAllOccurrencesOfCharactersInSet_withString(plain, commas, u"-"_ns), plain);
     EXPECT_EQ(stringByReplacingAllOccurrencesOfString_withString(plain, u","_ns, u"-"_ns), plain);
-    EXPECT_EQ(stringByReplacingAllOccurrencesOfCharactersInSet_withString(text, commas, u""_ns)->toUTF16(),
-              u"aba");
+    EXPECT_EQ(
+        stringByReplacingAllOccurrencesOfCharactersInSet_withString(text, commas, inPieces(u""))->toUTF16(),
+        u"aba");
     const std::pair<Text, Text> trimmed[] = {{u"\u2028 a b\t\u00A0", u"a b"}, {u" \n", u""}, {u"", u""}};
     for (auto [whole, rest] : trimmed)
-        EXPECT_EQ(stringByRemovingSurroundingWhitespace(NSString::of(whole))->toUTF16(), rest);
+        EXPECT_EQ(stringByRemovingSurroundingWhitespace(inPieces(whole))->toUTF16(), rest);
     EXPECT_EQ(stringByRemovingSurroundingWhitespace(plain), plain);
-    EXPECT_EQ(
-        stringByLossyConversionToEncoding(u"caf\u00E9 \u2014 \u0141"_ns, NSASCIIStringEncoding)->toUTF8(),
-        "cafe - L");
+    EXPECT_EQ(stringByLossyConversionToEncoding(inPieces(u"caf\u00E9 \u2014 \u0141"), NSASCIIStringEncoding)
+                  ->toUTF8(),
+              "cafe - L");
     EXPECT_EQ(stringByLossyConversionToEncoding(text, 12345), nullptr);
-    for (NSString* part : std::initializer_list<NSString*>{nullptr, u""_ns, u",,"_ns})
+    for (NSString* part : std::initializer_list<NSString*>{nullptr, inPieces(u""), inPieces(u",,")})
         EXPECT_TRUE(containsString(text, part));
     EXPECT_FALSE(containsString(text, u"A"_ns));
 }
@@ -243,7 +247,7 @@ TEST(Components, LeaveOutOnlyAnEmptyLastPiece) {
     for (Text row : {u"a,b,,a/,/a/b/", u"a,b,/,/a/b", u"a,,/,/a/", u"ab/,/ab", u"ab//ab", u"//", u"/,",
                      u",/,/", u"a--b/--/a/b"}) {
         std::vector<Text> parts = piecesOf(row, u'/');
-        NSSet* set = setWithComponentsSeparatedByString(NSString::of(parts[0]), NSString::of(parts[1]));
+        NSSet* set = setWithComponentsSeparatedByString(inPieces(parts[0]), inPieces(parts[1]));
         EXPECT_EQ(set->count(), parts.size() - 2) << NSString::of(row);
         for (std::size_t i = 2; i < parts.size(); ++i)
             EXPECT_TRUE(set->containsObject(NSString::of(parts[i]))) << NSString::of(row);
@@ -271,7 +275,7 @@ TEST(NumbersAtAnIndex, TellHowFarTheyReach) {
                 {u"1 2", 3, 0, 3, 63, 3}};
     for (auto& row : rows) {
         NSRange range{99, 99};
-        NSString* text = NSString::of(row.text);
+        NSString* text = inPieces(row.text);
         EXPECT_EQ(intValueAtIndex_effectiveRange(text, row.index, &range), row.decimal) << text;
         EXPECT_EQ(range, NSMakeRange(row.index, std::max(row.decimalEnd, row.index) - row.index)) << text;
         EXPECT_EQ(hexIntValueAtIndex_effectiveRange(text, row.index, &range), row.hexadecimal) << text;
@@ -294,7 +298,7 @@ TEST(StringAdditions, AnswerBySelector) {
     EXPECT_EQ(send<NSRange>(text, "wordRangeForRange:includePreviousWord:"_sel, NSRange{1, 0}, false),
               NSMakeRange(0, 5));
     EXPECT_EQ(NSString_PelvorAdditions::stringWithData_encoding(data, NSUTF8StringEncoding), nullptr);
-    unichar* units = characterBuffer(text);
+    unichar* units = characterBuffer(inPieces(u"na\u00EFve"));
     EXPECT_EQ(Text(units, 5), u"na\u00EFve");
     EXPECT_EQ(characterBuffer(u""_ns), nullptr);
 }

@@ -4,8 +4,8 @@
 #include "BaseLibrary.h"
 #include "Foundation/NSCharacterSet.h"
 #include "NSString-PelvorAdditions.h"
-#include "PBRepeatString.h"
 #include "Prelude.h"
+#include "Source/TextInPieces.h"
 
 namespace pelvor::testing {
 namespace {
@@ -27,11 +27,11 @@ TEST(Codepoints, AreWrittenAsUnitsAndPairs) {
     EXPECT_TRUE(cast<PBUnichar32String>(make(PBUnichar32String::classObject(), &face)));
     for (Class* cls : {NSString::classObject(), PBUnichar32String::classObject()})
         EXPECT_EQ(reasonOf(NSInvalidArgumentException, [&] { make(cls, none); }),
-                  "a count was given without code points");
+                  "initWithCodepoints:count: the code points must not be null where the length is 1");
 }
 
 TEST(Codepoints, AreReadFromAnyRange) {
-    NSString* text = NSString::of(std::u16string{u'a', 0xD83D, 0xDE00, u'b', 0xD83D});
+    NSString* text = inPieces(std::u16string{u'a', 0xD83D, 0xDE00, u'b', 0xD83D});
     std::uint32_t read[4] = {};
     EXPECT_EQ(getCodepoints_range(text, read, {0, 5}), 4u);
     EXPECT_THAT(read, ElementsAre(0x61u, 0x1F600u, 0x62u, 0xD83Du));
@@ -44,7 +44,7 @@ TEST(Codepoints, AreReadFromAnyRange) {
 }
 
 TEST(PBUnichar32String, MapsBetweenUnitsAndCodepoints) {
-    auto text = PBUnichar32String::initWithString(u"a\U0001F600b"_ns);
+    auto text = PBUnichar32String::initWithString(inPieces(u"a\U0001F600b"));
     EXPECT_EQ(text->length(), 4u);
     EXPECT_EQ(text->codepointCount(), 3u);
     EXPECT_EQ(text->characterAtIndex(1), 0xD83D);
@@ -63,7 +63,7 @@ TEST(PBUnichar32String, MapsBetweenUnitsAndCodepoints) {
 }
 
 TEST(PBUnichar32String, CopiesUnitsFromTheMiddleOfPairs) {
-    auto text = PBUnichar32String::initWithString(u"a\U0001F600b"_ns);
+    auto text = PBUnichar32String::initWithString(inPieces(u"a\U0001F600b"));
     unichar units[2] = {};
     text->getCharacters_range(units, {2, 2});
     EXPECT_EQ(std::u16string(units, 2), u"\U0001F600") << "shifted to the start of the pair";

@@ -15,7 +15,7 @@
 #include "Foundation/NSString.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Scanning/OFStringDecoder.h"
-#include "Scanning/Private/WideInstructions.h"
+#include "Shared/WideInstructions.h"
 
 namespace pelvor {
 namespace {
@@ -118,11 +118,10 @@ void decodeWith(benchmark::State& state, const std::string& text, CFStringEncodi
     finish(state, text.size());
 }
 
-// As on machines that have no more than these instructions.
-void decodeAt(benchmark::State& state, Instructions most, Script script) {
-    useInstructions(most);
+// As on machines without wide instructions.
+void decodePlainly(benchmark::State& state, Script script) {
+    PlainInstructionsScope plain;
     decodeWith(state, textOf(script), kCFStringEncodingUTF8);
-    useInstructions(Instructions::avx512);
 }
 
 void qtDecodeWith(benchmark::State& state, const std::string& text, QStringConverter::Encoding encoding) {
@@ -214,8 +213,7 @@ void icuEncode(benchmark::State& state, Script script) {
         auto script = static_cast<Script>(i);
         std::string name = kScriptNames[i];
         add("decode/" + name, [=](auto& state) { decodeWith(state, textOf(script), kCFStringEncodingUTF8); });
-        add("decode/" + name + "/AVX2", [=](auto& state) { decodeAt(state, Instructions::avx2, script); });
-        add("decode/" + name + "/plain", [=](auto& state) { decodeAt(state, Instructions::plain, script); });
+        add("decode/" + name + "/plain", [=](auto& state) { decodePlainly(state, script); });
         add("decode/" + name + "/Qt",
             [=](auto& state) { qtDecodeWith(state, textOf(script), QStringConverter::Utf8); });
         add("decode/" + name + "/ICU", [=](auto& state) { icuDecodeWith(state, textOf(script), "UTF-8"); });

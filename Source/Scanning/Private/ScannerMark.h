@@ -6,11 +6,13 @@
 
 namespace pelvor {
 
-/// The operation keeps the place that it has reached, or goes back. If it raises before, the scanner is left
-/// at the mark, with those marks alone that it had before.
+/// The operation keeps the place that it has reached, or goes back. If it raises before, the scanner goes to
+/// the mark, unless a rewind has failed, which leaves the place where it was to be; of the marks those stay
+/// that there were before.
 class OFCharacterScanner::Mark {
   public:
     explicit Mark(OFCharacterScanner& scanner) : _scanner(scanner), _outerCount(scanner._rewindMarkCount) {
+        scanner._hasFailedToRewind = false;
         scanner.setRewindMark();
     }
     Mark(const Mark&) = delete;
@@ -18,17 +20,14 @@ class OFCharacterScanner::Mark {
         if (_scanner._rewindMarkCount <= _outerCount) return;
         _scanner._rewindMarkCount = _outerCount;
         try {
-            if (!_isGoingBack) _scanner.moveTo(_scanner._rewindMarkOffsets[_outerCount]);
+            if (!_scanner._hasFailedToRewind) _scanner.moveTo(_scanner._rewindMarkOffsets[_outerCount]);
         } catch (...) {  // the first exception is on its way
         }
     }
 
     void keep() { _scanner.discardRewindMark(); }
-    void goBack() {
-        _isGoingBack = true;
-        _scanner.rewindToMark();
-    }
-    /// Keeps the place or goes back; answers the result.
+    void goBack() { _scanner.rewindToMark(); }
+    /// Keeps the place or goes back, and returns the result.
     bool finish(bool isKept, bool result) {
         if (isKept)
             keep();
@@ -40,7 +39,6 @@ class OFCharacterScanner::Mark {
   private:
     OFCharacterScanner& _scanner;
     const std::uint16_t _outerCount;
-    bool _isGoingBack = false;
 };
 
 }  // namespace pelvor

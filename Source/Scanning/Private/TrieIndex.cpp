@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "Scanning/Private/TrieIndex.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
 #include <string>
 
-#include "Scanning/Private/TrieIndex.h"
-
-#if defined(__x86_64__)
-#include <emmintrin.h>
-#endif
+#include "Shared/Vectors.h"
 
 namespace pelvor {
 namespace {
@@ -59,20 +57,12 @@ std::size_t indexOfUnit(const std::uint16_t* units, std::size_t count, unichar u
         first = units[first + half] <= unit ? first + half : first;
         left -= half;
     }
-#if defined(__x86_64__)
     // Without a branch that depends on where it is.
-    const __m128i wanted = _mm_set1_epi16(static_cast<short>(unit));
-    auto equal = [&](std::size_t i) {
-        return _mm_cmpeq_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(units + first + i)), wanted);
-    };
-    auto bytes = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(equal(0), equal(8))));
-    if (left > 16)
-        bytes |= static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(equal(16), equal(24)))) << 16;
-    return bytes ? std::min(first + static_cast<unsigned>(std::countr_zero(bytes)), count) : count;
-#else
-    while (first < count && units[first] < unit) ++first;
-    return first < count && units[first] == unit ? first : count;
-#endif
+    const Units8 wanted = vectorOf(unit);
+    auto equal = [&](std::size_t i) { return loadUnits(units + first + i) == wanted; };
+    unsigned places = bitsOf(equal(0), equal(8));
+    if (left > 16) places |= bitsOf(equal(16), equal(24)) << 16;
+    return places ? std::min(first + static_cast<unsigned>(std::countr_zero(places)), count) : count;
 }
 
 bool hasDoubleForms(const unichar* place, const std::uint16_t* forms, std::size_t count) {
@@ -83,18 +73,15 @@ bool hasDoubleForms(const unichar* place, const std::uint16_t* forms, std::size_
 
 // Whether `count` units of `left` are the forms.
 bool hasForms(const unichar* place, std::size_t left, const std::uint16_t* forms, std::size_t count) {
-#if defined(__x86_64__)
     if (left >= 8 && count <= 8) {
-        __m128i own = _mm_loadu_si128(reinterpret_cast<const __m128i*>(place));
-        __m128i its = _mm_loadu_si128(reinterpret_cast<const __m128i*>(forms));
-        auto different = ~static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi16(own, its)));
-        return !(different & ((1u << 2 * count) - 1));
+        auto different = loadUnits(place) != loadUnits(forms);
+        return !(bitsOf(different, different) & ((1u << count) - 1));
     }
-#endif
     return std::equal(forms, forms + count, place);
 }
 
-// The only child of a node at which no element ends, by one unit or by two; none otherwise.
+// The child of a node that has one child alone, under one unit or under both its forms, and at which no
+// element ends.
 OFTrieNode::Child onlyChildOf(OFTrieNode* node) {
     NSUInteger count = node->childCount();
     if (count < 1 || count > 2 || node->characters()[0] == 0) return {};

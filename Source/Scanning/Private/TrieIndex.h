@@ -24,7 +24,7 @@ class TrieIndex {
     std::size_t nodeCount() const { return _nodeCount; }
 
     struct Found {
-        OFTrieBucket* bucket = nullptr;
+        Unretained<OFTrieBucket> bucket = nullptr;
         std::size_t length = 0;
     };
     /// Puts the longest element at `place` into `found`, which is empty; only one that is followed by a

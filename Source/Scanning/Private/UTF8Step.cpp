@@ -4,20 +4,15 @@
 #include <bit>
 #include <cstring>
 
-#include "Scanning/Private/WideInstructions.h"
-
-#if defined(__x86_64__)
-#include <emmintrin.h>
-#endif
+#include "Shared/Vectors.h"
+#include "Shared/WideInstructions.h"
 
 namespace pelvor {
 namespace {
 
 constexpr unichar kReplacement = 0xFFFD;
 
-// What compilers turn into the machine's vectors.
 using Bytes8 = std::uint8_t __attribute__((vector_size(8)));
-using Units8 = std::uint16_t __attribute__((vector_size(16)));
 
 template <class Word>
 Word load(const unsigned char* bytes) {
@@ -29,18 +24,6 @@ Word load(const unsigned char* bytes) {
 constexpr std::uint64_t kHighBits = 0x8080808080808080u;
 
 bool isContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
-
-// How many of sixteen bytes are ASCII up to the first that is not.
-int asciiCount(const unsigned char* bytes) {
-#if defined(__x86_64__)
-    __m128i sixteen = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-    return std::countr_zero(static_cast<unsigned>(_mm_movemask_epi8(sixteen)) | 0x10000);
-#else
-    std::uint64_t first = load<std::uint64_t>(bytes) & kHighBits;
-    std::uint64_t second = load<std::uint64_t>(bytes + 8) & kHighBits;
-    return (first ? std::countr_zero(first) : 64 + std::countr_zero(second)) / 8;
-#endif
-}
 
 // Where input and output have come to. What is written behind the output is written again.
 struct Cursor {
@@ -55,11 +38,11 @@ struct Cursor {
         in += bytes;
         out += units;
     }
-    // Of the next sixteen bytes what is ASCII; answers whether that was not all.
+    // Reads those of the next sixteen bytes that are ASCII; returns whether a byte stopped it.
     bool readASCII() {
         widenEight(0);
         widenEight(8);
-        int count = asciiCount(in);
+        int count = std::countr_zero(bitsOf(loadBytes(in)) | 0x10000);
         skip(count, count);
         return count < 16;
     }
@@ -105,18 +88,14 @@ struct Cursor {
 }  // namespace
 
 void UTF8Step::run() {
-    const Instructions instructions = instructionsInUse();
+    const bool isWide = usesWideInstructions();
     while (_in < _inEnd && _out < _outEnd) {
         if (_state.utf8octetsremaining) {
             if (readOwed() == Progress::stopped) return;
             continue;
         }
-        if (instructions == Instructions::avx512) {
-            readSixtyFours();
-        } else {
-            if (instructions == Instructions::avx2) readThirtyTwos();
-            readWellFormed();
-        }
+        if (isWide) readWide();
+        readWellFormed();
         while (_in < _inEnd && _out < _outEnd && *_in < 0x80) put(static_cast<unichar>(*_in++));
         if (_in == _inEnd || _out == _outEnd || readSequence() == Progress::stopped) return;
     }
@@ -124,7 +103,6 @@ void UTF8Step::run() {
 
 // As long as there is enough of both that nothing need be asked for each byte.
 void UTF8Step::readWellFormed() {
-    if constexpr (std::endian::native != std::endian::little) return;
     constexpr std::ptrdiff_t kEnough = 24;
     Cursor cursor{_in, _out};
     auto hasBoth = [&](std::ptrdiff_t count) {

@@ -28,10 +28,9 @@ class UTF8Step {
 
     std::size_t inputLeft() const { return static_cast<std::size_t>(_inEnd - _in); }
     std::size_t roomLeft() const { return static_cast<std::size_t>(_outEnd - _out); }
-    // Go as far as whole characters do in blocks of so many bytes; what they leave is for the rest. Each unit
-    // is put together at the last byte of its character; those places are then moved together.
-    void readSixtyFours();
-    void readThirtyTwos();
+    // Goes as far as whole characters do in blocks, by wide instructions; what it leaves is for the rest.
+    // Each unit is put together at the last byte of its character; those places are then moved together.
+    void readWide();
     // The same without wide instructions.
     void readWellFormed();
     Progress readSequence();

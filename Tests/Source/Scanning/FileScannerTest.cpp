@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// A scanner that streams from a file does what the scanner over the whole string does.
+// A scanner that streams from a file does what the scanner over the whole string does. All strings that
+// operations are given stand in no one piece.
 #include "FileScanner.h"
 
 #include <memory>
@@ -8,6 +9,7 @@
 #include "Prelude.h"
 #include "Scanning/OFStringScanner.h"
 #include "Scanning/OFTrie.h"
+#include "Source/TextInPieces.h"
 
 namespace pelvor {
 namespace {
@@ -19,9 +21,10 @@ std::string textOf(NSString* string) { return string ? '"' + string->toUTF8() + 
 
 OFTrie* wordTrie(bool isCaseSensitive) {
     auto* trie = OFTrie::initCaseSensitive(isCaseSensitive).autorelease();
-    for (NSString* word : {u"in"_ns, u"into"_ns, u"intone"_ns, u"aab"_ns, u"\xC4pfel"_ns}) {
+    for (auto word : {u"in", u"into", u"intone", u"aab", u"\xC4pfel"}) {
         auto bucket = make<OFTrieBucket>();
-        trie->addBucket_forString(bucket, word);
+        trie->addBucket_forString(bucket, inPieces(word));
+        EXPECT_EQ(trie->bucketForString(inPieces(word)), bucket);
     }
     return trie;
 }
@@ -45,8 +48,8 @@ std::string joined(OFCharacterScanner* scanner, const std::function<NSString*()>
 
 std::vector<std::pair<const char*, Answer>> operations(NSUInteger length) {
     using S = OFCharacterScanner*;
-    auto* ends = OFCharacterSet::characterSetWithString(u",\r\n"_ns);
-    auto* commas = NSCharacterSet::characterSetWithCharactersInString(u",;"_ns);
+    auto* ends = OFCharacterSet::characterSetWithString(inPieces(u",\r\n"));
+    auto* commas = NSCharacterSet::characterSetWithCharactersInString(inPieces(u",;"));
     auto *letters = NSCharacterSet::letterCharacterSet(),
          *digits = NSCharacterSet::decimalDigitCharacterSet();
     OFTrie *exact = wordTrie(true), *blind = wordTrie(false);
@@ -90,13 +93,15 @@ std::vector<std::pair<const char*, Answer>> operations(NSUInteger length) {
         {"hexadecimal", number([](S s) { return s->scanHexadecimalNumberMaximumDigits(7); })},
         {"double", decimal(30, 3)},
         {"shortDouble", decimal(4, 1)},
-        {"match", number([](S s) { return s->scanString_peek(u"intonation"_ns, false); })},
-        {"matchPeek", number([](S s) { return s->scanString_peek(u"in"_ns, true); })},
-        {"matchBlind", number([](S s) { return s->scanStringCaseInsensitive_peek(u"InTo"_ns, false); })},
-        {"matchBlindPeek", number([](S s) { return s->scanStringCaseInsensitive_peek(u"\xE4PF"_ns, true); })},
-        {"upToString", number([](S s) { return s->scanUpToString(u"aab,"_ns); })},
-        {"upToAbsent", number([](S s) { return s->scanUpToString(u"intones"_ns); })},
-        {"upToBlind", number([](S s) { return s->scanUpToStringCaseInsensitive(u"\xE4PFEL"_ns); })},
+        {"match", number([](S s) { return s->scanString_peek(inPieces(u"intonation"), false); })},
+        {"matchPeek", number([](S s) { return s->scanString_peek(inPieces(u"in"), true); })},
+        {"matchBlind",
+         number([](S s) { return s->scanStringCaseInsensitive_peek(inPieces(u"InTo"), false); })},
+        {"matchBlindPeek",
+         number([](S s) { return s->scanStringCaseInsensitive_peek(inPieces(u"\xE4PF"), true); })},
+        {"upToString", number([](S s) { return s->scanUpToString(inPieces(u"aab,")); })},
+        {"upToAbsent", number([](S s) { return s->scanUpToString(inPieces(u"intones")); })},
+        {"upToBlind", number([](S s) { return s->scanUpToStringCaseInsensitive(inPieces(u"\xE4PFEL")); })},
         {"upToCharacter", number([](S s) { return s->scanUpToCharacter(u'\xDE00'); })},
         {"upToSet", number([=](S s) { return s->scanUpToCharacterInSet(commas); })},
         {"fragment", fragments([](S s) { return s->readTokenFragmentWithDelimiterCharacter(u','); })},
@@ -112,7 +117,7 @@ std::vector<std::pair<const char*, Answer>> operations(NSUInteger length) {
         {"tokenSet", text([=](S s) { return s->readFullTokenWithDelimiters_forceLowercase(commas, true); })},
         {"tokenOfSet", text([=](S s) { return s->readFullTokenOfSet(letters); })},
         {"tokenOfDigits", text([=](S s) { return s->readFullTokenOfSet(digits); })},
-        {"tokenUpToString", text([](S s) { return s->readFullTokenUpToString(u"aab"_ns); })},
+        {"tokenUpToString", text([](S s) { return s->readFullTokenUpToString(inPieces(u"aab")); })},
         {"line", text([](S s) { return s->readLine(); })},
         {"secondLine", text([](S s) { return s->readLine(), s->readLine(); })},
         {"count", text([](S s) { return s->readCharacterCount(25); })},
@@ -145,7 +150,7 @@ std::string outcome(OFCharacterScanner* scanner, NSUInteger start, const Answer&
 }
 
 TEST(FileScanner, DoesWhatAStringScannerDoesWhateverItsSteps) {
-    NSString* text = NSString::of(
+    NSString* text = inPieces(
         u"intonation,-12.50e2x;into\r\n\n0x1aFfG4294967297,One,,TWO \xC9\U0001F600\n"
         u"aaab,aab \xC4pfel\r\xE4PFEL intone 1e+5;+7 \x4E2D\x6587\U0001F600 in");
     std::string bytes = text->toUTF8();

@@ -7,26 +7,42 @@
 #include "FileScanner.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Prelude.h"
+#include "Private/UnitFinding.h"
 #include "Scanning/OFStringScanner.h"
 #include "Scanning/OFTrie.h"
-#include "Scanning/Private/UnitSpans.h"
-#include "Scanning/Private/WideInstructions.h"
+#include "Shared/WideInstructions.h"
 
 namespace pelvor {
 namespace {
 
-// Says without end that there is more.
-class BoastingScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreators {
-    PELVOR_CLASS(BoastingScanner, OFCharacterScanner);
+// Brings one piece after the other and cannot go back. Of an empty piece it says without end that there is
+// more.
+class PieceScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreators {
+    PELVOR_CLASS(PieceScanner, OFCharacterScanner);
 
   public:
-    bool fetchMoreData() override { return true; }
+    static Retained<PieceScanner> of(std::vector<std::u16string> pieces) {
+        auto scanner = make<PieceScanner>();
+        scanner->_pieces = std::move(pieces);
+        return scanner;
+    }
+    bool fetchMoreData() override {
+        if (_next == _pieces.size()) return false;
+        std::u16string& piece = _pieces[_next];
+        if (piece.empty()) return true;
+        ++_next;
+        return fetchMoreDataFromCharacters_length_offset_freeWhenDone(
+            piece.data(), static_cast<NSUInteger>(piece.size()), scanLocation(), false);
+    }
+
+  private:
+    std::vector<std::u16string> _pieces;
+    std::size_t _next = 0;
 };
 
-constexpr Class* kClasses[] = {&BoastingScanner::classRecord};
 constexpr Library* kNeeded[] = {&baseLibrary};
-constinit Library boastLibrary{"Boasts", kNeeded, kClasses, {}};
-PELVOR_DEFINE_CLASS(BoastingScanner, boastLibrary) {}
+constinit Library pieceLibrary{"Pieces", kNeeded, kClassesOf<PieceScanner>, {}};
+PELVOR_DEFINE_CLASS(PieceScanner, pieceLibrary) {}
 
 // The text in steps of one, two, three and more bytes, and as one string.
 template <class Check>
@@ -111,9 +127,34 @@ TEST(CharacterScanner, StaysAsItWasWhenAnOperationNeedsOneMarkTooMany) {
         });
 }
 
+TEST(CharacterScanner, StaysWhereARewindFailedToGo) {
+    auto trie = OFTrie::initCaseSensitive(true);
+    for (NSString* word : {u"a"_ns, u"abc"_ns})
+        trie->addBucket_forString(make<OFTrieBucket>().autorelease(), word);
+    const struct {
+        const char* name;
+        std::vector<std::u16string> pieces;
+        std::function<void(OFCharacterScanner*)> read;
+        NSUInteger place;
+    } rows[] = {
+        {"its own mark", {u"ab", u"cd"}, [](auto* s) { s->scanString_peek(u"abx"_ns, false); }, 0},
+        {"an inner mark", {u"xxa", u"cd"}, [](auto* s) { s->readFullTokenUpToString(u"ab"_ns); }, 2},
+        {"a place of its own", {u"ab", u"d"}, [&](auto* s) { s->readLongestTrieElement(trie); }, 1},
+    };
+    for (const auto& row : rows) {
+        auto scanner = PieceScanner::of(row.pieces);
+        EXPECT_EQ(misuseOf([&] { row.read(scanner); }), "Attempt to rewind a nonrewindable stream")
+            << row.name;
+        EXPECT_EQ(scanner->scanLocation(), row.place) << row.name;
+        EXPECT_EQ(misuseOf([&] { scanner->rewindToMark(); }), "Attempt to use nonexistent rewind mark")
+            << row.name;
+    }
+}
+
 TEST(CharacterScanner, ReadsNothingFromASourceThatBringsNothing) {
-    auto scanner = make<BoastingScanner>();
+    auto scanner = PieceScanner::of({u""});
     EXPECT_EQ(scanner->readCharacter(), 0);
+    EXPECT_EQ(scanner->readCharacterCount(1), nullptr);
     EXPECT_EQ(scanner->readLine(), nullptr);
     EXPECT_FALSE(scanner->scanUpToCharacter(u'a'));
 }
@@ -129,29 +170,34 @@ TEST(CharacterScanner, RefusesPlacesOutsideAString) {
 
 TEST(CharacterScanner, ReadsNumbers) {
     struct {
+        const char* name;
         std::u16string text;
-        double value;
-        bool isNumber;
+        NSUInteger exponentLength;
+        double value;  // 7 stays where there is no number
         char16_t next;
-    } const cases[] = {{u"-12.50e2x", -1250, true, u'x'},
-                       {u"1e", 1, true, u'e'},
-                       {u".", 7, false, u'.'},
-                       {u"+", 7, false, u'+'},
-                       {u"1e+x", 1, true, u'e'},
-                       {u"1.2.3", 1.2, true, u'.'},
-                       {u"5e4294967290", 5e5, true, u'9'},
-                       {u"2e999", INFINITY, true, 0},
-                       {u"-0.5", -0.5, true, 0}};
-    for (const auto& entry : cases)
-        forAllScanners(entry.text, [&](OFCharacterScanner* scanner) {
+    } const rows[] = {
+        {"all parts", u"-12.50e2x", 3, -1250, u'x'},
+        {"negative", u"-0.5", 3, -0.5, 0},
+        {"e without exponent", u"1e", 3, 1, u'e'},
+        {"e and sign without exponent", u"1e+x", 3, 1, u'e'},
+        {"point alone", u".", 3, 7, u'.'},
+        {"sign alone", u"+", 3, 7, u'+'},
+        {"second point", u"1.2.3", 3, 1.2, u'.'},
+        {"exponent cut short", u"5e12", 1, 50, u'2'},
+        {"too large", u"2e999", 3, INFINITY, 0},
+        {"exponent beyond 32 bits", u"5e4294967297", 10, INFINITY, 0},
+        {"exponent beyond 64 bits", u"-5e99999999999999999999", 20, -INFINITY, 0},
+        {"small beyond 32 bits", u"5e-4294967297", 10, 0, 0},
+        {"nothing of any size", u"0e4294967297", 10, 0, 0},
+        {"too many digits, and smaller", std::u16string(400, u'9') + u"e-99999", 5, 0, 0},
+    };
+    for (const auto& row : rows)
+        forAllScanners(row.text, [&](OFCharacterScanner* scanner) {
             double value = 7;
-            NSUInteger exponentLength = entry.next == u'9' ? 1 : 3;
-            bool isNumber = scanner->scanDouble_maximumLength_exponentLength(&value, 20, exponentLength);
-            EXPECT_EQ(isNumber, entry.isNumber);
-            if (entry.next != u'9') {
-                EXPECT_DOUBLE_EQ(value, entry.value);
-                EXPECT_EQ(scanner->peekCharacter(), entry.next);
-            }
+            bool isNumber = scanner->scanDouble_maximumLength_exponentLength(&value, 500, row.exponentLength);
+            EXPECT_EQ(isNumber, row.value != 7) << row.name;
+            EXPECT_DOUBLE_EQ(value, row.value) << row.name;
+            EXPECT_EQ(scanner->peekCharacter(), row.next) << row.name;
         });
     const std::u16string text = u"-12345+x1aFgZ4294967297 305 12345678901234567890 and sixteen units";
     forAllScanners(text, [](OFCharacterScanner* scanner) {
@@ -228,12 +274,9 @@ TEST(CharacterScanner, FindsMembersTheSameWayWithAndWithoutWideInstructions) {
             for (std::size_t place = 0; place <= length; ++place) {
                 std::u16string text(length, fill);
                 if (place < length) text[place] = u"\x7F;\x3B1"[place % 3];
-                unichar* end = text.data() + length;
-                for (auto level : {Instructions::plain, Instructions::avx512}) {
-                    useInstructions(level);
-                    ASSERT_EQ(findMember(text.data(), end, set->bitmapRep()) - text.data(),
-                              std::ptrdiff_t(place));
-                }
+                ASSERT_EQ(findMember(text, set->bitmapRep()), place);
+                PlainInstructionsScope plain;
+                ASSERT_EQ(findMember(text, set->bitmapRep()), place);
             }
 }
 

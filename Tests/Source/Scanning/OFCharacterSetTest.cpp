@@ -6,6 +6,7 @@
 #include "Foundation/NSCharacterSet.h"
 #include "Prelude.h"
 #include "Scanning/NSObject-OFDebugging.h"
+#include "Source/TextInPieces.h"
 
 namespace pelvor {
 namespace {
@@ -43,12 +44,12 @@ TEST(OFCharacterSet, FollowsAPlainModel) {
 }
 
 TEST(OFCharacterSet, HoldsTheUnitsOfStringsAndOtherSets) {
-    auto set = OFCharacterSet::initWithString(u"a\U0001F600"_ns);
+    auto set = OFCharacterSet::initWithString(inPieces(u"a\U0001F600"));
     for (unichar unit : {u'a', u'\xD83D', u'\xDE00'}) EXPECT_TRUE(set->characterIsMember(unit));
     EXPECT_EQ(set->characterIsMember(u'a'), 1u << (u'a' & 7)) << "the bit where it stands";
     set->addCharactersFromCharacterSet(NSCharacterSet::characterSetWithRange({0x10061, 2}));
     EXPECT_EQ(membersOf(set).count(), 3u) << "members above U+FFFF are ignored";
-    set->removeCharactersInString(u"\U0001F600"_ns);
+    set->removeCharactersInString(inPieces(u"\U0001F600"));
     set->addCharactersFromCharacterSet(NSCharacterSet::decimalDigitCharacterSet());
     auto other = OFCharacterSet::initWithCharacterSet(NSCharacterSet::decimalDigitCharacterSet());
     other->removeCharacter(u'7');
@@ -62,7 +63,7 @@ TEST(OFCharacterSet, IsCopiedInItsOwnClassAndChangesAlone) {
     auto copy = set->copy();
     EXPECT_EQ(copy->isa(), cls);
     set->removeAllCharacters();
-    EXPECT_EQ(membersOf(cast<OFCharacterSet>(copy)).count(), 3u);
+    EXPECT_EQ(membersOf(copy).count(), 3u);
     EXPECT_EQ(OFCharacterSet::whitespaceOFCharacterSet(), OFCharacterSet::whitespaceOFCharacterSet());
     EXPECT_EQ(membersOf(OFCharacterSet::whitespaceOFCharacterSet()).count(), 4u);
 }

@@ -1,23 +1,55 @@
 // SPDX-License-Identifier: Apache-2.0
 // UTF-8 thirty-two bytes at a time.
-#include <array>
 #include <bit>
+#include <cstdint>
 
-#include "Scanning/Private/UTF8Block.h"
 #include "Scanning/Private/UTF8Step.h"
+#include "Shared/WideInstructions.h"
 
-#if defined(__x86_64__)
+#ifdef PELVOR_HAS_WIDE_FORMS
 #include <immintrin.h>
-
-#define PELVOR_AVX2 __attribute__((target("avx2,bmi,popcnt")))
 #endif
 
 namespace pelvor {
 
-#if defined(__x86_64__)
+#ifdef PELVOR_HAS_WIDE_FORMS
 namespace {
 
+// A bit for each byte of a block, the first byte's lowest.
+using Bits = std::uint32_t;
 constexpr unsigned kBlockSize = 32;
+
+Bits firstBits(unsigned count) { return count < kBlockSize ? (Bits{1} << count) - 1 : ~Bits{0}; }
+
+struct Block {
+    Bits beyond;         // not ASCII
+    Bits continuations;  // 10xxxxxx
+    Bits leads3;         // of three bytes or more
+    Bits leads4;         // of four bytes or more
+    Bits strange;  // leads of four bytes whose value is below 0x10000 or above 0x10FFFF, and those of more
+
+    // How many of the first bytes are whole characters that need no second look. A character that the end
+    // cuts in two is not among them.
+    unsigned wholeCount() const {
+        Bits leads = beyond & ~continuations;
+        Bits expected = leads << 1 | leads3 << 2 | leads4 << 3;
+        if (Bits wrong = (expected ^ continuations) | strange) [[unlikely]] {
+            auto place = static_cast<unsigned>(std::countr_zero(wrong));
+            bool isMissing = (expected & ~continuations) >> place & 1;
+            if (!isMissing) return place;
+            return kBlockSize - 1 -
+                   static_cast<unsigned>(std::countl_zero(~continuations & firstBits(place)));
+        }
+        Bits open = (leads & ~firstBits(31)) | (leads3 & ~firstBits(30)) | (leads4 & ~firstBits(29));
+        return static_cast<unsigned>(std::countr_zero(open));
+    }
+    // Where units go in the first bytes: to the last byte of each character, the first half of a pair to the
+    // byte before.
+    Bits unitPlaces(unsigned count) const {
+        Bits kept = firstBits(count);
+        return (kept & ~((continuations & kept) >> 1)) | (leads4 << 2 & kept);
+    }
+};
 
 // For each choice of eight units the bytes that move those together.
 struct Gathering {
@@ -34,31 +66,29 @@ constexpr Gathering gathering = [] {
     return all;
 }();
 
-PELVOR_AVX2 inline __m256i every(int byte) { return _mm256_set1_epi8(static_cast<char>(byte)); }
+PELVOR_WIDE inline __m256i every(int byte) { return _mm256_set1_epi8(static_cast<char>(byte)); }
 
-PELVOR_AVX2 inline __m256i both(__m256i one, __m256i other) { return _mm256_and_si256(one, other); }
+PELVOR_WIDE inline __m256i both(__m256i one, __m256i other) { return _mm256_and_si256(one, other); }
 
-PELVOR_AVX2 inline __m256i either(__m256i one, __m256i other) { return _mm256_or_si256(one, other); }
+PELVOR_WIDE inline __m256i either(__m256i one, __m256i other) { return _mm256_or_si256(one, other); }
 
-PELVOR_AVX2 inline __m256i isAtLeast(__m256i bytes, int least) {
+PELVOR_WIDE inline __m256i isAtLeast(__m256i bytes, int least) {
     return _mm256_cmpeq_epi8(_mm256_max_epu8(bytes, every(least)), bytes);
 }
 
-PELVOR_AVX2 inline std::uint64_t bitsOf(__m256i bytes) {
-    return static_cast<unsigned>(_mm256_movemask_epi8(bytes));
-}
+PELVOR_WIDE inline Bits bitsOf(__m256i bytes) { return static_cast<unsigned>(_mm256_movemask_epi8(bytes)); }
 
-PELVOR_AVX2 inline __m256i isContinuation(__m256i bytes) { return _mm256_cmpgt_epi8(every(0xC0), bytes); }
+PELVOR_WIDE inline __m256i isContinuation(__m256i bytes) { return _mm256_cmpgt_epi8(every(0xC0), bytes); }
 
-PELVOR_AVX2 inline std::uint64_t strangeLeads(__m256i bytes) {
-    std::uint64_t isF0 = bitsOf(_mm256_cmpeq_epi8(bytes, every(0xF0)));
-    std::uint64_t isF4 = bitsOf(_mm256_cmpeq_epi8(bytes, every(0xF4)));
-    std::uint64_t hasLow = (bitsOf(isAtLeast(bytes, 0x90)) ^ firstBits(kBlockSize)) >> 1;
+PELVOR_WIDE inline Bits strangeLeads(__m256i bytes) {
+    Bits isF0 = bitsOf(_mm256_cmpeq_epi8(bytes, every(0xF0)));
+    Bits isF4 = bitsOf(_mm256_cmpeq_epi8(bytes, every(0xF4)));
+    Bits hasLow = ~bitsOf(isAtLeast(bytes, 0x90)) >> 1;
     return bitsOf(isAtLeast(bytes, 0xF5)) | (isF0 & hasLow) | (isF4 & ~hasLow);
 }
 
-PELVOR_AVX2 inline UTF8Block blockOf(__m256i bytes, std::uint64_t beyond) {
-    std::uint64_t leads4 = bitsOf(isAtLeast(bytes, 0xF0));
+PELVOR_WIDE inline Block blockOf(__m256i bytes, Bits beyond) {
+    Bits leads4 = bitsOf(isAtLeast(bytes, 0xF0));
     return {beyond, bitsOf(isContinuation(bytes)), bitsOf(isAtLeast(bytes, 0xE0)), leads4,
             leads4 ? strangeLeads(bytes) : 0};
 }
@@ -68,12 +98,12 @@ struct Parts {
     __m256i low, middle, top;
 };
 
-PELVOR_AVX2 inline void replace(__m256i& bytes, __m256i where, __m256i with) {
+PELVOR_WIDE inline void replace(__m256i& bytes, __m256i where, __m256i with) {
     bytes = _mm256_blendv_epi8(bytes, with, where);
 }
 
 // Both halves of the pairs, which stand at the third and fourth bytes of their characters.
-PELVOR_AVX2 inline void placePairs(Parts& parts, __m256i bytes, __m256i before1, __m256i before2,
+PELVOR_WIDE inline void placePairs(Parts& parts, __m256i bytes, __m256i before1, __m256i before2,
                                    __m256i before3) {
     __m256i isFirst = isAtLeast(before2, 0xF0), isSecond = isAtLeast(before3, 0xF0);
     // 0xDC00 and the low ten bits.
@@ -88,7 +118,7 @@ PELVOR_AVX2 inline void placePairs(Parts& parts, __m256i bytes, __m256i before1,
     replace(parts.middle, isFirst, either(_mm256_sub_epi8(middle, every(1)), every(0x20)));
 }
 
-PELVOR_AVX2 inline Parts partsOf(__m256i bytes, bool hasPairs) {
+PELVOR_WIDE inline Parts partsOf(__m256i bytes, bool hasPairs) {
     const __m256i carried = _mm256_permute2x128_si256(bytes, bytes, 0x08);
     __m256i before1 = _mm256_alignr_epi8(bytes, carried, 15);
     __m256i before2 = _mm256_alignr_epi8(bytes, carried, 14);
@@ -101,8 +131,8 @@ PELVOR_AVX2 inline Parts partsOf(__m256i bytes, bool hasPairs) {
     return parts;
 }
 
-// Eight units of which those are wanted whose bits are set; answers the place behind them.
-PELVOR_AVX2 inline unichar* storeChosen(unichar* units, __m128i eight, std::uint64_t places) {
+// Stores those of eight units whose bits are set, and returns the place behind them.
+PELVOR_WIDE inline unichar* storeChosen(unichar* units, __m128i eight, Bits places) {
     auto choice = static_cast<unsigned>(places & 0xFF);
     __m128i shuffle = _mm_load_si128(reinterpret_cast<const __m128i*>(gathering.bytes[choice]));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(units), _mm_shuffle_epi8(eight, shuffle));
@@ -110,7 +140,7 @@ PELVOR_AVX2 inline unichar* storeChosen(unichar* units, __m128i eight, std::uint
 }
 
 // Writes up to 32 units, whatever their number.
-PELVOR_AVX2 inline unichar* store(unichar* units, const Parts& parts, std::uint64_t places) {
+PELVOR_WIDE inline unichar* store(unichar* units, const Parts& parts, Bits places) {
     __m256i lower = either(parts.low, both(_mm256_slli_epi16(parts.middle, 6), every(0xC0)));
     __m256i upper = either(both(_mm256_srli_epi16(parts.middle, 2), every(0x0F)),
                            both(_mm256_slli_epi16(parts.top, 4), every(0xF0)));
@@ -121,7 +151,7 @@ PELVOR_AVX2 inline unichar* store(unichar* units, const Parts& parts, std::uint6
     return storeChosen(units, _mm256_extracti128_si256(odd, 1), places >> 24);
 }
 
-PELVOR_AVX2 inline void storeASCII(unichar* units, __m256i bytes) {
+PELVOR_WIDE inline void storeASCII(unichar* units, __m256i bytes) {
     auto* to = reinterpret_cast<__m256i*>(units);
     _mm256_storeu_si256(to, _mm256_cvtepu8_epi16(_mm256_castsi256_si128(bytes)));
     _mm256_storeu_si256(to + 1, _mm256_cvtepu8_epi16(_mm256_extracti128_si256(bytes, 1)));
@@ -130,20 +160,20 @@ PELVOR_AVX2 inline void storeASCII(unichar* units, __m256i bytes) {
 }  // namespace
 
 // No more units than bytes come of a block: there is room for all.
-PELVOR_AVX2 void UTF8Step::readThirtyTwos() {
+PELVOR_WIDE void UTF8Step::readWide() {
     const unsigned char* in = _in;
     unichar* out = _out;
     while (_inEnd - in >= kBlockSize && _outEnd - out >= kBlockSize) {
         __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
-        std::uint64_t beyond = bitsOf(bytes);
+        Bits beyond = bitsOf(bytes);
         if (!beyond) {
             storeASCII(out, bytes);
             in += kBlockSize;
             out += kBlockSize;
             continue;
         }
-        UTF8Block block = blockOf(bytes, beyond);
-        unsigned whole = block.wholeCount(kBlockSize, kBlockSize);
+        Block block = blockOf(bytes, beyond);
+        unsigned whole = block.wholeCount();
         out = store(out, partsOf(bytes, block.leads4 != 0), block.unitPlaces(whole));
         in += whole;
         // The end cuts off three bytes at most: what follows is malformed.
@@ -153,7 +183,7 @@ PELVOR_AVX2 void UTF8Step::readThirtyTwos() {
     _out = out;
 }
 #else
-void UTF8Step::readThirtyTwos() {}
+void UTF8Step::readWide() {}
 #endif
 
 }  // namespace pelvor
