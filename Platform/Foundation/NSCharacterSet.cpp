@@ -83,10 +83,6 @@ const SharedPlane& fullPlane() {
     return plane;
 }
 
-void requireSet(NSCharacterSet* set, const char* operation) {
-    if (!set) throw NSException(NSInvalidArgumentException, std::string(operation) + " none given");
-}
-
 void changeBits(Plane& plane, unsigned first, unsigned last, bool toMember) {
     auto setBit = [&](unsigned c) {
         auto mask = static_cast<std::uint8_t>(1u << (c & 7));
@@ -120,15 +116,15 @@ void NSCharacterSet::changeRange(char32_t first, char32_t last, Change change) {
     }
 }
 
-void NSCharacterSet::changeRange(NSRange range, Change change) {
+void NSCharacterSet::changeRange(NSRange range, Change change, const char* operation) {
     if (!isRangeInside(range, 0x110000))
-        raiseException(NSInvalidArgumentException, u"range {%u, %u} beyond the code points"_ns,
+        raiseException(NSInvalidArgumentException, u"%s range {%u, %u} beyond the last code point"_ns, operation,
                        range.location, range.length);
     if (range.length) changeRange(range.location, NSMaxRange(range) - 1, change);
 }
 
-void NSCharacterSet::changeCharacters(NSString* string, Change change) {
-    requireString(string, "charactersInString:");
+void NSCharacterSet::changeCharacters(NSString* string, Change change, const char* operation) {
+    requireArgument(string, operation, "the string");
     StringUnits units(string);
     for (std::size_t i = 0; i < units.size();) {
         char32_t c = codePointAt(units, i);
@@ -241,30 +237,34 @@ NSCharacterSet* NSCharacterSet::illegalCharacterSet() {
 
 Retained<NSCharacterSet> NSCharacterSet::initWithCharactersInString(NSString* string, Class* cls) {
     auto set = make<NSCharacterSet>(cls);
-    set->changeCharacters(string, Change::add);
+    set->changeCharacters(string, Change::add, "initWithCharactersInString:");
     return set;
 }
 
 Retained<NSCharacterSet> NSCharacterSet::initWithRange(NSRange range, Class* cls) {
     auto set = make<NSCharacterSet>(cls);
-    set->changeRange(range, Change::add);
+    set->changeRange(range, Change::add, "initWithRange:");
     return set;
 }
 
 NSCharacterSet* NSCharacterSet::characterSet(Class* cls) { return make<NSCharacterSet>(cls).autorelease(); }
 
 NSCharacterSet* NSCharacterSet::characterSetWithCharactersInString(NSString* string, Class* cls) {
-    return initWithCharactersInString(string, cls).autorelease();
+    auto set = make<NSCharacterSet>(cls);
+    set->changeCharacters(string, Change::add, "characterSetWithCharactersInString:");
+    return std::move(set).autorelease();
 }
 
 NSCharacterSet* NSCharacterSet::characterSetWithRange(NSRange range, Class* cls) {
-    return initWithRange(range, cls).autorelease();
+    auto set = make<NSCharacterSet>(cls);
+    set->changeRange(range, Change::add, "characterSetWithRange:");
+    return std::move(set).autorelease();
 }
 
 // Bitmaps
 
-void NSCharacterSet::readBitmap(NSData* data) {
-    if (!data) throw NSException(NSInvalidArgumentException, "bitmapRepresentation: none given");
+void NSCharacterSet::readBitmap(NSData* data, const char* operation) {
+    requireArgument(data, operation, "the data");
     std::span<const std::byte> bytes = data->span();
     std::size_t plane = 0;
     while (!bytes.empty()) {
@@ -290,12 +290,14 @@ NSData* NSCharacterSet::bitmapRepresentation() {
 
 Retained<NSCharacterSet> NSCharacterSet::initWithBitmapRepresentation(NSData* data, Class* cls) {
     auto set = make<NSCharacterSet>(cls);
-    set->readBitmap(data);
+    set->readBitmap(data, "initWithBitmapRepresentation:");
     return set;
 }
 
 NSCharacterSet* NSCharacterSet::characterSetWithBitmapRepresentation(NSData* data, Class* cls) {
-    return initWithBitmapRepresentation(data, cls).autorelease();
+    auto set = make<NSCharacterSet>(cls);
+    set->readBitmap(data, "characterSetWithBitmapRepresentation:");
+    return std::move(set).autorelease();
 }
 
 // Questions
@@ -305,7 +307,7 @@ bool NSCharacterSet::hasMemberInPlane(std::uint8_t plane) {
 }
 
 bool NSCharacterSet::isSupersetOfSet(NSCharacterSet* other) {
-    requireSet(other, "isSupersetOfSet:");
+    requireArgument(other, "isSupersetOfSet:", "the other set");
     auto lacks = [](std::uint8_t mine, std::uint8_t theirs) { return (theirs & ~mine) != 0; };
     for (std::size_t i = 0; i < kPlaneCount; ++i) {
         const Plane &mine = *_planes[i], &theirs = *other->_planes[i];
@@ -360,18 +362,24 @@ Retained<NSMutableCharacterSet> NSMutableCharacterSet::init(Class* cls) {
     return make<NSMutableCharacterSet>(cls);
 }
 
-void NSMutableCharacterSet::addCharactersInRange(NSRange range) { changeRange(range, Change::add); }
+void NSMutableCharacterSet::addCharactersInRange(NSRange range) {
+    changeRange(range, Change::add, "addCharactersInRange:");
+}
 
-void NSMutableCharacterSet::removeCharactersInRange(NSRange range) { changeRange(range, Change::remove); }
+void NSMutableCharacterSet::removeCharactersInRange(NSRange range) {
+    changeRange(range, Change::remove, "removeCharactersInRange:");
+}
 
-void NSMutableCharacterSet::addCharactersInString(NSString* string) { changeCharacters(string, Change::add); }
+void NSMutableCharacterSet::addCharactersInString(NSString* string) {
+    changeCharacters(string, Change::add, "addCharactersInString:");
+}
 
 void NSMutableCharacterSet::removeCharactersInString(NSString* string) {
-    changeCharacters(string, Change::remove);
+    changeCharacters(string, Change::remove, "removeCharactersInString:");
 }
 
 void NSMutableCharacterSet::formUnionWithCharacterSet(NSCharacterSet* other) {
-    requireSet(other, "formUnionWithCharacterSet:");
+    requireArgument(other, "formUnionWithCharacterSet:", "the other set");
     for (std::size_t i = 0; i < kPlaneCount; ++i) {
         const SharedPlane theirs = other->_planes[i];
         if (theirs == emptyPlane() || theirs == _planes[i]) continue;
@@ -381,7 +389,7 @@ void NSMutableCharacterSet::formUnionWithCharacterSet(NSCharacterSet* other) {
 }
 
 void NSMutableCharacterSet::formIntersectionWithCharacterSet(NSCharacterSet* other) {
-    requireSet(other, "formIntersectionWithCharacterSet:");
+    requireArgument(other, "formIntersectionWithCharacterSet:", "the other set");
     for (std::size_t i = 0; i < kPlaneCount; ++i) {
         const SharedPlane theirs = other->_planes[i];
         if (theirs == fullPlane() || theirs == _planes[i]) continue;

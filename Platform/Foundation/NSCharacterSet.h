@@ -14,8 +14,14 @@ namespace pelvor {
 class NSData;
 class NSMutableCharacterSet;
 
-/// A set of code points, with one bit a member: membership takes constant time. Immutable sets may be used
-/// on any thread. The named sets are made once and live as long as the process.
+/// A set of code points. Asking for a member takes constant time:
+///
+///     NSCharacterSet* digits = NSCharacterSet::decimalDigitCharacterSet();
+///     if (digits->characterIsMember(text->characterAtIndex(0))) …
+///     NSRange comma = text->rangeOfCharacterFromSet(NSCharacterSet::characterSetWithCharactersInString(u",;"_ns));
+///
+/// The named sets are made once and live as long as the process. Letters in parentheses are Unicode's general
+/// categories. Null arguments raise NSInvalidArgumentException. Immutable sets may be used on any thread.
 class PELVOR_EXPORT NSCharacterSet : public NSObject {
     PELVOR_CLASS(NSCharacterSet, NSObject);
     PELVOR_CREATORS(characterSet, characterSetWithCharactersInString, characterSetWithRange,
@@ -25,20 +31,25 @@ class PELVOR_EXPORT NSCharacterSet : public NSObject {
   public:
     /// Letters and marks (categories L and M).
     static NSCharacterSet* letterCharacterSet();
+    /// The digits 0 to 9 of all scripts (Nd).
     static NSCharacterSet* decimalDigitCharacterSet();
     /// Letters, marks and numbers (L, M and N).
     static NSCharacterSet* alphanumericCharacterSet();
-    /// Space separators and the tab (Zs and U+0009).
+    /// Space separators and the tab (Zs, U+0009), without line ends.
     static NSCharacterSet* whitespaceCharacterSet();
-    /// Z with U+0009 to U+000D and U+0085.
+    /// All separators and line ends (Z, U+0009 to U+000D, U+0085).
     static NSCharacterSet* whitespaceAndNewlineCharacterSet();
-    /// Lu and Lt.
+    /// Upper-case and title-case letters (Lu and Lt).
     static NSCharacterSet* uppercaseLetterCharacterSet();
+    /// Lower-case letters (Ll).
     static NSCharacterSet* lowercaseLetterCharacterSet();
+    /// Title-case letters (Lt), such as "ǅ".
     static NSCharacterSet* capitalizedLetterCharacterSet();
+    /// Punctuation (P).
     static NSCharacterSet* punctuationCharacterSet();
+    /// Symbols (S): mathematical, currency and other signs.
     static NSCharacterSet* symbolCharacterSet();
-    /// Cc and Cf.
+    /// Control and format characters (Cc and Cf).
     static NSCharacterSet* controlCharacterSet();
     /// Marks (M).
     static NSCharacterSet* nonBaseCharacterSet();
@@ -47,25 +58,29 @@ class PELVOR_EXPORT NSCharacterSet : public NSObject {
     /// Unassigned code points and non-characters.
     static NSCharacterSet* illegalCharacterSet();
 
+    /// The empty set.
     static NSCharacterSet* characterSet(Class* cls = classObject());
-    /// The code points of the string; a lone half is a member itself.
+    /// The code points of the string. A half of a pair that stands alone is a member itself.
     static NSCharacterSet* characterSetWithCharactersInString(NSString* string, Class* cls = classObject());
     /// Raises NSInvalidArgumentException for a range past U+10FFFF.
     static NSCharacterSet* characterSetWithRange(NSRange range, Class* cls = classObject());
-    /// The set that `bitmapRepresentation` wrote; shorter data lacks members.
+    /// The set that `bitmapRepresentation` wrote. Where the data ends early, members are missing.
     static NSCharacterSet* characterSetWithBitmapRepresentation(NSData* data, Class* cls = classObject());
 
     static Retained<NSCharacterSet> initWithCharactersInString(NSString* string, Class* cls = classObject());
     static Retained<NSCharacterSet> initWithRange(NSRange range, Class* cls = classObject());
     static Retained<NSCharacterSet> initWithBitmapRepresentation(NSData* data, Class* cls = classObject());
 
+    /// Whether the unit, as a code point, is a member.
     bool characterIsMember(unichar unit) { return hasBit(_planes[0]->data(), unit); }
     bool longCharacterIsMember(char32_t codePoint) {
         return codePoint <= 0x10FFFF &&
                hasBit(_planes[codePoint >> 16]->data(), static_cast<unichar>(codePoint & 0xFFFF));
     }
+    /// Whether there is a member among the 65,536 code points of the plane; planes are counted from 0 to 16.
     bool hasMemberInPlane(std::uint8_t plane);
     bool isSupersetOfSet(NSCharacterSet* other);
+    /// All code points that are not members.
     NSCharacterSet* invertedSet();
 
     /// 8192 bytes for U+0000 to U+FFFF, the bit of c in byte c >> 3 at 1 << (c & 7); then, for each further
@@ -73,8 +88,8 @@ class PELVOR_EXPORT NSCharacterSet : public NSObject {
     NSData* bitmapRepresentation();
 
     // C++ only
-    /// The 8192 bytes for U+0000 to U+FFFF themselves; valid until the set changes or goes.
-    const std::uint8_t* basicPlaneBitmap() { return _planes[0]->data(); }
+    /// The first 8192 bytes of `bitmapRepresentation`, not copied: valid until the set changes or ends.
+    const std::uint8_t* basicPlaneBitmap() PELVOR_LIFETIMEBOUND { return _planes[0]->data(); }
 
     bool isEqual(id other) override;
     std::uintptr_t hash() override;
@@ -102,9 +117,10 @@ class PELVOR_EXPORT NSCharacterSet : public NSObject {
     Plane& writablePlane(std::size_t index);
     enum class Change { add, remove };
     void changeRange(char32_t first, char32_t last, Change change);
-    void changeRange(NSRange range, Change change);
-    void changeCharacters(NSString* string, Change change);
-    void readBitmap(NSData* data);
+    // The operation is named in the message if the argument is refused.
+    void changeRange(NSRange range, Change change, const char* operation);
+    void changeCharacters(NSString* string, Change change, const char* operation);
+    void readBitmap(NSData* data, const char* operation);
     void invertPlanes();
 
     Planes _planes;

@@ -56,7 +56,7 @@ class PELVOR_EXPORT NSData : public NSObject {
     virtual const void* bytes() = 0;
 
     // C++ only
-    std::span<const std::byte> span() { return {static_cast<const std::byte*>(bytes()), length()}; }
+    std::span<const std::byte> span() PELVOR_LIFETIMEBOUND { return {static_cast<const std::byte*>(bytes()), length()}; }
 
     /// Copies the bytes to the buffer.
     void getBytes(void* buffer);

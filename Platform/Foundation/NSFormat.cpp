@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "Foundation/NSString.h"
+#include "Shared/ArgumentChecks.h"
 #include "Runtime/NSException.h"
 #include "Shared/Codepoints.h"
 
@@ -23,7 +24,7 @@ constexpr int kLargestField = 65535;
 struct Directive {
     bool left = false, plus = false, space = false, zero = false, alternate = false;
     int width = 0;
-    int precision = -1;  // -1: none given
+    int precision = -1;  // -1: not given
     int halves = 0;      // 1 for "h", 2 for "hh"
     char16_t conversion = 0;
     const FormatArgument* argument = nullptr;
@@ -41,7 +42,8 @@ void appendASCII(std::u16string& text, std::string_view ascii) { text.append(asc
 void appendUTF8(std::u16string& text, std::string_view bytes) {
     if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return static_cast<signed char>(c) >= 0; }))
         return appendASCII(text, bytes);
-    text += StringUnits(NSString::ofUTF8(bytes)).view();
+    StringUnits units(NSString::ofUTF8(bytes));
+    text += units.view();
 }
 
 void appendPadded(std::u16string& text, const Directive& directive, std::u16string_view field) {
@@ -99,7 +101,8 @@ void appendText(std::u16string& text, const FormatArgument& argument) {
         case Kind::object:
             NSString* description = argument.object() ? argument.object()->description() : nullptr;
             if (!description) return appendASCII(text, "(null)");
-            text += StringUnits(description).view();
+            StringUnits units(description);
+            text += units.view();
     }
 }
 
@@ -112,7 +115,7 @@ std::int64_t truncated(double value) {
     return value < -kLimit ? std::numeric_limits<std::int64_t>::min() : static_cast<std::int64_t>(value);
 }
 
-// The integer that an argument stands for; none for text and objects.
+// The integer that an argument stands for; no value for text and objects.
 std::optional<std::int64_t> integerOf(const FormatArgument& argument) {
     switch (argument.kind()) {
         case Kind::signedInteger:
@@ -438,10 +441,11 @@ void appendFormat(std::u16string& text, std::u16string_view format, Arguments ar
     FormatReader(text, format, arguments).run();
 }
 
-NSString* formatString(NSString* format, Arguments arguments) {
-    if (!format) throw NSException(NSInvalidArgumentException, "none where a format is needed");
+NSString* formatString(NSString* format, Arguments arguments, const char* operation) {
+    requireArgument(format, operation, "the format");
+    StringUnits units(format);
     std::u16string text;
-    appendFormat(text, StringUnits(format), arguments);
+    appendFormat(text, units, arguments);
     return NSString::of(text);
 }
 

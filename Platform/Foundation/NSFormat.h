@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Formatted text: "%@ at %d" with arguments that carry their types.
+// Formatted text: "%@ at %d" with arguments that carry their types. Hosts format by NSString:
+//
+//     NSString* line = NSString::stringWithFormat(u"%@, page %d of %d"_ns, title, page, count);
 #pragma once
 
 #include <array>
@@ -14,7 +16,7 @@
 namespace pelvor {
 
 /// One argument of a format, made implicitly from numbers, enumerations, texts, selectors, pointers and
-/// objects. It borrows what it is made from, so it lives no longer than the call.
+/// objects. An argument borrows what it is made from, so it lives no longer than the call.
 class FormatArgument {
   public:
     enum class Kind : std::uint8_t {
@@ -41,7 +43,7 @@ class FormatArgument {
         : _kind(Kind::floating), _size(sizeof(double)), _floating(static_cast<double>(value)) {}
 
     constexpr FormatArgument(std::nullptr_t) : _kind(Kind::object) {}
-    /// Zero-terminated UTF-8, or none.
+    /// Zero-terminated UTF-8, or null.
     constexpr FormatArgument(const char* text)
         : _kind(Kind::text), _length(text ? std::char_traits<char>::length(text) : 0), _pointer(text) {}
     constexpr FormatArgument(std::string_view text)
@@ -49,13 +51,13 @@ class FormatArgument {
     FormatArgument(const std::string& text) : FormatArgument(std::string_view(text)) {}
     constexpr FormatArgument(std::u16string_view text)
         : _kind(Kind::text16), _length(text.size()), _pointer(text.data()) {}
-    /// Zero-terminated UTF-16, or none.
+    /// Zero-terminated UTF-16, or null.
     constexpr FormatArgument(const char16_t* text)
         : _kind(Kind::text16), _length(text ? std::char_traits<char16_t>::length(text) : 0), _pointer(text) {}
     FormatArgument(const std::u16string& text) : FormatArgument(std::u16string_view(text)) {}
     FormatArgument(SEL selector) : FormatArgument(selector.name()) {}
 
-    /// An object of any class, class records among them, or none; other pointers show their address.
+    /// An object of any class, class records among them, or null. Other pointers show their address.
     template <class T>
     requires(!std::is_same_v<std::remove_cv_t<T>, char> && !std::is_same_v<std::remove_cv_t<T>, char16_t>)
         FormatArgument(T* pointer) {
@@ -73,7 +75,7 @@ class FormatArgument {
     FormatArgument(const Retained<T>& object) : FormatArgument(object.get()) {}
 
     Kind kind() const { return _kind; }
-    /// The bytes of the number's own type.
+    /// How many bytes the number's own type has.
     unsigned size() const { return _size; }
     std::uint64_t integer() const { return _integer; }
     double floating() const { return _floating; }
@@ -99,19 +101,24 @@ class FormatArgument {
         std::uint64_t _integer = 0;
         double _floating;
         const void* _pointer;
-        Object* _object;
+        Unretained<Object> _object;
     };
 };
 
-/// The format with its arguments in place. Conversions are %@ (an object's description), d i u x X o c C
-/// s S p f F e E g G a A and %%; flags "-+ 0#", width and precision, also as "*"; lengths h hh l ll q z t
-/// j L are read and, but for h and hh, change nothing, for arguments know their types; "%2$@" takes an
-/// argument by its place. %d of an unsigned value prints the signed number with the same bits. None
-/// prints "(null)"; an argument that is missing prints "(missing)". Never uses the process's locale.
-/// Any thread. The result is borrowed.
-PELVOR_EXPORT NSString* formatString(NSString* format, std::span<const FormatArgument> arguments);
+/// The format with its arguments in place; the form behind `stringWithFormat`. The result is borrowed.
+///
+/// - Conversions are %@ (an object's description), d i u x X o c C s S p f F e E g G a A and %%.
+/// - Flags are "-+ 0#"; width and precision may be "*"; "%2$@" takes an argument by its place.
+/// - Of the lengths h hh l ll q z t j L only h and hh change anything, because arguments know their types.
+/// - %d of an unsigned value prints the signed number with the same bits.
+/// - Null prints "(null)", an argument that is missing "(missing)".
+///
+/// The process's locale does not count. Raises NSInvalidArgumentException for a null format, in the name of the
+/// `operation` that was called. Any thread.
+PELVOR_EXPORT NSString* formatString(NSString* format, std::span<const FormatArgument> arguments,
+                                     const char* operation = "formatString:");
 
-/// The same, appended to `text`.
+/// Appends the format with its arguments in place to `text`.
 PELVOR_EXPORT void appendFormat(std::u16string& text, std::u16string_view format,
                                 std::span<const FormatArgument> arguments);
 

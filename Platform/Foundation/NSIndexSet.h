@@ -35,7 +35,7 @@ class PELVOR_EXPORT NSIndexSet : public NSObject {
 
     // C++ only
     /// The members as ranges in ascending order, none empty, no two touching. Valid until the set changes.
-    std::span<const NSRange> runs() { return _runs; }
+    std::span<const NSRange> runs() PELVOR_LIFETIMEBOUND { return _runs; }
 
     NSUInteger count();
     // NSNotFound where there is none.

@@ -65,7 +65,7 @@ class PELVOR_EXPORT NSMutableData : public NSData {
     void replaceBytesInRange_withBytes_length(NSRange range, const void* bytes, NSUInteger length);
 
     // C++ only
-    std::span<std::byte> mutableSpan() { return _bytes; }
+    std::span<std::byte> mutableSpan() PELVOR_LIFETIMEBOUND { return _bytes; }
     void append(std::span<const std::byte> bytes);
 
     Retained<Object> copyWithZone(void* zone) override;

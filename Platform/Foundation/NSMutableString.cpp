@@ -10,7 +10,6 @@
 #include "Foundation/Strings/NSInlineString.h"
 #include "Foundation/Strings/TextFinder.h"
 #include "Foundation/UnitBuffer.h"
-#include "Runtime/NSException.h"
 
 namespace pelvor {
 
@@ -18,6 +17,7 @@ namespace {
 
 // Formats sent as messages have no arguments.
 NSMutableString* formatAlone(NSString* format) { return NSMutableString::stringWithFormat(format); }
+Retained<NSMutableString> initFormatAlone(NSString* format) { return NSMutableString::initWithFormat(format); }
 void appendFormatAlone(NSMutableString* string, NSString* format) { string->appendFormat(format); }
 
 }  // namespace
@@ -47,7 +47,7 @@ PELVOR_DEFINE_CLASS(NSMutableString, foundationLibrary) {
     methods.creator<"initWithData:encoding:", &NSMutableString::initWithData_encoding>();
     methods.creator<"initWithContentsOfFile:encoding:", &NSMutableString::initWithContentsOfFile_encoding>();
     methods.creator<"initWithContentsOfFile:", &NSMutableString::initWithContentsOfFile>();
-    methods.creatorAs<"initWithFormat:", &formatAlone>();
+    methods.creatorAs<"initWithFormat:", &initFormatAlone>();
 
     methods.instance<"replaceCharactersInRange:withString:",
                      &NSMutableString::replaceCharactersInRange_withString>();
@@ -81,7 +81,7 @@ Retained<NSMutableString> NSMutableString::initWithCapacity(NSUInteger capacity)
 Retained<NSMutableString> NSMutableString::init() { return make<NSBufferString>(); }
 
 Retained<NSMutableString> NSMutableString::initWithString(NSString* string) {
-    requireString(string, "initWithString:");
+    requireArgument(string, "initWithString:", "the string");
     NSUInteger length = string->length();
     auto copy = make<NSBufferString>();
     string->getCharacters_range(copy->resize(length), {0, length});
@@ -90,7 +90,7 @@ Retained<NSMutableString> NSMutableString::initWithString(NSString* string) {
 
 Retained<NSMutableString> NSMutableString::initWithCharacters_length(const unichar* characters,
                                                                      NSUInteger length) {
-    requireText(characters, length);
+    requireMemory(characters, length, "initWithCharacters:length:", "the characters");
     auto string = make<NSBufferString>();
     std::copy_n(characters, length, string->resize(length));
     return string;
@@ -128,22 +128,27 @@ NSMutableString* NSMutableString::stringWithCapacity(NSUInteger capacity) {
 }
 
 NSMutableString* NSMutableString::stringWithString(NSString* string) {
+    requireArgument(string, "stringWithString:", "the string");
     return initWithString(string).autorelease();
 }
 
 NSMutableString* NSMutableString::stringWithCharacters_length(const unichar* characters, NSUInteger length) {
+    requireMemory(characters, length, "stringWithCharacters:length:", "the characters");
     return initWithCharacters_length(characters, length).autorelease();
 }
 
 NSMutableString* NSMutableString::stringWithUTF8String(const char* text) {
+    requireArgument(text, "stringWithUTF8String:", "the text");
     return initWithUTF8String(text).autorelease();
 }
 
 NSMutableString* NSMutableString::stringWithCString_encoding(const char* text, NSStringEncoding encoding) {
+    requireArgument(text, "stringWithCString:encoding:", "the text");
     return initWithCString_encoding(text, encoding).autorelease();
 }
 
 NSMutableString* NSMutableString::stringWithContentsOfFile(NSString* path) {
+    requireArgument(path, "stringWithContentsOfFile:", "the path");
     return initWithContentsOfFile(path).autorelease();
 }
 
@@ -162,32 +167,34 @@ void NSMutableString::replaceCharactersInRange_withUnits(NSRange range, std::u16
 }
 
 void NSMutableString::setString(NSString* string) {
-    requireString(string, "setString:");
+    requireArgument(string, "setString:", "the string");
     if (string != this) replaceCharactersInRange_withString({0, length()}, string);
 }
 
 void NSMutableString::appendString(NSString* string) {
-    requireString(string, "appendString:");
+    requireArgument(string, "appendString:", "the string");
     replaceCharactersInRange_withString({length(), 0}, string);
 }
 
 void NSMutableString::appendCharacters_length(const unichar* characters, NSUInteger length) {
-    requireText(characters, length);
+    requireMemory(characters, length, "appendCharacters:length:", "the characters");
     append({characters, length});
 }
 
 void NSMutableString::insertString_atIndex(NSString* string, NSUInteger index) {
-    requireString(string, "insertString:atIndex:");
+    requireArgument(string, "insertString:atIndex:", "the string");
+    requirePlace(index, length(), "insertString:atIndex:");
     replaceCharactersInRange_withString({index, 0}, string);
 }
 
 void NSMutableString::deleteCharactersInRange(NSRange range) {
+    requireRange(range, length(), "deleteCharactersInRange:");
     replaceCharactersInRange_withUnits(range, {});
 }
 
 namespace {
 
-// Writes the text with every match replaced to `result`; answers how many there were.
+// Writes the text with every match replaced to `result`; returns how many there were.
 NSUInteger replaceForwards(std::u16string& result, std::u16string_view text, std::u16string_view target,
                            std::u16string_view replacement, NSStringCompareOptions options) {
     TextFinder finder(target, options);
@@ -230,8 +237,10 @@ NSUInteger replaceBackwards(std::u16string& result, std::u16string_view text, st
 
 NSUInteger NSMutableString::replaceOccurrencesOfString_withString_options_range(
     NSString* target, NSString* replacement, NSStringCompareOptions options, NSRange range) {
-    requireString(target, "replaceOccurrencesOfString:withString:options:range:");
-    requireString(replacement, "replaceOccurrencesOfString:withString:options:range:");
+    constexpr const char* kOperation = "replaceOccurrencesOfString:withString:options:range:";
+    requireArgument(target, kOperation, "the target");
+    requireArgument(replacement, kOperation, "the replacement");
+    requireRange(range, length(), kOperation);
     std::u16string result;
     StringUnits text(this, range), wanted(target), put(replacement);
     if (wanted.size() == 0) return 0;
@@ -247,7 +256,7 @@ NSUInteger NSMutableString::replaceOccurrencesOfString_withString_options_range(
 }
 
 void replaceTextAdopting(NSMutableString* string, std::u16string&& units) {
-    requireTextLength(units.size());
+    requireTextLength(units.size(), "replaceTextAdopting:");
     if (auto* own = cast<NSBufferString>(string))
         own->adopt(std::move(units));
     else
@@ -259,26 +268,23 @@ Retained<Object> NSMutableString::copyWithZone(void* zone) { return NSString::co
 // NSBufferString
 
 unichar NSBufferString::characterAtIndex(NSUInteger index) {
-    requireIndex(index, length());
+    requireIndex(index, length(), "characterAtIndex:");
     return _units[index];
 }
 
 void NSBufferString::getCharacters_range(unichar* buffer, NSRange range) {
-    requireRange(range, length());
-    std::copy_n(_units.data() + range.location, range.length, buffer);
+    copyUnits(buffer, _units, range);
 }
 
 void NSBufferString::replaceCharactersInRange_withString(NSRange range, NSString* string) {
-    requireString(string, "replaceCharactersInRange:withString:");
-    requireRange(range, length());
-    requireTextLength(_units.size() - range.length + string->length());
+    requireArgument(string, "replaceCharactersInRange:withString:", "the string");
     StringUnits units(string);
     replaceCharactersInRange_withUnits(range, units);
 }
 
 void NSBufferString::replaceCharactersInRange_withUnits(NSRange range, std::u16string_view units) {
-    requireRange(range, length());
-    requireTextLength(_units.size() - range.length + units.size());
+    requireRange(range, length(), "replaceCharactersInRange:withString:");
+    requireTextLength(_units.size() - range.length + units.size(), "replaceCharactersInRange:withString:");
     _units.replace(range.location, range.length, units);
 }
 

@@ -6,8 +6,15 @@
 
 namespace pelvor {
 
-/// Abstract over NSString's primitives and `replaceCharactersInRange_withString`, on which everything
-/// that changes the string stands. One thread at a time.
+/// A string whose text can change:
+///
+///     NSMutableString* line = NSMutableString::stringWithString(u"one"_ns);
+///     line->appendFormat(u", %d"_ns, 2);
+///     line->insertString_atIndex(u"> "_ns, 0);  // "> one, 2"
+///
+/// The class is abstract: operations that change the string stand on NSString's primitives and on
+/// `replaceCharactersInRange_withString`. NSString's rules for arguments hold, and an operation that raises changes
+/// nothing. One thread at a time.
 class PELVOR_EXPORT NSMutableString : public NSString {
     PELVOR_CLASS(NSMutableString, NSString);
     PELVOR_CREATORS(string, stringWithCapacity, stringWithString, stringWithCharacters_length,
@@ -19,7 +26,7 @@ class PELVOR_EXPORT NSMutableString : public NSString {
                     ofUTF8);
 
   public:
-    // Creation, as NSString's; the results are mutable.
+    // Creation, by NSString's rules. The results are mutable.
 
     static NSMutableString* string();
     static NSMutableString* stringWithCapacity(NSUInteger capacity);
@@ -31,11 +38,11 @@ class PELVOR_EXPORT NSMutableString : public NSString {
     static NSMutableString* stringWithContentsOfFile(NSString* path);
 
     static Retained<NSMutableString> init();
-    /// Room for `capacity` units; the string grows past it as needed.
+    /// An empty string with room for `capacity` units. It grows beyond them as needed.
     static Retained<NSMutableString> initWithCapacity(NSUInteger capacity);
     static Retained<NSMutableString> initWithString(NSString* string);
     static Retained<NSMutableString> initWithCharacters_length(const unichar* characters, NSUInteger length);
-    /// Copies the units all the same, and frees those of the caller at once if that is asked for.
+    /// Copies the units all the same. With `freeWhenDone` the caller's units are freed at once.
     static Retained<NSMutableString> initWithCharactersNoCopy_length_freeWhenDone(unichar* characters,
                                                                                   NSUInteger length,
                                                                                   bool freeWhenDone);
@@ -51,13 +58,13 @@ class PELVOR_EXPORT NSMutableString : public NSString {
     // C++ only
     template <class... A>
     static NSMutableString* stringWithFormat(NSString* format, const A&... arguments) {
-        return stringWithString(formatString(format, detail::formatArguments(arguments...)));
+        return stringWithString(formatString(format, detail::formatArguments(arguments...), "stringWithFormat:"));
     }
     template <class... A>
     static Retained<NSMutableString> initWithFormat(NSString* format, const A&... arguments) {
-        return initWithString(formatString(format, detail::formatArguments(arguments...)));
+        return initWithString(formatString(format, detail::formatArguments(arguments...), "initWithFormat:"));
     }
-    /// Borrowed copies of the text; bytes that are not UTF-8 become U+FFFD.
+    /// Borrowed copies of the text. Bytes that are not UTF-8 become U+FFFD.
     static NSMutableString* of(std::u16string_view units);
     static NSMutableString* ofUTF8(std::string_view bytes);
 
@@ -71,19 +78,20 @@ class PELVOR_EXPORT NSMutableString : public NSString {
     void appendCharacters_length(const unichar* characters, NSUInteger length);
     void insertString_atIndex(NSString* string, NSUInteger index);
     void deleteCharactersInRange(NSRange range);
-    /// Replaces every occurrence inside the range, found from its start on, or backwards from its end;
-    /// answers how many there were.
+    /// Replaces every occurrence of the target inside the range, by the rules of `rangeOfString_options_range`, and
+    /// returns how many there were. Occurrences do not overlap: they are looked for from the start of the range on, or
+    /// backwards from its end.
     NSUInteger replaceOccurrencesOfString_withString_options_range(NSString* target, NSString* replacement,
                                                                    NSStringCompareOptions options,
                                                                    NSRange range);
 
     // C++ only
-    /// Puts units in place of the range; they may be the receiver's own.
+    /// Puts the units, which may be the receiver's own, in place of the range.
     virtual void replaceCharactersInRange_withUnits(NSRange range, std::u16string_view units);
     void append(std::u16string_view units) { replaceCharactersInRange_withUnits({length(), 0}, units); }
     template <class... A>
     void appendFormat(NSString* format, const A&... arguments) {
-        appendString(formatString(format, detail::formatArguments(arguments...)));
+        appendString(formatString(format, detail::formatArguments(arguments...), "appendFormat:"));
     }
 
     Retained<Object> copyWithZone(void* zone) override;

@@ -19,7 +19,7 @@ NSPathStore2* NSPathStore2::of(std::u16string_view path) {
 }
 
 unichar NSPathStore2::characterAtIndex(NSUInteger index) {
-    requireIndex(index, _length);
+    requireIndex(index, _length, "characterAtIndex:");
     return characters()[index];
 }
 

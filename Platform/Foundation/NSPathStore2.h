@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-// NSPathStore2: the strings that path operations answer.
+// NSPathStore2: the strings that path operations return.
 #pragma once
 
 #include "Foundation/NSString.h"
 
 namespace pelvor {
 
-/// An immutable string like any other. It has a method of its own for `stringByResolvingSymlinksInPath`,
-/// which can be replaced without that of other strings.
+/// An immutable string like any other. The class has a method of its own for `stringByResolvingSymlinksInPath`,
+/// so that a host can replace it without replacing the method of other strings.
 class PELVOR_EXPORT NSPathStore2 : public NSString, NSString::HiddenCreators {
     PELVOR_CLASS(NSPathStore2, NSString);
     PELVOR_CREATORS(of);

@@ -22,7 +22,7 @@ class PELVOR_EXPORT NSRangeValue final : public NSValue {
     /// An owned array of a value for each range.
     static Retained<NSMutableArray> createArray(std::span<const NSRange> ranges);
     NSRange range() const { return _range; }
-    std::span<const std::byte> span() { return std::as_bytes(std::span(&_range, 1)); }
+    std::span<const std::byte> span() PELVOR_LIFETIMEBOUND { return std::as_bytes(std::span(&_range, 1)); }
     static void* operator new(std::size_t size);
     static void operator delete(void* value) noexcept;
 

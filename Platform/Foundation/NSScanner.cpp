@@ -6,7 +6,6 @@
 #include "Foundation/Strings/CanonicalText.h"
 #include "Foundation/Strings/NSInlineString.h"
 #include "Foundation/Strings/NumberReader.h"
-#include "Runtime/NSException.h"
 
 namespace pelvor {
 
@@ -39,23 +38,26 @@ PELVOR_DEFINE_CLASS(NSScanner, foundationLibrary) {
 }
 
 Retained<NSScanner> NSScanner::initWithString(NSString* string, Class* cls) {
-    requireString(string, "initWithString:");
+    requireArgument(string, "initWithString:", "the string");
     auto scanner = make<NSScanner>(cls);
     scanner->_string = string->copy();
-    if (!scanner->_string->contiguousCharacters())
-        scanner->_string = NSInlineString::create(StringUnits(string));
-    scanner->_units = StringUnits(scanner->_string);
+    if (!scanner->_string->contiguousCharacters()) {
+        StringUnits units(scanner->_string);
+        scanner->_string = NSInlineString::create(units.view());
+    }
+    scanner->_units = {scanner->_string->contiguousCharacters(), scanner->_string->length()};
     scanner->_skipped =
         Retained<NSCharacterSet>::retaining(NSCharacterSet::whitespaceAndNewlineCharacterSet());
     return scanner;
 }
 
 NSScanner* NSScanner::scannerWithString(NSString* string, Class* cls) {
+    requireArgument(string, "scannerWithString:", "the string");
     return initWithString(string, cls).autorelease();
 }
 
 void NSScanner::setScanLocation(NSUInteger location) {
-    requireRange({location, 0}, static_cast<NSUInteger>(_units.size()));
+    requirePlace(location, static_cast<NSUInteger>(_units.size()), "setScanLocation:");
     _location = location;
 }
 
@@ -128,6 +130,7 @@ bool NSScanner::scanDouble(double* value) {
 NSStringCompareOptions NSScanner::searchOptions() { return _isCaseSensitive ? 0u : NSCaseInsensitiveSearch; }
 
 bool NSScanner::scanString_intoString(NSString* string, NSString** value) {
+    requireArgument(string, "scanString:intoString:", "the string");
     NSUInteger start = locationAfterSkipping();
     NSRange rest{start, static_cast<NSUInteger>(_units.size()) - start};
     NSRange found = _string->rangeOfString_options_range(string, searchOptions() | NSAnchoredSearch, rest);
@@ -135,18 +138,20 @@ bool NSScanner::scanString_intoString(NSString* string, NSString** value) {
 }
 
 bool NSScanner::scanUpToString_intoString(NSString* string, NSString** value) {
+    requireArgument(string, "scanUpToString:intoString:", "the string");
     NSUInteger start = locationAfterSkipping(), count = static_cast<NSUInteger>(_units.size());
     NSRange found = _string->rangeOfString_options_range(string, searchOptions(), {start, count - start});
     return accept(start, found.location == NSNotFound ? count : found.location, value);
 }
 
 bool NSScanner::scanCharactersFromSet_intoString(NSCharacterSet* set, NSString** value) {
-    if (!set) throw NSException(NSInvalidArgumentException, "scanCharactersFromSet:intoString: no set");
+    requireArgument(set, "scanCharactersFromSet:intoString:", "the set");
     NSUInteger start = locationAfterSkipping();
     return accept(start, endOfMembers(start, set), value);
 }
 
 bool NSScanner::scanUpToCharactersFromSet_intoString(NSCharacterSet* set, NSString** value) {
+    requireArgument(set, "scanUpToCharactersFromSet:intoString:", "the set");
     NSUInteger start = locationAfterSkipping(), count = static_cast<NSUInteger>(_units.size());
     NSRange found =
         _string->rangeOfCharacterFromSet_options_range(set, NSLiteralSearch, {start, count - start});

@@ -13,49 +13,51 @@ namespace pelvor {
 ///     double width;
 ///     if (scanner->scanString_intoString(u"width:"_ns, nullptr) && scanner->scanDouble(&width)) …
 ///
-/// Each reading first passes over the characters to be skipped. One that finds nothing answers false, and
-/// leaves the place and its result as they were; a result that is not wanted may be no pointer. Numbers that
-/// are too large are the nearest number of the type. One thread at a time.
+/// Each reading first passes over the characters to be skipped. A reading that finds nothing returns false and
+/// leaves the place and the value as they were. The pointer to a value that is not wanted may be null. Numbers that
+/// are too large for the type become its nearest number. Null strings and sets raise NSInvalidArgumentException.
+/// One thread at a time.
 class PELVOR_EXPORT NSScanner : public NSObject {
     PELVOR_CLASS(NSScanner, NSObject);
     PELVOR_CREATORS(initWithString, scannerWithString);
 
   public:
-    /// Over a copy of the string. Raises NSInvalidArgumentException for none.
+    /// Reads a copy of the string.
     static Retained<NSScanner> initWithString(NSString* string, Class* cls = classObject());
     static NSScanner* scannerWithString(NSString* string, Class* cls = classObject());
 
     NSString* string() { return _string; }
     NSUInteger scanLocation() { return _location; }
-    /// Raises NSRangeException past the end.
+    /// Raises NSRangeException for a location past the end.
     void setScanLocation(NSUInteger location);
-    /// White space and newlines, unless they are set; none: nothing is passed over.
+    /// White space and newlines, unless another set was given. With null, nothing is passed over.
     NSCharacterSet* charactersToBeSkipped() { return _skipped; }
     void setCharactersToBeSkipped(NSCharacterSet* set);
-    /// Whether strings are found in exactly their case; at first they are not.
+    /// Whether the case of letters counts where strings are looked for. False at first.
     bool caseSensitive() { return _isCaseSensitive; }
     void setCaseSensitive(bool isCaseSensitive) { _isCaseSensitive = isCaseSensitive; }
-    /// Whether there is nothing more but characters to be skipped.
+    /// Whether only characters to be skipped are left.
     bool isAtEnd();
 
     bool scanInt(int* value);
     bool scanInteger(NSInteger* value);
     bool scanLongLong(long long* value);
-    /// With or without "0x".
+    /// Hexadecimal digits, with or without "0x" in front.
     bool scanHexInt(unsigned* value);
     bool scanHexLongLong(unsigned long long* value);
     bool scanFloat(float* value);
     bool scanDouble(double* value);
 
-    // Strings read are borrowed.
+    // The strings that are read are borrowed.
 
-    /// Whether the string is next, as `rangeOfString` would find it.
+    /// Reads the string if it is next, by the rules of `rangeOfString`.
     bool scanString_intoString(NSString* string, NSString** value);
-    /// Up to the string, or to the end where it does not come; false where it is next.
+    /// Reads what stands before the string, or all the rest if the string does not come. Returns false if the
+    /// string is next.
     bool scanUpToString_intoString(NSString* string, NSString** value);
-    /// The members that are next.
+    /// Reads the members of the set that are next.
     bool scanCharactersFromSet_intoString(NSCharacterSet* set, NSString** value);
-    /// Up to the first member, or to the end.
+    /// Reads what stands before the first member, or all the rest. Returns false if a member is next.
     bool scanUpToCharactersFromSet_intoString(NSCharacterSet* set, NSString** value);
 
   protected:

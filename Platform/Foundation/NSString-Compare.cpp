@@ -10,37 +10,54 @@
 
 namespace pelvor {
 
+namespace {
+
+NSComparisonResult compared(NSString* string, NSRange range, NSString* other, NSStringCompareOptions options,
+                            const char* operation) {
+    requireArgument(other, operation, "the other string");
+    requireRange(range, string->length(), operation);
+    StringUnits own(string, range), others(other);
+    return compareText(own, others, options);
+}
+
+}  // namespace
+
+NSComparisonResult NSString::compare(NSString* other) {
+    return compared(this, {0, length()}, other, 0, "compare:");
+}
+
 NSComparisonResult NSString::compare_options(NSString* other, NSStringCompareOptions options) {
-    return compare_options_range(other, options, {0, length()});
+    return compared(this, {0, length()}, other, options, "compare:options:");
 }
 
 NSComparisonResult NSString::compare_options_range(NSString* other, NSStringCompareOptions options,
                                                    NSRange range) {
-    requireString(other, "compare:");
-    return compareText(StringUnits(this, range), StringUnits(other), options);
+    return compared(this, range, other, options, "compare:options:range:");
 }
 
 NSComparisonResult NSString::caseInsensitiveCompare(NSString* other) {
-    return compare_options(other, NSCaseInsensitiveSearch);
+    return compared(this, {0, length()}, other, NSCaseInsensitiveSearch, "caseInsensitiveCompare:");
 }
 
 bool NSString::hasPrefix(NSString* prefix) {
-    requireString(prefix, "hasPrefix:");
+    requireArgument(prefix, "hasPrefix:", "the prefix");
     NSUInteger size = prefix->length();
     if (size == 0 || size > length()) return false;
-    return StringUnits(this, {0, size}).view() == StringUnits(prefix).view();
+    StringUnits start(this, {0, size}), wanted(prefix);
+    return start.view() == wanted.view();
 }
 
 bool NSString::hasSuffix(NSString* suffix) {
-    requireString(suffix, "hasSuffix:");
+    requireArgument(suffix, "hasSuffix:", "the suffix");
     NSUInteger size = suffix->length(), count = length();
     if (size == 0 || size > count) return false;
-    return StringUnits(this, {count - size, size}).view() == StringUnits(suffix).view();
+    StringUnits end(this, {count - size, size}), wanted(suffix);
+    return end.view() == wanted.view();
 }
 
 namespace {
 
-// A collator of the user's language; none where there are no collation rules at all. Where no language is
+// A collator of the user's language; null where there are no collation rules at all. Where no language is
 // set ICU would order by code points: the order that all languages share serves people better. Collators are
 // safe on any thread once set up.
 UCollator* makeCollator(UCollationStrength strength) {
@@ -54,8 +71,8 @@ UCollator* makeCollator(UCollationStrength strength) {
 }
 
 NSComparisonResult collate(const UCollator* collator, NSString* a, NSString* b,
-                           NSStringCompareOptions options) {
-    requireString(b, "localizedCompare:");
+                           NSStringCompareOptions options, const char* operation) {
+    requireArgument(b, operation, "the other string");
     if (!collator) return a->compare_options(b, options);
     StringUnits x(a), y(b);
     return static_cast<NSComparisonResult>(ucol_strcoll(collator, x.data(), static_cast<int32_t>(x.size()),
@@ -66,12 +83,12 @@ NSComparisonResult collate(const UCollator* collator, NSString* a, NSString* b,
 
 NSComparisonResult NSString::localizedCompare(NSString* other) {
     static const UCollator* const collator = makeCollator(UCOL_TERTIARY);
-    return collate(collator, this, other, 0);
+    return collate(collator, this, other, 0, "localizedCompare:");
 }
 
 NSComparisonResult NSString::localizedCaseInsensitiveCompare(NSString* other) {
     static const UCollator* const collator = makeCollator(UCOL_SECONDARY);
-    return collate(collator, this, other, NSCaseInsensitiveSearch);
+    return collate(collator, this, other, NSCaseInsensitiveSearch, "localizedCaseInsensitiveCompare:");
 }
 
 }  // namespace pelvor

@@ -5,7 +5,6 @@
 #include "Foundation/NSData.h"
 #include "Foundation/NSMutableString.h"
 #include "Foundation/Strings/NSInlineString.h"
-#include "Runtime/NSException.h"
 #include "Shared/UTF8.h"
 
 namespace pelvor {
@@ -43,40 +42,45 @@ Retained<NSString> fileText(std::string_view bytes, NSStringEncoding encoding) {
 
 Retained<NSString> NSString::initWithBytes_length_encoding(const void* bytes, NSUInteger length,
                                                            NSStringEncoding encoding) {
-    requireText(bytes, length);
+    requireMemory(bytes, length, "initWithBytes:length:encoding:", "the bytes");
     auto units = decodeBytes({static_cast<const char*>(bytes), length}, encoding);
     return units ? NSInlineString::create(*units) : nullptr;
 }
 
 Retained<NSString> NSString::initWithCString_encoding(const char* text, NSStringEncoding encoding) {
-    if (!text) throw NSException(NSInvalidArgumentException, "initWithCString:encoding: none given");
+    requireArgument(text, "initWithCString:encoding:", "the text");
     return initWithBytes_length_encoding(text, static_cast<NSUInteger>(std::strlen(text)), encoding);
 }
 
 NSString* NSString::stringWithCString_encoding(const char* text, NSStringEncoding encoding) {
+    requireArgument(text, "stringWithCString:encoding:", "the text");
     return initWithCString_encoding(text, encoding).autorelease();
 }
 
 Retained<NSString> NSString::initWithData_encoding(NSData* data, NSStringEncoding encoding) {
-    if (!data) throw NSException(NSInvalidArgumentException, "initWithData:encoding: none given");
+    requireArgument(data, "initWithData:encoding:", "the data");
     return initWithBytes_length_encoding(data->bytes(), data->length(), encoding);
 }
 
 Retained<NSString> NSString::initWithContentsOfFile_encoding(NSString* path, NSStringEncoding encoding) {
+    requireArgument(path, "initWithContentsOfFile:encoding:", "the path");
     auto data = NSData::initWithContentsOfFile(path);
     return data ? fileText(bytesOf(data), encoding) : nullptr;
 }
 
 Retained<NSString> NSString::initWithContentsOfFile(NSString* path) {
+    requireArgument(path, "initWithContentsOfFile:", "the path");
     auto data = NSData::initWithContentsOfFile(path);
     return data ? fileText(bytesOf(data), encodingByMark(bytesOf(data))) : nullptr;
 }
 
 NSString* NSString::stringWithContentsOfFile_encoding(NSString* path, NSStringEncoding encoding) {
+    requireArgument(path, "stringWithContentsOfFile:encoding:", "the path");
     return initWithContentsOfFile_encoding(path, encoding).autorelease();
 }
 
 NSString* NSString::stringWithContentsOfFile(NSString* path) {
+    requireArgument(path, "stringWithContentsOfFile:", "the path");
     return initWithContentsOfFile(path).autorelease();
 }
 
@@ -95,20 +99,25 @@ Retained<NSMutableString> NSMutableString::initWithData_encoding(NSData* data, N
 
 NSMutableString* NSMutableString::stringWithContentsOfFile_encoding(NSString* path,
                                                                     NSStringEncoding encoding) {
+    requireArgument(path, "stringWithContentsOfFile:encoding:", "the path");
     auto string = NSString::initWithContentsOfFile_encoding(path, encoding);
     return string ? stringWithString(string) : nullptr;
 }
 
 // To bytes
 
-std::string NSString::toUTF8() { return utf8FromUnitsMending(StringUnits(this)); }
+std::string NSString::toUTF8() {
+    StringUnits units(this);
+    return utf8FromUnitsMending(units);
+}
 
 const char* NSString::UTF8String() { return autoreleasedText(toUTF8()); }
 
 const char* NSString::fileSystemRepresentation() { return UTF8String(); }
 
 const char* NSString::cStringUsingEncoding(NSStringEncoding encoding) {
-    auto bytes = encodeUnits(StringUnits(this), encoding);
+    StringUnits units(this);
+    auto bytes = encodeUnits(units, encoding);
     return bytes ? autoreleasedText(*bytes) : nullptr;
 }
 
@@ -117,18 +126,20 @@ NSData* NSString::dataUsingEncoding(NSStringEncoding encoding) {
 }
 
 NSData* NSString::dataUsingEncoding_allowLossyConversion(NSStringEncoding encoding, bool allowLoss) {
-    auto bytes =
-        encodeUnits(StringUnits(this), encoding, allowLoss ? EncodingLoss::allowed : EncodingLoss::refused);
+    StringUnits units(this);
+    auto bytes = encodeUnits(units, encoding, allowLoss ? EncodingLoss::allowed : EncodingLoss::refused);
     if (!bytes) return nullptr;
     return NSData::dataWithBytes_length(bytes->data(), static_cast<NSUInteger>(bytes->size()));
 }
 
 bool NSString::canBeConvertedToEncoding(NSStringEncoding encoding) {
-    return encodeUnits(StringUnits(this), encoding).has_value();
+    StringUnits units(this);
+    return encodeUnits(units, encoding).has_value();
 }
 
 NSUInteger NSString::lengthOfBytesUsingEncoding(NSStringEncoding encoding) {
-    auto bytes = encodeUnits(StringUnits(this), encoding);
+    StringUnits units(this);
+    auto bytes = encodeUnits(units, encoding);
     return bytes ? static_cast<NSUInteger>(bytes->size()) : 0;
 }
 
@@ -142,6 +153,7 @@ NSString* NSString::localizedNameOfStringEncoding(NSStringEncoding encoding) {
 }
 
 bool NSString::writeToFile_atomically_encoding(NSString* path, bool atomically, NSStringEncoding encoding) {
+    requireArgument(path, "writeToFile:atomically:encoding:", "the path");
     NSData* data = dataUsingEncoding(encoding);
     return data && data->writeToFile_atomically(path, atomically);
 }

@@ -8,12 +8,11 @@
 #include "Foundation/Strings/NSInlineString.h"
 #include "Foundation/Strings/TextFinder.h"
 #include "Foundation/UnitBuffer.h"
-#include "Runtime/NSException.h"
 
 namespace pelvor {
 
 NSArray* NSString::componentsSeparatedByString(NSString* separator) {
-    requireString(separator, "componentsSeparatedByString:");
+    requireArgument(separator, "componentsSeparatedByString:", "the separator");
     StringUnits units(this), mark(separator);
     std::u16string_view text = units;
     TextFinder finder(mark, 0);
@@ -27,7 +26,7 @@ NSArray* NSString::componentsSeparatedByString(NSString* separator) {
 }
 
 NSString* NSString::stringByTrimmingCharactersInSet(NSCharacterSet* set) {
-    if (!set) throw NSException(NSInvalidArgumentException, "stringByTrimmingCharactersInSet: none given");
+    requireArgument(set, "stringByTrimmingCharactersInSet:", "the set");
     StringUnits units(this);
     std::u16string_view text = units;
     auto isMember = [&](std::size_t index) { return set->longCharacterIsMember(codePointAt(text, index)); };
@@ -42,8 +41,8 @@ NSString* NSString::stringByTrimmingCharactersInSet(NSCharacterSet* set) {
 }
 
 NSString* NSString::stringByReplacingOccurrencesOfString_withString(NSString* target, NSString* replacement) {
-    requireString(target, "stringByReplacingOccurrencesOfString:withString:");
-    requireString(replacement, "stringByReplacingOccurrencesOfString:withString:");
+    requireArgument(target, "stringByReplacingOccurrencesOfString:withString:", "the target");
+    requireArgument(replacement, "stringByReplacingOccurrencesOfString:withString:", "the replacement");
     StringUnits units(this), wanted(target), put(replacement);
     std::u16string_view text = units;
     TextFinder finder(wanted, 0);
@@ -63,8 +62,8 @@ NSString* NSString::stringByPaddingToLength_withString_startingAtIndex(NSUIntege
                                                                        NSUInteger index) {
     NSUInteger count = length();
     if (newLength <= count) return substringToIndex(newLength);
-    requireString(pad, "stringByPaddingToLength:withString:startingAtIndex:");
-    requireIndex(index, pad->length());
+    requireArgument(pad, "stringByPaddingToLength:withString:startingAtIndex:", "the padding");
+    requireIndex(index, pad->length(), "stringByPaddingToLength:withString:startingAtIndex:");
     StringUnits padding(pad);
     auto padded = NSInlineString::create(newLength);
     getCharacters_range(padded->characters(), {0, count});

@@ -36,7 +36,7 @@ Path lastComponent(Path path) {
     return path.substr(start, endOfLastComponent(path) - start);
 }
 
-// The place of the full stop before the extension, npos for none.
+// The place of the full stop before the extension, npos if there is none.
 std::size_t placeOfExtension(Path path) {
     Path name = lastComponent(path);
     std::size_t stop = name.rfind(u'.');
@@ -64,12 +64,11 @@ std::vector<Path> splitAtSlashes(Path path) {
 }
 
 NSString* pathString(NSString* receiver, Path path) {
-    if (cast<NSPathStore2>(receiver) && StringUnits(receiver).view() == path)
-        return receiver->copy().autorelease();
-    return NSPathStore2::of(path);
+    StringUnits own(receiver);
+    return cast<NSPathStore2>(receiver) && own.view() == path ? receiver->copy().autorelease() : NSPathStore2::of(path);
 }
 
-// The home directory of the user, of the process's own for an empty name; none for an unknown user.
+// The home directory of the user, of the process's own for an empty name; empty for an unknown user.
 std::string homeDirectory(const std::string& user) {
     if (const char* home = std::getenv("HOME"); user.empty() && home && *home) return home;
     std::vector<char> buffer(16384);
@@ -116,7 +115,7 @@ NSString* NSString::pathExtension() {
 }
 
 NSString* NSString::stringByAppendingPathComponent(NSString* component) {
-    requireString(component, "stringByAppendingPathComponent:");
+    requireArgument(component, "stringByAppendingPathComponent:", "the component");
     std::u16string path = toUTF16();
     StringUnits last(component);
     if (!path.empty() && last.size()) path += u'/';
@@ -125,11 +124,12 @@ NSString* NSString::stringByAppendingPathComponent(NSString* component) {
 }
 
 NSString* NSString::stringByAppendingPathExtension(NSString* extension) {
-    requireString(extension, "stringByAppendingPathExtension:");
-    std::u16string path = withoutSpareSlashes(StringUnits(this));
+    requireArgument(extension, "stringByAppendingPathExtension:", "the extension");
+    StringUnits units(this), added(extension);
+    std::u16string path = withoutSpareSlashes(units);
     if (path.empty() || path == u"/") return pathString(this, path);
     path += u'.';
-    path += StringUnits(extension).view();
+    path += added.view();
     return NSPathStore2::of(path);
 }
 
@@ -161,13 +161,15 @@ NSArray* NSString::pathComponents() {
 }
 
 NSString* NSString::pathWithComponents(NSArray* components) {
-    if (!components) throw NSException(NSInvalidArgumentException, "pathWithComponents: none given");
+    requireArgument(components, "pathWithComponents:", "the array");
     std::u16string path;
     for (id object : components) {
-        auto* component = cast<NSString>(object);
-        requireString(component, "pathWithComponents:");
-        if (!path.empty() && component->length()) path += u'/';
-        path += StringUnits(component).view();
+        auto* string = cast<NSString>(object);
+        if (!string)
+            raiseException(NSInvalidArgumentException, u"pathWithComponents: a component is no string: %@"_ns, object);
+        StringUnits component(string);
+        if (!path.empty() && component.size()) path += u'/';
+        path += component.view();
     }
     return NSPathStore2::of(withoutSpareSlashes(path));
 }
@@ -184,7 +186,8 @@ NSString* NSString::stringByExpandingTildeInPath() {
 }
 
 NSString* NSString::stringByAbbreviatingWithTildeInPath() {
-    std::u16string path = withoutSpareSlashes(StringUnits(this));
+    StringUnits units(this);
+    std::u16string path = withoutSpareSlashes(units);
     std::u16string home = withoutSpareSlashes(unitsFromUTF8Mending(homeDirectory("")));
     bool isBelow = home.size() > 1 && path.starts_with(home) &&
                    (path.size() == home.size() || path[home.size()] == u'/');
@@ -192,7 +195,8 @@ NSString* NSString::stringByAbbreviatingWithTildeInPath() {
 }
 
 NSString* NSString::stringByStandardizingPath() {
-    std::u16string path = expandedTilde(StringUnits(this));
+    StringUnits units(this);
+    std::u16string path = expandedTilde(units);
     bool isAbsolute = !path.empty() && path[0] == u'/';
     std::vector<std::u16string> components;
     for (Path component : splitAtSlashes(path)) {
@@ -271,7 +275,8 @@ class LinkResolver {
 }  // namespace
 
 NSString* NSString::stringByResolvingSymlinksInPath() {
-    return pathString(this, LinkResolver().resolve(expandedTilde(StringUnits(this))));
+    StringUnits units(this);
+    return pathString(this, LinkResolver().resolve(expandedTilde(units)));
 }
 
 }  // namespace pelvor

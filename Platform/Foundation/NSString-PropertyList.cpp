@@ -26,7 +26,8 @@ id propertyList(NSString* string) {
         std::string utf8 = string->toUTF8();
         if (propertyListFormatOf(utf8) == NSPropertyListXMLFormat_v1_0)
             return readXMLPropertyList(utf8, NSPropertyListImmutable, XMLEncoding::utf8).autorelease();
-        return readOldStylePropertyList(StringUnits(string), NSPropertyListImmutable).autorelease();
+        StringUnits units(string);
+        return readOldStylePropertyList(units, NSPropertyListImmutable).autorelease();
     } catch (const PropertyListFault&) {
         return nullptr;
     }
@@ -35,7 +36,8 @@ id propertyList(NSString* string) {
 NSDictionary* propertyListFromStringsFileFormat(NSString* string) {
     requireString(string, u"propertyListFromStringsFileFormat"_ns);
     try {
-        auto list = readOldStylePropertyList(StringUnits(string), NSPropertyListImmutable);
+        StringUnits units(string);
+        auto list = readOldStylePropertyList(units, NSPropertyListImmutable);
         if (!cast<NSDictionary>(list)) return nullptr;
         return static_cast<NSDictionary*>(std::move(list).autorelease());
     } catch (const PropertyListFault&) {

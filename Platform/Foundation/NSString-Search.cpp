@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // Searching strings.
-#include <unicode/ubrk.h>
 #include <unicode/uchar.h>
 
 #include <algorithm>
-#include <memory>
 
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/Strings/CanonicalText.h"
+#include "Foundation/Strings/ComposedCharacters.h"
 #include "Foundation/Strings/NSInlineString.h"
 #include "Foundation/Strings/TextFinder.h"
-#include "Runtime/NSException.h"
 
 namespace pelvor {
 namespace {
@@ -23,15 +21,29 @@ NSRange shifted(NSRange range, NSUInteger offset) {
 
 }  // namespace
 
+namespace {
+
+NSRange foundString(NSString* string, NSString* target, NSStringCompareOptions options, NSRange range,
+                    const char* operation) {
+    requireArgument(target, operation, "the target");
+    requireRange(range, string->length(), operation);
+    StringUnits wanted(target), text(string, range);
+    return shifted(TextFinder(wanted, options).find(text), range.location);
+}
+
+}  // namespace
+
+NSRange NSString::rangeOfString(NSString* target) {
+    return foundString(this, target, 0, {0, length()}, "rangeOfString:");
+}
+
 NSRange NSString::rangeOfString_options(NSString* target, NSStringCompareOptions options) {
-    return rangeOfString_options_range(target, options, {0, length()});
+    return foundString(this, target, options, {0, length()}, "rangeOfString:options:");
 }
 
 NSRange NSString::rangeOfString_options_range(NSString* target, NSStringCompareOptions options,
                                               NSRange range) {
-    requireString(target, "rangeOfString:");
-    StringUnits wanted(target);
-    return shifted(TextFinder(wanted, options).find(StringUnits(this, range)), range.location);
+    return foundString(this, target, options, range, "rangeOfString:options:range:");
 }
 
 // Members of a set
@@ -69,7 +81,7 @@ class MemberSearch {
     }
 
   private:
-    // Passes units that are neither members nor at or past the halves of pairs; none if case does not count.
+    // Passes units that are neither members nor at or past the halves of pairs; passes nothing if case does not count.
     NSUInteger firstInterestingUnit(NSUInteger place) const {
         auto count = static_cast<NSUInteger>(_text.size());
         auto stops = [bitmap = _bitmap](char16_t unit) { return isInteresting(bitmap, unit); };
@@ -102,7 +114,7 @@ class MemberSearch {
     }
 
     std::u16string_view _text;
-    NSCharacterSet* _set;
+    Unretained<NSCharacterSet> _set;
     const std::uint8_t* _bitmap = _set->basicPlaneBitmap();
     bool _folds;
 };
@@ -148,28 +160,22 @@ class PieceSearch {
         return size;
     }
 
-    NSString* _string;
-    NSCharacterSet* _set;
+    Unretained<NSString> _string;
+    Unretained<NSCharacterSet> _set;
     NSStringCompareOptions _options;
     NSUInteger _size = 48;
 };
 
-}  // namespace
-
-NSRange NSString::rangeOfCharacterFromSet_options(NSCharacterSet* set, NSStringCompareOptions options) {
-    return rangeOfCharacterFromSet_options_range(set, options, {0, length()});
-}
-
-NSRange NSString::rangeOfCharacterFromSet_options_range(NSCharacterSet* set, NSStringCompareOptions options,
-                                                        NSRange range) {
-    if (!set) throw NSException(NSInvalidArgumentException, "rangeOfCharacterFromSet: none given");
+NSRange foundMember(NSString* string, NSCharacterSet* set, NSStringCompareOptions options, NSRange range,
+                    const char* operation) {
+    requireArgument(set, operation, "the set");
+    requireRange(range, string->length(), operation);
     bool isBackwards = options & NSBackwardsSearch;
-    if (!contiguousCharacters() && !(options & NSAnchoredSearch)) {
-        requireRange(range, length());
-        PieceSearch search(this, set, options);
+    if (!string->contiguousCharacters() && !(options & NSAnchoredSearch)) {
+        PieceSearch search(string, set, options);
         return isBackwards ? search.last(range) : search.first(range);
     }
-    StringUnits units(this, range);
+    StringUnits units(string, range);
     MemberSearch search(units, set, options);
     NSRange found = options & NSAnchoredSearch ? (isBackwards ? search.atEnd() : search.atStart())
                     : isBackwards              ? search.last()
@@ -177,66 +183,25 @@ NSRange NSString::rangeOfCharacterFromSet_options_range(NSCharacterSet* set, NSS
     return shifted(found, range.location);
 }
 
-// Composed characters
-
-namespace {
-
-// Units between two of which there is always a bound: letters, ideographs and whole syllables that nothing
-// joins by itself.
-bool isPlainBase(unichar unit) {
-    bool isKnown = (unit < 0x300 && unit != u'\n' && unit != u'\r' && unit != 0xA9 && unit != 0xAE) ||
-                   (unit >= 0x370 && unit < 0x483) || (unit >= 0x48A && unit < 0x530) ||
-                   (unit >= 0x3400 && unit < 0xA000) || (unit >= 0xAC00 && unit < 0xD7A4);
-    return isKnown ||
-           (!isSurrogate(unit) && u_getIntPropertyValue(unit, UCHAR_GRAPHEME_CLUSTER_BREAK) == U_GCB_OTHER &&
-            !u_hasBinaryProperty(unit, UCHAR_EXTENDED_PICTOGRAPHIC));
-}
-
-// The nearest bound at or before the index, and the nearest one after it, that show without any rules.
-NSRange plainSurroundings(NSString* string, NSUInteger index, NSUInteger count) {
-    NSUInteger start = index, end = index + 1;
-    bool isBase = isPlainBase(string->characterAtIndex(start));
-    while (start > 0) {
-        bool isPreviousBase = isPlainBase(string->characterAtIndex(start - 1));
-        if (isBase && isPreviousBase) break;
-        isBase = isPreviousBase;
-        --start;
-    }
-    isBase = isPlainBase(string->characterAtIndex(index));
-    for (; end < count; ++end) {
-        bool isNextBase = isPlainBase(string->characterAtIndex(end));
-        if (isBase && isNextBase) break;
-        isBase = isNextBase;
-    }
-    return {start, end - start};
-}
-
-UBreakIterator* characterIterator() {
-    struct Closer {
-        void operator()(UBreakIterator* iterator) const { ubrk_close(iterator); }
-    };
-    thread_local std::unique_ptr<UBreakIterator, Closer> iterator = [] {
-        UErrorCode error = U_ZERO_ERROR;
-        return std::unique_ptr<UBreakIterator, Closer>(ubrk_open(UBRK_CHARACTER, "", nullptr, 0, &error));
-    }();
-    return iterator.get();
-}
-
 }  // namespace
 
-NSRange NSString::rangeOfComposedCharacterSequenceAtIndex(NSUInteger index) {
-    NSUInteger count = length();
-    requireIndex(index, count);
-    NSRange around = plainSurroundings(this, index, count);
-    UBreakIterator* iterator = characterIterator();
-    if (around.length == 1 || !iterator) return {index, 1};
+NSRange NSString::rangeOfCharacterFromSet(NSCharacterSet* set) {
+    return foundMember(this, set, 0, {0, length()}, "rangeOfCharacterFromSet:");
+}
 
-    StringUnits units(this, around);
-    UErrorCode error = U_ZERO_ERROR;
-    ubrk_setText(iterator, units.data(), static_cast<int32_t>(units.size()), &error);
-    auto place = static_cast<int32_t>(index - around.location);
-    int32_t end = ubrk_following(iterator, place), start = ubrk_previous(iterator);
-    return {around.location + static_cast<NSUInteger>(start), static_cast<NSUInteger>(end - start)};
+NSRange NSString::rangeOfCharacterFromSet_options(NSCharacterSet* set, NSStringCompareOptions options) {
+    return foundMember(this, set, options, {0, length()}, "rangeOfCharacterFromSet:options:");
+}
+
+NSRange NSString::rangeOfCharacterFromSet_options_range(NSCharacterSet* set, NSStringCompareOptions options,
+                                                        NSRange range) {
+    return foundMember(this, set, options, range, "rangeOfCharacterFromSet:options:range:");
+}
+
+
+NSRange NSString::rangeOfComposedCharacterSequenceAtIndex(NSUInteger index) {
+    requireIndex(index, length(), "rangeOfComposedCharacterSequenceAtIndex:");
+    return composedCharacterAt(this, index);
 }
 
 }  // namespace pelvor

@@ -9,7 +9,6 @@
 #include "Foundation/NSData.h"
 #include "Foundation/NSMutableString.h"
 #include "Foundation/Strings/NSInlineString.h"
-#include "Runtime/NSException.h"
 #include "Shared/UTF8.h"
 
 namespace pelvor {
@@ -17,7 +16,8 @@ namespace pelvor {
 namespace {
 
 // Formats sent as messages have no arguments.
-NSString* formatAlone(NSString* format) { return formatString(format, {}); }
+NSString* formatAlone(NSString* format) { return NSString::stringWithFormat(format); }
+Retained<NSString> initFormatAlone(NSString* format) { return NSString::initWithFormat(format); }
 NSString* appendFormatAlone(NSString* string, NSString* format) {
     return string->stringByAppendingFormat(format);
 }
@@ -46,7 +46,7 @@ PELVOR_DEFINE_CLASS(NSString, foundationLibrary) {
     methods.creator<"initWithData:encoding:", &NSString::initWithData_encoding>();
     methods.creator<"initWithContentsOfFile:encoding:", &NSString::initWithContentsOfFile_encoding>();
     methods.creator<"initWithContentsOfFile:", &NSString::initWithContentsOfFile>();
-    methods.creatorAs<"initWithFormat:", &formatAlone>();
+    methods.creatorAs<"initWithFormat:", &initFormatAlone>();
 
     methods.instance<"length", &NSString::length>();
     methods.instance<"characterAtIndex:", &NSString::characterAtIndex>();
@@ -130,25 +130,25 @@ NSString* NSString::string() { return u""_ns; }
 Retained<NSString> NSString::init() { return Retained<NSString>::retaining(u""_ns); }
 
 Retained<NSString> NSString::initWithString(NSString* string) {
-    requireString(string, "initWithString:");
+    requireArgument(string, "initWithString:", "the string");
     return string->copy();
 }
 
 Retained<NSString> NSString::initWithCharacters_length(const unichar* characters, NSUInteger length) {
-    requireText(characters, length);
+    requireMemory(characters, length, "initWithCharacters:length:", "the characters");
     return NSInlineString::create({characters, length});
 }
 
 Retained<NSString> NSString::initWithCharactersNoCopy_length_freeWhenDone(unichar* characters,
                                                                           NSUInteger length,
                                                                           bool freeWhenDone) {
-    requireText(characters, length);
+    requireMemory(characters, length, "initWithCharactersNoCopy:length:freeWhenDone:", "the characters");
     return NSExternalString::create(characters, length, freeWhenDone);
 }
 
 namespace {
 
-// None if the bytes are not UTF-8.
+// Null if the bytes are not UTF-8.
 Retained<NSString> utf8String(std::string_view bytes) {
     auto string = NSInlineString::create(static_cast<NSUInteger>(unitCountOfUTF8(bytes)));
     if (!decodeUTF8(bytes, string->characters()).isValid) return nullptr;
@@ -158,17 +158,24 @@ Retained<NSString> utf8String(std::string_view bytes) {
 }  // namespace
 
 Retained<NSString> NSString::initWithUTF8String(const char* text) {
-    if (!text) throw NSException(NSInvalidArgumentException, "initWithUTF8String: none given");
+    requireArgument(text, "initWithUTF8String:", "the text");
     return utf8String(text);
 }
 
-NSString* NSString::stringWithString(NSString* string) { return initWithString(string).autorelease(); }
-
-NSString* NSString::stringWithCharacters_length(const unichar* characters, NSUInteger length) {
-    return initWithCharacters_length(characters, length).autorelease();
+NSString* NSString::stringWithString(NSString* string) {
+    requireArgument(string, "stringWithString:", "the string");
+    return string->copy().autorelease();
 }
 
-NSString* NSString::stringWithUTF8String(const char* text) { return initWithUTF8String(text).autorelease(); }
+NSString* NSString::stringWithCharacters_length(const unichar* characters, NSUInteger length) {
+    requireMemory(characters, length, "stringWithCharacters:length:", "the characters");
+    return of({characters, length});
+}
+
+NSString* NSString::stringWithUTF8String(const char* text) {
+    requireArgument(text, "stringWithUTF8String:", "the text");
+    return utf8String(text).autorelease();
+}
 
 NSString* NSString::of(std::u16string_view units) { return NSInlineString::create(units).autorelease(); }
 
@@ -180,13 +187,15 @@ NSString* NSString::ofUTF8(std::string_view bytes) {
 // Primitives
 
 void NSString::getCharacters_range(unichar* buffer, NSRange range) {
-    requireRange(range, length());
+    requireRange(range, length(), "getCharacters:range:");
+    if (range.length) requireArgument(buffer, "getCharacters:range:", "the buffer");
     for (NSUInteger i = 0; i < range.length; ++i) buffer[i] = characterAtIndex(range.location + i);
 }
 
-void requireString(NSString* string, const char* operation) {
-    if (!string) [[unlikely]]
-        raiseException(NSInvalidArgumentException, u"%s none where a string is needed"_ns, operation);
+void NSString::getCharacters(unichar* buffer) {
+    NSUInteger count = length();
+    if (count) requireArgument(buffer, "getCharacters:", "the buffer");
+    getCharacters_range(buffer, {0, count});
 }
 
 StringUnits::StringUnits(NSString* string)
@@ -196,7 +205,7 @@ StringUnits::StringUnits(NSString* string)
 
 StringUnits::StringUnits(NSString* string, NSRange range)
     : _units(string->contiguousCharacters()), _length(range.length) {
-    requireRange(range, string->length());
+    requireRange(range, string->length(), "StringUnits:");
     if (_units)
         _units += range.location;
     else
@@ -218,15 +227,18 @@ void StringUnits::fetch(NSString* string, NSUInteger location) {
 
 NSString* NSString::substringFromIndex(NSUInteger index) {
     NSUInteger count = length();
-    requireRange({index, 0}, count);
+    requirePlace(index, count, "substringFromIndex:");
     return substringWithRange({index, count - index});
 }
 
-NSString* NSString::substringToIndex(NSUInteger index) { return substringWithRange({0, index}); }
+NSString* NSString::substringToIndex(NSUInteger index) {
+    requirePlace(index, length(), "substringToIndex:");
+    return substringWithRange({0, index});
+}
 
 NSString* NSString::substringWithRange(NSRange range) {
     NSUInteger count = length();
-    requireRange(range, count);
+    requireRange(range, count, "substringWithRange:");
     if (range.length == count) return copy().autorelease();
     if (const unichar* units = contiguousCharacters()) return of({units + range.location, range.length});
     auto part = NSInlineString::create(range.length);
@@ -235,9 +247,10 @@ NSString* NSString::substringWithRange(NSRange range) {
 }
 
 NSString* NSString::stringByAppendingString(NSString* string) {
-    requireString(string, "stringByAppendingString:");
+    requireArgument(string, "stringByAppendingString:", "the string");
     NSUInteger count = length(), more = string->length();
-    auto joined = NSInlineString::create(requireTextLength(std::uint64_t{count} + more));
+    auto joined =
+        NSInlineString::create(requireTextLength(std::uint64_t{count} + more, "stringByAppendingString:"));
     getCharacters_range(joined->characters(), {0, count});
     string->getCharacters_range(joined->characters() + count, {0, more});
     return std::move(joined).autorelease();
@@ -258,10 +271,14 @@ bool NSString::isEqualToString(NSString* other) {
     if (count != other->length()) return false;
     const unichar *mine = contiguousCharacters(), *theirs = other->contiguousCharacters();
     if (mine && theirs) return std::memcmp(mine, theirs, count * sizeof(unichar)) == 0;
-    return StringUnits(this).view() == StringUnits(other).view();
+    StringUnits own(this), others(other);
+    return own.view() == others.view();
 }
 
-std::uintptr_t NSString::hash() { return hashUnits(StringUnits(this)); }
+std::uintptr_t NSString::hash() {
+    StringUnits units(this);
+    return hashUnits(units);
+}
 
 Retained<Object> NSString::copyWithZone(void*) {
     auto units = NSInlineString::create(length());

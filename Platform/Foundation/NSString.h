@@ -24,19 +24,31 @@ using NSStringCompareOptions = std::uint32_t;
 
 enum : NSStringCompareOptions {
     NSCaseInsensitiveSearch = 1,
-    NSLiteralSearch = 2,  ///< unit by unit; without it, canonically equivalent text is equal
-    NSBackwardsSearch = 4,
-    NSAnchoredSearch = 8,  ///< only at the start of the range, or backwards at its end
-    NSNumericSearch = 64,  ///< comparing only: runs of digits by their value, "file9" before "file10"
+    NSLiteralSearch = 2,    ///< unit by unit; otherwise canonically equivalent text is the same
+    NSBackwardsSearch = 4,  ///< the last match instead of the first
+    NSAnchoredSearch = 8,   ///< only at the start of the range, or backwards at its end
+    NSNumericSearch = 64,   ///< where texts are compared: digits by their value, "file9" before "file10"
 };
 
-/// A string of UTF-16 code units; positions and lengths count units. Abstract over `length`,
-/// `characterAtIndex` and `getCharacters_range`, on which everything else stands; the creators answer
-/// objects of concrete classes. Immutable strings may be used on any thread.
+/// A string of UTF-16 code units. Positions and lengths count units.
 ///
-/// Everywhere: a range that is not inside the string raises NSRangeException; none where a string is
-/// needed, or no memory where there is a length, raises NSInvalidArgumentException; searches answer
-/// {NSNotFound, 0} for nothing found; an operation that would change nothing may answer the receiver.
+///     NSString* title = u"Chapter 1: Arrival"_ns;
+///     NSRange colon = title->rangeOfString(u":"_ns);
+///     if (colon.location != NSNotFound) {
+///         NSString* number = title->substringToIndex(colon.location);
+///         NSString* name = title->substringFromIndex(NSMaxRange(colon) + 1);
+///         NSLog(u"%@ is called \"%@\""_ns, number, name);  // Chapter 1 is called "Arrival"
+///     }
+///
+/// The class is abstract: all operations stand on `length`, `characterAtIndex` and `getCharacters_range`, and the
+/// creators return objects of concrete classes. Immutable strings may be used on any thread.
+///
+/// These rules hold for every operation:
+/// - An index or a range that is not inside the string raises NSRangeException.
+/// - A null argument, and null memory with a length, raise NSInvalidArgumentException.
+/// - A text that is too long for a string raises NSMallocException.
+/// - A search that finds nothing returns {NSNotFound, 0}.
+/// - An operation that would change nothing may return the receiver.
 class PELVOR_EXPORT NSString : public NSObject {
     PELVOR_CLASS(NSString, NSObject);
     PELVOR_CREATORS(string, stringWithString, stringWithCharacters_length, stringWithUTF8String,
@@ -47,31 +59,33 @@ class PELVOR_EXPORT NSString : public NSObject {
                     initWithContentsOfFile_encoding, initWithContentsOfFile, of, ofUTF8);
 
   public:
-    // Creation. Operations whose names begin with "init" answer owned strings, the others borrowed ones.
+    // Creation. Operations whose names begin with "init" return owned strings, the others borrowed ones.
 
     /// The empty string.
     static NSString* string();
     static NSString* stringWithString(NSString* string);
     static NSString* stringWithCharacters_length(const unichar* characters, NSUInteger length);
-    /// None if the bytes are not UTF-8. Raises NSInvalidArgumentException for no text.
+    /// Null if the zero-terminated text is not UTF-8.
     static NSString* stringWithUTF8String(const char* text);
+    /// Null if the zero-terminated text is not valid in the encoding or the encoding is unknown.
     static NSString* stringWithCString_encoding(const char* text, NSStringEncoding encoding);
-    /// The file's text; none if it cannot be read or is not valid in the encoding.
+    /// The file's text. Null if the file cannot be read or is not valid in the encoding.
     static NSString* stringWithContentsOfFile_encoding(NSString* path, NSStringEncoding encoding);
-    /// The same as the file's mark tells, else UTF-8, else ISO Latin 1.
+    /// The file's text in the encoding that a mark at its front tells, else in UTF-8 if it is valid, else in ISO Latin
+    /// 1. Null if the file cannot be read.
     static NSString* stringWithContentsOfFile(NSString* path);
 
     static Retained<NSString> init();
     static Retained<NSString> initWithString(NSString* string);
     static Retained<NSString> initWithCharacters_length(const unichar* characters, NSUInteger length);
-    /// A string over the caller's units, which stay as they are while the string lives; with
-    /// `freeWhenDone` they were made by `malloc` and the string frees them.
+    /// A string over the caller's memory, which must not change while the string lives. With `freeWhenDone` the
+    /// memory was allocated by `malloc`, and the string frees it.
     static Retained<NSString> initWithCharactersNoCopy_length_freeWhenDone(unichar* characters,
                                                                            NSUInteger length,
                                                                            bool freeWhenDone);
     static Retained<NSString> initWithUTF8String(const char* text);
     static Retained<NSString> initWithCString_encoding(const char* text, NSStringEncoding encoding);
-    /// None if the bytes are not valid in the encoding or the encoding is unknown.
+    /// Null if the bytes are not valid in the encoding or the encoding is unknown.
     static Retained<NSString> initWithBytes_length_encoding(const void* bytes, NSUInteger length,
                                                             NSStringEncoding encoding);
     static Retained<NSString> initWithData_encoding(NSData* data, NSStringEncoding encoding);
@@ -79,32 +93,33 @@ class PELVOR_EXPORT NSString : public NSObject {
     static Retained<NSString> initWithContentsOfFile(NSString* path);
 
     // C++ only
-    /// The format with its arguments in place; see `formatString`.
+    /// The format with its arguments in place; see `formatString` for the conversions.
     template <class... A>
     static NSString* stringWithFormat(NSString* format, const A&... arguments) {
-        return formatString(format, detail::formatArguments(arguments...));
+        return formatString(format, detail::formatArguments(arguments...), "stringWithFormat:");
     }
     template <class... A>
     static Retained<NSString> initWithFormat(NSString* format, const A&... arguments) {
-        return Retained<NSString>::retaining(stringWithFormat(format, arguments...));
+        return Retained<NSString>::retaining(
+            formatString(format, detail::formatArguments(arguments...), "initWithFormat:"));
     }
-    /// Borrowed copies of the text; bytes that are not UTF-8 become U+FFFD.
+    /// Borrowed copies of the text. Bytes that are not UTF-8 become U+FFFD.
     static NSString* of(std::u16string_view units);
     static NSString* ofUTF8(std::string_view bytes);
 
     // Primitives
 
     virtual NSUInteger length() = 0;
-    /// Raises NSRangeException for an index at or past the end.
+    /// The unit at the index, which is below the length.
     virtual unichar characterAtIndex(NSUInteger index) = 0;
     /// Copies the units of the range to the buffer.
     virtual void getCharacters_range(unichar* buffer, NSRange range);
     /// Copies all units to the buffer.
-    void getCharacters(unichar* buffer) { getCharacters_range(buffer, {0, length()}); }
+    void getCharacters(unichar* buffer);
 
     // C++ only
-    /// All units in one piece where the string has them so, else none. Valid until the string changes
-    /// or goes.
+    /// All units if they stand in one piece in memory, else null. Valid until the string changes or ends. To read any
+    /// string in one piece, use StringUnits.
     virtual const unichar* contiguousCharacters() { return nullptr; }
 
     // Parts and joins
@@ -113,71 +128,76 @@ class PELVOR_EXPORT NSString : public NSObject {
     NSString* substringToIndex(NSUInteger index);
     NSString* substringWithRange(NSRange range);
     NSString* stringByAppendingString(NSString* string);
-    /// The pieces between separators, empty ones included; the receiver alone if there is no separator
-    /// in it.
+    /// The pieces between separators, empty pieces included. Without a separator in the string, the receiver alone.
     NSArray* componentsSeparatedByString(NSString* separator);
-    /// Without the members of the set at both ends.
+    /// The string without the members of the set at both ends.
     NSString* stringByTrimmingCharactersInSet(NSCharacterSet* set);
     NSString* stringByReplacingOccurrencesOfString_withString(NSString* target, NSString* replacement);
-    /// Repeats or cuts: `length` units, of which those past the receiver's end come from `pad`, read
-    /// round and round from `index` on.
+    /// The first `length` units of the receiver. If it is shorter, `pad` fills the rest, from its unit at `index` on
+    /// and over and over: "ab" padded to 7 with "123" from 1 is "ab23123".
     NSString* stringByPaddingToLength_withString_startingAtIndex(NSUInteger length, NSString* pad,
                                                                  NSUInteger index);
 
     // C++ only
     template <class... A>
     NSString* stringByAppendingFormat(NSString* format, const A&... arguments) {
-        return stringByAppendingString(stringWithFormat(format, arguments...));
+        return stringByAppendingString(
+            formatString(format, detail::formatArguments(arguments...), "stringByAppendingFormat:"));
     }
 
     // Comparing
 
     bool isEqual(id other) override;
     std::uintptr_t hash() override;
-    /// Whether the units are the same; false for none.
+    /// Whether the units are the same. False for null.
     bool isEqualToString(NSString* other);
-    /// The order of the texts by their code units after canonical decomposition.
-    NSComparisonResult compare(NSString* other) { return compare_options(other, 0); }
+    /// The order of the texts by the units of their composed forms, so that canonically equivalent texts are the same.
+    NSComparisonResult compare(NSString* other);
     NSComparisonResult compare_options(NSString* other, NSStringCompareOptions options);
     /// Compares the receiver's range with the whole of `other`.
     NSComparisonResult compare_options_range(NSString* other, NSStringCompareOptions options, NSRange range);
     NSComparisonResult caseInsensitiveCompare(NSString* other);
-    /// The order of the user's language.
+    /// The order that dictionaries of the user's language have.
     NSComparisonResult localizedCompare(NSString* other);
     NSComparisonResult localizedCaseInsensitiveCompare(NSString* other);
-    /// Whether the string begins, or ends, with the other, unit by unit; false for an empty one.
+    /// Whether the string begins, or ends, with the same units. False for an empty prefix or suffix.
     bool hasPrefix(NSString* prefix);
     bool hasSuffix(NSString* suffix);
 
     // Searching
 
-    NSRange rangeOfString(NSString* target) { return rangeOfString_options(target, 0); }
+    NSRange rangeOfString(NSString* target);
     NSRange rangeOfString_options(NSString* target, NSStringCompareOptions options);
-    /// The first place in the range where the target stands, the last one backwards. An empty target is
-    /// nowhere. Unless the search is literal, a match neither begins nor ends inside a composed
-    /// character.
+    /// The first range, or backwards the last one, inside the given range where the target stands. An empty target
+    /// stands nowhere.
+    ///
+    /// Unless the search is literal, canonically equivalent text matches, and a match consists of whole composed
+    /// characters (see `rangeOfComposedCharacterSequenceAtIndex`) of the given range: "e" is not found in "é" however
+    /// it is written, nor a person in the emoji of a family. There are two exceptions: CR and LF are found in a line
+    /// end CR LF, and the text before a zero-width non-joiner is found without it.
     NSRange rangeOfString_options_range(NSString* target, NSStringCompareOptions options, NSRange range);
-    NSRange rangeOfCharacterFromSet(NSCharacterSet* set) { return rangeOfCharacterFromSet_options(set, 0); }
+    NSRange rangeOfCharacterFromSet(NSCharacterSet* set);
     NSRange rangeOfCharacterFromSet_options(NSCharacterSet* set, NSStringCompareOptions options);
-    /// The first member, the last one backwards: one unit, or the two units of a pair.
+    /// The first member of the set inside the range, or backwards the last one: one unit, or the two units of a pair.
     NSRange rangeOfCharacterFromSet_options_range(NSCharacterSet* set, NSStringCompareOptions options,
                                                   NSRange range);
-    /// What the user sees as one character around the index.
+    /// What the user sees as one character around the index: Unicode's extended grapheme cluster.
     NSRange rangeOfComposedCharacterSequenceAtIndex(NSUInteger index);
 
-    // Case, of no language in particular
+    // Case, by the rules that all languages share
 
     NSString* uppercaseString();
     NSString* lowercaseString();
-    /// Every word with a capital first letter, the rest of it lower-case.
+    /// Every word with a capital first letter and the other letters in lower case.
     NSString* capitalizedString();
 
-    // Canonical and compatibility forms
+    // Canonical forms: "é" as a letter and a mark, or as one character
 
     NSString* decomposedStringWithCanonicalMapping();
     NSString* precomposedStringWithCanonicalMapping();
 
-    // Numbers at the start, after white space; 0 for none. Too large ones are the nearest number.
+    // The number at the start of the string, after white space; 0 if there is none. A number that is too large for the
+    // type becomes its nearest number.
 
     int intValue();
     NSInteger integerValue();
@@ -187,52 +207,57 @@ class PELVOR_EXPORT NSString : public NSObject {
     /// Whether the text begins, after white space, with Y, y, T, t or a number other than 0.
     bool boolValue();
 
-    // Paths. Components are separated by "/"; runs of "/" count as one.
+    // Paths. "/" separates components, and several in a row count as one.
 
+    /// "b.txt" of "/a/b.txt".
     NSString* lastPathComponent();
-    /// After the last full stop of the last component, without the stop; empty for none, also in names
-    /// whose only full stop is the first character.
+    /// What stands behind the last full stop of the last component: "txt" of "/a/b.txt". Empty if there is no full
+    /// stop, or if the name's only full stop is its first character.
     NSString* pathExtension();
     NSString* stringByAppendingPathComponent(NSString* component);
     NSString* stringByAppendingPathExtension(NSString* extension);
     NSString* stringByDeletingLastPathComponent();
     NSString* stringByDeletingPathExtension();
-    /// "/" stands for itself, at the front and, as the last component, for a trailing slash.
+    /// The components in their order. A slash at the front, and a slash at the end, are components "/".
     NSArray* pathComponents();
     static NSString* pathWithComponents(NSArray* components);
     /// Whether the path begins with "/" or "~".
     bool isAbsolutePath();
-    /// "~" and "~user" at the front as the home directory; the receiver's text where there is none.
+    /// With the home directory in place of "~" or "~user" at the front. An unknown user's name stays.
     NSString* stringByExpandingTildeInPath();
-    /// The home directory at the front as "~".
+    /// With "~" in place of the user's home directory at the front.
     NSString* stringByAbbreviatingWithTildeInPath();
-    /// Without "//", "/./" and a trailing slash, with "~" expanded; "a/.." goes in absolute paths.
+    /// With "~" expanded and without "//", "/./" and a trailing slash. In absolute paths, ".." removes the component
+    /// before it.
     NSString* stringByStandardizingPath();
-    /// The path with its symbolic links resolved as far as it exists, standardized.
+    /// The standardized path with its symbolic links resolved, as far as the path exists.
     NSString* stringByResolvingSymlinksInPath();
-    /// The path as the file system takes it; lives as long as the current autorelease pool.
+    /// The path as the file system takes it. It lives as long as the current autorelease pool.
     const char* fileSystemRepresentation();
 
     // Conversion
 
     /// Zero-terminated UTF-8 that lives as long as the current autorelease pool.
     const char* UTF8String();
-    /// None if the text does not fit the encoding.
+    /// Null if the text does not fit the encoding. The text lives as long as the current autorelease pool.
     const char* cStringUsingEncoding(NSStringEncoding encoding);
+    /// The text in the encoding. Null if the text does not fit the encoding or the encoding is unknown.
     NSData* dataUsingEncoding(NSStringEncoding encoding);
-    /// The text in the encoding; none if it does not fit and loss is not allowed.
+    /// Where loss is allowed, what the encoding lacks is replaced; see `encodeUnits`.
     NSData* dataUsingEncoding_allowLossyConversion(NSStringEncoding encoding, bool allowLoss);
     bool canBeConvertedToEncoding(NSStringEncoding encoding);
+    /// 0 if the text does not fit the encoding.
     NSUInteger lengthOfBytesUsingEncoding(NSStringEncoding encoding);
-    /// The encoding in which the text takes least room: ASCII if it fits, else UTF-16.
+    /// The encoding in which the text takes least room: ASCII if the text fits it, else UTF-16.
     NSStringEncoding smallestEncoding();
     static NSString* localizedNameOfStringEncoding(NSStringEncoding encoding);
-    /// Whether the file could be written; atomically, the path holds the old file or the new one.
+    /// Whether the text fits the encoding and the file could be written. When written atomically, the path holds the
+    /// whole old file or the whole new file at any time.
     bool writeToFile_atomically_encoding(NSString* path, bool atomically, NSStringEncoding encoding);
 
     // C++ only
     std::u16string toUTF16();
-    /// Lone halves of pairs become U+FFFD.
+    /// Halves of pairs that stand alone become U+FFFD.
     std::string toUTF8();
 
     NSString* description() override { return this; }
@@ -273,11 +298,17 @@ class PELVOR_EXPORT NSConstantString final : public NSString {
     std::atomic<std::uint32_t> _hash{0};  // 0: not yet computed
 };
 
-/// The units of a string, or of a range of it, in one piece: the string's own where it has them so, else a
-/// copy. The string must not change meanwhile. Raises NSRangeException for a range outside.
+/// The units of a string, or of a range of it, in one piece: the string's own memory where it is in one piece, else a
+/// copy. The string must not change while the units are read.
+///
+///     StringUnits units(string);
+///     for (unichar unit : units.view()) …
+///
+/// The object must have a name, because its view would outlive a temporary.
 class PELVOR_EXPORT StringUnits {
   public:
     explicit StringUnits(NSString* string);
+    /// Raises NSRangeException for a range that is not inside the string.
     StringUnits(NSString* string, NSRange range);
     StringUnits(const StringUnits&) = delete;
     StringUnits& operator=(const StringUnits&) = delete;
@@ -285,9 +316,13 @@ class PELVOR_EXPORT StringUnits {
         if (_copy != _inline) delete[] _copy;
     }
 
-    std::u16string_view view() const { return {_units, _length}; }
-    operator std::u16string_view() const { return view(); }
-    const unichar* data() const { return _units; }
+    std::u16string_view view() const& PELVOR_LIFETIMEBOUND { return {_units, _length}; }
+    operator std::u16string_view() const& PELVOR_LIFETIMEBOUND { return view(); }
+    const unichar* data() const& PELVOR_LIFETIMEBOUND { return _units; }
+    // The compiler shows the next lines where somebody takes a view of a temporary.
+    std::u16string_view view() const&& = delete;      // name the StringUnits: this one ends before its view
+    operator std::u16string_view() const&& = delete;  // name the StringUnits: this one ends before its view
+    const unichar* data() const&& = delete;           // name the StringUnits: this one ends before its data
     NSUInteger size() const { return _length; }
     unichar operator[](NSUInteger index) const { return _units[index]; }
 
@@ -315,7 +350,7 @@ inline constinit NSConstantString literalString{Text.view()};
 
 inline namespace literals {
 
-/// `u"text"_ns`: an immortal string without start-up cost.
+/// `u"text"_ns`: an immutable string that lives as long as the program and costs nothing at start-up.
 template <detail::Literal16 Text>
 constexpr NSString* operator""_ns() {
     return &detail::literalString<Text>;
@@ -323,7 +358,7 @@ constexpr NSString* operator""_ns() {
 
 }  // namespace literals
 
-/// Prints the string as UTF-8, for streams.
+/// Prints the string as UTF-8, "(null)" for null.
 PELVOR_EXPORT std::ostream& operator<<(std::ostream& stream, NSString* string);
 
 }  // namespace pelvor

@@ -16,7 +16,7 @@ namespace pelvor {
 
 class EncodingConverter;
 
-/// The number of a text encoding. Those without a constant below are found by name:
+/// The number of a text encoding. Encodings without a constant below are found by name:
 ///
 ///     NSStringEncoding encoding = encodingForName("Big5");
 ///     std::optional<std::u16string> text = decodeBytes(bytes, encoding);
@@ -54,7 +54,7 @@ enum : NSStringEncoding {
 /// Whether conversions to and from the encoding are available.
 PELVOR_EXPORT bool isEncodingAvailable(NSStringEncoding encoding);
 
-/// Every available encoding, those that documents use most first.
+/// Every available encoding. Encodings that documents use most come first.
 PELVOR_EXPORT std::vector<NSStringEncoding> availableEncodings();
 
 /// "Western (ISO Latin 1)": the encoding's name in English. Encodings that are rare today have their document
@@ -65,7 +65,7 @@ PELVOR_EXPORT std::string_view nameOfEncoding(NSStringEncoding encoding);
 /// an unknown number.
 PELVOR_EXPORT std::string_view ianaNameOfEncoding(NSStringEncoding encoding);
 
-/// All names by which `encodingForName` finds the encoding, the document name first; none for an unknown
+/// All names by which `encodingForName` finds the encoding, the document name first; empty for an unknown
 /// number.
 PELVOR_EXPORT std::vector<std::string_view> namesOfEncoding(NSStringEncoding encoding);
 

@@ -11,4 +11,17 @@ std::ostream& operator<<(std::ostream& stream, Object* object) {
     return stream << (object ? object->description() : nullptr);
 }
 
+std::ostream& operator<<(std::ostream& stream, NSRange range) {
+    stream << '{';
+    if (range.location == NSNotFound)
+        stream << "NSNotFound";
+    else
+        stream << range.location;
+    return stream << ", " << range.length << '}';
+}
+
+std::ostream& operator<<(std::ostream& stream, SEL selector) {
+    return stream << (selector ? selector.name() : "(null)");
+}
+
 }  // namespace pelvor

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// UnitBuffer: a text that is written from front to back, and becomes a string without being copied.
+// UnitBuffer: a text that is written from front to back and becomes a string without being copied.
 #pragma once
 
 #include <algorithm>
@@ -16,8 +16,8 @@ namespace pelvor {
 
 class NSMutableString;
 
-/// Puts the units in place of the whole text. A string of the platform's own class takes their memory over.
-/// Raises NSMallocException for a text that is too long for a string.
+/// Puts the units in place of the string's whole text. A string of the platform's own class takes the memory of the
+/// units over. Raises NSMallocException for a text that is too long for a string.
 PELVOR_EXPORT void replaceTextAdopting(NSMutableString* string, std::u16string&& units);
 
 /// Grows as needed, large texts mostly in place:
@@ -46,8 +46,8 @@ class UnitBuffer {
             reserve(_capacity + _capacity / 2);
         _units[_size++] = unit;
     }
-    /// Appends `count` units of the text from the place on. Quicker for few, which it copies with some of
-    /// those behind them.
+    /// Appends `count` units of the text from the place on. Few units are copied in whole blocks, together with units
+    /// behind them, which is quicker.
     void appendPart(std::u16string_view text, std::size_t place, std::size_t count) {
         constexpr std::size_t kBlock = 16;
         std::size_t whole = (count + kBlock - 1) / kBlock * kBlock;
@@ -57,13 +57,13 @@ class UnitBuffer {
             std::memcpy(_units + _size + i, text.data() + place + i, kBlock * sizeof(unichar));
         _size += count;
     }
-    std::u16string_view view() const { return {_units, _size}; }
+    std::u16string_view view() const PELVOR_LIFETIMEBOUND { return {_units, _size}; }
 
-    /// The text as a string, borrowed; nothing is left here. Raises NSMallocException for a text that is too
-    /// long for a string.
+    /// The text as a borrowed string; the buffer is empty then. Raises NSMallocException for a text that is too long
+    /// for a string.
     NSString* takeString() {
         if (_size > std::numeric_limits<NSUInteger>::max())
-            throw NSException(NSMallocException, "the text would be too long");
+            throw NSException(NSMallocException, "UnitBuffer: the text is too long for a string");
         if (_size < _capacity / 4 * 3) reserve(std::max<std::size_t>(_size, 1));
         return NSString::initWithCharactersNoCopy_length_freeWhenDone(
                    std::exchange(_units, nullptr), static_cast<NSUInteger>(std::exchange(_size, 0)), true)
@@ -73,7 +73,7 @@ class UnitBuffer {
   private:
     void reserve(std::size_t capacity) {
         auto* units = static_cast<unichar*>(std::realloc(_units, capacity * sizeof(unichar)));
-        if (!units) throw NSException(NSMallocException, "no room for the text");
+        if (!units) throw NSException(NSMallocException, "UnitBuffer: there is no memory for the text");
         _units = units;
         _capacity = capacity;
     }

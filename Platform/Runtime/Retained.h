@@ -7,6 +7,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "Runtime/Export.h"
+
 namespace pelvor {
 
 /// An owned reference, or null: what "create", "copy", "new" and "init" operations return and what fields hold. There is no conversion from a bare pointer: say whether the count is taken over
@@ -50,9 +52,9 @@ class [[nodiscard]] Retained {
     /// Holds `object` from now on, with a count of its own.
     void set(T* object) noexcept { *this = retaining(object); }
 
-    T* get() const noexcept { return _object; }
-    T* operator->() const noexcept { return _object; }
-    T& operator*() const noexcept { return *_object; }
+    T* get() const noexcept PELVOR_LIFETIMEBOUND { return _object; }
+    T* operator->() const noexcept PELVOR_LIFETIMEBOUND { return _object; }
+    T& operator*() const noexcept PELVOR_LIFETIMEBOUND { return *_object; }
     explicit operator bool() const noexcept { return _object != nullptr; }
     operator T*() const& noexcept { return _object; }
     // The compiler shows the next line to who borrows from a temporary.

@@ -33,6 +33,11 @@ void raiseNullMemory(NSUInteger length, const char* operation, const char* name)
         prefix(operation) + name + " must not be null where the length is " + std::to_string(length));
 }
 
+void raiseTooLong(std::uint64_t length, const char* operation) {
+    throw NSException(NSMallocException,
+                      prefix(operation) + "a string cannot have " + std::to_string(length) + " units");
+}
+
 void raiseNullArgument(const char* operation, const char* name) {
     throw NSException(NSInvalidArgumentException, std::string(operation) + " " + name + " is null");
 }

@@ -2,6 +2,8 @@
 // Checks of what operations are given, and the exceptions that they raise.
 #pragma once
 
+#include <limits>
+
 #include "Foundation/NSRange.h"
 #include "Runtime/Export.h"
 
@@ -20,10 +22,19 @@ namespace pelvor {
 /// 3".
 [[noreturn]] PELVOR_EXPORT void raiseNullMemory(NSUInteger length, const char* operation, const char* name);
 
+/// Raises NSMallocException, "appendString: a string cannot have 5000000000 units".
+[[noreturn]] PELVOR_EXPORT void raiseTooLong(std::uint64_t length, const char* operation);
+
 /// Raises NSRangeException for an index not below `bounds`.
 inline void requireIndex(NSUInteger index, NSUInteger bounds, const char* operation = nullptr) {
     if (index >= bounds) [[unlikely]]
         raiseIndexBeyondBounds(index, bounds, operation);
+}
+
+/// Raises NSRangeException for a place past the end. The end itself is one.
+inline void requirePlace(NSUInteger place, NSUInteger end, const char* operation) {
+    if (place > end) [[unlikely]]
+        raiseIndexBeyondBounds(place, end, operation);
 }
 
 /// Raises NSRangeException for a range that is not inside a sequence of `count` places.
@@ -36,6 +47,13 @@ inline void requireRange(NSRange range, NSUInteger count, const char* operation 
 inline void requireMemory(const void* memory, NSUInteger length, const char* operation, const char* name) {
     if (!memory && length) [[unlikely]]
         raiseNullMemory(length, operation, name);
+}
+
+/// The length of a text. Raises NSMallocException if no string can have it.
+inline NSUInteger requireTextLength(std::uint64_t length, const char* operation) {
+    if (length > std::numeric_limits<NSUInteger>::max()) [[unlikely]]
+        raiseTooLong(length, operation);
+    return static_cast<NSUInteger>(length);
 }
 
 /// Raises NSInvalidArgumentException if the argument, which the message calls `name`, is null.

@@ -117,12 +117,14 @@ void OFCharacterSet::removeCharactersInRange(NSRange range) {
 
 void OFCharacterSet::addCharactersInString(NSString* string) {
     if (!string) return;
-    for (unichar unit : StringUnits(string).view()) addCharacter(unit);
+    StringUnits units(string);
+    for (unichar unit : units.view()) addCharacter(unit);
 }
 
 void OFCharacterSet::removeCharactersInString(NSString* string) {
     if (!string) return;
-    for (unichar unit : StringUnits(string).view()) removeCharacter(unit);
+    StringUnits units(string);
+    for (unichar unit : units.view()) removeCharacter(unit);
 }
 
 void OFCharacterSet::addBitmap(const std::uint8_t* other) {

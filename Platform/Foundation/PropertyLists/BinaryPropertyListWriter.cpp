@@ -238,8 +238,10 @@ class Writer final : public PropertyListVisitor {
             case kDate:
                 bytes.append(static_cast<char>(entry.marker));
                 return appendNumber(bytes, entry.bits, entry.marker == kReal32 ? 4 : 8);
-            case kASCII:
-                return appendString(bytes, StringUnits(static_cast<NSString*>(entry.object)));
+            case kASCII: {
+                StringUnits units(static_cast<NSString*>(entry.object));
+                return appendString(bytes, units);
+            }
             case kData:
                 return writeData(bytes, static_cast<NSData*>(entry.object));
             default:

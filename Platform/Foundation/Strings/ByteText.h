@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Bytes as text; for Foundation's own sources.
+// Bytes as hexadecimal text.
 #pragma once
 
 #include <cstddef>

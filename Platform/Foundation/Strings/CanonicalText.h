@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Comparing text up to canonical equivalence and case; for Foundation's own sources.
+// Comparing text up to canonical equivalence and case.
 #pragma once
 
 #include <string>
@@ -10,8 +10,8 @@
 
 namespace pelvor {
 
-/// Compares as the options say: case-insensitive, literal, numeric. Text that is not compared literally is
-/// ordered by the units of its composed form.
+/// Compares the texts as the options say: case-insensitive, literal, numeric. Texts that are not compared literally are
+/// ordered by the units of their composed forms.
 NSComparisonResult compareText(std::u16string_view a, std::u16string_view b, NSStringCompareOptions options);
 
 }  // namespace pelvor

@@ -23,7 +23,7 @@ const EncodingEntry* findEncoding(NSStringEncoding number);
 /// Null for an unknown name. Case and punctuation do not count.
 const EncodingEntry* findEncodingNamed(std::string_view name);
 
-/// Every encoding; those that documents use most come first.
+/// Every encoding. Encodings that documents use most come first.
 std::span<const EncodingEntry> allEncodings();
 
 /// Every name of the encoding, the document name first.

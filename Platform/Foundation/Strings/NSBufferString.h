@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// NSBufferString: the mutable string that creators answer; for Foundation's own sources.
+// NSBufferString: the mutable string that creators return.
 #pragma once
 
 #include <utility>
@@ -8,7 +8,7 @@
 
 namespace pelvor {
 
-/// Units in one buffer of its own.
+/// A mutable string whose units stand in one buffer.
 class NSBufferString final : public NSMutableString {
     PELVOR_CLASS(NSBufferString, NSMutableString);
 
@@ -21,9 +21,9 @@ class NSBufferString final : public NSMutableString {
     void replaceCharactersInRange_withUnits(NSRange range, std::u16string_view units) override;
 
     void reserve(NSUInteger capacity) { _units.reserve(capacity); }
-    /// Puts the units in place of all, without a copy.
+    /// Puts the units in place of the whole text, without copying them.
     void adopt(std::u16string&& units) { _units = std::move(units); }
-    /// Makes the string `length` units long and answers where they are written to.
+    /// Makes the string `length` units long and returns where the units are written to.
     unichar* resize(NSUInteger length);
 
   protected:

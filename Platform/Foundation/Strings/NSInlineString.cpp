@@ -4,7 +4,6 @@
 #include <cstdlib>
 
 #include "Foundation/FoundationLibrary.h"
-#include "Runtime/NSException.h"
 
 namespace pelvor {
 
@@ -25,12 +24,13 @@ std::uintptr_t cachedHash(std::atomic<std::uint32_t>& cache, std::u16string_view
 }
 
 void copyUnits(unichar* buffer, std::u16string_view units, NSRange range) {
-    requireRange(range, static_cast<NSUInteger>(units.size()));
+    requireRange(range, static_cast<NSUInteger>(units.size()), "getCharacters:range:");
+    if (range.length) requireArgument(buffer, "getCharacters:range:", "the buffer");
     std::char_traits<unichar>::copy(buffer, units.data() + range.location, range.length);
 }
 
 unichar NSConstantString::characterAtIndex(NSUInteger index) {
-    requireIndex(index, _length);
+    requireIndex(index, _length, "characterAtIndex:");
     return _characters[index];
 }
 
@@ -43,7 +43,7 @@ std::uintptr_t NSConstantString::hash() { return cachedHash(_hash, {_characters,
 Retained<Object> NSConstantString::copyWithZone(void*) { return Retained<Object>::retaining(this); }
 
 unichar NSInlineString::characterAtIndex(NSUInteger index) {
-    requireIndex(index, _length);
+    requireIndex(index, _length, "characterAtIndex:");
     return characters()[index];
 }
 
@@ -68,7 +68,7 @@ NSExternalString::~NSExternalString() {
 }
 
 unichar NSExternalString::characterAtIndex(NSUInteger index) {
-    requireIndex(index, _length);
+    requireIndex(index, _length, "characterAtIndex:");
     return _units[index];
 }
 

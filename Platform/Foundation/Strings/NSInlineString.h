@@ -1,27 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// NSInlineString: the immutable string that creators answer; for Foundation's own sources.
+// NSInlineString and NSExternalString: the immutable strings that creators return.
 #pragma once
 
-#include <limits>
-
-#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/NSString.h"
-#include "Runtime/NSException.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
-
-/// Raises NSMallocException for a length that a string cannot have.
-inline NSUInteger requireTextLength(std::uint64_t length) {
-    if (length > std::numeric_limits<NSUInteger>::max()) [[unlikely]]
-        throw NSException(NSMallocException, "the text would be too long");
-    return static_cast<NSUInteger>(length);
-}
-
-/// Raises NSInvalidArgumentException for text of that length that is nowhere.
-inline void requireText(const void* text, NSUInteger length) {
-    if (!text && length) [[unlikely]]
-        throw NSException(NSInvalidArgumentException, "a length was given without characters");
-}
 
 /// Units in the same memory as the object, directly after it.
 class NSInlineString final : public NSString {
@@ -35,7 +19,7 @@ class NSInlineString final : public NSString {
             std::size_t{length} * sizeof(unichar), &classRecord, length));
     }
     static Retained<NSInlineString> create(std::u16string_view units) {
-        auto string = create(requireTextLength(units.size()));
+        auto string = create(requireTextLength(units.size(), "a new string:"));
         std::char_traits<unichar>::copy(string->characters(), units.data(), units.size());
         return string;
     }
@@ -68,7 +52,7 @@ class NSExternalString final : public NSString {
     unichar characterAtIndex(NSUInteger index) override;
     void getCharacters_range(unichar* buffer, NSRange range) override;
     const unichar* contiguousCharacters() override { return _units; }
-    /// Units of its own need not be copied.
+    /// Units that the string owns need not be copied.
     Retained<Object> copyWithZone(void* zone) override;
 
   protected:
@@ -85,9 +69,7 @@ class NSExternalString final : public NSString {
 std::uintptr_t hashUnits(std::u16string_view units);
 /// The hash of immutable units, computed once; `cache` is 0 until then.
 std::uintptr_t cachedHash(std::atomic<std::uint32_t>& cache, std::u16string_view units);
-/// Copies the units of the range to the buffer. Raises NSRangeException for a range outside.
+/// What `getCharacters_range` does for units in one piece, with its checks.
 void copyUnits(unichar* buffer, std::u16string_view units, NSRange range);
-/// Raises NSInvalidArgumentException for none.
-void requireString(NSString* string, const char* operation);
 
 }  // namespace pelvor

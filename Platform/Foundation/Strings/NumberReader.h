@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Numbers read from text, whatever the process's locale; for Foundation's own sources.
+// Numbers read from text, whatever the process's locale.
 #pragma once
 
 #include <algorithm>
@@ -15,7 +15,8 @@
 
 namespace pelvor {
 
-/// Reads at a place in a text. A number that is not there leaves the place somewhere after it.
+/// Reads numbers at a place in a text, and moves the place behind them. Where there is no number, the place may have
+/// moved all the same.
 class NumberReader {
   public:
     explicit NumberReader(std::u16string_view text, std::size_t place = 0) : _text(text), _place(place) {}
@@ -26,7 +27,7 @@ class NumberReader {
         while (peek() == u' ' || (peek() >= u'\t' && peek() <= u'\r') || peek() == 0xA0) ++_place;
     }
 
-    /// A decimal integer with its sign, or the nearest number of the type.
+    /// A decimal integer with its sign; the nearest number of the type if the integer is too large.
     template <std::signed_integral T>
     std::optional<T> integer() {
         bool isNegative = takeSign();
@@ -43,7 +44,7 @@ class NumberReader {
         return value;
     }
 
-    /// Hexadecimal digits, after "0x" if there is one before them, or the greatest number of the type.
+    /// Hexadecimal digits, with or without "0x" before them; the greatest number of the type if they are too many.
     template <std::unsigned_integral T>
     std::optional<T> hexadecimal() {
         bool hasPrefix = peek() == u'0' && _place + 2 < _text.size() && (_text[_place + 1] | 0x20) == u'x' &&
@@ -105,8 +106,8 @@ class NumberReader {
         return digits;
     }
 
-    // Infinity for a number that is too large, 0 for one that is too small: told by the place of its first
-    // digit other than 0.
+    // Infinity for a number that is too large, 0 for a number that is too small. The place of the first digit other
+    // than 0 tells which.
     template <class T>
     static T outOfRange(const std::string& digits) {
         std::size_t mark = std::min(digits.find('e'), digits.size());

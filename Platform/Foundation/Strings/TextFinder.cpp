@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "Foundation/Strings/CanonicalText.h"
+#include "Foundation/Strings/ComposedCharacters.h"
 #include "Foundation/Strings/TextFolding.h"
 #include "Foundation/Strings/UnitSearch.h"
 
@@ -47,20 +48,24 @@ class CanonicalReader {
         return _group[_next++];
     }
 
-    static bool continuesGroup(char32_t c) {
-        return c >= 0x300 && u_getCombiningClass(static_cast<UChar32>(c)) != 0;
-    }
-
   private:
     void readGroup() {
         _group.clear();
         _next = 0;
+        char32_t c;
         do {
-            char32_t c = codePointAt(_text, _place);
+            c = codePointAt(_text, _place);
             _place += unitCount(c);
             decompose(c);
-        } while (_place < _text.size() && continuesGroup(codePointAt(_text, _place)));
+        } while (_place < _text.size() && joins(c, codePointAt(_text, _place)));
         if (_group.size() > 2) orderMarks();
+    }
+
+    // Marks join what stands before them, unless that is a control or a line end.
+    static bool joins(char32_t before, char32_t c) {
+        if (c < 0x300 || u_getCombiningClass(static_cast<UChar32>(c)) == 0) return false;
+        int32_t kind = u_getIntPropertyValue(static_cast<UChar32>(before), UCHAR_GRAPHEME_CLUSTER_BREAK);
+        return kind != U_GCB_CONTROL && kind != U_GCB_LF && kind != U_GCB_CR;
     }
 
     void decompose(char32_t c) {
@@ -102,6 +107,20 @@ std::u32string decomposed(Units text, bool folds) {
     return result;
 }
 
+// Whether a match may begin or end at the index: not inside a composed character. Each half of a line end CR LF is
+// found, for documents mix line ends, and so is a stem before the non-joiner that parts it from its ending.
+bool mayCutAt(Units text, std::size_t index) {
+    constexpr char16_t kNonJoiner = 0x200C;
+    if (index > 0 && index < text.size() &&
+        (text[index] == kNonJoiner || (text[index] == u'\n' && text[index - 1] == u'\r')))
+        return true;
+    return isComposedCharacterBound(text, index);
+}
+
+bool isWhole(Units text, NSRange match) {
+    return mayCutAt(text, match.location) && mayCutAt(text, NSMaxRange(match));
+}
+
 // The search for text that may be written in several ways.
 class EquivalentSearch {
   public:
@@ -133,21 +152,20 @@ class EquivalentSearch {
     }
 
   private:
-    // The length of the text from the place on that is equivalent to the needle; 0 for none.
+    // The length of the text from the place on that is equivalent to the needle; 0 if there is no such text.
     std::size_t matchLength(std::size_t place) const {
         if (!mayMatch(place)) return 0;
         CanonicalReader reader(_text, place, _folds);
         for (char32_t c : _needle)
             if (reader.isAtEnd() || reader.read() != c) return 0;
-        return reader.isBetweenGroups() ? reader.place() - place : 0;
+        const std::size_t length = reader.place() - place;
+        return reader.isBetweenGroups() && isWhole(_text, rangeAt(place, length)) ? length : 0;
     }
 
     bool mayMatch(std::size_t place) const {
         char16_t unit = _text[place];
         if (unit < 0x80) return (_folds ? foldUnit(unit) : unit) == _needle[0];
-        if (unit >= 0x3400 && unit < 0xA000) return unit == _needle[0];
-        if (splitsPair(_text, place)) return false;
-        return place == 0 || !CanonicalReader::continuesGroup(codePointAt(_text, place));
+        return unit < 0x3400 || unit >= 0xA000 || unit == _needle[0];
     }
 
     Units _text;
@@ -273,8 +291,8 @@ Units TextFinder::endOf(Units text, std::size_t size) const {
     return has(NSBackwardsSearch) ? text.substr(text.size() - size) : text.substr(0, size);
 }
 
-// Searches plainly as long as that decides, in parts that grow, so that a far plain match or none does not
-// cost the whole text where an equivalent one is near.
+// Searches for equal units as long as these decide, in parts that grow: an equivalent match may be near where the next
+// plain match is far.
 NSRange TextFinder::findByParts(Units text) const {
     std::size_t size = has(NSAnchoredSearch) ? _needle.size() + 1 : _needle.size() + 2048;
     while (true) {
@@ -284,6 +302,7 @@ NSRange TextFinder::findByParts(Units text) const {
         if (isFound && has(NSBackwardsSearch))
             match.location += static_cast<NSUInteger>(text.size() - part.size());
         if (_active->hasAny(isFound ? decidingPart(text, match) : part)) return findEquivalent(text);
+        if (isFound && !isWhole(text, match)) return findEquivalent(text);
         if (isFound || part.size() == text.size() || has(NSAnchoredSearch)) return match;
         size *= 4;
     }

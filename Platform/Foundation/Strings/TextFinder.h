@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Finding text up to canonical equivalence and case; for Foundation's own sources.
+// Finding text up to canonical equivalence and case.
 #pragma once
 
 #include <array>
@@ -12,15 +12,17 @@ namespace pelvor {
 
 class ActiveUnits;
 
-/// Finds one text in others as the options say: case-insensitive, literal, backwards, anchored. The text to
-/// be found must outlive the finder.
+/// Finds one text, the needle, in others, as the options say: case-insensitive, literal, backwards, anchored. The needle
+/// must outlive the finder. Where the options allow it, equal units are looked for first; text that can be written in
+/// several ways is then searched by its decomposed characters.
 class TextFinder {
   public:
     TextFinder(std::u16string_view needle, NSStringCompareOptions options);
     TextFinder(const TextFinder&) = delete;
     TextFinder& operator=(const TextFinder&) = delete;
 
-    /// Where the needle stands in the text; {NSNotFound, 0} if nowhere or if it is empty.
+    /// Where the needle stands in the text; {NSNotFound, 0} if it stands nowhere or is empty. See
+    /// `rangeOfString_options_range` for what counts as a match.
     NSRange find(std::u16string_view text) const;
 
   private:
@@ -40,7 +42,7 @@ class TextFinder {
     NSStringCompareOptions _options;
     std::u16string _folded;
     Units _needle;                              // folded by units if case does not count
-    const ActiveUnits* _active;                 // none for a literal search
+    const ActiveUnits* _active;                 // null for a literal search
     std::u32string _decomposed;                 // if the needle itself can be written in several ways
     std::array<char16_t, 4> _first{}, _last{};  // what folds to the needle's first, and last, unit
     bool _hasSpellings = false;

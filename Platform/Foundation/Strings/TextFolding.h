@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Case folding, and which units can be written in several ways; for Foundation's own sources.
+// Case folding, and which units can be written in several ways.
 #pragma once
 
 #include <bitset>
@@ -8,13 +8,13 @@
 
 namespace pelvor {
 
-/// The units that can make two unlike texts equivalent, or their order differ from that of their units.
-/// Text without active units is equivalent only to itself, and may be cut anywhere between pairs.
+/// The active units: they can make two unlike texts equivalent, or make the order of texts differ from the order of
+/// their units. Text without active units is equivalent only to itself, and may be cut anywhere between pairs.
 class ActiveUnits {
   public:
-    /// Units that composed text lacks or that may join with what stands before them.
+    /// Units that composed text does not have, or that may join with the unit before them.
     static const ActiveUnits& plain();
-    /// The same, with those that fold to several code points and the pairs that fold at all.
+    /// Where case does not count: also units that fold to several code points, and the pairs that fold.
     static const ActiveUnits& folding();
 
     bool has(char16_t unit) const { return unit >= 0x80 && _units[unit]; }
@@ -28,7 +28,7 @@ class ActiveUnits {
     std::bitset<0x10000> _units;
 };
 
-/// The unit folded by itself, if that is one unit.
+/// The unit folded by itself, or the unit if it folds to several.
 char16_t foldOtherUnit(char16_t unit);
 inline char16_t foldUnit(char16_t unit) {
     if (unit < 0x80) return unit >= u'A' && unit <= u'Z' ? unit | 0x20 : unit;

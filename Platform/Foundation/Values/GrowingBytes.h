@@ -10,6 +10,8 @@
 #include <string_view>
 #include <utility>
 
+#include "Runtime/Export.h"
+
 namespace pelvor {
 
 /// Bytes in one block of `malloc`, which doubles when it is full and is not cleared beforehand.
@@ -23,7 +25,7 @@ class GrowingBytes {
     std::size_t size() const { return _size; }
     const char* data() const { return _bytes; }
     char* data() { return _bytes; }
-    std::string_view view() const { return {_bytes, _size}; }
+    std::string_view view() const PELVOR_LIFETIMEBOUND { return {_bytes, _size}; }
 
     /// Room for `count` more bytes after the last one. The caller writes there and says by `advance` how
     /// many it wrote.

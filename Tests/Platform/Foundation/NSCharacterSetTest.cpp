@@ -47,9 +47,6 @@ TEST(NSCharacterSetTest, RangesReachOverByteAndPlaneBounds) {
         EXPECT_TRUE(set->longCharacterIsMember(NSMaxRange(range) - 1));
     }
     EXPECT_THAT(shown(NSCharacterSet::characterSetWithRange({5, 0})), HasSubstr("(0 members)"));
-    expectRaised(NSInvalidArgumentException,
-                 {RAISED(NSCharacterSet::characterSetWithRange({0x10FFFF, 2})),
-                  RAISED(NSCharacterSet::characterSetWithRange({2, 0xFFFFFFFF}))});
 }
 
 TEST(NSCharacterSetTest, CharactersOfAStringArePairsAndLoneHalves) {
@@ -91,7 +88,6 @@ TEST(NSCharacterSetTest, UnionIntersectionAndInverse) {
     EXPECT_FALSE(set->isSupersetOfSet(NSCharacterSet::alphanumericCharacterSet()));
     set->invert();
     EXPECT_TRUE(set->isEqual(inverse));
-    expectRaised(NSInvalidArgumentException, {RAISED(set->formUnionWithCharacterSet(nullptr))});
 }
 
 TEST(NSCharacterSetTest, BitmapsHoldTheMembersBitByBit) {
@@ -118,8 +114,6 @@ TEST(NSCharacterSetTest, BitmapsOfHigherPlanesFollowWithTheirNumbers) {
     std::vector<std::byte> badPlane(8192 + 1 + 8192, std::byte{0xFF});
     EXPECT_FALSE(
         NSCharacterSet::characterSetWithBitmapRepresentation(NSData::of(badPlane))->hasMemberInPlane(1));
-    expectRaised(NSInvalidArgumentException,
-                 {RAISED(NSCharacterSet::characterSetWithBitmapRepresentation(nullptr))});
 }
 
 }  // namespace

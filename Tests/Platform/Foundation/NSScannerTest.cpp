@@ -68,10 +68,8 @@ TEST(NSScanner, SkipsWhatItIsToldTo) {
     scanner->setCharactersToBeSkipped(nullptr);
     scanner->setScanLocation(1);
     EXPECT_TRUE(scanner->scanInt(&number) && number == -12);
-    EXPECT_THROW(scanner->setScanLocation(8), NSException);
+    RAISED(scanner->setScanLocation(8));
     EXPECT_EQ(scanner->scanLocation(), 4u);
-    EXPECT_THROW(scanner->scanCharactersFromSet_intoString(nullptr, nullptr), NSException);
-    EXPECT_THROW(NSScanner::scannerWithString(nullptr), NSException);
 }
 
 }  // namespace

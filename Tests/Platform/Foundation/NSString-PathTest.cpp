@@ -41,15 +41,12 @@ TEST(NSStringPathTest, AppendingComponentsAndExtensions) {
                   return shown(path->stringByAppendingPathComponent(piece),
                                path->stringByAppendingPathExtension(piece));
               });
-    expectRaised(NSInvalidArgumentException, {RAISED(u"a"_ns->stringByAppendingPathComponent(nullptr))});
 }
 
 TEST(NSStringPathTest, ComponentsJoinToThePathTheyCameFrom) {
     for (NSString* path : {u"/"_ns, u"/tmp/a.b"_ns, u"a/b"_ns, u""_ns, u"a"_ns})
         EXPECT_EQ(NSString::pathWithComponents(path->pathComponents())->toUTF8(), path->toUTF8());
     EXPECT_EQ(NSString::pathWithComponents(NSArray::of({u"a"_ns, u""_ns, u"/b/"_ns}))->toUTF8(), "a/b");
-    expectRaised(NSInvalidArgumentException,
-                 {RAISED(NSString::pathWithComponents(NSArray::of({NSArray::array()})))});
 }
 
 TEST(NSStringPathTest, TildesStandForHomes) {

@@ -49,8 +49,6 @@ TEST(NSStringEncodingTest, TextInItsBytesAndBack) {
     for (const Case& c : cases) {
         EXPECT_EQ(encodeUnits(c.text, c.encoding), c.bytes) << nameOfEncoding(c.encoding);
         EXPECT_EQ(decodeBytes(c.bytes, c.encoding), c.text) << nameOfEncoding(c.encoding);
-        EXPECT_EQ(encodingForName(ianaNameOfEncoding(c.encoding)), c.encoding);
-        EXPECT_TRUE(isEncodingAvailable(c.encoding));
     }
 }
 
@@ -83,7 +81,7 @@ TEST(NSStringEncodingTest, TextThatDoesNotFitIsRefusedOrReplacedBySomethingAlike
                           {NSUTF8StringEncoding, u"a\xD800z", "a\xEF\xBF\xBDz"},
                           {NSUTF32BigEndianStringEncoding, u"\xDC00", "\0\0\xFF\xFD"s}};
     for (const Case& c : cases) {
-        EXPECT_EQ(encodeUnits(c.text, c.encoding), std::nullopt);
+        EXPECT_EQ(encodeUnits(c.text, c.encoding), std::nullopt) << c.bytes;
         EXPECT_EQ(encodeUnits(c.text, c.encoding, EncodingLoss::allowed), c.bytes);
     }
     EXPECT_EQ(encodeUnits(u"a", 77777, EncodingLoss::allowed), std::nullopt);

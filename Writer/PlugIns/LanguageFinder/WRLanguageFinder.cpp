@@ -85,7 +85,8 @@ NSDictionary* WRLanguageFinder::examineDocument(id document) {
     for (NSUInteger i = 0; i < count; ++i) {
         AutoreleasePool pool;
         auto* paragraph = send<NSString*>(document, "paragraphAtIndex:"_sel, i);
-        if (!table.take(StringUnits(paragraph->lowercaseString()))) ++undecided;
+        StringUnits units(paragraph->lowercaseString());
+        if (!table.take(units)) ++undecided;
     }
     auto* found = NSMutableDictionary::dictionary();
     auto add = [&](NSUInteger number, NSString* name) {

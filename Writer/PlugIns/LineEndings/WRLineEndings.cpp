@@ -46,7 +46,8 @@ PELVOR_DEFINE_CLASS(WRLineEndings, lineEndingsPlugIn) {
 
 NSDictionary* WRLineEndings::examineDocument(id document) {
     auto* text = send<NSString*>(document, "text"_sel);
-    const LineEndingCounts counts = text ? countLineEndings(StringUnits(text)) : LineEndingCounts();
+    StringUnits units(text ? text : u""_ns);
+    const LineEndingCounts counts = countLineEndings(units);
     auto* found = NSMutableDictionary::dictionary();
     auto add = [&](NSString* key, unsigned count) {
         if (count) found->setObject_forKey(NSNumber::numberWithUnsignedInt(count), _PBDoLocalize(key, this));

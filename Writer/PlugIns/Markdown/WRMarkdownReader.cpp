@@ -19,7 +19,8 @@ NSDictionary* WRMarkdownReader::readDocumentAtPath_options(NSString* path, NSDic
     NSString* source = stringEntry(answer, WRTextKey);
     if (!source) return answer;
     auto* changed = NSMutableDictionary::dictionaryWithDictionary(answer);
-    changed->setObject_forKey(NSString::of(textOfMarkdown(StringUnits(source))), WRTextKey);
+    StringUnits units(source);
+    changed->setObject_forKey(NSString::of(textOfMarkdown(units)), WRTextKey);
     return changed;
 }
 

@@ -22,7 +22,8 @@ NSDictionary* WRPlainTextWriter::writeText_toPath_options(NSString* text, NSStri
     NSString* encodingName = named ? named : own ? own : u"UTF-8"_ns;
     const NSStringEncoding encoding = encodingForName(encodingName->toUTF8());
     if (encoding == 0) return unknownEncodingAnswer(encodingName, this);
-    auto bytes = encodeUnits(StringUnits(text), encoding);
+    StringUnits units(text);
+    auto bytes = encodeUnits(units, encoding);
     const bool isMarked = !named && own && numberEntry(options, WRByteOrderMarkKey);
     if (bytes && isMarked) bytes->insert(0, encodeUnits(u"\uFEFF", encoding).value_or(std::string()));
     if (bytes) return writeTextFile(*bytes, encodingName, path, this);

@@ -46,7 +46,8 @@ PELVOR_DEFINE_CLASS(WRTypography, typographyPlugIn) {
 
 NSDictionary* WRTypography::examineDocument(id document) {
     auto* text = send<NSString*>(document, "text"_sel);
-    const TypographyCounts counts = text ? countTypography(StringUnits(text)) : TypographyCounts();
+    StringUnits units(text ? text : u""_ns);
+    const TypographyCounts counts = countTypography(units);
     auto* found = NSMutableDictionary::dictionary();
     auto add = [&](NSString* key, unsigned count) {
         found->setObject_forKey(NSNumber::numberWithUnsignedInt(count), _PBDoLocalize(key, this));

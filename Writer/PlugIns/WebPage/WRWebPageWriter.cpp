@@ -21,7 +21,8 @@ NSDictionary* WRWebPageWriter::writeText_toPath_options(NSString* text, NSString
     NSString* encodingName = named ? named : u"UTF-8"_ns;
     const NSStringEncoding encoding = encodingForName(encodingName->toUTF8());
     if (encoding == 0) return unknownEncodingAnswer(encodingName, this);
-    const std::u16string page = webPageOfText(StringUnits(text), encodingName->toUTF16());
+    StringUnits units(text);
+    const std::u16string page = webPageOfText(units, encodingName->toUTF16());
     auto bytes = encodeUnits(page, encoding);
     if (!bytes) bytes = encodeUnits(withCharacterNumbers(page), encoding, EncodingLoss::allowed);
     if (!bytes) return unknownEncodingAnswer(encodingName, this);

@@ -56,7 +56,8 @@ NSDictionary* WRWordStatistics::examineDocument(id document) {
     for (NSUInteger i = 0; i < paragraphs; ++i) {
         AutoreleasePool pool;
         auto* paragraph = send<NSString*>(document, "paragraphAtIndex:"_sel, i);
-        count.take(StringUnits(paragraph->lowercaseString()), _pbLettersCharacterSet, theSentenceEnders);
+        StringUnits units(paragraph->lowercaseString());
+        count.take(units, _pbLettersCharacterSet, theSentenceEnders);
     }
     auto add = [&](NSString* key, id value) { found->setObject_forKey(value, _PBDoLocalize(key, this)); };
     auto number = [](std::size_t value) { return NSNumber::numberWithUnsignedLong(value); };
