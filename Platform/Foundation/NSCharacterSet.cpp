@@ -118,8 +118,8 @@ void NSCharacterSet::changeRange(char32_t first, char32_t last, Change change) {
 
 void NSCharacterSet::changeRange(NSRange range, Change change, const char* operation) {
     if (!isRangeInside(range, 0x110000))
-        raiseException(NSInvalidArgumentException, u"%s range {%u, %u} beyond the last code point"_ns, operation,
-                       range.location, range.length);
+        raiseException(NSInvalidArgumentException, u"%s range {%u, %u} beyond the last code point"_ns,
+                       operation, range.location, range.length);
     if (range.length) changeRange(range.location, NSMaxRange(range) - 1, change);
 }
 

@@ -18,7 +18,8 @@ class NSMutableCharacterSet;
 ///
 ///     NSCharacterSet* digits = NSCharacterSet::decimalDigitCharacterSet();
 ///     if (digits->characterIsMember(text->characterAtIndex(0))) …
-///     NSRange comma = text->rangeOfCharacterFromSet(NSCharacterSet::characterSetWithCharactersInString(u",;"_ns));
+///     NSRange comma =
+///     text->rangeOfCharacterFromSet(NSCharacterSet::characterSetWithCharactersInString(u",;"_ns));
 ///
 /// The named sets are made once and live as long as the process. Letters in parentheses are Unicode's general
 /// categories. Null arguments raise NSInvalidArgumentException. Immutable sets may be used on any thread.

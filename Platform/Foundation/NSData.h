@@ -56,7 +56,9 @@ class PELVOR_EXPORT NSData : public NSObject {
     virtual const void* bytes() = 0;
 
     // C++ only
-    std::span<const std::byte> span() PELVOR_LIFETIMEBOUND { return {static_cast<const std::byte*>(bytes()), length()}; }
+    std::span<const std::byte> span() PELVOR_LIFETIMEBOUND {
+        return {static_cast<const std::byte*>(bytes()), length()};
+    }
 
     /// Copies the bytes to the buffer.
     void getBytes(void* buffer);
@@ -68,11 +70,11 @@ class PELVOR_EXPORT NSData : public NSObject {
     /// Writes the file, new or in the place of an old one; atomically: as a whole or not at all. Returns
     /// whether that worked; if not, `errno` tells the reason.
     ///
-    /// A link is followed and stays a link. What is no regular file (a pipe, a device, /dev/stdout) is written
-    /// into directly; a pipe without a reader is refused. An atomic write puts a new file in the place of the
-    /// old one and keeps owner, group, access rights and access list as far as the user may set them. Other
-    /// names of the old file (hard links) keep the old content. The user needs the right to write the old file
-    /// and to make files in its folder: a read-only file is refused.
+    /// A link is followed and stays a link. What is no regular file (a pipe, a device, /dev/stdout) is
+    /// written into directly; a pipe without a reader is refused. An atomic write puts a new file in the
+    /// place of the old one and keeps owner, group, access rights and access list as far as the user may set
+    /// them. Other names of the old file (hard links) keep the old content. The user needs the right to write
+    /// the old file and to make files in its folder: a read-only file is refused.
     bool writeToFile_atomically(NSString* path, bool isAtomic);
     bool isEqualToData(NSData* other);
 

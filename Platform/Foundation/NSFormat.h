@@ -113,8 +113,8 @@ class FormatArgument {
 /// - %d of an unsigned value prints the signed number with the same bits.
 /// - Null prints "(null)", an argument that is missing "(missing)".
 ///
-/// The process's locale does not count. Raises NSInvalidArgumentException for a null format, in the name of the
-/// `operation` that was called. Any thread.
+/// The process's locale does not count. Raises NSInvalidArgumentException for a null format, in the name of
+/// the `operation` that was called. Any thread.
 PELVOR_EXPORT NSString* formatString(NSString* format, std::span<const FormatArgument> arguments,
                                      const char* operation = "formatString:");
 

@@ -17,7 +17,9 @@ namespace {
 
 // Formats sent as messages have no arguments.
 NSMutableString* formatAlone(NSString* format) { return NSMutableString::stringWithFormat(format); }
-Retained<NSMutableString> initFormatAlone(NSString* format) { return NSMutableString::initWithFormat(format); }
+Retained<NSMutableString> initFormatAlone(NSString* format) {
+    return NSMutableString::initWithFormat(format);
+}
 void appendFormatAlone(NSMutableString* string, NSString* format) { string->appendFormat(format); }
 
 }  // namespace
@@ -272,9 +274,7 @@ unichar NSBufferString::characterAtIndex(NSUInteger index) {
     return _units[index];
 }
 
-void NSBufferString::getCharacters_range(unichar* buffer, NSRange range) {
-    copyUnits(buffer, _units, range);
-}
+void NSBufferString::getCharacters_range(unichar* buffer, NSRange range) { copyUnits(buffer, _units, range); }
 
 void NSBufferString::replaceCharactersInRange_withString(NSRange range, NSString* string) {
     requireArgument(string, "replaceCharactersInRange:withString:", "the string");

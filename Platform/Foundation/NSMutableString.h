@@ -13,8 +13,8 @@ namespace pelvor {
 ///     line->insertString_atIndex(u"> "_ns, 0);  // "> one, 2"
 ///
 /// The class is abstract: operations that change the string stand on NSString's primitives and on
-/// `replaceCharactersInRange_withString`. NSString's rules for arguments hold, and an operation that raises changes
-/// nothing. One thread at a time.
+/// `replaceCharactersInRange_withString`. NSString's rules for arguments hold, and an operation that raises
+/// changes nothing. One thread at a time.
 class PELVOR_EXPORT NSMutableString : public NSString {
     PELVOR_CLASS(NSMutableString, NSString);
     PELVOR_CREATORS(string, stringWithCapacity, stringWithString, stringWithCharacters_length,
@@ -58,7 +58,8 @@ class PELVOR_EXPORT NSMutableString : public NSString {
     // C++ only
     template <class... A>
     static NSMutableString* stringWithFormat(NSString* format, const A&... arguments) {
-        return stringWithString(formatString(format, detail::formatArguments(arguments...), "stringWithFormat:"));
+        return stringWithString(
+            formatString(format, detail::formatArguments(arguments...), "stringWithFormat:"));
     }
     template <class... A>
     static Retained<NSMutableString> initWithFormat(NSString* format, const A&... arguments) {
@@ -78,9 +79,9 @@ class PELVOR_EXPORT NSMutableString : public NSString {
     void appendCharacters_length(const unichar* characters, NSUInteger length);
     void insertString_atIndex(NSString* string, NSUInteger index);
     void deleteCharactersInRange(NSRange range);
-    /// Replaces every occurrence of the target inside the range, by the rules of `rangeOfString_options_range`, and
-    /// returns how many there were. Occurrences do not overlap: they are looked for from the start of the range on, or
-    /// backwards from its end.
+    /// Replaces every occurrence of the target inside the range, by the rules of
+    /// `rangeOfString_options_range`, and returns how many there were. Occurrences do not overlap: they are
+    /// looked for from the start of the range on, or backwards from its end.
     NSUInteger replaceOccurrencesOfString_withString_options_range(NSString* target, NSString* replacement,
                                                                    NSStringCompareOptions options,
                                                                    NSRange range);

@@ -13,10 +13,10 @@ namespace pelvor {
 ///     double width;
 ///     if (scanner->scanString_intoString(u"width:"_ns, nullptr) && scanner->scanDouble(&width)) …
 ///
-/// Each reading first passes over the characters to be skipped. A reading that finds nothing returns false and
-/// leaves the place and the value as they were. The pointer to a value that is not wanted may be null. Numbers that
-/// are too large for the type become its nearest number. Null strings and sets raise NSInvalidArgumentException.
-/// One thread at a time.
+/// Each reading first passes over the characters to be skipped. A reading that finds nothing returns false
+/// and leaves the place and the value as they were. The pointer to a value that is not wanted may be null.
+/// Numbers that are too large for the type become its nearest number. Null strings and sets raise
+/// NSInvalidArgumentException. One thread at a time.
 class PELVOR_EXPORT NSScanner : public NSObject {
     PELVOR_CLASS(NSScanner, NSObject);
     PELVOR_CREATORS(initWithString, scannerWithString);

@@ -65,7 +65,8 @@ std::vector<Path> splitAtSlashes(Path path) {
 
 NSString* pathString(NSString* receiver, Path path) {
     StringUnits own(receiver);
-    return cast<NSPathStore2>(receiver) && own.view() == path ? receiver->copy().autorelease() : NSPathStore2::of(path);
+    return cast<NSPathStore2>(receiver) && own.view() == path ? receiver->copy().autorelease()
+                                                              : NSPathStore2::of(path);
 }
 
 // The home directory of the user, of the process's own for an empty name; empty for an unknown user.
@@ -166,7 +167,8 @@ NSString* NSString::pathWithComponents(NSArray* components) {
     for (id object : components) {
         auto* string = cast<NSString>(object);
         if (!string)
-            raiseException(NSInvalidArgumentException, u"pathWithComponents: a component is no string: %@"_ns, object);
+            raiseException(NSInvalidArgumentException, u"pathWithComponents: a component is no string: %@"_ns,
+                           object);
         StringUnits component(string);
         if (!path.empty() && component.size()) path += u'/';
         path += component.view();

@@ -81,7 +81,8 @@ class MemberSearch {
     }
 
   private:
-    // Passes units that are neither members nor at or past the halves of pairs; passes nothing if case does not count.
+    // Passes units that are neither members nor at or past the halves of pairs; passes nothing if case does
+    // not count.
     NSUInteger firstInterestingUnit(NSUInteger place) const {
         auto count = static_cast<NSUInteger>(_text.size());
         auto stops = [bitmap = _bitmap](char16_t unit) { return isInteresting(bitmap, unit); };
@@ -197,7 +198,6 @@ NSRange NSString::rangeOfCharacterFromSet_options_range(NSCharacterSet* set, NSS
                                                         NSRange range) {
     return foundMember(this, set, options, range, "rangeOfCharacterFromSet:options:range:");
 }
-
 
 NSRange NSString::rangeOfComposedCharacterSequenceAtIndex(NSUInteger index) {
     requireIndex(index, length(), "rangeOfComposedCharacterSequenceAtIndex:");

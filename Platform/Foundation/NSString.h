@@ -40,8 +40,8 @@ enum : NSStringCompareOptions {
 ///         NSLog(u"%@ is called \"%@\""_ns, number, name);  // Chapter 1 is called "Arrival"
 ///     }
 ///
-/// The class is abstract: all operations stand on `length`, `characterAtIndex` and `getCharacters_range`, and the
-/// creators return objects of concrete classes. Immutable strings may be used on any thread.
+/// The class is abstract: all operations stand on `length`, `characterAtIndex` and `getCharacters_range`, and
+/// the creators return objects of concrete classes. Immutable strings may be used on any thread.
 ///
 /// These rules hold for every operation:
 /// - An index or a range that is not inside the string raises NSRangeException.
@@ -71,15 +71,16 @@ class PELVOR_EXPORT NSString : public NSObject {
     static NSString* stringWithCString_encoding(const char* text, NSStringEncoding encoding);
     /// The file's text. Null if the file cannot be read or is not valid in the encoding.
     static NSString* stringWithContentsOfFile_encoding(NSString* path, NSStringEncoding encoding);
-    /// The file's text in the encoding that a mark at its front tells, else in UTF-8 if it is valid, else in ISO Latin
+    /// The file's text in the encoding that a mark at its front tells, else in UTF-8 if it is valid, else in
+    /// ISO Latin
     /// 1. Null if the file cannot be read.
     static NSString* stringWithContentsOfFile(NSString* path);
 
     static Retained<NSString> init();
     static Retained<NSString> initWithString(NSString* string);
     static Retained<NSString> initWithCharacters_length(const unichar* characters, NSUInteger length);
-    /// A string over the caller's memory, which must not change while the string lives. With `freeWhenDone` the
-    /// memory was allocated by `malloc`, and the string frees it.
+    /// A string over the caller's memory, which must not change while the string lives. With `freeWhenDone`
+    /// the memory was allocated by `malloc`, and the string frees it.
     static Retained<NSString> initWithCharactersNoCopy_length_freeWhenDone(unichar* characters,
                                                                            NSUInteger length,
                                                                            bool freeWhenDone);
@@ -118,8 +119,8 @@ class PELVOR_EXPORT NSString : public NSObject {
     void getCharacters(unichar* buffer);
 
     // C++ only
-    /// All units if they stand in one piece in memory, else null. Valid until the string changes or ends. To read any
-    /// string in one piece, use StringUnits.
+    /// All units if they stand in one piece in memory, else null. Valid until the string changes or ends. To
+    /// read any string in one piece, use StringUnits.
     virtual const unichar* contiguousCharacters() { return nullptr; }
 
     // Parts and joins
@@ -128,13 +129,14 @@ class PELVOR_EXPORT NSString : public NSObject {
     NSString* substringToIndex(NSUInteger index);
     NSString* substringWithRange(NSRange range);
     NSString* stringByAppendingString(NSString* string);
-    /// The pieces between separators, empty pieces included. Without a separator in the string, the receiver alone.
+    /// The pieces between separators, empty pieces included. Without a separator in the string, the receiver
+    /// alone.
     NSArray* componentsSeparatedByString(NSString* separator);
     /// The string without the members of the set at both ends.
     NSString* stringByTrimmingCharactersInSet(NSCharacterSet* set);
     NSString* stringByReplacingOccurrencesOfString_withString(NSString* target, NSString* replacement);
-    /// The first `length` units of the receiver. If it is shorter, `pad` fills the rest, from its unit at `index` on
-    /// and over and over: "ab" padded to 7 with "123" from 1 is "ab23123".
+    /// The first `length` units of the receiver. If it is shorter, `pad` fills the rest, from its unit at
+    /// `index` on and over and over: "ab" padded to 7 with "123" from 1 is "ab23123".
     NSString* stringByPaddingToLength_withString_startingAtIndex(NSUInteger length, NSString* pad,
                                                                  NSUInteger index);
 
@@ -151,7 +153,8 @@ class PELVOR_EXPORT NSString : public NSObject {
     std::uintptr_t hash() override;
     /// Whether the units are the same. False for null.
     bool isEqualToString(NSString* other);
-    /// The order of the texts by the units of their composed forms, so that canonically equivalent texts are the same.
+    /// The order of the texts by the units of their composed forms, so that canonically equivalent texts are
+    /// the same.
     NSComparisonResult compare(NSString* other);
     NSComparisonResult compare_options(NSString* other, NSStringCompareOptions options);
     /// Compares the receiver's range with the whole of `other`.
@@ -168,17 +171,19 @@ class PELVOR_EXPORT NSString : public NSObject {
 
     NSRange rangeOfString(NSString* target);
     NSRange rangeOfString_options(NSString* target, NSStringCompareOptions options);
-    /// The first range, or backwards the last one, inside the given range where the target stands. An empty target
-    /// stands nowhere.
+    /// The first range, or backwards the last one, inside the given range where the target stands. An empty
+    /// target stands nowhere.
     ///
-    /// Unless the search is literal, canonically equivalent text matches, and a match consists of whole composed
-    /// characters (see `rangeOfComposedCharacterSequenceAtIndex`) of the given range: "e" is not found in "é" however
-    /// it is written, nor a person in the emoji of a family. There are two exceptions: CR and LF are found in a line
-    /// end CR LF, and the text before a zero-width non-joiner is found without it.
+    /// Unless the search is literal, canonically equivalent text matches, and a match consists of whole
+    /// composed characters (see `rangeOfComposedCharacterSequenceAtIndex`) of the given range: "e" is not
+    /// found in "é" however it is written, nor a person in the emoji of a family. There are two exceptions:
+    /// CR and LF are found in a line end CR LF, and the text before a zero-width non-joiner is found without
+    /// it.
     NSRange rangeOfString_options_range(NSString* target, NSStringCompareOptions options, NSRange range);
     NSRange rangeOfCharacterFromSet(NSCharacterSet* set);
     NSRange rangeOfCharacterFromSet_options(NSCharacterSet* set, NSStringCompareOptions options);
-    /// The first member of the set inside the range, or backwards the last one: one unit, or the two units of a pair.
+    /// The first member of the set inside the range, or backwards the last one: one unit, or the two units of
+    /// a pair.
     NSRange rangeOfCharacterFromSet_options_range(NSCharacterSet* set, NSStringCompareOptions options,
                                                   NSRange range);
     /// What the user sees as one character around the index: Unicode's extended grapheme cluster.
@@ -196,8 +201,8 @@ class PELVOR_EXPORT NSString : public NSObject {
     NSString* decomposedStringWithCanonicalMapping();
     NSString* precomposedStringWithCanonicalMapping();
 
-    // The number at the start of the string, after white space; 0 if there is none. A number that is too large for the
-    // type becomes its nearest number.
+    // The number at the start of the string, after white space; 0 if there is none. A number that is too
+    // large for the type becomes its nearest number.
 
     int intValue();
     NSInteger integerValue();
@@ -211,8 +216,8 @@ class PELVOR_EXPORT NSString : public NSObject {
 
     /// "b.txt" of "/a/b.txt".
     NSString* lastPathComponent();
-    /// What stands behind the last full stop of the last component: "txt" of "/a/b.txt". Empty if there is no full
-    /// stop, or if the name's only full stop is its first character.
+    /// What stands behind the last full stop of the last component: "txt" of "/a/b.txt". Empty if there is no
+    /// full stop, or if the name's only full stop is its first character.
     NSString* pathExtension();
     NSString* stringByAppendingPathComponent(NSString* component);
     NSString* stringByAppendingPathExtension(NSString* extension);
@@ -227,8 +232,8 @@ class PELVOR_EXPORT NSString : public NSObject {
     NSString* stringByExpandingTildeInPath();
     /// With "~" in place of the user's home directory at the front.
     NSString* stringByAbbreviatingWithTildeInPath();
-    /// With "~" expanded and without "//", "/./" and a trailing slash. In absolute paths, ".." removes the component
-    /// before it.
+    /// With "~" expanded and without "//", "/./" and a trailing slash. In absolute paths, ".." removes the
+    /// component before it.
     NSString* stringByStandardizingPath();
     /// The standardized path with its symbolic links resolved, as far as the path exists.
     NSString* stringByResolvingSymlinksInPath();
@@ -251,8 +256,8 @@ class PELVOR_EXPORT NSString : public NSObject {
     /// The encoding in which the text takes least room: ASCII if the text fits it, else UTF-16.
     NSStringEncoding smallestEncoding();
     static NSString* localizedNameOfStringEncoding(NSStringEncoding encoding);
-    /// Whether the text fits the encoding and the file could be written. When written atomically, the path holds the
-    /// whole old file or the whole new file at any time.
+    /// Whether the text fits the encoding and the file could be written. When written atomically, the path
+    /// holds the whole old file or the whole new file at any time.
     bool writeToFile_atomically_encoding(NSString* path, bool atomically, NSStringEncoding encoding);
 
     // C++ only
@@ -298,8 +303,8 @@ class PELVOR_EXPORT NSConstantString final : public NSString {
     std::atomic<std::uint32_t> _hash{0};  // 0: not yet computed
 };
 
-/// The units of a string, or of a range of it, in one piece: the string's own memory where it is in one piece, else a
-/// copy. The string must not change while the units are read.
+/// The units of a string, or of a range of it, in one piece: the string's own memory where it is in one
+/// piece, else a copy. The string must not change while the units are read.
 ///
 ///     StringUnits units(string);
 ///     for (unichar unit : units.view()) …

@@ -16,8 +16,8 @@ namespace pelvor {
 
 class NSMutableString;
 
-/// Puts the units in place of the string's whole text. A string of the platform's own class takes the memory of the
-/// units over. Raises NSMallocException for a text that is too long for a string.
+/// Puts the units in place of the string's whole text. A string of the platform's own class takes the memory
+/// of the units over. Raises NSMallocException for a text that is too long for a string.
 PELVOR_EXPORT void replaceTextAdopting(NSMutableString* string, std::u16string&& units);
 
 /// Grows as needed, large texts mostly in place:
@@ -46,8 +46,8 @@ class UnitBuffer {
             reserve(_capacity + _capacity / 2);
         _units[_size++] = unit;
     }
-    /// Appends `count` units of the text from the place on. Few units are copied in whole blocks, together with units
-    /// behind them, which is quicker.
+    /// Appends `count` units of the text from the place on. Few units are copied in whole blocks, together
+    /// with units behind them, which is quicker.
     void appendPart(std::u16string_view text, std::size_t place, std::size_t count) {
         constexpr std::size_t kBlock = 16;
         std::size_t whole = (count + kBlock - 1) / kBlock * kBlock;
@@ -59,8 +59,8 @@ class UnitBuffer {
     }
     std::u16string_view view() const PELVOR_LIFETIMEBOUND { return {_units, _size}; }
 
-    /// The text as a borrowed string; the buffer is empty then. Raises NSMallocException for a text that is too long
-    /// for a string.
+    /// The text as a borrowed string; the buffer is empty then. Raises NSMallocException for a text that is
+    /// too long for a string.
     NSString* takeString() {
         if (_size > std::numeric_limits<NSUInteger>::max())
             throw NSException(NSMallocException, "UnitBuffer: the text is too long for a string");

@@ -87,8 +87,8 @@ class [[nodiscard]] Retained {
     T* _object = nullptr;
 };
 
-/// A pointer to an object that its holder does not own and that somebody else keeps alive. Fields of bare pointers to
-/// objects are declared so; a field that owns is a Retained.
+/// A pointer to an object that its holder does not own and that somebody else keeps alive. Fields of bare
+/// pointers to objects are declared so; a field that owns is a Retained.
 template <class T>
 using Unretained = T*;
 

@@ -130,8 +130,8 @@ Scalar scalarOf(NSNumber* number) {
     }
 }
 
-// The walk numbers the objects, a container after its members, so that the root comes last. The objects are written
-// afterwards, when the number of bytes that a reference takes is known.
+// The walk numbers the objects, a container after its members, so that the root comes last. The objects are
+// written afterwards, when the number of bytes that a reference takes is known.
 class Writer final : public PropertyListVisitor {
   public:
     void visitLeaf(PropertyListKind kind, Object* object) override {

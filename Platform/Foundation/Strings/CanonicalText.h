@@ -10,8 +10,8 @@
 
 namespace pelvor {
 
-/// Compares the texts as the options say: case-insensitive, literal, numeric. Texts that are not compared literally are
-/// ordered by the units of their composed forms.
+/// Compares the texts as the options say: case-insensitive, literal, numeric. Texts that are not compared
+/// literally are ordered by the units of their composed forms.
 NSComparisonResult compareText(std::u16string_view a, std::u16string_view b, NSStringCompareOptions options);
 
 }  // namespace pelvor

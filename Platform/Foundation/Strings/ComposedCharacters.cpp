@@ -11,8 +11,8 @@
 namespace pelvor {
 namespace {
 
-// Whether the character is one by itself next to any other of the kind: letters, ideographs, whole syllables. Halves of
-// pairs are not.
+// Whether the character is one by itself next to any other of the kind: letters, ideographs, whole syllables.
+// Halves of pairs are not.
 bool isPlainBase(char32_t c) {
     if (c < 0x300) return c != U'\n' && c != U'\r';
     if (U16_IS_SURROGATE(c)) return false;
@@ -80,7 +80,9 @@ UBreakIterator* iteratorOver(std::u16string_view text) {
 }  // namespace
 
 NSRange composedCharacterAt(NSString* string, NSUInteger index) {
-    auto unitAt = [string](std::size_t place) { return string->characterAtIndex(static_cast<NSUInteger>(place)); };
+    auto unitAt = [string](std::size_t place) {
+        return string->characterAtIndex(static_cast<NSUInteger>(place));
+    };
     const Surroundings surroundings(unitAt, string->length());
     const auto start = static_cast<NSUInteger>(surroundings.startBefore(index));
     const auto end = static_cast<NSUInteger>(surroundings.endAfter(index + 1));

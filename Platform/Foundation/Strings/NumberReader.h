@@ -15,8 +15,8 @@
 
 namespace pelvor {
 
-/// Reads numbers at a place in a text, and moves the place behind them. Where there is no number, the place may have
-/// moved all the same.
+/// Reads numbers at a place in a text, and moves the place behind them. Where there is no number, the place
+/// may have moved all the same.
 class NumberReader {
   public:
     explicit NumberReader(std::u16string_view text, std::size_t place = 0) : _text(text), _place(place) {}
@@ -44,7 +44,8 @@ class NumberReader {
         return value;
     }
 
-    /// Hexadecimal digits, with or without "0x" before them; the greatest number of the type if they are too many.
+    /// Hexadecimal digits, with or without "0x" before them; the greatest number of the type if they are too
+    /// many.
     template <std::unsigned_integral T>
     std::optional<T> hexadecimal() {
         bool hasPrefix = peek() == u'0' && _place + 2 < _text.size() && (_text[_place + 1] | 0x20) == u'x' &&
@@ -106,8 +107,8 @@ class NumberReader {
         return digits;
     }
 
-    // Infinity for a number that is too large, 0 for a number that is too small. The place of the first digit other
-    // than 0 tells which.
+    // Infinity for a number that is too large, 0 for a number that is too small. The place of the first digit
+    // other than 0 tells which.
     template <class T>
     static T outOfRange(const std::string& digits) {
         std::size_t mark = std::min(digits.find('e'), digits.size());

@@ -107,8 +107,9 @@ std::u32string decomposed(Units text, bool folds) {
     return result;
 }
 
-// Whether a match may begin or end at the index: not inside a composed character. Each half of a line end CR LF is
-// found, for documents mix line ends, and so is a stem before the non-joiner that parts it from its ending.
+// Whether a match may begin or end at the index: not inside a composed character. Each half of a line end CR
+// LF is found, for documents mix line ends, and so is a stem before the non-joiner that parts it from its
+// ending.
 bool mayCutAt(Units text, std::size_t index) {
     constexpr char16_t kNonJoiner = 0x200C;
     if (index > 0 && index < text.size() &&
@@ -291,8 +292,8 @@ Units TextFinder::endOf(Units text, std::size_t size) const {
     return has(NSBackwardsSearch) ? text.substr(text.size() - size) : text.substr(0, size);
 }
 
-// Searches for equal units as long as these decide, in parts that grow: an equivalent match may be near where the next
-// plain match is far.
+// Searches for equal units as long as these decide, in parts that grow: an equivalent match may be near where
+// the next plain match is far.
 NSRange TextFinder::findByParts(Units text) const {
     std::size_t size = has(NSAnchoredSearch) ? _needle.size() + 1 : _needle.size() + 2048;
     while (true) {

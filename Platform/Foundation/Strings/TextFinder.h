@@ -12,9 +12,9 @@ namespace pelvor {
 
 class ActiveUnits;
 
-/// Finds one text, the needle, in others, as the options say: case-insensitive, literal, backwards, anchored. The needle
-/// must outlive the finder. Where the options allow it, equal units are looked for first; text that can be written in
-/// several ways is then searched by its decomposed characters.
+/// Finds one text, the needle, in others, as the options say: case-insensitive, literal, backwards, anchored.
+/// The needle must outlive the finder. Where the options allow it, equal units are looked for first; text
+/// that can be written in several ways is then searched by its decomposed characters.
 class TextFinder {
   public:
     TextFinder(std::u16string_view needle, NSStringCompareOptions options);

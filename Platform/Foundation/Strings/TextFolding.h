@@ -8,8 +8,9 @@
 
 namespace pelvor {
 
-/// The active units: they can make two unlike texts equivalent, or make the order of texts differ from the order of
-/// their units. Text without active units is equivalent only to itself, and may be cut anywhere between pairs.
+/// The active units: they can make two unlike texts equivalent, or make the order of texts differ from the
+/// order of their units. Text without active units is equivalent only to itself, and may be cut anywhere
+/// between pairs.
 class ActiveUnits {
   public:
     /// Units that composed text does not have, or that may join with the unit before them.

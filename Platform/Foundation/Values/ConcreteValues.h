@@ -22,7 +22,9 @@ class NSInlineValue final : public NSValue {
 
     const char* objCType() override { return _type; }
     void getValue(void* buffer) override { std::memcpy(buffer, span().data(), _size); }
-    std::span<const std::byte> span() PELVOR_LIFETIMEBOUND { return {reinterpret_cast<const std::byte*>(this + 1), _size}; }
+    std::span<const std::byte> span() PELVOR_LIFETIMEBOUND {
+        return {reinterpret_cast<const std::byte*>(this + 1), _size};
+    }
 
   protected:
     NSInlineValue(const char* type, std::size_t size) : _type(type), _size(size) {}

@@ -51,13 +51,13 @@ TEST(NSStringSearchTest, EquivalentSpellingsAreFoundAndComposedCharactersKeptWho
 }
 
 TEST(NSStringSearchTest, MatchesAreWholeComposedCharacters) {
-    expectFound(0, {"👩\u200D👩/👩 -> none",        // a person of a family
-                    "👩\u200D👩 👩/👩 -> 6 2",       //
-                    "👍🏽/👍 -> none",               // a hand without its colour
-                    "🇫🇷🇩🇪/🇷🇩 -> none",             // a flag of two other flags' halves
-                    "🇫🇷🇩🇪/🇩🇪 -> 4 4",              //
-                    "कि क/क -> 3 1",               // a consonant without its vowel
-                    "किताब/ताब -> 2 3",              //
+    expectFound(0, {"👩\u200D👩/👩 -> none",           // a person of a family
+                    "👩\u200D👩 👩/👩 -> 6 2",          //
+                    "👍🏽/👍 -> none",        // a hand without its colour
+                    "🇫🇷🇩🇪/🇷🇩 -> none",              // a flag of two other flags' halves
+                    "🇫🇷🇩🇪/🇩🇪 -> 4 4",               //
+                    "कि क/क -> 3 1",                // a consonant without its vowel
+                    "किताब/ताब -> 2 3",             //
                     "\u1100\u1161/\u1100 -> none",  // the first part of a syllable
                     "\n\u0301/\u0301 -> 1 1",       // a mark that nothing stands before
                     "\n\u0301/\n -> 0 1"});
@@ -112,7 +112,8 @@ TEST(NSStringSearchTest, AgreesWithTheObviousSearch) {
 std::u16string troublesomeText(std::mt19937& random, std::size_t longest) {
     const std::u16string_view pieces[] = {u"e",      u"é",      u"\u0301", u"\u0323", u"ẹ",  u"K",
                                           u"\u212A", u"k",      u"ß",      u"s",      u"가", u"\u1100",
-                                          u"\u1161", u"\u11A8", u"𝅗𝅥",     u"😀", u"\n",      u"\r", u"\u200D", u"\u200C", u"कि", u"क"};
+                                          u"\u1161", u"\u11A8", u"𝅗𝅥",     u"😀",      u"\n", u"\r",
+                                          u"\u200D", u"\u200C", u"कि",     u"क"};
     std::u16string text;
     for (std::size_t count = random() % longest; count > 0; --count)
         text += pieces[random() % std::size(pieces)];
@@ -132,8 +133,8 @@ TEST(NSStringSearchTest, TextIsTheSameExactlyWhereItsComposedFormsAre) {
     }
 }
 
-// The first range, in the order of its start and then of its end, that is the target in some spelling and does not
-// part a composed character.
+// The first range, in the order of its start and then of its end, that is the target in some spelling and
+// does not part a composed character.
 NSRange obviousRange(NSString* text, NSString* target) {
     NSUInteger count = text->length();
     auto parts = [&](NSUInteger place) {

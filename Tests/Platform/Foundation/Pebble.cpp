@@ -51,7 +51,8 @@ NSArray* numbers(std::initializer_list<int> values) {
 
 unichar SparseString::characterAtIndex(NSUInteger index) {
     if (index >= length())
-        raiseException(NSRangeException, u"characterAtIndex: index (%d) beyond bounds (%d)"_ns, index, length());
+        raiseException(NSRangeException, u"characterAtIndex: index (%d) beyond bounds (%d)"_ns, index,
+                       length());
     return text[index];
 }
 
