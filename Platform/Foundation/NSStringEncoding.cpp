@@ -127,7 +127,11 @@ std::optional<std::string> encodeUnits(std::u16string_view units, NSStringEncodi
     auto converter = makeConverter(encoding);
     if (!converter) return std::nullopt;
     auto bytes = converter->encode(units);
-    if (bytes || loss == EncodingLoss::refused) return bytes;
+    if (loss == EncodingLoss::refused) {
+        const bool isExact = bytes && (converter->isFaithful() || decodeBytes(*bytes, encoding) == units);
+        return isExact ? bytes : std::nullopt;
+    }
+    if (bytes) return bytes;
     return converter->encode(encodableText(units, *converter));
 }
 

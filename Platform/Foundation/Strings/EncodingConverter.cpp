@@ -277,6 +277,11 @@ class ICUConverter final : public EncodingConverter {
         if (!convert(units.data(), units.data() + units.size(), bytes, step)) return std::nullopt;
         return bytes;
     }
+    // These two of ICU's converters forget, now and then, which script they have switched to.
+    bool isFaithful() override {
+        const UConverterType type = ucnv_getType(_converter.get());
+        return type != UCNV_COMPOUND_TEXT && type != UCNV_ISCII;
+    }
     // ICU's own sets of what converters take are too large for some.
     bool canEncode(char32_t c) override {
         char16_t units[2];

@@ -22,6 +22,8 @@ class EncodingConverter {
     /// No value if the text does not fit the encoding.
     virtual std::optional<std::string> encode(std::u16string_view units) = 0;
     virtual bool canEncode(char32_t c) = 0;
+    /// Whether what `encode` returns is always decoded to the text that was encoded.
+    virtual bool isFaithful() { return true; }
     /// What stands in for what cannot be encoded.
     virtual char16_t substitute() { return canEncode(u'?') ? u'?' : u'\uFF1F'; }
 
