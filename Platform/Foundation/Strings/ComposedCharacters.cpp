@@ -14,7 +14,7 @@ namespace {
 // Whether the character is one by itself next to any other of the kind: letters, ideographs, whole syllables.
 // Halves of pairs are not.
 bool isPlainBase(char32_t c) {
-    if (c < 0x300) return c != U'\n' && c != U'\r';
+    if (c < 0x300) return true;
     if (U16_IS_SURROGATE(c)) return false;
     if ((c >= 0x3400 && c < 0xA000) || (c >= 0xAC00 && c < 0xD7A4)) return true;
     return u_getIntPropertyValue(static_cast<UChar32>(c), UCHAR_GRAPHEME_CLUSTER_BREAK) == U_GCB_OTHER;
@@ -38,20 +38,23 @@ class Surroundings {
 
   private:
     bool isPlainBound(std::size_t index) const {
-        return index == 0 || index == _count || (isPlainBase(before(index)) && isPlainBase(at(index)));
+        if (index == 0 || index == _count) return true;
+        const char32_t left = before(index), right = at(index);
+        // Nothing joins controls, line ends among them, but CR and LF each other.
+        if (left < 0x20 || right < 0x20) return left != U'\r' || right != U'\n';
+        return isPlainBase(left) && isPlainBase(right);
     }
-    // Where the index splits a pair, a half of it is returned, which is no plain base.
-    char32_t at(std::size_t index) const { return codePoint(index); }
-    char32_t before(std::size_t index) const {
-        char32_t unit = _unitAt(index - 1);
-        const bool isPair = index > 1 && U16_IS_TRAIL(unit) && U16_IS_LEAD(_unitAt(index - 2));
-        return isPair ? codePoint(index - 2) : unit;
-    }
-    char32_t codePoint(std::size_t index) const {
-        char32_t unit = _unitAt(index);
+    // Where the index splits a pair, these return a half of it, which is no plain base.
+    char32_t at(std::size_t index) const {
+        const char16_t unit = _unitAt(index);
         if (!U16_IS_LEAD(unit) || index + 1 == _count) return unit;
-        char32_t next = _unitAt(index + 1);
+        const char16_t next = _unitAt(index + 1);
         return U16_IS_TRAIL(next) ? static_cast<char32_t>(U16_GET_SUPPLEMENTARY(unit, next)) : unit;
+    }
+    char32_t before(std::size_t index) const {
+        const char16_t unit = _unitAt(index - 1);
+        const bool isPair = U16_IS_TRAIL(unit) && index > 1 && U16_IS_LEAD(_unitAt(index - 2));
+        return isPair ? at(index - 2) : unit;
     }
 
     UnitAt _unitAt;
