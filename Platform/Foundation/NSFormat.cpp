@@ -8,8 +8,8 @@
 #include <optional>
 
 #include "Foundation/NSString.h"
-#include "Shared/ArgumentChecks.h"
 #include "Runtime/NSException.h"
+#include "Shared/ArgumentChecks.h"
 #include "Shared/Codepoints.h"
 
 namespace pelvor {

@@ -6,8 +6,9 @@
 
 namespace pelvor {
 
-/// An immutable string like any other. The class has a method of its own for `stringByResolvingSymlinksInPath`,
-/// so that a host can replace it without replacing the method of other strings.
+/// An immutable string like any other. The class has a method of its own for
+/// `stringByResolvingSymlinksInPath`, so that a host can replace it without replacing the method of other
+/// strings.
 class PELVOR_EXPORT NSPathStore2 : public NSString, NSString::HiddenCreators {
     PELVOR_CLASS(NSPathStore2, NSString);
     PELVOR_CREATORS(of);

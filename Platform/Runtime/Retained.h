@@ -11,7 +11,8 @@
 
 namespace pelvor {
 
-/// An owned reference, or null: what "create", "copy", "new" and "init" operations return and what fields hold. There is no conversion from a bare pointer: say whether the count is taken over
+/// An owned reference, or null: what "create", "copy", "new" and "init" operations return and what fields
+/// hold. There is no conversion from a bare pointer: say whether the count is taken over
 /// (`adopting`) or one is added (`retaining`). An lvalue converts to a borrowed `T*`.
 template <class T>
 class [[nodiscard]] Retained {

@@ -7,16 +7,18 @@
 namespace {
 
 /// Each row holds what was raised and the message behind the exception's name.
-void expectMessages(const std::string& name, std::initializer_list<std::pair<std::string, std::string>> rows) {
+void expectMessages(const std::string& name,
+                    std::initializer_list<std::pair<std::string, std::string>> rows) {
     for (auto& [raised, message] : rows) EXPECT_EQ(raised, name + ": " + message);
 }
 
-TEST(StringChecksTest, IndexesAndRangesOutside) {
+TEST(NSStringArgumentsTest, IndexesAndRangesOutside) {
     for (NSString* s : everyKindOfString(u"abc")) {
         unichar room[4];
         const std::pair<std::string, std::string> rows[] = {
             {RAISED(s->characterAtIndex(3)), "characterAtIndex: index (3) beyond bounds (3)"},
-            {RAISED(s->getCharacters_range(room, {2, 2})), "getCharacters:range: range {2, 2} beyond bounds (3)"},
+            {RAISED(s->getCharacters_range(room, {2, 2})),
+             "getCharacters:range: range {2, 2} beyond bounds (3)"},
             {RAISED(s->getCharacters_range(room, {0xFFFFFFFF, 2})),
              "getCharacters:range: range {4294967295, 2} beyond bounds (3)"},
             {RAISED(s->substringFromIndex(4)), "substringFromIndex: index (4) beyond bounds (3)"},
@@ -27,7 +29,8 @@ TEST(StringChecksTest, IndexesAndRangesOutside) {
              "compare:options:range: range {3, 1} beyond bounds (3)"},
             {RAISED(s->rangeOfString_options_range(u"b"_ns, 0, {1, 0xFFFFFFFF})),
              "rangeOfString:options:range: range {1, 4294967295} beyond bounds (3)"},
-            {RAISED(s->rangeOfCharacterFromSet_options_range(NSCharacterSet::letterCharacterSet(), 0, {2, 2})),
+            {RAISED(
+                 s->rangeOfCharacterFromSet_options_range(NSCharacterSet::letterCharacterSet(), 0, {2, 2})),
              "rangeOfCharacterFromSet:options:range: range {2, 2} beyond bounds (3)"},
             {RAISED(s->rangeOfComposedCharacterSequenceAtIndex(3)),
              "rangeOfComposedCharacterSequenceAtIndex: index (3) beyond bounds (3)"},
@@ -40,7 +43,7 @@ TEST(StringChecksTest, IndexesAndRangesOutside) {
     }
 }
 
-TEST(StringChecksTest, NullWhereStringsAreMade) {
+TEST(NSStringArgumentsTest, NullWhereStringsAreMade) {
     expectMessages(
         NSInvalidArgumentException,
         {{RAISED(NSString::stringWithString(nullptr)), "stringWithString: the string is null"},
@@ -65,7 +68,8 @@ TEST(StringChecksTest, NullWhereStringsAreMade) {
          {RAISED(send<id>(NSString::classObject(), "initWithFormat:"_sel, nullptr)),
           "initWithFormat: the format is null"},
          {RAISED(NSString::pathWithComponents(nullptr)), "pathWithComponents: the array is null"},
-         {RAISED(NSString::pathWithComponents(numbers({7}))), "pathWithComponents: a component is no string: 7"},
+         {RAISED(NSString::pathWithComponents(numbers({7}))),
+          "pathWithComponents: a component is no string: 7"},
          {RAISED(NSMutableString::stringWithString(nullptr)), "stringWithString: the string is null"},
          {RAISED(NSMutableString::initWithCharacters_length(nullptr, 1)),
           "initWithCharacters:length: the characters must not be null where the length is 1"},
@@ -73,7 +77,7 @@ TEST(StringChecksTest, NullWhereStringsAreMade) {
          {RAISED(NSScanner::scannerWithString(nullptr)), "scannerWithString: the string is null"}});
 }
 
-TEST(StringChecksTest, NullWhereStringsAreRead) {
+TEST(NSStringArgumentsTest, NullWhereStringsAreRead) {
     NSString* s = u"abc"_ns;
     expectMessages(
         NSInvalidArgumentException,
@@ -81,8 +85,10 @@ TEST(StringChecksTest, NullWhereStringsAreRead) {
          {RAISED(s->getCharacters_range(nullptr, {0, 1})), "getCharacters:range: the buffer is null"},
          {RAISED(s->stringByAppendingString(nullptr)), "stringByAppendingString: the string is null"},
          {RAISED(s->stringByAppendingFormat(nullptr)), "stringByAppendingFormat: the format is null"},
-         {RAISED(s->componentsSeparatedByString(nullptr)), "componentsSeparatedByString: the separator is null"},
-         {RAISED(s->stringByTrimmingCharactersInSet(nullptr)), "stringByTrimmingCharactersInSet: the set is null"},
+         {RAISED(s->componentsSeparatedByString(nullptr)),
+          "componentsSeparatedByString: the separator is null"},
+         {RAISED(s->stringByTrimmingCharactersInSet(nullptr)),
+          "stringByTrimmingCharactersInSet: the set is null"},
          {RAISED(s->stringByReplacingOccurrencesOfString_withString(s, nullptr)),
           "stringByReplacingOccurrencesOfString:withString: the replacement is null"},
          {RAISED(s->stringByPaddingToLength_withString_startingAtIndex(9, nullptr, 0)),
@@ -114,29 +120,31 @@ TEST(StringChecksTest, NullWhereStringsAreRead) {
           "scanUpToCharactersFromSet:intoString: the set is null"}});
 }
 
-TEST(StringChecksTest, AMutableStringThatRefusesIsUnchanged) {
+TEST(NSStringArgumentsTest, AMutableStringThatRefusesIsUnchanged) {
     auto s = NSMutableString::initWithString(u"abc"_ns);
-    expectMessages(NSRangeException,
-                   {{RAISED(s->replaceCharactersInRange_withString({2, 2}, u"x"_ns)),
-                     "replaceCharactersInRange:withString: range {2, 2} beyond bounds (3)"},
-                    {RAISED(s->deleteCharactersInRange({1, 0xFFFFFFFF})),
-                     "deleteCharactersInRange: range {1, 4294967295} beyond bounds (3)"},
-                    {RAISED(s->insertString_atIndex(u"x"_ns, 4)), "insertString:atIndex: index (4) beyond bounds (3)"},
-                    {RAISED(s->replaceOccurrencesOfString_withString_options_range(u"b"_ns, u"c"_ns, 0, {3, 1})),
-                     "replaceOccurrencesOfString:withString:options:range: range {3, 1} beyond bounds (3)"}});
-    expectMessages(NSInvalidArgumentException,
-                   {{RAISED(s->replaceCharactersInRange_withString({0, 1}, nullptr)),
-                     "replaceCharactersInRange:withString: the string is null"},
-                    {RAISED(s->setString(nullptr)), "setString: the string is null"},
-                    {RAISED(s->appendString(nullptr)), "appendString: the string is null"},
-                    {RAISED(s->appendFormat(nullptr)), "appendFormat: the format is null"},
-                    {RAISED(s->appendCharacters_length(nullptr, 1)),
-                     "appendCharacters:length: the characters must not be null where the length is 1"},
-                    {RAISED(s->insertString_atIndex(nullptr, 0)), "insertString:atIndex: the string is null"}});
+    expectMessages(
+        NSRangeException,
+        {{RAISED(s->replaceCharactersInRange_withString({2, 2}, u"x"_ns)),
+          "replaceCharactersInRange:withString: range {2, 2} beyond bounds (3)"},
+         {RAISED(s->deleteCharactersInRange({1, 0xFFFFFFFF})),
+          "deleteCharactersInRange: range {1, 4294967295} beyond bounds (3)"},
+         {RAISED(s->insertString_atIndex(u"x"_ns, 4)), "insertString:atIndex: index (4) beyond bounds (3)"},
+         {RAISED(s->replaceOccurrencesOfString_withString_options_range(u"b"_ns, u"c"_ns, 0, {3, 1})),
+          "replaceOccurrencesOfString:withString:options:range: range {3, 1} beyond bounds (3)"}});
+    expectMessages(
+        NSInvalidArgumentException,
+        {{RAISED(s->replaceCharactersInRange_withString({0, 1}, nullptr)),
+          "replaceCharactersInRange:withString: the string is null"},
+         {RAISED(s->setString(nullptr)), "setString: the string is null"},
+         {RAISED(s->appendString(nullptr)), "appendString: the string is null"},
+         {RAISED(s->appendFormat(nullptr)), "appendFormat: the format is null"},
+         {RAISED(s->appendCharacters_length(nullptr, 1)),
+          "appendCharacters:length: the characters must not be null where the length is 1"},
+         {RAISED(s->insertString_atIndex(nullptr, 0)), "insertString:atIndex: the string is null"}});
     EXPECT_EQ(s->toUTF8(), "abc");
 }
 
-TEST(StringChecksTest, CharacterSets) {
+TEST(NSStringArgumentsTest, CharacterSets) {
     auto set = NSMutableCharacterSet::init();
     expectMessages(
         NSInvalidArgumentException,
@@ -152,7 +160,8 @@ TEST(StringChecksTest, CharacterSets) {
          {RAISED(set->removeCharactersInRange({0x110000, 1})),
           "removeCharactersInRange: range {1114112, 1} beyond the last code point"},
          {RAISED(set->addCharactersInString(nullptr)), "addCharactersInString: the string is null"},
-         {RAISED(set->formUnionWithCharacterSet(nullptr)), "formUnionWithCharacterSet: the other set is null"},
+         {RAISED(set->formUnionWithCharacterSet(nullptr)),
+          "formUnionWithCharacterSet: the other set is null"},
          {RAISED(set->formIntersectionWithCharacterSet(nullptr)),
           "formIntersectionWithCharacterSet: the other set is null"}});
 }
