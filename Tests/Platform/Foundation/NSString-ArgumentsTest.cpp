@@ -53,7 +53,8 @@ TEST(NSStringArgumentsTest, NullWhereStringsAreMade) {
          {RAISED(NSString::initWithCharacters_length(nullptr, 1)),
           "initWithCharacters:length: the characters must not be null where the length is 1"},
          {RAISED(NSString::initWithCharactersNoCopy_length_freeWhenDone(nullptr, 1, true)),
-          "initWithCharactersNoCopy:length:freeWhenDone: the characters must not be null where the length is 1"},
+          "initWithCharactersNoCopy:length:freeWhenDone: the characters must not be null where the length is "
+          "1"},
          {RAISED(NSString::stringWithUTF8String(nullptr)), "stringWithUTF8String: the text is null"},
          {RAISED(NSString::initWithUTF8String(nullptr)), "initWithUTF8String: the text is null"},
          {RAISED(NSString::stringWithCString_encoding(nullptr, NSUTF8StringEncoding)),
