@@ -72,7 +72,7 @@ class ElementReader {
         _count = _array->count();
     }
 
-    NSArray* _array;
+    Unretained<NSArray> _array;
     const std::uint32_t* _counter;
     std::uint32_t _seen;
     Object* const* _objects;

@@ -8,11 +8,11 @@
 #include <memory>
 
 #include "Foundation/NSMutableData.h"
-#include "Private/Base64Text.h"
 #include "Private/HexText.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
 #include "Shared/ArgumentChecks.h"
+#include "Shared/Base64.h"
 #include "Shared/SequenceSearch.h"
 
 namespace pelvor {

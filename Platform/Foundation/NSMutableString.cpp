@@ -175,6 +175,7 @@ void NSMutableString::setString(NSString* string) {
 
 void NSMutableString::appendString(NSString* string) {
     requireArgument(string, "appendString:", "the string");
+    requireTextLength(std::uint64_t{length()} + string->length(), "appendString:");
     replaceCharactersInRange_withString({length(), 0}, string);
 }
 
@@ -186,6 +187,7 @@ void NSMutableString::appendCharacters_length(const unichar* characters, NSUInte
 void NSMutableString::insertString_atIndex(NSString* string, NSUInteger index) {
     requireArgument(string, "insertString:atIndex:", "the string");
     requirePlace(index, length(), "insertString:atIndex:");
+    requireTextLength(std::uint64_t{length()} + string->length(), "insertString:atIndex:");
     replaceCharactersInRange_withString({index, 0}, string);
 }
 
@@ -278,8 +280,12 @@ void NSBufferString::getCharacters_range(unichar* buffer, NSRange range) { copyU
 
 void NSBufferString::replaceCharactersInRange_withString(NSRange range, NSString* string) {
     requireArgument(string, "replaceCharactersInRange:withString:", "the string");
+    requireRange(range, length(), "replaceCharactersInRange:withString:");
+    // Before the units are fetched: a string can be longer than memory.
+    requireTextLength(_units.size() - range.length + string->length(),
+                      "replaceCharactersInRange:withString:");
     StringUnits units(string);
-    replaceCharactersInRange_withUnits(range, units);
+    _units.replace(range.location, range.length, units);
 }
 
 void NSBufferString::replaceCharactersInRange_withUnits(NSRange range, std::u16string_view units) {

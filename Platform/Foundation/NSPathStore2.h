@@ -25,7 +25,7 @@ class PELVOR_EXPORT NSPathStore2 : public NSString, NSString::HiddenCreators {
     std::uintptr_t hash() override;
     Retained<Object> copyWithZone(void* zone) override;
 
-    NSString* stringByResolvingSymlinksInPath();
+    NSString* stringByResolvingSymlinksInPath() override;
 
   protected:
     explicit NSPathStore2(NSUInteger length) : _length(length) {}

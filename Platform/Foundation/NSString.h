@@ -236,7 +236,7 @@ class PELVOR_EXPORT NSString : public NSObject {
     /// component before it.
     NSString* stringByStandardizingPath();
     /// The standardized path with its symbolic links resolved, as far as the path exists.
-    NSString* stringByResolvingSymlinksInPath();
+    virtual NSString* stringByResolvingSymlinksInPath();
     /// The path as the file system takes it. It lives as long as the current autorelease pool.
     const char* fileSystemRepresentation();
 

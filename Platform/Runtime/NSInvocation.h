@@ -93,8 +93,8 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
     static constexpr std::uint32_t kInlineFrame = 64;
     static constexpr std::uint32_t kInlineResult = 16;
 
-    NSMethodSignature* _signature;
-    Object* _target;
+    Unretained<NSMethodSignature> _signature;
+    Unretained<Object> _target;  // owned once the arguments are retained
     SEL _selector;
     bool _retainsArguments = false;
     bool _holdsResult = false;

@@ -103,9 +103,9 @@ TEST(PBRepeatString, HasLengthsUpToTheLimit) {
     EXPECT_EQ(rangeOfCharacterAtIndex(halves, 0xFFFFFFFE), NSMakeRange(0xFFFFFFFE, 1)) << "half of a pair";
     auto text = NSMutableString::of(u"a");
     EXPECT_EQ(reasonOf(NSMallocException, [&] { text->appendString(longest); }),
-              "the text would be too long");
+              "appendString: a string cannot have 4294967296 units");
     EXPECT_EQ(reasonOf(NSMallocException, [&] { text->stringByAppendingString(longest); }),
-              "the text would be too long");
+              "stringByAppendingString: a string cannot have 4294967296 units");
     auto empty = PBRepeatString::initWithString_length(u""_ns, 2);
     EXPECT_EQ(empty->toUTF16() + empty->characterAtIndex(0), std::u16string(3, u'\0'));
     EXPECT_EQ(PBRepeatString::initWithString_repeatCount(u"-"_ns, 3)->toUTF16(), u"---");

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Private/Base64Text.h"
+#include "Shared/Base64.h"
 
 #include <algorithm>
-#include <array>
+#include <type_traits>
 
 #include "Shared/WideInstructions.h"
 #ifdef PELVOR_HAS_WIDE_FORMS
@@ -16,16 +16,17 @@ using Byte = std::uint8_t;
 
 constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-constexpr Byte kPadding = 64;
-constexpr Byte kForeign = 127;
+}  // namespace
 
-constexpr auto kValues = [] {
+constexpr std::array<Byte, 256> kBase64Values = [] {
     std::array<Byte, 256> values{};
-    values.fill(kForeign);
+    values.fill(kBase64Foreign);
     for (Byte i = 0; i < 64; ++i) values[static_cast<Byte>(kAlphabet[i])] = i;
-    values['='] = kPadding;
+    values['='] = kBase64Padding;
     return values;
 }();
+
+namespace {
 
 template <class Unit>
 Unit* writeTail(std::span<const Byte> tail, Unit* text) {
@@ -131,21 +132,29 @@ std::size_t readWide(std::u16string_view, Byte*) { return 0; }
 
 #endif
 
-// Reads groups without padding, and returns how many characters that were.
-std::size_t readGroups(std::u16string_view text, Byte* bytes) {
-    std::size_t i = usesWideInstructions() ? readWide(text, bytes) : 0;
-    bytes += i / 4 * 3;
+// Reads groups without padding, from the character at `start` on, and returns where they end.
+template <class Char>
+std::size_t readGroups(std::basic_string_view<Char> text, std::size_t start, Byte* bytes) {
+    std::size_t i = start;
     for (; i + 4 <= text.size(); i += 4) {
-        const char16_t* next = text.data() + i;
-        if ((next[0] | next[1] | next[2] | next[3]) >= 0x80) break;
-        unsigned a = kValues[next[0]], b = kValues[next[1]], c = kValues[next[2]], d = kValues[next[3]];
-        if ((a | b | c | d) >= kPadding) break;
-        unsigned group = a << 18 | b << 12 | c << 6 | d;
+        unsigned values[4], all = 0;
+        for (int k = 0; k < 4; ++k) {
+            auto unit = static_cast<std::make_unsigned_t<Char>>(text[i + k]);
+            values[k] = unit < 256 ? kBase64Values[unit] : kBase64Foreign;
+            all |= values[k];
+        }
+        if (all >= kBase64Padding) break;
+        unsigned group = values[0] << 18 | values[1] << 12 | values[2] << 6 | values[3];
         *bytes++ = static_cast<Byte>(group >> 16);
         *bytes++ = static_cast<Byte>(group >> 8);
         *bytes++ = static_cast<Byte>(group);
     }
     return i;
+}
+
+std::size_t readUnitGroups(std::u16string_view text, Byte* bytes) {
+    std::size_t start = usesWideInstructions() ? readWide(text, bytes) : 0;
+    return readGroups(text, start, bytes + start / 4 * 3);
 }
 
 template <class Unit>
@@ -161,6 +170,10 @@ Unit* write(std::span<const Byte> bytes, Unit* text) {
 
 }  // namespace
 
+std::size_t readBase64Groups(std::string_view text, std::uint8_t* bytes) {
+    return readGroups(text, 0, bytes);
+}
+
 std::uint8_t* writeBase64(std::span<const std::uint8_t> bytes, std::uint8_t* text) {
     return write(bytes, text);
 }
@@ -170,7 +183,7 @@ char16_t* writeBase64(std::span<const std::uint8_t> bytes, char16_t* text) { ret
 bool Base64Reader::read(std::u16string_view text) {
     while (!text.empty() && !_isPadded) {
         if (_count == 0) {
-            std::size_t size = readGroups(text, _bytes);
+            std::size_t size = readUnitGroups(text, _bytes);
             _bytes += size / 4 * 3;
             text.remove_prefix(size);
             if (text.empty()) return true;
@@ -178,8 +191,8 @@ bool Base64Reader::read(std::u16string_view text) {
         char16_t unit = text.front();
         text.remove_prefix(1);
         if (unit >= 0x80) return false;
-        if (kValues[unit] == kForeign) continue;
-        _group[_count++] = kValues[unit];
+        if (kBase64Values[unit] == kBase64Foreign) continue;
+        _group[_count++] = kBase64Values[unit];
         if (_count == 4) finishGroup();
     }
     return std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < 0x80; });
@@ -188,12 +201,12 @@ bool Base64Reader::read(std::u16string_view text) {
 void Base64Reader::finishGroup() {
     auto [a, b, c, d] = _group;
     _count = 0;
-    _isPadded = a == kPadding || b == kPadding || c == kPadding || d == kPadding;
-    if (a == kPadding || b == kPadding) return;
+    _isPadded = a == kBase64Padding || b == kBase64Padding || c == kBase64Padding || d == kBase64Padding;
+    if (a == kBase64Padding || b == kBase64Padding) return;
     *_bytes++ = static_cast<Byte>(a << 2 | b >> 4);
-    if (c == kPadding) return;
+    if (c == kBase64Padding) return;
     *_bytes++ = static_cast<Byte>(b << 4 | c >> 2);
-    if (d != kPadding) *_bytes++ = static_cast<Byte>(c << 6 | d);
+    if (d != kBase64Padding) *_bytes++ = static_cast<Byte>(c << 6 | d);
 }
 
 }  // namespace pelvor

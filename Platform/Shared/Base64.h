@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// Base64 between bytes and text, a block at a time; for this library's own sources.
+// Base64 between bytes and text, a block at a time.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -17,6 +18,17 @@ constexpr std::size_t base64LengthOf(std::size_t byteCount) { return (byteCount 
 /// Writes the text of the bytes, with padding, and returns the place behind the text.
 PELVOR_EXPORT std::uint8_t* writeBase64(std::span<const std::uint8_t> bytes, std::uint8_t* text);
 PELVOR_EXPORT char16_t* writeBase64(std::span<const std::uint8_t> bytes, char16_t* text);
+
+// What a character means, other than the digits 0 to 63.
+inline constexpr std::uint8_t kBase64Padding = 64;
+inline constexpr std::uint8_t kBase64Foreign = 127;
+
+/// The meaning of each character below U+0100.
+extern PELVOR_EXPORT const std::array<std::uint8_t, 256> kBase64Values;
+
+/// Decodes groups of four digits up to the first group with another character, and returns how many
+/// characters these groups have. `bytes` may be the text itself.
+std::size_t readBase64Groups(std::string_view text, std::uint8_t* bytes);
 
 /// Reads text that comes in pieces. What is neither in the alphabet nor padding is passed over, and so is
 /// everything after a group with padding.
