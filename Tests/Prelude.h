@@ -128,6 +128,11 @@ class LogLines {
     LogSinkScope _scope{[this](const LogEntry& entry) { lines.emplace_back(entry.text); }};
 };
 
+/// What calls the function when its last copy ends.
+inline std::shared_ptr<void> atEnd(std::function<void()> call) {
+    return {nullptr, [call = std::move(call)](void*) { call(); }};
+}
+
 /// Keeps the notifications that it hears from the default centre while it lives, and does what it is told.
 class Listener : public NSObject {
     PELVOR_CLASS(Listener, NSObject);
@@ -135,13 +140,16 @@ class Listener : public NSObject {
   public:
     /// From that sender, or from any.
     static Retained<Listener> to(NSString* name, Object* sender = nullptr);
+    /// One that hands what it hears to the task, and keeps nothing.
+    static Retained<Listener> doing(std::function<void(id)> task);
     void listen(NSString* name, Object* sender);
-    void hear(NSNotification* notification);
+    void hear(id what);
     /// How many it heard since it was asked last.
     std::size_t takeCount() { return std::exchange(heard, {}).size(); }
 
     std::vector<Retained<NSNotification>> heard;
     std::function<void()> reaction;
+    std::function<void(id)> task;
 
   protected:
     ~Listener() { NSNotificationCenter::defaultCenter()->removeObserver(this); }

@@ -17,11 +17,12 @@ class TemporaryFolder {
     TemporaryFolder() {
         std::string name = std::filesystem::temp_directory_path() / "PelvorXXXXXX";
         if (!mkdtemp(name.data())) std::abort();
-        _path = name;
+        _path = std::filesystem::canonical(name);
     }
     ~TemporaryFolder() { std::filesystem::remove_all(_path); }
     TemporaryFolder(const TemporaryFolder&) = delete;
 
+    const std::filesystem::path& path() const { return _path; }
     std::string path(const std::string& name) const { return _path / name; }
     /// Writes a file, with the folders that its name has, and answers its path.
     std::string write(const std::string& name, const std::string& content) const {

@@ -17,12 +17,19 @@ Retained<Listener> Listener::to(NSString* name, Object* sender) {
     return listener;
 }
 
+Retained<Listener> Listener::doing(std::function<void(id)> task) {
+    auto listener = make<Listener>();
+    listener->task = std::move(task);
+    return listener;
+}
+
 void Listener::listen(NSString* name, Object* sender) {
     NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(this, "hear:"_sel, name, sender);
 }
 
-void Listener::hear(NSNotification* notification) {
-    heard.push_back(Retained<NSNotification>::retaining(notification));
+void Listener::hear(id what) {
+    if (auto own = task) return own(what);  // a copy, since the task may end the listener
+    heard.push_back(Retained<NSNotification>::retaining(static_cast<NSNotification*>(what)));
     if (reaction) reaction();
 }
 

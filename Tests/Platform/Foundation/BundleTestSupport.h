@@ -2,44 +2,44 @@
 // Bundles made for one test.
 #pragma once
 
-#include <filesystem>
 #include <optional>
 
 #include "Foundation/NSBundle.h"
 #include "Prelude.h"
+#include "TemporaryFolder.h"
 
 namespace pelvor::testing {
 
 namespace fs = std::filesystem;
 
-/// A folder that goes with the object, and bundles in it.
-class BundleFolder {
-  public:
-    BundleFolder();
-    ~BundleFolder();
-    BundleFolder(const BundleFolder&) = delete;
-    BundleFolder& operator=(const BundleFolder&) = delete;
-
-    const fs::path& path() const { return _path; }
-    /// Writes the file, below the folder, with the folders that lead to it.
-    fs::path write(const fs::path& file, const std::string& content) const;
-    /// A bundle with an Info.plist of these texts, and its folder Contents.
-    fs::path makeBundle(const fs::path& name,
-                        std::initializer_list<std::pair<std::string, std::string>> information) const;
-
-  private:
-    fs::path _path;
-};
-
-/// An XML property list with this inside.
-std::string propertyList(const std::string& inside);
-std::string contentOf(const fs::path& file);
-NSString* stringOf(const fs::path& path);
-NSBundle* bundleAt(const fs::path& path);
+inline NSString* stringOf(const fs::path& path) { return NSString::ofUTF8(path.string()); }
+inline NSBundle* bundleAt(const fs::path& path) { return NSBundle::bundleWithPath(stringOf(path)); }
 
 /// The plug-in of that name in the build folder, and its code.
-fs::path testPlugIn(const std::string& name);
-fs::path testPlugInCode(const std::string& name);
+inline fs::path testPlugIn(const std::string& name) {
+    return fs::path(PELVOR_TEST_PLUGINS) / (name + ".bundle");
+}
+inline fs::path testPlugInCode(const std::string& name) {
+    return testPlugIn(name) / "Contents/Linux" / (name + ".so");
+}
+
+/// An XML property list with this inside.
+inline std::string propertyList(const std::string& inside) {
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">" + inside + "</plist>\n";
+}
+
+/// A folder that goes with the object, and bundles in it.
+struct BundleFolder : TemporaryFolder {
+    /// A bundle with an Info.plist of these texts, and its folder Contents.
+    fs::path makeBundle(const std::string& name,
+                        std::initializer_list<std::pair<std::string, std::string>> information = {}) const {
+        std::string entries;
+        for (const auto& [key, value] : information)
+            entries += "<key>" + key + "</key><string>" + value + "</string>";
+        write(name + "/Contents/Info.plist", propertyList("<dict>" + entries + "</dict>"));
+        return path() / name;
+    }
+};
 
 /// Gives an environment variable another value for a scope.
 class EnvironmentScope {
@@ -51,7 +51,6 @@ class EnvironmentScope {
     }
     ~EnvironmentScope() { set(_before ? _before->c_str() : nullptr); }
     EnvironmentScope(const EnvironmentScope&) = delete;
-    EnvironmentScope& operator=(const EnvironmentScope&) = delete;
 
   private:
     void set(const char* value) { value ? setenv(_name, value, 1) : unsetenv(_name); }

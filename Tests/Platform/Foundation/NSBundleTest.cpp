@@ -31,14 +31,13 @@ TEST_F(NSBundleTest, APlainProgramHasItsFolderAsTheMainBundle) {
 }
 
 TEST_F(NSBundleTest, AFolderHasOneBundleWhateverItIsCalled) {
-    fs::path path = folder.makeBundle("A.bundle", {});
+    fs::path path = folder.makeBundle("A.bundle");
     auto* bundle = bundleAt(path);
-    ASSERT_TRUE(bundle);
     fs::create_symlink(path, folder.path() / "Link.bundle");
     for (fs::path alias : {folder.path() / "Link.bundle", path / "", path / "Contents/.."})
         EXPECT_EQ(bundleAt(alias), bundle) << alias;
     EXPECT_EQ(NSBundle::initWithPath(stringOf(path)).get(), bundle);
-    EXPECT_EQ(shown(bundle->bundlePath()), path);
+    EXPECT_EQ(shown(bundle ? bundle->bundlePath() : nullptr), path);
     for (fs::path none : {folder.path() / "None.bundle", path / "Contents/Info.plist", fs::path()})
         EXPECT_EQ(bundleAt(none), nullptr) << none;
     EXPECT_EQ(NSBundle::bundleWithPath(nullptr), nullptr);
@@ -59,9 +58,9 @@ TEST_F(NSBundleTest, BundlesAreListedInTheOrderInWhichTheyWereAskedFor) {
     auto* registered = NSBundle::registerFramework(stringOf(folder.path() / "Plain"));
     EXPECT_TRUE(added(NSBundle::allBundles(), bundlesBefore)->isEqual(NSArray::of({b, a})));
     EXPECT_TRUE(added(NSBundle::allFrameworks(), frameworksBefore)->isEqual(NSArray::of({f, registered})));
-    EXPECT_EQ(NSBundle::bundleWithIdentifier(u"test.list.a"_ns), a);
-    EXPECT_EQ(NSBundle::bundleWithIdentifier(u"test.list.f"_ns), f);
-    EXPECT_EQ(NSBundle::bundleWithIdentifier(u"test.list.c"_ns), nullptr);
+    for (auto [identifier, bundle] :
+         {std::pair{u"test.list.a"_ns, a}, {u"test.list.f"_ns, f}, {u"x"_ns, nullptr}})
+        EXPECT_EQ(NSBundle::bundleWithIdentifier(identifier), bundle) << identifier;
     EXPECT_EQ(NSBundle::registerFramework(u"/no/such/folder"_ns), nullptr);
 }
 
@@ -81,48 +80,46 @@ TEST_F(NSBundleTest, AFolderOfBundlesIsReadInTheOrderOfNames) {
 }
 
 TEST_F(NSBundleTest, InformationIsReadFromTheFolder) {
-    auto* bundle = bundleAt(folder.makeBundle(
-        "A.bundle",
-        {{"CFBundleIdentifier", "test.info"}, {"CFBundleExecutable", "A.so"}, {"Colour", "red"}}));
-    folder.write("A.bundle/Contents/Resources/en.lproj/InfoPlist.strings", "\"Colour\" = \"crimson\";");
-    fs::path contents = folder.path() / "A.bundle/Contents";
-    EXPECT_EQ(
-        names(NSArray::of({bundle->executablePath(), bundle->resourcePath(), bundle->builtInPlugInsPath()}),
-              contents),
-        "Linux/A.so, Resources, PlugIns");
-    EXPECT_EQ(shown(bundle->bundleIdentifier(), bundle->infoDictionary()->objectForKey(u"Colour"_ns)),
-              "test.info red");
+    fs::path path = folder.makeBundle(
+        "A.bundle", {{"CFBundleIdentifier", "test.A"}, {"CFBundleExecutable", "A.so"}, {"Colour", "red"}});
+    folder.write("A.bundle/Contents/Resources/en.lproj/InfoPlist.strings", "Colour = crimson;");
+    auto* bundle = bundleAt(path);
+    NSArray* paths =
+        NSArray::of({bundle->executablePath(), bundle->resourcePath(), bundle->builtInPlugInsPath()});
+    EXPECT_EQ(names(paths, path / "Contents"), "Linux/A.so, Resources, PlugIns");
     auto information = [&](NSString* key) { return bundle->objectForInfoDictionaryKey(key); };
     EXPECT_EQ(
-        shown(information(u"Colour"_ns), information(u"CFBundleIdentifier"_ns), information(u"Shape"_ns)),
-        "crimson test.info (null)");
-    auto* bare = bundleAt(folder.makeBundle("Bare.bundle", {}));
+        shown(bundle->bundleIdentifier(), bundle->infoDictionary()->objectForKey(u"Colour"_ns),
+              information(u"Colour"_ns), information(u"CFBundleIdentifier"_ns), information(u"Shape"_ns)),
+        "test.A red crimson test.A (null)");
+    auto* bare = bundleAt(folder.makeBundle("Bare.bundle"));
     EXPECT_EQ(shown(bare->localizedInfoDictionary(), bare->executablePath()), "(null) (null)");
 }
 
 TEST_F(NSBundleTest, ResourcesAreFoundByNameTypeFolderAndLanguage) {
-    fs::path bundlePath = folder.makeBundle("A.bundle", {});
-    fs::path resources = bundlePath / "Contents/Resources";
+    fs::path path = folder.makeBundle("A.bundle"), resources = path / "Contents/Resources";
     for (const char* file :
          {"Pages.plist", "b.png", "a.png", "Sub/c.png", "Sub/a.tar.gz", "de.lproj/Pages.plist",
           "de.lproj/d.png", "de.lproj/b.png", "fr.lproj/f.png", "en.lproj/Sub/e.png"})
         folder.write(resources / file, "");
-    auto* bundle = bundleAt(bundlePath);
+    auto* bundle = bundleAt(path);
     LanguageScope languages("de:en");
-    auto found = [&](NSString* name, NSString* type, NSString* subfolder = nullptr) {
-        NSString* path = bundle->pathForResource_ofType_inDirectory(name, type, subfolder);
-        return path ? names(NSArray::of({path}), resources) : "none";
-    };
-    EXPECT_EQ(found(u"Pages"_ns, u"plist"_ns), "Pages.plist");
-    EXPECT_EQ(found(u"Pages.plist"_ns, nullptr), "Pages.plist");
-    EXPECT_EQ(found(u"Pages.plist"_ns, u""_ns, u""_ns), "Pages.plist");
-    EXPECT_EQ(found(u"Pages"_ns, u".plist"_ns), "Pages.plist");
-    EXPECT_EQ(found(u"d"_ns, u"png"_ns), "de.lproj/d.png");
-    EXPECT_EQ(found(u"e"_ns, u"png"_ns, u"Sub"_ns), "en.lproj/Sub/e.png");
-    EXPECT_EQ(found(u"a"_ns, u"tar.gz"_ns, u"Sub"_ns), "Sub/a.tar.gz");
-    EXPECT_EQ(found(nullptr, u"png"_ns), "a.png");
-    EXPECT_EQ(joined({found(u"f"_ns, u"png"_ns), found(u"/etc/passwd"_ns, nullptr), found(nullptr, nullptr)}),
-              "none, none, none");
+    // Name, type and folder; "-" is null.
+    expectAll({"Pages|plist|- -> Pages.plist", "Pages.plist|-|- -> Pages.plist",
+               "Pages.plist|| -> Pages.plist", "Pages|.plist|- -> Pages.plist", "d|png|- -> de.lproj/d.png",
+               "e|png|Sub -> en.lproj/Sub/e.png", "a|tar.gz|Sub -> Sub/a.tar.gz", "-|png|- -> a.png",
+               "f|png|- -> ", "/etc/passwd|-|- -> ", "-|-|- -> "},
+              [&](const std::string& row) {
+                  std::istringstream parts(row + "|");
+                  NSString* values[3];
+                  for (NSString*& value : values) {
+                      std::string text;
+                      std::getline(parts, text, '|');
+                      value = text == "-" ? nullptr : NSString::ofUTF8(text);
+                  }
+                  id found = bundle->pathForResource_ofType_inDirectory(values[0], values[1], values[2]);
+                  return found ? names(NSArray::of({found}), resources) : "";
+              });
     NSString* french =
         bundle->pathForResource_ofType_inDirectory_forLocalization(u"f"_ns, u"png"_ns, nullptr, u"fr"_ns);
     EXPECT_EQ(shown(french), resources / "fr.lproj/f.png");
@@ -134,20 +131,18 @@ TEST_F(NSBundleTest, ResourcesAreFoundByNameTypeFolderAndLanguage) {
 
 TEST_F(NSBundleTest, AFolderWithoutContentsIsABundleAsWell) {
     folder.write("Flat/Info.plist", "{ CFBundleIdentifier = flat; }");
-    folder.write("Flat/picture.png", "");
+    const std::string picture = folder.write("Flat/picture.png", "");
     auto* bundle = bundleAt(folder.path() / "Flat");
-    EXPECT_EQ(shown(bundle->bundleIdentifier()), "flat");
-    EXPECT_EQ(shown(bundle->pathForResource_ofType(u"picture"_ns, u"png"_ns)),
-              folder.path() / "Flat/picture.png");
+    EXPECT_EQ(shown(bundle->bundleIdentifier(), bundle->pathForResource_ofType(u"picture"_ns, u"png"_ns)),
+              "flat " + picture);
 }
 
 // MARK: Classes
 
 TEST_F(NSBundleTest, ClassesOfTheProgramAndItsLibrariesAreTheMainBundles) {
     auto* main = NSBundle::mainBundle();
-    EXPECT_EQ(NSBundle::bundleForClass(NSBundle::classObject()), main);
-    EXPECT_EQ(NSBundle::bundleForClass(Class::createSubclass("MadeForBundles", NSObject::classObject())),
-              main);
+    Class* made = Class::createSubclass("MadeForBundles", NSObject::classObject());
+    for (Class* cls : {NSBundle::classObject(), made}) EXPECT_EQ(NSBundle::bundleForClass(cls), main);
     EXPECT_EQ(NSBundle::bundleForClass(nullptr), nullptr);
     EXPECT_EQ(main->classNamed(u"NSBundle"_ns), NSBundle::classObject());
     EXPECT_EQ(main->classNamed(u"NoSuchClass"_ns), nullptr);
@@ -165,9 +160,8 @@ TEST_F(NSBundleTest, ClassesOfAFrameworksLibraryAreTheFrameworks) {
     fs::path path = folder.makeBundle("Frames.framework", {{"CFBundleIdentifier", "test.frames"}});
     auto* framework = NSBundle::registerFramework_library(stringOf(path), frameworkLibrary);
     EXPECT_TRUE(framework->isLoaded());
-    EXPECT_EQ(NSBundle::bundleForClass(Frame::classObject()), framework);
-    EXPECT_EQ(NSBundle::bundleForClass(Class::createSubclass("RuntimeFrame", Frame::classObject())),
-              framework);
+    Class* made = Class::createSubclass("RuntimeFrame", Frame::classObject());
+    for (Class* cls : {Frame::classObject(), made}) EXPECT_EQ(NSBundle::bundleForClass(cls), framework);
     EXPECT_EQ(framework->principalClass(), Frame::classObject());
     EXPECT_EQ(framework->classNamed(u"NSBundle"_ns), nullptr);
 }
@@ -217,14 +211,14 @@ TEST(NSBundleDeathTest, SetUpResolvesPathsByTheMethodOfTheMoment) {
 void touchedTooEarly(Class*) { std::exit(3); }
 
 TEST(NSBundleDeathTest, EveryUseOfBundlesProvokesTheirSetUp) {
-    NSBundle* (*const uses[])() = {
-        [] { return NSBundle::mainBundle(); },
-        [] { return NSBundle::bundleWithPath(u"/tmp"_ns); },
-        [] { return NSBundle::bundleForClass(NSString::classObject()); },
-        [] { return NSBundle::bundleWithIdentifier(u"any"_ns); },
-        [] { return static_cast<NSBundle*>(NSBundle::allBundles()->lastObject()); },
-        [] { return static_cast<NSBundle*>(NSBundle::allFrameworks()->lastObject()); },
-        [] { return send<NSBundle*>(NSBundle::classObject(), "mainBundle"_sel); },
+    void (*const uses[])() = {
+        [] { NSBundle::mainBundle(); },
+        [] { NSBundle::bundleWithPath(u"/tmp"_ns); },
+        [] { NSBundle::bundleForClass(NSString::classObject()); },
+        [] { NSBundle::bundleWithIdentifier(u"any"_ns); },
+        [] { NSBundle::allBundles(); },
+        [] { NSBundle::allFrameworks(); },
+        [] { send<NSBundle*>(NSBundle::classObject(), "mainBundle"_sel); },
     };
     auto provoke = [](auto use) {
         registerLibrary(*NSBundle::classObject()->library());

@@ -14,9 +14,7 @@ using Arrays = NSArray_PropertyList;
 class PropertyListFiles : public ::testing::Test {
   protected:
     NSString* path(const char* name) { return stringOf(folder.path() / name); }
-    NSString* file(const char* name, const std::string& content) {
-        return stringOf(folder.write(name, content));
-    }
+    NSString* file(const char* name, std::string text) { return stringOf(folder.write(name, text)); }
 
     BundleFolder folder;
 };
@@ -41,13 +39,12 @@ TEST_F(PropertyListFiles, ThatAreMissingDamagedOrOfAnotherKindGiveNone) {
 }
 
 TEST_F(PropertyListFiles, GiveMutableClassesMutableLists) {
-    auto readAs = [name = file("x", "{ a = (b); }")](Class* cls) {
-        return send<NSDictionary*>(cls, "dictionaryWithContentsOfFile:"_sel, name);
-    };
-    auto* dictionary = cast<NSMutableDictionary>(readAs(NSMutableDictionary::classObject()));
-    ASSERT_TRUE(dictionary);
-    EXPECT_TRUE(cast<NSMutableArray>(dictionary->objectForKey(u"a"_ns)));
-    EXPECT_FALSE(cast<NSMutableDictionary>(readAs(NSDictionary::classObject())));
+    for (Class* cls : {NSDictionary::classObject(), NSMutableDictionary::classObject()}) {
+        const bool isMutable = cls == NSMutableDictionary::classObject();
+        auto* list = send<NSDictionary*>(cls, "dictionaryWithContentsOfFile:"_sel, file("x", "{ a = (b); }"));
+        EXPECT_EQ(cast<NSMutableDictionary>(list) != nullptr, isMutable);
+        EXPECT_EQ(cast<NSMutableArray>(list->objectForKey(u"a"_ns)) != nullptr, isMutable);
+    }
 }
 
 TEST_F(PropertyListFiles, AreWrittenAsAWholeOrNotAtAll) {

@@ -6,6 +6,7 @@
 
 #include "Foundation/NSMutableData.h"
 #include "Foundation/PropertyListLimits.h"
+#include "Platform/Foundation/Pebble.h"
 #include "Platform/Foundation/PropertyListSamples.h"
 
 namespace {
@@ -20,23 +21,23 @@ bool isValid(id list, NSPropertyListFormat format) {
 
 // MARK: There and back
 
-TEST_P(PropertyListFormats, KeepEveryValue) {
-    NSDictionary* list = richList();
-    std::string bytes = written(list, GetParam());
-    Reading reading = read(bytes);
-    ASSERT_TRUE(reading.list) << reading.error;
-    EXPECT_EQ(reading.format, GetParam());
-    for (auto [key, value] : list) {
-        id same = cast<NSDictionary>(reading.list)->objectForKey(key);
-        EXPECT_TRUE(value->isEqual(same)) << key << ": " << value << " became " << same;
+TEST_P(PropertyListFormats, KeepEveryValueAndRootsOfEveryKind) {
+    NSMutableArray* roots =
+        NSMutableArray::of({u"text"_ns, num(7), sampleData(5), NSArray::array(), richList(),
+                            NSDate::dateWithTimeIntervalSinceReferenceDate(60)});
+    roots->addObjectsFromArray(richList()->allValues());
+    for (id root : roots) {
+        std::string bytes = written(root, GetParam());
+        Reading reading = read(bytes);
+        EXPECT_TRUE(root->isEqual(reading.list)) << root << " became " << reading.list << reading.error;
+        EXPECT_EQ(reading.format, GetParam());
+        EXPECT_EQ(written(reading.list, GetParam()), bytes);
     }
-    EXPECT_EQ(written(reading.list, GetParam()), bytes);
 }
 
 TEST_P(PropertyListFormats, KeepWhatKindANumberIs) {
     auto real = &NSNumber::numberWithDouble;
-    id list = NSArray::of({NSNumber::numberWithBool(true), NSNumber::numberWithInt(1), real(1),
-                           real(std::nan("")), real(-0.0)});
+    id list = NSArray::of({NSNumber::numberWithBool(true), num(1), real(1), real(NAN), real(-0.0)});
     auto* numbers = cast<NSArray>(listOf(written(list, GetParam())));
     auto number = [&](NSUInteger index) { return cast<NSNumber>(numbers->objectAtIndex(index)); };
     EXPECT_EQ(shown(number(0)->isBoolean(), number(1)->objCType(), number(2)->objCType()), "1 q d");
@@ -48,18 +49,11 @@ TEST_P(PropertyListFormats, AreTheSameForEqualLists) {
               written(listOf("{\"\\U00E4\" = 3; b = 1;}"), GetParam()));
 }
 
-TEST_P(PropertyListFormats, KeepRootsOfEveryKind) {
-    for (id root : {id(u"text"_ns), id(NSNumber::numberWithInt(7)), id(sampleData(5)), id(NSArray::array()),
-                    id(NSDate::dateWithTimeIntervalSinceReferenceDate(60))})
-        EXPECT_TRUE(root->isEqual(listOf(written(root, GetParam())))) << root;
-}
-
 TEST(PropertyLists, AreWrittenAsXMLInTheUsualForm) {
-    NSDictionary* list =
-        NSDictionary::of({{u"b"_ns, NSArray::of({NSNumber::numberWithInt(-5), sampleData(3)})},
-                          {u"a<"_ns, u"\r&"_ns},
-                          {u"c"_ns, NSDictionary::dictionary()},
-                          {u"d"_ns, NSDate::dateWithTimeIntervalSinceReferenceDate(3.75)}});
+    NSDictionary* list = NSDictionary::of({{u"b"_ns, NSArray::of({num(-5), sampleData(3)})},
+                                           {u"a<"_ns, u"\r&"_ns},
+                                           {u"c"_ns, NSDictionary::dictionary()},
+                                           {u"d"_ns, NSDate::dateWithTimeIntervalSinceReferenceDate(3.75)}});
     EXPECT_EQ(written(list), document("<dict>\n"
                                       "\t<key>a&lt;</key>\n\t<string>&#13;&amp;</string>\n"
                                       "\t<key>b</key>\n\t<array>\n\t\t<integer>-5</integer>\n"
@@ -107,9 +101,11 @@ TEST_P(PropertyListFormats, RefuseForeignObjectsByClassAndPlace) {
     EXPECT_EQ(written(list, GetParam()),
               "refused: at styles.1.x: an object of class NSNull has no place in a property list");
     EXPECT_FALSE(isValid(list, GetParam()));
-    id numbered = NSArray::of({NSDictionary::of({{NSNumber::numberWithInt(1), u"x"_ns}})});
+    id numbered = NSArray::of({NSDictionary::of({{num(1), u"x"_ns}})});
     EXPECT_EQ(written(numbered, GetParam()), "refused: at 0: a key of class NSNumber is no string");
     EXPECT_EQ(written(nullptr, GetParam()), "refused: the object is null");
+    EXPECT_THAT(written(u"the old style"_ns, kOldStyle), StartsWith("refused: "));
+    EXPECT_FALSE(isValid(u"the old style"_ns, kOldStyle));
 }
 
 TEST(PropertyLists, RefuseAsXMLWhatXMLCannotHold) {
@@ -133,11 +129,6 @@ TEST(PropertyLists, RefuseMomentsThatNoDateTells) {
     }
 }
 
-TEST(PropertyLists, AreNotWrittenInTheOldStyle) {
-    EXPECT_THAT(written(u"x"_ns, kOldStyle), StartsWith("refused: "));
-    EXPECT_FALSE(isValid(u"x"_ns, kOldStyle));
-}
-
 // MARK: Depth
 
 std::string nestedText(unsigned depth, NSPropertyListFormat format) {
@@ -145,31 +136,30 @@ std::string nestedText(unsigned depth, NSPropertyListFormat format) {
     return document(repeated("<array>", depth) + repeated("</array>", depth));
 }
 
-TEST(PropertyLists, MayBeNestedToTheLimitAndNoFurther) {
+TEST(PropertyLists, MayBeNestedAsDeepAsTheHostAllowsAndNoFurther) {
+    const PropertyListLimits before = propertyListLimits();
+    setPropertyListLimits({.maximumDepth = 601});
+    const std::string tooDeep = written(nestedArrays(601), kBinary);
     NSMutableArray* insideItself = NSMutableArray::array();
     insideItself->addObject(insideItself);
-    for (auto format : {kXML, kBinary}) {
-        EXPECT_TRUE(listOf(written(nestedArrays(512), format)));
-        for (id list : {nestedArrays(513), id(insideItself)})
-            EXPECT_THAT(written(list, format), EndsWith("nested more than 512 deep"));
+    for (unsigned limit : {before.maximumDepth, 600u, 3u}) {
+        setPropertyListLimits({.maximumDepth = limit});
+        const std::string reason = "nested more than " + std::to_string(limit) + " deep";
+        for (auto format : {kXML, kBinary}) {
+            EXPECT_TRUE(listOf(written(nestedArrays(limit), format))) << reason;
+            for (id list : {nestedArrays(limit + 1), id(insideItself)})
+                EXPECT_THAT(written(list, format), EndsWith(reason));
+        }
+        EXPECT_THAT(refusal(tooDeep), EndsWith(reason));
+        for (auto format : {kXML, kOldStyle}) {
+            EXPECT_TRUE(listOf(nestedText(limit, format))) << reason;
+            EXPECT_THAT(refusal(nestedText(limit + 1, format)), EndsWith(reason));
+        }
     }
-    insideItself->removeAllObjects();
-    for (auto format : {kXML, kOldStyle}) {
-        EXPECT_TRUE(listOf(nestedText(512, format)));
-        EXPECT_THAT(refusal(nestedText(513, format)), EndsWith("nested more than 512 deep"));
-    }
-}
-
-TEST(PropertyLists, MayBeNestedAsDeepAsTheHostAllows) {
-    const PropertyListLimits before = propertyListLimits();
-    setPropertyListLimits({.maximumDepth = 600});
-    std::string binary = written(nestedArrays(600), kBinary);
-    EXPECT_TRUE(listOf(binary));
-    setPropertyListLimits({.maximumDepth = 3});
-    EXPECT_TRUE(listOf(nestedText(3, kXML)) && !listOf(nestedText(4, kXML)));
-    EXPECT_THAT(refusal(binary), EndsWith("nested more than 3 deep"));
     EXPECT_THAT(written(nestedArrays(4)), StartsWith("refused: at 0.0.0: "));
+    insideItself->removeAllObjects();
     setPropertyListLimits(before);
+    EXPECT_EQ(before.maximumDepth, 512u);
 }
 
 TEST(PropertyLists, OfAnyDepthNeedLittleStack) {
@@ -214,17 +204,16 @@ TEST(PropertyLists, TellTheirFormat) {
 }
 
 TEST(PropertyLists, CanBeAskedForWithoutPlacesForFormatAndErrorAndBySelector) {
-    auto readPlainly = [](NSData* data) {
-        return NSPropertyListSerialization::propertyListWithData_options_format_error(
-            data, NSPropertyListImmutable, nullptr, nullptr);
-    };
-    EXPECT_TRUE(readPlainly(dataOf("(a)")));
-    EXPECT_FALSE(readPlainly(dataOf("(a")) || readPlainly(nullptr));
+    auto readData = &NSPropertyListSerialization::propertyListWithData_options_format_error;
+    EXPECT_TRUE(readData(dataOf("(a)"), NSPropertyListImmutable, nullptr, nullptr));
+    for (NSData* bad : {dataOf("(a"), static_cast<NSData*>(nullptr)})
+        EXPECT_FALSE(readData(bad, NSPropertyListImmutable, nullptr, nullptr)) << bad;
     EXPECT_EQ(refusal(""), "there are no bytes");
     auto readFile = &NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error;
     NSPropertyListError* reason = nullptr;
-    for (auto [path, expected] : {std::pair{u"/no/file"_ns, "the file cannot be read: No such file or directory"},
-                                  {static_cast<NSString*>(nullptr), "the path is null"}}) {
+    for (auto [path, expected] :
+         {std::pair{u"/no/file"_ns, "the file cannot be read: No such file or directory"},
+          {static_cast<NSString*>(nullptr), "the path is null"}}) {
         EXPECT_FALSE(readFile(path, NSPropertyListImmutable, nullptr, &reason));
         EXPECT_EQ(shown(reason), expected);
     }

@@ -69,6 +69,7 @@ constexpr auto in = &NSDate::dateWithTimeIntervalSinceNow;
 class RunLoopTest : public ::testing::Test {
   protected:
     ~RunLoopTest() {
+        if (ends[0] >= 0) endListening();
         NSNotificationCenter::defaultCenter()->removeObserver(recorder);
         loop->cancelPerformSelectorsWithTarget(recorder);
     }
@@ -94,10 +95,13 @@ class RunLoopTest : public ::testing::Test {
     }
     void endListening() {
         loop->removeDescriptor_forMode(ends[0], NSDefaultRunLoopMode);
-        for (int end : ends) close(end);
+        for (int& end : ends) close(std::exchange(end, -1));
+    }
+    void performOnMain(NSString* text, bool waits) {
+        performSelectorOnMainThread_withObject_waitUntilDone(recorder, "hear:"_sel, text, waits);
     }
 
-    int ends[2];
+    int ends[2] = {-1, -1};
     NSRunLoop* loop = NSRunLoop::currentRunLoop();
     Retained<LoopRecorder> recorder = make<LoopRecorder>();
     std::vector<std::string>& heard = recorder->heard;
@@ -121,8 +125,17 @@ class NSRunLoopTest : public RunLoopTest {
         auto* center = NSNotificationCenter::defaultCenter();
         center->removeObserver_name_object(recorder, name, nullptr);
         center->addObserver_selector_name_object(recorder, "hear:"_sel, name, nullptr);
-        NSNotificationQueue::defaultQueue()->enqueueNotification_postingStyle_coalesceMask_forModes(
+        enqueueIn(NSNotificationQueue::defaultQueue(), name, style, mask, sender, modes);
+    }
+    static void enqueueIn(NSNotificationQueue* queue, NSString* name, NSPostingStyle style,
+                          std::uint32_t mask, id sender, NSArray* modes = nullptr) {
+        queue->enqueueNotification_postingStyle_coalesceMask_forModes(
             NSNotification::notificationWithName_object(name, sender), style, mask, modes);
+    }
+    static void dequeueFrom(NSNotificationQueue* queue, NSString* name, id sender, std::uint32_t mask) {
+        AutoreleasePool pool;
+        queue->dequeueNotificationsMatching_coalesceMask(
+            NSNotification::notificationWithName_object(name, sender), mask);
     }
     bool run(NSDate* limit, NSString* mode = NSDefaultRunLoopMode) {
         return loop->runMode_beforeDate(mode, limit);
@@ -192,12 +205,14 @@ TEST_F(NSRunLoopTest, AMovedFireDateIsTheOneThatCounts) {
 }
 
 TEST_F(NSRunLoopTest, CommonModesTakeInThoseThatAreNamedLater) {
-    loop->addTimer_forMode(NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(
-                               0, recorder, "hear:"_sel, nullptr, false),
-                           NSRunLoopCommonModes);
+    auto makeTimer = &NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats;
+    loop->addTimer_forMode(makeTimer(0, recorder, "hear:"_sel, nullptr, false), NSRunLoopCommonModes);
+    performOnMain(u"later"_ns, false);
+    performOnMain(u"at once"_ns, true);
+    EXPECT_THAT(heard, ElementsAre("at once"));
     EXPECT_EQ(turn(u"Panel"_ns), "");
     loop->addCommonMode(u"Panel"_ns);
-    EXPECT_EQ(turn(u"Panel"_ns), "beat");
+    EXPECT_EQ(turn(u"Panel"_ns), "beat, later");
     EXPECT_EQ(turn(), "");
 }
 
@@ -212,9 +227,6 @@ TEST_F(NSRunLoopTest, ADescriptorIsServedWhileItIsReadyAndOnlyInItsMode) {
     endListening();
     EXPECT_EQ(turn(), "");
     EXPECT_EQ(recorder->retainCount(), 1u);
-    EXPECT_EQ(RAISED(listenTo(-1)),
-              "NSInvalidArgumentException: addDescriptor:events:target:selector:forMode: "
-              "descriptor -1 cannot be watched: Bad file descriptor");
 }
 
 TEST_F(NSRunLoopTest, IdleNotificationsWaitUntilNothingElseIsReady) {
@@ -242,8 +254,7 @@ TEST_F(NSRunLoopTest, QueuedNotificationsCoalesceByWhatTheMaskSays) {
     }
     enqueue(u"A"_ns, NSPostWhenIdle, 3, nullptr, NSArray::of({kTracking}));
     EXPECT_EQ(turn(), "");
-    NSNotificationQueue::defaultQueue()->dequeueNotificationsMatching_coalesceMask(
-        NSNotification::notificationWithName_object(u"A"_ns, loop), NSNotificationCoalescingOnName);
+    dequeueFrom(NSNotificationQueue::defaultQueue(), u"A"_ns, loop, NSNotificationCoalescingOnName);
     EXPECT_EQ(turn(kTracking), "");
 }
 
@@ -258,14 +269,11 @@ TEST_F(NSRunLoopTest, DescriptionsTellWhatWaits) {
                                    HasSubstr(" readable: sends read: to <LoopRecorder 0x"),
                                    HasSubstr("\n  perform of order 7: sends hear: to <LoopRecorder 0x"),
                                    EndsWith("> in Tracking>")));
-    endListening();
     beat->invalidate();
     EXPECT_THAT(shown(beat), EndsWith(": invalid>"));
     auto queue = NSNotificationQueue::init();
-    for (NSPostingStyle style : {NSPostWhenIdle, NSPostASAP})
-        queue->enqueueNotification_postingStyle_coalesceMask_forModes(
-            NSNotification::notificationWithName_object(u"News"_ns, nullptr), style, 0,
-            style == NSPostASAP ? nullptr : NSArray::of({kTracking, u"Panel"_ns}));
+    enqueueIn(queue, u"News"_ns, NSPostWhenIdle, 0, nullptr, NSArray::of({kTracking, u"Panel"_ns}));
+    enqueueIn(queue, u"News"_ns, NSPostASAP, 0, nullptr, nullptr);
     EXPECT_THAT(
         shown(queue),
         ::testing::MatchesRegex("<NSNotificationQueue 0x.*:\n  as soon as possible in NSDefaultRunLoopMode: "
@@ -275,50 +283,35 @@ TEST_F(NSRunLoopTest, DescriptionsTellWhatWaits) {
 TEST_F(NSRunLoopTest, MistakesAreRaisedWithTheOperationThatWasCalled) {
     auto scheduled = &NSTimer::scheduledTimerWithTimeInterval_target_selector_userInfo_repeats;
     const std::string inTimer = "scheduledTimerWithTimeInterval:target:selector:userInfo:repeats: the ";
-    const std::pair<std::string, std::function<void()>> rows[] = {
-        {inTimer + "target is null", [&] { scheduled(1, nullptr, "hear:"_sel, nullptr, false); }},
-        {inTimer + "interval is not a number",
-         [&] { scheduled(NAN, recorder, "hear:"_sel, nullptr, false); }},
-        {"addTimer:forMode: the timer is null", [&] { loop->addTimer_forMode(nullptr, kTracking); }},
-        {"runMode:beforeDate: the mode is null", [&] { run(nullptr, nullptr); }},
-        {"performReadyWorkForMode: the mode is null", [&] { loop->performReadyWorkForMode(nullptr); }},
-        {"perform: the function is empty", [&] { loop->perform({}, nullptr); }},
-        {"detach: the function is empty", [] { NSThread::detach({}); }},
-        {"addCommonMode: the mode is null", [&] { loop->addCommonMode(nullptr); }},
+    const std::pair<std::string, std::string> rows[] = {
+        {inTimer + "target is null", RAISED(scheduled(1, nullptr, "hear:"_sel, nullptr, false))},
+        {inTimer + "interval is not a number", RAISED(scheduled(NAN, recorder, "hear:"_sel, nullptr, false))},
+        {"addTimer:forMode: the timer is null", RAISED(loop->addTimer_forMode(nullptr, kTracking))},
+        {"runMode:beforeDate: the mode is null", RAISED(run(nullptr, nullptr))},
+        {"performReadyWorkForMode: the mode is null", RAISED(loop->performReadyWorkForMode(nullptr))},
+        {"perform: the function is empty", RAISED(loop->perform({}, nullptr))},
+        {"detach: the function is empty", RAISED(NSThread::detach({}))},
+        {"addCommonMode: the mode is null", RAISED(loop->addCommonMode(nullptr))},
         {"performSelector:withObject:afterDelay: the selector is null",
-         [&] { performSelector_withObject_afterDelay(recorder, SEL(), nullptr, 1); }},
+         RAISED(performSelector_withObject_afterDelay(recorder, SEL(), nullptr, 1))},
+        {"addDescriptor:events:target:selector:forMode: descriptor -1 cannot be watched: Bad file descriptor",
+         RAISED(listenTo(-1))},
     };
-    for (const auto& [reason, mistake] : rows)
-        EXPECT_EQ(reasonOf("NSInvalidArgumentException", mistake), reason);
+    for (const auto& [reason, raised] : rows) EXPECT_EQ(raised, "NSInvalidArgumentException: " + reason);
     EXPECT_FALSE(loop->hasWorkForMode(NSDefaultRunLoopMode));
 }
 
 // MARK: What ends
 
-/// Calls the function when it ends.
-Retained<LoopRecorder> recorderWithEnd(std::function<void()> atEnd) {
-    auto recorder = make<LoopRecorder>();
-    recorder->reaction = [end = std::shared_ptr<void>(nullptr, [=](void*) { atEnd(); })] {};
-    return recorder;
-}
-
 TEST_F(NSRunLoopTest, AnEndThatDropsOtherQueuedNotificationsHarmsNothing) {
     auto queue = NSNotificationQueue::init();
-    auto enqueueFrom = [&](id sender) {
-        queue->enqueueNotification_postingStyle_coalesceMask_forModes(
-            NSNotification::notificationWithName_object(u"News"_ns, sender), NSPostASAP, 0, nullptr);
-    };
-    auto drop = [&](id sender, std::uint32_t mask) {
-        AutoreleasePool pool;
-        queue->dequeueNotificationsMatching_coalesceMask(
-            NSNotification::notificationWithName_object(u"News"_ns, sender), mask);
-    };
+    auto drop = [&](id sender, std::uint32_t mask) { dequeueFrom(queue, u"News"_ns, sender, mask); };
+    auto enqueueFrom = [&](id sender) { enqueueIn(queue, u"News"_ns, NSPostASAP, 0, sender); };
     int ended = 0;
     {
         AutoreleasePool pool;
-        for (int i = 0; i < 3; ++i)
-            enqueueFrom(
-                recorderWithEnd([&] { drop(nullptr, NSNotificationCoalescingOnName), ++ended; }).get());
+        auto dropAll = [&] { drop(nullptr, NSNotificationCoalescingOnName), ++ended; };
+        for (int i = 0; i < 3; ++i) enqueueFrom(Listener::doing([end = atEnd(dropAll)](id) {}).get());
         enqueueFrom(recorder);
     }
     drop(recorder, NSNotificationCoalescingOnSender);
@@ -332,12 +325,11 @@ TEST_F(RunLoopTest, ReceiversThatEndWithTheLoopOfTheirThreadCancelWhatIsGone) {
     std::thread([&] {
         AutoreleasePool pool;
         for (int i = 0; i < 3; ++i) {
-            auto own = std::make_shared<id>();
-            auto receiver = recorderWithEnd([&, own] {
-                NSObject_DelayedPerforming::cancelPreviousPerformRequestsWithTarget(*own);
-                ++ended;
-            });
-            *own = receiver.get();
+            auto receiver = make<Listener>();
+            receiver->task = [end = atEnd([&ended, own = receiver.get()] {
+                                  NSObject_DelayedPerforming::cancelPreviousPerformRequestsWithTarget(own);
+                                  ++ended;
+                              })](id) {};
             for (NSTimeInterval delay : {1, 2})
                 performSelector_withObject_afterDelay(receiver, "hear:"_sel, nullptr, delay);
         }
@@ -380,7 +372,6 @@ TEST_F(NSRunLoopTest, WhatADescriptorsCallRaisesLosesNoSignalOfOtherThreads) {
     post(u"three"_ns);
     EXPECT_TRUE(run(nullptr));
     EXPECT_THAT(posted, ElementsAre("one", "two", "three"));
-    endListening();
 }
 
 // MARK: Time
@@ -461,7 +452,6 @@ TEST_F(RunLoopTest, ALoopWithNothingToDoSleepsThroughAndWakesOnceForManyTimers) 
     loop->runUntilDate(in(0.04));
     EXPECT_EQ(heard.size(), 100u);
     EXPECT_LE(sleepsOfThisThread() - before, 4);  // two, and what a busy machine adds
-    endListening();
 }
 
 // MARK: Runs
@@ -507,10 +497,6 @@ TEST_F(NSRunLoopTest, AWakeUpEndsOneWaitAndIsNotLostBeforeIt) {
 
 // MARK: The main thread's
 
-void performOnMainThread(LoopRecorder* recorder, NSString* text, bool wait) {
-    performSelectorOnMainThread_withObject_waitUntilDone(recorder, "hear:"_sel, text, wait);
-}
-
 TEST_F(RunLoopTest, ThreadsThatPostAndWaitAreServedOneByOne) {
     constexpr int kThreads = 16, kPosts = 200;
     recorder->reaction = [&] {
@@ -520,23 +506,13 @@ TEST_F(RunLoopTest, ThreadsThatPostAndWaitAreServedOneByOne) {
     std::atomic<int> caught{0}, running{kThreads};
     for (int thread = 0; thread < kThreads; ++thread)
         NSThread::detach([&] {
-            for (int i = 0; i < kPosts; ++i)
-                caught += RAISED(performOnMainThread(recorder, u"x"_ns, true)) == "Tenth: call";
+            for (int i = 0; i < kPosts; ++i) caught += RAISED(performOnMain(u"x"_ns, true)) == "Tenth: call";
             --running;
             loop->wakeUp();
         });
     while (running > 0) loop->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
     EXPECT_EQ(heard.size(), static_cast<std::size_t>(kThreads * kPosts));
     EXPECT_EQ(caught, kThreads * kPosts / 10);
-}
-
-TEST_F(RunLoopTest, OnTheMainThreadAWaitedCallRunsAtOnceAndAnotherInTheNextTurn) {
-    performOnMainThread(recorder, u"later"_ns, false);
-    performOnMainThread(recorder, u"now"_ns, true);
-    EXPECT_THAT(heard, ElementsAre("now"));
-    EXPECT_EQ(turn(u"Sheet"_ns), "");
-    loop->addCommonMode(u"Sheet"_ns);
-    EXPECT_EQ(turn(u"Sheet"_ns), "later");
 }
 
 TEST_F(RunLoopTest, AProxyIsPerformedOnAndForwardsOnlyWhatIsPerformed) {

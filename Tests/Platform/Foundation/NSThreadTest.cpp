@@ -7,58 +7,32 @@
 
 namespace {
 
-/// Does what it was told, and says when it goes.
-class Worker : public NSObject {
-    PELVOR_CLASS(Worker, NSObject);
-
-  public:
-    std::function<void(id)> task;
-    std::promise<void> end;
-
-    void work(id argument) { task(argument); }
-
-  protected:
-    ~Worker() { end.set_value(); }
-};
-
-extern Library threadTestLibrary;
-PELVOR_DEFINE_CLASS(Worker, threadTestLibrary) { methods.instance<"work:", &Worker::work>(); }
-constinit Library threadTestLibrary{"ThreadTest", {}, kClassesOf<Worker>, {}};
-
 // Runs the task on a thread of its own and waits until the thread has let go of its target.
 void runOnThread(std::function<void(id)> task, id argument = nullptr) {
-    auto worker = make<Worker>();
-    worker->task = std::move(task);
-    auto end = worker->end.get_future();
-    NSThread::detachNewThreadSelector_toTarget_withObject("work:"_sel, worker, argument);
+    std::promise<void> ended;
+    auto worker = Listener::doing([task, end = atEnd([&] { ended.set_value(); })](id what) { task(what); });
+    NSThread::detachNewThreadSelector_toTarget_withObject("hear:"_sel, worker, argument);
     worker = nullptr;
-    end.wait();
+    ended.get_future().wait();
 }
 
 TEST(NSThreadTest, AMessageIsSentOnAThreadOfItsOwn) {
-    bool isOther = false, hasPool = false;
-    id heard = nullptr;
-    runOnThread(
-        [&](id argument) {
-            isOther = NSThread::currentThread() != NSThread::mainThread() && !NSThread::isMainThread();
-            hasPool = AutoreleasePool::pendingCount() == 0;
-            make<NSObject>().autorelease();
-            heard = argument;
-        },
-        u"hello"_ns);
-    EXPECT_EQ(shown(isOther, hasPool, heard, NSThread::isMultiThreaded()), "1 1 hello 1");
-}
-
-TEST(NSThreadTest, TheThreadThatRunsMainIsTheMainThread) {
-    EXPECT_TRUE(NSThread::isMainThread() && NSThread::currentThread() == NSThread::mainThread());
-    NSThread* main = nullptr;
-    std::thread([&] { main = NSThread::mainThread(); }).join();
-    EXPECT_EQ(main, NSThread::mainThread());
+    std::string heard;
+    auto tell = [&heard, main = NSThread::mainThread()](id argument) {
+        heard = shown(argument, NSThread::isMainThread(), NSThread::currentThread() == main,
+                      NSThread::mainThread() == main, AutoreleasePool::pendingCount());
+        make<NSObject>().autorelease();
+    };
+    tell(u"main"_ns);
+    EXPECT_THAT(heard, StartsWith("main 1 1 1 "));
+    runOnThread(tell, u"other"_ns);
+    EXPECT_EQ(heard, "other 0 0 1 0");
+    EXPECT_TRUE(NSThread::isMultiThreaded());
 }
 
 TEST(NSThreadTest, EveryThreadHasItsDictionaryWhichGoesWithIt) {
-    auto tenant = make<Worker>();
-    auto end = tenant->end.get_future();
+    bool hasEnded = false;
+    auto tenant = Listener::doing([end = atEnd([&] { hasEnded = true; })](id) {});
     NSThread::currentThread()->threadDictionary()->setObject_forKey(u"main"_ns, u"key"_ns);
     onThreads(1, [&](int) {  // not one of NSThread's
         auto* dictionary = NSThread::currentThread()->threadDictionary();
@@ -66,7 +40,7 @@ TEST(NSThreadTest, EveryThreadHasItsDictionaryWhichGoesWithIt) {
         dictionary->setObject_forKey(tenant, u"key"_ns);
         tenant = nullptr;
     });
-    EXPECT_EQ(end.wait_for(std::chrono::seconds(0)), std::future_status::ready);
+    EXPECT_TRUE(hasEnded);
     EXPECT_EQ(shown(NSThread::currentThread()->threadDictionary()), "{\n    key = main;\n}");
 }
 
@@ -74,17 +48,9 @@ TEST(NSThreadTest, ObjectsThatGoWithTheThreadMayStillAskForIt) {
     std::promise<bool> asked;
     NSThread::detach([&asked] {
         AutoreleasePool pool;
-        auto tenant = make<Worker>();
-        tenant->end.set_value();
-        tenant->end = {};
-        struct AskAtEnd {
-            std::promise<bool>& asked;
-            NSThread* thread;
-            ~AskAtEnd() { asked.set_value(NSThread::currentThread() == thread); }
-        };
-        tenant->task = [ask = std::shared_ptr<AskAtEnd>(new AskAtEnd{asked, NSThread::currentThread()})](id) {
-        };
-        NSThread::currentThread()->threadDictionary()->setObject_forKey(tenant, u"key"_ns);
+        NSThread* thread = NSThread::currentThread();
+        auto end = atEnd([&asked, thread] { asked.set_value(NSThread::currentThread() == thread); });
+        thread->threadDictionary()->setObject_forKey(Listener::doing([end](id) {}).get(), u"key"_ns);
     });
     EXPECT_TRUE(asked.get_future().get());
 }
@@ -96,12 +62,9 @@ TEST(NSThreadTest, WhatAThreadRaisesIsLoggedAndEndsIt) {
     runOnThread([](id) { throw 1; });
     EXPECT_THAT(log.lines, ElementsAre(HasSubstr("BadThing: it broke"), HasSubstr("it snapped"),
                                        HasSubstr("unknown exception")));
-}
-
-TEST(NSThreadTest, MistakesAreRaised) {
     auto detach = &NSThread::detachNewThreadSelector_toTarget_withObject;
-    EXPECT_THROW(detach(SEL(), u""_ns, nullptr), NSException);
-    EXPECT_THROW(detach("work:"_sel, nullptr, nullptr), NSException);
+    EXPECT_THAT(RAISED(detach(SEL(), u""_ns, nullptr)), EndsWith("withObject: the selector is null"));
+    EXPECT_THAT(RAISED(detach("hear:"_sel, nullptr, nullptr)), EndsWith("withObject: the target is null"));
 }
 
 TEST(NSThreadTest, SleepingUntilAMomentThatIsOverReturns) {
@@ -115,19 +78,17 @@ TEST(NSThreadTest, SleepingUntilAMomentThatIsOverReturns) {
 // In a process of their own, where no thread was started before.
 TEST(NSThreadDeathTest, TheFirstFurtherThreadIsAnnouncedOnceBeforeItRuns) {
     auto announce = [] {
-        auto watcher = make<Worker>();
         int announcements = 0;
         bool isRight = !NSThread::isMultiThreaded();
         std::atomic<bool> hasRun{false};
-        watcher->task = [&](id notification) {
+        auto watcher = Listener::doing([&](id notification) {
             ++announcements;
             isRight = isRight && NSThread::isMainThread() && !hasRun && !NSThread::isMultiThreaded() &&
                       !cast<NSNotification>(notification)->object();
             runOnThread([](id) {});  // does not announce again
             throw NSException("Ignored", "and logged");
-        };
-        NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
-            watcher, "work:"_sel, NSWillBecomeMultiThreadedNotification, nullptr);
+        });
+        watcher->listen(NSWillBecomeMultiThreadedNotification, nullptr);
         for (int i = 0; i < 3; ++i) runOnThread([&](id) { hasRun = true; });
         std::exit(isRight && announcements == 1 && hasRun && NSThread::isMultiThreaded() ? 0 : 1);
     };

@@ -16,7 +16,8 @@ struct UserDefaults : ::testing::Test {
 TEST_F(UserDefaults, LookInTheirDomainsInOrder) {
     auto expect = [this](const char* value) { EXPECT_EQ(shown(defaults->stringForKey(u"key"_ns)), value); };
     expect("(null)");
-    defaults->registerDefaults(dictionary("{key = registered;}"));
+    for (const char* added : {"{key = other; more = 1;}", "{key = registered;}"})
+        defaults->registerDefaults(dictionary(added));
     expect("registered");
     defaults->setObject_forKey(u"set"_ns, u"key"_ns);
     expect("set");
@@ -24,7 +25,7 @@ TEST_F(UserDefaults, LookInTheirDomainsInOrder) {
     expect("test");
     defaults->setVolatileDomain_forName(dictionary("{key = argument;}"), NSArgumentDomain);
     expect("argument");
-    EXPECT_TRUE(defaults->dictionaryRepresentation()->isEqual(dictionary("{key = argument;}")));
+    EXPECT_TRUE(defaults->dictionaryRepresentation()->isEqual(dictionary("{key = argument; more = 1;}")));
     for (NSString* name : {NSArgumentDomain, u"Test"_ns}) defaults->removeVolatileDomainForName(name);
     EXPECT_FALSE(defaults->volatileDomainForName(NSArgumentDomain));
     expect("set");
@@ -37,24 +38,14 @@ TEST_F(UserDefaults, MayBeAskedWhileADomainEnds) {
     std::string found;
     {
         AutoreleasePool pool;
-        auto last = Listener::to(u"Nothing"_ns);
-        last->reaction = [end = std::shared_ptr<void>(nullptr, [&](void*) {
-                              found += shown(defaults->stringForKey(u"key"_ns)) + " ";
-                          })] {};
-        NSDictionary* settings = NSDictionary::of({{u"key"_ns, last.get()}});
+        auto ask = [&] { found += shown(defaults->stringForKey(u"key"_ns)) + " "; };
+        auto last = Listener::doing([end = atEnd(ask)](id) {});
         for (NSString* name : {u"Gone"_ns, u"Replaced"_ns})
-            defaults->setVolatileDomain_forName(settings, name);
-        last = nullptr;
+            defaults->setVolatileDomain_forName(NSDictionary::of({{u"key"_ns, last.get()}}), name);
     }
     defaults->setVolatileDomain_forName(dictionary("{key = kept;}"), u"Replaced"_ns);
     defaults->removeVolatileDomainForName(u"Gone"_ns);
     EXPECT_EQ(found, "kept ");
-}
-
-TEST_F(UserDefaults, AddToWhatIsRegistered) {
-    for (const char* added : {"{a = 1; b = 1;}", "{b = 2;}"}) defaults->registerDefaults(dictionary(added));
-    defaults->setObject_forKey(u"3"_ns, u"c"_ns);
-    EXPECT_TRUE(defaults->dictionaryRepresentation()->isEqual(dictionary("{a = 1; b = 2; c = 3;}")));
 }
 
 TEST_F(UserDefaults, ConvertNumbersAndTexts) {
@@ -82,22 +73,19 @@ TEST_F(UserDefaults, ConvertNumbersAndTexts) {
 }
 
 TEST_F(UserDefaults, HandOutObjectsOfTheClassAskedFor) {
-    auto kindsOf = [this](id object) {
-        NSString* key = u"key"_ns;
-        defaults->setObject_forKey(object, key);
-        return shown(!!defaults->arrayForKey(key), !!defaults->stringArrayForKey(key),
-                     !!defaults->dictionaryForKey(key), !!defaults->dataForKey(key));
-    };
-    EXPECT_EQ(kindsOf(NSArray::of({u"a"_ns, NSNumber::numberWithInt(1)})), "1 0 0 0");
-    EXPECT_EQ(kindsOf(listOf("(a)")), "1 1 0 0");
-    EXPECT_EQ(kindsOf(listOf("{}")), "0 0 1 0");
-    EXPECT_EQ(kindsOf(sampleData(3)), "0 0 0 1");
+    expectAll({"(a, (b)) -> 1 0 0 0", "(a) -> 1 1 0 0", "{} -> 0 0 1 0", "<00> -> 0 0 0 1"},
+              [this](const std::string& list) {
+                  NSString* key = u"key"_ns;
+                  defaults->setObject_forKey(listOf(list), key);
+                  return shown(!!defaults->arrayForKey(key), !!defaults->stringArrayForKey(key),
+                               !!defaults->dictionaryForKey(key), !!defaults->dataForKey(key));
+              });
 }
 
 TEST_F(UserDefaults, KeepACopyOfWhatIsSet) {
-    NSMutableArray* array = NSMutableArray::of({NSMutableArray::of({u"a"_ns})});
-    defaults->setObject_forKey(array, u"key"_ns);
-    static_cast<NSMutableArray*>(array->objectAtIndex(0))->addObject(u"b"_ns);
+    NSMutableArray* inner = NSMutableArray::of({u"a"_ns});
+    defaults->setObject_forKey(NSArray::of({inner}), u"key"_ns);
+    inner->addObject(u"b"_ns);
     EXPECT_TRUE(listOf("((a))")->isEqual(defaults->arrayForKey(u"key"_ns)));
 }
 
@@ -157,7 +145,9 @@ class UserDefaultsFiles : public ::testing::Test {
     }
     // What a process started now would find.
     static std::string found(NSString* key) { return shown(open()->stringForKey(key)); }
-    std::string keptAside(const char* number = "") { return contentOf(path.string() + ".damaged" + number); }
+    std::string keptAside(const char* number = "") {
+        return folder.read(path.string() + ".damaged" + number);
+    }
 
     BundleFolder folder;
     const fs::path config = folder.path() / "config";
@@ -191,8 +181,9 @@ TEST_F(UserDefaultsFiles, AreFoundInTheHomeFolderToo) {
 
 TEST_F(UserDefaultsFiles, JoinTheChangesOfSeveralProcesses) {
     auto one = open(), other = open();
-    for (NSString* key : {u"a"_ns, u"b"_ns}) one->setObject_forKey(u"1"_ns, key);
+    for (NSString* key : {u"a"_ns, u"b"_ns, u"gone"_ns}) one->setObject_forKey(u"1"_ns, key);
     for (NSString* key : {u"b"_ns, u"c"_ns}) other->setObject_forKey(u"2"_ns, key);
+    other->removeObjectForKey(u"gone"_ns);
     for (auto* defaults : {one.get(), other.get(), one.get()}) EXPECT_TRUE(defaults->synchronize());
     for (auto* defaults : {one.get(), other.get()})
         EXPECT_TRUE(defaults->dictionaryRepresentation()->isEqual(dictionary("{a = 1; b = 2; c = 2;}")));
@@ -220,7 +211,7 @@ TEST_F(UserDefaultsFiles, ThatAreDamagedAreKeptAside) {
         EXPECT_FALSE(defaults->objectForKey(u"a"_ns));
         EXPECT_THAT(log.lines, ElementsAre(HasSubstr("Test.plist are damaged")));
         EXPECT_TRUE(defaults->synchronize());
-        EXPECT_EQ(contentOf(path), damage);
+        EXPECT_EQ(folder.read(path), damage);
         EXPECT_TRUE(save(defaults, u"a"_ns, u"b"_ns));
         EXPECT_EQ(found(u"a"_ns), "b");
     }

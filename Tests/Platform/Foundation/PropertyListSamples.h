@@ -61,29 +61,6 @@ inline std::string document(std::string_view content) {
     return std::string(kXMLHeader) + std::string(content) + "\n</plist>\n";
 }
 
-inline NSArray* sampleStrings() {
-    return NSArray::of({u""_ns, u"plain"_ns, u" <kept> & \"quoted\" ]]> 'so' "_ns, u"a\r\nb\rc\td"_ns,
-                        u"Gr\u00FC\u00DFe, \u65E5\u672C, \U0001F600"_ns, u"\u007F\u0085\u2028\uFFFD\uFDD0"_ns,
-                        u"a string of more than fifteen characters, plain"_ns});
-}
-
-inline NSArray* sampleNumbers() {
-    using Real = std::numeric_limits<double>;
-    auto whole = &NSNumber::numberWithLongLong;
-    auto real = &NSNumber::numberWithDouble;
-    return NSArray::of({whole(0), whole(-1), whole(255), whole(256), whole(65536), whole(INT64_MIN),
-                        whole(INT64_MAX), NSNumber::numberWithUnsignedLongLong(UINT64_MAX),
-                        NSNumber::numberWithBool(true), NSNumber::numberWithBool(false), real(0.1), real(1),
-                        real(Real::max()), real(Real::denorm_min()), real(Real::infinity()),
-                        real(-Real::infinity()), NSNumber::numberWithFloat(0.1f)});
-}
-
-inline NSArray* sampleDates() {
-    auto date = &NSDate::dateWithTimeIntervalSinceReferenceDate;
-    return NSArray::of(
-        {date(0), date(-1), date(-978307200.0), date(1e9), date(-6.3e10), date(-7e10), date(9e11)});
-}
-
 inline NSData* sampleData(NSUInteger length) {
     std::string bytes(length, '\0');
     for (NSUInteger i = 0; i < length; ++i) bytes[i] = static_cast<char>(i * 7);
@@ -92,14 +69,28 @@ inline NSData* sampleData(NSUInteger length) {
 
 /// A dictionary with every kind of value, nested, each in several forms.
 inline NSDictionary* richList() {
-    NSDictionary* inner =
-        NSDictionary::of({{u"b"_ns, sampleStrings()}, {u"a \u00E4 & \U0001F600"_ns, u"x"_ns}});
+    using Real = std::numeric_limits<double>;
+    auto whole = &NSNumber::numberWithLongLong;
+    auto real = &NSNumber::numberWithDouble;
+    auto date = &NSDate::dateWithTimeIntervalSinceReferenceDate;
+    NSArray* strings =
+        NSArray::of({u""_ns, u"plain"_ns, u" <kept> & \"quoted\" ]]> 'so' "_ns, u"a\r\nb\rc\td"_ns,
+                     u"Gr\u00FC\u00DFe, \u65E5\u672C, \U0001F600"_ns, u"\u007F\u0085\u2028\uFFFD\uFDD0"_ns,
+                     u"a string of more than fifteen characters, plain"_ns});
+    NSArray* numbers = NSArray::of(
+        {whole(0), whole(-1), whole(255), whole(256), whole(65536), whole(INT64_MIN), whole(INT64_MAX),
+         NSNumber::numberWithUnsignedLongLong(UINT64_MAX), NSNumber::numberWithBool(true),
+         NSNumber::numberWithBool(false), real(0.1), real(1), real(Real::max()), real(Real::denorm_min()),
+         real(HUGE_VAL), real(-HUGE_VAL), NSNumber::numberWithFloat(0.1f)});
+    NSArray* dates = NSArray::of(
+        {date(0), date(-1), date(-978307200.0), date(1e9), date(-6.3e10), date(-7e10), date(9e11)});
     NSArray* data =
         NSArray::of({sampleData(0), sampleData(1), sampleData(2), sampleData(3), sampleData(200)});
+    NSDictionary* inner = NSDictionary::of({{u"b"_ns, strings}, {u"a \u00E4 & \U0001F600"_ns, u"x"_ns}});
     return NSDictionary::of(
-        {{u"strings"_ns, sampleStrings()},
-         {u"numbers"_ns, sampleNumbers()},
-         {u"dates"_ns, sampleDates()},
+        {{u"strings"_ns, strings},
+         {u"numbers"_ns, numbers},
+         {u"dates"_ns, dates},
          {u"data"_ns, data},
          {u"empty"_ns, listOf("((), {})")},
          {u"nested"_ns, NSArray::of({inner, NSArray::of({inner, NSArray::of({inner})})})}});

@@ -8,20 +8,12 @@
 namespace {
 
 TEST(SystemVersionCode, ComesFromTheKernelsRelease) {
-    const std::pair<const char*, int> cases[] = {
-        {"6.1.0-18-amd64", 0x0610},
-        {"5.15.2", 0x0592},
-        {"10.4.9", 0x1049},
-        {"4.19.99999999999-x", 0x0499},
-        {"123.1", 0x9910},
-        {"6.8-rc1", 0x0680},
-        {"7", 0x0700},
-        {"", 0},
-        {nullptr, 0},
-    };
-    for (auto [release, code] : cases)
-        EXPECT_EQ(systemVersionCodeOfRelease(release), code) << (release ? release : "null");
-
+    expectAll({"6.1.0-18-amd64 -> 0610", "5.15.2 -> 0592", "10.4.9 -> 1049", "4.19.99999999999-x -> 0499",
+               "123.1 -> 9910", "6.8-rc1 -> 0680", "7 -> 0700", " -> 0000"},
+              [](const std::string& release) {
+                  return NSString::stringWithFormat(u"%04x"_ns, systemVersionCodeOfRelease(release.c_str()));
+              });
+    EXPECT_EQ(systemVersionCodeOfRelease(nullptr), 0);
     utsname names;
     ASSERT_EQ(uname(&names), 0);
     EXPECT_EQ(systemVersionCode(), systemVersionCodeOfRelease(names.release));

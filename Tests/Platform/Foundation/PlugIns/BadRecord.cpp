@@ -1,23 +1,61 @@
 // SPDX-License-Identifier: Apache-2.0
-// Plug-ins that give no library of this platform, each in the way that is called like the plug-in.
+// Plug-ins that give no library that can be registered, each in the way that is called like the plug-in.
 #include <stdexcept>
 
-#include "Runtime/Registry.h"
+#include "Foundation/FoundationLibrary.h"
+#include "Runtime/NSException.h"
 
 namespace pelvor {
 
+extern Library innerLibrary, nameTaken, raisingTable;
+
+// Behind a class and a library whose names are free stands a class whose name Foundation has.
+class Inner : public NSObject {
+    PELVOR_CLASS(Inner, NSObject);
+};
+PELVOR_DEFINE_CLASS(Inner, innerLibrary) {}
+class Outer : public NSObject {
+    PELVOR_CLASS(Outer, NSObject);
+};
+PELVOR_DEFINE_CLASS(Outer, nameTaken) {}
+namespace other {
+class NSBundle : public NSObject {
+    PELVOR_CLASS(NSBundle, NSObject);
+};
+PELVOR_DEFINE_CLASS(NSBundle, nameTaken) {}
+}  // namespace other
+
+// The second class raises while its methods are defined.
+class Sound : public NSObject {
+    PELVOR_CLASS(Sound, NSObject);
+};
+PELVOR_DEFINE_CLASS(Sound, raisingTable) {}
+class Cracked : public NSObject {
+    PELVOR_CLASS(Cracked, NSObject);
+};
+PELVOR_DEFINE_CLASS(Cracked, raisingTable) { throw NSException("PlugInException", "no methods today"); }
+
+template <class... Classes>
+constexpr Class* kClassesOf[] = {&Classes::classRecord...};
+constexpr Library* kDependencies[] = {&foundationLibrary, &innerLibrary};
+constinit Library innerLibrary{"Inner", {}, kClassesOf<Inner>, {}};
+constinit Library nameTaken{"Taken", kDependencies, kClassesOf<Outer, other::NSBundle>, {}};
+constinit Library raisingTable{"Raising", {}, kClassesOf<Sound, Cracked>, {}};
+constinit Library otherInterface{"OtherInterface", {}, {}, {}};
+
 alignas(Library) constexpr char kText[sizeof(Library)] = "the list of a library of another make";
 alignas(Library) std::byte zeros[sizeof(Library)];
-constinit Library library{"OtherInterface", {}, {}, {}};
 
 struct Ways {
     static Library* NoLibrary() { return nullptr; }
     static Library* RaisingFunction() { throw std::runtime_error("not at home"); }
     static Library* ZeroedRecord() { return reinterpret_cast<Library*>(zeros); }
     static Library* ForeignRecord() { return const_cast<Library*>(reinterpret_cast<const Library*>(kText)); }
+    static Library* NameTaken() { return &nameTaken; }
+    static Library* RaisingTable() { return &raisingTable; }
     static Library* OtherInterface() {
-        library.interfaceVersion = 4711;
-        return &library;
+        otherInterface.interfaceVersion = 4711;
+        return &otherInterface;
     }
 };
 

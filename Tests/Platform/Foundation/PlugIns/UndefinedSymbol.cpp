@@ -1,15 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// A plug-in that calls a function that nobody has.
-#include "Runtime/Registry.h"
-
+// Code that calls a function that nobody has.
 int functionThatNobodyHas();
-
-namespace {
-
-constinit pelvor::Library library{"UndefinedSymbol", {}, {}, {}};
-
-}  // namespace
-
-extern "C" PELVOR_EXPORT int callIt() { return functionThatNobodyHas(); }
-
-PELVOR_PLUGIN(library)
+int result = functionThatNobodyHas();

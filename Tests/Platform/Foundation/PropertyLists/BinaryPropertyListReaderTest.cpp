@@ -49,9 +49,7 @@ TEST(BinaryPropertyLists, HoldNumbersOfAllWidths) {
         {"\x08", "0"},
         {"\x09", "1"},
     };
-    for (const auto& [object, value] : numbers) {
-        EXPECT_EQ(shown(listOf(bytesOf({object}))), value);
-    }
+    for (const auto& [object, value] : numbers) EXPECT_EQ(shown(listOf(bytesOf({object}))), value);
 }
 
 TEST(BinaryPropertyLists, HoldTextDataAndDates) {

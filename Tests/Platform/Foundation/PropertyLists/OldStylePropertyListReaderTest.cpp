@@ -36,7 +36,7 @@ TEST(OldStylePropertyLists, AreReadInAllTheirForms) {
 TEST(OldStylePropertyLists, UnderstandEscapes) {
     expectAll({"\"a\\nb\\tc\\\\d\\\"e\\'f\" -> a\nb\tc\\d\"e'f", "\"\\a\\b\\f\\r\\v\\q\" -> \a\b\f\r\vq",
                "\"\\U00e4\\u65E5\\UD83D\\UDE00\\U41g\\Ux\\u\" -> \u00E4\u65E5\U0001F600AgUxu",
-               "\"\\101\\60\\0018\\12\" -> A0\0018\n", "\"\\341\\256\\377\" -> \u00C6\uFB01\uFFFD",
+               "\"\\1011\\60\\0018\\12\" -> A10\0018\n", "\"\\341\\256\\377\" -> \u00C6\uFB01\uFFFD",
                "\"a\\\nb\" -> a\nb"},
               listOf);
 }
