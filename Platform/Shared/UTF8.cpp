@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "Shared/Codepoints.h"
+#include "Shared/Vectors.h"
 
 namespace pelvor {
 namespace {
@@ -16,8 +17,6 @@ using Byte = unsigned char;
 
 // Vectors that compilers turn into the machine's own.
 using Bytes8 = std::uint8_t __attribute__((vector_size(8)));
-using Bytes16 = std::uint8_t __attribute__((vector_size(16)));
-using Units8 = std::uint16_t __attribute__((vector_size(16)));
 using Words2 = std::uint64_t __attribute__((vector_size(16)));
 
 template <class T, class Char>
@@ -61,6 +60,11 @@ void narrowEight(const char16_t* units, char* bytes) {
     std::memcpy(bytes, &narrow, sizeof narrow);
 }
 
+void narrowSixteen(const char16_t* units, char* bytes) {
+    Bytes16 narrow = lowBytes(loadUnits(units), loadUnits(units + 8));
+    std::memcpy(bytes, &narrow, sizeof narrow);
+}
+
 bool isContinuation(Byte byte) { return (byte & 0xC0) == 0x80; }
 
 // Reads a sequence of several bytes; 0 for one that is ill-formed.
@@ -97,6 +101,7 @@ void widen(std::string_view bytes, char16_t* units) {
 
 void narrow(std::u16string_view units, char* bytes) {
     std::size_t i = 0;
+    for (; i + 16 <= units.size(); i += 16) narrowSixteen(units.data() + i, bytes + i);
     for (; i + 8 <= units.size(); i += 8) narrowEight(units.data() + i, bytes + i);
     for (; i < units.size(); ++i) bytes[i] = static_cast<char>(units[i]);
 }
@@ -214,7 +219,8 @@ char* write(std::u16string_view text, char* bytes) {
             auto all = load<Units8>(units) | load<Units8>(units + 8) | load<Units8>(units + 16) |
                        load<Units8>(units + 24);
             if (bitsOf(all) & kBeyondAscii<char16_t>) break;
-            for (int i = 0; i < 32; i += 8) narrowEight(units + i, bytes + i);
+            narrowSixteen(units, bytes);
+            narrowSixteen(units + 16, bytes + 16);
         }
         if (end - units >= 8) {
             if (const std::uint64_t bits = bitsOf(load<Units8>(units)); !(bits & kBeyondAscii<char16_t>)) {
