@@ -11,7 +11,8 @@ namespace pelvor {
 
 struct Library;
 
-/// A method as a class's cache holds it; immutable, never freed. `function` is null where the class is known to lack the method.
+/// A method as a class's cache holds it; immutable, never freed. `function` is null where the class is known
+/// to lack the method.
 struct alignas(64) CacheEntry {
     SEL selector;
     std::uint64_t signatureKey = 0;
@@ -21,9 +22,9 @@ struct alignas(64) CacheEntry {
 };
 
 /// A class. Class records are objects themselves, of a metaclass that holds the class operations;
-/// every class object understands the messages that NSObject's instances understand. Records are constants of the program
-/// (or made by `createSubclass`), immortal, and usable before their library is registered: the first
-/// message registers it. Any thread.
+/// every class object understands the messages that NSObject's instances understand. Records are constants of
+/// the program (or made by `createSubclass`), immortal, and usable before their library is registered: the
+/// first message registers it. Any thread.
 class PELVOR_EXPORT Class final : public NSObject {
     PELVOR_CLASS(Class, NSObject);
 
@@ -54,8 +55,8 @@ class PELVOR_EXPORT Class final : public NSObject {
     /// change it.
     bool isNativeSubclassOf(const Class* ancestor) const;
 
-    /// The method that objects of the class have for the selector, their own or an inherited one; null if they have
-    /// no such method. The caller may change the record only through `replaceImplementation`.
+    /// The method that objects of the class have for the selector, their own or an inherited one; null if
+    /// they have no such method. The caller may change the record only through `replaceImplementation`.
     const Method* instanceMethod(SEL selector);
     /// The method that the class itself has for the selector, as `instanceMethod`.
     const Method* classMethod(SEL selector) { return metaclass()->instanceMethod(selector); }
@@ -68,17 +69,18 @@ class PELVOR_EXPORT Class final : public NSObject {
     /// Adds methods as the newest group: they take precedence over methods that the class has already.
     /// Raises NSInvalidArgumentException if one cannot be called with objects of the class.
     void addMethods(MethodGroup group);
-    /// Puts an implementation into the record that `instanceMethod` returns, which is a superclass's record if the
-    /// method is inherited, and returns the previous implementation; an empty one if there is no such method. Raises
-    /// NSInvalidArgumentException if the types differ or the code needs another class of receiver.
+    /// Puts an implementation into the record that `instanceMethod` returns, which is a superclass's record
+    /// if the method is inherited, and returns the previous implementation; an empty one if there is no such
+    /// method. Raises NSInvalidArgumentException if the types differ or the code needs another class of
+    /// receiver.
     IMP replaceImplementation(SEL selector, IMP implementation);
     /// Forgets cached look-ups of the class and its subclasses.
     void flushCaches();
     /// Attaches categories for this class that arrived after it was registered.
     void attachPendingCategories();
 
-    /// Makes a class at run time. Its instances are C++ objects of the class behind `superclass`. It lives as long as
-    /// the process. Raises NSInvalidArgumentException if the name is taken.
+    /// Makes a class at run time. Its instances are C++ objects of the class behind `superclass`. It lives as
+    /// long as the process. Raises NSInvalidArgumentException if the name is taken.
     static Class* createSubclass(const char* name, Class* superclass);
     /// From now on the receiver stands in for its superclass: it is what is made when `original` is
     /// asked for an instance, it is what the name finds, other subclasses inherit from it.

@@ -26,7 +26,8 @@ namespace pelvor {
 ///       public:
 ///         static PBLamp* lampWithColour(NSString* colour, Class* cls = classObject());
 ///         static Retained<PBLamp> initWithColour(NSString* colour, Class* cls = classObject());
-/// and a subclass does one of three things with each inherited creator; a subclass that does nothing does not compile:
+/// and a subclass does one of three things with each inherited creator; a subclass that does nothing does not
+/// compile:
 ///
 ///     class PBSpot : public PBLamp {
 ///         PELVOR_CLASS(PBSpot, PBLamp);

@@ -37,8 +37,9 @@ PELVOR_EXPORT void sendFrame(Object* target, SEL selector, NSMethodSignature* ty
 PELVOR_EXPORT void sendFrameFrom(Class* cls, Object* target, SEL selector, NSMethodSignature* types,
                                  const std::byte* frame, void* result);
 
-/// Sends a message: `send<int>(object, "indexOf:"_sel, other)`. A message to null does nothing and returns zero. Number types may differ from the method's. A result object is borrowed, also where the
-/// method gives it away; asked for as `Retained<T>` it is retained. Any thread.
+/// Sends a message: `send<int>(object, "indexOf:"_sel, other)`. A message to null does nothing and returns
+/// zero. Number types may differ from the method's. A result object is borrowed, also where the method gives
+/// it away; asked for as `Retained<T>` it is retained. Any thread.
 template <class R = void, class... Arguments>
 R send(Object* target, SEL selector, const Arguments&... arguments) {
     if (!target) [[unlikely]]

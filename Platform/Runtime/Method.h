@@ -26,8 +26,8 @@ struct Method {
     bool isCreator = false;  ///< what it returns is an object of the receiving class
 };
 
-/// Methods that came to a class together: the class's own methods, or the methods of one category. A group lives for
-/// good once it is attached.
+/// Methods that came to a class together: the class's own methods, or the methods of one category. A group
+/// lives for good once it is attached.
 struct MethodGroup {
     const char* category = nullptr;  ///< null: the class's own methods
     std::vector<Method> methods;
@@ -92,8 +92,8 @@ constexpr Class* receiverRecord() {
         return &C::classRecord;
 }
 
-// Whether one comparison can tell that an argument is what the method takes: null, or an object of exactly the
-// parameter's class. No object is of exactly an abstract class.
+// Whether one comparison can tell that an argument is what the method takes: null, or an object of exactly
+// the parameter's class. No object is of exactly an abstract class.
 template <class T>
 inline constexpr bool hasQuickCheck = false;
 template <ObjectPointer T>
@@ -271,8 +271,8 @@ IMP implementation() {
         Function, std::integral_constant<std::size_t, detail::colonCount(Name.view())>>();
 }
 
-/// The implementation that a static or free function gives for a class operation. The function may take the receiving
-/// class as its last parameter.
+/// The implementation that a static or free function gives for a class operation. The function may take the
+/// receiving class as its last parameter.
 template <FixedString Name, auto Function, bool IsCreator = false>
 IMP classImplementation() {
     return detail::classImplementation<

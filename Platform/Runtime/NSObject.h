@@ -47,14 +47,15 @@ class PELVOR_EXPORT NSObject : public Object {
     /// A new object of `cls` as its constructor leaves it. C++ code writes `make<PBLamp>()` instead.
     static Retained<NSObject> init(Class* cls);
 
-    /// Called once for a class before its first message, its superclass first. A class without an `initialize` of its own is given its superclass's, which is then
-    /// called once more, with the subclass.
+    /// Called once for a class before its first message, its superclass first. A class without an
+    /// `initialize` of its own is given its superclass's, which is then called once more, with the subclass.
     static void initialize(Class* cls);
 
     /// Whether instances of `cls` have a method for the selector.
     static bool instancesRespondToSelector(SEL selector, Class* cls);
 
-    /// An owned copy, made by `copyWithZone`. Raises NSInvalidArgumentException if the class cannot be copied.
+    /// An owned copy, made by `copyWithZone`. Raises NSInvalidArgumentException if the class cannot be
+    /// copied.
     Retained<Object> copy();
     Retained<Object> mutableCopy();
     /// For classes that can be copied. The zone is not used.

@@ -52,8 +52,8 @@ void Object::doesNotRecognizeSelector(SEL selector) {
 
 namespace {
 
-// Sends a message with as many of the two objects as the method takes. Returns the result if it is an object, else
-// null.
+// Sends a message with as many of the two objects as the method takes. Returns the result if it is an object,
+// else null.
 id perform(Object* target, SEL selector, id first, id second) {
     NSMethodSignature* signature = target->methodSignatureForSelector(selector);
     if (!signature) target->doesNotRecognizeSelector(selector);

@@ -74,8 +74,8 @@ class PELVOR_EXPORT Object {
     /// A text for logs and formats; "<Class: 0x…>" unless a class says more.
     virtual NSString* description();
 
-    /// Sends the message and returns its result if the result is an object, else null. Arguments that the method does
-    /// not take are dropped; arguments that are missing are null.
+    /// Sends the message and returns its result if the result is an object, else null. Arguments that the
+    /// method does not take are dropped; arguments that are missing are null.
     virtual id performSelector(SEL selector);
     virtual id performSelector_withObject(SEL selector, id object);
     virtual id performSelector_withObject_withObject(SEL selector, id first, id second);

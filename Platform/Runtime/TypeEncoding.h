@@ -21,13 +21,13 @@ concept ObjectPointer =
 
 namespace detail {
 
-/// Whether values of the type can be arguments and results of messages: numbers, enumerations, pointers, objects,
-/// selectors and structs of such, all by value.
+/// Whether values of the type can be arguments and results of messages: numbers, enumerations, pointers,
+/// objects, selectors and structs of such, all by value.
 template <class T>
-inline constexpr bool canTravel =
-    std::is_void_v<T> || std::is_arithmetic_v<T> || std::is_enum_v<T> || std::is_pointer_v<T> ||
-    std::is_null_pointer_v<T> || std::is_same_v<T, SEL> || isRetained<T> ||
-    (std::is_aggregate_v<T> && std::is_trivially_copyable_v<T>);
+inline constexpr bool canTravel = std::is_void_v<T> || std::is_arithmetic_v<T> || std::is_enum_v<T> ||
+                                  std::is_pointer_v<T> || std::is_null_pointer_v<T> ||
+                                  std::is_same_v<T, SEL> || isRetained<T> ||
+                                  (std::is_aggregate_v<T> && std::is_trivially_copyable_v<T>);
 
 // Counts the fields of an aggregate by the longest brace list that makes one.
 struct AnyField {

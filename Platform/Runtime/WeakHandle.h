@@ -23,8 +23,8 @@ class PELVOR_EXPORT WeakHandle {
     }
     ~WeakHandle();
 
-    /// The object, retained for the caller; null once the last reference to the object is gone, also while the object is
-    /// being destroyed.
+    /// The object, retained for the caller; null once the last reference to the object is gone, also while
+    /// the object is being destroyed.
     Retained<Object> object() const;
 
   private:

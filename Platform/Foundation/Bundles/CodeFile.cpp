@@ -86,8 +86,8 @@ std::string faultInCodeFile(const std::string& path) {
 }
 
 CodeFile loadCodeFile(const std::string& path) {
-    // The function is declared never to throw, but the constructors that it runs may: the compiler would leave
-    // out a handler round a direct call.
+    // The function is declared never to throw, but the constructors that it runs may: the compiler would
+    // leave out a handler round a direct call.
     void* (*volatile const load)(const char*, int) = dlopen;
     CodeFile code;
     LoaderLock lock;

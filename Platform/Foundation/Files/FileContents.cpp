@@ -68,8 +68,8 @@ bool writeDirectly(const std::string& path, std::span<const std::byte> content) 
 
 // MARK: Temporary files
 
-// A private file in the folder of the file that it is to replace. Where the file system can do so, the file has
-// no name until it is complete, and goes with its process. A file with a name is locked while its process
+// A private file in the folder of the file that it is to replace. Where the file system can do so, the file
+// has no name until it is complete, and goes with its process. A file with a name is locked while its process
 // lives; whoever wants the name next removes a file that nobody has locked.
 class TemporaryFile {
   public:
@@ -172,7 +172,8 @@ bool copyAccessList(int file, const std::string& old) {
     static constexpr const char* kAccessList = "system.posix_acl_access";
     std::vector<char> list(XATTR_SIZE_MAX);
     ssize_t length = ::lgetxattr(old.c_str(), kAccessList, list.data(), list.size());
-    if (length > 0) return ::fsetxattr(file, kAccessList, list.data(), static_cast<std::size_t>(length), 0) == 0;
+    if (length > 0)
+        return ::fsetxattr(file, kAccessList, list.data(), static_cast<std::size_t>(length), 0) == 0;
     ::fremovexattr(file, kAccessList);
     return true;
 }
@@ -198,8 +199,7 @@ bool finish(int file) { return ::fsync(file) == 0 && Descriptor(::dup(file)).clo
 bool replaceFile(const std::string& path, std::span<const std::byte> content, bool isPrivate) {
     std::size_t start = path.rfind('/') + 1;
     std::string name = path.substr(start);
-    Descriptor folder(
-        ::open(start ? path.substr(0, start).c_str() : ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    Descriptor folder(::open(start ? path.substr(0, start).c_str() : ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
     struct stat old;
     bool isNew = folder && ::fstatat(folder, name.c_str(), &old, 0) != 0;
     if (!folder || (isNew && errno != ENOENT)) return false;

@@ -23,12 +23,13 @@ enum class FileWriting : unsigned char {
 /// an atomic write then has left the old file as it was.
 ///
 /// - A link is followed, a dangling one too, and stays a link.
-/// - What is no regular file (a pipe, a device, /dev/stdout) is written into directly. A pipe without a reader
+/// - What is no regular file (a pipe, a device, /dev/stdout) is written into directly. A pipe without a
+/// reader
 ///   is refused.
 /// - An atomic write keeps owner, group, access rights and access list of the old file as far as the user may
-///   set them; where the group cannot be kept, the new group may do no more than everybody. Other names of the
-///   old file (hard links) keep the old content. A file that the user may not write is refused, although the
-///   folder would allow to replace the file.
+///   set them; where the group cannot be kept, the new group may do no more than everybody. Other names of
+///   the old file (hard links) keep the old content. A file that the user may not write is refused, although
+///   the folder would allow to replace the file.
 /// - When the process is killed, no other file stays behind, except in the moment before the new file takes
 ///   the name, or on a file system without unnamed files: then the next atomic write of the same file removes
 ///   what stayed.

@@ -27,8 +27,8 @@ constexpr Reference kReferences[] = {{"&lt;", '<'},   {"&gt;", '>'},    {"&amp;"
 
 using Bytes16 = std::uint8_t __attribute__((vector_size(16)));
 
-// Whether the character ends plain text: it begins a tag or a reference, or XML does not allow it or reads it as
-// another character.
+// Whether the character ends plain text: it begins a tag or a reference, or XML does not allow it or reads it
+// as another character.
 bool endsText(char c) {
     auto byte = static_cast<std::uint8_t>(c);
     return byte == '<' || byte == '&' || byte == '>' || (byte < 0x20 && byte != '\t' && byte != '\n');

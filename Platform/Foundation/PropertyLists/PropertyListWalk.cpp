@@ -97,9 +97,9 @@ class Walk {
         PropertyListKind kind = _kinds.kindOf(object);
         switch (kind) {
             case PropertyListKind::foreign:
-                throw PropertyListFault{
-                    object ? "an object of class " + classNameOf(object) + " has no place in a property list"
-                           : "the object is null"};
+                throw PropertyListFault{object ? "an object of class " + classNameOf(object) +
+                                                     " has no place in a property list"
+                                               : "the object is null"};
             case PropertyListKind::array:
                 return enterArray(static_cast<NSArray*>(object));
             case PropertyListKind::dictionary:

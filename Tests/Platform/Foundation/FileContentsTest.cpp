@@ -10,8 +10,8 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include <cstdarg>
 #include <csignal>
+#include <cstdarg>
 
 #include "Prelude.h"
 #include "TemporaryFolder.h"
@@ -85,7 +85,8 @@ class FileContentsTest : public ::testing::TestWithParam<bool> {
     // The same in another process, as another user.
     int saveAs(uid_t user, const string& name, const string& text) {
         return inChild([&] {
-            if (setgroups(0, nullptr) || setresgid(user, user, user) || setresuid(user, user, user)) return 255;
+            if (setgroups(0, nullptr) || setresgid(user, user, user) || setresuid(user, user, user))
+                return 255;
             return save(name, text);
         });
     }
@@ -233,10 +234,11 @@ TEST_P(FileContentsTest, KeepsOwnerAndGroupWhereTheUserMay) {
 }
 
 TEST_P(FileContentsTest, KeepsTheAccessListOfTheOldFile) {
-    // Version 2; owner rw, user 1 rw, group none, mask rw, others none: tag, rights and user or group of each.
-    const unsigned char list[] = {2, 0, 0, 0, 1, 0, 6, 0, 255, 255, 255, 255, 2,   0,   6,   0,   1,  0, 0, 0, 4, 0,
-                                  0, 0, 255, 255, 255, 255, 16, 0, 6, 0, 255, 255, 255, 255, 32, 0, 0, 0, 255, 255,
-                                  255, 255};
+    // Version 2; owner rw, user 1 rw, group none, mask rw, others none: tag, rights and user or group of
+    // each.
+    const unsigned char list[] = {2, 0, 0,   0,   1,   0,   6,  0, 255, 255, 255, 255, 2,   0,  6,
+                                  0, 1, 0,   0,   0,   4,   0,  0, 0,   255, 255, 255, 255, 16, 0,
+                                  6, 0, 255, 255, 255, 255, 32, 0, 0,   0,   255, 255, 255, 255};
     const string path = make("file", "old", 0600);
     if (setxattr(path.c_str(), "system.posix_acl_access", list, sizeof list, 0) != 0)
         GTEST_SKIP() << "the file system has no access lists";
@@ -280,7 +282,8 @@ TEST_P(FileContentsTest, WhatAKilledProcessLeftGoesWithTheNextWrite) {
         });
     };
     const bool hasUnnamedFiles = !faults.refusesUnnamedFiles;
-    EXPECT_EQ(die("first"), hasUnnamedFiles ? 0 : -SIGKILL) << "a new file without another name needs no renaming";
+    EXPECT_EQ(die("first"), hasUnnamedFiles ? 0 : -SIGKILL)
+        << "a new file without another name needs no renaming";
     EXPECT_EQ(names().size(), 1u);
     EXPECT_EQ(save("file", "second"), 0);
     EXPECT_EQ(die("third"), -SIGKILL);
