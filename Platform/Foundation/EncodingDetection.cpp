@@ -4,12 +4,18 @@
 #include <unicode/ucsdet.h>
 
 #include <algorithm>
+#include <map>
 #include <memory>
+#include <utility>
+
+#include "Foundation/Strings/AlphabetGuesses.h"
+#include "Foundation/Strings/WideTextGuess.h"
 
 namespace pelvor {
 namespace {
 
-constexpr std::size_t kSampleLength = 64 * 1024;
+constexpr std::size_t kSampleLength = 16 * 1024;
+constexpr int kConfidenceOfUTF8 = 25;  // ICU's, where there are characters beyond ASCII
 
 // The mark of UTF-32 little-endian begins with that of UTF-16, so it stands first.
 constexpr EncodingMark kMarks[] = {
@@ -39,11 +45,8 @@ bool isValid(std::string_view bytes, NSStringEncoding encoding) {
     return TextDecoder(encoding).decode(bytes, units);
 }
 
-}  // namespace
-
-std::vector<EncodingGuess> detectEncodings(std::string_view bytes) {
-    if (bytes.empty()) return {};
-    bytes = bytes.substr(0, kSampleLength);
+// Those of ICU, the most confident first.
+std::vector<EncodingGuess> guessByStatistics(std::string_view bytes) {
     UErrorCode error = U_ZERO_ERROR;
     std::unique_ptr<UCharsetDetector, void (*)(UCharsetDetector*)> detector(ucsdet_open(&error),
                                                                             &ucsdet_close);
@@ -58,6 +61,64 @@ std::vector<EncodingGuess> detectEncodings(std::string_view bytes) {
             guesses.push_back(std::move(guess));
     }
     return guesses;
+}
+
+// ICU tells an encoding of Windows from its ISO kin by the few characters that only the former has.
+NSStringEncoding isoKinOf(NSStringEncoding encoding) {
+    static const std::map<NSStringEncoding, NSStringEncoding> kin{
+        {encodingForName("windows-1250"), encodingForName("iso-8859-2")},
+        {encodingForName("windows-1252"), encodingForName("iso-8859-1")},
+        {encodingForName("windows-1253"), encodingForName("iso-8859-7")},
+        {encodingForName("windows-1254"), encodingForName("iso-8859-9")},
+        {encodingForName("windows-1255"), encodingForName("iso-8859-8")}};
+    const auto found = kin.find(encoding);
+    return found == kin.end() ? encoding : found->second;
+}
+
+int confidenceIn(const std::vector<EncodingGuess>& guesses, NSStringEncoding encoding) {
+    const NSStringEncoding isoKin = isoKinOf(encoding);
+    for (const EncodingGuess& guess : guesses)
+        if (guess.encoding == encoding || guess.encoding == isoKin) return guess.confidence;
+    return 0;
+}
+
+bool has(const std::vector<EncodingGuess>& guesses, NSStringEncoding encoding) {
+    return std::any_of(guesses.begin(), guesses.end(),
+                       [&](const EncodingGuess& guess) { return guess.encoding == encoding; });
+}
+
+// Alphabets tell more encodings than ICU, and tell them better. Where several fit, its statistics decide;
+// what alphabets do not know, such as encodings by escapes, goes last.
+std::vector<EncodingGuess> joined(std::vector<EncodingGuess> byAlphabets,
+                                  std::vector<EncodingGuess> byStatistics) {
+    std::stable_sort(
+        byAlphabets.begin(), byAlphabets.end(), [&](const EncodingGuess& a, const EncodingGuess& b) {
+            if (a.confidence != b.confidence) return a.confidence > b.confidence;
+            return confidenceIn(byStatistics, a.encoding) > confidenceIn(byStatistics, b.encoding);
+        });
+    for (EncodingGuess& guess : byStatistics)
+        if (!has(byAlphabets, guess.encoding)) byAlphabets.push_back(std::move(guess));
+    return byAlphabets;
+}
+
+}  // namespace
+
+std::vector<EncodingGuess> detectEncodings(std::string_view bytes) {
+    if (bytes.empty()) return {};
+    bytes = bytes.substr(0, kSampleLength);
+    std::vector<EncodingGuess> guesses = guessByStatistics(bytes);
+    const auto mark = encodingMarkOf(bytes);
+    if (mark && has(guesses, mark->encoding)) return guesses;
+    // Without a mark, ICU takes bytes with zeros here and there for wide text.
+    std::erase_if(guesses, [](const EncodingGuess& guess) {
+        return !markOfEncoding(guess.encoding).empty() && guess.encoding != NSUTF8StringEncoding;
+    });
+    if (auto wide = guessWideText(bytes)) {
+        guesses.insert(guesses.begin(), *wide);
+        return guesses;
+    }
+    if (confidenceIn(guesses, NSUTF8StringEncoding) >= kConfidenceOfUTF8) return guesses;
+    return joined(guessByAlphabets(bytes), std::move(guesses));
 }
 
 std::optional<EncodingMark> encodingMarkOf(std::string_view bytes) {

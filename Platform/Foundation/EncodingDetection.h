@@ -16,13 +16,14 @@ struct EncodingGuess {
     NSStringEncoding encoding;
     int confidence;  ///< 0 to 100; up to 10 stands for hardly more than "not impossible"
     std::string
-        language;  ///< the text's language as an ISO code ("ru"), empty where the guess says nothing of it
+        language;  ///< an ISO code ("ru"): one that the text may be in; empty where the guess says nothing
 };
 
-/// The encodings in which the bytes are valid text, as their statistics tell, the most confident first; empty
-/// where nothing fits. Marks at the front count. The first few thousand bytes decide, and the last character
-/// may be cut, so that a sample from the front of a file is enough. The less text there is, the less the
-/// guesses are worth: below a hundred bytes they are often wrong. Any thread.
+/// The encodings in which the bytes are valid text, the most confident first; empty where nothing fits. Marks
+/// at the front, the statistics of languages and the letters of the languages that an encoding was made for
+/// tell them; UTF-16 and UTF-32 need no mark. The first few thousand bytes decide, and the last character may
+/// be cut, so that a sample from the front of a file is enough. The less text there is, the less the guesses
+/// are worth: below a hundred bytes they are often wrong. Any thread.
 ///
 ///     for (const EncodingGuess& guess : detectEncodings(bytes))
 ///         if (guess.confidence >= 50) return guess.encoding;

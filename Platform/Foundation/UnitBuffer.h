@@ -31,8 +31,14 @@ class UnitBuffer {
   public:
     /// With room for as many units as the text is expected to have.
     explicit UnitBuffer(std::size_t expected) { reserve(std::max<std::size_t>(expected, 16)); }
-    UnitBuffer(const UnitBuffer&) = delete;
-    UnitBuffer& operator=(const UnitBuffer&) = delete;
+    UnitBuffer(UnitBuffer&& other) : UnitBuffer(0) { *this = std::move(other); }
+    /// The units of both are exchanged.
+    UnitBuffer& operator=(UnitBuffer&& other) noexcept {
+        std::swap(_units, other._units);
+        std::swap(_size, other._size);
+        std::swap(_capacity, other._capacity);
+        return *this;
+    }
     ~UnitBuffer() { std::free(_units); }
 
     void append(std::u16string_view text) {
@@ -57,6 +63,13 @@ class UnitBuffer {
             std::memcpy(_units + _size + i, text.data() + place + i, kBlock * sizeof(unichar));
         _size += count;
     }
+    /// Room for so many units behind the last one, to be written to before `take`.
+    unichar* room(std::size_t count) {
+        if (count > _capacity - _size) reserve(std::max(_size + count, _capacity + _capacity / 2));
+        return _units + _size;
+    }
+    /// Appends so many of the units that were written to the room.
+    void take(std::size_t count) { _size += count; }
     std::u16string_view view() const PELVOR_LIFETIMEBOUND { return {_units, _size}; }
 
     /// The text as a borrowed string; the buffer is empty then. Raises NSMallocException for a text that is

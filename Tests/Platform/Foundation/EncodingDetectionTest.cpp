@@ -46,6 +46,32 @@ TEST(EncodingDetectionTest, TextIsGuessedWithItsLanguage) {
     }
 }
 
+// Alphabets and the units of wide text tell what the statistics alone do not.
+TEST(EncodingDetectionTest, TextIsGuessedByItsLetters) {
+    const struct {
+        const char* name;
+        std::u16string_view text;
+    } rows[] = {
+        {"windows-1257", u"Rytą virš upės tvyrojo rūkas, ir tolimas krantas atrodė arčiau"},
+        {"ibm852", u"Rano nad rzeką stała mgła i drugi brzeg wydawał się bliższy"},
+        {"x-mac-cyrillic", u"Утром над рекой стоял туман, и дальний берег казался ближе"},
+        {"windows-874", u"ตอนเช้ามีหมอกปกคลุมแม่น้ำ และฝั่งตรงข้ามดูใกล้กว่าที่เป็นจริง"},
+        {"utf-16le", u"朝、川の上には霧が立ちこめ、向こう岸は近く見えた。"},
+        {"utf-16be", u"아침에 강 위에는 안개가 끼어 있었고"},
+        {"utf-16le", u"早晨河面上起了雾，对岸看起来比实际上更近。\n"},
+        {"utf-16be", u"ตอนเช้ามีหมอก\n"},
+        {"utf-32le", u"h🐈"},
+    };
+    for (const auto& row : rows) {
+        const auto guesses = detectEncodings(encodeUnits(row.text, encodingForName(row.name)).value());
+        ASSERT_FALSE(guesses.empty()) << row.name;
+        EXPECT_EQ(ianaNameOfEncoding(guesses[0].encoding), row.name);
+    }
+    for (std::string_view bytes : {"hello\0world\n"sv, "na\xC3\xAFve\0text"sv, "\1\0\2\0\3\0\4\0"sv})
+        for (const EncodingGuess& guess : detectEncodings(bytes))
+            EXPECT_FALSE(ianaNameOfEncoding(guess.encoding).starts_with("utf-16")) << bytes;
+}
+
 TEST(EncodingDetectionTest, GuessesAreEncodingsInWhichTheBytesAreValid) {
     EXPECT_TRUE(detectEncodings("").empty());
     for (std::string_view bytes : {"a\x81\xFF"sv, "\xC3\xA9\xC3"sv, "\xFF\xFE\0\xD8"sv})
