@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// Reads any bytes as a text file and as a Markdown document.
+// Reads any bytes as a text file and as a Markdown document, and writes the text again.
 #include <cstdlib>
 
+#include "Foundation/EncodingDetection.h"
 #include "Writer/PlugIns/Markdown/MarkdownText.h"
 #include "Writer/PlugIns/TextFiles/TextFileDecoding.h"
 #include "Writer/TextParagraphs.h"
@@ -37,6 +38,11 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     require(units.find(u'\0') == units.npos);
     const TextFileContent again = decodeTextFile(source, content.encodingName);
     require(again.text.view() == units && again.hasByteOrderMark == content.hasByteOrderMark);
+    if (!content.isLossy) {
+        const NSStringEncoding encoding = encodingForName(content.encodingName);
+        const std::string mark(content.hasByteOrderMark ? markOfEncoding(encoding) : "");
+        require(mark + encodeUnits(units, encoding).value() == bytes);
+    }
     checkParagraphs(units);
     const std::u16string text = textOfMarkdown(units);
     require(text.size() <= units.size() + 1);

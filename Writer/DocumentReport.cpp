@@ -5,7 +5,6 @@
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSNumber.h"
 #include "NSString-PelvorAdditions.h"
-#include "PBUtil.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
 #include "Writer/TextMeasure.h"
@@ -46,9 +45,23 @@ bool isQuantity(NSString* text, NSRange range) {
                .location != NSNotFound;
 }
 
-}  // namespace
+// What the user should know about the way in which the document was read.
+void reportDoubts(WRReport* report, WRDocument* document) {
+    if (!document->encodingName())
+        report->addLine(localized(u"_Where a document is text, \"--encoding\" reads it as text."_ns));
+    if (NSString* mark = document->contradictingMark())
+        report->addLine(
+            localizedFormat(u"_The byte-order mark of the file is that of the encoding \"%@\"."_ns, mark));
+    if (document->confidence() == 100) return;
+    report->addLine(
+        localizedFormat(u"_The encoding is a guess, sure to %u %%. \"--encoding\" names another one."_ns,
+                        static_cast<NSUInteger>(document->confidence())));
+    if (document->otherEncodings()->count())
+        report->addLabel_value(localized(u"_Others that fit"_ns),
+                               document->otherEncodings()->componentsJoinedByString(u", "_ns));
+}
 
-NSString* localized(NSString* key) { return _PBDoLocalize(key, nullptr); }
+}  // namespace
 
 void reportDocument(WRReport* report, WRDocument* document, WRDocumentOpener* opener) {
     report->addHeading(localizedFormat(u"_Document \"%@\""_ns, document->path()->lastPathComponent()));
@@ -59,6 +72,7 @@ void reportDocument(WRReport* report, WRDocument* document, WRDocumentOpener* op
         add(u"_Encoding"_ns, document->hasByteOrderMark()
                                  ? localizedFormat(u"_%@ with a byte-order mark"_ns, encoding)
                                  : encoding);
+    reportDoubts(report, document);
     add(u"_Bytes"_ns, number(document->byteCount()));
     add(u"_UTF-16 units"_ns, number(document->text()->length()));
     add(u"_First line"_ns, firstLineOfText(document->text(), kLineLength));

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Foundation/NSString.h"
+#include "Writer/LocalizedText.h"
 
 namespace pelvor {
 
@@ -13,24 +14,14 @@ class WRDocumentSaver;
 class WRReport;
 struct TextCount;
 
-/// The text for the key in the user's language, with the arguments in place. Borrowed.
-template <class... Arguments>
-NSString* localizedFormat(NSString* key, const Arguments&... arguments);
-NSString* localized(NSString* key);
-
 /// What the document is, and why this reader read it.
 void reportDocument(WRReport* report, WRDocument* document, WRDocumentOpener* opener);
-/// What was counted in it.
+/// What was counted in the document.
 void reportCount(WRReport* report, const TextCount& count);
 /// The word or quantity and the paragraph at the position, and the word together with the one before it. The
 /// position must not be behind the end.
 void reportCaret(WRReport* report, WRDocument* document, NSUInteger position);
-/// What a writer answered who wrote it to the path.
+/// What the writer answered that wrote the document to the path.
 void reportWriting(WRReport* report, NSString* path, WRDocumentSaver* saver, NSDictionary* answer);
-
-template <class... Arguments>
-NSString* localizedFormat(NSString* key, const Arguments&... arguments) {
-    return NSString::stringWithFormat(localized(key), arguments...);
-}
 
 }  // namespace pelvor

@@ -3,8 +3,8 @@
 
 #include "Foundation/NSString.h"
 #include "PBProfileKeys.h"
-#include "PBUtil.h"
 #include "Runtime/NSException.h"
+#include "Writer/LocalizedText.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
 
@@ -22,17 +22,15 @@ Retained<Object> makePlugInObject(PBProfile* profile) {
 
 NSDictionary* failureAnswer(PBProfile* profile) {
     const std::string reason = currentExceptionReason();
-    NSString* message =
-        NSString::stringWithFormat(_PBDoLocalize(u"_The plug-in \"%@\" failed: %@"_ns, nullptr),
-                                   nameOfProfile(profile), NSString::ofUTF8(reason));
+    NSString* message = localizedFormat(u"_The plug-in \"%@\" failed: %@"_ns, nameOfProfile(profile),
+                                        NSString::ofUTF8(reason));
     return NSDictionary::of({{WRErrorKey, WRErrorPlugIn}, {WRMessageKey, message}});
 }
 
 NSString* problemOfAnswer(NSDictionary* answer, NSString* key, PBProfile* profile) {
     if (!answer->objectForKey(WRErrorKey) && answer->objectForKey(key)) return nullptr;
     if (auto* message = cast<NSString>(answer->objectForKey(WRMessageKey))) return message;
-    return NSString::stringWithFormat(_PBDoLocalize(u"_The plug-in \"%@\" answered nothing."_ns, nullptr),
-                                      nameOfProfile(profile));
+    return localizedFormat(u"_The plug-in \"%@\" answered nothing."_ns, nameOfProfile(profile));
 }
 
 }  // namespace pelvor

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Makes and asks the objects behind profiles; what plug-ins throw ends here.
+// Makes the objects behind profiles and sends them messages. Exceptions of plug-ins end here.
 #pragma once
 
 #include "Foundation/NSDictionary.h"
@@ -8,20 +8,20 @@
 
 namespace pelvor {
 
-/// A new object of the profile's class, made by its `init`. Raises NSInvalidArgumentException if the class is
-/// not there or makes nothing.
+/// A new object of the profile's class, made by `init`. Raises NSInvalidArgumentException if there is no such
+/// class or its `init` returns null.
 Retained<Object> makePlugInObject(PBProfile* profile);
 
 /// The answer that tells that the plug-in failed with the exception being handled. Only inside a catch
 /// clause. Borrowed.
 NSDictionary* failureAnswer(PBProfile* profile);
 
-/// The message of an answer that tells of an error, and of one that has nothing under `key`; none for an
-/// answer that is good. Borrowed.
+/// What is wrong with an answer, as a sentence for the user: the answer tells of an error, or has nothing
+/// under `key`. Null for a good answer. Borrowed.
 NSString* problemOfAnswer(NSDictionary* answer, NSString* key, PBProfile* profile);
 
-/// Sends a message to a new object of the profile's class and answers its answer, or one that tells of an
-/// error; an empty one where it answers none. Borrowed.
+/// Sends a message to a new object of the profile's class and returns the answer: an empty one if the object
+/// returns null, one that tells of an error if the plug-in throws. Borrowed.
 template <class... Arguments>
 NSDictionary* askPlugIn(PBProfile* profile, SEL selector, const Arguments&... arguments) {
     try {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What Writer and its plug-ins say to each other.
+// The messages, keys and values that Writer and its plug-ins share.
 #pragma once
 
 #include "Foundation/NSString.h"
@@ -9,15 +9,17 @@ namespace pelvor {
 // A plug-in is a bundle in the PlugIns folder of Writer. Its Profiles.plist declares what it offers; each
 // profile has an identifier, PBProfileTypeKey, PBProfileNameKey (the key of the name in the table that
 // PBProfileStringsKey names) and, where there is code behind it, PBProfileClassKey. Writer makes an object by
-// sending `init` to the class of that name and talks to it by the messages below, so a plug-in needs this
+// sending `init` to the class of that name, and sends it the messages below, so a plug-in needs this
 // header but no code of Writer's. All messages come on the main thread.
 //
 // Document readers (PBProfileDocumentReaderType)
 //
 //     NSDictionary* readDocumentAtPath:(NSString*) options:(NSDictionary*)
 //         Options: WREncodingKey, if the user named an encoding; WRProgressKey.
-//         Answers WRTextKey and, where they make sense, WREncodingKey, WRByteOrderMarkKey, WRByteCountKey;
-//         or WRErrorKey and WRMessageKey. With WRErrorRefused the next reader is tried.
+//         Returns WRTextKey and, where they make sense, WREncodingKey, WRByteOrderMarkKey, WRByteCountKey,
+//         WRLossyKey, WRConfidenceKey, WROtherEncodingsKey, WRContradictingMarkKey; or WRErrorKey and
+//         WRMessageKey. After WRErrorRefused the next reader is tried, and also where the user named
+//         an encoding and the answer has no WREncodingKey.
 //
 //         A reader whose text is less than the document says so in its profile, by WRFidelityKey.
 //
@@ -26,20 +28,20 @@ namespace pelvor {
 //     NSDictionary* writeText:(NSString*) toPath:(NSString*) options:(NSDictionary*)
 //         Options: WREncodingKey, if the user named an encoding; WRDocumentEncodingKey and
 //         WRByteOrderMarkKey, the encoding and the mark that the document was read with, if there were any.
-//         Answers WREncodingKey and WRByteCountKey; or WRErrorKey and WRMessageKey. The path then holds what
-//         it held before.
+//         Returns WREncodingKey and WRByteCountKey; or WRErrorKey and WRMessageKey, and then the file at the
+//         path is what it was before.
 //
 // Document services (PBProfileDocumentServiceType)
 //
 //     NSDictionary* examineDocument:(id)
-//         The document answers `path` and `text`, strings, `paragraphCount`, a number, and
-//         `paragraphAtIndex:`, the paragraph's text without what ends it.
-//         Answers what was found: from names, in the user's language, to strings or numbers, in the order in
+//         The document has the methods `path` and `text`, strings, `paragraphCount`, a number, and
+//         `paragraphAtIndex:`, the paragraph's text without its end.
+//         Returns what was found: from names, in the user's language, to strings or numbers, in the order in
 //         which they are to be shown.
 //
-// PBProfileDocumentTypesKey of readers and writers lists file extensions in lower case, and "*" if every
-// document will do. Those that name a document's extension go before those with "*", and then those with the
-// lower PBProfilePaletteOrderKey go first; services are run in that order too.
+// PBProfileDocumentTypesKey of readers and writers lists file extensions in lower case, and "*" for
+// every document. Profiles that name a document's extension go before those with "*", and among equals the
+// ones with the lower PBProfilePaletteOrderKey go first; services run in that order, too.
 //
 // Writer never replaces a document by less than was in it. The profile of a reader has WRFidelityKey unless
 // its text is the whole document.
@@ -57,6 +59,13 @@ inline constexpr NSString* WREncodingKey = u"encoding"_ns;
 inline constexpr NSString* WRDocumentEncodingKey = u"document encoding"_ns;
 /// A number: whether the encoding is a guess, and the text in it would not be the bytes of the file again.
 inline constexpr NSString* WRLossyKey = u"lossy"_ns;
+/// A number: how sure a guess of the encoding is, from 0 to 100.
+inline constexpr NSString* WRConfidenceKey = u"confidence"_ns;
+/// An array of strings: names of other encodings that may be meant, the likeliest first.
+inline constexpr NSString* WROtherEncodingsKey = u"other encodings"_ns;
+/// A string: the name of the encoding whose byte-order mark the file begins with, where it was read in
+/// another.
+inline constexpr NSString* WRContradictingMarkKey = u"contradicting mark"_ns;
 /// An object that may be told how far the reading has come, by `readerDidRead:of:` with two unsigned long
 /// long numbers of bytes.
 inline constexpr NSString* WRProgressKey = u"progress"_ns;

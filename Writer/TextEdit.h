@@ -16,12 +16,12 @@ struct TextEdit {
 
 /// The greatest number that a user may write.
 inline constexpr NSUInteger kGreatestTextPosition = 999'999'999;
-/// A number without sign, and nothing else; none if the text is no such number.
+/// The number that the text is; no value unless the text is digits alone and at most the number above.
 std::optional<NSUInteger> textPositionOf(NSString* text);
 
-/// Reads "insert POSITION TEXT", "delete POSITION LENGTH" or "replace POSITION LENGTH TEXT"; none if the line
-/// is nothing of that. The text goes on to the end of the line; "\n", "\t" and "\\" in it stand for a line
-/// end, a tab and a backslash.
+/// Reads "insert POSITION TEXT", "delete POSITION LENGTH" or "replace POSITION LENGTH TEXT"; no value if
+/// the line is none of these. The text goes on to the end of the line; "\n", "\t" and "\\" in it stand for a
+/// line end, a tab and a backslash.
 std::optional<TextEdit> textEditOf(NSString* line);
 
 }  // namespace pelvor

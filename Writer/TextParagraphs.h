@@ -6,7 +6,7 @@
 
 namespace pelvor {
 
-/// Answers the paragraph at the front of `rest`, without what ends it, and moves `rest` behind it. Paragraphs
+/// Returns the paragraph at the front of `rest`, without its end, and moves `rest` behind it. Paragraphs
 /// end with CR LF, LF, CR, or a line or paragraph separator. The end of the text ends the last one; an empty
 /// text has none.
 inline std::u16string_view takeParagraph(std::u16string_view& rest) {

@@ -13,6 +13,7 @@
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSMutableSet.h"
 #include "Foundation/NSNotificationCenter.h"
+#include "Foundation/NSStringEncoding.h"
 #include "NSRunLoop-PelvorAdditions.h"
 #include "PBObserverSet.h"
 #include "PBPostLoader.h"
@@ -65,6 +66,16 @@ NSString* namesOf(NSArray* bundles) {
     return names->componentsJoinedByString(u", "_ns);
 }
 
+// A line an encoding, its usual name first.
+NSString* namesOfAllEncodings() {
+    std::string lines;
+    for (const NSStringEncoding encoding : availableEncodings()) {
+        for (std::string_view name : namesOfEncoding(encoding)) lines += std::string(name) + " ";
+        lines.back() = '\n';
+    }
+    return NSString::ofUTF8(lines);
+}
+
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRApplication, writerLibrary) {
@@ -99,6 +110,10 @@ int WRApplication::run() {
     }
     if (_arguments->hasOption(u"--help"_ns)) {
         print(WRArguments::usage()->stringByAppendingString(u"\n"_ns));
+        return 0;
+    }
+    if (_arguments->hasOption(u"--encodings"_ns)) {
+        print(namesOfAllEncodings());
         return 0;
     }
     startUp();

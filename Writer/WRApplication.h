@@ -32,8 +32,9 @@ class WRApplication : public NSObject {
     static Retained<WRApplication> initWithArguments_start(NSArray* arguments,
                                                            std::chrono::steady_clock::time_point start);
 
-    /// Does it all and answers the exit status: 0; 1 if the document could not be read, changed or written;
-    /// 2 for arguments that mean nothing. Prints to standard output, and what went wrong to standard error.
+    /// Does the program's work and returns the exit status: 0; 1 if the document could not be read, changed
+    /// or written; 2 for arguments that mean nothing. Prints to standard output, and problems to standard
+    /// error.
     int run();
 
     /// Observes PBProfilesDidChangeNotification: notes the profiles that are new.

@@ -4,7 +4,7 @@
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSMutableString.h"
-#include "PBUtil.h"
+#include "Writer/LocalizedText.h"
 #include "Writer/TextEdit.h"
 #include "Writer/WriterLibrary.h"
 
@@ -76,6 +76,10 @@ constexpr ProgramOption kOptions[] = {
      .placeholder = u""_ns,
      .explanation = u"_stays and takes edits, \"at POSITION\", \"save\" and \"quit\" from standard input"_ns},
     {.kind = OptionKind::flag,
+     .name = u"--encodings"_ns,
+     .placeholder = u""_ns,
+     .explanation = u"_lists the names of encodings and nothing else"_ns},
+    {.kind = OptionKind::flag,
      .name = u"--list"_ns,
      .placeholder = u""_ns,
      .explanation = u"_shows what is registered and nothing else"_ns},
@@ -93,27 +97,22 @@ const ProgramOption* optionNamed(NSString* name) {
     return nullptr;
 }
 
-template <class... Arguments>
-NSString* problemText(NSString* key, const Arguments&... arguments) {
-    return NSString::stringWithFormat(_PBDoLocalize(key, nullptr), arguments...);
-}
-
-// What is wrong with the value, or none.
+// What is wrong with the value; null if nothing is.
 NSString* problemOfValue(const ProgramOption& option, NSString* value) {
     if (value->length() == 0 && option.kind != OptionKind::anyText)
-        return problemText(u"_The argument \"%@\" needs a value."_ns, option.name);
+        return localizedFormat(u"_The argument \"%@\" needs a value."_ns, option.name);
     if (option.kind == OptionKind::edit && !textEditOf(value))
-        return problemText(u"_The argument \"%@\" does not understand \"%@\"."_ns, option.name, value);
+        return localizedFormat(u"_The argument \"%@\" does not understand \"%@\"."_ns, option.name, value);
     if (option.kind == OptionKind::choice &&
         !option.choices->componentsSeparatedByString(u", "_ns)->containsObject(value))
-        return problemText(u"_The argument \"%@\" takes one of %@, not \"%@\"."_ns, option.name,
-                           option.choices, value);
+        return localizedFormat(u"_The argument \"%@\" takes one of %@, not \"%@\"."_ns, option.name,
+                               option.choices, value);
     if (option.kind != OptionKind::number) return nullptr;
     const auto number = textPositionOf(value);
     return number && *number >= option.least
                ? nullptr
-               : problemText(u"_The argument \"%@\" takes a number from %u to %u, not \"%@\"."_ns,
-                             option.name, option.least, kGreatestTextPosition, value);
+               : localizedFormat(u"_The argument \"%@\" takes a number from %u to %u, not \"%@\"."_ns,
+                                 option.name, option.least, kGreatestTextPosition, value);
 }
 
 }  // namespace
@@ -153,17 +152,17 @@ void WRArguments::takeArgument(NSArray* arguments, NSUInteger& index) {
     const ProgramOption* option =
         optionNamed(isJoined ? argument->substringToIndex(equals.location) : argument);
     if (!option || (isJoined && option->kind == OptionKind::flag))
-        return _problem.set(problemText(u"_The argument \"%@\" is not known."_ns, argument));
+        return _problem.set(localizedFormat(u"_The argument \"%@\" is not known."_ns, argument));
     if (option->kind == OptionKind::flag) return addValue(option->name, u""_ns);
     if (isJoined) return takeValue(*option, argument->substringFromIndex(NSMaxRange(equals)));
     if (++index == arguments->count())
-        return _problem.set(problemText(u"_The argument \"%@\" needs a value."_ns, option->name));
+        return _problem.set(localizedFormat(u"_The argument \"%@\" needs a value."_ns, option->name));
     takeValue(*option, static_cast<NSString*>(arguments->objectAtIndex(index)));
 }
 
 void WRArguments::takeDocument(NSString* path) {
     if (_documentPath)
-        _problem.set(problemText(u"_Only one document can be opened; \"%@\" is too many."_ns, path));
+        _problem.set(localizedFormat(u"_Only one document can be opened; \"%@\" is too many."_ns, path));
     _documentPath.set(path);
 }
 
@@ -180,8 +179,8 @@ void WRArguments::addValue(NSString* name, NSString* value) {
 void WRArguments::checkTogether() {
     for (const ProgramOption& option : kOptions)
         if (option.needed && hasOption(option.name) && !hasOption(option.needed))
-            _problem.set(
-                problemText(u"_The argument \"%@\" needs another: \"%@\"."_ns, option.name, option.needed));
+            _problem.set(localizedFormat(u"_The argument \"%@\" needs another: \"%@\"."_ns, option.name,
+                                         option.needed));
 }
 
 bool WRArguments::hasOption(NSString* name) { return _values->objectForKey(name); }
@@ -203,14 +202,13 @@ NSArray* WRArguments::valuesOfOption(NSString* name) {
 
 NSString* WRArguments::usage() {
     NSMutableString* text = NSMutableString::string();
-    text->appendString(_PBDoLocalize(u"_Usage: PelvorWriter [options] [document]"_ns, nullptr));
+    text->appendString(localized(u"_Usage: PelvorWriter [options] [document]"_ns));
     text->append(u"\n");
-    text->appendString(
-        _PBDoLocalize(u"_Opens the document, or a sample, and tells what is in it."_ns, nullptr));
+    text->appendString(localized(u"_Opens the document, or a sample, and tells what is in it."_ns));
     for (const ProgramOption& option : kOptions) {
         NSString* form = NSString::stringWithFormat(u"%@ %@"_ns, option.name, option.placeholder);
         form = form->stringByPaddingToLength_withString_startingAtIndex(20, u" "_ns, 0);
-        text->appendFormat(u"\n  %@  %@"_ns, form, _PBDoLocalize(option.explanation, nullptr));
+        text->appendFormat(u"\n  %@  %@"_ns, form, localized(option.explanation));
     }
     return text;
 }

@@ -11,7 +11,11 @@ class NSMutableDictionary;
 struct ProgramOption;
 
 /// The arguments of the program, "--encoding NAME" or "--encoding=NAME", in any order; after "--" everything
-/// is a document. Options are asked for by their names, "--encoding".
+/// is a document. Callers ask for options by name:
+///
+///     auto arguments = WRArguments::initWithArguments(strings);
+///     if (NSString* problem = arguments->problem()) return complain(problem);
+///     NSString* name = arguments->valueOfOption(u"--encoding"_ns);
 class WRArguments : public NSObject {
     PELVOR_CLASS(WRArguments, NSObject);
     PELVOR_CREATORS(initWithArguments);
@@ -20,16 +24,16 @@ class WRArguments : public NSObject {
     /// Takes the strings that follow the program's name.
     static Retained<WRArguments> initWithArguments(NSArray* arguments, Class* cls = classObject());
 
-    /// What is wrong with the arguments, as a sentence for the user; none if nothing is.
+    /// What is wrong with the arguments, as a sentence for the user; null if nothing is.
     NSString* problem() { return _problem; }
-    /// None for the sample document.
+    /// Null for the sample document.
     NSString* documentPath() { return _documentPath; }
     bool hasOption(NSString* name);
-    /// The value that was given last; none if the option was not given.
+    /// The value that was given last; null if the option was not given.
     NSString* valueOfOption(NSString* name);
-    /// Of an option with a number; 0 if it was not given.
+    /// The value of an option with a number; 0 if the option was not given.
     NSUInteger numberOfOption(NSString* name);
-    /// All the values, in their order. Borrowed.
+    /// All values of an option that may be repeated, in their order. Borrowed.
     NSArray* valuesOfOption(NSString* name);
 
     /// The explanation of the arguments.

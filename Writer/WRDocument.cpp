@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/WRDocument.h"
 
-#include "Foundation/NSDictionary.h"
+#include "Foundation/NSArray.h"
+#include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSMutableString.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSNumber.h"
@@ -14,8 +15,11 @@
 namespace pelvor {
 namespace {
 
+// The entry as a number; null where it is anything else.
+NSNumber* numberOf(NSDictionary* answer, NSString* key) { return cast<NSNumber>(answer->objectForKey(key)); }
+
 bool isSet(NSDictionary* answer, NSString* key) {
-    auto* number = cast<NSNumber>(answer->objectForKey(key));
+    NSNumber* number = numberOf(answer, key);
     return number && number->boolValue();
 }
 
@@ -32,6 +36,9 @@ PELVOR_DEFINE_CLASS(WRDocument, writerLibrary) {
     methods.instance<"encodingName", &WRDocument::encodingName>();
     methods.instance<"hasByteOrderMark", &WRDocument::hasByteOrderMark>();
     methods.instance<"isLossy", &WRDocument::isLossy>();
+    methods.instance<"confidence", &WRDocument::confidence>();
+    methods.instance<"otherEncodings", &WRDocument::otherEncodings>();
+    methods.instance<"contradictingMark", &WRDocument::contradictingMark>();
     methods.instance<"byteCount", &WRDocument::byteCount>();
     methods.instance<"paragraphCount", &WRDocument::paragraphCount>();
     methods.instance<"paragraphAtIndex:", &WRDocument::paragraphAtIndex>();
@@ -48,12 +55,35 @@ Retained<WRDocument> WRDocument::initWithPath_reader_answer(NSString* path, PBPr
     self->_path = path->copy();
     self->_text = text->copy();
     self->_reader.set(reader);
-    self->_encodingName.set(cast<NSString>(answer->objectForKey(WREncodingKey)));
-    self->_hasByteOrderMark = isSet(answer, WRByteOrderMarkKey);
-    self->_isLossy = isSet(answer, WRLossyKey);
-    auto* count = cast<NSNumber>(answer->objectForKey(WRByteCountKey));
-    self->_byteCount = count ? count->unsignedLongLongValue() : 0;
+    auto* rest = NSMutableDictionary::dictionaryWithDictionary(answer);
+    rest->removeObjectForKey(WRTextKey);
+    self->_answer.set(rest);
     return self;
+}
+
+NSString* WRDocument::encodingName() { return cast<NSString>(_answer->objectForKey(WREncodingKey)); }
+
+bool WRDocument::hasByteOrderMark() { return isSet(_answer, WRByteOrderMarkKey); }
+
+bool WRDocument::isLossy() { return isSet(_answer, WRLossyKey); }
+
+int WRDocument::confidence() {
+    NSNumber* confidence = numberOf(_answer, WRConfidenceKey);
+    return confidence ? confidence->intValue() : 100;
+}
+
+NSArray* WRDocument::otherEncodings() {
+    auto* names = cast<NSArray>(_answer->objectForKey(WROtherEncodingsKey));
+    return names ? names : NSArray::array();
+}
+
+NSString* WRDocument::contradictingMark() {
+    return cast<NSString>(_answer->objectForKey(WRContradictingMarkKey));
+}
+
+unsigned long long WRDocument::byteCount() {
+    NSNumber* count = numberOf(_answer, WRByteCountKey);
+    return count ? count->unsignedLongLongValue() : 0;
 }
 
 void WRDocument::replaceCharactersInRange_withString(NSRange range, NSString* string) {

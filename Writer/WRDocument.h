@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// WRDocument: a document that was read.
+// WRDocument: a document that a reader has read.
 #pragma once
 
 #include <functional>
@@ -10,6 +10,7 @@
 
 namespace pelvor {
 
+class NSArray;
 class NSDictionary;
 class NSMutableString;
 class PBProfile;
@@ -23,7 +24,7 @@ class WRDocument : public NSObject {
     PELVOR_CREATORS(initWithPath_reader_answer);
 
   public:
-    /// Takes what a reader answered; none if there is no text in it.
+    /// Takes what a reader answered; null if there is no text in it.
     static Retained<WRDocument> initWithPath_reader_answer(NSString* path, PBProfile* reader,
                                                            NSDictionary* answer, Class* cls = classObject());
 
@@ -33,24 +34,31 @@ class WRDocument : public NSObject {
     /// Changes the text. Raises NSRangeException for a range outside.
     void replaceCharactersInRange_withString(NSRange range, NSString* string);
     void setText(NSString* text);
-    /// Has the function change the text.
+    /// Calls the function with the text, which it may change.
     void changeText(const std::function<void(NSMutableString*)>& change);
     /// The profile of the reader that read it.
     PBProfile* reader() { return _reader; }
-    /// None where there is no encoding, as for bytes.
-    NSString* encodingName() { return _encodingName; }
-    bool hasByteOrderMark() { return _hasByteOrderMark; }
+    /// Null where there is no encoding, as for bytes.
+    NSString* encodingName();
+    bool hasByteOrderMark();
     /// Whether the encoding is a guess in which the text would not be the bytes of the file again.
-    bool isLossy() { return _isLossy; }
+    bool isLossy();
+    /// How sure a guess of the encoding is, from 0 to 100; 100 for an encoding that is no guess.
+    int confidence();
+    /// The names of other encodings that may be meant. Borrowed.
+    NSArray* otherEncodings();
+    /// The name of the encoding whose byte-order mark the file has although it was read in another; else
+    /// null.
+    NSString* contradictingMark();
     /// The length of the file when it was read.
-    unsigned long long byteCount() { return _byteCount; }
+    unsigned long long byteCount();
 
     /// Paragraphs are those of `paragraphRangeForRange`; the end of the text ends the last one. An empty text
-    /// has none.
+    /// has no paragraphs.
     NSUInteger paragraphCount();
-    /// The paragraph without what ends it. Raises NSRangeException for an index at or past the count.
+    /// The paragraph without its end. Raises NSRangeException for an index at or past the count.
     NSString* paragraphAtIndex(NSUInteger index);
-    /// Where it is in the text. Raises like `paragraphAtIndex`.
+    /// The range of that paragraph in the text. Raises like `paragraphAtIndex`.
     NSRange rangeOfParagraphAtIndex(NSUInteger index);
 
   protected:
@@ -64,10 +72,7 @@ class WRDocument : public NSObject {
     Retained<NSString> _path;
     Retained<NSString> _text;
     Retained<PBProfile> _reader;
-    Retained<NSString> _encodingName;
-    unsigned long long _byteCount = 0;
-    bool _hasByteOrderMark = false;
-    bool _isLossy = false;
+    Retained<NSDictionary> _answer;                   // the reader's, without the text
     std::optional<std::vector<NSRange>> _paragraphs;  // found when first asked for
 };
 

@@ -25,7 +25,7 @@ inline constexpr NSString* WRDocumentDidCountNotification = u"WRDocumentDidCount
 ///     counter->start();
 ///
 /// Observers are sent, with the counter, `counterDidAdvance:` after a slice and `counterDidFinish:` when the
-/// count is whole, as far as they answer them; then the notification above is posted. `invalidate` must be
+/// count is whole, if they have these methods; then the notification above is posted. `invalidate` must be
 /// sent before it can be destroyed. Main thread, after the load-time hooks ran.
 class WRDocumentCounter : public NSObject {
     PELVOR_CLASS(WRDocumentCounter, NSObject);
@@ -34,9 +34,9 @@ class WRDocumentCounter : public NSObject {
   public:
     static Retained<WRDocumentCounter> initWithDocument(WRDocument* document, Class* cls = classObject());
 
-    /// Begins anew, with the next idle moment.
+    /// Begins the count anew, at the next idle moment.
     void start();
-    /// Whether the count is not whole but is going to be: some of it is to be done, or there were changes.
+    /// Whether there is some counting still to be done, now or in a moment, because the document has changed.
     bool isCounting();
     /// How much was counted since the last start, in UTF-16 units.
     NSUInteger position() { return _text ? _text->position() : 0; }
@@ -63,7 +63,7 @@ class WRDocumentCounter : public NSObject {
     Retained<PBObserverSet> _observers;
     Retained<PBIdleQueue> _queue;
     Retained<PBDelayedActionTimer> _timer;
-    std::optional<TextCounter> _text;  // none but in the middle of a count
+    std::optional<TextCounter> _text;  // has a value in the middle of a count only
     TextCount _count;
 };
 

@@ -9,7 +9,7 @@
 #include "Foundation/NSDictionary.h"
 #include "PBProfileKeys.h"
 #include "PBProfileSet.h"
-#include "PBUtil.h"
+#include "Writer/LocalizedText.h"
 #include "Writer/PlugInObjects.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
@@ -18,7 +18,7 @@
 namespace pelvor {
 namespace {
 
-// What stands in the way of reading the file, whoever reads it; none if nothing does.
+// What stands in the way of reading the file, whichever reader is asked; null if nothing does.
 NSString* obstacleAtPath(NSString* path) {
     const char* name = path->fileSystemRepresentation();
     std::error_code error;
@@ -30,6 +30,15 @@ NSString* obstacleAtPath(NSString* path) {
         return u"_The document \"%@\" could not be opened: it may not be read."_ns;
     if (!is_regular_file(status)) return u"_The document \"%@\" could not be opened: it is not a file."_ns;
     return nullptr;
+}
+
+// What is wrong with a document that a reader made; null if nothing is.
+NSString* problemOfDocument(WRDocument* document, NSDictionary* options, PBProfile* reader) {
+    if (!document) return problemOfAnswer(NSDictionary::dictionary(), WRTextKey, reader);
+    id wanted = options->objectForKey(WREncodingKey);
+    if (!wanted || document->encodingName()) return nullptr;
+    return localizedFormat(u"_The reader \"%@\" has no use for the encoding \"%@\"."_ns,
+                           nameOfProfile(reader), wanted);
 }
 
 }  // namespace
@@ -61,7 +70,7 @@ WRDocument* WRDocumentOpener::openDocumentAtPath_options(NSString* path, NSDicti
     return askReaders(path, options);
 }
 
-// A refusal leads to the next reader, any other error to the end: it is the document that is at fault.
+// A refusal leads to the next reader. Any other error ends the search, for the document is at fault.
 WRDocument* WRDocumentOpener::askReaders(NSString* path, NSDictionary* options) {
     complain(u"_The document \"%@\" could not be opened: there is no reader for it."_ns, path);
     for (id candidate : _candidates.get()) {
@@ -70,8 +79,8 @@ WRDocument* WRDocumentOpener::askReaders(NSString* path, NSDictionary* options) 
         _problem.set(problemOfAnswer(answer, WRTextKey, profile));
         if (!_problem) {
             auto document = WRDocument::initWithPath_reader_answer(path, profile, answer);
-            if (document) return std::move(document).autorelease();
-            _problem.set(problemOfAnswer(NSDictionary::dictionary(), WRTextKey, profile));
+            _problem.set(problemOfDocument(document, options, profile));
+            if (!_problem) return std::move(document).autorelease();
         }
         id error = answer->objectForKey(WRErrorKey);
         if (error && !error->isEqual(WRErrorRefused) && !error->isEqual(WRErrorPlugIn)) return nullptr;
@@ -79,8 +88,6 @@ WRDocument* WRDocumentOpener::askReaders(NSString* path, NSDictionary* options) 
     return nullptr;
 }
 
-void WRDocumentOpener::complain(NSString* key, NSString* path) {
-    _problem.set(NSString::stringWithFormat(_PBDoLocalize(key, nullptr), path));
-}
+void WRDocumentOpener::complain(NSString* key, NSString* path) { _problem.set(localizedFormat(key, path)); }
 
 }  // namespace pelvor

@@ -25,10 +25,10 @@ class WRDocumentOpener : public NSObject {
   public:
     static Retained<WRDocumentOpener> initWithProfiles(PBProfileSet* profiles, Class* cls = classObject());
 
-    /// The document, borrowed, or none: then `problem` tells why. Options are those of readers.
+    /// Returns the document, borrowed, or null; then `problem` tells why. Options are those of readers.
     WRDocument* openDocumentAtPath_options(NSString* path, NSDictionary* options);
 
-    /// Why the last document was not opened, as a sentence for the user; none if it was.
+    /// Why the last document was not opened, as a sentence for the user; null if it was.
     NSString* problem() { return _problem; }
     /// The profiles of the readers that came into question for the last document, in the order of asking.
     NSArray* candidates() { return _candidates; }

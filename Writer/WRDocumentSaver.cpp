@@ -8,7 +8,7 @@
 #include "Foundation/NSNumber.h"
 #include "PBProfileKeys.h"
 #include "PBProfileSet.h"
-#include "PBUtil.h"
+#include "Writer/LocalizedText.h"
 #include "Writer/PlugInObjects.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
@@ -24,6 +24,11 @@ bool hasFidelity(WRDocument* document, NSString* fidelity) {
     return value && value->isEqual(fidelity);
 }
 
+bool isRich(PBProfile* profile) {
+    auto* value = cast<NSNumber>(profile->valueForKey(PBProfileRichnessKey));
+    return value && value->boolValue();
+}
+
 bool isSameFile(NSString* path, NSString* other) {
     std::error_code error;
     return std::filesystem::equivalent(path->fileSystemRepresentation(), other->fileSystemRepresentation(),
@@ -36,11 +41,6 @@ NSMutableDictionary* optionsFor(WRDocument* document, NSString* encodingName) {
     if (NSString* own = document->encodingName()) options->setObject_forKey(own, WRDocumentEncodingKey);
     options->setObject_forKey(NSNumber::numberWithBool(document->hasByteOrderMark()), WRByteOrderMarkKey);
     return options;
-}
-
-template <class... Arguments>
-NSString* problemText(NSString* key, const Arguments&... arguments) {
-    return NSString::stringWithFormat(_PBDoLocalize(key, nullptr), arguments...);
 }
 
 }  // namespace
@@ -62,8 +62,7 @@ Retained<WRDocumentSaver> WRDocumentSaver::initWithProfiles(PBProfileSet* profil
 
 NSDictionary* WRDocumentSaver::saveDocument_toPath_encoding(WRDocument* document, NSString* path,
                                                             NSString* encodingName) {
-    NSArray* candidates = profilesForDocument(_profiles, PBProfileDocumentWriterType, path);
-    _writer.set(candidates->count() ? static_cast<PBProfile*>(candidates->objectAtIndex(0)) : nullptr);
+    _writer.set(writerFor(document, path));
     _problem.set(problemOfSaving(document, path, encodingName));
     if (_problem) return nullptr;
     NSDictionary* answer = askPlugIn(_writer, "writeText:toPath:options:"_sel, document->text(), path,
@@ -72,22 +71,34 @@ NSDictionary* WRDocumentSaver::saveDocument_toPath_encoding(WRDocument* document
     return _problem ? nullptr : answer;
 }
 
+// The best writer for the path. A document that is saved where it was read stays of its kind: the source of a
+// web page that was read as plain text does not become a page that shows that source.
+PBProfile* WRDocumentSaver::writerFor(WRDocument* document, NSString* path) {
+    const bool keepsKind = document->reader() && isSameFile(path, document->path());
+    for (id candidate : profilesForDocument(_profiles, PBProfileDocumentWriterType, path)) {
+        auto* writer = static_cast<PBProfile*>(candidate);
+        if (!keepsKind || isRich(writer) == isRich(document->reader())) return writer;
+    }
+    return nullptr;
+}
+
 // What forbids the saving before any writer is asked; null if nothing does.
 NSString* WRDocumentSaver::problemOfSaving(WRDocument* document, NSString* path, NSString* encodingName) {
     if (hasFidelity(document, WRFidelityView))
-        return problemText(
+        return localizedFormat(
             u"_The document \"%@\" was not written: \"%@\" only shows documents, and what it shows is not their content."_ns,
             path, nameOfProfile(document->reader()));
     if (hasFidelity(document, WRFidelityPart) && isSameFile(path, document->path()))
-        return problemText(
+        return localizedFormat(
             u"_The document \"%@\" was not written: \"%@\" leaves out some of what is in the file. Save it as another file."_ns,
             path, nameOfProfile(document->reader()));
     if (document->isLossy() && !encodingName)
-        return problemText(
+        return localizedFormat(
             u"_The document \"%@\" was not written: its encoding \"%@\" was guessed, and would give other bytes than were read. Name an encoding by \"--encoding\" or \"--save-encoding\"."_ns,
             path, document->encodingName());
     if (!_writer)
-        return problemText(u"_The document \"%@\" could not be written: there is no writer for it."_ns, path);
+        return localizedFormat(u"_The document \"%@\" could not be written: there is no writer for it."_ns,
+                               path);
     return nullptr;
 }
 

@@ -34,6 +34,7 @@ class WRDocumentSaver : public NSObject {
     ~WRDocumentSaver();
 
   private:
+    PBProfile* writerFor(WRDocument* document, NSString* path);
     NSString* problemOfSaving(WRDocument* document, NSString* path, NSString* encodingName);
 
     Retained<PBProfileSet> _profiles;

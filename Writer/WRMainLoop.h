@@ -22,14 +22,14 @@ class WRMainLoop : public NSObject {
     /// else. Each line of standard input is sent to the target with the selector, as a string without its
     /// end; the end of the input ends nothing.
     void stayForTarget_selector(id target, SEL selector);
-    /// Runs while there is work or it was told to stay.
+    /// Runs while there is work or the loop was told to stay.
     void runWhile(const std::function<bool()>& hasWork);
-    /// It does not stay any longer.
+    /// Takes `stayForTarget_selector` back.
     void end();
 
     /// The messages of the run loop.
     void readInput(int descriptor);
-    void readWholeInput(id none);
+    void readWholeInput(id unused);
     void takeSignal(int descriptor);
 
   protected:
@@ -42,7 +42,7 @@ class WRMainLoop : public NSObject {
 
     id _target = nullptr;
     SEL _selector;
-    std::string _input;  // bytes of which no line has been made
+    std::string _input;  // bytes that are no whole line yet
     sigset_t _oldMask{};
     int _signals = -1;
     bool _isInputWatched = false;

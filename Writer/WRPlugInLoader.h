@@ -10,9 +10,9 @@ class NSArray;
 class NSBundle;
 class NSMutableArray;
 
-/// The bundles "*.bundle" of one folder, in the order of their names. A bundle that cannot be loaded is told
-/// of in one line of the platform's log, with the bundle, the stage it got to and the reason, and the others
-/// are loaded. What is loaded stays. Main thread.
+/// The bundles "*.bundle" of one folder, in the order of their names. For a bundle that cannot be loaded,
+/// the platform's log gets one line with the bundle, the stage of loading and the reason, and the other
+/// bundles are loaded. No bundle is ever unloaded. Main thread.
 class WRPlugInLoader : public NSObject {
     PELVOR_CLASS(WRPlugInLoader, NSObject);
     PELVOR_CREATORS(initWithFolder);
@@ -21,9 +21,9 @@ class WRPlugInLoader : public NSObject {
     /// Looks the folder through; without a folder there are no plug-ins.
     static Retained<WRPlugInLoader> initWithFolder(NSString* folder, Class* cls = classObject());
 
-    /// Loads the bundles whose information dictionary names the moment, or none for no moment, and that no
-    /// earlier call has tried. Code is loaded, its load-time hooks run, and declarations come into the
-    /// registry. Answers the loaded bundles. Borrowed.
+    /// Loads the bundles whose information dictionary names the moment, or, if that is null, names no moment;
+    /// each bundle is tried once. Its code is loaded, its load-time hooks run, and its declarations come into
+    /// the registry. Returns the bundles that were loaded. Borrowed.
     NSArray* loadPlugInsForMoment(NSString* moment);
 
     /// How many of the bundles were tried and could not be loaded.

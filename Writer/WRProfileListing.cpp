@@ -5,7 +5,7 @@
 #include "Foundation/NSMutableArray.h"
 #include "PBProfileKeys.h"
 #include "PBProfileSet.h"
-#include "PBUtil.h"
+#include "Writer/LocalizedText.h"
 #include "Writer/ProfileChoice.h"
 #include "Writer/WRReport.h"
 #include "Writer/WriterLibrary.h"
@@ -79,7 +79,7 @@ NSString* WRProfileListing::textOfProfile(PBProfile* profile) {
 
 NSString* WRProfileListing::nameOfKind(NSString* type) {
     for (const Kind& kind : kKinds)
-        if (kind.type->isEqualToString(type)) return _PBDoLocalize(kind.name, nullptr);
+        if (kind.type->isEqualToString(type)) return localized(kind.name);
     return type;
 }
 

@@ -24,7 +24,7 @@ class WRProfileListing : public NSObject {
     /// "Plain text (txt, text, *)": the name, and the document types or the abbreviation if there are any.
     /// Borrowed.
     static NSString* textOfProfile(PBProfile* profile);
-    /// "Document readers", in the user's language; the kind itself if it is none of the known ones. Borrowed.
+    /// "Document readers", in the user's language; the kind itself if it is not a known one. Borrowed.
     static NSString* nameOfKind(NSString* kind);
 
   protected:

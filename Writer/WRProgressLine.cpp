@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "PBUtil.h"
+#include "Writer/LocalizedText.h"
 #include "Writer/WriterLibrary.h"
 
 namespace pelvor {
@@ -26,7 +26,7 @@ Retained<WRProgressLine> WRProgressLine::init(Class* cls) {
 void WRProgressLine::showTask_done_of(NSString* task, unsigned long long done, unsigned long long total) {
     if (!_isTerminal) return;
     const auto percent = static_cast<unsigned>(total ? std::min(done, total) * 100 / total : 100);
-    NSString* text = NSString::stringWithFormat(_PBDoLocalize(u"_%@: %u %%"_ns, nullptr), task, percent);
+    NSString* text = localizedFormat(u"_%@: %u %%"_ns, task, percent);
     if (_text && _text->isEqualToString(text)) return;
     _text.set(text);
     std::fprintf(stdout, "\r\x1B[K%s", text->toUTF8().c_str());

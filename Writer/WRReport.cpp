@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "PBUtil.h"
+#include "Writer/LocalizedText.h"
 #include "Writer/WriterLibrary.h"
 
 namespace pelvor {
@@ -43,7 +43,7 @@ void WRReport::addLine(NSString* text) {
 }
 
 void WRReport::addLabel_value(NSString* label, id value) {
-    addLine(NSString::stringWithFormat(_PBDoLocalize(u"_%@: %@"_ns, nullptr), label, value));
+    addLine(localizedFormat(u"_%@: %@"_ns, label, value));
 }
 
 NSString* WRReport::takeText() { return NSString::of(std::exchange(_text, {})); }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <csignal>
 
@@ -100,7 +101,33 @@ TEST_F(WriterProgramTest, ReadsWhateverItIsGiven) {
 TEST_F(WriterProgramTest, ReadsInTheEncodingThatIsNamed) {
     const WriterRun run = runOn("\xCF\xF0\xE8\xE2\xE5\xF2", {"--encoding", "windows-1251"});
     EXPECT_EQ(shown(run.valueOf("First line"), run.valueOf("Encoding")), "Привет windows-1251");
-    EXPECT_EQ(program.run({path}).valueOf("Encoding"), "windows-1252");
+    // The reader of bytes has no use for an encoding, so the document goes to the next reader.
+    const WriterRun bytes = runOn("plain words", {"--encoding=utf-8"}, "a.bin");
+    EXPECT_THAT(bytes.valueOf("Reader"), StartsWith("Plain text, the first of 2"));
+    const WriterRun marked = runOn("\xEF\xBB\xBFx", {"--encoding=iso-8859-1"});
+    EXPECT_TRUE(marked.prints("The byte-order mark of the file is that of the encoding “UTF-8”."));
+}
+
+TEST_F(WriterProgramTest, SaysHowSureAGuessOfTheEncodingIs) {
+    const WriterRun run = runOn(
+        "gr\xFC\xDF"
+        "e",
+        {});
+    EXPECT_EQ(run.valueOf("Encoding"), "windows-1252");
+    EXPECT_TRUE(run.prints("The encoding is a guess, sure to 50 %. “--encoding” names another one."))
+        << run.output;
+    EXPECT_FALSE(run.valueOf("Others that fit").empty());
+    EXPECT_FALSE(runOn("grün", {}).prints("guess"));
+    const WriterRun names = program.run({"--encodings"});
+    EXPECT_THAT(names.output,
+                AllOf(HasSubstr("\nbig5"), HasSubstr("\nwindows-1257 "), Not(HasSubstr("Plug-ins"))));
+    const std::string redundant = "\x1B$B$3\x1B$B$l\x1B(B";
+    const WriterRun lossy = runOn(redundant, {saveAs});
+    EXPECT_EQ(shown(lossy.status, copied()), "1 ");
+    EXPECT_TRUE(lossy.complains("its encoding “iso-2022-jp” was guessed, and would give other bytes"));
+    EXPECT_EQ(runOn(redundant, {saveAs, "--save-encoding=utf-8"}).status, 0);
+    EXPECT_EQ(copied(), "これ");
+    EXPECT_EQ(runOn(redundant, {saveAs, "--encoding=iso-2022-jp"}).status, 0);
 }
 
 TEST_F(WriterProgramTest, SaysInOneLineWhyADocumentCannotBeOpened) {
@@ -118,7 +145,8 @@ TEST_F(WriterProgramTest, SaysInOneLineWhyADocumentCannotBeOpened) {
     expectComplaint({"/dev/null"}, "ce n’est pas un fichier.");
     expectComplaint({latin, "--encoding", "UTF-8"},
                     "« latin.txt » n’est pas du texte dans le codage « UTF-8 ».");
-    expectComplaint({latin, "--encoding", "klingon"}, "Le codage « klingon » est inconnu.");
+    expectComplaint({latin, "--encoding", "klingon"},
+                    "Le codage « klingon » est inconnu. « --encodings » énumère");
     expectComplaint({"a\x1B[31m.txt"}, "« a�[31m.txt »");
 }
 
@@ -218,6 +246,8 @@ TEST_F(WriterProgramTest, NeverReplacesADocumentByLessThanWasInIt) {
     std::filesystem::create_hard_link(program.folder.path("n.md"), program.folder.path("link.txt"));
     expectRefusal("n.md", "# One\n", "link.txt", "leaves out some");
     EXPECT_EQ(expectRefusal("n.md", "# One\n", "b.txt", ""), "One\n");
+    EXPECT_EQ(expectRefusal("p.html", "<p>x\n", "p.html", ""), "<p>x\n")
+        << "not a page that shows the source";
 }
 
 TEST_F(WriterProgramTest, KeepsTheEncodingAndTheMarkOfTheDocument) {
@@ -306,7 +336,27 @@ TEST_F(WriterProgramTest, LeavesTheOldFileWhereWritingFails) {
     EXPECT_TRUE(unfit.complains("characters that the encoding “iso-8859-1” lacks"));
     EXPECT_EQ(program.run({path, saveAs, "--save-encoding", "klingon"}).status, 1);
     EXPECT_EQ(copied(), "old");
-    EXPECT_EQ(program.run({path, "--save-as", program.folder.path("no/such/folder.txt")}).status, 1);
+    auto expectFailure = [this](const std::string& target, const char* reason) {
+        const WriterRun run = program.run({path, "--save-as", target});
+        EXPECT_EQ(run.status, 1) << target;
+        EXPECT_THAT(run.errors, HasSubstr("” could not be written: "s + reason));
+    };
+    expectFailure(program.folder.path("no/such/folder.txt"), "there is no such folder.");
+    expectFailure(program.folder.path("a.txt/b.txt"), "there is no such folder.");
+    expectFailure(program.folder.path(""), "it is a folder.");
+    expectFailure(program.folder.path(std::string(300, 'n')), "its name is too long.");
+    if (geteuid() != 0) expectFailure("/a.txt", "you may not write there.");
+    rlimit usual;
+    getrlimit(RLIMIT_FSIZE, &usual);
+    const rlimit small{5000, usual.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    std::signal(SIGXFSZ, SIG_IGN);
+    program.folder.write("a.txt", std::string(4000, 'a'));
+    const WriterRun full = program.run({path, saveAs, "--save-encoding=UTF-16LE"});
+    std::signal(SIGXFSZ, SIG_DFL);
+    setrlimit(RLIMIT_FSIZE, &usual);
+    EXPECT_THAT(full.errors, HasSubstr("could not be written: there is no room for it."));
+    EXPECT_EQ(copied(), "old");
 }
 
 }  // namespace

@@ -56,13 +56,10 @@ PELVOR_DEFINE_CLASS(WRByteReader, hexDumpPlugIn) {
 }
 
 NSDictionary* WRByteReader::readDocumentAtPath_options(NSString* path, NSDictionary* options) {
-    const TextFileSource source(std::string(path->fileSystemRepresentation()));
+    const TextFileSource source(path->fileSystemRepresentation());
     std::vector<char> shown(kShownLength);
     const std::ptrdiff_t length = source.isOpen() ? source.readAt(0, shown) : -1;
-    if (length < 0) {
-        NSString* format = _PBDoLocalize(u"_The document \"%@\" could not be read."_ns, this);
-        return errorAnswer(WRErrorFile, NSString::stringWithFormat(format, path->lastPathComponent()));
-    }
+    if (length < 0) return unreadableAnswer(path);
     const Bytes bytes = std::as_bytes(std::span(shown)).first(static_cast<std::size_t>(length));
     NSString* text = NSString::of(hexadecimalText(bytes));
     NSNumber* count =

@@ -42,7 +42,8 @@ class LanguageTable {
                 if (auto* text = cast<NSString>(word)) _words[text->toUTF16()].push_back(i);
     }
 
-    /// Counts the paragraph for its language; answers false if none has more of its words than all others.
+    /// Counts the paragraph for its language. Returns false if no language has more of the words than every
+    /// other.
     bool take(std::u16string_view paragraph) {
         std::vector<unsigned> votes(_languages.size());
         NSCharacterSet* letters = _pbLettersCharacterSet;

@@ -76,7 +76,7 @@ class InlineText {
     void drop(std::size_t place, std::size_t count) {
         for (std::size_t i = 0; i < count; ++i) _dropped.push_back(place + i);
     }
-    // The next place of the unit. Once there is none, it is not looked for again.
+    // The next place of the unit. Once no place is left, the unit is not looked for again.
     std::size_t find(char16_t unit, std::size_t from, bool& isAbsent) {
         const std::size_t place = isAbsent ? kNone : _source.find(unit, from);
         isAbsent = place == kNone;

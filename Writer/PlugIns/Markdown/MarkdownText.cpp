@@ -22,7 +22,7 @@ std::size_t countOf(View line, char16_t mark) {
     return end == View::npos ? line.size() : end;
 }
 
-// The text of "## Heading ##"; none for a line that is no heading.
+// The text of "## Heading ##"; no value for a line that is no heading.
 bool takeHeading(View& line) {
     const std::size_t level = countOf(line, u'#');
     if (level == 0 || level > 6 || (level < line.size() && !isSpace(line[level]))) return false;
@@ -59,7 +59,7 @@ bool isLinkDefinition(View line) {
     return close != View::npos && close > 1 && line.substr(0, close).find(u']') == View::npos;
 }
 
-// The length of "- " or "12. "; 0 for none.
+// The length of "- " or "12. "; 0 where there is no such mark.
 std::size_t listMarkLength(View line) {
     std::size_t length = 0;
     if (!line.empty() && (line[0] == u'-' || line[0] == u'*' || line[0] == u'+')) {

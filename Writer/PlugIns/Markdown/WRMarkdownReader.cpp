@@ -15,7 +15,7 @@ PELVOR_DEFINE_CLASS(WRMarkdownReader, markdownPlugIn) {
 }
 
 NSDictionary* WRMarkdownReader::readDocumentAtPath_options(NSString* path, NSDictionary* options) {
-    NSDictionary* answer = readTextFile(path, options, this);
+    NSDictionary* answer = readTextFile(path, options);
     NSString* source = stringEntry(answer, WRTextKey);
     if (!source) return answer;
     auto* changed = NSMutableDictionary::dictionaryWithDictionary(answer);

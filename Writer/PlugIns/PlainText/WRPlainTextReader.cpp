@@ -13,7 +13,7 @@ PELVOR_DEFINE_CLASS(WRPlainTextReader, plainTextPlugIn) {
 }
 
 NSDictionary* WRPlainTextReader::readDocumentAtPath_options(NSString* path, NSDictionary* options) {
-    return readTextFile(path, options, this);
+    return readTextFile(path, options);
 }
 
 }  // namespace pelvor

@@ -2,100 +2,64 @@
 #include "Writer/PlugIns/TextFiles/TextFileDecoding.h"
 
 #include <algorithm>
-#include <array>
+#include <cctype>
 #include <utility>
-#include <vector>
 
-#include "Foundation/NSStringEncoding.h"
-#include "Writer/PlugIns/TextFiles/TextBlocks.h"
+#include "Foundation/EncodingDetection.h"
+#include "Scanning/OFStringDecoder.h"
+#include "Writer/PlugIns/TextFiles/UTF8Check.h"
 
 namespace pelvor {
 namespace {
 
-constexpr std::size_t kSampleLength = 4096;
+constexpr std::size_t kSampleLength = 16 * 1024;
 constexpr std::size_t kBlockLength = 256 * 1024;  // fits the cache together with its text
+constexpr std::size_t kOtherNames = 3;
 
-struct EncodingGuess {
-    NSStringEncoding encoding;
-    const char* name;
-    std::string_view mark;
-};
-
-// The mark of UTF-32 little-endian begins with that of UTF-16, so it is looked for first.
-constexpr std::array<EncodingGuess, 5> kMarkedEncodings{{
-    {NSUTF8StringEncoding, "UTF-8", {"\xEF\xBB\xBF", 3}},
-    {NSUTF32LittleEndianStringEncoding, "UTF-32LE", {"\xFF\xFE\0\0", 4}},
-    {NSUTF32BigEndianStringEncoding, "UTF-32BE", {"\0\0\xFE\xFF", 4}},
-    {NSUTF16LittleEndianStringEncoding, "UTF-16LE", {"\xFF\xFE", 2}},
-    {NSUTF16BigEndianStringEncoding, "UTF-16BE", {"\xFE\xFF", 2}},
-}};
-
-const EncodingGuess* markedEncoding(std::string_view bytes) {
-    for (const EncodingGuess& guess : kMarkedEncodings)
-        if (bytes.starts_with(guess.mark)) return &guess;
-    return nullptr;
+// "UTF-8" and "windows-1252", as people write them.
+std::string nameOf(NSStringEncoding encoding) {
+    std::string name(ianaNameOfEncoding(encoding));
+    if (name.starts_with("utf-")) std::transform(name.begin(), name.end(), name.begin(), ::toupper);
+    return name;
 }
 
-// The mark of this encoding at the front; those without a byte order take the marks of both.
-std::string_view markOf(NSStringEncoding encoding, std::string_view bytes) {
-    for (const EncodingGuess& marked : kMarkedEncodings) {
-        const std::string_view name = marked.name;
-        const bool isMeant = marked.encoding == encoding ||
-                             (encoding == NSUTF16StringEncoding && name.starts_with("UTF-16")) ||
-                             (encoding == NSUTF32StringEncoding && name.starts_with("UTF-32"));
-        if (isMeant && bytes.starts_with(marked.mark)) return marked.mark;
-    }
-    return {};
+bool isWide(NSStringEncoding encoding) {
+    return encoding == NSUTF16LittleEndianStringEncoding || encoding == NSUTF16BigEndianStringEncoding ||
+           encoding == NSUTF32LittleEndianStringEncoding || encoding == NSUTF32BigEndianStringEncoding;
 }
 
-// How many zeros stand at each place of the groups of four bytes at the front.
-struct ZeroCounts {
-    std::array<std::size_t, 4> at{};
-    std::size_t groups;
-
-    explicit ZeroCounts(std::string_view bytes) : groups(std::min(bytes.size(), kSampleLength) / 4) {
-        for (std::size_t i = 0; i < groups * 4; ++i)
-            if (bytes[i] == '\0') ++at[i % 4];
-    }
-    std::size_t even() const { return at[0] + at[2]; }
-    std::size_t odd() const { return at[1] + at[3]; }
-};
-
-bool isPrintableASCIIAndZeros(std::string_view bytes) {
-    return std::all_of(bytes.begin(), bytes.end(), [](char byte) {
-        return byte == '\0' || (byte >= '\t' && byte <= '\r') || (byte >= ' ' && byte <= '~');
-    });
-}
-
-// What the zeros at the front allow. Text of any script has a zero in the highest byte of each UTF-32
-// character; in UTF-16, spaces, digits and line ends alone make zeros frequent in one half of the units and
-// rare in the other. Bytes that are no text pass now and then, but do not decode.
-std::vector<EncodingGuess> encodingsByZeros(std::string_view bytes, std::uint64_t length) {
-    const ZeroCounts zeros(bytes);
-    std::vector<EncodingGuess> guesses;
-    if (zeros.groups == 0 || length % 2 != 0) return guesses;
-    if (isPrintableASCIIAndZeros(bytes) && zeros.even() + zeros.odd() < 2 * zeros.groups) return guesses;
-    if (length % 4 == 0 && zeros.at[3] == zeros.groups)
-        guesses.push_back({NSUTF32LittleEndianStringEncoding, "UTF-32LE", {}});
-    if (length % 4 == 0 && zeros.at[0] == zeros.groups)
-        guesses.push_back({NSUTF32BigEndianStringEncoding, "UTF-32BE", {}});
-    if (zeros.odd() * 10 >= zeros.groups && zeros.even() * 20 <= zeros.odd())
-        guesses.push_back({NSUTF16LittleEndianStringEncoding, "UTF-16LE", {}});
-    if (zeros.even() * 10 >= zeros.groups && zeros.odd() * 20 <= zeros.even())
-        guesses.push_back({NSUTF16BigEndianStringEncoding, "UTF-16BE", {}});
-    return guesses;
-}
+bool isUnicode(NSStringEncoding encoding) { return encoding == NSUTF8StringEncoding || isWide(encoding); }
 
 bool isUnusualControl(char16_t unit) {
     constexpr char16_t kEscape = 0x1B;
-    return (unit < 0x20 && !(unit >= u'\t' && unit <= u'\r') && unit != kEscape) || unit == 0x7F;
+    const bool isLayout = unit >= u'\t' && unit <= u'\r';
+    return (unit < 0x20 && !isLayout && unit != kEscape) || (unit >= 0x7F && unit < 0xA0);
 }
 
 // Text has hardly any controls but those that lay lines out.
 bool looksLikeText(std::u16string_view units) {
-    const auto sample = units.substr(0, kSampleLength);
+    const auto sample = units.substr(0, 4096);
     const auto controls = std::count_if(sample.begin(), sample.end(), isUnusualControl);
     return static_cast<std::size_t>(controls) * 32 <= sample.size();
+}
+
+std::size_t lengthOfCutUTF8(std::string_view block) {
+    for (std::size_t back = 1; back <= std::min<std::size_t>(3, block.size()); ++back) {
+        const std::uint8_t byte = byteAt(block, block.size() - back);
+        if (!isContinuation(byte)) return back < lengthAfterLead(byte) ? back : 0;
+    }
+    return 0;
+}
+
+// The decoder lets through what is not valid, and puts something in its place.
+bool decodeUTF8(std::string_view block, UnitBuffer& units) {
+    if (!isUTF8(block)) return false;
+    const auto count = static_cast<NSUInteger>(block.size());
+    char16_t* room = units.room(count);
+    const auto* bytes = reinterpret_cast<const unsigned char*>(block.data());
+    const OFStringDecoderState state = OFInitialStateForEncoding(kCFStringEncodingUTF8);
+    units.take(OFScanCharactersIntoBuffer(state, bytes, count, room, count).charactersProduced);
+    return true;
 }
 
 enum class Trust {
@@ -103,32 +67,19 @@ enum class Trust {
     named,
 };
 
-constexpr std::uint64_t kLongestCharacter = 4;
-
-// Of those that are decoded in blocks; the numbers of UTF-16 and UTF-32 are the last ones.
-std::uint64_t fewestBytesPerUnit(NSStringEncoding encoding) {
-    return encoding >= NSUTF32StringEncoding ? 2 : 1;
-}
-
-// Bytes are looked through many at a time, units one by one.
-bool hasZero(std::string_view bytes, std::u16string_view units, NSStringEncoding encoding) {
-    return fewestBytesPerUnit(encoding) == 1 ? bytes.find('\0') != bytes.npos
-                                             : units.find(u'\0') != units.npos;
-}
-
 // Reads a file once through, in one encoding.
 class TextFilePass {
   public:
-    TextFilePass(const TextFileSource& source, const TextFileProgress& progress, Trust trust)
-        : _source(source), _progress(progress), _trust(trust) {}
+    TextFilePass(const TextFileSource& source, const TextFileProgress& progress, NSStringEncoding encoding,
+                 Trust trust)
+        : _source(source), _progress(progress), _encoding(encoding), _trust(trust), _decoder(encoding) {}
 
-    /// From the place on. Whether it is valid in the encoding and, if guessed, looks like text.
-    bool decode(NSStringEncoding encoding, std::uint64_t place) {
-        const bool isInBlocks = decodesInBlocks(encoding);
+    /// From the place on. Whether the file is valid in the encoding and, if that is guessed, looks like text.
+    bool decode(std::uint64_t place) {
+        _start = place;
         const std::uint64_t length = std::max<std::uint64_t>(_source.length(), place) - place;
-        const std::uint64_t blockLength = isInBlocks ? std::min<std::uint64_t>(kBlockLength, length) : length;
-        std::string bytes(std::max<std::uint64_t>(blockLength + 1, kLongestCharacter + 1), '\0');
-        _text.reserve(isInBlocks ? length / fewestBytesPerUnit(encoding) + 1 : 0);
+        std::string bytes(std::min<std::uint64_t>(kBlockLength, length) + 4, '\0');
+        _text.room(length / (isWide(_encoding) ? 2 : 1) + 1);
         for (std::size_t kept = 0;;) {
             const std::ptrdiff_t count = _source.readAt(place, {bytes.data() + kept, bytes.size() - kept});
             if (count < 0 || _text.view().size() >= NSNotFound) return fail(TextFileFault::unreadable);
@@ -136,13 +87,8 @@ class TextFilePass {
             if (_progress) _progress(place, std::max(place, _source.length()));
             const std::size_t available = kept + static_cast<std::size_t>(count);
             const bool isLast = available < bytes.size();
-            if (!isLast && !isInBlocks) {  // the file has grown
-                kept = available;
-                bytes.resize(2 * bytes.size());
-                continue;
-            }
-            kept = isLast ? 0 : lengthOfCutCharacter(bytes, encoding);
-            if (!decodePiece({bytes.data(), available - kept}, encoding))
+            kept = isLast || _encoding != NSUTF8StringEncoding ? 0 : lengthOfCutUTF8(bytes);
+            if (!decodePiece({bytes.data(), available - kept}, isLast))
                 return fail(TextFileFault::undecodable);
             if (isLast) break;
             std::copy(bytes.end() - static_cast<std::ptrdiff_t>(kept), bytes.end(), bytes.begin());
@@ -151,12 +97,33 @@ class TextFilePass {
         return true;
     }
 
-    TextFileContent content(std::string encodingName, bool hasMark) {
-        if (_fault != TextFileFault::none) return {_fault, {}, {}, false, 0};
-        return {_fault, std::move(_text), std::move(encodingName), hasMark, _byteCount};
+    /// Whether the text in its encoding is the bytes of the file again.
+    bool isFaithful() const {
+        if (isUnicode(_encoding)) return true;
+        const auto bytes = encodeUnits(_text.view(), _encoding);
+        if (!bytes || bytes->size() != _byteCount - _start) return false;
+        std::string block(kBlockLength, '\0');
+        for (std::size_t place = 0; place < bytes->size(); place += kBlockLength) {
+            const auto count =
+                static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, _source.readAt(_start + place, block)));
+            if (std::string_view(*bytes).substr(place, kBlockLength) !=
+                std::string_view(block).substr(0, count))
+                return false;
+        }
+        return true;
+    }
+
+    TextFileContent content() {
+        TextFileContent content;
+        content.fault = _fault;
+        if (_fault != TextFileFault::none) return content;
+        content.text = std::move(_text);
+        content.encodingName = nameOf(_encoding);
+        content.hasByteOrderMark = _start > 0;
+        content.byteCount = _byteCount;
+        return content;
     }
     TextFileFault fault() const { return _fault; }
-    TextUnits& text() { return _text; }
 
   private:
     bool fail(TextFileFault fault) {
@@ -164,55 +131,128 @@ class TextFilePass {
         return false;
     }
     // Text has no zeros.
-    bool decodePiece(std::string_view bytes, NSStringEncoding encoding) {
+    bool decodePiece(std::string_view bytes, bool isLast) {
         const std::size_t start = _text.view().size();
-        if (!decodeBlock(bytes, encoding, _text)) return false;
+        if (_encoding == NSUTF8StringEncoding) {
+            if (!decodeUTF8(bytes, _text)) return false;
+        } else {
+            _piece.clear();
+            if (!_decoder.decode(bytes, _piece) || (isLast && !_decoder.finish(_piece))) return false;
+            _text.append(_piece);
+        }
         if (_trust == Trust::named) return true;
         const std::u16string_view units = _text.view().substr(start);
-        return (start > 0 || looksLikeText(units)) && !hasZero(bytes, units, encoding);
+        const bool hasZero =
+            isWide(_encoding) ? units.find(u'\0') != units.npos : bytes.find('\0') != bytes.npos;
+        return !hasZero && (start > 0 || looksLikeText(units));
     }
 
     const TextFileSource& _source;
     const TextFileProgress& _progress;
+    NSStringEncoding _encoding;
     Trust _trust;
-    TextUnits _text;
+    TextDecoder _decoder;
+    std::u16string _piece;
+    UnitBuffer _text{0};
+    std::uint64_t _start = 0;
     std::uint64_t _byteCount = 0;
     TextFileFault _fault = TextFileFault::none;
 };
 
-TextFileContent decodeByGuess(const TextFileSource& source, std::string_view sample,
-                              const TextFileProgress& progress) {
-    std::vector<EncodingGuess> guesses = encodingsByZeros(sample, source.length());
-    if (const EncodingGuess* marked = markedEncoding(sample)) guesses.insert(guesses.begin(), *marked);
-    guesses.push_back({NSUTF8StringEncoding, "UTF-8", {}});
-    guesses.push_back({NSWindowsCP1252StringEncoding, "windows-1252", {}});
-    for (const EncodingGuess& guess : guesses) {
-        TextFilePass pass(source, progress, Trust::guessed);
-        const bool isDecoded = pass.decode(guess.encoding, guess.mark.size());
-        if (isDecoded || pass.fault() == TextFileFault::unreadable)
-            return pass.content(guess.name, !guess.mark.empty());
+TextFileContent faultContent(TextFileFault fault) {
+    TextFileContent content;
+    content.fault = fault;
+    return content;
+}
+
+// The bytes by which an encoding is guessed: those around the first one that is not ASCII. What goes before
+// is the same in most encodings. Begins at a multiple of four, as the characters of UTF-32 do.
+std::string tellingSample(const TextFileSource& source) {
+    std::string bytes(kSampleLength, '\0');
+    for (std::uint64_t place = 0;; place += bytes.size() / 2) {
+        const std::ptrdiff_t count = source.readAt(place, bytes);
+        if (count <= 0) return {};
+        const std::string_view block(bytes.data(), static_cast<std::size_t>(count));
+        const auto isTelling = [](char byte) {
+            return byte == 0 || static_cast<unsigned char>(byte) >= 0x80;
+        };
+        const auto found = std::find_if(block.begin(), block.begin() + count / 2, isTelling);
+        const bool isEnd = block.size() < bytes.size();
+        if (found != block.begin() + count / 2 || isEnd) return std::string(block);
     }
-    return {TextFileFault::notText, {}, {}, false, 0};
+}
+
+// Japanese and Korean mail is ASCII with escapes, so it would pass as UTF-8.
+bool hasEscapes(const TextFileSource& source) {
+    std::string bytes(kSampleLength, '\0');
+    const auto count = static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, source.readAt(0, bytes)));
+    const std::string_view sample = std::string_view(bytes).substr(0, count);
+    return sample.find("\x1B$") != sample.npos || sample.find("\x1B(") != sample.npos;
+}
+
+TextFileContent decodeByGuess(const TextFileSource& source, const std::optional<EncodingMark>& mark,
+                              const TextFileProgress& progress) {
+    std::optional<TextFileContent> content;
+    auto read = [&](NSStringEncoding encoding, std::uint64_t start) {
+        TextFilePass pass(source, progress, encoding, Trust::guessed);
+        if (!pass.decode(start) && pass.fault() != TextFileFault::unreadable) return false;
+        const bool isLossy = !pass.isFaithful();
+        content = pass.content();
+        content->isLossy = isLossy;
+        return true;
+    };
+    if (mark && read(mark->encoding, mark->bytes.size())) return std::move(*content);
+    if (!hasEscapes(source) && read(NSUTF8StringEncoding, 0)) return std::move(*content);
+    std::vector<EncodingGuess> guesses = detectEncodings(tellingSample(source));
+    guesses.push_back({NSWindowsCP1252StringEncoding, 0, ""});
+    for (auto guess = guesses.begin(); guess != guesses.end(); ++guess) {
+        if (!read(guess->encoding, 0)) continue;
+        content->confidence = guess->confidence;
+        // Those that are at least half as likely.
+        while (++guess != guesses.end() && content->otherNames.size() < kOtherNames &&
+               guess->confidence * 2 > *content->confidence)
+            content->otherNames.push_back(nameOf(guess->encoding));
+        if (mark) content->contradictingMark = nameOf(mark->encoding);
+        return std::move(*content);
+    }
+    return faultContent(TextFileFault::notText);
+}
+
+// Texts that are named only UTF-16 or UTF-32 have their byte order in the mark, or are little-endian.
+NSStringEncoding withByteOrder(NSStringEncoding encoding, std::string_view sample) {
+    if (encoding != NSUTF16StringEncoding && encoding != NSUTF32StringEncoding) return encoding;
+    const bool isShort = encoding == NSUTF16StringEncoding;
+    const auto big = isShort ? NSUTF16BigEndianStringEncoding : NSUTF32BigEndianStringEncoding;
+    const auto little = isShort ? NSUTF16LittleEndianStringEncoding : NSUTF32LittleEndianStringEncoding;
+    return sample.starts_with(markOfEncoding(big)) ? big : little;
+}
+
+TextFileContent decodeAsNamed(const TextFileSource& source, std::string_view encodingName,
+                              std::string_view sample, const TextFileProgress& progress) {
+    const NSStringEncoding encoding = withByteOrder(encodingForName(encodingName), sample);
+    if (encoding == 0) return faultContent(TextFileFault::unknownEncoding);
+    const std::string_view mark = markOfEncoding(encoding);
+    const bool hasMark = !mark.empty() && sample.starts_with(mark);
+    TextFilePass pass(source, progress, encoding, Trust::named);
+    pass.decode(hasMark ? mark.size() : 0);
+    TextFileContent content = pass.content();
+    if (!isWide(encoding)) content.encodingName = encodingName;
+    const auto found = encodingMarkOf(sample);
+    if (found && !hasMark) content.contradictingMark = nameOf(found->encoding);
+    return content;
 }
 
 }  // namespace
 
 TextFileContent decodeTextFile(const TextFileSource& source, std::string_view encodingName,
                                const TextFileProgress& progress) {
-    char bytes[kSampleLength];
+    char bytes[4];
     const std::ptrdiff_t length =
         source.isOpen() && source.length() < NSNotFound ? source.readAt(0, bytes) : -1;
-    if (length < 0) return {TextFileFault::unreadable, {}, {}, false, 0};
-    const std::string_view sample(bytes, static_cast<std::size_t>(length));
-    if (encodingName.empty()) return decodeByGuess(source, sample, progress);
-    const NSStringEncoding encoding = encodingForName(encodingName);
-    if (encoding == 0) return {TextFileFault::unknownEncoding, {}, {}, false, 0};
-    const std::string_view mark = markOf(encoding, sample);
-    // Without the mark the order of bytes would be lost; with it, text in a named order begins with U+FEFF.
-    TextFilePass pass(source, progress, Trust::named);
-    if (pass.decode(encoding, 0) && !mark.empty() && pass.text().view().starts_with(u'\uFEFF'))
-        pass.text().removeFirst();
-    return pass.content(std::string(encodingName), !mark.empty());
+    if (length < 0) return faultContent(TextFileFault::unreadable);
+    const std::string_view front(bytes, static_cast<std::size_t>(length));
+    return encodingName.empty() ? decodeByGuess(source, encodingMarkOf(front), progress)
+                                : decodeAsNamed(source, encodingName, front, progress);
 }
 
 }  // namespace pelvor

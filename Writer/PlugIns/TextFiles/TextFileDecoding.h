@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
-// Turns the bytes of a text file into text, finding out the encoding where nobody names it.
+// Turns the bytes of a text file into text, and finds out the encoding where nobody names it.
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "Foundation/UnitBuffer.h"
 #include "Writer/PlugIns/TextFiles/TextFileSource.h"
-#include "Writer/PlugIns/TextFiles/TextUnits.h"
 
 namespace pelvor {
 
@@ -19,23 +21,32 @@ enum class TextFileFault {
     notText,          ///< no encoding was named, and the bytes look like anything but text
 };
 
-/// The text of a file. Without a fault `encodingName` is a name that can be given back to read the file the
-/// same way again.
+/// The text of a file, and how sure it is that this is the text.
 struct TextFileContent {
     TextFileFault fault = TextFileFault::none;
-    TextUnits text;
+    UnitBuffer text{0};
+    /// A name by which the file can be read the same way again. UTF-16 and UTF-32 have their byte order in
+    /// it.
     std::string encodingName;
     bool hasByteOrderMark = false;
     std::uint64_t byteCount = 0;
+    /// Where the encoding is a guess: how sure it is, from 0 to 100.
+    std::optional<int> confidence;
+    /// Other encodings that may be meant, the likeliest first; a few at most.
+    std::vector<std::string> otherNames;
+    /// The encoding whose byte-order mark the file begins with although it was read in another one; else "".
+    std::string contradictingMark;
+    /// Whether the encoding is a guess and the text in it would be other bytes than those of the file.
+    bool isLossy = false;
 };
 
 /// Is told how many bytes have been read of how many.
 using TextFileProgress = std::function<void(std::uint64_t read, std::uint64_t length)>;
 
 /// The file as text, without a byte-order mark. An empty name leaves the encoding to be found: by the mark,
-/// else UTF-32 and UTF-16 by the places of their zeros, else UTF-8 if the bytes are valid in it, else
-/// Windows-1252. Most encodings are decoded block by block, so that no more of the file is in memory than a
-/// block. Any thread; takes time in proportion to the bytes.
+/// else UTF-8 if the bytes are valid in it, else by what `detectEncodings` guesses, else windows-1252. No
+/// guess is taken whose text has zeros or many controls. The file is read block by block, so that no more of
+/// it is in memory than a block. Any thread; takes time in proportion to the bytes.
 TextFileContent decodeTextFile(const TextFileSource& source, std::string_view encodingName,
                                const TextFileProgress& progress = {});
 

@@ -1,35 +1,55 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/TextFiles/TextFileReading.h"
 
-#include "Foundation/NSDictionary.h"
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNumber.h"
-#include "PBUtil.h"
 #include "Runtime/Message.h"
+#include "Writer/LocalizedText.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/PlugIns/TextFiles/TextFileDecoding.h"
-#include "Writer/PlugIns/TextFiles/TextFileWriting.h"
 
 namespace pelvor {
 namespace {
 
-NSDictionary* faultAnswer(TextFileFault fault, NSString* name, NSString* encodingName, id reader) {
-    if (fault == TextFileFault::unreadable) {
-        NSString* format = _PBDoLocalize(u"_The document \"%@\" could not be read."_ns, reader);
-        return errorAnswer(WRErrorFile, NSString::stringWithFormat(format, name));
+NSDictionary* faultAnswer(TextFileFault fault, NSString* path, NSString* encodingName) {
+    NSString* name = path->lastPathComponent();
+    switch (fault) {
+        case TextFileFault::unknownEncoding:
+            return unknownEncodingAnswer(encodingName);
+        case TextFileFault::undecodable:
+            return errorAnswer(WRErrorEncoding,
+                               localizedFormat(u"_The document \"%@\" is not text in the encoding \"%@\"."_ns,
+                                               name, encodingName));
+        case TextFileFault::notText:
+            return errorAnswer(
+                WRErrorRefused,
+                localizedFormat(u"_The document \"%@\" holds no text but other data."_ns, name));
+        default:
+            return unreadableAnswer(path);
     }
-    if (fault == TextFileFault::unknownEncoding) return unknownEncodingAnswer(encodingName, reader);
-    if (fault == TextFileFault::undecodable) {
-        NSString* format =
-            _PBDoLocalize(u"_The document \"%@\" is not text in the encoding \"%@\"."_ns, reader);
-        return errorAnswer(WRErrorEncoding, NSString::stringWithFormat(format, name, encodingName));
-    }
-    NSString* format = _PBDoLocalize(u"_The document \"%@\" holds no text but other data."_ns, reader);
-    return errorAnswer(WRErrorRefused, NSString::stringWithFormat(format, name));
+}
+
+NSDictionary* answerOf(TextFileContent& content) {
+    auto* answer = NSMutableDictionary::dictionary();
+    auto set = [answer](NSString* key, id value) { answer->setObject_forKey(value, key); };
+    set(WRTextKey, content.text.takeString());
+    set(WREncodingKey, NSString::ofUTF8(content.encodingName));
+    set(WRByteOrderMarkKey, NSNumber::numberWithBool(content.hasByteOrderMark));
+    set(WRByteCountKey, NSNumber::numberWithUnsignedLongLong(content.byteCount));
+    set(WRLossyKey, NSNumber::numberWithBool(content.isLossy));
+    if (content.confidence) set(WRConfidenceKey, NSNumber::numberWithInt(*content.confidence));
+    auto* others = NSMutableArray::array();
+    for (const std::string& name : content.otherNames) others->addObject(NSString::ofUTF8(name));
+    if (others->count()) set(WROtherEncodingsKey, others);
+    if (!content.contradictingMark.empty())
+        set(WRContradictingMarkKey, NSString::ofUTF8(content.contradictingMark));
+    return answer;
 }
 
 }  // namespace
 
-NSDictionary* readTextFile(NSString* path, NSDictionary* options, id reader) {
+NSDictionary* readTextFile(NSString* path, NSDictionary* options) {
     NSString* wanted = stringEntry(options, WREncodingKey);
     id observer = options ? options->objectForKey(WRProgressKey) : nullptr;
     TextFileProgress progress;
@@ -38,29 +58,35 @@ NSDictionary* readTextFile(NSString* path, NSDictionary* options, id reader) {
             send<void>(observer, "readerDidRead:of:"_sel, static_cast<unsigned long long>(read),
                        static_cast<unsigned long long>(length));
         };
-    const TextFileSource source(std::string(path->fileSystemRepresentation()));
+    const TextFileSource source(path->fileSystemRepresentation());
     TextFileContent content = decodeTextFile(source, wanted ? wanted->toUTF8() : std::string(), progress);
-    if (content.fault != TextFileFault::none)
-        return faultAnswer(content.fault, path->lastPathComponent(), wanted, reader);
-    return NSDictionary::of({
-        {WRTextKey, content.text.makeString().autorelease()},
-        {WREncodingKey, NSString::ofUTF8(content.encodingName)},
-        {WRByteOrderMarkKey, NSNumber::numberWithBool(content.hasByteOrderMark)},
-        {WRByteCountKey, NSNumber::numberWithUnsignedLongLong(content.byteCount)},
-    });
+    return content.fault == TextFileFault::none ? answerOf(content)
+                                                : faultAnswer(content.fault, path, wanted);
 }
 
 NSString* stringEntry(NSDictionary* dictionary, NSString* key) {
     return dictionary ? cast<NSString>(dictionary->objectForKey(key)) : nullptr;
 }
 
-bool numberEntry(NSDictionary* dictionary, NSString* key) {
+bool isEntrySet(NSDictionary* dictionary, NSString* key) {
     auto* number = dictionary ? cast<NSNumber>(dictionary->objectForKey(key)) : nullptr;
     return number && number->boolValue();
 }
 
 NSDictionary* errorAnswer(NSString* error, NSString* message) {
     return NSDictionary::of({{WRErrorKey, error}, {WRMessageKey, message}});
+}
+
+NSDictionary* unreadableAnswer(NSString* path) {
+    return errorAnswer(WRErrorFile, localizedFormat(u"_The document \"%@\" could not be read."_ns,
+                                                    path->lastPathComponent()));
+}
+
+NSDictionary* unknownEncodingAnswer(NSString* encodingName) {
+    return errorAnswer(
+        WRErrorEncoding,
+        localizedFormat(u"_The encoding \"%@\" is not known. \"--encodings\" lists those that are."_ns,
+                        encodingName));
 }
 
 }  // namespace pelvor

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Reads text files for the readers of this folder's plug-ins.
+// Reads text files for the readers of this folder's plug-ins. Messages come from Writer's own string tables.
 #pragma once
 
 #include "Runtime/Object.h"
@@ -9,17 +9,21 @@ namespace pelvor {
 class NSDictionary;
 class NSString;
 
-/// What a reader answers for the text file at the path: its text, encoding, mark and byte count, or an error.
-/// Messages come from the string tables of the reader's bundle. Borrowed.
-NSDictionary* readTextFile(NSString* path, NSDictionary* options, id reader);
+/// What a reader answers for the text file at the path: its text and how that was read, or an error.
+/// Borrowed.
+NSDictionary* readTextFile(NSString* path, NSDictionary* options);
 
-/// The entry of a dictionary of options or answers if it is a string, else none; none for no dictionary.
+/// The entry of a dictionary of options or answers if it is a string; null for any other and for no
+/// dictionary.
 NSString* stringEntry(NSDictionary* dictionary, NSString* key);
-
 /// Whether the entry of a dictionary of options is a number other than 0.
-bool numberEntry(NSDictionary* dictionary, NSString* key);
+bool isEntrySet(NSDictionary* dictionary, NSString* key);
 
 /// The answer that tells of an error. Borrowed.
 NSDictionary* errorAnswer(NSString* error, NSString* message);
+/// The answer for a file that cannot be read at all. Borrowed.
+NSDictionary* unreadableAnswer(NSString* path);
+/// The answer for an encoding that the platform does not know. Borrowed.
+NSDictionary* unknownEncodingAnswer(NSString* encodingName);
 
 }  // namespace pelvor

@@ -10,8 +10,7 @@
 
 namespace pelvor {
 
-TextFileSource::TextFileSource(const std::string& path)
-    : _descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+TextFileSource::TextFileSource(const char* path) : _descriptor(open(path, O_RDONLY | O_CLOEXEC)) {
     struct stat status;
     if (_descriptor < 0 || fstat(_descriptor, &status) != 0) return;
     _isOpen = true;

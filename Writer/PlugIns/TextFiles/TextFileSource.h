@@ -9,22 +9,23 @@
 
 namespace pelvor {
 
-/// Bytes of a file, or bytes in memory that stand for one. They can be read from anywhere, again and again.
+/// The bytes of a file, or bytes in memory that stand for a file. They can be read from any place, any number
+/// of times.
 class TextFileSource {
   public:
     /// The file at the path; `isOpen` tells whether there is one.
-    explicit TextFileSource(const std::string& path);
-    /// The caller's bytes, which stay where they are.
+    explicit TextFileSource(const char* path);
+    /// The caller's bytes, which must outlive the source.
     explicit TextFileSource(std::string_view bytes) : _bytes(bytes), _length(bytes.size()), _isOpen(true) {}
     ~TextFileSource();
     TextFileSource(const TextFileSource&) = delete;
     TextFileSource& operator=(const TextFileSource&) = delete;
 
     bool isOpen() const { return _isOpen; }
-    /// How many bytes there were when it was opened; a file may have more or fewer by now.
+    /// How many bytes there were when the file was opened; a file may have more or fewer by now.
     std::uint64_t length() const { return _length; }
-    /// Fills the buffer from the place on, as far as there are bytes, and answers how many there were; -1 if
-    /// they cannot be read.
+    /// Fills the buffer with the bytes from the place on, as far as there are any. Returns their number, or
+    /// -1 if they cannot be read.
     std::ptrdiff_t readAt(std::uint64_t place, std::span<char> buffer) const;
 
   private:

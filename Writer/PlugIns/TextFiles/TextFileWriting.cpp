@@ -1,28 +1,59 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/TextFiles/TextFileWriting.h"
 
+#include <cerrno>
+#include <cstring>
+
 #include "Foundation/NSData.h"
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSNumber.h"
-#include "PBUtil.h"
+#include "Writer/LocalizedText.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/PlugIns/TextFiles/TextFileReading.h"
 
 namespace pelvor {
+namespace {
 
-NSDictionary* writeTextFile(std::string_view bytes, NSString* encodingName, NSString* path, id writer) {
-    NSData* data = NSData::dataWithBytes_length(bytes.data(), static_cast<NSUInteger>(bytes.size()));
-    if (bytes.size() > data->length() || !data->writeToFile_atomically(path, true)) {
-        NSString* format = _PBDoLocalize(u"_The document \"%@\" could not be written."_ns, writer);
-        return errorAnswer(WRErrorFile, NSString::stringWithFormat(format, path->lastPathComponent()));
+// Why a file could not be written, as the system tells it.
+NSString* keyOfReason(int reason) {
+    switch (reason) {
+        case ENOSPC:
+        case EDQUOT:
+        case EFBIG:
+            return u"_The document \"%@\" could not be written: there is no room for it."_ns;
+        case EACCES:
+        case EPERM:
+            return u"_The document \"%@\" could not be written: you may not write there."_ns;
+        case EROFS:
+            return u"_The document \"%@\" could not be written: the disk can only be read."_ns;
+        case ENOENT:
+        case ENOTDIR:
+            return u"_The document \"%@\" could not be written: there is no such folder."_ns;
+        case EISDIR:
+            return u"_The document \"%@\" could not be written: it is a folder."_ns;
+        case ENAMETOOLONG:
+            return u"_The document \"%@\" could not be written: its name is too long."_ns;
+        default:
+            return nullptr;
     }
-    return NSDictionary::of(
-        {{WREncodingKey, encodingName}, {WRByteCountKey, NSNumber::numberWithUnsignedInt(data->length())}});
 }
 
-NSDictionary* unknownEncodingAnswer(NSString* encodingName, id plugIn) {
-    NSString* format = _PBDoLocalize(u"_The encoding \"%@\" is not known."_ns, plugIn);
-    return errorAnswer(WRErrorEncoding, NSString::stringWithFormat(format, encodingName));
+NSString* messageFor(NSString* path, int reason) {
+    if (NSString* key = keyOfReason(reason)) return localizedFormat(key, path);
+    return localizedFormat(u"_The document \"%@\" could not be written: %@"_ns, path,
+                           NSString::ofUTF8(std::strerror(reason)));
+}
+
+}  // namespace
+
+NSDictionary* writeTextFile(const std::string& bytes, NSString* encodingName, NSString* path) {
+    if (bytes.size() >= NSNotFound) return errorAnswer(WRErrorFile, messageFor(path, EFBIG));
+    const auto length = static_cast<NSUInteger>(bytes.size());
+    NSData* data = NSData::dataWithBytes_length(bytes.data(), length);
+    errno = 0;
+    if (!data->writeToFile_atomically(path, true)) return errorAnswer(WRErrorFile, messageFor(path, errno));
+    return NSDictionary::of(
+        {{WREncodingKey, encodingName}, {WRByteCountKey, NSNumber::numberWithUnsignedInt(length)}});
 }
 
 }  // namespace pelvor

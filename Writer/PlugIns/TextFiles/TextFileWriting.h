@@ -2,7 +2,7 @@
 // Writes text files for the writers of this folder's plug-ins.
 #pragma once
 
-#include <string_view>
+#include <string>
 
 #include "Runtime/Object.h"
 
@@ -11,11 +11,8 @@ namespace pelvor {
 class NSDictionary;
 class NSString;
 
-/// Puts a file of these bytes at the path, as a whole or not at all, and answers what a writer answers for
-/// it. Messages come from the string tables of the writer's bundle. Borrowed.
-NSDictionary* writeTextFile(std::string_view bytes, NSString* encodingName, NSString* path, id writer);
-
-/// The answer for an encoding of which the platform does not know. Borrowed.
-NSDictionary* unknownEncodingAnswer(NSString* encodingName, id plugIn);
+/// Puts a file of these bytes at the path, as a whole or not at all. Returns what a writer answers for it; if
+/// that is an error, its message tells why the file could not be written. Borrowed.
+NSDictionary* writeTextFile(const std::string& bytes, NSString* encodingName, NSString* path);
 
 }  // namespace pelvor

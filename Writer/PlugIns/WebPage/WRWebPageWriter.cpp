@@ -20,13 +20,13 @@ NSDictionary* WRWebPageWriter::writeText_toPath_options(NSString* text, NSString
     NSString* named = stringEntry(options, WREncodingKey);
     NSString* encodingName = named ? named : u"UTF-8"_ns;
     const NSStringEncoding encoding = encodingForName(encodingName->toUTF8());
-    if (encoding == 0) return unknownEncodingAnswer(encodingName, this);
+    if (encoding == 0) return unknownEncodingAnswer(encodingName);
     StringUnits units(text);
     const std::u16string page = webPageOfText(units, encodingName->toUTF16());
     auto bytes = encodeUnits(page, encoding);
     if (!bytes) bytes = encodeUnits(withCharacterNumbers(page), encoding, EncodingLoss::allowed);
-    if (!bytes) return unknownEncodingAnswer(encodingName, this);
-    return writeTextFile(*bytes, encodingName, path, this);
+    if (!bytes) return unknownEncodingAnswer(encodingName);
+    return writeTextFile(*bytes, encodingName, path);
 }
 
 }  // namespace pelvor
