@@ -91,11 +91,8 @@ TEST(TextFileCorpus, OfLegacyEncodingsIsMostlyReadRightAndSaysHowSureTheGuessIs)
                                    "; sure: " + std::to_string(score.sureAndRight) + " of " +
                                    std::to_string(score.sure);
         RecordProperty("right_of_" + std::to_string(row.length) + "_characters", counts);
-        EXPECT_GE(score.right * 100, row.leastRight * score.texts) << counts
-                                                                   << "
-                                                                      " << score.misses;
-            EXPECT_GE(score.sureAndRight * 100, row.leastSureAndRight * score.sure)
-                                                                   << counts;
+        EXPECT_GE(score.right * 100, row.leastRight * score.texts) << counts << "\n" << score.misses;
+        EXPECT_GE(score.sureAndRight * 100, row.leastSureAndRight * score.sure) << counts;
     }
 }
 
