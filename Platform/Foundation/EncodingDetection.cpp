@@ -87,10 +87,20 @@ bool has(const std::vector<EncodingGuess>& guesses, NSStringEncoding encoding) {
                        [&](const EncodingGuess& guess) { return guess.encoding == encoding; });
 }
 
+// ICU knows these by the pairs of bytes that they allow, which tell more than their thousands of letters.
+bool isOfSeveralBytes(NSStringEncoding encoding) {
+    static const NSStringEncoding encodings[] = {encodingForName("shift_jis"), encodingForName("euc-jp"),
+                                                 encodingForName("euc-kr"), encodingForName("gb18030")};
+    return std::find(std::begin(encodings), std::end(encodings), encoding) != std::end(encodings);
+}
+
 // Alphabets tell more encodings than ICU, and tell them better. Where several fit, its statistics decide;
 // what alphabets do not know, such as encodings by escapes, goes last.
 std::vector<EncodingGuess> joined(std::vector<EncodingGuess> byAlphabets,
                                   std::vector<EncodingGuess> byStatistics) {
+    for (EncodingGuess& guess : byAlphabets)
+        if (isOfSeveralBytes(guess.encoding))
+            guess.confidence = std::max(guess.confidence, confidenceIn(byStatistics, guess.encoding));
     std::stable_sort(
         byAlphabets.begin(), byAlphabets.end(), [&](const EncodingGuess& a, const EncodingGuess& b) {
             if (a.confidence != b.confidence) return a.confidence > b.confidence;

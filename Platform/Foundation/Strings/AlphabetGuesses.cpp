@@ -36,6 +36,7 @@ constexpr EncodingLanguages kEncodings[] = {
     {"euc-jp", "ja"},
     {"gb18030", "zh"},
     {"big5-hkscs", "zh_Hant"},
+    {"euc-kr", "ko"},
     {"windows-949", "ko"},
     {"koi8-r", "ru bg"},
     {"koi8-u", "uk"},
@@ -133,6 +134,12 @@ bool isOfTwoScripts(UChar32 a, UChar32 b) {
     return x != y && (isAlphabetic(x) || isAlphabetic(y)) && x != USCRIPT_INHERITED && y != USCRIPT_INHERITED;
 }
 
+// The forms that Greek and Hebrew letters have at the ends of words alone.
+bool endsWord(UChar32 c) {
+    constexpr UChar32 kFinalForms[] = {0x3C2, 0x5DA, 0x5DD, 0x5DF, 0x5E3, 0x5E5};
+    return std::find(std::begin(kFinalForms), std::end(kFinalForms), c) != std::end(kFinalForms);
+}
+
 // What stands beyond ASCII in a text.
 struct Tally {
     std::map<UChar32, int> letters;
@@ -154,7 +161,7 @@ struct Tally {
                        next = static_cast<UChar32>(points[i + 1]);
             if (c < 0x80 && last < 0x80) continue;
             if (u_isalpha(c) && u_isalpha(last))
-                faults += (u_isupper(c) && u_islower(last)) + isOfTwoScripts(c, last);
+                faults += (u_isupper(c) && u_islower(last)) + isOfTwoScripts(c, last) + endsWord(last);
             if (c < 0x80) continue;
             ++characters;
             if (isLetter(c) && !isAccent(c)) {

@@ -32,7 +32,7 @@ TEST(EncodingDetectionTest, TextIsGuessedWithItsLanguage) {
     } rows[] = {
         {"windows-1251", kRussian, "ru"}, {"koi8-r", kRussian, "ru"},     {"utf-8", kRussian, ""},
         {"utf-16le", kRussian, ""},       {"shift_jis", kJapanese, "ja"}, {"euc-jp", kJapanese, "ja"},
-        {"euc-kr", kKorean, "ko"},        {"iso-8859-8", kHebrew, "he"},
+        {"euc-kr", kKorean, "ko"},        {"windows-1255", kHebrew, "he"},
     };
     for (const auto& row : rows) {
         const NSStringEncoding encoding = encodingForName(row.name);
