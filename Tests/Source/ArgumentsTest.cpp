@@ -1,75 +1,123 @@
 // SPDX-License-Identifier: Apache-2.0
 // What operations say that refuse an argument: themselves, the argument, and what is wrong with it.
+#include "NSArray-PelvorAdditions.h"
 #include "NSData-PelvorAdditions.h"
+#include "NSDictionary-PelvorAdditions.h"
+#include "NSIndexSet-PelvorAdditions.h"
+#include "NSInvocation-PelvorAdditions.h"
+#include "NSMutableDictionary-PelvorAdditions.h"
 #include "NSMutableString-PelvorAdditions.h"
+#include "NSObject-PelvorAdditions.h"
+#include "NSRunLoop-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
+#include "PBFloatArray.h"
+#include "PBNotificationCenter.h"
+#include "PBPlanarRange.h"
+#include "PBRangeUtil.h"
+#include "PBRegistry.h"
 #include "PBUnichar32String.h"
+#include "PBUtil.h"
 #include "Prelude.h"
 #include "Scanning/OFStringDecoder.h"
 #include "Scanning/OFStringScanner.h"
 #include "Scanning/OFTrie.h"
 #include "Source/TextInPieces.h"
 
-namespace pelvor {
 namespace {
 
-#define REFUSED(message, ...) EXPECT_EQ(reasonOf([&] { (void)(__VA_ARGS__); }), message)
+// "scanString:peek:", of the call "scanner->scanString_peek(nullptr, true)".
+std::string operationOf(std::string_view call) {
+    std::string name(call.substr(0, call.find('(')));
+    name.erase(0, name.find_last_of(":>") + 1);
+    std::replace(name.begin() + 1, name.end(), '_', ':');
+    return name + ':';
+}
+
+// The reason is the operation that is called and what follows.
+#define REFUSED(fault, ...) \
+    EXPECT_EQ(reasonOf([&] { (void)(__VA_ARGS__); }), operationOf(#__VA_ARGS__) + " " + fault)
 
 TEST(Arguments, ThatAreNullAreNamed) {
     auto scanner = OFStringScanner::initWithString(u"abc"_ns);
     NSMutableString* text = NSMutableString::of(u"abc");
     auto wide = PBUnichar32String::initWithString(text);
+    NSString* pieces = inPieces(u"ab");
     NSData* data = NSData::data();
+    auto node = OFTrieNode::init();
     using Strings = NSString_PelvorAdditions;
     using Datas = NSData_PelvorAdditions;
-    REFUSED("scanString:peek: the string is null", scanner->scanString_peek(nullptr, true));
-    REFUSED("scanStringCaseInsensitive:peek: the string is null",
-            scanner->scanStringCaseInsensitive_peek(nullptr, true));
-    REFUSED("scanUpToString: the string is null", scanner->scanUpToString(nullptr));
-    REFUSED("scanUpToStringCaseInsensitive: the string is null",
-            scanner->scanUpToStringCaseInsensitive(nullptr));
-    REFUSED("readFullTokenUpToString: the string is null", scanner->readFullTokenUpToString(nullptr));
-    REFUSED("scanDouble:maximumLength:exponentLength: the value is null",
-            scanner->scanDouble_maximumLength_exponentLength(nullptr, 9, 9));
-    REFUSED("addChild:withCharacter: the child is neither an OFTrieNode nor an OFTrieBucket",
-            OFTrieNode::init()->addChild_withCharacter(text, u'a'));
-    REFUSED("initWithString:length: the string is null", PBRepeatString::initWithString_length(nullptr, 2));
-    REFUSED("initWithString:repeatCount: the string is null",
-            PBRepeatString::initWithString_repeatCount(nullptr, 2));
-    REFUSED("initWithString: the string is null", PBUnichar32String::initWithString(nullptr));
-    REFUSED("initWithCodepoints:count: the code points must not be null where the length is 1",
-            PBUnichar32String::initWithCodepoints_count(nullptr, 1));
-    REFUSED("initWithOwnedCodepoints:count: the code points must not be null where the length is 1",
-            PBUnichar32String::initWithOwnedCodepoints_count(nullptr, 1));
-    REFUSED("getCodepoints:forCodepointsWithRange: the buffer must not be null where the length is 1",
-            wide->getCodepoints_forCodepointsWithRange(nullptr, {0, 1}));
-    REFUSED("getCharacters:range: the buffer must not be null where the length is 1",
-            wide->getCharacters_range(nullptr, {0, 1}));
-    REFUSED("getCharacters:range: the buffer must not be null where the length is 1",
-            inPieces(u"ab")->getCharacters_range(nullptr, {0, 1}));
-    REFUSED("stringWithCodepoints:count: the code points must not be null where the length is 1",
-            Strings::stringWithCodepoints_count(nullptr, 1));
-    REFUSED("stringWithData:encoding: the data is null",
-            Strings::stringWithData_encoding(nullptr, NSUTF8StringEncoding));
-    REFUSED("locationOfCharacterFromSet:options:location: the set is null",
-            locationOfCharacterFromSet_options_location(text, nullptr, 0, 0));
-    REFUSED("stringByReplacingAllOccurrencesOfString:withString: the target is null",
-            stringByReplacingAllOccurrencesOfString_withString(text, nullptr, text));
-    REFUSED("stringByReplacingAllOccurrencesOfString:withString: the replacement is null",
+    using Wide = PBUnichar32String;
+    const std::string noString = "the string is null", noSet = "the set is null";
+    const std::string noPoints = "the code points must not be null where the length is 1";
+    const std::string noBuffer = "the buffer must not be null where the length is 1";
+    REFUSED(noString, scanner->scanString_peek(nullptr, true));
+    REFUSED(noString, scanner->scanStringCaseInsensitive_peek(nullptr, true));
+    REFUSED(noString, scanner->scanUpToString(nullptr));
+    REFUSED(noString, scanner->scanUpToStringCaseInsensitive(nullptr));
+    REFUSED(noString, scanner->readFullTokenUpToString(nullptr));
+    REFUSED("the value is null", scanner->scanDouble_maximumLength_exponentLength(nullptr, 9, 9));
+    REFUSED("the child is neither an OFTrieNode nor an OFTrieBucket",
+            node->addChild_withCharacter(text, u'a'));
+    REFUSED(noString, PBRepeatString::initWithString_length(nullptr, 2));
+    REFUSED(noString, PBRepeatString::initWithString_repeatCount(nullptr, 2));
+    REFUSED(noString, Wide::initWithString(nullptr));
+    REFUSED(noPoints, Wide::initWithCodepoints_count(nullptr, 1));
+    REFUSED(noPoints, Wide::initWithOwnedCodepoints_count(nullptr, 1));
+    REFUSED(noBuffer, wide->getCodepoints_forCodepointsWithRange(nullptr, {0, 1}));
+    REFUSED(noBuffer, wide->getCharacters_range(nullptr, {0, 1}));
+    REFUSED(noBuffer, pieces->getCharacters_range(nullptr, {0, 1}));
+    REFUSED(noPoints, Strings::stringWithCodepoints_count(nullptr, 1));
+    REFUSED(noPoints, Strings::initWithCodepoints_count(nullptr, 1));
+    REFUSED("the data is null", Strings::stringWithData_encoding(nullptr, NSUTF8StringEncoding));
+    REFUSED(noSet, locationOfCharacterFromSet_options_location(text, nullptr, 0, 0));
+    REFUSED("the target is null", stringByReplacingAllOccurrencesOfString_withString(text, nullptr, text));
+    REFUSED("the replacement is null",
             stringByReplacingAllOccurrencesOfString_withString(text, text, nullptr));
-    REFUSED("stringByReplacingAllOccurrencesOfCharactersInSet:withString: the set is null",
-            stringByReplacingAllOccurrencesOfCharactersInSet_withString(text, nullptr, text));
-    REFUSED("replaceAllLineEndingsWithString: the line ending is null",
-            replaceAllLineEndingsWithString(text, nullptr));
-    REFUSED("removeCharactersInSet: the set is null", removeCharactersInSet(text, nullptr));
-    REFUSED("replaceAllOccurrencesOfString:withString: the target is null",
-            replaceAllOccurrencesOfString_withString(text, nullptr, text));
-    REFUSED("dataWithBase64String: the string is null", Datas::dataWithBase64String(nullptr));
-    REFUSED("initWithHexString: the string is null", Datas::initWithHexString(nullptr));
-    REFUSED("_lowercaseHexStringWithPrefix:length: the prefix must not be null where the length is 1",
+    REFUSED(noSet, stringByReplacingAllOccurrencesOfCharactersInSet_withString(text, nullptr, text));
+    REFUSED("the line ending is null", replaceAllLineEndingsWithString(text, nullptr));
+    REFUSED(noSet, removeCharactersInSet(text, nullptr));
+    REFUSED("the target is null", replaceAllOccurrencesOfString_withString(text, nullptr, text));
+    REFUSED(noString, Datas::dataWithBase64String(nullptr));
+    REFUSED(noString, Datas::initWithHexString(nullptr));
+    REFUSED("the prefix must not be null where the length is 1",
             _lowercaseHexStringWithPrefix_length(data, nullptr, 1));
-    REFUSED("rangeOfBytes:length: the bytes must not be null where the length is 1",
-            rangeOfBytes_length(data, nullptr, 1));
+    REFUSED("the bytes must not be null where the length is 1", rangeOfBytes_length(data, nullptr, 1));
+}
+
+TEST(Arguments, OfCollectionsAndMessagesAreNamed) {
+    NSNumber* one = NSNumber::numberWithInt(1);
+    NSArray *texts = NSArray::of({u"a"_ns, u"b"_ns}), *numbers = NSArray::of({one});
+    auto record = NSMutableDictionary::init();
+    auto registry = PBRegistry::init();
+    auto floats = PBFloatArray::initWithCapacity(3);
+    Class* cls = NSNumber::classObject();
+    SEL unknown = "unknown"_sel;
+    using Arrays = NSMutableArray_PelvorAdditions;
+    using Centres = NSNotificationCenter_PelvorAdditions;
+    using Invocations = NSInvocation_PelvorAdditions;
+    using Loops = NSRunLoop_PelvorAdditions;
+    using Sets = NSIndexSet_PelvorAdditions;
+    REFUSED("the name is null", Centres::disableNotificationName(nullptr));
+    REFUSED("the profile is null", registry->addProfile(nullptr));
+    REFUSED("the key is null", setInt_forKey(record, 1, nullptr));
+    REFUSED("the object is null", dictionarySettingObject_forKey(record, nullptr, one));
+    REFUSED("the object is null", Arrays::initWithSingleObject_count(nullptr, 2));
+    REFUSED("the pointer to the floats is null",
+            floats->replaceFloatsInRange_withFloatsFrom({0, 1}, nullptr));
+    REFUSED("the target is null", Loops::performSelector_target_argument_order(unknown, nullptr, one, 0));
+    REFUSED("instances of NSNumber have no method unknown",
+            Invocations::invocationWithTargetClass_selector(cls, unknown));
+    REFUSED("the target is null", Invocations::invocationWithTarget_selector(nullptr, unknown));
+    REFUSED("the list holds a, which is no boxed range", PBNormalizeRanges(texts, true));
+    REFUSED("the list holds 1, which is no boxed range", PBIndexOfRangeInRanges({0, 1}, numbers));
+    REFUSED("the array holds a, which is no number", Sets::indexSetWithNumberArray(texts));
+    REFUSED("1 is no boxed planar range", planarRangeValue(one));
+    EXPECT_EQ(reasonOf([&] { performSelector_withInt(one, "isEqual:"_sel, 1); }),
+              "the message isEqual: cannot be given a number: its method takes an argument of another type");
+    EXPECT_EQ(reasonOf([&] { performSelector_withInt(one, "intValue"_sel, 1); }),
+              "the message intValue cannot be given a number: its method takes no argument");
+    EXPECT_THAT(reasonOf([&] { PBReplaceMethodImplementationWithSelector(cls, "intValue"_sel, unknown); }),
+                EndsWith(": the class NSNumber has no method unknown"));
 }
 
 TEST(Arguments, ThatAreNullAreNamedByFunctions) {
@@ -77,12 +125,11 @@ TEST(Arguments, ThatAreNullAreNamedByFunctions) {
     OFCaseConversionBufferInit(&buffer);
     auto state = OFInitialStateForEncoding(kCFStringEncodingUTF8);
     const unsigned char byte = 'a';
+    const std::string raised = "NSInvalidArgumentException: OFScanCharactersIntoBuffer: the ";
     EXPECT_EQ(RAISED(OFScanCharactersIntoBuffer(state, nullptr, 1, nullptr, 0)),
-              "NSInvalidArgumentException: OFScanCharactersIntoBuffer: the bytes must not be null where the "
-              "length is 1");
+              raised + "bytes must not be null where the length is 1");
     EXPECT_EQ(RAISED(OFScanCharactersIntoBuffer(state, &byte, 1, nullptr, 1)),
-              "NSInvalidArgumentException: OFScanCharactersIntoBuffer: the characters must not be null where "
-              "the length is 1");
+              raised + "characters must not be null where the length is 1");
     EXPECT_THROW(OFCreateStringByLowercasingCharacters(&buffer, nullptr, 1), NSException);
     EXPECT_THROW(OFCaseInsensitiveHash(nullptr, 1), NSException);
     OFCaseConversionBufferDestroy(&buffer);
@@ -92,23 +139,23 @@ TEST(Arguments, ThatLieOutsideAreNamed) {
     NSString* text = inPieces(u"abc");
     auto wide = PBUnichar32String::initWithString(text);
     NSData* data = NSData::dataWithBytes_length("abc", 3);
-    REFUSED("wordRangeForRange:includePreviousWord: range {2, 2} beyond bounds (3)",
-            wordRangeForRange_includePreviousWord(text, {2, 2}, false));
-    REFUSED("rangeOfTrimmedWordForRange: range {4, 0} beyond bounds (3)",
-            rangeOfTrimmedWordForRange(text, {4, 0}));
-    REFUSED("nonwhitespaceRangeForRange: range {4, 0} beyond bounds (3)",
-            nonwhitespaceRangeForRange(text, {4, 0}));
-    REFUSED("rangeOfComposedCharactersForRange: range {3, 1} beyond bounds (3)",
-            rangeOfComposedCharactersForRange(text, {3, 1}));
-    REFUSED("intValueAtIndex:effectiveRange: range {4, 0} beyond bounds (3)",
-            intValueAtIndex_effectiveRange(text, 4, nullptr));
-    REFUSED("getCodepoints:range: range {1, 4294967295} beyond bounds (3)",
-            getCodepoints_range(text, nullptr, {1, 0xFFFFFFFF}));
-    REFUSED("characterAtIndex: index (3) beyond bounds (3)", wide->characterAtIndex(3));
-    REFUSED("unicharRangeForCodepointsWithRange: range {3, 1} beyond bounds (3)",
-            wide->unicharRangeForCodepointsWithRange({3, 1}));
-    REFUSED("rangeOfData:range: range {0, 4} beyond bounds (3)", rangeOfData_range(data, data, {0, 4}));
+    const NSRange far = {1, 0xFFFFFFFF};
+    const std::string beyond = "range {4, 0} beyond bounds (3)",
+                      farBeyond = "range {1, 4294967295} beyond bounds (3)";
+    REFUSED("range {2, 2} beyond bounds (3)", wordRangeForRange_includePreviousWord(text, {2, 2}, false));
+    REFUSED(farBeyond, wordRangeForRange_includePreviousWord(text, far, false));
+    REFUSED(beyond, rangeOfTrimmedWordForRange(text, {4, 0}));
+    REFUSED(beyond, nonwhitespaceRangeForRange(text, {4, 0}));
+    REFUSED("range {3, 1} beyond bounds (3)", rangeOfComposedCharactersForRange(text, {3, 1}));
+    REFUSED(beyond, intValueAtIndex_effectiveRange(text, 4, nullptr));
+    REFUSED(farBeyond, getCodepoints_range(text, nullptr, far));
+    EXPECT_THROW(countCodepointsInRange(text, far), NSException);
+    REFUSED("index (3) beyond bounds (3)", wide->characterAtIndex(3));
+    REFUSED("range {2, 2} beyond bounds (3)", wide->getCharacters_range(nullptr, {2, 2}));
+    REFUSED("range {3, 1} beyond bounds (3)", wide->unicharRangeForCodepointsWithRange({3, 1}));
+    REFUSED(farBeyond, wide->unicharRangeForCodepointsWithRange(far));
+    REFUSED("range {0, 4} beyond bounds (3)", rangeOfData_range(data, data, {0, 4}));
+    REFUSED(farBeyond, rangeOfData_range(data, data, far));
 }
 
 }  // namespace
-}  // namespace pelvor

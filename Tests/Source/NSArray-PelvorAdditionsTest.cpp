@@ -14,7 +14,6 @@
 #include "PBUtil.h"
 #include "Prelude.h"
 
-namespace pelvor {
 namespace {
 
 using Numbers = std::vector<int>;
@@ -189,4 +188,3 @@ TEST(PBSingleObjectEnumerator, HandsItsObjectOverOnce) {
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -5,7 +5,6 @@
 #include "Foundation/NSKeyedUnarchiver.h"
 #include "Prelude.h"
 
-namespace pelvor {
 namespace {
 
 TEST(NSCoderPelvorAdditions, ReadBytesThatFitTheBuffer) {
@@ -21,4 +20,3 @@ TEST(NSCoderPelvorAdditions, ReadBytesThatFitTheBuffer) {
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -5,7 +5,6 @@
 #include "NSMutableDictionary-PelvorAdditions.h"
 #include "Prelude.h"
 
-namespace pelvor {
 namespace {
 
 class NSDictionaryPelvorAdditions : public ::testing::Test {
@@ -75,4 +74,3 @@ TEST_F(NSDictionaryPelvorAdditions, MakeChangedCopiesAndParts) {
 }
 
 }  // namespace
-}  // namespace pelvor

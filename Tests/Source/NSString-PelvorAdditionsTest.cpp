@@ -9,7 +9,6 @@
 #include "Prelude.h"
 #include "Source/TextInPieces.h"
 
-namespace pelvor::testing {
 namespace {
 
 using namespace std::string_literals;
@@ -68,8 +67,6 @@ TEST(WordRange, FollowsTheRuleOfTheUnitAtTheCaret) {
 TEST(WordRange, CrossesOneSeparatorAndSpansTheRange) {
     expectWords(u"[foo |bar]/[foo bar|]/foo [ |bar]/foo.[ |bar]/[ |bar]/[a\u0002|b]/[a\u0003|b]", true);
     expectWords(u"one [t|wo t|hree]/[|one] |two/[o|ne ]1|2");
-    for (NSRange range : {NSRange{4, 0}, NSRange{2, 0xFFFFFFFF}})
-        EXPECT_THROW(wordRangeForRange_includePreviousWord(u"one"_ns, range, false), NSException);
 }
 
 TEST(WordRange, TrimsWordsAndWhiteSpace) {
@@ -80,7 +77,6 @@ TEST(WordRange, TrimsWordsAndWhiteSpace) {
     EXPECT_EQ(rangeOfTrimmedWordForRange(text, {0, 3}), NSMakeRange(NSNotFound, 0));
     EXPECT_EQ(nonwhitespaceRangeForRange(text, {0, 7}), NSMakeRange(2, 4));
     EXPECT_EQ(nonwhitespaceRangeForRange(text, {1, 1}), NSMakeRange(1, 0));
-    EXPECT_THROW(nonwhitespaceRangeForRange(text, {count, 1}), NSException);
 }
 
 TEST(CharacterLocation, IsTheLastUnitOfAMatchBackwards) {
@@ -141,7 +137,6 @@ TEST(ComposedCharacters, AreWidenedToWholeOnes) {
     EXPECT_EQ(rangeOfComposedCharactersForRange(text, {2, 1}), NSMakeRange(1, 3));
     EXPECT_EQ(rangeOfComposedCharactersForRange(text, {3, 4}), NSMakeRange(1, 9));
     EXPECT_EQ(rangeOfComposedCharactersForRange(text, {2, 0}), NSMakeRange(2, 0));
-    EXPECT_THROW(rangeOfComposedCharactersForRange(text, {10, 2}), NSException);
     EXPECT_EQ(PBRangeOfComposedCharacterSequenceAtIndex(text, 6), NSMakeRange(5, 5));
     EXPECT_EQ(PBRangeOfComposedCharacterSequenceAtIndex(text, 20), NSMakeRange(11, 0));
     EXPECT_EQ(PBRangeOfComposedCharacterSequenceAtIndex(u""_ns, 0), NSMakeRange(0, 0));
@@ -163,12 +158,12 @@ TEST(CharacterRange, IsAUnitOrAPair) {
 }
 
 TEST(MatchingCase, TakesTheCaseOfThePattern) {
-    const std::pair<Text, Text> rows[] = {{u"Hello", u"World-Wide Don't"}, {u"HELLO", u"WORLD-WIDE DON'T"},
-                                          {u"hello", u"world-wIDE don't"}, {u"H", u"WORLD-WIDE DON'T"},
-                                          {u"H1", u"World-Wide Don't"},    {u"", u"world-wIDE don't"},
-                                          {u"\u01C5", u"WORLD-WIDE DON'T"}};
-    for (auto [pattern, result] : rows)
-        EXPECT_EQ(stringByMatchingCase(inPieces(u"world-wIDE don't"), inPieces(pattern))->toUTF16(), result);
+    expectAll({"Hello -> World-Wide Don't", "HELLO -> WORLD-WIDE DON'T", "hello -> world-wIDE don't",
+               "H -> WORLD-WIDE DON'T", "H1 -> World-Wide Don't", " -> world-wIDE don't",
+               "\u01C5 -> WORLD-WIDE DON'T"},
+              [](const std::string& pattern) {
+                  return stringByMatchingCase(inPieces(u"world-wIDE don't"), inPieces(pattern));
+              });
     NSMutableString* own = NSMutableString::of(u"a");
     EXPECT_NE(stringByMatchingCase(own, nullptr), own) << "a copy";
 }
@@ -255,35 +250,23 @@ TEST(Components, LeaveOutOnlyAnEmptyLastPiece) {
 }
 
 TEST(NumbersAtAnIndex, TellHowFarTheyReach) {
-    const struct {
-        Text text;
-        NSUInteger index;
-        int decimal;
-        NSUInteger decimalEnd;
-        int hexadecimal;
-        NSUInteger hexadecimalEnd;
-    } rows[] = {{u"ab 12 cd", 2, 12, 5, 0x12, 5},
-                {u"  -12x", 0, -12, 5, 63, 0},
-                {u"0x1Fg", 0, 0, 1, 0x1F, 4},
-                {u"0XaB", 0, 0, 1, 0xAB, 4},
-                {u"0xg", 0, 0, 1, 0, 1},
-                {u"99999999999 ", 0, 0x7FFFFFFF, 11, -1, 11},
-                {u"-99999999999", 0, -0x7FFFFFFF - 1, 12, 63, 0},
-                {u"g", 0, 0, 0, 63, 0},
-                {u"FFFFFFFE", 0, 0, 0, -2, 8},
-                {u"+", 0, 0, 0, 63, 0},
-                {u"1 2", 3, 0, 3, 63, 3}};
-    for (auto& row : rows) {
-        NSRange range{99, 99};
-        NSString* text = inPieces(row.text);
-        EXPECT_EQ(intValueAtIndex_effectiveRange(text, row.index, &range), row.decimal) << text;
-        EXPECT_EQ(range, NSMakeRange(row.index, std::max(row.decimalEnd, row.index) - row.index)) << text;
-        EXPECT_EQ(hexIntValueAtIndex_effectiveRange(text, row.index, &range), row.hexadecimal) << text;
-        EXPECT_EQ(range, NSMakeRange(row.index, std::max(row.hexadecimalEnd, row.index) - row.index)) << text;
-    }
+    // The text and the index, then the decimal and the hexadecimal number with the range of each.
+    expectAll(
+        {"ab 12 cd 2 -> 12 {2, 3} 18 {2, 3}", "  -12x 0 -> -12 {0, 5} 63 {0, 0}",
+         "0x1Fg 0 -> 0 {0, 1} 31 {0, 4}", "0XaB 0 -> 0 {0, 1} 171 {0, 4}", "0xg 0 -> 0 {0, 1} 0 {0, 1}",
+         "99999999999  0 -> 2147483647 {0, 11} -1 {0, 11}", "-99999999999 0 -> -2147483648 {0, 12} 63 {0, 0}",
+         "g 0 -> 0 {0, 0} 63 {0, 0}", "FFFFFFFE 0 -> 0 {0, 0} -2 {0, 8}", "+ 0 -> 0 {0, 0} 63 {0, 0}",
+         "1 2 3 -> 0 {3, 0} 63 {3, 0}"},
+        [](const std::string& row) {
+            NSString* text = inPieces(row.substr(0, row.size() - 2));
+            auto index = static_cast<NSUInteger>(row.back() - '0');
+            NSRange range{99, 99}, hexRange{99, 99};
+            int value = intValueAtIndex_effectiveRange(text, index, &range);
+            int hexValue = hexIntValueAtIndex_effectiveRange(text, index, &hexRange);
+            return shown(value, range, hexValue, hexRange);
+        });
     EXPECT_EQ(hexIntValue(u"zz"_ns), 63);
     EXPECT_EQ(hexIntValue(u" 10"_ns), 16);
-    EXPECT_THROW(intValueAtIndex_effectiveRange(u"1"_ns, 2, nullptr), NSException);
 }
 
 TEST(StringAdditions, AnswerBySelector) {
@@ -304,4 +287,3 @@ TEST(StringAdditions, AnswerBySelector) {
 }
 
 }  // namespace
-}  // namespace pelvor::testing

@@ -4,7 +4,6 @@
 
 #include "Prelude.h"
 
-namespace pelvor {
 namespace {
 
 constexpr float kFive[] = {1, 2, 3, 4, 5};
@@ -56,4 +55,3 @@ TEST(PBFloatVector, GrowsInsertsAndRemoves) {
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -8,7 +8,6 @@
 #include "PBPlanarRange.h"
 #include "Prelude.h"
 
-namespace pelvor {
 namespace {
 
 using Ranges = std::vector<NSRange>;
@@ -166,4 +165,3 @@ TEST(NSValuePelvorAdditions, OrderBoxedRangesAndBoxPlanarOnes) {
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -11,5 +11,6 @@ inline NSString* inPieces(std::u16string_view text) {
     auto length = static_cast<NSUInteger>(text.size());
     return PBRepeatString::initWithString_length(NSString::of(text), length).autorelease();
 }
+inline NSString* inPieces(const std::string& text) { return inPieces(NSString::ofUTF8(text)->toUTF16()); }
 
 }  // namespace pelvor

@@ -11,7 +11,6 @@
 #include "Scanning/OFTrie.h"
 #include "Source/TextInPieces.h"
 
-namespace pelvor {
 namespace {
 
 // What an operation answers, as text.
@@ -167,4 +166,3 @@ TEST(FileScanner, DoesWhatAStringScannerDoesWhateverItsSteps) {
 }
 
 }  // namespace
-}  // namespace pelvor

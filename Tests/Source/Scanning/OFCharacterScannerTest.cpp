@@ -12,7 +12,6 @@
 #include "Scanning/OFTrie.h"
 #include "Shared/WideInstructions.h"
 
-namespace pelvor {
 namespace {
 
 // Brings one piece after the other and cannot go back. Of an empty piece it says without end that there is
@@ -40,9 +39,7 @@ class PieceScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreato
     std::size_t _next = 0;
 };
 
-constexpr Library* kNeeded[] = {&baseLibrary};
-constinit Library pieceLibrary{"Pieces", kNeeded, kClassesOf<PieceScanner>, {}};
-PELVOR_DEFINE_CLASS(PieceScanner, pieceLibrary) {}
+PELVOR_DEFINE_CLASS(PieceScanner, baseLibrary) {}
 
 // The text in steps of one, two, three and more bytes, and as one string.
 template <class Check>
@@ -304,4 +301,3 @@ TEST(CharacterScanner, ReadsTrieElements) {
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -9,7 +9,6 @@
 #include "Scanning/NSObject-OFDebugging.h"
 #include "Source/TextInPieces.h"
 
-namespace pelvor {
 namespace {
 
 using Bits = std::bitset<0x10000>;
@@ -92,4 +91,3 @@ TEST(OFCharacterSet, ListsItsMembersAsRuns) {
 }
 
 }  // namespace
-}  // namespace pelvor

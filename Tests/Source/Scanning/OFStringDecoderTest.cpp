@@ -1,16 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Scanning/OFStringDecoder.h"
 
-#include <gtest/gtest.h>
-
-#include <random>
-#include <string>
-
-#include "Runtime/NSException.h"
+#include "Prelude.h"
 #include "Scanning/OFCaseConversion.h"
 #include "Shared/WideInstructions.h"
 
-namespace pelvor {
 namespace {
 
 // Decodes in steps of so many bytes, each into room for its own units and one pair.
@@ -56,11 +50,10 @@ TEST(StringDecoder, DecodesInStepsOfAnySize) {
     };
     for (const auto& entry : cases)
         for (std::size_t step : {1, 2, 3, 5, 16, 100}) {
-            EXPECT_EQ(decoded(entry.bytes, entry.encoding, step), entry.text)
-                << entry.encoding << ' ' << step;
+            SCOPED_TRACE(shown(entry.encoding, step));
+            EXPECT_EQ(decoded(entry.bytes, entry.encoding, step), entry.text);
             PlainInstructionsScope plain;
-            EXPECT_EQ(decoded(entry.bytes, entry.encoding, step), entry.text)
-                << entry.encoding << ' ' << step;
+            EXPECT_EQ(decoded(entry.bytes, entry.encoding, step), entry.text);
         }
 }
 
@@ -113,22 +106,18 @@ TEST(StringDecoder, TellsHowFarItCame) {
                                           static_cast<NSUInteger>(bytes.size()), units, capacity);
     };
     auto start = OFInitialStateForEncoding(kCFStringEncodingUTF8);
+    auto counts = [](OFCharacterScanResult result) {
+        return shown(result.bytesConsumed, result.charactersProduced);
+    };
     auto first = scan(start, "\xE2", 8);
-    EXPECT_EQ(first.bytesConsumed, 1u);
-    EXPECT_EQ(first.charactersProduced, 0u);
+    EXPECT_EQ(counts(first), "1 0");
     EXPECT_TRUE(OFDecoderContainsPartialCharacters(first.state));
     auto second = scan(first.state, "\x82\xAC", 8);
     EXPECT_EQ(second.charactersProduced, 1u);
     EXPECT_FALSE(OFDecoderContainsPartialCharacters(second.state));
 
-    auto lost = scan(start, "\xF0\x9F\x98\x80z", 1);
-    EXPECT_EQ(lost.bytesConsumed, 4u);
-    EXPECT_EQ(lost.charactersProduced, 0u);
-    auto malformed = scan(start,
-                          "\xE2"
-                          "abc\xC3"
-                          "d",
-                          8);
+    EXPECT_EQ(counts(scan(start, "\xF0\x9F\x98\x80z", 1)), "4 0");
+    auto malformed = scan(start, "\xE2" + std::string("abc\xC3") + "d", 8);
     EXPECT_EQ(malformed.charactersProduced, 3u) << "the bytes of a broken sequence go with it";
     EXPECT_EQ(scan(start, "abc", 2).bytesConsumed, 2u);
 }
@@ -142,13 +131,10 @@ TEST(StringDecoder, KnowsItsEncodings) {
         {0x10000100, "268435712 (Unicode (UTF-16BE))"},
         {0xFFFFFFFF, "-1 ((null))"},
     };
-    for (const auto& [encoding, text] : unsupported) try {
-            OFInitialStateForEncoding(encoding);
-            ADD_FAILURE() << text;
-        } catch (const NSException& exception) {
-            EXPECT_EQ(exception.name(), NSInvalidArgumentException);
-            EXPECT_EQ(exception.reason(), "Unsupported character encoding in fast string decoder: " + text);
-        }
+    for (const auto& [encoding, text] : unsupported)
+        EXPECT_EQ(
+            reasonOf(NSInvalidArgumentException, [code = encoding] { OFInitialStateForEncoding(code); }),
+            "Unsupported character encoding in fast string decoder: " + text);
 }
 
 TEST(CaseConversion, LowersAndHashesBlindToCase) {
@@ -161,14 +147,13 @@ TEST(CaseConversion, LowersAndHashesBlindToCase) {
         std::u16string form = lower->toUTF16();
         EXPECT_EQ(OFCaseInsensitiveHash(text.data(), length), OFCaseInsensitiveHash(form.data(), length));
     }
-    std::u16string large(1000, u'A');
-    EXPECT_EQ(OFCreateStringByLowercasingCharacters(&buffer, large.data(), 1000)->toUTF16(),
-              std::u16string(1000, u'a'));
-    EXPECT_EQ(buffer.bufferSize, 1000);
-    std::u16string foreign(2000, u'\xC4');
-    EXPECT_EQ(OFCreateStringByLowercasingCharacters(&buffer, foreign.data(), 2000)->toUTF16(),
-              std::u16string(2000, u'\xE4'));
-    EXPECT_EQ(buffer.bufferSize, 2000);
+    // ASCII, then others.
+    for (auto [length, upper, lower] : {std::tuple(1000, u'A', u'a'), {2000, u'\xC4', u'\xE4'}}) {
+        std::u16string text(static_cast<std::size_t>(length), upper);
+        EXPECT_EQ(OFCreateStringByLowercasingCharacters(&buffer, text.data(), NSUInteger(length))->toUTF16(),
+                  std::u16string(text.size(), lower));
+        EXPECT_EQ(buffer.bufferSize, length);
+    }
     OFCaseConversionBufferDestroy(&buffer);
     EXPECT_EQ(buffer.buffer, nullptr);
     EXPECT_EQ(OFCaseInsensitiveHash(u"", 0), 0u);
@@ -176,4 +161,3 @@ TEST(CaseConversion, LowersAndHashesBlindToCase) {
 }
 
 }  // namespace
-}  // namespace pelvor
