@@ -6,7 +6,6 @@
 
 #include "Foundation/Collections/CollectionDescription.h"
 #include "Foundation/Collections/CollectionEnumerators.h"
-#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/Collections/ConcreteArrays.h"
 #include "Foundation/Collections/ObjectSorting.h"
 #include "Foundation/Collections/ObjectTables.h"
@@ -14,6 +13,7 @@
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSString.h"
 #include "Runtime/Message.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -53,16 +53,29 @@ PELVOR_DEFINE_CLASS(NSArray, foundationLibrary) {
 
 // MARK: Creation
 
+namespace {
+
+Retained<NSArray> checkedArray(Object* const* objects, NSUInteger count, const char* operation) {
+    requireObjects(objects, count, operation);
+    return NSInlineArray::create(objects, count);
+}
+
+}  // namespace
+
 NSArray* NSArray::array() { return NSInlineArray::empty(); }
 
-NSArray* NSArray::arrayWithObject(id object) { return arrayWithObjects_count(&object, 1); }
+NSArray* NSArray::arrayWithObject(id object) {
+    requireArgument(object, "arrayWithObject:", "the object");
+    return NSInlineArray::create(&object, 1).autorelease();
+}
 
 NSArray* NSArray::arrayWithObjects(std::initializer_list<Object*> objects) {
-    return initWithObjects(objects).autorelease();
+    return checkedArray(objects.begin(), static_cast<NSUInteger>(objects.size()), "arrayWithObjects")
+        .autorelease();
 }
 
 NSArray* NSArray::arrayWithObjects_count(Object* const* objects, NSUInteger count) {
-    return initWithObjects_count(objects, count).autorelease();
+    return checkedArray(objects, count, "arrayWithObjects:count:").autorelease();
 }
 
 NSArray* NSArray::arrayWithArray(NSArray* array) { return initWithArray(array).autorelease(); }
@@ -70,12 +83,11 @@ NSArray* NSArray::arrayWithArray(NSArray* array) { return initWithArray(array).a
 Retained<NSArray> NSArray::init() { return Retained<NSArray>::retaining(NSInlineArray::empty()); }
 
 Retained<NSArray> NSArray::initWithObjects(std::initializer_list<Object*> objects) {
-    return initWithObjects_count(objects.begin(), static_cast<NSUInteger>(objects.size()));
+    return checkedArray(objects.begin(), static_cast<NSUInteger>(objects.size()), "initWithObjects");
 }
 
 Retained<NSArray> NSArray::initWithObjects_count(Object* const* objects, NSUInteger count) {
-    requireObjects(objects, count, "initWithObjects:count:");
-    return NSInlineArray::create(objects, count);
+    return checkedArray(objects, count, "initWithObjects:count:");
 }
 
 Retained<NSArray> NSArray::initWithArray(NSArray* array) {
@@ -108,7 +120,7 @@ NSUInteger NSArray::indexOfObject(id object) {
 }
 
 NSUInteger NSArray::indexOfObject_inRange(id object, NSRange range) {
-    requireRange(range, count());
+    requireRange(range, count(), "indexOfObject:inRange:");
     if (!object) return NSNotFound;
     for (NSUInteger i = range.location; i < range.location + range.length; ++i) {
         id entry = objectAtIndex(i);
@@ -122,7 +134,7 @@ NSUInteger NSArray::indexOfObjectIdenticalTo(id object) {
 }
 
 NSUInteger NSArray::indexOfObjectIdenticalTo_inRange(id object, NSRange range) {
-    requireRange(range, count());
+    requireRange(range, count(), "indexOfObjectIdenticalTo:inRange:");
     Object* const* objects = contiguousObjects();
     for (NSUInteger i = range.location; i < range.location + range.length; ++i)
         if ((objects ? objects[i] : objectAtIndex(i)) == object) return i;
@@ -136,14 +148,23 @@ id NSArray::firstObjectCommonWithArray(NSArray* other) {
     return nullptr;
 }
 
-void NSArray::getObjects(Object** buffer) { getObjects_range(buffer, {0, count()}); }
+namespace {
 
-void NSArray::getObjects_range(Object** buffer, NSRange range) {
-    requireRange(range, count());
-    if (Object* const* objects = contiguousObjects())
+void copyObjects(NSArray* array, Object** buffer, NSRange range, const char* operation) {
+    requireRange(range, array->count(), operation);
+    requireMemory(buffer, range.length, operation, "the objects");
+    if (Object* const* objects = array->contiguousObjects())
         std::copy_n(objects + range.location, range.length, buffer);
     else
-        for (NSUInteger i = 0; i < range.length; ++i) buffer[i] = objectAtIndex(range.location + i);
+        for (NSUInteger i = 0; i < range.length; ++i) buffer[i] = array->objectAtIndex(range.location + i);
+}
+
+}  // namespace
+
+void NSArray::getObjects(Object** buffer) { copyObjects(this, buffer, {0, count()}, "getObjects:"); }
+
+void NSArray::getObjects_range(Object** buffer, NSRange range) {
+    copyObjects(this, buffer, range, "getObjects:range:");
 }
 
 NSEnumerator* NSArray::objectEnumerator() {
@@ -157,7 +178,7 @@ NSEnumerator* NSArray::reverseObjectEnumerator() {
 // MARK: Other arrays
 
 NSArray* NSArray::subarrayWithRange(NSRange range) {
-    requireRange(range, count());
+    requireRange(range, count(), "subarrayWithRange:");
     if (Object* const* objects = contiguousObjects())
         return NSInlineArray::create(objects + range.location, range.length).autorelease();
     std::vector<Object*> objects(range.length);
@@ -176,7 +197,7 @@ Retained<NSArray> inOnePiece(NSArray* array) {
 }  // namespace
 
 NSArray* NSArray::arrayByAddingObject(id object) {
-    requireObject(object, "arrayByAddingObject:");
+    requireArgument(object, "arrayByAddingObject:", "the object");
     Retained<NSArray> own = inOnePiece(this);
     return NSInlineArray::createJoined(own, {&object, 1}).autorelease();
 }
@@ -205,6 +226,7 @@ NSArray* NSArray::sortedArrayUsingSelector(SEL comparator) {
 }
 
 NSArray* NSArray::sortedArrayUsingFunction_context(NSCompareFunction comparator, void* context) {
+    if (!comparator) raiseNullArgument("sortedArrayUsingFunction:context:", "the function");
     return sortedArray(this, [comparator, context](id a, id b) { return comparator(a, b, context); });
 }
 
@@ -260,9 +282,6 @@ Retained<Object> NSArray::copyWithZone(void*) { return initWithArray(this); }
 
 Retained<Object> NSArray::mutableCopyWithZone(void*) { return NSMutableArray::initWithArray(this); }
 
-Retained<NSMutableArray> NSArray::mutableCopy() {
-    return Retained<NSMutableArray>::adopting(
-        static_cast<NSMutableArray*>(mutableCopyWithZone(nullptr).leak()));
-}
+Retained<NSMutableArray> NSArray::mutableCopy() { return cast<NSMutableArray>(mutableCopyWithZone(nullptr)); }
 
 }  // namespace pelvor

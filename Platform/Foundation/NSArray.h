@@ -14,22 +14,25 @@ class NSString;
 /// Orders two objects: below 0 when the first sorts before the second, above 0 when after, else 0.
 using NSCompareFunction = int (*)(id first, id second, void* context);
 
-/// A sequence of objects, which it retains; none is never among them. Abstract over `count` and
-/// `objectAtIndex`, on which everything else stands; the creators answer objects of concrete classes.
+/// An immutable sequence of objects, which the array retains; null is never among them.
 ///
-///     NSArray* names = NSArray::of({u"Anna"_ns, u"Berta"_ns});
-///     for (id name : names) …
+///     NSArray* names = NSArray::of({u"Berta"_ns, u"Anna"_ns});
+///     for (id name : names) NSLog(u"%@"_ns, name);
+///     NSArray* sorted = names->sortedArrayUsingSelector("compare:"_sel);   // Anna, Berta
+///     NSUInteger place = names->indexOfObject(u"Anna"_ns);                 // 1
 ///
-/// Two objects are the same where `isEqual` of the array's entry says so. Objects handed out are
-/// borrowed. Immutable arrays may be used on any thread as far as their objects may.
+/// Abstract over `count` and `objectAtIndex`, which are all that a subclass must have; the creators return
+/// objects of concrete classes. A search compares by `isEqual` of the array's objects, unless the operation
+/// says that it looks for an identical object. Operations return borrowed objects. Immutable arrays may be
+/// used on any thread as far as their objects may.
 class PELVOR_EXPORT NSArray : public NSObject {
     PELVOR_CLASS(NSArray, NSObject);
     PELVOR_CREATORS(array, arrayWithObject, arrayWithObjects_count, arrayWithArray, init,
                     initWithObjects_count, initWithArray, of, arrayWithObjects, initWithObjects);
 
   public:
-    // Creation. Operations whose names begin with "init" answer owned arrays, the others borrowed ones.
-    // Those that take objects raise NSInvalidArgumentException if none is among them.
+    // Creation. Operations whose names begin with "init" return owned arrays, the others borrowed ones.
+    // Operations that take objects raise NSInvalidArgumentException if null is among them.
 
     static NSArray* array();
     static NSArray* arrayWithObject(id object);
@@ -52,15 +55,16 @@ class PELVOR_EXPORT NSArray : public NSObject {
     virtual id objectAtIndex(NSUInteger index) = 0;
 
     // C++ only
-    /// All objects in one piece where the array has them so, else none. Valid until the array changes
-    /// or goes.
+    /// All objects in one piece of memory if the array keeps them so, else null. Valid until the array
+    /// changes or is destroyed.
     virtual Object* const* contiguousObjects() { return nullptr; }
-    /// A number that changes when objects come, go or move; by it, walks notice changes.
+    /// The address of a number that changes when objects come, go or move; by this number walks notice
+    /// changes.
     virtual const std::uint32_t* mutationCounter() { return &detail::kNeverMutated; }
 
-    // Objects and indexes. Searches answer NSNotFound where there is none.
+    // Objects and indexes. Searches return NSNotFound if they find nothing.
 
-    /// None for an empty array.
+    /// Null for an empty array.
     id lastObject();
     bool containsObject(id object);
     NSUInteger indexOfObject(id object);
@@ -69,8 +73,10 @@ class PELVOR_EXPORT NSArray : public NSObject {
     /// The index of this very object.
     NSUInteger indexOfObjectIdenticalTo(id object);
     NSUInteger indexOfObjectIdenticalTo_inRange(id object, NSRange range);
-    /// The receiver's first object that the other array has too; none without one.
+    /// The receiver's first object that the other array holds too; null if there is none.
     id firstObjectCommonWithArray(NSArray* other);
+    /// Copies borrowed pointers to the objects, or to those of the range, to the buffer. Raises
+    /// NSInvalidArgumentException for null as buffer of one object or more.
     void getObjects(Object** buffer);
     void getObjects_range(Object** buffer, NSRange range);
     NSEnumerator* objectEnumerator();
@@ -81,8 +87,8 @@ class PELVOR_EXPORT NSArray : public NSObject {
     NSArray* subarrayWithRange(NSRange range);
     NSArray* arrayByAddingObject(id object);
     virtual NSArray* arrayByAddingObjectsFromArray(NSArray* other);
-    /// The objects in ascending order; those that are the same keep theirs. The message takes an object
-    /// and answers an NSComparisonResult.
+    /// The objects in ascending order; objects that compare as the same keep their order. The message takes
+    /// an object and returns an NSComparisonResult.
     NSArray* sortedArrayUsingSelector(SEL comparator);
     NSArray* sortedArrayUsingFunction_context(NSCompareFunction comparator, void* context);
 
@@ -101,9 +107,7 @@ class PELVOR_EXPORT NSArray : public NSObject {
     NSString* description() override;
     Retained<Object> copyWithZone(void* zone) override;
     Retained<Object> mutableCopyWithZone(void* zone) override;
-    Retained<NSArray> copy() {
-        return Retained<NSArray>::adopting(static_cast<NSArray*>(copyWithZone(nullptr).leak()));
-    }
+    Retained<NSArray> copy() { return cast<NSArray>(copyWithZone(nullptr)); }
     Retained<NSMutableArray> mutableCopy();
 
   protected:
@@ -133,7 +137,7 @@ class ArrayCursor {
     bool operator==(std::default_sentinel_t) const { return _index >= _count; }
 
   private:
-    NSArray* _array;
+    Unretained<NSArray> _array;
     Object* const* _objects = nullptr;
     MutationWatch _watch;
     NSUInteger _index = 0;

@@ -4,6 +4,7 @@
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
 #include "Runtime/NSException.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -27,7 +28,8 @@ PELVOR_DEFINE_CLASS(NSCoder, foundationLibrary) {
 }
 
 void NSCoder::raiseNotSupported(const char* operation) {
-    raiseException(NSInvalidArgumentException, u"%s has no %s"_ns, isa()->name(), operation);
+    raiseException(NSInvalidArgumentException, u"a coder of class %s does not implement %s"_ns,
+                   isa()->publicName(), operation);
 }
 
 void NSCoder::encodeObject_forKey(id, NSString*) { raiseNotSupported("encodeObject:forKey:"); }
@@ -37,6 +39,17 @@ void NSCoder::encodeDouble_forKey(double, NSString*) { raiseNotSupported("encode
 void NSCoder::encodeBytes_length_forKey(const void*, NSUInteger, NSString*) {
     raiseNotSupported("encodeBytes:length:forKey:");
 }
+
+void NSCoder::encodeInt_forKey(int value, NSString* key) {
+    requireArgument(key, "encodeInt:forKey:", "the key");
+    encodeInt64_forKey(value, key);
+}
+
+void NSCoder::encodeFloat_forKey(float value, NSString* key) {
+    requireArgument(key, "encodeFloat:forKey:", "the key");
+    encodeDouble_forKey(value, key);
+}
+
 bool NSCoder::containsValueForKey(NSString*) { raiseNotSupported("containsValueForKey:"); }
 id NSCoder::decodeObjectForKey(NSString*) { raiseNotSupported("decodeObjectForKey:"); }
 bool NSCoder::decodeBoolForKey(NSString*) { raiseNotSupported("decodeBoolForKey:"); }

@@ -3,10 +3,10 @@
 
 #include <algorithm>
 
-#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/Collections/ObjectTables.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -32,7 +32,9 @@ struct NSCountedSet::Table : OrderedTable<NSUInteger> {
 
 NSCountedSet::NSCountedSet() : _table(std::make_unique<Table>()) {}
 
-NSCountedSet::~NSCountedSet() { NSCountedSet::removeAllObjects(); }
+NSCountedSet::~NSCountedSet() {
+    while (_table->count() > 0) NSCountedSet::removeAllObjects();  // what a release does may add
+}
 
 NSCountedSet* NSCountedSet::set() { return init().autorelease(); }
 
@@ -40,13 +42,18 @@ NSCountedSet* NSCountedSet::setWithCapacity(NSUInteger capacity) {
     return initWithCapacity(capacity).autorelease();
 }
 
-NSCountedSet* NSCountedSet::setWithObject(id object) { return setWithObjects_count(&object, 1); }
+NSCountedSet* NSCountedSet::setWithObject(id object) {
+    requireArgument(object, "setWithObject:", "the object");
+    return initWithObjects_count(&object, 1).autorelease();
+}
 
 NSCountedSet* NSCountedSet::setWithObjects(std::initializer_list<Object*> objects) {
+    requireObjects(objects.begin(), static_cast<NSUInteger>(objects.size()), "setWithObjects");
     return initWithObjects(objects).autorelease();
 }
 
 NSCountedSet* NSCountedSet::setWithObjects_count(Object* const* objects, NSUInteger count) {
+    requireObjects(objects, count, "setWithObjects:count:");
     return initWithObjects_count(objects, count).autorelease();
 }
 
@@ -63,7 +70,9 @@ Retained<NSCountedSet> NSCountedSet::initWithCapacity(NSUInteger capacity, Class
 }
 
 Retained<NSCountedSet> NSCountedSet::initWithObjects(std::initializer_list<Object*> objects) {
-    return initWithObjects_count(objects.begin(), static_cast<NSUInteger>(objects.size()));
+    auto count = static_cast<NSUInteger>(objects.size());
+    requireObjects(objects.begin(), count, "initWithObjects");
+    return initWithObjects_count(objects.begin(), count);
 }
 
 Retained<NSCountedSet> NSCountedSet::initWithObjects_count(Object* const* objects, NSUInteger count,
@@ -109,7 +118,7 @@ id NSCountedSet::stepFrom(NSUInteger& position) {
 const std::uint32_t* NSCountedSet::mutationCounter() { return _table->mutationCounter(); }
 
 void NSCountedSet::addObject(id object) {
-    requireObject(object, "addObject:");
+    requireArgument(object, "addObject:", "the object");
     std::uint32_t hash = Table::fold(object->hash());
     NSUInteger position = _table->OrderedTable::find(object, hash);
     if (position == Table::kNone)
@@ -127,6 +136,12 @@ void NSCountedSet::removeObject(id object) {
 void NSCountedSet::removeAllObjects() {
     for (auto& entry : _table->removeAll())
         if (entry.key) entry.key->release();
+}
+
+Retained<NSCountedSet> NSCountedSet::copy() { return cast<NSCountedSet>(copyWithZone(nullptr)); }
+
+Retained<NSCountedSet> NSCountedSet::mutableCopy() {
+    return cast<NSCountedSet>(mutableCopyWithZone(nullptr));
 }
 
 Retained<Object> NSCountedSet::copyWithZone(void*) { return initWithSet(this, isa()); }

@@ -8,9 +8,14 @@
 
 namespace pelvor {
 
-/// A mutable set that counts: a member stays until it was removed as often as it was added. `count` and
-/// walks take each member once. It equals every set with the same members and counts, where a member of
-/// another set counts once; its description tells the counts.
+/// A mutable set that counts: a member stays until it was removed as often as it was added.
+///
+///     NSCountedSet* words = NSCountedSet::setWithArray(text->componentsSeparatedByString(u" "_ns));
+///     words->countForObject(u"the"_ns);        // how often the word stands in the text
+///
+/// `count` and walks take each member once. A counted set is equal to another counted set with the same
+/// members and counts, and to a set of another class if it has the same members and each count is 1. The
+/// description tells the counts.
 class PELVOR_EXPORT NSCountedSet : public NSMutableSet {
     PELVOR_CLASS(NSCountedSet, NSMutableSet);
     PELVOR_CREATORS(set, setWithCapacity, setWithObject, setWithObjects_count, setWithArray, setWithSet, init,
@@ -49,6 +54,9 @@ class PELVOR_EXPORT NSCountedSet : public NSMutableSet {
     void removeAllObjects() override;
     Retained<Object> copyWithZone(void* zone) override;
     Retained<Object> mutableCopyWithZone(void* zone) override;
+    /// A counted set with the same counts; it can be changed, too.
+    Retained<NSCountedSet> copy();
+    Retained<NSCountedSet> mutableCopy();
 
   protected:
     NSCountedSet();

@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/Files/FileContents.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSMutableData.h"
@@ -14,6 +13,7 @@
 #include "Foundation/Strings/ByteText.h"
 #include "Foundation/Values/ConcreteData.h"
 #include "Foundation/Values/NSExternalData.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -50,14 +50,16 @@ PELVOR_DEFINE_CLASS(NSData, foundationLibrary) {
 NSData* NSData::data() { return init().autorelease(); }
 
 NSData* NSData::dataWithBytes_length(const void* bytes, NSUInteger length) {
-    return initWithBytes_length(bytes, length).autorelease();
+    return NSInlineData::create(bytes, length, "dataWithBytes:length:").autorelease();
 }
 
 NSData* NSData::dataWithBytesNoCopy_length(void* bytes, NSUInteger length) {
+    requireMemory(bytes, length, "dataWithBytesNoCopy:length:", "the bytes");
     return initWithBytesNoCopy_length(bytes, length).autorelease();
 }
 
 NSData* NSData::dataWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length, bool freeWhenDone) {
+    requireMemory(bytes, length, "dataWithBytesNoCopy:length:freeWhenDone:", "the bytes");
     return initWithBytesNoCopy_length_freeWhenDone(bytes, length, freeWhenDone).autorelease();
 }
 
@@ -69,22 +71,20 @@ NSData* NSData::of(std::span<const std::byte> bytes) {
     return dataWithBytes_length(bytes.data(), static_cast<NSUInteger>(bytes.size()));
 }
 
-Retained<NSData> NSData::init() { return NSInlineData::create(0); }
+Retained<NSData> NSData::init() { return NSInlineData::create(nullptr, 0, "init"); }
 
 Retained<NSData> NSData::initWithBytes_length(const void* bytes, NSUInteger length) {
-    requireBytes(bytes, length);
-    auto data = NSInlineData::create(length);
-    if (length) std::memcpy(data->storage(), bytes, length);
-    return data;
+    return NSInlineData::create(bytes, length, "initWithBytes:length:");
 }
 
 Retained<NSData> NSData::initWithBytesNoCopy_length(void* bytes, NSUInteger length) {
+    requireMemory(bytes, length, "initWithBytesNoCopy:length:", "the bytes");
     return initWithBytesNoCopy_length_freeWhenDone(bytes, length, true);
 }
 
 Retained<NSData> NSData::initWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length,
                                                                  bool freeWhenDone) {
-    requireBytes(bytes, length);
+    requireMemory(bytes, length, "initWithBytesNoCopy:length:freeWhenDone:", "the bytes");
     return NSExternalData::create(
         bytes, length, freeWhenDone ? NSExternalData::Memory::own : NSExternalData::Memory::borrowed);
 }
@@ -104,19 +104,28 @@ Retained<NSData> NSData::initWithContentsOfFile(NSString* path) {
 
 // MARK: Bytes
 
-void NSData::getBytes(void* buffer) { getBytes_length(buffer, length()); }
+namespace {
+
+void copyBytes(std::span<const std::byte> bytes, void* buffer, const char* operation) {
+    requireMemory(buffer, static_cast<NSUInteger>(bytes.size()), operation, "the bytes");
+    if (!bytes.empty()) std::memcpy(buffer, bytes.data(), bytes.size());
+}
+
+}  // namespace
+
+void NSData::getBytes(void* buffer) { copyBytes(span(), buffer, "getBytes:"); }
 
 void NSData::getBytes_length(void* buffer, NSUInteger count) {
-    if (NSUInteger copied = std::min(count, length())) std::memcpy(buffer, bytes(), copied);
+    copyBytes(span().first(std::min(count, length())), buffer, "getBytes:length:");
 }
 
 void NSData::getBytes_range(void* buffer, NSRange range) {
-    requireRange(range, length());
-    if (range.length) std::memcpy(buffer, span().data() + range.location, range.length);
+    requireRange(range, length(), "getBytes:range:");
+    copyBytes(span().subspan(range.location, range.length), buffer, "getBytes:range:");
 }
 
 NSData* NSData::subdataWithRange(NSRange range) {
-    requireRange(range, length());
+    requireRange(range, length(), "subdataWithRange:");
     return of(span().subspan(range.location, range.length));
 }
 
@@ -155,15 +164,19 @@ NSString* hexadecimalDescription(std::span<const std::byte> bytes) {
     return NSString::ofUTF8(text + ">");
 }
 
+Retained<NSInlineData> NSInlineData::create(const void* bytes, NSUInteger length, const char* operation) {
+    requireMemory(bytes, length, operation, "the bytes");
+    auto* data = Instances::createWithExtra<NSInlineData>(length, &classRecord, length);
+    if (length) std::memcpy(static_cast<void*>(data + 1), bytes, length);
+    return Retained<NSInlineData>::adopting(data);
+}
+
 Retained<Object> NSInlineData::copyWithZone(void*) { return Retained<Object>::retaining(this); }
 
 Retained<Object> NSData::copyWithZone(void*) { return initWithData(this); }
 
 Retained<Object> NSData::mutableCopyWithZone(void*) { return NSMutableData::initWithData(this); }
 
-Retained<NSMutableData> NSData::mutableCopy() {
-    return Retained<NSMutableData>::adopting(
-        static_cast<NSMutableData*>(mutableCopyWithZone(nullptr).leak()));
-}
+Retained<NSMutableData> NSData::mutableCopy() { return cast<NSMutableData>(mutableCopyWithZone(nullptr)); }
 
 }  // namespace pelvor

@@ -14,8 +14,14 @@ namespace pelvor {
 class NSMutableData;
 class NSString;
 
-/// Bytes. Abstract over `length` and `bytes`; the creators answer objects of concrete classes, which
-/// copy what they are given unless they say otherwise. Immutable data may be used on any thread.
+/// An immutable block of bytes.
+///
+///     NSData* data = NSData::dataWithContentsOfFile(path);       // null if the file cannot be read
+///     if (data && !data->writeToFile_atomically(copyPath, true)) NSLog(u"%s"_ns, std::strerror(errno));
+///     for (std::byte byte : data->span()) sum += std::to_integer<unsigned>(byte);
+///
+/// Abstract over `length` and `bytes`; the creators return objects of concrete classes, which copy what they
+/// are given unless the creator says otherwise. Immutable data may be used on any thread.
 class PELVOR_EXPORT NSData : public NSObject {
     PELVOR_CLASS(NSData, NSObject);
     PELVOR_CREATORS(data, dataWithBytes_length, dataWithBytesNoCopy_length,
@@ -24,18 +30,19 @@ class PELVOR_EXPORT NSData : public NSObject {
                     initWithData, initWithContentsOfFile, of);
 
   public:
-    // Creation. Operations whose names begin with "init" answer owned data, the others borrowed data.
+    // Creation. Operations whose names begin with "init" return owned data, the others borrowed data. Null as
+    // memory of one byte or more raises NSInvalidArgumentException.
 
     static NSData* data();
     static NSData* dataWithBytes_length(const void* bytes, NSUInteger length);
-    /// Data over memory made by `malloc`, which they take over and free; with NO for `freeWhenDone` over
-    /// memory that stays the caller's, and as it is, for as long as the data are there. Copies of the data
-    /// have bytes of their own then.
+    /// Data that uses the memory instead of copying it. The memory was made by `malloc`, and the data frees
+    /// it. With false for `freeWhenDone` the memory stays the caller's, who must keep it unchanged as long as
+    /// the data exists; copies of such data have bytes of their own.
     static NSData* dataWithBytesNoCopy_length(void* bytes, NSUInteger length);
     static NSData* dataWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length, bool freeWhenDone);
     static NSData* dataWithData(NSData* data);
-    /// The content of the file as far as it can be read; none when it cannot be opened or is no file, or
-    /// does not fit NSUInteger.
+    /// The content of the file; null, with the reason in `errno`, if the file cannot be read, is a folder, or
+    /// holds more bytes than an NSUInteger counts.
     static NSData* dataWithContentsOfFile(NSString* path);
 
     static Retained<NSData> init();
@@ -52,7 +59,7 @@ class PELVOR_EXPORT NSData : public NSObject {
     // Primitives
 
     virtual NSUInteger length() = 0;
-    /// Valid until the data change or go. May be none for empty data.
+    /// Valid until the data changes or is destroyed. May be null for empty data.
     virtual const void* bytes() = 0;
 
     // C++ only
@@ -60,11 +67,12 @@ class PELVOR_EXPORT NSData : public NSObject {
         return {static_cast<const std::byte*>(bytes()), length()};
     }
 
-    /// Copies the bytes to the buffer.
+    /// Copies the bytes to the buffer. Raises NSInvalidArgumentException for null as buffer of one byte or
+    /// more.
     void getBytes(void* buffer);
-    /// As many bytes as there are, at most `length`.
+    /// Copies at most `length` bytes to the buffer.
     void getBytes_length(void* buffer, NSUInteger length);
-    /// Raises NSRangeException for a range that is not inside.
+    /// Copies the bytes of the range to the buffer. Raises NSRangeException for a range that is not inside.
     void getBytes_range(void* buffer, NSRange range);
     NSData* subdataWithRange(NSRange range);
     /// Writes the file, new or in the place of an old one; atomically: as a whole or not at all. Returns
@@ -84,9 +92,7 @@ class PELVOR_EXPORT NSData : public NSObject {
     NSString* description() override;
     Retained<Object> copyWithZone(void* zone) override;
     Retained<Object> mutableCopyWithZone(void* zone) override;
-    Retained<NSData> copy() {
-        return Retained<NSData>::adopting(static_cast<NSData*>(copyWithZone(nullptr).leak()));
-    }
+    Retained<NSData> copy() { return cast<NSData>(copyWithZone(nullptr)); }
     Retained<NSMutableData> mutableCopy();
 
   protected:

@@ -7,10 +7,10 @@
 #include <functional>
 
 #include "Foundation/ClockScope.h"
-#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
 #include "Foundation/Values/ConcreteDate.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -84,7 +84,7 @@ Retained<NSDate> NSDate::initWithTimeIntervalSinceNow(NSTimeInterval seconds) {
 }
 
 Retained<NSDate> NSDate::initWithTimeInterval_sinceDate(NSTimeInterval seconds, NSDate* date) {
-    requireObject(date, "initWithTimeInterval:sinceDate:");
+    requireArgument(date, "initWithTimeInterval:sinceDate:", "the date");
     return NSPlainDate::create(date->timeIntervalSinceReferenceDate() + seconds);
 }
 
@@ -99,7 +99,7 @@ NSTimeInterval NSDate::timeIntervalSinceNow() {
 }
 
 NSTimeInterval NSDate::timeIntervalSinceDate(NSDate* other) {
-    requireObject(other, "timeIntervalSinceDate:");
+    requireArgument(other, "timeIntervalSinceDate:", "the date");
     return timeIntervalSinceReferenceDate() - other->timeIntervalSinceReferenceDate();
 }
 
@@ -116,7 +116,7 @@ NSDate* NSDate::laterDate(NSDate* other) {
 }
 
 NSComparisonResult NSDate::compare(NSDate* other) {
-    requireObject(other, "compare:");
+    requireArgument(other, "compare:", "the date");
     NSTimeInterval mine = timeIntervalSinceReferenceDate();
     NSTimeInterval theirs = other->timeIntervalSinceReferenceDate();
     return mine < theirs ? NSOrderedAscending : mine > theirs ? NSOrderedDescending : NSOrderedSame;
@@ -130,6 +130,8 @@ bool NSDate::isEqualToDate(NSDate* other) {
 bool NSDate::isEqual(id other) { return isEqualToDate(cast<NSDate>(other)); }
 
 std::uintptr_t NSDate::hash() { return std::hash<double>()(timeIntervalSinceReferenceDate()); }
+
+Retained<NSDate> NSDate::copy() { return cast<NSDate>(copyWithZone(nullptr)); }
 
 Retained<Object> NSDate::copyWithZone(void*) { return Retained<Object>::retaining(this); }
 

@@ -14,9 +14,14 @@ using NSTimeInterval = double;
 /// From 1970-01-01 to the reference date 2001-01-01, both 00:00 UTC, without leap seconds.
 inline constexpr NSTimeInterval NSTimeIntervalSince1970 = 978307200.0;
 
-/// A moment, kept as the seconds since 2001-01-01 00:00 UTC. Dates are equal when their seconds are
-/// exactly. Abstract over `timeIntervalSinceReferenceDate`. Creators answer borrowed dates, owned ones
-/// where the name begins with "init". Any thread.
+/// An immutable moment, kept as the seconds since the reference date, 2001-01-01 00:00 UTC.
+///
+///     NSDate* start = NSDate::date();
+///     NSTimeInterval seconds = -start->timeIntervalSinceNow();                     // how long ago that was
+///     bool isLate = NSDate::date()->compare(deadline) == NSOrderedDescending;
+///
+/// Dates are equal when their seconds are exactly equal. Abstract over `timeIntervalSinceReferenceDate`.
+/// Creators whose names begin with "init" return owned dates, the others borrowed ones. Any thread.
 class PELVOR_EXPORT NSDate : public NSObject {
     PELVOR_CLASS(NSDate, NSObject);
     PELVOR_CREATORS(date, dateWithTimeIntervalSinceNow, dateWithTimeIntervalSinceReferenceDate,
@@ -29,24 +34,27 @@ class PELVOR_EXPORT NSDate : public NSObject {
     static NSDate* dateWithTimeIntervalSinceNow(NSTimeInterval seconds);
     static NSDate* dateWithTimeIntervalSinceReferenceDate(NSTimeInterval seconds);
     static NSDate* dateWithTimeIntervalSince1970(NSTimeInterval seconds);
-    /// Dates that come before and after all others in practice.
+    /// The beginning of the year 1 and of the year 4001: dates that in practice come before and after all
+    /// others.
     static NSDate* distantPast();
     static NSDate* distantFuture();
     static Retained<NSDate> init();
     static Retained<NSDate> initWithTimeIntervalSinceReferenceDate(NSTimeInterval seconds);
     static Retained<NSDate> initWithTimeIntervalSinceNow(NSTimeInterval seconds);
     static Retained<NSDate> initWithTimeInterval_sinceDate(NSTimeInterval seconds, NSDate* date);
-    /// Now, in seconds.
+    /// Now, in seconds since the reference date.
     static NSTimeInterval currentTimeIntervalSinceReferenceDate();
 
     virtual NSTimeInterval timeIntervalSinceReferenceDate() = 0;
     NSTimeInterval timeIntervalSince1970();
     /// Below 0 for a date in the past.
     NSTimeInterval timeIntervalSinceNow();
+    /// Below 0 if the other date is later. Raises NSInvalidArgumentException for null, as `compare` does.
     NSTimeInterval timeIntervalSinceDate(NSDate* other);
 
     NSDate* addTimeInterval(NSTimeInterval seconds);
-    /// The receiver where both are the same.
+    // The earlier or later of both dates; the receiver if they are equal or the other date is null.
+
     NSDate* earlierDate(NSDate* other);
     NSDate* laterDate(NSDate* other);
     NSComparisonResult compare(NSDate* other);
@@ -57,6 +65,7 @@ class PELVOR_EXPORT NSDate : public NSObject {
     /// The moment in UTC to the second, "2001-01-01 00:00:00 +0000".
     NSString* description() override;
     Retained<Object> copyWithZone(void* zone) override;
+    Retained<NSDate> copy();
 
   protected:
     constexpr NSDate() noexcept = default;

@@ -5,12 +5,12 @@
 
 #include "Foundation/Collections/CollectionDescription.h"
 #include "Foundation/Collections/CollectionEnumerators.h"
-#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/Collections/ConcreteDictionaries.h"
 #include "Foundation/Collections/ObjectSorting.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
 #include "Runtime/Message.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -44,16 +44,20 @@ PELVOR_DEFINE_CLASS(NSDictionary, foundationLibrary) {
 NSDictionary* NSDictionary::dictionary() { return init().autorelease(); }
 
 NSDictionary* NSDictionary::dictionaryWithObject_forKey(id object, id key) {
-    return dictionaryWithObjects_forKeys_count(&object, &key, 1);
+    requireArgument(object, "dictionaryWithObject:forKey:", "the object");
+    requireArgument(key, "dictionaryWithObject:forKey:", "the key");
+    return filledDictionary<NSTableDictionary>(&object, &key, NSUInteger{1}, "dictionaryWithObject:forKey:")
+        .autorelease();
 }
 
 NSDictionary* NSDictionary::dictionaryWithObjects_forKeys(NSArray* objects, NSArray* keys) {
-    return initWithObjects_forKeys(objects, keys).autorelease();
+    return filledDictionary<NSTableDictionary>(objects, keys, "dictionaryWithObjects:forKeys:").autorelease();
 }
 
 NSDictionary* NSDictionary::dictionaryWithObjects_forKeys_count(Object* const* objects, Object* const* keys,
                                                                 NSUInteger count) {
-    return initWithObjects_forKeys_count(objects, keys, count).autorelease();
+    return filledDictionary<NSTableDictionary>(objects, keys, count, "dictionaryWithObjects:forKeys:count:")
+        .autorelease();
 }
 
 NSDictionary* NSDictionary::dictionaryWithDictionary(NSDictionary* dictionary) {
@@ -61,36 +65,28 @@ NSDictionary* NSDictionary::dictionaryWithDictionary(NSDictionary* dictionary) {
 }
 
 NSDictionary* NSDictionary::of(std::initializer_list<NSDictionaryEntry> entries) {
-    return initWithEntries(entries).autorelease();
+    return filledDictionary<NSTableDictionary>(entries, "NSDictionary::of").autorelease();
 }
 
 Retained<NSDictionary> NSDictionary::init() { return make<NSTableDictionary>(); }
 
 Retained<NSDictionary> NSDictionary::initWithObjects_forKeys(NSArray* objects, NSArray* keys) {
-    auto dictionary = make<NSTableDictionary>();
-    fillTable(dictionary->table(), objects, keys);
-    return dictionary;
+    return filledDictionary<NSTableDictionary>(objects, keys, "initWithObjects:forKeys:");
 }
 
 Retained<NSDictionary> NSDictionary::initWithObjects_forKeys_count(Object* const* objects,
                                                                    Object* const* keys, NSUInteger count) {
-    auto dictionary = make<NSTableDictionary>();
-    fillTable(dictionary->table(), objects, keys, count);
-    return dictionary;
+    return filledDictionary<NSTableDictionary>(objects, keys, count, "initWithObjects:forKeys:count:");
 }
 
 Retained<NSDictionary> NSDictionary::initWithDictionary(NSDictionary* dictionary) {
     if (dictionary && dictionary->isa() == NSTableDictionary::classObject())
         return Retained<NSDictionary>::retaining(dictionary);
-    auto copy = make<NSTableDictionary>();
-    fillTable(copy->table(), dictionary);
-    return copy;
+    return filledDictionary<NSTableDictionary>(dictionary, "initWithDictionary:");
 }
 
 Retained<NSDictionary> NSDictionary::initWithEntries(std::initializer_list<NSDictionaryEntry> entries) {
-    auto dictionary = make<NSTableDictionary>();
-    fillTable(dictionary->table(), entries);
-    return dictionary;
+    return filledDictionary<NSTableDictionary>(entries, "initWithEntries");
 }
 
 // MARK: Keys and objects
@@ -130,6 +126,7 @@ NSArray* NSDictionary::objectsForKeys_notFoundMarker(NSArray* keys, id marker) {
     std::vector<Object*> objects;
     for (id key : keys) {
         id object = objectForKey(key);
+        if (!object) requireArgument(marker, "objectsForKeys:notFoundMarker:", "the marker");
         objects.push_back(object ? object : marker);
     }
     return arrayOf(objects);
@@ -189,8 +186,7 @@ Retained<Object> NSDictionary::mutableCopyWithZone(void*) {
 }
 
 Retained<NSMutableDictionary> NSDictionary::mutableCopy() {
-    return Retained<NSMutableDictionary>::adopting(
-        static_cast<NSMutableDictionary*>(mutableCopyWithZone(nullptr).leak()));
+    return cast<NSMutableDictionary>(mutableCopyWithZone(nullptr));
 }
 
 }  // namespace pelvor

@@ -14,19 +14,20 @@ class NSString;
 
 /// A key and its object, both borrowed.
 struct NSDictionaryEntry {
-    id key;
-    id value;
+    Unretained<Object> key;
+    Unretained<Object> value;
 };
 
-/// Objects found by keys, which are told apart by `hash` and `isEqual`. Keys are copied, objects are
-/// retained. A look-up asks `isEqual` of the key that is looked for, with the entry's. Walks go in the
-/// order in which the keys came. Abstract over `count`, `objectForKey` and `stepFrom`; the creators
-/// answer objects of concrete classes.
+/// An immutable map from keys to objects. Keys are copied, objects are retained.
 ///
 ///     NSDictionary* ages = NSDictionary::of({{u"Anna"_ns, NSNumber::numberWithInt(7)}});
-///     for (auto [name, age] : ages) …
+///     id age = ages->objectForKey(u"Anna"_ns);                        // 7
+///     for (auto [name, age] : ages) NSLog(u"%@ is %@"_ns, name, age);
 ///
-/// Immutable dictionaries may be used on any thread as far as their objects may.
+/// Keys are told apart by `hash` and `isEqual`: a look-up sends `isEqual` to the key that is looked for, with
+/// the entry's key. Walks go in the order in which the keys were added. Abstract over `count`, `objectForKey`
+/// and `stepFrom`; the creators return objects of concrete classes. Immutable dictionaries may be used on any
+/// thread as far as their keys and objects may.
 class PELVOR_EXPORT NSDictionary : public NSObject {
     PELVOR_CLASS(NSDictionary, NSObject);
     PELVOR_CREATORS(dictionary, dictionaryWithObject_forKey, dictionaryWithObjects_forKeys,
@@ -35,9 +36,9 @@ class PELVOR_EXPORT NSDictionary : public NSObject {
                     initWithEntries);
 
   public:
-    // Creation. Operations whose names begin with "init" answer owned dictionaries, the others borrowed
-    // ones. Of equal keys the last counts. They raise NSInvalidArgumentException for a key or object that
-    // is none, for a key that cannot be copied, and for keys and objects of different number.
+    // Creation. Operations whose names begin with "init" return owned dictionaries, the others borrowed ones.
+    // Of equal keys the last counts. The operations raise NSInvalidArgumentException for null as key or
+    // object, for a key that cannot be copied, and for keys and objects of different number.
 
     static NSDictionary* dictionary();
     static NSDictionary* dictionaryWithObject_forKey(id object, id key);
@@ -59,13 +60,14 @@ class PELVOR_EXPORT NSDictionary : public NSObject {
     // Primitives
 
     virtual NSUInteger count() = 0;
-    /// None where there is no entry, and for no key.
+    /// Null if there is no entry, and for null as key.
     virtual id objectForKey(id key) = 0;
 
     // C++ only
-    /// The entry at or after `position`, which moves behind it; no key at the end. A walk begins at 0.
+    /// The entry at or after `position`, which moves behind this entry; an entry of null at the end. A walk
+    /// begins at position 0.
     virtual NSDictionaryEntry stepFrom(NSUInteger& position) = 0;
-    /// A number that changes when keys come or go; by it, walks notice changes.
+    /// The address of a number that changes when keys come or go; by this number walks notice changes.
     virtual const std::uint32_t* mutationCounter() { return &detail::kNeverMutated; }
 
     /// The same as `objectForKey`.
@@ -73,11 +75,12 @@ class PELVOR_EXPORT NSDictionary : public NSObject {
     NSArray* allKeys();
     NSArray* allValues();
     NSArray* allKeysForObject(id object);
-    /// One object a key; the marker where there is no entry.
+    /// For each key its object, or the marker if the key has no entry. Raises NSInvalidArgumentException if
+    /// the marker is needed and null.
     NSArray* objectsForKeys_notFoundMarker(NSArray* keys, id marker);
     NSEnumerator* keyEnumerator();
     NSEnumerator* objectEnumerator();
-    /// The keys in ascending order of their objects. The message takes an object and answers an
+    /// The keys in ascending order of their objects. The message takes an object and returns an
     /// NSComparisonResult.
     NSArray* keysSortedByValueUsingSelector(SEL comparator);
     bool isEqualToDictionary(NSDictionary* other);
@@ -88,9 +91,7 @@ class PELVOR_EXPORT NSDictionary : public NSObject {
     NSString* description() override;
     Retained<Object> copyWithZone(void* zone) override;
     Retained<Object> mutableCopyWithZone(void* zone) override;
-    Retained<NSDictionary> copy() {
-        return Retained<NSDictionary>::adopting(static_cast<NSDictionary*>(copyWithZone(nullptr).leak()));
-    }
+    Retained<NSDictionary> copy() { return cast<NSDictionary>(copyWithZone(nullptr)); }
     Retained<NSMutableDictionary> mutableCopy();
 
   protected:
@@ -118,7 +119,7 @@ class DictionaryCursor {
     bool operator==(std::default_sentinel_t) const { return !_entry.key; }
 
   private:
-    NSDictionary* _dictionary;
+    Unretained<NSDictionary> _dictionary;
     MutationWatch _watch;
     NSUInteger _position = 0;
     NSDictionaryEntry _entry{nullptr, nullptr};

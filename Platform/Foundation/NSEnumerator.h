@@ -13,15 +13,20 @@ namespace pelvor {
 
 class NSArray;
 
-/// A walk over objects, used up by walking: `while (id object = enumerator->nextObject())`, or in C++
-/// `for (id object : enumerator)`. Abstract over `nextObject`. The enumerators of collections keep their
-/// collection alive until the walk has ended, and raise NSGenericException when it was changed since
-/// they were made; an object put in the place of another is no such change.
+/// A walk over objects. An enumerator goes through its objects once; a second walk needs another enumerator.
+///
+///     NSEnumerator* enumerator = names->objectEnumerator();
+///     while (id name = enumerator->nextObject()) NSLog(u"%@"_ns, name);
+///     for (id name : names->reverseObjectEnumerator()) NSLog(u"%@"_ns, name);
+///
+/// Abstract over `nextObject`. The enumerator of a collection keeps the collection alive until the walk has
+/// ended, and raises NSGenericException if the collection was changed since the enumerator was made; an
+/// object put in the place of another one is no such change.
 class PELVOR_EXPORT NSEnumerator : public NSObject {
     PELVOR_CLASS(NSEnumerator, NSObject);
 
   public:
-    /// The next object, borrowed; none at the end and from then on.
+    /// The next object, borrowed; null at the end and from then on.
     virtual id nextObject() = 0;
     /// The objects that are still to come.
     NSArray* allObjects();
@@ -36,7 +41,7 @@ class PELVOR_EXPORT NSEnumerator : public NSObject {
 
 namespace detail {
 
-// Watches the number that a collection changes with its contents.
+// Watches the number that a collection changes together with its contents.
 class MutationWatch {
   public:
     MutationWatch() = default;
@@ -54,7 +59,8 @@ class MutationWatch {
 // The counter of collections that never change.
 inline constexpr std::uint32_t kNeverMutated = 0;
 
-// A cursor is a place in a walk over a collection that somebody else keeps alive. This one keeps it.
+// A cursor is a place in a walk over a collection that somebody else keeps alive; this iterator is a cursor
+// that keeps the collection alive itself.
 template <class Cursor, class Collection>
 class KeepingIterator {
   public:
@@ -76,7 +82,7 @@ class KeepingIterator {
     Cursor _cursor;
 };
 
-// For a collection's own loops over itself, which may run while it is being destroyed.
+// For a collection's own loops over itself, which need not keep the collection alive.
 template <class Cursor, class Collection>
 struct BorrowedWalk {
     Collection* collection;
@@ -105,7 +111,7 @@ class NSEnumeratorIterator {
 
   private:
     Retained<NSEnumerator> _enumerator;
-    id _object;
+    Unretained<Object> _object;
 };
 
 inline NSEnumeratorIterator begin(NSEnumerator* enumerator) { return NSEnumeratorIterator(enumerator); }

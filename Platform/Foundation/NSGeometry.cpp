@@ -93,13 +93,10 @@ bool NSMouseInRect(NSPoint point, NSRect rect, bool isFlipped) {
 }
 
 void NSDivideRect(NSRect rect, NSRect* slice, NSRect* remainder, float thickness, NSRectEdge edge) {
-    if (NSIsEmptyRect(rect)) {
-        *slice = *remainder = NSZeroRect;
-        return;
-    }
     Edges cut(rect), rest(rect);
     bool isAcross = edge == NSMinXEdge || edge == NSMaxXEdge;
-    double width = std::clamp<double>(thickness, 0, isAcross ? rect.size.width : rect.size.height);
+    double width =
+        std::clamp<double>(thickness, 0, std::max(0.0f, isAcross ? rect.size.width : rect.size.height));
     switch (edge) {
         case NSMinXEdge:
             cut.maxX = rest.minX = cut.minX + width;
@@ -114,8 +111,9 @@ void NSDivideRect(NSRect rect, NSRect* slice, NSRect* remainder, float thickness
             cut.minY = rest.maxY = cut.maxY - width;
             break;
     }
-    *slice = cut.rect();
-    *remainder = rest.rect();
+    bool isEmpty = NSIsEmptyRect(rect);
+    if (slice) *slice = isEmpty ? NSZeroRect : cut.rect();
+    if (remainder) *remainder = isEmpty ? NSZeroRect : rest.rect();
 }
 
 // MARK: Text

@@ -2,6 +2,8 @@
 // NSPoint, NSSize and NSRect: places and extents in single precision.
 #pragma once
 
+#include <iosfwd>
+
 #include "Foundation/NSRange.h"
 #include "Runtime/Export.h"
 
@@ -73,20 +75,22 @@ constexpr bool NSIsEmptyRect(NSRect rect) { return !(rect.size.width > 0 && rect
 /// The rectangle with both vertical edges moved inwards by `dx` and both horizontal ones by `dy`.
 PELVOR_EXPORT NSRect NSInsetRect(NSRect rect, float dx, float dy);
 PELVOR_EXPORT NSRect NSOffsetRect(NSRect rect, float dx, float dy);
-/// The smallest rectangle of whole numbers around the rectangle; zeros for an empty one.
+/// The smallest rectangle of whole numbers around the rectangle; zeros for an empty rectangle.
 PELVOR_EXPORT NSRect NSIntegralRect(NSRect rect);
-/// The smallest rectangle around both; an empty one does not count.
+/// The smallest rectangle around both rectangles; an empty rectangle does not count.
 PELVOR_EXPORT NSRect NSUnionRect(NSRect a, NSRect b);
-/// What both cover; zeros when that is nothing.
+/// The area that both rectangles cover; zeros if there is none.
 PELVOR_EXPORT NSRect NSIntersectionRect(NSRect a, NSRect b);
 PELVOR_EXPORT bool NSIntersectsRect(NSRect a, NSRect b);
 /// Whether `outer` covers all of `inner`, which is not empty.
 PELVOR_EXPORT bool NSContainsRect(NSRect outer, NSRect inner);
-/// Whether the point is inside or on an edge of least coordinates.
+/// Whether the point is inside the rectangle or on one of its edges of least coordinates.
 PELVOR_EXPORT bool NSPointInRect(NSPoint point, NSRect rect);
-/// The same, with the upper edge inside instead of the lower one unless the coordinates are flipped.
+/// Like NSPointInRect, but unless the coordinates are flipped the rectangle contains its edge of greatest y
+/// instead of the one of least y.
 PELVOR_EXPORT bool NSMouseInRect(NSPoint point, NSRect rect, bool isFlipped);
-/// Cuts off a slice of that thickness along an edge; the slice is never larger than the rectangle.
+/// Cuts off a slice of that thickness along an edge and writes the slice and what remains of the rectangle;
+/// either pointer may be null. The slice is never larger than the rectangle.
 PELVOR_EXPORT void NSDivideRect(NSRect rect, NSRect* slice, NSRect* remainder, float thickness,
                                 NSRectEdge edge);
 
@@ -95,10 +99,16 @@ PELVOR_EXPORT NSString* NSStringFromPoint(NSPoint point);
 PELVOR_EXPORT NSString* NSStringFromSize(NSSize size);
 PELVOR_EXPORT NSString* NSStringFromRect(NSRect rect);
 
-/// The first numbers in the text, in the order in which the functions above write them; zeros for those
-/// that are missing.
+/// Read the first numbers in the text, in the order in which the functions above write them. Numbers that are
+/// missing are 0; null is an empty text.
 PELVOR_EXPORT NSPoint NSPointFromString(NSString* text);
 PELVOR_EXPORT NSSize NSSizeFromString(NSString* text);
 PELVOR_EXPORT NSRect NSRectFromString(NSString* text);
+
+// Print what the functions above write.
+
+PELVOR_EXPORT std::ostream& operator<<(std::ostream& stream, NSPoint point);
+PELVOR_EXPORT std::ostream& operator<<(std::ostream& stream, NSSize size);
+PELVOR_EXPORT std::ostream& operator<<(std::ostream& stream, NSRect rect);
 
 }  // namespace pelvor

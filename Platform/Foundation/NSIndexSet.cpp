@@ -3,9 +3,9 @@
 
 #include <algorithm>
 
-#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -40,16 +40,19 @@ NSIndexSet* NSIndexSet::indexSetWithIndex(NSUInteger index, Class* cls) {
 }
 
 NSIndexSet* NSIndexSet::indexSetWithIndexesInRange(NSRange range, Class* cls) {
+    requireRange(range, NSNotFound, "indexSetWithIndexesInRange:");
     return initWithIndexesInRange(range, cls).autorelease();
 }
 
 Retained<NSIndexSet> NSIndexSet::init(Class* cls) { return make<NSIndexSet>(cls); }
 
 Retained<NSIndexSet> NSIndexSet::initWithIndex(NSUInteger index, Class* cls) {
+    requireIndex(index, NSNotFound);
     return initWithIndexesInRange({index, 1}, cls);
 }
 
 Retained<NSIndexSet> NSIndexSet::initWithIndexesInRange(NSRange range, Class* cls) {
+    requireRange(range, NSNotFound, "initWithIndexesInRange:");
     auto set = make<NSIndexSet>(cls);
     set->add(range);
     return set;
@@ -71,7 +74,6 @@ std::size_t NSIndexSet::firstRunEndingAfter(NSUInteger index) {
 
 // Takes in all runs that the range overlaps or touches.
 void NSIndexSet::add(NSRange range) {
-    requireRange(range, NSNotFound);
     if (range.length == 0) return;
     if (_runs.empty() || NSMaxRange(_runs.back()) < range.location) return _runs.push_back(range);
     std::size_t first = range.location ? firstRunEndingAfter(range.location - 1) : 0;
@@ -181,13 +183,10 @@ Retained<Object> NSIndexSet::mutableCopyWithZone(void*) {
     return initWithIndexSet(this, NSMutableIndexSet::classObject());
 }
 
-Retained<NSIndexSet> NSIndexSet::copy() {
-    return Retained<NSIndexSet>::adopting(static_cast<NSIndexSet*>(copyWithZone(nullptr).leak()));
-}
+Retained<NSIndexSet> NSIndexSet::copy() { return cast<NSIndexSet>(copyWithZone(nullptr)); }
 
 Retained<NSMutableIndexSet> NSIndexSet::mutableCopy() {
-    return Retained<NSMutableIndexSet>::adopting(
-        static_cast<NSMutableIndexSet*>(mutableCopyWithZone(nullptr).leak()));
+    return cast<NSMutableIndexSet>(mutableCopyWithZone(nullptr));
 }
 
 // MARK: Mutable
@@ -200,6 +199,16 @@ PELVOR_DEFINE_CLASS(NSMutableIndexSet, foundationLibrary) {
     methods.instance<"removeIndexesInRange:", &NSMutableIndexSet::removeIndexesInRange>();
     methods.instance<"removeIndexes:", &NSMutableIndexSet::removeIndexes>();
     methods.instance<"removeAllIndexes", &NSMutableIndexSet::removeAllIndexes>();
+}
+
+void NSMutableIndexSet::addIndex(NSUInteger index) {
+    requireIndex(index, NSNotFound);
+    add({index, 1});
+}
+
+void NSMutableIndexSet::addIndexesInRange(NSRange range) {
+    requireRange(range, NSNotFound, "addIndexesInRange:");
+    add(range);
 }
 
 void NSMutableIndexSet::addIndexes(NSIndexSet* other) {

@@ -13,9 +13,14 @@ namespace pelvor {
 
 class NSMutableIndexSet;
 
-/// Indexes from 0 to NSNotFound - 1, each once, in ascending order. Memory is used by runs of consecutive
-/// indexes. Indexes beyond raise NSRangeException where a set is made or added to. Immutable sets may be
-/// used on any thread.
+/// An immutable set of indexes from 0 to NSNotFound - 1, in ascending order.
+///
+///     NSIndexSet* rows = NSIndexSet::indexSetWithIndexesInRange({2, 4});
+///     for (NSUInteger row = rows->firstIndex(); row != NSNotFound; row = rows->indexGreaterThanIndex(row))
+///         select(row);                                                       // 2, 3, 4, 5
+///
+/// A set takes memory for each run of consecutive indexes, not for each index. Making a set or adding to one
+/// raises NSRangeException for greater indexes. Immutable sets may be used on any thread.
 class PELVOR_EXPORT NSIndexSet : public NSObject {
     PELVOR_CLASS(NSIndexSet, NSObject);
     PELVOR_CREATORS(indexSet, indexSetWithIndex, indexSetWithIndexesInRange, init, initWithIndex,
@@ -30,7 +35,7 @@ class PELVOR_EXPORT NSIndexSet : public NSObject {
     static Retained<NSIndexSet> init(Class* cls = classObject());
     static Retained<NSIndexSet> initWithIndex(NSUInteger index, Class* cls = classObject());
     static Retained<NSIndexSet> initWithIndexesInRange(NSRange range, Class* cls = classObject());
-    /// The members of the other set; empty for none.
+    /// A set of the members of the other set; empty for null.
     static Retained<NSIndexSet> initWithIndexSet(NSIndexSet* other, Class* cls = classObject());
 
     // C++ only
@@ -38,7 +43,7 @@ class PELVOR_EXPORT NSIndexSet : public NSObject {
     std::span<const NSRange> runs() PELVOR_LIFETIMEBOUND { return _runs; }
 
     NSUInteger count();
-    // NSNotFound where there is none.
+    // The next six return NSNotFound if there is no such member.
     NSUInteger firstIndex();
     NSUInteger lastIndex();
     NSUInteger indexGreaterThanIndex(NSUInteger index);
@@ -47,7 +52,7 @@ class PELVOR_EXPORT NSIndexSet : public NSObject {
     NSUInteger indexLessThanOrEqualToIndex(NSUInteger index);
 
     bool containsIndex(NSUInteger index);
-    /// Whether all indexes of the range are members; NO for an empty one.
+    /// Whether all indexes of the range are members; false for an empty range.
     bool containsIndexesInRange(NSRange range);
     bool containsIndexes(NSIndexSet* other);
     bool intersectsIndexesInRange(NSRange range);
@@ -66,6 +71,7 @@ class PELVOR_EXPORT NSIndexSet : public NSObject {
     NSIndexSet() = default;
     ~NSIndexSet() = default;
 
+    /// Adds a range that ends at or before NSNotFound.
     void add(NSRange range);
     void remove(NSRange range);
 
@@ -82,10 +88,10 @@ class PELVOR_EXPORT NSMutableIndexSet : public NSIndexSet {
                               initWithIndexesInRange, initWithIndexSet);
 
   public:
-    void addIndex(NSUInteger index) { add({index, 1}); }
-    void addIndexesInRange(NSRange range) { add(range); }
+    void addIndex(NSUInteger index);
+    void addIndexesInRange(NSRange range);
     void addIndexes(NSIndexSet* other);
-    // What is no member is passed over.
+    // Removing ignores indexes that are no members.
     void removeIndex(NSUInteger index) { remove({index, 1}); }
     void removeIndexesInRange(NSRange range) { remove(range); }
     void removeIndexes(NSIndexSet* other);

@@ -14,6 +14,8 @@
 #include "Foundation/PropertyListLimits.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
+#include "Runtime/NSMethodSignature.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {
@@ -22,7 +24,7 @@ bool isLeaf(id object) {
     return cast<NSString>(object) || cast<NSNumber>(object) || cast<NSData>(object) || cast<NSDate>(object);
 }
 
-// The entry of a string or of data that can be changed; none for another object.
+// The entry of a string or of data that can be changed; null for another object.
 Retained<Object> entryForMutableLeaf(id object) {
     bool isText = cast<NSMutableString>(object);
     if (!isText && !cast<NSMutableData>(object)) return nullptr;
@@ -34,7 +36,7 @@ Retained<Object> entryForMutableLeaf(id object) {
 Retained<Object> entryForValue(NSValue* value) {
     const char* type = value->objCType();
     if (!archive::isPortableType(type))
-        raiseException(NSInvalidArgumentException, u"a value of type %s cannot be archived"_ns, type);
+        raiseException(NSInvalidArgumentException, u"%s cannot be archived"_ns, detail::describeType(type));
     NSUInteger size = 0;
     NSGetSizeAndAlignment(type, &size, nullptr);
     std::vector<std::byte> bytes(size);
@@ -87,6 +89,7 @@ NSData* NSKeyedArchiver::encodedData() {
 // MARK: Objects
 
 void NSKeyedArchiver::encodeObject_forKey(id object, NSString* key) {
+    requireArgument(key, "encodeObject:forKey:", "the key");
     NSNumber* index = NSNumber::numberWithUnsignedInt(indexOf(object));
     _fields->setObject_forKey(NSDictionary::of({{archive::kObject, index}}), key);
 }
@@ -107,8 +110,9 @@ NSUInteger NSKeyedArchiver::indexOf(id object) {
         --_depth;
         _isComplete[index] = true;
     } else if (!_isComplete[index]) {
-        raiseException(NSInvalidArgumentException, u"%s leads back to itself and cannot be archived"_ns,
-                       object->isa()->name());
+        raiseException(NSInvalidArgumentException,
+                       u"an object of class %s leads back to itself and cannot be archived"_ns,
+                       object->isa()->publicName());
     }
     return index;
 }
@@ -124,8 +128,9 @@ Retained<Object> NSKeyedArchiver::entryFor(id object) {
     if (cast<NSSet>(object)) return listOf(cast<NSMutableSet>(object) ? "NSMutableSet" : "NSSet", object);
     auto* dictionary = cast<NSDictionary>(object);
     if (!dictionary)
-        raiseException(NSInvalidArgumentException, u"%s cannot be archived: it has no encodeWithCoder:"_ns,
-                       object->isa()->name());
+        raiseException(NSInvalidArgumentException,
+                       u"an object of class %s cannot be archived: the class has no encodeWithCoder:"_ns,
+                       object->isa()->publicName());
     const char* cls = cast<NSMutableDictionary>(object) ? "NSMutableDictionary" : "NSDictionary";
     return NSDictionary::initWithEntries({{archive::kClass, NSString::ofUTF8(cls)},
                                           {archive::kKeys, referencesTo(dictionary->allKeys())},
@@ -161,18 +166,23 @@ id NSKeyedArchiver::referencesTo(id collection) {
 // MARK: Plain values
 
 void NSKeyedArchiver::encodeBool_forKey(bool value, NSString* key) {
+    requireArgument(key, "encodeBool:forKey:", "the key");
     _fields->setObject_forKey(NSNumber::numberWithBool(value), key);
 }
 
 void NSKeyedArchiver::encodeInt64_forKey(std::int64_t value, NSString* key) {
+    requireArgument(key, "encodeInt64:forKey:", "the key");
     _fields->setObject_forKey(NSNumber::numberWithLongLong(value), key);
 }
 
 void NSKeyedArchiver::encodeDouble_forKey(double value, NSString* key) {
+    requireArgument(key, "encodeDouble:forKey:", "the key");
     _fields->setObject_forKey(NSNumber::numberWithDouble(value), key);
 }
 
 void NSKeyedArchiver::encodeBytes_length_forKey(const void* bytes, NSUInteger length, NSString* key) {
+    requireMemory(bytes, length, "encodeBytes:length:forKey:", "the bytes");
+    requireArgument(key, "encodeBytes:length:forKey:", "the key");
     _fields->setObject_forKey(NSData::dataWithBytes_length(bytes, length), key);
 }
 

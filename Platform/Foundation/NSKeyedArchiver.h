@@ -14,15 +14,22 @@ class NSData;
 class NSMutableArray;
 class NSMutableDictionary;
 
-/// Writes objects that may refer to each other, each once, as a property list:
+/// Writes objects that may refer to each other as a property list, each object once.
+///
+///     NSData* data = NSKeyedArchiver::archivedDataWithRootObject(lamp);
+///     NSString* error = nullptr;
+///     NSSet* allowed = NSSet::of({PBLamp::classObject()});
+///     id copy = NSKeyedUnarchiver::unarchivedObjectWithData_allowedClasses_error(data, allowed, &error);
+///
+/// The property list is
 ///
 ///     { archiver = NSKeyedArchiver; version = 1; top = { key = reference }; objects = ( "", … ); }
 ///
-/// An entry of `objects` is a string, number, date or data, or a dictionary of its `class` and `fields` or
-/// contents; a counted set lists a member as often as it holds it. A reference is { object = index }; index 0
-/// stands for none. Values are archived of types without pointers. Objects that lead back to themselves, that
-/// are nested deeper than property lists may be, or that cannot be coded raise NSInvalidArgumentException;
-/// the archiver is of no use after that.
+/// An entry of `objects` is a string, number, date or data, or a dictionary of the object's `class` and its
+/// `fields` or contents; a counted set lists a member as often as the set counts it. A reference is { object
+/// = index }; index 0 stands for null. Of NSValue's types those without pointers can be archived. Objects
+/// that lead back to themselves, that are nested deeper than property lists may be, or whose class cannot be
+/// coded raise NSInvalidArgumentException; the archiver must not be used after that.
 class PELVOR_EXPORT NSKeyedArchiver : public NSCoder {
     PELVOR_CLASS(NSKeyedArchiver, NSCoder);
     PELVOR_CREATORS(init);
@@ -32,7 +39,7 @@ class PELVOR_EXPORT NSKeyedArchiver : public NSCoder {
     static NSData* archivedDataWithRootObject(id object);
     static Retained<NSKeyedArchiver> init(Class* cls = classObject());
 
-    /// At first the binary format.
+    /// The binary format unless another one is set.
     void setOutputFormat(NSPropertyListFormat format) { _format = format; }
     /// What was encoded so far, borrowed. Raises NSInvalidArgumentException if the format cannot hold it.
     NSData* encodedData();
@@ -59,7 +66,7 @@ class PELVOR_EXPORT NSKeyedArchiver : public NSCoder {
     Retained<NSMutableDictionary> _fields;  // of the object that is being encoded
     Retained<NSMutableArray> _entries;
     Retained<NSMutableArray> _encoded;  // keeps the addresses in `_indexes` taken
-    std::unordered_map<Object*, NSUInteger> _indexes;
+    std::unordered_map<Unretained<Object>, NSUInteger> _indexes;
     std::vector<bool> _isComplete;
     NSUInteger _depth = 0;
     NSPropertyListFormat _format = NSPropertyListBinaryFormat_v1_0;

@@ -77,7 +77,7 @@ bool NSKeyedUnarchiver::containsValueForKey(NSString* key) {
     return _error.empty() && _fields->objectForKey(key);
 }
 
-// None where there is no value or no number.
+// Null where there is no value or no number.
 id NSKeyedUnarchiver::numberForKey(NSString* key) {
     if (!containsValueForKey(key)) return nullptr;
     auto* number = cast<NSNumber>(_fields->objectForKey(key));
@@ -172,7 +172,7 @@ bool NSKeyedUnarchiver::readObjects(id references, std::vector<Object*>& objects
     if (!list) fail("a collection has no list of contents");
     for (id reference : list) {
         id object = objectAt(reference);
-        if (!object) fail("a collection holds none");
+        if (!object) fail("a collection holds null");
         if (!_error.empty()) return false;
         objects.push_back(object);
     }

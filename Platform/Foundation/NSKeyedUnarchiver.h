@@ -14,26 +14,27 @@ class NSData;
 class NSDictionary;
 class NSSet;
 
-/// Reads what NSKeyedArchiver wrote. Archives may come from anywhere: only objects of property lists, sets
-/// and plain values, and classes that the caller allows with their subclasses are made. What is wrong with
-/// an archive is told by `error`; from then on everything reads as none or 0. Nothing raises on account of
-/// it, an exception of an object's `initWithCoder:` included. Objects, once made, are kept until the
-/// unarchiver goes. The bounds of property lists hold.
+/// Reads what NSKeyedArchiver wrote; see there for an example. An archive may come from anywhere, so only
+/// objects of property lists, sets and plain values are made, and objects of the classes that the caller
+/// allows and of their subclasses. `error` tells what is wrong with an archive; from then on every operation
+/// returns null, false or 0. No archive makes an operation raise; exceptions of an object's `initWithCoder:`
+/// become errors, too. The unarchiver keeps the objects that it made as long as it exists. The limits of
+/// property lists hold.
 class PELVOR_EXPORT NSKeyedUnarchiver : public NSCoder {
     PELVOR_CLASS(NSKeyedUnarchiver, NSCoder);
     PELVOR_CREATORS(initForReadingWithData_allowedClasses);
 
   public:
-    /// The object under the key "root", borrowed. None, with a reason in `error` unless that is none, for a
-    /// bad archive. `allowedClasses` are class records; may be none.
+    /// The object under the key "root", borrowed. For a bad archive null; the reason is written to `error`
+    /// unless that is null. The members of `allowedClasses` are class records; the set may be null.
     static id unarchivedObjectWithData_allowedClasses_error(NSData* data, NSSet* allowedClasses,
                                                             NSString** error);
-    /// Never none: of a bad archive `error` tells.
+    /// Never returns null: for a bad archive the unarchiver's `error` tells the reason.
     static Retained<NSKeyedUnarchiver> initForReadingWithData_allowedClasses(NSData* data,
                                                                              NSSet* allowedClasses,
                                                                              Class* cls = classObject());
 
-    /// The first thing that was wrong, borrowed; none so far.
+    /// The first fault that was found in the archive, borrowed; null if there is none so far.
     NSString* error();
 
     bool allowsKeyedCoding() override { return true; }

@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <vector>
 
-#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/Collections/ConcreteArrays.h"
 #include "Foundation/Collections/ObjectTables.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSSet.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -52,13 +52,18 @@ NSMutableArray* NSMutableArray::arrayWithCapacity(NSUInteger capacity) {
     return initWithCapacity(capacity).autorelease();
 }
 
-NSMutableArray* NSMutableArray::arrayWithObject(id object) { return arrayWithObjects_count(&object, 1); }
+NSMutableArray* NSMutableArray::arrayWithObject(id object) {
+    requireArgument(object, "arrayWithObject:", "the object");
+    return initWithObjects_count(&object, 1).autorelease();
+}
 
 NSMutableArray* NSMutableArray::arrayWithObjects(std::initializer_list<Object*> objects) {
+    requireObjects(objects.begin(), static_cast<NSUInteger>(objects.size()), "arrayWithObjects");
     return initWithObjects(objects).autorelease();
 }
 
 NSMutableArray* NSMutableArray::arrayWithObjects_count(Object* const* objects, NSUInteger count) {
+    requireObjects(objects, count, "arrayWithObjects:count:");
     return initWithObjects_count(objects, count).autorelease();
 }
 
@@ -73,7 +78,9 @@ Retained<NSMutableArray> NSMutableArray::initWithCapacity(NSUInteger capacity) {
 }
 
 Retained<NSMutableArray> NSMutableArray::initWithObjects(std::initializer_list<Object*> objects) {
-    return initWithObjects_count(objects.begin(), static_cast<NSUInteger>(objects.size()));
+    auto count = static_cast<NSUInteger>(objects.size());
+    requireObjects(objects.begin(), count, "initWithObjects");
+    return initWithObjects_count(objects.begin(), count);
 }
 
 Retained<NSMutableArray> NSMutableArray::initWithObjects_count(Object* const* objects, NSUInteger count) {
@@ -104,7 +111,7 @@ void NSMutableArray::addObjectsFromArray(NSArray* other) {
 }
 
 void NSMutableArray::replaceObjectsInRange_withObjectsFromArray(NSRange range, NSArray* other) {
-    requireRange(range, count());
+    requireRange(range, count(), "replaceObjectsInRange:withObjectsFromArray:");
     if (!other) return removeObjectsInRange(range);
     if (Object* const* objects = other != this ? other->contiguousObjects() : nullptr)
         return replaceObjects(range, objects, other->count());
@@ -135,7 +142,7 @@ void NSMutableArray::removeAllObjects() { removeObjectsInRange({0, count()}); }
 void NSMutableArray::removeObject(id object) { removeObject_inRange(object, {0, count()}); }
 
 void NSMutableArray::removeObject_inRange(id object, NSRange range) {
-    requireRange(range, count());
+    requireRange(range, count(), "removeObject:inRange:");
     auto kept = Retained<Object>::retaining(object);
     // What a comparison or a release does may shorten the array.
     for (NSUInteger i = range.location + range.length; object && i > range.location;) {
@@ -169,6 +176,7 @@ void NSMutableArray::removeObjectsInArray(NSArray* other) {
 void NSMutableArray::sortUsingSelector(SEL comparator) { setArray(sortedArrayUsingSelector(comparator)); }
 
 void NSMutableArray::sortUsingFunction_context(NSCompareFunction comparator, void* context) {
+    if (!comparator) raiseNullArgument("sortUsingFunction:context:", "the function");
     setArray(sortedArrayUsingFunction_context(comparator, context));
 }
 

@@ -6,9 +6,17 @@
 
 namespace pelvor {
 
-/// An array that can be changed. Abstract over NSArray's primitives and the five below. Operations that
-/// raise change nothing. An object that goes is released when the array already stands as it will be,
-/// so what its release does may use the array. One thread at a time.
+/// An array that can be changed.
+///
+///     auto queue = NSMutableArray::init();
+///     queue->addObject(u"first"_ns);
+///     queue->addObjectsFromArray(others);
+///     queue->removeObjectAtIndex(0);
+///
+/// Abstract over NSArray's primitives and the five below. An operation that raises changes nothing. An
+/// operation first takes objects out of the array and releases them afterwards, so the end of such an object
+/// may use and change the array. Adding at the end and removing at either end take the same time however long
+/// the array is. One thread at a time.
 class PELVOR_EXPORT NSMutableArray : public NSArray {
     PELVOR_CLASS(NSMutableArray, NSArray);
     PELVOR_CREATORS(array, arrayWithCapacity, arrayWithObject, arrayWithObjects_count, arrayWithArray, init,
@@ -35,8 +43,8 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
     static NSMutableArray* arrayWithObjects(std::initializer_list<Object*> objects);
     static Retained<NSMutableArray> initWithObjects(std::initializer_list<Object*> objects);
 
-    // Primitives. No object raises NSInvalidArgumentException, a bad index NSRangeException; so it is
-    // with everything that stands on them.
+    // Primitives. They raise NSInvalidArgumentException for null as object and NSRangeException for a bad
+    // index or range, as all operations do.
 
     virtual void addObject(id object) = 0;
     /// The index may be the count.
@@ -57,7 +65,7 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
     /// Raises NSRangeException when the array is empty.
     void removeLastObject();
     void removeAllObjects();
-    /// Removes every object that is the same as this one; does nothing if there is none.
+    /// Removes every object that is equal to this one; does nothing if there is none.
     void removeObject(id object);
     void removeObject_inRange(id object, NSRange range);
     void removeObjectIdenticalTo(id object);
@@ -72,7 +80,7 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
     NSMutableArray() = default;
     ~NSMutableArray() = default;
 
-    /// Puts the objects, none of which is none, in the place of a range that is inside.
+    /// Puts the objects, without null, in the place of those of a range that is inside.
     virtual void replaceObjects(NSRange range, Object* const* objects, NSUInteger count);
 };
 

@@ -5,12 +5,12 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/Files/FileContents.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
 #include "Foundation/Values/ConcreteData.h"
 #include "Runtime/NSException.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -59,15 +59,18 @@ NSMutableData* NSMutableData::dataWithLength(NSUInteger length) {
 }
 
 NSMutableData* NSMutableData::dataWithBytes_length(const void* bytes, NSUInteger length) {
+    requireMemory(bytes, length, "dataWithBytes:length:", "the bytes");
     return initWithBytes_length(bytes, length).autorelease();
 }
 
 NSMutableData* NSMutableData::dataWithBytesNoCopy_length(void* bytes, NSUInteger length) {
+    requireMemory(bytes, length, "dataWithBytesNoCopy:length:", "the bytes");
     return initWithBytesNoCopy_length(bytes, length).autorelease();
 }
 
 NSMutableData* NSMutableData::dataWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length,
                                                                       bool freeWhenDone) {
+    requireMemory(bytes, length, "dataWithBytesNoCopy:length:freeWhenDone:", "the bytes");
     return initWithBytesNoCopy_length_freeWhenDone(bytes, length, freeWhenDone).autorelease();
 }
 
@@ -98,6 +101,7 @@ Retained<NSMutableData> NSMutableData::initWithLength(NSUInteger length, Class* 
 
 Retained<NSMutableData> NSMutableData::initWithBytes_length(const void* bytes, NSUInteger length,
                                                             Class* cls) {
+    requireMemory(bytes, length, "initWithBytes:length:", "the bytes");
     auto data = make<NSMutableData>(cls);
     data->appendBytes_length(bytes, length);
     return data;
@@ -105,12 +109,14 @@ Retained<NSMutableData> NSMutableData::initWithBytes_length(const void* bytes, N
 
 Retained<NSMutableData> NSMutableData::initWithBytesNoCopy_length(void* bytes, NSUInteger length,
                                                                   Class* cls) {
+    requireMemory(bytes, length, "initWithBytesNoCopy:length:", "the bytes");
     return initWithBytesNoCopy_length_freeWhenDone(bytes, length, true, cls);
 }
 
 Retained<NSMutableData> NSMutableData::initWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length,
                                                                                bool freeWhenDone,
                                                                                Class* cls) {
+    requireMemory(bytes, length, "initWithBytesNoCopy:length:freeWhenDone:", "the bytes");
     auto data = initWithBytes_length(bytes, length, cls);
     if (freeWhenDone) std::free(bytes);
     return data;
@@ -136,8 +142,30 @@ Retained<Object> NSMutableData::copyWithZone(void*) {
 
 namespace {
 
-void requireLength(std::size_t length) {
-    if (length > UINT32_MAX) throw NSException(NSMallocException, "data of more than 2^32 - 1 bytes");
+void requireLength(std::size_t length, const char* operation) {
+    if (length > UINT32_MAX)
+        throw NSException(NSMallocException,
+                          operation + std::string(" the data would hold more than 2^32 - 1 bytes"));
+}
+
+// Puts the bytes in the place of a range that is inside.
+void replaceBytes(std::vector<std::byte>& own, NSRange range, const void* bytes, NSUInteger count,
+                  const char* operation) {
+    requireMemory(bytes, count, operation, "the bytes");
+    requireLength(own.size() - range.length + count, operation);
+    auto* first = static_cast<const std::byte*>(bytes);
+    // Bytes of our own would move while they are copied.
+    std::vector<std::byte> copy;
+    if (std::less_equal<>()(own.data(), first) && std::less<>()(first, own.data() + own.size())) {
+        copy.assign(first, first + count);
+        first = copy.data();
+    }
+    auto place = own.begin() + range.location;
+    if (count > range.length)
+        place = own.insert(place + range.length, count - range.length, std::byte{}) - range.length;
+    else
+        place = own.erase(place, place + (range.length - count));
+    if (count) std::memcpy(&*place, first, count);
 }
 
 }  // namespace
@@ -145,57 +173,45 @@ void requireLength(std::size_t length) {
 void NSMutableData::setLength(NSUInteger length) { _bytes.resize(length); }
 
 void NSMutableData::increaseLengthBy(NSUInteger extra) {
-    requireLength(_bytes.size() + extra);
+    requireLength(_bytes.size() + extra, "increaseLengthBy:");
     _bytes.resize(_bytes.size() + extra);
 }
 
 void NSMutableData::appendBytes_length(const void* bytes, NSUInteger count) {
-    replaceBytesInRange_withBytes_length({length(), 0}, bytes, count);
+    replaceBytes(_bytes, {length(), 0}, bytes, count, "appendBytes:length:");
 }
 
 void NSMutableData::appendData(NSData* other) {
-    if (other) append(other->span());
+    if (other) replaceBytes(_bytes, {length(), 0}, other->bytes(), other->length(), "appendData:");
 }
 
 void NSMutableData::append(std::span<const std::byte> bytes) {
-    requireLength(bytes.size());
-    appendBytes_length(bytes.data(), static_cast<NSUInteger>(bytes.size()));
+    requireLength(bytes.size(), "append:");
+    replaceBytes(_bytes, {length(), 0}, bytes.data(), static_cast<NSUInteger>(bytes.size()), "append:");
 }
 
 void NSMutableData::setData(NSData* other) {
-    if (other != this)
-        replaceBytesInRange_withBytes_length({0, length()}, other ? other->bytes() : nullptr,
-                                             other ? other->length() : 0);
+    if (other == this) return;
+    replaceBytes(_bytes, {0, length()}, other ? other->bytes() : nullptr, other ? other->length() : 0,
+                 "setData:");
 }
 
 void NSMutableData::resetBytesInRange(NSRange range) {
-    requireRange(range, length());
+    requireRange(range, length(), "resetBytesInRange:");
     std::fill_n(_bytes.begin() + range.location, range.length, std::byte{});
 }
 
 void NSMutableData::replaceBytesInRange_withBytes(NSRange range, const void* bytes) {
-    if (range.location > length()) raiseIndexBeyondBounds(range.location, length());
+    constexpr const char* kOperation = "replaceBytesInRange:withBytes:";
+    if (range.location > length()) raiseRangeBeyondBounds(range, length(), kOperation);
     NSUInteger replaced = std::min(range.length, length() - range.location);
-    replaceBytesInRange_withBytes_length({range.location, replaced}, bytes, range.length);
+    replaceBytes(_bytes, {range.location, replaced}, bytes, range.length, kOperation);
 }
 
 void NSMutableData::replaceBytesInRange_withBytes_length(NSRange range, const void* bytes, NSUInteger count) {
-    requireRange(range, length());
-    requireLength(_bytes.size() - range.length + count);
-    requireBytes(bytes, count);
-    auto* first = static_cast<const std::byte*>(bytes);
-    // Bytes of our own would move while they are copied.
-    std::vector<std::byte> own;
-    if (std::less_equal<>()(_bytes.data(), first) && std::less<>()(first, _bytes.data() + _bytes.size())) {
-        own.assign(first, first + count);
-        first = own.data();
-    }
-    auto place = _bytes.begin() + range.location;
-    if (count > range.length)
-        place = _bytes.insert(place + range.length, count - range.length, std::byte{}) - range.length;
-    else
-        place = _bytes.erase(place, place + (range.length - count));
-    if (count) std::memcpy(&*place, first, count);
+    constexpr const char* kOperation = "replaceBytesInRange:withBytes:length:";
+    requireRange(range, length(), kOperation);
+    replaceBytes(_bytes, range, bytes, count, kOperation);
 }
 
 }  // namespace pelvor

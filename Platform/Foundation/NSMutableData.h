@@ -8,7 +8,13 @@
 
 namespace pelvor {
 
-/// Bytes that can be changed. Operations that raise change nothing. One thread at a time.
+/// A block of bytes that can be changed.
+///
+///     auto data = NSMutableData::init();
+///     data->appendBytes_length("head", 4);
+///     data->appendData(body);
+///
+/// An operation that raises changes nothing. One thread at a time.
 class PELVOR_EXPORT NSMutableData : public NSData {
     PELVOR_CLASS(NSMutableData, NSData);
     PELVOR_CREATORS(data, dataWithCapacity, dataWithLength, dataWithBytes_length, dataWithBytesNoCopy_length,
@@ -19,10 +25,11 @@ class PELVOR_EXPORT NSMutableData : public NSData {
   public:
     static NSMutableData* data();
     static NSMutableData* dataWithCapacity(NSUInteger capacity);
-    /// Zeros.
+    /// Data of that many zeros.
     static NSMutableData* dataWithLength(NSUInteger length);
     static NSMutableData* dataWithBytes_length(const void* bytes, NSUInteger length);
-    /// Copies the bytes all the same; frees the memory it was to take over.
+    /// Copies the bytes, unlike NSData's operations of these names, and frees memory that was to be taken
+    /// over.
     static NSMutableData* dataWithBytesNoCopy_length(void* bytes, NSUInteger length);
     static NSMutableData* dataWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length,
                                                                   bool freeWhenDone);
@@ -49,19 +56,21 @@ class PELVOR_EXPORT NSMutableData : public NSData {
     const void* bytes() override { return _bytes.data(); }
     void* mutableBytes() { return _bytes.data(); }
 
-    /// Cuts the bytes off or adds zeros.
+    /// Takes bytes off the end or adds zeros.
     void setLength(NSUInteger length);
     void increaseLengthBy(NSUInteger extra);
-    /// The bytes may be the receiver's own. Raises NSMallocException when the length would not fit
-    /// NSUInteger.
+    /// The bytes may be the receiver's own. Raises NSMallocException if the data would hold more bytes than
+    /// an NSUInteger counts, as all operations do that add bytes.
     void appendBytes_length(const void* bytes, NSUInteger length);
     void appendData(NSData* other);
     void setData(NSData* other);
     /// Sets the bytes of the range to zero. Raises NSRangeException for a range that is not inside.
     void resetBytesInRange(NSRange range);
-    /// Overwrites the range, whose location may be up to the length, and grows where it reaches further.
+    /// Overwrites the bytes of the range; the data grows if the range reaches beyond the end. Raises
+    /// NSRangeException if the range begins beyond the end.
     void replaceBytesInRange_withBytes(NSRange range, const void* bytes);
-    /// The bytes take the place of those of the range, which lies inside.
+    /// Puts the bytes in the place of the bytes of the range. Raises NSRangeException for a range that is not
+    /// inside.
     void replaceBytesInRange_withBytes_length(NSRange range, const void* bytes, NSUInteger length);
 
     // C++ only

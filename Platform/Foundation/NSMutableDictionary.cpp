@@ -5,6 +5,7 @@
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSString.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -40,17 +41,24 @@ NSMutableDictionary* NSMutableDictionary::dictionaryWithCapacity(NSUInteger capa
 }
 
 NSMutableDictionary* NSMutableDictionary::dictionaryWithObject_forKey(id object, id key) {
-    return dictionaryWithObjects_forKeys_count(&object, &key, 1);
+    requireArgument(object, "dictionaryWithObject:forKey:", "the object");
+    requireArgument(key, "dictionaryWithObject:forKey:", "the key");
+    return filledDictionary<NSTableMutableDictionary>(&object, &key, NSUInteger{1},
+                                                      "dictionaryWithObject:forKey:")
+        .autorelease();
 }
 
 NSMutableDictionary* NSMutableDictionary::dictionaryWithObjects_forKeys(NSArray* objects, NSArray* keys) {
-    return initWithObjects_forKeys(objects, keys).autorelease();
+    return filledDictionary<NSTableMutableDictionary>(objects, keys, "dictionaryWithObjects:forKeys:")
+        .autorelease();
 }
 
 NSMutableDictionary* NSMutableDictionary::dictionaryWithObjects_forKeys_count(Object* const* objects,
                                                                               Object* const* keys,
                                                                               NSUInteger count) {
-    return initWithObjects_forKeys_count(objects, keys, count).autorelease();
+    return filledDictionary<NSTableMutableDictionary>(objects, keys, count,
+                                                      "dictionaryWithObjects:forKeys:count:")
+        .autorelease();
 }
 
 NSMutableDictionary* NSMutableDictionary::dictionaryWithDictionary(NSDictionary* dictionary) {
@@ -58,7 +66,7 @@ NSMutableDictionary* NSMutableDictionary::dictionaryWithDictionary(NSDictionary*
 }
 
 NSMutableDictionary* NSMutableDictionary::of(std::initializer_list<NSDictionaryEntry> entries) {
-    return initWithEntries(entries).autorelease();
+    return filledDictionary<NSTableMutableDictionary>(entries, "NSMutableDictionary::of").autorelease();
 }
 
 Retained<NSMutableDictionary> NSMutableDictionary::init() { return make<NSTableMutableDictionary>(); }
@@ -70,39 +78,30 @@ Retained<NSMutableDictionary> NSMutableDictionary::initWithCapacity(NSUInteger c
 }
 
 Retained<NSMutableDictionary> NSMutableDictionary::initWithObjects_forKeys(NSArray* objects, NSArray* keys) {
-    auto dictionary = make<NSTableMutableDictionary>();
-    fillTable(dictionary->table(), objects, keys);
-    return dictionary;
+    return filledDictionary<NSTableMutableDictionary>(objects, keys, "initWithObjects:forKeys:");
 }
 
 Retained<NSMutableDictionary> NSMutableDictionary::initWithObjects_forKeys_count(Object* const* objects,
                                                                                  Object* const* keys,
                                                                                  NSUInteger count) {
-    auto dictionary = make<NSTableMutableDictionary>();
-    fillTable(dictionary->table(), objects, keys, count);
-    return dictionary;
+    return filledDictionary<NSTableMutableDictionary>(objects, keys, count, "initWithObjects:forKeys:count:");
 }
 
 Retained<NSMutableDictionary> NSMutableDictionary::initWithDictionary(NSDictionary* dictionary) {
-    auto copy = make<NSTableMutableDictionary>();
-    fillTable(copy->table(), dictionary);
-    return copy;
+    return filledDictionary<NSTableMutableDictionary>(dictionary, "initWithDictionary:");
 }
 
 Retained<NSMutableDictionary> NSMutableDictionary::initWithEntries(
     std::initializer_list<NSDictionaryEntry> entries) {
-    auto dictionary = make<NSTableMutableDictionary>();
-    fillTable(dictionary->table(), entries);
-    return dictionary;
+    return filledDictionary<NSTableMutableDictionary>(entries, "initWithEntries");
 }
 
 // MARK: Changing
 
 void NSMutableDictionary::setValue_forKey(id value, NSString* key) {
-    if (value)
-        setObject_forKey(value, key);
-    else
-        removeObjectForKey(key);
+    if (!value) return removeObjectForKey(key);
+    requireArgument(key, "setValue:forKey:", "the key");
+    setObject_forKey(value, key);
 }
 
 void NSMutableDictionary::removeObjectsForKeys(NSArray* keys) {

@@ -6,9 +6,15 @@
 
 namespace pelvor {
 
-/// A dictionary that can be changed. Abstract over NSDictionary's primitives and the three below.
-/// Operations that raise change nothing. What goes is released when the dictionary already stands as it
-/// will be. One thread at a time.
+/// A dictionary that can be changed.
+///
+///     auto ages = NSMutableDictionary::init();
+///     ages->setObject_forKey(NSNumber::numberWithInt(7), u"Anna"_ns);
+///     ages->removeObjectForKey(u"Berta"_ns);
+///
+/// Abstract over NSDictionary's primitives and the three below. An operation that raises changes nothing. An
+/// operation first takes keys and objects out of the dictionary and releases them afterwards, so their end
+/// may use and change the dictionary. One thread at a time.
 class PELVOR_EXPORT NSMutableDictionary : public NSDictionary {
     PELVOR_CLASS(NSMutableDictionary, NSDictionary);
     PELVOR_CREATORS(dictionary, dictionaryWithCapacity, dictionaryWithObject_forKey,
@@ -40,15 +46,15 @@ class PELVOR_EXPORT NSMutableDictionary : public NSDictionary {
 
     // Primitives
 
-    /// The object takes the place of the one that the key had; the entry keeps its key and its place in
-    /// the order. Raises NSInvalidArgumentException for no object or key, and for a key that cannot be
-    /// copied.
+    /// Adds an entry with a copy of the key, or puts the object in the place of the key's present object; the
+    /// entry then keeps its key and its place in the order. Raises NSInvalidArgumentException for null as
+    /// object or key, and for a key that cannot be copied.
     virtual void setObject_forKey(id object, id key) = 0;
     /// Does nothing if there is no entry.
     virtual void removeObjectForKey(id key) = 0;
     virtual void removeAllObjects() = 0;
 
-    /// The same as `setObject_forKey`, but no value removes the entry.
+    /// Like `setObject_forKey`, but null as value removes the entry.
     virtual void setValue_forKey(id value, NSString* key);
     void removeObjectsForKeys(NSArray* keys);
     void addEntriesFromDictionary(NSDictionary* other);

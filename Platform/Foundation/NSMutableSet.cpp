@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSMutableSet.h"
 
-#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/Collections/ConcreteSets.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"
+#include "Foundation/NSCountedSet.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -41,13 +42,18 @@ NSMutableSet* NSMutableSet::setWithCapacity(NSUInteger capacity) {
     return initWithCapacity(capacity).autorelease();
 }
 
-NSMutableSet* NSMutableSet::setWithObject(id object) { return setWithObjects_count(&object, 1); }
+NSMutableSet* NSMutableSet::setWithObject(id object) {
+    requireArgument(object, "setWithObject:", "the object");
+    return initWithObjects_count(&object, 1).autorelease();
+}
 
 NSMutableSet* NSMutableSet::setWithObjects(std::initializer_list<Object*> objects) {
+    requireObjects(objects.begin(), static_cast<NSUInteger>(objects.size()), "setWithObjects");
     return initWithObjects(objects).autorelease();
 }
 
 NSMutableSet* NSMutableSet::setWithObjects_count(Object* const* objects, NSUInteger count) {
+    requireObjects(objects, count, "setWithObjects:count:");
     return initWithObjects_count(objects, count).autorelease();
 }
 
@@ -64,7 +70,9 @@ Retained<NSMutableSet> NSMutableSet::initWithCapacity(NSUInteger capacity) {
 }
 
 Retained<NSMutableSet> NSMutableSet::initWithObjects(std::initializer_list<Object*> objects) {
-    return initWithObjects_count(objects.begin(), static_cast<NSUInteger>(objects.size()));
+    auto count = static_cast<NSUInteger>(objects.size());
+    requireObjects(objects.begin(), count, "initWithObjects");
+    return initWithObjects_count(objects.begin(), count);
 }
 
 Retained<NSMutableSet> NSMutableSet::initWithObjects_count(Object* const* objects, NSUInteger count) {
@@ -88,7 +96,7 @@ Retained<NSMutableSet> NSMutableSet::initWithSet(NSSet* set) {
 // MARK: Changing
 
 void NSTableMutableSet::addObject(id object) {
-    requireObject(object, "addObject:");
+    requireArgument(object, "addObject:", "the object");
     _table.add(object);
 }
 
@@ -110,8 +118,12 @@ void NSMutableSet::intersectSet(NSSet* other) {
     if (other == this) return;
     if (!other) return removeAllObjects();
     Retained<NSSet> members = NSSet::initWithSet(this);
-    for (id object : members)
-        if (!other->containsObject(object)) removeObject(object);
+    auto* counted = cast<NSCountedSet>(this);
+    for (id object : members) {
+        if (other->containsObject(object)) continue;
+        for (NSUInteger left = counted ? counted->countForObject(object) : 1; left > 0; --left)
+            removeObject(object);
+    }
 }
 
 void NSMutableSet::setSet(NSSet* other) {

@@ -6,9 +6,15 @@
 
 namespace pelvor {
 
-/// A set that can be changed. Abstract over NSSet's primitives and the three below. Operations that
-/// raise change nothing. A member that goes is released when the set already stands as it will be. One
-/// thread at a time.
+/// A set that can be changed.
+///
+///     auto names = NSMutableSet::initWithArray(list);
+///     names->addObject(u"Anna"_ns);
+///     names->minusSet(others);
+///
+/// Abstract over NSSet's primitives and the three below. An operation that raises changes nothing. An
+/// operation first takes members out of the set and releases them afterwards, so the end of a member may use
+/// and change the set. One thread at a time.
 class PELVOR_EXPORT NSMutableSet : public NSSet {
     PELVOR_CLASS(NSMutableSet, NSSet);
     PELVOR_CREATORS(set, setWithCapacity, setWithObject, setWithObjects_count, setWithArray, setWithSet, init,
@@ -38,16 +44,16 @@ class PELVOR_EXPORT NSMutableSet : public NSSet {
 
     // Primitives
 
-    /// Adds the object unless a member is the same. Raises NSInvalidArgumentException for none.
+    /// Adds the object unless a member is equal to it. Raises NSInvalidArgumentException for null.
     virtual void addObject(id object) = 0;
-    /// Removes the member that is the same as the object, if there is one.
+    /// Removes the member that is equal to the object, if there is one.
     virtual void removeObject(id object) = 0;
     virtual void removeAllObjects() = 0;
 
     void addObjectsFromArray(NSArray* other);
     void unionSet(NSSet* other);
     void minusSet(NSSet* other);
-    /// Keeps only the members that the other set has too.
+    /// Removes the members that the other set does not have.
     void intersectSet(NSSet* other);
     void setSet(NSSet* other);
 

@@ -15,6 +15,8 @@ NSNull* NSNull::null() {
 
 NSString* NSNull::description() { return u"<null>"_ns; }
 
+Retained<NSNull> NSNull::copy() { return Retained<NSNull>::retaining(this); }
+
 Retained<Object> NSNull::copyWithZone(void*) { return Retained<Object>::retaining(this); }
 
 }  // namespace pelvor

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// NSNull: an object that stands for none in collections.
+// NSNull: an object that stands for "nothing" in collections, which cannot hold null.
 #pragma once
 
 #include "Foundation/ObjectPrinting.h"
@@ -7,7 +7,10 @@
 
 namespace pelvor {
 
-/// There is one, which lives as long as the process.
+/// The class of one object, which lives as long as the process.
+///
+///     NSDictionary* row = NSDictionary::of({{u"name"_ns, u"Anna"_ns}, {u"age"_ns, NSNull::null()}});
+///     bool isKnown = row->objectForKey(u"age"_ns) != NSNull::null();     // false
 class PELVOR_EXPORT NSNull final : public NSObject {
     PELVOR_CLASS(NSNull, NSObject);
 
@@ -17,6 +20,7 @@ class PELVOR_EXPORT NSNull final : public NSObject {
     /// "<null>".
     NSString* description() override;
     Retained<Object> copyWithZone(void* zone) override;
+    Retained<NSNull> copy();
 
   private:
     constexpr NSNull() noexcept : NSObject(&classRecord, kImmortal) {}

@@ -6,12 +6,13 @@
 #include <limits>
 #include <utility>
 
-#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
 #include "Foundation/Strings/NumberText.h"
 #include "Foundation/Values/ConcreteValues.h"
 #include "Runtime/NSException.h"
+#include "Runtime/NSMethodSignature.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -164,6 +165,7 @@ void writeAs(const NumberContents& contents, void* buffer) {
 }  // namespace
 
 void NSPlainNumber::getValue(void* buffer) {
+    if (!buffer) raiseNullArgument("getValue:", "the buffer");
     switch (_type[0]) {
         case 'f':
             return writeAs<float>(_contents, buffer);
@@ -214,8 +216,9 @@ NumberContents contentsOf(NSNumber* number) {
         case 'd':
             return readAs<double>(number);
         default:
-            throw NSException(NSInvalidArgumentException,
-                              std::string("a number cannot be of type ") + number->objCType());
+            throw NSException(NSInvalidArgumentException, std::string("the number of class ") +
+                                                              number->isa()->publicName() + " holds " +
+                                                              detail::describeType(number->objCType()));
     }
 }
 
@@ -328,13 +331,15 @@ int compareContents(const NumberContents& a, const NumberContents& b) {
 }  // namespace
 
 NSComparisonResult NSNumber::compare(NSNumber* other) {
-    requireObject(other, "compare:");
+    requireArgument(other, "compare:", "the number");
     return static_cast<NSComparisonResult>(compareContents(contentsOf(this), contentsOf(other)));
 }
 
 bool NSNumber::isEqualToNumber(NSNumber* other) {
     return this == other || (other && compareContents(contentsOf(this), contentsOf(other)) == 0);
 }
+
+Retained<NSNumber> NSNumber::copy() { return cast<NSNumber>(copyWithZone(nullptr)); }
 
 bool NSNumber::isEqual(id other) { return this == other || isEqualToNumber(cast<NSNumber>(other)); }
 

@@ -8,14 +8,22 @@ namespace pelvor {
 
 class NSString;
 
-/// A number of one of C's types, with the encoding of that type: "c", "i", "d", "B" for a boolean …
-/// Numbers are equal, compare and hash by value whatever their types, booleans as 1 and 0, and exactly:
-/// nothing is rounded. A NaN is equal to a NaN and below everything else.
+/// An immutable number of one of C's types, with the encoding of that type: "c", "i", "d", "B" for a boolean
+/// …
 ///
-/// Abstract over NSValue's `objCType` and `getValue`, from which every other operation takes its answer;
-/// each of them may be overridden for speed. Reading as another type cuts an integer to the low bits;
-/// a fraction is dropped, and what lies outside the type's range gives its nearest end, NaN 0.
-/// The creators may answer a shared object. Any thread.
+///     NSNumber* seven = NSNumber::numberWithInt(7);
+///     seven->doubleValue();                                      // 7.0
+///     seven->isEqual(NSNumber::numberWithDouble(7));             // true
+///
+/// Numbers are equal, compare and hash by value whatever their types, booleans as 1 and 0, and exactly:
+/// nothing is rounded. A NaN is equal to a NaN and below every other number.
+///
+/// Reading an integer as a smaller type keeps its low bits. Reading a number with a fraction as an integer
+/// drops the fraction; a number outside the type's range becomes the nearest end of the range, and NaN
+/// becomes 0.
+///
+/// Abstract over NSValue's `objCType` and `getValue`, on which every other operation stands; a subclass may
+/// override those for speed. The creators may return a shared object. Any thread.
 class PELVOR_EXPORT NSNumber : public NSValue, NSValue::HiddenCreators {
     PELVOR_CLASS(NSNumber, NSValue);
     PELVOR_CREATORS(numberWithBool, numberWithChar, numberWithUnsignedChar, numberWithShort,
@@ -25,7 +33,7 @@ class PELVOR_EXPORT NSNumber : public NSValue, NSValue::HiddenCreators {
                     initWithUnsignedLongLong, initWithFloat, initWithDouble);
 
   public:
-    // Creation; borrowed, owned where the name begins with "init".
+    // Creation. Operations whose names begin with "init" return owned numbers, the others borrowed ones.
 
     static NSNumber* numberWithBool(bool value);
     static NSNumber* numberWithChar(signed char value);
@@ -69,7 +77,7 @@ class PELVOR_EXPORT NSNumber : public NSValue, NSValue::HiddenCreators {
     /// "1" or "0".
     virtual NSString* stringValue();
 
-    /// Raises NSInvalidArgumentException for none.
+    /// Raises NSInvalidArgumentException for null.
     NSComparisonResult compare(NSNumber* other);
     bool isEqualToNumber(NSNumber* other);
 
@@ -80,6 +88,7 @@ class PELVOR_EXPORT NSNumber : public NSValue, NSValue::HiddenCreators {
     bool isEqual(id other) override;
     std::uintptr_t hash() override;
     NSString* description() override { return stringValue(); }
+    Retained<NSNumber> copy();
 
   protected:
     constexpr NSNumber() noexcept = default;

@@ -15,10 +15,14 @@ using NSInteger = std::int32_t;
 /// A UTF-16 code unit.
 using unichar = char16_t;
 
-/// No index: what searches answer that find nothing.
+/// No index: what searches return that find nothing.
 inline constexpr NSUInteger NSNotFound = 0x7FFFFFFF;
 
-/// A run of positions, in code units or indexes.
+/// A run of positions: of code units in a string, of indexes in an array.
+///
+///     NSRange word{4, 3};                       // positions 4, 5 and 6
+///     NSMaxRange(word);                         // 7
+///     NSLocationInRange(6, word);               // true
 struct NSRange {
     NSUInteger location = 0;
     NSUInteger length = 0;
@@ -43,21 +47,21 @@ constexpr bool isRangeInside(NSRange range, NSUInteger count) {
     return range.location <= count && range.length <= count - range.location;
 }
 
-/// The smallest range that holds both.
+/// The smallest range that contains both ranges.
 constexpr NSRange NSUnionRange(NSRange a, NSRange b) {
     NSUInteger start = a.location < b.location ? a.location : b.location;
     NSUInteger end = NSMaxRange(a) > NSMaxRange(b) ? NSMaxRange(a) : NSMaxRange(b);
     return {start, end - start};
 }
 
-/// What both hold; an empty range at 0 when that is nothing.
+/// The positions that both ranges contain; an empty range at 0 if there are none.
 constexpr NSRange NSIntersectionRange(NSRange a, NSRange b) {
     NSUInteger start = a.location > b.location ? a.location : b.location;
     NSUInteger end = NSMaxRange(a) < NSMaxRange(b) ? NSMaxRange(a) : NSMaxRange(b);
     return start < end ? NSRange{start, end - start} : NSRange{};
 }
 
-/// The order of two things: the first sorts before, with, or after the second.
+/// The order of two things: the first sorts before the second, with the second, or after it.
 enum NSComparisonResult : int { NSOrderedAscending = -1, NSOrderedSame = 0, NSOrderedDescending = 1 };
 
 }  // namespace pelvor

@@ -3,15 +3,16 @@
 
 #include "Foundation/Collections/ConcreteArrays.h"
 #include "Foundation/FoundationLibrary.h"
-#include "Shared/RowMemory.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSRangeValue, foundationLibrary) {}
 
-void* NSRangeValue::operator new(std::size_t) { return RowMemory<NSRangeValue>::allocate(); }
-
-void NSRangeValue::operator delete(void* value) noexcept { RowMemory<NSRangeValue>::free(value); }
+void NSRangeValue::getValue(void* buffer) {
+    if (!buffer) raiseNullArgument("getValue:", "the buffer");
+    std::memcpy(buffer, &_range, sizeof _range);
+}
 
 Retained<NSRangeValue> NSRangeValue::create(NSRange range) {
     return Retained<NSRangeValue>::adopting(Instances::createWithExtra<NSRangeValue>(0, &classRecord, range));

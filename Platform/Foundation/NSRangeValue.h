@@ -10,8 +10,7 @@ namespace pelvor {
 
 class NSMutableArray;
 
-/// What NSValue's creators answer for a range: no larger than it must be, for lists that hold many, and
-/// read without a call by who knows the class. Any thread.
+/// What NSValue's creators return for a range; who knows the class reads the range without a call. Any thread.
 class PELVOR_EXPORT NSRangeValue final : public NSValue {
     PELVOR_CLASS(NSRangeValue, NSValue);
 
@@ -23,11 +22,9 @@ class PELVOR_EXPORT NSRangeValue final : public NSValue {
     static Retained<NSMutableArray> createArray(std::span<const NSRange> ranges);
     NSRange range() const { return _range; }
     std::span<const std::byte> span() PELVOR_LIFETIMEBOUND { return std::as_bytes(std::span(&_range, 1)); }
-    static void* operator new(std::size_t size);
-    static void operator delete(void* value) noexcept;
 
     const char* objCType() override { return typeEncoding<NSRange>.text; }
-    void getValue(void* buffer) override { std::memcpy(buffer, &_range, sizeof _range); }
+    void getValue(void* buffer) override;
 
   protected:
     explicit NSRangeValue(NSRange range) : _range(range) {}

@@ -6,14 +6,16 @@
 
 namespace pelvor {
 
-/// The registered class of that name, or what poses under it; none when there is none. Any thread.
+/// The registered class of that name, or the class that poses under the name; null if there is none. Any
+/// thread.
 PELVOR_EXPORT Class* NSClassFromString(NSString* name);
-/// None for no class.
+/// Null for null.
 PELVOR_EXPORT NSString* NSStringFromClass(Class* cls);
 
-/// The selector of that name, made on first demand; none for no name or an empty one. Any thread.
+/// The selector of that name, which is made if it does not exist; the null selector for null and for an empty
+/// name. Any thread.
 PELVOR_EXPORT SEL NSSelectorFromString(NSString* name);
-/// None for no selector.
+/// Null for the null selector.
 PELVOR_EXPORT NSString* NSStringFromSelector(SEL selector);
 
 }  // namespace pelvor

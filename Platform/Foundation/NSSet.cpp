@@ -5,10 +5,10 @@
 
 #include "Foundation/Collections/CollectionDescription.h"
 #include "Foundation/Collections/CollectionEnumerators.h"
-#include "Foundation/Collections/CollectionFailures.h"
 #include "Foundation/Collections/ConcreteSets.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSCountedSet.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -46,13 +46,18 @@ PELVOR_DEFINE_CLASS(NSSet, foundationLibrary) {
 
 NSSet* NSSet::set() { return init().autorelease(); }
 
-NSSet* NSSet::setWithObject(id object) { return setWithObjects_count(&object, 1); }
+NSSet* NSSet::setWithObject(id object) {
+    requireArgument(object, "setWithObject:", "the object");
+    return initWithObjects_count(&object, 1).autorelease();
+}
 
 NSSet* NSSet::setWithObjects(std::initializer_list<Object*> objects) {
+    requireObjects(objects.begin(), static_cast<NSUInteger>(objects.size()), "setWithObjects");
     return initWithObjects(objects).autorelease();
 }
 
 NSSet* NSSet::setWithObjects_count(Object* const* objects, NSUInteger count) {
+    requireObjects(objects, count, "setWithObjects:count:");
     return initWithObjects_count(objects, count).autorelease();
 }
 
@@ -63,7 +68,9 @@ NSSet* NSSet::setWithSet(NSSet* set) { return initWithSet(set).autorelease(); }
 Retained<NSSet> NSSet::init() { return make<NSTableSet>(); }
 
 Retained<NSSet> NSSet::initWithObjects(std::initializer_list<Object*> objects) {
-    return initWithObjects_count(objects.begin(), static_cast<NSUInteger>(objects.size()));
+    auto count = static_cast<NSUInteger>(objects.size());
+    requireObjects(objects.begin(), count, "initWithObjects");
+    return initWithObjects_count(objects.begin(), count);
 }
 
 Retained<NSSet> NSSet::initWithObjects_count(Object* const* objects, NSUInteger count) {
@@ -142,7 +149,7 @@ bool NSSet::isEqualToSet(NSSet* other) {
 }
 
 NSSet* NSSet::setByAddingObject(id object) {
-    requireObject(object, "setByAddingObject:");
+    requireArgument(object, "setByAddingObject:", "the object");
     auto set = make<NSTableSet>();
     fillTable(set->table(), this);
     set->table().add(object);
@@ -189,8 +196,6 @@ Retained<Object> NSSet::copyWithZone(void*) { return initWithSet(this); }
 
 Retained<Object> NSSet::mutableCopyWithZone(void*) { return NSMutableSet::initWithSet(this); }
 
-Retained<NSMutableSet> NSSet::mutableCopy() {
-    return Retained<NSMutableSet>::adopting(static_cast<NSMutableSet*>(mutableCopyWithZone(nullptr).leak()));
-}
+Retained<NSMutableSet> NSSet::mutableCopy() { return cast<NSMutableSet>(mutableCopyWithZone(nullptr)); }
 
 }  // namespace pelvor

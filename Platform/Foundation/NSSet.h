@@ -11,19 +11,25 @@ namespace pelvor {
 class NSArray;
 class NSMutableSet;
 
-/// Objects that differ from each other by `hash` and `isEqual`; it retains them. A look-up asks
-/// `isEqual` of the object that is looked for, with the member. Walks go in the order in which the
-/// members came. An object must not change its hash while it is a member. Abstract over `count`,
-/// `member` and `stepFrom`; the creators answer objects of concrete classes. Immutable sets may be used
-/// on any thread as far as their members may.
+/// An immutable collection of objects that differ from each other; the set retains its members.
+///
+///     NSSet* names = NSSet::of({u"Anna"_ns, u"Berta"_ns, u"Anna"_ns});
+///     names->count();                          // 2
+///     names->containsObject(u"Berta"_ns);      // true
+///     for (id name : names) NSLog(u"%@"_ns, name);
+///
+/// Members are told apart by `hash` and `isEqual`: a look-up sends `isEqual` to the object that is looked
+/// for, with the member. An object must not change its hash while it is a member. Walks go in the order in
+/// which the members were added. Abstract over `count`, `member` and `stepFrom`; the creators return objects
+/// of concrete classes. Immutable sets may be used on any thread as far as their members may.
 class PELVOR_EXPORT NSSet : public NSObject {
     PELVOR_CLASS(NSSet, NSObject);
     PELVOR_CREATORS(set, setWithObject, setWithObjects_count, setWithArray, setWithSet, init,
                     initWithObjects_count, initWithArray, initWithSet, of, setWithObjects, initWithObjects);
 
   public:
-    // Creation. Operations whose names begin with "init" answer owned sets, the others borrowed ones.
-    // Those that take objects raise NSInvalidArgumentException if none is among them.
+    // Creation. Operations whose names begin with "init" return owned sets, the others borrowed ones.
+    // Operations that take objects raise NSInvalidArgumentException if null is among them.
 
     static NSSet* set();
     static NSSet* setWithObject(id object);
@@ -44,17 +50,18 @@ class PELVOR_EXPORT NSSet : public NSObject {
     // Primitives
 
     virtual NSUInteger count() = 0;
-    /// The member that is the same as the object; none without one.
+    /// The member that is equal to the object; null if there is none.
     virtual id member(id object) = 0;
 
     // C++ only
-    /// The member at or after `position`, which moves behind it; none at the end. A walk begins at 0.
+    /// The member at or after `position`, which moves behind this member; null at the end. A walk begins at
+    /// position 0.
     virtual id stepFrom(NSUInteger& position) = 0;
-    /// A number that changes when members come or go; by it, walks notice changes.
+    /// The address of a number that changes when members come or go; by this number walks notice changes.
     virtual const std::uint32_t* mutationCounter() { return &detail::kNeverMutated; }
 
     bool containsObject(id object) { return member(object) != nullptr; }
-    /// The member that came first; none for an empty set.
+    /// The member that was added first; null for an empty set.
     id anyObject();
     NSArray* allObjects();
     NSEnumerator* objectEnumerator();
@@ -62,7 +69,7 @@ class PELVOR_EXPORT NSSet : public NSObject {
     bool isSubsetOfSet(NSSet* other);
     bool intersectsSet(NSSet* other);
     bool isEqualToSet(NSSet* other);
-    /// A borrowed set with the object or objects added.
+    /// A borrowed set of the members and the object or objects.
     NSSet* setByAddingObject(id object);
     NSSet* setByAddingObjectsFromSet(NSSet* other);
     NSSet* setByAddingObjectsFromArray(NSArray* other);
@@ -76,9 +83,7 @@ class PELVOR_EXPORT NSSet : public NSObject {
     NSString* description() override;
     Retained<Object> copyWithZone(void* zone) override;
     Retained<Object> mutableCopyWithZone(void* zone) override;
-    Retained<NSSet> copy() {
-        return Retained<NSSet>::adopting(static_cast<NSSet*>(copyWithZone(nullptr).leak()));
-    }
+    Retained<NSSet> copy() { return cast<NSSet>(copyWithZone(nullptr)); }
     Retained<NSMutableSet> mutableCopy();
 
   protected:
@@ -106,10 +111,10 @@ class SetCursor {
     bool operator==(std::default_sentinel_t) const { return !_object; }
 
   private:
-    NSSet* _set;
+    Unretained<NSSet> _set;
     MutationWatch _watch;
     NSUInteger _position = 0;
-    id _object = nullptr;
+    Unretained<Object> _object = nullptr;
 };
 
 inline BorrowedWalk<SetCursor, NSSet> walk(NSSet* set) { return {set}; }

@@ -12,6 +12,8 @@
 #include "Foundation/Strings/ByteText.h"
 #include "Foundation/Values/ConcreteValues.h"
 #include "Runtime/NSException.h"
+#include "Runtime/NSMethodSignature.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -70,17 +72,28 @@ Retained<NSValue> NSValue::withTypedBytes(const void* bytes, std::size_t size, c
     return NSRangeValue::create(range);
 }
 
+namespace {
+
+// The size of the one type that the text names.
+NSUInteger sizeOfValue(const void* bytes, const char* type, const char* operation) {
+    NSUInteger size = 0;
+    if (*measureType(type, &size, nullptr, operation) != '\0')
+        raiseBadArgument(operation, std::string("\"") + type + "\" is more than one type");
+    if (!bytes) raiseNullArgument(operation, "the bytes");
+    return size;
+}
+
+}  // namespace
+
 NSValue* NSValue::valueWithBytes_objCType(const void* bytes, const char* type) {
+    sizeOfValue(bytes, type, "valueWithBytes:objCType:");
     return initWithBytes_objCType(bytes, type).autorelease();
 }
 
 Retained<NSValue> NSValue::initWithBytes_objCType(const void* bytes, const char* type) {
-    if (bytes && type && isSameType(type, typeEncoding<NSRange>.text))
-        return withTypedBytes(bytes, sizeof(NSRange), typeEncoding<NSRange>.text);
-    NSUInteger size = 0;
-    if (!bytes || !type || *NSGetSizeAndAlignment(type, &size, nullptr) != '\0')
-        throw NSException(NSInvalidArgumentException,
-                          std::string("a value needs bytes and one type, not ") + (type ? type : "(null)"));
+    NSUInteger size = sizeOfValue(bytes, type, "initWithBytes:objCType:");
+    if (isSameType(type, typeEncoding<NSRange>.text))
+        return withTypedBytes(bytes, size, typeEncoding<NSRange>.text);
     return NSInlineValue::createWithTypeName(bytes, size, type);
 }
 
@@ -93,11 +106,16 @@ NSValue* NSValue::valueWithNonretainedObject(id object) { return of(object); }
 
 // MARK: Reading
 
-void NSValue::requireType(const char* type) {
+void NSValue::requireType(const char* type, const char* operation) {
     const char* own = objCType();
-    if (own != type && std::strcmp(own, type) != 0)
-        throw NSException(NSInvalidArgumentException,
-                          std::string("a value of type ") + own + " cannot be read as " + type);
+    if (!isSameType(own, type))
+        raiseBadArgument(operation, "the value holds " + detail::describeType(own) + ", not " +
+                                        detail::describeType(type));
+}
+
+void NSInlineValue::getValue(void* buffer) {
+    if (!buffer) raiseNullArgument("getValue:", "the buffer");
+    std::memcpy(buffer, span().data(), _size);
 }
 
 namespace {
@@ -136,14 +154,12 @@ NSString* NSValue::description() {
     if (type == typeEncoding<NSPoint>.text) return NSStringFromPoint(pointValue());
     if (type == typeEncoding<NSSize>.text) return NSStringFromSize(sizeValue());
     if (type == typeEncoding<NSRect>.text) return NSStringFromRect(rectValue());
-    if (type == typeEncoding<NSRange>.text) {
-        NSRange range = rangeValue();
-        return NSString::ofUTF8("{" + std::to_string(range.location) + ", " + std::to_string(range.length) +
-                                "}");
-    }
+    if (type == typeEncoding<NSRange>.text) return NSString::ofUTF8(rangeText(rangeValue()));
     std::vector<std::byte> copy;
     return hexadecimalDescription(bytesOf(this, copy));
 }
+
+Retained<NSValue> NSValue::copy() { return cast<NSValue>(copyWithZone(nullptr)); }
 
 Retained<Object> NSValue::copyWithZone(void*) { return Retained<Object>::retaining(this); }
 

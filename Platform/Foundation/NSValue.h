@@ -10,18 +10,20 @@
 
 namespace pelvor {
 
-/// Writes the size and alignment in bytes of a type by its encoding, where asked for, and answers what
-/// follows the type in the text. Raises NSInvalidArgumentException for a text that is no encoding.
+/// Writes the size and alignment in bytes of the type that an encoding stands for, unless the pointer is
+/// null, and returns what follows the type in the text. Raises NSInvalidArgumentException for a text that is
+/// no encoding.
 PELVOR_EXPORT const char* NSGetSizeAndAlignment(const char* type, NSUInteger* size, NSUInteger* alignment);
 
-/// An immutable plain value with the encoding of its type. Two are equal when types and bytes are; so
-/// structures should have no unused bytes between their fields. Abstract over `objCType` and
-/// `getValue`.
+/// An immutable object that holds a plain value and the encoding of its type.
 ///
 ///     NSValue* boxed = NSValue::valueWithRange(NSMakeRange(3, 4));
-///     NSValue* other = NSValue::of(MyPlainStruct{1, 2});    other->as<MyPlainStruct>()
+///     NSRange range = boxed->rangeValue();                              // {3, 4}
+///     struct Cell { int row, column; };
+///     int row = NSValue::of(Cell{1, 2})->as<Cell>().row;                // 1
 ///
-/// Any thread.
+/// Two values are equal when their types and their bytes are equal; so structures should have no unused bytes
+/// between their fields. Abstract over `objCType` and `getValue`. Any thread.
 class PELVOR_EXPORT NSValue : public NSObject {
     PELVOR_CLASS(NSValue, NSObject);
     PELVOR_CREATORS(valueWithBytes_objCType, initWithBytes_objCType, valueWithRange, valueWithPoint,
@@ -29,8 +31,8 @@ class PELVOR_EXPORT NSValue : public NSObject {
                     withTypedBytes);
 
   public:
-    // Creation: borrowed values, an owned one from `initWithBytes_objCType`. A bad encoding raises
-    // NSInvalidArgumentException.
+    // Creation: `initWithBytes_objCType` returns an owned value, the others borrowed ones. Null as bytes, and
+    // a text that is not the encoding of one type, raise NSInvalidArgumentException.
 
     static NSValue* valueWithBytes_objCType(const void* bytes, const char* type);
     static Retained<NSValue> initWithBytes_objCType(const void* bytes, const char* type);
@@ -52,34 +54,34 @@ class PELVOR_EXPORT NSValue : public NSObject {
     // Primitives
 
     virtual const char* objCType() = 0;
-    /// Writes the value to the buffer, which must have room for it.
+    /// Writes the value to the buffer, which must be large enough for the type. Raises
+    /// NSInvalidArgumentException for null.
     virtual void getValue(void* buffer) = 0;
 
     // Reading. A value of another type raises NSInvalidArgumentException.
 
-    NSRange rangeValue() { return as<NSRange>(); }
-    NSPoint pointValue() { return as<NSPoint>(); }
-    NSSize sizeValue() { return as<NSSize>(); }
-    NSRect rectValue() { return as<NSRect>(); }
-    void* pointerValue() { return as<void*>(); }
-    id nonretainedObjectValue() { return as<id>(); }
+    NSRange rangeValue() { return read<NSRange>("rangeValue"); }
+    NSPoint pointValue() { return read<NSPoint>("pointValue"); }
+    NSSize sizeValue() { return read<NSSize>("sizeValue"); }
+    NSRect rectValue() { return read<NSRect>("rectValue"); }
+    void* pointerValue() { return read<void*>("pointerValue"); }
+    id nonretainedObjectValue() { return read<id>("nonretainedObjectValue"); }
 
     // C++ only
     template <class T>
     T as() {
-        T value{};
-        requireType(typeEncoding<T>.text);
-        getValue(&value);
-        return value;
+        return read<T>("as");
     }
 
     bool isEqualToValue(NSValue* other);
 
     bool isEqual(id other) override;
     std::uintptr_t hash() override;
-    /// The bytes as hexadecimal text in angle brackets; ranges, points, sizes and rectangles readable.
+    /// The bytes as hexadecimal text in angle brackets; a range, point, size or rectangle as its numbers,
+    /// "{3, 4}".
     NSString* description() override;
     Retained<Object> copyWithZone(void* zone) override;
+    Retained<NSValue> copy();
 
   protected:
     constexpr NSValue() noexcept = default;
@@ -88,7 +90,14 @@ class PELVOR_EXPORT NSValue : public NSObject {
 
   private:
     static Retained<NSValue> withTypedBytes(const void* bytes, std::size_t size, const char* immortalType);
-    void requireType(const char* type);
+    void requireType(const char* type, const char* operation);
+    template <class T>
+    T read(const char* operation) {
+        T value{};
+        requireType(typeEncoding<T>.text, operation);
+        getValue(&value);
+        return value;
+    }
 };
 
 }  // namespace pelvor

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/ObjectPrinting.h"
 
+#include "Foundation/NSGeometry.h"
 #include "Foundation/NSString.h"
 #include "Runtime/AutoreleasePool.h"
 
@@ -18,6 +19,21 @@ std::ostream& operator<<(std::ostream& stream, NSRange range) {
     else
         stream << range.location;
     return stream << ", " << range.length << '}';
+}
+
+std::ostream& operator<<(std::ostream& stream, NSPoint point) {
+    AutoreleasePool pool;
+    return stream << NSStringFromPoint(point);
+}
+
+std::ostream& operator<<(std::ostream& stream, NSSize size) {
+    AutoreleasePool pool;
+    return stream << NSStringFromSize(size);
+}
+
+std::ostream& operator<<(std::ostream& stream, NSRect rect) {
+    AutoreleasePool pool;
+    return stream << NSStringFromRect(rect);
 }
 
 std::ostream& operator<<(std::ostream& stream, SEL selector) {

@@ -14,6 +14,7 @@ namespace pelvor {
 void Object::endMarked(State before) noexcept {
     if (before & kIsWatched) {
         endWatch();
+        stayWhileEnding();
     } else {
         _state.store(before, std::memory_order_relaxed);
         if (recycle()) return;

@@ -112,11 +112,12 @@ class PELVOR_EXPORT Object {
     static constexpr State kReference = 4;
 
     void end(State before) noexcept {
-        if (before == kReference)
-            destroy();
-        else
-            endMarked(before);
+        if (before != kReference) return endMarked(before);
+        stayWhileEnding();
+        destroy();
     }
+    // What is released as the object ends may retain and release the object, which must not end it again.
+    void stayWhileEnding() noexcept { _state.store(kReference, std::memory_order_relaxed); }
     void endMarked(State before) noexcept;
     void endWatch() noexcept;
 

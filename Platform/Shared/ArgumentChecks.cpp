@@ -9,12 +9,20 @@ namespace pelvor {
 
 namespace {
 
-std::string prefix(const char* operation) { return operation ? std::string(operation) + " " : ""; }
+// "removeObject: ", "rangeValue: ".
+std::string prefix(const char* operation) {
+    std::string text = operation ? operation : "";
+    return text.empty() ? text : text + (text.ends_with(':') ? " " : ": ");
+}
 
 // As %d prints it.
 std::string number(NSUInteger value) { return "(" + std::to_string(static_cast<int>(value)) + ")"; }
 
 }  // namespace
+
+std::string rangeText(NSRange range) {
+    return "{" + std::to_string(range.location) + ", " + std::to_string(range.length) + "}";
+}
 
 void raiseIndexBeyondBounds(NSUInteger index, NSUInteger bounds, const char* operation) {
     throw NSException(NSRangeException,
@@ -22,9 +30,8 @@ void raiseIndexBeyondBounds(NSUInteger index, NSUInteger bounds, const char* ope
 }
 
 void raiseRangeBeyondBounds(NSRange range, NSUInteger bounds, const char* operation) {
-    throw NSException(NSRangeException, prefix(operation) + "range {" + std::to_string(range.location) +
-                                            ", " + std::to_string(range.length) + "} beyond bounds " +
-                                            number(bounds));
+    throw NSException(NSRangeException,
+                      prefix(operation) + "range " + rangeText(range) + " beyond bounds " + number(bounds));
 }
 
 void raiseNullMemory(NSUInteger length, const char* operation, const char* name) {
@@ -38,8 +45,20 @@ void raiseTooLong(std::uint64_t length, const char* operation) {
                       prefix(operation) + "a string cannot have " + std::to_string(length) + " units");
 }
 
+void raiseBadArgument(const char* operation, const std::string& sentence) {
+    throw NSException(NSInvalidArgumentException, prefix(operation) + sentence);
+}
+
 void raiseNullArgument(const char* operation, const char* name) {
-    throw NSException(NSInvalidArgumentException, std::string(operation) + " " + name + " is null");
+    raiseBadArgument(operation, std::string(name) + " is null");
+}
+
+void requireObjects(Object* const* objects, NSUInteger count, const char* operation, const char* name) {
+    requireMemory(objects, count, operation, ("the " + std::string(name) + "s").c_str());
+    for (NSUInteger i = 0; i < count; ++i)
+        if (!objects[i]) [[unlikely]]
+            raiseBadArgument(operation, name + (" " + std::to_string(i + 1)) + " of " +
+                                            std::to_string(count) + " is null");
 }
 
 }  // namespace pelvor

@@ -1,13 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
-// Checks of what operations are given, and the exceptions that they raise.
+// Checks of what operations are given, and the exceptions that they raise. A message names the operation that
+// was called: an operation that hands its arguments on to another one checks them before.
 #pragma once
 
 #include <limits>
+#include <string>
 
 #include "Foundation/NSRange.h"
 #include "Runtime/Export.h"
 
 namespace pelvor {
+
+class Object;
+
+/// "{3, 4}".
+PELVOR_EXPORT std::string rangeText(NSRange range);
 
 /// Raises NSRangeException, "characterAtIndex: index (7) beyond bounds (3)"; without an operation its name is
 /// missing.
@@ -16,6 +23,9 @@ namespace pelvor {
 /// Raises NSRangeException, "getCharacters:range: range {2, 2} beyond bounds (3)".
 [[noreturn]] PELVOR_EXPORT void raiseRangeBeyondBounds(NSRange range, NSUInteger bounds,
                                                        const char* operation = nullptr);
+/// Raises NSInvalidArgumentException, "operation: sentence"; the sentence names the argument and what is
+/// wrong with it.
+[[noreturn]] PELVOR_EXPORT void raiseBadArgument(const char* operation, const std::string& sentence);
 /// Raises NSInvalidArgumentException, "disableNotificationName: the name is null".
 [[noreturn]] PELVOR_EXPORT void raiseNullArgument(const char* operation, const char* name);
 /// Raises NSInvalidArgumentException, "rangeOfBytes:length: the bytes must not be null where the length is
@@ -61,5 +71,10 @@ inline void requireArgument(const void* argument, const char* operation, const c
     if (!argument) [[unlikely]]
         raiseNullArgument(operation, name);
 }
+
+/// Raises NSInvalidArgumentException for null as memory of a count of objects, and for null among the
+/// objects: "arrayWithObjects:count: object 2 of 3 is null". The message calls one of them `name`.
+PELVOR_EXPORT void requireObjects(Object* const* objects, NSUInteger count, const char* operation,
+                                  const char* name = "object");
 
 }  // namespace pelvor

@@ -54,7 +54,10 @@ id NSDictionaryEnumerator::nextObject() {
     if (!_dictionary) return nullptr;
     _watch.check(_dictionary);
     NSDictionaryEntry entry = _dictionary->stepFrom(_position);
-    if (!entry.key) _dictionary = nullptr;
+    if (!entry.key) {
+        _dictionary = nullptr;
+        return nullptr;
+    }
     return _part == Part::key ? entry.key : entry.value;
 }
 

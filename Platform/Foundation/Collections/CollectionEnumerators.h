@@ -18,7 +18,7 @@ class NSArrayEnumerator final : public NSEnumerator {
     id nextObject() override;
 
   private:
-    Retained<NSArray> _array;  // none when the walk has ended
+    Retained<NSArray> _array;  // null when the walk has ended
     detail::MutationWatch _watch;
     NSUInteger _index = 0;  // of the next object going forward, after it going backward
     NSUInteger _count = 0;
@@ -33,7 +33,7 @@ class NSSetEnumerator final : public NSEnumerator {
     id nextObject() override;
 
   private:
-    Retained<NSSet> _set;  // none when the walk has ended
+    Retained<NSSet> _set;  // null when the walk has ended
     detail::MutationWatch _watch;
     NSUInteger _position = 0;
 };
@@ -47,7 +47,7 @@ class NSDictionaryEnumerator final : public NSEnumerator {
     id nextObject() override;
 
   private:
-    Retained<NSDictionary> _dictionary;  // none when the walk has ended
+    Retained<NSDictionary> _dictionary;  // null when the walk has ended
     detail::MutationWatch _watch;
     NSUInteger _position = 0;
     Part _part = Part::key;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The arrays that creators answer; for Foundation's own sources.
+// The arrays that creators return; for Foundation's own sources.
 #pragma once
 
 #include <span>
@@ -14,11 +14,11 @@ class NSInlineArray final : public NSArray {
     PELVOR_CLASS(NSInlineArray, NSArray);
 
   public:
-    /// An owned array; the objects, none of which is none, are retained.
+    /// An owned array of the objects, which it retains; null is not among them.
     static Retained<NSInlineArray> create(Object* const* objects, NSUInteger count);
-    /// The same from an array, which has its objects in one piece, and objects behind them.
+    /// An owned array of the objects of an array that has them in one piece, and of the objects behind them.
     static Retained<NSInlineArray> createJoined(NSArray* first, std::span<Object* const> behind);
-    /// The same from references that are taken over.
+    /// An owned array that takes over the references.
     template <class T>
     static Retained<NSInlineArray> createAdopting(std::vector<Retained<T>>&& references) {
         auto count = static_cast<NSUInteger>(references.size());
@@ -27,7 +27,7 @@ class NSInlineArray final : public NSArray {
         for (NSUInteger i = 0; i < count; ++i) array->objects()[i] = references[i].leak();
         return Retained<NSInlineArray>::adopting(array);
     }
-    /// The array without objects, borrowed; there is one.
+    /// The one array without objects, borrowed.
     static NSInlineArray* empty();
 
     NSUInteger count() override { return _count; }
@@ -44,53 +44,21 @@ class NSInlineArray final : public NSArray {
     NSUInteger _count;
 };
 
-/// Pointers with room at both ends; it neither retains nor releases.
-class ObjectBuffer {
-  public:
-    ObjectBuffer() = default;
-    ObjectBuffer(const ObjectBuffer&) = delete;
-    ObjectBuffer& operator=(const ObjectBuffer&) = delete;
-    ~ObjectBuffer() { delete[] _memory; }
-
-    NSUInteger count() const { return _count; }
-    Object** begin() { return _memory + _head; }
-    /// Opens `added` places, whose content is open, in the place of `removed` others at `index`.
-    void replace(NSUInteger index, NSUInteger removed, NSUInteger added);
-    void reserve(NSUInteger capacity);
-    void swap(ObjectBuffer& other) {
-        std::swap(_memory, other._memory);
-        std::swap(_head, other._head);
-        std::swap(_count, other._count);
-        std::swap(_capacity, other._capacity);
-    }
-
-  private:
-    void openGap(NSUInteger index, NSUInteger added);
-    void closeGap(NSUInteger index, NSUInteger removed);
-    void growAround(NSUInteger index, NSUInteger added);
-    void relocate(NSUInteger capacity, NSUInteger index, NSUInteger added);
-
-    Object** _memory = nullptr;
-    NSUInteger _head = 0;
-    NSUInteger _count = 0;
-    NSUInteger _capacity = 0;
-};
-
-/// A mutable array in one piece of memory; both ends are cheap to change.
+/// A mutable array in one piece of memory. Adding at the end and removing at either end are cheap.
 class NSBufferArray final : public NSMutableArray {
     PELVOR_CLASS(NSBufferArray, NSMutableArray);
 
   public:
-    NSUInteger count() override { return _buffer.count(); }
+    NSUInteger count() override { return static_cast<NSUInteger>(_objects.size()) - _start; }
     id objectAtIndex(NSUInteger index) override;
-    Object* const* contiguousObjects() override { return _buffer.begin(); }
+    Object* const* contiguousObjects() override { return first(); }
     const std::uint32_t* mutationCounter() override { return &_mutations; }
     void addObject(id object) override;
     void insertObject_atIndex(id object, NSUInteger index) override;
     void replaceObjectAtIndex_withObject(NSUInteger index, id object) override;
     void removeObjectAtIndex(NSUInteger index) override;
     void removeObjectsInRange(NSRange range) override;
-    void reserve(NSUInteger capacity) { _buffer.reserve(capacity); }
+    void reserve(NSUInteger capacity) { _objects.reserve(capacity); }
     /// Adds an object and takes the reference over.
     void adoptObject(Retained<Object> object);
 
@@ -100,7 +68,11 @@ class NSBufferArray final : public NSMutableArray {
     void replaceObjects(NSRange range, Object* const* objects, NSUInteger count) override;
 
   private:
-    ObjectBuffer _buffer;
+    Object** first() { return _objects.data() + _start; }
+    void replacePlaces(NSUInteger index, NSUInteger removed, NSUInteger added);
+
+    std::vector<Object*> _objects;  // retained from `_start` on; what stood before has left
+    NSUInteger _start = 0;
     std::uint32_t _mutations = 0;
 };
 

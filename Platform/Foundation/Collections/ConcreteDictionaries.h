@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The dictionaries that creators answer; for Foundation's own sources.
+// The dictionaries that creators return; for Foundation's own sources.
 #pragma once
 
 #include "Foundation/Collections/ObjectTables.h"
@@ -47,12 +47,21 @@ class NSTableMutableDictionary final : public NSMutableDictionary {
     EntryTable _table;
 };
 
-// Each fills an empty table. All objects and keys are checked first.
+// Each fills an empty table, after all objects and keys were checked in the name of the operation.
 
-void fillTable(EntryTable& table, NSDictionary* dictionary);
-void fillTable(EntryTable& table, Object* const* objects, Object* const* keys, NSUInteger count);
-void fillTable(EntryTable& table, std::initializer_list<NSDictionaryEntry> entries);
+void fillTable(EntryTable& table, NSDictionary* dictionary, const char* operation);
+void fillTable(EntryTable& table, Object* const* objects, Object* const* keys, NSUInteger count,
+               const char* operation);
+void fillTable(EntryTable& table, std::initializer_list<NSDictionaryEntry> entries, const char* operation);
 /// Raises NSInvalidArgumentException for arrays of different lengths.
-void fillTable(EntryTable& table, NSArray* objects, NSArray* keys);
+void fillTable(EntryTable& table, NSArray* objects, NSArray* keys, const char* operation);
+
+/// An owned dictionary of that class from what a `fillTable` takes.
+template <class Dictionary, class... Content>
+Retained<Dictionary> filledDictionary(const Content&... content) {
+    auto dictionary = make<Dictionary>();
+    fillTable(dictionary->table(), content...);
+    return dictionary;
+}
 
 }  // namespace pelvor

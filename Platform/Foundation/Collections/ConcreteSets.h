@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The sets that creators answer; for Foundation's own sources.
+// The sets that creators return; for Foundation's own sources.
 #pragma once
 
 #include "Foundation/Collections/ObjectTables.h"
@@ -47,7 +47,7 @@ class NSTableMutableSet final : public NSMutableSet {
     MemberTable _table;
 };
 
-/// Fills an empty table with the members of a set of any kind, or with nothing for none.
+/// Fills an empty table with the members of a set of any class; null is an empty set.
 void fillTable(MemberTable& table, NSSet* set);
 
 }  // namespace pelvor

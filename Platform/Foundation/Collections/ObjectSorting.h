@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A stable sort that stays within its bounds whatever the comparison answers; for Foundation's own sources.
+// A stable sort that stays within its bounds whatever the comparison returns; for Foundation's own sources.
 #pragma once
 
 #include <algorithm>
@@ -39,9 +39,9 @@ void mergeSort(T* items, std::size_t count, T* scratch, Compare&& compare) {
 
 }  // namespace detail
 
-/// Sorts plain items by `compare`, which answers above 0 when its first argument belongs after the
-/// second; items that are the same keep their order. A comparison without sense gives some order of the
-/// same items; one that raises leaves the items, each once or not, as they lie.
+/// Sorts plain items by `compare`, which returns more than 0 if its first argument belongs behind the second.
+/// Items that compare as the same keep their order. A comparison that contradicts itself gives some order of
+/// all items. After one that raises an item may stand in the vector twice or not at all.
 template <class T, class Compare>
 void sortStably(std::vector<T>& items, Compare&& compare) {
     std::vector<T> scratch(items.size() / 2);

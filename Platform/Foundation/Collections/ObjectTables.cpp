@@ -6,6 +6,7 @@
 #include "Foundation/NSArray.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -60,16 +61,22 @@ void MemberTable::copyFrom(const MemberTable& other) {
 namespace {
 
 // Classes are their own copies; an object of the other class tree is asked by message.
-Retained<Object> copyOfKey(id key) {
+Retained<Object> copyOf(id key) {
     if (asClass(key)) return Retained<Object>::retaining(key);
-    auto* object = cast<NSObject>(key);
-    Retained<Object> copy =
-        object ? object->copyWithZone(nullptr)
-               : send<Retained<Object>>(key, "copyWithZone:"_sel, static_cast<void*>(nullptr));
-    if (!copy)
-        throw NSException(NSInvalidArgumentException,
-                          std::string("a key of class ") + key->isa()->name() + " has no copy");
-    return copy;
+    if (auto* object = cast<NSObject>(key)) return object->copyWithZone(nullptr);
+    return send<Retained<Object>>(key, "copyWithZone:"_sel, static_cast<void*>(nullptr));
+}
+
+Retained<Object> copyOfKey(id key, const char* operation) {
+    std::string reason = "its copy is null";
+    try {
+        if (Retained<Object> copy = copyOf(key)) return copy;
+    } catch (const NSException& exception) {
+        if (exception.name() != NSInvalidArgumentException) throw;
+        reason = exception.reason();
+    }
+    raiseBadArgument(operation, std::string("a key of class ") + key->isa()->publicName() +
+                                    " cannot be copied: " + reason);
 }
 
 }  // namespace
@@ -87,13 +94,13 @@ NSDictionaryEntry EntryTable::stepFrom(NSUInteger& position) {
     return {entry.key, entry.payload};
 }
 
-void EntryTable::set(id object, id key) {
+void EntryTable::set(id object, id key, const char* operation) {
     std::uint32_t hash = _table.fold(key->hash());
     NSUInteger position = _table.find(key, hash);
     if (position != _table.kNone) return replaceObject(position, object);
     std::uint32_t before = *_table.mutationCounter();
     auto kept = Retained<Object>::retaining(object);
-    Retained<Object> copy = copyOfKey(key);
+    Retained<Object> copy = copyOfKey(key, operation);
     // Copying runs foreign code, which may have put an entry of this key here.
     if (*_table.mutationCounter() != before) position = _table.find(key, hash);
     if (position != _table.kNone) return replaceObject(position, object);

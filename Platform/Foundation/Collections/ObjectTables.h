@@ -8,13 +8,16 @@
 
 namespace pelvor {
 
-/// Members of a set, retained. What goes is released when the table already stands as it will be.
+/// The members of a set, retained. An operation releases what it takes out when the table already is as it
+/// will be.
 class MemberTable {
   public:
     MemberTable() = default;
     MemberTable(const MemberTable&) = delete;
     MemberTable& operator=(const MemberTable&) = delete;
-    ~MemberTable() { removeAll(); }
+    ~MemberTable() {
+        while (count() > 0) removeAll();  // what a release does may add
+    }
 
     NSUInteger count() const { return _table.count(); }
     const std::uint32_t* mutationCounter() const { return _table.mutationCounter(); }
@@ -33,20 +36,23 @@ class MemberTable {
     OrderedTable<Nothing> _table;
 };
 
-/// Entries of a dictionary: keys, owned copies, and objects, retained.
+/// The entries of a dictionary: keys, which are copied, and objects, which are retained. An operation
+/// releases what it takes out when the table already is as it will be.
 class EntryTable {
   public:
     EntryTable() = default;
     EntryTable(const EntryTable&) = delete;
     EntryTable& operator=(const EntryTable&) = delete;
-    ~EntryTable() { removeAll(); }
+    ~EntryTable() {
+        while (count() > 0) removeAll();  // what a release does may add
+    }
 
     NSUInteger count() const { return _table.count(); }
     const std::uint32_t* mutationCounter() const { return _table.mutationCounter(); }
     id objectForKey(id key);
     NSDictionaryEntry stepFrom(NSUInteger& position);
-    /// Raises NSInvalidArgumentException for a key that cannot be copied.
-    void set(id object, id key);
+    /// Raises NSInvalidArgumentException for a key that cannot be copied, in the name of the operation.
+    void set(id object, id key, const char* operation);
     void remove(id key);
     void removeAll();
     void reserve(NSUInteger capacity);
@@ -59,18 +65,18 @@ class EntryTable {
     OrderedTable<id> _table;
 };
 
-/// What an object adds to the hash of a collection that holds it; 0 for a collection, so that hashing ends
-/// for one that holds itself.
+/// What an object adds to the hash of a collection that holds the object; 0 for a collection, so that hashing
+/// ends for a collection that holds itself.
 std::uintptr_t hashOfElement(id object);
 
-/// Spreads a hash over all bits, so that a sum of such hashes tells which elements went into it.
+/// Spreads a hash over all bits, so that a sum of such hashes depends on each element.
 inline std::uintptr_t spreadHash(std::uintptr_t hash) {
     hash = (hash ^ (hash >> 32)) * 0x9E3779B97F4A7C15u;
     hash = (hash ^ (hash >> 29)) * 0xBF58476D1CE4E5B9u;
     return hash ^ (hash >> 32);
 }
 
-/// Room is made beforehand up to here; beyond, a collection grows as it is filled.
+/// The greatest capacity for which room is made at once; a larger collection grows as it is filled.
 inline constexpr NSUInteger kLargestReserve = 1 << 20;
 
 }  // namespace pelvor

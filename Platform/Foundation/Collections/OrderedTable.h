@@ -13,23 +13,22 @@
 
 namespace pelvor {
 
-/// Objects, each once by `hash` and `isEqual`, in the order in which they came, each with a payload. It
-/// neither retains nor releases. Entries stand in one array in their order, a removed one leaving a hole;
-/// from nine entries on an index of positions with linear probing lies over it.
+/// Objects, each once by `hash` and `isEqual`, in the order in which they were added, each with a payload.
+/// The table neither retains nor releases them. The entries stand in one array; a removed entry leaves a
+/// hole. From nine entries on an index of the array's positions, with linear probing, finds them.
 ///
-/// Look-ups run foreign code: one that changes the table meanwhile is noticed, and the look-up begins
-/// anew.
+/// A look-up runs foreign code. If that changes the table, the look-up notices the change and begins anew.
 template <class Payload>
 class OrderedTable {
   public:
     struct Entry {
-        id key;  // none: a hole
+        Unretained<Object> key;  // null: a hole
         std::uint32_t hash;
         [[no_unique_address]] Payload payload;
     };
     static constexpr NSUInteger kNone = UINT32_MAX;
 
-    /// What the table keeps of an object's hash; all of it takes part.
+    /// What the table keeps of an object's hash; all bits of the hash take part.
     static std::uint32_t fold(std::uintptr_t hash) {
         return static_cast<std::uint32_t>((std::uint64_t{hash} * 0x9E3779B97F4A7C15u) >> 32);
     }
@@ -55,7 +54,7 @@ class OrderedTable {
         }
     }
 
-    /// Adds an entry that the table does not hold, and answers its position.
+    /// Adds an entry that the table does not hold, and returns its position.
     NSUInteger add(id key, std::uint32_t hash, Payload payload) {
         if (_entries.size() == _entries.capacity()) makeRoom();
         auto position = static_cast<NSUInteger>(_entries.size());
@@ -104,7 +103,7 @@ class OrderedTable {
     static constexpr NSUInteger kLargestWithoutIndex = 8;
     static constexpr std::uint32_t kEmpty = kNone;
 
-    // Both stop when foreign code has changed the table; the caller then begins anew.
+    // Both searches stop when foreign code has changed the table; the caller then begins anew.
     NSUInteger findInOrder(id probe, std::uint32_t hash, std::uint32_t before) {
         for (NSUInteger position = _first; _mutations == before && position < _entries.size(); ++position)
             if (matches(_entries[position], probe, hash)) return position;
@@ -128,7 +127,7 @@ class OrderedTable {
         rebuild(_count > size - size / 4 ? std::max<NSUInteger>(4, size * 2) : size);
     }
 
-    // Closes the holes, with room for `capacity` entries.
+    // Closes the holes and makes room for `capacity` entries.
     void rebuild(NSUInteger capacity) {
         std::vector<Entry> entries;
         entries.reserve(std::max(capacity, _count));
@@ -139,7 +138,7 @@ class OrderedTable {
         buildIndex();
     }
 
-    // The index holds half again as many slots as entries at least.
+    // The index has at least one and a half times as many slots as there is room for entries.
     void buildIndex() {
         _index.reset();
         if (_entries.capacity() <= kLargestWithoutIndex) return;
@@ -156,7 +155,7 @@ class OrderedTable {
         _index[slot] = position;
     }
 
-    // Entries behind the freed slot that it kept from theirs move up.
+    // Entries that stand behind the freed slot because it was taken move up.
     void clearSlot(NSUInteger position) {
         std::uint32_t hole = _entries[position].hash & _mask;
         while (_index[hole] != position) hole = (hole + 1) & _mask;

@@ -216,8 +216,9 @@ bool replaceFile(const std::string& path, std::span<const std::byte> content, bo
     return finish(file) && file.replaceTarget(isNew);
 }
 
-// Whether the path means a regular file or none yet; `path` then is its own name, behind all links. The links
-// in /proc, to which /dev/stdout leads, stand for files that are open and may have no name.
+// Whether the path means a regular file, or one that does not exist yet; `path` then becomes the file's own
+// name, behind all links. The links in /proc, to which /dev/stdout leads, stand for open files, which may
+// have no name.
 bool meansRegularFile(std::string& path) {
     struct stat status;
     if (::stat(path.c_str(), &status) == 0 ? !S_ISREG(status.st_mode) : errno != ENOENT) return false;
@@ -239,7 +240,7 @@ bool readFile(const std::string& path, std::vector<std::byte>& content) {
     struct stat status;
     if (!file || ::fstat(file, &status) != 0) return false;
     if (S_ISDIR(status.st_mode)) return fail(EISDIR);
-    // The size is only where to begin: some files tell none, and others grow.
+    // The size is only a first guess: some files have no size, and others grow.
     std::size_t length = 0;
     content.resize(static_cast<std::size_t>(std::clamp<off_t>(status.st_size, 0, UINT32_MAX)) + 1);
     for (;;) {

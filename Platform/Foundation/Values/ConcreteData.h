@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// The immutable data that creators answer; for Foundation's own sources.
+// The immutable data that creators return; for Foundation's own sources.
 #pragma once
 
 #include "Foundation/NSData.h"
-#include "Runtime/NSException.h"
 
 namespace pelvor {
 
@@ -12,16 +11,12 @@ class NSInlineData final : public NSData {
     PELVOR_CLASS(NSInlineData, NSData);
 
   public:
-    /// Owned data of that length, whose content the caller writes to `storage()` before anybody else sees
-    /// them.
-    static Retained<NSInlineData> create(NSUInteger length) {
-        return Retained<NSInlineData>::adopting(
-            Instances::createWithExtra<NSInlineData>(length, &classRecord, length));
-    }
+    /// Owned data with a copy of the bytes. Raises NSInvalidArgumentException for null as memory of bytes, in
+    /// the name of the operation.
+    static Retained<NSInlineData> create(const void* bytes, NSUInteger length, const char* operation);
 
     NSUInteger length() override { return _length; }
-    const void* bytes() override { return storage(); }
-    void* storage() { return this + 1; }
+    const void* bytes() override { return this + 1; }
     Retained<Object> copyWithZone(void* zone) override;
 
   protected:
@@ -31,10 +26,5 @@ class NSInlineData final : public NSData {
   private:
     NSUInteger _length;
 };
-
-/// Raises NSInvalidArgumentException for a length without bytes.
-inline void requireBytes(const void* bytes, NSUInteger length) {
-    if (!bytes && length) throw NSException(NSInvalidArgumentException, "a length was given without bytes");
-}
 
 }  // namespace pelvor

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The date that creators answer; for Foundation's own sources.
+// The date that creators return; for Foundation's own sources.
 #pragma once
 
 #include "Foundation/NSDate.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The values and numbers that creators answer; for Foundation's own sources.
+// The values and numbers that creators return; for Foundation's own sources.
 #pragma once
 
 #include <span>
@@ -16,12 +16,12 @@ class NSInlineValue final : public NSValue {
   public:
     /// An owned value; `type` lives as long as the process.
     static Retained<NSInlineValue> create(const void* bytes, std::size_t size, const char* type);
-    /// One that keeps the name of its type itself, behind the bytes: names may come from anywhere.
+    /// An owned value that keeps the name of its type itself, behind the bytes: names may come from anywhere.
     static Retained<NSInlineValue> createWithTypeName(const void* bytes, std::size_t size,
                                                       std::string_view type);
 
     const char* objCType() override { return _type; }
-    void getValue(void* buffer) override { std::memcpy(buffer, span().data(), _size); }
+    void getValue(void* buffer) override;
     std::span<const std::byte> span() PELVOR_LIFETIMEBOUND {
         return {reinterpret_cast<const std::byte*>(this + 1), _size};
     }
@@ -35,7 +35,7 @@ class NSInlineValue final : public NSValue {
     std::size_t _size;
 };
 
-/// A number as its widest kin: what comparisons, hashes and conversions work on.
+/// A number as the widest type of its kind: what comparisons, hashes and conversions work on.
 struct NumberContents {
     enum class Kind : std::uint8_t { integer, unsignedInteger, real };
 
@@ -73,7 +73,7 @@ class NSPlainNumber final : public NSNumber {
         return Retained<NSPlainNumber>::adopting(
             Instances::createWithExtra<NSPlainNumber>(0, &classRecord, type, contents));
     }
-    /// One that lives as long as the process.
+    /// A number that lives as long as the process.
     struct Shared {};
     constexpr NSPlainNumber(Shared, const char* type, NumberContents contents)
         : NSNumber(&classRecord, kImmortal), _type(type), _contents(contents) {}
@@ -89,7 +89,10 @@ class NSPlainNumber final : public NSNumber {
     NumberContents _contents;
 };
 
-/// The value of a number of any class. Raises NSInvalidArgumentException if its type is no number's.
+/// The value of a number of any class. Raises NSInvalidArgumentException if its type is not a number's.
 NumberContents contentsOf(NSNumber* number);
+
+/// NSGetSizeAndAlignment, which raises in the name of the operation.
+const char* measureType(const char* type, NSUInteger* size, NSUInteger* alignment, const char* operation);
 
 }  // namespace pelvor

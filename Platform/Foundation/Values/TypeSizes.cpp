@@ -5,8 +5,8 @@
 #include <cstring>
 #include <string>
 
-#include "Foundation/NSValue.h"
-#include "Runtime/NSException.h"
+#include "Foundation/Values/ConcreteValues.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -24,7 +24,8 @@ Layout layoutOf() {
 
 class EncodingReader {
   public:
-    explicit EncodingReader(const char* text) : _text(text), _place(text) {}
+    EncodingReader(const char* text, const char* operation)
+        : _text(text), _place(text), _operation(operation) {}
     const char* place() const { return _place; }
 
     Layout readType() {
@@ -125,18 +126,24 @@ class EncodingReader {
     }
 
     [[noreturn]] void fail() {
-        throw NSException(NSInvalidArgumentException, std::string(_text) + " is no type encoding");
+        raiseBadArgument(_operation, std::string("\"") + _text + "\" is no type encoding");
     }
 
     const char* _text;
     const char* _place;
+    const char* _operation;
     int _depth = 0;
 };
 
 }  // namespace
 
 const char* NSGetSizeAndAlignment(const char* type, NSUInteger* size, NSUInteger* alignment) {
-    EncodingReader reader(type);
+    return measureType(type, size, alignment, "NSGetSizeAndAlignment");
+}
+
+const char* measureType(const char* type, NSUInteger* size, NSUInteger* alignment, const char* operation) {
+    if (!type) raiseNullArgument(operation, "the type");
+    EncodingReader reader(type, operation);
     Layout layout = reader.readType();
     if (size) *size = static_cast<NSUInteger>(layout.size);
     if (alignment) *alignment = static_cast<NSUInteger>(layout.alignment);

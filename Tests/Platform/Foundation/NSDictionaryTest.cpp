@@ -32,14 +32,6 @@ TEST(NSDictionaryTest, IsMadeInManyWays) {
         EXPECT_EQ(dictionary->hash(), expected->hash());
     }
     EXPECT_EQ(listing(expected->allKeysForObject(u"b"_ns)), "2");
-    EXPECT_EQ(RAISED(NSDictionary::dictionaryWithObjects_forKeys(objects, numbers({1}))),
-              "NSInvalidArgumentException: initWithObjects:forKeys: got 2 objects for 1 keys");
-    for (const std::string& raised :
-         {RAISED(NSDictionary::dictionaryWithObject_forKey(nullptr, num(1))),
-          RAISED(NSDictionary::dictionaryWithObject_forKey(num(1), nullptr)),
-          RAISED(NSMutableDictionary::dictionary()->setObject_forKey(num(1), nullptr)),
-          RAISED(NSMutableDictionary::dictionary()->setObject_forKey(nullptr, num(1)))})
-        EXPECT_THAT(raised, StartsWith("NSInvalidArgumentException: no object was given"));
 }
 
 TEST(NSDictionaryTest, ComparesByContentWhateverTheOrder) {
@@ -110,17 +102,6 @@ TEST(NSDictionaryTest, ForeignCodeMayUseTheDictionary) {
     };
     dictionary->setObject_forKey(num(20), key);
     EXPECT_EQ(shown(dictionary->count(), dictionary->objectForKey(key)), "1 20");
-    // The release of what is replaced and removed looks at the dictionary, and changes it.
-    auto value = Pebble::create(2);
-    NSUInteger count = 0;
-    value->whenDestroyed = [&] {
-        count = dictionary->count();
-        dictionary->removeAllObjects();
-    };
-    dictionary->setObject_forKey(value, u"a"_ns);
-    value = nullptr;
-    dictionary->setObject_forKey(num(3), u"a"_ns);
-    EXPECT_EQ(shown(count, dictionary->count()), "2 0");
 }
 
 }  // namespace

@@ -55,7 +55,7 @@ TEST(NSEnumeratorTest, NoticesThatTheCollectionChanged) {
     auto shrink = [&](id) { dictionary->removeObjectForKey(num(1)); };
     auto expectNoticed = [](Object* collection, const std::function<void()>& walk) {
         EXPECT_EQ(RAISED(walk()), std::string("NSGenericException: Collection <") +
-                                      collection->isa()->name() + ": " + addressOf(collection) +
+                                      collection->isa()->publicName() + ": " + addressOf(collection) +
                                       "> was mutated while being enumerated.");
     };
     expectNoticed(array, [&] { forEach(array, [&](id object) { array->removeObject(object); }); });

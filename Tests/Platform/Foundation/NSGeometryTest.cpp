@@ -4,13 +4,6 @@
 
 #include "Prelude.h"
 
-namespace pelvor {
-
-void PrintTo(const NSRect& rect, std::ostream* stream) {
-    AutoreleasePool pool;
-    *stream << NSStringFromRect(rect);
-}
-
 namespace {
 
 constexpr NSRect kRect = NSMakeRect(10, 20, 30, 40);
@@ -50,6 +43,7 @@ TEST(NSGeometry, DividesARectangleAlongAnEdge) {
     EXPECT_EQ(divided(NSMaxXEdge, 5), "{{35, 20}, {5, 40}} {{10, 20}, {25, 40}}");
     EXPECT_EQ(divided(NSMinYEdge, 50), "{{10, 20}, {30, 40}} {{10, 60}, {30, 0}}");
     EXPECT_EQ(divided(NSMaxYEdge, 10), "{{10, 50}, {30, 10}} {{10, 20}, {30, 30}}");
+    NSDivideRect(kRect, nullptr, nullptr, 5, NSMinXEdge);
     EXPECT_EQ(divided(NSMaxYEdge, -1), "{{10, 60}, {30, 0}} {{10, 20}, {30, 40}}");
 }
 
@@ -60,7 +54,8 @@ TEST(NSGeometry, ReadsTheTextThatItWrites) {
     EXPECT_EQ(NSPointFromString(u"{3, -4}"_ns), NSMakePoint(3, -4));
     EXPECT_EQ(NSSizeFromString(u"width 7"_ns), NSMakeSize(7, 0));
     EXPECT_EQ(NSRectFromString(nullptr), NSZeroRect);
-    EXPECT_EQ(shown(NSStringFromPoint({1, 2}), NSStringFromSize({3, 4})), "{1, 2} {3, 4}");
+    EXPECT_EQ(shown(NSMakePoint(1, 2), NSMakeSize(3, 4), kRect, NSMakeRange(5, 6)),
+              "{1, 2} {3, 4} {{10, 20}, {30, 40}} {5, 6}");
 }
 
 TEST(NSRange, JoinsAndIntersects) {
@@ -71,4 +66,3 @@ TEST(NSRange, JoinsAndIntersects) {
 }
 
 }  // namespace
-}  // namespace pelvor

@@ -186,7 +186,7 @@ TEST_F(NSKeyedArchiverTest, TellsWhatIsWrongWithAnArchive) {
     const char* const kUnfit = "a value's bytes do not fit its type";
     const std::pair<const char*, const char*> cases[] = {
         {"{class = NSArray; items = (1);}", "object 1 leads back to itself"},
-        {"{class = NSArray; items = (0);}", "a collection holds none"},
+        {"{class = NSArray; items = (0);}", "a collection holds null"},
         {"{class = NSArray; items = (2);}", "a reference leads outside the archive"},
         {"{class = NSLock; items = ();}", "\"NSLock\" is no class of collections"},
         {"{class = NSDictionary; items = (); keys = (2);}, x",

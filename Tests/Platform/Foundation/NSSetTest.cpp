@@ -14,8 +14,6 @@ TEST(NSSetTest, HoldsEachObjectOnceInTheOrderOfComing) {
     EXPECT_TRUE(set->anyObject() == num(5) && !NSSet::set()->anyObject());
     EXPECT_TRUE(set->containsObject(NSNumber::numberWithDouble(300)));
     EXPECT_FALSE(set->containsObject(num(3)) || set->containsObject(nullptr));
-    EXPECT_EQ(RAISED(NSSet::setWithObject(nullptr)),
-              "NSInvalidArgumentException: no object was given to initWithObjects:count:");
 }
 
 // As a reference that is equal to what it refers to, though that does not know of it.
@@ -68,7 +66,6 @@ TEST(NSSetTest, Changes) {
     EXPECT_EQ(joined({listing(set), listing(copy)}), "7 8, 3 5");
     set->minusSet(set);
     EXPECT_EQ(set->count(), 0u);
-    EXPECT_THROW(set->addObject(nullptr), NSException);
 }
 
 TEST(NSSetTest, BalancesReferences) {
@@ -80,23 +77,6 @@ TEST(NSSetTest, BalancesReferences) {
         set->removeAllObjects();
         EXPECT_EQ(second->count(), 26u);
     });
-}
-
-TEST(NSSetTest, AReleaseMayUseTheSet) {
-    auto set = NSMutableSet::init();
-    int freed = 0;
-    for (int i = 0; i < 30; ++i) {
-        auto pebble = Pebble::create(i);
-        pebble->whenDestroyed = [&] {
-            ++freed;
-            set->addObject(num(1000 + static_cast<int>(set->count())));
-        };
-        set->addObject(pebble);
-    }
-    set->removeObject(Pebble::create(4).autorelease());
-    EXPECT_EQ(set->count(), 30u);
-    set->removeAllObjects();
-    EXPECT_EQ(shown(freed, set->count()), "30 29");
 }
 
 TEST(NSSetTest, IsMadeInTheClassThatIsAsked) {
@@ -116,6 +96,9 @@ TEST(NSSetTest, CountsItsObjects) {
     for (int value : {1, 2}) set->removeObject(num(value));
     EXPECT_EQ(cast<NSCountedSet>(copy)->countForObject(num(1)), 3u);
     EXPECT_EQ(set->description()->toUTF8(), "{(\n    1 [2]\n)}");
+    auto intersected = NSCountedSet::initWithArray(numbers({1, 2, 2, 2}));
+    intersected->intersectSet(setOf({1}));
+    EXPECT_EQ(listing(intersected), "1");
     NSSet* plain = setOf({1});
     EXPECT_FALSE(set->isEqual(plain) || plain->isEqual(set));
     set->removeObject(num(1));
