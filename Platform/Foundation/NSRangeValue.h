@@ -10,7 +10,8 @@ namespace pelvor {
 
 class NSMutableArray;
 
-/// What NSValue's creators return for a range; who knows the class reads the range without a call. Any thread.
+/// What NSValue's creators return for a range; who knows the class reads the range without a call. Any
+/// thread.
 class PELVOR_EXPORT NSRangeValue final : public NSValue {
     PELVOR_CLASS(NSRangeValue, NSValue);
 
