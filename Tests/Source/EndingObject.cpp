@@ -2,13 +2,7 @@
 #include "EndingObject.h"
 
 namespace pelvor {
-namespace {
-
-constinit Library endingObjectLibrary{"EndingObject", {}, kClassesOf<EndingObject>, {}};
-
-}  // namespace
-
-PELVOR_DEFINE_CLASS(EndingObject, endingObjectLibrary) {}
+PELVOR_DEFINE_CLASS(EndingObject, foundationLibrary) {}
 
 Retained<EndingObject> EndingObject::make(std::function<void()> end) {
     auto object = pelvor::make<EndingObject>();

@@ -11,7 +11,6 @@
 
 namespace {
 
-using namespace std::string_literals;
 using Text = std::u16string_view;
 
 std::vector<Text> piecesOf(Text text, char16_t separator) {
@@ -114,11 +113,9 @@ TEST(ParagraphRange, EndsWithItsBreak) {
     NSUInteger contentsEnd = 0;
     getParagraphStart_end_contentsEnd_forRange(u"ab"_ns, nullptr, nullptr, &contentsEnd, {1, 0});
     EXPECT_EQ(contentsEnd, NSNotFound);
-    const std::pair<NSRange, const char*> outside[] = {
-        {{3, 0}, "{3, 0}"}, {{1, 2}, "{1, 2}"}, {{1, 0xFFFFFFFF}, "{1, 4294967295}"}};
-    for (auto& row : outside)
-        EXPECT_EQ(reasonOf(NSRangeException, [&] { paragraphRangeForRange(u"ab"_ns, row.first); }),
-                  "range: "s + row.second + " must be in range: {0, 2}");
+    for (NSRange outside : {NSRange{3, 0}, {1, 2}, {1, 0xFFFFFFFF}})
+        EXPECT_EQ(reasonOf(NSRangeException, [=] { paragraphRangeForRange(u"ab"_ns, outside); }),
+                  "range: " + shown(outside) + " must be in range: {0, 2}");
 }
 
 TEST(ParagraphRange, IsFoundInALongTextThatIsNotInOnePiece) {
