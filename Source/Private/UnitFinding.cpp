@@ -52,10 +52,11 @@ PELVOR_WIDE std::size_t findMemberWide(Units text, const std::uint8_t* bitmap) {
     const __m256i bits = _mm256_set1_epi64x(static_cast<long long>(0x8040201008040201u));
     const __m256i low4 = _mm256_set1_epi8(0x0F), low3 = _mm256_set1_epi8(0x07);
     const __m256i beyond = _mm256_set1_epi16(static_cast<short>(0xFF80));
-    std::size_t i = 0;
-    for (; i + 32 <= text.size(); i += 32) {
-        __m256i first = loadSixteen(text.data() + i), second = loadSixteen(text.data() + i + 16);
-        if (!_mm256_testz_si256(_mm256_or_si256(first, second), beyond)) {
+    const unichar *const begin = text.data(), *const end = begin + text.size(), *place = begin;
+    for (; end - place >= 32; place += 32) {
+        const auto i = static_cast<std::size_t>(place - begin);
+        __m256i first = loadSixteen(place), second = loadSixteen(place + 16);
+        if (!_mm256_testz_si256(_mm256_or_si256(first, second), beyond)) [[unlikely]] {
             std::size_t found = findMemberSingly(text, i, i + 32, bitmap);
             if (found < i + 32) return found;
             continue;
@@ -67,10 +68,10 @@ PELVOR_WIDE std::size_t findMemberWide(Units text, const std::uint8_t* bitmap) {
         if (_mm256_testz_si256(found, found)) continue;
         // Packing has left the quarters as 0, 2, 1, 3.
         found = _mm256_permute4x64_epi64(_mm256_cmpeq_epi8(found, _mm256_setzero_si256()), 0xD8);
-        auto others = static_cast<unsigned>(_mm256_movemask_epi8(found));
-        return i + static_cast<std::size_t>(std::countr_one(others));
+        return i +
+               static_cast<std::size_t>(std::countr_one(static_cast<unsigned>(_mm256_movemask_epi8(found))));
     }
-    return findMemberSingly(text, i, text.size(), bitmap);
+    return findMemberSingly(text, static_cast<std::size_t>(place - begin), text.size(), bitmap);
 }
 
 #endif
