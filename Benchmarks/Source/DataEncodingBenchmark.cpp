@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <boost/algorithm/hex.hpp>
 #include <cstring>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -15,6 +16,7 @@
 #include "Foundation/NSString.h"
 #include "NSData-PelvorAdditions.h"
 #include "Runtime/AutoreleasePool.h"
+#include "Shared/WideInstructions.h"
 
 namespace pelvor {
 namespace {
@@ -87,6 +89,18 @@ void Base64EncodeQt(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize(data.toBase64().constData());
     perByte(state, kMebibyte);
 }
+// A picture in a document, with and without wide instructions.
+void Base64Document(benchmark::State& state) {
+    std::optional<PlainInstructionsScope> plain;
+    if (state.range(0)) plain.emplace();
+    auto data = dataOf(randomBytes(1 << 16));
+    for (auto _ : state) {
+        AutoreleasePool pool;
+        benchmark::DoNotOptimize(Additions::dataWithBase64String(base64String(data))->bytes());
+    }
+    perByte(state, 1 << 16);
+}
+BENCHMARK(Base64Document)->ArgName("plain")->Arg(0)->Arg(1);
 BENCHMARK(Base64Encode);
 BENCHMARK(Base64EncodeToString);
 BENCHMARK(Base64EncodeLines);

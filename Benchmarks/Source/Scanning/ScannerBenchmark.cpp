@@ -20,6 +20,7 @@
 #include "Runtime/AutoreleasePool.h"
 #include "Scanning/OFCaseConversion.h"
 #include "Scanning/OFStringScanner.h"
+#include "Shared/WideInstructions.h"
 
 namespace pelvor {
 namespace {
@@ -111,6 +112,11 @@ void tokens(benchmark::State& state) {
     });
 }
 BENCHMARK(tokens);
+void tokensPlainly(benchmark::State& state) {
+    PlainInstructionsScope plain;
+    tokens(state);
+}
+BENCHMARK(tokensPlainly);
 void qtTokens(benchmark::State& state) {
     QString text = QString::fromStdU16String(english());
     std::int64_t items = 0;
@@ -123,6 +129,11 @@ void lines(benchmark::State& state) {
     scan(state, english(u'\n', 80), [](OFStringScanner* scanner) { return scanner->readLine() != nullptr; });
 }
 BENCHMARK(lines);
+void linesPlainly(benchmark::State& state) {
+    PlainInstructionsScope plain;
+    lines(state);
+}
+BENCHMARK(linesPlainly);
 void qtLines(benchmark::State& state) {
     QString text = QString::fromStdU16String(english(u'\n', 80));
     std::int64_t items = 0;
