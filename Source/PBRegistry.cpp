@@ -141,7 +141,8 @@ void PBRegistry::addDeclarations_bundle(NSDictionary* declarations, NSBundle* bu
         if (auto* dictionary = cast<NSDictionary>(entry))
             addProfile(PBProfile::profileWithIdentifier_dictionary_bundle(identifier, dictionary, bundle));
         else
-            NSLog(u"profile '%@' should be a dictionary! got: %@"_ns, identifier, entry->class_());
+            NSLog(u"profile '%@' should be a dictionary! got: %s"_ns, identifier,
+                  entry->class_()->publicName());
     }
 }
 

@@ -3,7 +3,9 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <fstream>
 
@@ -352,8 +354,11 @@ void WRApplication::markMoment(const char* name) {
 void WRApplication::print(NSString* text) {
     _progress->clear();
     const std::string bytes = text->toUTF8();
-    std::fwrite(bytes.data(), 1, bytes.size(), stdout);
-    std::fflush(stdout);
+    bool isWritten =
+        std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size() && std::fflush(stdout) == 0;
+    if (isWritten || _hasLostOutput) return;
+    _hasLostOutput = true;  // told once
+    complain(NSString::stringWithFormat(u"stdout: %s"_ns, std::strerror(errno)));
 }
 
 void WRApplication::complain(NSString* problem) {

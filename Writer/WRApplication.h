@@ -85,6 +85,7 @@ class WRApplication : public NSObject {
     Retained<NSMutableSet> _knownIdentifiers;
     NSUInteger _waitingPerforms = 0;
     bool _hasFailed = false;
+    bool _hasLostOutput = false;  // standard output could not be written to
     bool _hasFailedStep = false;  // then the document is not what was asked for, and is not written
     std::chrono::steady_clock::time_point _start;
     std::string _timing;

@@ -224,8 +224,10 @@ Object* Class::createInstance() {
     Class* cls = effectiveClass();
     cls->initializeIfNeeded();
     if (!cls->_native.create || cls->_isMetaclass)
-        throw NSException(NSInvalidArgumentException,
-                          std::string(cls->_name) + " has no instances of its own");
+        throw NSException(
+            NSInvalidArgumentException,
+            std::string(cls->_name) +
+                " has no instances of its own: it is abstract, or its constructor takes arguments");
     Object* object = cls->_native.create();
     Instances::setClass(object, cls);
     return object;

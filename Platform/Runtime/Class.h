@@ -44,6 +44,8 @@ class PELVOR_EXPORT Class final : public NSObject {
     std::size_t instanceSize() const { return _native.instanceSize; }
     /// The list that names the class; null for classes made at run time.
     Library* library() const { return _library; }
+    /// Whether the class is registered, which a class that is missing in its library's list is not.
+    bool isListed() const { return _describes->_isRegistered.load(std::memory_order_acquire); }
     /// An address in the library or plug-in that defines the class. The record is no such address: the
     /// linker may put it among the data of a program that names the class.
     const void* codeAddress() const {

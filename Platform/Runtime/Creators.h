@@ -5,6 +5,7 @@
 // Compilers then show the line that uses a macro of this header, not the hundred steps of its expansion.
 #pragma GCC system_header
 
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -13,35 +14,37 @@
 
 namespace pelvor {
 
-/// A creator is a static member that returns a new object of its class, owned (`Retained<PBLamp>`) or
-/// borrowed
-/// (`PBLamp*`). C++ does not tell a static member through which subclass it was called, so a subclass has to
-/// say what becomes of each creator that it inherits. A class lists the creators that it declares, after
-/// PELVOR_CLASS:
-///
-///     class PBLamp : public NSObject {
-///         PELVOR_CLASS(PBLamp, NSObject);
-///         PELVOR_CREATORS(lampWithColour, initWithColour);
-///
-///       public:
-///         static PBLamp* lampWithColour(NSString* colour, Class* cls = classObject());
-///         static Retained<PBLamp> initWithColour(NSString* colour, Class* cls = classObject());
-/// and a subclass does one of three things with each inherited creator; a subclass that does nothing does not
-/// compile:
-///
-///     class PBSpot : public PBLamp {
-///         PELVOR_CLASS(PBSpot, PBLamp);
-///         PELVOR_CREATORS(initWithColour);
-///         PELVOR_INHERITED_CREATORS(lampWithColour);  // PBSpot::lampWithColour(colour) makes a PBSpot
-///
-///       public:
-///         static Retained<PBSpot> initWithColour(NSString* colour, Class* cls = classObject());  // its own
-///         code
-///
-///     class PBTorch : public PBLamp, PBLamp::HiddenCreators {  // PBTorch::lampWithColour(…) does not
-///     compile
-///
-/// Final classes need not say anything.
+// A creator is a static member that returns a new object of its class, owned (`Retained<PBLamp>`) or borrowed
+// (`PBLamp*`). C++ does not tell a static member through which subclass it was called, so a subclass has to
+// say what becomes of each creator that it inherits. A class lists the creators that it declares, after
+// PELVOR_CLASS:
+//
+//     class PBLamp : public NSObject {
+//         PELVOR_CLASS(PBLamp, NSObject);
+//         PELVOR_CREATORS(lampWithColour, initWithColour);
+//
+//       public:
+//         static PBLamp* lampWithColour(NSString* colour, Class* cls = classObject());
+//         static Retained<PBLamp> initWithColour(NSString* colour, Class* cls = classObject());
+//
+// and a subclass does one of three things with each inherited creator; one that does nothing does not
+// compile:
+//
+//     class PBSpot : public PBLamp {
+//         PELVOR_CLASS(PBSpot, PBLamp);
+//         PELVOR_CREATORS(initWithColour);            // declared below, with code of its own
+//         PELVOR_INHERITED_CREATORS(lampWithColour);  // PBSpot::lampWithColour(colour) makes a PBSpot
+//
+//       public:
+//         static Retained<PBSpot> initWithColour(NSString* colour, Class* cls = classObject());
+//
+//     // PBTorch::lampWithColour(colour) does not compile:
+//     class PBTorch : public PBLamp, PBLamp::HiddenCreators {
+//
+// Only creators that take the class as their last parameter can be inherited. Those of NSString, NSArray,
+// NSData and the other abstract classes of values and collections do not, as they make objects of private
+// classes: a subclass hides them, and a message that asks it for one raises. Final classes need not say
+// anything.
 
 namespace detail {
 
@@ -66,6 +69,16 @@ struct CreatorCall<Self, creator, TypeList<A...>> {
 
 /// An inherited creator, called with the class that inherits it. `creator` is a function that takes the
 /// receiving class last.
+/// Whether a function takes the receiving class as its last parameter.
+template <class List>
+inline constexpr bool takesClassLast = false;
+template <class First, class... Rest>
+inline constexpr bool takesClassLast<TypeList<First, Rest...>> =
+    std::is_same_v<typename DropLast<TypeList<First, Rest...>>::last, Class*>;
+template <auto creator>
+inline constexpr bool canBeInherited =
+    takesClassLast<typename FunctionTypes<decltype(creator)>::template Arguments<TypeList>>;
+
 template <class Self, auto creator>
 struct InheritedCreator
     : CreatorCall<
@@ -90,6 +103,17 @@ template <class Self, class Result, class... Arguments>
 inline constexpr bool makes<Self, Result(Arguments...)> = isOwn<Self, Result>;
 template <class Self, class Other, auto inherited>
 inline constexpr bool makes<Self, const InheritedCreator<Other, inherited>> = std::is_base_of_v<Self, Other>;
+
+/// Whether a class lists the creator, among names that stand with commas and blanks between them.
+consteval bool listsCreator(std::string_view list, std::string_view name) {
+    while (!list.empty()) {
+        std::string_view first = list.substr(0, list.find(','));
+        list.remove_prefix(first.size() + (first.size() < list.size()));
+        while (first.starts_with(' ')) first.remove_prefix(1);
+        if (first == name) return true;
+    }
+    return false;
+}
 
 /// The name of a creator that a class hides.
 struct HiddenCreator {};
@@ -123,24 +147,31 @@ consteval bool checkCreators() {
         " would make an object of another class: name it in PELVOR_INHERITED_CREATORS, declare one of " \
         "the class's own, or derive from the superclass's HiddenCreators");
 #define PELVOR_HIDE_CREATOR(name) static constexpr ::pelvor::detail::HiddenCreator name{};
-#define PELVOR_INHERIT_CREATOR(name)                                                                       \
+#define PELVOR_INHERIT_CREATOR(name)                                                                         \
+    static_assert(::pelvor::detail::canBeInherited<::pelvor::detail::creatorFunction<&Super::name>()>,       \
+                  "the superclass's creator " #name                                                          \
+                  " does not take the class, so it cannot be inherited: declare one of the class's own, or " \
+                  "derive from the superclass's HiddenCreators");                                            \
+    PELVOR_INHERIT_CREATOR_OBJECT(name)
+#define PELVOR_INHERIT_CREATOR_OBJECT(name)                                                                \
     static constexpr ::pelvor::detail::InheritedCreator<ClassSelf,                                         \
                                                         ::pelvor::detail::creatorFunction<&Super::name>()> \
         name{};
 
 /// In the body of a class, after PELVOR_CLASS: the names of the creators that the class declares. A class
 /// that hides its superclass's creators and may have subclasses has such a list too, even an empty one.
-#define PELVOR_CREATORS(...)                                   \
-  public:                                                      \
-    template <class Self>                                      \
-    struct CreatorCheck : Super::template CreatorCheck<Self> { \
-        PELVOR_EACH(PELVOR_CHECK_CREATOR, __VA_ARGS__)         \
-    };                                                         \
-    struct HiddenCreators : Super::HiddenCreators {            \
-        PELVOR_EACH(PELVOR_HIDE_CREATOR, __VA_ARGS__)          \
-    };                                                         \
-                                                               \
-  private:                                                     \
+#define PELVOR_CREATORS(...)                                    \
+  public:                                                       \
+    static constexpr std::string_view kCreators = #__VA_ARGS__; \
+    template <class Self>                                       \
+    struct CreatorCheck : Super::template CreatorCheck<Self> {  \
+        PELVOR_EACH(PELVOR_CHECK_CREATOR, __VA_ARGS__)          \
+    };                                                          \
+    struct HiddenCreators : Super::HiddenCreators {             \
+        PELVOR_EACH(PELVOR_HIDE_CREATOR, __VA_ARGS__)           \
+    };                                                          \
+                                                                \
+  private:                                                      \
     using ListsCreators = void
 
 /// In the body of a class, after PELVOR_CLASS: inherited creators that make this class when they are called

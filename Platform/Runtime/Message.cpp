@@ -198,10 +198,10 @@ void convertArguments(Object* target, SEL selector, NSMethodSignature* given, co
         return;
     }
     if (given->argumentCount() != expected->argumentCount())
-        throw NSException(NSInvalidArgumentException,
-                          methodName(target, selector) + ": " + std::to_string(given->argumentCount()) +
-                              " arguments are given where " + std::to_string(expected->argumentCount()) +
-                              " are expected");
+        throw NSException(NSInvalidArgumentException, methodName(target, selector) + ": the method takes " +
+                                                          std::to_string(expected->argumentCount()) +
+                                                          " arguments, not " +
+                                                          std::to_string(given->argumentCount()));
     for (std::uint32_t i = 0; i < expected->argumentCount(); ++i) {
         const ArgumentLayout& from = given->argument(i);
         const ArgumentLayout& to = expected->argument(i);

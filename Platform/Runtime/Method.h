@@ -203,6 +203,18 @@ consteval std::string_view functionName() {
     return text.substr(0, text.find('('));
 }
 
+// Whether the function is a static member of T, not one that T inherits.
+template <class T, auto Function>
+consteval bool isMemberOf() {
+    std::string_view text = __PRETTY_FUNCTION__;
+    std::size_t start = text.find("Function = ") + 11;
+    text = text.substr(start, text.find_first_of(";](", start + 1) - start);
+    std::size_t end = text.rfind("::");
+    if (end == std::string_view::npos) return false;
+    text = text.substr(0, end);
+    return text.substr(text.find_last_of(":& ") + 1) == printedName<T>();
+}
+
 // "insertRun:atIndex:" is spelt by insertRun_atIndex; a name that is a keyword of C++ ends in "_".
 consteval bool spells(std::string_view function, std::string_view selector) {
     if (!selector.empty() && selector.back() == ':') selector.remove_suffix(1);
@@ -229,7 +241,8 @@ template <FixedString Name, auto Function>
 consteval void checkSpelling() {
     static_assert(
         spells(functionName<Function>(), Name.view()),
-        "the function's name joins the selector's keywords with underscores; use …As for another name");
+        "the function's name joins the selector's keywords with underscores; a function of another name "
+        "takes instanceAs, classLevelAs or creatorAs");
 }
 
 template <auto Function, class Arity>
@@ -316,6 +329,9 @@ class MethodTable {
     template <FixedString Name, auto Function>
     void creator() {
         detail::checkSpelling<Name, Function>();
+        if constexpr (detail::isOwn<T, typename detail::FunctionTypes<decltype(Function)>::Result> &&
+                      !std::is_final_v<T> && requires { T::classRecord; })
+            checkListed<Function>();
         creatorAs<Name, Function>();
     }
     template <FixedString Name, auto Function>
@@ -326,6 +342,15 @@ class MethodTable {
     }
 
   private:
+    // A category's creators are no members of the class.
+    template <auto Function>
+    static consteval void checkListed() {
+        if constexpr (detail::isMemberOf<T, Function>())
+            static_assert(
+                requires { requires detail::listsCreator(T::kCreators, detail::functionName<Function>()); },
+                "the class names the creators that it declares in PELVOR_CREATORS");
+    }
+
     template <FixedString Name, auto Function, bool IsCreator>
     void addClassLevel() {
         static_assert(detail::isSendable<Function>, PELVOR_UNSENDABLE);

@@ -46,9 +46,11 @@ void Object::doesNotRecognizeSelector(SEL selector) {
     char address[32];
     std::snprintf(address, sizeof address, "%p", static_cast<void*>(this));
     bool isClass = _isa->isMetaclass();
-    throw NSException(NSInvalidArgumentException,
-                      std::string(isClass ? "+[" : "-[") + _isa->publicName() + " " + selector.name() +
-                          "]: unrecognized selector sent to " + (isClass ? "class " : "instance ") + address);
+    std::string reason = std::string(isClass ? "+[" : "-[") + _isa->publicName() + " " +
+                         (selector ? selector.name() : "(null)") + "]: unrecognized selector sent to " +
+                         (isClass ? "class " : "instance ") + address;
+    if (!_isa->isListed()) reason += std::string("; the class is in no library's list");
+    throw NSException(NSInvalidArgumentException, reason);
 }
 
 namespace {

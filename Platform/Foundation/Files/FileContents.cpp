@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -59,8 +60,23 @@ bool writeAll(int descriptor, std::span<const std::byte> content) {
     return true;
 }
 
+// The number of the descriptor that the path of an own open file stands for, "/proc/self/fd/1"; else -1.
+int openDescriptorOf(const std::string& path) {
+    static constexpr std::string_view kFolder = "/proc/self/fd/";
+    if (!path.starts_with(kFolder) || path.size() == kFolder.size()) return -1;
+    int number = 0;
+    const char* end = path.data() + path.size();
+    auto [place, error] = std::from_chars(path.data() + kFolder.size(), end, number);
+    return error == std::errc() && place == end ? number : -1;
+}
+
+// An open file is written to where it stands: opening it again would begin at its front and cut it off.
 // Opening does not wait, so that a pipe without a reader fails; writing does.
 bool writeDirectly(const std::string& path, std::span<const std::byte> content) {
+    if (int number = openDescriptorOf(path); number >= 0) {
+        Descriptor same(::fcntl(number, F_DUPFD_CLOEXEC, 0));
+        return same && writeAll(same, content) && same.close();
+    }
     Descriptor file(
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666));
     return file && ::fcntl(file, F_SETFL, 0) == 0 && writeAll(file, content) && file.close();
@@ -259,7 +275,10 @@ bool readFile(const std::string& path, std::vector<std::byte>& content) {
 bool writeFile(const std::string& path, std::span<const std::byte> content, FileWriting writing) {
     if (!isPath(path)) return false;
     std::string target = path;
-    if (writing == FileWriting::direct || !meansRegularFile(target)) return writeDirectly(path, content);
+    // What is no regular file has its links followed as far as one to an open file.
+    bool isRegular = meansRegularFile(target);
+    if (writing == FileWriting::direct || !isRegular)
+        return writeDirectly(target.starts_with("/proc/") ? target : path, content);
     return replaceFile(target, content, writing == FileWriting::atomicPrivate);
 }
 

@@ -138,7 +138,7 @@ TEST_P(FileContentsTest, WritesIntoWhatIsNoRegularFile) {
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     fs::create_symlink("/dev/full", folder.path("full"));
     fs::create_symlink("/dev/null", folder.path("nothing"));
-    const int file = open(folder.write("open", "long old text").c_str(), O_RDWR);
+    const int file = open(folder.write("open", "old").c_str(), O_RDWR | O_APPEND);
     fs::create_symlink("/proc/self/fd/" + std::to_string(file), folder.path("descriptor"));
     const ino_t inode = statusOf("open").st_ino;
     for (bool isAtomic : {false, true}) {
@@ -156,7 +156,8 @@ TEST_P(FileContentsTest, WritesIntoWhatIsNoRegularFile) {
     }
     EXPECT_TRUE(S_ISFIFO(statusOf("pipe").st_mode) && S_ISLNK(statusOf("nothing").st_mode));
     EXPECT_TRUE(fs::is_character_file("/dev/null") && fs::is_character_file("/dev/full"));
-    EXPECT_EQ(shown(folder.read("open"), statusOf("open").st_ino == inode), "new 1");
+    EXPECT_EQ(shown(folder.read("open"), statusOf("open").st_ino == inode), "oldnewnew 1")
+        << "an open file is written to where it stands";
     close(file);
 }
 

@@ -198,7 +198,9 @@ TEST(ClassTest, APosersOwnCodeIsKeptFromOtherSubclasses) {
 
 TEST(ClassTest, ClassesWithoutInstancesSaySo) {
     registerLibrary(creatureLibrary);
-    EXPECT_EQ(RAISED(Class::classRecord.createInstance()), invalid("Class has no instances of its own"));
+    EXPECT_EQ(
+        RAISED(Class::classRecord.createInstance()),
+        invalid("Class has no instances of its own: it is abstract, or its constructor takes arguments"));
     EXPECT_EQ(RAISED(make<Dog>(Animal::classObject())), invalid("Animal is no subclass of Dog"));
     EXPECT_EQ(RAISED(Class::createSubclass("Animal", NSObject::classObject())),
               invalid("createSubclass: the class Animal cannot be made: the library " +

@@ -58,7 +58,7 @@ TEST_F(MessageTest, OfWrongTypesIsRefusedByMethodArgumentAndTypes) {
     EXPECT_EQ(RAISED(send<id>(animal, "legs"_sel)),
               invalid("-[Animal legs]: the result is an int where an object is expected"));
     EXPECT_EQ(RAISED(send<int>(animal, "legs"_sel, 1)),
-              invalid("-[Animal legs]: 1 arguments are given where 0 are expected"));
+              invalid("-[Animal legs]: the method takes 0 arguments, not 1"));
     auto other = make<NSObject>();
     EXPECT_EQ(
         RAISED(send<id>(animal, "mate:"_sel, other)),
