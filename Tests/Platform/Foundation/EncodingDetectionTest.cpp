@@ -30,8 +30,8 @@ TEST(EncodingDetectionTest, TextIsGuessedWithItsLanguage) {
         std::u16string_view text;
         const char* language;
     } rows[] = {
-        {"windows-1251", kRussian, "ru"}, {"koi8-r", kRussian, "ru"},     {"utf-8", kRussian, ""},
-        {"utf-16le", kRussian, ""},       {"shift_jis", kJapanese, "ja"}, {"euc-jp", kJapanese, "ja"},
+        {"windows-1251", kRussian, "ru"}, {"koi8-r", kRussian, "ru"},      {"utf-8", kRussian, ""},
+        {"utf-16le", kRussian, ""},       {"shift_jis", kJapanese, "ja"},  {"euc-jp", kJapanese, "ja"},
         {"euc-kr", kKorean, "ko"},        {"windows-1255", kHebrew, "he"},
     };
     for (const auto& row : rows) {

@@ -255,12 +255,13 @@ TEST_F(BadBundleTest, CodeOfAnotherInterfaceIsRefusedBeforeItsConstructorsRun) {
         {"= ();", "this process has " + own},
     };
     for (const auto& [version, reason] : rows)
-        expectRefused("version" + version, "interface: " + reason, [&, version = version](const fs::path& plist) {
-            folder.write(plist.parent_path() / "Linux/code.so",
-                         folder.read(testPlugInCode("RaisingConstructor")));
-            folder.write(plist, "CFBundleExecutable = code.so;" +
-                                    (version.empty() ? "" : "PelvorInterfaceVersion" + version));
-        });
+        expectRefused(
+            "version" + version, "interface: " + reason, [&, version = version](const fs::path& plist) {
+                folder.write(plist.parent_path() / "Linux/code.so",
+                             folder.read(testPlugInCode("RaisingConstructor")));
+                folder.write(plist, "CFBundleExecutable = code.so;" +
+                                        (version.empty() ? "" : "PelvorInterfaceVersion" + version));
+            });
 }
 
 TEST_F(BadBundleTest, WhatIsLoadedAlreadyIsRefusedUnderAnotherPath) {
