@@ -27,6 +27,7 @@ inline Units8 loadUnits(const void* from) {
     std::memcpy(&units, from, sizeof units);
     return units;
 }
+// Comparisons are written with these: clang 14 ends on one with a bare number.
 inline Bytes16 vectorOf(std::uint8_t byte) { return Bytes16{} + byte; }
 inline Units8 vectorOf(char16_t unit) { return Units8{} + static_cast<std::uint16_t>(unit); }
 

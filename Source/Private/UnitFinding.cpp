@@ -105,7 +105,9 @@ std::size_t findMember(Units text, const std::uint8_t* bitmap) {
 }
 
 std::uint16_t asciiLetters(const unichar* units) {
-    auto areLetters = [](Units8 eight) { return (eight | 0x20) - u'a' < 26; };
+    auto areLetters = [](Units8 eight) {
+        return (eight | vectorOf(u' ')) - vectorOf(u'a') < vectorOf(u'\x1A');
+    };
     return static_cast<std::uint16_t>(bitsOf(areLetters(loadUnits(units)), areLetters(loadUnits(units + 8))));
 }
 

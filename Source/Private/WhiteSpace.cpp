@@ -26,11 +26,14 @@ Kinds kindsOfSixteen(const unichar* units) {
     const Units8 first = loadUnits(units), second = loadUnits(units + 8);
     auto test = [&](auto isFound) { return bitsOf(isFound(first), isFound(second)); };
     // The rest of white space begins at U+1680.
-    if (test([](Units8 eight) { return eight > 0x167F; })) return kindsOf(units, 16);
-    unsigned controls = test([](Units8 eight) { return eight - u'\t' <= u'\r' - u'\t'; });
-    unsigned blanks = test([](Units8 eight) { return (eight == u' ') | (eight == 0x85) | (eight == 0xA0); });
+    if (test([](Units8 eight) { return eight > vectorOf(u'\x167F'); })) return kindsOf(units, 16);
+    unsigned controls = test([](Units8 eight) { return eight - vectorOf(u'\t') <= vectorOf(u'\x4'); });
+    unsigned blanks = test([](Units8 eight) {
+        return (eight == vectorOf(u' ')) | (eight == vectorOf(u'\x85')) | (eight == vectorOf(u'\xA0'));
+    });
     if (!controls) return {blanks, 0};
-    return {controls | blanks, test([](Units8 eight) { return (eight == u'\n') | (eight == u'\f'); })};
+    return {controls | blanks,
+            test([](Units8 eight) { return (eight == vectorOf(u'\n')) | (eight == vectorOf(u'\f')); })};
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ double scaled(double value, std::int64_t exponent) {
 // How many digits are at the front of sixteen units, `max` at most. Where a number ends is hard to foresee:
 // no branch depends on it.
 unsigned leadingDigits(const unichar* units, NSUInteger max) {
-    auto areOthers = [](Units8 eight) { return eight - u'0' > 9; };
+    auto areOthers = [](Units8 eight) { return eight - vectorOf(u'0') > vectorOf(u'\x9'); };
     unsigned others = bitsOf(areOthers(loadUnits(units)), areOthers(loadUnits(units + 8)));
     return static_cast<unsigned>(std::countr_zero(others | 1u << std::min(max, NSUInteger{16})));
 }

@@ -58,9 +58,9 @@ TEST_F(NSBundleTest, BundlesAreListedInTheOrderInWhichTheyWereAskedFor) {
     auto* registered = NSBundle::registerFramework(stringOf(folder.path() / "Plain"));
     EXPECT_TRUE(added(NSBundle::allBundles(), bundlesBefore)->isEqual(NSArray::of({b, a})));
     EXPECT_TRUE(added(NSBundle::allFrameworks(), frameworksBefore)->isEqual(NSArray::of({f, registered})));
-    for (auto [identifier, bundle] :
-         {std::pair{u"test.list.a"_ns, a}, {u"test.list.f"_ns, f}, {u"x"_ns, nullptr}})
-        EXPECT_EQ(NSBundle::bundleWithIdentifier(identifier), bundle) << identifier;
+    EXPECT_EQ(NSBundle::bundleWithIdentifier(u"test.list.a"_ns), a);
+    EXPECT_EQ(NSBundle::bundleWithIdentifier(u"test.list.f"_ns), f);
+    EXPECT_EQ(NSBundle::bundleWithIdentifier(u"x"_ns), nullptr);
     EXPECT_EQ(NSBundle::registerFramework(u"/no/such/folder"_ns), nullptr);
 }
 
