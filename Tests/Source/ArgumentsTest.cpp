@@ -130,7 +130,7 @@ TEST(Arguments, ThatAreNullAreNamedByFunctions) {
               raised + "bytes must not be null where the length is 1");
     EXPECT_EQ(RAISED(OFScanCharactersIntoBuffer(state, &byte, 1, nullptr, 1)),
               raised + "characters must not be null where the length is 1");
-    EXPECT_THROW(OFCreateStringByLowercasingCharacters(&buffer, nullptr, 1), NSException);
+    EXPECT_THROW((void)OFCreateStringByLowercasingCharacters(&buffer, nullptr, 1), NSException);
     EXPECT_THROW(OFCaseInsensitiveHash(nullptr, 1), NSException);
     OFCaseConversionBufferDestroy(&buffer);
 }
