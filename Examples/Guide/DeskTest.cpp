@@ -23,6 +23,7 @@ extern Library testLibrary;
 // A service that always fails.
 class DKFailingService : public NSObject {
     PELVOR_CLASS(DKFailingService, NSObject);
+    PELVOR_CREATORS(init);
 
   public:
     static Retained<DKFailingService> init(Class* cls = classObject()) { return make<DKFailingService>(cls); }
