@@ -5,22 +5,28 @@
 add_custom_target(pelvor-libraries)
 
 # pelvor_library(NAME <target> ALIAS <name> INCLUDE_ROOT <dir> HEADERS <dir>…
-#                [DEPS <name>…] [PACKAGES "<find_package arguments>"…] [LIBRARIES <target>…])
+#                [DEPS <name>…] [PACKAGES "<find_package arguments>"…] [PKG_CONFIG <module>…] [LIBRARIES <target>…])
 #
 #   NAME          the target; its sources are added by the folders with target_sources()
 #   ALIAS         the name behind Pelvor::, in the tree and for consumers, and the package's component
 #   INCLUDE_ROOT  what include paths start at, while building
 #   HEADERS       folders whose headers are installed, below INCLUDE_ROOT, "." for the root itself; a folder below
-#                 one of them is installed only if it is named too
+#                 one of them is installed only if it is named too. Libraries that share a folder name it once.
 #   DEPS          libraries of ours, by alias, that the public headers need
 #   PACKAGES      third-party packages, each as the arguments of find_package()
-#   LIBRARIES     the targets of those packages; private, for no public header may show them
+#   PKG_CONFIG    third-party packages that pkg-config knows; private as well
+#   LIBRARIES     the targets of PACKAGES; private, for no public header may show them
 function(pelvor_library)
-    cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME;ALIAS;INCLUDE_ROOT" "HEADERS;DEPS;PACKAGES;LIBRARIES")
+    cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME;ALIAS;INCLUDE_ROOT" "HEADERS;DEPS;PACKAGES;PKG_CONFIG;LIBRARIES")
     foreach(package IN LISTS arg_PACKAGES)
         separate_arguments(words UNIX_COMMAND "${package}")
         find_package(${words} REQUIRED)
     endforeach()
+    if(arg_PKG_CONFIG)
+        find_package(PkgConfig REQUIRED)
+        pkg_check_modules(${arg_NAME}_packages REQUIRED IMPORTED_TARGET GLOBAL ${arg_PKG_CONFIG})
+        list(APPEND arg_LIBRARIES PkgConfig::${arg_NAME}_packages)
+    endif()
 
     add_library(${arg_NAME})
     add_library(Pelvor::${arg_ALIAS} ALIAS ${arg_NAME})
@@ -72,6 +78,11 @@ macro(_pelvor_install_library)
         foreach(package IN LISTS arg_PACKAGES)
             string(APPEND component "find_dependency(${package})\n")
         endforeach()
+        if(arg_PKG_CONFIG)
+            list(JOIN arg_PKG_CONFIG " " modules)
+            string(APPEND component "find_dependency(PkgConfig)\n"
+                "pkg_check_modules(${arg_NAME}_packages REQUIRED IMPORTED_TARGET GLOBAL ${modules})\n")
+        endif()
     endif()
     set(component_file "${PROJECT_BINARY_DIR}/Pelvor${arg_ALIAS}Component.cmake")
     file(WRITE "${component_file}" "${component}")
