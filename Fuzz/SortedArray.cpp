@@ -8,6 +8,7 @@
 #include "Foundation/NSNumber.h"
 #include "NSArray-PelvorAdditions.h"
 #include "PBFloatArray.h"
+#include "PBFloatVector.h"
 #include "Require.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/NSException.h"

@@ -11,6 +11,7 @@
 #include "NSString-PelvorAdditions.h"
 #include "PBRepeatString.h"
 #include "PBUtil.h"
+#include "PBUtil_Dummy.h"
 #include "Runtime/AutoreleasePool.h"
 
 namespace pelvor {

@@ -11,6 +11,7 @@
 #include "Runtime/AutoreleasePool.h"
 #include "Scanning/OFStringScanner.h"
 #include "Scanning/OFTrie.h"
+#include "Scanning/OFTrieEnumerator.h"
 
 namespace pelvor {
 namespace {

@@ -5,6 +5,7 @@
 
 #include "BaseLibrary.h"
 #include "Foundation/NSData.h"
+#include "Foundation/NSMutableCharacterSet.h"
 #include "Foundation/NSString.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"

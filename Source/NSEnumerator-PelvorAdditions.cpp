@@ -2,6 +2,7 @@
 #include "NSEnumerator-PelvorAdditions.h"
 
 #include "BaseLibrary.h"
+#include "PBSingleObjectEnumerator.h"
 #include "Runtime/Registry.h"
 
 namespace pelvor {
@@ -22,18 +23,5 @@ NSEnumerator* NSEnumerator_PelvorAdditions::enumerator() { return enumeratorWith
 NSEnumerator* NSEnumerator_PelvorAdditions::enumeratorWithObject(id object) {
     return PBSingleObjectEnumerator::initWithObject(object).autorelease();
 }
-
-PELVOR_DEFINE_CLASS(PBSingleObjectEnumerator, baseLibrary) {
-    methods.creator<"initWithObject:", &PBSingleObjectEnumerator::initWithObject>();
-    methods.instance<"nextObject", &PBSingleObjectEnumerator::nextObject>();
-}
-
-Retained<PBSingleObjectEnumerator> PBSingleObjectEnumerator::initWithObject(id object, Class* cls) {
-    auto enumerator = make<PBSingleObjectEnumerator>(cls);
-    enumerator->_object.set(object);
-    return enumerator;
-}
-
-id PBSingleObjectEnumerator::nextObject() { return std::move(_object).autorelease(); }
 
 }  // namespace pelvor

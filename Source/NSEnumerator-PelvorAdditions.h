@@ -18,21 +18,4 @@ struct PELVOR_EXPORT NSEnumerator_PelvorAdditions {
 
 extern const Category NSEnumerator_PelvorAdditions_category;
 
-/// An enumerator that returns one object, which it retains until then. For one thread at a time.
-class PELVOR_EXPORT PBSingleObjectEnumerator : public NSEnumerator {
-    PELVOR_CLASS(PBSingleObjectEnumerator, NSEnumerator);
-    PELVOR_CREATORS(initWithObject);
-
-  public:
-    static Retained<PBSingleObjectEnumerator> initWithObject(id object, Class* cls = classObject());
-    id nextObject() override;
-
-  protected:
-    PBSingleObjectEnumerator() = default;
-    ~PBSingleObjectEnumerator() = default;
-
-  private:
-    Retained<Object> _object;
-};
-
 }  // namespace pelvor

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Foundation/NSArray.h"
+#include "Foundation/NSMutableIndexSet.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSString.h"
 #include "PBRangeUtil.h"

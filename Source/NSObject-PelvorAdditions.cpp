@@ -205,11 +205,4 @@ void releaseWhenIdle(id object) {
         queue->addObject(object);
 }
 
-PELVOR_DEFINE_CLASS(PBUniqueObject, baseLibrary) {
-    methods.instance<"hash", &PBUniqueObject::hash>();
-    methods.instance<"isEqual:", &PBUniqueObject::isEqual>();
-    methods.instance<"copyWithZone:", &PBUniqueObject::copyWithZone>();
-    methods.instance<"mutableCopyWithZone:", &PBUniqueObject::mutableCopyWithZone>();
-}
-
 }  // namespace pelvor

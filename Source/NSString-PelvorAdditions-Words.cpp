@@ -4,10 +4,12 @@
 #include <bit>
 
 #include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSMutableCharacterSet.h"
 #include "Foundation/NSMutableString.h"
 #include "NSCharacterSet-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
 #include "PBUtil.h"
+#include "PBUtil_Dummy.h"
 #include "Private/UnitFinding.h"
 #include "Private/UnitReader.h"
 #include "Shared/ArgumentChecks.h"

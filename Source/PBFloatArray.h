@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// PBFloatArray and PBFloatVector: arrays of floats, of fixed and of changing length.
+// PBFloatArray: an array of a fixed number of floats.
 #pragma once
 
 #include <cstdlib>
@@ -72,46 +72,6 @@ class PELVOR_EXPORT PBFloatArray : public NSObject {
     std::unique_ptr<float[], Free> _floats;
     std::uint32_t _capacity = 0;
     std::uint32_t _count = 0;
-};
-
-/// An array of floats that come and go:
-///
-///     auto tabs = PBFloatVector::initWithCapacity(8);  // empty, with room for 8
-///     tabs->addFloat(36);
-///
-/// The storage doubles when it is full, so the capacity must be 1 at least.
-class PELVOR_EXPORT PBFloatVector : public PBFloatArray {
-    PELVOR_CLASS(PBFloatVector, PBFloatArray);
-    PELVOR_CREATORS(initWithFloats_count, initWithCapacity);
-
-  public:
-    /// Makes a vector of `count` floats, copies of those at `floats`. If `floats` is null, the vector is
-    /// empty and has room for `count`. The result is null if there is no memory.
-    static Retained<PBFloatVector> initWithFloats_count(const float* floats, unsigned count,
-                                                        Class* cls = classObject());
-    /// Makes an empty vector with room for `capacity` floats.
-    static Retained<PBFloatVector> initWithCapacity(unsigned capacity, Class* cls = classObject());
-
-    /// Adds the float at the end.
-    void addFloat(float value) {
-        if (_count < _capacity)
-            _floats[_count++] = value;
-        else
-            insertFloat_atIndex(value, _count);
-    }
-    /// Inserts the float. The index may be the count. Raises NSRangeException for an index above the count,
-    /// and for a full vector that cannot grow: one of capacity 0, or of 2^31 floats and more.
-    void insertFloat_atIndex(float value, unsigned index);
-    void removeFloatAtIndex(unsigned index);
-    /// Empties the vector, which keeps its storage.
-    void removeAllFloats() { _count = 0; }
-
-  protected:
-    PBFloatVector() = default;
-    ~PBFloatVector() = default;
-
-  private:
-    void grow();
 };
 
 }  // namespace pelvor

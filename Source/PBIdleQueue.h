@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// PBIdleQueue and PBIdleQueueScheduler: messages that are sent when the main loop has nothing else to do.
+// PBIdleQueue: messages that are sent when the main loop has nothing else to do.
 #pragma once
 
 #include "Foundation/NSMutableSet.h"
-#include "Foundation/NSNotification.h"
-#include "PBLinkedList.h"
 
 namespace pelvor {
 
@@ -55,39 +53,6 @@ class PELVOR_EXPORT PBIdleQueue : public NSObject {
     Retained<NSMutableSet> _objs;  // of PBWeakReferences; null once invalidated
     SEL _sel;
     bool _isScheduled = false;
-};
-
-/// Gives idle queues their turns, first come, first served. It retains the queues that wait. After an object
-/// has raised, it gives no turns until its list has become empty and a queue is added. Main thread.
-class PELVOR_EXPORT PBIdleQueueScheduler : public NSObject {
-    PELVOR_CLASS(PBIdleQueueScheduler, NSObject);
-    PELVOR_CREATORS(init);
-
-  public:
-    /// The scheduler of the process.
-    static PBIdleQueueScheduler* instance();
-    static Retained<PBIdleQueueScheduler> init(Class* cls = classObject());
-
-    /// Puts the queue at the end of the line.
-    void addQueue(PBIdleQueue* queue);
-    /// Takes the queue out of the line wherever it stands.
-    void removeQueue(PBIdleQueue* queue);
-    /// Asks for a turn at the next idle moment: for one, however often it is called before that.
-    void scheduleQueues();
-    /// Called at an idle moment: gives the first queue its turn.
-    void runLoopDidIdle(NSNotification* notification);
-    /// "PBIdleQueueScheduler<0x…> {asked for a turn, queues=1" or "{asked for no turn, …", a line with a tab
-    /// and the description of each waiting queue, and "}".
-    NSString* description() override;
-
-  protected:
-    PBIdleQueueScheduler() = default;
-    ~PBIdleQueueScheduler();
-
-  private:
-    Retained<PBLinkedList> _queues;
-    Retained<NSNotification> _notification;  // retains its sender, the scheduler, which so never ends
-    bool _hasAskedForTurn = false;
 };
 
 }  // namespace pelvor

@@ -5,16 +5,13 @@
 
 #include "BaseLibrary.h"
 #include "Foundation/NSMutableString.h"
+#include "PBLinkedListEnumerator.h"
+#include "PBLinkedListNode.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
 #include "Shared/ArgumentChecks.h"
-#include "Shared/RowMemory.h"
 
 namespace pelvor {
-
-PELVOR_DEFINE_CLASS(PBLinkedListNode, baseLibrary) {
-    methods.creator<"initWithObject:", &PBLinkedListNode::initWithObject>();
-}
 
 PELVOR_DEFINE_CLASS(PBLinkedList, baseLibrary) {
     methods.creator<"init", &PBLinkedList::init>();
@@ -33,23 +30,6 @@ PELVOR_DEFINE_CLASS(PBLinkedList, baseLibrary) {
     methods.instance<"removeAllObjects", &PBLinkedList::removeAllObjects>();
     methods.instance<"objectEnumerator", &PBLinkedList::objectEnumerator>();
 }
-
-PELVOR_DEFINE_CLASS(PBLinkedListEnumerator, baseLibrary) {
-    methods.creator<"initWithList:node:", &PBLinkedListEnumerator::initWithList_node>();
-    methods.instance<"removeLastObject", &PBLinkedListEnumerator::removeLastObject>();
-}
-
-Retained<PBLinkedListNode> PBLinkedListNode::initWithObject(id object, Class* cls) {
-    auto node = make<PBLinkedListNode>(cls);
-    node->object.set(object);
-    return node;
-}
-
-void* PBLinkedListNode::operator new(std::size_t) { return RowMemory<PBLinkedListNode>::allocate(); }
-
-void PBLinkedListNode::operator delete(void* node) noexcept { RowMemory<PBLinkedListNode>::free(node); }
-
-// MARK: The list
 
 Retained<PBLinkedList> PBLinkedList::init(Class* cls) { return make<PBLinkedList>(cls); }
 
@@ -140,46 +120,6 @@ NSString* PBLinkedList::description() {
     for (PBLinkedListNode* node = _head; node; node = node->next)
         text->appendFormat(u"%02d: %@ \n"_ns, index++, node->object);
     return text;
-}
-
-// MARK: Enumerators
-
-Retained<PBLinkedListEnumerator> PBLinkedListEnumerator::initWithList_node(PBLinkedList* list,
-                                                                           PBLinkedListNode* node,
-                                                                           Class* cls) {
-    auto enumerator = make<PBLinkedListEnumerator>(cls);
-    enumerator->_list = list;
-    enumerator->_next = node;
-    return enumerator;
-}
-
-id PBLinkedListEnumerator::nextObject() {
-    if (!_isCurRemoved && _cur) _prev = _cur;
-    _isCurRemoved = false;
-    _cur = _next;
-    if (!_cur) return nullptr;
-    _next = _cur->next;
-    return _cur->object;
-}
-
-void PBLinkedListEnumerator::removeLastObject() {
-    if (!_cur || _isCurRemoved) return;
-    _isCurRemoved = true;
-    std::uint32_t removals = _list->_removals;
-    _list->removeNode_withPreviousNode(_cur, _prev);
-    if (_list->_removals - removals > 1) findPlaceAgain();
-}
-
-// The end of the removed object removed others too, so the nodes around the place may be gone: they are
-// compared with those of the list, and not read. The walk goes on behind the previous node if that is still
-// there, else with the next one, and is over if neither is.
-void PBLinkedListEnumerator::findPlaceAgain() {
-    if (!_prev) return void(_next = _list->_head);
-    for (PBLinkedListNode *before = nullptr, *node = _list->_head; node; before = node, node = node->next) {
-        if (node == _prev) return void(_next = node->next);
-        if (node == _next) return void(_prev = before);
-    }
-    _prev = _next = nullptr;
 }
 
 }  // namespace pelvor

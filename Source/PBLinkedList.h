@@ -1,33 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-// PBLinkedList: a singly linked list, its nodes, and an enumerator that removes what it has returned.
+// PBLinkedList: a singly linked list.
 #pragma once
 
-#include "Foundation/NSEnumerator.h"
+#include "Foundation/NSRange.h"
+#include "Runtime/Class.h"
 
 namespace pelvor {
 
 class PBLinkedListEnumerator;
-
-/// A place in a list. It retains its object; the list owns its nodes.
-class PELVOR_EXPORT PBLinkedListNode final : public NSObject {
-    PELVOR_CLASS(PBLinkedListNode, NSObject);
-
-  public:
-    static Retained<PBLinkedListNode> initWithObject(id object, Class* cls = classObject());
-
-    Retained<Object> object;
-    /// The node behind this one, borrowed; null for the last node and for one that was removed.
-    Unretained<PBLinkedListNode> next = nullptr;
-
-  protected:
-    PBLinkedListNode() = default;
-    ~PBLinkedListNode() = default;
-
-  private:
-    // Nodes that a thread makes one after the other stand one after the other in memory.
-    static void* operator new(std::size_t size);
-    static void operator delete(void* memory) noexcept;
-};
+class PBLinkedListNode;
 
 /// A list of objects, which it retains. It is a stack (`push`, `pop`), a queue (`enqueueObject`,
 /// `dequeueObject`), both of them mixed, and a sequence with indexes:
@@ -97,42 +78,6 @@ class PELVOR_EXPORT PBLinkedList : public NSObject {
     NSUInteger _count = 0;
     std::uint32_t _removals = 0;        // how often something was removed, by which enumerators notice it
     PBLinkedListNode* _head = nullptr;  // owned, as is every node behind it
-};
-
-/// A walk over a list that can remove what it has returned:
-///
-///     PBLinkedListEnumerator* walk = waiting->objectEnumerator();
-///     while (id object = walk->nextObject())
-///         if (isDone(object)) walk->removeLastObject();
-///
-/// It does not retain the list. During the walk the list may change only by `removeLastObject`, by what the
-/// end of an object does that was removed in this way, and by additions at the tail before the last object
-/// has been returned.
-class PELVOR_EXPORT PBLinkedListEnumerator final : public NSEnumerator {
-    PELVOR_CLASS(PBLinkedListEnumerator, NSEnumerator);
-
-  public:
-    /// Makes a walk that begins at `node`, which may be null.
-    static Retained<PBLinkedListEnumerator> initWithList_node(PBLinkedList* list, PBLinkedListNode* node,
-                                                              Class* cls = classObject());
-
-    id nextObject() override;
-    /// Removes the object that was returned last from the list. A second call for the same object does
-    /// nothing.
-    void removeLastObject();
-
-  protected:
-    PBLinkedListEnumerator() = default;
-    ~PBLinkedListEnumerator() = default;
-
-  private:
-    void findPlaceAgain();
-
-    Unretained<PBLinkedList> _list = nullptr;
-    Unretained<PBLinkedListNode> _prev = nullptr;
-    Unretained<PBLinkedListNode> _cur = nullptr;
-    Unretained<PBLinkedListNode> _next = nullptr;
-    bool _isCurRemoved = false;
 };
 
 }  // namespace pelvor

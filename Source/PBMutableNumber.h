@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// PBMutableNumber and PBMutableIntNumber: number objects that change.
+// PBMutableNumber: a number object that changes.
 #pragma once
 
 #include "Foundation/NSNumber.h"
@@ -35,42 +35,6 @@ class PELVOR_EXPORT PBMutableNumber : public NSNumber, NSNumber::HiddenCreators 
   protected:
     PBMutableNumber() = default;
     ~PBMutableNumber() = default;
-};
-
-/// A 32-bit integer that changes. For one thread at a time.
-class PELVOR_EXPORT PBMutableIntNumber : public PBMutableNumber {
-    PELVOR_CLASS(PBMutableIntNumber, PBMutableNumber);
-    PELVOR_CREATORS(initWithInt);
-
-  public:
-    static Retained<PBMutableIntNumber> initWithInt(int value, Class* cls = classObject());
-
-    int intValue() override { return _value; }
-    void setIntValue(int value) { _value = value; }
-    // These return the new value, which wraps around at both ends.
-
-    int increment();
-    int decrement();
-
-    /// "i".
-    const char* objCType() override;
-    void getValue(void* buffer) override;
-
-    /// An immutable number of the present value.
-    Retained<Object> copyWithZone(void* zone) override;
-    /// Another mutable number of the same class and value.
-    Retained<Object> mutableCopyWithZone(void* zone) override;
-    Retained<NSNumber> copy() { return cast<NSNumber>(copyWithZone(nullptr)); }
-    Retained<PBMutableIntNumber> mutableCopy() {
-        return cast<PBMutableIntNumber>(mutableCopyWithZone(nullptr));
-    }
-
-  protected:
-    PBMutableIntNumber() = default;
-    ~PBMutableIntNumber() = default;
-
-  private:
-    std::int32_t _value = 0;
 };
 
 }  // namespace pelvor

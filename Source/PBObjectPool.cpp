@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBObjectPool.h"
 
-#include <mutex>
 #include <new>
 #include <utility>
 
@@ -10,24 +9,11 @@
 #include "Runtime/AutoreleasePool.h"
 
 namespace pelvor {
-namespace {
-
-// Takes the lock if there is one.
-std::unique_lock<NSLock> guardOf(NSLock* lock) {
-    return lock ? std::unique_lock(*lock) : std::unique_lock<NSLock>();
-}
-
-}  // namespace
 
 PELVOR_DEFINE_CLASS(PBObjectPool, baseLibrary) {
     methods.creator<"initWithCapacity:", &PBObjectPool::initWithCapacity>();
     methods.instance<"poolObject:", &PBObjectPool::poolObject>();
     methods.instance<"popObject", &PBObjectPool::popObject>();
-}
-
-PELVOR_DEFINE_CLASS(PBExternalObjectPool, baseLibrary) {
-    methods.creator<"initWithCapacity:useLock:", &PBExternalObjectPool::initWithCapacity_useLock>();
-    methods.instance<"popObject", &PBExternalObjectPool::popObject>();
 }
 
 Retained<PBObjectPool> PBObjectPool::initWithCapacity(std::uint32_t capacity, Class* cls) {
@@ -45,12 +31,16 @@ PBObjectPool::~PBObjectPool() {
     std::unique_ptr<id[]> objects;
     std::uint32_t count = 0;
     {
-        auto guard = guardOf(_lock);
+        auto locked = guard();
         objects = std::move(_pool);
         count = _count.exchange(0);
         _capacity = 0;
     }
     while (count > 0) objects[--count]->release();
+}
+
+std::unique_lock<NSLock> PBObjectPool::guard() {
+    return _lock ? std::unique_lock(*_lock) : std::unique_lock<NSLock>();
 }
 
 bool PBObjectPool::poolObject(id object) {
@@ -72,29 +62,6 @@ NSString* PBObjectPool::description() {
     return NSString::stringWithFormat(u"<%@ %p> %u of %u, %@"_ns, class_(), static_cast<void*>(this),
                                       _count.load(std::memory_order_relaxed), _capacity,
                                       _lock ? u"with a lock"_ns : u"without a lock"_ns);
-}
-
-// MARK: The external pool
-
-Retained<PBExternalObjectPool> PBExternalObjectPool::initWithCapacity_useLock(std::uint32_t capacity,
-                                                                              bool useLock, Class* cls) {
-    auto pool = initWithCapacity(capacity, cls);
-    if (pool && !useLock) pool->_lock = nullptr;
-    return pool;
-}
-
-bool PBExternalObjectPool::poolObject(id object) {
-    if (!object || isFull()) return false;
-    auto guard = guardOf(_lock);
-    if (!PBObjectPool::poolObject(object)) return false;
-    object->retain();
-    return true;
-}
-
-Retained<Object> PBExternalObjectPool::takeTop() {
-    if (isEmpty()) return nullptr;
-    auto guard = guardOf(_lock);
-    return PBObjectPool::takeTop();
 }
 
 }  // namespace pelvor

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// PBObjectPool and PBExternalObjectPool: stacks of spare objects.
+// PBObjectPool: a stack of spare objects.
 #pragma once
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 
 #include "Foundation/NSLock.h"
 
@@ -47,40 +48,13 @@ class PELVOR_EXPORT PBObjectPool : public NSObject {
     ~PBObjectPool();
     /// What `popObject` does.
     virtual Retained<Object> takeTop();
+    // Holds the lock, if there is one, as long as the result lives.
+    [[nodiscard]] std::unique_lock<NSLock> guard();
 
   private:
     std::unique_ptr<id[]> _pool;
     std::uint32_t _capacity = 0;
     std::atomic<std::uint32_t> _count = 0;
-};
-
-/// The pool for callers outside: it retains what it is given, returns borrowed objects, and locks by itself
-/// if it was made so.
-///
-///     auto spares = PBExternalObjectPool::initWithCapacity_useLock(20, true);
-///     id layout = spares->popObject();                     // borrowed, null if there is no spare one
-///     …
-///     spares->poolObject(layout);                          // retained, if there is room
-///
-/// With the lock it may be used on any thread, else on one thread at a time.
-class PELVOR_EXPORT PBExternalObjectPool : public PBObjectPool {
-    PELVOR_CLASS(PBExternalObjectPool, PBObjectPool);
-    PELVOR_CREATORS(initWithCapacity_useLock);
-    PELVOR_INHERITED_CREATORS(initWithCapacity);
-
-  public:
-    static Retained<PBExternalObjectPool> initWithCapacity_useLock(std::uint32_t capacity, bool useLock,
-                                                                   Class* cls = classObject());
-    /// Retains the object. Returns false, and does nothing, if the object is null or the pool is full.
-    bool poolObject(id object) override;
-    /// Takes out the object that came last and leaves it to the current autorelease pool; null when the pool
-    /// is empty. Through a PBObjectPool pointer the same object comes as an owned one.
-    id popObject() { return takeTop().autorelease(); }
-
-  protected:
-    PBExternalObjectPool() = default;
-    ~PBExternalObjectPool() = default;
-    Retained<Object> takeTop() override;
 };
 
 }  // namespace pelvor

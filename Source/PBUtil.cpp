@@ -8,7 +8,6 @@
 
 #include "BaseLibrary.h"
 #include "Foundation/NSBundle.h"
-#include "Foundation/NSCharacterSet.h"
 #include "Foundation/PlatformVersion.h"
 #include "Foundation/SystemVersion.h"
 #include "Runtime/NSException.h"
@@ -38,11 +37,6 @@ NSString* localizedIn(NSBundle* bundle, NSString* key) {
 int seededRandom() {
     if (!std::exchange(hasSeededRandom, true)) srandom(static_cast<unsigned>(std::time(nullptr)));
     return static_cast<int>(random());
-}
-
-// A new set of the characters in a UTF-8 text, which is never released.
-NSCharacterSet* keptSetOf(const char* text) {
-    return NSCharacterSet::initWithCharactersInString(NSString::stringWithUTF8String(text)).leak();
 }
 
 void defineDebugMenus(MethodTable<NSObject>& methods) {
@@ -88,25 +82,6 @@ NSCharacterSet* _pbDecimalDigitCharacterSet = nullptr;
 NSCharacterSet* _pbMoneyCharacterSet = nullptr;
 NSCharacterSet* _pbDoubleQuotesCharacterSet = nullptr;
 NSCharacterSet* _pbSingleQuotesCharacterSet = nullptr;
-
-PELVOR_DEFINE_CLASS(PBUtil_Dummy, baseLibrary) {
-    methods.classLevel<"load", &PBUtil_Dummy::load>();
-    methods.classLevel<"didLoad", &PBUtil_Dummy::didLoad>();
-}
-
-void PBUtil_Dummy::didLoad() {
-    _pbLettersCharacterSet = NSCharacterSet::letterCharacterSet();
-    _pbWhitespaceCharacterSet = NSCharacterSet::whitespaceAndNewlineCharacterSet();
-    _pbDecimalDigitCharacterSet = NSCharacterSet::decimalDigitCharacterSet();
-    // These are made once, although this hook may run more often: code that reads texts before the load-time
-    // sequence calls it too.
-    static NSCharacterSet* const money = keptSetOf("$\u20AC\u00A3\u00A5");
-    static NSCharacterSet* const doubleQuotes = keptSetOf("\"\u201C\u201D\u00AB\u00BB");
-    static NSCharacterSet* const singleQuotes = keptSetOf("'\u2018\u2019");
-    _pbMoneyCharacterSet = money;
-    _pbDoubleQuotesCharacterSet = doubleQuotes;
-    _pbSingleQuotesCharacterSet = singleQuotes;
-}
 
 // MARK: Method replacement
 

@@ -40,20 +40,6 @@ extern PELVOR_EXPORT NSCharacterSet* _pbMoneyCharacterSet;         ///< dollar, 
 extern PELVOR_EXPORT NSCharacterSet* _pbDoubleQuotesCharacterSet;  ///< straight, curly and angle quotes
 extern PELVOR_EXPORT NSCharacterSet* _pbSingleQuotesCharacterSet;  ///< straight and curly quotes
 
-/// The class whose hook makes the shared character sets. It has no instances of interest.
-class PELVOR_EXPORT PBUtil_Dummy : public NSObject {
-    PELVOR_CLASS(PBUtil_Dummy, NSObject);
-
-  public:
-    static void load() {}
-    /// A hook of the load-time sequence.
-    static void didLoad();
-
-  protected:
-    PBUtil_Dummy() = default;
-    ~PBUtil_Dummy() = default;
-};
-
 // Method replacement. `aClass` is the class whose instances get other methods; for class operations it is a
 // metaclass. A replacement that calls the old behaviour registers it under a second selector first:
 //

@@ -6,11 +6,6 @@
 
 namespace pelvor {
 
-PELVOR_DEFINE_CLASS(_PBAssertionWarning, baseLibrary) {
-    methods.classLevel<"load", &_PBAssertionWarning::load>();
-    methods.classLevel<"didLoad", &_PBAssertionWarning::didLoad>();
-}
-
 void PBAssertFailed(const char*, const char*, const char*, int) {}
 
 void PBSoftAssertFailed(const char* type, const char* expression, const char* file, int lineNumber) {

@@ -2,7 +2,7 @@
 // The functions that failed assertions call.
 #pragma once
 
-#include "Runtime/NSObject.h"
+#include "Runtime/Export.h"
 
 namespace pelvor {
 
@@ -16,19 +16,5 @@ PELVOR_EXPORT void PBAssertFailed(const char* type, const char* expression, cons
 /// 'count > 0', file PBTrie.cpp, line 12", and the caller goes on.
 PELVOR_EXPORT void PBSoftAssertFailed(const char* type, const char* expression, const char* file,
                                       int lineNumber);
-
-/// A place for warnings about assertions when a process starts. What is shipped has no such warnings.
-class PELVOR_EXPORT _PBAssertionWarning : public NSObject {
-    PELVOR_CLASS(_PBAssertionWarning, NSObject);
-
-  public:
-    static void load() {}
-    /// A hook of the load-time sequence.
-    static void didLoad() {}
-
-  protected:
-    _PBAssertionWarning() = default;
-    ~_PBAssertionWarning() = default;
-};
 
 }  // namespace pelvor

@@ -12,9 +12,11 @@
 #include <vector>
 
 #include "BaseLibrary.h"
+#include "Foundation/NSNotification.h"
 #include "Foundation/NSRunLoop.h"
 #include "PBIdleQueue.h"
 #include "PBLinkedList.h"
+#include "PBLinkedListEnumerator.h"
 #include "PBNotificationCenter.h"
 #include "PBObserverSet.h"
 #include "PBWeakReference.h"

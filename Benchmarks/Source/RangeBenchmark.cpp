@@ -10,12 +10,14 @@
 #include <vector>
 
 #include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableIndexSet.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSValue.h"
 #include "NSArray-PelvorAdditions.h"
 #include "NSArray-PelvorRangeArray.h"
 #include "NSIndexSet-PelvorAdditions.h"
 #include "PBFloatArray.h"
+#include "PBFloatVector.h"
 #include "PBRangeUtil.h"
 #include "Runtime/AutoreleasePool.h"
 

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "Foundation/FoundationLibrary.h"
+#include "Foundation/NSMutableCharacterSet.h"
 #include "Foundation/NSMutableData.h"
 #include "Foundation/Strings/CanonicalText.h"
 #include "Foundation/Strings/NSInlineString.h"
@@ -48,38 +49,14 @@ PELVOR_DEFINE_CLASS(NSCharacterSet, foundationLibrary) {
     methods.instance<"bitmapRepresentation", &NSCharacterSet::bitmapRepresentation>();
 }
 
-PELVOR_DEFINE_CLASS(NSMutableCharacterSet, foundationLibrary) {
-    methods.creator<"init", &NSMutableCharacterSet::init>();
-    methods.instance<"addCharactersInRange:", &NSMutableCharacterSet::addCharactersInRange>();
-    methods.instance<"removeCharactersInRange:", &NSMutableCharacterSet::removeCharactersInRange>();
-    methods.instance<"addCharactersInString:", &NSMutableCharacterSet::addCharactersInString>();
-    methods.instance<"removeCharactersInString:", &NSMutableCharacterSet::removeCharactersInString>();
-    methods.instance<"formUnionWithCharacterSet:", &NSMutableCharacterSet::formUnionWithCharacterSet>();
-    methods.instance<"formIntersectionWithCharacterSet:",
-                     &NSMutableCharacterSet::formIntersectionWithCharacterSet>();
-    methods.instance<"invert", &NSMutableCharacterSet::invert>();
-}
-
 namespace {
 
 using Plane = std::array<std::uint8_t, 8192>;
 using SharedPlane = std::shared_ptr<Plane>;
 
-// Planes without members, and planes of nothing else, are the same object in all sets; they live for
-// good, for the named sets do.
 SharedPlane uniformPlane(std::uint8_t byte) {
     auto plane = std::make_shared<Plane>();
     plane->fill(byte);
-    return plane;
-}
-
-const SharedPlane& emptyPlane() {
-    static const auto& plane = *new SharedPlane(uniformPlane(0));
-    return plane;
-}
-
-const SharedPlane& fullPlane() {
-    static const auto& plane = *new SharedPlane(uniformPlane(0xFF));
     return plane;
 }
 
@@ -99,6 +76,18 @@ void changeBits(Plane& plane, unsigned first, unsigned last, bool toMember) {
 }
 
 }  // namespace
+
+// Both planes live for good, since the named sets do.
+
+const SharedPlane& NSCharacterSet::emptyPlane() {
+    static const auto& plane = *new SharedPlane(uniformPlane(0));
+    return plane;
+}
+
+const SharedPlane& NSCharacterSet::fullPlane() {
+    static const auto& plane = *new SharedPlane(uniformPlane(0xFF));
+    return plane;
+}
 
 NSCharacterSet::NSCharacterSet() { _planes.fill(emptyPlane()); }
 
@@ -354,56 +343,6 @@ Retained<Object> NSCharacterSet::mutableCopyWithZone(void*) {
 Retained<NSMutableCharacterSet> NSCharacterSet::mutableCopy() {
     return Retained<NSMutableCharacterSet>::adopting(
         static_cast<NSMutableCharacterSet*>(mutableCopyWithZone(nullptr).leak()));
-}
-
-// NSMutableCharacterSet
-
-Retained<NSMutableCharacterSet> NSMutableCharacterSet::init(Class* cls) {
-    return make<NSMutableCharacterSet>(cls);
-}
-
-void NSMutableCharacterSet::addCharactersInRange(NSRange range) {
-    changeRange(range, Change::add, "addCharactersInRange:");
-}
-
-void NSMutableCharacterSet::removeCharactersInRange(NSRange range) {
-    changeRange(range, Change::remove, "removeCharactersInRange:");
-}
-
-void NSMutableCharacterSet::addCharactersInString(NSString* string) {
-    changeCharacters(string, Change::add, "addCharactersInString:");
-}
-
-void NSMutableCharacterSet::removeCharactersInString(NSString* string) {
-    changeCharacters(string, Change::remove, "removeCharactersInString:");
-}
-
-void NSMutableCharacterSet::formUnionWithCharacterSet(NSCharacterSet* other) {
-    requireArgument(other, "formUnionWithCharacterSet:", "the other set");
-    for (std::size_t i = 0; i < kPlaneCount; ++i) {
-        const SharedPlane theirs = other->_planes[i];
-        if (theirs == emptyPlane() || theirs == _planes[i]) continue;
-        Plane& mine = writablePlane(i);
-        for (std::size_t k = 0; k < mine.size(); ++k) mine[k] |= (*theirs)[k];
-    }
-}
-
-void NSMutableCharacterSet::formIntersectionWithCharacterSet(NSCharacterSet* other) {
-    requireArgument(other, "formIntersectionWithCharacterSet:", "the other set");
-    for (std::size_t i = 0; i < kPlaneCount; ++i) {
-        const SharedPlane theirs = other->_planes[i];
-        if (theirs == fullPlane() || theirs == _planes[i]) continue;
-        Plane& mine = writablePlane(i);
-        for (std::size_t k = 0; k < mine.size(); ++k) mine[k] &= (*theirs)[k];
-    }
-}
-
-void NSMutableCharacterSet::invert() { invertPlanes(); }
-
-Retained<Object> NSMutableCharacterSet::copyWithZone(void*) {
-    auto set = make<NSCharacterSet>();
-    set->_planes = _planes;
-    return set;
 }
 
 }  // namespace pelvor

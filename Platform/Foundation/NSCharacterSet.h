@@ -106,7 +106,8 @@ class PELVOR_EXPORT NSCharacterSet : public NSObject {
   protected:
     static constexpr std::size_t kPlaneCount = 17;
     using Plane = std::array<std::uint8_t, 8192>;
-    using Planes = std::array<std::shared_ptr<Plane>, kPlaneCount>;
+    using SharedPlane = std::shared_ptr<Plane>;
+    using Planes = std::array<SharedPlane, kPlaneCount>;
 
     NSCharacterSet();
     ~NSCharacterSet() = default;
@@ -114,7 +115,10 @@ class PELVOR_EXPORT NSCharacterSet : public NSObject {
     static bool hasBit(const std::uint8_t* bitmap, unichar unit) {
         return (bitmap[unit >> 3] >> (unit & 7)) & 1;
     }
-    // Planes are shared between sets until one of them changes.
+    // Planes are shared between sets until one of them changes. All planes without members are one object,
+    // and so are all planes of nothing but members, as long as no set has changed them.
+    static const SharedPlane& emptyPlane();
+    static const SharedPlane& fullPlane();
     Plane& writablePlane(std::size_t index);
     enum class Change { add, remove };
     void changeRange(char32_t first, char32_t last, Change change);
@@ -129,33 +133,6 @@ class PELVOR_EXPORT NSCharacterSet : public NSObject {
   private:
     friend class NSMutableCharacterSet;
     static NSCharacterSet* setOfPattern(std::u16string_view pattern);
-};
-
-/// A set that can change. One thread at a time.
-class PELVOR_EXPORT NSMutableCharacterSet : public NSCharacterSet {
-    PELVOR_CLASS(NSMutableCharacterSet, NSCharacterSet);
-    PELVOR_CREATORS(init);
-    PELVOR_INHERITED_CREATORS(characterSet, characterSetWithCharactersInString, characterSetWithRange,
-                              characterSetWithBitmapRepresentation, initWithCharactersInString, initWithRange,
-                              initWithBitmapRepresentation);
-
-  public:
-    static Retained<NSMutableCharacterSet> init(Class* cls = classObject());
-
-    /// Raise NSInvalidArgumentException for a range past U+10FFFF.
-    void addCharactersInRange(NSRange range);
-    void removeCharactersInRange(NSRange range);
-    void addCharactersInString(NSString* string);
-    void removeCharactersInString(NSString* string);
-    void formUnionWithCharacterSet(NSCharacterSet* other);
-    void formIntersectionWithCharacterSet(NSCharacterSet* other);
-    void invert();
-
-    Retained<Object> copyWithZone(void* zone) override;
-
-  protected:
-    NSMutableCharacterSet() = default;
-    ~NSMutableCharacterSet() = default;
 };
 
 }  // namespace pelvor

@@ -280,29 +280,6 @@ class PELVOR_EXPORT NSString : public NSObject {
     ~NSString() = default;
 };
 
-/// A string literal: units that live as long as the program.
-class PELVOR_EXPORT NSConstantString final : public NSString {
-    PELVOR_CLASS(NSConstantString, NSString);
-
-  public:
-    constexpr explicit NSConstantString(std::u16string_view units)
-        : NSString(&classRecord, kImmortal),
-          _characters(units.data()),
-          _length(static_cast<NSUInteger>(units.size())) {}
-
-    NSUInteger length() override { return _length; }
-    unichar characterAtIndex(NSUInteger index) override;
-    void getCharacters_range(unichar* buffer, NSRange range) override;
-    const unichar* contiguousCharacters() override { return _characters; }
-    std::uintptr_t hash() override;
-    Retained<Object> copyWithZone(void* zone) override;
-
-  private:
-    const unichar* _characters;
-    NSUInteger _length;
-    std::atomic<std::uint32_t> _hash{0};  // 0: not yet computed
-};
-
 /// The units of a string, or of a range of it, in one piece: the string's own memory where it is in one
 /// piece, else a copy. The string must not change while the units are read.
 ///
@@ -340,30 +317,9 @@ class PELVOR_EXPORT StringUnits {
     unichar _inline[48];
 };
 
-namespace detail {
-
-template <std::size_t N>
-struct Literal16 : FixedString<N, char16_t> {
-    using FixedString<N, char16_t>::FixedString;
-    consteval Literal16(const char16_t (&text)[N]) : FixedString<N, char16_t>(text) {}
-};
-
-template <Literal16 Text>
-inline constinit NSConstantString literalString{Text.view()};
-
-}  // namespace detail
-
-inline namespace literals {
-
-/// `u"text"_ns`: an immutable string that lives as long as the program and costs nothing at start-up.
-template <detail::Literal16 Text>
-constexpr NSString* operator""_ns() {
-    return &detail::literalString<Text>;
-}
-
-}  // namespace literals
-
 /// Prints the string as UTF-8, "(null)" for null.
 PELVOR_EXPORT std::ostream& operator<<(std::ostream& stream, NSString* string);
 
 }  // namespace pelvor
+
+#include "Foundation/NSConstantString.h"  // literals belong to every use of strings

@@ -2,11 +2,9 @@
 #include "Scanning/OFTrie.h"
 
 #include "BaseLibrary.h"
-#include "Foundation/NSCharacterSet.h"
-#include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
-#include "Foundation/NSNumber.h"
 #include "Scanning/NSObject-OFDebugging.h"
+#include "Scanning/OFTrieEnumerator.h"
 #include "Scanning/Private/CaseForms.h"
 #include "Scanning/Private/TrieIndex.h"
 
@@ -20,10 +18,6 @@ PELVOR_DEFINE_CLASS(OFTrie, baseLibrary) {
     methods.instance<"bucketForString:", &OFTrie::bucketForString>();
     methods.instance<"objectEnumerator", &OFTrie::objectEnumerator>();
     methods.instance<"debugDictionary", &OFTrie::debugDictionary>();
-}
-
-PELVOR_DEFINE_CLASS(OFTrieEnumerator, baseLibrary) {
-    methods.creator<"initWithTrie:", &OFTrieEnumerator::initWithTrie>();
 }
 
 // The units of a string in both forms, zero-terminated; a case-sensitive one has but one.
@@ -150,46 +144,6 @@ NSMutableDictionary* OFTrie::debugDictionary() {
     NSMutableDictionary* dictionary = pelvor::debugDictionary(this);
     dictionary->setObject_forKey(_head, u"head"_ns);
     return dictionary;
-}
-
-// MARK: Enumerating
-
-Retained<OFTrieEnumerator> OFTrieEnumerator::initWithTrie(OFTrie* trie, Class* cls) {
-    auto self = make<OFTrieEnumerator>(cls);
-    self->_trieNodes = NSMutableArray::init();
-    self->_positions = NSMutableArray::init();
-    if (!trie) return self;
-    self->_isCaseSensitive = trie->isCaseSensitive();
-    self->_trieNodes->addObject(trie->headNode());
-    self->_positions->addObject(NSNumber::numberWithUnsignedInt(0));
-    return self;
-}
-
-id OFTrieEnumerator::nextObject() {
-    static NSCharacterSet* const capitals = NSCharacterSet::uppercaseLetterCharacterSet();
-    auto store = [this](NSUInteger position) {
-        _positions->replaceObjectAtIndex_withObject(_positions->count() - 1,
-                                                    NSNumber::numberWithUnsignedInt(position));
-    };
-    while (_trieNodes->count()) {
-        auto* node = static_cast<OFTrieNode*>(_trieNodes->lastObject());
-        NSUInteger place = static_cast<NSNumber*>(_positions->lastObject())->unsignedIntValue();
-        while (place < node->childCount()) {
-            auto child = node->childWithIndex(place);
-            bool isDouble = !_isCaseSensitive && capitals->characterIsMember(node->characters()[place]);
-            ++place;
-            if (isDouble || !child) continue;
-            store(place);
-            if (child.bucket) return child.bucket;
-            _trieNodes->addObject(child.node);
-            _positions->addObject(NSNumber::numberWithUnsignedInt(0));
-            node = child.node;
-            place = 0;
-        }
-        _trieNodes->removeLastObject();
-        _positions->removeLastObject();
-    }
-    return nullptr;
 }
 
 }  // namespace pelvor

@@ -12,71 +12,15 @@
 #include "Runtime/NSException.h"
 #include "Scanning/NSObject-OFDebugging.h"
 #include "Scanning/Private/TrieIndex.h"
+#include "Scanning/Private/TrieMemory.h"
 
 namespace pelvor {
-
-PELVOR_DEFINE_CLASS(OFTrieBucket, baseLibrary) {
-    methods.instance<"setRemainingLower:upper:length:", &OFTrieBucket::setRemainingLower_upper_length>();
-    methods.instance<"debugDictionary", &OFTrieBucket::debugDictionary>();
-}
 
 PELVOR_DEFINE_CLASS(OFTrieNode, baseLibrary) {
     methods.creator<"init", &OFTrieNode::init>();
     methods.instance<"addChild:withCharacter:", &OFTrieNode::addChild_withCharacter>();
     methods.instance<"debugDictionary", &OFTrieNode::debugDictionary>();
 }
-
-namespace {
-
-void* allocate(std::size_t size) {
-    void* memory = std::malloc(size);
-    if (!memory) throw NSException(NSMallocException, "no memory for a trie");
-    return memory;
-}
-
-}  // namespace
-
-// MARK: Buckets
-
-unichar OFTrieBucket::emptyCharacters[1] = {0};
-
-OFTrieBucket::~OFTrieBucket() {
-    if (_lower != emptyCharacters) std::free(_lower);
-}
-
-void OFTrieBucket::setRemainingLower_upper_length(const unichar* lower, const unichar* upper,
-                                                  NSInteger length) {
-    if (_isIndexed) TrieIndex::noteEdit();
-    unichar* previous = _lower;
-    if (lower && upper && length >= 1) {
-        auto count = static_cast<std::size_t>(length);
-        std::size_t forms = lower == upper ? 1 : 2;
-        auto* block = static_cast<unichar*>(allocate(forms * (count + 1) * sizeof(unichar)));
-        std::memcpy(block, lower, count * sizeof(unichar));
-        block[count] = 0;
-        _lower = _upper = block;
-        if (forms == 2) {
-            _upper = block + count + 1;
-            std::memcpy(_upper, upper, count * sizeof(unichar));
-            _upper[count] = 0;
-        }
-    } else {
-        _lower = _upper = emptyCharacters;
-    }
-    // Only now: what was copied may lie inside.
-    if (previous != emptyCharacters) std::free(previous);
-}
-
-NSMutableDictionary* OFTrieBucket::debugDictionary() {
-    std::u16string_view lower = _lower;
-    NSMutableDictionary* dictionary = pelvor::debugDictionary(this);
-    dictionary->setObject_forKey(NSString::of(lower), u"lowerCharacters"_ns);
-    if (_upper != _lower)
-        dictionary->setObject_forKey(NSString::of({_upper, lower.size()}), u"upperCharacters"_ns);
-    return dictionary;
-}
-
-// MARK: Nodes
 
 Retained<OFTrieNode> OFTrieNode::init(Class* cls) { return make<OFTrieNode>(cls); }
 
@@ -101,7 +45,7 @@ OFTrieNode::~OFTrieNode() {
 
 void OFTrieNode::grow() {
     NSUInteger capacity = _capacity ? _capacity * 2 : 1;
-    auto* block = static_cast<char*>(allocate(capacity * (sizeof(Entry) + sizeof(unichar))));
+    auto* block = static_cast<char*>(allocateForTrie(capacity * (sizeof(Entry) + sizeof(unichar))));
     auto* children = reinterpret_cast<Entry*>(block);
     auto* characters = reinterpret_cast<unichar*>(block + capacity * sizeof(Entry));
     std::copy_n(_children, _childCount, children);

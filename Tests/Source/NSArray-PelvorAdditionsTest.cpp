@@ -7,10 +7,12 @@
 
 #include "BaseLibrary.h"
 #include "EndingObject.h"
+#include "Foundation/NSMutableIndexSet.h"
 #include "Foundation/NSValue.h"
 #include "NSArray-PelvorRangeArray.h"
 #include "NSEnumerator-PelvorAdditions.h"
 #include "NSIndexSet-PelvorAdditions.h"
+#include "PBSingleObjectEnumerator.h"
 #include "PBUtil.h"
 #include "Prelude.h"
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NSCharacterSet-PelvorAdditions.h"
 
+#include "Foundation/NSMutableCharacterSet.h"
 #include "Prelude.h"
 
 namespace {

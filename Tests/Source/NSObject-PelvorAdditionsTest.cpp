@@ -5,6 +5,7 @@
 
 #include "BaseLibrary.h"
 #include "Foundation/NSBundle.h"
+#include "PBUniqueObject.h"
 #include "Prelude.h"
 
 namespace {

@@ -2,6 +2,7 @@
 // Tests of arrays of floats.
 #include "PBFloatArray.h"
 
+#include "PBFloatVector.h"
 #include "Prelude.h"
 
 namespace {

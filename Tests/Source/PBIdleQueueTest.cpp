@@ -4,6 +4,7 @@
 #include "BaseLibrary.h"
 #include "Foundation/NSRunLoop.h"
 #include "NSObject-PelvorAdditions.h"
+#include "PBIdleQueueScheduler.h"
 #include "Prelude.h"
 
 namespace {

@@ -2,6 +2,8 @@
 #include "PBLinkedList.h"
 
 #include "EndingObject.h"
+#include "PBLinkedListEnumerator.h"
+#include "PBLinkedListNode.h"
 #include "Prelude.h"
 
 namespace {

@@ -4,6 +4,7 @@
 #include <climits>
 
 #include "BaseLibrary.h"
+#include "PBMutableIntNumber.h"
 #include "Prelude.h"
 
 namespace {

@@ -3,6 +3,7 @@
 
 #include "BaseLibrary.h"
 #include "Foundation/NSRunLoop.h"
+#include "PBNotificationWatcher.h"
 #include "Prelude.h"
 
 namespace {

@@ -2,6 +2,7 @@
 #include "PBObjectPool.h"
 
 #include "EndingObject.h"
+#include "PBExternalObjectPool.h"
 
 namespace {
 

@@ -7,8 +7,6 @@
 
 namespace pelvor {
 
-PELVOR_DEFINE_CLASS(NSConstantString, foundationLibrary) {}
-
 PELVOR_DEFINE_CLASS(NSExternalString, foundationLibrary) {}
 
 PELVOR_DEFINE_CLASS(NSInlineString, foundationLibrary) {}
@@ -28,19 +26,6 @@ void copyUnits(unichar* buffer, std::u16string_view units, NSRange range) {
     if (range.length) requireArgument(buffer, "getCharacters:range:", "the buffer");
     std::char_traits<unichar>::copy(buffer, units.data() + range.location, range.length);
 }
-
-unichar NSConstantString::characterAtIndex(NSUInteger index) {
-    requireIndex(index, _length, "characterAtIndex:");
-    return _characters[index];
-}
-
-void NSConstantString::getCharacters_range(unichar* buffer, NSRange range) {
-    copyUnits(buffer, {_characters, _length}, range);
-}
-
-std::uintptr_t NSConstantString::hash() { return cachedHash(_hash, {_characters, _length}); }
-
-Retained<Object> NSConstantString::copyWithZone(void*) { return Retained<Object>::retaining(this); }
 
 unichar NSInlineString::characterAtIndex(NSUInteger index) {
     requireIndex(index, _length, "characterAtIndex:");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of character sets.
 #include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSMutableCharacterSet.h"
 #include "Platform/Foundation/OwnCollections.h"
 
 namespace {

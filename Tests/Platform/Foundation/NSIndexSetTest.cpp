@@ -4,6 +4,7 @@
 
 #include <bitset>
 
+#include "Foundation/NSMutableIndexSet.h"
 #include "Prelude.h"
 
 namespace {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of what strings, character sets and scanners say about arguments that they refuse.
 #include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSMutableCharacterSet.h"
 #include "Foundation/NSScanner.h"
 #include "Platform/Foundation/OwnCollections.h"
 

@@ -9,6 +9,7 @@
 #include "Prelude.h"
 #include "Scanning/OFStringScanner.h"
 #include "Scanning/OFTrie.h"
+#include "Scanning/OFTrieEnumerator.h"
 #include "Source/TextInPieces.h"
 
 namespace {

@@ -5,6 +5,7 @@
 
 #include "Prelude.h"
 #include "Scanning/OFStringScanner.h"
+#include "Scanning/OFTrieEnumerator.h"
 
 namespace {
 

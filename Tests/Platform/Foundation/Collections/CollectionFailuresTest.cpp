@@ -4,6 +4,7 @@
 #include "Foundation/NSIndexSet.h"
 #include "Foundation/NSKeyedArchiver.h"
 #include "Foundation/NSMutableData.h"
+#include "Foundation/NSMutableIndexSet.h"
 #include "Foundation/NSValue.h"
 #include "Platform/Foundation/Pebble.h"
 

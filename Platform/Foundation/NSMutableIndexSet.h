@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSMutableIndexSet: a set of indexes that can be changed.
+#pragma once
+
+#include "Foundation/NSIndexSet.h"
+
+namespace pelvor {
+
+/// A set that can be changed. One thread at a time.
+class PELVOR_EXPORT NSMutableIndexSet : public NSIndexSet {
+    PELVOR_CLASS(NSMutableIndexSet, NSIndexSet);
+    PELVOR_INHERITED_CREATORS(indexSet, indexSetWithIndex, indexSetWithIndexesInRange, init, initWithIndex,
+                              initWithIndexesInRange, initWithIndexSet);
+
+  public:
+    void addIndex(NSUInteger index);
+    void addIndexesInRange(NSRange range);
+    void addIndexes(NSIndexSet* other);
+    // Removing ignores indexes that are no members.
+    void removeIndex(NSUInteger index) { remove({index, 1}); }
+    void removeIndexesInRange(NSRange range) { remove(range); }
+    void removeIndexes(NSIndexSet* other);
+    void removeAllIndexes() { _runs.clear(); }
+
+  protected:
+    NSMutableIndexSet() = default;
+    ~NSMutableIndexSet() = default;
+};
+
+}  // namespace pelvor

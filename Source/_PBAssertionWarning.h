@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+// _PBAssertionWarning: a place for warnings about assertions.
+#pragma once
+
+#include "Runtime/Class.h"
+
+namespace pelvor {
+
+/// A place for warnings about assertions when a process starts. What is shipped has no such warnings.
+class PELVOR_EXPORT _PBAssertionWarning : public NSObject {
+    PELVOR_CLASS(_PBAssertionWarning, NSObject);
+
+  public:
+    static void load() {}
+    /// A hook of the load-time sequence.
+    static void didLoad() {}
+
+  protected:
+    _PBAssertionWarning() = default;
+    ~_PBAssertionWarning() = default;
+};
+
+}  // namespace pelvor
