@@ -4,4 +4,11 @@
 
 #include "Foundation/Forward.h"
 
-namespace pelvor {}  // namespace pelvor
+namespace pelvor {
+
+// Paragraphs
+class NSMutableParagraphStyle;  ///< a paragraph style that can be changed
+class NSParagraphStyle;         ///< how the lines of a paragraph are set
+class NSTextTab;                ///< a tab stop
+
+}  // namespace pelvor

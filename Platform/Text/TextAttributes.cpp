@@ -18,6 +18,7 @@ constinit NSString* const NSLigatureAttributeName = u"NSLigature"_ns;
 constinit NSString* const NSObliquenessAttributeName = u"NSObliqueness"_ns;
 constinit NSString* const NSExpansionAttributeName = u"NSExpansion"_ns;
 constinit NSString* const NSAttachmentAttributeName = u"NSAttachment"_ns;
+constinit NSString* const NSLanguageAttributeName = u"NSLanguage"_ns;
 constinit NSString* const NSLinkAttributeName = u"NSLink"_ns;
 constinit NSString* const NSToolTipAttributeName = u"NSToolTip"_ns;
 

@@ -23,6 +23,7 @@ extern PELVOR_EXPORT NSString* const NSLigatureAttributeName;  ///< NSNumber: 0 
 extern PELVOR_EXPORT NSString* const NSObliquenessAttributeName;  ///< NSNumber: the slant as a tangent; 0
 extern PELVOR_EXPORT NSString* const NSExpansionAttributeName;    ///< NSNumber: logarithm of the width's factor; 0
 extern PELVOR_EXPORT NSString* const NSAttachmentAttributeName;  ///< NSTextAttachment, on NSAttachmentCharacter
+extern PELVOR_EXPORT NSString* const NSLanguageAttributeName;  ///< NSString: a BCP 47 name, "en-GB"; unknown
 extern PELVOR_EXPORT NSString* const NSLinkAttributeName;        ///< NSString: an address; none
 extern PELVOR_EXPORT NSString* const NSToolTipAttributeName;     ///< NSString: a help text; none
 

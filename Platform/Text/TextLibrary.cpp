@@ -2,14 +2,22 @@
 #include "Text/TextLibrary.h"
 
 #include "Foundation/FoundationLibrary.h"
+#include "Text/NSParagraphStyle.h"
+#include "Text/NSTextTab.h"
 
 namespace pelvor {
 namespace {
 
 constexpr Library* kDependencies[] = {&foundationLibrary};
 
+constexpr Class* kClasses[] = {
+    &NSMutableParagraphStyle::classRecord,
+    &NSParagraphStyle::classRecord,
+    &NSTextTab::classRecord,
+};
+
 }  // namespace
 
-constinit Library textLibrary{"PelvorText", kDependencies, {}, {}};
+constinit Library textLibrary{"PelvorText", kDependencies, kClasses, {}};
 
 }  // namespace pelvor

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSParagraphStyle: how the lines of a paragraph are set.
+#pragma once
+
+#include "Foundation/NSArray.h"
+#include "Text/TextAttributes.h"
+
+namespace pelvor {
+
+class NSCoder;
+class NSMutableParagraphStyle;
+class NSTextTab;
+
+/// An immutable set of the properties of a paragraph. Lengths are in points; the leading edge is the left one
+/// in paragraphs from left to right and the right one in the others.
+///
+///     auto style = NSParagraphStyle::defaultParagraphStyle()->mutableCopy();
+///     style->setAlignment(NSJustifiedTextAlignment);
+///     style->setFirstLineHeadIndent(18);
+///     text->addAttribute_value_range(NSParagraphStyleAttributeName, style->copy(), paragraph);
+///
+/// Immutable styles may be used on any thread, mutable ones on one thread at a time.
+class PELVOR_EXPORT NSParagraphStyle : public NSObject {
+    PELVOR_CLASS(NSParagraphStyle, NSObject);
+    PELVOR_CREATORS(init, initWithCoder);
+
+  public:
+    /// Natural alignment and direction, no indents and spacings, no tab stops.
+    static NSParagraphStyle* defaultParagraphStyle();
+    /// The direction of paragraphs in the language, "he" or "ar-EG"; for null the user's first language.
+    static NSWritingDirection defaultWritingDirectionForLanguage(NSString* language);
+    static Retained<NSParagraphStyle> init(Class* cls = classObject());
+    static Retained<NSParagraphStyle> initWithCoder(NSCoder* coder, Class* cls = classObject());
+
+    NSTextAlignment alignment() { return _values.alignment; }
+    NSWritingDirection baseWritingDirection() { return _values.baseWritingDirection; }
+    NSLineBreakMode lineBreakMode() { return _values.lineBreakMode; }
+    /// The distance of the tab stops behind the last explicit one; 0 or less stands for 36.
+    float defaultTabInterval() { return _values.defaultTabInterval; }
+    /// From the leading edge of the container to the first line.
+    float firstLineHeadIndent() { return _values.firstLineHeadIndent; }
+    /// From the leading edge of the container to the other lines.
+    float headIndent() { return _values.headIndent; }
+    /// From the leading edge to the lines' ends; 0 or less counts from the trailing edge.
+    float tailIndent() { return _values.tailIndent; }
+    /// A factor for the natural line height, before the limits below; 0 stands for 1.
+    float lineHeightMultiple() { return _values.lineHeightMultiple; }
+    float minimumLineHeight() { return _values.minimumLineHeight; }
+    /// 0 sets no limit.
+    float maximumLineHeight() { return _values.maximumLineHeight; }
+    /// Below each line of the paragraph but the last one.
+    float lineSpacing() { return _values.lineSpacing; }
+    float paragraphSpacing() { return _values.paragraphSpacing; }
+    /// Above the paragraph, unless it is the first one in its container.
+    float paragraphSpacingBefore() { return _values.paragraphSpacingBefore; }
+    /// From 0, which leaves the choice to the layout manager, to 1. Words are hyphenated where a line would
+    /// fill less than this share of its width without.
+    float hyphenationFactor() { return _values.hyphenationFactor; }
+    /// NSTextTab objects in their order; never null.
+    NSArray* tabStops() { return _tabStops; }
+
+    void encodeWithCoder(NSCoder* coder);
+    bool isEqual(id other) override;
+    std::uintptr_t hash() override;
+    NSString* description() override;
+    Retained<Object> copyWithZone(void* zone) override;
+    Retained<Object> mutableCopyWithZone(void* zone) override;
+    Retained<NSParagraphStyle> copy() { return cast<NSParagraphStyle>(copyWithZone(nullptr)); }
+    Retained<NSMutableParagraphStyle> mutableCopy();
+
+  protected:
+    struct Values {
+        NSTextAlignment alignment = NSNaturalTextAlignment;
+        NSWritingDirection baseWritingDirection = NSWritingDirectionNatural;
+        NSLineBreakMode lineBreakMode = NSLineBreakByWordWrapping;
+        float defaultTabInterval = 0, firstLineHeadIndent = 0, headIndent = 0, tailIndent = 0;
+        float lineHeightMultiple = 0, minimumLineHeight = 0, maximumLineHeight = 0, lineSpacing = 0;
+        float paragraphSpacing = 0, paragraphSpacingBefore = 0, hyphenationFactor = 0;
+
+        friend bool operator==(const Values&, const Values&) = default;
+    };
+
+    NSParagraphStyle();
+    ~NSParagraphStyle() = default;
+
+    /// Takes over the properties of the other style.
+    void take(NSParagraphStyle* style);
+
+    Values _values;
+    Retained<NSArray> _tabStops;
+
+  private:
+    template <class Visit>
+    static void visitFloats(Visit visit);
+};
+
+/// A paragraph style that can be changed.
+class PELVOR_EXPORT NSMutableParagraphStyle : public NSParagraphStyle {
+    PELVOR_CLASS(NSMutableParagraphStyle, NSParagraphStyle);
+    PELVOR_INHERITED_CREATORS(init, initWithCoder);
+
+  public:
+    void setAlignment(NSTextAlignment alignment) { _values.alignment = alignment; }
+    void setBaseWritingDirection(NSWritingDirection direction) { _values.baseWritingDirection = direction; }
+    void setLineBreakMode(NSLineBreakMode mode) { _values.lineBreakMode = mode; }
+    void setDefaultTabInterval(float interval) { _values.defaultTabInterval = interval; }
+    void setFirstLineHeadIndent(float indent) { _values.firstLineHeadIndent = indent; }
+    void setHeadIndent(float indent) { _values.headIndent = indent; }
+    void setTailIndent(float indent) { _values.tailIndent = indent; }
+    void setLineHeightMultiple(float factor) { _values.lineHeightMultiple = factor; }
+    void setMinimumLineHeight(float height) { _values.minimumLineHeight = height; }
+    void setMaximumLineHeight(float height) { _values.maximumLineHeight = height; }
+    void setLineSpacing(float spacing) { _values.lineSpacing = spacing; }
+    void setParagraphSpacing(float spacing) { _values.paragraphSpacing = spacing; }
+    void setParagraphSpacingBefore(float spacing) { _values.paragraphSpacingBefore = spacing; }
+    void setHyphenationFactor(float factor) { _values.hyphenationFactor = factor; }
+    /// The tabs in the order given; null stands for none. Raises NSInvalidArgumentException if an object of
+    /// the array is no NSTextTab.
+    void setTabStops(NSArray* tabStops);
+    /// Puts the tab behind those at its location or before it. Raises NSInvalidArgumentException for null.
+    void addTabStop(NSTextTab* tab);
+    /// Takes out the tabs that are equal to this one.
+    void removeTabStop(NSTextTab* tab);
+    /// Takes over all properties. Raises NSInvalidArgumentException for null.
+    void setParagraphStyle(NSParagraphStyle* style);
+
+  protected:
+    NSMutableParagraphStyle() = default;
+    ~NSMutableParagraphStyle() = default;
+};
+
+}  // namespace pelvor
