@@ -6,6 +6,8 @@
 
 namespace pelvor {
 
+/// The list of the classes and categories of PelvorBase. A library or plug-in that uses them names this list
+/// among its dependencies (Runtime/Registry.h).
 extern PELVOR_EXPORT Library baseLibrary;
 
 }  // namespace pelvor

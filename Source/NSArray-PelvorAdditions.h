@@ -8,7 +8,7 @@ namespace pelvor {
 
 struct Category;
 
-/// Null for an empty array.
+/// The first object of the array; null for an empty array.
 PELVOR_EXPORT id firstObject(NSArray* array);
 
 // Sorted arrays. The comparison is called with the object that is looked for, an element and `context`. It
@@ -20,20 +20,22 @@ PELVOR_EXPORT id firstObject(NSArray* array);
 //
 // A comparison that changes the array may make the operation raise NSRangeException.
 
-/// Whether no element of the range sorts behind the next. The element at the location of the range is read
-/// even if the range is empty: raises NSRangeException if there is none.
+/// Whether no element of the range sorts behind the next element. The element at the location of the range is
+/// read even if the range is empty: the operation raises NSRangeException if there is no such element.
 PELVOR_EXPORT bool _isSortedInRange_withCompareFunction_context(NSArray* array, NSRange range,
                                                                 NSCompareFunction compare, void* context);
-/// Searches by halves: the index of an equal element, of several the first within the bounds that the search
-/// has come to. If there is none, returns NSNotFound and writes the index of the first element that sorts
-/// behind the object to `nextIndex`, unless that is null.
+/// Searches by halves and returns the index of an equal element. If several elements are equal, the result is
+/// the first of them within the bounds to which the search has come. If there is no equal element, returns
+/// NSNotFound and writes the index of the first element that sorts behind the object to `nextIndex`, unless
+/// `nextIndex` is null.
 PELVOR_EXPORT NSUInteger _indexOfObject_withCompareFunction_context_nextIndex(NSArray* array, id object,
                                                                               NSCompareFunction compare,
                                                                               void* context,
                                                                               NSUInteger* nextIndex);
 PELVOR_EXPORT NSUInteger indexOfObject_withCompareFunction_context(NSArray* array, id object,
                                                                    NSCompareFunction compare, void* context);
-/// The index of an equal element, else of the first that sorts behind the object, else NSNotFound.
+/// The index of an equal element; else the index of the first element that sorts behind the object; else
+/// NSNotFound.
 PELVOR_EXPORT NSUInteger nearestIndexOfObject_withCompareFunction_context(NSArray* array, id object,
                                                                           NSCompareFunction compare,
                                                                           void* context);
@@ -56,8 +58,8 @@ struct PELVOR_EXPORT NSMutableArray_PelvorAdditions {
 /// NSInvalidArgumentException if the object is null.
 PELVOR_EXPORT NSUInteger insertObject_withCompareFunction_context(NSMutableArray* array, id object,
                                                                   NSCompareFunction compare, void* context);
-/// Removes the equal element that is found first and the equal elements behind it. Returns whether there was
-/// one.
+/// Searches an equal element, and removes it and the equal elements behind it. Returns whether an element was
+/// removed.
 PELVOR_EXPORT bool removeObject_withCompareFunction_context(NSMutableArray* array, id object,
                                                             NSCompareFunction compare, void* context);
 /// Shuffles the elements by PBRandomInt.

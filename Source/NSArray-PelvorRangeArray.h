@@ -21,8 +21,8 @@ PELVOR_EXPORT NSRange rangeAtIndex(NSArray* array, NSUInteger index);
 /// The index at which the range is inserted into a list that is sorted by location and then by length: behind
 /// the ranges that are equal to it.
 PELVOR_EXPORT NSUInteger insertionIndexForRange(NSArray* array, NSRange range);
-/// The union of the first and the last entry; those between are not looked at. PBNotFoundRange for an empty
-/// array.
+/// The union of the first and the last range of the array; the ranges between them do not matter.
+/// PBNotFoundRange for an empty array.
 PELVOR_EXPORT NSRange unionRange(NSArray* array);
 
 extern const Category NSArray_PelvorRangeArray_category;

@@ -41,7 +41,7 @@ NSCharacterSet* keptSet(std::initializer_list<Span> spans, std::initializer_list
     return immutableCopy(set).leak();
 }
 
-// By message, so that a category or replacement that came later is asked.
+// By message, so that a category or a replacement that came later is called.
 NSCharacterSet* setNamed(Class* cls, SEL name) {
     registerLibrary(baseLibrary);
     return cast<NSCharacterSet>(send<id>(cls, name));

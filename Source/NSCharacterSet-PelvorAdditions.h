@@ -11,8 +11,8 @@ namespace pelvor {
 
 struct Category;
 
-/// Class operations of NSCharacterSet. A set is made on the first call and lives as long as the process,
-/// unless something else is said. Main thread only.
+/// Class operations of NSCharacterSet. A set is made by the first call and lives as long as the process,
+/// unless the operation says otherwise. Main thread only.
 struct PELVOR_EXPORT NSCharacterSet_PelvorAdditions {
     /// 0-9, a-f and A-F.
     static NSCharacterSet* hexCodeCharacterSet();
@@ -22,7 +22,7 @@ struct PELVOR_EXPORT NSCharacterSet_PelvorAdditions {
     static NSCharacterSet* newlineCharacterSet();
     /// U+000A, U+000C, U+000D, U+0085 and U+2029; the line tabulation U+000B is no member.
     static NSCharacterSet* paragraphBreakCharacterSet();
-    /// The paragraph breaks of the class that is asked, and U+2028.
+    /// The members of `cls`'s paragraph break set, and U+2028.
     static NSCharacterSet* lineBreakCharacterSet(Class* cls = NSCharacterSet::classObject());
     /// The members of the three sets above and of the platform's whitespace-and-newline set.
     static NSCharacterSet* allWhitespaceCharacterSet(Class* cls = NSCharacterSet::classObject());

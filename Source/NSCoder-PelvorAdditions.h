@@ -8,8 +8,8 @@ namespace pelvor {
 
 struct Category;
 
-/// Copies the bytes that are stored under the key to the buffer and returns how many there are. Returns 0 and
-/// copies nothing if there are none, or more than `bufferLength`.
+/// Copies the bytes that are stored under the key to the buffer and returns their number. Returns 0 and
+/// copies nothing if no bytes are stored under the key, or more than `bufferLength` bytes.
 PELVOR_EXPORT unsigned decodeBytesIntoBuffer_bufferLength_forKey(NSCoder* coder, void* buffer,
                                                                  unsigned bufferLength, NSString* key);
 

@@ -24,8 +24,8 @@ struct PELVOR_EXPORT NSData_PelvorAdditions {
     static Retained<NSData> initWithBase64String(NSString* string, Class* cls = NSData::classObject());
     static NSData* dataWithBase64String(NSString* string, Class* cls = NSData::classObject());
     /// The bytes that hexadecimal digits of either case stand for; white space and "0x" may come before them.
-    /// Of an odd number of digits the first one is a byte of its own. Of each unit only the low eight bits
-    /// count. Null if there is anything else, such as white space at the end.
+    /// If the number of digits is odd, the first digit is a byte of its own. Only the low eight bits of each
+    /// unit count. The result is null if the text contains anything else, such as white space at the end.
     static Retained<NSData> initWithHexString(NSString* string, Class* cls = NSData::classObject());
     static NSData* dataWithHexString(NSString* string, Class* cls = NSData::classObject());
 };

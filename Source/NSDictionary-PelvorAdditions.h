@@ -20,24 +20,24 @@ PELVOR_EXPORT int intForKey(NSDictionary* dictionary, id key);
 PELVOR_EXPORT float floatForKey(NSDictionary* dictionary, id key);
 PELVOR_EXPORT double doubleForKey(NSDictionary* dictionary, id key);
 
-/// Whether one of the keys, in a set or of another dictionary, is a key of the dictionary.
+/// Whether the dictionary has one of the keys in the set, or one of the keys of the other dictionary.
 PELVOR_EXPORT bool containsKeyInSet(NSDictionary* dictionary, NSSet* keys);
 PELVOR_EXPORT bool containsKeyInDictionary(NSDictionary* dictionary, NSDictionary* other);
 
-/// Whether the other dictionary has an equal value for every key of the dictionary. If the other is null, it
+/// Whether the other dictionary has an equal value for every key of the dictionary. A null other dictionary
 /// counts as an empty one.
 PELVOR_EXPORT bool isSubdictionaryOf(NSDictionary* dictionary, NSDictionary* other);
 /// Whether the other dictionary has an equal value for every key of the dictionary that is not in `ignored`.
-/// A key that only the other has is not noticed. False if the other is null.
+/// Keys that only the other dictionary has do not matter. False if the other dictionary is null.
 PELVOR_EXPORT bool isEqualToDictionary_ignoringKeys(NSDictionary* dictionary, NSDictionary* other,
                                                     NSSet* ignored);
-/// Whether for each of the keys, an array or a set, both dictionaries have equal values or none. False if the
-/// other is null.
+/// Whether, for each key in an array or a set, both dictionaries have equal values or both have no value.
+/// False if the other dictionary is null.
 PELVOR_EXPORT bool isEqualToDictionary_forKeys(NSDictionary* dictionary, NSDictionary* other, id keys);
 
 // Changed copies, borrowed. The dictionary itself stays as it is.
 
-/// A copy with the object under the key. Raises NSInvalidArgumentException if one of them is null.
+/// A copy with the object under the key. Raises NSInvalidArgumentException if the object or the key is null.
 PELVOR_EXPORT NSDictionary* dictionarySettingObject_forKey(NSDictionary* dictionary, id object, id key);
 /// A copy without the key, or the dictionary itself if it lacks the key.
 PELVOR_EXPORT NSDictionary* dictionaryRemovingObjectForKey(NSDictionary* dictionary, id key);

@@ -12,7 +12,7 @@ struct Category;
 struct PELVOR_EXPORT NSEnumerator_PelvorAdditions {
     /// An enumerator that returns no objects.
     static NSEnumerator* enumerator();
-    /// An enumerator that returns the object, or nothing if that is null.
+    /// An enumerator that returns the object, or no object if `object` is null.
     static NSEnumerator* enumeratorWithObject(id object);
 };
 

@@ -9,17 +9,18 @@ namespace pelvor {
 struct Category;
 
 struct PELVOR_EXPORT NSInvocation_PelvorAdditions {
-    /// An invocation of the message without a target, borrowed. The types are those of the method that
-    /// instances of the class have. Raises NSInvalidArgumentException if the class is null or its instances
-    /// have no such method.
+    /// An invocation of the message without a target, borrowed. It has the types of the method that instances
+    /// of the class have. Raises NSInvalidArgumentException if the class is null or its instances have no
+    /// such method.
     static NSInvocation* invocationWithTargetClass_selector(Class* targetClass, SEL selector);
-    /// An invocation of the message for the target, borrowed. The target is asked for the types. Raises
-    /// NSInvalidArgumentException if the target is null or has no signature for the message.
+    /// An invocation of the message with the target, borrowed. It has the types that the target's
+    /// `methodSignatureForSelector` returns. Raises NSInvalidArgumentException if the target is null or has
+    /// no signature for the message.
     static NSInvocation* invocationWithTarget_selector(id target, SEL selector);
 };
 
-/// The result of an invocation that was invoked, if the method returns an object; null if it returns anything
-/// else, a class among it.
+/// The result of an invocation that was invoked, if the method returns an object. Null if the method returns
+/// anything else; a class counts as something else.
 PELVOR_EXPORT id returnObject(NSInvocation* invocation);
 
 extern const Category NSInvocation_PelvorAdditions_category;

@@ -17,7 +17,7 @@ PELVOR_EXPORT void setInt_forKey(NSMutableDictionary* dictionary, int value, id 
 PELVOR_EXPORT void setFloat_forKey(NSMutableDictionary* dictionary, float value, id key);
 PELVOR_EXPORT void setDouble_forKey(NSMutableDictionary* dictionary, double value, id key);
 
-/// Copies those entries of the other dictionary whose keys are in the set.
+/// Copies the entries of the other dictionary whose keys are in the set.
 PELVOR_EXPORT void addObjectsFromDictionary_forKeys(NSMutableDictionary* dictionary, NSDictionary* other,
                                                     NSSet* keys);
 

@@ -101,7 +101,7 @@ void appendCharacter(NSMutableString* string, unichar character) {
 void replaceAllLineEndingsWithString(NSMutableString* string, NSString* ending) {
     requireArgument(ending, "replaceAllLineEndingsWithString:", "the line ending");
     const std::u16string wanted = ending->toUTF16();
-    unichar lineFeed = wanted == u"\n" ? u'\r' : u'\n';  // those that are there may stay then
+    unichar lineFeed = wanted == u"\n" ? u'\r' : u'\n';  // the ones that are there may stay then
     replaceAll(string, wanted, [lineFeed](Units text, std::size_t from) -> UnitMatch {
         std::size_t place = from + findEither(text.substr(from), u'\r', lineFeed);
         return {place, place == text.size() ? 0u : text.substr(place, 2) == u"\r\n" ? 2u : 1u};

@@ -13,7 +13,7 @@ class NSSet;
 
 /// Class operations of every class.
 struct PELVOR_EXPORT NSObject_PelvorAdditions {
-    /// The bundle that holds the class, null if none does.
+    /// The bundle that holds the class; null if no bundle does.
     static NSBundle* bundle(Class* cls);
     /// The names of all messages that the class itself responds to: the class operations of the class and its
     /// superclasses and, since a class is an object, the instance operations of the root class.
@@ -43,7 +43,8 @@ PELVOR_EXPORT Retained<Object> mutableDeepCopy(NSObject* object);
 // the type of the function. The result of a method that returns nothing is 0. An argument is not converted
 // either: the bytes of a number go to an argument of any number type, and the address of an object goes to an
 // argument that is an object or a number. All functions raise NSInvalidArgumentException if the object does
-// not respond to the message, or if an argument is given and the message takes none, or one of another kind.
+// not respond to the message. Functions with an argument also raise it if the message takes no argument, or
+// an argument of another kind.
 
 PELVOR_EXPORT int intForPerformSelector(id object, SEL selector);
 PELVOR_EXPORT int intForPerformSelector_withObject(id object, SEL selector, id argument);

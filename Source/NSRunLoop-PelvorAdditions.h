@@ -11,9 +11,8 @@ struct Category;
 /// Class operations of the run loop.
 struct PELVOR_EXPORT NSRunLoop_PelvorAdditions {
     /// Asks the current run loop to send the message to the target at the beginning of its next turn in the
-    /// default mode. Of several messages those of lower `order` come first. Target and argument are retained
-    /// until then; the argument may be null. Raises NSInvalidArgumentException if the target or the selector
-    /// is null.
+    /// default mode. Messages of a lower `order` are sent first. Target and argument are retained until then;
+    /// the argument may be null. Raises NSInvalidArgumentException if the target or the selector is null.
     static void performSelector_target_argument_order(SEL selector, id target, id argument,
                                                       std::uint32_t order);
 };

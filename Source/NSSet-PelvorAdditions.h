@@ -8,8 +8,8 @@ namespace pelvor {
 
 struct Category;
 
-/// The descriptions of the members one after the other, in the order of the set. The separator is not used:
-/// nothing stands between the descriptions.
+/// The descriptions of the members, one after the other, in the order of the set. The separator is not used:
+/// the descriptions follow each other directly.
 PELVOR_EXPORT NSString* componentsJoinedByString(NSSet* set, NSString* separator);
 /// Removes each object of the array, from the last to the first. A null array removes nothing.
 PELVOR_EXPORT void removeObjectsInArray(NSMutableSet* set, NSArray* objects);

@@ -87,7 +87,7 @@ NSRange paragraphContentRangeForRange(NSString* string, NSRange range) {
 
 namespace {
 
-// By message, so that strings that compose characters in their own way are asked.
+// By message, so that strings that compose characters in their own way are called.
 NSRange composedSequence(NSString* string, NSUInteger index) {
     return send<NSRange>(string, "rangeOfComposedCharacterSequenceAtIndex:"_sel, index);
 }

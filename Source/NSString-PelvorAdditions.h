@@ -37,49 +37,49 @@ struct PELVOR_EXPORT NSString_PelvorAdditions {
 
 // MARK: Ranges
 
-/// The range of the word or the quantity at the range: of what the unit at the range's location belongs to,
-/// from its start to the end of what the range's last unit belongs to. A word is letters, with an apostrophe
-/// between two letters. A quantity is digits with commas and points between them and money signs before them:
-/// "1,000.50",
-/// "$.99". Where there is neither, the result is empty. A location at the end of the string stands for the
-/// last unit. With `includePreviousWord` the result begins with the word before, if one separator is between
-/// the two.
+/// The words and quantities that the range touches: from the start of the word or quantity at the first unit
+/// of the range to the end of the word or quantity at its last unit. A word consists of letters, and may have
+/// an apostrophe between two letters. A quantity consists of digits, with commas and points between them and
+/// money signs before them: "1,000.50", "$.99". The result is empty if there is neither at the range. A
+/// location at the end of the string stands for the last unit. With `includePreviousWord`, the result begins
+/// with the previous word if exactly one separator is between the two words.
 PELVOR_EXPORT NSRange wordRangeForRange_includePreviousWord(NSString* string, NSRange range,
                                                             bool includePreviousWord);
-/// The part of the range from its first to its last letter, mark or number; {NSNotFound, 0} if it has none.
+/// The part of the range from the first letter, mark or number in it to the last; {NSNotFound, 0} if the
+/// range contains none of these.
 PELVOR_EXPORT NSRange rangeOfTrimmedWordForRange(NSString* string, NSRange range);
-/// The place of the first member of the set at or after the location; with NSBackwardsSearch, of the last
-/// unit of the last member at or before the location. NSNotFound if there is none. A location past the end
-/// stands for the end.
+/// The location of the first member of the set at or after `location`; with NSBackwardsSearch, the location
+/// of the last unit of the last member at or before `location`. NSNotFound if there is no such member. A
+/// location beyond the end stands for the end.
 PELVOR_EXPORT NSUInteger locationOfCharacterFromSet_options_location(NSString* string, NSCharacterSet* set,
                                                                      NSStringCompareOptions options,
                                                                      NSUInteger location);
-/// The part of the range from its first to its last character that is no white space; if there is none, empty
-/// at the range's location.
+/// The part of the range from the first character in it that is no white space to the last. If the range has
+/// only white space, the result is empty, at the location of the range.
 PELVOR_EXPORT NSRange nonwhitespaceRangeForRange(NSString* string, NSRange range);
 
 /// The paragraphs that the range touches, with the break at their end.
 PELVOR_EXPORT NSRange paragraphRangeForRange(NSString* string, NSRange range);
 /// The paragraphs that the range touches, without the break at their end.
 PELVOR_EXPORT NSRange paragraphContentRangeForRange(NSString* string, NSRange range);
-/// Of the paragraphs that the range touches: where the first one starts, where the paragraph behind them
-/// starts, and where the break at their end stands, which is NSNotFound at the end of the text. The pointer
-/// to what is not wanted may be null. CR LF is one break, but a place between the two stands at the start of
-/// a paragraph.
+/// For the paragraphs that the range touches, writes where the first one starts (`start`), where the
+/// paragraph behind them starts (`end`), and where the break at their end stands (`contentsEnd`), which is
+/// NSNotFound at the end of the text. Each of the pointers may be null. CR LF is one break, but a place
+/// between the two units counts as the start of a paragraph.
 PELVOR_EXPORT void getParagraphStart_end_contentsEnd_forRange(NSString* string, NSUInteger* start,
                                                               NSUInteger* end, NSUInteger* contentsEnd,
                                                               NSRange range);
 
 /// The range, widened to whole composed characters at both ends; an empty range stays as it is.
 PELVOR_EXPORT NSRange rangeOfComposedCharactersForRange(NSString* string, NSRange range);
-/// The range of the unit at the index, or of the surrogate pair that the unit is half of. A half without its
-/// other half takes the unit that stands in the other half's place. At or past the end of the string: empty
-/// at the end.
+/// The range of the unit at the index, or of the surrogate pair that the unit is half of. A surrogate that
+/// stands alone takes the unit in the place of its other half along. For an index at or beyond the end of the
+/// string, the range is empty, at the end.
 PELVOR_EXPORT NSRange rangeOfCharacterAtIndex(NSString* string, NSUInteger index);
 
 // C++ only
-/// The range of the composed character at the index and of those that overlap it. At or past the end of the
-/// string: empty at the end.
+/// The range of the composed character at the index and of the composed characters that overlap it. For an
+/// index at or beyond the end of the string, the range is empty, at the end.
 PELVOR_EXPORT NSRange PBRangeOfComposedCharacterSequenceAtIndex(NSString* string, NSUInteger index);
 
 /// Whether `rangeOfString` finds the other string. True for null and for an empty string, too.
@@ -87,19 +87,20 @@ PELVOR_EXPORT bool containsString(NSString* string, NSString* other);
 
 // MARK: Derived strings. Where nothing changes, the result may be the receiver itself.
 
-/// The string in the case of the pattern: in upper case for "HELLO", capitalised for "Hello", as it is for
-/// "hello".
+/// The string in the case of the pattern: in upper case for a pattern such as "HELLO", capitalised for
+/// "Hello", and unchanged for "hello".
 PELVOR_EXPORT NSString* stringByMatchingCase(NSString* string, NSString* pattern);
-/// The string with upper-case letters in lower case and the other way round, unit by unit, as the process's
-/// locale has them. Of what a letter turns into, only the low byte is taken, so that letters beyond U+00FF
-/// come out wrong.
+/// The string with upper-case letters in lower case and lower-case letters in upper case, unit by unit, by
+/// the rules of the process's locale. Only the low byte of the letter that a letter turns into is taken, so
+/// letters beyond U+00FF come out wrong.
 PELVOR_EXPORT NSString* toggledcaseString(NSString* string);
 /// The string's first `length` units at most, cut at the last white space in them and trimmed of spaces and
 /// tabs.
 PELVOR_EXPORT NSString* stringByPrettyTruncationToLength(NSString* string, NSUInteger length);
-/// The string with a line feed inserted wherever a line would reach `length` units: in front of the white
-/// space before the word there if the word has fewer than `length` - 1 units, otherwise inside the word. The
-/// unit behind an inserted line feed is not counted. Surrogate pairs stay whole.
+/// The string with a line feed inserted wherever a line would reach `length` units. If the word at that place
+/// has fewer than `length` - 1 units, the line feed stands in front of the white space before the word;
+/// otherwise it stands inside the word. The unit behind an inserted line feed is not counted. Surrogate pairs
+/// are not divided.
 PELVOR_EXPORT NSString* stringByHardWrappingToLineLength(NSString* string, NSUInteger length);
 /// The string without white space at its front and end.
 PELVOR_EXPORT NSString* stringByRemovingSurroundingWhitespace(NSString* string);
@@ -110,8 +111,8 @@ PELVOR_EXPORT NSString* stringByReplacingAllOccurrencesOfString_withString(NSStr
 PELVOR_EXPORT NSString* stringByReplacingAllOccurrencesOfCharactersInSet_withString(NSString* string,
                                                                                     NSCharacterSet* set,
                                                                                     NSString* replacement);
-/// What the string becomes when it is converted to the encoding and back: characters that the encoding lacks
-/// turn into similar ones. Null for an unknown encoding.
+/// The string after conversion to the encoding and back: characters that the encoding lacks are replaced by
+/// similar ones. Null for an unknown encoding.
 PELVOR_EXPORT NSString* stringByLossyConversionToEncoding(NSString* string, NSStringEncoding encoding);
 /// The set of the pieces between separators. An empty piece behind a separator at the end is left out. For an
 /// empty separator or null the set holds the string itself.
@@ -123,13 +124,13 @@ PELVOR_EXPORT unichar* characterBuffer(NSString* string);
 // MARK: Numbers at an index, as NSScanner reads them. `effectiveRange` becomes the range that was read, empty
 // at the index if there is no number; it may be null.
 
-/// 0 if there is no number. A number that is too large becomes the nearest one.
+/// Returns 0 if there is no number. A number beyond the bounds of the type becomes the nearest bound.
 PELVOR_EXPORT std::int32_t intValueAtIndex_effectiveRange(NSString* string, NSUInteger index,
                                                           NSRange* effectiveRange);
 /// Reads hexadecimal digits, with or without "0x" before them; 63 if there is no number.
 PELVOR_EXPORT std::int32_t hexIntValueAtIndex_effectiveRange(NSString* string, NSUInteger index,
                                                              NSRange* effectiveRange);
-/// The hexadecimal number at the start of the string; 63 if there is none.
+/// The hexadecimal number at the start of the string; 63 if the string does not begin with one.
 PELVOR_EXPORT std::int32_t hexIntValue(NSString* string);
 
 // MARK: Code points

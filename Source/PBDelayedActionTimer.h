@@ -30,7 +30,8 @@ class PELVOR_EXPORT PBDelayedActionTimer : public NSObject {
     void schedule();
     /// Takes all requests back: a pending action is not sent.
     void unschedule();
-    /// Whether an action is pending. It no longer is while it is sent, so that the action may schedule again.
+    /// Whether an action is pending. An action that is being sent is no longer pending, so the action may
+    /// call `schedule` again.
     bool isScheduled() { return static_cast<bool>(_timer); }
     /// Takes all requests back and releases the target, for good.
     void invalidate();

@@ -30,7 +30,7 @@ class PELVOR_EXPORT PBFloatArray : public NSObject {
     /// result is null if there is no memory.
     static Retained<PBFloatArray> initWithFloats_count(const float* floats, unsigned count,
                                                        Class* cls = classObject());
-    /// Makes an array of as many zeros.
+    /// Makes an array of `capacity` zeros.
     static Retained<PBFloatArray> initWithCapacity(unsigned capacity, Class* cls = classObject());
 
     unsigned count() { return _count; }
@@ -45,11 +45,12 @@ class PELVOR_EXPORT PBFloatArray : public NSObject {
     NSNumber* objectAtIndex(unsigned index);
     /// Stores what the object returns for `floatValue`.
     void replaceObjectAtIndex_withObject(unsigned index, id object);
-    /// Copies the floats at `floats` to the range. A range past the end raises with its last index; null
-    /// `floats` raise NSInvalidArgumentException unless the range is empty.
+    /// Copies the floats at `floats` to the range. Raises NSRangeException, with the last index of the range,
+    /// if the range reaches beyond the end, and NSInvalidArgumentException if `floats` is null and the range
+    /// is not empty.
     void replaceFloatsInRange_withFloatsFrom(NSRange range, const float* floats);
-    /// The sum of all floats from index 0 up to the end of the range: the location matters only in that the
-    /// end depends on it. Floats are added in their order, in single precision. The sum is 0 for an empty
+    /// The sum of all floats from index 0 to the end of the range; the floats before the location of the
+    /// range are added, too. Floats are added in their order, in single precision. The sum is 0 for an empty
     /// range.
     float sumFloatsInRange(NSRange range);
     /// A line "PBFloatArray <0x…> ", and a line "   72.000000, " for each float.

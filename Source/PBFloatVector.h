@@ -11,7 +11,7 @@ namespace pelvor {
 ///     auto tabs = PBFloatVector::initWithCapacity(8);  // empty, with room for 8
 ///     tabs->addFloat(36);
 ///
-/// The storage doubles when it is full, so the capacity must be 1 at least.
+/// The storage doubles when it is full, so the capacity has to be at least 1.
 class PELVOR_EXPORT PBFloatVector : public PBFloatArray {
     PELVOR_CLASS(PBFloatVector, PBFloatArray);
     PELVOR_CREATORS(initWithFloats_count, initWithCapacity);

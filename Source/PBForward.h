@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// The classes of PelvorBase, for headers that only name them: the library's table of contents. Its additions
-// to the platform's classes stand in the headers named after these, NSString-PelvorAdditions.h and so on.
+// The classes of PelvorBase, for headers that only name them: the library's table of contents. Each class
+// stands in the header of its name. The library's additions to the platform's classes stand in the headers
+// named after these classes, NSString-PelvorAdditions.h and so on.
 #pragma once
 
 #include "Foundation/Forward.h"

@@ -16,9 +16,10 @@ namespace pelvor {
 /// does not retain it: an object leaves the queue before it is destroyed. One object of one queue is served
 /// at each idle moment, and queues take turns.
 ///
-/// An object has left the queue when it is sent its message. It may add itself again for a later idle moment,
-/// add and remove others, and destroy itself. An exception that it raises reaches the run loop; the other
-/// objects of the queue then wait until `addObject` is called again. Main thread.
+/// An object leaves the queue just before it is sent its message. In its method the object may add itself
+/// again for a later idle moment, add and remove other objects, and destroy itself. An exception of the
+/// method reaches the run loop; the other objects of the queue then wait until `addObject` is called again.
+/// Main thread.
 class PELVOR_EXPORT PBIdleQueue : public NSObject {
     PELVOR_CLASS(PBIdleQueue, NSObject);
     PELVOR_CREATORS(initWithSelector);
@@ -40,7 +41,7 @@ class PELVOR_EXPORT PBIdleQueue : public NSObject {
     virtual void doRun();
     /// Empties the queue. Nothing is sent.
     void flush();
-    /// Gives up the queue's turn and its objects for good: what is added from now on is ignored.
+    /// Gives up the queue's turn and its objects for good: objects that are added from now on are ignored.
     void invalidate();
     /// "PBIdleQueue<0x…> {layOut, objects=2}".
     NSString* description() override;

@@ -9,8 +9,13 @@ namespace pelvor {
 
 class PBIdleQueue;
 
-/// Gives idle queues their turns, first come, first served. It retains the queues that wait. After an object
-/// has raised, it gives no turns until its list has become empty and a queue is added. Main thread.
+/// Gives idle queues their turns, first come, first served. Queues use the scheduler by themselves; a host
+/// looks at it when work does not get done:
+///
+///     NSLog(u"%@"_ns, PBIdleQueueScheduler::instance());  // which queues wait
+///
+/// The scheduler retains the queues that wait. After an object of a queue has raised an exception, the
+/// scheduler gives no turns until its list has become empty and a queue is added. Main thread.
 class PELVOR_EXPORT PBIdleQueueScheduler : public NSObject {
     PELVOR_CLASS(PBIdleQueueScheduler, NSObject);
     PELVOR_CREATORS(init);
@@ -24,7 +29,7 @@ class PELVOR_EXPORT PBIdleQueueScheduler : public NSObject {
     void addQueue(PBIdleQueue* queue);
     /// Takes the queue out of the line wherever it stands.
     void removeQueue(PBIdleQueue* queue);
-    /// Asks for a turn at the next idle moment: for one, however often it is called before that.
+    /// Requests one turn at the next idle moment. Further calls before that moment change nothing.
     void scheduleQueues();
     /// Called at an idle moment: gives the first queue its turn.
     void runLoopDidIdle(NSNotification* notification);

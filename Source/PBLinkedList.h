@@ -18,10 +18,11 @@ class PBLinkedListNode;
 ///     waiting->enqueueObject(second);
 ///     id next = waiting->dequeueObject();  // first
 ///
-/// The head is at hand. Every other place, the end among them, is reached by walking from the head.
+/// An operation at the head takes the same time for every list. Any other place, such as the end, is reached
+/// by a walk from the head.
 ///
-/// An object that ends because it is removed may change the list: what goes is out of the list before the
-/// first of it is released. For one thread at a time.
+/// An object that ends because it is removed may change the list: an operation takes all objects that it
+/// removes out of the list before it releases the first one. For one thread at a time.
 class PELVOR_EXPORT PBLinkedList : public NSObject {
     PELVOR_CLASS(PBLinkedList, NSObject);
     PELVOR_CREATORS(init);
@@ -57,7 +58,8 @@ class PELVOR_EXPORT PBLinkedList : public NSObject {
     /// `previous` unless that is null. The index may be the count: the result is null, and the last node is
     /// before it.
     PBLinkedListNode* nodeAtIndex_prevNode(NSUInteger index, PBLinkedListNode** previous);
-    /// Removes the node. `previous` is the node before it, null for the head; does nothing if it is not.
+    /// Removes the node. `previous` is the node before it, null for the head. Does nothing if `previous` is
+    /// another node.
     void removeNode_withPreviousNode(PBLinkedListNode* node, PBLinkedListNode* previous);
     void removeObjectAtIndex(NSUInteger index);
     void removeObjectsInRange(NSRange range);

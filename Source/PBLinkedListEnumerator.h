@@ -15,9 +15,9 @@ class PBLinkedListNode;
 ///     while (id object = walk->nextObject())
 ///         if (isDone(object)) walk->removeLastObject();
 ///
-/// It does not retain the list. During the walk the list may change only by `removeLastObject`, by what the
-/// end of an object does that was removed in this way, and by additions at the tail before the last object
-/// has been returned.
+/// The enumerator does not retain the list. During the walk the list may change only in three ways: by
+/// `removeLastObject`; by an object that ends because `removeLastObject` removed it; and by additions at the
+/// tail, as long as the last object has not been returned.
 class PELVOR_EXPORT PBLinkedListEnumerator final : public NSEnumerator {
     PELVOR_CLASS(PBLinkedListEnumerator, NSEnumerator);
 

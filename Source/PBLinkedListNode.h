@@ -6,7 +6,10 @@
 
 namespace pelvor {
 
-/// A place in a list. It retains its object; the list owns its nodes.
+/// A place in a PBLinkedList. A node retains its object, and the list owns its nodes:
+///
+///     for (PBLinkedListNode* node = list->nodeAtIndex_prevNode(0, nullptr); node; node = node->next)
+///         use(node->object);
 class PELVOR_EXPORT PBLinkedListNode final : public NSObject {
     PELVOR_CLASS(PBLinkedListNode, NSObject);
 

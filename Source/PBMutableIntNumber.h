@@ -6,7 +6,12 @@
 
 namespace pelvor {
 
-/// A 32-bit integer that changes. For one thread at a time.
+/// A 32-bit integer that changes:
+///
+///     PBMutableIntNumber* pages = PBMutableNumber::numberWithInt(41);
+///     int count = pages->increment();  // 42
+///
+/// For one thread at a time.
 class PELVOR_EXPORT PBMutableIntNumber : public PBMutableNumber {
     PELVOR_CLASS(PBMutableIntNumber, PBMutableNumber);
     PELVOR_CREATORS(initWithInt);
@@ -16,7 +21,8 @@ class PELVOR_EXPORT PBMutableIntNumber : public PBMutableNumber {
 
     int intValue() override { return _value; }
     void setIntValue(int value) { _value = value; }
-    // These return the new value, which wraps around at both ends.
+    // These return the new value. The value behind the largest integer is the smallest one, and the other way
+    // round.
 
     int increment();
     int decrement();

@@ -58,7 +58,7 @@ void post(NSNotificationCenter* center, NSNotification* notification) {
         sendSuper(PBNotificationCenter::classObject(), center, "postNotification:"_sel, notification);
 }
 
-// A name that was disabled after it was queued is posted all the same.
+// A name is posted even if it was disabled after it was queued.
 void postDelayedNotifications(NSNotificationCenter* center) {
     if (!queuedDelayedNames) return;
     Retained<NSSet> names = NSSet::initWithSet(queuedDelayedNames);

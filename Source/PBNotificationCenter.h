@@ -27,17 +27,17 @@ struct PELVOR_EXPORT NSNotificationCenter_PelvorAdditions {
 
 extern const Category NSNotificationCenter_PelvorAdditions_category;
 
-/// The class that the default centre takes on when a name is first disabled. It drops notifications of
-/// disabled names, in whatever way they are posted. Of two noisy names, "NSFontSetChangedNotification" and
-/// "NSAntialiasThresholdChangedNotification", it holds notifications back until the next idle moment, and
-/// then posts each name once, without sender and dictionary, even if the name was disabled meanwhile. Main
-/// thread.
+/// The class that the default centre gets when a name is first disabled. The centre then drops notifications
+/// with disabled names, in whatever way they are posted. Notifications with one of two noisy names,
+/// "NSFontSetChangedNotification" and "NSAntialiasThresholdChangedNotification", wait until the next idle
+/// moment; the centre then posts each name once, without sender and dictionary, even if the name was disabled
+/// meanwhile. Main thread.
 class PELVOR_EXPORT PBNotificationCenter : public NSNotificationCenter {
     PELVOR_CLASS(PBNotificationCenter, NSNotificationCenter);
     PELVOR_INHERITED_CREATORS(init);
 
   public:
-    /// Gives the default centre this class. Only the first call in the process does something.
+    /// Gives the default centre this class. Only the first call in the process has an effect.
     static void doPosing();
 
   protected:

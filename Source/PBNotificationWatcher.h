@@ -19,18 +19,19 @@ class PELVOR_EXPORT PBNotificationWatcher : public NSObject {
     PELVOR_CREATORS(initWithNotificationCenter);
 
   public:
-    /// Makes a watcher that watches nothing yet. It retains the centre.
+    /// Makes a watcher that watches nothing yet. The watcher retains the centre.
     static Retained<PBNotificationWatcher> initWithNotificationCenter(NSNotificationCenter* center,
                                                                       Class* cls = classObject());
 
-    /// Watches the object for the names, instead of what was watched before. A null object stands for any
-    /// sender, a null list for all names. The object is not retained.
+    /// Watches the object for notifications with these names, and ends what the watcher watched before. A
+    /// null object stands for any sender, a null list for all names. The object is not retained.
     void watchObject_notifications(id object, NSArray* names);
-    /// Watches nothing.
+    /// Ends the watch.
     void watchNone();
-    /// Watches nothing for good, and releases the centre.
+    /// Ends the watch for good, and releases the centre.
     void invalidate();
-    /// Called with each notification that is watched for. Does nothing; subclasses override it.
+    /// Called with each notification that the watcher watches for. This class does nothing; subclasses
+    /// override the operation.
     virtual void didPostNotification(NSNotification* notification) {}
 
   protected:

@@ -16,9 +16,9 @@ namespace pelvor {
 ///     …
 ///     pool->poolObject(spare);
 ///
-/// This is the raw form for use inside an allocation and a release: it owns what it holds, but takes
-/// references over instead of adding any, and does not lock. Whoever shares it between threads takes `_lock`
-/// around each call. PBExternalObjectPool is the form for everybody else.
+/// This is the raw form, for code that allocates and releases objects itself: the pool takes references over
+/// instead of adding them, and does not lock. Callers that share a pool between threads take `_lock` around
+/// each call. PBExternalObjectPool is the form for all other code.
 class PELVOR_EXPORT PBObjectPool : public NSObject {
     PELVOR_CLASS(PBObjectPool, NSObject);
     PELVOR_CREATORS(initWithCapacity);
@@ -30,13 +30,14 @@ class PELVOR_EXPORT PBObjectPool : public NSObject {
     /// Takes over the caller's reference to the object. Returns false, and does nothing, if the object is
     /// null or the pool is full.
     virtual bool poolObject(id object);
-    /// Takes out the object that came last, with the pool's reference to it; null when the pool is empty.
+    /// Takes out the object that came last, and gives the pool's reference to the caller. Returns null if the
+    /// pool is empty.
     Retained<Object> popObject() { return takeTop(); }
     /// "<PBObjectPool 0x…> 2 of 50, with a lock": how many objects the pool holds and how many it can.
     NSString* description() override;
 
-    // C++ only. May be asked without the lock, to see whether taking it is worth while: the answer may be old
-    // at once.
+    // C++ only. These may be called without the lock, to see whether it is worth while to take it: another
+    // thread may change the pool at once.
 
     bool isEmpty() const { return _count.load(std::memory_order_relaxed) == 0; }
     bool isFull() const { return _count.load(std::memory_order_relaxed) >= _capacity; }

@@ -61,8 +61,8 @@ NSString* PBObserverSet::description() {
 
 namespace {
 
-// Objects beyond those that the method takes are dropped. The class of a proxy has no such method, so the
-// proxy itself is asked for the signature.
+// Objects that the method does not take are dropped. The class of a proxy has no such method, so the
+// signature comes from the proxy itself.
 void performOn(id observer, SEL selector, const id (&objects)[3]) {
     auto kept = Retained<Object>::retaining(observer);
     NSMethodSignature* signature = observer->class_()->signatureOfInstanceMethod(selector);

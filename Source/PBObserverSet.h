@@ -31,8 +31,8 @@ class PELVOR_EXPORT PBObserverSet : public NSObject {
     /// "PBObserverSet {", a line with a tab and the description of each reference, and "}".
     NSString* description() override;
 
-    // Broadcasts. The message goes to each observer that responds to it, in the order of the set, with as
-    // many of the objects as its method takes. Observers may add, remove and destroy themselves and each
+    // Broadcasts. The message goes to each observer that responds to it, in the order of the set. The method
+    // gets as many of the objects as it takes. Observers may add, remove and destroy themselves and each
     // other, and invalidate the set: an observer that is removed before its turn is not called, and neither
     // is one that is added during the broadcast. An exception of an observer leaves the broadcast; the
     // observers after it are not called.

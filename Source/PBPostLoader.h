@@ -39,8 +39,8 @@ extern PELVOR_EXPORT std::atomic<int> PBExceptionHandlingNestLevel;
 /// standard error, and the next hook is called.
 ///
 /// A bundle that is loaded later passes through all phases inside `NSBundle::load`, and then its profiles are
-/// added to the registry. Cycles run on the main thread; those of bundles that other threads load wait for
-/// each other.
+/// added to the registry. Cycles run on the main thread; the cycles of bundles that other threads load run
+/// one after the other.
 class PELVOR_EXPORT PBPostLoader : public NSObject {
     PELVOR_CLASS(PBPostLoader, NSObject);
 
@@ -49,16 +49,17 @@ class PELVOR_EXPORT PBPostLoader : public NSObject {
     /// must not be used, then initialises the bundle class and begins to listen for bundles and threads.
     static void initialize(Class* cls);
 
-    /// Runs one cycle with everything. A host registers its own classes first.
+    /// Runs one cycle with all phases and the start of the registry. A host registers its own classes before
+    /// this call.
     static void processClasses();
     /// Runs one cycle with posing.
     static void processClassesStartingRegistry(bool startRegistry);
     /// Runs one cycle: `performPosing` if wanted, the start of the profile registry if wanted, `didLoad`,
     /// `activateToolkit`, and `becomingMultiThreaded` if there is a second thread.
     static void processClassesStartingRegistry_posing(bool startRegistry, bool posing);
-    /// Calls the hooks with this name of all classes, as far as they were never called, and goes through the
-    /// classes again until there is nothing to call. With `initialize`, a class is initialised before its
-    /// first hook.
+    /// Calls the hooks with this name of all classes, except hooks that were called before, and goes through
+    /// the classes again until no hook is left to be called. With `initialize`, a class is initialised before
+    /// its first hook.
     static void processSelector_initialize(SEL selector, bool initialize);
     /// Called for every bundle that was loaded: runs a cycle without the start of the registry, and then adds
     /// the profiles of the bundle.
@@ -79,7 +80,7 @@ class PELVOR_EXPORT PBPostLoader : public NSObject {
 
 /// "OFOverrides": the behaviour of path strings while the bundle class is being initialised.
 extern const Category NSPathStore2_OFOverrides_category;
-/// The path itself: symbolic links are not resolved.
+/// Returns the path itself: symbolic links are not resolved.
 PELVOR_EXPORT NSString* replacement_stringByResolvingSymlinksInPath(NSPathStore2* path);
 
 }  // namespace pelvor

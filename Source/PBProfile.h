@@ -15,8 +15,7 @@ namespace pelvor {
 ///     NSString* name = reader->localize(cast<NSString>(reader->valueForKey(PBProfileNameKey)));
 ///     Class* cls = reader->profileClass();
 ///
-/// A profile does not change once it is made. Two profiles are equal only if they are the same object. Main
-/// thread.
+/// A profile never changes. Two profiles are equal only if they are the same object. Main thread.
 class PELVOR_EXPORT PBProfile : public NSObject {
     PELVOR_CLASS(PBProfile, NSObject);
     PELVOR_CREATORS(profileWithIdentifier_dictionary_bundle, initWithIdentifier_dictionary_bundle);
@@ -26,10 +25,10 @@ class PELVOR_EXPORT PBProfile : public NSObject {
 
     static PBProfile* profileWithIdentifier_dictionary_bundle(id identifier, NSDictionary* dictionary,
                                                               NSBundle* bundle, Class* cls = classObject());
-    /// Makes a profile from copies of the identifier, which is a string in most cases, and of the dictionary.
-    /// It retains the bundle. Everywhere in the dictionary, also in dictionaries and arrays inside it, a
-    /// value "val" becomes the pasteboard type of PDF data. A null dictionary makes a profile without
-    /// entries; the bundle may be null.
+    /// Makes a profile from a copy of the identifier, which is a string in most cases, and a copy of the
+    /// dictionary. The profile retains the bundle. Everywhere in the dictionary, also in dictionaries and
+    /// arrays inside it, a value "val" becomes the pasteboard type of PDF data. A null dictionary makes a
+    /// profile without entries; the bundle may be null.
     static Retained<PBProfile> initWithIdentifier_dictionary_bundle(id identifier, NSDictionary* dictionary,
                                                                     NSBundle* bundle,
                                                                     Class* cls = classObject());
@@ -37,9 +36,9 @@ class PELVOR_EXPORT PBProfile : public NSObject {
     id identifier() { return _identifier.get(); }
     NSBundle* bundle() { return _bundle.get(); }
 
-    /// The entry under the key, null if there is none.
+    /// The entry under the key; null if the key has no entry.
     virtual id valueForKey(id key);
-    /// The same as `valueForKey`.
+    /// Returns what `valueForKey` returns.
     id objectForKey(id key) { return valueForKey(key); }
 
     /// The entry of PBProfileTypeKey: a string, or an array of strings.

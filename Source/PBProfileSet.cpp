@@ -100,7 +100,7 @@ PBProfile* PBProfileSet::profileWithIdentifier(id identifier) {
     return _profiles ? cast<PBProfile>(_profiles->objectForKey(identifier)) : nullptr;
 }
 
-// Raises if a profile that is asked for its entry changes the set.
+// Raises if a profile changes the set while its entry is looked up.
 template <class Filter>
 NSDictionary* PBProfileSet::filtered(id key, Filter passes) {
     update();

@@ -8,20 +8,21 @@ namespace pelvor {
 
 class NSArray;
 
-/// Those profiles of another set, the parent, that have a key, or have one of some values under a key:
+/// The profiles of another set, the parent, that have a certain key, or that have one of certain values under
+/// a key:
 ///
 ///     PBProfileSet* readers = PBRegistry::sharedRegistry()->profilesOfType(PBProfileDocumentReaderType);
 ///     for (id profile : readers->profilesWithKey(PBProfileFormatsKey)->profiles()) …
 ///
-/// The parent of a parent leads up to the registry. A set that is asked after the registry has changed first
-/// filters its parent again.
+/// The parents of sets lead up to the registry. If the registry has changed since a set was made, the next
+/// query makes the set filter its parent again.
 ///
-/// A key may be an array. It is a path then, which leads from the profile's entry through dictionaries inside
-/// it. A value matches an entry that is equal to it, and an entry that is an array with an equal element. The
-/// entry "*", alone or in an array, matches every value. The value "*" matches every profile, also one
-/// without the key.
+/// A key may be an array. Such a key is a path, which leads from an entry of the profile through the
+/// dictionaries inside this entry. A value matches an entry that is equal to the value, and an entry that is
+/// an array with an equal element. The entry "*", alone or in an array, matches every value. The value "*"
+/// matches every profile, even a profile without the key.
 ///
-/// A profile of a subclass that changes the registry while it is asked for an entry raises
+/// If a profile of a subclass changes the registry in its `valueForKey`, the query that called it raises
 /// NSGenericException. A set retains its parent and its profiles. The order of the profiles means nothing.
 /// Main thread.
 class PELVOR_EXPORT PBProfileSet : public NSObject {
@@ -31,10 +32,10 @@ class PELVOR_EXPORT PBProfileSet : public NSObject {
   public:
     /// Makes an empty set without a parent.
     static Retained<PBProfileSet> init(Class* cls = classObject());
-    /// Makes a set of `profiles`, a dictionary of PBProfiles by their identifiers, which are those of
-    /// `parent` that match. `value` is null if having the key is enough; with `any` it is an array of values
-    /// of which one must match. `version` is that of the registry at this moment. Retains the parent and
-    /// copies the other objects.
+    /// Makes a set of `profiles`, a dictionary with the PBProfiles of `parent` that match, by their
+    /// identifiers. A null `value` stands for any value under the key. With `any`, `value` is an array of
+    /// values, one of which has to match. `version` is the version of the registry at this moment. The set
+    /// retains the parent and copies the other objects.
     static Retained<PBProfileSet> initWithParent_value_key_any_version_profiles(PBProfileSet* parent,
                                                                                 id value, id key, bool any,
                                                                                 std::uint32_t version,
@@ -46,7 +47,7 @@ class PELVOR_EXPORT PBProfileSet : public NSObject {
     /// All profiles, as PBProfiles.
     NSArray* profiles();
     NSArray* identifiers();
-    /// The profile with the identifier, null if the set has none.
+    /// The profile with the identifier; null if the set does not contain one.
     PBProfile* profileWithIdentifier(id identifier);
 
     // Filters that return dictionaries of PBProfiles by their identifiers, borrowed
@@ -65,12 +66,12 @@ class PELVOR_EXPORT PBProfileSet : public NSObject {
 
     // Staying up to date
 
-    /// Returns the version of the registry at the time when the set was made; the version of a registry
-    /// counts its changes. It sets nothing, in spite of its name.
+    /// Returns the version that the registry had when the set was made; the version of a registry counts its
+    /// changes. The name means "the version of the set": the operation sets nothing.
     virtual std::uint32_t setVersion() { return _version; }
-    /// Whether the registry has not changed since the set was made; always true for a registry. Once false it
-    /// stays false, since the version of a set does not change: the set filters its parent for every query
-    /// from then on.
+    /// Whether the registry has not changed since the set was made; always true for a registry. The result
+    /// never becomes true again, since the version of a set does not change: from the first change on, the
+    /// set filters its parent for every query.
     bool isUpToDate();
     /// Called at the beginning of every query: filters the profiles of the parent again if the set is not up
     /// to date. A set without a parent has no profiles from then on.

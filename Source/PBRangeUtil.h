@@ -38,23 +38,24 @@ enum PBSelectionMode : int {
 PELVOR_EXPORT int PBCompareRanges(id obj1, id obj2, void* ignored);
 
 /// The index of the first range in the list that equals `findRng` or shares a position with it; NSNotFound if
-/// there is none. An empty `findRng` shares a position with a range if the character at its location is in
+/// no range does. An empty `findRng` shares a position with a range if the character at its location is in
 /// that range. The list need not be normalised.
 PELVOR_EXPORT NSUInteger PBIndexOfRangeInRanges(NSRange findRng, NSArray* rngs);
 
-/// Where `adjRng` is after text was inserted, which now has the range `inRng`. An insertion at the start of
-/// the range moves it, one inside lengthens it, one at the end leaves it alone.
+/// The range `adjRng` after an insertion of text, which now has the range `inRng`. Text that is inserted at
+/// the start of the range moves the range, text inside lengthens it, and text at its end does not change it.
 constexpr NSRange PBAdjustedRangeForInsertedRange(NSRange adjRng, NSRange inRng) {
     if (adjRng.location == NSNotFound) return adjRng;
     if (adjRng.location >= inRng.location) return {adjRng.location + inRng.length, adjRng.length};
     if (PBMaxRange(adjRng) > inRng.location) return {adjRng.location, adjRng.length + inRng.length};
     return adjRng;
 }
-/// Where `adjRng` is after the text at `remRng` was removed. A removal that begins before the range and ends
-/// inside moves the location by the whole length that was removed.
+/// The range `adjRng` after the text at `remRng` was removed. A removal that begins before the range and ends
+/// inside it moves the location of the range back by the whole length of the removed text.
 PELVOR_EXPORT NSRange PBAdjustedRangeForRemovedRange(NSRange adjRng, NSRange remRng);
-/// Where `adjRng` is after an edit. `modRng` is the range of the edited text after the edit, which made it
-/// longer by `delta`. A range that began or ended inside the edited text covers all of that text afterwards.
+/// The range `adjRng` after an edit. `modRng` is the range that the edited text has after the edit, and
+/// `delta` is the number of units by which the edit made the text longer. A range that began or ended inside
+/// the edited text covers the whole edited text afterwards.
 PELVOR_EXPORT NSRange PBAdjustedUnionRangeForModifiedRange(NSRange adjRng, NSRange modRng, NSInteger delta);
 
 /// The union of two ranges that overlap or touch, else PBNotFoundRange.
@@ -63,9 +64,9 @@ PELVOR_EXPORT NSRange PBContiguousUnionRange(NSRange rng1, NSRange rng2);
 /// returns how many there are: 0, 1 or 2. An empty range at either bound of `subRng` counts as inside.
 PELVOR_EXPORT int PBSubtractionRanges(NSRange rng, NSRange subRng, NSRange* resPtr);
 
-/// The list in order, with overlapping and touching ranges merged. A list of less than two entries is
-/// returned itself. Empty ranges inside others are removed; with `isRemZeros` all empty ranges are, unless
-/// one sorts first.
+/// The list in order, with overlapping and touching ranges merged. A list with less than two entries is
+/// returned unchanged. Empty ranges inside other ranges are removed. With `isRemZeros`, all empty ranges are
+/// removed, except one that sorts before all other ranges.
 PELVOR_EXPORT NSArray* PBNormalizeRanges(NSArray* ranges, bool isRemZeros);
 /// The list with the range added, normalised, without empty ranges. A null list counts as an empty one.
 PELVOR_EXPORT NSArray* PBAddRangeToNormalizedRanges(NSRange addRng, NSArray* rngs);

@@ -28,9 +28,10 @@ extern PELVOR_EXPORT NSString* const PBDisabledProfilesKey;
 ///
 /// PBPostLoader starts the shared registry and adds the profiles of bundles that are loaded later.
 ///
-/// Of several profiles with one identifier the last that is added stays. Profiles are never removed.
-/// `setVersion` counts the additions. A declaration file that cannot be read adds nothing, and one line of
-/// the platform's log names the bundle, the file and the reason, with line and column. Main thread.
+/// A profile that is added replaces an earlier profile with the same identifier. Profiles are never removed
+/// in another way. `setVersion` counts the additions. A declaration file that cannot be read adds nothing,
+/// and one line of the platform's log names the bundle, the file and the reason, with line and column. Main
+/// thread.
 class PELVOR_EXPORT PBRegistry : public PBProfileSet, PBProfileSet::HiddenCreators {
     PELVOR_CLASS(PBRegistry, PBProfileSet);
     PELVOR_CREATORS(init);
@@ -41,31 +42,32 @@ class PELVOR_EXPORT PBRegistry : public PBProfileSet, PBProfileSet::HiddenCreato
 
     /// The registry of the process. It is empty at first, and null only if null was set.
     static PBRegistry* sharedRegistry();
-    /// Makes this the shared registry; it may be null. Sets that exist stay with the registry that they came
-    /// from, but compare their versions with that of the new one.
+    /// Makes `registry`, which may be null, the shared registry. Existing sets still belong to the registry
+    /// that they came from, but compare their versions with the version of the new registry.
     static void setSharedRegistry(PBRegistry* registry);
 
     /// Makes an empty registry.
     static Retained<PBRegistry> init(Class* cls = classObject());
 
     /// Reads the declarations of all frameworks and then those of all other bundles, each list from its end
-    /// to its beginning. So of profiles with one identifier a bundle's beats a framework's, and one nearer
-    /// the front of the list beats those behind it. PBPostLoader calls this once; a second call reads
-    /// everything again.
+    /// to its beginning. If several bundles declare the same identifier, the profile of a bundle therefore
+    /// counts more than that of a framework, and the profile of a bundle nearer to the front of the list
+    /// counts more than that of a bundle behind it. PBPostLoader calls this operation once; a second call
+    /// reads everything again.
     virtual void startRegistry();
     /// Reads the bundle's declaration file, if it has one, as `addProfilesFromPath_bundle` does.
     virtual void addProfilesFromBundle(NSBundle* bundle);
-    /// Adds the profiles of one declaration file as those of `bundle`, which may be null, and then posts
-    /// PBProfilesDidChangeNotification: once for all of them, and also when there was nothing to read.
+    /// Adds the profiles of one declaration file; they belong to `bundle`, which may be null. Then posts
+    /// PBProfilesDidChangeNotification once, even if there was nothing to read.
     virtual void addProfilesFromPath_bundle(NSString* path, NSBundle* bundle);
-    /// Adds the profile, or replaces the one with the same identifier, and posts
+    /// Adds the profile, in the place of a profile with the same identifier if there is one, and posts
     /// PBProfilesDidChangeNotification. Raises NSInvalidArgumentException if the profile or its identifier is
     /// null.
     virtual void addProfile(PBProfile* profile);
     /// Posts PBProfilesDidChangeNotification, unless a file is being read.
     virtual void _postProfilesDidChange();
-    /// If the shared registry is asked for profiles, but none was added and the load-time sequence never ran,
-    /// one line of the log says so, once.
+    /// Writes one line to the log, once, if this is a query of the shared registry while no profile was added
+    /// and the load-time sequence never ran.
     void update() override;
 
     /// The string in the user's language: what the profile with the identifier returns for `localize`, or if
@@ -89,7 +91,8 @@ class PELVOR_EXPORT PBRegistry : public PBProfileSet, PBProfileSet::HiddenCreato
 
 /// A class operation of every class. A class that stands for a profile overrides it.
 struct PELVOR_EXPORT NSObject_PBProfileAccess {
-    /// The identifier of the profile that the class stands for; null, since most classes stand for none.
+    /// The identifier of the profile that the class stands for. This implementation returns null, since most
+    /// classes stand for no profile.
     static id identifier();
 };
 extern const Category NSObject_PBProfileAccess_category;

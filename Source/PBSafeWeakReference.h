@@ -12,10 +12,10 @@ namespace pelvor {
 ///     auto owner = PBSafeWeakReference::initWithObject(document);
 ///     send(owner, "pageDidChange:"_sel, page);  // reaches the document while it lives
 ///
-/// Once the target has been destroyed, or has another class than when the proxy was made, the proxy knows no
-/// signatures: a message to it is not understood, and an invocation that reaches it is dropped. The memory of
-/// a destroyed target is not touched. A target that raises is forgotten for good. For one thread at a time;
-/// the target may end on any thread.
+/// Once the target has been destroyed, or has got another class than it had when the proxy was made, the
+/// proxy returns no signatures: messages to the proxy are not understood, and an invocation that reaches it
+/// is dropped. The proxy does not touch the memory of a destroyed target. A target that raises is forgotten
+/// for good. For one thread at a time; the target may end on any thread.
 class PELVOR_EXPORT PBSafeWeakReference : public NSProxy {
     PELVOR_CLASS(PBSafeWeakReference, NSProxy);
     PELVOR_CREATORS(initWithObject);

@@ -6,7 +6,8 @@
 
 namespace pelvor {
 
-/// An enumerator that returns one object, which it retains until then. For one thread at a time.
+/// An enumerator that returns one object. It retains the object until `nextObject` returns it. For one thread
+/// at a time.
 class PELVOR_EXPORT PBSingleObjectEnumerator : public NSEnumerator {
     PELVOR_CLASS(PBSingleObjectEnumerator, NSEnumerator);
     PELVOR_CREATORS(initWithObject);

@@ -17,8 +17,8 @@ namespace pelvor {
 ///     string->codepointCount();                                 // 3 code points
 ///     string->unicharRangeForCodepointsWithRange({2, 1});       // {3, 1}
 ///
-/// A code point above 0xFFFF is a surrogate pair of two units; places of units are found by a list of these
-/// pairs alone. Code points are not checked; one above 0x10FFFF becomes some pair. Any thread.
+/// A code point above 0xFFFF is a surrogate pair of two units; the string keeps a list of these pairs, by
+/// which it finds units. Code points are not checked: a value above 0x10FFFF becomes some pair. Any thread.
 ///
 /// Operations raise NSRangeException for a range or an index outside the string, and
 /// NSInvalidArgumentException for a null string and for null code points with a count. Two oddities:

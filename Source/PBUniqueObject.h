@@ -11,7 +11,7 @@ namespace pelvor {
 ///     static PBUniqueObject* const kLayoutKey = make<PBUniqueObject>().leak();
 ///     info->setObject_forKey(layout, kLayoutKey);
 ///
-/// A copy is the same instance, so that a dictionary that copies its keys finds it again. Any thread.
+/// A copy is the same instance, so the key is found again in a dictionary, which copies its keys. Any thread.
 class PELVOR_EXPORT PBUniqueObject : public NSObject {
     PELVOR_CLASS(PBUniqueObject, NSObject);
 

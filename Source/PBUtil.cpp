@@ -23,11 +23,11 @@ id sharedFeedbackController = nullptr;
 NSString* toolboxIdentifier = nullptr;
 NSBundle* toolboxBundle = nullptr;
 
-// A bundle returns this for a key that it lacks. It is known by its address, since a table may hold the same
-// text.
+// A bundle returns this string for a key that it lacks. The string is recognised by its address, since a
+// table may contain an equal text.
 constinit NSConstantString notFound{u"__PBLocalizedStringNotFound__"};
 
-// The text of the bundle for the key; null if it has none, and for a null bundle.
+// The text of the bundle for the key; null if the bundle has no such text, and for a null bundle.
 NSString* localizedIn(NSBundle* bundle, NSString* key) {
     if (!bundle) return nullptr;
     NSString* text = bundle->localizedStringForKey_value_table(key, &notFound, nullptr);

@@ -13,11 +13,12 @@ class NSCharacterSet;
 
 // Localisation
 
-/// The toolbox bundle, which is the bundle of the host: the one with the identifier that was set, else with
-/// that of the main bundle. It is kept once it has been found; null if there is none yet. Main thread.
+/// The toolbox bundle, which is the bundle of the host: the bundle with the identifier that
+/// PBSetToolboxBundleIdentifier was given, or else with the identifier of the main bundle. Returns null if
+/// there is no such bundle yet; once the bundle is found, it is kept. Main thread.
 PELVOR_EXPORT NSBundle* _PBDoToolboxBundle();
-/// Sets the identifier of the toolbox bundle, null for that of the main bundle. The bundle is looked up
-/// again.
+/// Sets the identifier of the toolbox bundle; null stands for the identifier of the main bundle. The next
+/// call looks the bundle up again.
 PELVOR_EXPORT void PBSetToolboxBundleIdentifier(NSString* identifier);
 
 /// The text for the key `rawStr` in the user's language: from the default strings table of the toolbox
@@ -59,11 +60,12 @@ PELVOR_EXPORT IMP PBRegisterInstanceMethodWithSelector(Class* aClass, SEL oldSel
 /// new code cannot be called with all objects that have the method.
 PELVOR_EXPORT IMP PBReplaceMethodImplementation(Class* aClass, SEL oldSelector, IMP newImp);
 
-/// Does the same with the implementation of another method of the class, `newSelector`, which may be
-/// inherited. Raises NSInvalidArgumentException if there is no such method.
+/// Gives the method of `oldSelector` the implementation of another method of the class, `newSelector`, which
+/// may be inherited. Raises NSInvalidArgumentException if there is no such method.
 PELVOR_EXPORT IMP PBReplaceMethodImplementationWithSelector(Class* aClass, SEL oldSelector, SEL newSelector);
 
-/// Does the same for a method of `destClass` with the implementation of a method of `sourceClass`.
+/// Gives the method of `oldSelector` in `destClass` the implementation of the method of `newSelector` in
+/// `sourceClass`.
 PELVOR_EXPORT IMP PBReplaceMethodImplementationWithSelectorOnClass(Class* destClass, SEL oldSelector,
                                                                    Class* sourceClass, SEL newSelector);
 
@@ -88,10 +90,11 @@ PELVOR_EXPORT NSString* PBSystemVersion();
 // The feedback controller: one object for the whole process, which the library keeps and does not use.
 
 PELVOR_EXPORT id PBSharedFeedbackController();
-/// Retains the controller, which may be null, and releases the previous one. Does nothing if it is the same.
+/// Retains the controller, which may be null, and releases the previous controller. Does nothing if both are
+/// the same object.
 PELVOR_EXPORT void PBSetSharedFeedbackController(id fc);
 
-// The debug menu. What is shipped has none: these functions do nothing.
+// The debug menu. The library that is shipped has no debug menu: these functions do nothing.
 
 PELVOR_EXPORT void PBAddDebugMenuItem(id target, NSString* title, SEL action);
 PELVOR_EXPORT void PBAddDebugMenuItemWithObjectAndTitleAndAction(id target_title_action);

@@ -6,7 +6,7 @@
 
 namespace pelvor {
 
-/// The class whose hook makes the shared character sets. It has no instances of interest.
+/// The class whose hook makes the shared character sets (PBUtil.h). A host has no use for the class itself.
 class PELVOR_EXPORT PBUtil_Dummy : public NSObject {
     PELVOR_CLASS(PBUtil_Dummy, NSObject);
 

@@ -21,7 +21,7 @@ namespace {
 // ends, and held for a few instructions, so that a thread spins for it instead of going to sleep.
 class SparePool {
   public:
-    // Takes a reference out; null if there is none.
+    // Takes a reference out; returns null if the pool is empty.
     PBWeakReference* take() noexcept {
         if (_pool->isEmpty()) return nullptr;
         std::lock_guard guard(*this);

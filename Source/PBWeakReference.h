@@ -12,8 +12,8 @@ class NSArray;
 class NSMutableSet;
 class NSSet;
 
-/// A reference to an object that does not retain it, for collections that are not to keep their objects
-/// alive. It hashes and compares as the identity of its object:
+/// A reference that does not retain its object, for collections that are not to keep their objects alive.
+/// Hash and comparison of a reference stand for the identity of its object:
 ///
 ///     auto watchers = NSMutableSet::init();
 ///     addWeakReferenceObject(watchers, view);        // the set holds a reference to the view
@@ -22,8 +22,8 @@ class NSSet;
 /// The reference is not cleared when its object ends: an object leaves the collections that hold references
 /// to it before it is destroyed. (PBSafeWeakReference notices the end of its object.)
 ///
-/// References do not change. Up to 50 that have ended wait in a pool, and the one that came last is used
-/// again first; this holds for this very class, not for subclasses. Any thread.
+/// References do not change. Up to 50 references that have ended wait in a pool, and the reference that came
+/// last is used again first. Objects of subclasses do not go to the pool. Any thread.
 class PELVOR_EXPORT PBWeakReference : public NSObject {
     PELVOR_CLASS(PBWeakReference, NSObject);
     PELVOR_CREATORS(weakReferenceWithObject, initWithObject);
@@ -49,8 +49,8 @@ class PELVOR_EXPORT PBWeakReference : public NSObject {
     Retained<PBWeakReference> copy() { return Retained<PBWeakReference>::retaining(this); }
 
     // C++ only
-    /// The same as the inherited operation, but quicker for the only owner: the count need not be taken down
-    /// for a reference that goes to the pool.
+    /// Does what the inherited operation does, but more quickly for the only owner: the count need not be
+    /// changed for a reference that goes to the pool.
     void release() noexcept {
         if (!isOnlyReference() || !recycle()) Object::release();
     }
@@ -73,10 +73,10 @@ class PELVOR_EXPORT PBWeakReference : public NSObject {
 // Look-ups by a reference to `object`. In an array each entry is asked whether it is equal to the reference;
 // a set that holds the object itself counts as holding a reference to it.
 
-/// The index of the first reference to the object, NSNotFound if there is none.
+/// The index of the first reference to the object; NSNotFound if there is no such reference.
 PELVOR_EXPORT NSUInteger indexOfWeakReferenceObject(NSArray* array, id object);
 PELVOR_EXPORT bool containsWeakReferenceObject(NSSet* set, id object);
-/// Adds a reference to the object unless an equal member is there.
+/// Adds a reference to the object, unless the set has an equal member.
 PELVOR_EXPORT void addWeakReferenceObject(NSMutableSet* set, id object);
 PELVOR_EXPORT void removeWeakReferenceObject(NSMutableSet* set, id object);
 

@@ -6,7 +6,8 @@
 
 namespace pelvor {
 
-/// A place for warnings about assertions when a process starts. What is shipped has no such warnings.
+/// A place for warnings about assertions when a process starts. The library that is shipped has no such
+/// warnings, so the hooks do nothing.
 class PELVOR_EXPORT _PBAssertionWarning : public NSObject {
     PELVOR_CLASS(_PBAssertionWarning, NSObject);
 

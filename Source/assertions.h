@@ -6,14 +6,15 @@
 
 namespace pelvor {
 
-// `type` is the kind of assertion, `expression` the condition that failed, `file` and `lineNumber` its place.
-// Texts are UTF-8.
+// What these functions are given: `type` is the kind of assertion, `expression` the condition that failed,
+// and `file` and `lineNumber` the place of the assertion in the source. Texts are UTF-8.
 
-/// Called when a condition fails that the code cannot do without. Does nothing, so that the caller goes on.
+/// To be called when a condition fails without which the code cannot do its work. This function does nothing
+/// and returns, so the caller goes on.
 PELVOR_EXPORT void PBAssertFailed(const char* type, const char* expression, const char* file, int lineNumber);
 
-/// Called when a condition fails that the code can do without. Logs one line, "*** Assertion failed: requires
-/// 'count > 0', file PBTrie.cpp, line 12", and the caller goes on.
+/// To be called when a condition fails without which the code can still do its work. Logs one line, "***
+/// Assertion failed: requires 'count > 0', file PBTrie.cpp, line 12", and the caller goes on.
 PELVOR_EXPORT void PBSoftAssertFailed(const char* type, const char* expression, const char* file,
                                       int lineNumber);
 

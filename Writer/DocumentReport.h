@@ -21,7 +21,7 @@ void reportCount(WRReport* report, const TextCount& count);
 /// The word or quantity and the paragraph at the position, and the word together with the one before it. The
 /// position must not be behind the end.
 void reportCaret(WRReport* report, WRDocument* document, NSUInteger position);
-/// What the writer answered that wrote the document to the path.
+/// What became of writing the document to the path. `answer` is what the writer returned.
 void reportWriting(WRReport* report, NSString* path, WRDocumentSaver* saver, NSDictionary* answer);
 
 }  // namespace pelvor

@@ -7,7 +7,7 @@
 
 namespace pelvor {
 
-/// The text for the key in Writer's own string table; the key without a translation is shown itself.
+/// The text for the key in Writer's own string table; the key itself if the table has no text for it.
 /// Borrowed.
 inline NSString* localized(NSString* key) { return _PBDoLocalize(key, nullptr); }
 

@@ -12,16 +12,16 @@ namespace pelvor {
 /// class or its `init` returns null.
 Retained<Object> makePlugInObject(PBProfile* profile);
 
-/// The answer that tells that the plug-in failed with the exception being handled. Only inside a catch
-/// clause. Borrowed.
+/// An answer with the error that the plug-in threw the exception which is being handled. To be called inside
+/// a catch clause only. Borrowed.
 NSDictionary* failureAnswer(PBProfile* profile);
 
-/// What is wrong with an answer, as a sentence for the user: the answer tells of an error, or has nothing
-/// under `key`. Null for a good answer. Borrowed.
+/// What is wrong with an answer, which is what a plug-in returned, as a sentence for the user: the answer has
+/// an error, or no entry under `key`. Null for a good answer. Borrowed.
 NSString* problemOfAnswer(NSDictionary* answer, NSString* key, PBProfile* profile);
 
-/// Sends a message to a new object of the profile's class and returns the answer: an empty one if the object
-/// returns null, one that tells of an error if the plug-in throws. Borrowed.
+/// Sends a message to a new object of the profile's class and returns the answer: an empty answer if the
+/// object returns null, and an answer with an error if the plug-in throws. Borrowed.
 template <class... Arguments>
 NSDictionary* askPlugIn(PBProfile* profile, SEL selector, const Arguments&... arguments) {
     try {

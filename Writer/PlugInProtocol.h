@@ -49,7 +49,7 @@ namespace pelvor {
 // A bundle whose information dictionary has WRLoadMomentKey with the value WRLoadMomentDocument is loaded
 // after the first document was opened; all others are loaded when Writer starts.
 
-// Keys of options and answers
+// Keys of options, and of answers: the dictionaries that plug-ins return
 
 /// A string: the text of the document.
 inline constexpr NSString* WRTextKey = u"text"_ns;

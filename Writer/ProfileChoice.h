@@ -9,8 +9,9 @@ namespace pelvor {
 /// The profiles of the set in ascending palette order, then by identifier. Borrowed.
 NSArray* profilesInOrder(PBProfileSet* profiles);
 
-/// Profiles of the type for a file at the path, best first: those whose document types name its extension,
-/// then those whose document types have "*"; each group in the order above. Borrowed.
+/// Profiles of the type for a file at the path, the best first: first the profiles whose document types name
+/// the extension of the file, then the profiles whose document types have "*". Each group is in the order of
+/// `profilesInOrder`. Borrowed.
 NSArray* profilesForDocument(PBProfileSet* profiles, NSString* type, NSString* path);
 
 /// Whether the profile's document types name the path's extension.

@@ -16,12 +16,13 @@ struct TextEdit {
 
 /// The greatest number that a user may write.
 inline constexpr NSUInteger kGreatestTextPosition = 999'999'999;
-/// The number that the text is; no value unless the text is digits alone and at most the number above.
+/// The number that the text stands for; no value unless the text consists of digits and the number is at most
+/// kGreatestTextPosition.
 std::optional<NSUInteger> textPositionOf(NSString* text);
 
-/// Reads "insert POSITION TEXT", "delete POSITION LENGTH" or "replace POSITION LENGTH TEXT"; no value if
-/// the line is none of these. The text goes on to the end of the line; "\n", "\t" and "\\" in it stand for a
-/// line end, a tab and a backslash.
+/// Reads "insert POSITION TEXT", "delete POSITION LENGTH" or "replace POSITION LENGTH TEXT"; no value for any
+/// other line. The text goes on to the end of the line; "\n", "\t" and "\\" in it stand for a line end, a tab
+/// and a backslash.
 std::optional<TextEdit> textEditOf(NSString* line);
 
 }  // namespace pelvor

@@ -26,13 +26,14 @@ struct TextParagraph {
 /// Goes on to the paragraph that starts where this one ends; false at the end of the text.
 bool nextParagraph(NSString* text, TextParagraph& paragraph);
 
-/// Counts a text piece by piece; the text must not change meanwhile. Words are words and quantities, as
-/// `wordRangeForRange_includePreviousWord` finds them. Not before the load-time hooks ran.
+/// Counts a text piece by piece; the text must not change meanwhile. Words and quantities, as
+/// `wordRangeForRange_includePreviousWord` finds them, count as words. To be used after the load-time hooks
+/// ran.
 class TextCounter {
   public:
     explicit TextCounter(NSString* text) : _text(Retained<NSString>::retaining(text)) {}
 
-    /// Goes on by about so many units, at least one and at most to the end.
+    /// Counts about `units` more units: at least one, and at most up to the end.
     void advance(NSUInteger units);
     /// How many units were counted.
     NSUInteger position() const { return _position; }
@@ -53,7 +54,8 @@ class TextCounter {
 /// are blank. Borrowed.
 NSString* firstLineOfText(NSString* text, NSUInteger length);
 
-/// The text, cut at `length` units between two characters and with an ellipsis then. Borrowed.
+/// The text. A longer text than `length` units is cut there, between two characters, and gets an ellipsis.
+/// Borrowed.
 NSString* excerptOfText(NSString* text, NSUInteger length);
 
 }  // namespace pelvor

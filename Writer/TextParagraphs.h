@@ -6,9 +6,9 @@
 
 namespace pelvor {
 
-/// Returns the paragraph at the front of `rest`, without its end, and moves `rest` behind it. Paragraphs
-/// end with CR LF, LF, CR, or a line or paragraph separator. The end of the text ends the last one; an empty
-/// text has none.
+/// Returns the paragraph at the front of `rest`, without its end, and moves `rest` behind it. Paragraphs end
+/// with CR LF, LF, CR, or a line or paragraph separator. The end of the text ends the last paragraph; an
+/// empty text has no paragraphs.
 inline std::u16string_view takeParagraph(std::u16string_view& rest) {
     const std::size_t end = rest.find_first_of(u"\n\r\u2028\u2029");
     const std::u16string_view paragraph = rest.substr(0, end);

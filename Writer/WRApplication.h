@@ -21,8 +21,8 @@ class WRPlugInLoader;
 class WRProgressLine;
 class WRReport;
 
-/// Starts the library, loads plug-ins, opens a document, tells about it, changes it and writes it. One a
-/// process; main thread.
+/// Starts the library, loads plug-ins, and opens, reports, changes and writes a document. A process has one
+/// application. Main thread.
 class WRApplication : public NSObject {
     PELVOR_CLASS(WRApplication, NSObject);
     PELVOR_CREATORS(initWithArguments_start);
@@ -86,7 +86,7 @@ class WRApplication : public NSObject {
     NSUInteger _waitingPerforms = 0;
     bool _hasFailed = false;
     bool _hasLostOutput = false;  // standard output could not be written to
-    bool _hasFailedStep = false;  // then the document is not what was asked for, and is not written
+    bool _hasFailedStep = false;  // then the document is not what the user requested, and is not written
     std::chrono::steady_clock::time_point _start;
     std::string _timing;
 };

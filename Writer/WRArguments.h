@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// WRArguments: what the user asked for on the command line.
+// WRArguments: what the user requested on the command line.
 #pragma once
 
 #include "Foundation/NSString.h"
@@ -11,7 +11,7 @@ class NSMutableDictionary;
 struct ProgramOption;
 
 /// The arguments of the program, "--encoding NAME" or "--encoding=NAME", in any order; after "--" everything
-/// is a document. Callers ask for options by name:
+/// is a document. Callers look options up by name:
 ///
 ///     auto arguments = WRArguments::initWithArguments(strings);
 ///     if (NSString* problem = arguments->problem()) return complain(problem);
@@ -24,7 +24,7 @@ class WRArguments : public NSObject {
     /// Takes the strings that follow the program's name.
     static Retained<WRArguments> initWithArguments(NSArray* arguments, Class* cls = classObject());
 
-    /// What is wrong with the arguments, as a sentence for the user; null if nothing is.
+    /// What is wrong with the arguments, as a sentence for the user; null if nothing is wrong.
     NSString* problem() { return _problem; }
     /// Null for the sample document.
     NSString* documentPath() { return _documentPath; }

@@ -24,19 +24,19 @@ class WRDocument : public NSObject {
     PELVOR_CREATORS(initWithPath_reader_answer);
 
   public:
-    /// Takes what a reader answered; null if there is no text in it.
+    /// Takes the answer of a reader. Returns null if the answer has no text.
     static Retained<WRDocument> initWithPath_reader_answer(NSString* path, PBProfile* reader,
                                                            NSDictionary* answer, Class* cls = classObject());
 
     NSString* path() { return _path; }
-    /// Good until the next change.
+    /// The text, borrowed; valid until the next change.
     NSString* text() { return _text; }
     /// Changes the text. Raises NSRangeException for a range outside.
     void replaceCharactersInRange_withString(NSRange range, NSString* string);
     void setText(NSString* text);
     /// Calls the function with the text, which it may change.
     void changeText(const std::function<void(NSMutableString*)>& change);
-    /// The profile of the reader that read it.
+    /// The profile of the reader that read the document.
     PBProfile* reader() { return _reader; }
     /// Null where there is no encoding, as for bytes.
     NSString* encodingName();
@@ -73,7 +73,7 @@ class WRDocument : public NSObject {
     Retained<NSString> _text;
     Retained<PBProfile> _reader;
     Retained<NSDictionary> _answer;                   // the reader's, without the text
-    std::optional<std::vector<NSRange>> _paragraphs;  // found when first asked for
+    std::optional<std::vector<NSRange>> _paragraphs;  // found when they are first needed
 };
 
 }  // namespace pelvor

@@ -18,7 +18,7 @@ class WRDocument;
 inline constexpr NSString* WRDocumentDidCountNotification = u"WRDocumentDidCountNotification"_ns;
 
 /// Counts the words, paragraphs and code points of a document, a slice at each idle moment of the main loop.
-/// When the document changes it begins anew, a moment after the last of a burst of changes.
+/// When the document changes, the counter begins anew, a moment after the last of a burst of changes.
 ///
 ///     auto counter = WRDocumentCounter::initWithDocument(document);
 ///     counter->observers()->addObserver(window);
@@ -26,7 +26,7 @@ inline constexpr NSString* WRDocumentDidCountNotification = u"WRDocumentDidCount
 ///
 /// Observers are sent, with the counter, `counterDidAdvance:` after a slice and `counterDidFinish:` when the
 /// count is whole, if they have these methods; then the notification above is posted. `invalidate` must be
-/// sent before it can be destroyed. Main thread, after the load-time hooks ran.
+/// called before the counter can end. Main thread, after the load-time hooks ran.
 class WRDocumentCounter : public NSObject {
     PELVOR_CLASS(WRDocumentCounter, NSObject);
     PELVOR_CREATORS(initWithDocument);
@@ -40,7 +40,7 @@ class WRDocumentCounter : public NSObject {
     bool isCounting();
     /// How much was counted since the last start, in UTF-16 units.
     NSUInteger position() { return _text ? _text->position() : 0; }
-    /// As far as it has come.
+    /// The count as far as it has come.
     const TextCount& count() { return _count; }
     WRDocument* document() { return _document; }
     PBObserverSet* observers() { return _observers; }

@@ -11,7 +11,8 @@ class NSArray;
 class NSDictionary;
 class PBProfileSet;
 
-/// Asks the readers that a profile query finds, the best first, until one does not refuse the document:
+/// Tries the readers that a profile query finds, the best first, until one of them does not refuse the
+/// document:
 ///
 ///     auto opener = WRDocumentOpener::initWithProfiles(PBRegistry::sharedRegistry());
 ///     WRDocument* document = opener->openDocumentAtPath_options(path, options);
@@ -25,12 +26,13 @@ class WRDocumentOpener : public NSObject {
   public:
     static Retained<WRDocumentOpener> initWithProfiles(PBProfileSet* profiles, Class* cls = classObject());
 
-    /// Returns the document, borrowed, or null; then `problem` tells why. Options are those of readers.
+    /// Returns the document, borrowed. Returns null if no reader can read it; `problem` then tells the
+    /// reason. `options` are the options of readers (PlugInProtocol.h).
     WRDocument* openDocumentAtPath_options(NSString* path, NSDictionary* options);
 
-    /// Why the last document was not opened, as a sentence for the user; null if it was.
+    /// Why the last document was not opened, as a sentence for the user; null if it was opened.
     NSString* problem() { return _problem; }
-    /// The profiles of the readers that came into question for the last document, in the order of asking.
+    /// The profiles of the readers that came into question for the last document, the best first.
     NSArray* candidates() { return _candidates; }
 
   protected:

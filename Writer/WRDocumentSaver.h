@@ -11,8 +11,8 @@ class PBProfile;
 class PBProfileSet;
 class WRDocument;
 
-/// Asks the best writer that a profile query finds for the path, unless the file there would lose by it.
-/// Main thread.
+/// Has the best writer that a profile query finds for the path write a document, unless the file at the path
+/// would lose content. Main thread.
 class WRDocumentSaver : public NSObject {
     PELVOR_CLASS(WRDocumentSaver, NSObject);
     PELVOR_CREATORS(initWithProfiles);
@@ -20,13 +20,14 @@ class WRDocumentSaver : public NSObject {
   public:
     static Retained<WRDocumentSaver> initWithProfiles(PBProfileSet* profiles, Class* cls = classObject());
 
-    /// Writes the document in the named encoding, or, if that is null, in the one in which it was read.
-    /// Returns what the writer answered, borrowed, or null; then `problem` tells why.
+    /// Writes the document in the named encoding, or, if `encodingName` is null, in the encoding in which the
+    /// document was read. Returns the answer of the writer, borrowed. Returns null if the document was not
+    /// written; `problem` then tells the reason.
     NSDictionary* saveDocument_toPath_encoding(WRDocument* document, NSString* path, NSString* encodingName);
 
-    /// Why the last document was not written, as a sentence for the user; null if it was.
+    /// Why the last document was not written, as a sentence for the user; null if it was written.
     NSString* problem() { return _problem; }
-    /// The profile of the writer that was asked last; null if there was none.
+    /// The profile of the writer that was tried last; null if there was no writer.
     PBProfile* writer() { return _writer; }
 
   protected:

@@ -18,13 +18,13 @@ class WRMainLoop : public NSObject {
   public:
     static Retained<WRMainLoop> init(Class* cls = classObject());
 
-    /// Keeps the loop running until `end` or one of the signals SIGINT and SIGTERM, which then do nothing
-    /// else. Each line of standard input is sent to the target with the selector, as a string without its
-    /// end; the end of the input ends nothing.
+    /// Keeps the loop running until `end` is called or a signal SIGINT or SIGTERM comes, which then has no
+    /// other effect. Each line of standard input is sent to the target with the selector, as a string without
+    /// its end. The loop goes on after the end of the input.
     void stayForTarget_selector(id target, SEL selector);
     /// Runs while there is work or the loop was told to stay.
     void runWhile(const std::function<bool()>& hasWork);
-    /// Takes `stayForTarget_selector` back.
+    /// Ends what `stayForTarget_selector` began.
     void end();
 
     /// The messages of the run loop.

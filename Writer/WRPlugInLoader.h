@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// WRPlugInLoader: loads the plug-ins of a folder, those of each moment when it has come.
+// WRPlugInLoader: loads the plug-ins of a folder, each at the moment that it names.
 #pragma once
 
 #include "Foundation/NSString.h"
@@ -29,7 +29,8 @@ class WRPlugInLoader : public NSObject {
     /// How many of the bundles were tried and could not be loaded.
     NSUInteger failureCount() { return _failureCount; }
 
-    /// The bundle's name for the user: that of its information dictionary, else that of its folder. Borrowed.
+    /// The bundle's name for the user: the name in its information dictionary, else the name of its folder.
+    /// Borrowed.
     static NSString* nameOfBundle(NSBundle* bundle);
 
   protected:

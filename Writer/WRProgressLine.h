@@ -17,7 +17,7 @@ class WRProgressLine : public NSObject {
 
     /// "Counting: 42 %". Writes only what has changed.
     void showTask_done_of(NSString* task, unsigned long long done, unsigned long long total);
-    /// Takes the line away, before anything else is printed.
+    /// Removes the line; to be called before anything else is printed.
     void clear();
 
   protected:
@@ -26,7 +26,7 @@ class WRProgressLine : public NSObject {
 
   private:
     bool _isTerminal = false;
-    Retained<NSString> _text;  // what stands there
+    Retained<NSString> _text;  // what the line shows
 };
 
 }  // namespace pelvor

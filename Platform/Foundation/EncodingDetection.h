@@ -19,11 +19,12 @@ struct EncodingGuess {
         language;  ///< an ISO code ("ru"): one that the text may be in; empty where the guess says nothing
 };
 
-/// The encodings in which the bytes are valid text, the most confident first; empty where nothing fits. Marks
-/// at the front, the statistics of languages and the letters of the languages that an encoding was made for
-/// tell them; UTF-16 and UTF-32 need no mark. The first few thousand bytes decide, and the last character may
-/// be cut, so that a sample from the front of a file is enough. The less text there is, the less the guesses
-/// are worth: below a hundred bytes they are often wrong. Any thread.
+/// The encodings in which the bytes are valid text, the most confident first; empty where nothing fits. The
+/// guesses come from marks at the front, from the statistics of languages, and from the letters of the
+/// languages that an encoding was made for. UTF-16 and UTF-32 are found without a mark, too. The first few
+/// thousand bytes decide, and the last character may be cut, so that a sample from the front of a file is
+/// enough. The less text there is, the less the guesses are worth: below a hundred bytes they are often
+/// wrong. Any thread.
 ///
 ///     for (const EncodingGuess& guess : detectEncodings(bytes))
 ///         if (guess.confidence >= 50) return guess.encoding;
@@ -39,8 +40,8 @@ struct EncodingMark {
 PELVOR_EXPORT std::optional<EncodingMark> encodingMarkOf(std::string_view bytes);
 
 /// The mark that texts in the encoding may begin with; empty for encodings without one. For encodings that
-/// leave the byte order to the mark (NSUnicodeStringEncoding, NSUTF32StringEncoding) it is the little-endian
-/// one, which `encodeUnits` writes by itself.
+/// leave the byte order to the mark (NSUnicodeStringEncoding, NSUTF32StringEncoding) the mark is the
+/// little-endian one; `encodeUnits` writes this mark itself.
 PELVOR_EXPORT std::string_view markOfEncoding(NSStringEncoding encoding);
 
 }  // namespace pelvor

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The classes of Foundation, for headers that only name them: the floor's table of contents.
+// The classes of Foundation, for headers that only name them: the floor's table of contents. A class whose
+// name begins with NS stands in the header of its name, Foundation/NSArray.h.
 #pragma once
 
 #include "Runtime/Forward.h"

@@ -11,7 +11,8 @@ namespace pelvor {
 class NSMutableArray;
 class NSString;
 
-/// Orders two objects: below 0 when the first sorts before the second, above 0 when after, else 0.
+/// Compares two objects for sorting. Returns a number below 0 if the first object sorts before the second,
+/// above 0 if it sorts after the second, else 0.
 using NSCompareFunction = int (*)(id first, id second, void* context);
 
 /// An immutable sequence of objects, which the array retains; null is never among them.
@@ -21,10 +22,22 @@ using NSCompareFunction = int (*)(id first, id second, void* context);
 ///     NSArray* sorted = names->sortedArrayUsingSelector("compare:"_sel);   // Anna, Berta
 ///     NSUInteger place = names->indexOfObject(u"Anna"_ns);                 // 1
 ///
-/// Abstract over `count` and `objectAtIndex`, which are all that a subclass must have; the creators return
-/// objects of concrete classes. A search compares by `isEqual` of the array's objects, unless the operation
-/// says that it looks for an identical object. Operations return borrowed objects. Immutable arrays may be
-/// used on any thread as far as their objects may.
+/// A search compares by `isEqual` of the array's objects, unless the operation says that it looks for an
+/// identical object. Operations return borrowed objects. Immutable arrays may be used on any thread as far as
+/// their objects may.
+///
+/// The class is abstract, and its creators return objects of private classes. A subclass implements `count`
+/// and `objectAtIndex`, on which all other operations stand, and hides the creators, which cannot make
+/// objects of the subclass (Runtime/Creators.h):
+///
+///     class PBPageNumbers : public NSArray, NSArray::HiddenCreators {
+///         PELVOR_CLASS(PBPageNumbers, NSArray);
+///         PELVOR_CREATORS(initWithPageCount);
+///
+///       public:
+///         static Retained<PBPageNumbers> initWithPageCount(NSUInteger count, Class* cls = classObject());
+///         NSUInteger count() override { return _count; }
+///         id objectAtIndex(NSUInteger index) override;  // the number index + 1
 class PELVOR_EXPORT NSArray : public NSObject {
     PELVOR_CLASS(NSArray, NSObject);
     PELVOR_CREATORS(array, arrayWithObject, arrayWithObjects_count, arrayWithArray, init,
@@ -51,7 +64,7 @@ class PELVOR_EXPORT NSArray : public NSObject {
     // Primitives
 
     virtual NSUInteger count() = 0;
-    /// Raises NSRangeException for an index at or past the end.
+    /// Raises NSRangeException for an index that is not below the count.
     virtual id objectAtIndex(NSUInteger index) = 0;
 
     // C++ only
@@ -73,10 +86,10 @@ class PELVOR_EXPORT NSArray : public NSObject {
     /// The index of this very object.
     NSUInteger indexOfObjectIdenticalTo(id object);
     NSUInteger indexOfObjectIdenticalTo_inRange(id object, NSRange range);
-    /// The receiver's first object that the other array holds too; null if there is none.
+    /// The receiver's first object that is also in the other array; null if there is no such object.
     id firstObjectCommonWithArray(NSArray* other);
-    /// Copies borrowed pointers to the objects, or to those of the range, to the buffer. Raises
-    /// NSInvalidArgumentException for null as buffer of one object or more.
+    /// These copy borrowed pointers to all objects, or to the objects of the range, to the buffer. They raise
+    /// NSInvalidArgumentException if the buffer is null and there is an object to copy.
     void getObjects(Object** buffer);
     void getObjects_range(Object** buffer, NSRange range);
     NSEnumerator* objectEnumerator();
@@ -87,16 +100,16 @@ class PELVOR_EXPORT NSArray : public NSObject {
     NSArray* subarrayWithRange(NSRange range);
     NSArray* arrayByAddingObject(id object);
     virtual NSArray* arrayByAddingObjectsFromArray(NSArray* other);
-    /// The objects in ascending order; objects that compare as the same keep their order. The message takes
-    /// an object and returns an NSComparisonResult.
+    /// The objects in ascending order; objects that compare as equal keep their order. The message is sent to
+    /// an object with another object as the argument, and returns an NSComparisonResult.
     NSArray* sortedArrayUsingSelector(SEL comparator);
     NSArray* sortedArrayUsingFunction_context(NSCompareFunction comparator, void* context);
 
     // Everything else
 
-    /// The objects' descriptions with the separator between them.
+    /// The descriptions of the objects, with the separator between them.
     NSString* componentsJoinedByString(NSString* separator);
-    /// Sends the message to the objects that are there when the operation begins.
+    /// Sends the message to each object that is in the array when the operation begins.
     void makeObjectsPerformSelector(SEL selector);
     void makeObjectsPerformSelector_withObject(SEL selector, id argument);
     bool isEqualToArray(NSArray* other);

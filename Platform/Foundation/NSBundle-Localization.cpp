@@ -51,7 +51,7 @@ Retained<NSArray> readLocalizations(const std::string& resources) {
     return localizations->copy();
 }
 
-// Returns an empty table if there is none, and, with a line in the log, if it cannot be read.
+// Returns an empty table if there is no file, and also, with a line in the log, if the file cannot be read.
 Retained<NSDictionary> readTable(NSString* path) {
     if (!path) return NSDictionary::init();
     NSPropertyListError* error = nullptr;
@@ -71,8 +71,8 @@ NSArray* NSBundle::localizations() {
     return _contents->localizations;
 }
 
-// Under the bundle's lock, which is never held while the user's languages are asked for. String tables are in
-// the languages of their time and go with them.
+// Called under the bundle's lock, which is never held while the user's languages are looked up. String tables
+// are in the languages of their time and go with them.
 void NSBundle::chooseLocalizations(NSArray* languages) {
     if (_contents->languages && _contents->languages->isEqualToArray(languages)) return;
     auto preferred = NSMutableArray::init();

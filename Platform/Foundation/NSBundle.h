@@ -77,7 +77,7 @@ class PELVOR_EXPORT NSBundle : public NSObject {
     static NSBundle* registerFramework(NSString* path);
 
     // C++ only
-    /// Does the same for a framework whose classes are those of the library.
+    /// Makes the folder a framework of the process, whose classes are those of the library.
     static NSBundle* registerFramework_library(NSString* path, Library& library);
 
     // What a bundle says about itself
@@ -105,7 +105,7 @@ class PELVOR_EXPORT NSBundle : public NSObject {
     /// there is no such file.
     NSString* pathForResource_ofType(NSString* name, NSString* type);
     NSString* pathForResource_ofType_inDirectory(NSString* name, NSString* type, NSString* subfolder);
-    /// Searches Resources and, of all languages, only this one.
+    /// Searches Resources and the .lproj folder of this language; no other language.
     NSString* pathForResource_ofType_inDirectory_forLocalization(NSString* name, NSString* type,
                                                                  NSString* subfolder, NSString* localization);
     /// Returns the paths of all files of the type, ordered by folder and then by name. Of several files with
@@ -144,8 +144,8 @@ class PELVOR_EXPORT NSBundle : public NSObject {
     /// that no constructor runs in code that cannot work; the list of classes has it too, and is refused if
     /// it is no list of this platform.
     bool load();
-    /// Does the same without a line in the log. `reason`, unless null, receives "stage: reason", or null
-    /// after a success.
+    /// Loads the bundle as `load` does, without a line in the log. `reason`, unless null, receives "stage:
+    /// reason", or null after a success.
     bool loadAndReturnError(NSString** reason);
     bool isLoaded();
     /// Loads the bundle and returns the class that Info.plist names as NSPrincipalClass, else the first class

@@ -61,9 +61,9 @@ class PELVOR_EXPORT NSCharacterSet : public NSObject {
 
     /// The empty set.
     static NSCharacterSet* characterSet(Class* cls = classObject());
-    /// The code points of the string. A half of a pair that stands alone is a member itself.
+    /// The code points of the string. A surrogate that stands alone becomes a member itself.
     static NSCharacterSet* characterSetWithCharactersInString(NSString* string, Class* cls = classObject());
-    /// Raises NSInvalidArgumentException for a range past U+10FFFF.
+    /// Raises NSInvalidArgumentException for a range that reaches beyond U+10FFFF.
     static NSCharacterSet* characterSetWithRange(NSRange range, Class* cls = classObject());
     /// The set that `bitmapRepresentation` wrote. Where the data ends early, members are missing.
     static NSCharacterSet* characterSetWithBitmapRepresentation(NSData* data, Class* cls = classObject());

@@ -12,8 +12,8 @@ namespace pelvor {
 
 class NSString;
 
-/// What an object writes its fields to and reads its fields from, each under a key. A class takes part by two
-/// methods:
+/// An object writes its fields to a coder, and reads them from a coder, each field under a key. A class that
+/// can be archived has two methods:
 ///
 ///     void PBLamp::encodeWithCoder(NSCoder* coder) {                                  // "encodeWithCoder:"
 ///         coder->encodeObject_forKey(_colour, u"colour"_ns);
@@ -26,15 +26,16 @@ class NSString;
 ///         return lamp;
 ///     }
 ///
-/// Each object has its own keys. Abstract: an operation that a coder does not implement raises
-/// NSInvalidArgumentException; so does encoding with null as key. One thread at a time.
+/// Each object has keys of its own. The class is abstract: an operation that a coder does not implement
+/// raises NSInvalidArgumentException, and so does encoding under a null key. NSKeyedArchiver.h shows how a
+/// host writes and reads an archive. One thread at a time.
 class PELVOR_EXPORT NSCoder : public NSObject {
     PELVOR_CLASS(NSCoder, NSObject);
 
   public:
     virtual bool allowsKeyedCoding() { return false; }
 
-    /// The object may be null; it is then decoded as null.
+    /// The object may be null; decoding then returns null.
     virtual void encodeObject_forKey(id object, NSString* key);
     virtual void encodeBool_forKey(bool value, NSString* key);
     virtual void encodeInt64_forKey(std::int64_t value, NSString* key);
@@ -50,9 +51,10 @@ class PELVOR_EXPORT NSCoder : public NSObject {
     virtual bool decodeBoolForKey(NSString* key);
     virtual std::int64_t decodeInt64ForKey(NSString* key);
     virtual double decodeDoubleForKey(NSString* key);
-    /// The bytes, valid as long as the coder. Their number is written to `length` unless that is null.
+    /// The bytes, which are valid as long as the coder exists. Their number is written to `length`, unless
+    /// `length` is null.
     virtual const void* decodeBytesForKey_returnedLength(NSString* key, NSUInteger* length);
-    /// Keeps the low 32 bits.
+    /// Returns the low 32 bits of the integer.
     int decodeIntForKey(NSString* key) { return static_cast<int>(decodeInt64ForKey(key)); }
     float decodeFloatForKey(NSString* key) { return static_cast<float>(decodeDoubleForKey(key)); }
 

@@ -29,16 +29,18 @@ class PELVOR_EXPORT NSConditionLock : public NSObject {
   public:
     static Retained<NSConditionLock> initWithCondition(int condition, Class* cls = classObject());
 
-    /// Returns the value at this moment, which is sure to stay only while the caller holds the lock.
+    /// Returns the condition at this moment. Unless the caller holds the lock, another thread may change the
+    /// condition at once.
     int condition() { return _condition.load(std::memory_order_acquire); }
 
     /// Takes the lock, whatever the condition is.
     void lock();
     void lockWhenCondition(int condition);
-    /// These take the lock if that is possible at once, and return whether it was.
+    /// These take the lock if they need not wait for it, and return whether the lock was taken.
     bool tryLock();
     bool tryLockWhenCondition(int condition);
-    /// These wait until the date, and return whether the lock was taken.
+    /// These wait for the lock until the date, and return whether the lock was taken. With a null date, or
+    /// one in the past, they do not wait.
     bool lockBeforeDate(NSDate* date);
     bool lockWhenCondition_beforeDate(int condition, NSDate* date);
 

@@ -10,7 +10,9 @@
 
 namespace pelvor {
 
-/// A string literal: units that live as long as the program.
+/// A string literal, whose units live as long as the program. The suffix `_ns` makes it:
+///
+///     NSString* title = u"Chapter 1"_ns;
 class PELVOR_EXPORT NSConstantString final : public NSString {
     PELVOR_CLASS(NSConstantString, NSString);
 

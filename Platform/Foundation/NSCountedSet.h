@@ -42,7 +42,7 @@ class PELVOR_EXPORT NSCountedSet : public NSMutableSet {
     static NSCountedSet* setWithObjects(std::initializer_list<Object*> objects);
     static Retained<NSCountedSet> initWithObjects(std::initializer_list<Object*> objects);
 
-    /// How often the object is in the set; 0 for one that is not.
+    /// How many times more the object was added than removed; 0 if it is no member.
     NSUInteger countForObject(id object);
 
     NSUInteger count() override;
@@ -54,7 +54,7 @@ class PELVOR_EXPORT NSCountedSet : public NSMutableSet {
     void removeAllObjects() override;
     Retained<Object> copyWithZone(void* zone) override;
     Retained<Object> mutableCopyWithZone(void* zone) override;
-    /// A counted set with the same counts; it can be changed, too.
+    /// A counted set with the same members and counts. This copy can be changed, too.
     Retained<NSCountedSet> copy();
     Retained<NSCountedSet> mutableCopy();
 

@@ -20,8 +20,9 @@ class NSString;
 ///     if (data && !data->writeToFile_atomically(copyPath, true)) NSLog(u"%s"_ns, std::strerror(errno));
 ///     for (std::byte byte : data->span()) sum += std::to_integer<unsigned>(byte);
 ///
-/// Abstract over `length` and `bytes`; the creators return objects of concrete classes, which copy what they
-/// are given unless the creator says otherwise. Immutable data may be used on any thread.
+/// The class is abstract: a subclass implements `length` and `bytes` and hides the creators, which return
+/// objects of private classes; NSArray.h has an example. Data copies the bytes that a creator is given,
+/// unless the creator says otherwise. Immutable data may be used on any thread.
 class PELVOR_EXPORT NSData : public NSObject {
     PELVOR_CLASS(NSData, NSObject);
     PELVOR_CREATORS(data, dataWithBytes_length, dataWithBytesNoCopy_length,
@@ -30,14 +31,14 @@ class PELVOR_EXPORT NSData : public NSObject {
                     initWithData, initWithContentsOfFile, of);
 
   public:
-    // Creation. Operations whose names begin with "init" return owned data, the others borrowed data. Null as
-    // memory of one byte or more raises NSInvalidArgumentException.
+    // Creation. Operations whose names begin with "init" return owned data, the others borrowed data. A null
+    // pointer with a length of one byte or more raises NSInvalidArgumentException.
 
     static NSData* data();
     static NSData* dataWithBytes_length(const void* bytes, NSUInteger length);
-    /// Data that uses the memory instead of copying it. The memory was made by `malloc`, and the data frees
-    /// it. With false for `freeWhenDone` the memory stays the caller's, who must keep it unchanged as long as
-    /// the data exists; copies of such data have bytes of their own.
+    /// Data that uses the memory instead of copying it. The memory was allocated by `malloc`, and the data
+    /// frees it. With false for `freeWhenDone`, the memory remains the caller's, and the caller keeps it
+    /// unchanged as long as the data exists; copies of such data have bytes of their own.
     static NSData* dataWithBytesNoCopy_length(void* bytes, NSUInteger length);
     static NSData* dataWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length, bool freeWhenDone);
     static NSData* dataWithData(NSData* data);
@@ -67,22 +68,25 @@ class PELVOR_EXPORT NSData : public NSObject {
         return {static_cast<const std::byte*>(bytes()), length()};
     }
 
-    /// Copies the bytes to the buffer. Raises NSInvalidArgumentException for null as buffer of one byte or
-    /// more.
+    /// Copies all bytes to the buffer. Raises NSInvalidArgumentException if the buffer is null and there is a
+    /// byte to copy.
     void getBytes(void* buffer);
     /// Copies at most `length` bytes to the buffer.
     void getBytes_length(void* buffer, NSUInteger length);
-    /// Copies the bytes of the range to the buffer. Raises NSRangeException for a range that is not inside.
+    /// Copies the bytes of the range to the buffer. Raises NSRangeException for a range that is not inside
+    /// the data.
     void getBytes_range(void* buffer, NSRange range);
     NSData* subdataWithRange(NSRange range);
-    /// Writes the file, new or in the place of an old one; atomically: as a whole or not at all. Returns
-    /// whether that worked; if not, `errno` tells the reason.
+    /// Writes the bytes to a new file, or in the place of the old content of a file. Returns whether this
+    /// succeeded; if not, `errno` tells the reason. If `isAtomic` is true and writing fails or is
+    /// interrupted, the old file stays as it was.
     ///
-    /// A link is followed and stays a link. What is no regular file (a pipe, a device, /dev/stdout) is
-    /// written into directly; a pipe without a reader is refused. An atomic write puts a new file in the
-    /// place of the old one and keeps owner, group, access rights and access list as far as the user may set
-    /// them. Other names of the old file (hard links) keep the old content. The user needs the right to write
-    /// the old file and to make files in its folder: a read-only file is refused.
+    /// A symbolic link is followed and remains a link. Anything but a regular file (a pipe, a device,
+    /// /dev/stdout) is written into directly; a pipe without a reader is refused. An atomic write puts a new
+    /// file in the place of the old one; the new file gets the owner, group, access rights and access list of
+    /// the old file as far as the user may set them. Other names of the old file (hard links) keep the old
+    /// content. The user needs the right to write the old file and to make files in its folder: a read-only
+    /// file is refused.
     bool writeToFile_atomically(NSString* path, bool isAtomic);
     bool isEqualToData(NSData* other);
 

@@ -20,8 +20,9 @@ inline constexpr NSTimeInterval NSTimeIntervalSince1970 = 978307200.0;
 ///     NSTimeInterval seconds = -start->timeIntervalSinceNow();                     // how long ago that was
 ///     bool isLate = NSDate::date()->compare(deadline) == NSOrderedDescending;
 ///
-/// Dates are equal when their seconds are exactly equal. Abstract over `timeIntervalSinceReferenceDate`.
-/// Creators whose names begin with "init" return owned dates, the others borrowed ones. Any thread.
+/// Dates are equal when their seconds are exactly equal. Creators whose names begin with "init" return owned
+/// dates, the others borrowed ones. The class is abstract: a subclass implements
+/// `timeIntervalSinceReferenceDate`. Any thread.
 class PELVOR_EXPORT NSDate : public NSObject {
     PELVOR_CLASS(NSDate, NSObject);
     PELVOR_CREATORS(date, dateWithTimeIntervalSinceNow, dateWithTimeIntervalSinceReferenceDate,
@@ -47,13 +48,15 @@ class PELVOR_EXPORT NSDate : public NSObject {
 
     virtual NSTimeInterval timeIntervalSinceReferenceDate() = 0;
     NSTimeInterval timeIntervalSince1970();
-    /// Below 0 for a date in the past.
+    /// The seconds from now to the receiver: a number below 0 for a date in the past.
     NSTimeInterval timeIntervalSinceNow();
-    /// Below 0 if the other date is later. Raises NSInvalidArgumentException for null, as `compare` does.
+    /// The seconds from the other date to the receiver: a number below 0 if the other date is later. This and
+    /// `compare` raise NSInvalidArgumentException if the other date is null.
     NSTimeInterval timeIntervalSinceDate(NSDate* other);
 
     NSDate* addTimeInterval(NSTimeInterval seconds);
-    // The earlier or later of both dates; the receiver if they are equal or the other date is null.
+    // The earlier or the later one of the two dates. The receiver, if the dates are equal or the other date
+    // is null.
 
     NSDate* earlierDate(NSDate* other);
     NSDate* laterDate(NSDate* other);

@@ -24,10 +24,11 @@ struct NSDictionaryEntry {
 ///     id age = ages->objectForKey(u"Anna"_ns);                        // 7
 ///     for (auto [name, age] : ages) NSLog(u"%@ is %@"_ns, name, age);
 ///
-/// Keys are told apart by `hash` and `isEqual`: a look-up sends `isEqual` to the key that is looked for, with
-/// the entry's key. Walks go in the order in which the keys were added. Abstract over `count`, `objectForKey`
-/// and `stepFrom`; the creators return objects of concrete classes. Immutable dictionaries may be used on any
-/// thread as far as their keys and objects may.
+/// Keys are told apart by `hash` and `isEqual`: a look-up sends `isEqual` to the key that is looked up, with
+/// the key of an entry as the argument. Walks go in the order in which the keys were added. Immutable
+/// dictionaries may be used on any thread as far as their keys and objects may. The class is abstract: a
+/// subclass implements `count`, `objectForKey` and `stepFrom` and hides the creators, which return objects of
+/// private classes; NSArray.h has an example.
 class PELVOR_EXPORT NSDictionary : public NSObject {
     PELVOR_CLASS(NSDictionary, NSObject);
     PELVOR_CREATORS(dictionary, dictionaryWithObject_forKey, dictionaryWithObjects_forKeys,
@@ -37,8 +38,9 @@ class PELVOR_EXPORT NSDictionary : public NSObject {
 
   public:
     // Creation. Operations whose names begin with "init" return owned dictionaries, the others borrowed ones.
-    // Of equal keys the last counts. The operations raise NSInvalidArgumentException for null as key or
-    // object, for a key that cannot be copied, and for keys and objects of different number.
+    // If keys are equal, the last one and its object count. The operations raise NSInvalidArgumentException
+    // for a null key or object, for a key that cannot be copied, and if there are more keys than objects or
+    // more objects than keys.
 
     static NSDictionary* dictionary();
     static NSDictionary* dictionaryWithObject_forKey(id object, id key);
@@ -60,28 +62,28 @@ class PELVOR_EXPORT NSDictionary : public NSObject {
     // Primitives
 
     virtual NSUInteger count() = 0;
-    /// Null if there is no entry, and for null as key.
+    /// Null if the key has no entry, and for a null key.
     virtual id objectForKey(id key) = 0;
 
     // C++ only
-    /// The entry at or after `position`, which moves behind this entry; an entry of null at the end. A walk
-    /// begins at position 0.
+    /// Returns the entry at or after `position`, and moves `position` behind this entry. At the end of the
+    /// walk, key and value of the entry are null. A walk begins at position 0.
     virtual NSDictionaryEntry stepFrom(NSUInteger& position) = 0;
     /// The address of a number that changes when keys come or go; by this number walks notice changes.
     virtual const std::uint32_t* mutationCounter() { return &detail::kNeverMutated; }
 
-    /// The same as `objectForKey`.
+    /// Returns what `objectForKey` returns.
     virtual id valueForKey(NSString* key);
     NSArray* allKeys();
     NSArray* allValues();
     NSArray* allKeysForObject(id object);
-    /// For each key its object, or the marker if the key has no entry. Raises NSInvalidArgumentException if
-    /// the marker is needed and null.
+    /// For each key the object of its entry, or `marker` if the key has no entry. Raises
+    /// NSInvalidArgumentException if a key has no entry and the marker is null.
     NSArray* objectsForKeys_notFoundMarker(NSArray* keys, id marker);
     NSEnumerator* keyEnumerator();
     NSEnumerator* objectEnumerator();
-    /// The keys in ascending order of their objects. The message takes an object and returns an
-    /// NSComparisonResult.
+    /// The keys in ascending order of their objects. The message is sent to an object with another object as
+    /// the argument, and returns an NSComparisonResult.
     NSArray* keysSortedByValueUsingSelector(SEL comparator);
     bool isEqualToDictionary(NSDictionary* other);
 

@@ -19,14 +19,15 @@ class NSArray;
 ///     while (id name = enumerator->nextObject()) NSLog(u"%@"_ns, name);
 ///     for (id name : names->reverseObjectEnumerator()) NSLog(u"%@"_ns, name);
 ///
-/// Abstract over `nextObject`. The enumerator of a collection keeps the collection alive until the walk has
-/// ended, and raises NSGenericException if the collection was changed since the enumerator was made; an
-/// object put in the place of another one is no such change.
+/// The class is abstract: a subclass implements `nextObject`. The enumerator of a collection keeps the
+/// collection alive until the walk has ended. It raises NSGenericException if objects of the collection came,
+/// went or moved after the enumerator was made; putting an object in the place of another one is no such
+/// change.
 class PELVOR_EXPORT NSEnumerator : public NSObject {
     PELVOR_CLASS(NSEnumerator, NSObject);
 
   public:
-    /// The next object, borrowed; null at the end and from then on.
+    /// The next object, borrowed. Null when there are no more objects, and in every call after that.
     virtual id nextObject() = 0;
     /// The objects that are still to come.
     NSArray* allObjects();

@@ -27,7 +27,7 @@ struct NSSize {
     friend constexpr bool operator==(const NSSize&, const NSSize&) = default;
 };
 
-/// A rectangle with its origin at the corner of the least coordinates.
+/// A rectangle. Its origin is the corner with the least x and y.
 struct NSRect {
     NSPoint origin;
     NSSize size;
@@ -46,7 +46,7 @@ constexpr NSPoint NSMakePoint(float x, float y) { return {x, y}; }
 constexpr NSSize NSMakeSize(float width, float height) { return {width, height}; }
 constexpr NSRect NSMakeRect(float x, float y, float width, float height) { return {{x, y}, {width, height}}; }
 
-// Sums are formed in double precision and narrowed once.
+// Edges and centres are computed in double precision, and rounded to single precision once.
 
 constexpr float NSMinX(NSRect rect) { return rect.origin.x; }
 constexpr float NSMinY(NSRect rect) { return rect.origin.y; }
@@ -72,40 +72,43 @@ constexpr bool NSEqualRects(NSRect a, NSRect b) { return a == b; }
 /// Whether the width or the height is not above 0.
 constexpr bool NSIsEmptyRect(NSRect rect) { return !(rect.size.width > 0 && rect.size.height > 0); }
 
-/// The rectangle with both vertical edges moved inwards by `dx` and both horizontal ones by `dy`.
+/// The rectangle with each vertical edge moved inwards by `dx`, and each horizontal edge moved inwards by
+/// `dy`.
 PELVOR_EXPORT NSRect NSInsetRect(NSRect rect, float dx, float dy);
 PELVOR_EXPORT NSRect NSOffsetRect(NSRect rect, float dx, float dy);
-/// The smallest rectangle of whole numbers around the rectangle; zeros for an empty rectangle.
+/// The smallest rectangle with whole numbers that contains the rectangle; for an empty rectangle, NSZeroRect.
 PELVOR_EXPORT NSRect NSIntegralRect(NSRect rect);
-/// The smallest rectangle around both rectangles; an empty rectangle does not count.
+/// The smallest rectangle that contains both rectangles. If one of them is empty, the result is the other
+/// one.
 PELVOR_EXPORT NSRect NSUnionRect(NSRect a, NSRect b);
-/// The area that both rectangles cover; zeros if there is none.
+/// The rectangle that both rectangles cover; NSZeroRect if they have no area in common.
 PELVOR_EXPORT NSRect NSIntersectionRect(NSRect a, NSRect b);
 PELVOR_EXPORT bool NSIntersectsRect(NSRect a, NSRect b);
-/// Whether `outer` covers all of `inner`, which is not empty.
+/// Whether `inner` is not empty and lies inside `outer` with its whole area.
 PELVOR_EXPORT bool NSContainsRect(NSRect outer, NSRect inner);
-/// Whether the point is inside the rectangle or on one of its edges of least coordinates.
+/// Whether the point is inside the rectangle, or on its edge of least x or of least y.
 PELVOR_EXPORT bool NSPointInRect(NSPoint point, NSRect rect);
-/// Like NSPointInRect, but unless the coordinates are flipped the rectangle contains its edge of greatest y
-/// instead of the one of least y.
+/// Like NSPointInRect; but if the coordinates are not flipped, the rectangle contains its edge of greatest y
+/// instead of its edge of least y.
 PELVOR_EXPORT bool NSMouseInRect(NSPoint point, NSRect rect, bool isFlipped);
-/// Cuts off a slice of that thickness along an edge and writes the slice and what remains of the rectangle;
-/// either pointer may be null. The slice is never larger than the rectangle.
+/// Cuts a slice of the given thickness off the rectangle along an edge, and writes the slice and the rest of
+/// the rectangle to the two pointers, either of which may be null. The slice is never larger than the
+/// rectangle.
 PELVOR_EXPORT void NSDivideRect(NSRect rect, NSRect* slice, NSRect* remainder, float thickness,
                                 NSRectEdge edge);
 
-/// "{1, 2.5}" and "{{0, 0}, {10, 20}}", borrowed.
+/// A text such as "{1, 2.5}" or "{{0, 0}, {10, 20}}", borrowed.
 PELVOR_EXPORT NSString* NSStringFromPoint(NSPoint point);
 PELVOR_EXPORT NSString* NSStringFromSize(NSSize size);
 PELVOR_EXPORT NSString* NSStringFromRect(NSRect rect);
 
-/// Read the first numbers in the text, in the order in which the functions above write them. Numbers that are
-/// missing are 0; null is an empty text.
+/// These read the first two or four numbers in the text, in the order in which the functions above write
+/// them. A number that is missing is 0, and null counts as an empty text.
 PELVOR_EXPORT NSPoint NSPointFromString(NSString* text);
 PELVOR_EXPORT NSSize NSSizeFromString(NSString* text);
 PELVOR_EXPORT NSRect NSRectFromString(NSString* text);
 
-// Print what the functions above write.
+// These print the text that NSStringFromPoint, NSStringFromSize or NSStringFromRect returns.
 
 PELVOR_EXPORT std::ostream& operator<<(std::ostream& stream, NSPoint point);
 PELVOR_EXPORT std::ostream& operator<<(std::ostream& stream, NSSize size);

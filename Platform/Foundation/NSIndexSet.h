@@ -27,7 +27,7 @@ class PELVOR_EXPORT NSIndexSet : public NSObject {
                     initWithIndexesInRange, initWithIndexSet);
 
   public:
-    // Creation: borrowed sets, owned where the name begins with "init".
+    // Creation. Operations whose names begin with "init" return owned sets, the others borrowed ones.
 
     static NSIndexSet* indexSet(Class* cls = classObject());
     static NSIndexSet* indexSetWithIndex(NSUInteger index, Class* cls = classObject());
@@ -39,11 +39,12 @@ class PELVOR_EXPORT NSIndexSet : public NSObject {
     static Retained<NSIndexSet> initWithIndexSet(NSIndexSet* other, Class* cls = classObject());
 
     // C++ only
-    /// The members as ranges in ascending order, none empty, no two touching. Valid until the set changes.
+    /// The members as ranges in ascending order. No range is empty, and no two ranges touch. Valid until the
+    /// set changes.
     std::span<const NSRange> runs() PELVOR_LIFETIMEBOUND { return _runs; }
 
     NSUInteger count();
-    // The next six return NSNotFound if there is no such member.
+    // The next six operations return NSNotFound if there is no such member.
     NSUInteger firstIndex();
     NSUInteger lastIndex();
     NSUInteger indexGreaterThanIndex(NSUInteger index);

@@ -27,9 +27,10 @@ class NSMutableDictionary;
 ///
 /// An entry of `objects` is a string, number, date or data, or a dictionary of the object's `class` and its
 /// `fields` or contents; a counted set lists a member as often as the set counts it. A reference is { object
-/// = index }; index 0 stands for null. Of NSValue's types those without pointers can be archived. Objects
-/// that lead back to themselves, that are nested deeper than property lists may be, or whose class cannot be
-/// coded raise NSInvalidArgumentException; the archiver must not be used after that.
+/// = index }; index 0 stands for null. Values (NSValue) can be archived if their type has no pointers.
+/// NSInvalidArgumentException is raised for an object that leads back to itself, for objects that are nested
+/// deeper than property lists may be, and for an object whose class cannot be coded. The archiver must not be
+/// used after that.
 class PELVOR_EXPORT NSKeyedArchiver : public NSCoder {
     PELVOR_CLASS(NSKeyedArchiver, NSCoder);
     PELVOR_CREATORS(init);
@@ -39,9 +40,10 @@ class PELVOR_EXPORT NSKeyedArchiver : public NSCoder {
     static NSData* archivedDataWithRootObject(id object);
     static Retained<NSKeyedArchiver> init(Class* cls = classObject());
 
-    /// The binary format unless another one is set.
+    /// Sets the format of the archive. Without this call it is the binary format.
     void setOutputFormat(NSPropertyListFormat format) { _format = format; }
-    /// What was encoded so far, borrowed. Raises NSInvalidArgumentException if the format cannot hold it.
+    /// Returns the archive of what was encoded so far, borrowed. Raises NSInvalidArgumentException if the
+    /// format cannot hold one of the objects.
     NSData* encodedData();
 
     bool allowsKeyedCoding() override { return true; }

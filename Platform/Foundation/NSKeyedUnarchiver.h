@@ -14,27 +14,34 @@ class NSData;
 class NSDictionary;
 class NSSet;
 
-/// Reads what NSKeyedArchiver wrote; see there for an example. An archive may come from anywhere, so only
-/// objects of property lists, sets and plain values are made, and objects of the classes that the caller
-/// allows and of their subclasses. `error` tells what is wrong with an archive; from then on every operation
-/// returns null, false or 0. No archive makes an operation raise; exceptions of an object's `initWithCoder:`
-/// become errors, too. The unarchiver keeps the objects that it made as long as it exists. The limits of
-/// property lists hold.
+/// Reads archives that NSKeyedArchiver wrote:
+///
+///     auto reader = NSKeyedUnarchiver::initForReadingWithData_allowedClasses(
+///         data, NSSet::of({PBLamp::classObject()}));
+///     auto* lamp = cast<PBLamp>(reader->decodeObjectForKey(u"root"_ns));
+///     if (!lamp) NSLog(u"%@"_ns, reader->error());
+///
+/// An archive may come from anywhere, so the unarchiver makes only objects of property lists, sets, plain
+/// values, and objects of the classes that the caller allows and of their subclasses. No archive makes an
+/// operation raise: after a fault in the archive, and after an exception of an object's `initWithCoder:`,
+/// `error` tells what is wrong, and every operation returns null, false or 0. The unarchiver keeps the
+/// objects that it has made as long as it exists. The limits of property lists hold (PropertyListLimits.h).
 class PELVOR_EXPORT NSKeyedUnarchiver : public NSCoder {
     PELVOR_CLASS(NSKeyedUnarchiver, NSCoder);
     PELVOR_CREATORS(initForReadingWithData_allowedClasses);
 
   public:
-    /// The object under the key "root", borrowed. For a bad archive null; the reason is written to `error`
-    /// unless that is null. The members of `allowedClasses` are class records; the set may be null.
+    /// Returns the object under the key "root", borrowed. For a bad archive, returns null and writes the
+    /// reason to `error`, unless `error` is null. The members of `allowedClasses` are class records; the set
+    /// may be null.
     static id unarchivedObjectWithData_allowedClasses_error(NSData* data, NSSet* allowedClasses,
                                                             NSString** error);
-    /// Never returns null: for a bad archive the unarchiver's `error` tells the reason.
+    /// Never returns null. For a bad archive, the unarchiver's `error` tells the reason.
     static Retained<NSKeyedUnarchiver> initForReadingWithData_allowedClasses(NSData* data,
                                                                              NSSet* allowedClasses,
                                                                              Class* cls = classObject());
 
-    /// The first fault that was found in the archive, borrowed; null if there is none so far.
+    /// The first fault that was found in the archive, borrowed; null if no fault was found so far.
     NSString* error();
 
     bool allowsKeyedCoding() override { return true; }

@@ -26,9 +26,10 @@ class PELVOR_EXPORT NSLock : public NSObject {
     static Retained<NSLock> init(Class* cls = classObject());
 
     void lock() { _mutex.lock(); }
-    /// Takes the lock if it is free. Returns whether it was.
+    /// Takes the lock if the lock is free, and returns whether it was free.
     bool tryLock() { return _mutex.try_lock(); }
-    /// Waits for the lock until the date. Returns whether it was taken. A null date is over.
+    /// Waits for the lock until the date, and returns whether the lock was taken. With a null date, or one in
+    /// the past, the operation does not wait.
     bool lockBeforeDate(NSDate* date);
     void unlock() { _mutex.unlock(); }
 

@@ -13,10 +13,21 @@ namespace pelvor {
 ///     queue->addObjectsFromArray(others);
 ///     queue->removeObjectAtIndex(0);
 ///
-/// Abstract over NSArray's primitives and the five below. An operation that raises changes nothing. An
-/// operation first takes objects out of the array and releases them afterwards, so the end of such an object
-/// may use and change the array. Adding at the end and removing at either end take the same time however long
-/// the array is. One thread at a time.
+/// An operation that raises changes nothing. An operation first takes objects out of the array and releases
+/// them afterwards, so the end of such an object may use and change the array. The time that it takes to add
+/// an object at the end, or to remove one at either end, does not depend on the length of the array. One
+/// thread at a time.
+///
+/// The class is abstract, and its creators return objects of private classes. A subclass implements NSArray's
+/// primitives and the five operations under "Primitives" below, and hides the creators (Runtime/Creators.h):
+///
+///     class PBPageList : public NSMutableArray, NSMutableArray::HiddenCreators {
+///         PELVOR_CLASS(PBPageList, NSMutableArray);
+///         PELVOR_CREATORS(init);
+///
+///       public:
+///         static Retained<PBPageList> init(Class* cls = classObject());
+///         …
 class PELVOR_EXPORT NSMutableArray : public NSArray {
     PELVOR_CLASS(NSMutableArray, NSArray);
     PELVOR_CREATORS(array, arrayWithCapacity, arrayWithObject, arrayWithObjects_count, arrayWithArray, init,
@@ -24,7 +35,7 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
                     initWithObjects);
 
   public:
-    // Creation; as in NSArray.
+    // Creation, as in NSArray. The results can be changed.
 
     static NSMutableArray* array();
     static NSMutableArray* arrayWithCapacity(NSUInteger capacity);
@@ -33,7 +44,7 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
     static NSMutableArray* arrayWithArray(NSArray* array);
 
     static Retained<NSMutableArray> init();
-    /// Room for so many objects is made beforehand.
+    /// Makes an empty array with room for `capacity` objects. The array grows as needed.
     static Retained<NSMutableArray> initWithCapacity(NSUInteger capacity);
     static Retained<NSMutableArray> initWithObjects_count(Object* const* objects, NSUInteger count);
     static Retained<NSMutableArray> initWithArray(NSArray* array);
@@ -43,8 +54,8 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
     static NSMutableArray* arrayWithObjects(std::initializer_list<Object*> objects);
     static Retained<NSMutableArray> initWithObjects(std::initializer_list<Object*> objects);
 
-    // Primitives. They raise NSInvalidArgumentException for null as object and NSRangeException for a bad
-    // index or range, as all operations do.
+    // Primitives. These, and all other operations, raise NSInvalidArgumentException for a null object, and
+    // NSRangeException for an index or a range that is not inside the array.
 
     virtual void addObject(id object) = 0;
     /// The index may be the count.
@@ -65,7 +76,8 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
     /// Raises NSRangeException when the array is empty.
     void removeLastObject();
     void removeAllObjects();
-    /// Removes every object that is equal to this one; does nothing if there is none.
+    /// Removes every object of the array that is equal to this object; does nothing if there is no such
+    /// object.
     void removeObject(id object);
     void removeObject_inRange(id object, NSRange range);
     void removeObjectIdenticalTo(id object);
@@ -80,7 +92,8 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
     NSMutableArray() = default;
     ~NSMutableArray() = default;
 
-    /// Puts the objects, without null, in the place of those of a range that is inside.
+    /// Replaces the objects of the range by `count` other objects. The range is inside the array, and null is
+    /// not among the new objects.
     virtual void replaceObjects(NSRange range, Object* const* objects, NSUInteger count);
 };
 

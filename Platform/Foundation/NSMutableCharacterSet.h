@@ -6,7 +6,12 @@
 
 namespace pelvor {
 
-/// A set that can change. One thread at a time.
+/// A set of code points that can be changed:
+///
+///     auto wordCharacters = NSCharacterSet::letterCharacterSet()->mutableCopy();
+///     wordCharacters->addCharactersInString(u"'-"_ns);
+///
+/// One thread at a time.
 class PELVOR_EXPORT NSMutableCharacterSet : public NSCharacterSet {
     PELVOR_CLASS(NSMutableCharacterSet, NSCharacterSet);
     PELVOR_CREATORS(init);
@@ -17,7 +22,7 @@ class PELVOR_EXPORT NSMutableCharacterSet : public NSCharacterSet {
   public:
     static Retained<NSMutableCharacterSet> init(Class* cls = classObject());
 
-    /// Raise NSInvalidArgumentException for a range past U+10FFFF.
+    /// These raise NSInvalidArgumentException for a range that reaches beyond U+10FFFF.
     void addCharactersInRange(NSRange range);
     void removeCharactersInRange(NSRange range);
     void addCharactersInString(NSString* string);

@@ -28,8 +28,8 @@ class PELVOR_EXPORT NSMutableData : public NSData {
     /// Data of that many zeros.
     static NSMutableData* dataWithLength(NSUInteger length);
     static NSMutableData* dataWithBytes_length(const void* bytes, NSUInteger length);
-    /// Copies the bytes, unlike NSData's operations of these names, and frees memory that was to be taken
-    /// over.
+    /// These copy the bytes, unlike NSData's operations of these names. Memory that the data was to take over
+    /// is freed at once.
     static NSMutableData* dataWithBytesNoCopy_length(void* bytes, NSUInteger length);
     static NSMutableData* dataWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length,
                                                                   bool freeWhenDone);
@@ -56,21 +56,22 @@ class PELVOR_EXPORT NSMutableData : public NSData {
     const void* bytes() override { return _bytes.data(); }
     void* mutableBytes() { return _bytes.data(); }
 
-    /// Takes bytes off the end or adds zeros.
+    /// Removes bytes at the end, or adds zeros at the end, until the data has this length.
     void setLength(NSUInteger length);
     void increaseLengthBy(NSUInteger extra);
-    /// The bytes may be the receiver's own. Raises NSMallocException if the data would hold more bytes than
-    /// an NSUInteger counts, as all operations do that add bytes.
+    /// Adds copies of the bytes at the end. The bytes may be the receiver's own. This and every other
+    /// operation that adds bytes raises NSMallocException if the data would hold more bytes than an
+    /// NSUInteger can count.
     void appendBytes_length(const void* bytes, NSUInteger length);
     void appendData(NSData* other);
     void setData(NSData* other);
-    /// Sets the bytes of the range to zero. Raises NSRangeException for a range that is not inside.
+    /// Sets the bytes of the range to zero. Raises NSRangeException for a range that is not inside the data.
     void resetBytesInRange(NSRange range);
     /// Overwrites the bytes of the range; the data grows if the range reaches beyond the end. Raises
     /// NSRangeException if the range begins beyond the end.
     void replaceBytesInRange_withBytes(NSRange range, const void* bytes);
-    /// Puts the bytes in the place of the bytes of the range. Raises NSRangeException for a range that is not
-    /// inside.
+    /// Replaces the bytes of the range by `length` other bytes. Raises NSRangeException for a range that is
+    /// not inside the data.
     void replaceBytesInRange_withBytes_length(NSRange range, const void* bytes, NSUInteger length);
 
     // C++ only

@@ -12,9 +12,9 @@ namespace pelvor {
 ///     ages->setObject_forKey(NSNumber::numberWithInt(7), u"Anna"_ns);
 ///     ages->removeObjectForKey(u"Berta"_ns);
 ///
-/// Abstract over NSDictionary's primitives and the three below. An operation that raises changes nothing. An
-/// operation first takes keys and objects out of the dictionary and releases them afterwards, so their end
-/// may use and change the dictionary. One thread at a time.
+/// The class is abstract: a subclass implements NSDictionary's primitives and the three below. An operation
+/// that raises changes nothing. An operation first takes keys and objects out of the dictionary and releases
+/// them afterwards, so their end may use and change the dictionary. One thread at a time.
 class PELVOR_EXPORT NSMutableDictionary : public NSDictionary {
     PELVOR_CLASS(NSMutableDictionary, NSDictionary);
     PELVOR_CREATORS(dictionary, dictionaryWithCapacity, dictionaryWithObject_forKey,
@@ -23,7 +23,7 @@ class PELVOR_EXPORT NSMutableDictionary : public NSDictionary {
                     initWithObjects_forKeys_count, initWithDictionary, of, initWithEntries);
 
   public:
-    // Creation; as in NSDictionary.
+    // Creation, as in NSDictionary. The results can be changed.
 
     static NSMutableDictionary* dictionary();
     static NSMutableDictionary* dictionaryWithCapacity(NSUInteger capacity);
@@ -46,15 +46,15 @@ class PELVOR_EXPORT NSMutableDictionary : public NSDictionary {
 
     // Primitives
 
-    /// Adds an entry with a copy of the key, or puts the object in the place of the key's present object; the
-    /// entry then keeps its key and its place in the order. Raises NSInvalidArgumentException for null as
-    /// object or key, and for a key that cannot be copied.
+    /// Adds an entry with a copy of the key. If the key has an entry already, the entry gets the new object
+    /// and keeps its key and its place in the order. Raises NSInvalidArgumentException for a null object or
+    /// key, and for a key that cannot be copied.
     virtual void setObject_forKey(id object, id key) = 0;
-    /// Does nothing if there is no entry.
+    /// Does nothing if the key has no entry.
     virtual void removeObjectForKey(id key) = 0;
     virtual void removeAllObjects() = 0;
 
-    /// Like `setObject_forKey`, but null as value removes the entry.
+    /// Like `setObject_forKey`, but a null value removes the entry.
     virtual void setValue_forKey(id value, NSString* key);
     void removeObjectsForKeys(NSArray* keys);
     void addEntriesFromDictionary(NSDictionary* other);

@@ -6,7 +6,13 @@
 
 namespace pelvor {
 
-/// A set that can be changed. One thread at a time.
+/// A set of indexes that can be changed:
+///
+///     auto selected = NSMutableIndexSet::init();
+///     selected->addIndexesInRange({2, 4});
+///     selected->removeIndex(3);  // 2, 4 and 5 remain
+///
+/// One thread at a time.
 class PELVOR_EXPORT NSMutableIndexSet : public NSIndexSet {
     PELVOR_CLASS(NSMutableIndexSet, NSIndexSet);
     PELVOR_INHERITED_CREATORS(indexSet, indexSetWithIndex, indexSetWithIndexesInRange, init, initWithIndex,
@@ -16,7 +22,7 @@ class PELVOR_EXPORT NSMutableIndexSet : public NSIndexSet {
     void addIndex(NSUInteger index);
     void addIndexesInRange(NSRange range);
     void addIndexes(NSIndexSet* other);
-    // Removing ignores indexes that are no members.
+    // These ignore indexes that are not members.
     void removeIndex(NSUInteger index) { remove({index, 1}); }
     void removeIndexesInRange(NSRange range) { remove(range); }
     void removeIndexes(NSIndexSet* other);

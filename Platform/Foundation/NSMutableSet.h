@@ -12,9 +12,9 @@ namespace pelvor {
 ///     names->addObject(u"Anna"_ns);
 ///     names->minusSet(others);
 ///
-/// Abstract over NSSet's primitives and the three below. An operation that raises changes nothing. An
-/// operation first takes members out of the set and releases them afterwards, so the end of a member may use
-/// and change the set. One thread at a time.
+/// The class is abstract: a subclass implements NSSet's primitives and the three below. An operation that
+/// raises changes nothing. An operation first takes members out of the set and releases them afterwards, so
+/// the end of a member may use and change the set. One thread at a time.
 class PELVOR_EXPORT NSMutableSet : public NSSet {
     PELVOR_CLASS(NSMutableSet, NSSet);
     PELVOR_CREATORS(set, setWithCapacity, setWithObject, setWithObjects_count, setWithArray, setWithSet, init,
@@ -22,7 +22,7 @@ class PELVOR_EXPORT NSMutableSet : public NSSet {
                     initWithObjects);
 
   public:
-    // Creation; as in NSSet.
+    // Creation, as in NSSet. The results can be changed.
 
     static NSMutableSet* set();
     static NSMutableSet* setWithCapacity(NSUInteger capacity);

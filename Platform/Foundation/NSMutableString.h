@@ -42,7 +42,8 @@ class PELVOR_EXPORT NSMutableString : public NSString {
     static Retained<NSMutableString> initWithCapacity(NSUInteger capacity);
     static Retained<NSMutableString> initWithString(NSString* string);
     static Retained<NSMutableString> initWithCharacters_length(const unichar* characters, NSUInteger length);
-    /// Copies the units all the same. With `freeWhenDone` the caller's units are freed at once.
+    /// Copies the units, unlike NSString's operation of this name. With `freeWhenDone`, the caller's units,
+    /// which were allocated by `malloc`, are freed at once.
     static Retained<NSMutableString> initWithCharactersNoCopy_length_freeWhenDone(unichar* characters,
                                                                                   NSUInteger length,
                                                                                   bool freeWhenDone);
@@ -65,7 +66,7 @@ class PELVOR_EXPORT NSMutableString : public NSString {
     static Retained<NSMutableString> initWithFormat(NSString* format, const A&... arguments) {
         return initWithString(formatString(format, detail::formatArguments(arguments...), "initWithFormat:"));
     }
-    /// Borrowed copies of the text. Bytes that are not UTF-8 become U+FFFD.
+    /// These copy the text into a new borrowed string. `ofUTF8` replaces bytes that are not UTF-8 by U+FFFD.
     static NSMutableString* of(std::u16string_view units);
     static NSMutableString* ofUTF8(std::string_view bytes);
 

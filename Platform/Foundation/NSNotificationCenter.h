@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// NSNotificationCenter: hands notifications to those who asked for them.
+// NSNotificationCenter: hands notifications to the observers that registered for them.
 #pragma once
 
 #include <memory>

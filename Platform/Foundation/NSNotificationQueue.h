@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// NSNotificationQueue: notifications that are posted later, and once where many would say the same.
+// NSNotificationQueue: notifications that are posted later, and only once if many say the same thing.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +19,8 @@ enum NSPostingStyle : std::uint32_t {
     NSPostNow = 3,       ///< before the call returns, whatever the mode
 };
 
-/// What makes two notifications the same; values may be combined.
+/// Which parts of two notifications have to be equal so that they count as the same notification; values may
+/// be combined.
 enum NSNotificationCoalescing : std::uint32_t {
     NSNotificationNoCoalescing = 0,
     NSNotificationCoalescingOnName = 1,
@@ -33,7 +34,8 @@ enum NSNotificationCoalescing : std::uint32_t {
 ///     NSNotificationQueue::defaultQueue()->enqueueNotification_postingStyle(news, NSPostWhenIdle);
 ///
 /// A notification waits for one of its modes. An exception of an observer leaves the run loop; the
-/// notification is gone, and those after it stay. A queue is for the thread that made it.
+/// notification is no longer queued then, but the notifications behind it still are. A queue is for the
+/// thread that made it.
 class PELVOR_EXPORT NSNotificationQueue : public NSObject {
     PELVOR_CLASS(NSNotificationQueue, NSObject);
     PELVOR_CREATORS(init, initWithNotificationCenter);
@@ -49,13 +51,15 @@ class PELVOR_EXPORT NSNotificationQueue : public NSObject {
 
     /// Queues the notification for the default mode, coalescing by name and sender.
     void enqueueNotification_postingStyle(NSNotification* notification, NSPostingStyle style);
-    /// Drops the queued notifications that are the same by `mask` (of NSNotificationCoalescing), and then
-    /// queues this one, or posts it if the style is NSPostNow. `modes` are names; a null or empty list stands
-    /// for the default mode. Raises NSInvalidArgumentException if the notification is null.
+    /// Drops the queued notifications that count as the same as this one by `mask` (values of
+    /// NSNotificationCoalescing), and then queues this notification, or posts it if the style is NSPostNow.
+    /// `modes` are names; a null or empty list stands for the default mode. Raises NSInvalidArgumentException
+    /// if the notification is null.
     void enqueueNotification_postingStyle_coalesceMask_forModes(NSNotification* notification,
                                                                 NSPostingStyle style, std::uint32_t mask,
                                                                 NSArray* modes);
-    /// Drops the queued notifications that are the same by `mask`; with 0, those that are this very object.
+    /// Drops the queued notifications that count as the same as this one by `mask`. With 0 for `mask`, drops
+    /// only this very object.
     void dequeueNotificationsMatching_coalesceMask(NSNotification* notification, std::uint32_t mask);
 
     /// Returns what waits: each notification with its style and its modes, in the order of posting.

@@ -22,8 +22,9 @@ class NSString;
 /// drops the fraction; a number outside the type's range becomes the nearest end of the range, and NaN
 /// becomes 0.
 ///
-/// Abstract over NSValue's `objCType` and `getValue`, on which every other operation stands; a subclass may
-/// override those for speed. The creators may return a shared object. Any thread.
+/// The class is abstract: a subclass implements NSValue's `objCType` and `getValue`, on which all other
+/// operations stand, and may override other operations for speed. The creators may return a shared object.
+/// Any thread.
 class PELVOR_EXPORT NSNumber : public NSValue, NSValue::HiddenCreators {
     PELVOR_CLASS(NSNumber, NSValue);
     PELVOR_CREATORS(numberWithBool, numberWithChar, numberWithUnsignedChar, numberWithShort,
@@ -73,11 +74,11 @@ class PELVOR_EXPORT NSNumber : public NSValue, NSValue::HiddenCreators {
     virtual unsigned long long unsignedLongLongValue();
     virtual float floatValue();
     virtual double doubleValue();
-    /// The shortest text that reads back as the same number, "0.1", whatever the locale; a boolean is
-    /// "1" or "0".
+    /// The shortest text from which the same number is read again, such as "0.1", in every locale. The text
+    /// of a boolean is "1" or "0".
     virtual NSString* stringValue();
 
-    /// Raises NSInvalidArgumentException for null.
+    /// Compares by value. Raises NSInvalidArgumentException if the other number is null.
     NSComparisonResult compare(NSNumber* other);
     bool isEqualToNumber(NSNumber* other);
 

@@ -23,12 +23,11 @@ PELVOR_EXPORT void performSelector_withObject_afterDelay_inModes(id target, SEL 
 PELVOR_EXPORT void performSelector_withObject_afterDelay(id target, SEL selector, id argument,
                                                          NSTimeInterval delay);
 
-/// Class operations of every class. They reach the messages that were asked for on the thread that calls
-/// them.
+/// Class operations of every class. They cancel messages that were requested on the calling thread.
 struct PELVOR_EXPORT NSObject_DelayedPerforming {
-    /// Forgets all messages that the target was to be sent after a delay.
+    /// Cancels all messages that are to be sent to the target after a delay.
     static void cancelPreviousPerformRequestsWithTarget(id target);
-    /// Forgets those with this selector and an equal argument.
+    /// Cancels the messages to the target that have this selector and an equal argument.
     static void cancelPreviousPerformRequestsWithTarget_selector_object(id target, SEL selector, id argument);
 };
 

@@ -27,7 +27,7 @@ class PELVOR_EXPORT NSProcessInfo : public NSObject {
     /// Returns the environment at this moment, without entries that lack "=". No thread may change the
     /// environment meanwhile.
     NSDictionary* environment();
-    /// Returns a text that no other call returns, in this process or any other.
+    /// Returns a text that no other call returns, neither in this process nor in any other.
     NSString* globallyUniqueString();
 
   protected:

@@ -49,8 +49,9 @@ class PELVOR_EXPORT NSPropertyListSerialization : public NSObject {
                                                         NSPropertyListFormat* format,
                                                         NSPropertyListError** error);
 
-    /// Reads the list in the file in the same way. A file that cannot be read gives an error too. An empty
-    /// file whose name ends in ".strings" is a table without entries.
+    /// Reads the list in the file as `propertyListWithData_options_format_error` reads one in data. A file
+    /// that cannot be read gives an error, too. An empty file whose name ends in ".strings" is a table
+    /// without entries.
     static id propertyListWithContentsOfFile_options_format_error(NSString* path,
                                                                   NSPropertyListMutabilityOptions options,
                                                                   NSPropertyListFormat* format,

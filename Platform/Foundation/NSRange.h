@@ -10,12 +10,12 @@ namespace pelvor {
 
 /// Counts, lengths and indexes.
 using NSUInteger = std::uint32_t;
-/// A signed number of the same size.
+/// A signed number of 32 bits.
 using NSInteger = std::int32_t;
 /// A UTF-16 code unit.
 using unichar = char16_t;
 
-/// No index: what searches return that find nothing.
+/// Stands for "no index": a search that finds nothing returns it.
 inline constexpr NSUInteger NSNotFound = 0x7FFFFFFF;
 
 /// A run of positions: of code units in a string, of indexes in an array.
@@ -42,7 +42,7 @@ constexpr bool NSLocationInRange(NSUInteger location, NSRange range) {
 
 constexpr bool NSEqualRanges(NSRange a, NSRange b) { return a == b; }
 
-/// Whether the range lies within a sequence of `count` places; sums do not wrap.
+/// Whether the range lies inside a sequence of `count` places. No sum wraps, so a huge length is outside.
 constexpr bool isRangeInside(NSRange range, NSUInteger count) {
     return range.location <= count && range.length <= count - range.location;
 }
@@ -54,14 +54,14 @@ constexpr NSRange NSUnionRange(NSRange a, NSRange b) {
     return {start, end - start};
 }
 
-/// The positions that both ranges contain; an empty range at 0 if there are none.
+/// The positions that both ranges contain; the empty range {0, 0} if they share no position.
 constexpr NSRange NSIntersectionRange(NSRange a, NSRange b) {
     NSUInteger start = a.location > b.location ? a.location : b.location;
     NSUInteger end = NSMaxRange(a) < NSMaxRange(b) ? NSMaxRange(a) : NSMaxRange(b);
     return start < end ? NSRange{start, end - start} : NSRange{};
 }
 
-/// The order of two things: the first sorts before the second, with the second, or after it.
+/// The order of two things: the first sorts before the second, sorts as equal, or sorts after the second.
 enum NSComparisonResult : int { NSOrderedAscending = -1, NSOrderedSame = 0, NSOrderedDescending = 1 };
 
 }  // namespace pelvor

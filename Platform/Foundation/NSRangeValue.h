@@ -10,8 +10,8 @@ namespace pelvor {
 
 class NSMutableArray;
 
-/// What NSValue's creators return for a range; who knows the class reads the range without a call. Any
-/// thread.
+/// The value that NSValue's creators return for a range. Code that knows the class reads the range without a
+/// virtual call. Any thread.
 class PELVOR_EXPORT NSRangeValue final : public NSValue {
     PELVOR_CLASS(NSRangeValue, NSValue);
 
@@ -19,7 +19,7 @@ class PELVOR_EXPORT NSRangeValue final : public NSValue {
     // C++ only
     /// An owned value.
     static Retained<NSRangeValue> create(NSRange range);
-    /// An owned array of a value for each range.
+    /// An owned array with one value for each range.
     static Retained<NSMutableArray> createArray(std::span<const NSRange> ranges);
     NSRange range() const { return _range; }
     std::span<const std::byte> span() PELVOR_LIFETIMEBOUND { return std::as_bytes(std::span(&_range, 1)); }

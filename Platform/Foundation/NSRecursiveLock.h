@@ -10,8 +10,14 @@ namespace pelvor {
 
 class NSDate;
 
-/// A lock that the thread that holds it may take again. It is free after as many calls of `unlock` as of
-/// `lock`. `std::lock_guard` takes it.
+/// A lock that the thread which holds it may take again. The lock is free after as many calls of `unlock` as
+/// of `lock`:
+///
+///     Retained<NSRecursiveLock> lock = NSRecursiveLock::init();
+///     std::lock_guard outer(*lock);
+///     {
+///         std::lock_guard inner(*lock);  // does not wait: this thread holds the lock
+///     }
 class PELVOR_EXPORT NSRecursiveLock : public NSObject {
     PELVOR_CLASS(NSRecursiveLock, NSObject);
     PELVOR_CREATORS(init);
@@ -20,9 +26,10 @@ class PELVOR_EXPORT NSRecursiveLock : public NSObject {
     static Retained<NSRecursiveLock> init(Class* cls = classObject());
 
     void lock() { _mutex.lock(); }
-    /// Takes the lock if no other thread holds it. Returns whether it did.
+    /// Takes the lock if no other thread holds it, and returns whether the lock was taken.
     bool tryLock() { return _mutex.try_lock(); }
-    /// Waits for the lock until the date. Returns whether it was taken. A null date is over.
+    /// Waits for the lock until the date, and returns whether the lock was taken. With a null date, or one in
+    /// the past, the operation does not wait.
     bool lockBeforeDate(NSDate* date);
     void unlock() { _mutex.unlock(); }
 

@@ -58,7 +58,7 @@ struct Watch {
 
 struct Descriptor {
     std::vector<Watch> watches;
-    std::uint32_t polled = 0;  // the events that the kernel is asked for
+    std::uint32_t polled = 0;  // the events that the kernel is to report
 };
 
 struct TimerMode {

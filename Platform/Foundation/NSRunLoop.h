@@ -20,8 +20,7 @@ inline constexpr NSString* NSDefaultRunLoopMode = u"NSDefaultRunLoopMode"_ns;
 /// under this name; a loop cannot run in it.
 inline constexpr NSString* NSRunLoopCommonModes = u"NSRunLoopCommonModes"_ns;
 
-/// What a descriptor is watched for; values may be combined. Errors, and an other end that was closed, count
-/// as both.
+/// What a descriptor is watched for; values may be combined. An error, or a closed other end, counts as both.
 enum NSDescriptorEvents : std::uint32_t {
     NSDescriptorReadable = 1,
     NSDescriptorWritable = 2,
@@ -43,8 +42,8 @@ enum NSDescriptorEvents : std::uint32_t {
 /// may be run from inside a call that it makes.
 ///
 /// An exception of such a call leaves the operation that runs the loop and ends the turn; work that was not
-/// done waits for the next turn. A date that is given to the loop becomes a moment of a clock that nobody
-/// sets. All operations are for the loop's own thread, except `wakeUp`, `stop` and `perform`.
+/// done waits for the next turn. The loop converts a date that it is given to a moment of a steady clock,
+/// which nobody can set. All operations are for the loop's own thread, except `wakeUp`, `stop` and `perform`.
 class PELVOR_EXPORT NSRunLoop : public NSObject {
     PELVOR_CLASS(NSRunLoop, NSObject);
 
@@ -73,10 +72,10 @@ class PELVOR_EXPORT NSRunLoop : public NSObject {
     /// Takes turns in the default mode until the date has come, `stop` was called, or there is nothing to
     /// wait for.
     void runUntilDate(NSDate* limit);
-    /// Does the same without a date.
+    /// Takes turns in the default mode until `stop` was called, or there is nothing to wait for.
     void run();
-    /// Ends the innermost `runUntilDate` or `run` after its turn. Does nothing if neither is under way: a
-    /// later call of them runs. Any thread.
+    /// Ends the innermost `runUntilDate` or `run` after its turn. Does nothing if neither is running; a later
+    /// call of `runUntilDate` or `run` is not stopped. Any thread.
     void stop();
     /// Makes `runMode:beforeDate:` return instead of waiting, now or when it next comes to wait. Any thread.
     void wakeUp();

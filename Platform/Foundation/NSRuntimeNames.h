@@ -6,16 +6,16 @@
 
 namespace pelvor {
 
-/// The registered class of that name, or the class that poses under the name; null if there is none. Any
-/// thread.
+/// The registered class with this name, or the class that poses under the name; null if there is no such
+/// class. Any thread.
 PELVOR_EXPORT Class* NSClassFromString(NSString* name);
-/// Null for null.
+/// The name of the class; null for a null class.
 PELVOR_EXPORT NSString* NSStringFromClass(Class* cls);
 
-/// The selector of that name, which is made if it does not exist; the null selector for null and for an empty
-/// name. Any thread.
+/// The selector with this name, which is made if it does not exist yet. A null or empty name gives the null
+/// selector. Any thread.
 PELVOR_EXPORT SEL NSSelectorFromString(NSString* name);
-/// Null for the null selector.
+/// The name of the selector; null for the null selector.
 PELVOR_EXPORT NSString* NSStringFromSelector(SEL selector);
 
 }  // namespace pelvor

@@ -14,9 +14,10 @@ namespace pelvor {
 ///     if (scanner->scanString_intoString(u"width:"_ns, nullptr) && scanner->scanDouble(&width)) …
 ///
 /// Each reading first passes over the characters to be skipped. A reading that finds nothing returns false
-/// and leaves the place and the value as they were. The pointer to a value that is not wanted may be null.
-/// Numbers that are too large for the type become its nearest number. Null strings and sets raise
-/// NSInvalidArgumentException. One thread at a time.
+/// and leaves the place and the value as they were. The pointer for a value may be null if the caller does
+/// not want the value. A number that is too large for the type becomes the largest number of the type, one
+/// that is too small the smallest. Null strings and sets raise NSInvalidArgumentException. One thread at a
+/// time.
 class PELVOR_EXPORT NSScanner : public NSObject {
     PELVOR_CLASS(NSScanner, NSObject);
     PELVOR_CREATORS(initWithString, scannerWithString);
@@ -52,12 +53,13 @@ class PELVOR_EXPORT NSScanner : public NSObject {
 
     /// Reads the string if it is next, by the rules of `rangeOfString`.
     bool scanString_intoString(NSString* string, NSString** value);
-    /// Reads what stands before the string, or all the rest if the string does not come. Returns false if the
-    /// string is next.
+    /// Reads the text before the next occurrence of the string, or the whole rest if the string does not
+    /// occur. Returns false if the string is next.
     bool scanUpToString_intoString(NSString* string, NSString** value);
     /// Reads the members of the set that are next.
     bool scanCharactersFromSet_intoString(NSCharacterSet* set, NSString** value);
-    /// Reads what stands before the first member, or all the rest. Returns false if a member is next.
+    /// Reads the text before the next member of the set, or the whole rest if there is no member. Returns
+    /// false if a member is next.
     bool scanUpToCharactersFromSet_intoString(NSCharacterSet* set, NSString** value);
 
   protected:

@@ -18,10 +18,11 @@ class NSMutableSet;
 ///     names->containsObject(u"Berta"_ns);      // true
 ///     for (id name : names) NSLog(u"%@"_ns, name);
 ///
-/// Members are told apart by `hash` and `isEqual`: a look-up sends `isEqual` to the object that is looked
-/// for, with the member. An object must not change its hash while it is a member. Walks go in the order in
-/// which the members were added. Abstract over `count`, `member` and `stepFrom`; the creators return objects
-/// of concrete classes. Immutable sets may be used on any thread as far as their members may.
+/// Members are told apart by `hash` and `isEqual`: a look-up sends `isEqual` to the object that is looked up,
+/// with a member as the argument. An object must not change its hash while it is a member. Walks go in the
+/// order in which the members were added. Immutable sets may be used on any thread as far as their members
+/// may. The class is abstract: a subclass implements `count`, `member` and `stepFrom` and hides the creators,
+/// which return objects of private classes; NSArray.h has an example.
 class PELVOR_EXPORT NSSet : public NSObject {
     PELVOR_CLASS(NSSet, NSObject);
     PELVOR_CREATORS(set, setWithObject, setWithObjects_count, setWithArray, setWithSet, init,
@@ -50,12 +51,12 @@ class PELVOR_EXPORT NSSet : public NSObject {
     // Primitives
 
     virtual NSUInteger count() = 0;
-    /// The member that is equal to the object; null if there is none.
+    /// The member that is equal to the object; null if there is no such member.
     virtual id member(id object) = 0;
 
     // C++ only
-    /// The member at or after `position`, which moves behind this member; null at the end. A walk begins at
-    /// position 0.
+    /// Returns the member at or after `position`, and moves `position` behind this member. Returns null at
+    /// the end of the walk. A walk begins at position 0.
     virtual id stepFrom(NSUInteger& position) = 0;
     /// The address of a number that changes when members come or go; by this number walks notice changes.
     virtual const std::uint32_t* mutationCounter() { return &detail::kNeverMutated; }
@@ -69,11 +70,11 @@ class PELVOR_EXPORT NSSet : public NSObject {
     bool isSubsetOfSet(NSSet* other);
     bool intersectsSet(NSSet* other);
     bool isEqualToSet(NSSet* other);
-    /// A borrowed set of the members and the object or objects.
+    /// These return a borrowed set of the receiver's members and the object or objects.
     NSSet* setByAddingObject(id object);
     NSSet* setByAddingObjectsFromSet(NSSet* other);
     NSSet* setByAddingObjectsFromArray(NSArray* other);
-    /// Sends the message to the members that are there when the operation begins.
+    /// Sends the message to each object that is a member when the operation begins.
     void makeObjectsPerformSelector(SEL selector);
     void makeObjectsPerformSelector_withObject(SEL selector, id argument);
 

@@ -11,7 +11,8 @@
 namespace pelvor {
 namespace {
 
-// The text that an ICU function writes to a buffer, whose size it is asked for again if the first is short.
+// The text that an ICU function writes to a buffer. If the first buffer is too short, the function is called
+// again with one of the size that it named.
 template <class Convert>
 NSString* convertedText(NSString* string, Convert convert) {
     StringUnits units(string);

@@ -36,7 +36,7 @@ Path lastComponent(Path path) {
     return path.substr(start, endOfLastComponent(path) - start);
 }
 
-// The place of the full stop before the extension, npos if there is none.
+// The place of the full stop before the extension; npos if there is no extension.
 std::size_t placeOfExtension(Path path) {
     Path name = lastComponent(path);
     std::size_t stop = name.rfind(u'.');

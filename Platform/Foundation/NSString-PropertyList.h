@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The property list that a string's text is.
+// Reading a string as the text of a property list.
 #pragma once
 
 #include "Foundation/NSString.h"
@@ -8,11 +8,16 @@ namespace pelvor {
 
 class NSDictionary;
 
-/// Returns the list that the text is, in XML or the old style; borrowed. Returns null if the text is no list.
-/// Both operations raise NSInvalidArgumentException if the string is null.
+/// Reads the string as a property list in XML or in the old style. The list is borrowed; it is null if the
+/// text is no property list. Both operations raise NSInvalidArgumentException if the string is null.
+///
+///     id list = propertyList(u"{ columns = 80; margins = (20, 25); }"_ns);  // a dictionary
 PELVOR_EXPORT id propertyList(NSString* string);
-/// Returns the dictionary that the text is, with braces or, as a string table, without; borrowed. Text
-/// without entries is an empty table. Returns null if the text is anything else.
+/// Reads the string as a dictionary in the old style, or as a string table, which is such a dictionary
+/// without the braces around it. The dictionary is borrowed; it is empty if the text has no entries, and null
+/// if the text is anything else.
+///
+///     propertyListFromStringsFileFormat(u"\"_Open\" = \"Öffnen\";"_ns);  // one entry
 PELVOR_EXPORT NSDictionary* propertyListFromStringsFileFormat(NSString* string);
 
 }  // namespace pelvor

@@ -40,8 +40,9 @@ enum : NSStringCompareOptions {
 ///         NSLog(u"%@ is called \"%@\""_ns, number, name);  // Chapter 1 is called "Arrival"
 ///     }
 ///
-/// The class is abstract: all operations stand on `length`, `characterAtIndex` and `getCharacters_range`, and
-/// the creators return objects of concrete classes. Immutable strings may be used on any thread.
+/// The class is abstract: a subclass implements `length` and `characterAtIndex`, on which all other
+/// operations stand, and may implement `getCharacters_range` for speed. It hides the creators, which return
+/// objects of private classes; NSArray.h has an example. Immutable strings may be used on any thread.
 ///
 /// These rules hold for every operation:
 /// - An index or a range that is not inside the string raises NSRangeException.
@@ -65,22 +66,21 @@ class PELVOR_EXPORT NSString : public NSObject {
     static NSString* string();
     static NSString* stringWithString(NSString* string);
     static NSString* stringWithCharacters_length(const unichar* characters, NSUInteger length);
-    /// Null if the zero-terminated text is not UTF-8.
+    /// Returns null if the zero-terminated text is not UTF-8.
     static NSString* stringWithUTF8String(const char* text);
     /// Null if the zero-terminated text is not valid in the encoding or the encoding is unknown.
     static NSString* stringWithCString_encoding(const char* text, NSStringEncoding encoding);
     /// The file's text. Null if the file cannot be read or is not valid in the encoding.
     static NSString* stringWithContentsOfFile_encoding(NSString* path, NSStringEncoding encoding);
-    /// The file's text in the encoding that a mark at its front tells, else in UTF-8 if it is valid, else in
-    /// ISO Latin
-    /// 1. Null if the file cannot be read.
+    /// The file's text. A mark at the front of the file tells the encoding; without a mark the text is read
+    /// as UTF-8 if it is valid UTF-8, else as ISO Latin 1. Null if the file cannot be read.
     static NSString* stringWithContentsOfFile(NSString* path);
 
     static Retained<NSString> init();
     static Retained<NSString> initWithString(NSString* string);
     static Retained<NSString> initWithCharacters_length(const unichar* characters, NSUInteger length);
-    /// A string over the caller's memory, which must not change while the string lives. With `freeWhenDone`
-    /// the memory was allocated by `malloc`, and the string frees it.
+    /// A string that uses the caller's memory, which must not change while the string exists. With
+    /// `freeWhenDone`, the memory was allocated by `malloc`, and the string frees it.
     static Retained<NSString> initWithCharactersNoCopy_length_freeWhenDone(unichar* characters,
                                                                            NSUInteger length,
                                                                            bool freeWhenDone);
@@ -104,7 +104,7 @@ class PELVOR_EXPORT NSString : public NSObject {
         return Retained<NSString>::retaining(
             formatString(format, detail::formatArguments(arguments...), "initWithFormat:"));
     }
-    /// Borrowed copies of the text. Bytes that are not UTF-8 become U+FFFD.
+    /// These copy the text into a new borrowed string. `ofUTF8` replaces bytes that are not UTF-8 by U+FFFD.
     static NSString* of(std::u16string_view units);
     static NSString* ofUTF8(std::string_view bytes);
 
@@ -129,14 +129,15 @@ class PELVOR_EXPORT NSString : public NSObject {
     NSString* substringToIndex(NSUInteger index);
     NSString* substringWithRange(NSRange range);
     NSString* stringByAppendingString(NSString* string);
-    /// The pieces between separators, empty pieces included. Without a separator in the string, the receiver
-    /// alone.
+    /// The pieces between the separators; a piece may be empty. If the string does not contain the separator,
+    /// the receiver is the only piece.
     NSArray* componentsSeparatedByString(NSString* separator);
     /// The string without the members of the set at both ends.
     NSString* stringByTrimmingCharactersInSet(NSCharacterSet* set);
     NSString* stringByReplacingOccurrencesOfString_withString(NSString* target, NSString* replacement);
-    /// The first `length` units of the receiver. If it is shorter, `pad` fills the rest, from its unit at
-    /// `index` on and over and over: "ab" padded to 7 with "123" from 1 is "ab23123".
+    /// The first `length` units of the receiver. If the receiver is shorter, units of `pad` fill the rest:
+    /// from its unit at `index` to its end, and then its units again and again. "ab" padded to 7 with "123"
+    /// from 1 is "ab23123".
     NSString* stringByPaddingToLength_withString_startingAtIndex(NSUInteger length, NSString* pad,
                                                                  NSUInteger index);
 
@@ -151,19 +152,20 @@ class PELVOR_EXPORT NSString : public NSObject {
 
     bool isEqual(id other) override;
     std::uintptr_t hash() override;
-    /// Whether the units are the same. False for null.
+    /// Whether both strings have the same units. False if the other string is null.
     bool isEqualToString(NSString* other);
-    /// The order of the texts by the units of their composed forms, so that canonically equivalent texts are
-    /// the same.
+    /// The order of the texts by the units of their composed forms. Canonically equivalent texts compare as
+    /// equal.
     NSComparisonResult compare(NSString* other);
     NSComparisonResult compare_options(NSString* other, NSStringCompareOptions options);
     /// Compares the receiver's range with the whole of `other`.
     NSComparisonResult compare_options_range(NSString* other, NSStringCompareOptions options, NSRange range);
     NSComparisonResult caseInsensitiveCompare(NSString* other);
-    /// The order that dictionaries of the user's language have.
+    /// The order that a dictionary in the user's language has (see UserLanguages.h).
     NSComparisonResult localizedCompare(NSString* other);
     NSComparisonResult localizedCaseInsensitiveCompare(NSString* other);
-    /// Whether the string begins, or ends, with the same units. False for an empty prefix or suffix.
+    /// Whether the string begins with the units of the prefix, or ends with the units of the suffix. False
+    /// for an empty prefix or suffix.
     bool hasPrefix(NSString* prefix);
     bool hasSuffix(NSString* suffix);
 
@@ -201,8 +203,8 @@ class PELVOR_EXPORT NSString : public NSObject {
     NSString* decomposedStringWithCanonicalMapping();
     NSString* precomposedStringWithCanonicalMapping();
 
-    // The number at the start of the string, after white space; 0 if there is none. A number that is too
-    // large for the type becomes its nearest number.
+    // The number at the start of the string, behind white space; 0 if no number stands there. A number that
+    // is too large for the type becomes the largest number of the type, one that is too small the smallest.
 
     int intValue();
     NSInteger integerValue();
@@ -228,12 +230,13 @@ class PELVOR_EXPORT NSString : public NSObject {
     static NSString* pathWithComponents(NSArray* components);
     /// Whether the path begins with "/" or "~".
     bool isAbsolutePath();
-    /// With the home directory in place of "~" or "~user" at the front. An unknown user's name stays.
+    /// The path with the home directory in place of "~" or "~user" at the front. The name of an unknown user
+    /// is not replaced.
     NSString* stringByExpandingTildeInPath();
-    /// With "~" in place of the user's home directory at the front.
+    /// The path with "~" in place of the user's home directory at the front.
     NSString* stringByAbbreviatingWithTildeInPath();
-    /// With "~" expanded and without "//", "/./" and a trailing slash. In absolute paths, ".." removes the
-    /// component before it.
+    /// The path with "~" expanded, and without "//", "/./" and a slash at the end. In an absolute path, ".."
+    /// removes the component before it.
     NSString* stringByStandardizingPath();
     /// The standardized path with its symbolic links resolved, as far as the path exists.
     virtual NSString* stringByResolvingSymlinksInPath();
@@ -248,21 +251,23 @@ class PELVOR_EXPORT NSString : public NSObject {
     const char* cStringUsingEncoding(NSStringEncoding encoding);
     /// The text in the encoding. Null if the text does not fit the encoding or the encoding is unknown.
     NSData* dataUsingEncoding(NSStringEncoding encoding);
-    /// Where loss is allowed, what the encoding lacks is replaced; see `encodeUnits`.
+    /// If loss is allowed, characters that the encoding lacks are replaced by others; see `encodeUnits`.
     NSData* dataUsingEncoding_allowLossyConversion(NSStringEncoding encoding, bool allowLoss);
     bool canBeConvertedToEncoding(NSStringEncoding encoding);
-    /// 0 if the text does not fit the encoding.
+    /// Returns 0 if the text does not fit the encoding.
     NSUInteger lengthOfBytesUsingEncoding(NSStringEncoding encoding);
     /// The encoding in which the text takes least room: ASCII if the text fits it, else UTF-16.
     NSStringEncoding smallestEncoding();
     static NSString* localizedNameOfStringEncoding(NSStringEncoding encoding);
-    /// Whether the text fits the encoding and the file could be written. When written atomically, the path
-    /// holds the whole old file or the whole new file at any time.
+    /// Writes the text in the encoding to the file. Returns false if the text does not fit the encoding or
+    /// the file cannot be written. With `atomically`, the path holds the whole old file or the whole new file
+    /// at every moment; `NSData::writeToFile_atomically` says what becomes of links, owners, access rights
+    /// and files that are no regular ones.
     bool writeToFile_atomically_encoding(NSString* path, bool atomically, NSStringEncoding encoding);
 
     // C++ only
     std::u16string toUTF16();
-    /// Halves of pairs that stand alone become U+FFFD.
+    /// A surrogate that stands alone becomes U+FFFD.
     std::string toUTF8();
 
     NSString* description() override { return this; }

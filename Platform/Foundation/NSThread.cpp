@@ -108,7 +108,7 @@ void NSThread::runAndEnd(std::function<void()>& entry) {
     endCurrent();
 }
 
-// While the dictionary's objects go, the thread is still there to be asked for.
+// The thread's object is still there while the objects of its dictionary end.
 void NSThread::endCurrent() {
     if (!ownThread) return;
     AutoreleasePool pool;

@@ -41,7 +41,8 @@ class PELVOR_EXPORT NSThread : public NSObject {
     /// Returns whether NSThread has ever started a thread.
     static bool isMultiThreaded();
 
-    /// Both return at once if the time is over, and for a null date.
+    /// These put the calling thread to sleep until the date, or for the time in seconds. They return at once
+    /// for a null date, a date in the past, and a time that is not above 0.
     static void sleepUntilDate(NSDate* date);
     static void sleepForTimeInterval(double seconds);
 

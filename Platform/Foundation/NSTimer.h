@@ -30,8 +30,9 @@ struct TimerPlace {
 /// when the timer is invalidated. A timer that fires once is invalidated before its message is sent. A
 /// repeating timer keeps to the beat of its first fire date and leaves out the beats that were missed.
 ///
-/// A fire date becomes a moment of a clock that nobody sets at the time when it is given, so that setting the
-/// system's clock neither hurries nor delays the timer. All operations are for the thread of the run loop.
+/// When a fire date is set, the timer converts the date to a moment of a steady clock, which nobody can set.
+/// A later change of the system's clock therefore neither hurries nor delays the timer. All operations are
+/// for the thread of the run loop.
 class PELVOR_EXPORT NSTimer : public NSObject {
     PELVOR_CLASS(NSTimer, NSObject);
     PELVOR_CREATORS(timerWithTimeInterval_target_selector_userInfo_repeats,
@@ -70,7 +71,7 @@ class PELVOR_EXPORT NSTimer : public NSObject {
     /// Returns the user information; null if the timer is invalid.
     id userInfo() { return _userInfo; }
 
-    /// Returns the message that the timer sends, to which class, and when, or that the timer is invalid.
+    /// "<NSTimer 0x…: sends blink: to <View 0x…> in 0.250 s, then every 0.5 s>", or "<NSTimer 0x…: invalid>".
     NSString* description() override;
 
   protected:

@@ -68,7 +68,7 @@ struct StandardDefaults {
 };
 
 StandardDefaults& standardDefaults() {
-    static auto* const standard = new StandardDefaults;  // settings may be asked for until the very end
+    static auto* const standard = new StandardDefaults;  // settings may be read until the very end
     return *standard;
 }
 

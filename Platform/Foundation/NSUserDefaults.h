@@ -17,11 +17,11 @@ class NSString;
 
 /// The domain of the settings that the program was started with: "-Key value" among its arguments.
 extern PELVOR_EXPORT NSString* const NSArgumentDomain;
-/// The domain of the settings that hold where the user has made none: `registerDefaults`.
+/// The domain of the settings that hold where the user has set nothing; `registerDefaults` adds to it.
 extern PELVOR_EXPORT NSString* const NSRegistrationDomain;
 
-/// Posted by an NSUserDefaults object after the domain that is kept in its file has changed, by setting or by
-/// `synchronize`; on the thread that made the change.
+/// Posted by an NSUserDefaults object after the domain that is kept in its file has changed, whether a
+/// setting was set or `synchronize` read one. Posted on the thread that made the change.
 extern PELVOR_EXPORT NSString* const NSUserDefaultsDidChangeNotification;
 
 /// Settings by key. A program registers what holds without the user, reads, sets, and writes to the file:
@@ -46,11 +46,11 @@ class PELVOR_EXPORT NSUserDefaults : public NSObject {
   public:
     // Creation
 
-    /// Returns the program's settings, with its arguments; borrowed. They are made on first demand, for the
+    /// Returns the program's settings, with its arguments; borrowed. The first call makes them, for the
     /// domain with the program's name.
     static NSUserDefaults* standardUserDefaults();
-    /// Makes other settings the program's: for a host that chooses its domain, or for a test. After null they
-    /// are made anew when they are next asked for.
+    /// Replaces the program's settings by other settings: for a host that chooses the domain, or for a test.
+    /// After null, the next call of `standardUserDefaults` makes new settings.
     static void setStandardUserDefaults(NSUserDefaults* defaults);
 
     /// Returns the settings in the file of the domain. Raises NSInvalidArgumentException for a name that is
@@ -65,14 +65,15 @@ class PELVOR_EXPORT NSUserDefaults : public NSObject {
     id objectForKey(NSString* key);
     /// Returns a string, or a number as text; null for an object of another class.
     NSString* stringForKey(NSString* key);
-    /// These return null for an object of another class.
+    /// Returns null if the object under the key is no array.
     NSArray* arrayForKey(NSString* key);
-    /// Returns null unless the object is an array of nothing but strings.
+    /// Returns null unless the object is an array that contains nothing but strings.
     NSArray* stringArrayForKey(NSString* key);
     NSDictionary* dictionaryForKey(NSString* key);
     NSData* dataForKey(NSString* key);
-    /// These return a number, or a string read as a number; 0 for anything else. A boolean is true for
-    /// numbers other than 0 and for texts that begin with Y, T or such a number.
+    /// These return the value of a number, or the number at the start of a string, and 0 for any other
+    /// object. `boolForKey` returns true for a number other than 0 and for a string that begins with "Y", "T"
+    /// or a number other than 0, in either case of the letters.
     NSInteger integerForKey(NSString* key);
     float floatForKey(NSString* key);
     double doubleForKey(NSString* key);
@@ -102,8 +103,8 @@ class PELVOR_EXPORT NSUserDefaults : public NSObject {
     /// Adds settings that hold where no other domain has the key. Raises NSInvalidArgumentException if
     /// `settings` is null.
     void registerDefaults(NSDictionary* settings);
-    /// Sets all settings of a domain that is not kept in a file. Raises NSInvalidArgumentException if either
-    /// is null.
+    /// Sets all settings of a domain that is not kept in a file. Raises NSInvalidArgumentException if
+    /// `settings` or `name` is null.
     void setVolatileDomain_forName(NSDictionary* settings, NSString* name);
     /// Returns null if there is no such domain.
     NSDictionary* volatileDomainForName(NSString* name);

@@ -10,9 +10,9 @@
 
 namespace pelvor {
 
-/// Writes the size and alignment in bytes of the type that an encoding stands for, unless the pointer is
-/// null, and returns what follows the type in the text. Raises NSInvalidArgumentException for a text that is
-/// no encoding.
+/// Writes the size and the alignment, in bytes, of the first type in a text of type encodings; either pointer
+/// may be null. Returns the rest of the text, behind that type. Raises NSInvalidArgumentException for a text
+/// that is no encoding.
 PELVOR_EXPORT const char* NSGetSizeAndAlignment(const char* type, NSUInteger* size, NSUInteger* alignment);
 
 /// An immutable object that holds a plain value and the encoding of its type.
@@ -22,8 +22,8 @@ PELVOR_EXPORT const char* NSGetSizeAndAlignment(const char* type, NSUInteger* si
 ///     struct Cell { int row, column; };
 ///     int row = NSValue::of(Cell{1, 2})->as<Cell>().row;                // 1
 ///
-/// Two values are equal when their types and their bytes are equal; so structures should have no unused bytes
-/// between their fields. Abstract over `objCType` and `getValue`. Any thread.
+/// Two values are equal when their types and their bytes are equal, so structures should have no unused bytes
+/// between their fields. The class is abstract: a subclass implements `objCType` and `getValue`. Any thread.
 class PELVOR_EXPORT NSValue : public NSObject {
     PELVOR_CLASS(NSValue, NSObject);
     PELVOR_CREATORS(valueWithBytes_objCType, initWithBytes_objCType, valueWithRange, valueWithPoint,
@@ -31,8 +31,9 @@ class PELVOR_EXPORT NSValue : public NSObject {
                     withTypedBytes);
 
   public:
-    // Creation: `initWithBytes_objCType` returns an owned value, the others borrowed ones. Null as bytes, and
-    // a text that is not the encoding of one type, raise NSInvalidArgumentException.
+    // Creation. `initWithBytes_objCType` returns an owned value, the other operations borrowed ones. A null
+    // pointer to the bytes, and a text that is not the encoding of one type, raise
+    // NSInvalidArgumentException.
 
     static NSValue* valueWithBytes_objCType(const void* bytes, const char* type);
     static Retained<NSValue> initWithBytes_objCType(const void* bytes, const char* type);
@@ -41,7 +42,7 @@ class PELVOR_EXPORT NSValue : public NSObject {
     static NSValue* valueWithSize(NSSize size);
     static NSValue* valueWithRect(NSRect rect);
     static NSValue* valueWithPointer(const void* pointer);
-    /// The object is not kept alive.
+    /// The value does not keep the object alive.
     static NSValue* valueWithNonretainedObject(id object);
 
     // C++ only
@@ -54,11 +55,11 @@ class PELVOR_EXPORT NSValue : public NSObject {
     // Primitives
 
     virtual const char* objCType() = 0;
-    /// Writes the value to the buffer, which must be large enough for the type. Raises
-    /// NSInvalidArgumentException for null.
+    /// Copies the value to the buffer, which must be large enough for the type. Raises
+    /// NSInvalidArgumentException if the buffer is null.
     virtual void getValue(void* buffer) = 0;
 
-    // Reading. A value of another type raises NSInvalidArgumentException.
+    // Reading. These raise NSInvalidArgumentException if the value is of another type.
 
     NSRange rangeValue() { return read<NSRange>("rangeValue"); }
     NSPoint pointValue() { return read<NSPoint>("pointValue"); }

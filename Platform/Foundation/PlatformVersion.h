@@ -6,8 +6,8 @@
 
 namespace pelvor {
 
-/// Returns the user-interface framework's version; 1000.0 unless the host set another. Where behaviour
-/// differs between releases, the older behaviour holds below 743.0. Any thread.
+/// Returns the version of the user-interface framework: 1000.0, unless the host has set another. Operations
+/// that depend on the version behave in the older way if it is below 743.0. Any thread.
 PELVOR_EXPORT double platformVersion();
 
 /// Sets what platformVersion() returns. A host calls it before the load-time sequence, in which classes

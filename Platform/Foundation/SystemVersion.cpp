@@ -9,7 +9,7 @@
 namespace pelvor {
 namespace {
 
-// The code that the host set; 0 if it set none.
+// The code that the host has set; 0 if it has not set one.
 std::atomic<int> currentCode{0};
 
 // Reads the number at `text`, at most `limit`, and moves `text` past the number and a full stop behind it.

@@ -6,9 +6,9 @@
 
 namespace pelvor {
 
-/// The operating system's version as binary-coded decimals: two digits of the major version, one of the
-/// minor version and one of the bug fix, 0x1049 for 10.4.9. The version is that of the kernel's release,
-/// unless the host set another; numbers that do not fit are 99 and 9. Any thread.
+/// The operating system's version as binary-coded decimals: two digits of the major version, one of the minor
+/// version and one of the bug fix, 0x1049 for 10.4.9. Unless the host has set another version, it is the
+/// version of the kernel. A major version above 99 is given as 99, another number above 9 as 9. Any thread.
 PELVOR_EXPORT int systemVersionCode();
 
 /// Sets what systemVersionCode() returns, of which the low 16 bits count; 0 stands for the kernel's release.

@@ -16,7 +16,7 @@ struct PoolStack {
 
     void grow();
 
-    // Releasing may autorelease more: that joins the same part and is released too.
+    // A release may autorelease further objects; they join the part of the stack that is being released.
     void releaseAbove(std::size_t height) {
         for (std::size_t next = height; next < count; ++next) objects[next]->release();
         count = height;

@@ -8,9 +8,15 @@
 
 namespace pelvor {
 
-/// Releases, when its scope ends, the objects that were autoreleased in it on this thread, in the
-/// order in which they came. Pools nest like scopes. An object that is autoreleased outside any pool
-/// is released when its thread ends.
+/// Releases, when its scope ends, the objects that were autoreleased on this thread since it was made, in the
+/// order in which they came:
+///
+///     while (NSString* line = readLine()) {
+///         AutoreleasePool pool;
+///         process(line);  // what this call autoreleases is released before the next line
+///     }
+///
+/// Pools nest like scopes. An object that is autoreleased outside any pool is released when its thread ends.
 class PELVOR_EXPORT AutoreleasePool {
   public:
     AutoreleasePool() noexcept;
@@ -18,7 +24,7 @@ class PELVOR_EXPORT AutoreleasePool {
     AutoreleasePool(const AutoreleasePool&) = delete;
     AutoreleasePool& operator=(const AutoreleasePool&) = delete;
 
-    /// Releases what the pool holds now and goes on.
+    /// Releases the objects that the pool holds now. The pool can be used further.
     void drain();
     /// How many releases the pools of this thread hold.
     static std::size_t pendingCount() noexcept;

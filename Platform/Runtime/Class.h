@@ -33,10 +33,11 @@ class PELVOR_EXPORT Class final : public NSObject {
 
     /// "PBIdleQueue". Both a class and its metaclass have the name.
     const char* name() const { return _name; }
-    /// The name for messages that people read: a final class that only implements its superclass, as those
-    /// behind NSString do, goes by the superclass's name.
+    /// The name for messages that people read. A final class that only implements its superclass, such as the
+    /// private classes behind NSString, has the name of its superclass here.
     const char* publicName() const;
-    /// Where inherited methods come from; a posing class stands here for the one that it replaced.
+    /// The class that methods are inherited from. If a class poses as the superclass, this is the posing
+    /// class.
     Class* superclass() const { return _superclass; }
     bool isMetaclass() const { return _isMetaclass; }
     /// The record that holds the class operations.
@@ -44,7 +45,7 @@ class PELVOR_EXPORT Class final : public NSObject {
     std::size_t instanceSize() const { return _native.instanceSize; }
     /// The list that names the class; null for classes made at run time.
     Library* library() const { return _library; }
-    /// Whether the class is registered, which a class that is missing in its library's list is not.
+    /// Whether the class is registered. A class that is missing in its library's list never is.
     bool isListed() const { return _describes->_isRegistered.load(std::memory_order_acquire); }
     /// An address in the library or plug-in that defines the class. The record is no such address: the
     /// linker may put it among the data of a program that names the class.
@@ -53,14 +54,15 @@ class PELVOR_EXPORT Class final : public NSObject {
     }
 
     bool isSubclassOfClass(Class* ancestor);
-    /// Whether objects of the class are C++ objects of the class behind `ancestor`. Posing does not
-    /// change it.
+    /// Whether objects of the class are C++ objects of the class behind `ancestor`. Posing changes nothing
+    /// about this.
     bool isNativeSubclassOf(const Class* ancestor) const;
 
     /// The method that objects of the class have for the selector, their own or an inherited one; null if
     /// they have no such method. The caller may change the record only through `replaceImplementation`.
     const Method* instanceMethod(SEL selector);
-    /// The method that the class itself has for the selector, as `instanceMethod`.
+    /// The class operation that the class has for the selector, its own or an inherited one; null if it has
+    /// no such operation.
     const Method* classMethod(SEL selector) { return metaclass()->instanceMethod(selector); }
     bool instancesRespondTo(SEL selector);
     NSMethodSignature* signatureOfInstanceMethod(SEL selector);
@@ -68,13 +70,13 @@ class PELVOR_EXPORT Class final : public NSObject {
     /// The class's own method groups, the newest category first, its own methods last; chained by
     /// `next`. Categories that wait to be attached are not among them.
     const MethodGroup* methodGroups();
-    /// Adds methods as the newest group: they take precedence over methods that the class has already.
-    /// Raises NSInvalidArgumentException if one cannot be called with objects of the class.
+    /// Adds methods as the newest group: they take precedence over the methods that the class already has.
+    /// Raises NSInvalidArgumentException if one of the methods cannot be called with objects of the class.
     void addMethods(MethodGroup group);
-    /// Puts an implementation into the record that `instanceMethod` returns, which is a superclass's record
-    /// if the method is inherited, and returns the previous implementation; an empty one if there is no such
-    /// method. Raises NSInvalidArgumentException if the types differ or the code needs another class of
-    /// receiver.
+    /// Replaces the implementation in the record that `instanceMethod` returns, and returns the previous
+    /// implementation. An inherited method is replaced in the superclass that has it. Returns an empty
+    /// implementation if there is no such method. Raises NSInvalidArgumentException if the types differ or
+    /// the code needs another class of receiver.
     IMP replaceImplementation(SEL selector, IMP implementation);
     /// Forgets cached look-ups of the class and its subclasses.
     void flushCaches();
@@ -84,16 +86,18 @@ class PELVOR_EXPORT Class final : public NSObject {
     /// Makes a class at run time. Its instances are C++ objects of the class behind `superclass`. It lives as
     /// long as the process. Raises NSInvalidArgumentException if the name is taken.
     static Class* createSubclass(const char* name, Class* superclass);
-    /// From now on the receiver stands in for its superclass: it is what is made when `original` is
-    /// asked for an instance, it is what the name finds, other subclasses inherit from it.
-    /// `original` is called "%Name" from then on. Raises NSInvalidArgumentException unless
-    /// `original` is the superclass and the receiver adds no fields.
+    /// From now on the receiver stands in for `original`, which is its superclass: creators of `original`
+    /// make instances of the receiver, a look-up by name finds the receiver, and the other subclasses inherit
+    /// from it. The name of `original` becomes "%Name". Raises NSInvalidArgumentException unless `original`
+    /// is the superclass and the receiver adds no fields.
     void poseAsClass(Class* original);
-    /// The class that makes instances when this one is asked: itself, or what poses as it.
+    /// The class whose instances are made when this class is to make one: this class, or the class that poses
+    /// as it.
     Class* effectiveClass();
 
-    /// Sends `initialize` to the superclass and the class, unless that has been done. Class operations
-    /// that need their class's set-up, called as plain functions, begin with it.
+    /// Sends `initialize` to the superclass and then to the class, unless that has been done. A class
+    /// operation that needs the set-up of its class and can be called as a plain function begins with this
+    /// call.
     void initializeIfNeeded() {
         if (_initialization.load(std::memory_order_acquire) != Initialization::done) [[unlikely]]
             runInitialize();
@@ -172,8 +176,9 @@ class PELVOR_EXPORT Class final : public NSObject {
 /// Raises NSInvalidArgumentException unless instances of `cls` are C++ objects of `ancestor`.
 PELVOR_EXPORT void requireSubclass(Class* cls, Class* ancestor);
 
-/// A new object of class T, or of the given subclass of it, initialised only by its constructor. What
-/// poses as the class is what is made. Raises NSInvalidArgumentException if `cls` is no subclass of T.
+/// A new object of class T, or of the subclass `cls` of T, initialised only by its constructor. If a class
+/// poses as that class, the object is of the posing class. Raises NSInvalidArgumentException if `cls` is no
+/// subclass of T.
 template <class T>
 Retained<T> make(Class* cls = T::classObject()) {
     static_assert(std::is_same_v<T, typename T::ClassSelf>, "the class lacks PELVOR_CLASS");
@@ -190,8 +195,8 @@ T* cast(Object* object) {
     return object && isNativeKindOf(object, T::classObject()) ? static_cast<T*>(object) : nullptr;
 }
 
-/// The owned object as an owned T if it is one; else null, and the object is released. What a superclass's
-/// creator returns becomes the subclass's object so:
+/// The owned object as an owned T if it is a T; else null, and the object is released. In this way the
+/// creator of a subclass takes over the object that the superclass's creator made:
 ///
 ///     auto self = cast<PBSpot>(PBLamp::initWithColour(colour, cls));
 template <class T, class U>

@@ -41,10 +41,10 @@ namespace pelvor {
 //     // PBTorch::lampWithColour(colour) does not compile:
 //     class PBTorch : public PBLamp, PBLamp::HiddenCreators {
 //
-// Only creators that take the class as their last parameter can be inherited. Those of NSString, NSArray,
-// NSData and the other abstract classes of values and collections do not, as they make objects of private
-// classes: a subclass hides them, and a message that asks it for one raises. Final classes need not say
-// anything.
+// Only creators that take the class as their last parameter can be inherited. The creators of NSString,
+// NSArray, NSData and the other abstract classes of values and collections do not take the class, since they
+// make objects of private classes. A subclass hides such creators, and a message that calls one of them on
+// the subclass raises. Final classes need not say anything.
 
 namespace detail {
 
@@ -67,8 +67,6 @@ struct CreatorCall<Self, creator, TypeList<A...>> {
     Result operator()(A... arguments, Class* cls = Self::classObject()) const;  // in Class.h
 };
 
-/// An inherited creator, called with the class that inherits it. `creator` is a function that takes the
-/// receiving class last.
 /// Whether a function takes the receiving class as its last parameter.
 template <class List>
 inline constexpr bool takesClassLast = false;
@@ -87,7 +85,7 @@ struct InheritedCreator
     static constexpr auto kFunction = creator;
 };
 
-/// The function behind a creator that is one, or that is itself inherited.
+/// The function behind a creator: the creator itself, or the function that an inherited creator calls.
 template <auto creator>
 constexpr auto creatorFunction() {
     if constexpr (requires { creator->kFunction; })
@@ -118,7 +116,7 @@ consteval bool listsCreator(std::string_view list, std::string_view name) {
 /// The name of a creator that a class hides.
 struct HiddenCreator {};
 
-/// Whether what PELVOR_CREATORS demands of a class holds; it says so itself where it does not.
+/// Whether a class fulfils what PELVOR_CREATORS demands; where it does not, the compiler shows a message.
 template <class Self>
 consteval bool checkCreators() {
     if constexpr (std::is_final_v<Self>)

@@ -8,7 +8,7 @@ namespace pelvor {
 
 namespace detail {
 
-// What a message's result is read as: an object is checked to be of the class asked for.
+// How the result of a message is read: an object has to be of the class that the caller named.
 template <class R>
 R resultFromWire(Wire<R> value, Object* target, SEL selector) {
     if constexpr (isRetained<R>) {
@@ -38,8 +38,8 @@ PELVOR_EXPORT void sendFrameFrom(Class* cls, Object* target, SEL selector, NSMet
                                  const std::byte* frame, void* result);
 
 /// Sends a message: `send<int>(object, "indexOf:"_sel, other)`. A message to null does nothing and returns
-/// zero. Number types may differ from the method's. A result object is borrowed, also where the method gives
-/// it away; asked for as `Retained<T>` it is retained. Any thread.
+/// zero. The number types may differ from those of the method. An object that is the result is borrowed, even
+/// if the method returns it owned; with `Retained<T>` as the result type, the result is retained. Any thread.
 template <class R = void, class... Arguments>
 R send(Object* target, SEL selector, const Arguments&... arguments) {
     if (!target) [[unlikely]]
@@ -47,8 +47,8 @@ R send(Object* target, SEL selector, const Arguments&... arguments) {
     return detail::sendFrom<R>(target->isa(), target, selector, arguments...);
 }
 
-/// Sends a message to `target` with the method that objects of the superclass of `cls` have: inside a
-/// method of `cls`, the one that it overrides.
+/// Sends a message to `target`, and uses the method that objects of the superclass of `cls` have. Inside a
+/// method of `cls`, this calls the method that it overrides.
 template <class R = void, class... Arguments>
 R sendSuper(Class* cls, Object* target, SEL selector, const Arguments&... arguments) {
     return detail::sendFrom<R>(cls->superclass(), target, selector, arguments...);

@@ -9,8 +9,8 @@
 
 namespace pelvor {
 
-/// The code behind a method: a function with its types, and the class whose objects it may be called
-/// with. Two implementations are equal when they have the same function.
+/// The code behind a method: a function with its types, and the class whose objects the function may be
+/// called with. Two implementations are equal when they have the same function.
 struct IMP {
     void (*function)() = nullptr;
     NSMethodSignature* signature = nullptr;

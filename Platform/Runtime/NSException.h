@@ -9,8 +9,13 @@
 
 namespace pelvor {
 
-/// A named error with a reason, raised by `throw` and caught by reference. A value, not an object of
-/// the class tree. Texts are UTF-8.
+/// A named error with a reason; a value, not an object of the class tree. Texts are UTF-8.
+///
+///     try {
+///         text->substringFromIndex(100);
+///     } catch (const NSException& exception) {
+///         logText(exception.reason());  // exception.name() is NSRangeException
+///     }
 class PELVOR_EXPORT NSException : public std::exception {
   public:
     NSException(std::string name, std::string reason, Retained<Object> userInfo = nullptr);

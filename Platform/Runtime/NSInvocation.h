@@ -6,14 +6,23 @@
 
 namespace pelvor {
 
-/// A message with its target, arguments and, once invoked, its result. Arguments count from 2, after
-/// the target and the selector. Target and object arguments are borrowed until `retainArguments`.
-/// One thread at a time.
+/// A message with its target, its arguments and, once it was invoked, its result:
+///
+///     NSMethodSignature* types = lamp->methodSignatureForSelector("setLevel:animated:"_sel);
+///     NSInvocation* message = NSInvocation::invocationWithMethodSignature(types);
+///     message->setSelector("setLevel:animated:"_sel);
+///     message->setArgument(2, 50);  // arguments 0 and 1 are the target and the selector
+///     message->setArgument(3, true);
+///     message->invokeWithTarget(lamp);
+///
+/// The target and arguments that are objects are borrowed, until `retainArguments` is called. One thread at a
+/// time.
 class PELVOR_EXPORT NSInvocation final : public NSObject {
     PELVOR_CLASS(NSInvocation, NSObject);
 
   public:
-    /// An invocation with all arguments zero. Raises NSInvalidArgumentException for no signature.
+    /// An invocation whose arguments are all zero. Raises NSInvalidArgumentException if the signature is
+    /// null.
     static NSInvocation* invocationWithMethodSignature(NSMethodSignature* signature);
     static Retained<NSInvocation> initWithMethodSignature(NSMethodSignature* signature);
 
@@ -27,16 +36,17 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
     SEL selector() { return _selector; }
     void setSelector(SEL selector) { _selector = selector; }
 
-    /// Copies the argument from, or to, the caller's buffer, which must have the argument's type. Raises
-    /// NSInvalidArgumentException for an index out of bounds.
+    /// These copy the argument from, or to, the caller's buffer, which must have the argument's type. They
+    /// raise NSInvalidArgumentException for an index out of bounds.
     void setArgument_atIndex(const void* buffer, int index);
     void getArgument_atIndex(void* buffer, int index);
 
-    /// Copies the result from, or to, the caller's buffer. Nothing for a method without a result.
+    /// These copy the result from, or to, the caller's buffer. They do nothing if the method has no result.
     void getReturnValue(void* buffer);
     void setReturnValue(const void* buffer);
 
-    /// Keeps the target and the object arguments, and copies zero-terminated texts, from now on.
+    /// From now on the invocation retains its target and the arguments that are objects, and copies
+    /// zero-terminated texts.
     void retainArguments();
     bool argumentsRetained() { return _retainsArguments; }
 
@@ -47,7 +57,7 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
     void invokeWithTarget(Object* target);
 
     // C++ only
-    /// Sets the argument by value; raises if the argument is of another type.
+    /// Sets the argument to the value. Raises NSInvalidArgumentException if the argument is of another type.
     template <class T>
     void setArgument(int index, T value) {
         const ArgumentLayout& argument = argumentAtIndex(index);
@@ -58,7 +68,7 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
             return setArgument_atIndex(&wire, index);
         ::new (_frame + argument.offset) Wire<T>(wire);
     }
-    /// The result by value; raises if it is of another type.
+    /// Returns the result. Raises NSInvalidArgumentException if the result is of another type.
     template <class T>
     T returnValue() {
         const ArgumentLayout& result = _signature->result();

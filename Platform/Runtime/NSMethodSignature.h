@@ -40,10 +40,11 @@ class PELVOR_EXPORT NSMethodSignature final : public NSObject {
     PELVOR_CLASS(NSMethodSignature, NSObject);
 
   public:
-    /// The signature with these encodings, "v@:@", if a method or a message of that type is known.
+    /// The signature with these encodings, such as "v@:@", if a method or a message with these types is
+    /// known; else null.
     static NSMethodSignature* signatureWithObjCTypes(const char* types);
 
-    /// The arguments with the receiver and the selector.
+    /// The number of arguments; the receiver and the selector count.
     std::uint32_t numberOfArguments() { return _count + 2; }
     /// Raises NSInvalidArgumentException for an index out of bounds.
     const char* getArgumentTypeAtIndex(std::uint32_t index);
@@ -60,7 +61,7 @@ class PELVOR_EXPORT NSMethodSignature final : public NSObject {
     // C++ only
     /// All encodings in one text, "i@:{_NSRange=II}".
     const char* types() const { return _types; }
-    /// Stands for `types` in comparisons.
+    /// A number that stands for `types` in comparisons.
     std::uint64_t key() const { return _key; }
     /// The argument at `index`, the message's own first at 0.
     const ArgumentLayout& argument(std::uint32_t index) const { return _arguments[index]; }

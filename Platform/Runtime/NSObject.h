@@ -11,8 +11,8 @@ namespace pelvor {
 template <class T>
 class MethodTable;
 
-/// In the body of a C++ class: ties it to its class record. `Self::classObject()` is the record.
-/// The .cpp holds PELVOR_DEFINE_CLASS.
+/// In the body of a C++ class: ties the class to its class record, which `Self::classObject()` returns. The
+/// .cpp of the class has PELVOR_DEFINE_CLASS.
 #define PELVOR_CLASS(Self, Base)                                             \
   public:                                                                    \
     using ClassSelf = Self;                                                  \
@@ -44,11 +44,12 @@ class PELVOR_EXPORT NSObject : public Object {
     PELVOR_CLASS(NSObject, Object);
 
   public:
-    /// A new object of `cls` as its constructor leaves it. C++ code writes `make<PBLamp>()` instead.
+    /// A new object of `cls`, as the constructor leaves it. C++ code writes `make<PBLamp>()` instead.
     static Retained<NSObject> init(Class* cls);
 
-    /// Called once for a class before its first message, its superclass first. A class without an
-    /// `initialize` of its own is given its superclass's, which is then called once more, with the subclass.
+    /// Called once for each class before its first message; the superclass comes first. For a class without
+    /// an `initialize` of its own, the superclass's `initialize` is called once more, with the subclass as
+    /// `cls`.
     static void initialize(Class* cls);
 
     /// Whether instances of `cls` have a method for the selector.

@@ -6,9 +6,18 @@
 
 namespace pelvor {
 
-/// A root class with almost no methods, so that nearly every message reaches `forwardInvocation`. A
-/// subclass overrides that and `methodSignatureForSelector`. It counts references, tells its class,
-/// and compares by identity; no more.
+/// A root class with almost no methods, so that nearly every message reaches `forwardInvocation`. A proxy
+/// counts references, tells its class and compares by identity, and does nothing else. A subclass overrides
+/// two operations:
+///
+///     class PBLampProxy : public NSProxy {
+///         PELVOR_CLASS(PBLampProxy, NSProxy);
+///
+///       public:
+///         NSMethodSignature* methodSignatureForSelector(SEL selector) override {
+///             return _lamp->methodSignatureForSelector(selector);
+///         }
+///         void forwardInvocation(NSInvocation* message) override { message->invokeWithTarget(_lamp); }
 class PELVOR_EXPORT NSProxy : public Object {
     PELVOR_CLASS(NSProxy, Object);
 

@@ -35,7 +35,7 @@ class PELVOR_EXPORT Object {
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
 
-    /// The class record that messages are looked up in. `class_` may return another class.
+    /// The class record in which messages are looked up. `class_` may return another class.
     Class* isa() const noexcept { return _isa; }
 
     Object* retain() noexcept {
@@ -47,13 +47,13 @@ class PELVOR_EXPORT Object {
         State before = _state.fetch_sub(kReference, std::memory_order_acq_rel);
         if (before < 2 * kReference) end(before);
     }
-    /// Leaves one release to the current autorelease pool of this thread.
+    /// Has the current autorelease pool of this thread release the object once, at the end of the pool.
     Object* autorelease();
     std::uint32_t retainCount() const noexcept {
         return static_cast<std::uint32_t>(_state.load(std::memory_order_relaxed) / kReference);
     }
 
-    /// The class of the object as it wants to be seen.
+    /// The class that the object shows to others; a proxy may show the class of its target.
     virtual Class* class_();
     virtual bool isKindOfClass(Class* cls);
     virtual bool isMemberOfClass(Class* cls);
@@ -68,7 +68,8 @@ class PELVOR_EXPORT Object {
     /// Raises NSInvalidArgumentException: the object has no such method.
     [[noreturn]] virtual void doesNotRecognizeSelector(SEL selector);
 
-    /// Identity, unless a class has a notion of equal contents. Equal objects have equal hashes.
+    /// Whether both are the same object; classes with contents override this and compare the contents. Equal
+    /// objects have equal hashes.
     virtual bool isEqual(id other) { return this == other; }
     virtual std::uintptr_t hash() { return reinterpret_cast<std::uintptr_t>(this); }
     /// A text for logs and formats; "<Class: 0x…>" unless a class says more.

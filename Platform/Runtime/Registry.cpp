@@ -68,7 +68,7 @@ std::string Registry::ownerOf(const Class& cls) {
     return cls.library() ? std::string("the library ") + cls.library()->name : "the program";
 }
 
-// Another class of the name, registered or about to be; null if there is none.
+// Another class with the name, registered or about to be registered; null if there is no such class.
 const Class* Registry::holderOfName(const Class* cls, const std::vector<Library*>& libraries) {
     if (auto found = _classesByName.find(cls->name()); found != _classesByName.end()) return found->second;
     for (const Library* each : libraries)

@@ -34,12 +34,12 @@ struct Category {
 };
 
 /// The version of the binary interface between hosts and plug-ins: the layout of objects and records and the
-/// C++ functions that headers name. It grows with every change after which code has to be compiled again, and
-/// code that was compiled with another one is refused.
+/// C++ functions that headers name. The version grows with every change after which code has to be compiled
+/// again. Code that was compiled with another version is refused.
 inline constexpr std::uint32_t kInterfaceVersion = 2;  // also in cmake/PelvorPlugIn.cmake
 
-/// The list of a library or plug-in: what it needs, its classes and its categories. One constant a library,
-/// in its own .cpp. It is registered once, as a whole, and for good.
+/// The list of a library or plug-in: the libraries that it needs, its classes and its categories. A library
+/// has one such constant, in a .cpp of its own. The list is registered once, as a whole, and for good.
 ///
 ///     constinit Library lampLibrary{"Lamp", kDependencies, kClasses, kCategories};
 struct Library {
@@ -62,21 +62,22 @@ struct Library {
     std::span<const Category* const> categories;
 };
 
-/// Registers the library after those that it needs; does nothing if the library is registered. Raises
-/// NSInvalidArgumentException if the record is no library's or is of another interface version, or if a
-/// class's name is taken; passes on what the filling of a method table raises. Then nothing is registered,
-/// neither of the library nor of what it needs. Any thread.
+/// Registers the library after the libraries that it needs; does nothing if the library is registered
+/// already. Raises NSInvalidArgumentException if `library` is no library's record or has another interface
+/// version, or if the name of a class is taken, and passes on what the code that fills a method table raises.
+/// After such an exception nothing is registered, neither of the library nor of the libraries that it needs.
+/// Any thread.
 PELVOR_EXPORT void registerLibrary(Library& library);
 
 /// Writes the registered classes, in the order of registration, to `buffer` as far as `capacity`
 /// reaches, and returns how many there are. Any thread; the count may grow between two calls.
 PELVOR_EXPORT std::size_t classList(Class** buffer, std::size_t capacity);
 
-/// The registered class of that name, or the class that poses under the name; null if there is none. Any
-/// thread.
+/// The registered class with this name, or the class that poses under the name; null if there is no such
+/// class. Any thread.
 PELVOR_EXPORT Class* classNamed(std::string_view name);
 
-/// In one .cpp of a plug-in: the list that the platform looks for when it loads the plug-in's code.
+/// In one .cpp of a plug-in: names the list that the platform registers when it loads the plug-in's code.
 #define PELVOR_PLUGIN(library) \
     extern "C" PELVOR_EXPORT ::pelvor::Library* pelvorPlugInLibrary() { return &library; }
 

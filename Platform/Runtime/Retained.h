@@ -11,22 +11,28 @@
 
 namespace pelvor {
 
-/// An owned reference, or null: what "create", "copy", "new" and "init" operations return and what fields
-/// hold. There is no conversion from a bare pointer: say whether the count is taken over
-/// (`adopting`) or one is added (`retaining`). An lvalue converts to a borrowed `T*`.
+/// An owned reference to an object, or null. Operations whose names begin with "create", "copy", "new" or
+/// "init" return one, and fields hold one:
+///
+///     Retained<NSString> name = title->copy();
+///     NSString* borrowed = name;                             // a variable converts to a bare pointer
+///     auto other = Retained<NSString>::retaining(borrowed);  // a bare pointer does not convert by itself
+///
+/// A bare pointer becomes a reference by `adopting`, which takes over a count that the caller owns, or by
+/// `retaining`, which adds a count.
 template <class T>
 class [[nodiscard]] Retained {
   public:
     constexpr Retained() noexcept = default;
     constexpr Retained(std::nullptr_t) noexcept {}
 
-    /// Takes over a count that the caller owns.
+    /// Takes over one count of the object, which the caller owns.
     static Retained adopting(T* object) noexcept {
         Retained reference;
         reference._object = object;
         return reference;
     }
-    /// Adds a count of its own.
+    /// Adds one count to the object.
     static Retained retaining(T* object) noexcept {
         if (object) object->retain();
         return adopting(object);
@@ -88,8 +94,9 @@ class [[nodiscard]] Retained {
     T* _object = nullptr;
 };
 
-/// A pointer to an object that its holder does not own and that somebody else keeps alive. Fields of bare
-/// pointers to objects are declared so; a field that owns is a Retained.
+/// A pointer to an object that the holder of the pointer does not own, and that somebody else keeps alive.
+/// Fields that are bare pointers to objects are declared with this name; a field that owns its object is a
+/// Retained.
 template <class T>
 using Unretained = T*;
 

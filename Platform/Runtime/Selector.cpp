@@ -57,7 +57,7 @@ class SelectorTable {
     std::uint32_t _count = 1;  // 0 is the null selector
 };
 
-// Never destroyed: selectors are asked for their names until the very end of the process.
+// Never destroyed: the names of selectors are read until the very end of the process.
 SelectorTable& selectors() {
     static auto& table = *new SelectorTable;
     return table;

@@ -35,10 +35,10 @@ class PELVOR_EXPORT SEL {
     std::uint32_t _index = 0;
 };
 
-/// The selector of that name, made on first demand. Any thread.
+/// The selector with this name, which is made if it does not exist yet. Any thread.
 PELVOR_EXPORT SEL registerSelector(std::string_view name);
 
-/// The selector of that name if one was ever registered, else the null selector. Any thread.
+/// The selector with this name if it exists, else the null selector. Any thread.
 PELVOR_EXPORT SEL findSelector(std::string_view name);
 
 inline namespace literals {

@@ -8,9 +8,15 @@
 
 namespace pelvor {
 
-/// Refers to an object without retaining it, and never touches its memory once it has been destroyed. A
-/// mark in the object's header makes the object's end known to a table of handles; objects without
-/// handles pay nothing. A handle belongs to one thread at a time; its object may be used and end on any.
+/// Refers to an object without retaining it, and knows when the object is gone:
+///
+///     WeakHandle watched(view);
+///     …
+///     if (Retained<Object> alive = watched.object()) send(alive, "setNeedsDisplay"_sel);
+///
+/// A mark in the object's header makes the end of the object known to a table of handles; objects without
+/// handles pay nothing for it. A handle is for one thread at a time; its object may be used, and may end, on
+/// any thread.
 class PELVOR_EXPORT WeakHandle {
   public:
     WeakHandle() = default;

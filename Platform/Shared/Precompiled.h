@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // What nearly every source of the libraries includes anyway, for the build to compile once. Sources include
-// what they use all the same, since a build without precompiled headers has to work.
+// what they use nevertheless, since a build without precompiled headers has to work.
 #pragma once
 
 #include <algorithm>

@@ -15,7 +15,8 @@ namespace pelvor {
 /// Whether loops take their wide forms now. Any thread.
 PELVOR_EXPORT bool usesWideInstructions();
 
-/// While one of these lives, all loops take their plain forms, to the same results; for tests and benchmarks.
+/// While an object of this class exists, all loops take their plain forms, with the same results; for tests
+/// and benchmarks.
 class PELVOR_EXPORT PlainInstructionsScope {
   public:
     PlainInstructionsScope();

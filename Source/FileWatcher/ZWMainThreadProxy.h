@@ -15,10 +15,10 @@ struct Category;
 ///     …  // on another thread
 ///     send(proxy, "fileDidChange:"_sel, path);  // returns when the document has run it on the main thread
 ///
-/// A message that the proxy itself does not understand is run by the main run loop in the common modes, while
-/// the caller waits; on the main thread it is run at once. The caller gets the result, and the exception if
-/// the method raises one. The proxy does not retain its target: the owner of the proxy keeps the target
-/// alive. A main thread that itself waits for the caller never runs the message. Any thread.
+/// If the proxy itself does not understand a message, the main run loop runs the message in the common modes,
+/// while the caller waits; on the main thread the message runs at once. The caller gets the result, or the
+/// exception that the method raises. The proxy does not retain its target: the owner of the proxy keeps the
+/// target alive. A main thread that itself waits for the caller never runs the message. Any thread.
 class PELVOR_EXPORT ZWMainThreadProxy : public NSObject {
     PELVOR_CLASS(ZWMainThreadProxy, NSObject);
     PELVOR_CREATORS(initWithTarget);
@@ -57,7 +57,8 @@ class PELVOR_EXPORT ZWMainThreadProxy : public NSObject {
     Unretained<Object> _target = nullptr;
 };
 
-// A proxy for the object, borrowed or owned. For a proxy this is the proxy itself.
+// A proxy for the object: `mainThreadProxy` returns it borrowed, `copyMainThreadProxy` owned. For an object
+// that is a proxy, both return the object itself.
 
 PELVOR_EXPORT ZWMainThreadProxy* mainThreadProxy(NSObject* object);
 PELVOR_EXPORT Retained<ZWMainThreadProxy> copyMainThreadProxy(NSObject* object);

@@ -41,14 +41,14 @@ class PBRangeList final : public NSArray {
 /// The range in a box that NSValue's creators did not make.
 NSRange rangeInOtherBox(id box, const char* operation);
 /// The range in a box. Raises NSInvalidArgumentException in the name of the operation, "unionRange: the list
-/// holds page, which is no boxed range", if the object is none.
+/// holds page, which is no boxed range", if the object is no boxed range.
 inline NSRange rangeInBox(id box, const char* operation) {
     bool isUsual = box && box->isa() == NSRangeValue::classObject();
     return isUsual ? static_cast<NSRangeValue*>(box)->range() : rangeInOtherBox(box, operation);
 }
 
-/// A copy of the ranges of any list, with room for one more. A null list has none. Raises as `rangeInBox`
-/// does.
+/// A copy of the ranges of any list, with room for one more. A null list has no ranges. Raises as
+/// `rangeInBox` does.
 std::vector<NSRange> rangesOf(NSArray* list, const char* operation);
 
 /// The index of the first range of any list for which the test returns true, else NSNotFound. Raises as

@@ -39,7 +39,7 @@ class MemberFinder {
     /// The first member at or after the place.
     UnitMatch find(std::u16string_view text, std::size_t from) const;
 
-    /// Whether all members are single units, none of them half of a pair.
+    /// Whether all members are single units, and no member is half of a pair.
     bool hasPlainUnitsOnly() const { return _hasPlainUnitsOnly; }
     /// Copies the units that are no members, and returns their number; only where the set has plain units
     /// only. `to` has room for the whole text.

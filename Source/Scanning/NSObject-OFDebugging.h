@@ -8,9 +8,9 @@ namespace pelvor {
 
 struct Category;
 
-/// The debug dictionary of any object: under "__self__" it has class and address, "<OFTrie: 0x5581…>".
-/// Classes with more to show have an operation of the same name, which adds to this dictionary. Borrowed; the
-/// caller may add to it.
+/// The debug dictionary of every object: under "__self__" it has the class and the address of the object,
+/// "<OFTrie: 0x5581…>". A class with more to show has an operation of this name, which adds to the
+/// dictionary. Borrowed; the caller may add to the dictionary.
 PELVOR_EXPORT NSMutableDictionary* debugDictionary(NSObject* object);
 
 extern const Category NSObject_OFDebugging_category;

@@ -23,7 +23,7 @@ struct OFCaseConversionBuffer {
     std::int32_t bufferSize = 0;        ///< in units, 128 at first
 };
 
-/// Sets a record up, with room for 128 units. Its contents before do not matter.
+/// Sets a record up, with room for 128 units. What the record contained before does not matter.
 PELVOR_EXPORT void OFCaseConversionBufferInit(OFCaseConversionBuffer* record);
 /// Frees what the record owns, and zeroes the record.
 PELVOR_EXPORT void OFCaseConversionBufferDestroy(OFCaseConversionBuffer* record);

@@ -200,7 +200,7 @@ void OFCharacterScanner::rewindToMark() {
 
 // MARK: Matching
 
-// Whether each unit that is next equals one form's; consumes those that do.
+// Whether each of the next units equals the unit of one of the two forms. Consumes the units that do.
 bool OFCharacterScanner::matches(std::u16string_view lower, std::u16string_view upper) {
     for (std::size_t i = 0; i < lower.size(); ++i) {
         unichar unit = peekCharacter();

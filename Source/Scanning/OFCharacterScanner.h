@@ -28,7 +28,7 @@ inline constexpr char OFCharacterConversionExceptionName[] = "OFCharacterConvers
 ///     scanner->scanDouble_maximumLength_exponentLength(&value, 20, 3);  // 12.5
 ///
 /// Positions are absolute: they count UTF-16 units from the start of the input, whatever part of it is in the
-/// buffer. Rewind marks let a caller try a reading and give it back:
+/// buffer. Rewind marks let a caller try a reading and take it back:
 ///
 ///     scanner->setRewindMark();
 ///     if (scanner->scanString_peek(u"BEGIN"_ns, false)) scanner->discardRewindMark();
@@ -54,11 +54,11 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
     /// into the buffer, by one of the two operations that follow, and returns their result; it returns false
     /// at the end of the data. This class has no data.
     virtual bool fetchMoreData();
-    /// Replaces the buffer by `length` units, of which the first stands at the position `offset`; the scan
-    /// location stays what it was. With `freeWhenDone` the units come from `malloc` and the scanner frees
-    /// them; without it they must outlive their use as the buffer. Returns false, and leaves an empty buffer,
-    /// where the pointer is null or the length 0. Raises if the scan location lies neither among the units
-    /// nor just behind them.
+    /// Replaces the buffer by `length` units. The first unit stands at the position `offset` of the input.
+    /// The scan location does not change; the operation raises unless this location is among these units or
+    /// just behind the last one. With `freeWhenDone`, the units were allocated by `malloc`, and the scanner
+    /// frees them; without, the caller keeps them unchanged as long as they are the buffer. Returns false,
+    /// and leaves an empty buffer, if the pointer is null or the length is 0.
     bool fetchMoreDataFromCharacters_length_offset_freeWhenDone(unichar* characters, NSUInteger length,
                                                                 NSUInteger offset, bool freeWhenDone);
     /// Replaces the buffer by a copy of the string, whose first unit stands at the scan location. Returns
@@ -68,14 +68,16 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
     /// and `scanLocation()` is the new position. An override makes the source ready to go on from there. This
     /// class raises "Attempt to rewind a nonrewindable stream".
     virtual void _rewindCharacterSource();
-    /// How many units of the input come before the next one that is read.
+    /// The position of the next unit to be read: how many units of the input come before it.
     NSUInteger scanLocation() {
         return static_cast<NSUInteger>(_scanLocation - _inputBuffer) + _inputStringPosition;
     }
-    /// Moves forward, or back as far as the most recent mark. Raises for a location further back, or one that
-    /// the source cannot go to.
+    /// Moves to the location, which may be anywhere ahead. It may be behind the scan location only if there
+    /// is a rewind mark, and not before the most recent mark. Raises for another location, and for a location
+    /// that the source cannot go to.
     void setScanLocation(NSUInteger location);
-    /// Moves by so many units: inside the buffer without looking at marks, beyond it like `setScanLocation`.
+    /// Moves forward by `count` units, or back if `count` is negative. A move inside the buffer may pass a
+    /// rewind mark; a move out of the buffer follows the rules of `setScanLocation`.
     void skipCharacters(NSInteger count);
     /// Remembers the scan location. There can be eight marks; each of them is ended by one of the two
     /// operations that follow. Raises for a ninth.
@@ -84,8 +86,8 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
         requireRoomForMark();
         _rewindMarkOffsets[_rewindMarkCount++] = scanLocation();
     }
-    /// Moves to the most recent mark and forgets the mark. Raises if there is none, or if the source cannot
-    /// go back; the mark stays then.
+    /// Moves to the most recent mark and forgets the mark. Raises if there is no mark. Raises, and keeps the
+    /// mark, if the source cannot go back to it.
     void rewindToMark();
     /// Forgets the most recent mark, if there is one.
     void discardRewindMark() {
@@ -96,7 +98,7 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
 
     // Characters
 
-    /// The next unit, which stays the next one.
+    /// The next unit. The unit is not consumed.
     unichar peekCharacter() { return hasCharacter() ? *_scanLocation : OFCharacterScannerEndOfDataCharacter; }
     /// Consumes the unit that `peekCharacter` has just returned.
     void skipPeekedCharacter() {
@@ -107,12 +109,13 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
         return hasCharacter() ? *_scanLocation++ : OFCharacterScannerEndOfDataCharacter;
     }
 
-    // Numbers. The three integers read at most `max` digits; without a digit they are 0. They wrap at 2^32.
+    // Numbers. The three operations that read an integer take at most `max` digits and return 0 if no digit
+    // is next. An integer of 2^32 or more keeps its low 32 bits.
 
     std::uint32_t scanUnsignedIntegerMaximumDigits(NSUInteger max);
     /// Reads a "+" or "-" first, which is no digit. A sign without digits behind it stays consumed.
     std::int32_t scanIntegerMaximumDigits(NSUInteger max);
-    /// Digits of either case, without "0x".
+    /// Reads hexadecimal digits of either case. A "0x" before them is not understood.
     std::uint32_t scanHexadecimalNumberMaximumDigits(NSUInteger max);
     /// Reads a sign, digits with at most one point among them, and "e" with an exponent, within
     /// `maximumLength` units; the exponent has at most `exponentLength` digits. An exponent that is too large
@@ -123,12 +126,13 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
 
     // Matching. The empty string matches everywhere.
 
-    /// Whether the string comes next. It is consumed then, unless this is a peek.
+    /// Whether the string comes next. A string that matches is consumed, unless this is a peek.
     bool scanString_peek(NSString* string, bool isPeek);
-    /// The same where each unit may be the upper-case or the lower-case form of the string's unit.
+    /// Whether the string comes next, with each of its units in upper or in lower case. The units that match
+    /// are consumed, unless this is a peek.
     bool scanStringCaseInsensitive_peek(NSString* string, bool isPeek);
-    // Moving to the next occurrence, which is not consumed. Without one, the result is false and the scanner
-    // is at the end of the data.
+    // Moving to the next occurrence, which is not consumed. If there is no further occurrence, these return
+    // false, and the scanner is at the end of the data.
 
     bool scanUpToString(NSString* string);
     bool scanUpToStringCaseInsensitive(NSString* string);
@@ -159,21 +163,24 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
     /// data.
     NSString* readCharacterCount(NSUInteger count);
 
-    // Trie elements: the words of a trie that come next. Without one the result is null.
+    // Trie elements: the buckets of the words of a trie. The result is null if no word of the trie comes
+    // next.
 
     OFTrieBucket* readLongestTrieElement(OFTrie* trie);
-    /// Takes only an element that is followed by a member of the set or by the end of the data, unless the
-    /// set is null.
+    /// Reads the longest word that is followed by a member of the set or by the end of the data. A null set
+    /// does not restrict what follows.
     OFTrieBucket* readLongestTrieElement_delimiterOFCharacterSet(OFTrie* trie, OFCharacterSet* delimiters);
-    /// The first element that ends on the way through the trie. If longer elements begin with it, its last
-    /// unit is not consumed. If none does, its remaining units are compared from the unit on that leads to
-    /// them, which is not consumed before: "aab", as the only word, is found where "ab" stands. A reading
-    /// that fails leaves consumed what has matched.
+    /// Reads the shortest word that comes next, with three oddities:
+    /// - If longer words of the trie begin with this word, the word's last unit is not consumed.
+    /// - If a unit leads straight to a bucket, that unit itself is compared once more, with the first of the
+    ///   bucket's remaining units: a trie whose only word is "aab" finds the word where the input has "ab",
+    ///   and not where it has "aab".
+    /// - If no word is found, the units that were compared with success stay consumed.
     OFTrieBucket* readShortestTrieElement(OFTrie* trie);
 
-    /// The debug dictionary of any object with "inputStringPosition", the position of the buffer's first
-    /// unit, and, while there is a buffer, "inputString", "inputStringLength" and "inputScanLocation", the
-    /// place in the buffer. Borrowed.
+    /// The debug dictionary of every object, with "inputStringPosition" (the position of the buffer's first
+    /// unit) added and, while there is a buffer, "inputString", "inputStringLength" and "inputScanLocation"
+    /// (the place in the buffer). Borrowed.
     NSMutableDictionary* debugDictionary();
 
   protected:

@@ -32,7 +32,8 @@ class PELVOR_EXPORT OFCharacterSet : public NSObject {
 
     /// A new set of the string's units, borrowed.
     static OFCharacterSet* characterSetWithString(NSString* string, Class* cls = classObject());
-    /// Space, tab, carriage return and line feed. Everybody gets the same set, which nobody may change.
+    /// The set of space, tab, carriage return and line feed. All callers share one set, which must not be
+    /// changed.
     static OFCharacterSet* whitespaceOFCharacterSet();
 
     /// An empty set.
@@ -48,15 +49,15 @@ class PELVOR_EXPORT OFCharacterSet : public NSObject {
 
     void addCharacter(unichar unit) { _bitmapRep[unit >> 3] |= bitOf(unit); }
     void removeCharacter(unichar unit) { _bitmapRep[unit >> 3] &= static_cast<std::uint8_t>(~bitOf(unit)); }
-    /// Takes each value of the range modulo 2^16: a range that runs past U+FFFF goes on at U+0000.
+    /// These take the values of the range modulo 2^16: a range that goes beyond U+FFFF continues at U+0000.
     void addCharactersInRange(NSRange range);
     void removeCharactersInRange(NSRange range);
-    /// Takes each unit of the string; of a surrogate pair, both halves.
+    /// These take each unit of the string; of a surrogate pair, both halves.
     void addCharactersInString(NSString* string);
     void removeCharactersInString(NSString* string);
     void addCharactersFromOFCharacterSet(OFCharacterSet* other);
     void removeCharactersFromOFCharacterSet(OFCharacterSet* other);
-    /// Takes the platform set's members up to U+FFFF.
+    /// These take the members of the platform's set up to U+FFFF.
     void addCharactersFromCharacterSet(NSCharacterSet* other);
     void removeCharactersFromCharacterSet(NSCharacterSet* other);
     void addAllCharacters() { _bitmapRep.fill(0xFF); }
@@ -67,7 +68,8 @@ class PELVOR_EXPORT OFCharacterSet : public NSObject {
     /// The bitmap itself; it lives as long as the set and changes with it.
     const std::uint8_t* bitmapRep() const { return _bitmapRep.data(); }
 
-    /// The debug dictionary of any object with the members under "ranges", as in "'a' - 'c', 'x'". Borrowed.
+    /// The debug dictionary of every object, with the members under "ranges" added, as in "'a' - 'c', 'x'".
+    /// Borrowed.
     NSMutableDictionary* debugDictionary();
 
     /// A set of the same class with the same members.

@@ -44,9 +44,9 @@ struct OFCharacterScanResult {
 /// The state in which decoding begins. Raises NSInvalidArgumentException for an encoding that
 /// `OFCanScanEncoding` refuses.
 PELVOR_EXPORT OFStringDecoderState OFInitialStateForEncoding(CFStringEncoding encoding);
-/// Whether the encoding is one of those that are listed above.
+/// Whether the encoding is in the list above.
 PELVOR_EXPORT bool OFCanScanEncoding(CFStringEncoding encoding);
-/// Whether the encoding is one of those above and has one byte for every character.
+/// Whether the encoding is in the list above and has one byte for every character.
 PELVOR_EXPORT bool OFEncodingIsSimple(CFStringEncoding encoding);
 /// Whether the input so far ends inside a character.
 PELVOR_EXPORT bool OFDecoderContainsPartialCharacters(OFStringDecoderState state);

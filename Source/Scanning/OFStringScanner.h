@@ -6,8 +6,8 @@
 
 namespace pelvor {
 
-/// Reads a string, whose units it copies into one buffer; OFCharacterScanner has an example. Within the
-/// string it can move wherever marks allow.
+/// Reads a string, whose units the scanner copies into one buffer; OFCharacterScanner has an example. The
+/// scanner can move to any place in the string, as far as rewind marks allow.
 class PELVOR_EXPORT OFStringScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreators {
     PELVOR_CLASS(OFStringScanner, OFCharacterScanner);
     PELVOR_CREATORS(initWithString);

@@ -20,8 +20,8 @@ class TrieIndex;
 ///     auto scanner = OFStringScanner::initWithString(u"CHAPTER 1"_ns);
 ///     OFTrieBucket* found = scanner->readLongestTrieElement(trie);  // chapter
 ///
-/// The trie retains its buckets. One that does not tell the cases apart holds both forms of every unit, so
-/// that a look-up has nothing to convert. A string counts up to its first U+0000. One thread at a time.
+/// The trie retains its buckets. A trie that is not case-sensitive holds both forms of every unit, so that a
+/// look-up has nothing to convert. A string ends at its first U+0000. One thread at a time.
 class PELVOR_EXPORT OFTrie : public NSObject {
     PELVOR_CLASS(OFTrie, NSObject);
     PELVOR_CREATORS(initCaseSensitive);
@@ -36,14 +36,14 @@ class PELVOR_EXPORT OFTrie : public NSObject {
     /// Stores the bucket under the string, in place of the bucket that is there already. Does nothing if
     /// either is null.
     void addBucket_forString(OFTrieBucket* bucket, NSString* string);
-    /// The bucket of exactly this string, or null; borrowed. In a trie that does not tell the cases apart
-    /// each unit may be in either form.
+    /// The bucket that is stored under exactly this string, or null; borrowed. In a trie that is not
+    /// case-sensitive, each unit may be in upper or lower case.
     OFTrieBucket* bucketForString(NSString* string);
     /// An enumerator of the buckets in ascending order of their strings in lower case, compared unit by unit.
     /// Borrowed.
     OFTrieEnumerator* objectEnumerator();
 
-    /// The debug dictionary of any object with the head under "head". Borrowed.
+    /// The debug dictionary of every object, with the head under "head" added. Borrowed.
     NSMutableDictionary* debugDictionary();
 
     // C++ only

@@ -9,8 +9,21 @@ namespace pelvor {
 
 class NSMutableDictionary;
 
-/// A leaf of an OFTrie. Callers subclass it for what they want to find. A bucket keeps the units of its
-/// string that come after the unit that leads to the bucket. One thread at a time.
+/// A leaf of an OFTrie. A host subclasses it for what a word stands for:
+///
+///     class PBKeyword : public OFTrieBucket {
+///         PELVOR_CLASS(PBKeyword, OFTrieBucket);
+///
+///       public:
+///         int token = 0;
+///     };
+///     …
+///     auto chapter = make<PBKeyword>();
+///     chapter->token = kChapterToken;
+///     trie->addBucket_forString(chapter, u"Chapter"_ns);
+///
+/// A bucket keeps the remaining units of its string: the units behind the one that leads to the bucket. One
+/// thread at a time.
 class PELVOR_EXPORT OFTrieBucket : public NSObject {
     PELVOR_CLASS(OFTrieBucket, NSObject);
 
@@ -24,8 +37,8 @@ class PELVOR_EXPORT OFTrieBucket : public NSObject {
     /// one of them is null or the length is below 1, nothing remains.
     void setRemainingLower_upper_length(const unichar* lower, const unichar* upper, NSInteger length);
 
-    /// The debug dictionary of any object with "lowerCharacters" and, where that array is separate,
-    /// "upperCharacters". Borrowed.
+    /// The debug dictionary of every object, with "lowerCharacters" and, if the second array is separate,
+    /// "upperCharacters" added. Borrowed.
     NSMutableDictionary* debugDictionary();
 
   protected:

@@ -9,15 +9,18 @@ namespace pelvor {
 
 class OFTrie;
 
-/// A walk over a trie's buckets. The trie must not be changed meanwhile.
+/// A walk over the buckets of a trie, which must not be changed meanwhile:
+///
+///     for (id bucket : trie->objectEnumerator()) NSLog(u"%@"_ns, bucket);
+///
 class PELVOR_EXPORT OFTrieEnumerator : public NSEnumerator {
     PELVOR_CLASS(OFTrieEnumerator, NSEnumerator);
     PELVOR_CREATORS(initWithTrie);
 
   public:
     static Retained<OFTrieEnumerator> initWithTrie(OFTrie* trie, Class* cls = classObject());
-    /// The next bucket, or null at the end. In a trie that does not tell the cases apart the enumerator
-    /// passes over what an upper-case letter leads to, since the letter's lower-case form leads there too.
+    /// The next bucket, or null at the end. In a trie that is not case-sensitive, the enumerator passes over
+    /// whatever an upper-case letter leads to, since the lower-case form of the letter leads there, too.
     id nextObject() override;
 
   protected:

@@ -8,8 +8,9 @@ namespace pelvor {
 
 class NSMutableDictionary;
 
-/// A branch of an OFTrie: children in ascending order of the units that lead to them. A child is a node or a
-/// bucket; the bucket under U+0000 is the one whose string ends at this node. One thread at a time.
+/// A branch of an OFTrie. It has children in ascending order of the units that lead to them. A child is a
+/// node or a bucket; the bucket under U+0000 is that of the string that ends at this node. One thread at a
+/// time.
 class PELVOR_EXPORT OFTrieNode : public NSObject {
     PELVOR_CLASS(OFTrieNode, NSObject);
     PELVOR_CREATORS(init);
@@ -23,8 +24,8 @@ class PELVOR_EXPORT OFTrieNode : public NSObject {
     /// A node, a bucket or null; borrowed. The index is below `childCount()`.
     Object* childAtIndex(NSUInteger index) { return _children[index].object(); }
 
-    /// Retains the child and puts it in place of the unit's present child. Raises NSInvalidArgumentException
-    /// for an object that is neither a node nor a bucket.
+    /// Retains the child, and puts it in the place of the child that the unit has, if any. Raises
+    /// NSInvalidArgumentException for an object that is neither a node nor a bucket.
     void addChild_withCharacter(id child, unichar character);
 
     /// For each child an entry such as "0. 'a'": the child's index and the unit that leads to the child.

@@ -38,8 +38,8 @@ class BundleList {
 
     /// The bundle is loaded: `loadedBundle` finds it from now on.
     void noteLoaded(NSBundle* bundle);
-    /// Returns the loaded bundle with the identifier; null if there is none. For the thread that loads a
-    /// bundle.
+    /// Returns the loaded bundle with the identifier; null if no such bundle is loaded. For the thread that
+    /// loads a bundle.
     NSBundle* loadedBundle(const std::string& identifier);
 
     static BundleContents& contents(NSBundle* bundle) { return *bundle->_contents; }

@@ -60,7 +60,7 @@ void MemberTable::copyFrom(const MemberTable& other) {
 
 namespace {
 
-// Classes are their own copies; an object of the other class tree is asked by message.
+// Classes are their own copies; an object of the other class tree is sent the message.
 Retained<Object> copyOf(id key) {
     if (asClass(key)) return Retained<Object>::retaining(key);
     if (auto* object = cast<NSObject>(key)) return object->copyWithZone(nullptr);

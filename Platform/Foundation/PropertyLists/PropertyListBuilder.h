@@ -23,7 +23,7 @@ class PropertyListBuilder {
     PropertyListBuilder(const PropertyListBuilder&) = delete;
     PropertyListBuilder& operator=(const PropertyListBuilder&) = delete;
 
-    // Leaves, owned; mutable if mutable leaves were asked for.
+    // Leaves, owned; mutable if the caller wanted mutable leaves.
 
     Retained<Object> makeString(std::u16string_view units);
     Retained<Object> makeData(std::span<const std::byte> bytes);

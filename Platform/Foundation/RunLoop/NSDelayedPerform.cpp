@@ -28,7 +28,7 @@ void NSDelayedPerform::add(id receiver, SEL selector, id argument, NSTimeInterva
 
 void NSDelayedPerform::cancel() { _timer->invalidate(); }
 
-// Off the list first: the message may cancel, or ask for the same again.
+// The perform leaves the list first: the message may cancel performs, or request the same perform again.
 void NSDelayedPerform::fire(NSTimer*) {
     NSRunLoop::currentRunLoop()->unlistDelayed(this);
     _receiver->performSelector_withObject(_selector, _argument);

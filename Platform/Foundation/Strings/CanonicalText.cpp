@@ -38,7 +38,7 @@ std::u16string normalized(const UNormalizer2* form, Units text) {
     }
 }
 
-// The form by which text is ordered; equivalent texts have the same.
+// The form by which text is ordered; equivalent texts have equal forms.
 std::u16string comparisonForm(Units text, NSStringCompareOptions options) {
     bool folds = options & NSCaseInsensitiveSearch;
     if (options & NSLiteralSearch) return folds ? simpleFold(text) : std::u16string(text);

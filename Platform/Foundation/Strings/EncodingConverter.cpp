@@ -316,8 +316,8 @@ Units latin1Half() {
     return half;
 }
 
-// Mac Roman with its characters moved to where ISO Latin 1 has them; those that it lacks fill the other
-// places in their own order.
+// Mac Roman with its characters moved to where ISO Latin 1 has them; the characters that ISO Latin 1 lacks
+// fill the other places in their own order.
 Units macRomanLatin1Half() {
     static const std::u16string half = [] {
         std::string bytes(128, '\0');

@@ -16,7 +16,7 @@
 namespace pelvor {
 
 /// Reads numbers at a place in a text, and moves the place behind them. Where there is no number, the place
-/// may have moved all the same.
+/// may have moved nevertheless.
 class NumberReader {
   public:
     explicit NumberReader(std::u16string_view text, std::size_t place = 0) : _text(text), _place(place) {}

@@ -15,11 +15,11 @@ inline constexpr std::size_t kNoUnit = std::u16string_view::npos;
 std::size_t findUnits(std::u16string_view text, std::u16string_view needle);
 /// Where the needle last stands in the text.
 std::size_t findLastUnits(std::u16string_view text, std::u16string_view needle);
-/// The first place from `from` on with one of the units `first` at it and one of `last` at the distance
-/// after it; kNoUnit if there is none.
+/// The first place from `from` on with one of the units `first` at it and one of `last` at the distance after
+/// it; kNoUnit if there is no such unit.
 std::size_t findCandidate(std::u16string_view text, std::size_t from, const std::array<char16_t, 4>& first,
                           std::size_t distance, const std::array<char16_t, 4>& last);
-/// How many units at the front are the same in both.
+/// How many units at the front are equal in both texts.
 std::size_t commonPrefix(std::u16string_view a, std::u16string_view b);
 
 }  // namespace pelvor

@@ -31,7 +31,7 @@ constexpr std::size_t kTooLong = 0xFFFF;
 
 // No place in the cells.
 constexpr std::size_t kNowhere = ~std::size_t{0};
-// In larger nodes, which are of scripts without cases, nobody looks for links to the same child.
+// Larger nodes belong to scripts without cases, so they are not searched for links to the same child.
 constexpr std::size_t kMostWithTwins = 128;
 
 constexpr std::size_t kElementCells = sizeof(OFTrieBucket*) / sizeof(std::uint16_t);
@@ -227,7 +227,7 @@ void TrieIndex::addTail(OFTrieBucket* bucket) {
     addUnits(lower, upper, count);
 }
 
-// As far as nodes have one child each; those in the middle have no record of their own.
+// Follows nodes as long as they have one child each; the nodes in the middle have no record of their own.
 void TrieIndex::addRun(OFTrieNode* node) {
     std::u16string lower, upper;
     OFTrieNode::Child child;

@@ -101,7 +101,7 @@ void UTF8Step::run() {
     }
 }
 
-// As long as there is enough of both that nothing need be asked for each byte.
+// Runs as long as there are enough bytes and enough room that no byte needs a check of its own.
 void UTF8Step::readWellFormed() {
     constexpr std::ptrdiff_t kEnough = 24;
     Cursor cursor{_in, _out};

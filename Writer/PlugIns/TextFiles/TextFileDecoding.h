@@ -21,26 +21,26 @@ enum class TextFileFault {
     notText,          ///< no encoding was named, and the bytes look like anything but text
 };
 
-/// The text of a file, and how sure it is that this is the text.
+/// The text of a file, and how certain it is that this is the text.
 struct TextFileContent {
     TextFileFault fault = TextFileFault::none;
     UnitBuffer text{0};
-    /// A name by which the file can be read the same way again. UTF-16 and UTF-32 have their byte order in
-    /// it.
+    /// The name of the encoding by which the file is read in this way again. For UTF-16 and UTF-32 the name
+    /// has the byte order.
     std::string encodingName;
     bool hasByteOrderMark = false;
     std::uint64_t byteCount = 0;
-    /// Where the encoding is a guess: how sure it is, from 0 to 100.
+    /// If the encoding is a guess: how sure the guess is, from 0 to 100.
     std::optional<int> confidence;
     /// Other encodings that may be meant, the likeliest first; a few at most.
     std::vector<std::string> otherNames;
     /// The encoding whose byte-order mark the file begins with although it was read in another one; else "".
     std::string contradictingMark;
-    /// Whether the encoding is a guess and the text in it would be other bytes than those of the file.
+    /// Whether the encoding is a guess, and the text written in it would be other bytes than the file has.
     bool isLossy = false;
 };
 
-/// Is told how many bytes have been read of how many.
+/// Called with the number of bytes that have been read, and the number of all bytes.
 using TextFileProgress = std::function<void(std::uint64_t read, std::uint64_t length)>;
 
 /// The file as text, without a byte-order mark. An empty name leaves the encoding to be found: by the mark,

@@ -9,17 +9,16 @@ namespace pelvor {
 class NSDictionary;
 class NSString;
 
-/// What a reader answers for the text file at the path: its text and how that was read, or an error.
-/// Borrowed.
+/// The answer of a reader for the text file at the path: the text and how it was read, or an error. Borrowed.
 NSDictionary* readTextFile(NSString* path, NSDictionary* options);
 
-/// The entry of a dictionary of options or answers if it is a string; null for any other and for no
-/// dictionary.
+/// The entry of the dictionary under the key if the entry is a string; null for any other entry and for a
+/// null dictionary.
 NSString* stringEntry(NSDictionary* dictionary, NSString* key);
 /// Whether the entry of a dictionary of options is a number other than 0.
 bool isEntrySet(NSDictionary* dictionary, NSString* key);
 
-/// The answer that tells of an error. Borrowed.
+/// An answer with the error. Borrowed.
 NSDictionary* errorAnswer(NSString* error, NSString* message);
 /// The answer for a file that cannot be read at all. Borrowed.
 NSDictionary* unreadableAnswer(NSString* path);

@@ -13,7 +13,7 @@ namespace pelvor {
 /// of times.
 class TextFileSource {
   public:
-    /// The file at the path; `isOpen` tells whether there is one.
+    /// The file at the path; `isOpen` tells whether the file could be opened.
     explicit TextFileSource(const char* path);
     /// The caller's bytes, which must outlive the source.
     explicit TextFileSource(std::string_view bytes) : _bytes(bytes), _length(bytes.size()), _isOpen(true) {}

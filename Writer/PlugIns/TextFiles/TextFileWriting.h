@@ -11,8 +11,8 @@ namespace pelvor {
 class NSDictionary;
 class NSString;
 
-/// Puts a file of these bytes at the path, as a whole or not at all. Returns what a writer answers for it; if
-/// that is an error, its message tells why the file could not be written. Borrowed.
+/// Writes a file with these bytes at the path, as a whole or not at all. Returns the answer of a writer; if
+/// the file could not be written, the answer is an error whose message tells the reason. Borrowed.
 NSDictionary* writeTextFile(const std::string& bytes, NSString* encodingName, NSString* path);
 
 }  // namespace pelvor

@@ -12,7 +12,7 @@ inline std::uint8_t byteAt(std::string_view bytes, std::size_t place) {
     return static_cast<std::uint8_t>(bytes[place]);
 }
 inline bool isContinuation(std::uint8_t byte) { return (byte & 0xC0) == 0x80; }
-/// How many bytes a character has that begins with this one; 1 for what begins none.
+/// How many bytes a character has that begins with this byte; 1 for a byte with which no character begins.
 inline std::size_t lengthAfterLead(std::uint8_t lead) {
     return lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 1;
 }
@@ -21,7 +21,7 @@ inline std::size_t lengthAfterLead(std::uint8_t lead) {
 /// nothing above U+10FFFF, nothing cut off.
 bool isUTF8(std::string_view bytes);
 
-/// The same a character at a time, as it is done where the processor lacks the instructions for more.
+/// Checks one character at a time, as `isUTF8` does where the processor lacks the instructions for more.
 bool isUTF8Plainly(std::string_view bytes);
 
 }  // namespace pelvor

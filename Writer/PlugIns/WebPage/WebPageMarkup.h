@@ -7,7 +7,7 @@
 
 namespace pelvor {
 
-/// An HTML page whose paragraphs are those of the text, titled by the first one.
+/// An HTML page with the paragraphs of the text. The first paragraph is its title.
 std::u16string webPageOfText(std::u16string_view text, std::u16string_view encodingName);
 
 /// The page with everything beyond ASCII written by number, "&#233;".
