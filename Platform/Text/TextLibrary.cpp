@@ -2,7 +2,7 @@
 #include "Text/TextLibrary.h"
 
 #include "Foundation/FoundationLibrary.h"
-#include "Text/NSParagraphStyle.h"
+#include "Text/NSMutableParagraphStyle.h"
 #include "Text/NSTextTab.h"
 
 namespace pelvor {
