@@ -32,7 +32,7 @@ class UnitBuffer {
     /// With room for as many units as the text is expected to have.
     explicit UnitBuffer(std::size_t expected) { reserve(std::max<std::size_t>(expected, 16)); }
     UnitBuffer(UnitBuffer&& other) : UnitBuffer(0) { *this = std::move(other); }
-    /// The units of both are exchanged.
+    /// Exchanges the units of the two buffers.
     UnitBuffer& operator=(UnitBuffer&& other) noexcept {
         std::swap(_units, other._units);
         std::swap(_size, other._size);
@@ -52,8 +52,8 @@ class UnitBuffer {
             reserve(_capacity + _capacity / 2);
         _units[_size++] = unit;
     }
-    /// Appends `count` units of the text from the place on. Few units are copied in whole blocks, together
-    /// with units behind them, which is quicker.
+    /// Appends `count` units of the text from the place on. A few units are copied as a whole block, together
+    /// with the units behind them, because this is quicker.
     void appendPart(std::u16string_view text, std::size_t place, std::size_t count) {
         constexpr std::size_t kBlock = 16;
         std::size_t whole = (count + kBlock - 1) / kBlock * kBlock;
@@ -63,12 +63,12 @@ class UnitBuffer {
             std::memcpy(_units + _size + i, text.data() + place + i, kBlock * sizeof(unichar));
         _size += count;
     }
-    /// Room for so many units behind the last one, to be written to before `take`.
+    /// Room for `count` units behind the last one. The caller writes units there, and then calls `take`.
     unichar* room(std::size_t count) {
         if (count > _capacity - _size) reserve(std::max(_size + count, _capacity + _capacity / 2));
         return _units + _size;
     }
-    /// Appends so many of the units that were written to the room.
+    /// Appends the first `count` units that were written to the room.
     void take(std::size_t count) { _size += count; }
     std::u16string_view view() const PELVOR_LIFETIMEBOUND { return {_units, _size}; }
 

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-// Marks what a library shows to the programs that link it, where all else stays inside, and what lives no
-// longer than what it was asked of.
+// Marks of declarations: what a library shows to the programs that link it, and results that must not outlive
+// the object that returned them.
 #pragma once
 
+/// Before a class, function or variable of a public header: programs that link the library may use it.
 #define PELVOR_EXPORT __attribute__((visibility("default")))
 
-/// Stands behind operations whose result points into their receiver. Compilers that know the mark (clang)
+/// Behind an operation whose result points into its receiver. Compilers that know the mark (clang)
 /// warn where the receiver is a temporary and the result outlives it: `for (NSRange run :
 /// set->copy()->runs())`.
 #if __has_cpp_attribute(clang::lifetimebound)

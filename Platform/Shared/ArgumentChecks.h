@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Checks of what operations are given, and the exceptions that they raise. A message names the operation that
-// was called: an operation that hands its arguments on to another one checks them before.
+// Checks of the arguments of operations, and the exceptions that the checks raise. A message names the
+// operation that was called, so an operation that passes its arguments on to another operation checks them
+// itself.
 #pragma once
 
 #include <limits>
@@ -16,8 +17,8 @@ class Object;
 /// "{3, 4}".
 PELVOR_EXPORT std::string rangeText(NSRange range);
 
-/// Raises NSRangeException, "characterAtIndex: index (7) beyond bounds (3)"; without an operation its name is
-/// missing.
+/// Raises NSRangeException, "characterAtIndex: index (7) beyond bounds (3)". With a null operation, the
+/// message begins with "index".
 [[noreturn]] PELVOR_EXPORT void raiseIndexBeyondBounds(NSUInteger index, NSUInteger bounds,
                                                        const char* operation = nullptr);
 /// Raises NSRangeException, "getCharacters:range: range {2, 2} beyond bounds (3)".
@@ -41,7 +42,7 @@ inline void requireIndex(NSUInteger index, NSUInteger bounds, const char* operat
         raiseIndexBeyondBounds(index, bounds, operation);
 }
 
-/// Raises NSRangeException for a place past the end. The end itself is one.
+/// Raises NSRangeException for a place beyond the end. The end itself is a valid place.
 inline void requirePlace(NSUInteger place, NSUInteger end, const char* operation) {
     if (place > end) [[unlikely]]
         raiseIndexBeyondBounds(place, end, operation);
@@ -53,7 +54,8 @@ inline void requireRange(NSRange range, NSUInteger count, const char* operation 
         raiseRangeBeyondBounds(range, count, operation);
 }
 
-/// Raises NSInvalidArgumentException if the memory, which the message calls `name`, is null and has a length.
+/// Raises NSInvalidArgumentException if the memory is null and the length is not 0. The message calls the
+/// memory `name`.
 inline void requireMemory(const void* memory, NSUInteger length, const char* operation, const char* name) {
     if (!memory && length) [[unlikely]]
         raiseNullMemory(length, operation, name);
@@ -66,14 +68,14 @@ inline NSUInteger requireTextLength(std::uint64_t length, const char* operation)
     return static_cast<NSUInteger>(length);
 }
 
-/// Raises NSInvalidArgumentException if the argument, which the message calls `name`, is null.
+/// Raises NSInvalidArgumentException if the argument is null. The message calls the argument `name`.
 inline void requireArgument(const void* argument, const char* operation, const char* name) {
     if (!argument) [[unlikely]]
         raiseNullArgument(operation, name);
 }
 
-/// Raises NSInvalidArgumentException for null as memory of a count of objects, and for null among the
-/// objects: "arrayWithObjects:count: object 2 of 3 is null". The message calls one of them `name`.
+/// Raises NSInvalidArgumentException if `objects` is null and the count is not 0, and if one of the objects
+/// is null: "arrayWithObjects:count: object 2 of 3 is null". The message calls an object `name`.
 PELVOR_EXPORT void requireObjects(Object* const* objects, NSUInteger count, const char* operation,
                                   const char* name = "object");
 

@@ -30,8 +30,8 @@ extern PELVOR_EXPORT const std::array<std::uint8_t, 256> kBase64Values;
 /// characters these groups have. `bytes` may be the text itself.
 std::size_t readBase64Groups(std::string_view text, std::uint8_t* bytes);
 
-/// Reads text that comes in pieces. What is neither in the alphabet nor padding is passed over, and so is
-/// everything after a group with padding.
+/// Reads text that comes in pieces. Characters that are neither in the alphabet nor padding are skipped, and
+/// so is everything after a group with padding.
 class PELVOR_EXPORT Base64Reader {
   public:
     /// How much room there must be for a text, some more than its bytes take.

@@ -17,8 +17,9 @@
 
 namespace pelvor {
 
-/// What a thread makes one after the other stands one after the other, in blocks of its own. A block goes
-/// with the last object in it, on whatever thread that is; places are not used again before. Any thread.
+/// Objects that a thread makes one after the other stand one after the other in memory, in blocks of the
+/// thread's own. A block is freed together with the last object in it, on whatever thread this object ends;
+/// until then no place in the block is used again. Any thread.
 template <class T, std::size_t kPlace = sizeof(T)>
 class RowMemory {
   public:

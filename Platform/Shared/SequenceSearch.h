@@ -15,8 +15,8 @@ namespace pelvor {
 
 inline constexpr std::size_t kNoPlace = SIZE_MAX;
 
-/// Counts what a search by candidates compares in vain. Once that outgrows what has been passed, the search
-/// does better to go on with a table.
+/// Counts the items that a search by candidates compares in vain. Once there are more of them than items that
+/// the search has passed, a search with a table is quicker.
 class SearchEffort {
   public:
     explicit SearchEffort(std::size_t patternSize) : _step(patternSize) {}
@@ -30,8 +30,8 @@ class SearchEffort {
     std::size_t _spent = 0;
 };
 
-/// Where the pattern, which is not empty, first stands at or after `from`; kNoPlace if nowhere. Knuth, Morris
-/// and Pratt: looks at nothing twice.
+/// The first place at or after `from` where the pattern, which is not empty, stands; kNoPlace if it stands
+/// nowhere. The algorithm of Knuth, Morris and Pratt, which looks at no item twice.
 template <class Sequence>
 std::size_t findWithTable(Sequence text, Sequence pattern, std::size_t from) {
     std::vector<std::uint32_t> border(pattern.size() + 1, 0);
@@ -61,8 +61,9 @@ inline unsigned pairsAt(const char16_t* place, std::size_t distance, Units8 firs
     return bitsOf(pairs(place), pairs(place + 8));
 }
 
-/// Where the pattern first stands in the text; kNoPlace if nowhere or if it is empty. Looks for the pattern's
-/// first and last item together. Time grows with the length of the text whatever the two are.
+/// The first place in the text where the pattern stands; kNoPlace if it stands nowhere or is empty. Searches
+/// the first and the last item of the pattern together. The time is proportional to the length of the text,
+/// whatever text and pattern are.
 template <class Item>
 std::size_t findSequence(std::span<const Item> text, std::span<const Item> pattern) {
     if (pattern.empty() || pattern.size() > text.size()) return kNoPlace;

@@ -21,9 +21,9 @@ PELVOR_EXPORT void narrow(std::u16string_view units, char* bytes);
 
 // MARK: From UTF-8
 
-/// How many units UTF-8 has; no fewer than it has where it is ill-formed, too.
+/// How many units the text has in UTF-16. For ill-formed UTF-8 this is an upper bound.
 PELVOR_EXPORT std::size_t unitCountOfUTF8(std::string_view bytes);
-/// How many units were written, and whether that was all; if not, ill-formed bytes follow.
+/// How many units were written, and whether this was the whole text; if not, ill-formed bytes follow.
 struct DecodedUTF8 {
     std::size_t unitCount;
     bool isValid;
@@ -41,12 +41,12 @@ PELVOR_EXPORT std::u16string unitsFromUTF8Mending(std::string_view bytes);
 /// What becomes of half a pair that stands alone.
 enum class LoneHalf : bool { refused, replaced };
 
-/// How much room `writeUTF8` wants for that many units.
+/// How many bytes of room `writeUTF8` needs for `unitCount` units.
 constexpr std::size_t roomForUTF8(std::size_t unitCount) { return 3 * unitCount; }
-/// Writes the text and returns the place after it; null at a lone half that is refused. U+FFFD stands for one
-/// that is replaced.
+/// Writes the text and returns the place behind it. A lone half is replaced by U+FFFD; if lone halves are
+/// refused, the result is null.
 PELVOR_EXPORT char* writeUTF8(std::u16string_view units, char* bytes, LoneHalf loneHalf);
-/// The same for a single character, which may be a lone half.
+/// Writes a single character, which may be a lone half.
 inline char* writeUTF8(char32_t c, char* bytes) {
     auto put = [&bytes](unsigned mark, char32_t bits) { *bytes++ = static_cast<char>(mark | bits); };
     if (c < 0x80) {

@@ -40,7 +40,8 @@ inline Bytes16 lowBytes(Units8 first, Units8 second) {
 // What compilers do not find by themselves.
 #if defined(__SSE2__)
 
-/// Which of sixteen bytes have their highest bit: bit i for byte i. Of a comparison, where it holds.
+/// Which of sixteen bytes have their highest bit set: bit i for byte i. For the result of a comparison, these
+/// are the bytes for which the comparison holds.
 template <class Bytes>
 unsigned bitsOf(Bytes bytes) {
     return static_cast<unsigned>(_mm_movemask_epi8(reinterpret_cast<__m128i>(bytes)));

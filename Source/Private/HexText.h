@@ -13,8 +13,8 @@ namespace pelvor {
 /// Writes two lower-case digits a byte.
 PELVOR_EXPORT void writeHex(std::span<const std::uint8_t> bytes, char16_t* units);
 
-/// Reads two digits a byte, an even number of them; of each unit only the low eight bits count. False, with
-/// some bytes written, if one is no digit.
+/// Reads an even number of digits, two for each byte; only the low eight bits of each unit count. Returns
+/// false, with some bytes written, if a unit is no digit.
 PELVOR_EXPORT bool readHex(std::u16string_view units, std::uint8_t* bytes);
 
 /// The value of the digit that the unit's low eight bits are; 255 if they are no digit.

@@ -38,7 +38,7 @@ class PBRangeList final : public NSArray {
     std::atomic<NSArray*> _boxes{nullptr};  // owned; null until somebody asks for an object
 };
 
-/// The range in a box that NSValue's creators did not make.
+/// The range in a boxed value of another class than NSValue's creators make.
 NSRange rangeInOtherBox(id box, const char* operation);
 /// The range in a box. Raises NSInvalidArgumentException in the name of the operation, "unionRange: the list
 /// holds page, which is no boxed range", if the object is no boxed range.

@@ -24,7 +24,7 @@ PELVOR_EXPORT std::size_t findMember(std::u16string_view text, const std::uint8_
 /// Which of sixteen units are letters of ASCII: bit i for unit i.
 std::uint16_t asciiLetters(const unichar* units);
 
-/// A place in a text. Where nothing was found, it is empty at the text's end.
+/// A place in a text. If nothing was found, the place is empty, at the end of the text.
 struct UnitMatch {
     std::size_t location;
     std::size_t length;

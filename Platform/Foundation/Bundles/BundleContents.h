@@ -27,9 +27,8 @@ BundleInformation readBundleInformation(const std::string& path);
 /// The largest Info.plist that is read, in bytes.
 inline constexpr std::uint64_t kLargestBundleInformation = 16u << 20;
 
-/// What a bundle's object knows. `mutex` guards what is read on demand, which stands behind it. Before the
-/// mutex stands what does not change after the object was made, except `isFramework` and the state of the
-/// code.
+/// What a bundle's object knows. The fields before `mutex` do not change after the object was made, except
+/// `isFramework` and the state of the code. The mutex guards the fields behind it, which are read on demand.
 struct BundleContents {
     enum class Code : std::uint8_t {
         notLoaded,

@@ -9,14 +9,15 @@
 
 namespace pelvor {
 
-/// Objects in the same memory as the array, directly after it.
+/// An array whose objects stand in the memory of the array itself, directly behind its fields.
 class NSInlineArray final : public NSArray {
     PELVOR_CLASS(NSInlineArray, NSArray);
 
   public:
     /// An owned array of the objects, which it retains; null is not among them.
     static Retained<NSInlineArray> create(Object* const* objects, NSUInteger count);
-    /// An owned array of the objects of an array that has them in one piece, and of the objects behind them.
+    /// An owned array with the objects of `first`, which has its objects in one piece, and then the objects
+    /// of `behind`.
     static Retained<NSInlineArray> createJoined(NSArray* first, std::span<Object* const> behind);
     /// An owned array that takes over the references.
     template <class T>

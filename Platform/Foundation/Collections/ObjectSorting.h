@@ -40,8 +40,8 @@ void mergeSort(T* items, std::size_t count, T* scratch, Compare&& compare) {
 }  // namespace detail
 
 /// Sorts plain items by `compare`, which returns more than 0 if its first argument belongs behind the second.
-/// Items that compare as the same keep their order. A comparison that contradicts itself gives some order of
-/// all items. After one that raises an item may stand in the vector twice or not at all.
+/// Items that compare as equal keep their order. If a comparison contradicts itself, the items end up in some
+/// order, each of them once. If a comparison raises, an item may stand in the vector twice or not at all.
 template <class T, class Compare>
 void sortStably(std::vector<T>& items, Compare&& compare) {
     std::vector<T> scratch(items.size() / 2);

@@ -8,8 +8,8 @@
 
 namespace pelvor {
 
-/// The members of a set, retained. An operation releases what it takes out when the table already is as it
-/// will be.
+/// The members of a set, retained. An operation changes the table first, and releases the objects that it
+/// takes out last.
 class MemberTable {
   public:
     MemberTable() = default;
@@ -36,8 +36,8 @@ class MemberTable {
     OrderedTable<Nothing> _table;
 };
 
-/// The entries of a dictionary: keys, which are copied, and objects, which are retained. An operation
-/// releases what it takes out when the table already is as it will be.
+/// The entries of a dictionary: keys, which are copied, and objects, which are retained. An operation changes
+/// the table first, and releases the keys and objects that it takes out last.
 class EntryTable {
   public:
     EntryTable() = default;

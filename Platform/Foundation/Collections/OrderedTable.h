@@ -17,7 +17,8 @@ namespace pelvor {
 /// The table neither retains nor releases them. The entries stand in one array; a removed entry leaves a
 /// hole. From nine entries on an index of the array's positions, with linear probing, finds them.
 ///
-/// A look-up runs foreign code. If that changes the table, the look-up notices the change and begins anew.
+/// A look-up calls `isEqual` of other code. If that code changes the table, the look-up notices the change
+/// and begins anew.
 template <class Payload>
 class OrderedTable {
   public:

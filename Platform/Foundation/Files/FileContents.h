@@ -19,13 +19,12 @@ enum class FileWriting : unsigned char {
     atomicPrivate  ///< like `atomic`, and nobody but the file's owner may read or write the file afterwards
 };
 
-/// Writes a file, new or in the place of an old one. Returns false, with the reason in `errno`, on failure;
-/// an atomic write then has left the old file as it was.
+/// Writes a new file, or in the place of the old content of a file. Returns false, with the reason in
+/// `errno`, on failure; an atomic write then has left the old file as it was.
 ///
-/// - A link is followed, a dangling one too, and stays a link.
-/// - What is no regular file (a pipe, a device, /dev/stdout) is written into directly. A pipe without a
-/// reader
-///   is refused.
+/// - A symbolic link is followed, even a dangling one, and remains a link.
+/// - Anything but a regular file (a pipe, a device, /dev/stdout) is written into directly. A pipe without a
+///   reader is refused.
 /// - An atomic write keeps owner, group, access rights and access list of the old file as far as the user may
 ///   set them; where the group cannot be kept, the new group may do no more than everybody. Other names of
 ///   the old file (hard links) keep the old content. A file that the user may not write is refused, although

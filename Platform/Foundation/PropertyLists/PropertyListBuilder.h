@@ -13,9 +13,9 @@
 
 namespace pelvor {
 
-/// Takes keys, values and the ends of arrays and dictionaries in the order of the text, and makes the root of
-/// them. Throws PropertyListFault without a position where they do not fit together, and for nesting past the
-/// limit. Of equal keys the last one counts.
+/// Takes keys, values and the ends of arrays and dictionaries in the order of the text, and makes the root
+/// object of them. Throws PropertyListFault, without a position, if they do not fit together, and for nesting
+/// beyond the limit. If keys are equal, the last one counts.
 class PropertyListBuilder {
   public:
     explicit PropertyListBuilder(NSPropertyListMutabilityOptions options);

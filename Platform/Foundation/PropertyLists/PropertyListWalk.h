@@ -11,7 +11,7 @@ namespace pelvor {
 /// What an object is in a property list.
 enum class PropertyListKind : std::uint8_t { foreign, string, data, date, number, array, dictionary };
 
-/// Is shown the objects in their order.
+/// Receives the objects of a property list in their order.
 class PropertyListVisitor {
   public:
     virtual void visitLeaf(PropertyListKind kind, Object* object) = 0;
@@ -26,9 +26,10 @@ class PropertyListVisitor {
     ~PropertyListVisitor() = default;
 };
 
-/// Shows the visitor the root and all objects below the root; a dictionary's in the order of the keys' units.
-/// Throws PropertyListFault, with the key path, for an object that no property list holds, for a key that is
-/// no string and for nesting past the limit. Adds the key path to faults that the visitor throws.
+/// Calls the visitor for the root and for all objects below the root; for the entries of a dictionary in the
+/// order of the units of their keys. Throws PropertyListFault, with the key path, for an object that no
+/// property list holds, for a key that is no string and for nesting past the limit. Adds the key path to
+/// faults that the visitor throws.
 void walkPropertyList(Object* root, PropertyListVisitor& visitor);
 
 }  // namespace pelvor

@@ -11,11 +11,11 @@ namespace pelvor {
 /// Returns the seconds on a clock that only goes forward, or on the thread's ClockScope. The clock began as
 /// the time since the reference date, so that a ClockScope of today agrees with the clock.
 NSTimeInterval steadyTime() noexcept;
-/// Returns when the date comes, on that clock, if nobody sets the system's clock until then.
+/// Returns the moment on that clock at which the date comes if nobody sets the system's clock before.
 NSTimeInterval steadyMoment(NSDate* date);
 
-/// Returns the date as the standard library waits for it, as far as its clock reaches; for a null date, a
-/// moment long past.
+/// Returns the date as a moment for the waiting operations of the standard library, as far as their clock
+/// reaches; for a null date, a moment that is long past.
 std::chrono::steady_clock::time_point deadline(NSDate* date);
 
 }  // namespace pelvor

@@ -12,7 +12,7 @@ namespace pelvor {
 
 /// The legacy encodings in which the bytes are valid, the more usual ones first, each with the language whose
 /// letters fit best. The confidence tells how many of the characters beyond ASCII are letters of the language
-/// and stand where letters stand. Empty for ASCII alone.
+/// and stand where letters stand. Empty if all bytes are ASCII.
 std::vector<EncodingGuess> guessByAlphabets(std::string_view bytes);
 
 }  // namespace pelvor

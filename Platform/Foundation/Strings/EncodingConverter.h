@@ -24,7 +24,7 @@ class EncodingConverter {
     virtual bool canEncode(char32_t c) = 0;
     /// Whether what `encode` returns is always decoded to the text that was encoded.
     virtual bool isFaithful() { return true; }
-    /// What stands in for what cannot be encoded.
+    /// The character that replaces a character which cannot be encoded.
     virtual char16_t substitute() { return canEncode(u'?') ? u'?' : u'\uFF1F'; }
 
   protected:

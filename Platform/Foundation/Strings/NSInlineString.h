@@ -7,7 +7,7 @@
 
 namespace pelvor {
 
-/// Units in the same memory as the object, directly after it.
+/// A string whose units stand in the memory of the object itself, directly behind its fields.
 class NSInlineString final : public NSString {
     PELVOR_CLASS(NSInlineString, NSString);
 
@@ -41,7 +41,7 @@ class NSInlineString final : public NSString {
     std::atomic<std::uint32_t> _hash{0};  // 0: not yet computed
 };
 
-/// Units in the caller's memory.
+/// A string whose units stand in the caller's memory.
 class NSExternalString final : public NSString {
     PELVOR_CLASS(NSExternalString, NSString);
 

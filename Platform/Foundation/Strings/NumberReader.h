@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Numbers read from text, whatever the process's locale.
+// Numbers read from text, in the same way in every locale.
 #pragma once
 
 #include <algorithm>

@@ -10,13 +10,13 @@ namespace pelvor {
 
 inline constexpr std::size_t kNoUnit = std::u16string_view::npos;
 
-/// Where the needle first stands in the text; kNoUnit if nowhere or if it is empty. Time grows with the
-/// length of the text whatever the texts are.
+/// The first place in the text where the needle stands; kNoUnit if it stands nowhere or is empty. The time is
+/// proportional to the length of the text, whatever the texts are.
 std::size_t findUnits(std::u16string_view text, std::u16string_view needle);
-/// Where the needle last stands in the text.
+/// The last place in the text where the needle stands.
 std::size_t findLastUnits(std::u16string_view text, std::u16string_view needle);
-/// The first place from `from` on with one of the units `first` at it and one of `last` at the distance after
-/// it; kNoUnit if there is no such unit.
+/// The first place from `from` on where one of the units `first` stands, and one of the units `last` at the
+/// distance behind it; kNoUnit if there is no such place.
 std::size_t findCandidate(std::u16string_view text, std::size_t from, const std::array<char16_t, 4>& first,
                           std::size_t distance, const std::array<char16_t, 4>& last);
 /// How many units at the front are equal in both texts.

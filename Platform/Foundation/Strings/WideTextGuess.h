@@ -10,8 +10,8 @@
 namespace pelvor {
 
 /// UTF-16 or UTF-32 in one byte order, if the bytes from the front of a text read as text in it: one script,
-/// spaces, digits or punctuation, and hardly anything that no text has. No value for what is text as it
-/// stands, byte by byte.
+/// spaces, digits or punctuation, and hardly anything that no text has. No value for bytes that are text byte
+/// by byte.
 std::optional<EncodingGuess> guessWideText(std::string_view bytes);
 
 }  // namespace pelvor

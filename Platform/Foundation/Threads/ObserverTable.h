@@ -13,7 +13,7 @@
 
 namespace pelvor {
 
-/// A lock that is held for moments: who waits for it gives up its turn rather than sleep.
+/// A lock that is held for moments only: a thread that waits for it yields instead of sleeping.
 class BriefLock {
   public:
     void lock() {
@@ -32,8 +32,8 @@ struct ObserverEntry {
     std::uint64_t serial;  ///< the order of registration in the centre
 };
 
-/// Registrations in their order. A list that deliveries read is not changed, but for observers that become
-/// null: another list takes its place, and the last of these deliveries frees it.
+/// Registrations in their order. While deliveries read a list, it does not change, except that observers
+/// become null: a changed list takes its place, and the last of these deliveries frees the old list.
 struct ObserverList {
     std::vector<ObserverEntry> entries;
     std::uint32_t deliveries = 0;  ///< that read the list now
@@ -49,7 +49,8 @@ class ObserverTable {
     void end();
 
     void add(Object* observer, SEL selector, NSString* name, Object* sender);
-    /// A null name or sender stands for any, also for registrations that asked for any.
+    /// A null name or sender stands for every name or sender, including registrations for any name or any
+    /// sender.
     void remove(Object* observer, NSString* name, Object* sender);
 
   private:
@@ -109,7 +110,7 @@ class ObserverTable::Audience {
     Audience& operator=(const Audience&) = delete;
 
     bool isEmpty() const { return !_list; }
-    /// Sends the notification to those that have not been removed since.
+    /// Sends the notification to the observers whose registrations have not been removed since.
     void send(NSNotification* notification);
 
   private:

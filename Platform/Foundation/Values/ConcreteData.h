@@ -6,13 +6,13 @@
 
 namespace pelvor {
 
-/// Bytes in the same memory as the object, directly after it.
+/// Data whose bytes stand in the memory of the object itself, directly behind its fields.
 class NSInlineData final : public NSData {
     PELVOR_CLASS(NSInlineData, NSData);
 
   public:
-    /// Owned data with a copy of the bytes. Raises NSInvalidArgumentException for null as memory of bytes, in
-    /// the name of the operation.
+    /// Owned data with a copy of the bytes. Raises NSInvalidArgumentException, in the name of the operation,
+    /// if `bytes` is null and the length is not 0.
     static Retained<NSInlineData> create(const void* bytes, NSUInteger length, const char* operation);
 
     NSUInteger length() override { return _length; }

@@ -9,7 +9,7 @@
 
 namespace pelvor {
 
-/// Bytes in the same memory as the object, directly after it.
+/// A value whose bytes stand in the memory of the object itself, directly behind its fields.
 class NSInlineValue final : public NSValue {
     PELVOR_CLASS(NSInlineValue, NSValue);
 

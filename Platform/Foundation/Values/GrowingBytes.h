@@ -27,8 +27,8 @@ class GrowingBytes {
     char* data() { return _bytes; }
     std::string_view view() const PELVOR_LIFETIMEBOUND { return {_bytes, _size}; }
 
-    /// Room for `count` more bytes after the last one. The caller writes there and says by `advance` how
-    /// many it wrote.
+    /// Room for `count` more bytes behind the last byte. The caller writes bytes there and tells their number
+    /// by `advance`.
     char* room(std::size_t count) {
         if (count > _capacity - _size) [[unlikely]]
             grow(count);

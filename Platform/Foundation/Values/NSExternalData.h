@@ -14,7 +14,8 @@ class NSExternalData final : public NSData {
   public:
     /// Data with the buffer's bytes, at most 4 GiB; the buffer is empty afterwards.
     static Retained<NSExternalData> create(GrowingBytes& buffer);
-    /// Data over the bytes: memory made by `malloc`, which they free, or borrowed memory.
+    /// Data that uses the bytes: memory that was allocated by `malloc` and that the data frees, or borrowed
+    /// memory.
     enum class Memory : bool { borrowed, own };
     static Retained<NSExternalData> create(void* bytes, NSUInteger length, Memory memory);
 

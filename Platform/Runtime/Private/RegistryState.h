@@ -32,7 +32,7 @@ class Registry {
     void keep(const CacheEntry* entry);
     /// The name of a class made or renamed at run time, kept for good.
     const char* keepName(std::string name);
-    /// Whose the class is, for messages: "the library Lamp", or "the program".
+    /// The owner of the class, for messages: "the library Lamp", or "the program".
     static std::string ownerOf(const Class& cls);
 
     std::recursive_mutex mutex;

@@ -8,15 +8,15 @@
 
 namespace pelvor {
 
-/// Forms of one length. Where the platform's form of the text is longer or shorter than the text, the forms
-/// of its single units stand in.
+/// Two forms of one length. If the platform's form of the text is longer or shorter than the text, it is
+/// replaced by the forms of the text's single units.
 struct CaseForms {
     std::u16string lower;
     std::u16string upper;
 };
 /// The forms of the text itself.
 CaseForms caseFormsOf(NSString* text);
-/// The upper-case form, and the lower-case form of that.
+/// The upper-case form of the text, and the lower-case form of this upper-case form.
 CaseForms foldedFormsOf(NSString* text);
 
 }  // namespace pelvor

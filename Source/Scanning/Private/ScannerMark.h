@@ -6,9 +6,10 @@
 
 namespace pelvor {
 
-/// The operation keeps the place that it has reached, or goes back. If it raises before, the scanner goes to
-/// the mark, unless a rewind has failed, which leaves the place where it was to be; of the marks those stay
-/// that there were before.
+/// The operation either keeps the place that it has reached, or goes back to the mark. If an exception leaves
+/// the operation before that, the scanner goes back to the mark; but if the exception is that of a rewind
+/// that failed, the place stays where that rewind was to go. The marks that were set before the operation
+/// stay.
 class OFCharacterScanner::Mark {
   public:
     explicit Mark(OFCharacterScanner& scanner) : _scanner(scanner), _outerCount(scanner._rewindMarkCount) {

@@ -12,9 +12,9 @@
 
 namespace pelvor {
 
-/// Finds the longest element at a place of a text, as a walk over the nodes does, but in few cache lines. It
-/// is made of a trie as it is and is of no use once a node or bucket in it has been changed. One thread at a
-/// time.
+/// Finds the longest element at a place of a text, as a walk over the nodes does, but reads few cache lines.
+/// An index is made for a trie as it is, and is of no use once a node or a bucket in the trie has been
+/// changed. One thread at a time.
 class TrieIndex {
   public:
     explicit TrieIndex(OFTrieNode* head);
@@ -27,8 +27,9 @@ class TrieIndex {
         Unretained<OFTrieBucket> bucket = nullptr;
         std::size_t length = 0;
     };
-    /// Puts the longest element at `place` into `found`, which is empty; only one that is followed by a
-    /// delimiter or a 0, where delimiters are given. False if it takes units from `end` on to tell.
+    /// Puts the longest element at `place` into `found`, which is empty. If delimiters are given, only an
+    /// element that is followed by a delimiter or a 0 counts. Returns false if the units up to `end` are not
+    /// enough to tell.
     bool findLongest(const unichar* place, const unichar* end, OFCharacterSet* delimiters,
                      Found& found) const;
 
