@@ -167,7 +167,7 @@ void PBRegistry::addProfile(PBProfile* profile) {
 void PBRegistry::update() {
     if (std::exchange(_awaitsStart, false) && !PBPostLoader::hasProcessedClasses())
         NSLog(
-            u"The profile registry is asked for profiles, but PBPostLoader::processClasses() was not called: "
+            u"Profiles are looked up, but PBPostLoader::processClasses() was not called: "
             "the declarations of bundles have not been read"_ns);
     PBProfileSet::update();
 }

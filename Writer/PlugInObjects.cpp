@@ -30,7 +30,7 @@ NSDictionary* failureAnswer(PBProfile* profile) {
 NSString* problemOfAnswer(NSDictionary* answer, NSString* key, PBProfile* profile) {
     if (!answer->objectForKey(WRErrorKey) && answer->objectForKey(key)) return nullptr;
     if (auto* message = cast<NSString>(answer->objectForKey(WRMessageKey))) return message;
-    return localizedFormat(u"_The plug-in \"%@\" answered nothing."_ns, nameOfProfile(profile));
+    return localizedFormat(u"_The plug-in \"%@\" returned nothing."_ns, nameOfProfile(profile));
 }
 
 }  // namespace pelvor

@@ -60,7 +60,7 @@ void requireSubclass(Class* cls, Class* ancestor) {
 
 void detail::raiseMadeOther(Object* made, Class* wanted) {
     throw NSException(NSInvalidArgumentException, std::string("the creator makes objects of class ") +
-                                                      made->isa()->publicName() + ", none of class " +
+                                                      made->isa()->publicName() + ", not of class " +
                                                       wanted->name() + ", which needs a creator of its own");
 }
 

@@ -16,7 +16,7 @@ namespace {
 void requireUsable(const Library& library) {
     if (library.canBeUsed()) return;
     if (library.mark != Library::kMark)
-        throw NSException(NSInvalidArgumentException, "registerLibrary: the record is no library's");
+        throw NSException(NSInvalidArgumentException, "registerLibrary: the record is not that of a library");
     throw NSException(NSInvalidArgumentException,
                       "registerLibrary: the library was compiled with interface version " +
                           std::to_string(library.interfaceVersion) + ", this platform with version " +

@@ -80,9 +80,9 @@ TEST_F(DocumentOpener, GoesOnToTheNextReaderUnlessTheDocumentIsAtFault) {
     addReader("fickle", 1, u"WRTestReader"_ns);
     expectOutcomes({"refused.txt -> message", "encoding.txt -> message",
                     "throw.txt -> _The plug-in \"fickle\" failed: no ink",
-                    "odd.txt -> _The plug-in \"fickle\" answered nothing.",
-                    "nothing.txt -> _The plug-in \"fickle\" answered nothing.",
-                    "none.txt -> _The plug-in \"fickle\" answered nothing."});
+                    "odd.txt -> _The plug-in \"fickle\" returned nothing.",
+                    "nothing.txt -> _The plug-in \"fickle\" returned nothing.",
+                    "none.txt -> _The plug-in \"fickle\" returned nothing."});
     addReader("patient", 2, u"WRTestPathReader"_ns);
     expectOutcomes({"refused.txt -> patient", "encoding.txt -> message", "throw.txt -> patient",
                     "odd.txt -> patient", "nothing.txt -> patient", "none.txt -> patient"});

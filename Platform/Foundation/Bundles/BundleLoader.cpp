@@ -120,8 +120,7 @@ Library* BundleLoader::findLibrary(void* handle) {
     }
     if (!library) throw BundleFault{"registration", "pelvorPlugInLibrary returns null"};
     if (library->mark != Library::kMark)
-        throw BundleFault{"interface",
-                          "pelvorPlugInLibrary returns what is no library record of this platform"};
+        throw BundleFault{"interface", "pelvorPlugInLibrary returns no library record of this platform"};
     refuseOtherInterface(std::to_string(library->interfaceVersion));
     if (library->isRegistered)
         throw BundleFault{"registration",

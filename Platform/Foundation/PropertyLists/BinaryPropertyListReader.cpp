@@ -145,7 +145,7 @@ class Reader {
     // Each object has bytes of its own: were they shared, a small list could stand for any number of objects.
     void claim(const Head& head, std::size_t size) {
         _claimedBytes += head.content - head.offset + head.length * size;
-        if (_claimedBytes > _table) fail("objects that lie over each other", head.offset);
+        if (_claimedBytes > _table) fail("objects that overlap", head.offset);
     }
 
     // A length that does not fit the first byte follows as a number.

@@ -47,7 +47,8 @@ TEST(RegistryTest, RecordsThatCannotBeUsedAreRefused) {
                        std::to_string(kInterfaceVersion))
                           .c_str()));
     library.mark = 0;
-    EXPECT_EQ(RAISED(registerLibrary(library)), invalid("registerLibrary: the record is no library's"));
+    EXPECT_EQ(RAISED(registerLibrary(library)),
+              invalid("registerLibrary: the record is not that of a library"));
 }
 
 // A library whose second class cannot be defined at first, and one that it needs.

@@ -159,7 +159,7 @@ TEST(BinaryPropertyLists, MayNotStandForMoreBytesThanTheyHave) {
     Trailer trailer{2, 2, 1001, 0, bytes.size()};
     std::string table = bigEndian(8, 2);
     for (int i = 0; i < 1000; ++i) table += bigEndian(string, 2);
-    EXPECT_TRUE(refusal(bytes + table + trailer.bytes()).ends_with("objects that lie over each other"));
+    EXPECT_TRUE(refusal(bytes + table + trailer.bytes()).ends_with("objects that overlap"));
 }
 
 TEST(BinaryPropertyLists, MakeLongStringsAgainOnlySoOften) {
