@@ -9,8 +9,16 @@ namespace pelvor {
 
 struct Category;
 
-// An entry that is no boxed range raises NSInvalidArgumentException, an index outside the array
-// NSRangeException.
+// The operations of this header read and change arrays of boxed ranges:
+//
+//     auto selection = NSMutableArray::init();
+//     insertSortedRange(selection, {9, 1});
+//     insertSortedRange(selection, {0, 3});
+//     NSRange first = rangeAtIndex(selection, 0);  // {0, 3}
+//     NSRange whole = unionRange(selection);       // {0, 10}
+//
+// They raise NSInvalidArgumentException for an entry that is no boxed range, and NSRangeException for an
+// index outside the array.
 
 struct PELVOR_EXPORT NSArray_PelvorRangeArray {
     /// Makes an array of one range, which is mutable if `cls` is a class of mutable arrays.

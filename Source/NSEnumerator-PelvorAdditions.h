@@ -9,6 +9,9 @@ namespace pelvor {
 struct Category;
 
 /// Class operations of enumerators. Results are borrowed.
+///
+///     // An operation that walks over the pages of a selection walks over a single page, too.
+///     markPages(NSEnumerator_PelvorAdditions::enumeratorWithObject(page));
 struct PELVOR_EXPORT NSEnumerator_PelvorAdditions {
     /// An enumerator that returns no objects.
     static NSEnumerator* enumerator();

@@ -9,9 +9,14 @@ namespace pelvor {
 struct Category;
 class NSArray;
 
-/// Class operations of index sets. The sets are immutable and borrowed, and empty for an empty array. An
-/// index that a set cannot hold raises NSRangeException, an element of another kind
-/// NSInvalidArgumentException.
+/// Class operations of index sets:
+///
+///     NSArray* ranges = NSArray::of({NSValue::valueWithRange({0, 3}), NSValue::valueWithRange({7, 2})});
+///     NSIndexSet* rows = NSIndexSet_PelvorAdditions::indexSetWithRangeArray(ranges);  // 0, 1, 2, 7, 8
+///     NSRange next = indexRangeStartingAtOrAfterIndex(rows, 5);                       // {7, 2}
+///
+/// The sets are immutable and borrowed, and empty for an empty array. The operations raise NSRangeException
+/// for an index that a set cannot hold, and NSInvalidArgumentException for an element of another kind.
 struct PELVOR_EXPORT NSIndexSet_PelvorAdditions {
     /// The indexes in all boxed ranges of the array.
     static NSIndexSet* indexSetWithRangeArray(NSArray* ranges);

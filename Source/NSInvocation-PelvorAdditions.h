@@ -8,6 +8,12 @@ namespace pelvor {
 
 struct Category;
 
+/// Class operations of invocations:
+///
+///     using Additions = NSInvocation_PelvorAdditions;
+///     NSInvocation* message = Additions::invocationWithTarget_selector(page, "title"_sel);
+///     message->invoke();
+///     id title = returnObject(message);
 struct PELVOR_EXPORT NSInvocation_PelvorAdditions {
     /// An invocation of the message without a target, borrowed. It has the types of the method that instances
     /// of the class have. Raises NSInvalidArgumentException if the class is null or its instances have no

@@ -11,6 +11,9 @@ class NSSet;
 
 // These store the value as a number object of its kind. They raise NSInvalidArgumentException if the key is
 // null.
+//
+//     setInt_forKey(layout, 2, u"columns"_ns);
+//     int columns = intForKey(layout, u"columns"_ns);  // from NSDictionary-PelvorAdditions.h
 
 PELVOR_EXPORT void setBool_forKey(NSMutableDictionary* dictionary, bool value, id key);
 PELVOR_EXPORT void setInt_forKey(NSMutableDictionary* dictionary, int value, id key);

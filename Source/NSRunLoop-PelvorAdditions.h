@@ -8,7 +8,11 @@ namespace pelvor {
 
 struct Category;
 
-/// Class operations of the run loop.
+/// Class operations of the run loop:
+///
+///     using Additions = NSRunLoop_PelvorAdditions;
+///     Additions::performSelector_target_argument_order("layOut:"_sel, view, page, 10);
+///     Additions::performSelector_target_argument_order("draw:"_sel, view, page, 20);  // after the layout
 struct PELVOR_EXPORT NSRunLoop_PelvorAdditions {
     /// Asks the current run loop to send the message to the target at the beginning of its next turn in the
     /// default mode. Messages of a lower `order` are sent first. Target and argument are retained until then;

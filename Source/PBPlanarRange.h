@@ -8,7 +8,11 @@ namespace pelvor {
 
 struct Category;
 
-/// Two ranges, such as the columns and the rows of a part of a table.
+/// Two ranges, such as the columns and the rows of a part of a table:
+///
+///     PBPlanarRange cells{{0, 2}, {5, 1}};  // two columns of row 5
+///     NSValue* boxed = NSValue_PlanarRangeAdditions::valueWithPlanarRange(cells);
+///     PBPlanarRange same = planarRangeValue(boxed);
 struct PBPlanarRange {
     NSRange horizontalRange;
     NSRange verticalRange;
@@ -17,6 +21,7 @@ struct PBPlanarRange {
     friend constexpr bool operator==(const PBPlanarRange&, const PBPlanarRange&) = default;
 };
 
+/// Class operations of values.
 struct PELVOR_EXPORT NSValue_PlanarRangeAdditions {
     /// A value that boxes the two ranges, borrowed. Its type is
     /// "{_PBPlanarRange={_NSRange=II}{_NSRange=II}}".

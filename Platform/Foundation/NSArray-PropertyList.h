@@ -6,6 +6,10 @@
 
 namespace pelvor {
 
+/// Class operations of arrays:
+///
+///     NSArray* names = NSArray_PropertyList::arrayWithContentsOfFile(path);
+///     bool isSaved = names && writeToFile_atomically(names, copyPath, true);
 struct PELVOR_EXPORT NSArray_PropertyList {
     /// Reads the property list in the file, in any format, and returns it if it is an array; borrowed.
     /// Returns null if the file cannot be read, or holds no property list, or a list that is no array;

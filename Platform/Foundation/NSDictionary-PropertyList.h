@@ -6,6 +6,10 @@
 
 namespace pelvor {
 
+/// Class operations of dictionaries:
+///
+///     NSDictionary* styles = NSDictionary_PropertyList::dictionaryWithContentsOfFile(path);
+///     bool isSaved = styles && writeToFile_atomically(styles, copyPath, true);
 struct PELVOR_EXPORT NSDictionary_PropertyList {
     /// Reads the property list in the file, in any format, and returns it if it is a dictionary; borrowed.
     /// Returns null if the file cannot be read, or holds no property list, or a list that is no dictionary;

@@ -8,8 +8,16 @@ namespace pelvor {
 
 class NSDictionary;
 
-/// A name, the object that the news is about (its sender), and a dictionary with what else there is to say. A
-/// notification is immutable and retains all three. An observer that needs a notification after the call in
+/// A name, the object that the news is about (the sender), and a dictionary with further information, the
+/// user information:
+///
+///     void View::pageDidChange(NSNotification* notification) {  // an observer
+///         auto* page = cast<Page>(notification->object());
+///         NSDictionary* information = notification->userInfo();
+///         id range = information ? information->objectForKey(u"range"_ns) : nullptr;
+///         …
+///
+/// A notification is immutable and retains all three. An observer that needs a notification after the call in
 /// which a centre delivered it has to retain the notification. Any thread.
 class PELVOR_EXPORT NSNotification : public NSObject {
     PELVOR_CLASS(NSNotification, NSObject);

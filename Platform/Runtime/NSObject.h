@@ -38,8 +38,30 @@ class MethodTable;
     static_assert(::pelvor::detail::checkCreators<Self>());                                                  \
     void Self::defineMethods([[maybe_unused]] ::pelvor::MethodTable<Self>& methods)
 
-/// The root class. Subclass it with PELVOR_CLASS, keep constructors and destructor protected, and
-/// let initialisers be static members that end in `make<Self>(cls)`.
+/// The root class. A subclass has PELVOR_CLASS, protected constructors and a protected destructor, and
+/// creators that make their object by `make<Self>(cls)`:
+///
+///     class PBLamp : public NSObject {
+///         PELVOR_CLASS(PBLamp, NSObject);
+///         PELVOR_CREATORS(initWithLevel);
+///
+///       public:
+///         static Retained<PBLamp> initWithLevel(int level, Class* cls = classObject());
+///         int level() { return _level; }
+///
+///       protected:
+///         PBLamp() = default;
+///         ~PBLamp() = default;
+///
+///       private:
+///         int _level = 0;
+///     };
+///
+///     // in the .cpp; the list of the library names the class, &PBLamp::classRecord
+///     PELVOR_DEFINE_CLASS(PBLamp, lampLibrary) {
+///         methods.creator<"initWithLevel:", &PBLamp::initWithLevel>();
+///         methods.instance<"level", &PBLamp::level>();
+///     }
 class PELVOR_EXPORT NSObject : public Object {
     PELVOR_CLASS(NSObject, Object);
 

@@ -11,8 +11,13 @@
 
 namespace pelvor {
 
-/// The interned name of a message, "insertRun:atIndex:". Four bytes, compared by value; the
-/// default-made selector is null and names nothing. Selectors live as long as the process.
+/// The interned name of a message:
+///
+///     SEL selector = "insertRun:atIndex:"_sel;
+///     selector.argumentCount();  // 2
+///
+/// A selector has four bytes and is compared by value. A selector that is made without a name is the null
+/// selector. Selectors live as long as the process.
 class PELVOR_EXPORT SEL {
   public:
     constexpr SEL() = default;
