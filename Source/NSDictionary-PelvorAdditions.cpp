@@ -29,7 +29,7 @@ void defineAdditions(MethodTable<NSDictionary>& methods) {
     methods.instance<"createSubdictionaryWithKeys:", &createSubdictionaryWithKeys>();
 }
 
-// A key that both lack counts as equal.
+// A key that both dictionaries lack counts as equal.
 bool areValuesEqual(NSDictionary* dictionary, NSDictionary* other, id key) {
     id value = dictionary->objectForKey(key), otherValue = other->objectForKey(key);
     return value == otherValue || (value && otherValue && value->isEqual(otherValue));

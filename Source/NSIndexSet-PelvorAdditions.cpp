@@ -25,7 +25,7 @@ void defineAdditions(MethodTable<NSIndexSet>& methods) {
 NSIndexSet* indexSetOf(std::vector<NSRange> ranges) {
     if (ranges.empty()) return NSIndexSet::indexSet();
     if (ranges.size() == 1) return NSIndexSet::indexSetWithIndexesInRange(ranges.front());
-    // Ranges in order are added at the end of the set each, which moves nothing.
+    // Ranges in ascending order are each added at the end of the set, which moves nothing.
     auto isBefore = [](NSRange a, NSRange b) { return a.location < b.location; };
     if (!std::is_sorted(ranges.begin(), ranges.end(), isBefore))
         std::sort(ranges.begin(), ranges.end(), isBefore);

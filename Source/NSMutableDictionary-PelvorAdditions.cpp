@@ -44,7 +44,7 @@ void setDouble_forKey(NSMutableDictionary* dictionary, double value, id key) {
 
 void addObjectsFromDictionary_forKeys(NSMutableDictionary* dictionary, NSDictionary* other, NSSet* keys) {
     if (!other || !keys || other == dictionary) return;
-    // The smaller of the two is walked.
+    // The loop walks over the smaller collection.
     if (other->count() >= keys->count()) {
         for (id key : keys)
             if (id value = other->objectForKey(key)) dictionary->setObject_forKey(value, key);

@@ -79,7 +79,7 @@ class WordText {
             crossesSeparator = false;
         }
     }
-    // No separator is accepted by a rule.
+    // No rule accepts a separator.
     NSUInteger endOfWord(Rule rule, NSUInteger index) {
         for (;; ++index) {
             if (rule == Rule::word) index += lettersFrom(index);
@@ -91,7 +91,7 @@ class WordText {
     bool accepts(Rule rule, NSUInteger index) {
         return rule == Rule::quantity ? isInQuantity(index) : isInWord(index);
     }
-    // Letters of words are mostly these, and most words are short: their ends are found without a branch.
+    // Most letters of words are in ASCII, and most words are short: their ends are found without a branch.
     NSUInteger lettersBefore(NSUInteger index) {
         const unichar* units = index < 16 ? nullptr : _units.inMemory(index - 16, 16);
         return units ? static_cast<NSUInteger>(std::countl_one(asciiLetters(units))) : 0;

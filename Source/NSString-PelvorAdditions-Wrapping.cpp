@@ -14,8 +14,8 @@ namespace {
 
 using Units = std::u16string_view;
 
-// Lines end where paragraphs do, so each is wrapped by itself. Where its white space is stands in bits: no
-// branch depends on the lengths of its words.
+// Lines end where paragraphs end, so each paragraph is wrapped by itself. Bits tell where its white space is,
+// so no branch depends on the lengths of its words.
 class Wrapper {
   public:
     Wrapper(Units text, NSUInteger width)
@@ -50,7 +50,7 @@ class Wrapper {
         }
     }
 
-    // Before which unit the line breaks whose counted units reach the width.
+    // The index of the unit before which a line breaks whose counted units reach the width.
     std::size_t placeOfBreak(std::size_t lineStart, std::size_t countStart) const {
         std::size_t last = countStart + _width - 1;
         std::size_t wordStart = _whiteSpace.behindLast(countStart, last + 1);
@@ -60,7 +60,8 @@ class Wrapper {
         return outsidePair(wordSize < _width ? wordStart - 1 : last, lineStart);
     }
 
-    // Before the pair that the index is inside of, or after it where the line would have nothing in it.
+    // The index before the surrogate pair that `index` would divide, or behind the pair if the line would be
+    // empty.
     std::size_t outsidePair(std::size_t index, std::size_t lineStart) const {
         if (!splitsPair(_paragraph, index)) return index;
         return index - 1 > lineStart ? index - 1 : index + 1;

@@ -37,7 +37,7 @@ void PBDelayedActionTimer::schedule() {
         _timer->setFireDate(NSDate::initWithTimeIntervalSinceNow(_delay).get());
 }
 
-// The platform's timer may have the last reference to this object, which ends with it then.
+// The platform's timer may have the last reference to this object, which then ends together with the timer.
 void PBDelayedActionTimer::unschedule() {
     if (auto timer = std::move(_timer)) timer->invalidate();
 }

@@ -99,7 +99,7 @@ void PBLinkedList::removeObjectsInRange(NSRange range) {
     (previous ? previous->next : _head) = std::exchange(last->next, nullptr);
     _count -= range.length;
     ++_removals;
-    // Objects end only now, since the end of an object may change the list or destroy it.
+    // Objects are released only now, since the end of an object may change the list or destroy it.
     while (PBLinkedListNode* node = first) {
         first = std::exchange(node->next, nullptr);
         node->release();

@@ -38,9 +38,10 @@ void PBLinkedListEnumerator::removeLastObject() {
     if (_list->_removals - removals > 1) findPlaceAgain();
 }
 
-// The end of the removed object removed others too, so the nodes around the place may be gone: they are
-// compared with those of the list, and not read. The walk goes on behind the previous node if that is still
-// there, else with the next one, and is over if neither is.
+// The end of the removed object has removed other objects, so the nodes around the place may be gone: their
+// addresses are compared with the nodes of the list, and the nodes are not read. If the previous node is
+// still in the list, the walk goes on behind it; else it goes on with the next node; and if neither is in the
+// list, the walk is over.
 void PBLinkedListEnumerator::findPlaceAgain() {
     if (!_prev) return void(_next = _list->_head);
     for (PBLinkedListNode *before = nullptr, *node = _list->_head; node; before = node, node = node->next) {

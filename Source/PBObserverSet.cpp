@@ -95,7 +95,8 @@ void PBObserverSet::makeObserversPerformSelector_withObject_withObject_withObjec
     auto self = Retained<PBObserverSet>::retaining(this);
     Retained<NSSet> present = _observers->NSSet::copy();
     for (id member : present) {
-        // This comes before the observer is touched: one that has left the set may have been destroyed.
+        // This check comes before the observer is used: an observer that has left the set may have been
+        // destroyed.
         if (!_observers || !_observers->containsObject(member)) continue;
         id observer = static_cast<PBWeakReference*>(member)->object();
         if (observer && observer->respondsToSelector(selector))

@@ -74,7 +74,8 @@ void sendClassOrInitialize(Class* cls) {
         send(cls, "initialize"_sel);
 }
 
-// A hook has no arguments and no result. One that declares some gets zeros, and its result is not used.
+// A hook has no arguments and no result. If a hook declares arguments, they are zero, and a result is not
+// used.
 void callHook(const IMP& hook, Class* cls, SEL selector) {
     NSMethodSignature* types = hook.signature;
     if (types->key() == SignatureFor<void>::kKey)
@@ -213,7 +214,7 @@ void PBPostLoader::bundleDidLoad(NSNotification* notification) {
         registry->addProfilesFromBundle(cast<NSBundle>(notification->object()));
 }
 
-// Exceptions of the hooks have been reported already. One that comes out here is a failure of another kind.
+// Exceptions of hooks have been reported already. An exception here is a failure of another kind.
 void PBPostLoader::_becomingMultiThreaded(NSNotification*) {
     if (loader().isSendingBecomingMultiThreaded.exchange(true)) return;
     try {

@@ -95,7 +95,7 @@ using Ranges = std::vector<NSRange>;
 
 enum class Empties : bool { keep, remove };
 
-// Takes `next` into `current` if it belongs there. Returns false where `next` is an entry of its own.
+// Merges `next` into `current` if the two overlap or touch. Returns false if `next` is an entry of its own.
 bool merge(NSRange& current, NSRange next, Empties empties) {
     if (next.length == 0 && (empties == Empties::remove || next.location - current.location < current.length))
         return true;
@@ -140,7 +140,7 @@ NSArray* PBAddRangeToNormalizedRanges(NSRange addRng, NSArray* rngs) {
 
 namespace {
 
-// The list without what the range takes from the first entry that it touches.
+// The list after the range was taken away from the first entry that it touches.
 NSArray* subtracted(NSRange range, NSArray* ranges, NSUInteger& active) {
     NSUInteger index = PBIndexOfRangeInRanges(range, ranges);
     if (index == NSNotFound) return ranges;

@@ -105,8 +105,8 @@ void PBRegistry::startRegistry() {
     addProfilesFromBundles(NSBundle::allBundles());
 }
 
-// Of profiles with one identifier the last stays, so that the first bundle wins when the list is read in
-// reverse.
+// A profile replaces an earlier one with the same identifier. The list is therefore read in reverse, so that
+// the first bundle wins.
 void PBRegistry::addProfilesFromBundles(NSArray* bundles) {
     for (NSUInteger i = bundles->count(); i-- > 0;)
         addProfilesFromBundle(static_cast<NSBundle*>(bundles->objectAtIndex(i)));

@@ -18,7 +18,8 @@ namespace {
 
 bool hasSeededRandom = false;
 bool isRunPoofs = false;
-// Retained, and not destroyed with the statics of the process, whose order is unknown.
+// This object is retained, and not released at the end of the process, where the order of destructors is
+// unknown.
 id sharedFeedbackController = nullptr;
 NSString* toolboxIdentifier = nullptr;
 NSBundle* toolboxBundle = nullptr;

@@ -25,8 +25,8 @@ void PBUtil_Dummy::didLoad() {
     _pbLettersCharacterSet = NSCharacterSet::letterCharacterSet();
     _pbWhitespaceCharacterSet = NSCharacterSet::whitespaceAndNewlineCharacterSet();
     _pbDecimalDigitCharacterSet = NSCharacterSet::decimalDigitCharacterSet();
-    // These are made once, although this hook may run more often: code that reads texts before the load-time
-    // sequence calls it too.
+    // These sets are made once, although the hook may run more often: code that reads texts before the
+    // load-time sequence calls the hook itself.
     static NSCharacterSet* const money = keptSetOf("$\u20AC\u00A3\u00A5");
     static NSCharacterSet* const doubleQuotes = keptSetOf("\"\u201C\u201D\u00AB\u00BB");
     static NSCharacterSet* const singleQuotes = keptSetOf("'\u2018\u2019");

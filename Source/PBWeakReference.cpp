@@ -27,7 +27,7 @@ class SparePool {
         std::lock_guard guard(*this);
         return static_cast<PBWeakReference*>(_pool->popObject().leak());
     }
-    // Takes the caller's reference over if there is room, and returns whether there was.
+    // Takes over the caller's reference if there is room, and returns whether there was room.
     bool put(PBWeakReference* reference) noexcept {
         if (_pool->isFull()) return false;
         std::lock_guard guard(*this);
@@ -124,7 +124,8 @@ Retained<Object> PBWeakReference::copyWithZone(void*) { return Retained<Object>:
 
 namespace {
 
-// Stands in front of each reference, and tells those in rows from larger ones, of a subclass, on the heap.
+// Stands in front of each reference, and tells references in rows from larger objects of a subclass, which
+// are on the heap.
 enum class Place : std::uint64_t { row, heap };
 using Rows = RowMemory<PBWeakReference, sizeof(Place) + sizeof(PBWeakReference)>;
 

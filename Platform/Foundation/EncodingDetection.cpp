@@ -45,7 +45,7 @@ bool isValid(std::string_view bytes, NSStringEncoding encoding) {
     return TextDecoder(encoding).decode(bytes, units);
 }
 
-// Those of ICU, the most confident first.
+// The guesses of ICU, the most confident first.
 std::vector<EncodingGuess> guessByStatistics(std::string_view bytes) {
     UErrorCode error = U_ZERO_ERROR;
     std::unique_ptr<UCharsetDetector, void (*)(UCharsetDetector*)> detector(ucsdet_open(&error),
@@ -87,7 +87,8 @@ bool has(const std::vector<EncodingGuess>& guesses, NSStringEncoding encoding) {
                        [&](const EncodingGuess& guess) { return guess.encoding == encoding; });
 }
 
-// ICU knows these by the pairs of bytes that they allow, which tell more than their thousands of letters.
+// ICU recognises these encodings by the pairs of bytes that they allow, which tell more than their thousands
+// of letters.
 bool isOfSeveralBytes(NSStringEncoding encoding) {
     static const NSStringEncoding encodings[] = {encodingForName("shift_jis"), encodingForName("euc-jp"),
                                                  encodingForName("euc-kr"), encodingForName("gb18030")};

@@ -209,7 +209,7 @@ NSArray* NSArray::arrayByAddingObjectsFromArray(NSArray* other) {
 
 namespace {
 
-// The comparison may do what it likes with the array: a copy of it is sorted, which keeps the objects.
+// The comparison may change the array, so a copy is sorted, which also keeps the objects alive.
 template <class Compare>
 NSArray* sortedArray(NSArray* array, Compare&& compare) {
     Retained<NSArray> kept = NSArray::initWithArray(array);

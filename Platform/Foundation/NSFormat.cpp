@@ -30,7 +30,7 @@ struct Directive {
     const FormatArgument* argument = nullptr;
 };
 
-// Text as ASCII and its sign or base prefix, which zero padding goes between.
+// A text in ASCII, and its sign or base prefix; padding zeros stand between the two.
 struct Number {
     std::string prefix;
     std::string digits;
@@ -81,7 +81,7 @@ std::string addressText(const void* pointer) {
     return "0x" + digitsOf(reinterpret_cast<std::uintptr_t>(pointer), 16);
 }
 
-// The argument as plain text, whatever it is.
+// The argument as plain text, whatever its type.
 void appendText(std::u16string& text, const FormatArgument& argument) {
     switch (argument.kind()) {
         case Kind::signedInteger:

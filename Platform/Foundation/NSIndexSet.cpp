@@ -73,7 +73,7 @@ std::size_t NSIndexSet::firstRunEndingAfter(NSUInteger index) {
     return static_cast<std::size_t>(run - _runs.begin());
 }
 
-// Takes in all runs that the range overlaps or touches.
+// The range absorbs all runs that it overlaps or touches.
 void NSIndexSet::add(NSRange range) {
     if (range.length == 0) return;
     if (_runs.empty() || NSMaxRange(_runs.back()) < range.location) return _runs.push_back(range);

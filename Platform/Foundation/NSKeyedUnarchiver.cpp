@@ -77,7 +77,7 @@ bool NSKeyedUnarchiver::containsValueForKey(NSString* key) {
     return _error.empty() && _fields->objectForKey(key);
 }
 
-// Null where there is no value or no number.
+// Null if there is no value, or the value is no number.
 id NSKeyedUnarchiver::numberForKey(NSString* key) {
     if (!containsValueForKey(key)) return nullptr;
     auto* number = cast<NSNumber>(_fields->objectForKey(key));

@@ -84,7 +84,7 @@ void logText(std::string_view text) noexcept {
             writeToStandardError(std::move(line));
         }
     } catch (...) {
-        // A log that failed has nowhere to say so.
+        // A log that fails has no place to report its failure.
     }
     errno = error;
 }

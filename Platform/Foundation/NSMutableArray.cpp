@@ -144,7 +144,7 @@ void NSMutableArray::removeObject(id object) { removeObject_inRange(object, {0, 
 void NSMutableArray::removeObject_inRange(id object, NSRange range) {
     requireRange(range, count(), "removeObject:inRange:");
     auto kept = Retained<Object>::retaining(object);
-    // What a comparison or a release does may shorten the array.
+    // A comparison or a release may run code that shortens the array.
     for (NSUInteger i = range.location + range.length; object && i > range.location;) {
         i = std::min(i, count());
         if (i <= range.location) return;

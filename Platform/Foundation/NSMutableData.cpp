@@ -148,13 +148,13 @@ void requireLength(std::size_t length, const char* operation) {
                           operation + std::string(" the data would hold more than 2^32 - 1 bytes"));
 }
 
-// Puts the bytes in the place of a range that is inside.
+// Replaces the bytes of the range, which is inside the data.
 void replaceBytes(std::vector<std::byte>& own, NSRange range, const void* bytes, NSUInteger count,
                   const char* operation) {
     requireMemory(bytes, count, operation, "the bytes");
     requireLength(own.size() - range.length + count, operation);
     auto* first = static_cast<const std::byte*>(bytes);
-    // Bytes of our own would move while they are copied.
+    // The data's own bytes would move while they are copied.
     std::vector<std::byte> copy;
     if (std::less_equal<>()(own.data(), first) && std::less<>()(first, own.data() + own.size())) {
         copy.assign(first, first + count);

@@ -67,7 +67,7 @@ PELVOR_DEFINE_CLASS(NSMutableString, foundationLibrary) {
 
 namespace {
 
-// A mutable copy of what a creator of NSString made; null for null.
+// A mutable copy of the string that a creator of NSString made; null if that string is null.
 Retained<NSMutableString> mutableCopyOf(const Retained<NSString>& string) {
     return string ? NSMutableString::initWithString(string) : nullptr;
 }
@@ -281,7 +281,7 @@ void NSBufferString::getCharacters_range(unichar* buffer, NSRange range) { copyU
 void NSBufferString::replaceCharactersInRange_withString(NSRange range, NSString* string) {
     requireArgument(string, "replaceCharactersInRange:withString:", "the string");
     requireRange(range, length(), "replaceCharactersInRange:withString:");
-    // Before the units are fetched: a string can be longer than memory.
+    // This check comes before the units are fetched, since a string can be longer than memory.
     requireTextLength(_units.size() - range.length + string->length(),
                       "replaceCharactersInRange:withString:");
     StringUnits units(string);

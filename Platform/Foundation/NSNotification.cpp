@@ -33,7 +33,7 @@ PELVOR_DEFINE_CLASS(NSNotification, foundationLibrary) {
     methods.instance<"userInfo", &NSNotification::userInfo>();
 }
 
-// Inside every post: no calls of their own.
+// These are part of every post, so they make no calls of their own.
 [[gnu::always_inline]] inline void NSNotification::fill(NSString* name, id object, NSDictionary* userInfo) {
     _name = isLiteral(name) ? name : name->copy().leak();
     if (object) _object.set(object);

@@ -9,7 +9,7 @@
 
 namespace pelvor {
 
-// By selector, a post is the delivery itself: that is what a subclass's method calls as its superclass's.
+// A post by message is the delivery itself: this is the method that a subclass calls as its superclass's.
 PELVOR_DEFINE_CLASS(NSNotificationCenter, foundationLibrary) {
     methods.classLevel<"defaultCenter", &NSNotificationCenter::defaultCenter>();
     methods.creator<"init", &NSNotificationCenter::init>();

@@ -108,7 +108,7 @@ bool NSNotificationQueue::isDefaultModeAlone(NSArray* modes) {
     return true;
 }
 
-// To drop it and queue it again would change nothing.
+// Dropping this notification and queuing it again would change nothing.
 bool NSNotificationQueue::isOnlyItem(const Items& items, NSNotification* notification, NSArray* modes) {
     return _asap.size() + _idle.size() == 1 && items.size() == 1 &&
            items.front().notification == notification && items.front().modes == modes;
@@ -144,7 +144,8 @@ bool NSNotificationQueue::postFirst(Items& items, NSRunLoop* loop, NSString* mod
     return true;
 }
 
-// Only as many as there are now: one that an observer queues anew waits for the next turn.
+// Posts only as many notifications as there are now: one that an observer queues meanwhile waits for the next
+// turn.
 bool NSNotificationQueue::postAllASAP(NSRunLoop* loop, NSString* mode) {
     std::vector<std::pair<Retained<NSNotificationQueue>, std::size_t>> queues;
     for (NSNotificationQueue* queue = queuesOfThread(); queue; queue = queue->_next)

@@ -88,7 +88,7 @@ NSPlainNumber* sharedBoolean(bool value) {
     return &shared[value];
 }
 
-// The immortal number of that type and value, if there is one.
+// The immortal number of this type and value; null if there is no such number.
 template <class T>
 NSPlainNumber* sharedNumber([[maybe_unused]] T value) {
     if constexpr (std::is_same_v<T, bool>) return sharedBoolean(value);
@@ -305,7 +305,7 @@ int compareIntegers(const NumberContents& a, const NumberContents& b) {
     return order(a.unsignedInteger, b.unsignedInteger);
 }
 
-// The number's whole part in 64 bits decides, then what follows the point.
+// The whole part of the number, in 64 bits, decides; if it is equal, the fraction does.
 int compareWithReal(const NumberContents& a, double real) {
     if (std::isnan(real)) return 1;
     if (real < -0x1p63) return 1;

@@ -27,8 +27,8 @@ void defineMainThread(MethodTable<Root>& methods) {
                               &performSelectorOnMainThread_withObject_waitUntilDone>();
 }
 
-// With this a thread waits for the main thread. It is a pipe, because the kernel takes the writer of a pipe
-// for about to sleep and has the reader follow on the same processor, which halves the time of a call.
+// A thread waits for the main thread with this pipe. It is a pipe, because the kernel assumes that the writer
+// of a pipe is about to sleep, and runs the reader on the same processor, which halves the time of a call.
 class Bell {
   public:
     Bell() {

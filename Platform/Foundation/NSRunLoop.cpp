@@ -150,8 +150,8 @@ PELVOR_DEFINE_CLASS(NSRunLoop, foundationLibrary) {
 
 NSRunLoop::NSRunLoop() : _state(std::make_unique<State>()) {
     _state->poll = epoll_create1(EPOLL_CLOEXEC);
-    // A pipe rather than an event descriptor: its writer is taken for about to sleep, so that the loop's
-    // thread may follow on the same processor.
+    // A pipe and not an event descriptor: the kernel assumes that the writer of a pipe is about to sleep, so
+    // the loop's thread may run next on the same processor.
     int ends[2] = {-1, -1};
     bool isOpen = pipe2(ends, O_CLOEXEC) == 0;
     _state->wake = ends[0];
@@ -170,7 +170,7 @@ NSRunLoop::~NSRunLoop() {
     if (_state->poll >= 0) close(_state->poll);
 }
 
-// A thread's loop ends with the thread. The main thread's loop stays, since other threads ask for it at any
+// A thread's loop ends with the thread. The main thread's loop stays, since other threads may use it at any
 // time.
 struct OwnRunLoop {
     OwnRunLoop() : loop(make<NSRunLoop>()) {}
@@ -189,8 +189,8 @@ NSRunLoop* NSRunLoop::mainRunLoop() {
     return loop;
 }
 
-// Lets go of all work while the loop can still be asked: objects that end with the work may cancel other
-// work.
+// Releases all work while the loop can still be used: objects that end together with the work may cancel
+// other work.
 void NSRunLoop::abandon() {
     for (TimerMode& each : _state->timerModes)
         while (!each.timers.isEmpty()) {
@@ -364,7 +364,8 @@ void NSRunLoop::addTimer_forMode(NSTimer* timer, NSString* mode) {
     timer->addTo(_state->timersFor(mode));
 }
 
-// Fires the timers that were there when the turn came to them: one that is added by another waits a turn.
+// Fires the timers that are there when this part of the turn begins: a timer that another timer adds waits
+// for the next turn.
 bool NSRunLoop::fireTimers(NSString* mode) {
     bool hasFired = false;
     NSTimeInterval now = 0;
@@ -452,8 +453,8 @@ bool NSRunLoop::hasPerforms(NSString* mode) {
                        [&](const auto& each) { return isMode_amongModes(mode, each.second.modes.get()); });
 }
 
-// Sends the messages that were there at the beginning. Each is searched for anew, since any may cancel
-// others.
+// Sends the messages that were there at the beginning. Each message is searched anew, since any of them may
+// cancel others.
 bool NSRunLoop::firePerforms(NSString* mode) {
     auto& performs = _state->performs;
     if (performs.empty()) return false;
@@ -486,8 +487,8 @@ bool NSRunLoop::hasThreadPerforms(NSString* mode) {
                        [&](const ThreadPerform& each) { return isMode_amongModes(mode, each.modes.get()); });
 }
 
-// Makes the calls that were there at the beginning. Calls for other modes stay, and so do the rest if one
-// raises.
+// Makes the calls that were there at the beginning. Calls for other modes stay, and if one call raises, the
+// calls behind it stay, too.
 bool NSRunLoop::serveThreads(NSString* mode) {
     if (_state->threadPerforms.load() == 0) return false;
     std::unique_lock lock(_state->mutex);
@@ -588,7 +589,7 @@ bool NSRunLoop::pollDescriptors(NSString* mode, NSTimeInterval timeout) {
     for (int i = 0; i < count; ++i) acknowledgeSignal(events[i].data.fd);
     bool hasServed = false;
     std::uint64_t limit = _state->numbers, turns = _state->turns;
-    // A turn inside a call may have served the rest; what is still ready the kernel tells again.
+    // A turn inside a call may have served the rest; the kernel reports again what is still ready.
     for (int i = 0; i < count && turns == _state->turns; ++i)
         if (events[i].data.fd != _state->wake)
             hasServed |= serve(mode, events[i].data.fd, events[i].events, limit);
@@ -627,7 +628,7 @@ bool NSRunLoop::serve(NSString* mode, int descriptor, std::uint32_t events, std:
 
 namespace {
 
-// The object without its own description, which may be long and is the object's to give.
+// Class and address of the object. Its own description may be long, and may call code of the host.
 NSString* named(id object) {
     return NSString::stringWithFormat(u"<%s %p>"_ns, object->isa()->name(), static_cast<void*>(object));
 }

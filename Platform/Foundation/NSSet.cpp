@@ -183,7 +183,7 @@ bool NSSet::isEqual(id other) {
     return set && isEqualToSet(set);
 }
 
-// The order does not count, nor how often a member was added.
+// Neither the order of the members nor how often they were added changes the hash.
 std::uintptr_t NSSet::hash() {
     std::uintptr_t sum = count();
     for (id object : detail::walk(this)) sum += spreadHash(hashOfElement(object));

@@ -57,9 +57,9 @@ bool NSString::hasSuffix(NSString* suffix) {
 
 namespace {
 
-// A collator of the user's language; null where there are no collation rules at all. Where no language is
-// set ICU would order by code points: the order that all languages share serves people better. Collators are
-// safe on any thread once set up.
+// A collator for the user's language; null if ICU has no collation rules at all. Without a language, ICU
+// would order by code points; the order that all languages share serves people better. A collator may be used
+// on any thread once it is set up.
 UCollator* makeCollator(UCollationStrength strength) {
     UErrorCode error = U_ZERO_ERROR;
     const char* language = uloc_getDefault();

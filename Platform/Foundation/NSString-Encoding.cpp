@@ -31,7 +31,7 @@ NSStringEncoding encodingByMark(std::string_view bytes) {
     return unitsFromUTF8(bytes) ? NSUTF8StringEncoding : NSISOLatin1StringEncoding;
 }
 
-// The text of a file; UTF-8 may begin with a mark there.
+// The text of a file. A file in UTF-8 may begin with a mark.
 Retained<NSString> fileText(std::string_view bytes, NSStringEncoding encoding) {
     if (encoding == NSUTF8StringEncoding && bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
     return NSString::initWithBytes_length_encoding(bytes.data(), static_cast<NSUInteger>(bytes.size()),

@@ -19,7 +19,7 @@ namespace {
 
 using Path = std::u16string_view;
 
-// The end of the path without trailing slashes; a path of nothing else keeps its first.
+// The end of the path without the slashes at its end; a path of nothing but slashes keeps the first one.
 std::size_t endOfLastComponent(Path path) {
     std::size_t end = path.find_last_not_of(u'/');
     return end == Path::npos ? std::min<std::size_t>(path.size(), 1) : end + 1;
@@ -44,7 +44,7 @@ std::size_t placeOfExtension(Path path) {
     return startOfLastComponent(path) + stop;
 }
 
-// With runs of slashes made one and without one at the end.
+// The path with each run of slashes replaced by one slash, and without a slash at the end.
 std::u16string withoutSpareSlashes(Path path) {
     std::u16string result;
     for (char16_t unit : path)
@@ -69,7 +69,8 @@ NSString* pathString(NSString* receiver, Path path) {
                                                               : NSPathStore2::of(path);
 }
 
-// The home directory of the user, of the process's own for an empty name; empty for an unknown user.
+// The home directory of the user. An empty name stands for the user of the process; for an unknown user the
+// result is empty.
 std::string homeDirectory(const std::string& user) {
     if (const char* home = std::getenv("HOME"); user.empty() && home && *home) return home;
     std::vector<char> buffer(16384);
@@ -230,7 +231,7 @@ class LinkResolver {
     }
 
   private:
-    // As many as the kernel follows.
+    // As many links as the kernel follows.
     static constexpr int kMostLinks = 40;
 
     void push(Path path) {
@@ -260,7 +261,7 @@ class LinkResolver {
             _resolved.push_back(u"..");
     }
 
-    // Where the link at the path points; empty for what is no link.
+    // The target of the link at the path; empty if there is no link.
     static std::u16string linkTarget(const std::u16string& path) {
         char target[PATH_MAX];
         ssize_t size = readlink(utf8FromUnitsMending(path).c_str(), target, sizeof target);

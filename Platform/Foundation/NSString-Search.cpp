@@ -94,7 +94,7 @@ class MemberSearch {
         while (place < count && !stops(text[place])) ++place;
         return place;
     }
-    // The same backwards.
+    // Does this backwards.
     NSUInteger endOfInterest(NSUInteger end) const {
         while (!_folds && end > 0 && !isInteresting(_bitmap, _text[end - 1])) --end;
         return end;
@@ -102,7 +102,7 @@ class MemberSearch {
     static unsigned isInteresting(const std::uint8_t* bitmap, char16_t unit) {
         return unsigned{unit >= 0xD800} | (bitmap[unit >> 3] >> (unit & 7) & 1u);
     }
-    // How many units the member at the index has; 0 if what stands there is no member.
+    // How many units the member at the index has; 0 if no member stands there.
     NSUInteger memberAt(NSUInteger index) const {
         char32_t c = codePointAt(_text, index);
         bool isMember = _set->longCharacterIsMember(c) || (_folds && isMemberInOtherCase(c));
@@ -120,8 +120,8 @@ class MemberSearch {
     bool _folds;
 };
 
-// Searches a string that is not in one piece in pieces, so that what is near is found without a copy of all
-// the rest. No pair lies in two of them.
+// Searches a string that is not in one piece in parts, so that a match near the start is found without a copy
+// of the rest. No surrogate pair is divided between two parts.
 class PieceSearch {
   public:
     PieceSearch(NSString* string, NSCharacterSet* set, NSStringCompareOptions options)

@@ -54,7 +54,7 @@ struct Likeness {
     Units text;
 };
 
-// What normalisation does not know to be alike. Sorted.
+// Characters that are alike, although normalisation does not know it. Sorted.
 constexpr Likeness kLikenesses[] = {
     {u'\u00AB', u"<<"}, {u'\u00BB', u">>"}, {u'\u00C6', u"AE"}, {u'\u00D0', u"D"},  {u'\u00D7', u"x"},
     {u'\u00D8', u"O"},  {u'\u00DE', u"Th"}, {u'\u00DF', u"ss"}, {u'\u00E6', u"ae"}, {u'\u00F0', u"d"},

@@ -77,7 +77,8 @@ void NSThread::detachNewThreadSelector_toTarget_withObject(SEL selector, id targ
         raiseException(NSInvalidArgumentException,
                        u"detachNewThreadSelector:toTarget:withObject: the %s is null"_ns,
                        target ? "selector" : "target");
-    // The last of the references goes inside the thread's pool, before the thread is seen to end.
+    // The last reference is released inside the thread's pool, before others can see that the thread has
+    // ended.
     auto keptTarget = Retained<Object>::retaining(target);
     auto keptArgument = Retained<Object>::retaining(argument);
     detach([selector, keptTarget, keptArgument]() mutable {
@@ -129,7 +130,7 @@ NSThread* NSThread::currentThread() {
     return ownThread = make<NSThread>().leak();
 }
 
-// The main thread's object stays, so that other threads can ask for it at any time.
+// The main thread's object stays, so that other threads can use it at any time.
 NSThread* NSThread::mainThread() {
     static NSThread* const thread = make<NSThread>().leak();
     return thread;

@@ -61,7 +61,7 @@ PELVOR_DEFINE_CLASS(NSUserDefaults, foundationLibrary) {
 
 namespace {
 
-// The program's settings, made on first demand.
+// The program's settings, which the first use makes.
 struct StandardDefaults {
     std::mutex mutex;
     Retained<NSUserDefaults> defaults;
@@ -76,8 +76,8 @@ void requireKey(NSString* key, NSString* operation) {
     if (!key) raiseException(NSInvalidArgumentException, u"%@ the key is null"_ns, operation);
 }
 
-// Returns a copy that does not change. It must fit into the file: one setting that does not would keep all
-// others from being written.
+// Returns an immutable copy. The copy must fit into the file, since a single setting that does not fit would
+// prevent all others from being written.
 Retained<Object> frozenCopy(id object, NSString* key) {
     id entry = NSDictionary::dictionaryWithObject_forKey(object, key);
     NSPropertyListError* error = nullptr;

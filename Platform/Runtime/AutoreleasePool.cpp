@@ -7,8 +7,8 @@
 namespace pelvor {
 namespace {
 
-// One stack a thread; a pool is the part above the height at which it began. Without a constructor or
-// destructor of its own, so that a push needs no check whether the thread's stack exists.
+// Each thread has one stack, and a pool is the part above the height at which the pool began. The stack has
+// no constructor or destructor, so that a push need not check whether the thread's stack exists.
 struct PoolStack {
     Object** objects = nullptr;
     std::size_t count = 0;

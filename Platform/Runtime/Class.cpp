@@ -19,7 +19,7 @@ constinit thread_local char threadMark = 0;
 
 const CacheEntry Class::kNoEntry{};
 
-// A class record is never made through its class: it has no instances to give.
+// Class records are not made through their class, which has no instances to give.
 constinit Class Class::metaclassRecord(Class::Metaclass{}, "Class", &Class::classRecord,
                                        &NSObject::metaclassRecord);
 constinit Class Class::classRecord("Class", &Class::metaclassRecord, &NSObject::classRecord,
@@ -159,7 +159,7 @@ IMP Class::lookUp(SEL selector) {
     _describes->initializeIfNeeded();
     std::lock_guard guard(Registry::shared().mutex);
     IMP found = findImplementation(selector, this);
-    // While `initialize` runs nothing is cached: other threads must come here and wait for its end.
+    // While `initialize` runs, nothing is cached, so that other threads come here and wait for its end.
     if (_describes->_initialization == Initialization::done) cacheImplementation(selector, found);
     return found;
 }

@@ -92,8 +92,8 @@ bool write(void* place, T value) {
     return true;
 }
 
-// Of a floating-point number the fraction is cut off, and what the integer cannot hold is the nearest
-// that it can.
+// The fraction of a floating-point number is cut off, and a number that the integer type cannot hold becomes
+// the nearest one that it can.
 template <class T>
 bool writeInteger(void* place, const Number& number) {
     if (!number.isFloating) return write(place, static_cast<T>(number.bits));

@@ -17,7 +17,7 @@ bool isText(const ArgumentLayout& layout) { return layout.encoding[0] == '*'; }
 Object*& objectAt(void* place) { return *static_cast<Object**>(place); }
 char*& textAt(void* place) { return *static_cast<char**>(place); }
 
-// Memory of gone invocations, for the thread's next ones.
+// The memory of invocations that have ended, for the thread's next invocations.
 struct SpareMemory {
     static constexpr unsigned kLimit = 8;
 

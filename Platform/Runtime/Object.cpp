@@ -87,7 +87,7 @@ id Object::performSelector(SEL selector) {
 id Object::performSelector_withObject(SEL selector, id object) {
     if (auto function = detail::matchingFunction(_isa, selector, SignatureFor<id, id>::kKey))
         return reinterpret_cast<id (*)(Object*, SEL, id)>(function)(this, selector, object);
-    // What actions, timers and deferred messages mostly are.
+    // The form that most actions, timers and deferred messages have.
     if (auto function = detail::matchingFunction(_isa, selector, SignatureFor<void, id>::kKey)) {
         reinterpret_cast<void (*)(Object*, SEL, id)>(function)(this, selector, object);
         return nullptr;

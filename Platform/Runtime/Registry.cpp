@@ -12,7 +12,7 @@
 namespace pelvor {
 namespace {
 
-// Behind the first two fields of a record that is no library's there may be anything.
+// Behind the first two fields, a record that is not that of a library may contain anything.
 void requireUsable(const Library& library) {
     if (library.canBeUsed()) return;
     if (library.mark != Library::kMark)
@@ -44,7 +44,7 @@ void Registry::registerLibrary(Library& library) {
     }
 }
 
-// The library and what it needs, the latter first.
+// The library and the libraries that it needs; these come first.
 void Registry::collectUnregistered(Library& library, std::vector<Library*>& libraries) {
     requireUsable(library);
     if (library.isRegistered.load(std::memory_order_relaxed)) return;

@@ -6,7 +6,7 @@
 
 namespace pelvor {
 
-/// What all handles on one object share; under the lock of the watches.
+/// What all handles on one object share. Guarded by the lock of the watches.
 struct WeakHandle::Watch {
     Object* object;  ///< null once the object has ended
     std::uint32_t handles;
@@ -43,7 +43,7 @@ WeakHandle::~WeakHandle() {
     if (--_watch->handles > 0) return;
     if (_watch->object) {
         all.byObject.erase(_watch->object);
-        // Before the mark is gone, an object that ends waits for the lock.
+        // An object that ends waits for the lock until its mark is gone.
         _watch->object->_state.fetch_and(~Object::kIsWatched, std::memory_order_release);
     }
     delete _watch;

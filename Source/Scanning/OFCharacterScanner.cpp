@@ -236,10 +236,11 @@ bool OFCharacterScanner::scanUpTo(Find find) {
     return false;
 }
 
-// Whether the text is next, with the place as it was.
+// Whether the text is next. The place does not change.
 bool OFCharacterScanner::matchesHere(std::u16string_view lower, std::u16string_view upper) {
     if (buffered().size() >= lower.size()) {
-        // It takes no mark, but fails where one is too many as it does at the buffer's end.
+        // This operation takes no mark, but fails if there are too many marks, as it does at the end of the
+        // buffer.
         requireRoomForMark();
         for (std::size_t i = 0; i < lower.size(); ++i)
             if (_scanLocation[i] != lower[i] && _scanLocation[i] != upper[i]) return false;
@@ -266,7 +267,7 @@ bool OFCharacterScanner::scanUpToString(NSString* string) {
     return scanUpToText(text, text, [&text](std::u16string_view buffered) {
         std::size_t place = findSequence<unichar>(buffered, text.view());
         if (place != kNoPlace) return place;
-        // It may begin where the buffer ends.
+        // The match may begin at the end of the buffer.
         place = buffered.size() - std::min<std::size_t>(buffered.size(), text.size() - 1);
         return place + findUnit(buffered.substr(place), text[0]);
     });
@@ -430,7 +431,7 @@ NSString* OFCharacterScanner::readCharacterCount(NSUInteger count) {
 
 // MARK: Trie elements
 
-// Consumes the remaining units of the bucket; false at one that is not next.
+// Consumes the remaining units of the bucket. Returns false at the first one that does not come next.
 bool OFCharacterScanner::matchesRemainder(OFTrieBucket* bucket) {
     const unichar *lower = bucket->lowerCharacters(), *upper = bucket->upperCharacters();
     for (; *lower; ++lower, ++upper) {
@@ -441,7 +442,7 @@ bool OFCharacterScanner::matchesRemainder(OFTrieBucket* bucket) {
     return true;
 }
 
-// Returns the bucket; null, and goes back to the mark, where a delimiter should follow and does not.
+// Returns the bucket. If a delimiter should follow and does not, goes back to the mark and returns null.
 OFTrieBucket* OFCharacterScanner::finishElement(Mark& mark, OFTrieBucket* bucket,
                                                 OFCharacterSet* delimiters) {
     bool isFound = bucket;

@@ -89,7 +89,7 @@ void OFTrie::addBucket_forString(OFTrieBucket* bucket, NSString* string) {
         OFTrieNode::Child child = node->childForCharacter(key.lower[place]);
         bool isEnd = key.lower[place] == 0;
         if (child.bucket && !isEnd) return splitBucket(child.bucket, node, place, bucket, key);
-        // A node that somebody has hung under 0 is no place to walk into.
+        // If somebody has added a node under 0, the walk does not go into it.
         if (!child.node || isEnd) return key.insert(node, bucket, place);
         node = child.node;
     }

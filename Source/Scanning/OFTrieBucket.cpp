@@ -42,7 +42,7 @@ void OFTrieBucket::setRemainingLower_upper_length(const unichar* lower, const un
     } else {
         _lower = _upper = emptyCharacters;
     }
-    // Only now: what was copied may lie inside.
+    // The old units are freed only now, since the new ones may have been copied from them.
     if (previous != emptyCharacters) std::free(previous);
 }
 

@@ -24,8 +24,8 @@ PELVOR_DEFINE_CLASS(OFTrieNode, baseLibrary) {
 
 Retained<OFTrieNode> OFTrieNode::init(Class* cls) { return make<OFTrieNode>(cls); }
 
-// Long words make long chains of nodes: the children of nodes that go are released one after the other,
-// not one inside the other.
+// Long words make long chains of nodes. The children of nodes that end are therefore released one after the
+// other, and not one inside the other.
 OFTrieNode::~OFTrieNode() {
     thread_local std::vector<Object*>* pending = nullptr;
     std::vector<Object*> own;

@@ -68,7 +68,7 @@ void BundleLoader::run(std::vector<std::string>& classNames) {
     _contents.code = Code::loaded;
 }
 
-// Reads a file that was at fault again: somebody may have mended the file.
+// A file that was at fault is read again, since somebody may have corrected it.
 void BundleLoader::checkInformation() {
     std::lock_guard guard(_contents.mutex);
     if (!_contents.hasInformation || !_contents.information.fault.empty()) {
@@ -86,7 +86,7 @@ void BundleLoader::checkIdentifier() {
                           identifier->toUTF8() + " is already that of " + other->bundlePath()->toUTF8()};
 }
 
-// Before any of the code runs.
+// Called before any of the code runs.
 void BundleLoader::checkInterface() {
     id version = _bundle->infoDictionary()->objectForKey(PelvorInterfaceVersionKey);
     if (!version)

@@ -52,7 +52,7 @@ Retained<NSInlineArray> NSInlineArray::createJoined(NSArray* first, std::span<Ob
 }
 
 NSInlineArray::~NSInlineArray() {
-    // What a release does may look at the array: it is empty by then.
+    // A release may run code that looks at the array, so the array is empty by then.
     NSUInteger count = std::exchange(_count, 0);
     releaseAll(objects(), count);
 }
@@ -69,7 +69,7 @@ Retained<Object> NSInlineArray::copyWithZone(void*) { return Retained<Object>::r
 PELVOR_DEFINE_CLASS(NSBufferArray, foundationLibrary) {}
 
 NSBufferArray::~NSBufferArray() {
-    // What a release does may look at the array, which is empty by then, and add to it.
+    // A release may run code that looks at the array and adds to it, so the array is empty by then.
     while (NSUInteger leaving = count()) {
         std::vector<Object*> objects = std::exchange(_objects, {});
         releaseAll(objects.data() + std::exchange(_start, 0), leaving);
@@ -81,8 +81,9 @@ id NSBufferArray::objectAtIndex(NSUInteger index) {
     return first()[index];
 }
 
-// Opens `added` places, whose content is open, in the place of `removed` others. Places that come free at the
-// front stay until they are half of all: a queue would be slow if all objects moved up each time.
+// Replaces `removed` places by `added` new places, whose content is undefined. Places that become free at the
+// front stay until they are half of all places, since a queue would be slow if all objects moved up each
+// time.
 void NSBufferArray::replacePlaces(NSUInteger index, NSUInteger removed, NSUInteger added) {
     if (std::uint64_t{count()} - removed + added > UINT32_MAX) raiseTooMany();
     if (index == 0 && added == 0) {

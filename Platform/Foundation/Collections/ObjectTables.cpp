@@ -101,7 +101,7 @@ void EntryTable::set(id object, id key, const char* operation) {
     std::uint32_t before = *_table.mutationCounter();
     auto kept = Retained<Object>::retaining(object);
     Retained<Object> copy = copyOfKey(key, operation);
-    // Copying runs foreign code, which may have put an entry of this key here.
+    // Copying the key runs other code, which may have added an entry for this key.
     if (*_table.mutationCounter() != before) position = _table.find(key, hash);
     if (position != _table.kNone) return replaceObject(position, object);
     _table.add(copy, hash, kept);

@@ -98,7 +98,7 @@ bool DefaultsFile::makeFolder() const {
     }
 }
 
-// Under a name that nothing else has; the tenth damaged file takes the place of the ninth.
+// The new name is one that no other file has; the tenth damaged file takes the place of the ninth.
 bool DefaultsFile::keepDamagedFile() const {
     std::string name = _path + ".damaged";
     for (int i = 2;

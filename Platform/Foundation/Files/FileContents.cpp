@@ -21,7 +21,7 @@
 namespace pelvor {
 namespace {
 
-// Owns a file descriptor; closing in passing leaves `errno` alone.
+// Owns a file descriptor. Closing it in the destructor does not change `errno`.
 class Descriptor {
   public:
     explicit Descriptor(int number = -1) : _number(number) {}
@@ -127,8 +127,9 @@ class TemporaryFile {
   private:
     static constexpr int kMostNames = 1000;
 
-    // False when the file lost its name before the lock, to somebody who took it for one that was left. Some
-    // file systems have no locks; there nothing is taken for left.
+    // False if another process removed the file before it was locked, because that process took the file for
+    // one that was left behind. On a file system without locks, no file is taken for one that was left
+    // behind.
     bool lock(nlink_t names) {
         struct stat status;
         if (::flock(_file, LOCK_EX | LOCK_NB) != 0) return errno != EWOULDBLOCK;
@@ -194,7 +195,8 @@ bool copyAccessList(int file, const std::string& old) {
     return true;
 }
 
-// As far as the user may. A group that the rights were not meant for gets no more than everybody.
+// Sets them as far as the user may. A group for which the rights were not meant gets no more rights than
+// everybody.
 void copyRights(int file, const std::string& old, const struct stat& status) {
     mode_t rights = status.st_mode & 07777;
     bool isGroupKept = true;
@@ -275,7 +277,7 @@ bool readFile(const std::string& path, std::vector<std::byte>& content) {
 bool writeFile(const std::string& path, std::span<const std::byte> content, FileWriting writing) {
     if (!isPath(path)) return false;
     std::string target = path;
-    // What is no regular file has its links followed as far as one to an open file.
+    // For anything but a regular file, links are followed up to a link to an open file.
     bool isRegular = meansRegularFile(target);
     if (writing == FileWriting::direct || !isRegular)
         return writeDirectly(target.starts_with("/proc/") ? target : path, content);

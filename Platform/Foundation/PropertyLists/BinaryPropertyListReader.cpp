@@ -88,7 +88,7 @@ class Reader {
         throw PropertyListFault{std::move(reason), 0, 0, offset};
     }
 
-    // Faults of the builder have no place of their own.
+    // Faults that the builder finds have no position.
     template <class Work>
     static auto placed(std::size_t offset, Work work) {
         try {
@@ -223,7 +223,7 @@ class Reader {
         count(1, 0);
     }
 
-    // Another reference to an object that all of them share.
+    // Another reference to a shared object.
     void reuse(Node& node) {
         std::size_t entry = _frames.empty() ? 0 : _frames.back().references;
         if (_builder.depth() + node.height > _limits.maximumDepth) failDepth(entry);

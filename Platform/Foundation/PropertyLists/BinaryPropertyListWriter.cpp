@@ -198,7 +198,7 @@ class Writer final : public PropertyListVisitor {
         return static_cast<std::uint32_t>(_objects.size());
     }
 
-    // A reference to the leaf that was found, or was not and is now entered.
+    // A reference to the leaf. A leaf that was not found is entered.
     template <class Found>
     void refer(const Found& found, Object* object) {
         auto [place, isNew] = found;

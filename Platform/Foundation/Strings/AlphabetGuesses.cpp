@@ -140,7 +140,7 @@ bool endsWord(UChar32 c) {
     return std::find(std::begin(kFinalForms), std::end(kFinalForms), c) != std::end(kFinalForms);
 }
 
-// What stands beyond ASCII in a text.
+// The characters beyond ASCII in a text.
 struct Tally {
     std::map<UChar32, int> letters;
     int characters = 0;
@@ -177,7 +177,7 @@ struct Tally {
     }
 };
 
-// From 0 to 1.
+// The result is a number from 0 to 1.
 double fitOf(const Tally& tally, const USet* alphabet) {
     int fitting = tally.characters - tally.letterCount - tally.faults;
     for (auto [letter, count] : tally.letters)

@@ -85,7 +85,7 @@ NSComparisonResult numericOrder(Units a, Units b) {
     return orderOf(a.size(), b.size());
 }
 
-// Where both texts may be cut, at or before a place up to which they are the same.
+// A place where both texts may be cut, at or before a place up to which the texts are equal.
 std::size_t cutBefore(Units a, Units b, std::size_t place, const ActiveUnits& active, bool numeric) {
     auto isBound = [&](Units text) {
         if (place == text.size()) return true;
@@ -96,7 +96,8 @@ std::size_t cutBefore(Units a, Units b, std::size_t place, const ActiveUnits& ac
     return place;
 }
 
-// Whether the unit at the place, and what may join it, is the same in the form for comparison, case apart.
+// Whether the unit at the place, and the units that may join it, stay unchanged in the form for comparison,
+// except for case.
 bool isPlainAt(Units text, std::size_t place, const ActiveUnits& active) {
     if (splitsPair(text, place) && active.has(text[place - 1])) return false;
     return !active.has(text[place]) && (place + 1 == text.size() || !active.has(text[place + 1]));

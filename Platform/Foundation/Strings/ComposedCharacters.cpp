@@ -61,7 +61,7 @@ class Surroundings {
     std::size_t _count;
 };
 
-// Its text is set before each use.
+// The text of the iterator is set before each use.
 UBreakIterator* characterIterator() {
     struct Closer {
         void operator()(UBreakIterator* iterator) const { ubrk_close(iterator); }

@@ -133,7 +133,8 @@ class EscapeConverter final : public EncodingConverter {
         for (unsigned divisor = base == 8 ? 64 : 4096; count-- > 0; divisor /= base)
             bytes += "0123456789abcdef"[value / divisor % base];
     }
-    // As its first two bytes say; past the end where it is cut.
+    // The length of the character, which its first two bytes tell; for a character that is cut, the length
+    // reaches beyond the end.
     static std::size_t lengthOfCharacter(Bytes bytes, std::size_t place) {
         if (bytes[place] != '\\') return 1;
         if (place + 1 == bytes.size() || bytes[place + 1] == '\\') return 2;
@@ -235,7 +236,7 @@ class ICUConverter final : public EncodingConverter {
     bool isOpen() const { return _converter != nullptr; }
 
   private:
-    // Leaves the error as it is. ICU's own way to stop passes over characters that are not seen, as if they
+    // Leaves the error as it is. ICU's own callback for stopping passes over invisible characters, as if they
     // had been encoded.
     static void refuse(const void*, UConverterFromUnicodeArgs*, const UChar*, int32_t, UChar32,
                        UConverterCallbackReason, UErrorCode*) {}
@@ -282,7 +283,7 @@ class ICUConverter final : public EncodingConverter {
         const UConverterType type = ucnv_getType(_converter.get());
         return type != UCNV_COMPOUND_TEXT && type != UCNV_ISCII;
     }
-    // ICU's own sets of what converters take are too large for some.
+    // For some converters, ICU's own set of the characters that they can convert is too large.
     bool canEncode(char32_t c) override {
         char16_t units[2];
         auto count = static_cast<int32_t>(writeCodepoint(c, units) - units);

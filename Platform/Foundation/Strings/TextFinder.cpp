@@ -146,7 +146,7 @@ class EquivalentSearch {
         for (std::size_t i = _text.size(); i-- > 0;) {
             std::size_t length = matchLength(i);
             if (length && i + length == _text.size()) return rangeAt(i, length);
-            // No more than this many code points come of one unit.
+            // One unit gives at most this many code points.
             if ((_text.size() - i) > (_needle.size() + 1) * 18) break;
         }
         return kNothing;

@@ -30,7 +30,8 @@ ObserverTable::NameRecord* ObserverTable::ensureRecord(NSString* name) {
     return _records.emplace(key, std::move(record)).first->second.get();
 }
 
-// Literals get a record even if nobody asks for them, so that the next post finds it at once.
+// A literal gets a record even if nothing is registered for it, so that the next post finds the record at
+// once.
 ObserverTable::NameRecord* ObserverTable::recordForPost(NSString* name) {
     if (NameRecord* known = _literals.find(name)) return known;
     if (name->isa() != NSConstantString::classObject()) {
@@ -159,12 +160,13 @@ void ObserverTable::end() {
 
 namespace {
 
-// The implementation of the message for the class of the observer before: mostly that of the next, too.
+// The implementation of the message for the class of the previous observer, which mostly is the class of the
+// next one, too.
 class Implementation {
   public:
     using Function = void (*)(Object*, SEL, Wire<NSNotification*>);
 
-    /// Returns null where the message has to be sent.
+    /// Returns null if the message has to be sent.
     Function find(Class* cls, SEL selector) {
         if (cls == _class && selector == _selector && cls->cached(selector) == _entry) [[likely]]
             return _function;

@@ -29,7 +29,7 @@ constexpr std::size_t kLongestRun = 4000;
 // The count of longer tails, which are not in the cells.
 constexpr std::size_t kTooLong = 0xFFFF;
 
-// No place in the cells.
+// Stands for "no place in the cells".
 constexpr std::size_t kNowhere = ~std::size_t{0};
 // Larger nodes belong to scripts without cases, so they are not searched for links to the same child.
 constexpr std::size_t kMostWithTwins = 128;
@@ -258,7 +258,8 @@ void TrieIndex::addBranch(OFTrieNode* node, OFTrieBucket* element) {
     for (NSUInteger i : branches) _cells.push_back(node->characters()[i]);
     std::size_t links = _cells.size();
     _cells.resize(links + kLinkCells * branches.size());
-    // What is pushed last is placed first: tails directly behind the node, then the nodes in their order.
+    // The record that is pushed last is placed first: tails directly behind the node, and then the nodes in
+    // their order.
     for (bool isTail : {false, true})
         for (std::size_t i = branches.size(); i-- > 0;) {
             Pending next{node->childWithIndex(branches[i]), links + kLinkCells * i, kNowhere};

@@ -25,7 +25,7 @@ constexpr std::uint64_t kHighBits = 0x8080808080808080u;
 
 bool isContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 
-// Where input and output have come to. What is written behind the output is written again.
+// How far input and output have come. Units that were written beyond the end of the output are overwritten.
 struct Cursor {
     const unsigned char* in;
     unichar* out;
