@@ -13,8 +13,8 @@ class NSNotification;
 class NSPathStore2;
 class NSString;
 
-/// How many protected calls run inside each other; shared with whatever handles exceptions. The post-loader
-/// adds one for the time of each call of a hook, however the call ends.
+/// How many protected calls are running inside each other; code that handles exceptions reads this number.
+/// The post-loader adds 1 for the time of each call of a hook, in whatever way the call ends.
 extern PELVOR_EXPORT std::atomic<int> PBExceptionHandlingNestLevel;
 
 /// Calls the load-time hooks of all classes: class operations with agreed names, by which classes set

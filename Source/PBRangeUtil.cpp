@@ -95,7 +95,8 @@ using Ranges = std::vector<NSRange>;
 
 enum class Empties : bool { keep, remove };
 
-// Merges `next` into `current` if the two overlap or touch. Returns false if `next` is an entry of its own.
+// Merges `next`, which does not sort before `current`, into `current` if the two overlap or touch; drops
+// `next` if it is empty and is to be removed. Returns false if `next` is an entry of its own.
 bool merge(NSRange& current, NSRange next, Empties empties) {
     if (next.length == 0 && (empties == Empties::remove || next.location - current.location < current.length))
         return true;

@@ -71,7 +71,7 @@ PELVOR_EXPORT IMP PBReplaceMethodImplementationWithSelectorOnClass(Class* destCl
 
 // The user-interface version of the platform, random numbers, the system's version.
 
-/// Whether windows may vanish in a puff of smoke: whether the host wants it, and the version of the platform
+/// Whether windows may vanish in a puff of smoke: true if the host wants it and the version of the platform
 /// is 743 or later.
 PELVOR_EXPORT bool PBIsRunPoofs();
 /// Sets whether the host wants puffs of smoke. At first it does not.

@@ -65,7 +65,7 @@ class PELVOR_EXPORT NSCharacterSet : public NSObject {
     static NSCharacterSet* characterSetWithCharactersInString(NSString* string, Class* cls = classObject());
     /// Raises NSInvalidArgumentException for a range that reaches beyond U+10FFFF.
     static NSCharacterSet* characterSetWithRange(NSRange range, Class* cls = classObject());
-    /// The set that `bitmapRepresentation` wrote. Where the data ends early, members are missing.
+    /// The set whose bitmap `bitmapRepresentation` returned. If the data ends early, members are missing.
     static NSCharacterSet* characterSetWithBitmapRepresentation(NSData* data, Class* cls = classObject());
 
     static Retained<NSCharacterSet> initWithCharactersInString(NSString* string, Class* cls = classObject());

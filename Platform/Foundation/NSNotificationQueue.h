@@ -33,9 +33,9 @@ enum NSNotificationCoalescing : std::uint32_t {
 ///     auto* news = NSNotification::notificationWithName_object(NeedsDrawingNotification, view);
 ///     NSNotificationQueue::defaultQueue()->enqueueNotification_postingStyle(news, NSPostWhenIdle);
 ///
-/// A notification waits for one of its modes. An exception of an observer leaves the run loop; the
-/// notification is no longer queued then, but the notifications behind it still are. A queue is for the
-/// thread that made it.
+/// A notification is posted only while the run loop runs in one of the modes of the notification. An
+/// exception of an observer leaves the run loop; the notification is no longer queued then, but the
+/// notifications behind it still are. A queue is for the thread that made it.
 class PELVOR_EXPORT NSNotificationQueue : public NSObject {
     PELVOR_CLASS(NSNotificationQueue, NSObject);
     PELVOR_CREATORS(init, initWithNotificationCenter);

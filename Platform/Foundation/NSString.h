@@ -173,8 +173,8 @@ class PELVOR_EXPORT NSString : public NSObject {
 
     NSRange rangeOfString(NSString* target);
     NSRange rangeOfString_options(NSString* target, NSStringCompareOptions options);
-    /// The first range, or backwards the last one, inside the given range where the target stands. An empty
-    /// target stands nowhere.
+    /// The first range inside the given range where the target stands; with NSBackwardsSearch, the last one.
+    /// An empty target is found nowhere.
     ///
     /// Unless the search is literal, canonically equivalent text matches, and a match consists of whole
     /// composed characters (see `rangeOfComposedCharacterSequenceAtIndex`) of the given range: "e" is not
@@ -184,8 +184,8 @@ class PELVOR_EXPORT NSString : public NSObject {
     NSRange rangeOfString_options_range(NSString* target, NSStringCompareOptions options, NSRange range);
     NSRange rangeOfCharacterFromSet(NSCharacterSet* set);
     NSRange rangeOfCharacterFromSet_options(NSCharacterSet* set, NSStringCompareOptions options);
-    /// The first member of the set inside the range, or backwards the last one: one unit, or the two units of
-    /// a pair.
+    /// The first member of the set inside the range; with NSBackwardsSearch, the last one. The result has one
+    /// unit, or the two units of a surrogate pair.
     NSRange rangeOfCharacterFromSet_options_range(NSCharacterSet* set, NSStringCompareOptions options,
                                                   NSRange range);
     /// What the user sees as one character around the index: Unicode's extended grapheme cluster.
@@ -218,14 +218,14 @@ class PELVOR_EXPORT NSString : public NSObject {
 
     /// "b.txt" of "/a/b.txt".
     NSString* lastPathComponent();
-    /// What stands behind the last full stop of the last component: "txt" of "/a/b.txt". Empty if there is no
-    /// full stop, or if the name's only full stop is its first character.
+    /// The text behind the last full stop of the last component: "txt" of "/a/b.txt". Empty if the component
+    /// has no full stop, or only one as its first character.
     NSString* pathExtension();
     NSString* stringByAppendingPathComponent(NSString* component);
     NSString* stringByAppendingPathExtension(NSString* extension);
     NSString* stringByDeletingLastPathComponent();
     NSString* stringByDeletingPathExtension();
-    /// The components in their order. A slash at the front, and a slash at the end, are components "/".
+    /// The components in their order. A slash at the front and a slash at the end each make a component "/".
     NSArray* pathComponents();
     static NSString* pathWithComponents(NSArray* components);
     /// Whether the path begins with "/" or "~".

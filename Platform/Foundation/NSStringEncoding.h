@@ -77,8 +77,8 @@ PELVOR_EXPORT NSStringEncoding encodingForName(std::string_view name);
 /// Whether characters that the encoding lacks may be replaced by something like them.
 enum class EncodingLoss { refused, allowed };
 
-/// The bytes as UTF-16, without the mark that tells the byte order of NSUnicodeStringEncoding and
-/// NSUTF32StringEncoding. No value if the bytes are not valid in the encoding or the encoding is unknown. Any
+/// The bytes as UTF-16. For NSUnicodeStringEncoding and NSUTF32StringEncoding, the mark that tells the byte
+/// order is left out. No value if the bytes are not valid in the encoding, or the encoding is unknown. Any
 /// thread.
 PELVOR_EXPORT std::optional<std::u16string> decodeBytes(std::string_view bytes, NSStringEncoding encoding);
 
@@ -96,8 +96,8 @@ PELVOR_EXPORT std::optional<std::string> encodeUnits(std::u16string_view units, 
 ///         if (!decoder.decode(bytes, text)) return false;
 ///     return decoder.finish(text);
 ///
-/// The text is that which `decodeBytes` returns for all pieces together. One decoder reads one text, on one
-/// thread.
+/// The result is the text that `decodeBytes` returns for all pieces together. A decoder reads one text, on
+/// one thread.
 class PELVOR_EXPORT TextDecoder {
   public:
     /// With an encoding that is unknown, every piece is refused.

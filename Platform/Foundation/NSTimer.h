@@ -40,13 +40,14 @@ class PELVOR_EXPORT NSTimer : public NSObject {
                     initWithFireDate_interval_target_selector_userInfo_repeats);
 
   public:
-    /// Returns a timer, borrowed, that first fires in `seconds` seconds, once it was added to a run loop. A
-    /// repeating timer fires at this interval, but at most every tenth of a millisecond. All creators raise
-    /// NSInvalidArgumentException if target or selector is null or the time is not a number.
+    /// Returns a timer, borrowed, that first fires `seconds` seconds from now. It has to be added to a run
+    /// loop. A repeating timer fires again at this interval, but at most every tenth of a millisecond. All
+    /// creators raise NSInvalidArgumentException if target or selector is null or the time is not a number.
     static NSTimer* timerWithTimeInterval_target_selector_userInfo_repeats(NSTimeInterval seconds, id target,
                                                                            SEL selector, id userInfo,
                                                                            bool repeats);
-    /// Returns such a timer after adding it to the current run loop in the default mode.
+    /// Makes a timer as `timerWithTimeInterval…` does, and adds it to the current run loop in the default
+    /// mode.
     static NSTimer* scheduledTimerWithTimeInterval_target_selector_userInfo_repeats(NSTimeInterval seconds,
                                                                                     id target, SEL selector,
                                                                                     id userInfo,

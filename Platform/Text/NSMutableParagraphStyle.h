@@ -26,14 +26,16 @@ class PELVOR_EXPORT NSMutableParagraphStyle : public NSParagraphStyle {
     void setParagraphSpacing(float spacing) { _values.paragraphSpacing = spacing; }
     void setParagraphSpacingBefore(float spacing) { _values.paragraphSpacingBefore = spacing; }
     void setHyphenationFactor(float factor) { _values.hyphenationFactor = factor; }
-    /// The tabs in the order given; null stands for none. Raises NSInvalidArgumentException if an object of
-    /// the array is no NSTextTab.
+    /// Sets the tabs, in the order of the array; null stands for an empty array. Raises
+    /// NSInvalidArgumentException if an object of the array is no NSTextTab.
     void setTabStops(NSArray* tabStops);
-    /// Puts the tab behind those at its location or before it. Raises NSInvalidArgumentException for null.
+    /// Inserts the tab behind all tabs whose locations are not greater. Raises NSInvalidArgumentException if
+    /// the tab is null.
     void addTabStop(NSTextTab* tab);
-    /// Takes out the tabs that are equal to this one.
+    /// Removes the tabs that are equal to `tab`.
     void removeTabStop(NSTextTab* tab);
-    /// Takes over all properties. Raises NSInvalidArgumentException for null.
+    /// Takes over all properties of the other style. Raises NSInvalidArgumentException if the other style is
+    /// null.
     void setParagraphStyle(NSParagraphStyle* style);
 
   protected:

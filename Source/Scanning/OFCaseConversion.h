@@ -9,7 +9,7 @@
 
 namespace pelvor {
 
-/// Storage that lower-casing uses again and again:
+/// Storage that several lower-casing operations use one after the other:
 ///
 ///     OFCaseConversionBuffer buffer;
 ///     OFCaseConversionBufferInit(&buffer);

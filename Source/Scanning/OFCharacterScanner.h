@@ -80,7 +80,7 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
     /// rewind mark; a move out of the buffer follows the rules of `setScanLocation`.
     void skipCharacters(NSInteger count);
     /// Remembers the scan location. There can be eight marks; each of them is ended by one of the two
-    /// operations that follow. Raises for a ninth.
+    /// operations that follow. A ninth mark raises.
     void setRewindMark() {
         normalize();
         requireRoomForMark();
@@ -152,15 +152,15 @@ class PELVOR_EXPORT OFCharacterScanner : public NSObject {
     NSString* readFullTokenWithDelimiterOFCharacterSet_forceLowercase(OFCharacterSet* delimiters,
                                                                       bool forceLowercase);
     NSString* readFullTokenWithDelimiters_forceLowercase(NSCharacterSet* delimiters, bool forceLowercase);
-    /// The longest run of members of the set that comes next; null if a unit that is no member comes next.
+    /// The longest run of members of the set that comes next; null if the next unit is no member.
     NSString* readFullTokenOfSet(NSCharacterSet* set);
     /// The text before the next occurrence of the string, or before the end of the data; it may be empty.
     NSString* readFullTokenUpToString(NSString* string);
-    /// The text before the next CR, LF or CR LF, which is consumed. Null for an empty line, and also at the
-    /// end of the data: `peekCharacter` tells the two apart beforehand.
+    /// The text before the next CR, LF or CR LF; this line end is consumed. Null for an empty line, and also
+    /// at the end of the data; `peekCharacter` tells the two apart before the call.
     NSString* readLine();
-    /// The next `count` units. If there are fewer, the result is null and the scanner is at the end of the
-    /// data.
+    /// The next `count` units. If fewer units are left, the result is null, and the scanner is at the end of
+    /// the data.
     NSString* readCharacterCount(NSUInteger count);
 
     // Trie elements: the buckets of the words of a trie. The result is null if no word of the trie comes
