@@ -6,6 +6,13 @@
 
 namespace pelvor {
 
+// Fonts and drawing
+class NSColor;            ///< a colour with its opacity
+class NSFont;             ///< a typeface at a size
+class NSFontDescriptor;   ///< what a font is asked for by
+class NSFontManager;      ///< which fonts there are, and the sisters of a font
+class NSGraphicsContext;  ///< what is drawn on, an image or the pages of a document
+
 // Paragraphs
 class NSMutableParagraphStyle;  ///< a paragraph style that can be changed
 class NSParagraphStyle;         ///< how the lines of a paragraph are set

@@ -2,6 +2,11 @@
 #include "Text/TextLibrary.h"
 
 #include "Foundation/FoundationLibrary.h"
+#include "Text/NSColor.h"
+#include "Text/NSFont.h"
+#include "Text/NSFontDescriptor.h"
+#include "Text/NSFontManager.h"
+#include "Text/NSGraphicsContext.h"
 #include "Text/NSMutableParagraphStyle.h"
 #include "Text/NSTextTab.h"
 
@@ -10,11 +15,19 @@ namespace {
 
 constexpr Library* kDependencies[] = {&foundationLibrary};
 
+// Alphabetical.
+// clang-format off
 constexpr Class* kClasses[] = {
+    &NSColor::classRecord,
+    &NSFont::classRecord,
+    &NSFontDescriptor::classRecord,
+    &NSFontManager::classRecord,
+    &NSGraphicsContext::classRecord,
     &NSMutableParagraphStyle::classRecord,
     &NSParagraphStyle::classRecord,
     &NSTextTab::classRecord,
 };
+// clang-format on
 
 }  // namespace
 

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Text/Drawing/Canvas.h"
+
+#include <cairo-pdf.h>
+#include <cairo.h>
+
+#include <utility>
+
+namespace pelvor {
+namespace {
+
+cairo_status_t appendBytes(void* bytes, const unsigned char* data, unsigned length) {
+    try {
+        static_cast<std::string*>(bytes)->append(reinterpret_cast<const char*>(data), length);
+        return CAIRO_STATUS_SUCCESS;
+    } catch (const std::bad_alloc&) {
+        return CAIRO_STATUS_NO_MEMORY;
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<Canvas> Canvas::image(int width, int height, float scale) {
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
+    cairo_surface_set_device_scale(surface, static_cast<double>(scale), static_cast<double>(scale));
+    std::unique_ptr<Canvas> canvas(new Canvas(surface, false));
+    canvas->_page = cairo_create(surface);
+    canvas->_pageCount = 1;
+    return canvas;
+}
+
+std::unique_ptr<Canvas> Canvas::pdf(const std::string& title) {
+    std::unique_ptr<Canvas> canvas(new Canvas(nullptr, true));
+    canvas->_surface = cairo_pdf_surface_create_for_stream(&appendBytes, &canvas->_bytes, 1, 1);
+    if (!title.empty())
+        cairo_pdf_surface_set_metadata(canvas->_surface, CAIRO_PDF_METADATA_TITLE, title.c_str());
+    return canvas;
+}
+
+Canvas::~Canvas() {
+    if (_page) cairo_destroy(_page);
+    cairo_surface_destroy(_surface);
+}
+
+void Canvas::noteFailure(int status) {
+    if (status != CAIRO_STATUS_SUCCESS && _failure.empty())
+        _failure = cairo_status_to_string(static_cast<cairo_status_t>(status));
+}
+
+void Canvas::endPage() {
+    cairo_t* page = std::exchange(_page, nullptr);
+    if (!page) return;
+    if (_isPDF) cairo_show_page(page);
+    noteFailure(cairo_status(page));
+    cairo_destroy(page);
+}
+
+void Canvas::beginPage(double width, double height) {
+    if (!_isPDF || _isFinished) return;
+    endPage();
+    cairo_pdf_surface_set_size(_surface, width, height);
+    _page = cairo_create(_surface);
+    ++_pageCount;
+    _savedStates = 0;
+}
+
+void Canvas::save() {
+    if (!_page) return;
+    cairo_save(_page);
+    ++_savedStates;
+}
+
+void Canvas::restore() {
+    if (!_page || !_savedStates) return;
+    cairo_restore(_page);
+    --_savedStates;
+}
+
+const std::string& Canvas::finish() {
+    if (std::exchange(_isFinished, true)) return _failure;
+    endPage();
+    if (!_isPDF) noteFailure(cairo_surface_write_to_png_stream(_surface, &appendBytes, &_bytes));
+    cairo_surface_finish(_surface);
+    noteFailure(cairo_surface_status(_surface));
+    return _failure;
+}
+
+}  // namespace pelvor

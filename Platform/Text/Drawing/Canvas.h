@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+// Canvas: the Cairo surface that a graphics context draws on.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "Foundation/NSGeometry.h"
+
+struct _cairo;
+struct _cairo_surface;
+
+namespace pelvor {
+
+/// A Cairo surface, the page that is being drawn, and the bytes that become of it. One thread at a time.
+class Canvas {
+  public:
+    static std::unique_ptr<Canvas> image(int width, int height, float scale);
+    static std::unique_ptr<Canvas> pdf(const std::string& title);
+    ~Canvas();
+
+    bool isPDF() const { return _isPDF; }
+    /// What is drawn with; null outside all pages, after the end, and after a failure.
+    _cairo* page() const { return _page; }
+    unsigned pageCount() const { return _pageCount; }
+    void beginPage(double width, double height);
+
+    void save();
+    void restore();
+
+    /// Ends the drawing. Returns what went wrong, "" if nothing did; the bytes are then complete.
+    const std::string& finish();
+    const std::string& bytes() const { return _bytes; }
+
+  private:
+    Canvas(_cairo_surface* surface, bool isPDF) : _surface(surface), _isPDF(isPDF) {}
+    void endPage();
+    void noteFailure(int status);
+
+    _cairo_surface* _surface;
+    _cairo* _page = nullptr;
+    bool _isPDF;
+    bool _isFinished = false;
+    unsigned _pageCount = 0;
+    unsigned _savedStates = 0;  // on this page
+    std::string _failure;
+    std::string _bytes;
+};
+
+}  // namespace pelvor

@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Text/Fonts/FontVariant.h"
+
+#include <algorithm>
+
+#include "Foundation/NSString.h"
+#include "Text/Fonts/FontCatalogue.h"
+#include "Text/NSFontManager.h"
+
+namespace pelvor {
+namespace {
+
+struct Known {
+    std::mutex mutex;
+    std::unordered_multimap<const FontFace*, std::weak_ptr<FontVariant>> variants;
+
+    static Known& shared() {
+        static Known* known = new Known;  // outlives the fonts that end with the process
+        return *known;
+    }
+};
+
+bool areEqual(NSArray* a, NSArray* b) { return a == b || (a && b && a->isEqualToArray(b)); }
+
+constexpr unsigned kUnchangeableTraits = NSCondensedFontMask | NSExpandedFontMask | NSFixedPitchFontMask;
+
+constexpr struct {
+    std::string_view mark;
+    MadeUpTraits traits;
+} kMarks[] = {{"+Bold", {true, false}}, {"+Oblique", {false, true}}, {"+BoldOblique", {true, true}}};
+
+}  // namespace
+
+std::shared_ptr<FontVariant> FontVariant::of(const std::shared_ptr<FontFace>& face, NSArray* featureSettings,
+                                             MadeUpTraits madeUp) {
+    if (featureSettings && !featureSettings->count()) featureSettings = nullptr;
+    Known& known = Known::shared();
+    std::lock_guard lock(known.mutex);
+    auto [place, end] = known.variants.equal_range(face.get());
+    while (place != end) {
+        std::shared_ptr<FontVariant> variant = place->second.lock();
+        if (!variant)
+            place = known.variants.erase(place);
+        else if (variant->_madeUp == madeUp && areEqual(variant->_featureSettings, featureSettings))
+            return variant;
+        else
+            ++place;
+    }
+    std::shared_ptr<FontVariant> variant(new FontVariant);
+    variant->_face = face;
+    variant->_madeUp = madeUp;
+    if (featureSettings) variant->_featureSettings = featureSettings->copy();
+    variant->_features = featuresOfSettings(featureSettings);
+    known.variants.emplace(face.get(), variant);
+    return variant;
+}
+
+std::shared_ptr<FontVariant> FontVariant::named(std::string_view name, NSArray* featureSettings) {
+    for (const FontEntry* entry : FontCatalogue::shared().named(name))
+        if (auto face = FontCatalogue::shared().face(*entry)) return of(face, featureSettings);
+    for (auto [mark, traits] : kMarks) {
+        if (!name.ends_with(mark)) continue;
+        auto real = named(name.substr(0, name.size() - mark.size()), featureSettings);
+        if (real) return of(real->_face, featureSettings, traits);
+    }
+    return nullptr;
+}
+
+namespace {
+
+// How far a face is from the wanted traits and weight.
+int distance(const FontEntry& entry, unsigned traits, int weight) {
+    const unsigned wrong = entry.traits ^ traits;
+    return std::abs(entry.weight - weight) + (wrong & NSBoldFontMask ? 50 : 0) +
+           (wrong & NSItalicFontMask ? 100 : 0) + (wrong & kUnchangeableTraits ? 200 : 0);
+}
+
+}  // namespace
+
+std::shared_ptr<FontVariant> FontVariant::ofFamily(std::string_view family, unsigned traits, int weight,
+                                                   NSArray* featureSettings) {
+    auto members = FontCatalogue::shared().ofFamily(family);
+    std::stable_sort(members.begin(), members.end(), [&](const FontEntry* a, const FontEntry* b) {
+        return distance(*a, traits, weight) < distance(*b, traits, weight);
+    });
+    for (const FontEntry* entry : members) {
+        const unsigned lacking = traits & ~entry->traits, unwanted = entry->traits & ~traits;
+        if (unwanted || lacking & kUnchangeableTraits) continue;
+        if (auto face = FontCatalogue::shared().face(*entry))
+            return of(face, featureSettings,
+                      {(lacking & NSBoldFontMask) != 0, (lacking & NSItalicFontMask) != 0});
+    }
+    return nullptr;
+}
+
+std::shared_ptr<FontVariant> FontVariant::ofFamily(std::string_view family, NSString* style,
+                                                   NSArray* featureSettings) {
+    auto members = FontCatalogue::shared().ofFamily(family);
+    const std::string wanted = style ? style->lowercaseString()->toUTF8() : "";
+    auto rank = [&](const FontEntry* entry) {
+        const bool isNamed = style && NSString::ofUTF8(entry->style)->lowercaseString()->toUTF8() == wanted;
+        return isNamed ? -1 : distance(*entry, entry->traits & NSFixedPitchFontMask, 5);
+    };
+    std::stable_sort(members.begin(), members.end(),
+                     [&](const FontEntry* a, const FontEntry* b) { return rank(a) < rank(b); });
+    for (const FontEntry* entry : members)
+        if (auto face = FontCatalogue::shared().face(*entry)) return of(face, featureSettings);
+    return nullptr;
+}
+
+std::string FontVariant::name() const {
+    std::string name = _face->entry().postScriptName;
+    for (auto [mark, traits] : kMarks)
+        if (traits == _madeUp) name += mark;
+    return name;
+}
+
+unsigned FontVariant::traits() const {
+    return _face->entry().traits | (_madeUp.isBold ? NSBoldFontMask : 0) |
+           (_madeUp.isOblique ? NSItalicFontMask : 0);
+}
+
+int FontVariant::weight() const { return std::max(_face->entry().weight, _madeUp.isBold ? 9 : 0); }
+
+// MARK: Substitutes
+
+const std::vector<const FontEntry*>& FontVariant::substitutes() {
+    std::lock_guard lock(_mutex);
+    if (!std::exchange(_hasSubstitutes, true))
+        _substitutes = FontCatalogue::shared().substitutes(_face->entry());
+    return _substitutes;
+}
+
+std::shared_ptr<FontVariant> FontVariant::inFace(const std::shared_ptr<FontFace>& face) const {
+    const FontEntry& entry = face->entry();
+    auto lacks = [&](unsigned trait) { return !entry.isColoured && traits() & ~entry.traits & trait; };
+    return of(face, _featureSettings, {lacks(NSBoldFontMask), lacks(NSItalicFontMask)});
+}
+
+// Remembered for single characters, which nearly all clusters are.
+std::shared_ptr<FontVariant> FontVariant::substituteFor(std::u32string_view characters) {
+    if (characters.size() != 1) return findSubstitute(characters);
+    {
+        std::lock_guard lock(_mutex);
+        if (auto known = _substituteOf.find(characters[0]); known != _substituteOf.end())
+            return known->second;
+    }
+    auto variant = findSubstitute(characters);
+    std::lock_guard lock(_mutex);
+    return _substituteOf.emplace(characters[0], variant).first->second;
+}
+
+std::shared_ptr<FontVariant> FontVariant::findSubstitute(std::u32string_view characters) {
+    for (const FontEntry* entry : substitutes()) {
+        if (!entry->hasCharacters(characters)) continue;
+        if (auto face = FontCatalogue::shared().face(*entry)) return inFace(face);
+    }
+    return nullptr;
+}
+
+}  // namespace pelvor
