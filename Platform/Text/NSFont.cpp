@@ -111,8 +111,8 @@ float sizeOr(float size, float otherwise) {
 }
 
 NSFont* genericFont(const char* family, float size) {
-    return NSFont::fontWithVariant_size(
-        FontVariant::of(FontCatalogue::shared().bestFace(family), nullptr), size);
+    return NSFont::fontWithVariant_size(FontVariant::of(FontCatalogue::shared().bestFace(family), nullptr),
+                                        size);
 }
 
 }  // namespace
@@ -146,7 +146,8 @@ NSFont* NSFont::fontWithDescriptor_size(NSFontDescriptor* descriptor, float size
     NSString* name = text(NSFontNameAttribute);
     NSString* family = text(NSFontFamilyAttribute);
     std::shared_ptr<FontVariant> variant = name ? FontVariant::named(name->toUTF8(), settings) : nullptr;
-    if (!variant && family) variant = FontVariant::ofFamily(family->toUTF8(), text(NSFontFaceAttribute), settings);
+    if (!variant && family)
+        variant = FontVariant::ofFamily(family->toUTF8(), text(NSFontFaceAttribute), settings);
     return variant ? fontWithVariant_size(variant, sizeOr(size, descriptor->pointSize())) : nullptr;
 }
 
@@ -174,7 +175,7 @@ float NSFont::smallSystemFontSize() { return kSmallSize; }
 float NSFont::labelFontSize() { return kLabelSize; }
 
 float NSFont::systemFontSizeForControlSize(NSControlSize controlSize) {
-    return controlSize == NSSmallControlSize ? kSmallSize
+    return controlSize == NSSmallControlSize  ? kSmallSize
            : controlSize == NSMiniControlSize ? kMiniSize
                                               : kSystemSize;
 }
@@ -256,8 +257,7 @@ NSSize NSFont::advancementForGlyph(NSGlyph glyph) {
 
 NSRect NSFont::boundingRectForGlyph(NSGlyph glyph) {
     hb_glyph_extents_t ink{};
-    if (glyph >= numberOfGlyphs() ||
-        !hb_font_get_glyph_extents(_variant->face().shaper(), glyph, &ink))
+    if (glyph >= numberOfGlyphs() || !hb_font_get_glyph_extents(_variant->face().shaper(), glyph, &ink))
         return {};
     // The height of the ink counts downwards from its upper edge.
     return {{points(ink.x_bearing), points(static_cast<double>(ink.y_bearing) + ink.height)},
@@ -271,7 +271,8 @@ Retained<Object> NSFont::copyWithZone(void*) { return Retained<Object>::retainin
 void NSFont::encodeWithCoder(NSCoder* coder) {
     coder->encodeObject_forKey(fontName(), u"NSName"_ns);
     coder->encodeFloat_forKey(_size, u"NSSize"_ns);
-    if (_variant->featureSettings()) coder->encodeObject_forKey(_variant->featureSettings(), u"NSFeatures"_ns);
+    if (_variant->featureSettings())
+        coder->encodeObject_forKey(_variant->featureSettings(), u"NSFeatures"_ns);
 }
 
 Retained<NSFont> NSFont::initWithCoder(NSCoder* coder) {

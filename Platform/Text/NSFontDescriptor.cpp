@@ -19,16 +19,16 @@ constinit NSString* const NSFontFeatureTypeIdentifierKey = u"CTFeatureTypeIdenti
 constinit NSString* const NSFontFeatureSelectorIdentifierKey = u"CTFeatureSelectorIdentifier"_ns;
 
 PELVOR_DEFINE_CLASS(NSFontDescriptor, textLibrary) {
-    methods.creator<"fontDescriptorWithFontAttributes:",
-                    &NSFontDescriptor::fontDescriptorWithFontAttributes>();
+    methods
+        .creator<"fontDescriptorWithFontAttributes:", &NSFontDescriptor::fontDescriptorWithFontAttributes>();
     methods.creator<"fontDescriptorWithName:size:", &NSFontDescriptor::fontDescriptorWithName_size>();
     methods.creator<"initWithFontAttributes:", &NSFontDescriptor::initWithFontAttributes>();
     methods.creator<"initWithCoder:", &NSFontDescriptor::initWithCoder>();
     methods.instance<"fontAttributes", &NSFontDescriptor::fontAttributes>();
     methods.instance<"objectForKey:", &NSFontDescriptor::objectForKey>();
     methods.instance<"pointSize", &NSFontDescriptor::pointSize>();
-    methods.instance<"fontDescriptorByAddingAttributes:",
-                     &NSFontDescriptor::fontDescriptorByAddingAttributes>();
+    methods
+        .instance<"fontDescriptorByAddingAttributes:", &NSFontDescriptor::fontDescriptorByAddingAttributes>();
     methods.instance<"fontDescriptorWithSize:", &NSFontDescriptor::fontDescriptorWithSize>();
     methods.instance<"fontDescriptorWithFamily:", &NSFontDescriptor::fontDescriptorWithFamily>();
     methods.instance<"fontDescriptorWithFace:", &NSFontDescriptor::fontDescriptorWithFace>();
@@ -44,7 +44,8 @@ NSFontDescriptor* NSFontDescriptor::fontDescriptorWithFontAttributes(NSDictionar
 NSFontDescriptor* NSFontDescriptor::fontDescriptorWithName_size(NSString* name, float size, Class* cls) {
     requireArgument(name, "fontDescriptorWithName:size:", "name");
     return fontDescriptorWithFontAttributes(
-        NSDictionary::of({{NSFontNameAttribute, name}, {NSFontSizeAttribute, NSNumber::numberWithFloat(size)}}),
+        NSDictionary::of(
+            {{NSFontNameAttribute, name}, {NSFontSizeAttribute, NSNumber::numberWithFloat(size)}}),
         cls);
 }
 

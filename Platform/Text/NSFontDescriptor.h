@@ -20,14 +20,16 @@ extern PELVOR_EXPORT NSString* const NSFontSizeAttribute;    ///< NSNumber: poin
 /// NSArray of NSDictionary with the two keys below: typographic features that are on or off. The types and
 /// selectors that fonts here understand are listed in FontFeatures.cpp; others are kept and do nothing.
 extern PELVOR_EXPORT NSString* const NSFontFeatureSettingsAttribute;
-extern PELVOR_EXPORT NSString* const NSFontFeatureTypeIdentifierKey;      ///< NSNumber: the type of feature
-extern PELVOR_EXPORT NSString* const NSFontFeatureSelectorIdentifierKey;  ///< NSNumber: the choice of that type
+extern PELVOR_EXPORT NSString* const NSFontFeatureTypeIdentifierKey;  ///< NSNumber: the type of feature
+extern PELVOR_EXPORT NSString* const
+    NSFontFeatureSelectorIdentifierKey;  ///< NSNumber: the choice of that type
 
 /// A dictionary of attributes that a font is asked for by. Immutable, any thread. Operations return borrowed
 /// descriptors.
 ///
 ///     NSFontDescriptor* wanted = NSFontDescriptor::fontDescriptorWithFontAttributes(
-///         NSDictionary::of({{NSFontFamilyAttribute, u"DejaVu Sans"_ns}, {NSFontFaceAttribute, u"Bold"_ns}}));
+///         NSDictionary::of({{NSFontFamilyAttribute, u"DejaVu Sans"_ns}, {NSFontFaceAttribute,
+///         u"Bold"_ns}}));
 ///     NSFont* font = NSFont::fontWithDescriptor_size(wanted, 12);
 class PELVOR_EXPORT NSFontDescriptor : public NSObject {
     PELVOR_CLASS(NSFontDescriptor, NSObject);

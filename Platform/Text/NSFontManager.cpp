@@ -21,8 +21,8 @@ PELVOR_DEFINE_CLASS(NSFontManager, textLibrary) {
     methods.instance<"convertFont:toSize:", &NSFontManager::convertFont_toSize>();
     methods.instance<"convertFont:toFamily:", &NSFontManager::convertFont_toFamily>();
     methods.instance<"convertWeight:ofFont:", &NSFontManager::convertWeight_ofFont>();
-    methods.instance<"fontWithFamily:traits:weight:size:",
-                     &NSFontManager::fontWithFamily_traits_weight_size>();
+    methods
+        .instance<"fontWithFamily:traits:weight:size:", &NSFontManager::fontWithFamily_traits_weight_size>();
     methods.instance<"availableFonts", &NSFontManager::availableFonts>();
     methods.instance<"availableFontFamilies", &NSFontManager::availableFontFamilies>();
     methods.instance<"availableMembersOfFontFamily:", &NSFontManager::availableMembersOfFontFamily>();
@@ -39,8 +39,8 @@ constexpr int kRegularWeight = 5, kBoldWeight = 9;
 constexpr unsigned kOpposites[][2] = {{NSBoldFontMask, NSUnboldFontMask},
                                       {NSItalicFontMask, NSUnitalicFontMask},
                                       {NSCondensedFontMask, NSExpandedFontMask}};
-constexpr unsigned kFaceTraits = NSItalicFontMask | NSBoldFontMask | NSCondensedFontMask |
-                                 NSExpandedFontMask | NSFixedPitchFontMask;
+constexpr unsigned kFaceTraits =
+    NSItalicFontMask | NSBoldFontMask | NSCondensedFontMask | NSExpandedFontMask | NSFixedPitchFontMask;
 
 std::string_view familyOf(FontVariant& variant) { return variant.face().entry().family; }
 
@@ -141,10 +141,9 @@ NSArray* NSFontManager::availableMembersOfFontFamily(NSString* family) {
     if (entries.empty()) return nullptr;
     auto* members = NSMutableArray::arrayWithCapacity(static_cast<NSUInteger>(entries.size()));
     for (const FontEntry* entry : entries)
-        members->addObject(NSArray::of({NSString::ofUTF8(entry->postScriptName),
-                                        NSString::ofUTF8(entry->style),
-                                        NSNumber::numberWithInt(entry->weight),
-                                        NSNumber::numberWithUnsignedInt(entry->traits)}));
+        members->addObject(NSArray::of(
+            {NSString::ofUTF8(entry->postScriptName), NSString::ofUTF8(entry->style),
+             NSNumber::numberWithInt(entry->weight), NSNumber::numberWithUnsignedInt(entry->traits)}));
     return members;
 }
 
@@ -152,8 +151,8 @@ bool NSFontManager::fontNamed_hasTraits(NSString* name, unsigned traits) {
     NSFont* font = NSFont::fontWithName_size(name, 0);
     if (!font) return false;
     const unsigned own = traitsOfFont(font);
-    for (auto [without, mark] : {std::pair{NSBoldFontMask, NSUnboldFontMask},
-                                 std::pair{NSItalicFontMask, NSUnitalicFontMask}})
+    for (auto [without, mark] :
+         {std::pair{NSBoldFontMask, NSUnboldFontMask}, std::pair{NSItalicFontMask, NSUnitalicFontMask}})
         if (traits & mark && own & without) return false;
     return !(traits & kFaceTraits & ~own);
 }

@@ -60,9 +60,10 @@ std::vector<cairo_glyph_t> glyphsOf(const GlyphRun& run, NSPoint origin) {
     glyphs.reserve(run.glyphs.size());
     std::int64_t pen = 0;
     for (const PlacedGlyph& glyph : run.glyphs) {
-        glyphs.push_back({glyph.glyph,
-                          static_cast<double>(origin.x) + static_cast<double>(pen + glyph.xOffset) / kUnitsPerPoint,
-                          static_cast<double>(origin.y) - glyph.yOffset / kUnitsPerPoint});
+        glyphs.push_back(
+            {glyph.glyph,
+             static_cast<double>(origin.x) + static_cast<double>(pen + glyph.xOffset) / kUnitsPerPoint,
+             static_cast<double>(origin.y) - glyph.yOffset / kUnitsPerPoint});
         pen += glyph.advance;
     }
     return glyphs;
@@ -81,7 +82,10 @@ struct TextClusters {
             std::size_t next = i + 1;
             while (next < count && unit(next) == unit(i)) ++next;
             const NSUInteger end = next < count ? unit(next) : NSMaxRange(run.range);
-            if (unit(i) < begin || end <= begin) return clear();
+            if (unit(i) < begin || end <= begin) {
+                clear();
+                return;
+            }
             const std::string bytes = utf8FromUnitsMending({run.text + begin, end - begin});
             clusters.push_back({static_cast<int>(bytes.size()), static_cast<int>(next - i)});
             text += bytes;
@@ -107,7 +111,8 @@ void showGlyphs(cairo_t* page, const GlyphRun& run, const std::vector<cairo_glyp
     if (run.text) {
         const TextClusters kept(run);
         if (!kept.clusters.empty()) {
-            const auto flags = run.isRightToLeft ? CAIRO_TEXT_CLUSTER_FLAG_BACKWARD : cairo_text_cluster_flags_t{};
+            const auto flags =
+                run.isRightToLeft ? CAIRO_TEXT_CLUSTER_FLAG_BACKWARD : cairo_text_cluster_flags_t{};
             return cairo_show_text_glyphs(page, kept.text.data(), static_cast<int>(kept.text.size()),
                                           glyphs.data(), count, kept.clusters.data(),
                                           static_cast<int>(kept.clusters.size()), flags);
@@ -118,7 +123,7 @@ void showGlyphs(cairo_t* page, const GlyphRun& run, const std::vector<cairo_glyp
 
 void drawBoxes(cairo_t* page, const GlyphRun& run, NSPoint origin) {
     const NSRect box = run.font->boundingRectForGlyph(0).size.width > 0 ? run.font->boundingRectForGlyph(0)
-                                                                       : run.font->boundingRectForFont();
+                                                                        : run.font->boundingRectForFont();
     cairo_new_path(page);
     for (const cairo_glyph_t& glyph : glyphsOf(run, origin))
         cairo_rectangle(page, glyph.x + static_cast<double>(box.origin.x),

@@ -104,8 +104,7 @@ std::string drawPicture(cairo_t* page, Bytes picture, bool isPDF) {
     if (header.width > kLongestEdge || header.height > kLongestEdge ||
         std::uint64_t{header.width} * header.height > kMostPixels)
         return "the picture is too large";
-    const Surface surface =
-        header.kind == PictureKind::png ? decodePNG(picture) : wrapJPEG(picture, header);
+    const Surface surface = header.kind == PictureKind::png ? decodePNG(picture) : wrapJPEG(picture, header);
     if (!surface) return "there is not enough memory";
     if (cairo_status_t status = cairo_surface_status(surface.get()))
         return std::string("the picture is broken: ") + cairo_status_to_string(status);

@@ -43,9 +43,9 @@ bool flagOf(FcPattern* pattern, const char* object) {
 int weightOf(FcPattern* pattern) {
     constexpr struct {
         int least, weight;
-    } kWeights[] = {{FC_WEIGHT_EXTRABLACK, 12}, {FC_WEIGHT_BLACK, 11}, {FC_WEIGHT_EXTRABOLD, 10},
+    } kWeights[] = {{FC_WEIGHT_EXTRABLACK, 12}, {FC_WEIGHT_BLACK, 11},   {FC_WEIGHT_EXTRABOLD, 10},
                     {FC_WEIGHT_BOLD, 9},        {FC_WEIGHT_DEMIBOLD, 8}, {FC_WEIGHT_MEDIUM, 6},
-                    {FC_WEIGHT_BOOK, 5},        {FC_WEIGHT_LIGHT, 4},  {FC_WEIGHT_EXTRALIGHT, 3}};
+                    {FC_WEIGHT_BOOK, 5},        {FC_WEIGHT_LIGHT, 4},    {FC_WEIGHT_EXTRALIGHT, 3}};
     const int given = numberOf(pattern, FC_WEIGHT, FC_WEIGHT_REGULAR);
     for (auto [least, weight] : kWeights)
         if (given >= least) return weight;

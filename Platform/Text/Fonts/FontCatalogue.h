@@ -26,9 +26,9 @@ struct FontEntry {
     std::string fullName;
     std::string style = {};  ///< "Bold Oblique"
     std::string file = {};
-    unsigned index = 0;       ///< the face in its file, and above bit 16 the named instance of a variable font
-    int weight = 5;           ///< 0 to 15, 5 is regular and 9 bold
-    unsigned traits = 0;      ///< NSFontTraitMask
+    unsigned index = 0;   ///< the face in its file, and above bit 16 the named instance of a variable font
+    int weight = 5;       ///< 0 to 15, 5 is regular and 9 bold
+    unsigned traits = 0;  ///< NSFontTraitMask
     bool isColoured = false;
     const _FcCharSet* characters = nullptr;
     _FcPattern* pattern = nullptr;

@@ -30,7 +30,7 @@ struct Outlines {
         if (!library && FT_Init_FreeType(&library)) return nullptr;
         const auto* start = reinterpret_cast<const FT_Byte*>(bytes);
         return FT_New_Memory_Face(library, start, static_cast<FT_Long>(length), index, &face) ? nullptr
-                                                                                             : face;
+                                                                                              : face;
     }
     void close(FT_Face face) {
         std::lock_guard lock(mutex);

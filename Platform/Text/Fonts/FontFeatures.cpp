@@ -12,8 +12,8 @@
 namespace pelvor {
 namespace {
 
-// What a type and a selector of the font feature registry switch. A type that offers one choice of several has
-// selector 0 for none of them; the others have pairs of selectors, on and off.
+// What a type and a selector of the font feature registry switch. A type that offers one choice of several
+// has selector 0 for none of them; the others have pairs of selectors, on and off.
 struct Setting {
     int type, selector;
     const char (&feature)[5];

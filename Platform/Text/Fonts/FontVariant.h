@@ -28,12 +28,13 @@ class FontVariant {
     /// The variant that a font's name tells: the first usable face of that name, or of the name before
     /// "+Bold", "+Oblique" or "+BoldOblique". Null if there is none.
     static std::shared_ptr<FontVariant> named(std::string_view name, NSArray* featureSettings);
-    /// The face of the family that has these traits and the nearest weight. A bold or an oblique face that the
-    /// family lacks is made up. Null if there is no such family, or if no face of it has the other traits.
+    /// The face of the family that has these traits and the nearest weight. A bold or an oblique face that
+    /// the family lacks is made up. Null if there is no such family, or if no face of it has the other
+    /// traits.
     static std::shared_ptr<FontVariant> ofFamily(std::string_view family, unsigned traits, int weight,
                                                  NSArray* featureSettings);
-    /// The variant for a descriptor without a font's name: the face of that style, "Bold Oblique", or else the
-    /// upright one nearest to regular.
+    /// The variant for a descriptor without a font's name: the face of that style, "Bold Oblique", or else
+    /// the upright one nearest to regular.
     static std::shared_ptr<FontVariant> ofFamily(std::string_view family, NSString* style,
                                                  NSArray* featureSettings);
     FontVariant(const FontVariant&) = delete;
@@ -55,9 +56,10 @@ class FontVariant {
     /// The variant of the same settings and traits in another face.
     std::shared_ptr<FontVariant> inFace(const std::shared_ptr<FontFace>& face) const;
 
-    /// A place for what drawing makes of the variant.
+    /// Places for what drawing and measuring make of the variant.
     std::shared_ptr<void> drawingFace;
     std::once_flag drawingFaceMade;
+    std::shared_ptr<void> measurer;
 
   private:
     FontVariant() = default;

@@ -87,7 +87,8 @@ void shape(const ShapingRun& run, std::vector<PlacedGlyph>& glyphs) {
     const PointScale scale(run.font->variant(), run.font->pointSize());
     glyphs.reserve(shaped.glyphs.size());
     for (std::size_t begin = 0, end = 0; begin < shaped.glyphs.size(); begin = end) {
-        while (end < shaped.glyphs.size() && shaped.glyphs[end].cluster == shaped.glyphs[begin].cluster) ++end;
+        while (end < shaped.glyphs.size() && shaped.glyphs[end].cluster == shaped.glyphs[begin].cluster)
+            ++end;
         place(shaped, begin, end, scale, glyphs);
     }
 }
