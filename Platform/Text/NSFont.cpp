@@ -33,7 +33,7 @@ PELVOR_DEFINE_CLASS(NSFont, textLibrary) {
     methods.classLevel<"smallSystemFontSize", &NSFont::smallSystemFontSize>();
     methods.classLevel<"labelFontSize", &NSFont::labelFontSize>();
     methods.classLevel<"systemFontSizeForControlSize:", &NSFont::systemFontSizeForControlSize>();
-    methods.creator<"initWithCoder:", &NSFont::initWithCoder>();
+    methods.classLevel<"initWithCoder:", &NSFont::initWithCoder>();
     methods.instance<"fontName", &NSFont::fontName>();
     methods.instance<"familyName", &NSFont::familyName>();
     methods.instance<"displayName", &NSFont::displayName>();

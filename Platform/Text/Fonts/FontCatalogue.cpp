@@ -53,7 +53,8 @@ int weightOf(FcPattern* pattern) {
 }
 
 unsigned traitsOf(FcPattern* pattern, int weight) {
-    unsigned traits = weight >= 8 ? NSBoldFontMask : 0;
+    unsigned traits = 0;
+    if (weight >= 8) traits |= NSBoldFontMask;
     if (numberOf(pattern, FC_SLANT, FC_SLANT_ROMAN) != FC_SLANT_ROMAN) traits |= NSItalicFontMask;
     const int width = numberOf(pattern, FC_WIDTH, FC_WIDTH_NORMAL);
     if (width < FC_WIDTH_NORMAL) traits |= NSCondensedFontMask;

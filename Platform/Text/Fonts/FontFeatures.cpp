@@ -7,6 +7,7 @@
 #include "Foundation/NSArray.h"
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSNumber.h"
+#include "Foundation/NSString.h"
 #include "Text/NSFontDescriptor.h"
 
 namespace pelvor {

@@ -116,8 +116,10 @@ std::string FontVariant::name() const {
 }
 
 unsigned FontVariant::traits() const {
-    return _face->entry().traits | (_madeUp.isBold ? NSBoldFontMask : 0) |
-           (_madeUp.isOblique ? NSItalicFontMask : 0);
+    unsigned traits = _face->entry().traits;
+    if (_madeUp.isBold) traits |= NSBoldFontMask;
+    if (_madeUp.isOblique) traits |= NSItalicFontMask;
+    return traits;
 }
 
 int FontVariant::weight() const { return std::max(_face->entry().weight, _madeUp.isBold ? 9 : 0); }

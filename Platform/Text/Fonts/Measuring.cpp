@@ -1,28 +1,245 @@
 // SPDX-License-Identifier: Apache-2.0
+// Measuring takes the first of three roads that is exact: letters by a table of pairs; words between blanks,
+// shaped once and remembered; the whole run by the shaper.
 #include <hb.h>
 
 #include <algorithm>
 #include <cassert>
+#include <mutex>
+#include <optional>
 
+#include "Text/Fonts/ContextualGlyphs.h"
 #include "Text/Fonts/FontVariant.h"
+#include "Text/Fonts/PairTable.h"
 #include "Text/Fonts/Shaper.h"
+#include "Text/Fonts/WordCache.h"
 #include "Text/NSFont.h"
 
 namespace pelvor {
+namespace {
+
+constexpr char16_t kBlank = ' ';
+
+// The first road that is tried for a script.
+enum class Road { pairs, words, wholeRun };
+
+Road roadFor(ScriptTag script) {
+    switch (script) {
+        case scriptTag("Latn"):
+        case scriptTag("Grek"):
+        case scriptTag("Cyrl"):
+        case scriptTag("Armn"):
+        case scriptTag("Geor"):
+        case scriptTag("Zyyy"): return Road::pairs;
+        case scriptTag("Arab"):
+        case scriptTag("Hebr"):
+        case scriptTag("Syrc"):
+        case scriptTag("Ethi"):
+        case scriptTag("Deva"):
+        case scriptTag("Beng"):
+        case scriptTag("Guru"):
+        case scriptTag("Gujr"):
+        case scriptTag("Orya"):
+        case scriptTag("Taml"):
+        case scriptTag("Telu"):
+        case scriptTag("Knda"):
+        case scriptTag("Mlym"):
+        case scriptTag("Sinh"): return Road::words;
+        default: return Road::wholeRun;  // most of the other scripts have no blanks between words
+    }
+}
+
+// The sums of each cluster's advances, in units of the font.
+void measureWhole(const FontVariant& variant, const ShapingRun& run, std::int32_t* advances) {
+    std::fill_n(advances, run.length, 0);
+    const ShapedText shaped = shapeInFontUnits(variant, run);
+    for (std::size_t i = 0; i < shaped.glyphs.size(); ++i) {
+        std::int32_t& sum = advances[shaped.glyphs[i].cluster - run.start];
+        sum = addAdvance(sum, shaped.places[i].x_advance);
+    }
+}
+
+// What measures the text of one font, script, language and direction. One thread at a time.
+class Measurer {
+  public:
+    explicit Measurer(const ShapingRun& run);
+    bool isFor(const ShapingRun& run) const;
+
+    /// Writes the advance of each cluster, in units of the font, at its first unit.
+    void measure(const ShapingRun& run, std::int32_t* advances);
+
+  private:
+    // Measured texts are compared with the shaper's result this often, in debug builds always.
+    static constexpr unsigned kChecks = 64;
+
+    bool measureWords(const ShapingRun& run, std::int32_t* advances);
+    bool measureWord(std::u16string_view word, bool isBeforeBlank, std::int32_t* advances);
+    bool shapeWord(std::u16string_view word, bool isBeforeBlank, std::int32_t* advances);
+    bool isExact(const ShapingRun& run, const std::int32_t* advances);
+    ShapingRun runOf(std::u16string_view text) const;
+    std::vector<PlainGlyph> shapePlainly(std::u16string_view text) const;
+
+    const FontVariant& _variant;  // whose measurer this is
+    ShapingRun _style;            // without text and font
+    hb_language_t _language;
+    std::uint32_t _number;
+    Road _road;
+    unsigned _checked = 0;
+    std::int32_t _blank = 0;  // the advance of a blank alone
+    std::optional<ContextualGlyphs> _contextual;
+    std::optional<PairTable> _pairs;
+};
+
+// All that measuring shares.
+struct Shared {
+    std::mutex mutex;
+    WordCache words;
+    std::uint32_t measurerCount = 0;
+
+    static Shared& instance() {
+        static Shared* shared = new Shared;
+        return *shared;
+    }
+};
+
+hb_language_t languageOf(const ShapingRun& run) {
+    return run.language ? hb_language_from_string(run.language, -1) : nullptr;
+}
+
+Measurer::Measurer(const ShapingRun& run)
+    : _variant(run.font->variant()),
+      _style(run),
+      _language(languageOf(run)),
+      _number(Shared::instance().measurerCount++),
+      _road(roadFor(run.script)) {
+    _style.language = _language ? hb_language_to_string(_language) : nullptr;
+    _style.font = nullptr;
+    if (_road == Road::wholeRun) return;
+    hb_shape_plan_t* plan = makeShapePlan(_variant, run);
+    _contextual.emplace(hb_font_get_face(_variant.face().shaper()), plan);
+    hb_shape_plan_destroy(plan);
+    const auto blank = shapePlainly({&kBlank, 1});
+    // A rule with the blank in it may reach across it to the next word.
+    if (blank.size() != 1 || _contextual->areUnknown() || _contextual->has(blank[0].glyph)) {
+        _road = Road::wholeRun;
+        return;
+    }
+    _blank = blank[0].advance;
+    if (_road == Road::pairs && !run.isRightToLeft)
+        _pairs.emplace([this](std::u16string_view text) { return shapePlainly(text); },
+                       [this](std::uint32_t glyph) { return _contextual->has(glyph); });
+}
+
+bool Measurer::isFor(const ShapingRun& run) const {
+    return run.script == _style.script && languageOf(run) == _language &&
+           run.isRightToLeft == _style.isRightToLeft && run.ligatures == _style.ligatures;
+}
+
+ShapingRun Measurer::runOf(std::u16string_view text) const {
+    ShapingRun run = _style;
+    run.text = text.data();
+    run.textLength = run.length = static_cast<NSUInteger>(text.size());
+    run.start = 0;
+    return run;
+}
+
+std::vector<PlainGlyph> Measurer::shapePlainly(std::u16string_view text) const {
+    const ShapedText shaped = shapeInFontUnits(_variant, runOf(text));
+    std::vector<PlainGlyph> glyphs;
+    if (shaped.glyphs.size() != text.size()) return {};
+    for (std::size_t i = 0; i < shaped.glyphs.size(); ++i) {
+        const hb_glyph_position_t& place = shaped.places[i];
+        if (shaped.glyphs[i].cluster != i || place.x_offset || place.y_offset || place.y_advance) return {};
+        glyphs.push_back({shaped.glyphs[i].codepoint, place.x_advance});
+    }
+    return glyphs;
+}
+
+void Measurer::measure(const ShapingRun& run, std::int32_t* advances) {
+    if (_road != Road::wholeRun && measureWords(run, advances) && isExact(run, advances)) return;
+    measureWhole(_variant, run, advances);
+}
+
+bool Measurer::isExact(const ShapingRun& run, const std::int32_t* advances) {
+#ifdef NDEBUG
+    if (_checked == kChecks) return true;
+#endif
+    _checked = std::min(_checked + 1, kChecks);
+    std::vector<std::int32_t> whole(run.length);
+    measureWhole(_variant, run, whole.data());
+    if (std::equal(whole.begin(), whole.end(), advances)) return true;
+    _road = Road::wholeRun;  // from now on
+    return false;
+}
+
+// False if words cannot be measured by themselves here.
+bool Measurer::measureWords(const ShapingRun& run, std::int32_t* advances) {
+    const std::size_t start = run.start, end = start + run.length;
+    const std::u16string_view text(run.text, end);
+    // Letters at both ends may join with what stands beside the run.
+    auto joins = [&](std::size_t place) { return run.text[place] > kBlank; };
+    if (!_pairs && ((start > 0 && joins(start - 1)) || (end < run.textLength && joins(end)))) return false;
+    for (std::size_t word = start; word <= end;) {
+        const std::size_t blank = std::min(text.find(kBlank, word), end);
+        const std::size_t first = word > start ? word - 1 : word;  // the blank before it
+        if (!measureWord(text.substr(first, blank - first), blank < end, advances + (first - start)))
+            return false;
+        word = blank + 1;
+    }
+    return true;
+}
+
+bool Measurer::measureWord(std::u16string_view word, bool isBeforeBlank, std::int32_t* advances) {
+    if (_pairs) {
+        const PairTable::Result result = _pairs->measure(word, isBeforeBlank, advances);
+        if (result == PairTable::Result::measured) return true;
+        if (result == PairTable::Result::dependsOnNeighbours) return false;
+    }
+    return shapeWord(word, isBeforeBlank, advances);
+}
+
+// The word is shaped between its blanks, since its letters may kern with them.
+bool Measurer::shapeWord(std::u16string_view word, bool isBeforeBlank, std::int32_t* advances) {
+    constexpr std::size_t kLongest = 64;  // of a word that is worth remembering
+    const bool isAfterBlank = word.starts_with(kBlank);
+    const WordCache::Key key{_number, isAfterBlank, isBeforeBlank, word.substr(isAfterBlank)};
+    WordCache& cache = Shared::instance().words;
+    if (auto known = cache.find(key)) {
+        std::copy(known->begin(), known->end(), advances);
+        return true;
+    }
+    std::u16string text(word);
+    if (isBeforeBlank) text += kBlank;
+    std::vector<std::int32_t> all(text.size());
+    measureWhole(_variant, runOf(text), all.data());
+    if (isBeforeBlank && all.back() != _blank) return false;
+    all.resize(word.size());
+    std::copy(all.begin(), all.end(), advances);
+    if (word.size() <= kLongest) cache.add(key, all);
+    return true;
+}
+
+Measurer& measurerFor(const ShapingRun& run) {
+    using Measurers = std::vector<std::unique_ptr<Measurer>>;
+    FontVariant& variant = run.font->variant();
+    if (!variant.measurer) variant.measurer = std::make_shared<Measurers>();
+    auto& measurers = *static_cast<Measurers*>(variant.measurer.get());
+    for (const auto& measurer : measurers)
+        if (measurer->isFor(run)) return *measurer;
+    return *measurers.emplace_back(std::make_unique<Measurer>(run));
+}
+
+}  // namespace
 
 void measureAdvances(const ShapingRun& run, std::span<std::int32_t> advances) {
     assert(advances.size() == run.length);
-    std::fill(advances.begin(), advances.end(), 0);
     if (!run.length) return;
-    const ShapedText shaped = shapeInFontUnits(run);
-    const PointScale scale(run.font->variant(), run.font->pointSize());
-    for (std::size_t begin = 0, end = 0; begin < shaped.glyphs.size(); begin = end) {
-        std::int64_t units = 0;
-        const std::uint32_t unit = shaped.glyphs[begin].cluster;
-        for (; end < shaped.glyphs.size() && shaped.glyphs[end].cluster == unit; ++end)
-            units += shaped.places[end].x_advance;
-        advances[unit - run.start] = scale(units);
+    {
+        std::lock_guard lock(Shared::instance().mutex);
+        measurerFor(run).measure(run, advances.data());
     }
+    const PointScale scale(run.font->variant(), run.font->pointSize());
+    for (std::int32_t& advance : advances) advance = scale(advance);
 }
 
 }  // namespace pelvor

@@ -5,7 +5,6 @@
 #include <unicode/uscript.h>
 
 #include <cmath>
-#include <limits>
 #include <memory>
 
 #include "Text/Fonts/FontVariant.h"
@@ -23,24 +22,31 @@ hb_buffer_t* bufferOfThread() {
     return buffer.get();
 }
 
-std::vector<hb_feature_t> featuresOf(const ShapingRun& run) {
+std::vector<hb_feature_t> featuresOf(const FontVariant& variant, const ShapingRun& run) {
     std::vector<hb_feature_t> features;
     auto add = [&](const std::vector<FontFeature>& list) {
         for (FontFeature feature : list)
             features.push_back({feature.tag, feature.value, HB_FEATURE_GLOBAL_START, HB_FEATURE_GLOBAL_END});
     };
     add(featuresOfLigatureLevel(run.ligatures));
-    add(run.font->variant().features());  // what comes later counts
+    add(variant.features());  // what comes later counts
     return features;
+}
+
+hb_segment_properties_t propertiesOf(const ShapingRun& run) {
+    hb_segment_properties_t properties = HB_SEGMENT_PROPERTIES_DEFAULT;
+    properties.direction = run.isRightToLeft ? HB_DIRECTION_RTL : HB_DIRECTION_LTR;
+    properties.script = static_cast<hb_script_t>(run.script);
+    properties.language = run.language ? hb_language_from_string(run.language, -1) : nullptr;
+    return properties;
 }
 
 // The glyphs of one cluster, rounded together.
 void place(const ShapedText& shaped, std::size_t begin, std::size_t end, const PointScale& scale,
            std::vector<PlacedGlyph>& glyphs) {
-    std::int64_t units = 0;
-    std::int32_t before = 0;
+    std::int32_t units = 0, before = 0;
     for (std::size_t i = begin; i < end; ++i) {
-        units += shaped.places[i].x_advance;
+        units = addAdvance(units, shaped.places[i].x_advance);
         const std::int32_t after = scale(units);
         glyphs.push_back({shaped.glyphs[i].codepoint, shaped.glyphs[i].cluster, after - before,
                           scale(shaped.places[i].x_offset), scale(shaped.places[i].y_offset)});
@@ -56,34 +62,37 @@ ScriptTag scriptTagOfCode(int script) {
 }
 
 PointScale::PointScale(const FontVariant& variant, float size)
-    : _factor(64.0 * static_cast<double>(size) / variant.face().measures().unitsPerEm) {}
+    : _factor(std::llround(64.0 * static_cast<double>(size) / variant.face().measures().unitsPerEm *
+                           (1 << kFraction))) {}
 
-std::int32_t PointScale::operator()(std::int64_t units) const {
-    constexpr double kLimit = std::numeric_limits<std::int32_t>::max() / 2;
-    const double points = std::floor(static_cast<double>(units) * _factor + 0.5);
-    return static_cast<std::int32_t>(std::clamp(points, -kLimit, kLimit));
-}
-
-ShapedText shapeInFontUnits(const ShapingRun& run) {
+ShapedText shapeInFontUnits(const FontVariant& variant, const ShapingRun& run) {
     hb_buffer_t* buffer = bufferOfThread();
     hb_buffer_clear_contents(buffer);
-    hb_buffer_set_direction(buffer, run.isRightToLeft ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
-    hb_buffer_set_script(buffer, static_cast<hb_script_t>(run.script));
-    hb_buffer_set_language(buffer, run.language ? hb_language_from_string(run.language, -1) : nullptr);
+    const hb_segment_properties_t properties = propertiesOf(run);
+    hb_buffer_set_segment_properties(buffer, &properties);
     hb_buffer_add_utf16(buffer, reinterpret_cast<const std::uint16_t*>(run.text),
                         static_cast<int>(run.textLength), run.start, static_cast<int>(run.length));
-    const std::vector<hb_feature_t> features = featuresOf(run);
-    hb_shape(run.font->variant().face().shaper(), buffer, features.data(),
-             static_cast<unsigned>(features.size()));
+    const std::vector<hb_feature_t> features = featuresOf(variant, run);
+    hb_shape(variant.face().shaper(), buffer, features.data(), static_cast<unsigned>(features.size()));
     unsigned count = 0;
     const hb_glyph_info_t* glyphs = hb_buffer_get_glyph_infos(buffer, &count);
     return {{glyphs, count}, {hb_buffer_get_glyph_positions(buffer, nullptr), count}};
 }
 
+hb_shape_plan_t* makeShapePlan(const FontVariant& variant, const ShapingRun& run) {
+    hb_font_t* shaper = variant.face().shaper();
+    const hb_segment_properties_t properties = propertiesOf(run);
+    const std::vector<hb_feature_t> features = featuresOf(variant, run);
+    unsigned axes = 0;
+    const int* places = hb_font_get_var_coords_normalized(shaper, &axes);
+    return hb_shape_plan_create2(hb_font_get_face(shaper), &properties, features.data(),
+                                 static_cast<unsigned>(features.size()), places, axes, nullptr);
+}
+
 void shape(const ShapingRun& run, std::vector<PlacedGlyph>& glyphs) {
     glyphs.clear();
     if (!run.length) return;
-    const ShapedText shaped = shapeInFontUnits(run);
+    const ShapedText shaped = shapeInFontUnits(run.font->variant(), run);
     const PointScale scale(run.font->variant(), run.font->pointSize());
     glyphs.reserve(shaped.glyphs.size());
     for (std::size_t begin = 0, end = 0; begin < shaped.glyphs.size(); begin = end) {

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+// ContextualGlyphs: the glyphs whose form or place depends on more than the glyph beside them.
+#pragma once
+
+#include <cstdint>
+
+struct hb_face_t;
+struct hb_set_t;
+struct hb_shape_plan_t;
+
+namespace pelvor {
+
+/// The glyphs that take part in ligatures of letters and in contextual rules when a face is shaped by a plan.
+class ContextualGlyphs {
+  public:
+    ContextualGlyphs(hb_face_t* face, hb_shape_plan_t* plan);
+    ContextualGlyphs(const ContextualGlyphs&) = delete;
+    ~ContextualGlyphs();
+
+    bool has(std::uint32_t glyph) const;
+    /// Whether the face has rules whose glyphs cannot be listed.
+    bool areUnknown() const { return _areUnknown; }
+
+  private:
+    hb_set_t* _glyphs;
+    bool _areUnknown = false;
+};
+
+}  // namespace pelvor
