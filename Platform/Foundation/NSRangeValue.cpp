@@ -4,10 +4,15 @@
 #include "Foundation/Collections/ConcreteArrays.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Shared/ArgumentChecks.h"
+#include "Shared/RowMemory.h"
 
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(NSRangeValue, foundationLibrary) {}
+
+void* NSRangeValue::operator new(std::size_t) { return RowMemory<NSRangeValue>::allocate(); }
+
+void NSRangeValue::operator delete(void* value) noexcept { RowMemory<NSRangeValue>::free(value); }
 
 void NSRangeValue::getValue(void* buffer) {
     if (!buffer) raiseNullArgument("getValue:", "the buffer");

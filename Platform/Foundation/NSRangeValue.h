@@ -10,8 +10,8 @@ namespace pelvor {
 
 class NSMutableArray;
 
-/// The value that NSValue's creators return for a range. Code that knows the class reads the range without a
-/// virtual call. Any thread.
+/// The value that NSValue's creators return for a range. Lists hold many ranges, so that these values stand in
+/// rows of memory, and code that knows the class reads the range without a virtual call. Any thread.
 class PELVOR_EXPORT NSRangeValue final : public NSValue {
     PELVOR_CLASS(NSRangeValue, NSValue);
 
@@ -23,6 +23,8 @@ class PELVOR_EXPORT NSRangeValue final : public NSValue {
     static Retained<NSMutableArray> createArray(std::span<const NSRange> ranges);
     NSRange range() const { return _range; }
     std::span<const std::byte> span() PELVOR_LIFETIMEBOUND { return std::as_bytes(std::span(&_range, 1)); }
+    static void* operator new(std::size_t size);
+    static void operator delete(void* value) noexcept;
 
     const char* objCType() override { return typeEncoding<NSRange>.text; }
     void getValue(void* buffer) override;

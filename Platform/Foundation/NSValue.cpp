@@ -106,9 +106,8 @@ NSValue* NSValue::valueWithNonretainedObject(id object) { return of(object); }
 
 // MARK: Reading
 
-void NSValue::requireType(const char* type, const char* operation) {
-    const char* own = objCType();
-    if (!isSameType(own, type))
+void NSValue::requireSameText(const char* own, const char* type, const char* operation) {
+    if (std::strcmp(own, type) != 0)
         raiseBadArgument(operation, "the value holds " + detail::describeType(own) + ", not " +
                                         detail::describeType(type));
 }

@@ -91,11 +91,12 @@ class PELVOR_EXPORT NSValue : public NSObject {
 
   private:
     static Retained<NSValue> withTypedBytes(const void* bytes, std::size_t size, const char* immortalType);
-    void requireType(const char* type, const char* operation);
+    static void requireSameText(const char* own, const char* type, const char* operation);
     template <class T>
     T read(const char* operation) {
         T value{};
-        requireType(typeEncoding<T>.text, operation);
+        const char* own = objCType();
+        if (own != typeEncoding<T>.text) requireSameText(own, typeEncoding<T>.text, operation);
         getValue(&value);
         return value;
     }

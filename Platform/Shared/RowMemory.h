@@ -46,9 +46,9 @@ class RowMemory {
 
   private:
     struct Block {
-        static constexpr std::size_t kAlignment = 16384;  // by which an address tells its block
+        static constexpr std::size_t kAlignment = 16384;  // so that an object's address tells its block
         static constexpr std::size_t kSize =
-            kAlignment - 16;  // blocks and what the heap notes fit one another
+            kAlignment - 16;  // leaves room for what the heap notes of a block
         static constexpr std::size_t kStart = sizeof(std::uint64_t);
         static constexpr std::uint32_t kCount = (kSize - kStart) / kPlace;
 
@@ -60,18 +60,17 @@ class RowMemory {
             if (left.fetch_sub(count, std::memory_order_acq_rel) == count) std::free(this);
         }
 
-        std::atomic<std::uint32_t> left;  // objects that have not gone, those still to be made among them
+        std::atomic<std::uint32_t> left;  // objects that are not freed yet, and places not used yet
     };
     static_assert(sizeof(Block) <= Block::kStart && kPlace % alignof(T) == 0);
 
-    // A thread's block, and how many objects of a block have gone on the thread since the block was last
-    // told.
+    // A thread's block, and how many objects of a block the thread has freed without having told the block.
     struct Thread {
         std::byte* next = nullptr;
         std::byte* end = nullptr;
         Block* leaving = nullptr;
         std::uint32_t gone = 0;
-        bool isOver = false;  // the thread is ending: blocks are told at once
+        bool isOver = false;  // the thread is ending: each freed object is told at once
 
         [[gnu::noinline]] void open() {
             void* memory = nullptr;

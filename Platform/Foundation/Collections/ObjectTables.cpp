@@ -67,16 +67,21 @@ Retained<Object> copyOf(id key) {
     return send<Retained<Object>>(key, "copyWithZone:"_sel, static_cast<void*>(nullptr));
 }
 
-Retained<Object> copyOfKey(id key, const char* operation) {
-    std::string reason = "its copy is null";
-    try {
-        if (Retained<Object> copy = copyOf(key)) return copy;
-    } catch (const NSException& exception) {
-        if (exception.name() != NSInvalidArgumentException) throw;
-        reason = exception.reason();
-    }
+[[noreturn]] void raiseNoCopy(id key, const char* operation, const std::string& reason) {
     raiseBadArgument(operation, std::string("a key of class ") + key->isa()->publicName() +
                                     " cannot be copied: " + reason);
+}
+
+Retained<Object> copyOfKey(id key, const char* operation) {
+    try {
+        Retained<Object> copy = copyOf(key);
+        if (copy) [[likely]]
+            return copy;
+    } catch (const NSException& exception) {
+        if (exception.name() != NSInvalidArgumentException) throw;
+        raiseNoCopy(key, operation, exception.reason());
+    }
+    raiseNoCopy(key, operation, "its copy is null");
 }
 
 }  // namespace
