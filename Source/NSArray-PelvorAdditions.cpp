@@ -50,11 +50,19 @@ constinit const Category NSArray_PelvorAdditions_category =
 constinit const Category NSMutableArray_PelvorAdditions_category =
     Category::of<NSMutableArray, defineMutableAdditions>("PelvorAdditions");
 
-id firstObject(NSArray* array) { return array->count() ? array->objectAtIndex(0) : nullptr; }
+id firstObject(NSArray* array) {
+    requireArgument(array, "firstObject", "the array");
+    return array->count() ? array->objectAtIndex(0) : nullptr;
+}
 
 // MARK: Sorted arrays
 
 namespace {
+
+void requireSorted(NSArray* array, NSCompareFunction compare, const char* operation) {
+    requireArgument(array, operation, "the array");
+    if (!compare) raiseNullArgument(operation, "the function");
+}
 
 // Reads single elements of an array that a comparison may change in between.
 class ElementReader {
@@ -83,6 +91,7 @@ class ElementReader {
 
 bool _isSortedInRange_withCompareFunction_context(NSArray* array, NSRange range, NSCompareFunction compare,
                                                   void* context) {
+    requireSorted(array, compare, "_isSortedInRange:withCompareFunction:context:");
     ElementReader elements(array);
     elements[range.location];
     std::uint64_t end = std::uint64_t{range.location} + range.length;
@@ -96,6 +105,7 @@ bool _isSortedInRange_withCompareFunction_context(NSArray* array, NSRange range,
 NSUInteger _indexOfObject_withCompareFunction_context_nextIndex(NSArray* array, id object,
                                                                 NSCompareFunction compare, void* context,
                                                                 NSUInteger* nextIndex) {
+    requireSorted(array, compare, "_indexOfObject:withCompareFunction:context:nextIndex:");
     ElementReader elements(array);
     auto order = [&](NSUInteger index) { return compare(object, elements[index], context); };
     NSUInteger low = 0, end = array->count();
@@ -117,11 +127,13 @@ NSUInteger _indexOfObject_withCompareFunction_context_nextIndex(NSArray* array, 
 
 NSUInteger indexOfObject_withCompareFunction_context(NSArray* array, id object, NSCompareFunction compare,
                                                      void* context) {
+    requireSorted(array, compare, "indexOfObject:withCompareFunction:context:");
     return _indexOfObject_withCompareFunction_context_nextIndex(array, object, compare, context, nullptr);
 }
 
 NSUInteger nearestIndexOfObject_withCompareFunction_context(NSArray* array, id object,
                                                             NSCompareFunction compare, void* context) {
+    requireSorted(array, compare, "nearestIndexOfObject:withCompareFunction:context:");
     NSUInteger next = 0;
     NSUInteger index =
         _indexOfObject_withCompareFunction_context_nextIndex(array, object, compare, context, &next);
@@ -132,10 +144,12 @@ NSUInteger nearestIndexOfObject_withCompareFunction_context(NSArray* array, id o
 // MARK: Messages to all elements
 
 NSArray* arrayByMakingObjectsPerformSelector(NSArray* array, SEL selector) {
+    requireArgument(array, "arrayByMakingObjectsPerformSelector:", "the array");
     return resultsOf(array, [&](id element) { return element->performSelector(selector); });
 }
 
 NSArray* arrayByMakingObjectsPerformSelector_withObject(NSArray* array, SEL selector, id argument) {
+    requireArgument(array, "arrayByMakingObjectsPerformSelector:withObject:", "the array");
     return resultsOf(array,
                      [&](id element) { return element->performSelector_withObject(selector, argument); });
 }
@@ -153,6 +167,7 @@ Retained<NSMutableArray> NSMutableArray_PelvorAdditions::initWithSingleObject_co
 
 NSUInteger insertObject_withCompareFunction_context(NSMutableArray* array, id object,
                                                     NSCompareFunction compare, void* context) {
+    requireSorted(array, compare, "insertObject:withCompareFunction:context:");
     requireArgument(object, "insertObject:withCompareFunction:context:", "the object");
     NSUInteger next = 0;
     NSUInteger index =
@@ -164,6 +179,7 @@ NSUInteger insertObject_withCompareFunction_context(NSMutableArray* array, id ob
 
 bool removeObject_withCompareFunction_context(NSMutableArray* array, id object, NSCompareFunction compare,
                                               void* context) {
+    requireSorted(array, compare, "removeObject:withCompareFunction:context:");
     NSUInteger index = indexOfObject_withCompareFunction_context(array, object, compare, context);
     if (index == NSNotFound) return false;
     ElementReader elements(array);
@@ -174,6 +190,7 @@ bool removeObject_withCompareFunction_context(NSMutableArray* array, id object, 
 }
 
 void randomize(NSMutableArray* array) {
+    requireArgument(array, "randomize", "the array");
     NSUInteger count = array->count();
     for (NSUInteger i = 0; i < count; ++i) {
         NSUInteger other = i + static_cast<NSUInteger>(PBRandomInt()) % (count - i);

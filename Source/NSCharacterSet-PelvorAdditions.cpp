@@ -9,6 +9,7 @@
 #include "Foundation/NSString.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {
@@ -43,6 +44,7 @@ NSCharacterSet* keptSet(std::initializer_list<Span> spans, std::initializer_list
 
 // By message, so that a category or a replacement that came later is called.
 NSCharacterSet* setNamed(Class* cls, SEL name) {
+    requireArgument(cls, name.name(), "the class");
     registerLibrary(baseLibrary);
     return cast<NSCharacterSet>(send<id>(cls, name));
 }
@@ -106,6 +108,7 @@ NSCharacterSet* Additions::nonPrintingCharacterSet(Class* cls) {
 }
 
 Retained<NSCharacterSet> immutableCopy(NSCharacterSet* set) {
+    requireArgument(set, "immutableCopy", "the set");
     return NSCharacterSet::initWithBitmapRepresentation(set->bitmapRepresentation());
 }
 

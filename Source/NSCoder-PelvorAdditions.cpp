@@ -5,6 +5,7 @@
 
 #include "Foundation/NSString.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {
@@ -21,6 +22,7 @@ constinit const Category NSCoder_PelvorAdditions_category =
 
 unsigned decodeBytesIntoBuffer_bufferLength_forKey(NSCoder* coder, void* buffer, unsigned bufferLength,
                                                    NSString* key) {
+    requireArgument(coder, "decodeBytesIntoBuffer:bufferLength:forKey:", "the coder");
     NSUInteger length = 0;
     const void* bytes = coder->decodeBytesForKey_returnedLength(key, &length);
     if (length == 0 || length > bufferLength) return 0;

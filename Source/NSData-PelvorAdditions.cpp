@@ -97,6 +97,7 @@ constinit const Category NSData_PelvorAdditions_category =
 // MARK: Base64
 
 NSData* base64DataWithLineLength(NSData* data, NSUInteger lineLength) {
+    requireArgument(data, "base64DataWithLineLength:", "the data");
     auto bytes = bytesOf(data);
     std::size_t groupsALine = (std::size_t{lineLength} + 3) / 4, size = base64LengthOf(bytes.size());
     std::size_t lineFeeds = lineLength ? size / 4 / groupsALine : 0;
@@ -120,6 +121,7 @@ NSData* base64DataWithLineLength(NSData* data, NSUInteger lineLength) {
 }
 
 NSString* base64String(NSData* data) {
+    requireArgument(data, "base64String", "the data");
     auto bytes = bytesOf(data);
     return writtenString(requireLength(base64LengthOf(bytes.size())),
                          [bytes](unichar* units) { writeBase64(bytes, units); });
@@ -127,6 +129,7 @@ NSString* base64String(NSData* data) {
 
 Retained<NSData> NSData_PelvorAdditions::initWithBase64String(NSString* string, Class* cls) {
     requireArgument(string, "initWithBase64String:", "the string");
+    requireArgument(cls, "initWithBase64String:", "the class");
     StringUnits units(string);
     std::u16string_view text = units;
     Block<Byte> bytes(Base64Reader::roomFor(text.size()));
@@ -138,26 +141,33 @@ Retained<NSData> NSData_PelvorAdditions::initWithBase64String(NSString* string, 
 
 NSData* NSData_PelvorAdditions::dataWithBase64String(NSString* string, Class* cls) {
     requireArgument(string, "dataWithBase64String:", "the string");
+    requireArgument(cls, "dataWithBase64String:", "the class");
     return initWithBase64String(string, cls).autorelease();
 }
 
 // MARK: Hexadecimal
 
 NSString* _lowercaseHexStringWithPrefix_length(NSData* data, const unichar* prefix, NSUInteger prefixLength) {
+    requireArgument(data, "_lowercaseHexStringWithPrefix:length:", "the data");
     requireMemory(prefix, prefixLength, "_lowercaseHexStringWithPrefix:length:", "the prefix");
     auto bytes = bytesOf(data);
     return writtenString(requireLength(bytes.size() * 2 + prefixLength),
                          [=](unichar* units) { writeHex(bytes, std::copy_n(prefix, prefixLength, units)); });
 }
 
-NSString* lowercaseHexString(NSData* data) { return _lowercaseHexStringWithPrefix_length(data, u"0x", 2); }
+NSString* lowercaseHexString(NSData* data) {
+    requireArgument(data, "lowercaseHexString", "the data");
+    return _lowercaseHexStringWithPrefix_length(data, u"0x", 2);
+}
 
 NSString* unadornedLowercaseHexString(NSData* data) {
+    requireArgument(data, "unadornedLowercaseHexString", "the data");
     return _lowercaseHexStringWithPrefix_length(data, nullptr, 0);
 }
 
 Retained<NSData> NSData_PelvorAdditions::initWithHexString(NSString* string, Class* cls) {
     requireArgument(string, "initWithHexString:", "the string");
+    requireArgument(cls, "initWithHexString:", "the class");
     StringUnits units(string);
     std::u16string_view text = withoutHexPrefix(units);
     std::size_t size = (text.size() + 1) / 2, lone = text.size() % 2;
@@ -170,12 +180,14 @@ Retained<NSData> NSData_PelvorAdditions::initWithHexString(NSString* string, Cla
 
 NSData* NSData_PelvorAdditions::dataWithHexString(NSString* string, Class* cls) {
     requireArgument(string, "dataWithHexString:", "the string");
+    requireArgument(cls, "dataWithHexString:", "the class");
     return initWithHexString(string, cls).autorelease();
 }
 
 // MARK: Search
 
 NSRange rangeOfBytes_length_range(NSData* data, const void* bytes, NSUInteger length, NSRange range) {
+    requireArgument(data, "rangeOfBytes:length:range:", "the data");
     requireRange(range, data->length(), "rangeOfBytes:length:range:");
     requireMemory(bytes, length, "rangeOfBytes:length:range:", "the bytes");
     std::size_t place = findSequence<Byte>(bytesOf(data).subspan(range.location, range.length),
@@ -185,17 +197,20 @@ NSRange rangeOfBytes_length_range(NSData* data, const void* bytes, NSUInteger le
 }
 
 NSRange rangeOfBytes_length(NSData* data, const void* bytes, NSUInteger length) {
+    requireArgument(data, "rangeOfBytes:length:", "the data");
     requireMemory(bytes, length, "rangeOfBytes:length:", "the bytes");
     return rangeOfBytes_length_range(data, bytes, length, {0, data->length()});
 }
 
 NSRange rangeOfData_range(NSData* data, NSData* pattern, NSRange range) {
+    requireArgument(data, "rangeOfData:range:", "the data");
     requireRange(range, data->length(), "rangeOfData:range:");
     return pattern ? rangeOfBytes_length_range(data, pattern->bytes(), pattern->length(), range)
                    : NSRange{NSNotFound, 0};
 }
 
 NSRange rangeOfData(NSData* data, NSData* pattern) {
+    requireArgument(data, "rangeOfData:", "the data");
     return rangeOfData_range(data, pattern, {0, data->length()});
 }
 

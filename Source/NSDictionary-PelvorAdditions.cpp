@@ -50,41 +50,49 @@ constinit const Category NSDictionary_PelvorAdditions_category =
 // MARK: Typed values
 
 bool boolForKey(NSDictionary* dictionary, id key) {
+    requireArgument(dictionary, "boolForKey:", "the dictionary");
     return send<bool>(dictionary->objectForKey(key), "boolValue"_sel);
 }
 
 int intForKey(NSDictionary* dictionary, id key) {
+    requireArgument(dictionary, "intForKey:", "the dictionary");
     return send<int>(dictionary->objectForKey(key), "intValue"_sel);
 }
 
 float floatForKey(NSDictionary* dictionary, id key) {
+    requireArgument(dictionary, "floatForKey:", "the dictionary");
     return send<float>(dictionary->objectForKey(key), "floatValue"_sel);
 }
 
 double doubleForKey(NSDictionary* dictionary, id key) {
+    requireArgument(dictionary, "doubleForKey:", "the dictionary");
     return send<double>(dictionary->objectForKey(key), "doubleValue"_sel);
 }
 
 // MARK: Comparison
 
 bool containsKeyInSet(NSDictionary* dictionary, NSSet* keys) {
+    requireArgument(dictionary, "containsKeyInSet:", "the dictionary");
     for (id key : keys)
         if (dictionary->objectForKey(key)) return true;
     return false;
 }
 
 bool containsKeyInDictionary(NSDictionary* dictionary, NSDictionary* other) {
+    requireArgument(dictionary, "containsKeyInDictionary:", "the dictionary");
     for (NSDictionaryEntry entry : other)
         if (dictionary->objectForKey(entry.key)) return true;
     return false;
 }
 
 bool isSubdictionaryOf(NSDictionary* dictionary, NSDictionary* other) {
+    requireArgument(dictionary, "isSubdictionaryOf:", "the dictionary");
     if (!other) return dictionary->count() == 0;
     return isEqualToDictionary_ignoringKeys(dictionary, other, nullptr);
 }
 
 bool isEqualToDictionary_ignoringKeys(NSDictionary* dictionary, NSDictionary* other, NSSet* ignored) {
+    requireArgument(dictionary, "isEqualToDictionary:ignoringKeys:", "the dictionary");
     if (!other) return false;
     if (dictionary == other) return true;
     for (NSDictionaryEntry entry : dictionary) {
@@ -95,6 +103,7 @@ bool isEqualToDictionary_ignoringKeys(NSDictionary* dictionary, NSDictionary* ot
 }
 
 bool isEqualToDictionary_forKeys(NSDictionary* dictionary, NSDictionary* other, id keys) {
+    requireArgument(dictionary, "isEqualToDictionary:forKeys:", "the dictionary");
     if (!other) return false;
     if (dictionary == other || !keys) return true;
     if (auto* set = cast<NSSet>(keys)) return areAllValuesEqual(dictionary, other, set);
@@ -105,6 +114,7 @@ bool isEqualToDictionary_forKeys(NSDictionary* dictionary, NSDictionary* other, 
 // MARK: Changed copies
 
 NSDictionary* dictionarySettingObject_forKey(NSDictionary* dictionary, id object, id key) {
+    requireArgument(dictionary, "dictionarySettingObject:forKey:", "the dictionary");
     requireArgument(object, "dictionarySettingObject:forKey:", "the object");
     requireArgument(key, "dictionarySettingObject:forKey:", "the key");
     Retained<NSMutableDictionary> changed = dictionary->mutableCopy();
@@ -113,6 +123,7 @@ NSDictionary* dictionarySettingObject_forKey(NSDictionary* dictionary, id object
 }
 
 NSDictionary* dictionaryRemovingObjectForKey(NSDictionary* dictionary, id key) {
+    requireArgument(dictionary, "dictionaryRemovingObjectForKey:", "the dictionary");
     if (!dictionary->objectForKey(key)) return dictionary;
     Retained<NSMutableDictionary> changed = dictionary->mutableCopy();
     changed->removeObjectForKey(key);
@@ -120,6 +131,7 @@ NSDictionary* dictionaryRemovingObjectForKey(NSDictionary* dictionary, id key) {
 }
 
 NSDictionary* dictionaryByAddingEntriesFromDictionary(NSDictionary* dictionary, NSDictionary* other) {
+    requireArgument(dictionary, "dictionaryByAddingEntriesFromDictionary:", "the dictionary");
     if (!other || other == dictionary || other->count() == 0) return dictionary;
     Retained<NSMutableDictionary> all = dictionary->mutableCopy();
     all->addEntriesFromDictionary(other);
@@ -127,6 +139,7 @@ NSDictionary* dictionaryByAddingEntriesFromDictionary(NSDictionary* dictionary, 
 }
 
 Retained<NSDictionary> createSubdictionaryWithKeys(NSDictionary* dictionary, NSSet* keys) {
+    requireArgument(dictionary, "createSubdictionaryWithKeys:", "the dictionary");
     NSUInteger count = keys ? keys->count() : 0;
     if (count == 0) return NSDictionary::init();
     if (count == 1) {

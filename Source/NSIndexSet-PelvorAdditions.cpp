@@ -12,6 +12,7 @@
 #include "Private/PBRangeList.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {
@@ -57,6 +58,7 @@ NSIndexSet* NSIndexSet_PelvorAdditions::indexSetWithNumberArray(NSArray* numbers
 }
 
 NSRange indexRangeStartingAtOrAfterIndex(NSIndexSet* set, NSUInteger index) {
+    requireArgument(set, "indexRangeStartingAtOrAfterIndex:", "the set");
     auto runs = set->runs();
     auto run =
         std::partition_point(runs.begin(), runs.end(), [index](NSRange r) { return NSMaxRange(r) <= index; });

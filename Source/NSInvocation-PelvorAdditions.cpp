@@ -54,6 +54,7 @@ NSInvocation* NSInvocation_PelvorAdditions::invocationWithTarget_selector(id tar
 }
 
 id returnObject(NSInvocation* invocation) {
+    requireArgument(invocation, "returnObject", "the invocation");
     if (std::strcmp(invocation->methodSignature()->methodReturnType(), "@") != 0) return nullptr;
     id result = nullptr;
     invocation->getReturnValue(&result);

@@ -23,26 +23,31 @@ constinit const Category NSMutableDictionary_PelvorAdditions_category =
     Category::of<NSMutableDictionary, defineAdditions>("PelvorAdditions");
 
 void setBool_forKey(NSMutableDictionary* dictionary, bool value, id key) {
+    requireArgument(dictionary, "setBool:forKey:", "the dictionary");
     requireArgument(key, "setBool:forKey:", "the key");
     dictionary->setObject_forKey(NSNumber::numberWithBool(value), key);
 }
 
 void setInt_forKey(NSMutableDictionary* dictionary, int value, id key) {
+    requireArgument(dictionary, "setInt:forKey:", "the dictionary");
     requireArgument(key, "setInt:forKey:", "the key");
     dictionary->setObject_forKey(NSNumber::numberWithInt(value), key);
 }
 
 void setFloat_forKey(NSMutableDictionary* dictionary, float value, id key) {
+    requireArgument(dictionary, "setFloat:forKey:", "the dictionary");
     requireArgument(key, "setFloat:forKey:", "the key");
     dictionary->setObject_forKey(NSNumber::numberWithFloat(value), key);
 }
 
 void setDouble_forKey(NSMutableDictionary* dictionary, double value, id key) {
+    requireArgument(dictionary, "setDouble:forKey:", "the dictionary");
     requireArgument(key, "setDouble:forKey:", "the key");
     dictionary->setObject_forKey(NSNumber::numberWithDouble(value), key);
 }
 
 void addObjectsFromDictionary_forKeys(NSMutableDictionary* dictionary, NSDictionary* other, NSSet* keys) {
+    requireArgument(dictionary, "addObjectsFromDictionary:forKeys:", "the dictionary");
     if (!other || !keys || other == dictionary) return;
     // The loop walks over the smaller collection.
     if (other->count() >= keys->count()) {

@@ -95,10 +95,12 @@ constinit const Category NSMutableString_PelvorAdditions_category =
     Category::of<NSMutableString, defineAdditions>("PelvorAdditions");
 
 void appendCharacter(NSMutableString* string, unichar character) {
+    requireArgument(string, "appendCharacter:", "the string");
     string->appendCharacters_length(&character, 1);
 }
 
 void replaceAllLineEndingsWithString(NSMutableString* string, NSString* ending) {
+    requireArgument(string, "replaceAllLineEndingsWithString:", "the string");
     requireArgument(ending, "replaceAllLineEndingsWithString:", "the line ending");
     const std::u16string wanted = ending->toUTF16();
     unichar lineFeed = wanted == u"\n" ? u'\r' : u'\n';  // the ones that are there may stay then
@@ -109,6 +111,7 @@ void replaceAllLineEndingsWithString(NSMutableString* string, NSString* ending) 
 }
 
 void removeCharactersInSet(NSMutableString* string, NSCharacterSet* set) {
+    requireArgument(string, "removeCharactersInSet:", "the string");
     requireArgument(set, "removeCharactersInSet:", "the set");
     MemberFinder finder(set);
     if (isPlain(string) && finder.hasPlainUnitsOnly()) return removePlainUnits(string, finder);
@@ -118,6 +121,7 @@ void removeCharactersInSet(NSMutableString* string, NSCharacterSet* set) {
 bool replaceAllOccurrencesOfString_withString(NSMutableString* string, NSString* target,
                                               NSString* replacement) {
     constexpr char kOperation[] = "replaceAllOccurrencesOfString:withString:";
+    requireArgument(string, kOperation, "the string");
     requireArgument(target, kOperation, "the target");
     requireArgument(replacement, kOperation, "the replacement");
     return string->replaceOccurrencesOfString_withString_options_range(target, replacement, NSLiteralSearch,
@@ -127,6 +131,7 @@ bool replaceAllOccurrencesOfString_withString(NSMutableString* string, NSString*
 void replaceAllOccurrencesOfCharactersInSet_withString(NSMutableString* string, NSCharacterSet* set,
                                                        NSString* replacement) {
     constexpr char kOperation[] = "replaceAllOccurrencesOfCharactersInSet:withString:";
+    requireArgument(string, kOperation, "the string");
     requireArgument(set, kOperation, "the set");
     requireArgument(replacement, kOperation, "the replacement");
     MemberFinder finder(set);

@@ -14,13 +14,14 @@
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
 #include "Runtime/NSInvocation.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {
 
 // The methods `deepCopy` and `mutableDeepCopy`, unless a class overrides them.
-Retained<Object> copyShallowly(NSObject* object) { return object->copy(); }
-Retained<Object> mutableCopyShallowly(NSObject* object) { return object->mutableCopy(); }
+Retained<Object> copyShallowly(NSObject* object) { return object ? object->copy() : nullptr; }
+Retained<Object> mutableCopyShallowly(NSObject* object) { return object ? object->mutableCopy() : nullptr; }
 
 void defineAdditions(MethodTable<NSObject>& methods) {
     using Additions = NSObject_PelvorAdditions;
@@ -145,13 +146,18 @@ constinit const Category NSObject_PelvorAdditions_category =
 
 NSBundle* NSObject_PelvorAdditions::bundle(Class* cls) { return NSBundle::bundleForClass(cls); }
 
-NSSet* NSObject_PelvorAdditions::classSelectorNames(Class* cls) { return selectorNames(cls->metaclass()); }
+NSSet* NSObject_PelvorAdditions::classSelectorNames(Class* cls) {
+    return selectorNames(cls ? cls->metaclass() : nullptr);
+}
 
 NSSet* NSObject_PelvorAdditions::instanceSelectorNames(Class* cls) { return selectorNames(cls); }
 
 NSNotificationCenter* notificationCenter(id) { return NSNotificationCenter::defaultCenter(); }
 
-NSBundle* bundle(id object) { return NSBundle::bundleForClass(object->class_()); }
+NSBundle* bundle(id object) {
+    requireArgument(object, "bundle", "the object");
+    return NSBundle::bundleForClass(object->class_());
+}
 
 Retained<Object> deepCopy(NSObject* object) {
     registerLibrary(baseLibrary);
@@ -164,36 +170,47 @@ Retained<Object> mutableDeepCopy(NSObject* object) {
 }
 
 int intForPerformSelector(id object, SEL selector) {
+    requireArgument(object, "intForPerformSelector:", "the object");
     return static_cast<int>(perform<std::uint32_t>(object, selector));
 }
 
 int intForPerformSelector_withObject(id object, SEL selector, id argument) {
+    requireArgument(object, "intForPerformSelector:withObject:", "the object");
     return static_cast<int>(performWithObject<std::uint32_t>(object, selector, argument));
 }
 
 float floatForPerformSelector(id object, SEL selector) {
+    requireArgument(object, "floatForPerformSelector:", "the object");
     return std::bit_cast<float>(perform<std::uint32_t>(object, selector));
 }
 
 float floatForPerformSelector_withObject(id object, SEL selector, id argument) {
+    requireArgument(object, "floatForPerformSelector:withObject:", "the object");
     return std::bit_cast<float>(performWithObject<std::uint32_t>(object, selector, argument));
 }
 
-bool boolForPerformSelector(id object, SEL selector) { return perform<std::uint8_t>(object, selector) != 0; }
+bool boolForPerformSelector(id object, SEL selector) {
+    requireArgument(object, "boolForPerformSelector:", "the object");
+    return perform<std::uint8_t>(object, selector) != 0;
+}
 
 bool boolForPerformSelector_withObject(id object, SEL selector, id argument) {
+    requireArgument(object, "boolForPerformSelector:withObject:", "the object");
     return performWithObject<std::uint8_t>(object, selector, argument) != 0;
 }
 
 int performSelector_withInt(id object, SEL selector, int argument) {
+    requireArgument(object, "performSelector:withInt:", "the object");
     return performWithNumber(object, selector, argument);
 }
 
 int performSelector_withFloat(id object, SEL selector, float argument) {
+    requireArgument(object, "performSelector:withFloat:", "the object");
     return performWithNumber(object, selector, argument);
 }
 
 int performSelector_withBool(id object, SEL selector, bool argument) {
+    requireArgument(object, "performSelector:withBool:", "the object");
     return performWithNumber(object, selector, argument);
 }
 

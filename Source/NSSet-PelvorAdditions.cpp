@@ -6,6 +6,7 @@
 #include "Foundation/NSMutableString.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {
@@ -31,6 +32,7 @@ NSString* componentsJoinedByString(NSSet* set, NSString*) {
 }
 
 void removeObjectsInArray(NSMutableSet* set, NSArray* objects) {
+    requireArgument(set, "removeObjectsInArray:", "the set");
     if (!objects) return;
     auto leaving = objects->copy();  // the end of a member may change the array
     for (NSUInteger i = leaving->count(); i > 0; --i) set->removeObject(leaving->objectAtIndex(i - 1));

@@ -5,6 +5,7 @@
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSMutableString.h"
 #include "NSString-PelvorAdditions.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {
@@ -20,6 +21,7 @@ unichar toggled(unichar unit) {
 }  // namespace
 
 NSString* stringByMatchingCase(NSString* string, NSString* pattern) {
+    requireArgument(string, "stringByMatchingCase:", "the string");
     NSCharacterSet* upperCase = NSCharacterSet::uppercaseLetterCharacterSet();
     if (!pattern || pattern->length() == 0 || !upperCase->characterIsMember(pattern->characterAtIndex(0)))
         return string->copy().autorelease();
@@ -30,6 +32,7 @@ NSString* stringByMatchingCase(NSString* string, NSString* pattern) {
 }
 
 NSString* toggledcaseString(NSString* string) {
+    requireArgument(string, "toggledcaseString", "the string");
     auto units = string->toUTF16();
     for (unichar& unit : units) unit = toggled(unit);
     return NSMutableString::of(units);

@@ -56,14 +56,19 @@ struct ScanHexadecimal {
 }  // namespace
 
 std::int32_t intValueAtIndex_effectiveRange(NSString* string, NSUInteger index, NSRange* effectiveRange) {
+    requireArgument(string, "intValueAtIndex:effectiveRange:", "the string");
     return valueAtIndex(string, index, effectiveRange, "intValueAtIndex:effectiveRange:", ScanDecimal());
 }
 
 std::int32_t hexIntValueAtIndex_effectiveRange(NSString* string, NSUInteger index, NSRange* effectiveRange) {
+    requireArgument(string, "hexIntValueAtIndex:effectiveRange:", "the string");
     return valueAtIndex(string, index, effectiveRange,
                         "hexIntValueAtIndex:effectiveRange:", ScanHexadecimal());
 }
 
-std::int32_t hexIntValue(NSString* string) { return hexIntValueAtIndex_effectiveRange(string, 0, nullptr); }
+std::int32_t hexIntValue(NSString* string) {
+    requireArgument(string, "hexIntValue", "the string");
+    return hexIntValueAtIndex_effectiveRange(string, 0, nullptr);
+}
 
 }  // namespace pelvor

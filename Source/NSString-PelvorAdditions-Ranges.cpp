@@ -27,6 +27,7 @@ NSCharacterSet* nonwhitespace() {
 
 NSUInteger locationOfCharacterFromSet_options_location(NSString* string, NSCharacterSet* set,
                                                        NSStringCompareOptions options, NSUInteger location) {
+    requireArgument(string, "locationOfCharacterFromSet:options:location:", "the string");
     requireArgument(set, "locationOfCharacterFromSet:options:location:", "the set");
     NSUInteger count = string->length();
     bool isBackwards = options & NSBackwardsSearch;
@@ -38,6 +39,7 @@ NSUInteger locationOfCharacterFromSet_options_location(NSString* string, NSChara
 }
 
 NSRange nonwhitespaceRangeForRange(NSString* string, NSRange range) {
+    requireArgument(string, "nonwhitespaceRangeForRange:", "the string");
     requireRange(range, string->length(), "nonwhitespaceRangeForRange:");
     NSRange first = string->rangeOfCharacterFromSet_options_range(nonwhitespace(), kForwards, range);
     if (first.location == NSNotFound) return {range.location, 0};
@@ -49,6 +51,7 @@ NSRange nonwhitespaceRangeForRange(NSString* string, NSRange range) {
 
 void getParagraphStart_end_contentsEnd_forRange(NSString* string, NSUInteger* start, NSUInteger* end,
                                                 NSUInteger* contentsEnd, NSRange range) {
+    requireArgument(string, "getParagraphStart:end:contentsEnd:forRange:", "the string");
     NSUInteger count = string->length();
     if (!isRangeInside(range, count))
         raiseException(NSRangeException, u"range: %@ must be in range: %@"_ns, NSValue::valueWithRange(range),
@@ -71,12 +74,14 @@ void getParagraphStart_end_contentsEnd_forRange(NSString* string, NSUInteger* st
 }
 
 NSRange paragraphRangeForRange(NSString* string, NSRange range) {
+    requireArgument(string, "paragraphRangeForRange:", "the string");
     NSUInteger start, end;
     getParagraphStart_end_contentsEnd_forRange(string, &start, &end, nullptr, range);
     return {start, end - start};
 }
 
 NSRange paragraphContentRangeForRange(NSString* string, NSRange range) {
+    requireArgument(string, "paragraphContentRangeForRange:", "the string");
     NSUInteger start, end;
     getParagraphStart_end_contentsEnd_forRange(string, &start, nullptr, &end, range);
     if (end == NSNotFound) end = string->length();
@@ -95,6 +100,7 @@ NSRange composedSequence(NSString* string, NSUInteger index) {
 }  // namespace
 
 NSRange PBRangeOfComposedCharacterSequenceAtIndex(NSString* string, NSUInteger index) {
+    requireArgument(string, "PBRangeOfComposedCharacterSequenceAtIndex", "the string");
     NSUInteger count = string->length();
     if (index >= count) return {count, 0};
     NSRange range = composedSequence(string, index);
@@ -108,6 +114,7 @@ NSRange PBRangeOfComposedCharacterSequenceAtIndex(NSString* string, NSUInteger i
 }
 
 NSRange rangeOfComposedCharactersForRange(NSString* string, NSRange range) {
+    requireArgument(string, "rangeOfComposedCharactersForRange:", "the string");
     if (range.length == 0) return range;
     requireRange(range, string->length(), "rangeOfComposedCharactersForRange:");
     NSUInteger start = PBRangeOfComposedCharacterSequenceAtIndex(string, range.location).location;
@@ -116,6 +123,7 @@ NSRange rangeOfComposedCharactersForRange(NSString* string, NSRange range) {
 }
 
 NSRange rangeOfCharacterAtIndex(NSString* string, NSUInteger index) {
+    requireArgument(string, "rangeOfCharacterAtIndex:", "the string");
     NSUInteger count = string->length();
     if (index >= count) return {count, 0};
     unichar unit = string->characterAtIndex(index);

@@ -125,6 +125,7 @@ class WordText {
 }  // namespace
 
 NSRange wordRangeForRange_includePreviousWord(NSString* string, NSRange range, bool includePreviousWord) {
+    requireArgument(string, "wordRangeForRange:includePreviousWord:", "the string");
     WordText text(string);
     NSUInteger count = text.size();
     requireRange(range, count, "wordRangeForRange:includePreviousWord:");
@@ -139,6 +140,7 @@ NSRange wordRangeForRange_includePreviousWord(NSString* string, NSRange range, b
 }
 
 NSRange rangeOfTrimmedWordForRange(NSString* string, NSRange range) {
+    requireArgument(string, "rangeOfTrimmedWordForRange:", "the string");
     requireRange(range, string->length(), "rangeOfTrimmedWordForRange:");
     NSCharacterSet* members = NSCharacterSet::alphanumericCharacterSet();
     NSRange first = string->rangeOfCharacterFromSet_options_range(members, NSLiteralSearch, range);

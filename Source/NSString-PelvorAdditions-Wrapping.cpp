@@ -7,6 +7,7 @@
 #include "NSString-PelvorAdditions.h"
 #include "Private/UnitFinding.h"
 #include "Private/WhiteSpace.h"
+#include "Shared/ArgumentChecks.h"
 #include "Shared/Codepoints.h"
 
 namespace pelvor {
@@ -78,12 +79,14 @@ class Wrapper {
 }  // namespace
 
 NSString* stringByHardWrappingToLineLength(NSString* string, NSUInteger length) {
+    requireArgument(string, "stringByHardWrappingToLineLength:", "the string");
     if (string->length() <= length) return string;
     StringUnits units(string);
     return Wrapper(units, length).wrap();
 }
 
 NSString* stringByPrettyTruncationToLength(NSString* string, NSUInteger length) {
+    requireArgument(string, "stringByPrettyTruncationToLength:", "the string");
     if (string->length() <= length) return string;
     // One more unit, to see whether a pair would be cut.
     StringUnits units(string, {0, length + 1});
@@ -95,6 +98,7 @@ NSString* stringByPrettyTruncationToLength(NSString* string, NSUInteger length) 
 }
 
 NSString* stringByRemovingSurroundingWhitespace(NSString* string) {
+    requireArgument(string, "stringByRemovingSurroundingWhitespace", "the string");
     NSUInteger count = string->length();
     NSRange range = nonwhitespaceRangeForRange(string, {0, count});
     if (range.length == count && count > 0) return string;

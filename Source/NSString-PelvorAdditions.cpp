@@ -63,9 +63,25 @@ void defineAdditions(MethodTable<NSString>& methods) {
 }
 
 // A class operation of a mutable class returns a mutable string.
-Retained<NSString> ofClass(Retained<NSString> string, Class* cls) {
+Retained<NSString> ofClass(Retained<NSString> string, Class* cls, const char* operation) {
+    requireArgument(cls, operation, "the class");
     if (string && cls->isSubclassOfClass(NSMutableString::classObject())) return string->mutableCopy();
     return string;
+}
+
+// Counts the code points of the range, and copies them unless `codepoints` is null.
+NSUInteger readCodepoints(NSString* string, std::uint32_t* codepoints, NSRange range, const char* operation) {
+    requireArgument(string, operation, "the string");
+    requireRange(range, string->length(), operation);
+    if (auto* wide = cast<PBUnichar32String>(string)) return wide->getCodepoints_range(codepoints, range);
+    StringUnits units(string, range);
+    NSUInteger count = 0;
+    for (NSUInteger i = 0; i < units.size(); ++i, ++count) {
+        bool isPair = isHighSurrogate(units[i]) && i + 1 < units.size();
+        if (codepoints) codepoints[count] = isPair ? codepointOfPair(units[i], units[i + 1]) : units[i];
+        i += isPair;
+    }
+    return count;
 }
 
 }  // namespace
@@ -95,43 +111,38 @@ Retained<NSString> NSString_PelvorAdditions::initWithCodepoints_count(const std:
     if (length > std::numeric_limits<NSUInteger>::max()) return nullptr;
     return ofClass(NSString::initWithCharactersNoCopy_length_freeWhenDone(
                        units.release(), static_cast<NSUInteger>(length), true),
-                   cls);
+                   cls, "initWithCodepoints:count:");
 }
 
 NSString* NSString_PelvorAdditions::stringWithData_encoding(NSData* data, NSStringEncoding encoding,
                                                             Class* cls) {
     requireArgument(data, "stringWithData:encoding:", "the data");
-    return ofClass(NSString::initWithData_encoding(data, encoding), cls).autorelease();
+    return ofClass(NSString::initWithData_encoding(data, encoding), cls, "stringWithData:encoding:")
+        .autorelease();
 }
 
 NSString* NSString_PelvorAdditions::stringWithCharacter(unichar character, Class* cls) {
-    return ofClass(NSString::initWithCharacters_length(&character, 1), cls).autorelease();
+    return ofClass(NSString::initWithCharacters_length(&character, 1), cls, "stringWithCharacter:")
+        .autorelease();
 }
 
 NSUInteger getCodepoints_range(NSString* string, std::uint32_t* codepoints, NSRange range) {
-    if (auto* wide = cast<PBUnichar32String>(string)) return wide->getCodepoints_range(codepoints, range);
-    requireRange(range, string->length(), "getCodepoints:range:");
-    StringUnits units(string, range);
-    NSUInteger count = 0;
-    for (NSUInteger i = 0; i < units.size(); ++i, ++count) {
-        bool isPair = isHighSurrogate(units[i]) && i + 1 < units.size();
-        if (codepoints) codepoints[count] = isPair ? codepointOfPair(units[i], units[i + 1]) : units[i];
-        i += isPair;
-    }
-    return count;
+    return readCodepoints(string, codepoints, range, "getCodepoints:range:");
 }
 
 NSUInteger countCodepointsInRange(NSString* string, NSRange range) {
-    return getCodepoints_range(string, nullptr, range);
+    return readCodepoints(string, nullptr, range, "countCodepointsInRange:");
 }
 
 bool containsString(NSString* string, NSString* other) {
+    requireArgument(string, "containsString:", "the string");
     return !other || other->length() == 0 || string->rangeOfString(other).location != NSNotFound;
 }
 
 NSString* stringByReplacingAllOccurrencesOfString_withString(NSString* string, NSString* target,
                                                              NSString* replacement) {
     constexpr char kOperation[] = "stringByReplacingAllOccurrencesOfString:withString:";
+    requireArgument(string, kOperation, "the string");
     requireArgument(target, kOperation, "the target");
     requireArgument(replacement, kOperation, "the replacement");
     if (string->rangeOfString(target).location == NSNotFound) return string;
@@ -141,6 +152,7 @@ NSString* stringByReplacingAllOccurrencesOfString_withString(NSString* string, N
 NSString* stringByReplacingAllOccurrencesOfCharactersInSet_withString(NSString* string, NSCharacterSet* set,
                                                                       NSString* replacement) {
     constexpr char kOperation[] = "stringByReplacingAllOccurrencesOfCharactersInSet:withString:";
+    requireArgument(string, kOperation, "the string");
     requireArgument(set, kOperation, "the set");
     requireArgument(replacement, kOperation, "the replacement");
     if (string->rangeOfCharacterFromSet_options(set, NSLiteralSearch).location == NSNotFound) return string;
@@ -150,11 +162,13 @@ NSString* stringByReplacingAllOccurrencesOfCharactersInSet_withString(NSString* 
 }
 
 NSString* stringByLossyConversionToEncoding(NSString* string, NSStringEncoding encoding) {
+    requireArgument(string, "stringByLossyConversionToEncoding:", "the string");
     NSData* data = string->dataUsingEncoding_allowLossyConversion(encoding, true);
     return data ? NSString::initWithData_encoding(data, encoding).autorelease() : nullptr;
 }
 
 NSSet* setWithComponentsSeparatedByString(NSString* string, NSString* separator) {
+    requireArgument(string, "setWithComponentsSeparatedByString:", "the string");
     if (!separator || separator->length() == 0) return NSSet::setWithObject(string);
     NSArray* components = string->componentsSeparatedByString(separator);
     auto* set = NSMutableSet::setWithArray(components);
@@ -166,6 +180,7 @@ NSSet* setWithComponentsSeparatedByString(NSString* string, NSString* separator)
 }
 
 unichar* characterBuffer(NSString* string) {
+    requireArgument(string, "characterBuffer", "the string");
     NSUInteger count = string->length();
     if (count == 0) return nullptr;
     auto* units = static_cast<unichar*>(std::malloc(std::size_t{count} * sizeof(unichar)));

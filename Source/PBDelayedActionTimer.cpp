@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBDelayedActionTimer.h"
 
+#include <cmath>
 #include <utility>
 
 #include "BaseLibrary.h"
 #include "Foundation/NSString.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -20,6 +22,8 @@ PELVOR_DEFINE_CLASS(PBDelayedActionTimer, baseLibrary) {
 
 Retained<PBDelayedActionTimer> PBDelayedActionTimer::initWithTimeInterval_fromFirst_target_selector(
     double delay, bool fromFirst, id target, SEL action, Class* cls) {
+    if (std::isnan(delay))
+        raiseBadArgument("initWithTimeInterval:fromFirst:target:selector:", "the interval is not a number");
     auto self = make<PBDelayedActionTimer>(cls);
     self->_delay = delay;
     self->_isFromFirst = fromFirst;

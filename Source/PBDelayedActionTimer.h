@@ -22,7 +22,8 @@ class PELVOR_EXPORT PBDelayedActionTimer : public NSObject {
 
   public:
     /// Makes a timer that is not scheduled. `delay` is in seconds. With `fromFirst` it counts from the first
-    /// request of a burst, else from the last.
+    /// request of a burst, else from the last. Raises NSInvalidArgumentException for a delay that is no
+    /// number.
     static Retained<PBDelayedActionTimer> initWithTimeInterval_fromFirst_target_selector(
         double delay, bool fromFirst, id target, SEL action, Class* cls = classObject());
 

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "BaseLibrary.h"
+#include "Foundation/NSString.h"
 #include "Runtime/NSException.h"
 
 namespace pelvor {
@@ -28,7 +29,9 @@ Retained<PBFloatVector> PBFloatVector::initWithCapacity(unsigned capacity, Class
 }
 
 void PBFloatVector::grow() {
-    if (_capacity == 0 || _capacity > UINT32_MAX / 2) raiseOutOfBounds(_count);
+    if (_capacity == 0 || _capacity > UINT32_MAX / 2)
+        raiseException(NSRangeException, u"insertFloat:atIndex: a vector of capacity %u cannot grow"_ns,
+                       _capacity);
     void* grown = std::realloc(_floats.get(), std::size_t{_capacity} * 2 * sizeof(float));
     if (!grown)
         throw NSException(NSMallocException, "insertFloat:atIndex: there is no memory for a longer vector");

@@ -2,6 +2,7 @@
 #include "PBMutableIntNumber.h"
 
 #include "BaseLibrary.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -33,7 +34,10 @@ int PBMutableIntNumber::decrement() {
 
 const char* PBMutableIntNumber::objCType() { return "i"; }
 
-void PBMutableIntNumber::getValue(void* buffer) { std::memcpy(buffer, &_value, sizeof _value); }
+void PBMutableIntNumber::getValue(void* buffer) {
+    requireArgument(buffer, "getValue:", "the buffer");
+    std::memcpy(buffer, &_value, sizeof _value);
+}
 
 Retained<Object> PBMutableIntNumber::copyWithZone(void*) { return NSNumber::initWithInt(_value); }
 

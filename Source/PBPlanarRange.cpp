@@ -6,6 +6,7 @@
 #include "Foundation/NSString.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {
@@ -25,6 +26,7 @@ NSValue* NSValue_PlanarRangeAdditions::valueWithPlanarRange(PBPlanarRange range)
 }
 
 PBPlanarRange planarRangeValue(NSValue* value) {
+    requireArgument(value, "planarRangeValue", "the value");
     if (std::strcmp(value->objCType(), typeEncoding<PBPlanarRange>.text) != 0)
         raiseException(NSInvalidArgumentException, u"planarRangeValue: %@ is no boxed planar range"_ns,
                        value);

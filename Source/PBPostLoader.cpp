@@ -19,6 +19,7 @@
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -209,6 +210,7 @@ void PBPostLoader::processSelector_initialize(SEL selector, bool initialize) {
 }
 
 void PBPostLoader::bundleDidLoad(NSNotification* notification) {
+    requireArgument(notification, "bundleDidLoad:", "the notification");
     processClassesStartingRegistry(false);
     if (PBRegistry* registry = PBRegistry::sharedRegistry())
         registry->addProfilesFromBundle(cast<NSBundle>(notification->object()));
@@ -236,6 +238,7 @@ bool PBPostLoader::isMultiThreaded() {
 bool PBPostLoader::hasProcessedClasses() { return loader().hasProcessedClasses; }
 
 bool PBPostLoader::_processSelector_inClass_initialize(SEL selector, Class* inClass, bool initialize) {
+    requireArgument(inClass, "_processSelector:inClass:initialize:", "the class");
     std::vector<IMP> hooks = takeHooks(selector, inClass);
     if (hooks.empty()) return false;
     if (initialize && !isReplacedFileWrapper(inClass))

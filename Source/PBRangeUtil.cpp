@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Private/PBRangeList.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {
@@ -75,16 +76,18 @@ bool isCovered(NSRange range, NSRange by) {
 
 int PBSubtractionRanges(NSRange rng, NSRange subRng, NSRange* resPtr) {
     NSRange shared = NSIntersectionRange(rng, subRng);
+    NSUInteger count = 0;
+    auto add = [&](NSUInteger start, NSUInteger end) {
+        requireArgument(resPtr, "PBSubtractionRanges:", "the pointer to the results");
+        resPtr[count++] = {start, end - start};
+    };
     if (shared.length == 0) {
-        if (isCovered(rng, subRng)) return 0;
-        resPtr[0] = rng;
-        return 1;
+        if (!isCovered(rng, subRng)) add(rng.location, PBMaxRange(rng));
+        return static_cast<int>(count);
     }
-    int count = 0;
-    if (rng.location < shared.location) resPtr[count++] = {rng.location, shared.location - rng.location};
-    if (PBMaxRange(shared) < PBMaxRange(rng))
-        resPtr[count++] = {PBMaxRange(shared), PBMaxRange(rng) - PBMaxRange(shared)};
-    return count;
+    if (rng.location < shared.location) add(rng.location, shared.location);
+    if (PBMaxRange(shared) < PBMaxRange(rng)) add(PBMaxRange(shared), PBMaxRange(rng));
+    return static_cast<int>(count);
 }
 
 // MARK: Lists

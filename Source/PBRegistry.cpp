@@ -132,7 +132,11 @@ void PBRegistry::addDeclarations_bundle(NSDictionary* declarations, NSBundle* bu
     if (!declared) return;
     auto* profiles = cast<NSDictionary>(declared);
     if (!profiles) return NSLog(u"Profiles Wrong kind of class! got: %@"_ns, declared->class_());
-    auto* disabled = cast<NSArray>(declarations->objectForKey(PBDisabledProfilesKey));
+    id disabledEntry = declarations->objectForKey(PBDisabledProfilesKey);
+    auto* disabled = cast<NSArray>(disabledEntry);
+    if (disabledEntry && !disabled)
+        NSLog(u"'%@' should be an array! got: %s"_ns, PBDisabledProfilesKey,
+              disabledEntry->class_()->publicName());
     NSArray* identifiers = profiles->allKeys();
     for (NSUInteger i = identifiers->count(); i-- > 0;) {
         id identifier = identifiers->objectAtIndex(i);
@@ -159,7 +163,6 @@ void PBRegistry::addProfile(PBProfile* profile) {
     requireArgument(identifier, "addProfile:", "the identifier of the profile");
     mutableProfiles()->setObject_forKey(profile, identifier);
     ++_version;
-    _awaitsStart = false;
     _postProfilesDidChange();
 }
 

@@ -3,6 +3,7 @@
 
 #include "BaseLibrary.h"
 #include "Runtime/NSInvocation.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -35,6 +36,7 @@ NSMethodSignature* PBSafeWeakReference::methodSignatureForSelector(SEL selector)
 }
 
 void PBSafeWeakReference::forwardInvocation(NSInvocation* invocation) {
+    requireArgument(invocation, "forwardInvocation:", "the invocation");
     Retained<Object> object = _target.object();
     invocation->setTarget(object);
     if (!isAsItWas(object)) return;

@@ -157,6 +157,7 @@ NSUInteger PBUnichar32String::getCodepoints_range(std::uint32_t* codepoints, NSR
 }
 
 NSUInteger PBUnichar32String::countCodepointsInRange(NSRange range) {
+    requireRange(range, length(), "countCodepointsInRange:");
     return getCodepoints_range(nullptr, range);
 }
 

@@ -12,6 +12,7 @@
 #include "Foundation/SystemVersion.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {
@@ -87,6 +88,7 @@ NSCharacterSet* _pbSingleQuotesCharacterSet = nullptr;
 // MARK: Method replacement
 
 IMP PBRegisterInstanceMethodWithSelector(Class* aClass, SEL oldSelector, SEL newSelector) {
+    requireArgument(aClass, "PBRegisterInstanceMethodWithSelector:", "the class");
     const Method* method = aClass->instanceMethod(oldSelector);
     if (!method) return {};
     IMP implementation = method->implementation;
@@ -95,21 +97,34 @@ IMP PBRegisterInstanceMethodWithSelector(Class* aClass, SEL oldSelector, SEL new
 }
 
 IMP PBReplaceMethodImplementation(Class* aClass, SEL oldSelector, IMP newImp) {
+    requireArgument(aClass, "PBReplaceMethodImplementation:", "the class");
     return aClass->replaceImplementation(oldSelector, newImp);
 }
 
+namespace {
+
+IMP replaceMethod(Class* destClass, SEL oldSelector, Class* sourceClass, SEL newSelector,
+                  const char* operation) {
+    requireArgument(destClass, operation, "the class");
+    requireArgument(sourceClass, operation, "the class of the new method");
+    const Method* method = sourceClass->instanceMethod(newSelector);
+    if (!method)
+        raiseBadArgument(operation, std::string("the class ") + sourceClass->name() + " has no method " +
+                                        newSelector.name());
+    return destClass->replaceImplementation(oldSelector, method->implementation);
+}
+
+}  // namespace
+
 IMP PBReplaceMethodImplementationWithSelector(Class* aClass, SEL oldSelector, SEL newSelector) {
-    return PBReplaceMethodImplementationWithSelectorOnClass(aClass, oldSelector, aClass, newSelector);
+    return replaceMethod(aClass, oldSelector, aClass, newSelector,
+                         "PBReplaceMethodImplementationWithSelector:");
 }
 
 IMP PBReplaceMethodImplementationWithSelectorOnClass(Class* destClass, SEL oldSelector, Class* sourceClass,
                                                      SEL newSelector) {
-    const Method* method = sourceClass->instanceMethod(newSelector);
-    if (!method)
-        raiseException(NSInvalidArgumentException,
-                       u"PBReplaceMethodImplementationWithSelectorOnClass: the class %s has no method %s"_ns,
-                       sourceClass->name(), newSelector.name());
-    return PBReplaceMethodImplementation(destClass, oldSelector, method->implementation);
+    return replaceMethod(destClass, oldSelector, sourceClass, newSelector,
+                         "PBReplaceMethodImplementationWithSelectorOnClass:");
 }
 
 // MARK: The process and its system
@@ -141,6 +156,7 @@ void PBAddDebugMenuItemWithObjectAndTitleAndAction(id) {}
 void PBAddDebugMenuItemWithTitle_action(id, NSString*, SEL) {}
 
 void PBAbstractMethodWasCalled(id self, SEL _cmd) {
+    requireArgument(self, "PBAbstractMethodWasCalled:", "the receiver");
     Class* cls = asClass(self);
     raiseException(PBAbstractMethodException, u"%@ must implement the abstract method %@"_ns,
                    cls ? cls : self->class_(),

@@ -12,6 +12,7 @@
 #include "PBObjectPool.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 #include "Shared/RowMemory.h"
 
 namespace pelvor {
@@ -149,21 +150,25 @@ void PBWeakReference::operator delete(void* memory) noexcept {
 // MARK: Look-ups
 
 NSUInteger indexOfWeakReferenceObject(NSArray* array, id object) {
+    requireArgument(array, "indexOfWeakReferenceObject:", "the array");
     auto reference = PBWeakReference::initWithObject(object);
     return array->indexOfObject(reference);
 }
 
 bool containsWeakReferenceObject(NSSet* set, id object) {
+    requireArgument(set, "containsWeakReferenceObject:", "the set");
     auto reference = PBWeakReference::initWithObject(object);
     return set->containsObject(reference);
 }
 
 void addWeakReferenceObject(NSMutableSet* set, id object) {
+    requireArgument(set, "addWeakReferenceObject:", "the set");
     auto reference = PBWeakReference::initWithObject(object);
     set->addObject(reference);
 }
 
 void removeWeakReferenceObject(NSMutableSet* set, id object) {
+    requireArgument(set, "removeWeakReferenceObject:", "the set");
     auto reference = PBWeakReference::initWithObject(object);
     set->removeObject(reference);
 }

@@ -2,17 +2,14 @@
 // What must hold for every registered class, whoever wrote it.
 #pragma once
 
-#include <gmock/gmock.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
-#include <cstring>
 #include <set>
-#include <string>
-#include <vector>
 
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/NSException.h"
+#include "Prelude.h"
 #include "Runtime/NSInvocation.h"
-#include "Runtime/Registry.h"
 
 namespace pelvor {
 
@@ -47,26 +44,161 @@ inline void checkMethods(Class* cls) {
     }
 }
 
-/// By message a creator returns an object of the receiving class, or null, or raises, whatever its arguments;
-/// here they are zeros.
-inline void checkCreators(Class* cls) {
+/// The methods that the class has, its own first, each selector once.
+inline std::vector<const Method*> methodsOf(Class* cls) {
+    std::vector<const Method*> methods;
     std::set<std::string> seen;
-    for (Class* level = cls->metaclass(); level; level = level->superclass())
+    for (Class* level = cls; level; level = level->superclass())
         for (const MethodGroup* group = level->methodGroups(); group; group = group->next)
-            for (const Method& method : group->methods) {
-                if (!method.isCreator || !seen.insert(method.selector.name()).second) continue;
-                SCOPED_TRACE("+" + std::string(method.selector.name()));
+            for (const Method& method : group->methods)
+                if (seen.insert(method.selector.name()).second) methods.push_back(&method);
+    return methods;
+}
+
+/// A message for the method: all arguments are zero; or, with an object, objects are that object, and texts,
+/// selectors, classes and integers are something simple.
+inline Retained<NSInvocation> messageFor(const Method& method, Object* object = nullptr) {
+    NSMethodSignature* types = method.implementation.signature;
+    auto message = NSInvocation::initWithMethodSignature(types);
+    message->setSelector(method.selector);
+    for (std::uint32_t i = 0; object && i < types->argumentCount(); ++i) {
+        std::byte* place = message->frame() + types->argument(i).offset;
+        const char type = types->argument(i).encoding[0];
+        if (type == '@')
+            ::new (place) Object*(object);
+        else if (type == '#')
+            ::new (place) Object*(NSString::classObject());
+        else if (type == ':')
+            ::new (place) SEL("description"_sel);
+        else if (type == '*')
+            ::new (place) const char*("abc");
+        else if (std::strchr("cCsSiIlLqQB", type))
+            *place = std::byte{1};
+    }
+    return message;
+}
+
+struct Step {
+    std::string name;
+    std::function<void()> run;
+};
+
+/// A call of the function with all arguments zero.
+template <class R, class... A>
+Step zeroCall(const char* name, R (*function)(A...)) {
+    return {name, [function] { (void)function(A()...); }};
+}
+#define ZERO_CALL(function) zeroCall(#function, &function)
+
+/// Runs the steps in a child process, and goes on behind a step at which it ended: a step may raise, exit or
+/// wait, but not die.
+inline bool expectSurvival(const std::function<std::vector<Step>()>& makeSteps) {
+    struct Progress {
+        bool isOver;
+        std::size_t next;
+        char name[200];
+    };
+    auto* progress = static_cast<Progress*>(
+        mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+    bool survives = true;
+    for (std::size_t first = 1; !progress->isOver && progress->next != first;) {
+        first = progress->next;
+        if (fork() == 0) {
+            std::strcpy(progress->name, "The making of samples");
+            const std::vector<Step> steps = makeSteps();
+            while (progress->next < steps.size()) {
+                const auto& [name, run] = steps[progress->next++];
+                std::strncpy(progress->name, name.c_str(), sizeof progress->name - 1);
+                ualarm(300'000, 0);
                 AutoreleasePool pool;
-                auto invocation = NSInvocation::initWithMethodSignature(method.implementation.signature);
-                invocation->setSelector(method.selector);
                 try {
-                    invocation->invokeWithTarget(cls);
-                    Object* made = invocation->returnValue<Object*>();
-                    EXPECT_TRUE(!made || made->isa()->isSubclassOfClass(cls)) << made->isa()->name();
+                    run();
                 } catch (const NSException& exception) {
-                    EXPECT_NE(exception.reason(), "");
+                    if (exception.reason().empty()) std::abort();
                 }
             }
+            progress->isOver = true;
+            _exit(0);
+        }
+        int status = 0;
+        wait(&status);
+        if (status == 0 || (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM)) continue;
+        ADD_FAILURE() << progress->name << " ends the process: "
+                      << (WIFSIGNALED(status) ? strsignal(WTERMSIG(status)) : "a sanitizer");
+        survives = false;
+    }
+    EXPECT_TRUE(progress->isOver);
+    munmap(progress, sizeof(Progress));
+    return survives;
+}
+
+/// An object that the creator makes of zeros or of such an argument; null if it makes none.
+inline Object* sampleOf(Class* cls, const Method& creator, Object* argument) {
+    auto message = messageFor(creator, argument);
+    message->invokeWithTarget(cls);
+    Object* sample = message->returnValue<Object*>();
+    if (sample && !sample->isa()->isSubclassOfClass(cls)) std::abort();
+    return sample;
+}
+
+/// By message a creator returns an object of the receiving class, or null, or raises, whatever its arguments;
+/// and no method dies where arguments are null or, in a category, the receiver is.
+inline void checkNullArguments(Class* cls) {
+    AutoreleasePool pool;
+    NSString* text = u"abc"_ns;
+    const id arguments[] = {nullptr,
+                            text,
+                            NSArray::of({text}),
+                            NSDictionary::of({{text, text}}),
+                            NSData::dataWithBytes_length("abc", 3),
+                            NSNumber::numberWithInt(1),
+                            text->methodSignatureForSelector("characterAtIndex:"_sel)};
+    std::vector<std::pair<const Method*, id>> creators;
+    std::vector<Step> steps;
+    for (const Method* method : methodsOf(cls->metaclass()))
+        if (!method->isCreator)
+            steps.push_back({"+" + std::string(method->selector.name()),
+                             [=] { messageFor(*method)->invokeWithTarget(cls); }});
+        else
+            for (id argument : arguments) creators.push_back({method, argument});
+    for (Class* level : {cls, cls->metaclass()})
+        for (const MethodGroup* group = level->methodGroups(); group; group = group->next)
+            for (const Method& method : group->methods)
+                if (group->category && !method.isCreator)
+                    steps.push_back(
+                        {method.selector.name() + std::string(" with a null receiver"), [&method] {
+                             auto message = messageFor(method);
+                             method.implementation.signature->invoke(method.implementation.function, nullptr,
+                                                                     method.selector, message->frame(),
+                                                                     message->result());
+                         }});
+    bool areSamplesMade = expectSurvival([&] {
+        for (auto [creator, argument] : creators)
+            steps.push_back(
+                {"+" + std::string(creator->selector.name()),
+                 [cls, creator = creator, argument = argument] { sampleOf(cls, *creator, argument); }});
+        return steps;
+    });
+    if (!areSamplesMade) return;
+    expectSurvival([&] {
+        std::vector<Step> messages;
+        std::set<std::pair<Class*, id>> seen;
+        for (auto [creator, argument] : creators) {
+            Object* sample = nullptr;
+            try {
+                sample = sampleOf(cls, *creator, argument);
+            } catch (const NSException&) {
+            }
+            if (!sample || !seen.insert({sample->isa(), argument}).second) continue;
+            for (const Method* method : methodsOf(cls))
+                messages.push_back({"-" + std::string(method->selector.name()),
+                                    [cls, creator = creator, argument = argument, method] {
+                                        Object* target = sampleOf(cls, *creator, argument)->retain();
+                                        messageFor(*method)->invokeWithTarget(target);
+                                    }});
+        }
+        return messages;
+    });
 }
 
 inline void checkClass(Class* cls) {
@@ -83,7 +215,7 @@ inline void checkClass(Class* cls) {
         EXPECT_EQ(cls->metaclass()->superclass(), cls->superclass()->metaclass());
     }
     for (Class* level : {cls, cls->metaclass()}) checkMethods(level);
-    checkCreators(cls);
+    checkNullArguments(cls);
 }
 
 }  // namespace pelvor

@@ -69,6 +69,11 @@ NSArray* NSArray::arrayWithObject(id object) {
     return NSInlineArray::create(&object, 1).autorelease();
 }
 
+NSArray* NSArray::of(std::initializer_list<Object*> objects) {
+    return checkedArray(objects.begin(), static_cast<NSUInteger>(objects.size()), "NSArray::of")
+        .autorelease();
+}
+
 NSArray* NSArray::arrayWithObjects(std::initializer_list<Object*> objects) {
     return checkedArray(objects.begin(), static_cast<NSUInteger>(objects.size()), "arrayWithObjects")
         .autorelease();

@@ -57,7 +57,7 @@ class PELVOR_EXPORT NSArray : public NSObject {
     static Retained<NSArray> initWithArray(NSArray* array);
 
     // C++ only
-    static NSArray* of(std::initializer_list<Object*> objects) { return arrayWithObjects(objects); }
+    static NSArray* of(std::initializer_list<Object*> objects);
     static NSArray* arrayWithObjects(std::initializer_list<Object*> objects);
     static Retained<NSArray> initWithObjects(std::initializer_list<Object*> objects);
 

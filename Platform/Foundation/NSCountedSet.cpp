@@ -47,6 +47,11 @@ NSCountedSet* NSCountedSet::setWithObject(id object) {
     return initWithObjects_count(&object, 1).autorelease();
 }
 
+NSCountedSet* NSCountedSet::of(std::initializer_list<Object*> objects) {
+    requireObjects(objects.begin(), static_cast<NSUInteger>(objects.size()), "NSCountedSet::of");
+    return setWithObjects(objects);
+}
+
 NSCountedSet* NSCountedSet::setWithObjects(std::initializer_list<Object*> objects) {
     requireObjects(objects.begin(), static_cast<NSUInteger>(objects.size()), "setWithObjects");
     return initWithObjects(objects).autorelease();

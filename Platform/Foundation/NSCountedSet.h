@@ -38,7 +38,7 @@ class PELVOR_EXPORT NSCountedSet : public NSMutableSet {
     static Retained<NSCountedSet> initWithSet(NSSet* set, Class* cls = classObject());
 
     // C++ only
-    static NSCountedSet* of(std::initializer_list<Object*> objects) { return setWithObjects(objects); }
+    static NSCountedSet* of(std::initializer_list<Object*> objects);
     static NSCountedSet* setWithObjects(std::initializer_list<Object*> objects);
     static Retained<NSCountedSet> initWithObjects(std::initializer_list<Object*> objects);
 

@@ -37,6 +37,7 @@ PELVOR_DEFINE_CLASS(NSIndexSet, foundationLibrary) {
 NSIndexSet* NSIndexSet::indexSet(Class* cls) { return init(cls).autorelease(); }
 
 NSIndexSet* NSIndexSet::indexSetWithIndex(NSUInteger index, Class* cls) {
+    requireIndex(index, NSNotFound, "indexSetWithIndex:");
     return initWithIndex(index, cls).autorelease();
 }
 
@@ -48,7 +49,7 @@ NSIndexSet* NSIndexSet::indexSetWithIndexesInRange(NSRange range, Class* cls) {
 Retained<NSIndexSet> NSIndexSet::init(Class* cls) { return make<NSIndexSet>(cls); }
 
 Retained<NSIndexSet> NSIndexSet::initWithIndex(NSUInteger index, Class* cls) {
-    requireIndex(index, NSNotFound);
+    requireIndex(index, NSNotFound, "initWithIndex:");
     return initWithIndexesInRange({index, 1}, cls);
 }
 

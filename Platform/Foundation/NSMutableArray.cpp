@@ -57,6 +57,11 @@ NSMutableArray* NSMutableArray::arrayWithObject(id object) {
     return initWithObjects_count(&object, 1).autorelease();
 }
 
+NSMutableArray* NSMutableArray::of(std::initializer_list<Object*> objects) {
+    requireObjects(objects.begin(), static_cast<NSUInteger>(objects.size()), "NSMutableArray::of");
+    return arrayWithObjects(objects);
+}
+
 NSMutableArray* NSMutableArray::arrayWithObjects(std::initializer_list<Object*> objects) {
     requireObjects(objects.begin(), static_cast<NSUInteger>(objects.size()), "arrayWithObjects");
     return initWithObjects(objects).autorelease();
@@ -120,6 +125,8 @@ void NSMutableArray::replaceObjectsInRange_withObjectsFromArray(NSRange range, N
 }
 
 void NSMutableArray::exchangeObjectAtIndex_withObjectAtIndex(NSUInteger first, NSUInteger second) {
+    for (NSUInteger index : {first, second})
+        requireIndex(index, count(), "exchangeObjectAtIndex:withObjectAtIndex:");
     auto one = Retained<Object>::retaining(objectAtIndex(first));
     auto two = Retained<Object>::retaining(objectAtIndex(second));
     replaceObjectAtIndex_withObject(first, two);
@@ -134,7 +141,8 @@ void NSMutableArray::setArray(NSArray* other) {
 
 void NSMutableArray::removeLastObject() {
     NSUInteger length = count();
-    removeObjectAtIndex(length ? length - 1 : 0);
+    requireIndex(0, length, "removeLastObject");
+    removeObjectAtIndex(length - 1);
 }
 
 void NSMutableArray::removeAllObjects() { removeObjectsInRange({0, count()}); }

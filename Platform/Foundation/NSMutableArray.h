@@ -50,7 +50,7 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
     static Retained<NSMutableArray> initWithArray(NSArray* array);
 
     // C++ only
-    static NSMutableArray* of(std::initializer_list<Object*> objects) { return arrayWithObjects(objects); }
+    static NSMutableArray* of(std::initializer_list<Object*> objects);
     static NSMutableArray* arrayWithObjects(std::initializer_list<Object*> objects);
     static Retained<NSMutableArray> initWithObjects(std::initializer_list<Object*> objects);
 

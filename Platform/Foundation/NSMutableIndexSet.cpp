@@ -17,7 +17,7 @@ PELVOR_DEFINE_CLASS(NSMutableIndexSet, foundationLibrary) {
 }
 
 void NSMutableIndexSet::addIndex(NSUInteger index) {
-    requireIndex(index, NSNotFound);
+    requireIndex(index, NSNotFound, "addIndex:");
     add({index, 1});
 }
 

@@ -47,6 +47,11 @@ NSMutableSet* NSMutableSet::setWithObject(id object) {
     return initWithObjects_count(&object, 1).autorelease();
 }
 
+NSMutableSet* NSMutableSet::of(std::initializer_list<Object*> objects) {
+    requireObjects(objects.begin(), static_cast<NSUInteger>(objects.size()), "NSMutableSet::of");
+    return setWithObjects(objects);
+}
+
 NSMutableSet* NSMutableSet::setWithObjects(std::initializer_list<Object*> objects) {
     requireObjects(objects.begin(), static_cast<NSUInteger>(objects.size()), "setWithObjects");
     return initWithObjects(objects).autorelease();

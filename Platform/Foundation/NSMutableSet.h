@@ -38,7 +38,7 @@ class PELVOR_EXPORT NSMutableSet : public NSSet {
     static Retained<NSMutableSet> initWithSet(NSSet* set);
 
     // C++ only
-    static NSMutableSet* of(std::initializer_list<Object*> objects) { return setWithObjects(objects); }
+    static NSMutableSet* of(std::initializer_list<Object*> objects);
     static NSMutableSet* setWithObjects(std::initializer_list<Object*> objects);
     static Retained<NSMutableSet> initWithObjects(std::initializer_list<Object*> objects);
 

@@ -162,6 +162,11 @@ NSMutableString* NSMutableString::ofUTF8(std::string_view bytes) {
     return stringWithString(NSString::ofUTF8(bytes));
 }
 
+NSMutableString* NSMutableString::ofUTF8(const char* text) {
+    requireArgument(text, "ofUTF8", "the text");
+    return ofUTF8(std::string_view(text));
+}
+
 // Changing
 
 void NSMutableString::replaceCharactersInRange_withUnits(NSRange range, std::u16string_view units) {

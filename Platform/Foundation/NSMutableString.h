@@ -69,6 +69,7 @@ class PELVOR_EXPORT NSMutableString : public NSString {
     /// These copy the text into a new borrowed string. `ofUTF8` replaces bytes that are not UTF-8 by U+FFFD.
     static NSMutableString* of(std::u16string_view units);
     static NSMutableString* ofUTF8(std::string_view bytes);
+    static NSMutableString* ofUTF8(const char* text);
 
     // Changing
 

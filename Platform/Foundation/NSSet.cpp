@@ -51,6 +51,11 @@ NSSet* NSSet::setWithObject(id object) {
     return initWithObjects_count(&object, 1).autorelease();
 }
 
+NSSet* NSSet::of(std::initializer_list<Object*> objects) {
+    requireObjects(objects.begin(), static_cast<NSUInteger>(objects.size()), "NSSet::of");
+    return setWithObjects(objects);
+}
+
 NSSet* NSSet::setWithObjects(std::initializer_list<Object*> objects) {
     requireObjects(objects.begin(), static_cast<NSUInteger>(objects.size()), "setWithObjects");
     return initWithObjects(objects).autorelease();

@@ -44,7 +44,7 @@ class PELVOR_EXPORT NSSet : public NSObject {
     static Retained<NSSet> initWithSet(NSSet* set);
 
     // C++ only
-    static NSSet* of(std::initializer_list<Object*> objects) { return setWithObjects(objects); }
+    static NSSet* of(std::initializer_list<Object*> objects);
     static NSSet* setWithObjects(std::initializer_list<Object*> objects);
     static Retained<NSSet> initWithObjects(std::initializer_list<Object*> objects);
 

@@ -184,6 +184,11 @@ NSString* NSString::ofUTF8(std::string_view bytes) {
     return of(unitsFromUTF8Mending(bytes));
 }
 
+NSString* NSString::ofUTF8(const char* text) {
+    requireArgument(text, "ofUTF8", "the text");
+    return ofUTF8(std::string_view(text));
+}
+
 // Primitives
 
 void NSString::getCharacters_range(unichar* buffer, NSRange range) {

@@ -107,6 +107,7 @@ class PELVOR_EXPORT NSString : public NSObject {
     /// These copy the text into a new borrowed string. `ofUTF8` replaces bytes that are not UTF-8 by U+FFFD.
     static NSString* of(std::u16string_view units);
     static NSString* ofUTF8(std::string_view bytes);
+    static NSString* ofUTF8(const char* text);
 
     // Primitives
 

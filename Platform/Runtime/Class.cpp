@@ -58,8 +58,9 @@ void requireSubclass(Class* cls, Class* ancestor) {
                           std::string(cls ? cls->name() : "null") + " is no subclass of " + ancestor->name());
 }
 
-void detail::raiseMadeOther(Object* made, Class* wanted) {
-    throw NSException(NSInvalidArgumentException, std::string("the creator makes objects of class ") +
+void detail::raiseMadeOther(std::string_view creator, Object* made, Class* wanted) {
+    throw NSException(NSInvalidArgumentException, std::string(creator) +
+                                                      ": the creator makes objects of class " +
                                                       made->isa()->publicName() + ", not of class " +
                                                       wanted->name() + ", which needs a creator of its own");
 }

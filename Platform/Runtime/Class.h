@@ -213,15 +213,16 @@ inline Class* asClass(Object* object) {
 
 namespace detail {
 
-/// Raises NSInvalidArgumentException: a creator returned an object of another class than it was to make.
-[[noreturn]] PELVOR_EXPORT void raiseMadeOther(Object* made, Class* wanted);
+/// Raises NSInvalidArgumentException: the creator returned an object of another class than it was to make.
+[[noreturn]] PELVOR_EXPORT void raiseMadeOther(std::string_view creator, Object* made, Class* wanted);
 
 template <class Self, auto creator, class... A>
 auto CreatorCall<Self, creator, TypeList<A...>>::operator()(A... arguments, Class* cls) const -> Result {
     requireSubclass(cls, Self::classObject());
     Inherited made = creator(arguments..., cls);
     auto* object = static_cast<Object*>(static_cast<std::remove_reference_t<decltype(*made)>*>(made));
-    if (object && !isNativeKindOf(object, Self::classObject())) raiseMadeOther(object, cls);
+    if (object && !isNativeKindOf(object, Self::classObject()))
+        raiseMadeOther(functionName<creator>(), object, cls);
     if constexpr (isRetained<Inherited>)
         return cast<Self>(std::move(made));
     else
@@ -231,18 +232,19 @@ auto CreatorCall<Self, creator, TypeList<A...>>::operator()(A... arguments, Clas
 template <auto Function, ClassRole Role, class... A>
 Wire<typename FunctionTypes<decltype(Function)>::Result> StaticThunk<Function, Role, TypeList<A...>>::call(
     Object* self, SEL selector, Wire<A>... arguments) {
+    checkClasses<A...>(self, selector, arguments...);
     auto run = [&] {
         if constexpr (Role.takesClass)
-            return Function(argumentFromWire<A>(arguments, self, selector)..., static_cast<Class*>(self));
+            return Function(fromWire<A>(arguments)..., static_cast<Class*>(self));
         else
-            return Function(argumentFromWire<A>(arguments, self, selector)...);
+            return Function(fromWire<A>(arguments)...);
     };
     if constexpr (std::is_void_v<R>) {
         run();
     } else if constexpr (Role.isCreator) {
         Object* made = resultToWire(run());
         auto* wanted = static_cast<Class*>(self);
-        if (made && !made->isa()->isSubclassOfClass(wanted)) raiseMadeOther(made, wanted);
+        if (made && !made->isa()->isSubclassOfClass(wanted)) raiseMadeOther(selector.name(), made, wanted);
         return made;
     } else {
         return resultToWire(run());

@@ -6,16 +6,11 @@
 #include <limits>
 #include <string>
 
-#include "Runtime/NSException.h"
 #include "Runtime/NSInvocation.h"
+#include "Runtime/Private/Failures.h"
 
 namespace pelvor {
 namespace {
-
-std::string methodName(Object* target, SEL selector) {
-    Class* cls = target->isa();
-    return std::string(cls->isMetaclass() ? "+[" : "-[") + cls->publicName() + " " + selector.name() + "]";
-}
 
 [[noreturn]] void raiseType(Object* target, SEL selector, const std::string& what, const char* given,
                             const char* expected) {
@@ -263,11 +258,12 @@ void sendFrame(Object* target, SEL selector, NSMethodSignature* types, const std
     if (target) sendFrameFrom(target->isa(), target, selector, types, frame, result);
 }
 
-void raiseArgumentClass(Object* receiver, SEL selector, Object* argument, Class* expected) {
-    throw NSException(NSInvalidArgumentException, methodName(receiver, selector) + ": an object of class " +
-                                                      argument->isa()->publicName() +
-                                                      " stands where one of class " + expected->name() +
-                                                      " is expected");
+void raiseArgumentClass(Object* receiver, SEL selector, int position, Object* argument, Class* expected) {
+    const std::string what = position ? "argument " + std::to_string(position) : "the result";
+    throw NSException(NSInvalidArgumentException, methodName(receiver, selector) + ": " + what +
+                                                      " is an object of class " +
+                                                      argument->isa()->publicName() + " where one of class " +
+                                                      expected->name() + " is expected");
 }
 
 }  // namespace pelvor

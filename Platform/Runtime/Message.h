@@ -8,17 +8,6 @@ namespace pelvor {
 
 namespace detail {
 
-// How the result of a message is read: an object has to be of the class that the caller named.
-template <class R>
-R resultFromWire(Wire<R> value, Object* target, SEL selector) {
-    if constexpr (isRetained<R>) {
-        using T = std::remove_pointer_t<decltype(std::declval<R>().get())>;
-        return R::retaining(argumentFromWire<T*>(value, target, selector));
-    } else {
-        return argumentFromWire<R>(value, target, selector);
-    }
-}
-
 /// The function of the method if the method has exactly these types, else null.
 PELVOR_EXPORT void (*matchingFunction(Class* cls, SEL selector, std::uint64_t signatureKey))();
 

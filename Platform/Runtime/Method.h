@@ -34,9 +34,10 @@ struct MethodGroup {
     MethodGroup* next = nullptr;  ///< the group that was there before
 };
 
-/// Raises NSInvalidArgumentException: an argument is of another class than the method takes.
-[[noreturn]] PELVOR_EXPORT void raiseArgumentClass(Object* receiver, SEL selector, Object* argument,
-                                                   Class* expected);
+/// Raises NSInvalidArgumentException: an argument is of another class than the method takes. Positions count
+/// from 1; position 0 is the result.
+[[noreturn]] PELVOR_EXPORT void raiseArgumentClass(Object* receiver, SEL selector, int position,
+                                                   Object* argument, Class* expected);
 
 /// Whether the C++ object is of the C++ class that stands behind `cls`, whatever has posed or forwards.
 PELVOR_EXPORT bool isNativeKindOf(Object* object, Class* cls);
@@ -69,17 +70,38 @@ Wire<T> resultToWire(T&& value) {
 }
 
 template <class T>
-T argumentFromWire(Wire<T> value, Object* receiver, SEL selector) {
-    if constexpr (ObjectPointer<T>) {
-        using Pointee = std::remove_cv_t<std::remove_pointer_t<T>>;
-        if constexpr (!std::is_same_v<Pointee, Object>)
-            if (value && !isNativeKindOf(value, Pointee::classObject()))
-                raiseArgumentClass(receiver, selector, value, Pointee::classObject());
-        return static_cast<T>(value);
-    } else if constexpr (std::is_pointer_v<T> && !isClassPointer<T>) {
+void checkClass(Wire<T> value, Object* receiver, SEL selector, int position) {
+    if constexpr (ObjectPointer<T> && !std::is_same_v<std::remove_cv_t<std::remove_pointer_t<T>>, Object>) {
+        Class* expected = std::remove_pointer_t<T>::classObject();
+        if (value && !isNativeKindOf(value, expected))
+            raiseArgumentClass(receiver, selector, position, value, expected);
+    }
+}
+
+template <class... A>
+void checkClasses(Object* receiver, SEL selector, Wire<A>... arguments) {
+    [[maybe_unused]] int position = 0;
+    (checkClass<A>(arguments, receiver, selector, ++position), ...);
+}
+
+/// The value that came over the wire, its class unchecked.
+template <class T>
+T fromWire(Wire<T> value) {
+    if constexpr (std::is_pointer_v<T> && !ObjectPointer<T> && !isClassPointer<T>)
         return reinterpret_cast<T>(value);
-    } else {
+    else
         return static_cast<T>(value);
+}
+
+// How the result of a message is read: an object has to be of the class that the caller named.
+template <class R>
+R resultFromWire(Wire<R> value, Object* receiver, SEL selector) {
+    if constexpr (isRetained<R>) {
+        using T = std::remove_pointer_t<decltype(std::declval<R>().get())>;
+        return R::retaining(resultFromWire<T*>(value, receiver, selector));
+    } else {
+        checkClass<R>(value, receiver, selector, 0);
+        return fromWire<R>(value);
     }
 }
 
@@ -108,14 +130,6 @@ bool passesQuickCheck(Wire<T> value) {
         return !ObjectPointer<T> || std::is_same_v<T, Object*>;
 }
 
-template <class T>
-T uncheckedFromWire(Wire<T> value) {
-    if constexpr (ObjectPointer<T>)
-        return static_cast<T>(value);
-    else
-        return argumentFromWire<T>(value, nullptr, SEL());
-}
-
 template <auto Function, class Arguments>
 struct MemberThunk;
 template <auto Function, class... A>
@@ -128,14 +142,15 @@ struct MemberThunk<Function, TypeList<A...>> {
         if constexpr ((hasQuickCheck<A> || ...)) {
             if (!(passesQuickCheck<A>(arguments) && ...)) [[unlikely]]
                 return callChecked(self, selector, arguments...);
-            return callWith(self, uncheckedFromWire<A>(arguments)...);
         } else {
-            return callWith(self, argumentFromWire<A>(arguments, self, selector)...);
+            checkClasses<A...>(self, selector, arguments...);
         }
+        return callWith(self, fromWire<A>(arguments)...);
     }
     // Apart, so that the quick road saves no registers.
     [[gnu::noinline]] static Wire<R> callChecked(Object* self, SEL selector, Wire<A>... arguments) {
-        return callWith(self, argumentFromWire<A>(arguments, self, selector)...);
+        checkClasses<A...>(self, selector, arguments...);
+        return callWith(self, fromWire<A>(arguments)...);
     }
     static Wire<R> callWith(Object* self, A... arguments) {
         if constexpr (std::is_void_v<R>)
@@ -157,11 +172,11 @@ struct AdditionThunk<Function, First, TypeList<A...>> {
     using C = std::remove_pointer_t<First>;
 
     static Wire<R> call(Object* self, SEL selector, Wire<A>... arguments) {
+        checkClasses<A...>(self, selector, arguments...);
         if constexpr (std::is_void_v<R>)
-            Function(static_cast<First>(self), argumentFromWire<A>(arguments, self, selector)...);
+            Function(static_cast<First>(self), fromWire<A>(arguments)...);
         else
-            return resultToWire(
-                Function(static_cast<First>(self), argumentFromWire<A>(arguments, self, selector)...));
+            return resultToWire(Function(static_cast<First>(self), fromWire<A>(arguments)...));
     }
     static IMP implementation() {
         return {reinterpret_cast<void (*)()>(&call), &SignatureFor<R, A...>::object, receiverRecord<C>()};

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "Runtime/Message.h"
-#include "Runtime/NSException.h"
+#include "Runtime/Private/Failures.h"
 #include "Runtime/RuntimeLibrary.h"
 
 namespace pelvor {
@@ -108,11 +108,12 @@ NSInvocation::~NSInvocation() {
 }
 
 NSInvocation* NSInvocation::invocationWithMethodSignature(NSMethodSignature* signature) {
+    requireNotNull(signature, "invocationWithMethodSignature:", "the signature");
     return initWithMethodSignature(signature).autorelease();
 }
 
 Retained<NSInvocation> NSInvocation::initWithMethodSignature(NSMethodSignature* signature) {
-    if (!signature) throw NSException(NSInvalidArgumentException, "an invocation needs a method signature");
+    requireNotNull(signature, "initWithMethodSignature:", "the signature");
     return forMessage(signature, nullptr, SEL());
 }
 
@@ -131,16 +132,18 @@ void NSInvocation::setTarget(Object* target) {
 
 void NSInvocation::raiseIndex(int index) {
     throw NSException(NSInvalidArgumentException, "argument index " + std::to_string(index) +
-                                                      " is outside the message " + _selector.name());
+                                                      " is outside the message " +
+                                                      methodName(_target, _selector));
 }
 
 void NSInvocation::requireType(const ArgumentLayout& place, const char* encoding) {
     if (std::strcmp(place.encoding, encoding) == 0) return;
-    bool isResult = &place == &_signature->result();
-    throw NSException(NSInvalidArgumentException,
-                      std::string(isResult ? "the result of " : "an argument of ") + _selector.name() +
-                          " is " + detail::describeType(place.encoding) + ", not " +
-                          detail::describeType(encoding));
+    std::string what = "the result";
+    for (std::uint32_t i = 0; i < _signature->argumentCount(); ++i)
+        if (&place == &_signature->argument(i)) what = "the argument at index " + std::to_string(i + 2);
+    throw NSException(NSInvalidArgumentException, what + " of " + methodName(_target, _selector) + " is " +
+                                                      detail::describeType(place.encoding) + ", not " +
+                                                      detail::describeType(encoding));
 }
 
 // Most results fit in the object, where clearing all of it is quicker than clearing what is used.
@@ -166,6 +169,7 @@ void NSInvocation::drop(const ArgumentLayout& argument, void* place) {
 
 void NSInvocation::setArgument_atIndex(const void* buffer, int index) {
     const ArgumentLayout& argument = argumentAtIndex(index);
+    requireNotNull(buffer, "setArgument:atIndex:", "the buffer");
     void* previous = nullptr;
     void* place = _frame + argument.offset;
     bool isHeld = _retainsArguments && (isObject(argument) || isText(argument));
@@ -178,14 +182,19 @@ void NSInvocation::setArgument_atIndex(const void* buffer, int index) {
 
 void NSInvocation::getArgument_atIndex(void* buffer, int index) {
     const ArgumentLayout& argument = argumentAtIndex(index);
+    requireNotNull(buffer, "getArgument:atIndex:", "the buffer");
     std::memcpy(buffer, _frame + argument.offset, argument.size);
 }
 
 void NSInvocation::getReturnValue(void* buffer) {
+    if (_signature->methodReturnLength() == 0) return;
+    requireNotNull(buffer, "getReturnValue:", "the buffer");
     std::memcpy(buffer, _result, _signature->methodReturnLength());
 }
 
 void NSInvocation::setReturnValue(const void* buffer) {
+    if (_signature->methodReturnLength() == 0) return;
+    requireNotNull(buffer, "setReturnValue:", "the buffer");
     if (_holdsResult) drop(_signature->result(), _result);
     std::memcpy(_result, buffer, _signature->methodReturnLength());
     _holdsResult = _retainsArguments;

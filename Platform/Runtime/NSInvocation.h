@@ -74,7 +74,7 @@ class PELVOR_EXPORT NSInvocation final : public NSObject {
         const ArgumentLayout& result = _signature->result();
         if (result.encoding != typeEncoding<T>.text) [[unlikely]]
             requireType(result, typeEncoding<T>.text);
-        return detail::argumentFromWire<T>(*reinterpret_cast<Wire<T>*>(_result), this, _selector);
+        return detail::resultFromWire<T>(*reinterpret_cast<Wire<T>*>(_result), _target, _selector);
     }
     /// The argument frame, and the place of the result, for the message machinery.
     std::byte* frame() { return _frame; }

@@ -11,21 +11,33 @@ namespace pelvor {
 template <class T>
 class MethodTable;
 
+namespace detail {
+
+/// The nearest base of Self with PELVOR_CLASS, whose `pelvorSuperclass` is the best match: Self's own takes
+/// every asker but Self.
+template <class Self>
+using SuperclassOf = std::remove_pointer_t<decltype(pelvorSuperclass(static_cast<Self*>(nullptr),
+                                                                     static_cast<Self*>(nullptr)))>;
+
+}  // namespace detail
+
 /// In the body of a C++ class: ties the class to its class record, which `Self::classObject()` returns. The
 /// .cpp of the class has PELVOR_DEFINE_CLASS.
-#define PELVOR_CLASS(Self, Base)                                             \
-  public:                                                                    \
-    using ClassSelf = Self;                                                  \
-    using Super = Base;                                                      \
-    static ::pelvor::Class classRecord;                                      \
-    static ::pelvor::Class metaclassRecord;                                  \
-    static ::pelvor::Class* classObject() noexcept { return &classRecord; }  \
-                                                                             \
-  protected:                                                                 \
-    void destroy() noexcept override { ::pelvor::Instances::destroy(this); } \
-                                                                             \
-  private:                                                                   \
-    friend struct ::pelvor::Instances;                                       \
+#define PELVOR_CLASS(Self, Base)                                                         \
+  public:                                                                                \
+    using ClassSelf = Self;                                                              \
+    using Super = Base;                                                                  \
+    static ::pelvor::Class classRecord;                                                  \
+    static ::pelvor::Class metaclassRecord;                                              \
+    static ::pelvor::Class* classObject() noexcept { return &classRecord; }              \
+    template <class Asker>                                                               \
+    requires(!std::is_same_v<Asker, Self>) friend Self* pelvorSuperclass(Asker*, Self*); \
+                                                                                         \
+  protected:                                                                             \
+    void destroy() noexcept override { ::pelvor::Instances::destroy(this); }             \
+                                                                                         \
+  private:                                                                               \
+    friend struct ::pelvor::Instances;                                                   \
     static void defineMethods(::pelvor::MethodTable<Self>& methods)
 
 /// In the .cpp, outside any function, followed by a body that adds the class's methods to
@@ -35,6 +47,8 @@ class MethodTable;
                                                     &Self::Super::metaclassRecord);                          \
     constinit ::pelvor::Class Self::classRecord(#Self, &Self::metaclassRecord, &Self::Super::classRecord,    \
                                                 ::pelvor::Instances::nativeClass<Self>(), &library);         \
+    static_assert(std::is_same_v<::pelvor::detail::SuperclassOf<Self>, Self::Super>,                         \
+                  "PELVOR_CLASS names another class than the superclass");                                   \
     static_assert(::pelvor::detail::checkCreators<Self>());                                                  \
     void Self::defineMethods([[maybe_unused]] ::pelvor::MethodTable<Self>& methods)
 

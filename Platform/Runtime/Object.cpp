@@ -6,8 +6,8 @@
 #include <string>
 
 #include "Runtime/Message.h"
-#include "Runtime/NSException.h"
 #include "Runtime/NSInvocation.h"
+#include "Runtime/Private/Failures.h"
 
 namespace pelvor {
 
@@ -40,15 +40,16 @@ NSMethodSignature* Object::methodSignatureForSelector(SEL selector) {
     return _isa->signatureOfInstanceMethod(selector);
 }
 
-void Object::forwardInvocation(NSInvocation* invocation) { doesNotRecognizeSelector(invocation->selector()); }
+void Object::forwardInvocation(NSInvocation* invocation) {
+    requireNotNull(invocation, "forwardInvocation:", "the invocation");
+    doesNotRecognizeSelector(invocation->selector());
+}
 
 void Object::doesNotRecognizeSelector(SEL selector) {
     char address[32];
     std::snprintf(address, sizeof address, "%p", static_cast<void*>(this));
-    bool isClass = _isa->isMetaclass();
-    std::string reason = std::string(isClass ? "+[" : "-[") + _isa->publicName() + " " +
-                         (selector ? selector.name() : "(null)") + "]: unrecognized selector sent to " +
-                         (isClass ? "class " : "instance ") + address;
+    std::string reason = methodName(this, selector) + ": unrecognized selector sent to " +
+                         (_isa->isMetaclass() ? "class " : "instance ") + address;
     if (!_isa->isListed()) reason += std::string("; the class is in no library's list");
     throw NSException(NSInvalidArgumentException, reason);
 }

@@ -15,8 +15,7 @@ std::string prefix(const char* operation) {
     return text.empty() ? text : text + (text.ends_with(':') ? " " : ": ");
 }
 
-// As %d prints it.
-std::string number(NSUInteger value) { return "(" + std::to_string(static_cast<int>(value)) + ")"; }
+std::string number(NSUInteger value) { return "(" + std::to_string(value) + ")"; }
 
 }  // namespace
 
@@ -54,7 +53,8 @@ void raiseNullArgument(const char* operation, const char* name) {
 }
 
 void requireObjects(Object* const* objects, NSUInteger count, const char* operation, const char* name) {
-    requireMemory(objects, count, operation, ("the " + std::string(name) + "s").c_str());
+    if (!objects && count) [[unlikely]]
+        raiseNullMemory(count, operation, ("the " + std::string(name) + "s").c_str());
     for (NSUInteger i = 0; i < count; ++i)
         if (!objects[i]) [[unlikely]]
             raiseBadArgument(operation, name + (" " + std::to_string(i + 1)) + " of " +

@@ -23,7 +23,7 @@ PELVOR_EXPORT std::string rangeText(NSRange range);
                                                        const char* operation = nullptr);
 /// Raises NSRangeException, "getCharacters:range: range {2, 2} beyond bounds (3)".
 [[noreturn]] PELVOR_EXPORT void raiseRangeBeyondBounds(NSRange range, NSUInteger bounds,
-                                                       const char* operation = nullptr);
+                                                       const char* operation);
 /// Raises NSInvalidArgumentException, "operation: sentence"; the sentence names the argument and what is
 /// wrong with it.
 [[noreturn]] PELVOR_EXPORT void raiseBadArgument(const char* operation, const std::string& sentence);
@@ -37,7 +37,7 @@ PELVOR_EXPORT std::string rangeText(NSRange range);
 [[noreturn]] PELVOR_EXPORT void raiseTooLong(std::uint64_t length, const char* operation);
 
 /// Raises NSRangeException for an index not below `bounds`.
-inline void requireIndex(NSUInteger index, NSUInteger bounds, const char* operation = nullptr) {
+inline void requireIndex(NSUInteger index, NSUInteger bounds, const char* operation) {
     if (index >= bounds) [[unlikely]]
         raiseIndexBeyondBounds(index, bounds, operation);
 }
@@ -49,7 +49,7 @@ inline void requirePlace(NSUInteger place, NSUInteger end, const char* operation
 }
 
 /// Raises NSRangeException for a range that is not inside a sequence of `count` places.
-inline void requireRange(NSRange range, NSUInteger count, const char* operation = nullptr) {
+inline void requireRange(NSRange range, NSUInteger count, const char* operation) {
     if (!isRangeInside(range, count)) [[unlikely]]
         raiseRangeBeyondBounds(range, count, operation);
 }

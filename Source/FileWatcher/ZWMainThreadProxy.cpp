@@ -4,6 +4,7 @@
 #include "BaseLibrary.h"
 #include "Foundation/NSObject-MainThread.h"
 #include "Runtime/Registry.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 namespace {
@@ -51,6 +52,7 @@ void ZWMainThreadProxy::requireTarget(SEL selector) {
 }
 
 void ZWMainThreadProxy::forwardInvocation(NSInvocation* invocation) {
+    requireArgument(invocation, "forwardInvocation:", "the invocation");
     requireTarget(invocation->selector());
     invocation->retainArguments();
     auto target = Retained<Object>::retaining(_target);

@@ -28,12 +28,14 @@ void ensureRoom(OFCaseConversionBuffer* record, NSUInteger count) {
 }  // namespace
 
 void OFCaseConversionBufferInit(OFCaseConversionBuffer* record) {
+    requireArgument(record, "OFCaseConversionBufferInit:", "the record");
     *record = {};
     ensureRoom(record, kInitialSize);
     record->string = NSMutableString::initWithCapacity(kInitialSize).leak();
 }
 
 void OFCaseConversionBufferDestroy(OFCaseConversionBuffer* record) {
+    requireArgument(record, "OFCaseConversionBufferDestroy:", "the record");
     if (record->string) record->string->release();
     std::free(record->buffer);
     *record = {};
@@ -41,6 +43,7 @@ void OFCaseConversionBufferDestroy(OFCaseConversionBuffer* record) {
 
 Retained<NSString> OFCreateStringByLowercasingCharacters(OFCaseConversionBuffer* record,
                                                          const unichar* characters, NSUInteger count) {
+    requireArgument(record, "OFCreateStringByLowercasingCharacters:", "the record");
     requireMemory(characters, count, "OFCreateStringByLowercasingCharacters:", "the characters");
     unichar joined = 0;
     bool hasCapital = false;

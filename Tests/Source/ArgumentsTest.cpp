@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What operations say that refuse an argument: themselves, the argument, and what is wrong with it.
 #include "NSArray-PelvorAdditions.h"
+#include "NSArray-PelvorRangeArray.h"
 #include "NSData-PelvorAdditions.h"
 #include "NSDictionary-PelvorAdditions.h"
 #include "NSIndexSet-PelvorAdditions.h"
@@ -10,6 +11,7 @@
 #include "NSObject-PelvorAdditions.h"
 #include "NSRunLoop-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
+#include "PBDelayedActionTimer.h"
 #include "PBFloatArray.h"
 #include "PBNotificationCenter.h"
 #include "PBPlanarRange.h"
@@ -68,6 +70,7 @@ TEST(Arguments, ThatAreNullAreNamed) {
     REFUSED(noBuffer, pieces->getCharacters_range(nullptr, {0, 1}));
     REFUSED(noPoints, Strings::stringWithCodepoints_count(nullptr, 1));
     REFUSED(noPoints, Strings::initWithCodepoints_count(nullptr, 1));
+    REFUSED("the class is null", Strings::stringWithCharacter(u'a', nullptr));
     REFUSED("the data is null", Strings::stringWithData_encoding(nullptr, NSUTF8StringEncoding));
     REFUSED(noSet, locationOfCharacterFromSet_options_location(text, nullptr, 0, 0));
     REFUSED("the target is null", stringByReplacingAllOccurrencesOfString_withString(text, nullptr, text));
@@ -116,8 +119,16 @@ TEST(Arguments, OfCollectionsAndMessagesAreNamed) {
               "the message isEqual: cannot be given a number: its method takes an argument of another type");
     EXPECT_EQ(reasonOf([&] { performSelector_withInt(one, "intValue"_sel, 1); }),
               "the message intValue cannot be given a number: its method takes no argument");
-    EXPECT_THAT(reasonOf([&] { PBReplaceMethodImplementationWithSelector(cls, "intValue"_sel, unknown); }),
-                EndsWith(": the class NSNumber has no method unknown"));
+    const std::string noMethod = "the class NSNumber has no method unknown";
+    REFUSED(noMethod, PBReplaceMethodImplementationWithSelector(cls, unknown, unknown));
+    REFUSED(noMethod, PBReplaceMethodImplementationWithSelectorOnClass(cls, unknown, cls, unknown));
+    REFUSED("the class is null", PBReplaceMethodImplementation(nullptr, unknown, IMP()));
+    REFUSED("the interval is not a number",
+            PBDelayedActionTimer::initWithTimeInterval_fromFirst_target_selector(NAN, true, one, unknown));
+    REFUSED("the pointer to the results is null", PBSubtractionRanges({0, 5}, {1, 1}, nullptr));
+    REFUSED("the function is null",
+            insertObject_withCompareFunction_context(NSMutableArray::array(), one, nullptr, nullptr));
+    REFUSED("the array is null", addRange(nullptr, {0, 1}));
 }
 
 TEST(Arguments, ThatAreNullAreNamedByFunctions) {
@@ -149,7 +160,9 @@ TEST(Arguments, ThatLieOutsideAreNamed) {
     REFUSED("range {3, 1} beyond bounds (3)", rangeOfComposedCharactersForRange(text, {3, 1}));
     REFUSED(beyond, intValueAtIndex_effectiveRange(text, 4, nullptr));
     REFUSED(farBeyond, getCodepoints_range(text, nullptr, far));
-    EXPECT_THROW(countCodepointsInRange(text, far), NSException);
+    REFUSED(farBeyond, countCodepointsInRange(text, far));
+    REFUSED(farBeyond, wide->countCodepointsInRange(far));
+    REFUSED("index (2147483648) beyond bounds (0)", rangeAtIndex(NSArray::array(), 0x80000000u));
     REFUSED("index (3) beyond bounds (3)", wide->characterAtIndex(3));
     REFUSED("range {2, 2} beyond bounds (3)", wide->getCharacters_range(nullptr, {2, 2}));
     REFUSED("range {3, 1} beyond bounds (3)", wide->unicharRangeForCodepointsWithRange({3, 1}));

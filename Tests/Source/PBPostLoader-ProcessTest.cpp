@@ -3,6 +3,7 @@
 #include "Foundation/NSThread.h"
 #include "HookedClasses.h"
 #include "PBPostLoader.h"
+#include "PBProfile.h"
 #include "PBRegistry.h"
 #include "PBUtil.h"
 #include "TestClasses.h"
@@ -47,6 +48,17 @@ TEST(PostLoaderProcess, RunsNoThreadPhaseInsideAThreadPhase) {
         note("nobody listens yet");
         PBPostLoader::processClasses();
         noteWhetherMultiThreaded();
+    });
+}
+
+TEST(PostLoaderProcess, IsMissedOnceByARegistryToWhichTheHostAddedAProfile) {
+    expectJournal("1 asked", [] {
+        LogLines log;
+        PBRegistry* registry = PBRegistry::sharedRegistry();
+        registry->addProfile(PBProfile::profileWithIdentifier_dictionary_bundle(u"own"_ns, nullptr, nullptr));
+        for (int i = 0; i < 2; ++i) registry->profiles();
+        EXPECT_THAT(log.lines, Each(HasSubstr("processClasses() was not called")));
+        note(std::to_string(log.lines.size()) + " asked");
     });
 }
 

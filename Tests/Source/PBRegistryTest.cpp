@@ -102,6 +102,9 @@ TEST_F(PBRegistryTest, LogsBundleFileAndReasonOfDeclarationsThatCannotBeRead) {
     for (std::size_t i = 0; i < std::size(reasons); ++i)
         EXPECT_THAT(log.lines[i], AllOf(StartsWith("bundle " + plugIn->bundlePath()->toUTF8()),
                                         HasSubstr("/Profiles.plist cannot be read: "), EndsWith(reasons[i])));
+    ASSERT_EQ(mkfifo(folder.path("pipe.plist").c_str(), 0600), 0);
+    registry->addProfilesFromPath_bundle(NSString::ofUTF8(folder.path("pipe.plist")), nullptr);
+    EXPECT_THAT(log.lines.back(), EndsWith("it is no regular file"));
     registry->addProfilesFromPath_bundle(NSString::ofUTF8(folder.path("missing.plist")), nullptr);
     EXPECT_THAT(log.lines.back(), EndsWith("missing.plist cannot be read: the file cannot be read: "
                                            "No such file or directory"));
@@ -110,7 +113,9 @@ TEST_F(PBRegistryTest, LogsBundleFileAndReasonOfDeclarationsThatCannotBeRead) {
 TEST_F(PBRegistryTest, AFileDisablesOnlyItsOwnProfiles) {
     read("{ Profiles = { rtf = {type = old;}; txt = {}; }; DisabledProfiles = (rtf, html); }");
     EXPECT_EQ(names(registry), "txt");
+    LogLines log;
     read("{ Profiles = { rtf = {type = new;}; html = {}; }; DisabledProfiles = rtf; }");
+    EXPECT_THAT(log.lines, ElementsAre(StartsWith("'DisabledProfiles' should be an array! got: NS")));
     EXPECT_EQ(shown(names(registry), registry->setVersion()), "html rtf txt 3");
 }
 

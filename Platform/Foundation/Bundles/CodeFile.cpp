@@ -32,8 +32,11 @@ class File {
         struct stat status;
         return fstat(_descriptor, &status) == 0 && S_ISREG(status.st_mode) ? status.st_size : -1;
     }
-    bool read(void* buffer, std::size_t size, std::uint64_t offset) const {
-        return pread(_descriptor, buffer, size, static_cast<off_t>(offset)) == static_cast<ssize_t>(size);
+    /// Reads bytes, or returns why it cannot: the system's reason, or `fault` if the file ends before.
+    std::string read(void* buffer, std::size_t size, std::uint64_t offset, const char* fault) const {
+        ssize_t count = pread(_descriptor, buffer, size, static_cast<off_t>(offset));
+        if (count < 0) return std::string("cannot be read: ") + std::strerror(errno);
+        return static_cast<std::size_t>(count) == size ? "" : fault;
     }
 
   private:
@@ -43,7 +46,7 @@ class File {
 const ElfW(Ehdr) & ownHeader() {
     static const ElfW(Ehdr) header = [] {
         ElfW(Ehdr) own{};
-        File("/proc/self/exe").read(&own, sizeof own, 0);
+        File("/proc/self/exe").read(&own, sizeof own, 0, "");
         return own;
     }();
     return header;
@@ -62,8 +65,9 @@ std::string faultInHeader(const ElfW(Ehdr) & header) {
 
 std::string faultInSegments(const File& file, const ElfW(Ehdr) & header, std::uint64_t size) {
     std::vector<ElfW(Phdr)> segments(header.e_phnum);
-    if (!file.read(segments.data(), segments.size() * sizeof(ElfW(Phdr)), header.e_phoff))
-        return "is cut off";
+    std::string fault =
+        file.read(segments.data(), segments.size() * sizeof(ElfW(Phdr)), header.e_phoff, "is cut off");
+    if (!fault.empty()) return fault;
     for (const ElfW(Phdr) & segment : segments)
         if (segment.p_type == PT_LOAD &&
             (segment.p_filesz > size || segment.p_offset > size - segment.p_filesz))
@@ -79,8 +83,8 @@ std::string faultInCodeFile(const std::string& path) {
     off_t size = file.size();
     if (size < 0) return path + " is no plain file";
     ElfW(Ehdr) header;
-    if (!file.read(&header, sizeof header, 0)) return path + " is no ELF file";
-    std::string fault = faultInHeader(header);
+    std::string fault = file.read(&header, sizeof header, 0, "is no ELF file");
+    if (fault.empty()) fault = faultInHeader(header);
     if (fault.empty()) fault = faultInSegments(file, header, static_cast<std::uint64_t>(size));
     return fault.empty() ? "" : path + " " + fault;
 }

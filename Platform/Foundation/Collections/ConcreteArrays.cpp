@@ -58,7 +58,7 @@ NSInlineArray::~NSInlineArray() {
 }
 
 id NSInlineArray::objectAtIndex(NSUInteger index) {
-    requireIndex(index, _count);
+    requireIndex(index, _count, "objectAtIndex:");
     return objects()[index];
 }
 
@@ -77,7 +77,7 @@ NSBufferArray::~NSBufferArray() {
 }
 
 id NSBufferArray::objectAtIndex(NSUInteger index) {
-    requireIndex(index, count());
+    requireIndex(index, count(), "objectAtIndex:");
     return first()[index];
 }
 
@@ -111,7 +111,7 @@ void NSBufferArray::adoptObject(Retained<Object> object) {
 
 void NSBufferArray::insertObject_atIndex(id object, NSUInteger index) {
     requireArgument(object, "insertObject:atIndex:", "the object");
-    if (index > count()) raiseIndexBeyondBounds(index, count());
+    requirePlace(index, count(), "insertObject:atIndex:");
     replacePlaces(index, 0, 1);
     first()[index] = object->retain();
     ++_mutations;
@@ -119,12 +119,12 @@ void NSBufferArray::insertObject_atIndex(id object, NSUInteger index) {
 
 void NSBufferArray::replaceObjectAtIndex_withObject(NSUInteger index, id object) {
     requireArgument(object, "replaceObjectAtIndex:withObject:", "the object");
-    requireIndex(index, count());
+    requireIndex(index, count(), "replaceObjectAtIndex:withObject:");
     std::exchange(first()[index], object->retain())->release();
 }
 
 void NSBufferArray::removeObjectAtIndex(NSUInteger index) {
-    requireIndex(index, count());
+    requireIndex(index, count(), "removeObjectAtIndex:");
     id object = first()[index];
     replacePlaces(index, 1, 0);
     ++_mutations;

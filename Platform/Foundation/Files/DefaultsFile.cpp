@@ -73,8 +73,8 @@ DefaultsFile::State DefaultsFile::load() {
     int failure = readStatus(_known);
     if (failure == ENOENT || failure == ENOTDIR) return _state = State::missing;
     std::vector<std::byte> bytes;
-    if (!readFile(_path, bytes)) {
-        NSLog(u"NSUserDefaults: the settings in %s cannot be read: %s"_ns, _path, std::strerror(errno));
+    if (!readFile(_path, bytes, FileReading::regularOnly)) {
+        NSLog(u"NSUserDefaults: the settings in %s cannot be read: %s"_ns, _path, reasonOfReading());
         return _state = State::unreadable;
     }
     NSPropertyListError* error = nullptr;

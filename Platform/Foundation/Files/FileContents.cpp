@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <string_view>
 #include <utility>
@@ -252,12 +253,16 @@ bool meansRegularFile(std::string& path) {
 
 }  // namespace
 
-bool readFile(const std::string& path, std::vector<std::byte>& content) {
+const char* reasonOfReading() { return errno ? std::strerror(errno) : "it is no regular file"; }
+
+bool readFile(const std::string& path, std::vector<std::byte>& content, FileReading reading) {
     if (!isPath(path)) return false;
-    Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    bool isRegularOnly = reading == FileReading::regularOnly;
+    Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | (isRegularOnly ? O_NONBLOCK | O_NOCTTY : 0)));
     struct stat status;
     if (!file || ::fstat(file, &status) != 0) return false;
     if (S_ISDIR(status.st_mode)) return fail(EISDIR);
+    if (isRegularOnly && !S_ISREG(status.st_mode)) return fail(0);
     // The size is only a first guess: some files have no size, and others grow.
     std::size_t length = 0;
     content.resize(static_cast<std::size_t>(std::clamp<off_t>(status.st_size, 0, UINT32_MAX)) + 1);

@@ -9,9 +9,18 @@
 
 namespace pelvor {
 
+enum class FileReading : unsigned char {
+    any,         ///< a pipe or a device too, which may wait for what somebody writes
+    regularOnly  ///< what is no regular file is refused, without waiting
+};
+
 /// Reads a file to its end. Returns false, with the reason in `errno` and any `content`, when the file cannot
-/// be opened or read, is a folder, or holds 2^32 bytes or more.
-bool readFile(const std::string& path, std::vector<std::byte>& content);
+/// be opened or read, is a folder, holds 2^32 bytes or more, or is refused, which `errno` 0 tells.
+bool readFile(const std::string& path, std::vector<std::byte>& content,
+              FileReading reading = FileReading::any);
+
+/// The reason in `errno` in words: "No such file or directory", "it is no regular file".
+const char* reasonOfReading();
 
 enum class FileWriting : unsigned char {
     direct,        ///< into the file itself; a failure may leave a part of the content

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/PropertyLists/PropertyListFiles.h"
 
-#include <cerrno>
-#include <cstring>
 #include <vector>
 
 #include "Foundation/Files/FileContents.h"
@@ -18,8 +16,8 @@ Retained<Object> readPropertyListFile(NSString* path, NSPropertyListMutabilityOp
                                       NSPropertyListFormat* format) {
     if (!path) throw PropertyListFault{"the path is null"};
     std::vector<std::byte> content;
-    if (!readFile(path->toUTF8(), content))
-        throw PropertyListFault{std::string("the file cannot be read: ") + std::strerror(errno)};
+    if (!readFile(path->toUTF8(), content, FileReading::regularOnly))
+        throw PropertyListFault{std::string("the file cannot be read: ") + reasonOfReading()};
     std::string_view bytes(reinterpret_cast<const char*>(content.data()), content.size());
     if (format) *format = propertyListFormatOf(bytes);
     if (bytes.empty() && path->hasSuffix(u".strings"_ns)) return NSDictionary::init();

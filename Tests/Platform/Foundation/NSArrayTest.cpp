@@ -12,7 +12,7 @@ TEST(NSArrayTest, HoldsWhatItWasMadeOf) {
     EXPECT_EQ(shown(array->lastObject(), NSArray::array()->lastObject()), "c (null)");
     EXPECT_EQ(send<id>(array, "objectAtIndex:"_sel, 1), num(2));
     EXPECT_EQ(RAISED(array->objectAtIndex(0x80000000u)),
-              "NSRangeException: index (-2147483648) beyond bounds (3)");
+              "NSRangeException: objectAtIndex: index (2147483648) beyond bounds (3)");
 }
 
 TEST(NSArrayTest, RetainsAndReleasesEachObjectOnce) {

@@ -207,6 +207,12 @@ TEST_F(BadBundleTest, FilesThatAreNoCodeAreRefused) {
         named(plist);
         fs::create_directories(plist.parent_path() / "Linux/code.so");
     });
+    // A file that counts as regular, and whose first bytes nobody can read.
+    expectRefused("unreadable", "executable: cannot be read: Input/output error", [&](const fs::path& plist) {
+        named(plist);
+        fs::create_directories(plist.parent_path() / "Linux");
+        fs::create_symlink("/proc/self/mem", plist.parent_path() / "Linux/code.so");
+    });
 }
 
 TEST_F(BadBundleTest, FilesThatMayNotBeReadAreRefused) {

@@ -64,12 +64,15 @@ TEST_F(NSBundleLocalizationTest, ATableThatCannotBeReadIsLoggedOnce) {
     folder.write(resources / "Bad.strings", "\"_Key\" = ");
     folder.write(resources / "List.strings", "(_Key)");
     folder.write(resources / "Empty.strings", "");
+    ASSERT_EQ(mkfifo((folder.path() / resources / "Pipe.strings").c_str(), 0600), 0);
     LogLines log;
-    for (NSString* table : {u"Bad"_ns, u"Bad"_ns, u"List"_ns, u"Empty"_ns})
+    for (NSString* table : {u"Bad"_ns, u"Bad"_ns, u"List"_ns, u"Empty"_ns, u"Pipe"_ns})
         EXPECT_EQ(shown(look(bundle, u"_Key"_ns, nullptr, table)), "_Key");
     EXPECT_THAT(log.lines,
                 ElementsAre(HasSubstr("Bad.strings cannot be read: line 1, column 10: the text ends"),
-                            HasSubstr("List.strings cannot be read: it is a list")));
+                            HasSubstr("List.strings cannot be read: it is a list"),
+                            EndsWith("Pipe.strings cannot be read: the file cannot be read: "
+                                     "it is no regular file")));
 }
 
 }  // namespace

@@ -53,7 +53,7 @@ TEST_P(NSMutableArrayTest, Removes) {
     array->removeObjectIdenticalTo(num(4));
     EXPECT_EQ(array->count(), 0u);
     EXPECT_EQ(RAISED(NSMutableArray::array()->removeLastObject()),
-              "NSRangeException: index (0) beyond bounds (0)");
+              "NSRangeException: removeLastObject: index (0) beyond bounds (0)");
 }
 
 TEST_P(NSMutableArrayTest, Sorts) {

@@ -213,6 +213,7 @@ TEST(PropertyLists, CanBeAskedForWithoutPlacesForFormatAndErrorAndBySelector) {
     NSPropertyListError* reason = nullptr;
     for (auto [path, expected] :
          {std::pair{u"/no/file"_ns, "the file cannot be read: No such file or directory"},
+          {u"/dev/null"_ns, "the file cannot be read: it is no regular file"},
           {static_cast<NSString*>(nullptr), "the path is null"}}) {
         EXPECT_FALSE(readFile(path, NSPropertyListImmutable, nullptr, &reason));
         EXPECT_EQ(shown(reason), expected);

@@ -247,6 +247,10 @@ TEST_F(UserDefaultsFiles, ThatAreNoFilesAreLeftAlone) {
     EXPECT_FALSE(save(open().get(), u"a"_ns, u"1"_ns));
     EXPECT_TRUE(fs::is_directory(path));
     EXPECT_THAT(log.lines, Contains(EndsWith("cannot be read: Is a directory")));
+    fs::remove(path);
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    EXPECT_EQ(found(u"a"_ns), "(null)");
+    EXPECT_THAT(log.lines.back(), EndsWith("cannot be read: it is no regular file"));
 }
 
 TEST_F(UserDefaultsFiles, MayBeLinksToOtherFiles) {

@@ -40,10 +40,14 @@ TEST_F(NSInvocationTest, RefusesWrongIndexesAndTypes) {
     EXPECT_EQ(RAISED(invocation->setArgument(1, 1)),
               invalid("argument index 1 is outside the message setLegs:"));
     EXPECT_EQ(RAISED(invocation->setArgument(2, 1.5)),
-              invalid("an argument of setLegs: is an int, not a double"));
+              invalid("the argument at index 2 of setLegs: is an int, not a double"));
+    invocation->setTarget(animal);
     EXPECT_EQ(RAISED(invocation->returnValue<int>()),
-              invalid("the result of setLegs: is nothing, not an int"));
-    EXPECT_THROW((void)NSInvocation::initWithMethodSignature(nullptr), NSException);
+              invalid("the result of -[Animal setLegs:] is nothing, not an int"));
+    EXPECT_EQ(RAISED(invocation->setArgument_atIndex(nullptr, 2)),
+              invalid("setArgument:atIndex: the buffer is null"));
+    EXPECT_EQ(RAISED((void)NSInvocation::initWithMethodSignature(nullptr)),
+              invalid("initWithMethodSignature: the signature is null"));
 }
 
 TEST_F(NSInvocationTest, KeepsWhatItIsToldToKeep) {

@@ -22,7 +22,8 @@ template <class Array>
 void expectArraysRefuse() {
     id some[] = {num(1), nullptr, num(3)};
     REFUSES("arrayWithObject: the object is null", Array::arrayWithObject(nullptr));
-    REFUSES("arrayWithObjects: object 2 of 2 is null", Array::of({num(1), nullptr}));
+    REFUSES(Array::classObject()->name() + std::string("::of: object 2 of 2 is null"),
+            Array::of({num(1), nullptr}));
     REFUSES("initWithObjects: object 1 of 1 is null", Array::initWithObjects({nullptr}));
     REFUSES("arrayWithObjects:count: object 2 of 3 is null", Array::arrayWithObjects_count(some, 3));
     REFUSES("initWithObjects:count: the objects must not be null where the length is 3",
@@ -98,7 +99,7 @@ TEST(CollectionFailures, OfDictionariesNameTheOperationAndTheArgument) {
 template <class Set>
 void expectSetsRefuse() {
     REFUSES("setWithObject: the object is null", Set::setWithObject(nullptr));
-    REFUSES("setWithObjects: object 1 of 1 is null", Set::of({nullptr}));
+    REFUSES(Set::classObject()->name() + std::string("::of: object 1 of 1 is null"), Set::of({nullptr}));
     REFUSES("initWithObjects: object 2 of 2 is null", Set::initWithObjects({num(1), nullptr}));
     REFUSES("setWithObjects:count: the objects must not be null where the length is 1",
             Set::setWithObjects_count(nullptr, 1));
@@ -115,7 +116,8 @@ TEST(CollectionFailures, OfSetsNameTheOperationAndTheArgument) {
     REFUSES("setByAddingObject: the object is null", NSSet::set()->setByAddingObject(nullptr));
     auto indexes = NSMutableIndexSet::init();
     const NSRange range{5, NSNotFound};
-    RAISES(NSRangeException, "index (2147483647) beyond bounds (2147483647)", indexes->addIndex(NSNotFound));
+    RAISES(NSRangeException, "addIndex: index (2147483647) beyond bounds (2147483647)",
+           indexes->addIndex(NSNotFound));
     RAISES(NSRangeException, "addIndexesInRange: range {5, 2147483647} beyond bounds (2147483647)",
            indexes->addIndexesInRange(range));
     RAISES(NSRangeException, "indexSetWithIndexesInRange: range {5, 2147483647} beyond bounds (2147483647)",
