@@ -82,6 +82,7 @@ NSWritingDirection NSParagraphStyle::defaultWritingDirectionForLanguage(NSString
 Retained<NSParagraphStyle> NSParagraphStyle::init(Class* cls) { return make<NSParagraphStyle>(cls); }
 
 Retained<NSParagraphStyle> NSParagraphStyle::initWithCoder(NSCoder* coder, Class* cls) {
+    requireArgument(coder, "initWithCoder:", "the coder");
     auto style = make<NSParagraphStyle>(cls);
     Values& values = style->_values;
     values.alignment = static_cast<NSTextAlignment>(coder->decodeIntForKey(u"alignment"_ns));
@@ -98,6 +99,7 @@ Retained<NSParagraphStyle> NSParagraphStyle::initWithCoder(NSCoder* coder, Class
 }
 
 void NSParagraphStyle::encodeWithCoder(NSCoder* coder) {
+    requireArgument(coder, "encodeWithCoder:", "the coder");
     coder->encodeInt_forKey(_values.alignment, u"alignment"_ns);
     coder->encodeInt_forKey(_values.baseWritingDirection, u"baseWritingDirection"_ns);
     coder->encodeInt_forKey(_values.lineBreakMode, u"lineBreakMode"_ns);

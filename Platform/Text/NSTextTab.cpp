@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "Foundation/NSCoder.h"
+#include "Shared/ArgumentChecks.h"
 #include "Text/TextLibrary.h"
 
 namespace pelvor {
@@ -71,6 +72,7 @@ Retained<NSTextTab> NSTextTab::initWithTextAlignment_location_options(NSTextAlig
 }
 
 Retained<NSTextTab> NSTextTab::initWithCoder(NSCoder* coder, Class* cls) {
+    requireArgument(coder, "initWithCoder:", "the coder");
     auto tab = initWithTextAlignment_location_options(
         static_cast<NSTextAlignment>(coder->decodeIntForKey(u"alignment"_ns)),
         coder->decodeFloatForKey(u"location"_ns),
@@ -80,6 +82,7 @@ Retained<NSTextTab> NSTextTab::initWithCoder(NSCoder* coder, Class* cls) {
 }
 
 void NSTextTab::encodeWithCoder(NSCoder* coder) {
+    requireArgument(coder, "encodeWithCoder:", "the coder");
     coder->encodeInt_forKey(_alignment, u"alignment"_ns);
     coder->encodeFloat_forKey(_location, u"location"_ns);
     coder->encodeObject_forKey(_options, u"options"_ns);
