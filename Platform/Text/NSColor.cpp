@@ -6,6 +6,7 @@
 
 #include "Foundation/NSCoder.h"
 #include "Foundation/NSString.h"
+#include "Shared/ArgumentChecks.h"
 #include "Text/NSGraphicsContext.h"
 #include "Text/TextLibrary.h"
 
@@ -114,6 +115,7 @@ NSString* NSColor::description() {
 Retained<Object> NSColor::copyWithZone(void*) { return Retained<Object>::retaining(this); }
 
 void NSColor::encodeWithCoder(NSCoder* coder) {
+    requireArgument(coder, "encodeWithCoder:", "the coder");
     coder->encodeFloat_forKey(_red, u"NSRed"_ns);
     coder->encodeFloat_forKey(_green, u"NSGreen"_ns);
     coder->encodeFloat_forKey(_blue, u"NSBlue"_ns);
@@ -121,6 +123,7 @@ void NSColor::encodeWithCoder(NSCoder* coder) {
 }
 
 Retained<NSColor> NSColor::initWithCoder(NSCoder* coder, Class* cls) {
+    requireArgument(coder, "initWithCoder:", "the coder");
     auto part = [coder](NSString* key) { return coder->decodeFloatForKey(key); };
     return Retained<NSColor>::retaining(colorWithCalibratedRed_green_blue_alpha(
         part(u"NSRed"_ns), part(u"NSGreen"_ns), part(u"NSBlue"_ns), part(u"NSAlpha"_ns), cls));

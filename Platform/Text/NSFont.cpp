@@ -11,6 +11,7 @@
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSString.h"
+#include "Shared/ArgumentChecks.h"
 #include "Text/Fonts/FontCatalogue.h"
 #include "Text/Fonts/FontVariant.h"
 #include "Text/NSFontDescriptor.h"
@@ -269,6 +270,7 @@ NSRect NSFont::boundingRectForGlyph(NSGlyph glyph) {
 Retained<Object> NSFont::copyWithZone(void*) { return Retained<Object>::retaining(this); }
 
 void NSFont::encodeWithCoder(NSCoder* coder) {
+    requireArgument(coder, "encodeWithCoder:", "the coder");
     coder->encodeObject_forKey(fontName(), u"NSName"_ns);
     coder->encodeFloat_forKey(_size, u"NSSize"_ns);
     if (_variant->featureSettings())
@@ -276,6 +278,7 @@ void NSFont::encodeWithCoder(NSCoder* coder) {
 }
 
 Retained<NSFont> NSFont::initWithCoder(NSCoder* coder) {
+    requireArgument(coder, "initWithCoder:", "the coder");
     auto* name = cast<NSString>(coder->decodeObjectForKey(u"NSName"_ns));
     auto* settings = cast<NSArray>(coder->decodeObjectForKey(u"NSFeatures"_ns));
     const float size = coder->decodeFloatForKey(u"NSSize"_ns);

@@ -105,10 +105,12 @@ NSString* NSFontDescriptor::description() {
 Retained<Object> NSFontDescriptor::copyWithZone(void*) { return Retained<Object>::retaining(this); }
 
 void NSFontDescriptor::encodeWithCoder(NSCoder* coder) {
+    requireArgument(coder, "encodeWithCoder:", "the coder");
     coder->encodeObject_forKey(_attributes, u"NSAttributes"_ns);
 }
 
 Retained<NSFontDescriptor> NSFontDescriptor::initWithCoder(NSCoder* coder, Class* cls) {
+    requireArgument(coder, "initWithCoder:", "the coder");
     return initWithFontAttributes(cast<NSDictionary>(coder->decodeObjectForKey(u"NSAttributes"_ns)), cls);
 }
 
