@@ -150,8 +150,9 @@ namespace {
 
 // Null if the bytes are not UTF-8.
 Retained<NSString> utf8String(std::string_view bytes) {
-    auto string = NSInlineString::create(static_cast<NSUInteger>(unitCountOfUTF8(bytes)));
-    if (!decodeUTF8(bytes, string->characters()).isValid) return nullptr;
+    const std::size_t count = unitCountOfUTF8(bytes);
+    auto string = NSInlineString::create(static_cast<NSUInteger>(count));
+    if (!decodeUTF8(bytes, {string->characters(), count}).isValid) return nullptr;
     return string;
 }
 

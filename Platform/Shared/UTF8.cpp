@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "Shared/Codepoints.h"
+#include "Shared/UTF8Blocks.h"
 #include "Shared/Vectors.h"
 
 namespace pelvor {
@@ -16,7 +17,6 @@ namespace {
 using Byte = unsigned char;
 
 // Vectors that compilers turn into the machine's own.
-using Bytes8 = std::uint8_t __attribute__((vector_size(8)));
 using Words2 = std::uint64_t __attribute__((vector_size(16)));
 
 template <class T, class Char>
@@ -31,11 +31,6 @@ template <class Char>
 constexpr std::uint64_t kBeyondAscii = sizeof(Char) == 1 ? 0x8080808080808080u : 0xFF80FF80FF80FF80u;
 
 template <class Char>
-bool hasAsciiWord(const Char* text) {
-    return !(load<std::uint64_t>(text) & kBeyondAscii<Char>);
-}
-
-template <class Char>
 std::size_t prefixOf(std::basic_string_view<Char> text) {
     constexpr std::size_t kWord = 8 / sizeof(Char);
     const Char *place = text.data(), *end = place + text.size();
@@ -47,17 +42,6 @@ std::size_t prefixOf(std::basic_string_view<Char> text) {
         place += 4 * kWord;
     while (place < end && static_cast<std::make_unsigned_t<Char>>(*place) < 0x80) ++place;
     return static_cast<std::size_t>(place - text.data());
-}
-
-template <class Char>
-void widenEight(const Char* bytes, char16_t* units) {
-    Units8 wide = __builtin_convertvector(load<Bytes8>(bytes), Units8);
-    std::memcpy(units, &wide, sizeof wide);
-}
-
-void narrowEight(const char16_t* units, char* bytes) {
-    Bytes8 narrow = __builtin_convertvector(load<Units8>(units), Bytes8);
-    std::memcpy(bytes, &narrow, sizeof narrow);
 }
 
 void narrowSixteen(const char16_t* units, char* bytes) {
@@ -102,7 +86,7 @@ void widen(std::string_view bytes, char16_t* units) {
 void narrow(std::u16string_view units, char* bytes) {
     std::size_t i = 0;
     for (; i + 16 <= units.size(); i += 16) narrowSixteen(units.data() + i, bytes + i);
-    for (; i + 8 <= units.size(); i += 8) narrowEight(units.data() + i, bytes + i);
+    for (; i + 8 <= units.size(); i += 8) narrowEight(loadUnits(units.data() + i), bytes + i);
     for (; i < units.size(); ++i) bytes[i] = static_cast<char>(units[i]);
 }
 
@@ -114,9 +98,9 @@ std::size_t unitCountOfUTF8(std::string_view bytes) {
         // One for each lead, one more for the lead of a pair; no more than fit a byte in one go.
         Bytes16 counts{};
         for (int k = 0; k < 127 && i + 16 <= bytes.size(); ++k, i += 16) {
-            auto block = load<Bytes16>(bytes.data() + i);
-            counts -= reinterpret_cast<Bytes16>((block & 0xC0) != 0x80);
-            counts -= reinterpret_cast<Bytes16>((block & 0xF0) == 0xF0);
+            auto block = loadBytes(bytes.data() + i);
+            counts -= reinterpret_cast<Bytes16>((block & 0xC0) != vectorOf(std::uint8_t{0x80}));
+            counts -= reinterpret_cast<Bytes16>((block & 0xF0) == vectorOf(std::uint8_t{0xF0}));
         }
         for (int k = 0; k < 16; ++k) total += counts[k];
     }
@@ -127,27 +111,21 @@ std::size_t unitCountOfUTF8(std::string_view bytes) {
     return total;
 }
 
-DecodedUTF8 decodeUTF8(std::string_view text, char16_t* units) {
-    const char16_t* first = units;
+DecodedUTF8 decodeUTF8(std::string_view bytes, std::span<char16_t> units) {
+    const auto* first = reinterpret_cast<const Byte*>(bytes.data());
+    UTF8Work work{first, first + bytes.size(), units.data(), units.data() + units.size()};
     auto decoded = [&](bool isValid) {
-        return DecodedUTF8{static_cast<std::size_t>(units - first), isValid};
+        return DecodedUTF8{static_cast<std::size_t>(work.out - units.data()), isValid};
     };
-    const Byte *bytes = reinterpret_cast<const Byte*>(text.data()), *end = bytes + text.size();
-    while (bytes < end) {
-        if (*bytes < 0x80) {
-            while (end - bytes >= 8 && hasAsciiWord(bytes)) {
-                widenEight(bytes, units);
-                bytes += 8;
-                units += 8;
-            }
-            while (bytes < end && *bytes < 0x80) *units++ = *bytes++;
-        }
-        while (bytes < end && *bytes >= 0x80) {
+    while (work.in < work.inEnd) {
+        if (work.hasBoth(kEnoughForUTF8Blocks)) decodeUTF8Blocks(work, UTF8Rule::strict);
+        while (work.in < work.inEnd && *work.in < 0x80) *work.out++ = *work.in++;
+        while (work.in < work.inEnd && *work.in >= 0x80) {
             char32_t c;
-            std::size_t size = decodeSequence(bytes, end - bytes, c);
+            const std::size_t size = decodeSequence(work.in, work.inEnd - work.in, c);
             if (size == 0) return decoded(false);
-            bytes += size;
-            units = writeCodepoint(c, units);
+            work.in += size;
+            work.out = writeCodepoint(c, work.out);
         }
     }
     return decoded(true);
@@ -155,7 +133,7 @@ DecodedUTF8 decodeUTF8(std::string_view text, char16_t* units) {
 
 std::optional<std::u16string> unitsFromUTF8(std::string_view bytes) {
     std::u16string units(unitCountOfUTF8(bytes), u'\0');
-    if (!decodeUTF8(bytes, units.data()).isValid) return std::nullopt;
+    if (!decodeUTF8(bytes, units).isValid) return std::nullopt;
     return units;
 }
 
@@ -216,15 +194,15 @@ char* write(std::u16string_view text, char* bytes) {
     const char16_t *units = text.data(), *end = units + text.size();
     while (units < end) {
         for (; end - units >= 32; units += 32, bytes += 32) {
-            auto all = load<Units8>(units) | load<Units8>(units + 8) | load<Units8>(units + 16) |
-                       load<Units8>(units + 24);
+            auto all =
+                loadUnits(units) | loadUnits(units + 8) | loadUnits(units + 16) | loadUnits(units + 24);
             if (bitsOf(all) & kBeyondAscii<char16_t>) break;
             narrowSixteen(units, bytes);
             narrowSixteen(units + 16, bytes + 16);
         }
         if (end - units >= 8) {
-            if (const std::uint64_t bits = bitsOf(load<Units8>(units)); !(bits & kBeyondAscii<char16_t>)) {
-                narrowEight(units, bytes);
+            if (const std::uint64_t bits = bitsOf(loadUnits(units)); !(bits & kBeyondAscii<char16_t>)) {
+                narrowEight(loadUnits(units), bytes);
                 units += 8;
                 bytes += 8;
                 continue;

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -28,8 +29,9 @@ struct DecodedUTF8 {
     std::size_t unitCount;
     bool isValid;
 };
-/// Writes the units: no more than `unitCountOfUTF8` says, and no more than there are bytes.
-PELVOR_EXPORT DecodedUTF8 decodeUTF8(std::string_view bytes, char16_t* units);
+/// Writes the units, for which there has to be as much room as `unitCountOfUTF8` says, or as there are bytes.
+/// All of the room may be written to.
+PELVOR_EXPORT DecodedUTF8 decodeUTF8(std::string_view bytes, std::span<char16_t> units);
 
 /// No value for bytes that are not UTF-8.
 PELVOR_EXPORT std::optional<std::u16string> unitsFromUTF8(std::string_view bytes);

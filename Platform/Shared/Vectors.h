@@ -14,6 +14,7 @@ namespace pelvor {
 
 static_assert(std::endian::native == std::endian::little, "blocks are read with the first byte lowest");
 
+using Bytes8 = std::uint8_t __attribute__((vector_size(8)));
 using Bytes16 = std::uint8_t __attribute__((vector_size(16)));
 using Units8 = std::uint16_t __attribute__((vector_size(16)));
 
@@ -30,6 +31,18 @@ inline Units8 loadUnits(const void* from) {
 // Comparisons are written with these: clang 14 ends on one with a bare number.
 inline Bytes16 vectorOf(std::uint8_t byte) { return Bytes16{} + byte; }
 inline Units8 vectorOf(char16_t unit) { return Units8{} + static_cast<std::uint16_t>(unit); }
+
+/// Writes eight bytes as eight units, or the low bytes of eight units as eight bytes.
+inline void widenEight(const void* bytes, char16_t* units) {
+    Bytes8 eight;
+    std::memcpy(&eight, bytes, sizeof eight);
+    const auto wide = __builtin_convertvector(eight, Units8);
+    std::memcpy(units, &wide, sizeof wide);
+}
+inline void narrowEight(Units8 units, char* bytes) {
+    const auto eight = __builtin_convertvector(units, Bytes8);
+    std::memcpy(bytes, &eight, sizeof eight);
+}
 
 /// The low bytes of sixteen units.
 inline Bytes16 lowBytes(Units8 first, Units8 second) {

@@ -10,12 +10,11 @@
 #include "Runtime/NSException.h"
 #include "Scanning/Private/UTF8Step.h"
 #include "Shared/ArgumentChecks.h"
+#include "Shared/Codepoints.h"
 #include "Shared/Vectors.h"
 
 namespace pelvor {
 namespace {
-
-constexpr unichar kReplacement = 0xFFFD;
 
 // What stands at 0x80 to 0x9F in Windows Latin 1.
 constexpr unichar kWindowsLatin1[] = {
@@ -40,14 +39,14 @@ Table platformTable(NSStringEncoding encoding) {
     return tableOf([=](unsigned byte) {
         char character = static_cast<char>(byte);
         auto units = decodeBytes({&character, 1}, encoding);
-        return units && units->size() == 1 ? units->front() : kReplacement;
+        return units && units->size() == 1 ? units->front() : kReplacementCharacter;
     });
 }
 
 Table latin1Table(const unichar* controls) {
     return tableOf([=](unsigned byte) {
         if (byte >= 0xA0) return static_cast<unichar>(byte);
-        return controls ? controls[byte - 0x80] : kReplacement;
+        return controls ? controls[byte - 0x80] : kReplacementCharacter;
     });
 }
 
@@ -67,7 +66,7 @@ const Table* tableOfEncoding(CFStringEncoding encoding) {
             return &table;
         }
         case kCFStringEncodingASCII: {
-            static const Table table = tableOf([](unsigned) { return kReplacement; });
+            static const Table table = tableOf([](unsigned) { return kReplacementCharacter; });
             return &table;
         }
         case kCFStringEncodingKOI8_R: {

@@ -314,7 +314,7 @@ std::u16string decodeOldStyleText(std::string_view bytes) {
     if (bytes.starts_with("\xFF\xFE")) return decodeUTF16(bytes.substr(2), std::endian::little);
     if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
     std::u16string units(bytes.size(), u'\0');
-    DecodedUTF8 decoded = decodeUTF8(bytes, units.data());
+    DecodedUTF8 decoded = decodeUTF8(bytes, units);
     units.resize(decoded.unitCount);
     if (!decoded.isValid) throw placedFault("bytes that are not UTF-8", units, units.size());
     return units;

@@ -8,6 +8,7 @@
 #include "Foundation/PropertyLists/PropertyListBase64.h"
 #include "Foundation/PropertyLists/PropertyListBuilder.h"
 #include "Foundation/PropertyLists/PropertyListFault.h"
+#include "Shared/Vectors.h"
 
 namespace pelvor {
 namespace {
@@ -25,8 +26,6 @@ struct Reference {
 constexpr Reference kReferences[] = {{"&lt;", '<'},   {"&gt;", '>'},    {"&amp;", '&'},
                                      {"&quot;", '"'}, {"&apos;", '\''}, {"&#13;", '\r'}};
 
-using Bytes16 = std::uint8_t __attribute__((vector_size(16)));
-
 // Whether the character ends plain text: it begins a tag or a reference, or XML does not allow it or reads it
 // as another character.
 bool endsText(char c) {
@@ -37,18 +36,11 @@ bool endsText(char c) {
 std::size_t lengthOfText(std::string_view bytes) {
     std::size_t at = 0;
     for (; at + 16 <= bytes.size(); at += 16) {
-        Bytes16 block;
-        std::memcpy(&block, bytes.data() + at, sizeof block);
-        auto ends = (block == '<') | (block == '&') | (block == '>') |
-                    ((block < 0x20) & (block != '\t') & (block != '\n'));
-        std::uint64_t halves[2];
-        std::memcpy(halves, &ends, sizeof halves);
-        if (!(halves[0] | halves[1])) continue;
-        if constexpr (std::endian::native == std::endian::little)
-            return at + static_cast<std::size_t>(halves[0] ? std::countr_zero(halves[0])
-                                                           : 64 + std::countr_zero(halves[1])) /
-                            8;
-        break;
+        const Bytes16 block = loadBytes(bytes.data() + at);
+        auto is = [block](char c) { return block == vectorOf(static_cast<std::uint8_t>(c)); };
+        const auto ends =
+            is('<') | is('&') | is('>') | ((block < vectorOf(std::uint8_t{0x20})) & ~is('\t') & ~is('\n'));
+        if (const unsigned bits = bitsOf(ends)) return at + static_cast<std::size_t>(std::countr_zero(bits));
     }
     while (at < bytes.size() && !endsText(bytes[at])) ++at;
     return at;

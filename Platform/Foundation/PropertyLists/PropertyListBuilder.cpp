@@ -168,7 +168,7 @@ Retained<Object> PropertyListBuilder::stringFromUTF8(std::string_view utf8, bool
         return string;
     }
     if (_units.size() < utf8.size()) _units.resize(utf8.size());
-    DecodedUTF8 decoded = decodeUTF8(utf8, _units.data());
+    DecodedUTF8 decoded = decodeUTF8(utf8, _units);
     if (!decoded.isValid) throw PropertyListFault{"text that is not UTF-8"};
     std::u16string_view units(_units.data(), decoded.unitCount);
     if (isMutable) return makeString(units);

@@ -16,6 +16,7 @@
 #include "Foundation/PropertyLists/PropertyListWalk.h"
 #include "Shared/Codepoints.h"
 #include "Shared/UTF8.h"
+#include "Shared/Vectors.h"
 
 namespace pelvor {
 namespace {
@@ -31,19 +32,14 @@ constexpr std::string_view kFooter = "</plist>\n";
 constexpr std::size_t kDataWidth = 76;
 constexpr std::size_t kNarrowestData = 20;
 
-using Units8 = std::uint16_t __attribute__((vector_size(16)));
-using Bytes8 = std::uint8_t __attribute__((vector_size(8)));
-
 // Writes eight units as eight bytes. Returns false if one of the units does not stand for itself in XML.
 bool copyPlain(const unichar* units, char* out) {
-    Units8 eight;
-    std::memcpy(&eight, units, sizeof eight);
-    auto marked = (eight < 0x20) | (eight > 0x7F) | (eight == '<') | (eight == '>') | (eight == '&');
-    std::uint64_t halves[2];
-    std::memcpy(halves, &marked, sizeof halves);
-    if (halves[0] | halves[1]) return false;
-    Bytes8 narrow = __builtin_convertvector(eight, Bytes8);
-    std::memcpy(out, &narrow, sizeof narrow);
+    const Units8 eight = loadUnits(units);
+    auto is = [eight](unichar unit) { return eight == vectorOf(unit); };
+    const auto marked =
+        (eight < vectorOf(u' ')) | (eight > vectorOf(u'\x7F')) | is(u'<') | is(u'>') | is(u'&');
+    if (bitsOf(reinterpret_cast<Bytes16>(marked))) return false;
+    narrowEight(eight, out);
     return true;
 }
 

@@ -37,7 +37,7 @@ class UTF8Converter final : public EncodingConverter {
     bool decodeWhole(Bytes bytes, std::u16string& units) override {
         const std::size_t start = units.size();
         units.resize(start + unitCountOfUTF8(bytes));
-        const DecodedUTF8 decoded = decodeUTF8(bytes, units.data() + start);
+        const DecodedUTF8 decoded = decodeUTF8(bytes, std::span(units).subspan(start));
         units.resize(start + decoded.unitCount);
         return decoded.isValid;
     }

@@ -5,45 +5,34 @@
 #include <span>
 
 #include "Scanning/OFStringDecoder.h"
+#include "Shared/UTF8Blocks.h"
 
 namespace pelvor {
 
 /// Decodes from where a state left off as far as input and room go, and puts what is left into the state.
-class UTF8Step {
+class UTF8Step : UTF8Work {
   public:
     UTF8Step(OFStringDecoderState& state, std::span<const unsigned char> bytes, std::span<unichar> units)
-        : _state(state),
-          _in(bytes.data()),
-          _inEnd(bytes.data() + bytes.size()),
-          _out(units.data()),
-          _outEnd(units.data() + units.size()) {}
+        : UTF8Work{bytes.data(), bytes.data() + bytes.size(), units.data(), units.data() + units.size()},
+          _state(state) {}
 
     void run();
     /// Behind the bytes consumed and the units produced.
-    const unsigned char* input() const { return _in; }
-    const unichar* output() const { return _out; }
+    const unsigned char* input() const { return in; }
+    const unichar* output() const { return out; }
 
   private:
     enum class Progress { more, stopped };
 
-    std::size_t inputLeft() const { return static_cast<std::size_t>(_inEnd - _in); }
-    std::size_t roomLeft() const { return static_cast<std::size_t>(_outEnd - _out); }
-    // Goes as far as whole characters do in blocks, by wide instructions; what it leaves is for the rest.
-    // Each unit is put together at the last byte of its character; those places are then moved together.
-    void readWide();
-    // The same without wide instructions.
-    void readWellFormed();
+    std::size_t inputLeft() const { return static_cast<std::size_t>(inEnd - in); }
+    std::size_t roomLeft() const { return static_cast<std::size_t>(outEnd - out); }
     Progress readSequence();
     Progress readOwed();
     Progress put(std::uint32_t value);
-    void put(unichar unit) { *_out++ = unit; }
+    void put(unichar unit) { *out++ = unit; }
     void owe(std::uint32_t bits, std::uint16_t count);
 
     OFStringDecoderState& _state;
-    const unsigned char* _in;
-    const unsigned char* const _inEnd;
-    unichar* _out;
-    unichar* const _outEnd;
 };
 
 }  // namespace pelvor

@@ -4,6 +4,7 @@
 #include "Prelude.h"
 #include "RandomSteps.h"
 #include "Shared/Codepoints.h"
+#include "Shared/WideInstructions.h"
 
 namespace pelvor {
 namespace {
@@ -42,10 +43,36 @@ TEST(UTF8Test, RandomStepsOfAllKindsOfTextAgreeWithAPlainForm) {
         const std::string bytes = plainUTF8(units, hasLoneHalf);
         ASSERT_EQ(utf8FromUnitsMending(units), bytes) << step;
         ASSERT_EQ(utf8FromUnits(units), hasLoneHalf ? std::nullopt : std::optional(bytes)) << step;
-        if (!hasLoneHalf) {
-            ASSERT_EQ(unitsFromUTF8(bytes), units) << step;
-        }
+        if (hasLoneHalf) continue;
+        ASSERT_EQ(unitsFromUTF8(bytes), units) << step;
+        PlainInstructionsScope plain;
+        ASSERT_EQ(unitsFromUTF8(bytes), units) << step;
     }
+}
+
+// ICU tells what is ill-formed. The characters stand at every place of the blocks that are decoded at a time,
+// among others of one to four bytes, and where the text ends.
+TEST(UTF8Test, RefusesWhatIsIllFormedAtEveryPlaceOfABlock) {
+    const std::string_view fillings[] = {"a", "\xC3\xA9", "\xE6\xBC\xA2", "\xF0\x9F\x90\x88"};
+    for (unsigned lead = 0x80; lead < 0x100; ++lead)
+        for (unsigned second = 0; second < 0x100; ++second)
+            for (const unsigned last : {0x7Fu, 0x80u, 0xC0u}) {
+                const char bytes[] = {static_cast<char>(lead), static_cast<char>(second),
+                                      static_cast<char>(last), static_cast<char>(last)};
+                const std::string_view filling = fillings[(lead + second / 4) % 4];
+                std::string text;
+                while (text.size() < (lead + second) % 36) text += filling;
+                text.append(bytes, 1 + second % 4);
+                for (const std::size_t more : {0, 20, 60}) {
+                    for (std::size_t i = 0; i < more; i += filling.size()) text += filling;
+                    const std::u16string mended = unitsFromUTF8Mending(text);
+                    const bool isValid = mended.find(kReplacementCharacter) == mended.npos;
+                    const auto expected = isValid ? std::optional(mended) : std::nullopt;
+                    ASSERT_EQ(unitsFromUTF8(text), expected) << ::testing::PrintToString(text);
+                    PlainInstructionsScope plain;
+                    ASSERT_EQ(unitsFromUTF8(text), expected) << ::testing::PrintToString(text);
+                }
+            }
 }
 
 }  // namespace

@@ -6,14 +6,13 @@
 #include <utility>
 
 #include "Foundation/EncodingDetection.h"
-#include "Scanning/OFStringDecoder.h"
-#include "Writer/PlugIns/TextFiles/UTF8Check.h"
 
 namespace pelvor {
 namespace {
 
 constexpr std::size_t kSampleLength = 16 * 1024;
-constexpr std::size_t kBlockLength = 256 * 1024;  // fits the cache together with its text
+constexpr std::size_t kBlockLength = 256 * 1024;
+constexpr std::size_t kPieceLength = 16 * 1024;  // fits the nearest cache together with its text
 constexpr std::size_t kOtherNames = 3;
 
 // "UTF-8" and "windows-1252", as people write them.
@@ -43,25 +42,6 @@ bool looksLikeText(std::u16string_view units) {
     return static_cast<std::size_t>(controls) * 32 <= sample.size();
 }
 
-std::size_t lengthOfCutUTF8(std::string_view block) {
-    for (std::size_t back = 1; back <= std::min<std::size_t>(3, block.size()); ++back) {
-        const std::uint8_t byte = byteAt(block, block.size() - back);
-        if (!isContinuation(byte)) return back < lengthAfterLead(byte) ? back : 0;
-    }
-    return 0;
-}
-
-// The decoder lets through what is not valid, and puts something in its place.
-bool decodeUTF8(std::string_view block, UnitBuffer& units) {
-    if (!isUTF8(block)) return false;
-    const auto count = static_cast<NSUInteger>(block.size());
-    char16_t* room = units.room(count);
-    const auto* bytes = reinterpret_cast<const unsigned char*>(block.data());
-    const OFStringDecoderState state = OFInitialStateForEncoding(kCFStringEncodingUTF8);
-    units.take(OFScanCharactersIntoBuffer(state, bytes, count, room, count).charactersProduced);
-    return true;
-}
-
 enum class Trust {
     guessed,  // what does not look like text is not taken for it
     named,
@@ -78,21 +58,21 @@ class TextFilePass {
     bool decode(std::uint64_t place) {
         _start = place;
         const std::uint64_t length = std::max<std::uint64_t>(_source.length(), place) - place;
-        std::string bytes(std::min<std::uint64_t>(kBlockLength, length) + 4, '\0');
+        // Files that the system makes up say that they are empty.
+        std::string block(std::clamp<std::uint64_t>(length + 1, kPieceLength, kBlockLength), '\0');
         _text.room(length / (isWide(_encoding) ? 2 : 1) + 1);
-        for (std::size_t kept = 0;;) {
-            const std::ptrdiff_t count = _source.readAt(place, {bytes.data() + kept, bytes.size() - kept});
+        for (bool isLast = false; !isLast;) {
+            const std::ptrdiff_t count = _source.readAt(place, block);
             if (count < 0 || _text.view().size() >= NSNotFound) return fail(TextFileFault::unreadable);
             place += static_cast<std::uint64_t>(count);
             if (_progress) _progress(place, std::max(place, _source.length()));
-            const std::size_t available = kept + static_cast<std::size_t>(count);
-            const bool isLast = available < bytes.size();
-            kept = isLast || _encoding != NSUTF8StringEncoding ? 0 : lengthOfCutUTF8(bytes);
-            if (!decodePiece({bytes.data(), available - kept}, isLast))
-                return fail(TextFileFault::undecodable);
-            if (isLast) break;
-            std::copy(bytes.end() - static_cast<std::ptrdiff_t>(kept), bytes.end(), bytes.begin());
+            const auto size = static_cast<std::size_t>(count);
+            isLast = size < block.size();
+            for (std::size_t i = 0; i < size; i += kPieceLength)
+                if (!decodePiece({block.data() + i, std::min(kPieceLength, size - i)}))
+                    return fail(TextFileFault::undecodable);
         }
+        if (!finish()) return fail(TextFileFault::undecodable);
         _byteCount = place;
         return true;
     }
@@ -130,21 +110,22 @@ class TextFilePass {
         _fault = fault;
         return false;
     }
+    bool decodePiece(std::string_view bytes) {
+        _piece.clear();
+        return _decoder.decode(bytes, _piece) && takePiece(bytes);
+    }
+    bool finish() {
+        _piece.clear();
+        return _decoder.finish(_piece) && takePiece({});
+    }
     // Text has no zeros.
-    bool decodePiece(std::string_view bytes, bool isLast) {
-        const std::size_t start = _text.view().size();
-        if (_encoding == NSUTF8StringEncoding) {
-            if (!decodeUTF8(bytes, _text)) return false;
-        } else {
-            _piece.clear();
-            if (!_decoder.decode(bytes, _piece) || (isLast && !_decoder.finish(_piece))) return false;
-            _text.append(_piece);
-        }
+    bool takePiece(std::string_view bytes) {
+        const bool isFirst = _text.view().empty();
+        _text.append(_piece);
         if (_trust == Trust::named) return true;
-        const std::u16string_view units = _text.view().substr(start);
         const bool hasZero =
-            isWide(_encoding) ? units.find(u'\0') != units.npos : bytes.find('\0') != bytes.npos;
-        return !hasZero && (start > 0 || looksLikeText(units));
+            isWide(_encoding) ? _piece.find(u'\0') != _piece.npos : bytes.find('\0') != bytes.npos;
+        return !hasZero && (!isFirst || looksLikeText(_piece));
     }
 
     const TextFileSource& _source;

@@ -3,7 +3,7 @@
 #include <bit>
 #include <cstdint>
 
-#include "Scanning/Private/UTF8Step.h"
+#include "Shared/UTF8Blocks.h"
 #include "Shared/WideInstructions.h"
 
 #ifdef PELVOR_HAS_WIDE_FORMS
@@ -26,7 +26,7 @@ struct Block {
     Bits continuations;  // 10xxxxxx
     Bits leads3;         // of three bytes or more
     Bits leads4;         // of four bytes or more
-    Bits strange;  // leads of four bytes whose value is below 0x10000 or above 0x10FFFF, and those of more
+    Bits strange;        // leads of characters that the rule does not take, and bytes that are no leads
 
     // How many of the first bytes are whole characters that need no second look. A character that the end
     // cuts in two is not among them.
@@ -80,17 +80,32 @@ PELVOR_WIDE inline Bits bitsOf(__m256i bytes) { return static_cast<unsigned>(_mm
 
 PELVOR_WIDE inline __m256i isContinuation(__m256i bytes) { return _mm256_cmpgt_epi8(every(0xC0), bytes); }
 
-PELVOR_WIDE inline Bits strangeLeads(__m256i bytes) {
-    Bits isF0 = bitsOf(_mm256_cmpeq_epi8(bytes, every(0xF0)));
-    Bits isF4 = bitsOf(_mm256_cmpeq_epi8(bytes, every(0xF4)));
-    Bits hasLow = ~bitsOf(isAtLeast(bytes, 0x90)) >> 1;
-    return bitsOf(isAtLeast(bytes, 0xF5)) | (isF0 & hasLow) | (isF4 & ~hasLow);
+// Where a byte is this lead and the next byte is below the limit, or, for `isBelow` false, is not.
+PELVOR_WIDE inline Bits leadsBefore(__m256i bytes, int lead, bool isBelow, int limit) {
+    Bits isAbove = bitsOf(isAtLeast(bytes, limit));
+    return bitsOf(_mm256_cmpeq_epi8(bytes, every(lead))) & (isBelow ? ~isAbove : isAbove) >> 1;
 }
 
+// Leads of four bytes whose value is below 0x10000 or above 0x10FFFF, and those of more.
+PELVOR_WIDE inline Bits strangeLeadsOf4(__m256i bytes) {
+    return bitsOf(isAtLeast(bytes, 0xF5)) | leadsBefore(bytes, 0xF0, true, 0x90) |
+           leadsBefore(bytes, 0xF4, false, 0x90);
+}
+
+// Leads of overlong forms of two and three bytes, and of halves of pairs.
+PELVOR_WIDE inline Bits illFormedLeads(__m256i bytes, bool hasLeadsOf3) {
+    Bits leads = bitsOf(_mm256_cmpeq_epi8(both(bytes, every(0xFE)), every(0xC0)));
+    if (!hasLeadsOf3) return leads;
+    return leads | leadsBefore(bytes, 0xE0, true, 0xA0) | leadsBefore(bytes, 0xED, false, 0xA0);
+}
+
+template <UTF8Rule kRule>
 PELVOR_WIDE inline Block blockOf(__m256i bytes, Bits beyond) {
-    Bits leads4 = bitsOf(isAtLeast(bytes, 0xF0));
-    return {beyond, bitsOf(isContinuation(bytes)), bitsOf(isAtLeast(bytes, 0xE0)), leads4,
-            leads4 ? strangeLeads(bytes) : 0};
+    Block block{beyond, bitsOf(isContinuation(bytes)), bitsOf(isAtLeast(bytes, 0xE0)),
+                bitsOf(isAtLeast(bytes, 0xF0)), 0};
+    if (block.leads4) block.strange = strangeLeadsOf4(bytes);
+    if (kRule == UTF8Rule::strict) block.strange |= illFormedLeads(bytes, block.leads3 != 0);
+    return block;
 }
 
 // Three bytes a unit: its low six bits (seven in ASCII), the six above them, and the top four.
@@ -132,7 +147,7 @@ PELVOR_WIDE inline Parts partsOf(__m256i bytes, bool hasPairs) {
 }
 
 // Stores those of eight units whose bits are set, and returns the place behind them.
-PELVOR_WIDE inline unichar* storeChosen(unichar* units, __m128i eight, Bits places) {
+PELVOR_WIDE inline char16_t* storeChosen(char16_t* units, __m128i eight, Bits places) {
     auto choice = static_cast<unsigned>(places & 0xFF);
     __m128i shuffle = _mm_load_si128(reinterpret_cast<const __m128i*>(gathering.bytes[choice]));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(units), _mm_shuffle_epi8(eight, shuffle));
@@ -140,7 +155,7 @@ PELVOR_WIDE inline unichar* storeChosen(unichar* units, __m128i eight, Bits plac
 }
 
 // Writes up to 32 units, whatever their number.
-PELVOR_WIDE inline unichar* store(unichar* units, const Parts& parts, Bits places) {
+PELVOR_WIDE inline char16_t* store(char16_t* units, const Parts& parts, Bits places) {
     __m256i lower = either(parts.low, both(_mm256_slli_epi16(parts.middle, 6), every(0xC0)));
     __m256i upper = either(both(_mm256_srli_epi16(parts.middle, 2), every(0x0F)),
                            both(_mm256_slli_epi16(parts.top, 4), every(0xF0)));
@@ -151,19 +166,19 @@ PELVOR_WIDE inline unichar* store(unichar* units, const Parts& parts, Bits place
     return storeChosen(units, _mm256_extracti128_si256(odd, 1), places >> 24);
 }
 
-PELVOR_WIDE inline void storeASCII(unichar* units, __m256i bytes) {
+PELVOR_WIDE inline void storeASCII(char16_t* units, __m256i bytes) {
     auto* to = reinterpret_cast<__m256i*>(units);
     _mm256_storeu_si256(to, _mm256_cvtepu8_epi16(_mm256_castsi256_si128(bytes)));
     _mm256_storeu_si256(to + 1, _mm256_cvtepu8_epi16(_mm256_extracti128_si256(bytes, 1)));
 }
 
-}  // namespace
-
-// No more units than bytes come of a block: there is room for all.
-PELVOR_WIDE void UTF8Step::readWide() {
-    const unsigned char* in = _in;
-    unichar* out = _out;
-    while (_inEnd - in >= kBlockSize && _outEnd - out >= kBlockSize) {
+// No more units than bytes come of a block: there is room for all. Each unit is put together at the last byte
+// of its character; those places are then moved together.
+template <UTF8Rule kRule>
+PELVOR_WIDE void decode(UTF8Work& work) {
+    const unsigned char* in = work.in;
+    char16_t* out = work.out;
+    while (work.inEnd - in >= kBlockSize && work.outEnd - out >= kBlockSize) {
         __m256i bytes = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(in));
         Bits beyond = bitsOf(bytes);
         if (!beyond) {
@@ -172,18 +187,24 @@ PELVOR_WIDE void UTF8Step::readWide() {
             out += kBlockSize;
             continue;
         }
-        Block block = blockOf(bytes, beyond);
+        Block block = blockOf<kRule>(bytes, beyond);
         unsigned whole = block.wholeCount();
         out = store(out, partsOf(bytes, block.leads4 != 0), block.unitPlaces(whole));
         in += whole;
         // The end cuts off three bytes at most: what follows is malformed.
         if (whole < kBlockSize - 3) break;
     }
-    _in = in;
-    _out = out;
+    work.in = in;
+    work.out = out;
+}
+
+}  // namespace
+
+void decodeUTF8BlocksWidely(UTF8Work& work, UTF8Rule rule) {
+    rule == UTF8Rule::strict ? decode<UTF8Rule::strict>(work) : decode<UTF8Rule::lenient>(work);
 }
 #else
-void UTF8Step::readWide() {}
+void decodeUTF8BlocksWidely(UTF8Work&, UTF8Rule) {}
 #endif
 
 }  // namespace pelvor
