@@ -11,6 +11,7 @@
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSBundle.h"
+#include "Foundation/NSData.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSMutableSet.h"
@@ -25,6 +26,7 @@
 #include "Runtime/NSException.h"
 #include "Writer/DocumentCommands.h"
 #include "Writer/DocumentReport.h"
+#include "Writer/InputText.h"
 #include "Writer/PlugInObjects.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
@@ -216,7 +218,7 @@ void WRApplication::examineDocument() {
 void WRApplication::saveDocument() {
     NSString* path = _arguments->valueOfOption(u"--save-as"_ns);
     if (!path) return;
-    if (_hasFailedStep)
+    if (_stepFailure != StepFailure::none)
         return complain(localizedFormat(
             u"_The document \"%@\" was not written, because not all that was asked for was done."_ns, path));
     auto saver = WRDocumentSaver::initWithProfiles(registry());
@@ -286,17 +288,34 @@ void WRApplication::showPosition(NSString* text) {
 }
 
 // Who types a line sees that it failed, and decides what to do. Nobody else does.
-void WRApplication::takeLine(NSString* line) {
-    const bool hasFailedStep = _hasFailedStep;
-    obeyLine(line);
-    if (isatty(STDIN_FILENO)) _hasFailedStep = hasFailedStep;
+void WRApplication::takeLine(id line) {
+    const StepFailure failure = _stepFailure;
+    auto* text = cast<NSString>(line);
+    text ? obeyLine(text)
+         : failStep(localizedFormat(u"_The line \"%@\" is not UTF-8."_ns,
+                                    readableBytes(static_cast<NSData*>(line))));
+    if (isatty(STDIN_FILENO) && _stepFailure == StepFailure::some) _stepFailure = failure;
 }
 
 void WRApplication::obeyLine(NSString* line) {
     if (line->isEqualToString(u"quit"_ns)) return _loop->end();
-    if (line->isEqualToString(u"save"_ns) && _arguments->hasOption(u"--save-as"_ns)) return saveDocument();
+    if (line->isEqualToString(u"save"_ns)) return saveOnRequest();
     if (line->hasPrefix(u"at "_ns)) return showPosition(line->substringFromIndex(3));
     if (line->length()) applyEdit(line);
+}
+
+// Who asks again, after being told that something failed, wants the document as it is.
+void WRApplication::saveOnRequest() {
+    NSString* path = _arguments->valueOfOption(u"--save-as"_ns);
+    if (!path) return failStep(localized(u"_The line \"save\" needs the argument \"--save-as\"."_ns));
+    if (_stepFailure == StepFailure::some) {
+        _stepFailure = StepFailure::someToldAtSaving;
+        return complain(localizedFormat(
+            u"_The document \"%@\" was not written, because not all that was asked for was done. \"save\" once more writes it as it is."_ns,
+            path));
+    }
+    _stepFailure = StepFailure::none;
+    saveDocument();
 }
 
 void WRApplication::applyEdit(NSString* line) {
@@ -368,7 +387,7 @@ void WRApplication::complain(NSString* problem) {
 }
 
 void WRApplication::failStep(NSString* problem) {
-    _hasFailedStep = true;
+    _stepFailure = StepFailure::some;
     complain(problem);
 }
 

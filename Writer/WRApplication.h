@@ -28,7 +28,7 @@ class WRApplication : public NSObject {
     PELVOR_CREATORS(initWithArguments_start);
 
   public:
-    /// Takes the strings that follow the program's name. Times are counted from `start` on.
+    /// Takes what follows the program's name, made by `objectOfInput`. Times are counted from `start` on.
     static Retained<WRApplication> initWithArguments_start(NSArray* arguments,
                                                            std::chrono::steady_clock::time_point start);
 
@@ -47,7 +47,7 @@ class WRApplication : public NSObject {
     /// The messages of the main loop: an edit and a position of the command line, a line of standard input.
     void takeEdit(NSString* line);
     void takePosition(NSString* position);
-    void takeLine(NSString* line);
+    void takeLine(id line);
 
   protected:
     WRApplication() = default;
@@ -65,6 +65,7 @@ class WRApplication : public NSObject {
     void applyEdit(NSString* line);
     void showPosition(NSString* text);
     void saveDocument();
+    void saveOnRequest();
 
     void reportStart(NSArray* bundles);
     void reportArrivals(NSArray* bundles);
@@ -86,7 +87,8 @@ class WRApplication : public NSObject {
     NSUInteger _waitingPerforms = 0;
     bool _hasFailed = false;
     bool _hasLostOutput = false;  // standard output could not be written to
-    bool _hasFailedStep = false;  // then the document is not what the user requested, and is not written
+    // After a failed step the document is not what the user requested, and is not written.
+    enum class StepFailure { none, some, someToldAtSaving } _stepFailure = StepFailure::none;
     std::chrono::steady_clock::time_point _start;
     std::string _timing;
 };

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/WRArguments.h"
 
+#include "Foundation/NSData.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSMutableString.h"
+#include "Writer/InputText.h"
 #include "Writer/LocalizedText.h"
 #include "Writer/TextEdit.h"
 #include "Writer/WriterLibrary.h"
@@ -74,7 +76,8 @@ constexpr ProgramOption kOptions[] = {
     {.kind = OptionKind::flag,
      .name = u"--stay"_ns,
      .placeholder = u""_ns,
-     .explanation = u"_stays and takes edits, \"at POSITION\", \"save\" and \"quit\" from standard input"_ns},
+     .explanation =
+         u"_stays and takes edits, \"at POSITION\", \"save\" and \"quit\" from standard input; its end means \"quit\""_ns},
     {.kind = OptionKind::flag,
      .name = u"--encodings"_ns,
      .placeholder = u""_ns,
@@ -133,6 +136,10 @@ WRArguments::~WRArguments() = default;
 Retained<WRArguments> WRArguments::initWithArguments(NSArray* arguments, Class* cls) {
     auto self = make<WRArguments>(cls);
     self->_values = NSMutableDictionary::init();
+    for (id argument : arguments)
+        if (auto* bytes = cast<NSData>(argument))
+            self->_problem.set(localizedFormat(
+                u"_The argument \"%@\" is not UTF-8; names and texts have to be."_ns, readableBytes(bytes)));
     for (NSUInteger i = 0; i < arguments->count() && !self->_problem; ++i) self->takeArgument(arguments, i);
     if (!self->_problem) self->checkTogether();
     return self;
@@ -153,6 +160,8 @@ void WRArguments::takeArgument(NSArray* arguments, NSUInteger& index) {
         optionNamed(isJoined ? argument->substringToIndex(equals.location) : argument);
     if (!option || (isJoined && option->kind == OptionKind::flag))
         return _problem.set(localizedFormat(u"_The argument \"%@\" is not known."_ns, argument));
+    if (option->kind != OptionKind::edit && hasOption(option->name))
+        return _problem.set(localizedFormat(u"_The argument \"%@\" is given twice."_ns, option->name));
     if (option->kind == OptionKind::flag) return addValue(option->name, u""_ns);
     if (isJoined) return takeValue(*option, argument->substringFromIndex(NSMaxRange(equals)));
     if (++index == arguments->count())

@@ -21,7 +21,7 @@ class WRArguments : public NSObject {
     PELVOR_CREATORS(initWithArguments);
 
   public:
-    /// Takes the strings that follow the program's name.
+    /// Takes what follows the program's name, made by `objectOfInput`.
     static Retained<WRArguments> initWithArguments(NSArray* arguments, Class* cls = classObject());
 
     /// What is wrong with the arguments, as a sentence for the user; null if nothing is wrong.
@@ -29,7 +29,7 @@ class WRArguments : public NSObject {
     /// Null for the sample document.
     NSString* documentPath() { return _documentPath; }
     bool hasOption(NSString* name);
-    /// The value that was given last; null if the option was not given.
+    /// The value; null if the option was not given.
     NSString* valueOfOption(NSString* name);
     /// The value of an option with a number; 0 if the option was not given.
     NSUInteger numberOfOption(NSString* name);

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/WRDocumentOpener.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
-#include <filesystem>
+#include <cerrno>
+#include <cstring>
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSDictionary.h"
@@ -18,17 +20,37 @@
 namespace pelvor {
 namespace {
 
+// Why the file cannot be reached, as the system tells it.
+NSString* problemOfReason(int reason, NSString* path) {
+    switch (reason) {
+        case ENOENT:
+        case ENOTDIR:
+            return localizedFormat(u"_The document \"%@\" could not be opened: there is no such file."_ns,
+                                   path);
+        case EACCES:
+            return localizedFormat(u"_The document \"%@\" could not be opened: it may not be read."_ns, path);
+        case ELOOP:
+            return localizedFormat(
+                u"_The document \"%@\" could not be opened: its links lead in a circle."_ns, path);
+        case ENAMETOOLONG:
+            return localizedFormat(u"_The document \"%@\" could not be opened: its name is too long."_ns,
+                                   path);
+        default:
+            return localizedFormat(u"_The document \"%@\" could not be opened: %@"_ns, path,
+                                   NSString::ofUTF8(std::strerror(reason)));
+    }
+}
+
 // What stands in the way of reading the file, whichever reader is asked; null if nothing does.
 NSString* obstacleAtPath(NSString* path) {
     const char* name = path->fileSystemRepresentation();
-    std::error_code error;
-    const auto status = std::filesystem::status(name, error);
-    if (status.type() == std::filesystem::file_type::not_found)
-        return u"_The document \"%@\" could not be opened: there is no such file."_ns;
-    if (is_directory(status)) return u"_The document \"%@\" could not be opened: it is a folder."_ns;
-    if (error || access(name, R_OK) != 0)
-        return u"_The document \"%@\" could not be opened: it may not be read."_ns;
-    if (!is_regular_file(status)) return u"_The document \"%@\" could not be opened: it is not a file."_ns;
+    struct stat status;
+    if (stat(name, &status) != 0) return problemOfReason(errno, path);
+    if (S_ISDIR(status.st_mode))
+        return localizedFormat(u"_The document \"%@\" could not be opened: it is a folder."_ns, path);
+    if (access(name, R_OK) != 0) return problemOfReason(errno, path);
+    if (!S_ISREG(status.st_mode))
+        return localizedFormat(u"_The document \"%@\" could not be opened: it is not a file."_ns, path);
     return nullptr;
 }
 
@@ -60,19 +82,17 @@ Retained<WRDocumentOpener> WRDocumentOpener::initWithProfiles(PBProfileSet* prof
 }
 
 WRDocument* WRDocumentOpener::openDocumentAtPath_options(NSString* path, NSDictionary* options) {
-    _problem = nullptr;
     _candidates.set(NSArray::array());
-    if (NSString* obstacle = obstacleAtPath(path)) {
-        complain(obstacle, path);
-        return nullptr;
-    }
+    _problem.set(obstacleAtPath(path));
+    if (_problem) return nullptr;
     _candidates.set(profilesForDocument(_profiles, PBProfileDocumentReaderType, path));
     return askReaders(path, options);
 }
 
 // A refusal leads to the next reader. Any other error ends the search, for the document is at fault.
 WRDocument* WRDocumentOpener::askReaders(NSString* path, NSDictionary* options) {
-    complain(u"_The document \"%@\" could not be opened: there is no reader for it."_ns, path);
+    _problem.set(
+        localizedFormat(u"_The document \"%@\" could not be opened: there is no reader for it."_ns, path));
     for (id candidate : _candidates.get()) {
         auto* profile = static_cast<PBProfile*>(candidate);
         NSDictionary* answer = askPlugIn(profile, "readDocumentAtPath:options:"_sel, path, options);
@@ -87,7 +107,5 @@ WRDocument* WRDocumentOpener::askReaders(NSString* path, NSDictionary* options) 
     }
     return nullptr;
 }
-
-void WRDocumentOpener::complain(NSString* key, NSString* path) { _problem.set(localizedFormat(key, path)); }
 
 }  // namespace pelvor

@@ -41,7 +41,6 @@ class WRDocumentOpener : public NSObject {
 
   private:
     WRDocument* askReaders(NSString* path, NSDictionary* options);
-    void complain(NSString* key, NSString* path);
 
     Retained<PBProfileSet> _profiles;
     Retained<NSArray> _candidates;

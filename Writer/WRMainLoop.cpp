@@ -11,6 +11,7 @@
 #include "NSRunLoop-PelvorAdditions.h"
 #include "Runtime/Message.h"
 #include "Runtime/NSException.h"
+#include "Writer/InputText.h"
 #include "Writer/WriterLibrary.h"
 
 namespace pelvor {
@@ -32,8 +33,7 @@ void WRMainLoop::stayForTarget_selector(id target, SEL selector) {
     _isStaying = true;
     sigset_t mask;
     sigemptyset(&mask);
-    sigaddset(&mask, SIGINT);
-    sigaddset(&mask, SIGTERM);
+    for (int signal : {SIGHUP, SIGINT, SIGTERM}) sigaddset(&mask, signal);
     pthread_sigmask(SIG_BLOCK, &mask, &_oldMask);
     _signals = signalfd(-1, &mask, SFD_CLOEXEC | SFD_NONBLOCK);
     NSRunLoop* loop = NSRunLoop::mainRunLoop();
@@ -75,7 +75,8 @@ void WRMainLoop::readInput(int descriptor) {
             NSRunLoop::mainRunLoop()->removeDescriptor_forMode(descriptor, NSDefaultRunLoopMode);
     }
     sendLines();
-    if (count > 0 && !_isInputWatched) readSoon();
+    if (count <= 0) return end();
+    if (!_isInputWatched) readSoon();
 }
 
 void WRMainLoop::readSoon() {
@@ -88,7 +89,7 @@ void WRMainLoop::sendLines() {
     std::size_t start = 0;
     for (std::size_t end; _isStaying && (end = _input.find('\n', start)) != _input.npos; start = end + 1) {
         const std::size_t length = end - start - (end > start && _input[end - 1] == '\r');
-        send(_target, _selector, NSString::ofUTF8(std::string_view(_input).substr(start, length)));
+        send(_target, _selector, objectOfInput(std::string_view(_input).substr(start, length)));
     }
     _input.erase(0, start);
 }

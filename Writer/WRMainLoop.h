@@ -18,9 +18,9 @@ class WRMainLoop : public NSObject {
   public:
     static Retained<WRMainLoop> init(Class* cls = classObject());
 
-    /// Keeps the loop running until `end` is called or a signal SIGINT or SIGTERM comes, which then has no
-    /// other effect. Each line of standard input is sent to the target with the selector, as a string without
-    /// its end. The loop goes on after the end of the input.
+    /// Keeps the loop running until `end` is called, standard input ends or a signal SIGHUP, SIGINT or
+    /// SIGTERM comes, which then has no other effect. Each line of standard input is sent to the target with
+    /// the selector, without its end, as `objectOfInput` makes it.
     void stayForTarget_selector(id target, SEL selector);
     /// Runs while there is work or the loop was told to stay.
     void runWhile(const std::function<bool()>& hasWork);

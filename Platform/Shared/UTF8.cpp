@@ -114,21 +114,24 @@ std::size_t unitCountOfUTF8(std::string_view bytes) {
 DecodedUTF8 decodeUTF8(std::string_view bytes, std::span<char16_t> units) {
     const auto* first = reinterpret_cast<const Byte*>(bytes.data());
     UTF8Work work{first, first + bytes.size(), units.data(), units.data() + units.size()};
-    auto decoded = [&](bool isValid) {
-        return DecodedUTF8{static_cast<std::size_t>(work.out - units.data()), isValid};
-    };
     while (work.in < work.inEnd) {
         if (work.hasBoth(kEnoughForUTF8Blocks)) decodeUTF8Blocks(work, UTF8Rule::strict);
-        while (work.in < work.inEnd && *work.in < 0x80) *work.out++ = *work.in++;
-        while (work.in < work.inEnd && *work.in >= 0x80) {
+        const Byte* in = work.in;
+        char16_t* out = work.out;
+        for (; work.inEnd - in >= 8 && !(load<std::uint64_t>(in) & kBeyondAscii<char>); in += 8, out += 8)
+            widenEight(in, out);
+        while (in < work.inEnd && *in < 0x80) *out++ = *in++;
+        while (in < work.inEnd && *in >= 0x80) {
             char32_t c;
-            const std::size_t size = decodeSequence(work.in, work.inEnd - work.in, c);
-            if (size == 0) return decoded(false);
-            work.in += size;
-            work.out = writeCodepoint(c, work.out);
+            const std::size_t size = decodeSequence(in, work.inEnd - in, c);
+            if (size == 0) return {static_cast<std::size_t>(out - units.data()), false};
+            in += size;
+            out = writeCodepoint(c, out);
         }
+        work.in = in;
+        work.out = out;
     }
-    return decoded(true);
+    return {static_cast<std::size_t>(work.out - units.data()), true};
 }
 
 std::optional<std::u16string> unitsFromUTF8(std::string_view bytes) {

@@ -2,13 +2,14 @@
 #include "Writer/WRArguments.h"
 
 #include "Prelude.h"
+#include "Writer/InputText.h"
 #include "Writer/TextEdit.h"
 
 namespace {
 
 Retained<WRArguments> parsed(const std::vector<const char*>& texts) {
     auto* arguments = NSMutableArray::array();
-    for (const char* text : texts) arguments->addObject(NSString::ofUTF8(text));
+    for (const char* text : texts) arguments->addObject(objectOfInput(text));
     return WRArguments::initWithArguments(arguments);
 }
 
@@ -44,6 +45,10 @@ TEST(Arguments, AreComplainedAboutInOneSentence) {
     expectProblem({"--line-endings=mac"},
                   "_The argument \"--line-endings\" takes one of lf, crlf, cr, not \"mac\".");
     expectProblem({"--find", "a", "--replace="}, "(null)");
+    expectProblem({"--find", "a", "--find=b"}, "_The argument \"--find\" is given twice.");
+    expectProblem({"--stay", "--stay"}, "_The argument \"--stay\" is given twice.");
+    expectProblem({"é\xE9\xF0\x9F.txt"},
+                  "_The argument \"é\\xE9\\xF0\\x9F.txt\" is not UTF-8; names and texts have to be.");
     expectProblem({"--edit", "erase 3"}, "_The argument \"--edit\" does not understand \"erase 3\".");
     const std::string at = "_The argument \"--at\" takes a number from 0 to 999999999, not ";
     expectProblem({"--at", "x"}, at + "\"x\".");

@@ -39,6 +39,8 @@ WriterSession::WriterSession(const std::string& command, WriterOutput kind) {
     if (pipe2(input, O_CLOEXEC) != 0) std::abort();
     if (isTerminal ? openpty(&output[0], &output[1], nullptr, nullptr, nullptr) : pipe2(output, O_CLOEXEC))
         std::abort();
+    if (kind == WriterOutput::unread)
+        close(std::exchange(output[0], open("/dev/null", O_RDONLY | O_CLOEXEC)));
     _process = fork();
     if (_process == 0) {
         dup2(input[0], STDIN_FILENO);

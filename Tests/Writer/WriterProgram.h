@@ -24,7 +24,8 @@ struct WriterRun {
     std::size_t countOf(const std::string& text) const;
 };
 
-enum class WriterOutput { pipe, terminal };
+/// `unread` is a pipe whose other end is closed.
+enum class WriterOutput { pipe, terminal, unread };
 
 /// The program while it runs.
 class WriterSession {

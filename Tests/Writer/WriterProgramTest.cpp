@@ -133,6 +133,7 @@ TEST_F(WriterProgramTest, SaysHowSureAGuessOfTheEncodingIs) {
 TEST_F(WriterProgramTest, SaysInOneLineWhyADocumentCannotBeOpened) {
     program.locale = "fr_FR.UTF-8";
     const std::string latin = program.folder.write("latin.txt", "caf\xE9");
+    std::filesystem::create_symlink("loop", program.folder.path("loop"));
     auto expectComplaint = [&](const Arguments& arguments, const char* complaint) {
         const WriterRun run = program.run(arguments);
         EXPECT_EQ(run.status, 1) << complaint;
@@ -143,6 +144,9 @@ TEST_F(WriterProgramTest, SaysInOneLineWhyADocumentCannotBeOpened) {
                     "missing.txt » n’a pas pu être ouvert : ce fichier n’existe pas.");
     expectComplaint({program.folder.path("")}, "c’est un dossier.");
     expectComplaint({"/dev/null"}, "ce n’est pas un fichier.");
+    expectComplaint({program.folder.path("loop")},
+                    "loop » n’a pas pu être ouvert : ses liens tournent en rond.");
+    expectComplaint({std::string(300, 'n')}, "n’a pas pu être ouvert : son nom est trop long.");
     expectComplaint({latin, "--encoding", "UTF-8"},
                     "« latin.txt » n’est pas du texte dans le codage « UTF-8 ».");
     expectComplaint({latin, "--encoding", "klingon"},
@@ -227,7 +231,34 @@ TEST_F(WriterProgramTest, WritesNothingWhereAStepFailed) {
     program.folder.write("a.txt", "one");
     expectNothingWritten({"--edit=delete 0 9", "--edit=insert 0 a"}, "");
     expectNothingWritten({"--at=9"}, "");
-    expectNothingWritten({"--stay"}, "insert 0 a\nhop\nsave\nquit");
+    expectNothingWritten({"--stay"}, "insert 0 a\nhop\nquit");
+    expectNothingWritten({"--stay"}, "insert 0 caf\xE9");
+    expectNothingWritten({"--stay"}, "hop\nsave\nhop\nsave\nquit");
+}
+
+TEST_F(WriterProgramTest, WritesAfterAFailedStepWhenItIsAskedOnceMore) {
+    program.folder.write("a.txt", "one");
+    const WriterRun run =
+        program.run({path, saveAs, "--stay", "--edit=delete 0 9"}, "insert 0 a\nsave\nsave\ninsert 0 b\n");
+    EXPECT_TRUE(run.complains("not all that was asked for was done. “save” once more writes it as it is."));
+    EXPECT_EQ(shown(run.status, copied(), run.countOf("\nWritten\n")), "1 baone 2");
+}
+
+TEST_F(WriterProgramTest, RefusesBytesThatAreNotUTF8) {
+    program.folder.write("a.txt", "one");
+    program.locale = "de_DE.UTF-8";
+    const WriterRun run = program.run({path, "--save-as", program.folder.path("caf\xE9.txt")});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(run.complains("caf\\xE9.txt“ ist kein UTF-8; Namen und Texte müssen es sein.")) << run.errors;
+    EXPECT_FALSE(std::filesystem::exists(program.folder.path("caf\uFFFD.txt")));
+    EXPECT_TRUE(
+        program.run({path, "--stay"}, "insert 0 caf\xE9").complains("„insert 0 caf\\xE9“ ist kein UTF-8."));
+}
+
+TEST_F(WriterProgramTest, WritesTheDocumentThoughNobodyReadsTheReport) {
+    program.folder.write("a.txt", "one");
+    const WriterRun run = program.run({path, saveAs}, "", WriterOutput::unread);
+    EXPECT_EQ(shown(run.status, copied(), run.errors), "1 one stdout: Broken pipe\n");
 }
 
 TEST_F(WriterProgramTest, NeverReplacesADocumentByLessThanWasInIt) {
@@ -269,7 +300,7 @@ TEST_F(WriterProgramTest, KeepsTheEncodingAndTheMarkOfTheDocument) {
 }
 
 TEST_F(WriterProgramTest, StaysUntilItIsTold) {
-    for (int signal : {0, SIGINT, SIGTERM}) {
+    for (int signal : {0, SIGHUP, SIGINT, SIGTERM}) {
         program.folder.write("a.txt", "one two");
         WriterSession session = program.start({path, "--stay", saveAs});
         ASSERT_TRUE(session.waitFor("Code points: 7\n"));
@@ -286,15 +317,18 @@ TEST_F(WriterProgramTest, StaysUntilItIsTold) {
     }
 }
 
-TEST_F(WriterProgramTest, TakesLinesOfAFileAndOutlivesItsInput) {
+TEST_F(WriterProgramTest, TakesTheEndOfItsInputForQuit) {
     program.folder.write("a.txt", "one");
-    program.run({path, "--stay", "--save-as", path}, "insert 0 zero \nquit");
+    for (const char* lines : {"insert 0 zero \nquit\nhop", "delete 0 5\n", "insert 0 zero "})
+        EXPECT_EQ(program.run({path, "--stay", "--save-as", path}, lines).status, 0);
     EXPECT_EQ(program.folder.read("a.txt"), "zero one");
-    EXPECT_TRUE(program.run({path, "--stay"}, "hop\nquit").complains("The line “hop” means nothing."));
-    WriterSession session = program.start({path, "--stay"}, WriterOutput::pipe, "/dev/null");
-    EXPECT_TRUE(session.waitFor("Code points"));
-    session.signal(SIGTERM);
-    EXPECT_EQ(session.end().status, 0);
+    WriterSession session = program.start({path, "--stay", saveAs});
+    session.write("insert 0 minus ");
+    EXPECT_TRUE(session.end().prints("Written"));
+    EXPECT_EQ(copied(), "minus zero one");
+    const WriterRun wrong = program.run({path, "--stay"}, "hop\nsave\n");
+    EXPECT_TRUE(wrong.complains("The line “hop” means nothing."));
+    EXPECT_TRUE(wrong.complains("The line “save” needs the argument “--save-as”."));
 }
 
 TEST_F(WriterProgramTest, ShowsItsProgressOnATerminalOnly) {
@@ -344,6 +378,8 @@ TEST_F(WriterProgramTest, LeavesTheOldFileWhereWritingFails) {
     expectFailure(program.folder.path("no/such/folder.txt"), "there is no such folder.");
     expectFailure(program.folder.path("a.txt/b.txt"), "there is no such folder.");
     expectFailure(program.folder.path(""), "it is a folder.");
+    std::filesystem::create_symlink("loop", program.folder.path("loop"));
+    expectFailure(program.folder.path("loop"), "its links lead in a circle.");
     expectFailure(program.folder.path(std::string(300, 'n')), "its name is too long.");
     if (geteuid() != 0) expectFailure("/a.txt", "you may not write there.");
     rlimit usual;

@@ -31,6 +31,8 @@ NSString* keyOfReason(int reason) {
             return u"_The document \"%@\" could not be written: there is no such folder."_ns;
         case EISDIR:
             return u"_The document \"%@\" could not be written: it is a folder."_ns;
+        case ELOOP:
+            return u"_The document \"%@\" could not be written: its links lead in a circle."_ns;
         case ENAMETOOLONG:
             return u"_The document \"%@\" could not be written: its name is too long."_ns;
         default:
