@@ -11,6 +11,7 @@
 #include "Require.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/NSException.h"
+#include "Shared/WideInstructions.h"
 
 namespace pelvor {
 namespace {
@@ -112,6 +113,8 @@ void checkBytes(const Bytes& bytes, unsigned lineLength) {
 }
 
 void run(const std::uint8_t* data, std::size_t size) {
+    std::optional<PlainInstructionsScope> plain;
+    if (data[0] & 0x80) plain.emplace();
     Bytes bytes(data + 1, data + size);
     checkBytes(bytes, data[0] % 80);
     // The bytes as units, mostly ASCII; and as text of the alphabet or of digits, with few other units.

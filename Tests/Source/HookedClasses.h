@@ -29,9 +29,8 @@ inline void addHook(Class* cls, SEL selector, IMP implementation) {
 }
 
 /// A new class with these class operations.
-inline Class* classWithHooks(const char* name, std::initializer_list<std::pair<SEL, HookFunction>> hooks,
-                             Class* superclass = NSObject::classObject()) {
-    Class* cls = Class::createSubclass(name, superclass);
+inline Class* classWithHooks(const char* name, std::initializer_list<std::pair<SEL, HookFunction>> hooks) {
+    Class* cls = Class::createSubclass(name, NSObject::classObject());
     for (auto [selector, function] : hooks) addHook(cls, selector, hookOf(function));
     return cls;
 }

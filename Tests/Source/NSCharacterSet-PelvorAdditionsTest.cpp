@@ -40,8 +40,6 @@ TEST(NamedCharacterSets, HoldExactlyTheirMembers) {
 TEST(NamedCharacterSets, AreMadeOnceButForOne) {
     EXPECT_EQ(Additions::lineBreakCharacterSet(), _PBLineBreakCharacterSet);
     EXPECT_NE(Additions::illegalFilenameCharacterSet(), Additions::illegalFilenameCharacterSet());
-    EXPECT_EQ(send<id>(NSCharacterSet::classObject(), "hexCodeCharacterSet"_sel),
-              Additions::hexCodeCharacterSet());
 }
 
 TEST(NamedCharacterSets, AreCopiedImmutably) {

@@ -162,14 +162,11 @@ TEST_F(ZWMainThreadProxyTest, ErrorsAreRaisedOnTheCallingThread) {
     });
 }
 
-TEST_F(ZWMainThreadProxyTest, PerformingLosesTheResultAndAProxyIsItsOwnProxy) {
-    EXPECT_TRUE(proxy->respondsToSelector("nameOf:"_sel));
-    EXPECT_FALSE(proxy->respondsToSelector("noSuchMessage"_sel));
-    EXPECT_EQ(static_cast<id>(proxy)->performSelector_withObject("nameOf:"_sel, u"x"_ns), nullptr);
+TEST_F(ZWMainThreadProxyTest, AnswersForItsTargetAndIsItsOwnProxy) {
+    EXPECT_TRUE(proxy->respondsToSelector("nameOf:"_sel) && !proxy->respondsToSelector("noSuchMessage"_sel));
     ZWMainThreadProxy* borrowed = mainThreadProxy(target);
     EXPECT_EQ(borrowed->performSelector("mainThreadProxy"_sel), borrowed);
     EXPECT_EQ(mainThreadProxy(borrowed), borrowed);
-    EXPECT_EQ(send<id>(borrowed, "mainThreadProxy"_sel), borrowed);
 }
 
 }  // namespace

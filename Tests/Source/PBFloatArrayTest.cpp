@@ -24,32 +24,21 @@ TEST(PBFloatArray, ReplacesBoxesAndSumsUpToTheEndOfARange) {
 
 TEST(PBFloatArray, RaisesForWhatIsOutside) {
     auto array = PBFloatArray::initWithFloats_count(kFive, 5);
-    const std::pair<const char*, std::function<void()>> cases[] = {
-        {"5", [&] { array->floatAtIndex(5); }},
-        {"6",
-         [&] {
-             array->replaceFloatsInRange_withFloatsFrom({4, 3}, kFive);
-         }},
-        {"4294967298", [&] {
-             array->sumFloatsInRange({0xFFFFFFFF, 4});
-         }}};
-    for (const auto& [index, call] : cases)
-        EXPECT_EQ(reasonOf(NSRangeException, call),
-                  std::string("float array index out of bounds (idx=") + index + " length=5)");
+    auto raised = [](const char* index) {
+        return std::string("NSRangeException: float array index out of bounds (idx=") + index + " length=5)";
+    };
+    EXPECT_EQ(RAISED(array->floatAtIndex(5)), raised("5"));
+    EXPECT_EQ(RAISED(array->replaceFloatsInRange_withFloatsFrom({4, 3}, kFive)), raised("6"));
+    EXPECT_EQ(RAISED(array->sumFloatsInRange({0xFFFFFFFF, 4})), raised("4294967298"));
     EXPECT_EQ(array->sumFloatsInRange({0, 5}), 15.0f);
 }
 
-TEST(PBFloatVector, GrowsInsertsAndRemoves) {
+// The fuzz target SortedArray compares insertions and removals with a plain vector.
+TEST(PBFloatVector, GrowsAndIsEmptied) {
     auto vector = PBFloatVector::initWithCapacity(2);
-    EXPECT_EQ(vector->count(), 0u);
     for (float value : kFive) vector->addFloat(value);
-    vector->insertFloat_atIndex(9, 0);
-    vector->removeFloatAtIndex(1);
-    EXPECT_EQ(vector->count(), 5u);
-    EXPECT_EQ(vector->floatAtIndex(0), 9.0f);
-    EXPECT_EQ(vector->sumFloatsInRange({0, 5}), 9 + 2 + 3 + 4 + 5);
+    EXPECT_EQ(shown(vector->count(), vector->floatAtIndex(4)), "5 5");
     EXPECT_THROW(vector->insertFloat_atIndex(1, 6), NSException);
-    EXPECT_THROW(vector->removeFloatAtIndex(5), NSException);
     vector->removeAllFloats();
     EXPECT_EQ(vector->count(), 0u);
     EXPECT_EQ(RAISED(PBFloatVector::initWithCapacity(0)->addFloat(1)),

@@ -1,24 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBIdleQueue.h"
 
+#include "ActingObject.h"
 #include "BaseLibrary.h"
 #include "Foundation/NSRunLoop.h"
 #include "NSObject-PelvorAdditions.h"
 #include "PBIdleQueueScheduler.h"
-#include "Prelude.h"
 
 namespace {
-
-class PBTestWorker : public NSObject {
-    PELVOR_CLASS(PBTestWorker, NSObject);
-
-  public:
-    void work() { std::function<void(PBTestWorker*)>{action}(this); }  // it may destroy this
-    std::function<void(PBTestWorker*)> action;
-};
-
-constinit Library idleQueueTestLibrary{"IdleQueueTest", {}, kClassesOf<PBTestWorker>, {}};
-PELVOR_DEFINE_CLASS(PBTestWorker, idleQueueTestLibrary) { methods.instance<"work", &PBTestWorker::work>(); }
 
 // Counts instead of sending.
 class PBTestCountingQueue : public PBIdleQueue, PBIdleQueue::HiddenCreators {
@@ -50,12 +39,10 @@ struct PBIdleQueueTest : ::testing::Test {
         for (auto& queue : {first, second}) send(queue, "invalidate"_sel);
         idle();
     }
-    Retained<PBTestWorker> worker(const char* name) {
-        auto made = make<PBTestWorker>();
-        made->action = [this, name](id) { served += name; };
-        return made;
+    Retained<ActingObject> worker(const char* name) {
+        return ActingObject::acting([this, name](id) { served += name; });
     }
-    void letAThrowWhileItWaits(PBTestWorker* object, PBIdleQueue* queue) {
+    void letAThrowWhileItWaits(ActingObject* object, PBIdleQueue* queue) {
         a->action = [](id) { throw NSException("PBTestException", "as asked"); };
         first->addObject(a);
         queue->addObject(object);
@@ -63,9 +50,9 @@ struct PBIdleQueueTest : ::testing::Test {
     }
 
     std::string served;
-    Retained<PBIdleQueue> first = PBIdleQueue::initWithSelector("work"_sel);
-    Retained<PBIdleQueue> second = PBIdleQueue::initWithSelector("work"_sel);
-    Retained<PBTestWorker> a = worker("a"), b = worker("b"), c = worker("c");
+    Retained<PBIdleQueue> first = PBIdleQueue::initWithSelector("act"_sel);
+    Retained<PBIdleQueue> second = PBIdleQueue::initWithSelector("act"_sel);
+    Retained<ActingObject> a = worker("a"), b = worker("b"), c = worker("c");
 };
 
 TEST_F(PBIdleQueueTest, QueuesTakeTurnsOneObjectAnIdleMoment) {
@@ -83,7 +70,7 @@ TEST_F(PBIdleQueueTest, QueuesTakeTurnsOneObjectAnIdleMoment) {
 }
 
 TEST_F(PBIdleQueueTest, ASubclassSendsWhatItLikes) {
-    auto queue = PBIdleQueue::initWithSelector("work"_sel, PBTestCountingQueue::classObject());
+    auto queue = PBIdleQueue::initWithSelector("act"_sel, PBTestCountingQueue::classObject());
     for (auto& object : {a, b, a}) queue->addObject(object);
     idle();
     EXPECT_EQ(cast<PBTestCountingQueue>(queue.get())->served, 2);
@@ -93,8 +80,8 @@ TEST_F(PBIdleQueueTest, ASubclassSendsWhatItLikes) {
 TEST_F(PBIdleQueueTest, ObjectsChangeQueuesInTheMiddleOfTheirTurn) {
     // The action is of a, the first of a queue; b waits in it, c in the second.
     auto expectServed = [this](const char* order, const char* situation, std::function<void(id)> action) {
-        first = PBIdleQueue::initWithSelector("work"_sel);
-        second = PBIdleQueue::initWithSelector("work"_sel);
+        first = PBIdleQueue::initWithSelector("act"_sel);
+        second = PBIdleQueue::initWithSelector("act"_sel);
         served = "";
         a = worker("a"), b = worker("b"), c = worker("c");
         a->action = [&](id self) {
@@ -133,7 +120,7 @@ TEST_F(PBIdleQueueTest, FlushedRemovedAndInvalidatedObjectsAreNotServed) {
     first->addObject(b);
     idle();
     EXPECT_EQ(served, "");
-    EXPECT_EQ(first->description()->toUTF8(), "PBIdleQueue<" + addressOf(first) + "> {work, objects=0}");
+    EXPECT_EQ(first->description()->toUTF8(), "PBIdleQueue<" + addressOf(first) + "> {act, objects=0}");
 }
 
 TEST_F(PBIdleQueueTest, AfterAnExceptionObjectsWaitForTheNextAddition) {
@@ -155,7 +142,7 @@ TEST_F(PBIdleQueueTest, AfterAnExceptionQueuesInLineWaitUntilItIsEmptyAndAQueueC
     second->invalidate();
     first->flush();
     first->invalidate();
-    first = PBIdleQueue::initWithSelector("work"_sel);
+    first = PBIdleQueue::initWithSelector("act"_sel);
     first->addObject(b);
     idle();
     EXPECT_EQ(served, "b");
@@ -178,7 +165,7 @@ TEST_F(PBIdleQueueTest, TheSchedulerTellsWhoWaitsAndWhetherItAskedForATurn) {
 TEST_F(PBIdleQueueTest, QueuesThatEndMayInvalidateThemselvesAndOthers) {
     PBIdleQueueScheduler* scheduler = PBIdleQueueScheduler::instance();
     auto queue = cast<PBTestCountingQueue>(
-        PBIdleQueue::initWithSelector("work"_sel, PBTestCountingQueue::classObject()));
+        PBIdleQueue::initWithSelector("act"_sel, PBTestCountingQueue::classObject()));
     queue->end = [this] { second->invalidate(); };
     PBIdleQueue* borrowed = queue;
     scheduler->addQueue(queue);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBLinkedList.h"
 
-#include "EndingObject.h"
+#include "ActingObject.h"
 #include "PBLinkedListEnumerator.h"
 #include "PBLinkedListNode.h"
 #include "Prelude.h"
@@ -110,7 +110,7 @@ TEST_F(PBLinkedListTest, WhatIsRemovedMayChangeTheListWhenItEnds) {
     auto walk = [this] {
         PBLinkedListEnumerator* walk = list->objectEnumerator();
         while (id object = walk->nextObject())
-            if (cast<EndingObject>(object) || object->isEqual(u"b"_ns)) walk->removeLastObject();
+            if (cast<ActingObject>(object) || object->isEqual(u"b"_ns)) walk->removeLastObject();
     };
     const Row rows[] = {
         {"one, then all", removeOne, removeAll, ""},
@@ -127,7 +127,7 @@ TEST_F(PBLinkedListTest, WhatIsRemovedMayChangeTheListWhenItEnds) {
         AutoreleasePool pool;
         list = PBLinkedList::init();
         for (id object :
-             {id(u"a"_ns), id(EndingObject::make(row.end).autorelease()), id(u"b"_ns), id(u"c"_ns)})
+             {id(u"a"_ns), id(ActingObject::endingWith(row.end).autorelease()), id(u"b"_ns), id(u"c"_ns)})
             list->enqueueObject(object);
         pool.drain();  // the list has the last reference
         row.remove();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBObjectPool.h"
 
-#include "EndingObject.h"
+#include "ActingObject.h"
 #include "PBExternalObjectPool.h"
 
 namespace {
@@ -60,7 +60,7 @@ TEST(PBObjectPoolTest, WhatAPoolHoldsMayComeBackToItWhenThePoolEnds) {
     borrowed = pool.get();
     std::string heard;
     {
-        auto object = EndingObject::make(
+        auto object = ActingObject::endingWith(
             [&] { heard = shown(borrowed->poolObject(u"a"_ns), borrowed->popObject() == nullptr); });
         pool->poolObject(object);
     }

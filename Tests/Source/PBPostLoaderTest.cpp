@@ -53,46 +53,6 @@ TEST_F(PostLoader, GivesADeclaredArgumentZerosAndIgnoresAResult) {
     EXPECT_THAT(journal(), ElementsAre("argument 0.000000"));
 }
 
-// MARK: Groups of one class
-
-extern Library lampLibrary;
-
-class HookedLamp : public NSObject {
-    PELVOR_CLASS(HookedLamp, NSObject);
-
-  public:
-    static void didLoad() { note("own"); }
-};
-
-PELVOR_DEFINE_CLASS(HookedLamp, lampLibrary) { methods.classLevel<"didLoad", &HookedLamp::didLoad>(); }
-
-template <int N>
-void noteCategory() {
-    note("category " + std::to_string(N));
-}
-template <int N>
-void defineHook(MethodTable<HookedLamp>& methods) {
-    methods.template classLevelAs<"didLoad", &noteCategory<N>>();
-}
-template <int N>
-constinit const Category kCategory = Category::of<HookedLamp, defineHook<N>>("Hooks");
-template <int... N>
-constexpr const Category* kCategories[] = {&kCategory<N>...};
-constinit Library earlyLibrary{"Early", {}, {}, kCategories<3>};
-constinit Library lampLibrary{"Lamp", {}, kClassesOf<HookedLamp>, kCategories<1, 2>};
-constinit Library lateLibrary{"Late", {}, {}, kCategories<4>};
-
-TEST_F(PostLoader, CallsTheHooksOfAllCategoriesTheNewestFirstAndTheOwnLast) {
-    registerLibrary(earlyLibrary);
-    cycle();
-    EXPECT_THAT(journal(), IsEmpty()) << "the category waits for its class";
-    for (Library* library : {&lampLibrary, &lateLibrary}) {
-        registerLibrary(*library);
-        cycle();
-    }
-    EXPECT_THAT(journal(), ElementsAre("category 2", "category 1", "category 3", "own", "category 4"));
-}
-
 // MARK: Phases
 
 TEST_F(PostLoader, RunsTheCyclePhaseByPhase) {
@@ -111,15 +71,13 @@ TEST_F(PostLoader, RunsTheCyclePhaseByPhase) {
     EXPECT_EQ(journal().back(), "poses later");
 }
 
-void makeGranddaughter() { classWithHooks("Granddaughter", {{"didLoad"_sel, HOOK(note("granddaughter"))}}); }
-void makeDaughter() {
-    classWithHooks("Daughter", {{"didLoad"_sel, HOOK(note("daughter"), makeGranddaughter())}});
-}
-
 TEST_F(PostLoader, CallsHooksOfClassesThatHooksRegisterInTheSamePhase) {
-    classWithHooks("Mother", {{"didLoad"_sel, HOOK(note("mother"), makeDaughter())}});
+    classWithHooks("Mother", {{"didLoad"_sel, [](Object*, SEL) {
+                                   note("mother");
+                                   classWithHooks("Daughter", {{"didLoad"_sel, HOOK(note("daughter"))}});
+                               }}});
     PBPostLoader::processSelector_initialize("didLoad"_sel, true);
-    EXPECT_THAT(journal(), ElementsAre("mother", "daughter", "granddaughter"));
+    EXPECT_THAT(journal(), ElementsAre("mother", "daughter"));
 }
 
 TEST_F(PostLoader, RunsACycleInsideAHook) {
@@ -135,15 +93,6 @@ TEST_F(PostLoader, RunsACycleInsideAHook) {
 
 // MARK: Initialisation of classes
 
-TEST_F(PostLoader, InitialisesAClassBeforeItsFirstHookButForPosing) {
-    classWithHooks("PosesUninitialised", {{"performPosing"_sel, HOOK(note("posing"))},
-                                          {"initialize"_sel, HOOK(note("initialised too early"))}});
-    classWithHooks("InitialisedFirst",
-                   {{"didLoad"_sel, HOOK(note("didLoad"))}, {"initialize"_sel, HOOK(note("initialize"))}});
-    cycle();
-    EXPECT_THAT(journal(), ElementsAre("posing", "initialize", "didLoad"));
-}
-
 TEST_F(PostLoader, DoesNotInitialiseTheClassThatAFileWrapperReplaced) {
     Class* wrapper = classWithHooks("NSFileWrapper", {{"didLoad"_sel, HOOK(note("didLoad"))},
                                                       {"initialize"_sel, HOOK(note("initialize"))}});
@@ -155,6 +104,7 @@ TEST_F(PostLoader, DoesNotInitialiseTheClassThatAFileWrapperReplaced) {
 
 // MARK: Failures
 
+// The hooks of one class are in groups; the newest group comes first.
 TEST_F(PostLoader, ReportsWhatAHookOrAnInitialisationThrowsAndGoesOn) {
     classWithHooks("Stumbling", {{"didLoad"_sel, HOOK(note("after"))},
                                  {"didLoad"_sel, HOOK(throw NSException("Fall", "a stone"))},

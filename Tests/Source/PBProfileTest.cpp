@@ -68,14 +68,6 @@ TEST(PBProfile, DescriptionNamesClassAddressIdentifierAndEntries) {
     EXPECT_THAT(shown(makeProfile(nullptr, "none")), EndsWith(">: (null) = (null)"));
 }
 
-TEST(PBProfile, SubclassesMakeTheirOwnKind) {
-    static Class* subclass = Class::createSubclass("PBProfileTestKind", PBProfile::classObject());
-    auto* profile = send<PBProfile*>(subclass, "profileWithIdentifier:dictionary:bundle:"_sel, u"p"_ns,
-                                     parsed("{type = val;}"), nullptr);
-    EXPECT_EQ(profile->class_(), subclass);
-    EXPECT_EQ(send<id>(profile, "valueForKey:"_sel, PBProfileTypeKey), NSPDFPboardType);
-}
-
 NSString* unitIdentifier(NSObject*) { return u"unit"_ns; }
 
 TEST(PBProfileAccess, ClassesHaveNoIdentifierUnlessTheyOverrideIt) {

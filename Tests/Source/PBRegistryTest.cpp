@@ -40,7 +40,6 @@ struct PBRegistryTest : ::testing::Test {
 
 TEST_F(PBRegistryTest, OneRegistryIsSharedUntilItIsReplaced) {
     EXPECT_EQ(PBRegistry::sharedRegistry(), registry.get());
-    EXPECT_EQ(send<id>(PBRegistry::classObject(), "sharedRegistry"_sel), registry.get());
     std::uint32_t count = registry->retainCount();
     PBRegistry::setSharedRegistry(registry);
     EXPECT_EQ(registry->retainCount(), count);
@@ -71,16 +70,6 @@ TEST_F(PBRegistryTest, AFileCountsItsProfilesAndPostsOnce) {
     EXPECT_EQ(profile->bundle(), plugIn);
 }
 
-TEST_F(PBRegistryTest, PostsEvenWhenThereIsNothingToRead) {
-    LogLines log;
-    for (NSString* path : {NSString::ofUTF8(folder.path("missing.plist")), static_cast<NSString*>(nullptr)})
-        registry->addProfilesFromPath_bundle(path, nullptr);
-    registry->addProfilesFromBundle(nullptr);
-    for (const char* text : {"", "{ Profiles = {", "(Profiles)", "{ Other = {}; }", "{ Profiles = {}; }"})
-        read(text);
-    EXPECT_EQ(shown(registry->setVersion(), listener->takeCount()), "0 8");
-}
-
 TEST_F(PBRegistryTest, LogsProfilesOfTheWrongKindAndGoesOn) {
     LogLines log;
     read("{ Profiles = (a, b); }");
@@ -92,22 +81,25 @@ TEST_F(PBRegistryTest, LogsProfilesOfTheWrongKindAndGoesOn) {
                             MatchesRegex("profile 'rtf' should be a dictionary! got: NS[A-Za-z]*String")));
 }
 
-TEST_F(PBRegistryTest, LogsBundleFileAndReasonOfDeclarationsThatCannotBeRead) {
+TEST_F(PBRegistryTest, LogsBundleFileAndReasonOfDeclarationsThatCannotBeReadAndPostsAllTheSame) {
     LogLines log;
     NSBundle* plugIn = makeBundle(folder, "Formats");
+    for (const char* text : {"{ Profiles = {\n", "(Profiles)", "", "{ Other = {}; }"}) read(text, plugIn);
     const char* reasons[] = {"line 2, column 1: the text ends where there should be a key or '}'",
                              "they are a list, but no dictionary", "there are no bytes"};
-    for (const char* text : {"{ Profiles = {\n", "(Profiles)", ""}) read(text, plugIn);
     ASSERT_EQ(log.lines.size(), std::size(reasons));
     for (std::size_t i = 0; i < std::size(reasons); ++i)
         EXPECT_THAT(log.lines[i], AllOf(StartsWith("bundle " + plugIn->bundlePath()->toUTF8()),
                                         HasSubstr("/Profiles.plist cannot be read: "), EndsWith(reasons[i])));
     ASSERT_EQ(mkfifo(folder.path("pipe.plist").c_str(), 0600), 0);
-    registry->addProfilesFromPath_bundle(NSString::ofUTF8(folder.path("pipe.plist")), nullptr);
+    for (NSString* path : {static_cast<NSString*>(nullptr), NSString::ofUTF8(folder.path("pipe.plist"))})
+        registry->addProfilesFromPath_bundle(path, nullptr);
     EXPECT_THAT(log.lines.back(), EndsWith("it is no regular file"));
     registry->addProfilesFromPath_bundle(NSString::ofUTF8(folder.path("missing.plist")), nullptr);
     EXPECT_THAT(log.lines.back(), EndsWith("missing.plist cannot be read: the file cannot be read: "
                                            "No such file or directory"));
+    registry->addProfilesFromBundle(nullptr);
+    EXPECT_EQ(shown(registry->setVersion(), listener->takeCount()), "0 8");
 }
 
 TEST_F(PBRegistryTest, AFileDisablesOnlyItsOwnProfiles) {

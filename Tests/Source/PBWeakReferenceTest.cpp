@@ -4,7 +4,7 @@
 #include <set>
 
 #include "BaseLibrary.h"
-#include "EndingObject.h"
+#include "ActingObject.h"
 #include "NSSet-PelvorAdditions.h"
 #include "PBSafeWeakReference.h"
 #include "Prelude.h"
@@ -114,8 +114,7 @@ TEST_F(PBWeakReferenceTest, ASubclassHasFieldsOfItsOwn) {
     auto set = NSMutableSet::init();
     for (id object : {id(target), id(other), id(target)})
         set->addObject(PBWeakReference::initWithObject(object, PBTestMarkedReference::classObject()).get());
-    EXPECT_EQ(set->count(), 2u);
-    EXPECT_TRUE(containsWeakReferenceObject(set, target));
+    EXPECT_EQ(shown(set->count(), containsWeakReferenceObject(set, target)), "2 1");
     for (id reference : set)
         EXPECT_THAT(cast<PBTestMarkedReference>(reference)->mark, StartsWith("an own mark"));
 }
@@ -140,7 +139,7 @@ TEST_F(PBWeakReferenceTest, MembersOfASetAreJoinedWithNothingBetweenThem) {
     EXPECT_EQ(componentsJoinedByString(set, u","_ns)->toUTF8(), "ab");
     auto leaving = NSMutableArray::init();
     for (int i = 0; i < 3; ++i)
-        leaving->addObject(EndingObject::make([&] { leaving->removeAllObjects(); }).get());
+        leaving->addObject(ActingObject::endingWith([&] { leaving->removeAllObjects(); }).get());
     removeObjectsInArray(set, leaving);
     EXPECT_EQ(leaving->count(), 3u) << "the array holds them";
 }

@@ -57,69 +57,21 @@ TEST(StringDecoder, DecodesInStepsOfAnySize) {
         }
 }
 
-// Well-formed, broken and cut characters in any order, into room of any size.
-TEST(StringDecoder, DecodesTheSameWithAndWithoutWideInstructions) {
-    const std::string parts[] = {
-        "plain text of more than sixty-four bytes, so that whole blocks of it are ASCII",
-        "a",
-        "\xC3\xA4",
-        "\xE4\xB8\xAD",
-        "\xF0\x9F\x98\x80",
-        "\xF4\x8F\xBF\xBF",
-        "\xF0\x8F\xBF\xBF",
-        "\xF4\x90\x80\x80",
-        "\xC0\x80",
-        "\xED\xA0\x80",
-        "\xE4\xB8",
-        "\xC3",
-        "\xF0\x9F\x98",
-        "\x80",
-        "\xFF",
-        "\xF8\x88\x80\x80\x80"};
-    std::mt19937 random(5);
-    for (int round = 0; round < 20000; ++round) {
-        std::string bytes;
-        // Few broken parts in half of the rounds: then blocks are taken whole.
-        for (auto count = random() % 40; count > 0; --count)
-            bytes += parts[random() % (round % 2 && random() % 8 ? 6 : std::size(parts))];
-        auto room = static_cast<NSUInteger>(random() % 200);
-        auto decode = [&] {
-            std::u16string text(room, u'!');
-            auto result =
-                OFScanCharactersIntoBuffer(OFInitialStateForEncoding(kCFStringEncodingUTF8),
-                                           reinterpret_cast<const unsigned char*>(bytes.data()),
-                                           static_cast<NSUInteger>(bytes.size()), text.data(), room);
-            text.resize(result.charactersProduced);
-            return std::tuple(text, result.bytesConsumed, result.state.partialCharacter,
-                              result.state.utf8octetsremaining);
-        };
-        auto wide = decode();
-        PlainInstructionsScope plain;
-        ASSERT_EQ(wide, decode()) << round;
-    }
-}
-
 TEST(StringDecoder, TellsHowFarItCame) {
     auto scan = [](OFStringDecoderState state, std::string bytes, NSUInteger capacity) {
         unichar units[8];
-        return OFScanCharactersIntoBuffer(state, reinterpret_cast<const unsigned char*>(bytes.data()),
-                                          static_cast<NSUInteger>(bytes.size()), units, capacity);
+        auto result =
+            OFScanCharactersIntoBuffer(state, reinterpret_cast<const unsigned char*>(bytes.data()),
+                                       static_cast<NSUInteger>(bytes.size()), units, capacity);
+        return shown(result.bytesConsumed, result.charactersProduced,
+                     OFDecoderContainsPartialCharacters(result.state) ? "and a part" : "whole");
     };
     auto start = OFInitialStateForEncoding(kCFStringEncodingUTF8);
-    auto counts = [](OFCharacterScanResult result) {
-        return shown(result.bytesConsumed, result.charactersProduced);
-    };
-    auto first = scan(start, "\xE2", 8);
-    EXPECT_EQ(counts(first), "1 0");
-    EXPECT_TRUE(OFDecoderContainsPartialCharacters(first.state));
-    auto second = scan(first.state, "\x82\xAC", 8);
-    EXPECT_EQ(second.charactersProduced, 1u);
-    EXPECT_FALSE(OFDecoderContainsPartialCharacters(second.state));
-
-    EXPECT_EQ(counts(scan(start, "\xF0\x9F\x98\x80z", 1)), "4 0");
-    auto malformed = scan(start, "\xE2" + std::string("abc\xC3") + "d", 8);
-    EXPECT_EQ(malformed.charactersProduced, 3u) << "the bytes of a broken sequence go with it";
-    EXPECT_EQ(scan(start, "abc", 2).bytesConsumed, 2u);
+    EXPECT_EQ(scan(start, "\xE2", 8), "1 0 and a part");
+    EXPECT_EQ(scan(start, "\xF0\x9F\x98\x80z", 1), "4 0 whole");
+    EXPECT_EQ(scan(start, "\xE2" + std::string("abc\xC3") + "d", 8), "6 3 whole")
+        << "the bytes of a broken sequence go with it";
+    EXPECT_EQ(scan(start, "abc", 2), "2 2 whole");
 }
 
 TEST(StringDecoder, KnowsItsEncodings) {

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Scanning/OFTrie.h"
 
-#include <map>
-
 #include "Prelude.h"
 #include "Scanning/OFStringScanner.h"
 #include "Scanning/OFTrieEnumerator.h"
@@ -25,6 +23,9 @@ TEST(OFTrie, HangsBucketsWhereTheirStringsPart) {
     EXPECT_EQ(node->childAtIndex(0), car);
     EXPECT_EQ(node->childAtIndex(1), cat);
     EXPECT_EQ(cat->lowerCharacters()[0], 0);
+    OFTrieBucket* dogma = add(trie, u"dogma");
+    add(trie, u"dot");
+    EXPECT_EQ(std::u16string_view(dogma->lowerCharacters()), u"ma");
     OFTrieBucket* ca = add(trie, u"ca");
     EXPECT_EQ(node->endMarker(), ca);
     OFTrieBucket* other = add(trie, u"cat");
@@ -49,54 +50,6 @@ TEST(OFTrie, FindsBothFormsWhereItDoesNotTellThemApart) {
     EXPECT_EQ(walk->nextObject(), cat);
     EXPECT_EQ(walk->nextObject(), street);
     EXPECT_EQ(walk->nextObject(), nullptr);
-}
-
-// The longest word of the map at the place that a delimiter or the end follows.
-OFTrieBucket* longestAt(const std::map<std::u16string, OFTrieBucket*>& model, std::u16string_view text) {
-    OFTrieBucket* longest = nullptr;
-    char16_t next = 0;
-    for (std::size_t length = 1; length <= text.size(); ++length) {
-        auto found = model.find(std::u16string(text.substr(0, length)));
-        if (found == model.end()) continue;
-        longest = found->second;
-        next = length < text.size() ? text[length] : u'\0';
-    }
-    return next == 0 || next == u' ' ? longest : nullptr;
-}
-
-TEST(OFTrie, FollowsAnOrderedMapBeforeAndAfterItHasAnIndex) {
-    std::mt19937 random(4);
-    OFCharacterSet* space = OFCharacterSet::whitespaceOFCharacterSet();
-    for (bool isCaseSensitive : {true, false}) {
-        auto trie = OFTrie::initCaseSensitive(isCaseSensitive);
-        std::map<std::u16string, OFTrieBucket*> model;
-        auto letters = [&](std::size_t count) {
-            std::u16string word;
-            while (word.size() < count)
-                word += random() % 9 ? u"abA"[random() % (isCaseSensitive ? 3 : 2)] : u' ';
-            return word;
-        };
-        for (int round = 0; round < 400; ++round) {
-            AutoreleasePool pool;
-            std::u16string word = letters(random() % 12), text = letters(60);
-            model[word] = add(trie, word);
-            auto scanner = OFStringScanner::initWithString(NSString::of(text));
-            scanner->setRewindMark();
-            // Some changes come before there is an index, some after.
-            for (auto reads = random() % 200; reads > 0; --reads) {
-                auto place = static_cast<NSUInteger>(random() % text.size());
-                scanner->setScanLocation(place);
-                ASSERT_EQ(scanner->readLongestTrieElement_delimiterOFCharacterSet(trie, space),
-                          longestAt(model, std::u16string_view(text).substr(place)));
-            }
-        }
-        OFTrieEnumerator* walk = trie->objectEnumerator();
-        for (auto& [word, bucket] : model) {
-            ASSERT_EQ(trie->bucketForString(NSString::of(word)), bucket);
-            ASSERT_EQ(walk->nextObject(), bucket);
-        }
-        EXPECT_EQ(walk->nextObject(), nullptr);
-    }
 }
 
 TEST(OFTrie, SurvivesWordsOfAMillionUnits) {
