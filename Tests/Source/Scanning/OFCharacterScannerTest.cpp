@@ -68,30 +68,23 @@ constexpr char kForbiddenPlace[] =
     "You are only allowed to set the new scan location to be between the most recent rewind mark and EOF, or "
     "the current position and EOF if there are no rewind marks.";
 
-TEST(CharacterScanner, KeepsPlacesAndMarksAcrossBuffers) {
+// The fuzz target CharacterScanner compares random operations on plain text with a model; the tests are about
+// what has to fail, about other text and about the operations that the target leaves out.
+
+TEST(CharacterScanner, RefusesPlacesBeforeTheMarkAndMarksThatAreMissingOrTooMany) {
     forAllScanners(u"abcdef", [](OFCharacterScanner* scanner) {
         EXPECT_EQ(scanner->readCharacter(), u'a');
         scanner->setScanLocation(1);
-        EXPECT_EQ(scanner->scanLocation(), 1u);
         EXPECT_EQ(misuseOf([&] { scanner->setScanLocation(0); }), kForbiddenPlace);
         scanner->setRewindMark();
         EXPECT_EQ(misuseOf([&] { scanner->skipCharacters(-2); }), kForbiddenPlace) << "before the text";
-        scanner->discardRewindMark();
-        EXPECT_EQ(scanner->scanLocation(), 1u);
-        scanner->setRewindMark();
-        scanner->setScanLocation(4);
-        scanner->setRewindMark();
-        EXPECT_EQ(scanner->readCharacter(), u'e');
-        EXPECT_EQ(scanner->readCharacter(), u'f');
-        EXPECT_EQ(scanner->readCharacter(), 0);
-        scanner->rewindToMark();
-        EXPECT_EQ(scanner->peekCharacter(), u'e');
+        scanner->setScanLocation(5);
+        scanner->skipCharacters(-2);
+        EXPECT_EQ(scanner->peekCharacter(), u'd');
         scanner->rewindToMark();
         EXPECT_EQ(scanner->scanLocation(), 1u);
         EXPECT_EQ(misuseOf([&] { scanner->rewindToMark(); }), "Attempt to use nonexistent rewind mark");
         scanner->discardRewindMark();
-        scanner->skipCharacters(2);
-        EXPECT_EQ(scanner->peekCharacter(), u'd');
         for (int i = 0; i < 8; ++i) scanner->setRewindMark();
         EXPECT_NE(misuseOf([&] { scanner->setRewindMark(); }), "nothing raised");
     });
@@ -200,22 +193,15 @@ TEST(CharacterScanner, ReadsNumbers) {
             EXPECT_DOUBLE_EQ(value, row.value) << row.name;
             EXPECT_EQ(scanner->peekCharacter(), row.next) << row.name;
         });
-    const std::u16string text = u"-12345+x1aFgZ4294967297 305 12345678901234567890 and sixteen units";
-    forAllScanners(text, [](OFCharacterScanner* scanner) {
+    forAllScanners(u"-12345+x 305", [](OFCharacterScanner* scanner) {
         EXPECT_EQ(scanner->scanIntegerMaximumDigits(3), -123);
-        EXPECT_EQ(scanner->scanUnsignedIntegerMaximumDigits(9), 45u);
-        EXPECT_EQ(scanner->scanIntegerMaximumDigits(3), 0) << "the sign stays consumed";
-        EXPECT_EQ(scanner->readCharacter(), u'x');
-        EXPECT_EQ(scanner->scanHexadecimalNumberMaximumDigits(8), 0x1AFu);
-        scanner->skipCharacters(2);
-        EXPECT_EQ(scanner->scanUnsignedIntegerMaximumDigits(20), 1u) << "wraps";
+        EXPECT_EQ(scanner->scanIntegerMaximumDigits(20), 45);
+        EXPECT_EQ(scanner->scanIntegerMaximumDigits(3), 0);
+        EXPECT_EQ(scanner->readCharacter(), u'x') << "the sign stays consumed";
         EXPECT_EQ(scanner->scanIntegerMaximumDigits((scanner->readCharacter(), 20)), 305);
-        EXPECT_EQ(scanner->scanIntegerMaximumDigits((scanner->readCharacter(), 3)), 123);
-        EXPECT_EQ(scanner->scanUnsignedIntegerMaximumDigits(30), 4191226578u) << "wraps";
     });
 }
 
-// The fuzz target CharacterScanner compares these operations on ASCII with a model.
 TEST(CharacterScanner, GoesToStringsBlindToCaseAndToMembers) {
     forAllScanners(u"abababac \xC4pfel", [](OFCharacterScanner* scanner) {
         auto expectAt = [=](NSUInteger location, bool isFound) {
@@ -232,29 +218,20 @@ TEST(CharacterScanner, GoesToStringsBlindToCaseAndToMembers) {
     });
 }
 
-TEST(CharacterScanner, ReadsTokensAndLines) {
-    forAllScanners(u"One,,TWO \xC9\r\nx\r\ny\n\nlast", [](OFCharacterScanner* scanner) {
-        OFCharacterSet* comma = OFCharacterSet::characterSetWithString(u","_ns);
-        EXPECT_EQ(textOf(scanner->readFullTokenWithDelimiterCharacter(u',')), u"One");
-        EXPECT_EQ(textOf(scanner->readFullTokenWithDelimiterCharacter(u',')), u"");
-        EXPECT_EQ(scanner->readFullTokenWithDelimiterOFCharacterSet(comma), nullptr);
-        scanner->skipCharacters(2);
+TEST(CharacterScanner, ReadsTokensInSmallLettersTokensOfASetAndFragments) {
+    forAllScanners(u"One,TWO \xC9\rx\r\n", [](OFCharacterScanner* scanner) {
+        auto* letters = NSCharacterSet::letterCharacterSet();
+        EXPECT_EQ(textOf(scanner->readFullTokenWithDelimiterCharacter_forceLowercase(u',', false)), u"One");
+        scanner->skipCharacters(1);
         EXPECT_EQ(textOf(scanner->readFullTokenWithDelimiterCharacter_forceLowercase(u' ', true)), u"two");
+        EXPECT_EQ(scanner->readFullTokenOfSet(letters), nullptr);
         scanner->skipCharacters(1);
         OFCharacterSet* ends = OFCharacterSet::characterSetWithString(u"\r"_ns);
         EXPECT_EQ(textOf(scanner->readFullTokenWithDelimiterOFCharacterSet_forceLowercase(ends, true)),
                   u"\xE9");
         EXPECT_EQ(scanner->readLine(), nullptr);
-        EXPECT_EQ(textOf(scanner->readFullTokenOfSet(NSCharacterSet::letterCharacterSet())), u"x");
-        EXPECT_EQ(scanner->readFullTokenOfSet(NSCharacterSet::letterCharacterSet()), nullptr);
+        EXPECT_EQ(textOf(scanner->readFullTokenOfSet(letters)), u"x");
         EXPECT_EQ(scanner->readLine(), nullptr);
-        EXPECT_EQ(textOf(scanner->readLine()), u"y");
-        EXPECT_EQ(scanner->readLine(), nullptr);
-        EXPECT_EQ(textOf(scanner->readFullTokenUpToString(u"st"_ns)), u"la");
-        EXPECT_EQ(textOf(scanner->readCharacterCount(1)), u"s");
-        EXPECT_EQ(textOf(scanner->readFullTokenUpToString(u"none"_ns)), u"t");
-        EXPECT_EQ(textOf(scanner->readFullTokenUpToString(u"none"_ns)), u"");
-        EXPECT_EQ(scanner->readCharacterCount(1), nullptr);
         EXPECT_EQ(scanner->readFullTokenWithDelimiterCharacter(u','), nullptr);
     });
     char bytes[] = "abcd";

@@ -25,19 +25,15 @@ std::u16string decoded(const std::string& bytes, CFStringEncoding encoding, std:
     return text;
 }
 
+// The fuzz target StringDecoder compares UTF-8, with and without wide instructions, with a model.
 TEST(StringDecoder, DecodesInStepsOfAnySize) {
     struct {
         CFStringEncoding encoding;
         std::string bytes;
         std::u16string text;
     } const cases[] = {
-        {kCFStringEncodingUTF8,
-         "plain text of more than thirty-two bytes, \xC3\xA4\xC3\xB6\xC3\xBC\xC3\x9F\xC3\xA9 a",
-         u"plain text of more than thirty-two bytes, \xE4\xF6\xFC\xDF\xE9 a"},
-        {kCFStringEncodingUTF8, "\xE2\x82\xAC\xE4\xB8\xAD\xE6\x96\x87\xF0\x9F\x98\x80z",
-         u"\x20AC\x4E2D\x6587\xD83D\xDE00z"},
-        {kCFStringEncodingUTF8, "\xC0\x80\xED\xA0\x80\xF7\xBF\xBF\xBF\xFC\x84\x80\x80\x80\x80\xFE\x80",
-         std::u16string(u"\0\xD800\xFFFD\xFFFD\xFFFD\xFFFD", 6)},
+        {kCFStringEncodingUTF8, "plain text of more than thirty-two bytes, \xC3\xA4\xE4\xB8\xAD\xF0\x9F\x98\x80z",
+         u"plain text of more than thirty-two bytes, \xE4\x4E2D\xD83D\xDE00z"},
         {kCFStringEncodingASCII, "a\x7F\x80\xFF", u"a\x7F\xFFFD\xFFFD"},
         {kCFStringEncodingISOLatin1, "0123456789abcdef\x85\xA0\xE9\xFF",
          u"0123456789abcdef\xFFFD\xA0\xE9\xFF"},

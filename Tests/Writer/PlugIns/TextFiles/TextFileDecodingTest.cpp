@@ -26,8 +26,6 @@ const GuessCase kGuessCases[] = {
     {"OneByteOfLatin", "\xE9", u"é", "windows-1252"},
     {"MarkAlone", "\xEF\xBB\xBF", u"", "UTF-8", true},
     {"MarkedUTF8WithBadRest", "\xEF\xBB\277a\xFF", u"ï»¿aÿ", "windows-1252"},
-    {"MarkedUTF32Big", "\0\0\xFE\xFF\0\x01\xF4\x08"s, u"🐈", "UTF-32BE", true},
-    {"UTF32Big", "\0\0\0h\0\x01\xF4\x08"s, u"h🐈", "UTF-32BE"},
     {"Windows", "\x93quoted\x94 \x80", u"“quoted” €", "windows-1252"},
     {"Layout", "a\tb\r\nc\f\x1B[0m", u"a\tb\r\nc\f\x1B[0m", "UTF-8"},
 };
