@@ -7,7 +7,6 @@
 #include "NSIndexSet-PelvorAdditions.h"
 #include "NSInvocation-PelvorAdditions.h"
 #include "NSMutableDictionary-PelvorAdditions.h"
-#include "NSMutableString-PelvorAdditions.h"
 #include "NSObject-PelvorAdditions.h"
 #include "NSRunLoop-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
@@ -39,6 +38,8 @@ std::string operationOf(std::string_view call) {
 #define REFUSED(fault, ...) \
     EXPECT_EQ(reasonOf([&] { (void)(__VA_ARGS__); }), operationOf(#__VA_ARGS__) + " " + fault)
 
+// That a refusal names its operation is a matter of scripts/check-messages, that null ends no process one of the
+// walk over all classes: here are texts, and refusals that an inner operation would make in its own name.
 TEST(Arguments, ThatAreNullAreNamed) {
     auto scanner = OFStringScanner::initWithString(u"abc"_ns);
     NSMutableString* text = NSMutableString::of(u"abc");
@@ -49,20 +50,15 @@ TEST(Arguments, ThatAreNullAreNamed) {
     using Strings = NSString_PelvorAdditions;
     using Datas = NSData_PelvorAdditions;
     using Wide = PBUnichar32String;
-    const std::string noString = "the string is null", noSet = "the set is null";
+    const std::string noString = "the string is null";
     const std::string noPoints = "the code points must not be null where the length is 1";
     const std::string noBuffer = "the buffer must not be null where the length is 1";
     REFUSED(noString, scanner->scanString_peek(nullptr, true));
-    REFUSED(noString, scanner->scanStringCaseInsensitive_peek(nullptr, true));
-    REFUSED(noString, scanner->scanUpToString(nullptr));
-    REFUSED(noString, scanner->scanUpToStringCaseInsensitive(nullptr));
     REFUSED(noString, scanner->readFullTokenUpToString(nullptr));
     REFUSED("the value is null", scanner->scanDouble_maximumLength_exponentLength(nullptr, 9, 9));
     REFUSED("the child is neither an OFTrieNode nor an OFTrieBucket",
             node->addChild_withCharacter(text, u'a'));
-    REFUSED(noString, PBRepeatString::initWithString_length(nullptr, 2));
     REFUSED(noString, PBRepeatString::initWithString_repeatCount(nullptr, 2));
-    REFUSED(noString, Wide::initWithString(nullptr));
     REFUSED(noPoints, Wide::initWithCodepoints_count(nullptr, 1));
     REFUSED(noPoints, Wide::initWithOwnedCodepoints_count(nullptr, 1));
     REFUSED(noBuffer, wide->getCodepoints_forCodepointsWithRange(nullptr, {0, 1}));
@@ -71,15 +67,8 @@ TEST(Arguments, ThatAreNullAreNamed) {
     REFUSED(noPoints, Strings::stringWithCodepoints_count(nullptr, 1));
     REFUSED(noPoints, Strings::initWithCodepoints_count(nullptr, 1));
     REFUSED("the class is null", Strings::stringWithCharacter(u'a', nullptr));
-    REFUSED("the data is null", Strings::stringWithData_encoding(nullptr, NSUTF8StringEncoding));
-    REFUSED(noSet, locationOfCharacterFromSet_options_location(text, nullptr, 0, 0));
-    REFUSED("the target is null", stringByReplacingAllOccurrencesOfString_withString(text, nullptr, text));
     REFUSED("the replacement is null",
             stringByReplacingAllOccurrencesOfString_withString(text, text, nullptr));
-    REFUSED(noSet, stringByReplacingAllOccurrencesOfCharactersInSet_withString(text, nullptr, text));
-    REFUSED("the line ending is null", replaceAllLineEndingsWithString(text, nullptr));
-    REFUSED(noSet, removeCharactersInSet(text, nullptr));
-    REFUSED("the target is null", replaceAllOccurrencesOfString_withString(text, nullptr, text));
     REFUSED(noString, Datas::dataWithBase64String(nullptr));
     REFUSED(noString, Datas::initWithHexString(nullptr));
     REFUSED("the prefix must not be null where the length is 1",
