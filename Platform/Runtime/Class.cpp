@@ -59,8 +59,8 @@ void requireSubclass(Class* cls, Class* ancestor) {
 }
 
 void detail::raiseMadeOther(std::string_view creator, Object* made, Class* wanted) {
-    throw NSException(NSInvalidArgumentException, std::string(creator) +
-                                                      ": the creator makes objects of class " +
+    throw NSException(NSInvalidArgumentException, std::string(creator) + (creator.ends_with(':') ? "" : ":") +
+                                                      " the creator makes objects of class " +
                                                       made->isa()->publicName() + ", not of class " +
                                                       wanted->name() + ", which needs a creator of its own");
 }

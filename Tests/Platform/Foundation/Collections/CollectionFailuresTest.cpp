@@ -33,6 +33,11 @@ void expectArraysRefuse() {
 TEST(CollectionFailures, OfArraysNameTheOperationAndTheArgument) {
     expectArraysRefuse<NSArray>();
     expectArraysRefuse<NSMutableArray>();
+    Class* own = Class::createSubclass("BareArray", NSArray::classObject());
+    REFUSES(
+        "arrayWithObject: the creator makes objects of class NSArray, not of class BareArray, which needs a "
+        "creator of its own",
+        send<id>(own, "arrayWithObject:"_sel, num(1)));
     auto array = NSMutableArray::initWithArray(numbers({1, 2, 3}));
     REFUSES("addObject: the object is null", array->addObject(nullptr));
     REFUSES("insertObject:atIndex: the object is null", array->insertObject_atIndex(nullptr, 0));
