@@ -105,6 +105,7 @@ inline bool expectSurvival(const std::function<std::vector<Step>()>& makeSteps) 
         first = progress->next;
         if (fork() == 0) {
             std::strcpy(progress->name, "The making of samples");
+            alarm(60);
             const std::vector<Step> steps = makeSteps();
             while (progress->next < steps.size()) {
                 const auto& [name, run] = steps[progress->next++];
