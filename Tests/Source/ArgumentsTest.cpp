@@ -38,8 +38,8 @@ std::string operationOf(std::string_view call) {
 #define REFUSED(fault, ...) \
     EXPECT_EQ(reasonOf([&] { (void)(__VA_ARGS__); }), operationOf(#__VA_ARGS__) + " " + fault)
 
-// That a refusal names its operation is a matter of scripts/check-messages, that null ends no process one of the
-// walk over all classes: here are texts, and refusals that an inner operation would make in its own name.
+// That a refusal names its operation is a matter of scripts/check-messages, that null ends no process one of
+// the walk over all classes: here are texts, and refusals that an inner operation would make in its own name.
 TEST(Arguments, ThatAreNullAreNamed) {
     auto scanner = OFStringScanner::initWithString(u"abc"_ns);
     NSMutableString* text = NSMutableString::of(u"abc");

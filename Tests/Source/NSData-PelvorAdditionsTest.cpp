@@ -36,7 +36,8 @@ TEST(Base64, IsWrittenInLinesAndReadPastEverythingForeign) {
     EXPECT_EQ(textOf(base64DataWithLineLength(dataOf("ABCDEFG"), 5)), "QUJDREVG\nRw==");
     EXPECT_EQ(textOf(base64DataWithLineLength(dataOf("ABC"), 0xFFFFFFFF)), "QUJD");
     EXPECT_EQ(base64String(dataOf("ABCD"))->toUTF8(), "QUJDRA==");
-    NSData* read = Additions::initWithBase64String(inPieces(u"QU\nJ D"), NSMutableData::classObject()).autorelease();
+    NSData* read =
+        Additions::initWithBase64String(inPieces(u"QU\nJ D"), NSMutableData::classObject()).autorelease();
     cast<NSMutableData>(read)->appendBytes_length("D", 1);
     EXPECT_EQ(textOf(read), "ABCD");
     EXPECT_EQ(reasonOf(Base64Error, [] { Additions::dataWithBase64String(u"QUI"_ns); }),
@@ -83,7 +84,8 @@ TEST(Base64, NoticesEveryForeignUnitInAWideBlock) {
 
 TEST(HexText, IsReadAndWritten) {
     EXPECT_EQ(lowercaseHexString(dataOf("\x0A\xFF"))->toUTF8(), "0x0aff");
-    EXPECT_EQ(unadornedLowercaseHexString(Additions::dataWithHexString(inPieces(u" \t0XABC")))->toUTF8(), "0abc");
+    EXPECT_EQ(unadornedLowercaseHexString(Additions::dataWithHexString(inPieces(u" \t0XABC")))->toUTF8(),
+              "0abc");
     for (std::u16string_view text : {u"12 G", u"12  ", u"xff"})
         EXPECT_EQ(Additions::dataWithHexString(inPieces(text)), nullptr) << NSString::of(text);
 }

@@ -56,8 +56,9 @@ void expectWords(Text texts, bool includesPrevious = false) {
 // The fuzz target StringAdditions compares words in texts of all kinds with a model of the rules.
 TEST(WordRange, FollowsTheRuleOfTheUnitAtTheCaretAndSpansTheRange) {
     PBPostLoader::processClasses();
-    expectWords(u"I [do|n't] know/the dogs|[]' tails/|[]'tis/[e|\u0301t\u00E9]!/|[]/foo|[] bar/foo.|[]/"
-                u"costs [$1,|250.99] today/of [|\u20AC12,5] each/x|[].5/ [|$.99] /one [t|wo t|hree]/[o|ne ]1|2");
+    expectWords(
+        u"I [do|n't] know/the dogs|[]' tails/|[]'tis/[e|\u0301t\u00E9]!/|[]/foo|[] bar/foo.|[]/"
+        u"costs [$1,|250.99] today/of [|\u20AC12,5] each/x|[].5/ [|$.99] /one [t|wo t|hree]/[o|ne ]1|2");
     expectWords(u"[foo |bar]/foo [ |bar]/foo.[ |bar]/[ |bar]/[a\u0002|b]", true);
 }
 
@@ -258,8 +259,8 @@ TEST(NumbersAtAnIndex, TellHowFarTheyReach) {
 TEST(StringAdditions, MakeStringsOfDataAndBuffersOfStrings) {
     NSData* data = u"na\u00EFve"_ns->dataUsingEncoding(NSISOLatin1StringEncoding);
     using Additions = NSString_PelvorAdditions;
-    NSString* text = Additions::stringWithData_encoding(data, NSISOLatin1StringEncoding,
-                                                        NSMutableString::classObject());
+    NSString* text =
+        Additions::stringWithData_encoding(data, NSISOLatin1StringEncoding, NSMutableString::classObject());
     EXPECT_EQ(text->toUTF8(), "na\xC3\xAFve");
     EXPECT_TRUE(cast<NSMutableString>(text));
     EXPECT_EQ(Additions::stringWithData_encoding(data, NSUTF8StringEncoding), nullptr);

@@ -95,9 +95,10 @@ TEST(PBRangeUtil, NormalizesLists) {
 TEST(PBRangeUtil, CombinesASelectionWithARange) {
     expectAll(
         {"(5,3) from (5,3) -> (5,0) active 0", "(9,1) from (0,3) (9,1) -> (0,3) active 0",
-         "(6,1) from (0,3) (5,3) -> (0,3) (5,1) (7,1) active 1", "(3,2) and (0,3) (9,1) -> (0,5) (9,1) active 0",
-         "(7,1) and (0,3) (9,1) -> (0,3) (7,1) (9,1) active 1", "(7,0) and (0,3) (9,1) -> (0,3) (9,1) active 0",
-         "(7,1) over (0,3) -> (7,1) active 0"},
+         "(6,1) from (0,3) (5,3) -> (0,3) (5,1) (7,1) active 1",
+         "(3,2) and (0,3) (9,1) -> (0,5) (9,1) active 0",
+         "(7,1) and (0,3) (9,1) -> (0,3) (7,1) (9,1) active 1",
+         "(7,0) and (0,3) (9,1) -> (0,3) (9,1) active 0", "(7,1) over (0,3) -> (7,1) active 0"},
         [](const std::string& row) {
             NSUInteger active = 77;
             NSRange range = rangesIn(row)[0];

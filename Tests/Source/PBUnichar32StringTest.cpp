@@ -56,7 +56,8 @@ TEST(PBUnichar32String, MapsBetweenUnitsAndCodepoints) {
     text->getCharacters_range(units, {2, 1});
     EXPECT_EQ(std::u16string(units, 2), u"\xD83D-");
     std::uint32_t codepoint = 0;
-    EXPECT_EQ(shown(countCodepointsInRange(text, {1, 1}), getCodepoints_range(text, &codepoint, {2, 1})), "0 1");
+    EXPECT_EQ(shown(countCodepointsInRange(text, {1, 1}), getCodepoints_range(text, &codepoint, {2, 1})),
+              "0 1");
     EXPECT_EQ(codepoint, 0x1F600u);
 }
 

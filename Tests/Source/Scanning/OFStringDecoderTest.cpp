@@ -32,7 +32,8 @@ TEST(StringDecoder, DecodesInStepsOfAnySize) {
         std::string bytes;
         std::u16string text;
     } const cases[] = {
-        {kCFStringEncodingUTF8, "plain text of more than thirty-two bytes, \xC3\xA4\xE4\xB8\xAD\xF0\x9F\x98\x80z",
+        {kCFStringEncodingUTF8,
+         "plain text of more than thirty-two bytes, \xC3\xA4\xE4\xB8\xAD\xF0\x9F\x98\x80z",
          u"plain text of more than thirty-two bytes, \xE4\x4E2D\xD83D\xDE00z"},
         {kCFStringEncodingASCII, "a\x7F\x80\xFF", u"a\x7F\xFFFD\xFFFD"},
         {kCFStringEncodingISOLatin1, "0123456789abcdef\x85\xA0\xE9\xFF",
@@ -56,9 +57,8 @@ TEST(StringDecoder, DecodesInStepsOfAnySize) {
 TEST(StringDecoder, TellsHowFarItCame) {
     auto scan = [](OFStringDecoderState state, std::string bytes, NSUInteger capacity) {
         unichar units[8];
-        auto result =
-            OFScanCharactersIntoBuffer(state, reinterpret_cast<const unsigned char*>(bytes.data()),
-                                       static_cast<NSUInteger>(bytes.size()), units, capacity);
+        auto result = OFScanCharactersIntoBuffer(state, reinterpret_cast<const unsigned char*>(bytes.data()),
+                                                 static_cast<NSUInteger>(bytes.size()), units, capacity);
         return shown(result.bytesConsumed, result.charactersProduced,
                      OFDecoderContainsPartialCharacters(result.state) ? "and a part" : "whole");
     };
