@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Runs a fuzz target once over every file below the paths given, in order of name, in builds without a
-// fuzzer.
+// Runs a fuzz target over every file below the paths given, in order of name, in builds without a fuzzer:
+// once as the file is, and, if it is short, cut off at each place and with each byte changed.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -26,6 +26,26 @@ std::vector<std::filesystem::path> filesBelow(const std::filesystem::path& path)
     return files;
 }
 
+// A copy of the exact size lets the address sanitizer see a read of one byte too many.
+void run(const std::uint8_t* data, std::size_t size) {
+    const std::vector<std::uint8_t> input(data, data + size);
+    LLVMFuzzerTestOneInput(input.data(), input.size());
+}
+
+void runDamaged(std::string bytes) {
+    constexpr std::size_t kLongest = 1000;
+    if (bytes.size() > kLongest) return;
+    auto* data = reinterpret_cast<std::uint8_t*>(bytes.data());
+    for (std::size_t at = 0; at < bytes.size(); ++at) {
+        run(data, at);
+        for (std::uint8_t mask : {0x01, 0x20, 0x80, 0xFF}) {
+            data[at] ^= mask;
+            run(data, bytes.size());
+            data[at] ^= mask;
+        }
+    }
+}
+
 bool replay(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) {
@@ -33,10 +53,9 @@ bool replay(const std::filesystem::path& path) {
         return false;
     }
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    // A copy of the exact size lets the address sanitizer see a read of one byte too many.
-    const std::vector<std::uint8_t> input(bytes.begin(), bytes.end());
     std::fprintf(stderr, "%s\n", path.c_str());
-    LLVMFuzzerTestOneInput(input.data(), input.size());
+    run(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+    runDamaged(bytes);
     return true;
 }
 

@@ -19,7 +19,7 @@ class NSBundleTest : public ::testing::Test {
     BundleFolder folder;
 };
 
-TEST_F(NSBundleTest, APlainProgramHasItsFolderAsTheMainBundle) {
+TEST_F(NSBundleTest, APlainProgramHasItsFolderAsTheMainBundleAndItsClassesAreIn) {
     auto* main = NSBundle::mainBundle();
     fs::path program = fs::canonical("/proc/self/exe");
     EXPECT_EQ(shown(main->bundlePath()), program.parent_path());
@@ -28,6 +28,11 @@ TEST_F(NSBundleTest, APlainProgramHasItsFolderAsTheMainBundle) {
     EXPECT_TRUE(main->isLoaded() && main->load());
     EXPECT_EQ(NSBundle::allBundles()->objectAtIndex(0), main);
     EXPECT_EQ(bundleAt(program.parent_path()), main);
+    Class* made = Class::createSubclass("MadeForBundles", NSObject::classObject());
+    for (Class* cls : {NSBundle::classObject(), made}) EXPECT_EQ(NSBundle::bundleForClass(cls), main);
+    EXPECT_EQ(NSBundle::bundleForClass(nullptr), nullptr);
+    EXPECT_EQ(main->classNamed(u"NSBundle"_ns), NSBundle::classObject());
+    EXPECT_EQ(main->classNamed(u"NoSuchClass"_ns), nullptr);
 }
 
 TEST_F(NSBundleTest, AFolderHasOneBundleWhateverItIsCalled) {
@@ -41,6 +46,12 @@ TEST_F(NSBundleTest, AFolderHasOneBundleWhateverItIsCalled) {
     for (fs::path none : {folder.path() / "None.bundle", path / "Contents/Info.plist", fs::path()})
         EXPECT_EQ(bundleAt(none), nullptr) << none;
     EXPECT_EQ(NSBundle::bundleWithPath(nullptr), nullptr);
+    // A folder without Contents is a bundle as well.
+    folder.write("Flat/Info.plist", "{ CFBundleIdentifier = flat; }");
+    const std::string picture = folder.write("Flat/picture.png", "");
+    bundle = bundleAt(folder.path() / "Flat");
+    EXPECT_EQ(shown(bundle->bundleIdentifier(), bundle->pathForResource_ofType(u"picture"_ns, u"png"_ns)),
+              "flat " + picture);
 }
 
 TEST_F(NSBundleTest, BundlesAreListedInTheOrderInWhichTheyWereAskedFor) {
@@ -129,24 +140,7 @@ TEST_F(NSBundleTest, ResourcesAreFoundByNameTypeFolderAndLanguage) {
               "Sub/a.tar.gz, Sub/c.png, en.lproj/Sub/e.png");
 }
 
-TEST_F(NSBundleTest, AFolderWithoutContentsIsABundleAsWell) {
-    folder.write("Flat/Info.plist", "{ CFBundleIdentifier = flat; }");
-    const std::string picture = folder.write("Flat/picture.png", "");
-    auto* bundle = bundleAt(folder.path() / "Flat");
-    EXPECT_EQ(shown(bundle->bundleIdentifier(), bundle->pathForResource_ofType(u"picture"_ns, u"png"_ns)),
-              "flat " + picture);
-}
-
 // MARK: Classes
-
-TEST_F(NSBundleTest, ClassesOfTheProgramAndItsLibrariesAreTheMainBundles) {
-    auto* main = NSBundle::mainBundle();
-    Class* made = Class::createSubclass("MadeForBundles", NSObject::classObject());
-    for (Class* cls : {NSBundle::classObject(), made}) EXPECT_EQ(NSBundle::bundleForClass(cls), main);
-    EXPECT_EQ(NSBundle::bundleForClass(nullptr), nullptr);
-    EXPECT_EQ(main->classNamed(u"NSBundle"_ns), NSBundle::classObject());
-    EXPECT_EQ(main->classNamed(u"NoSuchClass"_ns), nullptr);
-}
 
 extern Library frameworkLibrary;
 class Frame : public NSObject {

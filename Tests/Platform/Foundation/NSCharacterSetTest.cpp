@@ -2,7 +2,8 @@
 // Tests of character sets.
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSMutableCharacterSet.h"
-#include "Platform/Foundation/OwnCollections.h"
+#include "Platform/Foundation/Messages.h"
+#include "Shared/Codepoints.h"
 
 namespace {
 
@@ -60,38 +61,33 @@ TEST(NSCharacterSetTest, CharactersOfAStringArePairsAndLoneHalves) {
     EXPECT_FALSE(set->hasMemberInPlane(2) || set->hasMemberInPlane(17));
 }
 
-TEST(NSCharacterSetTest, SetsThatChangeLeaveTheirCopiesAlone) {
+TEST(NSCharacterSetTest, SetsChangeAndLeaveTheirCopiesAlone) {
     auto set = NSCharacterSet::letterCharacterSet()->mutableCopy();
     auto before = set->copy();
-    set->removeCharactersInRange({u'a', 26});
-    set->addCharactersInString(u"1"_ns);
-    EXPECT_TRUE(!set->characterIsMember(u'q') && set->characterIsMember(u'1'));
-    EXPECT_TRUE(before->isEqual(NSCharacterSet::letterCharacterSet()));
-    EXPECT_TRUE(NSCharacterSet::letterCharacterSet()->characterIsMember(u'q'));
-    set->removeCharactersInString(u"1"_ns);
-    set->addCharactersInRange({u'a', 26});
-    EXPECT_TRUE(set->isEqual(before.get()) && set->hash() == before->hash());
-}
-
-TEST(NSCharacterSetTest, UnionIntersectionAndInverse) {
-    auto set = NSMutableCharacterSet::characterSetWithRange({u'a', 26});
-    set->formUnionWithCharacterSet(NSCharacterSet::characterSetWithCharactersInString(u"1😀"_ns));
-    EXPECT_TRUE(set->longCharacterIsMember(U'😀') && set->characterIsMember(u'1'));
+    auto members = [](NSCharacterSet* each) {
+        std::u16string found;
+        for (char32_t c : std::u32string_view(U"aqz1é😀"))
+            if (each->longCharacterIsMember(c)) appendCodepoint(found, c);
+        return NSString::of(found)->toUTF8();
+    };
+    expectSteps(set.get(),
+                {"removeCharactersInRange: 97,26 -> é", "addCharactersInString: '1😀 -> 1é😀",
+                 "removeCharactersInString: '1é -> 😀", "addCharactersInRange: 97,17 -> aq😀", "invert -> z1é",
+                 "invert -> aq😀"},
+                members);
+    EXPECT_EQ(members(set->invertedSet()) + members(before), "z1éaqzé");
+    EXPECT_TRUE(before->isEqual(NSCharacterSet::letterCharacterSet()) &&
+                set->invertedSet()->invertedSet()->isEqual(set));
+    set->formUnionWithCharacterSet(NSCharacterSet::characterSetWithCharactersInString(u"1"_ns));
+    EXPECT_EQ(members(set), "aq1😀");
     set->formIntersectionWithCharacterSet(NSCharacterSet::alphanumericCharacterSet());
-    EXPECT_TRUE(set->characterIsMember(u'z') && set->characterIsMember(u'1'));
-    EXPECT_FALSE(set->longCharacterIsMember(U'😀'));
-
-    NSCharacterSet* inverse = set->invertedSet();
-    EXPECT_FALSE(inverse->characterIsMember(u'z'));
-    EXPECT_TRUE(inverse->longCharacterIsMember(U'😀') && inverse->longCharacterIsMember(0x10FFFF));
-    EXPECT_TRUE(inverse->invertedSet()->isEqual(set));
+    EXPECT_EQ(members(set), "aq1");
     EXPECT_TRUE(NSCharacterSet::alphanumericCharacterSet()->isSupersetOfSet(set));
     EXPECT_FALSE(set->isSupersetOfSet(NSCharacterSet::alphanumericCharacterSet()));
-    set->invert();
-    EXPECT_TRUE(set->isEqual(inverse));
+    EXPECT_TRUE(set->copy()->isEqual(set.get()) && set->copy()->hash() == set->hash());
 }
 
-TEST(NSCharacterSetTest, BitmapsHoldTheMembersBitByBit) {
+TEST(NSCharacterSetTest, BitmapsHoldTheMembersBitByBitAndHigherPlanesFollow) {
     NSCharacterSet* set = NSCharacterSet::characterSetWithCharactersInString(u"\u0000\u0007\u0008\uFFFF"_ns);
     NSData* data = set->bitmapRepresentation();
     ASSERT_EQ(data->length(), 8192u);
@@ -99,22 +95,18 @@ TEST(NSCharacterSetTest, BitmapsHoldTheMembersBitByBit) {
         EXPECT_EQ(data->span()[at], std::byte(bits));
     EXPECT_EQ(std::memcmp(data->bytes(), set->basicPlaneBitmap(), 8192), 0);
     EXPECT_TRUE(NSCharacterSet::characterSetWithBitmapRepresentation(data)->isEqual(set));
-}
-
-TEST(NSCharacterSetTest, BitmapsOfHigherPlanesFollowWithTheirNumbers) {
-    for (NSCharacterSet* set : {NSCharacterSet::letterCharacterSet(), NSCharacterSet::characterSet(),
-                                NSCharacterSet::symbolCharacterSet()->invertedSet()}) {
-        NSData* data = set->bitmapRepresentation();
+    for (NSCharacterSet* each : {NSCharacterSet::letterCharacterSet(), NSCharacterSet::characterSet(),
+                                 NSCharacterSet::symbolCharacterSet()->invertedSet()}) {
+        data = each->bitmapRepresentation();
         EXPECT_EQ(data->length() % 8193, 8192u);
-        EXPECT_TRUE(NSCharacterSet::characterSetWithBitmapRepresentation(data)->isEqual(set));
-        EXPECT_TRUE(NSMutableCharacterSet::characterSetWithBitmapRepresentation(data)->isEqual(set));
+        EXPECT_TRUE(NSCharacterSet::characterSetWithBitmapRepresentation(data)->isEqual(each));
+        EXPECT_TRUE(NSMutableCharacterSet::characterSetWithBitmapRepresentation(data)->isEqual(each));
     }
-    std::byte shortBitmap[] = {std::byte{2}};
-    NSCharacterSet* set = NSCharacterSet::characterSetWithBitmapRepresentation(NSData::of(shortBitmap));
+    const std::vector<std::byte> shortOne(1, std::byte{2}), badPlane(8192 + 1 + 8192, std::byte{0xFF});
+    set = NSCharacterSet::characterSetWithBitmapRepresentation(NSData::of(shortOne));
     EXPECT_TRUE(set->characterIsMember(1) && !set->characterIsMember(0) && !set->characterIsMember(9));
-    std::vector<std::byte> badPlane(8192 + 1 + 8192, std::byte{0xFF});
-    EXPECT_FALSE(
-        NSCharacterSet::characterSetWithBitmapRepresentation(NSData::of(badPlane))->hasMemberInPlane(1));
+    set = NSCharacterSet::characterSetWithBitmapRepresentation(NSData::of(badPlane));
+    EXPECT_FALSE(set->hasMemberInPlane(1));
 }
 
 }  // namespace

@@ -19,11 +19,25 @@ class PropertyListFiles : public ::testing::Test {
     BundleFolder folder;
 };
 
-TEST_F(PropertyListFiles, AreReadInEveryFormat) {
+TEST_F(PropertyListFiles, AreReadInEveryFormatAndWrittenAsAWholeOrNotAtAll) {
     id list = listOf("{a = b;}");
     for (const std::string& content : {written(list), written(list, kBinary), std::string("a = b;")})
         EXPECT_TRUE(list->isEqual(Dictionaries::dictionaryWithContentsOfFile(file("x", content))));
     EXPECT_EQ(Arrays::arrayWithContentsOfFile(file("x", "(a)"))->count(), 1u);
+    for (Class* cls : {NSDictionary::classObject(), NSMutableDictionary::classObject()}) {
+        const bool isMutable = cls == NSMutableDictionary::classObject();
+        auto* made = send<NSDictionary*>(cls, "dictionaryWithContentsOfFile:"_sel, file("x", "{ a = (b); }"));
+        EXPECT_EQ(cast<NSMutableDictionary>(made) != nullptr, isMutable);
+        EXPECT_EQ(cast<NSMutableArray>(made->objectForKey(u"a"_ns)) != nullptr, isMutable);
+    }
+    list = richList();
+    EXPECT_TRUE(writeToFile_atomically(richList(), path("list"), true));
+    EXPECT_TRUE(list->isEqual(Dictionaries::dictionaryWithContentsOfFile(path("list"))));
+    EXPECT_FALSE(writeToFile_atomically(NSDictionary::of({{u"a"_ns, NSNull::null()}}), path("list"), true));
+    EXPECT_TRUE(list->isEqual(Dictionaries::dictionaryWithContentsOfFile(path("list"))));
+    EXPECT_FALSE(writeToFile_atomically(richList(), path("no/list"), true));
+    EXPECT_TRUE(send<bool>(NSArray::of({u"a"_ns}), "writeToFile:atomically:"_sel, path("list"), false));
+    EXPECT_TRUE(Arrays::arrayWithContentsOfFile(path("list")));
 }
 
 TEST_F(PropertyListFiles, ThatAreMissingDamagedOrOfAnotherKindGiveNone) {
@@ -36,26 +50,6 @@ TEST_F(PropertyListFiles, ThatAreMissingDamagedOrOfAnotherKindGiveNone) {
         EXPECT_FALSE(Dictionaries::initWithContentsOfFile(name)) << name;
     EXPECT_FALSE(Arrays::initWithContentsOfFile(file("dictionary", "{}")));
     EXPECT_EQ(Dictionaries::dictionaryWithContentsOfFile(file("empty.strings", ""))->count(), 0u);
-}
-
-TEST_F(PropertyListFiles, GiveMutableClassesMutableLists) {
-    for (Class* cls : {NSDictionary::classObject(), NSMutableDictionary::classObject()}) {
-        const bool isMutable = cls == NSMutableDictionary::classObject();
-        auto* list = send<NSDictionary*>(cls, "dictionaryWithContentsOfFile:"_sel, file("x", "{ a = (b); }"));
-        EXPECT_EQ(cast<NSMutableDictionary>(list) != nullptr, isMutable);
-        EXPECT_EQ(cast<NSMutableArray>(list->objectForKey(u"a"_ns)) != nullptr, isMutable);
-    }
-}
-
-TEST_F(PropertyListFiles, AreWrittenAsAWholeOrNotAtAll) {
-    NSDictionary* list = richList();
-    EXPECT_TRUE(writeToFile_atomically(list, path("list"), true));
-    EXPECT_TRUE(list->isEqual(Dictionaries::dictionaryWithContentsOfFile(path("list"))));
-    EXPECT_FALSE(writeToFile_atomically(NSDictionary::of({{u"a"_ns, NSNull::null()}}), path("list"), true));
-    EXPECT_TRUE(list->isEqual(Dictionaries::dictionaryWithContentsOfFile(path("list"))));
-    EXPECT_FALSE(writeToFile_atomically(list, path("no/list"), true));
-    EXPECT_TRUE(send<bool>(NSArray::of({u"a"_ns}), "writeToFile:atomically:"_sel, path("list"), false));
-    EXPECT_TRUE(Arrays::arrayWithContentsOfFile(path("list")));
 }
 
 }  // namespace

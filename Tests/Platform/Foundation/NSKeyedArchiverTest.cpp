@@ -9,11 +9,9 @@
 #include "Foundation/NSMutableData.h"
 #include "Foundation/PropertyListLimits.h"
 #include "Platform/Foundation/Pebble.h"
+#include "Platform/Foundation/PropertyListSamples.h"
 
-namespace pelvor {
 namespace {
-
-using testing::num;
 
 class TestParcel : public NSObject {
     PELVOR_CLASS(TestParcel, NSObject);
@@ -36,28 +34,19 @@ class TestParcel : public NSObject {
     Retained<Object> inside;
 };
 
-constexpr Class* kClasses[] = {&TestParcel::classRecord};
-constexpr Library* kDependencies[] = {&foundationLibrary};
-constinit Library parcelLibrary{"TestParcel", kDependencies, kClasses, {}};
+constinit Library parcelLibrary{"TestParcel", {}, kClassesOf<TestParcel>, {}};
 
 PELVOR_DEFINE_CLASS(TestParcel, parcelLibrary) {
     methods.classLevel<"initWithCoder:", &TestParcel::initWithCoder>();
     methods.instance<"encodeWithCoder:", &TestParcel::encodeWithCoder>();
 }
 
-NSData* dataOf(const std::string& bytes) {
-    return NSData::dataWithBytes_length(bytes.data(), static_cast<NSUInteger>(bytes.size()));
-}
-
 // Old-style text as an XML list in which its digits are numbers; other text as it is.
 NSData* listWithNumbers(const std::string& text) {
-    id list = NSPropertyListSerialization::propertyListWithData_options_format_error(
-        dataOf(text), NSPropertyListImmutable, nullptr, nullptr);
-    if (!list) return dataOf(text);
-    NSData* xml = NSPropertyListSerialization::dataWithPropertyList_format_options_error(
-        list, NSPropertyListXMLFormat_v1_0, 0, nullptr);
-    return dataOf(std::regex_replace(std::string(static_cast<const char*>(xml->bytes()), xml->length()),
-                                     std::regex("<string>(\\d)</string>"), "<integer>$1</integer>"));
+    id list = listOf(text);
+    return dataOf(list ? std::regex_replace(written(list), std::regex("<string>(\\d)</string>"),
+                                            "<integer>$1</integer>")
+                       : text);
 }
 
 class NSKeyedArchiverTest : public ::testing::Test {
@@ -176,7 +165,7 @@ TEST_F(NSKeyedArchiverTest, KeepsWithinBounds) {
         shared = NSArray::of({shared, shared, shared, shared, shared, shared, shared});
     EXPECT_EQ(errorOf(shared), "the archive refers to its objects too often");
     NSData* deep = NSKeyedArchiver::archivedDataWithRootObject(shared);
-    PropertyListLimits usual = propertyListLimits();
+    const PropertyListLimits usual = propertyListLimits();
     setPropertyListLimits({8, usual.maximumSharedObjects});
     EXPECT_EQ(errorOf(deep), "the archive is nested too deeply");
     setPropertyListLimits(usual);
@@ -209,4 +198,3 @@ TEST_F(NSKeyedArchiverTest, TellsWhatIsWrongWithAnArchive) {
 }
 
 }  // namespace
-}  // namespace pelvor

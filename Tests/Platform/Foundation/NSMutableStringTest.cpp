@@ -1,33 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of strings that change.
 #include "Foundation/NSMutableString.h"
-#include "Platform/Foundation/OwnCollections.h"
+#include "Platform/Foundation/Messages.h"
 
 namespace {
 
-TEST(NSMutableStringTest, ReplacingInsertingAndDeleting) {
+TEST(NSMutableStringTest, ReplacesInsertsAndDeletesAlsoByItself) {
     auto string = NSMutableString::initWithString(u"hello"_ns);
-    string->replaceCharactersInRange_withString({1, 3}, u"u"_ns);
-    string->insertString_atIndex(u"ll"_ns, 2);
-    string->insertString_atIndex(u"!"_ns, 5);
-    EXPECT_EQ(string->toUTF8(), "hullo!");
-    string->deleteCharactersInRange({0, 1});
+    expectSteps(string.get(),
+                {"replaceCharactersInRange:withString: 1,3 'u -> huo", "insertString:atIndex: 'll 2 -> hullo",
+                 "insertString:atIndex: '! 5 -> hullo!", "deleteCharactersInRange: 0,1 -> ullo!",
+                 "setString: ' -> ", "appendString: 'abc -> abc", "appendString: . -> abcabc",
+                 "insertString:atIndex: . 1 -> aabcabcbcabc", "setString: . -> aabcabcbcabc",
+                 "replaceCharactersInRange:withString: 0,12 . -> aabcabcbcabc",
+                 "replaceOccurrencesOfString:withString:options:range: . . 0 0,12 -> aabcabcbcabc"},
+                [](NSString* each) { return each->toUTF8(); });
     string->appendFormat(u" %d"_ns, 42);
     string->appendCharacters_length(u"xyz", 2);
-    EXPECT_EQ(string->toUTF8(), "ullo! 42xy");
-    string->setString(u""_ns);
-    EXPECT_EQ(string->length(), 0u);
-}
-
-TEST(NSMutableStringTest, MayBeItsOwnArgument) {
-    auto string = NSMutableString::initWithString(u"abc"_ns);
-    string->appendString(string);
-    string->insertString_atIndex(string, 1);
-    EXPECT_EQ(string->toUTF8(), "aabcabcbcabc");
-    string->setString(string);
-    string->replaceCharactersInRange_withString({0, 12}, string);
-    EXPECT_EQ(string->length(), 12u);
-    EXPECT_EQ(string->replaceOccurrencesOfString_withString_options_range(string, string, 0, {0, 12}), 1u);
+    EXPECT_EQ(string->toUTF8(), "aabcabcbcabc 42xy");
 }
 
 TEST(NSMutableStringTest, ReplacingOccurrences) {

@@ -95,23 +95,8 @@ TEST_F(NSNotificationCenterTest, WhatAnObserverRaisesReachesThePosterAndHarmsNot
     EXPECT_EQ(joined(heard), "before:opened");
     center->removeObserver(bad);
     EXPECT_EQ(post(u"opened"_ns), "before:opened, after:opened");
-}
-
-TEST_F(NSNotificationCenterTest, MistakesAreRaised) {
-    const std::pair<std::string, std::string> rows[] = {
-        {RAISED(add(nullptr, u"opened"_ns)), "addObserver:selector:name:object: the observer is null"},
-        {RAISED(center->addObserver_selector_name_object(sender, SEL(), nullptr, nullptr)),
-         "addObserver:selector:name:object: the selector is null"},
-        {RAISED(center->postNotification(nullptr)),
-         "postNotification: the notification is null or has no name"},
-        {RAISED(post(nullptr)), "postNotificationName: the name is null"},
-        {RAISED(NSNotification::notificationWithName_object(nullptr, nullptr)),
-         "notificationWithName: the name is null"},
-    };
-    for (const auto& [raised, reason] : rows) EXPECT_EQ(raised, "NSInvalidArgumentException: " + reason);
-    // One that does not answer the message is found out when it is called.
     add(sender, u"opened"_ns);
-    EXPECT_THROW(post(u"opened"_ns), NSException);
+    EXPECT_THROW(post(u"opened"_ns), NSException) << "it does not have the method";
     center->removeObserver(nullptr);
 }
 

@@ -4,7 +4,7 @@
 
 #include <climits>
 
-#include "Platform/Foundation/OwnCollections.h"
+#include "Platform/Foundation/Pebble.h"
 
 namespace {
 
@@ -42,7 +42,7 @@ TEST(NSNumberTest, ComparesExactlyAcrossTypes) {
                 }
 }
 
-TEST(NSNumberTest, ReadsAsOtherTypes) {
+TEST(NSNumberTest, ReadsAsOtherTypesAndIsSharedWhenSmall) {
     EXPECT_EQ(shown(num(-1)->unsignedIntValue(), num(300)->charValue() + 0, large(1LL << 32)->intValue(),
                     large(1LL << 32)->boolValue(), NSNumber::numberWithBool(true)->floatValue()),
               "4294967295 44 0 1 1");
@@ -51,6 +51,11 @@ TEST(NSNumberTest, ReadsAsOtherTypes) {
                     real(0x1p64)->unsignedLongLongValue(), real(kNaN)->intValue()),
               "1 0 -2 2147483647 -9223372036854775808 0 18446744073709551615 0");
     EXPECT_EQ(huge(ULLONG_MAX)->doubleValue(), 0x1p64);
+    NSNumber* number = num(300);
+    EXPECT_FALSE(number->isEqual(u"300"_ns));
+    EXPECT_EQ(number->copy().get(), number);
+    EXPECT_EQ(num(7), num(7));
+    for (int value : {-17, -16, 255, 256}) EXPECT_EQ(num(value)->intValue(), value);
 }
 
 TEST(NSNumberTest, KeepsItsTypeAndWritesNoMoreThanItsSize) {
@@ -88,25 +93,6 @@ TEST(NSNumberTest, WritesTheShortestTextThatReadsBack) {
         // clang-format on
     };
     for (auto [number, text] : rows) EXPECT_EQ(shown(number->stringValue()), text);
-}
-
-TEST(NSNumberTest, ASubclassNeedsOnlyTypeAndValue) {
-    auto tally = make<Tally>();
-    tally->value = 41;
-    EXPECT_EQ(shown(tally, tally->doubleValue()), "41 41");
-    EXPECT_TRUE(tally->isEqual(real(41)) && real(41)->isEqual(tally));
-    EXPECT_EQ(tally->hash(), num(41)->hash());
-    tally->value = 42;
-    EXPECT_EQ(num(42)->compare(tally), NSOrderedSame);
-    EXPECT_EQ(send<float>(tally, "floatValue"_sel), 42.0f);
-}
-
-TEST(NSNumberTest, IsItsOwnCopySharedWhenSmallAndEqualsNoText) {
-    NSNumber* number = num(300);
-    EXPECT_FALSE(number->isEqual(u"300"_ns));
-    EXPECT_EQ(number->copy().get(), number);
-    EXPECT_EQ(num(7), num(7));
-    for (int value : {-17, -16, 255, 256}) EXPECT_EQ(num(value)->intValue(), value);
 }
 
 }  // namespace

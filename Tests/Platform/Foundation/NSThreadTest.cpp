@@ -42,9 +42,7 @@ TEST(NSThreadTest, EveryThreadHasItsDictionaryWhichGoesWithIt) {
     });
     EXPECT_TRUE(hasEnded);
     EXPECT_EQ(shown(NSThread::currentThread()->threadDictionary()), "{\n    key = main;\n}");
-}
-
-TEST(NSThreadTest, ObjectsThatGoWithTheThreadMayStillAskForIt) {
+    // What goes with it may still ask for the thread.
     std::promise<bool> asked;
     NSThread::detach([&asked] {
         AutoreleasePool pool;
@@ -62,9 +60,6 @@ TEST(NSThreadTest, WhatAThreadRaisesIsLoggedAndEndsIt) {
     runOnThread([](id) { throw 1; });
     EXPECT_THAT(log.lines, ElementsAre(HasSubstr("BadThing: it broke"), HasSubstr("it snapped"),
                                        HasSubstr("unknown exception")));
-    auto detach = &NSThread::detachNewThreadSelector_toTarget_withObject;
-    EXPECT_THAT(RAISED(detach(SEL(), u""_ns, nullptr)), EndsWith("withObject: the selector is null"));
-    EXPECT_THAT(RAISED(detach("hear:"_sel, nullptr, nullptr)), EndsWith("withObject: the target is null"));
 }
 
 TEST(NSThreadTest, SleepingUntilAMomentThatIsOverReturns) {

@@ -3,6 +3,7 @@
 #include "Foundation/NSUserDefaults.h"
 
 #include "Platform/Foundation/BundleTestSupport.h"
+#include "Platform/Foundation/Messages.h"
 #include "Platform/Foundation/PropertyListSamples.h"
 
 namespace {
@@ -14,24 +15,20 @@ struct UserDefaults : ::testing::Test {
 };
 
 TEST_F(UserDefaults, LookInTheirDomainsInOrder) {
-    auto expect = [this](const char* value) { EXPECT_EQ(shown(defaults->stringForKey(u"key"_ns)), value); };
-    expect("(null)");
-    for (const char* added : {"{key = other; more = 1;}", "{key = registered;}"})
-        defaults->registerDefaults(dictionary(added));
-    expect("registered");
-    defaults->setObject_forKey(u"set"_ns, u"key"_ns);
-    expect("set");
-    defaults->setVolatileDomain_forName(dictionary("{key = test;}"), u"Test"_ns);
-    expect("test");
-    defaults->setVolatileDomain_forName(dictionary("{key = argument;}"), NSArgumentDomain);
-    expect("argument");
+    auto value = [](NSUserDefaults* each) { return shown(each->stringForKey(u"key"_ns)); };
+    EXPECT_EQ(value(defaults), "(null)");
+    expectSteps(defaults.get(),
+                {"registerDefaults: {key=other;more=1;} -> other",
+                 "registerDefaults: {key=registered;} -> registered", "setObject:forKey: 'set 'key -> set",
+                 "setVolatileDomain:forName: {key=test;} 'Test -> test",
+                 "setVolatileDomain:forName: {key=argument;} 'NSArgumentDomain -> argument"},
+                value);
     EXPECT_TRUE(defaults->dictionaryRepresentation()->isEqual(dictionary("{key = argument; more = 1;}")));
-    for (NSString* name : {NSArgumentDomain, u"Test"_ns}) defaults->removeVolatileDomainForName(name);
-    EXPECT_FALSE(defaults->volatileDomainForName(NSArgumentDomain));
-    expect("set");
-    defaults->removeObjectForKey(u"key"_ns);
-    expect("registered");
-    EXPECT_FALSE(defaults->objectForKey(nullptr));
+    expectSteps(defaults.get(),
+                {"removeVolatileDomainForName: 'NSArgumentDomain -> test",
+                 "removeVolatileDomainForName: 'Test -> set", "removeObjectForKey: 'key -> registered"},
+                value);
+    EXPECT_FALSE(defaults->volatileDomainForName(NSArgumentDomain) || defaults->objectForKey(nullptr));
 }
 
 TEST_F(UserDefaults, MayBeAskedWhileADomainEnds) {
@@ -72,7 +69,7 @@ TEST_F(UserDefaults, ConvertNumbersAndTexts) {
     EXPECT_TRUE(NSNumber::numberWithBool(true)->isEqual(defaults->objectForKey(key)));
 }
 
-TEST_F(UserDefaults, HandOutObjectsOfTheClassAskedFor) {
+TEST_F(UserDefaults, HandOutObjectsOfTheClassAskedForAndKeepCopies) {
     expectAll({"(a, (b)) -> 1 0 0 0", "(a) -> 1 1 0 0", "{} -> 0 0 1 0", "<00> -> 0 0 0 1"},
               [this](const std::string& list) {
                   NSString* key = u"key"_ns;
@@ -80,9 +77,6 @@ TEST_F(UserDefaults, HandOutObjectsOfTheClassAskedFor) {
                   return shown(!!defaults->arrayForKey(key), !!defaults->stringArrayForKey(key),
                                !!defaults->dictionaryForKey(key), !!defaults->dataForKey(key));
               });
-}
-
-TEST_F(UserDefaults, KeepACopyOfWhatIsSet) {
     NSMutableArray* inner = NSMutableArray::of({u"a"_ns});
     defaults->setObject_forKey(NSArray::of({inner}), u"key"_ns);
     inner->addObject(u"b"_ns);
@@ -90,12 +84,11 @@ TEST_F(UserDefaults, KeepACopyOfWhatIsSet) {
 }
 
 TEST_F(UserDefaults, RefuseWhatAFileCannotHold) {
-    EXPECT_THROW(defaults->setObject_forKey(NSNull::null(), u"key"_ns), NSException);
-    EXPECT_THROW(defaults->setObject_forKey(NSString::of(u"\xD800"), u"key"_ns), NSException);
-    EXPECT_THROW(defaults->setObject_forKey(u"x"_ns, NSString::of(u"\x01")), NSException);
-    EXPECT_THROW(defaults->setObject_forKey(u"x"_ns, nullptr), NSException);
-    EXPECT_EQ(RAISED(defaults->setInteger_forKey(1, nullptr)),
-              "NSInvalidArgumentException: setInteger:forKey: the key is null");
+    for (auto [object, key] : {std::pair<id, NSString*>(NSNull::null(), u"key"_ns),
+                               {NSString::of(u"\xD800"), u"key"_ns},
+                               {u"x"_ns, NSString::of(u"\x01")},
+                               {u"x"_ns, nullptr}})
+        EXPECT_THROW(defaults->setObject_forKey(object, key), NSException) << object;
     EXPECT_THROW(defaults->removeObjectForKey(nullptr), NSException);
     EXPECT_THROW(defaults->registerDefaults(nullptr), NSException);
     EXPECT_THROW(defaults->setVolatileDomain_forName(nullptr, u"x"_ns), NSException);
@@ -170,9 +163,7 @@ TEST_F(UserDefaultsFiles, KeepSettingsForTheUserAlone) {
     EXPECT_TRUE(save(defaults, u"colour"_ns, nullptr));
     EXPECT_EQ(found(u"colour"_ns), "(null)");
     EXPECT_THAT(log.lines, IsEmpty());
-}
-
-TEST_F(UserDefaultsFiles, AreFoundInTheHomeFolderToo) {
+    // Without such a folder, in that of the home.
     EnvironmentScope none("XDG_CONFIG_HOME", "relative/paths/do/not/count");
     EnvironmentScope home("HOME", folder.path().c_str());
     EXPECT_TRUE(save(open().get(), u"a"_ns, u"1"_ns));
@@ -232,7 +223,7 @@ TEST_F(UserDefaultsFiles, ThatAreDamagedMeanwhileLoseNothingAndThatAreTakenAwayA
     EXPECT_EQ(found(u"a"_ns) + found(u"b"_ns), "(null)3");
 }
 
-TEST_F(UserDefaultsFiles, ThatCannotBeWrittenLeaveTheChangesForLater) {
+TEST_F(UserDefaultsFiles, ThatCannotBeWrittenLeaveTheChangesForLaterAndLinksAreFollowed) {
     folder.write(config, "no folder");
     auto defaults = open();
     EXPECT_FALSE(save(defaults, u"a"_ns, u"1"_ns));
@@ -240,9 +231,8 @@ TEST_F(UserDefaultsFiles, ThatCannotBeWrittenLeaveTheChangesForLater) {
     fs::remove(config);
     EXPECT_TRUE(defaults->synchronize());
     EXPECT_EQ(found(u"a"_ns), "1");
-}
-
-TEST_F(UserDefaultsFiles, ThatAreNoFilesAreLeftAlone) {
+    // What is no file is left alone.
+    fs::remove(path);
     fs::create_directories(path);
     EXPECT_FALSE(save(open().get(), u"a"_ns, u"1"_ns));
     EXPECT_TRUE(fs::is_directory(path));
@@ -251,10 +241,8 @@ TEST_F(UserDefaultsFiles, ThatAreNoFilesAreLeftAlone) {
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     EXPECT_EQ(found(u"a"_ns), "(null)");
     EXPECT_THAT(log.lines.back(), EndsWith("cannot be read: it is no regular file"));
-}
-
-TEST_F(UserDefaultsFiles, MayBeLinksToOtherFiles) {
-    fs::create_directories(path.parent_path());
+    // A link leads to the file.
+    fs::remove(path);
     fs::create_symlink(folder.write("real", "{ a = 1; }"), path);
     EXPECT_TRUE(save(open().get(), u"b"_ns, u"2"_ns));
     EXPECT_TRUE(fs::is_symlink(path));

@@ -7,58 +7,31 @@
 
 namespace pelvor::testing {
 
-/// The numbers from a start down to 1, which exist only when asked for.
-class Countdown : public NSArray, NSArray::HiddenCreators {
-    PELVOR_CLASS(Countdown, NSArray);
-
-  public:
-    static Retained<Countdown> from(NSUInteger start) {
-        auto array = make<Countdown>();
-        array->_start = start;
-        return array;
-    }
-    NSUInteger count() override { return _start; }
-    id objectAtIndex(NSUInteger index) override {
-        return NSNumber::numberWithInt(static_cast<int>(_start - index));
-    }
-
-  private:
-    NSUInteger _start = 0;
-};
-
 /// A mutable array over its own storage.
 class OwnArray : public NSMutableArray, NSMutableArray::HiddenCreators {
     PELVOR_CLASS(OwnArray, NSMutableArray);
 
   public:
-    NSUInteger count() override { return static_cast<NSUInteger>(_objects.size()); }
-    id objectAtIndex(NSUInteger index) override { return _objects.at(index); }
-    void addObject(id object) override { _objects.push_back(Retained<Object>::retaining(object)); }
+    /// The numbers from a start down to 1.
+    static Retained<OwnArray> countdown(int start) {
+        auto array = make<OwnArray>();
+        for (; start > 0; --start) array->addObject(num(start));
+        return array;
+    }
+    NSUInteger count() override { return _objects->count(); }
+    id objectAtIndex(NSUInteger index) override { return _objects->objectAtIndex(index); }
+    void addObject(id object) override { _objects->addObject(object); }
     void insertObject_atIndex(id object, NSUInteger index) override {
-        _objects.insert(_objects.begin() + index, Retained<Object>::retaining(object));
+        _objects->insertObject_atIndex(object, index);
     }
     void replaceObjectAtIndex_withObject(NSUInteger index, id object) override {
-        _objects.at(index).set(object);
+        _objects->replaceObjectAtIndex_withObject(index, object);
     }
-    void removeObjectAtIndex(NSUInteger index) override { _objects.erase(_objects.begin() + index); }
-    void removeObjectsInRange(NSRange range) override {
-        auto first = _objects.begin() + range.location;
-        _objects.erase(first, first + range.length);
-    }
+    void removeObjectAtIndex(NSUInteger index) override { _objects->removeObjectAtIndex(index); }
+    void removeObjectsInRange(NSRange range) override { _objects->removeObjectsInRange(range); }
 
   private:
-    std::vector<Retained<Object>> _objects;
-};
-
-/// An integer that can be changed.
-class Tally : public NSNumber, NSNumber::HiddenCreators {
-    PELVOR_CLASS(Tally, NSNumber);
-
-  public:
-    int value = 0;
-
-    const char* objCType() override { return "i"; }
-    void getValue(void* buffer) override { std::memcpy(buffer, &value, sizeof value); }
+    Retained<NSMutableArray> _objects = NSMutableArray::init();
 };
 
 /// A string that has only its primitives.

@@ -7,12 +7,9 @@ PELVOR_DEFINE_CLASS(Pebble, pebbleLibrary) {
     methods.instance<"number", &Pebble::number>();
     methods.instance<"compare:", &Pebble::compare>();
 }
-PELVOR_DEFINE_CLASS(Countdown, pebbleLibrary) {}
 PELVOR_DEFINE_CLASS(OwnArray, pebbleLibrary) {}
-PELVOR_DEFINE_CLASS(Tally, pebbleLibrary) {}
 PELVOR_DEFINE_CLASS(SparseString, pebbleLibrary) {}
-constinit Library pebbleLibrary{
-    "Pebbles", {}, kClassesOf<Pebble, Countdown, OwnArray, Tally, SparseString>, {}};
+constinit Library pebbleLibrary{"Pebbles", {}, kClassesOf<Pebble, OwnArray, SparseString>, {}};
 
 Retained<Pebble> Pebble::create(int number, std::uintptr_t hash) {
     auto pebble = make<Pebble>();

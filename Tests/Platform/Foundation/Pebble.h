@@ -59,10 +59,5 @@ std::string listing(const Objects& objects) {
 inline NSNumber* num(int value) { return NSNumber::numberWithInt(value); }
 NSArray* numbers(std::initializer_list<int> values);
 
-/// Expects that what was raised is each an exception of that name.
-inline void expectRaised(const char* name, std::initializer_list<std::string> raised) {
-    EXPECT_THAT(raised, Each(StartsWith(name + std::string(": "))));
-}
-
 }  // namespace pelvor::testing
 using namespace pelvor::testing;

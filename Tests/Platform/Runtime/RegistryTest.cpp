@@ -25,7 +25,7 @@ constinit Library intruderLibrary{"Intruder", {}, {}, {}};
 constinit Class intruderMeta(Class::Metaclass{}, "Animal", nullptr, &NSObject::metaclassRecord);
 constinit Class intruder("Animal", &intruderMeta, &NSObject::classRecord, {}, &intruderLibrary);
 
-TEST(RegistryTest, ATakenNameIsRefusedBeforeAnythingIsRegistered) {
+TEST(RegistryTest, RecordsThatCannotBeUsedAreRefusedBeforeAnythingIsRegistered) {
     registerLibrary(creatureLibrary);
     std::size_t before = classList(nullptr, 0);
     static Class* const classes[] = {&intruder};
@@ -36,16 +36,12 @@ TEST(RegistryTest, ATakenNameIsRefusedBeforeAnythingIsRegistered) {
     EXPECT_EQ(classList(nullptr, 0), before);
     EXPECT_EQ(classNamed("Animal"), Animal::classObject());
     EXPECT_FALSE(intruderLibrary.isRegistered);
-}
-
-TEST(RegistryTest, RecordsThatCannotBeUsedAreRefused) {
     Library library("Elder", {}, {}, {});
     library.interfaceVersion = kInterfaceVersion - 1;
     EXPECT_EQ(RAISED(registerLibrary(library)),
-              invalid(("registerLibrary: the library was compiled with interface version " +
-                       std::to_string(kInterfaceVersion - 1) + ", this platform with version " +
-                       std::to_string(kInterfaceVersion))
-                          .c_str()));
+              invalid(shown("registerLibrary: the library was compiled with interface version",
+                            kInterfaceVersion - 1) +
+                      shown(", this platform with version", kInterfaceVersion)));
     library.mark = 0;
     EXPECT_EQ(RAISED(registerLibrary(library)),
               invalid("registerLibrary: the record is not that of a library"));

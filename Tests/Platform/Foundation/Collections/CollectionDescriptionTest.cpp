@@ -31,7 +31,7 @@ TEST(CollectionDescription, IsAnOldStylePropertyList) {
 ))");
 }
 
-TEST(CollectionDescription, IsReadBackAsTheSameList) {
+TEST(CollectionDescription, IsReadBackAsTheSameListAndEndsForACollectionInsideItself) {
     auto units = NSMutableArray::init();
     for (unsigned unit = 1; unit < 0x180; ++unit)
         units->addObject(NSString::of(std::u16string(1, static_cast<unichar>(unit))));
@@ -41,9 +41,6 @@ TEST(CollectionDescription, IsReadBackAsTheSameList) {
                                            {u"empty"_ns, NSArray::of({NSArray::array(), u""_ns})}});
     id read = listOf(shown(list));
     EXPECT_TRUE(list->isEqual(read)) << read;
-}
-
-TEST(CollectionDescription, EndsForACollectionInsideItself) {
     auto array = NSMutableArray::init();
     auto dictionary = NSMutableDictionary::init();
     dictionary->setObject_forKey(array, u"array"_ns);

@@ -7,23 +7,7 @@
 
 namespace pelvor {
 
-extern Library innerLibrary, nameTaken, raisingTable;
-
-// Behind a class and a library whose names are free stands a class whose name Foundation has.
-class Inner : public NSObject {
-    PELVOR_CLASS(Inner, NSObject);
-};
-PELVOR_DEFINE_CLASS(Inner, innerLibrary) {}
-class Outer : public NSObject {
-    PELVOR_CLASS(Outer, NSObject);
-};
-PELVOR_DEFINE_CLASS(Outer, nameTaken) {}
-namespace other {
-class NSBundle : public NSObject {
-    PELVOR_CLASS(NSBundle, NSObject);
-};
-PELVOR_DEFINE_CLASS(NSBundle, nameTaken) {}
-}  // namespace other
+extern Library raisingTable;
 
 // The second class raises while its methods are defined.
 class Sound : public NSObject {
@@ -35,12 +19,8 @@ class Cracked : public NSObject {
 };
 PELVOR_DEFINE_CLASS(Cracked, raisingTable) { throw NSException("PlugInException", "no methods today"); }
 
-template <class... Classes>
-constexpr Class* kClassesOf[] = {&Classes::classRecord...};
-constexpr Library* kDependencies[] = {&foundationLibrary, &innerLibrary};
-constinit Library innerLibrary{"Inner", {}, kClassesOf<Inner>, {}};
-constinit Library nameTaken{"Taken", kDependencies, kClassesOf<Outer, other::NSBundle>, {}};
-constinit Library raisingTable{"Raising", {}, kClassesOf<Sound, Cracked>, {}};
+constexpr Class* kClasses[] = {&Sound::classRecord, &Cracked::classRecord};
+constinit Library raisingTable{"Raising", {}, kClasses, {}};
 constinit Library otherInterface{"OtherInterface", {}, {}, {}};
 
 alignas(Library) constexpr char kText[sizeof(Library)] = "the list of a library of another make";
@@ -51,7 +31,6 @@ struct Ways {
     static Library* RaisingFunction() { throw std::runtime_error("not at home"); }
     static Library* ZeroedRecord() { return reinterpret_cast<Library*>(zeros); }
     static Library* ForeignRecord() { return const_cast<Library*>(reinterpret_cast<const Library*>(kText)); }
-    static Library* NameTaken() { return &nameTaken; }
     static Library* RaisingTable() { return &raisingTable; }
     static Library* OtherInterface() {
         otherInterface.interfaceVersion = 4711;
