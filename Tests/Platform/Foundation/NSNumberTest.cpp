@@ -4,7 +4,7 @@
 
 #include <climits>
 
-#include "Platform/Foundation/Pebble.h"
+#include "Platform/Foundation/OwnCollections.h"
 
 namespace {
 
@@ -93,6 +93,15 @@ TEST(NSNumberTest, WritesTheShortestTextThatReadsBack) {
         // clang-format on
     };
     for (auto [number, text] : rows) EXPECT_EQ(shown(number->stringValue()), text);
+}
+
+TEST(NSNumberTest, ASubclassNeedsOnlyTypeAndValue) {
+    auto tally = make<Tally>();
+    tally->value = 41;
+    EXPECT_EQ(shown(tally, tally->doubleValue(), send<float>(tally, "floatValue"_sel)), "41 41 41");
+    EXPECT_TRUE(tally->isEqual(real(41)) && real(41)->isEqual(tally) && tally->hash() == num(41)->hash());
+    tally->value = 42;
+    EXPECT_EQ(num(42)->compare(tally), NSOrderedSame);
 }
 
 }  // namespace

@@ -34,6 +34,17 @@ class OwnArray : public NSMutableArray, NSMutableArray::HiddenCreators {
     Retained<NSMutableArray> _objects = NSMutableArray::init();
 };
 
+/// An integer that can be changed.
+class Tally : public NSNumber, NSNumber::HiddenCreators {
+    PELVOR_CLASS(Tally, NSNumber);
+
+  public:
+    int value = 0;
+
+    const char* objCType() override { return "i"; }
+    void getValue(void* buffer) override { std::memcpy(buffer, &value, sizeof value); }
+};
+
 /// A string that has only its primitives.
 class SparseString : public NSString, NSString::HiddenCreators {
     PELVOR_CLASS(SparseString, NSString);

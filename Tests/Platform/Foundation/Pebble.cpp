@@ -9,7 +9,8 @@ PELVOR_DEFINE_CLASS(Pebble, pebbleLibrary) {
 }
 PELVOR_DEFINE_CLASS(OwnArray, pebbleLibrary) {}
 PELVOR_DEFINE_CLASS(SparseString, pebbleLibrary) {}
-constinit Library pebbleLibrary{"Pebbles", {}, kClassesOf<Pebble, OwnArray, SparseString>, {}};
+PELVOR_DEFINE_CLASS(Tally, pebbleLibrary) {}
+constinit Library pebbleLibrary{"Pebbles", {}, kClassesOf<Pebble, OwnArray, SparseString, Tally>, {}};
 
 Retained<Pebble> Pebble::create(int number, std::uintptr_t hash) {
     auto pebble = make<Pebble>();
