@@ -239,41 +239,54 @@ struct Cell {
     NSRange row;
 };
 
-TEST(ArgumentsTest, OfWhatHoldsSeveralObjectsOrOtherTypes) {
-    id some[] = {num(1), nullptr, num(3)}, full[] = {num(1), num(2)};
-    const std::pair<std::string, std::string> rows[] = {
-        {RAISED(NSArray::of({num(1), nullptr})), "arrayWithObjects: object 2 of 2 is null"},
-        {RAISED(NSMutableArray::initWithObjects({nullptr})), "initWithObjects: object 1 of 1 is null"},
-        {RAISED(NSArray::arrayWithObjects_count(some, 3)), "arrayWithObjects:count: object 2 of 3 is null"},
-        {RAISED(NSSet::of({nullptr})), "setWithObjects: object 1 of 1 is null"},
-        {RAISED(NSCountedSet::initWithObjects({num(1), nullptr})), "initWithObjects: object 2 of 2 is null"},
-        {RAISED(NSDictionary::dictionaryWithObject_forKey(num(1), make<NSObject>().get())),
-         "dictionaryWithObject:forKey: a key of class NSObject cannot be copied: "
-         "NSObject does not implement copyWithZone:"},
-        {RAISED(NSDictionary::dictionaryWithObjects_forKeys(numbers({1, 2}), numbers({1}))),
-         "dictionaryWithObjects:forKeys: 2 objects were given for 1 keys"},
-        {RAISED(NSMutableDictionary::initWithObjects_forKeys(nullptr, numbers({1}))),
-         "initWithObjects:forKeys: 0 objects were given for 1 keys"},
-        {RAISED(NSDictionary::dictionaryWithObjects_forKeys_count(full, some, 2)),
-         "dictionaryWithObjects:forKeys:count: key 2 of 2 is null"},
-        {RAISED(NSMutableDictionary::initWithObjects_forKeys_count(full, nullptr, 2)),
-         "initWithObjects:forKeys:count: the keys must not be null where the length is 2"},
-        {RAISED(NSDictionary::dictionary()->objectsForKeys_notFoundMarker(numbers({1}), nullptr)),
-         "objectsForKeys:notFoundMarker: the marker is null"},
-        {RAISED(NSMutableDictionary::initWithEntries({{num(1), nullptr}})),
-         "initWithEntries: object 1 of 1 is null"},
-        {RAISED(NSDictionary::of({{nullptr, num(1)}})), "NSDictionary::of: key 1 of 1 is null"},
-        {RAISED(NSValue::of(Cell{{1, 2}})->rangeValue()),
-         "rangeValue: the value holds a struct Cell, not a struct NSRange"},
-        {RAISED(num(1)->as<double>()), "as: the value holds an int, not a double"},
-        {RAISED(NSGetSizeAndAlignment(nullptr, nullptr, nullptr)), "NSGetSizeAndAlignment: the type is null"},
-        {RAISED(NSString::pathWithComponents(numbers({7}))),
-         "pathWithComponents: a component is no string: 7"},
-        {RAISED(NSRunLoop::currentRunLoop()->perform({}, nullptr)), "perform: the function is empty"},
-        {RAISED(NSThread::detachNewThreadSelector_toTarget_withObject(SEL(), u""_ns, nullptr)),
-         "detachNewThreadSelector:toTarget:withObject: the selector is null"},
-        {RAISED(NSThread::detach({})), "detach: the function is empty"}};
+// Each row holds what was raised and the reason.
+void expectReasons(std::initializer_list<std::pair<std::string, std::string>> rows) {
     for (const auto& [raised, reason] : rows) EXPECT_EQ(raised, "NSInvalidArgumentException: " + reason);
+}
+
+template <class Array, class Set, class Dictionary>
+void expectEntriesRefused() {
+    id some[] = {num(1), nullptr, num(3)}, full[] = {num(1), num(2)};
+    expectReasons(
+        {{RAISED(Array::of({num(1), nullptr})), "arrayWithObjects: object 2 of 2 is null"},
+         {RAISED(Array::initWithObjects({nullptr})), "initWithObjects: object 1 of 1 is null"},
+         {RAISED(Array::arrayWithObjects_count(some, 3)), "arrayWithObjects:count: object 2 of 3 is null"},
+         {RAISED(Set::of({nullptr})), "setWithObjects: object 1 of 1 is null"},
+         {RAISED(Set::initWithObjects({num(1), nullptr})), "initWithObjects: object 2 of 2 is null"},
+         {RAISED(Dictionary::dictionaryWithObject_forKey(num(1), make<NSObject>().get())),
+          "dictionaryWithObject:forKey: a key of class NSObject cannot be copied: "
+          "NSObject does not implement copyWithZone:"},
+         {RAISED(Dictionary::dictionaryWithObjects_forKeys(numbers({1, 2}), numbers({1}))),
+          "dictionaryWithObjects:forKeys: 2 objects were given for 1 keys"},
+         {RAISED(Dictionary::initWithObjects_forKeys(nullptr, numbers({1}))),
+          "initWithObjects:forKeys: 0 objects were given for 1 keys"},
+         {RAISED(Dictionary::dictionaryWithObjects_forKeys_count(full, some, 2)),
+          "dictionaryWithObjects:forKeys:count: key 2 of 2 is null"},
+         {RAISED(Dictionary::initWithObjects_forKeys_count(full, nullptr, 2)),
+          "initWithObjects:forKeys:count: the keys must not be null where the length is 2"},
+         {RAISED(Dictionary::initWithEntries({{num(1), nullptr}})),
+          "initWithEntries: object 1 of 1 is null"}});
+}
+
+TEST(ArgumentsTest, OfWhatHoldsSeveralObjectsOrOtherTypes) {
+    expectEntriesRefused<NSArray, NSSet, NSDictionary>();
+    expectEntriesRefused<NSMutableArray, NSMutableSet, NSMutableDictionary>();
+    expectEntriesRefused<NSArray, NSCountedSet, NSDictionary>();
+    expectReasons(
+        {{RAISED(NSDictionary::of({{nullptr, num(1)}})), "NSDictionary::of: key 1 of 1 is null"},
+         {RAISED(NSDictionary::dictionary()->objectsForKeys_notFoundMarker(numbers({1}), nullptr)),
+          "objectsForKeys:notFoundMarker: the marker is null"},
+         {RAISED(NSValue::of(Cell{{1, 2}})->rangeValue()),
+          "rangeValue: the value holds a struct Cell, not a struct NSRange"},
+         {RAISED(num(1)->as<double>()), "as: the value holds an int, not a double"},
+         {RAISED(NSGetSizeAndAlignment(nullptr, nullptr, nullptr)),
+          "NSGetSizeAndAlignment: the type is null"},
+         {RAISED(NSString::pathWithComponents(numbers({7}))),
+          "pathWithComponents: a component is no string: 7"},
+         {RAISED(NSRunLoop::currentRunLoop()->perform({}, nullptr)), "perform: the function is empty"},
+         {RAISED(NSThread::detachNewThreadSelector_toTarget_withObject(SEL(), u""_ns, nullptr)),
+          "detachNewThreadSelector:toTarget:withObject: the selector is null"},
+         {RAISED(NSThread::detach({})), "detach: the function is empty"}});
     EXPECT_EQ(RAISED(u"abc"_ns->rangeOfCharacterFromSet_options_range(NSCharacterSet::letterCharacterSet(), 0,
                                                                       {2, 2})),
               "NSRangeException: rangeOfCharacterFromSet:options:range: range {2, 2} beyond bounds (3)");
