@@ -19,6 +19,8 @@
 
 namespace {
 
+using namespace std::string_literals;
+
 /// Objects to send messages to, by name, each with three entries where it may have some.
 std::vector<id> samples(const std::string& name) {
     if (name == "array") return {NSMutableArray::arrayWithArray(numbers({1, 2, 3}))};
@@ -176,37 +178,42 @@ TEST(ArgumentsTest, ThatAreNullAreNamedBehindTheOperation) {
 }
 
 TEST(ArgumentsTest, ThatLieOutsideOrFitNothingAreShown) {
-    expectRefused(NSRangeException,
-                  {{"3",
-                    {"array subarrayWithRange: 2,2",
-                     "array getObjects:range: 0 2,2",
-                     "array removeObjectsInRange: 2,2",
-                     "array removeObject:inRange: 'x 2,2",
-                     "array replaceObjectsInRange:withObjectsFromArray: 2,2",
-                     "data getBytes:range: 0 2,2",
-                     "data subdataWithRange: 2,2",
-                     "data resetBytesInRange: 2,2",
-                     "data replaceBytesInRange:withBytes:length: 2,2 & 1",
-                     "string getCharacters:range: & 2,2",
-                     "changing replaceCharactersInRange:withString: 2,2 'x",
-                     "array indexOfObject:inRange: 'x 2,4294967295",
-                     "string characterAtIndex: 3",
-                     "string rangeOfComposedCharacterSequenceAtIndex: 3",
-                     "string getCharacters:range: & 4294967295,2",
-                     "string substringFromIndex: 4",
-                     "string substringToIndex: 4",
-                     "changing insertString:atIndex: 'x 4",
-                     "scanner setScanLocation: 4",
-                     "string substringWithRange: 3,4294967295",
-                     "string compare:options:range: 'b 0 3,1",
-                     "changing replaceOccurrencesOfString:withString:options:range: 'b 'c 0 3,1",
-                     "string rangeOfString:options:range: 'b 0 1,4294967295",
-                     "changing deleteCharactersInRange: 1,4294967295"}},
-                   {"2", {"string stringByPaddingToLength:withString:startingAtIndex: 9 '12 2"}},
-                   {"2147483647",
-                    {"NSMutableIndexSet addIndexesInRange: 5,2147483647",
-                     "+NSIndexSet indexSetWithIndexesInRange: 5,2147483647"}}},
-                  outside);
+    expectRefused(
+        NSRangeException,
+        {{"3",
+          {"array subarrayWithRange: 2,2",
+           "array getObjects:range: 0 2,2",
+           "array removeObjectsInRange: 2,2",
+           "array removeObject:inRange: 'x 2,2",
+           "array replaceObjectsInRange:withObjectsFromArray: 2,2",
+           "data getBytes:range: 0 2,2",
+           "data subdataWithRange: 2,2",
+           "data resetBytesInRange: 2,2",
+           "data replaceBytesInRange:withBytes:length: 2,2 & 1",
+           "string getCharacters:range: & 2,2",
+           "changing replaceCharactersInRange:withString: 2,2 'x",
+           "array indexOfObject:inRange: 'x 2,4294967295",
+           "string characterAtIndex: 3",
+           "string rangeOfComposedCharacterSequenceAtIndex: 3",
+           "string getCharacters:range: & 4294967295,2",
+           "string substringFromIndex: 4",
+           "string substringToIndex: 4",
+           "changing insertString:atIndex: 'x 4",
+           "scanner setScanLocation: 4",
+           "array insertObject:atIndex: 'x 4",
+           "array removeObjectAtIndex: 3",
+           "array replaceObjectAtIndex:withObject: 3 'x",
+           "array exchangeObjectAtIndex:withObjectAtIndex: 0 3",
+           "string substringWithRange: 3,4294967295",
+           "string compare:options:range: 'b 0 3,1",
+           "changing replaceOccurrencesOfString:withString:options:range: 'b 'c 0 3,1",
+           "string rangeOfString:options:range: 'b 0 1,4294967295",
+           "changing deleteCharactersInRange: 1,4294967295"}},
+         {"2", {"string stringByPaddingToLength:withString:startingAtIndex: 9 '12 2"}},
+         {"2147483647",
+          {"NSMutableIndexSet addIndex: 2147483647", "NSMutableIndexSet addIndexesInRange: 5,2147483647",
+           "+NSIndexSet indexSetWithIndexesInRange: 5,2147483647"}}},
+        outside);
     expectRefused(NSInvalidArgumentException,
                   {{"range {1114111, 2} beyond the last code point",
                     {"+NSCharacterSet characterSetWithRange: 1114111,2"}},
@@ -221,14 +228,7 @@ TEST(ArgumentsTest, ThatLieOutsideOrFitNothingAreShown) {
     expectRefused(NSMallocException,
                   {{"the data would hold more than 2^32 - 1 bytes", {"data increaseLengthBy: 4294967295"}}},
                   asSaid);
-    expectAll({"array insertObject:atIndex: 'x 4 -> NSRangeException: index (4) beyond bounds (3)",
-               "array removeObjectAtIndex: 3 -> NSRangeException: index (3) beyond bounds (3)",
-               "array replaceObjectAtIndex:withObject: 3 'x -> NSRangeException: index (3) beyond bounds (3)",
-               "array exchangeObjectAtIndex:withObjectAtIndex: 0 3 -> NSRangeException: index (3) beyond "
-               "bounds (3)",
-               "NSMutableIndexSet addIndex: 2147483647 -> NSRangeException: index (2147483647) beyond bounds "
-               "(2147483647)",
-               "NSNotificationCenter postNotificationName:object: -> NSInvalidArgumentException: "
+    expectAll({"NSNotificationCenter postNotificationName:object: -> NSInvalidArgumentException: "
                "postNotificationName: the name is null",
                "+NSNotification notificationWithName:object: -> NSInvalidArgumentException: "
                "notificationWithName: the name is null"},
@@ -248,10 +248,11 @@ template <class Array, class Set, class Dictionary>
 void expectEntriesRefused() {
     id some[] = {num(1), nullptr, num(3)}, full[] = {num(1), num(2)};
     expectReasons(
-        {{RAISED(Array::of({num(1), nullptr})), "arrayWithObjects: object 2 of 2 is null"},
+        {{RAISED(Array::of({num(1), nullptr})),
+          Array::classObject()->name() + "::of: object 2 of 2 is null"s},
          {RAISED(Array::initWithObjects({nullptr})), "initWithObjects: object 1 of 1 is null"},
          {RAISED(Array::arrayWithObjects_count(some, 3)), "arrayWithObjects:count: object 2 of 3 is null"},
-         {RAISED(Set::of({nullptr})), "setWithObjects: object 1 of 1 is null"},
+         {RAISED(Set::of({nullptr})), Set::classObject()->name() + "::of: object 1 of 1 is null"s},
          {RAISED(Set::initWithObjects({num(1), nullptr})), "initWithObjects: object 2 of 2 is null"},
          {RAISED(Dictionary::dictionaryWithObject_forKey(num(1), make<NSObject>().get())),
           "dictionaryWithObject:forKey: a key of class NSObject cannot be copied: "
