@@ -273,8 +273,12 @@ TEST(ArgumentsTest, OfWhatHoldsSeveralObjectsOrOtherTypes) {
     expectEntriesRefused<NSArray, NSSet, NSDictionary>();
     expectEntriesRefused<NSMutableArray, NSMutableSet, NSMutableDictionary>();
     expectEntriesRefused<NSArray, NSCountedSet, NSDictionary>();
+    Class* own = Class::createSubclass("BareArray", NSArray::classObject());
     expectReasons(
-        {{RAISED(NSDictionary::of({{nullptr, num(1)}})), "NSDictionary::of: key 1 of 1 is null"},
+        {{RAISED(send<id>(own, "arrayWithObject:"_sel, num(1))),
+          "arrayWithObject: the creator makes objects of class NSArray, not of class BareArray, which needs "
+          "a creator of its own"},
+         {RAISED(NSDictionary::of({{nullptr, num(1)}})), "NSDictionary::of: key 1 of 1 is null"},
          {RAISED(NSDictionary::dictionary()->objectsForKeys_notFoundMarker(numbers({1}), nullptr)),
           "objectsForKeys:notFoundMarker: the marker is null"},
          {RAISED(NSValue::of(Cell{{1, 2}})->rangeValue()),
