@@ -250,9 +250,11 @@ void expectEntriesRefused() {
     expectReasons(
         {{RAISED(Array::of({num(1), nullptr})),
           Array::classObject()->name() + "::of: object 2 of 2 is null"s},
+         {RAISED(Array::arrayWithObjects({nullptr})), "arrayWithObjects: object 1 of 1 is null"},
          {RAISED(Array::initWithObjects({nullptr})), "initWithObjects: object 1 of 1 is null"},
          {RAISED(Array::arrayWithObjects_count(some, 3)), "arrayWithObjects:count: object 2 of 3 is null"},
          {RAISED(Set::of({nullptr})), Set::classObject()->name() + "::of: object 1 of 1 is null"s},
+         {RAISED(Set::setWithObjects({nullptr})), "setWithObjects: object 1 of 1 is null"},
          {RAISED(Set::initWithObjects({num(1), nullptr})), "initWithObjects: object 2 of 2 is null"},
          {RAISED(Dictionary::dictionaryWithObject_forKey(num(1), make<NSObject>().get())),
           "dictionaryWithObject:forKey: a key of class NSObject cannot be copied: "
