@@ -193,12 +193,18 @@ TEST(CharacterScanner, ReadsNumbers) {
             EXPECT_DOUBLE_EQ(value, row.value) << row.name;
             EXPECT_EQ(scanner->peekCharacter(), row.next) << row.name;
         });
-    forAllScanners(u"-12345+x 305", [](OFCharacterScanner* scanner) {
+    const std::u16string text = u"-12345+x1aFgZ4294967297 305 12345678901234567890 and sixteen units";
+    forAllScanners(text, [](OFCharacterScanner* scanner) {
         EXPECT_EQ(scanner->scanIntegerMaximumDigits(3), -123);
-        EXPECT_EQ(scanner->scanIntegerMaximumDigits(20), 45);
-        EXPECT_EQ(scanner->scanIntegerMaximumDigits(3), 0);
-        EXPECT_EQ(scanner->readCharacter(), u'x') << "the sign stays consumed";
+        EXPECT_EQ(scanner->scanUnsignedIntegerMaximumDigits(9), 45u);
+        EXPECT_EQ(scanner->scanIntegerMaximumDigits(3), 0) << "the sign stays consumed";
+        EXPECT_EQ(scanner->readCharacter(), u'x');
+        EXPECT_EQ(scanner->scanHexadecimalNumberMaximumDigits(8), 0x1AFu);
+        scanner->skipCharacters(2);
+        EXPECT_EQ(scanner->scanUnsignedIntegerMaximumDigits(20), 1u) << "wraps";
         EXPECT_EQ(scanner->scanIntegerMaximumDigits((scanner->readCharacter(), 20)), 305);
+        EXPECT_EQ(scanner->scanIntegerMaximumDigits((scanner->readCharacter(), 3)), 123);
+        EXPECT_EQ(scanner->scanUnsignedIntegerMaximumDigits(30), 4191226578u) << "wraps";
     });
 }
 

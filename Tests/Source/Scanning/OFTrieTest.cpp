@@ -25,7 +25,8 @@ TEST(OFTrie, HangsBucketsWhereTheirStringsPart) {
     EXPECT_EQ(cat->lowerCharacters()[0], 0);
     OFTrieBucket* dogma = add(trie, u"dogma");
     add(trie, u"dot");
-    EXPECT_EQ(std::u16string_view(dogma->lowerCharacters()), u"ma");
+    for (const unichar* rest : {dogma->lowerCharacters(), dogma->upperCharacters()})
+        EXPECT_EQ(std::u16string_view(rest), u"ma");
     OFTrieBucket* ca = add(trie, u"ca");
     EXPECT_EQ(node->endMarker(), ca);
     OFTrieBucket* other = add(trie, u"cat");
