@@ -133,13 +133,14 @@ inline bool expectSurvival(const std::function<std::vector<Step>()>& makeSteps) 
     return survives;
 }
 
-/// An object that the creator makes of zeros or of such an argument; null if it makes none.
-inline Object* sampleOf(Class* cls, const Method& creator, Object* argument) {
-    auto message = messageFor(creator, argument);
+/// An object of the class that the class method returns for zeros or for such an argument, or null.
+inline Object* sampleOf(Class* cls, const Method& source, Object* argument) {
+    auto message = messageFor(source, argument);
     message->invokeWithTarget(cls);
     Object* sample = message->returnValue<Object*>();
-    if (sample && !sample->isa()->isSubclassOfClass(cls)) std::abort();
-    return sample;
+    if (!sample || sample->isa()->isSubclassOfClass(cls)) return sample;
+    if (source.isCreator) std::abort();
+    return nullptr;
 }
 
 /// By message a creator returns an object of the receiving class, or null, or raises, whatever its arguments;
@@ -154,14 +155,17 @@ inline void checkNullArguments(Class* cls) {
                             NSData::dataWithBytes_length("abc", 3),
                             NSNumber::numberWithInt(1),
                             text->methodSignatureForSelector("characterAtIndex:"_sel)};
-    std::vector<std::pair<const Method*, id>> creators;
+    std::vector<std::pair<const Method*, id>> sources;
     std::vector<Step> steps;
     for (const Method* method : methodsOf(cls->metaclass()))
-        if (!method->isCreator)
+        if (method->isCreator) {
+            for (id argument : arguments) sources.push_back({method, argument});
+        } else {
             steps.push_back({"+" + std::string(method->selector.name()),
                              [=] { messageFor(*method)->invokeWithTarget(cls); }});
-        else
-            for (id argument : arguments) creators.push_back({method, argument});
+            if (std::strcmp(method->implementation.signature->types(), "@@:") == 0)
+                sources.push_back({method, nullptr});
+        }
     for (Class* level : {cls, cls->metaclass()})
         for (const MethodGroup* group = level->methodGroups(); group; group = group->next)
             for (const Method& method : group->methods)
@@ -174,28 +178,28 @@ inline void checkNullArguments(Class* cls) {
                                                                      message->result());
                          }});
     bool areSamplesMade = expectSurvival([&] {
-        for (auto [creator, argument] : creators)
+        for (auto [source, argument] : sources)
             steps.push_back(
-                {"+" + std::string(creator->selector.name()),
-                 [cls, creator = creator, argument = argument] { sampleOf(cls, *creator, argument); }});
+                {"+" + std::string(source->selector.name()),
+                 [cls, source = source, argument = argument] { sampleOf(cls, *source, argument); }});
         return steps;
     });
     if (!areSamplesMade) return;
     expectSurvival([&] {
         std::vector<Step> messages;
         std::set<std::pair<Class*, id>> seen;
-        for (auto [creator, argument] : creators) {
+        for (auto [source, argument] : sources) {
             Object* sample = nullptr;
             try {
-                sample = sampleOf(cls, *creator, argument);
+                sample = sampleOf(cls, *source, argument);
             } catch (const NSException&) {
             }
             if (!sample || !seen.insert({sample->isa(), argument}).second) continue;
             for (const Method* method : methodsOf(cls))
                 messages.push_back({"-" + std::string(method->selector.name()),
-                                    [cls, creator = creator, argument = argument, method] {
-                                        Object* target = sampleOf(cls, *creator, argument)->retain();
-                                        messageFor(*method)->invokeWithTarget(target);
+                                    [cls, source = source, argument = argument, method] {
+                                        if (Object* target = sampleOf(cls, *source, argument))
+                                            messageFor(*method)->invokeWithTarget(target->retain());
                                     }});
         }
         return messages;

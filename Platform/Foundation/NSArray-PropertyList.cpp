@@ -6,10 +6,12 @@
 #include "Foundation/PropertyLists/PropertyListCategories.h"
 #include "Foundation/PropertyLists/PropertyListFiles.h"
 #include "Runtime/AutoreleasePool.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
 Retained<NSArray> NSArray_PropertyList::initWithContentsOfFile(NSString* path, Class* cls) {
+    requireArgument(cls, "initWithContentsOfFile:", "the class");
     bool isMutable = cls->isSubclassOfClass(NSMutableArray::classObject());
     AutoreleasePool pool;
     id list = NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error(
@@ -18,6 +20,7 @@ Retained<NSArray> NSArray_PropertyList::initWithContentsOfFile(NSString* path, C
 }
 
 NSArray* NSArray_PropertyList::arrayWithContentsOfFile(NSString* path, Class* cls) {
+    requireArgument(cls, "arrayWithContentsOfFile:", "the class");
     return initWithContentsOfFile(path, cls).autorelease();
 }
 

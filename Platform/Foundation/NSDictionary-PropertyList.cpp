@@ -6,10 +6,12 @@
 #include "Foundation/PropertyLists/PropertyListCategories.h"
 #include "Foundation/PropertyLists/PropertyListFiles.h"
 #include "Runtime/AutoreleasePool.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
 Retained<NSDictionary> NSDictionary_PropertyList::initWithContentsOfFile(NSString* path, Class* cls) {
+    requireArgument(cls, "initWithContentsOfFile:", "the class");
     bool isMutable = cls->isSubclassOfClass(NSMutableDictionary::classObject());
     AutoreleasePool pool;
     id list = NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error(
@@ -18,6 +20,7 @@ Retained<NSDictionary> NSDictionary_PropertyList::initWithContentsOfFile(NSStrin
 }
 
 NSDictionary* NSDictionary_PropertyList::dictionaryWithContentsOfFile(NSString* path, Class* cls) {
+    requireArgument(cls, "dictionaryWithContentsOfFile:", "the class");
     return initWithContentsOfFile(path, cls).autorelease();
 }
 

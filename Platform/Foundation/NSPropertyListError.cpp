@@ -27,7 +27,8 @@ Retained<NSPropertyListError> NSPropertyListError::create(const PropertyListFaul
 
 NSString* NSPropertyListError::description() {
     if (_line > 0) return NSString::stringWithFormat(u"line %u, column %u: %@"_ns, _line, _column, _reason);
-    if (_keyPath->length() > 0) return NSString::stringWithFormat(u"at %@: %@"_ns, _keyPath, _reason);
+    if (_keyPath && _keyPath->length() > 0)
+        return NSString::stringWithFormat(u"at %@: %@"_ns, _keyPath, _reason);
     if (_offset > 0) return NSString::stringWithFormat(u"at byte %u: %@"_ns, _offset, _reason);
     return _reason;
 }

@@ -669,6 +669,7 @@ int NSRunLoop::descriptor() {
 }
 
 NSDate* NSRunLoop::limitDateForMode(NSString* mode) {
+    if (!mode) raiseException(NSInvalidArgumentException, u"limitDateForMode: the mode is null"_ns);
     watchForMode(mode);
     NSTimeInterval moment = nextMoment(mode);
     if (moment == kNever) return nullptr;

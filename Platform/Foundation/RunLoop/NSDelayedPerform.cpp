@@ -31,7 +31,7 @@ void NSDelayedPerform::cancel() { _timer->invalidate(); }
 // The perform leaves the list first: the message may cancel performs, or request the same perform again.
 void NSDelayedPerform::fire(NSTimer*) {
     NSRunLoop::currentRunLoop()->unlistDelayed(this);
-    _receiver->performSelector_withObject(_selector, _argument);
+    if (_receiver) _receiver->performSelector_withObject(_selector, _argument);
 }
 
 }  // namespace pelvor
