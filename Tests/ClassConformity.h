@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What must hold for every registered class, whoever wrote it.
+// What must hold for every class of every library.
 #pragma once
 
 #include <sys/mman.h>
@@ -12,12 +12,6 @@
 #include "Runtime/NSInvocation.h"
 
 namespace pelvor {
-
-inline std::vector<Class*> registeredClasses() {
-    std::vector<Class*> classes(classList(nullptr, 0));
-    classes.resize(std::min(classes.size(), classList(classes.data(), classes.size())));
-    return classes;
-}
 
 inline void checkMethod(Class* cls, const Method& method) {
     const IMP& code = method.implementation;
@@ -90,37 +84,43 @@ Step zeroCall(const char* name, R (*function)(A...)) {
 }
 #define ZERO_CALL(function) zeroCall(#function, &function)
 
+/// Where a child process is in its steps.
+struct Progress {
+    bool isOver;
+    std::size_t next;
+    char name[200];
+};
+
+/// The whole life of a child process.
+[[noreturn]] inline void runSteps(Progress* progress,
+                                  const std::function<std::vector<Step>()>& makeSteps) noexcept {
+    std::strcpy(progress->name, "The making of samples");
+    alarm(60);
+    const std::vector<Step> steps = makeSteps();
+    while (progress->next < steps.size()) {
+        const auto& [name, run] = steps[progress->next++];
+        std::strncpy(progress->name, name.c_str(), sizeof progress->name - 1);
+        ualarm(300'000, 0);
+        AutoreleasePool pool;
+        try {
+            run();
+        } catch (const NSException& exception) {
+            if (exception.reason().empty()) std::abort();
+        }
+    }
+    progress->isOver = true;
+    _exit(0);
+}
+
 /// Runs the steps in a child process, and goes on behind a step at which it ended: a step may raise, exit or
 /// wait, but not die.
 inline bool expectSurvival(const std::function<std::vector<Step>()>& makeSteps) {
-    struct Progress {
-        bool isOver;
-        std::size_t next;
-        char name[200];
-    };
     auto* progress = static_cast<Progress*>(
         mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
     bool survives = true;
     for (std::size_t first = 1; !progress->isOver && progress->next != first;) {
         first = progress->next;
-        if (fork() == 0) {
-            std::strcpy(progress->name, "The making of samples");
-            alarm(60);
-            const std::vector<Step> steps = makeSteps();
-            while (progress->next < steps.size()) {
-                const auto& [name, run] = steps[progress->next++];
-                std::strncpy(progress->name, name.c_str(), sizeof progress->name - 1);
-                ualarm(300'000, 0);
-                AutoreleasePool pool;
-                try {
-                    run();
-                } catch (const NSException& exception) {
-                    if (exception.reason().empty()) std::abort();
-                }
-            }
-            progress->isOver = true;
-            _exit(0);
-        }
+        if (fork() == 0) runSteps(progress, makeSteps);
         int status = 0;
         wait(&status);
         if (status == 0 || (WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM)) continue;
