@@ -163,7 +163,9 @@ inline void checkNullArguments(Class* cls) {
         } else {
             steps.push_back({"+" + std::string(method->selector.name()),
                              [=] { messageFor(*method)->invokeWithTarget(cls); }});
-            if (std::strcmp(method->implementation.signature->types(), "@@:") == 0)
+            // What NSObject's `alloc` and `new` return is not yet an object of the class.
+            if (std::strcmp(method->implementation.signature->types(), "@@:") == 0 &&
+                !NSObject::classObject()->classMethod(method->selector))
                 sources.push_back({method, nullptr});
         }
     for (Class* level : {cls, cls->metaclass()})
