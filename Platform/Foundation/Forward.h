@@ -8,15 +8,18 @@
 namespace pelvor {
 
 // Strings and text
-class NSCharacterSet;         ///< a set of characters
-class NSConstantString;       ///< a string literal: `u"text"_ns`
-class NSMutableCharacterSet;  ///< a set of characters that can be changed
-class NSMutableString;        ///< a text that can be changed
-class NSPathStore2;           ///< what path operations return
-class NSScanner;              ///< reads numbers and words from a string
-class NSString;               ///< a text in UTF-16
-class StringUnits;            ///< a string's units in one piece
-class TextDecoder;            ///< decodes a text that comes in pieces
+class AttributeRuns;              ///< the runs of an attributed string, to walk over
+class NSAttributedString;         ///< a text whose stretches have attributes
+class NSCharacterSet;             ///< a set of characters
+class NSConstantString;           ///< a string literal: `u"text"_ns`
+class NSMutableAttributedString;  ///< a text with attributes that can be changed
+class NSMutableCharacterSet;      ///< a set of characters that can be changed
+class NSMutableString;            ///< a text that can be changed
+class NSPathStore2;               ///< what path operations return
+class NSScanner;                  ///< reads numbers and words from a string
+class NSString;                   ///< a text in UTF-16
+class StringUnits;                ///< a string's units in one piece
+class TextDecoder;                ///< decodes a text that comes in pieces
 
 // Collections
 class NSArray;              ///< objects in an order

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/FoundationLibrary.h"
 
+#include "Foundation/AttributedText/NSAttributedText.h"
 #include "Foundation/Collections/CollectionEnumerators.h"
 #include "Foundation/Collections/ConcreteArrays.h"
 #include "Foundation/Collections/ConcreteDictionaries.h"
@@ -54,6 +55,10 @@ constexpr Library* kDependencies[] = {&runtimeLibrary};
 constexpr Class* kClasses[] = {
     &NSArray::classRecord,
     &NSArrayEnumerator::classRecord,
+    &NSAttributeDictionary::classRecord,
+    &NSAttributedMutableString::classRecord,
+    &NSAttributedString::classRecord,
+    &NSAttributedText::classRecord,
     &NSBufferArray::classRecord,
     &NSBufferString::classRecord,
     &NSBundle::classRecord,
@@ -79,6 +84,7 @@ constexpr Class* kClasses[] = {
     &NSKeyedUnarchiver::classRecord,
     &NSLock::classRecord,
     &NSMutableArray::classRecord,
+    &NSMutableAttributedString::classRecord,
     &NSMutableCharacterSet::classRecord,
     &NSMutableData::classRecord,
     &NSMutableDictionary::classRecord,

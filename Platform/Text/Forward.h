@@ -18,4 +18,7 @@ class NSMutableParagraphStyle;  ///< a paragraph style that can be changed
 class NSParagraphStyle;         ///< how the lines of a paragraph are set
 class NSTextTab;                ///< a tab stop
 
+// Text
+class NSTextStorage;  ///< a text that tells layout managers and observers of its edits
+
 }  // namespace pelvor

@@ -8,6 +8,7 @@
 #include "Text/NSFontManager.h"
 #include "Text/NSGraphicsContext.h"
 #include "Text/NSMutableParagraphStyle.h"
+#include "Text/NSTextStorage.h"
 #include "Text/NSTextTab.h"
 
 namespace pelvor {
@@ -15,7 +16,7 @@ namespace {
 
 constexpr Library* kDependencies[] = {&foundationLibrary};
 
-// Alphabetical.
+// Alphabetical; a superclass is registered before its subclasses wherever it stands.
 // clang-format off
 constexpr Class* kClasses[] = {
     &NSColor::classRecord,
@@ -25,6 +26,7 @@ constexpr Class* kClasses[] = {
     &NSGraphicsContext::classRecord,
     &NSMutableParagraphStyle::classRecord,
     &NSParagraphStyle::classRecord,
+    &NSTextStorage::classRecord,
     &NSTextTab::classRecord,
 };
 // clang-format on

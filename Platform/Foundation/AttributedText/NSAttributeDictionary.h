@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSAttributeDictionary: the attributes of text; dictionaries with equal content are one object. For
+// Foundation's own sources.
+#pragma once
+
+#include "Foundation/Collections/ObjectTables.h"
+#include "Foundation/NSDictionary.h"
+
+namespace pelvor {
+
+/// An immutable dictionary that runs of attributed strings own. A table of all such dictionaries finds the one
+/// with a given content; the table does not keep them, and a dictionary that ends leaves it. Any thread. The
+/// values must not change in what they are equal to while they are attributes.
+class NSAttributeDictionary final : public NSDictionary {
+    PELVOR_CLASS(NSAttributeDictionary, NSDictionary);
+
+  public:
+    /// The one dictionary with that content; null stands for an empty one.
+    static Retained<NSAttributeDictionary> with(NSDictionary* content);
+    /// With another value for the key; null removes the key.
+    Retained<NSAttributeDictionary> withValue(NSString* key, id value);
+    /// With all entries of the other dictionary, whose values win.
+    Retained<NSAttributeDictionary> withEntries(NSDictionary* other);
+
+    NSUInteger count() override { return _table.count(); }
+    id objectForKey(id key) override { return _table.objectForKey(key); }
+    NSDictionaryEntry stepFrom(NSUInteger& position) override { return _table.stepFrom(position); }
+    std::uintptr_t hash() override { return _hash; }
+    Retained<Object> copyWithZone(void*) override { return Retained<Object>::retaining(this); }
+
+  protected:
+    NSAttributeDictionary() = default;
+    ~NSAttributeDictionary();
+
+  private:
+    struct Interned;
+    static Retained<NSAttributeDictionary> intern(Retained<NSAttributeDictionary> candidate);
+
+    EntryTable _table;
+    std::uintptr_t _hash = 0;
+    bool _isInterned = false;
+};
+
+}  // namespace pelvor
