@@ -2,6 +2,9 @@
 #include "BaseTextLibrary.h"
 
 #include "BaseLibrary.h"
+#include "NSAttributedString-PelvorAdditions.h"
+#include "NSEvent-PelvorAdditions.h"
+#include "NSTextStorage-PelvorAdditions.h"
 #include "Text/TextLibrary.h"
 
 namespace pelvor {
@@ -9,8 +12,19 @@ namespace {
 
 constexpr Library* kDependencies[] = {&baseLibrary, &textLibrary};
 
+// Alphabetical.
+// clang-format off
+constexpr const Category* kCategories[] = {
+    &NSAttributedString_PelvorAdditions_category,
+    &NSEvent_PelvorAdditions_category,
+    &NSMutableAttributedString_PelvorAdditions_category,
+    &NSTextStorage_DisplayAndModelAdditions_category,
+    &NSTextStorage_LongestEffectiveRangeAdditions_category,
+};
+// clang-format on
+
 }  // namespace
 
-constinit Library baseTextLibrary{"PelvorBaseText", kDependencies, {}, {}};
+constinit Library baseTextLibrary{"PelvorBaseText", kDependencies, {}, kCategories};
 
 }  // namespace pelvor

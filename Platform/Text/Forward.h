@@ -19,6 +19,7 @@ class NSParagraphStyle;         ///< how the lines of a paragraph are set
 class NSTextTab;                ///< a tab stop
 
 // Text
+class NSEvent;        ///< what the user does, and which modifier keys are down
 class NSTextStorage;  ///< a text that tells layout managers and observers of its edits
 
 }  // namespace pelvor

@@ -3,6 +3,7 @@
 
 #include "Foundation/FoundationLibrary.h"
 #include "Text/NSColor.h"
+#include "Text/NSEvent.h"
 #include "Text/NSFont.h"
 #include "Text/NSFontDescriptor.h"
 #include "Text/NSFontManager.h"
@@ -20,6 +21,7 @@ constexpr Library* kDependencies[] = {&foundationLibrary};
 // clang-format off
 constexpr Class* kClasses[] = {
     &NSColor::classRecord,
+    &NSEvent::classRecord,
     &NSFont::classRecord,
     &NSFontDescriptor::classRecord,
     &NSFontManager::classRecord,
