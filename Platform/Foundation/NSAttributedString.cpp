@@ -67,6 +67,29 @@ Retained<NSAttributedString> NSAttributedString::initWithAttributedString(NSAttr
     return made;
 }
 
+Retained<NSAttributedString> NSAttributedString::initWithString_runs(NSString* string,
+                                                                     std::span<const AttributeRun> runs,
+                                                                     Class* cls) {
+    constexpr const char* kOperation = "initWithString_runs";
+    requireArgument(string, kOperation, "the string");
+    AttributeStretches stretches;
+    stretches.reserve(runs.size());
+    AttributeMemo memo;
+    std::uint64_t end = 0;
+    for (const AttributeRun& run : runs) {
+        if (run.range.location != end) raiseBadArgument(kOperation, "the runs do not follow each other");
+        const auto& made = memo.made(run.attributes, [&] { return NSAttributeDictionary::with(run.attributes); });
+        stretches.push_back({run.range.length, made});
+        end += run.range.length;
+    }
+    if (end != string->length()) raiseBadArgument(kOperation, "the runs have another length than the text");
+    auto made = make<NSAttributedString>(cls);
+    StringUnits units(string);
+    made->_content->text = TextTree(units);
+    made->_content->runs = RunTree(stretches);
+    return made;
+}
+
 // MARK: Text and attributes
 
 NSString* NSAttributedString::string() { return _content; }
@@ -228,13 +251,13 @@ NSUInteger numberAt(const std::uint8_t* bytes) {
 }
 
 // The dictionary that a run of an archive names.
-Retained<NSAttributeDictionary> dictionaryAt(NSArray* dictionaries, NSUInteger index) {
+NSDictionary* dictionaryAt(NSArray* dictionaries, NSUInteger index) {
     if (index >= dictionaries->count()) raiseBadArchive("a run has no attributes in the archive");
     auto* dictionary = cast<NSDictionary>(dictionaries->objectAtIndex(index));
     if (!dictionary) raiseBadArchive("the attributes are no dictionary");
     for (auto [name, value] : dictionary)
         if (!cast<NSString>(name)) raiseBadArchive("an attribute's name is no string");
-    return NSAttributeDictionary::with(dictionary);
+    return dictionary;
 }
 
 }  // namespace
@@ -262,17 +285,15 @@ Retained<NSAttributedString> NSAttributedString::initWithCoder(NSCoder* coder, C
     if (!string || !dictionaries) raiseBadArchive("the archive holds no text with attributes");
     NSUInteger size = 0;
     auto* bytes = static_cast<const std::uint8_t*>(coder->decodeBytesForKey_returnedLength(u"runs"_ns, &size));
-    AttributeStretches stretches;
+    std::vector<AttributeRun> runs;
     std::uint64_t length = 0;
     for (NSUInteger i = 0; bytes && i + 8 <= size; i += 8) {
-        stretches.push_back({numberAt(bytes + i), dictionaryAt(dictionaries, numberAt(bytes + i + 4))});
-        length += stretches.back().length;
+        NSRange range{static_cast<NSUInteger>(length), numberAt(bytes + i)};
+        runs.push_back({range, dictionaryAt(dictionaries, numberAt(bytes + i + 4))});
+        length += range.length;
     }
     if (length != string->length()) raiseBadArchive("the runs have another length than the text");
-    auto made = make<NSAttributedString>(cls);
-    made->_content->text = TextTree(StringUnits(string).view());
-    made->_content->runs = RunTree(stretches);
-    return made;
+    return initWithString_runs(string, runs, cls);
 }
 
 }  // namespace pelvor

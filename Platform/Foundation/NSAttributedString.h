@@ -3,6 +3,7 @@
 #pragma once
 
 #include <iterator>
+#include <span>
 
 #include "Foundation/NSRange.h"
 #include "Foundation/ObjectPrinting.h"
@@ -12,6 +13,7 @@ namespace pelvor {
 
 class AttributeRuns;
 class NSAttributedText;
+struct AttributeRun;
 class NSCoder;
 class NSDictionary;
 class NSMutableAttributedString;
@@ -39,7 +41,8 @@ class NSString;
 /// stands for no attributes, and for null as address of a range, which is then not wanted.
 class PELVOR_EXPORT NSAttributedString : public NSObject {
     PELVOR_CLASS(NSAttributedString, NSObject);
-    PELVOR_CREATORS(init, initWithString, initWithString_attributes, initWithAttributedString, initWithCoder);
+    PELVOR_CREATORS(init, initWithString, initWithString_attributes, initWithString_runs,
+                    initWithAttributedString, initWithCoder);
 
   public:
     // Creation
@@ -51,6 +54,13 @@ class PELVOR_EXPORT NSAttributedString : public NSObject {
                                                                   Class* cls = classObject());
     static Retained<NSAttributedString> initWithAttributedString(NSAttributedString* other,
                                                                  Class* cls = classObject());
+
+    // C++ only
+    /// A text with its attributes at once, much faster than run by run. The runs follow each other from the
+    /// front of the text to its end; null stands for no attributes. Raises NSInvalidArgumentException if they
+    /// do not.
+    static Retained<NSAttributedString> initWithString_runs(NSString* string, std::span<const AttributeRun> runs,
+                                                            Class* cls = classObject());
 
     // The text
 

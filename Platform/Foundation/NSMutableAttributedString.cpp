@@ -102,40 +102,17 @@ void NSMutableAttributedString::setAttributedString(NSAttributedString* other) {
 
 // MARK: Attributes
 
-namespace {
-
-// What an operation makes of the dictionaries that it meets: neighbouring runs have few different ones.
-class ChangeMemo {
-  public:
-    template <class Make>
-    const Retained<NSAttributeDictionary>& changed(NSAttributeDictionary* old, Make make) {
-        Entry& entry = _entries[reinterpret_cast<std::uintptr_t>(old) / 64 % std::size(_entries)];
-        if (entry.old != old) entry = {old, make(old)};
-        return entry.made;
-    }
-
-  private:
-    struct Entry {
-        Unretained<NSAttributeDictionary> old = nullptr;  // kept by its run
-        Retained<NSAttributeDictionary> made;
-    };
-    Entry _entries[16];
-};
-
-}  // namespace
-
 void NSMutableAttributedString::changeAttributes(NSRange range, AttributeChange change, void* context,
                                                  const char* operation) {
     requireRange(range, length(), operation);
-    ChangeMemo memo;
+    AttributeMemo memo;
     AttributeStretches stretches;  // from the first run that changes
     std::size_t count = 0;         // of them up to the last that changes
     NSUInteger start = 0, end = 0;
     for (auto [stretch, attributes] : runsInRange(range)) {
         auto* old = static_cast<NSAttributeDictionary*>(attributes);
-        const auto& made = memo.changed(old, [&](NSAttributeDictionary* before) {
-            return NSAttributeDictionary::with(change(before, context).get());
-        });
+        const auto& made =
+            memo.made(old, [&] { return NSAttributeDictionary::with(change(old, context).get()); });
         if (made == old && count == 0) continue;
         stretches.push_back({stretch.length, made});
         if (made == old) continue;

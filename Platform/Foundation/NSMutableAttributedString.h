@@ -24,8 +24,8 @@ class NSMutableString;
 /// will be. One thread at a time; copies may be read on other threads meanwhile.
 class PELVOR_EXPORT NSMutableAttributedString : public NSAttributedString {
     PELVOR_CLASS(NSMutableAttributedString, NSAttributedString);
-    PELVOR_INHERITED_CREATORS(init, initWithString, initWithString_attributes, initWithAttributedString,
-                              initWithCoder);
+    PELVOR_INHERITED_CREATORS(init, initWithString, initWithString_attributes, initWithString_runs,
+                              initWithAttributedString, initWithCoder);
 
   public:
     /// The text as a string through which the receiver is edited. It retains the receiver.

@@ -52,6 +52,11 @@ Retained<NSTextStorage> NSTextStorage::initWithString_attributes(NSString* strin
     return fixed(NSAttributedString::initWithString_attributes(string, attributes, cls));
 }
 
+Retained<NSTextStorage> NSTextStorage::initWithString_runs(NSString* string,
+                                                           std::span<const AttributeRun> runs, Class* cls) {
+    return fixed(NSAttributedString::initWithString_runs(string, runs, cls));
+}
+
 Retained<NSTextStorage> NSTextStorage::initWithAttributedString(NSAttributedString* other, Class* cls) {
     return fixed(NSAttributedString::initWithAttributedString(other, cls));
 }

@@ -42,7 +42,7 @@ enum : unsigned {
 /// One thread at a time.
 class PELVOR_EXPORT NSTextStorage : public NSMutableAttributedString {
     PELVOR_CLASS(NSTextStorage, NSMutableAttributedString);
-    PELVOR_CREATORS(initWithString_attributes, initWithAttributedString, initWithCoder);
+    PELVOR_CREATORS(initWithString_attributes, initWithString_runs, initWithAttributedString, initWithCoder);
     PELVOR_INHERITED_CREATORS(init, initWithString);
 
   public:
@@ -53,6 +53,10 @@ class PELVOR_EXPORT NSTextStorage : public NSMutableAttributedString {
     static Retained<NSTextStorage> initWithAttributedString(NSAttributedString* other,
                                                             Class* cls = classObject());
     static Retained<NSTextStorage> initWithCoder(NSCoder* coder, Class* cls = classObject());
+
+    // C++ only
+    static Retained<NSTextStorage> initWithString_runs(NSString* string, std::span<const AttributeRun> runs,
+                                                       Class* cls = classObject());
 
     // Layout managers: NSLayoutManager or whatever else takes the two messages "setTextStorage:" and
     //

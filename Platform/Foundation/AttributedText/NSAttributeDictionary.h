@@ -41,4 +41,26 @@ class NSAttributeDictionary final : public NSDictionary {
     bool _isInterned = false;
 };
 
+/// What an operation makes of the dictionaries that it meets, for as long as it runs: neighbouring runs have
+/// few different ones.
+class AttributeMemo {
+  public:
+    /// The dictionary that `make` returned, or now returns, for the source. The source must not end before
+    /// the memo.
+    template <class Make>
+    const Retained<NSAttributeDictionary>& made(NSDictionary* source, Make make) {
+        auto address = reinterpret_cast<std::uintptr_t>(source);
+        Entry& entry = _entries[(address >> 4) * 0x9E3779B97F4A7C15u >> 59];
+        if (entry.source != source || !entry.made) entry = {source, make()};
+        return entry.made;
+    }
+
+  private:
+    struct Entry {
+        Unretained<NSDictionary> source = nullptr;
+        Retained<NSAttributeDictionary> made;
+    };
+    Entry _entries[32];
+};
+
 }  // namespace pelvor
