@@ -140,8 +140,6 @@ Retained<NSMutableAttributedString> NSMutableAttributedString_PelvorAdditions::n
 
 namespace {
 
-// The class's own operations may be overridden by a host's texts, so they are asked by message where the
-// description of this library says so; everything else goes straight to the text.
 id languageOr(id own) { return own ? own : PBSystemLanguage; }
 
 NSCharacterSet* alphanumerics() {
@@ -428,18 +426,18 @@ NSUInteger paragraphsInRange_wordCount_charCount(NSAttributedString* text, NSRan
 
 namespace {
 
-// Edits that observers see as one.
-class EditingBracket {
-  public:
-    explicit EditingBracket(NSMutableAttributedString* text) : _text(text) { text->beginEditing(); }
-    EditingBracket(const EditingBracket&) = delete;
-    EditingBracket& operator=(const EditingBracket&) = delete;
-    // Observers may raise.
-    ~EditingBracket() noexcept(false) { _text->endEditing(); }
-
-  private:
-    Unretained<NSMutableAttributedString> _text;
-};
+// Does the work, whose edits observers see as one.
+template <class Work>
+void inBrackets(NSMutableAttributedString* text, Work work) {
+    text->beginEditing();
+    try {
+        work();
+    } catch (...) {
+        text->endEditing();
+        throw;
+    }
+    text->endEditing();
+}
 
 // The run's attributes with those that it lacks.
 Retained<NSDictionary> completed(NSDictionary* own, NSDictionary* attributes) {
@@ -485,12 +483,13 @@ void replaceCharactersInRange_withTextAttachment_attributes(NSMutableAttributedS
     constexpr const char* kOperation = "replaceCharactersInRange:withTextAttachment:attributes:";
     requireArgument(attachment, kOperation, "the attachment");
     requireRange(range, text->length(), kOperation);
-    EditingBracket bracket(text);
-    if (range.length != 1 || text->string()->characterAtIndex(range.location) != NSAttachmentCharacter)
-        text->replaceCharactersInRange_withString(range, u"\uFFFC"_ns);
-    NSRange character{range.location, 1};
-    if (attributes) text->setAttributes_range(attributes, character);
-    text->addAttribute_value_range(NSAttachmentAttributeName, attachment, character);
+    inBrackets(text, [&] {
+        if (range.length != 1 || text->string()->characterAtIndex(range.location) != NSAttachmentCharacter)
+            text->replaceCharactersInRange_withString(range, u"\uFFFC"_ns);
+        NSRange character{range.location, 1};
+        if (attributes) text->setAttributes_range(attributes, character);
+        text->addAttribute_value_range(NSAttachmentAttributeName, attachment, character);
+    });
 }
 
 NSAttributedString* attributedStringByAddingUndefinedAttributes(NSAttributedString* text,
@@ -507,7 +506,6 @@ NSAttributedString* attributedStringByAddingUndefinedAttributes(NSAttributedStri
 void addUndefinedAttributes_range(NSMutableAttributedString* text, NSDictionary* attributes, NSRange range) {
     requireRange(range, text->length(), "addUndefinedAttributes:range:");
     if (!attributes || attributes->count() == 0) return;
-    EditingBracket bracket(text);
     text->changeAttributesInRange(range, [=](NSDictionary* own) { return completed(own, attributes); });
 }
 
@@ -516,7 +514,6 @@ void setAttributesPreservingAttachments_inRange(NSMutableAttributedString* text,
     requireRange(range, text->length(), "setAttributesPreservingAttachments:inRange:");
     auto plain = withValue(attributes ? attributes : NSDictionary::dictionary(), NSAttachmentAttributeName,
                            nullptr);
-    EditingBracket bracket(text);
     text->changeAttributesInRange(range, [&](NSDictionary* own) {
         id attachment = own->objectForKey(NSAttachmentAttributeName);
         return attachment ? withValue(plain, NSAttachmentAttributeName, attachment) : plain;
@@ -529,9 +526,11 @@ void setAttributesFromAttributedString_range(NSMutableAttributedString* text, NS
     requireArgument(other, kOperation, "the attributed string");
     requireRange(range, text->length(), kOperation);
     auto source = other->copy();  // `other` may be the text itself
-    EditingBracket bracket(text);
-    for (AttributeRun run : source->runsInRange({0, std::min(range.length, source->length())}))
-        text->setAttributes_range(run.attributes, {range.location + run.range.location, run.range.length});
+    inBrackets(text, [&] {
+        for (AttributeRun run : source->runsInRange({0, std::min(range.length, source->length())}))
+            text->setAttributes_range(run.attributes,
+                                      {range.location + run.range.location, run.range.length});
+    });
 }
 
 // MARK: Plural attributes
@@ -573,7 +572,6 @@ void addPluralAttribute_value_range(NSMutableAttributedString* text, NSString* n
     constexpr const char* kOperation = "addPluralAttribute:value:range:";
     requirePlural(name, value, kOperation);
     requireRange(range, text->length(), kOperation);
-    EditingBracket bracket(text);
     text->changeAttributesInRange(range, [=](NSDictionary* own) { return withPlural(own, name, value); });
 }
 
@@ -582,7 +580,6 @@ void removePluralAttribute_value_range(NSMutableAttributedString* text, NSString
     constexpr const char* kOperation = "removePluralAttribute:value:range:";
     requirePlural(name, value, kOperation);
     requireRange(range, text->length(), kOperation);
-    EditingBracket bracket(text);
     text->changeAttributesInRange(range, [=](NSDictionary* own) { return withoutPlural(own, name, value); });
 }
 

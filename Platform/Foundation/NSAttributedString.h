@@ -118,6 +118,9 @@ class PELVOR_EXPORT NSAttributedString : public NSObject {
     ~NSAttributedString();
 
     Retained<NSAttributedText> _content;
+
+  private:
+    friend class NSMutableAttributedString;
 };
 
 /// Units with equal attributes. The dictionary is borrowed and never null.

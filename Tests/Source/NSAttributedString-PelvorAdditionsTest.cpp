@@ -63,7 +63,9 @@ class TestLanguage : public NSObject {
     Unretained<NSString> string = nullptr;
 };
 bool runsRightToLeft(TestLanguage* language) { return language->isRightToLeft; }
-PELVOR_DEFINE_CLASS(TestLanguage, baseTextLibrary) {
+constexpr Library* kDependencies[] = {&baseTextLibrary};
+constinit Library languageLibrary{"TestLanguage", kDependencies, kClassesOf<TestLanguage>, {}};
+PELVOR_DEFINE_CLASS(TestLanguage, languageLibrary) {
     methods.instanceAs<"rangeWithGranularity:forString:range:", &TestLanguage::rangeWithGranularity>();
     methods.instance<"acquireBoundaryScanner", &TestLanguage::acquireBoundaryScanner>();
     methods.instance<"relinquishBoundaryScanner:", &TestLanguage::relinquishBoundaryScanner>();

@@ -17,7 +17,9 @@ class KeepingStyle : public NSObject {
     bool isKeepWithNext() { return keeps; }
     bool keeps = true;
 };
-PELVOR_DEFINE_CLASS(KeepingStyle, baseTextLibrary) {
+constexpr Library* kDependencies[] = {&baseTextLibrary};
+constinit Library styleLibrary{"TestKeepingStyle", kDependencies, kClassesOf<KeepingStyle>, {}};
+PELVOR_DEFINE_CLASS(KeepingStyle, styleLibrary) {
     methods.instance<"isKeepWithNext", &KeepingStyle::isKeepWithNext>();
 }
 

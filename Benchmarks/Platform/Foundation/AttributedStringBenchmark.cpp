@@ -189,7 +189,10 @@ class IdleLayoutManager : public NSObject {
     void setTextStorage(id) {}
     void hear(id, unsigned, NSRange range, NSInteger, NSRange) { benchmark::DoNotOptimize(range); }
 };
-PELVOR_DEFINE_CLASS(IdleLayoutManager, textLibrary) {
+constexpr Library* kDependencies[] = {&textLibrary};
+constexpr Class* kClasses[] = {&IdleLayoutManager::classRecord};
+constinit Library benchmarkLibrary{"AttributedStringBenchmark", kDependencies, kClasses, {}};
+PELVOR_DEFINE_CLASS(IdleLayoutManager, benchmarkLibrary) {
     methods.instance<"setTextStorage:", &IdleLayoutManager::setTextStorage>();
     methods.instanceAs<"textStorage:edited:range:changeInLength:invalidatedRange:", &IdleLayoutManager::hear>();
 }

@@ -49,7 +49,7 @@ Retained<NSAttributeDictionary> NSAttributeDictionary::intern(Retained<NSAttribu
         std::lock_guard guard(all.mutex);
         if (additions != all.additions) continue;  // another thread may have added the same content
         ++all.additions;
-        all.byHash.insert({candidate->_hash, {candidate.get(), WeakHandle(candidate.get())}});
+        all.byHash.emplace(candidate->_hash, Interned::Entry{candidate.get(), WeakHandle(candidate.get())});
         candidate->_isInterned = true;
         return candidate;
     }

@@ -148,7 +148,8 @@ class PieceTree {
     }
 
     PieceTree slice(NSRange range) const {
-        return PieceTree(split(split(_root, NSMaxRange(range)).first, range.location).second);
+        Node front = split(_root, NSMaxRange(range)).first;
+        return PieceTree(withoutIdleRoots(split(std::move(front), range.location).second));
     }
 
     void replace(NSRange range, PieceTree with) {
@@ -257,8 +258,11 @@ class PieceTree {
         // Those of a node of that height, or the lower node itself.
         void addFrom(Node node, unsigned height) {
             if (node->height < height) return add(std::move(node));
-            node.makeOwn();
-            for (unsigned i = 0; i < node->count; ++i) add(std::move(node.branch()->children[i]));
+            bool isShared = node->owners.load(std::memory_order_acquire) > 1;
+            for (unsigned i = 0; i < node->count; ++i) {
+                Node& child = node.branch()->children[i];
+                add(isShared ? Node(child) : std::move(child));
+            }
         }
         // Joins the nodes at the place and before it; returns whether one is left.
         bool joinAt(unsigned place) {

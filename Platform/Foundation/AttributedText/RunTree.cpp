@@ -8,8 +8,6 @@ namespace pelvor {
 
 // MARK: Leaves
 
-static_assert(sizeof(RunLeaf) % alignof(NSAttributeDictionary*) == 0);
-
 RunLeaf* RunLeaf::create(unsigned room) {
     constexpr std::size_t kRun = sizeof(NSAttributeDictionary*) + sizeof(std::uint32_t);
     return ::new (::operator new(sizeof(RunLeaf) + room * kRun)) RunLeaf(room);

@@ -19,7 +19,7 @@ using AttributeStretches = std::vector<AttributeStretch>;
 
 /// Runs in the order of their starts, which are relative to the leaf. The leaf owns their dictionaries.
 /// Neighbours have different dictionaries.
-struct RunLeaf : TreeNode {
+struct alignas(void*) RunLeaf : TreeNode {
     static constexpr unsigned kMost = 128, kUsual = kMost / 8 * 7, kThin = kMost / 4;
     static constexpr unsigned kShare = kMost / 16 * 5;  ///< what a thin leaf has once a neighbour gave to it
 

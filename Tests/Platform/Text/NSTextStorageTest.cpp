@@ -39,7 +39,9 @@ class Scribe : public NSObject {
     std::vector<std::string> heard;
     std::function<void()> reaction;
 };
-PELVOR_DEFINE_CLASS(Scribe, textLibrary) {
+constexpr Library* kDependencies[] = {&textLibrary};
+constinit Library scribeLibrary{"TestScribe", kDependencies, kClassesOf<Scribe>, {}};
+PELVOR_DEFINE_CLASS(Scribe, scribeLibrary) {
     methods.instance<"setTextStorage:", &Scribe::setTextStorage>();
     methods.instanceAs<"textStorage:edited:range:changeInLength:invalidatedRange:", &Scribe::hear>();
 }
