@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSMutableCharacterSet.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSMutableSet.h"
 #include "NSString-PelvorAdditions.h"
@@ -354,7 +354,7 @@ NSUInteger nextWordFromIndex_forward(NSAttributedString* text, NSUInteger index,
     requireIndex(probe, text->length(), "nextWordFromIndex:forward:");
     id language = languageAttributeAtIndex_effectiveRange(text, probe, nullptr);
     NSUInteger letter = locationOfCharacterFromSet_options_location(
-        text->string(), alphanumerics(), isForward ? 0 : NSBackwardsSearch, probe);
+        text->string(), alphanumerics(), isForward ? NSLiteralSearch : NSBackwardsSearch, probe);
     NSRange word = wordAt(text, letter == NSNotFound ? probe : letter, language);
     word = constrainRange_toSingleAttribute_location(text, word, PBLanguageAttributeName, word.location);
     return isForward ? NSMaxRange(word) : word.location;

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "Foundation/NSCharacterSet.h"
+#include "Foundation/NSMutableCharacterSet.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "NSAttributedString-PelvorAdditions.h"

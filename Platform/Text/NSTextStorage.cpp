@@ -5,6 +5,7 @@
 #include <exception>
 
 #include "Foundation/NSArray.h"
+#include "Foundation/NSCoder.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSString.h"
 #include "Runtime/Message.h"
@@ -222,8 +223,6 @@ bool isParagraphEnd(NSString* text, NSUInteger place) {
     unichar before = text->characterAtIndex(place - 1);
     return isParagraphBreak(before) && !(before == u'\r' && text->characterAtIndex(place) == u'\n');
 }
-
-bool areEqual(id first, id second) { return first == second || (first && second && first->isEqual(second)); }
 
 }  // namespace
 

@@ -30,28 +30,36 @@ struct NSAttributeDictionary::Interned {
     std::uint64_t additions = 0;
 };
 
-Retained<NSAttributeDictionary> NSAttributeDictionary::intern(Retained<NSAttributeDictionary> candidate) {
+Retained<NSAttributeDictionary> NSAttributeDictionary::intern(NSDictionary* content,
+                                                              Retained<NSAttributeDictionary> made) {
     Interned& all = Interned::all();
-    candidate->_hash = candidate->NSDictionary::hash();
+    std::uintptr_t hash = content->NSDictionary::hash();
     for (;;) {
         std::vector<Retained<Object>> similar;
         std::uint64_t additions;
         {
             std::lock_guard guard(all.mutex);
             additions = all.additions;
-            auto [first, end] = all.byHash.equal_range(candidate->_hash);
+            auto [first, end] = all.byHash.equal_range(hash);
             for (; first != end; ++first)
                 if (auto object = first->second.handle.object()) similar.push_back(std::move(object));
         }
-        for (const Retained<Object>& object : similar)
-            if (candidate->isEqualToDictionary(cast<NSDictionary>(object.get())))
-                return Retained<NSAttributeDictionary>::retaining(static_cast<NSAttributeDictionary*>(object.get()));
+        for (const Retained<Object>& object : similar) {
+            auto* dictionary = static_cast<NSAttributeDictionary*>(object.get());
+            if (content->isEqualToDictionary(dictionary))
+                return Retained<NSAttributeDictionary>::retaining(dictionary);
+        }
+        if (!made) {
+            made = make<NSAttributeDictionary>();
+            for (auto [key, value] : content) made->_table.set(value, key, "setAttributes:range:");
+        }
         std::lock_guard guard(all.mutex);
         if (additions != all.additions) continue;  // another thread may have added the same content
         ++all.additions;
-        all.byHash.emplace(candidate->_hash, Interned::Entry{candidate.get(), WeakHandle(candidate.get())});
-        candidate->_isInterned = true;
-        return candidate;
+        all.byHash.emplace(hash, Interned::Entry{made.get(), WeakHandle(made.get())});
+        made->_hash = hash;
+        made->_isInterned = true;
+        return made;
     }
 }
 
@@ -65,11 +73,11 @@ NSAttributeDictionary::~NSAttributeDictionary() {
 }
 
 Retained<NSAttributeDictionary> NSAttributeDictionary::with(NSDictionary* content) {
-    static Unretained<NSAttributeDictionary> empty = intern(make<NSAttributeDictionary>()).leak();
+    static Unretained<NSAttributeDictionary> empty = intern(NSDictionary::dictionary()).leak();
     if (!content || content->count() == 0) return Retained<NSAttributeDictionary>::retaining(empty);
     if (content->isa() == classObject())
         return Retained<NSAttributeDictionary>::retaining(static_cast<NSAttributeDictionary*>(content));
-    return empty->withEntries(content);
+    return intern(content);
 }
 
 Retained<NSAttributeDictionary> NSAttributeDictionary::withValue(NSString* key, id value) {
@@ -81,14 +89,14 @@ Retained<NSAttributeDictionary> NSAttributeDictionary::withValue(NSString* key, 
         changed->_table.set(value, key, "addAttribute:value:range:");
     else
         changed->_table.remove(key);
-    return intern(std::move(changed));
+    return intern(changed, changed);
 }
 
 Retained<NSAttributeDictionary> NSAttributeDictionary::withEntries(NSDictionary* other) {
     auto changed = make<NSAttributeDictionary>();
     changed->_table.copyFrom(_table);
     for (auto [key, value] : other) changed->_table.set(value, key, "addAttributes:range:");
-    return intern(std::move(changed));
+    return intern(changed, changed);
 }
 
 }  // namespace pelvor

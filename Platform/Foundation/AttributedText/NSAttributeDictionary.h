@@ -34,7 +34,9 @@ class NSAttributeDictionary final : public NSDictionary {
 
   private:
     struct Interned;
-    static Retained<NSAttributeDictionary> intern(Retained<NSAttributeDictionary> candidate);
+    // The dictionary with that content; if there is none yet, `made`, or for null a copy of the content.
+    static Retained<NSAttributeDictionary> intern(NSDictionary* content,
+                                                  Retained<NSAttributeDictionary> made = nullptr);
 
     EntryTable _table;
     std::uintptr_t _hash = 0;

@@ -9,8 +9,8 @@
 
 namespace {
 
-using testing::num;
-using testing::Pebble;
+using pelvor::testing::num;
+using pelvor::testing::Pebble;
 
 // The runs with their attributes: "ab{} cd{bold=1 size=9}".
 std::string runsOf(NSAttributedString* text) {
@@ -97,12 +97,12 @@ TEST(NSAttributedStringTest, EditsJoinWhatIsEqual) {
     text->addAttributes_range(attribute(u"s"_ns, 2), {0, 3});
     EXPECT_EQ(runsOf(text), "abcdef{s=2}");
     text->setAttributes_range(nullptr, {1, 2});
-    text->appendAttributedString(sample());
+    text->appendAttributedString(sample().get());
     text->insertAttributedString_atIndex(text->attributedSubstringFromRange({1, 3}), 0);
     EXPECT_EQ(runsOf(text), "bc{} da{s=2} bc{} def{s=2} ab{} c{b=1} d{b=1 s=2} ef{s=2}");
     text->replaceCharactersInRange_withAttributedString({2, 10}, text);
     EXPECT_EQ(text->length(), 20u);
-    text->setAttributedString(sample());
+    text->setAttributedString(sample().get());
     text->replaceCharactersInRange_withString({2, 2}, text->string());
     EXPECT_EQ(runsOf(text), "ab{} abcdef{b=1} ef{s=2}");
 }
@@ -116,16 +116,16 @@ TEST(NSAttributedStringTest, CopiesStayAsTheyAre) {
     text->mutableString()->setString(u"new"_ns);
     other->addAttribute_value_range(u"x"_ns, num(1), {0, 6});
     EXPECT_EQ(shown(view, kept, text->mutableString()->copy()), "new abcdef new");
-    EXPECT_EQ(runsOf(copy), runsOf(sample()));
+    EXPECT_EQ(runsOf(copy), runsOf(sample().get()));
     EXPECT_EQ(again.get(), copy.get());
     EXPECT_EQ(copy->isa(), NSAttributedString::classObject());
     EXPECT_TRUE(copy->isEqual(sample().get()) && !copy->isEqual(other.get()) && !copy->isEqual(nullptr));
     EXPECT_EQ(copy->hash(), sample()->hash());
-    EXPECT_FALSE(copy->isEqualToAttributedString(NSAttributedString::initWithString(u"abcdef"_ns)));
+    EXPECT_FALSE(copy->isEqualToAttributedString(NSAttributedString::initWithString(u"abcdef"_ns).get()));
 }
 
 TEST(NSAttributedStringTest, EqualAttributesAreOneObjectThatEndsWithItsLastRun) {
-    testing::expectPebblesBalance([] {
+    pelvor::testing::expectPebblesBalance([] {
         auto text = NSMutableAttributedString::initWithString(u"abc"_ns);
         auto* same = NSMutableDictionary::of({{u"p"_ns, Pebble::create(1).get()}});
         auto other = NSAttributedString::initWithString_attributes(u"x"_ns, same);
@@ -150,18 +150,18 @@ TEST(NSAttributedStringTest, RefusesWhatIsOutsideOrNull) {
               "NSRangeException: attributesAtIndex:effectiveRange: index (6) beyond bounds (6)");
     EXPECT_EQ(RAISED(text->attribute_atIndex_effectiveRange(nullptr, 0, nullptr)),
               "NSInvalidArgumentException: attribute:atIndex:effectiveRange: the name is null");
-    testing::expectRaised(
+    pelvor::testing::expectRaised(
         "NSRangeException",
         {RAISED(text->attributedSubstringFromRange({4, 3})), RAISED(text->deleteCharactersInRange({7, 0})),
          RAISED(text->setAttributes_range(nullptr, {0, 7})), RAISED(text->removeAttribute_range(u"b"_ns, {6, 1})),
          RAISED(text->insertAttributedString_atIndex(text, 7)), RAISED(text->string()->characterAtIndex(6)),
          RAISED(text->runsInRange({5, 2}))});
-    testing::expectRaised(
+    pelvor::testing::expectRaised(
         "NSInvalidArgumentException",
         {RAISED(NSAttributedString::initWithString(nullptr)), RAISED(text->appendAttributedString(nullptr)),
          RAISED(text->replaceCharactersInRange_withString({0, 0}, nullptr)),
          RAISED(text->addAttribute_value_range(u"b"_ns, nullptr, {0, 1}))});
-    EXPECT_EQ(runsOf(text), runsOf(sample()));
+    EXPECT_EQ(runsOf(text), runsOf(sample().get()));
 }
 
 TEST(NSAttributedStringTest, ShowsAndArchivesItself) {
@@ -222,7 +222,7 @@ TEST(NSAttributedStringTest, LongTextsAreOneText) {
         auto word = NSString::initWithFormat(u"%d "_ns, i);
         units += word->toUTF16();
         text->appendAttributedString(
-            NSAttributedString::initWithString_attributes(word, attribute(u"n"_ns, i % 7)));
+            NSAttributedString::initWithString_attributes(word, attribute(u"n"_ns, i % 7)).get());
     }
     auto copy = text->string()->copy();
     text->string()->substringFromIndex(1);

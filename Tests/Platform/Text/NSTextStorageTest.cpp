@@ -74,7 +74,7 @@ TEST_F(NSTextStorageTest, TellsEditsAndJoinsThoseInBrackets) {
     storage->beginEditing();
     storage->deleteCharactersInRange({10, 1});
     storage->beginEditing();
-    storage->insertAttributedString_atIndex(NSAttributedString::initWithString(u"abc"_ns), 2);
+    storage->insertAttributedString_atIndex(NSAttributedString::initWithString(u"abc"_ns).get(), 2);
     storage->endEditing();
     EXPECT_EQ(shown(storage->editedMask(), storage->editedRange().location, storage->editedRange().length,
                     storage->changeInLength()),
@@ -109,7 +109,7 @@ TEST_F(NSTextStorageTest, AParagraphHasTheStyleOfItsFirstUnit) {
          "2 {13, 2} 2"},
     };
     for (const auto& row : rows) {
-        storage->setAttributedString(NSAttributedString::initWithString(u"one\ntwo\nthree"_ns));
+        storage->setAttributedString(NSAttributedString::initWithString(u"one\ntwo\nthree"_ns).get());
         setStyle(u"a"_ns, {0, 4});
         setStyle(u"b"_ns, {4, 4});
         setStyle(u"c"_ns, {8, 5});
@@ -132,7 +132,7 @@ TEST_F(NSTextStorageTest, AttachmentsStandOnTheirCharacterOnly) {
                     hasAttachment(storage, 3)),
               "0 1 0 0");
     EXPECT_TRUE(hasAttachment(text, 0));
-    EXPECT_FALSE(hasAttachment(NSTextStorage::initWithAttributedString(text), 0));
+    EXPECT_FALSE(hasAttachment(NSTextStorage::initWithAttributedString(text).get(), 0));
     NSString* error = nullptr;
     id back = NSKeyedUnarchiver::unarchivedObjectWithData_allowedClasses_error(
         NSKeyedArchiver::archivedDataWithRootObject(storage), NSSet::of({NSTextStorage::classObject()}), &error);
