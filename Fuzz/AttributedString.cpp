@@ -2,7 +2,7 @@
 // Attributed strings under random edits, beside a plain array of units.
 #include <cstdint>
 
-#include "Platform/Foundation/AttributedStringModel.h"
+#include "AttributedStringModel.h"
 #include "Require.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of texts with attributes, immutable and mutable.
+#include "AttributedStringModel.h"
 #include "Foundation/NSKeyedArchiver.h"
 #include "Foundation/NSKeyedUnarchiver.h"
-#include "Foundation/NSMutableAttributedString.h"
-#include "Platform/Foundation/AttributedStringModel.h"
 #include "Platform/Foundation/Pebble.h"
 #include "RandomSteps.h"
 
@@ -58,7 +57,7 @@ TEST(NSAttributedStringTest, RunsAndStretchesAreFound) {
     } const rows[] = {
         {u"b"_ns, 2, {0, 6}, {2, 2}}, {u"b"_ns, 5, {0, 6}, {4, 2}}, {u"s"_ns, 4, {0, 5}, {3, 2}},
         {u"s"_ns, 1, {1, 5}, {1, 2}}, {u"x"_ns, 3, {0, 6}, {0, 6}}, {u"x"_ns, 5, {0, 3}, {0, 3}},
-        {u"s"_ns, 5, {0, 2}, {2, 0}},  // elsewhere than the limit
+        {u"s"_ns, 5, {0, 2}, {3, 0}},  // elsewhere than the limit
     };
     for (const auto& row : rows) {
         text->attribute_atIndex_longestEffectiveRange_inRange(row.name, row.index, &run, row.limit);
@@ -168,10 +167,10 @@ TEST(NSAttributedStringTest, ShowsAndArchivesItself) {
     EXPECT_EQ(shown(sample()->attributedSubstringFromRange({1, 2})), "b{\n}c{\n    b = 1;\n}");
     NSString* error = nullptr;
     NSSet* allowed = NSSet::of({NSAttributedString::classObject()});
-    for (auto* text : {sample().get(), NSMutableAttributedString::init().get()}) {
+    for (const auto& text : {sample(), NSMutableAttributedString::init()}) {
         NSData* data = NSKeyedArchiver::archivedDataWithRootObject(text);
         id back = NSKeyedUnarchiver::unarchivedObjectWithData_allowedClasses_error(data, allowed, &error);
-        EXPECT_TRUE(back && back->isEqual(text)) << error;
+        EXPECT_TRUE(back && back->isEqual(text.get())) << error;
         EXPECT_EQ(back->isa(), NSMutableAttributedString::classObject());
     }
 }

@@ -2,9 +2,9 @@
 // Tests of text storages: what layout managers and observers hear, and which attributes are fixed.
 #include "Text/NSTextStorage.h"
 
+#include "AttributedStringModel.h"
 #include "Foundation/NSKeyedArchiver.h"
 #include "Foundation/NSKeyedUnarchiver.h"
-#include "Platform/Foundation/AttributedStringModel.h"
 #include "Prelude.h"
 #include "RandomSteps.h"
 #include "Text/TextAttributes.h"

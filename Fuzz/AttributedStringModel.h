@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Foundation/NSMutableAttributedString.h"
+#include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSMutableString.h"
 #include "Foundation/NSNumber.h"
 #include "Runtime/AutoreleasePool.h"
