@@ -108,6 +108,20 @@ constinit const Category NSAttributedString_PelvorAdditions_category =
 constinit const Category NSMutableAttributedString_PelvorAdditions_category =
     Category::of<NSMutableAttributedString, defineMutableAdditions>("PelvorAdditions");
 
+namespace {
+
+void requireTextIndex(NSAttributedString* text, NSUInteger index, const char* operation) {
+    requireArgument(text, operation, "the text");
+    requireIndex(index, text->length(), operation);
+}
+
+void requireTextRange(NSAttributedString* text, NSRange range, const char* operation) {
+    requireArgument(text, operation, "the text");
+    requireRange(range, text->length(), operation);
+}
+
+}  // namespace
+
 // MARK: Creation
 
 NSAttributedString* NSAttributedString_PelvorAdditions::attributedString() {
@@ -209,20 +223,27 @@ NSWritingDirection PBEffectiveWritingDirectionForAttributes(NSDictionary* attrib
 
 id languageAttributeAtIndex_effectiveRange(NSAttributedString* text, NSUInteger index,
                                            NSRange* effectiveRange) {
+    requireTextIndex(text, index, "languageAttributeAtIndex:effectiveRange:");
     return languageOr(text->attribute_atIndex_effectiveRange(PBLanguageAttributeName, index, effectiveRange));
 }
 
 id languageAttributeAtIndex_longestEffectiveRange_inRange(NSAttributedString* text, NSUInteger index,
                                                           NSRange* longestRange, NSRange limit) {
+    constexpr const char* kOperation = "languageAttributeAtIndex:longestEffectiveRange:inRange:";
+    requireTextIndex(text, index, kOperation);
+    requireTextRange(text, limit, kOperation);
     return languageOr(text->attribute_atIndex_longestEffectiveRange_inRange(PBLanguageAttributeName, index,
                                                                             longestRange, limit));
 }
 
 id languageAttributeAtIndex_cleanEffectiveRange_suggestedRange(NSAttributedString* text, NSUInteger index,
                                                                NSRange* cleanRange, NSRange suggestedRange) {
+    constexpr const char* kOperation = "languageAttributeAtIndex:cleanEffectiveRange:suggestedRange:";
+    requireTextRange(text, suggestedRange, kOperation);
     NSRange clean{};
     id language = PBSystemLanguage;
     if (text->length() > 0) {
+        requireTextIndex(text, index, kOperation);
         NSRange same;
         language =
             languageAttributeAtIndex_longestEffectiveRange_inRange(text, index, &same, suggestedRange);
@@ -241,16 +262,17 @@ id languageAttributeAtIndex_cleanEffectiveRange_suggestedRange(NSAttributedStrin
 id stylesheet(NSAttributedString*) { return nullptr; }
 
 NSDictionary* firstAttributes(NSAttributedString* text) {
+    requireArgument(text, "firstAttributes", "the text");
     return text->length() > 0 ? attributesAtIndex(text, 0) : NSDictionary::dictionary();
 }
 
 NSDictionary* attributesAtIndex(NSAttributedString* text, NSUInteger index) {
-    requireIndex(index, text->length(), "attributesAtIndex:");
+    requireTextIndex(text, index, "attributesAtIndex:");
     return text->attributesAtIndex_effectiveRange(index, nullptr);
 }
 
 id attachmentAtIndex(NSAttributedString* text, NSUInteger index) {
-    requireIndex(index, text->length(), "attachmentAtIndex:");
+    requireTextIndex(text, index, "attachmentAtIndex:");
     if (text->string()->characterAtIndex(index) != NSAttachmentCharacter) return nullptr;
     return text->attribute_atIndex_effectiveRange(NSAttachmentAttributeName, index, nullptr);
 }
@@ -258,6 +280,7 @@ id attachmentAtIndex(NSAttributedString* text, NSUInteger index) {
 id nextAttachmentFromOffset(NSAttributedString* text, NSUInteger* offset) {
     static NSCharacterSet* const attachmentCharacter =
         NSCharacterSet::characterSetWithRange({NSAttachmentCharacter, 1})->copy().leak();
+    requireArgument(text, "nextAttachmentFromOffset:", "the text");
     requireArgument(offset, "nextAttachmentFromOffset:", "the offset");
     NSString* string = text->string();
     NSUInteger length = string->length();
@@ -279,7 +302,7 @@ id nextAttachmentFromOffset(NSAttributedString* text, NSUInteger* offset) {
 id nextAttribute_effectiveRange_inRange(NSAttributedString* text, NSString* name, NSRange* effectiveRange,
                                         NSRange range) {
     requireArgument(name, "nextAttribute:effectiveRange:inRange:", "the name");
-    requireRange(range, text->length(), "nextAttribute:effectiveRange:inRange:");
+    requireTextRange(text, range, "nextAttribute:effectiveRange:inRange:");
     NSRange run;
     for (NSUInteger place = range.location; place < NSMaxRange(range); place = NSMaxRange(run)) {
         id value = text->attribute_atIndex_effectiveRange(name, place, &run);
@@ -292,6 +315,10 @@ id nextAttribute_effectiveRange_inRange(NSAttributedString* text, NSString* name
 
 NSRange constrainRange_toSingleAttribute_location(NSAttributedString* text, NSRange range, NSString* name,
                                                   NSUInteger location) {
+    constexpr const char* kOperation = "constrainRange:toSingleAttribute:location:";
+    requireTextRange(text, range, kOperation);
+    requireTextIndex(text, location, kOperation);
+    requireArgument(name, kOperation, "the name");
     NSRange same;
     text->attribute_atIndex_effectiveRange(name, location, &same);
     if (same.location <= range.location && NSMaxRange(same) >= NSMaxRange(range)) return range;
@@ -302,6 +329,11 @@ NSRange constrainRange_toSingleAttribute_location(NSAttributedString* text, NSRa
 
 NSRange constrainRange_toSingleAttribute_mask(NSAttributedString* text, NSRange range, NSString* name,
                                               NSRange mask) {
+    constexpr const char* kOperation = "constrainRange:toSingleAttribute:mask:";
+    requireTextRange(text, range, kOperation);
+    requireTextRange(text, mask, kOperation);
+    requireArgument(name, kOperation, "the name");
+    if (mask.location < range.location) raiseBadArgument(kOperation, "the mask begins before the range");
     NSUInteger length = text->length();
     NSRange narrowed = range;
     if (mask.location != range.location) {
@@ -313,7 +345,7 @@ NSRange constrainRange_toSingleAttribute_mask(NSAttributedString* text, NSRange 
             narrowed.length -= same.location - range.location;
         }
     }
-    if (NSMaxRange(range) == NSMaxRange(mask)) return narrowed;
+    if (NSMaxRange(mask) >= NSMaxRange(range)) return narrowed;
     NSUInteger last = NSMaxRange(mask) > 0 ? NSMaxRange(mask) - 1 : 0;
     NSRange same =
         constrainRange_toSingleAttribute_location(text, {last, NSMaxRange(range) - last}, name, last);
@@ -343,15 +375,16 @@ NSRange rangeOfWordAtIndex_isWord(NSAttributedString* text, NSUInteger index, bo
         set->formUnionWithCharacterSet(NSCharacterSet::punctuationCharacterSet());
         return set->copy().leak();
     }();
-    requireIndex(index, text->length(), "rangeOfWordAtIndex:isWord:");
+    requireTextIndex(text, index, "rangeOfWordAtIndex:isWord:");
     if (isWord) *isWord = !between->characterIsMember(text->string()->characterAtIndex(index));
     return wordAt(text, index, languageAttributeAtIndex_effectiveRange(text, index, nullptr));
 }
 
 NSUInteger nextWordFromIndex_forward(NSAttributedString* text, NSUInteger index, bool isForward) {
+    requireArgument(text, "nextWordFromIndex:forward:", "the text");
     if (isForward ? index >= text->length() : index == 0) return index;
     NSUInteger probe = isForward ? index : index - 1;
-    requireIndex(probe, text->length(), "nextWordFromIndex:forward:");
+    requireTextIndex(text, probe, "nextWordFromIndex:forward:");
     id language = languageAttributeAtIndex_effectiveRange(text, probe, nullptr);
     NSUInteger letter = locationOfCharacterFromSet_options_location(
         text->string(), alphanumerics(), isForward ? NSLiteralSearch : NSBackwardsSearch, probe);
@@ -401,7 +434,7 @@ NSRange countedParagraph(NSAttributedString* text, NSRange range, Counts& counts
 
 NSRange paragraphRangeForRange_wordCount_charCount(NSAttributedString* text, NSRange range,
                                                    NSUInteger* wordCount, NSUInteger* charCount) {
-    requireRange(range, text->length(), "paragraphRangeForRange:wordCount:charCount:");
+    requireTextRange(text, range, "paragraphRangeForRange:wordCount:charCount:");
     Counts counts;
     NSRange paragraph = countedParagraph(text, range, counts);
     counts.write(wordCount, charCount);
@@ -410,7 +443,7 @@ NSRange paragraphRangeForRange_wordCount_charCount(NSAttributedString* text, NSR
 
 NSUInteger paragraphsInRange_wordCount_charCount(NSAttributedString* text, NSRange range,
                                                  NSUInteger* wordCount, NSUInteger* charCount) {
-    requireRange(range, text->length(), "paragraphsInRange:wordCount:charCount:");
+    requireTextRange(text, range, "paragraphsInRange:wordCount:charCount:");
     Counts counts;
     NSUInteger paragraphs = 0;
     for (NSRange rest = range; rest.length > 0; ++paragraphs) {
@@ -459,11 +492,13 @@ Retained<NSDictionary> withValue(NSDictionary* own, NSString* name, id value) {
 }  // namespace
 
 void appendString_withAttributes(NSMutableAttributedString* text, NSString* string, NSDictionary* attributes) {
+    requireArgument(text, "appendString:withAttributes:", "the text");
     requireArgument(string, "appendString:withAttributes:", "the string");
     text->appendAttributedString(NSAttributedString::initWithString_attributes(string, attributes).get());
 }
 
 void appendString_extendAttributes(NSMutableAttributedString* text, NSString* string, bool extendsAttributes) {
+    requireArgument(text, "appendString:extendAttributes:", "the text");
     requireArgument(string, "appendString:extendAttributes:", "the string");
     if (extendsAttributes)
         text->replaceCharactersInRange_withString({text->length(), 0}, string);
@@ -474,7 +509,7 @@ void appendString_extendAttributes(NSMutableAttributedString* text, NSString* st
 void replaceCharactersInRange_withTextAttachment(NSMutableAttributedString* text, NSRange range,
                                                  id attachment) {
     requireArgument(attachment, "replaceCharactersInRange:withTextAttachment:", "the attachment");
-    requireRange(range, text->length(), "replaceCharactersInRange:withTextAttachment:");
+    requireTextRange(text, range, "replaceCharactersInRange:withTextAttachment:");
     replaceCharactersInRange_withTextAttachment_attributes(text, range, attachment, nullptr);
 }
 
@@ -482,7 +517,7 @@ void replaceCharactersInRange_withTextAttachment_attributes(NSMutableAttributedS
                                                             id attachment, NSDictionary* attributes) {
     constexpr const char* kOperation = "replaceCharactersInRange:withTextAttachment:attributes:";
     requireArgument(attachment, kOperation, "the attachment");
-    requireRange(range, text->length(), kOperation);
+    requireTextRange(text, range, kOperation);
     inBrackets(text, [&] {
         if (range.length != 1 || text->string()->characterAtIndex(range.location) != NSAttachmentCharacter)
             text->replaceCharactersInRange_withString(range, u"\uFFFC"_ns);
@@ -494,6 +529,7 @@ void replaceCharactersInRange_withTextAttachment_attributes(NSMutableAttributedS
 
 NSAttributedString* attributedStringByAddingUndefinedAttributes(NSAttributedString* text,
                                                                 NSDictionary* attributes) {
+    requireArgument(text, "attributedStringByAddingUndefinedAttributes:", "the text");
     bool isComplete = true;
     for (AttributeRun run : text->runs())
         isComplete = isComplete && completed(run.attributes, attributes) == run.attributes;
@@ -504,14 +540,14 @@ NSAttributedString* attributedStringByAddingUndefinedAttributes(NSAttributedStri
 }
 
 void addUndefinedAttributes_range(NSMutableAttributedString* text, NSDictionary* attributes, NSRange range) {
-    requireRange(range, text->length(), "addUndefinedAttributes:range:");
+    requireTextRange(text, range, "addUndefinedAttributes:range:");
     if (!attributes || attributes->count() == 0) return;
     text->changeAttributesInRange(range, [=](NSDictionary* own) { return completed(own, attributes); });
 }
 
 void setAttributesPreservingAttachments_inRange(NSMutableAttributedString* text, NSDictionary* attributes,
                                                 NSRange range) {
-    requireRange(range, text->length(), "setAttributesPreservingAttachments:inRange:");
+    requireTextRange(text, range, "setAttributesPreservingAttachments:inRange:");
     auto plain = withValue(attributes ? attributes : NSDictionary::dictionary(), NSAttachmentAttributeName,
                            nullptr);
     text->changeAttributesInRange(range, [&](NSDictionary* own) {
@@ -524,7 +560,7 @@ void setAttributesFromAttributedString_range(NSMutableAttributedString* text, NS
                                              NSRange range) {
     constexpr const char* kOperation = "setAttributesFromAttributedString:range:";
     requireArgument(other, kOperation, "the attributed string");
-    requireRange(range, text->length(), kOperation);
+    requireTextRange(text, range, kOperation);
     auto source = other->copy();  // `other` may be the text itself
     inBrackets(text, [&] {
         for (AttributeRun run : source->runsInRange({0, std::min(range.length, source->length())}))
@@ -571,7 +607,7 @@ void requirePlural(NSString* name, id value, const char* operation) {
 void addPluralAttribute_value_range(NSMutableAttributedString* text, NSString* name, id value, NSRange range) {
     constexpr const char* kOperation = "addPluralAttribute:value:range:";
     requirePlural(name, value, kOperation);
-    requireRange(range, text->length(), kOperation);
+    requireTextRange(text, range, kOperation);
     text->changeAttributesInRange(range, [=](NSDictionary* own) { return withPlural(own, name, value); });
 }
 
@@ -579,7 +615,7 @@ void removePluralAttribute_value_range(NSMutableAttributedString* text, NSString
                                        NSRange range) {
     constexpr const char* kOperation = "removePluralAttribute:value:range:";
     requirePlural(name, value, kOperation);
-    requireRange(range, text->length(), kOperation);
+    requireTextRange(text, range, kOperation);
     text->changeAttributesInRange(range, [=](NSDictionary* own) { return withoutPlural(own, name, value); });
 }
 
@@ -587,7 +623,7 @@ NSRange rangeOfPluralAttribute_withValue_atIndex_inRange(NSAttributedString* tex
                                                          NSUInteger index, NSRange limit) {
     constexpr const char* kOperation = "rangeOfPluralAttribute:withValue:atIndex:inRange:";
     requirePlural(name, value, kOperation);
-    requireRange(limit, text->length(), kOperation);
+    requireTextRange(text, limit, kOperation);
     auto holdsAt = [&](NSUInteger place, NSRange* run) {
         return holds(text->attributesAtIndex_effectiveRange(place, run), name, value);
     };
@@ -601,7 +637,7 @@ NSRange rangeOfPluralAttribute_withValue_atIndex_inRange(NSAttributedString* tex
 
 NSSet* unionPluralAttribute_inRange(NSAttributedString* text, NSString* name, NSRange range) {
     requireArgument(name, "unionPluralAttribute:inRange:", "the name");
-    requireRange(range, text->length(), "unionPluralAttribute:inRange:");
+    requireTextRange(text, range, "unionPluralAttribute:inRange:");
     NSSet* first = nullptr;
     NSMutableSet* all = nullptr;
     NSRange same;

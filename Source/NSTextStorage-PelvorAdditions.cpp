@@ -9,6 +9,7 @@
 #include "NSAttributedString-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
 #include "Runtime/Message.h"
+#include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
 
@@ -47,19 +48,35 @@ constinit const Category NSTextStorage_DisplayAndModelAdditions_category =
 constinit const Category NSTextStorage_LongestEffectiveRangeAdditions_category =
     Category::of<NSTextStorage, defineLongestEffectiveRangeAdditions>("LongestEffectiveRangeAdditions");
 
+namespace {
+
+NSString* textOf(NSTextStorage* storage, const char* operation) {
+    requireArgument(storage, operation, "the text storage");
+    return storage->string();
+}
+
+NSString* textWithRange(NSTextStorage* storage, NSRange range, const char* operation) {
+    NSString* text = textOf(storage, operation);
+    requireRange(range, text->length(), operation);
+    return text;
+}
+
+}  // namespace
+
 // MARK: Paragraphs
 
 void getParagraphStart_end_contentsEnd_forRange(NSTextStorage* storage, NSUInteger* start, NSUInteger* end,
                                                 NSUInteger* contentsEnd, NSRange range) {
-    getParagraphStart_end_contentsEnd_forRange(storage->string(), start, end, contentsEnd, range);
+    NSString* text = textWithRange(storage, range, "getParagraphStart:end:contentsEnd:forRange:");
+    getParagraphStart_end_contentsEnd_forRange(text, start, end, contentsEnd, range);
 }
 
 NSRange paragraphRangeForRange(NSTextStorage* storage, NSRange range) {
-    return paragraphRangeForRange(storage->string(), range);
+    return paragraphRangeForRange(textWithRange(storage, range, "paragraphRangeForRange:"), range);
 }
 
 NSRange paragraphContentRangeForRange(NSTextStorage* storage, NSRange range) {
-    return paragraphContentRangeForRange(storage->string(), range);
+    return paragraphContentRangeForRange(textWithRange(storage, range, "paragraphContentRangeForRange:"), range);
 }
 
 namespace {
@@ -74,12 +91,15 @@ bool isKeepWithNext(id style) {
 NSRange longestIsKeepWithNextParagraphRangeBeforeIndex(NSTextStorage* storage, NSUInteger index) {
     static NSCharacterSet* const formFeed =
         NSCharacterSet::characterSetWithRange({u'\f', 1})->copy().leak();
+    constexpr const char* kOperation = "longestIsKeepWithNextParagraphRangeBeforeIndex:";
+    NSString* text = textOf(storage, kOperation);
+    requirePlace(index, text->length(), kOperation);
     NSUInteger start = index;
     while (start > 0) {
         NSRange run;
         id style = storage->attribute_atIndex_effectiveRange(NSParagraphStyleAttributeName, start - 1, &run);
         if (!isKeepWithNext(style)) break;
-        NSRange found = storage->string()->rangeOfCharacterFromSet_options_range(
+        NSRange found = text->rangeOfCharacterFromSet_options_range(
             formFeed, NSLiteralSearch | NSBackwardsSearch, {run.location, start - run.location});
         start = found.location == NSNotFound ? run.location : NSMaxRange(found);
         if (found.location != NSNotFound) break;
@@ -89,26 +109,43 @@ NSRange longestIsKeepWithNextParagraphRangeBeforeIndex(NSTextStorage* storage, N
 
 // MARK: Attributes at a place
 
-NSDictionary* typingAttributesAtIndex(NSTextStorage* storage, NSUInteger index) {
+namespace {
+
+NSDictionary* typingAttributes(NSTextStorage* storage, NSUInteger index, const char* operation) {
+    requirePlace(index, textOf(storage, operation)->length(), operation);
     if (storage->length() == 0) return nullptr;
     return storage->attributesAtIndex_effectiveRange(index > 0 ? index - 1 : 0, nullptr);
 }
 
+NSDictionary* attributesFor(NSTextStorage* storage, NSRange range, const char* operation) {
+    if (range.length == 0) return typingAttributes(storage, range.location, operation);
+    textWithRange(storage, range, operation);
+    return storage->attributesAtIndex_effectiveRange(range.location, nullptr);
+}
+
+}  // namespace
+
+NSDictionary* typingAttributesAtIndex(NSTextStorage* storage, NSUInteger index) {
+    return typingAttributes(storage, index, "typingAttributesAtIndex:");
+}
+
 NSDictionary* typingAttributesForDeletedRange(NSTextStorage* storage, NSRange range) {
+    constexpr const char* kOperation = "typingAttributesForDeletedRange:";
+    requireIndex(range.location, textOf(storage, kOperation)->length(), kOperation);
     return storage->attributesAtIndex_effectiveRange(range.location, nullptr);
 }
 
 NSDictionary* attributesForRange(NSTextStorage* storage, NSRange range) {
-    return range.length == 0 ? typingAttributesAtIndex(storage, range.location)
-                             : storage->attributesAtIndex_effectiveRange(range.location, nullptr);
+    return attributesFor(storage, range, "attributesForRange:");
 }
 
 NSWritingDirection effectiveWritingDirectionForRange(NSTextStorage* storage, NSRange range) {
-    return PBEffectiveWritingDirectionForAttributes(attributesForRange(storage, range));
+    return PBEffectiveWritingDirectionForAttributes(
+        attributesFor(storage, range, "effectiveWritingDirectionForRange:"));
 }
 
 id languageAttributeForRange(NSTextStorage* storage, NSRange range) {
-    return PBEffectiveLanguageForAttributes(attributesForRange(storage, range));
+    return PBEffectiveLanguageForAttributes(attributesFor(storage, range, "languageAttributeForRange:"));
 }
 
 NSDictionary* PBPacifyTypingAttributes(NSDictionary* attributes) {
@@ -133,6 +170,11 @@ NSDictionary* PBPacifyTypingAttributes(NSDictionary* attributes) {
 void* valueForCalculator_atIndex_longestEffectiveRange_withComparator_inRange(
     NSTextStorage* storage, PBAttrCalcFunc calculator, NSUInteger index, NSRange* longestRange,
     PBAttrValueCompFunc comparator, NSRange limit) {
+    constexpr const char* kOperation =
+        "valueForCalculator:atIndex:longestEffectiveRange:withComparator:inRange:";
+    requireIndex(index, textOf(storage, kOperation)->length(), kOperation);
+    requireArgument(reinterpret_cast<const void*>(calculator), kOperation, "the calculator");
+    requireArgument(reinterpret_cast<const void*>(comparator), kOperation, "the comparator");
     NSRange stretch;
     void* value = calculator(storage, index, &stretch);
     NSUInteger start = stretch.location, end = NSMaxRange(stretch);
@@ -149,9 +191,10 @@ void* valueForCalculator_atIndex_longestEffectiveRange_withComparator_inRange(
 
 // MARK: Sorting
 
-NSString* pelvorContentSortKey(NSTextStorage* storage) { return storage->string(); }
+NSString* pelvorContentSortKey(NSTextStorage* storage) { return textOf(storage, "pelvorContentSortKey"); }
 
 bool _PBIsNumericString(NSString* string) {
+    requireArgument(string, "_PBIsNumericString", "the string");
     static NSCharacterSet* const others = [] {
         auto numeric = NSCharacterSet::whitespaceAndNewlineCharacterSet()->mutableCopy();
         numeric->formUnionWithCharacterSet(NSCharacterSet::decimalDigitCharacterSet());
@@ -176,6 +219,7 @@ int compareContents(NSString* first, NSString* second) {
 }  // namespace
 
 int _PBCompareTextStorageContent(id first, id second, void* isAscending) {
+    requireArgument(isAscending, "_PBCompareTextStorageContent", "the order");
     auto keyOf = [](id storage) { return send<NSString*>(storage, "pelvorContentSortKey"_sel); };
     int order = compareContents(keyOf(first), keyOf(second));
     return *static_cast<bool*>(isAscending) ? order : -order;

@@ -75,6 +75,9 @@ NSTextStorage::~NSTextStorage() {
 
 void NSTextStorage::addLayoutManager(id layoutManager) {
     requireArgument(layoutManager, "addLayoutManager:", "the layout manager");
+    if (!layoutManager->respondsToSelector("setTextStorage:"_sel) ||
+        !layoutManager->respondsToSelector("textStorage:edited:range:changeInLength:invalidatedRange:"_sel))
+        raiseBadArgument("addLayoutManager:", "the object does not take the messages of a layout manager");
     for (Listening& listening : _listening)
         if (listening.layoutManager == layoutManager) return;
     _listening.push_back({Retained<Object>::retaining(layoutManager), {}});

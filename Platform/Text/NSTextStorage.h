@@ -66,7 +66,7 @@ class PELVOR_EXPORT NSTextStorage : public NSMutableAttributedString {
     // became, and the range in which layout depends on the edit: the edited range and whatever was fixed.
 
     /// The storage keeps the layout manager. Adding one again does nothing. Raises NSInvalidArgumentException
-    /// for null.
+    /// for null and for an object without these messages.
     void addLayoutManager(id layoutManager);
     /// Does nothing for one that was not added.
     void removeLayoutManager(id layoutManager);
