@@ -11,7 +11,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     size = size < 4000 ? size : 4000;
     pelvor::AttributedStringModel model([&](unsigned limit) {
         unsigned number = 0;
-        for (int i = 0; i < (limit > 256 ? 2 : 1); ++i) number = number << 8 | (next < size ? data[next++] : 0);
+        for (int i = 0; i < (limit > 256 ? 2 : 1); ++i)
+            number = number << 8 | (next < size ? data[next++] : 0);
         return number % limit;
     });
     while (next < size) {

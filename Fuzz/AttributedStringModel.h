@@ -21,8 +21,7 @@ class AttributedStringModel {
     /// A number from 0 to below the limit, which is at least 1.
     using Numbers = std::function<unsigned(unsigned limit)>;
 
-    explicit AttributedStringModel(Numbers numbers,
-                                   Retained<NSMutableAttributedString> text = init())
+    explicit AttributedStringModel(Numbers numbers, Retained<NSMutableAttributedString> text = init())
         : _numbers(std::move(numbers)), _text(std::move(text)) {}
 
     /// What was found wrong first; empty if nothing.
@@ -32,20 +31,34 @@ class AttributedStringModel {
     void step() {
         AutoreleasePool pool;
         switch (_numbers(_units.size() > 12000 ? 4 : 14)) {
-            case 0: return replace(range(4000), {});
-            case 1: return replace(range(9), {});
-            case 2: return takeSnapshot();
-            case 3: return replaceWithPart();
-            case 4: return replace({place(), 0}, units(_numbers(8) ? 3 : 5000));
-            case 5: return replaceThroughString();
-            case 6: return setAll(range(600));
-            case 7: return setOne(range(40));
-            case 8: return setOne(range(3000));
-            case 9: return removeOne(range(1500));
-            case 10: return addSome(range(300));
-            case 11: return checkOneValue();
-            case 12: return checkOneRun();
-            default: return replace(range(5), units(6));
+            case 0:
+                return replace(range(4000), {});
+            case 1:
+                return replace(range(9), {});
+            case 2:
+                return takeSnapshot();
+            case 3:
+                return replaceWithPart();
+            case 4:
+                return replace({place(), 0}, units(_numbers(8) ? 3 : 5000));
+            case 5:
+                return replaceThroughString();
+            case 6:
+                return setAll(range(600));
+            case 7:
+                return setOne(range(40));
+            case 8:
+                return setOne(range(3000));
+            case 9:
+                return removeOne(range(1500));
+            case 10:
+                return addSome(range(300));
+            case 11:
+                return checkOneValue();
+            case 12:
+                return checkOneRun();
+            default:
+                return replace(range(5), units(6));
         }
     }
 
@@ -139,7 +152,9 @@ class AttributedStringModel {
         for (NSUInteger i = range.location; i < NSMaxRange(range); ++i) change(_units[i].values);
     }
     void setAll(NSRange range) {
-        Unit like{0, {static_cast<std::uint8_t>(_numbers(kValues)), static_cast<std::uint8_t>(_numbers(kValues)), 0}};
+        Unit like{
+            0,
+            {static_cast<std::uint8_t>(_numbers(kValues)), static_cast<std::uint8_t>(_numbers(kValues)), 0}};
         _text->setAttributes_range(dictionary(like), range);
         change(range, [&](auto& values) { values = like.values; });
     }
@@ -154,7 +169,9 @@ class AttributedStringModel {
         change(range, [&](auto& values) { values[index] = 0; });
     }
     void addSome(NSRange range) {
-        Unit like{0, {0, static_cast<std::uint8_t>(_numbers(kValues)), static_cast<std::uint8_t>(_numbers(kValues))}};
+        Unit like{
+            0,
+            {0, static_cast<std::uint8_t>(_numbers(kValues)), static_cast<std::uint8_t>(_numbers(kValues))}};
         _text->addAttributes_range(dictionary(like), range);
         change(range, [&](auto& values) {
             for (unsigned i = 0; i < kNames; ++i)
@@ -180,9 +197,8 @@ class AttributedStringModel {
     void checkOneRun() {
         if (_units.empty()) return;
         NSUInteger index = _numbers(count());
-        NSRange run, expected = stretch(index, {0, count()}, [](const Unit& a, const Unit& b) {
-            return a.values == b.values;
-        });
+        NSRange run, expected = stretch(index, {0, count()},
+                                        [](const Unit&a, const Unit&b) { return a.values == b.values; });
         NSDictionary* attributes = _text->attributesAtIndex_effectiveRange(index, &run);
         require(run == expected && attributes->isEqual(dictionary(_units[index])), "a run");
         require(_text->string()->characterAtIndex(index) == _units[index].unit, "a unit");
@@ -193,11 +209,12 @@ class AttributedStringModel {
         if (limit.length == 0) return;
         NSUInteger index = limit.location + _numbers(limit.length);
         unsigned which = _numbers(kNames), number = _units[index].values[which];
-        NSRange found, expected = stretch(index, limit, [which](const Unit& a, const Unit& b) {
-            return a.values[which] == b.values[which];
-        });
+        NSRange found, expected = stretch(index, limit, [which](const Unit&a, const Unit&b) {
+                           return a.values[which] == b.values[which];
+                       });
         id has = _text->attribute_atIndex_longestEffectiveRange_inRange(name(which), index, &found, limit);
-        require(found == expected && (number ? has && has->isEqual(value(number)) : !has), "a value's stretch");
+        require(found == expected && (number ? has && has->isEqual(value(number)) : !has),
+                "a value's stretch");
     }
     void check(NSAttributedString* text, const Units& units) {
         require(text->string()->toUTF16() == plain(units), "the text");

@@ -66,8 +66,8 @@ void defineAdditions(MethodTable<NSAttributedString>& methods) {
     methods.instance<"attachmentAtIndex:", &attachmentAtIndex>();
     methods.instance<"nextAttachmentFromOffset:", &nextAttachmentFromOffset>();
     methods.instance<"nextAttribute:effectiveRange:inRange:", &nextAttribute_effectiveRange_inRange>();
-    methods.instance<"constrainRange:toSingleAttribute:location:",
-                     &constrainRange_toSingleAttribute_location>();
+    methods
+        .instance<"constrainRange:toSingleAttribute:location:", &constrainRange_toSingleAttribute_location>();
     methods.instance<"constrainRange:toSingleAttribute:mask:", &constrainRange_toSingleAttribute_mask>();
     methods.instance<"attributedStringByAddingUndefinedAttributes:",
                      &attributedStringByAddingUndefinedAttributes>();
@@ -245,12 +245,12 @@ id languageAttributeAtIndex_cleanEffectiveRange_suggestedRange(NSAttributedStrin
     if (text->length() > 0) {
         requireTextIndex(text, index, kOperation);
         NSRange same;
-        language =
-            languageAttributeAtIndex_longestEffectiveRange_inRange(text, index, &same, suggestedRange);
+        language = languageAttributeAtIndex_longestEffectiveRange_inRange(text, index, &same, suggestedRange);
         NSUInteger end = NSMaxRange(same);
         if (language) end = cleanEnd(text, suggestedRange.location, end, language);
         if (end > 0)
-            end = std::max(end, NSMaxRange(PBRangeOfComposedCharacterSequenceAtIndex(text->string(), end - 1)));
+            end =
+                std::max(end, NSMaxRange(PBRangeOfComposedCharacterSequenceAtIndex(text->string(), end - 1)));
         clean = {suggestedRange.location, end - suggestedRange.location};
     }
     if (cleanRange) *cleanRange = clean;
@@ -412,15 +412,14 @@ NSRange countedParagraph(NSAttributedString* text, NSRange range, Counts& counts
     NSRange rest = range;
     while (rest.length > 0) {
         NSRange clean;
-        id language = languageAttributeAtIndex_cleanEffectiveRange_suggestedRange(text, rest.location, &clean,
-                                                                                  rest);
+        id language =
+            languageAttributeAtIndex_cleanEffectiveRange_suggestedRange(text, rest.location, &clean, rest);
         NSRange piece = NSIntersectionRange(clean, rest);
         if (piece.length == 0) piece = rest;
         if (language) {
             NSUInteger words = 0, characters = 0;
-            NSRange found =
-                send<NSRange>(language, "paragraphRangeForString:range:wordCount:charCount:"_sel,
-                              text->string(), piece, &words, &characters);
+            NSRange found = send<NSRange>(language, "paragraphRangeForString:range:wordCount:charCount:"_sel,
+                                          text->string(), piece, &words, &characters);
             counts.words += words;
             counts.characters += characters;
             if (found.location != NSNotFound) return {range.location, NSMaxRange(found) - range.location};
@@ -491,13 +490,15 @@ Retained<NSDictionary> withValue(NSDictionary* own, NSString* name, id value) {
 
 }  // namespace
 
-void appendString_withAttributes(NSMutableAttributedString* text, NSString* string, NSDictionary* attributes) {
+void appendString_withAttributes(NSMutableAttributedString* text, NSString* string,
+                                 NSDictionary* attributes) {
     requireArgument(text, "appendString:withAttributes:", "the text");
     requireArgument(string, "appendString:withAttributes:", "the string");
     text->appendAttributedString(NSAttributedString::initWithString_attributes(string, attributes).get());
 }
 
-void appendString_extendAttributes(NSMutableAttributedString* text, NSString* string, bool extendsAttributes) {
+void appendString_extendAttributes(NSMutableAttributedString* text, NSString* string,
+                                   bool extendsAttributes) {
     requireArgument(text, "appendString:extendAttributes:", "the text");
     requireArgument(string, "appendString:extendAttributes:", "the string");
     if (extendsAttributes)
@@ -548,8 +549,8 @@ void addUndefinedAttributes_range(NSMutableAttributedString* text, NSDictionary*
 void setAttributesPreservingAttachments_inRange(NSMutableAttributedString* text, NSDictionary* attributes,
                                                 NSRange range) {
     requireTextRange(text, range, "setAttributesPreservingAttachments:inRange:");
-    auto plain = withValue(attributes ? attributes : NSDictionary::dictionary(), NSAttachmentAttributeName,
-                           nullptr);
+    auto plain =
+        withValue(attributes ? attributes : NSDictionary::dictionary(), NSAttachmentAttributeName, nullptr);
     text->changeAttributesInRange(range, [&](NSDictionary* own) {
         id attachment = own->objectForKey(NSAttachmentAttributeName);
         return attachment ? withValue(plain, NSAttachmentAttributeName, attachment) : plain;
@@ -573,9 +574,7 @@ void setAttributesFromAttributedString_range(NSMutableAttributedString* text, NS
 
 namespace {
 
-NSSet* setIn(NSDictionary* attributes, NSString* name) {
-    return cast<NSSet>(attributes->objectForKey(name));
-}
+NSSet* setIn(NSDictionary* attributes, NSString* name) { return cast<NSSet>(attributes->objectForKey(name)); }
 
 bool holds(NSDictionary* attributes, NSString* name, id value) {
     NSSet* set = setIn(attributes, name);
@@ -604,7 +603,8 @@ void requirePlural(NSString* name, id value, const char* operation) {
 
 }  // namespace
 
-void addPluralAttribute_value_range(NSMutableAttributedString* text, NSString* name, id value, NSRange range) {
+void addPluralAttribute_value_range(NSMutableAttributedString* text, NSString* name, id value,
+                                    NSRange range) {
     constexpr const char* kOperation = "addPluralAttribute:value:range:";
     requirePlural(name, value, kOperation);
     requireTextRange(text, range, kOperation);
@@ -642,8 +642,8 @@ NSSet* unionPluralAttribute_inRange(NSAttributedString* text, NSString* name, NS
     NSMutableSet* all = nullptr;
     NSRange same;
     for (NSUInteger place = range.location; place < NSMaxRange(range); place = NSMaxRange(same)) {
-        auto* set = cast<NSSet>(
-            text->attribute_atIndex_longestEffectiveRange_inRange(name, place, &same, range));
+        auto* set =
+            cast<NSSet>(text->attribute_atIndex_longestEffectiveRange_inRange(name, place, &same, range));
         if (!set || set->count() == 0) continue;
         if (first && !all) all = NSMutableSet::setWithSet(first);
         if (all) all->unionSet(set);

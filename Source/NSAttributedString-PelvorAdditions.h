@@ -8,8 +8,8 @@
 //     addPluralAttribute_value_range(text, PBHighlightAttributeName, comment, word);
 //
 // Operations that return strings, attributes or values return them borrowed. An index or a range outside the
-// text raises NSRangeException; null as a string, a name or a value raises NSInvalidArgumentException; pointers
-// to results may be null.
+// text raises NSRangeException; null as a string, a name or a value raises NSInvalidArgumentException;
+// pointers to results may be null.
 #pragma once
 
 #include "Foundation/NSMutableAttributedString.h"
@@ -23,31 +23,34 @@ class NSString;
 
 // MARK: Names of attributes. The text of each stands behind it, since documents are stored with it.
 
-extern PELVOR_EXPORT NSString* const PBStyleNoteReferenceAttributeName;  ///< "PBStyleNoteReference", a reference
-                                                                         ///< to a note; not typed on
-extern PELVOR_EXPORT NSString* const PBStyleCharacterAttributeName;  ///< "PBStyleCharacter", the character style
-extern PELVOR_EXPORT NSString* const PBStyleParagraphAttributeName;  ///< "PBStyleParagraph", the paragraph style
-                                                                     ///< by name
-extern PELVOR_EXPORT NSString* const PBStyleNoteTextAttributeName;   ///< "PBStyleNoteText", the style of notes
-extern PELVOR_EXPORT NSString* const PBFontSubstitutedAttributeName;  ///< "PBFontSubstituted", the font that the
-                                                                      ///< text asked for is missing
-extern PELVOR_EXPORT NSString* const PBFontCaseChangeAttributeName;  ///< "PBFontCaseChange", small capitals and
-                                                                     ///< the like
-extern PELVOR_EXPORT NSString* const PBFontSizeAttributeName;        ///< "PBFontSize"
-extern PELVOR_EXPORT NSString* const PBExpandedFontAttributeName;    ///< "PBCompressedFont", wide or narrow
-extern PELVOR_EXPORT NSString* const PBItalicFontAttributeName;      ///< "PBItalicFont"
-extern PELVOR_EXPORT NSString* const PBBoldFontAttributeName;        ///< "PBBoldFont"
-extern PELVOR_EXPORT NSString* const PBFloatingContentAttributeName;  ///< "PBFloatingContent", what is anchored
-                                                                      ///< at the character; not typed on
-extern PELVOR_EXPORT NSString* const PBHighlightAttributeName;        ///< "PBHighlight"
-extern PELVOR_EXPORT NSString* const PBLanguageAttributeName;  ///< "PBLanguage", a language object; without one
-                                                               ///< the system language
+extern PELVOR_EXPORT NSString* const
+    PBStyleNoteReferenceAttributeName;  ///< "PBStyleNoteReference", a reference
+                                        ///< to a note; not typed on
+extern PELVOR_EXPORT NSString* const
+    PBStyleCharacterAttributeName;  ///< "PBStyleCharacter", the character style
+extern PELVOR_EXPORT NSString* const PBStyleParagraphAttributeName;  ///< "PBStyleParagraph", the paragraph
+                                                                     ///< style by name
+extern PELVOR_EXPORT NSString* const PBStyleNoteTextAttributeName;  ///< "PBStyleNoteText", the style of notes
+extern PELVOR_EXPORT NSString* const PBFontSubstitutedAttributeName;  ///< "PBFontSubstituted", the font that
+                                                                      ///< the text asked for is missing
+extern PELVOR_EXPORT NSString* const PBFontCaseChangeAttributeName;  ///< "PBFontCaseChange", small capitals
+                                                                     ///< and the like
+extern PELVOR_EXPORT NSString* const PBFontSizeAttributeName;      ///< "PBFontSize"
+extern PELVOR_EXPORT NSString* const PBExpandedFontAttributeName;  ///< "PBCompressedFont", wide or narrow
+extern PELVOR_EXPORT NSString* const PBItalicFontAttributeName;    ///< "PBItalicFont"
+extern PELVOR_EXPORT NSString* const PBBoldFontAttributeName;      ///< "PBBoldFont"
+extern PELVOR_EXPORT NSString* const
+    PBFloatingContentAttributeName;                             ///< "PBFloatingContent", what is anchored
+                                                                ///< at the character; not typed on
+extern PELVOR_EXPORT NSString* const PBHighlightAttributeName;  ///< "PBHighlight"
+extern PELVOR_EXPORT NSString* const PBLanguageAttributeName;   ///< "PBLanguage", a language object; without
+                                                               ///< one the system language
 extern PELVOR_EXPORT NSString* const PBModelAttributesAttributeName;  ///< "PBModelAttributes", what stands
                                                                       ///< behind the displayed attributes
 extern PELVOR_EXPORT NSString* const PBAutomaticNumberAttributeName;  ///< "PBAutomaticNumber"
 extern PELVOR_EXPORT NSString* const
-    PBNewlineBeforeFormFeedAttachmentAttributeName;  ///< "PBNewlineBeforeFeedAttrName", on the newline before a
-                                                     ///< page break
+    PBNewlineBeforeFormFeedAttachmentAttributeName;  ///< "PBNewlineBeforeFeedAttrName", on the newline before
+                                                     ///< a page break
 extern PELVOR_EXPORT NSString* const PBBreakTypeAttributeName;  ///< "PBBreakType", what a break character
                                                                 ///< breaks; not typed on
 
@@ -67,8 +70,8 @@ extern PELVOR_EXPORT NSString* const PBHTMLAnchorDestinationLinkProtocol;
 
 // MARK: Languages
 
-/// The language of text that has none of its own. The host sets it when it starts, and keeps the object alive;
-/// null until then.
+/// The language of text that has none of its own. The host sets it when it starts, and keeps the object
+/// alive; null until then.
 ///
 /// A language is any object with these operations:
 ///
@@ -77,7 +80,8 @@ extern PELVOR_EXPORT NSString* const PBHTMLAnchorDestinationLinkProtocol;
 ///     id acquireBoundaryScanner, void relinquishBoundaryScanner:(id)
 ///         lend a scanner with void setString:(NSString*), which takes null too, and
 ///         NSUInteger offsetOfWordBoundaryFrom:(NSUInteger) isForwardSearch:(bool), or NSNotFound
-///     NSRange paragraphRangeForString:(NSString*) range:(NSRange) wordCount:(NSUInteger*) charCount:(NSUInteger*)
+///     NSRange paragraphRangeForString:(NSString*) range:(NSRange) wordCount:(NSUInteger*)
+///     charCount:(NSUInteger*)
 ///         the range up to and with the first paragraph end, at NSNotFound if there is none; writes how many
 ///         words and characters it passed
 ///     bool isRightToLeft
@@ -154,11 +158,13 @@ PELVOR_EXPORT NSAttributedString* attributedStringByAddingUndefinedAttributes(NS
 PELVOR_EXPORT NSRange rangeOfWordAtIndex_isWord(NSAttributedString* text, NSUInteger index, bool* isWord);
 /// The end of the word at or behind the index; backwards the start of the word before it. The index itself at
 /// the end of the text, or backwards at the front.
-PELVOR_EXPORT NSUInteger nextWordFromIndex_forward(NSAttributedString* text, NSUInteger index, bool isForward);
+PELVOR_EXPORT NSUInteger nextWordFromIndex_forward(NSAttributedString* text, NSUInteger index,
+                                                   bool isForward);
 /// The first paragraph in the range, from the range's start to the paragraph's end; PBNotFoundRange if no
 /// paragraph ends in the range. The counts are those up to there, or of the whole range.
 PELVOR_EXPORT NSRange paragraphRangeForRange_wordCount_charCount(NSAttributedString* text, NSRange range,
-                                                                 NSUInteger* wordCount, NSUInteger* charCount);
+                                                                 NSUInteger* wordCount,
+                                                                 NSUInteger* charCount);
 /// How many paragraphs end in the range. The counts are those of the whole range.
 PELVOR_EXPORT NSUInteger paragraphsInRange_wordCount_charCount(NSAttributedString* text, NSRange range,
                                                                NSUInteger* wordCount, NSUInteger* charCount);
@@ -195,13 +201,13 @@ PELVOR_EXPORT void setAttributesFromAttributedString_range(NSMutableAttributedSt
 PELVOR_EXPORT void addPluralAttribute_value_range(NSMutableAttributedString* text, NSString* name, id value,
                                                   NSRange range);
 /// Removes the value from the sets of the range; with its last value a set goes, too.
-PELVOR_EXPORT void removePluralAttribute_value_range(NSMutableAttributedString* text, NSString* name, id value,
-                                                     NSRange range);
+PELVOR_EXPORT void removePluralAttribute_value_range(NSMutableAttributedString* text, NSString* name,
+                                                     id value, NSRange range);
 /// The stretch of whole runs around the index whose sets hold the value, as far as the runs begin in the
 /// limit; PBNotFoundRange if the one at the index does not hold it.
-PELVOR_EXPORT NSRange rangeOfPluralAttribute_withValue_atIndex_inRange(NSAttributedString* text, NSString* name,
-                                                                       id value, NSUInteger index,
-                                                                       NSRange limit);
+PELVOR_EXPORT NSRange rangeOfPluralAttribute_withValue_atIndex_inRange(NSAttributedString* text,
+                                                                       NSString* name, id value,
+                                                                       NSUInteger index, NSRange limit);
 /// All values of the sets in the range; null if there are none.
 PELVOR_EXPORT NSSet* unionPluralAttribute_inRange(NSAttributedString* text, NSString* name, NSRange range);
 

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "Foundation/NSMutableCharacterSet.h"
 #include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableCharacterSet.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "NSAttributedString-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
@@ -18,10 +18,9 @@ constinit NSString* const PBListBulletAttributesAttributeName = u"PBListBulletAt
 namespace {
 
 void defineDisplayAndModelAdditions(MethodTable<NSTextStorage>& methods) {
-    methods.instance<
-        "getParagraphStart:end:contentsEnd:forRange:",
-        static_cast<void (*)(NSTextStorage*, NSUInteger*, NSUInteger*, NSUInteger*, NSRange)>(
-            &getParagraphStart_end_contentsEnd_forRange)>();
+    methods.instance<"getParagraphStart:end:contentsEnd:forRange:",
+                     static_cast<void (*)(NSTextStorage*, NSUInteger*, NSUInteger*, NSUInteger*, NSRange)>(
+                         &getParagraphStart_end_contentsEnd_forRange)>();
     methods.instance<"paragraphRangeForRange:",
                      static_cast<NSRange (*)(NSTextStorage*, NSRange)>(&paragraphRangeForRange)>();
     methods.instance<"paragraphContentRangeForRange:",
@@ -76,21 +75,22 @@ NSRange paragraphRangeForRange(NSTextStorage* storage, NSRange range) {
 }
 
 NSRange paragraphContentRangeForRange(NSTextStorage* storage, NSRange range) {
-    return paragraphContentRangeForRange(textWithRange(storage, range, "paragraphContentRangeForRange:"), range);
+    return paragraphContentRangeForRange(textWithRange(storage, range, "paragraphContentRangeForRange:"),
+                                         range);
 }
 
 namespace {
 
 // The styles of hosts have the message; those of the platform have not.
 bool isKeepWithNext(id style) {
-    return style && style->respondsToSelector("isKeepWithNext"_sel) && send<bool>(style, "isKeepWithNext"_sel);
+    return style && style->respondsToSelector("isKeepWithNext"_sel) &&
+           send<bool>(style, "isKeepWithNext"_sel);
 }
 
 }  // namespace
 
 NSRange longestIsKeepWithNextParagraphRangeBeforeIndex(NSTextStorage* storage, NSUInteger index) {
-    static NSCharacterSet* const formFeed =
-        NSCharacterSet::characterSetWithRange({u'\f', 1})->copy().leak();
+    static NSCharacterSet* const formFeed = NSCharacterSet::characterSetWithRange({u'\f', 1})->copy().leak();
     constexpr const char* kOperation = "longestIsKeepWithNextParagraphRangeBeforeIndex:";
     NSString* text = textOf(storage, kOperation);
     requirePlace(index, text->length(), kOperation);

@@ -3,7 +3,8 @@
 // computed values, and an order of texts.
 //
 //     NSDictionary* typed = PBPacifyTypingAttributes(typingAttributesAtIndex(storage, caret));
-//     storage->insertAttributedString_atIndex(NSAttributedString::initWithString_attributes(text, typed), caret);
+//     storage->insertAttributedString_atIndex(NSAttributedString::initWithString_attributes(text, typed),
+//     caret);
 //
 // What is returned is borrowed. An index or a range outside the text raises NSRangeException.
 #pragma once
@@ -49,8 +50,8 @@ PELVOR_EXPORT NSWritingDirection effectiveWritingDirectionForRange(NSTextStorage
 PELVOR_EXPORT id languageAttributeForRange(NSTextStorage* storage, NSRange range);
 
 /// The attributes without those that newly typed text must not have: bullets of lists, attachments, floating
-/// contents, references to notes, links, breaks and tool tips. The same dictionary if there are none of these;
-/// null for null.
+/// contents, references to notes, links, breaks and tool tips. The same dictionary if there are none of
+/// these; null for null.
 PELVOR_EXPORT NSDictionary* PBPacifyTypingAttributes(NSDictionary* attributes);
 
 // MARK: Stretches of computed values

@@ -78,7 +78,8 @@ Retained<NSAttributedString> NSAttributedString::initWithString_runs(NSString* s
     std::uint64_t end = 0;
     for (const AttributeRun& run : runs) {
         if (run.range.location != end) raiseBadArgument(kOperation, "the runs do not follow each other");
-        const auto& made = memo.made(run.attributes, [&] { return NSAttributeDictionary::with(run.attributes); });
+        const auto& made =
+            memo.made(run.attributes, [&] { return NSAttributeDictionary::with(run.attributes); });
         stretches.push_back({run.range.length, made});
         end += run.range.length;
     }
@@ -233,8 +234,8 @@ Retained<Object> NSAttributedString::mutableCopyWithZone(void*) {
     return NSMutableAttributedString::initWithAttributedString(this);
 }
 
-// MARK: Coding: the text, the different dictionaries, and for each run two numbers of four bytes, the lower byte
-// first: its length and the number of its dictionary
+// MARK: Coding: the text, the different dictionaries, and for each run two numbers of four bytes, the lower
+// byte first: its length and the number of its dictionary
 
 namespace {
 
@@ -284,7 +285,8 @@ Retained<NSAttributedString> NSAttributedString::initWithCoder(NSCoder* coder, C
     auto* dictionaries = cast<NSArray>(coder->decodeObjectForKey(u"attributes"_ns));
     if (!string || !dictionaries) raiseBadArchive("the archive holds no text with attributes");
     NSUInteger size = 0;
-    auto* bytes = static_cast<const std::uint8_t*>(coder->decodeBytesForKey_returnedLength(u"runs"_ns, &size));
+    auto* bytes =
+        static_cast<const std::uint8_t*>(coder->decodeBytesForKey_returnedLength(u"runs"_ns, &size));
     std::vector<AttributeRun> runs;
     std::uint64_t length = 0;
     for (NSUInteger i = 0; bytes && i + 8 <= size; i += 8) {

@@ -19,8 +19,8 @@ class NSDictionary;
 class NSMutableAttributedString;
 class NSString;
 
-/// A text, each of whose units has attributes: a dictionary from names to objects. Positions and lengths count
-/// UTF-16 units.
+/// A text, each of whose units has attributes: a dictionary from names to objects. Positions and lengths
+/// count UTF-16 units.
 ///
 ///     NSDictionary* marked = NSDictionary::of({{u"colour"_ns, u"red"_ns}});
 ///     auto title = NSAttributedString::initWithString_attributes(u"Arrival"_ns, marked);
@@ -59,7 +59,8 @@ class PELVOR_EXPORT NSAttributedString : public NSObject {
     /// A text with its attributes at once, much faster than run by run. The runs follow each other from the
     /// front of the text to its end; null stands for no attributes. Raises NSInvalidArgumentException if they
     /// do not.
-    static Retained<NSAttributedString> initWithString_runs(NSString* string, std::span<const AttributeRun> runs,
+    static Retained<NSAttributedString> initWithString_runs(NSString* string,
+                                                            std::span<const AttributeRun> runs,
                                                             Class* cls = classObject());
 
     // The text
@@ -78,10 +79,10 @@ class PELVOR_EXPORT NSAttributedString : public NSObject {
                                                                   NSRange limit);
     /// The value of the attribute, or null.
     id attribute_atIndex_effectiveRange(NSString* name, NSUInteger index, NSRange* effectiveRange);
-    /// `longestRange` becomes the stretch around the index, inside the limit, over which the attribute's value
-    /// stays equal, whatever the other attributes do.
-    id attribute_atIndex_longestEffectiveRange_inRange(NSString* name, NSUInteger index, NSRange* longestRange,
-                                                       NSRange limit);
+    /// `longestRange` becomes the stretch around the index, inside the limit, over which the attribute's
+    /// value stays equal, whatever the other attributes do.
+    id attribute_atIndex_longestEffectiveRange_inRange(NSString* name, NSUInteger index,
+                                                       NSRange* longestRange, NSRange limit);
 
     // C++ only
     /// The runs of a range, clipped to it:

@@ -26,7 +26,9 @@ PELVOR_DEFINE_CLASS(NSMutableAttributedString, foundationLibrary) {
     methods.instance<"endEditing", &NSMutableAttributedString::endEditing>();
 }
 
-NSMutableString* NSMutableAttributedString::mutableString() { return NSAttributedMutableString::create(this); }
+NSMutableString* NSMutableAttributedString::mutableString() {
+    return NSAttributedMutableString::create(this);
+}
 
 void NSMutableAttributedString::didEdit(unsigned, NSRange, NSInteger) {}
 

@@ -19,8 +19,8 @@ class NSMutableString;
 /// Text that comes without attributes takes those of the first unit that it replaces; where it replaces
 /// nothing, those of the unit before it, or at the front those of the first unit; in an empty text none.
 ///
-/// An operation that raises changes nothing, and one that would leave all attributes as they are does nothing,
-/// so that observers hear nothing. What leaves the text is released when the text is already as it
+/// An operation that raises changes nothing, and one that would leave all attributes as they are does
+/// nothing, so that observers hear nothing. What leaves the text is released when the text is already as it
 /// will be. One thread at a time; copies may be read on other threads meanwhile.
 class PELVOR_EXPORT NSMutableAttributedString : public NSAttributedString {
     PELVOR_CLASS(NSMutableAttributedString, NSAttributedString);

@@ -32,8 +32,8 @@ PELVOR_DEFINE_CLASS(NSTextStorage, textLibrary) {
     methods.instance<"editedRange", &NSTextStorage::editedRange>();
     methods.instance<"changeInLength", &NSTextStorage::changeInLength>();
     methods.instance<"fixAttributesInRange:", &NSTextStorage::fixAttributesInRange>();
-    methods.instance<"fixParagraphStyleAttributeInRange:",
-                     &NSTextStorage::fixParagraphStyleAttributeInRange>();
+    methods
+        .instance<"fixParagraphStyleAttributeInRange:", &NSTextStorage::fixParagraphStyleAttributeInRange>();
     methods.instance<"fixAttachmentAttributeInRange:", &NSTextStorage::fixAttachmentAttributeInRange>();
 }
 

@@ -34,10 +34,11 @@ enum : unsigned {
 /// When edits end, they are processed: (1) NSTextStorageWillProcessEditingNotification; (2) attributes are
 /// fixed, so that each paragraph has the paragraph style of its first unit and attachments stand on
 /// NSAttachmentCharacter only; (3) NSTextStorageDidProcessEditingNotification; (4) the layout managers are
-/// told, in the order in which they were added. Observers and layout managers may edit: edits of observers join
-/// the edit that is processed; those of layout managers are processed when all layout managers have been told,
-/// and a layout manager that was not yet told of the first edit is told of both as one. If an observer or a
-/// layout manager raises, the others are told all the same, and the first exception then reaches the caller.
+/// told, in the order in which they were added. Observers and layout managers may edit: edits of observers
+/// join the edit that is processed; those of layout managers are processed when all layout managers have been
+/// told, and a layout manager that was not yet told of the first edit is told of both as one. If an observer
+/// or a layout manager raises, the others are told all the same, and the first exception then reaches the
+/// caller.
 ///
 /// One thread at a time.
 class PELVOR_EXPORT NSTextStorage : public NSMutableAttributedString {

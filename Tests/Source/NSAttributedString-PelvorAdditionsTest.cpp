@@ -22,7 +22,9 @@ class TestLanguage : public NSObject {
     NSRange rangeWithGranularity(int granularity, NSAttributedString* text, NSRange range) {
         EXPECT_EQ(shown(granularity, range.length), "1 1");
         std::u16string units = text->string()->toUTF16();
-        auto isHere = [&](std::size_t place) { return isLetter(units[place]) == isLetter(units[range.location]); };
+        auto isHere = [&](std::size_t place) {
+            return isLetter(units[place]) == isLetter(units[range.location]);
+        };
         NSUInteger start = range.location, end = start + 1;
         while (start > 0 && isHere(start - 1)) --start;
         while (end < units.size() && isHere(end)) ++end;
@@ -42,7 +44,8 @@ class TestLanguage : public NSObject {
         for (NSUInteger place = from; isForward ? place < length : place > 0;) {
             place = isForward ? place + 1 : place - 1;
             bool isEdge = place == 0 || place == length;
-            if (isEdge || isLetter(string->characterAtIndex(place)) != isLetter(string->characterAtIndex(place - 1)))
+            if (isEdge ||
+                isLetter(string->characterAtIndex(place)) != isLetter(string->characterAtIndex(place - 1)))
                 return place;
         }
         return NSNotFound;
@@ -135,7 +138,7 @@ TEST_F(AttributedAdditionsTest, WordsAreThoseOfTheLanguage) {
             places += std::to_string(next) + " ";
         }
     };
-    EXPECT_EQ(walk(0, true), "3 8 ");   // the word at 8 belongs to both languages and begins in the first
+    EXPECT_EQ(walk(0, true), "3 8 ");  // the word at 8 belongs to both languages and begins in the first
     EXPECT_EQ(walk(14, false), "5 0 ");
     EXPECT_EQ(nextWordFromIndex_forward(textOf("..."), 1, true), 3u);
     PBSystemLanguage = nullptr;
@@ -151,17 +154,18 @@ TEST_F(AttributedAdditionsTest, CleanRangesEndWithWholeWords) {
         NSRange suggested, clean;
     } rows[] = {
         {"", {0, 0}, 0, {0, 0}, {0, 0}},
-        {"one two", {0, 0}, 0, {0, 7}, {0, 5}},       // a boundary at 4, before a letter
-        {"one two ", {0, 0}, 0, {0, 8}, {0, 7}},      // a boundary at 7, before a blank
-        {"onetwo", {0, 0}, 0, {0, 6}, {0, 6}},        // no boundary inside
-        {"one two", {3, 4}, 0, {0, 7}, {0, 3}},       // the other language
+        {"one two", {0, 0}, 0, {0, 7}, {0, 5}},   // a boundary at 4, before a letter
+        {"one two ", {0, 0}, 0, {0, 8}, {0, 7}},  // a boundary at 7, before a blank
+        {"onetwo", {0, 0}, 0, {0, 6}, {0, 6}},    // no boundary inside
+        {"one two", {3, 4}, 0, {0, 7}, {0, 3}},   // the other language
         {"oneTWO two", {3, 7}, 0, {0, 10}, {0, 3}},
-        {"e\u0301", {1, 1}, 0, {0, 2}, {0, 2}},       // a composed character
+        {"e\u0301", {1, 1}, 0, {0, 2}, {0, 2}},  // a composed character
     };
     for (const auto& row : rows) {
         auto* text = textOf(row.text, row.inOther);
         NSRange clean{9, 9};
-        EXPECT_EQ(languageAttributeAtIndex_cleanEffectiveRange_suggestedRange(text, row.index, &clean, row.suggested),
+        EXPECT_EQ(languageAttributeAtIndex_cleanEffectiveRange_suggestedRange(text, row.index, &clean,
+                                                                              row.suggested),
                   system);
         EXPECT_EQ(clean, row.clean) << row.text;
     }
@@ -172,7 +176,8 @@ TEST_F(AttributedAdditionsTest, ParagraphsAreCountedThroughAllLanguages) {
     NSUInteger words = 0, characters = 0;
     EXPECT_EQ(paragraphRangeForRange_wordCount_charCount(text, {2, 20}, &words, &characters), NSRange(2, 6));
     EXPECT_EQ(characters, 6u);
-    EXPECT_EQ(paragraphRangeForRange_wordCount_charCount(text, {19, 4}, &words, &characters), PBNotFoundRange);
+    EXPECT_EQ(paragraphRangeForRange_wordCount_charCount(text, {19, 4}, &words, &characters),
+              PBNotFoundRange);
     EXPECT_EQ(characters, 4u);
     EXPECT_EQ(paragraphsInRange_wordCount_charCount(text, {0, 23}, nullptr, &characters), 2u);
     EXPECT_EQ(characters, 23u);
@@ -194,17 +199,19 @@ TEST_F(AttributedAdditionsTest, AttachmentsArePutAndFound) {
 
     text->addAttribute_value_range(u"n"_ns, u"x"_ns, {0, 6});
     replaceCharactersInRange_withTextAttachment(text, {2, 1}, u"two"_ns);
-    replaceCharactersInRange_withTextAttachment_attributes(text, {3, 2}, u"three"_ns, NSDictionary::dictionary());
+    replaceCharactersInRange_withTextAttachment_attributes(text, {3, 2}, u"three"_ns,
+                                                           NSDictionary::dictionary());
     EXPECT_EQ(text->string()->toUTF8(), "ab\uFFFC\uFFFC\uFFFC");
     EXPECT_EQ(attributesAtIndex(text, 2)->count(), 2u);
     EXPECT_EQ(attributesAtIndex(text, 3)->count(), 1u);
     setAttributesPreservingAttachments_inRange(
         text, NSDictionary::of({{u"m"_ns, u"y"_ns}, {NSAttachmentAttributeName, u"other"_ns}}), {1, 2});
     EXPECT_EQ(attributesAtIndex(text, 2),
-              attributesAtIndex(NSAttributedString::initWithString_attributes(
-                                    u"z"_ns, NSDictionary::of({{NSAttachmentAttributeName, u"two"_ns}, {u"m"_ns, u"y"_ns}}))
-                                    .get(),
-                                0));
+              attributesAtIndex(
+                  NSAttributedString::initWithString_attributes(
+                      u"z"_ns, NSDictionary::of({{NSAttachmentAttributeName, u"two"_ns}, {u"m"_ns, u"y"_ns}}))
+                      .get(),
+                  0));
     EXPECT_EQ(attributesAtIndex(text, 1)->allKeys()->count(), 1u);
 }
 
@@ -214,17 +221,20 @@ TEST_F(AttributedAdditionsTest, RangesAreConstrainedToOneValue) {
         NSRange range, mask;
         NSRange atLocation, aroundMask;
     } rows[] = {
-        {{5, 2}, {5, 1}, {5, 2}, {5, 2}},  {{0, 10}, {5, 1}, {4, 3}, {4, 3}}, {{0, 10}, {0, 1}, {0, 4}, {0, 4}},
-        {{2, 6}, {3, 5}, {2, 2}, {2, 6}},  {{2, 6}, {3, 2}, {2, 2}, {2, 5}},  {{2, 6}, {7, 1}, {7, 1}, {7, 1}},
+        {{5, 2}, {5, 1}, {5, 2}, {5, 2}},  {{0, 10}, {5, 1}, {4, 3}, {4, 3}},
+        {{0, 10}, {0, 1}, {0, 4}, {0, 4}}, {{2, 6}, {3, 5}, {2, 2}, {2, 6}},
+        {{2, 6}, {3, 2}, {2, 2}, {2, 5}},  {{2, 6}, {7, 1}, {7, 1}, {7, 1}},
         {{8, 2}, {8, 0}, {8, 2}, {8, 2}},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(constrainRange_toSingleAttribute_location(text, row.range, PBLanguageAttributeName, row.mask.location),
+        EXPECT_EQ(constrainRange_toSingleAttribute_location(text, row.range, PBLanguageAttributeName,
+                                                            row.mask.location),
                   row.atLocation);
         EXPECT_EQ(constrainRange_toSingleAttribute_mask(text, row.range, PBLanguageAttributeName, row.mask),
                   row.aroundMask);
     }
-    EXPECT_EQ(constrainRange_toSingleAttribute_location(text, {0, 2}, PBLanguageAttributeName, 8), NSRange(8, 0));
+    EXPECT_EQ(constrainRange_toSingleAttribute_location(text, {0, 2}, PBLanguageAttributeName, 8),
+              NSRange(8, 0));
     NSRange run{};
     EXPECT_EQ(nextAttribute_effectiveRange_inRange(text, PBLanguageAttributeName, &run, {0, 5}), other);
     EXPECT_EQ(run, NSRange(4, 3));
@@ -241,7 +251,8 @@ TEST_F(AttributedAdditionsTest, TextAndAttributesAreAdded) {
     EXPECT_EQ(shown(text), "a{\n}bc{\n    n = x;\n}d{\n}");
     NSDictionary* more = NSDictionary::of({{u"n"_ns, u"y"_ns}, {u"m"_ns, u"z"_ns}});
     NSAttributedString* more1 = attributedStringByAddingUndefinedAttributes(text, more);
-    EXPECT_EQ(shown(more1), "a{\n    n = y;\n    m = z;\n}bc{\n    n = x;\n    m = z;\n}d{\n    n = y;\n    m = z;\n}");
+    EXPECT_EQ(shown(more1),
+              "a{\n    n = y;\n    m = z;\n}bc{\n    n = x;\n    m = z;\n}d{\n    n = y;\n    m = z;\n}");
     EXPECT_EQ(attributedStringByAddingUndefinedAttributes(more1, more), more1);
     EXPECT_EQ(attributedStringByAddingUndefinedAttributes(text, nullptr), text);
     setAttributesFromAttributedString_range(text, more1, {1, 2});

@@ -47,11 +47,12 @@ TEST(NSTextStorageAdditionsTest, TypedTextTakesTheAttributesBeforeIt) {
     storage->addAttribute_value_range(PBLanguageAttributeName, u"en"_ns, {0, 1});
     storage->addAttribute_value_range(PBLanguageAttributeName, u"fr"_ns, {1, 2});
     auto language = [](NSDictionary* attributes) { return PBEffectiveLanguageForAttributes(attributes); };
-    EXPECT_EQ(shown(language(typingAttributesAtIndex(storage, 0)), language(typingAttributesAtIndex(storage, 1)),
-                    language(typingAttributesAtIndex(storage, 3)),
-                    language(typingAttributesForDeletedRange(storage, {1, 2})),
-                    languageAttributeForRange(storage, {1, 0}), languageAttributeForRange(storage, {1, 1})),
-              "en en fr fr en fr");
+    EXPECT_EQ(
+        shown(language(typingAttributesAtIndex(storage, 0)), language(typingAttributesAtIndex(storage, 1)),
+              language(typingAttributesAtIndex(storage, 3)),
+              language(typingAttributesForDeletedRange(storage, {1, 2})),
+              languageAttributeForRange(storage, {1, 0}), languageAttributeForRange(storage, {1, 1})),
+        "en en fr fr en fr");
 }
 
 TEST(NSTextStorageAdditionsTest, SomeAttributesAreNotTypedOn) {
@@ -75,9 +76,12 @@ TEST(NSTextStorageAdditionsTest, KeptParagraphsEndAtOthersAndAtPageBreaks) {
         NSUInteger index;
         NSRange range;
     } rows[] = {
-        {"aa\nbb\ncc\ndd", keeping, 9, {0, 9}}, {"aa\nbb\ncc\ndd", loose, 9, {6, 3}},
-        {"aa\nbb\ncc\ndd", nullptr, 9, {6, 3}}, {"aa\nbb\ncc\ndd", NSParagraphStyle::defaultParagraphStyle(), 9, {6, 3}},
-        {"a\f\nbb\ncc\ndd", keeping, 9, {2, 7}}, {"aa\nbb\ncc\ndd", keeping, 0, {0, 0}},
+        {"aa\nbb\ncc\ndd", keeping, 9, {0, 9}},
+        {"aa\nbb\ncc\ndd", loose, 9, {6, 3}},
+        {"aa\nbb\ncc\ndd", nullptr, 9, {6, 3}},
+        {"aa\nbb\ncc\ndd", NSParagraphStyle::defaultParagraphStyle(), 9, {6, 3}},
+        {"a\f\nbb\ncc\ndd", keeping, 9, {2, 7}},
+        {"aa\nbb\ncc\ndd", keeping, 0, {0, 0}},
         {"aa\nbb\nc\f\nd", keeping, 7, {0, 7}},  // the break behind the index does not count
     };
     for (const auto& row : rows) {
@@ -95,7 +99,8 @@ TEST(NSTextStorageAdditionsTest, KeptParagraphsEndAtOthersAndAtPageBreaks) {
 // What the unit at the index is, over two units at most.
 void* unitAt(NSTextStorage* storage, NSUInteger index, NSRange* range) {
     *range = NSIntersectionRange({index / 2 * 2, 2}, {0, storage->length()});
-    return reinterpret_cast<void*>(static_cast<std::uintptr_t>(storage->string()->characterAtIndex(index / 2 * 2)));
+    return reinterpret_cast<void*>(
+        static_cast<std::uintptr_t>(storage->string()->characterAtIndex(index / 2 * 2)));
 }
 bool areSame(NSTextStorage*, void* first, void* second) { return first == second; }
 
@@ -104,22 +109,29 @@ TEST(NSTextStorageAdditionsTest, ComputedValuesHaveStretches) {
     const struct {
         NSUInteger index;
         NSRange limit, range;
-    } rows[] = {{1, {0, 9}, {0, 4}}, {1, {1, 2}, {1, 2}}, {8, {0, 100}, {4, 5}}, {5, {5, 1}, {5, 1}}, {5, {0, 2}, {5, 0}}};
+    } rows[] = {{1, {0, 9}, {0, 4}},
+                {1, {1, 2}, {1, 2}},
+                {8, {0, 100}, {4, 5}},
+                {5, {5, 1}, {5, 1}},
+                {5, {0, 2}, {5, 0}}};
     for (const auto& row : rows) {
         NSRange range{};
         void* value = valueForCalculator_atIndex_longestEffectiveRange_withComparator_inRange(
             storage, &unitAt, row.index, &range, &areSame, row.limit);
-        EXPECT_EQ(value, reinterpret_cast<void*>(row.index < 4 ? std::uintptr_t{u'a'} : std::uintptr_t{u'b'}));
+        EXPECT_EQ(value,
+                  reinterpret_cast<void*>(row.index < 4 ? std::uintptr_t{u'a'} : std::uintptr_t{u'b'}));
         EXPECT_EQ(range, row.range) << row.index;
     }
 }
 
 TEST(NSTextStorageAdditionsTest, NumbersSortBeforeText) {
-    for (NSString* number : {u"12"_ns, u" 3.5\n"_ns, u"$-4"_ns, u"٣"_ns}) EXPECT_TRUE(_PBIsNumericString(number));
+    for (NSString* number : {u"12"_ns, u" 3.5\n"_ns, u"$-4"_ns, u"٣"_ns})
+        EXPECT_TRUE(_PBIsNumericString(number));
     for (NSString* other : {u""_ns, u"$"_ns, u"1a"_ns, u"."_ns}) EXPECT_FALSE(_PBIsNumericString(other));
     auto sorted = [](bool isAscending) {
         auto storages = NSMutableArray::init();
-        for (const char* text : {"b", "10", "A", "$5", "9.5", "c"}) storages->addObject(storageOf(text).get());
+        for (const char* text : {"b", "10", "A", "$5", "9.5", "c"})
+            storages->addObject(storageOf(text).get());
         PBSortTextStorages(storages, isAscending);
         std::string all;
         for (id storage : storages) all += cast<NSTextStorage>(storage)->string()->toUTF8() + " ";

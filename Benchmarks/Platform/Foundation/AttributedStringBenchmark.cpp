@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Attributed strings beside Qt's QTextDocument: a text of a mebibyte of units in 100,000 runs, and short ones.
+// Attributed strings beside Qt's QTextDocument: a text of a mebibyte of units in 100,000 runs, and short
+// ones.
 #include <benchmark/benchmark.h>
 
 #define QT_NO_KEYWORDS
@@ -28,10 +29,15 @@ struct Sample {
     explicit Sample(unsigned units, unsigned runs) {
         std::mt19937 random(1);
         for (unsigned i = 0; i < units; ++i)
-            text += i % 550 == 549 ? u'\n' : random() % 6 ? static_cast<char16_t>(u'a' + random() % 26) : u' ';
+            text += i % 550 == 549 ? u'\n'
+                    : random() % 6 ? static_cast<char16_t>(u'a' + random() % 26)
+                                   : u' ';
         for (unsigned i = 1; i <= runs; ++i) {
             unsigned start = ends.empty() ? 0 : ends.back();
-            ends.push_back(i == runs ? units : std::min(units, std::max(start + 1, units / runs * i + static_cast<unsigned>(random() % 5))));
+            ends.push_back(i == runs
+                               ? units
+                               : std::min(units, std::max(start + 1, units / runs * i + static_cast<unsigned>(
+                                                                                            random() % 5))));
         }
     }
     static const Sample& large() {
@@ -57,7 +63,8 @@ NSDictionary* kind(unsigned number) {
         std::vector<Retained<NSDictionary>> made;
         for (unsigned i = 0; i < kKinds; ++i)
             made.push_back(NSDictionary::initWithEntries(
-                {{u"NSFont"_ns, NSNumber::numberWithInt(static_cast<int>(i % 4))}, {u"NSColor"_ns, NSNumber::numberWithInt(static_cast<int>(i))}}));
+                {{u"NSFont"_ns, NSNumber::numberWithInt(static_cast<int>(i % 4))},
+                 {u"NSColor"_ns, NSNumber::numberWithInt(static_cast<int>(i))}}));
         return made;
     }();
     return kinds[number % kKinds];
@@ -65,7 +72,8 @@ NSDictionary* kind(unsigned number) {
 
 template <class Text = NSMutableAttributedString>
 Retained<Text> build(const Sample& sample) {
-    auto text = NSString::initWithCharacters_length(sample.text.data(), static_cast<NSUInteger>(sample.text.size()));
+    auto text =
+        NSString::initWithCharacters_length(sample.text.data(), static_cast<NSUInteger>(sample.text.size()));
     std::vector<AttributeRun> runs;
     runs.reserve(sample.ends.size());
     unsigned start = 0;
@@ -90,8 +98,10 @@ void appendRuns(benchmark::State& state) {
         auto text = NSMutableAttributedString::init();
         unsigned start = 0;
         for (unsigned i = 0; i < sample.ends.size(); start = sample.ends[i++]) {
-            auto run = NSString::initWithCharacters_length(sample.text.data() + start, sample.ends[i] - start);
-            text->appendAttributedString(NSAttributedString::initWithString_attributes(run, kind(i * 7)).get());
+            auto run =
+                NSString::initWithCharacters_length(sample.text.data() + start, sample.ends[i] - start);
+            text->appendAttributedString(
+                NSAttributedString::initWithString_attributes(run, kind(i * 7)).get());
         }
         benchmark::DoNotOptimize(text.get());
     }
@@ -108,7 +118,8 @@ void lookUp(benchmark::State& state) {
     std::size_t next = 0;
     for (auto _ : state) {
         NSRange run;
-        benchmark::DoNotOptimize(text->attributesAtIndex_effectiveRange(places[next++ % places.size()], &run));
+        benchmark::DoNotOptimize(
+            text->attributesAtIndex_effectiveRange(places[next++ % places.size()], &run));
         benchmark::DoNotOptimize(run);
     }
 }
@@ -158,7 +169,8 @@ template <Place Where, class Text>
 void insertInto(benchmark::State& state, Text& text, const Sample& sample) {
     std::mt19937 random(3);
     for (auto _ : state) {
-        NSUInteger place = Where == Place::middle ? static_cast<NSUInteger>(sample.text.size()) / 2 : randomPlace(random, sample);
+        NSUInteger place = Where == Place::middle ? static_cast<NSUInteger>(sample.text.size()) / 2
+                                                  : randomPlace(random, sample);
         text.replaceCharactersInRange_withString({place, 0}, u"x"_ns);
     }
 }
@@ -194,7 +206,8 @@ constexpr Class* kClasses[] = {&IdleLayoutManager::classRecord};
 constinit Library benchmarkLibrary{"AttributedStringBenchmark", kDependencies, kClasses, {}};
 PELVOR_DEFINE_CLASS(IdleLayoutManager, benchmarkLibrary) {
     methods.instance<"setTextStorage:", &IdleLayoutManager::setTextStorage>();
-    methods.instanceAs<"textStorage:edited:range:changeInLength:invalidatedRange:", &IdleLayoutManager::hear>();
+    methods
+        .instanceAs<"textStorage:edited:range:changeInLength:invalidatedRange:", &IdleLayoutManager::hear>();
 }
 
 void insertUnderLayoutManager(benchmark::State& state) {
@@ -251,8 +264,9 @@ void buildQt(QTextDocument& document, const Sample& sample) {
     cursor.beginEditBlock();
     unsigned start = 0;
     for (unsigned i = 0; i < sample.ends.size(); start = sample.ends[i++])
-        cursor.insertText(QString::fromUtf16(sample.text.data() + start, static_cast<qsizetype>(sample.ends[i] - start)),
-                          qtKind(i * 7));
+        cursor.insertText(
+            QString::fromUtf16(sample.text.data() + start, static_cast<qsizetype>(sample.ends[i] - start)),
+            qtKind(i * 7));
     cursor.endEditBlock();
 }
 
@@ -299,7 +313,8 @@ void peerInsert(benchmark::State& state) {
     QTextCursor cursor(&document);
     std::mt19937 random(3);
     for (auto _ : state) {
-        cursor.setPosition(Where == Place::middle ? 1 << 19 : static_cast<int>(randomPlace(random, Sample::large())));
+        cursor.setPosition(Where == Place::middle ? 1 << 19
+                                                  : static_cast<int>(randomPlace(random, Sample::large())));
         cursor.insertText(QStringLiteral("x"));
     }
 }

@@ -82,7 +82,8 @@ Retained<NSAttributeDictionary> NSAttributeDictionary::with(NSDictionary* conten
 
 Retained<NSAttributeDictionary> NSAttributeDictionary::withValue(NSString* key, id value) {
     id old = objectForKey(key);
-    if (old == value || (old && value && value->isEqual(old))) return Retained<NSAttributeDictionary>::retaining(this);
+    if (old == value || (old && value && value->isEqual(old)))
+        return Retained<NSAttributeDictionary>::retaining(this);
     auto changed = make<NSAttributeDictionary>();
     changed->_table.copyFrom(_table);
     if (value)

@@ -8,9 +8,9 @@
 
 namespace pelvor {
 
-/// An immutable dictionary that runs of attributed strings own. A table of all such dictionaries finds the one
-/// with a given content; the table does not keep them, and a dictionary that ends leaves it. Any thread. The
-/// values must not change in what they are equal to while they are attributes.
+/// An immutable dictionary that runs of attributed strings own. A table of all such dictionaries finds the
+/// one with a given content; the table does not keep them, and a dictionary that ends leaves it. Any thread.
+/// The values must not change in what they are equal to while they are attributes.
 class NSAttributeDictionary final : public NSDictionary {
     PELVOR_CLASS(NSAttributeDictionary, NSDictionary);
 

@@ -101,8 +101,9 @@ struct Branch : TreeNode {
     NodeRef<Leaf> children[kFan];
 };
 
-/// A sequence of places in leaves. A copy of a tree takes no time and shares its nodes; a change to one of the
-/// two copies the nodes on its path. A tree may be read on any thread, as its nodes never change once shared.
+/// A sequence of places in leaves. A copy of a tree takes no time and shares its nodes; a change to one of
+/// the two copies the nodes on its path. A tree may be read on any thread, as its nodes never change once
+/// shared.
 ///
 /// `Leaf` is a TreeNode with `clone`, `destroy`, `isThin`, `split(place)`, which keeps the front and returns
 /// the rest, and `join(first, second)`, which puts two neighbours into one if they are small, makes them
@@ -142,7 +143,8 @@ class PieceTree {
     Place find(NSUInteger place) const {
         if (_root.isLeaf()) return {_root.leaf(), 0};
         Remembered& last = remembered;
-        if (last.tree != this || last.version != _version || place - last.place.start >= last.place.leaf->length)
+        if (last.tree != this || last.version != _version ||
+            place - last.place.start >= last.place.leaf->length)
             last = {this, _version, descend(place)};
         return last.place;
     }

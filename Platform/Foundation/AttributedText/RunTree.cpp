@@ -106,7 +106,8 @@ Leaves leavesOf(std::span<const AttributeStretch> stretches) {
         }
         if (isFull) {
             std::size_t left = stretches.size() - static_cast<std::size_t>(&stretch - stretches.data());
-            leaves.emplace_back(RunLeaf::create(left < RunLeaf::kUsual ? static_cast<unsigned>(left) : RunLeaf::kMost));
+            leaves.emplace_back(
+                RunLeaf::create(left < RunLeaf::kUsual ? static_cast<unsigned>(left) : RunLeaf::kMost));
         }
         stretch.attributes->retain();
         leaves.back().leaf()->append(stretch.length, stretch.attributes);
@@ -133,14 +134,16 @@ struct Patch {
 
 void makeRoom(NodeRef<RunLeaf>& node, unsigned count) {
     if (count <= node.leaf()->room) return;
-    NodeRef<RunLeaf> larger(RunLeaf::create(std::min(RunLeaf::kMost, std::max(count, 4 * node.leaf()->room))));
+    NodeRef<RunLeaf> larger(
+        RunLeaf::create(std::min(RunLeaf::kMost, std::max(count, 4 * node.leaf()->room))));
     larger.leaf()->appendFrom(node.leaf(), 0, node->count);
     node->count = 0;
     node = std::move(larger);
 }
 
 // Puts the patch in place of the runs from `first` to `last`.
-void apply(const Patch& patch, NodeRef<RunLeaf>& node, unsigned first, unsigned last, DroppedAttributes& dropped) {
+void apply(const Patch& patch, NodeRef<RunLeaf>& node, unsigned first, unsigned last,
+           DroppedAttributes& dropped) {
     unsigned count = node->count, removed = last - first + 1, tail = count - last - 1;
     makeRoom(node, count - removed + patch.count);
     RunLeaf* leaf = node.leaf();
@@ -160,8 +163,8 @@ void apply(const Patch& patch, NodeRef<RunLeaf>& node, unsigned first, unsigned 
 }
 
 // Returns false where neighbouring leaves have to take part.
-bool replaceInLeaf(NodeRef<RunLeaf>& node, NSRange range, std::span<const AttributeStretch> stretches, bool isOnly,
-                   DroppedAttributes& dropped) {
+bool replaceInLeaf(NodeRef<RunLeaf>& node, NSRange range, std::span<const AttributeStretch> stretches,
+                   bool isOnly, DroppedAttributes& dropped) {
     RunLeaf* leaf = node.leaf();
     NSUInteger end = NSMaxRange(range);
     if (end > leaf->length || stretches.size() > RunLeaf::kMost) return false;

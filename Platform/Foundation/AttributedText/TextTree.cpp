@@ -43,7 +43,8 @@ void TextLeaf::replace(NodeRef<TextLeaf>& leaf, NSRange range, std::u16string_vi
     auto added = static_cast<NSUInteger>(units.size());
     NSUInteger length = leaf->length - range.length + added;
     if (length > leaf.leaf()->room)
-        leaf = NodeRef<TextLeaf>(create(leaf.leaf()->view(), std::min(kMost, std::max(length, 2 * leaf->length))));
+        leaf = NodeRef<TextLeaf>(
+            create(leaf.leaf()->view(), std::min(kMost, std::max(length, 2 * leaf->length))));
     unichar* place = leaf.leaf()->units() + range.location;
     std::memmove(place + added, place + range.length, (leaf->length - NSMaxRange(range)) * sizeof(unichar));
     std::memcpy(place, units.data(), added * sizeof(unichar));

@@ -11,7 +11,8 @@ namespace pelvor {
 /// Units in one piece, with room for more behind them.
 struct TextLeaf : TreeNode {
     static constexpr NSUInteger kMost = 2048, kUsual = kMost / 8 * 7, kThin = kMost / 4;
-    static constexpr NSUInteger kShare = kMost / 16 * 5;  ///< what a thin leaf has once a neighbour gave to it
+    static constexpr NSUInteger kShare =
+        kMost / 16 * 5;  ///< what a thin leaf has once a neighbour gave to it
 
     /// A leaf of these units with room for so many at least.
     static TextLeaf* create(std::u16string_view units, NSUInteger room);

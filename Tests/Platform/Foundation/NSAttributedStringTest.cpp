@@ -56,10 +56,14 @@ TEST(NSAttributedStringTest, PlainTextTakesTheAttributesOfWhatItReplacesOrFollow
         NSString* text;
         const char* runs;
     } rows[] = {
-        {{0, 0}, u"x"_ns, "xab{}, c{b1}, d{b1 s2}, ef{s2}"},  {{2, 0}, u"x"_ns, "abx{}, c{b1}, d{b1 s2}, ef{s2}"},
-        {{3, 0}, u"xy"_ns, "ab{}, cxy{b1}, d{b1 s2}, ef{s2}"}, {{6, 0}, u"x"_ns, "ab{}, c{b1}, d{b1 s2}, efx{s2}"},
-        {{2, 2}, u"x"_ns, "ab{}, x{b1}, ef{s2}"},               {{1, 4}, u""_ns, "a{}, f{s2}"},
-        {{0, 6}, u"x"_ns, "x{}"},                               {{0, 6}, u""_ns, ""},
+        {{0, 0}, u"x"_ns, "xab{}, c{b1}, d{b1 s2}, ef{s2}"},
+        {{2, 0}, u"x"_ns, "abx{}, c{b1}, d{b1 s2}, ef{s2}"},
+        {{3, 0}, u"xy"_ns, "ab{}, cxy{b1}, d{b1 s2}, ef{s2}"},
+        {{6, 0}, u"x"_ns, "ab{}, c{b1}, d{b1 s2}, efx{s2}"},
+        {{2, 2}, u"x"_ns, "ab{}, x{b1}, ef{s2}"},
+        {{1, 4}, u""_ns, "a{}, f{s2}"},
+        {{0, 6}, u"x"_ns, "x{}"},
+        {{0, 6}, u""_ns, ""},
     };
     for (const auto& row : rows) {
         auto text = sample();
@@ -135,7 +139,8 @@ TEST(NSAttributedStringTest, RefusesWhatIsOutsideOrNull) {
     pelvor::testing::expectRaised(
         "NSRangeException",
         {RAISED(text->attributedSubstringFromRange({4, 3})), RAISED(text->deleteCharactersInRange({7, 0})),
-         RAISED(text->setAttributes_range(nullptr, {0, 7})), RAISED(text->removeAttribute_range(u"b"_ns, {6, 1})),
+         RAISED(text->setAttributes_range(nullptr, {0, 7})),
+         RAISED(text->removeAttribute_range(u"b"_ns, {6, 1})),
          RAISED(text->insertAttributedString_atIndex(text, 7)), RAISED(text->string()->characterAtIndex(6)),
          RAISED(text->runsInRange({5, 2}))});
     pelvor::testing::expectRaised(
@@ -181,10 +186,16 @@ TEST(NSAttributedStringTest, RefusesBadArchives) {
     } rows[] = {
         {num(1), NSArray::array(), "", "the archive holds no text with attributes"},
         {u"ab"_ns, nullptr, "", "the archive holds no text with attributes"},
-        {u"ab"_ns, NSArray::of({attribute(u"n"_ns, 1)}), {"\1\0\0\0\0\0\0", 8}, "the runs have another length than the text"},
+        {u"ab"_ns,
+         NSArray::of({attribute(u"n"_ns, 1)}),
+         {"\1\0\0\0\0\0\0", 8},
+         "the runs have another length than the text"},
         {u"ab"_ns, NSArray::array(), {"\2\0\0\0\0\0\0", 8}, "a run has no attributes in the archive"},
         {u"ab"_ns, NSArray::of({num(1)}), {"\2\0\0\0\0\0\0", 8}, "the attributes are no dictionary"},
-        {u"ab"_ns, NSArray::of({NSDictionary::of({{num(1), num(1)}})}), {"\2\0\0\0\0\0\0", 8}, "an attribute's name is no string"},
+        {u"ab"_ns,
+         NSArray::of({NSDictionary::of({{num(1), num(1)}})}),
+         {"\2\0\0\0\0\0\0", 8},
+         "an attribute's name is no string"},
     };
     for (const auto& row : rows) {
         auto archive = make<ForeignArchive>();

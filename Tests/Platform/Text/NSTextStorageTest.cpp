@@ -96,12 +96,26 @@ TEST_F(NSTextStorageTest, AParagraphHasTheStyleOfItsFirstUnit) {
         std::function<void()> perform;
         const char *styles, *heard;
     } rows[] = {
-        {"set inside a paragraph", [&] { setStyle(u"x"_ns, {5, 1}); }, "aaaabbbbccccc", "1 {5, 1} 0"},
-        {"set over two", [&] { setStyle(u"x"_ns, {2, 3}); }, "aaaaxxxxccccc", "1 {2, 3} 0 {2, 6}"},
-        {"join two", [&] { storage->deleteCharactersInRange({3, 1}); }, "aaaaaaaccccc", "2 {3, 0} -1 {3, 4}"},
+        {"set inside a paragraph",
+         [&] {
+             setStyle(u"x"_ns, {5, 1});
+         },
+         "aaaabbbbccccc", "1 {5, 1} 0"},
+        {"set over two",
+         [&] {
+             setStyle(u"x"_ns, {2, 3});
+         },
+         "aaaaxxxxccccc", "1 {2, 3} 0 {2, 6}"},
+        {"join two",
+         [&] {
+             storage->deleteCharactersInRange({3, 1});
+         },
+         "aaaaaaaccccc", "2 {3, 0} -1 {3, 4}"},
         {"part a break",
-         [&] { storage->replaceCharactersInRange_withString({3, 1}, u"\r\n"_ns);
-               storage->replaceCharactersInRange_withString({4, 0}, u"x"_ns); },
+         [&] {
+             storage->replaceCharactersInRange_withString({3, 1}, u"\r\n"_ns);
+             storage->replaceCharactersInRange_withString({4, 0}, u"x"_ns);
+         },
          "aaaaaabbbbccccc", "2 {3, 2} 1, 2 {4, 1} 1"},
     };
     for (const auto& row : rows) {
@@ -131,12 +145,15 @@ TEST_F(NSTextStorageTest, AttachmentsStandOnTheirCharacterOnly) {
     EXPECT_FALSE(hasAttachment(NSTextStorage::initWithAttributedString(text).get(), 0));
     NSString* error = nullptr;
     id back = NSKeyedUnarchiver::unarchivedObjectWithData_allowedClasses_error(
-        NSKeyedArchiver::archivedDataWithRootObject(storage), NSSet::of({NSTextStorage::classObject()}), &error);
+        NSKeyedArchiver::archivedDataWithRootObject(storage), NSSet::of({NSTextStorage::classObject()}),
+        &error);
     EXPECT_TRUE(back && back->isEqual(storage.get())) << error;
 }
 
 TEST_F(NSTextStorageTest, ObserversMayEdit) {
-    auto will = Listener::doing([&](id) { storage->replaceCharactersInRange_withString({0, 0}, u"will "_ns); });
+    auto will = Listener::doing([&](id) {
+        storage->replaceCharactersInRange_withString({0, 0}, u"will "_ns);
+    });
     auto did = Listener::doing([&](id) {
         EXPECT_EQ(storage->editedRange(), NSRange(0, 6));
         setStyle(u"d"_ns, {0, 1});
@@ -160,7 +177,8 @@ TEST_F(NSTextStorageTest, LayoutManagersMayEditAndLeaveAndRaise) {
         throw NSException(NSGenericException, "second");
     };
     EXPECT_EQ(RAISED(storage->deleteCharactersInRange({0, 0})), "");
-    EXPECT_EQ(RAISED(storage->replaceCharactersInRange_withString({0, 1}, u"O"_ns)), "NSGenericException: second");
+    EXPECT_EQ(RAISED(storage->replaceCharactersInRange_withString({0, 1}, u"O"_ns)),
+              "NSGenericException: second");
     EXPECT_EQ(scribe->takeHeard(), "2 {0, 1} 0, 2 {13, 1} 1");
     EXPECT_EQ(second->takeHeard(), "2 {0, 14} 1");
     EXPECT_EQ(third->takeHeard(), "");
@@ -186,7 +204,8 @@ TEST_F(NSTextStorageTest, RandomEditsLeaveEachParagraphWithOneStyle) {
         std::u16string units = storage->string()->toUTF16();
         for (std::size_t place = 1; place < units.size(); ++place) {
             char16_t before = units[place - 1];
-            bool isStart = before == u'\n' || before == u'\u2029' || (before == u'\r' && units[place] != u'\n');
+            bool isStart =
+                before == u'\n' || before == u'\u2029' || (before == u'\r' && units[place] != u'\n');
             ASSERT_TRUE(isStart || all[place] == all[place - 1]) << i << all;
         }
     }
@@ -198,7 +217,8 @@ TEST(NSTextStorageModelTest, LayoutManagersFollowRandomSteps) {
     auto storage = NSTextStorage::init();
     auto scribe = make<Scribe>();
     storage->addLayoutManager(scribe);
-    AttributedStringModel model([&](unsigned limit) { return static_cast<unsigned>(random() % limit); }, storage);
+    AttributedStringModel model([&](unsigned limit) { return static_cast<unsigned>(random() % limit); },
+                                storage);
     const int steps = randomSteps(1000);
     for (int i = 1; i <= steps; ++i) {
         bool isBracketed = random() % 4 == 0;
