@@ -9,6 +9,7 @@
 #include "NSString-PelvorAdditions.h"
 #include "PBRangeUtil.h"
 #include "Runtime/Message.h"
+#include "Runtime/Registry.h"
 #include "Shared/ArgumentChecks.h"
 #include "Text/NSParagraphStyle.h"
 

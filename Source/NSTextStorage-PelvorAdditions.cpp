@@ -9,6 +9,7 @@
 #include "NSAttributedString-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
 #include "Runtime/Message.h"
+#include "Runtime/Registry.h"
 #include "Shared/ArgumentChecks.h"
 
 namespace pelvor {

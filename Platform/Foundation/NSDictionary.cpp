@@ -172,8 +172,7 @@ bool NSDictionary::isEqual(id other) {
 
 std::uintptr_t NSDictionary::hash() {
     std::uintptr_t sum = count();
-    for (auto [key, object] : detail::walk(this))
-        sum += spreadHash(spreadHash(hashOfElement(key)) + hashOfElement(object));
+    for (auto [key, object] : detail::walk(this)) sum += hashOfEntry(key, object);
     return sum;
 }
 

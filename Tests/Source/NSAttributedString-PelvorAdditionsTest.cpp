@@ -107,28 +107,27 @@ TEST_F(AttributedAdditionsTest, LanguagesAndDirections) {
     auto* text = textOf("abcd", {2, 2});
     NSRange run;
     EXPECT_EQ(languageAttributeAtIndex_effectiveRange(text, 0, &run), system);
-    EXPECT_EQ(run, NSRange(0, 2));
+    EXPECT_EQ(run, NSMakeRange(0, 2));
     EXPECT_EQ(languageAttributeAtIndex_longestEffectiveRange_inRange(text, 2, &run, {0, 3}), other);
-    EXPECT_EQ(run, NSRange(2, 1));
-    auto direction = [](NSAttributedString* text, NSUInteger index) {
-        return static_cast<int>(PBEffectiveWritingDirectionForAttributes(attributesAtIndex(text, index)));
-    };
+    EXPECT_EQ(run, NSMakeRange(2, 1));
     other->isRightToLeft = true;
     auto style = NSParagraphStyle::defaultParagraphStyle()->mutableCopy();
     text->addAttribute_value_range(NSParagraphStyleAttributeName, style->copy().get(), {1, 2});
-    EXPECT_EQ(shown(direction(text, 0), direction(text, 1), direction(text, 2)), "0 0 1");
     style->setBaseWritingDirection(NSWritingDirectionLeftToRight);
     text->addAttribute_value_range(NSParagraphStyleAttributeName, style->copy().get(), {3, 1});
-    EXPECT_EQ(direction(text, 3), 0);
+    std::string directions;
+    for (NSUInteger i = 0; i < 4; ++i)
+        directions += std::to_string(PBEffectiveWritingDirectionForAttributes(attributesAtIndex(text, i)));
+    EXPECT_EQ(directions, "0010");
     EXPECT_EQ(PBEffectiveWritingDirectionForAttributes(nullptr), NSWritingDirectionLeftToRight);
 }
 
 TEST_F(AttributedAdditionsTest, WordsAreThoseOfTheLanguage) {
     auto* text = textOf("one, two'three", {8, 6});
     bool isWord;
-    EXPECT_EQ(rangeOfWordAtIndex_isWord(text, 3, &isWord), NSRange(3, 2));
+    EXPECT_EQ(rangeOfWordAtIndex_isWord(text, 3, &isWord), NSMakeRange(3, 2));
     EXPECT_FALSE(isWord);
-    EXPECT_EQ(rangeOfWordAtIndex_isWord(text, 6, &isWord), NSRange(5, 9));
+    EXPECT_EQ(rangeOfWordAtIndex_isWord(text, 6, &isWord), NSMakeRange(5, 9));
     EXPECT_TRUE(isWord);
     auto walk = [&](NSUInteger from, bool isForward) {
         std::string places;
@@ -149,24 +148,19 @@ TEST_F(AttributedAdditionsTest, WordsAreThoseOfTheLanguage) {
 TEST_F(AttributedAdditionsTest, CleanRangesEndWithWholeWords) {
     const struct {
         const char* text;
-        NSRange inOther;
-        NSUInteger index;
-        NSRange suggested, clean;
+        NSRange inOther, clean;
     } rows[] = {
-        {"", {0, 0}, 0, {0, 0}, {0, 0}},
-        {"one two", {0, 0}, 0, {0, 7}, {0, 5}},   // a boundary at 4, before a letter
-        {"one two ", {0, 0}, 0, {0, 8}, {0, 7}},  // a boundary at 7, before a blank
-        {"onetwo", {0, 0}, 0, {0, 6}, {0, 6}},    // no boundary inside
-        {"one two", {3, 4}, 0, {0, 7}, {0, 3}},   // the other language
-        {"oneTWO two", {3, 7}, 0, {0, 10}, {0, 3}},
-        {"e\u0301", {1, 1}, 0, {0, 2}, {0, 2}},  // a composed character
+        {"", {0, 0}, {0, 0}},           {"one two", {0, 0}, {0, 5}},  // a boundary at 4, before a letter
+        {"one two ", {0, 0}, {0, 7}},                                 // a boundary at 7, before a blank
+        {"onetwo", {0, 0}, {0, 6}},                                   // no boundary inside
+        {"oneTWO two", {3, 7}, {0, 3}},                               // the other language
+        {"e\u0301", {1, 1}, {0, 2}},                                  // a composed character
     };
     for (const auto& row : rows) {
         auto* text = textOf(row.text, row.inOther);
-        NSRange clean{9, 9};
-        EXPECT_EQ(languageAttributeAtIndex_cleanEffectiveRange_suggestedRange(text, row.index, &clean,
-                                                                              row.suggested),
-                  system);
+        NSRange clean{9, 9}, all{0, text->length()};
+        id language = languageAttributeAtIndex_cleanEffectiveRange_suggestedRange(text, 0, &clean, all);
+        EXPECT_EQ(language, system);
         EXPECT_EQ(clean, row.clean) << row.text;
     }
 }
@@ -174,9 +168,9 @@ TEST_F(AttributedAdditionsTest, CleanRangesEndWithWholeWords) {
 TEST_F(AttributedAdditionsTest, ParagraphsAreCountedThroughAllLanguages) {
     auto* text = textOf("one two\nthree four\nfive", {9, 6});
     NSUInteger words = 0, characters = 0;
-    EXPECT_EQ(paragraphRangeForRange_wordCount_charCount(text, {2, 20}, &words, &characters), NSRange(2, 6));
-    EXPECT_EQ(characters, 6u);
-    EXPECT_EQ(paragraphRangeForRange_wordCount_charCount(text, {19, 4}, &words, &characters),
+    EXPECT_EQ(paragraphRangeForRange_wordCount_charCount(text, {2, 20}, &words, nullptr), NSMakeRange(2, 6));
+    EXPECT_EQ(words, 2u);
+    EXPECT_EQ(paragraphRangeForRange_wordCount_charCount(text, {19, 4}, nullptr, &characters),
               PBNotFoundRange);
     EXPECT_EQ(characters, 4u);
     EXPECT_EQ(paragraphsInRange_wordCount_charCount(text, {0, 23}, nullptr, &characters), 2u);
@@ -206,13 +200,9 @@ TEST_F(AttributedAdditionsTest, AttachmentsArePutAndFound) {
     EXPECT_EQ(attributesAtIndex(text, 3)->count(), 1u);
     setAttributesPreservingAttachments_inRange(
         text, NSDictionary::of({{u"m"_ns, u"y"_ns}, {NSAttachmentAttributeName, u"other"_ns}}), {1, 2});
-    EXPECT_EQ(attributesAtIndex(text, 2),
-              attributesAtIndex(
-                  NSAttributedString::initWithString_attributes(
-                      u"z"_ns, NSDictionary::of({{NSAttachmentAttributeName, u"two"_ns}, {u"m"_ns, u"y"_ns}}))
-                      .get(),
-                  0));
-    EXPECT_EQ(attributesAtIndex(text, 1)->allKeys()->count(), 1u);
+    EXPECT_TRUE(attributesAtIndex(text, 2)->isEqual(
+        NSDictionary::of({{NSAttachmentAttributeName, u"two"_ns}, {u"m"_ns, u"y"_ns}})));
+    EXPECT_EQ(attributesAtIndex(text, 1)->count(), 1u);
 }
 
 TEST_F(AttributedAdditionsTest, RangesAreConstrainedToOneValue) {
@@ -234,10 +224,10 @@ TEST_F(AttributedAdditionsTest, RangesAreConstrainedToOneValue) {
                   row.aroundMask);
     }
     EXPECT_EQ(constrainRange_toSingleAttribute_location(text, {0, 2}, PBLanguageAttributeName, 8),
-              NSRange(8, 0));
+              NSMakeRange(8, 0));
     NSRange run{};
     EXPECT_EQ(nextAttribute_effectiveRange_inRange(text, PBLanguageAttributeName, &run, {0, 5}), other);
-    EXPECT_EQ(run, NSRange(4, 3));
+    EXPECT_EQ(run, NSMakeRange(4, 3));
     EXPECT_EQ(nextAttribute_effectiveRange_inRange(text, PBLanguageAttributeName, nullptr, {7, 3}), nullptr);
 }
 
@@ -272,10 +262,9 @@ TEST_F(AttributedAdditionsTest, PluralAttributesAreSets) {
     auto rangeOf = [&](NSString* value, NSUInteger index, NSRange limit) {
         return rangeOfPluralAttribute_withValue_atIndex_inRange(text, key, value, index, limit);
     };
-    EXPECT_EQ(rangeOf(u"a"_ns, 3, {0, 10}), NSRange(2, 4));
+    EXPECT_EQ(shown(rangeOf(u"a"_ns, 3, {0, 10}), rangeOf(u"b"_ns, 6, {6, 1}), rangeOf(u"a"_ns, 5, {5, 5})),
+              "{2, 4} {6, 2} {5, 1}");
     EXPECT_EQ(rangeOf(u"b"_ns, 7, {6, 1}), PBNotFoundRange);
-    EXPECT_EQ(rangeOf(u"b"_ns, 6, {6, 1}), NSRange(6, 2));
-    EXPECT_EQ(rangeOf(u"a"_ns, 5, {5, 5}), NSRange(5, 1));
     EXPECT_EQ(rangeOf(u"a"_ns, 6, {0, 10}), PBNotFoundRange);
     EXPECT_EQ(unionPluralAttribute_inRange(text, key, {0, 2}), nullptr);
     EXPECT_EQ(unionPluralAttribute_inRange(text, key, {0, 4}),

@@ -32,10 +32,10 @@ TEST(NSTextStorageAdditionsTest, ParagraphsAreThoseOfTheString) {
     NSUInteger start, end, contentsEnd;
     getParagraphStart_end_contentsEnd_forRange(storage, &start, &end, &contentsEnd, {5, 0});
     EXPECT_EQ(shown(start, end, contentsEnd), "4 9 7");
-    EXPECT_EQ(paragraphRangeForRange(storage, {2, 3}), NSRange(0, 9));
-    EXPECT_EQ(paragraphContentRangeForRange(storage, {5, 0}), NSRange(4, 3));
-    EXPECT_EQ(paragraphContentRangeForRange(storage, {9, 2}), NSRange(9, 5));
-    EXPECT_EQ(send<NSRange>(storage.get(), "paragraphRangeForRange:"_sel, NSRange{5, 0}), NSRange(4, 5));
+    EXPECT_EQ(paragraphRangeForRange(storage, {2, 3}), NSMakeRange(0, 9));
+    EXPECT_EQ(paragraphContentRangeForRange(storage, {5, 0}), NSMakeRange(4, 3));
+    EXPECT_EQ(paragraphContentRangeForRange(storage, {9, 2}), NSMakeRange(9, 5));
+    EXPECT_EQ(send<NSRange>(storage.get(), "paragraphRangeForRange:"_sel, NSRange{5, 0}), NSMakeRange(4, 5));
 }
 
 TEST(NSTextStorageAdditionsTest, TypedTextTakesTheAttributesBeforeIt) {

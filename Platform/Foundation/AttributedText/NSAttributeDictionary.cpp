@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "Foundation/FoundationLibrary.h"
+#include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSString.h"
 #include "Runtime/WeakHandle.h"
 
@@ -25,41 +26,46 @@ struct NSAttributeDictionary::Interned {
         return interned;
     }
 
+    // The dictionary of that hash that has so many living ones before it, or null.
+    Retained<Object> living(std::uintptr_t hash, std::size_t before) {
+        for (auto [first, end] = byHash.equal_range(hash); first != end; ++first)
+            if (auto object = first->second.handle.object())
+                if (before-- == 0) return object;
+        return nullptr;
+    }
+
     std::mutex mutex;  // no foreign code runs under it
     std::unordered_multimap<std::uintptr_t, Entry> byHash;
     std::uint64_t additions = 0;
 };
 
-Retained<NSAttributeDictionary> NSAttributeDictionary::intern(NSDictionary* content,
-                                                              Retained<NSAttributeDictionary> made) {
+/// The dictionary of that hash that matches; what `make` returns if there is none.
+template <class Matches, class Make>
+Retained<NSAttributeDictionary> NSAttributeDictionary::intern(std::uintptr_t hash, Matches matches,
+                                                              Make make) {
     Interned& all = Interned::all();
-    std::uintptr_t hash = content->NSDictionary::hash();
-    for (;;) {
-        std::vector<Retained<Object>> similar;
-        std::uint64_t additions;
+    Retained<NSAttributeDictionary> made;
+    std::uint64_t additions = 0;
+    for (std::size_t next = 0;;) {
+        Retained<Object> candidate;
         {
             std::lock_guard guard(all.mutex);
+            if (additions != all.additions) next = 0;  // another thread may have added the same content
             additions = all.additions;
-            auto [first, end] = all.byHash.equal_range(hash);
-            for (; first != end; ++first)
-                if (auto object = first->second.handle.object()) similar.push_back(std::move(object));
+            candidate = all.living(hash, next++);
+            if (!candidate && made) {
+                made->_hash = hash;
+                made->_isInterned = true;
+                all.byHash.emplace(hash, Interned::Entry{made.get(), WeakHandle(made.get())});
+                ++all.additions;
+                return made;
+            }
         }
-        for (const Retained<Object>& object : similar) {
-            auto* dictionary = static_cast<NSAttributeDictionary*>(object.get());
-            if (content->isEqualToDictionary(dictionary))
-                return Retained<NSAttributeDictionary>::retaining(dictionary);
-        }
-        if (!made) {
-            made = make<NSAttributeDictionary>();
-            for (auto [key, value] : content) made->_table.set(value, key, "setAttributes:range:");
-        }
-        std::lock_guard guard(all.mutex);
-        if (additions != all.additions) continue;  // another thread may have added the same content
-        ++all.additions;
-        all.byHash.emplace(hash, Interned::Entry{made.get(), WeakHandle(made.get())});
-        made->_hash = hash;
-        made->_isInterned = true;
-        return made;
+        auto* dictionary = static_cast<NSAttributeDictionary*>(candidate.get());
+        if (dictionary && matches(dictionary)) return Retained<NSAttributeDictionary>::retaining(dictionary);
+        if (dictionary) continue;
+        made = make();
+        next = 0;
     }
 }
 
@@ -72,32 +78,64 @@ NSAttributeDictionary::~NSAttributeDictionary() {
     if (first != end) all.byHash.erase(first);
 }
 
+namespace {
+
+bool areEqual(id first, id second) { return first == second || (first && second && first->isEqual(second)); }
+
+}  // namespace
+
+Retained<NSAttributeDictionary> NSAttributeDictionary::like(NSDictionary* content) {
+    return intern(
+        content->NSDictionary::hash(),
+        [content](NSAttributeDictionary* other) { return content->isEqualToDictionary(other); },
+        [content] {
+            auto made = make<NSAttributeDictionary>();
+            for (auto [key, value] : content) made->_table.set(value, key, "setAttributes:range:");
+            return made;
+        });
+}
+
 Retained<NSAttributeDictionary> NSAttributeDictionary::with(NSDictionary* content) {
-    static Unretained<NSAttributeDictionary> empty = intern(NSDictionary::dictionary()).leak();
+    static Unretained<NSAttributeDictionary> empty = like(NSDictionary::dictionary()).leak();
     if (!content || content->count() == 0) return Retained<NSAttributeDictionary>::retaining(empty);
     if (content->isa() == classObject())
         return Retained<NSAttributeDictionary>::retaining(static_cast<NSAttributeDictionary*>(content));
-    return intern(content);
+    return like(content);
+}
+
+// Whether the other dictionary differs from this one in having that value, or none, for the key.
+bool NSAttributeDictionary::isWithValue(NSAttributeDictionary* other, NSString* key, id value) {
+    NSUInteger others = count() - (objectForKey(key) ? 1 : 0);
+    if (other->count() != others + (value ? 1 : 0) || !areEqual(other->objectForKey(key), value))
+        return false;
+    for (auto [name, own] : detail::walk(this))
+        if (!key->isEqual(name) && !areEqual(other->objectForKey(name), own)) return false;
+    return true;
 }
 
 Retained<NSAttributeDictionary> NSAttributeDictionary::withValue(NSString* key, id value) {
     id old = objectForKey(key);
-    if (old == value || (old && value && value->isEqual(old)))
-        return Retained<NSAttributeDictionary>::retaining(this);
-    auto changed = make<NSAttributeDictionary>();
-    changed->_table.copyFrom(_table);
-    if (value)
-        changed->_table.set(value, key, "addAttribute:value:range:");
-    else
-        changed->_table.remove(key);
-    return intern(changed, changed);
+    if (areEqual(old, value)) return Retained<NSAttributeDictionary>::retaining(this);
+    std::uintptr_t hash = _hash;
+    if (old) hash -= 1 + hashOfEntry(key, old);
+    if (value) hash += 1 + hashOfEntry(key, value);
+    return intern(
+        hash, [=, this](NSAttributeDictionary* other) { return isWithValue(other, key, value); },
+        [=, this] {
+            auto changed = make<NSAttributeDictionary>();
+            changed->_table.copyFrom(_table);
+            if (value)
+                changed->_table.set(value, key, "addAttribute:value:range:");
+            else
+                changed->_table.remove(key);
+            return changed;
+        });
 }
 
 Retained<NSAttributeDictionary> NSAttributeDictionary::withEntries(NSDictionary* other) {
-    auto changed = make<NSAttributeDictionary>();
-    changed->_table.copyFrom(_table);
-    for (auto [key, value] : other) changed->_table.set(value, key, "addAttributes:range:");
-    return intern(changed, changed);
+    auto changed = mutableCopy();
+    changed->addEntriesFromDictionary(other);
+    return with(changed);
 }
 
 }  // namespace pelvor

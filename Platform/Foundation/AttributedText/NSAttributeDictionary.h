@@ -34,9 +34,10 @@ class NSAttributeDictionary final : public NSDictionary {
 
   private:
     struct Interned;
-    // The dictionary with that content; if there is none yet, `made`, or for null a copy of the content.
-    static Retained<NSAttributeDictionary> intern(NSDictionary* content,
-                                                  Retained<NSAttributeDictionary> made = nullptr);
+    template <class Matches, class Make>
+    static Retained<NSAttributeDictionary> intern(std::uintptr_t hash, Matches matches, Make make);
+    static Retained<NSAttributeDictionary> like(NSDictionary* content);
+    bool isWithValue(NSAttributeDictionary* other, NSString* key, id value);
 
     EntryTable _table;
     std::uintptr_t _hash = 0;
@@ -51,10 +52,13 @@ class AttributeMemo {
     /// the memo.
     template <class Make>
     const Retained<NSAttributeDictionary>& made(NSDictionary* source, Make make) {
-        auto address = reinterpret_cast<std::uintptr_t>(source);
-        Entry& entry = _entries[(address >> 4) * 0x9E3779B97F4A7C15u >> 59];
-        if (entry.source != source || !entry.made) entry = {source, make()};
-        return entry.made;
+        std::size_t home = (reinterpret_cast<std::uintptr_t>(source) >> 4) * 0x9E3779B97F4A7C15u >> 58;
+        for (std::size_t i = 0; i < kWays; ++i) {
+            Entry& entry = _entries[(home + i) % kSize];
+            if (entry.made && entry.source == source) return entry.made;
+            if (!entry.made) return (entry = {source, make()}).made;
+        }
+        return (_entries[home] = {source, make()}).made;
     }
 
   private:
@@ -62,7 +66,8 @@ class AttributeMemo {
         Unretained<NSDictionary> source = nullptr;
         Retained<NSAttributeDictionary> made;
     };
-    Entry _entries[32];
+    static constexpr std::size_t kSize = 64, kWays = 4;
+    Entry _entries[kSize];
 };
 
 }  // namespace pelvor

@@ -95,9 +95,9 @@ namespace {
 using Leaves = std::vector<NodeRef<RunLeaf>>;
 using DroppedAttributes = std::vector<Retained<NSAttributeDictionary>>;
 
-Leaves leavesOf(std::span<const AttributeStretch> stretches) {
+Leaves leavesOf(std::span<AttributeStretch> stretches) {
     Leaves leaves;
-    for (const AttributeStretch& stretch : stretches) {
+    for (AttributeStretch& stretch : stretches) {
         if (stretch.length == 0) continue;
         bool isFull = leaves.empty() || leaves.back()->count == RunLeaf::kUsual;
         if (isFull && !leaves.empty()) {
@@ -109,8 +109,7 @@ Leaves leavesOf(std::span<const AttributeStretch> stretches) {
             leaves.emplace_back(
                 RunLeaf::create(left < RunLeaf::kUsual ? static_cast<unsigned>(left) : RunLeaf::kMost));
         }
-        stretch.attributes->retain();
-        leaves.back().leaf()->append(stretch.length, stretch.attributes);
+        leaves.back().leaf()->append(stretch.length, stretch.attributes.leak());
     }
     return leaves;
 }
@@ -163,8 +162,8 @@ void apply(const Patch& patch, NodeRef<RunLeaf>& node, unsigned first, unsigned 
 }
 
 // Returns false where neighbouring leaves have to take part.
-bool replaceInLeaf(NodeRef<RunLeaf>& node, NSRange range, std::span<const AttributeStretch> stretches,
-                   bool isOnly, DroppedAttributes& dropped) {
+bool replaceInLeaf(NodeRef<RunLeaf>& node, NSRange range, std::span<AttributeStretch> stretches, bool isOnly,
+                   DroppedAttributes& dropped) {
     RunLeaf* leaf = node.leaf();
     NSUInteger end = NSMaxRange(range);
     if (end > leaf->length || stretches.size() > RunLeaf::kMost) return false;
@@ -174,7 +173,7 @@ bool replaceInLeaf(NodeRef<RunLeaf>& node, NSRange range, std::span<const Attrib
     if (first > 0 && leaf->starts()[first] == range.location) --first;
     Patch patch;
     patch.add(range.location - leaf->starts()[first], leaf->attributes()[first]);
-    for (const AttributeStretch& stretch : stretches) patch.add(stretch.length, stretch.attributes);
+    for (AttributeStretch& stretch : stretches) patch.add(stretch.length, stretch.attributes);
     patch.add(leaf->endOf(last) - end, leaf->attributes()[last]);
     unsigned count = leaf->count - (last - first + 1) + patch.count;
     if (count > RunLeaf::kMost || count == 0) return false;
@@ -185,11 +184,16 @@ bool replaceInLeaf(NodeRef<RunLeaf>& node, NSRange range, std::span<const Attrib
 
 }  // namespace
 
-RunTree::RunTree(std::span<const AttributeStretch> stretches) : _tree(leavesOf(stretches)) {}
+RunTree::RunTree(std::span<AttributeStretch> stretches) : _tree(leavesOf(stretches)) {}
 
 PlacedRun RunTree::runAt(NSUInteger place) const {
+    static constinit thread_local unsigned next = 0;  // a guess: the run behind that of the last look-up
     auto [leaf, start] = _tree.find(place);
-    unsigned run = leaf->runAt(place - start);
+    place -= start;
+    unsigned run = next;
+    if (run >= leaf->count || leaf->starts()[run] > place || leaf->endOf(run) <= place)
+        run = leaf->runAt(place);
+    next = run + 1;
     NSUInteger first = leaf->starts()[run];
     return {{start + first, leaf->endOf(run) - first}, leaf->attributes()[run]};
 }
@@ -204,7 +208,7 @@ void RunTree::stretch(NSUInteger place, NSUInteger added) {
     });
 }
 
-void RunTree::replace(NSRange range, std::span<const AttributeStretch> stretches) {
+void RunTree::replace(NSRange range, std::span<AttributeStretch> stretches) {
     DroppedAttributes dropped;  // released when the tree is whole again
     bool isOnly = _tree.onlyLeaf();
     bool isDone = _tree.editLeaf(range.location, [&](NodeRef<RunLeaf>& node, NSUInteger place) {

@@ -59,7 +59,8 @@ struct PlacedRun {
 class RunTree {
   public:
     RunTree() = default;
-    explicit RunTree(std::span<const AttributeStretch> stretches);
+    /// The tree takes the dictionaries over.
+    explicit RunTree(std::span<AttributeStretch> stretches);
 
     NSUInteger length() const { return _tree.length(); }
     /// The run that holds the place. The tree is not empty.
@@ -69,7 +70,8 @@ class RunTree {
 
     /// Makes the run that holds the place longer.
     void stretch(NSUInteger place, NSUInteger added);
-    void replace(NSRange range, std::span<const AttributeStretch> stretches);
+    /// The tree takes the dictionaries over.
+    void replace(NSRange range, std::span<AttributeStretch> stretches);
     void replace(NSRange range, const RunTree& with);
 
   private:

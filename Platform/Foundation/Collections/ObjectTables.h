@@ -76,6 +76,11 @@ inline std::uintptr_t spreadHash(std::uintptr_t hash) {
     return hash ^ (hash >> 32);
 }
 
+/// What an entry adds to the hash of its dictionary, beside 1 for its place.
+inline std::uintptr_t hashOfEntry(id key, id object) {
+    return spreadHash(spreadHash(hashOfElement(key)) + hashOfElement(object));
+}
+
 /// The greatest capacity for which room is made at once; a larger collection grows as it is filled.
 inline constexpr NSUInteger kLargestReserve = 1 << 20;
 

@@ -83,7 +83,7 @@ TEST_F(NSTextStorageTest, TellsEditsAndJoinsThoseInBrackets) {
     storage->endEditing();
     storage->endEditing();  // one too many
     EXPECT_EQ(scribe->takeHeard(), "3 {2, 11} 2");
-    EXPECT_EQ(storage->editedRange(), NSRange(NSNotFound, 0));
+    EXPECT_EQ(storage->editedRange(), NSMakeRange(NSNotFound, 0));
     storage->edited_range_changeInLength(NSTextStorageEditedAttributes, {1, 2}, 0);
     EXPECT_EQ(scribe->takeHeard(), "1 {1, 2} 0");
     EXPECT_EQ(RAISED(storage->edited_range_changeInLength(1, {100, 1}, 0)),
@@ -91,43 +91,14 @@ TEST_F(NSTextStorageTest, TellsEditsAndJoinsThoseInBrackets) {
 }
 
 TEST_F(NSTextStorageTest, AParagraphHasTheStyleOfItsFirstUnit) {
-    const struct {
-        const char* edit;
-        std::function<void()> perform;
-        const char *styles, *heard;
-    } rows[] = {
-        {"set inside a paragraph",
-         [&] {
-             setStyle(u"x"_ns, {5, 1});
-         },
-         "aaaabbbbccccc", "1 {5, 1} 0"},
-        {"set over two",
-         [&] {
-             setStyle(u"x"_ns, {2, 3});
-         },
-         "aaaaxxxxccccc", "1 {2, 3} 0 {2, 6}"},
-        {"join two",
-         [&] {
-             storage->deleteCharactersInRange({3, 1});
-         },
-         "aaaaaaaccccc", "2 {3, 0} -1 {3, 4}"},
-        {"part a break",
-         [&] {
-             storage->replaceCharactersInRange_withString({3, 1}, u"\r\n"_ns);
-             storage->replaceCharactersInRange_withString({4, 0}, u"x"_ns);
-         },
-         "aaaaaabbbbccccc", "2 {3, 2} 1, 2 {4, 1} 1"},
-    };
-    for (const auto& row : rows) {
-        storage->setAttributedString(NSAttributedString::initWithString(u"one\ntwo\nthree"_ns).get());
-        setStyle(u"a"_ns, {0, 4});
-        setStyle(u"b"_ns, {4, 4});
-        setStyle(u"c"_ns, {8, 5});
-        scribe->takeHeard();
-        row.perform();
-        EXPECT_EQ(styles(), row.styles) << row.edit;
-        EXPECT_EQ(scribe->takeHeard(), row.heard) << row.edit;
-    }
+    setStyle(u"a"_ns, {0, 4});
+    setStyle(u"b"_ns, {4, 4});
+    scribe->takeHeard();
+    setStyle(u"x"_ns, {2, 3});
+    EXPECT_EQ(styles(), "aaaaxxxx-----");
+    storage->deleteCharactersInRange({3, 1});
+    EXPECT_EQ(styles(), "aaaaaaa-----");
+    EXPECT_EQ(scribe->takeHeard(), "1 {2, 3} 0 {2, 6}, 2 {3, 0} -1 {3, 4}");
 }
 
 TEST_F(NSTextStorageTest, AttachmentsStandOnTheirCharacterOnly) {
@@ -155,7 +126,7 @@ TEST_F(NSTextStorageTest, ObserversMayEdit) {
         storage->replaceCharactersInRange_withString({0, 0}, u"will "_ns);
     });
     auto did = Listener::doing([&](id) {
-        EXPECT_EQ(storage->editedRange(), NSRange(0, 6));
+        EXPECT_EQ(storage->editedRange(), NSMakeRange(0, 6));
         setStyle(u"d"_ns, {0, 1});
     });
     will->listen(NSTextStorageWillProcessEditingNotification, storage);
