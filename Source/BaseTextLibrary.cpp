@@ -4,6 +4,9 @@
 #include "BaseLibrary.h"
 #include "NSAttributedString-PelvorAdditions.h"
 #include "NSEvent-PelvorAdditions.h"
+#include "NSLayoutManager-PelvorAdditions.h"
+#include "NSParagraphStyle-PelvorAdditions.h"
+#include "NSString-PelvorDrawingAdditions.h"
 #include "NSTextStorage-PelvorAdditions.h"
 #include "Text/TextLibrary.h"
 
@@ -17,9 +20,14 @@ constexpr Library* kDependencies[] = {&baseLibrary, &textLibrary};
 constexpr const Category* kCategories[] = {
     &NSAttributedString_PelvorAdditions_category,
     &NSEvent_PelvorAdditions_category,
+    &NSLayoutManager_PBInternalsExposed_category,
+    &NSLayoutManager_PelvorAdditions_category,
     &NSMutableAttributedString_PelvorAdditions_category,
+    &NSParagraphStyle_PelvorAdditions_category,
+    &NSString_PelvorDrawingAdditions_category,
     &NSTextStorage_DisplayAndModelAdditions_category,
     &NSTextStorage_LongestEffectiveRangeAdditions_category,
+    &NSTextTab_PropertyListSerializing_category,
 };
 // clang-format on
 

@@ -18,8 +18,13 @@ class NSMutableParagraphStyle;  ///< a paragraph style that can be changed
 class NSParagraphStyle;         ///< how the lines of a paragraph are set
 class NSTextTab;                ///< a tab stop
 
-// Text
-class NSEvent;        ///< what the user does, and which modifier keys are down
-class NSTextStorage;  ///< a text that tells layout managers and observers of its edits
+// Text and its layout
+class NSContainerRunTable;   ///< which glyphs stand in which container
+class NSEvent;               ///< what the user does, and which modifier keys are down
+class NSLayoutManager;       ///< sets a text in lines and tells where everything stands
+class NSTextAttachment;      ///< what stands on an attachment character
+class NSTextAttachmentCell;  ///< measures and draws an attachment
+class NSTextContainer;       ///< an area that text is laid out in
+class NSTextStorage;         ///< a text that tells layout managers and observers of its edits
 
 }  // namespace pelvor

@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Text/Layout/BlockList.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace pelvor {
+
+BlockSums& BlockSums::operator+=(const BlockSums& other) {
+    units += other.units;
+    height += other.height;
+    measuredUnits += other.measuredUnits;
+    blocks += other.blocks;
+    measuredBlocks += other.measuredBlocks;
+    unlaidBlocks += other.unlaidBlocks;
+    lines += other.lines;
+    return *this;
+}
+
+BlockSums& BlockSums::operator-=(const BlockSums& other) {
+    units -= other.units;
+    height -= other.height;
+    measuredUnits -= other.measuredUnits;
+    blocks -= other.blocks;
+    measuredBlocks -= other.measuredBlocks;
+    unlaidBlocks -= other.unlaidBlocks;
+    lines -= other.lines;
+    return *this;
+}
+
+// What is not measured is estimated from what is: lines of the average height, the last line of each block
+// half full.
+LongExtent BlockList::heightOf(const BlockSums& sums) const {
+    const std::uint32_t unmeasured = sums.blocks - sums.measuredBlocks;
+    if (unmeasured == 0) return sums.height;
+    double lineHeight = 15 * kExtentsPerPoint, unitsInLine = 80;
+    if (_sums.measuredBlocks && _sums.lines) {
+        lineHeight = static_cast<double>(_sums.height) / _sums.lines;
+        const double fullLines = _sums.lines - 0.5 * _sums.measuredBlocks;
+        unitsInLine = std::max(1.0, static_cast<double>(_sums.measuredUnits) / std::max(fullLines, 0.5));
+    }
+    const double lines =
+        static_cast<double>(sums.units - sums.measuredUnits) / unitsInLine + 0.5 * unmeasured;
+    return sums.height + static_cast<LongExtent>(lines * lineHeight);
+}
+
+// MARK: Changing
+
+void BlockList::recount(Chunk& chunk) {
+    _sums -= chunk.sums;
+    chunk.sums = {};
+    for (const auto& block : chunk.blocks) chunk.sums += BlockSums::of(*block);
+    _sums += chunk.sums;
+}
+
+void BlockList::assign(Blocks blocks) {
+    if (blocks.empty()) blocks.push_back(std::make_unique<Block>());
+    _chunks.clear();
+    _sums = {};
+    for (std::size_t start = 0; start < blocks.size(); start += kChunkSize / 2) {
+        auto from = blocks.begin() + static_cast<std::ptrdiff_t>(start);
+        auto to =
+            blocks.begin() + static_cast<std::ptrdiff_t>(std::min(start + kChunkSize / 2, blocks.size()));
+        _chunks.push_back({Blocks(std::make_move_iterator(from), std::make_move_iterator(to)), {}});
+        recount(_chunks.back());
+    }
+}
+
+void BlockList::replace(BlockPlace first, std::size_t count, Blocks blocks) {
+    std::size_t chunk = first.chunk;
+    // The blocks that go: in the first chunk, in whole chunks behind it, at the front of the last one.
+    Chunk& target = _chunks[chunk];
+    const std::size_t here = std::min(count, target.blocks.size() - first.index);
+    auto place = target.blocks.begin() + static_cast<std::ptrdiff_t>(first.index);
+    place = target.blocks.erase(place, place + static_cast<std::ptrdiff_t>(here));
+    target.blocks.insert(place, std::make_move_iterator(blocks.begin()),
+                         std::make_move_iterator(blocks.end()));
+    recount(target);
+    for (std::size_t left = count - here; left > 0;) {
+        Chunk& after = _chunks[chunk + 1];
+        const std::size_t gone = std::min(left, after.blocks.size());
+        after.blocks.erase(after.blocks.begin(), after.blocks.begin() + static_cast<std::ptrdiff_t>(gone));
+        recount(after);
+        if (after.blocks.empty()) _chunks.erase(_chunks.begin() + static_cast<std::ptrdiff_t>(chunk + 1));
+        left -= gone;
+    }
+    rebalance(chunk);
+}
+
+void BlockList::rebalance(std::size_t index) {
+    if (_chunks[index].blocks.empty() && _chunks.size() > 1) {
+        _chunks.erase(_chunks.begin() + static_cast<std::ptrdiff_t>(index));
+        return;
+    }
+    if (_chunks[index].blocks.size() < kChunkSize / 4 && index + 1 < _chunks.size()) {
+        Chunk& next = _chunks[index + 1];
+        auto& blocks = _chunks[index].blocks;
+        std::move(next.blocks.begin(), next.blocks.end(), std::back_inserter(blocks));
+        next.blocks.clear();
+        recount(next);
+        _chunks.erase(_chunks.begin() + static_cast<std::ptrdiff_t>(index + 1));
+        recount(_chunks[index]);
+    }
+    if (_chunks[index].blocks.size() <= kChunkSize) return;
+    Blocks blocks = std::move(_chunks[index].blocks);
+    _chunks[index].blocks.clear();
+    recount(_chunks[index]);
+    std::vector<Chunk> parts;
+    for (std::size_t start = 0; start < blocks.size(); start += kChunkSize / 2) {
+        auto from = blocks.begin() + static_cast<std::ptrdiff_t>(start);
+        auto to =
+            blocks.begin() + static_cast<std::ptrdiff_t>(std::min(start + kChunkSize / 2, blocks.size()));
+        parts.push_back({Blocks(std::make_move_iterator(from), std::make_move_iterator(to)), {}});
+        recount(parts.back());
+    }
+    _chunks[index] = std::move(parts.front());
+    _chunks.insert(_chunks.begin() + static_cast<std::ptrdiff_t>(index + 1),
+                   std::make_move_iterator(parts.begin() + 1), std::make_move_iterator(parts.end()));
+}
+
+NSUInteger BlockList::forgetLines(NSRange range) {
+    BlockPlace place = placeOfUnit(range.location);
+    if (at(place).continues) place = previous(place);
+    const NSUInteger start = place.unit;
+    for (bool isTouched = true;; place = next(place)) {
+        if (!isTouched && !at(place).continues) break;
+        change(place, [&](Block& block) {
+            block.keepsLines = !isTouched && (block.isLaid || block.keepsLines);
+            block.isLaid = false;
+        });
+        if (isLast(place)) break;
+        isTouched = place.unit + at(place).units < std::max(NSMaxRange(range), range.location + 1);
+    }
+    return start;
+}
+
+void BlockList::forgetAllLines() {
+    for (Chunk& chunk : _chunks) {
+        for (auto& block : chunk.blocks) block->isLaid = block->keepsLines = false;
+        recount(chunk);
+    }
+}
+
+// MARK: Looking up
+
+BlockPlace BlockList::placeOfUnit(NSUInteger unit) {
+    BlockPlace place;
+    while (place.chunk + 1 < _chunks.size() && unit - place.unit >= _chunks[place.chunk].sums.units)
+        place.unit += static_cast<NSUInteger>(_chunks[place.chunk++].sums.units);
+    const Blocks& blocks = _chunks[place.chunk].blocks;
+    while (place.index + 1 < blocks.size() && unit - place.unit >= blocks[place.index]->units)
+        place.unit += blocks[place.index++]->units;
+    return place;
+}
+
+BlockPlace BlockList::placeOfHeight(LongExtent height, LongExtent& top) {
+    BlockPlace place;
+    top = 0;
+    for (LongExtent extent; place.chunk + 1 < _chunks.size(); ++place.chunk) {
+        extent = heightOf(_chunks[place.chunk].sums);
+        if (height < top + extent) break;
+        top += extent;
+        place.unit += static_cast<NSUInteger>(_chunks[place.chunk].sums.units);
+    }
+    const Blocks& blocks = _chunks[place.chunk].blocks;
+    for (LongExtent extent; place.index + 1 < blocks.size(); ++place.index) {
+        extent = heightOf(*blocks[place.index]);
+        if (height < top + extent) break;
+        top += extent;
+        place.unit += blocks[place.index]->units;
+    }
+    return place;
+}
+
+LongExtent BlockList::topOf(const BlockPlace& place) {
+    BlockSums before;
+    for (std::size_t chunk = 0; chunk < place.chunk; ++chunk) before += _chunks[chunk].sums;
+    for (std::size_t index = 0; index < place.index; ++index)
+        before += BlockSums::of(*_chunks[place.chunk].blocks[index]);
+    return heightOf(before);
+}
+
+BlockPlace BlockList::last() {
+    const Chunk& chunk = _chunks.back();
+    return {_chunks.size() - 1, chunk.blocks.size() - 1,
+            static_cast<NSUInteger>(_sums.units) - chunk.blocks.back()->units};
+}
+
+BlockPlace BlockList::next(BlockPlace place) const {
+    const Blocks& blocks = _chunks[place.chunk].blocks;
+    place.unit += blocks[place.index]->units;
+    if (++place.index == blocks.size()) {
+        ++place.chunk;
+        place.index = 0;
+    }
+    return place;
+}
+
+BlockPlace BlockList::previous(BlockPlace place) const {
+    if (place.index == 0) place.index = _chunks[--place.chunk].blocks.size();
+    --place.index;
+    place.unit -= _chunks[place.chunk].blocks[place.index]->units;
+    return place;
+}
+
+bool BlockList::firstUnlaid(BlockPlace& place) const {
+    place = {};
+    while (place.chunk < _chunks.size() && _chunks[place.chunk].sums.unlaidBlocks == 0)
+        place.unit += static_cast<NSUInteger>(_chunks[place.chunk++].sums.units);
+    if (place.chunk == _chunks.size()) return false;
+    while (_chunks[place.chunk].blocks[place.index]->isLaid)
+        place.unit += _chunks[place.chunk].blocks[place.index++]->units;
+    return true;
+}
+
+}  // namespace pelvor

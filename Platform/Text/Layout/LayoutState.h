@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: Apache-2.0
+// What a layout manager knows: the blocks of its text, how far they fill the containers, and the glyphs of
+// the lines that were looked at last.
+#pragma once
+
+#include "Text/Layout/LineGlyphs.h"
+#include "Text/NSTextContainer.h"
+
+namespace pelvor {
+
+/// A line, found by one of its units or by its place.
+struct LinePlace {
+    BlockPlace block;
+    std::size_t line = 0;
+    LongExtent top = 0;  ///< from the top of the first block
+};
+
+/// The units that one container holds.
+struct ContainerFilling {
+    NSUInteger start = 0, end = 0;
+    LongExtent top = 0;  ///< the container's upper edge, from the top of the first block
+};
+
+class LayoutState {
+  public:
+    explicit LayoutState(NSLayoutManager* layoutManager) { tools.layoutManager = layoutManager; }
+
+    // Text and containers
+
+    void setStorage(NSTextStorage* storage);
+    NSUInteger length() const;
+    /// The text was edited; the list of blocks follows.
+    void textChanged(NSRange newRange, NSInteger delta);
+    void attributesChanged(NSRange range);
+    /// The lines from the unit on have to be placed anew, and broken anew where their rooms may differ.
+    void placeAgainFrom(NSUInteger unit);
+    /// Containers came, went or changed. Whether lines have to be broken anew is found out here.
+    void containersChanged();
+    /// A container came behind the others.
+    void containerAppended();
+    void forgetEverything();
+
+    std::vector<Retained<NSTextContainer>> containers;
+    LayoutTools tools;
+    Unretained<Object> delegate = nullptr;
+    std::vector<NSRect> selectionRects;  // those that were asked for last
+    float hyphenationFactor = 0;
+    bool usesFontLeading = true;
+    bool usesScreenFonts = false;
+    bool ignoresAntialiasThreshold = false;
+
+    // Laying out
+
+    /// Sees to it that the unit's line is laid out and, where that depends on the text before it, placed.
+    /// False if there is no container for it.
+    bool ensure(NSUInteger unit);
+    void ensureAll();
+    /// Lays out all lines down to the height in the container.
+    void ensureHeight(std::size_t container, LongExtent height);
+    /// Lays out some unlaid text from the front; whether any is left.
+    bool layOutSome(NSUInteger units);
+
+    // Asking; nothing here lays out.
+
+    NSUInteger firstUnlaid();
+    /// Whether there is a single endless container, whose text can be laid out in any order.
+    bool isFree() const;
+    /// The containers that hold text, as far as it is placed.
+    const std::vector<ContainerFilling>& fillings();
+    /// The container of the unit among the fillings; their number if there is none.
+    std::size_t containerOf(NSUInteger unit);
+    std::size_t indexOf(NSTextContainer* container) const;
+    /// The unit's line; {NSNotFound, 0} where it is not laid out.
+    NSRange laidLineRange(NSUInteger unit);
+    static std::size_t lineIndex(const Block& block, NSUInteger unit);
+    LongExtent estimatedHeight() { return _blocks.estimatedHeight(); }
+
+    // Lines that are laid out
+
+    LinePlace lineOf(NSUInteger unit);
+    /// The line at the height from the top of the first block, among those that are laid out near there.
+    LinePlace lineAtHeight(LongExtent height);
+    bool next(LinePlace& place);
+    const Line& at(const LinePlace& place) { return _blocks.at(place.block).lines[place.line]; }
+    NSRange rangeOf(const LinePlace& place);
+    Block& blockOf(const LinePlace& place) { return _blocks.at(place.block); }
+    /// In the container.
+    NSRect rectOf(const LinePlace& place);
+    NSRect usedRectOf(const LinePlace& place);
+    /// From the upper edge of the line's rectangle.
+    float baselineOf(const LinePlace& place);
+    /// Valid until other lines are asked about or the text changes.
+    LineGlyphs& glyphsOf(const LinePlace& place);
+    BlockList& blocks();
+
+  private:
+    class ContainerRooms;
+    // How far the text is placed, where that is done from the front.
+    struct Frontier {
+        BlockPlace block;
+        std::size_t line = 0;
+        std::size_t container = 0;
+        LongExtent y = 0;
+        bool isDone = false;       // nothing is left
+        bool isExhausted = false;  // no container is left
+        bool isTold = false;       // and the delegate knows
+    };
+
+    BlockList::Blocks scan(NSRange range, bool continues);
+    bool isUniform() const;
+    LineRoom roomOf(NSTextContainer* container) const;
+    void layOut(BlockPlace place, LineRooms& rooms);
+    void layOutFree(BlockPlace place);
+    bool absorbNext(BlockPlace place);
+    void moveEnd(BlockPlace place, std::uint32_t units);
+    void advance();
+    void layOutNext(BlockPlace place);
+    void placeLines(Block& block);
+    void beginContainer(NSUInteger unit, LongExtent top);
+    bool nextContainer();
+    void tellDelegate(NSTextContainer* container, bool isEnd);
+    void retreat(NSUInteger unit);
+    void forgetGlyphs(const Block* block);
+    void forgetEmptyEnd(NSUInteger changedEnd);
+
+    BlockList _blocks;
+    bool _isScanned = false;
+    bool _isUniform = true;
+    LineRoom _room;  // of all lines, where the rooms are uniform
+    Frontier _frontier;
+    std::vector<ContainerFilling> _fillings;
+    std::size_t _toldContainers = 0;  // whose completion the delegate knows
+    std::vector<ContainerFilling> _freeFilling;
+
+    struct KeptGlyphs {
+        const Block* block = nullptr;
+        std::size_t line = 0;
+        std::unique_ptr<LineGlyphs> glyphs;
+    };
+    static constexpr std::size_t kKeptLines = 64;
+    std::vector<KeptGlyphs> _glyphs;
+    std::size_t _oldest = 0;
+
+    MeasuredText _text;       // of the block that is laid out
+    MeasuredText _drawnText;  // of the block whose glyphs were made last
+    const Block* _drawnBlock = nullptr;
+};
+
+}  // namespace pelvor

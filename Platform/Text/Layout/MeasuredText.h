@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+// A stretch of text made ready for line breaking: its runs of one font and direction, its advances, its
+// breaks.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "Text/Fonts/Shaping.h"
+#include "Text/Layout/LineBreaks.h"
+#include "Text/Layout/TextStyle.h"
+
+namespace pelvor {
+
+class NSTextStorage;
+
+/// Units that are set in one way.
+struct TextRun {
+    enum class Kind : std::uint8_t { text, tab, attachment, lineEnd };
+
+    std::uint32_t start = 0, end = 0;
+    Kind kind = Kind::text;
+    std::uint8_t level = 0;  // of embedding: odd from right to left
+    ScriptTag script = 0;
+    const TextStyle* style = nullptr;
+    Unretained<NSFont> font = nullptr;
+    NSRect frame{};  // of an attachment, from the baseline, y upwards
+};
+
+/// What the layout of one layout manager uses again and again. One thread at a time.
+struct LayoutTools {
+    Unretained<NSLayoutManager> layoutManager = nullptr;
+    Unretained<NSTextStorage> storage = nullptr;
+    TextStyles styles;
+    Boundaries boundaries;
+};
+
+/// The characters that end a paragraph: LF, FF, CR, NEL and the paragraph separator.
+constexpr bool isParagraphEnd(unichar unit) {
+    return unit == 0x0A || unit == 0x0C || unit == 0x0D || unit == 0x85 || unit == 0x2029;
+}
+/// Those, the line separator and the line tabulation.
+constexpr bool isLineEnd(unichar unit) { return isParagraphEnd(unit) || unit == 0x2028 || unit == 0x0B; }
+
+class MeasuredText {
+  public:
+    enum Mark : std::uint8_t {
+        kMayBreak = 1,  ///< a line may begin before the unit
+        kBlank = 2,     ///< hangs over the end of a line
+        kSpecial = 4,   ///< a tab, an attachment, a line end or a soft hyphen
+        kText = 8,      ///< other than a blank
+    };
+
+    /// Reads units from the storage and measures them. They are part of one paragraph, whose direction may be
+    /// known.
+    enum class Direction { unknown, leftToRight, rightToLeft };
+    void read(LayoutTools& tools, NSRange range, Direction direction);
+
+    std::uint32_t size() const { return static_cast<std::uint32_t>(units.size()); }
+    std::u16string_view text() const { return units; }
+    NSParagraphStyle* paragraph() const { return _paragraphStyle->paragraph; }
+    /// What shapes all of the run.
+    ShapingRun shapingOf(const TextRun& run) const;
+    /// Keeps a style alive that a run refers to.
+    void keepStyle(const TextStyle* style, std::vector<std::shared_ptr<const TextStyle>>& styles) const;
+    /// The run that holds the unit; of an empty text an empty run.
+    std::size_t runAt(std::uint32_t unit) const;
+
+    NSRange range{};  // in the storage
+    std::u16string units;
+    std::vector<Extent> advances;  // of the cluster that begins at the unit, with the kern
+    std::vector<std::uint8_t> marks;
+    std::vector<TextRun> runs;
+    bool isRightToLeft = false;
+    bool hasSpecials = false;  // apart from the line end
+
+  private:
+    void findDirections(Direction known);
+    void findStyles(LayoutTools& tools);
+    void addTextRuns(LayoutTools& tools, std::uint32_t start, std::uint32_t end, const TextStyle& style);
+    void addRun(TextRun run);
+    std::uint32_t endOfShaping(LayoutTools& tools, std::uint32_t start, std::uint32_t end);
+    void measure(const TextRun& run);
+
+    std::vector<std::shared_ptr<const TextStyle>> _styles;
+    const TextStyle* _paragraphStyle = nullptr;
+    std::vector<std::uint8_t> _levels;  // empty where all text runs from left to right
+};
+
+}  // namespace pelvor

@@ -1,0 +1,433 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Text/Layout/Typesetter.h"
+
+#include <algorithm>
+
+#include "Foundation/NSCharacterSet.h"
+#include "Runtime/Message.h"
+#include "Text/NSTextContainer.h"
+#include "Text/NSTextTab.h"
+
+namespace pelvor {
+
+namespace {
+
+constexpr double kPlainTabInterval = 36;
+
+SEL tabQuestion() { return "textTabForGlyphLocation:writingDirection:maxLocation:"_sel; }
+SEL frameQuestion() {
+    return "cellFrameForTextContainer:proposedLineFragment:glyphPosition:characterIndex:"_sel;
+}
+
+bool isCutting(NSLineBreakMode mode) { return mode >= NSLineBreakByClipping; }
+
+}  // namespace
+
+// A tab whose width depends on the text behind it.
+struct Typesetter::PendingTab {
+    bool isOpen = false;
+    std::uint32_t unit = 0;
+    Extent pen = 0;  // where the tab begins
+    Extent stop = 0;
+    NSTextTabType type = NSLeftTabStopType;
+    id terminators = nullptr;
+    Extent text = 0;  // the width of the text behind it, up to the column's end
+
+    Extent width() const {
+        const Extent before = type == NSCenterTabStopType ? text / 2 : type == NSLeftTabStopType ? 0 : text;
+        return std::max(0, stop - pen - before);
+    }
+};
+
+Typesetter::Typesetter(LayoutTools& tools, MeasuredText& text, bool beginsParagraph, bool endsParagraph)
+    : _tools(tools),
+      _text(text),
+      _style(text.paragraph()),
+      _beginsParagraph(beginsParagraph),
+      _endsParagraph(endsParagraph),
+      _asksForTabs(text.hasSpecials && _style->respondsToSelector(tabQuestion())) {}
+
+// MARK: Tabs and attachments
+
+bool Typesetter::findTab(Extent pen, Extent limit, PendingTab& pending) const {
+    NSTextTab* tab = nullptr;
+    if (_asksForTabs) {
+        tab = cast<NSTextTab>(
+            send<id>(_style, tabQuestion(), pointsOf(pen), _style->baseWritingDirection(), pointsOf(limit)));
+        if (!tab) return false;
+    } else {
+        for (id each : _style->tabStops())
+            if (extentOf(static_cast<double>(cast<NSTextTab>(each)->location())) > pen) {
+                tab = cast<NSTextTab>(each);
+                break;
+            }
+    }
+    if (tab) {
+        pending.stop = std::max(extentOf(static_cast<double>(tab->location())), pen);
+        pending.type = tab->tabStopType();
+        pending.terminators = pending.type == NSDecimalTabStopType
+                                  ? tab->options()->objectForKey(NSTabColumnTerminatorsAttributeName)
+                                  : nullptr;
+    } else {
+        const float interval = _style->defaultTabInterval();
+        const Extent step =
+            std::max(1, extentOf(interval > 0 ? static_cast<double>(interval) : kPlainTabInterval));
+        pending.stop = pen - pen % step + step;
+        pending.type = NSLeftTabStopType;
+    }
+    return pending.stop < limit;
+}
+
+bool Typesetter::endsColumn(const PendingTab& pending, unichar unit) const {
+    if (auto set = cast<NSCharacterSet>(pending.terminators)) return set->characterIsMember(unit);
+    auto text = cast<NSString>(pending.terminators);
+    for (NSUInteger i = 0; text && i < text->length(); ++i)
+        if (text->characterAtIndex(i) == unit) return true;
+    return false;
+}
+
+Extent Typesetter::attachmentWidth(std::uint32_t unit, const LineRoom& room, Extent pen,
+                                   NSTextContainer* container) {
+    TextRun& run = _text.runs[_text.runAt(unit)];
+    NSTextAttachment* attachment = run.style->attachment;
+    if (run.kind != TextRun::Kind::attachment) return _text.advances[unit];
+    id cell = attachment->attachmentCell();
+    run.frame = attachment->bounds();
+    if (cell && cell->respondsToSelector(frameQuestion())) {
+        const NSRect line{{pointsOf(room.left), 0}, {pointsOf(room.width), 0}};
+        run.frame = send<NSRect>(cell, frameQuestion(), container, line, NSPoint{pointsOf(pen), 0},
+                                 _text.range.location + unit);
+    }
+    return std::max(0, extentOf(static_cast<double>(run.frame.size.width)));
+}
+
+void Typesetter::measureSpecials(const Line& line, NSTextContainer* container) {
+    if (!_text.hasSpecials) return;
+    const LineRoom room{line.left, line.room,
+                        container ? extentOf(static_cast<double>(container->lineFragmentPadding())) : 0};
+    fill(line.start, boxOf(room, line.isFirst, !line.followsInLine), true, room, container);
+}
+
+// MARK: What fits into a room
+
+Typesetter::Box Typesetter::boxOf(const LineRoom& room, bool isFirst, bool isFirstFragment) const {
+    const double indent = static_cast<double>(isFirst ? _style->firstLineHeadIndent() : _style->headIndent());
+    const double tail = static_cast<double>(_style->tailIndent());
+    const Extent width = std::max(0, room.width - 2 * room.padding);
+    Box box{isFirstFragment ? extentOf(indent) : 0,
+            tail > 0 ? std::min(extentOf(tail), width) : width + extentOf(tail)};
+    box.end = std::max(box.end, box.start);
+    return box;
+}
+
+// Hyphenates the word that does not fit, if a division of it does.
+bool Typesetter::hyphenate(std::uint32_t from, std::uint32_t overflow, Extent pen, Extent limit,
+                           Filling& filling) {
+    const auto isLetter = [&](std::uint32_t unit) {
+        return (_text.marks[unit] & MeasuredText::kText) &&
+               NSCharacterSet::letterCharacterSet()->characterIsMember(_text.units[unit]);
+    };
+    while (from < overflow && !isLetter(from)) pen += _text.advances[from++];
+    std::uint32_t end = from;
+    while (end < _text.size() && isLetter(end)) ++end;
+    if (end <= overflow && end < _text.size()) return false;
+    const TextRun& run = _text.runs[_text.runAt(from)];
+    const Extent hyphen = _tools.styles.extentsOf(run.font).hyphen;
+    bool isFound = false;
+    std::uint32_t unit = from;
+    for (std::uint32_t point :
+         _tools.boundaries.hyphenationPoints(_text.text().substr(from, end - from), run.style->language)) {
+        for (; unit < from + point; ++unit) pen += _text.advances[unit];
+        if (pen + hyphen > limit) break;
+        filling.end = unit;
+        filling.width = pen + hyphen;
+        filling.isHyphenated = isFound = true;
+    }
+    return isFound;
+}
+
+// Where to end a line whose text overflows at a unit; `pen` is where that unit begins.
+Filling Typesetter::breakAt(std::uint32_t overflow, Extent pen, std::uint32_t start, Box box,
+                            bool breaksAnywhere) {
+    Filling filling = _bestFilling;
+    filling.isComplete = true;
+    if (_best > start && _style->lineBreakMode() != NSLineBreakByCharWrapping) return filling;
+    if (!breaksAnywhere) return {start, 0, false, false, false, false, true};
+    std::uint32_t end = overflow;
+    // Between characters, and where it can be between pieces that are set as one.
+    for (int tries = 0; tries < 32 && end > start; ++tries) {
+        end = _tools.boundaries.characterStart(_text.text(), end);
+        if (end == overflow || end <= start || _text.advances[end]) break;
+        --end;
+    }
+    if (end <= start) end = _tools.boundaries.characterEnd(_text.text(), start);
+    for (std::uint32_t unit = end; unit < overflow; ++unit) pen -= _text.advances[unit];
+    for (std::uint32_t unit = overflow; unit < end; ++unit) pen += _text.advances[unit];
+    filling = {};
+    filling.width = pen - box.start;
+    while (end < _text.size() && (_text.marks[end] & MeasuredText::kBlank)) ++end;
+    filling.end = end;
+    filling.isComplete = true;
+    return filling;
+}
+
+Filling Typesetter::fill(std::uint32_t start, Box box, bool breaksAnywhere, const LineRoom& room,
+                         NSTextContainer* container) {
+    const bool isCutting_ = isCutting(_style->lineBreakMode());
+    const std::uint32_t size = _text.size();
+    Extent pen = box.start, textEnd = box.start;
+    PendingTab tab;
+    Extent bestTabText = 0, bestPen = 0;
+    _best = start;
+    _bestFilling = {};
+    const auto settleTab = [&](Extent text) {
+        if (!tab.isOpen) return;
+        tab.text = text;
+        _text.advances[tab.unit] = tab.width();
+        tab.isOpen = false;
+    };
+    const auto finish = [&](std::uint32_t end) {
+        settleTab(tab.text);
+        Filling filling;
+        filling.end = end;
+        filling.width = textEnd - box.start;
+        if (isCutting_ && textEnd > box.end) {
+            filling.width = box.end - box.start;
+            filling.isCut = true;
+        }
+        return filling;
+    };
+    for (std::uint32_t unit = start; unit < size; ++unit) {
+        const std::uint8_t mark = _text.marks[unit];
+        if ((mark & MeasuredText::kMayBreak) && unit > start && !isCutting_) {
+            const bool isSoftHyphen = _text.units[unit - 1] == 0xAD;
+            const Extent end =
+                textEnd +
+                (isSoftHyphen ? _tools.styles.extentsOf(_text.runs[_text.runAt(unit - 1)].font).hyphen : 0);
+            if (!isSoftHyphen || end <= box.end) {
+                _best = unit;
+                _bestFilling.end = unit;
+                _bestFilling.width = end - box.start;
+                _bestFilling.isHyphenated = isSoftHyphen;
+                bestTabText = tab.text;
+                bestPen = pen;
+            }
+        }
+        Extent advance = _text.advances[unit];
+        if (mark & MeasuredText::kSpecial) {
+            const unichar special = _text.units[unit];
+            if (isLineEnd(special)) {
+                const bool isPair = special == '\r' && unit + 1 < size && _text.units[unit + 1] == '\n';
+                Filling filling = finish(unit + (isPair ? 2 : 1));
+                filling.isComplete = filling.endsHard = true;
+                filling.endsContainer = special == 0x0C;
+                return filling;
+            }
+            if (special == '\t') {
+                settleTab(tab.text);
+                PendingTab found;
+                found.unit = unit;
+                found.pen = pen;
+                if (findTab(pen, box.end, found)) {
+                    found.isOpen = found.type != NSLeftTabStopType;
+                    advance = _text.advances[unit] = found.width();
+                    tab = found;
+                    if (tab.isOpen) {  // so far nothing stands behind it
+                        pen += advance;
+                        textEnd = pen;
+                        continue;
+                    }
+                } else {
+                    advance = _text.advances[unit] = 0;
+                    if (unit > start && !isCutting_) {  // no stop is left in this line
+                        _best = unit;
+                        _bestFilling = {};
+                        _bestFilling.end = unit;
+                        _bestFilling.width = textEnd - box.start;
+                        return breakAt(unit, pen, start, box, breaksAnywhere);
+                    }
+                }
+            } else if (special == NSAttachmentCharacter) {
+                advance = _text.advances[unit] = attachmentWidth(unit, room, pen, container);
+            }
+        }
+        const Extent before = pen;
+        if (tab.isOpen) {
+            if (tab.terminators && endsColumn(tab, _text.units[unit])) {
+                settleTab(tab.text);
+                pen += advance;
+            } else {
+                tab.text = std::min(tab.text + advance, kGreatestExtent);
+                pen = tab.pen + tab.width() + tab.text;
+            }
+        } else {
+            pen = std::min(pen + advance, kGreatestExtent);
+        }
+        if (mark & MeasuredText::kBlank) continue;
+        if (pen > box.end && !isCutting_) {
+            // Everything behind the best end goes to the next line, and with it what it moved.
+            const Extent text = tab.isOpen && _best > tab.unit ? bestTabText : tab.text;
+            const bool hadTab = tab.isOpen;
+            settleTab(text);
+            const float factor = hyphenationFactor;
+            const Extent width = box.end - box.start;
+            if (factor > 0 && !hadTab && breaksAnywhere &&
+                static_cast<float>(_bestFilling.width) < factor * static_cast<float>(width)) {
+                Filling filling;
+                if (hyphenate(_best, unit, _best > start ? bestPen : box.start, box.end, filling)) {
+                    filling.width -= box.start;
+                    filling.isComplete = true;
+                    return filling;
+                }
+            }
+            return breakAt(unit, before, start, box, breaksAnywhere);
+        }
+        textEnd = pen;
+    }
+    Filling filling = finish(size);
+    filling.endsHard = filling.isComplete = _endsParagraph;
+    return filling;
+}
+
+// MARK: Lines
+
+void Typesetter::measureHeight(std::uint32_t start, std::uint32_t end, bool isFirst, bool isLast) {
+    Extent ascent = 0, descent = 0, leading = 0;
+    while (_run > 0 && _text.runs[_run].start > start) --_run;
+    while (_run + 1 < _text.runs.size() && _text.runs[_run].end <= start && start < _text.size()) ++_run;
+    for (std::size_t i = _run; i < _text.runs.size(); ++i) {
+        const TextRun& run = _text.runs[i];
+        if (run.start >= end && i > _run) break;
+        const Extent shift = run.style->shift;
+        if (run.kind == TextRun::Kind::attachment) {
+            const NSRect& frame = run.frame;
+            ascent = std::max(ascent, extentOf(static_cast<double>(NSMaxY(frame))) + shift);
+            descent = std::max(descent, extentOf(-static_cast<double>(NSMinY(frame))) - shift);
+        } else {
+            const FontExtents& extents = _tools.styles.extentsOf(run.font);
+            ascent = std::max(ascent, extents.ascent + std::max(shift, 0));
+            descent = std::max(descent, extents.descent - std::min(shift, 0));
+            if (usesFontLeading) leading = std::max(leading, extents.leading);
+        }
+    }
+    const auto limit = [](float points) { return extentOf(static_cast<double>(points)); };
+    Extent height = ascent + descent + leading;
+    if (const float multiple = _style->lineHeightMultiple(); multiple > 0)
+        height = extentOf(static_cast<double>(multiple) * height / kExtentsPerPoint);
+    height = std::max(height, limit(_style->minimumLineHeight()));
+    if (_style->maximumLineHeight() > 0) height = std::min(height, limit(_style->maximumLineHeight()));
+    _height = {};
+    _height.spacingAbove = isFirst ? std::max(0, limit(_style->paragraphSpacingBefore())) : 0;
+    _height.spacingBelow = std::max(0, limit(isLast ? _style->paragraphSpacing() : _style->lineSpacing()));
+    // What a line is higher or lower than its text, it is above the text.
+    _height.baseline = _height.spacingAbove + height - descent - leading;
+    _height.height = _height.spacingAbove + height + _height.spacingBelow;
+}
+
+void Typesetter::align(Line& line, const Filling& filling, Box box, const LineRoom& room) const {
+    const bool isRightToLeft = _text.isRightToLeft;
+    const Extent from = isRightToLeft ? room.left + room.width - room.padding - box.end
+                                      : room.left + room.padding + box.start;
+    const Extent free = box.end - box.start - filling.width;
+    NSTextAlignment alignment = _style->alignment();
+    const NSTextAlignment natural = isRightToLeft ? NSRightTextAlignment : NSLeftTextAlignment;
+    line.textWidth = filling.width;
+    if (alignment == NSJustifiedTextAlignment && !filling.endsHard && !filling.isCut && free > 0) {
+        line.extra = free;
+        line.textLeft = from;
+        return;
+    }
+    if (alignment == NSNaturalTextAlignment || alignment == NSJustifiedTextAlignment) alignment = natural;
+    if (free < 0) alignment = natural;
+    line.textLeft = alignment == NSRightTextAlignment    ? from + free
+                    : alignment == NSCenterTextAlignment ? from + free / 2
+                                                         : from;
+}
+
+// Fills the rooms of one line; false if nothing fits.
+bool Typesetter::setFragments(std::span<const LineRoom> rooms, std::uint32_t start, bool forced,
+                              NSTextContainer* container) {
+    _fragments.clear();
+    const bool isFirst = _beginsParagraph && start == 0;
+    for (const LineRoom& room : rooms) {
+        const Box box = boxOf(room, isFirst, _fragments.empty());
+        Fragment fragment;
+        fragment.filling = fill(start, box, forced || rooms.size() == 1, room, container);
+        if (fragment.filling.end == start && start < _text.size()) continue;
+        Line& line = fragment.line;
+        line.start = start;
+        line.left = room.left;
+        line.room = room.width;
+        line.isFirst = isFirst;
+        line.followsInLine = !_fragments.empty();
+        line.endsHard = fragment.filling.endsHard;
+        line.endsContainer = fragment.filling.endsContainer;
+        line.isHyphenated = fragment.filling.isHyphenated;
+        line.isCut = fragment.filling.isCut;
+        line.isRightToLeft = _text.isRightToLeft;
+        align(line, fragment.filling, box, room);
+        start = fragment.filling.end;
+        _fragments.push_back(fragment);
+        if (fragment.filling.endsHard || !fragment.filling.isComplete || start >= _text.size()) break;
+    }
+    return !_fragments.empty();
+}
+
+// Sets the line at `start`, which moves behind it. Returns false if the line may go on behind the text.
+bool Typesetter::setLine(LineRooms& source, std::uint32_t& start, std::vector<Line>& lines) {
+    const bool isFirst = _beginsParagraph && start == 0;
+    Extent skip = 0, guess = lines.empty() ? 0 : lines.back().height;
+    for (int tries = 0;; ++tries) {
+        const auto rooms = source.rooms(guess, skip);
+        if (!setFragments(rooms, start, tries > 1000, source.container())) {
+            if (source.descend()) continue;
+            setFragments(rooms, start, true, source.container());
+        }
+        const Filling& last = _fragments.back().filling;
+        const bool isLast =
+            last.endsHard && (last.end >= _text.size() || isParagraphEnd(_text.units[last.end - 1]));
+        measureHeight(start, last.end, isFirst, isLast);
+        // A higher line may meet other exclusions.
+        if (_height.height > guess && (rooms.size() > 1 || tries == 0)) {
+            guess = _height.height;
+            if (tries < 4) {
+                Extent other = 0;
+                std::vector<LineRoom> before(rooms.begin(), rooms.end());
+                const auto now = source.rooms(guess, other);
+                if (other != skip || !std::equal(before.begin(), before.end(), now.begin(), now.end()))
+                    continue;
+            }
+        }
+        Line taken = _height;
+        taken.skip = skip;
+        taken.endsContainer = last.endsContainer;
+        if (source.take(taken)) break;
+    }
+    for (Fragment& fragment : _fragments) {
+        Line& line = fragment.line;
+        line.skip = skip;
+        line.height = _height.height;
+        line.baseline = _height.baseline;
+        line.spacingAbove = _height.spacingAbove;
+        line.spacingBelow = _height.spacingBelow;
+        line.startsContainer = source.startsContainer() && !line.followsInLine;
+        lines.push_back(line);
+    }
+    start = _fragments.back().filling.end;
+    return _fragments.back().filling.isComplete;
+}
+
+std::uint32_t Typesetter::setLines(LineRooms& rooms, std::uint32_t limit, std::vector<Line>& lines) {
+    std::uint32_t start = 0;
+    do {
+        const std::size_t before = lines.size();
+        const std::uint32_t lineStart = start;
+        if (!setLine(rooms, start, lines)) {
+            lines.resize(before);
+            return lineStart;
+        }
+    } while (start < limit && start < _text.size());
+    return start;
+}
+
+}  // namespace pelvor

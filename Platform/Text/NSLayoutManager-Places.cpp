@@ -1,0 +1,278 @@
+// SPDX-License-Identifier: Apache-2.0
+// From places to text and back: hit-testing, carets, selections.
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+#include "Shared/ArgumentChecks.h"
+#include "Text/Layout/LayoutState.h"
+#include "Text/NSLayoutManager.h"
+
+namespace pelvor {
+namespace {
+
+// A height in the container from the top of the first block.
+LongExtent heightFrom(LayoutState& state, std::size_t container, float y) {
+    LongExtent origin = 0;
+    if (!state.isFree() && container < state.fillings().size()) origin = state.fillings()[container].top;
+    return origin + extentOf(static_cast<double>(y));
+}
+
+// The line of the container at the height, or the nearest one, among those that are laid out there. False if
+// the container has no line.
+bool findLine(LayoutState& state, std::size_t container, float y, bool mayLayOut, LinePlace& place) {
+    if (container >= state.containers.size()) return false;
+    if (mayLayOut) state.ensureHeight(container, extentOf(static_cast<double>(y)));
+    if (state.length() == 0 && !state.ensure(0)) return false;
+    if (!state.isFree() && container >= state.fillings().size()) return false;
+    place = state.lineAtHeight(heightFrom(state, container, y));
+    if (state.isFree()) return state.blockOf(place).isLaid;
+    // The space between two containers' lines belongs to neither: stay inside this one.
+    const ContainerFilling& filling = state.fillings()[container];
+    const NSUInteger start = state.rangeOf(place).location;
+    if (start < filling.start) place = state.lineOf(filling.start);
+    const bool holdsEnd = filling.end == state.length() && container + 1 == state.fillings().size();
+    if (start >= filling.end && !holdsEnd)
+        place = state.lineOf(filling.end > filling.start ? filling.end - 1 : filling.start);
+    return state.blockOf(place).isLaid && !state.blockOf(place).lines.empty();
+}
+
+// Among the fragments of a line the one at x.
+void findFragment(LayoutState& state, float x, LinePlace& place) {
+    for (LinePlace further = place; state.next(further) && state.at(further).followsInLine; place = further)
+        if (x < NSMinX(state.rectOf(further))) return;
+}
+
+// How far a place is from a piece: 0 inside.
+Extent distanceTo(const GlyphPiece& piece, Extent x) {
+    return x < piece.left ? piece.left - x : x > piece.left + piece.width ? x - piece.left - piece.width : 0;
+}
+
+struct Hit {
+    NSUInteger unit = 0;
+    float fraction = 0;
+};
+
+Hit nearestGlyph(LayoutState& state, const LinePlace& place, float pointX) {
+    const Line& line = state.at(place);
+    LineGlyphs& glyphs = state.glyphsOf(place);
+    const Extent x = extentOf(static_cast<double>(pointX)) - line.textLeft;
+    const GlyphPiece* nearest = nullptr;
+    for (const GlyphPiece& piece : glyphs.pieces()) {
+        // What takes no room is hit only where nothing else is.
+        if (nearest && (piece.width == 0 || distanceTo(piece, x) >= distanceTo(*nearest, x)) &&
+            !(nearest->width == 0 && piece.width > 0))
+            continue;
+        nearest = &piece;
+    }
+    if (!nearest) return {state.rangeOf(place).location, 0};
+    float fraction = 0;
+    if (nearest->width > 0) {
+        fraction = std::clamp(static_cast<float>(x - nearest->left) / static_cast<float>(nearest->width),
+                              0.0F, 1.0F);
+        if (nearest->isRightToLeft) fraction = 1 - fraction;
+    }
+    return {place.block.unit + nearest->start, fraction};
+}
+
+}  // namespace
+
+// MARK: Points
+
+NSUInteger NSLayoutManager::glyphIndexForPoint_inTextContainer_fractionOfDistanceThroughGlyph(
+    NSPoint point, NSTextContainer* container, float* fraction) {
+    if (fraction) *fraction = 0;
+    LinePlace place;
+    if (!findLine(*_state, _state->indexOf(container), point.y, true, place)) return 0;
+    findFragment(*_state, point.x, place);
+    const Hit hit = nearestGlyph(*_state, place, point.x);
+    if (fraction) *fraction = hit.fraction;
+    return hit.unit;
+}
+
+NSUInteger NSLayoutManager::glyphIndexForPoint_inTextContainer(NSPoint point, NSTextContainer* container) {
+    return glyphIndexForPoint_inTextContainer_fractionOfDistanceThroughGlyph(point, container, nullptr);
+}
+
+NSUInteger NSLayoutManager::characterIndexForPoint_inTextContainer_fractionOfDistanceBetweenInsertionPoints(
+    NSPoint point, NSTextContainer* container, float* fraction) {
+    if (fraction) *fraction = 0;
+    LinePlace place;
+    if (!findLine(*_state, _state->indexOf(container), point.y, true, place)) return 0;
+    findFragment(*_state, point.x, place);
+    const Extent x = extentOf(static_cast<double>(point.x)) - _state->at(place).textLeft;
+    const auto& carets = _state->glyphsOf(place).carets(_state->tools.boundaries);
+    // The character between whose carets the point lies, or the one with the nearest caret.
+    std::size_t nearest = 0;
+    for (std::size_t i = 0; i + 1 < carets.size(); ++i) {
+        const Extent from = carets[i].place, to = carets[i + 1].place;
+        if (from != to && x >= std::min(from, to) && x < std::max(from, to)) {
+            if (fraction) *fraction = static_cast<float>(x - from) / static_cast<float>(to - from);
+            return place.block.unit + carets[i].unit;
+        }
+        if (std::abs(carets[i + 1].place - x) < std::abs(carets[nearest].place - x)) nearest = i + 1;
+    }
+    const bool endsText =
+        NSMaxRange(_state->rangeOf(place)) == _state->length() && !_state->at(place).endsHard;
+    // Behind a line's end nothing can be inserted but what belongs to the next line.
+    const bool isBehind = nearest + 1 == carets.size() && carets.size() > 1;
+    if (isBehind && !endsText && NSMaxRange(_state->rangeOf(place)) < _state->length()) --nearest;
+    return place.block.unit + carets[nearest].unit;
+}
+
+NSRange NSLayoutManager::glyphRangeForBoundingRectWithoutAdditionalLayout_inTextContainer(
+    NSRect bounds, NSTextContainer* container) {
+    const std::size_t index = _state->indexOf(container);
+    LinePlace first, last;
+    if (_state->length() == 0 || !findLine(*_state, index, NSMinY(bounds), false, first) ||
+        !findLine(*_state, index, NSMaxY(bounds), false, last))
+        return {};
+    for (LinePlace fragment = last; _state->next(fragment) && _state->at(fragment).followsInLine;)
+        last = fragment;
+    return NSUnionRange(_state->rangeOf(first), _state->rangeOf(last));
+}
+
+NSRange NSLayoutManager::glyphRangeForBoundingRect_inTextContainer(NSRect bounds,
+                                                                   NSTextContainer* container) {
+    const std::size_t index = _state->indexOf(container);
+    if (index >= _state->containers.size()) return {};
+    if (!_state->isFree()) {
+        _state->ensureHeight(index, extentOf(static_cast<double>(NSMaxY(bounds))));
+    } else {
+        _state->ensureHeight(index, extentOf(static_cast<double>(NSMinY(bounds))));
+        // From there down, block by block.
+        LongExtent top;
+        BlockList& blocks = _state->blocks();
+        for (BlockPlace place = blocks.placeOfHeight(extentOf(static_cast<double>(NSMinY(bounds))), top);;
+             place = blocks.next(place)) {
+            const NSUInteger unit = place.unit;
+            _state->ensure(unit);
+            place = blocks.placeOfUnit(unit);
+            top += blocks.at(place).height;
+            if (blocks.isLast(place) || top > extentOf(static_cast<double>(NSMaxY(bounds)))) break;
+        }
+    }
+    return glyphRangeForBoundingRectWithoutAdditionalLayout_inTextContainer(bounds, container);
+}
+
+// MARK: Carets
+
+NSRect NSLayoutManager::caretRectForCharacterAtIndex(NSUInteger index) {
+    if (index > _state->length())
+        raiseIndexBeyondBounds(index, _state->length() + 1, "caretRectForCharacterAtIndex:");
+    if (!_state->ensure(index)) return {};
+    const LinePlace place = _state->lineOf(index);
+    if (_state->blockOf(place).lines.empty()) return {};
+    const Line& line = _state->at(place);
+    NSRect rect = _state->usedRectOf(place);
+    const auto& carets = _state->glyphsOf(place).carets(_state->tools.boundaries);
+    auto caret =
+        std::upper_bound(carets.begin(), carets.end(), index - place.block.unit,
+                         [](NSUInteger unit, const LineGlyphs::Caret& each) { return unit < each.unit; });
+    if (caret != carets.begin()) --caret;
+    rect.origin.x = pointsOf(line.textLeft + caret->place);
+    rect.size.width = 0;
+    return rect;
+}
+
+// MARK: Selections
+
+const NSRect*
+NSLayoutManager::rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
+    NSRange range, NSRange selection, NSTextContainer* container, NSUInteger* count) {
+    requireRange(range, _state->length(),
+                 "rectArrayForCharacterRange:withinSelectedCharacterRange:inTextContainer:rectCount:");
+    std::vector<NSRect>& rects = _state->selectionRects;
+    rects.clear();
+    const std::size_t index = _state->indexOf(container);
+    ensureLayoutForCharacterRange(range);
+    if (index < _state->containers.size() && range.length && _state->ensure(range.location)) {
+        LinePlace place = _state->lineOf(range.location);
+        do {
+            const NSRange lineRange = _state->rangeOf(place);
+            if (lineRange.location >= NSMaxRange(range)) break;
+            if (_state->containerOf(lineRange.location) != index || !_state->ensure(lineRange.location))
+                continue;
+            const NSRect rect = _state->rectOf(place);
+            const Line& line = _state->at(place);
+            // Whole lines that are selected beyond their ends are selected from edge to edge.
+            const NSRange part = NSIntersectionRange(range, lineRange);
+            const bool isWhole = part == lineRange && selection.location <= lineRange.location &&
+                                 NSMaxRange(selection) > NSMaxRange(lineRange);
+            if (isWhole) {
+                rects.push_back(rect);
+                continue;
+            }
+            // Pieces that touch are one rectangle.
+            std::vector<std::pair<Extent, Extent>> spans;
+            const auto& carets = _state->glyphsOf(place).carets(_state->tools.boundaries);
+            const std::uint32_t start = part.location - place.block.unit,
+                                end = NSMaxRange(part) - place.block.unit;
+            for (const GlyphPiece& piece : _state->glyphsOf(place).pieces()) {
+                if (piece.end <= start || piece.start >= end || piece.width == 0) continue;
+                Extent left = piece.left, right = piece.left + piece.width;
+                for (const auto& caret : carets) {
+                    if (caret.unit <= piece.start || caret.unit >= piece.end) continue;
+                    if (caret.unit == start) (piece.isRightToLeft ? right : left) = caret.place;
+                    if (caret.unit == end) (piece.isRightToLeft ? left : right) = caret.place;
+                }
+                spans.emplace_back(left, right);
+            }
+            std::sort(spans.begin(), spans.end());
+            for (std::size_t i = 0; i < spans.size(); ++i) {
+                auto [left, right] = spans[i];
+                while (i + 1 < spans.size() && spans[i + 1].first <= right)
+                    right = std::max(right, spans[++i].second);
+                rects.push_back({{pointsOf(line.textLeft + left), rect.origin.y},
+                                 {pointsOf(right - left), rect.size.height}});
+            }
+        } while (_state->next(place));
+    }
+    if (count) *count = static_cast<NSUInteger>(rects.size());
+    return rects.data();
+}
+
+NSRect NSLayoutManager::boundingRectForGlyphRange_inTextContainer(NSRange range, NSTextContainer* container) {
+    requireRange(range, _state->length(), "boundingRectForGlyphRange:inTextContainer:");
+    const std::size_t index = _state->indexOf(container);
+    ensureLayoutForCharacterRange(range);
+    NSRect bounds{};
+    if (index >= _state->containers.size() || range.length == 0 || !_state->ensure(range.location))
+        return bounds;
+    LinePlace place = _state->lineOf(range.location);
+    do {
+        const NSRange lineRange = _state->rangeOf(place);
+        if (lineRange.location >= NSMaxRange(range)) break;
+        if (_state->containerOf(lineRange.location) != index) continue;
+        NSRect rect = _state->usedRectOf(place);
+        const Line& line = _state->at(place);
+        const float textLeft = pointsOf(line.textLeft);
+        rect.origin.x = textLeft;
+        rect.size.width = pointsOf(line.textWidth + line.extra);
+        if (const NSRange part = NSIntersectionRange(range, lineRange); part != lineRange) {
+            Extent left = kGreatestExtent, right = -kGreatestExtent;
+            for (const GlyphPiece& piece : _state->glyphsOf(place).pieces()) {
+                if (place.block.unit + piece.end <= part.location ||
+                    place.block.unit + piece.start >= NSMaxRange(part))
+                    continue;
+                left = std::min(left, piece.left);
+                right = std::max(right, piece.left + piece.width);
+            }
+            rect.origin.x = textLeft + pointsOf(left);
+            rect.size.width = pointsOf(right - left);
+        }
+        if (bounds.size.height == 0) {
+            bounds = rect;
+            continue;
+        }
+        // Lines without width count too.
+        const float left = std::min(bounds.origin.x, rect.origin.x),
+                    top = std::min(bounds.origin.y, rect.origin.y);
+        const float right = std::max(NSMaxX(bounds), NSMaxX(rect)),
+                    bottom = std::max(NSMaxY(bounds), NSMaxY(rect));
+        bounds = {{left, top}, {right - left, bottom - top}};
+    } while (_state->next(place));
+    return bounds;
+}
+
+}  // namespace pelvor

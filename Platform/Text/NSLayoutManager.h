@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSLayoutManager: sets a text storage's text in lines, and tells where everything stands.
+#pragma once
+
+#include <memory>
+
+#include "Foundation/NSGeometry.h"
+#include "Text/NSContainerRunTable.h"
+#include "Text/NSFont.h"
+
+namespace pelvor {
+
+class LayoutState;
+class NSArray;
+class NSColor;
+class NSDictionary;
+class NSTextContainer;
+class NSTextStorage;
+
+/// What stands for units that have no glyph of their own.
+inline constexpr NSGlyph NSNullGlyph = 0;
+/// What stands for tabs, line ends and other characters that show nothing.
+inline constexpr NSGlyph NSControlGlyph = 0x00FFFFFF;
+
+/// Sets the text of a text storage in the lines of text containers, one container after the other, and maps
+/// between characters, glyphs, lines and places.
+///
+///     auto layoutManager = NSLayoutManager::init();
+///     storage->addLayoutManager(layoutManager);
+///     layoutManager->addTextContainer(NSTextContainer::initWithContainerSize({400, 1e7}).get());
+///     NSRect line = layoutManager->lineFragmentRectForGlyphAtIndex_effectiveRange(1000, nullptr);
+///
+/// **Glyph indexes** are the indexes of the text's units, so that there are as many as the text has units and
+/// nobody has to lay out text to count them. What is set as one piece (the letters of a ligature, a letter
+/// with its marks) belongs to the glyph of its first unit; the other units have NSNullGlyph. The operations
+/// that map ranges widen them to whole pieces.
+///
+/// **Laziness.** Nothing is laid out before somebody asks for a place. An operation lays out what it needs:
+/// in a single endless container the paragraphs that it asks about, else all text up to there, since pages
+/// depend on the text before them. Operations that never lay out say so. An edit of the storage lays out
+/// again, when asked for, the paragraphs that it touched; what follows moves. A paragraph is kept in blocks
+/// of some thousand units, so that a long one is laid out again in part only.
+///
+/// Coordinates are a container's, in points, y downwards. Line fragments stand below each other without gaps:
+/// line and paragraph spacing belong to their heights. An index at or past the end raises NSRangeException.
+/// One thread at a time.
+class PELVOR_EXPORT NSLayoutManager : public NSObject {
+    PELVOR_CLASS(NSLayoutManager, NSObject);
+    PELVOR_CREATORS(init);
+
+  public:
+    static Retained<NSLayoutManager> init(Class* cls = classObject());
+
+    // Text, containers and delegate
+
+    /// Not kept alive; the storage keeps its layout managers.
+    NSTextStorage* textStorage();
+    /// For text storages, which call it from `addLayoutManager`.
+    void setTextStorage(NSTextStorage* textStorage);
+    /// The containers in the order in which text fills them, borrowed.
+    NSArray* textContainers();
+    void addTextContainer(NSTextContainer* container);
+    void insertTextContainer_atIndex(NSTextContainer* container, NSUInteger index);
+    void removeTextContainerAtIndex(NSUInteger index);
+    /// Whether the window's first responder is the text view of one of the containers.
+    bool layoutManagerOwnsFirstResponderInWindow(id window);
+    /// Told by `layoutManager:didCompleteLayoutForTextContainer:atEnd:` when a container is full, and with
+    /// null as container when text is left without one: then it may add a container. Not kept alive.
+    id delegate();
+    void setDelegate(id delegate);
+
+    // What changed
+
+    /// Called by the text storage after an edit: the units at `newRange` replace as many less `delta`;
+    /// attributes or characters changed within `invalidatedRange`.
+    void textStorage_edited_range_changeInLength_invalidatedRange(NSTextStorage* storage, unsigned mask,
+                                                                  NSRange newRange, NSInteger delta,
+                                                                  NSRange invalidatedRange);
+    void textContainerChangedGeometry(NSTextContainer* container);
+    void textContainerChangedTextView(NSTextContainer* container);
+    /// Forgets the lines of the characters. If that is soft, the lines stay as they are broken where that is
+    /// still right, but their places are determined anew. Writes the characters concerned to `actualRange`
+    /// unless that is null.
+    void invalidateLayoutForCharacterRange_isSoft_actualCharacterRange(NSRange range, bool isSoft,
+                                                                       NSRange* actualRange);
+    /// Tells the text views that show the characters to draw them again. Lays out nothing.
+    void invalidateDisplayForCharacterRange(NSRange range);
+    void invalidateDisplayForGlyphRange(NSRange range) { invalidateDisplayForCharacterRange(range); }
+
+    // Settings
+
+    bool usesScreenFonts();
+    void setUsesScreenFonts(bool uses);
+    /// As NSParagraphStyle's; 0 unless it is set. Holds for paragraphs whose own factor is 0.
+    float hyphenationFactor();
+    void setHyphenationFactor(float factor);
+    /// Whether the font's leading counts to the height of lines; true unless it is set.
+    bool usesFontLeading();
+    void setUsesFontLeading(bool uses);
+    bool ignoresAntialiasThreshold();
+    void setIgnoresAntialiasThreshold(bool ignores);
+    /// The language of text with these attributes as a BCP 47 name, borrowed, for breaking lines and words:
+    /// the value of NSLanguageAttributeName, else null. Subclasses know other attributes.
+    virtual NSString* languageForAttributes(NSDictionary* attributes);
+
+    // How far the layout is; nothing here lays out.
+
+    /// The end of the text if all is laid out.
+    NSUInteger firstUnlaidCharacterIndex();
+    NSUInteger firstUnlaidGlyphIndex() { return firstUnlaidCharacterIndex(); }
+    /// Which glyphs stand in which container, as far as that is known; borrowed.
+    NSContainerRunTable* containerRunTable();
+    /// The glyphs of the line fragment; {NSNotFound, 0} where it is not laid out.
+    NSRange glyphRangeForLaidLineFragmentContainingGlyphAtIndex(NSUInteger index);
+
+    // Glyphs and characters; nothing here but the widening to whole pieces lays out.
+
+    NSUInteger numberOfGlyphs();
+    bool isValidGlyphIndex(NSUInteger index) { return index < numberOfGlyphs(); }
+    /// Lays the line out.
+    NSGlyph glyphAtIndex(NSUInteger index);
+    NSUInteger characterIndexForGlyphAtIndex(NSUInteger index);
+    NSUInteger glyphIndexForCharacterAtIndex(NSUInteger index);
+    /// Ranges widened to whole pieces; the pointer may be null.
+    NSRange glyphRangeForCharacterRange_actualCharacterRange(NSRange range, NSRange* actualRange);
+    NSRange characterRangeForGlyphRange_actualGlyphRange(NSRange range, NSRange* actualRange);
+
+    // Places. These operations lay out what they need. Pointers to ranges may be null.
+
+    void ensureLayoutForCharacterRange(NSRange range);
+    void ensureLayoutForTextContainer(NSTextContainer* container);
+    /// Null for a glyph that has no room in any container.
+    NSTextContainer* textContainerForGlyphAtIndex_effectiveRange(NSUInteger index, NSRange* glyphRange);
+    NSRange glyphRangeForTextContainer(NSTextContainer* container);
+    /// The whole of the line's room, or of the fragment's where exclusions split the line.
+    NSRect lineFragmentRectForGlyphAtIndex_effectiveRange(NSUInteger index, NSRange* glyphRange);
+    /// The part of it that holds the text, with the padding at both ends.
+    NSRect lineFragmentUsedRectForGlyphAtIndex_effectiveRange(NSUInteger index, NSRange* glyphRange);
+    /// The point on the baseline where the glyph begins, from the origin of its line fragment. In text from
+    /// right to left this is the glyph's left edge too.
+    NSPoint locationForGlyphAtIndex(NSUInteger index);
+    /// The area of what is laid out in the container; nothing is laid out. In an endless container the height
+    /// of text that was not laid out yet is estimated.
+    NSRect usedRectForTextContainer(NSTextContainer* container);
+    NSRect boundingRectForGlyphRange_inTextContainer(NSRange range, NSTextContainer* container);
+    /// The frame's size of an attachment; -1 by -1 for other glyphs.
+    NSSize attachmentSizeForGlyphAtIndex(NSUInteger index);
+    /// The attachment's frame in the container; zeros for other glyphs.
+    NSRect attachmentRectForGlyphAtIndex(NSUInteger index);
+
+    // The line behind a text's last line end, or of an empty text; zeros and null if there is none or no
+    // room.
+
+    NSRect extraLineFragmentRect();
+    NSRect extraLineFragmentUsedRect();
+    NSTextContainer* extraLineFragmentTextContainer();
+
+    // From places to text
+
+    /// The whole lines that the rectangle touches.
+    NSRange glyphRangeForBoundingRect_inTextContainer(NSRect bounds, NSTextContainer* container);
+    /// As far as lines are laid out.
+    NSRange glyphRangeForBoundingRectWithoutAdditionalLayout_inTextContainer(NSRect bounds,
+                                                                             NSTextContainer* container);
+    /// The nearest glyph. What share of it lies before the point in writing direction, from 0 to 1, is
+    /// written unless the pointer is null.
+    NSUInteger glyphIndexForPoint_inTextContainer_fractionOfDistanceThroughGlyph(NSPoint point,
+                                                                                 NSTextContainer* container,
+                                                                                 float* fraction);
+    NSUInteger glyphIndexForPoint_inTextContainer(NSPoint point, NSTextContainer* container);
+    /// The character that begins at the nearest place for a caret: inside ligatures, never inside what the
+    /// user sees as one character.
+    NSUInteger characterIndexForPoint_inTextContainer_fractionOfDistanceBetweenInsertionPoints(
+        NSPoint point, NSTextContainer* container, float* fraction);
+
+    // Carets and selections
+
+    /// Where a caret before the character stands, from the top of its line to the bottom, without width; at
+    /// the length of the text, behind the last character.
+    NSRect caretRectForCharacterAtIndex(NSUInteger index);
+    /// The rectangles of selected characters, one or more a line, valid until the next call; their number is
+    /// written to `count`.
+    const NSRect* rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
+        NSRange range, NSRange selection, NSTextContainer* container, NSUInteger* count);
+
+    // Drawing, into the current graphics context, whose y runs downwards. The point is the container's
+    // origin.
+
+    void drawBackgroundForGlyphRange_atPoint(NSRange range, NSPoint origin);
+    /// Text with its underlines and strikethroughs, and attachments by their cells.
+    void drawGlyphsForGlyphRange_atPoint(NSRange range, NSPoint origin);
+
+    // C++ only
+    /// Lays out paragraphs that are not yet laid out, from the front, until about so many units are done;
+    /// whether any are left. For idle time.
+    bool layOutSome(NSUInteger units);
+    LayoutState& state() PELVOR_LIFETIMEBOUND { return *_state; }
+
+  protected:
+    NSLayoutManager();
+    ~NSLayoutManager();
+
+  private:
+    std::unique_ptr<LayoutState> _state;
+    Retained<NSContainerRunTable> _runTable;
+};
+
+}  // namespace pelvor
