@@ -11,7 +11,8 @@ namespace pelvor {
 ///     static PBUniqueObject* const kLayoutKey = make<PBUniqueObject>().leak();
 ///     info->setObject_forKey(layout, kLayoutKey);
 ///
-/// A copy is the same instance, so the key is found again in a dictionary, which copies its keys. Any thread.
+/// A dictionary copies its keys. The copy of such an object is the object itself, so the dictionary finds the
+/// key. Any thread.
 class PELVOR_EXPORT PBUniqueObject : public NSObject {
     PELVOR_CLASS(PBUniqueObject, NSObject);
 
@@ -19,7 +20,7 @@ class PELVOR_EXPORT PBUniqueObject : public NSObject {
     /// The object's address.
     std::uintptr_t hash() override { return reinterpret_cast<std::uintptr_t>(this); }
     bool isEqual(id other) override { return this == other; }
-    /// The same instance, retained.
+    // All copies are this object itself, retained.
     Retained<Object> copyWithZone(void* zone) override { return Retained<Object>::retaining(this); }
     Retained<Object> mutableCopyWithZone(void* zone) override { return Retained<Object>::retaining(this); }
     Retained<PBUniqueObject> copy() { return Retained<PBUniqueObject>::retaining(this); }

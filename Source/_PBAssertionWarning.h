@@ -6,14 +6,14 @@
 
 namespace pelvor {
 
-/// A place for warnings about assertions when a process starts. The library that is shipped has no such
-/// warnings, so the hooks do nothing.
+/// Would print warnings about assertions when a process starts. There are no such warnings, so both
+/// operations do nothing.
 class PELVOR_EXPORT _PBAssertionWarning : public NSObject {
     PELVOR_CLASS(_PBAssertionWarning, NSObject);
 
   public:
     static void load() {}
-    /// A hook of the load-time sequence.
+    /// The load-time hook that PBPostLoader calls.
     static void didLoad() {}
 
   protected:

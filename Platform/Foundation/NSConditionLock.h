@@ -22,11 +22,15 @@ class NSDate;
 ///     lock->lockWhenCondition(kFull);   // the consumer
 ///     …
 ///     lock->unlockWithCondition(kEmpty);
+///
+/// A thread that holds the lock must not call `lock` or `lockWhenCondition`: the call would wait for ever.
+/// The operations do not check which thread gives the lock back. Any thread.
 class PELVOR_EXPORT NSConditionLock : public NSObject {
     PELVOR_CLASS(NSConditionLock, NSObject);
     PELVOR_CREATORS(initWithCondition);
 
   public:
+    /// Makes a lock that nobody holds.
     static Retained<NSConditionLock> initWithCondition(int condition, Class* cls = classObject());
 
     /// Returns the condition at this moment. Unless the caller holds the lock, another thread may change the
@@ -35,16 +39,17 @@ class PELVOR_EXPORT NSConditionLock : public NSObject {
 
     /// Takes the lock, whatever the condition is.
     void lock();
+    /// Waits until the lock is free and has this condition, and takes the lock.
     void lockWhenCondition(int condition);
-    /// These take the lock if they need not wait for it, and return whether the lock was taken.
+    /// These take the lock if that is possible without waiting, and return whether the lock was taken.
     bool tryLock();
     bool tryLockWhenCondition(int condition);
-    /// These wait for the lock until the date, and return whether the lock was taken. With a null date, or
-    /// one in the past, they do not wait.
+    /// These wait for the lock until the date at the latest, and return whether the lock was taken. With a
+    /// null date or a date in the past, they do not wait.
     bool lockBeforeDate(NSDate* date);
     bool lockWhenCondition_beforeDate(int condition, NSDate* date);
 
-    /// These give the lock back, with the condition as it is, or with a new one.
+    /// These give the lock back: `unlock` keeps the condition, `unlockWithCondition` sets a new one.
     void unlock();
     void unlockWithCondition(int condition);
 

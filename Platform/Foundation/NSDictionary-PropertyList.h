@@ -11,10 +11,11 @@ namespace pelvor {
 ///     NSDictionary* styles = NSDictionary_PropertyList::dictionaryWithContentsOfFile(path);
 ///     bool isSaved = styles && writeToFile_atomically(styles, copyPath, true);
 struct PELVOR_EXPORT NSDictionary_PropertyList {
-    /// Reads the property list in the file, in any format, and returns it if it is a dictionary; borrowed.
-    /// Returns null if the file cannot be read, or holds no property list, or a list that is no dictionary;
-    /// NSPropertyListSerialization tells the reason. If `cls` is a mutable class, the dictionary and all
-    /// arrays and dictionaries in it are mutable.
+    /// Reads a file that holds a dictionary as a property list in any format, and returns the dictionary,
+    /// borrowed. Returns null for a null path, if the file cannot be read, and if the file holds anything
+    /// else; to learn the reason, read the file with NSPropertyListSerialization. If `cls` is
+    /// NSMutableDictionary or a subclass, the dictionary and all arrays and dictionaries inside are mutable.
+    /// Raises NSInvalidArgumentException if `cls` is null.
     static NSDictionary* dictionaryWithContentsOfFile(NSString* path,
                                                       Class* cls = NSDictionary::classObject());
     /// Like `dictionaryWithContentsOfFile`, but the result is owned.
@@ -22,9 +23,9 @@ struct PELVOR_EXPORT NSDictionary_PropertyList {
                                                          Class* cls = NSDictionary::classObject());
 };
 
-/// Writes the dictionary as an XML property list to the file. `isAtomic` means what it means for
-/// `NSData::writeToFile_atomically`. Returns false if the file cannot be written or the dictionary is no
-/// property list.
+/// Writes the dictionary as an XML property list to the file; `NSData::writeToFile_atomically` explains
+/// `isAtomic`. Returns false if the file cannot be written, if a property list cannot hold the dictionary,
+/// and for a null dictionary or path.
 PELVOR_EXPORT bool writeToFile_atomically(NSDictionary* dictionary, NSString* path, bool isAtomic);
 
 }  // namespace pelvor

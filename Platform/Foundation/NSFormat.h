@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Formatted text: "%@ at %d" with arguments that carry their types. Hosts format by NSString:
+// Formatted text: "%@ at %d" with arguments that carry their types. Hosts call operations of NSString:
 //
 //     NSString* line = NSString::stringWithFormat(u"%@, page %d of %d"_ns, title, page, count);
 #pragma once
@@ -16,7 +16,8 @@
 namespace pelvor {
 
 /// One argument of a format, made implicitly from numbers, enumerations, texts, selectors, pointers and
-/// objects. An argument borrows what it is made from, so it lives no longer than the call.
+/// objects. An argument keeps only a pointer to a text or an object, so use it only in the call that it is
+/// made for.
 class FormatArgument {
   public:
     enum class Kind : std::uint8_t {
@@ -57,7 +58,7 @@ class FormatArgument {
     FormatArgument(const std::u16string& text) : FormatArgument(std::u16string_view(text)) {}
     FormatArgument(SEL selector) : FormatArgument(selector.name()) {}
 
-    /// An object of any class, class records among them, or null. Other pointers show their address.
+    /// An object of any class, a class record, or null. Of any other pointer, the address is printed.
     template <class T>
     requires(!std::is_same_v<std::remove_cv_t<T>, char> && !std::is_same_v<std::remove_cv_t<T>, char16_t>)
         FormatArgument(T* pointer) {
@@ -75,8 +76,9 @@ class FormatArgument {
     FormatArgument(const Retained<T>& object) : FormatArgument(object.get()) {}
 
     Kind kind() const { return _kind; }
-    /// How many bytes the number's own type has.
+    /// The size in bytes of the number's type; a floating-point number is kept as a `double`.
     unsigned size() const { return _size; }
+    // The argument in the form that its kind has; for other kinds, the result has no meaning.
     std::uint64_t integer() const { return _integer; }
     double floating() const { return _floating; }
     const void* pointer() const { return _pointer; }
@@ -105,16 +107,17 @@ class FormatArgument {
     };
 };
 
-/// The format with its arguments in place; the form behind `stringWithFormat`. The result is borrowed.
+/// The format with its arguments in place, borrowed. `NSString::stringWithFormat` and the like call this
+/// function.
 ///
 /// - Conversions are %@ (an object's description), d i u x X o c C s S p f F e E g G a A and %%.
-/// - Flags are "-+ 0#"; width and precision may be "*"; "%2$@" takes an argument by its place.
+/// - Flags are "-+ 0#"; width and precision may be "*"; "%2$@" takes the second argument.
 /// - Of the lengths h hh l ll q z t j L only h and hh change anything, because arguments know their types.
 /// - %d of an unsigned value prints the signed number with the same bits.
-/// - Null prints "(null)", an argument that is missing "(missing)".
+/// - A null argument prints "(null)", a missing argument "(missing)".
 ///
-/// The process's locale does not count. Raises NSInvalidArgumentException for a null format, in the name of
-/// the `operation` that was called. Any thread.
+/// The result does not depend on the process's locale. Raises NSInvalidArgumentException for a null format;
+/// the reason of the exception begins with `operation`. Any thread.
 PELVOR_EXPORT NSString* formatString(NSString* format, std::span<const FormatArgument> arguments,
                                      const char* operation = "formatString:");
 

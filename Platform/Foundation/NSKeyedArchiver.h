@@ -14,7 +14,8 @@ class NSData;
 class NSMutableArray;
 class NSMutableDictionary;
 
-/// Writes objects that may refer to each other as a property list, each object once.
+/// Writes objects, with the objects that they refer to, as a property list. An object is written once,
+/// however many others refer to it.
 ///
 ///     NSData* data = NSKeyedArchiver::archivedDataWithRootObject(lamp);
 ///     NSString* error = nullptr;
@@ -28,19 +29,20 @@ class NSMutableDictionary;
 /// An entry of `objects` is a string, number, date or data, or a dictionary of the object's `class` and its
 /// `fields` or contents; a counted set lists a member as often as the set counts it. A reference is { object
 /// = index }; index 0 stands for null. Values (NSValue) can be archived if their type has no pointers.
-/// NSInvalidArgumentException is raised for an object that leads back to itself, for objects that are nested
-/// deeper than property lists may be, and for an object whose class cannot be coded. The archiver must not be
-/// used after that.
+/// Encoding raises NSInvalidArgumentException for an object that refers to itself, directly or through other
+/// objects, for objects that are nested deeper than property lists may be (PropertyListLimits.h), and for an
+/// object of a class that cannot be archived (NSCoder.h). After such an exception, the archiver must not be
+/// used again. One thread at a time.
 class PELVOR_EXPORT NSKeyedArchiver : public NSCoder {
     PELVOR_CLASS(NSKeyedArchiver, NSCoder);
     PELVOR_CREATORS(init);
 
   public:
-    /// A borrowed archive of one object, under the key "root".
+    /// Returns an archive of one object under the key "root", borrowed. The object may be null.
     static NSData* archivedDataWithRootObject(id object);
     static Retained<NSKeyedArchiver> init(Class* cls = classObject());
 
-    /// Sets the format of the archive. Without this call it is the binary format.
+    /// Sets the format that `encodedData` writes. Without this call, `encodedData` writes the binary format.
     void setOutputFormat(NSPropertyListFormat format) { _format = format; }
     /// Returns the archive of what was encoded so far, borrowed. Raises NSInvalidArgumentException if the
     /// format cannot hold one of the objects.

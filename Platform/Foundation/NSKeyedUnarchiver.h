@@ -22,26 +22,29 @@ class NSSet;
 ///     if (!lamp) NSLog(u"%@"_ns, reader->error());
 ///
 /// An archive may come from anywhere, so the unarchiver makes only objects of property lists, sets, plain
-/// values, and objects of the classes that the caller allows and of their subclasses. No archive makes an
-/// operation raise: after a fault in the archive, and after an exception of an object's `initWithCoder:`,
-/// `error` tells what is wrong, and every operation returns null, false or 0. The unarchiver keeps the
-/// objects that it has made as long as it exists. The limits of property lists hold (PropertyListLimits.h).
+/// values, and objects of the classes that the caller allows and of their subclasses. Whatever an archive
+/// holds, no operation raises: after a fault in the archive, and after an exception of an object's
+/// `initWithCoder:`, `error` tells what is wrong, and every other operation returns null, false or 0. A value
+/// of another kind than the operation asks for is a fault, too. Decoded objects are borrowed; the unarchiver
+/// retains them until it ends. The limits of property lists hold (PropertyListLimits.h). One thread at a
+/// time.
 class PELVOR_EXPORT NSKeyedUnarchiver : public NSCoder {
     PELVOR_CLASS(NSKeyedUnarchiver, NSCoder);
     PELVOR_CREATORS(initForReadingWithData_allowedClasses);
 
   public:
-    /// Returns the object under the key "root", borrowed. For a bad archive, returns null and writes the
-    /// reason to `error`, unless `error` is null. The members of `allowedClasses` are class records; the set
-    /// may be null.
+    /// Returns the object under the key "root", borrowed. For a bad archive and for null data, returns null.
+    /// Unless `error` is null, writes the reason to `error`, or null if the archive is good. The members of
+    /// `allowedClasses` are class records; a null set allows what an empty set allows.
     static id unarchivedObjectWithData_allowedClasses_error(NSData* data, NSSet* allowedClasses,
                                                             NSString** error);
-    /// Never returns null. For a bad archive, the unarchiver's `error` tells the reason.
+    /// Makes an unarchiver; never returns null. For a bad archive and for null data, the unarchiver's `error`
+    /// tells the reason.
     static Retained<NSKeyedUnarchiver> initForReadingWithData_allowedClasses(NSData* data,
                                                                              NSSet* allowedClasses,
                                                                              Class* cls = classObject());
 
-    /// The first fault that was found in the archive, borrowed; null if no fault was found so far.
+    /// The first fault that was found in the archive, borrowed; null if none of the calls so far found one.
     NSString* error();
 
     bool allowsKeyedCoding() override { return true; }

@@ -13,10 +13,10 @@ namespace pelvor {
 ///     queue->addObjectsFromArray(others);
 ///     queue->removeObjectAtIndex(0);
 ///
-/// An operation that raises changes nothing. An operation first takes objects out of the array and releases
-/// them afterwards, so the end of such an object may use and change the array. The time that it takes to add
-/// an object at the end, or to remove one at either end, does not depend on the length of the array. One
-/// thread at a time.
+/// An operation that raises changes nothing. Objects that an operation removes are released only when they
+/// are out of the array, so their destructors may use and change the array. Adding an object at the end, and
+/// removing an object at either end, take a time that does not depend on the length of the array. One thread
+/// at a time.
 ///
 /// The class is abstract, and its creators return objects of private classes. A subclass implements NSArray's
 /// primitives and the five operations under "Primitives" below, and hides the creators (Runtime/Creators.h):
@@ -54,11 +54,12 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
     static NSMutableArray* arrayWithObjects(std::initializer_list<Object*> objects);
     static Retained<NSMutableArray> initWithObjects(std::initializer_list<Object*> objects);
 
-    // Primitives. These, and all other operations, raise NSInvalidArgumentException for a null object, and
-    // NSRangeException for an index or a range that is not inside the array.
+    // Primitives. All operations of the class, not only these, raise NSRangeException for an index or a range
+    // that is not inside the array. Those that add or replace raise NSInvalidArgumentException for a null
+    // object; those that remove an object do nothing for null.
 
     virtual void addObject(id object) = 0;
-    /// The index may be the count.
+    /// With the count as the index, adds the object at the end.
     virtual void insertObject_atIndex(id object, NSUInteger index) = 0;
     virtual void replaceObjectAtIndex_withObject(NSUInteger index, id object) = 0;
     virtual void removeObjectAtIndex(NSUInteger index) = 0;
@@ -79,8 +80,11 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
     /// Removes every object of the array that is equal to this object; does nothing if there is no such
     /// object.
     void removeObject(id object);
+    /// Removes the objects inside the range that are equal to this object.
     void removeObject_inRange(id object, NSRange range);
+    /// Removes the object wherever it stands in the array; equal objects stay.
     void removeObjectIdenticalTo(id object);
+    /// Removes every object that is equal to an object of `other`.
     void removeObjectsInArray(NSArray* other);
 
     // Sorting, as in NSArray

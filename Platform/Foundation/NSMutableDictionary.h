@@ -12,9 +12,10 @@ namespace pelvor {
 ///     ages->setObject_forKey(NSNumber::numberWithInt(7), u"Anna"_ns);
 ///     ages->removeObjectForKey(u"Berta"_ns);
 ///
-/// The class is abstract: a subclass implements NSDictionary's primitives and the three below. An operation
-/// that raises changes nothing. An operation first takes keys and objects out of the dictionary and releases
-/// them afterwards, so their end may use and change the dictionary. One thread at a time.
+/// The class is abstract: a subclass implements NSDictionary's primitives and the three operations under
+/// "Primitives" below. An operation that raises changes nothing. Keys and objects that an operation removes
+/// are released only when they are out of the dictionary, so their destructors may use and change the
+/// dictionary. One thread at a time.
 class PELVOR_EXPORT NSMutableDictionary : public NSDictionary {
     PELVOR_CLASS(NSMutableDictionary, NSDictionary);
     PELVOR_CREATORS(dictionary, dictionaryWithCapacity, dictionaryWithObject_forKey,
@@ -46,18 +47,20 @@ class PELVOR_EXPORT NSMutableDictionary : public NSDictionary {
 
     // Primitives
 
-    /// Adds an entry with a copy of the key. If the key has an entry already, the entry gets the new object
-    /// and keeps its key and its place in the order. Raises NSInvalidArgumentException for a null object or
-    /// key, and for a key that cannot be copied.
+    /// Adds an entry with a copy of the key, and retains the object. If the key has an entry already, this
+    /// entry gets the new object and keeps its key and its place in the order of the entries. Raises
+    /// NSInvalidArgumentException for a null object or key, and for a key that cannot be copied.
     virtual void setObject_forKey(id object, id key) = 0;
-    /// Does nothing if the key has no entry.
+    /// Does nothing if the key has no entry, and for a null key.
     virtual void removeObjectForKey(id key) = 0;
     virtual void removeAllObjects() = 0;
 
-    /// Like `setObject_forKey`, but a null value removes the entry.
+    /// Like `setObject_forKey`, but a null value removes the key's entry.
     virtual void setValue_forKey(id value, NSString* key);
     void removeObjectsForKeys(NSArray* keys);
+    /// Adds the entries of `other`, as by `setObject_forKey`.
     void addEntriesFromDictionary(NSDictionary* other);
+    /// Replaces all entries by those of `other`.
     void setDictionary(NSDictionary* other);
 
   protected:

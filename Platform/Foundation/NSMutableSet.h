@@ -12,9 +12,10 @@ namespace pelvor {
 ///     names->addObject(u"Anna"_ns);
 ///     names->minusSet(others);
 ///
-/// The class is abstract: a subclass implements NSSet's primitives and the three below. An operation that
-/// raises changes nothing. An operation first takes members out of the set and releases them afterwards, so
-/// the end of a member may use and change the set. One thread at a time.
+/// The class is abstract: a subclass implements NSSet's primitives and the three operations under
+/// "Primitives" below. An operation that raises changes nothing. Members that an operation removes are
+/// released only when they are out of the set, so their destructors may use and change the set. One thread at
+/// a time.
 class PELVOR_EXPORT NSMutableSet : public NSSet {
     PELVOR_CLASS(NSMutableSet, NSSet);
     PELVOR_CREATORS(set, setWithCapacity, setWithObject, setWithObjects_count, setWithArray, setWithSet, init,

@@ -23,33 +23,35 @@ class ObserverTable;
 /// before its turn. While an observer is called, it may add and remove observers, post, and end. An exception
 /// of an observer reaches the poster; the observers after it are not called.
 ///
-/// Observers, and the senders that they ask for, are not retained: they have to be removed before they end.
-/// Any thread. No lock is held while an observer is called, so an observer that one thread removes may be in
-/// the middle of a call on another.
+/// Observers, and the senders that they registered for, are not retained: a registration has to be removed
+/// before its observer or its sender ends. Any thread. No lock is held while an observer is called, so an
+/// observer that one thread removes may be in the middle of a call on another.
 ///
 /// A subclass changes what posting does by methods for `postNotificationName:object:userInfo:` and
-/// `postNotification:`, which calls from C++ find too, even after the class of an existing centre was
-/// changed.
+/// `postNotification:`. The C++ operations call these methods as well, also on a centre whose class was
+/// changed after its creation.
 class PELVOR_EXPORT NSNotificationCenter : public NSObject {
     PELVOR_CLASS(NSNotificationCenter, NSObject);
     PELVOR_CREATORS(init);
 
   public:
-    /// Returns the process's centre.
+    /// Returns the process's centre, borrowed; it exists as long as the process.
     static NSNotificationCenter* defaultCenter();
     static Retained<NSNotificationCenter> init(Class* cls = classObject());
 
-    /// Has `selector` sent, with the notification, to the observer for each notification of the name from the
-    /// sender `object`; a null name or sender stands for any. An observer that registers twice is called
+    /// Registers the observer for the notifications with this name whose sender is `object`. For each of
+    /// them, the observer gets the message `selector` with the notification as the argument. A null name
+    /// stands for every name, a null `object` for every sender. An observer that registers twice is called
     /// twice. Raises NSInvalidArgumentException if observer or selector is null.
     void addObserver_selector_name_object(id observer, SEL selector, NSString* name, id object);
-    /// Forgets all registrations of the observer.
+    /// Removes all registrations of the observer; does nothing if there are none.
     void removeObserver(id observer);
-    /// Forgets the observer's registrations for this name and this sender. A null name or sender stands for
-    /// all of the observer's registrations, whatever their name or sender.
+    /// Removes the observer's registrations for this name and the sender `object`. With a null name, the
+    /// name of a registration does not matter; with a null `object`, its sender does not.
     void removeObserver_name_object(id observer, NSString* name, id object);
 
-    /// These raise NSInvalidArgumentException if the notification or the name is null.
+    /// These post a notification; `object` is its sender, and both `object` and `userInfo` may be null. They
+    /// raise NSInvalidArgumentException if the notification or the name is null.
     void postNotification(NSNotification* notification);
     void postNotificationName_object(NSString* name, id object);
     void postNotificationName_object_userInfo(NSString* name, id object, NSDictionary* userInfo);

@@ -24,10 +24,10 @@ using NSStringCompareOptions = std::uint32_t;
 
 enum : NSStringCompareOptions {
     NSCaseInsensitiveSearch = 1,
-    NSLiteralSearch = 2,    ///< unit by unit; otherwise canonically equivalent text is the same
+    NSLiteralSearch = 2,    ///< unit by unit; otherwise canonically equivalent texts are equal
     NSBackwardsSearch = 4,  ///< the last match instead of the first
     NSAnchoredSearch = 8,   ///< only at the start of the range, or backwards at its end
-    NSNumericSearch = 64,   ///< where texts are compared: digits by their value, "file9" before "file10"
+    NSNumericSearch = 64,   ///< for comparing only: digits by their value, "file9" before "file10"
 };
 
 /// A string of UTF-16 code units. Positions and lengths count units.
@@ -40,13 +40,14 @@ enum : NSStringCompareOptions {
 ///         NSLog(u"%@ is called \"%@\""_ns, number, name);  // Chapter 1 is called "Arrival"
 ///     }
 ///
-/// The class is abstract: a subclass implements `length` and `characterAtIndex`, on which all other
-/// operations stand, and may implement `getCharacters_range` for speed. It hides the creators, which return
-/// objects of private classes; NSArray.h has an example. Immutable strings may be used on any thread.
+/// The class is abstract: a subclass implements `length` and `characterAtIndex`, which all other
+/// operations use, and may implement `getCharacters_range` for speed. The subclass hides the creators, which
+/// return objects of private classes; NSArray.h has an example. Immutable strings may be used on any thread.
 ///
 /// These rules hold for every operation:
 /// - An index or a range that is not inside the string raises NSRangeException.
-/// - A null argument, and null memory with a length, raise NSInvalidArgumentException.
+/// - A null argument raises NSInvalidArgumentException; a null pointer to memory does so only if the length
+///   is above 0.
 /// - A text that is too long for a string raises NSMallocException.
 /// - A search that finds nothing returns {NSNotFound, 0}.
 /// - An operation that would change nothing may return the receiver.
@@ -60,7 +61,8 @@ class PELVOR_EXPORT NSString : public NSObject {
                     initWithContentsOfFile_encoding, initWithContentsOfFile, of, ofUTF8);
 
   public:
-    // Creation. Operations whose names begin with "init" return owned strings, the others borrowed ones.
+    // Creation. Operations whose names begin with "init" return owned strings, the others borrowed ones. What
+    // is said of an operation "stringWith…" holds for the operation "initWith…" of that name, too.
 
     /// The empty string.
     static NSString* string();
@@ -89,12 +91,13 @@ class PELVOR_EXPORT NSString : public NSObject {
     /// Null if the bytes are not valid in the encoding or the encoding is unknown.
     static Retained<NSString> initWithBytes_length_encoding(const void* bytes, NSUInteger length,
                                                             NSStringEncoding encoding);
+    /// Null if the data is not valid in the encoding or the encoding is unknown.
     static Retained<NSString> initWithData_encoding(NSData* data, NSStringEncoding encoding);
     static Retained<NSString> initWithContentsOfFile_encoding(NSString* path, NSStringEncoding encoding);
     static Retained<NSString> initWithContentsOfFile(NSString* path);
 
     // C++ only
-    /// The format with its arguments in place; see `formatString` for the conversions.
+    /// These return the format with its arguments in place; see `formatString` for the conversions.
     template <class... A>
     static NSString* stringWithFormat(NSString* format, const A&... arguments) {
         return formatString(format, detail::formatArguments(arguments...), "stringWithFormat:");
@@ -114,17 +117,17 @@ class PELVOR_EXPORT NSString : public NSObject {
     virtual NSUInteger length() = 0;
     /// The unit at the index, which is below the length.
     virtual unichar characterAtIndex(NSUInteger index) = 0;
-    /// Copies the units of the range to the buffer.
+    /// Copies the units of the range to the buffer, without a zero behind them.
     virtual void getCharacters_range(unichar* buffer, NSRange range);
-    /// Copies all units to the buffer.
+    /// Copies all units to the buffer, without a zero behind them.
     void getCharacters(unichar* buffer);
 
     // C++ only
-    /// All units if they stand in one piece in memory, else null. Valid until the string changes or ends. To
-    /// read any string in one piece, use StringUnits.
+    /// The address of the units if the string keeps all of them in one piece of memory, else null. Valid
+    /// until the string changes or ends. To read any string in one piece, use StringUnits.
     virtual const unichar* contiguousCharacters() { return nullptr; }
 
-    // Parts and joins
+    // Parts and joins. Here and below, the objects that operations return are borrowed.
 
     NSString* substringFromIndex(NSUInteger index);
     NSString* substringToIndex(NSUInteger index);
@@ -162,7 +165,7 @@ class PELVOR_EXPORT NSString : public NSObject {
     /// Compares the receiver's range with the whole of `other`.
     NSComparisonResult compare_options_range(NSString* other, NSStringCompareOptions options, NSRange range);
     NSComparisonResult caseInsensitiveCompare(NSString* other);
-    /// The order that a dictionary in the user's language has (see UserLanguages.h).
+    /// The order of words in a printed dictionary of the user's language (see UserLanguages.h).
     NSComparisonResult localizedCompare(NSString* other);
     NSComparisonResult localizedCaseInsensitiveCompare(NSString* other);
     /// Whether the string begins with the units of the prefix, or ends with the units of the suffix. False
@@ -179,9 +182,9 @@ class PELVOR_EXPORT NSString : public NSObject {
     ///
     /// Unless the search is literal, canonically equivalent text matches, and a match consists of whole
     /// composed characters (see `rangeOfComposedCharacterSequenceAtIndex`) of the given range: "e" is not
-    /// found in "é" however it is written, nor a person in the emoji of a family. There are two exceptions:
-    /// CR and LF are found in a line end CR LF, and the text before a zero-width non-joiner is found without
-    /// it.
+    /// found in "é", whether "é" is one unit or a letter and a mark, and one person is not found in the emoji
+    /// of a family. There are two exceptions: CR alone and LF alone are found in a line end CR LF, and a
+    /// match may end in front of a zero-width non-joiner.
     NSRange rangeOfString_options_range(NSString* target, NSStringCompareOptions options, NSRange range);
     NSRange rangeOfCharacterFromSet(NSCharacterSet* set);
     NSRange rangeOfCharacterFromSet_options(NSCharacterSet* set, NSStringCompareOptions options);
@@ -205,7 +208,8 @@ class PELVOR_EXPORT NSString : public NSObject {
     NSString* precomposedStringWithCanonicalMapping();
 
     // The number at the start of the string, behind white space; 0 if no number stands there. A number that
-    // is too large for the type becomes the largest number of the type, one that is too small the smallest.
+    // is too large for an integer type becomes the largest number of the type, one that is too far below 0
+    // the smallest. For `float` and `double`, such a number becomes infinity with its sign.
 
     int intValue();
     NSInteger integerValue();
@@ -222,12 +226,17 @@ class PELVOR_EXPORT NSString : public NSObject {
     /// The text behind the last full stop of the last component: "txt" of "/a/b.txt". Empty if the component
     /// has no full stop, or only one as its first character.
     NSString* pathExtension();
+    /// "/a/b.txt" of "/a" and "b.txt".
     NSString* stringByAppendingPathComponent(NSString* component);
+    /// "/a/b.txt" of "/a/b" and "txt". Nothing is appended to an empty path and to "/".
     NSString* stringByAppendingPathExtension(NSString* extension);
+    /// "/a" of "/a/b.txt".
     NSString* stringByDeletingLastPathComponent();
+    /// "/a/b" of "/a/b.txt".
     NSString* stringByDeletingPathExtension();
     /// The components in their order. A slash at the front and a slash at the end each make a component "/".
     NSArray* pathComponents();
+    /// The components joined by "/". Raises NSInvalidArgumentException if a component is no string.
     static NSString* pathWithComponents(NSArray* components);
     /// Whether the path begins with "/" or "~".
     bool isAbsolutePath();
@@ -241,29 +250,33 @@ class PELVOR_EXPORT NSString : public NSObject {
     NSString* stringByStandardizingPath();
     /// The standardized path with its symbolic links resolved, as far as the path exists.
     virtual NSString* stringByResolvingSymlinksInPath();
-    /// The path as the file system takes it. It lives as long as the current autorelease pool.
+    /// The path as zero-terminated UTF-8 for the system's file functions. The text lives as long as the
+    /// current autorelease pool.
     const char* fileSystemRepresentation();
 
     // Conversion
 
     /// Zero-terminated UTF-8 that lives as long as the current autorelease pool.
     const char* UTF8String();
-    /// Null if the text does not fit the encoding. The text lives as long as the current autorelease pool.
+    /// The text in the encoding, with a zero at the end; it lives as long as the current autorelease pool.
+    /// Null if the text does not fit the encoding or the encoding is unknown.
     const char* cStringUsingEncoding(NSStringEncoding encoding);
     /// The text in the encoding. Null if the text does not fit the encoding or the encoding is unknown.
     NSData* dataUsingEncoding(NSStringEncoding encoding);
     /// If loss is allowed, characters that the encoding lacks are replaced by others; see `encodeUnits`.
     NSData* dataUsingEncoding_allowLossyConversion(NSStringEncoding encoding, bool allowLoss);
     bool canBeConvertedToEncoding(NSStringEncoding encoding);
-    /// Returns 0 if the text does not fit the encoding.
+    /// The number of bytes of `dataUsingEncoding`. 0 if the text does not fit the encoding or the encoding is
+    /// unknown.
     NSUInteger lengthOfBytesUsingEncoding(NSStringEncoding encoding);
-    /// The encoding in which the text takes least room: ASCII if the text fits it, else UTF-16.
+    /// NSASCIIStringEncoding if all units are ASCII, else NSUnicodeStringEncoding.
     NSStringEncoding smallestEncoding();
+    /// The encoding's name in English, whatever the user's language; "" for an unknown number.
     static NSString* localizedNameOfStringEncoding(NSStringEncoding encoding);
     /// Writes the text in the encoding to the file. Returns false if the text does not fit the encoding or
     /// the file cannot be written. With `atomically`, the path holds the whole old file or the whole new file
-    /// at every moment; `NSData::writeToFile_atomically` says what becomes of links, owners, access rights
-    /// and files that are no regular ones.
+    /// at every moment; `NSData::writeToFile_atomically` says what happens to links, owners and access
+    /// rights, and to files that are not regular files.
     bool writeToFile_atomically_encoding(NSString* path, bool atomically, NSStringEncoding encoding);
 
     // C++ only
@@ -286,13 +299,14 @@ class PELVOR_EXPORT NSString : public NSObject {
     ~NSString() = default;
 };
 
-/// The units of a string, or of a range of it, in one piece: the string's own memory where it is in one
-/// piece, else a copy. The string must not change while the units are read.
+/// The units of a string, or of a range of a string, in one piece of memory: the string's own memory if the
+/// string keeps its units in one piece, else a copy. The string must not change or end while the units are
+/// read.
 ///
 ///     StringUnits units(string);
 ///     for (unichar unit : units.view()) …
 ///
-/// The object must have a name, because its view would outlive a temporary.
+/// Make the StringUnits object a variable, as above: the view of a temporary object would outlive the object.
 class PELVOR_EXPORT StringUnits {
   public:
     explicit StringUnits(NSString* string);

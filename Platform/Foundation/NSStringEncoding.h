@@ -35,7 +35,7 @@ enum : NSStringEncoding {
     NSNonLossyASCIIStringEncoding = 7,
     NSShiftJISStringEncoding = 8,
     NSISOLatin2StringEncoding = 9,
-    NSUnicodeStringEncoding = 10,  ///< UTF-16: read by its mark, written little-endian with a mark
+    NSUnicodeStringEncoding = 10,  ///< UTF-16: read by its byte order mark, written little-endian with one
     NSWindowsCP1251StringEncoding = 11,
     NSWindowsCP1252StringEncoding = 12,
     NSWindowsCP1253StringEncoding = 13,
@@ -57,8 +57,8 @@ PELVOR_EXPORT bool isEncodingAvailable(NSStringEncoding encoding);
 /// Every available encoding. Encodings that documents use most come first.
 PELVOR_EXPORT std::vector<NSStringEncoding> availableEncodings();
 
-/// "Western (ISO Latin 1)": the encoding's name in English. Encodings that are rare today have their document
-/// name here, too. "" for an unknown number.
+/// "Western (ISO Latin 1)": the encoding's name in English. For an encoding that is rare today, the name that
+/// `ianaNameOfEncoding` returns. "" for an unknown number.
 PELVOR_EXPORT std::string_view nameOfEncoding(NSStringEncoding encoding);
 
 /// "iso-8859-1": the encoding's name in documents, which is its registered (IANA) name if it has one. "" for
@@ -70,11 +70,11 @@ PELVOR_EXPORT std::string_view ianaNameOfEncoding(NSStringEncoding encoding);
 PELVOR_EXPORT std::vector<std::string_view> namesOfEncoding(NSStringEncoding encoding);
 
 /// The encoding that a name stands for: a registered (IANA) or MIME name, an alias or the name of a code page
-/// ("UTF-8", "latin1", "windows-1252", "cp1252", "x-sjis"). Case, punctuation and spaces do not count. 0 for
+/// ("UTF-8", "latin1", "windows-1252", "cp1252", "x-sjis"). Case, punctuation and spaces are ignored. 0 for
 /// an unknown name.
 PELVOR_EXPORT NSStringEncoding encodingForName(std::string_view name);
 
-/// Whether characters that the encoding lacks may be replaced by something like them.
+/// Whether characters that the encoding lacks may be replaced by similar characters or by "?".
 enum class EncodingLoss { refused, allowed };
 
 /// The bytes as UTF-16. For NSUnicodeStringEncoding and NSUTF32StringEncoding, the mark that tells the byte
@@ -82,13 +82,13 @@ enum class EncodingLoss { refused, allowed };
 /// thread.
 PELVOR_EXPORT std::optional<std::u16string> decodeBytes(std::string_view bytes, NSStringEncoding encoding);
 
-/// The text in the encoding. No value if the encoding is unknown, or if the text does not fit the encoding
-/// and loss is refused. Where loss is allowed, accents are dropped and what the encoding still lacks becomes
-/// "?". Any thread.
+/// The text in the encoding. No value if the encoding is unknown, or if the encoding lacks a character of the
+/// text and loss is refused. If loss is allowed, such a character loses its accent; if the encoding lacks the
+/// character without the accent, too, the character becomes "?". Any thread.
 PELVOR_EXPORT std::optional<std::string> encodeUnits(std::u16string_view units, NSStringEncoding encoding,
                                                      EncodingLoss loss = EncodingLoss::refused);
 
-/// Decodes a text that comes in pieces, which may end inside a character:
+/// Decodes a text that comes in pieces. A piece may end in the middle of a character:
 ///
 ///     TextDecoder decoder(encoding);
 ///     std::u16string text;
@@ -100,16 +100,17 @@ PELVOR_EXPORT std::optional<std::string> encodeUnits(std::u16string_view units, 
 /// one thread.
 class PELVOR_EXPORT TextDecoder {
   public:
-    /// With an encoding that is unknown, every piece is refused.
+    /// If the encoding is unknown, `decode` and `finish` return false.
     explicit TextDecoder(NSStringEncoding encoding);
     TextDecoder(TextDecoder&& other) noexcept;
     TextDecoder& operator=(TextDecoder&& other) noexcept;
     ~TextDecoder();
 
-    /// Appends the next piece to the units. Returns false if the bytes so far are not valid in the encoding;
-    /// the decoder is not to be used again then.
+    /// Decodes the next piece and appends the text to `units`. Returns false if the bytes so far are not
+    /// valid in the encoding; after that, the decoder must not be used again.
     bool decode(std::string_view bytes, std::u16string& units);
-    /// Ends the text. Returns false if its last character is cut.
+    /// Ends the text, and appends to `units` what the decoder still holds. Returns false if the last piece
+    /// ended in the middle of a character.
     bool finish(std::u16string& units);
 
   private:

@@ -11,8 +11,8 @@ namespace pelvor {
 class NSDate;
 class NSMutableDictionary;
 
-/// Posted on the default centre, with a null object, once in the life of the process: on the thread that is
-/// about to start the first further thread through NSThread, before the new thread runs.
+/// Posted on the default centre, with a null sender, once in the life of the process: before NSThread starts
+/// its first thread. Posted on the thread that asked for the new thread.
 inline constexpr NSString* NSWillBecomeMultiThreadedNotification =
     u"NSWillBecomeMultiThreadedNotification"_ns;
 
@@ -22,20 +22,23 @@ inline constexpr NSString* NSWillBecomeMultiThreadedNotification =
 ///     // in Counter::count, at its end:
 ///     performSelectorOnMainThread_withObject_waitUntilDone(view, "show:"_sel, result, false);
 ///
-/// Threads that were started by other means have an object as well, from the first time that they ask for
-/// `currentThread`. Class operations are for any thread; the operations of an object are for its thread only.
+/// A thread that was started by other means gets an object as well, with its first call of `currentThread`.
+/// Static operations may be called on any thread, the operations of an object only on the thread that the
+/// object stands for.
 class PELVOR_EXPORT NSThread : public NSObject {
     PELVOR_CLASS(NSThread, NSObject);
 
   public:
-    /// Starts a thread that sends the message to the target, with `argument` if it takes one, inside an
-    /// autorelease pool, and then ends. Target and argument are retained until then. An exception of the
-    /// method is logged and ends the thread. Raises NSInvalidArgumentException if target or selector is null,
-    /// and NSGenericException if the system gives no thread.
+    /// Starts a thread that sends the message to the target inside an autorelease pool, and then ends. The
+    /// message has `argument` as its argument if the method takes one. Target and argument are retained until
+    /// the thread ends. An exception of the method is logged and ends the thread. Raises
+    /// NSInvalidArgumentException if target or selector is null, and NSGenericException if the system cannot
+    /// start a thread.
     static void detachNewThreadSelector_toTarget_withObject(SEL selector, id target, id argument);
 
+    /// Returns the calling thread, borrowed; the object exists as long as the thread runs.
     static NSThread* currentThread();
-    /// Returns the thread that the process began with.
+    /// Returns the thread that the process began with, borrowed; the object exists as long as the process.
     static NSThread* mainThread();
     static bool isMainThread();
     /// Returns whether NSThread has ever started a thread.
@@ -46,15 +49,19 @@ class PELVOR_EXPORT NSThread : public NSObject {
     static void sleepUntilDate(NSDate* date);
     static void sleepForTimeInterval(double seconds);
 
-    /// Returns the thread's name; "" unless it was set. Tools of the system show its first 15 bytes.
+    /// Returns the thread's name, borrowed; "" unless a name was set.
     NSString* name() { return _name; }
+    /// Copies the name; null stands for "". Tools of the system show the first 15 bytes of the name, except
+    /// for the main thread.
     void setName(NSString* name);
-    /// Returns the thread's own dictionary, which is made on first demand. Its objects are released when the
-    /// thread ends.
+    /// Returns the thread's own dictionary, borrowed, which the first call makes. The dictionary and its
+    /// objects are released when the thread ends.
     NSMutableDictionary* threadDictionary();
 
     // C++ only
-    /// Starts a thread that calls the function, as `detachNewThreadSelector_toTarget_withObject` does.
+    /// Starts a thread that calls the function inside an autorelease pool, and then ends. Exceptions are
+    /// treated as by `detachNewThreadSelector_toTarget_withObject`. Raises NSInvalidArgumentException for an
+    /// empty function, and NSGenericException if the system cannot start a thread.
     static void detach(std::function<void()> entry);
 
   protected:

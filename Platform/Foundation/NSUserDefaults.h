@@ -20,11 +20,13 @@ extern PELVOR_EXPORT NSString* const NSArgumentDomain;
 /// The domain of the settings that hold where the user has set nothing; `registerDefaults` adds to it.
 extern PELVOR_EXPORT NSString* const NSRegistrationDomain;
 
-/// Posted by an NSUserDefaults object after the domain that is kept in its file has changed, whether a
-/// setting was set or `synchronize` read one. Posted on the thread that made the change.
+/// Posted by an NSUserDefaults object after the domain of its file has changed: because a setting was set or
+/// removed, or because `synchronize` read a change of another process. Posted on the thread that called the
+/// operation.
 extern PELVOR_EXPORT NSString* const NSUserDefaultsDidChangeNotification;
 
-/// Settings by key. A program registers what holds without the user, reads, sets, and writes to the file:
+/// Settings by key. A program registers the values that hold until the user changes them, reads and changes
+/// settings, and writes the changes to a file:
 ///
 ///     NSUserDefaults* defaults = NSUserDefaults::standardUserDefaults();
 ///     defaults->registerDefaults(NSDictionary::of({{u"Columns"_ns, NSNumber::numberWithInt(80)}}));
@@ -34,11 +36,12 @@ extern PELVOR_EXPORT NSString* const NSUserDefaultsDidChangeNotification;
 ///
 /// A key is looked up in several domains, of which the first that has the key counts: the arguments; other
 /// volatile domains in the order in which they were set; the domain that is kept in a file; the registered
-/// settings. Setting changes the domain of the file; `synchronize` writes the file: pelvor/<domain>.plist in
-/// the user's folder for configuration ($XDG_CONFIG_HOME, or ~/.config). Only the user can read the file.
+/// settings. The `set…` operations change the domain of the file; `synchronize` writes the file, which is
+/// pelvor/<name of the domain>.plist in the user's folder for configuration ($XDG_CONFIG_HOME, or ~/.config).
+/// Only the user can read the file.
 ///
-/// A damaged file counts as empty, and the log tells of it. Before a new file takes its place, the damaged
-/// file is renamed to its name with ".damaged" behind it. Any thread.
+/// A damaged file counts as empty, and a line of the log says so. Before a new file is written, the damaged
+/// file is renamed: ".damaged" is appended to its name. Any thread.
 class PELVOR_EXPORT NSUserDefaults : public NSObject {
     PELVOR_CLASS(NSUserDefaults, NSObject);
     PELVOR_CREATORS(initWithDomainName, initVolatile);
@@ -49,8 +52,8 @@ class PELVOR_EXPORT NSUserDefaults : public NSObject {
     /// Returns the program's settings, with its arguments; borrowed. The first call makes them, for the
     /// domain with the program's name.
     static NSUserDefaults* standardUserDefaults();
-    /// Replaces the program's settings by other settings: for a host that chooses the domain, or for a test.
-    /// After null, the next call of `standardUserDefaults` makes new settings.
+    /// Replaces the program's settings by `defaults`, which is retained: for a host that chooses the domain,
+    /// or for a test. If `defaults` is null, the next call of `standardUserDefaults` makes new settings.
     static void setStandardUserDefaults(NSUserDefaults* defaults);
 
     /// Returns the settings in the file of the domain. Raises NSInvalidArgumentException for a name that is
@@ -59,7 +62,8 @@ class PELVOR_EXPORT NSUserDefaults : public NSObject {
     /// Returns settings in memory only, which never touch a file.
     static Retained<NSUserDefaults> initVolatile(Class* cls = classObject());
 
-    // Reading. Objects are borrowed; they are immutable, unless mutable objects were registered.
+    // Reading. The results are borrowed, and immutable unless mutable objects were registered. A null key is
+    // a key that no domain has.
 
     /// Returns null if no domain has the key.
     id objectForKey(NSString* key);
@@ -69,6 +73,7 @@ class PELVOR_EXPORT NSUserDefaults : public NSObject {
     NSArray* arrayForKey(NSString* key);
     /// Returns null unless the object is an array that contains nothing but strings.
     NSArray* stringArrayForKey(NSString* key);
+    /// These return null if the object under the key is of another class.
     NSDictionary* dictionaryForKey(NSString* key);
     NSData* dataForKey(NSString* key);
     /// These return the value of a number, or the number at the start of a string, and 0 for any other
@@ -78,7 +83,8 @@ class PELVOR_EXPORT NSUserDefaults : public NSObject {
     float floatForKey(NSString* key);
     double doubleForKey(NSString* key);
     bool boolForKey(NSString* key);
-    /// Returns everything that can be found, by key.
+    /// Returns the settings of all domains in one dictionary: under each key the object that `objectForKey`
+    /// returns.
     NSDictionary* dictionaryRepresentation();
 
     // Changing the domain of the file
@@ -86,6 +92,7 @@ class PELVOR_EXPORT NSUserDefaults : public NSObject {
     /// Keeps a copy of the object; a null object removes the key. Raises NSInvalidArgumentException if the
     /// key is null, and for an object or a key that an XML property list cannot hold.
     void setObject_forKey(id object, NSString* key);
+    /// These keep a number, and raise NSInvalidArgumentException if the key is null.
     void setInteger_forKey(NSInteger value, NSString* key);
     void setFloat_forKey(float value, NSString* key);
     void setDouble_forKey(double value, NSString* key);
@@ -103,14 +110,15 @@ class PELVOR_EXPORT NSUserDefaults : public NSObject {
     /// Adds settings that hold where no other domain has the key. Raises NSInvalidArgumentException if
     /// `settings` is null.
     void registerDefaults(NSDictionary* settings);
-    /// Sets all settings of a domain that is not kept in a file. Raises NSInvalidArgumentException if
-    /// `settings` or `name` is null.
+    /// Replaces all settings of a domain that is not kept in a file, or adds the domain. The dictionary is
+    /// copied. Raises NSInvalidArgumentException if `settings` or `name` is null.
     void setVolatileDomain_forName(NSDictionary* settings, NSString* name);
-    /// Returns null if there is no such domain.
+    /// Returns the settings of a volatile domain, borrowed; null if no volatile domain has the name.
     NSDictionary* volatileDomainForName(NSString* name);
+    /// Does nothing if no volatile domain has the name.
     void removeVolatileDomainForName(NSString* name);
-    /// Returns the settings that the arguments of the form "-Key value" make. A value is a string, unless it
-    /// is a property list in brackets of any kind, "(de, en)".
+    /// Returns the settings in arguments of the form "-Key value", borrowed. A value is a string, unless it
+    /// is a property list that begins with "(", "{" or "<", such as "(de, en)".
     static NSDictionary* settingsFromArguments(NSArray* arguments);
 
   protected:

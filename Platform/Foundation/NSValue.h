@@ -22,7 +22,7 @@ PELVOR_EXPORT const char* NSGetSizeAndAlignment(const char* type, NSUInteger* si
 ///     struct Cell { int row, column; };
 ///     int row = NSValue::of(Cell{1, 2})->as<Cell>().row;                // 1
 ///
-/// Two values are equal when their types and their bytes are equal, so structures should have no unused bytes
+/// Two values are equal if their types and their bytes are equal, so structures should have no unused bytes
 /// between their fields. The class is abstract: a subclass implements `objCType` and `getValue`. Any thread.
 class PELVOR_EXPORT NSValue : public NSObject {
     PELVOR_CLASS(NSValue, NSObject);
@@ -42,11 +42,11 @@ class PELVOR_EXPORT NSValue : public NSObject {
     static NSValue* valueWithSize(NSSize size);
     static NSValue* valueWithRect(NSRect rect);
     static NSValue* valueWithPointer(const void* pointer);
-    /// The value does not keep the object alive.
+    /// The value does not retain the object, which may be null.
     static NSValue* valueWithNonretainedObject(id object);
 
     // C++ only
-    /// Any plain structure or number; a structure has up to six fields.
+    /// A value that holds a plain structure or a number. A structure may have up to six fields.
     template <class T>
     static NSValue* of(const T& value) {
         return withTypedBytes(&value, sizeof(T), typeEncoding<T>.text).autorelease();
@@ -54,6 +54,7 @@ class PELVOR_EXPORT NSValue : public NSObject {
 
     // Primitives
 
+    /// The encoding of the value's type. The text is valid as long as the value exists.
     virtual const char* objCType() = 0;
     /// Copies the value to the buffer, which must be large enough for the type. Raises
     /// NSInvalidArgumentException if the buffer is null.
@@ -66,14 +67,17 @@ class PELVOR_EXPORT NSValue : public NSObject {
     NSSize sizeValue() { return read<NSSize>("sizeValue"); }
     NSRect rectValue() { return read<NSRect>("rectValue"); }
     void* pointerValue() { return read<void*>("pointerValue"); }
+    /// Returns the object as it was given; whoever made the value sees to it that the object still exists.
     id nonretainedObjectValue() { return read<id>("nonretainedObjectValue"); }
 
     // C++ only
+    /// The value as a T.
     template <class T>
     T as() {
         return read<T>("as");
     }
 
+    /// Returns false for null.
     bool isEqualToValue(NSValue* other);
 
     bool isEqual(id other) override;
