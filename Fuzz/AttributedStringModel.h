@@ -30,7 +30,7 @@ class AttributedStringModel {
 
     void step() {
         AutoreleasePool pool;
-        switch (_numbers(_units.size() > 12000 ? 4 : 14)) {
+        switch (_numbers(_units.size() > 12000 ? 4 : 15)) {
             case 0:
                 return replace(range(4000), {});
             case 1:
@@ -57,6 +57,8 @@ class AttributedStringModel {
                 return checkOneValue();
             case 12:
                 return checkOneRun();
+            case 13:
+                return replaceWithAttributes();
             default:
                 return replace(range(5), units(6));
         }
@@ -126,6 +128,14 @@ class AttributedStringModel {
         if (_units.empty()) return;
         NSUInteger from = range.length > 0 ? range.location : std::max(range.location, 1u) - 1;
         for (Unit& unit : units) unit.values = _units[from].values;
+    }
+    void replaceWithAttributes() {
+        NSRange changed = range(20);
+        Units added = units(5);
+        for (Unit& unit : added) unit.values = {0, static_cast<std::uint8_t>(added.size() % kValues), 0};
+        _text->replaceCharactersInRange_withString_attributes(changed, NSString::of(plain(added)),
+                                                              dictionary(added.front()));
+        put(changed, added);
     }
     void replaceThroughString() {
         NSRange changed = range(50);

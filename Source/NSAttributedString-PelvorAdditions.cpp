@@ -495,7 +495,7 @@ void appendString_withAttributes(NSMutableAttributedString* text, NSString* stri
                                  NSDictionary* attributes) {
     requireArgument(text, "appendString:withAttributes:", "the text");
     requireArgument(string, "appendString:withAttributes:", "the string");
-    text->appendAttributedString(NSAttributedString::initWithString_attributes(string, attributes).get());
+    text->replaceCharactersInRange_withString_attributes({text->length(), 0}, string, attributes);
 }
 
 void appendString_extendAttributes(NSMutableAttributedString* text, NSString* string,

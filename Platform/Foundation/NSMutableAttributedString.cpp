@@ -34,24 +34,27 @@ void NSMutableAttributedString::didEdit(unsigned, NSRange, NSInteger) {}
 
 // MARK: The text
 
-void NSMutableAttributedString::replace(NSRange range, NSString* string, const char* operation) {
+void NSMutableAttributedString::replace(NSRange range, NSString* string,
+                                        Retained<NSAttributeDictionary> attributes, const char* operation) {
     NSUInteger length = this->length(), added = string->length();
     requireTextLength(std::uint64_t{length} - range.length + added, operation);
     if (range.length == 0 && added == 0) return;
+    unsigned mask = attributes ? kEditedCharacters | kEditedAttributes : kEditedCharacters;
     RunTree& runs = _content->runs;
     StringUnits units(string);
     TextTree kept;
     if (units.data() == _content->text.contiguousUnits()) kept = _content->text;  // leaves these units alone
     _content->text.replace(range, units);
-    if (length == 0 || range.length > 0) {
-        AttributeStretch stretch{added, length == 0 ? NSAttributeDictionary::with(nullptr)
-                                                    : Retained<NSAttributeDictionary>::retaining(
-                                                          runs.runAt(range.location).attributes)};
+    if (!attributes && range.length > 0)
+        attributes = Retained<NSAttributeDictionary>::retaining(runs.runAt(range.location).attributes);
+    if (!attributes && length == 0) attributes = NSAttributeDictionary::with(nullptr);
+    if (attributes) {
+        AttributeStretch stretch{added, std::move(attributes)};
         runs.replace(range, {&stretch, 1});
     } else {
         runs.stretch(range.location > 0 ? range.location - 1 : 0, added);
     }
-    didEdit(kEditedCharacters, range, static_cast<NSInteger>(added - range.length));
+    didEdit(mask, range, static_cast<NSInteger>(added - range.length));
 }
 
 void NSMutableAttributedString::replace(NSRange range, NSAttributedString* other, const char* operation) {
@@ -69,7 +72,7 @@ void NSMutableAttributedString::replaceCharactersInRange_withString(NSRange rang
     constexpr const char* kOperation = "replaceCharactersInRange:withString:";
     requireArgument(string, kOperation, "the string");
     requireRange(range, length(), kOperation);
-    replace(range, string, kOperation);
+    replace(range, string, nullptr, kOperation);
 }
 
 void NSMutableAttributedString::replaceCharactersInRange_withAttributedString(NSRange range,
@@ -78,6 +81,15 @@ void NSMutableAttributedString::replaceCharactersInRange_withAttributedString(NS
     requireArgument(other, kOperation, "the attributed string");
     requireRange(range, length(), kOperation);
     replace(range, other, kOperation);
+}
+
+void NSMutableAttributedString::replaceCharactersInRange_withString_attributes(NSRange range,
+                                                                               NSString* string,
+                                                                               NSDictionary* attributes) {
+    constexpr const char* kOperation = "replaceCharactersInRange_withString_attributes";
+    requireArgument(string, kOperation, "the string");
+    requireRange(range, length(), kOperation);
+    replace(range, string, NSAttributeDictionary::with(attributes), kOperation);
 }
 
 void NSMutableAttributedString::insertAttributedString_atIndex(NSAttributedString* other, NSUInteger index) {
@@ -94,7 +106,7 @@ void NSMutableAttributedString::appendAttributedString(NSAttributedString* other
 
 void NSMutableAttributedString::deleteCharactersInRange(NSRange range) {
     requireRange(range, length(), "deleteCharactersInRange:");
-    replace(range, u""_ns, "deleteCharactersInRange:");
+    replace(range, u""_ns, nullptr, "deleteCharactersInRange:");
 }
 
 void NSMutableAttributedString::setAttributedString(NSAttributedString* other) {

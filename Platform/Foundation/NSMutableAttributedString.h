@@ -7,6 +7,7 @@
 
 namespace pelvor {
 
+class NSAttributeDictionary;
 class NSMutableString;
 
 /// A text with attributes that can change, in little time wherever and however long it is.
@@ -40,6 +41,11 @@ class PELVOR_EXPORT NSMutableAttributedString : public NSAttributedString {
     void appendAttributedString(NSAttributedString* other);
     void deleteCharactersInRange(NSRange range);
     void setAttributedString(NSAttributedString* other);
+
+    // C++ only
+    /// Puts the string, with these attributes or none for null, in place of the range.
+    void replaceCharactersInRange_withString_attributes(NSRange range, NSString* string,
+                                                        NSDictionary* attributes);
 
     // Changing attributes
 
@@ -84,7 +90,9 @@ class PELVOR_EXPORT NSMutableAttributedString : public NSAttributedString {
   private:
     using AttributeChange = Retained<NSDictionary> (*)(NSDictionary* old, void* context);
     void changeAttributes(NSRange range, AttributeChange change, void* context, const char* operation);
-    void replace(NSRange range, NSString* string, const char* operation);
+    // With the attributes of what is replaced if `attributes` is null.
+    void replace(NSRange range, NSString* string, Retained<NSAttributeDictionary> attributes,
+                 const char* operation);
     void replace(NSRange range, NSAttributedString* other, const char* operation);
 };
 

@@ -161,13 +161,19 @@ void apply(const Patch& patch, NodeRef<RunLeaf>& node, unsigned first, unsigned 
     leaf->length += change;
 }
 
+// Which sides of a leaf have neighbours.
+struct Neighbours {
+    bool areBefore, areBehind;
+};
+
 // Returns false where neighbouring leaves have to take part.
-bool replaceInLeaf(NodeRef<RunLeaf>& node, NSRange range, std::span<AttributeStretch> stretches, bool isOnly,
-                   DroppedAttributes& dropped) {
+bool replaceInLeaf(NodeRef<RunLeaf>& node, NSRange range, std::span<AttributeStretch> stretches,
+                   Neighbours neighbours, DroppedAttributes& dropped) {
     RunLeaf* leaf = node.leaf();
     NSUInteger end = NSMaxRange(range);
     if (end > leaf->length || stretches.size() > RunLeaf::kMost) return false;
-    if (!isOnly && (range.location == 0 || end == leaf->length)) return false;
+    if ((range.location == 0 && neighbours.areBefore) || (end == leaf->length && neighbours.areBehind))
+        return false;
     // The runs that touch the range change with it, since they may be joined.
     unsigned first = leaf->runAt(range.location), last = leaf->runAt(end);
     if (first > 0 && leaf->starts()[first] == range.location) --first;
@@ -177,6 +183,7 @@ bool replaceInLeaf(NodeRef<RunLeaf>& node, NSRange range, std::span<AttributeStr
     patch.add(leaf->endOf(last) - end, leaf->attributes()[last]);
     unsigned count = leaf->count - (last - first + 1) + patch.count;
     if (count > RunLeaf::kMost || count == 0) return false;
+    bool isOnly = !neighbours.areBefore && !neighbours.areBehind;
     if (!isOnly && count < RunLeaf::kThin && count < leaf->count) return false;
     apply(patch, node, first, last, dropped);
     return true;
@@ -210,9 +217,11 @@ void RunTree::stretch(NSUInteger place, NSUInteger added) {
 
 void RunTree::replace(NSRange range, std::span<AttributeStretch> stretches) {
     DroppedAttributes dropped;  // released when the tree is whole again
-    bool isOnly = _tree.onlyLeaf();
+    NSUInteger length = this->length();
     bool isDone = _tree.editLeaf(range.location, [&](NodeRef<RunLeaf>& node, NSUInteger place) {
-        return replaceInLeaf(node, {place, range.length}, stretches, isOnly, dropped);
+        NSUInteger start = range.location - place;
+        Neighbours neighbours{start > 0, start + node->length < length};
+        return replaceInLeaf(node, {place, range.length}, stretches, neighbours, dropped);
     });
     if (!isDone) _tree.replace(range, Tree(leavesOf(stretches)));
 }
