@@ -21,38 +21,42 @@ struct Category;
 class NSSet;
 class NSString;
 
-// MARK: Names of attributes. The text of each stands behind it, since documents are stored with it.
+// MARK: Names of attributes, with the texts that documents are stored with
 
-extern PELVOR_EXPORT NSString* const
-    PBStyleNoteReferenceAttributeName;  ///< "PBStyleNoteReference", a reference
-                                        ///< to a note; not typed on
-extern PELVOR_EXPORT NSString* const
-    PBStyleCharacterAttributeName;  ///< "PBStyleCharacter", the character style
-extern PELVOR_EXPORT NSString* const PBStyleParagraphAttributeName;  ///< "PBStyleParagraph", the paragraph
-                                                                     ///< style by name
-extern PELVOR_EXPORT NSString* const PBStyleNoteTextAttributeName;  ///< "PBStyleNoteText", the style of notes
-extern PELVOR_EXPORT NSString* const PBFontSubstitutedAttributeName;  ///< "PBFontSubstituted", the font that
-                                                                      ///< the text asked for is missing
-extern PELVOR_EXPORT NSString* const PBFontCaseChangeAttributeName;  ///< "PBFontCaseChange", small capitals
-                                                                     ///< and the like
-extern PELVOR_EXPORT NSString* const PBFontSizeAttributeName;      ///< "PBFontSize"
-extern PELVOR_EXPORT NSString* const PBExpandedFontAttributeName;  ///< "PBCompressedFont", wide or narrow
-extern PELVOR_EXPORT NSString* const PBItalicFontAttributeName;    ///< "PBItalicFont"
-extern PELVOR_EXPORT NSString* const PBBoldFontAttributeName;      ///< "PBBoldFont"
-extern PELVOR_EXPORT NSString* const
-    PBFloatingContentAttributeName;                             ///< "PBFloatingContent", what is anchored
-                                                                ///< at the character; not typed on
-extern PELVOR_EXPORT NSString* const PBHighlightAttributeName;  ///< "PBHighlight"
-extern PELVOR_EXPORT NSString* const PBLanguageAttributeName;   ///< "PBLanguage", a language object; without
-                                                               ///< one the system language
-extern PELVOR_EXPORT NSString* const PBModelAttributesAttributeName;  ///< "PBModelAttributes", what stands
-                                                                      ///< behind the displayed attributes
-extern PELVOR_EXPORT NSString* const PBAutomaticNumberAttributeName;  ///< "PBAutomaticNumber"
-extern PELVOR_EXPORT NSString* const
-    PBNewlineBeforeFormFeedAttachmentAttributeName;  ///< "PBNewlineBeforeFeedAttrName", on the newline before
-                                                     ///< a page break
-extern PELVOR_EXPORT NSString* const PBBreakTypeAttributeName;  ///< "PBBreakType", what a break character
-                                                                ///< breaks; not typed on
+/// "PBStyleNoteReference": marks the reference to a note. Not typed on.
+extern PELVOR_EXPORT NSString* const PBStyleNoteReferenceAttributeName;
+/// "PBStyleCharacter": the character style of the run.
+extern PELVOR_EXPORT NSString* const PBStyleCharacterAttributeName;
+/// "PBStyleParagraph": the named paragraph style of the run.
+extern PELVOR_EXPORT NSString* const PBStyleParagraphAttributeName;
+/// "PBStyleNoteText": the style of the text of notes.
+extern PELVOR_EXPORT NSString* const PBStyleNoteTextAttributeName;
+/// "PBFontSubstituted": marks text whose font is missing and was replaced by another one.
+extern PELVOR_EXPORT NSString* const PBFontSubstitutedAttributeName;
+/// "PBFontCaseChange": small capitals and the like.
+extern PELVOR_EXPORT NSString* const PBFontCaseChangeAttributeName;
+/// "PBFontSize": the size of the font.
+extern PELVOR_EXPORT NSString* const PBFontSizeAttributeName;
+/// "PBCompressedFont": wide or narrow, whatever the font.
+extern PELVOR_EXPORT NSString* const PBExpandedFontAttributeName;
+/// "PBItalicFont": italic, whatever the font.
+extern PELVOR_EXPORT NSString* const PBItalicFontAttributeName;
+/// "PBBoldFont": bold, whatever the font.
+extern PELVOR_EXPORT NSString* const PBBoldFontAttributeName;
+/// "PBFloatingContent": what is anchored at the character. Not typed on.
+extern PELVOR_EXPORT NSString* const PBFloatingContentAttributeName;
+/// "PBHighlight": highlighted text.
+extern PELVOR_EXPORT NSString* const PBHighlightAttributeName;
+/// "PBLanguage": a language object; text without one is in the system language.
+extern PELVOR_EXPORT NSString* const PBLanguageAttributeName;
+/// "PBModelAttributes": the attributes of the model that the displayed ones come from.
+extern PELVOR_EXPORT NSString* const PBModelAttributesAttributeName;
+/// "PBAutomaticNumber": a number that the document counts.
+extern PELVOR_EXPORT NSString* const PBAutomaticNumberAttributeName;
+/// "PBNewlineBeforeFeedAttrName": marks the newline that stands before a page break.
+extern PELVOR_EXPORT NSString* const PBNewlineBeforeFormFeedAttachmentAttributeName;
+/// "PBBreakType": what a break character breaks. Not typed on.
+extern PELVOR_EXPORT NSString* const PBBreakTypeAttributeName;
 
 // Names of the platform's attributes that its oldest releases do not declare.
 

@@ -143,6 +143,8 @@ void NSMutableAttributedString::setAttributes_range(NSDictionary* attributes, NS
     requireRange(range, length(), "setAttributes:range:");
     if (range.length == 0) return;
     AttributeStretch stretch{range.length, NSAttributeDictionary::with(attributes)};
+    PlacedRun run = _content->runs.runAt(range.location);
+    if (run.attributes == stretch.attributes && NSMaxRange(run.range) >= NSMaxRange(range)) return;
     _content->runs.replace(range, {&stretch, 1});
     didEdit(kEditedAttributes, range, 0);
 }
