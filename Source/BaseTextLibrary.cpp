@@ -4,10 +4,13 @@
 #include "BaseLibrary.h"
 #include "NSAttributedString-PelvorAdditions.h"
 #include "NSEvent-PelvorAdditions.h"
+#include "NSFont-PelvorAdditions.h"
 #include "NSLayoutManager-PelvorAdditions.h"
 #include "NSParagraphStyle-PelvorAdditions.h"
 #include "NSString-PelvorDrawingAdditions.h"
 #include "NSTextStorage-PelvorAdditions.h"
+#include "PantherFont.h"
+#include "PantherObject.h"
 #include "Text/TextLibrary.h"
 
 namespace pelvor {
@@ -17,9 +20,14 @@ constexpr Library* kDependencies[] = {&baseLibrary, &textLibrary};
 
 // Alphabetical.
 // clang-format off
+constexpr Class* kClasses[] = {
+    &PantherFont::classRecord,
+    &PantherObject::classRecord,
+};
 constexpr const Category* kCategories[] = {
     &NSAttributedString_PelvorAdditions_category,
     &NSEvent_PelvorAdditions_category,
+    &NSFont_PelvorAdditions_category,
     &NSLayoutManager_PBInternalsExposed_category,
     &NSLayoutManager_PelvorAdditions_category,
     &NSMutableAttributedString_PelvorAdditions_category,
@@ -33,6 +41,6 @@ constexpr const Category* kCategories[] = {
 
 }  // namespace
 
-constinit Library baseTextLibrary{"PelvorBaseText", kDependencies, {}, kCategories};
+constinit Library baseTextLibrary{"PelvorBaseText", kDependencies, kClasses, kCategories};
 
 }  // namespace pelvor

@@ -51,6 +51,10 @@ class OFTrieNode;          ///< where words of a trie part
 class PBRepeatString;      ///< a text again and again, never built
 class PBUnichar32String;   ///< a text kept as code points
 
+// Older platforms
+class PantherFont;    ///< gives fonts the sizes of controls
+class PantherObject;  ///< gives all objects `setValue:forKey:`
+
 // Hooks
 class PBUtil_Dummy;         ///< sets the library up when classes are loaded
 class _PBAssertionWarning;  ///< a place for warnings about assertions

@@ -74,14 +74,18 @@ class FontStore {
         return *store;
     }
 
-    template <class Make>
-    Retained<NSFont> font(FontVariant* variant, float size, Make make) {
+    Retained<NSFont> find(FontVariant* variant, float size) {
         std::lock_guard lock(_mutex);
-        Retained<NSFont>& font = _fonts[{variant, size}];
-        if (font) return font;
-        Retained<NSFont> made = font = make();
+        auto found = _fonts.find({variant, size});
+        return found == _fonts.end() ? nullptr : found->second;
+    }
+
+    /// The font, or the equal one that another thread has kept meanwhile.
+    Retained<NSFont> keep(const Retained<NSFont>& font) {
+        std::lock_guard lock(_mutex);
+        Retained<NSFont> kept = _fonts.emplace(Key{&font->variant(), font->pointSize()}, font).first->second;
         if (_fonts.size() >= _sweepAt) sweep();
-        return made;
+        return kept;
     }
 
   private:
@@ -122,15 +126,11 @@ NSFont::~NSFont() = default;
 
 NSFont* NSFont::fontWithVariant_size(const std::shared_ptr<FontVariant>& variant, float size) {
     size = sizeOr(size, kDefaultSize);
-    return FontStore::shared()
-        .font(variant.get(), size,
-              [&] {
-                  auto font = make<NSFont>();
-                  font->_variant = variant;
-                  font->_size = size;
-                  return font;
-              })
-        .autorelease();
+    if (auto known = FontStore::shared().find(variant.get(), size)) return std::move(known).autorelease();
+    auto font = make<NSFont>();
+    font->_variant = variant;
+    font->_size = size;
+    return FontStore::shared().keep(font).autorelease();
 }
 
 // MARK: Finding

@@ -49,7 +49,7 @@ class PELVOR_EXPORT NSFont : public NSObject {
     // Finding fonts
 
     /// The font of that PostScript name, full name or family name, tried in this order and without regard to
-    /// case. Null for null and where no such font exists: no other font stands in.
+    /// the case of the letters A to Z. Null for null and where no such font exists: no other font stands in.
     static NSFont* fontWithName_size(NSString* name, float size);
     /// The font that fits the descriptor best: that of its name; else the face of its family that has its
     /// face name or, where it names no face, is nearest to upright and regular. Its feature settings are the

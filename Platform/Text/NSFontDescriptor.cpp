@@ -42,7 +42,7 @@ NSFontDescriptor* NSFontDescriptor::fontDescriptorWithFontAttributes(NSDictionar
 }
 
 NSFontDescriptor* NSFontDescriptor::fontDescriptorWithName_size(NSString* name, float size, Class* cls) {
-    requireArgument(name, "fontDescriptorWithName:size:", "name");
+    requireArgument(name, "fontDescriptorWithName:size:", "the name");
     return fontDescriptorWithFontAttributes(
         NSDictionary::of(
             {{NSFontNameAttribute, name}, {NSFontSizeAttribute, NSNumber::numberWithFloat(size)}}),
@@ -71,22 +71,22 @@ NSFontDescriptor* NSFontDescriptor::fontDescriptorByAddingAttributes(NSDictionar
     return fontDescriptorWithFontAttributes(all);
 }
 
-NSFontDescriptor* NSFontDescriptor::settingObject_forKey(id object, NSString* key, const char* operation) {
-    requireArgument(object, operation, "argument");
+NSFontDescriptor* NSFontDescriptor::settingObject_forKey(id object, NSString* key) {
     return fontDescriptorByAddingAttributes(NSDictionary::of({{key, object}}));
 }
 
 NSFontDescriptor* NSFontDescriptor::fontDescriptorWithSize(float size) {
-    return settingObject_forKey(NSNumber::numberWithFloat(size), NSFontSizeAttribute,
-                                "fontDescriptorWithSize:");
+    return settingObject_forKey(NSNumber::numberWithFloat(size), NSFontSizeAttribute);
 }
 
 NSFontDescriptor* NSFontDescriptor::fontDescriptorWithFamily(NSString* family) {
-    return settingObject_forKey(family, NSFontFamilyAttribute, "fontDescriptorWithFamily:");
+    requireArgument(family, "fontDescriptorWithFamily:", "the family");
+    return settingObject_forKey(family, NSFontFamilyAttribute);
 }
 
 NSFontDescriptor* NSFontDescriptor::fontDescriptorWithFace(NSString* face) {
-    return settingObject_forKey(face, NSFontFaceAttribute, "fontDescriptorWithFace:");
+    requireArgument(face, "fontDescriptorWithFace:", "the face");
+    return settingObject_forKey(face, NSFontFaceAttribute);
 }
 
 // MARK: Everything else

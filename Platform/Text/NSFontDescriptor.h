@@ -54,6 +54,7 @@ class PELVOR_EXPORT NSFontDescriptor : public NSObject {
     /// The attributes of the receiver and the given ones, which win where both have a key.
     NSFontDescriptor* fontDescriptorByAddingAttributes(NSDictionary* attributes);
     NSFontDescriptor* fontDescriptorWithSize(float size);
+    /// Both raise NSInvalidArgumentException for null.
     NSFontDescriptor* fontDescriptorWithFamily(NSString* family);
     NSFontDescriptor* fontDescriptorWithFace(NSString* face);
 
@@ -70,7 +71,7 @@ class PELVOR_EXPORT NSFontDescriptor : public NSObject {
     ~NSFontDescriptor() = default;
 
   private:
-    NSFontDescriptor* settingObject_forKey(id object, NSString* key, const char* operation);
+    NSFontDescriptor* settingObject_forKey(id object, NSString* key);
 
     Retained<NSDictionary> _attributes;
 };

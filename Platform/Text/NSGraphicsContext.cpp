@@ -177,7 +177,7 @@ void NSGraphicsContext::strokeLineFromPoint_toPoint_width(NSPoint from, NSPoint 
 }
 
 bool NSGraphicsContext::drawImage_inRect_reason(NSData* picture, NSRect rect, NSString** reason) {
-    requireArgument(picture, "drawImage:inRect:reason:", "picture");
+    requireArgument(picture, "drawImage:inRect:reason:", "the picture");
     cairo_t* page = _canvas->page();
     if (!page) return tell(reason, "there is no page to draw on"), false;
     if (!isFinite(rect) || !std::isnormal(rect.size.width) || !std::isnormal(rect.size.height))
@@ -220,7 +220,7 @@ NSData* NSGraphicsContext::dataWithReason(NSString** reason) {
 }
 
 bool NSGraphicsContext::writeToFile_reason(NSString* path, NSString** reason) {
-    requireArgument(path, "writeToFile:reason:", "path");
+    requireArgument(path, "writeToFile:reason:", "the path");
     NSData* data = dataWithReason(reason);
     if (!data) return false;
     if (data->writeToFile_atomically(path, true)) return true;

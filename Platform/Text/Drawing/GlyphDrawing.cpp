@@ -122,8 +122,7 @@ void showGlyphs(cairo_t* page, const GlyphRun& run, const std::vector<cairo_glyp
 }
 
 void drawBoxes(cairo_t* page, const GlyphRun& run, NSPoint origin) {
-    const NSRect box = run.font->boundingRectForGlyph(0).size.width > 0 ? run.font->boundingRectForGlyph(0)
-                                                                        : run.font->boundingRectForFont();
+    const NSRect box = run.font->boundingRectForFont();
     cairo_new_path(page);
     for (const cairo_glyph_t& glyph : glyphsOf(run, origin))
         cairo_rectangle(page, glyph.x + static_cast<double>(box.origin.x),

@@ -78,11 +78,12 @@ Surface wrapJPEG(Bytes jpeg, const PictureHeader& header) {
     return surface;
 }
 
-void paint(cairo_t* page, cairo_surface_t* surface, const PictureHeader& header) {
+void paint(cairo_t* page, cairo_surface_t* surface, const PictureHeader& header, bool isPDF) {
     cairo_save(page);
     cairo_scale(page, 1.0 / header.width, 1.0 / header.height);
     cairo_set_source_surface(page, surface, 0, 0);
-    cairo_pattern_set_extend(cairo_get_source(page), CAIRO_EXTEND_PAD);  // or its edges fade
+    // Between its pixels and nothing an image would fade at its edges; a document keeps the picture as it is.
+    if (!isPDF) cairo_pattern_set_extend(cairo_get_source(page), CAIRO_EXTEND_PAD);
     cairo_rectangle(page, 0, 0, header.width, header.height);
     cairo_fill(page);
     cairo_restore(page);
@@ -108,7 +109,7 @@ std::string drawPicture(cairo_t* page, Bytes picture, bool isPDF) {
     if (!surface) return "there is not enough memory";
     if (cairo_status_t status = cairo_surface_status(surface.get()))
         return std::string("the picture is broken: ") + cairo_status_to_string(status);
-    paint(page, surface.get(), header);
+    paint(page, surface.get(), header, isPDF);
     return "";
 }
 

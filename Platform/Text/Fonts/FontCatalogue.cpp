@@ -5,9 +5,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <tuple>
 
 #include "Foundation/NSLog.h"
-#include "Foundation/NSString.h"
 #include "Text/NSFontManager.h"
 
 namespace pelvor {
@@ -70,8 +70,6 @@ bool isUsable(FcPattern* pattern) {
            textOf(pattern, FC_FILE);
 }
 
-std::string lowerCased(std::string_view name) { return NSString::ofUTF8(name)->lowercaseString()->toUTF8(); }
-
 FcPattern* patternOfFamily(const char* family) {
     FcPattern* pattern = FcPatternCreate();
     FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>(family));
@@ -79,6 +77,13 @@ FcPattern* patternOfFamily(const char* family) {
 }
 
 }  // namespace
+
+std::string lowerCased(std::string_view name) {
+    std::string lower(name);
+    for (char& letter : lower)
+        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+    return lower;
+}
 
 bool FontEntry::hasCharacters(std::u32string_view wanted) const {
     return characters && std::all_of(wanted.begin(), wanted.end(), [this](char32_t character) {
@@ -137,9 +142,8 @@ std::vector<const FontEntry*> FontCatalogue::look(const Names& names, std::strin
 }
 
 std::vector<const FontEntry*> FontCatalogue::named(std::string_view name) const {
-    for (const Names* names : {&_postScriptNames, &_fullNames, &_families})
-        if (auto found = look(*names, name); !found.empty()) return found;
-    return {};
+    auto found = look(_postScriptNames, name);
+    return found.empty() ? look(_fullNames, name) : found;
 }
 
 std::vector<const FontEntry*> FontCatalogue::ofFamily(std::string_view family) const {

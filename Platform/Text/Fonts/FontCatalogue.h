@@ -36,6 +36,9 @@ struct FontEntry {
     bool hasCharacters(std::u32string_view wanted) const;
 };
 
+/// The name with small letters for A to Z: names of fonts are compared so.
+std::string lowerCased(std::string_view name);
+
 /// The outline and colour fonts that fontconfig knows, read when first asked for. Any thread.
 class FontCatalogue {
   public:
@@ -43,9 +46,9 @@ class FontCatalogue {
 
     /// All typefaces, ordered by their PostScript names.
     const std::vector<const FontEntry*>& entries() const { return _ordered; }
-    /// The typefaces of that name: PostScript name, else full name, else family; none if there are none. A
-    /// family is ordered by weight, upright faces first.
+    /// The typefaces of that PostScript name, or else of that full name; none if there are none.
     std::vector<const FontEntry*> named(std::string_view name) const;
+    /// The typefaces of the family, ordered by weight, upright faces first.
     std::vector<const FontEntry*> ofFamily(std::string_view family) const;
 
     /// The entry's face, opened when it is first asked for or after its last user let go of it; null if the

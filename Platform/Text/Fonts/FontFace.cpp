@@ -107,8 +107,6 @@ bool FontFace::load(const FontEntry& entry, std::string& reason) {
     const char* bytes = hb_blob_get_data(_file, &length);
     _outlines = Outlines::shared().open(bytes, length, static_cast<long>(entry.index));
     if (!_outlines) return reason = "its outlines cannot be read", false;
-    for (char32_t character = 0; character < _latin.size(); ++character)
-        _latin[character] = hasCharacterBeyondLatin(character);
     readMeasures();
     return true;
 }
@@ -132,8 +130,6 @@ void FontFace::readMeasures() {
     all.glyphCount = hb_face_get_glyph_count(hb_font_get_face(_shaper));
 }
 
-bool FontFace::hasCharacterBeyondLatin(char32_t character) const {
-    return _entry->hasCharacters({&character, 1});
-}
+bool FontFace::isListed(char32_t character) const { return _entry->hasCharacters({&character, 1}); }
 
 }  // namespace pelvor

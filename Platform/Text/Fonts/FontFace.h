@@ -2,12 +2,11 @@
 // FontFace: one typeface of a font file, loaded once.
 #pragma once
 
-#include <array>
-#include <bitset>
 #include <memory>
 #include <string>
 
 #include "Foundation/NSGeometry.h"
+#include "Text/Fonts/CharacterBits.h"
 
 struct FT_FaceRec_;
 struct hb_blob_t;
@@ -34,8 +33,8 @@ class FontFace {
     /// The face for drawing, null for the box face. One thread at a time.
     FT_FaceRec_* outlines() const { return _outlines; }
 
-    bool hasCharacter(char32_t character) const {
-        return character < 256 ? _latin[character] : hasCharacterBeyondLatin(character);
+    bool hasCharacter(char32_t character) {
+        return character <= 0xFFFF ? _characters[static_cast<char16_t>(character)] : isListed(character);
     }
 
     struct Measures {
@@ -51,13 +50,13 @@ class FontFace {
     FontFace() = default;
     bool load(const FontEntry& entry, std::string& reason);
     void readMeasures();
-    bool hasCharacterBeyondLatin(char32_t character) const;
+    bool isListed(char32_t character) const;
 
     const FontEntry* _entry = nullptr;
     hb_blob_t* _file = nullptr;
     hb_font_t* _shaper = nullptr;
     FT_FaceRec_* _outlines = nullptr;
-    std::bitset<256> _latin;
+    CharacterBits _characters{[this](char32_t character) { return isListed(character); }};
     Measures _measures{};
 };
 

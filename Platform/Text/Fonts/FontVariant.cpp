@@ -56,14 +56,19 @@ std::shared_ptr<FontVariant> FontVariant::of(const std::shared_ptr<FontFace>& fa
 }
 
 std::shared_ptr<FontVariant> FontVariant::named(std::string_view name, NSArray* featureSettings) {
-    for (const FontEntry* entry : FontCatalogue::shared().named(name))
-        if (auto face = FontCatalogue::shared().face(*entry)) return of(face, featureSettings);
-    for (auto [mark, traits] : kMarks) {
-        if (!name.ends_with(mark)) continue;
-        auto real = named(name.substr(0, name.size() - mark.size()), featureSettings);
-        if (real) return of(real->_face, featureSettings, traits);
-    }
+    if (auto face = faceNamed(name)) return of(face, featureSettings);
+    for (auto [mark, traits] : kMarks)
+        if (name.ends_with(mark))
+            if (auto face = faceNamed(name.substr(0, name.size() - mark.size())))
+                return of(face, featureSettings, traits);
     return nullptr;
+}
+
+std::shared_ptr<FontFace> FontVariant::faceNamed(std::string_view name) {
+    for (const FontEntry* entry : FontCatalogue::shared().named(name))
+        if (auto face = FontCatalogue::shared().face(*entry)) return face;
+    auto regular = ofFamily(name, nullptr, nullptr);
+    return regular ? regular->_face : nullptr;
 }
 
 namespace {
@@ -96,9 +101,9 @@ std::shared_ptr<FontVariant> FontVariant::ofFamily(std::string_view family, unsi
 std::shared_ptr<FontVariant> FontVariant::ofFamily(std::string_view family, NSString* style,
                                                    NSArray* featureSettings) {
     auto members = FontCatalogue::shared().ofFamily(family);
-    const std::string wanted = style ? style->lowercaseString()->toUTF8() : "";
+    const std::string wanted = style ? lowerCased(style->toUTF8()) : "";
     auto rank = [&](const FontEntry* entry) {
-        const bool isNamed = style && NSString::ofUTF8(entry->style)->lowercaseString()->toUTF8() == wanted;
+        const bool isNamed = style && lowerCased(entry->style) == wanted;
         return isNamed ? -1 : distance(*entry, entry->traits & NSFixedPitchFontMask, 5);
     };
     std::stable_sort(members.begin(), members.end(),

@@ -25,8 +25,8 @@ class FontVariant {
   public:
     static std::shared_ptr<FontVariant> of(const std::shared_ptr<FontFace>& face, NSArray* featureSettings,
                                            MadeUpTraits madeUp = {});
-    /// The variant that a font's name tells: the first usable face of that name, or of the name before
-    /// "+Bold", "+Oblique" or "+BoldOblique". Null if there is none.
+    /// The variant that a font's name tells: the first usable face of that name or family, or of the name
+    /// before "+Bold", "+Oblique" or "+BoldOblique". Null if there is none.
     static std::shared_ptr<FontVariant> named(std::string_view name, NSArray* featureSettings);
     /// The face of the family that has these traits and the nearest weight. A bold or an oblique face that
     /// the family lacks is made up. Null if there is no such family, or if no face of it has the other
@@ -63,6 +63,7 @@ class FontVariant {
 
   private:
     FontVariant() = default;
+    static std::shared_ptr<FontFace> faceNamed(std::string_view name);
     const std::vector<const FontEntry*>& substitutes();
     std::shared_ptr<FontVariant> findSubstitute(std::u32string_view characters);
 

@@ -30,7 +30,8 @@ Road roadFor(ScriptTag script) {
         case scriptTag("Cyrl"):
         case scriptTag("Armn"):
         case scriptTag("Geor"):
-        case scriptTag("Zyyy"): return Road::pairs;
+        case scriptTag("Zyyy"):
+            return Road::pairs;
         case scriptTag("Arab"):
         case scriptTag("Hebr"):
         case scriptTag("Syrc"):
@@ -44,8 +45,10 @@ Road roadFor(ScriptTag script) {
         case scriptTag("Telu"):
         case scriptTag("Knda"):
         case scriptTag("Mlym"):
-        case scriptTag("Sinh"): return Road::words;
-        default: return Road::wholeRun;  // most of the other scripts have no blanks between words
+        case scriptTag("Sinh"):
+            return Road::words;
+        default:
+            return Road::wholeRun;  // most of the other scripts have no blanks between words
     }
 }
 
@@ -69,7 +72,7 @@ class Measurer {
     void measure(const ShapingRun& run, std::int32_t* advances);
 
   private:
-    // Measured texts are compared with the shaper's result this often, in debug builds always.
+    // So many runs are compared with the shaper's result.
     static constexpr unsigned kChecks = 64;
 
     bool measureWords(const ShapingRun& run, std::int32_t* advances);
@@ -85,7 +88,7 @@ class Measurer {
     std::uint32_t _number;
     Road _road;
     unsigned _checked = 0;
-    std::int32_t _blank = 0;  // the advance of a blank alone
+    PlainGlyph _blank{};  // a blank alone
     std::optional<ContextualGlyphs> _contextual;
     std::optional<PairTable> _pairs;
 };
@@ -115,17 +118,14 @@ Measurer::Measurer(const ShapingRun& run)
     _style.language = _language ? hb_language_to_string(_language) : nullptr;
     _style.font = nullptr;
     if (_road == Road::wholeRun) return;
-    hb_shape_plan_t* plan = makeShapePlan(_variant, run);
-    _contextual.emplace(hb_font_get_face(_variant.face().shaper()), plan);
-    hb_shape_plan_destroy(plan);
     const auto blank = shapePlainly({&kBlank, 1});
-    // A rule with the blank in it may reach across it to the next word.
-    if (blank.size() != 1 || _contextual->areUnknown() || _contextual->has(blank[0].glyph)) {
+    if (blank.size() == 1) _blank = blank[0];
+    hb_shape_plan_t* plan = makeShapePlan(_variant, run);
+    _contextual.emplace(hb_font_get_face(_variant.face().shaper()), plan, _blank.glyph);
+    hb_shape_plan_destroy(plan);
+    if (blank.size() != 1 || !_contextual->leaveWordsAlone())
         _road = Road::wholeRun;
-        return;
-    }
-    _blank = blank[0].advance;
-    if (_road == Road::pairs && !run.isRightToLeft)
+    else if (_road == Road::pairs && !run.isRightToLeft && _contextual->areListed())
         _pairs.emplace([this](std::u16string_view text) { return shapePlainly(text); },
                        [this](std::uint32_t glyph) { return _contextual->has(glyph); });
 }
@@ -161,10 +161,8 @@ void Measurer::measure(const ShapingRun& run, std::int32_t* advances) {
 }
 
 bool Measurer::isExact(const ShapingRun& run, const std::int32_t* advances) {
-#ifdef NDEBUG
     if (_checked == kChecks) return true;
-#endif
-    _checked = std::min(_checked + 1, kChecks);
+    ++_checked;
     std::vector<std::int32_t> whole(run.length);
     measureWhole(_variant, run, whole.data());
     if (std::equal(whole.begin(), whole.end(), advances)) return true;
@@ -212,7 +210,7 @@ bool Measurer::shapeWord(std::u16string_view word, bool isBeforeBlank, std::int3
     if (isBeforeBlank) text += kBlank;
     std::vector<std::int32_t> all(text.size());
     measureWhole(_variant, runOf(text), all.data());
-    if (isBeforeBlank && all.back() != _blank) return false;
+    if (isBeforeBlank && all.back() != _blank.advance) return false;
     all.resize(word.size());
     std::copy(all.begin(), all.end(), advances);
     if (word.size() <= kLongest) cache.add(key, all);

@@ -3,15 +3,12 @@
 #pragma once
 
 #include <array>
-#include <bitset>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
-
-struct hb_set_t;
 
 namespace pelvor {
 
@@ -24,18 +21,18 @@ struct PlainGlyph {
 using ShapePlainly = std::function<std::vector<PlainGlyph>(std::u16string_view)>;
 
 /// The advance of a letter before a letter, in units of the font, learned from the shaper one pair at a time
-/// for up to 255 letters: most text of alphabets is then measured without shaping.
+/// for up to 254 letters: most text of alphabets is then measured without shaping.
 ///
-/// The advances of pairs are those of the whole text because a pair is refused when the font does more with it
-/// than to change the first advance (a ligature, a kern that is split over both glyphs), and because rules
+/// The advances of pairs are those of the whole text because a pair is refused when the font does more with
+/// it than to change the first advance (a ligature, a kern that is split over both glyphs), and because rules
 /// that look at more than two letters are known: the lookups of the font name the letters that take part in
 /// ligatures and in contextual rules. Three such letters in a row are tried as they stand, four are refused.
 ///
 /// One thread at a time.
 class PairTable {
   public:
-    /// `special` holds the glyphs that take part in ligatures and in contextual rules.
-    PairTable(ShapePlainly shapePlainly, std::function<bool(std::uint32_t)> isSpecial)
+    /// Special are the glyphs that take part in ligatures and in contextual rules.
+    PairTable(ShapePlainly shapePlainly, std::function<bool(std::uint32_t glyph)> isSpecial)
         : _shapePlainly(std::move(shapePlainly)), _isSpecialGlyph(std::move(isSpecial)) {}
 
     enum class Result {
@@ -44,14 +41,14 @@ class PairTable {
         dependsOnNeighbours,  ///< and with a blank beside it too: what stands behind the blank may matter
     };
 
-    /// Writes the advances of a word's units, and before them that of the blank before it if `word` begins with
-    /// one. A blank or the end of the text follows.
+    /// Writes the advances of a word's units, and before them that of the blank before it if `word` begins
+    /// with one. A blank or the end of the text follows.
     Result measure(std::u16string_view word, bool isBeforeBlank, std::int32_t* advances);
 
   private:
     using Class = std::uint8_t;
-    static constexpr Class kEnd = 0;         // of the text; the first class
-    static constexpr Class kRefused = 255;   // for letters that stand in no pair
+    static constexpr Class kEnd = 0;        // of the text; the first class
+    static constexpr Class kRefused = 255;  // for letters that stand in no pair
     static constexpr std::int16_t kUnknown = -32768, kNoPair = -32767;
     static constexpr char16_t kUnits = 0x2100;  // above them no unit has a class
 
@@ -70,7 +67,7 @@ class PairTable {
 
     ShapePlainly _shapePlainly;
     std::function<bool(std::uint32_t)> _isSpecialGlyph;
-    std::array<Class, kUnits> _classes{};  // 0: unknown
+    std::array<Class, kUnits> _classes{};           // 0: unknown
     std::vector<std::unique_ptr<Letter>> _letters;  // by class; the first has none
     std::unordered_map<std::uint32_t, bool> _triples;
 };

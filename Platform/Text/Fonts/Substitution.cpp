@@ -2,6 +2,8 @@
 #include <unicode/uchar.h>
 #include <unicode/uscript.h>
 
+#include <algorithm>
+
 #include "Shared/Codepoints.h"
 #include "Text/Fonts/FontCatalogue.h"
 #include "Text/Fonts/FontVariant.h"
@@ -65,18 +67,26 @@ struct Wants {
     }
 };
 
-bool hasAll(const FontFace& face, std::u32string_view characters) {
-    for (char32_t character : characters)
-        if (!face.hasCharacter(character)) return false;
-    return true;
+using Variant = std::shared_ptr<FontVariant>;
+
+bool hasAll(FontFace& face, std::u32string_view characters) {
+    return std::all_of(characters.begin(), characters.end(),
+                       [&face](char32_t character) { return face.hasCharacter(character); });
 }
 
-NSFont* inVariant(NSFont* font, const std::shared_ptr<FontVariant>& variant) {
-    return variant ? NSFont::fontWithVariant_size(variant, font->pointSize()) : font;
+// The variant that sets the cluster where the text is in the given one.
+Variant variantFor(const Variant& given, std::u16string_view cluster) {
+    const Wants wants(cluster);
+    if (wants.asEmoji)
+        if (auto emoji = FontCatalogue::shared().emojiFace(); emoji && hasAll(*emoji, wants.characters))
+            return given->inFace(emoji);
+    if (hasAll(given->face(), wants.characters)) return given;
+    Variant substitute = given->substituteFor(wants.characters);
+    return substitute ? substitute : given;
 }
 
-// Whether the cluster is set in the font of what stands before it if that font has it: marks between words
-// that all scripts share.
+// Whether the character stands between words of all scripts. Such marks stay in the font of what stands
+// before them if it has them, but not in a font for emoji, whose blanks are as wide as its pictures.
 bool isShared(char32_t character) {
     UErrorCode error = U_ZERO_ERROR;
     const UScriptCode script = uscript_getScript(static_cast<UChar32>(character), &error);
@@ -84,9 +94,9 @@ bool isShared(char32_t character) {
            !has(character, UCHAR_REGIONAL_INDICATOR);
 }
 
-// The font of the nearest character before `start` that belongs to a script, so that the font of shared marks
-// does not depend on where somebody begins to ask.
-NSFont* fontBefore(NSFont* font, std::u16string_view text, std::size_t start) {
+// The variant of the nearest character before `start` that belongs to a script, so that the font of shared
+// marks does not depend on where somebody begins to ask.
+Variant variantBefore(const Variant& given, std::u16string_view text, std::size_t start) {
     constexpr std::size_t kFarthest = 64;
     const std::size_t limit = start > kFarthest ? start - kFarthest : 0;
     while (start > limit) {
@@ -94,51 +104,62 @@ NSFont* fontBefore(NSFont* font, std::u16string_view text, std::size_t start) {
         if (splitsPair(text, start)) --start;
         const char32_t character = codePointAt(text, start);
         if (!isShared(character) && !continuesCluster(0, character))
-            return substituteFont(font, text.substr(start, endOfCluster(text, start) - start));
+            return variantFor(given, text.substr(start, endOfCluster(text, start) - start));
     }
-    return font;
+    return given;
 }
 
-bool canSet(NSFont* font, std::u16string_view cluster) {
-    return hasAll(font->variant().face(), Wants(cluster).characters);
+Variant variantOfCluster(const Variant& given, const Variant& before, std::u16string_view cluster) {
+    const bool mayStay = before != given && !before->face().entry().isColoured;
+    if (mayStay && isShared(codePointAt(cluster, 0)) && hasAll(before->face(), Wants(cluster).characters))
+        return before;
+    return variantFor(given, cluster);
 }
 
-NSFont* fontOfCluster(NSFont* font, NSFont* before, std::u16string_view cluster) {
-    if (before != font && isShared(codePointAt(cluster, 0)) && canSet(before, cluster)) return before;
-    return substituteFont(font, cluster);
+// Blanks, and what makes a cluster alone, is seen, and is no emoji: nearly all characters.
+bool isPlain(char16_t unit) {
+    static CharacterBits* plain = new CharacterBits([](char32_t character) {
+        return character == ' ' ||
+               (!isSurrogate(character) && !isInvisible(character) && !continuesCluster(kJoiner, character) &&
+                !has(character, UCHAR_EMOJI_PRESENTATION));
+    });
+    return (*plain)[unit];
+}
+
+bool isPlainAt(std::u16string_view text, std::size_t place) {
+    return isPlain(text[place]) &&
+           (place + 1 == text.size() || text[place + 1] < 0x300 || isPlain(text[place + 1]));
+}
+
+NSFont* inVariant(NSFont* font, const Variant& variant) {
+    return variant == font->sharedVariant() ? font : NSFont::fontWithVariant_size(variant, font->pointSize());
 }
 
 }  // namespace
 
 NSFont* substituteFont(NSFont* font, std::u16string_view cluster) {
-    FontVariant& variant = font->variant();
-    if (cluster.size() == 1 && cluster[0] < 0x2000 && variant.face().hasCharacter(cluster[0])) return font;
-    const Wants wants(cluster);
-    if (wants.asEmoji)
-        if (auto emoji = FontCatalogue::shared().emojiFace(); emoji && hasAll(*emoji, wants.characters))
-            return inVariant(font, variant.inFace(emoji));
-    if (hasAll(variant.face(), wants.characters)) return font;
-    return inVariant(font, variant.substituteFor(wants.characters));
+    if (cluster.size() == 1 && isPlain(cluster[0]) && font->variant().face().hasCharacter(cluster[0]))
+        return font;
+    return inVariant(font, variantFor(font->sharedVariant(), cluster));
 }
 
 FontStretch fontStretchAt(NSFont* font, std::u16string_view text, NSUInteger start) {
+    const Variant& given = font->sharedVariant();
     std::size_t place = start;
-    NSFont* stretch = nullptr;
+    Variant stretch;
     while (place < text.size()) {
-        // Most text is plain letters that the font has.
-        if (stretch == font && text[place] < 0x300 && font->variant().face().hasCharacter(text[place]) &&
-            (place + 1 == text.size() || text[place + 1] < 0x300)) {
+        if (stretch == given && isPlainAt(text, place) && given->face().hasCharacter(text[place])) {
             ++place;
             continue;
         }
         const std::size_t end = endOfCluster(text, place);
-        NSFont* before = stretch ? stretch : fontBefore(font, text, place);
-        NSFont* wanted = fontOfCluster(font, before, text.substr(place, end - place));
+        Variant wanted = variantOfCluster(given, stretch ? stretch : variantBefore(given, text, place),
+                                          text.substr(place, end - place));
         if (stretch && wanted != stretch) break;
-        stretch = wanted;
+        stretch = std::move(wanted);
         place = end;
     }
-    return {stretch ? stretch : font, static_cast<NSUInteger>(place)};
+    return {stretch ? inVariant(font, stretch) : font, static_cast<NSUInteger>(place)};
 }
 
 }  // namespace pelvor

@@ -13,7 +13,7 @@ constexpr std::size_t kFirstSlots = 1024;
 }  // namespace
 
 std::uint32_t WordCache::hashOf(const Key& key) {
-    std::uint64_t hash = key.table * 0x9E3779B97F4A7C15u + headOf(key);
+    std::uint64_t hash = key.measurer * 0x9E3779B97F4A7C15u + headOf(key);
     for (char16_t unit : key.word) hash = (hash ^ unit) * 0x100000001B3u;
     return static_cast<std::uint32_t>(hash >> 32 ^ hash);
 }
@@ -24,7 +24,7 @@ std::uint32_t WordCache::headOf(const Key& key) {
 }
 
 bool WordCache::isAt(std::size_t place, const Key& key) const {
-    if (_entries[place] != key.table || _entries[place + 1] != headOf(key)) return false;
+    if (_entries[place] != key.measurer || _entries[place + 1] != headOf(key)) return false;
     const std::size_t units = place + kHead + key.word.size() + key.isAfterBlank;
     return key.word.empty() || !std::memcmp(&_entries[units], key.word.data(), key.word.size() * 2);
 }
@@ -53,7 +53,7 @@ void WordCache::add(const Key& key, std::span<const std::int32_t> advances) {
     const std::uint32_t hash = hashOf(key);
     const std::size_t place = _entries.size();
     _entries.resize(place + size);
-    _entries[place] = key.table;
+    _entries[place] = key.measurer;
     _entries[place + 1] = headOf(key);
     std::memcpy(&_entries[place + kHead], advances.data(), advances.size_bytes());
     if (!key.word.empty())

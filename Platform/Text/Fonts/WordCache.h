@@ -10,13 +10,13 @@
 
 namespace pelvor {
 
-/// The advances of words, in units of their fonts, by text, by the blanks beside the word, and by the number of
-/// the table of their font, script and language. Takes up to 4 MB: once full, the cache forgets all. Callers
-/// see to it that one thread uses the cache at a time.
+/// The advances of words, in units of their fonts, by text, by the blanks beside the word, and by the number
+/// of what measures their font, script and language. Holds about 4 MB: once full, the cache forgets all.
+/// Callers see to it that one thread uses the cache at a time.
 class WordCache {
   public:
     struct Key {
-        std::uint32_t table;
+        std::uint32_t measurer;
         bool isAfterBlank;
         bool isBeforeBlank;
         std::u16string_view word;
@@ -31,7 +31,7 @@ class WordCache {
     static constexpr std::size_t kMostBytes = 4 << 20;
 
   private:
-    // Entries stand one after another: the table, what `headOf` says, the advances, the units two by two.
+    // Entries stand one after another: the measurer, what `headOf` says, the advances, the units two by two.
     struct Slot {
         std::uint32_t hash = 0;
         std::uint32_t place = 0;  // of the entry, plus 1
