@@ -113,7 +113,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Sample& sample = kSamples[input.byte() % std::size(kSamples)];
     const auto points = static_cast<float>(input.byte() + 1) / 8;
     const unsigned choices = input.byte(), from = input.byte();
-    NSFont* font = fontFor(sample, points, choices & 0x80 ? input.byte() << 8 | input.byte() : 0);
+    const unsigned other = choices & 0x80 ? input.byte() : 0;
+    NSFont* font = fontFor(sample, points, other);
     const std::u16string text = input.text(sample.letters);
     const auto length = static_cast<NSUInteger>(text.size());
     ShapingRun run{text.data(),
