@@ -173,6 +173,8 @@ class ForeignArchive : public NSCoder {
 PELVOR_DEFINE_CLASS(ForeignArchive, foundationLibrary) {}
 
 TEST(NSAttributedStringTest, RefusesBadArchives) {
+    NSDictionary *bold = attribute(u"b"_ns, 1), *numbered = NSDictionary::of({{num(1), num(1)}});
+    const std::string two("\2\0\0\0\0\0\0", 8);  // the first dictionary on two units
     const struct {
         id text, attributes;
         std::string runs;
@@ -180,16 +182,10 @@ TEST(NSAttributedStringTest, RefusesBadArchives) {
     } rows[] = {
         {num(1), NSArray::array(), "", "the archive holds no text with attributes"},
         {u"ab"_ns, nullptr, "", "the archive holds no text with attributes"},
-        {u"ab"_ns,
-         NSArray::of({attribute(u"n"_ns, 1)}),
-         {"\1\0\0\0\0\0\0", 8},
-         "the runs have another length than the text"},
-        {u"ab"_ns, NSArray::array(), {"\2\0\0\0\0\0\0", 8}, "a run has no attributes in the archive"},
-        {u"ab"_ns, NSArray::of({num(1)}), {"\2\0\0\0\0\0\0", 8}, "the attributes are no dictionary"},
-        {u"ab"_ns,
-         NSArray::of({NSDictionary::of({{num(1), num(1)}})}),
-         {"\2\0\0\0\0\0\0", 8},
-         "an attribute's name is no string"},
+        {u"abc"_ns, NSArray::of({bold}), two, "the runs have another length than the text"},
+        {u"ab"_ns, NSArray::array(), two, "a run has no attributes in the archive"},
+        {u"ab"_ns, NSArray::of({num(1)}), two, "the attributes are no dictionary"},
+        {u"ab"_ns, NSArray::of({numbered}), two, "an attribute's name is no string"},
     };
     for (const auto& row : rows) {
         auto archive = make<ForeignArchive>();
