@@ -19,6 +19,7 @@ class NSPathStore2;               ///< what path operations return
 class NSScanner;                  ///< reads numbers and words from a string
 class NSString;                   ///< a text in UTF-16
 class StringUnits;                ///< a string's units in one piece
+class TextBoundaries;             ///< where words and sentences of a language begin and end
 class TextDecoder;                ///< decodes a text that comes in pieces
 
 // Collections

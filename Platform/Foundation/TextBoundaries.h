@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: Apache-2.0
+// TextBoundaries: where words, characters, sentences and lines of a language begin and end.
+#pragma once
+
+#include <memory>
+
+#include "Foundation/NSRange.h"
+#include "Runtime/Object.h"
+
+namespace pelvor {
+
+class NSString;
+
+/// Finds the boundaries of a text by the rules of a language:
+///
+///     TextBoundaries words(TextBoundaries::Kind::Word, u"en"_ns);
+///     words.setString(u"Don't stop."_ns);
+///     words.following(0);              // 5, behind "Don't"
+///     words.isWordBefore(5);           // true
+///     words.preceding(11);             // 10, before the full stop
+///
+/// Places are indexes of UTF-16 units. Both ends of a text are boundaries. The text is read where it is asked
+/// about and never as a whole, so a question about one place of a long document costs what the place costs.
+/// The text must not change between `setString` and the questions about it. One thread at a time.
+class PELVOR_EXPORT TextBoundaries {
+  public:
+    enum class Kind {
+        Character,  ///< what a reader takes for one character
+        Word,       ///< words, and the stretches between them
+        Line,       ///< where a line may end
+        Sentence,
+    };
+
+    /// `language` names a language or locale, "fr" or "pt_BR"; null, and a language without rules of its own,
+    /// stand for the rules common to all.
+    TextBoundaries(Kind kind, NSString* language);
+    ~TextBoundaries();
+    TextBoundaries(TextBoundaries&&) noexcept;
+    TextBoundaries& operator=(TextBoundaries&&) noexcept;
+
+    /// The text to ask about, which is kept; null lets the text go and stands for an empty text.
+    void setString(NSString* string);
+
+    /// The first boundary behind the place; NSNotFound at the end and past it.
+    NSUInteger following(NSUInteger place);
+    /// The last boundary before the place; NSNotFound at the beginning. A place past the end counts as the
+    /// end.
+    NSUInteger preceding(NSUInteger place);
+    /// False past the end.
+    bool isBoundary(NSUInteger place);
+    /// Whether the stretch that ends at this boundary holds letters or digits: a word, and no blanks or
+    /// punctuation. For Kind::Word only; false for the others.
+    bool isWordBefore(NSUInteger boundary);
+
+  private:
+    struct Walker;
+    std::unique_ptr<Walker> _walker;
+};
+
+}  // namespace pelvor
