@@ -2,6 +2,7 @@
 #include "Foundation/TextBoundaries.h"
 
 #include <unicode/ubrk.h>
+#include <unicode/uloc.h>
 #include <unicode/utext.h>
 
 #include <algorithm>
@@ -150,6 +151,10 @@ bool TextBoundaries::isBoundary(NSUInteger place) {
 bool TextBoundaries::isWordBefore(NSUInteger boundary) {
     if (_walker->kind != Kind::Word || !_walker->iterator || boundary == 0) return false;
     return following(boundary - 1) == boundary && ubrk_getRuleStatus(_walker->iterator) >= UBRK_WORD_NONE_LIMIT;
+}
+
+bool isLanguageWrittenRightToLeft(NSString* language) {
+    return language && uloc_isRightToLeft(language->UTF8String());
 }
 
 }  // namespace pelvor

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// TextBoundaries: where words, characters, sentences and lines of a language begin and end.
+// What is known of languages: where words, characters, sentences and lines begin and end, and in which direction
+// a language is written.
 #pragma once
 
 #include <memory>
@@ -56,5 +57,9 @@ class PELVOR_EXPORT TextBoundaries {
     struct Walker;
     std::unique_ptr<Walker> _walker;
 };
+
+/// Whether the language or locale, "ar" or "az_Arab", is written from right to left; false for null and for
+/// unknown languages. Any thread.
+PELVOR_EXPORT bool isLanguageWrittenRightToLeft(NSString* language);
 
 }  // namespace pelvor

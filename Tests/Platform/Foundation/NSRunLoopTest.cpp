@@ -473,10 +473,10 @@ TEST_F(RunLoopTest, ThreadsThatPostAndWaitAreServedOneByOne) {
     };
     std::atomic<int> caught{0}, running{kThreads};
     for (int thread = 0; thread < kThreads; ++thread)
-        NSThread::detach([&] {
+        NSThread::detach([&, served = &*loop] {
             for (int i = 0; i < kPosts; ++i) caught += RAISED(performOnMain(u"x"_ns, true)) == "Tenth: call";
-            --running;
-            loop->wakeUp();
+            --running;  // the last one lets the test end
+            served->wakeUp();
         });
     while (running > 0) loop->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
     EXPECT_EQ(heard.size(), static_cast<std::size_t>(kThreads * kPosts));

@@ -66,4 +66,12 @@ TEST(TextBoundaries, AreTheSameInLongTexts) {
     EXPECT_EQ(forward.size() - 1, text->length() / 18 * 8);
 }
 
+TEST(TextBoundaries, DirectionsComeFromLanguagesAndTheirScripts) {
+    for (NSString* language : {u"ar"_ns, u"he_IL"_ns, u"fa"_ns, u"az_Arab"_ns})
+        EXPECT_TRUE(isLanguageWrittenRightToLeft(language)) << language;
+    for (NSString* language : {u"en"_ns, u"az"_ns, u""_ns, u"none such"_ns})
+        EXPECT_FALSE(isLanguageWrittenRightToLeft(language)) << language;
+    EXPECT_FALSE(isLanguageWrittenRightToLeft(nullptr));
+}
+
 }  // namespace
