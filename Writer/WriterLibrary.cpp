@@ -4,10 +4,12 @@
 #include "BaseLibrary.h"
 #include "Writer/WRApplication.h"
 #include "Writer/WRArguments.h"
+#include "Writer/WRBoundaryScanner.h"
 #include "Writer/WRDocument.h"
 #include "Writer/WRDocumentCounter.h"
 #include "Writer/WRDocumentOpener.h"
 #include "Writer/WRDocumentSaver.h"
+#include "Writer/WRLanguage.h"
 #include "Writer/WRMainLoop.h"
 #include "Writer/WRPlugInLoader.h"
 #include "Writer/WRProfileListing.h"
@@ -21,10 +23,11 @@ constexpr Library* kDependencies[] = {&baseLibrary};
 
 // Alphabetical; a superclass is registered before its subclasses wherever it stands.
 constexpr Class* kClasses[] = {
-    &WRApplication::classRecord,     &WRArguments::classRecord,      &WRDocument::classRecord,
-    &WRDocumentCounter::classRecord, &WRDocumentOpener::classRecord, &WRDocumentSaver::classRecord,
-    &WRMainLoop::classRecord,        &WRPlugInLoader::classRecord,   &WRProfileListing::classRecord,
-    &WRProgressLine::classRecord,    &WRReport::classRecord,
+    &WRApplication::classRecord,     &WRArguments::classRecord,       &WRBoundaryScanner::classRecord,
+    &WRDocument::classRecord,        &WRDocumentCounter::classRecord, &WRDocumentOpener::classRecord,
+    &WRDocumentSaver::classRecord,   &WRLanguage::classRecord,        &WRMainLoop::classRecord,
+    &WRPlugInLoader::classRecord,    &WRProfileListing::classRecord,  &WRProgressLine::classRecord,
+    &WRReport::classRecord,
 };
 
 }  // namespace
