@@ -40,13 +40,13 @@ Retained<PBFloatArray> PBFloatArray::initWithCapacity(unsigned capacity, Class* 
     return initWithFloats_count(nullptr, capacity, cls);
 }
 
-void PBFloatArray::raiseOutOfBounds(std::uint64_t index) {
-    raiseException(NSRangeException, u"float array index out of bounds (idx=%llu length=%u)"_ns, index,
-                   _count);
+void PBFloatArray::raiseOutOfBounds(unsigned index) {
+    raiseException(NSRangeException, u"float array index out of bounds (idx=%d length=%d)"_ns,
+                   static_cast<int>(index), static_cast<int>(_count));
 }
 
 void PBFloatArray::requireRange(NSRange range) {
-    if (!isRangeInside(range, _count)) raiseOutOfBounds(std::uint64_t{range.location} + range.length - 1);
+    if (!isRangeInside(range, _count)) raiseOutOfBounds(range.location + range.length - 1);
 }
 
 NSNumber* PBFloatArray::objectAtIndex(unsigned index) {

@@ -67,7 +67,7 @@ class PELVOR_EXPORT PBFloatArray : public NSObject {
         if (index >= _count) [[unlikely]]
             raiseOutOfBounds(index);
     }
-    [[noreturn]] void raiseOutOfBounds(std::uint64_t index);
+    [[noreturn]] void raiseOutOfBounds(unsigned index);
     void requireRange(NSRange range);
 
     std::unique_ptr<float[], Free> _floats;

@@ -89,7 +89,8 @@ void PBLinkedList::removeObjectAtIndex(NSUInteger index) { removeObjectsInRange(
 void PBLinkedList::removeObjectsInRange(NSRange range) {
     std::uint64_t end = std::uint64_t{range.location} + range.length;
     if (end > _count)
-        raiseException(NSRangeException, u"index (%llu) to remove beyond bounds (%u)"_ns, end - 1, _count);
+        raiseException(NSRangeException, u"index (%d) to remove beyond bounds (%d)"_ns,
+                       static_cast<int>(end - 1), static_cast<int>(_count));
     if (range.length == 0) return;
     PBLinkedListNode* previous = nullptr;
     PBLinkedListNode* first = nodeAtIndex_prevNode(range.location, &previous);

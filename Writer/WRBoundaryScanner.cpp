@@ -20,20 +20,21 @@ namespace {
 bool isApostrophe(unichar unit) { return unit == '\'' || unit == 0x2019; }
 
 bool isOneOf(std::initializer_list<NSString*> words, NSString* word) {
-    return std::any_of(words.begin(), words.end(), [&](NSString* each) { return each->isEqualToString(word); });
+    return std::any_of(words.begin(), words.end(),
+                       [&](NSString* each) { return each->isEqualToString(word); });
 }
 
 // English words that begin with an apostrophe, without it.
 bool isCutAtItsFront(NSString* word) {
-    return isOneOf({u"cause"_ns, u"em"_ns, u"n"_ns, u"round"_ns, u"til"_ns, u"tis"_ns, u"twas"_ns, u"twere"_ns,
-                    u"twill"_ns, u"twould"_ns},
+    return isOneOf({u"cause"_ns, u"em"_ns, u"n"_ns, u"round"_ns, u"til"_ns, u"tis"_ns, u"twas"_ns,
+                    u"twere"_ns, u"twill"_ns, u"twould"_ns},
                    word);
 }
 
 // French words that lose their last vowel before another one, without that vowel.
 bool isElided(NSString* word) {
-    return isOneOf({u"c"_ns, u"d"_ns, u"j"_ns, u"jusqu"_ns, u"l"_ns, u"lorsqu"_ns, u"m"_ns, u"n"_ns, u"puisqu"_ns,
-                    u"qu"_ns, u"quelqu"_ns, u"quoiqu"_ns, u"s"_ns, u"t"_ns},
+    return isOneOf({u"c"_ns, u"d"_ns, u"j"_ns, u"jusqu"_ns, u"l"_ns, u"lorsqu"_ns, u"m"_ns, u"n"_ns,
+                    u"puisqu"_ns, u"qu"_ns, u"quelqu"_ns, u"quoiqu"_ns, u"s"_ns, u"t"_ns},
                    word);
 }
 
@@ -62,7 +63,8 @@ NSUInteger WRBoundaryScanner::offsetOfWordBoundaryFrom_isForwardSearch(NSUIntege
 bool WRBoundaryScanner::isWordBefore(NSUInteger boundary) {
     if (_boundaries.isWordBefore(boundary)) return true;
     const NSUInteger next = _boundaries.following(boundary);  // of an elision: the rest of its word
-    return _isFrench && next != NSNotFound && !_boundaries.isBoundary(boundary) && _boundaries.isWordBefore(next);
+    return _isFrench && next != NSNotFound && !_boundaries.isBoundary(boundary) &&
+           _boundaries.isWordBefore(next);
 }
 
 NSUInteger WRBoundaryScanner::following(NSUInteger offset) {

@@ -106,7 +106,8 @@ WRBoundaryScanner* WRLanguage::acquireBoundaryScanner() {
 }
 
 void WRLanguage::relinquishBoundaryScanner(WRBoundaryScanner* scanner) {
-    if (!scanner || std::find(_idleScanners.begin(), _idleScanners.end(), scanner) != _idleScanners.end()) return;
+    if (!scanner || std::find(_idleScanners.begin(), _idleScanners.end(), scanner) != _idleScanners.end())
+        return;
     _idleScanners.push_back(Retained<WRBoundaryScanner>::retaining(scanner));
 }
 
@@ -123,6 +124,8 @@ NSRange WRLanguage::paragraphRangeForString_range_wordCount_charCount(NSString* 
     return isFound ? NSRange{range.location, end - range.location} : NSRange{NSNotFound, 0};
 }
 
-NSString* WRLanguage::description() { return NSString::stringWithFormat(u"language %@"_ns, _identifier.get()); }
+NSString* WRLanguage::description() {
+    return NSString::stringWithFormat(u"language %@"_ns, _identifier.get());
+}
 
 }  // namespace pelvor

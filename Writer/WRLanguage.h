@@ -19,8 +19,8 @@ class WRBoundaryScanner;
 ///     WRLanguage* french = WRLanguage::languageWithIdentifier(u"fr"_ns);
 ///     attributes->setObject_forKey(french, PBLanguageAttributeName);
 ///
-/// Words follow the common rules of Unicode, and in English and French rules of their own (WRBoundaryScanner).
-/// Each identifier has one object, which lives as long as the program. Main thread.
+/// Words follow the common rules of Unicode, and in English and French rules of their own
+/// (WRBoundaryScanner). Each identifier has one object, which lives as long as the program. Main thread.
 class WRLanguage : public NSObject {
     PELVOR_CLASS(WRLanguage, NSObject);
 
@@ -39,8 +39,9 @@ class WRLanguage : public NSObject {
     WRBoundaryScanner* acquireBoundaryScanner();
     void relinquishBoundaryScanner(WRBoundaryScanner* scanner);
 
-    /// The range up to the first paragraph end in the range and with it; at NSNotFound if there is none. Writes
-    /// how many words and characters it passed, unless a pointer is null; paragraph ends are no characters.
+    /// The range up to the first paragraph end in the range and with it; at NSNotFound if there is none.
+    /// Writes how many words and characters it passed, unless a pointer is null; paragraph ends are no
+    /// characters.
     NSRange paragraphRangeForString_range_wordCount_charCount(NSString* string, NSRange range,
                                                               NSUInteger* wordCount, NSUInteger* charCount);
 

@@ -23,10 +23,10 @@ constexpr Library* kDependencies[] = {&baseLibrary};
 
 // Alphabetical; a superclass is registered before its subclasses wherever it stands.
 constexpr Class* kClasses[] = {
-    &WRApplication::classRecord,     &WRArguments::classRecord,       &WRBoundaryScanner::classRecord,
-    &WRDocument::classRecord,        &WRDocumentCounter::classRecord, &WRDocumentOpener::classRecord,
-    &WRDocumentSaver::classRecord,   &WRLanguage::classRecord,        &WRMainLoop::classRecord,
-    &WRPlugInLoader::classRecord,    &WRProfileListing::classRecord,  &WRProgressLine::classRecord,
+    &WRApplication::classRecord,   &WRArguments::classRecord,       &WRBoundaryScanner::classRecord,
+    &WRDocument::classRecord,      &WRDocumentCounter::classRecord, &WRDocumentOpener::classRecord,
+    &WRDocumentSaver::classRecord, &WRLanguage::classRecord,        &WRMainLoop::classRecord,
+    &WRPlugInLoader::classRecord,  &WRProfileListing::classRecord,  &WRProgressLine::classRecord,
     &WRReport::classRecord,
 };
 

@@ -37,9 +37,8 @@ void fillWindow(UText* text, int64_t place, bool isForward) {
 UBool accessText(UText* text, int64_t place, UBool isForward) {
     place = std::clamp<int64_t>(place, 0, text->a);
     const bool isThere = isForward ? place < text->a : place > 0;
-    const bool isInside = isForward
-                              ? place >= text->chunkNativeStart && place < text->chunkNativeLimit
-                              : place > text->chunkNativeStart && place <= text->chunkNativeLimit;
+    const bool isInside = isForward ? place >= text->chunkNativeStart && place < text->chunkNativeLimit
+                                    : place > text->chunkNativeStart && place <= text->chunkNativeLimit;
     if (!isInside) fillWindow(text, place, isThere == static_cast<bool>(isForward));
     text->chunkOffset = static_cast<int32_t>(place - text->chunkNativeStart);
     return isThere;
@@ -52,17 +51,30 @@ int32_t extractText(UText* text, int64_t start, int64_t limit, UChar* buffer, in
     const int64_t length = limit - start;
     const int64_t taken = std::min<int64_t>(length, std::max(capacity, 0));
     if (taken > 0)
-        stringOf(text)->getCharacters_range(
-            buffer, {static_cast<NSUInteger>(start), static_cast<NSUInteger>(taken)});
+        stringOf(text)->getCharacters_range(buffer,
+                                            {static_cast<NSUInteger>(start), static_cast<NSUInteger>(taken)});
     if (taken < capacity) buffer[taken] = 0;
     if (length > capacity && U_SUCCESS(*status)) *status = U_BUFFER_OVERFLOW_ERROR;
     accessText(text, limit, true);
     return static_cast<int32_t>(length);
 }
 
-constexpr UTextFuncs kStringFunctions = {sizeof(UTextFuncs), 0,       0,       0,       cloneText, lengthOfText,
-                                         accessText,         extractText, nullptr, nullptr, nullptr,   nullptr,
-                                         nullptr,            nullptr,     nullptr, nullptr};
+constexpr UTextFuncs kStringFunctions = {sizeof(UTextFuncs),
+                                         0,
+                                         0,
+                                         0,
+                                         cloneText,
+                                         lengthOfText,
+                                         accessText,
+                                         extractText,
+                                         nullptr,
+                                         nullptr,
+                                         nullptr,
+                                         nullptr,
+                                         nullptr,
+                                         nullptr,
+                                         nullptr,
+                                         nullptr};
 
 /// Makes `text`, or a new text if that is null, show the string, which has to outlive the text.
 UText* showString(UText* text, NSString* string, UErrorCode* status) {
@@ -87,10 +99,14 @@ UText* cloneText(UText* clone, const UText* text, UBool isDeep, UErrorCode* stat
 
 UBreakIteratorType typeOf(TextBoundaries::Kind kind) {
     switch (kind) {
-        case TextBoundaries::Kind::Character: return UBRK_CHARACTER;
-        case TextBoundaries::Kind::Word: return UBRK_WORD;
-        case TextBoundaries::Kind::Line: return UBRK_LINE;
-        default: return UBRK_SENTENCE;
+        case TextBoundaries::Kind::Character:
+            return UBRK_CHARACTER;
+        case TextBoundaries::Kind::Word:
+            return UBRK_WORD;
+        case TextBoundaries::Kind::Line:
+            return UBRK_LINE;
+        default:
+            return UBRK_SENTENCE;
     }
 }
 
@@ -150,7 +166,8 @@ bool TextBoundaries::isBoundary(NSUInteger place) {
 
 bool TextBoundaries::isWordBefore(NSUInteger boundary) {
     if (_walker->kind != Kind::Word || !_walker->iterator || boundary == 0) return false;
-    return following(boundary - 1) == boundary && ubrk_getRuleStatus(_walker->iterator) >= UBRK_WORD_NONE_LIMIT;
+    return following(boundary - 1) == boundary &&
+           ubrk_getRuleStatus(_walker->iterator) >= UBRK_WORD_NONE_LIMIT;
 }
 
 bool isLanguageWrittenRightToLeft(NSString* language) {

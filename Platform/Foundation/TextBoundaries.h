@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What is known of languages: where words, characters, sentences and lines begin and end, and in which direction
-// a language is written.
+// What is known of languages: where words, characters, sentences and lines begin and end, and in which
+// direction a language is written.
 #pragma once
 
 #include <memory>

@@ -39,7 +39,8 @@ std::string words(NSString* identifier, NSString* text) {
 TEST_F(Language, HasWordsByItsOwnRules) {
     EXPECT_EQ(words(u"en"_ns, u"'Twas a dog's 'life'"_ns), "'Twas*| |a*| |dog's*| |'|life*|'");
     EXPECT_EQ(words(u"en_GB"_ns, u"rock ’n’ roll"_ns), "rock*| |’n*|’| |roll*");
-    EXPECT_EQ(words(u"fr"_ns, u"L'eau qu’il boit aujourd'hui"_ns), "L'*|eau*| |qu’*|il*| |boit*| |aujourd'hui*");
+    EXPECT_EQ(words(u"fr"_ns, u"L'eau qu’il boit aujourd'hui"_ns),
+              "L'*|eau*| |qu’*|il*| |boit*| |aujourd'hui*");
     EXPECT_EQ(words(u"fr"_ns, u"d' a"_ns), "d*|'| |a*");
     EXPECT_EQ(words(u"de"_ns, u"'Twas l'eau"_ns), "'|Twas*| |l'eau*");
     EXPECT_EQ(words(u"th"_ns, u"สวัสดีชาวโลก"_ns), "สวัสดี*|ชาว*|โลก*");
@@ -49,8 +50,8 @@ TEST_F(Language, IsOneObjectWithADirection) {
     EXPECT_EQ(WRLanguage::languageWithIdentifier(u"ar"_ns), WRLanguage::languageWithIdentifier(u"ar"_ns));
     EXPECT_TRUE(WRLanguage::languageWithIdentifier(u"ar"_ns)->isRightToLeft());
     EXPECT_FALSE(WRLanguage::languageWithIdentifier(u"en"_ns)->isRightToLeft());
-    EXPECT_EQ(WRLanguage::languageWithIdentifier(u"en"_ns)->rangeWithGranularity_forString_range(
-                  1, NSAttributedString::initWithString(u"one"_ns), {3, 1}),
+    auto one = NSAttributedString::initWithString(u"one"_ns);
+    EXPECT_EQ(WRLanguage::languageWithIdentifier(u"en"_ns)->rangeWithGranularity_forString_range(1, one, {3, 1}),
               (NSRange{3, 0}));
 }
 
@@ -67,9 +68,10 @@ TEST_F(Language, CountsUpToTheFirstParagraphEnd) {
     };
     for (const auto& row : rows) {
         NSUInteger wordCount = 0, charCount = 0;
-        EXPECT_EQ(WRLanguage::languageWithIdentifier(u"fr"_ns)->paragraphRangeForString_range_wordCount_charCount(
-                      text, row.range, &wordCount, &charCount),
-                  row.paragraph);
+        EXPECT_EQ(
+            WRLanguage::languageWithIdentifier(u"fr"_ns)->paragraphRangeForString_range_wordCount_charCount(
+                text, row.range, &wordCount, &charCount),
+            row.paragraph);
         EXPECT_EQ(wordCount, row.words) << row.range;
         EXPECT_EQ(charCount, row.characters) << row.range;
     }

@@ -14,7 +14,8 @@ std::string marked(Kind kind, NSString* language, NSString* text) {
     boundaries.setString(text);
     std::string result;
     NSUInteger last = 0;
-    for (NSUInteger place = boundaries.following(0); place != NSNotFound; place = boundaries.following(place)) {
+    for (NSUInteger place = boundaries.following(0); place != NSNotFound;
+         place = boundaries.following(place)) {
         EXPECT_EQ(boundaries.preceding(place), last);
         EXPECT_TRUE(boundaries.isBoundary(place));
         EXPECT_TRUE(place == last + 1 || !boundaries.isBoundary(last + 1));
@@ -27,7 +28,8 @@ std::string marked(Kind kind, NSString* language, NSString* text) {
 }
 
 TEST(TextBoundaries, FollowTheRulesOfTheLanguage) {
-    EXPECT_EQ(marked(Kind::Word, u"en"_ns, u"Don't stop, 3.5 times."_ns), "Don't*| |stop*|,| |3.5*| |times*|.");
+    EXPECT_EQ(marked(Kind::Word, u"en"_ns, u"Don't stop, 3.5 times."_ns),
+              "Don't*| |stop*|,| |3.5*| |times*|.");
     EXPECT_EQ(marked(Kind::Word, nullptr, u"สวัสดีชาวโลก"_ns), "สวัสดี*|ชาว*|โลก*");
     EXPECT_EQ(marked(Kind::Character, nullptr, u"e\u0301👩‍👩x"_ns), "e\u0301|👩‍👩|x");
     EXPECT_EQ(marked(Kind::Line, u"en"_ns, u"so-called (old) rules"_ns), "so-|called |(old) |rules");
