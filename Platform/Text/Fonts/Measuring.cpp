@@ -52,14 +52,17 @@ Road roadFor(ScriptTag script) {
     }
 }
 
-// The sums of each cluster's advances, in units of the font.
-void measureWhole(const FontVariant& variant, const ShapingRun& run, std::int32_t* advances) {
-    std::fill_n(advances, run.length, 0);
-    const ShapedText shaped = shapeInFontUnits(variant, run);
+// The sums of each cluster's advances, in units of the font. `start` is the first unit of the run.
+void sumAdvances(const ShapedText& shaped, NSUInteger start, std::span<std::int32_t> advances) {
+    std::fill(advances.begin(), advances.end(), 0);
     for (std::size_t i = 0; i < shaped.glyphs.size(); ++i) {
-        std::int32_t& sum = advances[shaped.glyphs[i].cluster - run.start];
+        std::int32_t& sum = advances[shaped.glyphs[i].cluster - start];
         sum = addAdvance(sum, shaped.places[i].x_advance);
     }
+}
+
+void measureWhole(const FontVariant& variant, const ShapingRun& run, std::int32_t* advances) {
+    sumAdvances(shapeInFontUnits(variant, run), run.start, {advances, run.length});
 }
 
 // What measures the text of one font, script, language and direction. One thread at a time.
@@ -78,6 +81,7 @@ class Measurer {
     bool measureWords(const ShapingRun& run, std::int32_t* advances);
     bool measureWord(std::u16string_view word, bool isBeforeBlank, std::int32_t* advances);
     bool shapeWord(std::u16string_view word, bool isBeforeBlank, std::int32_t* advances);
+    bool hasCircle(const ShapedText& shaped) const;
     bool isExact(const ShapingRun& run, const std::int32_t* advances);
     ShapingRun runOf(std::u16string_view text) const;
     std::vector<PlainGlyph> shapePlainly(std::u16string_view text) const;
@@ -88,7 +92,8 @@ class Measurer {
     std::uint32_t _number;
     Road _road;
     unsigned _checked = 0;
-    PlainGlyph _blank{};  // a blank alone
+    PlainGlyph _blank{};         // a blank alone
+    hb_codepoint_t _circle = 0;  // what carries marks without a letter; 0 if the font has none
     std::optional<ContextualGlyphs> _contextual;
     std::optional<PairTable> _pairs;
 };
@@ -118,6 +123,7 @@ Measurer::Measurer(const ShapingRun& run)
     _style.language = _language ? hb_language_to_string(_language) : nullptr;
     _style.font = nullptr;
     if (_road == Road::wholeRun) return;
+    hb_font_get_nominal_glyph(_variant.face().shaper(), 0x25CC, &_circle);
     const auto blank = shapePlainly({&kBlank, 1});
     if (blank.size() == 1) _blank = blank[0];
     hb_shape_plan_t* plan = makeShapePlan(_variant, run);
@@ -196,6 +202,14 @@ bool Measurer::measureWord(std::u16string_view word, bool isBeforeBlank, std::in
     return shapeWord(word, isBeforeBlank, advances);
 }
 
+// Whether marks stand without their letter. The shaper puts a circle under them, but leaves out some circles,
+// depending on how many syllables stand before them in the run.
+bool Measurer::hasCircle(const ShapedText& shaped) const {
+    return _circle &&
+           std::any_of(shaped.glyphs.begin(), shaped.glyphs.end(),
+                       [this](const hb_glyph_info_t& glyph) { return glyph.codepoint == _circle; });
+}
+
 // The word is shaped between its blanks, since its letters may kern with them.
 bool Measurer::shapeWord(std::u16string_view word, bool isBeforeBlank, std::int32_t* advances) {
     constexpr std::size_t kLongest = 64;  // of a word that is worth remembering
@@ -209,7 +223,9 @@ bool Measurer::shapeWord(std::u16string_view word, bool isBeforeBlank, std::int3
     std::u16string text(word);
     if (isBeforeBlank) text += kBlank;
     std::vector<std::int32_t> all(text.size());
-    measureWhole(_variant, runOf(text), all.data());
+    const ShapedText shaped = shapeInFontUnits(_variant, runOf(text));
+    if (hasCircle(shaped)) return false;
+    sumAdvances(shaped, 0, all);
     if (isBeforeBlank && all.back() != _blank.advance) return false;
     all.resize(word.size());
     std::copy(all.begin(), all.end(), advances);

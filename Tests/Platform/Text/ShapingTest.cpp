@@ -163,6 +163,18 @@ TEST(ShapingTest, GoesOnMeasuringWhenItForgetsWords) {
     }
 }
 
+// The shaper leaves out the circle under a mark without a letter if as many syllables as it can count stand
+// between the mark and the last one of its kind.
+TEST(ShapingTest, MeasuresMarksWithoutLetters) {
+    NSFont* font = fontNamed("NotoSansDevanagari-Regular", 10);
+    for (int i = 0; i < 100; ++i) measured(runOf(u"\u0928\u092E \u0938", font, "Deva"));  // no more checks
+    for (std::size_t syllables = 5; syllables < 20; ++syllables) {
+        const std::u16string text = u"\u094D " + std::u16string(syllables, u'\u0915') + u" \u094D";
+        const ShapingRun run = runOf(text, font, "Deva");
+        EXPECT_EQ(measured(run), summed(run)) << syllables;
+    }
+}
+
 TEST(ShapingTest, FindsFontsThatStandIn) {
     NSFont* font = fontNamed("DejaVuSans", 14);
     auto substitute = [&](std::u16string_view cluster) {
