@@ -82,13 +82,14 @@ class LineDrawing {
             _context->clipToRect(
                 {{_left, origin.y + rect.origin.y}, {pointsOf(line.textWidth), rect.size.height}});
         }
-        // The glyphs may be forgotten while an attachment draws: what is drawn is copied before.
-        const std::vector<LineRun> runs(glyphs.runs().begin(), glyphs.runs().end());
-        for (const LineRun& run : runs)
+        for (const LineRun& run : glyphs.runs())
             if (run.kind == TextRun::Kind::text) drawText(glyphs, run);
-        for (const LineRun& run : runs) strike(run, glyphs.textEnd());
-        for (const LineRun& run : runs)
-            if (run.kind == TextRun::Kind::attachment && isWanted(run)) drawAttachment(run, view);
+        for (const LineRun& run : glyphs.runs()) strike(run, glyphs.textEnd());
+        // Cells may ask about other lines, and the glyphs of this one be forgotten.
+        std::vector<Picture> pictures;
+        for (const LineRun& run : glyphs.runs())
+            if (run.kind == TextRun::Kind::attachment && isWanted(run)) pictures.push_back(pictureOf(run));
+        for (const Picture& picture : pictures) drawPicture(picture, view);
         if (isClipped) _context->restoreGraphicsState();
     }
 
@@ -153,14 +154,22 @@ class LineDrawing {
                       {left, right, baselineOf(run) - font->xHeight() / 2, thickness});
     }
 
-    void drawAttachment(const LineRun& run, id view) {
-        const SEL draw = "drawWithFrame:inView:characterIndex:layoutManager:"_sel;
-        id cell = run.style->attachment->attachmentCell();
-        if (!cell || !cell->respondsToSelector(draw)) return;
+    struct Picture {
+        Retained<Object> cell;
+        NSRect frame;
+        NSUInteger index;
+    };
+    Picture pictureOf(const LineRun& run) const {
         const NSRect frame{{_left + pointsOf(run.left) + run.frame.origin.x,
                             baselineOf(run) - run.frame.origin.y - run.frame.size.height},
                            run.frame.size};
-        send(cell, draw, frame, view, _blockUnit + run.start, _layoutManager);
+        return {Retained<Object>::retaining(run.style->attachment->attachmentCell()), frame,
+                _blockUnit + run.start};
+    }
+    void drawPicture(const Picture& picture, id view) {
+        const SEL draw = "drawWithFrame:inView:characterIndex:layoutManager:"_sel;
+        if (picture.cell && picture.cell->respondsToSelector(draw))
+            send(picture.cell.get(), draw, picture.frame, view, picture.index, _layoutManager);
     }
 
     NSLayoutManager* _layoutManager;

@@ -14,10 +14,12 @@
 #include <QTextLayout>
 #include <fstream>
 #include <map>
+#include <optional>
 #include <random>
 #include <sstream>
 
 #include "Foundation/NSDictionary.h"
+#include "NSParagraphStyle-PelvorAdditions.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Text/NSFont.h"
 #include "Text/NSLayoutManager.h"
@@ -324,13 +326,32 @@ void measureString(benchmark::State& state) {
     }
 }
 
+void tabLookUp(benchmark::State& state) {
+    AutoreleasePool pool;
+    auto style = NSMutableParagraphStyle::init();
+    for (int i = 1; i <= 20; ++i)
+        style->addTabStop(
+            NSTextTab::initWithType_location(NSLeftTabStopType, static_cast<float>(i) * 20).get());
+    float place = 0;
+    for (auto _ : state) {
+        place = place > 390 ? 0 : place + 7;
+        benchmark::DoNotOptimize(textTabForGlyphLocation_writingDirection_maxLocation(
+            style, place, NSWritingDirectionNatural, 500));
+    }
+}
+
 std::size_t inUse() { return mallinfo2().uordblks + mallinfo2().hblkhd; }
 
 void memory(benchmark::State& state) {
     for (auto _ : state) {
         const QString& text = textOf(english, kMebi);
         const std::size_t before = inUse();
-        Ours ours(text);
+        std::optional<AutoreleasePool> pool(std::in_place);  // for the text as a string
+        Retained<NSString> string = stringOf(text)->copy();
+        pool.reset();
+        Ours ours{QString()};
+        ours.storage->replaceCharactersInRange_withString({0, 0}, string);
+        string = nullptr;
         ours.all();
         const std::size_t between = inUse();
         QTextDocument document;
@@ -370,6 +391,7 @@ void addAll() {
     add("TenMillionInOne/ours", ourGiant);
     add("SafeLookUp/ours", safeLookUps)->Unit(benchmark::kNanosecond);
     add("MeasureString/ours", measureString)->Arg(0)->Arg(1)->Unit(benchmark::kNanosecond);
+    add("TabLookUp/ours", tabLookUp)->Unit(benchmark::kNanosecond);
     add("Memory", memory)->Iterations(1);
 }
 

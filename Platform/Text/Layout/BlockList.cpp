@@ -47,6 +47,8 @@ LongExtent BlockList::heightOf(const BlockSums& sums) const {
 // MARK: Changing
 
 void BlockList::recount(Chunk& chunk) {
+    _remembered = {};
+    _knowsTop = false;
     _sums -= chunk.sums;
     chunk.sums = {};
     for (const auto& block : chunk.blocks) chunk.sums += BlockSums::of(*block);
@@ -144,12 +146,15 @@ void BlockList::forgetAllLines() {
 // MARK: Looking up
 
 BlockPlace BlockList::placeOfUnit(NSUInteger unit) {
+    if (unit - _remembered.unit < at(_remembered).units) return _remembered;
     BlockPlace place;
     while (place.chunk + 1 < _chunks.size() && unit - place.unit >= _chunks[place.chunk].sums.units)
         place.unit += static_cast<NSUInteger>(_chunks[place.chunk++].sums.units);
     const Blocks& blocks = _chunks[place.chunk].blocks;
     while (place.index + 1 < blocks.size() && unit - place.unit >= blocks[place.index]->units)
         place.unit += blocks[place.index++]->units;
+    _remembered = place;
+    _knowsTop = false;
     return place;
 }
 
@@ -173,11 +178,18 @@ BlockPlace BlockList::placeOfHeight(LongExtent height, LongExtent& top) {
 }
 
 LongExtent BlockList::topOf(const BlockPlace& place) {
+    const bool isRemembered = place == _remembered;
+    if (isRemembered && _knowsTop) return _rememberedTop;
     BlockSums before;
     for (std::size_t chunk = 0; chunk < place.chunk; ++chunk) before += _chunks[chunk].sums;
     for (std::size_t index = 0; index < place.index; ++index)
         before += BlockSums::of(*_chunks[place.chunk].blocks[index]);
-    return heightOf(before);
+    const LongExtent top = heightOf(before);
+    if (isRemembered) {
+        _rememberedTop = top;
+        _knowsTop = true;
+    }
+    return top;
 }
 
 BlockPlace BlockList::last() {

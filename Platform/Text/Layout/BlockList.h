@@ -140,6 +140,8 @@ class BlockList {
         const BlockSums before = BlockSums::of(block);
         change(block);
         const BlockSums after = BlockSums::of(block);
+        _knowsTop = false;
+        if (before.units != after.units) _remembered = {};
         (_chunks[place.chunk].sums -= before) += after;
         (_sums -= before) += after;
     }
@@ -163,6 +165,10 @@ class BlockList {
 
     std::vector<Chunk> _chunks;
     BlockSums _sums;
+    // The block that was looked for last, and its top if that was asked for.
+    BlockPlace _remembered;
+    LongExtent _rememberedTop = 0;
+    bool _knowsTop = false;
 };
 
 }  // namespace pelvor

@@ -406,8 +406,11 @@ void LayoutState::layOut(BlockPlace place, LineRooms& rooms) {
     for (;;) {
         const Block& block = _blocks.at(place);
         const bool isLastPiece = _blocks.isLast(place) || !_blocks.at(_blocks.next(place)).continues;
-        const NSUInteger ahead =
-            isLastPiece ? 0 : std::min(kLookAhead, _blocks.at(_blocks.next(place)).units);
+        // Where the next block has lines they may stay, if the text ahead tells that a line ends before it.
+        NSUInteger ahead = 0;
+        if (!isLastPiece)
+            if (const Block& next = _blocks.at(_blocks.next(place)); next.isLaid || next.keepsLines)
+                ahead = std::min(kLookAhead, next.units);
         auto direction = MeasuredText::Direction::unknown;
         if (block.continues)
             direction = _blocks.at(_blocks.previous(place)).isRightToLeft
@@ -761,9 +764,10 @@ LineGlyphs& LayoutState::glyphsOf(const LinePlace& place) {
     for (KeptGlyphs& kept : _glyphs)
         if (kept.block == &block && kept.line == place.line) return *kept.glyphs;
     if (_drawnBlock != &block) {
-        _drawnText.read(tools, {place.block.unit, block.units},
-                        block.isRightToLeft ? MeasuredText::Direction::rightToLeft
-                                            : MeasuredText::Direction::leftToRight);
+        _drawnText.read(
+            tools, {place.block.unit, block.units},
+            block.isRightToLeft ? MeasuredText::Direction::rightToLeft : MeasuredText::Direction::leftToRight,
+            MeasuredText::Purpose::glyphs);
         _drawnBlock = &block;
     }
     const Line& line = block.lines[place.line];
@@ -774,7 +778,9 @@ LineGlyphs& LayoutState::glyphsOf(const LinePlace& place) {
                   ? nullptr
                   : containers[std::min(containerOf(range.location), containers.size() - 1)].get());
     if (_glyphs.size() < kKeptLines) _glyphs.resize(kKeptLines);
-    KeptGlyphs& kept = _glyphs[_oldest++ % kKeptLines];
+    auto free =
+        std::find_if(_glyphs.begin(), _glyphs.end(), [](const KeptGlyphs& each) { return !each.block; });
+    KeptGlyphs& kept = free != _glyphs.end() ? *free : _glyphs[_oldest++ % kKeptLines];
     kept = {&block, place.line,
             std::make_unique<LineGlyphs>(tools, _drawnText, line, NSMaxRange(range) - place.block.unit)};
     return *kept.glyphs;

@@ -137,7 +137,7 @@ class LayoutState {
         std::size_t line = 0;
         std::unique_ptr<LineGlyphs> glyphs;
     };
-    static constexpr std::size_t kKeptLines = 64;
+    static constexpr std::size_t kKeptLines = 128;
     std::vector<KeptGlyphs> _glyphs;
     std::size_t _oldest = 0;
 

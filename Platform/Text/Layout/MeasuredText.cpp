@@ -65,7 +65,7 @@ ScriptStretch scriptStretch(std::u16string_view text, std::uint32_t start, std::
 
 }  // namespace
 
-void MeasuredText::read(LayoutTools& tools, NSRange wanted, Direction direction) {
+void MeasuredText::read(LayoutTools& tools, NSRange wanted, Direction direction, Purpose purpose) {
     range = wanted;
     units.resize(range.length);
     if (range.length) tools.storage->string()->getCharacters_range(units.data(), range);
@@ -81,9 +81,12 @@ void MeasuredText::read(LayoutTools& tools, NSRange wanted, Direction direction)
     }
     findStyles(tools);
     findDirections(direction);
+    const bool isForLines = purpose == Purpose::lines;
+    _measures = isForLines || hasSpecials || paragraph()->lineBreakMode() != NSLineBreakByWordWrapping;
     const std::vector<TextRun> stretches = std::exchange(runs, {});
     for (const TextRun& stretch : stretches) addTextRuns(tools, stretch.start, stretch.end, *stretch.style);
-    if (size()) tools.boundaries.markLineBreaks(units, stretches.front().style->language, kMayBreak, marks);
+    if (size() && (isForLines || hasSpecials))
+        tools.boundaries.markLineBreaks(units, stretches.front().style->language, kMayBreak, marks);
 }
 
 // One run for each stretch of attributes; an empty text takes the attributes of the character before it.
@@ -195,7 +198,7 @@ std::uint32_t MeasuredText::endOfShaping(LayoutTools& tools, std::uint32_t start
 
 void MeasuredText::addRun(TextRun run) {
     runs.push_back(run);
-    if (run.kind == TextRun::Kind::text) measure(run);
+    if (_measures && run.kind == TextRun::Kind::text) measure(run);
 }
 
 ShapingRun MeasuredText::shapingOf(const TextRun& run) const {

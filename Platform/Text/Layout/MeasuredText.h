@@ -51,10 +51,12 @@ class MeasuredText {
         kText = 8,      ///< other than a blank
     };
 
-    /// Reads units from the storage and measures them. They are part of one paragraph, whose direction may be
-    /// known.
     enum class Direction { unknown, leftToRight, rightToLeft };
-    void read(LayoutTools& tools, NSRange range, Direction direction);
+    enum class Purpose { lines, glyphs };
+
+    /// Reads units from the storage and measures them. They are part of one paragraph, whose direction may be
+    /// known. For glyphs, breaks are not looked for, and only text is measured that has tabs or may be cut.
+    void read(LayoutTools& tools, NSRange range, Direction direction, Purpose purpose = Purpose::lines);
 
     std::uint32_t size() const { return static_cast<std::uint32_t>(units.size()); }
     std::u16string_view text() const { return units; }
@@ -84,6 +86,7 @@ class MeasuredText {
 
     std::vector<std::shared_ptr<const TextStyle>> _styles;
     const TextStyle* _paragraphStyle = nullptr;
+    bool _measures = true;
     std::vector<std::uint8_t> _levels;  // empty where all text runs from left to right
 };
 

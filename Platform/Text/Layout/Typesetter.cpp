@@ -130,7 +130,6 @@ bool Typesetter::hyphenate(std::uint32_t from, std::uint32_t overflow, Extent pe
     while (from < overflow && !isLetter(from)) pen += _text.advances[from++];
     std::uint32_t end = from;
     while (end < _text.size() && isLetter(end)) ++end;
-    if (end <= overflow && end < _text.size()) return false;
     const TextRun& run = _text.runs[_text.runAt(from)];
     const Extent hyphen = _tools.styles.extentsOf(run.font).hyphen;
     bool isFound = false;

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "LaidOutText.h"
+#include "Prelude.h"
+#include "Text/NSColor.h"
+#include "Text/NSGraphicsContext.h"
+#include "Text/NSString-Drawing.h"
+#include "Text/NSTextAttachment.h"
+#include "Text/NSTextAttachmentCell.h"
+#include "Text/TextLibrary.h"
+
+namespace {
+
+class LayoutDrawing : public testing::Test {
+  protected:
+    ~LayoutDrawing() { NSGraphicsContext::setCurrentContext(nullptr); }
+
+    // The picture that the function draws.
+    template <class Draw>
+    static NSData* drawn(Draw draw) {
+        auto context = NSGraphicsContext::initWithImageSize_scale({120, 40}, 1);
+        NSGraphicsContext::setCurrentContext(context);
+        draw();
+        NSGraphicsContext::setCurrentContext(nullptr);
+        NSData* picture = context->dataWithReason(nullptr);
+        EXPECT_TRUE(picture);
+        return picture;
+    }
+    static NSData* drawnText(NSString* string, NSDictionary* attributes, NSRange range) {
+        LaidOutText text(string, attributes);
+        return drawn([&] {
+            text.layoutManager->drawBackgroundForGlyphRange_atPoint(range, {5, 5});
+            text.layoutManager->drawGlyphsForGlyphRange_atPoint(range, {5, 5});
+        });
+    }
+
+  private:
+    AutoreleasePool _pool;
+};
+
+TEST_F(LayoutDrawing, DrawsTheGlyphsOfTheRange) {
+    NSData* nothing = drawn([] {});
+    NSData* whole = drawnText(u"ab cd"_ns, plain(), {0, 5});
+    NSData* start = drawnText(u"ab cd"_ns, plain(), {0, 2});
+    EXPECT_FALSE(whole->isEqual(nothing));
+    EXPECT_FALSE(whole->isEqual(start));
+    EXPECT_TRUE(start->isEqual(drawnText(u"ab"_ns, plain(), {0, 2})));
+    EXPECT_TRUE(nothing->isEqual(drawnText(u"ab cd"_ns, plain(), {2, 1}))) << "a blank";
+    EXPECT_TRUE(whole->isEqual(drawn([] { drawAtPoint_withAttributes(u"ab cd"_ns, {5, 5}, plain()); })));
+}
+
+TEST_F(LayoutDrawing, DrawsLinesAndColours) {
+    NSData* before = drawnText(u"ab"_ns, plain(), {0, 2});
+    std::set<std::string> pictures;
+    const auto add = [&](NSString* name, id value) {
+        auto attributes = plain()->mutableCopy();
+        attributes->setObject_forKey(value, name);
+        NSData* picture = drawnText(u"ab"_ns, attributes, {0, 2});
+        EXPECT_FALSE(picture->isEqual(before)) << name;
+        pictures.emplace(static_cast<const char*>(picture->bytes()), picture->length());
+    };
+    for (int style : {NSUnderlineStyleSingle, NSUnderlineStyleThick, NSUnderlineStyleDouble})
+        add(NSUnderlineStyleAttributeName, NSNumber::numberWithInt(style));
+    add(NSStrikethroughStyleAttributeName, NSNumber::numberWithInt(NSUnderlineStyleSingle));
+    add(NSForegroundColorAttributeName, NSColor::redColor());
+    add(NSBackgroundColorAttributeName, NSColor::redColor());
+    add(NSObliquenessAttributeName, NSNumber::numberWithDouble(0.3));
+    EXPECT_EQ(pictures.size(), 7u) << "each looks another way";
+}
+
+extern Library notingCellLibrary;
+
+class NotingCell : public NSTextAttachmentCell, NSTextAttachmentCell::HiddenCreators {
+    PELVOR_CLASS(NotingCell, NSTextAttachmentCell);
+    PELVOR_CREATORS();
+
+  public:
+    NSSize cellSize() override { return {20, 10}; }
+    NSPoint cellBaselineOffset() override { return {0, -2}; }
+    void drawWithFrame_inView_characterIndex_layoutManager(NSRect frame, id, NSUInteger index,
+                                                           NSLayoutManager* layoutManager) override {
+        notes += shown(frame, index) + "\n";
+        // What is drawn may ask the layout about other lines.
+        for (NSUInteger unit = 0; unit < layoutManager->numberOfGlyphs(); ++unit)
+            layoutManager->locationForGlyphAtIndex(unit);
+    }
+    std::string notes;
+};
+PELVOR_DEFINE_CLASS(NotingCell, notingCellLibrary) {}
+constexpr Library* kDependencies[] = {&textLibrary};
+constinit Library notingCellLibrary{"TestNotingCell", kDependencies, kClassesOf<NotingCell>, {}};
+
+TEST_F(LayoutDrawing, HasCellsDrawAttachments) {
+    auto attachment = NSTextAttachment::init();
+    auto cell = make<NotingCell>();
+    attachment->setAttachmentCell(cell);
+    auto string = NSMutableString::init();
+    string->appendString(u"\uFFFCa\uFFFC"_ns);
+    for (int line = 0; line < 100; ++line) string->appendString(u"\nx"_ns);
+    LaidOutText text(string, plain());
+    text.storage->addAttribute_value_range(NSAttachmentAttributeName, attachment, {0, 3});
+    drawn([&] { text.layoutManager->drawGlyphsForGlyphRange_atPoint({0, string->length()}, {5, 5}); });
+    const auto frame = [&](NSUInteger index) {
+        return shown(NSOffsetRect(text.layoutManager->attachmentRectForGlyphAtIndex(index), 5, 5), index) +
+               "\n";
+    };
+    EXPECT_EQ(cell->notes, frame(0) + frame(2));
+    EXPECT_EQ(text.x(1), 20);
+}
+
+TEST_F(LayoutDrawing, MeasuresStrings) {
+    NSDictionary* attributes = plain();
+    const NSSize line = sizeWithAttributes(u"Hamburg"_ns, attributes);
+    EXPECT_NEAR(
+        line.width,
+        LaidOutText(u"Hamburg"_ns, attributes).layoutManager->caretRectForCharacterAtIndex(7).origin.x, 0.02);
+    EXPECT_EQ(sizeWithAttributes(u"Hamburg\nx"_ns, attributes), (NSSize{line.width, 2 * line.height}));
+    EXPECT_EQ(sizeWithAttributes(u""_ns, attributes), NSZeroSize);
+    const auto box = [&](NSString* string, float width, int options) {
+        return boundingRectWithSize_options_attributes(string, {width, 1.0e6F}, options, attributes);
+    };
+    EXPECT_EQ(box(u"ab cd"_ns, 20, 1).size.height, 2 * box(u"ab"_ns, 20, 1).size.height);
+    EXPECT_NEAR(NSMinY(box(u"ab"_ns, 20, 0)), NSFont::fontWithName_size(u"DejaVuSans"_ns, 12)->descender(),
+                0.02)
+        << "below the baseline";
+}
+
+}  // namespace
