@@ -4,6 +4,13 @@
 
 #include "Prelude.h"
 
+#include "Sanitizers.h"
+
+#if PELVOR_ADDRESS_SANITIZER
+// fontconfig forgets a little of what its rules for standing in make.
+extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig"; }
+#endif
+
 namespace pelvor {
 
 extern Library testLibrary;

@@ -113,6 +113,8 @@ UBreakIteratorType typeOf(TextBoundaries::Kind kind) {
 }  // namespace
 
 struct TextBoundaries::Walker {
+    explicit Walker(Kind wanted) : kind(wanted) {}
+
     Kind kind;
     UBreakIterator* iterator = nullptr;
     Retained<NSString> string;
