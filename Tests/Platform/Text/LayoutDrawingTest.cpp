@@ -69,9 +69,8 @@ TEST_F(LayoutDrawing, DrawsLinesAndColours) {
 
 extern Library notingCellLibrary;
 
-class NotingCell : public NSTextAttachmentCell, NSTextAttachmentCell::HiddenCreators {
+class NotingCell final : public NSTextAttachmentCell {
     PELVOR_CLASS(NotingCell, NSTextAttachmentCell);
-    PELVOR_CREATORS();
 
   public:
     NSSize cellSize() override { return {20, 10}; }
