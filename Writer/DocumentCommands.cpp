@@ -35,8 +35,7 @@ void findAndReplace(WRDocument* document, NSString* target, NSString* replacemen
     if (found.count == 0) return report->addLabel_value(label, localized(u"_nowhere"_ns));
     report->addLabel_value(label, localizedFormat(u"_%u, first at %u"_ns, found.count, found.first));
     if (!replacement) return;
-    document->changeText(
-        [&](NSMutableString* text) { replaceAllOccurrencesOfString_withString(text, target, replacement); });
+    document->replaceAllOccurrencesOfString_withString(target, replacement);
     report->addLabel_value(localizedFormat(u"_Replaced by \"%@\""_ns, replacement),
                            NSNumber::numberWithUnsignedInt(found.count));
 }

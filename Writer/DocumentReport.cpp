@@ -47,7 +47,10 @@ bool isQuantity(NSString* text, NSRange range) {
 
 // What the user should know about the way in which the document was read.
 void reportDoubts(WRReport* report, WRDocument* document) {
-    if (!document->encodingName())
+    if (NSString* message = document->message())
+        for (id line : message->componentsSeparatedByString(u"\n"_ns))
+            report->addLine(static_cast<NSString*>(line));
+    if (!document->encodingName() && !document->richText())
         report->addLine(localized(u"_Where a document is text, \"--encoding\" reads it as text."_ns));
     if (NSString* mark = document->contradictingMark())
         report->addLine(
@@ -102,13 +105,17 @@ void reportCaret(WRReport* report, WRDocument* document, NSUInteger position) {
     add(u"_Paragraph without its end"_ns, paragraphContentRangeForRange(text, {position, 0}));
 }
 
-void reportWriting(WRReport* report, NSString* path, WRDocumentSaver* saver, NSDictionary* answer) {
+void reportWriting(WRReport* report, WRDocument* document, NSString* path, WRDocumentSaver* saver,
+                   NSDictionary* answer) {
     report->addHeading(localized(u"_Written"_ns));
     report->addLabel_value(localized(u"_Path"_ns), path);
     report->addLabel_value(localized(u"_Writer"_ns), nameOfProfile(saver->writer()));
     if (id encoding = answer->objectForKey(WREncodingKey))
         report->addLabel_value(localized(u"_Encoding"_ns), encoding);
     report->addLabel_value(localized(u"_Bytes"_ns), answer->objectForKey(WRByteCountKey));
+    if (saver->dropsFormats(document))
+        report->addLine(localized(u"_Only the text was written; the document has formats besides."_ns));
+    if (auto* message = cast<NSString>(answer->objectForKey(WRMessageKey))) report->addLine(message);
 }
 
 }  // namespace pelvor

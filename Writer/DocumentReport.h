@@ -22,6 +22,7 @@ void reportCount(WRReport* report, const TextCount& count);
 /// position must not be behind the end.
 void reportCaret(WRReport* report, WRDocument* document, NSUInteger position);
 /// What became of writing the document to the path. `answer` is what the writer returned.
-void reportWriting(WRReport* report, NSString* path, WRDocumentSaver* saver, NSDictionary* answer);
+void reportWriting(WRReport* report, WRDocument* document, NSString* path, WRDocumentSaver* saver,
+                   NSDictionary* answer);
 
 }  // namespace pelvor

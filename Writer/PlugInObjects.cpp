@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugInObjects.h"
 
+#include "Foundation/NSBundle.h"
 #include "Foundation/NSString.h"
 #include "PBProfileKeys.h"
 #include "Runtime/NSException.h"
@@ -12,6 +13,8 @@ namespace pelvor {
 
 Retained<Object> makePlugInObject(PBProfile* profile) {
     Class* cls = profile->profileClass();
+    if (NSBundle* bundle = profile->bundle(); !cls && bundle && !bundle->isLoaded() && bundle->load())
+        cls = profile->profileClass();
     if (!cls)
         raiseException(NSInvalidArgumentException, u"there is no class \"%@\""_ns,
                        profile->valueForKey(PBProfileClassKey));

@@ -8,8 +8,9 @@
 
 namespace pelvor {
 
-/// A new object of the profile's class, made by `init`. Raises NSInvalidArgumentException if there is no such
-/// class or its `init` returns null.
+/// A new object of the profile's class, made by `init`. The code of the profile's bundle is loaded first if
+/// the class is not known yet. Raises NSInvalidArgumentException if there is no such class or its `init`
+/// returns null.
 Retained<Object> makePlugInObject(PBProfile* profile);
 
 /// An answer with the error that the plug-in threw the exception which is being handled. To be called inside

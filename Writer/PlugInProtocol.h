@@ -21,15 +21,21 @@ namespace pelvor {
 //         WRMessageKey. After WRErrorRefused the next reader is tried, and also where the user named
 //         an encoding and the answer has no WREncodingKey.
 //
-//         A reader whose text is less than the document says so in its profile, by WRFidelityKey.
+//         A document with formats has WRRichTextKey besides, and may have WRDocumentSettingsKey. An answer
+//         without an error may have WRMessageKey: what the user should know about the reading.
+//
+//         A reader whose text is less than the document says so by WRFidelityKey, in its profile or, where it
+//         depends on the document, in the answer.
 //
 // Document writers (PBProfileDocumentWriterType)
 //
 //     NSDictionary* writeText:(NSString*) toPath:(NSString*) options:(NSDictionary*)
 //         Options: WREncodingKey, if the user named an encoding; WRDocumentEncodingKey and
-//         WRByteOrderMarkKey, the encoding and the mark that the document was read with, if there were any.
-//         Returns WREncodingKey and WRByteCountKey; or WRErrorKey and WRMessageKey, and then the file at the
-//         path is what it was before.
+//         WRByteOrderMarkKey, the encoding and the mark that the document was read with, if there were any;
+//         WRRichTextKey and WRDocumentSettingsKey, if the document has them. A writer that writes these has
+//         WRFidelityRich in its profile; with others the user is told that formats are not written.
+//         Returns WREncodingKey and WRByteCountKey, and perhaps WRMessageKey with what the user should know;
+//         or WRErrorKey and WRMessageKey, and then the file at the path is what it was before.
 //
 // Document services (PBProfileDocumentServiceType)
 //
@@ -47,12 +53,18 @@ namespace pelvor {
 // its text is the whole document.
 //
 // A bundle whose information dictionary has WRLoadMomentKey with the value WRLoadMomentDocument is loaded
-// after the first document was opened; all others are loaded when Writer starts.
+// after the first document was opened. With the value WRLoadMomentDemand its profiles are known from the
+// start, and its code is loaded when one of them is first used. All others are loaded when Writer starts.
 
 // Keys of options, and of answers: the dictionaries that plug-ins return
 
 /// A string: the text of the document.
 inline constexpr NSString* WRTextKey = u"text"_ns;
+/// An attributed string: the text with its formats, which are the attributes of Text/TextAttributes.h and
+/// those of NSAttributedString-PelvorAdditions.h. Its string is the text.
+inline constexpr NSString* WRRichTextKey = u"rich text"_ns;
+/// A dictionary with some of the settings below.
+inline constexpr NSString* WRDocumentSettingsKey = u"document settings"_ns;
 /// A string: the name of an encoding, "windows-1252".
 inline constexpr NSString* WREncodingKey = u"encoding"_ns;
 /// A string: the name of the encoding in which the document was read.
@@ -89,7 +101,34 @@ inline constexpr NSString* WRErrorEncoding = u"encoding"_ns;
 /// The plug-in threw; Writer itself makes this answer.
 inline constexpr NSString* WRErrorPlugIn = u"plug-in"_ns;
 
-// Profiles of readers
+// Settings of a document
+
+// Numbers: lengths in points.
+inline constexpr NSString* WRPageWidthKey = u"page width"_ns;
+inline constexpr NSString* WRPageHeightKey = u"page height"_ns;
+inline constexpr NSString* WRLeftMarginKey = u"left margin"_ns;
+inline constexpr NSString* WRRightMarginKey = u"right margin"_ns;
+inline constexpr NSString* WRTopMarginKey = u"top margin"_ns;
+inline constexpr NSString* WRBottomMarginKey = u"bottom margin"_ns;
+/// From the upper edge of the page to the header.
+inline constexpr NSString* WRHeaderPlaceKey = u"header place"_ns;
+/// From the lower edge of the page to the footer.
+inline constexpr NSString* WRFooterPlaceKey = u"footer place"_ns;
+// Attributed strings, in which the two characters below stand for numbers.
+inline constexpr NSString* WRHeaderKey = u"header"_ns;
+inline constexpr NSString* WRFooterKey = u"footer"_ns;
+// Strings.
+inline constexpr NSString* WRTitleKey = u"title"_ns;
+inline constexpr NSString* WRAuthorKey = u"author"_ns;
+inline constexpr NSString* WRSubjectKey = u"subject"_ns;
+inline constexpr NSString* WRKeywordsKey = u"keywords"_ns;
+inline constexpr NSString* WRCommentKey = u"comment"_ns;
+
+/// In headers and footers: the number of the page, and the number of pages.
+inline constexpr unichar WRPageNumberCharacter = 0xE010;
+inline constexpr unichar WRPageCountCharacter = 0xE011;
+
+// Profiles of readers and writers
 
 /// A string: one of the values below. Without it the text is the whole document.
 inline constexpr NSString* WRFidelityKey = u"fidelity"_ns;
@@ -97,10 +136,13 @@ inline constexpr NSString* WRFidelityKey = u"fidelity"_ns;
 inline constexpr NSString* WRFidelityPart = u"part"_ns;
 /// The text shows the document and is not its content: it is never saved.
 inline constexpr NSString* WRFidelityView = u"view"_ns;
+/// Of a writer: it writes formats and settings, too.
+inline constexpr NSString* WRFidelityRich = u"rich"_ns;
 
 // The information dictionary
 
 inline constexpr NSString* WRLoadMomentKey = u"WRLoadMoment"_ns;
 inline constexpr NSString* WRLoadMomentDocument = u"document"_ns;
+inline constexpr NSString* WRLoadMomentDemand = u"demand"_ns;
 
 }  // namespace pelvor

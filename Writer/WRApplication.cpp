@@ -142,6 +142,7 @@ void WRApplication::startUp() {
     markMoment("classes");
     _loader = WRPlugInLoader::initWithFolder(NSBundle::mainBundle()->builtInPlugInsPath());
     NSArray* bundles = _loader->loadPlugInsForMoment(nullptr);
+    _loader->declarePlugInsForMoment(WRLoadMomentDemand);
     markMoment("ready");
     reportStart(bundles);
 }
@@ -225,7 +226,7 @@ void WRApplication::saveDocument() {
     NSString* encodingName = _arguments->valueOfOption(u"--save-encoding"_ns);
     NSDictionary* answer = saver->saveDocument_toPath_encoding(_document, path, encodingName);
     if (!answer) return complain(saver->problem());
-    reportWriting(_report, path, saver, answer);
+    reportWriting(_report, _document, path, saver, answer);
     print(_report->takeText());
     markMoment("saved");
 }

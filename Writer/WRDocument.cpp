@@ -2,12 +2,15 @@
 #include "Writer/WRDocument.h"
 
 #include "Foundation/NSArray.h"
+#include "Foundation/NSMutableAttributedString.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSMutableString.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSNumber.h"
+#include "NSMutableString-PelvorAdditions.h"
 #include "PBProfile.h"
 #include "Runtime/NSException.h"
+#include "Writer/FormattedWords.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/TextMeasure.h"
 #include "Writer/WriterLibrary.h"
@@ -29,8 +32,12 @@ PELVOR_DEFINE_CLASS(WRDocument, writerLibrary) {
     methods.creator<"initWithPath:reader:answer:", &WRDocument::initWithPath_reader_answer>();
     methods.instance<"path", &WRDocument::path>();
     methods.instance<"text", &WRDocument::text>();
+    methods.instance<"richText", &WRDocument::richText>();
+    methods.instance<"settings", &WRDocument::settings>();
     methods
         .instance<"replaceCharactersInRange:withString:", &WRDocument::replaceCharactersInRange_withString>();
+    methods.instance<"replaceAllOccurrencesOfString:withString:",
+                     &WRDocument::replaceAllOccurrencesOfString_withString>();
     methods.instance<"setText:", &WRDocument::setText>();
     methods.instance<"reader", &WRDocument::reader>();
     methods.instance<"encodingName", &WRDocument::encodingName>();
@@ -39,6 +46,8 @@ PELVOR_DEFINE_CLASS(WRDocument, writerLibrary) {
     methods.instance<"confidence", &WRDocument::confidence>();
     methods.instance<"otherEncodings", &WRDocument::otherEncodings>();
     methods.instance<"contradictingMark", &WRDocument::contradictingMark>();
+    methods.instance<"message", &WRDocument::message>();
+    methods.instance<"fidelity", &WRDocument::fidelity>();
     methods.instance<"byteCount", &WRDocument::byteCount>();
     methods.instance<"paragraphCount", &WRDocument::paragraphCount>();
     methods.instance<"paragraphAtIndex:", &WRDocument::paragraphAtIndex>();
@@ -53,10 +62,15 @@ Retained<WRDocument> WRDocument::initWithPath_reader_answer(NSString* path, PBPr
     if (!text) return nullptr;
     auto self = make<WRDocument>(cls);
     self->_path = path->copy();
+    if (auto* rich = cast<NSAttributedString>(answer->objectForKey(WRRichTextKey))) {
+        self->_richText = rich->mutableCopy();
+        if (!text->isEqualToString(rich->string())) return nullptr;
+    }
     self->_text = text->copy();
     self->_reader.set(reader);
     auto* rest = NSMutableDictionary::dictionaryWithDictionary(answer);
     rest->removeObjectForKey(WRTextKey);
+    rest->removeObjectForKey(WRRichTextKey);
     self->_answer.set(rest);
     return self;
 }
@@ -81,22 +95,74 @@ NSString* WRDocument::contradictingMark() {
     return cast<NSString>(_answer->objectForKey(WRContradictingMarkKey));
 }
 
+// That of the rich text in one piece, for whoever walks through it.
+NSString* WRDocument::text() {
+    if (!_text) _text.set(NSString::of(_richText->string()->toUTF16()));
+    return _text;
+}
+
+NSAttributedString* WRDocument::richText() { return _richText; }
+
+NSDictionary* WRDocument::settings() {
+    return cast<NSDictionary>(_answer->objectForKey(WRDocumentSettingsKey));
+}
+
+NSString* WRDocument::message() { return cast<NSString>(_answer->objectForKey(WRMessageKey)); }
+
+NSString* WRDocument::fidelity() {
+    auto* own = cast<NSString>(_answer->objectForKey(WRFidelityKey));
+    return own || !_reader ? own : cast<NSString>(_reader->valueForKey(WRFidelityKey));
+}
+
 unsigned long long WRDocument::byteCount() {
     NSNumber* count = numberOf(_answer, WRByteCountKey);
     return count ? count->unsignedLongLongValue() : 0;
 }
 
 void WRDocument::replaceCharactersInRange_withString(NSRange range, NSString* string) {
-    changeText([&](NSMutableString* text) { text->replaceCharactersInRange_withString(range, string); });
+    if (!_richText)
+        return changeText(
+            [&](NSMutableString* text) { text->replaceCharactersInRange_withString(range, string); });
+    _richText->replaceCharactersInRange_withString(range, string);
+    textDidChange();
+}
+
+void WRDocument::replaceAllOccurrencesOfString_withString(NSString* target, NSString* replacement) {
+    if (!_richText)
+        return changeText([&](NSMutableString* text) {
+            pelvor::replaceAllOccurrencesOfString_withString(text, target, replacement);
+        });
+    NSString* searched = text();
+    std::vector<NSRange> found;
+    for (NSRange rest{0, searched->length()};;
+         rest = {NSMaxRange(found.back()), NSMaxRange(rest) - NSMaxRange(found.back())}) {
+        const NSRange range = searched->rangeOfString_options_range(target, NSLiteralSearch, rest);
+        if (range.location == NSNotFound) break;
+        found.push_back(range);
+    }
+    _richText->beginEditing();
+    // From behind, so that what is before a place stays where it is.
+    for (std::size_t i = found.size(); i-- > 0;)
+        _richText->replaceCharactersInRange_withString(found[i], replacement);
+    _richText->endEditing();
+    textDidChange();
 }
 
 void WRDocument::setText(NSString* text) {
-    _text = text->copy();
+    if (_richText)
+        replaceWords(_richText, text);
+    else
+        _text = text->copy();
     textDidChange();
 }
 
 // A text that is never changed is never copied.
 void WRDocument::changeText(const std::function<void(NSMutableString*)>& change) {
+    if (_richText) {
+        auto copy = text()->mutableCopy();
+        change(copy);
+        return setText(copy);
+    }
     auto text = Retained<NSMutableString>::retaining(cast<NSMutableString>(_text.get()));
     if (!text) text = _text->mutableCopy();
     change(text);
@@ -105,6 +171,7 @@ void WRDocument::changeText(const std::function<void(NSMutableString*)>& change)
 }
 
 void WRDocument::textDidChange() {
+    if (_richText) _text = nullptr;
     _paragraphs.reset();
     NSNotificationCenter::defaultCenter()->postNotificationName_object(WRDocumentDidChangeNotification, this);
 }
@@ -112,7 +179,7 @@ void WRDocument::textDidChange() {
 NSUInteger WRDocument::paragraphCount() { return static_cast<NSUInteger>(paragraphs().size()); }
 
 NSString* WRDocument::paragraphAtIndex(NSUInteger index) {
-    return _text->substringWithRange(rangeOfParagraphAtIndex(index));
+    return text()->substringWithRange(rangeOfParagraphAtIndex(index));
 }
 
 NSRange WRDocument::rangeOfParagraphAtIndex(NSUInteger index) {
@@ -124,7 +191,7 @@ NSRange WRDocument::rangeOfParagraphAtIndex(NSUInteger index) {
 const std::vector<NSRange>& WRDocument::paragraphs() {
     if (_paragraphs) return *_paragraphs;
     _paragraphs.emplace();
-    for (TextParagraph paragraph; nextParagraph(_text, paragraph);)
+    for (TextParagraph paragraph; nextParagraph(text(), paragraph);)
         _paragraphs->push_back({paragraph.start, paragraph.contentsEnd - paragraph.start});
     return *_paragraphs;
 }

@@ -11,7 +11,9 @@
 namespace pelvor {
 
 class NSArray;
+class NSAttributedString;
 class NSDictionary;
+class NSMutableAttributedString;
 class NSMutableString;
 class PBProfile;
 
@@ -24,18 +26,30 @@ class WRDocument : public NSObject {
     PELVOR_CREATORS(initWithPath_reader_answer);
 
   public:
-    /// Takes the answer of a reader. Returns null if the answer has no text.
+    /// Takes the answer of a reader. Returns null if the answer has no text, or its rich text has another.
     static Retained<WRDocument> initWithPath_reader_answer(NSString* path, PBProfile* reader,
                                                            NSDictionary* answer, Class* cls = classObject());
 
     NSString* path() { return _path; }
     /// The text, borrowed; valid until the next change.
-    NSString* text() { return _text; }
-    /// Changes the text. Raises NSRangeException for a range outside.
+    NSString* text();
+    /// The text with its formats, borrowed; null for a document without formats.
+    NSAttributedString* richText();
+    /// The settings of PlugInProtocol.h; null for a document without settings.
+    NSDictionary* settings();
+
+    // Changes of the text. Where there are formats, new text has those of the text that it replaces, or of
+    // the text before it.
+
+    /// Raises NSRangeException for a range outside.
     void replaceCharactersInRange_withString(NSRange range, NSString* string);
+    /// Looks from the front on, unit by unit.
+    void replaceAllOccurrencesOfString_withString(NSString* target, NSString* replacement);
+    /// Puts another text in the place of the whole. Words keep their formats, word by word.
     void setText(NSString* text);
-    /// Calls the function with the text, which it may change.
+    /// Calls the function with the text, which it may change. The formats become those that `setText` gives.
     void changeText(const std::function<void(NSMutableString*)>& change);
+
     /// The profile of the reader that read the document.
     PBProfile* reader() { return _reader; }
     /// Null where there is no encoding, as for bytes.
@@ -50,6 +64,10 @@ class WRDocument : public NSObject {
     /// The name of the encoding whose byte-order mark the file has although it was read in another; else
     /// null.
     NSString* contradictingMark();
+    /// What the reader says that the user should know, as sentences; else null.
+    NSString* message();
+    /// How much of the document its text is: a value of WRFidelityKey, or null for the whole document.
+    NSString* fidelity();
     /// The length of the file when it was read.
     unsigned long long byteCount();
 
@@ -70,9 +88,10 @@ class WRDocument : public NSObject {
     const std::vector<NSRange>& paragraphs();
 
     Retained<NSString> _path;
-    Retained<NSString> _text;
+    Retained<NSString> _text;  // where there are formats, null after a change, until somebody asks
+    Retained<NSMutableAttributedString> _richText;
     Retained<PBProfile> _reader;
-    Retained<NSDictionary> _answer;                   // the reader's, without the text
+    Retained<NSDictionary> _answer;                   // the reader's, without the texts
     std::optional<std::vector<NSRange>> _paragraphs;  // found when they are first needed
 };
 

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "Foundation/NSArray.h"
+#include "Foundation/NSAttributedString.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNumber.h"
 #include "PBProfileKeys.h"
@@ -18,10 +19,8 @@
 namespace pelvor {
 namespace {
 
-// Whether the document's reader says this of its texts.
 bool hasFidelity(WRDocument* document, NSString* fidelity) {
-    id value = document->reader() ? document->reader()->valueForKey(WRFidelityKey) : nullptr;
-    return value && value->isEqual(fidelity);
+    return document->fidelity() && document->fidelity()->isEqualToString(fidelity);
 }
 
 bool isRich(PBProfile* profile) {
@@ -40,6 +39,9 @@ NSMutableDictionary* optionsFor(WRDocument* document, NSString* encodingName) {
     if (encodingName) options->setObject_forKey(encodingName, WREncodingKey);
     if (NSString* own = document->encodingName()) options->setObject_forKey(own, WRDocumentEncodingKey);
     options->setObject_forKey(NSNumber::numberWithBool(document->hasByteOrderMark()), WRByteOrderMarkKey);
+    // A copy, for the document may change later.
+    if (document->richText()) options->setObject_forKey(document->richText()->copy().get(), WRRichTextKey);
+    if (document->settings()) options->setObject_forKey(document->settings(), WRDocumentSettingsKey);
     return options;
 }
 
@@ -50,6 +52,7 @@ PELVOR_DEFINE_CLASS(WRDocumentSaver, writerLibrary) {
     methods.instance<"saveDocument:toPath:encoding:", &WRDocumentSaver::saveDocument_toPath_encoding>();
     methods.instance<"problem", &WRDocumentSaver::problem>();
     methods.instance<"writer", &WRDocumentSaver::writer>();
+    methods.instance<"dropsFormats:", &WRDocumentSaver::dropsFormats>();
 }
 
 WRDocumentSaver::~WRDocumentSaver() = default;
@@ -80,6 +83,12 @@ PBProfile* WRDocumentSaver::writerFor(WRDocument* document, NSString* path) {
         if (!keepsKind || isRich(writer) == isRich(document->reader())) return writer;
     }
     return nullptr;
+}
+
+bool WRDocumentSaver::dropsFormats(WRDocument* document) {
+    if (!_writer || !document->richText()) return false;
+    id value = _writer->valueForKey(WRFidelityKey);
+    return !value || !value->isEqual(WRFidelityRich);
 }
 
 // What forbids the saving before any writer is asked; null if nothing does.

@@ -29,6 +29,8 @@ class WRDocumentSaver : public NSObject {
     NSString* problem() { return _problem; }
     /// The profile of the writer that was tried last; null if there was no writer.
     PBProfile* writer() { return _writer; }
+    /// Whether the document has formats and that writer does not write them.
+    bool dropsFormats(WRDocument* document);
 
   protected:
     WRDocumentSaver() = default;

@@ -3,6 +3,7 @@
 
 #include "Foundation/NSBundle.h"
 #include "Foundation/NSMutableArray.h"
+#include "PBRegistry.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/WriterLibrary.h"
@@ -21,6 +22,7 @@ PELVOR_DEFINE_CLASS(WRPlugInLoader, writerLibrary) {
     methods.creator<"initWithFolder:", &WRPlugInLoader::initWithFolder>();
     methods.classLevel<"nameOfBundle:", &WRPlugInLoader::nameOfBundle>();
     methods.instance<"loadPlugInsForMoment:", &WRPlugInLoader::loadPlugInsForMoment>();
+    methods.instance<"declarePlugInsForMoment:", &WRPlugInLoader::declarePlugInsForMoment>();
     methods.instance<"failureCount", &WRPlugInLoader::failureCount>();
 }
 
@@ -49,6 +51,13 @@ NSArray* WRPlugInLoader::loadPlugInsForMoment(NSString* moment) {
     }
     _waiting = std::move(waiting);
     return loaded;
+}
+
+void WRPlugInLoader::declarePlugInsForMoment(NSString* moment) {
+    for (id object : _waiting.get()) {
+        auto* bundle = static_cast<NSBundle*>(object);
+        if (isForMoment(bundle, moment)) PBRegistry::sharedRegistry()->addProfilesFromBundle(bundle);
+    }
 }
 
 NSString* WRPlugInLoader::nameOfBundle(NSBundle* bundle) {

@@ -26,6 +26,10 @@ class WRPlugInLoader : public NSObject {
     /// the registry. Returns the bundles that were loaded. Borrowed.
     NSArray* loadPlugInsForMoment(NSString* moment);
 
+    /// Has the registry read the declarations of the bundles whose information dictionary names the moment;
+    /// their code is loaded when the class of a profile is first asked for.
+    void declarePlugInsForMoment(NSString* moment);
+
     /// How many of the bundles were tried and could not be loaded.
     NSUInteger failureCount() { return _failureCount; }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/WRDocument.h"
 
+#include "Foundation/NSMutableAttributedString.h"
 #include "PBPostLoader.h"
 #include "PBProfile.h"
 #include "Prelude.h"
@@ -41,6 +42,52 @@ TEST_F(Document, EndsParagraphsAtEveryKindOfLineEndAndTellsThatItsTextHasChanged
     EXPECT_EQ(shown(document->text()), "one\n\ntwo\r\n\rfour\u2029five\f");
     EXPECT_EQ(document->paragraphCount(), 6u);
     EXPECT_THROW(document->replaceCharactersInRange_withString({21, 1}, u""_ns), NSException);
+}
+
+TEST_F(Document, KeepsFormatsThroughChangesOfItsText) {
+    const auto setText = [](NSString* text) {
+        return [text](WRDocument* document) { document->setText(text); };
+    };
+    const struct {
+        const char* situation;
+        NSRange marked;
+        std::function<void(WRDocument*)> change;
+        const char* text;  // what is marked stands in brackets
+    } rows[] = {
+        {"Nothing", {4, 3}, [](WRDocument*) {}, "one [two]\tthree"},
+        {"Edit",
+         {4, 3},
+         [](auto* document) {
+             document->replaceCharactersInRange_withString({5, 1}, u"WW"_ns);
+         },
+         "one [tWWo]\tthree"},
+        {"EditOfTheString",
+         {4, 3},
+         [](auto* document) {
+             document->changeText([](NSMutableString* text) { text->insertString_atIndex(u"!"_ns, 7); });
+         },
+         "one [two!]\tthree"},
+        {"Letters", {4, 3}, setText(u"ONE TWO\tTHREE"_ns), "ONE [TWO]\tTHREE"},
+        {"LettersOfPartOfAWord", {5, 4}, setText(u"ONE TWO\tTHREE"_ns), "ONE T[WO\tT]HREE"},
+        {"LongerWord", {4, 3}, setText(u"one twooo\tthree"_ns), "one [twooo]\tthree"},
+        {"WrappedLines", {4, 3}, setText(u"one\ntwo\r\nthree"_ns), "one\n[two]\r\nthree"},
+        {"WrappedWords", {4, 3}, setText(u"on\ne tw\no th\nree"_ns), "on\ne [tw\no] th\nree"},
+        {"FewerWords", {4, 3}, setText(u"one two"_ns), "one [two]"},
+        {"MoreWords", {4, 3}, setText(u"one two three four"_ns), "one [two] three four"},
+        {"NoWords", {4, 3}, setText(u""_ns), ""},
+    };
+    for (const auto& [situation, marked, change, expected] : rows) {
+        auto rich = NSMutableAttributedString::initWithString(u"one two\tthree"_ns);
+        rich->addAttribute_value_range(u"mark"_ns, u"x"_ns, marked);
+        auto document = documentOf({{WRTextKey, rich->string()}, {WRRichTextKey, rich}});
+        change(document);
+        std::string text;
+        for (AttributeRun run : document->richText()->runs()) {
+            const std::string part = document->text()->substringWithRange(run.range)->toUTF8();
+            text += run.attributes->count() ? "[" + part + "]" : part;
+        }
+        EXPECT_EQ(text, expected) << situation;
+    }
 }
 
 TEST_F(Document, IsCountedTheSameInPiecesOfAnyLength) {
