@@ -63,6 +63,35 @@ TEST_F(WriterProgramTest, SpeaksTheLanguageOfTheUser) {
     }
 }
 
+TEST_F(WriterProgramTest, KeepsTheFormatsOfRichText) {
+    const std::string start = "{\\rtf1\\ansi{\\fonttbl{\\f0 DejaVu Sans;}}a {\\b bold} word";
+    const std::string rich = program.folder.path("a.rtf");
+    // Over the file itself, for nothing was left out.
+    WriterRun run =
+        runOn(start + "\\par\n}",
+              {"--find=bold", "--replace=BOLD", "--edit=insert 2 very ", "--save-as=" + rich}, "a.rtf");
+    EXPECT_EQ(shown(run.status, run.errors), "0 ");
+    EXPECT_EQ(run.valueOf("Reader"), "Rich text, of 3, because it is for “rtf” documents");
+    EXPECT_EQ(run.valueOf("First line"), "a bold word");
+    EXPECT_TRUE(run.prints("Plug-ins (10): ")) << "the plug-in is loaded when the document is read";
+    EXPECT_THAT(program.folder.read("a.rtf"), HasSubstr("a very \\plain\\b BOLD\\plain  word\\par"));
+    // As text, and from text.
+    run = program.run({rich, saveAs});
+    EXPECT_EQ(copied(), "a very BOLD word\n");
+    EXPECT_TRUE(run.prints("Only the text was written; the document has formats besides."));
+    run = runOn("x {y}\n", {"--save-as=" + rich});
+    EXPECT_THAT(program.folder.read("a.rtf"), HasSubstr("x \\{y\\}\\par"));
+    // What was left out, and where the file is broken.
+    run = runOn(start + "\\trowd{\\i", {"--save-as=" + rich}, "a.rtf");
+    EXPECT_TRUE(run.prints("The file ends at byte 64 inside a group; it was read up to there.\n"));
+    EXPECT_TRUE(run.prints("Left out is what these control words say: trowd."));
+    EXPECT_TRUE(run.complains("leaves out some of what is in the file")) << run.errors;
+    // Named an encoding, or no rich text: text.
+    EXPECT_THAT(runOn(start, {"--encoding=utf-8"}, "a.rtf").valueOf("Reader"),
+                StartsWith("Plain text, the first of 3"));
+    EXPECT_EQ(runOn("words", {}, "a.rtf").valueOf("First line"), "words");
+}
+
 TEST_F(WriterProgramTest, LoadsAPlugInLaterAndHearsOfItsProfiles) {
     const WriterRun listing = program.run({"--list"}), run = program.run({});
     EXPECT_TRUE(listing.prints("Plug-ins (10): ") && !listing.prints("Word statistics"));

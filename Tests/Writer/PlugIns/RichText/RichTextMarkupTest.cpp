@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/PlugIns/RichText/RichTextMarkup.h"
+
+#include <fstream>
+
+#include "Foundation/NSMutableAttributedString.h"
+#include "NSAttributedString-PelvorAdditions.h"
+#include "Prelude.h"
+#include "RichTextShown.h"
+#include "Text/NSColor.h"
+#include "Text/NSFont.h"
+#include "Text/NSFontManager.h"
+#include "Text/NSMutableParagraphStyle.h"
+#include "Text/NSTextTab.h"
+#include "Writer/PlugInProtocol.h"
+#include "Writer/PlugIns/RichText/RichTextAnswer.h"
+#include "Writer/PlugIns/RichText/WRParagraphStyle.h"
+
+namespace {
+
+NSNumber* number(double value) { return NSNumber::numberWithFloat(static_cast<float>(value)); }
+
+NSColor* colour(int red, int green, int blue) {
+    return NSColor::colorWithCalibratedRed_green_blue_alpha(
+        static_cast<float>(red) / 255, static_cast<float>(green) / 255, static_cast<float>(blue) / 255, 1);
+}
+
+NSFont* font(float size, unsigned traits = 0) {
+    NSFont* plain = NSFont::fontWithName_size(u"DejaVu Sans"_ns, size);
+    return traits ? NSFontManager::sharedFontManager()->convertFont_toHaveTrait(plain, traits) : plain;
+}
+
+Retained<NSParagraphStyle> styleOf(const std::function<void(NSMutableParagraphStyle*)>& change,
+                                   bool isKeepWithNext = false, bool isPageBreakBefore = false) {
+    auto style = NSMutableParagraphStyle::init();
+    change(style);
+    return WRParagraphStyle::initWithParagraphStyle_keepWithNext_keepTogether_pageBreakBefore(
+        style, isKeepWithNext, false, isPageBreakBefore);
+}
+
+RichTextObjects readBack(const RichTextMarkup& markup) {
+    RichText read = readRichText(TextFileSource(std::string_view(markup.bytes)));
+    EXPECT_THAT(read.leftOut, IsEmpty()) << markup.bytes;
+    return objectsOf(read);
+}
+
+// Text in a known font, so that all of its attributes are there again.
+Retained<NSMutableAttributedString> plainText(NSString* string) {
+    return NSMutableAttributedString::initWithString_attributes(
+        string, NSDictionary::of({{NSFontAttributeName, font(12)}}));
+}
+
+TEST(RichTextMarkup, IsReadBackEqual) {
+    using Change = std::function<void(NSMutableAttributedString*)>;
+    const auto with = [](NSString* name, auto* value) -> Change {
+        return [=](NSMutableAttributedString* text) { text->addAttribute_value_range(name, value, {2, 3}); };
+    };
+    const auto withStyle = [](auto change, bool isKept = false, bool isBroken = false) -> Change {
+        return [=](NSMutableAttributedString* text) {
+            text->addAttribute_value_range(NSParagraphStyleAttributeName,
+                                           styleOf(change, isKept, isBroken).get(), {0, 7});
+        };
+    };
+    const auto ofString = [](NSString* string) -> Change {
+        return [=](NSMutableAttributedString* text) {
+            text->replaceCharactersInRange_withString({2, 3}, string);
+        };
+    };
+    const std::pair<const char*, Change> rows[] = {
+        {"Nothing",
+         [](NSMutableAttributedString* text) {
+             text->deleteCharactersInRange({0, text->length()});
+         }},
+        {"Plain", [](NSMutableAttributedString*) {}},
+        {"Characters", ofString(u"\\{}~\u00A0\u00AD\u2011\t\f\u2028\u0007é中🍀\xD800\uFFFC\uE010;"_ns)},
+        {"EmptyLines", ofString(u"\n\n\n"_ns)},
+        {"WordBeforeDigits", with(NSFontAttributeName, font(14))},
+        {"Bold", with(NSFontAttributeName, font(12, NSBoldFontMask))},
+        {"BoldItalic", with(NSFontAttributeName, font(7.5f, NSBoldFontMask | NSItalicFontMask))},
+        {"FixedPitch", with(NSFontAttributeName, NSFont::userFixedPitchFontOfSize(12))},
+        {"MissingFont",
+         [](NSMutableAttributedString* text) {
+             text->addAttribute_value_range(PBFontSubstitutedAttributeName, u"No;Such {Föntß"_ns, {2, 3});
+             text->addAttribute_value_range(NSFontAttributeName, NSFont::userFixedPitchFontOfSize(12),
+                                            {2, 3});
+         }},
+        {"Underline", with(NSUnderlineStyleAttributeName, number(NSUnderlineStyleThick))},
+        {"Strikethrough", with(NSStrikethroughStyleAttributeName, number(NSUnderlineStyleDouble))},
+        {"Superscript", with(NSSuperscriptAttributeName, number(-1))},
+        {"BaselineOffset", with(NSBaselineOffsetAttributeName, number(-2.5))},
+        {"Kern", with(NSKernAttributeName, number(1.25))},
+        {"Expansion", with(NSExpansionAttributeName, number(std::log(1.5f)))},
+        {"Capitals", with(PBFontCaseChangeAttributeName, number(2))},
+        {"Language", with(NSLanguageAttributeName, u"de-AT"_ns)},
+        {"LanguageAlone", with(NSLanguageAttributeName, u"fr"_ns)},
+        {"Colour", with(NSForegroundColorAttributeName, colour(1, 2, 3))},
+        {"Background", with(NSBackgroundColorAttributeName, colour(255, 128, 0))},
+        {"UnderlineColour", with(NSUnderlineColorAttributeName, colour(0, 0, 255))},
+        {"Link", with(NSLinkAttributeName, u"https://x.org/\"a\\b\"?c={d}"_ns)},
+        {"Anchor", with(NSLinkAttributeName, u"pelvor-anchor:a b"_ns)},
+        {"CharacterStyle", with(PBStyleCharacterAttributeName, u"Émphase; {1}"_ns)},
+        {"LinkOverParagraphs",
+         [](NSMutableAttributedString* text) {
+             text->addAttribute_value_range(NSLinkAttributeName, u"a"_ns, {2, 9});
+             text->addAttribute_value_range(NSParagraphStyleAttributeName, styleOf([](auto*) {}, true).get(),
+                                            {7, 7});
+         }},
+        {"ParagraphStyle",
+         [](NSMutableAttributedString* text) {
+             text->addAttribute_value_range(PBStyleParagraphAttributeName, u"heading 1"_ns, {0, 7});
+         }},
+        {"Alignment", withStyle([](auto* style) { style->setAlignment(NSJustifiedTextAlignment); })},
+        {"Direction",
+         withStyle([](auto* style) { style->setBaseWritingDirection(NSWritingDirectionRightToLeft); })},
+        {"Indents", withStyle([](auto* style) {
+             style->setHeadIndent(36.05f);
+             style->setFirstLineHeadIndent(18);
+             style->setTailIndent(-9);
+         })},
+        {"Spacing", withStyle([](auto* style) {
+             style->setParagraphSpacing(6);
+             style->setParagraphSpacingBefore(12);
+         })},
+        {"LineHeightFactor", withStyle([](auto* style) { style->setLineHeightMultiple(1.15f * 240 / 240); })},
+        {"LeastLineHeight", withStyle([](auto* style) { style->setMinimumLineHeight(20); })},
+        {"ExactLineHeight", withStyle([](auto* style) {
+             style->setMinimumLineHeight(20);
+             style->setMaximumLineHeight(20);
+         })},
+        {"Tabs", withStyle([](auto* style) {
+             for (int type = NSLeftTabStopType; type <= NSDecimalTabStopType; ++type)
+                 style->addTabStop(NSTextTab::initWithType_location(static_cast<NSTextTabType>(type),
+                                                                    static_cast<float>(30 * type + 20))
+                                       .get());
+         })},
+        {"Hyphenation", withStyle([](auto* style) { style->setHyphenationFactor(1); })},
+        {"KeptWithNext", withStyle([](auto*) {}, true)},
+        {"OnANewPage", withStyle([](auto*) {}, false, true)},
+    };
+    for (const auto& [situation, change] : rows) {
+        auto text = plainText(u"12 45\n\n89 word"_ns);
+        change(text);
+        const RichTextMarkup markup = markupOfRichText(text, nullptr);
+        EXPECT_THAT(markup.leftOut, IsEmpty()) << situation;
+        const RichTextObjects again = readBack(markup);
+        EXPECT_TRUE(again.text->isEqualToAttributedString(text))
+            << situation << "\n"
+            << markup.bytes << text->description() << again.text->description();
+        EXPECT_FALSE(again.settings) << situation;
+    }
+}
+
+TEST(RichTextMarkup, HasSettings) {
+    auto* settings = NSDictionary::of({{WRPageWidthKey, number(595.3)},
+                                       {WRFooterPlaceKey, number(36)},
+                                       {WRTitleKey, u"T{é};"_ns},
+                                       {WRHeaderKey, plainText(u"n \uE010 of \uE011\nx"_ns).get()},
+                                       {WRFooterKey, plainText(u"\n"_ns).get()}});
+    const RichTextObjects again = readBack(markupOfRichText(plainText(u"a"_ns).get(), settings));
+    EXPECT_TRUE(again.settings->isEqual(settings)) << again.settings.get();
+}
+
+TEST(RichTextMarkup, EndsEveryParagraphTheSameWayAndNamesWhatItLeavesOut) {
+    auto text = plainText(u"a\r\nb\rc\u2029d\r\n"_ns);
+    text->addAttribute_value_range(NSToolTipAttributeName, u"x"_ns, {0, 2});  // cuts the first end
+    text->addAttribute_value_range(NSSuperscriptAttributeName, number(2), {3, 1});
+    auto style = NSMutableParagraphStyle::init();
+    style->setLineSpacing(3);
+    text->addAttribute_value_range(NSParagraphStyleAttributeName, style, {0, 3});
+    const RichTextMarkup markup = markupOfRichText(text, nullptr);
+    EXPECT_EQ(shown(readBack(markup).text->string()), "a\nb\nc\nd\n");
+    EXPECT_THAT(markup.leftOut, ElementsAre(u"NSSuperScript", u"NSToolTip", u"lineSpacing"));
+}
+
+// A document as a well-known word processor writes it.
+struct Letter : ::testing::Test {
+    Letter() {
+        std::ifstream file(RICH_TEXT_LETTER, std::ios::binary);
+        bytes.assign(std::istreambuf_iterator<char>(file), {});
+    }
+    std::string bytes;
+};
+
+TEST_F(Letter, IsReadWell) {
+    RichText read = readRichText(TextFileSource(std::string_view(bytes)));
+    EXPECT_EQ(NSString::of(read.fields[0])->toUTF8(), "A letter — café");
+    const std::string header = shownText(read, read.header);
+    EXPECT_THAT(header, HasSubstr("italic]A letter"));
+    EXPECT_THAT(shownText(read, read.footer), HasSubstr("Page \uE010 of \uE011"));
+    const std::string text = shownText(read, read.body);
+    for (const char* part :
+         {"size=32 bold language=2057]Dear Anna,",
+          "it’s “quoted” – “so” — 50\u00A0km, e\u00ADmail, well\u2011known.\u2028Next line.",
+          "]•\t[font]one point", "Привет", "日本", "αβγ", "our page", "link(https://example.org/a?b=1)",
+          "link(pelvor-anchor:end)", "Name\tNumber\t\n", "Bolt\u2028M8\t12\tsteel\n",
+          "picture(png 10x5 89504e470d0a1a0a)]\uFFFC", "שלום", "1[font] The note.\n",
+          "tabs 1440 4320R 7200D"})
+        EXPECT_THAT(text, HasSubstr(part));
+    EXPECT_THAT(text, ::testing::Not(HasSubstr("hidden")));
+    EXPECT_THAT(read.leftOut, AllOf(Contains("footnote"), Contains("cellx"), Contains("v"),
+                                    ::testing::Not(Contains("rsid"))));
+    for (const RichTextProblems& problems : read.problems) EXPECT_EQ(problems.count, 0u);
+}
+
+TEST_F(Letter, IsWrittenAndReadBackEqual) {
+    RichText read = readRichText(TextFileSource(std::string_view(bytes)));
+    const RichTextObjects objects = objectsOf(read);
+    const RichTextMarkup markup = markupOfRichText(objects.text, objects.settings);
+    EXPECT_THAT(markup.leftOut, IsEmpty());
+    const RichTextObjects again = readBack(markup);
+    const auto withoutPictures = [](NSAttributedString* text) {
+        auto copy = text->mutableCopy();
+        copy->removeAttribute_range(NSAttachmentAttributeName, {0, copy->length()});
+        return copy;
+    };
+    EXPECT_TRUE(withoutPictures(again.text)->isEqualToAttributedString(withoutPictures(objects.text).get()));
+    EXPECT_TRUE(again.settings->isEqual(objects.settings));
+}
+
+}  // namespace

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/PlugIns/RichText/RichTextPlugIn.h"
+
+#include "BaseTextLibrary.h"
+#include "Writer/PlugIns/RichText/WRByteScanner.h"
+#include "Writer/PlugIns/RichText/WRControlWord.h"
+#include "Writer/PlugIns/RichText/WRParagraphStyle.h"
+#include "Writer/PlugIns/RichText/WRRichTextReader.h"
+#include "Writer/PlugIns/RichText/WRRichTextWriter.h"
+
+namespace pelvor {
+namespace {
+
+constexpr Library* kDependencies[] = {&baseTextLibrary};
+constexpr Class* kClasses[] = {&WRByteScanner::classRecord, &WRControlWord::classRecord,
+                               &WRParagraphStyle::classRecord, &WRRichTextReader::classRecord,
+                               &WRRichTextWriter::classRecord};
+
+}  // namespace
+
+constinit Library richTextPlugIn{"RichText", kDependencies, kClasses, {}};
+
+}  // namespace pelvor
+
+PELVOR_PLUGIN(pelvor::richTextPlugIn)
