@@ -121,8 +121,8 @@ Retained<NSDictionary> FormatAttributes::attributesOf(const CharacterFormat& cha
     if (const std::int32_t link = character[C::link])
         set(NSLinkAttributeName, NSString::of(_tables.links[link]));
     if (const std::int32_t picture = character[C::picture])
-        if (auto attachment = attachmentOfPicture(_tables.pictures[static_cast<std::size_t>(picture)]))
-            set(NSAttachmentAttributeName, attachment);
+        set(NSAttachmentAttributeName,
+            attachmentOfPicture(_tables.pictures[static_cast<std::size_t>(picture)]).get());
     if (_tables.tabInterval || !isUsual(paragraph))
         set(NSParagraphStyleAttributeName, styleOf(paragraph, _tables.tabInterval).get());
     if (const std::int32_t style = paragraph[A::style])
