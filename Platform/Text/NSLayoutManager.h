@@ -37,9 +37,10 @@ inline constexpr NSGlyph NSControlGlyph = 0x00FFFFFF;
 ///
 /// **Laziness.** Nothing is laid out before somebody asks for a place. An operation lays out what it needs:
 /// in a single endless container the paragraphs that it asks about, else all text up to there, since pages
-/// depend on the text before them. Operations that never lay out say so. An edit of the storage lays out
-/// again, when asked for, the paragraphs that it touched; what follows moves. A paragraph is kept in blocks
-/// of some thousand units, so that a long one is laid out again in part only.
+/// depend on the text before them. In the endless container, places below text that was not laid out yet are
+/// estimates, which become right as that text is laid out. Operations that never lay out say so. An edit of
+/// the storage lays out again, when asked for, the paragraphs that it touched; what follows moves. A
+/// paragraph is kept in blocks of some thousand units, so that a long one is laid out again in part only.
 ///
 /// Coordinates are a container's, in points, y downwards. Line fragments stand below each other without gaps:
 /// line and paragraph spacing belong to their heights. An index at or past the end raises NSRangeException.

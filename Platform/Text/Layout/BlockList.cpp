@@ -37,7 +37,7 @@ LongExtent BlockList::heightOf(const BlockSums& sums) const {
     if (_sums.measuredBlocks && _sums.lines) {
         lineHeight = static_cast<double>(_sums.height) / _sums.lines;
         const double fullLines = _sums.lines - 0.5 * _sums.measuredBlocks;
-        unitsInLine = std::max(1.0, static_cast<double>(_sums.measuredUnits) / std::max(fullLines, 0.5));
+        if (fullLines >= 2) unitsInLine = std::max(1.0, static_cast<double>(_sums.measuredUnits) / fullLines);
     }
     const double lines =
         static_cast<double>(sums.units - sums.measuredUnits) / unitsInLine + 0.5 * unmeasured;
