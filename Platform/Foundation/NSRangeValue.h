@@ -10,8 +10,8 @@ namespace pelvor {
 
 class NSMutableArray;
 
-/// The value that NSValue's creators return for a range. Lists hold many ranges, so that these values stand in
-/// rows of memory, and code that knows the class reads the range without a virtual call. Any thread.
+/// The value that NSValue's creators return for a range. Lists hold many ranges, so that these values stand
+/// in rows of memory, and code that knows the class reads the range without a virtual call. Any thread.
 class PELVOR_EXPORT NSRangeValue final : public NSValue {
     PELVOR_CLASS(NSRangeValue, NSValue);
 

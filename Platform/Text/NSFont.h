@@ -28,9 +28,9 @@ enum NSControlSize : int {
 
 /// A typeface at a size. Immutable and shared: equal fonts are one object.
 ///
-///     NSFont* font = NSFont::fontWithName_size(u"DejaVuSans-Bold"_ns, 12);   // null if there is no such
-///     font if (!font) font = NSFont::userFontOfSize(12);                          // never null float
-///     lineHeight = font->defaultLineHeightForFont();
+///     NSFont* font = NSFont::fontWithName_size(u"DejaVuSans-Bold"_ns, 12);  // null if there is no such font
+///     if (!font) font = NSFont::userFontOfSize(12);                         // never null
+///     float lineHeight = font->defaultLineHeightForFont();
 ///
 /// Fonts are found by the machine's font configuration. Lengths are in points and, where they belong to a
 /// font, measured upwards from the baseline. A size of 0, a negative one or NaN stands for 12 points, and

@@ -2,13 +2,12 @@
 // NSFontDescriptor: what a font is asked for by.
 #pragma once
 
-#include "Foundation/ObjectPrinting.h"
+#include "Foundation/NSDictionary.h"
 #include "Runtime/Class.h"
 
 namespace pelvor {
 
 class NSCoder;
-class NSDictionary;
 class NSString;
 
 // The keys of a descriptor's attributes, each with the class of its value.

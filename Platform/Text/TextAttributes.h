@@ -8,24 +8,29 @@ namespace pelvor {
 
 // Each key is named with the class of its value, and with what holds for text without it.
 
-extern PELVOR_EXPORT NSString* const NSFontAttributeName;            ///< NSFont; the user font at 12 points
-extern PELVOR_EXPORT NSString* const NSParagraphStyleAttributeName;  ///< NSParagraphStyle; the default style
-extern PELVOR_EXPORT NSString* const NSForegroundColorAttributeName; ///< NSColor; black
-extern PELVOR_EXPORT NSString* const NSBackgroundColorAttributeName; ///< NSColor; none is drawn
-extern PELVOR_EXPORT NSString* const NSUnderlineStyleAttributeName;  ///< NSNumber, an NSUnderlineStyle; none
-extern PELVOR_EXPORT NSString* const NSUnderlineColorAttributeName;  ///< NSColor; the text's colour
-extern PELVOR_EXPORT NSString* const NSStrikethroughStyleAttributeName;  ///< NSNumber, an NSUnderlineStyle; none
+extern PELVOR_EXPORT NSString* const NSFontAttributeName;             ///< NSFont; the user font at 12 points
+extern PELVOR_EXPORT NSString* const NSParagraphStyleAttributeName;   ///< NSParagraphStyle; the default style
+extern PELVOR_EXPORT NSString* const NSForegroundColorAttributeName;  ///< NSColor; black
+extern PELVOR_EXPORT NSString* const NSBackgroundColorAttributeName;  ///< NSColor; none is drawn
+extern PELVOR_EXPORT NSString* const NSUnderlineStyleAttributeName;   ///< NSNumber, an NSUnderlineStyle; none
+extern PELVOR_EXPORT NSString* const NSUnderlineColorAttributeName;   ///< NSColor; the text's colour
+extern PELVOR_EXPORT NSString* const
+    NSStrikethroughStyleAttributeName;  ///< NSNumber, an NSUnderlineStyle; none
 extern PELVOR_EXPORT NSString* const NSStrikethroughColorAttributeName;  ///< NSColor; the text's colour
-extern PELVOR_EXPORT NSString* const NSSuperscriptAttributeName;     ///< NSNumber: levels up, or down if negative; 0
+extern PELVOR_EXPORT NSString* const
+    NSSuperscriptAttributeName;  ///< NSNumber: levels up, or down if negative; 0
 extern PELVOR_EXPORT NSString* const NSBaselineOffsetAttributeName;  ///< NSNumber: points up; 0
 extern PELVOR_EXPORT NSString* const NSKernAttributeName;  ///< NSNumber: points added after each character; 0
-extern PELVOR_EXPORT NSString* const NSLigatureAttributeName;  ///< NSNumber: 0 none, 1 the usual ones, 2 all; 1
+extern PELVOR_EXPORT NSString* const
+    NSLigatureAttributeName;  ///< NSNumber: 0 none, 1 the usual ones, 2 all; 1
 extern PELVOR_EXPORT NSString* const NSObliquenessAttributeName;  ///< NSNumber: the slant as a tangent; 0
-extern PELVOR_EXPORT NSString* const NSExpansionAttributeName;    ///< NSNumber: logarithm of the width's factor; 0
-extern PELVOR_EXPORT NSString* const NSAttachmentAttributeName;  ///< NSTextAttachment, on NSAttachmentCharacter
+extern PELVOR_EXPORT NSString* const
+    NSExpansionAttributeName;  ///< NSNumber: logarithm of the width's factor; 0
+extern PELVOR_EXPORT NSString* const
+    NSAttachmentAttributeName;                                 ///< NSTextAttachment, on NSAttachmentCharacter
 extern PELVOR_EXPORT NSString* const NSLanguageAttributeName;  ///< NSString: a BCP 47 name, "en-GB"; unknown
-extern PELVOR_EXPORT NSString* const NSLinkAttributeName;        ///< NSString: an address; none
-extern PELVOR_EXPORT NSString* const NSToolTipAttributeName;     ///< NSString: a help text; none
+extern PELVOR_EXPORT NSString* const NSLinkAttributeName;      ///< NSString: an address; none
+extern PELVOR_EXPORT NSString* const NSToolTipAttributeName;   ///< NSString: a help text; none
 
 /// The character that an attachment stands on.
 inline constexpr unichar NSAttachmentCharacter = 0xFFFC;

@@ -53,8 +53,7 @@ TEST_F(PBLinkedListTest, RaisesPastTheEndAndChangesNothing) {
     EXPECT_EQ(RAISED(list->nodeAtIndex_prevNode(4, nullptr)), raised + "4) beyond bounds (3)");
     EXPECT_EQ(RAISED(list->removeObjectsInRange({2, 2})), raised + "3) to remove beyond bounds (3)");
     EXPECT_EQ(RAISED(list->removeObjectAtIndex(3)), raised + "3) to remove beyond bounds (3)");
-    EXPECT_EQ(RAISED(list->removeObjectsInRange({1, ~0u})),
-              raised + "-1) to remove beyond bounds (3)");
+    EXPECT_EQ(RAISED(list->removeObjectsInRange({1, ~0u})), raised + "-1) to remove beyond bounds (3)");
     PBLinkedListNode *last = list->nodeAtIndex_prevNode(2, nullptr), *previous = nullptr;
     EXPECT_EQ(list->nodeAtIndex_prevNode(3, &previous), nullptr);
     EXPECT_EQ(previous, last);

@@ -51,8 +51,9 @@ TEST_F(Language, IsOneObjectWithADirection) {
     EXPECT_TRUE(WRLanguage::languageWithIdentifier(u"ar"_ns)->isRightToLeft());
     EXPECT_FALSE(WRLanguage::languageWithIdentifier(u"en"_ns)->isRightToLeft());
     auto one = NSAttributedString::initWithString(u"one"_ns);
-    EXPECT_EQ(WRLanguage::languageWithIdentifier(u"en"_ns)->rangeWithGranularity_forString_range(1, one, {3, 1}),
-              (NSRange{3, 0}));
+    EXPECT_EQ(
+        WRLanguage::languageWithIdentifier(u"en"_ns)->rangeWithGranularity_forString_range(1, one, {3, 1}),
+        (NSRange{3, 0}));
 }
 
 TEST_F(Language, CountsUpToTheFirstParagraphEnd) {

@@ -69,10 +69,10 @@ PairTable::Class PairTable::learnClass(char16_t unit) {
     return learned;
 }
 
-bool PairTable::areAlone(const std::vector<PlainGlyph>& glyphs,
-                         std::initializer_list<Class> classes) const {
-    return std::equal(glyphs.begin(), glyphs.end(), classes.begin(), classes.end(),
-                      [this](PlainGlyph glyph, Class cls) { return glyph.glyph == _letters[cls]->alone.glyph; });
+bool PairTable::areAlone(const std::vector<PlainGlyph>& glyphs, std::initializer_list<Class> classes) const {
+    return std::equal(
+        glyphs.begin(), glyphs.end(), classes.begin(), classes.end(),
+        [this](PlainGlyph glyph, Class cls) { return glyph.glyph == _letters[cls]->alone.glyph; });
 }
 
 std::int16_t PairTable::learnPair(Class first, Class second) {
@@ -91,10 +91,9 @@ bool PairTable::isPlainTriple(Class first, Class second, Class third) {
     if (auto known = _triples.find(key); known != _triples.end()) return known->second;
     const char16_t text[] = {_letters[first]->unit, _letters[second]->unit, _letters[third]->unit};
     const auto glyphs = _shapePlainly({text, 3});
-    const bool isPlain = areAlone(glyphs, {first, second, third}) &&
-                         glyphs[0].advance == _letters[first]->before[second] &&
-                         glyphs[1].advance == learnPair(second, third) &&
-                         glyphs[2].advance == _letters[third]->alone.advance;
+    const bool isPlain =
+        areAlone(glyphs, {first, second, third}) && glyphs[0].advance == _letters[first]->before[second] &&
+        glyphs[1].advance == learnPair(second, third) && glyphs[2].advance == _letters[third]->alone.advance;
     return _triples.emplace(key, isPlain).first->second;
 }
 

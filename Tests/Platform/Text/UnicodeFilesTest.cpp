@@ -76,7 +76,8 @@ TEST_F(UnicodeFilesTest, LinesEndAtTheLastBreakThatFits) {
     for (const Sample& sample : all) {
         // ICU has a rule of its own for full stops before digits.
         const auto isStopAndDigit = [](char16_t a, char16_t b) { return a == '.' && b >= '0' && b <= '9'; };
-        if (std::adjacent_find(sample.text.begin(), sample.text.end(), isStopAndDigit) != sample.text.end()) continue;
+        if (std::adjacent_find(sample.text.begin(), sample.text.end(), isStopAndDigit) != sample.text.end())
+            continue;
         AutoreleasePool pool;
         LaidOutText text(NSString::of(sample.text), plain(), {{1.0e6F, 1.0e7F}});
         const std::vector<float> advances = widths(text);
