@@ -124,7 +124,11 @@ class MarkupBytes {
             else
                 this->unit(unit);
     }
-    void add(const MarkupBytes& other) { mark(other._bytes); }
+    void add(const MarkupBytes& other) {
+        if (_isAfterWord) mark("\n");  // which ends the word
+        _bytes += other._bytes;
+        _isAfterWord = other._isAfterWord;
+    }
     void reserve(std::size_t length) { _bytes.reserve(length); }
     std::string take() { return std::move(_bytes); }
 

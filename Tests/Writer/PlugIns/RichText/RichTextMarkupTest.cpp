@@ -160,6 +160,13 @@ TEST(RichTextMarkup, HasSettings) {
     EXPECT_TRUE(again.settings->isEqual(settings)) << again.settings.get();
 }
 
+TEST(RichTextMarkup, KeepsDigitsOfTheTextOutOfTheNumberBeforeThem) {
+    auto* settings = NSDictionary::of({{WRFooterPlaceKey, number(36)}});
+    const RichTextObjects again = readBack(markupOfRichText(plainText(u"1 a"_ns).get(), settings));
+    EXPECT_TRUE(again.settings->isEqual(settings)) << again.settings.get();
+    EXPECT_EQ(shown(again.text->string()), "1 a");
+}
+
 TEST(RichTextMarkup, EndsEveryParagraphTheSameWayAndNamesWhatItLeavesOut) {
     auto text = plainText(u"a\r\nb\rc\u2029d\r\n"_ns);
     text->addAttribute_value_range(NSToolTipAttributeName, u"x"_ns, {0, 2});  // cuts the first end
