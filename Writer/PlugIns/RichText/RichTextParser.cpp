@@ -99,13 +99,13 @@ void RichTextParser::closeGroup() {
         --_surplusDepth;
         return;
     }
-    if (_states.size() == 1) endTexts();
     const State inner = std::exchange(_state, std::move(_states.back()));
     _states.pop_back();
     _isFormatCurrent = false;
     _codePage = nullptr;
     if (inner.opensDestination) endDestination(inner);
     _isDone = _states.empty();
+    if (_isDone) endTexts(inner);
 }
 
 void RichTextParser::takeControl() {
@@ -335,10 +335,11 @@ void RichTextParser::finish() {
     _result.leftOut.assign(_leftOut.begin(), _leftOut.end());
 }
 
-// The last paragraphs, as the outermost group ends. Notes stand behind the body.
-void RichTextParser::endTexts() {
-    const ParagraphFormat& paragraph = isText() ? _state.paragraph : _usualParagraph;
-    const CharacterFormat& character = isText() ? _state.character : _usualCharacter;
+// The last paragraphs, when the outermost group has ended. Notes stand behind the body.
+void RichTextParser::endTexts(const State& outermost) {
+    const bool endsInText = outermost.destination == Destination::text;
+    const ParagraphFormat& paragraph = endsInText ? outermost.paragraph : _usualParagraph;
+    const CharacterFormat& character = endsInText ? outermost.character : _usualCharacter;
     RichTextBuilder& body = _result.body;
     if (_notes.length() > 0 && !body.endsWithLineFeed())
         body.unitsOfFormat(_result.characters.numberOf(character)).append(u'\n');

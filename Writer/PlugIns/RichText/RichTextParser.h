@@ -76,7 +76,7 @@ class RichTextParser {
     void takePlain();
     void takePlainText();
     void takePlainDigits();
-    void endTexts();
+    void endTexts(const State& outermost);
     void finish();
 
     // Text

@@ -153,6 +153,8 @@ TEST(RichTextReading, TellsWhereAFileIsBroken) {
         {"CutInANumber", "{\\rtf1 a\\'9", "a", RichTextProblem::badCharacter, 11},
         {"CutInAPicture", "{\\rtf1 {\\pict\\pngblip 89", "[picture(png 0x0 89)]\uFFFC",
          RichTextProblem::cutOff, 24},
+        {"CutInAPictureOfTheDocument", "{\\rtf1{\\qc a\\par}b\\pict\\pngblip 89",
+         "a\n{alignment=2}b[picture(png 0x0 89)]\uFFFC", RichTextProblem::cutOff, 34},
         {"CutInBytes", "{\\rtf1 a{\\*\\x\\bin99 b", "a", RichTextProblem::cutOff, 21},
         {"SurplusBrace", "{\\rtf1 a}}b", "a", RichTextProblem::trailingBytes, 9},
         {"NoCharacter", "{\\rtf1\\ansicpg932 a\\'81\\par}", "a\uFFFD\n", RichTextProblem::badCharacter, 24},
