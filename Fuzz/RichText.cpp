@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 // Reads any bytes as rich text. What is written of the text is read again without loss, and is equal.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
 
 #include "Foundation/NSMutableAttributedString.h"
+#include "Foundation/NSMutableDictionary.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Text/TextAttributes.h"
+#include "Writer/PlugInProtocol.h"
 #include "Writer/PlugIns/RichText/Pictures.h"
 #include "Writer/PlugIns/RichText/RichTextAnswer.h"
 #include "Writer/PlugIns/RichText/RichTextMarkup.h"
@@ -20,29 +23,59 @@ void require(bool holds, const char* what) {
     std::abort();
 }
 
-// The attributes without pictures, whose attachments are equal to themselves only, and the pictures.
-struct Content {
+// A text without its attachments, which are equal to themselves only, and their pictures.
+struct TextContent {
     Retained<NSMutableAttributedString> text;
     std::vector<PictureEntry> pictures;
-    Retained<NSDictionary> settings;
 
-    explicit Content(const RichTextObjects& objects)
-        : text(objects.text->mutableCopy()), settings(objects.settings) {
-        for (AttributeRun run : objects.text->runs()) {
+    explicit TextContent(NSAttributedString* whole) {
+        if (!whole) return;
+        text = whole->mutableCopy();
+        for (AttributeRun run : whole->runs()) {
             id attachment = run.attributes->objectForKey(NSAttachmentAttributeName);
             if (attachment)
                 require(getPicture(attachment, pictures.emplace_back()), "an attachment without a picture");
         }
         text->removeAttribute_range(NSAttachmentAttributeName, {0, text->length()});
     }
+    bool hasOtherEnds() const {
+        if (!text) return false;
+        const StringUnits units(text->string());
+        return units.view().find_first_of(u"\r\u2029") != std::u16string_view::npos;
+    }
+    bool operator==(const TextContent& other) const {
+        const auto isSame = [](const PictureEntry& one, const PictureEntry& another) {
+            return one.type == another.type && one.size == another.size && one.bytes == another.bytes;
+        };
+        return (text ? other.text && text->isEqualToAttributedString(other.text) : !other.text) &&
+               std::equal(pictures.begin(), pictures.end(), other.pictures.begin(), other.pictures.end(),
+                          isSame);
+    }
+};
+
+struct Content {
+    TextContent body, header, footer;
+    Retained<NSMutableDictionary> otherSettings;
+
+    explicit Content(const RichTextObjects& objects)
+        : body(objects.text),
+          header(part(objects, WRHeaderKey)),
+          footer(part(objects, WRFooterKey)),
+          otherSettings(NSMutableDictionary::init()) {
+        if (objects.settings) otherSettings->addEntriesFromDictionary(objects.settings);
+        otherSettings->removeObjectForKey(WRHeaderKey);
+        otherSettings->removeObjectForKey(WRFooterKey);
+    }
     bool operator==(const Content& other) const {
-        if (!text->isEqualToAttributedString(other.text) || pictures.size() != other.pictures.size())
-            return false;
-        for (std::size_t i = 0; i < pictures.size(); ++i)
-            if (pictures[i].type != other.pictures[i].type || !(pictures[i].size == other.pictures[i].size) ||
-                pictures[i].bytes != other.pictures[i].bytes)
-                return false;
-        return settings ? settings->isEqual(other.settings) : !other.settings;
+        return body == other.body && header == other.header && footer == other.footer &&
+               otherSettings->isEqual(other.otherSettings);
+    }
+    // Every paragraph end is written as a line feed.
+    bool hasOtherEnds() const {
+        return body.hasOtherEnds() || header.hasOtherEnds() || footer.hasOtherEnds();
+    }
+    static NSAttributedString* part(const RichTextObjects& objects, NSString* key) {
+        return objects.settings ? cast<NSAttributedString>(objects.settings->objectForKey(key)) : nullptr;
     }
 };
 
@@ -82,11 +115,8 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     checkRuns(read);
     const RichTextObjects first = objectsOf(read);
     const RichTextObjects second = readAgain(first);
-    // Every paragraph end becomes a line feed.
-    const StringUnits units(first.text->string());
-    const bool hasOtherEnds = units.view().find_first_of(u"\r\u2029") != std::u16string_view::npos;
-    if (!hasOtherEnds && !first.settings)
-        require(Content(first) == Content(second), "another text was read again");
+    const Content content(first);
+    if (!content.hasOtherEnds()) require(content == Content(second), "another text was read again");
     require(Content(second) == Content(readAgain(second)), "another text was read the second time");
     return 0;
 }
