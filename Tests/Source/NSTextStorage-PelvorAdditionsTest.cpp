@@ -23,11 +23,15 @@ PELVOR_DEFINE_CLASS(KeepingStyle, styleLibrary) {
     methods.instance<"isKeepWithNext", &KeepingStyle::isKeepWithNext>();
 }
 
+struct NSTextStorageAdditionsTest : ::testing::Test {
+    static void SetUpTestSuite() { registerLibrary(baseTextLibrary); }
+};
+
 Retained<NSTextStorage> storageOf(const std::string& text) {
     return NSTextStorage::initWithString(NSString::ofUTF8(text));
 }
 
-TEST(NSTextStorageAdditionsTest, ParagraphsAreThoseOfTheString) {
+TEST_F(NSTextStorageAdditionsTest, ParagraphsAreThoseOfTheString) {
     auto storage = storageOf("one\ntwo\r\nthree");
     NSUInteger start, end, contentsEnd;
     getParagraphStart_end_contentsEnd_forRange(storage, &start, &end, &contentsEnd, {5, 0});
@@ -38,7 +42,7 @@ TEST(NSTextStorageAdditionsTest, ParagraphsAreThoseOfTheString) {
     EXPECT_EQ(send<NSRange>(storage.get(), "paragraphRangeForRange:"_sel, NSRange{5, 0}), NSMakeRange(4, 5));
 }
 
-TEST(NSTextStorageAdditionsTest, TypedTextTakesTheAttributesBeforeIt) {
+TEST_F(NSTextStorageAdditionsTest, TypedTextTakesTheAttributesBeforeIt) {
     auto storage = storageOf("");
     EXPECT_EQ(typingAttributesAtIndex(storage, 0), nullptr);
     EXPECT_EQ(attributesForRange(storage, {0, 0}), nullptr);
@@ -52,7 +56,7 @@ TEST(NSTextStorageAdditionsTest, TypedTextTakesTheAttributesBeforeIt) {
               "en fr");
 }
 
-TEST(NSTextStorageAdditionsTest, SomeAttributesAreNotTypedOn) {
+TEST_F(NSTextStorageAdditionsTest, SomeAttributesAreNotTypedOn) {
     NSDictionary* plain = NSDictionary::of({{u"n"_ns, u"x"_ns}});
     EXPECT_EQ(PBPacifyTypingAttributes(plain), plain);
     EXPECT_EQ(PBPacifyTypingAttributes(nullptr), nullptr);
@@ -64,7 +68,7 @@ TEST(NSTextStorageAdditionsTest, SomeAttributesAreNotTypedOn) {
     EXPECT_EQ(all->count(), 8u);
 }
 
-TEST(NSTextStorageAdditionsTest, KeptParagraphsEndAtOthersAndAtPageBreaks) {
+TEST_F(NSTextStorageAdditionsTest, KeptParagraphsEndAtOthersAndAtPageBreaks) {
     auto keeping = make<KeepingStyle>(), alsoKeeping = make<KeepingStyle>(), loose = make<KeepingStyle>();
     loose->keeps = false;
     const struct {
@@ -100,7 +104,7 @@ void* unitAt(NSTextStorage* storage, NSUInteger index, NSRange* range) {
 }
 bool areSame(NSTextStorage*, void* first, void* second) { return first == second; }
 
-TEST(NSTextStorageAdditionsTest, ComputedValuesHaveStretches) {
+TEST_F(NSTextStorageAdditionsTest, ComputedValuesHaveStretches) {
     auto storage = storageOf("aaaabbbbb");
     const struct {
         NSUInteger index;
@@ -115,7 +119,7 @@ TEST(NSTextStorageAdditionsTest, ComputedValuesHaveStretches) {
     }
 }
 
-TEST(NSTextStorageAdditionsTest, NumbersSortBeforeText) {
+TEST_F(NSTextStorageAdditionsTest, NumbersSortBeforeText) {
     for (NSString* number : {u"12"_ns, u" 3.5\n"_ns, u"$-4"_ns, u"٣"_ns})
         EXPECT_TRUE(_PBIsNumericString(number));
     for (NSString* other : {u""_ns, u"$"_ns, u"1a"_ns, u"."_ns}) EXPECT_FALSE(_PBIsNumericString(other));
