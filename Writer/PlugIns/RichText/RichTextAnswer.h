@@ -3,11 +3,11 @@
 #pragma once
 
 #include "Foundation/NSAttributedString.h"
+#include "Foundation/NSDictionary.h"
 #include "Writer/PlugIns/RichText/RichTextReading.h"
 
 namespace pelvor {
 
-class NSDictionary;
 
 /// Objects of PlugInProtocol.h.
 struct RichTextObjects {
