@@ -146,4 +146,10 @@ bool TextDecoder::decode(std::string_view bytes, std::u16string& units) {
 
 bool TextDecoder::finish(std::u16string& units) { return _converter && _converter->decode({}, units, true); }
 
+bool TextDecoder::decode(std::string_view bytes, UnitBuffer& units) {
+    return _converter && _converter->decodeInto(units, bytes, false);
+}
+
+bool TextDecoder::finish(UnitBuffer& units) { return _converter && _converter->decodeInto(units, {}, true); }
+
 }  // namespace pelvor

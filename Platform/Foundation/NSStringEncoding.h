@@ -15,6 +15,7 @@
 namespace pelvor {
 
 class EncodingConverter;
+class UnitBuffer;
 
 /// The number of a text encoding. Encodings without a constant below are found by name:
 ///
@@ -112,6 +113,11 @@ class PELVOR_EXPORT TextDecoder {
     /// Ends the text, and appends to `units` what the decoder still holds. Returns false if the last piece
     /// ended in the middle of a character.
     bool finish(std::u16string& units);
+
+    // The same into the buffer of a long text, which is quicker.
+
+    bool decode(std::string_view bytes, UnitBuffer& units);
+    bool finish(UnitBuffer& units);
 
   private:
     std::unique_ptr<EncodingConverter> _converter;

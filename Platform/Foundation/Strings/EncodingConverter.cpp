@@ -10,12 +10,13 @@
 
 #include "Foundation/Strings/CanonicalText.h"
 #include "Foundation/Strings/EncodingList.h"
+#include "Foundation/UnitBuffer.h"
 #include "Shared/UTF8.h"
 
 namespace pelvor {
 
-bool EncodingConverter::decode(std::string_view bytes, std::u16string& units, bool isLast) {
-    std::string joined;
+std::string_view EncodingConverter::wholeCharacters(std::string_view bytes, bool isLast,
+                                                    std::string& joined) {
     if (!_cutCharacter.empty()) {
         joined = std::exchange(_cutCharacter, {}).append(bytes);
         bytes = joined;
@@ -25,7 +26,19 @@ bool EncodingConverter::decode(std::string_view bytes, std::u16string& units, bo
         _cutCharacter = bytes.substr(whole);
         bytes = bytes.substr(0, whole);
     }
-    return decodeWhole(bytes, units);
+    return bytes;
+}
+
+bool EncodingConverter::decode(std::string_view bytes, std::u16string& units, bool isLast) {
+    std::string joined;
+    return decodeWhole(wholeCharacters(bytes, isLast, joined), units);
+}
+
+bool EncodingConverter::decodeInto(UnitBuffer& units, std::string_view bytes, bool isLast) {
+    std::u16string text;
+    if (!decode(bytes, text, isLast)) return false;
+    units.append(text);
+    return true;
 }
 
 namespace {
@@ -34,6 +47,13 @@ using Units = std::u16string_view;
 using Bytes = std::string_view;
 
 class UTF8Converter final : public EncodingConverter {
+    bool decodeInto(UnitBuffer& units, Bytes bytes, bool isLast) override {
+        std::string joined;
+        bytes = wholeCharacters(bytes, isLast, joined);
+        const DecodedUTF8 decoded = decodeUTF8(bytes, {units.room(bytes.size()), bytes.size()});
+        units.take(decoded.unitCount);
+        return decoded.isValid;
+    }
     bool decodeWhole(Bytes bytes, std::u16string& units) override {
         const std::size_t start = units.size();
         units.resize(start + unitCountOfUTF8(bytes));

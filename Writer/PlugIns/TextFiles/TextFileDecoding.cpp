@@ -111,21 +111,20 @@ class TextFilePass {
         return false;
     }
     bool decodePiece(std::string_view bytes) {
-        _piece.clear();
-        return _decoder.decode(bytes, _piece) && takePiece(bytes);
+        const std::size_t start = _text.view().size();
+        return _decoder.decode(bytes, _text) && isText(bytes, start);
     }
     bool finish() {
-        _piece.clear();
-        return _decoder.finish(_piece) && takePiece({});
+        const std::size_t start = _text.view().size();
+        return _decoder.finish(_text) && isText({}, start);
     }
     // Text has no zeros.
-    bool takePiece(std::string_view bytes) {
-        const bool isFirst = _text.view().empty();
-        _text.append(_piece);
+    bool isText(std::string_view bytes, std::size_t start) const {
         if (_trust == Trust::named) return true;
+        const std::u16string_view units = _text.view().substr(start);
         const bool hasZero =
-            isWide(_encoding) ? _piece.find(u'\0') != _piece.npos : bytes.find('\0') != bytes.npos;
-        return !hasZero && (!isFirst || looksLikeText(_piece));
+            isWide(_encoding) ? units.find(u'\0') != units.npos : bytes.find('\0') != bytes.npos;
+        return !hasZero && (start > 0 || looksLikeText(units));
     }
 
     const TextFileSource& _source;
@@ -133,7 +132,6 @@ class TextFilePass {
     NSStringEncoding _encoding;
     Trust _trust;
     TextDecoder _decoder;
-    std::u16string _piece;
     UnitBuffer _text{0};
     std::uint64_t _start = 0;
     std::uint64_t _byteCount = 0;
