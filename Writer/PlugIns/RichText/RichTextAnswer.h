@@ -8,7 +8,6 @@
 
 namespace pelvor {
 
-
 /// Objects of PlugInProtocol.h.
 struct RichTextObjects {
     Retained<NSString> string;  // of the text, in one piece
