@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/FoundationLibrary.h"
 
-#include "Foundation/AttributedText/NSAttributedText.h"
+#include "Foundation/AttributedStrings/NSAttributedText.h"
 #include "Foundation/Collections/CollectionEnumerators.h"
 #include "Foundation/Collections/ConcreteArrays.h"
 #include "Foundation/Collections/ConcreteDictionaries.h"

@@ -3,7 +3,7 @@
 
 #include <unordered_map>
 
-#include "Foundation/AttributedText/NSAttributedText.h"
+#include "Foundation/AttributedStrings/NSAttributedText.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSCoder.h"
 #include "Foundation/NSMutableArray.h"

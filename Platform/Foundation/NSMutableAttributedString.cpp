@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSMutableAttributedString.h"
 
-#include "Foundation/AttributedText/NSAttributedText.h"
+#include "Foundation/AttributedStrings/NSAttributedText.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Shared/ArgumentChecks.h"
 

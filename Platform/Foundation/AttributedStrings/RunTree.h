@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
-#include "Foundation/AttributedText/NSAttributeDictionary.h"
-#include "Foundation/AttributedText/PieceTree.h"
+#include "Foundation/AttributedStrings/NSAttributeDictionary.h"
+#include "Foundation/AttributedStrings/PieceTree.h"
 
 namespace pelvor {
 

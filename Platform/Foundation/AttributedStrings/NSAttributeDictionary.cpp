@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Foundation/AttributedText/NSAttributeDictionary.h"
+#include "Foundation/AttributedStrings/NSAttributeDictionary.h"
 
 #include <mutex>
 #include <unordered_map>

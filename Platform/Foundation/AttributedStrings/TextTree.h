@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-#include "Foundation/AttributedText/PieceTree.h"
+#include "Foundation/AttributedStrings/PieceTree.h"
 
 namespace pelvor {
 

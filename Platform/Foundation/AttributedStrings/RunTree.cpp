@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Foundation/AttributedText/RunTree.h"
+#include "Foundation/AttributedStrings/RunTree.h"
 
 #include <cstring>
 #include <new>

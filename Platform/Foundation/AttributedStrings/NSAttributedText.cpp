@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Foundation/AttributedText/NSAttributedText.h"
+#include "Foundation/AttributedStrings/NSAttributedText.h"
 
 #include "Foundation/FoundationLibrary.h"
 #include "Shared/ArgumentChecks.h"

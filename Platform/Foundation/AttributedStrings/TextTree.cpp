@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Foundation/AttributedText/TextTree.h"
+#include "Foundation/AttributedStrings/TextTree.h"
 
 #include <cstring>
 #include <new>

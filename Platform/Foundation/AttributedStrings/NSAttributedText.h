@@ -2,8 +2,8 @@
 // NSAttributedText: what an attributed string consists of; for Foundation's own sources.
 #pragma once
 
-#include "Foundation/AttributedText/RunTree.h"
-#include "Foundation/AttributedText/TextTree.h"
+#include "Foundation/AttributedStrings/RunTree.h"
+#include "Foundation/AttributedStrings/TextTree.h"
 #include "Foundation/NSMutableAttributedString.h"
 #include "Foundation/NSMutableString.h"
 
