@@ -37,6 +37,17 @@ namespace pelvor {
 //         Returns WREncodingKey and WRByteCountKey, and perhaps WRMessageKey with what the user should know;
 //         or WRErrorKey and WRMessageKey, and then the file at the path is what it was before.
 //
+// Page setters (WRProfilePageSetterType)
+//
+//     NSDictionary* writePagesOfText:(NSString*) format:(NSString*) toPath:(NSString*)
+//     options:(NSDictionary*)
+//         The format is one that the profile lists under PBProfileFormatsKey: "pdf", "png".
+//         Options: WRTitleKey, a name for documents without a title; WRRichTextKey and WRDocumentSettingsKey,
+//         if the document has them; WRStyleSheetKey, WRPaperKey, WRMarginKey and WRResolutionKey, if the user
+//         named these.
+//         Returns WRPageCountKey, WRPathsKey and WRByteCountKey, and perhaps WRMessageKey; or WRErrorKey and
+//         WRMessageKey.
+//
 // Document services (PBProfileDocumentServiceType)
 //
 //     NSDictionary* examineDocument:(id)
@@ -90,6 +101,19 @@ inline constexpr NSString* WRErrorKey = u"error"_ns;
 /// A string: what went wrong, as a sentence in the user's language.
 inline constexpr NSString* WRMessageKey = u"message"_ns;
 
+/// A string: the path of a style sheet.
+inline constexpr NSString* WRStyleSheetKey = u"style sheet"_ns;
+/// A string: the size of the paper, "a4".
+inline constexpr NSString* WRPaperKey = u"paper"_ns;
+/// A number: the width of all four margins, in points.
+inline constexpr NSString* WRMarginKey = u"margin"_ns;
+/// A number: the pixels an inch of images.
+inline constexpr NSString* WRResolutionKey = u"resolution"_ns;
+/// A number: how many pages there are.
+inline constexpr NSString* WRPageCountKey = u"page count"_ns;
+/// An array of strings: the paths of the files that were written.
+inline constexpr NSString* WRPathsKey = u"paths"_ns;
+
 // Values of WRErrorKey
 
 /// The reader cannot do anything with such a document; another one may.
@@ -98,6 +122,8 @@ inline constexpr NSString* WRErrorRefused = u"refused"_ns;
 inline constexpr NSString* WRErrorFile = u"file"_ns;
 /// The encoding is not known, or the document does not agree with it.
 inline constexpr NSString* WRErrorEncoding = u"encoding"_ns;
+/// The style sheet could not be read.
+inline constexpr NSString* WRErrorStyleSheet = u"style sheet"_ns;
 /// The plug-in threw; Writer itself makes this answer.
 inline constexpr NSString* WRErrorPlugIn = u"plug-in"_ns;
 
@@ -114,7 +140,7 @@ inline constexpr NSString* WRBottomMarginKey = u"bottom margin"_ns;
 inline constexpr NSString* WRHeaderPlaceKey = u"header place"_ns;
 /// From the lower edge of the page to the footer.
 inline constexpr NSString* WRFooterPlaceKey = u"footer place"_ns;
-// Attributed strings, in which the two characters below stand for numbers.
+// Attributed strings, in which the characters below stand for something.
 inline constexpr NSString* WRHeaderKey = u"header"_ns;
 inline constexpr NSString* WRFooterKey = u"footer"_ns;
 // Strings.
@@ -124,9 +150,15 @@ inline constexpr NSString* WRSubjectKey = u"subject"_ns;
 inline constexpr NSString* WRKeywordsKey = u"keywords"_ns;
 inline constexpr NSString* WRCommentKey = u"comment"_ns;
 
-/// In headers and footers: the number of the page, and the number of pages.
+/// In headers and footers: the number of the page, the number of pages, and the title.
 inline constexpr unichar WRPageNumberCharacter = 0xE010;
 inline constexpr unichar WRPageCountCharacter = 0xE011;
+inline constexpr unichar WRTitleCharacter = 0xE012;
+
+// Profiles
+
+/// A value of PBProfileTypeKey.
+inline constexpr NSString* WRProfilePageSetterType = u"page setter"_ns;
 
 // Profiles of readers and writers
 

@@ -27,6 +27,7 @@
 #include "Writer/DocumentCommands.h"
 #include "Writer/DocumentReport.h"
 #include "Writer/InputText.h"
+#include "Writer/PageOutput.h"
 #include "Writer/PlugInObjects.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
@@ -127,6 +128,7 @@ int WRApplication::run() {
         examineDocument();
         runMainLoop();
         saveDocument();
+        setPages();
     }
     markMoment("end");
     if (_arguments->hasOption(u"--timing"_ns)) print(NSString::ofUTF8(_timing));
@@ -229,6 +231,16 @@ void WRApplication::saveDocument() {
     reportWriting(_report, _document, path, saver, answer);
     print(_report->takeText());
     markMoment("saved");
+}
+
+void WRApplication::setPages() {
+    for (NSString* format : {u"pdf"_ns, u"png"_ns}) {
+        AutoreleasePool pool;
+        if (NSString* problem = writePages(_document, format, _arguments, registry(), _report))
+            complain(problem);
+        print(_report->takeText());
+    }
+    if (_arguments->hasOption(u"--pdf"_ns) || _arguments->hasOption(u"--png"_ns)) markMoment("pages");
 }
 
 // MARK: The main loop

@@ -65,6 +65,7 @@ class WRApplication : public NSObject {
     void applyEdit(NSString* line);
     void showPosition(NSString* text);
     void saveDocument();
+    void setPages();
     void saveOnRequest();
 
     void reportStart(NSArray* bundles);

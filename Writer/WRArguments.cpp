@@ -19,7 +19,7 @@ struct ProgramOption {
     NSString* name;
     NSString* placeholder;
     NSString* explanation;
-    NSString* needed = nullptr;   // the option without which it means nothing
+    NSString* needed = nullptr;   // the options without all of which it means nothing
     NSString* choices = nullptr;  // what a choice is among
     NSUInteger least = 0;         // what a number is at least
 };
@@ -73,6 +73,36 @@ constexpr ProgramOption kOptions[] = {
      .placeholder = u"NAME"_ns,
      .explanation = u"_the encoding to write in, by default the document's own"_ns,
      .needed = u"--save-as"_ns},
+    {.kind = OptionKind::text,
+     .name = u"--pdf"_ns,
+     .placeholder = u"FILE"_ns,
+     .explanation = u"_sets the document in pages of a PDF document"_ns},
+    {.kind = OptionKind::text,
+     .name = u"--png"_ns,
+     .placeholder = u"FILE"_ns,
+     .explanation = u"_sets the document in pages, each an image; of several, the files get numbers"_ns},
+    {.kind = OptionKind::text,
+     .name = u"--style-sheet"_ns,
+     .placeholder = u"FILE"_ns,
+     .explanation = u"_the styles and settings of the pages"_ns,
+     .needed = u"--pdf, --png"_ns},
+    {.kind = OptionKind::choice,
+     .name = u"--paper"_ns,
+     .placeholder = u"SIZE"_ns,
+     .explanation = u"_the paper of the pages: a3, a4, a5, legal, letter"_ns,
+     .needed = u"--pdf, --png"_ns,
+     .choices = u"a3, a4, a5, legal, letter"_ns},
+    {.kind = OptionKind::number,
+     .name = u"--margin"_ns,
+     .placeholder = u"POINTS"_ns,
+     .explanation = u"_the width of the pages' margins"_ns,
+     .needed = u"--pdf, --png"_ns},
+    {.kind = OptionKind::number,
+     .name = u"--resolution"_ns,
+     .placeholder = u"PIXELS"_ns,
+     .explanation = u"_the pixels an inch of images, 96 by default"_ns,
+     .needed = u"--png"_ns,
+     .least = 1},
     {.kind = OptionKind::flag,
      .name = u"--stay"_ns,
      .placeholder = u""_ns,
@@ -186,8 +216,13 @@ void WRArguments::addValue(NSString* name, NSString* value) {
 }
 
 void WRArguments::checkTogether() {
+    const auto hasNeeded = [&](const ProgramOption& option) {
+        for (id name : option.needed->componentsSeparatedByString(u", "_ns))
+            if (hasOption(static_cast<NSString*>(name))) return true;
+        return false;
+    };
     for (const ProgramOption& option : kOptions)
-        if (option.needed && hasOption(option.name) && !hasOption(option.needed))
+        if (option.needed && hasOption(option.name) && !hasNeeded(option))
             _problem.set(localizedFormat(u"_The argument \"%@\" needs another: \"%@\"."_ns, option.name,
                                          option.needed));
 }

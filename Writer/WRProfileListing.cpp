@@ -6,6 +6,7 @@
 #include "PBProfileKeys.h"
 #include "PBProfileSet.h"
 #include "Writer/LocalizedText.h"
+#include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
 #include "Writer/WRReport.h"
 #include "Writer/WriterLibrary.h"
@@ -22,6 +23,7 @@ struct Kind {
 constexpr Kind kKinds[] = {
     {PBProfileDocumentReaderType, u"_Document readers"_ns},
     {PBProfileDocumentWriterType, u"_Document writers"_ns},
+    {WRProfilePageSetterType, u"_Page setters"_ns},
     {PBProfileDocumentType, u"_Documents"_ns},
     {PBProfileDocumentServiceType, u"_Document services"_ns},
     {PBProfileDocumentViewType, u"_Document views"_ns},

@@ -200,7 +200,9 @@ void NSLayoutManager::textStorage_edited_range_changeInLength_invalidatedRange(
     _state->attributesChanged(invalidatedRange);
 }
 
-void NSLayoutManager::textContainerChangedGeometry(NSTextContainer*) { _state->containersChanged(); }
+void NSLayoutManager::textContainerChangedGeometry(NSTextContainer* container) {
+    _state->containersChanged(_state->indexOf(container));
+}
 
 void NSLayoutManager::textContainerChangedTextView(NSTextContainer*) {}
 

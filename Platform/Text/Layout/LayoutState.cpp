@@ -183,16 +183,20 @@ void LayoutState::placeAgainFrom(NSUInteger unit) {
     if (_isScanned) retreat(_blocks.placeOfUnit(unit).unit);
 }
 
-void LayoutState::containersChanged() {
+void LayoutState::containersChanged(std::size_t first) {
     if (!_isScanned) return;
     const bool wasUniform = std::exchange(_isUniform, isUniform());
     const LineRoom room = containers.empty() ? LineRoom{} : roomOf(containers.front());
     if (!(wasUniform && _isUniform && room == _room)) {
         forgetGlyphs(nullptr);
         _blocks.forgetAllLines();
+        first = 0;
     }
     _room = room;
-    retreat(0);
+    if (first < _fillings.size())
+        retreat(_fillings[first].start);
+    else if (first == 0 || _frontier.isExhausted)
+        retreat(0);
     _frontier.isTold = false;
 }
 

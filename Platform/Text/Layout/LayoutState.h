@@ -34,8 +34,9 @@ class LayoutState {
     void attributesChanged(NSRange range);
     /// The lines from the unit on have to be placed anew, and broken anew where their rooms may differ.
     void placeAgainFrom(NSUInteger unit);
-    /// Containers came, went or changed. Whether lines have to be broken anew is found out here.
-    void containersChanged();
+    /// Containers came, went or changed, none before the one at the index. Whether lines have to be broken
+    /// anew is found out here.
+    void containersChanged(std::size_t first = 0);
     /// A container came behind the others.
     void containerAppended();
     void forgetEverything();

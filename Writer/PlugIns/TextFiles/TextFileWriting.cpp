@@ -48,12 +48,17 @@ NSString* messageFor(NSString* path, int reason) {
 
 }  // namespace
 
+NSDictionary* writeFile(NSData* data, NSString* path) {
+    errno = 0;
+    if (data->writeToFile_atomically(path, true)) return nullptr;
+    return errorAnswer(WRErrorFile, messageFor(path, errno));
+}
+
 NSDictionary* writeTextFile(const std::string& bytes, NSString* encodingName, NSString* path) {
     if (bytes.size() >= NSNotFound) return errorAnswer(WRErrorFile, messageFor(path, EFBIG));
     const auto length = static_cast<NSUInteger>(bytes.size());
-    NSData* data = NSData::dataWithBytes_length(bytes.data(), length);
-    errno = 0;
-    if (!data->writeToFile_atomically(path, true)) return errorAnswer(WRErrorFile, messageFor(path, errno));
+    if (NSDictionary* failure = writeFile(NSData::dataWithBytes_length(bytes.data(), length), path))
+        return failure;
     return NSDictionary::of(
         {{WREncodingKey, encodingName}, {WRByteCountKey, NSNumber::numberWithUnsignedInt(length)}});
 }

@@ -8,11 +8,15 @@
 
 namespace pelvor {
 
+class NSData;
 class NSDictionary;
 class NSString;
 
-/// Writes a file with these bytes at the path, as a whole or not at all. Returns the answer of a writer; if
-/// the file could not be written, the answer is an error whose message tells the reason. Borrowed.
+/// Writes a file with these bytes at the path, as a whole or not at all. Returns null, or an answer whose
+/// message tells why the file could not be written. Borrowed.
+NSDictionary* writeFile(NSData* data, NSString* path);
+
+/// Writes a file like the operation above. Returns the answer of a writer, borrowed.
 NSDictionary* writeTextFile(const std::string& bytes, NSString* encodingName, NSString* path);
 
 }  // namespace pelvor

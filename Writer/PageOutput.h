@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+// Has documents set in pages.
+#pragma once
+
+#include "Runtime/Object.h"
+
+namespace pelvor {
+
+class NSString;
+class PBProfileSet;
+class WRArguments;
+class WRDocument;
+class WRReport;
+
+/// If the arguments request pages in the format, "pdf" or "png", has a page setter of the profiles write them
+/// and reports what was written. Returns null, or what went wrong, as a sentence for the user; borrowed.
+NSString* writePages(WRDocument* document, NSString* format, WRArguments* arguments, PBProfileSet* profiles,
+                     WRReport* report);
+
+}  // namespace pelvor

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/PlugIns/Pages/PageDocument.h"
+
+#include <algorithm>
+
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableAttributedString.h"
+#include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSNumber.h"
+#include "Foundation/NSString.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Text/NSMutableParagraphStyle.h"
+#include "Text/NSTextAttachment.h"
+#include "Text/NSTextTab.h"
+#include "Text/TextAttributes.h"
+#include "Writer/PlugInProtocol.h"
+#include "Writer/PlugIns/Pages/WRPageLayoutManager.h"
+#include "Writer/PlugIns/Pages/WRPictureCell.h"
+
+namespace pelvor {
+namespace {
+
+constexpr float kLeastRoom = 1;  // points, both ways
+
+Retained<NSAttributedString> textIn(NSDictionary* settings, NSString* key) {
+    auto* text = cast<NSAttributedString>(settings->objectForKey(key));
+    return Retained<NSAttributedString>::retaining(text && text->length() ? text : nullptr);
+}
+
+// A line end behind the last paragraph would be one more line.
+void dropLastLineEnd(NSMutableAttributedString* text) {
+    const NSUInteger length = text->length();
+    if (length && text->string()->characterAtIndex(length - 1) == u'\n')
+        text->deleteCharactersInRange({length - 1, 1});
+}
+
+void put(NSMutableAttributedString* text, unichar sign, id value) {
+    NSString* shown = value ? value->description() : u""_ns;
+    for (NSUInteger i = text->length(); i-- > 0;)
+        if (text->string()->characterAtIndex(i) == sign)
+            text->replaceCharactersInRange_withString({i, 1}, shown);
+}
+
+// In headers and footers without tab stops of their own a tab leads to the middle, and another to the end.
+void addTabs(NSMutableAttributedString* text, float width) {
+    if (!text->length()) return;
+    auto* own = cast<NSParagraphStyle>(
+        text->attribute_atIndex_effectiveRange(NSParagraphStyleAttributeName, 0, nullptr));
+    if (own && own->tabStops()->count()) return;
+    auto style = (own ? own : NSParagraphStyle::defaultParagraphStyle())->mutableCopy();
+    style->addTabStop(NSTextTab::initWithType_location(NSCenterTabStopType, width / 2).get());
+    // A stop at the very end would be none.
+    style->addTabStop(NSTextTab::initWithType_location(NSRightTabStopType, width - 0.5F).get());
+    text->addAttribute_value_range(NSParagraphStyleAttributeName, style->copy().get(), {0, text->length()});
+}
+
+}  // namespace
+
+PageFrame PageFrame::of(NSDictionary* settings) {
+    const auto length = [settings](NSString* key) {
+        auto* number = cast<NSNumber>(settings->objectForKey(key));
+        return number ? number->floatValue() : 0;
+    };
+    return {{length(WRPageWidthKey), length(WRPageHeightKey)},
+            length(WRLeftMarginKey),
+            length(WRRightMarginKey),
+            length(WRTopMarginKey),
+            length(WRBottomMarginKey),
+            length(WRHeaderPlaceKey),
+            length(WRFooterPlaceKey)};
+}
+
+PageDocument::PageDocument(NSAttributedString* text, NSDictionary* settings)
+    : _frame(PageFrame::of(settings)),
+      _header(textIn(settings, WRHeaderKey)),
+      _footer(textIn(settings, WRFooterKey)),
+      _title(Retained<Object>::retaining(settings->objectForKey(WRTitleKey))),
+      _cells(NSMutableArray::init()) {
+    if (!hasRoom()) return;
+    const auto ignore = [](NSLayoutManager*, float) {};
+    if (_header) _frame.top = std::max(_frame.top, _frame.headerPlace + setLine(_header, 0, ignore));
+    if (_footer) _frame.bottom = std::max(_frame.bottom, _frame.footerPlace + setLine(_footer, 0, ignore));
+    if (!hasRoom()) return;
+    _storage = storageOf(text);
+    _layoutManager = WRPageLayoutManager::init();
+    _storage->addLayoutManager(_layoutManager);
+    _pages = Pagination(_storage, _layoutManager, {_frame.width(), _frame.height()}).pages();
+}
+
+bool PageDocument::hasRoom() const { return _frame.width() >= kLeastRoom && _frame.height() >= kLeastRoom; }
+
+// Pictures get cells that draw; the document's own attachments stay as they are.
+Retained<NSTextStorage> PageDocument::storageOf(NSAttributedString* text) {
+    auto storage = NSTextStorage::initWithAttributedString(text);
+    storage->beginEditing();
+    NSRange run;
+    for (NSUInteger place = 0; place < storage->length(); place = NSMaxRange(run)) {
+        auto* own = cast<NSTextAttachment>(
+            storage->attribute_atIndex_effectiveRange(NSAttachmentAttributeName, place, &run));
+        if (!own) continue;
+        auto shown = NSTextAttachment::initWithData_ofType(own->contents(), own->fileType());
+        shown->setBounds(own->bounds());
+        auto cell = WRPictureCell::init();
+        shown->setAttachmentCell(cell);
+        _cells->addObject(cell);
+        storage->addAttribute_value_range(NSAttachmentAttributeName, shown, run);
+    }
+    storage->endEditing();
+    return storage;
+}
+
+template <class Function>
+float PageDocument::setLine(NSAttributedString* line, NSUInteger page, Function function) {
+    AutoreleasePool pool;
+    auto storage = storageOf(line);
+    put(storage, WRPageNumberCharacter, NSNumber::numberWithUnsignedInt(page + 1));
+    put(storage, WRPageCountCharacter, NSNumber::numberWithUnsignedInt(pageCount()));
+    put(storage, WRTitleCharacter, _title);
+    dropLastLineEnd(storage);
+    addTabs(storage, _frame.width());
+    auto layoutManager = WRPageLayoutManager::init();
+    storage->addLayoutManager(layoutManager);
+    auto container = NSTextContainer::initWithContainerSize({_frame.width(), 1e7F});
+    container->setLineFragmentPadding(0);
+    layoutManager->addTextContainer(container);
+    layoutManager->ensureLayoutForTextContainer(container);
+    const float height = layoutManager->usedRectForTextContainer(container).size.height;
+    function(layoutManager.get(), height);
+    return height;
+}
+
+void PageDocument::drawLine(NSAttributedString* line, NSUInteger page, bool isHeader) {
+    if (!line) return;
+    setLine(line, page, [&](NSLayoutManager* layoutManager, float height) {
+        const NSPoint origin{
+            _frame.left, isHeader ? _frame.headerPlace : _frame.paper.height - _frame.footerPlace - height};
+        const NSRange all{0, layoutManager->numberOfGlyphs()};
+        layoutManager->drawBackgroundForGlyphRange_atPoint(all, origin);
+        layoutManager->drawGlyphsForGlyphRange_atPoint(all, origin);
+    });
+}
+
+void PageDocument::drawPage(NSUInteger index) {
+    AutoreleasePool pool;
+    drawLine(_header, index, true);
+    const NSRange range = _pages[index].range;
+    _layoutManager->drawBackgroundForGlyphRange_atPoint(range, {_frame.left, _frame.top});
+    _layoutManager->drawGlyphsForGlyphRange_atPoint(range, {_frame.left, _frame.top});
+    drawLine(_footer, index, false);
+}
+
+NSArray* PageDocument::problems() {
+    auto* problems = NSMutableArray::array();
+    for (id cell : _cells.get())
+        if (NSString* problem = static_cast<WRPictureCell*>(cell)->problem())
+            if (!problems->containsObject(problem)) problems->addObject(problem);
+    return problems;
+}
+
+}  // namespace pelvor

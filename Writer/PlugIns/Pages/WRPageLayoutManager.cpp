@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/PlugIns/Pages/WRPageLayoutManager.h"
+
+#include "Foundation/NSString.h"
+#include "NSAttributedString-PelvorAdditions.h"
+#include "Runtime/Message.h"
+#include "Writer/PlugIns/Pages/PagesPlugIn.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(WRPageLayoutManager, pagesPlugIn) {
+    methods.instance<"languageForAttributes:", &WRPageLayoutManager::languageForAttributes>();
+}
+
+NSString* WRPageLayoutManager::languageForAttributes(NSDictionary* attributes) {
+    if (NSString* name = NSLayoutManager::languageForAttributes(attributes)) return name;
+    id language = PBEffectiveLanguageForAttributes(attributes);
+    const SEL identifier = "identifier"_sel;
+    return language && language->respondsToSelector(identifier) ? send<NSString*>(language, identifier)
+                                                                : nullptr;
+}
+
+}  // namespace pelvor

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/PlugIns/Pages/WRPageSetter.h"
+
+#include "Foundation/NSBundle.h"
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSNumber.h"
+#include "PBUtil.h"
+#include "Writer/PlugInProtocol.h"
+#include "Writer/PlugIns/Pages/PageDocument.h"
+#include "Writer/PlugIns/Pages/PageFiles.h"
+#include "Writer/PlugIns/Pages/PagesPlugIn.h"
+#include "Writer/PlugIns/Pages/StyleSheet.h"
+#include "Writer/PlugIns/TextFiles/TextFileReading.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(WRPageSetter, pagesPlugIn) {
+    methods.instance<"writePagesOfText:format:toPath:options:",
+                     &WRPageSetter::writePagesOfText_format_toPath_options>();
+}
+
+namespace {
+
+// How a document is to be set: the user's wishes, the document's, and what holds without them.
+struct PageWishes {
+    std::optional<StyleSheet> defaults, sheet;
+    NSString* problem = nullptr;  // why there are none
+};
+
+PageWishes wishesOf(NSDictionary* options) {
+    PageWishes wishes;
+    NSBundle* bundle = NSBundle::bundleForClass(WRPageSetter::classObject());
+    NSString* path = bundle->pathForResource_ofType(u"Default"_ns, u"plist"_ns);
+    wishes.defaults = StyleSheet::read(path ? path : u"Default.plist"_ns, &wishes.problem);
+    if (NSString* named = stringEntry(options, WRStyleSheetKey); named && !wishes.problem)
+        wishes.sheet = StyleSheet::read(named, &wishes.problem);
+    return wishes;
+}
+
+void setMargins(NSMutableDictionary* settings, NSNumber* margin) {
+    for (NSString* key : {WRLeftMarginKey, WRRightMarginKey, WRTopMarginKey, WRBottomMarginKey})
+        settings->setObject_forKey(margin, key);
+}
+
+NSDictionary* settingsFor(const PageWishes& wishes, NSDictionary* options) {
+    auto* settings = NSMutableDictionary::dictionaryWithDictionary(wishes.defaults->settings());
+    if (NSString* name = stringEntry(options, WRTitleKey)) settings->setObject_forKey(name, WRTitleKey);
+    if (auto* own = cast<NSDictionary>(options->objectForKey(WRDocumentSettingsKey))) {
+        settings->removeObjectForKey(WRHeaderKey);
+        settings->removeObjectForKey(WRFooterKey);
+        settings->addEntriesFromDictionary(own);
+    }
+    if (wishes.sheet) settings->addEntriesFromDictionary(wishes.sheet->settings());
+    if (NSString* paper = stringEntry(options, WRPaperKey)) {
+        const NSSize size = StyleSheet::paperSizeNamed(paper);
+        settings->setObject_forKey(NSNumber::numberWithFloat(size.width), WRPageWidthKey);
+        settings->setObject_forKey(NSNumber::numberWithFloat(size.height), WRPageHeightKey);
+    }
+    if (auto* margin = cast<NSNumber>(options->objectForKey(WRMarginKey))) setMargins(settings, margin);
+    return settings;
+}
+
+}  // namespace
+
+NSDictionary* WRPageSetter::writePagesOfText_format_toPath_options(NSString* text, NSString* format,
+                                                                   NSString* path, NSDictionary* options) {
+    const PageWishes wishes = wishesOf(options);
+    if (wishes.problem) return errorAnswer(WRErrorStyleSheet, wishes.problem);
+    auto rich = Retained<NSAttributedString>::retaining(
+        cast<NSAttributedString>(options->objectForKey(WRRichTextKey)));
+    if (!rich) rich = NSAttributedString::initWithString(text);
+    NSDictionary* settings = settingsFor(wishes, options);
+    PageDocument document(textInStyles(rich, *wishes.defaults, wishes.sheet ? &*wishes.sheet : nullptr).get(),
+                          settings);
+    if (!document.hasRoom())
+        return errorAnswer(WRErrorRefused,
+                           _PBDoLocalize(u"_The margins leave no room for text on the page."_ns, this));
+    NSDictionary* answer =
+        format->isEqualToString(u"pdf"_ns)
+            ? writePDF(document, stringEntry(settings, WRTitleKey), path)
+            : writeImages(document, cast<NSNumber>(options->objectForKey(WRResolutionKey)), path);
+    NSArray* problems = document.problems();
+    if (problems->count() == 0 || answer->objectForKey(WRErrorKey)) return answer;
+    auto* changed = NSMutableDictionary::dictionaryWithDictionary(answer);
+    changed->setObject_forKey(
+        NSString::stringWithFormat(_PBDoLocalize(u"_Some pictures are empty frames: %@."_ns, this),
+                                   problems->componentsJoinedByString(u"; "_ns)),
+        WRMessageKey);
+    return changed;
+}
+
+}  // namespace pelvor

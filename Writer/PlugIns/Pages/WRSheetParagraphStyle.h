@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+// WRSheetParagraphStyle: a paragraph style of a style sheet.
+#pragma once
+
+#include "Text/NSParagraphStyle.h"
+
+namespace pelvor {
+
+/// How a paragraph stands on pages.
+struct PageRules {
+    bool isKeepWithNext = false;     ///< on one page with the start of the next paragraph
+    bool isKeepTogether = false;     ///< on one page
+    bool isPageBreakBefore = false;  ///< at the start of a page
+
+    friend bool operator==(const PageRules&, const PageRules&) = default;
+};
+
+/// The rules of a paragraph style that has the messages of their names, of whatever class.
+PageRules pageRulesOf(Object* style);
+
+/// A paragraph style with rules for pages, as style sheets give them. Immutable, any thread.
+class WRSheetParagraphStyle : public NSParagraphStyle, NSParagraphStyle::HiddenCreators {
+    PELVOR_CLASS(WRSheetParagraphStyle, NSParagraphStyle);
+
+  public:
+    // C++ only
+    static Retained<WRSheetParagraphStyle> create(NSParagraphStyle* style, PageRules rules);
+
+    bool isKeepWithNext() { return _rules.isKeepWithNext; }
+    bool isKeepTogether() { return _rules.isKeepTogether; }
+    bool isPageBreakBefore() { return _rules.isPageBreakBefore; }
+
+    bool isEqual(id other) override;
+    std::uintptr_t hash() override { return NSParagraphStyle::hash(); }
+    Retained<Object> copyWithZone(void*) override { return Retained<Object>::retaining(this); }
+
+  protected:
+    WRSheetParagraphStyle() = default;
+    ~WRSheetParagraphStyle() = default;
+
+  private:
+    PageRules _rules;
+};
+
+}  // namespace pelvor
