@@ -421,23 +421,20 @@ NSRect NSLayoutManager::usedRectForTextContainer(NSTextContainer* container) {
     const NSUInteger end = _state->isFree() ? _state->length() : fillings[index].end;
     BlockList& blocks = _state->blocks();
     Extent left = kGreatestExtent, right = 0;
-    float bottom = 0;
     for (BlockPlace place = blocks.placeOfUnit(start);; place = blocks.next(place)) {
         const Block& block = blocks.at(place);
         if (block.isLaid) {
             left = std::min(left, block.usedLeft);
             right = std::max(right, block.usedRight);
         }
-        if (blocks.isLast(place) || place.unit + block.units >= end) {
-            if (block.isLaid) {
-                LinePlace last = _state->lineOf(end > start && end < _state->length() ? end - 1 : end);
-                const Line& line = _state->at(last);
-                bottom = NSMaxY(_state->rectOf(last)) - pointsOf(line.spacingBelow);
-            } else {
-                bottom = pointsOf(_state->estimatedHeight());
-            }
-            break;
-        }
+        if (place.unit + block.units >= end || blocks.isLastRead(place)) break;
+    }
+    float bottom = pointsOf(_state->estimatedHeight());
+    if (end <= blocks.readUnits()) {
+        const bool holdsEnd = end == start || (end == _state->length() && _state->containerOf(end) == index);
+        const LinePlace last = _state->lineOf(holdsEnd ? end : end - 1);
+        if (_state->blockOf(last).isLaid)
+            bottom = NSMaxY(_state->rectOf(last)) - pointsOf(_state->at(last).spacingBelow);
     }
     if (right < left) return {{0, 0}, {0, bottom}};
     const Extent padding = extentOf(static_cast<double>(container->lineFragmentPadding()));

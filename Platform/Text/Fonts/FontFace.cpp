@@ -108,6 +108,8 @@ bool FontFace::load(const FontEntry& entry, std::string& reason) {
     _outlines = Outlines::shared().open(bytes, length, static_cast<long>(entry.index));
     if (!_outlines) return reason = "its outlines cannot be read", false;
     readMeasures();
+    _hasASCII = true;
+    for (char16_t character = ' '; character < 0x7F; ++character) _hasASCII &= hasCharacter(character);
     return true;
 }
 

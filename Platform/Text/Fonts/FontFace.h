@@ -37,6 +37,9 @@ class FontFace {
         return character <= 0xFFFF ? _characters[static_cast<char16_t>(character)] : isListed(character);
     }
 
+    /// Whether the face has all characters that ASCII shows.
+    bool hasASCII() const { return _hasASCII; }
+
     struct Measures {
         int unitsPerEm, ascender, descender, gap, xHeight, capHeight;
         int underlinePosition, underlineThickness;
@@ -57,6 +60,7 @@ class FontFace {
     hb_font_t* _shaper = nullptr;
     FT_FaceRec_* _outlines = nullptr;
     CharacterBits _characters{[this](char32_t character) { return isListed(character); }};
+    bool _hasASCII = false;
     Measures _measures{};
 };
 

@@ -13,6 +13,7 @@ namespace {
 struct Known {
     std::mutex mutex;
     std::unordered_multimap<const FontFace*, std::weak_ptr<FontVariant>> variants;
+    std::uint32_t count = 0;  // of all that ever were
 
     static Known& shared() {
         static Known* known = new Known;  // outlives the fonts that end with the process
@@ -47,6 +48,7 @@ std::shared_ptr<FontVariant> FontVariant::of(const std::shared_ptr<FontFace>& fa
             ++place;
     }
     std::shared_ptr<FontVariant> variant(new FontVariant);
+    variant->_number = ++known.count;
     variant->_face = face;
     variant->_madeUp = madeUp;
     if (featureSettings) variant->_featureSettings = featureSettings->copy();
@@ -144,17 +146,23 @@ std::shared_ptr<FontVariant> FontVariant::inFace(const std::shared_ptr<FontFace>
     return of(face, _featureSettings, {lacks(NSBoldFontMask), lacks(NSItalicFontMask)});
 }
 
-// Remembered for single characters, which nearly all clusters are.
 std::shared_ptr<FontVariant> FontVariant::substituteFor(std::u32string_view characters) {
-    if (characters.size() != 1) return findSubstitute(characters);
+    if (characters.empty()) return nullptr;
+    // No face that comes before the first one with the first character has all of them.
+    auto first = substituteFor(characters[0]);
+    const auto has = [&](char32_t character) { return first->face().hasCharacter(character); };
+    if (!first || std::all_of(characters.begin() + 1, characters.end(), has)) return first;
+    return findSubstitute(characters);
+}
+
+std::shared_ptr<FontVariant> FontVariant::substituteFor(char32_t character) {
     {
         std::lock_guard lock(_mutex);
-        if (auto known = _substituteOf.find(characters[0]); known != _substituteOf.end())
-            return known->second;
+        if (auto known = _substituteOf.find(character); known != _substituteOf.end()) return known->second;
     }
-    auto variant = findSubstitute(characters);
+    auto variant = findSubstitute({&character, 1});
     std::lock_guard lock(_mutex);
-    return _substituteOf.emplace(characters[0], variant).first->second;
+    return _substituteOf.emplace(character, variant).first->second;
 }
 
 std::shared_ptr<FontVariant> FontVariant::findSubstitute(std::u32string_view characters) {

@@ -39,6 +39,8 @@ class FontVariant {
                                                  NSArray* featureSettings);
     FontVariant(const FontVariant&) = delete;
 
+    /// Another one for each variant that ever was; not 0.
+    std::uint32_t number() const { return _number; }
     FontFace& face() const { return *_face; }
     const std::shared_ptr<FontFace>& sharedFace() const { return _face; }
     MadeUpTraits madeUp() const { return _madeUp; }
@@ -65,8 +67,10 @@ class FontVariant {
     FontVariant() = default;
     static std::shared_ptr<FontFace> faceNamed(std::string_view name);
     const std::vector<const FontEntry*>& substitutes();
+    std::shared_ptr<FontVariant> substituteFor(char32_t character);
     std::shared_ptr<FontVariant> findSubstitute(std::u32string_view characters);
 
+    std::uint32_t _number = 0;
     std::shared_ptr<FontFace> _face;
     MadeUpTraits _madeUp;
     Retained<NSArray> _featureSettings;

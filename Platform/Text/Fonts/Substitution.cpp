@@ -116,7 +116,9 @@ Variant variantOfCluster(const Variant& given, const Variant& before, std::u16st
     return variantFor(given, cluster);
 }
 
-// Blanks, and what makes a cluster alone, is seen, and is no emoji: nearly all characters.
+// Characters that nearly all text is made of.
+
+// Blanks, and what begins a cluster, is seen, and is no emoji.
 bool isPlain(char16_t unit) {
     static CharacterBits* plain = new CharacterBits([](char32_t character) {
         return character == ' ' ||
@@ -126,9 +128,56 @@ bool isPlain(char16_t unit) {
     return (*plain)[unit];
 }
 
-bool isPlainAt(std::u16string_view text, std::size_t place) {
-    return isPlain(text[place]) &&
-           (place + 1 == text.size() || text[place + 1] < 0x300 || isPlain(text[place + 1]));
+// What is seen on the character before it.
+bool isPlainMark(char16_t unit) {
+    static CharacterBits* marks = new CharacterBits([](char32_t character) {
+        return !isSurrogate(character) && !isInvisible(character) && continuesCluster(0, character) &&
+               !has(character, UCHAR_EMOJI_MODIFIER);
+    });
+    return unit >= 0x300 && (*marks)[unit];
+}
+
+bool isPlainShared(char16_t unit) {
+    static CharacterBits* shared = new CharacterBits(isShared);
+    return (*shared)[unit];
+}
+
+// The end of a cluster that is a plain character and plain marks; its start if it is another one.
+std::size_t endOfPlainCluster(std::u16string_view text, std::size_t start) {
+    if (!isPlain(text[start])) return start;
+    std::size_t end = start + 1;
+    while (end < text.size() && isPlainMark(text[end])) ++end;
+    return end == text.size() || text[end] < 0x300 || isPlain(text[end]) ? end : start;
+}
+
+// The number of the variant that sets the character, as this thread remembers it.
+std::uint32_t numberOfVariantFor(const Variant& given, char16_t character) {
+    struct Known {
+        std::uint32_t given, character, found;
+    };
+    constexpr std::size_t kSize = 2048;
+    static constinit thread_local Known known[kSize] = {};
+    Known& slot = known[(given->number() * 0x9E3779B1u ^ character) % kSize];
+    if (slot.given != given->number() || slot.character != character)
+        slot = {given->number(), character, variantFor(given, {&character, 1})->number()};
+    return slot.found;
+}
+
+// Whether the plain cluster is set by the variant that sets the text before it.
+bool goesOnIn(const Variant& variant, const Variant& given, std::u16string_view cluster) {
+    FontFace& face = variant->face();
+    if (!std::all_of(cluster.begin(), cluster.end(), [&](char16_t unit) { return face.hasCharacter(unit); }))
+        return false;
+    return variant == given || (!face.entry().isColoured && isPlainShared(cluster[0])) ||
+           numberOfVariantFor(given, cluster[0]) == variant->number();
+}
+
+// The end of the ASCII text at the place, which no mark follows.
+std::size_t endOfASCII(std::u16string_view text, std::size_t place) {
+    const std::size_t start = place;
+    while (place < text.size() && text[place] >= ' ' && text[place] < 0x7F) ++place;
+    const bool isFollowed = place < text.size() && text[place] >= 0x300 && !isPlain(text[place]);
+    return place > start && isFollowed ? place - 1 : place;
 }
 
 NSFont* inVariant(NSFont* font, const Variant& variant) {
@@ -148,8 +197,13 @@ FontStretch fontStretchAt(NSFont* font, std::u16string_view text, NSUInteger sta
     std::size_t place = start;
     Variant stretch;
     while (place < text.size()) {
-        if (stretch == given && isPlainAt(text, place) && given->face().hasCharacter(text[place])) {
-            ++place;
+        if (stretch == given && given->face().hasASCII()) {
+            place = endOfASCII(text, place);
+            if (place == text.size()) break;
+        }
+        const std::size_t plainEnd = stretch ? endOfPlainCluster(text, place) : place;
+        if (plainEnd > place && goesOnIn(stretch, given, text.substr(place, plainEnd - place))) {
+            place = plainEnd;
             continue;
         }
         const std::size_t end = endOfCluster(text, place);

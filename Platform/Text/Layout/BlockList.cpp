@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace pelvor {
 
@@ -44,6 +45,15 @@ LongExtent BlockList::heightOf(const BlockSums& sums) const {
     return sums.height + static_cast<LongExtent>(lines * lineHeight);
 }
 
+// As that of text that was read.
+LongExtent BlockList::unreadHeight() const {
+    BlockSums unread;
+    unread.units = _unread;
+    unread.blocks =
+        static_cast<std::uint32_t>(unread.units * _sums.blocks / std::max<std::uint64_t>(_sums.units, 1));
+    return heightOf(unread);
+}
+
 // MARK: Changing
 
 void BlockList::recount(Chunk& chunk) {
@@ -55,16 +65,32 @@ void BlockList::recount(Chunk& chunk) {
     _sums += chunk.sums;
 }
 
-void BlockList::assign(Blocks blocks) {
-    if (blocks.empty()) blocks.push_back(std::make_unique<Block>());
+void BlockList::assign(NSUInteger units, Reader reader) {
     _chunks.clear();
     _sums = {};
-    for (std::size_t start = 0; start < blocks.size(); start += kChunkSize / 2) {
-        auto from = blocks.begin() + static_cast<std::ptrdiff_t>(start);
-        auto to =
-            blocks.begin() + static_cast<std::ptrdiff_t>(std::min(start + kChunkSize / 2, blocks.size()));
-        _chunks.push_back({Blocks(std::make_move_iterator(from), std::make_move_iterator(to)), {}});
-        recount(_chunks.back());
+    _remembered = {};
+    _knowsTop = false;
+    _reader = std::move(reader);
+    append(_reader({0, units}));
+    _unread = units - readUnits();
+}
+
+// Finds more blocks; false if there are none.
+bool BlockList::readMore() {
+    if (_unread == 0) return false;
+    const NSUInteger before = readUnits();
+    append(_reader({before, _unread}));
+    _unread -= readUnits() - before;
+    return true;
+}
+
+void BlockList::append(Blocks blocks) {
+    for (auto& block : blocks) {
+        if (_chunks.empty() || _chunks.back().blocks.size() >= kChunkSize / 2) _chunks.emplace_back();
+        const BlockSums sums = BlockSums::of(*block);
+        _chunks.back().sums += sums;
+        _sums += sums;
+        _chunks.back().blocks.push_back(std::move(block));
     }
 }
 
@@ -130,7 +156,7 @@ NSUInteger BlockList::forgetLines(NSRange range) {
             block.keepsLines = !isTouched && (block.isLaid || block.keepsLines);
             block.isLaid = false;
         });
-        if (isLast(place)) break;
+        if (isLastRead(place)) break;
         isTouched = place.unit + at(place).units < std::max(NSMaxRange(range), range.location + 1);
     }
     return start;
@@ -147,6 +173,8 @@ void BlockList::forgetAllLines() {
 
 BlockPlace BlockList::placeOfUnit(NSUInteger unit) {
     if (unit - _remembered.unit < at(_remembered).units) return _remembered;
+    while (unit >= readUnits() && readMore()) {
+    }
     BlockPlace place;
     while (place.chunk + 1 < _chunks.size() && unit - place.unit >= _chunks[place.chunk].sums.units)
         place.unit += static_cast<NSUInteger>(_chunks[place.chunk++].sums.units);
@@ -159,6 +187,8 @@ BlockPlace BlockList::placeOfUnit(NSUInteger unit) {
 }
 
 BlockPlace BlockList::placeOfHeight(LongExtent height, LongExtent& top) {
+    while (height >= heightOf(_sums) && readMore()) {
+    }
     BlockPlace place;
     top = 0;
     for (LongExtent extent; place.chunk + 1 < _chunks.size(); ++place.chunk) {
@@ -193,6 +223,8 @@ LongExtent BlockList::topOf(const BlockPlace& place) {
 }
 
 BlockPlace BlockList::last() {
+    while (readMore()) {
+    }
     const Chunk& chunk = _chunks.back();
     return {_chunks.size() - 1, chunk.blocks.size() - 1,
             static_cast<NSUInteger>(_sums.units) - chunk.blocks.back()->units};
@@ -215,11 +247,12 @@ BlockPlace BlockList::previous(BlockPlace place) const {
     return place;
 }
 
-bool BlockList::firstUnlaid(BlockPlace& place) const {
+bool BlockList::firstUnlaid(BlockPlace& place) {
     place = {};
-    while (place.chunk < _chunks.size() && _chunks[place.chunk].sums.unlaidBlocks == 0)
+    while (_sums.unlaidBlocks == 0)
+        if (!readMore()) return false;
+    while (_chunks[place.chunk].sums.unlaidBlocks == 0)
         place.unit += static_cast<NSUInteger>(_chunks[place.chunk++].sums.units);
-    if (place.chunk == _chunks.size()) return false;
     while (_chunks[place.chunk].blocks[place.index]->isLaid)
         place.unit += _chunks[place.chunk].blocks[place.index++]->units;
     return true;

@@ -3,9 +3,11 @@
 // is before.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -70,6 +72,17 @@ struct Block {
     LongExtent startY = 0;
     Extent usedLeft = 0, usedRight = 0;
     std::vector<Line> lines;
+
+    std::uint32_t endOfLine(std::size_t line) const {
+        return line + 1 < lines.size() ? lines[line + 1].start : units;
+    }
+    /// The line that holds the unit of the block, the last one for the end.
+    std::size_t lineAt(std::uint32_t unit) const {
+        auto after =
+            std::upper_bound(lines.begin(), lines.end(), unit,
+                             [](std::uint32_t place, const Line& line) { return place < line.start; });
+        return after == lines.begin() ? 0 : static_cast<std::size_t>(after - lines.begin()) - 1;
+    }
 };
 
 struct BlockSums {
@@ -102,15 +115,28 @@ struct BlockPlace {
 
 /// All blocks of a text in their order, in chunks of up to 128 with sums: a look-up walks the chunks' sums,
 /// then the blocks of one chunk. There is always at least one block; the last one may be empty.
+///
+/// Paragraphs are found when somebody gets to them: behind the blocks there may be text that was not read
+/// yet. Whatever looks for a block there reads on.
 class BlockList {
   public:
     using Blocks = std::vector<std::unique_ptr<Block>>;
+    /// Returns the first blocks of what is left of the text, at least one.
+    using Reader = std::function<Blocks(NSRange rest)>;
 
-    BlockList() { assign({}); }
+    BlockList() { _chunks.emplace_back().blocks.push_back(std::make_unique<Block>()); }
 
-    void assign(Blocks blocks);
+    /// Begins anew with a text of so many units, of which the reader tells the blocks.
+    void assign(NSUInteger units, Reader reader);
     /// Puts other blocks in the place of `count` blocks.
     void replace(BlockPlace first, std::size_t count, Blocks blocks);
+
+    NSUInteger units() const { return readUnits() + _unread; }
+    /// Where the text begins that was not read yet.
+    NSUInteger readUnits() const { return static_cast<NSUInteger>(_sums.units); }
+    bool isAllRead() const { return _unread == 0; }
+    /// The text that was not read yet became so much longer.
+    void stretchUnread(NSInteger delta) { _unread += static_cast<NSUInteger>(delta); }
 
     Block& at(const BlockPlace& place) { return *_chunks[place.chunk].blocks[place.index]; }
     /// The block that holds the unit, the last one for units at or past the end.
@@ -119,19 +145,21 @@ class BlockList {
     BlockPlace placeOfHeight(LongExtent height, LongExtent& top);
     BlockPlace first() const { return {}; }
     BlockPlace last();
-    bool isLast(const BlockPlace& place) const {
+    bool isLast(const BlockPlace& place) { return isLastRead(place) && !readMore(); }
+    bool isLastRead(const BlockPlace& place) const {
         return place.chunk + 1 == _chunks.size() && place.index + 1 == _chunks[place.chunk].blocks.size();
     }
     bool isFirst(const BlockPlace& place) const { return place.chunk == 0 && place.index == 0; }
+    /// The place is not the last one.
     BlockPlace next(BlockPlace place) const;
     BlockPlace previous(BlockPlace place) const;
     /// The first block that is not laid out, if there is one.
-    bool firstUnlaid(BlockPlace& place) const;
+    bool firstUnlaid(BlockPlace& place);
 
     /// The top of the block; estimated as far as blocks above it were not measured.
     LongExtent topOf(const BlockPlace& place);
     const BlockSums& sums() const { return _sums; }
-    LongExtent estimatedHeight() const { return heightOf(_sums); }
+    LongExtent estimatedHeight() const { return heightOf(_sums) + unreadHeight(); }
 
     /// Changes the block, and the sums accordingly.
     template <class Change>
@@ -151,20 +179,26 @@ class BlockList {
     NSUInteger forgetLines(NSRange range);
     void forgetAllLines();
 
+    static constexpr std::size_t kChunkSize = 128;
+
   private:
     struct Chunk {
         Blocks blocks;
         BlockSums sums;
     };
-    static constexpr std::size_t kChunkSize = 128;
 
     LongExtent heightOf(const BlockSums& sums) const;
     LongExtent heightOf(const Block& block) const { return heightOf(BlockSums::of(block)); }
+    LongExtent unreadHeight() const;
+    bool readMore();
+    void append(Blocks blocks);
     void recount(Chunk& chunk);
     void rebalance(std::size_t chunk);
 
     std::vector<Chunk> _chunks;
     BlockSums _sums;
+    Reader _reader;
+    NSUInteger _unread = 0;  // units behind the blocks
     // The block that was looked for last, and its top if that was asked for.
     BlockPlace _remembered;
     LongExtent _rememberedTop = 0;

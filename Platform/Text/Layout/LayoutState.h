@@ -3,8 +3,8 @@
 // the lines that were looked at last.
 #pragma once
 
-#include "Text/Layout/LineGlyphs.h"
-#include "Text/NSTextContainer.h"
+#include "Text/Layout/ContainerRooms.h"
+#include "Text/Layout/GlyphCache.h"
 
 namespace pelvor {
 
@@ -73,7 +73,6 @@ class LayoutState {
     std::size_t indexOf(NSTextContainer* container) const;
     /// The unit's line; {NSNotFound, 0} where it is not laid out.
     NSRange laidLineRange(NSUInteger unit);
-    static std::size_t lineIndex(const Block& block, NSUInteger unit);
     LongExtent estimatedHeight() { return _blocks.estimatedHeight(); }
 
     // Lines that are laid out
@@ -95,7 +94,6 @@ class LayoutState {
     BlockList& blocks();
 
   private:
-    class ContainerRooms;
     // How far the text is placed, where that is done from the front.
     struct Frontier {
         BlockPlace block;
@@ -107,9 +105,20 @@ class LayoutState {
         bool isTold = false;       // and the delegate knows
     };
 
-    BlockList::Blocks scan(NSRange range, bool continues);
+    // Neighbouring blocks.
+    struct BlockSpan {
+        BlockPlace first, last;
+        std::size_t count;
+    };
+
+    NSUInteger endOf(const BlockPlace& place) { return place.unit + _blocks.at(place).units; }
+    BlockSpan blocksAround(NSRange range, NSInteger delta);
+    void readAgain(const BlockSpan& span, NSRange range);
+    void joinBehind(NSUInteger unit);
+    static bool isEndless(NSTextContainer* container);
     bool isUniform() const;
-    LineRoom roomOf(NSTextContainer* container) const;
+    NSTextContainer* containerAround(NSUInteger unit);
+    bool setLines(BlockPlace place, LineRooms& rooms, std::vector<Line>& lines);
     void layOut(BlockPlace place, LineRooms& rooms);
     void layOutFree(BlockPlace place);
     bool absorbNext(BlockPlace place);
@@ -121,7 +130,6 @@ class LayoutState {
     bool nextContainer();
     void tellDelegate(NSTextContainer* container, bool isEnd);
     void retreat(NSUInteger unit);
-    void forgetGlyphs(const Block* block);
     void forgetEmptyEnd(NSUInteger changedEnd);
 
     BlockList _blocks;
@@ -133,18 +141,8 @@ class LayoutState {
     std::size_t _toldContainers = 0;  // whose completion the delegate knows
     std::vector<ContainerFilling> _freeFilling;
 
-    struct KeptGlyphs {
-        const Block* block = nullptr;
-        std::size_t line = 0;
-        std::unique_ptr<LineGlyphs> glyphs;
-    };
-    static constexpr std::size_t kKeptLines = 128;
-    std::vector<KeptGlyphs> _glyphs;
-    std::size_t _oldest = 0;
-
-    MeasuredText _text;       // of the block that is laid out
-    MeasuredText _drawnText;  // of the block whose glyphs were made last
-    const Block* _drawnBlock = nullptr;
+    GlyphCache _glyphs;
+    MeasuredText _text;  // of the block that is laid out
 };
 
 }  // namespace pelvor

@@ -7,6 +7,8 @@
 #include <unicode/utf16.h>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <utility>
 
 #include "Text/NSLayoutManager.h"
@@ -21,12 +23,28 @@ constexpr bool isBlank(unichar unit) {
 }
 
 constexpr bool isSpecial(unichar unit) {
-    return unit == '\t' || unit == 0xAD || unit == NSAttachmentCharacter || isLineEnd(unit);
+    return unit == '\t' || unit == kSoftHyphen || unit == NSAttachmentCharacter || isLineEnd(unit);
 }
 
+constexpr std::uint8_t markOf(unichar unit) {
+    return isBlank(unit)     ? MeasuredText::kBlank
+           : isSpecial(unit) ? MeasuredText::kSpecial
+                             : MeasuredText::kText;
+}
+
+constexpr auto kMarksOfASCII = [] {
+    std::array<std::uint8_t, 0x80> marks{};
+    for (unichar unit = 0; unit < marks.size(); ++unit) marks[unit] = markOf(unit);
+    return marks;
+}();
+
+// Below these characters are only Latin letters, and what takes the script of the text around it.
+constexpr unichar kEndOfLatin = 0x2EA;
+
 // Whether the unit may be of text from right to left, or order such text.
+constexpr unichar kFirstToOrder = 0x590;
 constexpr bool callsForOrdering(unichar unit) {
-    if (unit < 0x590) return false;
+    if (unit < kFirstToOrder) return false;
     return unit <= 0x8FF || unit == 0x200F || (unit >= 0x202A && unit <= 0x202E) ||
            (unit >= 0x2066 && unit <= 0x2069) || unit == 0xD802 || unit == 0xD803 || unit == 0xD83A ||
            unit == 0xD83B || (unit >= 0xFB1D && unit <= 0xFDFF) || (unit >= 0xFE70 && unit <= 0xFEFC);
@@ -34,7 +52,7 @@ constexpr bool callsForOrdering(unichar unit) {
 
 // Common and inherited characters take the script of the text around them.
 UScriptCode scriptOf(char32_t character) {
-    if (character < 0x2EA)
+    if (character < kEndOfLatin)
         return character >= 0xC0 ? (character == 0xD7 || character == 0xF7 ? USCRIPT_COMMON : USCRIPT_LATIN)
                : (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z')
                    ? USCRIPT_LATIN
@@ -73,12 +91,7 @@ void MeasuredText::read(LayoutTools& tools, NSRange wanted, Direction direction,
     marks.assign(range.length, 0);
     runs.clear();
     _styles.clear();
-    hasSpecials = false;
-    for (std::uint32_t i = 0; i < size(); ++i) {
-        const unichar unit = units[i];
-        marks[i] = isBlank(unit) ? kBlank : isSpecial(unit) ? kSpecial : kText;
-        if (marks[i] == kSpecial && !isLineEnd(unit)) hasSpecials = true;
-    }
+    markUnits();
     findStyles(tools);
     findDirections(direction);
     const bool isForLines = purpose == Purpose::lines;
@@ -87,6 +100,17 @@ void MeasuredText::read(LayoutTools& tools, NSRange wanted, Direction direction,
     for (const TextRun& stretch : stretches) addTextRuns(tools, stretch.start, stretch.end, *stretch.style);
     if (size() && (isForLines || hasSpecials))
         tools.boundaries.markLineBreaks(units, stretches.front().style->language, kMayBreak, marks);
+}
+
+void MeasuredText::markUnits() {
+    hasSpecials = false;
+    _greatestUnit = 0;
+    for (std::uint32_t i = 0; i < size(); ++i) {
+        const unichar unit = units[i];
+        marks[i] = unit < kMarksOfASCII.size() ? kMarksOfASCII[unit] : markOf(unit);
+        if (marks[i] == kSpecial && !isLineEnd(unit)) hasSpecials = true;
+        _greatestUnit = std::max(_greatestUnit, unit);
+    }
 }
 
 // One run for each stretch of attributes; an empty text takes the attributes of the character before it.
@@ -111,7 +135,8 @@ void MeasuredText::findStyles(LayoutTools& tools) {
 }
 
 void MeasuredText::findDirections(Direction known) {
-    const bool needsOrder = std::any_of(units.begin(), units.end(), callsForOrdering);
+    const bool needsOrder =
+        _greatestUnit >= kFirstToOrder && std::any_of(units.begin(), units.end(), callsForOrdering);
     const NSWritingDirection direction = paragraph()->baseWritingDirection();
     if (direction != NSWritingDirectionNatural)
         isRightToLeft = direction == NSWritingDirectionRightToLeft;
@@ -154,7 +179,7 @@ void MeasuredText::addTextRuns(LayoutTools& tools, std::uint32_t start, std::uin
         run.level = _levels.empty() ? 0 : _levels[run.start];
         run.font = style.font;
         const unichar first = units[run.start];
-        if (marks[run.start] == kSpecial && first != 0xAD) {
+        if (marks[run.start] == kSpecial && first != kSoftHyphen) {
             run.kind = first == '\t'      ? TextRun::Kind::tab
                        : isLineEnd(first) ? TextRun::Kind::lineEnd
                        : style.attachment ? TextRun::Kind::attachment
@@ -166,14 +191,13 @@ void MeasuredText::addTextRuns(LayoutTools& tools, std::uint32_t start, std::uin
             }
         } else {
             run.kind = TextRun::Kind::text;
-            run.end = run.start;
-            while (run.end < end && (marks[run.end] != kSpecial || units[run.end] == 0xAD) &&
-                   (_levels.empty() || _levels[run.end] == run.level))
-                ++run.end;
+            run.end = endOfText(run.start, end);
         }
         const std::uint32_t stretchEnd = run.end;
         for (run.end = run.start; (run.start = run.end) < stretchEnd;) {
-            const ScriptStretch script = scriptStretch(units, run.start, stretchEnd);
+            const ScriptStretch script = _greatestUnit < kEndOfLatin
+                                             ? ScriptStretch{USCRIPT_LATIN, stretchEnd}
+                                             : scriptStretch(units, run.start, stretchEnd);
             run.script = isPlaced(script.script) ? scriptTagOfCode(script.script) : scriptTag("Latn");
             const FontStretch font = fontStretchAt(style.font, text().substr(0, script.end), run.start);
             run.font = font.font;
@@ -182,6 +206,24 @@ void MeasuredText::addTextRuns(LayoutTools& tools, std::uint32_t start, std::uin
             addRun(run);
         }
     }
+}
+
+// Where text that begins at `start` ends: before another direction or a special character that is no soft
+// hyphen.
+std::uint32_t MeasuredText::endOfText(std::uint32_t start, std::uint32_t end) const {
+    if (!_levels.empty())
+        end = static_cast<std::uint32_t>(
+            std::find_if(_levels.begin() + start, _levels.begin() + end,
+                         [level = _levels[start]](std::uint8_t other) { return other != level; }) -
+            _levels.begin());
+    while (start < end) {
+        const void* special = std::memchr(&marks[start], kSpecial, end - start);
+        if (!special) break;
+        start = static_cast<std::uint32_t>(static_cast<const std::uint8_t*>(special) - marks.data());
+        if (units[start] != kSoftHyphen) return start;
+        ++start;
+    }
+    return end;
 }
 
 // Where a run that begins at `start` ends: it is cut so that shaping takes time in proportion to the text,

@@ -8,11 +8,14 @@
 
 #include "Text/Fonts/Shaping.h"
 #include "Text/Layout/LineBreaks.h"
+#include "Text/Layout/Paragraphs.h"
 #include "Text/Layout/TextStyle.h"
 
 namespace pelvor {
 
 class NSTextStorage;
+
+inline constexpr unichar kSoftHyphen = 0xAD;
 
 /// Units that are set in one way.
 struct TextRun {
@@ -34,13 +37,6 @@ struct LayoutTools {
     TextStyles styles;
     Boundaries boundaries;
 };
-
-/// The characters that end a paragraph: LF, FF, CR, NEL and the paragraph separator.
-constexpr bool isParagraphEnd(unichar unit) {
-    return unit == 0x0A || unit == 0x0C || unit == 0x0D || unit == 0x85 || unit == 0x2029;
-}
-/// Those, the line separator and the line tabulation.
-constexpr bool isLineEnd(unichar unit) { return isParagraphEnd(unit) || unit == 0x2028 || unit == 0x0B; }
 
 class MeasuredText {
   public:
@@ -77,16 +73,19 @@ class MeasuredText {
     bool hasSpecials = false;  // apart from the line end
 
   private:
+    void markUnits();
     void findDirections(Direction known);
     void findStyles(LayoutTools& tools);
     void addTextRuns(LayoutTools& tools, std::uint32_t start, std::uint32_t end, const TextStyle& style);
     void addRun(TextRun run);
+    std::uint32_t endOfText(std::uint32_t start, std::uint32_t end) const;
     std::uint32_t endOfShaping(LayoutTools& tools, std::uint32_t start, std::uint32_t end);
     void measure(const TextRun& run);
 
     std::vector<std::shared_ptr<const TextStyle>> _styles;
     const TextStyle* _paragraphStyle = nullptr;
     bool _measures = true;
+    unichar _greatestUnit = 0;
     std::vector<std::uint8_t> _levels;  // empty where all text runs from left to right
 };
 

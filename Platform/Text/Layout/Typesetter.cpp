@@ -199,7 +199,7 @@ Filling Typesetter::fill(std::uint32_t start, Box box, bool breaksAnywhere, cons
     for (std::uint32_t unit = start; unit < size; ++unit) {
         const std::uint8_t mark = _text.marks[unit];
         if ((mark & MeasuredText::kMayBreak) && unit > start && !isCutting_) {
-            const bool isSoftHyphen = _text.units[unit - 1] == 0xAD;
+            const bool isSoftHyphen = _text.units[unit - 1] == kSoftHyphen;
             const Extent end =
                 textEnd +
                 (isSoftHyphen ? _tools.styles.extentsOf(_text.runs[_text.runAt(unit - 1)].font).hyphen : 0);

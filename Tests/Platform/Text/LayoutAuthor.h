@@ -6,6 +6,7 @@
 
 #include "Foundation/NSMutableString.h"
 #include "LaidOutText.h"
+#include "Text/NSTextAttachment.h"
 #include "Text/NSTextTab.h"
 
 namespace pelvor {
@@ -31,6 +32,15 @@ class LayoutAuthor {
         };
         add(NSFontAttributeName, NSFont::fontWithName_size(u"DejaVuSans"_ns, 20));
         add(NSParagraphStyleAttributeName, style);
+        auto narrow = NSMutableParagraphStyle::init();
+        narrow->setHyphenationFactor(1);
+        narrow->setFirstLineHeadIndent(20);
+        narrow->setTailIndent(-15);
+        narrow->setLineHeightMultiple(1.5);
+        add(NSParagraphStyleAttributeName, narrow);
+        add(NSLanguageAttributeName, u"en"_ns);
+        auto attachment = NSTextAttachment::init();
+        add(NSAttachmentAttributeName, attachment);
         add(NSKernAttributeName, NSNumber::numberWithDouble(1.5));
         add(NSSuperscriptAttributeName, NSNumber::numberWithInt(1));
     }
@@ -62,7 +72,8 @@ class LayoutAuthor {
                                                   u"\t",           u" ",       u"\u05D0\u05D1\u05D2 ",
                                                   u"\u4E2D\u6587", u"e\u0301", u"\f",
                                                   u"\u00AD",       u"\u2028",  u"\U0001F469\u200D\U0001F469 ",
-                                                  u"\n\n"};
+                                                  u"\n\n",         u"\uFFFC",  u"hyphenation ",
+                                                  u"\u0915\u093F "};
         auto text = NSMutableString::init();
         for (unsigned i = below(6); i < 6; ++i)
             text->appendString(NSString::of(kPieces[below(std::size(kPieces))]));
@@ -77,8 +88,7 @@ class LayoutAuthor {
                 break;
             case 1:
                 if (range.length == 0) break;
-                storage->addAttribute_value_range(_attributes[below(4)].first, _attributes[below(4)].second,
-                                                  range);
+                addAttribute(storage, range);
                 break;
             default:
                 storage->replaceCharactersInRange_withString({start, below(2) ? range.length / 4 : 0},
@@ -87,6 +97,12 @@ class LayoutAuthor {
     }
 
   private:
+    void addAttribute(NSTextStorage* storage, NSRange range) {
+        const auto count = static_cast<unsigned>(_attributes.size()), which = below(count);
+        // At times a value of a kind that the name does not go with.
+        const unsigned other = below(8) ? which : below(count);
+        storage->addAttribute_value_range(_attributes[which].first, _attributes[other].second, range);
+    }
     unsigned below(unsigned limit) { return limit ? _random(limit) : 0; }
     void prepare(LaidOutText& other) {
         for (NSSize size : _sizes) other.addContainer(size);

@@ -76,6 +76,37 @@ TEST(LayoutEdits, LeaveTheLayoutOfALongParagraph) {
     }
 }
 
+// Paragraphs are found when somebody gets to them: here edits meet the place where that has ended.
+TEST(LayoutEdits, MeetTextThatNobodyHasAskedFor) {
+    AutoreleasePool outer;
+    std::minstd_rand random(11);
+    std::u16string units;
+    while (units.size() < 70000) {
+        units.append(random() % 300, u'x');
+        units += random() % 5 ? u"\n" : u"\r\n";
+    }
+    const auto border = static_cast<NSUInteger>(units.rfind(u'\n', 32767) + 1);
+    for (int round = 0; round < randomSteps(15); ++round) {
+        AutoreleasePool pool;
+        LaidOutText edited(NSString::of(units), plain(), {{200, 1.0e7F}});
+        edited.lineRect(0);
+        for (int edit = 0; edit < 4; ++edit) {
+            const NSUInteger start = border - 4 + random() % 8;
+            NSString* const fresh[] = {u""_ns, u"\n"_ns, u"\r"_ns, u"words of\nsome length"_ns};
+            if (random() % 4)
+                edited.storage->replaceCharactersInRange_withString(
+                    {start, static_cast<NSUInteger>(random() % 5)}, fresh[random() % 4]);
+            else
+                edited.storage->addAttribute_value_range(NSKernAttributeName, NSNumber::numberWithInt(1),
+                                                         {start, static_cast<NSUInteger>(random() % 3000)});
+            if (random() % 2) edited.lineRect(border + random() % 1000);
+        }
+        LaidOutText fresh({{200, 1.0e7F}});
+        fresh.storage->setAttributedString(edited.storage);
+        ASSERT_EQ(edited.account(), fresh.account()) << round;
+    }
+}
+
 // However strange a text is, its layout takes time in proportion to its length.
 TEST(LayoutEdits, TakeGiantsInTheirStride) {
     AutoreleasePool pool;

@@ -210,4 +210,46 @@ TEST(ShapingTest, CutsTextWhereTheFontChanges) {
     EXPECT_EQ(fontStretchAt(font, u"", 0).font, font);
 }
 
+// The stretches of random text are those of its clusters one by one.
+TEST(ShapingTest, TakesClustersOfOneFontTogether) {
+    NSFont* font = fontNamed("DejaVuSans");
+    const std::vector<std::u16string> shared = {u" ", u",", u"1", u"\u00B7", u"2\u0331"};
+    const std::vector<std::u16string> others = {u"a",
+                                                u"e\u0301",
+                                                u"a\u094D",
+                                                u"\u0915",
+                                                u"\u0915\u094D",
+                                                u"\u0916\u0301",
+                                                u"\u6C49",
+                                                u"\u0E01\u0E47",
+                                                u"\u05D0\u05B8",
+                                                u"\u2764",
+                                                u"\u2764\uFE0F",
+                                                u"\U0001F600",
+                                                u"\U0001F468\u200D\U0001F469"};
+    std::mt19937 random(5);
+    for (int round = 0; round < 300; ++round) {
+        std::u16string text;
+        std::vector<std::pair<std::size_t, NSFont*>> expected;  // where stretches end, and their fonts
+        for (int i = 0; i < 12; ++i) {
+            const bool isShared = random() % 2;
+            const auto& choice = isShared ? shared : others;
+            const std::u16string& cluster = choice[random() % choice.size()];
+            NSFont* before = expected.empty() ? font : expected.back().second;
+            const bool stays = isShared && before->familyName()->toUTF8() != "Noto Color Emoji" &&
+                               substituteFont(before, cluster) == before;
+            NSFont* wanted = stays ? before : substituteFont(font, cluster);
+            text += cluster;
+            if (expected.empty() || before != wanted) expected.emplace_back(0, wanted);
+            expected.back().first = text.size();
+        }
+        std::vector<std::pair<std::size_t, NSFont*>> found;
+        for (NSUInteger place = 0; place < text.size(); place = static_cast<NSUInteger>(found.back().first)) {
+            const FontStretch stretch = fontStretchAt(font, text, place);
+            found.emplace_back(stretch.end, stretch.font);
+        }
+        ASSERT_EQ(found, expected) << testing::PrintToString(text);
+    }
+}
+
 }  // namespace
