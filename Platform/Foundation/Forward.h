@@ -63,6 +63,11 @@ class NSRunLoop;             ///< waits for timers, descriptors and performs
 class NSThread;              ///< a thread
 class NSTimer;               ///< a message at a moment, or again and again
 
+// Files
+class DesktopTrash;   ///< a folder of what the user threw away
+class NSFileError;    ///< why a file could not be read, written, copied, moved or removed
+class NSFileManager;  ///< what files there are, and making, copying, moving and removing them
+
 // The program
 class LogSinkScope;   ///< catches what is logged while it lives
 class NSBundle;       ///< a folder with code, resources and declarations

@@ -11,6 +11,8 @@
 #include "Foundation/NSCoder.h"
 #include "Foundation/NSConditionLock.h"
 #include "Foundation/NSCountedSet.h"
+#include "Foundation/NSFileError.h"
+#include "Foundation/NSFileManager.h"
 #include "Foundation/NSIndexSet.h"
 #include "Foundation/NSKeyedArchiver.h"
 #include "Foundation/NSKeyedUnarchiver.h"
@@ -75,6 +77,8 @@ constexpr Class* kClasses[] = {
     &NSEnumerator::classRecord,
     &NSExternalData::classRecord,
     &NSExternalString::classRecord,
+    &NSFileError::classRecord,
+    &NSFileManager::classRecord,
     &NSIndexSet::classRecord,
     &NSInlineArray::classRecord,
     &NSInlineData::classRecord,

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Foundation/Files/FileContents.h"
+#include "Foundation/Files/SystemPath.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSMutableData.h"
 #include "Foundation/NSString.h"
@@ -98,7 +99,7 @@ Retained<NSData> NSData::initWithData(NSData* data) {
 
 Retained<NSData> NSData::initWithContentsOfFile(NSString* path) {
     std::vector<std::byte> content;
-    if (!path || !readFile(path->toUTF8(), content)) return nullptr;
+    if (!readFile(systemPath(path), content)) return nullptr;
     return initWithBytes_length(content.data(), static_cast<NSUInteger>(content.size()));
 }
 
@@ -130,8 +131,7 @@ NSData* NSData::subdataWithRange(NSRange range) {
 }
 
 bool NSData::writeToFile_atomically(NSString* path, bool isAtomic) {
-    if (!path) return false;
-    return writeFile(path->toUTF8(), span(), isAtomic ? FileWriting::atomic : FileWriting::direct);
+    return writeFile(systemPath(path), span(), isAtomic ? FileWriting::atomic : FileWriting::direct);
 }
 
 // MARK: As an object

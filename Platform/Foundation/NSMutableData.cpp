@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "Foundation/Files/FileContents.h"
+#include "Foundation/Files/SystemPath.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
 #include "Foundation/Values/ConcreteData.h"
@@ -130,7 +131,7 @@ Retained<NSMutableData> NSMutableData::initWithData(NSData* data, Class* cls) {
 
 Retained<NSMutableData> NSMutableData::initWithContentsOfFile(NSString* path, Class* cls) {
     auto data = make<NSMutableData>(cls);
-    if (!path || !readFile(path->toUTF8(), data->_bytes)) return nullptr;
+    if (!readFile(systemPath(path), data->_bytes)) return nullptr;
     return data;
 }
 

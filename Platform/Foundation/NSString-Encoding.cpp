@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Strings as bytes in encodings, as data and as files.
+#include <cerrno>
 #include <cstring>
 
+#include "Foundation/Files/SystemPath.h"
 #include "Foundation/NSData.h"
 #include "Foundation/NSMutableString.h"
 #include "Foundation/Strings/NSInlineString.h"
@@ -31,11 +33,13 @@ NSStringEncoding encodingByMark(std::string_view bytes) {
     return unitsFromUTF8(bytes) ? NSUTF8StringEncoding : NSISOLatin1StringEncoding;
 }
 
-// The text of a file. A file in UTF-8 may begin with a mark.
+// The text of a file, or null with EILSEQ in `errno`. A file in UTF-8 may begin with a mark.
 Retained<NSString> fileText(std::string_view bytes, NSStringEncoding encoding) {
     if (encoding == NSUTF8StringEncoding && bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
-    return NSString::initWithBytes_length_encoding(bytes.data(), static_cast<NSUInteger>(bytes.size()),
-                                                   encoding);
+    auto text = NSString::initWithBytes_length_encoding(bytes.data(), static_cast<NSUInteger>(bytes.size()),
+                                                        encoding);
+    if (!text) errno = EILSEQ;
+    return text;
 }
 
 }  // namespace
@@ -113,7 +117,12 @@ std::string NSString::toUTF8() {
 
 const char* NSString::UTF8String() { return autoreleasedText(toUTF8()); }
 
-const char* NSString::fileSystemRepresentation() { return UTF8String(); }
+const char* NSString::fileSystemRepresentation() {
+    const std::string path = systemPath(this);
+    if (path.find('\0') != path.npos)
+        raiseBadArgument("fileSystemRepresentation", "the path has the character U+0000");
+    return autoreleasedText(path);
+}
 
 const char* NSString::cStringUsingEncoding(NSStringEncoding encoding) {
     StringUnits units(this);
@@ -155,6 +164,7 @@ NSString* NSString::localizedNameOfStringEncoding(NSStringEncoding encoding) {
 bool NSString::writeToFile_atomically_encoding(NSString* path, bool atomically, NSStringEncoding encoding) {
     requireArgument(path, "writeToFile:atomically:encoding:", "the path");
     NSData* data = dataUsingEncoding(encoding);
+    if (!data) errno = EILSEQ;
     return data && data->writeToFile_atomically(path, atomically);
 }
 

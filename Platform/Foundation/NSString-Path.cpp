@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // Strings as paths.
-#include <pwd.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <climits>
-#include <cstdlib>
 #include <vector>
 
 #include "Foundation/Collections/ConcreteArrays.h"
+#include "Foundation/Files/SystemPath.h"
+#include "Foundation/Files/UserFolders.h"
 #include "Foundation/NSPathStore2.h"
 #include "Foundation/Strings/NSInlineString.h"
 #include "Runtime/NSException.h"
@@ -69,23 +68,10 @@ NSString* pathString(NSString* receiver, Path path) {
                                                               : NSPathStore2::of(path);
 }
 
-// The home directory of the user. An empty name stands for the user of the process; for an unknown user the
-// result is empty.
-std::string homeDirectory(const std::string& user) {
-    if (const char* home = std::getenv("HOME"); user.empty() && home && *home) return home;
-    std::vector<char> buffer(16384);
-    passwd entry, *found = nullptr;
-    if (user.empty())
-        getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found);
-    else
-        getpwnam_r(user.c_str(), &entry, buffer.data(), buffer.size(), &found);
-    return found && found->pw_dir ? found->pw_dir : "";
-}
-
 std::u16string expandedTilde(Path path) {
     if (path.empty() || path[0] != u'~') return std::u16string(path);
     std::size_t end = std::min(path.find(u'/'), path.size());
-    std::string home = homeDirectory(utf8FromUnitsMending(path.substr(1, end - 1)));
+    std::string home = homeFolderOfUser(utf8FromUnitsMending(path.substr(1, end - 1)));
     if (home.empty()) return std::u16string(path);
     return withoutSpareSlashes(unitsFromUTF8Mending(home) + std::u16string(path.substr(end)));
 }
@@ -191,7 +177,7 @@ NSString* NSString::stringByExpandingTildeInPath() {
 NSString* NSString::stringByAbbreviatingWithTildeInPath() {
     StringUnits units(this);
     std::u16string path = withoutSpareSlashes(units);
-    std::u16string home = withoutSpareSlashes(unitsFromUTF8Mending(homeDirectory("")));
+    std::u16string home = withoutSpareSlashes(unitsFromUTF8Mending(homeFolderOfUser("")));
     bool isBelow = home.size() > 1 && path.starts_with(home) &&
                    (path.size() == home.size() || path[home.size()] == u'/');
     return pathString(this, isBelow ? u"~" + path.substr(home.size()) : path);
@@ -264,9 +250,9 @@ class LinkResolver {
     // The target of the link at the path; empty if there is no link.
     static std::u16string linkTarget(const std::u16string& path) {
         char target[PATH_MAX];
-        ssize_t size = readlink(utf8FromUnitsMending(path).c_str(), target, sizeof target);
+        ssize_t size = readlink(systemPath(path).c_str(), target, sizeof target);
         if (size <= 0) return {};
-        return unitsFromUTF8Mending({target, static_cast<std::size_t>(size)});
+        return unitsOfSystemPath({target, static_cast<std::size_t>(size)});
     }
 
     bool _isAbsolute = false;

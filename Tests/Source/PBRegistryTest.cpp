@@ -97,7 +97,7 @@ TEST_F(PBRegistryTest, LogsBundleFileAndReasonOfDeclarationsThatCannotBeReadAndP
     EXPECT_THAT(log.lines.back(), EndsWith("it is no regular file"));
     registry->addProfilesFromPath_bundle(NSString::ofUTF8(folder.path("missing.plist")), nullptr);
     EXPECT_THAT(log.lines.back(), EndsWith("missing.plist cannot be read: the file cannot be read: "
-                                           "No such file or directory"));
+                                           "the file does not exist"));
     registry->addProfilesFromBundle(nullptr);
     EXPECT_EQ(shown(registry->setVersion(), listener->takeCount()), "0 8");
 }

@@ -2,39 +2,23 @@
 #include "Foundation/Files/DefaultsFile.h"
 
 #include <fcntl.h>
-#include <pwd.h>
 #include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <vector>
 
 #include "Foundation/Files/FileContents.h"
+#include "Foundation/Files/UserFolders.h"
 #include "Foundation/NSData.h"
+#include "Foundation/NSFileError.h"
 #include "Foundation/NSLog.h"
 #include "Foundation/NSPropertyListError.h"
 #include "Foundation/NSPropertyListSerialization.h"
 
 namespace pelvor {
 namespace {
-
-std::string homeFolder() {
-    if (const char* home = std::getenv("HOME"); home && *home == '/') return home;
-    std::vector<char> buffer(16384);
-    passwd entry;
-    passwd* found = nullptr;
-    if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || !found) return "/";
-    return found->pw_dir;
-}
-
-// Relative paths are not allowed there and count as absent.
-std::string configurationFolder() {
-    if (const char* folder = std::getenv("XDG_CONFIG_HOME"); folder && *folder == '/') return folder;
-    return homeFolder() + "/.config";
-}
 
 bool isSameFile(const struct stat& a, const struct stat& b) {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
@@ -44,7 +28,8 @@ bool isSameFile(const struct stat& a, const struct stat& b) {
 }  // namespace
 
 DefaultsFile::DefaultsFile(const std::string& domain)
-    : _folder(configurationFolder() + "/pelvor"), _path(_folder + "/" + domain + ".plist") {}
+    : _folder(userFolder("XDG_CONFIG_HOME", ".config") + "/pelvor"),
+      _path(_folder + "/" + domain + ".plist") {}
 
 DefaultsFile::Lock::Lock(const DefaultsFile& file)
     : _folder(::open(file._folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
@@ -74,7 +59,7 @@ DefaultsFile::State DefaultsFile::load() {
     if (failure == ENOENT || failure == ENOTDIR) return _state = State::missing;
     std::vector<std::byte> bytes;
     if (!readFile(_path, bytes, FileReading::regularOnly)) {
-        NSLog(u"NSUserDefaults: the settings in %s cannot be read: %s"_ns, _path, reasonOfReading());
+        NSLog(u"NSUserDefaults: the settings in %s cannot be read: %s"_ns, _path, reasonOfFileError(errno));
         return _state = State::unreadable;
     }
     NSPropertyListError* error = nullptr;
@@ -90,13 +75,7 @@ DefaultsFile::State DefaultsFile::load() {
     return _state = State::damaged;
 }
 
-bool DefaultsFile::makeFolder() const {
-    for (std::size_t end = _folder.find('/', 1);; end = _folder.find('/', end + 1)) {
-        if (::mkdir(_folder.substr(0, end).c_str(), 0700) != 0 && errno != EEXIST && end == _folder.npos)
-            return false;
-        if (end == _folder.npos) return true;
-    }
-}
+bool DefaultsFile::makeFolder() const { return makeFolders(_folder, 0700); }
 
 // The new name is one that no other file has; the tenth damaged file takes the place of the ninth.
 bool DefaultsFile::keepDamagedFile() const {
@@ -115,7 +94,7 @@ bool DefaultsFile::save(NSDictionary* content) {
         content, NSPropertyListXMLFormat_v1_0, 0, nullptr);
     bool isKept = _state != State::damaged || keepDamagedFile();
     if (!data || !isKept || !writeFile(_path, data->span(), FileWriting::atomicPrivate)) {
-        const char* reason = data ? std::strerror(errno) : "they are no property list";
+        const char* reason = data ? reasonOfFileError(errno, FileUse::writing) : "they are no property list";
         NSLog(u"NSUserDefaults: the settings cannot be written to %s: %s"_ns, _path, reason);
         return false;
     }

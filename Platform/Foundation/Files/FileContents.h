@@ -19,8 +19,8 @@ enum class FileReading : unsigned char {
 bool readFile(const std::string& path, std::vector<std::byte>& content,
               FileReading reading = FileReading::any);
 
-/// The reason in `errno` in words: "No such file or directory", "it is no regular file".
-const char* reasonOfReading();
+/// Writes all bytes to an open file. Returns false with the reason in `errno` on failure.
+bool writeAll(int file, std::span<const std::byte> content);
 
 enum class FileWriting : unsigned char {
     direct,        ///< into the file itself; a failure may leave a part of the content

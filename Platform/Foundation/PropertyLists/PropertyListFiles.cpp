@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/PropertyLists/PropertyListFiles.h"
 
+#include <cerrno>
 #include <vector>
 
 #include "Foundation/Files/FileContents.h"
+#include "Foundation/Files/SystemPath.h"
 #include "Foundation/NSData.h"
 #include "Foundation/NSDictionary.h"
+#include "Foundation/NSFileError.h"
 #include "Foundation/NSString.h"
 #include "Foundation/PropertyLists/PropertyListFault.h"
 #include "Foundation/PropertyLists/PropertyListReading.h"
@@ -16,8 +19,8 @@ Retained<Object> readPropertyListFile(NSString* path, NSPropertyListMutabilityOp
                                       NSPropertyListFormat* format) {
     if (!path) throw PropertyListFault{"the path is null"};
     std::vector<std::byte> content;
-    if (!readFile(path->toUTF8(), content, FileReading::regularOnly))
-        throw PropertyListFault{std::string("the file cannot be read: ") + reasonOfReading()};
+    if (!readFile(systemPath(path), content, FileReading::regularOnly))
+        throw PropertyListFault{std::string("the file cannot be read: ") + reasonOfFileError(errno)};
     std::string_view bytes(reinterpret_cast<const char*>(content.data()), content.size());
     if (format) *format = propertyListFormatOf(bytes);
     if (bytes.empty() && path->hasSuffix(u".strings"_ns)) return NSDictionary::init();
@@ -27,7 +30,8 @@ Retained<Object> readPropertyListFile(NSString* path, NSPropertyListMutabilityOp
 bool writePropertyListFile(id list, NSString* path, bool isAtomic) {
     NSData* data = NSPropertyListSerialization::dataWithPropertyList_format_options_error(
         list, NSPropertyListXMLFormat_v1_0, 0, nullptr);
-    return data && path && data->writeToFile_atomically(path, isAtomic);
+    if (!data) errno = EINVAL;
+    return data && data->writeToFile_atomically(path, isAtomic);
 }
 
 }  // namespace pelvor

@@ -199,7 +199,7 @@ TEST(PropertyLists, TellTheirFormatToThoseWhoAsk) {
     auto readFile = &NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error;
     NSPropertyListError* reason = nullptr;
     for (auto [path, expected] :
-         {std::pair{u"/no/file"_ns, "the file cannot be read: No such file or directory"},
+         {std::pair{u"/no/file"_ns, "the file cannot be read: the file does not exist"},
           {u"/dev/null"_ns, "the file cannot be read: it is no regular file"},
           {static_cast<NSString*>(nullptr), "the path is null"}}) {
         EXPECT_FALSE(readFile(path, NSPropertyListImmutable, nullptr, &reason));

@@ -227,7 +227,7 @@ TEST_F(UserDefaultsFiles, ThatCannotBeWrittenLeaveTheChangesForLaterAndLinksAreF
     folder.write(config, "no folder");
     auto defaults = open();
     EXPECT_FALSE(save(defaults, u"a"_ns, u"1"_ns));
-    EXPECT_THAT(log.lines, Contains(EndsWith("Test.plist: Not a directory")));
+    EXPECT_THAT(log.lines, Contains(EndsWith("Test.plist: a part of the path is no folder")));
     fs::remove(config);
     EXPECT_TRUE(defaults->synchronize());
     EXPECT_EQ(found(u"a"_ns), "1");
@@ -236,7 +236,7 @@ TEST_F(UserDefaultsFiles, ThatCannotBeWrittenLeaveTheChangesForLaterAndLinksAreF
     fs::create_directories(path);
     EXPECT_FALSE(save(open().get(), u"a"_ns, u"1"_ns));
     EXPECT_TRUE(fs::is_directory(path));
-    EXPECT_THAT(log.lines, Contains(EndsWith("cannot be read: Is a directory")));
+    EXPECT_THAT(log.lines, Contains(EndsWith("cannot be read: it is a folder")));
     fs::remove(path);
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     EXPECT_EQ(found(u"a"_ns), "(null)");

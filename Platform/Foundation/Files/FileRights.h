@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+// Owner, group, access rights and access list of a file; for Foundation's own sources.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <string>
+#include <vector>
+
+namespace pelvor {
+
+/// What one file has and another is to get.
+class FileRights {
+  public:
+    /// Of an open file.
+    FileRights(int file, const struct stat& status);
+    FileRights(const std::string& path, const struct stat& status);
+
+    /// Sets them on an open file as far as the user may. A group for which the rights were not meant gets no
+    /// more rights than everybody.
+    void giveTo(int file) const;
+
+  private:
+    bool giveListTo(int file) const;
+
+    struct stat _status;
+    std::vector<char> _list;
+};
+
+/// What the process gives to a new file.
+mode_t rightsOfNewFile();
+
+}  // namespace pelvor
