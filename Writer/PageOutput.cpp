@@ -2,16 +2,18 @@
 #include "Writer/PageOutput.h"
 
 #include "Foundation/NSArray.h"
-#include "Foundation/NSAttributedString.h"
+#include "Foundation/NSMutableAttributedString.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNumber.h"
 #include "PBProfileKeys.h"
+#include "Runtime/AutoreleasePool.h"
 #include "Writer/LocalizedText.h"
 #include "Writer/PlugInObjects.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
 #include "Writer/WRArguments.h"
 #include "Writer/WRDocument.h"
+#include "Writer/WRLanguage.h"
 #include "Writer/WRReport.h"
 
 namespace pelvor {
@@ -23,7 +25,38 @@ PBProfile* setterFor(PBProfileSet* profiles, NSString* format) {
     return found->count() ? static_cast<PBProfile*>(found->objectAtIndex(0)) : nullptr;
 }
 
-NSDictionary* optionsFor(WRDocument* document, WRArguments* arguments) {
+// An object that tells the languages of texts apart; null if there is none.
+Retained<Object> languageFinder(PBProfileSet* profiles) {
+    const SEL question = "languageOfText:"_sel;
+    for (id profile : profiles->profilesOfType(PBProfileDocumentServiceType)->profiles()) {
+        Class* cls = static_cast<PBProfile*>(profile)->profileClass();
+        if (cls && cls->instancesRespondTo(question))
+            return makePlugInObject(static_cast<PBProfile*>(profile));
+    }
+    return nullptr;
+}
+
+// The document's text with the languages of its paragraphs, as far as they can be told, so that words are
+// divided by them. Rich text has languages of its own if anybody named them.
+Retained<NSAttributedString> textWithLanguages(WRDocument* document, PBProfileSet* profiles) {
+    auto text = document->richText() ? document->richText()->mutableCopy()
+                                     : NSMutableAttributedString::initWithString(document->text());
+    auto finder = languageFinder(profiles);
+    if (!finder) return text;
+    for (NSUInteger i = 0; i < document->paragraphCount(); ++i) {
+        AutoreleasePool pool;
+        const NSRange range = document->rangeOfParagraphAtIndex(i);
+        if (range.length == 0 ||
+            text->attribute_atIndex_effectiveRange(WRLanguageAttributeKey, range.location, nullptr))
+            continue;
+        auto* name = send<NSString*>(finder.get(), "languageOfText:"_sel, document->paragraphAtIndex(i));
+        if (WRLanguage* language = WRLanguage::languageWithIdentifier(name))
+            text->addAttribute_value_range(WRLanguageAttributeKey, language, range);
+    }
+    return text;
+}
+
+NSDictionary* optionsFor(WRDocument* document, WRArguments* arguments, PBProfileSet* profiles) {
     auto* options = NSMutableDictionary::dictionary();
     const auto set = [options](NSString* key, id value) {
         if (value) options->setObject_forKey(value, key);
@@ -33,7 +66,7 @@ NSDictionary* optionsFor(WRDocument* document, WRArguments* arguments) {
             set(key, NSNumber::numberWithUnsignedInt(arguments->numberOfOption(option)));
     };
     set(WRTitleKey, document->path()->lastPathComponent());
-    if (document->richText()) set(WRRichTextKey, document->richText()->copy().get());
+    set(WRRichTextKey, textWithLanguages(document, profiles).get());
     set(WRDocumentSettingsKey, document->settings());
     set(WRStyleSheetKey, arguments->valueOfOption(u"--style-sheet"_ns));
     set(WRPaperKey, arguments->valueOfOption(u"--paper"_ns));
@@ -62,7 +95,7 @@ NSString* writePages(WRDocument* document, NSString* format, WRArguments* argume
     if (!setter)
         return localizedFormat(u"_There is no plug-in that sets pages in the format \"%@\"."_ns, format);
     NSDictionary* answer = askPlugIn(setter, "writePagesOfText:format:toPath:options:"_sel, document->text(),
-                                     format, path, optionsFor(document, arguments));
+                                     format, path, optionsFor(document, arguments, profiles));
     NSString* problem = problemOfAnswer(answer, WRPageCountKey, setter);
     if (!problem) reportPages(report, setter, answer);
     return problem;

@@ -56,6 +56,10 @@ namespace pelvor {
 //         Returns what was found: from names, in the user's language, to strings or numbers, in the order in
 //         which they are to be shown.
 //
+//     NSString* languageOfText:(NSString*)
+//         Services that tell languages apart may have this method. Returns the identifier of the text's
+//         language, "fr", or null.
+//
 // PBProfileDocumentTypesKey of readers and writers lists file extensions in lower case, and "*" for
 // every document. Profiles that name a document's extension go before those with "*", and among equals the
 // ones with the lower PBProfilePaletteOrderKey go first; services run in that order, too.
@@ -113,6 +117,16 @@ inline constexpr NSString* WRResolutionKey = u"resolution"_ns;
 inline constexpr NSString* WRPageCountKey = u"page count"_ns;
 /// An array of strings: the paths of the files that were written.
 inline constexpr NSString* WRPathsKey = u"paths"_ns;
+
+// Attributes of text, which the library names too (NSAttributedString-PelvorAdditions.h); here for readers
+// that have no use for fonts
+
+/// A string: the name of the paragraph style that a style sheet describes, "heading 1".
+inline constexpr NSString* WRParagraphStyleNameKey = u"PBStyleParagraph"_ns;
+/// A string: the name of the character style, "emphasis".
+inline constexpr NSString* WRCharacterStyleNameKey = u"PBStyleCharacter"_ns;
+/// A WRLanguage.
+inline constexpr NSString* WRLanguageAttributeKey = u"PBLanguage"_ns;
 
 // Values of WRErrorKey
 

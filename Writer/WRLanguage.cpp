@@ -3,8 +3,10 @@
 
 #include <algorithm>
 
+#include "Foundation/NSArray.h"
 #include "Foundation/NSAttributedString.h"
 #include "Foundation/NSMutableDictionary.h"
+#include "Foundation/UserLanguages.h"
 #include "NSString-PelvorAdditions.h"
 #include "Writer/WRBoundaryScanner.h"
 #include "Writer/WriterLibrary.h"
@@ -13,6 +15,7 @@ namespace pelvor {
 
 PELVOR_DEFINE_CLASS(WRLanguage, writerLibrary) {
     methods.classLevel<"languageWithIdentifier:", &WRLanguage::languageWithIdentifier>();
+    methods.classLevel<"systemLanguage", &WRLanguage::systemLanguage>();
     methods.instance<"identifier", &WRLanguage::identifier>();
     methods.instance<"isRightToLeft", &WRLanguage::isRightToLeft>();
     methods.instance<"rangeWithGranularity:forString:range:",
@@ -84,6 +87,11 @@ WRLanguage* WRLanguage::languageWithIdentifier(NSString* identifier) {
     language->_identifier = identifier->copy();
     languages->setObject_forKey(language, identifier);
     return language;
+}
+
+WRLanguage* WRLanguage::systemLanguage() {
+    NSArray* languages = userLanguages();
+    return languageWithIdentifier(languages->count() ? cast<NSString>(languages->objectAtIndex(0)) : u""_ns);
 }
 
 bool WRLanguage::isRightToLeft() { return isLanguageWrittenRightToLeft(_identifier); }

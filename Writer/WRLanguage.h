@@ -27,6 +27,8 @@ class WRLanguage : public NSObject {
   public:
     /// The language of an identifier such as "fr" or "pt_BR"; "" is no language in particular. Null for null.
     static WRLanguage* languageWithIdentifier(NSString* identifier);
+    /// The first language of the user.
+    static WRLanguage* systemLanguage();
 
     NSString* identifier() { return _identifier; }
     bool isRightToLeft();

@@ -18,7 +18,7 @@ extern PELVOR_EXPORT NSString* const
     NSStrikethroughStyleAttributeName;  ///< NSNumber, an NSUnderlineStyle; none
 extern PELVOR_EXPORT NSString* const NSStrikethroughColorAttributeName;  ///< NSColor; the text's colour
 extern PELVOR_EXPORT NSString* const
-    NSSuperscriptAttributeName;  ///< NSNumber: levels up, or down if negative; 0
+    NSSuperscriptAttributeName;  ///< NSNumber: levels up, or down if negative, in smaller letters; 0
 extern PELVOR_EXPORT NSString* const NSBaselineOffsetAttributeName;  ///< NSNumber: points up; 0
 extern PELVOR_EXPORT NSString* const NSKernAttributeName;  ///< NSNumber: points added after each character; 0
 extern PELVOR_EXPORT NSString* const

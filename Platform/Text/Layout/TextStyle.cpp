@@ -12,8 +12,10 @@
 namespace pelvor {
 namespace {
 
-// A level of superscript moves text by this share of its font's size.
-constexpr double kSuperscriptShift = 0.35;
+// Superscripts and subscripts are this much smaller than their font says, and each level moves them by a
+// share of the font's size.
+constexpr float kScriptSize = 0.65F;
+constexpr double kSuperscriptShift = 0.35, kSubscriptShift = 0.16;
 
 std::shared_ptr<const TextStyle> readStyle(NSDictionary* attributes, NSLayoutManager* layoutManager) {
     auto style = std::make_shared<TextStyle>();
@@ -31,9 +33,13 @@ std::shared_ptr<const TextStyle> readStyle(NSDictionary* attributes, NSLayoutMan
     style->kern = extentOf(number(NSKernAttributeName, 0));
     style->ligatures = static_cast<int>(number(NSLigatureAttributeName, 1));
     style->expansion = std::exp(std::clamp(number(NSExpansionAttributeName, 0), -3.0, 3.0));
+    const double level = number(NSSuperscriptAttributeName, 0);
+    const double size = static_cast<double>(style->font->pointSize());
     style->shift = extentOf(number(NSBaselineOffsetAttributeName, 0) +
-                            number(NSSuperscriptAttributeName, 0) * kSuperscriptShift *
-                                static_cast<double>(style->font->pointSize()));
+                            level * size * (level < 0 ? kSubscriptShift : kSuperscriptShift));
+    if (level != 0)
+        style->font.set(NSFont::fontWithVariant_size(style->font->sharedVariant(),
+                                                     style->font->pointSize() * kScriptSize));
     if (NSString* language = layoutManager->languageForAttributes(attributes))
         style->language = language->toUTF8();
     return style;

@@ -30,6 +30,8 @@ bool goesBefore(const Language& a, const Language& b) {
            send<int>(b.profile->valueForKey(PBProfilePaletteOrderKey), "intValue"_sel);
 }
 
+}  // namespace
+
 // The registered languages, and for each of their common words the languages that have it.
 class LanguageTable {
   public:
@@ -42,9 +44,17 @@ class LanguageTable {
                 if (auto* text = cast<NSString>(word)) _words[text->toUTF16()].push_back(i);
     }
 
-    /// Counts the paragraph for its language. Returns false if no language has more of the words than every
+    /// Counts the paragraph for its language. Returns null if no language has more of the words than every
     /// other.
-    bool take(std::u16string_view paragraph) {
+    Language* take(NSString* text) {
+        StringUnits paragraph(text->lowercaseString());
+        return take(std::u16string_view(paragraph));
+    }
+
+    const std::vector<Language>& languages() const { return _languages; }
+
+  private:
+    Language* take(std::u16string_view paragraph) {
         std::vector<unsigned> votes(_languages.size());
         NSCharacterSet* letters = _pbLettersCharacterSet;
         for (std::size_t i = 0; i < paragraph.size();) {
@@ -55,14 +65,12 @@ class LanguageTable {
         }
         const auto best = std::max_element(votes.begin(), votes.end());
         if (best == votes.end() || *best == 0 || std::count(votes.begin(), votes.end(), *best) > 1)
-            return false;
-        ++_languages[static_cast<std::size_t>(best - votes.begin())].paragraphCount;
-        return true;
+            return nullptr;
+        Language& language = _languages[static_cast<std::size_t>(best - votes.begin())];
+        ++language.paragraphCount;
+        return &language;
     }
 
-    const std::vector<Language>& languages() const { return _languages; }
-
-  private:
     void vote(std::u16string_view word, std::vector<unsigned>& votes) {
         const auto found = _words.find(std::u16string(word));
         if (found == _words.end()) return;
@@ -73,10 +81,18 @@ class LanguageTable {
     std::unordered_map<std::u16string, std::vector<std::size_t>> _words;
 };
 
-}  // namespace
-
 PELVOR_DEFINE_CLASS(WRLanguageFinder, languageFinderPlugIn) {
+    methods.instance<"languageOfText:", &WRLanguageFinder::languageOfText>();
     methods.instance<"examineDocument:", &WRLanguageFinder::examineDocument>();
+}
+
+WRLanguageFinder::WRLanguageFinder() = default;
+WRLanguageFinder::~WRLanguageFinder() = default;
+
+NSString* WRLanguageFinder::languageOfText(NSString* text) {
+    if (!_table) _table = std::make_unique<LanguageTable>();
+    Language* language = _table->take(text);
+    return language ? cast<NSString>(language->profile->valueForKey(u"code"_ns)) : nullptr;
 }
 
 NSDictionary* WRLanguageFinder::examineDocument(id document) {
@@ -86,8 +102,7 @@ NSDictionary* WRLanguageFinder::examineDocument(id document) {
     for (NSUInteger i = 0; i < count; ++i) {
         AutoreleasePool pool;
         auto* paragraph = send<NSString*>(document, "paragraphAtIndex:"_sel, i);
-        StringUnits units(paragraph->lowercaseString());
-        if (!table.take(units)) ++undecided;
+        if (!table.take(paragraph)) ++undecided;
     }
     auto* found = NSMutableDictionary::dictionary();
     auto add = [&](NSUInteger number, NSString* name) {

@@ -2,11 +2,15 @@
 // WRLanguageFinder: tells the languages of a document's paragraphs.
 #pragma once
 
+#include <memory>
+
 #include "Runtime/Class.h"
 
 namespace pelvor {
 
+class LanguageTable;
 class NSDictionary;
+class NSString;
 
 /// Counts the paragraphs in each language. The languages are the registered profiles of that kind; a
 /// paragraph is in the language that has most of its words under "common words".
@@ -15,10 +19,14 @@ class WRLanguageFinder : public NSObject {
 
   public:
     NSDictionary* examineDocument(id document);
+    NSString* languageOfText(NSString* text);
 
   protected:
-    WRLanguageFinder() = default;
-    ~WRLanguageFinder() = default;
+    WRLanguageFinder();
+    ~WRLanguageFinder();
+
+  private:
+    std::unique_ptr<LanguageTable> _table;  // once somebody asks for the language of a text
 };
 
 }  // namespace pelvor

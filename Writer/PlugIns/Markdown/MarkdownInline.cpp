@@ -35,7 +35,7 @@ class InlineText {
   public:
     explicit InlineText(View source) : _source(source) {}
 
-    std::u16string text() {
+    MarkdownText text() {
         while (_place < _source.size()) step();
         return withoutDropped();
     }
@@ -88,13 +88,21 @@ class InlineText {
         copy(1);
     }
 
+    // Each unit gets a mark of each kind and length at most once.
+    void setStyle(std::size_t from, std::uint8_t style) {
+        _styles.resize(_text.size());
+        for (std::size_t i = from; i < _styles.size(); ++i) _styles[i] |= style;
+    }
+
     // A run of n marks ends at the next run of n.
     void takeCode() {
         const std::size_t length = runLength();
         const std::size_t start = _place + length;
         const std::size_t end = codeEnd(start, length);
         if (end == kNone) return copy(length);
+        const std::size_t first = _text.size();
         _text += _source.substr(start, end - start);
+        setStyle(first, kMarkdownCode);
         _place = end + length;
     }
     std::size_t codeEnd(std::size_t from, std::size_t length) {
@@ -121,6 +129,7 @@ class InlineText {
             if (opener != kNone && !isSpace(before)) {
                 drop(opener, length);
                 drop(_text.size(), length);
+                setStyle(opener, kEmphasisStyles[length]);
                 opener = kNone;
             } else if (!isSpace(after)) {
                 opener = _text.size();
@@ -173,26 +182,33 @@ class InlineText {
         copy(1);
     }
 
-    std::u16string withoutDropped() {
+    MarkdownText withoutDropped() {
         std::sort(_dropped.begin(), _dropped.end());
-        std::u16string text;
+        _styles.resize(_text.size());
+        MarkdownText kept;
         std::size_t from = 0;
-        for (std::size_t place : _dropped) {
-            if (place < from) continue;
-            text.append(_text, from, place - from);
+        const auto keepUpTo = [&](std::size_t place) {
+            if (place < from) return;
+            kept.text.append(_text, from, place - from);
+            kept.styles.append(_styles, from, place - from);
             from = place + 1;
-        }
-        return text.append(_text, from);
+        };
+        for (std::size_t place : _dropped) keepUpTo(place);
+        keepUpTo(_text.size());
+        return kept;
     }
 
     static constexpr std::size_t kEmphasisLengths = 4;
+    static constexpr std::uint8_t kEmphasisStyles[kEmphasisLengths] = {
+        kMarkdownPlain, kMarkdownEmphasis, kMarkdownStrong, kMarkdownEmphasis | kMarkdownStrong};
     using Openers = std::array<std::size_t, kEmphasisLengths>;
 
     View _source;
     std::size_t _place = 0;
     std::u16string _text;
-    std::vector<std::size_t> _dropped;   // places in _text
-    std::vector<std::size_t> _brackets;  // those of "[" in _text
+    std::basic_string<std::uint8_t> _styles;  // as far as the last mark reaches
+    std::vector<std::size_t> _dropped;        // places in _text
+    std::vector<std::size_t> _brackets;       // those of "[" in _text
     std::array<Openers, 2> _openers{{{kNone, kNone, kNone, kNone}, {kNone, kNone, kNone, kNone}}};
     std::array<bool, 32> _hasNoCodeEnd{};
     bool _hasNoRoundBracket = false;
@@ -202,6 +218,6 @@ class InlineText {
 
 }  // namespace
 
-std::u16string textOfMarkdownParagraph(View source) { return InlineText(source).text(); }
+MarkdownText textOfMarkdownParagraph(View source) { return InlineText(source).text(); }
 
 }  // namespace pelvor

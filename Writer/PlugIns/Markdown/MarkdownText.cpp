@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/Markdown/MarkdownText.h"
 
-#include "Writer/PlugIns/Markdown/MarkdownInline.h"
+#include <utility>
 
 namespace pelvor {
 namespace {
@@ -22,14 +22,14 @@ std::size_t countOf(View line, char16_t mark) {
     return end == View::npos ? line.size() : end;
 }
 
-// The text of "## Heading ##"; no value for a line that is no heading.
-bool takeHeading(View& line) {
+// The level of "## Heading ##", which becomes the text; 0 for a line that is no heading.
+std::size_t takeHeading(View& line) {
     const std::size_t level = countOf(line, u'#');
-    if (level == 0 || level > 6 || (level < line.size() && !isSpace(line[level]))) return false;
+    if (level == 0 || level > 6 || (level < line.size() && !isSpace(line[level]))) return 0;
     line = trimmed(line.substr(level));
     const std::size_t last = line.find_last_not_of(u'#');
     if (last == View::npos || isSpace(line[last])) line = trimmed(line.substr(0, last + 1));
-    return true;
+    return level;
 }
 
 bool isFence(View line) { return countOf(line, u'`') >= 3 || countOf(line, u'~') >= 3; }
@@ -77,14 +77,17 @@ class MarkdownBlocks {
     void takeLine(View line) {
         if (_isInFence || isFence(trimmed(line))) return takeFenced(line);
         line = trimmed(line);
+        const bool isQuoted = !line.empty() && line[0] == u'>';
         while (!line.empty() && line[0] == u'>') line = trimmed(line.substr(1));
+        if (!_paragraph.empty() && isUnderline(line)) _style = headingStyle(line[0] == u'=' ? 1 : 2);
         if (line.empty() || (!_paragraph.empty() && isUnderline(line)) || isRule(line)) return endParagraph();
         if (isLinkDefinition(line) && _paragraph.empty()) return;
-        if (takeHeading(line)) return takeHeadingText(line);
+        if (const std::size_t level = takeHeading(line)) return takeHeadingText(line, level);
         if (const std::size_t length = listMarkLength(line)) return startItem(line, length);
+        if (isQuoted && _paragraph.empty()) _style = kMarkdownQuote;
         continueParagraph(line);
     }
-    std::u16string finish() {
+    MarkdownText finish() {
         endParagraph();
         return std::move(_text);
     }
@@ -96,17 +99,24 @@ class MarkdownBlocks {
             _isInFence = !_isInFence;
         } else {
             if (!line.empty() && line.back() == u'\r') line.remove_suffix(1);
-            _text.append(line).push_back(u'\n');
+            _text.text.append(line).push_back(u'\n');
+            _text.styles.resize(_text.text.size(), kMarkdownCodeLine);
         }
     }
-    void takeHeadingText(View line) {
+    static std::uint8_t headingStyle(std::size_t level) {
+        return static_cast<std::uint8_t>(kMarkdownHeading + level * kMarkdownLevel);
+    }
+    void takeHeadingText(View line, std::size_t level) {
         endParagraph();
         _paragraph = line;
+        _style = headingStyle(level);
         endParagraph();
     }
     void startItem(View line, std::size_t markLength) {
         endParagraph();
-        _paragraph = isDigit(line[0]) ? line.substr(0, markLength) : View(u"• ");
+        _paragraph = isDigit(line[0]) ? line.substr(0, markLength - 1) : View(u"•");
+        _paragraph.push_back(u'\t');
+        _style = kMarkdownListItem;
         _paragraph += trimmed(line.substr(markLength));
     }
     void continueParagraph(View line) {
@@ -114,20 +124,24 @@ class MarkdownBlocks {
         _paragraph += line;
     }
     void endParagraph() {
+        const std::uint8_t style = std::exchange(_style, kMarkdownPlain);
         if (_paragraph.empty()) return;
-        _text += textOfMarkdownParagraph(_paragraph);
-        _text.push_back(u'\n');
+        const MarkdownText paragraph = textOfMarkdownParagraph(_paragraph);
+        _text.text.append(paragraph.text).push_back(u'\n');
+        for (std::uint8_t marks : paragraph.styles) _text.styles.push_back(marks | style);
+        _text.styles.push_back(style);
         _paragraph.clear();
     }
 
-    std::u16string _text;
+    MarkdownText _text;
     std::u16string _paragraph;
+    std::uint8_t _style = kMarkdownPlain;  // of the paragraph
     bool _isInFence = false;
 };
 
 }  // namespace
 
-std::u16string textOfMarkdown(View source) {
+MarkdownText textOfMarkdown(View source) {
     MarkdownBlocks blocks;
     while (!source.empty()) {
         const std::size_t end = source.find(u'\n');

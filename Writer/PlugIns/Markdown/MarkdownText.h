@@ -2,14 +2,13 @@
 // Takes the markup out of Markdown text.
 #pragma once
 
-#include <string>
-#include <string_view>
+#include "Writer/PlugIns/Markdown/MarkdownInline.h"
 
 namespace pelvor {
 
 /// The text that a reader of the formatted document would see: one line a paragraph, heading, list item or
 /// line of code, without marks of emphasis, targets of links, underlines and rules. Markup that does not come
 /// in pairs is text. Takes time in proportion to the source, whatever it is. Any thread.
-std::u16string textOfMarkdown(std::u16string_view source);
+MarkdownText textOfMarkdown(std::u16string_view source);
 
 }  // namespace pelvor

@@ -5,7 +5,10 @@
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNumber.h"
+#include "NSAttributedString-PelvorAdditions.h"
 #include "PBUtil.h"
+#include "Runtime/Message.h"
+#include "Runtime/Registry.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/PlugIns/Pages/PageDocument.h"
 #include "Writer/PlugIns/Pages/PageFiles.h"
@@ -16,8 +19,14 @@
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(WRPageSetter, pagesPlugIn) {
+    methods.classLevel<"didLoad", &WRPageSetter::didLoad>();
     methods.instance<"writePagesOfText:format:toPath:options:",
                      &WRPageSetter::writePagesOfText_format_toPath_options>();
+}
+
+void WRPageSetter::didLoad() {
+    if (Class* languages = classNamed("WRLanguage"); languages && !PBSystemLanguage)
+        PBSystemLanguage = send<id>(languages, "systemLanguage"_sel);
 }
 
 namespace {

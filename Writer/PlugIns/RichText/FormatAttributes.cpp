@@ -9,6 +9,7 @@
 #include "Foundation/NSNumber.h"
 #include "NSAttributedString-PelvorAdditions.h"
 #include "Runtime/Message.h"
+#include "Runtime/Registry.h"
 #include "Text/NSColor.h"
 #include "Text/NSFont.h"
 #include "Text/NSMutableParagraphStyle.h"
@@ -73,6 +74,14 @@ bool isUsual(ParagraphFormat format) {
     return format == ParagraphFormat();
 }
 
+// For the layout the name, and for words the object of Writer's class, which programs without Writer lack.
+void setLanguage(NSString* name, NSMutableDictionary* attributes) {
+    attributes->setObject_forKey(name, NSLanguageAttributeName);
+    if (Class* languages = classNamed("WRLanguage"))
+        attributes->setObject_forKey(send<id>(languages, "languageWithIdentifier:"_sel, name),
+                                     PBLanguageAttributeName);
+}
+
 bool says(NSParagraphStyle* style, SEL question) {
     return style->respondsToSelector(question) && send<bool>(style, question);
 }
@@ -115,7 +124,7 @@ Retained<NSDictionary> FormatAttributes::attributesOf(const CharacterFormat& cha
     setColour(NSBackgroundColorAttributeName, character[C::background]);
     setColour(NSUnderlineColorAttributeName, character[C::underlineColour]);
     if (const std::string_view language = languageOfNumber(character[C::language]); !language.empty())
-        set(NSLanguageAttributeName, NSString::ofUTF8(language));
+        setLanguage(NSString::ofUTF8(language), attributes);
     if (const std::int32_t style = character[C::style])
         set(PBStyleCharacterAttributeName, NSString::of(_tables.styles[style]));
     if (const std::int32_t link = character[C::link])
@@ -186,7 +195,7 @@ CharacterFormat AttributeFormats::characterOf(NSDictionary* attributes) {
         } else if (is(NSAttachmentAttributeName)) {
             takePicture(value, format);
         } else if (!is(NSParagraphStyleAttributeName) && !is(PBStyleParagraphAttributeName) &&
-                   !is(PBFontSubstitutedAttributeName)) {
+                   !is(PBFontSubstitutedAttributeName) && !is(PBLanguageAttributeName)) {
             leaveOut(name);
         }
     };
