@@ -51,6 +51,15 @@ class NSPropertyListError;          ///< why a property list cannot be read or w
 class NSPropertyListSerialization;  ///< property lists to bytes and back
 class NSUserDefaults;               ///< the user's settings
 
+// URLs and loading
+class NSHTTPURLResponse;    ///< status and header fields of a server's answer
+class NSMutableURLRequest;  ///< a request that can be changed
+class NSURL;                ///< the address of a resource
+class NSURLConnection;      ///< sends a request and receives the answer
+class NSURLError;           ///< why a URL could not be loaded
+class NSURLRequest;         ///< what is asked of a server
+class NSURLResponse;        ///< what is known of a resource before its content
+
 // Notifications, time and threads
 class ClockScope;            ///< a clock that tests move
 class NSConditionLock;       ///< a lock that is taken in a state

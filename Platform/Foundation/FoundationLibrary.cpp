@@ -13,6 +13,7 @@
 #include "Foundation/NSCountedSet.h"
 #include "Foundation/NSFileError.h"
 #include "Foundation/NSFileManager.h"
+#include "Foundation/NSHTTPURLResponse.h"
 #include "Foundation/NSIndexSet.h"
 #include "Foundation/NSKeyedArchiver.h"
 #include "Foundation/NSKeyedUnarchiver.h"
@@ -20,6 +21,7 @@
 #include "Foundation/NSMutableCharacterSet.h"
 #include "Foundation/NSMutableData.h"
 #include "Foundation/NSMutableIndexSet.h"
+#include "Foundation/NSMutableURLRequest.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSNotificationQueue.h"
 #include "Foundation/NSNull.h"
@@ -33,9 +35,13 @@
 #include "Foundation/NSRecursiveLock.h"
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSScanner.h"
+#include "Foundation/NSString-URL.h"
 #include "Foundation/NSString.h"
 #include "Foundation/NSThread.h"
 #include "Foundation/NSTimer.h"
+#include "Foundation/NSURL-Contents.h"
+#include "Foundation/NSURLConnection.h"
+#include "Foundation/NSURLError.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Foundation/PropertyLists/PropertyListCategories.h"
 #include "Foundation/RunLoop/NSDelayedPerform.h"
@@ -79,6 +85,7 @@ constexpr Class* kClasses[] = {
     &NSExternalString::classRecord,
     &NSFileError::classRecord,
     &NSFileManager::classRecord,
+    &NSHTTPURLResponse::classRecord,
     &NSIndexSet::classRecord,
     &NSInlineArray::classRecord,
     &NSInlineData::classRecord,
@@ -95,6 +102,7 @@ constexpr Class* kClasses[] = {
     &NSMutableIndexSet::classRecord,
     &NSMutableSet::classRecord,
     &NSMutableString::classRecord,
+    &NSMutableURLRequest::classRecord,
     &NSNotification::classRecord,
     &NSNotificationCenter::classRecord,
     &NSNotificationQueue::classRecord,
@@ -119,18 +127,28 @@ constexpr Class* kClasses[] = {
     &NSTableSet::classRecord,
     &NSThread::classRecord,
     &NSTimer::classRecord,
+    &NSURL::classRecord,
+    &NSURLConnection::classRecord,
+    &NSURLError::classRecord,
+    &NSURLRequest::classRecord,
+    &NSURLResponse::classRecord,
     &NSUserDefaults::classRecord,
     &NSValue::classRecord,
 };
 
 constexpr const Category* kCategories[] = {
     &NSArray_PropertyList_category,
+    &NSArray_URLContents_category,
+    &NSData_URLContents_category,
     &NSDictionary_PropertyList_category,
+    &NSDictionary_URLContents_category,
     &NSObject_DelayedPerforming_category,
     &NSObject_MainThread_category,
     &NSProxy_DelayedPerforming_category,
     &NSProxy_MainThread_category,
     &NSString_PropertyList_category,
+    &NSString_URLContents_category,
+    &NSString_URL_category,
 };
 // clang-format on
 
