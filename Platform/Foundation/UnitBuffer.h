@@ -84,12 +84,7 @@ class UnitBuffer {
     }
 
   private:
-    void reserve(std::size_t capacity) {
-        auto* units = static_cast<unichar*>(std::realloc(_units, capacity * sizeof(unichar)));
-        if (!units) throw NSException(NSMallocException, "UnitBuffer: there is no memory for the text");
-        _units = units;
-        _capacity = capacity;
-    }
+    PELVOR_EXPORT void reserve(std::size_t capacity);
 
     unichar* _units = nullptr;
     std::size_t _size = 0;
