@@ -33,6 +33,7 @@ function(pelvor_library)
     set_target_properties(${arg_NAME} PROPERTIES
         EXPORT_NAME ${arg_ALIAS}
         DEFINE_SYMBOL ""
+        INSTALL_RPATH "\$ORIGIN"  # the libraries below are beside it, wherever the prefix is
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
     target_compile_features(${arg_NAME} PUBLIC cxx_std_20)
