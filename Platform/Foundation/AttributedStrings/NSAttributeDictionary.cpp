@@ -7,7 +7,6 @@
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSString.h"
-#include "Runtime/WeakHandle.h"
 
 namespace pelvor {
 
@@ -113,13 +112,30 @@ bool NSAttributeDictionary::isWithValue(NSAttributeDictionary* other, NSString* 
     return true;
 }
 
+Retained<NSAttributeDictionary> NSAttributeDictionary::derived(NSString* key, id value) {
+    std::lock_guard guard(Interned::all().mutex);
+    if (!value || _derived.key != key || _derived.value != value) return nullptr;
+    return cast<NSAttributeDictionary>(_derived.made.object());
+}
+
+void NSAttributeDictionary::rememberDerived(NSString* key, id value, NSAttributeDictionary* made) {
+    for (auto [name, own] : detail::walk(made))
+        if (name == key && own == value) {
+            Derived derived{key, value, WeakHandle(made)};
+            std::lock_guard guard(Interned::all().mutex);
+            std::swap(_derived, derived);
+            return;
+        }
+}
+
 Retained<NSAttributeDictionary> NSAttributeDictionary::withValue(NSString* key, id value) {
+    if (auto made = derived(key, value)) return made;
     id old = objectForKey(key);
     if (areEqual(old, value)) return Retained<NSAttributeDictionary>::retaining(this);
     std::uintptr_t hash = _hash;
     if (old) hash -= 1 + hashOfEntry(key, old);
     if (value) hash += 1 + hashOfEntry(key, value);
-    return intern(
+    auto made = intern(
         hash, [=, this](NSAttributeDictionary* other) { return isWithValue(other, key, value); },
         [=, this] {
             auto changed = make<NSAttributeDictionary>();
@@ -130,6 +146,8 @@ Retained<NSAttributeDictionary> NSAttributeDictionary::withValue(NSString* key, 
                 changed->_table.remove(key);
             return changed;
         });
+    rememberDerived(key, value, made);
+    return made;
 }
 
 Retained<NSAttributeDictionary> NSAttributeDictionary::withEntries(NSDictionary* other) {

@@ -5,6 +5,7 @@
 
 #include "Foundation/Collections/ObjectTables.h"
 #include "Foundation/NSDictionary.h"
+#include "Runtime/WeakHandle.h"
 
 namespace pelvor {
 
@@ -38,8 +39,18 @@ class NSAttributeDictionary final : public NSDictionary {
     static Retained<NSAttributeDictionary> intern(std::uintptr_t hash, Matches matches, Make make);
     static Retained<NSAttributeDictionary> like(NSDictionary* content);
     bool isWithValue(NSAttributeDictionary* other, NSString* key, id value);
+    Retained<NSAttributeDictionary> derived(NSString* key, id value);
+    void rememberDerived(NSString* key, id value, NSAttributeDictionary* made);
+
+    // What `withValue` returned last. As long as that lives, it holds the key and the value.
+    struct Derived {
+        Unretained<NSString> key = nullptr;
+        Unretained<Object> value = nullptr;
+        WeakHandle made;
+    };
 
     EntryTable _table;
+    Derived _derived;
     std::uintptr_t _hash = 0;
     bool _isInterned = false;
 };

@@ -66,7 +66,9 @@ std::vector<NodeRef<TextLeaf>> leavesOf(std::u16string_view units) {
     leaves.reserve(count);
     for (std::size_t i = 1; i <= count; ++i) {
         std::size_t end = units.size() * i / count;
-        leaves.emplace_back(TextLeaf::create(units.substr(start, end - start), TextLeaf::kMost));
+        // Most leaves are never edited; the first edit of one makes room.
+        leaves.emplace_back(
+            TextLeaf::create(units.substr(start, end - start), static_cast<NSUInteger>(end - start)));
         start = end;
     }
     return leaves;

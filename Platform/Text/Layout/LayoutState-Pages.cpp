@@ -75,38 +75,44 @@ void LayoutState::placeLines(Block& block) {
     for (std::size_t i = 0; i < _frontier.line; ++i) top += block.lines[i].advance();
     for (; _frontier.line < block.lines.size(); ++_frontier.line) {
         const Line& line = block.lines[_frontier.line];
-        const NSUInteger unit = _frontier.block.unit + line.start;
-        if (line.followsInLine) continue;
-        // Where lines depend on their place, they know where containers begin.
-        const bool isFirst = _fillings.size() <= _frontier.container;
-        const LongExtent above = isFirst ? line.spacingAbove : 0;
-        const LongExtent bottom = _frontier.y + line.skip + line.height - line.spacingBelow - above;
-        const bool overflows =
-            _isUniform ? !isFirst && bottom > extentOf(static_cast<double>(
-                                                  containers[_frontier.container]->containerSize().height))
-                       : line.startsContainer && !isFirst;
-        if (overflows && !nextContainer()) break;
-        if (overflows || isFirst) {
-            beginContainer(unit, top + line.spacingAbove);
-            _frontier.y = line.skip + line.height - line.spacingAbove;
-        } else {
-            _frontier.y += line.advance();
-        }
+        if (!line.followsInLine && !placeLine(line, _frontier.block.unit + line.start, top)) break;
         top += line.advance();
         if (line.endsContainer && !_blocks.isLast(_frontier.block) && !nextContainer()) {
             ++_frontier.line;
             break;
         }
     }
-    NSUInteger end = _frontier.block.unit + block.units;
-    if (_frontier.isExhausted && _frontier.line < block.lines.size())
+    NSUInteger end = endOf(_frontier.block);
+    if (_frontier.isExhausted && _frontier.line < block.lines.size()) {
         end = _frontier.block.unit + block.lines[_frontier.line].start;
-    else if (_frontier.isExhausted && !_blocks.isLast(_frontier.block)) {
+    } else if (_frontier.isExhausted && !_blocks.isLast(_frontier.block)) {
         _frontier.block = _blocks.next(_frontier.block);
         _frontier.line = 0;
     }
     if (!_fillings.empty()) _fillings.back().end = end;
     while (_toldContainers < _frontier.container) tellDelegate(containers[_toldContainers++], false);
+}
+
+// Places the line, whose upper edge is `top`, in this container or the next; false if there is none.
+bool LayoutState::placeLine(const Line& line, NSUInteger unit, LongExtent top) {
+    const bool isFirst = _fillings.size() <= _frontier.container;
+    if (!isFirst && overflows(line)) {
+        if (!nextContainer()) return false;
+    } else if (!isFirst) {
+        _frontier.y += line.advance();
+        return true;
+    }
+    beginContainer(unit, top + line.spacingAbove);
+    _frontier.y = line.skip + line.height - line.spacingAbove;
+    return true;
+}
+
+// Whether the line has no room below those before it. Lines whose rooms depend on their place know where
+// containers begin.
+bool LayoutState::overflows(const Line& line) const {
+    if (!_isUniform) return line.startsContainer;
+    const LongExtent bottom = _frontier.y + line.skip + line.height - line.spacingBelow;
+    return bottom > extentOf(static_cast<double>(containers[_frontier.container]->containerSize().height));
 }
 
 void LayoutState::retreat(NSUInteger unit) {

@@ -126,6 +126,8 @@ class LayoutState {
     void advance();
     void layOutNext(BlockPlace place);
     void placeLines(Block& block);
+    bool placeLine(const Line& line, NSUInteger unit, LongExtent top);
+    bool overflows(const Line& line) const;
     void beginContainer(NSUInteger unit, LongExtent top);
     bool nextContainer();
     void tellDelegate(NSTextContainer* container, bool isEnd);

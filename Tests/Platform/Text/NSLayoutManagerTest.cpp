@@ -332,6 +332,10 @@ TEST_F(NSLayoutManagerTest, BeginsAContainerBehindAFormFeed) {
     EXPECT_EQ(text.layoutManager->glyphRangeForTextContainer(text.containers[1]), (NSRange{2, 1}));
     text.storage->replaceCharactersInRange_withString({2, 1}, u"bc"_ns);
     EXPECT_EQ(text.layoutManager->glyphRangeForTextContainer(text.containers[1]), (NSRange{2, 2}));
+    text.containers[0]->setExclusionRects(NSArray::of({NSValue::valueWithRect({{40, 0}, {20, 20}})}));
+    text.set(u"aaaa bbb\fc"_ns, plain());
+    ASSERT_EQ(text.lineRange(5), (NSRange{5, 4})) << "the form feed is in a further fragment";
+    EXPECT_EQ(text.layoutManager->glyphRangeForTextContainer(text.containers[1]), (NSRange{9, 1}));
 }
 
 TEST_F(NSLayoutManagerTest, SetsALineThatIsTooHighByItself) {
