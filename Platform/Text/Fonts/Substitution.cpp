@@ -3,6 +3,7 @@
 #include <unicode/uscript.h>
 
 #include <algorithm>
+#include <memory>
 
 #include "Shared/Codepoints.h"
 #include "Text/Fonts/FontCatalogue.h"
@@ -156,7 +157,8 @@ std::uint32_t numberOfVariantFor(const Variant& given, char16_t character) {
         std::uint32_t given, character, found;
     };
     constexpr std::size_t kSize = 2048;
-    static constinit thread_local Known known[kSize] = {};
+    // Not in the thread's own memory, of which there is little left for a library that a plug-in brings.
+    static thread_local const auto known = std::make_unique<Known[]>(kSize);
     Known& slot = known[(given->number() * 0x9E3779B1u ^ character) % kSize];
     if (slot.given != given->number() || slot.character != character)
         slot = {given->number(), character, variantFor(given, {&character, 1})->number()};

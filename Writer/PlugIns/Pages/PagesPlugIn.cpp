@@ -19,5 +19,3 @@ constexpr Class* kClasses[] = {&WRPageLayoutManager::classRecord, &WRPageSetter:
 constinit Library pagesPlugIn{"Pages", kDependencies, kClasses, {}};
 
 }  // namespace pelvor
-
-PELVOR_PLUGIN(pelvor::pagesPlugIn)

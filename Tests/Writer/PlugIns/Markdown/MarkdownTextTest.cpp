@@ -39,6 +39,29 @@ TEST(MarkdownText, IsWhatAReaderOfTheDocumentSees) {
         EXPECT_EQ(textOfMarkdown(source).text, text) << situation;
 }
 
+// A style for each unit: digits for marks of characters, behind "h1", "l" (list), "c" (code), "q" (quotation).
+TEST(MarkdownText, KeepsWhatTheMarkupSaid) {
+    const auto stylesOf = [](std::u16string_view source) {
+        const MarkdownText read = textOfMarkdown(source);
+        EXPECT_EQ(read.text.size(), read.styles.size());
+        std::string shown;
+        for (std::size_t i = 0; i < read.styles.size(); ++i) {
+            const int style = read.styles[i], kind = style & ~7;
+            if (i == 0 || read.text[i - 1] == u'\n') {
+                if (kind & kMarkdownHeading) shown += "h" + std::to_string(kind / kMarkdownLevel);
+                if (kind == kMarkdownListItem) shown += "l";
+                if (kind == kMarkdownCodeLine) shown += "c";
+                if (kind == kMarkdownQuote) shown += "q";
+            }
+            shown += read.text[i] == u'\n' ? " " : std::to_string(style & 7);
+        }
+        return shown;
+    };
+    EXPECT_EQ(stylesOf(u"# a\n## b ##\nc\n==\nd\n--"), "h10 h20 h10 h20 ");
+    EXPECT_EQ(stylesOf(u"- a\n\n> b\n\n```\nc\n```\nd"), "l000 q0 c0 0 ");
+    EXPECT_EQ(stylesOf(u"a*b*__c *d*__`e`***f***"), "0122343 ");
+}
+
 // Marks that find no partner must not be looked for again and again: such a paragraph would take minutes.
 TEST(MarkdownText, TakesTimeInProportionWhateverTheSource) {
     for (const char16_t* piece : {u"[", u"[a](", u"`a``b", u"*a_b", u"<http://", u"> ", u"]("}) {

@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/PlugIns/Pages/Pagination.h"
+
+#include "Foundation/NSMutableAttributedString.h"
+#include "Foundation/NSMutableDictionary.h"
+#include "Prelude.h"
+#include "Text/NSMutableParagraphStyle.h"
+
+namespace {
+
+constexpr float kLineHeight = 10;
+
+// A text whose paragraphs are the words, with a line for each letter. Signs before a word are the paragraph's
+// rules: "+" keeps it with the next one, "=" together, "!" begins a page; "/" is a page break.
+Retained<NSTextStorage> textOf(const std::string& words) {
+    auto text = NSTextStorage::initWithString(u""_ns);
+    PageRules rules;
+    std::u16string paragraph;
+    const auto end = [&](char16_t mark) {
+        if (paragraph.empty() && mark == u'\n') return;
+        auto style = NSMutableParagraphStyle::init();
+        style->setMinimumLineHeight(kLineHeight);
+        style->setMaximumLineHeight(kLineHeight);
+        auto attributes = NSMutableDictionary::init();
+        attributes->setObject_forKey(WRSheetParagraphStyle::create(style, rules).get(),
+                                     NSParagraphStyleAttributeName);
+        paragraph.push_back(mark);
+        text->appendAttributedString(
+            NSAttributedString::initWithString_attributes(NSString::of(paragraph), attributes).get());
+        rules = {};
+        paragraph.clear();
+    };
+    for (char sign : words) {
+        if (sign == '+')
+            rules.isKeepWithNext = true;
+        else if (sign == '=')
+            rules.isKeepTogether = true;
+        else if (sign == '!')
+            rules.isPageBreakBefore = true;
+        else if (sign == ' ' || sign == '/')
+            end(sign == ' ' ? u'\n' : u'\f');
+        else
+            paragraph += (paragraph.empty() ? u"" : u"\u2028") + std::u16string(1, static_cast<char16_t>(sign));
+    }
+    end(u'\n');
+    return text;
+}
+
+// The letters of each page.
+std::string pagesOf(const std::string& words, float room = 5 * kLineHeight, float width = 100) {
+    auto storage = textOf(words);
+    auto layoutManager = NSLayoutManager::init();
+    storage->addLayoutManager(layoutManager);
+    std::string pages;
+    NSUInteger end = 0;
+    for (const PageText& page : Pagination(storage, layoutManager, {width, room}).pages()) {
+        if (end > 0) pages += '|';
+        EXPECT_EQ(page.range.location, end);
+        end = NSMaxRange(page.range);
+        for (NSUInteger i = page.range.location; i < end; ++i)
+            if (const unichar unit = storage->string()->characterAtIndex(i); unit >= 'a' && unit <= 'z')
+                pages += static_cast<char>(unit);
+        EXPECT_TRUE(page.range.length == 0 ||
+                    layoutManager->textContainerForGlyphAtIndex_effectiveRange(page.range.location, nullptr) ==
+                        page.container);
+    }
+    EXPECT_EQ(end, storage->length());
+    return pages;
+}
+
+TEST(Pagination, DividesATextAmongPages) {
+    const struct {
+        const char *situation, *words, *pages;
+    } cases[] = {
+        {"Empty", "", ""},
+        {"ExactlyFull", "a b c d e", "abcde"},
+        {"OneLineMore", "a b c d e f", "abcde|f"},
+        {"PageBreak", "a/b", "a|b"},
+        {"PageBreakAtTheEnd", "a b/", "ab|"},
+        {"PageBreakOfAFullPage", "a b c d e/f", "abcde|f"},
+        {"OneLineAtTheEndOfAPage", "a b c d efg", "abcd|efg"},
+        {"OneLineAtTheStartOfAPage", "a b cdef", "abcd|ef"},
+        {"ThreeLinesStayTogether", "a b c def", "abc|def"},
+        {"LongParagraph", "abcdefghijkl", "abcde|fghij|kl"},
+        {"LongParagraphWithALineLeft", "abcdefghijk", "abcde|fghi|jk"},
+        {"KeepTogether", "a b =cdef", "ab|cdef"},
+        {"KeepTogetherLongerThanAPage", "a =bcdefgh", "a|bcdef|gh"},
+        {"KeepWithNext", "a b c d +e f", "abcd|ef"},
+        {"ChainOfThese", "a b +c +d +e f", "ab|cdef"},
+        {"ChainThatFillsThePage", "+a +b +c +d +e f", "abcde|f"},
+        {"KeepWithNextThatGivesUpItsLine", "a b c +d efg", "abc|defg"},
+        {"KeepWithPageBreakBetween", "a +b/c", "ab|c"},
+        {"BeginsAPage", "a !b c", "a|bc"},
+        {"FirstBeginsAPage", "!a b", "ab"},
+        {"AllBeginPages", "!a !b !c", "a|b|c"},
+        {"BeginsAPageBehindAPageBreak", "a/!b", "a|b"},
+        {"BeginsAPageBehindAFullOne", "a b c d +e !f", "abcde|f"},
+        {"KeepWithOneThatBeginsAPage", "a +b !c", "ab|c"},
+    };
+    for (const auto& [situation, words, pages] : cases) EXPECT_EQ(pagesOf(words), pages) << situation;
+}
+
+// However small the room is, each page gets a line.
+TEST(Pagination, PutsALineAtLeastOnEachPage) {
+    EXPECT_EQ(pagesOf("a bcd", 3), "a|b|c|d");
+    EXPECT_EQ(pagesOf("+a =bc !d", 3), "a|b|c|d");
+    EXPECT_EQ(pagesOf("a b", 5 * kLineHeight, 1), "ab");
+}
+
+TEST(Pagination, SetsHundredsOfPages) {
+    std::string words;
+    for (int i = 0; i < 3000; ++i) words += i % 5 ? "abc " : "+h ";
+    const std::string pages = pagesOf(words, 45 * kLineHeight);
+    const auto count = std::count(pages.begin(), pages.end(), '|') + 1;
+    EXPECT_GE(count, 3000 * 13 / 5 / 45);
+    EXPECT_LE(count, 3000 * 13 / 5 / 41);
+    EXPECT_EQ(pages.find("h|"), pages.npos);
+}
+
+}  // namespace
