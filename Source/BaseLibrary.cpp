@@ -36,6 +36,7 @@
 #include "PBObserverSet.h"
 #include "PBPlanarRange.h"
 #include "PBPostLoader.h"
+#include "PBPostURLRequest.h"
 #include "PBRegistry.h"
 #include "PBRepeatString.h"
 #include "PBSafeWeakReference.h"
@@ -85,6 +86,7 @@ constexpr Class* kClasses[] = {
     &PBObjectPool::classRecord,
     &PBObserverSet::classRecord,
     &PBPostLoader::classRecord,
+    &PBPostURLRequest::classRecord,
     &PBProfile::classRecord,
     &PBProfileSet::classRecord,
     &PBRangeList::classRecord,

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "Foundation/NSMutableData.h"
+#include "Private/Base64Lines.h"
 #include "Private/HexText.h"
 #include "Runtime/NSException.h"
 #include "Runtime/Registry.h"
@@ -99,24 +100,8 @@ constinit const Category NSData_PelvorAdditions_category =
 NSData* base64DataWithLineLength(NSData* data, NSUInteger lineLength) {
     requireArgument(data, "base64DataWithLineLength:", "the data");
     auto bytes = bytesOf(data);
-    std::size_t groupsALine = (std::size_t{lineLength} + 3) / 4, size = base64LengthOf(bytes.size());
-    std::size_t lineFeeds = lineLength ? size / 4 / groupsALine : 0;
-    requireLength(size + lineFeeds);
-    Block<Byte> text(size + lineFeeds);
-    // The text stands behind the room for the line feeds, and moves to the front line by line.
-    Byte *end = text.units.get(), *from = end + lineFeeds;
-    writeBase64(bytes, from);
-    auto move = [&](std::size_t count) {
-        std::memmove(end, from, count);
-        end += count;
-        from += count;
-    };
-    for (; lineFeeds > 0; --lineFeeds) {
-        move(groupsALine * 4);
-        size -= groupsALine * 4;
-        *end++ = '\n';
-    }
-    move(size);
+    Block<Byte> text(requireLength(base64LengthInLines(bytes.size(), lineLength)));
+    Byte* end = writeBase64Lines(bytes, lineLength, text.units.get());
     return dataOf(text, end).autorelease();
 }
 

@@ -40,6 +40,9 @@ class PBMutableIntNumber;        ///< an integer object that changes
 class PBMutableNumber;           ///< a number object that changes
 class PBSingleObjectEnumerator;  ///< an enumerator of one object
 
+// Network
+class PBPostURLRequest;  ///< a request that sends values and files as a form
+
 // Text
 class OFCharacterScanner;  ///< reads a text that comes in buffers
 class OFCharacterSet;      ///< a bitmap of characters, asked for each unit

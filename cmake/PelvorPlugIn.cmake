@@ -163,7 +163,7 @@ function(_pelvor_write_info path type executable)
         list(APPEND pairs "CFBundleExecutable=${executable}")
         if(type STREQUAL "BNDL")
             # kInterfaceVersion in Runtime/Registry.h: a process loads no code that says another one.
-            list(APPEND pairs "PelvorInterfaceVersion=2")
+            list(APPEND pairs "PelvorInterfaceVersion=3")
         endif()
     endif()
     set(entries "")

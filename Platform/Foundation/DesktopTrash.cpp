@@ -237,11 +237,11 @@ bool DesktopTrash::put(const std::string& path, const std::string& name) const {
 }
 
 std::optional<TrashEntry> DesktopTrash::entryNamed(const std::string& name) const {
-    std::vector<std::byte> bytes;
+    GrowingBytes bytes;
     struct stat status;
     if (::lstat((files() + "/" + name).c_str(), &status) != 0) return {};
     if (!readFile(textPath(name), bytes, FileReading::regularOnly)) return {};
-    auto [path, date] = pathAndDateIn({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    auto [path, date] = pathAndDateIn(std::string(bytes.view()));
     // Nobody's text leads out of its file system.
     if (path.empty() || ("/" + path + "/").find("/../") != path.npos) return {};
     if (!path.starts_with('/')) path = (_top == "/" ? "" : _top) + "/" + path;

@@ -98,9 +98,9 @@ Retained<NSData> NSData::initWithData(NSData* data) {
 }
 
 Retained<NSData> NSData::initWithContentsOfFile(NSString* path) {
-    std::vector<std::byte> content;
+    GrowingBytes content;
     if (!readFile(systemPath(path), content)) return nullptr;
-    return initWithBytes_length(content.data(), static_cast<NSUInteger>(content.size()));
+    return NSExternalData::create(content);
 }
 
 // MARK: Bytes

@@ -4,12 +4,16 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <utility>
+#include <vector>
 
 #include "Foundation/Files/FileContents.h"
 #include "Foundation/Files/SystemPath.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSString.h"
 #include "Foundation/Values/ConcreteData.h"
+#include "Foundation/Values/NSExternalData.h"
 #include "Runtime/NSException.h"
 #include "Shared/ArgumentChecks.h"
 
@@ -46,6 +50,8 @@ PELVOR_DEFINE_CLASS(NSMutableData, foundationLibrary) {
     methods.instance<"replaceBytesInRange:withBytes:length:",
                      &NSMutableData::replaceBytesInRange_withBytes_length>();
 }
+
+NSMutableData::~NSMutableData() { std::free(_bytes); }
 
 // MARK: Creation
 
@@ -90,7 +96,7 @@ Retained<NSMutableData> NSMutableData::init(Class* cls) { return make<NSMutableD
 Retained<NSMutableData> NSMutableData::initWithCapacity(NSUInteger capacity, Class* cls) {
     constexpr NSUInteger kLargestReserve = 1 << 24;
     auto data = make<NSMutableData>(cls);
-    data->_bytes.reserve(std::min(capacity, kLargestReserve));
+    if (capacity) data->reserve(std::min(capacity, kLargestReserve));
     return data;
 }
 
@@ -130,89 +136,105 @@ Retained<NSMutableData> NSMutableData::initWithData(NSData* data, Class* cls) {
 }
 
 Retained<NSMutableData> NSMutableData::initWithContentsOfFile(NSString* path, Class* cls) {
+    GrowingBytes content;
+    if (!readFile(systemPath(path), content)) return nullptr;
     auto data = make<NSMutableData>(cls);
-    if (!readFile(systemPath(path), data->_bytes)) return nullptr;
+    data->_length = data->_capacity = content.size();
+    data->_bytes = reinterpret_cast<std::byte*>(content.leak());
     return data;
 }
 
-Retained<Object> NSMutableData::copyWithZone(void*) {
-    return NSData::initWithBytes_length(_bytes.data(), length());
-}
+Retained<Object> NSMutableData::copyWithZone(void*) { return NSData::initWithBytes_length(_bytes, length()); }
 
 // MARK: Changing
 
-namespace {
+void NSMutableData::reserve(std::size_t capacity) {
+    _bytes = static_cast<std::byte*>(resizedBlock(_bytes, capacity));
+    _capacity = capacity;
+}
 
-void requireLength(std::size_t length, const char* operation) {
+// Puts `count` bytes of any value in the place of the range, which is inside the data, and returns their
+// address.
+std::byte* NSMutableData::makeRoom(NSRange range, NSUInteger count, const char* operation) {
+    const std::size_t length = _length - range.length + count,
+                      end = std::size_t{range.location} + range.length;
     if (length > UINT32_MAX)
         throw NSException(NSMallocException,
                           operation + std::string(" the data would hold more than 2^32 - 1 bytes"));
+    if (length > _capacity) reserve(std::max(length, std::min<std::size_t>(_capacity * 2, UINT32_MAX)));
+    std::byte* place = _bytes + range.location;
+    if (end < _length) std::memmove(place + count, _bytes + end, _length - end);
+    _length = length;
+    return place;
 }
 
-// Replaces the bytes of the range, which is inside the data.
-void replaceBytes(std::vector<std::byte>& own, NSRange range, const void* bytes, NSUInteger count,
-                  const char* operation) {
+void NSMutableData::replace(NSRange range, const void* bytes, NSUInteger count, const char* operation) {
     requireMemory(bytes, count, operation, "the bytes");
-    requireLength(own.size() - range.length + count, operation);
     auto* first = static_cast<const std::byte*>(bytes);
     // The data's own bytes would move while they are copied.
     std::vector<std::byte> copy;
-    if (std::less_equal<>()(own.data(), first) && std::less<>()(first, own.data() + own.size())) {
+    if (count && std::less_equal<>()(_bytes, first) && std::less<>()(first, _bytes + _length)) {
         copy.assign(first, first + count);
         first = copy.data();
     }
-    auto place = own.begin() + range.location;
-    if (count > range.length)
-        place = own.insert(place + range.length, count - range.length, std::byte{}) - range.length;
-    else
-        place = own.erase(place, place + (range.length - count));
-    if (count) std::memcpy(&*place, first, count);
+    std::byte* place = makeRoom(range, count, operation);
+    if (count) std::memcpy(place, first, count);
 }
 
-}  // namespace
-
-void NSMutableData::setLength(NSUInteger length) { _bytes.resize(length); }
+void NSMutableData::setLength(NSUInteger length) {
+    const NSUInteger old = this->length();
+    if (length > old) std::memset(makeRoom({old, 0}, length - old, "setLength:"), 0, length - old);
+    _length = length;
+}
 
 void NSMutableData::increaseLengthBy(NSUInteger extra) {
-    requireLength(_bytes.size() + extra, "increaseLengthBy:");
-    _bytes.resize(_bytes.size() + extra);
+    if (extra) std::memset(makeRoom({length(), 0}, extra, "increaseLengthBy:"), 0, extra);
 }
 
 void NSMutableData::appendBytes_length(const void* bytes, NSUInteger count) {
-    replaceBytes(_bytes, {length(), 0}, bytes, count, "appendBytes:length:");
+    replace({length(), 0}, bytes, count, "appendBytes:length:");
 }
 
 void NSMutableData::appendData(NSData* other) {
-    if (other) replaceBytes(_bytes, {length(), 0}, other->bytes(), other->length(), "appendData:");
+    if (other) replace({length(), 0}, other->bytes(), other->length(), "appendData:");
 }
 
 void NSMutableData::append(std::span<const std::byte> bytes) {
-    requireLength(bytes.size(), "append:");
-    replaceBytes(_bytes, {length(), 0}, bytes.data(), static_cast<NSUInteger>(bytes.size()), "append:");
+    const std::size_t count = std::min<std::size_t>(bytes.size(), UINT32_MAX);
+    if (count < bytes.size()) raiseTooLong(bytes.size(), "append:");
+    replace({length(), 0}, bytes.data(), static_cast<NSUInteger>(count), "append:");
+}
+
+std::byte* NSMutableData::extend(NSUInteger count) { return makeRoom({length(), 0}, count, "extend:"); }
+
+Retained<NSData> NSMutableData::takeBytes() {
+    const NSUInteger count = length();
+    if (_capacity - _length > _length / 8) reserve(std::max<std::size_t>(_length, 1));
+    _length = _capacity = 0;
+    return NSExternalData::create(std::exchange(_bytes, nullptr), count, NSExternalData::Memory::own);
 }
 
 void NSMutableData::setData(NSData* other) {
     if (other == this) return;
-    replaceBytes(_bytes, {0, length()}, other ? other->bytes() : nullptr, other ? other->length() : 0,
-                 "setData:");
+    replace({0, length()}, other ? other->bytes() : nullptr, other ? other->length() : 0, "setData:");
 }
 
 void NSMutableData::resetBytesInRange(NSRange range) {
     requireRange(range, length(), "resetBytesInRange:");
-    std::fill_n(_bytes.begin() + range.location, range.length, std::byte{});
+    std::fill_n(_bytes + range.location, range.length, std::byte{});
 }
 
 void NSMutableData::replaceBytesInRange_withBytes(NSRange range, const void* bytes) {
     constexpr const char* kOperation = "replaceBytesInRange:withBytes:";
     if (range.location > length()) raiseRangeBeyondBounds(range, length(), kOperation);
     NSUInteger replaced = std::min(range.length, length() - range.location);
-    replaceBytes(_bytes, {range.location, replaced}, bytes, range.length, kOperation);
+    replace({range.location, replaced}, bytes, range.length, kOperation);
 }
 
 void NSMutableData::replaceBytesInRange_withBytes_length(NSRange range, const void* bytes, NSUInteger count) {
     constexpr const char* kOperation = "replaceBytesInRange:withBytes:length:";
     requireRange(range, length(), kOperation);
-    replaceBytes(_bytes, range, bytes, count, kOperation);
+    replace(range, bytes, count, kOperation);
 }
 
 }  // namespace pelvor

@@ -2,8 +2,6 @@
 // NSMutableData: a block of bytes that can be changed.
 #pragma once
 
-#include <vector>
-
 #include "Foundation/NSData.h"
 
 namespace pelvor {
@@ -52,9 +50,9 @@ class PELVOR_EXPORT NSMutableData : public NSData {
     // C++ only
     static NSMutableData* of(std::span<const std::byte> bytes);
 
-    NSUInteger length() override { return static_cast<NSUInteger>(_bytes.size()); }
-    const void* bytes() override { return _bytes.data(); }
-    void* mutableBytes() { return _bytes.data(); }
+    NSUInteger length() override { return static_cast<NSUInteger>(_length); }
+    const void* bytes() override { return _bytes; }
+    void* mutableBytes() { return _bytes; }
 
     /// Removes bytes at the end, or adds zeros at the end, until the data has this length.
     void setLength(NSUInteger length);
@@ -75,17 +73,27 @@ class PELVOR_EXPORT NSMutableData : public NSData {
     void replaceBytesInRange_withBytes_length(NSRange range, const void* bytes, NSUInteger length);
 
     // C++ only
-    std::span<std::byte> mutableSpan() PELVOR_LIFETIMEBOUND { return _bytes; }
+    std::span<std::byte> mutableSpan() PELVOR_LIFETIMEBOUND { return {_bytes, _length}; }
     void append(std::span<const std::byte> bytes);
+    /// Adds `count` bytes at the end, whose values the caller sets, and returns their address.
+    std::byte* extend(NSUInteger count);
+    /// Returns the bytes as immutable data without copying them; the receiver is empty afterwards.
+    Retained<NSData> takeBytes();
 
     Retained<Object> copyWithZone(void* zone) override;
 
   protected:
     NSMutableData() = default;
-    ~NSMutableData() = default;
+    ~NSMutableData();
 
   private:
-    std::vector<std::byte> _bytes;
+    void reserve(std::size_t capacity);
+    std::byte* makeRoom(NSRange range, NSUInteger count, const char* operation);
+    void replace(NSRange range, const void* bytes, NSUInteger count, const char* operation);
+
+    std::byte* _bytes = nullptr;  // of `malloc`
+    std::size_t _length = 0;
+    std::size_t _capacity = 0;
 };
 
 }  // namespace pelvor

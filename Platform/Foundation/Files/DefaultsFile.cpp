@@ -57,7 +57,7 @@ DefaultsFile::State DefaultsFile::load() {
     _content = nullptr;
     int failure = readStatus(_known);
     if (failure == ENOENT || failure == ENOTDIR) return _state = State::missing;
-    std::vector<std::byte> bytes;
+    GrowingBytes bytes;
     if (!readFile(_path, bytes, FileReading::regularOnly)) {
         NSLog(u"NSUserDefaults: the settings in %s cannot be read: %s"_ns, _path, reasonOfFileError(errno));
         return _state = State::unreadable;
@@ -65,7 +65,7 @@ DefaultsFile::State DefaultsFile::load() {
     NSPropertyListError* error = nullptr;
     NSPropertyListFormat format;
     id list = NSPropertyListSerialization::propertyListWithData_options_format_error(
-        NSData::of(bytes), NSPropertyListImmutable, &format, &error);
+        NSData::of(std::as_bytes(std::span(bytes.view()))), NSPropertyListImmutable, &format, &error);
     if (auto* dictionary = cast<NSDictionary>(list)) {
         _content.set(dictionary);
         return _state = State::read;

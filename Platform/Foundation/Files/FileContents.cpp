@@ -83,7 +83,7 @@ bool meansRegularFile(std::string& path) {
 
 }  // namespace
 
-bool readFile(const std::string& path, std::vector<std::byte>& content, FileReading reading) {
+bool readFile(const std::string& path, GrowingBytes& content, FileReading reading) {
     if (!isSystemPath(path)) return false;
     bool isRegularOnly = reading == FileReading::regularOnly;
     Descriptor file =
@@ -93,19 +93,19 @@ bool readFile(const std::string& path, std::vector<std::byte>& content, FileRead
     if (S_ISDIR(status.st_mode)) return failWith(EISDIR);
     if (isRegularOnly && !S_ISREG(status.st_mode)) return failWith(0);
     // The size is only a first guess: some files have no size, and others grow.
-    std::size_t length = 0;
-    content.resize(static_cast<std::size_t>(std::clamp<off_t>(status.st_size, 0, UINT32_MAX)) + 1);
+    constexpr std::size_t kStep = 4096;
+    auto room = static_cast<std::size_t>(std::clamp<off_t>(status.st_size, 0, UINT32_MAX)) + 1;
+    if (room == 1) room = kStep;
     for (;;) {
-        if (length == content.size()) content.resize(length * 2);
-        ssize_t count = ::read(file, content.data() + length, content.size() - length);
+        ssize_t count = ::read(file, content.room(room), room);
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return false;
-        if (count == 0) break;
-        length += static_cast<std::size_t>(count);
-        if (length > UINT32_MAX) return failWith(EFBIG);
+        if (count == 0) return true;
+        content.advance(static_cast<std::size_t>(count));
+        if (content.size() > UINT32_MAX) return failWith(EFBIG);
+        room -= static_cast<std::size_t>(count);
+        if (room == 0) room = std::max(kStep, content.size());
     }
-    content.resize(length);
-    return true;
 }
 
 bool writeAll(int file, std::span<const std::byte> content) {

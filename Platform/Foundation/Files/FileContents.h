@@ -5,7 +5,8 @@
 #include <cstddef>
 #include <span>
 #include <string>
-#include <vector>
+
+#include "Foundation/Values/GrowingBytes.h"
 
 namespace pelvor {
 
@@ -16,8 +17,7 @@ enum class FileReading : unsigned char {
 
 /// Reads a file to its end. Returns false, with the reason in `errno` and any `content`, when the file cannot
 /// be opened or read, is a folder, holds 2^32 bytes or more, or is refused, which `errno` 0 tells.
-bool readFile(const std::string& path, std::vector<std::byte>& content,
-              FileReading reading = FileReading::any);
+bool readFile(const std::string& path, GrowingBytes& content, FileReading reading = FileReading::any);
 
 /// Writes all bytes to an open file. Returns false with the reason in `errno` on failure.
 bool writeAll(int file, std::span<const std::byte> content);

@@ -57,9 +57,9 @@ void FileRights::giveTo(int file) const {
 
 // Reading the mask is the only way to know it without changing it.
 mode_t rightsOfNewFile() {
-    std::vector<std::byte> bytes;
+    GrowingBytes bytes;
     if (!readFile("/proc/self/status", bytes)) return 0600;
-    std::string status(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    std::string status(bytes.view());
     std::size_t place = status.find("\nUmask:");
     if (place == status.npos) return 0600;
     return 0666 & ~static_cast<mode_t>(std::strtoul(status.c_str() + place + 7, nullptr, 8));

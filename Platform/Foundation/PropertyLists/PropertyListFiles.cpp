@@ -2,7 +2,6 @@
 #include "Foundation/PropertyLists/PropertyListFiles.h"
 
 #include <cerrno>
-#include <vector>
 
 #include "Foundation/Files/FileContents.h"
 #include "Foundation/Files/SystemPath.h"
@@ -18,10 +17,10 @@ namespace pelvor {
 Retained<Object> readPropertyListFile(NSString* path, NSPropertyListMutabilityOptions options,
                                       NSPropertyListFormat* format) {
     if (!path) throw PropertyListFault{"the path is null"};
-    std::vector<std::byte> content;
+    GrowingBytes content;
     if (!readFile(systemPath(path), content, FileReading::regularOnly))
         throw PropertyListFault{std::string("the file cannot be read: ") + reasonOfFileError(errno)};
-    std::string_view bytes(reinterpret_cast<const char*>(content.data()), content.size());
+    std::string_view bytes = content.view();
     if (format) *format = propertyListFormatOf(bytes);
     if (bytes.empty() && path->hasSuffix(u".strings"_ns)) return NSDictionary::init();
     return readPropertyList(bytes, options);

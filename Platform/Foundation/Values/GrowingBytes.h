@@ -14,6 +14,10 @@
 
 namespace pelvor {
 
+/// Changes the size of a block of `malloc`, which may move; raises std::bad_alloc if memory has run out. The
+/// kernel is asked to give a large block large pages, which takes a third of the time.
+void* resizedBlock(void* block, std::size_t size);
+
 /// Bytes in one block of `malloc`, which doubles when it is full and is not cleared beforehand.
 class GrowingBytes {
   public:
@@ -60,9 +64,7 @@ class GrowingBytes {
     void grow(std::size_t count) {
         std::size_t capacity = _capacity < 512 ? 1024 : _capacity * 2;
         if (capacity - _size < count) capacity = _size + count;
-        void* bytes = std::realloc(_bytes, capacity);
-        if (!bytes) throw std::bad_alloc();
-        _bytes = static_cast<char*>(bytes);
+        _bytes = static_cast<char*>(resizedBlock(_bytes, capacity));
         _capacity = capacity;
     }
 
