@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "BaseLibrary.h"
 
+#include "FileWatcher/PBFileWatcher.h"
+#include "FileWatcher/Private/ZWFolderEvents.h"
+#include "FileWatcher/ZWFNSubscribeFileWatcher.h"
+#include "FileWatcher/ZWKQueue.h"
 #include "FileWatcher/ZWMainThreadProxy.h"
 #include "Foundation/FoundationLibrary.h"
 #include "NSArray-PelvorAdditions.h"
@@ -19,6 +23,7 @@
 #include "NSSet-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
 #include "NSValue-PelvorAdditions.h"
+#include "NSWorkspace-PelvorAdditions.h"
 #include "PBDelayedActionTimer.h"
 #include "PBExternalObjectPool.h"
 #include "PBFloatArray.h"
@@ -72,6 +77,7 @@ constexpr Class* kClasses[] = {
     &OFTrieNode::classRecord,
     &PBDelayedActionTimer::classRecord,
     &PBExternalObjectPool::classRecord,
+    &PBFileWatcher::classRecord,
     &PBFloatArray::classRecord,
     &PBFloatVector::classRecord,
     &PBIdleQueue::classRecord,
@@ -98,6 +104,9 @@ constexpr Class* kClasses[] = {
     &PBUniqueObject::classRecord,
     &PBUtil_Dummy::classRecord,
     &PBWeakReference::classRecord,
+    &ZWFNSubscribeFileWatcher::classRecord,
+    &ZWFolderEvents::classRecord,
+    &ZWKQueue::classRecord,
     &ZWMainThreadProxy::classRecord,
     &_PBAssertionWarning::classRecord,
 };
@@ -132,6 +141,7 @@ constexpr const Category* kCategories[] = {
     &NSString_PelvorAdditions_category,
     &NSValue_PelvorAdditions_category,
     &NSValue_PlanarRangeAdditions_category,
+    &NSWorkspace_PelvorAdditions_category,
 };
 // clang-format on
 

@@ -23,6 +23,11 @@ class PBNotificationWatcher;  ///< watches one sender for a list of names
 class PBObserverSet;          ///< observers that one message tells
 class ZWMainThreadProxy;      ///< sends messages on to an object on the main thread
 
+// Files
+class PBFileWatcher;             ///< tells on the main thread what happens to files
+class ZWFNSubscribeFileWatcher;  ///< tells that folders have changed
+class ZWKQueue;                  ///< tells what happens to files, from a thread of its own
+
 // Objects and references
 class PBExternalObjectPool;  ///< a pool that retains what it is given, with a lock if asked
 class PBObjectPool;          ///< objects kept for another use, by one thread

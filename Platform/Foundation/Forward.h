@@ -81,5 +81,6 @@ class NSFileManager;  ///< what files there are, and making, copying, moving and
 class LogSinkScope;   ///< catches what is logged while it lives
 class NSBundle;       ///< a folder with code, resources and declarations
 class NSProcessInfo;  ///< the process: arguments, environment, name
+class NSWorkspace;    ///< other programs, and files that they change
 
 }  // namespace pelvor

@@ -43,6 +43,7 @@
 #include "Foundation/NSURLConnection.h"
 #include "Foundation/NSURLError.h"
 #include "Foundation/NSUserDefaults.h"
+#include "Foundation/NSWorkspace.h"
 #include "Foundation/PropertyLists/PropertyListCategories.h"
 #include "Foundation/RunLoop/NSDelayedPerform.h"
 #include "Foundation/Strings/NSBufferString.h"
@@ -134,6 +135,7 @@ constexpr Class* kClasses[] = {
     &NSURLResponse::classRecord,
     &NSUserDefaults::classRecord,
     &NSValue::classRecord,
+    &NSWorkspace::classRecord,
 };
 
 constexpr const Category* kCategories[] = {

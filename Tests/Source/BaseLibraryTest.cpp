@@ -2,6 +2,7 @@
 #include "BaseLibrary.h"
 
 #include "ClassConformity.h"
+#include "FileWatcher/ZWFNSubscribeFileWatcher.h"
 #include "FileWatcher/ZWMainThreadProxy.h"
 #include "Foundation/NSGeometry.h"
 #include "Foundation/NSObject-DelayedPerforming.h"
@@ -61,6 +62,7 @@ TEST(BaseLibrary, FunctionsSurviveNullArguments) {
                                  ZERO_CALL(PBSetToolboxBundleIdentifier),
                                  ZERO_CALL(PBSoftAssertFailed),
                                  ZERO_CALL(PBSubtractionRanges),
+                                 ZERO_CALL(ZWFileSubscriptionProc),
                                  ZERO_CALL(_PBDoLocalize),
                                  ZERO_CALL(_PBValueForKeyInProfile),
                                  ZERO_CALL(copyMainThreadProxy),
