@@ -32,19 +32,6 @@ NSColor* colorOf(const LineRun& run, NSString* key) {
     return color ? color : NSColor::blackColor();
 }
 
-// Calls the function with each laid-out line of the range.
-template <class Function>
-void eachLine(LayoutState& state, NSRange range, Function function) {
-    if (range.length == 0 || !state.ensure(range.location)) return;
-    LinePlace place = state.lineOf(range.location);
-    do {
-        const NSRange lineRange = state.rangeOf(place);
-        if (lineRange.location >= NSMaxRange(range)) return;
-        if (state.containerOf(lineRange.location) >= state.containers.size()) return;
-        function(place, lineRange);
-    } while (state.next(place));
-}
-
 // Lines under or through text: of the line's runs, where the text stands and not the blanks at its end.
 struct Stroke {
     float left, right, y, thickness;
@@ -185,7 +172,7 @@ void NSLayoutManager::drawBackgroundForGlyphRange_atPoint(NSRange range, NSPoint
     requireRange(range, _state->length(), "drawBackgroundForGlyphRange:atPoint:");
     NSGraphicsContext* context = NSGraphicsContext::currentContext();
     if (!context) return;
-    eachLine(*_state, range, [&](const LinePlace& place, NSRange) {
+    _state->eachLine(range, [&](const LinePlace& place, NSRange) {
         const NSRect used = _state->usedRectOf(place);
         const Extent textLeft = _state->at(place).textLeft;
         for (const LineRun& run : _state->glyphsOf(place).runs()) {
@@ -204,7 +191,7 @@ void NSLayoutManager::drawGlyphsForGlyphRange_atPoint(NSRange range, NSPoint ori
     NSGraphicsContext* context = NSGraphicsContext::currentContext();
     if (!context) return;
     LineDrawing drawing(this, context, range);
-    eachLine(*_state, range, [&](const LinePlace& place, NSRange) { drawing.draw(*_state, place, origin); });
+    _state->eachLine(range, [&](const LinePlace& place, NSRange) { drawing.draw(*_state, place, origin); });
 }
 
 }  // namespace pelvor

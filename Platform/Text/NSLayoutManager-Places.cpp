@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
 
 #include "Shared/ArgumentChecks.h"
 #include "Text/Layout/LayoutState.h"
@@ -175,7 +176,72 @@ NSRect NSLayoutManager::caretRectForCharacterAtIndex(NSUInteger index) {
     return rect;
 }
 
-// MARK: Selections
+// MARK: Ranges
+
+namespace {
+
+// From the left edge of a line's text.
+struct Span {
+    Extent left, right;
+};
+
+// The part of a piece between two units of the block, as carets divide the piece.
+Span spanOf(const GlyphPiece& piece, std::uint32_t start, std::uint32_t end,
+            const std::vector<LineGlyphs::Caret>& carets) {
+    Span span{piece.left, piece.left + piece.width};
+    for (const auto& caret : carets) {
+        if (caret.unit <= piece.start || caret.unit >= piece.end) continue;
+        if (caret.unit == start) (piece.isRightToLeft ? span.right : span.left) = caret.place;
+        if (caret.unit == end) (piece.isRightToLeft ? span.left : span.right) = caret.place;
+    }
+    return span;
+}
+
+// What characters of a line cover, from the left; spans that touch are one.
+std::vector<Span> spansOf(LayoutState& state, const LinePlace& place, NSRange range) {
+    LineGlyphs& glyphs = state.glyphsOf(place);
+    const auto& carets = glyphs.carets(state.tools.boundaries);
+    const std::uint32_t start = range.location - place.block.unit, end = NSMaxRange(range) - place.block.unit;
+    std::vector<Span> all, joined;
+    for (const GlyphPiece& piece : glyphs.pieces())
+        if (piece.end > start && piece.start < end && piece.width)
+            all.push_back(spanOf(piece, start, end, carets));
+    std::sort(all.begin(), all.end(), [](Span a, Span b) { return a.left < b.left; });
+    for (const Span& span : all)
+        if (joined.empty() || span.left > joined.back().right)
+            joined.push_back(span);
+        else
+            joined.back().right = std::max(joined.back().right, span.right);
+    return joined;
+}
+
+// The area of the glyphs of a line, without the spacing around the line.
+NSRect glyphArea(LayoutState& state, const LinePlace& place, NSRange range) {
+    const Line& line = state.at(place);
+    NSRect area = state.usedRectOf(place);
+    area.origin.x = pointsOf(line.textLeft);
+    area.size.width = pointsOf(line.textWidth + line.extra);
+    if (range == state.rangeOf(place)) return area;
+    Extent left = kGreatestExtent, right = -kGreatestExtent;
+    for (const GlyphPiece& piece : state.glyphsOf(place).pieces()) {
+        if (place.block.unit + piece.end <= range.location ||
+            place.block.unit + piece.start >= NSMaxRange(range))
+            continue;
+        left = std::min(left, piece.left);
+        right = std::max(right, piece.left + piece.width);
+    }
+    area.origin.x = pointsOf(line.textLeft + left);
+    area.size.width = pointsOf(right - left);
+    return area;
+}
+
+// As NSUnionRect, but rectangles without width count too.
+NSRect unionOf(const NSRect& a, const NSRect& b) {
+    const float left = std::min(NSMinX(a), NSMinX(b)), top = std::min(NSMinY(a), NSMinY(b));
+    return {{left, top}, {std::max(NSMaxX(a), NSMaxX(b)) - left, std::max(NSMaxY(a), NSMaxY(b)) - top}};
+}
+
+}  // namespace
 
 const NSRect*
 NSLayoutManager::rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
@@ -185,49 +251,19 @@ NSLayoutManager::rectArrayForCharacterRange_withinSelectedCharacterRange_inTextC
     std::vector<NSRect>& rects = _state->selectionRects;
     rects.clear();
     const std::size_t index = _state->indexOf(container);
-    ensureLayoutForCharacterRange(range);
-    if (index < _state->containers.size() && range.length && _state->ensure(range.location)) {
-        LinePlace place = _state->lineOf(range.location);
-        do {
-            const NSRange lineRange = _state->rangeOf(place);
-            if (lineRange.location >= NSMaxRange(range)) break;
-            if (_state->containerOf(lineRange.location) != index || !_state->ensure(lineRange.location))
-                continue;
-            const NSRect rect = _state->rectOf(place);
-            const Line& line = _state->at(place);
-            // Whole lines that are selected beyond their ends are selected from edge to edge.
-            const NSRange part = NSIntersectionRange(range, lineRange);
-            const bool isWhole = part == lineRange && selection.location <= lineRange.location &&
-                                 NSMaxRange(selection) > NSMaxRange(lineRange);
-            if (isWhole) {
-                rects.push_back(rect);
-                continue;
-            }
-            // Pieces that touch are one rectangle.
-            std::vector<std::pair<Extent, Extent>> spans;
-            const auto& carets = _state->glyphsOf(place).carets(_state->tools.boundaries);
-            const std::uint32_t start = part.location - place.block.unit,
-                                end = NSMaxRange(part) - place.block.unit;
-            for (const GlyphPiece& piece : _state->glyphsOf(place).pieces()) {
-                if (piece.end <= start || piece.start >= end || piece.width == 0) continue;
-                Extent left = piece.left, right = piece.left + piece.width;
-                for (const auto& caret : carets) {
-                    if (caret.unit <= piece.start || caret.unit >= piece.end) continue;
-                    if (caret.unit == start) (piece.isRightToLeft ? right : left) = caret.place;
-                    if (caret.unit == end) (piece.isRightToLeft ? left : right) = caret.place;
-                }
-                spans.emplace_back(left, right);
-            }
-            std::sort(spans.begin(), spans.end());
-            for (std::size_t i = 0; i < spans.size(); ++i) {
-                auto [left, right] = spans[i];
-                while (i + 1 < spans.size() && spans[i + 1].first <= right)
-                    right = std::max(right, spans[++i].second);
-                rects.push_back({{pointsOf(line.textLeft + left), rect.origin.y},
-                                 {pointsOf(right - left), rect.size.height}});
-            }
-        } while (_state->next(place));
-    }
+    _state->eachLine(range, [&](const LinePlace& place, NSRange lineRange) {
+        if (_state->containerOf(lineRange.location) != index) return;
+        const NSRect rect = _state->rectOf(place);
+        const NSRange part = NSIntersectionRange(range, lineRange);
+        // Whole lines that are selected beyond their ends are selected from edge to edge.
+        if (part == lineRange && selection.location <= lineRange.location &&
+            NSMaxRange(selection) > NSMaxRange(lineRange))
+            return rects.push_back(rect);
+        const Extent textLeft = _state->at(place).textLeft;
+        for (auto [left, right] : spansOf(*_state, place, part))
+            rects.push_back(
+                {{pointsOf(textLeft + left), rect.origin.y}, {pointsOf(right - left), rect.size.height}});
+    });
     if (count) *count = static_cast<NSUInteger>(rects.size());
     return rects.data();
 }
@@ -235,44 +271,13 @@ NSLayoutManager::rectArrayForCharacterRange_withinSelectedCharacterRange_inTextC
 NSRect NSLayoutManager::boundingRectForGlyphRange_inTextContainer(NSRange range, NSTextContainer* container) {
     requireRange(range, _state->length(), "boundingRectForGlyphRange:inTextContainer:");
     const std::size_t index = _state->indexOf(container);
-    ensureLayoutForCharacterRange(range);
-    NSRect bounds{};
-    if (index >= _state->containers.size() || range.length == 0 || !_state->ensure(range.location))
-        return bounds;
-    LinePlace place = _state->lineOf(range.location);
-    do {
-        const NSRange lineRange = _state->rangeOf(place);
-        if (lineRange.location >= NSMaxRange(range)) break;
-        if (_state->containerOf(lineRange.location) != index) continue;
-        NSRect rect = _state->usedRectOf(place);
-        const Line& line = _state->at(place);
-        const float textLeft = pointsOf(line.textLeft);
-        rect.origin.x = textLeft;
-        rect.size.width = pointsOf(line.textWidth + line.extra);
-        if (const NSRange part = NSIntersectionRange(range, lineRange); part != lineRange) {
-            Extent left = kGreatestExtent, right = -kGreatestExtent;
-            for (const GlyphPiece& piece : _state->glyphsOf(place).pieces()) {
-                if (place.block.unit + piece.end <= part.location ||
-                    place.block.unit + piece.start >= NSMaxRange(part))
-                    continue;
-                left = std::min(left, piece.left);
-                right = std::max(right, piece.left + piece.width);
-            }
-            rect.origin.x = textLeft + pointsOf(left);
-            rect.size.width = pointsOf(right - left);
-        }
-        if (bounds.size.height == 0) {
-            bounds = rect;
-            continue;
-        }
-        // Lines without width count too.
-        const float left = std::min(bounds.origin.x, rect.origin.x),
-                    top = std::min(bounds.origin.y, rect.origin.y);
-        const float right = std::max(NSMaxX(bounds), NSMaxX(rect)),
-                    bottom = std::max(NSMaxY(bounds), NSMaxY(rect));
-        bounds = {{left, top}, {right - left, bottom - top}};
-    } while (_state->next(place));
-    return bounds;
+    std::optional<NSRect> bounds;
+    _state->eachLine(range, [&](const LinePlace& place, NSRange lineRange) {
+        if (_state->containerOf(lineRange.location) != index) return;
+        const NSRect area = glyphArea(*_state, place, NSIntersectionRange(range, lineRange));
+        bounds = bounds ? unionOf(*bounds, area) : area;
+    });
+    return bounds.value_or(NSRect{});
 }
 
 }  // namespace pelvor

@@ -321,14 +321,7 @@ NSRange NSLayoutManager::characterRangeForGlyphRange_actualGlyphRange(NSRange ra
 
 void NSLayoutManager::ensureLayoutForCharacterRange(NSRange range) {
     requireRange(range, _state->length(), "ensureLayoutForCharacterRange:");
-    if (!_state->isFree())
-        return static_cast<void>(_state->ensure(NSMaxRange(range) - (range.length ? 1 : 0)));
-    for (NSUInteger unit = range.location; _state->ensure(unit);) {
-        BlockList& blocks = _state->blocks();
-        const BlockPlace place = blocks.placeOfUnit(unit);
-        unit = place.unit + blocks.at(place).units;
-        if (blocks.isLast(place) || unit >= NSMaxRange(range)) return;
-    }
+    _state->ensure(range);
 }
 
 void NSLayoutManager::ensureLayoutForTextContainer(NSTextContainer* container) {

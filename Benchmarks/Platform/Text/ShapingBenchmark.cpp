@@ -35,7 +35,7 @@ const Sample& sampleOf(std::string_view name) {
         {"RandomLetters", {"DejaVuSans", scriptTag("Latn"), false, randomLetters(kSize)}},
         {"Russian", {"DejaVuSans", scriptTag("Cyrl"), false, sampleText(kRussian, kSize)}},
         {"Arabic", {"NotoSansArabic-Regular", scriptTag("Arab"), true, sampleText(kArabic, kSize)}},
-        {"Hindi", {"NotoSansDevanagari-Regular", scriptTag("Deva"), false, sampleText(kHindi, kSize)}},
+        {"Hindi", {"NotoSansDevanagari-Regular", scriptTag("Deva"), false, runningText(kHindiStory, kSize)}},
         {"Thai", {"NotoSansThai-Regular", scriptTag("Thai"), false, sampleText(kThai, kSize)}},
         {"Chinese", {"NotoSansCJKsc-Regular", scriptTag("Hani"), false, sampleText(kChinese, kSize)}}};
     for (const auto& [known, sample] : samples)

@@ -359,6 +359,15 @@ bool LayoutState::ensure(NSUInteger unit) {
     return _frontier.isDone || firstUnlaid() > unit;
 }
 
+void LayoutState::ensure(NSRange range) {
+    if (!isFree()) return static_cast<void>(ensure(NSMaxRange(range) - (range.length ? 1 : 0)));
+    for (NSUInteger unit = range.location; ensure(unit);) {
+        const BlockPlace place = _blocks.placeOfUnit(unit);
+        unit = endOf(place);
+        if (_blocks.isLast(place) || unit >= NSMaxRange(range)) return;
+    }
+}
+
 void LayoutState::ensureAll() {
     if (containers.empty() || !tools.storage) return;
     blocks();

@@ -55,6 +55,8 @@ class LayoutState {
     /// Sees to it that the unit's line is laid out and, where that depends on the text before it, placed.
     /// False if there is no container for it.
     bool ensure(NSUInteger unit);
+    /// The same for all units of the range, as far as there are containers.
+    void ensure(NSRange range);
     void ensureAll();
     /// Lays out all lines down to the height in the container.
     void ensureHeight(std::size_t container, LongExtent height);
@@ -81,6 +83,21 @@ class LayoutState {
     /// The line at the height from the top of the first block, among those that are laid out near there.
     LinePlace lineAtHeight(LongExtent height);
     bool next(LinePlace& place);
+    /// Lays out the lines of the range, as far as there are containers, and calls the function with the place
+    /// and the range of each.
+    template <class Function>
+    void eachLine(NSRange range, Function function) {
+        if (range.length == 0) return;
+        ensure(range);
+        if (!ensure(range.location)) return;
+        LinePlace place = lineOf(range.location);
+        do {
+            const NSRange lineRange = rangeOf(place);
+            if (lineRange.location >= NSMaxRange(range)) return;
+            if (containerOf(lineRange.location) >= containers.size() || !ensure(lineRange.location)) return;
+            function(place, lineRange);
+        } while (next(place));
+    }
     const Line& at(const LinePlace& place) { return _blocks.at(place.block).lines[place.line]; }
     NSRange rangeOf(const LinePlace& place);
     Block& blockOf(const LinePlace& place) { return _blocks.at(place.block); }

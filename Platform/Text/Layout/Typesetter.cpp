@@ -39,6 +39,18 @@ struct Typesetter::PendingTab {
     }
 };
 
+// A room while text fills it.
+struct Typesetter::Fill {
+    std::uint32_t start;
+    Box box;
+    bool breaksAnywhere;
+    PendingTab tab = {};
+    // The best end so far, and how far the pen and the text behind the tab were there.
+    std::uint32_t best = start;
+    Filling bestFilling = {};
+    Extent bestPen = 0, bestTabText = 0;
+};
+
 Typesetter::Typesetter(LayoutTools& tools, MeasuredText& text, bool beginsParagraph, bool endsParagraph)
     : _tools(tools),
       _text(text),
@@ -145,13 +157,28 @@ bool Typesetter::hyphenate(std::uint32_t from, std::uint32_t overflow, Extent pe
     return isFound;
 }
 
+// Remembers that the line may end before the unit.
+void Typesetter::noteBreak(Fill& fill, std::uint32_t unit, Extent pen, Extent textEnd) const {
+    const bool isSoftHyphen = _text.units[unit - 1] == kSoftHyphen;
+    if (isSoftHyphen) {
+        textEnd += _tools.styles.extentsOf(_text.runs[_text.runAt(unit - 1)].font).hyphen;
+        if (textEnd > fill.box.end) return;
+    }
+    fill.best = unit;
+    fill.bestFilling.end = unit;
+    fill.bestFilling.width = textEnd - fill.box.start;
+    fill.bestFilling.isHyphenated = isSoftHyphen;
+    fill.bestTabText = fill.tab.text;
+    fill.bestPen = pen;
+}
+
 // Where to end a line whose text overflows at a unit; `pen` is where that unit begins.
-Filling Typesetter::breakAt(std::uint32_t overflow, Extent pen, std::uint32_t start, Box box,
-                            bool breaksAnywhere) {
-    Filling filling = _bestFilling;
+Filling Typesetter::breakAt(const Fill& fill, std::uint32_t overflow, Extent pen) {
+    Filling filling = fill.bestFilling;
     filling.isComplete = true;
-    if (_best > start && _style->lineBreakMode() != NSLineBreakByCharWrapping) return filling;
-    if (!breaksAnywhere) return {start, 0, false, false, false, false, true};
+    const std::uint32_t start = fill.start;
+    if (fill.best > start && _style->lineBreakMode() != NSLineBreakByCharWrapping) return filling;
+    if (!fill.breaksAnywhere) return {start, 0, false, false, false, false, true};
     std::uint32_t end = overflow;
     // Between characters, and where it can be between pieces that are set as one.
     for (int tries = 0; tries < 32 && end > start; ++tries) {
@@ -163,127 +190,115 @@ Filling Typesetter::breakAt(std::uint32_t overflow, Extent pen, std::uint32_t st
     for (std::uint32_t unit = end; unit < overflow; ++unit) pen -= _text.advances[unit];
     for (std::uint32_t unit = overflow; unit < end; ++unit) pen += _text.advances[unit];
     filling = {};
-    filling.width = pen - box.start;
+    filling.width = pen - fill.box.start;
     while (end < _text.size() && (_text.marks[end] & MeasuredText::kBlank)) ++end;
     filling.end = end;
     filling.isComplete = true;
     return filling;
 }
 
+// Ends a line whose text overflows, which may divide a word.
+Filling Typesetter::overflowAt(Fill& fill, std::uint32_t unit, Extent pen) {
+    // Everything behind the best end goes to the next line, and with it what it moved.
+    const bool hadTab = fill.tab.isOpen;
+    settleTab(fill, hadTab && fill.best > fill.tab.unit ? fill.bestTabText : fill.tab.text);
+    const auto width = static_cast<float>(fill.box.end - fill.box.start);
+    if (hyphenationFactor > 0 && !hadTab && fill.breaksAnywhere &&
+        static_cast<float>(fill.bestFilling.width) < hyphenationFactor * width) {
+        Filling filling;
+        const Extent wordPen = fill.best > fill.start ? fill.bestPen : fill.box.start;
+        if (hyphenate(fill.best, unit, wordPen, fill.box.end, filling)) {
+            filling.width -= fill.box.start;
+            filling.isComplete = true;
+            return filling;
+        }
+    }
+    return breakAt(fill, unit, pen);
+}
+
+void Typesetter::settleTab(Fill& fill, Extent text) {
+    if (!fill.tab.isOpen) return;
+    fill.tab.text = text;
+    _text.advances[fill.tab.unit] = fill.tab.width();
+    fill.tab.isOpen = false;
+}
+
+// Gives the tab at the unit its width; false if no stop is left in the line.
+bool Typesetter::takeTab(Fill& fill, std::uint32_t unit, Extent pen) {
+    settleTab(fill, fill.tab.text);
+    PendingTab found;
+    found.unit = unit;
+    found.pen = pen;
+    const bool isFound = findTab(pen, fill.box.end, found);
+    if (isFound) {
+        found.isOpen = found.type != NSLeftTabStopType;
+        fill.tab = found;
+    }
+    _text.advances[unit] = isFound ? found.width() : 0;
+    return isFound;
+}
+
+// Where the pen is behind a unit, which an open tab may move.
+Extent Typesetter::advanced(Fill& fill, std::uint32_t unit, Extent pen) {
+    const Extent advance = _text.advances[unit];
+    if (fill.tab.isOpen && unit != fill.tab.unit) {
+        if (!fill.tab.terminators || !endsColumn(fill.tab, _text.units[unit])) {
+            fill.tab.text = std::min(fill.tab.text + advance, kGreatestExtent);
+            return fill.tab.pen + fill.tab.width() + fill.tab.text;
+        }
+        settleTab(fill, fill.tab.text);
+    }
+    return std::min(pen + advance, kGreatestExtent);
+}
+
+// What fits up to a line end or the end of the text.
+Filling Typesetter::fillingUpTo(Fill& fill, std::uint32_t end, Extent textEnd) {
+    settleTab(fill, fill.tab.text);
+    Filling filling;
+    filling.end = end;
+    filling.isCut = isCutting(_style->lineBreakMode()) && textEnd > fill.box.end;
+    filling.width = (filling.isCut ? fill.box.end : textEnd) - fill.box.start;
+    return filling;
+}
+
 Filling Typesetter::fill(std::uint32_t start, Box box, bool breaksAnywhere, const LineRoom& room,
                          NSTextContainer* container) {
-    const bool isCutting_ = isCutting(_style->lineBreakMode());
+    const bool breaks = !isCutting(_style->lineBreakMode());
     const std::uint32_t size = _text.size();
+    Fill fill{start, box, breaksAnywhere};
     Extent pen = box.start, textEnd = box.start;
-    PendingTab tab;
-    Extent bestTabText = 0, bestPen = 0;
-    _best = start;
-    _bestFilling = {};
-    const auto settleTab = [&](Extent text) {
-        if (!tab.isOpen) return;
-        tab.text = text;
-        _text.advances[tab.unit] = tab.width();
-        tab.isOpen = false;
-    };
-    const auto finish = [&](std::uint32_t end) {
-        settleTab(tab.text);
-        Filling filling;
-        filling.end = end;
-        filling.width = textEnd - box.start;
-        if (isCutting_ && textEnd > box.end) {
-            filling.width = box.end - box.start;
-            filling.isCut = true;
-        }
-        return filling;
-    };
     for (std::uint32_t unit = start; unit < size; ++unit) {
         const std::uint8_t mark = _text.marks[unit];
-        if ((mark & MeasuredText::kMayBreak) && unit > start && !isCutting_) {
-            const bool isSoftHyphen = _text.units[unit - 1] == kSoftHyphen;
-            const Extent end =
-                textEnd +
-                (isSoftHyphen ? _tools.styles.extentsOf(_text.runs[_text.runAt(unit - 1)].font).hyphen : 0);
-            if (!isSoftHyphen || end <= box.end) {
-                _best = unit;
-                _bestFilling.end = unit;
-                _bestFilling.width = end - box.start;
-                _bestFilling.isHyphenated = isSoftHyphen;
-                bestTabText = tab.text;
-                bestPen = pen;
-            }
-        }
-        Extent advance = _text.advances[unit];
+        if ((mark & MeasuredText::kMayBreak) && unit > start && breaks) noteBreak(fill, unit, pen, textEnd);
         if (mark & MeasuredText::kSpecial) {
             const unichar special = _text.units[unit];
             if (isLineEnd(special)) {
                 const bool isPair = special == '\r' && unit + 1 < size && _text.units[unit + 1] == '\n';
-                Filling filling = finish(unit + (isPair ? 2 : 1));
+                Filling filling = fillingUpTo(fill, unit + (isPair ? 2 : 1), textEnd);
                 filling.isComplete = filling.endsHard = true;
                 filling.endsContainer = special == 0x0C;
                 return filling;
             }
-            if (special == '\t') {
-                settleTab(tab.text);
-                PendingTab found;
-                found.unit = unit;
-                found.pen = pen;
-                if (findTab(pen, box.end, found)) {
-                    found.isOpen = found.type != NSLeftTabStopType;
-                    advance = _text.advances[unit] = found.width();
-                    tab = found;
-                    if (tab.isOpen) {  // so far nothing stands behind it
-                        pen += advance;
-                        textEnd = pen;
-                        continue;
-                    }
-                } else {
-                    advance = _text.advances[unit] = 0;
-                    if (unit > start && !isCutting_) {  // no stop is left in this line
-                        _best = unit;
-                        _bestFilling = {};
-                        _bestFilling.end = unit;
-                        _bestFilling.width = textEnd - box.start;
-                        return breakAt(unit, pen, start, box, breaksAnywhere);
-                    }
-                }
-            } else if (special == NSAttachmentCharacter) {
-                advance = _text.advances[unit] = attachmentWidth(unit, room, pen, container);
+            if (special == '\t' && !takeTab(fill, unit, pen) && unit > start && breaks) {
+                fill.best = unit;
+                fill.bestFilling = {};
+                fill.bestFilling.end = unit;
+                fill.bestFilling.width = textEnd - box.start;
+                return breakAt(fill, unit, pen);
             }
+            if (special == NSAttachmentCharacter)
+                _text.advances[unit] = attachmentWidth(unit, room, pen, container);
         }
         const Extent before = pen;
-        if (tab.isOpen) {
-            if (tab.terminators && endsColumn(tab, _text.units[unit])) {
-                settleTab(tab.text);
-                pen += advance;
-            } else {
-                tab.text = std::min(tab.text + advance, kGreatestExtent);
-                pen = tab.pen + tab.width() + tab.text;
-            }
-        } else {
-            pen = std::min(pen + advance, kGreatestExtent);
-        }
+        pen = fill.tab.isOpen ? advanced(fill, unit, pen)
+                              : std::min(pen + _text.advances[unit], kGreatestExtent);
         if (mark & MeasuredText::kBlank) continue;
-        if (pen > box.end && !isCutting_) {
-            // Everything behind the best end goes to the next line, and with it what it moved.
-            const Extent text = tab.isOpen && _best > tab.unit ? bestTabText : tab.text;
-            const bool hadTab = tab.isOpen;
-            settleTab(text);
-            const float factor = hyphenationFactor;
-            const Extent width = box.end - box.start;
-            if (factor > 0 && !hadTab && breaksAnywhere &&
-                static_cast<float>(_bestFilling.width) < factor * static_cast<float>(width)) {
-                Filling filling;
-                if (hyphenate(_best, unit, _best > start ? bestPen : box.start, box.end, filling)) {
-                    filling.width -= box.start;
-                    filling.isComplete = true;
-                    return filling;
-                }
-            }
-            return breakAt(unit, before, start, box, breaksAnywhere);
-        }
+        // So far nothing stands behind an open tab.
+        const bool isOpenTab = fill.tab.isOpen && unit == fill.tab.unit;
+        if (pen > box.end && breaks && !isOpenTab) return overflowAt(fill, unit, before);
         textEnd = pen;
     }
-    Filling filling = finish(size);
+    Filling filling = fillingUpTo(fill, size, textEnd);
     filling.endsHard = filling.isComplete = _endsParagraph;
     return filling;
 }

@@ -78,6 +78,7 @@ class Typesetter {
 
   private:
     struct PendingTab;
+    struct Fill;
     struct Box {  // between a line's indents, from the leading edge of its room
         Extent start, end;
     };
@@ -85,7 +86,10 @@ class Typesetter {
     Box boxOf(const LineRoom& room, bool isFirst, bool isFirstFragment) const;
     Filling fill(std::uint32_t start, Box box, bool breaksAnywhere, const LineRoom& room,
                  NSTextContainer* container);
-    Filling breakAt(std::uint32_t overflow, Extent pen, std::uint32_t start, Box box, bool breaksAnywhere);
+    Filling fillingUpTo(Fill& fill, std::uint32_t end, Extent textEnd);
+    void noteBreak(Fill& fill, std::uint32_t unit, Extent pen, Extent textEnd) const;
+    Filling breakAt(const Fill& fill, std::uint32_t overflow, Extent pen);
+    Filling overflowAt(Fill& fill, std::uint32_t unit, Extent pen);
     bool hyphenate(std::uint32_t from, std::uint32_t overflow, Extent pen, Extent limit, Filling& filling);
     bool setLine(LineRooms& rooms, std::uint32_t& start, std::vector<Line>& lines);
     bool setFragments(std::span<const LineRoom> rooms, std::uint32_t start, bool forced,
@@ -93,6 +97,9 @@ class Typesetter {
     void measureHeight(std::uint32_t start, std::uint32_t end, bool isFirst, bool isLast);
     void align(Line& line, const Filling& filling, Box box, const LineRoom& room) const;
     Extent attachmentWidth(std::uint32_t unit, const LineRoom& room, Extent pen, NSTextContainer* container);
+    bool takeTab(Fill& fill, std::uint32_t unit, Extent pen);
+    void settleTab(Fill& fill, Extent text);
+    Extent advanced(Fill& fill, std::uint32_t unit, Extent pen);
     /// The stop and what kind it is of; false if there is none.
     bool findTab(Extent pen, Extent limit, PendingTab& pending) const;
     bool endsColumn(const PendingTab& pending, unichar unit) const;
@@ -111,10 +118,6 @@ class Typesetter {
     std::vector<Fragment> _fragments;
     Line _height;
     std::size_t _run = 0;  // a run at or before the line
-
-    // The best end so far
-    std::uint32_t _best = 0;
-    Filling _bestFilling;
 };
 
 }  // namespace pelvor

@@ -45,6 +45,8 @@ TEST_F(LayoutDrawing, DrawsTheGlyphsOfTheRange) {
     EXPECT_FALSE(whole->isEqual(start));
     EXPECT_TRUE(start->isEqual(drawnText(u"ab"_ns, plain(), {0, 2})));
     EXPECT_TRUE(nothing->isEqual(drawnText(u"ab cd"_ns, plain(), {2, 1}))) << "a blank";
+    EXPECT_FALSE(drawnText(u"ab\ncd"_ns, plain(), {0, 5})->isEqual(drawnText(u"ab\ncd"_ns, plain(), {0, 2})))
+        << "a paragraph that was not laid out before";
     EXPECT_TRUE(whole->isEqual(drawn([] { drawAtPoint_withAttributes(u"ab cd"_ns, {5, 5}, plain()); })));
 }
 

@@ -113,7 +113,7 @@ TEST(LayoutEdits, TakeGiantsInTheirStride) {
     const auto repeated = [](NSString* piece, NSUInteger length) {
         return u""_ns->stringByPaddingToLength_withString_startingAtIndex(length, piece, 0);
     };
-    const NSUInteger length = 50000;
+    const auto length = static_cast<NSUInteger>(randomSteps(50000));
     for (NSString* piece :
          {u"x"_ns, u"word "_ns, u"\t"_ns, u"\u05D0 a "_ns, u"\u0301"_ns, u"\u0E01"_ns, u"\u00AD"_ns}) {
         for (const float width : {300.0F, 0.0F, 1.0e7F}) {
