@@ -130,6 +130,23 @@ TEST(NSAttributedStringTest, EqualAttributesAreOneObjectThatEndsWithItsLastRun) 
     });
 }
 
+TEST(NSAttributedStringTest, NamesMayChangeAndValuesEndAfterUse) {
+    auto text = sample();
+    auto name = NSMutableString::init();
+    name->setString(u"b"_ns);
+    text->addAttribute_value_range(name, num(7), {0, 1});
+    name->setString(u"s"_ns);
+    text->addAttribute_value_range(name, num(7), {1, 1});
+    EXPECT_EQ(runsOf(text), "a{b7}, b{s7}, c{b1}, d{b1 s2}, ef{s2}");
+    for (int i = 0; i < 100; ++i) {  // values one after another at one address
+        AutoreleasePool pool;
+        const std::string value = "value " + std::to_string(i);
+        text->addAttribute_value_range(u"n"_ns, NSString::ofUTF8(value), {4, 2});
+        ASSERT_EQ(runsOf(text), "a{b7}, b{s7}, c{b1}, d{b1 s2}, ef{n" + value + " s2}");
+        text->removeAttribute_range(u"n"_ns, {4, 2});
+    }
+}
+
 TEST(NSAttributedStringTest, RefusesWhatIsOutside) {
     auto text = sample();
     EXPECT_EQ(RAISED(text->attributesAtIndex_effectiveRange(6, nullptr)),

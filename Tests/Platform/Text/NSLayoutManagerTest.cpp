@@ -173,7 +173,13 @@ TEST_F(NSLayoutManagerTest, ShiftsKernsAndWidens) {
     EXPECT_NEAR(with(NSExpansionAttributeName, std::log(2.0)).x(1), 2 * natural.x(1), 0.02);
     EXPECT_NEAR(with(NSBaselineOffsetAttributeName, 4).lineRect(0).size.height,
                 natural.lineRect(0).size.height + 4, 0.02);
-    EXPECT_GT(with(NSSuperscriptAttributeName, -1).lineRect(0).size.height, natural.lineRect(0).size.height);
+    EXPECT_LT(with(NSSuperscriptAttributeName, -1).x(1), 0.7F * natural.x(1)) << "small letters";
+    for (const int level : {1, -1}) {
+        LaidOutText mixed(u"ab"_ns, plain());
+        mixed.storage->addAttribute_value_range(NSSuperscriptAttributeName, NSNumber::numberWithInt(level),
+                                                {1, 1});
+        EXPECT_GT(mixed.lineRect(0).size.height, natural.lineRect(0).size.height) << level;
+    }
 }
 
 TEST_F(NSLayoutManagerTest, HyphenatesInTheLanguageOfTheText) {
