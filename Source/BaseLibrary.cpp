@@ -9,6 +9,8 @@
 #include "Foundation/FoundationLibrary.h"
 #include "NSArray-PelvorAdditions.h"
 #include "NSArray-PelvorRangeArray.h"
+#include "NSBundle-PelvorAdditions.h"
+#include "NSCalendarDate-PelvorAdditions.h"
 #include "NSCharacterSet-PelvorAdditions.h"
 #include "NSCoder-PelvorAdditions.h"
 #include "NSData-PelvorAdditions.h"
@@ -115,6 +117,8 @@ constexpr const Category* kCategories[] = {
     &NSArray_PBWeakReferenceAdditions_category,
     &NSArray_PelvorAdditions_category,
     &NSArray_PelvorRangeArray_category,
+    &NSBundle_PelvorAdditions_category,
+    &NSCalendarDate_PelvorAdditions_category,
     &NSCharacterSet_PelvorAdditions_category,
     &NSCoder_PelvorAdditions_category,
     &NSData_PelvorAdditions_category,

@@ -35,13 +35,15 @@ class NSMutableSet;         ///< a set that can be changed
 class NSSet;                ///< objects, each once
 
 // Values
-class NSData;         ///< bytes
-class NSDate;         ///< a moment
-class NSMutableData;  ///< bytes that can be changed
-class NSNull;         ///< the object that stands for null in collections
-class NSNumber;       ///< a number or truth value
-class NSRangeValue;   ///< a range as an object
-class NSValue;        ///< any C value as an object
+class NSCalendarDate;  ///< a moment with a time zone and a calendar
+class NSData;          ///< bytes
+class NSDate;          ///< a moment
+class NSMutableData;   ///< bytes that can be changed
+class NSNull;          ///< the object that stands for null in collections
+class NSNumber;        ///< a number or truth value
+class NSRangeValue;    ///< a range as an object
+class NSTimeZone;      ///< how a region's clocks differ from universal time
+class NSValue;         ///< any C value as an object
 
 // Archives, property lists and settings
 class NSCoder;                      ///< what objects are archived with
@@ -80,6 +82,8 @@ class NSFileManager;  ///< what files there are, and making, copying, moving and
 // The program
 class LogSinkScope;   ///< catches what is logged while it lives
 class NSBundle;       ///< a folder with code, resources and declarations
+class NSNib;          ///< an interface file, from which objects are made
+class NSNibError;     ///< why an interface file cannot be used
 class NSProcessInfo;  ///< the process: arguments, environment, name
 class NSWorkspace;    ///< other programs, and files that they change
 

@@ -6,7 +6,8 @@
 #include "Foundation/Collections/ConcreteArrays.h"
 #include "Foundation/Collections/ConcreteDictionaries.h"
 #include "Foundation/Collections/ConcreteSets.h"
-#include "Foundation/NSBundle.h"
+#include "Foundation/NSBundle-NibLoading.h"
+#include "Foundation/NSCalendarDate.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSCoder.h"
 #include "Foundation/NSConditionLock.h"
@@ -14,6 +15,7 @@
 #include "Foundation/NSFileError.h"
 #include "Foundation/NSFileManager.h"
 #include "Foundation/NSHTTPURLResponse.h"
+#include "Foundation/NSDate-CalendarDate.h"
 #include "Foundation/NSIndexSet.h"
 #include "Foundation/NSKeyedArchiver.h"
 #include "Foundation/NSKeyedUnarchiver.h"
@@ -22,6 +24,8 @@
 #include "Foundation/NSMutableData.h"
 #include "Foundation/NSMutableIndexSet.h"
 #include "Foundation/NSMutableURLRequest.h"
+#include "Foundation/NSNib.h"
+#include "Foundation/NSNibError.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSNotificationQueue.h"
 #include "Foundation/NSNull.h"
@@ -38,6 +42,7 @@
 #include "Foundation/NSString-URL.h"
 #include "Foundation/NSString.h"
 #include "Foundation/NSThread.h"
+#include "Foundation/NSTimeZone.h"
 #include "Foundation/NSTimer.h"
 #include "Foundation/NSURL-Contents.h"
 #include "Foundation/NSURLConnection.h"
@@ -71,6 +76,7 @@ constexpr Class* kClasses[] = {
     &NSBufferArray::classRecord,
     &NSBufferString::classRecord,
     &NSBundle::classRecord,
+    &NSCalendarDate::classRecord,
     &NSCharacterSet::classRecord,
     &NSCoder::classRecord,
     &NSConditionLock::classRecord,
@@ -104,6 +110,8 @@ constexpr Class* kClasses[] = {
     &NSMutableSet::classRecord,
     &NSMutableString::classRecord,
     &NSMutableURLRequest::classRecord,
+    &NSNib::classRecord,
+    &NSNibError::classRecord,
     &NSNotification::classRecord,
     &NSNotificationCenter::classRecord,
     &NSNotificationQueue::classRecord,
@@ -127,6 +135,7 @@ constexpr Class* kClasses[] = {
     &NSTableMutableSet::classRecord,
     &NSTableSet::classRecord,
     &NSThread::classRecord,
+    &NSTimeZone::classRecord,
     &NSTimer::classRecord,
     &NSURL::classRecord,
     &NSURLConnection::classRecord,
@@ -142,6 +151,8 @@ constexpr const Category* kCategories[] = {
     &NSArray_PropertyList_category,
     &NSArray_URLContents_category,
     &NSData_URLContents_category,
+    &NSBundle_NibLoading_category,
+    &NSDate_CalendarDate_category,
     &NSDictionary_PropertyList_category,
     &NSDictionary_URLContents_category,
     &NSObject_DelayedPerforming_category,
