@@ -29,6 +29,8 @@ PELVOR_DEFINE_CLASS(NSTimeZone, foundationLibrary) {
     methods.classLevel<"timeZoneWithName:", &NSTimeZone::timeZoneWithName>();
     methods.classLevel<"timeZoneWithAbbreviation:", &NSTimeZone::timeZoneWithAbbreviation>();
     methods.classLevel<"timeZoneForSecondsFromGMT:", &NSTimeZone::timeZoneForSecondsFromGMT>();
+    methods.creator<"init", &NSTimeZone::init>();
+    methods.creatorAs<"new", &NSTimeZone::init>();
     methods.classLevel<"knownTimeZoneNames", &NSTimeZone::knownTimeZoneNames>();
     methods.instance<"name", &NSTimeZone::name>();
     methods.instance<"secondsFromGMT", &NSTimeZone::secondsFromGMT>();
@@ -160,6 +162,8 @@ Retained<NSTimeZone> NSTimeZone::createFixed(NSInteger seconds) {
     return create(name, std::move(rules));
 }
 
+Retained<NSTimeZone> NSTimeZone::init() { return createFixed(0); }
+
 NSTimeZone* NSTimeZone::timeZoneForSecondsFromGMT(NSInteger seconds) {
     if (std::abs(static_cast<std::int64_t>(seconds)) >= 86400)
         raiseBadArgument("timeZoneForSecondsFromGMT:",
@@ -192,8 +196,8 @@ NSTimeZone* NSTimeZone::systemTimeZone() {
         auto rules = std::make_unique<TimeZoneRules>();
         rules->zone = knownZone(std::unique_ptr<icu::TimeZone>(icu::TimeZone::detectHostTimeZone()));
         icu::UnicodeString name;
-        zones.system =
-            rules->zone ? create(stringOf(rules->zone->getID(name)), std::move(rules)) : createFixed(0);
+        if (rules->zone) rules->zone->getID(name);
+        zones.system = name.isEmpty() ? createFixed(0) : create(stringOf(name), std::move(rules));
     }
     return Retained<NSTimeZone>(zones.system).autorelease();
 }

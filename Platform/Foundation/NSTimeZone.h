@@ -45,6 +45,8 @@ class PELVOR_EXPORT NSTimeZone final : public NSObject {
     /// Returns a zone with a fixed difference. Raises NSInvalidArgumentException for a difference of a day
     /// and more.
     static NSTimeZone* timeZoneForSecondsFromGMT(NSInteger seconds);
+    /// Returns the zone without a difference, "GMT", owned.
+    static Retained<NSTimeZone> init();
     /// Returns the names of all zones with rules, in the order of their letters.
     static NSArray* knownTimeZoneNames();
 

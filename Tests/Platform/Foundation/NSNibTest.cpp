@@ -23,7 +23,7 @@ class NTThing : public NSObject {
     static Retained<NTThing> initWithTitle_inside(NSString* title, NTThing* outer,
                                                   Class* cls = classObject()) {
         auto thing = make<NTThing>(cls);
-        thing->note("made with %@ in %@", title, outer);
+        thing->take("made with " + shown(title, "in", outer));
         thing->_outer.set(outer);
         return thing;
     }
@@ -32,22 +32,13 @@ class NTThing : public NSObject {
     }
     static Retained<NTThing> initNone(Class* = classObject()) { return nullptr; }
 
-    void setTitle(NSString* title) { note("title %@", title); }
-    void setAny(id object) { note("any %@", object); }
-    void setWidth(float width) { note("width %g", width); }
-    void setRatio(double ratio) { note("ratio %g", ratio); }
-    void setCount(short count) { note("count %d", count); }
-    void setMask(unsigned long long mask) { note("mask %llu", mask); }
-    void setShown(bool isShown) { note("shown %d", isShown); }
-    void setFrame(NSRect frame) {
-        note("frame %g %g %g %g", frame.origin.x, frame.origin.y, frame.size.width, frame.size.height);
+    // The setter of most values.
+    template <class T>
+    void take(T value) {
+        notes += shown(value) + "; ";
     }
-    void setRange(NSRange range) { note("range %u %u", range.location, range.length); }
-    void setKind(Class* kind) { note("kind %@", kind); }
-    void setPointer(void*) {}
     void setPeer(NTThing* peer) { _peer.set(peer); }
     void setParts(NSArray* parts) { _parts.set(parts); }
-    void setParts_by(NSArray*, id) {}
     void setBroken(id object) {
         if (object) throw std::runtime_error("it is broken");
     }
@@ -55,13 +46,12 @@ class NTThing : public NSObject {
         if (!object) throw NSException(NSInvalidArgumentException, "setStubborn: the object is null");
     }
     void setTarget(id target) { _target = target; }
-    void setAction(SEL action) { note("action %@", NSString::ofUTF8(action.name())); }
+    void setAction(SEL action) { take(action.name()); }
     void push(id) {}
     id target() { return _target; }
     NTThing* peer() { return _peer; }
-    NSArray* parts() { return _parts; }
     void awakeFromNib() {
-        note("awake %d", static_cast<int>(_peer.get() != nullptr));
+        take(_peer ? "awake with peer" : "awake");
         if (whenAwake) whenAwake(this);
     }
 
@@ -75,11 +65,6 @@ class NTThing : public NSObject {
     ~NTThing() { --alive; }
 
   private:
-    template <class... A>
-    void note(const char* format, const A&... arguments) {
-        notes += NSString::stringWithFormat(NSString::ofUTF8(format), arguments...)->toUTF8() + "; ";
-    }
-
     Retained<NTThing> _outer, _peer;
     Retained<NSArray> _parts;
     Unretained<Object> _target;
@@ -89,20 +74,18 @@ PELVOR_DEFINE_CLASS(NTThing, nibLibrary) {
     methods.creator<"initWithTitle:inside:", &NTThing::initWithTitle_inside>();
     methods.creator<"initFailing", &NTThing::initFailing>();
     methods.creator<"initNone", &NTThing::initNone>();
-    methods.instance<"setTitle:", &NTThing::setTitle>();
-    methods.instance<"setAny:", &NTThing::setAny>();
-    methods.instance<"setWidth:", &NTThing::setWidth>();
-    methods.instance<"setRatio:", &NTThing::setRatio>();
-    methods.instance<"setCount:", &NTThing::setCount>();
-    methods.instance<"setMask:", &NTThing::setMask>();
-    methods.instance<"setShown:", &NTThing::setShown>();
-    methods.instance<"setFrame:", &NTThing::setFrame>();
-    methods.instance<"setRange:", &NTThing::setRange>();
-    methods.instance<"setKind:", &NTThing::setKind>();
-    methods.instance<"setPointer:", &NTThing::setPointer>();
+    methods.instanceAs<"setTitle:", &NTThing::take<NSString*>>();
+    methods.instanceAs<"setAny:", &NTThing::take<id>>();
+    methods.instanceAs<"setWidth:", &NTThing::take<float>>();
+    methods.instanceAs<"setCount:", &NTThing::take<short>>();
+    methods.instanceAs<"setMask:", &NTThing::take<unsigned long long>>();
+    methods.instanceAs<"setShown:", &NTThing::take<bool>>();
+    methods.instanceAs<"setFrame:", &NTThing::take<NSRect>>();
+    methods.instanceAs<"setRange:", &NTThing::take<NSRange>>();
+    methods.instanceAs<"setKind:", &NTThing::take<Class*>>();
+    methods.instanceAs<"setPointer:", &NTThing::take<void*>>();
     methods.instance<"setPeer:", &NTThing::setPeer>();
     methods.instance<"setParts:", &NTThing::setParts>();
-    methods.instanceAs<"setTwo:by:", &NTThing::setParts_by>();
     methods.instance<"setBroken:", &NTThing::setBroken>();
     methods.instance<"setStubborn:", &NTThing::setStubborn>();
     methods.instance<"setTarget:", &NTThing::setTarget>();
@@ -155,31 +138,34 @@ std::string thing(const std::string& identifier, const std::string& entries = ""
 }
 std::string values(const std::string& entries) { return "Values = {" + entries + "};"; }
 
+// The file of a row: the whole file, or entries of the object "a" and, behind a bar, connections.
+std::string fileOf(const std::string& row) {
+    if (row[0] == '{' || row[0] == '(') return row;
+    const std::size_t bar = row.find('|');
+    if (bar == row.npos) return file(thing("a", row));
+    return file(thing("a", row.substr(0, bar)), row.substr(bar + 1));
+}
+
 TEST_F(Nib, SetsValuesOfEachTypeByTheirKeys) {
-    expectAll(
-        {"title = \"\"; -> title ; ", "any = (a, {Dictionary = {b = (c);};}); -> any ( a, { b = ( c ); } ); ",
-         "width = \"1.5\"; -> width 1.5; ", "ratio = 2; -> ratio 2; ", "count = \"-7\"; -> count -7; ",
-         "mask = 18446744073709551615; -> mask 18446744073709551615; ", "shown = NO; -> shown 0; ",
-         "shown = true; -> shown 1; ", "frame = (1, 2, \"3.5\", 4); -> frame 1 2 3.5 4; ",
-         "range = (3, 4); -> range 3 4; ", "kind = NSArray; -> kind NSArray; ",
-         "action = \"x:y:\"; -> action x:y:; ", "title = b; Title = a; -> title a; title b; ",
-         "any = {Object = owner;}; -> any (null); ", "any = ({Object = owner;}, a); -> any ( a ); "},
-        [this](const std::string& entries) {
-            std::string notes = notesOf(file(thing("a", values(entries))));
-            notes = std::regex_replace(notes, std::regex("\\s+"), " ");
-            const std::size_t end = notes.find("awake 0; ");
-            return end == std::string::npos ? notes : notes.substr(0, end);
-        });
+    expectAll({"title = \"\"; -> ; ", "any = (a, {Dictionary = {b = (c);};}); -> ( a, { b = ( c ); } ); ",
+               "width = \"1.5\"; -> 1.5; ", "count = \"-7\"; -> -7; ",
+               "mask = 18446744073709551615; -> 18446744073709551615; ", "shown = NO; -> 0; ",
+               "shown = true; -> 1; ", "frame = (1, 2, \"3.5\", 4); -> {{1, 2}, {3.5, 4}}; ",
+               "range = (3, 4); -> {3, 4}; ", "kind = NSArray; -> NSArray; ", "action = \"x:y:\"; -> x:y:; ",
+               "title = b; Title = a; -> a; b; ", "any = {Object = owner;}; -> (null); ",
+               "any = ({Object = owner;}, a); -> ( a ); "},
+              [this](const std::string& entries) {
+                  const std::string notes = notesOf(file(thing("a", values(entries))));
+                  return std::regex_replace(notes.substr(0, notes.find("awake; ")), std::regex("\\s+"), " ");
+              });
     EXPECT_EQ(notesOf(file(thing("a", "Values = ({width = 2;}, {count = 1; }, {width = 3;});"))),
-              "width 2; count 1; width 3; awake 0; ");
+              "2; 1; 3; awake; ");
     const std::string numbers = propertyList(
         "<dict><key>Objects</key><array><dict><key>Identifier</key><string>a</string><key>Class</key>"
         "<string>NTThing</string><key>Values</key><dict><key>any</key><date>2001-01-01T00:00:00Z</date>"
         "<key>count</key><real>12</real><key>mask</key><integer>18446744073709551615</integer>"
         "<key>shown</key><true/><key>width</key><integer>3</integer></dict></dict></array></dict>");
-    EXPECT_EQ(
-        notesOf(numbers),
-        "any 2001-01-01 00:00:00 +0000; count 12; mask 18446744073709551615; shown 1; width 3; awake 0; ");
+    EXPECT_EQ(notesOf(numbers), "2001-01-01 00:00:00 +0000; 12; 18446744073709551615; 1; 3; awake; ");
 }
 
 TEST_F(Nib, MakesObjectsInTheOrderInWhichTheyNeedEachOther) {
@@ -190,8 +176,8 @@ TEST_F(Nib, MakesObjectsInTheOrderInWhichTheyNeedEachOther) {
         "{Source = owner; Outlet = peer; Target = a;}, {Source = a; Outlet = peer; Target = c;},"
         "{Source = a; Action = \"push:\"; Target = c;}, {Source = c; Action = \"undo:\";}";
     EXPECT_EQ(notesOf(file(thing("a", inner) + thing("b", outer) + thing("c"), connections), owner),
-              "made with B in a thing; made with A in a thing; action push:; action undo:; "
-              "awake 0; awake 1; awake 0; awake 1; ");
+              "made with B in a thing; made with A in a thing; push:; undo:; "
+              "awake; awake with peer; awake; awake with peer; ");
     ASSERT_TRUE(owner->peer());
     owner->setPeer(nullptr);
 }
@@ -213,82 +199,67 @@ TEST_F(Nib, MakesNewObjectsEachTimeWhichTheCallerKeeps) {
 }
 
 TEST_F(Nib, RefusesFilesThatContradictThemselves) {
-    const std::pair<std::string, const char*> rows[] = {
-        {"(a)", "this is no dictionary"},
-        {"{", "line 1, column 2: "},
-        {"{Objekts = ();}", "key 'Objekts': there is no such key here"},
-        {"{}", "key 'Objects': the key is missing"},
-        {"{Format = 2; Objects = ();}", "key 'Format': this format is not known, but only 1"},
-        {"{Objects = a;}", "key 'Objects': this is no array"},
-        {"{Strings = (a); Objects = ();}", "key 'Strings': this is no text"},
-        {"{Objects = (a);}", "object '1': this is no dictionary"},
-        {"{Objects = ({Class = A;});}", "object '1', key 'Identifier': the key is missing"},
-        {"{Objects = ({Identifier = a;});}", "object 'a', key 'Class': the key is missing"},
-        {file(thing("a", "Clas = b;")), "object 'a', key 'Clas': there is no such key here"},
-        {file(thing("a") + thing("b") + thing("a")),
-         "object '3', key 'Identifier': another object is called 'a'"},
-        {file(thing("owner")), "key 'Identifier': 'owner' is the object that the file is loaded for"},
-        {file(thing("a", "Create = \"init:\";")), "key 'Arguments': 'init:' takes 1, and there are 0"},
-        {file(thing("a", values("peer = {Object = b;};"))), "object 'a', key 'peer': there is no object 'b'"},
-        {file(thing("a", values("peer = ({Object = a; X = Y;});"))),
-         "object 'a', key 'X': there is no such key here"},
-        {file(thing("a", values("any = {};"))),
-         "object 'a', key 'any': a dictionary as a value has the key 'Object', 'Text' or 'Dictionary'"},
-        {file("", "{Source = a; Outlet = b; Target = c;}"), "key 'Source': there is no object 'a'"},
-        {file(thing("a"), "{Source = a; Outlet = b;}"), "object 'a', key 'Target': the key is missing"},
-        {file(thing("a"), "{Source = a; Outlet = b; Target = c;}"),
-         "object 'a', key 'b': there is no object 'c'"},
-        {file(thing("a"), "{Source = a; Target = a;}"), "a connection has either 'Outlet' or 'Action'"},
-        {"{Objects = (); TopLevel = (owner);}", "key 'TopLevel': the owner is no object of the file"},
-        {"{Objects = (); TopLevel = (a);}", "key 'TopLevel': there is no object 'a'"},
-        {file(thing("a", "Create = \"x:\"; Arguments = (({Object = b;}));") +
-              thing("b", "Create = \"x:\"; Arguments = ({Object = a;});")),
-         "object 'a', key 'Arguments': the objects are made from each other: 'a' needs 'b' needs 'a'"},
-    };
-    for (const auto& [text, fault] : rows) {
-        EXPECT_FALSE(nibOf(text)) << text;
-        EXPECT_THAT(error ? shown(error) : "", HasSubstr(fault)) << text;
-    }
+    expectAll(
+        {"(a) -> this is no dictionary",
+         "{Objekts = ();} -> key 'Objekts': there is no such key here",
+         "{Format = 2; Objects = ();} -> key 'Format': this format is not known, but only 1",
+         "{} -> key 'Objects': the key is missing",
+         "{Objects = a;} -> key 'Objects': this is no array",
+         "{Objects = (a);} -> object '1': this is no dictionary",
+         "{Objects = ({Class = A;});} -> object '1', key 'Identifier': the key is missing",
+         "{Objects = ({Identifier = a;});} -> object 'a', key 'Class': the key is missing",
+         "Clas = b; -> object 'a', key 'Clas': there is no such key here",
+         "},{Identifier = a; -> object '2', key 'Identifier': another object is called 'a'",
+         "},{Identifier = owner; -> object '2', key 'Identifier': 'owner' is the object that the file is "
+         "loaded for",
+         "Create = \"x:\"; -> object 'a', key 'Arguments': 'x:' takes 1, and there are 0",
+         "Values = {b = {Object = c;};}; -> object 'a', key 'b': there is no object 'c'",
+         "Values = {b = ({Object = a; X = Y;});}; -> object 'a', key 'X': there is no such key here",
+         "Values = {b = {};}; -> object 'a', key 'b': a dictionary as a value has the key 'Object', 'Text' "
+         "or 'Dictionary'",
+         "|{Source = b; Outlet = b; Target = c;} -> key 'Source': there is no object 'b'",
+         "|{Source = a; Outlet = b;} -> object 'a', key 'Target': the key is missing",
+         "|{Source = a; Outlet = b; Target = c;} -> object 'a', key 'b': there is no object 'c'",
+         "|{Source = a;} -> object 'a', key 'Connections': a connection has either 'Outlet' or 'Action'",
+         "{Objects = (); TopLevel = (owner);} -> key 'TopLevel': the owner is no object of the file",
+         "Create = \"x:\"; Arguments = (({Object = a;})); -> object 'a', key 'Arguments': the objects are "
+         "made "
+         "from each other: 'a' needs 'a'"},
+        [this](const std::string& row) {
+            EXPECT_FALSE(nibOf(fileOf(row)));
+            return error;
+        });
     EXPECT_EQ(shown(error->file(), "|", error->object(), "|", error->key()), " | a | Arguments");
+    EXPECT_THAT(faultOf("{"), StartsWith("line 1, column 2: "));
 }
 
 TEST_F(Nib, TellsWhichObjectAndKeyCannotBeMade) {
     auto owner = make<NTThing>();
-    const std::pair<std::string, const char*> rows[] = {
-        {file("{Identifier = a; Class = NTNothing;}"),
-         "object 'a', key 'Class': there is no class NTNothing"},
-        {file(thing("a", "Create = initWithNothing;")),
-         "object 'a', key 'Create': the class NTThing has no operation 'initWithNothing' that returns an "
-         "object"},
-        {file(thing("a", "Create = release;")), "'release' that returns an object"},
-        {file(thing("a", "Create = initFailing;")), "object 'a', key 'Create': no memory for NTThing"},
-        {file(thing("a", "Create = initNone;")), "object 'a', key 'Create': 'initNone' returned null"},
-        {file(thing("a", values("titel = b;"))),
-         "object 'a', key 'titel': the class NTThing has no setter 'setTitel:'"},
-        {file(thing("a", values("two = b;"))), "the class NTThing has no setter 'setTwo:'"},
-        {file(thing("a", values("\"\" = b;"))), "the class NTThing has no setter 'set:'"},
-        {file(thing("a", values("title = (b);"))), "object 'a', key 'title': -[NTThing setTitle:]: "},
-        {file(thing("a", values("width = wide;"))), "key 'width': the text 'wide' cannot become a float"},
-        {file(thing("a", values("width = \"1 \";"))), "the text '1 ' cannot become a float"},
-        {file(thing("a", values("count = 40000;"))), "the text '40000' cannot become a short"},
-        {file(thing("a", values("count = \"1.5\";"))), "the text '1.5' cannot become a short"},
-        {file(thing("a", values("shown = maybe;"))), "the text 'maybe' cannot become a "},
-        {file(thing("a", values("frame = (1, 2, 3);"))), "the NSArray cannot become a struct "},
-        {file(thing("a", values("frame = (1, 2, 3, x);"))), "the NSArray cannot become a struct "},
-        {file(thing("a", values("kind = NTNothing;"))), "the text 'NTNothing' cannot become "},
-        {file(thing("a", values("pointer = 5;"))), "the text '5' cannot become "},
-        {file(thing("a", values("broken = b;"))), "object 'a', key 'broken': it is broken"},
-        {file(thing("a"), "{Source = owner; Outlet = pier; Target = a;}"),
-         "object 'owner', key 'pier': the class NTThing has no setter 'setPier:'"},
-        {file(thing("a"), "{Source = a; Action = \"jump:\"; Target = owner;}"),
-         "object 'a', key 'jump:': the object 'owner', a NTThing, has no such operation"},
-        {file("{Identifier = a; Class = NSObject;}", "{Source = a; Action = \"push:\";}"),
-         "object 'a', key 'push:': the class NSObject has no setter 'setTarget:'"},
-        {"{Objects = ({Identifier = a; Class = NTThing; Create = \"initWithTitle:inside:\"; Arguments = (b, "
-         "c);});}",
-         "object 'a', key 'Create': "},
-    };
-    for (const auto& [text, fault] : rows) EXPECT_THAT(faultOf(text, owner), HasSubstr(fault)) << text;
+    expectAll(
+        {"{Objects = ({Identifier = a; Class = No;});} -> object 'a', key 'Class': there is no class No",
+         "Create = release; -> object 'a', key 'Create': the class NTThing has no operation 'release' that "
+         "returns an object",
+         "Create = initFailing; -> object 'a', key 'Create': no memory for NTThing",
+         "Create = initNone; -> object 'a', key 'Create': 'initNone' returned null",
+         "Values = {titel = b;}; -> object 'a', key 'titel': the class NTThing has no setter 'setTitel:'",
+         "Values = {\"\" = b;}; -> object 'a': the class NTThing has no setter 'set:'",
+         "Values = {width = \"1 \";}; -> object 'a', key 'width': the text '1 ' cannot become a float",
+         "Values = {count = 40000;}; -> object 'a', key 'count': the text '40000' cannot become a short",
+         "Values = {broken = b;}; -> object 'a', key 'broken': it is broken",
+         "|{Source = owner; Outlet = b; Target = a;} -> object 'owner', key 'b': the class NTThing has no "
+         "setter 'setB:'",
+         "|{Source = a; Action = \"jump:\"; Target = owner;} -> object 'a', key 'jump:': the object 'owner', "
+         "a "
+         "NTThing, has no such operation"},
+        [&](const std::string& row) { return faultOf(fileOf(row), owner); });
+    for (const char* entries : {"title = (b)", "count = \"1.5\"", "shown = maybe", "frame = (1, 2, 3)",
+                                "frame = (1, 2, 3, x)", "kind = No", "pointer = 5"})
+        EXPECT_THAT(faultOf(file(thing("a", values(entries + std::string(";"))))),
+                    StartsWith("object 'a', key '"));
+    EXPECT_THAT(faultOf(fileOf("Create = \"initWithTitle:inside:\"; Arguments = (b, c);")),
+                StartsWith("object 'a', key 'Create': "));
+    EXPECT_THAT(faultOf(file("{Identifier = a; Class = NSObject;}", "{Source = a; Action = \"push:\";}")),
+                EndsWith("the class NSObject has no setter 'setTarget:'"));
 }
 
 TEST_F(Nib, RefusesTooDeepChainsAndTakesLongLists) {
@@ -393,7 +364,7 @@ TEST_F(Nib, LooksUpFilesAndTextsInTheUsersLanguage) {
         return NTThing::notes;
     };
     EXPECT_THAT(load(u"Panel"_ns), AllOf(HasSubstr("eins"), HasSubstr("zwei"), HasSubstr("_C")));
-    EXPECT_EQ(load(u"Own.nib"_ns), "title Deutsch; awake 0; ");
+    EXPECT_EQ(load(u"Own.nib"_ns), "Deutsch; awake; ");
     EXPECT_THAT(load(u"Missing"_ns),
                 AllOf(StartsWith("Missing: the bundle "), EndsWith(" has no such resource")));
     EXPECT_THAT(load(u"Broken"_ns), HasSubstr("Broken.nib: line 1, column 13: "));
