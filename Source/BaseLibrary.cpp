@@ -16,6 +16,7 @@
 #include "NSData-PelvorAdditions.h"
 #include "NSDictionary-PelvorAdditions.h"
 #include "NSEnumerator-PelvorAdditions.h"
+#include "NSFileManager-PelvorAdditions.h"
 #include "NSIndexSet-PelvorAdditions.h"
 #include "NSInvocation-PelvorAdditions.h"
 #include "NSMutableDictionary-PelvorAdditions.h"
@@ -124,6 +125,7 @@ constexpr const Category* kCategories[] = {
     &NSData_PelvorAdditions_category,
     &NSDictionary_PelvorAdditions_category,
     &NSEnumerator_PelvorAdditions_category,
+    &NSFileManager_PelvorAdditions_category,
     &NSIndexSet_PelvorAdditions_category,
     &NSInvocation_PelvorAdditions_category,
     &NSMutableArray_PelvorAdditions_category,

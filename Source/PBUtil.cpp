@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "BaseLibrary.h"
+#include "Foundation/LibraryTexts.h"
 #include "Foundation/NSBundle.h"
 #include "Foundation/PlatformVersion.h"
 #include "Foundation/SystemVersion.h"
@@ -70,9 +71,10 @@ void PBSetToolboxBundleIdentifier(NSString* identifier) {
 
 NSString* _PBDoLocalize(NSString* rawStr, id obj) {
     if (NSString* text = localizedIn(_PBDoToolboxBundle(), rawStr)) return text;
-    if (!obj) return rawStr;
-    Class* cls = asClass(obj) ? asClass(obj) : obj->class_();
-    NSString* text = localizedIn(NSBundle::bundleForClass(cls), rawStr);
+    NSString* text = nullptr;
+    if (obj)
+        text = localizedIn(NSBundle::bundleForClass(asClass(obj) ? asClass(obj) : obj->class_()), rawStr);
+    if (!text) text = localizedLibraryText(rawStr);
     return text ? text : rawStr;
 }
 

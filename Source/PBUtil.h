@@ -22,8 +22,8 @@ PELVOR_EXPORT NSBundle* _PBDoToolboxBundle();
 PELVOR_EXPORT void PBSetToolboxBundleIdentifier(NSString* identifier);
 
 /// The text for the key `rawStr` in the user's language: from the default strings table of the toolbox
-/// bundle, else, if `obj` is not null, from that of the bundle of its class, else `rawStr` itself. Keys of
-/// the library are English texts behind an underscore:
+/// bundle, else, if `obj` is not null, from that of the bundle of its class, else from the library's own
+/// table, else `rawStr` itself. Keys of the library are English texts behind an underscore:
 ///
 ///     NSString* title = _PBDoLocalize(u"_Cancel"_ns, nullptr);
 ///

@@ -41,18 +41,24 @@ NSDate* dateOf(const struct statx_timestamp& time) {
     return NSDate::dateWithTimeIntervalSince1970(static_cast<double>(time.tv_sec) + time.tv_nsec / 1e9);
 }
 
-NSString* userNamed(uid_t user) {
+std::string nameOfUser(unsigned number) {
     std::vector<char> buffer(16384);
     passwd entry, *found = nullptr;
-    ::getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found);
-    return found ? NSString::ofUTF8(found->pw_name) : nullptr;
+    ::getpwuid_r(number, &entry, buffer.data(), buffer.size(), &found);
+    return found ? found->pw_name : "";
 }
 
-NSString* groupNamed(gid_t groupNumber) {
+std::string nameOfGroup(unsigned number) {
     std::vector<char> buffer(65536);
     group entry, *found = nullptr;
-    ::getgrgid_r(groupNumber, &entry, buffer.data(), buffer.size(), &found);
-    return found ? NSString::ofUTF8(found->gr_name) : nullptr;
+    ::getgrgid_r(number, &entry, buffer.data(), buffer.size(), &found);
+    return found ? found->gr_name : "";
+}
+
+// Most files have the owner of the file before. Null for a number without a name.
+NSString* nameOf(unsigned number, std::string (*look)(unsigned), std::pair<unsigned, std::string>& last) {
+    if (last.first != number || last.second.empty()) last = {number, look(number)};
+    return last.second.empty() ? nullptr : NSString::ofUTF8(last.second);
 }
 
 NSNumber* number(unsigned long long value) { return NSNumber::numberWithUnsignedLongLong(value); }
@@ -69,8 +75,9 @@ NSDictionary* attributesOf(const struct statx& status) {
     set(NSFilePosixPermissions, number(status.stx_mode & 07777));
     set(NSFileOwnerAccountID, number(status.stx_uid));
     set(NSFileGroupOwnerAccountID, number(status.stx_gid));
-    set(NSFileOwnerAccountName, userNamed(status.stx_uid));
-    set(NSFileGroupOwnerAccountName, groupNamed(status.stx_gid));
+    thread_local std::pair<unsigned, std::string> lastUser, lastGroup;
+    set(NSFileOwnerAccountName, nameOf(status.stx_uid, nameOfUser, lastUser));
+    set(NSFileGroupOwnerAccountName, nameOf(status.stx_gid, nameOfGroup, lastGroup));
     set(NSFileReferenceCount, number(status.stx_nlink));
     set(NSFileSystemNumber, number(makedev(status.stx_dev_major, status.stx_dev_minor)));
     set(NSFileSystemFileNumber, number(status.stx_ino));

@@ -132,6 +132,8 @@ class PELVOR_EXPORT NSFileManager : public NSObject {
     // C++ only
     /// Copies the content of a file for the user alone: nobody else may ever read the copy. No handler.
     bool copyFile_toPrivateFile(NSString* source, NSString* destination);
+    /// Whether the entry is a regular file, no link, that belongs to the user of the process.
+    bool isOwnFileAtPath(NSString* path);
 
     // The system's paths
 

@@ -56,12 +56,9 @@ bool replaceFile(const std::string& path, std::span<const std::byte> content, bo
 
     TemporaryFile file(folder, name);
     if (!file.open(isNew && !isPrivate ? 0666 : 0600) || !writeAll(file, content)) return false;
-    if (isPrivate && !isNew)
-        (void)!::fchown(file, old.st_uid, static_cast<gid_t>(-1));
-    else if (!isPrivate && !isNew)
-        FileRights(path, old).giveTo(file);
-    else if (!isPrivate && file.hasName())
-        (void)!::fchmod(file, rightsOfNewFile());
+    if (isPrivate && !isNew) (void)!::fchown(file, old.st_uid, static_cast<gid_t>(-1));
+    if (!isPrivate && isNew && file.hasName()) (void)!::fchmod(file, rightsOfNewFile());
+    if (!isPrivate && !isNew && !FileRights(path, old).giveTo(file)) return false;
     return finish(file) && file.replaceTarget(isNew);
 }
 

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 
 #include "Foundation/Files/FileContents.h"
@@ -43,7 +44,7 @@ bool FileRights::giveListTo(int file) const {
     return true;
 }
 
-void FileRights::giveTo(int file) const {
+bool FileRights::giveTo(int file) const {
     mode_t rights = _status.st_mode & 07777;
     bool isGroupKept = true;
     if (::fchown(file, _status.st_uid, _status.st_gid) != 0) {
@@ -52,7 +53,7 @@ void FileRights::giveTo(int file) const {
     }
     if (!isGroupKept) rights &= ~static_cast<mode_t>(S_ISGID);
     if (!giveListTo(file) || !isGroupKept) rights &= 07707 | (rights & 07) << 3;
-    (void)!::fchmod(file, rights);
+    return ::fchmod(file, rights) == 0 || errno == EPERM || errno == EOPNOTSUPP;
 }
 
 // Reading the mask is the only way to know it without changing it.

@@ -16,9 +16,10 @@ class FileRights {
     FileRights(int file, const struct stat& status);
     FileRights(const std::string& path, const struct stat& status);
 
-    /// Sets them on an open file as far as the user may. A group for which the rights were not meant gets no
-    /// more rights than everybody.
-    void giveTo(int file) const;
+    /// Sets them on an open file as far as the user may and the file system can. A group for which the rights
+    /// were not meant gets no more rights than everybody. Returns false, with the reason in `errno`, if the
+    /// rights could be set and were not.
+    bool giveTo(int file) const;
 
   private:
     bool giveListTo(int file) const;

@@ -102,7 +102,7 @@ void copyNotes(int from, int to) {
 
 bool finishCopy(int from, int to, const struct stat& status, CopyRights rights) {
     copyNotes(from, to);
-    if (rights == CopyRights::asSource) FileRights(from, status).giveTo(to);
+    if (rights == CopyRights::asSource && !FileRights(from, status).giveTo(to)) return false;
     const timespec times[] = {status.st_atim, status.st_mtim};
     return ::futimens(to, times) == 0;
 }

@@ -46,6 +46,12 @@ bool TemporaryEntry::lock(bool hasName) {
     return ::fstat(_opened, &status) == 0 && (!hasName || status.st_nlink > 0);
 }
 
+// The next try removes what is left under the name, if that is not another process's by now.
+bool TemporaryEntry::giveUp() {
+    _opened.set(-1);
+    return failWith(EEXIST);
+}
+
 bool TemporaryEntry::takeName(const std::function<bool(const char*)>& make) {
     for (int number = 0; number < kMostNames;) {
         char name[64];
@@ -90,7 +96,7 @@ bool TemporaryFile::open(mode_t rights) {
     if (_opened && ::access(_link.c_str(), F_OK) == 0) return lock(false);
     return takeName([this](const char* name) {
         _opened.set(openedAt(_folder, name, O_WRONLY | O_CREAT | O_EXCL, 0600).release());
-        return _opened && (lock(true) || failWith(EEXIST));
+        return _opened && (lock(true) || giveUp());
     });
 }
 
@@ -124,7 +130,7 @@ bool TemporaryTree::open() {
     return takeName([this](const char* name) {
         if (::mkdirat(_folder, name, 0700) != 0) return false;
         _opened.set(openedAt(_folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW).release());
-        if (_opened) return lock(true) || failWith(EEXIST);
+        if (_opened) return lock(true) || giveUp();
         int reason = errno;
         ::unlinkat(_folder, name, AT_REMOVEDIR);
         return failWith(reason);

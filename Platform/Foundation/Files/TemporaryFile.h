@@ -33,6 +33,7 @@ class TemporaryEntry {
     // False if another process removed the entry before it was locked, because that process took it for one
     // that was left behind. On a file system without locks, nothing is taken for what was left behind.
     bool lock(bool hasName);
+    bool giveUp();
     // Tries names until `make`, which leaves EEXIST in `errno` for a name that is taken, succeeds with one.
     bool takeName(const std::function<bool(const char*)>& make);
     bool removeAbandoned(const char* name);

@@ -11,53 +11,10 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdarg>
 
+#include "FailingSystem.h"
 #include "Prelude.h"
 #include "TemporaryFolder.h"
-
-// MARK: A system that fails
-
-namespace {
-
-// What the calls below do instead of their work.
-struct Faults {
-    bool refusesUnnamedFiles = false;
-    bool diesBeforeRenaming = false;
-    bool failsToSync = false;
-    bool failsToClose = false;
-    mode_t rightsWhileWritten = 0;  // of the last file that was synchronised
-} faults;
-
-}  // namespace
-
-#define INSTEAD_OF_THE_SYSTEM extern "C" [[gnu::visibility("default")]]
-
-INSTEAD_OF_THE_SYSTEM int openat(int folder, const char* path, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    mode_t rights = flags & (O_CREAT | O_TMPFILE) ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
-    if (faults.refusesUnnamedFiles && (flags & O_TMPFILE) == O_TMPFILE) return errno = EOPNOTSUPP, -1;
-    return static_cast<int>(syscall(SYS_openat, folder, path, flags, rights));
-}
-
-INSTEAD_OF_THE_SYSTEM int renameat(int from, const char* old, int to, const char* name) noexcept {
-    if (faults.diesBeforeRenaming) raise(SIGKILL);
-    return static_cast<int>(syscall(SYS_renameat2, from, old, to, name, 0));
-}
-
-INSTEAD_OF_THE_SYSTEM int fsync(int file) {
-    struct stat status;
-    if (fstat(file, &status) == 0) faults.rightsWhileWritten = status.st_mode & 07777;
-    if (faults.failsToSync) return errno = EIO, -1;
-    return static_cast<int>(syscall(SYS_fsync, file));
-}
-
-INSTEAD_OF_THE_SYSTEM int close(int file) {
-    int result = static_cast<int>(syscall(SYS_close, file));
-    return faults.failsToClose ? errno = ENOSPC, -1 : result;
-}
 
 namespace {
 
@@ -89,14 +46,6 @@ class FileContentsTest : public ::testing::TestWithParam<bool> {
                 return 255;
             return save(name, text);
         });
-    }
-    template <class Work>
-    static int inChild(Work work) {
-        pid_t child = fork();
-        if (child == 0) _exit(work());
-        int status = 0;
-        waitpid(child, &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     }
 
     struct stat statusOf(const string& name) {

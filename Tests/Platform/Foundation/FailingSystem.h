@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+// A system whose calls on files fail, or end the process, when a test wants it.
+#pragma once
+
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+
+namespace pelvor {
+
+/// What the system's calls do instead of their work.
+struct Faults {
+    bool refusesUnnamedFiles = false;
+    bool refusesCopiesInside = false;  ///< copy_file_range and FICLONE
+    bool diesBeforeRenaming = false;
+    bool failsToSync = false;
+    bool failsToClose = false;
+    mode_t rightsWhileWritten = 0;  ///< of the last file that was synchronised
+
+    // The call of this number, counted from 1 since `count` was set to 0, fails; with reason 0 it ends the
+    // process.
+    int number = 0;
+    int reason = 0;
+    int count = 0;
+    const char* struck = nullptr;  ///< the call that failed
+};
+extern Faults faults;
+
+/// Does the work in a child process. Returns its exit status, or the number of the signal that ended it below
+/// 0.
+template <class Work>
+int inChild(Work work) {
+    const pid_t child = fork();
+    if (child == 0) _exit(work());
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+}  // namespace pelvor

@@ -1,0 +1,300 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "NSFileManager-PelvorAdditions.h"
+
+#include <grp.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "EnvironmentScope.h"
+#include "Foundation/DesktopTrash.h"
+#include "Foundation/ProgramRun.h"
+#include "PBUtil.h"
+#include "Prelude.h"
+#include "TemporaryFolder.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using std::string;
+
+class FileAdditionsTest : public ::testing::Test {
+  protected:
+    NSString* path(const string& name) const { return NSString::ofUTF8(folder.path(name)); }
+    string unique(const char* name, const char* suffix = " (%d)") const {
+        NSString* found = uniqueFileName_withSuffix_inFolder(files, NSString::ofUTF8(name), NSString::ofUTF8(suffix),
+                                                             path("in"));
+        return found ? found->toUTF8() : "null";
+    }
+    // What the program writes; "-" and the status if it fails.
+    static string outputOf(const char* program, std::initializer_list<Object*> arguments) {
+        string output;
+        const int status = runProgram(NSString::ofUTF8(program), NSArray::of(arguments), &output);
+        return status == 0 ? output : "-" + std::to_string(status);
+    }
+    // The status of the work in a process of another user.
+    template <class Work>
+    static int asOtherUser(Work work) {
+        const pid_t child = fork();
+        if (child == 0) _exit(setgroups(0, nullptr) || setresuid(65534, 65534, 65534) ? 255 : work());
+        int status = 0;
+        waitpid(child, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    inline static NSFileManager* const files = NSFileManager::defaultManager();
+    AutoreleasePool pool;
+    TemporaryFolder folder;
+    EnvironmentScope data{"XDG_DATA_HOME", folder.path("data").c_str()};
+    EnvironmentScope temporary{"TMPDIR", folder.path().c_str()};
+};
+
+// MARK: Names
+
+TEST_F(FileAdditionsTest, UniqueNamesGoOnBehindTheTakenOnes) {
+    for (const char* name : {"Report.txt", "Report (1).txt", "plain", ".hidden", "a.tar.gz", "Ä.txt"})
+        folder.write(string("in/") + name, "");
+    fs::create_symlink("nowhere", folder.path("in/link.txt"));
+    expectAll({"Report.txt -> Report (2).txt", "other.txt -> other.txt", "plain -> plain (1)",
+               ".hidden -> .hidden (1)", "a.tar.gz -> a.tar (1).gz", "link.txt -> link (1).txt", "Ä.txt -> Ä (1).txt"},
+              [&](const string& name) { return unique(name.c_str()); });
+    EXPECT_EQ(unique("plain", "-%03x!"), "plain-001!");
+    EXPECT_EQ(uniqueFileName_inFolder(files, nullptr, path("in")), nullptr);
+    EXPECT_EQ(uniqueFileName_inFolder(files, u"x"_ns, nullptr), nullptr);
+    EXPECT_EQ(shown(uniqueFileName_inFolder(files, u"x"_ns, path("none"))), "x");
+    folder.write("notes.txt", "");
+    EXPECT_EQ(shown(tempFilePathWithFileName(files, u"notes.txt"_ns)), folder.path("notes-1.txt"));
+}
+
+TEST_F(FileAdditionsTest, TheLastUniqueNameHasTheNumber99997) {
+    folder.write("in/x", "");
+    const int in = open(folder.path("in").c_str(), O_RDONLY | O_DIRECTORY);
+    for (int number = 1; number < 99'997; ++number)
+        if (linkat(in, "x", in, ("x" + std::to_string(number)).c_str(), 0) != 0) {
+            // Some file systems give a file few names.
+            close(openat(in, ("x" + std::to_string(number)).c_str(), O_WRONLY | O_CREAT, 0600));
+        }
+    EXPECT_EQ(unique("x", "%d"), "x99997");
+    close(openat(in, "x99997", O_WRONLY | O_CREAT, 0600));
+    EXPECT_EQ(unique("x", "%d"), "null");
+    EXPECT_EQ(unique("x", "%x"), "x186a1") << "hexadecimal digits are other names" << close(in);
+}
+
+// MARK: Moves, folders and access
+
+TEST_F(FileAdditionsTest, ResultsSayWhatIsInTheWay) {
+    folder.write("file", "old");
+    folder.write("other", "other");
+    folder.write("locked/file", "x");
+    chmod(folder.path("locked").c_str(), 0555);
+    chmod(folder.path("").c_str(), 0777);
+    EXPECT_EQ(moveFileAtPath_toPath(files, path("none"), path("x")), PBFileOperationNoSource);
+    EXPECT_EQ(moveFileAtPath_toPath(files, path("file"), path("other")), PBFileOperationDestinationTaken);
+    EXPECT_EQ(folder.read("file") + folder.read("other"), "oldother");
+    EXPECT_EQ(copyFileAtPath_toPath(files, path("file"), path("none/x")), PBFileOperationNoFolder);
+    EXPECT_EQ(copyFileAtPath_toPath(files, path("locked"), path("locked/x")), PBFileOperationFailure);
+    EXPECT_EQ(copyFileAtPath_toPath(files, nullptr, path("x")), PBFileOperationNoSource);
+    const int result = asOtherUser([&] {
+        return moveFileAtPath_toPath(files, path("file"), path("locked/x")) * 16 +
+               copyFileAtPath_toPath(files, path("locked/file"), path("copy"));
+    });
+    EXPECT_EQ(result, geteuid() == 0 ? PBFileOperationDenied * 16 : 255);
+    EXPECT_EQ(copyFileAtPath_toPath(files, path("file"), path("copied")), 0);
+    EXPECT_EQ(moveFileAtPath_toPath(files, path("copied"), path("moved")), 0);
+    EXPECT_EQ(folder.read("moved"), "old");
+}
+
+TEST_F(FileAdditionsTest, AccessNamesTheFirstObstacle) {
+    folder.write("open/file", "");
+    folder.write("open/closed", "");
+    folder.write("shut/in/file", "");
+    chmod(folder.path("open/closed").c_str(), 0);
+    chmod(folder.path("shut").c_str(), 0711);
+    chmod(folder.path("").c_str(), 0755);
+    const auto access = [&](const char* name) { return readAccessForFileAtPath(files, path(name)); };
+    EXPECT_EQ(access("open/file"), PBFileIsReadable);
+    EXPECT_EQ(access("open/none"), PBFileMissing);
+    EXPECT_EQ(access("none/none"), PBFileFolderMissing);
+    if (geteuid() != 0) return;
+    EXPECT_EQ(asOtherUser([&] { return access("open/closed"); }), PBFileDenied);
+    EXPECT_EQ(asOtherUser([&] { return access("shut/none"); }), PBFileFolderDenied);
+    EXPECT_EQ(asOtherUser([&] { return access("shut/in/file"); }), PBFileIsReadable);
+}
+
+TEST_F(FileAdditionsTest, MakesFoldersAndTouchesAndKnowsAliases) {
+    EXPECT_TRUE(createDirectoryRecursiveAtPath_attributes(
+        files, path("a/b/c"), NSDictionary::of({{NSFilePosixPermissions, NSNumber::numberWithInt(0750)}})));
+    struct stat status;
+    ASSERT_EQ(stat(folder.path("a/b").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0750u);
+    EXPECT_FALSE(createDirectoryRecursiveAtPath_attributes(files, path("a/b/c"), nullptr)) << "it is there";
+    folder.write("file", "");
+    for (NSString* none : {path("file/x"), u"x"_ns, u""_ns, static_cast<NSString*>(nullptr)})
+        EXPECT_FALSE(createDirectoryRecursiveAtPath_attributes(files, none, nullptr));
+    fs::last_write_time(folder.path("file"), fs::file_time_type::min());
+    EXPECT_TRUE(touchFile(files, path("file")));
+    EXPECT_LT(fs::file_time_type::clock::now() - fs::last_write_time(folder.path("file")), std::chrono::minutes(1));
+    EXPECT_FALSE(touchFile(files, path("none")));
+
+    fs::create_symlink("file", folder.path("one"));
+    fs::create_symlink(folder.path("one"), folder.path("a/two"));
+    fs::create_symlink("round", folder.path("round"));
+    fs::create_symlink("nowhere", folder.path("dangling"));
+    EXPECT_EQ(shown(resolvedPathForAliasAtPath(files, path("a/two"))), folder.path("file"));
+    for (const char* name : {"file", "round", "dangling", "none"})
+        EXPECT_EQ(resolvedPathForAliasAtPath(files, path(name)), nullptr) << name;
+    EXPECT_TRUE(isAliasAtPath(files, path("round")) && !isAliasAtPath(files, path("file")));
+    EXPECT_TRUE(isFileHiddenAtPath(files, u"/a/.b"_ns) && !isFileHiddenAtPath(files, u"/.a/b"_ns));
+    EXPECT_EQ(shown(ourApplicationSupportFolderForDomain(files, FolderDomainUser)), folder.path("data/Pelvor Writer"));
+    EXPECT_FALSE(fs::exists(folder.path("data/Pelvor Writer")));
+}
+
+// MARK: Messages
+
+TEST_F(FileAdditionsTest, MessagesAreInTheUsersLanguage) {
+    const auto messages = [](const char* languages) {
+        const LanguageScope scope(languages);
+        string all;
+        for (int code : {2, 99, -1}) all += PBLocalizedMessageForFileOperationResult(code)->toUTF8() + "; ";
+        for (int code : {16, 3}) all += PBLocalizedMessageForFileAccessType(code)->toUTF8() + "; ";
+        return all;
+    };
+    EXPECT_EQ(messages("en"), "the file already exists; unknown file error; unknown file error; permission denied; ; ");
+    EXPECT_EQ(messages("fr"),
+              "le fichier existe déjà; erreur de fichier inconnue; erreur de fichier inconnue; accès refusé; ; ");
+    EXPECT_EQ(messages("de"),
+              "die Datei gibt es schon; unbekannter Dateifehler; unbekannter Dateifehler; Zugriff verweigert; ; ");
+    EXPECT_EQ(shown(_PBDoLocalize(u"_no such key"_ns, nullptr)), "_no such key");
+}
+
+TEST_F(FileAdditionsTest, TheLoadTimeSequencePreparesWhatTheHostMayUse) {
+    const mode_t before = umask(0027);
+    NSFileManager_PelvorAdditions::didLoad();
+    EXPECT_EQ(NSFileManager_PelvorAdditions::fileCreationMask(), 0027u);
+    EXPECT_EQ(umask(before), 0027u);
+    EXPECT_TRUE(NSFileManager_PelvorAdditions::temporaryNamesLock());
+}
+
+// MARK: The trash
+
+TEST_F(FileAdditionsTest, WhatIsThrownAwayCanBeRestored) {
+    const std::vector<string> originals{"letter.txt", "50% of ü\n.txt", string(251, 'x') + ".txt"};
+    for (const string& name : originals) {
+        folder.write(name, name);
+        EXPECT_EQ(trashFileAtPath(files, NSString::ofUTF8(folder.path(name))), 0) << name;
+    }
+    folder.write("letter.txt", "second");
+    EXPECT_EQ(trashFileAtPath(files, path("letter.txt")), 0);
+    EXPECT_EQ(folder.read("data/Trash/files/letter-1.txt"), "second");
+    EXPECT_THAT(folder.read("data/Trash/info/50% of ü\n.txt.trashinfo"),
+                ::testing::MatchesRegex("\\[Trash Info\\]\nPath=/[^\n]*/50%25%20of%20%C3%BC%0A.txt\n"
+                                        "DeletionDate=....-..-..T..:..:..\n"));
+    const DesktopTrash trash = DesktopTrash::ofHome();
+    ASSERT_EQ(trash.contents().size(), 4u);
+    for (const TrashEntry& entry : trash.contents()) {
+        EXPECT_LT(std::abs(entry.date - time(nullptr)), 100);
+        EXPECT_EQ(trash.restore(entry), entry.name != "letter.txt" || !fs::exists(entry.original));
+    }
+    for (const string& name : originals) EXPECT_TRUE(fs::exists(folder.path(name))) << name;
+    ASSERT_EQ(trash.contents().size(), 1u) << "of two letters, one can be at the old place";
+    EXPECT_FALSE(trash.restore(trash.contents()[0]));
+    EXPECT_EQ(errno, EEXIST);
+}
+
+TEST_F(FileAdditionsTest, TheTrashSaysWhyNot) {
+    EXPECT_EQ(trashFileAtPath(files, path("none")), PBFileOperationNoSource);
+    EXPECT_EQ(trashFileAtPath(files, nullptr), PBFileOperationNoSource);
+    folder.write("data/Trash/info/x.trashinfo", "");
+    folder.write("x", "");
+    EXPECT_EQ(trashFileAtPath(files, path("x")), 0);
+    EXPECT_TRUE(fs::exists(folder.path("data/Trash/files/x-1"))) << "the name x has a text without a file";
+    EXPECT_NE(trashFileAtPath(files, path("data")), 0) << "the folder that the trash is in";
+    EXPECT_TRUE(fs::exists(folder.path("data/Trash/files/x-1")));
+    folder.write("file", "");
+    const EnvironmentScope inFile("XDG_DATA_HOME", folder.path("file/data").c_str());
+    EXPECT_EQ(trashFileAtPath(files, path("file")), PBFileOperationFailure);
+    // A text that leads elsewhere is nobody's.
+    folder.write("other/Trash/files/evil", "");
+    folder.write("other/Trash/info/evil.trashinfo", "[Trash Info]\nPath=/tmp/../etc/evil\n");
+    const EnvironmentScope other("XDG_DATA_HOME", folder.path("other").c_str());
+    EXPECT_THAT(DesktopTrash::ofHome().contents(), IsEmpty());
+}
+
+TEST_F(FileAdditionsTest, EachFileSystemHasATrashOfItsOwn) {
+    struct stat own, other;
+    if (stat("/dev/shm", &other) != 0 || access("/dev/shm", W_OK) != 0 || stat(folder.path().c_str(), &own) != 0 ||
+        own.st_dev == other.st_dev)
+        GTEST_SKIP() << "there is no other file system";
+    const EnvironmentScope elsewhere("TMPDIR", "/dev/shm");
+    const TemporaryFolder shared;
+    shared.write("a b.txt", "text");
+    EXPECT_EQ(trashFileAtPath(files, NSString::ofUTF8(shared.path("a b.txt"))), 0);
+    const string trashes = "/dev/shm/.Trash-" + std::to_string(getuid());
+    bool isFound = false;
+    for (const DesktopTrash& trash : DesktopTrash::all())
+        for (const TrashEntry& entry : trash.contents())
+            if (entry.original == shared.path("a b.txt")) isFound = trash.files() == trashes + "/files" && trash.restore(entry);
+    EXPECT_TRUE(isFound);
+    EXPECT_EQ(shared.read("a b.txt"), "text");
+    for (const char* each : {"/files", "/info", ""}) rmdir((trashes + each).c_str());
+    EXPECT_EQ(moveFileAtPath_toPath(files, NSString::ofUTF8(shared.path("a b.txt")), path("moved")), 0);
+    EXPECT_EQ(folder.read("moved") + (fs::exists(shared.path("a b.txt")) ? " twice" : ""), "text");
+}
+
+TEST_F(FileAdditionsTest, OtherProgramsReadOurTrashAndWeReadTheirs) {
+    if (!fs::exists("/usr/bin/gio")) GTEST_SKIP() << "gio is not installed";
+    folder.write("theirs 100%.txt", "theirs");
+    ASSERT_EQ(outputOf("/usr/bin/gio", {u"trash"_ns, path("theirs 100%.txt")}), "");
+    const DesktopTrash trash = DesktopTrash::ofHome();
+    ASSERT_EQ(trash.contents().size(), 1u);
+    EXPECT_TRUE(trash.restore(trash.contents()[0]));
+    EXPECT_EQ(folder.read("theirs 100%.txt"), "theirs");
+    EXPECT_EQ(trashFileAtPath(files, path("theirs 100%.txt")), 0);
+    const string list = outputOf("/usr/bin/gio", {u"trash"_ns, u"--list"_ns});
+    if (list.starts_with("-")) GTEST_SKIP() << "gio has no service that lists the trash";
+    EXPECT_THAT(list, HasSubstr(folder.path("theirs 100%.txt")));
+    EXPECT_EQ(outputOf("/usr/bin/gio", {u"trash"_ns, u"--restore"_ns, u"trash:///theirs 100%25.txt"_ns}), "");
+    EXPECT_EQ(folder.read("theirs 100%.txt"), "theirs");
+}
+
+// MARK: Archives
+
+TEST_F(FileAdditionsTest, TemporaryArchivesAreCopiesOrCompressed) {
+    if (!fs::exists(libraryProgramsFolder()->toUTF8() + "/ditto")) GTEST_SKIP() << "there is no archiver";
+    LogLines log;
+    EXPECT_EQ(tempArchiveForFileAtPath(files, path("none")), nullptr);
+    EXPECT_THAT(log.lines, ElementsAre(::testing::MatchesRegex("ditto is located at \"/.*/ditto\"")));
+    EXPECT_EQ(tempArchiveForFileAtPath(files, nullptr), nullptr);
+    const string text = folder.write("in/notes.rtf", "some text"), packed = folder.write("in/notes.ZIP", "zip");
+    EXPECT_EQ(shown(tempArchiveForFileAtPath(files, NSString::ofUTF8(packed))), folder.path("notes.ZIP"));
+    EXPECT_EQ(shown(tempArchiveForFileAtPath(files, NSString::ofUTF8(packed))), folder.path("notes-1.ZIP"));
+    EXPECT_EQ(folder.read("notes.ZIP"), "zip");
+    EXPECT_EQ(shown(tempArchiveForFileAtPath(files, NSString::ofUTF8(text))), folder.path("notes.cpio"));
+    EXPECT_EQ(log.lines.size(), 1u) << "the archiver is looked for once";
+    for (const char* name : {"notes.cpio", "notes.ZIP"})
+        EXPECT_EQ(fs::status(folder.path(name)).permissions(), fs::perms::owner_read | fs::perms::owner_write) << name;
+    if (!fs::exists("/usr/bin/cpio")) GTEST_SKIP() << "nothing can unpack it";
+    const string unpack = "cd '" + folder.path("in") + "' && rm -f notes.rtf && gzip -dc ../notes.cpio | cpio -i --quiet";
+    EXPECT_EQ(outputOf("/bin/sh", {u"-c"_ns, NSString::ofUTF8(unpack)}), "");
+    EXPECT_EQ(folder.read("in/notes.rtf"), "some text");
+}
+
+TEST_F(FileAdditionsTest, TheArchiverPacksFoldersAndNeverWritesThroughALink) {
+    const string archiver = libraryProgramsFolder()->toUTF8() + "/ditto";
+    if (!fs::exists(archiver) || !fs::exists("/usr/bin/cpio")) GTEST_SKIP() << "there is no archiver";
+    folder.write("tree/a/b", "text");
+    fs::create_symlink("b", folder.path("tree/a/link"));
+    const auto pack = [&](const char* target) {
+        return outputOf(archiver.c_str(), {u"-c"_ns, u"-X"_ns, u"-z"_ns, u"--rsrc"_ns, path("tree"), path(target)});
+    };
+    EXPECT_EQ(pack("out.cpio"), "");
+    const string list = "gzip -dc '" + folder.path("out.cpio") + "' | cpio -t --quiet | sort | tr '\\n' ' '";
+    EXPECT_EQ(outputOf("/bin/sh", {u"-c"_ns, NSString::ofUTF8(list)}), ". ./a ./a/b ./a/link ");
+    folder.write("victim", "untouched");
+    fs::create_symlink("victim", folder.path("planted"));
+    EXPECT_EQ(pack("planted") + pack("out.cpio") + pack("none/x"), "-1-1-1");
+    EXPECT_EQ(folder.read("victim"), "untouched");
+    EXPECT_EQ(outputOf(archiver.c_str(), {u"-x"_ns}), "-2");
+}
+
+}  // namespace
