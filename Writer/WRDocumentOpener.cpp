@@ -5,10 +5,10 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSDictionary.h"
+#include "Foundation/NSFileError.h"
 #include "PBProfileKeys.h"
 #include "PBProfileSet.h"
 #include "Writer/LocalizedText.h"
@@ -20,25 +20,9 @@
 namespace pelvor {
 namespace {
 
-// Why the file cannot be reached, as the system tells it.
 NSString* problemOfReason(int reason, NSString* path) {
-    switch (reason) {
-        case ENOENT:
-        case ENOTDIR:
-            return localizedFormat(u"_The document \"%@\" could not be opened: there is no such file."_ns,
-                                   path);
-        case EACCES:
-            return localizedFormat(u"_The document \"%@\" could not be opened: it may not be read."_ns, path);
-        case ELOOP:
-            return localizedFormat(
-                u"_The document \"%@\" could not be opened: its links lead in a circle."_ns, path);
-        case ENAMETOOLONG:
-            return localizedFormat(u"_The document \"%@\" could not be opened: its name is too long."_ns,
-                                   path);
-        default:
-            return localizedFormat(u"_The document \"%@\" could not be opened: %@"_ns, path,
-                                   NSString::ofUTF8(std::strerror(reason)));
-    }
+    auto* error = NSFileError::errorWithCode_path_isWriting(reason, path, false);
+    return localizedFormat(u"_The document \"%@\" could not be opened: %@."_ns, path, error->localizedReason());
 }
 
 // What stands in the way of reading the file, whichever reader is asked; null if nothing does.
@@ -46,12 +30,9 @@ NSString* obstacleAtPath(NSString* path) {
     const char* name = path->fileSystemRepresentation();
     struct stat status;
     if (stat(name, &status) != 0) return problemOfReason(errno, path);
-    if (S_ISDIR(status.st_mode))
-        return localizedFormat(u"_The document \"%@\" could not be opened: it is a folder."_ns, path);
+    if (S_ISDIR(status.st_mode)) return problemOfReason(EISDIR, path);
     if (access(name, R_OK) != 0) return problemOfReason(errno, path);
-    if (!S_ISREG(status.st_mode))
-        return localizedFormat(u"_The document \"%@\" could not be opened: it is not a file."_ns, path);
-    return nullptr;
+    return S_ISREG(status.st_mode) ? nullptr : problemOfReason(0, path);
 }
 
 // What is wrong with a document that a reader made; null if nothing is.

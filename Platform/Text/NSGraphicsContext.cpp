@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "Foundation/NSData.h"
+#include "Foundation/NSFileError.h"
 #include "Foundation/NSString.h"
 #include "Shared/ArgumentChecks.h"
 #include "Text/Drawing/Canvas.h"
@@ -224,8 +225,8 @@ bool NSGraphicsContext::writeToFile_reason(NSString* path, NSString** reason) {
     NSData* data = dataWithReason(reason);
     if (!data) return false;
     if (data->writeToFile_atomically(path, true)) return true;
-    const int error = errno;
-    tell(reason, "the file \"" + path->toUTF8() + "\" cannot be written: " + std::strerror(error));
+    const char* failure = reasonOfFileError(errno, FileUse::writing);
+    tell(reason, "the file \"" + path->toUTF8() + "\" cannot be written: " + failure);
     return false;
 }
 

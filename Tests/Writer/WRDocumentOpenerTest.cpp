@@ -97,10 +97,10 @@ TEST_F(DocumentOpener, AsksNoReaderAboutWhatIsNoFileOrMayNotBeRead) {
     };
     ASSERT_EQ(mkfifo(folder.path("pipe.txt").c_str(), 0600), 0);
     ASSERT_EQ(chmod(folder.write("secret.txt", "x").c_str(), 0), 0);
-    expectProblem("pipe.txt", "it is not a file");
-    expectProblem("missing.txt", "no such file");
+    expectProblem("pipe.txt", "it is no regular file");
+    expectProblem("missing.txt", "the file does not exist");
     expectProblem("", "a folder");
-    if (geteuid() != 0) expectProblem("secret.txt", "may not be read");  // nothing is forbidden to that user
+    if (geteuid() != 0) expectProblem("secret.txt", "permission was denied");  // nothing is forbidden to that user
 }
 
 TEST_F(DocumentOpener, HasACounterpartThatHasTheBestWriterWriteTheText) {

@@ -395,13 +395,13 @@ TEST_F(WriterProgramTest, LeavesTheOldFileWhereWritingFails) {
         EXPECT_EQ(run.status, 1) << target;
         EXPECT_THAT(run.errors, HasSubstr("” could not be written: "s + reason));
     };
-    expectFailure(program.folder.path("no/such/folder.txt"), "there is no such folder.");
-    expectFailure(program.folder.path("a.txt/b.txt"), "there is no such folder.");
+    expectFailure(program.folder.path("no/such/folder.txt"), "the enclosing folder does not exist.");
+    expectFailure(program.folder.path("a.txt/b.txt"), "a part of the path is no folder.");
     expectFailure(program.folder.path(""), "it is a folder.");
     std::filesystem::create_symlink("loop", program.folder.path("loop"));
     expectFailure(program.folder.path("loop"), "its links lead in a circle.");
     expectFailure(program.folder.path(std::string(300, 'n')), "its name is too long.");
-    if (geteuid() != 0) expectFailure("/a.txt", "you may not write there.");
+    if (geteuid() != 0) expectFailure("/a.txt", "permission was denied.");
     rlimit usual;
     getrlimit(RLIMIT_FSIZE, &usual);
     const rlimit small{5000, usual.rlim_max};
@@ -411,7 +411,7 @@ TEST_F(WriterProgramTest, LeavesTheOldFileWhereWritingFails) {
     const WriterRun full = program.run({path, saveAs, "--save-encoding=UTF-16LE"});
     std::signal(SIGXFSZ, SIG_DFL);
     setrlimit(RLIMIT_FSIZE, &usual);
-    EXPECT_THAT(full.errors, HasSubstr("could not be written: there is no room for it."));
+    EXPECT_THAT(full.errors, HasSubstr("could not be written: the file would be too large."));
     EXPECT_EQ(copied(), "old");
 }
 

@@ -208,7 +208,7 @@ TEST(NSGraphicsContextTest, SaysWhyAFileCannotBeWritten) {
     NSString* reason = nullptr;
     EXPECT_FALSE(context->writeToFile_reason(u"/no/such/folder/a.png"_ns, &reason));
     EXPECT_EQ(reason->toUTF8(),
-              "the file \"/no/such/folder/a.png\" cannot be written: No such file or directory");
+              "the file \"/no/such/folder/a.png\" cannot be written: the enclosing folder does not exist");
     EXPECT_FALSE(context->writeToFile_reason(u"/dev/full"_ns, &reason));
     EXPECT_THAT(reason->toUTF8(), EndsWith("No space left on device"));
     TemporaryFolder folder;

@@ -59,7 +59,7 @@ NSDictionary* WRByteReader::readDocumentAtPath_options(NSString* path, NSDiction
     const TextFileSource source(path->fileSystemRepresentation());
     std::vector<char> shown(kShownLength);
     const std::ptrdiff_t length = source.isOpen() ? source.readAt(0, shown) : -1;
-    if (length < 0) return unreadableAnswer(path);
+    if (length < 0) return unreadableAnswer(path, source);
     const Bytes bytes = std::as_bytes(std::span(shown)).first(static_cast<std::size_t>(length));
     NSString* text = NSString::of(hexadecimalText(bytes));
     NSNumber* count =

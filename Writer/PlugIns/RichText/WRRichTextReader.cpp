@@ -72,9 +72,9 @@ PELVOR_DEFINE_CLASS(WRRichTextReader, richTextPlugIn) {
 
 NSDictionary* WRRichTextReader::readDocumentAtPath_options(NSString* path, NSDictionary* options) {
     const TextFileSource source(path->fileSystemRepresentation());
-    if (!source.isOpen()) return unreadableAnswer(path);
+    if (!source.isOpen()) return unreadableAnswer(path, source);
     RichText read = readRichText(source, progressOf(options));
-    if (read.isUnreadable) return unreadableAnswer(path);
+    if (read.isUnreadable) return unreadableAnswer(path, source);
     if (!read.isRichText)
         return errorAnswer(
             WRErrorRefused,

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/TextFiles/TextFileReading.h"
 
+#include <cerrno>
+
+#include "Foundation/NSFileError.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNumber.h"
@@ -12,7 +15,8 @@
 namespace pelvor {
 namespace {
 
-NSDictionary* faultAnswer(TextFileFault fault, NSString* path, NSString* encodingName) {
+NSDictionary* faultAnswer(TextFileFault fault, NSString* path, NSString* encodingName,
+                          const TextFileSource& source) {
     NSString* name = path->lastPathComponent();
     switch (fault) {
         case TextFileFault::unknownEncoding:
@@ -26,7 +30,7 @@ NSDictionary* faultAnswer(TextFileFault fault, NSString* path, NSString* encodin
                 WRErrorRefused,
                 localizedFormat(u"_The document \"%@\" holds no text but other data."_ns, name));
         default:
-            return unreadableAnswer(path);
+            return unreadableAnswer(path, source);
     }
 }
 
@@ -61,7 +65,7 @@ NSDictionary* readTextFile(NSString* path, NSDictionary* options) {
     const TextFileSource source(path->fileSystemRepresentation());
     TextFileContent content = decodeTextFile(source, wanted ? wanted->toUTF8() : std::string(), progress);
     return content.fault == TextFileFault::none ? answerOf(content)
-                                                : faultAnswer(content.fault, path, wanted);
+                                                : faultAnswer(content.fault, path, wanted, source);
 }
 
 NSString* stringEntry(NSDictionary* dictionary, NSString* key) {
@@ -77,9 +81,12 @@ NSDictionary* errorAnswer(NSString* error, NSString* message) {
     return NSDictionary::of({{WRErrorKey, error}, {WRMessageKey, message}});
 }
 
-NSDictionary* unreadableAnswer(NSString* path) {
-    return errorAnswer(WRErrorFile, localizedFormat(u"_The document \"%@\" could not be read."_ns,
-                                                    path->lastPathComponent()));
+NSDictionary* unreadableAnswer(NSString* path, const TextFileSource& source) {
+    // What no failure of the system stopped was too long for a string.
+    auto* error =
+        NSFileError::errorWithCode_path_isWriting(source.failure() ? source.failure() : EFBIG, path, false);
+    return errorAnswer(WRErrorFile, localizedFormat(u"_The document \"%@\" could not be read: %@."_ns,
+                                                    path->lastPathComponent(), error->localizedReason()));
 }
 
 NSDictionary* unknownEncodingAnswer(NSString* encodingName) {

@@ -8,6 +8,7 @@ namespace pelvor {
 
 class NSDictionary;
 class NSString;
+class TextFileSource;
 
 /// The answer of a reader for the text file at the path: the text and how it was read, or an error. Borrowed.
 NSDictionary* readTextFile(NSString* path, NSDictionary* options);
@@ -20,8 +21,8 @@ bool isEntrySet(NSDictionary* dictionary, NSString* key);
 
 /// An answer with the error. Borrowed.
 NSDictionary* errorAnswer(NSString* error, NSString* message);
-/// The answer for a file that cannot be read at all. Borrowed.
-NSDictionary* unreadableAnswer(NSString* path);
+/// The answer for a file that cannot be read at all, with the reason that the source tells. Borrowed.
+NSDictionary* unreadableAnswer(NSString* path, const TextFileSource& source);
 /// The answer for an encoding that the platform does not know. Borrowed.
 NSDictionary* unknownEncodingAnswer(NSString* encodingName);
 

@@ -12,8 +12,9 @@ namespace pelvor {
 
 TextFileSource::TextFileSource(const char* path) : _descriptor(open(path, O_RDONLY | O_CLOEXEC)) {
     struct stat status;
-    if (_descriptor < 0 || fstat(_descriptor, &status) != 0) return;
-    _isOpen = true;
+    _isOpen = _descriptor >= 0 && fstat(_descriptor, &status) == 0;
+    if (!_isOpen) _failure = errno;
+    if (!_isOpen) return;
     _length = static_cast<std::uint64_t>(std::max<off_t>(status.st_size, 0));
     posix_fadvise(_descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
 }
@@ -33,7 +34,7 @@ std::ptrdiff_t TextFileSource::readAt(std::uint64_t place, std::span<char> buffe
         const ssize_t count = pread(_descriptor, buffer.data() + length, buffer.size() - length,
                                     static_cast<off_t>(place + length));
         if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return -1;
+        if (count < 0) return _failure = errno, -1;
         if (count == 0) break;
         length += static_cast<std::size_t>(count);
     }

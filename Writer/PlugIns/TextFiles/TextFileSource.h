@@ -22,6 +22,8 @@ class TextFileSource {
     TextFileSource& operator=(const TextFileSource&) = delete;
 
     bool isOpen() const { return _isOpen; }
+    /// The system's number of the last failure, to open or to read; 0 if there was none.
+    int failure() const { return _failure; }
     /// How many bytes there were when the file was opened; a file may have more or fewer by now.
     std::uint64_t length() const { return _length; }
     /// Fills the buffer with the bytes from the place on, as far as there are any. Returns their number, or
@@ -33,6 +35,7 @@ class TextFileSource {
     int _descriptor = -1;
     std::uint64_t _length = 0;
     bool _isOpen = false;
+    mutable int _failure = 0;
 };
 
 }  // namespace pelvor
