@@ -81,7 +81,8 @@ NSString* tempArchiveForFileAtPath(NSFileManager* manager, NSString* path) {
     if (isPacked)
         manager->copyFile_toPrivateFile(path, archive);
     else
-        runProgram(program, NSArray::of({u"-c"_ns, u"-X"_ns, u"-z"_ns, u"--rsrc"_ns, asArgument(path), asArgument(archive)}));
+        runProgram(program, NSArray::of({u"-c"_ns, u"-X"_ns, u"-z"_ns, u"--rsrc"_ns, asArgument(path),
+                                         asArgument(archive)}));
     // Somebody else may have put a file there meanwhile.
     return manager->isOwnFileAtPath(archive) && manager->isReadableFileAtPath(archive) ? archive : nullptr;
 }

@@ -22,7 +22,8 @@ namespace {
 
 NSString* problemOfReason(int reason, NSString* path) {
     auto* error = NSFileError::errorWithCode_path_isWriting(reason, path, false);
-    return localizedFormat(u"_The document \"%@\" could not be opened: %@."_ns, path, error->localizedReason());
+    return localizedFormat(u"_The document \"%@\" could not be opened: %@."_ns, path,
+                           error->localizedReason());
 }
 
 // What stands in the way of reading the file, whichever reader is asked; null if nothing does.

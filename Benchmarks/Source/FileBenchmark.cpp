@@ -37,7 +37,8 @@ void writeFile(const fs::path& path, std::size_t size) {
     fs::create_directories(path.parent_path());
     const std::string piece(1 << 20, 'x');
     std::ofstream file(path, std::ios::binary);
-    for (; size > 0; size -= std::min(size, piece.size())) file.write(piece.data(), std::min(size, piece.size()));
+    for (; size > 0; size -= std::min(size, piece.size()))
+        file.write(piece.data(), std::min(size, piece.size()));
 }
 
 bool copyByUs(const fs::path& from, const fs::path& to) {
@@ -46,8 +47,9 @@ bool copyByUs(const fs::path& from, const fs::path& to) {
 }
 
 bool copyByProgram(const fs::path& from, const fs::path& to) {
-    return runProgram(u"/bin/cp"_ns, NSArray::of({u"--reflink=auto"_ns, u"-a"_ns, NSString::ofUTF8(from.string()),
-                                                  NSString::ofUTF8(to.string())})) == 0;
+    return runProgram(u"/bin/cp"_ns,
+                      NSArray::of({u"--reflink=auto"_ns, u"-a"_ns, NSString::ofUTF8(from.string()),
+                                   NSString::ofUTF8(to.string())})) == 0;
 }
 
 template <class Copy>

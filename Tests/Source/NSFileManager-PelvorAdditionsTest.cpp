@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NSFileManager-PelvorAdditions.h"
 
+#include <fcntl.h>
 #include <grp.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -22,8 +23,8 @@ class FileAdditionsTest : public ::testing::Test {
   protected:
     NSString* path(const string& name) const { return NSString::ofUTF8(folder.path(name)); }
     string unique(const char* name, const char* suffix = " (%d)") const {
-        NSString* found = uniqueFileName_withSuffix_inFolder(files, NSString::ofUTF8(name), NSString::ofUTF8(suffix),
-                                                             path("in"));
+        NSString* found = uniqueFileName_withSuffix_inFolder(files, NSString::ofUTF8(name),
+                                                             NSString::ofUTF8(suffix), path("in"));
         return found ? found->toUTF8() : "null";
     }
     // What the program writes; "-" and the status if it fails.
@@ -56,7 +57,8 @@ TEST_F(FileAdditionsTest, UniqueNamesGoOnBehindTheTakenOnes) {
         folder.write(string("in/") + name, "");
     fs::create_symlink("nowhere", folder.path("in/link.txt"));
     expectAll({"Report.txt -> Report (2).txt", "other.txt -> other.txt", "plain -> plain (1)",
-               ".hidden -> .hidden (1)", "a.tar.gz -> a.tar (1).gz", "link.txt -> link (1).txt", "Ä.txt -> Ä (1).txt"},
+               ".hidden -> .hidden (1)", "a.tar.gz -> a.tar (1).gz", "link.txt -> link (1).txt",
+               "Ä.txt -> Ä (1).txt"},
               [&](const string& name) { return unique(name.c_str()); });
     EXPECT_EQ(unique("plain", "-%03x!"), "plain-001!");
     EXPECT_EQ(uniqueFileName_inFolder(files, nullptr, path("in")), nullptr);
@@ -77,7 +79,8 @@ TEST_F(FileAdditionsTest, TheLastUniqueNameHasTheNumber99997) {
     EXPECT_EQ(unique("x", "%d"), "x99997");
     close(openat(in, "x99997", O_WRONLY | O_CREAT, 0600));
     EXPECT_EQ(unique("x", "%d"), "null");
-    EXPECT_EQ(unique("x", "%x"), "x186a1") << "hexadecimal digits are other names" << close(in);
+    EXPECT_EQ(unique("x", "%x"), "xa") << "hexadecimal digits are other names";
+    close(in);
 }
 
 // MARK: Moves, folders and access
@@ -133,7 +136,8 @@ TEST_F(FileAdditionsTest, MakesFoldersAndTouchesAndKnowsAliases) {
         EXPECT_FALSE(createDirectoryRecursiveAtPath_attributes(files, none, nullptr));
     fs::last_write_time(folder.path("file"), fs::file_time_type::min());
     EXPECT_TRUE(touchFile(files, path("file")));
-    EXPECT_LT(fs::file_time_type::clock::now() - fs::last_write_time(folder.path("file")), std::chrono::minutes(1));
+    EXPECT_LT(fs::file_time_type::clock::now() - fs::last_write_time(folder.path("file")),
+              std::chrono::minutes(1));
     EXPECT_FALSE(touchFile(files, path("none")));
 
     fs::create_symlink("file", folder.path("one"));
@@ -145,7 +149,8 @@ TEST_F(FileAdditionsTest, MakesFoldersAndTouchesAndKnowsAliases) {
         EXPECT_EQ(resolvedPathForAliasAtPath(files, path(name)), nullptr) << name;
     EXPECT_TRUE(isAliasAtPath(files, path("round")) && !isAliasAtPath(files, path("file")));
     EXPECT_TRUE(isFileHiddenAtPath(files, u"/a/.b"_ns) && !isFileHiddenAtPath(files, u"/.a/b"_ns));
-    EXPECT_EQ(shown(ourApplicationSupportFolderForDomain(files, FolderDomainUser)), folder.path("data/Pelvor Writer"));
+    EXPECT_EQ(shown(ourApplicationSupportFolderForDomain(files, FolderDomainUser)),
+              folder.path("data/Pelvor Writer"));
     EXPECT_FALSE(fs::exists(folder.path("data/Pelvor Writer")));
 }
 
@@ -159,11 +164,14 @@ TEST_F(FileAdditionsTest, MessagesAreInTheUsersLanguage) {
         for (int code : {16, 3}) all += PBLocalizedMessageForFileAccessType(code)->toUTF8() + "; ";
         return all;
     };
-    EXPECT_EQ(messages("en"), "the file already exists; unknown file error; unknown file error; permission denied; ; ");
-    EXPECT_EQ(messages("fr"),
-              "le fichier existe déjà; erreur de fichier inconnue; erreur de fichier inconnue; accès refusé; ; ");
-    EXPECT_EQ(messages("de"),
-              "die Datei gibt es schon; unbekannter Dateifehler; unbekannter Dateifehler; Zugriff verweigert; ; ");
+    EXPECT_EQ(messages("en"),
+              "the file already exists; unknown file error; unknown file error; permission denied; ; ");
+    EXPECT_EQ(
+        messages("fr"),
+        "le fichier existe déjà; erreur de fichier inconnue; erreur de fichier inconnue; accès refusé; ; ");
+    EXPECT_EQ(
+        messages("de"),
+        "die Datei gibt es schon; unbekannter Dateifehler; unbekannter Dateifehler; Zugriff verweigert; ; ");
     EXPECT_EQ(shown(_PBDoLocalize(u"_no such key"_ns, nullptr)), "_no such key");
 }
 
@@ -222,8 +230,8 @@ TEST_F(FileAdditionsTest, TheTrashSaysWhyNot) {
 
 TEST_F(FileAdditionsTest, EachFileSystemHasATrashOfItsOwn) {
     struct stat own, other;
-    if (stat("/dev/shm", &other) != 0 || access("/dev/shm", W_OK) != 0 || stat(folder.path().c_str(), &own) != 0 ||
-        own.st_dev == other.st_dev)
+    if (stat("/dev/shm", &other) != 0 || access("/dev/shm", W_OK) != 0 ||
+        stat(folder.path().c_str(), &own) != 0 || own.st_dev == other.st_dev)
         GTEST_SKIP() << "there is no other file system";
     const EnvironmentScope elsewhere("TMPDIR", "/dev/shm");
     const TemporaryFolder shared;
@@ -233,7 +241,8 @@ TEST_F(FileAdditionsTest, EachFileSystemHasATrashOfItsOwn) {
     bool isFound = false;
     for (const DesktopTrash& trash : DesktopTrash::all())
         for (const TrashEntry& entry : trash.contents())
-            if (entry.original == shared.path("a b.txt")) isFound = trash.files() == trashes + "/files" && trash.restore(entry);
+            if (entry.original == shared.path("a b.txt"))
+                isFound = trash.files() == trashes + "/files" && trash.restore(entry);
     EXPECT_TRUE(isFound);
     EXPECT_EQ(shared.read("a b.txt"), "text");
     for (const char* each : {"/files", "/info", ""}) rmdir((trashes + each).c_str());
@@ -265,16 +274,19 @@ TEST_F(FileAdditionsTest, TemporaryArchivesAreCopiesOrCompressed) {
     EXPECT_EQ(tempArchiveForFileAtPath(files, path("none")), nullptr);
     EXPECT_THAT(log.lines, ElementsAre(::testing::MatchesRegex("ditto is located at \"/.*/ditto\"")));
     EXPECT_EQ(tempArchiveForFileAtPath(files, nullptr), nullptr);
-    const string text = folder.write("in/notes.rtf", "some text"), packed = folder.write("in/notes.ZIP", "zip");
+    const string text = folder.write("in/notes.rtf", "some text"),
+                 packed = folder.write("in/notes.ZIP", "zip");
     EXPECT_EQ(shown(tempArchiveForFileAtPath(files, NSString::ofUTF8(packed))), folder.path("notes.ZIP"));
     EXPECT_EQ(shown(tempArchiveForFileAtPath(files, NSString::ofUTF8(packed))), folder.path("notes-1.ZIP"));
     EXPECT_EQ(folder.read("notes.ZIP"), "zip");
     EXPECT_EQ(shown(tempArchiveForFileAtPath(files, NSString::ofUTF8(text))), folder.path("notes.cpio"));
     EXPECT_EQ(log.lines.size(), 1u) << "the archiver is looked for once";
     for (const char* name : {"notes.cpio", "notes.ZIP"})
-        EXPECT_EQ(fs::status(folder.path(name)).permissions(), fs::perms::owner_read | fs::perms::owner_write) << name;
+        EXPECT_EQ(fs::status(folder.path(name)).permissions(), fs::perms::owner_read | fs::perms::owner_write)
+            << name;
     if (!fs::exists("/usr/bin/cpio")) GTEST_SKIP() << "nothing can unpack it";
-    const string unpack = "cd '" + folder.path("in") + "' && rm -f notes.rtf && gzip -dc ../notes.cpio | cpio -i --quiet";
+    const string unpack =
+        "cd '" + folder.path("in") + "' && rm -f notes.rtf && gzip -dc ../notes.cpio | cpio -i --quiet";
     EXPECT_EQ(outputOf("/bin/sh", {u"-c"_ns, NSString::ofUTF8(unpack)}), "");
     EXPECT_EQ(folder.read("in/notes.rtf"), "some text");
 }
@@ -285,7 +297,8 @@ TEST_F(FileAdditionsTest, TheArchiverPacksFoldersAndNeverWritesThroughALink) {
     folder.write("tree/a/b", "text");
     fs::create_symlink("b", folder.path("tree/a/link"));
     const auto pack = [&](const char* target) {
-        return outputOf(archiver.c_str(), {u"-c"_ns, u"-X"_ns, u"-z"_ns, u"--rsrc"_ns, path("tree"), path(target)});
+        return outputOf(archiver.c_str(),
+                        {u"-c"_ns, u"-X"_ns, u"-z"_ns, u"--rsrc"_ns, path("tree"), path(target)});
     };
     EXPECT_EQ(pack("out.cpio"), "");
     const string list = "gzip -dc '" + folder.path("out.cpio") + "' | cpio -t --quiet | sort | tr '\\n' ' '";

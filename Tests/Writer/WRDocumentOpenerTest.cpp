@@ -100,7 +100,8 @@ TEST_F(DocumentOpener, AsksNoReaderAboutWhatIsNoFileOrMayNotBeRead) {
     expectProblem("pipe.txt", "it is no regular file");
     expectProblem("missing.txt", "the file does not exist");
     expectProblem("", "a folder");
-    if (geteuid() != 0) expectProblem("secret.txt", "permission was denied");  // nothing is forbidden to that user
+    if (geteuid() != 0)
+        expectProblem("secret.txt", "permission was denied");  // nothing is forbidden to that user
 }
 
 TEST_F(DocumentOpener, HasACounterpartThatHasTheBestWriterWriteTheText) {

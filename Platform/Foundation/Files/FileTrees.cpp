@@ -63,19 +63,19 @@ bool copyPart(int from, int to, off_t place, off_t end) {
 }  // namespace
 
 bool copyContent(int from, int to, long long size) {
-    if (size > 0 && ::ioctl(to, FICLONE, from) == 0) return true;
-    for (off_t place = 0; place < size;) {
+    if (size == 0) return copyThroughMemory(from, to, 0, LLONG_MAX);  // it may have a content all the same
+    if (::ioctl(to, FICLONE, from) == 0) return true;
+    off_t place = 0, written = 0;
+    while (place < size) {
         const off_t data = ::lseek(from, place, SEEK_DATA);
         if (data < 0 && errno == ENXIO) break;  // there are only holes up to the end
         off_t end = data < 0 ? -1 : ::lseek(from, data, SEEK_HOLE);
-        const off_t start = end < 0 ? place : data;  // the file system does not tell its holes
-        if (end < 0) end = size;
+        const off_t start = end < 0 ? place : data;
+        if (end < 0) end = size;  // the file system does not tell its holes
         if (!copyPart(from, to, start, std::min<off_t>(end, size))) return false;
-        place = end;
+        place = written = end;
     }
-    // A file without a size may have a content all the same.
-    if (size == 0) return copyThroughMemory(from, to, 0, LLONG_MAX);
-    return ::ftruncate(to, size) == 0;
+    return written >= size || ::ftruncate(to, size) == 0;
 }
 
 namespace {

@@ -4,9 +4,9 @@
 
 #include <optional>
 
+#include "EnvironmentScope.h"
 #include "Foundation/NSBundle.h"
 #include "Prelude.h"
-#include "EnvironmentScope.h"
 #include "TemporaryFolder.h"
 
 namespace pelvor::testing {

@@ -19,6 +19,7 @@ Faults faults;
 
 }  // namespace pelvor
 
+using pelvor::Faults;
 using pelvor::faults;
 
 namespace {
@@ -28,8 +29,15 @@ bool strikes(const char* name) {
     if (faults.number == 0 || ++faults.count != faults.number) return false;
     if (faults.reason == 0) raise(SIGKILL);
     faults.struck = name;
+    if (faults.reason == Faults::kShortWrite) return false;
     errno = faults.reason;
     return true;
+}
+
+// How many bytes the call writes that was asked last whether it fails.
+size_t writtenOf(size_t count) {
+    const bool isShort = faults.number != 0 && faults.count == faults.number && faults.reason < 0;
+    return isShort && count > 1 ? 1 : count;
 }
 
 template <class Function>
@@ -53,16 +61,14 @@ mode_t rightsOf(int flags, va_list arguments) {
         return real arguments;                                  \
     }
 
-FAILING(ssize_t, write, (int file, const void* bytes, size_t count), (file, bytes, count))
+FAILING(ssize_t, write, (int file, const void* bytes, size_t count), (file, bytes, writtenOf(count)))
 FAILING(ssize_t, pread, (int file, void* bytes, size_t count, off_t place), (file, bytes, count, place))
 FAILING(ssize_t, pwrite, (int file, const void* bytes, size_t count, off_t place),
-        (file, bytes, count, place))
+        (file, bytes, writtenOf(count), place))
 FAILING(int, mkdir, (const char* path, mode_t rights), (path, rights), noexcept)
 FAILING(int, mkdirat, (int folder, const char* path, mode_t rights), (folder, path, rights), noexcept)
 FAILING(int, unlinkat, (int folder, const char* path, int flags), (folder, path, flags), noexcept)
 FAILING(int, linkat, (int from, const char* old, int to, const char* name, int flags),
-        (from, old, to, name, flags), noexcept)
-FAILING(int, renameat2, (int from, const char* old, int to, const char* name, unsigned flags),
         (from, old, to, name, flags), noexcept)
 FAILING(int, symlinkat, (const char* target, int folder, const char* name), (target, folder, name), noexcept)
 FAILING(ssize_t, readlinkat, (int folder, const char* path, char* buffer, size_t size),
@@ -95,7 +101,7 @@ INSTEAD_OF_THE_SYSTEM ssize_t copy_file_range(int from, off_t* source, int to, o
     static auto* const real = next<ssize_t(int, off_t*, int, off_t*, size_t, unsigned)>("copy_file_range");
     if (strikes("copy_file_range")) return -1;
     if (faults.refusesCopiesInside) return errno = EXDEV, -1;
-    return real(from, source, to, target, count, flags);
+    return real(from, source, to, target, writtenOf(count), flags);
 }
 
 INSTEAD_OF_THE_SYSTEM int ioctl(int file, unsigned long request, ...) noexcept {
@@ -112,6 +118,13 @@ INSTEAD_OF_THE_SYSTEM int ioctl(int file, unsigned long request, ...) noexcept {
 INSTEAD_OF_THE_SYSTEM dirent* readdir(DIR* folder) {
     static auto* const real = next<dirent*(DIR*)>("readdir");
     return strikes("readdir") ? nullptr : real(folder);
+}
+
+INSTEAD_OF_THE_SYSTEM int renameat2(int from, const char* old, int to, const char* name,
+                                    unsigned flags) noexcept {
+    static auto* const real = next<int(int, const char*, int, const char*, unsigned)>("renameat2");
+    if (strikes("renameat2")) return -1;
+    return faults.refusesMoves && from != to ? errno = EXDEV, -1 : real(from, old, to, name, flags);
 }
 
 INSTEAD_OF_THE_SYSTEM int renameat(int from, const char* old, int to, const char* name) noexcept {

@@ -14,17 +14,19 @@ namespace pelvor {
 struct Faults {
     bool refusesUnnamedFiles = false;
     bool refusesCopiesInside = false;  ///< copy_file_range and FICLONE
+    bool refusesMoves = false;         ///< to another folder, as between file systems
     bool diesBeforeRenaming = false;
     bool failsToSync = false;
     bool failsToClose = false;
     mode_t rightsWhileWritten = 0;  ///< of the last file that was synchronised
 
-    // The call of this number, counted from 1 since `count` was set to 0, fails; with reason 0 it ends the
-    // process.
+    // The call of this number, counted from 1 since `count` was set to 0, fails. With reason 0 it ends the
+    // process; with kShortWrite it does its work, of which a writer does a single byte.
+    static constexpr int kShortWrite = -1;
     int number = 0;
     int reason = 0;
     int count = 0;
-    const char* struck = nullptr;  ///< the call that failed
+    const char* struck = nullptr;  ///< that call
 };
 extern Faults faults;
 

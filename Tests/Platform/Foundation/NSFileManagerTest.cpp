@@ -110,7 +110,7 @@ class NSFileManagerTest : public ::testing::Test {
     // A folder with something of everything.
     void makeTree(const string& name) const {
         folder.write(name + "/text", "content");
-        folder.write(name + "/deep/er/file", string(200'000, 'x'));
+        folder.write(name + "/deep/er/file", string(20'000, 'x'));
         fs::create_hard_link(folder.path(name + "/text"), folder.path(name + "/deep/other name"));
         fs::create_symlink("nowhere", folder.path(name + "/link"));
         mkfifo(folder.path(name + "/pipe").c_str(), 0640);
@@ -381,12 +381,23 @@ const Operation kOperations[] = {
          return NSFileManager::defaultManager()->movePath_toPath_handler(path(in, "/from"), path(in, "/to"),
                                                                          nullptr);
      }},
+    {"move to another disk",
+     [](const string& in) {
+         faults.refusesMoves = true;
+         const bool isDone = NSFileManager::defaultManager()->movePath_toPath_handler(
+             path(in, "/from"), path(in, "/to"), nullptr);
+         faults.refusesMoves = false;
+         return isDone;
+     }},
     {"trash", [](const string& in) { return DesktopTrash::ofHome().put(in + "/from", "to"); }},
 };
 
-INSTANTIATE_TEST_SUITE_P(, EveryCallFails, ::testing::Values(ENOSPC, EIO, EINTR, EACCES, EXDEV, 0),
+INSTANTIATE_TEST_SUITE_P(, EveryCallFails,
+                         ::testing::Values(ENOSPC, EIO, EINTR, EACCES, EXDEV, 0, Faults::kShortWrite),
                          [](const auto& info) {
-                             return info.param ? strerrorname_np(info.param) : "Killed";
+                             return info.param == 0  ? "Killed"
+                                    : info.param < 0 ? "ShortWrite"
+                                                     : strerrorname_np(info.param);
                          });
 
 TEST_P(EveryCallFails, AndWhatWasThereOrWhatComesIsWhole) {
@@ -437,7 +448,8 @@ TEST_P(EveryCallFails, AndWhatWasThereOrWhatComesIsWhole) {
             };
             EXPECT_TRUE(isDone || !result.empty() || again());
             for (const auto& entry : fs::directory_iterator(folder.path(in)))
-                EXPECT_FALSE(entry.path().filename().string().starts_with(".pelvor-")) << call << ": a temporary file stayed";
+                EXPECT_FALSE(entry.path().filename().string().starts_with(".pelvor-"))
+                    << call << ": a temporary file stayed";
             remove(in);
             remove("data");
         }

@@ -16,8 +16,8 @@ namespace {
 
 NSDictionary* failureAnswer(NSString* path, int reason) {
     auto* error = NSFileError::errorWithCode_path_isWriting(reason, path, true);
-    return errorAnswer(WRErrorFile, localizedFormat(u"_The document \"%@\" could not be written: %@."_ns, path,
-                                                    error->localizedReason()));
+    return errorAnswer(WRErrorFile, localizedFormat(u"_The document \"%@\" could not be written: %@."_ns,
+                                                    path, error->localizedReason()));
 }
 
 }  // namespace
