@@ -91,7 +91,7 @@ TEST_F(PagesTest, AreNotWrittenWhereSomethingIsWrong) {
         EXPECT_EQ(run.status, status) << complaint;
         EXPECT_THAT(run.errors, HasSubstr(complaint));
     };
-    expect({"--pdf=" + folder.path("no/a.pdf")}, 1, "no/a.pdf” could not be written: there is no such folder.");
+    expect({"--pdf=" + folder.path("no/a.pdf")}, 1, "no/a.pdf” could not be written: the enclosing folder does not exist.");
     expect({"--png=" + folder.path().string()}, 1, "could not be written: it is a folder.");
     if (geteuid() != 0)
         expect({"--pdf=" + folder.path("kept/a.pdf")}, 1, "could not be written: you may not write there.");

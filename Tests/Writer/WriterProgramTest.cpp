@@ -166,9 +166,9 @@ TEST_F(WriterProgramTest, SaysInOneLineWhyADocumentCannotBeOpened) {
         EXPECT_EQ(std::count(run.errors.begin(), run.errors.end(), '\n'), 1) << run.errors;
     };
     expectComplaint({program.folder.path("missing.txt")},
-                    "missing.txt » n’a pas pu être ouvert : ce fichier n’existe pas.");
+                    "missing.txt » n’a pas pu être ouvert : le fichier n’existe pas.");
     expectComplaint({program.folder.path("")}, "c’est un dossier.");
-    expectComplaint({"/dev/null"}, "ce n’est pas un fichier.");
+    expectComplaint({"/dev/null"}, "ce n’est pas un fichier ordinaire.");
     expectComplaint({program.folder.path("loop")},
                     "loop » n’a pas pu être ouvert : ses liens tournent en rond.");
     expectComplaint({std::string(300, 'n')}, "n’a pas pu être ouvert : son nom est trop long.");

@@ -210,7 +210,7 @@ TEST(NSGraphicsContextTest, SaysWhyAFileCannotBeWritten) {
     EXPECT_EQ(reason->toUTF8(),
               "the file \"/no/such/folder/a.png\" cannot be written: the enclosing folder does not exist");
     EXPECT_FALSE(context->writeToFile_reason(u"/dev/full"_ns, &reason));
-    EXPECT_THAT(reason->toUTF8(), EndsWith("No space left on device"));
+    EXPECT_THAT(reason->toUTF8(), EndsWith("there is no room left on the disk"));
     TemporaryFolder folder;
     EXPECT_TRUE(context->writeToFile_reason(NSString::ofUTF8(folder.path("a.png")), &reason));
     EXPECT_THAT(folder.read("a.png"), StartsWith("\x89PNG"));
