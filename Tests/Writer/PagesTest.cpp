@@ -8,10 +8,10 @@
 namespace {
 
 struct PagesTest : ::testing::Test {
-    // The text of each page of a PDF document, in lines without blanks at both ends.
+    // The text of each page of a PDF document.
     std::vector<std::string> pagesOf(const std::string& name) {
         const std::string text = folder.path("text");
-        EXPECT_EQ(std::system(("pdftotext -layout " + folder.path(name) + " " + text).c_str()), 0);
+        EXPECT_EQ(std::system(("pdftotext -raw " + folder.path(name) + " " + text).c_str()), 0);
         std::vector<std::string> pages(1);
         std::istringstream lines(folder.read("text"));
         for (std::string line; std::getline(lines, line);) {

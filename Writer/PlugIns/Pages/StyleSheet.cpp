@@ -70,8 +70,8 @@ class StyledText {
             NSRange run;
             NSDictionary* attributes = _text->attributesAtIndex_effectiveRange(place, &run);
             if (!fontOf(attributes))
-                setPlain(attributes, run);
-            else
+                _text->setAttributes_range(plain(attributes), run);
+            else if (_sheet)
                 run = setFormatted(attributes, place);
             place = NSMaxRange(run);
         }
@@ -79,26 +79,29 @@ class StyledText {
     }
 
   private:
-    // Text that has styles at most: no formats of its own stand against them.
-    void setPlain(NSDictionary* attributes, NSRange run) {
+    // Of text that has styles at most: no formats of its own stand against them. Kept for the next run, with
+    // the attributes that it is found by.
+    NSDictionary* plain(NSDictionary* attributes) {
+        auto& [own, set] = _plain[attributes];
+        if (own) return set;
+        own.set(attributes);
         NSString* name = nameIn(attributes, PBStyleParagraphAttributeName);
         const NamedStyle* style = nullptr;
         for (NSString* wanted : {name, kPlainStyleName}) {
             if (!style && _sheet) style = _sheet->paragraphStyle(wanted);
             if (!style) style = _defaults.paragraphStyle(wanted);
         }
-        auto set = NSMutableDictionary::dictionaryWithDictionary(attributes);
-        if (style) set->addEntriesFromDictionary(attributesOfStyle(*style));
-        addCharacterStyle(set, &_defaults);
-        _text->setAttributes_range(set, run);
+        auto changed = NSMutableDictionary::initWithDictionary(attributes);
+        if (style) changed->addEntriesFromDictionary(attributesOfStyle(*style));
+        addCharacterStyle(changed, &_defaults);
+        set = changed->copy();
+        return set;
     }
 
     NSRange setFormatted(NSDictionary* attributes, NSUInteger place) {
         const NSRange paragraph = paragraphRangeForRange(_text->string(), {place, 0});
         const NSRange range{place, NSMaxRange(paragraph) - place};
-        const NamedStyle* style =
-            _sheet ? _sheet->paragraphStyle(nameIn(attributes, PBStyleParagraphAttributeName)) : nullptr;
-        if (!_sheet) return {place, _text->length() - place};
+        const NamedStyle* style = _sheet->paragraphStyle(nameIn(attributes, PBStyleParagraphAttributeName));
         // Most of the paragraph is in the formats of the style that it was made with.
         NSRange longest{0, 0};
         for (AttributeRun run : _text->runsInRange(range))
@@ -144,6 +147,7 @@ class StyledText {
     Retained<NSMutableAttributedString> _text;
     const StyleSheet& _defaults;
     const StyleSheet* _sheet;
+    std::unordered_map<NSDictionary*, std::pair<Retained<NSDictionary>, Retained<NSDictionary>>> _plain;
 };
 
 }  // namespace

@@ -39,6 +39,8 @@ class StyleSheet {
     /// Reads the property list at the path. No value, and a sentence for the user with the file, the place in
     /// the list and what is wrong there, if the list is no style sheet.
     static std::optional<StyleSheet> read(NSString* path, NSString** problem);
+    /// The same of the list that was read from the path.
+    static std::optional<StyleSheet> of(NSDictionary* list, NSString* path, NSString** problem);
 
     // Null for an unknown name, and for null. Names are told apart without regard to case.
 

@@ -25,6 +25,7 @@ namespace pelvor {
 namespace {
 
 constexpr float kLongest = 14400;  // points, as pages of PDF documents go
+constexpr std::size_t kMostBases = 64;
 
 struct Paper {
     NSString* name;
@@ -366,6 +367,7 @@ void StyleSheetReader::readStyle(NSDictionary* all, NSString* name, Styles& styl
     NSDictionary* list = dictionary(all->objectForKey(name));
     if (!list) return;
     if (!_open.insert(key).second) return fail(u"_the style is based on itself."_ns);
+    if (_open.size() > kMostBases) return fail(u"_the style is based on too many others."_ns);
     NamedStyle style;
     style.attributes = NSMutableDictionary::init();
     if (isForParagraphs) style.paragraph = NSMutableParagraphStyle::init();
@@ -455,7 +457,11 @@ std::optional<StyleSheet> StyleSheet::read(NSString* path, NSString** problem) {
             error ? error->description() : translated(u"_a dictionary is needed."_ns));
         return {};
     }
-    StyleSheetReader reader(path, dictionary);
+    return of(dictionary, path, problem);
+}
+
+std::optional<StyleSheet> StyleSheet::of(NSDictionary* list, NSString* path, NSString** problem) {
+    StyleSheetReader reader(path, list);
     auto sheet = reader.read();
     *problem = reader.problem();
     return sheet;

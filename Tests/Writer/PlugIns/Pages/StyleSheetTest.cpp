@@ -101,6 +101,11 @@ TEST_F(StyleSheetTest, IsRefusedWithThePlaceAndTheReason) {
         EXPECT_EQ(problem->toUTF8(), "_The style sheet \"" + folder.path("s.plist") + "\" at \"" + place +
                                          "\": _" + reason);
     }
+    std::string chain = "{ \"paragraph styles\" = { ";
+    for (int i = 99999; i > 0; --i)
+        chain += "s" + std::to_string(i) + " = { \"based on\" = s" + std::to_string(i - 1) + "; }; ";
+    EXPECT_FALSE(read(chain + "s0 = {}; }; }"));
+    EXPECT_THAT(problem->toUTF8(), HasSubstr("_the style is based on too many others."));
     EXPECT_FALSE(read("{ page = "));
     EXPECT_THAT(problem->toUTF8(), HasSubstr("could not be read: line 1"));
     EXPECT_FALSE(StyleSheet::read(NSString::ofUTF8(folder.path("none.plist")), &problem));
