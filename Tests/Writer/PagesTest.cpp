@@ -54,13 +54,14 @@ TEST_F(PagesTest, HaveHeadersWithTheirNumbers) {
 // Texts without formats are set in styles of the sheet, and divided in the languages that were found.
 TEST_F(PagesTest, AreSetByStyleSheets) {
     if (std::system("pdftotext -v 2>/dev/null")) GTEST_SKIP() << "needs pdftotext";
-    const std::string sheet = folder.write(
-        "s.plist",
-        "{ page = { footer = \"foot {page}\"; header = \"{title} of {pages}\"; };"
-        "  \"paragraph styles\" = { text = { size = 30; hyphenation = 1; };"
-        "                       \"heading 1\" = { \"page break before\" = yes; }; }; }");
+    const std::string sheet =
+        folder.write("s.plist",
+                     "{ page = { footer = \"foot {page}\"; header = \"{title} of {pages}\"; };"
+                     "  \"paragraph styles\" = { text = { size = 30; hyphenation = 1; };"
+                     "                       \"heading 1\" = { \"page break before\" = yes; }; }; }");
     const std::string document = folder.write(
-        "d.md", "# One\n\nDas ist eine Rechtsschutzversicherungsgesellschaft und das ist nicht die Welt.\n\n# Two\n");
+        "d.md",
+        "# One\n\nDas ist eine Rechtsschutzversicherungsgesellschaft und das ist nicht die Welt.\n\n# Two\n");
     EXPECT_EQ(set(document, {"--pdf=" + pdf, "--style-sheet=" + sheet, "--paper=a5"}).status, 0);
     const auto pages = pagesOf("a.pdf");
     ASSERT_EQ(pages.size(), 2u);
@@ -91,12 +92,14 @@ TEST_F(PagesTest, AreNotWrittenWhereSomethingIsWrong) {
         EXPECT_EQ(run.status, status) << complaint;
         EXPECT_THAT(run.errors, HasSubstr(complaint));
     };
-    expect({"--pdf=" + folder.path("no/a.pdf")}, 1, "no/a.pdf” could not be written: the enclosing folder does not exist.");
+    expect({"--pdf=" + folder.path("no/a.pdf")}, 1,
+           "no/a.pdf” could not be written: the enclosing folder does not exist.");
     expect({"--png=" + folder.path().string()}, 1, "could not be written: it is a folder.");
     if (geteuid() != 0)
         expect({"--pdf=" + folder.path("kept/a.pdf")}, 1, "could not be written: you may not write there.");
     expect({"--pdf=" + pdf, "--margin=400"}, 1, "The margins leave no room for text on the page.");
-    expect({"--pdf=" + pdf, "--style-sheet=" + folder.path("bad.plist")}, 1, "at “page / size”: one of a3, a4");
+    expect({"--pdf=" + pdf, "--style-sheet=" + folder.path("bad.plist")}, 1,
+           "at “page / size”: one of a3, a4");
     expect({"--style-sheet=s"}, 2, "“--style-sheet” needs another: “--pdf, --png”");
     expect({"--pdf=" + pdf, "--resolution=96"}, 2, "“--resolution” needs another: “--png”");
     EXPECT_FALSE(std::filesystem::exists(pdf));

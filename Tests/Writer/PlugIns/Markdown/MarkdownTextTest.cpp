@@ -39,7 +39,8 @@ TEST(MarkdownText, IsWhatAReaderOfTheDocumentSees) {
         EXPECT_EQ(textOfMarkdown(source).text, text) << situation;
 }
 
-// A style for each unit: digits for marks of characters, behind "h1", "l" (list), "c" (code), "q" (quotation).
+// A style for each unit: digits for marks of characters, behind "h1", "l" (list), "c" (code), "q"
+// (quotation).
 TEST(MarkdownText, KeepsWhatTheMarkupSaid) {
     const auto stylesOf = [](std::u16string_view source) {
         const MarkdownText read = textOfMarkdown(source);

@@ -40,7 +40,8 @@ Retained<NSTextStorage> textOf(const std::string& words) {
         else if (sign == ' ' || sign == '/')
             end(sign == ' ' ? u'\n' : u'\f');
         else
-            paragraph += (paragraph.empty() ? u"" : u"\u2028") + std::u16string(1, static_cast<char16_t>(sign));
+            paragraph +=
+                (paragraph.empty() ? u"" : u"\u2028") + std::u16string(1, static_cast<char16_t>(sign));
     }
     end(u'\n');
     return text;
@@ -60,9 +61,8 @@ std::string pagesOf(const std::string& words, float room = 5 * kLineHeight, floa
         for (NSUInteger i = page.range.location; i < end; ++i)
             if (const unichar unit = storage->string()->characterAtIndex(i); unit >= 'a' && unit <= 'z')
                 pages += static_cast<char>(unit);
-        EXPECT_TRUE(page.range.length == 0 ||
-                    layoutManager->textContainerForGlyphAtIndex_effectiveRange(page.range.location, nullptr) ==
-                        page.container);
+        EXPECT_TRUE(page.range.length == 0 || layoutManager->textContainerForGlyphAtIndex_effectiveRange(
+                                                  page.range.location, nullptr) == page.container);
     }
     EXPECT_EQ(end, storage->length());
     return pages;

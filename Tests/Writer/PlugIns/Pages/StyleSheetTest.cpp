@@ -57,7 +57,8 @@ TEST_F(StyleSheetTest, HasStylesAndSettings) {
     EXPECT_EQ(fontAt(text, 0), "DejaVuSerif-Bold 20");
     EXPECT_EQ(shown(attributes->objectForKey(NSLanguageAttributeName)), "fr");
     auto* colour = attributes->objectForKey(NSForegroundColorAttributeName);
-    EXPECT_EQ(colour, sheet->paragraphStyle(u"text"_ns)->attributes->objectForKey(NSForegroundColorAttributeName));
+    EXPECT_EQ(colour,
+              sheet->paragraphStyle(u"text"_ns)->attributes->objectForKey(NSForegroundColorAttributeName));
     auto* style = cast<NSParagraphStyle>(attributes->objectForKey(NSParagraphStyleAttributeName));
     EXPECT_TRUE(pageRulesOf(style).isKeepWithNext);
     EXPECT_EQ(shown(style->alignment(), style->paragraphSpacingBefore(), style->tailIndent(),
@@ -77,7 +78,8 @@ TEST_F(StyleSheetTest, IsRefusedWithThePlaceAndTheReason) {
     } cases[] = {
         {"{ colours = {}; }", "colours", "this key is not known."},
         {"{ page = A4; }", "page", "a dictionary is needed."},
-        {"{ page = { size = a44; }; }", "page / size", "one of a3, a4, a5, legal, letter is needed, not \"a44\"."},
+        {"{ page = { size = a44; }; }", "page / size",
+         "one of a3, a4, a5, legal, letter is needed, not \"a44\"."},
         {"{ page = { \"left margin\" = \"-1\"; }; }", "page / left margin",
          "a number from 0 to 14400 is needed, not \"-1\"."},
         {"{ \"paragraph styles\" = { a = { size = 12pt; }; }; }", "paragraph styles / a / size",
@@ -87,7 +89,8 @@ TEST_F(StyleSheetTest, IsRefusedWithThePlaceAndTheReason) {
         {"{ \"paragraph styles\" = { a = { colour = red; }; }; }", "paragraph styles / a / colour",
          "a colour like \"#1A2B3C\" is needed, not \"red\"."},
         {"{ \"paragraph styles\" = { a = { tabs = ({ place = 1; }, { kind = up; }); }; }; }",
-         "paragraph styles / a / tabs / 2 / kind", "one of left, right, center, decimal is needed, not \"up\"."},
+         "paragraph styles / a / tabs / 2 / kind",
+         "one of left, right, center, decimal is needed, not \"up\"."},
         {"{ \"paragraph styles\" = { a = { \"based on\" = b; }; }; }", "paragraph styles / a / based on",
          "there is no style \"b\"."},
         {"{ \"paragraph styles\" = { a = { \"based on\" = b; }; b = { \"based on\" = a; }; }; }",
@@ -98,8 +101,8 @@ TEST_F(StyleSheetTest, IsRefusedWithThePlaceAndTheReason) {
     for (const auto& [list, place, reason] : cases) {
         EXPECT_FALSE(read(list));
         // The texts are keys here, where there is no bundle of the plug-in.
-        EXPECT_EQ(problem->toUTF8(), "_The style sheet \"" + folder.path("s.plist") + "\" at \"" + place +
-                                         "\": _" + reason);
+        EXPECT_EQ(problem->toUTF8(),
+                  "_The style sheet \"" + folder.path("s.plist") + "\" at \"" + place + "\": _" + reason);
     }
     std::string chain = "{ \"paragraph styles\" = { ";
     for (int i = 99999; i > 0; --i)
