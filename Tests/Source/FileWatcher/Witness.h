@@ -1,17 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// Witness: what a test of the file watchers is told, and files to change.
+// Witness: what a test of the file watchers is told, and a folder with files to change.
 #pragma once
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <condition_variable>
-#include <mutex>
 #include <thread>
 
-#include "FileWatcher/PBFileWatcher.h"
-#include "FileWatcher/ZWFNSubscribeFileWatcher.h"
 #include "FileWatcher/ZWKQueue.h"
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSThread.h"
@@ -21,62 +13,79 @@
 
 namespace pelvor {
 
-/// A delegate and observer that writes down what it is told, "WrittenTo f", and does what it is asked to.
+/// A delegate and observer that writes down what it is told, "WrittenTo f" or "2 f", and then reacts.
 class Witness : public NSObject {
     PELVOR_CLASS(Witness, NSObject);
 
   public:
-    using Reaction = std::function<void(const std::string& report)>;
+    // "ZWKQueueFileWrittenToNotification" is "WrittenTo".
+    void watched(id, NSString* name, NSString* path) {
+        const std::string text = name->toUTF8();
+        note(text.substr(12, text.size() - 24), path);
+    }
+    void noted(id, std::uint32_t action, NSString* path) { note(std::to_string(action), path); }
+    void hear(NSNotification* notification) {
+        watched(nullptr, notification->name(),
+                cast<NSString>(notification->userInfo()->objectForKey(u"path"_ns)));
+    }
+    /// What was reported since it was asked last.
+    std::string takeReports() {
+        std::lock_guard lock(_mutex);
+        return joined(std::exchange(_reports, {}));
+    }
+    bool has(const std::string& report) {
+        std::lock_guard lock(_mutex);
+        return std::count(_reports.begin(), _reports.end(), report) != 0;
+    }
 
-    static Retained<Witness> reacting(Reaction reaction = nullptr);
-    void watcher_receivedNotification_forPath(id watcher, NSString* name, NSString* path);
-    void fileWatcher_notedAction_forFileAtPath(id watcher, std::uint32_t action, NSString* path);
-    /// Hears the notification from the workspace's centre.
-    void listen(NSString* name);
-    void hear(NSNotification* notification);
-
-    std::vector<std::string> takeReports();
-    bool hasReport(const std::string& report);
-    /// Waits for a report that comes on another thread.
-    void await(const std::string& report);
-
-    Reaction reaction;
-    std::atomic<int> reportsOnMainThread{0};
+    std::function<void(const std::string& report)> reaction;
 
   protected:
     ~Witness() { NSWorkspace::sharedWorkspace()->notificationCenter()->removeObserver(this); }
 
   private:
-    void note(const std::string& what, NSString* path);
+    void note(const std::string& what, NSString* path) {
+        const std::string report = what + " " + path->lastPathComponent()->toUTF8();
+        _mutex.lock();
+        _reports.push_back(report + (NSThread::isMainThread() ? "" : " elsewhere"));
+        _mutex.unlock();
+        if (auto call = reaction) call(report);
+    }
 
     std::mutex _mutex;
-    std::condition_variable _hasMore;
     std::vector<std::string> _reports;
 };
 
-/// Files of a folder, and a witness of what happens to them.
 struct WatcherTest : ::testing::Test {
     NSString* path(const std::string& name) { return NSString::ofUTF8(folder.path(name)); }
-    std::string file(const std::string& name) { return folder.path(name); }
-    void append(const std::string& name) { std::ofstream(folder.path(name), std::ios::app) << "more"; }
+    /// Runs a command of the shell in the folder.
+    void sh(const std::string& command) {
+        EXPECT_EQ(system(("cd " + folder.path().string() + " && " + command).c_str()), 0) << command;
+    }
     void runUntil(const std::function<bool()>& isDone) {
         while (!isDone()) loop->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
     }
     void runUntil(const std::string& report) {
-        runUntil([&] { return witness->hasReport(report); });
+        runUntil([&] { return witness->has(report); });
+    }
+    /// For what another thread does.
+    static void await(const std::function<bool()>& isDone) {
+        while (!isDone()) std::this_thread::yield();
     }
     static std::ptrdiff_t descriptors() {
         return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
     }
-    template <class Condition>
-    static void await(Condition condition) {
-        while (!condition()) std::this_thread::yield();
+    static Retained<Witness> observer() {
+        auto observer = make<Witness>();
+        NSWorkspace::sharedWorkspace()->notificationCenter()->addObserver_selector_name_object(
+            observer, "hear:"_sel, ZWFileWatcherWriteNotification, nullptr);
+        return observer;
     }
 
     AutoreleasePool pool;
     NSRunLoop* loop = NSRunLoop::mainRunLoop();  // with its descriptors
     TemporaryFolder folder;
-    Retained<Witness> witness = Witness::reacting();
+    Retained<Witness> witness = make<Witness>();
 };
 
 }  // namespace pelvor
