@@ -9,6 +9,7 @@
 #include <ctime>
 #include <fstream>
 
+#include "FileWatcher/ZWFNSubscribeFileWatcher.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSBundle.h"
 #include "Foundation/NSData.h"
@@ -18,6 +19,7 @@
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSStringEncoding.h"
 #include "NSRunLoop-PelvorAdditions.h"
+#include "PBDelayedActionTimer.h"
 #include "PBObserverSet.h"
 #include "PBPostLoader.h"
 #include "PBProfileKeys.h"
@@ -36,6 +38,7 @@
 #include "Writer/WRDocumentCounter.h"
 #include "Writer/WRDocumentOpener.h"
 #include "Writer/WRDocumentSaver.h"
+#include "Writer/WRFileSentry.h"
 #include "Writer/WRMainLoop.h"
 #include "Writer/WRPlugInLoader.h"
 #include "Writer/WRProfileListing.h"
@@ -92,6 +95,11 @@ PELVOR_DEFINE_CLASS(WRApplication, writerLibrary) {
     methods.instance<"takeEdit:", &WRApplication::takeEdit>();
     methods.instance<"takePosition:", &WRApplication::takePosition>();
     methods.instance<"takeLine:", &WRApplication::takeLine>();
+    methods.instance<"documentFileDidChange", &WRApplication::documentFileDidChange>();
+    methods.instance<"watcher:receivedNotification:forPath:",
+                     &WRApplication::watcher_receivedNotification_forPath>();
+    methods.instance<"plugInsAreThere:", &WRApplication::plugInsAreThere>();
+    methods.instance<"documentDidChange:", &WRApplication::documentDidChange>();
 }
 
 WRApplication::~WRApplication() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
@@ -157,20 +165,34 @@ bool WRApplication::openDocument() {
         complain(localized(u"_The sample document is missing."_ns));
         return false;
     }
+    _path = path->copy();
+    if (_arguments->hasOption(u"--stay"_ns)) watchFiles();
+    _document.set(readDocument());
+    markMoment("opened");
+    return static_cast<bool>(_document);
+}
+
+// Returns null after a complaint.
+WRDocument* WRApplication::readDocument() {
     auto opener = WRDocumentOpener::initWithProfiles(registry());
     auto* options = NSMutableDictionary::dictionaryWithDictionary(
         optionsWithEncoding(_arguments->valueOfOption(u"--encoding"_ns)));
     options->setObject_forKey(this, WRProgressKey);
-    _document.set(opener->openDocumentAtPath_options(path, options));
-    markMoment("opened");
-    if (!_document) {
+    WRDocument* document = opener->openDocumentAtPath_options(_path, options);
+    if (!document) {
         complain(opener->problem());
-        return false;
+        return nullptr;
     }
-    reportDocument(_report, _document, opener);
+    reportDocument(_report, document, opener);
     print(_report->takeText());
-    return true;
+    auto* centre = NSNotificationCenter::defaultCenter();
+    centre->removeObserver_name_object(this, WRDocumentDidChangeNotification, nullptr);
+    centre->addObserver_selector_name_object(this, "documentDidChange:"_sel, WRDocumentDidChangeNotification,
+                                             document);
+    return document;
 }
+
+void WRApplication::documentDidChange(NSNotification*) { _hasOwnChanges = true; }
 
 void WRApplication::readerDidRead_of(unsigned long long count, unsigned long long length) {
     _progress->showTask_done_of(localized(u"_Reading"_ns), count, length);
@@ -229,6 +251,8 @@ void WRApplication::saveDocument() {
     NSDictionary* answer = saver->saveDocument_toPath_encoding(_document, path, encodingName);
     if (!answer) return complain(saver->problem());
     reportWriting(_report, _document, path, saver, answer);
+    _hasOwnChanges = false;
+    if (_sentry) _sentry->noteFile();
     print(_report->takeText());
     markMoment("saved");
 }
@@ -247,21 +271,71 @@ void WRApplication::setPages() {
 
 // Edits of the command line come as a burst, as if they had been typed fast.
 void WRApplication::runMainLoop() {
-    auto counter = WRDocumentCounter::initWithDocument(_document);
-    counter->observers()->addObserver(this);
-    counter->start();
+    count();
     for (id edit : _arguments->valuesOfOption(u"--edit"_ns))
         performSoon("takeEdit:"_sel, static_cast<NSString*>(edit));
     if (NSString* position = _arguments->valueOfOption(u"--at"_ns))
         performSoon("takePosition:"_sel, position);
     try {
         if (_arguments->hasOption(u"--stay"_ns)) _loop->stayForTarget_selector(this, "takeLine:"_sel);
-        _loop->runWhile([&] { return _waitingPerforms > 0 || counter->isCounting(); });
+        _loop->runWhile([&] { return _waitingPerforms > 0 || _counter->isCounting(); });
     } catch (...) {
         complainOfException();
     }
     _loop->end();
-    counter->invalidate();
+    if (_sentry) _sentry->invalidate();
+    if (_plugInTimer) _plugInTimer->invalidate();
+    _plugInFolder = nullptr;
+    _counter->invalidate();
+}
+
+void WRApplication::count() {
+    if (_counter) _counter->invalidate();
+    _counter = WRDocumentCounter::initWithDocument(_document);
+    _counter->observers()->addObserver(this);
+    _counter->start();
+}
+
+// MARK: What other programs change
+
+// The document is watched before it is read, so that no change falls in between.
+void WRApplication::watchFiles() {
+    _sentry = WRFileSentry::initWithPath_target_selector(_path, this, "documentFileDidChange"_sel);
+    NSString* folder = NSBundle::mainBundle()->builtInPlugInsPath();
+    if (!folder) return;
+    _plugInTimer = PBDelayedActionTimer::initWithTimeInterval_fromFirst_target_selector(
+        0.5, false, this, "plugInsAreThere:"_sel);
+    _plugInFolder = ZWFNSubscribeFileWatcher::init();
+    _plugInFolder->setDelegate(this);
+    _plugInFolder->addPath(folder);
+}
+
+// What this program has changed is not lost by what another has saved.
+void WRApplication::documentFileDidChange() {
+    _sentry->noteFile();
+    if (_hasOwnChanges) {
+        _report->addLine(localizedFormat(
+            u"_Another program has changed the document \"%@\". It was not read again, because it was changed here, too."_ns,
+            _path));
+        return print(_report->takeText());
+    }
+    AutoreleasePool pool;
+    if (WRDocument* document = readDocument()) {
+        _document.set(document);
+        count();
+    }
+}
+
+void WRApplication::watcher_receivedNotification_forPath(id, NSString*, NSString*) {
+    _plugInTimer->schedule();
+}
+
+void WRApplication::plugInsAreThere(PBDelayedActionTimer*) {
+    _loader->lookAgain();
+    _loader->declarePlugInsForMoment(WRLoadMomentDemand);
+    auto* bundles = NSMutableArray::arrayWithArray(_loader->loadPlugInsForMoment(nullptr));
+    bundles->addObjectsFromArray(_loader->loadPlugInsForMoment(WRLoadMomentDocument));
+    if (bundles->count()) reportArrivals(bundles);
 }
 
 void WRApplication::counterDidAdvance(WRDocumentCounter* counter) {
@@ -366,6 +440,7 @@ void WRApplication::reportArrivals(NSArray* bundles) {
         _report->addLabel_value(kind ? WRProfileListing::nameOfKind(kind) : u"-"_ns,
                                 WRProfileListing::textOfProfile(profile));
     }
+    _arrivals->removeAllObjects();
     print(_report->takeText());
 }
 

@@ -13,13 +13,16 @@ class NSArray;
 class NSMutableArray;
 class NSMutableSet;
 class NSNotification;
+class PBDelayedActionTimer;
 class WRArguments;
 class WRDocument;
 class WRDocumentCounter;
+class WRFileSentry;
 class WRMainLoop;
 class WRPlugInLoader;
 class WRProgressLine;
 class WRReport;
+class ZWFNSubscribeFileWatcher;
 
 /// Starts the library, loads plug-ins, and opens, reports, changes and writes a document. A process has one
 /// application. Main thread.
@@ -48,6 +51,13 @@ class WRApplication : public NSObject {
     void takeEdit(NSString* line);
     void takePosition(NSString* position);
     void takeLine(id line);
+    /// The messages while the program stays: another program has saved the document, or put something into
+    /// the folder of plug-ins.
+    void documentFileDidChange();
+    void watcher_receivedNotification_forPath(id watcher, NSString* name, NSString* path);
+    void plugInsAreThere(PBDelayedActionTimer* timer);
+    /// Observes the document: there are changes that are in no file.
+    void documentDidChange(NSNotification* notification);
 
   protected:
     WRApplication() = default;
@@ -60,6 +70,9 @@ class WRApplication : public NSObject {
     void loadDocumentPlugIns();
     void examineDocument();
     void runMainLoop();
+    void watchFiles();
+    void count();
+    WRDocument* readDocument();
     void performSoon(SEL selector, NSString* argument);
     void obeyLine(NSString* line);
     void applyEdit(NSString* line);
@@ -81,7 +94,13 @@ class WRApplication : public NSObject {
     Retained<WRReport> _report;
     Retained<WRProgressLine> _progress;
     Retained<WRPlugInLoader> _loader;
+    Retained<NSString> _path;  // of the document
     Retained<WRDocument> _document;
+    Retained<WRDocumentCounter> _counter;
+    Retained<WRFileSentry> _sentry;                    // while the program stays
+    Retained<ZWFNSubscribeFileWatcher> _plugInFolder;  // while the program stays
+    Retained<PBDelayedActionTimer> _plugInTimer;
+    bool _hasOwnChanges = false;  // of the document, that are in no file
     Retained<WRMainLoop> _loop;
     Retained<NSMutableArray> _arrivals;  // PBProfiles, since the start
     Retained<NSMutableSet> _knownIdentifiers;

@@ -3,6 +3,7 @@
 
 #include "Foundation/NSBundle.h"
 #include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableSet.h"
 #include "PBRegistry.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Writer/PlugInProtocol.h"
@@ -23,6 +24,7 @@ PELVOR_DEFINE_CLASS(WRPlugInLoader, writerLibrary) {
     methods.classLevel<"nameOfBundle:", &WRPlugInLoader::nameOfBundle>();
     methods.instance<"loadPlugInsForMoment:", &WRPlugInLoader::loadPlugInsForMoment>();
     methods.instance<"declarePlugInsForMoment:", &WRPlugInLoader::declarePlugInsForMoment>();
+    methods.instance<"lookAgain", &WRPlugInLoader::lookAgain>();
     methods.instance<"failureCount", &WRPlugInLoader::failureCount>();
 }
 
@@ -31,8 +33,20 @@ WRPlugInLoader::~WRPlugInLoader() = default;
 Retained<WRPlugInLoader> WRPlugInLoader::initWithFolder(NSString* folder, Class* cls) {
     auto self = make<WRPlugInLoader>(cls);
     self->_waiting = NSMutableArray::init();
-    if (folder) self->_waiting->addObjectsFromArray(NSBundle::bundlesInDirectory(folder));
+    self->_known = NSMutableSet::init();
+    if (folder) self->_folder = folder->copy();
+    self->lookAgain();
     return self;
+}
+
+void WRPlugInLoader::lookAgain() {
+    if (!_folder) return;
+    for (id object : NSBundle::bundlesInDirectory(_folder)) {
+        NSString* path = static_cast<NSBundle*>(object)->bundlePath();
+        if (_known->containsObject(path)) continue;
+        _known->addObject(path);
+        _waiting->addObject(object);
+    }
 }
 
 NSArray* WRPlugInLoader::loadPlugInsForMoment(NSString* moment) {

@@ -9,6 +9,7 @@ namespace pelvor {
 class NSArray;
 class NSBundle;
 class NSMutableArray;
+class NSMutableSet;
 
 /// The bundles "*.bundle" of one folder, in the order of their names. For a bundle that cannot be loaded,
 /// the platform's log gets one line with the bundle, the stage of loading and the reason, and the other
@@ -30,6 +31,9 @@ class WRPlugInLoader : public NSObject {
     /// their code is loaded when the class of a profile is first asked for.
     void declarePlugInsForMoment(NSString* moment);
 
+    /// Looks the folder through again for bundles that were not there before.
+    void lookAgain();
+
     /// How many of the bundles were tried and could not be loaded.
     NSUInteger failureCount() { return _failureCount; }
 
@@ -42,6 +46,8 @@ class WRPlugInLoader : public NSObject {
     ~WRPlugInLoader();
 
   private:
+    Retained<NSString> _folder;
+    Retained<NSMutableSet> _known;  // paths of bundles
     Retained<NSMutableArray> _waiting;
     NSUInteger _failureCount = 0;
 };

@@ -9,6 +9,7 @@
 #include "Writer/WRDocumentCounter.h"
 #include "Writer/WRDocumentOpener.h"
 #include "Writer/WRDocumentSaver.h"
+#include "Writer/WRFileSentry.h"
 #include "Writer/WRLanguage.h"
 #include "Writer/WRMainLoop.h"
 #include "Writer/WRPlugInLoader.h"
@@ -25,9 +26,9 @@ constexpr Library* kDependencies[] = {&baseLibrary};
 constexpr Class* kClasses[] = {
     &WRApplication::classRecord,   &WRArguments::classRecord,       &WRBoundaryScanner::classRecord,
     &WRDocument::classRecord,      &WRDocumentCounter::classRecord, &WRDocumentOpener::classRecord,
-    &WRDocumentSaver::classRecord, &WRLanguage::classRecord,        &WRMainLoop::classRecord,
-    &WRPlugInLoader::classRecord,  &WRProfileListing::classRecord,  &WRProgressLine::classRecord,
-    &WRReport::classRecord,
+    &WRDocumentSaver::classRecord, &WRFileSentry::classRecord,      &WRLanguage::classRecord,
+    &WRMainLoop::classRecord,      &WRPlugInLoader::classRecord,    &WRProfileListing::classRecord,
+    &WRProgressLine::classRecord,  &WRReport::classRecord,
 };
 
 }  // namespace

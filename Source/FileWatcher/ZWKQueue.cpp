@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FileWatcher/ZWKQueue.h"
 
+#include <csignal>
 #include <map>
 #include <thread>
 
@@ -35,6 +36,23 @@ constexpr struct {
     {ZWFileExtended, ZWFileWatcherSizeIncreaseNotification},
     {ZWFileLinkCountChanged, ZWFileWatcherLinkCountChangeNotification},
     {ZWFileRevoked, ZWFileWatcherAccessRevocationNotification},
+};
+
+// A thread that is started meanwhile takes no signals but those of its own faults: a host handles signals on
+// its own threads.
+class SignalsBlocked {
+  public:
+    SignalsBlocked() {
+        sigset_t all;
+        sigfillset(&all);
+        for (int fault : {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV, SIGTRAP}) sigdelset(&all, fault);
+        pthread_sigmask(SIG_BLOCK, &all, &_old);
+    }
+    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &_old, nullptr); }
+    SignalsBlocked(const SignalsBlocked&) = delete;
+
+  private:
+    sigset_t _old;
 };
 
 }  // namespace
@@ -75,6 +93,7 @@ Retained<ZWKQueue> ZWKQueue::init(Class* cls) {
     self->_delegateProxy = copyMainThreadProxy(self);
     self->_self = WeakHandle(self);
     self->_keepThreadRunning = true;
+    SignalsBlocked blocked;
     NSThread::detach([queue = self.get()] {
         send(queue, "watcherThread:"_sel, nullptr);
         queue->release();  // what the last owner left

@@ -337,6 +337,38 @@ TEST_F(WriterProgramTest, StaysUntilItIsTold) {
     }
 }
 
+TEST_F(WriterProgramTest, ReadsAgainWhatAnotherProgramHasSaved) {
+    const std::string late = program.useCopy() + "/WordStatistics.bundle";
+    const TemporaryFolder& folder = program.folder;
+    const std::string other = folder.path("other"), elsewhere = folder.path("late");
+    const std::function<void(const std::string&)> styles[] = {
+        [&](const std::string& text) { folder.write("a.txt", text); },
+        [&](const std::string& text) { rename(folder.write("other", text).c_str(), path.c_str()); },
+        [&](const std::string& text) { unlink(path.c_str()), folder.write("a.txt", text); },
+        [&](const std::string& text) { rename(path.c_str(), other.c_str()), folder.write("a.txt", text); },
+        [&](const std::string& text) {
+            folder.write("other", text);
+            renameat2(AT_FDCWD, other.c_str(), AT_FDCWD, path.c_str(), RENAME_EXCHANGE);
+        },
+    };
+    rename(late.c_str(), elsewhere.c_str());
+    folder.write("a.txt", "");
+    WriterSession session = program.start({path, "--stay"});
+    ASSERT_TRUE(session.waitFor("Code points: 0\n"));
+    std::string text;
+    for (const auto& save : styles) {
+        save(text += "word ");
+        ASSERT_TRUE(session.waitFor("Code points: " + std::to_string(text.size()) + "\n"));
+    }
+    rename(elsewhere.c_str(), late.c_str());
+    EXPECT_TRUE(session.waitFor("Loaded for the document\n    Plug-ins (1): WordStatistics"));
+    session.write("insert 0 x\n");
+    EXPECT_TRUE(session.waitFor("Code points: 26\n"));
+    folder.write("a.txt", "another");
+    EXPECT_TRUE(session.waitFor("It was not read again"));
+    EXPECT_EQ(session.end().status, 0);
+}
+
 TEST_F(WriterProgramTest, TakesTheEndOfItsInputForQuit) {
     program.folder.write("a.txt", "one");
     for (const char* lines : {"insert 0 zero \nquit\nhop", "delete 0 5\n", "insert 0 zero "})
