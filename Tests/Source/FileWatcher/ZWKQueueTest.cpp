@@ -197,8 +197,10 @@ TEST_F(ZWKQueueTest, NamesALimitOnce) {
         LogLines log;
         auto own = ZWKQueue::init(), other = ZWKQueue::init();
         for (const char* name : {"f", "g", "g"}) own->addPath(path(name));
-        limit("instances", 0), ZWKQueue::init();
-        setrlimit(RLIMIT_NOFILE, &none), ZWKQueue::init();
+        limit("instances", 0);
+        EXPECT_FALSE(ZWKQueue::init());
+        setrlimit(RLIMIT_NOFILE, &none);
+        EXPECT_FALSE(ZWKQueue::init());
         for (const char* name : {"f", "g"}) other->addPath(path(name));
         EXPECT_THAT(log.lines, ElementsAre(HasSubstr("of fs.inotify.max_user_watches."),
                                            EndsWith("of fs.inotify.max_user_instances"),
