@@ -2,7 +2,6 @@
 #include "FileWatcher/ZWKQueue.h"
 
 #include <csignal>
-#include <map>
 #include <thread>
 
 #include "BaseLibrary.h"
@@ -142,26 +141,35 @@ void ZWKQueue::addPathToQueue_notifyingAbout(NSString* path, std::uint32_t chang
     AutoreleasePool pool;
     auto own = path->copy();
     std::lock_guard lock(_mutex);
-    if (auto watch = _events->add(own, changes)) _watchedPaths[own].push_back(watch);
+    const auto watch = _events->add(own, changes);
+    if (!watch) return;
+    _watchedFDs[own].push_back(watch);
+    _watchedPaths.emplace(watch, std::move(own));
 }
 
 void ZWKQueue::removePath(NSString* path) { removePathFromQueue(path); }
 
+// The key of a path is the path of its first watch.
 void ZWKQueue::removePathFromQueue(NSString* path) {
     if (!path) return;
     std::lock_guard lock(_mutex);
-    auto found = _watchedPaths.find(Retained<NSString>::retaining(path));
-    if (found == _watchedPaths.end()) return;
-    auto& watches = found->second;
+    auto found = _watchedFDs.extract(path);
+    if (found.empty()) return;
+    auto& watches = found.mapped();
     const auto watch = watches.front();
     watches.erase(watches.begin());
-    if (watches.empty()) _watchedPaths.erase(found);
+    if (!watches.empty()) {
+        found.key() = _watchedPaths[watches.front()];
+        _watchedFDs.insert(std::move(found));
+    }
+    _watchedPaths.erase(watch);
     if (int error = _events->remove(watch))
         NSLog(u"removePathFromQueue: Couldn't close file descriptor (%d)"_ns, error);
 }
 
 void ZWKQueue::removeAllPathsFromQueue() {
     std::lock_guard lock(_mutex);
+    _watchedFDs.clear();
     _watchedPaths.clear();
     _events->removeAll();
 }
@@ -184,13 +192,10 @@ id ZWKQueue::delegate() {
 int ZWKQueue::queueFD() { return _events->descriptor(); }
 
 NSString* ZWKQueue::description() {
-    std::map<std::uint64_t, NSString*> inOrder;
     auto* paths = NSMutableArray::array();
     {
         std::lock_guard lock(_mutex);
-        for (const auto& [path, watches] : _watchedPaths)
-            for (auto watch : watches) inOrder[watch] = path;
-        for (const auto& [watch, path] : inOrder) paths->addObject(path);
+        for (const auto& [watch, path] : _watchedPaths) paths->addObject(path);
     }
     return NSString::stringWithFormat(u"%@ { watchedPaths = %@, alwaysNotify = %@ }"_ns, class_(), paths,
                                       _alwaysNotify ? u"YES"_ns : u"NO"_ns);

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <unordered_map>
@@ -147,7 +148,8 @@ class PELVOR_EXPORT ZWKQueue final : public NSObject {
     WeakHandle _self;   // for the thread
     std::mutex _mutex;  // for what follows
     WeakHandle _delegate;
-    std::unordered_map<Retained<NSString>, std::vector<std::uint64_t>, Hash, Equal> _watchedPaths;
+    std::map<std::uint64_t, Retained<NSString>> _watchedPaths;  // by watch, in the order of their adding
+    std::unordered_map<NSString*, std::vector<std::uint64_t>, Hash, Equal> _watchedFDs;  // watches by path
 };
 
 }  // namespace pelvor
