@@ -20,12 +20,13 @@ class ContainerRooms final : public LineRooms {
     using Containers = std::vector<Retained<NSTextContainer>>;
 
     ContainerRooms(const Containers& containers, std::size_t container, LongExtent y)
-        : _containers(containers), _now{container, y, false, y == 0} {}
+        : _containers(containers), _first{container, y, false, y == 0}, _now(_first) {}
 
     std::span<const LineRoom> rooms(Extent height, Extent& skip) override;
     bool descend() override;
     bool take(const Line& line) override;
     bool startsContainer() override { return _startsContainer; }
+    void restart() override { _now = _first; }
     NSTextContainer* container() override {
         return _containers[std::min(_now.container, _containers.size() - 1)];
     }
@@ -43,7 +44,7 @@ class ContainerRooms final : public LineRooms {
     void moveOn();
 
     const Containers& _containers;
-    Place _now;
+    Place _first, _now;
     Extent _descent = 0;  // below `_now.y`, where the line at work is tried
     int _descents = 0;
     bool _startsContainer = false;

@@ -276,6 +276,7 @@ void LayoutState::layOut(BlockPlace place, LineRooms& rooms) {
         while (_blocks.at(place).units < wanted && absorbNext(place)) {
         }
         lines.clear();
+        rooms.restart();
     }
     _glyphs.forget(_blocks.at(place));
     _blocks.change(place, [&](Block& block) {

@@ -31,6 +31,8 @@ class LineRooms {
     virtual bool take(const Line&) { return true; }
     /// Whether the line that was taken last is the first one of a further container.
     virtual bool startsContainer() { return false; }
+    /// Goes back to where the first line was tried.
+    virtual void restart() {}
     virtual NSTextContainer* container() = 0;
 };
 

@@ -80,7 +80,10 @@ class LayoutAuthor {
         return text->copy().autorelease();
     }
     void edit(NSTextStorage* storage) {
+        constexpr NSUInteger kMost = 1000;  // or long rounds get slow
         const NSUInteger length = storage->length(), start = below(length + 1);
+        if (length > kMost)
+            return storage->replaceCharactersInRange_withString({kMost / 2, length - kMost / 2}, u""_ns);
         const NSRange range{start, below(std::min<NSUInteger>(length - start, 30) + 1)};
         switch (below(4)) {
             case 0:

@@ -344,6 +344,13 @@ TEST_F(NSLayoutManagerTest, BeginsAContainerBehindAFormFeed) {
     EXPECT_EQ(text.layoutManager->glyphRangeForTextContainer(text.containers[1]), (NSRange{9, 1}));
 }
 
+// A long paragraph is kept in pieces, of which one line may need several.
+TEST_F(NSLayoutManagerTest, SetsALineOfSeveralPiecesWhereItBegins) {
+    NSString* letters = u""_ns->stringByPaddingToLength_withString_startingAtIndex(9000, u"x"_ns, 0);
+    LaidOutText text(letters, plain(), {{1.0e6F, 20}, {9.0e5F, 100}});
+    EXPECT_EQ(text.layoutManager->glyphRangeForTextContainer(text.containers[0]), (NSRange{0, 9000}));
+}
+
 TEST_F(NSLayoutManagerTest, SetsALineThatIsTooHighByItself) {
     LaidOutText text(u"a\nb"_ns, plain(), {{100, 0}, {100, 5}});
     EXPECT_EQ(text.layoutManager->glyphRangeForTextContainer(text.containers[0]), (NSRange{0, 2}));
