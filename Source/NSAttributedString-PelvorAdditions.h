@@ -75,7 +75,7 @@ extern PELVOR_EXPORT NSString* const PBHTMLAnchorDestinationLinkProtocol;
 // MARK: Languages
 
 /// The language of text that has none of its own. The host sets it when it starts, and keeps the object
-/// alive; null until then.
+/// alive; null until then: each character then counts as a word, and no paragraphs are found.
 ///
 /// A language is any object with these operations:
 ///
@@ -83,11 +83,12 @@ extern PELVOR_EXPORT NSString* const PBHTMLAnchorDestinationLinkProtocol;
 ///         the word, or what stands between two words, at a range of one character; granularity is 1
 ///     id acquireBoundaryScanner, void relinquishBoundaryScanner:(id)
 ///         lend a scanner with void setString:(NSString*), which takes null too, and
-///         NSUInteger offsetOfWordBoundaryFrom:(NSUInteger) isForwardSearch:(bool), or NSNotFound
-///     NSRange paragraphRangeForString:(NSString*) range:(NSRange) wordCount:(NSUInteger*)
-///     charCount:(NSUInteger*)
+///         NSUInteger offsetOfWordBoundaryFrom:(NSUInteger) isForwardSearch:(bool)
+///         for the nearest boundary behind the offset, or backwards before it, or NSNotFound
+///     NSRange paragraphRangeForString:(NSString*) range:(NSRange)
+///             wordCount:(NSUInteger*) charCount:(NSUInteger*)
 ///         the range up to and with the first paragraph end, at NSNotFound if there is none; writes how many
-///         words and characters it passed
+///         words and characters it passed; neither pointer is null
 ///     bool isRightToLeft
 extern PELVOR_EXPORT id PBSystemLanguage;
 

@@ -22,7 +22,7 @@ struct PELVOR_EXPORT NSFont_PelvorAdditions {
     static NSFont* boldLucidaGrandeFontOfSize(float size);
     /// "Helvetica", else the user font.
     static NSFont* helveticaFontOfSize(float size);
-    /// "Courier", "Courier New" or "Monaco", else the system font.
+    /// "Courier", "Courier New" or "Monaco", else the system font, whose glyphs have widths of their own.
     static NSFont* monospaceFontOfSize(float size);
     /// The system font at 14 points.
     static NSFont* menuItemFont();

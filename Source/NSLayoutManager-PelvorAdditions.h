@@ -51,7 +51,8 @@ PELVOR_EXPORT NSRange glyphRangeForLineFragmentBelowVerticalOffset_inTextContain
 // MARK: Carets
 
 /// The character before which a caret goes that was asked for at x in the line fragment. Past the middle of a
-/// glyph the caret goes behind it, but never behind the line break that ends the fragment.
+/// glyph the caret goes behind it, but never behind the line break that ends the fragment. Behind the last
+/// character of a fragment that was broken for its width, that is the first character of the next fragment.
 PELVOR_EXPORT NSUInteger characterIndexForHorizontalOffset_inLineFragmentContainingGlyphAtIndex(
     NSLayoutManager* layoutManager, float offset, NSUInteger index);
 // The same in the fragment of the first or last glyph; 0 if there are no glyphs.
@@ -86,8 +87,9 @@ struct PBAttachmentInvalidation {
 
 // An attachment that changes its size is changed between these two calls:
 //
-//     PBAttachmentInvalidation* record = prepareInvalidateLayoutForAttachmentCharacterAtIndex(layoutManager,
-//     7); picture->setBounds(larger); commitInvalidateLayoutForAttachmentCharacter(layoutManager, record);
+//     auto* record = prepareInvalidateLayoutForAttachmentCharacterAtIndex(layoutManager, 7);
+//     picture->setBounds(larger);
+//     commitInvalidateLayoutForAttachmentCharacter(layoutManager, record);
 
 /// Finds out what depends on the attachment at the character. The record is freed by the commit; null if
 /// memory is short.

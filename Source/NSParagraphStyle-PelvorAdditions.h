@@ -4,8 +4,8 @@
 //
 //     NSDictionary* list = propertyListRepresentation(style);
 //     auto same = NSParagraphStyle_PelvorAdditions::initWithPropertyListRepresentation(list);
-//     NSTextTab* tab = textTabForGlyphLocation_writingDirection_maxLocation(style, 40,
-//     NSWritingDirectionNatural, 400);
+//     NSTextTab* tab =
+//         textTabForGlyphLocation_writingDirection_maxLocation(style, 40, NSWritingDirectionNatural, 400);
 #pragma once
 
 #include "Text/NSMutableParagraphStyle.h"
@@ -18,7 +18,8 @@ struct Category;
 /// Creators of paragraph styles.
 struct PELVOR_EXPORT NSParagraphStyle_PelvorAdditions {
     /// A mutable style: the default one with the properties that are in the dictionary. Its line height
-    /// multiple is at least 1. Numbers may be strings. A class of mutable styles makes styles of its own.
+    /// multiple is at least 1. Numbers may be strings; other objects that are no numbers raise. A class of
+    /// mutable styles makes styles of its own. Raises NSInvalidArgumentException for null.
     static Retained<NSParagraphStyle> initWithPropertyListRepresentation(
         NSDictionary* propertyList, Class* cls = NSParagraphStyle::classObject());
 };
@@ -26,15 +27,16 @@ struct PELVOR_EXPORT NSParagraphStyle_PelvorAdditions {
 /// Creators of tab stops.
 struct PELVOR_EXPORT NSTextTab_PropertyListSerializing {
     /// From platform version 743 on, the alignment and the options count and the type is passed over; below,
-    /// the other way round. What is missing is 0 or empty.
+    /// the other way round. What is missing is 0 or empty. Raises NSInvalidArgumentException for null.
     static Retained<NSTextTab> initWithPropertyListRepresentation(NSDictionary* propertyList,
                                                                   Class* cls = NSTextTab::classObject());
 };
 
 // Property lists, borrowed
 
-/// All properties of the style under their names, the tab stops under "tabStops", and what the style returns
-/// for `customValueKeys`, if it has that operation and the result is not null.
+/// The properties of the style under their names, all but the hyphenation factor, the tab stops under
+/// "tabStops", and what the style returns for `customValueKeys`, if it has that operation and the result is
+/// not null.
 PELVOR_EXPORT NSDictionary* propertyListRepresentation(NSParagraphStyle* style);
 /// The tab's location, its type unless that is left, and from platform version 743 on its alignment unless
 /// that is left and its options unless there are none.

@@ -14,8 +14,8 @@ namespace pelvor {
 struct Category;
 class NSLayoutManager;
 
-/// The room that the string takes on one line, with the origin below the start of its baseline. Main thread
-/// only.
+/// The room that the string takes on lines that end where it has line ends, y upwards. The origin is the
+/// lower left corner, measured from the start of the first line's baseline. Main thread only.
 PELVOR_EXPORT NSRect pelvorBoundingRectWithAttributes(NSString* string, NSDictionary* attributes);
 /// Draws the string into the current graphics context, with the point as its upper left corner. Main thread
 /// only.

@@ -2,9 +2,9 @@
 // What a word processor asks of text storages: paragraphs, the attributes of what is typed, stretches of
 // computed values, and an order of texts.
 //
-//     NSDictionary* typed = PBPacifyTypingAttributes(typingAttributesAtIndex(storage, caret));
-//     storage->insertAttributedString_atIndex(NSAttributedString::initWithString_attributes(text, typed),
-//     caret);
+//     NSDictionary* attributes = PBPacifyTypingAttributes(typingAttributesAtIndex(storage, caret));
+//     auto typed = NSAttributedString::initWithString_attributes(text, attributes);
+//     storage->insertAttributedString_atIndex(typed, caret);
 //
 // What is returned is borrowed. An index or a range outside the text raises NSRangeException.
 #pragma once
@@ -74,6 +74,7 @@ PELVOR_EXPORT void* valueForCalculator_atIndex_longestEffectiveRange_withCompara
 PELVOR_EXPORT NSString* pelvorContentSortKey(NSTextStorage* storage);
 /// Sorts the text storages of the array by the strings that they return for `pelvorContentSortKey`. Numbers
 /// come first, in the order of their values, then text, whatever its case. Descending is the other way round.
+/// The value of a number is what `doubleValue` reads, which is 0 where a dollar sign stands first.
 PELVOR_EXPORT void PBSortTextStorages(NSMutableArray* textStorages, bool isAscending);
 
 // C++ only, and private

@@ -16,8 +16,11 @@ extern PELVOR_EXPORT NSString* const NSFontFamilyAttribute;  ///< NSString: "Dej
 extern PELVOR_EXPORT NSString* const NSFontNameAttribute;    ///< NSString: "DejaVuSans-Bold"
 extern PELVOR_EXPORT NSString* const NSFontFaceAttribute;    ///< NSString: "Bold", a face of the family
 extern PELVOR_EXPORT NSString* const NSFontSizeAttribute;    ///< NSNumber: points
-/// NSArray of NSDictionary with the two keys below: typographic features that are on or off. The types and
-/// selectors that fonts here understand are listed in FontFeatures.cpp; others are kept and do nothing.
+/// NSArray of NSDictionary with the two keys below: typographic features that are on or off, by the numbers
+/// of the font feature registry. Understood are ligatures (type 1), vertical forms (4), number spacing (6),
+/// vertical position (10), fractions (11), the slashed zero (14), forms of Chinese characters (20), number
+/// case (21), text spacing (22), ruby (28), contextual alternatives (36), and small capitals in the place of
+/// small letters (37) and of capitals (38): {37, 1} sets small capitals. Others are kept and do nothing.
 extern PELVOR_EXPORT NSString* const NSFontFeatureSettingsAttribute;
 extern PELVOR_EXPORT NSString* const NSFontFeatureTypeIdentifierKey;  ///< NSNumber: the type of feature
 extern PELVOR_EXPORT NSString* const
@@ -26,9 +29,9 @@ extern PELVOR_EXPORT NSString* const
 /// A dictionary of attributes that a font is asked for by. Immutable, any thread. Operations return borrowed
 /// descriptors.
 ///
-///     NSFontDescriptor* wanted = NSFontDescriptor::fontDescriptorWithFontAttributes(
-///         NSDictionary::of({{NSFontFamilyAttribute, u"DejaVu Sans"_ns}, {NSFontFaceAttribute,
-///         u"Bold"_ns}}));
+///     auto* bold = NSDictionary::of({{NSFontFamilyAttribute, u"DejaVu Sans"_ns},
+///                                    {NSFontFaceAttribute, u"Bold"_ns}});
+///     NSFontDescriptor* wanted = NSFontDescriptor::fontDescriptorWithFontAttributes(bold);
 ///     NSFont* font = NSFont::fontWithDescriptor_size(wanted, 12);
 class PELVOR_EXPORT NSFontDescriptor : public NSObject {
     PELVOR_CLASS(NSFontDescriptor, NSObject);

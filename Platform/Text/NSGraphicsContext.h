@@ -71,7 +71,8 @@ class PELVOR_EXPORT NSGraphicsContext : public NSObject {
     void strokeRect_width(NSRect rect, float width);
     void strokeLineFromPoint_toPoint_width(NSPoint from, NSPoint to, float width);
     /// A picture, PNG on any context and JPEG in PDF documents, stretched over the rectangle. False, with
-    /// the reason written unless the pointer is null, if the picture cannot be drawn.
+    /// the reason written unless the pointer is null, if the picture cannot be drawn. Raises
+    /// NSInvalidArgumentException for null.
     bool drawImage_inRect_reason(NSData* picture, NSRect rect, NSString** reason);
     /// The width and height in pixels of a PNG or JPEG picture; zeros for other data.
     static NSSize sizeOfImage(NSData* picture);

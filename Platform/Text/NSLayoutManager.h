@@ -44,6 +44,12 @@ inline constexpr NSGlyph NSControlGlyph = 0x00FFFFFF;
 ///
 /// Coordinates are a container's, in points, y downwards. Line fragments stand below each other without gaps:
 /// line and paragraph spacing belong to their heights. An index at or past the end raises NSRangeException.
+/// Places of text that has no room in any container are zeros, and the glyphs of a container that the layout
+/// manager does not list are {NSNotFound, 0}.
+///
+/// The layout manager hears of edits when the text storage has processed them. Ask it nothing before: neither
+/// between `beginEditing` and `endEditing` nor in observers of the storage's notifications.
+///
 /// One thread at a time.
 class PELVOR_EXPORT NSLayoutManager : public NSObject {
     PELVOR_CLASS(NSLayoutManager, NSObject);
@@ -60,13 +66,22 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     void setTextStorage(NSTextStorage* textStorage);
     /// The containers in the order in which text fills them, borrowed.
     NSArray* textContainers();
+    // The layout manager keeps its containers. A container is in the list of one layout manager, once. Null
+    // as container raises NSInvalidArgumentException, an index outside the list NSRangeException.
+
     void addTextContainer(NSTextContainer* container);
     void insertTextContainer_atIndex(NSTextContainer* container, NSUInteger index);
     void removeTextContainerAtIndex(NSUInteger index);
     /// Whether the window's first responder is the text view of one of the containers.
     bool layoutManagerOwnsFirstResponderInWindow(id window);
-    /// Told by `layoutManager:didCompleteLayoutForTextContainer:atEnd:` when a container is full, and with
-    /// null as container when text is left without one: then it may add a container. Not kept alive.
+    /// Any object with this operation, which may add containers but not remove any:
+    ///
+    ///     void layoutManager:(NSLayoutManager*) didCompleteLayoutForTextContainer:(NSTextContainer*)
+    ///     atEnd:(bool)
+    ///
+    /// It is called with each container that is full; with the container that holds the end of the text, and
+    /// true, when everything is laid out, also the empty line behind a last line end; and with null when text
+    /// is left without a container: then it may add one. Not kept alive: set it to null before it ends.
     id delegate();
     void setDelegate(id delegate);
 
@@ -137,8 +152,8 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     NSRect lineFragmentRectForGlyphAtIndex_effectiveRange(NSUInteger index, NSRange* glyphRange);
     /// The part of it that holds the text, with the padding at both ends.
     NSRect lineFragmentUsedRectForGlyphAtIndex_effectiveRange(NSUInteger index, NSRange* glyphRange);
-    /// The point on the baseline where the glyph begins, from the origin of its line fragment. In text from
-    /// right to left this is the glyph's left edge too.
+    /// The point on the baseline at the glyph's left edge, whatever the direction of the text, from the
+    /// origin of the line fragment.
     NSPoint locationForGlyphAtIndex(NSUInteger index);
     /// The area of what is laid out in the container; nothing is laid out. In an endless container the height
     /// of text that was not laid out yet is estimated.
@@ -163,8 +178,10 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     /// As far as lines are laid out.
     NSRange glyphRangeForBoundingRectWithoutAdditionalLayout_inTextContainer(NSRect bounds,
                                                                              NSTextContainer* container);
-    /// The nearest glyph. What share of it lies before the point in writing direction, from 0 to 1, is
-    /// written unless the pointer is null.
+    /// The nearest glyph in the line at the point's height, in the first or last line if the point is above
+    /// or below all lines, and in the line below a gap that an exclusion leaves between lines. What share of
+    /// the glyph lies before the point in writing direction, from 0 to 1, is written unless the pointer is
+    /// null. 0 in a container without text.
     NSUInteger glyphIndexForPoint_inTextContainer_fractionOfDistanceThroughGlyph(NSPoint point,
                                                                                  NSTextContainer* container,
                                                                                  float* fraction);
@@ -177,10 +194,14 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     // Carets and selections
 
     /// Where a caret before the character stands, from the top of its line to the bottom, without width; at
-    /// the length of the text, behind the last character.
+    /// the length of the text, behind the last character. Inside what the user sees as one character it
+    /// stands before that; at the end of a line that was broken for its width it stands at the start of the
+    /// next line.
     NSRect caretRectForCharacterAtIndex(NSUInteger index);
-    /// The rectangles of selected characters, one or more a line, valid until the next call; their number is
-    /// written to `count`.
+    /// The rectangles of the range's characters, one or more a line, valid until the next call; their number
+    /// is written to `count` unless that is null. `selection` is all that is selected, of which the range is
+    /// a part that is to be drawn: a whole line of the range from whose end the selection goes on is a
+    /// rectangle from edge to edge.
     const NSRect* rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
         NSRange range, NSRange selection, NSTextContainer* container, NSUInteger* count);
 

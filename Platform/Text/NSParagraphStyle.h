@@ -11,13 +11,15 @@ class NSCoder;
 class NSMutableParagraphStyle;
 class NSTextTab;
 
-/// An immutable set of the properties of a paragraph. Lengths are in points; the leading edge is the left one
-/// in paragraphs from left to right and the right one in the others.
+/// An immutable set of the properties of a paragraph. Lengths are in points. The leading edge of a line is
+/// the left one in paragraphs from left to right and the right one in the others. Edges are those of the
+/// container, inside its padding; where exclusions split a line they are those of its fragments, and only the
+/// first fragment has a head indent.
 ///
 ///     auto style = NSParagraphStyle::defaultParagraphStyle()->mutableCopy();
 ///     style->setAlignment(NSJustifiedTextAlignment);
 ///     style->setFirstLineHeadIndent(18);
-///     text->addAttribute_value_range(NSParagraphStyleAttributeName, style->copy(), paragraph);
+///     text->addAttribute_value_range(NSParagraphStyleAttributeName, style->copy().get(), paragraph);
 ///
 /// Immutable styles may be used on any thread, mutable ones on one thread at a time.
 class PELVOR_EXPORT NSParagraphStyle : public NSObject {
@@ -37,24 +39,26 @@ class PELVOR_EXPORT NSParagraphStyle : public NSObject {
     NSLineBreakMode lineBreakMode() { return _values.lineBreakMode; }
     /// The distance of the tab stops behind the last explicit one; 0 or less stands for 36.
     float defaultTabInterval() { return _values.defaultTabInterval; }
-    /// From the leading edge of the container to the first line.
+    /// From the leading edge to the first line.
     float firstLineHeadIndent() { return _values.firstLineHeadIndent; }
-    /// From the leading edge of the container to the other lines.
+    /// From the leading edge to the other lines.
     float headIndent() { return _values.headIndent; }
     /// From the leading edge to the lines' ends; 0 or less counts from the trailing edge.
     float tailIndent() { return _values.tailIndent; }
     /// A factor for the natural line height, before the limits below; 0 stands for 1.
     float lineHeightMultiple() { return _values.lineHeightMultiple; }
     float minimumLineHeight() { return _values.minimumLineHeight; }
-    /// 0 sets no limit.
+    /// 0 sets no limit. Letters that are higher reach into the line above.
     float maximumLineHeight() { return _values.maximumLineHeight; }
     /// Below each line of the paragraph but the last one.
     float lineSpacing() { return _values.lineSpacing; }
+    /// Below the paragraph.
     float paragraphSpacing() { return _values.paragraphSpacing; }
     /// Above the paragraph, unless it is the first one in its container.
     float paragraphSpacingBefore() { return _values.paragraphSpacingBefore; }
     /// From 0, which leaves the choice to the layout manager, to 1. Words are hyphenated where a line would
-    /// fill less than this share of its width without.
+    /// fill less than this share of its width without; 1 hyphenates wherever a line is not full. Only words
+    /// whose language (NSLanguageAttributeName) has hyphenation patterns on the machine are hyphenated.
     float hyphenationFactor() { return _values.hyphenationFactor; }
     /// NSTextTab objects in their order; never null.
     NSArray* tabStops() { return _tabStops; }

@@ -17,15 +17,18 @@ struct Category;
 using NSStringDrawingOptions = int;
 
 enum : NSStringDrawingOptions {
-    NSStringDrawingUsesLineFragmentOrigin = 1,  ///< from the top of the first line, else from its baseline
+    NSStringDrawingUsesLineFragmentOrigin = 1,  ///< with the origin {0, 0}, else measured from a baseline
     NSStringDrawingUsesFontLeading = 2,         ///< with the font's leading in the height of lines
     NSStringDrawingDisableScreenFontSubstitution = 4,  ///< which is never done here
 };
 
-// Any thread; each has a layout for this, which remembers the text that was measured last.
+// Any thread; each has a layout for this, which remembers the text that was measured last. Null as a string
+// raises NSInvalidArgumentException; null as attributes stands for none. An empty string takes no room: its
+// width and height are 0.
 
-/// The room that the string takes in lines no wider than the size, y upwards. Its origin is the lower left
-/// corner, from the first line's baseline or the top of the first line.
+/// The room that the string takes in lines no wider than the size, whose height is not asked. Its origin is
+/// the lower left corner, y upwards from the first line's baseline: below 0 where letters or further lines
+/// reach below it. With NSStringDrawingUsesLineFragmentOrigin the origin is {0, 0}.
 PELVOR_EXPORT NSRect boundingRectWithSize_options_attributes(NSString* string, NSSize size,
                                                              NSStringDrawingOptions options,
                                                              NSDictionary* attributes);

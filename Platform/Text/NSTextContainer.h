@@ -56,7 +56,7 @@ class PELVOR_EXPORT NSTextContainer : public NSObject {
     bool heightTracksTextView() { return _heightTracksTextView; }
     void setHeightTracksTextView(bool tracks) { _heightTracksTextView = tracks; }
 
-    /// The layout manager that lists the container; not kept alive.
+    /// The layout manager that lists the container, which sets it; not kept alive, and null once that ended.
     NSLayoutManager* layoutManager() { return _layoutManager; }
     void setLayoutManager(NSLayoutManager* layoutManager) { _layoutManager = layoutManager; }
 
@@ -65,9 +65,24 @@ class PELVOR_EXPORT NSTextContainer : public NSObject {
     virtual bool isSimpleRectangularTextContainer() { return _exclusions.empty(); }
     /// The first fragment of a line that fits the proposed rectangle, in the sweep direction; it is moved
     /// down where nothing is free and movement is allowed. What is free behind it is written to `remaining`
-    /// unless that is null. Zeros if there is no room.
+    /// unless that is null, with a width of 0 where nothing is. Zeros if there is no room.
+    ///
+    /// The layout proposes a line's whole width at the place below the line before, or below a place that was
+    /// too narrow for a word, with the height that the line needs as far as it is known. It asks again, with
+    /// what remains and without movement, until nothing remains: `remaining` has to begin further along each
+    /// time. Of the first fragment it takes the sides and the top, of the others the sides; the padding is
+    /// inside. A disc returns the chord of its rectangle:
+    ///
+    ///     if (remaining) *remaining = {};
+    ///     for (float y = NSMinY(proposed); y + NSHeight(proposed) <= 2 * radius; y += 2) {
+    ///         const float far = std::max(std::abs(y - radius), std::abs(y + NSHeight(proposed) - radius));
+    ///         const float half = std::sqrt(std::max(radius * radius - far * far, 0.0F));
+    ///         if (half > 20) return {{radius - half, y}, {2 * half, NSHeight(proposed)}};
+    ///     }
+    ///     return {};
     virtual NSRect lineFragmentRectForProposedRect_sweepDirection_movementDirection_remainingRect(
         NSRect proposed, NSLineSweepDirection sweep, NSLineMovementDirection movement, NSRect* remaining);
+    /// Whether the point is in the area.
     virtual bool containsPoint(NSPoint point);
 
     // C++ only

@@ -34,7 +34,8 @@ class PELVOR_EXPORT NSTextTab : public NSObject {
     PELVOR_CREATORS(initWithType_location, initWithTextAlignment_location_options, initWithCoder);
 
   public:
-    /// The location is in points from the leading margin of the line.
+    /// The location is in points from the leading edge of the line, as NSParagraphStyle has it, not from an
+    /// indent.
     static Retained<NSTextTab> initWithType_location(NSTextTabType type, float location,
                                                      Class* cls = classObject());
     /// Null as options stands for none. Justified and natural tabs are left tabs.
