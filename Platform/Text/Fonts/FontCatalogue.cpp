@@ -186,8 +186,11 @@ std::shared_ptr<FontFace> FontCatalogue::emojiFace() {
     return emoji;
 }
 
-std::vector<const FontEntry*> FontCatalogue::substitutes(const FontEntry& entry) const {
+std::vector<const FontEntry*> FontCatalogue::substitutes(const FontEntry& entry, EastAsian language) const {
+    static constexpr const char* kNames[kEastAsianCount] = {nullptr, "zh-cn", "zh-tw", "zh-hk", "ja", "ko"};
     FcPattern* wanted = patternOfFamily(entry.family.c_str());
+    if (const char* name = kNames[static_cast<std::size_t>(language)])
+        FcPatternAddString(wanted, FC_LANG, reinterpret_cast<const FcChar8*>(name));
     for (const char* object : {FC_WEIGHT, FC_SLANT, FC_WIDTH, FC_SPACING}) {
         int number = 0;
         if (entry.pattern && FcPatternGetInteger(entry.pattern, object, 0, &number) == FcResultMatch)

@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "Text/Fonts/EastAsian.h"
 #include "Text/Fonts/FontFace.h"
 
 struct _FcCharSet;
@@ -57,8 +58,9 @@ class FontCatalogue {
     /// The face that the configuration ranks first for a family, or a generic name like "sans-serif"; the box
     /// face if no font can be opened.
     std::shared_ptr<FontFace> bestFace(const char* family);
-    /// All typefaces in the order in which the configuration would have them stand in for the given one.
-    std::vector<const FontEntry*> substitutes(const FontEntry& entry) const;
+    /// All typefaces in the order in which the configuration would have them stand in for the given one in
+    /// text of the language.
+    std::vector<const FontEntry*> substitutes(const FontEntry& entry, EastAsian language) const;
     /// The colour font for emoji, null if there is none.
     std::shared_ptr<FontFace> emojiFace();
 

@@ -133,40 +133,38 @@ int FontVariant::weight() const { return std::max(_face->entry().weight, _madeUp
 
 // MARK: Substitutes
 
-const std::vector<const FontEntry*>& FontVariant::substitutes() {
-    std::lock_guard lock(_mutex);
-    if (!std::exchange(_hasSubstitutes, true))
-        _substitutes = FontCatalogue::shared().substitutes(_face->entry());
-    return _substitutes;
-}
-
 std::shared_ptr<FontVariant> FontVariant::inFace(const std::shared_ptr<FontFace>& face) const {
     const FontEntry& entry = face->entry();
     auto lacks = [&](unsigned trait) { return !entry.isColoured && traits() & ~entry.traits & trait; };
     return of(face, _featureSettings, {lacks(NSBoldFontMask), lacks(NSItalicFontMask)});
 }
 
-std::shared_ptr<FontVariant> FontVariant::substituteFor(std::u32string_view characters) {
+std::shared_ptr<FontVariant> FontVariant::substituteFor(std::u32string_view characters, EastAsian language) {
     if (characters.empty()) return nullptr;
     // No face that comes before the first one with the first character has all of them.
-    auto first = substituteFor(characters[0]);
+    auto first = substituteFor(characters[0], language);
     const auto has = [&](char32_t character) { return first->face().hasCharacter(character); };
     if (!first || std::all_of(characters.begin() + 1, characters.end(), has)) return first;
-    return findSubstitute(characters);
+    return findSubstitute(characters, language);
 }
 
-std::shared_ptr<FontVariant> FontVariant::substituteFor(char32_t character) {
+std::shared_ptr<FontVariant> FontVariant::substituteFor(char32_t character, EastAsian language) {
+    auto& known = substitutesFor(language).of;
     {
         std::lock_guard lock(_mutex);
-        if (auto known = _substituteOf.find(character); known != _substituteOf.end()) return known->second;
+        if (auto place = known.find(character); place != known.end()) return place->second;
     }
-    auto variant = findSubstitute({&character, 1});
+    auto variant = findSubstitute({&character, 1}, language);
     std::lock_guard lock(_mutex);
-    return _substituteOf.emplace(character, variant).first->second;
+    return known.emplace(character, variant).first->second;
 }
 
-std::shared_ptr<FontVariant> FontVariant::findSubstitute(std::u32string_view characters) {
-    for (const FontEntry* entry : substitutes()) {
+std::shared_ptr<FontVariant> FontVariant::findSubstitute(std::u32string_view characters, EastAsian language) {
+    Substitutes& substitutes = substitutesFor(language);
+    std::call_once(substitutes.ranking, [&] {
+        substitutes.ranked = FontCatalogue::shared().substitutes(_face->entry(), language);
+    });
+    for (const FontEntry* entry : substitutes.ranked) {
         if (!entry->hasCharacters(characters)) continue;
         if (auto face = FontCatalogue::shared().face(*entry)) return inFace(face);
     }

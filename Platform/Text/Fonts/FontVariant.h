@@ -2,11 +2,13 @@
 // FontVariant: what fonts of one typeface share, whatever their size.
 #pragma once
 
+#include <array>
 #include <memory>
 #include <mutex>
 #include <unordered_map>
 
 #include "Foundation/NSArray.h"
+#include "Text/Fonts/EastAsian.h"
 #include "Text/Fonts/FontFace.h"
 #include "Text/Fonts/FontFeatures.h"
 
@@ -52,9 +54,9 @@ class FontVariant {
     unsigned traits() const;
     int weight() const;
 
-    /// The variant that sets the characters in the place of this one: the first of the faces that the
-    /// configuration ranks which has all of them. Null if no face has.
-    std::shared_ptr<FontVariant> substituteFor(std::u32string_view characters);
+    /// The variant that sets the characters in the place of this one in text of the language: the first of
+    /// the faces that the configuration ranks which has all of them. Null if no face has.
+    std::shared_ptr<FontVariant> substituteFor(std::u32string_view characters, EastAsian language);
     /// The variant of the same settings and traits in another face.
     std::shared_ptr<FontVariant> inFace(const std::shared_ptr<FontFace>& face) const;
 
@@ -66,9 +68,18 @@ class FontVariant {
   private:
     FontVariant() = default;
     static std::shared_ptr<FontFace> faceNamed(std::string_view name);
-    const std::vector<const FontEntry*>& substitutes();
-    std::shared_ptr<FontVariant> substituteFor(char32_t character);
-    std::shared_ptr<FontVariant> findSubstitute(std::u32string_view characters);
+    std::shared_ptr<FontVariant> substituteFor(char32_t character, EastAsian language);
+    std::shared_ptr<FontVariant> findSubstitute(std::u32string_view characters, EastAsian language);
+
+    // What stands in for the variant in one language.
+    struct Substitutes {
+        std::once_flag ranking;
+        std::vector<const FontEntry*> ranked;
+        std::unordered_map<char32_t, std::shared_ptr<FontVariant>> of;
+    };
+    Substitutes& substitutesFor(EastAsian language) {
+        return _substitutes[static_cast<std::size_t>(language)];
+    }
 
     std::uint32_t _number = 0;
     std::shared_ptr<FontFace> _face;
@@ -76,10 +87,8 @@ class FontVariant {
     Retained<NSArray> _featureSettings;
     std::vector<FontFeature> _features;
 
-    std::mutex _mutex;  // for what follows
-    bool _hasSubstitutes = false;
-    std::vector<const FontEntry*> _substitutes;
-    std::unordered_map<char32_t, std::shared_ptr<FontVariant>> _substituteOf;
+    std::mutex _mutex;  // for what stands in for single characters
+    std::array<Substitutes, kEastAsianCount> _substitutes;
 };
 
 }  // namespace pelvor

@@ -13,6 +13,7 @@
 
 #include "Foundation/NSRange.h"
 #include "Runtime/Export.h"
+#include "Text/Fonts/EastAsian.h"
 
 namespace pelvor {
 
@@ -73,8 +74,10 @@ struct FontStretch {
 };
 
 /// The font that sets the text from `start` on, and where the next one begins: `substituteFont` of each
-/// cluster, clusters of one font taken together. Punctuation, blanks and joiners that the font of the text
+/// cluster, clusters of one font taken together, and letters of Chinese origin in a font of the
+/// language's own, where they need another one. Punctuation, blanks and joiners that the font of the text
 /// before them has stay with that font.
-PELVOR_EXPORT FontStretch fontStretchAt(NSFont* font, std::u16string_view text, NSUInteger start);
+PELVOR_EXPORT FontStretch fontStretchAt(NSFont* font, std::u16string_view text, NSUInteger start,
+                                        EastAsian language = EastAsian::unknown);
 
 }  // namespace pelvor

@@ -75,15 +75,28 @@ bool hasAll(FontFace& face, std::u32string_view characters) {
                        [&face](char32_t character) { return face.hasCharacter(character); });
 }
 
-// The variant that sets the cluster where the text is in the given one.
-Variant variantFor(const Variant& given, std::u16string_view cluster) {
+// The font and the language that text is given in.
+struct Given {
+    const Variant& variant;
+    EastAsian language;
+};
+
+bool isEastAsian(char32_t character) {
+    const auto width = u_getIntPropertyValue(static_cast<UChar32>(character), UCHAR_EAST_ASIAN_WIDTH);
+    return width == U_EA_WIDE || width == U_EA_FULLWIDTH;
+}
+
+// The variant that sets the cluster.
+Variant variantFor(const Given& given, std::u16string_view cluster) {
     const Wants wants(cluster);
     if (wants.asEmoji)
         if (auto emoji = FontCatalogue::shared().emojiFace(); emoji && hasAll(*emoji, wants.characters))
-            return given->inFace(emoji);
-    if (hasAll(given->face(), wants.characters)) return given;
-    Variant substitute = given->substituteFor(wants.characters);
-    return substitute ? substitute : given;
+            return given.variant->inFace(emoji);
+    if (hasAll(given.variant->face(), wants.characters)) return given.variant;
+    const bool hasShapes = given.language != EastAsian::unknown && isEastAsian(wants.characters[0]);
+    Variant substitute =
+        given.variant->substituteFor(wants.characters, hasShapes ? given.language : EastAsian::unknown);
+    return substitute ? substitute : given.variant;
 }
 
 // Whether the character stands between words of all scripts. Such marks stay in the font of what stands
@@ -97,7 +110,7 @@ bool isShared(char32_t character) {
 
 // The variant of the nearest character before `start` that belongs to a script, so that the font of shared
 // marks does not depend on where somebody begins to ask.
-Variant variantBefore(const Variant& given, std::u16string_view text, std::size_t start) {
+Variant variantBefore(const Given& given, std::u16string_view text, std::size_t start) {
     constexpr std::size_t kFarthest = 64;
     const std::size_t limit = start > kFarthest ? start - kFarthest : 0;
     while (start > limit) {
@@ -107,11 +120,11 @@ Variant variantBefore(const Variant& given, std::u16string_view text, std::size_
         if (!isShared(character) && !continuesCluster(0, character))
             return variantFor(given, text.substr(start, endOfCluster(text, start) - start));
     }
-    return given;
+    return given.variant;
 }
 
-Variant variantOfCluster(const Variant& given, const Variant& before, std::u16string_view cluster) {
-    const bool mayStay = before != given && !before->face().entry().isColoured;
+Variant variantOfCluster(const Given& given, const Variant& before, std::u16string_view cluster) {
+    const bool mayStay = before != given.variant && !before->face().entry().isColoured;
     if (mayStay && isShared(codePointAt(cluster, 0)) && hasAll(before->face(), Wants(cluster).characters))
         return before;
     return variantFor(given, cluster);
@@ -152,25 +165,27 @@ std::size_t endOfPlainCluster(std::u16string_view text, std::size_t start) {
 }
 
 // The number of the variant that sets the character, as this thread remembers it.
-std::uint32_t numberOfVariantFor(const Variant& given, char16_t character) {
+std::uint32_t numberOfVariantFor(const Given& given, char16_t character) {
     struct Known {
         std::uint32_t given, character, found;
     };
     constexpr std::size_t kSize = 2048;
     // Not in the thread's own memory, of which there is little left for a library that a plug-in brings.
     static thread_local const auto known = std::make_unique<Known[]>(kSize);
-    Known& slot = known[(given->number() * 0x9E3779B1u ^ character) % kSize];
-    if (slot.given != given->number() || slot.character != character)
-        slot = {given->number(), character, variantFor(given, {&character, 1})->number()};
+    const std::uint32_t number =
+        given.variant->number() * kEastAsianCount + static_cast<unsigned>(given.language);
+    Known& slot = known[(number * 0x9E3779B1u ^ character) % kSize];
+    if (slot.given != number || slot.character != character)
+        slot = {number, character, variantFor(given, {&character, 1})->number()};
     return slot.found;
 }
 
 // Whether the plain cluster is set by the variant that sets the text before it.
-bool goesOnIn(const Variant& variant, const Variant& given, std::u16string_view cluster) {
+bool goesOnIn(const Variant& variant, const Given& given, std::u16string_view cluster) {
     FontFace& face = variant->face();
     if (!std::all_of(cluster.begin(), cluster.end(), [&](char16_t unit) { return face.hasCharacter(unit); }))
         return false;
-    return variant == given || (!face.entry().isColoured && isPlainShared(cluster[0])) ||
+    return variant == given.variant || (!face.entry().isColoured && isPlainShared(cluster[0])) ||
            numberOfVariantFor(given, cluster[0]) == variant->number();
 }
 
@@ -191,15 +206,15 @@ NSFont* inVariant(NSFont* font, const Variant& variant) {
 NSFont* substituteFont(NSFont* font, std::u16string_view cluster) {
     if (cluster.size() == 1 && isPlain(cluster[0]) && font->variant().face().hasCharacter(cluster[0]))
         return font;
-    return inVariant(font, variantFor(font->sharedVariant(), cluster));
+    return inVariant(font, variantFor({font->sharedVariant(), EastAsian::unknown}, cluster));
 }
 
-FontStretch fontStretchAt(NSFont* font, std::u16string_view text, NSUInteger start) {
-    const Variant& given = font->sharedVariant();
+FontStretch fontStretchAt(NSFont* font, std::u16string_view text, NSUInteger start, EastAsian language) {
+    const Given given{font->sharedVariant(), language};
     std::size_t place = start;
     Variant stretch;
     while (place < text.size()) {
-        if (stretch == given && given->face().hasASCII()) {
+        if (stretch == given.variant && given.variant->face().hasASCII()) {
             place = endOfASCII(text, place);
             if (place == text.size()) break;
         }

@@ -199,7 +199,8 @@ void MeasuredText::addTextRuns(LayoutTools& tools, std::uint32_t start, std::uin
                                              ? ScriptStretch{USCRIPT_LATIN, stretchEnd}
                                              : scriptStretch(units, run.start, stretchEnd);
             run.script = isPlaced(script.script) ? scriptTagOfCode(script.script) : scriptTag("Latn");
-            const FontStretch font = fontStretchAt(style.font, text().substr(0, script.end), run.start);
+            const FontStretch font =
+                fontStretchAt(style.font, text().substr(0, script.end), run.start, style.eastAsian);
             run.font = font.font;
             run.end = endOfShaping(tools, run.start,
                                    std::clamp<std::uint32_t>(font.end, run.start + 1, script.end));

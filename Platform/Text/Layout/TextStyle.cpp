@@ -42,6 +42,7 @@ std::shared_ptr<const TextStyle> readStyle(NSDictionary* attributes, NSLayoutMan
                                                      style->font->pointSize() * kScriptSize));
     if (NSString* language = layoutManager->languageForAttributes(attributes))
         style->language = language->toUTF8();
+    style->eastAsian = eastAsianLanguage(style->language);
     return style;
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "Text/Fonts/EastAsian.h"
 #include "Text/Layout/BlockList.h"
 #include "Text/NSFont.h"
 #include "Text/NSParagraphStyle.h"
@@ -21,7 +22,8 @@ struct TextStyle {
     Retained<NSFont> font;
     Retained<NSParagraphStyle> paragraph;
     Retained<NSTextAttachment> attachment;
-    std::string language;  // empty: unknown
+    std::string language;                      // empty: unknown
+    EastAsian eastAsian = EastAsian::unknown;  // the language, where letters take shapes by it
     Extent kern = 0;
     Extent shift = 0;  // of the baseline, upwards
     int ligatures = 1;

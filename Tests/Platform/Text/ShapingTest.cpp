@@ -210,6 +210,22 @@ TEST(ShapingTest, CutsTextWhereTheFontChanges) {
     EXPECT_EQ(fontStretchAt(font, u"", 0).font, font);
 }
 
+TEST(ShapingTest, TakesLettersOfChineseOriginInTheShapesOfTheLanguage) {
+    NSFont* font = fontNamed("DejaVuSans");
+    const auto family = [font](const char* tag, std::u16string_view text) {
+        return fontStretchAt(font, text, 0, eastAsianLanguage(tag)).font->familyName()->toUTF8();
+    };
+    const std::u16string_view bone = u"\u9AA8\u3002";
+    for (const auto& [tag, end] : {std::pair{"zh", " SC"},
+                                   {"zh-Hant", " TC"},
+                                   {"zh-TW", " TC"},
+                                   {"zh-HK", " HK"},
+                                   {"ja-JP", " JP"},
+                                   {"ko", " KR"}})
+        EXPECT_THAT(family(tag, bone), EndsWith(end)) << tag;
+    EXPECT_EQ(family("zh", u"\u0916"), family("", u"\u0916"));
+}
+
 // The stretches of random text are those of its clusters one by one.
 TEST(ShapingTest, TakesClustersOfOneFontTogether) {
     NSFont* font = fontNamed("DejaVuSans");
