@@ -154,6 +154,8 @@ std::shared_ptr<FileEventQueue> FileEventQueue::open() {
 
 int FileEventQueue::close() {
     std::lock_guard lock(_mutex);
+    for (auto& [watch, entry] : _entries)  // entries and files hold each other
+        std::exchange(entry->file, nullptr)->entries.clear();
     _entries.clear();
     _files.clear();
     _polled.clear();

@@ -33,16 +33,18 @@ TEST_F(PBFileWatcherTest, TellsTheActionsThatItWasAskedFor) {
     EXPECT_EQ(witness->takeReports(), "2 g, 16 g, 1 f, 4 f");
 }
 
-// Each of these happens inside the call for the first action of an event that has two.
+// Each of these happens inside the call for the first action of an event that has two, and ends its reports.
 TEST_F(PBFileWatcherTest, BearsWhatItsDelegateDoes) {
     const std::pair<const char*, std::function<void()>> deeds[] = {
         {"removes the path", [&] { watcher->removeFileAtPath(path("f")); }},
         {"removes and adds the path", [&] { watcher->removeFileAtPath(path("f")), watch("f"); }},
+        {"raises", [] { throw NSException("Told", "on purpose"); }},
         {"invalidates the watcher", [&] { watcher->invalidate(); }},
         {"ends", [&] { witness = nullptr; }},
         {"ends with the watcher", [&] { witness = nullptr, watcher = nullptr; }},
     };
     watcher = nullptr;
+    LogLines log;
     for (const auto& [name, deed] : deeds) {
         const auto before = descriptors();
         sh("echo >f; echo >end");
@@ -62,6 +64,8 @@ TEST_F(PBFileWatcherTest, BearsWhatItsDelegateDoes) {
         watcher = nullptr;  // with which its thread ends
         while (descriptors() > before) loop->performReadyWorkForMode(NSDefaultRunLoopMode);
     }
+    logText("end");  // behind the lines of other threads
+    EXPECT_THAT(log.lines, Contains("Error in ZWKQueue watcherThread: on purpose").Times(1));
 }
 
 // Saves the file in one of four styles, as editors do, and at last as "last".
