@@ -384,8 +384,8 @@ NSRange rangeOfWordAtIndex_isWord(NSAttributedString* text, NSUInteger index, bo
 NSUInteger nextWordFromIndex_forward(NSAttributedString* text, NSUInteger index, bool isForward) {
     requireArgument(text, "nextWordFromIndex:forward:", "the text");
     if (isForward ? index >= text->length() : index == 0) return index;
+    requirePlace(index, text->length(), "nextWordFromIndex:forward:");
     NSUInteger probe = isForward ? index : index - 1;
-    requireTextIndex(text, probe, "nextWordFromIndex:forward:");
     id language = languageAttributeAtIndex_effectiveRange(text, probe, nullptr);
     NSUInteger letter = locationOfCharacterFromSet_options_location(
         text->string(), alphanumerics(), isForward ? NSLiteralSearch : NSBackwardsSearch, probe);

@@ -144,8 +144,8 @@ PELVOR_EXPORT id nextAttachmentFromOffset(NSAttributedString* text, NSUInteger* 
 /// The first value that the attribute has in the range. `effectiveRange` becomes the whole run that has it.
 PELVOR_EXPORT id nextAttribute_effectiveRange_inRange(NSAttributedString* text, NSString* name,
                                                       NSRange* effectiveRange, NSRange range);
-/// The part of the range over which the attribute stays what it is at the location. A location away from the
-/// range gives the empty range there.
+/// The part of the range over which the attribute stays what it is at the location. The location is inside
+/// the range; one away from it gives the whole range or the empty range at the location.
 PELVOR_EXPORT NSRange constrainRange_toSingleAttribute_location(NSAttributedString* text, NSRange range,
                                                                 NSString* name, NSUInteger location);
 /// The range, cut before the mask to where the attribute is as at the mask's first character, and behind the

@@ -55,29 +55,22 @@ NSString* textOf(NSTextStorage* storage, const char* operation) {
     return storage->string();
 }
 
-NSString* textWithRange(NSTextStorage* storage, NSRange range, const char* operation) {
-    NSString* text = textOf(storage, operation);
-    requireRange(range, text->length(), operation);
-    return text;
-}
-
 }  // namespace
 
-// MARK: Paragraphs
+// MARK: Paragraphs. The string refuses ranges outside the text, in words of its own.
 
 void getParagraphStart_end_contentsEnd_forRange(NSTextStorage* storage, NSUInteger* start, NSUInteger* end,
                                                 NSUInteger* contentsEnd, NSRange range) {
-    NSString* text = textWithRange(storage, range, "getParagraphStart:end:contentsEnd:forRange:");
+    NSString* text = textOf(storage, "getParagraphStart:end:contentsEnd:forRange:");
     getParagraphStart_end_contentsEnd_forRange(text, start, end, contentsEnd, range);
 }
 
 NSRange paragraphRangeForRange(NSTextStorage* storage, NSRange range) {
-    return paragraphRangeForRange(textWithRange(storage, range, "paragraphRangeForRange:"), range);
+    return paragraphRangeForRange(textOf(storage, "paragraphRangeForRange:"), range);
 }
 
 NSRange paragraphContentRangeForRange(NSTextStorage* storage, NSRange range) {
-    return paragraphContentRangeForRange(textWithRange(storage, range, "paragraphContentRangeForRange:"),
-                                         range);
+    return paragraphContentRangeForRange(textOf(storage, "paragraphContentRangeForRange:"), range);
 }
 
 namespace {
@@ -113,15 +106,20 @@ NSRange longestIsKeepWithNextParagraphRangeBeforeIndex(NSTextStorage* storage, N
 namespace {
 
 NSDictionary* typingAttributes(NSTextStorage* storage, NSUInteger index, const char* operation) {
-    requirePlace(index, textOf(storage, operation)->length(), operation);
-    if (storage->length() == 0) return nullptr;
+    const NSUInteger length = textOf(storage, operation)->length();
+    if (length == 0) return nullptr;
+    requirePlace(index, length, operation);
     return storage->attributesAtIndex_effectiveRange(index > 0 ? index - 1 : 0, nullptr);
+}
+
+NSDictionary* attributesAtIndex(NSTextStorage* storage, NSUInteger index, const char* operation) {
+    requireIndex(index, textOf(storage, operation)->length(), operation);
+    return storage->attributesAtIndex_effectiveRange(index, nullptr);
 }
 
 NSDictionary* attributesFor(NSTextStorage* storage, NSRange range, const char* operation) {
     if (range.length == 0) return typingAttributes(storage, range.location, operation);
-    textWithRange(storage, range, operation);
-    return storage->attributesAtIndex_effectiveRange(range.location, nullptr);
+    return attributesAtIndex(storage, range.location, operation);
 }
 
 }  // namespace
@@ -131,9 +129,7 @@ NSDictionary* typingAttributesAtIndex(NSTextStorage* storage, NSUInteger index) 
 }
 
 NSDictionary* typingAttributesForDeletedRange(NSTextStorage* storage, NSRange range) {
-    constexpr const char* kOperation = "typingAttributesForDeletedRange:";
-    requireIndex(range.location, textOf(storage, kOperation)->length(), kOperation);
-    return storage->attributesAtIndex_effectiveRange(range.location, nullptr);
+    return attributesAtIndex(storage, range.location, "typingAttributesForDeletedRange:");
 }
 
 NSDictionary* attributesForRange(NSTextStorage* storage, NSRange range) {

@@ -36,10 +36,10 @@ PELVOR_EXPORT NSRange paragraphContentRangeForRange(NSTextStorage* storage, NSRa
 PELVOR_EXPORT NSRange longestIsKeepWithNextParagraphRangeBeforeIndex(NSTextStorage* storage,
                                                                      NSUInteger index);
 
-// MARK: Attributes at a place
+// MARK: Attributes at a place. Of a range only the location is looked at, and whether the range is empty.
 
 /// The attributes that text takes on that is typed at the index: those of the character before it, or of the
-/// first character at the front. Null for an empty text.
+/// first character at the front. Null for an empty text, whatever the index.
 PELVOR_EXPORT NSDictionary* typingAttributesAtIndex(NSTextStorage* storage, NSUInteger index);
 /// The attributes of the first character that is deleted.
 PELVOR_EXPORT NSDictionary* typingAttributesForDeletedRange(NSTextStorage* storage, NSRange range);

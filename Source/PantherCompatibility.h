@@ -8,9 +8,10 @@ namespace pelvor {
 
 // Some classes have operations that platforms below version 743 lack: PantherFont and PantherObject. At load
 // time each takes the place of the platform's class that it derives from, but only on such a platform; on
-// newer ones the classes do nothing. Messages reach the operations then:
+// newer ones the classes do nothing. Messages to the class
+// that is found by name, and to its objects, reach the operations then:
 //
-//     send<float>(NSFont::classObject(), "systemFontSizeForControlSize:"_sel, NSSmallControlSize)
+//     send<float>(classNamed("NSFont"), "systemFontSizeForControlSize:"_sel, NSMiniControlSize)
 
 /// Lets the class take the place of its superclass if the platform's version is below 743.
 void poseOnOldPlatforms(Class* cls);

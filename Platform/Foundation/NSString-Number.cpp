@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Numbers read from the start of a string.
+#include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSString.h"
 #include "Foundation/Strings/NumberReader.h"
 
@@ -7,9 +8,10 @@ namespace pelvor {
 namespace {
 
 NumberReader readerAfterSpace(std::u16string_view text) {
-    NumberReader reader(text);
-    reader.skipSpace();
-    return reader;
+    NSCharacterSet* space = NSCharacterSet::whitespaceAndNewlineCharacterSet();
+    std::size_t start = 0;
+    while (start < text.size() && space->characterIsMember(text[start])) ++start;
+    return NumberReader(text, start);
 }
 
 }  // namespace

@@ -23,14 +23,15 @@ LongExtent heightFrom(LayoutState& state, std::size_t container, float y) {
 // the container has no line.
 bool findLine(LayoutState& state, std::size_t container, float y, bool mayLayOut, LinePlace& place) {
     if (container >= state.containers.size()) return false;
-    if (mayLayOut) state.ensureHeight(container, extentOf(static_cast<double>(y)));
+    if (mayLayOut) state.ensureHeight(container, extentOf(std::max(static_cast<double>(y), 0.0)));
     if (state.length() == 0 && !state.ensure(0)) return false;
     if (!state.isFree() && container >= state.fillings().size()) return false;
     place = state.lineAtHeight(heightFrom(state, container, y));
     if (state.isFree()) return state.blockOf(place).isLaid;
     // The space between two containers' lines belongs to neither: stay inside this one.
     const ContainerFilling& filling = state.fillings()[container];
-    const NSUInteger start = state.rangeOf(place).location;
+    const bool hasLines = !state.blockOf(place).lines.empty();  // not where nobody has laid it out
+    const NSUInteger start = hasLines ? state.rangeOf(place).location : place.block.unit;
     if (start < filling.start) place = state.lineOf(filling.start);
     const bool holdsEnd = filling.end == state.length() && container + 1 == state.fillings().size();
     if (start >= filling.end && !holdsEnd)

@@ -41,6 +41,19 @@ TEST_F(LayoutManagerAdditions, FindLineFragments) {
               kNone);
 }
 
+TEST_F(LayoutManagerAdditions, FindLineFragmentsOnPagesThatWereNotLaidOut) {
+    for (float offset : {-5.0F, 0.0F, 500.0F}) {
+        LaidOutText text(u"one two three four five\nsix\fseven"_ns, plain(),
+                         {{40, 30}, {40, 200}, {40, 200}});
+        const auto lineBelow = [&](std::size_t page) {
+            return glyphRangeForLineFragmentBelowVerticalOffset_inTextContainer(text.layoutManager, offset,
+                                                                                text.containers[page]);
+        };
+        EXPECT_EQ(lineBelow(0), offset < 500 ? (NSRange{0, 4}) : kNone) << offset;
+        EXPECT_EQ(lineBelow(2), offset < 500 ? (NSRange{28, 5}) : kNone) << offset;
+    }
+}
+
 TEST_F(LayoutManagerAdditions, JoinTheFragmentsOfALine) {
     LaidOutText text(u"one two three four five six"_ns, plain(), {{200, 1.0e7F}});
     text.containers[0]->setExclusionRects(NSArray::of({NSValue::valueWithRect({{60, 0}, {60, 10}})}));

@@ -40,11 +40,13 @@ TEST_F(NSTextStorageAdditionsTest, ParagraphsAreThoseOfTheString) {
     EXPECT_EQ(paragraphContentRangeForRange(storage, {5, 0}), NSMakeRange(4, 3));
     EXPECT_EQ(paragraphContentRangeForRange(storage, {9, 2}), NSMakeRange(9, 5));
     EXPECT_EQ(send<NSRange>(storage.get(), "paragraphRangeForRange:"_sel, NSRange{5, 0}), NSMakeRange(4, 5));
+    EXPECT_EQ(RAISED(paragraphRangeForRange(storage, {9, 6})),
+              "NSRangeException: range: {9, 6} must be in range: {0, 14}");
 }
 
 TEST_F(NSTextStorageAdditionsTest, TypedTextTakesTheAttributesBeforeIt) {
     auto storage = storageOf("");
-    EXPECT_EQ(typingAttributesAtIndex(storage, 0), nullptr);
+    for (NSUInteger index : {0u, 5u}) EXPECT_EQ(typingAttributesAtIndex(storage, index), nullptr);
     EXPECT_EQ(attributesForRange(storage, {0, 0}), nullptr);
     EXPECT_EQ(effectiveWritingDirectionForRange(storage, {0, 0}), NSWritingDirectionLeftToRight);
     storage->mutableString()->setString(u"abc"_ns);
@@ -52,7 +54,7 @@ TEST_F(NSTextStorageAdditionsTest, TypedTextTakesTheAttributesBeforeIt) {
     storage->addAttribute_value_range(PBLanguageAttributeName, u"fr"_ns, {1, 2});
     EXPECT_EQ(typingAttributesAtIndex(storage, 0), typingAttributesAtIndex(storage, 1));
     EXPECT_EQ(typingAttributesForDeletedRange(storage, {1, 2}), typingAttributesAtIndex(storage, 3));
-    EXPECT_EQ(shown(languageAttributeForRange(storage, {1, 0}), languageAttributeForRange(storage, {1, 1})),
+    EXPECT_EQ(shown(languageAttributeForRange(storage, {1, 0}), languageAttributeForRange(storage, {1, 9})),
               "en fr");
 }
 

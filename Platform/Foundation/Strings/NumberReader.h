@@ -23,9 +23,6 @@ class NumberReader {
 
     std::size_t place() const { return _place; }
     unichar peek() const { return _place < _text.size() ? _text[_place] : u'\0'; }
-    void skipSpace() {
-        while (peek() == u' ' || (peek() >= u'\t' && peek() <= u'\r') || peek() == 0xA0) ++_place;
-    }
 
     /// A decimal integer with its sign; the nearest number of the type if the integer is too large.
     template <std::signed_integral T>

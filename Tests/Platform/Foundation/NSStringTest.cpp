@@ -127,7 +127,8 @@ TEST(NSStringTest, CaseNeedsNoLanguageAndMayChangeTheLengthAsNormalFormsMay) {
 
 TEST(NSStringTest, NumbersAndTruthAreReadFromTheStart) {
     expectAll({"42 -> 42", " \t\n-17 apples -> -17", "+5 -> 5", " -> 0", "x1 -> 0", "- 1 -> 0", "1e3 -> 1",
-               "1,000 -> 1", "٣ -> 0", "2147483648 -> 2147483647", "-99999999999999999999 -> -2147483648"},
+               "1,000 -> 1", "٣ -> 0", "\u3000\u00857 -> 7", "2147483648 -> 2147483647",
+               "-99999999999999999999 -> -2147483648"},
               [](const std::string& text) { return NSString::ofUTF8(text)->intValue(); });
     expectAll({"-9223372036854775808 -> -9223372036854775808", "9223372036854775807 -> 9223372036854775807"},
               [](const std::string& text) { return NSString::ofUTF8(text)->longLongValue(); });
