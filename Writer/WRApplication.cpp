@@ -34,6 +34,7 @@
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
 #include "Writer/TextEdit.h"
+#include "Writer/WRAbout.h"
 #include "Writer/WRArguments.h"
 #include "Writer/WRDocumentCounter.h"
 #include "Writer/WRDocumentOpener.h"
@@ -129,6 +130,7 @@ int WRApplication::run() {
         print(namesOfAllEncodings());
         return 0;
     }
+    if (_arguments->hasOption(u"--about"_ns)) return printAbout();
     startUp();
     if (!_arguments->hasOption(u"--list"_ns) && openDocument()) {
         changeText();
@@ -141,6 +143,15 @@ int WRApplication::run() {
     markMoment("end");
     if (_arguments->hasOption(u"--timing"_ns)) print(NSString::ofUTF8(_timing));
     return !_hasFailed && std::fflush(stdout) == 0 ? 0 : 1;
+}
+
+int WRApplication::printAbout() {
+    NSString* text = make<WRAbout>()->text();
+    if (text)
+        print(text->stringByAppendingString(u"\n"_ns));
+    else
+        complain(localized(u"_The interface file \"About\" is missing or damaged."_ns));
+    return text && std::fflush(stdout) == 0 ? 0 : 1;
 }
 
 // MARK: Stages

@@ -64,6 +64,7 @@ class WRApplication : public NSObject {
     ~WRApplication();
 
   private:
+    int printAbout();
     void startUp();
     bool openDocument();
     void changeText();

@@ -2,6 +2,8 @@
 #include "Writer/WriterLibrary.h"
 
 #include "BaseLibrary.h"
+#include "Writer/WRAbout.h"
+#include "Writer/WRAboutLine.h"
 #include "Writer/WRApplication.h"
 #include "Writer/WRArguments.h"
 #include "Writer/WRBoundaryScanner.h"
@@ -24,11 +26,12 @@ constexpr Library* kDependencies[] = {&baseLibrary};
 
 // Alphabetical; a superclass is registered before its subclasses wherever it stands.
 constexpr Class* kClasses[] = {
-    &WRApplication::classRecord,   &WRArguments::classRecord,       &WRBoundaryScanner::classRecord,
-    &WRDocument::classRecord,      &WRDocumentCounter::classRecord, &WRDocumentOpener::classRecord,
-    &WRDocumentSaver::classRecord, &WRFileSentry::classRecord,      &WRLanguage::classRecord,
-    &WRMainLoop::classRecord,      &WRPlugInLoader::classRecord,    &WRProfileListing::classRecord,
-    &WRProgressLine::classRecord,  &WRReport::classRecord,
+    &WRAbout::classRecord,           &WRAboutLine::classRecord,       &WRApplication::classRecord,
+    &WRArguments::classRecord,       &WRBoundaryScanner::classRecord, &WRDocument::classRecord,
+    &WRDocumentCounter::classRecord, &WRDocumentOpener::classRecord,  &WRDocumentSaver::classRecord,
+    &WRFileSentry::classRecord,      &WRLanguage::classRecord,        &WRMainLoop::classRecord,
+    &WRPlugInLoader::classRecord,    &WRProfileListing::classRecord,  &WRProgressLine::classRecord,
+    &WRReport::classRecord,
 };
 
 }  // namespace

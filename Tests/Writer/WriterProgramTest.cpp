@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <regex>
 
 #include "Prelude.h"
 #include "Sanitizers.h"
@@ -62,6 +63,29 @@ TEST_F(WriterProgramTest, SpeaksTheLanguageOfTheUser) {
         program.locale = locale;
         EXPECT_TRUE(program.run({"--list"}).prints("Document readers: ")) << locale;
     }
+}
+
+TEST_F(WriterProgramTest, TellsAboutItself) {
+    const std::tuple<const char*, const char*, const char*> rows[] = {
+        {"en_GB.UTF-8", "A small word processor\nVersion: PelvorWriter [0-9.]+\n",
+         "Built on: [0-9]{1,2} [A-Z][a-z]+ 20[0-9]{2}\nPlug-ins: HexDump, .*PlainText.*\n"},
+        {"fr_FR.UTF-8", "Un petit traitement de texte\nVersion : PelvorWriter [0-9.]+\n",
+         "Construit le : [0-9]{2}/[0-9]{2}/20[0-9]{2}\nModules : HexDump, .*\n"},
+        {"de_DE.UTF-8", "Eine kleine Textverarbeitung\nVersion: PelvorWriter [0-9.]+\n",
+         "Gebaut am: [0-9]{1,2}\\.[0-9]{1,2}\\.20[0-9]{2}\nModule: HexDump, .*\n"},
+    };
+    for (const auto& [locale, first, last] : rows) {
+        program.locale = locale;
+        const WriterRun run = program.run({"--about"});
+        EXPECT_EQ(shown(run.status, run.errors), "0 ");
+        EXPECT_TRUE(std::regex_match(run.output, std::regex(first + std::string(last)))) << run.output;
+    }
+    program.locale = "en_GB.UTF-8";
+    const std::string plugIns = program.useCopy();
+    std::filesystem::resize_file(plugIns + "/../Resources/About.nib", 100);
+    const WriterRun run = program.run({"--about"});
+    EXPECT_EQ(shown(run.status, run.output), "1 ");
+    EXPECT_THAT(run.errors, HasSubstr("The interface file “About” is missing or damaged."));
 }
 
 TEST_F(WriterProgramTest, KeepsTheFormatsOfRichText) {
