@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // Writes a moment in a format and reads a text by it. The input is a moment, a format, a text, and names of a
 // locale, with zeros between. What is written is compared with what the standard library writes.
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <ctime>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSCalendarDate.h"

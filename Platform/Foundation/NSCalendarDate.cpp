@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <string>
 
 #include "Foundation/Dates/CalendarFormat.h"
 #include "Foundation/FoundationLibrary.h"

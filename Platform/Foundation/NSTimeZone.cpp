@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <mutex>
+#include <string>
 
 #include "Foundation/Dates/OffsetText.h"
 #include "Foundation/FoundationLibrary.h"

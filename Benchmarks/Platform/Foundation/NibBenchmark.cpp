@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSArray.h"

@@ -2,6 +2,8 @@
 #include "Foundation/Dates/CalendarFormat.h"
 
 #include <algorithm>
+#include <iterator>
+#include <string>
 
 #include "Foundation/Dates/LocaleNames.h"
 #include "Foundation/Dates/OffsetText.h"

@@ -6,7 +6,9 @@
 #include <cstring>
 #include <limits>
 #include <optional>
+#include <string>
 #include <type_traits>
+#include <utility>
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSNumber.h"

@@ -2,6 +2,8 @@
 // InterfaceBuilder: makes the objects of an interface file; for Foundation's own sources.
 #pragma once
 
+#include <cstddef>
+
 #include "Foundation/Nibs/InterfaceFile.h"
 
 namespace pelvor {
