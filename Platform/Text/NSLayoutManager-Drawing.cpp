@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // Drawing of laid-out text.
 #include <algorithm>
+#include <exception>
+#include <optional>
 
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSNumber.h"
 #include "Runtime/Message.h"
 #include "Shared/ArgumentChecks.h"
+#include "Text/Drawing/Canvas.h"
 #include "Text/Drawing/GlyphDrawing.h"
 #include "Text/Layout/LayoutState.h"
 #include "Text/NSColor.h"
@@ -63,9 +66,9 @@ class LineDrawing {
         if (const std::size_t index = state.containerOf(_blockUnit + line.start);
             index < state.containers.size())
             view = state.containers[index]->textView();
-        const bool isClipped = line.isCut && line.textWidth >= 0;
-        if (isClipped) {
-            _context->saveGraphicsState();
+        std::optional<SavedState> unclipped;
+        if (line.isCut && line.textWidth >= 0) {
+            unclipped.emplace(_context->canvas());
             _context->clipToRect(
                 {{_left, origin.y + rect.origin.y}, {pointsOf(line.textWidth), rect.size.height}});
         }
@@ -77,13 +80,18 @@ class LineDrawing {
         for (const LineRun& run : glyphs.runs())
             if (run.kind == TextRun::Kind::attachment && isWanted(run)) pictures.push_back(pictureOf(run));
         for (const Picture& picture : pictures) drawPicture(picture, view);
-        if (isClipped) _context->restoreGraphicsState();
+    }
+    /// Raises what a cell raised first.
+    void finish() {
+        if (_failure) std::rethrow_exception(_failure);
     }
 
   private:
     bool isWanted(const LineRun& run) const {
-        const NSUInteger start = _blockUnit + run.start;
-        return start < NSMaxRange(_range) && _blockUnit + std::max(run.end, run.start + 1) > _range.location;
+        // A sign belongs to the unit before it, the last one of a line that ends with a hyphen.
+        const std::uint32_t start = run.isSign && run.start > 0 ? run.start - 1 : run.start;
+        const std::uint32_t end = std::max(run.end, start + 1);
+        return _blockUnit + start < NSMaxRange(_range) && _blockUnit + end > _range.location;
     }
     float baselineOf(const LineRun& run) const { return _baseline - pointsOf(run.style->shift); }
 
@@ -155,8 +163,13 @@ class LineDrawing {
     }
     void drawPicture(const Picture& picture, id view) {
         const SEL draw = "drawWithFrame:inView:characterIndex:layoutManager:"_sel;
-        if (picture.cell && picture.cell->respondsToSelector(draw))
+        if (!picture.cell || !picture.cell->respondsToSelector(draw)) return;
+        const SavedState state(_context->canvas());
+        try {
             send(picture.cell.get(), draw, picture.frame, view, picture.index, _layoutManager);
+        } catch (...) {
+            if (!_failure) _failure = std::current_exception();
+        }
     }
 
     NSLayoutManager* _layoutManager;
@@ -164,6 +177,7 @@ class LineDrawing {
     NSRange _range;
     NSUInteger _blockUnit = 0;
     float _left = 0, _baseline = 0;
+    std::exception_ptr _failure;
 };
 
 }  // namespace
@@ -192,6 +206,7 @@ void NSLayoutManager::drawGlyphsForGlyphRange_atPoint(NSRange range, NSPoint ori
     if (!context) return;
     LineDrawing drawing(this, context, range);
     _state->eachLine(range, [&](const LinePlace& place, NSRange) { drawing.draw(*_state, place, origin); });
+    drawing.finish();
 }
 
 }  // namespace pelvor

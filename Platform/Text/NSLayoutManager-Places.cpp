@@ -77,6 +77,29 @@ Hit nearestGlyph(LayoutState& state, const LinePlace& place, float pointX) {
     return {place.block.unit + nearest->start, fraction};
 }
 
+// The character that covers x, by its unit in the block. Characters part a piece at the carets in it; the
+// piece that follows in the text may stand elsewhere.
+std::optional<Hit> characterAt(std::span<const GlyphPiece> pieces,
+                               const std::vector<LineGlyphs::Caret>& carets, Extent x) {
+    const auto hit = [&](NSUInteger unit, Extent from, Extent to) -> std::optional<Hit> {
+        if (x < std::min(from, to) || x >= std::max(from, to)) return std::nullopt;
+        return Hit{unit, static_cast<float>(x - from) / static_cast<float>(to - from)};
+    };
+    auto caret = carets.begin();
+    NSUInteger unit = caret->unit;
+    for (const GlyphPiece& piece : pieces) {
+        const Extent right = piece.left + piece.width;
+        Extent from = piece.isRightToLeft ? right : piece.left;
+        for (; caret != carets.end() && caret->unit < piece.end; ++caret) {
+            if (const auto found = hit(unit, from, caret->place)) return found;
+            unit = caret->unit;
+            from = caret->place;
+        }
+        if (const auto found = hit(unit, from, piece.isRightToLeft ? piece.left : right)) return found;
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 // MARK: Points
@@ -104,16 +127,14 @@ NSUInteger NSLayoutManager::characterIndexForPoint_inTextContainer_fractionOfDis
     findFragment(*_state, point.x, place);
     const Extent x = extentOf(static_cast<double>(point.x)) - _state->at(place).textLeft;
     const auto& carets = _state->glyphsOf(place).carets(_state->tools.boundaries);
-    // The character between whose carets the point lies, or the one with the nearest caret.
-    std::size_t nearest = 0;
-    for (std::size_t i = 0; i + 1 < carets.size(); ++i) {
-        const Extent from = carets[i].place, to = carets[i + 1].place;
-        if (from != to && x >= std::min(from, to) && x < std::max(from, to)) {
-            if (fraction) *fraction = static_cast<float>(x - from) / static_cast<float>(to - from);
-            return place.block.unit + carets[i].unit;
-        }
-        if (std::abs(carets[i + 1].place - x) < std::abs(carets[nearest].place - x)) nearest = i + 1;
+    // The character that the point is in, or the one with the nearest caret.
+    if (const auto hit = characterAt(_state->glyphsOf(place).pieces(), carets, x)) {
+        if (fraction) *fraction = hit->fraction;
+        return place.block.unit + hit->unit;
     }
+    std::size_t nearest = 0;
+    for (std::size_t i = 1; i < carets.size(); ++i)
+        if (std::abs(carets[i].place - x) < std::abs(carets[nearest].place - x)) nearest = i;
     const bool endsText =
         NSMaxRange(_state->rangeOf(place)) == _state->length() && !_state->at(place).endsHard;
     // Behind a line's end nothing can be inserted but what belongs to the next line.

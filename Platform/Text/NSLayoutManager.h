@@ -209,7 +209,9 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     // origin.
 
     void drawBackgroundForGlyphRange_atPoint(NSRange range, NSPoint origin);
-    /// Text with its underlines and strikethroughs, and attachments by their cells.
+    /// Text with its underlines and strikethroughs, and attachments by their cells. Each cell finds the
+    /// context's state as the caller left it, but for the colour. What a cell raises reaches the caller when
+    /// all else is drawn; of several exceptions the first.
     void drawGlyphsForGlyphRange_atPoint(NSRange range, NSPoint origin);
 
     // C++ only

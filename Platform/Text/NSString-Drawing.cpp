@@ -5,6 +5,7 @@
 
 #include "Runtime/Registry.h"
 #include "Shared/ArgumentChecks.h"
+#include "Text/Drawing/Canvas.h"
 #include "Text/NSGraphicsContext.h"
 #include "Text/NSLayoutManager.h"
 #include "Text/NSTextContainer.h"
@@ -111,10 +112,9 @@ void drawInRect_withAttributes(NSString* string, NSRect rect, NSDictionary* attr
     requireArgument(string, "drawInRect:withAttributes:", "the string");
     NSGraphicsContext* context = NSGraphicsContext::currentContext();
     if (!context) return;
-    context->saveGraphicsState();
+    const SavedState unclipped(context->canvas());
     context->clipToRect(rect);
     drawLaidOut(string, rect.origin, rect.size, attributes);
-    context->restoreGraphicsState();
 }
 
 }  // namespace pelvor

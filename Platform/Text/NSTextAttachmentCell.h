@@ -40,7 +40,8 @@ class PELVOR_EXPORT NSTextAttachmentCell : public NSObject {
     virtual NSRect cellFrameForTextContainer_proposedLineFragment_glyphPosition_characterIndex(
         NSTextContainer* container, NSRect lineFragment, NSPoint position, NSUInteger characterIndex);
     /// Draws into the current graphics context. The frame is in the context's coordinates, y downwards, and
-    /// its size is that of the operation above. The view is that of the container, or null.
+    /// its size is that of the operation above. What this changes of the context's state is restored
+    /// afterwards. The view is that of the container, or null.
     virtual void drawWithFrame_inView_characterIndex_layoutManager(NSRect frame, id view,
                                                                    NSUInteger characterIndex,
                                                                    NSLayoutManager* layoutManager);

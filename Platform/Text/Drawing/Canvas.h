@@ -27,6 +27,7 @@ class Canvas {
 
     void save();
     void restore();
+    unsigned savedStates() const { return _savedStates; }
 
     /// Ends the drawing. Returns what went wrong, "" if nothing did; the bytes are then complete.
     const std::string& finish();
@@ -45,6 +46,22 @@ class Canvas {
     unsigned _savedStates = 0;  // on this page
     std::string _failure;
     std::string _bytes;
+};
+
+/// Saves the state for as long as the object lives, then restores it, with all states that were saved
+/// meanwhile.
+class SavedState {
+  public:
+    explicit SavedState(Canvas& canvas) : _canvas(canvas), _before(canvas.savedStates()) { canvas.save(); }
+    ~SavedState() {
+        while (_canvas.page() && _canvas.savedStates() > _before) _canvas.restore();
+    }
+    SavedState(const SavedState&) = delete;
+    SavedState& operator=(const SavedState&) = delete;
+
+  private:
+    Canvas& _canvas;
+    unsigned _before;
 };
 
 }  // namespace pelvor

@@ -50,6 +50,18 @@ TEST_F(LayoutDrawing, DrawsTheGlyphsOfTheRange) {
     EXPECT_TRUE(whole->isEqual(drawn([] { drawAtPoint_withAttributes(u"ab cd"_ns, {5, 5}, plain()); })));
 }
 
+TEST_F(LayoutDrawing, DrawsTheHyphenWithItsLine) {
+    LaidOutText text(u"aaaa\u00ADbbbb"_ns, plain(), {{50, 1.0e7F}});
+    const auto firstLine = [&](NSRange range) {
+        return drawn([&] {
+            NSGraphicsContext::currentContext()->clipToRect(text.lineRect(0));
+            text.layoutManager->drawGlyphsForGlyphRange_atPoint(range, {0, 0});
+        });
+    };
+    EXPECT_TRUE(firstLine(text.lineRange(0))->isEqual(firstLine({0, 9})));
+    EXPECT_FALSE(firstLine({0, 4})->isEqual(firstLine({0, 9}))) << "without the hyphen";
+}
+
 TEST_F(LayoutDrawing, DrawsLinesAndColours) {
     NSData* before = drawnText(u"ab"_ns, plain(), {0, 2});
     std::set<std::string> pictures;
@@ -83,8 +95,13 @@ class NotingCell final : public NSTextAttachmentCell {
         // What is drawn may ask the layout about other lines.
         for (NSUInteger unit = 0; unit < layoutManager->numberOfGlyphs(); ++unit)
             layoutManager->locationForGlyphAtIndex(unit);
+        if (!fails) return;
+        NSGraphicsContext::currentContext()->saveGraphicsState();
+        NSGraphicsContext::currentContext()->translateXBy_yBy(9, 9);
+        throw NSException(NSGenericException, "cell " + std::to_string(index));
     }
     std::string notes;
+    bool fails = false;
 };
 PELVOR_DEFINE_CLASS(NotingCell, notingCellLibrary) {}
 constexpr Library* kDependencies[] = {&textLibrary};
@@ -106,6 +123,24 @@ TEST_F(LayoutDrawing, HasCellsDrawAttachments) {
     };
     EXPECT_EQ(cell->notes, frame(0) + frame(2));
     EXPECT_EQ(text.x(1), 20);
+}
+
+TEST_F(LayoutDrawing, DrawsOnAfterACellThatFails) {
+    const auto drawnWith = [](bool fails) {
+        LaidOutText text(u"\uFFFC\uFFFCa\nb"_ns, plain());
+        auto attachment = NSTextAttachment::init();
+        auto cell = make<NotingCell>();
+        cell->fails = fails;
+        attachment->setAttachmentCell(cell);
+        text.storage->addAttribute_value_range(NSAttachmentAttributeName, attachment, {0, 2});
+        return drawn([&] {
+            EXPECT_EQ(RAISED(text.layoutManager->drawGlyphsForGlyphRange_atPoint({0, 5}, {5, 5})),
+                      fails ? "NSGenericException: cell 0" : "");
+            NSGraphicsContext::currentContext()->fillRect({{100, 0}, {5, 5}});
+        });
+    };
+    EXPECT_TRUE(drawnWith(true)->isEqual(drawnWith(false)))
+        << "the rest of the line, the next line, and what the caller draws";
 }
 
 TEST_F(LayoutDrawing, MeasuresStrings) {

@@ -293,10 +293,17 @@ TEST_F(NSLayoutManagerTest, FindsTextAtPoints) {
     EXPECT_EQ(at(text.x(6) - 1, y), "5 behind");
     EXPECT_EQ(at(text.x(9) + 1, y), "9 behind") << "from right to left";
     EXPECT_EQ(at(1000, 1000), "8 before");
-    EXPECT_EQ(layout->characterIndexForPoint_inTextContainer_fractionOfDistanceBetweenInsertionPoints(
-                  {200, 3}, container, nullptr),
-              3u)
-        << "before the line's end";
+    const auto characterAt = [&](float x, float height) {
+        float fraction = 0;
+        const NSUInteger character =
+            layout->characterIndexForPoint_inTextContainer_fractionOfDistanceBetweenInsertionPoints(
+                {x, height}, container, &fraction);
+        return shown(character, fraction > 0.5F ? "behind" : "before");
+    };
+    EXPECT_EQ(characterAt(200, 3), "3 before") << "before the line's end";
+    EXPECT_EQ(characterAt(text.x(7) + 1, y), "7 before");
+    EXPECT_EQ(characterAt(text.x(9) + 1, y), "9 behind") << "from right to left, inside the line";
+    EXPECT_EQ(characterAt(text.x(8) + 1, y), "8 behind");
 }
 
 TEST_F(NSLayoutManagerTest, CoversSelectionsWithRectangles) {
