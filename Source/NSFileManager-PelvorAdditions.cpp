@@ -58,6 +58,10 @@ NSString* stringOf(const std::string& bytes) {
         bytes.data(), static_cast<NSUInteger>(bytes.size()));
 }
 
+NameParts partsOf(NSString* name) {
+    return {bytesOf(name->stringByDeletingPathExtension()), bytesOf(name->pathExtension())};
+}
+
 // Whether there is an entry, which may be a link to nowhere.
 bool isThere(NSString* path) {
     std::error_code error;
@@ -118,10 +122,7 @@ NSString* uniqueFileName_withSuffix_inFolder(NSFileManager* manager, NSString* f
     requireManager(manager, "uniqueFileName:withSuffix:inFolder:");
     const std::string place = bytesOf(folder);
     if (bytesOf(fileName).empty() || place.empty() || !suffix) return nullptr;
-    TakenNames taken(place);
-    const auto name =
-        uniqueName(bytesOf(fileName->stringByDeletingPathExtension()), bytesOf(fileName->pathExtension()),
-                   suffix, [&](const std::string& candidate) { return taken.contains(candidate); });
+    const auto name = uniqueName(place, partsOf(fileName), suffix);
     return name ? stringOf(*name) : nullptr;
 }
 
@@ -198,30 +199,23 @@ int resultOf(bool isDone, NSFileManager* manager, NSString* source, NSString* de
 // behind it.
 constexpr std::size_t kLongestTrashName = 255 - sizeof(".trashinfo") - sizeof("-99999") - 1;
 
-struct NameParts {
-    std::string base, extension;
-};
-
 // The parts of the file's name, of which the base is shortened until the trash can keep it.
 NameParts nameForTrash(NSString* path) {
-    NSString* name = path->lastPathComponent();
-    NSString* base = name->stringByDeletingPathExtension();
-    std::string extension = bytesOf(name->pathExtension());
-    if (extension.size() > kLongestTrashName / 2) extension.clear();
-    while (bytesOf(base).size() + extension.size() > kLongestTrashName)
+    NameParts parts = partsOf(path->lastPathComponent());
+    if (parts.extension.size() > kLongestTrashName / 2) parts.extension.clear();
+    NSString* base = stringOf(parts.base);
+    while (bytesOf(base).size() + parts.extension.size() > kLongestTrashName)
         base = base->substringToIndex(
             base->rangeOfComposedCharacterSequenceAtIndex(base->length() - 1).location);
-    return {bytesOf(base), extension};
+    return {bytesOf(base), parts.extension};
 }
 
 // The name under which the file was thrown away; no value, with 0 in `errno` where no name is free.
 std::optional<std::string> putIntoTrash(const DesktopTrash& trash, const std::string& source,
                                         const NameParts& parts) {
     for (;;) {
-        TakenNames taken(trash.files());
-        auto name = uniqueName(parts.base, parts.extension, u"-%d"_ns, [&](const std::string& candidate) {
-            return taken.contains(candidate) || trash.hasName(candidate);
-        });
+        auto name = uniqueName(trash.files(), parts, u"-%d"_ns,
+                               [&](const std::string& candidate) { return trash.hasName(candidate); });
         errno = 0;
         if (!name || trash.put(source, *name)) return name;
         // Another program may have taken the name meanwhile.

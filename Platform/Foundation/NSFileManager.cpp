@@ -129,6 +129,13 @@ NSArray* NSFileManager::directoryContentsAtPath(NSString* path) {
     return contents;
 }
 
+bool NSFileManager::visitNamesInDirectory(const std::string& path,
+                                          const std::function<void(std::string_view)>& visit) {
+    if (!isSystemPath(path)) return false;
+    Descriptor folder = openedAt(AT_FDCWD, path.c_str(), O_RDONLY | O_DIRECTORY);
+    return folder && visitNames(folder, visit);
+}
+
 NSArray* NSFileManager::subpathsAtPath(NSString* path) {
     const std::string name = systemPath(path);
     if (!isSystemPath(name)) return nullptr;

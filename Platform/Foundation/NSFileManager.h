@@ -2,6 +2,8 @@
 // NSFileManager: what files and folders there are, and making, copying, moving and removing them.
 #pragma once
 
+#include <functional>
+
 #include "Foundation/NSString.h"
 #include "Runtime/Class.h"
 
@@ -132,6 +134,8 @@ class PELVOR_EXPORT NSFileManager : public NSObject {
     // C++ only
     /// Copies the content of a file for the user alone: nobody else may ever read the copy. No handler.
     bool copyFile_toPrivateFile(NSString* source, NSString* destination);
+    /// Hands over the names in the folder as the system's bytes, in the order in which the system has them.
+    bool visitNamesInDirectory(const std::string& path, const std::function<void(std::string_view)>& visit);
     /// Whether the entry is a regular file, no link, that belongs to the user of the process.
     bool isOwnFileAtPath(NSString* path);
 

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Private/UniqueNames.h"
 
+#include <charconv>
 #include <filesystem>
+#include <string_view>
+#include <vector>
 
-#include "Foundation/NSString.h"
+#include "Foundation/NSFileManager.h"
 #include "Runtime/AutoreleasePool.h"
 
 namespace pelvor {
@@ -17,63 +20,79 @@ constexpr int kLastNumber = 99'997;
 // So many questions cost less than a list of the folder.
 constexpr int kSingleQuestions = 16;
 
-std::string formatted(NSString* format, int number) {
-    AutoreleasePool pool;
-    return NSString::stringWithFormat(format, number)->toUTF8();
-}
-
-// A format with an integer in it. Most formats have "%d", whose texts need no formatter.
-class NumberedSuffix {
+// The names with numbers: what stands before a number and behind it, if the format has "%d".
+class NumberedNames {
   public:
-    explicit NumberedSuffix(NSString* format) : _format(format) {
-        const std::string sample = formatted(format, kLastNumber), digits = std::to_string(kLastNumber);
+    NumberedNames(std::string base, NSString* format, std::string end)
+        : _base(std::move(base)), _format(format), _end(std::move(end)) {
+        const std::string sample = suffix(kLastNumber), digits = std::to_string(kLastNumber);
         const std::size_t place = sample.find(digits);
         if (place == sample.npos) return;
-        _front = sample.substr(0, place);
-        _back = sample.substr(place + digits.size());
-        _isPlain = formatted(format, 7) == plain(7) && formatted(format, 1234) == plain(1234);
+        _front = _base + sample.substr(0, place);
+        _back = sample.substr(place + digits.size()) + _end;
+        _isPlain = formatted(7) == plain(7) && formatted(1234) == plain(1234);
     }
 
-    std::string with(int number) const { return _isPlain ? plain(number) : formatted(_format, number); }
+    std::string operator[](int number) const { return _isPlain ? plain(number) : formatted(number); }
+
+    // Which numbers are in the names of a folder, as far as a list tells; of other formats none.
+    std::vector<bool> numbersIn(const std::string& folder) const {
+        std::vector<bool> numbers(kLastNumber + 1);
+        if (!_isPlain || _front.find('/') != _front.npos) return numbers;
+        NSFileManager::defaultManager()->visitNamesInDirectory(folder, [&](std::string_view name) {
+            const int number = numberIn(name);
+            if (number >= 0 && number <= kLastNumber) numbers[static_cast<std::size_t>(number)] = true;
+        });
+        return numbers;
+    }
 
   private:
+    std::string suffix(int number) const {
+        AutoreleasePool pool;
+        return NSString::stringWithFormat(_format, number)->toUTF8();
+    }
+    std::string formatted(int number) const { return _base + suffix(number) + _end; }
     std::string plain(int number) const { return _front + std::to_string(number) + _back; }
 
+    // -1 for another name.
+    int numberIn(std::string_view name) const {
+        if (!name.starts_with(_front) || !name.ends_with(_back) ||
+            name.size() <= _front.size() + _back.size())
+            return -1;
+        const char* start = name.data() + _front.size();
+        const char* end = name.data() + name.size() - _back.size();
+        int number = -1;
+        const auto [place, error] = std::from_chars(start, end, number);
+        const bool isWritten = error == std::errc() && place == end && (*start != '0' || end == start + 1);
+        return isWritten ? number : -1;
+    }
+
+    std::string _base;
     NSString* _format;
-    std::string _front, _back;
+    std::string _end, _front, _back;
     bool _isPlain = false;
 };
 
+// A link to nowhere has a name, too.
+bool isThere(const std::string& folder, const std::string& name) {
+    std::error_code error;
+    return fs::exists(fs::symlink_status(folder + "/" + name, error));
+}
+
 }  // namespace
 
-bool TakenNames::contains(const std::string& name) {
-    if (++_questions <= kSingleQuestions || name.find('/') != name.npos) return isThere(name);
-    return isListed(name) || isThere(name);
-}
-
-// A link to nowhere has a name, too.
-bool TakenNames::isThere(const std::string& name) const {
-    std::error_code error;
-    return fs::exists(fs::symlink_status(_folder + "/" + name, error));
-}
-
-bool TakenNames::isListed(const std::string& name) {
-    std::error_code error;
-    if (_names.empty())
-        for (fs::directory_iterator entry(_folder, error), end; !error && entry != end;
-             entry.increment(error))
-            _names.insert(entry->path().filename().string());
-    return _names.contains(name);
-}
-
-std::optional<std::string> uniqueName(const std::string& base, const std::string& extension, NSString* suffix,
+std::optional<std::string> uniqueName(const std::string& folder, const NameParts& name, NSString* suffix,
                                       const std::function<bool(const std::string&)>& isTaken) {
-    const std::string end = extension.empty() ? "" : "." + extension;
-    if (!isTaken(base + end)) return base + end;
-    const NumberedSuffix suffixes(suffix);
+    const auto isFree = [&](const std::string& candidate) {
+        return !isThere(folder, candidate) && !(isTaken && isTaken(candidate));
+    };
+    const std::string end = name.extension.empty() ? "" : "." + name.extension;
+    if (isFree(name.base + end)) return name.base + end;
+    const NumberedNames names(name.base, suffix, end);
+    std::vector<bool> listed(kSingleQuestions + 1);
     for (int number = 1; number <= kLastNumber; ++number) {
-        std::string name = base + suffixes.with(number) + end;
-        if (!isTaken(name)) return name;
+        if (number == kSingleQuestions + 1) listed = names.numbersIn(folder);
+        if (!listed[static_cast<std::size_t>(number)] && isFree(names[number])) return names[number];
     }
     return {};
 }

@@ -5,32 +5,23 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <unordered_set>
 
 namespace pelvor {
 
 class NSString;
 
-/// The names in a folder, as the system's bytes. The first questions ask the system; whoever has more is
-/// answered from a list of the folder, and the system is asked about a name that the list lacks.
-class TakenNames {
-  public:
-    explicit TakenNames(std::string folder) : _folder(std::move(folder)) {}
-
-    bool contains(const std::string& name);
-
-  private:
-    bool isThere(const std::string& name) const;
-    bool isListed(const std::string& name);
-
-    std::string _folder;
-    int _questions = 0;
-    std::unordered_set<std::string> _names;
+/// A name as the system's bytes: "Report" and "txt".
+struct NameParts {
+    std::string base, extension;
 };
 
-/// Returns the name if it is free, else the first free one with the suffix, a format with one conversion of
-/// an integer, between base and extension; no value if the numbers up to 99,997 are taken.
-std::optional<std::string> uniqueName(const std::string& base, const std::string& extension, NSString* suffix,
-                                      const std::function<bool(const std::string&)>& isTaken);
+/// Returns the name if nothing in the folder has it, else the first free one with the suffix, a format with
+/// one conversion of an integer, between base and extension; no value if the numbers up to 99,997 are taken.
+/// `isTaken`, if given, may know of further names that are taken.
+///
+/// Where many names are taken and the conversion is "%d", the folder is listed once instead of asking the
+/// system about each name.
+std::optional<std::string> uniqueName(const std::string& folder, const NameParts& name, NSString* suffix,
+                                      const std::function<bool(const std::string&)>& isTaken = {});
 
 }  // namespace pelvor

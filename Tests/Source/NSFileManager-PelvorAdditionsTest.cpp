@@ -77,6 +77,9 @@ TEST_F(FileAdditionsTest, TheLastUniqueNameHasTheNumber99997) {
             close(openat(in, ("x" + std::to_string(number)).c_str(), O_WRONLY | O_CREAT, 0600));
         }
     EXPECT_EQ(unique("x", "%d"), "x99997");
+    folder.write("in/x 0030", "");
+    folder.write("in/x.99997.99997", "");
+    EXPECT_EQ(unique("x.99997.99997", "%d"), "x.999971.99997");
     close(openat(in, "x99997", O_WRONLY | O_CREAT, 0600));
     EXPECT_EQ(unique("x", "%d"), "null");
     EXPECT_EQ(unique("x", "%x"), "xa") << "hexadecimal digits are other names";

@@ -50,18 +50,22 @@ class Remover {
 
 }  // namespace
 
-bool readNames(int folder, std::vector<std::string>& names) {
+bool visitNames(int folder, const std::function<void(std::string_view)>& visit) {
     Descriptor own = openedAt(folder, ".", O_RDONLY | O_DIRECTORY);
     std::unique_ptr<DIR, int (*)(DIR*)> stream(own ? ::fdopendir(own) : nullptr, ::closedir);
     if (!stream) return false;
     own.release();
     for (errno = 0; const dirent* entry = ::readdir(stream.get()); errno = 0) {
         const std::string_view name = entry->d_name;
-        if (name != "." && name != "..") names.emplace_back(name);
+        if (name != "." && name != "..") visit(name);
     }
-    const int reason = errno;
+    return errno == 0;
+}
+
+bool readNames(int folder, std::vector<std::string>& names) {
+    if (!visitNames(folder, [&names](std::string_view name) { names.emplace_back(name); })) return false;
     std::ranges::sort(names);
-    return reason == 0 || failWith(reason);
+    return true;
 }
 
 bool removeTree(const std::string& path, TreeWatcher& watcher) {
