@@ -13,6 +13,10 @@ namespace {
 
 struct PBFileWatcherTest : WatcherTest {
     PBFileWatcherTest() { start(); }
+    ~PBFileWatcherTest() override {
+        watcher = nullptr;
+        awaitEndOfThreads(atFirst);
+    }
     void start() {
         watcher = PBFileWatcher::init();
         watcher->setDelegate(witness);
@@ -62,7 +66,7 @@ TEST_F(PBFileWatcherTest, BearsWhatItsDelegateDoes) {
         if (goesOn) sh("echo >>end"), runUntil([&] { return reports.ends_with("2 end,"); });
         EXPECT_EQ(reports, goesOn ? "2 f,2 end," : "2 f,") << name;
         watcher = nullptr;  // with which its thread ends
-        while (descriptors() > before) loop->performReadyWorkForMode(NSDefaultRunLoopMode);
+        awaitEndOfThreads(before);
     }
     logText("end");  // behind the lines of other threads
     EXPECT_THAT(log.lines, Contains("Error in ZWKQueue watcherThread: on purpose").Times(1));

@@ -82,8 +82,14 @@ struct WatcherTest : ::testing::Test {
         return observer;
     }
 
+    /// The threads of queues end after their owners, and may wait for the main thread.
+    void awaitEndOfThreads(std::ptrdiff_t before) {
+        while (descriptors() > before) loop->performReadyWorkForMode(NSDefaultRunLoopMode);
+    }
+
     AutoreleasePool pool;
     NSRunLoop* loop = NSRunLoop::mainRunLoop();  // with its descriptors
+    const std::ptrdiff_t atFirst = descriptors();
     TemporaryFolder folder;
     Retained<Witness> witness = make<Witness>();
 };

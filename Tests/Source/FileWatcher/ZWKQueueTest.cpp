@@ -15,6 +15,11 @@ namespace {
 
 struct ZWKQueueTest : WatcherTest {
     ZWKQueueTest() { queue->setDelegate(witness); }
+    ~ZWKQueueTest() override {
+        queue->removeAllPathsFromQueue();
+        queue = nullptr;
+        awaitEndOfThreads(atFirst);
+    }
     void watch(const std::string& name) { queue->addPathToQueue_notifyingAbout(path(name), 0x7F); }
 
     // What is reported of the steps, "step | step". While a step is done, the thread of the queue waits for
