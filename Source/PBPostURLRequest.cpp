@@ -57,7 +57,8 @@ Retained<PBPostURLRequest> PBPostURLRequest::initWithURL_cachePolicy_timeoutInte
     NSURL* url, NSURLRequestCachePolicy policy, NSTimeInterval timeout, Class* cls) {
     auto request = cast<PBPostURLRequest>(
         NSMutableURLRequest::initWithURL_cachePolicy_timeoutInterval(url, policy, timeout, cls));
-    request->_pbPostBoundary.set(cast<NSString>(send<id>(cls, "uniquePartBoundary"_sel)));
+    auto* boundary = cast<NSString>(send<id>(cls, "uniquePartBoundary"_sel));
+    request->_pbPostBoundary = (boundary ? boundary : u"(null)"_ns)->copy();
     return request;
 }
 

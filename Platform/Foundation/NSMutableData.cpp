@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -149,7 +150,9 @@ Retained<Object> NSMutableData::copyWithZone(void*) { return NSData::initWithByt
 // MARK: Changing
 
 void NSMutableData::reserve(std::size_t capacity) {
-    _bytes = static_cast<std::byte*>(resizedBlock(_bytes, capacity));
+    void* bytes = std::realloc(_bytes, capacity);
+    if (!bytes) throw std::bad_alloc();
+    _bytes = static_cast<std::byte*>(bytes);
     _capacity = capacity;
 }
 
@@ -178,7 +181,11 @@ void NSMutableData::replace(NSRange range, const void* bytes, NSUInteger count, 
         first = copy.data();
     }
     std::byte* place = makeRoom(range, count, operation);
-    if (count) std::memcpy(place, first, count);
+    // In pieces, since for a large block at once `memcpy` goes around the cache, into which the kernel has
+    // just put the pages that it cleared; that takes twice the time.
+    constexpr NSUInteger kPiece = 128 << 10;
+    for (NSUInteger done = 0; done < count; done += std::min(kPiece, count - done))
+        std::memcpy(place + done, first + done, std::min(kPiece, count - done));
 }
 
 void NSMutableData::setLength(NSUInteger length) {

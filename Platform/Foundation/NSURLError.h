@@ -36,6 +36,9 @@ class PELVOR_EXPORT NSURLError final : public NSObject {
     NSURLErrorCode code() { return _code; }
     /// Returns what went wrong, in English: "Failed to connect to 127.0.0.1 port 9".
     NSString* reason() { return _reason; }
+    /// Returns what went wrong in the user's language: "the server cannot be reached". It is a clause without
+    /// a full stop; behind a colon it can end a message. A reason that is rare is in English.
+    NSString* localizedReason();
     NSString* description() override { return _reason; }
 
   protected:

@@ -14,10 +14,6 @@
 
 namespace pelvor {
 
-/// Changes the size of a block of `malloc`, which may move; raises std::bad_alloc if memory has run out. The
-/// kernel is asked to give a large block large pages, which takes a third of the time.
-void* resizedBlock(void* block, std::size_t size);
-
 /// Bytes in one block of `malloc`, which doubles when it is full and is not cleared beforehand.
 class GrowingBytes {
   public:
@@ -64,7 +60,9 @@ class GrowingBytes {
     void grow(std::size_t count) {
         std::size_t capacity = _capacity < 512 ? 1024 : _capacity * 2;
         if (capacity - _size < count) capacity = _size + count;
-        _bytes = static_cast<char*>(resizedBlock(_bytes, capacity));
+        void* bytes = std::realloc(_bytes, capacity);
+        if (!bytes) throw std::bad_alloc();
+        _bytes = static_cast<char*>(bytes);
         _capacity = capacity;
     }
 

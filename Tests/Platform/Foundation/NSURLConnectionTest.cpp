@@ -296,6 +296,28 @@ TEST(NSURLConnectionTest, RefusesWhatItCannotLoad) {
               "0 1");
 }
 
+// The certificate is right in all but who signed it.
+TEST(NSURLConnectionTest, TrustsNoServerThatVouchesForItself) {
+    AutoreleasePool pool;
+    TemporaryFolder folder;
+    ::setenv("no_proxy", "*", 1);
+    std::FILE* server =
+        ::popen(("python3 " PELVOR_TEST_SOURCES "/secure-server.py " + folder.path("")).c_str(), "re");
+    int port = 0;
+    if (std::fscanf(server, "%d", &port) == 1) {
+        NSURL* url = urlOf("https://127.0.0.1:" + std::to_string(port));
+        EXPECT_EQ(loaded(NSURLRequest::requestWithURL(url)), "-1202");
+    }
+    ::pclose(server);
+    if (!port) GTEST_SKIP() << "openssl is not installed";
+}
+
+TEST(NSURLErrorTest, TellsTheReasonInWords) {
+    auto error = NSURLError::create(NSURLErrorTimedOut, "10.1 s");
+    EXPECT_EQ(shown(error, "/", error->localizedReason()), "10.1 s / the server did not answer in time");
+    EXPECT_EQ(shown(NSURLError::create(NSURLErrorUnknown, "rare")->localizedReason()), "rare");
+}
+
 TEST(NSURLContentsTest, ReadsObjectsFromServersAndFiles) {
     AutoreleasePool pool;
     const std::string list = "{lamp = on;}", array = "(1, 2)";
