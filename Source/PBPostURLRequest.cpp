@@ -1,9 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBPostURLRequest.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <limits>
+#include <vector>
 
 #include "BaseLibrary.h"
 #include "Foundation/NSDictionary.h"
@@ -107,7 +113,84 @@ bool PBPostURLRequest::postContentsOfFile_forKey(NSString* path, NSString* key) 
     return postContentsOfFile_forKey_isEncode(path, key, true);
 }
 
+namespace {
+
+// A regular file that is open, with the size that it had then.
+class OpenFile {
+  public:
+    explicit OpenFile(const std::string& path)
+        : _file(path.find('\0') == path.npos ? ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK) : -1) {
+        struct stat status;
+        _isRegular = _file >= 0 && ::fstat(_file, &status) == 0 && S_ISREG(status.st_mode);
+        if (_isRegular) size = static_cast<std::uint64_t>(status.st_size);
+    }
+    ~OpenFile() {
+        if (_file >= 0) ::close(_file);
+    }
+    OpenFile(const OpenFile&) = delete;
+
+    bool isRegular() const { return _isRegular; }
+    // Whether the file gave as many bytes as there are in the room.
+    bool fill(std::span<std::byte> room) const {
+        while (!room.empty()) {
+            const ssize_t count = ::read(_file, room.data(), room.size());
+            if (count < 0 && errno == EINTR) continue;
+            if (count <= 0) return false;
+            room = room.subspan(static_cast<std::size_t>(count));
+        }
+        return true;
+    }
+    bool isAtEnd() const {
+        char byte;
+        return ::read(_file, &byte, 1) == 0;
+    }
+
+    std::uint64_t size = 0;
+
+  private:
+    int _file;
+    bool _isRegular = false;
+};
+
+std::uint64_t lengthInBody(std::uint64_t size, bool isEncoded) {
+    return isEncoded ? base64LengthInLines(size, kLineLength) : size;
+}
+
+std::uint8_t* writeEncoded(std::span<const std::byte> bytes, std::uint8_t* text) {
+    return writeBase64Lines({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()}, kLineLength,
+                            text);
+}
+
+// Fills the room with the file, in Base64 or as it is. Returns whether the file had just that size.
+bool writeFile(const OpenFile& file, bool isEncoded, std::span<std::byte> room) {
+    if (!isEncoded) return file.fill(room) && file.isAtEnd();
+    std::vector<std::byte> piece(kLineLength / 4 * 3 * 2048);  // of whole lines
+    auto* text = reinterpret_cast<std::uint8_t*>(room.data());
+    for (std::uint64_t left = file.size; left > 0; left -= piece.size()) {
+        piece.resize(static_cast<std::size_t>(std::min<std::uint64_t>(left, piece.size())));
+        if (!file.fill(piece)) return false;
+        text = writeEncoded(piece, text);
+    }
+    return file.isAtEnd();
+}
+
+}  // namespace
+
+// A subclass may have an operation of its own for the data. Otherwise a file goes into the body on the
+// shortest way, if it keeps still.
 bool PBPostURLRequest::postContentsOfFile_forKey_isEncode(NSString* path, NSString* key, bool isEncode) {
+    if (path && _pbPostData && isa() == PBPostURLRequest::classObject()) {
+        OpenFile file(path->toUTF8());
+        const NSUInteger before = _pbPostData->length();
+        if (file.isRegular() && beginFile(path, key, isEncode, lengthInBody(file.size, isEncode))) {
+            const auto length = static_cast<NSUInteger>(lengthInBody(file.size, isEncode));
+            if (writeFile(file, isEncode, {_pbPostData->extend(length), length})) {
+                endPostPart();
+                return true;
+            }
+            _pbPostData->setLength(before);
+        }
+    }
     auto data = NSData::initWithContentsOfFile(path);
     return data && postData_asFile_forKey_isEncode(data, path, key, isEncode);
 }
@@ -116,29 +199,34 @@ bool PBPostURLRequest::postData_asFile_forKey_isEncode(NSData* data, NSString* f
                                                        bool isEncode) {
     if (isEncode && !data) return false;
     if (!_pbPostData) return true;
+    std::span<const std::byte> bytes = data ? data->span() : std::span<const std::byte>();
+    const std::uint64_t length = lengthInBody(bytes.size(), isEncode);
+    if (!beginFile(file, key, isEncode, length)) return false;
+    if (isEncode)
+        writeEncoded(bytes,
+                     reinterpret_cast<std::uint8_t*>(_pbPostData->extend(static_cast<NSUInteger>(length))));
+    else
+        _pbPostData->appendData(data);
+    endPostPart();
+    return true;
+}
+
+// Begins the part of a file that takes `length` bytes. Adds nothing and returns false if the body would be
+// too long.
+bool PBPostURLRequest::beginFile(NSString* file, NSString* key, bool isEncode, std::uint64_t length) {
     NSString* name =
         file ? stringByLossyConversionToEncoding(file->lastPathComponent(), NSASCIIStringEncoding) : nullptr;
     NSString* head = NSString::stringWithFormat(
         u"Content-Disposition: form-data; name=\"%@\"; filename=\"%@\"\n%@"
         "Content-Type: application/octet-stream\n\n"_ns,
         key, name, isEncode ? u"Content-Transfer-Encoding: base64\n"_ns : u""_ns);
-    const std::size_t size = data ? data->length() : 0;
-    const std::uint64_t written = isEncode ? base64LengthInLines(size, kLineLength) : size;
     const std::uint64_t framing = 3 * (std::uint64_t{head->length()} + _pbPostBoundary->length() + 4);
-    if (_pbPostData->length() + written + framing > std::numeric_limits<NSUInteger>::max()) {
+    if (_pbPostData->length() + length + framing > std::numeric_limits<NSUInteger>::max()) {
         errno = EFBIG;
         return false;
     }
     beginPostPart();
     appendText(head);
-    // The text goes straight into the body, which is what a large file is about.
-    if (isEncode)
-        writeBase64Lines(
-            {static_cast<const std::uint8_t*>(data->bytes()), size}, kLineLength,
-            reinterpret_cast<std::uint8_t*>(_pbPostData->extend(static_cast<NSUInteger>(written))));
-    else
-        _pbPostData->appendData(data);
-    endPostPart();
     return true;
 }
 

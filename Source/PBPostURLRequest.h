@@ -86,6 +86,7 @@ class PELVOR_EXPORT PBPostURLRequest : public NSMutableURLRequest {
 
   private:
     void appendText(NSString* text);
+    bool beginFile(NSString* file, NSString* key, bool isEncode, std::uint64_t length);
 
     Retained<NSMutableData> _pbPostData;
     Retained<NSString> _pbPostBoundary;
