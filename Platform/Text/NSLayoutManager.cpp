@@ -103,6 +103,12 @@ void requireGlyph(LayoutState& state, NSUInteger index, const char* operation) {
     if (index >= state.length()) raiseIndexBeyondBounds(index, state.length(), operation);
 }
 
+void requireFreeContainer(NSTextContainer* container, const char* operation) {
+    requireArgument(container, operation, "the container");
+    if (container->layoutManager())
+        raiseBadArgument(operation, "the container is in the list of a layout manager already");
+}
+
 // The piece that holds a unit, in units of the text.
 NSRange pieceAround(LayoutState& state, NSUInteger unit) {
     if (!state.ensure(unit)) return {unit, 1};
@@ -150,14 +156,14 @@ NSArray* NSLayoutManager::textContainers() {
 }
 
 void NSLayoutManager::addTextContainer(NSTextContainer* container) {
-    requireArgument(container, "addTextContainer:", "the container");
+    requireFreeContainer(container, "addTextContainer:");
     container->setLayoutManager(this);
     _state->containers.push_back(Retained<NSTextContainer>::retaining(container));
     _state->containerAppended();
 }
 
 void NSLayoutManager::insertTextContainer_atIndex(NSTextContainer* container, NSUInteger index) {
-    requireArgument(container, "insertTextContainer:atIndex:", "the container");
+    requireFreeContainer(container, "insertTextContainer:atIndex:");
     if (index > _state->containers.size())
         raiseIndexBeyondBounds(index, static_cast<NSUInteger>(_state->containers.size()),
                                "insertTextContainer:atIndex:");
@@ -184,9 +190,9 @@ bool NSLayoutManager::layoutManagerOwnsFirstResponderInWindow(id window) {
                        [&](const auto& container) { return container->textView() == responder; });
 }
 
-id NSLayoutManager::delegate() { return _state->delegate; }
+id NSLayoutManager::delegate() { return _state->delegate.object().autorelease(); }
 
-void NSLayoutManager::setDelegate(id delegate) { _state->delegate = delegate; }
+void NSLayoutManager::setDelegate(id delegate) { _state->delegate = WeakHandle(delegate); }
 
 // MARK: What changed
 

@@ -47,8 +47,9 @@ inline constexpr NSGlyph NSControlGlyph = 0x00FFFFFF;
 /// Places of text that has no room in any container are zeros, and the glyphs of a container that the layout
 /// manager does not list are {NSNotFound, 0}.
 ///
-/// The layout manager hears of edits when the text storage has processed them. Ask it nothing before: neither
-/// between `beginEditing` and `endEditing` nor in observers of the storage's notifications.
+/// The layout manager hears of edits when the text storage has processed them. Before, between `beginEditing`
+/// and `endEditing` and in observers of the storage's notifications, operations that may lay out raise
+/// NSInternalInconsistencyException if characters changed.
 ///
 /// One thread at a time.
 class PELVOR_EXPORT NSLayoutManager : public NSObject {
@@ -66,8 +67,8 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     void setTextStorage(NSTextStorage* textStorage);
     /// The containers in the order in which text fills them, borrowed.
     NSArray* textContainers();
-    // The layout manager keeps its containers. A container is in the list of one layout manager, once. Null
-    // as container raises NSInvalidArgumentException, an index outside the list NSRangeException.
+    // The layout manager keeps its containers. Null as container, and one that is in the list of a layout
+    // manager already, raise NSInvalidArgumentException, an index outside the list NSRangeException.
 
     void addTextContainer(NSTextContainer* container);
     void insertTextContainer_atIndex(NSTextContainer* container, NSUInteger index);
@@ -81,7 +82,7 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     ///
     /// It is called with each container that is full; with the container that holds the end of the text, and
     /// true, when everything is laid out, also the empty line behind a last line end; and with null when text
-    /// is left without a container: then it may add one. Not kept alive: set it to null before it ends.
+    /// is left without a container: then it may add one. Not kept alive.
     id delegate();
     void setDelegate(id delegate);
 

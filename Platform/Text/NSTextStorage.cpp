@@ -186,6 +186,13 @@ void NSTextStorage::processEditing() {
     if (failure) std::rethrow_exception(failure);
 }
 
+bool NSTextStorage::hasUntoldChangesFor(id layoutManager) const {
+    return std::any_of(_listening.begin(), _listening.end(), [&](const Listening& listening) {
+        return listening.layoutManager == layoutManager &&
+               listening.untold.mask & NSTextStorageEditedCharacters;
+    });
+}
+
 // Tells the first layout manager that was not told in this round; returns whether there was one.
 bool NSTextStorage::tellNext() {
     auto place = std::find_if(_listening.begin(), _listening.end(), [](const Listening& listening) {

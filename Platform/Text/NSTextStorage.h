@@ -91,6 +91,10 @@ class PELVOR_EXPORT NSTextStorage : public NSMutableAttributedString {
     NSRange editedRange() { return _edit.range; }
     NSInteger changeInLength() { return _edit.change; }
 
+    // C++ only
+    /// Whether characters changed, and the layout manager has not been told yet.
+    bool hasUntoldChangesFor(id layoutManager) const;
+
     /// What processing does with attributes around an edited range, for subclasses with rules of their own.
     virtual void fixAttributesInRange(NSRange range);
     /// Gives each paragraph that the range touches the paragraph style of its first unit.

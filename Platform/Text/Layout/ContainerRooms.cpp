@@ -33,6 +33,7 @@ std::span<const LineRoom> ContainerRooms::rooms(Extent height, Extent& skip) {
                 skip, extentOf(static_cast<double>(found.origin.y)) - static_cast<Extent>(_now.y));
         _rooms.push_back({extentOf(static_cast<double>(found.origin.x)),
                           extentOf(static_cast<double>(found.size.width)), whole.padding});
+        if (behind.origin.x <= rest.origin.x) break;  // a shape that gives no end
         rest = behind;
         movement = NSLineDoesntMove;
     }

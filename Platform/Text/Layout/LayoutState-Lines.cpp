@@ -7,7 +7,7 @@
 namespace pelvor {
 
 NSRange LayoutState::laidLineRange(NSUInteger unit) {
-    if (!_isScanned || (!isFree() && unit >= firstUnlaid())) return {NSNotFound, 0};
+    if (!_isScanned || unit > _blocks.units() || (!isFree() && unit >= firstUnlaid())) return {NSNotFound, 0};
     LinePlace place;
     place.block = _blocks.placeOfUnit(unit);
     const Block& block = _blocks.at(place.block);

@@ -10,8 +10,9 @@ namespace pelvor {
 
 void LayoutState::tellDelegate(NSTextContainer* container, bool isEnd) {
     const SEL told = "layoutManager:didCompleteLayoutForTextContainer:atEnd:"_sel;
-    if (delegate && delegate->respondsToSelector(told))
-        send(delegate, told, tools.layoutManager, container, isEnd);
+    const auto listener = delegate.object();
+    if (listener && listener->respondsToSelector(told))
+        send(listener, told, tools.layoutManager, container, isEnd);
 }
 
 void LayoutState::beginContainer(NSUInteger unit, LongExtent top) {

@@ -5,6 +5,7 @@
 
 #include "Foundation/NSString.h"
 #include "Runtime/AutoreleasePool.h"
+#include "Runtime/NSException.h"
 #include "Text/NSLayoutManager.h"
 #include "Text/NSTextStorage.h"
 
@@ -28,6 +29,10 @@ void LayoutState::forgetEverything() {
 }
 
 BlockList& LayoutState::blocks() {
+    if (tools.storage && tools.storage->hasUntoldChangesFor(tools.layoutManager))
+        throw NSException(NSInternalInconsistencyException,
+                          "NSLayoutManager: the text was changed and the change is not processed yet; layout "
+                          "can be asked for after endEditing, when the layout managers have been told");
     if (!_isScanned) {
         _isScanned = true;
         _isUniform = isUniform();

@@ -3,6 +3,7 @@
 // the lines that were looked at last.
 #pragma once
 
+#include "Runtime/WeakHandle.h"
 #include "Text/Layout/ContainerRooms.h"
 #include "Text/Layout/GlyphCache.h"
 
@@ -43,7 +44,7 @@ class LayoutState {
 
     std::vector<Retained<NSTextContainer>> containers;
     LayoutTools tools;
-    Unretained<Object> delegate = nullptr;
+    WeakHandle delegate;
     std::vector<NSRect> selectionRects;  // those that were asked for last
     float hyphenationFactor = 0;
     bool usesFontLeading = true;

@@ -411,7 +411,34 @@ TEST_F(NSLayoutManagerTest, AsksItsDelegateForContainers) {
         text.layoutManager->ensureLayoutForCharacterRange({8, 1});
         EXPECT_EQ(maker->told, "full more full more end ") << width;
         EXPECT_EQ(text.layoutManager->textContainers()->count(), 3u);
+        maker = nullptr;  // a delegate that ended is told nothing
+        text.storage->replaceCharactersInRange_withString({0, 0}, u"a\nb\nc\nd\n"_ns);
+        text.layoutManager->ensureLayoutForCharacterRange({0, text.storage->length()});
     }
+}
+
+TEST_F(NSLayoutManagerTest, RefusesQuestionsBeforeItHearsOfAnEdit) {
+    LaidOutText text(fox(), plain(), {{100, 1.0e7F}});
+    text.account();
+    text.storage->beginEditing();
+    text.storage->addAttribute_value_range(NSKernAttributeName, NSNumber::numberWithInt(1), {0, 1});
+    EXPECT_EQ(RAISED(text.layoutManager->caretRectForCharacterAtIndex(20)), "");
+    text.storage->replaceCharactersInRange_withString({0, 0}, u"Some words that move all others. "_ns);
+    EXPECT_THAT(RAISED(text.layoutManager->caretRectForCharacterAtIndex(20)),
+                StartsWith("NSInternalInconsistencyException"));
+    text.storage->deleteCharactersInRange({5, text.storage->length() - 5});
+    EXPECT_EQ(text.layoutManager->glyphRangeForLaidLineFragmentContainingGlyphAtIndex(3).length > 0, true);
+    text.storage->endEditing();
+    EXPECT_EQ(text.lines(), std::vector<std::string>{"Some "});
+}
+
+TEST_F(NSLayoutManagerTest, TakesAContainerOnce) {
+    LaidOutText text(u"a"_ns, plain());
+    auto other = NSLayoutManager::init();
+    EXPECT_THAT(RAISED(text.layoutManager->addTextContainer(text.containers[0])), HasSubstr("already"));
+    EXPECT_THAT(RAISED(other->insertTextContainer_atIndex(text.containers[0], 0)), HasSubstr("already"));
+    text.layoutManager->removeTextContainerAtIndex(0);
+    other->addTextContainer(text.containers[0]);
 }
 
 TEST_F(NSLayoutManagerTest, HasAnExtraLineBehindTheLastLineEnd) {
