@@ -21,9 +21,8 @@ namespace {
 extern Library fuzzLibrary;
 
 // An object that keeps what it is given.
-class FZPart : public NSObject {
+class FZPart final : public NSObject {
     PELVOR_CLASS(FZPart, NSObject);
-    PELVOR_CREATORS(initWithName_inside);
 
   public:
     static Retained<FZPart> initWithName_inside(NSString* name, FZPart* outer, Class* cls = classObject()) {

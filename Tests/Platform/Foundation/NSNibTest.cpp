@@ -15,9 +15,8 @@ namespace {
 extern Library nibLibrary;
 
 // An object with values of many types, which notes what is done to it.
-class NTThing : public NSObject {
+class NTThing final : public NSObject {
     PELVOR_CLASS(NTThing, NSObject);
-    PELVOR_CREATORS(initWithTitle_inside, initFailing, initNone);
 
   public:
     static Retained<NTThing> initWithTitle_inside(NSString* title, NTThing* outer,
