@@ -65,7 +65,7 @@ class PELVOR_EXPORT NSMutableArray : public NSArray {
     virtual void removeObjectAtIndex(NSUInteger index) = 0;
     virtual void removeObjectsInRange(NSRange range) = 0;
 
-    // Adding and replacing
+    // Adding and replacing. A null array counts as an empty one.
 
     void addObjectsFromArray(NSArray* other);
     virtual void replaceObjectsInRange_withObjectsFromArray(NSRange range, NSArray* other);

@@ -58,7 +58,7 @@ class PELVOR_EXPORT NSMutableDictionary : public NSDictionary {
     /// Like `setObject_forKey`, but a null value removes the key's entry.
     virtual void setValue_forKey(id value, NSString* key);
     void removeObjectsForKeys(NSArray* keys);
-    /// Adds the entries of `other`, as by `setObject_forKey`.
+    /// Adds the entries of `other`, as by `setObject_forKey`; null counts as empty.
     void addEntriesFromDictionary(NSDictionary* other);
     /// Replaces all entries by those of `other`.
     void setDictionary(NSDictionary* other);

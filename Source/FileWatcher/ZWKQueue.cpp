@@ -75,7 +75,7 @@ PELVOR_DEFINE_CLASS(ZWKQueue, baseLibrary) {
     methods.instance<"_tellDelegate:forPath:ofWatch:", &ZWKQueue::_tellDelegate_forPath_ofWatch>();
 }
 
-// ---- Life and death
+// MARK: Life and death
 
 ZWKQueue* ZWKQueue::sharedFileWatcher() {
     static std::mutex mutex;
@@ -131,7 +131,7 @@ Retained<Object> ZWKQueue::reference() {
     return reference;
 }
 
-// ---- Paths
+// MARK: Paths
 
 void ZWKQueue::addPath(NSString* path) { addPathToQueue_notifyingAbout(path, kUsualChanges); }
 void ZWKQueue::addPathToQueue(NSString* path) { addPath(path); }
@@ -174,7 +174,7 @@ void ZWKQueue::removeAllPathsFromQueue() {
     _events->removeAll();
 }
 
-// ---- The delegate
+// MARK: The delegate
 
 void ZWKQueue::setDelegate(id delegate) {
     std::lock_guard lock(_mutex);
@@ -201,7 +201,7 @@ NSString* ZWKQueue::description() {
                                       _alwaysNotify ? u"YES"_ns : u"NO"_ns);
 }
 
-// ---- Reports
+// MARK: Reports
 
 void ZWKQueue::watcherThread(id) {
     NSThread::currentThread()->setName(u"file watcher"_ns);

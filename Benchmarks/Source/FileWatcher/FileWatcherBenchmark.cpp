@@ -140,7 +140,7 @@ class RawReader {
     std::thread _thread;
 };
 
-// ---- From a write to the report
+// MARK: From a write to the report
 
 void writeToWatcherThread(benchmark::State& state) {
     Files files(1);
@@ -223,7 +223,7 @@ BENCHMARK(writeToDelegateOnMainThread)->UseManualTime();
 BENCHMARK(peerQt)->UseManualTime();
 BENCHMARK(peerGIO)->UseManualTime();
 
-// ---- Events in number: each of 10,000 files is written once, and each write must be reported
+// MARK: Events in number: each of 10,000 files is written once, and each write must be reported
 
 constexpr int kFiles = 10'000;
 
@@ -254,7 +254,7 @@ void peerInotifyEvents(benchmark::State& state) {
 BENCHMARK(events)->UseRealTime()->Unit(benchmark::kMillisecond);
 BENCHMARK(peerInotifyEvents)->UseRealTime()->Unit(benchmark::kMillisecond);
 
-// ---- Watches in number
+// MARK: Watches in number
 
 constexpr int kManyFiles = 100'000;
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "Foundation/Files/Descriptor.h"
+#include "Shared/Descriptor.h"
 
 namespace pelvor {
 

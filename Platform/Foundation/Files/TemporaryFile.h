@@ -7,7 +7,7 @@
 #include <functional>
 #include <string>
 
-#include "Foundation/Files/Descriptor.h"
+#include "Shared/Descriptor.h"
 
 namespace pelvor {
 

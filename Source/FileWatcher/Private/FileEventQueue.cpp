@@ -19,6 +19,7 @@
 
 #include "FileWatcher/ZWKQueue.h"
 #include "Foundation/NSLog.h"
+#include "Shared/Descriptor.h"
 
 namespace pelvor {
 namespace {
@@ -26,19 +27,6 @@ namespace {
 constexpr std::uint32_t kEntryEvents = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
 constexpr std::uint32_t kLookAgain = IN_Q_OVERFLOW;
 constexpr time_t kSecondsBetweenLooks = 1;
-
-class Descriptor {
-  public:
-    explicit Descriptor(int number) : _number(number) {}
-    ~Descriptor() {
-        if (_number >= 0) ::close(_number);
-    }
-    Descriptor(const Descriptor&) = delete;
-    operator int() const { return _number; }
-
-  private:
-    int _number;
-};
 
 std::int64_t nanoseconds(const statx_timestamp& time) {
     return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
@@ -95,9 +83,9 @@ std::uint32_t kernelEvents(std::uint32_t changes, bool isFolder) {
 void awaitChangeOfName(const std::string& name) {
     const std::size_t slash = name.find_last_of('/');
     const std::string parent = slash == std::string::npos ? "." : name.substr(0, slash + 1);
-    Descriptor folder(::open(parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK));
+    const Descriptor folder = openedAt(AT_FDCWD, parent.c_str(), O_RDONLY | O_DIRECTORY | O_NONBLOCK);
     alignas(dirent64) char entries[512];
-    if (folder >= 0) (void)getdents64(folder, entries, sizeof entries);
+    if (folder) (void)getdents64(folder, entries, sizeof entries);
 }
 
 const char* limitBehind(int error) {
@@ -116,8 +104,8 @@ const char* limitBehind(int error) {
 // The kernel has one number for two limits.
 const char* limitOfQueues(int error) {
     if (error != EMFILE) return limitBehind(error);
-    Descriptor another(::open("/", O_PATH | O_CLOEXEC));
-    return another >= 0 ? "fs.inotify.max_user_instances" : "RLIMIT_NOFILE";
+    const Descriptor another = openedAt(AT_FDCWD, "/", O_PATH);
+    return another ? "fs.inotify.max_user_instances" : "RLIMIT_NOFILE";
 }
 
 void logRefusedQueue(int error) {
@@ -134,7 +122,7 @@ bool isLostConnection(int error) {
 
 }  // namespace
 
-// ---- The queue
+// MARK: The queue
 
 std::shared_ptr<FileEventQueue> FileEventQueue::open() {
     std::shared_ptr<FileEventQueue> queue(new FileEventQueue);
@@ -187,7 +175,7 @@ void FileEventQueue::noteLimit(int error, NSString* path) {
     errno = error;
 }
 
-// ---- Watches
+// MARK: Watches
 
 FileEventQueue::Watch FileEventQueue::add(NSString* path, std::uint32_t changes, Kind kind) {
     std::string name = path->fileSystemRepresentation();
@@ -267,7 +255,7 @@ bool FileEventQueue::hasWatches() {
     return !_entries.empty();
 }
 
-// ---- What the kernel tells
+// MARK: What the kernel tells
 
 FileEventQueue::Event FileEventQueue::wait() {
     Event event;
@@ -350,7 +338,7 @@ std::unordered_set<int> FileEventQueue::livingDescriptors() {
     return living;
 }
 
-// ---- What happened to a file
+// MARK: What happened to a file
 
 FileEventQueue::Look FileEventQueue::look(const Entry& entry) {
     Look look;
