@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PageOutput.h"
 
-#include "Foundation/NSArray.h"
+#include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableAttributedString.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNumber.h"
@@ -56,7 +56,18 @@ Retained<NSAttributedString> textWithLanguages(WRDocument* document, PBProfileSe
     return text;
 }
 
-NSDictionary* optionsFor(WRDocument* document, WRArguments* arguments, PBProfileSet* profiles) {
+// The files that were read and, before pages in the format, written.
+NSArray* keptPaths(WRDocument* document, NSString* format, WRArguments* arguments) {
+    auto* paths = NSMutableArray::array();
+    paths->addObject(document->path());
+    for (NSString* option : {u"--style-sheet"_ns, u"--save-as"_ns, u"--pdf"_ns})
+        if (NSString* path = arguments->valueOfOption(option); path && !option->hasSuffix(format))
+            paths->addObject(path);
+    return paths;
+}
+
+NSDictionary* optionsFor(WRDocument* document, NSString* format, WRArguments* arguments,
+                         PBProfileSet* profiles) {
     auto* options = NSMutableDictionary::dictionary();
     const auto set = [options](NSString* key, id value) {
         if (value) options->setObject_forKey(value, key);
@@ -69,6 +80,7 @@ NSDictionary* optionsFor(WRDocument* document, WRArguments* arguments, PBProfile
     set(WRRichTextKey, textWithLanguages(document, profiles).get());
     set(WRDocumentSettingsKey, document->settings());
     set(WRStyleSheetKey, arguments->valueOfOption(u"--style-sheet"_ns));
+    set(WRKeptPathsKey, keptPaths(document, format, arguments));
     set(WRPaperKey, arguments->valueOfOption(u"--paper"_ns));
     setNumber(WRMarginKey, u"--margin"_ns);
     setNumber(WRResolutionKey, u"--resolution"_ns);
@@ -95,7 +107,7 @@ NSString* writePages(WRDocument* document, NSString* format, WRArguments* argume
     if (!setter)
         return localizedFormat(u"_There is no plug-in that sets pages in the format \"%@\"."_ns, format);
     NSDictionary* answer = askPlugIn(setter, "writePagesOfText:format:toPath:options:"_sel, document->text(),
-                                     format, path, optionsFor(document, arguments, profiles));
+                                     format, path, optionsFor(document, format, arguments, profiles));
     NSString* problem = problemOfAnswer(answer, WRPageCountKey, setter);
     if (!problem) reportPages(report, setter, answer);
     return problem;

@@ -44,7 +44,7 @@ namespace pelvor {
 //         The format is one that the profile lists under PBProfileFormatsKey: "pdf", "png".
 //         Options: WRTitleKey, a name for documents without a title; WRRichTextKey and WRDocumentSettingsKey,
 //         if the document has them; WRStyleSheetKey, WRPaperKey, WRMarginKey and WRResolutionKey, if the user
-//         named these.
+//         named these; WRKeptPathsKey.
 //         Returns WRPageCountKey, WRPathsKey and WRByteCountKey, and perhaps WRMessageKey; or WRErrorKey and
 //         WRMessageKey.
 //
@@ -113,6 +113,8 @@ inline constexpr NSString* WRPaperKey = u"paper"_ns;
 inline constexpr NSString* WRMarginKey = u"margin"_ns;
 /// A number: the pixels an inch of images.
 inline constexpr NSString* WRResolutionKey = u"resolution"_ns;
+/// An array of strings: the paths of files that must stay as they are.
+inline constexpr NSString* WRKeptPathsKey = u"kept paths"_ns;
 /// A number: how many pages there are.
 inline constexpr NSString* WRPageCountKey = u"page count"_ns;
 /// An array of strings: the paths of the files that were written.

@@ -97,12 +97,31 @@ TEST_F(PagesTest, AreNotWrittenWhereSomethingIsWrong) {
     expect({"--png=" + folder.path().string()}, 1, "could not be written: it is a folder.");
     if (geteuid() != 0)
         expect({"--pdf=" + folder.path("kept/a.pdf")}, 1, "could not be written: you may not write there.");
-    expect({"--pdf=" + pdf, "--margin=400"}, 1, "The margins leave no room for text on the page.");
+    expect({"--pdf=" + pdf, "--margin=400"}, 1, "The margins, or the header and the footer, leave no room");
     expect({"--pdf=" + pdf, "--style-sheet=" + folder.path("bad.plist")}, 1,
            "at “page / size”: one of a3, a4");
+    expect({"--png=" + pdf, "--resolution=4000"}, 1, "The resolution is too high");
     expect({"--style-sheet=s"}, 2, "“--style-sheet” needs another: “--pdf, --png”");
     expect({"--pdf=" + pdf, "--resolution=96"}, 2, "“--resolution” needs another: “--png”");
     EXPECT_FALSE(std::filesystem::exists(pdf));
+}
+
+TEST_F(PagesTest, LeaveTheFilesAloneThatTheyAreMadeFrom) {
+    const std::string document = folder.write("d-2.txt", "one\ftwo"), sheet = folder.write("s", "{}"),
+                      saved = folder.path("e.txt");
+    for (const auto& arguments : std::vector<std::vector<std::string>>{
+             {"--pdf=" + document},
+             {"--png=" + folder.path("d.txt")},
+             {"--pdf=" + sheet, "--style-sheet=" + sheet},
+             {"--pdf=" + saved, "--save-as=" + saved},
+             {"--pdf=" + pdf, "--png=" + folder.path("./a.pdf"), "--edit=delete 3 1"}}) {
+        const WriterRun run = set(document, arguments);
+        EXPECT_EQ(run.status, 1) << arguments[0];
+        EXPECT_THAT(run.errors, HasSubstr("is a file that was read for them or just written."));
+    }
+    EXPECT_EQ(folder.read("d-2.txt") + folder.read("s") + folder.read("e.txt"), "one\ftwo{}one\ftwo");
+    EXPECT_FALSE(std::filesystem::exists(folder.path("d-1.txt")));
+    EXPECT_EQ(folder.read("a.pdf").substr(0, 5), "%PDF-");
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/Pages/PageFiles.h"
 
+#include <algorithm>
+
 #include "Foundation/NSData.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
@@ -11,11 +13,12 @@
 #include "Text/NSGraphicsContext.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/PlugIns/Pages/PageDocument.h"
-#include "Writer/PlugIns/TextFiles/TextFileReading.h"
 #include "Writer/PlugIns/TextFiles/TextFileWriting.h"
 
 namespace pelvor {
 namespace {
+
+constexpr float kLongestEdge = 32767;  // of an image, in pixels
 
 // Draws on the context while it lives.
 class DrawingScope {
@@ -35,7 +38,7 @@ class DrawingScope {
 NSDictionary* writeDrawing(NSGraphicsContext* context, NSString* path, unsigned long long& bytes) {
     NSString* reason = nullptr;
     NSData* data = context->dataWithReason(&reason);
-    if (!data) return errorAnswer(WRErrorFile, reason);
+    if (!data) return unwritableAnswer(path, reason);
     bytes += data->length();
     return writeFile(data, path);
 }
@@ -44,16 +47,6 @@ NSDictionary* answerOf(PageDocument& document, NSArray* paths, unsigned long lon
     return NSDictionary::of({{WRPageCountKey, NSNumber::numberWithUnsignedInt(document.pageCount())},
                              {WRPathsKey, paths},
                              {WRByteCountKey, NSNumber::numberWithUnsignedLongLong(bytes)}});
-}
-
-NSString* pathOfPage(NSString* path, NSUInteger page, NSUInteger count) {
-    if (count == 1) return path;
-    const NSUInteger digits = NSString::stringWithFormat(u"%u"_ns, count)->length();
-    NSString* number = NSString::stringWithFormat(u"%u"_ns, page + 1);
-    while (number->length() < digits) number = u"0"_ns->stringByAppendingString(number);
-    NSString* extension = path->pathExtension();
-    NSString* name = NSString::stringWithFormat(u"%@-%@"_ns, path->stringByDeletingPathExtension(), number);
-    return extension->length() ? name->stringByAppendingPathExtension(extension) : name;
 }
 
 }  // namespace
@@ -72,22 +65,43 @@ NSDictionary* writePDF(PageDocument& document, NSString* title, NSString* path) 
     return answerOf(document, NSArray::of({path}), bytes);
 }
 
-NSDictionary* writeImages(PageDocument& document, NSNumber* resolution, NSString* path) {
-    const float scale = (resolution ? resolution->floatValue() : 96) / 72;
-    const NSSize paper = document.frame().paper;
+NSArray* pathsOfImages(NSString* path, NSUInteger count) {
+    if (count == 1) return NSArray::of({path});
     auto* paths = NSMutableArray::array();
+    const NSUInteger digits = NSString::stringWithFormat(u"%u"_ns, count)->length();
+    NSString* extension = path->pathExtension();
+    for (NSUInteger page = 1; page <= count; ++page) {
+        NSString* number = NSString::stringWithFormat(u"%u"_ns, page);
+        while (number->length() < digits) number = u"0"_ns->stringByAppendingString(number);
+        NSString* name =
+            NSString::stringWithFormat(u"%@-%@"_ns, path->stringByDeletingPathExtension(), number);
+        paths->addObject(extension->length() ? name->stringByAppendingPathExtension(extension) : name);
+    }
+    return paths;
+}
+
+float scaleOfResolution(NSNumber* resolution) { return (resolution ? resolution->floatValue() : 96) / 72; }
+
+bool hasImageOfScale(const PageDocument& document, float scale) {
+    const NSSize paper = document.frame().paper;
+    return std::max(paper.width, paper.height) * scale <= kLongestEdge;
+}
+
+NSDictionary* writeImages(PageDocument& document, float scale, NSArray* paths) {
+    const NSSize paper = document.frame().paper;
     unsigned long long bytes = 0;
     for (NSUInteger page = 0; page < document.pageCount(); ++page) {
-        auto context = NSGraphicsContext::initWithImageSize_scale(paper, scale);
+        Retained<NSDictionary> failure;
         {
+            AutoreleasePool pool;
+            auto context = NSGraphicsContext::initWithImageSize_scale(paper, scale);
             DrawingScope scope(context);
             context->setColor(NSColor::whiteColor());
             context->fillRect({{0, 0}, paper});
             document.drawPage(page);
+            failure.set(writeDrawing(context, static_cast<NSString*>(paths->objectAtIndex(page)), bytes));
         }
-        NSString* file = pathOfPage(path, page, document.pageCount());
-        if (NSDictionary* failure = writeDrawing(context, file, bytes)) return failure;
-        paths->addObject(file);
+        if (failure) return std::move(failure).autorelease();
     }
     return answerOf(document, paths, bytes);
 }

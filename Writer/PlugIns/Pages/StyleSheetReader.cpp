@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Reads style sheets.
+#include <algorithm>
 #include <cmath>
+#include <map>
 #include <set>
 #include <vector>
 
@@ -88,8 +90,8 @@ class StyleSheetReader {
     int indexOfWord(id value, std::initializer_list<NSString*> words);
     Retained<NSTextTab> tab(NSDictionary* entry);
     void readStyles(NSString* kind, Styles& styles, bool areForParagraphs);
-    void readStyle(NSDictionary* all, NSString* name, Styles& styles, bool isForParagraphs);
-    void takeBase(NSDictionary* all, id base, Styles& styles, NamedStyle& style, bool isForParagraphs);
+    void readStyle(NSString* name, Styles& styles, bool isForParagraphs);
+    void takeBase(id base, Styles& styles, NamedStyle& style, bool isForParagraphs);
     void readPage(StyleSheet& sheet, NSDictionary* page);
     Retained<NSAttributedString> lineOf(const StyleSheet& sheet, NSString* style, NSString* text);
 
@@ -104,13 +106,15 @@ class StyleSheetReader {
         _problem = NSString::stringWithFormat(translated(u"_The style sheet \"%@\" at \"%@\": %@"_ns), _path,
                                               place, what);
     }
+    static std::u16string keyOf(NSString* name) { return name->lowercaseString()->toUTF16(); }
     static NSString* translated(NSString* key) { return _PBDoLocalize(key, WRPageSetter::classObject()); }
 
     NSString* _path;
     NSDictionary* _list;
     NSString* _problem = nullptr;
     std::vector<std::u16string> _place;
-    std::set<std::u16string> _open;  // the styles that are being read
+    std::map<std::u16string, NSDictionaryEntry> _all;  // the list's styles of one kind, by lower-case name
+    std::set<std::u16string> _open;                    // the styles that are being read
 };
 
 // MARK: Keys
@@ -228,8 +232,9 @@ float StyleSheetReader::number(id value, float least, float most) {
         NSScanner* scanner = NSScanner::scannerWithString(string);
         if (!scanner->scanDouble(&number) || !scanner->isAtEnd()) number = NAN;
     }
-    if (number >= static_cast<double>(least) && number <= static_cast<double>(most))
-        return static_cast<float>(number);
+    // As a float, for the least may be a fraction that is a little more than the same number as a double.
+    const auto rounded = static_cast<float>(std::clamp(number, -1e6, 1e6));
+    if (rounded >= least && rounded <= most) return rounded;
     fail(u"_a number from %@ to %@ is needed, not \"%@\"."_ns, NSNumber::numberWithFloat(least),
          NSNumber::numberWithFloat(most), value);
     return least;
@@ -356,22 +361,28 @@ void StyleSheetReader::readStyles(NSString* kind, Styles& styles, bool areForPar
     Step step(*this, kind);
     NSDictionary* all = dictionary(value);
     if (!all) return;
+    _all.clear();
+    for (NSDictionaryEntry entry : all) {
+        auto* name = static_cast<NSString*>(entry.key);
+        Step inner(*this, name);
+        if (!_all.emplace(keyOf(name), entry).second) fail(u"_another style has this name."_ns);
+    }
     for (NSDictionaryEntry entry : all)
-        readStyle(all, static_cast<NSString*>(entry.key), styles, areForParagraphs);
+        readStyle(static_cast<NSString*>(entry.key), styles, areForParagraphs);
 }
 
-void StyleSheetReader::readStyle(NSDictionary* all, NSString* name, Styles& styles, bool isForParagraphs) {
-    const std::u16string key = name->lowercaseString()->toUTF16();
+void StyleSheetReader::readStyle(NSString* name, Styles& styles, bool isForParagraphs) {
+    const std::u16string key = keyOf(name);
     if (_problem || styles.count(key)) return;
     Step step(*this, name);
-    NSDictionary* list = dictionary(all->objectForKey(name));
+    NSDictionary* list = dictionary(_all.at(key).value);
     if (!list) return;
     if (!_open.insert(key).second) return fail(u"_the style is based on itself."_ns);
     if (_open.size() > kMostBases) return fail(u"_the style is based on too many others."_ns);
     NamedStyle style;
     style.attributes = NSMutableDictionary::init();
     if (isForParagraphs) style.paragraph = NSMutableParagraphStyle::init();
-    if (id base = list->objectForKey(u"based on"_ns)) takeBase(all, base, styles, style, isForParagraphs);
+    if (id base = list->objectForKey(u"based on"_ns)) takeBase(base, styles, style, isForParagraphs);
     for (NSDictionaryEntry entry : list) {
         auto* property = static_cast<NSString*>(entry.key);
         if (_problem || property->isEqualToString(u"based on"_ns)) continue;
@@ -386,13 +397,12 @@ void StyleSheetReader::readStyle(NSDictionary* all, NSString* name, Styles& styl
     styles.emplace(key, std::move(style));
 }
 
-void StyleSheetReader::takeBase(NSDictionary* all, id base, Styles& styles, NamedStyle& style,
-                                bool isForParagraphs) {
+void StyleSheetReader::takeBase(id base, Styles& styles, NamedStyle& style, bool isForParagraphs) {
     Step step(*this, u"based on"_ns);
     NSString* name = text(base);
     if (!name) return;
-    if (!all->objectForKey(name)) return fail(u"_there is no style \"%@\"."_ns, name);
-    readStyle(all, name, styles, isForParagraphs);
+    if (!_all.count(keyOf(name))) return fail(u"_there is no style \"%@\"."_ns, name);
+    readStyle(name, styles, isForParagraphs);
     const NamedStyle* found = StyleSheet::find(styles, name);
     if (_problem || !found) return;
     style = *found;

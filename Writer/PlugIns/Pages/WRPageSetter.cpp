@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/Pages/WRPageSetter.h"
 
+#include <filesystem>
+
 #include "Foundation/NSBundle.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
@@ -70,6 +72,20 @@ NSDictionary* settingsFor(const PageWishes& wishes, NSDictionary* options) {
     return settings;
 }
 
+// The first of the paths whose file is one that must stay as it is; null if there is none.
+NSString* keptAmong(NSArray* paths, NSDictionary* options) {
+    auto* kept = cast<NSArray>(options->objectForKey(WRKeptPathsKey));
+    for (NSUInteger i = 0; kept && i < kept->count(); ++i)
+        for (id path : paths) {
+            std::error_code error;
+            if (std::filesystem::equivalent(
+                    static_cast<NSString*>(path)->fileSystemRepresentation(),
+                    static_cast<NSString*>(kept->objectAtIndex(i))->fileSystemRepresentation(), error))
+                return static_cast<NSString*>(path);
+        }
+    return nullptr;
+}
+
 }  // namespace
 
 NSDictionary* WRPageSetter::writePagesOfText_format_toPath_options(NSString* text, NSString* format,
@@ -82,13 +98,22 @@ NSDictionary* WRPageSetter::writePagesOfText_format_toPath_options(NSString* tex
     NSDictionary* settings = settingsFor(wishes, options);
     PageDocument document(textInStyles(rich, *wishes.defaults, wishes.sheet ? &*wishes.sheet : nullptr).get(),
                           settings);
-    if (!document.hasRoom())
+    const auto refused = [this](NSString* message, const auto&... arguments) {
         return errorAnswer(WRErrorRefused,
-                           _PBDoLocalize(u"_The margins leave no room for text on the page."_ns, this));
-    NSDictionary* answer =
-        format->isEqualToString(u"pdf"_ns)
-            ? writePDF(document, stringEntry(settings, WRTitleKey), path)
-            : writeImages(document, cast<NSNumber>(options->objectForKey(WRResolutionKey)), path);
+                           NSString::stringWithFormat(_PBDoLocalize(message, this), arguments...));
+    };
+    if (!document.hasRoom())
+        return refused(u"_The margins, or the header and the footer, leave no room for text on the page."_ns);
+    const bool isPDF = format->isEqualToString(u"pdf"_ns);
+    const float scale = scaleOfResolution(cast<NSNumber>(options->objectForKey(WRResolutionKey)));
+    if (!isPDF && !hasImageOfScale(document, scale))
+        return refused(u"_The resolution is too high: images have no more than 32767 pixels each way."_ns);
+    NSArray* paths = isPDF ? NSArray::of({path}) : pathsOfImages(path, document.pageCount());
+    if (NSString* kept = keptAmong(paths, options))
+        return refused(u"_No pages were written: \"%@\" is a file that was read for them or just written."_ns,
+                       kept);
+    NSDictionary* answer = isPDF ? writePDF(document, stringEntry(settings, WRTitleKey), path)
+                                 : writeImages(document, scale, paths);
     NSArray* problems = document.problems();
     if (problems->count() == 0 || answer->objectForKey(WRErrorKey)) return answer;
     auto* changed = NSMutableDictionary::dictionaryWithDictionary(answer);

@@ -16,11 +16,15 @@ namespace {
 
 NSDictionary* failureAnswer(NSString* path, int reason) {
     auto* error = NSFileError::errorWithCode_path_isWriting(reason, path, true);
-    return errorAnswer(WRErrorFile, localizedFormat(u"_The document \"%@\" could not be written: %@."_ns,
-                                                    path, error->localizedReason()));
+    return unwritableAnswer(path, error->localizedReason());
 }
 
 }  // namespace
+
+NSDictionary* unwritableAnswer(NSString* path, NSString* reason) {
+    return errorAnswer(WRErrorFile,
+                       localizedFormat(u"_The document \"%@\" could not be written: %@."_ns, path, reason));
+}
 
 NSDictionary* writeFile(NSData* data, NSString* path) {
     if (data->writeToFile_atomically(path, true)) return nullptr;

@@ -12,6 +12,9 @@ class NSData;
 class NSDictionary;
 class NSString;
 
+/// An answer that tells that the file at the path could not be written, and why. Borrowed.
+NSDictionary* unwritableAnswer(NSString* path, NSString* reason);
+
 /// Writes a file with these bytes at the path, as a whole or not at all. Returns null, or an answer whose
 /// message tells why the file could not be written. Borrowed.
 NSDictionary* writeFile(NSData* data, NSString* path);

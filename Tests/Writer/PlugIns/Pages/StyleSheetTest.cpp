@@ -37,8 +37,8 @@ constexpr const char* kSheet = R"({
     "paragraph styles" = {
         text = { "font family" = ("No Such Font", "DejaVu Serif"); size = 10; colour = "#FF8000"; };
         "Heading 1" = {
-            "based on" = text; bold = yes; size = 20; alignment = center; "space before" = 12; hyphenation = 0.5;
-            "keep with next" = yes; language = fr; "end indent" = 5;
+            "based on" = Text; bold = yes; size = 20; alignment = center; "space before" = 12; hyphenation = 0.5;
+            "keep with next" = yes; language = fr; "end indent" = 5; "line height" = 0.1;
             tabs = ({ place = 20; }, { place = 40; kind = center; },
                     { place = 90; kind = decimal; "decimal mark" = ","; });
         };
@@ -62,8 +62,9 @@ TEST_F(StyleSheetTest, HasStylesAndSettings) {
     auto* style = cast<NSParagraphStyle>(attributes->objectForKey(NSParagraphStyleAttributeName));
     EXPECT_TRUE(pageRulesOf(style).isKeepWithNext);
     EXPECT_EQ(shown(style->alignment(), style->paragraphSpacingBefore(), style->tailIndent(),
-                    style->hyphenationFactor(), style->tabStops()->componentsJoinedByString(u" "_ns)),
-              shown(NSCenterTextAlignment, 12.0F, -5.0F, 0.5F, u"20L 40C 90D"_ns));
+                    style->hyphenationFactor(), style->lineHeightMultiple(),
+                    style->tabStops()->componentsJoinedByString(u" "_ns)),
+              shown(NSCenterTextAlignment, 12.0F, -5.0F, 0.5F, 0.1F, u"20L 40C 90D"_ns));
     NSDictionary* settings = sheet->settings();
     EXPECT_EQ(shown(settings->objectForKey(WRPageWidthKey), settings->objectForKey(WRLeftMarginKey)),
               "400.5 30");
@@ -95,6 +96,8 @@ TEST_F(StyleSheetTest, IsRefusedWithThePlaceAndTheReason) {
          "there is no style \"b\"."},
         {"{ \"paragraph styles\" = { a = { \"based on\" = b; }; b = { \"based on\" = a; }; }; }",
          "paragraph styles / a / based on / b / based on / a", "the style is based on itself."},
+        {"{ \"paragraph styles\" = { a = {}; A = {}; }; }", "paragraph styles / A",
+         "another style has this name."},
         {"{ \"character styles\" = { a = { indent = 3; }; }; }", "character styles / a / indent",
          "this key is not known."},
     };
