@@ -100,8 +100,12 @@ Variant variantFor(const Given& given, std::u16string_view cluster) {
 }
 
 // Whether the character stands between words of all scripts. Such marks stay in the font of what stands
-// before them if it has them, but not in a font for emoji, whose blanks are as wide as its pictures.
+// before them if it has them, but not in a font for emoji, whose blanks are as wide as its pictures. Digits
+// and brackets take the text's own font, so that numbers look alike everywhere and brackets match.
 bool isShared(char32_t character) {
+    if (character < 0x7F &&
+        std::u32string_view(U"0123456789()[]{}").find(character) != std::u32string_view::npos)
+        return false;
     UErrorCode error = U_ZERO_ERROR;
     const UScriptCode script = uscript_getScript(static_cast<UChar32>(character), &error);
     return script == USCRIPT_COMMON && !has(character, UCHAR_EXTENDED_PICTOGRAPHIC) &&

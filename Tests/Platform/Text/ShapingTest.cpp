@@ -197,14 +197,21 @@ TEST(ShapingTest, FindsFontsThatStandIn) {
 TEST(ShapingTest, CutsTextWhereTheFontChanges) {
     NSFont* font = fontNamed("DejaVuSans");
     const std::u16string_view text = u"ab \u0915\u093E, \u0916 x\U0001F468\u200D\U0001F469y";
-    std::string cuts;
-    for (NSUInteger place = 0; place < text.size();) {
-        const FontStretch stretch = fontStretchAt(font, text, place);
-        cuts += stretch.font->familyName()->toUTF8() + " " + std::to_string(stretch.end) + "; ";
-        place = stretch.end;
-    }
+    const auto cutsOf = [](NSFont* given, std::u16string_view all) {
+        std::string cuts;
+        for (NSUInteger place = 0; place < all.size();) {
+            const FontStretch stretch = fontStretchAt(given, all, place);
+            cuts += stretch.font->familyName()->toUTF8() + " " + std::to_string(stretch.end) + "; ";
+            place = stretch.end;
+        }
+        return cuts;
+    };
+    const std::string cuts = cutsOf(font, text);
     EXPECT_THAT(cuts, StartsWith("DejaVu Sans 3; Noto "));
     EXPECT_THAT(cuts, EndsWith(" 9; DejaVu Sans 10; Noto Color Emoji 15; DejaVu Sans 16; "));
+    EXPECT_EQ(cutsOf(fontNamed("NotoSerif-Regular"), u"(\u05D0 [12] \u05D1)"),
+              "Noto Serif 1; DejaVu Sans 3; Noto Serif 8; DejaVu Sans 9; Noto Serif 10; ")
+        << "digits and brackets are the text's own";
     // Asking in the middle of a stretch, where marks of all scripts stand, gives the rest of it.
     EXPECT_EQ(fontStretchAt(font, text, 5).end, 9u);
     EXPECT_EQ(fontStretchAt(font, u"", 0).font, font);
@@ -229,8 +236,10 @@ TEST(ShapingTest, TakesLettersOfChineseOriginInTheShapesOfTheLanguage) {
 // The stretches of random text are those of its clusters one by one.
 TEST(ShapingTest, TakesClustersOfOneFontTogether) {
     NSFont* font = fontNamed("DejaVuSans");
-    const std::vector<std::u16string> shared = {u" ", u",", u"1", u"\u00B7", u"2\u0331"};
+    const std::vector<std::u16string> shared = {u" ", u",", u"\u00B7", u",\u0331"};
     const std::vector<std::u16string> others = {u"a",
+                                                u"1",
+                                                u")\u0331",
                                                 u"e\u0301",
                                                 u"a\u094D",
                                                 u"\u0915",
