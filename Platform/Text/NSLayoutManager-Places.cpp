@@ -219,8 +219,15 @@ Span spanOf(const GlyphPiece& piece, std::uint32_t start, std::uint32_t end,
     return span;
 }
 
-// What characters of a line cover, from the left; spans that touch are one.
-std::vector<Span> spansOf(LayoutState& state, const LinePlace& place, NSRange range) {
+// From the end of a line's text to the edge behind it.
+Span spanBehind(const Line& line) {
+    if (line.isRightToLeft) return {line.left - line.textLeft, 0};
+    return {line.textWidth + line.extra, line.left + line.room - line.textLeft};
+}
+
+// What characters of a line cover, from the left, and what is behind the line if the selection goes on
+// there; spans that touch are one.
+std::vector<Span> spansOf(LayoutState& state, const LinePlace& place, NSRange range, bool goesOn) {
     LineGlyphs& glyphs = state.glyphsOf(place);
     const auto& carets = glyphs.carets(state.tools.boundaries);
     const std::uint32_t start = range.location - place.block.unit, end = NSMaxRange(range) - place.block.unit;
@@ -228,6 +235,8 @@ std::vector<Span> spansOf(LayoutState& state, const LinePlace& place, NSRange ra
     for (const GlyphPiece& piece : glyphs.pieces())
         if (piece.end > start && piece.start < end && piece.width)
             all.push_back(spanOf(piece, start, end, carets));
+    if (const Span behind = spanBehind(state.at(place)); goesOn && behind.left < behind.right)
+        all.push_back(behind);
     std::sort(all.begin(), all.end(), [](Span a, Span b) { return a.left < b.left; });
     for (const Span& span : all)
         if (joined.empty() || span.left > joined.back().right)
@@ -282,7 +291,9 @@ NSLayoutManager::rectArrayForCharacterRange_withinSelectedCharacterRange_inTextC
             NSMaxRange(selection) > NSMaxRange(lineRange))
             return rects.push_back(rect);
         const Extent textLeft = _state->at(place).textLeft;
-        for (auto [left, right] : spansOf(*_state, place, part))
+        const bool goesOn =
+            NSMaxRange(part) == NSMaxRange(lineRange) && NSMaxRange(selection) > NSMaxRange(part);
+        for (auto [left, right] : spansOf(*_state, place, part, goesOn))
             rects.push_back(
                 {{pointsOf(textLeft + left), rect.origin.y}, {pointsOf(right - left), rect.size.height}});
     });

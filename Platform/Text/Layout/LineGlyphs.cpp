@@ -11,19 +11,13 @@ namespace {
 constexpr unichar kHyphen[] = u"-";
 constexpr unichar kEllipsis[] = u"\u2026";
 
-constexpr bool isIdeograph(unichar unit) {
-    return (unit >= 0x2E80 && unit <= 0x9FFF) || (unit >= 0xF900 && unit <= 0xFAFF) ||
-           (unit >= 0xFF00 && unit <= 0xFFEF);
-}
-
 }  // namespace
 
 LineGlyphs::LineGlyphs(LayoutTools& tools, const MeasuredText& text, const Line& line, std::uint32_t end)
-    : _start(line.start), _end(end), _textEnd(end), _isRightToLeft(line.isRightToLeft) {
-    const auto hangs = [&](std::uint32_t unit) {
-        return (text.marks[unit] & MeasuredText::kBlank) || isLineEnd(text.units[unit]);
-    };
-    while (_textEnd > _start && hangs(_textEnd - 1)) --_textEnd;
+    : _start(line.start),
+      _end(end),
+      _textEnd(text.shownEnd(line.start, end)),
+      _isRightToLeft(line.isRightToLeft) {
     _units = text.units.substr(_start, _end - _start);
     if (line.isCut && text.paragraph()->lineBreakMode() != NSLineBreakByClipping) {
         const Hidden hidden = hiddenPart(tools, text, line);
@@ -151,17 +145,13 @@ void LineGlyphs::spread(Extent extra, std::size_t runCount) {
     for (std::size_t i = 0; i < runCount; ++i)
         if (_runs[i].kind == TextRun::Kind::tab) first = i + 1;
     const auto unitOf = [&](const PlacedGlyph& glyph) { return _units[glyph.unit]; };
-    const auto isBlank = [&](const PlacedGlyph& glyph) {
-        const unichar unit = unitOf(glyph);
-        return unit == ' ' || unit == 0xA0 || unit == 0x3000;
-    };
     std::vector<std::pair<LineRun*, PlacedGlyph*>> places;
     for (const bool takesBlanks : {true, false}) {
         for (std::size_t i = first; i < runCount; ++i) {
             LineRun& run = _runs[i];
             if (run.isSign) continue;
             for (std::size_t g = run.firstGlyph; g < run.firstGlyph + run.glyphCount; ++g)
-                if (takesBlanks ? isBlank(_glyphs[g])
+                if (takesBlanks ? isSpreadBlank(unitOf(_glyphs[g]))
                                 : isIdeograph(unitOf(_glyphs[g])) && _start + _glyphs[g].unit + 1 < _textEnd)
                     places.emplace_back(&run, &_glyphs[g]);
         }

@@ -277,4 +277,16 @@ std::size_t MeasuredText::runAt(std::uint32_t unit) const {
     return after == runs.begin() ? 0 : static_cast<std::size_t>(after - runs.begin()) - 1;
 }
 
+std::uint32_t MeasuredText::shownEnd(std::uint32_t start, std::uint32_t end) const {
+    while (end > start && ((marks[end - 1] & kBlank) || isLineEnd(units[end - 1]))) --end;
+    return end;
+}
+
+bool MeasuredText::canSpread(std::uint32_t start, std::uint32_t end) const {
+    end = shownEnd(start, end);
+    for (std::uint32_t unit = end; unit > start && units[unit - 1] != '\t'; --unit)
+        if (isSpreadBlank(units[unit - 1]) || (isIdeograph(units[unit - 1]) && unit < end)) return true;
+    return false;
+}
+
 }  // namespace pelvor

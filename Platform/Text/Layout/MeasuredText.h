@@ -17,6 +17,14 @@ class NSTextStorage;
 
 inline constexpr unichar kSoftHyphen = 0xAD;
 
+/// Blanks that grow in justified lines.
+constexpr bool isSpreadBlank(unichar unit) { return unit == ' ' || unit == 0xA0 || unit == 0x3000; }
+/// What justified lines without blanks are spread at.
+constexpr bool isIdeograph(unichar unit) {
+    return (unit >= 0x2E80 && unit <= 0x9FFF) || (unit >= 0xF900 && unit <= 0xFAFF) ||
+           (unit >= 0xFF00 && unit <= 0xFFEF);
+}
+
 /// Units that are set in one way.
 struct TextRun {
     enum class Kind : std::uint8_t { text, tab, attachment, lineEnd };
@@ -63,6 +71,11 @@ class MeasuredText {
     void keepStyle(const TextStyle* style, std::vector<std::shared_ptr<const TextStyle>>& styles) const;
     /// The run that holds the unit; of an empty text an empty run.
     std::size_t runAt(std::uint32_t unit) const;
+    /// Behind the last unit of the line that does not hang over: before the line end or the blanks at the
+    /// end.
+    std::uint32_t shownEnd(std::uint32_t start, std::uint32_t end) const;
+    /// Whether a justified line can grow wider: at blanks behind its last tab, or between ideographs.
+    bool canSpread(std::uint32_t start, std::uint32_t end) const;
 
     NSRange range{};  // in the storage
     std::u16string units;

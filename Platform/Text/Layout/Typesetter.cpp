@@ -31,7 +31,10 @@ struct Typesetter::PendingTab {
     Extent stop = 0;
     NSTextTabType type = NSLeftTabStopType;
     id terminators = nullptr;
-    Extent text = 0;  // the width of the text behind it, up to the column's end
+    Extent text = 0;  // the width of the text behind it that stands before the stop
+    // At a decimal tab digits stand before the stop on their side of the point: text at the column's end
+    // that runs against the paragraph stands behind the stop.
+    Extent against = 0;
 
     Extent width() const {
         const Extent before = type == NSCenterTabStopType ? text / 2 : type == NSLeftTabStopType ? 0 : text;
@@ -88,6 +91,11 @@ bool Typesetter::findTab(Extent pen, Extent limit, PendingTab& pending) const {
         pending.type = NSLeftTabStopType;
     }
     return pending.stop < limit;
+}
+
+// Whether the unit's direction is not that of the paragraph.
+bool Typesetter::runsAgainst(std::uint32_t unit) const {
+    return ((_text.runs[_text.runAt(unit)].level & 1) != 0) != _text.isRightToLeft;
 }
 
 bool Typesetter::endsColumn(const PendingTab& pending, unichar unit) const {
@@ -203,7 +211,7 @@ Filling Typesetter::overflowAt(Fill& fill, std::uint32_t unit, Extent pen) {
     const bool hadTab = fill.tab.isOpen;
     settleTab(fill, hadTab && fill.best > fill.tab.unit ? fill.bestTabText : fill.tab.text);
     const auto width = static_cast<float>(fill.box.end - fill.box.start);
-    if (hyphenationFactor > 0 && !hadTab && fill.breaksAnywhere &&
+    if (hyphenationFactor > 0 && !hadTab &&
         static_cast<float>(fill.bestFilling.width) < hyphenationFactor * width) {
         Filling filling;
         const Extent wordPen = fill.best > fill.start ? fill.bestPen : fill.box.start;
@@ -241,14 +249,22 @@ bool Typesetter::takeTab(Fill& fill, std::uint32_t unit, Extent pen) {
 // Where the pen is behind a unit, which an open tab may move.
 Extent Typesetter::advanced(Fill& fill, std::uint32_t unit, Extent pen) {
     const Extent advance = _text.advances[unit];
-    if (fill.tab.isOpen && unit != fill.tab.unit) {
-        if (!fill.tab.terminators || !endsColumn(fill.tab, _text.units[unit])) {
-            fill.tab.text = std::min(fill.tab.text + advance, kGreatestExtent);
-            return fill.tab.pen + fill.tab.width() + fill.tab.text;
-        }
-        settleTab(fill, fill.tab.text);
+    PendingTab& tab = fill.tab;
+    if (unit == tab.unit) return std::min(pen + advance, kGreatestExtent);
+    const bool isAgainst = tab.type == NSDecimalTabStopType && runsAgainst(unit);
+    const bool isEnd = tab.terminators && endsColumn(tab, _text.units[unit]);
+    const Extent behind = std::min(tab.text + tab.against + advance, kGreatestExtent);
+    if (isEnd && isAgainst) {  // what follows the point in its run stands before the stop
+        for (std::uint32_t next = unit; next < _text.size() && runsAgainst(next); ++next)
+            tab.text = std::min(tab.text + _text.advances[next], kGreatestExtent);
+    } else if (isAgainst) {
+        tab.against = behind - tab.text;
+    } else if (!isEnd) {
+        tab.text = behind;
+        tab.against = 0;
     }
-    return std::min(pen + advance, kGreatestExtent);
+    if (isEnd) settleTab(fill, tab.text);
+    return std::min(tab.pen + tab.width() + behind, kGreatestExtent);
 }
 
 // What fits up to a line end or the end of the text.
@@ -346,7 +362,8 @@ void Typesetter::align(Line& line, const Filling& filling, Box box, const LineRo
     NSTextAlignment alignment = _style->alignment();
     const NSTextAlignment natural = isRightToLeft ? NSRightTextAlignment : NSLeftTextAlignment;
     line.textWidth = filling.width;
-    if (alignment == NSJustifiedTextAlignment && !filling.endsHard && !filling.isCut && free > 0) {
+    if (alignment == NSJustifiedTextAlignment && !filling.endsHard && !filling.isCut && free > 0 &&
+        _text.canSpread(line.start, filling.end)) {
         line.extra = free;
         line.textLeft = from;
         return;

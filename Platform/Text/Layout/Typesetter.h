@@ -105,6 +105,7 @@ class Typesetter {
     /// The stop and what kind it is of; false if there is none.
     bool findTab(Extent pen, Extent limit, PendingTab& pending) const;
     bool endsColumn(const PendingTab& pending, unichar unit) const;
+    bool runsAgainst(std::uint32_t unit) const;
 
     LayoutTools& _tools;
     MeasuredText& _text;

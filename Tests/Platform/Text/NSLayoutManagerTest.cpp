@@ -120,6 +120,12 @@ TEST_F(NSLayoutManagerTest, AlignsLines) {
               100);
     EXPECT_EQ(place(NSJustifiedTextAlignment, u"abc"_ns).size.width, width) << "a last line stays as it is";
     EXPECT_EQ(place(NSJustifiedTextAlignment, u"abc def ghijklmnop qr"_ns).size.width, 100);
+    EXPECT_EQ(place(NSJustifiedTextAlignment, u"abc abcdefghijklmn"_ns).size.width, width)
+        << "nothing can be spread";
+    EXPECT_EQ(place(NSJustifiedTextAlignment, u"abc\tdef ghijklmnopq"_ns).size.width,
+              place(NSLeftTextAlignment, u"abc\tdef ghijklmnopq"_ns).size.width);
+    EXPECT_EQ(place(NSJustifiedTextAlignment, u"\u4E2D\u4E2D\u4E2D abcdefghijkl"_ns).size.width, 100);
+    EXPECT_GT(NSMinX(place(NSJustifiedTextAlignment, u"\u05D0\u05D1 abcdefghijklmn"_ns)), 50);
 }
 
 TEST_F(NSLayoutManagerTest, JustifiesAtBlanks) {
@@ -147,6 +153,16 @@ TEST_F(NSLayoutManagerTest, SetsTabsOfAllKinds) {
     EXPECT_NEAR((centre.x(2) + centre.layoutManager->caretRectForCharacterAtIndex(4).origin.x) / 2, 100,
                 0.02);
     EXPECT_NEAR(tabbed(NSDecimalTabStopType, u"a\t12.75"_ns).x(4), 100, 0.02);
+    // From right to left the points stand below each other too, and what has no point ends where they stand.
+    for (auto [string, end] : {std::pair{u"\u05D0\t12.50"_ns, 4u},
+                               {u"\u05D0\t7.255 \u05D1"_ns, 3u},
+                               {u"\u05D0\t125\t1"_ns, 5u},
+                               {u"\u05D0\t\u05D1 7.5"_ns, 5u}}) {
+        auto text = tabbed(NSDecimalTabStopType, string);
+        const NSRect digit =
+            text.layoutManager->boundingRectForGlyphRange_inTextContainer({end - 1, 1}, text.containers[0]);
+        EXPECT_NEAR(NSMaxX(digit), 300, 0.02) << string->toUTF8();
+    }
     // Text that is too long for its room pushes on.
     auto pushed = tabbed(NSRightTabStopType, u"aaaaaaaaaaaaa\tbcdefgh"_ns);
     EXPECT_NEAR(pushed.x(14), pushed.x(13), 0.02);
@@ -183,15 +199,19 @@ TEST_F(NSLayoutManagerTest, ShiftsKernsAndWidens) {
 }
 
 TEST_F(NSLayoutManagerTest, HyphenatesInTheLanguageOfTheText) {
-    const auto lines = [](const char* language, float factor) {
+    const auto lines = [](const char* language, float factor, float width = 90) {
         auto attributes = plain()->mutableCopy();
         attributes->setObject_forKey(NSString::ofUTF8(language), NSLanguageAttributeName);
-        LaidOutText text(u"an incomprehensibility"_ns, attributes, {{90, 1.0e7F}});
+        LaidOutText text(u"an incomprehensibility"_ns, attributes, {{width, 1.0e7F}});
+        if (width > 90)
+            text.containers[0]->setExclusionRects(
+                NSArray::of({NSValue::valueWithRect({{90, 0}, {width - 180, 60}})}));
         text.layoutManager->setHyphenationFactor(factor);
         return text.lines();
     };
     EXPECT_THAT(lines("en-US", 0), ElementsAre("an ", "incomprehensi", "bility"));
     EXPECT_THAT(lines("en-US", 1), ElementsAre("an incompre", "hensibility"));
+    EXPECT_THAT(lines("en-US", 1, 200), ElementsAre("an incompre", "hensibility")) << "beside an exclusion";
     EXPECT_THAT(lines("tlh", 1), ElementsAre("an ", "incomprehensi", "bility"));
 }
 
@@ -315,12 +335,18 @@ TEST_F(NSLayoutManagerTest, CoversSelectionsWithRectangles) {
             {4, 14}, {4, 14}, text.containers[0], &count);
     ASSERT_EQ(count, 3u);
     EXPECT_EQ(NSMinX(rects[0]), text.x(4));
+    EXPECT_EQ(NSMaxX(rects[0]), 60) << "to the edge, where the selection goes on";
     EXPECT_EQ(rects[1], text.lineRect(8)) << "a whole line from edge to edge";
     EXPECT_NEAR(NSMaxX(rects[2]), text.x(18), 0.02);
     LaidOutText mixed(u"ab\u05D0\u05D1cd"_ns, plain());
     mixed.layoutManager->rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
         {1, 2}, {1, 2}, mixed.containers[0], &count);
     EXPECT_EQ(count, 2u) << "what is selected stands apart";
+    LaidOutText leftwards(u"\u05D0\u05D1\n\u05D2"_ns, plain());
+    rects = leftwards.layoutManager
+                ->rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
+                    {1, 3}, {1, 3}, leftwards.containers[0], &count);
+    EXPECT_EQ(NSMinX(rects[0]), 0);
 }
 
 // MARK: Containers
