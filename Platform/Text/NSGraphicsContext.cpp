@@ -105,7 +105,7 @@ Retained<NSGraphicsContext> NSGraphicsContext::initWithImageSize_scale(NSSize si
 
 Retained<NSGraphicsContext> NSGraphicsContext::initForPDFWithTitle(NSString* title, Class* cls) {
     auto context = make<NSGraphicsContext>(cls);
-    context->_canvas = Canvas::pdf(title ? title->toUTF8() : "");
+    context->_canvas = Canvas::pdf(title ? acceptableText(title->toUTF16()) : "");
     return context;
 }
 

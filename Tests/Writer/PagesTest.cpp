@@ -51,6 +51,19 @@ TEST_F(PagesTest, HaveHeadersWithTheirNumbers) {
     EXPECT_THAT(pages[3], HasSubstr("The longest word that this office")) << "the note";
 }
 
+// Cairo takes noncharacters for broken text.
+TEST_F(PagesTest, ShowCodePointsThatAreNoCharacters) {
+    if (std::system("pdftotext -v 2>/dev/null")) GTEST_SKIP() << "needs pdftotext";
+    const std::string document =
+        folder.write("\uFFFF.txt", "one \uFFFE\uFDD0\xF0\x9F\xBF\xBE two \U0001F600\n");
+    const WriterRun run = set(document, {"--pdf=" + pdf});
+    EXPECT_EQ(shown(run.status, run.errors), "0 ");
+    const auto pages = pagesOf("a.pdf");
+    ASSERT_EQ(pages.size(), 1u);
+    EXPECT_THAT(pages[0], HasSubstr("one \uFFFD"));
+    EXPECT_THAT(pages[0], HasSubstr(" two "));
+}
+
 // Texts without formats are set in styles of the sheet, and divided in the languages that were found.
 TEST_F(PagesTest, AreSetByStyleSheets) {
     if (std::system("pdftotext -v 2>/dev/null")) GTEST_SKIP() << "needs pdftotext";

@@ -3,8 +3,12 @@
 
 #include <cairo-pdf.h>
 #include <cairo.h>
+#include <unicode/utf.h>
 
 #include <utility>
+
+#include "Shared/Codepoints.h"
+#include "Shared/UTF8.h"
 
 namespace pelvor {
 namespace {
@@ -19,6 +23,17 @@ cairo_status_t appendBytes(void* bytes, const unsigned char* data, unsigned leng
 }
 
 }  // namespace
+
+std::string acceptableText(std::u16string_view units) {
+    std::u16string mended;
+    mended.reserve(units.size());
+    for (std::size_t i = 0; i < units.size();) {
+        const char32_t character = codePointAt(units, i);
+        appendCodepoint(mended, U_IS_UNICODE_NONCHAR(character) ? kReplacementCharacter : character);
+        i += unitCount(character);
+    }
+    return utf8FromUnitsMending(mended);
+}
 
 std::unique_ptr<Canvas> Canvas::image(int width, int height, float scale) {
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);

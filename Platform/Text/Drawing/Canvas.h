@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "Foundation/NSGeometry.h"
 
@@ -11,6 +12,10 @@ struct _cairo;
 struct _cairo_surface;
 
 namespace pelvor {
+
+/// UTF-8 that Cairo accepts. One code point that Cairo does not take for text, such as U+FFFF, would make
+/// the whole document fail; lone halves and noncharacters become U+FFFD.
+std::string acceptableText(std::u16string_view units);
 
 /// A Cairo surface, the page that is being drawn, and the bytes that become of it. One thread at a time.
 class Canvas {

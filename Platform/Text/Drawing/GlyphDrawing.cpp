@@ -7,7 +7,6 @@
 #include <cmath>
 #include <memory>
 
-#include "Shared/UTF8.h"
 #include "Text/Drawing/Canvas.h"
 #include "Text/Fonts/FontCatalogue.h"
 #include "Text/Fonts/FontVariant.h"
@@ -86,7 +85,7 @@ struct TextClusters {
                 clear();
                 return;
             }
-            const std::string bytes = utf8FromUnitsMending({run.text + begin, end - begin});
+            const std::string bytes = acceptableText({run.text + begin, end - begin});
             clusters.push_back({static_cast<int>(bytes.size()), static_cast<int>(next - i)});
             text += bytes;
             begin = end;
