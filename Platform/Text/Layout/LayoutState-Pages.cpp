@@ -48,26 +48,43 @@ void LayoutState::layOutNext(BlockPlace place) {
     laid.startY = _frontier.y;
 }
 
-// Places one more block, or what of it was left.
+// Whether text is left to be placed, and either a container for it or a delegate to ask for one.
+bool LayoutState::canAdvance() const {
+    return !containers.empty() && !_frontier.isDone && !(_frontier.isExhausted && _frontier.isTold);
+}
+
+// Places one more block, or what of it was left. The delegate hears when that is done, since it may change
+// text and containers, and may throw.
 void LayoutState::advance() {
-    const BlockPlace place = _frontier.block;
-    layOutNext(place);
-    placeLines(_blocks.at(place));
-    if (_frontier.isExhausted) {
-        if (std::exchange(_frontier.isTold, true)) return;
-        if (_toldContainers <= _frontier.container) {
-            _toldContainers = _frontier.container + 1;
-            tellDelegate(containers[_frontier.container], false);
+    if (!_frontier.isExhausted) {
+        const BlockPlace place = _frontier.block;
+        layOutNext(place);
+        placeLines(_blocks.at(place));
+        if (!_frontier.isExhausted && _blocks.isLast(place)) {
+            _frontier.isDone = true;
+        } else if (!_frontier.isExhausted) {
+            _frontier.block = _blocks.next(place);
+            _frontier.line = 0;
         }
-        return tellDelegate(nullptr, false);
     }
-    if (_blocks.isLast(place)) {
-        _frontier.isDone = true;
+    tellOfContainers();
+}
+
+// Tells the delegate which containers are complete and, where none is left, asks for more.
+void LayoutState::tellOfContainers() {
+    const bool isEnd = _frontier.isDone;  // the delegate may lay out the rest itself, and change text
+    while (_toldContainers < _frontier.container) tellDelegate(containers[_toldContainers++], false);
+    if (isEnd && _frontier.isDone) {
         _toldContainers = _frontier.container + 1;
-        tellDelegate(containers[_frontier.container], true);
-    } else {
-        _frontier.block = _blocks.next(place);
-        _frontier.line = 0;
+        return tellDelegate(containers[_frontier.container], true);
+    }
+    if (!_frontier.isExhausted || std::exchange(_frontier.isTold, true)) return;
+    try {
+        if (_toldContainers == _frontier.container) tellDelegate(containers[_toldContainers++], false);
+        if (_frontier.isExhausted) tellDelegate(nullptr, false);
+    } catch (...) {
+        _frontier.isTold = false;  // it is asked again
+        throw;
     }
 }
 
@@ -91,7 +108,6 @@ void LayoutState::placeLines(Block& block) {
         _frontier.line = 0;
     }
     if (!_fillings.empty()) _fillings.back().end = end;
-    while (_toldContainers < _frontier.container) tellDelegate(containers[_toldContainers++], false);
 }
 
 // Places the line, whose upper edge is `top`, in this container or the next; false if there is none.

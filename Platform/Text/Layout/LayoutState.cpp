@@ -361,7 +361,7 @@ bool LayoutState::ensure(NSUInteger unit) {
         if (!_blocks.at(place).isLaid) layOutFree(place);
         return true;
     }
-    while (!_frontier.isDone && !_frontier.isExhausted && firstUnlaid() <= unit) advance();
+    while (canAdvance() && firstUnlaid() <= unit) advance();
     return _frontier.isDone || firstUnlaid() > unit;
 }
 
@@ -387,7 +387,7 @@ bool LayoutState::layOutSome(NSUInteger units) {
     const NSUInteger start = firstUnlaid();
     if (!isFree()) {
         ensure(start + std::min(units, length() - start));
-        return !_frontier.isDone && !_frontier.isExhausted;
+        return canAdvance();
     }
     BlockPlace place;
     for (NSUInteger done = 0; done < units; done += std::max<NSUInteger>(1, _blocks.at(place).units)) {
@@ -401,9 +401,8 @@ void LayoutState::ensureHeight(std::size_t container, LongExtent height) {
     if (containers.empty() || !tools.storage) return;
     blocks();
     if (!isFree()) {
-        while (
-            !_frontier.isDone && !_frontier.isExhausted &&
-            (_frontier.container < container || (_frontier.container == container && _frontier.y <= height)))
+        while (canAdvance() && (_frontier.container < container ||
+                                (_frontier.container == container && _frontier.y <= height)))
             advance();
         return;
     }

@@ -141,6 +141,7 @@ class LayoutState {
     void layOutFree(BlockPlace place);
     bool absorbNext(BlockPlace place);
     void moveEnd(BlockPlace place, std::uint32_t units);
+    bool canAdvance() const;
     void advance();
     void layOutNext(BlockPlace place);
     void placeLines(Block& block);
@@ -148,6 +149,7 @@ class LayoutState {
     bool overflows(const Line& line) const;
     void beginContainer(NSUInteger unit, LongExtent top);
     bool nextContainer();
+    void tellOfContainers();
     void tellDelegate(NSTextContainer* container, bool isEnd);
     void retreat(NSUInteger unit);
     void forgetEmptyEnd(NSUInteger changedEnd);

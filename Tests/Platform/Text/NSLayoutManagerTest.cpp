@@ -413,6 +413,7 @@ class PageMaker : public NSObject {
     void layoutManager_didCompleteLayoutForTextContainer_atEnd(NSLayoutManager* layout,
                                                                NSTextContainer* container, bool isEnd) {
         told += container ? isEnd ? "end " : "full " : "more ";
+        if (--messagesToFailure == 0) throw NSException(NSGenericException, "no paper");
         if (container) return;
         auto page = NSTextContainer::initWithContainerSize({width, 30});
         page->setLineFragmentPadding(0);
@@ -420,6 +421,7 @@ class PageMaker : public NSObject {
     }
     std::string told;
     float width = 100;
+    int messagesToFailure = 0;
 };
 PELVOR_DEFINE_CLASS(PageMaker, pageMakerLibrary) {
     methods.instance<"layoutManager:didCompleteLayoutForTextContainer:atEnd:",
@@ -440,6 +442,23 @@ TEST_F(NSLayoutManagerTest, AsksItsDelegateForContainers) {
         maker = nullptr;  // a delegate that ended is told nothing
         text.storage->replaceCharactersInRange_withString({0, 0}, u"a\nb\nc\nd\n"_ns);
         text.layoutManager->ensureLayoutForCharacterRange({0, text.storage->length()});
+    }
+}
+
+TEST_F(NSLayoutManagerTest, GoesOnBehindADelegateThatThrows) {
+    for (float width : {100.0F, 90.0F}) {
+        const NSSize page{width, 30};
+        LaidOutText text(fox(), plain(), {{100, 30}, page}),
+            whole(fox(), plain(), {{100, 30}, page, page, page, page, page});
+        auto maker = make<PageMaker>();
+        maker->width = width;
+        text.layoutManager->setDelegate(maker);
+        for (int asked = 0; asked < 3; ++asked) {
+            maker->messagesToFailure = 1;
+            EXPECT_EQ(RAISED(text.lines()), "NSGenericException: no paper") << maker->told;
+        }
+        EXPECT_EQ(text.lines(), whole.lines());
+        EXPECT_EQ(maker->told, "full full more more end ") << width;
     }
 }
 
