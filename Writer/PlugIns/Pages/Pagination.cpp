@@ -29,7 +29,11 @@ NSRange Pagination::lineAt(NSUInteger index) {
     return line;
 }
 
-NSRange Pagination::paragraphAt(NSUInteger index) { return paragraphRangeForRange(_storage, {index, 0}); }
+// Kept, for a paragraph of many pages would be walked through for each of them.
+NSRange Pagination::paragraphAt(NSUInteger index) {
+    if (!NSLocationInRange(index, _paragraph)) _paragraph = paragraphRangeForRange(_storage, {index, 0});
+    return _paragraph;
+}
 
 PageRules Pagination::rulesAt(NSUInteger index) {
     return pageRulesOf(

@@ -50,6 +50,7 @@ class Pagination {
     NSTextStorage* _storage;
     NSLayoutManager* _layoutManager;
     NSSize _room;
+    NSRange _paragraph{0, 0};  // the last one that was asked for
 };
 
 }  // namespace pelvor
