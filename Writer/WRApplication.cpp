@@ -28,12 +28,14 @@
 #include "Runtime/NSException.h"
 #include "Writer/DocumentCommands.h"
 #include "Writer/DocumentReport.h"
+#include "Writer/DocumentTrash.h"
 #include "Writer/InputText.h"
 #include "Writer/PageOutput.h"
 #include "Writer/PlugInObjects.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
 #include "Writer/TextEdit.h"
+#include "Writer/UpdateReport.h"
 #include "Writer/WRAbout.h"
 #include "Writer/WRArguments.h"
 #include "Writer/WRDocumentCounter.h"
@@ -45,6 +47,7 @@
 #include "Writer/WRProfileListing.h"
 #include "Writer/WRProgressLine.h"
 #include "Writer/WRReport.h"
+#include "Writer/WRUploader.h"
 #include "Writer/WriterLibrary.h"
 
 namespace pelvor {
@@ -131,6 +134,10 @@ int WRApplication::run() {
         return 0;
     }
     if (_arguments->hasOption(u"--about"_ns)) return printAbout();
+    if (_arguments->hasOption(u"--check-updates"_ns)) {
+        printUpdates();
+        return exitStatus();
+    }
     startUp();
     if (!_arguments->hasOption(u"--list"_ns) && openDocument()) {
         changeText();
@@ -139,11 +146,15 @@ int WRApplication::run() {
         runMainLoop();
         saveDocument();
         setPages();
+        uploadDocument();
+        trashDocument();
     }
     markMoment("end");
     if (_arguments->hasOption(u"--timing"_ns)) print(NSString::ofUTF8(_timing));
-    return !_hasFailed && std::fflush(stdout) == 0 ? 0 : 1;
+    return exitStatus();
 }
+
+int WRApplication::exitStatus() { return !_hasFailed && std::fflush(stdout) == 0 ? 0 : 1; }
 
 int WRApplication::printAbout() {
     NSString* text = make<WRAbout>()->text();
@@ -152,6 +163,11 @@ int WRApplication::printAbout() {
     else
         complain(localized(u"_The interface file \"About\" is missing or damaged."_ns));
     return text && std::fflush(stdout) == 0 ? 0 : 1;
+}
+
+void WRApplication::printUpdates() {
+    if (NSString* problem = reportUpdates(_report)) complain(problem);
+    print(_report->takeText());
 }
 
 // MARK: Stages
@@ -276,6 +292,36 @@ void WRApplication::setPages() {
         print(_report->takeText());
     }
     if (_arguments->hasOption(u"--pdf"_ns) || _arguments->hasOption(u"--png"_ns)) markMoment("pages");
+}
+
+// What cannot be taken back is not done after a failure. Complains if the user asked for it.
+bool WRApplication::isLastStepDue(NSString* option) {
+    if (!_arguments->hasOption(option)) return false;
+    if (_hasFailed)
+        complain(localizedFormat(
+            u"_The argument \"%@\" was not obeyed, because not all that was asked for was done."_ns, option));
+    return !_hasFailed;
+}
+
+// Sends what is on the disk.
+void WRApplication::uploadDocument() {
+    if (!isLastStepDue(u"--upload"_ns)) return;
+    NSString* address = _arguments->valueOfOption(u"--upload"_ns);
+    NSString* path = _arguments->valueOfOption(u"--save-as"_ns);
+    if (!path) path = _path;
+    if (NSString* problem = WRUploader::initWithProgress(_progress)->uploadFile_toAddress(path, address))
+        return complain(problem);
+    _report->addHeading(localized(u"_Sent"_ns));
+    _report->addLabel_value(localized(u"_Path"_ns), path);
+    _report->addLabel_value(localized(u"_Address"_ns), address);
+    print(_report->takeText());
+    markMoment("sent");
+}
+
+void WRApplication::trashDocument() {
+    if (!isLastStepDue(u"--trash"_ns)) return;
+    if (NSString* problem = throwDocumentAway(_path, _report)) complain(problem);
+    print(_report->takeText());
 }
 
 // MARK: The main loop

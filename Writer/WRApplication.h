@@ -35,9 +35,9 @@ class WRApplication : public NSObject {
     static Retained<WRApplication> initWithArguments_start(NSArray* arguments,
                                                            std::chrono::steady_clock::time_point start);
 
-    /// Does the program's work and returns the exit status: 0; 1 if the document could not be read, changed
-    /// or written; 2 for arguments that mean nothing. Prints to standard output, and problems to standard
-    /// error.
+    /// Does the program's work and returns the exit status: 0; 1 if the document could not be read, changed,
+    /// written, sent or thrown away, or newer versions are not known; 2 for arguments that mean nothing.
+    /// Prints to standard output, and problems to standard error.
     int run();
 
     /// Observes PBProfilesDidChangeNotification: notes the profiles that are new.
@@ -65,6 +65,8 @@ class WRApplication : public NSObject {
 
   private:
     int printAbout();
+    void printUpdates();
+    int exitStatus();
     void startUp();
     bool openDocument();
     void changeText();
@@ -80,6 +82,9 @@ class WRApplication : public NSObject {
     void showPosition(NSString* text);
     void saveDocument();
     void setPages();
+    void uploadDocument();
+    void trashDocument();
+    bool isLastStepDue(NSString* option);
     void saveOnRequest();
 
     void reportStart(NSArray* bundles);

@@ -7,6 +7,7 @@
 #include "Foundation/NSMutableString.h"
 #include "Writer/InputText.h"
 #include "Writer/LocalizedText.h"
+#include "Writer/SameFile.h"
 #include "Writer/TextEdit.h"
 #include "Writer/WriterLibrary.h"
 
@@ -103,6 +104,14 @@ constexpr ProgramOption kOptions[] = {
      .explanation = u"_the pixels an inch of images, 96 by default"_ns,
      .needed = u"--png"_ns,
      .least = 1},
+    {.kind = OptionKind::text,
+     .name = u"--upload"_ns,
+     .placeholder = u"URL"_ns,
+     .explanation = u"_sends the file that was written, or else the one that was read, to a server"_ns},
+    {.kind = OptionKind::flag,
+     .name = u"--trash"_ns,
+     .placeholder = u""_ns,
+     .explanation = u"_moves the document's file to the trash in the end"_ns},
     {.kind = OptionKind::flag,
      .name = u"--stay"_ns,
      .placeholder = u""_ns,
@@ -112,6 +121,10 @@ constexpr ProgramOption kOptions[] = {
      .name = u"--encodings"_ns,
      .placeholder = u""_ns,
      .explanation = u"_lists the names of encodings and nothing else"_ns},
+    {.kind = OptionKind::flag,
+     .name = u"--check-updates"_ns,
+     .placeholder = u""_ns,
+     .explanation = u"_asks a server for newer versions and nothing else"_ns},
     {.kind = OptionKind::flag,
      .name = u"--list"_ns,
      .placeholder = u""_ns,
@@ -229,6 +242,22 @@ void WRArguments::checkTogether() {
         if (option.needed && hasOption(option.name) && !hasNeeded(option))
             _problem.set(localizedFormat(u"_The argument \"%@\" needs another: \"%@\"."_ns, option.name,
                                          option.needed));
+    checkFiles();
+}
+
+// The sample is the program's, and is neither sent nor thrown away. What is thrown away is not written to.
+void WRArguments::checkFiles() {
+    const auto checkFile = [this](NSString* option, bool isThere) {
+        if (hasOption(option) && !isThere)
+            _problem.set(localizedFormat(u"_The argument \"%@\" needs a document."_ns, option));
+    };
+    checkFile(u"--upload"_ns, _documentPath || hasOption(u"--save-as"_ns));
+    checkFile(u"--trash"_ns, static_cast<bool>(_documentPath));
+    if (_problem || !hasOption(u"--trash"_ns)) return;
+    for (NSString* option : {u"--save-as"_ns, u"--pdf"_ns, u"--png"_ns})
+        if (NSString* path = valueOfOption(option); path && isSameFile(path, _documentPath))
+            _problem.set(
+                localizedFormat(u"_The arguments \"%@\" and \"--trash\" name the same file."_ns, option));
 }
 
 bool WRArguments::hasOption(NSString* name) { return _values->objectForKey(name); }

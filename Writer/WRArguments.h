@@ -49,6 +49,7 @@ class WRArguments : public NSObject {
     void takeValue(const ProgramOption& option, NSString* value);
     void addValue(NSString* name, NSString* value);
     void checkTogether();
+    void checkFiles();
 
     Retained<NSString> _problem;
     Retained<NSString> _documentPath;

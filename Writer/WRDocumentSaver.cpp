@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/WRDocumentSaver.h"
 
-#include <filesystem>
-
 #include "Foundation/NSArray.h"
 #include "Foundation/NSAttributedString.h"
 #include "Foundation/NSMutableDictionary.h"
@@ -13,6 +11,7 @@
 #include "Writer/PlugInObjects.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
+#include "Writer/SameFile.h"
 #include "Writer/WRDocument.h"
 #include "Writer/WriterLibrary.h"
 
@@ -26,12 +25,6 @@ bool hasFidelity(WRDocument* document, NSString* fidelity) {
 bool isRich(PBProfile* profile) {
     auto* value = cast<NSNumber>(profile->valueForKey(PBProfileRichnessKey));
     return value && value->boolValue();
-}
-
-bool isSameFile(NSString* path, NSString* other) {
-    std::error_code error;
-    return std::filesystem::equivalent(path->fileSystemRepresentation(), other->fileSystemRepresentation(),
-                                       error);
 }
 
 NSMutableDictionary* optionsFor(WRDocument* document, NSString* encodingName) {

@@ -18,6 +18,7 @@
 #include "Writer/WRProfileListing.h"
 #include "Writer/WRProgressLine.h"
 #include "Writer/WRReport.h"
+#include "Writer/WRUploader.h"
 
 namespace pelvor {
 namespace {
@@ -31,7 +32,7 @@ constexpr Class* kClasses[] = {
     &WRDocumentCounter::classRecord, &WRDocumentOpener::classRecord,  &WRDocumentSaver::classRecord,
     &WRFileSentry::classRecord,      &WRLanguage::classRecord,        &WRMainLoop::classRecord,
     &WRPlugInLoader::classRecord,    &WRProfileListing::classRecord,  &WRProgressLine::classRecord,
-    &WRReport::classRecord,
+    &WRReport::classRecord,          &WRUploader::classRecord,
 };
 
 }  // namespace

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/Pages/WRPageSetter.h"
 
-#include <filesystem>
-
 #include "Foundation/NSBundle.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
@@ -17,6 +15,7 @@
 #include "Writer/PlugIns/Pages/PagesPlugIn.h"
 #include "Writer/PlugIns/Pages/StyleSheet.h"
 #include "Writer/PlugIns/TextFiles/TextFileReading.h"
+#include "Writer/SameFile.h"
 
 namespace pelvor {
 
@@ -76,13 +75,9 @@ NSDictionary* settingsFor(const PageWishes& wishes, NSDictionary* options) {
 NSString* keptAmong(NSArray* paths, NSDictionary* options) {
     auto* kept = cast<NSArray>(options->objectForKey(WRKeptPathsKey));
     for (NSUInteger i = 0; kept && i < kept->count(); ++i)
-        for (id path : paths) {
-            std::error_code error;
-            if (std::filesystem::equivalent(
-                    static_cast<NSString*>(path)->fileSystemRepresentation(),
-                    static_cast<NSString*>(kept->objectAtIndex(i))->fileSystemRepresentation(), error))
+        for (id path : paths)
+            if (isSameFile(static_cast<NSString*>(path), static_cast<NSString*>(kept->objectAtIndex(i))))
                 return static_cast<NSString*>(path);
-        }
     return nullptr;
 }
 
