@@ -79,7 +79,7 @@ void checkClass(Wire<T> value, Object* receiver, SEL selector, int position) {
 }
 
 template <class... A>
-void checkClasses(Object* receiver, SEL selector, Wire<A>... arguments) {
+void checkClasses([[maybe_unused]] Object* receiver, [[maybe_unused]] SEL selector, Wire<A>... arguments) {
     [[maybe_unused]] int position = 0;
     (checkClass<A>(arguments, receiver, selector, ++position), ...);
 }
