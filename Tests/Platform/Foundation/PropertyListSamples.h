@@ -8,6 +8,7 @@
 #include "Foundation/NSPropertyListError.h"
 #include "Foundation/NSPropertyListSerialization.h"
 #include "Prelude.h"
+#include "Sanitizers.h"
 
 namespace pelvor::testing {
 
@@ -103,12 +104,14 @@ inline id nestedArrays(unsigned depth) {
     return array;
 }
 
-/// Runs the work on a thread with a stack of 256 KiB.
+/// Runs the work on a thread with a stack of 256 KiB, or where frames are larger than usual, of four times as
+/// much.
 template <class Work>
 void runOnSmallStack(Work work) {
+    constexpr std::size_t kStack = (PELVOR_ADDRESS_SANITIZER ? 1024 : 256) * 1024;
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, 256 * 1024);
+    pthread_attr_setstacksize(&attributes, kStack);
     pthread_t thread;
     auto start = [](void* context) -> void* {
         AutoreleasePool pool;
