@@ -61,7 +61,7 @@ TEST_F(PagesTest, ShowCodePointsThatAreNoCharacters) {
     const auto pages = pagesOf("a.pdf");
     ASSERT_EQ(pages.size(), 1u);
     EXPECT_THAT(pages[0], HasSubstr("one \uFFFD"));
-    EXPECT_THAT(pages[0], HasSubstr(" two "));
+    EXPECT_THAT(pages[0], HasSubstr(" two"));
 }
 
 // Texts without formats are set in styles of the sheet, and divided in the languages that were found.
