@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
         require(mark + encodeUnits(units, encoding).value() == bytes);
     }
     checkParagraphs(units);
-    const std::u16string text = textOfMarkdown(units);
+    const std::u16string text = textOfMarkdown(units).text;
     require(text.size() <= units.size() + 1);
     require(text.empty() || text.back() == u'\n');
     return 0;
