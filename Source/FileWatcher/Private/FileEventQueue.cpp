@@ -259,10 +259,12 @@ bool FileEventQueue::hasWatches() {
 
 FileEventQueue::Event FileEventQueue::wait() {
     Event event;
-    if (next(event)) return event;
+    // Who was told to stop waiting may have been told before he began.
+    if (next(event) || std::exchange(_isWoken, false)) return event;
     epoll_event ready;
     epoll_wait(_ready, &ready, 1, -1);
     next(event);
+    _isWoken = false;
     return event;
 }
 
@@ -288,6 +290,7 @@ void FileEventQueue::receive() {
     const ssize_t length = read(_inotify, buffer, sizeof buffer);
     std::uint64_t expirations;
     const bool looks = _timerIsSet && read(_timer, &expirations, sizeof expirations) > 0;
+    if (looks) _isWoken = true;
     if (length <= 0 && !looks) return;
     std::lock_guard lock(_mutex);
     for (const char* place = buffer; place < buffer + std::max<ssize_t>(length, 0);) {

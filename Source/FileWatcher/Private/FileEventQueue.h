@@ -115,6 +115,7 @@ class FileEventQueue {
     int _inotify = -1;
     int _timer = -1;  // for polling and for `wake`
     std::atomic<bool> _timerIsSet{false};
+    bool _isWoken = false;  // since the last wait; of the thread that waits
     std::atomic<bool> _hasToldLimit{false};
     bool _pollsAll = false;
     Watch _last = 0;
