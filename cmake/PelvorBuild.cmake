@@ -16,8 +16,9 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
 endif()
 
-# Paths inside the source folder are hashed relative to it: worktrees and clones share one cache. What the sloppiness
-# names lets precompiled headers share it too.
+# Paths inside the source folder are hashed relative to it: worktrees and clones share one cache. The sloppiness lets
+# sources with precompiled headers into it. The headers themselves stay out: one from the cache of another worktree was
+# older than the sources beside it.
 find_program(PELVOR_CCACHE ccache)
 if(PELVOR_CCACHE AND (NOT CMAKE_CXX_COMPILER_LAUNCHER OR CMAKE_CXX_COMPILER_LAUNCHER MATCHES "ccache$"))
     set(CMAKE_CXX_COMPILER_LAUNCHER

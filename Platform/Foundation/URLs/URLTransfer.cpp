@@ -157,11 +157,14 @@ URLTransfer::~URLTransfer() {
 
 // What libcurl calls. Nothing is thrown through libcurl.
 struct URLTransfer::Callbacks {
-    static std::size_t receiveHead(char* bytes, std::size_t, std::size_t count, void* self) {
-        return static_cast<URLTransfer*>(self)->receiveHead({bytes, count}) ? count : 0;
-    }
-    static std::size_t receiveBody(char* bytes, std::size_t, std::size_t count, void* self) {
-        return static_cast<URLTransfer*>(self)->receiveBody({bytes, count}) ? count : 0;
+    // Taking less than what arrived ends the load.
+    template <bool (URLTransfer::*receive)(std::string_view)>
+    static std::size_t take(char* bytes, std::size_t, std::size_t count, void* self) {
+        try {
+            return (static_cast<URLTransfer*>(self)->*receive)({bytes, count}) ? count : 0;
+        } catch (const std::exception&) {  // no memory is left
+            return 0;
+        }
     }
     static int hearOfProgress(void* self, curl_off_t, curl_off_t, curl_off_t, curl_off_t sent) {
         auto* transfer = static_cast<URLTransfer*>(self);
@@ -178,6 +181,8 @@ struct URLTransfer::Callbacks {
             if (transfer->_watch) transfer->_watch(descriptor, events);
         } catch (const NSException& exception) {
             transfer->fail(NSURLErrorUnknown, exception.reason());
+        } catch (const std::exception&) {
+            return -1;
         }
         return 0;
     }
@@ -208,9 +213,9 @@ bool URLTransfer::prepare(const Watch& watch) {
     set(CURLOPT_USERAGENT, "Pelvor");
     set(CURLOPT_ERRORBUFFER, &_reason[0]);
     set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(_request->maximumResponseLength()));
-    set(CURLOPT_HEADERFUNCTION, &Callbacks::receiveHead);
+    set(CURLOPT_HEADERFUNCTION, &Callbacks::take<&URLTransfer::receiveHead>);
     set(CURLOPT_HEADERDATA, this);
-    set(CURLOPT_WRITEFUNCTION, &Callbacks::receiveBody);
+    set(CURLOPT_WRITEFUNCTION, &Callbacks::take<&URLTransfer::receiveBody>);
     set(CURLOPT_WRITEDATA, this);
     set(CURLOPT_NOPROGRESS, 0L);
     set(CURLOPT_XFERINFOFUNCTION, &Callbacks::hearOfProgress);
