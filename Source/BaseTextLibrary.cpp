@@ -3,7 +3,6 @@
 
 #include "BaseLibrary.h"
 #include "NSAttributedString-PelvorAdditions.h"
-#include "NSEvent-PelvorAdditions.h"
 #include "NSFont-PelvorAdditions.h"
 #include "NSLayoutManager-PelvorAdditions.h"
 #include "NSParagraphStyle-PelvorAdditions.h"
@@ -26,7 +25,6 @@ constexpr Class* kClasses[] = {
 };
 constexpr const Category* kCategories[] = {
     &NSAttributedString_PelvorAdditions_category,
-    &NSEvent_PelvorAdditions_category,
     &NSFont_PelvorAdditions_category,
     &NSLayoutManager_PBInternalsExposed_category,
     &NSLayoutManager_PelvorAdditions_category,

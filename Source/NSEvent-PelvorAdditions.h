@@ -2,7 +2,7 @@
 // Whether modifier keys are held down, asked at any time.
 #pragma once
 
-#include "Text/NSEvent.h"
+#include "Interface/NSEvent.h"
 
 namespace pelvor {
 

@@ -20,7 +20,6 @@ class NSTextTab;                ///< a tab stop
 
 // Text and its layout
 class NSContainerRunTable;   ///< which glyphs stand in which container
-class NSEvent;               ///< what the user does, and which modifier keys are down
 class NSLayoutManager;       ///< sets a text in lines and tells where everything stands
 class NSTextAttachment;      ///< what stands on an attachment character
 class NSTextAttachmentCell;  ///< measures and draws an attachment

@@ -4,7 +4,6 @@
 #include "Foundation/FoundationLibrary.h"
 #include "Text/NSColor.h"
 #include "Text/NSContainerRunTable.h"
-#include "Text/NSEvent.h"
 #include "Text/NSFont.h"
 #include "Text/NSFontDescriptor.h"
 #include "Text/NSFontManager.h"
@@ -28,7 +27,6 @@ constexpr Library* kDependencies[] = {&foundationLibrary};
 constexpr Class* kClasses[] = {
     &NSColor::classRecord,
     &NSContainerRunTable::classRecord,
-    &NSEvent::classRecord,
     &NSFont::classRecord,
     &NSFontDescriptor::classRecord,
     &NSFontManager::classRecord,

@@ -3,7 +3,6 @@
 #include "NSAttributedString-PelvorAdditions.h"
 
 #include "BaseTextLibrary.h"
-#include "NSEvent-PelvorAdditions.h"
 #include "PBRangeUtil.h"
 #include "Prelude.h"
 #include "Text/NSMutableParagraphStyle.h"
@@ -275,15 +274,6 @@ TEST_F(AttributedAdditionsTest, PluralAttributesAreSets) {
     EXPECT_EQ(attributesAtIndex(text, 7)->count(), 0u);
     EXPECT_EQ(RAISED(addPluralAttribute_value_range(text, key, nullptr, {0, 1})),
               "NSInvalidArgumentException: addPluralAttribute:value:range: the value is null");
-}
-
-TEST_F(AttributedAdditionsTest, KeysAreAskedOfWhoShowsWindows) {
-    EXPECT_FALSE(NSEvent_PelvorAdditions::isShiftKeyDown());
-    setKeyModifierSource([] { return std::uint32_t{0x900}; });
-    EXPECT_EQ(shown(NSEvent_PelvorAdditions::isCommandKeyDown(), NSEvent_PelvorAdditions::isShiftKeyDown(),
-                    NSEvent_PelvorAdditions::isOptionKeyDown()),
-              "1 0 1");
-    setKeyModifierSource(nullptr);
 }
 
 }  // namespace

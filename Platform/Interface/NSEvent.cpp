@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Text/NSEvent.h"
+#include "Interface/NSEvent.h"
 
 #include <atomic>
 
-#include "Text/TextLibrary.h"
+#include "Interface/InterfaceLibrary.h"
 
 namespace pelvor {
 namespace {
@@ -12,7 +12,7 @@ constinit std::atomic<KeyModifierSource> keyModifierSource{nullptr};
 
 }  // namespace
 
-PELVOR_DEFINE_CLASS(NSEvent, textLibrary) {}
+PELVOR_DEFINE_CLASS(NSEvent, interfaceLibrary) {}
 
 void setKeyModifierSource(KeyModifierSource source) { keyModifierSource = source; }
 
