@@ -7,6 +7,14 @@
 namespace pelvor {
 
 // Events
-class NSEvent;  ///< what the user does, and which modifier keys are down
+class NSApplication;  ///< the program's events, windows and end
+class NSCursor;       ///< the picture of the pointer
+class NSEvent;        ///< what the user does, and which modifier keys are down
+class NSResponder;    ///< what takes events or hands them to the next responder
+
+// Windows and views
+class NSScreen;  ///< a monitor
+class NSView;    ///< a rectangle that draws itself and takes events
+class NSWindow;  ///< a window with a tree of views
 
 }  // namespace pelvor
