@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // A property list as a style sheet: it is refused with a place and a reason, or its styles set a text.
-#include "Writer/PlugIns/Pages/StyleSheet.h"
+#include "Writer/Pages/StyleSheet.h"
 
 #include "Foundation/NSData.h"
 #include "Foundation/NSPropertyListSerialization.h"

@@ -11,8 +11,8 @@
 #include "Runtime/AutoreleasePool.h"
 #include "Text/NSColor.h"
 #include "Text/NSGraphicsContext.h"
+#include "Writer/Pages/PageDocument.h"
 #include "Writer/PlugInProtocol.h"
-#include "Writer/PlugIns/Pages/PageDocument.h"
 #include "Writer/PlugIns/TextFiles/TextFileWriting.h"
 
 namespace pelvor {
@@ -52,10 +52,11 @@ NSDictionary* answerOf(PageDocument& document, NSArray* paths, unsigned long lon
 }  // namespace
 
 NSDictionary* writePDF(PageDocument& document, NSString* title, NSString* path) {
+    const NSUInteger count = document.pageCount();
     auto context = NSGraphicsContext::initForPDFWithTitle(title);
     {
         DrawingScope scope(context);
-        for (NSUInteger page = 0; page < document.pageCount(); ++page) {
+        for (NSUInteger page = 0; page < count; ++page) {
             context->beginPageWithSize(document.frame().paper);
             document.drawPage(page);
         }
@@ -89,8 +90,9 @@ bool hasImageOfScale(const PageDocument& document, float scale) {
 
 NSDictionary* writeImages(PageDocument& document, float scale, NSArray* paths) {
     const NSSize paper = document.frame().paper;
+    const NSUInteger count = document.pageCount();
     unsigned long long bytes = 0;
-    for (NSUInteger page = 0; page < document.pageCount(); ++page) {
+    for (NSUInteger page = 0; page < count; ++page) {
         Retained<NSDictionary> failure;
         {
             AutoreleasePool pool;

@@ -1,21 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/Pages/PagesPlugIn.h"
 
-#include "BaseTextLibrary.h"
-#include "Writer/PlugIns/Pages/WRPageLayoutManager.h"
+#include "Writer/Pages/PagesLibrary.h"
 #include "Writer/PlugIns/Pages/WRPageSetter.h"
-#include "Writer/PlugIns/Pages/WRPictureCell.h"
-#include "Writer/PlugIns/Pages/WRSheetParagraphStyle.h"
 
 namespace pelvor {
 namespace {
 
-constexpr Library* kDependencies[] = {&baseTextLibrary};
-constexpr Class* kClasses[] = {&WRPageLayoutManager::classRecord, &WRPageSetter::classRecord,
-                               &WRPictureCell::classRecord, &WRSheetParagraphStyle::classRecord};
+constexpr Library* kDependencies[] = {&pagesLibrary};
+constexpr Class* kClasses[] = {&WRPageSetter::classRecord};
 
 }  // namespace
 
 constinit Library pagesPlugIn{"Pages", kDependencies, kClasses, {}};
 
 }  // namespace pelvor
+
+PELVOR_PLUGIN(pelvor::pagesPlugIn)

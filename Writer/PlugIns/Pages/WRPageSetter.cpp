@@ -9,11 +9,11 @@
 #include "PBUtil.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
+#include "Writer/Pages/PageDocument.h"
+#include "Writer/Pages/StyleSheet.h"
 #include "Writer/PlugInProtocol.h"
-#include "Writer/PlugIns/Pages/PageDocument.h"
 #include "Writer/PlugIns/Pages/PageFiles.h"
 #include "Writer/PlugIns/Pages/PagesPlugIn.h"
-#include "Writer/PlugIns/Pages/StyleSheet.h"
 #include "Writer/PlugIns/TextFiles/TextFileReading.h"
 #include "Writer/SameFile.h"
 
@@ -40,8 +40,7 @@ struct PageWishes {
 
 PageWishes wishesOf(NSDictionary* options) {
     PageWishes wishes;
-    NSBundle* bundle = NSBundle::bundleForClass(WRPageSetter::classObject());
-    NSString* path = bundle->pathForResource_ofType(u"Default"_ns, u"plist"_ns);
+    NSString* path = NSBundle::mainBundle()->pathForResource_ofType(u"Default"_ns, u"plist"_ns);
     wishes.defaults = StyleSheet::read(path ? path : u"Default.plist"_ns, &wishes.problem);
     if (NSString* named = stringEntry(options, WRStyleSheetKey); named && !wishes.problem)
         wishes.sheet = StyleSheet::read(named, &wishes.problem);

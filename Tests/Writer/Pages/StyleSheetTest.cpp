@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Writer/PlugIns/Pages/StyleSheet.h"
+#include "Writer/Pages/StyleSheet.h"
 
 #include "Foundation/NSMutableAttributedString.h"
 #include "Foundation/NSNumber.h"

@@ -2,7 +2,9 @@
 // A document set in pages.
 #pragma once
 
-#include "Writer/PlugIns/Pages/Pagination.h"
+#include <optional>
+
+#include "Writer/Pages/Pagination.h"
 
 namespace pelvor {
 
@@ -11,7 +13,7 @@ class NSDictionary;
 class NSMutableArray;
 
 /// Where things stand on a page, in points.
-struct PageFrame {
+struct PELVOR_EXPORT PageFrame {
     NSSize paper;
     float left = 0, right = 0, top = 0, bottom = 0;  // margins
     float headerPlace = 0, footerPlace = 0;          // from the edges of the paper
@@ -28,7 +30,7 @@ struct PageFrame {
 ///     if (!document.hasRoom()) return;
 ///     context->beginPageWithSize(document.frame().paper);
 ///     document.drawPage(0);
-class PageDocument {
+class PELVOR_EXPORT PageDocument {
   public:
     /// The settings are those of PlugInProtocol.h. Headers and footers that are higher than their margins
     /// take from the room of the text.
@@ -36,12 +38,20 @@ class PageDocument {
 
     /// Whether the margins leave room for text. Without it there are no pages.
     bool hasRoom() const;
-    NSUInteger pageCount() const { return static_cast<NSUInteger>(_pages.size()); }
-    const std::vector<PageText>& pages() const { return _pages; }
+    /// All pages; finds those that were not found yet.
+    NSUInteger pageCount();
+    /// The pages that were found so far, and whether these are all.
+    const std::vector<PageText>& pages() const PELVOR_LIFETIMEBOUND;
+    bool isComplete() const { return !_pagination || _pagination->isComplete(); }
+    /// Finds pages until there are so many, or all.
+    void findPages(NSUInteger count);
     const PageFrame& frame() const { return _frame; }
 
-    /// Draws the page with the index into the current graphics context.
+    /// Draws a page that was found into the current graphics context. Where a header or footer has the number
+    /// of pages, it is that of the pages found so far.
     void drawPage(NSUInteger index);
+    NSTextStorage* textStorage() { return _storage; }
+    NSLayoutManager* layoutManager() { return _layoutManager; }
     /// Why pictures could not be drawn so far, each reason once, borrowed.
     NSArray* problems();
 
@@ -58,7 +68,7 @@ class PageDocument {
     Retained<NSMutableArray> _cells;  // of all pictures
     Retained<NSTextStorage> _storage;
     Retained<NSLayoutManager> _layoutManager;
-    std::vector<PageText> _pages;
+    std::optional<Pagination> _pagination;  // none where there is no room
 };
 
 }  // namespace pelvor

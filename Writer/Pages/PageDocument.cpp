@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Writer/PlugIns/Pages/PageDocument.h"
+#include "Writer/Pages/PageDocument.h"
 
 #include <algorithm>
 
@@ -13,9 +13,9 @@
 #include "Text/NSTextAttachment.h"
 #include "Text/NSTextTab.h"
 #include "Text/TextAttributes.h"
+#include "Writer/Pages/WRPageLayoutManager.h"
+#include "Writer/Pages/WRPictureCell.h"
 #include "Writer/PlugInProtocol.h"
-#include "Writer/PlugIns/Pages/WRPageLayoutManager.h"
-#include "Writer/PlugIns/Pages/WRPictureCell.h"
 
 namespace pelvor {
 namespace {
@@ -84,10 +84,24 @@ PageDocument::PageDocument(NSAttributedString* text, NSDictionary* settings)
     _storage = storageOf(text);
     _layoutManager = WRPageLayoutManager::init();
     _storage->addLayoutManager(_layoutManager);
-    _pages = Pagination(_storage, _layoutManager, {_frame.width(), _frame.height()}).pages();
+    _pagination.emplace(_storage, _layoutManager, NSSize{_frame.width(), _frame.height()});
 }
 
 bool PageDocument::hasRoom() const { return _frame.width() >= kLeastRoom && _frame.height() >= kLeastRoom; }
+
+void PageDocument::findPages(NSUInteger count) {
+    if (_pagination) _pagination->findPages(count);
+}
+
+NSUInteger PageDocument::pageCount() {
+    findPages(NSNotFound);
+    return static_cast<NSUInteger>(pages().size());
+}
+
+const std::vector<PageText>& PageDocument::pages() const {
+    static const std::vector<PageText> kNone;
+    return _pagination ? _pagination->pages() : kNone;
+}
 
 // Pictures get cells that draw; the document's own attachments stay as they are.
 Retained<NSTextStorage> PageDocument::storageOf(NSAttributedString* text) {
@@ -114,7 +128,8 @@ float PageDocument::setLine(NSAttributedString* line, NSUInteger page, Function 
     AutoreleasePool pool;
     auto storage = storageOf(line);
     put(storage, WRPageNumberCharacter, NSNumber::numberWithUnsignedInt(page + 1));
-    put(storage, WRPageCountCharacter, NSNumber::numberWithUnsignedInt(pageCount()));
+    put(storage, WRPageCountCharacter,
+        NSNumber::numberWithUnsignedInt(static_cast<NSUInteger>(pages().size())));
     put(storage, WRTitleCharacter, _title);
     dropLastLineEnd(storage);
     addTabs(storage, _frame.width());
@@ -143,7 +158,7 @@ void PageDocument::drawLine(NSAttributedString* line, NSUInteger page, bool isHe
 void PageDocument::drawPage(NSUInteger index) {
     AutoreleasePool pool;
     drawLine(_header, index, true);
-    const NSRange range = _pages[index].range;
+    const NSRange range = pages()[index].range;
     _layoutManager->drawBackgroundForGlyphRange_atPoint(range, {_frame.left, _frame.top});
     _layoutManager->drawGlyphsForGlyphRange_atPoint(range, {_frame.left, _frame.top});
     drawLine(_footer, index, false);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Writer/PlugIns/Pages/Pagination.h"
+#include "Writer/Pages/Pagination.h"
 
 #include "Foundation/NSMutableAttributedString.h"
 #include "Foundation/NSMutableDictionary.h"
@@ -54,7 +54,9 @@ std::string pagesOf(const std::string& words, float room = 5 * kLineHeight, floa
     storage->addLayoutManager(layoutManager);
     std::string pages;
     NSUInteger end = 0;
-    for (const PageText& page : Pagination(storage, layoutManager, {width, room}).pages()) {
+    Pagination pagination(storage, layoutManager, {width, room});
+    for (std::size_t count = 1; !pagination.isComplete(); ++count) pagination.findPages(count);
+    for (const PageText& page : pagination.pages()) {
         if (end > 0) pages += '|';
         EXPECT_EQ(page.range.location, end);
         end = NSMaxRange(page.range);

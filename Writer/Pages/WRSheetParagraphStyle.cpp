@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Writer/PlugIns/Pages/WRSheetParagraphStyle.h"
+#include "Writer/Pages/WRSheetParagraphStyle.h"
 
 #include "Runtime/Message.h"
-#include "Writer/PlugIns/Pages/PagesPlugIn.h"
+#include "Writer/Pages/PagesLibrary.h"
 
 namespace pelvor {
 
-PELVOR_DEFINE_CLASS(WRSheetParagraphStyle, pagesPlugIn) {
+PELVOR_DEFINE_CLASS(WRSheetParagraphStyle, pagesLibrary) {
     methods.instance<"isKeepWithNext", &WRSheetParagraphStyle::isKeepWithNext>();
     methods.instance<"isKeepTogether", &WRSheetParagraphStyle::isKeepTogether>();
     methods.instance<"isPageBreakBefore", &WRSheetParagraphStyle::isPageBreakBefore>();

@@ -15,13 +15,12 @@
 #include "Foundation/NSScanner.h"
 #include "NSAttributedString-PelvorAdditions.h"
 #include "NSMutableString-PelvorAdditions.h"
-#include "PBUtil.h"
 #include "Text/NSColor.h"
 #include "Text/NSTextTab.h"
 #include "Text/TextAttributes.h"
+#include "Writer/LocalizedText.h"
+#include "Writer/Pages/StyleSheet.h"
 #include "Writer/PlugInProtocol.h"
-#include "Writer/PlugIns/Pages/StyleSheet.h"
-#include "Writer/PlugIns/Pages/WRPageSetter.h"
 
 namespace pelvor {
 namespace {
@@ -98,16 +97,15 @@ class StyleSheetReader {
     template <class... Arguments>
     void fail(NSString* key, const Arguments&... arguments) {
         if (_problem) return;
-        NSString* what = NSString::stringWithFormat(translated(key), arguments...);
+        NSString* what = NSString::stringWithFormat(localized(key), arguments...);
         NSString* place = u""_ns;
         for (const std::u16string& step : _place)
             place = NSString::stringWithFormat(place->length() ? u"%@ / %@"_ns : u"%@%@"_ns, place,
                                                NSString::of(step));
-        _problem = NSString::stringWithFormat(translated(u"_The style sheet \"%@\" at \"%@\": %@"_ns), _path,
+        _problem = NSString::stringWithFormat(localized(u"_The style sheet \"%@\" at \"%@\": %@"_ns), _path,
                                               place, what);
     }
     static std::u16string keyOf(NSString* name) { return name->lowercaseString()->toUTF16(); }
-    static NSString* translated(NSString* key) { return _PBDoLocalize(key, WRPageSetter::classObject()); }
 
     NSString* _path;
     NSDictionary* _list;
@@ -461,10 +459,9 @@ std::optional<StyleSheet> StyleSheet::read(NSString* path, NSString** problem) {
         path, NSPropertyListImmutable, nullptr, &error);
     auto* dictionary = cast<NSDictionary>(list);
     if (!dictionary) {
-        const auto translated = [](NSString* key) { return _PBDoLocalize(key, WRPageSetter::classObject()); };
         *problem = NSString::stringWithFormat(
-            translated(u"_The style sheet \"%@\" could not be read: %@"_ns), path,
-            error ? error->description() : translated(u"_a dictionary is needed."_ns));
+            localized(u"_The style sheet \"%@\" could not be read: %@"_ns), path,
+            error ? error->description() : localized(u"_a dictionary is needed."_ns));
         return {};
     }
     return of(dictionary, path, problem);

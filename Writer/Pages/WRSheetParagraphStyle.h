@@ -16,10 +16,10 @@ struct PageRules {
 };
 
 /// The rules of a paragraph style that has the messages of their names, of whatever class.
-PageRules pageRulesOf(Object* style);
+PELVOR_EXPORT PageRules pageRulesOf(Object* style);
 
 /// A paragraph style with rules for pages, as style sheets give them. Immutable, any thread.
-class WRSheetParagraphStyle : public NSParagraphStyle, NSParagraphStyle::HiddenCreators {
+class PELVOR_EXPORT WRSheetParagraphStyle : public NSParagraphStyle, NSParagraphStyle::HiddenCreators {
     PELVOR_CLASS(WRSheetParagraphStyle, NSParagraphStyle);
 
   public:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Writer/PlugIns/Pages/Pagination.h"
+#include "Writer/Pages/Pagination.h"
 
 #include <algorithm>
 
@@ -7,7 +7,7 @@
 #include "NSTextStorage-PelvorAdditions.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Text/TextAttributes.h"
-#include "Writer/PlugIns/Pages/WRSheetParagraphStyle.h"
+#include "Writer/Pages/WRSheetParagraphStyle.h"
 
 namespace pelvor {
 namespace {
@@ -40,33 +40,30 @@ PageRules Pagination::rulesAt(NSUInteger index) {
         _storage->attribute_atIndex_effectiveRange(NSParagraphStyleAttributeName, index, nullptr));
 }
 
+void Pagination::findPages(std::size_t count) {
+    while (!_isComplete && _pages.size() < count) findNextPage();
+}
+
 // There is always a container behind the page at work, so that the lines behind the page are known.
-std::vector<PageText> Pagination::pages() {
-    std::vector<PageText> pages;
+void Pagination::findNextPage() {
+    AutoreleasePool pool;
     const NSUInteger length = _storage->length();
-    NSTextContainer* container = addContainer();
-    for (NSUInteger start = 0;; start = NSMaxRange(pages.back().range)) {
-        AutoreleasePool pool;
-        NSTextContainer* next = addContainer();
-        NSRange range = _layoutManager->glyphRangeForTextContainer(container);
-        if (range.length > 0) {
-            if (const NSUInteger end = endOf(range); end < NSMaxRange(range)) {
-                const NSRect line =
-                    _layoutManager->lineFragmentRectForGlyphAtIndex_effectiveRange(end, nullptr);
-                container->setContainerSize({_room.width, line.origin.y});
-                range = _layoutManager->glyphRangeForTextContainer(container);
-            }
-        }
-        pages.push_back(
-            {Retained<NSTextContainer>::retaining(container), {start, NSMaxRange(range) - start}});
-        container = next;
-        const bool isDone = NSMaxRange(range) >= length || range.length == 0;
-        if (isDone &&
-            (length == 0 || range.length == 0 || _storage->string()->characterAtIndex(length - 1) != u'\f'))
-            break;
+    const NSUInteger start = _pages.empty() ? 0 : NSMaxRange(_pages.back().range);
+    auto container = _next ? std::move(_next) : Retained<NSTextContainer>::retaining(addContainer());
+    _next.set(addContainer());
+    NSRange range = _layoutManager->glyphRangeForTextContainer(container);
+    if (const NSUInteger end = range.length > 0 ? endOf(range) : NSMaxRange(range); end < NSMaxRange(range)) {
+        const NSRect line = _layoutManager->lineFragmentRectForGlyphAtIndex_effectiveRange(end, nullptr);
+        container->setContainerSize({_room.width, line.origin.y});
+        range = _layoutManager->glyphRangeForTextContainer(container);
     }
+    _pages.push_back({std::move(container), {start, NSMaxRange(range) - start}});
+    const bool isAtEnd = NSMaxRange(range) >= length || range.length == 0;
+    _isComplete = isAtEnd && (length == 0 || range.length == 0 ||
+                              _storage->string()->characterAtIndex(length - 1) != u'\f');
+    if (!_isComplete) return;
     _layoutManager->removeTextContainerAtIndex(_layoutManager->textContainers()->count() - 1);
-    return pages;
+    _next = nullptr;
 }
 
 NSUInteger Pagination::endOf(NSRange page) {

@@ -8,7 +8,7 @@
 #include "Text/NSLayoutManager.h"
 #include "Text/NSTextContainer.h"
 #include "Text/NSTextStorage.h"
-#include "Writer/PlugIns/Pages/WRSheetParagraphStyle.h"
+#include "Writer/Pages/WRSheetParagraphStyle.h"
 
 namespace pelvor {
 
@@ -28,15 +28,26 @@ struct PageText {
 ///   give way.
 ///
 /// A text that is empty, or ends with a form feed, has an empty page at its end.
-class Pagination {
+///
+/// Pages are found from the front on when somebody wants them, so that the first page does not wait for the
+/// last.
+class PELVOR_EXPORT Pagination {
   public:
-    /// The storage has the layout manager, which has no containers yet. `room` is that of each page.
+    /// The storage has the layout manager, which has no containers yet. `room` is that of each page. Both
+    /// outlive this object.
     Pagination(NSTextStorage* storage, NSLayoutManager* layoutManager, NSSize room)
         : _storage(storage), _layoutManager(layoutManager), _room(room) {}
 
-    std::vector<PageText> pages();
+    /// The pages found so far.
+    const std::vector<PageText>& pages() const PELVOR_LIFETIMEBOUND { return _pages; }
+    /// Whether these are all.
+    bool isComplete() const { return _isComplete; }
+    /// Finds pages until there are so many, or all.
+    void findPages(std::size_t count);
+    void findAllPages() { findPages(static_cast<std::size_t>(-1)); }
 
   private:
+    void findNextPage();
     NSTextContainer* addContainer();
     NSUInteger endOf(NSRange page);
     NSUInteger forcedEnd(NSRange page);
@@ -50,6 +61,9 @@ class Pagination {
     NSTextStorage* _storage;
     NSLayoutManager* _layoutManager;
     NSSize _room;
+    std::vector<PageText> _pages;
+    Retained<NSTextContainer> _next;  // the last container of the layout manager, behind the pages
+    bool _isComplete = false;
     NSRange _paragraph{0, 0};  // the last one that was asked for
 };
 

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Writer/PlugIns/Pages/WRPageLayoutManager.h"
+#include "Writer/Pages/WRPageLayoutManager.h"
 
 #include "Foundation/NSString.h"
 #include "NSAttributedString-PelvorAdditions.h"
 #include "Runtime/Message.h"
-#include "Writer/PlugIns/Pages/PagesPlugIn.h"
+#include "Writer/Pages/PagesLibrary.h"
 
 namespace pelvor {
 
-PELVOR_DEFINE_CLASS(WRPageLayoutManager, pagesPlugIn) {
+PELVOR_DEFINE_CLASS(WRPageLayoutManager, pagesLibrary) {
     methods.instance<"languageForAttributes:", &WRPageLayoutManager::languageForAttributes>();
 }
 

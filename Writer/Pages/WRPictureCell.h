@@ -10,7 +10,7 @@ class NSString;
 
 /// The cell of a picture: as large as the attachment's bounds say, else as the picture itself at 96 pixels an
 /// inch, but never larger than its page. A picture that cannot be drawn is shown as an empty frame.
-class WRPictureCell : public NSTextAttachmentCell {
+class PELVOR_EXPORT WRPictureCell : public NSTextAttachmentCell {
     PELVOR_CLASS(WRPictureCell, NSTextAttachmentCell);
     PELVOR_INHERITED_CREATORS(init);
 

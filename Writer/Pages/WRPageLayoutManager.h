@@ -7,7 +7,7 @@
 namespace pelvor {
 
 /// A layout manager that knows the language objects of Writer, so that lines and words are broken by them.
-class WRPageLayoutManager : public NSLayoutManager {
+class PELVOR_EXPORT WRPageLayoutManager : public NSLayoutManager {
     PELVOR_CLASS(WRPageLayoutManager, NSLayoutManager);
     PELVOR_INHERITED_CREATORS(init);
 

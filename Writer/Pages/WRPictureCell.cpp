@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Writer/PlugIns/Pages/WRPictureCell.h"
+#include "Writer/Pages/WRPictureCell.h"
 
 #include <algorithm>
 
@@ -9,11 +9,11 @@
 #include "Text/NSLayoutManager.h"
 #include "Text/NSTextAttachment.h"
 #include "Text/NSTextContainer.h"
-#include "Writer/PlugIns/Pages/PagesPlugIn.h"
+#include "Writer/Pages/PagesLibrary.h"
 
 namespace pelvor {
 
-PELVOR_DEFINE_CLASS(WRPictureCell, pagesPlugIn) {
+PELVOR_DEFINE_CLASS(WRPictureCell, pagesLibrary) {
     methods.instance<"cellSize", &WRPictureCell::cellSize>();
     methods.instance<
         "cellFrameForTextContainer:proposedLineFragment:glyphPosition:characterIndex:",

@@ -10,13 +10,13 @@
 #include "Foundation/NSMutableDictionary.h"
 #include "Text/NSFont.h"
 #include "Text/NSMutableParagraphStyle.h"
-#include "Writer/PlugIns/Pages/WRSheetParagraphStyle.h"
+#include "Writer/Pages/WRSheetParagraphStyle.h"
 
 namespace pelvor {
 
 /// A style of a sheet, with what it takes over from the style that it is based on. What is not set stays as
 /// it is in the text.
-struct NamedStyle {
+struct PELVOR_EXPORT NamedStyle {
     NSFont* family = nullptr;  ///< a font of the family, kept by the font manager
     std::optional<float> size;
     std::optional<bool> isBold, isItalic;
@@ -34,7 +34,7 @@ struct NamedStyle {
 ///     auto sheet = StyleSheet::read(path, &problem);
 ///     if (!sheet) return complain(problem);
 ///     const NamedStyle* heading = sheet->paragraphStyle(u"heading 1"_ns);
-class StyleSheet {
+class PELVOR_EXPORT StyleSheet {
   public:
     /// Reads the property list at the path. No value, and a sentence for the user with the file, the place in
     /// the list and what is wrong there, if the list is no style sheet.
@@ -67,13 +67,13 @@ class StyleSheet {
 inline constexpr NSString* kPlainStyleName = u"text"_ns;
 
 /// The attributes of a text in the style.
-NSDictionary* attributesOfStyle(const NamedStyle& style);
+PELVOR_EXPORT NSDictionary* attributesOfStyle(const NamedStyle& style);
 
 /// The text in the styles of the sheets. Text that has no font of its own is set in the paragraph styles that
 /// it names, first those of `sheet`, which may be null, then those of `defaults`; or in the style "text".
 /// Text with a font is set in the styles of `sheet` that it names; what differs inside a paragraph from most
 /// of it, such as bold words, still does.
-Retained<NSAttributedString> textInStyles(NSAttributedString* text, const StyleSheet& defaults,
-                                          const StyleSheet* sheet);
+PELVOR_EXPORT Retained<NSAttributedString> textInStyles(NSAttributedString* text, const StyleSheet& defaults,
+                                                        const StyleSheet* sheet);
 
 }  // namespace pelvor
