@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// Services for the whole process: localisation, shared character sets, method replacement, random numbers.
+// Services for the whole process: localisation, shared character sets, method replacement, random numbers,
+// points and rectangles on the screen.
 #pragma once
 
+#include "Foundation/NSGeometry.h"
 #include "Foundation/NSString.h"
 #include "Runtime/Class.h"
 
@@ -101,6 +103,33 @@ PELVOR_EXPORT void PBAddDebugMenuItemWithObjectAndTitleAndAction(id target_title
 /// An operation of every object.
 PELVOR_EXPORT void PBAddDebugMenuItemWithTitle_action(id target, NSString* title, SEL action);
 extern const Category NSObject_PelvorDebugMenus_category;
+
+// Places and extents on the screen, in points, y upwards. Sums and products are computed in double precision,
+// and rounded to single precision where they are stored. PBSnapFrame.h has what needs to know the screens.
+
+/// Whether both coordinates differ by less than 0.1. False where one of them is NaN.
+PELVOR_EXPORT bool PBEqualDisplayPoints(NSPoint pt1, NSPoint pt2);
+/// Whether width and height differ by less than 0.1 each.
+PELVOR_EXPORT bool PBEqualDisplaySizes(NSSize sz1, NSSize sz2);
+/// Whether the rectangles differ by less than 0.1 in each direction, where the differences of origin and size
+/// add up: rectangles that are 0.06 apart in x and 0.06 apart in width are not equal.
+PELVOR_EXPORT bool PBEqualDisplayRects(NSRect rect1, NSRect rect2);
+
+/// The rectangle with its origin moved to the centre of the pixel that the origin is in, and with whole
+/// numbers as width and height: {10.2, 20.7, 100, 50} becomes {10.5, 20.5, 99, 50}. A line of one point
+/// along its edges then fills pixels.
+PELVOR_EXPORT NSRect PBIntegralDisplayRect(NSRect rect);
+/// Where to put a line of the thickness `th`, in points, so that it fills whole pixels: for an even thickness
+/// the nearest whole number, the even one of two, and for an odd one, or 0 for a hairline, the centre of the
+/// pixel. For coordinates that are not negative; a thickness is cut to a whole number first.
+///
+///     PBIntegralDisplayCoordinateForThickness(3.4f, 1)   // 3.5
+///     PBIntegralDisplayCoordinateForThickness(3.4f, 2)   // 3
+PELVOR_EXPORT float PBIntegralDisplayCoordinateForThickness(float coord, float th);
+/// The size at so many per cent of its width and height; 0 per cent leaves the width or height as it is.
+PELVOR_EXPORT NSSize PBScaleSize(NSSize size, int scaleX, int scaleY);
+/// The rectangle that has the points as two of its corners.
+PELVOR_EXPORT NSRect PBRectEnclosingPoints(NSPoint pt1, NSPoint pt2);
 
 /// Raises "PBAbstractMethodException", "Lamp must implement the abstract method -colour". The call is the
 /// whole body of a method that subclasses have to override. `self` is the receiver, which in a class

@@ -175,4 +175,60 @@ TEST(AbstractMethod, NamesClassAndMethod) {
     EXPECT_EQ(RAISED(PBAbstractMethodWasCalled(cls, "lamp"_sel)), raised + "+lamp");
 }
 
+// MARK: Geometry
+
+TEST(DisplayGeometry, ToleratesLessThanATenthInEachDirection) {
+    struct Row {
+        const char* name;
+        NSRect rect;
+        bool areOriginsEqual, areSizesEqual, areRectsEqual;
+    };
+    for (const Row& row : {Row{"just less", {{1.09f, 1.91f}, {10, 10}}, true, true, true},
+                           Row{"a tenth in x", {{1.1f, 2}, {10, 10}}, false, true, false},
+                           Row{"a tenth in y", {{1, 1.9f}, {10, 10}}, false, true, false},
+                           Row{"a tenth in height", {{1, 2}, {10, 10.1f}}, true, false, false},
+                           Row{"a sum over origin and size", {{1.06f, 2}, {9.94f, 10}}, true, true, false},
+                           Row{"a sum of directions", {{1.06f, 2}, {10, 10.06f}}, true, true, true},
+                           Row{"no number", {{NAN, 2}, {10, 10}}, false, true, false}}) {
+        const NSRect other{{1, 2}, {10, 10}};
+        EXPECT_EQ(PBEqualDisplayPoints(other.origin, row.rect.origin), row.areOriginsEqual) << row.name;
+        EXPECT_EQ(PBEqualDisplaySizes(row.rect.size, other.size), row.areSizesEqual) << row.name;
+        EXPECT_EQ(PBEqualDisplayRects(other, row.rect), row.areRectsEqual) << row.name;
+    }
+}
+
+TEST(DisplayGeometry, PutsOriginsIntoTheMiddleOfPixels) {
+    EXPECT_EQ(PBIntegralDisplayRect({{10.2f, 20.7f}, {100, 50}}), (NSRect{{10.5f, 20.5f}, {99, 50}}));
+    EXPECT_EQ(PBIntegralDisplayRect({{10.5f, 20.5f}, {10, 10}}), (NSRect{{10.5f, 20.5f}, {10, 10}}));
+    EXPECT_EQ(PBIntegralDisplayRect({{-0.25f, -1}, {1, 0.25f}}), (NSRect{{-0.5f, -0.5f}, {1, -1}}));
+}
+
+TEST(DisplayGeometry, PutsLinesOntoPixelsByTheirThickness) {
+    struct Row {
+        float coordinate, thickness, expected;
+    };
+    for (const Row& row : {Row{3, 1, 3.5f},
+                           {3.995f, 1, 4.5f},
+                           {3.4f, 1, 3.5f},
+                           {3.4f, 2, 3},
+                           {2.5f, 2, 2},
+                           {3.5f, 2, 4},
+                           {7.25f, 0, 7.5f},
+                           {7.25f, 0.5f, 7},
+                           {7.25f, 3.9f, 7.5f},
+                           {7.25f, -1, 7},
+                           {7.25f, 1e30f, 7},
+                           {7.25f, NAN, 7},
+                           {-2.3f, 1, -2.1f}})
+        EXPECT_EQ(PBIntegralDisplayCoordinateForThickness(row.coordinate, row.thickness), row.expected)
+            << row.coordinate << " with thickness " << row.thickness;
+}
+
+TEST(DisplayGeometry, ScalesByPercentagesAndSpansPoints) {
+    EXPECT_EQ(PBScaleSize({200, 100}, 50, 0), (NSSize{100, 100}));
+    EXPECT_EQ(PBScaleSize({200, 100}, 0, -150), (NSSize{200, -150}));
+    EXPECT_EQ(PBRectEnclosingPoints({5, 1}, {2, 8}), (NSRect{{2, 1}, {3, 7}}));
+    EXPECT_TRUE(std::signbit(PBRectEnclosingPoints({0, 0}, {-0.0f, 0}).origin.x)) << "of equals the second";
+}
+
 }  // namespace
