@@ -2,6 +2,7 @@
 #include "Text/TextLibrary.h"
 
 #include "Foundation/FoundationLibrary.h"
+#include "Text/NSAttributedString-Drawing.h"
 #include "Text/NSColor.h"
 #include "Text/NSContainerRunTable.h"
 #include "Text/NSFont.h"
@@ -43,6 +44,7 @@ constexpr Class* kClasses[] = {
 // clang-format on
 
 constexpr const Category* kCategories[] = {
+    &NSAttributedString_Drawing_category,
     &NSString_Drawing_category,
 };
 

@@ -18,7 +18,7 @@ namespace pelvor {
 std::string acceptableText(std::u16string_view units);
 
 /// A Cairo surface, the page that is being drawn, and the bytes that become of it. One thread at a time.
-class Canvas {
+class PELVOR_EXPORT Canvas {
   public:
     static std::unique_ptr<Canvas> image(int width, int height, float scale);
     static std::unique_ptr<Canvas> pdf(const std::string& title);

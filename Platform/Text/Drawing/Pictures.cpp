@@ -78,15 +78,15 @@ Surface wrapJPEG(Bytes jpeg, const PictureHeader& header) {
     return surface;
 }
 
-void paint(cairo_t* page, cairo_surface_t* surface, const PictureHeader& header, bool isPDF) {
-    cairo_save(page);
-    cairo_scale(page, 1.0 / header.width, 1.0 / header.height);
-    cairo_set_source_surface(page, surface, 0, 0);
-    // Between its pixels and nothing an image would fade at its edges; a document keeps the picture as it is.
-    if (!isPDF) cairo_pattern_set_extend(cairo_get_source(page), CAIRO_EXTEND_PAD);
-    cairo_rectangle(page, 0, 0, header.width, header.height);
-    cairo_fill(page);
-    cairo_restore(page);
+// "" for a picture that can be read.
+std::string reasonAgainst(const PictureHeader& header, bool isPDF) {
+    if (header.kind == PictureKind::unknown) return "the picture is neither PNG nor JPEG";
+    if (header.kind == PictureKind::jpeg && !isPDF) return "JPEG pictures are drawn only in PDF documents";
+    if (!header.width || !header.height) return "the picture's header is broken";
+    if (header.width > kLongestEdge || header.height > kLongestEdge ||
+        std::uint64_t{header.width} * header.height > kMostPixels)
+        return "the picture is too large";
+    return "";
 }
 
 }  // namespace
@@ -97,20 +97,45 @@ PictureHeader readPictureHeader(Bytes picture) {
     return {};
 }
 
-std::string drawPicture(cairo_t* page, Bytes picture, bool isPDF) {
+std::shared_ptr<cairo_surface_t> readPicture(Bytes picture, bool isPDF, std::string& failure) {
     const PictureHeader header = readPictureHeader(picture);
-    if (header.kind == PictureKind::unknown) return "the picture is neither PNG nor JPEG";
-    if (header.kind == PictureKind::jpeg && !isPDF) return "JPEG pictures are drawn only in PDF documents";
-    if (!header.width || !header.height) return "the picture's header is broken";
-    if (header.width > kLongestEdge || header.height > kLongestEdge ||
-        std::uint64_t{header.width} * header.height > kMostPixels)
-        return "the picture is too large";
-    const Surface surface = header.kind == PictureKind::png ? decodePNG(picture) : wrapJPEG(picture, header);
-    if (!surface) return "there is not enough memory";
-    if (cairo_status_t status = cairo_surface_status(surface.get()))
-        return std::string("the picture is broken: ") + cairo_status_to_string(status);
-    paint(page, surface.get(), header, isPDF);
-    return "";
+    failure = reasonAgainst(header, isPDF);
+    if (!failure.empty()) return nullptr;
+    Surface surface = header.kind == PictureKind::png ? decodePNG(picture) : wrapJPEG(picture, header);
+    if (!surface) {
+        failure = "there is not enough memory";
+    } else if (cairo_status_t status = cairo_surface_status(surface.get())) {
+        failure = std::string("the picture is broken: ") + cairo_status_to_string(status);
+        surface.reset();
+    }
+    return surface;
+}
+
+void paintPicture(cairo_t* page, cairo_surface_t* pixels, NSRect part, float alpha, bool isPDF) {
+    cairo_save(page);
+    cairo_scale(page, 1.0 / double{part.size.width}, 1.0 / double{part.size.height});
+    cairo_set_source_surface(page, pixels, -double{part.origin.x}, -double{part.origin.y});
+    // Between its pixels and nothing an image would fade at its edges; a document keeps the picture as it is.
+    if (!isPDF) cairo_pattern_set_extend(cairo_get_source(page), CAIRO_EXTEND_PAD);
+    cairo_rectangle(page, 0, 0, double{part.size.width}, double{part.size.height});
+    if (alpha < 1) {
+        cairo_clip(page);
+        cairo_paint_with_alpha(page, double{alpha});
+    } else {
+        cairo_fill(page);
+    }
+    cairo_restore(page);
+}
+
+std::string drawPicture(cairo_t* page, Bytes picture, bool isPDF) {
+    std::string failure;
+    if (const auto pixels = readPicture(picture, isPDF, failure)) {
+        const PictureHeader header = readPictureHeader(picture);
+        paintPicture(page, pixels.get(),
+                     {{0, 0}, {static_cast<float>(header.width), static_cast<float>(header.height)}}, 1,
+                     isPDF);
+    }
+    return failure;
 }
 
 }  // namespace pelvor

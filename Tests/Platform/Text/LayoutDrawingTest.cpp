@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "Foundation/NSMutableAttributedString.h"
 #include "LaidOutText.h"
 #include "Prelude.h"
+#include "Text/NSAttributedString-Drawing.h"
 #include "Text/NSColor.h"
 #include "Text/NSGraphicsContext.h"
 #include "Text/NSString-Drawing.h"
@@ -48,6 +50,9 @@ TEST_F(LayoutDrawing, DrawsTheGlyphsOfTheRange) {
     EXPECT_FALSE(drawnText(u"ab\ncd"_ns, plain(), {0, 5})->isEqual(drawnText(u"ab\ncd"_ns, plain(), {0, 2})))
         << "a paragraph that was not laid out before";
     EXPECT_TRUE(whole->isEqual(drawn([] { drawAtPoint_withAttributes(u"ab cd"_ns, {5, 5}, plain()); })));
+    auto same = NSAttributedString::initWithString_attributes(u"ab cd"_ns, plain());
+    EXPECT_TRUE(whole->isEqual(drawn([&] { drawAtPoint(same, {5, 5}); })));
+    EXPECT_TRUE(whole->isEqual(drawn([&] { drawInRect(same, {{5, 5}, {100, 30}}); })));
 }
 
 TEST_F(LayoutDrawing, DrawsTheHyphenWithItsLine) {
@@ -95,6 +100,7 @@ class NotingCell final : public NSTextAttachmentCell {
         // What is drawn may ask the layout about other lines.
         for (NSUInteger unit = 0; unit < layoutManager->numberOfGlyphs(); ++unit)
             layoutManager->locationForGlyphAtIndex(unit);
+        if (inside) drawAtPoint(inside, frame.origin);
         if (!fails) return;
         NSGraphicsContext::currentContext()->saveGraphicsState();
         NSGraphicsContext::currentContext()->translateXBy_yBy(9, 9);
@@ -102,6 +108,7 @@ class NotingCell final : public NSTextAttachmentCell {
     }
     std::string notes;
     bool fails = false;
+    Retained<NSAttributedString> inside;
 };
 PELVOR_DEFINE_CLASS(NotingCell, notingCellLibrary) {}
 constexpr Library* kDependencies[] = {&textLibrary};
@@ -141,6 +148,21 @@ TEST_F(LayoutDrawing, DrawsOnAfterACellThatFails) {
     };
     EXPECT_TRUE(drawnWith(true)->isEqual(drawnWith(false)))
         << "the rest of the line, the next line, and what the caller draws";
+}
+
+TEST_F(LayoutDrawing, LetsACellDrawAStringInsideAString) {
+    auto string = NSMutableAttributedString::init();
+    string->mutableString()->appendString(u"\uFFFCa"_ns);
+    auto attachment = NSTextAttachment::init();
+    auto cell = make<NotingCell>();
+    attachment->setAttachmentCell(cell);
+    string->addAttribute_value_range(NSAttachmentAttributeName, attachment, {0, 1});
+    NSData* empty = drawn([&] { drawAtPoint(string, {5, 5}); });
+    cell->inside = NSAttributedString::initWithString(u"b"_ns);
+    NSData* filled = drawn([&] { drawAtPoint(string, {5, 5}); });
+    EXPECT_FALSE(filled->isEqual(empty));
+    cell->inside = nullptr;
+    EXPECT_TRUE(drawn([&] { drawAtPoint(string, {5, 5}); })->isEqual(empty));
 }
 
 TEST_F(LayoutDrawing, MeasuresStrings) {
