@@ -17,4 +17,7 @@ class NSScreen;  ///< a monitor
 class NSView;    ///< a rectangle that draws itself and takes events
 class NSWindow;  ///< a window with a tree of views
 
+// Pictures
+class NSImage;  ///< a picture to draw
+
 }  // namespace pelvor

@@ -2,6 +2,7 @@
 #include "Interface/InterfaceLibrary.h"
 
 #include "Interface/NSEvent.h"
+#include "Interface/NSImage.h"
 #include "Text/TextLibrary.h"
 
 namespace pelvor {
@@ -13,6 +14,7 @@ constexpr Library* kDependencies[] = {&textLibrary};
 // clang-format off
 constexpr Class* kClasses[] = {
     &NSEvent::classRecord,
+    &NSImage::classRecord,
 };
 // clang-format on
 
