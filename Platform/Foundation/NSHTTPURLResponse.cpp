@@ -49,6 +49,16 @@ bool isSame(NSString* name, NSString* other) {
     return name->compare_options(other, NSCaseInsensitiveSearch | NSLiteralSearch) == NSOrderedSame;
 }
 
+// The lines of a head that begin with a blank go on with the line before them.
+std::string unfolded(std::string_view head) {
+    std::string lines;
+    while (!head.empty()) {
+        const bool goesOn = head.front() == ' ' || head.front() == '\t';
+        lines.append(lines.empty() ? "" : goesOn ? " " : "\n").append(take(head, '\n'));
+    }
+    return lines;
+}
+
 // The fields of a head, each name once. Looked up by a table, since a hostile server sends many.
 NSDictionary* fieldsIn(std::string_view head) {
     struct Field {
@@ -96,7 +106,7 @@ Retained<NSHTTPURLResponse> NSHTTPURLResponse::initWithURL_head(NSURL* url, std:
     std::string_view status = take(head, '\n');
     take(status, ' ');
     response->_statusCode = numberIn<int>(take(status, ' '), 0);
-    response->_fields.set(fieldsIn(head));
+    response->_fields.set(fieldsIn(unfolded(head)));
     if (NSString* length = response->valueForHTTPHeaderField(u"Content-Length"_ns))
         response->_length = numberIn<long long>(length->toUTF8(), -1);
     if (NSString* field = response->valueForHTTPHeaderField(u"Content-Type"_ns)) {

@@ -113,8 +113,7 @@ void NSURLConnection::_timerDidFire(NSTimer*) {
 }
 
 template <class... Arguments>
-void NSURLConnection::tell(SEL selector, Arguments... arguments) {
-    auto delegate = _delegate;
+void NSURLConnection::tell(Retained<Object> delegate, SEL selector, Arguments... arguments) {
     if (delegate && delegate->respondsToSelector(selector))
         send<void>(delegate, selector, this, arguments...);
 }
@@ -123,25 +122,23 @@ void NSURLConnection::tell(SEL selector, Arguments... arguments) {
 void NSURLConnection::tellNews() {
     schedule();
     if (long long sent = _transfer->takeSentBytes())
-        tell("connection:didSendBodyData:totalBytesWritten:totalBytesExpectedToWrite:"_sel,
+        tell(_delegate, "connection:didSendBodyData:totalBytesWritten:totalBytesExpectedToWrite:"_sel,
              sent - std::exchange(_sent, sent), sent, _bodyLength);
     if (!_transfer) return;
     if (auto response = _transfer->takeResponse())
-        tell("connection:didReceiveResponse:"_sel, static_cast<NSURLResponse*>(response.get()));
+        tell(_delegate, "connection:didReceiveResponse:"_sel, static_cast<NSURLResponse*>(response.get()));
     if (!_transfer) return;
     if (std::vector<std::byte> bytes = _transfer->takeData(); !bytes.empty())
-        tell("connection:didReceiveData:"_sel, NSData::of(bytes));
+        tell(_delegate, "connection:didReceiveData:"_sel, NSData::of(bytes));
     if (!_transfer) return;
     if (!_transfer->isEnded()) return schedule();
     auto delegate = _delegate;
     auto error = Retained<NSURLError>::retaining(_transfer->error());
     end();
-    _delegate = delegate;
     if (error)
-        tell("connection:didFailWithError:"_sel, error.get());
+        tell(delegate, "connection:didFailWithError:"_sel, error.get());
     else
-        tell("connectionDidFinishLoading:"_sel);
-    _delegate = nullptr;
+        tell(delegate, "connectionDidFinishLoading:"_sel);
 }
 
 // MARK: Waiting

@@ -86,7 +86,7 @@ class PELVOR_EXPORT NSURLConnection : public NSObject {
     void tellNews();
     void end();
     template <class... Arguments>
-    void tell(SEL selector, Arguments... arguments);
+    void tell(Retained<Object> delegate, SEL selector, Arguments... arguments);
 
     std::unique_ptr<URLTransfer> _transfer;  // null once the load has ended
     Retained<Object> _delegate;

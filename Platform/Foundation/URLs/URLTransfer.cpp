@@ -107,6 +107,7 @@ NSURLErrorCode errorCodeFor(CURLcode code) {
         case CURLE_TOO_MANY_REDIRECTS:
             return NSURLErrorHTTPTooManyRedirects;
         case CURLE_FILESIZE_EXCEEDED:
+        case CURLE_OUT_OF_MEMORY:  // what libcurl says of a line of the head that is too long for it
             return NSURLErrorDataLengthExceedsMaximum;
         case CURLE_GOT_NOTHING:
         case CURLE_PARTIAL_FILE:
@@ -269,6 +270,12 @@ void URLTransfer::prepareHeaderFields() {
 
 // MARK: The answer
 
+namespace {
+
+bool isWholeHead(std::string_view head) { return head.ends_with("\n\r\n") || head.ends_with("\n\n"); }
+
+}  // namespace
+
 bool URLTransfer::receiveHead(std::string_view line) {
     _headLength += line.size();
     moved(line.size());
@@ -369,6 +376,9 @@ void URLTransfer::finish(int result) {
     if (code == CURLE_UNSUPPORTED_PROTOCOL && _head.empty()) code = CURLE_WEIRD_SERVER_REPLY;
     if (code != CURLE_OK) return fail(errorCodeFor(code), _reason[0] ? _reason : _curl->easyErrorText(code));
     if (_isEnded) return;
+    // libcurl takes a head that breaks off for a whole one.
+    if (!isWholeHead(_head))
+        return fail(NSURLErrorNetworkConnectionLost, "the head of the answer is cut off");
     _isEnded = true;
     _hasResponse = !_isResponseTaken;
 }

@@ -140,7 +140,8 @@ const Behaviour kBehaviours[] = {
     {"RedirectionToOtherScheme", [](Call& call) { redirect(call, "ftp://127.0.0.1/"); }, "-1002"},
     {"ClosesEarly", [](Call&) {}, "-1005"},
     {"Truncated", [](Call& call) { call.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc"); }, "-1005"},
-    {"TruncatedHead", [](Call& call) { call.send("HTTP/1.1 200 OK\r\nContent-Le"); }, "200 "},
+    {"TruncatedHead", [](Call& call) { call.send("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r"); }, "-1005"},
+    {"TruncatedInterimAnswer", [](Call& call) { call.send("HTTP/1.1 103 Hints\r\nA: b\r\n"); }, "-1005"},
     {"Rubbish", [](Call& call) { call.send("\x01\x02rubbish\r\n\r\n"); }, "-1011"},
     {"StallsBeforeTheHead", [](Call& call) { call.waitUntilClientGoes(); }, "-1001", 0.05},
     {"StallsInTheBody",
@@ -160,6 +161,8 @@ const Behaviour kBehaviours[] = {
          answerUntilClientGoes(call, "HTTP/1.1 200 OK\r\n", "X-Flood: aaaaaaaaaaaaaaaaaaaaaaaaa\r\n");
      },
      "-1103"},
+    {"FloodsALineOfTheHead",
+     [](Call& call) { answerUntilClientGoes(call, "HTTP/1.1 200 ", std::string(65536, 'x')); }, "-1103"},
     {"FloodsInterimAnswers",
      [](Call& call) {
          answerUntilClientGoes(call, "", "HTTP/1.1 102 Wait\r\nX: aaaaaaaaaaaaaaaaaaaaaaaa\r\n\r\n");
@@ -258,6 +261,7 @@ TEST(NSURLConnectionTest, GoesOnAfterADelegateThatRaises) {
         } catch (const NSException&) {
         }
     EXPECT_THAT(delegate->heard, ElementsAre("200", "data", "finished"));
+    EXPECT_EQ(delegate->retainCount(), 1u) << "a connection that has ended keeps nobody";
 }
 
 // What the run loop's clock does not reach, a stalled server does not hold up.

@@ -73,11 +73,11 @@ TEST(NSHTTPURLResponseTest, ReadsTheHeadOfAnAnswer) {
     auto response = NSHTTPURLResponse::initWithURL_head(
         example(),
         "HTTP/1.1 404 Not here\r\nContent-Type: Text/HTML; a=b; Charset=\"utf-8\"\r\nno field\r\n"
-        "Content-Length: 12\r\nX-Lamp:  on \r\nx-lamp: off\r\n\r\n");
+        "Content-Length: 12\r\nX-Lamp:  on \r\nx-lamp: off\r\n\tX-Lamp: dim\r\n\r\n");
     EXPECT_EQ(shown(response->statusCode(), response->MIMEType(), response->textEncodingName(),
                     response->expectedContentLength(), response->valueForHTTPHeaderField(u"X-LAMP"_ns),
                     response->allHeaderFields()->count()),
-              "404 text/html utf-8 12 on,off 3");
+              "404 text/html utf-8 12 on,off X-Lamp: dim 3");
     for (const char* head :
          {"", "HTTP/1.1", "rubbish 1x2\r\nContent-Length: -1\r\nContent-Type: ;charset=\r\n"}) {
         auto bare = NSHTTPURLResponse::initWithURL_head(nullptr, head);
