@@ -54,6 +54,13 @@ bool isSameFile(const FileState& a, const FileState& b) {
     return a.device == b.device && a.number == b.number && a.born == b.born;
 }
 
+// Some systems of files that are looked at, such as sshfs, give a file another number once the kernel has
+// forgotten it.
+bool isRenumbered(FileState a, const FileState& b) {
+    a.number = b.number;
+    return a == b;
+}
+
 // Whether other machines or programs change the files of such a system without the kernel's knowledge.
 bool isBlindFor(std::uint32_t system) {
     constexpr std::uint32_t kBlind[] = {
@@ -357,7 +364,8 @@ void FileEventQueue::lookInto(const std::shared_ptr<File>& file, std::unique_loc
     for (const auto& entry : entries) {
         looks.push_back(look(*entry));
         Look& last = looks.back();
-        last.leadsToFile = last.error == 0 && isSameFile(last.state, file->known);
+        last.leadsToFile = last.error == 0 && (isSameFile(last.state, file->known) ||
+                                               (file->isPolled && isRenumbered(last.state, file->known)));
         if (!last.leadsToFile && !file->isPolled) awaitChangeOfName(entry->name);
     }
     if (std::any_of(looks.begin(), looks.end(), [](const Look& look) { return !look.leadsToFile; }))
@@ -404,6 +412,7 @@ std::uint32_t FileEventQueue::changesOfFile(File& file, std::uint32_t happened, 
         known.user = now->user;
         known.group = now->group;
     }
+    known.number = now->number;
     known.written = now->written;
     known.changed = now->changed;
     return changes;

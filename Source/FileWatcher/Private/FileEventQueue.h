@@ -24,6 +24,8 @@ struct FileState {
     std::int64_t born, written, changed;  ///< nanoseconds
     std::uint64_t size;
     std::uint32_t links, mode, user, group;
+
+    bool operator==(const FileState&) const = default;
 };
 
 /// A kernel queue of events: watches are put on files, and what happens to the files waits in the queue until
