@@ -13,6 +13,7 @@
 
 #include "BaseLibrary.h"
 #include "Foundation/NSDictionary.h"
+#include "Foundation/NSFileManager.h"
 #include "NSString-PelvorAdditions.h"
 #include "PBUtil.h"
 #include "Private/Base64Lines.h"
@@ -106,7 +107,10 @@ void PBPostURLRequest::postValue_forKey(id value, NSString* key) {
 }
 
 void PBPostURLRequest::postDictionary(NSDictionary* dictionary) {
-    for (auto [key, value] : dictionary) postValue_forKey(value, cast<NSString>(key));
+    for (auto [key, value] : dictionary) {
+        auto* name = cast<NSString>(key);
+        postValue_forKey(value, name ? name : key->description());
+    }
 }
 
 bool PBPostURLRequest::postContentsOfFile_forKey(NSString* path, NSString* key) {
@@ -118,8 +122,9 @@ namespace {
 // A regular file that is open, with the size that it had then.
 class OpenFile {
   public:
-    explicit OpenFile(const std::string& path)
-        : _file(path.find('\0') == path.npos ? ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK) : -1) {
+    explicit OpenFile(NSString* path) {
+        const char* bytes = NSFileManager::defaultManager()->fileSystemRepresentationWithPath(path);
+        if (bytes) _file = ::open(bytes, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
         struct stat status;
         _isRegular = _file >= 0 && ::fstat(_file, &status) == 0 && S_ISREG(status.st_mode);
         if (_isRegular) size = static_cast<std::uint64_t>(status.st_size);
@@ -148,7 +153,7 @@ class OpenFile {
     std::uint64_t size = 0;
 
   private:
-    int _file;
+    int _file = -1;
     bool _isRegular = false;
 };
 
@@ -180,7 +185,7 @@ bool writeFile(const OpenFile& file, bool isEncoded, std::span<std::byte> room) 
 // shortest way, if it keeps still.
 bool PBPostURLRequest::postContentsOfFile_forKey_isEncode(NSString* path, NSString* key, bool isEncode) {
     if (path && _pbPostData && isa() == PBPostURLRequest::classObject()) {
-        OpenFile file(path->toUTF8());
+        OpenFile file(path);
         const NSUInteger before = _pbPostData->length();
         if (file.isRegular() && beginFile(path, key, isEncode, lengthInBody(file.size, isEncode))) {
             const auto length = static_cast<NSUInteger>(lengthInBody(file.size, isEncode));

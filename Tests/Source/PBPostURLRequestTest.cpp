@@ -2,6 +2,7 @@
 // Tests of forms that are sent to a server.
 #include "PBPostURLRequest.h"
 
+#include "Foundation/NSFileManager.h"
 #include "Foundation/NSURLConnection.h"
 #include "LoopbackServer.h"
 #include "ProgramOutput.h"
@@ -39,10 +40,16 @@ TEST(PBPostURLRequestTest, WritesPartsLineByLine) {
     auto request = form();
     request->postValue_forKey(u"änne"_ns, u"user"_ns);
     request->postValue_forKey(NSNumber::numberWithInt(7), u"a\"b"_ns);
-    request->postDictionary(NSDictionary::of({{u"k"_ns, u""_ns}, {u"j"_ns, u"1\r\n2"_ns}}));
+    request->postDictionary(
+        NSDictionary::of({{u"k"_ns, u""_ns}, {NSNumber::numberWithInt(5), u"1\r\n2"_ns}}));
     NSString* path = NSString::ofUTF8(folder.path("Ärger & Co.txt"));
     EXPECT_TRUE(request->postContentsOfFile_forKey(path, u"file"_ns));
     EXPECT_TRUE(request->postContentsOfFile_forKey_isEncode(path, u"raw"_ns, false));
+    folder.write("\xFF", "y");  // no UTF-8
+    folder.write("\uFFFD", "another");
+    auto* bytes = NSFileManager::defaultManager()->stringWithFileSystemRepresentation_length("\xFF", 1);
+    path = NSString::ofUTF8(folder.path(""))->stringByAppendingPathComponent(bytes);
+    EXPECT_TRUE(request->postContentsOfFile_forKey_isEncode(path, u"bytes"_ns, false));
     EXPECT_FALSE(request->postContentsOfFile_forKey(NSString::ofUTF8(folder.path("none")), u"none"_ns));
     EXPECT_EQ(errno, ENOENT);
     EXPECT_FALSE(request->postData_asFile_forKey_isEncode(nullptr, u"n"_ns, u"n"_ns, true));
@@ -55,7 +62,7 @@ TEST(PBPostURLRequestTest, WritesPartsLineByLine) {
         "--B\nContent-Disposition: form-data; name=\"user\"\n\nänne\n"
         "--B\nContent-Disposition: form-data; name=\"a\"b\"\n\n7\n"
         "--B\nContent-Disposition: form-data; name=\"k\"\n\n\n"
-        "--B\nContent-Disposition: form-data; name=\"j\"\n\n1\r\n2\n"
+        "--B\nContent-Disposition: form-data; name=\"5\"\n\n1\r\n2\n"
         "--B\nContent-Disposition: form-data; name=\"file\"; filename=\"Arger & Co.txt\"\n"
         "Content-Transfer-Encoding: base64\nContent-Type: application/octet-stream\n\n" +
             [] {
@@ -66,7 +73,11 @@ TEST(PBPostURLRequestTest, WritesPartsLineByLine) {
             "\neAo=\n"
             "--B\nContent-Disposition: form-data; name=\"raw\"; filename=\"Arger & Co.txt\"\n"
             "Content-Type: application/octet-stream\n\n" +
-            x57 + "x\n\n--B\nown: part\n\nx\n--B--");
+            x57 +
+            "x\n\n"
+            "--B\nContent-Disposition: form-data; name=\"bytes\"; filename=\"?\"\n"
+            "Content-Type: application/octet-stream\n\ny\n"
+            "--B\nown: part\n\nx\n--B--");
     EXPECT_EQ(shown(request->HTTPMethod(), request->valueForHTTPHeaderField(u"content-type"_ns)),
               "POST multipart/form-data; boundary=B");
 }
