@@ -59,7 +59,9 @@ NSString* stringOf(const std::string& bytes) {
 }
 
 NameParts partsOf(NSString* name) {
-    return {bytesOf(name->stringByDeletingPathExtension()), bytesOf(name->pathExtension())};
+    std::string whole = bytesOf(name);
+    whole.resize(whole.find_last_not_of('/') + 1);
+    return {whole, bytesOf(name->stringByDeletingPathExtension()), bytesOf(name->pathExtension())};
 }
 
 // Whether there is an entry, which may be a link to nowhere.
@@ -69,6 +71,12 @@ bool isThere(NSString* path) {
 }
 
 NSString* folderOf(NSString* path) { return path ? path->stringByDeletingLastPathComponent() : nullptr; }
+
+// The folder that the system knows: that of a bare name is the current one.
+NSString* systemFolderOf(NSString* path) {
+    NSString* folder = folderOf(path);
+    return folder && folder->length() == 0 ? u"."_ns : folder;
+}
 
 }  // namespace
 
@@ -176,14 +184,12 @@ namespace {
 int resultOfFailure(NSFileManager* manager, NSString* source, NSString* destination) {
     if (!isThere(source)) return PBFileOperationNoSource;
     if (isThere(destination)) return PBFileOperationDestinationTaken;
-    NSString* folder = folderOf(destination);
-    if (folder && folder->length() == 0) folder = u"."_ns;
+    NSString* folder = systemFolderOf(destination);
     if (!manager->fileExistsAtPath(folder)) return PBFileOperationNoFolder;
     if (!manager->isWritableFileAtPath(folder)) return PBFileOperationDenied;
     if (!manager->isReadableFileAtPath(source)) return PBFileOperationDenied;
-    NSString* sourceFolder = folderOf(source);
-    if (sourceFolder->length() == 0) sourceFolder = u"."_ns;
-    return manager->isWritableFileAtPath(sourceFolder) ? PBFileOperationFailure : PBFileOperationDenied;
+    return manager->isWritableFileAtPath(systemFolderOf(source)) ? PBFileOperationFailure
+                                                                 : PBFileOperationDenied;
 }
 
 // The result of an operation, for whose failure `errno` keeps its reason.
@@ -202,12 +208,15 @@ constexpr std::size_t kLongestTrashName = 255 - sizeof(".trashinfo") - sizeof("-
 // The parts of the file's name, of which the base is shortened until the trash can keep it.
 NameParts nameForTrash(NSString* path) {
     NameParts parts = partsOf(path->lastPathComponent());
+    if (parts.name.size() <= kLongestTrashName) return parts;
     if (parts.extension.size() > kLongestTrashName / 2) parts.extension.clear();
     NSString* base = stringOf(parts.base);
     while (bytesOf(base).size() + parts.extension.size() > kLongestTrashName)
         base = base->substringToIndex(
             base->rangeOfComposedCharacterSequenceAtIndex(base->length() - 1).location);
-    return {bytesOf(base), parts.extension};
+    parts.base = bytesOf(base);
+    parts.name = parts.base + (parts.extension.empty() ? "" : "." + parts.extension);
+    return parts;
 }
 
 // The name under which the file was thrown away; no value, with 0 in `errno` where no name is free.
@@ -288,7 +297,7 @@ int readAccessForFileAtPath(NSFileManager* manager, NSString* path) {
     requireManager(manager, "readAccessForFileAtPath:");
     if (manager->isReadableFileAtPath(path)) return PBFileIsReadable;
     if (manager->fileExistsAtPath(path)) return PBFileDenied;
-    if (manager->isReadableFileAtPath(folderOf(path))) return PBFileMissing;
+    if (manager->isReadableFileAtPath(systemFolderOf(path))) return PBFileMissing;
     return accessAlong(manager, path);
 }
 

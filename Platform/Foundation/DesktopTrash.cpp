@@ -215,8 +215,12 @@ bool DesktopTrash::hasName(const std::string& name) const {
 
 // Below the top of the file system, paths are kept without it: the file system may be elsewhere tomorrow.
 std::string DesktopTrash::pathToKeep(const std::string& path) const {
-    const std::string start = _top == "/" ? _top : _top + "/";
-    return !_top.empty() && path.starts_with(start) ? path.substr(start.size()) : path;
+    if (_top.empty() || !holdsPath(path)) return path;
+    return path.substr(_top == "/" ? 1 : _top.size() + 1);
+}
+
+bool DesktopTrash::holdsPath(const std::string& path) const {
+    return _top.empty() || path.starts_with(_top == "/" ? _top : _top + "/");
 }
 
 // The text comes first, and takes the name: by it programs agree whose name it is.
@@ -242,9 +246,9 @@ std::optional<TrashEntry> DesktopTrash::entryNamed(const std::string& name) cons
     if (::lstat((files() + "/" + name).c_str(), &status) != 0) return {};
     if (!readFile(textPath(name), bytes, FileReading::regularOnly)) return {};
     auto [path, date] = pathAndDateIn(std::string(bytes.view()));
-    // Nobody's text leads out of its file system.
     if (path.empty() || ("/" + path + "/").find("/../") != path.npos) return {};
     if (!path.starts_with('/')) path = (_top == "/" ? "" : _top) + "/" + path;
+    if (!holdsPath(path)) return {};
     return TrashEntry{name, path, dateOf(date)};
 }
 
@@ -262,8 +266,12 @@ std::vector<TrashEntry> DesktopTrash::contents() const {
 }
 
 bool DesktopTrash::restore(const TrashEntry& entry) const {
+    // What somebody has put on a disk leads out of that disk neither by a text nor by a link.
+    const std::string place = resolvedPlace(entry.original);
+    if (place.empty()) return false;
+    if (!holdsPath(place)) return failWith(EACCES);
     TreeWatcher watcher;
-    if (!moveTree(files() + "/" + entry.name, entry.original, watcher)) return false;
+    if (!moveTree(files() + "/" + entry.name, place, watcher)) return false;
     ::unlink(textPath(entry.name).c_str());
     return true;
 }

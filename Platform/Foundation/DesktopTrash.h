@@ -56,6 +56,7 @@ class PELVOR_EXPORT DesktopTrash {
 
     static std::vector<DesktopTrash> ofFileSystem(const std::string& top);
     std::string textPath(const std::string& name) const { return _folder + "/info/" + name + ".trashinfo"; }
+    bool holdsPath(const std::string& path) const;
     std::string pathToKeep(const std::string& path) const;
     std::optional<TrashEntry> entryNamed(const std::string& name) const;
 

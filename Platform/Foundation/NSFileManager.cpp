@@ -196,6 +196,7 @@ class HandlerWatcher : public TreeWatcher {
   public:
     HandlerWatcher(NSFileManager* manager, id handler)
         : _manager(manager),
+          _handler(Retained<Object>::retaining(handler)),
           _hearsPaths(handler && responds(handler, "fileManager:willProcessPath:"_sel) ? handler : nullptr),
           _hearsErrors(handler && responds(handler, "fileManager:shouldProceedAfterError:"_sel) ? handler
                                                                                                 : nullptr) {}
@@ -224,6 +225,7 @@ class HandlerWatcher : public TreeWatcher {
     }
 
     Unretained<NSFileManager> _manager;
+    Retained<Object> _handler;  // what it is told may end its owner
     id _hearsPaths;
     id _hearsErrors;
 };

@@ -86,8 +86,8 @@ std::optional<std::string> uniqueName(const std::string& folder, const NameParts
     const auto isFree = [&](const std::string& candidate) {
         return !isThere(folder, candidate) && !(isTaken && isTaken(candidate));
     };
+    if (isFree(name.name)) return name.name;
     const std::string end = name.extension.empty() ? "" : "." + name.extension;
-    if (isFree(name.base + end)) return name.base + end;
     const NumberedNames names(name.base, suffix, end);
     std::vector<bool> listed(kSingleQuestions + 1);
     for (int number = 1; number <= kLastNumber; ++number) {

@@ -10,9 +10,10 @@ namespace pelvor {
 
 class NSString;
 
-/// A name as the system's bytes: "Report" and "txt".
+/// A name as the system's bytes, and what of it stands before and behind a number: "Report.txt", "Report" and
+/// "txt". The parts may be less than the name: the parts of "Report." are "Report" and "".
 struct NameParts {
-    std::string base, extension;
+    std::string name, base, extension;
 };
 
 /// Returns the name if nothing in the folder has it, else the first free one with the suffix, a format with

@@ -53,12 +53,12 @@ class FileAdditionsTest : public ::testing::Test {
 // MARK: Names
 
 TEST_F(FileAdditionsTest, UniqueNamesGoOnBehindTheTakenOnes) {
-    for (const char* name : {"Report.txt", "Report (1).txt", "plain", ".hidden", "a.tar.gz", "Ä.txt"})
+    for (const char* name : {"Report.txt", "Report (1).txt", "plain", ".hidden", "a.tar.gz", "Ä.txt", "end."})
         folder.write(string("in/") + name, "");
     fs::create_symlink("nowhere", folder.path("in/link.txt"));
     expectAll({"Report.txt -> Report (2).txt", "other.txt -> other.txt", "plain -> plain (1)",
                ".hidden -> .hidden (1)", "a.tar.gz -> a.tar (1).gz", "link.txt -> link (1).txt",
-               "Ä.txt -> Ä (1).txt"},
+               "Ä.txt -> Ä (1).txt", "end. -> end (1)", "other. -> other."},
               [&](const string& name) { return unique(name.c_str()); });
     EXPECT_EQ(unique("plain", "-%03x!"), "plain-001!");
     EXPECT_EQ(uniqueFileName_inFolder(files, nullptr, path("in")), nullptr);
@@ -92,13 +92,14 @@ TEST_F(FileAdditionsTest, ResultsSayWhatIsInTheWay) {
     folder.write("file", "old");
     folder.write("other", "other");
     folder.write("locked/file", "x");
+    fs::create_directory(folder.path("open"));
     chmod(folder.path("locked").c_str(), 0555);
     chmod(folder.path("").c_str(), 0777);
     EXPECT_EQ(moveFileAtPath_toPath(files, path("none"), path("x")), PBFileOperationNoSource);
     EXPECT_EQ(moveFileAtPath_toPath(files, path("file"), path("other")), PBFileOperationDestinationTaken);
     EXPECT_EQ(folder.read("file") + folder.read("other"), "oldother");
     EXPECT_EQ(copyFileAtPath_toPath(files, path("file"), path("none/x")), PBFileOperationNoFolder);
-    EXPECT_EQ(copyFileAtPath_toPath(files, path("locked"), path("locked/x")), PBFileOperationFailure);
+    EXPECT_EQ(copyFileAtPath_toPath(files, path("open"), path("open/x")), PBFileOperationFailure);
     EXPECT_EQ(copyFileAtPath_toPath(files, nullptr, path("x")), PBFileOperationNoSource);
     const int result = asOtherUser([&] {
         return moveFileAtPath_toPath(files, path("file"), path("locked/x")) * 16 +
@@ -121,6 +122,7 @@ TEST_F(FileAdditionsTest, AccessNamesTheFirstObstacle) {
     EXPECT_EQ(access("open/file"), PBFileIsReadable);
     EXPECT_EQ(access("open/none"), PBFileMissing);
     EXPECT_EQ(access("none/none"), PBFileFolderMissing);
+    EXPECT_EQ(readAccessForFileAtPath(files, u"no such file"_ns), PBFileMissing) << "in the current folder";
     if (geteuid() != 0) return;
     EXPECT_EQ(asOtherUser([&] { return access("open/closed"); }), PBFileDenied);
     EXPECT_EQ(asOtherUser([&] { return access("shut/none"); }), PBFileFolderDenied);
@@ -248,6 +250,16 @@ TEST_F(FileAdditionsTest, EachFileSystemHasATrashOfItsOwn) {
                 isFound = trash.files() == trashes + "/files" && trash.restore(entry);
     EXPECT_TRUE(isFound);
     EXPECT_EQ(shared.read("a b.txt"), "text");
+    // Neither a text nor a link leads out of the file system.
+    fs::create_symlink(folder.path(), shared.path("link"));
+    for (const string& evil : {folder.path("evil"), shared.path("link/evil")}) {
+        std::ofstream(trashes + "/files/evil");
+        std::ofstream(trashes + "/info/evil.trashinfo") << "[Trash Info]\nPath=" + evil + "\n";
+        for (const TrashEntry& entry : DesktopTrash::ofFile(shared.path("")).contents())
+            EXPECT_FALSE(entry.original == evil && DesktopTrash::ofFile(evil).restore(entry)) << evil;
+        EXPECT_FALSE(fs::exists(folder.path("evil")));
+    }
+    for (const char* each : {"/files/evil", "/info/evil.trashinfo"}) unlink((trashes + each).c_str());
     for (const char* each : {"/files", "/info", ""}) rmdir((trashes + each).c_str());
     EXPECT_EQ(moveFileAtPath_toPath(files, NSString::ofUTF8(shared.path("a b.txt")), path("moved")), 0);
     EXPECT_EQ(folder.read("moved") + (fs::exists(shared.path("a b.txt")) ? " twice" : ""), "text");

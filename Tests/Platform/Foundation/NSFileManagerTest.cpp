@@ -31,7 +31,11 @@ class Handler : public NSObject {
     PELVOR_CLASS(Handler, NSObject);
 
   public:
+    ~Handler() {
+        if (hasEnded) *hasEnded = true;
+    }
     void willProcess(id, NSString* path) {
+        if (reaction) reaction();
         paths.push_back(path->lastPathComponent()->toUTF8());
         if (paths.back() == raisesAt) throw NSException("Handler", raisesAt);
     }
@@ -44,6 +48,8 @@ class Handler : public NSObject {
     std::vector<string> paths, errors;
     bool goesOn = true;
     string raisesAt;
+    std::function<void()> reaction;
+    bool* hasEnded = nullptr;
 };
 
 constinit Library handlerLibrary{"Handlers", {}, kClassesOf<Handler>, {}};
@@ -116,7 +122,7 @@ class NSFileManagerTest : public ::testing::Test {
         mkfifo(folder.path(name + "/pipe").c_str(), 0640);
         folder.write(name + "/bytes \xFF\xC3", "x");
         fs::create_directory(folder.path(name + "/read-only"));
-        folder.write(name + "/read-only/kept", "kept");
+        if (geteuid() == 0) folder.write(name + "/read-only/kept", "kept");  // nobody else could remove it
         chmod(folder.path(name + "/read-only").c_str(), 0555);
         chmod(folder.path(name + "/text").c_str(), 0604);
         const timespec times[] = {{1000, 0}, {86400, 5}};
@@ -273,6 +279,19 @@ TEST_F(NSFileManagerTest, AHandlerThatRaisesLeavesNothingBehind) {
     handler->raisesAt = "pipe";
     EXPECT_THAT(RAISED(copy("from", "to", handler)), EndsWith("pipe"));
     EXPECT_THAT(names(), ElementsAre("from"));
+}
+
+TEST_F(NSFileManagerTest, AHandlerMayEndItsOwner) {
+    folder.write("from/a", "");
+    bool hasEnded = false;
+    auto handler = make<Handler>();
+    handler->hasEnded = &hasEnded;
+    handler->reaction = [&] {
+        handler = nullptr;
+        EXPECT_FALSE(hasEnded);
+    };
+    EXPECT_EQ(copy("from", "to", handler), 0);
+    EXPECT_TRUE(hasEnded);
 }
 
 // MARK: Attributes and folders
