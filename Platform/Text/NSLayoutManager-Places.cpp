@@ -178,24 +178,51 @@ NSRange NSLayoutManager::glyphRangeForBoundingRect_inTextContainer(NSRect bounds
     return glyphRangeForBoundingRectWithoutAdditionalLayout_inTextContainer(bounds, container);
 }
 
+std::vector<LaidLine> NSLayoutManager::linesInRect(NSRect bounds, NSTextContainer* container) {
+    std::vector<LaidLine> lines;
+    const std::size_t index = _state->indexOf(container);
+    const NSRange range = glyphRangeForBoundingRect_inTextContainer(bounds, container);
+    _state->eachLine(range, [&](const LinePlace& place, NSRange units) {
+        if (_state->containerOf(units.location) == index)
+            lines.push_back(
+                {units, _state->rectOf(place), _state->usedRectOf(place), _state->at(place).isRightToLeft});
+    });
+    return lines;
+}
+
 // MARK: Carets
+
+namespace {
+
+// Where the caret before the character stands, or behind it; zeros where there is no room for the line.
+NSRect caretRect(LayoutState& state, NSUInteger index, bool isBehind) {
+    if (!state.ensure(index)) return {};
+    const LinePlace place = state.lineOf(index);
+    if (state.blockOf(place).lines.empty()) return {};
+    const Line& line = state.at(place);
+    NSRect rect = state.usedRectOf(place);
+    const auto& carets = state.glyphsOf(place).carets(state.tools.boundaries);
+    auto caret =
+        std::upper_bound(carets.begin(), carets.end(), index - place.block.unit,
+                         [](NSUInteger unit, const LineGlyphs::Caret& each) { return unit < each.unit; });
+    if (caret != carets.begin() && (!isBehind || caret == carets.end())) --caret;
+    rect.origin.x = pointsOf(line.textLeft + caret->place);
+    rect.size.width = 0;
+    return rect;
+}
+
+}  // namespace
 
 NSRect NSLayoutManager::caretRectForCharacterAtIndex(NSUInteger index) {
     if (index > _state->length())
         raiseIndexBeyondBounds(index, _state->length() + 1, "caretRectForCharacterAtIndex:");
-    if (!_state->ensure(index)) return {};
-    const LinePlace place = _state->lineOf(index);
-    if (_state->blockOf(place).lines.empty()) return {};
-    const Line& line = _state->at(place);
-    NSRect rect = _state->usedRectOf(place);
-    const auto& carets = _state->glyphsOf(place).carets(_state->tools.boundaries);
-    auto caret =
-        std::upper_bound(carets.begin(), carets.end(), index - place.block.unit,
-                         [](NSUInteger unit, const LineGlyphs::Caret& each) { return unit < each.unit; });
-    if (caret != carets.begin()) --caret;
-    rect.origin.x = pointsOf(line.textLeft + caret->place);
-    rect.size.width = 0;
-    return rect;
+    return caretRect(*_state, index, false);
+}
+
+NSRect NSLayoutManager::caretRectBehindCharacterAtIndex(NSUInteger index) {
+    if (index >= _state->length())
+        raiseIndexBeyondBounds(index, _state->length(), "caretRectBehindCharacterAtIndex:");
+    return caretRect(*_state, index, true);
 }
 
 // MARK: Ranges

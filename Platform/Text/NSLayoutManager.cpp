@@ -89,6 +89,7 @@ PELVOR_DEFINE_CLASS(NSLayoutManager, textLibrary) {
         "characterIndexForPoint:inTextContainer:fractionOfDistanceBetweenInsertionPoints:",
         &NSLayoutManager::characterIndexForPoint_inTextContainer_fractionOfDistanceBetweenInsertionPoints>();
     methods.instance<"caretRectForCharacterAtIndex:", &NSLayoutManager::caretRectForCharacterAtIndex>();
+    methods.instance<"caretRectBehindCharacterAtIndex:", &NSLayoutManager::caretRectBehindCharacterAtIndex>();
     methods.instance<"rectArrayForCharacterRange:withinSelectedCharacterRange:inTextContainer:rectCount:",
                      &NSLayoutManager::
                          rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount>();
@@ -199,18 +200,35 @@ void NSLayoutManager::setDelegate(id delegate) { _state->delegate = WeakHandle(d
 void NSLayoutManager::textStorage_edited_range_changeInLength_invalidatedRange(
     NSTextStorage* storage, unsigned mask, NSRange newRange, NSInteger delta, NSRange invalidatedRange) {
     if (storage != _state->tools.storage) return;
-    if (mask & NSTextStorageEditedCharacters) {
-        _state->textChanged(newRange, delta);
-        if (invalidatedRange == newRange) return;
+    const bool changesCharacters = mask & NSTextStorageEditedCharacters;
+    if (changesCharacters) _state->textChanged(newRange, delta);
+    if (!changesCharacters || invalidatedRange != newRange) _state->attributesChanged(invalidatedRange);
+    tellTextViews(changesCharacters ? newRange : NSRange{}, delta, invalidatedRange);
+}
+
+namespace {
+
+SEL editMessage() { return "layoutManager:editedRange:changeInLength:invalidatedRange:"_sel; }
+
+}  // namespace
+
+void NSLayoutManager::tellTextViews(NSRange edited, NSInteger delta, NSRange invalidated) {
+    const auto containers = _state->containers;
+    id told = nullptr;
+    for (const auto& container : containers) {
+        id view = container->textView();
+        if (view && view != told && view->respondsToSelector(editMessage()))
+            send(view, editMessage(), this, edited, delta, invalidated);
+        told = view;
     }
-    _state->attributesChanged(invalidatedRange);
 }
 
 void NSLayoutManager::textContainerChangedGeometry(NSTextContainer* container) {
     _state->containersChanged(_state->indexOf(container));
+    tellTextViews({}, 0, {});
 }
 
-void NSLayoutManager::textContainerChangedTextView(NSTextContainer*) {}
+void NSLayoutManager::textContainerChangedTextView(NSTextContainer*) { tellTextViews({}, 0, {}); }
 
 void NSLayoutManager::invalidateLayoutForCharacterRange_isSoft_actualCharacterRange(NSRange range,
                                                                                     bool isSoft,
@@ -221,6 +239,7 @@ void NSLayoutManager::invalidateLayoutForCharacterRange_isSoft_actualCharacterRa
     else
         _state->attributesChanged(range);
     if (actualRange) *actualRange = range;
+    tellTextViews({}, 0, range);
 }
 
 void NSLayoutManager::invalidateDisplayForCharacterRange(NSRange range) {
@@ -233,7 +252,10 @@ void NSLayoutManager::invalidateDisplayForCharacterRange(NSRange range) {
         const NSRange shown = NSIntersectionRange(range, {filling.start, filling.end - filling.start});
         if (shown.length == 0) continue;
         NSTextContainer* container = _state->containers[_state->containerOf(filling.start)];
-        if (id view = container->textView(); view && view->respondsToSelector(redraw))
+        id view = container->textView();
+        if (!view) continue;
+        if (view->respondsToSelector(editMessage())) return tellTextViews({}, 0, range);
+        if (view->respondsToSelector(redraw))
             send(view, redraw, boundingRectForGlyphRange_inTextContainer(shown, container));
     }
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "Foundation/NSGeometry.h"
 #include "Text/NSContainerRunTable.h"
@@ -16,6 +17,14 @@ class NSColor;
 class NSDictionary;
 class NSTextContainer;
 class NSTextStorage;
+
+/// What a view has to know of a line fragment to find out whether the fragment looks as before.
+struct LaidLine {
+    NSRange range;  ///< its characters
+    NSRect rect;    ///< the fragment
+    NSRect used;    ///< the part of it that holds text
+    bool isRightToLeft = false;
+};
 
 /// What stands for units that have no glyph of their own.
 inline constexpr NSGlyph NSNullGlyph = 0;
@@ -100,6 +109,12 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     /// unless that is null.
     void invalidateLayoutForCharacterRange_isSoft_actualCharacterRange(NSRange range, bool isSoft,
                                                                        NSRange* actualRange);
+    // Text views that take this message hear of all that has to be drawn again: that the characters at the
+    // edited range replace as many less the change, and that those of the invalidated range look different.
+    //
+    //     void layoutManager:(NSLayoutManager*) editedRange:(NSRange) changeInLength:(NSInteger)
+    //     invalidatedRange:(NSRange)
+
     /// Tells the text views that show the characters to draw them again. Lays out nothing.
     void invalidateDisplayForCharacterRange(NSRange range);
     void invalidateDisplayForGlyphRange(NSRange range) { invalidateDisplayForCharacterRange(range); }
@@ -199,6 +214,9 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     /// stands before that; at the end of a line that was broken for its width it stands at the start of the
     /// next line.
     NSRect caretRectForCharacterAtIndex(NSUInteger index);
+    /// Where a caret behind the character stands, in the character's own line, also at the end of a line that
+    /// was broken for its width.
+    NSRect caretRectBehindCharacterAtIndex(NSUInteger index);
     /// The rectangles of the range's characters, one or more a line, valid until the next call; their number
     /// is written to `count` unless that is null. `selection` is all that is selected, of which the range is
     /// a part that is to be drawn: a whole line of the range from whose end the selection goes on is a
@@ -216,6 +234,9 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     void drawGlyphsForGlyphRange_atPoint(NSRange range, NSPoint origin);
 
     // C++ only
+    /// The line fragments of the container that the rectangle touches, laid out, from the top. The line
+    /// behind a last line end is not among them.
+    std::vector<LaidLine> linesInRect(NSRect bounds, NSTextContainer* container);
     /// Lays out paragraphs that are not yet laid out, from the front, until about so many units are done;
     /// whether any are left. For idle time.
     bool layOutSome(NSUInteger units);
@@ -226,6 +247,8 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     ~NSLayoutManager();
 
   private:
+    void tellTextViews(NSRange edited, NSInteger delta, NSRange invalidated);
+
     std::unique_ptr<LayoutState> _state;
     Retained<NSContainerRunTable> _runTable;
 };

@@ -477,6 +477,77 @@ TEST_F(NSLayoutManagerTest, RefusesQuestionsBeforeItHearsOfAnEdit) {
     EXPECT_EQ(text.lines(), std::vector<std::string>{"Some "});
 }
 
+// What a text view has to know
+
+struct EditListener;
+extern Library editListenerLibrary;
+
+struct EditListener : NSObject {
+    PELVOR_CLASS(EditListener, NSObject);
+
+  public:
+    void layoutManager_editedRange_changeInLength_invalidatedRange(NSLayoutManager*, NSRange edited,
+                                                                   NSInteger change, NSRange invalidated) {
+        told << edited << " " << change << " " << invalidated << "\n";
+    }
+    std::ostringstream told;
+};
+
+PELVOR_DEFINE_CLASS(EditListener, editListenerLibrary) {
+    methods.instance<"layoutManager:editedRange:changeInLength:invalidatedRange:",
+                     &EditListener::layoutManager_editedRange_changeInLength_invalidatedRange>();
+}
+
+constinit Library editListenerLibrary{"TestEditListener", kDependencies, kClassesOf<EditListener>, {}};
+
+TEST_F(NSLayoutManagerTest, TellsTextViewsWhatLooksDifferent) {
+    LaidOutText text(u"one two\nthree"_ns, plain());
+    auto view = make<EditListener>();
+    text.containers[0]->setTextView(view);
+    const auto toldOf = [&](auto edit) {
+        view->told.str("");
+        edit();
+        return view->told.str();
+    };
+    EXPECT_EQ(toldOf([&] {
+                  text.storage->replaceCharactersInRange_withString({4, 3}, u"2"_ns);
+              }),
+              "{4, 1} -2 {4, 1}\n");
+    EXPECT_EQ(toldOf([&] {
+                  text.storage->removeAttribute_range(NSFontAttributeName, {1, 2});
+              }),
+              "{0, 0} 0 {1, 2}\n");
+    EXPECT_EQ(toldOf([&] {
+                  text.layoutManager->invalidateLayoutForCharacterRange_isSoft_actualCharacterRange(
+                      {2, 3}, false, nullptr);
+              }),
+              "{0, 0} 0 {2, 3}\n");
+    EXPECT_EQ(toldOf([&] { text.containers[0]->setContainerSize({50, 1e7F}); }), "{0, 0} 0 {0, 0}\n");
+    text.containers[0]->setTextView(nullptr);
+}
+
+TEST_F(NSLayoutManagerTest, ListsLinesByTheirHeight) {
+    LaidOutText text(fox(), plain(), {{100, 1.0e7F}});
+    const float height = NSHeight(text.lineRect(0));
+    const auto lines =
+        text.layoutManager->linesInRect({{0, height * 1.5F}, {100, height}}, text.containers[0]);
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[0].range, text.lineRange(NSMaxRange(text.lineRange(0))));
+    EXPECT_EQ(lines[0].rect, text.lineRect(lines[0].range.location));
+    EXPECT_EQ(lines[1].range.location, NSMaxRange(lines[0].range));
+    EXPECT_EQ(LaidOutText().layoutManager->linesInRect({{0, 0}, {9, 9}}, nullptr).size(), 0u);
+}
+
+TEST_F(NSLayoutManagerTest, PutsACaretBehindTheLastCharacterOfABrokenLine) {
+    LaidOutText text(u"one two three"_ns, plain(), {{60, 1.0e7F}});
+    const NSRect behind = text.layoutManager->caretRectBehindCharacterAtIndex(6);  // "two"
+    EXPECT_EQ(NSMinY(behind), NSMinY(text.lineRect(0)));
+    EXPECT_EQ(behind.origin.x, text.layoutManager->caretRectForCharacterAtIndex(7).origin.x);
+    EXPECT_EQ(NSMinY(text.layoutManager->caretRectBehindCharacterAtIndex(7)), NSMinY(text.lineRect(0)));
+    EXPECT_EQ(NSMinY(text.layoutManager->caretRectForCharacterAtIndex(8)), NSMinY(text.lineRect(8)));
+    EXPECT_THAT(RAISED(text.layoutManager->caretRectBehindCharacterAtIndex(13)), HasSubstr("beyond bounds"));
+}
+
 TEST_F(NSLayoutManagerTest, TakesAContainerOnce) {
     LaidOutText text(u"a"_ns, plain());
     auto other = NSLayoutManager::init();
