@@ -13,9 +13,17 @@ class NSEvent;        ///< what the user does, and which modifier keys are down
 class NSResponder;    ///< what takes events or hands them to the next responder
 
 // Windows and views
-class NSScreen;  ///< a monitor
-class NSView;    ///< a rectangle that draws itself and takes events
-class NSWindow;  ///< a window with a tree of views
+class NSClipView;    ///< shows a part of a larger view
+class NSScreen;      ///< a monitor
+class NSScrollView;  ///< a part of a view, with scrollers
+class NSScroller;    ///< shows which part is seen, and chooses another
+class NSView;        ///< a rectangle that draws itself and takes events
+class NSWindow;      ///< a window with a tree of views
+
+// Text and what is copied
+class NSPasteboard;  ///< what was copied, selected or dragged
+class NSText;        ///< what views of text have in common
+class NSTextView;    ///< shows, selects and edits a text
 
 // Pictures
 class NSImage;  ///< a picture to draw
