@@ -25,7 +25,17 @@ class NSPasteboard;  ///< what was copied, selected or dragged
 class NSText;        ///< what views of text have in common
 class NSTextView;    ///< shows, selects and edits a text
 
-// Pictures
-class NSImage;  ///< a picture to draw
+// Controls, and what they draw in their places
+class NSActionCell;        ///< a cell with a target, an action and a tag
+class NSButton;            ///< a push button, check box or radio button
+class NSButtonCell;        ///< what a button draws
+class NSCell;              ///< what a control shows in one of its places
+class NSControl;           ///< a view that shows a value and sends an action
+class NSImage;             ///< a picture to draw
+class NSImageCell;         ///< a picture as a value
+class NSImageView;         ///< a view that shows a picture
+class NSSegmentedCell;     ///< what a segmented control draws
+class NSSegmentedControl;  ///< several buttons in a row
+class NSTextFieldCell;     ///< a text in a field
 
 }  // namespace pelvor

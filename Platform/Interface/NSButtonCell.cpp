@@ -1,0 +1,303 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Interface/NSButtonCell.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "Foundation/NSAttributedString.h"
+#include "Foundation/NSNumber.h"
+#include "Interface/Drawing/Shapes.h"
+#include "Interface/InterfaceLibrary.h"
+#include "Interface/NSControl.h"
+#include "Interface/NSImage.h"
+#include "Runtime/Message.h"
+#include "Text/NSColor.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(NSButtonCell, interfaceLibrary) {
+    methods.instance<"buttonType", &NSButtonCell::buttonType>();
+    methods.instance<"setButtonType:", &NSButtonCell::setButtonType>();
+    methods.instance<"attributedTitle", &NSButtonCell::attributedTitle>();
+    methods.instance<"setAttributedTitle:", &NSButtonCell::setAttributedTitle>();
+    methods.instance<"alternateTitle", &NSButtonCell::alternateTitle>();
+    methods.instance<"setAlternateTitle:", &NSButtonCell::setAlternateTitle>();
+    methods.instance<"alternateImage", &NSButtonCell::alternateImage>();
+    methods.instance<"setAlternateImage:", &NSButtonCell::setAlternateImage>();
+    methods.instance<"imagePosition", &NSButtonCell::imagePosition>();
+    methods.instance<"setImagePosition:", &NSButtonCell::setImagePosition>();
+    methods.instance<"setKeyEquivalent:", &NSButtonCell::setKeyEquivalent>();
+    methods.instance<"keyEquivalentModifierMask", &NSButtonCell::keyEquivalentModifierMask>();
+    methods.instance<"setKeyEquivalentModifierMask:", &NSButtonCell::setKeyEquivalentModifierMask>();
+    methods.instance<"setPeriodicDelay:interval:", &NSButtonCell::setPeriodicDelay_interval>();
+    methods.instance<"drawBezelWithFrame:inView:", &NSButtonCell::drawBezelWithFrame_inView>();
+    methods.instance<"drawImage:withFrame:inView:", &NSButtonCell::drawImage_withFrame_inView>();
+    methods.instance<"drawTitle:withFrame:inView:", &NSButtonCell::drawTitle_withFrame_inView>();
+}
+
+namespace {
+
+Retained<NSString> copied(NSString* text) { return (text ? text : u""_ns)->copy(); }
+
+}  // namespace
+
+NSButtonCell::NSButtonCell()
+    : _title(copied(nullptr)), _alternateTitle(copied(nullptr)), _keyEquivalent(copied(nullptr)) {
+    _values.isBordered = true;
+    _values.alignment = NSCenterTextAlignment;
+}
+
+void NSButtonCell::takeProperties(NSCell* other) {
+    NSActionCell::takeProperties(other);
+    auto* button = static_cast<NSButtonCell*>(other);
+    _type = button->_type;
+    _imagePosition = button->_imagePosition;
+    _keyEquivalentModifiers = button->_keyEquivalentModifiers;
+    _periodicDelay = button->_periodicDelay;
+    _periodicInterval = button->_periodicInterval;
+    _title = button->_title;
+    _alternateTitle = button->_alternateTitle;
+    _keyEquivalent = button->_keyEquivalent;
+    _attributedTitle = button->_attributedTitle;
+    _alternateImage = button->_alternateImage;
+}
+
+// MARK: Properties
+
+void NSButtonCell::setButtonType(NSButtonType type) {
+    _type = type;
+    setBordered(!hasMark());
+    setAlignment(hasMark() ? NSNaturalTextAlignment : NSCenterTextAlignment);
+    changed();
+}
+
+void NSButtonCell::setTitle(NSString* title) {
+    _attributedTitle = nullptr;
+    _title = copied(title);
+    changed();
+}
+
+NSAttributedString* NSButtonCell::attributedTitle() {
+    if (_attributedTitle) return _attributedTitle;
+    return NSAttributedString::initWithString_attributes(_title, textAttributes()).autorelease();
+}
+
+void NSButtonCell::setAttributedTitle(NSAttributedString* title) {
+    if (title) setTitle(title->string());
+    _attributedTitle = title ? title->copy() : nullptr;
+    changed();
+}
+
+void NSButtonCell::setAlternateTitle(NSString* title) {
+    _alternateTitle = copied(title);
+    changed();
+}
+
+void NSButtonCell::setAlternateImage(NSImage* image) {
+    _alternateImage.set(image);
+    changed();
+}
+
+void NSButtonCell::setImage(NSImage* image) {
+    if (image && _imagePosition == NSNoImage) _imagePosition = _title->length() ? NSImageLeft : NSImageOnly;
+    NSActionCell::setImage(image);
+}
+
+void NSButtonCell::setImagePosition(NSCellImagePosition position) {
+    _imagePosition = position;
+    changed();
+}
+
+void NSButtonCell::setKeyEquivalent(NSString* key) {
+    _keyEquivalent = copied(key);
+    lookChanged();
+}
+
+void NSButtonCell::setNextState() {
+    if (_type == NSMomentaryLightButton || _type == NSMomentaryChangeButton ||
+        _type == NSMomentaryPushInButton)
+        return;
+    if (_type != NSRadioButton) return NSActionCell::setNextState();
+    NSView* view = controlView();
+    NSArray* siblings = view && view->superview() && action() ? view->superview()->subviews() : nullptr;
+    for (NSUInteger i = 0; siblings && i < siblings->count(); ++i) {
+        auto* control = cast<NSControl>(siblings->objectAtIndex(i));
+        auto* button = control ? cast<NSButtonCell>(control->cell()) : nullptr;
+        if (button && button != this && button->_type == NSRadioButton && button->action() == action())
+            button->setState(NSOffState);
+    }
+    setState(NSOnState);
+}
+
+id NSButtonCell::objectValue() { return NSNumber::numberWithInt(state()); }
+
+void NSButtonCell::setObjectValue(id value) {
+    setState(value && value->respondsToSelector("intValue"_sel) ? send<int>(value, "intValue"_sel) : 0);
+}
+
+void NSButtonCell::setPeriodicDelay_interval(float delay, float interval) {
+    _periodicDelay = delay;
+    _periodicInterval = interval;
+}
+
+void NSButtonCell::getPeriodicDelay_interval(float* delay, float* interval) {
+    if (delay) *delay = _periodicDelay;
+    if (interval) *interval = _periodicInterval;
+}
+
+// MARK: Room
+
+id NSButtonCell::shownTitle() {
+    const bool alternates = _type == NSToggleButton && state() == NSOnState && _alternateTitle->length();
+    if (alternates) return _alternateTitle;
+    if (_attributedTitle) return _attributedTitle;
+    return _title->length() ? _title.get() : nullptr;
+}
+
+NSImage* NSButtonCell::shownImage() {
+    if (_imagePosition == NSNoImage) return nullptr;
+    const bool alternates =
+        _type == NSMomentaryChangeButton ? isHighlighted() : _type == NSToggleButton && state() == NSOnState;
+    return alternates && _alternateImage ? _alternateImage.get() : image();
+}
+
+NSSize NSButtonCell::cellSizeForBounds(NSRect) {
+    NSImage* image = shownImage();
+    id title = image && _imagePosition == NSImageOnly ? nullptr : shownTitle();
+    NSSize total = title ? sizeOfText_width(title, 1.0e4f) : NSSize{0, font()->defaultLineHeightForFont()};
+    if (image) {
+        const NSSize size = image->size();
+        const bool isStacked = _imagePosition == NSImageBelow || _imagePosition == NSImageAbove;
+        const float gap = title ? metrics::kImageGap : 0;
+        if (!title || _imagePosition == NSImageOverlaps)
+            total = {std::max(total.width, size.width), std::max(total.height, size.height)};
+        else if (isStacked)
+            total = {std::max(total.width, size.width), total.height + gap + size.height};
+        else
+            total = {total.width + gap + size.width, std::max(total.height, size.height)};
+    }
+    if (hasMark()) {
+        total.width += metrics::kSwitchSize + (title || image ? metrics::kSwitchGap : 0);
+        total.height = std::max(total.height, metrics::kSwitchSize);
+    } else if (isBordered()) {
+        total.width += 2 * (title ? metrics::kButtonInset : metrics::kFieldInset + metrics::kTextInset);
+        total.height = std::max(total.height + 2 * metrics::kFieldInset,
+                                controlSize() == NSRegularControlSize ? metrics::kButtonHeight : 0);
+    }
+    return {std::ceil(total.width), std::ceil(total.height)};
+}
+
+NSButtonCell::Parts NSButtonCell::partsInFrame(NSRect frame) {
+    Parts parts;
+    const bool isRightToLeft = baseWritingDirection() == NSWritingDirectionRightToLeft;
+    NSRect rest = frame;
+    if (hasMark()) {
+        NSDivideRect(rest, &parts.mark, &rest, metrics::kSwitchSize, isRightToLeft ? NSMaxXEdge : NSMinXEdge);
+        NSDivideRect(rest, nullptr, &rest, metrics::kSwitchGap, isRightToLeft ? NSMaxXEdge : NSMinXEdge);
+    } else if (isBordered()) {
+        rest = NSInsetRect(rest, metrics::kFieldInset + metrics::kTextInset, metrics::kTextInset);
+    }
+    parts.title = rest;
+    NSImage* image = shownImage();
+    if (!image) return parts;
+    parts.image = rest;
+    id title = shownTitle();
+    if (!title || _imagePosition == NSImageOnly || _imagePosition == NSImageOverlaps) return parts;
+    const bool isStacked = _imagePosition == NSImageBelow || _imagePosition == NSImageAbove;
+    const NSRectEdge edge = _imagePosition == NSImageBelow   ? NSMaxYEdge
+                            : _imagePosition == NSImageAbove ? NSMinYEdge
+                            : _imagePosition == NSImageRight ? NSMaxXEdge
+                                                             : NSMinXEdge;
+    if (!isStacked && alignment() == NSCenterTextAlignment) {
+        // Image and title stand in the middle together.
+        const float width = std::min(rest.size.width, image->size().width + metrics::kImageGap +
+                                                          std::ceil(sizeOfText_width(title, 1.0e4f).width));
+        rest = NSInsetRect(rest, (rest.size.width - width) / 2, 0);
+    }
+    const float extent = isStacked ? image->size().height : image->size().width;
+    NSDivideRect(rest, &parts.image, &rest, extent, edge);
+    NSDivideRect(rest, nullptr, &parts.title, metrics::kImageGap, edge);
+    return parts;
+}
+
+NSRect NSButtonCell::titleRectForBounds(NSRect bounds) { return partsInFrame(bounds).title; }
+
+NSRect NSButtonCell::imageRectForBounds(NSRect bounds) { return partsInFrame(bounds).image; }
+
+// MARK: Drawing
+
+bool NSButtonCell::isDefault() { return isBordered() && _keyEquivalent->isEqualToString(u"\r"_ns); }
+
+bool NSButtonCell::looksPressed() {
+    const bool staysDown = _type == NSPushOnPushOffButton || _type == NSOnOffButton;
+    return isHighlighted() || (staysDown && state() == NSOnState);
+}
+
+NSColor* NSButtonCell::effectiveTextColor() {
+    if (!isEnabled()) return themeColor(ThemeColor::disabledText);
+    return themeColor(isDefault() ? ThemeColor::textOnAccent : ThemeColor::text);
+}
+
+void NSButtonCell::drawWithFrame_inView(NSRect frame, NSView* view) {
+    setControlView(view);
+    if (isBordered() && !hasMark()) drawBezelWithFrame_inView(frame, view);
+    drawInteriorWithFrame_inView(frame, view);
+}
+
+void NSButtonCell::drawBezelWithFrame_inView(NSRect frame, NSView*) {
+    constexpr float kRadius = metrics::kCornerRadius;
+    if (isDefault() && isEnabled()) {
+        fillRounded(frame, kRadius, looksPressed() ? ThemeColor::pressedAccent : ThemeColor::accent);
+    } else {
+        fillRounded(frame, kRadius, looksPressed() ? ThemeColor::pressedButton : ThemeColor::button);
+        strokeRounded(frame, kRadius, metrics::kLine, ThemeColor::border);
+    }
+    if (showsFirstResponder())
+        drawFocusRing(NSInsetRect(frame, metrics::kFocusRing, metrics::kFocusRing), kRadius);
+}
+
+void NSButtonCell::drawInteriorWithFrame_inView(NSRect frame, NSView* view) {
+    const Parts parts = partsInFrame(frame);
+    if (hasMark()) drawMark(parts.mark);
+    if (NSImage* image = shownImage()) drawImage_withFrame_inView(image, parts.image, view);
+    id title = shownTitle();
+    if (!title || (shownImage() && _imagePosition == NSImageOnly)) return;
+    if (auto* plain = cast<NSString>(title)) {
+        auto attributed = NSAttributedString::initWithString_attributes(plain, textAttributes());
+        drawTitle_withFrame_inView(attributed, parts.title, view);
+    } else {
+        drawTitle_withFrame_inView(static_cast<NSAttributedString*>(title), parts.title, view);
+    }
+}
+
+void NSButtonCell::drawImage_withFrame_inView(NSImage* image, NSRect frame, NSView*) {
+    if (!image) return;
+    image->drawInRect_fromRect_operation_fraction(fittedImage(image->size(), frame, NSScaleProportionally),
+                                                  NSZeroRect, NSCompositeSourceOver, isEnabled() ? 1 : 0.4f);
+}
+
+NSRect NSButtonCell::drawTitle_withFrame_inView(NSAttributedString* title, NSRect frame, NSView*) {
+    drawText_inRect(title, frame);
+    return frame;
+}
+
+void NSButtonCell::drawMark(NSRect place) {
+    constexpr float kSize = metrics::kSwitchSize;
+    place = {{place.origin.x, std::floor(NSMidY(place) - kSize / 2)}, {kSize, kSize}};
+    const float radius = _type == NSRadioButton ? kSize / 2 : metrics::kCornerRadius - 1;
+    const bool isFilled = state() != NSOffState && isEnabled();
+    if (isFilled) {
+        fillRounded(place, radius, isHighlighted() ? ThemeColor::pressedAccent : ThemeColor::accent);
+    } else {
+        fillRounded(place, radius, isHighlighted() ? ThemeColor::pressedButton : ThemeColor::content);
+        strokeRounded(place, radius, metrics::kLine, ThemeColor::border);
+    }
+    const ThemeColor ink = isFilled ? ThemeColor::textOnAccent : ThemeColor::disabledText;
+    if (state() == NSMixedState)
+        drawDash(place, ink);
+    else if (state() == NSOnState)
+        _type == NSRadioButton ? drawDot(place, ink) : drawCheckMark(place, ink);
+    if (showsFirstResponder()) drawFocusRing(NSInsetRect(place, 1, 1), radius);
+}
+
+}  // namespace pelvor

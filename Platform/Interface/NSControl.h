@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSControl: a view that shows a value and sends an action.
+#pragma once
+
+#include "Interface/NSCell.h"
+#include "Interface/NSView.h"
+
+namespace pelvor {
+
+/// A view with a cell, which draws the control, keeps its value and follows the mouse:
+///
+///     auto button = NSButton::initWithFrame({{20, 20}, {90, 26}});
+///     button->setTitle(u"Justify"_ns);
+///     button->setTarget(controller);
+///     button->setAction("justify:"_sel);            // called with the button
+///
+/// Most operations are those of the cell, where they are described; a control without a cell has no value and
+/// sends no action. Main thread.
+class PELVOR_EXPORT NSControl : public NSView {
+    PELVOR_CLASS(NSControl, NSView);
+    PELVOR_CREATORS(initWithFrame);
+
+  public:
+    /// A control with a cell of the class that `cellClass` returns.
+    static Retained<NSControl> initWithFrame(NSRect frame, Class* cls = classObject());
+    /// The class of the cells of new controls; subclasses have their own.
+    static Class* cellClass();
+
+    NSCell* cell() { return _cell; }
+    virtual void setCell(NSCell* cell);
+    /// The cell that the user is working with; here the only one.
+    virtual NSCell* selectedCell() { return _cell; }
+    int selectedTag();
+    /// Draws the cell again soon, if it is one of the control's.
+    virtual void updateCell(NSCell* cell);
+    /// Gives the control the size that its cell needs.
+    virtual void sizeToFit();
+
+    virtual bool isEnabled();
+    virtual void setEnabled(bool isEnabled);
+    id target();
+    void setTarget(id target);
+    SEL action();
+    void setAction(SEL action);
+    NSInteger tag() override;
+    void setTag(int tag);
+    int sendActionOn(int mask);
+    bool isContinuous();
+    void setContinuous(bool isContinuous);
+    /// Whether further clicks of a double click do nothing.
+    bool ignoresMultiClick() { return _ignoresMultiClick; }
+    void setIgnoresMultiClick(bool ignores) { _ignoresMultiClick = ignores; }
+    bool refusesFirstResponder();
+    void setRefusesFirstResponder(bool refuses);
+
+    NSFont* font();
+    void setFont(NSFont* font);
+    NSTextAlignment alignment();
+    void setAlignment(NSTextAlignment alignment);
+    NSWritingDirection baseWritingDirection();
+    void setBaseWritingDirection(NSWritingDirection direction);
+
+    // The value; a text that is being edited is taken over first.
+
+    id objectValue();
+    void setObjectValue(id value);
+    NSString* stringValue();
+    void setStringValue(NSString* text);
+    NSAttributedString* attributedStringValue();
+    void setAttributedStringValue(NSAttributedString* text);
+    int intValue();
+    void setIntValue(int value);
+    float floatValue();
+    void setFloatValue(float value);
+    double doubleValue();
+    void setDoubleValue(double value);
+    void takeStringValueFrom(id sender);
+    void takeObjectValueFrom(id sender);
+    void takeIntValueFrom(id sender);
+    void takeDoubleValueFrom(id sender);
+
+    /// Sends the action with the control as its argument, as the application does. Returns whether somebody
+    /// took it; false for the null selector.
+    virtual bool sendAction_to(SEL action, id target);
+    virtual void performClick(id sender);
+    /// Takes over the text that is being edited, and goes on editing; the base has none.
+    virtual void validateEditing() {}
+
+    bool isFlipped() override { return true; }
+    bool isOpaque() override;
+    void drawRect(NSRect dirty) override;
+    void mouseDown(NSEvent* event) override;
+    void resetCursorRects() override;
+    bool acceptsFirstResponder() override;
+    bool becomeFirstResponder() override;
+    bool resignFirstResponder() override;
+
+  protected:
+    NSControl() = default;
+    ~NSControl();
+
+    /// Whether the application is handling a press of the mouse: controls that need no keys do not take them
+    /// away from a text then.
+    static bool isInMouseDown();
+
+  private:
+    Retained<NSCell> _cell;
+    bool _ignoresMultiClick = false;
+};
+
+}  // namespace pelvor
