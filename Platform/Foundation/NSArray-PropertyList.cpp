@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSArray-PropertyList.h"
 
+#include <cerrno>
+
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSString.h"
 #include "Foundation/PropertyLists/PropertyListCategories.h"
@@ -16,7 +18,9 @@ Retained<NSArray> NSArray_PropertyList::initWithContentsOfFile(NSString* path, C
     AutoreleasePool pool;
     id list = NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error(
         path, isMutable ? NSPropertyListMutableContainers : NSPropertyListImmutable, nullptr, nullptr);
-    return Retained<NSArray>::retaining(cast<NSArray>(list));
+    auto* array = cast<NSArray>(list);
+    if (list && !array) errno = EBADMSG;
+    return Retained<NSArray>::retaining(array);
 }
 
 NSArray* NSArray_PropertyList::arrayWithContentsOfFile(NSString* path, Class* cls) {

@@ -12,9 +12,9 @@ namespace pelvor {
 ///     bool isSaved = names && writeToFile_atomically(names, copyPath, true);
 struct PELVOR_EXPORT NSArray_PropertyList {
     /// Reads the property list in the file, in any format, and returns it if it is an array; borrowed.
-    /// Returns null if the file cannot be read, or holds no property list, or a list that is no array;
-    /// NSPropertyListSerialization tells the reason. If `cls` is a mutable class, the array and all arrays
-    /// and dictionaries in it are mutable.
+    /// Returns null if the file cannot be read, or holds no property list, or a list that is no array:
+    /// NSFileError tells which, NSPropertyListSerialization where a list is damaged. If `cls` is a mutable
+    /// class, the array and all arrays and dictionaries in it are mutable.
     static NSArray* arrayWithContentsOfFile(NSString* path, Class* cls = NSArray::classObject());
     /// Like `arrayWithContentsOfFile`, but the result is owned.
     static Retained<NSArray> initWithContentsOfFile(NSString* path, Class* cls = NSArray::classObject());

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSDictionary-PropertyList.h"
 
+#include <cerrno>
+
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSString.h"
 #include "Foundation/PropertyLists/PropertyListCategories.h"
@@ -16,7 +18,9 @@ Retained<NSDictionary> NSDictionary_PropertyList::initWithContentsOfFile(NSStrin
     AutoreleasePool pool;
     id list = NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error(
         path, isMutable ? NSPropertyListMutableContainers : NSPropertyListImmutable, nullptr, nullptr);
-    return Retained<NSDictionary>::retaining(cast<NSDictionary>(list));
+    auto* dictionary = cast<NSDictionary>(list);
+    if (list && !dictionary) errno = EBADMSG;
+    return Retained<NSDictionary>::retaining(dictionary);
 }
 
 NSDictionary* NSDictionary_PropertyList::dictionaryWithContentsOfFile(NSString* path, Class* cls) {

@@ -13,7 +13,7 @@ namespace pelvor {
 struct PELVOR_EXPORT NSDictionary_PropertyList {
     /// Reads a file that holds a dictionary as a property list in any format, and returns the dictionary,
     /// borrowed. Returns null for a null path, if the file cannot be read, and if the file holds anything
-    /// else; to learn the reason, read the file with NSPropertyListSerialization. If `cls` is
+    /// else: NSFileError tells which, NSPropertyListSerialization where a list is damaged. If `cls` is
     /// NSMutableDictionary or a subclass, the dictionary and all arrays and dictionaries inside are mutable.
     /// Raises NSInvalidArgumentException if `cls` is null.
     static NSDictionary* dictionaryWithContentsOfFile(NSString* path,

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSFileError.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <iterator>
 
+#include "Foundation/Files/SystemPath.h"
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/LibraryTexts.h"
 
@@ -33,6 +36,7 @@ struct Reason {
 constexpr Reason kReasons[] = {
     {0, "_it is no regular file"},
     {EACCES, "_permission was denied"},
+    {EBADMSG, "_its content cannot be understood"},
     {EBUSY, "_it is in use"},
     {EDQUOT, "_your share of the disk is used up"},
     {EEXIST, "_the file already exists"},
@@ -63,6 +67,16 @@ const char* keyOfReason(int code, FileUse use) {
     return reason == std::end(kReasons) ? nullptr : reason->key;
 }
 
+// Whether the folder of the path exists, so that a writer who lacks something lacks the file itself. Of a
+// link that leads nowhere, the folder may be missing that it leads to.
+bool isFileMissing(NSString* path) {
+    const std::string bytes = systemPath(path);
+    const std::string folder = bytes.substr(0, bytes.find_last_of('/') + 1);
+    struct stat status;
+    return !bytes.empty() && ::lstat(bytes.c_str(), &status) != 0 &&
+           ::stat(folder.empty() ? "." : folder.c_str(), &status) == 0;
+}
+
 }  // namespace
 
 const char* reasonOfFileError(int code, FileUse use) {
@@ -74,7 +88,8 @@ const char* reasonOfFileError(int code, FileUse use) {
 NSFileError* NSFileError::errorWithCode_path_isWriting(int code, NSString* path, bool isWriting, Class* cls) {
     auto error = make<NSFileError>(cls);
     error->_code = code;
-    error->_use = isWriting ? FileUse::writing : FileUse::reading;
+    const bool lacksFile = code == ENOENT && isWriting && isFileMissing(path);
+    error->_use = isWriting && !lacksFile ? FileUse::writing : FileUse::reading;
     error->_path = path ? path->copy() : nullptr;
     return std::move(error).autorelease();
 }

@@ -7,8 +7,8 @@
 
 namespace pelvor {
 
-/// What was done with a file. Where there is nothing at a path, what is missing is the file for a reader and
-/// the folder for a writer.
+/// What was done with a file. It decides what a missing path means: a reader lacks the file, a writer the
+/// folder that the file is to lie in.
 enum class FileUse : unsigned char { reading, writing };
 
 /// The reason for a number that `errno` had, in English: "there is no room left on the disk".
@@ -19,8 +19,8 @@ PELVOR_EXPORT const char* reasonOfFileError(int code, FileUse use = FileUse::rea
 /// is made directly behind the operation:
 ///
 ///     if (!data->writeToFile_atomically(path, true))
-///         complain(NSFileError::lastWriteErrorAtPath(path)->localizedReason());  // "il n'y a plus de place
-///         …"
+///         complain(NSFileError::lastWriteErrorAtPath(path)->localizedReason());
+///     // "there is no room left on the disk", in French "il n’y a plus de place sur le disque"
 ///
 /// Immutable. Any thread.
 class PELVOR_EXPORT NSFileError : public NSObject {
@@ -28,10 +28,13 @@ class PELVOR_EXPORT NSFileError : public NSObject {
     PELVOR_CREATORS(errorWithCode_path_isWriting, lastReadErrorAtPath, lastWriteErrorAtPath);
 
   public:
-    /// An error with that number of the system; 0 stands for what is no regular file.
+    /// Returns an error with that number of the system; 0 stands for what is no regular file. ENOENT of a
+    /// writer means the file if the folder of the path exists at this moment (a copy without a source, the
+    /// removal of what is not there), else the folder.
     static NSFileError* errorWithCode_path_isWriting(int code, NSString* path, bool isWriting,
                                                      Class* cls = classObject());
-    /// An error with the number that `errno` has.
+    /// These return an error with the number that `errno` has: the first for what only reads, the second for
+    /// all else. The path of a copy or a move is the destination.
     static NSFileError* lastReadErrorAtPath(NSString* path, Class* cls = classObject());
     static NSFileError* lastWriteErrorAtPath(NSString* path, Class* cls = classObject());
 

@@ -25,7 +25,9 @@ inline constexpr NSString* NSFileOwnerAccountName = u"NSFileOwnerAccountName"_ns
 inline constexpr NSString* NSFileGroupOwnerAccountName =
     u"NSFileGroupOwnerAccountName"_ns;                                         ///< may be missing
 inline constexpr NSString* NSFileReferenceCount = u"NSFileReferenceCount"_ns;  ///< how many names it has
+/// A number of the file system that the file is on; among the attributes of the file system, too.
 inline constexpr NSString* NSFileSystemNumber = u"NSFileSystemNumber"_ns;
+/// A number that no other file of that file system has.
 inline constexpr NSString* NSFileSystemFileNumber = u"NSFileSystemFileNumber"_ns;
 
 // Values of NSFileType.
@@ -78,7 +80,7 @@ class PELVOR_EXPORT NSFileManager : public NSObject {
     bool isReadableFileAtPath(NSString* path);
     bool isWritableFileAtPath(NSString* path);
     bool isExecutableFileAtPath(NSString* path);
-    /// Whether the entry itself, link or not, may be removed, as far as its folder's rights go.
+    /// Returns whether the rights of its folder let the user remove the entry, which may be a link.
     bool isDeletableFileAtPath(NSString* path);
 
     // Attributes
@@ -88,8 +90,8 @@ class PELVOR_EXPORT NSFileManager : public NSObject {
     NSDictionary* fileAttributesAtPath_traverseLink(NSString* path, bool traverseLink);
     NSDictionary* fileSystemAttributesAtPath(NSString* path);
     /// Changes those attributes of the file, behind all links, that are given and can be changed; others are
-    /// left alone. Returns false for a value of another class, and for the first attribute that cannot be
-    /// set.
+    /// left alone. Owner, group, permissions and date are set in this order. Returns false at the first one
+    /// whose value is of another class or that cannot be set, and leaves the rest as it was.
     bool changeFileAttributes_atPath(NSDictionary* attributes, NSString* path);
 
     // Contents
@@ -112,6 +114,7 @@ class PELVOR_EXPORT NSFileManager : public NSObject {
     bool createDirectoryAtPath_attributes(NSString* path, NSDictionary* attributes);
     /// Makes a link to the other path, which need not exist.
     bool createSymbolicLinkAtPath_pathContent(NSString* path, NSString* otherPath);
+    /// Returns the path that the link was made with; null if there is no link.
     NSString* pathContentOfSymbolicLinkAtPath(NSString* path);
     NSString* currentDirectoryPath();
     bool changeCurrentDirectoryPath(NSString* path);
@@ -129,6 +132,7 @@ class PELVOR_EXPORT NSFileManager : public NSObject {
     /// and is removed when the copy is on the disk; an entry that cannot be copied ends the move whatever the
     /// handler says.
     bool movePath_toPath_handler(NSString* source, NSString* destination, id handler);
+    /// Removes a file or a folder. What was removed before a failure is gone.
     bool removeFileAtPath_handler(NSString* path, id handler);
 
     // C++ only

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSPropertyListSerialization.h"
 
+#include <cerrno>
+
 #include "Foundation/FoundationLibrary.h"
 #include "Foundation/NSPropertyListError.h"
 #include "Foundation/NSString.h"
@@ -67,6 +69,7 @@ id NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_er
         return readPropertyListFile(path, options, format).autorelease();
     } catch (const PropertyListFault& fault) {
         report(error, fault);
+        errno = fault.fileError ? fault.fileError : EBADMSG;
         return nullptr;
     }
 }

@@ -50,8 +50,9 @@ class PELVOR_EXPORT NSPropertyListSerialization : public NSObject {
                                                         NSPropertyListError** error);
 
     /// Reads the list in the file as `propertyListWithData_options_format_error` reads one in data. A file
-    /// that cannot be read gives an error, too. An empty file whose name ends in ".strings" is a table
-    /// without entries.
+    /// that cannot be read gives an error, too. After a failure `errno` has the reason for an NSFileError,
+    /// which says it in the user's language; EBADMSG stands for a file that holds no list. An empty file
+    /// whose name ends in ".strings" is a table without entries.
     static id propertyListWithContentsOfFile_options_format_error(NSString* path,
                                                                   NSPropertyListMutabilityOptions options,
                                                                   NSPropertyListFormat* format,

@@ -15,6 +15,7 @@ struct PropertyListFault {
     std::size_t column = 0;
     std::size_t offset = 0;
     std::string keyPath = {};  ///< the place of an object that cannot be written, "styles.2.name"
+    int fileError = 0;         ///< why the file could not be read, as a number of `errno`; 0 if it was read
 };
 
 }  // namespace pelvor

@@ -16,10 +16,13 @@ namespace pelvor {
 
 Retained<Object> readPropertyListFile(NSString* path, NSPropertyListMutabilityOptions options,
                                       NSPropertyListFormat* format) {
-    if (!path) throw PropertyListFault{"the path is null"};
+    if (!path) throw PropertyListFault{.reason = "the path is null", .fileError = ENOENT};
     GrowingBytes content;
-    if (!readFile(systemPath(path), content, FileReading::regularOnly))
-        throw PropertyListFault{std::string("the file cannot be read: ") + reasonOfFileError(errno)};
+    if (!readFile(systemPath(path), content, FileReading::regularOnly)) {
+        const int error = errno;
+        throw PropertyListFault{.reason = std::string("the file cannot be read: ") + reasonOfFileError(error),
+                                .fileError = error};
+    }
     std::string_view bytes = content.view();
     if (format) *format = propertyListFormatOf(bytes);
     if (bytes.empty() && path->hasSuffix(u".strings"_ns)) return NSDictionary::init();

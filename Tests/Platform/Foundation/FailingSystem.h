@@ -2,11 +2,16 @@
 // A system whose calls on files fail, or end the process, when a test wants it.
 #pragma once
 
+#include <grp.h>
 #include <sys/types.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
+#include <filesystem>
+#include <string>
+#include <vector>
 
 namespace pelvor {
 
@@ -39,6 +44,20 @@ int inChild(Work work) {
     int status = 0;
     waitpid(child, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+/// Becomes another user for good, for a process that may.
+inline bool becomeUser(uid_t user) {
+    return setgroups(0, nullptr) == 0 && setresgid(user, user, user) == 0 && setresuid(user, user, user) == 0;
+}
+
+/// The names in a folder, in order.
+inline std::vector<std::string> namesIn(const std::filesystem::path& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.push_back(entry.path().filename());
+    std::ranges::sort(names);
+    return names;
 }
 
 }  // namespace pelvor

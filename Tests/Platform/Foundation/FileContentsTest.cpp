@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of writing files as a whole or not at all, through the operations of data.
 #include <fcntl.h>
-#include <grp.h>
 #include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -41,11 +40,7 @@ class FileContentsTest : public ::testing::TestWithParam<bool> {
     }
     // The same in another process, as another user.
     int saveAs(uid_t user, const string& name, const string& text) {
-        return inChild([&] {
-            if (setgroups(0, nullptr) || setresgid(user, user, user) || setresuid(user, user, user))
-                return 255;
-            return save(name, text);
-        });
+        return inChild([&] { return becomeUser(user) ? save(name, text) : 255; });
     }
 
     struct stat statusOf(const string& name) {
@@ -66,13 +61,7 @@ class FileContentsTest : public ::testing::TestWithParam<bool> {
         EXPECT_EQ(chown(path.c_str(), owner, group) | chmod(path.c_str(), rights), 0) << name;
         return path;
     }
-    std::vector<string> names() {
-        std::vector<string> found;
-        for (const auto& entry : fs::directory_iterator(folder.path("")))
-            found.push_back(entry.path().filename());
-        std::ranges::sort(found);
-        return found;
-    }
+    std::vector<string> names() { return namesIn(folder.path()); }
 
     TemporaryFolder folder;
 };

@@ -2,7 +2,6 @@
 #include "Foundation/NSFileManager.h"
 
 #include <fcntl.h>
-#include <grp.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -13,6 +12,7 @@
 #include "EnvironmentScope.h"
 #include "FailingSystem.h"
 #include "Foundation/DesktopTrash.h"
+#include "Foundation/NSDictionary-PropertyList.h"
 #include "Foundation/NSFileError.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Foundation/StandardFolders.h"
@@ -128,13 +128,7 @@ class NSFileManagerTest : public ::testing::Test {
         const timespec times[] = {{1000, 0}, {86400, 5}};
         utimensat(AT_FDCWD, folder.path(name + "/text").c_str(), times, 0);
     }
-    std::vector<string> names() const {
-        std::vector<string> found;
-        for (const auto& entry : fs::directory_iterator(folder.path("")))
-            found.push_back(entry.path().filename());
-        std::ranges::sort(found);
-        return found;
-    }
+    std::vector<string> names() const { return namesIn(folder.path()); }
 
     inline static NSFileManager* const files = NSFileManager::defaultManager();
     AutoreleasePool pool;
@@ -261,7 +255,7 @@ TEST_F(NSFileManagerTest, AsksTheHandlerAboutEachEntryThatFails) {
     const int result = inChild([&] {
         chmod(folder.path("from/a/1").c_str(), 0);
         chmod(folder.path("").c_str(), 0777);
-        if (setgroups(0, nullptr) || setresuid(65534, 65534, 65534)) return geteuid() ? 0 : 100;
+        if (!becomeUser(65534)) return geteuid() ? 0 : 100;
         if (copy("from", "some", handler) != 0 || handler->errors.size() != 1) return 1;
         if (handler->errors[0] != "1: permission was denied") return 2;
         if (fs::exists(folder.path("some/a/1")) || folder.read("some/b") != "b") return 3;
@@ -350,7 +344,7 @@ TEST_F(NSFileManagerTest, FindsTheFoldersOfTheUser) {
 TEST_F(NSFileManagerTest, TellsReasonsInTheUsersLanguage) {
     const auto reason = [](const char* languages, int code, bool isWriting) {
         const LanguageScope scope(languages);
-        return NSFileError::errorWithCode_path_isWriting(code, u"/f"_ns, isWriting)
+        return NSFileError::errorWithCode_path_isWriting(code, u"/none/f"_ns, isWriting)
             ->localizedReason()
             ->toUTF8();
     };
@@ -362,6 +356,13 @@ TEST_F(NSFileManagerTest, TellsReasonsInTheUsersLanguage) {
     EXPECT_TRUE(!u"x"_ns->writeToFile_atomically_encoding(path("none/x"), true, NSUTF8StringEncoding));
     EXPECT_THAT(shown(NSFileError::lastWriteErrorAtPath(path("none/x"))),
                 EndsWith("none/x: the enclosing folder does not exist"));
+    folder.write("list", "(");
+    EXPECT_EQ(NSDictionary_PropertyList::dictionaryWithContentsOfFile(path("list")), nullptr);
+    EXPECT_THAT(shown(NSFileError::lastReadErrorAtPath(path("list"))),
+                EndsWith("list: its content cannot be understood"));
+    EXPECT_FALSE(files->copyPath_toPath_handler(path("none"), path("copy"), nullptr));
+    EXPECT_THAT(shown(NSFileError::lastWriteErrorAtPath(path("copy"))),
+                EndsWith(": the file does not exist"));
     EXPECT_TRUE(!u"ä"_ns->writeToFile_atomically_encoding(path("x"), true, NSASCIIStringEncoding));
     EXPECT_EQ(shown(NSFileError::lastWriteErrorAtPath(path("x"))->reason()),
               "the text does not fit the encoding");
