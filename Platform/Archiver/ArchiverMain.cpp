@@ -4,9 +4,9 @@
 //     ditto -c [-X] [-z] [--rsrc] SOURCE ARCHIVE
 //
 // A file is archived under its own name; of a folder, what is in it. A link that SOURCE names is followed,
-// others are kept. The archive is new, and for the user alone; it gets its name when it is complete. With -X,
-// what is mounted inside a folder is left out. Linux files have no second fork for --rsrc, and the archive is
-// always compressed.
+// others are kept. The archive is new, and for the user alone; it gets its name when it is complete: whatever
+// ends the program before, no file of that name is left. With -X, what is mounted inside a folder is left
+// out. Linux files have no second fork for --rsrc, and the archive is always compressed.
 #include <archive.h>
 #include <archive_entry.h>
 #include <fcntl.h>
@@ -51,14 +51,15 @@ Arguments argumentsOf(int count, char** words) {
 }
 
 [[noreturn]] void fail(const std::string& path, const char* reason) {
-    throw std::runtime_error("ditto: " + path + ": " + (reason ? reason : "unknown error"));
+    throw std::runtime_error("ditto: " + path + ": " + reason);
 }
 
 void check(const std::string& path, bool isDone) {
     if (!isDone) fail(path, std::strerror(errno));
 }
 
-// The new archive. It has no name before it is complete, where the file system can do so.
+// The new archive. It has no name before it is complete or, where the file system has no files without names,
+// a hidden one.
 class Target {
   public:
     explicit Target(const std::string& path) : _path(path) {
@@ -69,37 +70,45 @@ class Target {
         _name = slash == path.npos ? path : path.substr(slash + 1);
         _file = ::openat(_folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
         if (_file >= 0) return;
-        _file = ::openat(_folder, _name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        _hidden = ".ditto-" + std::to_string(::getpid());
+        _file = ::openat(_folder, _hidden.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
         check(path, _file >= 0);
-        _isNamed = true;
     }
     Target(const Target&) = delete;
     ~Target() {
-        if (_isNamed && !_isComplete) ::unlinkat(_folder, _name.c_str(), 0);
+        if (_file >= 0 && !_hidden.empty()) ::unlinkat(_folder, _hidden.c_str(), 0);
         if (_file >= 0) ::close(_file);
         ::close(_folder);
     }
 
     int file() const { return _file; }
+    const std::string& path() const { return _path; }
     void finish() {
         const std::string link = "/proc/self/fd/" + std::to_string(_file);
-        check(_path,
-              _isNamed || ::linkat(AT_FDCWD, link.c_str(), _folder, _name.c_str(), AT_SYMLINK_FOLLOW) == 0);
-        _isComplete = true;
+        check(_path, _hidden.empty()
+                         ? ::linkat(AT_FDCWD, link.c_str(), _folder, _name.c_str(), AT_SYMLINK_FOLLOW) == 0
+                         : giveNameToHidden());
     }
 
   private:
-    std::string _path, _name;
+    // File systems lack one or the other of these, which replace nothing.
+    bool giveNameToHidden() {
+        const char *from = _hidden.c_str(), *to = _name.c_str();
+        return ::renameat2(_folder, from, _folder, to, RENAME_NOREPLACE) == 0 ||
+               (errno == EINVAL && ::linkat(_folder, from, _folder, to, 0) == 0);
+    }
+
+    std::string _path, _name, _hidden;
     int _folder = -1, _file = -1;
-    bool _isNamed = false, _isComplete = false;
 };
 
 using Handle = std::unique_ptr<archive, int (*)(archive*)>;
 
 class Packer {
   public:
-    Packer(const Arguments& arguments, int file)
+    Packer(const Arguments& arguments, const Target& target)
         : _source(arguments.source),
+          _target(target.path()),
           _reader(archive_read_disk_new(), archive_read_free),
           _writer(archive_write_new(), archive_write_free) {
         archive_read_disk_set_symlink_hybrid(_reader.get());
@@ -107,7 +116,7 @@ class Packer {
             archive_read_disk_set_behavior(_reader.get(), ARCHIVE_READDISK_NO_TRAVERSE_MOUNTS);
         require(_writer.get(), archive_write_add_filter_gzip(_writer.get()));
         require(_writer.get(), archive_write_set_format_cpio(_writer.get()));
-        require(_writer.get(), archive_write_open_fd(_writer.get(), file));
+        require(_writer.get(), archive_write_open_fd(_writer.get(), target.file()));
     }
 
     // Goes to the source's folder, so that the names in the archive are short.
@@ -127,7 +136,14 @@ class Packer {
 
   private:
     void require(archive* of, int result) {
-        if (result < ARCHIVE_WARN) fail(_source, archive_error_string(of));
+        if (result < ARCHIVE_WARN) failBecauseOf(of);
+    }
+
+    [[noreturn]] void failBecauseOf(archive* of) {
+        const char* text = archive_error_string(of);
+        std::string reason = text ? text : "unknown error";
+        if (archive_errno(of) > 0) reason += std::string(": ") + std::strerror(archive_errno(of));
+        fail(of == _writer.get() ? _target : _source, reason.c_str());
     }
 
     void packEntries() {
@@ -169,10 +185,10 @@ class Packer {
 
     void packBytes(const void* bytes, std::size_t length) {
         if (length > 0 && archive_write_data(_writer.get(), bytes, length) != static_cast<la_ssize_t>(length))
-            fail(_source, archive_error_string(_writer.get()));
+            failBecauseOf(_writer.get());
     }
 
-    std::string _source;
+    std::string _source, _target;
     Handle _reader, _writer;
 };
 
@@ -182,7 +198,7 @@ int main(int count, char** words) {
     try {
         const Arguments arguments = argumentsOf(count, words);
         Target target(arguments.target);
-        Packer(arguments, target.file()).pack();
+        Packer(arguments, target).pack();
         target.finish();
         return 0;
     } catch (const std::invalid_argument& usage) {
