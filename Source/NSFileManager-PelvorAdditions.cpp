@@ -37,6 +37,7 @@ void defineAdditions(MethodTable<NSFileManager>& methods) {
     methods.instance<"moveFileAtPath:toPath:", &moveFileAtPath_toPath>();
     methods.instance<"copyFileAtPath:toPath:", &copyFileAtPath_toPath>();
     methods.instance<"trashFileAtPath:", &trashFileAtPath>();
+    methods.instance<"trashFileAtPath:placeInTrash:", &trashFileAtPath_placeInTrash>();
     methods.instance<"isAliasAtPath:", &isAliasAtPath>();
     methods.instance<"resolvedPathForAliasAtPath:", &resolvedPathForAliasAtPath>();
     methods.instance<"isFileHiddenAtPath:", &isFileHiddenAtPath>();
@@ -219,18 +220,21 @@ NameParts nameForTrash(NSString* path) {
     return parts;
 }
 
-// The name under which the file was thrown away; no value, with 0 in `errno` where no name is free.
+// The place of the file that was thrown away; no value, with the reason in `errno`, where it was not.
 std::optional<std::string> putIntoTrash(const DesktopTrash& trash, const std::string& source,
                                         const NameParts& parts) {
-    for (;;) {
+    while (trash.make()) {
         auto name = uniqueName(trash.files(), parts, u"-%d"_ns,
                                [&](const std::string& candidate) { return trash.hasName(candidate); });
-        errno = 0;
-        if (!name || trash.put(source, *name)) return name;
+        if (!name) return errno = EEXIST, std::nullopt;
+        if (trash.put(source, *name)) return trash.files() + "/" + *name;
         // Another program may have taken the name meanwhile.
-        if (errno != EEXIST) return {};
+        if (errno != EEXIST) break;
     }
+    return {};
 }
+
+bool isWithoutRoom() { return errno == ENOSPC || errno == EDQUOT; }
 
 }  // namespace
 
@@ -246,15 +250,30 @@ int copyFileAtPath_toPath(NSFileManager* manager, NSString* source, NSString* de
     return resultOf(isDone, manager, source, destination);
 }
 
+int trashFileAtPath_placeInTrash(NSFileManager* manager, NSString* path, NSString** placeInTrash) {
+    requireManager(manager, "trashFileAtPath:placeInTrash:");
+    if (placeInTrash) *placeInTrash = nullptr;
+    if (!isThere(path)) return errno = ENOENT, PBFileOperationNoSource;
+    const std::string source = bytesOf(path);
+    const NameParts parts = nameForTrash(path);
+    DesktopTrash trash = DesktopTrash::ofFile(source);
+    auto place = putIntoTrash(trash, source, parts);
+    if (!place && isWithoutRoom()) place = putIntoTrash(trash = DesktopTrash::ofHome(), source, parts);
+    if (place) {
+        if (placeInTrash) *placeInTrash = stringOf(*place);
+        return PBFileOperationSuccess;
+    }
+    const int reason = errno;
+    const bool hasName = reason != EEXIST && manager->fileExistsAtPath(stringOf(trash.files()));
+    errno = reason;
+    // The name in the trash was free.
+    NSString* destination = stringOf(trash.files())->stringByAppendingPathComponent(u" "_ns);
+    return hasName ? resultOf(false, manager, path, destination) : PBFileOperationFailure;
+}
+
 int trashFileAtPath(NSFileManager* manager, NSString* path) {
     requireManager(manager, "trashFileAtPath:");
-    if (!isThere(path)) return PBFileOperationNoSource;
-    const DesktopTrash trash = DesktopTrash::ofFile(bytesOf(path));
-    if (!trash.make()) return PBFileOperationFailure;
-    const bool isDone = putIntoTrash(trash, bytesOf(path), nameForTrash(path)).has_value();
-    if (!isDone && errno == 0) return PBFileOperationFailure;
-    // The name in the trash was free.
-    return resultOf(isDone, manager, path, stringOf(trash.files())->stringByAppendingPathComponent(u" "_ns));
+    return trashFileAtPath_placeInTrash(manager, path, nullptr);
 }
 
 // MARK: Aliases and access

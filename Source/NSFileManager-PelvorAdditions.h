@@ -6,6 +6,9 @@
 //     int result = moveFileAtPath_toPath(files, draft, letter);
 //     if (result != PBFileOperationSuccess) complain(PBLocalizedMessageForFileOperationResult(result));
 //
+// The results are few. Behind a failure, NSFileError::lastWriteErrorAtPath(letter) tells what the system
+// said: that the disk is full, where the result is just `PBFileOperationFailure`.
+//
 // Nothing here raises but for a null file manager, which raises NSInvalidArgumentException; null is a path to
 // nowhere. Objects are borrowed. Main thread.
 #pragma once
@@ -65,7 +68,8 @@ PELVOR_EXPORT NSString* tempFilePathWithFileName(NSFileManager* manager, NSStrin
 ///
 /// The archiver is the program "ditto", which is looked for once in the life of the process: at
 /// /usr/bin/ditto, then by "which" along the search path, at the end of which is the archiver that belongs to
-/// the library. The log tells where it is or that there is none. Waits for the archiver.
+/// the library. The log tells where it is or that there is none. Waits for the archiver, which says on
+/// standard error why it fails, and then leaves nothing behind.
 PELVOR_EXPORT NSString* tempArchiveForFileAtPath(NSFileManager* manager, NSString* path);
 
 // Folders
@@ -87,14 +91,19 @@ PELVOR_EXPORT bool createDirectoryRecursiveAtPath_attributes(NSFileManager* mana
 PELVOR_EXPORT bool touchFile(NSFileManager* manager, NSString* path);
 /// Moves or copies a file or a folder to a path that does not exist. Returns a PBFileOperationResult. The
 /// reason is looked for after the failure: a cause that leaves no trace, such as a full disk, is
-/// `PBFileOperationFailure`, and `PBFileOperationDenied` where the source's folder is read-only, of a copy
-/// too. `errno` still has the system's reason.
+/// `PBFileOperationFailure`, or, where the source's folder is read-only, `PBFileOperationDenied`, of a copy
+/// too. `errno` has the system's reason.
 PELVOR_EXPORT int moveFileAtPath_toPath(NSFileManager* manager, NSString* source, NSString* destination);
 PELVOR_EXPORT int copyFileAtPath_toPath(NSFileManager* manager, NSString* source, NSString* destination);
 /// Throws a file or a folder away: moves it to the user's trash, or to that of the file system that it is on,
 /// in the format from which desktop programs restore it. Returns a PBFileOperationResult, as a move does;
-/// `PBFileOperationFailure` if there is no trash.
+/// `PBFileOperationFailure` if there is no trash. Where a full file system has no room for its trash, the
+/// user's takes the file.
 PELVOR_EXPORT int trashFileAtPath(NSFileManager* manager, NSString* path);
+/// Does the same. `placeInTrash`, unless null, receives the path that the file has now, borrowed; null after
+/// a failure.
+PELVOR_EXPORT int trashFileAtPath_placeInTrash(NSFileManager* manager, NSString* path,
+                                               NSString** placeInTrash);
 
 // Aliases are symbolic links.
 
@@ -108,13 +117,13 @@ PELVOR_EXPORT bool isFileHiddenAtPath(NSFileManager* manager, NSString* path);
 PELVOR_EXPORT int readAccessForFileAtPath(NSFileManager* manager, NSString* path);
 
 // C++ only
-/// What the load-time sequence prepares for the host. No operation of this file takes the locks.
+/// What the load-time sequence makes ready for the host's own use. No operation of this file takes the locks.
 struct PELVOR_EXPORT NSFileManager_PelvorAdditions {
     /// The hook of the load-time sequence.
     static void didLoad();
-    /// The process's mask for new files at that time; 022 before.
+    /// The process's mask for new files when `didLoad` was called; 022 before.
     static unsigned fileCreationMask();
-    /// Null before that time.
+    /// Null before `didLoad` was called.
     static NSLock* temporaryNamesLock();
     static NSLock* scratchFolderLock();
     /// The host's to choose; null at first.

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <grp.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -263,6 +264,25 @@ TEST_F(FileAdditionsTest, EachFileSystemHasATrashOfItsOwn) {
     for (const char* each : {"/files", "/info", ""}) rmdir((trashes + each).c_str());
     EXPECT_EQ(moveFileAtPath_toPath(files, NSString::ofUTF8(shared.path("a b.txt")), path("moved")), 0);
     EXPECT_EQ(folder.read("moved") + (fs::exists(shared.path("a b.txt")) ? " twice" : ""), "text");
+}
+
+TEST_F(FileAdditionsTest, AFullFileSystemGivesToTheUsersTrashAndKeepsNoPartOfAnArchive) {
+    fs::create_directory(folder.path("full"));
+    if (mount("none", folder.path("full").c_str(), "tmpfs", 0, "size=64k") != 0)
+        GTEST_SKIP() << "no right to mount";
+    folder.write("full/x", "text");
+    folder.write("full/filling", string(100'000, 'f'));
+    NSString* place = nullptr;
+    EXPECT_EQ(trashFileAtPath_placeInTrash(files, path("full/x"), &place), 0) << strerror(errno);
+    EXPECT_EQ(shown(place), folder.path("data/Trash/files/x"));
+    EXPECT_EQ(folder.read("data/Trash/files/x"), "text");
+    const string archiver = libraryProgramsFolder()->toUTF8() + "/ditto";
+    if (fs::exists(archiver)) {
+        EXPECT_EQ(outputOf(archiver.c_str(), {u"-c"_ns, u"/proc/self/exe"_ns, path("full/out.cpio")}), "-1");
+    }
+    for (const fs::path& left : fs::directory_iterator(folder.path("full")))
+        EXPECT_THAT(left.filename().string(), ::testing::MatchesRegex("filling|\\.Trash-.*"));
+    umount(folder.path("full").c_str());
 }
 
 TEST_F(FileAdditionsTest, OtherProgramsReadOurTrashAndWeReadTheirs) {
