@@ -127,15 +127,16 @@ NSString* PBAppOnlineInfoDictionaryProductName() { return PBPelvorWriterApplicat
 
 NSURL* PBOnlineInfoDictionaryURL() { return NSURL::URLWithString(_PBDoLocalize(u"UpdatesURL"_ns, nullptr)); }
 
-NSDictionary* PBOnlineInfoDictionaryForProduct(NSString* product) {
-    NSDictionary* all = NSDictionary_URLContents::dictionaryWithContentsOfURL(PBOnlineInfoDictionaryURL());
+NSDictionary* PBOnlineInfoDictionaryForProduct(NSString* product, NSString** reason) {
+    NSDictionary* all =
+        NSDictionary_URLContents::dictionaryWithContentsOfURL_reason(PBOnlineInfoDictionaryURL(), reason);
     if (!all) return nullptr;
     auto* own = cast<NSDictionary>(all->objectForKey(product));
     return own ? own : NSDictionary::dictionary();
 }
 
-NSDictionary* PBOnlineInfoDictionary() {
-    return PBOnlineInfoDictionaryForProduct(PBAppOnlineInfoDictionaryProductName());
+NSDictionary* PBOnlineInfoDictionary(NSString** reason) {
+    return PBOnlineInfoDictionaryForProduct(PBAppOnlineInfoDictionaryProductName(), reason);
 }
 
 // MARK: Reachability

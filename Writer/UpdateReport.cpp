@@ -21,16 +21,20 @@ long long numberOf(id value) {
 NSString* reportUpdates(WRReport* report) {
     NSURL* url = PBOnlineInfoDictionaryURL();
     if (!url || !url->scheme()) return localized(u"_No server is known that tells of newer versions."_ns);
-    NSDictionary* newest = PBOnlineInfoDictionary();
-    if (!newest) return localizedFormat(u"_The versions at \"%@\" cannot be loaded."_ns, url);
+    NSString* reason = nullptr;
+    NSDictionary* newest = PBOnlineInfoDictionary(&reason);
+    if (!newest) return localizedFormat(u"_The versions at \"%@\" cannot be loaded: %@."_ns, url, reason);
+    const long long version = numberOf(newest->objectForKey(u"ReleaseVersion"_ns));
+    if (version <= 0)
+        return localizedFormat(u"_The versions at \"%@\" say nothing about this program."_ns, url);
     report->addHeading(localized(u"_Versions"_ns));
     report->addLabel_value(localized(u"_This version"_ns), PBPelvorWriterDisplayVersion());
-    if (numberOf(newest->objectForKey(u"ReleaseVersion"_ns)) <= PBPelvorWriterInternalIntVersion()) {
+    if (version <= PBPelvorWriterInternalIntVersion()) {
         report->addLine(localized(u"_This is the newest version."_ns));
         return nullptr;
     }
-    if (id version = newest->objectForKey(u"DisplayVersion"_ns))
-        report->addLabel_value(localized(u"_Newer version"_ns), version);
+    if (id name = newest->objectForKey(u"DisplayVersion"_ns))
+        report->addLabel_value(localized(u"_Newer version"_ns), name);
     if (id address = newest->objectForKey(u"Address"_ns))
         report->addLabel_value(localized(u"_Address"_ns), address);
     return nullptr;

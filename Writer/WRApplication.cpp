@@ -371,7 +371,7 @@ void WRApplication::watchFiles() {
 void WRApplication::documentFileDidChange() {
     _sentry->noteFile();
     if (_hasOwnChanges) {
-        _report->addLine(localizedFormat(
+        _report->addHeading(localizedFormat(
             u"_Another program has changed the document \"%@\". It was not read again, because it was changed here, too."_ns,
             _path));
         return print(_report->takeText());

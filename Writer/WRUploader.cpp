@@ -33,7 +33,7 @@ Retained<WRUploader> WRUploader::initWithProgress(WRProgressLine* progress, Clas
 
 NSString* WRUploader::uploadFile_toAddress(NSString* path, NSString* address) {
     auto problem = [&](NSString* reason) {
-        return localizedFormat(u"_The document \"%@\" cannot be sent to \"%@\": %@"_ns, path, address,
+        return localizedFormat(u"_The document \"%@\" cannot be sent to \"%@\": %@."_ns, path, address,
                                reason);
     };
     auto request = PBPostURLRequest::initWithURL(NSURL::URLWithString(address));

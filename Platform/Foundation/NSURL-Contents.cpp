@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSURL-Contents.h"
 
+#include "Foundation/LibraryTexts.h"
+#include "Foundation/NSFileError.h"
 #include "Foundation/NSHTTPURLResponse.h"
 #include "Foundation/NSPropertyListSerialization.h"
 #include "Foundation/NSURLConnection.h"
+#include "Foundation/NSURLError.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Registry.h"
 
@@ -19,27 +22,37 @@ NSString* pathOf(NSURL* url) {
     return isHere ? url->path() : nullptr;
 }
 
-NSData* loaded(NSURL* url) {
+// What the server sends; null, with the reason in the user's language, if it did not send what was asked for.
+NSData* loaded(NSURL* url, NSString*& reason) {
     NSURLResponse* response = nullptr;
+    NSURLError* error = nullptr;
     NSData* data = NSURLConnection::sendSynchronousRequest_returningResponse_error(
-        NSURLRequest::requestWithURL(url), &response, nullptr);
+        NSURLRequest::requestWithURL(url), &response, &error);
     auto* head = cast<NSHTTPURLResponse>(response);
-    return head && head->statusCode() / 100 == 2 ? data : nullptr;
+    const NSInteger status = head ? head->statusCode() : 0;
+    if (data && status / 100 == 2) return data;
+    reason = error ? error->localizedReason()
+                   : NSString::stringWithFormat(
+                         localizedLibraryText(u"_the server answered with the status %d"_ns), status);
+    return nullptr;
 }
 
 NSData* contents(NSURL* url) {
     if (!url) return nullptr;
     if (url->isFileURL()) return pathOf(url) ? NSData::dataWithContentsOfFile(pathOf(url)) : nullptr;
-    return loaded(url);
+    NSString* reason = nullptr;
+    return loaded(url, reason);
 }
 
 // A property list in a file is read as such, which refuses what is no regular file.
-id listIn(NSURL* url) {
-    if (!url) return nullptr;
-    if (url->isFileURL())
-        return NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error(
+id listIn(NSURL* url, NSString*& reason) {
+    if (url && url->isFileURL()) {
+        id list = NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error(
             pathOf(url), NSPropertyListImmutable, nullptr, nullptr);
-    NSData* data = loaded(url);
+        if (!list) reason = NSFileError::lastReadErrorAtPath(pathOf(url))->localizedReason();
+        return list;
+    }
+    NSData* data = loaded(url, reason);
     return data ? NSPropertyListSerialization::propertyListWithData_options_format_error(
                       data, NSPropertyListImmutable, nullptr, nullptr)
                 : nullptr;
@@ -58,7 +71,8 @@ NSData* NSData_URLContents::dataWithContentsOfURL(NSURL* url) {
 
 Retained<NSArray> NSArray_URLContents::initWithContentsOfURL(NSURL* url) {
     AutoreleasePool pool;
-    return Retained<NSArray>::retaining(cast<NSArray>(listIn(url)));
+    NSString* reason = nullptr;
+    return Retained<NSArray>::retaining(cast<NSArray>(listIn(url, reason)));
 }
 
 NSArray* NSArray_URLContents::arrayWithContentsOfURL(NSURL* url) {
@@ -67,7 +81,16 @@ NSArray* NSArray_URLContents::arrayWithContentsOfURL(NSURL* url) {
 
 Retained<NSDictionary> NSDictionary_URLContents::initWithContentsOfURL(NSURL* url) {
     AutoreleasePool pool;
-    return Retained<NSDictionary>::retaining(cast<NSDictionary>(listIn(url)));
+    return Retained<NSDictionary>::retaining(dictionaryWithContentsOfURL_reason(url, nullptr));
+}
+
+NSDictionary* NSDictionary_URLContents::dictionaryWithContentsOfURL_reason(NSURL* url, NSString** reason) {
+    NSString* failure = nullptr;
+    auto* dictionary = cast<NSDictionary>(listIn(url, failure));
+    if (!dictionary && !failure)
+        failure = NSURLError::create(NSURLErrorBadServerResponse, "")->localizedReason();
+    if (reason) *reason = failure;
+    return dictionary;
 }
 
 NSDictionary* NSDictionary_URLContents::dictionaryWithContentsOfURL(NSURL* url) {

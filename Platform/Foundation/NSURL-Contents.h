@@ -6,8 +6,9 @@
 // The content of an http or https URL is loaded as `sendSynchronousRequest_returningResponse_error` of
 // NSURLConnection does, which waits; that of a file URL is read. The operations return null for a null URL,
 // for a URL of another scheme or of a file on another host, if the content cannot be loaded or read, and if
-// the server's status is none of 200 to 299. To learn the reason, use NSURLConnection. Those whose names
-// begin with "init" return owned objects, the others borrowed ones. Any thread.
+// the server's status is none of 200 to 299. To learn the reason of other content than a dictionary, use
+// NSURLConnection. Operations whose names begin with "init" return owned objects, the others borrowed ones.
+// Any thread.
 #pragma once
 
 #include "Foundation/NSArray.h"
@@ -35,6 +36,11 @@ struct PELVOR_EXPORT NSArray_URLContents {
 struct PELVOR_EXPORT NSDictionary_URLContents {
     static NSDictionary* dictionaryWithContentsOfURL(NSURL* url);
     static Retained<NSDictionary> initWithContentsOfURL(NSURL* url);
+
+    // C++ only
+    /// `reason`, unless null, receives why there is no dictionary, borrowed, as a clause in the user's
+    /// language without a full stop ("the server cannot be reached"); null after a success.
+    static NSDictionary* dictionaryWithContentsOfURL_reason(NSURL* url, NSString** reason);
 };
 
 /// The content has to be text in the encoding.

@@ -109,10 +109,12 @@ TEST_F(PagesTest, AreNotWrittenWhereSomethingIsWrong) {
            "no/a.pdf” could not be written: the enclosing folder does not exist.");
     expect({"--png=" + folder.path().string()}, 1, "could not be written: it is a folder.");
     if (geteuid() != 0)
-        expect({"--pdf=" + folder.path("kept/a.pdf")}, 1, "could not be written: you may not write there.");
+        expect({"--pdf=" + folder.path("kept/a.pdf")}, 1,
+               "could not be written: permission was denied. The old file is unchanged.");
     expect({"--pdf=" + pdf, "--margin=400"}, 1, "The margins, or the header and the footer, leave no room");
     expect({"--pdf=" + pdf, "--style-sheet=" + folder.path("bad.plist")}, 1,
            "at “page / size”: one of a3, a4");
+    expect({"--pdf=" + pdf, "--style-sheet=none"}, 1, "“none” could not be read: the file does not exist");
     expect({"--png=" + pdf, "--resolution=4000"}, 1, "The resolution is too high");
     expect({"--style-sheet=s"}, 2, "“--style-sheet” needs another: “--pdf, --png”");
     expect({"--pdf=" + pdf, "--resolution=96"}, 2, "“--resolution” needs another: “--png”");

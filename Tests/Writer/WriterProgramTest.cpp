@@ -467,7 +467,7 @@ TEST_F(WriterProgramTest, LeavesTheOldFileWhereWritingFails) {
     const WriterRun full = program.run({path, saveAs, "--save-encoding=UTF-16LE"});
     std::signal(SIGXFSZ, SIG_DFL);
     setrlimit(RLIMIT_FSIZE, &usual);
-    EXPECT_THAT(full.errors, HasSubstr("could not be written: the file would be too large."));
+    EXPECT_THAT(full.errors, HasSubstr("the file would be too large. The old file is unchanged."));
     EXPECT_EQ(copied(), "old");
 }
 

@@ -62,9 +62,11 @@ TEST_F(WriterSendingTest, ThrowsTheDocumentAway) {
 TEST_F(WriterSendingTest, SaysInThreeLanguagesWhyADocumentIsNotInTheTrash) {
     program.folder.write("data", "a file, where a folder has to be");
     for (const auto& [locale, message] :
-         {std::pair("en_GB.UTF-8", "was not moved to the trash: unknown file error"),
-          std::pair("de_DE.UTF-8", "wurde nicht in den Papierkorb gelegt: "),
-          std::pair("fr_FR.UTF-8", "n’a pas été mis à la corbeille : ")}) {
+         {std::pair("en_GB.UTF-8", "was not moved to the trash: a part of the path is no folder."),
+          std::pair("de_DE.UTF-8",
+                    "wurde nicht in den Papierkorb gelegt: ein Teil des Pfads ist kein Ordner."),
+          std::pair("fr_FR.UTF-8",
+                    "n’a pas été mis à la corbeille : une partie du chemin n’est pas un dossier.")}) {
         program.locale = locale;
         const WriterRun run = program.run({"--trash", document});
         EXPECT_TRUE(run.complains(message) && run.status == 1) << run.errors;
@@ -91,6 +93,9 @@ TEST_F(WriterSendingTest, TellsOfNewerVersions) {
         program.folder.write(name, texts + "UpdatesURL = \"" + url + "\";\n");
         return program.run({"--check-updates"});
     };
+    const auto checkList = [&](const std::string& list) {
+        return checkUpdates("file://" + program.folder.write("list", list));
+    };
     LoopbackServer server([](LoopbackServer::Call& call) {
         call.answer(
             "{ PelvorWriter = { ReleaseVersion = 990000; DisplayVersion = 99; Address = \"https://x/\"; }; "
@@ -100,8 +105,11 @@ TEST_F(WriterSendingTest, TellsOfNewerVersions) {
     EXPECT_EQ(shown(run.status, run.valueOf("Newer version"), run.valueOf("Address")), "0 99 https://x/")
         << run.errors;
     EXPECT_TRUE(
-        checkUpdates("file://" + program.folder.write("list", "{}")).prints("This is the newest version."));
-    EXPECT_TRUE(checkUpdates("file:///nowhere").complains("“file:///nowhere” cannot be loaded"));
+        checkList("{ PelvorWriter = { ReleaseVersion = 1; }; }").prints("This is the newest version."));
+    EXPECT_TRUE(checkList("{ Other = {}; }").complains("say nothing about this program"));
+    EXPECT_TRUE(checkList("{").complains("cannot be loaded: its content cannot be understood."));
+    EXPECT_TRUE(
+        checkUpdates("file:///nowhere").complains("“file:///nowhere” cannot be loaded: the file does"));
 }
 
 }  // namespace

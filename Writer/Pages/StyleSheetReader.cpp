@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 // Reads style sheets.
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <map>
 #include <set>
 #include <vector>
 
 #include "Foundation/NSArray.h"
+#include "Foundation/NSFileError.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableString.h"
 #include "Foundation/NSNumber.h"
@@ -457,11 +459,14 @@ std::optional<StyleSheet> StyleSheet::read(NSString* path, NSString** problem) {
     NSPropertyListError* error = nullptr;
     id list = NSPropertyListSerialization::propertyListWithContentsOfFile_options_format_error(
         path, NSPropertyListImmutable, nullptr, &error);
+    const bool isUnreadable = !list && errno != EBADMSG;
+    NSString* fault = isUnreadable ? NSFileError::lastReadErrorAtPath(path)->localizedReason() : nullptr;
+    if (!fault && error) fault = error->description();
     auto* dictionary = cast<NSDictionary>(list);
     if (!dictionary) {
-        *problem = NSString::stringWithFormat(
-            localized(u"_The style sheet \"%@\" could not be read: %@"_ns), path,
-            error ? error->description() : localized(u"_a dictionary is needed."_ns));
+        *problem =
+            NSString::stringWithFormat(localized(u"_The style sheet \"%@\" could not be read: %@"_ns), path,
+                                       fault ? fault : localized(u"_a dictionary is needed."_ns));
         return {};
     }
     return of(dictionary, path, problem);

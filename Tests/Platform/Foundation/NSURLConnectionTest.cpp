@@ -347,7 +347,15 @@ TEST(NSURLContentsTest, ReadsObjectsFromServersAndFiles) {
                   list);
         EXPECT_EQ(NSArray_URLContents::arrayWithContentsOfURL(urlOf(root + "/list")), nullptr);
         EXPECT_EQ(NSData_URLContents::dataWithContentsOfURL(urlOf(root + "/none")), nullptr);
-        EXPECT_EQ(NSDictionary_URLContents::dictionaryWithContentsOfURL(urlOf(root + "/none")), nullptr);
+        expectAll(
+            {"/none -> " + std::string(root.starts_with("file") ? "the file does not exist"
+                                                                : "the server answered with the status 500"),
+             "/array -> the answer cannot be understood", "/list -> null"},
+            [&](const std::string& name) {
+                NSString* reason = nullptr;
+                NSDictionary_URLContents::dictionaryWithContentsOfURL_reason(urlOf(root + name), &reason);
+                return reason ? shown(reason) : "null";
+            });
     }
     EXPECT_EQ(NSData_URLContents::dataWithContentsOfURL(urlOf("file://elsewhere" + folder.path("list"))),
               nullptr);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/TextFiles/TextFileWriting.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 
 #include "Foundation/NSData.h"
@@ -22,8 +24,11 @@ NSDictionary* failureAnswer(NSString* path, int reason) {
 }  // namespace
 
 NSDictionary* unwritableAnswer(NSString* path, NSString* reason) {
-    return errorAnswer(WRErrorFile,
-                       localizedFormat(u"_The document \"%@\" could not be written: %@."_ns, path, reason));
+    struct stat status;
+    const bool isKept = stat(path->fileSystemRepresentation(), &status) == 0 && S_ISREG(status.st_mode);
+    NSString* key = isKept ? u"_The document \"%@\" could not be written: %@. The old file is unchanged."_ns
+                           : u"_The document \"%@\" could not be written: %@."_ns;
+    return errorAnswer(WRErrorFile, localizedFormat(key, path, reason));
 }
 
 NSDictionary* writeFile(NSData* data, NSString* path) {
