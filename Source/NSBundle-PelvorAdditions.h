@@ -8,8 +8,8 @@
 //
 // With an identifier, the file is read once and kept for the life of the process: further calls with that
 // identifier make the objects of the same file again, whatever name and bundle they give. Without an
-// identifier, every call reads the file. Up to platform version 742 nothing is kept in either case. A file
-// that is missing or cannot be read is not logged. Main thread.
+// identifier, and on platforms older than version 743, every call reads the file. A file that is missing or
+// cannot be read is not logged. Main thread.
 #pragma once
 
 #include "Foundation/NSBundle.h"

@@ -8,9 +8,8 @@ namespace pelvor {
 
 struct Category;
 
-/// Returns the path of the application that opens the files of a creator, a code of four characters such as
-/// 0x50575254 for PWRT. This system keeps no creator codes, so that there is
-/// no such application: the result is always null.
+/// Returns null. On systems that keep creator codes (four characters, 0x50575254 for PWRT), the result would
+/// be the path of the application that opens the files of that creator.
 PELVOR_EXPORT NSString* fullPathForApplicationWithCreatorCode(NSWorkspace* workspace, std::uint32_t creator);
 
 extern const Category NSWorkspace_PelvorAdditions_category;

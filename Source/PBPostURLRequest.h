@@ -40,8 +40,9 @@ class PELVOR_EXPORT PBPostURLRequest : public NSMutableURLRequest {
                     initWithURL_cachePolicy_timeoutInterval);
 
   public:
-    /// Returns a new text to divide parts with: "PELVOR-1-804289383-BOUND", of how many there were before,
-    /// and a random number. A subclass may override it.
+    /// Returns a new text to divide parts with: "PELVOR-1-804289383-BOUND", of a number that counts the calls
+    /// from 1 and a random one. A subclass that has an operation of this name in its method table divides
+    /// parts with its own texts.
     static NSString* uniquePartBoundary();
 
     /// These return requests with an empty body and a boundary from the `uniquePartBoundary` of the class.

@@ -50,8 +50,9 @@ inline constexpr NSString* NSShortWeekDayNameArray = u"NSShortWeekDayNameArray"_
 /// When a text is read, blanks in the format stand for any number of blanks, and numbers may have blanks in
 /// front and lack leading zeros; long and short names are both understood, in either case of their letters.
 /// %Y reads more than four digits unless a conversion follows at once; %y reads 69 to 99 as years before
-/// 2000; %Z reads names of zones, too. Days of the week are read and passed over. What is larger than all
-/// that the text says is as it is today (the year of "3 May"), and what is smaller is its first value.
+/// 2000; %Z reads names of zones, too. Days of the week are read and passed over. Of what the text leaves
+/// out, units larger than all that it names are those of today (the year of "3 May"), the other ones have
+/// their first value (its hour is 0).
 ///
 /// Dates are equal when their moments are. Creators whose names begin with "init" return owned dates, the
 /// others borrowed ones. A date is for one thread at a time, since its zone and its format can be changed.

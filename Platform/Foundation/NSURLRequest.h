@@ -48,7 +48,7 @@ class PELVOR_EXPORT NSURLRequest : public NSObject {
     NSURL* URL() { return _url; }
     NSURLRequestCachePolicy cachePolicy() { return _cachePolicy; }
     /// Returns the time-out in seconds: a load fails when nothing was sent or received for this long, and
-    /// when, beyond a first time-out, the transfer is slower than 1,024 bytes a second on the whole.
+    /// when it has lasted longer than the time-out and a second for each 1,024 bytes that it has moved.
     NSTimeInterval timeoutInterval() { return _timeout; }
     /// Returns the most bytes that the body of the answer may have; a load of more fails. 256 MiB at first.
     NSUInteger maximumResponseLength() { return _maximumResponseLength; }

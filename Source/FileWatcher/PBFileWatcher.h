@@ -22,10 +22,13 @@ enum PBFileActions : std::uint32_t {
 ///     Retained<PBFileWatcher> watcher = PBFileWatcher::init();
 ///     watcher->setDelegate(document);
 ///     watcher->addFileAtPath_actions(path, PBFileWasWritten | PBFileWasRenamed | PBFileWasDeleted);
-///     // on the main thread: [document fileWatcher: watcher notedAction: PBFileWasWritten forFileAtPath:
-///     path]
 ///
-/// An event with several actions gives a call for each, in the order of ZWKQueue's notifications. The
+/// The delegate has the method
+///
+///     (void)fileWatcher:(PBFileWatcher*) notedAction:(std::uint32_t) forFileAtPath:(NSString*)
+///
+/// that gets one action of PBFileActions and the path as it was added. An event with several actions gives a
+/// call for each, in the order of ZWKQueue's notifications. The
 /// delegate may remove paths, and end itself and the watcher, while it is called. What holds for the watches
 /// of a ZWKQueue holds for these. Main thread.
 class PELVOR_EXPORT PBFileWatcher : public NSObject {

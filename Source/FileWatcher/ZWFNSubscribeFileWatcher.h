@@ -29,12 +29,17 @@ PELVOR_EXPORT void ZWFileSubscriptionProc(std::uint32_t message, ZWFNSubscribeFi
 ///     auto watcher = ZWFNSubscribeFileWatcher::init();
 ///     watcher->setDelegate(browser);
 ///     watcher->addPath(folder);
-///     // [browser watcher: watcher receivedNotification: ZWFileWatcherWriteNotification forPath: folder]
 ///
+/// The delegate has the method
+///
+///     (void)watcher:(ZWFNSubscribeFileWatcher*) receivedNotification:(NSString*) forPath:(NSString*)
+///
+/// whose notification is always ZWFileWatcherWriteNotification, and whose path is the folder as it was added.
 /// A folder is modified when something in it is made, removed, or given another name; modifications before
 /// the report are one report. Each report is a notification (see ZWKQueue.h) on the workspace's centre,
 /// followed by the call of the delegate, both from the run loop of the thread that made the watcher, in the
-/// common modes. What an observer or the delegate raises leaves that run loop. For the thread that made it.
+/// common modes; their exceptions leave the operation that runs that loop. For the thread that made the
+/// watcher.
 class PELVOR_EXPORT ZWFNSubscribeFileWatcher : public NSObject {
     PELVOR_CLASS(ZWFNSubscribeFileWatcher, NSObject);
     PELVOR_CREATORS(init);
@@ -50,8 +55,9 @@ class PELVOR_EXPORT ZWFNSubscribeFileWatcher : public NSObject {
     void setDelegate(id delegate) { _delegate = WeakHandle(delegate); }
     id delegate() { return _delegate.object().autorelease(); }
 
-    /// Subscribes to the changes of the folder; a symbolic link is followed. Logs the number of the system's
-    /// error if that cannot be. A path that was subscribed to is subscribed to anew. Null is passed over.
+    /// Subscribes to the changes of the folder; a symbolic link is followed. For what is no folder and for
+    /// what the system refuses, logs the number of the system's error. A path that was subscribed to is
+    /// subscribed to anew. Null is passed over.
     void addPath(NSString* path);
     /// Ends the subscription; does nothing if there is none.
     void removePath(NSString* path);

@@ -57,23 +57,25 @@ inline constexpr NSString* ZWFileWatcherAccessRevocationNotification =
 ///     Retained<ZWKQueue> queue = ZWKQueue::init();
 ///     queue->setDelegate(document);
 ///     queue->addPath(path);
-///     // on the main thread: [document watcher: queue receivedNotification: name forPath: path]
 ///
-/// A thread of the queue waits for events. Without a delegate, it posts the notifications above, on itself.
-/// With a delegate, it has the main thread's run loop (in the common modes) send the delegate
-/// `watcher:receivedNotification:forPath:`, and waits until that is done. Changes of a file before its event
-/// is reported are one event. What the delegate or an observer raises is logged, and ends the reports of that
-/// event.
+/// A thread of the queue waits for events. Without a delegate, this thread posts the notifications above.
+/// With a delegate, the thread has the main thread's run loop (in the common modes) send the delegate this
+/// message with the name of a notification and the path, and waits until that is done:
+///
+///     (void)watcher:(ZWKQueue*) receivedNotification:(NSString*) forPath:(NSString*)
+///
+/// Changes of a file before its event is reported are one event. What the delegate or an observer raises is
+/// logged, and ends the reports of that event.
 ///
 /// A watch stays on the file that had the path when the path was added: renaming or removing the file does
 /// not end the watch, and another file that takes the name is not watched. Paths are reported as they were
 /// added; a path that was added twice is watched and reported twice. After a path was removed, the delegate
 /// is not called for it any more; a notification that another thread is just posting may still arrive.
 ///
-/// The thread keeps the queue when its last owner lets go of it. From then on the thread is told to end,
-/// which it does with the next event: that event is still reported, and then the queue ends. A queue without
-/// watches, to which no event can come, ends at once. (The reference of the thread comes into being with the
-/// last release, so that `retainCount` counts the owners alone.) Any thread.
+/// When the last owner lets go of the queue, its thread keeps it and is told to end, which the thread does
+/// with the next event: that event is still reported, and then the queue ends. A queue without watches, to
+/// which no event can come, ends at once. (The reference of the thread comes into being with the last
+/// release, so that `retainCount` counts the owners alone.) Any thread.
 class PELVOR_EXPORT ZWKQueue final : public NSObject {
     PELVOR_CLASS(ZWKQueue, NSObject);
     PELVOR_CREATORS(init);
