@@ -115,7 +115,7 @@ TEST_F(StyleSheetTest, IsRefusedWithThePlaceAndTheReason) {
     EXPECT_FALSE(read("{ page = "));
     EXPECT_THAT(problem->toUTF8(), HasSubstr("could not be read: line 1"));
     EXPECT_FALSE(StyleSheet::read(NSString::ofUTF8(folder.path("none.plist")), &problem));
-    EXPECT_THAT(problem->toUTF8(), HasSubstr("none.plist\" could not be read: the file cannot be read"));
+    EXPECT_THAT(problem->toUTF8(), HasSubstr("none.plist\" could not be read: the file does not exist"));
 }
 
 TEST_F(StyleSheetTest, SetsTextThatNamesItsStyles) {
