@@ -66,8 +66,9 @@ NSArray* keptPaths(WRDocument* document, NSString* format, WRArguments* argument
     return paths;
 }
 
-NSDictionary* optionsFor(WRDocument* document, NSString* format, WRArguments* arguments,
-                         PBProfileSet* profiles) {
+}  // namespace
+
+NSDictionary* pageOptions(WRDocument* document, WRArguments* arguments, PBProfileSet* profiles) {
     auto* options = NSMutableDictionary::dictionary();
     const auto set = [options](NSString* key, id value) {
         if (value) options->setObject_forKey(value, key);
@@ -80,10 +81,18 @@ NSDictionary* optionsFor(WRDocument* document, NSString* format, WRArguments* ar
     set(WRRichTextKey, textWithLanguages(document, profiles).get());
     set(WRDocumentSettingsKey, document->settings());
     set(WRStyleSheetKey, arguments->valueOfOption(u"--style-sheet"_ns));
-    set(WRKeptPathsKey, keptPaths(document, format, arguments));
     set(WRPaperKey, arguments->valueOfOption(u"--paper"_ns));
     setNumber(WRMarginKey, u"--margin"_ns);
     setNumber(WRResolutionKey, u"--resolution"_ns);
+    return options;
+}
+
+namespace {
+
+NSDictionary* optionsFor(WRDocument* document, NSString* format, WRArguments* arguments,
+                         PBProfileSet* profiles) {
+    auto* options = NSMutableDictionary::dictionaryWithDictionary(pageOptions(document, arguments, profiles));
+    options->setObject_forKey(keptPaths(document, format, arguments), WRKeptPathsKey);
     return options;
 }
 

@@ -6,11 +6,15 @@
 
 namespace pelvor {
 
+class NSDictionary;
 class NSString;
 class PBProfileSet;
 class WRArguments;
 class WRDocument;
 class WRReport;
+
+/// How the arguments and the document want pages to be set: options of page setters. Borrowed.
+NSDictionary* pageOptions(WRDocument* document, WRArguments* arguments, PBProfileSet* profiles);
 
 /// If the arguments request pages in the format, "pdf" or "png", has a page setter of the profiles write them
 /// and reports what was written. Returns null, or what went wrong, as a sentence for the user; borrowed.

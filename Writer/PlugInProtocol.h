@@ -175,6 +175,9 @@ inline constexpr unichar WRTitleCharacter = 0xE012;
 
 /// A value of PBProfileTypeKey.
 inline constexpr NSString* WRProfilePageSetterType = u"page setter"_ns;
+/// A value of PBProfileTypeKey: Writer's windows (Windows/WRDesktop.h), a part of Writer that is loaded when
+/// there is a display.
+inline constexpr NSString* WRProfileDesktopType = u"desktop"_ns;
 
 // Profiles of readers and writers
 

@@ -10,7 +10,7 @@ class NSArray;
 class WRAboutLine;
 
 /// The owner of the interface file About.nib. Main thread.
-class WRAbout : public NSObject {
+class PELVOR_EXPORT WRAbout : public NSObject {
     PELVOR_CLASS(WRAbout, NSObject);
 
   public:

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <fstream>
@@ -70,6 +71,11 @@ long peakMemory() {
         if (word == "VmHWM:" && status >> size) return size;
     }
     return 0;
+}
+
+bool isDisplayNamed() {
+    const char* name = std::getenv("DISPLAY");
+    return name && *name;
 }
 
 NSString* namesOf(NSArray* bundles) {
@@ -142,16 +148,21 @@ int WRApplication::run() {
     if (!_arguments->hasOption(u"--list"_ns) && openDocument()) {
         changeText();
         loadDocumentPlugIns();
-        examineDocument();
-        runMainLoop();
-        saveDocument();
-        setPages();
-        uploadDocument();
-        trashDocument();
+        _desktop ? runDesktop() : workWithoutWindows();
     }
+    _desktop = nullptr;
     markMoment("end");
     if (_arguments->hasOption(u"--timing"_ns)) print(NSString::ofUTF8(_timing));
     return exitStatus();
+}
+
+void WRApplication::workWithoutWindows() {
+    examineDocument();
+    runMainLoop();
+    saveDocument();
+    setPages();
+    uploadDocument();
+    trashDocument();
 }
 
 int WRApplication::exitStatus() { return !_hasFailed && std::fflush(stdout) == 0 ? 0 : 1; }
@@ -181,7 +192,30 @@ void WRApplication::startUp() {
     NSArray* bundles = _loader->loadPlugInsForMoment(nullptr);
     _loader->declarePlugInsForMoment(WRLoadMomentDemand);
     markMoment("ready");
+    makeDesktop();
     reportStart(bundles);
+}
+
+// A display that is named may turn out not to be there; the reason is then in the log.
+void WRApplication::makeDesktop() try {
+    if (!_arguments->wantsWindows() || !isDisplayNamed()) return;
+    NSArray* profiles = registry()->profilesOfType(WRProfileDesktopType)->profiles();
+    if (profiles->count() == 0) return;
+    auto desktop = makePlugInObject(static_cast<PBProfile*>(profiles->objectAtIndex(0)));
+    if (send<bool>(desktop.get(), "hasDisplay"_sel)) _desktop = std::move(desktop);
+    markMoment("desktop");
+} catch (...) {
+    complainOfException();
+}
+
+void WRApplication::runDesktop() try {
+    NSString* problem = send<NSString*>(_desktop.get(), "showDocument:options:"_sel, _document.get(),
+                                        pageOptions(_document, _arguments, registry()));
+    markMoment("shown");
+    if (problem) return complain(problem);
+    send(_desktop.get(), "run"_sel);
+} catch (...) {
+    complainOfException();
 }
 
 bool WRApplication::openDocument() {
@@ -516,6 +550,7 @@ void WRApplication::markMoment(const char* name) {
 }
 
 void WRApplication::print(NSString* text) {
+    if (_desktop) return;  // what is to be seen is in the windows
     _progress->clear();
     const std::string bytes = text->toUTF8();
     bool isWritten =

@@ -68,6 +68,9 @@ class WRApplication : public NSObject {
     void printUpdates();
     int exitStatus();
     void startUp();
+    void makeDesktop();
+    void runDesktop();
+    void workWithoutWindows();
     bool openDocument();
     void changeText();
     void loadDocumentPlugIns();
@@ -108,6 +111,7 @@ class WRApplication : public NSObject {
     Retained<PBDelayedActionTimer> _plugInTimer;
     bool _hasOwnChanges = false;  // of the document, that are in no file
     Retained<WRMainLoop> _loop;
+    Retained<Object> _desktop;           // where windows are shown
     Retained<NSMutableArray> _arrivals;  // PBProfiles, since the start
     Retained<NSMutableSet> _knownIdentifiers;
     NSUInteger _waitingPerforms = 0;

@@ -23,6 +23,7 @@ struct ProgramOption {
     NSString* needed = nullptr;   // the options without all of which it means nothing
     NSString* choices = nullptr;  // what a choice is among
     NSUInteger least = 0;         // what a number is at least
+    bool isForWindows = false;    // leaves it open whether windows are shown
 };
 
 namespace {
@@ -31,7 +32,8 @@ constexpr ProgramOption kOptions[] = {
     {.kind = OptionKind::text,
      .name = u"--encoding"_ns,
      .placeholder = u"NAME"_ns,
-     .explanation = u"_the document's encoding, found out by default"_ns},
+     .explanation = u"_the document's encoding, found out by default"_ns,
+     .isForWindows = true},
     {.kind = OptionKind::number,
      .name = u"--at"_ns,
      .placeholder = u"POSITION"_ns,
@@ -118,6 +120,10 @@ constexpr ProgramOption kOptions[] = {
      .explanation =
          u"_stays and takes edits, \"at POSITION\", \"save\" and \"quit\" from standard input; its end means \"quit\""_ns},
     {.kind = OptionKind::flag,
+     .name = u"--screenless"_ns,
+     .placeholder = u""_ns,
+     .explanation = u"_shows no windows, as if there were no display"_ns},
+    {.kind = OptionKind::flag,
      .name = u"--encodings"_ns,
      .placeholder = u""_ns,
      .explanation = u"_lists the names of encodings and nothing else"_ns},
@@ -136,7 +142,8 @@ constexpr ProgramOption kOptions[] = {
     {.kind = OptionKind::flag,
      .name = u"--timing"_ns,
      .placeholder = u""_ns,
-     .explanation = u"_prints when each stage was reached and the memory taken until then"_ns},
+     .explanation = u"_prints when each stage was reached and the memory taken until then"_ns,
+     .isForWindows = true},
     {.kind = OptionKind::flag, .name = u"--help"_ns, .placeholder = u""_ns, .explanation = u"_this text"_ns},
 };
 
@@ -176,6 +183,7 @@ PELVOR_DEFINE_CLASS(WRArguments, writerLibrary) {
     methods.instance<"valueOfOption:", &WRArguments::valueOfOption>();
     methods.instance<"numberOfOption:", &WRArguments::numberOfOption>();
     methods.instance<"valuesOfOption:", &WRArguments::valuesOfOption>();
+    methods.instance<"wantsWindows", &WRArguments::wantsWindows>();
 }
 
 WRArguments::~WRArguments() = default;
@@ -275,6 +283,12 @@ NSUInteger WRArguments::numberOfOption(NSString* name) {
 NSArray* WRArguments::valuesOfOption(NSString* name) {
     auto* values = static_cast<NSArray*>(_values->objectForKey(name));
     return values ? values : NSArray::array();
+}
+
+bool WRArguments::wantsWindows() {
+    for (const ProgramOption& option : kOptions)
+        if (!option.isForWindows && hasOption(option.name)) return false;
+    return true;
 }
 
 NSString* WRArguments::usage() {

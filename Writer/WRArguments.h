@@ -36,6 +36,9 @@ class WRArguments : public NSObject {
     /// All values of an option that may be repeated, in their order. Borrowed.
     NSArray* valuesOfOption(NSString* name);
 
+    /// Whether nothing is requested that is done without windows.
+    bool wantsWindows();
+
     /// The explanation of the arguments.
     static NSString* usage();
 

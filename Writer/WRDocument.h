@@ -21,7 +21,7 @@ class PBProfile;
 inline constexpr NSString* WRDocumentDidChangeNotification = u"WRDocumentDidChangeNotification"_ns;
 
 /// The text of a document and how it came in. Main thread.
-class WRDocument : public NSObject {
+class PELVOR_EXPORT WRDocument : public NSObject {
     PELVOR_CLASS(WRDocument, NSObject);
     PELVOR_CREATORS(initWithPath_reader_answer);
 

@@ -164,6 +164,12 @@ void PageDocument::drawPage(NSUInteger index) {
     drawLine(_footer, index, false);
 }
 
+void PageDocument::drawHeaderAndFooter(NSUInteger index) {
+    AutoreleasePool pool;
+    drawLine(_header, index, true);
+    drawLine(_footer, index, false);
+}
+
 NSArray* PageDocument::problems() {
     auto* problems = NSMutableArray::array();
     for (id cell : _cells.get())

@@ -50,6 +50,7 @@ class PELVOR_EXPORT PageDocument {
     /// Draws a page that was found into the current graphics context. Where a header or footer has the number
     /// of pages, it is that of the pages found so far.
     void drawPage(NSUInteger index);
+    void drawHeaderAndFooter(NSUInteger index);
     NSTextStorage* textStorage() { return _storage; }
     NSLayoutManager* layoutManager() { return _layoutManager; }
     /// Why pictures could not be drawn so far, each reason once, borrowed.

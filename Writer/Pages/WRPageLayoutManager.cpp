@@ -4,12 +4,19 @@
 #include "Foundation/NSString.h"
 #include "NSAttributedString-PelvorAdditions.h"
 #include "Runtime/Message.h"
+#include "Runtime/Registry.h"
 #include "Writer/Pages/PagesLibrary.h"
 
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(WRPageLayoutManager, pagesLibrary) {
+    methods.classLevel<"didLoad", &WRPageLayoutManager::didLoad>();
     methods.instance<"languageForAttributes:", &WRPageLayoutManager::languageForAttributes>();
+}
+
+void WRPageLayoutManager::didLoad() {
+    if (Class* languages = classNamed("WRLanguage"); languages && !PBSystemLanguage)
+        PBSystemLanguage = send<id>(languages, "systemLanguage"_sel);
 }
 
 NSString* WRPageLayoutManager::languageForAttributes(NSDictionary* attributes) {

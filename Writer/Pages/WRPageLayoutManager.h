@@ -12,6 +12,8 @@ class PELVOR_EXPORT WRPageLayoutManager : public NSLayoutManager {
     PELVOR_INHERITED_CREATORS(init);
 
   public:
+    /// Has text without a language be in that of the system, as Writer knows it.
+    static void didLoad();
     /// The value of NSLanguageAttributeName; else the identifier of the language object of the attributes, or
     /// of the system language.
     NSString* languageForAttributes(NSDictionary* attributes) override;

@@ -16,9 +16,6 @@ class WRPageSetter : public NSObject {
     PELVOR_CLASS(WRPageSetter, NSObject);
 
   public:
-    /// Makes the user's language the library's system language, if Writer's languages are there.
-    static void didLoad();
-
     NSDictionary* writePagesOfText_format_toPath_options(NSString* text, NSString* format, NSString* path,
                                                          NSDictionary* options);
 
