@@ -66,12 +66,20 @@ bool isArchive(NSString* path) {
     return path && extensions->containsObject(path->pathExtension()->lowercaseString());
 }
 
+// A pipe or a device has nothing that could be archived.
+bool isFileOrFolder(NSFileManager* manager, NSString* path) {
+    NSDictionary* attributes = manager->fileAttributesAtPath_traverseLink(path, true);
+    id type = attributes ? attributes->objectForKey(NSFileType) : nullptr;
+    return type && (type->isEqual(NSFileTypeRegular) || type->isEqual(NSFileTypeDirectory));
+}
+
 }  // namespace
 
 NSString* tempArchiveForFileAtPath(NSFileManager* manager, NSString* path) {
     requireArgument(manager, "tempArchiveForFileAtPath:", "the receiver");
     NSString* program = archiver(manager);
     if (!program || !path || path->length() == 0 || !manager->isReadableFileAtPath(path)) return nullptr;
+    if (!isFileOrFolder(manager, path)) return nullptr;
     NSString* name = path->lastPathComponent();
     const bool isPacked = isArchive(path);
     if (NSString* target = resolvedPathForAliasAtPath(manager, path)) path = target;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "NSFileManager-PelvorAdditions.h"
 
+#include <limits.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -166,9 +167,10 @@ bool createDirectoryRecursiveAtPath_attributes(NSFileManager* manager, NSString*
     requireManager(manager, "createDirectoryRecursiveAtPath:attributes:");
     NSString* parent = folderOf(path);
     if (!parent || parent->length() == 0) return errno = ENOENT, false;
-    bool isFolder = false;
-    const bool isMissing = !manager->fileExistsAtPath_isDirectory(parent, &isFolder);
-    if (isMissing && !createDirectoryRecursiveAtPath_attributes(manager, parent, attributes)) return false;
+    if (path->length() >= PATH_MAX) return errno = ENAMETOOLONG, false;
+    if (!manager->fileExistsAtPath(parent) &&
+        !createDirectoryRecursiveAtPath_attributes(manager, parent, attributes))
+        return false;
     return manager->createDirectoryAtPath_attributes(path, attributes);
 }
 

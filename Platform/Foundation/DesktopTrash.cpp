@@ -227,6 +227,8 @@ bool DesktopTrash::holdsPath(const std::string& path) const {
 bool DesktopTrash::put(const std::string& path, const std::string& name) const {
     const std::string place = resolvedPlace(path);
     if (!isSystemPath(path) || place.empty() || !make()) return false;
+    // The trash would lose its own folders, or a file its text.
+    if ((place + "/").starts_with(resolved(_folder) + "/")) return failWith(EINVAL);
     const SystemPlace text(textPath(name));
     TemporaryFile file(text.folder, text.name);
     const std::string content = "[Trash Info]\nPath=" + percentEncoded(pathToKeep(place)) +
@@ -246,7 +248,7 @@ std::optional<TrashEntry> DesktopTrash::entryNamed(const std::string& name) cons
     if (::lstat((files() + "/" + name).c_str(), &status) != 0) return {};
     if (!readFile(textPath(name), bytes, FileReading::regularOnly)) return {};
     auto [path, date] = pathAndDateIn(std::string(bytes.view()));
-    if (path.empty() || ("/" + path + "/").find("/../") != path.npos) return {};
+    if (!isSystemPath(path) || ("/" + path + "/").find("/../") != path.npos) return {};
     if (!path.starts_with('/')) path = (_top == "/" ? "" : _top) + "/" + path;
     if (!holdsPath(path)) return {};
     return TrashEntry{name, path, dateOf(date)};
@@ -267,7 +269,7 @@ std::vector<TrashEntry> DesktopTrash::contents() const {
 
 bool DesktopTrash::restore(const TrashEntry& entry) const {
     // What somebody has put on a disk leads out of that disk neither by a text nor by a link.
-    const std::string place = resolvedPlace(entry.original);
+    const std::string place = isSystemPath(entry.original) ? resolvedPlace(entry.original) : "";
     if (place.empty()) return false;
     if (!holdsPath(place)) return failWith(EACCES);
     TreeWatcher watcher;

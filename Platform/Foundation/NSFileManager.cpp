@@ -245,8 +245,8 @@ bool NSFileManager::copyFile_toPrivateFile(NSString* source, NSString* destinati
 bool NSFileManager::isOwnFileAtPath(NSString* path) {
     const std::string name = systemPath(path);
     struct stat status;
-    return isSystemPath(name) && ::lstat(name.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-           status.st_uid == ::geteuid();
+    return isSystemPath(name) && ::lstat(name.c_str(), &status) == 0 &&
+           (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)) && status.st_uid == ::geteuid();
 }
 
 bool NSFileManager::movePath_toPath_handler(NSString* source, NSString* destination, id handler) {

@@ -136,11 +136,12 @@ class PELVOR_EXPORT NSFileManager : public NSObject {
     bool removeFileAtPath_handler(NSString* path, id handler);
 
     // C++ only
-    /// Copies the content of a file for the user alone: nobody else may ever read the copy. No handler.
+    /// Copies a file, or the files of a folder, for the user alone: nobody else may ever read the copies. No
+    /// handler.
     bool copyFile_toPrivateFile(NSString* source, NSString* destination);
     /// Hands over the names in the folder as the system's bytes, in the order in which the system has them.
     bool visitNamesInDirectory(const std::string& path, const std::function<void(std::string_view)>& visit);
-    /// Whether the entry is a regular file, no link, that belongs to the user of the process.
+    /// Whether the entry is a regular file or a folder, no link, that belongs to the user of the process.
     bool isOwnFileAtPath(NSString* path);
 
     // The system's paths

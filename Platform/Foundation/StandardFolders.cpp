@@ -4,9 +4,10 @@
 #include <sys/stat.h>
 
 #include <cstdlib>
-#include <fstream>
+#include <sstream>
 
 #include "Foundation/DesktopTrash.h"
+#include "Foundation/Files/FileContents.h"
 #include "Foundation/Files/SystemPath.h"
 #include "Foundation/Files/UserFolders.h"
 
@@ -21,7 +22,11 @@ bool isFolder(const std::string& path) {
 // The value of a line XDG_DESKTOP_DIR="$HOME/Desktop" in the user's list of folders; only $HOME/ and absolute
 // paths are allowed there.
 std::string listedFolder(const std::string& key) {
-    std::ifstream list(userFolder("XDG_CONFIG_HOME", ".config") + "/user-dirs.dirs");
+    GrowingBytes bytes;
+    if (!readFile(userFolder("XDG_CONFIG_HOME", ".config") + "/user-dirs.dirs", bytes,
+                  FileReading::regularOnly))
+        return {};
+    std::istringstream list{std::string(bytes.view())};
     const std::string start = key + "=\"";
     for (std::string line; std::getline(list, line);) {
         if (!line.starts_with(start) || !line.ends_with('"') || line.size() <= start.size()) continue;

@@ -8,8 +8,9 @@
 
 namespace pelvor {
 
-/// The user's home folder: the environment variable HOME, else what the system's list of users says.
-/// Borrowed, as all results here; any thread, as long as no thread changes the environment.
+/// The user's home folder: the environment variable HOME if it is an absolute path, else what the system's
+/// list of users says. Borrowed, as all results here; any thread, as long as no thread changes the
+/// environment.
 PELVOR_EXPORT NSString* NSHomeDirectory();
 
 /// The folder for temporary files, which all users may share: the environment variable TMPDIR if it names a

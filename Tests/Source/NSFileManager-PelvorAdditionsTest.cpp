@@ -138,8 +138,11 @@ TEST_F(FileAdditionsTest, MakesFoldersAndTouchesAndKnowsAliases) {
     EXPECT_EQ(status.st_mode & 07777, 0750u);
     EXPECT_FALSE(createDirectoryRecursiveAtPath_attributes(files, path("a/b/c"), nullptr)) << "it is there";
     folder.write("file", "");
-    for (NSString* none : {path("file/x"), u"x"_ns, u""_ns, static_cast<NSString*>(nullptr)})
+    string tooLong = "long";
+    while (tooLong.size() < 1'000'000) tooLong += "/a";
+    for (NSString* none : {path("file/x"), path(tooLong), u"x"_ns, u""_ns, static_cast<NSString*>(nullptr)})
         EXPECT_FALSE(createDirectoryRecursiveAtPath_attributes(files, none, nullptr));
+    EXPECT_FALSE(fs::exists(folder.path("long")));
     fs::last_write_time(folder.path("file"), fs::file_time_type::min());
     EXPECT_TRUE(touchFile(files, path("file")));
     EXPECT_LT(fs::file_time_type::clock::now() - fs::last_write_time(folder.path("file")),
@@ -222,16 +225,20 @@ TEST_F(FileAdditionsTest, TheTrashSaysWhyNot) {
     folder.write("x", "");
     EXPECT_EQ(trashFileAtPath(files, path("x")), 0);
     EXPECT_TRUE(fs::exists(folder.path("data/Trash/files/x-1"))) << "the name x has a text without a file";
-    EXPECT_NE(trashFileAtPath(files, path("data")), 0) << "the folder that the trash is in";
+    for (const char* own : {"data", "data/Trash", "data/Trash/info", "data/Trash/files/x-1"})
+        EXPECT_EQ(trashFileAtPath(files, path(own)), PBFileOperationFailure) << own;
     EXPECT_TRUE(fs::exists(folder.path("data/Trash/files/x-1")));
     folder.write("file", "");
     const EnvironmentScope inFile("XDG_DATA_HOME", folder.path("file/data").c_str());
     EXPECT_EQ(trashFileAtPath(files, path("file")), PBFileOperationFailure);
     // A text that leads elsewhere is nobody's.
     folder.write("other/Trash/files/evil", "");
-    folder.write("other/Trash/info/evil.trashinfo", "[Trash Info]\nPath=/tmp/../etc/evil\n");
     const EnvironmentScope other("XDG_DATA_HOME", folder.path("other").c_str());
-    EXPECT_THAT(DesktopTrash::ofHome().contents(), IsEmpty());
+    for (const char* evil : {"/tmp/../etc/evil", "%00/evil"}) {
+        folder.write("other/Trash/info/evil.trashinfo", string("[Trash Info]\nPath=") + evil + "\n");
+        EXPECT_THAT(DesktopTrash::ofHome().contents(), IsEmpty());
+    }
+    EXPECT_FALSE(DesktopTrash::ofHome().restore({"evil", folder.path("") + string("\0/evil", 6), 0}));
 }
 
 TEST_F(FileAdditionsTest, EachFileSystemHasATrashOfItsOwn) {
@@ -323,6 +330,12 @@ TEST_F(FileAdditionsTest, TemporaryArchivesAreCopiesOrCompressed) {
     for (const char* name : {"notes.cpio", "notes.ZIP"})
         EXPECT_EQ(fs::status(folder.path(name)).permissions(), fs::perms::owner_read | fs::perms::owner_write)
             << name;
+    folder.write("in/tree.sit/file", "in a folder");
+    mkfifo(folder.path("in/pipe.zip").c_str(), 0600);
+    EXPECT_EQ(shown(tempArchiveForFileAtPath(files, path("in/tree.sit"))), folder.path("tree.sit"));
+    EXPECT_EQ(folder.read("tree.sit/file"), "in a folder");
+    EXPECT_EQ(tempArchiveForFileAtPath(files, path("in/pipe.zip")), nullptr);
+    EXPECT_FALSE(fs::exists(folder.path("pipe.zip")));
     if (!fs::exists("/usr/bin/cpio")) GTEST_SKIP() << "nothing can unpack it";
     const string unpack =
         "cd '" + folder.path("in") + "' && rm -f notes.rtf && gzip -dc ../notes.cpio | cpio -i --quiet";

@@ -12,7 +12,7 @@
 namespace pelvor {
 
 std::string homeFolderOfUser(const std::string& name) {
-    if (const char* home = std::getenv("HOME"); name.empty() && home && *home) return home;
+    if (const char* home = std::getenv("HOME"); name.empty() && home && *home == '/') return home;
     std::vector<char> buffer(16384);
     passwd entry, *found = nullptr;
     if (name.empty())

@@ -18,6 +18,7 @@
 #include <utility>
 
 #include "FileWatcher/ZWKQueue.h"
+#include "Foundation/NSFileManager.h"
 #include "Foundation/NSLog.h"
 #include "Shared/Descriptor.h"
 
@@ -185,7 +186,9 @@ void FileEventQueue::noteLimit(int error, NSString* path) {
 // MARK: Watches
 
 FileEventQueue::Watch FileEventQueue::add(NSString* path, std::uint32_t changes, Kind kind) {
-    std::string name = path->fileSystemRepresentation();
+    const char* bytes = NSFileManager::defaultManager()->fileSystemRepresentationWithPath(path);
+    if (!bytes) return errno = EINVAL, 0;
+    std::string name = bytes;
     Descriptor opened(::open(name.c_str(), O_PATH | O_CLOEXEC | (kind == Kind::folder ? O_DIRECTORY : 0)));
     FileState state;
     struct statfs system;

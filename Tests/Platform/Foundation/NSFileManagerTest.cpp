@@ -339,6 +339,11 @@ TEST_F(NSFileManagerTest, FindsTheFoldersOfTheUser) {
     folder.write("file", "");
     const EnvironmentScope inFile("XDG_DATA_HOME", folder.path("file/data").c_str());
     EXPECT_EQ(found("asup") + found("trsh"), "nullnull");
+    fs::remove(folder.path("config/user-dirs.dirs"));
+    mkfifo(folder.path("config/user-dirs.dirs").c_str(), 0600);
+    EXPECT_EQ(found("desk"), "home/Desktop") << "a pipe is not waited for";
+    const EnvironmentScope relative("HOME", "home");
+    EXPECT_THAT(shown(NSHomeDirectory()), StartsWith("/"));
 }
 
 TEST_F(NSFileManagerTest, TellsReasonsInTheUsersLanguage) {
