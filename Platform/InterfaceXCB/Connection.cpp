@@ -281,11 +281,13 @@ void XConnection::sendMessage(xcb_window_t to, xcb_window_t about, xcb_atom_t ty
 // MARK: Time
 
 void XConnection::noteTime(xcb_timestamp_t time) {
-    if (time != XCB_CURRENT_TIME) _time = time;
+    if (time == XCB_CURRENT_TIME) return;
+    _time = time;
+    _timeNoted = secondsNow();
 }
 
 xcb_timestamp_t XConnection::time() {
-    if (_time != XCB_CURRENT_TIME) return _time;
+    if (_time != XCB_CURRENT_TIME && secondsNow() - _timeNoted < 1) return _time;
     const xcb_atom_t property = (*this)[Atom::PELVOR_TIME];
     xcb_change_property(_connection, XCB_PROP_MODE_APPEND, _helper, property, XCB_ATOM_INTEGER, 32, 0,
                         nullptr);
@@ -293,7 +295,7 @@ xcb_timestamp_t XConnection::time() {
         return kindOf(candidate) == XCB_PROPERTY_NOTIFY &&
                as<xcb_property_notify_event_t>(candidate).atom == property;
     });
-    if (event) _time = as<xcb_property_notify_event_t>(*event).time;
+    if (event) noteTime(as<xcb_property_notify_event_t>(*event).time);
     return _time;
 }
 

@@ -116,7 +116,8 @@ class XConnection {
     void sendMessage(xcb_window_t to, xcb_window_t about, xcb_atom_t type,
                      const std::array<std::uint32_t, 5>& words, std::uint32_t mask = 0);
 
-    /// The server's time of the latest event that has one; asks the server if there was none yet.
+    /// The server's time of the event that is being handled or was lately; asks the server if that was long
+    /// ago.
     xcb_timestamp_t time();
     void noteTime(xcb_timestamp_t time);
     /// The server's time in seconds, which goes on where the server's milliseconds begin again with 0.
@@ -144,6 +145,7 @@ class XConnection {
     std::map<std::string, xcb_atom_t> _atomsByName;
     std::map<xcb_atom_t, std::string> _namesByAtom;
     xcb_timestamp_t _time = 0;
+    double _timeNoted = 0;
     xcb_timestamp_t _latest = 0;
     std::uint64_t _turns = 0;
 };

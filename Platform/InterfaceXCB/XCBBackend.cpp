@@ -48,11 +48,14 @@ bool XCBBackend::prepare() {
 void XCBBackend::dispatch() {
     while (const XEvent event = _isLost ? nullptr : _connection->nextEvent()) deliver(*event);
     if (!_isLost && _connection->isLost()) return loseDisplay();
+    _selections.giveUpLate();
     _connection->flush();
     if (_screens.collect()) _sink.screensChanged();
 }
 
-double XCBBackend::timeout() { return std::numeric_limits<double>::infinity(); }
+double XCBBackend::timeout() {
+    return _isLost ? std::numeric_limits<double>::infinity() : _selections.secondsLeft();
+}
 
 /// What keys need is fetched when something is to be seen already.
 void XCBBackend::startRest() {
@@ -63,6 +66,7 @@ void XCBBackend::startRest() {
 void XCBBackend::loseDisplay() {
     _isLost = true;
     _tracked = 0;
+    _selections.giveUpAll();
     _sink.lost("The connection to the display was lost");
 }
 
@@ -169,16 +173,22 @@ void XCBBackend::resetComposing(BackendWindow window) { _textInput.reset(); }
 
 // MARK: Selections
 
-bool XCBBackend::offerSelection(BackendSelection, std::vector<std::string>, SelectionProvider) {
-    return false;
+bool XCBBackend::offerSelection(BackendSelection selection, std::vector<std::string> types,
+                                SelectionProvider provider) {
+    return _selections.offer(selection, std::move(types), std::move(provider));
 }
-void XCBBackend::requestTypes(BackendSelection, SelectionReceiver done) { done(false, {}); }
-void XCBBackend::requestSelection(BackendSelection, const std::string&, SelectionReceiver done) {
-    done(false, {});
+
+void XCBBackend::requestTypes(BackendSelection selection, SelectionReceiver done) {
+    _selections.requestTypes(selection, std::move(done));
 }
+
+void XCBBackend::requestSelection(BackendSelection selection, const std::string& type,
+                                  SelectionReceiver done) {
+    _selections.request(selection, type, std::move(done));
+}
+
 bool XCBBackend::beginDrag(BackendWindow, std::function<void(bool isTaken)>) { return false; }
 void XCBBackend::endDrop(bool) {}
-void XCBBackend::saveClipboard() {}
 
 void XCBBackend::beep() {
     xcb_bell(*_connection, 0);
@@ -189,7 +199,7 @@ void XCBBackend::beep() {
 
 void XCBBackend::deliver(const xcb_generic_event_t& event) {
     bool isLayoutChanged = false;
-    if (_screens.handle(event)) return;
+    if (_screens.handle(event) || _selections.handle(event)) return;
     if (_keyboard.handle(event, isLayoutChanged)) {
         if (isLayoutChanged) _sink.layoutChanged();
         return;

@@ -4,6 +4,7 @@
 
 #include "InterfaceXCB/Pointer.h"
 #include "InterfaceXCB/Screens.h"
+#include "InterfaceXCB/Selections.h"
 #include "InterfaceXCB/TextInput.h"
 #include "InterfaceXCB/Window.h"
 
@@ -53,7 +54,7 @@ class XCBBackend final : public InterfaceBackend {
     void endDrop(bool isTaken) override;
 
     void beep() override;
-    void saveClipboard() override;
+    void saveClipboard() override { _selections.saveClipboard(); }
 
   private:
     XWindow* windowOf(BackendWindow id);
@@ -81,6 +82,7 @@ class XCBBackend final : public InterfaceBackend {
     XKeyboard _keyboard{*_connection};
     XTextInput _textInput{*_connection, _sink, _keyboard};
     XPointer _pointer{*_connection};
+    XSelections _selections{*_connection, _sink};
     std::vector<std::unique_ptr<XWindow>> _windows;
     BackendWindow _latestWindow = 0;
     BackendWindow _focused = 0;
