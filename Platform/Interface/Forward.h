@@ -36,6 +36,10 @@ class NSImageCell;         ///< a picture as a value
 class NSImageView;         ///< a view that shows a picture
 class NSSegmentedCell;     ///< what a segmented control draws
 class NSSegmentedControl;  ///< several buttons in a row
+class NSTableColumn;       ///< a column of a table view
+class NSTableHeaderCell;   ///< the title of a column
+class NSTableHeaderView;   ///< the titles of a table's columns
+class NSTableView;         ///< rows and columns of values
 class NSTextFieldCell;     ///< a text in a field
 
 }  // namespace pelvor

@@ -6,6 +6,7 @@
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSString.h"
 #include "Interface/NSImage.h"
+#include "Interface/NSView.h"
 #include "Runtime/WeakHandle.h"
 #include "Text/NSColor.h"
 #include "Text/NSFont.h"
@@ -14,7 +15,6 @@
 namespace pelvor {
 
 class NSEvent;
-class NSView;
 
 enum NSCellType : int { NSNullCellType = 0, NSTextCellType = 1, NSImageCellType = 2 };
 
