@@ -3,7 +3,10 @@
 
 #include "BaseTextLibrary.h"
 #include "Interface/InterfaceLibrary.h"
+#include "Menus/NSMenuItem-PelvorAdditions.h"
+#include "Menus/PBMenuItem.h"
 #include "NSEvent-PelvorAdditions.h"
+#include "PBGUIUtil.h"
 
 namespace pelvor {
 namespace {
@@ -12,13 +15,20 @@ constexpr Library* kDependencies[] = {&baseTextLibrary, &interfaceLibrary};
 
 // Alphabetical.
 // clang-format off
+constexpr Class* kClasses[] = {
+    &PBMenuItem::classRecord,
+};
 constexpr const Category* kCategories[] = {
     &NSEvent_PelvorAdditions_category,
+    &NSMenuItem_PelvorAdditions_category,
+    &NSMenuItem_PelvorGUIAdditions_category,
+    &NSMenu_PelvorAdditions_category,
+    &NSObject_PelvorValidatedUserInterfaceItemAdditions_category,
 };
 // clang-format on
 
 }  // namespace
 
-constinit Library baseInterfaceLibrary{"PelvorBaseInterface", kDependencies, {}, kCategories};
+constinit Library baseInterfaceLibrary{"PelvorBaseInterface", kDependencies, kClasses, kCategories};
 
 }  // namespace pelvor

@@ -59,6 +59,9 @@ class OFTrieNode;          ///< where words of a trie part
 class PBRepeatString;      ///< a text again and again, never built
 class PBUnichar32String;   ///< a text kept as code points
 
+// Menus
+class PBMenuItem;  ///< a menu item that can show a shortcut of several keys
+
 // Older platforms
 class PantherFont;    ///< gives fonts the sizes of controls
 class PantherObject;  ///< gives all objects `setValue:forKey:`

@@ -42,4 +42,9 @@ class NSTableHeaderView;   ///< the titles of a table's columns
 class NSTableView;         ///< rows and columns of values
 class NSTextFieldCell;     ///< a text in a field
 
+// Menus
+class MenuObserver;  ///< something that shows a menu
+class NSMenu;        ///< a list of commands
+class NSMenuItem;    ///< one line of a menu
+
 }  // namespace pelvor

@@ -3,6 +3,8 @@
 
 #include "Interface/NSEvent.h"
 #include "Interface/NSImage.h"
+#include "Interface/NSMenu.h"
+#include "Interface/NSMenuItem.h"
 #include "Text/TextLibrary.h"
 
 namespace pelvor {
@@ -15,6 +17,8 @@ constexpr Library* kDependencies[] = {&textLibrary};
 constexpr Class* kClasses[] = {
     &NSEvent::classRecord,
     &NSImage::classRecord,
+    &NSMenu::classRecord,
+    &NSMenuItem::classRecord,
 };
 // clang-format on
 
