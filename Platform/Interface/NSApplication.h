@@ -10,6 +10,7 @@
 
 namespace pelvor {
 
+class NSMenu;
 class NSWindow;
 struct ApplicationState;
 
@@ -131,6 +132,12 @@ class PELVOR_EXPORT NSApplication : public NSResponder {
     id targetForAction(SEL action);
     virtual id targetForAction_to_from(SEL action, id target, id sender);
     bool tryToPerform_with(SEL action, id argument) override;
+
+    // The main menu, whose key equivalents work in all windows and whose titles stand in menu bars
+
+    /// Null if there is none.
+    NSMenu* mainMenu();
+    void setMainMenu(NSMenu* menu);
 
     // Windows
 
