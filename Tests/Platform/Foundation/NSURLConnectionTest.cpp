@@ -92,8 +92,10 @@ std::string loaded(NSURLRequest* request) {
     return shown(cast<NSHTTPURLResponse>(response)->statusCode()) + " " + textOf(data);
 }
 
+// libcurl asks again only five times in a load on a connection that the server closed without saying so.
 void redirect(Call& call, const std::string& target) {
-    call.send("HTTP/1.1 302 Elsewhere\r\nLocation: " + target + "\r\nContent-Length: 0\r\n\r\n");
+    call.send("HTTP/1.1 302 Elsewhere\r\nConnection: close\r\nLocation: " + target +
+              "\r\nContent-Length: 0\r\n\r\n");
 }
 
 void answerUntilClientGoes(Call& call, std::string_view start, std::string_view piece) {
