@@ -17,7 +17,7 @@ class NSString;
 /// An immutable block of bytes.
 ///
 ///     NSData* data = NSData::dataWithContentsOfFile(path);       // null if the file cannot be read
-///     if (data && !data->writeToFile_atomically(copyPath, true)) NSLog(u"%s"_ns, std::strerror(errno));
+///     bool isSaved = data && data->writeToFile_atomically(copyPath, true);  // if not, NSFileError tells why
 ///     for (std::byte byte : data->span()) sum += std::to_integer<unsigned>(byte);
 ///
 /// The class is abstract: a subclass implements `length` and `bytes` and hides the creators, which return
@@ -42,8 +42,8 @@ class PELVOR_EXPORT NSData : public NSObject {
     static NSData* dataWithBytesNoCopy_length(void* bytes, NSUInteger length);
     static NSData* dataWithBytesNoCopy_length_freeWhenDone(void* bytes, NSUInteger length, bool freeWhenDone);
     static NSData* dataWithData(NSData* data);
-    /// The content of the file; null, with the reason in `errno`, if the file cannot be read, is a folder, or
-    /// holds more bytes than an NSUInteger counts.
+    /// The content of the file; null if the file cannot be read, is a folder, or holds more bytes than an
+    /// NSUInteger counts. `errno` then has the reason, of which NSFileError makes a text.
     static NSData* dataWithContentsOfFile(NSString* path);
 
     static Retained<NSData> init();
@@ -78,8 +78,8 @@ class PELVOR_EXPORT NSData : public NSObject {
     void getBytes_range(void* buffer, NSRange range);
     NSData* subdataWithRange(NSRange range);
     /// Writes the bytes to a new file, or in the place of the old content of a file. Returns whether this
-    /// succeeded; if not, `errno` tells the reason. If `isAtomic` is true and writing fails or is
-    /// interrupted, the old file stays as it was.
+    /// succeeded; if not, `errno` has the reason, of which NSFileError makes a text. If `isAtomic` is true
+    /// and writing fails or is interrupted, the old file stays as it was.
     ///
     /// A symbolic link is followed and remains a link. Anything but a regular file (a pipe, a device,
     /// /dev/stdout) is written into directly; a pipe without a reader is refused. An atomic write puts a new

@@ -72,10 +72,10 @@ class PELVOR_EXPORT NSString : public NSObject {
     static NSString* stringWithUTF8String(const char* text);
     /// Null if the zero-terminated text is not valid in the encoding or the encoding is unknown.
     static NSString* stringWithCString_encoding(const char* text, NSStringEncoding encoding);
-    /// The file's text. Null if the file cannot be read or is not valid in the encoding.
+    /// The file's text; null (NSFileError tells why) if it cannot be read or is not valid in the encoding.
     static NSString* stringWithContentsOfFile_encoding(NSString* path, NSStringEncoding encoding);
     /// The file's text. A mark at the front of the file tells the encoding; without a mark the text is read
-    /// as UTF-8 if it is valid UTF-8, else as ISO Latin 1. Null if the file cannot be read.
+    /// as UTF-8 if it is valid UTF-8, else as ISO Latin 1. Null (NSFileError tells why) if it cannot be read.
     static NSString* stringWithContentsOfFile(NSString* path);
 
     static Retained<NSString> init();
@@ -273,10 +273,10 @@ class PELVOR_EXPORT NSString : public NSObject {
     NSStringEncoding smallestEncoding();
     /// The encoding's name in English, whatever the user's language; "" for an unknown number.
     static NSString* localizedNameOfStringEncoding(NSStringEncoding encoding);
-    /// Writes the text in the encoding to the file. Returns false if the text does not fit the encoding or
-    /// the file cannot be written. With `atomically`, the path holds the whole old file or the whole new file
-    /// at every moment; `NSData::writeToFile_atomically` says what happens to links, owners and access
-    /// rights, and to files that are not regular files.
+    /// Writes the text in the encoding to the file. Returns false (NSFileError tells why) if the text does
+    /// not fit the encoding or the file cannot be written. With `atomically`, the path holds the whole old
+    /// file or the whole new file at every moment; `NSData::writeToFile_atomically` says what happens to
+    /// links, owners and access rights, and to files that are not regular files.
     bool writeToFile_atomically_encoding(NSString* path, bool atomically, NSStringEncoding encoding);
 
     // C++ only
