@@ -404,6 +404,11 @@ void WRApplication::watchFiles() {
 // What this program has changed is not lost by what another has saved.
 void WRApplication::documentFileDidChange() {
     _sentry->noteFile();
+    if (!_sentry->isFileThere()) {
+        _report->addHeading(localizedFormat(
+            u"_Another program has removed the document \"%@\". Its text is still open here."_ns, _path));
+        return print(_report->takeText());
+    }
     if (_hasOwnChanges) {
         _report->addHeading(localizedFormat(
             u"_Another program has changed the document \"%@\". It was not read again, because it was changed here, too."_ns,

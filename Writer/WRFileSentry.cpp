@@ -32,6 +32,7 @@ bool isSame(const struct stat& a, const struct stat& b) {
 PELVOR_DEFINE_CLASS(WRFileSentry, writerLibrary) {
     methods.creator<"initWithPath:target:selector:", &WRFileSentry::initWithPath_target_selector>();
     methods.instance<"noteFile", &WRFileSentry::noteFile>();
+    methods.instance<"isFileThere", &WRFileSentry::isFileThere>();
     methods.instance<"invalidate", &WRFileSentry::invalidate>();
     methods.instance<"watcher:receivedNotification:forPath:",
                      &WRFileSentry::watcher_receivedNotification_forPath>();
@@ -88,7 +89,7 @@ void WRFileSentry::watcher_receivedNotification_forPath(id, NSString*, NSString*
 
 void WRFileSentry::changesAreOver(PBDelayedActionTimer*) {
     const struct stat state = stateOf(_path);
-    if (state.st_ino != 0 && !isSame(state, _known)) send(_target, _selector);
+    if (!isSame(state, _known)) send(_target, _selector);
 }
 
 }  // namespace pelvor

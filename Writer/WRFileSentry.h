@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// WRFileSentry: tells when another program has saved a file.
+// WRFileSentry: tells when another program has saved or removed a file.
 #pragma once
 
 #include <sys/stat.h>
@@ -19,8 +19,8 @@ class ZWFNSubscribeFileWatcher;
 ///     sentry->noteFile();  // after each saving by this program
 ///
 /// The target, which is not retained, gets the message a moment after the last change of a burst, if the file
-/// is there and is another than when it was noted, by its number, size or time. A process has one sentry,
-/// since it uses the shared queue. Main thread.
+/// is gone or is another than when it was noted, by its number, size or time. A process has one sentry, since
+/// it uses the shared queue. Main thread.
 class WRFileSentry : public NSObject {
     PELVOR_CLASS(WRFileSentry, NSObject);
     PELVOR_CREATORS(initWithPath_target_selector);
@@ -32,6 +32,8 @@ class WRFileSentry : public NSObject {
 
     /// Takes the file as it is now for known.
     void noteFile();
+    /// Whether there was a file when it was noted.
+    bool isFileThere() { return _known.st_ino != 0; }
     /// Ends the watching for good.
     void invalidate();
 

@@ -390,6 +390,8 @@ TEST_F(WriterProgramTest, ReadsAgainWhatAnotherProgramHasSaved) {
     EXPECT_TRUE(session.waitFor("Code points: 26\n"));
     folder.write("a.txt", "another");
     EXPECT_TRUE(session.waitFor("It was not read again"));
+    unlink(path.c_str());
+    EXPECT_TRUE(session.waitFor("has removed the document"));
     EXPECT_EQ(session.end().status, 0);
 }
 
