@@ -18,7 +18,7 @@ class NSEvent;
 ///     }
 ///
 /// Operations return borrowed cursors that live as long as the process. Main thread.
-class PELVOR_EXPORT NSCursor final : public NSObject {
+class PELVOR_EXPORT NSCursor : public NSObject {
     PELVOR_CLASS(NSCursor, NSObject);
 
   public:
@@ -57,10 +57,11 @@ class PELVOR_EXPORT NSCursor final : public NSObject {
     // C++ only
     BackendCursor shape() { return _shape; }
 
-  private:
+  protected:
     NSCursor();
     ~NSCursor() = default;
 
+  private:
     BackendCursor _shape;
 };
 
