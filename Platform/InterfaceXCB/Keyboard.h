@@ -28,6 +28,7 @@ class XKeyboard {
     xkb_context* context();
 
     BackendKey key(const xcb_key_press_event_t& event);
+    double secondsOf(const xcb_key_press_event_t& event) { return _connection.secondsOf(event.time); }
     /// Releases may have gone to another window.
     void forgetKeysDown() { _keysDown.reset(); }
 

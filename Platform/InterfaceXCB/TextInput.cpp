@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "InterfaceXCB/TextInput.h"
 
+#include <algorithm>
+
 namespace pelvor {
 
 namespace {
+
+constexpr std::size_t kEventCount = 64;
 
 bool typesText(const BackendKey& key) {
     if (key.characters.empty() || key.modifiers & (kBackendCommand | kBackendOption | kBackendControl))
@@ -17,13 +21,34 @@ bool typesText(const BackendKey& key) {
 void XTextInput::prepare() {
     _keyboard.prepare();
     _composer.prepare(_keyboard.context());
+    _method.open();
+}
+
+void XTextInput::note(BackendWindow window, const xcb_key_press_event_t& event) {
+    if (kindOf(reinterpret_cast<const xcb_generic_event_t&>(event)) == XCB_KEY_RELEASE)
+        return _method.release(window, event);
+    _events.push_back(event);
+    if (_events.size() > kEventCount) _events.pop_front();
 }
 
 void XTextInput::interpret(BackendWindow window, const BackendKey& key) {
-    if (key.isDown) interpretHere(window, key);
+    if (!key.isDown) return;
+    const auto event = std::ranges::find_if(_events, [&](const xcb_key_press_event_t& candidate) {
+        return candidate.detail == key.code + 8 && _keyboard.secondsOf(candidate) == key.seconds;
+    });
+    if (event == _events.end() || !_method.take(window, key, *event)) keyCameBack(window, key);
 }
 
-void XTextInput::interpretHere(BackendWindow window, const BackendKey& key) {
+void XTextInput::reset(BackendWindow window) {
+    _composer.reset();
+    _method.reset(window);
+}
+
+void XTextInput::composing(BackendWindow window, const Preedit::Shown& preedit) {
+    _sink.preedit(window, preedit.text, preedit.caret, preedit.spans);
+}
+
+void XTextInput::keyCameBack(BackendWindow window, const BackendKey& key) {
     if (isModifierSymbol(key.symbol)) return;
     prepare();
     const XComposer::Result composed = _composer.take(key.symbol);

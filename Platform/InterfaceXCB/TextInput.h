@@ -3,26 +3,36 @@
 #pragma once
 
 #include "InterfaceXCB/Composer.h"
+#include "InterfaceXCB/InputMethod.h"
 
 namespace pelvor {
 
-class XTextInput {
+/// Keys go to the input method, if there is one; those that it has no use for are interpreted here.
+class XTextInput : private XInputMethod::Client {
   public:
     XTextInput(XConnection& connection, BackendSink& sink, XKeyboard& keyboard)
-        : _connection(connection), _sink(sink), _keyboard(keyboard) {}
+        : _sink(sink), _keyboard(keyboard), _method(connection, *this) {}
 
     /// What takes too long before the first picture is shown.
     void prepare();
+    XInputMethod& method() { return _method; }
+
+    /// Keeps a key as the server sent it, for input methods; tells them of releases.
+    void note(BackendWindow window, const xcb_key_press_event_t& event);
     void interpret(BackendWindow window, const BackendKey& key);
-    void reset() { _composer.reset(); }
+    /// Forgets half a sequence and what is being composed.
+    void reset(BackendWindow window);
 
   private:
-    void interpretHere(BackendWindow window, const BackendKey& key);
+    void keyCameBack(BackendWindow window, const BackendKey& key) override;
+    void composed(BackendWindow window, std::u16string_view text) override { _sink.text(window, text); }
+    void composing(BackendWindow window, const Preedit::Shown& preedit) override;
 
-    XConnection& _connection;
     BackendSink& _sink;
     XKeyboard& _keyboard;
     XComposer _composer;
+    XInputMethod _method;
+    std::deque<xcb_key_press_event_t> _events;  ///< the latest keys
 };
 
 }  // namespace pelvor

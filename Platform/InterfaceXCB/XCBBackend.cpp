@@ -46,15 +46,18 @@ bool XCBBackend::prepare() {
 }
 
 void XCBBackend::dispatch() {
-    while (const XEvent event = _isLost ? nullptr : _connection->nextEvent()) deliver(*event);
+    while (const XEvent event = _isLost ? nullptr : _connection->nextEvent())
+        if (!_textInput.method().filter(event.get())) deliver(*event);
     if (!_isLost && _connection->isLost()) return loseDisplay();
     _selections.giveUpLate();
+    _textInput.method().takeBackLate();
     _connection->flush();
     if (_screens.collect()) _sink.screensChanged();
 }
 
 double XCBBackend::timeout() {
-    return _isLost ? std::numeric_limits<double>::infinity() : _selections.secondsLeft();
+    return _isLost ? std::numeric_limits<double>::infinity()
+                   : std::min(_selections.secondsLeft(), _textInput.method().secondsLeft());
 }
 
 /// What keys need is fetched when something is to be seen already.
@@ -67,6 +70,7 @@ void XCBBackend::loseDisplay() {
     _isLost = true;
     _tracked = 0;
     _selections.giveUpAll();
+    _textInput.method().abandon();
     _sink.lost("The connection to the display was lost");
 }
 
@@ -83,6 +87,7 @@ BackendWindow XCBBackend::createWindow(const WindowWishes& wishes) {
 void XCBBackend::destroyWindow(BackendWindow id) {
     if (_tracked == id) endTracking();
     if (_focused == id) _focused = 0;
+    _textInput.method().windowEnded(id);
     std::erase_if(_windows, [id](const auto& window) { return window->id() == id; });
     _connection->flush();
 }
@@ -166,10 +171,14 @@ void XCBBackend::interpretKey(BackendWindow window, const BackendKey& key) {
 }
 
 void XCBBackend::setTextInput(BackendWindow window, const PixelRect* caret) {
-    if (!caret) _textInput.reset();
+    const XWindow* shown = windowOf(window);
+    if (!shown) return;
+    _textInput.method().setCaret(window, shown->handle(), caret);
+    if (!caret) _textInput.reset(window);
+    _connection->flush();
 }
 
-void XCBBackend::resetComposing(BackendWindow window) { _textInput.reset(); }
+void XCBBackend::resetComposing(BackendWindow window) { _textInput.reset(window); }
 
 // MARK: Selections
 
@@ -256,7 +265,9 @@ void XCBBackend::deliverKey(const xcb_key_press_event_t& event) {
     _connection->noteTime(event.time);
     const XWindow* window = windowOfHandle(event.event);
     const BackendKey key = _keyboard.key(event);
-    if (window) _sink.key(_tracked ? _tracked : window->id(), key);
+    if (!window) return;
+    _textInput.note(window->id(), event);
+    _sink.key(_tracked ? _tracked : window->id(), key);
 }
 
 void XCBBackend::deliverButton(const xcb_button_press_event_t& event) {
@@ -267,7 +278,7 @@ void XCBBackend::deliverButton(const xcb_button_press_event_t& event) {
     if (!window || (pointer.kind == BackendPointer::Kind::scrolled && !isPress)) return;
     const BackendWindow id = window->id();
     if (pointer.kind == BackendPointer::Kind::down) {
-        _textInput.reset();
+        _textInput.reset(id);
         // Outside our windows, the window that has the grab gets what happens.
         if (_tracked == id && !contains(window->frame(), pointer.onScreen)) return _sink.trackingLost();
         if (!_screens.hasWindowManager() && !window->isPopUp() && _focused != id) {
@@ -307,7 +318,8 @@ void XCBBackend::deliverFocus(const xcb_focus_in_event_t& event) {
     if (isFocused == (_focused == id)) return;
     _focused = isFocused ? id : 0;
     _keyboard.forgetKeysDown();
-    _textInput.reset();
+    _textInput.reset(id);
+    _textInput.method().setFocused(id, isFocused);
     _sink.focus(id, isFocused);
     if (!isFocused && _tracked) _sink.trackingLost();
 }
