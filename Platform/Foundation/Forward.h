@@ -85,6 +85,7 @@ class NSBundle;       ///< a folder with code, resources and declarations
 class NSNib;          ///< an interface file, from which objects are made
 class NSNibError;     ///< why an interface file cannot be used
 class NSProcessInfo;  ///< the process: arguments, environment, name
+class NSUndoManager;  ///< remembers how to take back what was done
 class NSWorkspace;    ///< other programs, and files that they change
 
 }  // namespace pelvor

@@ -47,12 +47,14 @@
 #include "Foundation/NSURL-Contents.h"
 #include "Foundation/NSURLConnection.h"
 #include "Foundation/NSURLError.h"
+#include "Foundation/NSUndoManager.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Foundation/NSWorkspace.h"
 #include "Foundation/PropertyLists/PropertyListCategories.h"
 #include "Foundation/RunLoop/NSDelayedPerform.h"
 #include "Foundation/Strings/NSBufferString.h"
 #include "Foundation/Strings/NSInlineString.h"
+#include "Foundation/Undo/UndoTarget.h"
 #include "Foundation/Values/ConcreteData.h"
 #include "Foundation/Values/ConcreteDate.h"
 #include "Foundation/Values/ConcreteValues.h"
@@ -142,9 +144,12 @@ constexpr Class* kClasses[] = {
     &NSURLError::classRecord,
     &NSURLRequest::classRecord,
     &NSURLResponse::classRecord,
+    &NSUndoManager::classRecord,
     &NSUserDefaults::classRecord,
     &NSValue::classRecord,
     &NSWorkspace::classRecord,
+    &UndoGroupCloser::classRecord,
+    &UndoTarget::classRecord,
 };
 
 constexpr const Category* kCategories[] = {

@@ -10,10 +10,12 @@ namespace pelvor {
 class NSApplication;  ///< the program's events, windows and end
 class NSCursor;       ///< the picture of the pointer
 class NSEvent;        ///< what the user does, and which modifier keys are down
+class NSInputManager;  ///< makes text and commands of keys
 class NSResponder;    ///< what takes events or hands them to the next responder
 
 // Windows and views
 class NSClipView;    ///< shows a part of a larger view
+class NSPanel;       ///< a window beside documents
 class NSScreen;      ///< a monitor
 class NSScrollView;  ///< a part of a view, with scrollers
 class NSScroller;    ///< shows which part is seen, and chooses another

@@ -60,6 +60,7 @@ class PELVOR_EXPORT NSCursor : public NSObject {
   protected:
     NSCursor();
     ~NSCursor() = default;
+    static NSCursor* cursorOf(BackendCursor shape);
 
   private:
     BackendCursor _shape;

@@ -263,7 +263,9 @@ class PELVOR_EXPORT NSEvent : public NSObject {
 
   private:
     friend class EventMaker;
-    void requireKey(const char* operation);
+    const BackendKey& requireKey(const char* operation);
+    void setCommon(NSEventType type, NSPoint place, std::uint32_t modifiers, NSTimeInterval seconds,
+                   NSInteger windowNumber);
 
     NSEventType _type = NSApplicationDefined;
     NSPoint _place;

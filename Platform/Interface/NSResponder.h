@@ -86,6 +86,8 @@ class PELVOR_EXPORT NSResponder : public NSObject {
     ~NSResponder();
 
   private:
+    void passOn(SEL selector, id argument);
+
     Unretained<NSResponder> _nextResponder = nullptr;
 };
 

@@ -12,8 +12,9 @@ namespace pelvor {
 
 class NSCursor;
 class NSWindow;
-class ViewPainter;
+class WindowPainter;
 class WindowTracking;
+struct ViewRect;
 struct ViewTransform;
 
 /// Posted after the frame or the bounds of a view have changed, if the view posts such notifications; the
@@ -217,7 +218,7 @@ class PELVOR_EXPORT NSView : public NSResponder {
     // Scrolling
 
     /// Has the enclosing clip view bring the point to its upper left corner (lower left if not flipped).
-    void scrollPoint(NSPoint point);
+    virtual void scrollPoint(NSPoint point);
     /// Has the views around it scroll as little as shows the rectangle. Returns whether anything moved.
     virtual bool scrollRectToVisible(NSRect rect);
     /// Moves what is drawn inside the rectangle, and marks what comes into it.
@@ -230,11 +231,12 @@ class PELVOR_EXPORT NSView : public NSResponder {
     // Events
 
     /// The view in front at the point, which is in the superview's coordinates: the receiver, one inside it,
-    /// or null. Override it to take the events of subviews, or none.
+    /// or null. Override it to take the events of subviews, or none; a view is asked only about points in its
+    /// frame.
     virtual NSView* hitTest(NSPoint point);
     /// Whether the rectangle contains the point, both in the view's coordinates.
     bool mouse_inRect(NSPoint point, NSRect rect);
-    /// Whether a press that brings its window to the front is also a press for the view. False.
+    /// Whether a press that makes its window key is also a press for the view. True.
     virtual bool acceptsFirstMouse(NSEvent* event);
     /// Asks the subviews, the front one first.
     bool performKeyEquivalent(NSEvent* event) override;
@@ -277,36 +279,47 @@ class PELVOR_EXPORT NSView : public NSResponder {
 
   private:
     friend class NSWindow;
-    friend class ViewPainter;
+    friend class WindowPainter;
+    friend struct WindowState;
     friend class WindowTracking;
     struct Extras;
     struct SubviewBlocks;
 
     Extras& extras();
     std::size_t indexOfSubview(NSView* view);
-    void insertSubview(NSView* view, std::size_t index);
-    void detach();
+    void insertSubview(NSView* view, std::size_t index, const char* operation);
+    void remove(bool marks);
     void setWindow(NSWindow* window);
+    void noteListChange();
+    void noteGeometryChange();
     void noteFrameChange();
     void noteBoundsChange();
-    void noteGeometryChange();
+    void placeOrigin(NSPoint origin);
+    void placeSize(NSSize size);
+    void markFrame();
+    void linkKeyView(NSView* next);
+    NSView* validKeyView(NSView* (NSView::*step)());
     ViewTransform transformToSuperview();
     ViewTransform transformToBase();
+    ViewTransform transformFrom(NSView* view);
+    template <class Visit>
+    void eachSubviewIn(const ViewRect& rect, bool frontFirst, const Visit& visit);
 
     Unretained<NSView> _superview = nullptr;
     Unretained<NSWindow> _window = nullptr;
     std::vector<Retained<NSView>> _subviews;
     NSRect _frame;
-    NSRect _bounds;  // used once _hasOwnBounds is set
+    NSPoint _boundsOrigin;
+    double _scaleX = 1;  // points of the superview a unit
+    double _scaleY = 1;
     std::unique_ptr<Extras> _extras;
     std::unique_ptr<SubviewBlocks> _blocks;
     std::uint8_t _autoresizingMask = 0;
-    bool _hasOwnBounds : 1;
     bool _isHidden : 1;
     bool _autoresizesSubviews : 1;
     bool _postsFrameChanges : 1;
     bool _postsBoundsChanges : 1;
-    bool _hasValidCursorRects : 1;
+    bool _delaysFrameNotice : 1;
 };
 
 // Drawing with the current graphics context and its colour.

@@ -305,6 +305,8 @@ class PELVOR_EXPORT NSWindow : public NSResponder {
     ~NSWindow();
 
   private:
+    void selectKeyView(NSView* from, bool forwards);
+
     std::unique_ptr<WindowState> _state;
 };
 

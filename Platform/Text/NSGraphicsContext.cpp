@@ -27,6 +27,7 @@ PELVOR_DEFINE_CLASS(NSGraphicsContext, textLibrary) {
     methods.classLevel<"sizeOfImage:", &NSGraphicsContext::sizeOfImage>();
     methods.instance<"beginPageWithSize:", &NSGraphicsContext::beginPageWithSize>();
     methods.instance<"numberOfPages", &NSGraphicsContext::numberOfPages>();
+    methods.instance<"isFlipped", &NSGraphicsContext::isFlipped>();
     methods.instance<"saveGraphicsState", &NSGraphicsContext::saveGraphicsState>();
     methods.instance<"restoreGraphicsState", &NSGraphicsContext::restoreGraphicsState>();
     methods.instance<"setColor:", &NSGraphicsContext::setColor>();
@@ -109,6 +110,13 @@ Retained<NSGraphicsContext> NSGraphicsContext::initForPDFWithTitle(NSString* tit
     return context;
 }
 
+Retained<NSGraphicsContext> NSGraphicsContext::onPixels(unsigned char* pixels, int width, int height,
+                                                        int bytesPerRow, float scale) {
+    auto context = make<NSGraphicsContext>();
+    context->_canvas = Canvas::pixels(pixels, width, height, bytesPerRow, scale);
+    return context;
+}
+
 NSGraphicsContext* NSGraphicsContext::currentContext() { return contextOfThread(); }
 
 void NSGraphicsContext::setCurrentContext(NSGraphicsContext* context) { contextOfThread().set(context); }
@@ -122,6 +130,8 @@ void NSGraphicsContext::beginPageWithSize(NSSize size) {
 }
 
 NSUInteger NSGraphicsContext::numberOfPages() { return _canvas->pageCount(); }
+
+bool NSGraphicsContext::isFlipped() { return _canvas->isFlipped(); }
 
 void NSGraphicsContext::saveGraphicsState() { _canvas->save(); }
 
@@ -183,6 +193,7 @@ bool NSGraphicsContext::drawImage_inRect_reason(NSData* picture, NSRect rect, NS
     if (!page) return tell(reason, "there is no page to draw on"), false;
     if (!isFinite(rect) || !std::isnormal(rect.size.width) || !std::isnormal(rect.size.height))
         return tell(reason, "the rectangle is empty"), false;
+    const UprightState upright(*_canvas, rect.origin, rect.size.height);
     cairo_save(page);
     cairo_translate(page, wide(rect.origin.x), wide(rect.origin.y));
     cairo_scale(page, wide(rect.size.width), wide(rect.size.height));

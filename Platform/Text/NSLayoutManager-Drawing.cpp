@@ -186,6 +186,7 @@ void NSLayoutManager::drawBackgroundForGlyphRange_atPoint(NSRange range, NSPoint
     requireRange(range, _state->length(), "drawBackgroundForGlyphRange:atPoint:");
     NSGraphicsContext* context = NSGraphicsContext::currentContext();
     if (!context) return;
+    const UprightState upright(context->canvas(), origin);
     _state->eachLine(range, [&](const LinePlace& place, NSRange) {
         const NSRect used = _state->usedRectOf(place);
         const Extent textLeft = _state->at(place).textLeft;
@@ -204,6 +205,7 @@ void NSLayoutManager::drawGlyphsForGlyphRange_atPoint(NSRange range, NSPoint ori
     requireRange(range, _state->length(), "drawGlyphsForGlyphRange:atPoint:");
     NSGraphicsContext* context = NSGraphicsContext::currentContext();
     if (!context) return;
+    const UprightState upright(context->canvas(), origin);
     LineDrawing drawing(this, context, range);
     _state->eachLine(range, [&](const LinePlace& place, NSRange) { drawing.draw(*_state, place, origin); });
     drawing.finish();

@@ -34,7 +34,8 @@ PELVOR_EXPORT NSRect boundingRectWithSize_options_attributes(NSString* string, N
                                                              NSDictionary* attributes);
 /// On lines that end where the text has line ends.
 PELVOR_EXPORT NSSize sizeWithAttributes(NSString* string, NSDictionary* attributes);
-/// Draws the string into the current graphics context, with the point as its upper left corner.
+/// Draws the string into the current graphics context, with the point as its upper left corner; where y grows
+/// upwards, as its lower left corner.
 PELVOR_EXPORT void drawAtPoint_withAttributes(NSString* string, NSPoint point, NSDictionary* attributes);
 /// Draws the string in lines as wide as the rectangle, from its top; what is below the rectangle is not
 /// drawn.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Dates as moments of the clock by which threads wait, which nobody sets; for Foundation's own sources.
+// Dates as moments of the clock by which threads wait, which nobody sets; for the platform's own sources.
 #pragma once
 
 #include <chrono>
@@ -10,7 +10,7 @@ namespace pelvor {
 
 /// Returns the seconds on a clock that only goes forward, or on the thread's ClockScope. The clock began as
 /// the time since the reference date, so that a ClockScope of today agrees with the clock.
-NSTimeInterval steadyTime() noexcept;
+PELVOR_EXPORT NSTimeInterval steadyTime() noexcept;
 /// Returns the moment on that clock at which the date comes if nobody sets the system's clock before.
 NSTimeInterval steadyMoment(NSDate* date);
 

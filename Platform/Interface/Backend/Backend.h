@@ -53,6 +53,7 @@ struct BackendScreen {
 };
 
 struct BackendKey {
+    /// Of a modifier key (its symbol tells), `modifiers` is what holds after it.
     bool isDown = true;
     bool isRepeat = false;
     std::uint16_t code = 0;       ///< of the key itself, whatever the layout
@@ -65,6 +66,14 @@ struct BackendKey {
     std::uint32_t group = 0;  ///< the layout that was in use
     double seconds = 0;       ///< since some moment, the same for all events
 };
+
+/// Whether the key types text by itself, without dead keys, compose sequences and input methods.
+inline bool typesText(const BackendKey& key) {
+    if (key.characters.empty() || (key.modifiers & (kBackendCommand | kBackendControl | kBackendOption)))
+        return false;
+    const char16_t unit = key.characters[0];
+    return unit >= u' ' && unit != 0x7F && (unit < 0xF700 || unit > 0xF8FF);
+}
 
 struct BackendPointer {
     enum class Kind { down, up, moved, entered, exited, scrolled };
@@ -242,6 +251,7 @@ class InterfaceBackend {
     // Painting. What was painted before is still in the image.
 
     /// Null while an earlier picture is still being sent; `paintReady` follows.
+    /// The image stays where it is until `present` ends the frame.
     virtual const BackendImage* beginPaint(BackendWindow window) = 0;
     /// Shows these parts, which do not overlap, and any earlier ones of this frame. `isLast` ends the frame.
     virtual void present(BackendWindow window, std::span<const PixelRect> damage, bool isLast) = 0;

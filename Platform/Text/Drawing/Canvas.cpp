@@ -44,6 +44,17 @@ std::unique_ptr<Canvas> Canvas::image(int width, int height, float scale) {
     return canvas;
 }
 
+std::unique_ptr<Canvas> Canvas::pixels(unsigned char* pixels, int width, int height, int bytesPerRow,
+                                       float scale) {
+    cairo_surface_t* surface =
+        cairo_image_surface_create_for_data(pixels, CAIRO_FORMAT_RGB24, width, height, bytesPerRow);
+    cairo_surface_set_device_scale(surface, static_cast<double>(scale), static_cast<double>(scale));
+    std::unique_ptr<Canvas> canvas(new Canvas(surface, false));
+    canvas->_page = cairo_create(surface);
+    canvas->_pageCount = 1;
+    return canvas;
+}
+
 std::unique_ptr<Canvas> Canvas::pdf(const std::string& title) {
     std::unique_ptr<Canvas> canvas(new Canvas(nullptr, true));
     canvas->_surface = cairo_pdf_surface_create_for_stream(&appendBytes, &canvas->_bytes, 1, 1);
@@ -79,6 +90,13 @@ void Canvas::beginPage(double width, double height) {
     _savedStates = 0;
 }
 
+bool Canvas::isFlipped() const {
+    if (!_page) return true;
+    cairo_matrix_t matrix;
+    cairo_get_matrix(_page, &matrix);
+    return matrix.yy >= 0;
+}
+
 void Canvas::save() {
     if (!_page) return;
     cairo_save(_page);
@@ -89,6 +107,14 @@ void Canvas::restore() {
     if (!_page || !_savedStates) return;
     cairo_restore(_page);
     --_savedStates;
+}
+
+UprightState::UprightState(Canvas& canvas, NSPoint& point, float height) {
+    if (canvas.isFlipped()) return;
+    _saved.emplace(canvas);
+    cairo_translate(canvas.page(), static_cast<double>(point.x), static_cast<double>(point.y + height));
+    cairo_scale(canvas.page(), 1, -1);
+    point = {};
 }
 
 const std::string& Canvas::finish() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,10 @@ std::string acceptableText(std::u16string_view units);
 class PELVOR_EXPORT Canvas {
   public:
     static std::unique_ptr<Canvas> image(int width, int height, float scale);
+    /// Draws on memory of somebody else, which outlives the canvas: 32-bit pixels, blue in the lowest byte, the
+    /// highest unused.
+    static std::unique_ptr<Canvas> pixels(unsigned char* pixels, int width, int height, int bytesPerRow,
+                                          float scale);
     static std::unique_ptr<Canvas> pdf(const std::string& title);
     ~Canvas();
 
@@ -29,6 +34,9 @@ class PELVOR_EXPORT Canvas {
     _cairo* page() const { return _page; }
     unsigned pageCount() const { return _pageCount; }
     void beginPage(double width, double height);
+
+    /// Whether y grows downwards in the coordinates that are drawn with.
+    bool isFlipped() const;
 
     void save();
     void restore();
@@ -67,6 +75,17 @@ class SavedState {
   private:
     Canvas& _canvas;
     unsigned _before;
+};
+
+/// What is written from the top down, such as text and pictures, stands upright where y grows upwards: for as
+/// long as the object lives, y grows downwards, and `point` is where its upper left corner is.
+class UprightState {
+  public:
+    /// `height` is how far the corner lies above the point where y grows upwards.
+    UprightState(Canvas& canvas, NSPoint& point, float height = 0);
+
+  private:
+    std::optional<SavedState> _saved;
 };
 
 }  // namespace pelvor

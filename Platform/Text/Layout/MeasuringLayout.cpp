@@ -55,9 +55,14 @@ NSRect MeasuringLayout::box(NSSize size, NSStringDrawingOptions options) {
 }
 
 void MeasuringLayout::draw(NSPoint point, NSSize size) {
-    if (glyphs().length == 0) return;
+    NSGraphicsContext* context = NSGraphicsContext::currentContext();
+    if (!context || glyphs().length == 0) return;
     setWidth(size.width, true);
     NSLayoutManager* manager = _tools->layoutManager;
+    Canvas& canvas = context->canvas();
+    const bool hasHeight = size.height < kNoLimit.height || canvas.isFlipped();
+    const UprightState upright(
+        canvas, point, hasHeight ? size.height : manager->usedRectForTextContainer(_tools->container).size.height);
     const NSRange drawn = size.height < kNoLimit.height ? manager->glyphRangeForBoundingRect_inTextContainer(
                                                               {{0, 0}, size}, _tools->container)
                                                         : glyphs();

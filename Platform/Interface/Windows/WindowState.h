@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: Apache-2.0
+// WindowState: what a window is made of.
+#pragma once
+
+#include <optional>
+
+#include "Foundation/NSUndoManager.h"
+#include "Interface/Backend/Backend.h"
+#include "Interface/NSWindow.h"
+#include "Interface/Windows/WindowPainter.h"
+#include "Interface/Windows/WindowTracking.h"
+#include "Runtime/WeakHandle.h"
+#include "Text/NSColor.h"
+
+namespace pelvor {
+
+/// What the back end says has become of a window.
+struct ReportedFrame {
+    PixelRect frame;
+    bool isMinimized;
+    bool isZoomed;
+};
+
+/// The view that fills a window and draws its background. Its subviews are a bar at the top, if there is one,
+/// and the content view below.
+class WindowRootView : public NSView {
+    PELVOR_CLASS(WindowRootView, NSView);
+    PELVOR_INHERITED_CREATORS(initWithFrame);
+
+  public:
+    bool isOpaque() override { return true; }
+    void drawRect(NSRect dirty) override;
+    void resizeSubviewsWithOldSize(NSSize oldSize) override;
+
+  protected:
+    WindowRootView() = default;
+    ~WindowRootView() = default;
+};
+
+struct WindowState {
+    explicit WindowState(NSWindow* owner) : window(owner), painter(owner), tracking(owner) {}
+
+    Unretained<NSWindow> window;
+    WindowPainter painter;
+    WindowTracking tracking;
+
+    NSUInteger styleMask = 0;
+    NSInteger number = 0;
+    NSInteger level = NSNormalWindowLevel;
+    NSRect content;  // in screen coordinates
+    BackendWindow backendWindow = 0;
+    std::optional<PixelRect> extents;
+    std::optional<ReportedFrame> reported;  // and not yet taken over
+    NSSize minSize, maxSize;
+
+    Retained<NSView> root, contentView, bar;
+    Retained<NSString> title, representedFilename, autosaveName;
+    Retained<NSColor> backgroundColor;
+    Retained<NSUndoManager> undoManager;
+    WeakHandle delegate;
+    WeakHandle firstResponder;  // empty: the window
+    WeakHandle initialFirstResponder;
+    WeakHandle mouseTargets[3];  // what took the press of the main, second and other buttons
+    WeakHandle parent;
+    std::vector<Retained<NSWindow>> children;
+
+    BackendCursor shownCursor = BackendCursor::arrow;
+    bool isVisible = false;
+    bool isMinimized = false;
+    bool isZoomed = false;
+    bool isFullScreen = false;
+    bool isDocumentEdited = false;
+    bool isReleasedWhenClosed = false;
+    bool hidesOnDeactivate = false;
+    bool isHiddenByDeactivation = false;
+    bool acceptsMouseMovedEvents = false;
+    bool ignoresMouseEvents = false;
+    bool recalculatesKeyViewLoop = true;
+    bool isClosed = false;
+    bool wasShown = false;
+    bool isPanel = false;
+    int flushDisabled = 0;
+
+    void createBackendWindow();
+    void setContent(NSRect content);
+    void takeFrame(NSRect content);  // the backend has it already
+    void applyReport();
+    bool differsFromReport();
+    PixelRect frameExtents();
+    void layOut();
+    /// A view above the content view, as high as its frame; null for none.
+    void setBar(NSView* view);
+    void show(bool isShown, bool raises, bool takesFocus);
+    /// The view leaves the window, or is hidden, with what is inside it.
+    void forgetResponders(NSView* view);
+    void notify(NSString* name, SEL selector);
+    NSResponder* responder();
+    NSView* keyViewOfResponder();
+    NSView* hit(NSPoint place) { return root->hitTest(place); }
+    void sendMouse(NSEvent* event);
+    void sendKey(NSEvent* event);
+};
+
+}  // namespace pelvor
