@@ -86,11 +86,13 @@ void NSUndoManager::add(id target, std::function<void()> call, const char* opera
     if (_disabled) return;
     if (_open.empty()) {
         if (!_groupsByEvent || _phase != Phase::idle)
-            throw NSException(NSInternalInconsistencyException, std::string(operation) + ": no group is open");
+            throw NSException(NSInternalInconsistencyException,
+                              std::string(operation) + ": no group is open");
         beginUndoGrouping();
         if (!std::exchange(_hasGroupOfEvent, true))
             NSRunLoop::currentRunLoop()->performSelector_target_argument_order_modes(
-                "_closeGroupOfEvent"_sel, UndoGroupCloser::create(this).get(), nullptr, kCloseOrdering, _modes);
+                "_closeGroupOfEvent"_sel, UndoGroupCloser::create(this).get(), nullptr, kCloseOrdering,
+                _modes);
     }
     _open.back()->actions.push_back({WeakHandle(target), target, std::move(call)});
     if (_phase == Phase::idle) _redone.clear();
@@ -99,7 +101,11 @@ void NSUndoManager::add(id target, std::function<void()> call, const char* opera
 void NSUndoManager::registerUndoWithTarget_selector_object(id target, SEL selector, id object) {
     const char* operation = "registerUndoWithTarget:selector:object:";
     if (!selector) raiseNullArgument(operation, "the selector");
-    add(target, [target, selector, kept = Retained<Object>::retaining(object)] { send(target, selector, kept.get()); },
+    add(
+        target,
+        [target, selector, kept = Retained<Object>::retaining(object)] {
+            send(target, selector, kept.get());
+        },
         operation);
 }
 
@@ -111,10 +117,13 @@ void NSUndoManager::registerInvocation(id target, NSInvocation* invocation) {
     // It must not keep the target, so only its arguments are kept, without one.
     invocation->setTarget(nullptr);
     invocation->retainArguments();
-    add(target, [target, kept = Retained<NSInvocation>::retaining(invocation)] {
-        kept->invokeWithTarget(target);
-        kept->setTarget(nullptr);
-    }, "prepareWithInvocationTarget:");
+    add(
+        target,
+        [target, kept = Retained<NSInvocation>::retaining(invocation)] {
+            kept->invokeWithTarget(target);
+            kept->setTarget(nullptr);
+        },
+        "prepareWithInvocationTarget:");
 }
 
 id NSUndoManager::prepareWithInvocationTarget(id target) {

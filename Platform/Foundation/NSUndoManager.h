@@ -81,8 +81,8 @@ class PELVOR_EXPORT NSUndoManager : public NSObject {
     NSUInteger levelsOfUndo() { return _levels; }
     void setLevelsOfUndo(NSUInteger levels);
 
-    // Undoing. These do nothing without a group to take back, and raise NSInternalInconsistencyException while
-    // a group is open that was not made by event.
+    // Undoing. These do nothing without a group to take back, and raise NSInternalInconsistencyException
+    // while a group is open that was not made by event.
 
     void undo();
     void redo();

@@ -7,11 +7,11 @@
 namespace pelvor {
 
 // Events
-class NSApplication;  ///< the program's events, windows and end
-class NSCursor;       ///< the picture of the pointer
-class NSEvent;        ///< what the user does, and which modifier keys are down
+class NSApplication;   ///< the program's events, windows and end
+class NSCursor;        ///< the picture of the pointer
+class NSEvent;         ///< what the user does, and which modifier keys are down
 class NSInputManager;  ///< makes text and commands of keys
-class NSResponder;    ///< what takes events or hands them to the next responder
+class NSResponder;     ///< what takes events or hands them to the next responder
 
 // Windows and views
 class NSClipView;    ///< shows a part of a larger view

@@ -146,7 +146,8 @@ void ApplicationState::handleSystem(NSEvent* event) {
                           "applicationDidChangeScreenParameters:"_sel);
         case SystemEvent::displayLost:
             return notify(NSApplicationDidLoseDisplayNotification, "applicationDidLoseDisplay:"_sel);
-        case SystemEvent::input: return NSInputManager::currentInputManager()->deliverReplies();
+        case SystemEvent::input:
+            return NSInputManager::currentInputManager()->deliverReplies();
     }
     send(app, "sendEvent:"_sel, event);
 }
@@ -181,8 +182,9 @@ void ApplicationState::showCursor() {
     auto* under = cast<NSWindow>(window.get());
     if (!under || !under->state().backendWindow) return;
     const bool isHidden = hiddenCursors > 0 || isCursorHiddenUntilMove;
-    const BackendCursor shape =
-        isHidden ? BackendCursor::hidden : cursors.empty() ? BackendCursor::arrow : cursors.back()->shape();
+    const BackendCursor shape = isHidden          ? BackendCursor::hidden
+                                : cursors.empty() ? BackendCursor::arrow
+                                                  : cursors.back()->shape();
     if (std::exchange(under->state().shownCursor, shape) == shape) return;
     DisplayConnection::shared().backend().setCursor(under->state().backendWindow, shape);
     DisplayConnection::shared().needsTurn();
@@ -212,8 +214,7 @@ void NSApplication::sendEvent(NSEvent* event) {
     const NSEventType type = event->type();
     const bool isKey = type == NSKeyDown || type == NSKeyUp || type == NSFlagsChanged;
     if (type == NSKeyDown && mayBeEquivalent(event) && _state->performKeyEquivalent(event)) return;
-    const auto window =
-        Retained<NSWindow>::retaining(isKey && keyWindow() ? keyWindow() : event->window());
+    const auto window = Retained<NSWindow>::retaining(isKey && keyWindow() ? keyWindow() : event->window());
     if (!window) return;
     if (!isKey && type != NSScrollWheel && std::exchange(_state->isCursorHiddenUntilMove, false))
         _state->showCursor();

@@ -26,8 +26,8 @@ PELVOR_DEFINE_CLASS(NSApplication, interfaceLibrary) {
     methods.instance<"finishLaunching", &NSApplication::finishLaunching>();
     methods.instance<"deliverEventsInRunLoop", &NSApplication::deliverEventsInRunLoop>();
     methods.instance<"terminate:", &NSApplication::terminate>();
-    methods.instance<"replyToApplicationShouldTerminate:",
-                     &NSApplication::replyToApplicationShouldTerminate>();
+    methods
+        .instance<"replyToApplicationShouldTerminate:", &NSApplication::replyToApplicationShouldTerminate>();
     methods.instance<"terminatesProcess", &NSApplication::terminatesProcess>();
     methods.instance<"setTerminatesProcess:", &NSApplication::setTerminatesProcess>();
     methods.instance<"reportException:", &NSApplication::reportException>();
@@ -185,6 +185,7 @@ bool NSApplication::terminatesProcess() { return _state->terminatesProcess; }
 void NSApplication::setTerminatesProcess(bool terminates) { _state->terminatesProcess = terminates; }
 
 void NSApplication::reportException(NSString* description) {
+    if (!description) return;
     NSLog(u"An exception ended the handling of an event: %@"_ns, description);
 }
 
@@ -374,7 +375,8 @@ void ApplicationState::noteFocus(NSWindow* window, bool isFocused) {
     DisplayConnection::shared().needsTurn();
 }
 
-// Between two windows of the program the focus is nowhere for a moment, so this waits for the end of the turn.
+// Between two windows of the program the focus is nowhere for a moment, so this waits for the end of the
+// turn.
 void ApplicationState::updateActivity() {
     const bool hasFocus = static_cast<bool>(focused.object());
     if (isActive == hasFocus) return;
@@ -414,7 +416,8 @@ NSWindow* ApplicationState::modalWindow() {
 
 bool ApplicationState::allowsEvents(NSWindow* window) {
     NSWindow* modal = modalWindow();
-    if (!modal || !window || window->worksWhenModal() || window->level() >= NSPopUpMenuWindowLevel) return true;
+    if (!modal || !window || window->worksWhenModal() || window->level() >= NSPopUpMenuWindowLevel)
+        return true;
     for (NSWindow* level = window; level; level = level->parentWindow())
         if (level == modal) return true;
     return false;
@@ -444,8 +447,7 @@ ModalSession* sessionIn(ApplicationState& state, NSModalSession session) {
 NSInteger NSApplication::runModalSession(NSModalSession session) {
     if (!sessionIn(*_state, session)) return NSRunAbortedResponse;
     while (session->code == NSRunContinuesResponse) {
-        const Retained<NSEvent> event =
-            _state->next(NSAnyEventMask, nullptr, NSModalPanelRunLoopMode, true);
+        const Retained<NSEvent> event = _state->next(NSAnyEventMask, nullptr, NSModalPanelRunLoopMode, true);
         if (!event) break;
         _state->handle(event);
         if (!sessionIn(*_state, session)) return NSRunAbortedResponse;
@@ -469,9 +471,8 @@ NSInteger ApplicationState::runSession(ModalSession& session) {
     while (session.code == NSRunContinuesResponse) {
         AutoreleasePool pool;
         if (!session.window->isVisible()) return NSRunAbortedResponse;
-        const Retained<NSEvent> event =
-            next(NSAnyEventMask, NSDate::distantFuture(), NSModalPanelRunLoopMode, true,
-                 &ApplicationState::modalRunIsOver);
+        const Retained<NSEvent> event = next(NSAnyEventMask, NSDate::distantFuture(), NSModalPanelRunLoopMode,
+                                             true, &ApplicationState::modalRunIsOver);
         if (event) handle(event);
     }
     return session.code;

@@ -35,10 +35,10 @@ PELVOR_DEFINE_CLASS(NSCursor, interfaceLibrary) {
 
 namespace {
 
-constexpr const char* kNames[] = {"arrow",        "text",       "pointing hand", "open hand",
-                                  "closed hand",  "crosshair",  "resize left",   "resize right",
-                                  "resize left right", "resize up", "resize down", "resize up down",
-                                  "not allowed",  "hidden"};
+constexpr const char* kNames[] = {
+    "arrow",       "text",         "pointing hand",     "open hand", "closed hand", "crosshair",
+    "resize left", "resize right", "resize left right", "resize up", "resize down", "resize up down",
+    "not allowed", "hidden"};
 
 ApplicationState& application() { return NSApplication::sharedApplication()->state(); }
 

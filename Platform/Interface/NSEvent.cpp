@@ -80,13 +80,14 @@ NSEvent::~NSEvent() = default;
 namespace {
 
 [[noreturn]] void raiseBadType(const char* operation, NSEventType type) {
-    raiseBadArgument(operation, "the type (" + std::to_string(static_cast<int>(type)) + ") is of another kind");
+    raiseBadArgument(operation,
+                     "the type (" + std::to_string(static_cast<int>(type)) + ") is of another kind");
 }
 
-constexpr std::uint32_t kMouseTypes =
-    NSLeftMouseDownMask | NSLeftMouseUpMask | NSRightMouseDownMask | NSRightMouseUpMask | NSMouseMovedMask |
-    NSLeftMouseDraggedMask | NSRightMouseDraggedMask | NSOtherMouseDownMask | NSOtherMouseUpMask |
-    NSOtherMouseDraggedMask;
+constexpr std::uint32_t kMouseTypes = NSLeftMouseDownMask | NSLeftMouseUpMask | NSRightMouseDownMask |
+                                      NSRightMouseUpMask | NSMouseMovedMask | NSLeftMouseDraggedMask |
+                                      NSRightMouseDraggedMask | NSOtherMouseDownMask | NSOtherMouseUpMask |
+                                      NSOtherMouseDraggedMask;
 constexpr std::uint32_t kKeyTypes = NSKeyDownMask | NSKeyUpMask | NSFlagsChangedMask;
 constexpr std::uint32_t kOtherTypes = NSSystemDefinedMask | NSApplicationDefinedMask | NSPeriodicMask;
 constexpr std::uint32_t kCrossingTypes = NSMouseEnteredMask | NSMouseExitedMask | NSCursorUpdateMask;
@@ -100,20 +101,23 @@ int buttonOfType(NSEventType type) {
     switch (type) {
         case NSRightMouseDown:
         case NSRightMouseUp:
-        case NSRightMouseDragged: return 1;
+        case NSRightMouseDragged:
+            return 1;
         case NSOtherMouseDown:
         case NSOtherMouseUp:
-        case NSOtherMouseDragged: return 2;
-        default: return 0;
+        case NSOtherMouseDragged:
+            return 2;
+        default:
+            return 0;
     }
 }
 
 }  // namespace
 
-NSEvent*
-NSEvent::mouseEventWithType_location_modifierFlags_timestamp_windowNumber_context_eventNumber_clickCount_pressure(
-    NSEventType type, NSPoint place, std::uint32_t modifiers, NSTimeInterval seconds, NSInteger windowNumber,
-    id, NSInteger eventNumber, NSInteger clickCount, float pressure, Class* cls) {
+NSEvent* NSEvent::
+    mouseEventWithType_location_modifierFlags_timestamp_windowNumber_context_eventNumber_clickCount_pressure(
+        NSEventType type, NSPoint place, std::uint32_t modifiers, NSTimeInterval seconds,
+        NSInteger windowNumber, id, NSInteger eventNumber, NSInteger clickCount, float pressure, Class* cls) {
     requireType(type, kMouseTypes,
                 "mouseEventWithType:location:modifierFlags:timestamp:windowNumber:context:eventNumber:"
                 "clickCount:pressure:");
@@ -126,10 +130,11 @@ NSEvent::mouseEventWithType_location_modifierFlags_timestamp_windowNumber_contex
     return std::move(event).autorelease();
 }
 
-NSEvent*
-NSEvent::keyEventWithType_location_modifierFlags_timestamp_windowNumber_context_characters_charactersIgnoringModifiers_isARepeat_keyCode(
-    NSEventType type, NSPoint place, std::uint32_t modifiers, NSTimeInterval seconds, NSInteger windowNumber,
-    id, NSString* characters, NSString* plainCharacters, bool isARepeat, std::uint16_t keyCode, Class* cls) {
+NSEvent* NSEvent::
+    keyEventWithType_location_modifierFlags_timestamp_windowNumber_context_characters_charactersIgnoringModifiers_isARepeat_keyCode(
+        NSEventType type, NSPoint place, std::uint32_t modifiers, NSTimeInterval seconds,
+        NSInteger windowNumber, id, NSString* characters, NSString* plainCharacters, bool isARepeat,
+        std::uint16_t keyCode, Class* cls) {
     requireType(type, kKeyTypes,
                 "keyEventWithType:location:modifierFlags:timestamp:windowNumber:context:characters:"
                 "charactersIgnoringModifiers:isARepeat:keyCode:");
@@ -167,10 +172,11 @@ NSEvent::otherEventWithType_location_modifierFlags_timestamp_windowNumber_contex
     return std::move(event).autorelease();
 }
 
-NSEvent*
-NSEvent::enterExitEventWithType_location_modifierFlags_timestamp_windowNumber_context_eventNumber_trackingNumber_userData(
-    NSEventType type, NSPoint place, std::uint32_t modifiers, NSTimeInterval seconds, NSInteger windowNumber,
-    id, NSInteger eventNumber, NSInteger trackingNumber, void* userData, Class* cls) {
+NSEvent* NSEvent::
+    enterExitEventWithType_location_modifierFlags_timestamp_windowNumber_context_eventNumber_trackingNumber_userData(
+        NSEventType type, NSPoint place, std::uint32_t modifiers, NSTimeInterval seconds,
+        NSInteger windowNumber, id, NSInteger eventNumber, NSInteger trackingNumber, void* userData,
+        Class* cls) {
     requireType(type, kCrossingTypes,
                 "enterExitEventWithType:location:modifierFlags:timestamp:windowNumber:context:eventNumber:"
                 "trackingNumber:userData:");
@@ -214,13 +220,34 @@ NSString* NSEvent::shortcutCharacters() {
 }
 
 NSString* NSEvent::description() {
-    static constexpr const char* kNames[] = {
-        "?",         "LeftMouseDown",     "LeftMouseUp",       "RightMouseDown",   "RightMouseUp",
-        "MouseMoved", "LeftMouseDragged", "RightMouseDragged", "MouseEntered",     "MouseExited",
-        "KeyDown",   "KeyUp",             "FlagsChanged",      "?",                "SystemDefined",
-        "Application", "Periodic",        "CursorUpdate",      "?",                "?",
-        "?",         "?",                 "ScrollWheel",       "?",                "?",
-        "OtherMouseDown", "OtherMouseUp", "OtherMouseDragged"};
+    static constexpr const char* kNames[] = {"?",
+                                             "LeftMouseDown",
+                                             "LeftMouseUp",
+                                             "RightMouseDown",
+                                             "RightMouseUp",
+                                             "MouseMoved",
+                                             "LeftMouseDragged",
+                                             "RightMouseDragged",
+                                             "MouseEntered",
+                                             "MouseExited",
+                                             "KeyDown",
+                                             "KeyUp",
+                                             "FlagsChanged",
+                                             "?",
+                                             "SystemDefined",
+                                             "Application",
+                                             "Periodic",
+                                             "CursorUpdate",
+                                             "?",
+                                             "?",
+                                             "?",
+                                             "?",
+                                             "ScrollWheel",
+                                             "?",
+                                             "?",
+                                             "OtherMouseDown",
+                                             "OtherMouseUp",
+                                             "OtherMouseDragged"};
     char text[160];
     std::snprintf(text, sizeof text, "NSEvent: type=%s loc=(%g, %g) flags=0x%x win=%d",
                   kNames[_type < static_cast<int>(std::size(kNames)) ? _type : 0],
@@ -259,8 +286,7 @@ void NSEvent::startPeriodicEventsAfterDelay_withPeriod(NSTimeInterval delay, NST
                          "the delay must not be below 0, and the period must be above 0");
     timer = NSTimer::initWithFireDate_interval_target_selector_userInfo_repeats(
         NSDate::dateWithTimeIntervalSinceNow(delay), period, make<DisplayWatcher>().get(),
-        "postPeriodicEvent:"_sel, nullptr,
-        true);
+        "postPeriodicEvent:"_sel, nullptr, true);
     NSRunLoop::currentRunLoop()->addTimer_forMode(timer, NSRunLoopCommonModes);
 }
 

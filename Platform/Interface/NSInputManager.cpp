@@ -77,7 +77,7 @@ void NSInputManager::interpretKeyEvent_forClient(NSEvent* event, NSResponder* cl
         DisplayConnection::shared().backend().interpretKey(number, *event->backendKey());
     } else {
         const BackendKey& key = *event->backendKey();
-        const auto kind = typesText(key) ? InputReply::Kind::text : InputReply::Kind::command;
+        const auto kind = isTypedText(key) ? InputReply::Kind::text : InputReply::Kind::command;
         _state->replies.push_back({WeakHandle(window), {kind, key.characters, 0, {}, key}});
     }
     deliverReplies();
@@ -126,7 +126,8 @@ void NSInputManager::deliverReplies() {
         _state->replies.pop_front();
         const InputReply& reply = pending.reply;
         const Retained<Object> window = pending.window.object();
-        const auto client = Retained<Object>::retaining(clientForWindow(static_cast<NSWindow*>(window.get())));
+        const auto client =
+            Retained<Object>::retaining(clientForWindow(static_cast<NSWindow*>(window.get())));
         if (!client) continue;
         if (reply.kind == InputReply::Kind::text) {
             send(client.get(), "insertText:"_sel, id(NSString::of(reply.text)));

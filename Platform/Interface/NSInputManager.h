@@ -24,10 +24,10 @@ struct InputReply;
 /// - `doCommandBySelector:` with each command that the table of key bindings has for a key that is no text;
 ///   `noop:` if there is none.
 ///
-/// **Key bindings.** The table is a property list: a dictionary from keys to the name of a command or an array
-/// of such names. A key is written as the character that it types, behind "^" for the control key, "~" for
-/// Alt, "@" for Ctrl and "$" for Shift; keys that type nothing by their unit, such as \UF702 for the arrow to
-/// the left. "@$\UF702" is Ctrl, Shift and that arrow.
+/// **Key bindings.** The table is a property list: a dictionary from keys to the name of a command or an
+/// array of such names. A key is written as the character that it types, behind "^" for the control key, "~"
+/// for Alt, "@" for Ctrl and "$" for Shift; keys that type nothing by their unit, such as \UF702 for the
+/// arrow to the left. "@$\UF702" is Ctrl, Shift and that arrow.
 ///
 ///     NSInputManager::setKeyBindings(dictionary);   // { "@\UF702" = "moveToBeginningOfParagraph:"; }
 ///

@@ -22,7 +22,9 @@ class PELVOR_EXPORT NSPanel : public NSWindow {
     bool canBecomeMainWindow() override { return false; }
     /// Whether it stands in front of documents.
     bool isFloatingPanel() { return level() == NSFloatingWindowLevel; }
-    void setFloatingPanel(bool isFloating) { setLevel(isFloating ? NSFloatingWindowLevel : NSNormalWindowLevel); }
+    void setFloatingPanel(bool isFloating) {
+        setLevel(isFloating ? NSFloatingWindowLevel : NSNormalWindowLevel);
+    }
     /// Whether a press makes it the key window only where it is on a view that takes keys.
     bool becomesKeyOnlyIfNeeded() { return _becomesKeyOnlyIfNeeded; }
     void setBecomesKeyOnlyIfNeeded(bool isNeeded) { _becomesKeyOnlyIfNeeded = isNeeded; }

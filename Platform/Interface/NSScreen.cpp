@@ -46,7 +46,8 @@ bool NSScreen::isEqual(id other) {
 std::uintptr_t NSScreen::hash() { return _name->hash(); }
 
 NSString* NSScreen::description() {
-    return NSString::stringWithFormat(u"<NSScreen %p: %@ %@>"_ns, this, _name.get(), NSStringFromRect(_frame));
+    return NSString::stringWithFormat(u"<NSScreen %p: %@ %@>"_ns, this, _name.get(),
+                                      NSStringFromRect(_frame));
 }
 
 }  // namespace pelvor

@@ -128,13 +128,13 @@ bool NSView::scrollRectToVisible(NSRect rect) {
 void NSView::scrollRect_by(NSRect rect, NSSize delta) {
     if (!_window || !std::isfinite(delta.width) || !std::isfinite(delta.height)) return;
     const ViewTransform toBase = transformToBase();
-    const ViewRect area =
-        ViewRect::of(rect).intersection(ViewRect::of(visibleRect()));
+    const ViewRect area = ViewRect::of(rect).intersection(ViewRect::of(visibleRect()));
     if (area.isEmpty()) return;
     if (!_window->state().painter.scroll(toBase.rect(area), delta.width * toBase.xFactor,
                                          delta.height * toBase.yFactor))
         setNeedsDisplayInRect(rect);
-    NSNotificationCenter::defaultCenter()->postNotificationName_object(NSViewFocusDidChangeNotification, this);
+    NSNotificationCenter::defaultCenter()->postNotificationName_object(NSViewFocusDidChangeNotification,
+                                                                       this);
 }
 
 bool NSView::autoscroll(NSEvent* event) {
@@ -155,7 +155,8 @@ void NSRectFillList(const NSRect* rects, NSInteger count) {
 }
 
 void NSFrameRectWithWidth(NSRect rect, float width) {
-    if (NSGraphicsContext* context = NSGraphicsContext::currentContext()) context->strokeRect_width(rect, width);
+    if (NSGraphicsContext* context = NSGraphicsContext::currentContext())
+        context->strokeRect_width(rect, width);
 }
 
 void NSFrameRect(NSRect rect) { NSFrameRectWithWidth(rect, 1); }

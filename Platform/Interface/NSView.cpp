@@ -114,7 +114,9 @@ namespace {
 
 float finite(float value) { return std::isfinite(value) ? value : 0; }
 NSPoint finite(NSPoint point) { return {finite(point.x), finite(point.y)}; }
-NSSize finite(NSSize size) { return {std::max(finite(size.width), 0.0F), std::max(finite(size.height), 0.0F)}; }
+NSSize finite(NSSize size) {
+    return {std::max(finite(size.width), 0.0F), std::max(finite(size.height), 0.0F)};
+}
 
 }  // namespace
 
@@ -198,7 +200,8 @@ void NSView::noteListChange() {
 
 void NSView::insertSubview(NSView* view, std::size_t index, const char* operation) {
     requireArgument(view, operation, "the view");
-    if (isDescendantOf(view)) raiseBadArgument(operation, "the view contains the receiver, or is the receiver");
+    if (isDescendantOf(view))
+        raiseBadArgument(operation, "the view contains the receiver, or is the receiver");
     const auto held = Retained<NSView>::retaining(this);
     const auto heldView = Retained<NSView>::retaining(view);
     view->remove(true);
@@ -262,8 +265,8 @@ void NSView::removeFromSuperview() { remove(true); }
 void NSView::removeFromSuperviewWithoutNeedingDisplay() { remove(false); }
 
 void NSView::sortSubviewsUsingFunction_context(NSCompareFunction compare, void* context) {
-    requireArgument(reinterpret_cast<const void*>(compare), "sortSubviewsUsingFunction:context:",
-                    "the function");
+    requireArgument(reinterpret_cast<const void*>(compare),
+                    "sortSubviewsUsingFunction:context:", "the function");
     std::vector<Retained<NSView>> sorted = _subviews;
     std::stable_sort(sorted.begin(), sorted.end(),
                      [&](const auto& a, const auto& b) { return compare(a.get(), b.get(), context) < 0; });
@@ -301,7 +304,8 @@ void NSView::noteGeometryChange() {
 
 void NSView::noteFrameChange() {
     if (!_postsFrameChanges || _delaysFrameNotice) return;
-    NSNotificationCenter::defaultCenter()->postNotificationName_object(NSViewFrameDidChangeNotification, this);
+    NSNotificationCenter::defaultCenter()->postNotificationName_object(NSViewFrameDidChangeNotification,
+                                                                       this);
 }
 
 void NSView::noteBoundsChange() {
@@ -357,12 +361,14 @@ void NSView::setFrameSize(NSSize size) {
 
 NSRect NSView::bounds() {
     if (_scaleX == 1 && _scaleY == 1) return {_boundsOrigin, _frame.size};
-    return {_boundsOrigin,
-            {static_cast<float>(_frame.size.width / _scaleX), static_cast<float>(_frame.size.height / _scaleY)}};
+    return {
+        _boundsOrigin,
+        {static_cast<float>(_frame.size.width / _scaleX), static_cast<float>(_frame.size.height / _scaleY)}};
 }
 
 void NSView::setBounds(NSRect bounds) {
-    const bool posts = std::exchange(_postsBoundsChanges, false);
+    const bool posts = _postsBoundsChanges;
+    _postsBoundsChanges = false;
     const NSRect old = this->bounds();
     setBoundsOrigin(bounds.origin);
     setBoundsSize(bounds.size);
@@ -462,7 +468,9 @@ ViewTransform NSView::transformFrom(NSView* view) {
     return toBase.then(transformToBase().inverse());
 }
 
-NSPoint NSView::convertPoint_fromView(NSPoint point, NSView* view) { return transformFrom(view).point(point); }
+NSPoint NSView::convertPoint_fromView(NSPoint point, NSView* view) {
+    return transformFrom(view).point(point);
+}
 
 NSPoint NSView::convertPoint_toView(NSPoint point, NSView* view) {
     if (view) return view->transformFrom(this).point(point);
@@ -489,7 +497,9 @@ NSSize NSView::convertSize_fromView(NSSize size, NSView* view) { return scaled(t
 NSSize NSView::convertSize_toView(NSSize size, NSView* view) {
     return scaled(view ? view->transformFrom(this) : transformToBase(), size);
 }
-NSRect NSView::convertRect_fromView(NSRect rect, NSView* view) { return converted(transformFrom(view), rect); }
+NSRect NSView::convertRect_fromView(NSRect rect, NSView* view) {
+    return converted(transformFrom(view), rect);
+}
 NSRect NSView::convertRect_toView(NSRect rect, NSView* view) {
     return converted(view ? view->transformFrom(this) : transformToBase(), rect);
 }
@@ -559,9 +569,8 @@ void NSView::addCursorRect_cursor(NSRect rect, NSCursor* cursor) {
 
 void NSView::removeCursorRect_cursor(NSRect rect, NSCursor* cursor) {
     if (_extras)
-        std::erase_if(_extras->cursorRects, [&](const CursorRect& known) {
-            return known.rect == rect && known.cursor == cursor;
-        });
+        std::erase_if(_extras->cursorRects,
+                      [&](const CursorRect& known) { return known.rect == rect && known.cursor == cursor; });
 }
 
 void NSView::discardCursorRects() {

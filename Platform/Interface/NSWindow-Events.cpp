@@ -30,7 +30,8 @@ bool NSWindow::makeFirstResponder(NSResponder* responder) {
     _state->firstResponder = {};
     NSInputManager::currentInputManager()->abandonMarkedTextInWindow(this);
     // Whoever becomes it may pass it on, as a text field does to its editor.
-    if (next && next->becomeFirstResponder() && firstResponder() == this) _state->firstResponder = WeakHandle(next);
+    if (next && next->becomeFirstResponder() && firstResponder() == this)
+        _state->firstResponder = WeakHandle(next);
     return true;
 }
 
@@ -72,8 +73,8 @@ void sortByLines(std::vector<PlacedView>& views) {
             return (each.place.bottom + each.place.top) / 2 < bottom;
         });
         if (end == line) ++end;
-        std::stable_sort(line, end,
-                         [](const PlacedView& a, const PlacedView& b) { return a.place.left < b.place.left; });
+        std::stable_sort(
+            line, end, [](const PlacedView& a, const PlacedView& b) { return a.place.left < b.place.left; });
         line = end;
     }
 }
@@ -130,7 +131,8 @@ void NSWindow::sendEvent(NSEvent* event) {
     switch (event->type()) {
         case NSKeyDown:
         case NSKeyUp:
-        case NSFlagsChanged: return _state->sendKey(event);
+        case NSFlagsChanged:
+            return _state->sendKey(event);
         case NSScrollWheel:
             if (auto target = Retained<NSView>::retaining(_state->hit(event->locationInWindow())))
                 send(target.get(), "scrollWheel:"_sel, event);
@@ -148,7 +150,8 @@ void NSWindow::sendEvent(NSEvent* event) {
         case NSSystemDefined:
         case NSApplicationDefined:
         case NSPeriodic:
-        case NSCursorUpdate: return;
+        case NSCursorUpdate:
+            return;
         default:
             if (!_state->ignoresMouseEvents) _state->sendMouse(event);
     }
@@ -174,7 +177,9 @@ void NSWindow::discardEventsMatchingMask_beforeEvent(NSUInteger mask, NSEvent* l
 
 NSEvent* NSWindow::currentEvent() { return application().current; }
 
-NSPoint NSWindow::mouseLocationOutsideOfEventStream() { return convertScreenToBase(NSEvent::mouseLocation()); }
+NSPoint NSWindow::mouseLocationOutsideOfEventStream() {
+    return convertScreenToBase(NSEvent::mouseLocation());
+}
 
 bool NSWindow::acceptsMouseMovedEvents() { return _state->acceptsMouseMovedEvents; }
 void NSWindow::setAcceptsMouseMovedEvents(bool accepts) { _state->acceptsMouseMovedEvents = accepts; }

@@ -167,7 +167,7 @@ Retained<NSWindow> NSWindow::initWithContentRect_styleMask_backing_defer(NSRect 
     pixels.width = std::max(pixels.width, 1);
     pixels.height = std::max(pixels.height, 1);
     state.content = DisplayConnection::shared().rectOnScreen(pixels);
-    state.title = u""_ns;
+    state.title.set(u""_ns);
     state.backgroundColor.set(themeColor(ThemeColor::window));
     state.root = WindowRootView::initWithFrame({{0, 0}, state.content.size});
     state.root->setWindow(window);
@@ -247,10 +247,9 @@ NSRect NSWindow::constrainFrameRect_toScreen(NSRect frame, NSScreen* screen) {
     const NSRect room = screen->visibleFrame();
     frame.size.height = std::min(frame.size.height, room.size.height);
     frame.size.width = std::min(frame.size.width, room.size.width);
-    frame.origin.y = std::clamp(frame.origin.y, room.origin.y - frame.size.height + 40,
-                                NSMaxY(room) - frame.size.height);
-    frame.origin.x =
-        std::clamp(frame.origin.x, room.origin.x - frame.size.width + 40, NSMaxX(room) - 40);
+    frame.origin.y =
+        std::clamp(frame.origin.y, room.origin.y - frame.size.height + 40, NSMaxY(room) - frame.size.height);
+    frame.origin.x = std::clamp(frame.origin.x, room.origin.x - frame.size.width + 40, NSMaxX(room) - 40);
     return frame;
 }
 
@@ -262,9 +261,7 @@ namespace {
 void setLimits(WindowState& state) {
     if (!state.backendWindow) return;
     const float scale = DisplayConnection::shared().scale();
-    auto pixels = [&](float points) {
-        return static_cast<int>(std::clamp(points, 0.0F, 32767.0F) * scale);
-    };
+    auto pixels = [&](float points) { return static_cast<int>(std::clamp(points, 0.0F, 32767.0F) * scale); };
     const PixelRect limits{pixels(state.minSize.width), pixels(state.minSize.height),
                            pixels(state.maxSize.width), pixels(state.maxSize.height)};
     WindowChanges changes;
@@ -566,8 +563,12 @@ void NSWindow::makeMainWindow() {
     if (canBecomeMainWindow() && _state->isVisible) application().setMainWindow(this);
 }
 
-void NSWindow::becomeKeyWindow() { _state->notify(NSWindowDidBecomeKeyNotification, "windowDidBecomeKey:"_sel); }
-void NSWindow::resignKeyWindow() { _state->notify(NSWindowDidResignKeyNotification, "windowDidResignKey:"_sel); }
+void NSWindow::becomeKeyWindow() {
+    _state->notify(NSWindowDidBecomeKeyNotification, "windowDidBecomeKey:"_sel);
+}
+void NSWindow::resignKeyWindow() {
+    _state->notify(NSWindowDidResignKeyNotification, "windowDidResignKey:"_sel);
+}
 void NSWindow::becomeMainWindow() {
     _state->notify(NSWindowDidBecomeMainNotification, "windowDidBecomeMain:"_sel);
 }

@@ -25,9 +25,9 @@ class NSString;
 ///     NSString* reason = nullptr;
 ///     if (!pages->writeToFile_reason(path, &reason)) NSLog(u"%@"_ns, reason);
 ///
-/// Coordinates are points from the upper left corner, y grows downwards; in a view they are those of the view.
-/// Text and pictures stand upright in both. A context belongs to one thread at a
-/// time. Once the drawing has been written, or something went wrong, further drawing does nothing.
+/// Coordinates are points from the upper left corner, y grows downwards; in a view they are those of the
+/// view. Text and pictures stand upright in both. A context belongs to one thread at a time. Once the drawing
+/// has been written, or something went wrong, further drawing does nothing.
 class PELVOR_EXPORT NSGraphicsContext : public NSObject {
     PELVOR_CLASS(NSGraphicsContext, NSObject);
     PELVOR_CREATORS(initWithImageSize_scale, initForPDFWithTitle);
@@ -92,8 +92,8 @@ class PELVOR_EXPORT NSGraphicsContext : public NSObject {
     bool writeToFile_reason(NSString* path, NSString** reason);
 
     // C++ only
-    /// Draws on memory of somebody else, which outlives the context: 32-bit pixels, blue in the lowest byte, the
-    /// highest unused.
+    /// Draws on memory of somebody else, which outlives the context: 32-bit pixels, blue in the lowest byte,
+    /// the highest unused.
     static Retained<NSGraphicsContext> onPixels(unsigned char* pixels, int width, int height, int bytesPerRow,
                                                 float scale);
     Canvas& canvas() { return *_canvas; }

@@ -194,6 +194,7 @@ class Implementation {
 }  // namespace
 
 void ObserverTable::Audience::send(NSNotification* notification) {
+    if (!_list) return;
     Implementation implementation;
     ObserverEntry* entry = _list->entries.data();
     for (ObserverEntry* end = entry + _list->entries.size(); entry != end; ++entry) {

@@ -68,7 +68,7 @@ struct BackendKey {
 };
 
 /// Whether the key types text by itself, without dead keys, compose sequences and input methods.
-inline bool typesText(const BackendKey& key) {
+inline bool isTypedText(const BackendKey& key) {
     if (key.characters.empty() || (key.modifiers & (kBackendCommand | kBackendControl | kBackendOption)))
         return false;
     const char16_t unit = key.characters[0];

@@ -152,7 +152,8 @@ void DisplayConnection::setTimeout(double seconds) {
 void DisplayConnection::needsTurn() {
     if (std::exchange(_needsTurn, true)) return;
     NSRunLoop::mainRunLoop()->performSelector_target_argument_order_modes(
-        "finishTurn"_sel, _watcher.get(), nullptr, kTurnOrdering, NSArray::arrayWithObject(NSRunLoopCommonModes));
+        "finishTurn"_sel, _watcher.get(), nullptr, kTurnOrdering,
+        NSArray::arrayWithObject(NSRunLoopCommonModes));
 }
 
 void DisplayConnection::finishTurn() {
@@ -188,9 +189,10 @@ NSPoint DisplayConnection::placeInWindow(NSWindow* window, PixelPoint place) {
 }
 
 void DisplayConnection::postSystem(SystemEvent what, NSWindow* window, NSInteger data) {
-    application().post(NSEvent::otherEventWithType_location_modifierFlags_timestamp_windowNumber_context_subtype_data1_data2(
-        NSSystemDefined, {}, 0, steadyTime(), window ? window->windowNumber() : 0, nullptr,
-        static_cast<std::int16_t>(what), data, 0));
+    application().post(
+        NSEvent::otherEventWithType_location_modifierFlags_timestamp_windowNumber_context_subtype_data1_data2(
+            NSSystemDefined, {}, 0, steadyTime(), window ? window->windowNumber() : 0, nullptr,
+            static_cast<std::int16_t>(what), data, 0));
 }
 
 void DisplayConnection::key(BackendWindow number, const BackendKey& key) {
@@ -207,8 +209,9 @@ void DisplayConnection::text(BackendWindow number, std::u16string_view text) {
 
 void DisplayConnection::preedit(BackendWindow number, std::u16string_view text, std::size_t caret,
                                 std::span<const PreeditSpan> spans) {
-    if (NSInputManager::take(window(number), {InputReply::Kind::preedit, std::u16string(text), caret,
-                                              {spans.begin(), spans.end()}, {}}))
+    if (NSInputManager::take(
+            window(number),
+            {InputReply::Kind::preedit, std::u16string(text), caret, {spans.begin(), spans.end()}, {}}))
         postSystem(SystemEvent::input, nullptr);
 }
 
@@ -281,7 +284,8 @@ bool DisplayConnection::drag(BackendWindow number, const BackendDrag& drag) {
 
 void DisplayConnection::lost(const std::string& reason) {
     if (_descriptor >= 0)
-        NSRunLoop::mainRunLoop()->removeDescriptor_forMode(std::exchange(_descriptor, -1), NSRunLoopCommonModes);
+        NSRunLoop::mainRunLoop()->removeDescriptor_forMode(std::exchange(_descriptor, -1),
+                                                           NSRunLoopCommonModes);
     NSLog(u"The display is lost: %@"_ns, NSString::ofUTF8(reason));
     postSystem(SystemEvent::displayLost, nullptr);
 }

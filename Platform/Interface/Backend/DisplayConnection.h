@@ -26,7 +26,7 @@ enum class SystemEvent : std::int16_t {
 
 /// The one back end of the process. What it tells becomes events in the application's queue, so that no code
 /// of a program runs inside the back end. Main thread.
-class DisplayConnection final : public BackendSink {
+class PELVOR_EXPORT DisplayConnection final : public BackendSink {
   public:
     /// Connects on first demand.
     static DisplayConnection& shared();

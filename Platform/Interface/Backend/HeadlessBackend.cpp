@@ -311,7 +311,8 @@ const BackendImage* HeadlessBackend::beginPaint(BackendWindow number) {
     }
     if (!window->image.pixels) {
         const int bytesPerRow = window->frame.width * 4;
-        window->pixels.assign(static_cast<std::size_t>(bytesPerRow) * static_cast<std::size_t>(window->frame.height), 0);
+        window->pixels.assign(
+            static_cast<std::size_t>(bytesPerRow) * static_cast<std::size_t>(window->frame.height), 0);
         window->image = {window->pixels.data(), window->frame.width, window->frame.height, bytesPerRow};
     }
     return &window->image;
@@ -337,7 +338,7 @@ void HeadlessBackend::endTracking() { _menus.clear(); }
 
 void HeadlessBackend::interpretKey(BackendWindow window, const BackendKey& key) {
     if (inputMethod && inputMethod(window, key)) return;
-    if (typesText(key))
+    if (isTypedText(key))
         _sink.text(window, key.characters);
     else
         _sink.command(window, key);

@@ -33,6 +33,8 @@ class PELVOR_EXPORT HeadlessBackend final : public InterfaceBackend {
     /// Somebody else moves or resizes the window.
     void moveWindow(BackendWindow window, PixelRect frame);
     void setScreens(std::vector<BackendScreen> screens);
+    /// Before anybody has asked for them.
+    void setScreensAtFirst(std::vector<BackendScreen> screens) { _screens = std::move(screens); }
     void setLayouts(std::vector<BackendLayout> layouts);
     void setFrameExtents(PixelRect extents) { _extents = extents; }
     /// Another program offers this, by type.

@@ -23,7 +23,7 @@ struct ModalSession {
 /// Tells the application of the exception that is being handled. Only inside a catch clause.
 void reportCurrentException();
 
-struct ApplicationState {
+struct PELVOR_EXPORT ApplicationState {
     explicit ApplicationState(NSApplication* owner) : app(owner) {}
 
     Unretained<NSApplication> app;

@@ -85,8 +85,8 @@ Retained<NSEvent> EventMaker::enterExit(bool isEnter, NSInteger windowNumber, NS
 }
 
 Retained<NSEvent> EventMaker::joined(NSEvent* first, NSEvent* second) {
-    auto event = simple(second->_type, second->_windowNumber, second->_place, second->_modifiers,
-                        second->_seconds);
+    auto event =
+        simple(second->_type, second->_windowNumber, second->_place, second->_modifiers, second->_seconds);
     event->_buttonNumber = second->_buttonNumber;
     event->_eventNumber = second->_eventNumber;
     event->_pressure = second->_pressure;
@@ -117,16 +117,21 @@ Retained<NSEvent> EventMaker::pointer(NSInteger windowNumber, NSPoint place, con
             ++_eventNumber;
             type = typeOfButton(button, NSLeftMouseDown, NSRightMouseDown, NSOtherMouseDown);
             break;
-        case Kind::up: type = typeOfButton(button, NSLeftMouseUp, NSRightMouseUp, NSOtherMouseUp); break;
+        case Kind::up:
+            type = typeOfButton(button, NSLeftMouseUp, NSRightMouseUp, NSOtherMouseUp);
+            break;
         case Kind::moved:
             button = firstButton(pointer.buttonsDown);
             if (button)
-                type =
-                    typeOfButton(button, NSLeftMouseDragged, NSRightMouseDragged, NSOtherMouseDragged);
+                type = typeOfButton(button, NSLeftMouseDragged, NSRightMouseDragged, NSOtherMouseDragged);
             break;
-        case Kind::scrolled: type = NSScrollWheel; break;
+        case Kind::scrolled:
+            type = NSScrollWheel;
+            break;
         case Kind::entered:
-        case Kind::exited: _lastMove = pointer.onScreen; return nullptr;
+        case Kind::exited:
+            _lastMove = pointer.onScreen;
+            return nullptr;
     }
     auto event = simple(type, windowNumber, place, modifierFlags(pointer.modifiers), pointer.seconds);
     event->_buttonNumber = button ? button - 1 : 0;

@@ -8,8 +8,8 @@
 namespace pelvor {
 
 /// Modifier keys of a back end as those of events, and back.
-std::uint32_t modifierFlags(std::uint32_t backendModifiers);
-std::uint32_t backendModifiers(std::uint32_t modifierFlags);
+PELVOR_EXPORT std::uint32_t modifierFlags(std::uint32_t backendModifiers);
+PELVOR_EXPORT std::uint32_t backendModifiers(std::uint32_t modifierFlags);
 
 /// Makes events, and counts the presses that make double clicks.
 class EventMaker {

@@ -14,10 +14,8 @@ namespace pelvor {
 namespace {
 
 constexpr std::uint32_t kModifiers = kBackendShift | kBackendControl | kBackendOption | kBackendCommand;
-constexpr std::pair<char16_t, std::uint32_t> kSigns[] = {{u'^', kBackendControl},
-                                                        {u'~', kBackendOption},
-                                                        {u'@', kBackendCommand},
-                                                        {u'$', kBackendShift}};
+constexpr std::pair<char16_t, std::uint32_t> kSigns[] = {
+    {u'^', kBackendControl}, {u'~', kBackendOption}, {u'@', kBackendCommand}, {u'$', kBackendShift}};
 
 std::uint64_t keyOf(std::uint32_t modifiers, char16_t unit) {
     return (static_cast<std::uint64_t>(modifiers & kModifiers) << 16) | unit;
@@ -169,7 +167,8 @@ NSDictionary* KeyBindings::dictionary() const {
         NSMutableArray* names = NSMutableArray::array();
         for (SEL command : commands) names->addObject(NSString::ofUTF8(command.name()));
         if (names->count())
-            result->setObject_forKey(names->count() == 1 ? names->objectAtIndex(0) : names, NSString::of(text));
+            result->setObject_forKey(names->count() == 1 ? names->objectAtIndex(0) : names,
+                                     NSString::of(text));
     }
     return result;
 }

@@ -19,7 +19,7 @@
 namespace pelvor {
 namespace {
 
-bool isEmpty(const PixelRect& rect) { return rect.width <= 0 || rect.height <= 0; }
+bool isNothing(const PixelRect& rect) { return rect.width <= 0 || rect.height <= 0; }
 int right(const PixelRect& rect) { return rect.x + rect.width; }
 int bottom(const PixelRect& rect) { return rect.y + rect.height; }
 
@@ -40,7 +40,9 @@ bool holds(const PixelRect& outer, const PixelRect& inner) {
 
 // Rounding outwards forgives what single precision adds to places on whole pixels.
 constexpr double kSlack = 1.0 / 256;
-int outwardsFloor(double value) { return static_cast<int>(std::floor(std::clamp(value, -1e6, 1e6) + kSlack)); }
+int outwardsFloor(double value) {
+    return static_cast<int>(std::floor(std::clamp(value, -1e6, 1e6) + kSlack));
+}
 int outwardsCeil(double value) { return static_cast<int>(std::ceil(std::clamp(value, -1e6, 1e6) - kSlack)); }
 
 }  // namespace
@@ -55,9 +57,9 @@ bool DamageList::contains(const PixelRect& rect) const {
 
 void DamageList::add(PixelRect rect) {
     constexpr std::size_t kMost = 8;
-    if (isEmpty(rect) || contains(rect)) return;
+    if (isNothing(rect) || contains(rect)) return;
     for (std::size_t i = 0; i < _rects.size();) {
-        if (isEmpty(intersection(_rects[i], rect))) {
+        if (isNothing(intersection(_rects[i], rect))) {
             ++i;
             continue;
         }
@@ -75,7 +77,7 @@ void DamageList::add(PixelRect rect) {
 void WindowPainter::addPixels(const PixelRect& damage) {
     const PixelRect whole{0, 0, 32767, 32767};
     const PixelRect inside = intersection(damage, whole);
-    if (isEmpty(inside)) return;
+    if (isNothing(inside)) return;
     _damage.add(inside);
     DisplayConnection::shared().needsTurn();
 }
@@ -96,9 +98,7 @@ bool WindowPainter::isAllDamaged() const {
     return _damage.contains(pixels({0, 0, size.width, size.height}));
 }
 
-PixelRect WindowPainter::pixels(const ViewRect& rect) const {
-    return devicePixels(baseToPoints(), rect);
-}
+PixelRect WindowPainter::pixels(const ViewRect& rect) const { return devicePixels(baseToPoints(), rect); }
 
 // Points from the upper left corner.
 ViewTransform WindowPainter::baseToPoints() const { return {1, 0, -1, _window->state().content.size.height}; }
@@ -172,10 +172,11 @@ void WindowPainter::paint() {
     std::vector<PixelRect> shown;
     for (const PixelRect& rect : damage.rects()) {
         _drawn = intersection(rect, whole);
-        if (isEmpty(_drawn)) continue;
+        if (isNothing(_drawn)) continue;
         cairo_t* page = _context->canvas().page();
-        if (page) paintView({page, static_cast<double>(DisplayConnection::shared().scale())}, root,
-                            baseToPoints(), _drawn);
+        if (page)
+            paintView({page, static_cast<double>(DisplayConnection::shared().scale())}, root, baseToPoints(),
+                      _drawn);
         shown.push_back(_drawn);
     }
     _isPainting = false;
@@ -203,8 +204,8 @@ bool WindowPainter::covers(NSView* view, const ViewTransform& toPoints, const Pi
 void WindowPainter::paintView(const Pass& pass, NSView* view, const ViewTransform& toPoints,
                               const PixelRect& clip) {
     const auto held = Retained<NSView>::retaining(view);
-    const ViewRect around = toPoints.inverse().rect({clip.x / pass.scale, clip.y / pass.scale,
-                                                     right(clip) / pass.scale, bottom(clip) / pass.scale});
+    const ViewRect around = toPoints.inverse().rect(
+        {clip.x / pass.scale, clip.y / pass.scale, right(clip) / pass.scale, bottom(clip) / pass.scale});
     // What stands behind the frontmost subview that hides the whole clip is left out.
     NSView* first = nullptr;
     view->eachSubviewIn(around, true, [&](NSView* subview) {
@@ -218,7 +219,7 @@ void WindowPainter::paintView(const Pass& pass, NSView* view, const ViewTransfor
         first = nullptr;
         const ViewTransform inner = subview->transformToSuperview().then(toPoints);
         const PixelRect inside = intersection(clip, devicePixels(inner, ViewRect::of(subview->bounds())));
-        if (!isEmpty(inside)) paintView(pass, subview, inner, inside);
+        if (!isNothing(inside)) paintView(pass, subview, inner, inside);
         return false;
     });
 }
@@ -240,8 +241,8 @@ void setUp(cairo_t* page, const ViewTransform& toPoints, const PixelRect& clip, 
 
 void WindowPainter::drawView(const Pass& pass, NSView* view, const ViewTransform& toPoints,
                              const PixelRect& clip) {
-    const ViewRect inside = toPoints.inverse().rect({clip.x / pass.scale, clip.y / pass.scale,
-                                                     right(clip) / pass.scale, bottom(clip) / pass.scale});
+    const ViewRect inside = toPoints.inverse().rect(
+        {clip.x / pass.scale, clip.y / pass.scale, right(clip) / pass.scale, bottom(clip) / pass.scale});
     const ViewRect dirty = inside.intersection(ViewRect::of(view->bounds()));
     if (dirty.isEmpty()) return;
     const SavedState state(_context->canvas());
@@ -256,7 +257,7 @@ void WindowPainter::drawView(const Pass& pass, NSView* view, const ViewTransform
 }
 
 bool WindowPainter::draws(const ViewRect& rect) const {
-    return _isPainting && !isEmpty(intersection(pixels(rect), _drawn));
+    return _isPainting && !isNothing(intersection(pixels(rect), _drawn));
 }
 
 // MARK: Drawing outside
@@ -269,8 +270,8 @@ bool WindowPainter::lock(NSView* view) {
     NSGraphicsContext::setCurrentContext(_context);
     _context->canvas().save();
     const double scale = DisplayConnection::shared().scale();
-    const PixelRect clip = intersection(pixels(view->transformToBase().rect(ViewRect::of(view->visibleRect()))),
-                                        {0, 0, _width, _height});
+    const PixelRect clip = intersection(
+        pixels(view->transformToBase().rect(ViewRect::of(view->visibleRect()))), {0, 0, _width, _height});
     setUp(page, view->transformToBase().then(baseToPoints()), clip, scale);
     ++_locks;
     return true;
@@ -287,9 +288,9 @@ void WindowPainter::unlock(NSView* view) {
     const PixelRect shown = intersection(
         pixels(view->transformToBase().rect(ViewRect::of(view->visibleRect()))), {0, 0, _width, _height});
     WindowState& state = _window->state();
-    if (state.backendWindow && (!isEmpty(shown) || !_locks))
-        DisplayConnection::shared().backend().present(state.backendWindow, {&shown, isEmpty(shown) ? 0u : 1u},
-                                                      !_locks);
+    if (state.backendWindow && (!isNothing(shown) || !_locks))
+        DisplayConnection::shared().backend().present(state.backendWindow,
+                                                      {&shown, isNothing(shown) ? 0u : 1u}, !_locks);
 }
 
 bool WindowPainter::scroll(const ViewRect& rect, double dx, double dy) {
@@ -301,19 +302,20 @@ bool WindowPainter::scroll(const ViewRect& rect, double dx, double dy) {
     const PixelRect area = pixels(rect);
     // Damage inside would move along; it is simpler to draw everything then.
     for (const PixelRect& known : _damage.rects())
-        if (!isEmpty(intersection(known, area))) return false;
+        if (!isNothing(intersection(known, area))) return false;
     if (std::abs(byX) >= area.width || std::abs(byY) >= area.height || !begin()) return false;
     const PixelRect target =
         intersection(intersection(area, {area.x + byX, area.y + byY, area.width, area.height}),
                      {0, 0, _image->width, _image->height});
     const PixelRect source = intersection({target.x - byX, target.y - byY, target.width, target.height},
                                           {0, 0, _image->width, _image->height});
-    if (isEmpty(source)) return false;
+    if (isNothing(source)) return false;
     cairo_surface_t* surface = cairo_get_target(_context->canvas().page());
     cairo_surface_flush(surface);
     for (int step = 0; step < source.height; ++step) {
         const int row = byY > 0 ? source.height - 1 - step : step;
-        unsigned char* from = _image->pixels + static_cast<std::ptrdiff_t>(source.y + row) * _image->bytesPerRow +
+        unsigned char* from = _image->pixels +
+                              static_cast<std::ptrdiff_t>(source.y + row) * _image->bytesPerRow +
                               static_cast<std::ptrdiff_t>(source.x) * 4;
         unsigned char* to = from + static_cast<std::ptrdiff_t>(byY) * _image->bytesPerRow +
                             static_cast<std::ptrdiff_t>(byX) * 4;
@@ -322,10 +324,12 @@ bool WindowPainter::scroll(const ViewRect& rect, double dx, double dy) {
     cairo_surface_mark_dirty(surface);
     const PixelRect moved{source.x + byX, source.y + byY, source.width, source.height};
     DisplayConnection::shared().backend().present(_window->state().backendWindow, {&moved, 1}, true);
-    if (byY) addPixels({area.x, byY > 0 ? area.y : bottom(moved), area.width,
-                        byY > 0 ? moved.y - area.y : bottom(area) - bottom(moved)});
-    if (byX) addPixels({byX > 0 ? area.x : right(moved), area.y,
-                        byX > 0 ? moved.x - area.x : right(area) - right(moved), area.height});
+    if (byY)
+        addPixels({area.x, byY > 0 ? area.y : bottom(moved), area.width,
+                   byY > 0 ? moved.y - area.y : bottom(area) - bottom(moved)});
+    if (byX)
+        addPixels({byX > 0 ? area.x : right(moved), area.y,
+                   byX > 0 ? moved.x - area.x : right(area) - right(moved), area.height});
     return true;
 }
 

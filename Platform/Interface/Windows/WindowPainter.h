@@ -6,11 +6,10 @@
 
 #include "Interface/Backend/Backend.h"
 #include "Interface/Windows/ViewGeometry.h"
-#include "Runtime/Retained.h"
+#include "Text/NSGraphicsContext.h"
 
 namespace pelvor {
 
-class NSGraphicsContext;
 class NSView;
 class NSWindow;
 

@@ -14,6 +14,7 @@ namespace pelvor {
 PELVOR_DEFINE_CLASS(WindowRootView, interfaceLibrary) {}
 
 void WindowRootView::drawRect(NSRect dirty) {
+    if (!window()) return;
     window()->backgroundColor()->set();
     NSRectFill(dirty);
 }
@@ -134,7 +135,8 @@ void WindowState::layOut() {
 
 void WindowState::setBar(NSView* view) {
     if (bar == view) return;
-    if (Retained<NSView> old = std::exchange(bar, Retained<NSView>::retaining(view))) old->removeFromSuperview();
+    if (Retained<NSView> old = std::exchange(bar, Retained<NSView>::retaining(view)))
+        old->removeFromSuperview();
     if (view) root->addSubview(view);
     layOut();
 }
@@ -191,15 +193,24 @@ struct MouseKind {
 
 MouseKind kindOf(NSEventType type) {
     switch (type) {
-        case NSLeftMouseDown: return {0, true, false, "mouseDown:"_sel};
-        case NSLeftMouseUp: return {0, false, true, "mouseUp:"_sel};
-        case NSLeftMouseDragged: return {0, false, false, "mouseDragged:"_sel};
-        case NSRightMouseDown: return {1, true, false, "rightMouseDown:"_sel};
-        case NSRightMouseUp: return {1, false, true, "rightMouseUp:"_sel};
-        case NSRightMouseDragged: return {1, false, false, "rightMouseDragged:"_sel};
-        case NSOtherMouseDown: return {2, true, false, "otherMouseDown:"_sel};
-        case NSOtherMouseUp: return {2, false, true, "otherMouseUp:"_sel};
-        default: return {2, false, false, "otherMouseDragged:"_sel};
+        case NSLeftMouseDown:
+            return {0, true, false, "mouseDown:"_sel};
+        case NSLeftMouseUp:
+            return {0, false, true, "mouseUp:"_sel};
+        case NSLeftMouseDragged:
+            return {0, false, false, "mouseDragged:"_sel};
+        case NSRightMouseDown:
+            return {1, true, false, "rightMouseDown:"_sel};
+        case NSRightMouseUp:
+            return {1, false, true, "rightMouseUp:"_sel};
+        case NSRightMouseDragged:
+            return {1, false, false, "rightMouseDragged:"_sel};
+        case NSOtherMouseDown:
+            return {2, true, false, "otherMouseDown:"_sel};
+        case NSOtherMouseUp:
+            return {2, false, true, "otherMouseUp:"_sel};
+        default:
+            return {2, false, false, "otherMouseDragged:"_sel};
     }
 }
 

@@ -66,14 +66,15 @@ void WindowTracking::cross(NSEvent* event, bool isInWindow) {
         bool isInside = isInWindow;
         if (isInside) {
             const NSPoint place = rect.view->convertPoint_fromView(event->locationInWindow(), nullptr);
-            isInside = rect.view->mouse_inRect(place, NSIntersectionRect(rect.rect, rect.view->visibleRect()));
+            isInside =
+                rect.view->mouse_inRect(place, NSIntersectionRect(rect.rect, rect.view->visibleRect()));
         }
         if (isInside == std::exchange(rect.isInside, isInside)) continue;
-        crossings.push_back({rect.owner.object(),
-                             EventMaker::enterExit(isInside, event->windowNumber(), event->locationInWindow(),
-                                                   event->modifierFlags(), event->timestamp(), rect.tag,
-                                                   rect.userData),
-                             isInside ? "mouseEntered:"_sel : "mouseExited:"_sel});
+        crossings.push_back(
+            {rect.owner.object(),
+             EventMaker::enterExit(isInside, event->windowNumber(), event->locationInWindow(),
+                                   event->modifierFlags(), event->timestamp(), rect.tag, rect.userData),
+             isInside ? "mouseEntered:"_sel : "mouseExited:"_sel});
     }
     for (const Crossing& crossing : crossings)
         if (crossing.owner && crossing.owner->respondsToSelector(crossing.selector))

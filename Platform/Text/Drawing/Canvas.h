@@ -22,8 +22,8 @@ std::string acceptableText(std::u16string_view units);
 class PELVOR_EXPORT Canvas {
   public:
     static std::unique_ptr<Canvas> image(int width, int height, float scale);
-    /// Draws on memory of somebody else, which outlives the canvas: 32-bit pixels, blue in the lowest byte, the
-    /// highest unused.
+    /// Draws on memory of somebody else, which outlives the canvas: 32-bit pixels, blue in the lowest byte,
+    /// the highest unused.
     static std::unique_ptr<Canvas> pixels(unsigned char* pixels, int width, int height, int bytesPerRow,
                                           float scale);
     static std::unique_ptr<Canvas> pdf(const std::string& title);

@@ -62,7 +62,8 @@ void MeasuringLayout::draw(NSPoint point, NSSize size) {
     Canvas& canvas = context->canvas();
     const bool hasHeight = size.height < kNoLimit.height || canvas.isFlipped();
     const UprightState upright(
-        canvas, point, hasHeight ? size.height : manager->usedRectForTextContainer(_tools->container).size.height);
+        canvas, point,
+        hasHeight ? size.height : manager->usedRectForTextContainer(_tools->container).size.height);
     const NSRange drawn = size.height < kNoLimit.height ? manager->glyphRangeForBoundingRect_inTextContainer(
                                                               {{0, 0}, size}, _tools->container)
                                                         : glyphs();

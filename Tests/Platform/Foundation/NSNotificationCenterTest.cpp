@@ -58,6 +58,7 @@ TEST_F(NSNotificationCenterTest, WhatIsPostedIsWhatIsHeard) {
     auto* info = NSDictionary::dictionaryWithObject_forKey(u"here"_ns, u"where"_ns);
     auto* whole = NSNotification::notificationWithName_object(u"opened"_ns, sender);
     auto keeping = make<Listener>();
+    center->postNotification(whole);  // nobody listens yet
     add(keeping, u"opened"_ns);
     center->postNotificationName_object_userInfo(u"opened"_ns, sender, info);
     center->postNotificationName_object(u"opened"_ns, keeping);  // a kept one is not used again
