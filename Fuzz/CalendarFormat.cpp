@@ -75,6 +75,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     NSCalendarDate* read = NSCalendarDate::dateWithString_calendarFormat_locale(parts[1], parts[0], locale);
     if (!read || !isOrdinary(read->timeIntervalSinceReferenceDate())) return 0;
-    if (read->yearOfCommonEra() > 0) checkRoundTrip(read);
+    // %z reads seconds of a difference, and does not write them.
+    const bool hasSeconds = read->timeZone()->secondsFromGMTForDate(read) % 60 != 0;
+    if (read->yearOfCommonEra() > 0 && !hasSeconds) checkRoundTrip(read);
     return 0;
 }

@@ -49,7 +49,7 @@ void run(std::string_view bytes) {
     if (escaped) {
         NSString* back = stringByReplacingPercentEscapesUsingEncoding(escaped, NSUTF8StringEncoding);
         require(back && back->isEqualToString(second), "escapes that cannot be taken back");
-        require(!second->length() || NSURL::URLWithString(NSString::ofUTF8("x:/" + escaped->toUTF8())),
+        require(!second->length() || NSURL::URLWithString(NSString::ofUTF8("x:/y/" + escaped->toUTF8())),
                 "an escaped text in no URL");
     }
     NSURL* file = NSURL::fileURLWithPath(NSString::ofUTF8("/" + second->toUTF8()));

@@ -20,17 +20,11 @@ class TemporaryFolder {
         _path = std::filesystem::canonical(name);
     }
     ~TemporaryFolder() {
-        namespace fs = std::filesystem;
         std::error_code error;
-        if (fs::remove_all(_path, error); !error) return;
+        if (std::filesystem::remove_all(_path, error); !error) return;
         // Only root removes what is in a folder that nobody may write.
-        const auto open = [&](const fs::path& path) {
-            fs::permissions(path, fs::perms::owner_all, fs::perm_options::add, error);
-        };
-        open(_path);
-        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(_path))
-            if (entry.is_directory() && !entry.is_symlink()) open(entry.path());
-        fs::remove_all(_path, error);
+        (void)!std::system(("chmod -R u+rwX '" + _path.string() + "'").c_str());
+        std::filesystem::remove_all(_path, error);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
 

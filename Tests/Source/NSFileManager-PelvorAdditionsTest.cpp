@@ -2,12 +2,11 @@
 #include "NSFileManager-PelvorAdditions.h"
 
 #include <fcntl.h>
-#include <grp.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
+#include "ChildProcess.h"
 #include "EnvironmentScope.h"
 #include "Foundation/DesktopTrash.h"
 #include "Foundation/ProgramRun.h"
@@ -37,11 +36,7 @@ class FileAdditionsTest : public ::testing::Test {
     // The status of the work in a process of another user.
     template <class Work>
     static int asOtherUser(Work work) {
-        const pid_t child = fork();
-        if (child == 0) _exit(setgroups(0, nullptr) || setresuid(65534, 65534, 65534) ? 255 : work());
-        int status = 0;
-        waitpid(child, &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        return inChild([&] { return becomeUser(65534) ? work() : 255; });
     }
 
     inline static NSFileManager* const files = NSFileManager::defaultManager();

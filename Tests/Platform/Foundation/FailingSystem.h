@@ -2,16 +2,15 @@
 // A system whose calls on files fail, or end the process, when a test wants it.
 #pragma once
 
-#include <grp.h>
 #include <sys/types.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <string>
 #include <vector>
+
+#include "ChildProcess.h"
 
 namespace pelvor {
 
@@ -34,22 +33,6 @@ struct Faults {
     const char* struck = nullptr;  ///< that call
 };
 extern Faults faults;
-
-/// Does the work in a child process. Returns its exit status, or the number of the signal that ended it below
-/// 0.
-template <class Work>
-int inChild(Work work) {
-    const pid_t child = fork();
-    if (child == 0) _exit(work());
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-}
-
-/// Becomes another user for good, for a process that may.
-inline bool becomeUser(uid_t user) {
-    return setgroups(0, nullptr) == 0 && setresgid(user, user, user) == 0 && setresuid(user, user, user) == 0;
-}
 
 /// The names in a folder, in order.
 inline std::vector<std::string> namesIn(const std::filesystem::path& folder) {

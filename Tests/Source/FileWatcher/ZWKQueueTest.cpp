@@ -6,10 +6,10 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 
 #include <set>
 
+#include "ChildProcess.h"
 #include "Sanitizers.h"
 #include "Witness.h"
 
@@ -193,8 +193,7 @@ TEST_F(ZWKQueueTest, NamesALimitOnce) {
     if (PELVOR_THREAD_SANITIZER) GTEST_SKIP() << "no threads in a child";
     sh("echo >f; echo >g");
     std::fflush(nullptr);
-    const pid_t child = fork();
-    if (child == 0) {
+    const int status = inChild([&] {
         rlimit descriptors;
         getrlimit(RLIMIT_NOFILE, &descriptors);
         const rlimit none = {0, descriptors.rlim_max};
@@ -202,7 +201,7 @@ TEST_F(ZWKQueueTest, NamesALimitOnce) {
             return bool(std::ofstream(std::string("/proc/sys/user/max_inotify_") + what)
                         << number << std::flush);
         };
-        if (unshare(CLONE_NEWUSER) != 0 || !limit("watches", 1)) _exit(77);
+        if (unshare(CLONE_NEWUSER) != 0 || !limit("watches", 1)) return 77;
         LogLines log;
         auto own = ZWKQueue::init(), other = ZWKQueue::init();
         for (const char* name : {"f", "g", "g"}) own->addPath(path(name));
@@ -215,11 +214,9 @@ TEST_F(ZWKQueueTest, NamesALimitOnce) {
         EXPECT_THAT(log.lines, ElementsAre(HasSubstr("of fs.inotify.max_user_watches."),
                                            EndsWith("of fs.inotify.max_user_instances"),
                                            EndsWith("of RLIMIT_NOFILE"), HasSubstr("of RLIMIT_NOFILE.")));
-        _exit(HasFailure());
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    if (WEXITSTATUS(status) == 77) GTEST_SKIP() << "no limits of our own";
+        return HasFailure() ? 1 : 0;
+    });
+    if (status == 77) GTEST_SKIP() << "no limits of our own";
     EXPECT_EQ(status, 0);
 }
 
