@@ -20,11 +20,11 @@ namespace pelvor {
 
 /// Answers up to 100 connections, one after the other, on a port of 127.0.0.1 that the kernel chooses:
 ///
-///     LoopbackServer server([](LoopbackServer::Call& call) { call.send("HTTP/1.1 204 Gone well\r\n\r\n");
-///     }); load(server.url("/list.plist"));
+///     LoopbackServer server([](LoopbackServer::Call& call) { call.answer("{}"); });
+///     load(server.url("/list.plist"));
 ///
-/// The connection is closed when the function returns. No call waits for longer than 20 seconds; a test ends
-/// its loads before the server.
+/// The connection is closed when the function returns, whatever the answer says of it. No call waits for
+/// longer than 20 seconds; a test ends its loads before the server.
 class LoopbackServer {
   public:
     struct Call {

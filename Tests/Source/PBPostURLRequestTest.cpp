@@ -56,28 +56,24 @@ TEST(PBPostURLRequestTest, WritesPartsLineByLine) {
     request->beginPostPart();
     request->body()->appendBytes_length("own: part\n\nx", 12);
     request->endPostPart();
-    const std::string x57(57, 'x');
-    EXPECT_EQ(
-        bodyOf(request),
-        "--B\nContent-Disposition: form-data; name=\"user\"\n\nänne\n"
-        "--B\nContent-Disposition: form-data; name=\"a\"b\"\n\n7\n"
-        "--B\nContent-Disposition: form-data; name=\"k\"\n\n\n"
-        "--B\nContent-Disposition: form-data; name=\"5\"\n\n1\r\n2\n"
-        "--B\nContent-Disposition: form-data; name=\"file\"; filename=\"Arger & Co.txt\"\n"
-        "Content-Transfer-Encoding: base64\nContent-Type: application/octet-stream\n\n" +
-            [] {
-                std::string line;
-                for (int i = 0; i < 19; ++i) line += "eHh4";
-                return line;
-            }() +
-            "\neAo=\n"
-            "--B\nContent-Disposition: form-data; name=\"raw\"; filename=\"Arger & Co.txt\"\n"
-            "Content-Type: application/octet-stream\n\n" +
-            x57 +
-            "x\n\n"
-            "--B\nContent-Disposition: form-data; name=\"bytes\"; filename=\"?\"\n"
-            "Content-Type: application/octet-stream\n\ny\n"
-            "--B\nown: part\n\nx\n--B--");
+    std::string line;
+    for (int i = 0; i < 19; ++i) line += "eHh4";
+    EXPECT_EQ(bodyOf(request),
+              "--B\nContent-Disposition: form-data; name=\"user\"\n\nänne\n"
+              "--B\nContent-Disposition: form-data; name=\"a\"b\"\n\n7\n"
+              "--B\nContent-Disposition: form-data; name=\"k\"\n\n\n"
+              "--B\nContent-Disposition: form-data; name=\"5\"\n\n1\r\n2\n"
+              "--B\nContent-Disposition: form-data; name=\"file\"; filename=\"Arger & Co.txt\"\n"
+              "Content-Transfer-Encoding: base64\nContent-Type: application/octet-stream\n\n" +
+                  line +
+                  "\neAo=\n"
+                  "--B\nContent-Disposition: form-data; name=\"raw\"; filename=\"Arger & Co.txt\"\n"
+                  "Content-Type: application/octet-stream\n\n" +
+                  std::string(58, 'x') +
+                  "\n\n"
+                  "--B\nContent-Disposition: form-data; name=\"bytes\"; filename=\"?\"\n"
+                  "Content-Type: application/octet-stream\n\ny\n"
+                  "--B\nown: part\n\nx\n--B--");
     EXPECT_EQ(shown(request->HTTPMethod(), request->valueForHTTPHeaderField(u"content-type"_ns)),
               "POST multipart/form-data; boundary=B");
 }
