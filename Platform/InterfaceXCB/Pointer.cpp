@@ -10,6 +10,8 @@ namespace pelvor {
 namespace {
 
 constexpr float kLinesOfNotch = 3;
+constexpr std::uint16_t kGrabbedEvents =
+    XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION;
 
 /// Names in cursor themes, and then in the font that every server has.
 std::initializer_list<const char*> namesOf(BackendCursor cursor) {
@@ -100,14 +102,12 @@ XPointer::State XPointer::state() {
 // MARK: Tracking
 
 bool XPointer::grab(xcb_window_t window, xcb_cursor_t cursor) {
-    constexpr std::uint16_t kEvents =
-        XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_POINTER_MOTION;
     bool isOurs = false;
     for (int attempt = 0; attempt < 8 && !isOurs && !_connection.isLost(); ++attempt) {
         if (attempt > 0) std::this_thread::sleep_for(std::chrono::milliseconds(25));
         // Our windows get their pointer events as ever, all others' go to this window.
         const auto pointer = _connection.wait<xcb_grab_pointer_reply_t>(
-            xcb_grab_pointer(_connection, 1, window, kEvents, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
+            xcb_grab_pointer(_connection, 1, window, kGrabbedEvents, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
                              XCB_NONE, cursor, XCB_CURRENT_TIME));
         isOurs = pointer && pointer->status == XCB_GRAB_STATUS_SUCCESS;
     }
@@ -121,6 +121,11 @@ bool XPointer::grab(xcb_window_t window, xcb_cursor_t cursor) {
 void XPointer::ungrab() {
     xcb_ungrab_pointer(_connection, XCB_CURRENT_TIME);
     xcb_ungrab_keyboard(_connection, XCB_CURRENT_TIME);
+    _connection.flush();
+}
+
+void XPointer::setGrabCursor(BackendCursor shape) {
+    xcb_change_active_pointer_grab(_connection, cursor(shape), XCB_CURRENT_TIME, kGrabbedEvents);
     _connection.flush();
 }
 

@@ -26,6 +26,8 @@ class XPointer {
     /// Waits up to a fifth of a second while another program holds the pointer. Returns whether it is ours.
     bool grab(xcb_window_t window, xcb_cursor_t cursor = 0);
     void ungrab();
+    /// Of a grab that has a cursor of its own.
+    void setGrabCursor(BackendCursor cursor);
 
     /// Of a button's press or release; `kind` is `scrolled` for the buttons that a wheel has, which tell
     /// nothing with their release.

@@ -51,13 +51,15 @@ void XCBBackend::dispatch() {
     if (!_isLost && _connection->isLost()) return loseDisplay();
     _selections.giveUpLate();
     _textInput.method().takeBackLate();
+    _drags.giveUpLate();
     _connection->flush();
     if (_screens.collect()) _sink.screensChanged();
 }
 
 double XCBBackend::timeout() {
     return _isLost ? std::numeric_limits<double>::infinity()
-                   : std::min(_selections.secondsLeft(), _textInput.method().secondsLeft());
+                   : std::min({_selections.secondsLeft(), _textInput.method().secondsLeft(),
+                               _drags.secondsLeft()});
 }
 
 /// What keys need is fetched when something is to be seen already.
@@ -70,6 +72,7 @@ void XCBBackend::loseDisplay() {
     _isLost = true;
     _tracked = 0;
     _selections.giveUpAll();
+    _drags.cancel();
     _textInput.method().abandon();
     _sink.lost("The connection to the display was lost");
 }
@@ -86,6 +89,7 @@ BackendWindow XCBBackend::createWindow(const WindowWishes& wishes) {
 
 void XCBBackend::destroyWindow(BackendWindow id) {
     if (_tracked == id) endTracking();
+    if (_drags.window() == id) _drags.cancel();
     if (_focused == id) _focused = 0;
     _textInput.method().windowEnded(id);
     std::erase_if(_windows, [id](const auto& window) { return window->id() == id; });
@@ -193,11 +197,14 @@ void XCBBackend::requestTypes(BackendSelection selection, SelectionReceiver done
 
 void XCBBackend::requestSelection(BackendSelection selection, const std::string& type,
                                   SelectionReceiver done) {
-    _selections.request(selection, type, std::move(done));
+    _selections.request(selection, type, std::move(done),
+                        selection == BackendSelection::drag ? _drags.dropTime() : 0);
 }
 
-bool XCBBackend::beginDrag(BackendWindow, std::function<void(bool isTaken)>) { return false; }
-void XCBBackend::endDrop(bool) {}
+bool XCBBackend::beginDrag(BackendWindow id, std::function<void(bool isTaken)> done) {
+    const XWindow* window = windowOf(id);
+    return window && _drags.begin(id, window->handle(), std::move(done));
+}
 
 void XCBBackend::beep() {
     xcb_bell(*_connection, 0);
@@ -208,7 +215,7 @@ void XCBBackend::beep() {
 
 void XCBBackend::deliver(const xcb_generic_event_t& event) {
     bool isLayoutChanged = false;
-    if (_screens.handle(event) || _selections.handle(event)) return;
+    if (_screens.handle(event) || _selections.handle(event) || _drags.handle(event)) return;
     if (_keyboard.handle(event, isLayoutChanged)) {
         if (isLayoutChanged) _sink.layoutChanged();
         return;
@@ -346,6 +353,7 @@ void XCBBackend::deliverExpose(const xcb_expose_event_t& event) {
 
 void XCBBackend::deliverMessage(const xcb_client_message_event_t& event) {
     const XWindow* window = windowOfHandle(event.window);
+    if (_drags.handleMessage(event, window)) return;
     if (!window || event.type != (*_connection)[Atom::WM_PROTOCOLS] || event.format != 32) return;
     const xcb_atom_t protocol = event.data.data32[0];
     if (protocol == (*_connection)[Atom::WM_DELETE_WINDOW]) return _sink.close(window->id());

@@ -2,6 +2,7 @@
 // XCBBackend: windows on an X server.
 #pragma once
 
+#include "InterfaceXCB/Drags.h"
 #include "InterfaceXCB/Pointer.h"
 #include "InterfaceXCB/Screens.h"
 #include "InterfaceXCB/Selections.h"
@@ -51,7 +52,7 @@ class XCBBackend final : public InterfaceBackend {
     void requestSelection(BackendSelection selection, const std::string& type,
                           SelectionReceiver done) override;
     bool beginDrag(BackendWindow window, std::function<void(bool isTaken)> done) override;
-    void endDrop(bool isTaken) override;
+    void endDrop(bool isTaken) override { _drags.endDrop(isTaken); }
 
     void beep() override;
     void saveClipboard() override { _selections.saveClipboard(); }
@@ -83,6 +84,7 @@ class XCBBackend final : public InterfaceBackend {
     XTextInput _textInput{*_connection, _sink, _keyboard};
     XPointer _pointer{*_connection};
     XSelections _selections{*_connection, _sink};
+    XDrags _drags{*_connection, _sink, _pointer, _selections};
     std::vector<std::unique_ptr<XWindow>> _windows;
     BackendWindow _latestWindow = 0;
     BackendWindow _focused = 0;
