@@ -88,13 +88,25 @@ XServerScope::~XServerScope() {
 
 void XServerScope::startManager() {
     _manager = std::make_unique<ProgramScope>(std::vector<std::string>{"openbox", "--sm-disable"});
-    const xcb_atom_t check = (*_peer)[Atom::_NET_SUPPORTING_WM_CHECK];
-    const xcb_atom_t area = (*_peer)[Atom::_NET_WORKAREA];
-    for (int i = 0; i < 2000; ++i) {
-        if (_peer->property(root(), check).type && _peer->property(root(), area).type) return;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    ADD_FAILURE() << "openbox does not start";
+    // It says that it is there before it cares for windows, and forgets those that are shown in between.
+    XConnection& peer = *_peer;
+    const xcb_window_t probe = xcb_generate_id(peer);
+    xcb_create_window(peer, XCB_COPY_FROM_PARENT, probe, root(), 0, 0, 9, 9, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                      XCB_COPY_FROM_PARENT, 0, nullptr);
+    const auto waitFor = [](auto condition) {
+        for (int i = 0; i < 2000 && !condition(); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        EXPECT_TRUE(condition()) << "openbox does not start";
+    };
+    waitFor([&] { return peer.property(root(), peer[Atom::_NET_SUPPORTING_WM_CHECK]).type != 0; });
+    waitFor([&] {
+        xcb_unmap_window(peer, probe);
+        xcb_map_window(peer, probe);
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        return peer.property(probe, peer[Atom::WM_STATE]).type != 0;
+    });
+    xcb_destroy_window(peer, probe);
+    waitFor([&] { return peer.property(root(), peer.atomNamed("_NET_CLIENT_LIST")).words().empty(); });
 }
 
 void XServerScope::key(int code, bool isDown) {
