@@ -12,14 +12,19 @@ bool isNear(double difference1, double difference2) {
     return std::abs(difference1) < kTolerance && std::abs(difference2) < kTolerance;
 }
 
-double distance(float a, float b) { return std::abs(double{a} - b); }
+// What stands for x and y, or for width and height: compilers reckon both at once.
+using Pair [[gnu::vector_size(2 * sizeof(double))]] = double;
 
-// Moves the coordinate to the centre of its pixel and takes what it moved by off the extent.
-void centreInPixel(float& coordinate, float& extent) {
-    const double offset = std::floor(coordinate) + 0.5 - coordinate;
-    extent = static_cast<float>(std::floor(extent - offset));
-    coordinate = static_cast<float>(coordinate + offset);
+// std::floor without a call and without branches. A double of the size of kToWhole has no bits for a
+// fraction.
+Pair whole(Pair numbers) {
+    constexpr double kToWhole = 0x1.8p52, kWithoutFraction = 0x1p51;
+    const Pair nearest = numbers + kToWhole - kToWhole;
+    const Pair below = nearest > numbers ? nearest - 1.0 : nearest;
+    return numbers > -kWithoutFraction && numbers < kWithoutFraction ? below : numbers;
 }
+
+double distance(float a, float b) { return std::abs(double{a} - b); }
 
 float scaled(float extent, int percentage) {
     return percentage == 0 ? extent : static_cast<float>(extent * (percentage / 100.0));
@@ -48,17 +53,19 @@ bool PBEqualDisplayRects(NSRect rect1, NSRect rect2) {
 }
 
 NSRect PBIntegralDisplayRect(NSRect rect) {
-    centreInPixel(rect.origin.x, rect.size.width);
-    centreInPixel(rect.origin.y, rect.size.height);
-    return rect;
+    const Pair origin{rect.origin.x, rect.origin.y}, size{rect.size.width, rect.size.height};
+    const Pair toCentre = whole(origin) + 0.5 - origin;
+    const Pair newOrigin = origin + toCentre, newSize = whole(size - toCentre);
+    return {{static_cast<float>(newOrigin[0]), static_cast<float>(newOrigin[1])},
+            {static_cast<float>(newSize[0]), static_cast<float>(newSize[1])}};
 }
 
 float PBIntegralDisplayCoordinateForThickness(float coord, float th) {
     if (!isOddOrHairline(th)) return std::rint(coord);
     constexpr double kAlmostNextPixel = 0.99;
-    const double whole = std::trunc(coord);
-    const double fraction = std::abs(coord - whole);
-    return static_cast<float>(fraction > kAlmostNextPixel ? whole + 1.5 : coord + (0.5 - fraction));
+    const double integer = std::trunc(coord);
+    const double fraction = std::abs(coord - integer);
+    return static_cast<float>(fraction > kAlmostNextPixel ? integer + 1.5 : coord + (0.5 - fraction));
 }
 
 NSSize PBScaleSize(NSSize size, int scaleX, int scaleY) {
