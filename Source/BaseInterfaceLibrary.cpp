@@ -6,7 +6,11 @@
 #include "Menus/NSMenuItem-PelvorAdditions.h"
 #include "Menus/PBMenuItem.h"
 #include "NSEvent-PelvorAdditions.h"
+#include "NSSegmentedControl-PelvorPantherAdditions.h"
+#include "NSTableView-PelvorAdditions.h"
+#include "PBAutoscrollingTableView.h"
 #include "PBGUIUtil.h"
+#include "PantherCursor.h"
 
 namespace pelvor {
 namespace {
@@ -16,7 +20,9 @@ constexpr Library* kDependencies[] = {&baseTextLibrary, &interfaceLibrary};
 // Alphabetical.
 // clang-format off
 constexpr Class* kClasses[] = {
+    &PBAutoscrollingTableView::classRecord,
     &PBMenuItem::classRecord,
+    &PantherCursor::classRecord,
 };
 constexpr const Category* kCategories[] = {
     &NSEvent_PelvorAdditions_category,
@@ -24,6 +30,8 @@ constexpr const Category* kCategories[] = {
     &NSMenuItem_PelvorGUIAdditions_category,
     &NSMenu_PelvorAdditions_category,
     &NSObject_PelvorValidatedUserInterfaceItemAdditions_category,
+    &NSSegmentedControl_PelvorPantherAdditions_category,
+    &NSTableView_PelvorAdditions_category,
 };
 // clang-format on
 

@@ -63,6 +63,7 @@ class PBUnichar32String;   ///< a text kept as code points
 class PBMenuItem;  ///< a menu item that can show a shortcut of several keys
 
 // Older platforms
+class PantherCursor;  ///< gives cursors for hands and edges
 class PantherFont;    ///< gives fonts the sizes of controls
 class PantherObject;  ///< gives all objects `setValue:forKey:`
 

@@ -2,16 +2,30 @@
 #include "Interface/InterfaceLibrary.h"
 
 #include "Interface/Backend/DisplayConnection.h"
+#include "Interface/NSActionCell.h"
 #include "Interface/NSApplication.h"
+#include "Interface/NSButton.h"
+#include "Interface/NSButtonCell.h"
+#include "Interface/NSCell.h"
+#include "Interface/NSControl.h"
 #include "Interface/NSCursor.h"
 #include "Interface/NSEvent.h"
 #include "Interface/NSImage.h"
+#include "Interface/NSImageCell.h"
+#include "Interface/NSImageView.h"
 #include "Interface/NSInputManager.h"
 #include "Interface/NSMenu.h"
 #include "Interface/NSMenuItem.h"
 #include "Interface/NSPanel.h"
 #include "Interface/NSResponder.h"
 #include "Interface/NSScreen.h"
+#include "Interface/NSSegmentedCell.h"
+#include "Interface/NSSegmentedControl.h"
+#include "Interface/NSTableColumn.h"
+#include "Interface/NSTableHeaderCell.h"
+#include "Interface/NSTableHeaderView.h"
+#include "Interface/NSTableView.h"
+#include "Interface/NSTextFieldCell.h"
 #include "Interface/NSView.h"
 #include "Interface/Windows/WindowState.h"
 #include "Text/TextLibrary.h"
@@ -25,16 +39,30 @@ constexpr Library* kDependencies[] = {&textLibrary};
 // clang-format off
 constexpr Class* kClasses[] = {
     &DisplayWatcher::classRecord,
+    &NSActionCell::classRecord,
     &NSApplication::classRecord,
+    &NSButton::classRecord,
+    &NSButtonCell::classRecord,
+    &NSCell::classRecord,
+    &NSControl::classRecord,
     &NSCursor::classRecord,
     &NSEvent::classRecord,
     &NSImage::classRecord,
+    &NSImageCell::classRecord,
+    &NSImageView::classRecord,
     &NSInputManager::classRecord,
     &NSMenu::classRecord,
     &NSMenuItem::classRecord,
     &NSPanel::classRecord,
     &NSResponder::classRecord,
     &NSScreen::classRecord,
+    &NSSegmentedCell::classRecord,
+    &NSSegmentedControl::classRecord,
+    &NSTableColumn::classRecord,
+    &NSTableHeaderCell::classRecord,
+    &NSTableHeaderView::classRecord,
+    &NSTableView::classRecord,
+    &NSTextFieldCell::classRecord,
     &NSView::classRecord,
     &NSWindow::classRecord,
     &WindowRootView::classRecord,

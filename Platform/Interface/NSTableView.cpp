@@ -11,7 +11,6 @@
 #include "Interface/Drawing/Theme.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSActionCell.h"
-#include "Interface/NSClipView.h"
 #include "Interface/NSTableHeaderView.h"
 #include "Interface/NSWindow.h"
 #include "Shared/ArgumentChecks.h"
@@ -273,12 +272,22 @@ void NSTableView::noteColumnResized(NSTableColumn* column, float oldWidth) {
 
 // MARK: Widths
 
+namespace {
+
+// The view that shows a part of the table, or null.
+NSView* clipView(NSView* table) {
+    NSView* around = table->superview();
+    return around && around->respondsToSelector("documentVisibleRect"_sel) ? around : nullptr;
+}
+
+}  // namespace
+
 void NSTableView::setColumnAutoresizingStyle(NSTableViewColumnAutoresizingStyle style) {
     _autoresizingStyle = style;
 }
 
 float NSTableView::visibleWidth() {
-    auto* clip = cast<NSClipView>(superview());
+    NSView* clip = clipView(this);
     return clip ? clip->bounds().size.width : bounds().size.width;
 }
 
@@ -329,7 +338,7 @@ void NSTableView::setFrameSize(NSSize size) {
 }
 
 void NSTableView::resizeWithOldSuperviewSize(NSSize oldSize) {
-    auto* clip = cast<NSClipView>(superview());
+    NSView* clip = clipView(this);
     if (!clip) return NSControl::resizeWithOldSuperviewSize(oldSize);
     const float difference = clip->bounds().size.width - oldSize.width;
     if (difference != 0) distribute(difference);
@@ -342,7 +351,7 @@ void NSTableView::tile() {
     if (_isTiling) return;
     const auto self = Retained<NSTableView>::retaining(this);
     NSSize size{columnEdges().back(), pitch() * static_cast<float>(numberOfRows())};
-    if (auto* clip = cast<NSClipView>(superview())) {
+    if (NSView* clip = clipView(this)) {
         const NSSize room = clip->bounds().size;
         size = {std::max(size.width, room.width), std::max(size.height, room.height)};
     } else {
