@@ -84,6 +84,18 @@ namespace {
                      "the type (" + std::to_string(static_cast<int>(type)) + ") is of another kind");
 }
 
+constexpr const char* kMouseOperation =
+    "mouseEventWithType:location:modifierFlags:timestamp:windowNumber:context:eventNumber:clickCount:"
+    "pressure:";
+constexpr const char* kKeyOperation =
+    "keyEventWithType:location:modifierFlags:timestamp:windowNumber:context:characters:"
+    "charactersIgnoringModifiers:isARepeat:keyCode:";
+constexpr const char* kOtherOperation =
+    "otherEventWithType:location:modifierFlags:timestamp:windowNumber:context:subtype:data1:data2:";
+constexpr const char* kCrossingOperation =
+    "enterExitEventWithType:location:modifierFlags:timestamp:windowNumber:context:eventNumber:"
+    "trackingNumber:userData:";
+
 constexpr std::uint32_t kMouseTypes = NSLeftMouseDownMask | NSLeftMouseUpMask | NSRightMouseDownMask |
                                       NSRightMouseUpMask | NSMouseMovedMask | NSLeftMouseDraggedMask |
                                       NSRightMouseDraggedMask | NSOtherMouseDownMask | NSOtherMouseUpMask |
@@ -118,9 +130,7 @@ NSEvent* NSEvent::
     mouseEventWithType_location_modifierFlags_timestamp_windowNumber_context_eventNumber_clickCount_pressure(
         NSEventType type, NSPoint place, std::uint32_t modifiers, NSTimeInterval seconds,
         NSInteger windowNumber, id, NSInteger eventNumber, NSInteger clickCount, float pressure, Class* cls) {
-    requireType(type, kMouseTypes,
-                "mouseEventWithType:location:modifierFlags:timestamp:windowNumber:context:eventNumber:"
-                "clickCount:pressure:");
+    requireType(type, kMouseTypes, kMouseOperation);
     auto event = make<NSEvent>(cls);
     event->setCommon(type, place, modifiers, seconds, windowNumber);
     event->_eventNumber = eventNumber;
@@ -135,9 +145,7 @@ NSEvent* NSEvent::
         NSEventType type, NSPoint place, std::uint32_t modifiers, NSTimeInterval seconds,
         NSInteger windowNumber, id, NSString* characters, NSString* plainCharacters, bool isARepeat,
         std::uint16_t keyCode, Class* cls) {
-    requireType(type, kKeyTypes,
-                "keyEventWithType:location:modifierFlags:timestamp:windowNumber:context:characters:"
-                "charactersIgnoringModifiers:isARepeat:keyCode:");
+    requireType(type, kKeyTypes, kKeyOperation);
     auto event = make<NSEvent>(cls);
     event->setCommon(type, place, modifiers, seconds, windowNumber);
     event->_isRepeat = isARepeat;
@@ -161,9 +169,7 @@ NSEvent*
 NSEvent::otherEventWithType_location_modifierFlags_timestamp_windowNumber_context_subtype_data1_data2(
     NSEventType type, NSPoint place, std::uint32_t modifiers, NSTimeInterval seconds, NSInteger windowNumber,
     id, std::int16_t subtype, NSInteger data1, NSInteger data2, Class* cls) {
-    requireType(type, kOtherTypes,
-                "otherEventWithType:location:modifierFlags:timestamp:windowNumber:context:subtype:data1:"
-                "data2:");
+    requireType(type, kOtherTypes, kOtherOperation);
     auto event = make<NSEvent>(cls);
     event->setCommon(type, place, modifiers, seconds, windowNumber);
     event->_subtype = subtype;
@@ -177,9 +183,7 @@ NSEvent* NSEvent::
         NSEventType type, NSPoint place, std::uint32_t modifiers, NSTimeInterval seconds,
         NSInteger windowNumber, id, NSInteger eventNumber, NSInteger trackingNumber, void* userData,
         Class* cls) {
-    requireType(type, kCrossingTypes,
-                "enterExitEventWithType:location:modifierFlags:timestamp:windowNumber:context:eventNumber:"
-                "trackingNumber:userData:");
+    requireType(type, kCrossingTypes, kCrossingOperation);
     auto event = make<NSEvent>(cls);
     event->setCommon(type, place, modifiers, seconds, windowNumber);
     event->_eventNumber = eventNumber;

@@ -29,6 +29,7 @@ InterfaceScope::~InterfaceScope() {
 }
 
 Retained<NSWindow> InterfaceScope::window(NSRect contents) {
+    AutoreleasePool pool;
     auto window = NSWindow::initWithContentRect_styleMask_backing_defer(
         contents, NSTitledWindowMask | NSClosableWindowMask | NSResizableWindowMask, NSBackingStoreBuffered,
         true);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Foundation/ClockScope.h"
+#include "Interface/Backend/DisplayConnection.h"
 #include "Interface/Backend/HeadlessBackend.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSEvent.h"

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TestViews.h"
 
+#include "Interface/NSCursor.h"
+
 namespace pelvor {
 namespace {
 
-constexpr Class* kClasses[] = {&TestView::classRecord};
+constexpr Class* kClasses[] = {&TestView::classRecord, &TestCursorView::classRecord,
+                               &TestObserver::classRecord};
 
 }  // namespace
 
@@ -12,6 +15,18 @@ constinit Library testViewsLibrary{"TestViews", {}, kClasses, {}};
 
 PELVOR_DEFINE_CLASS(TestView, testViewsLibrary) {
     methods.instance<"setMarkedText:selectedRange:", &TestView::setMarkedText_selectedRange>();
+}
+
+PELVOR_DEFINE_CLASS(TestCursorView, testViewsLibrary) {}
+
+void TestCursorView::resetCursorRects() { addCursorRect_cursor(bounds(), NSCursor::crosshairCursor()); }
+
+PELVOR_DEFINE_CLASS(TestObserver, testViewsLibrary) { methods.instance<"hear:", &TestObserver::hear>(); }
+
+Retained<TestObserver> TestObserver::doing(std::function<void(NSNotification*)> action) {
+    auto observer = pelvor::make<TestObserver>();
+    observer->_action = std::move(action);
+    return observer;
 }
 
 Retained<TestView> TestView::make(NSRect frame, NSColor* color, bool isFlipped) {

@@ -46,4 +46,34 @@ class TestView : public NSView {
     Retained<NSColor> _color;
 };
 
+/// Has a cross-hair everywhere.
+class TestCursorView : public TestView {
+    PELVOR_CLASS(TestCursorView, TestView);
+    PELVOR_INHERITED_CREATORS(initWithFrame);
+
+  public:
+    static Retained<TestCursorView> make(NSRect frame) { return initWithFrame(frame); }
+    void resetCursorRects() override;
+
+  protected:
+    TestCursorView() = default;
+    ~TestCursorView() = default;
+};
+
+/// Calls a function for each `hear:`; also an action, delegate messages and a validator that tests need.
+class TestObserver : public NSObject {
+    PELVOR_CLASS(TestObserver, NSObject);
+
+  public:
+    static Retained<TestObserver> doing(std::function<void(NSNotification*)> action);
+    void hear(NSNotification* notification) { _action(notification); }
+
+  protected:
+    TestObserver() = default;
+    ~TestObserver() = default;
+
+  private:
+    std::function<void(NSNotification*)> _action;
+};
+
 }  // namespace pelvor
