@@ -70,7 +70,7 @@ double secondsNow() {
 }
 
 std::vector<std::uint32_t> XProperty::words() const {
-    if (format != 32) return {};
+    if (format != 32 || bytes.empty()) return {};
     std::vector<std::uint32_t> words(bytes.size() / sizeof(std::uint32_t));
     std::memcpy(words.data(), bytes.data(), words.size() * sizeof(std::uint32_t));
     return words;

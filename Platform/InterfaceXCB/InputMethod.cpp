@@ -81,7 +81,7 @@ void XInputMethod::chooseStyle(const xcb_im_get_im_values_reply_fr_t* reply) {
     std::vector<std::uint32_t> offered;
     for (std::uint32_t i = 0; reply && i < reply->im_attribute_returned.size; ++i) {
         const xcb_im_ximattribute_fr_t& attribute = reply->im_attribute_returned.items[i];
-        if (attribute.value_length < 4) continue;
+        if (attribute.value_length < 8) continue;
         offered.resize((attribute.value_length - 4U) / 4U);
         std::memcpy(offered.data(), attribute.value + 4, offered.size() * 4);
     }

@@ -121,7 +121,8 @@ void XScreens::read() {
             screen.visibleFrame = screen.frame;
     }
     if (std::ranges::none_of(screens, &BackendScreen::isMain)) screens.front().isMain = true;
-    std::ranges::stable_partition(screens, &BackendScreen::isMain);
+    std::stable_partition(screens.begin(), screens.end(),
+                          [](const BackendScreen& screen) { return screen.isMain; });
     _screens = std::move(screens);
 }
 

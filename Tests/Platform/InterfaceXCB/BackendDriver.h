@@ -18,7 +18,7 @@ inline std::string shownRect(const PixelRect& rect) {
 }
 inline std::string utf8(std::u16string_view text) { return utf8FromUnitsMending(text); }
 
-class BackendDriver : public BackendSink {
+class BackendDriver final : public BackendSink {
   public:
     BackendDriver() : backend(interface_backend_1(this, &reason)) {}
 

@@ -94,9 +94,11 @@ void XServerScope::startManager() {
     xcb_create_window(peer, XCB_COPY_FROM_PARENT, probe, root(), 0, 0, 9, 9, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
                       XCB_COPY_FROM_PARENT, 0, nullptr);
     const auto waitFor = [](auto condition) {
-        for (int i = 0; i < 2000 && !condition(); ++i)
+        for (int i = 0; i < 2000; ++i) {
+            if (condition()) return;
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        EXPECT_TRUE(condition()) << "openbox does not start";
+        }
+        ADD_FAILURE() << "openbox does not start";
     };
     waitFor([&] { return peer.property(root(), peer[Atom::_NET_SUPPORTING_WM_CHECK]).type != 0; });
     waitFor([&] {
@@ -106,7 +108,10 @@ void XServerScope::startManager() {
         return peer.property(probe, peer[Atom::WM_STATE]).type != 0;
     });
     xcb_destroy_window(peer, probe);
-    waitFor([&] { return peer.property(root(), peer.atomNamed("_NET_CLIENT_LIST")).words().empty(); });
+    waitFor([&] {
+        const auto clients = peer.property(root(), peer.atomNamed("_NET_CLIENT_LIST")).words();
+        return std::ranges::find(clients, probe) == clients.end();
+    });
 }
 
 void XServerScope::key(int code, bool isDown) {
