@@ -66,9 +66,10 @@ PELVOR_DEFINE_CLASS(NSApplication, interfaceLibrary) {
 
 namespace {
 
+// Never destroyed: at the end of the process, what it uses may have gone before it.
 Retained<NSApplication>& sharedOne() {
-    static Retained<NSApplication> app;
-    return app;
+    static auto* app = new Retained<NSApplication>;
+    return *app;
 }
 
 }  // namespace

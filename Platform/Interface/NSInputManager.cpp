@@ -42,8 +42,8 @@ struct NSInputManager::State {
 namespace {
 
 Retained<NSInputManager>& sharedManager() {
-    static Retained<NSInputManager> manager;
-    return manager;
+    static auto* manager = new Retained<NSInputManager>;
+    return *manager;
 }
 
 }  // namespace

@@ -21,9 +21,10 @@
 namespace pelvor {
 namespace {
 
+// Never destroyed, as the application is not.
 std::unique_ptr<DisplayConnection>& sharedConnection() {
-    static std::unique_ptr<DisplayConnection> connection;
-    return connection;
+    static auto* connection = new std::unique_ptr<DisplayConnection>;
+    return *connection;
 }
 
 constexpr std::uint32_t kTurnOrdering = 600'000;  // behind what programs order

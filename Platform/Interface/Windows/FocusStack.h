@@ -10,8 +10,8 @@ namespace pelvor {
 
 struct FocusStack {
     static std::vector<Retained<NSView>>& views() {
-        static std::vector<Retained<NSView>> views;
-        return views;
+        static auto* views = new std::vector<Retained<NSView>>;
+        return *views;
     }
 
     class Scope {
