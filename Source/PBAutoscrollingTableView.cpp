@@ -150,6 +150,11 @@ void PBAutoscrollingTableView::mouseDown(NSEvent* event) {
     NSTableView::mouseDown(event);
 }
 
+void PBAutoscrollingTableView::doCommandBySelector(SEL selector) {
+    if (respondsToSelector(selector)) return NSTableView::doCommandBySelector(selector);
+    handOnCurrentEvent();
+}
+
 void PBAutoscrollingTableView::handOnCurrentEvent() {
     _autoscrollTypingString = nullptr;
     NSEvent* event = window() ? window()->currentEvent() : nullptr;

@@ -34,6 +34,9 @@ class PELVOR_EXPORT PBAutoscrollingTableView : public NSTableView {
     void keyDown(NSEvent* event) override;
     void mouseDown(NSEvent* event) override;
 
+    /// Commands that the table has no method for are keys that are no letters, too.
+    void doCommandBySelector(SEL selector) override;
+
     // Keys that are no letters. Each forgets the letters and does what it does in every table.
 
     void moveUp(id sender);

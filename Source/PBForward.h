@@ -60,6 +60,7 @@ class PBRepeatString;      ///< a text again and again, never built
 class PBUnichar32String;   ///< a text kept as code points
 
 // Menus
+class PBAutoscrollingTableView;  ///< a table in which typing selects rows
 class PBMenuItem;  ///< a menu item that can show a shortcut of several keys
 
 // Older platforms
