@@ -2,7 +2,10 @@
 #include "Interface/InterfaceLibrary.h"
 
 #include "Interface/Backend/DisplayConnection.h"
+#include "Interface/Menus/AlertView.h"
+#include "Interface/Menus/MenuListView.h"
 #include "Interface/NSActionCell.h"
+#include "Interface/NSAlert.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSButton.h"
 #include "Interface/NSButtonCell.h"
@@ -15,8 +18,11 @@
 #include "Interface/NSImageView.h"
 #include "Interface/NSInputManager.h"
 #include "Interface/NSMenu.h"
+#include "Interface/NSMenuBarView.h"
 #include "Interface/NSMenuItem.h"
 #include "Interface/NSPanel.h"
+#include "Interface/NSPopUpButton.h"
+#include "Interface/NSPopUpButtonCell.h"
 #include "Interface/NSResponder.h"
 #include "Interface/NSScreen.h"
 #include "Interface/NSSegmentedCell.h"
@@ -38,8 +44,11 @@ constexpr Library* kDependencies[] = {&textLibrary};
 // Alphabetical; a superclass is registered before its subclasses wherever it stands.
 // clang-format off
 constexpr Class* kClasses[] = {
+    &AlertView::classRecord,
     &DisplayWatcher::classRecord,
+    &MenuListView::classRecord,
     &NSActionCell::classRecord,
+    &NSAlert::classRecord,
     &NSApplication::classRecord,
     &NSButton::classRecord,
     &NSButtonCell::classRecord,
@@ -52,8 +61,11 @@ constexpr Class* kClasses[] = {
     &NSImageView::classRecord,
     &NSInputManager::classRecord,
     &NSMenu::classRecord,
+    &NSMenuBarView::classRecord,
     &NSMenuItem::classRecord,
     &NSPanel::classRecord,
+    &NSPopUpButton::classRecord,
+    &NSPopUpButtonCell::classRecord,
     &NSResponder::classRecord,
     &NSScreen::classRecord,
     &NSSegmentedCell::classRecord,

@@ -6,7 +6,9 @@
 #include "Foundation/NSTimer.h"
 #include "Foundation/RunLoop/Deadline.h"
 #include "Interface/Events/ApplicationState.h"
+#include "Interface/Menus/ContextMenu.h"
 #include "Interface/NSInputManager.h"
+#include "Interface/NSMenu.h"
 #include "Interface/Windows/WindowState.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
@@ -204,7 +206,10 @@ bool mayBeEquivalent(NSEvent* event) {
 }  // namespace
 
 bool ApplicationState::performKeyEquivalent(NSEvent* event) {
-    return keyWindow && allowsEvents(keyWindow) && send<bool>(keyWindow, "performKeyEquivalent:"_sel, event);
+    if (keyWindow && allowsEvents(keyWindow) && send<bool>(keyWindow, "performKeyEquivalent:"_sel, event))
+        return true;
+    const auto menu = mainMenu;
+    return menu && send<bool>(menu.get(), "performKeyEquivalent:"_sel, event);
 }
 
 void NSApplication::sendEvent(NSEvent* event) {
@@ -214,6 +219,7 @@ void NSApplication::sendEvent(NSEvent* event) {
     const NSEventType type = event->type();
     const bool isKey = type == NSKeyDown || type == NSKeyUp || type == NSFlagsChanged;
     if (type == NSKeyDown && mayBeEquivalent(event) && _state->performKeyEquivalent(event)) return;
+    if (type == NSKeyDown && openContextMenu(event, keyWindow())) return;
     const auto window = Retained<NSWindow>::retaining(isKey && keyWindow() ? keyWindow() : event->window());
     if (!window) return;
     if (!isKey && type != NSScrollWheel && std::exchange(_state->isCursorHiddenUntilMove, false))

@@ -275,7 +275,10 @@ id NSApplication::delegate() { return _state->delegate.object().autorelease(); }
 void NSApplication::setDelegate(id delegate) { _state->delegate = WeakHandle(delegate); }
 
 NSMenu* NSApplication::mainMenu() { return _state->mainMenu; }
-void NSApplication::setMainMenu(NSMenu* menu) { _state->mainMenu.set(menu); }
+void NSApplication::setMainMenu(NSMenu* menu) {
+    _state->mainMenu.set(menu);
+    for (NSWindow* window : _state->windows) window->state().updateMenuBar();
+}
 
 // MARK: Windows
 

@@ -137,6 +137,7 @@ class PELVOR_EXPORT NSApplication : public NSResponder {
 
     /// Null if there is none.
     NSMenu* mainMenu();
+    /// Gives the windows that can become main a menu bar, or takes it away for null.
     void setMainMenu(NSMenu* menu);
 
     // Windows

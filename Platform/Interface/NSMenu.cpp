@@ -3,14 +3,16 @@
 
 #include <algorithm>
 
-#include "Foundation/NSDictionary.h"
-#include "Foundation/NSLog.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSNotificationCenter.h"
+#include "Foundation/NSDictionary.h"
 #include "Foundation/NSString.h"
+#include "Interface/Events/ApplicationState.h"
 #include "Interface/InterfaceLibrary.h"
+#include "Interface/NSApplication.h"
+#include "Interface/NSEvent.h"
+#include "Interface/NSView.h"
 #include "Runtime/Message.h"
-#include "Runtime/NSException.h"
 #include "Shared/ArgumentChecks.h"
 
 namespace pelvor {
@@ -31,8 +33,8 @@ PELVOR_DEFINE_CLASS(NSMenu, interfaceLibrary) {
     methods.instance<"setItemArray:", &NSMenu::setItemArray>();
     methods.instance<"addItem:", &NSMenu::addItem>();
     methods.instance<"insertItem:atIndex:", &NSMenu::insertItem_atIndex>();
-    methods
-        .instance<"addItemWithTitle:action:keyEquivalent:", &NSMenu::addItemWithTitle_action_keyEquivalent>();
+    methods.instance<"addItemWithTitle:action:keyEquivalent:",
+                     &NSMenu::addItemWithTitle_action_keyEquivalent>();
     methods.instance<"insertItemWithTitle:action:keyEquivalent:atIndex:",
                      &NSMenu::insertItemWithTitle_action_keyEquivalent_atIndex>();
     methods.instance<"removeItem:", &NSMenu::removeItem>();
@@ -51,6 +53,11 @@ PELVOR_DEFINE_CLASS(NSMenu, interfaceLibrary) {
     methods.instance<"autoenablesItems", &NSMenu::autoenablesItems>();
     methods.instance<"setAutoenablesItems:", &NSMenu::setAutoenablesItems>();
     methods.instance<"update", &NSMenu::update>();
+    methods.instance<"performKeyEquivalent:", &NSMenu::performKeyEquivalent>();
+    methods.classLevel<"popUpContextMenu:withEvent:forView:", &NSMenu::popUpContextMenu_withEvent_forView>();
+    methods.instance<"popUpMenuPositioningItem:atLocation:inView:",
+                     &NSMenu::popUpMenuPositioningItem_atLocation_inView>();
+    methods.instance<"cancelTracking", &NSMenu::cancelTracking>();
     methods.instance<"performActionForItemAtIndex:", &NSMenu::performActionForItemAtIndex>();
     methods.instance<"highlightedItem", &NSMenu::highlightedItem>();
     methods.instance<"delegate", &NSMenu::delegate>();
@@ -231,6 +238,11 @@ bool NSMenu::contains(NSMenu* menu) {
 
 void NSMenu::didChange() {
     ++_changeCount;
+    _layout = nullptr;
+    tellObservers();
+}
+
+void NSMenu::tellObservers() {
     const auto observers = _observers;
     for (MenuObserver* observer : observers)
         if (std::find(_observers.begin(), _observers.end(), observer) != _observers.end())
@@ -272,8 +284,11 @@ void NSMenu::update() {
 namespace {
 
 bool isAccepted(NSMenuItem* item) {
-    const Retained<Object> taker = item->heldTarget();
-    if (!taker || !taker->respondsToSelector(item->action())) return false;
+    if (item->hasLostTarget()) return false;
+    const Retained<Object> target = item->heldTarget();
+    auto taker = Retained<Object>::retaining(
+        NSApplication::sharedApplication()->targetForAction_to_from(item->action(), target, item));
+    if (!taker) return false;
     if (taker->respondsToSelector("validateMenuItem:"_sel))
         return send<bool>(taker.get(), "validateMenuItem:"_sel, item);
     if (taker->respondsToSelector("validateUserInterfaceItem:"_sel))
@@ -288,13 +303,42 @@ void NSMenu::validateItem(NSMenuItem* item) {
     bool isEnabled = false;
     try {
         isEnabled = item->action() && isAccepted(item);
-    } catch (const NSException& exception) {
-        NSLog(u"%s"_ns, exception.what());
+    } catch (...) {
+        reportCurrentException();
     }
     item->setEnabled(isEnabled);
 }
 
 // MARK: Choosing
+
+Retained<NSMenuItem> NSMenu::findKey(NSString* characters, NSUInteger modifiers) {
+    tellDelegate("menuNeedsUpdate:"_sel);
+    const auto items = _items;
+    for (const auto& item : items) {
+        if (item->_menu != this || item->isHidden()) continue;
+        if (const auto submenu = item->_submenu) {
+            if (!item->isEnabled()) continue;
+            if (auto found = submenu->findKey(characters, modifiers)) return found;
+        } else if (item->matchesKey_modifiers(characters, modifiers)) {
+            validateItem(item);
+            if (item->isEnabled() && item->action()) return item;
+        }
+    }
+    return nullptr;
+}
+
+Retained<NSMenuItem> NSMenu::itemForKeyEvent(NSEvent* event) {
+    const auto held = Retained<NSMenu>::retaining(this);
+    return findKey(event->shortcutCharacters(), event->modifierFlags());
+}
+
+bool NSMenu::performKeyEquivalent(NSEvent* event) {
+    requireArgument(event, "performKeyEquivalent:", "the event");
+    const auto item = itemForKeyEvent(event);
+    if (!item) return false;
+    if (item->_menu) item->_menu->performItem(item);
+    return true;
+}
 
 void NSMenu::performActionForItemAtIndex(NSInteger index) {
     requireIndex(place(index), place(numberOfItems()), "performActionForItemAtIndex:");
@@ -302,23 +346,41 @@ void NSMenu::performActionForItemAtIndex(NSInteger index) {
 }
 
 void NSMenu::performItem(NSMenuItem* chosen) {
-    if (!chosen->isEnabled() || !chosen->action()) return;
+    if (!chosen->isEnabled() || !chosen->action() || chosen->hasLostTarget()) return;
     const auto menu = Retained<NSMenu>::retaining(this);
     const auto item = Retained<NSMenuItem>::retaining(chosen);
     const Retained<Object> target = item->heldTarget();
     NSDictionary* info = NSDictionary::of({{u"MenuItem"_ns, item}});
     auto* centre = NSNotificationCenter::defaultCenter();
     centre->postNotificationName_object_userInfo(NSMenuWillSendActionNotification, menu, info);
-    if (target && target->respondsToSelector(item->action())) send(target.get(), item->action(), item);
+    NSApplication::sharedApplication()->sendAction_to_from(item->action(), target, item);
     centre->postNotificationName_object_userInfo(NSMenuDidSendActionNotification, menu, info);
 }
 
 // MARK: Handles
 
-MenuRef _NSGetCarbonMenu(NSMenu*) { return nullptr; }
+namespace {
+
+constinit MenuID highlightedNumber = 0;
+
+}  // namespace
+
+MenuRef _NSGetCarbonMenu(NSMenu* menu) {
+    static constinit MenuID lastNumber = 0;
+    NSMenu* bar = NSApplication::sharedApplication()->mainMenu();
+    if (!menu || !bar || menu->supermenu() != bar) return nullptr;
+    if (menu->_handle.number == 0) menu->_handle.number = ++lastNumber;
+    return &menu->_handle;
+}
 
 MenuID GetMenuID(MenuRef menu) { return menu ? menu->number : MenuID{0}; }
 
-void HiliteMenu(MenuID) {}
+MenuID highlightedMenu() { return highlightedNumber; }
+
+void HiliteMenu(MenuID number) {
+    if (number == highlightedNumber) return;
+    highlightedNumber = number;
+    if (NSMenu* bar = NSApplication::sharedApplication()->mainMenu()) bar->tellObservers();
+}
 
 }  // namespace pelvor

@@ -2,14 +2,19 @@
 // NSMenu: a list of commands.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "Foundation/NSArray.h"
+#include "Foundation/NSGeometry.h"
 #include "Interface/NSMenuItem.h"
 
 namespace pelvor {
 
+class MenuLayout;
 class MenuObserver;
+class NSEvent;
+class NSView;
 
 /// The handle of a menu whose title stands in the menu bar, and its number, which is never 0.
 using MenuID = std::int16_t;
@@ -110,9 +115,22 @@ class PELVOR_EXPORT NSMenu : public NSObject {
 
     // Choosing
 
+    /// Chooses the item that the key event means, in this menu or in a submenu. Returns false if there is no
+    /// such item that is enabled.
+    bool performKeyEquivalent(NSEvent* event);
     /// Sends the item's action, if the item is enabled and has one.
     void performActionForItemAtIndex(NSInteger index);
 
+    // Opening. These return when the menu is closed again and the action of the chosen item has been sent.
+
+    /// Opens the menu where the event happened, in the event's window or else the view's.
+    static void popUpContextMenu_withEvent_forView(NSMenu* menu, NSEvent* event, NSView* view);
+    /// Opens the menu at the place in the view, or on the screen if the view is null: the upper left corner of
+    /// the menu, or the middle of the item's left edge if the item is not null. Returns whether an item was
+    /// chosen.
+    bool popUpMenuPositioningItem_atLocation_inView(NSMenuItem* item, NSPoint place, NSView* view);
+    /// Closes the menu, and those that it was opened from, if it is open.
+    void cancelTracking();
     /// The item under the pointer, or that the arrow keys have reached, while the menu is open; else null.
     NSMenuItem* highlightedItem() { return _highlightedItem; }
 
@@ -124,12 +142,17 @@ class PELVOR_EXPORT NSMenu : public NSObject {
     // C++ only
     /// Enables or disables the item as `update` does.
     void validateItem(NSMenuItem* item);
+    /// The enabled item that the key event means, in this menu or in a submenu; null if there is none.
+    Retained<NSMenuItem> itemForKeyEvent(NSEvent* event);
     /// As performActionForItemAtIndex does it.
     void performItem(NSMenuItem* item);
     /// The items where they stand, for walks that change nothing.
     const std::vector<Retained<NSMenuItem>>& items() { return _items; }
     /// A number that grows with every change of the menu or of one of its items.
     std::uint32_t changeCount() { return _changeCount; }
+    /// Where the lines stand, kept by who shows the menu until something changes.
+    const std::shared_ptr<const MenuLayout>& layout() { return _layout; }
+    void setLayout(std::shared_ptr<const MenuLayout> layout) { _layout = std::move(layout); }
     /// Moves the highlight, and tells the delegate.
     void setHighlightedItem(NSMenuItem* item);
     /// Tells the delegate, if it wants to know.
@@ -146,15 +169,19 @@ class PELVOR_EXPORT NSMenu : public NSObject {
     friend class NSMenuItem;
     friend PELVOR_EXPORT MenuRef _NSGetCarbonMenu(NSMenu* menu);
     friend PELVOR_EXPORT void HiliteMenu(MenuID number);
+/// The number that was highlighted last; 0 for none.
+PELVOR_EXPORT MenuID highlightedMenu();
     void didChange();
-    void setItemOf(NSMenu* submenu, NSMenuItem* item);
+    void tellObservers();
     bool contains(NSMenu* menu);
+    Retained<NSMenuItem> findKey(NSString* characters, NSUInteger modifiers);
     template <class Matches>
     NSInteger findIndex(Matches matches);
     NSMenuItem* itemAtFound(NSInteger index);
 
     std::vector<Retained<NSMenuItem>> _items;
     std::vector<MenuObserver*> _observers;
+    std::shared_ptr<const MenuLayout> _layout;
     Retained<NSString> _title;
     Retained<NSMenuItem> _highlightedItem;
     WeakHandle _delegate;
@@ -164,13 +191,16 @@ class PELVOR_EXPORT NSMenu : public NSObject {
     bool _autoenablesItems = true;
 };
 
-/// The handle of a menu that stands in the menu bar; null, as there is no menu bar yet.
+/// The handle of a menu that is a submenu of the application's main menu, valid while it is; null for others
+/// and for null.
 PELVOR_EXPORT MenuRef _NSGetCarbonMenu(NSMenu* menu);
 /// 0 for null.
 PELVOR_EXPORT MenuID GetMenuID(MenuRef menu);
 /// Highlights the title of the menu with this number in the menu bar, and takes the highlight from any other;
 /// 0 highlights none.
 PELVOR_EXPORT void HiliteMenu(MenuID number);
+/// The number that was highlighted last; 0 for none.
+PELVOR_EXPORT MenuID highlightedMenu();
 
 /// Something that shows a menu.
 class PELVOR_EXPORT MenuObserver {

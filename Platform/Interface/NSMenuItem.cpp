@@ -8,6 +8,7 @@
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/KeyEquivalents.h"
 #include "Interface/NSEvent.h"
+#include "Interface/NSImage.h"
 #include "Interface/NSMenu.h"
 #include "Shared/ArgumentChecks.h"
 
@@ -21,6 +22,8 @@ PELVOR_DEFINE_CLASS(NSMenuItem, interfaceLibrary) {
     methods.instance<"setTitle:", &NSMenuItem::setTitle>();
     methods.instance<"attributedTitle", &NSMenuItem::attributedTitle>();
     methods.instance<"setAttributedTitle:", &NSMenuItem::setAttributedTitle>();
+    methods.instance<"image", &NSMenuItem::image>();
+    methods.instance<"setImage:", &NSMenuItem::setImage>();
     methods.instance<"state", &NSMenuItem::state>();
     methods.instance<"setState:", &NSMenuItem::setState>();
     methods.instance<"indentationLevel", &NSMenuItem::indentationLevel>();
@@ -91,6 +94,11 @@ void NSMenuItem::didChange() {
     if (_menu) _menu->didChange();
 }
 
+// Where the lines of the menu stand has not changed.
+void NSMenuItem::didChangeLook() {
+    if (_menu) _menu->tellObservers();
+}
+
 template <class T>
 void NSMenuItem::change(T& field, T value) {
     if (field == value) return;
@@ -107,7 +115,12 @@ void NSMenuItem::setAttributedTitle(NSAttributedString* title) {
     change(_attributedTitle, title ? title->copy() : nullptr);
 }
 
-void NSMenuItem::setState(NSInteger state) { change(_state, std::clamp<NSInteger>(state, -1, 1)); }
+void NSMenuItem::setImage(NSImage* image) { change(_image, Retained<NSImage>::retaining(image)); }
+
+void NSMenuItem::setState(NSInteger state) {
+    const NSInteger former = std::exchange(_state, std::clamp<NSInteger>(state, -1, 1));
+    if (_state != former) didChangeLook();
+}
 
 void NSMenuItem::setIndentationLevel(NSInteger level) {
     change(_indentationLevel, std::clamp<NSInteger>(level, 0, 15));
@@ -115,10 +128,15 @@ void NSMenuItem::setIndentationLevel(NSInteger level) {
 
 void NSMenuItem::setToolTip(NSString* tip) { _toolTip = tip ? tip->copy() : nullptr; }
 void NSMenuItem::setHidden(bool isHidden) { change(_isHidden, isHidden); }
-void NSMenuItem::setEnabled(bool isEnabled) { change(_isEnabled, isEnabled); }
+void NSMenuItem::setEnabled(bool isEnabled) {
+    if (std::exchange(_isEnabled, isEnabled) != isEnabled) didChangeLook();
+}
 void NSMenuItem::setAction(SEL action) { _action = action; }
 id NSMenuItem::target() { return heldTarget().autorelease(); }
-void NSMenuItem::setTarget(id target) { _target = WeakHandle(target); }
+void NSMenuItem::setTarget(id target) {
+    _target = WeakHandle(target);
+    _hasTarget = target != nullptr;
+}
 
 void NSMenuItem::setKeyEquivalent(NSString* key) {
     requireArgument(key, "setKeyEquivalent:", "the key");

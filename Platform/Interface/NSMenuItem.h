@@ -9,7 +9,7 @@
 namespace pelvor {
 
 class NSAttributedString;
-class NSEvent;
+class NSImage;
 class NSMenu;
 class NSString;
 
@@ -48,6 +48,9 @@ class PELVOR_EXPORT NSMenuItem : public NSObject {
     NSAttributedString* attributedTitle() { return _attributedTitle; }
     /// Copies the text. Null shows the title again.
     virtual void setAttributedTitle(NSAttributedString* title);
+    /// The picture in front of the title, or null.
+    NSImage* image() { return _image; }
+    void setImage(NSImage* image);
     /// -1, 0 or 1: partly on, off or on. The state is a mark in front of the title.
     NSInteger state() { return _state; }
     /// Numbers above 0 count as 1, below as -1.
@@ -112,6 +115,8 @@ class PELVOR_EXPORT NSMenuItem : public NSObject {
     bool matchesKey_modifiers(NSString* characters, NSUInteger modifiers);
     /// The target, held.
     Retained<Object> heldTarget() { return _target.object(); }
+    /// Whether the target has ended. The action is sent to nobody then.
+    bool hasLostTarget() { return _hasTarget && !_target.object(); }
 
   protected:
     NSMenuItem();
@@ -122,9 +127,11 @@ class PELVOR_EXPORT NSMenuItem : public NSObject {
     template <class T>
     void change(T& field, T value);
     void didChange();
+    void didChangeLook();
 
     Retained<NSString> _title, _keyEquivalent, _toolTip;
     Retained<NSAttributedString> _attributedTitle;
+    Retained<NSImage> _image;
     Retained<NSMenu> _submenu;
     Retained<Object> _representedObject;
     WeakHandle _target;
@@ -132,7 +139,7 @@ class PELVOR_EXPORT NSMenuItem : public NSObject {
     NSInteger _tag = 0, _state = 0, _indentationLevel = 0;
     NSUInteger _keyEquivalentModifierMask;
     SEL _action;
-    bool _isEnabled = true, _isHidden = false, _isSeparator = false;
+    bool _hasTarget = false, _isEnabled = true, _isHidden = false, _isSeparator = false;
 };
 
 }  // namespace pelvor

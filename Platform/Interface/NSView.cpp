@@ -8,6 +8,7 @@
 #include "Foundation/NSNotificationCenter.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSEvent.h"
+#include "Interface/NSMenu.h"
 #include "Interface/NSWindow.h"
 #include "Interface/Windows/ViewExtras.h"
 #include "Interface/Windows/WindowState.h"
@@ -106,6 +107,9 @@ PELVOR_DEFINE_CLASS(NSView, interfaceLibrary) {
     methods.instance<"nextValidKeyView", &NSView::nextValidKeyView>();
     methods.instance<"previousValidKeyView", &NSView::previousValidKeyView>();
     methods.instance<"canBecomeKeyView", &NSView::canBecomeKeyView>();
+    methods.instance<"menu", &NSView::menu>();
+    methods.instance<"setMenu:", &NSView::setMenu>();
+    methods.instance<"menuForEvent:", &NSView::menuForEvent>();
     methods.instance<"toolTip", &NSView::toolTip>();
     methods.instance<"setToolTip:", &NSView::setToolTip>();
 }

@@ -11,6 +11,7 @@
 namespace pelvor {
 
 class NSCursor;
+class NSMenu;
 class NSWindow;
 class WindowPainter;
 class WindowTracking;
@@ -240,6 +241,17 @@ class PELVOR_EXPORT NSView : public NSResponder {
     virtual bool acceptsFirstMouse(NSEvent* event);
     /// Asks the subviews, the front one first.
     bool performKeyEquivalent(NSEvent* event) override;
+
+    // The context menu
+
+    /// What the button for context menus opens in the view; null for nothing.
+    virtual NSMenu* menu();
+    virtual void setMenu(NSMenu* menu);
+    /// The menu for this press of the button, or of the key for context menus; the base returns `menu`. Null
+    /// hands the event to the next responder.
+    virtual NSMenu* menuForEvent(NSEvent* event);
+    /// Opens the menu.
+    void rightMouseDown(NSEvent* event) override;
 
     // Cursor and tracking rectangles, in the view's coordinates.
 

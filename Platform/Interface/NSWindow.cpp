@@ -50,6 +50,8 @@ PELVOR_DEFINE_CLASS(NSWindow, interfaceLibrary) {
     methods.instance<"setTitleWithRepresentedFilename:", &NSWindow::setTitleWithRepresentedFilename>();
     methods.instance<"representedFilename", &NSWindow::representedFilename>();
     methods.instance<"setRepresentedFilename:", &NSWindow::setRepresentedFilename>();
+    methods.instance<"showsMenuBar", &NSWindow::showsMenuBar>();
+    methods.instance<"setShowsMenuBar:", &NSWindow::setShowsMenuBar>();
     methods.instance<"isDocumentEdited", &NSWindow::isDocumentEdited>();
     methods.instance<"setDocumentEdited:", &NSWindow::setDocumentEdited>();
     methods.instance<"backgroundColor", &NSWindow::backgroundColor>();
@@ -377,6 +379,12 @@ NSString* NSWindow::representedFilename() {
 }
 void NSWindow::setRepresentedFilename(NSString* path) {
     _state->representedFilename = path ? path->copy() : nullptr;
+}
+
+bool NSWindow::showsMenuBar() { return _state->showsMenuBar; }
+void NSWindow::setShowsMenuBar(bool shows) {
+    _state->showsMenuBar = shows;
+    _state->updateMenuBar();
 }
 
 bool NSWindow::isDocumentEdited() { return _state->isDocumentEdited; }

@@ -6,6 +6,7 @@
 
 #include "Foundation/NSString.h"
 #include "Interface/NSCursor.h"
+#include "Interface/NSMenu.h"
 #include "Interface/NSView.h"
 #include "Interface/Windows/ViewGeometry.h"
 
@@ -22,6 +23,7 @@ struct NSView::Extras {
     std::vector<CursorRect> cursorRects;
     std::uint64_t cursorGeneration = 0;  // of the window's geometry, when the rectangles were set
     Retained<NSString> toolTip;
+    Retained<NSMenu> menu;
 };
 
 /// The rectangles around blocks of neighbouring subviews, by which a search leaves out most of many.

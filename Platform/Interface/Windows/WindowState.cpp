@@ -7,6 +7,7 @@
 #include "Interface/Events/ApplicationState.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSInputManager.h"
+#include "Interface/NSMenuBarView.h"
 #include "Runtime/Message.h"
 
 namespace pelvor {
@@ -141,12 +142,21 @@ void WindowState::setBar(NSView* view) {
     layOut();
 }
 
+void WindowState::updateMenuBar() {
+    const bool isWanted = showsMenuBar && (styleMask & NSTitledWindowMask) && window->canBecomeMainWindow() &&
+                          NSApplication::sharedApplication()->mainMenu();
+    if (isWanted == static_cast<bool>(bar)) return bar ? bar->setNeedsDisplay(true) : void();
+    if (!isWanted) return setBar(nullptr);
+    setBar(NSMenuBarView::initWithFrame({{}, {0, NSMenuBarView::menuBarHeight()}}).get());
+}
+
 // MARK: Showing
 
 void WindowState::show(bool shown, bool raises, bool takesFocus) {
     const auto held = Retained<NSWindow>::retaining(window);
     DisplayConnection& display = DisplayConnection::shared();
     if (shown && !backendWindow) createBackendWindow();
+    if (shown && !isVisible) updateMenuBar();
     WindowChanges changes;
     const bool isChanged = shown != isVisible;
     isVisible = shown;

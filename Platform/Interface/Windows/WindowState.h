@@ -79,6 +79,7 @@ struct WindowState {
     bool isClosed = false;
     bool wasShown = false;
     bool isPanel = false;
+    bool showsMenuBar = true;
     int flushDisabled = 0;
 
     void createBackendWindow();
@@ -90,6 +91,8 @@ struct WindowState {
     void layOut();
     /// A view above the content view, as high as its frame; null for none.
     void setBar(NSView* view);
+    /// Shows the titles of the application's main menu, if there is one and the window is to have them.
+    void updateMenuBar();
     void show(bool isShown, bool raises, bool takesFocus);
     /// The view leaves the window, or is hidden, with what is inside it.
     void forgetResponders(NSView* view);

@@ -1,0 +1,335 @@
+// SPDX-License-Identifier: Apache-2.0
+// Open menus, and a user who goes through them.
+#include "Foundation/NSObject-DelayedPerforming.h"
+#include "Foundation/NSRunLoop.h"
+#include "Foundation/NSTimer.h"
+#include "Interface/NSAlert.h"
+#include "Interface/NSMenu.h"
+#include "Interface/NSMenuBarView.h"
+#include "Interface/NSPopUpButton.h"
+#include "Interface/NSScreen.h"
+#include "Interface/NSView.h"
+#include "InterfaceScope.h"
+
+namespace {
+
+extern Library menuTrackingLibrary;
+
+// Takes every command of the test's menus, and is the delegate of its menus.
+class MTTaker : public NSObject {
+    PELVOR_CLASS(MTTaker, NSObject);
+
+  public:
+    void take(NSMenuItem* item) {
+        log.push_back(item->title()->toUTF8());
+        if (whenTaken) whenTaken();
+    }
+    void choose(NSPopUpButton* button) { log.push_back("chose " + button->titleOfSelectedItem()->toUTF8()); }
+    void menuWillOpen(NSMenu* menu) { tell("open " + menu->title()->toUTF8()); }
+    void menuDidClose(NSMenu* menu) { tell("close " + menu->title()->toUTF8()); }
+    void tell(std::string what) {
+        log.push_back(what);
+        if (whenTold) whenTold(what);
+    }
+
+    std::vector<std::string> log;
+    std::function<void()> whenTaken;
+    std::function<void(const std::string&)> whenTold;
+};
+
+PELVOR_DEFINE_CLASS(MTTaker, menuTrackingLibrary) {
+    methods.instance<"take:", &MTTaker::take>();
+    methods.instance<"choose:", &MTTaker::choose>();
+    methods.instance<"menuWillOpen:", &MTTaker::menuWillOpen>();
+    methods.instance<"menuDidClose:", &MTTaker::menuDidClose>();
+}
+
+Library menuTrackingLibrary{"MenuTrackingTest", {}, kClassesOf<MTTaker>, {}};
+
+NSMenuItem* add(NSMenu* menu, const char* title, id target) {
+    NSMenuItem* item =
+        menu->addItemWithTitle_action_keyEquivalent(NSString::ofUTF8(title), "take:"_sel, u""_ns);
+    item->setTarget(target);
+    return item;
+}
+
+class MenuTracking : public ::testing::Test {
+  protected:
+    MenuTracking() {
+        for (NSMenu* menu : {file.get(), edit.get(), recent.get()}) menu->setDelegate(taker);
+        add(file, "New", taker);
+        add(file, "Recent", taker)->setSubmenu(recent);
+        file->addItem(NSMenuItem::separatorItem());
+        add(file, "Disabled", nullptr)->setAction("nobody:"_sel);
+        add(file, "Quit", taker)->setKeyEquivalent(u"q"_ns);
+        for (const char* title : {"Anna", "Berta", "Bruno"}) add(recent, title, taker);
+        add(edit, "Copy", taker);
+        add(bar, "File", nullptr)->setSubmenu(file);
+        add(bar, "Edit", nullptr)->setSubmenu(edit);
+        screen.app->setMainMenu(bar);
+        window = screen.window({{100, 100}, {400, 300}});
+        for (NSMenu* menu : {file.get(), edit.get(), recent.get()}) menu->setTitle(NSString::ofUTF8(
+            menu == file ? "file" : menu == edit ? "edit" : "recent"));
+    }
+
+    ~MenuTracking() {
+        if (timer) timer->invalidate();
+    }
+
+    // What the user does while a menu is open: one step after the other, with time between them.
+    void plan(std::vector<std::function<void()>> itsSteps, double seconds = 0.25,
+              NSString* mode = NSEventTrackingRunLoopMode) {
+        steps = std::move(itsSteps);
+        next = 0;
+        if (timer) timer->invalidate();
+        auto user = Listener::doing([this](id) {
+            if (next < steps.size()) steps[next++]();
+        });
+        timer.set(NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(seconds, user, "hear:"_sel,
+                                                                                  nullptr, true));
+        NSRunLoop::mainRunLoop()->addTimer_forMode(timer, mode);
+    }
+    void key(char16_t unit, std::uint32_t modifiers = 0) {
+        BackendKey key;
+        key.characters = key.charactersIgnoringModifiers = key.shortcutCharacters = std::u16string(1, unit);
+        key.modifiers = modifiers;
+        screen.backend->key(key);
+    }
+    std::function<void()> pressing(char16_t unit, std::uint32_t modifiers = 0) {
+        return [=, this] { key(unit, modifiers); };
+    }
+    // The window of the menu that was opened last, and a place in its line.
+    NSWindow* menuWindow() {
+        return static_cast<NSWindow*>(screen.app->orderedWindows()->objectAtIndex(0));
+    }
+    std::function<void()> pointing(int line) {
+        return [=, this] { screen.backend->movePointer(placeOfLine(line)); };
+    }
+    PixelPoint placeOfLine(int line) {
+        return screen.placeOf(menuWindow()->contentView(), {40, 5 + 22 * static_cast<float>(line) + 11});
+    }
+    PixelPoint placeOfTitle(float x) {
+        NSView* view = window->contentView();
+        return screen.placeOf(view, {x, NSMaxY(view->frame()) + 10});
+    }
+    std::function<void()> clicking() {
+        return [this] {
+            screen.backend->pressButton(1);
+            screen.backend->releaseButton(1);
+        };
+    }
+    std::string highlighted(NSMenu* menu) {
+        return menu->highlightedItem() ? menu->highlightedItem()->title()->toUTF8() : "-";
+    }
+    void openContextMenu() {
+        screen.click(window->contentView(), {50, 50}, 1, 0, 2);
+    }
+    std::string takeLog() { return joined(std::exchange(taker->log, {})); }
+
+    InterfaceScope screen;
+    Retained<MTTaker> taker = make<MTTaker>();
+    Retained<NSMenu> bar = NSMenu::init(), file = NSMenu::init(), edit = NSMenu::init(), recent = NSMenu::init();
+    Retained<NSWindow> window;
+    std::vector<std::function<void()>> steps;
+    std::size_t next = 0;
+    Retained<NSTimer> timer;
+};
+
+TEST_F(MenuTracking, GoesThroughMenusByKeys) {
+    plan({pressing(NSDownArrowFunctionKey), pressing(NSRightArrowFunctionKey), [&] {
+              EXPECT_EQ(highlighted(file) + " " + highlighted(recent), "Recent Anna");
+          },
+          pressing(NSUpArrowFunctionKey), pressing(u'\r')});
+    screen.press(NSF10FunctionKey);
+    EXPECT_EQ(takeLog(), "open file, open recent, close recent, close file, Bruno");
+    EXPECT_FALSE(screen.backend->isTracking());
+    // To the next menu and back, past items that cannot be chosen, and out again.
+    plan({pressing(NSRightArrowFunctionKey), pressing(NSLeftArrowFunctionKey), pressing(NSUpArrowFunctionKey),
+          pressing(NSUpArrowFunctionKey), [&] { EXPECT_EQ(highlighted(file), "Recent"); }, pressing(0x1b)});
+    screen.press(NSF10FunctionKey);
+    EXPECT_EQ(takeLog(), "open file, close file, open edit, close edit, open file, close file");
+}
+
+TEST_F(MenuTracking, SelectsByTyping) {
+    plan({pressing(u'r'), pressing(u'\r'), pressing(u'b'), pressing(u'r'), [&] {
+              EXPECT_EQ(highlighted(recent), "Bruno");
+          },
+          pressing(u'\r')});
+    screen.press(NSF10FunctionKey);
+    EXPECT_EQ(takeLog(), "open file, open recent, close recent, close file, Bruno");
+    // The same letter again and again goes round; an unknown one changes nothing.
+    plan({pressing(u'r'), pressing(u'\r'), pressing(u'b'), pressing(u'b'), [&] {
+              EXPECT_EQ(highlighted(recent), "Bruno");
+          },
+          pressing(u'x'), [&] { EXPECT_EQ(highlighted(recent), "Bruno"); }, pressing(NSF10FunctionKey)}, 1.5);
+    screen.press(NSF10FunctionKey);
+}
+
+TEST_F(MenuTracking, TakesShortcutsWhileOpen) {
+    plan({pressing(u'q', kBackendCommand)});
+    screen.press(NSF10FunctionKey);
+    EXPECT_EQ(takeLog(), "open file, close file, Quit");
+    screen.press(u'q', NSCommandKeyMask);  // and while closed
+    EXPECT_EQ(takeLog(), "Quit");
+    file->itemWithTitle(u"Quit"_ns)->setHidden(true);
+    screen.press(u'q', NSCommandKeyMask);
+    EXPECT_EQ(takeLog(), "");
+}
+
+TEST_F(MenuTracking, FollowsAClickAndARest) {
+    plan({pointing(1), [&] { EXPECT_EQ(highlighted(file), "Recent"); }, pointing(2), [&] {
+              EXPECT_EQ(highlighted(recent), "Bruno");
+          },
+          clicking()}, 0.5);
+    screen.backend->movePointer(placeOfTitle(20));
+    screen.backend->pressButton(1);
+    screen.backend->releaseButton(1);
+    screen.turn();
+    EXPECT_EQ(takeLog(), "open file, open recent, close recent, close file, Bruno");
+}
+
+TEST_F(MenuTracking, FollowsADrag) {
+    plan({pointing(0), [&] { screen.backend->releaseButton(1); }});
+    screen.backend->movePointer(placeOfTitle(20));
+    screen.backend->pressButton(1);
+    screen.turn();
+    EXPECT_EQ(takeLog(), "open file, close file, New");
+    // Over to the other title, and released beside everything.
+    plan({[&] { screen.backend->movePointer(placeOfTitle(70)); },
+          [&] { screen.backend->movePointer({700, 700}); }, [&] { screen.backend->releaseButton(1); }});
+    screen.backend->movePointer(placeOfTitle(20));
+    screen.backend->pressButton(1);
+    screen.turn();
+    EXPECT_EQ(takeLog(), "open file, close file, open edit, close edit");
+}
+
+TEST_F(MenuTracking, OpensContextMenusAndClosesThemByAClickBeside) {
+    window->contentView()->setMenu(recent);
+    plan({pointing(1), clicking()});
+    openContextMenu();
+    EXPECT_EQ(takeLog(), "open recent, close recent, Berta");
+    plan({[&] {
+        screen.backend->movePointer({900, 900});
+        screen.backend->pressButton(1);
+        screen.backend->releaseButton(1);
+    }});
+    openContextMenu();
+    plan({[&] { recent->cancelTracking(); }});
+    screen.press(NSMenuFunctionKey);
+    EXPECT_EQ(takeLog(), "open recent, close recent, open recent, close recent");
+}
+
+TEST_F(MenuTracking, SurvivesWhatItsMenusDo) {
+    LogLines log;
+    plan({[&] { file->removeItemAtIndex(1); }, [&] { EXPECT_EQ(highlighted(file), "New"); },
+          [&] { file->removeAllItems(); }, pressing(NSDownArrowFunctionKey), pressing(u'\r'), pressing(0x1b)});
+    screen.press(NSF10FunctionKey);
+    EXPECT_EQ(takeLog(), "open file, close file");
+    // A delegate raises; the item that was chosen is gone, with its menu, when its action is sent.
+    taker->whenTold = [&](const std::string& what) {
+        if (what == "open edit") throw NSException("Trouble", "opening");
+        if (what == "close edit") bar->removeAllItems();
+    };
+    plan({pressing(NSRightArrowFunctionKey), pressing(u'\r')});
+    file->addItem(NSMenuItem::separatorItem());
+    screen.press(NSF10FunctionKey);
+    EXPECT_THAT(log.lines, Contains(HasSubstr("opening")));
+    EXPECT_EQ(taker->log.back(), "Copy");
+}
+
+TEST_F(MenuTracking, ClosesTheWindowInItsOwnAction) {
+    taker->whenTaken = [&] {
+        window->close();
+        window = nullptr;
+        screen.app->setMainMenu(nullptr);
+    };
+    plan({pressing(u'\r')});
+    screen.press(NSF10FunctionKey);
+    EXPECT_EQ(takeLog(), "open file, close file, New");
+}
+
+TEST_F(MenuTracking, FitsIntoTheScreenAndScrolls) {
+    auto menu = NSMenu::init();
+    for (int i = 0; i < 1000; ++i) add(menu, ("Line " + std::to_string(i)).c_str(), taker);
+    window->contentView()->setMenu(menu);
+    const NSRect visible = NSScreen::mainScreen()->visibleFrame();
+    plan({[&] { EXPECT_EQ(NSHeight(menuWindow()->frame()), NSHeight(visible)); },
+          [&] { screen.backend->movePointer(screen.placeOf(menuWindow()->contentView(), {40, NSHeight(visible) - 4})); },
+          [&] {}, [&] { screen.backend->movePointer(placeOfLine(1)); },
+          [&] { EXPECT_GT(menu->indexOfItem(menu->highlightedItem()), 5); },
+          pressing(NSEndFunctionKey), pressing(u'\r')});
+    openContextMenu();
+    EXPECT_EQ(takeLog(), "Line 999");
+}
+
+TEST_F(MenuTracking, HighlightsTitlesByTheirHandles) {
+    const MenuRef handle = _NSGetCarbonMenu(edit);
+    ASSERT_TRUE(handle && GetMenuID(handle));
+    EXPECT_NE(GetMenuID(handle), GetMenuID(_NSGetCarbonMenu(file)));
+    EXPECT_EQ(_NSGetCarbonMenu(recent), nullptr);
+    const auto seen = [&] {
+        screen.turn();
+        NSView* view = window->contentView();
+        return screen.pixel(view, {70, NSMaxY(view->frame()) + 4});
+    };
+    const std::uint32_t plain = seen();
+    HiliteMenu(GetMenuID(handle));
+    EXPECT_NE(seen(), plain);
+    HiliteMenu(0);
+    EXPECT_EQ(seen(), plain);
+}
+
+TEST_F(MenuTracking, SelectsInPopUpButtons) {
+    auto button = NSPopUpButton::initWithFrame_pullsDown({{20, 20}, {120, 26}}, false);
+    button->addItemsWithTitles(NSArray::of({u"A4"_ns, u"Letter"_ns, u"A5"_ns, u"Letter"_ns}));
+    button->setTarget(taker);
+    button->setAction("choose:"_sel);
+    window->contentView()->addSubview(button);
+    EXPECT_EQ(shown(button->numberOfItems(), button->titleOfSelectedItem(), button->indexOfItemWithTitle(u"Letter"_ns)),
+              "3 A4 2");
+    // The selected line opens over the button, so a click in place changes nothing; keys go on from there.
+    plan({[&] { EXPECT_NEAR(NSMidY(menuWindow()->frame()) + 22, 100 + 33, 2); }, pressing(NSDownArrowFunctionKey),
+          pressing(u'\r')});
+    screen.click(button, {60, 10});
+    EXPECT_EQ(takeLog(), "chose A5");
+    EXPECT_EQ(shown(button->indexOfSelectedItem(), button->itemAtIndex(1)->state(), button->itemAtIndex(0)->state()),
+              "1 1 0");
+    button->removeItemAtIndex(1);
+    EXPECT_EQ(button->selectedItem(), nullptr);
+    plan({pressing(0x1b)});
+    screen.click(button, {60, 10});
+    EXPECT_EQ(takeLog(), "");
+    // A pull-down button keeps its title.
+    button->setPullsDown(true);
+    plan({pressing(NSEndFunctionKey), pressing(u'\r')});
+    screen.click(button, {60, 10});
+    EXPECT_EQ(takeLog() + shown(button->cell()->title()), "chose LetterA4");
+}
+
+TEST_F(MenuTracking, AsksInAlerts) {
+    LogLines log;
+    EXPECT_EQ(NSRunAlertPanel(u"Writer"_ns, u"%@ is missing."_ns, nullptr, nullptr, nullptr, u"It"_ns),
+              NSAlertErrorReturn);  // nobody is there
+    EXPECT_THAT(log.lines, ElementsAre("Writer: It is missing."));
+    // Each key answers one alert.
+    struct {
+        char16_t key;
+        NSString* alternate;
+        NSInteger answer;
+    } rows[] = {{u'\r', u"Cancel"_ns, NSAlertDefaultReturn},
+                {0x1b, u"Cancel"_ns, NSAlertAlternateReturn},
+                {0x1b, nullptr, NSAlertDefaultReturn}};
+    for (const auto& row : rows) {
+        NSInteger answer = 0;
+        auto asks = Listener::doing([&](id) {
+            plan({pressing(row.key)}, 0.25, NSModalPanelRunLoopMode);
+            answer = NSRunAlertPanel(u"Save?"_ns, u"Changes get lost."_ns, u"Save"_ns, row.alternate, nullptr);
+            screen.app->stop(nullptr);
+        });
+        performSelector_withObject_afterDelay(asks, "hear:"_sel, nullptr, 0);
+        screen.app->run();
+        EXPECT_EQ(answer, row.answer) << int{row.key};
+    }
+}
+
+}  // namespace
