@@ -45,12 +45,12 @@ class NSTableView;         ///< rows and columns of values
 class NSTextFieldCell;     ///< a text in a field
 
 // Menus
-class MenuObserver;   ///< something that shows a menu
-class NSAlert;         ///< a panel that tells or asks the user something
-class NSMenu;         ///< a list of commands
-class NSMenuBarView;  ///< the titles of the main menu in a window
-class NSMenuItem;     ///< one line of a menu
-class NSPopUpButton;   ///< a button that opens a menu and shows the chosen item
+class MenuObserver;       ///< something that shows a menu
+class NSAlert;            ///< a panel that tells or asks the user something
+class NSMenu;             ///< a list of commands
+class NSMenuBarView;      ///< the titles of the main menu in a window
+class NSMenuItem;         ///< one line of a menu
+class NSPopUpButton;      ///< a button that opens a menu and shows the chosen item
 class NSPopUpButtonCell;  ///< the same as a cell
 
 }  // namespace pelvor

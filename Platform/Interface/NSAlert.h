@@ -43,9 +43,7 @@ enum : NSInteger {
 /// the only one. Main thread.
 class PELVOR_EXPORT NSAlert : public NSObject {
     PELVOR_CLASS(NSAlert, NSObject);
-    PELVOR_CREATORS(
-        init,
-        alertWithMessageText_defaultButton_alternateButton_otherButton_informativeText);
+    PELVOR_CREATORS(init, alertWithMessageText_defaultButton_alternateButton_otherButton_informativeText);
 
   public:
     static Retained<NSAlert> init(Class* cls = classObject());
@@ -68,9 +66,9 @@ class PELVOR_EXPORT NSAlert : public NSObject {
     /// The buttons in the order in which they were added.
     NSArray* buttons();
 
-    /// Shows the alert until a button is pressed, and returns that button's tag. An alert without buttons gets
-    /// one. Where nobody can press a button, in a program without a display outside NSApplication's `run`, it
-    /// logs the texts and returns NSAlertErrorReturn.
+    /// Shows the alert until a button is pressed, and returns that button's tag. An alert without buttons
+    /// gets one. Where nobody can press a button, in a program without a display outside NSApplication's
+    /// `run`, it logs the texts and returns NSAlertErrorReturn.
     NSInteger runModal();
     /// The panel while the alert runs, else null.
     NSWindow* window() { return _window; }
@@ -96,8 +94,8 @@ class PELVOR_EXPORT NSAlert : public NSObject {
 };
 
 /// Shows an alert with the title and a formatted message, until one of its up to three buttons is pressed.
-/// Returns NSAlertDefaultReturn, NSAlertAlternateReturn or NSAlertOtherReturn, or as `NSAlert::runModal` where
-/// nobody can be asked. Null as the first button stands for "OK", as another one for no button. Raises
+/// Returns NSAlertDefaultReturn, NSAlertAlternateReturn or NSAlertOtherReturn, or as `NSAlert::runModal`
+/// where nobody can be asked. Null as the first button stands for "OK", as another one for no button. Raises
 /// NSInvalidArgumentException if the format is null.
 ///
 ///     NSRunAlertPanel(u"Writer"_ns, u"“%@” cannot be read."_ns, nullptr, nullptr, nullptr, name);

@@ -3,9 +3,9 @@
 
 #include <algorithm>
 
+#include "Foundation/NSDictionary.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSNotificationCenter.h"
-#include "Foundation/NSDictionary.h"
 #include "Foundation/NSString.h"
 #include "Interface/Events/ApplicationState.h"
 #include "Interface/InterfaceLibrary.h"
@@ -33,8 +33,8 @@ PELVOR_DEFINE_CLASS(NSMenu, interfaceLibrary) {
     methods.instance<"setItemArray:", &NSMenu::setItemArray>();
     methods.instance<"addItem:", &NSMenu::addItem>();
     methods.instance<"insertItem:atIndex:", &NSMenu::insertItem_atIndex>();
-    methods.instance<"addItemWithTitle:action:keyEquivalent:",
-                     &NSMenu::addItemWithTitle_action_keyEquivalent>();
+    methods
+        .instance<"addItemWithTitle:action:keyEquivalent:", &NSMenu::addItemWithTitle_action_keyEquivalent>();
     methods.instance<"insertItemWithTitle:action:keyEquivalent:atIndex:",
                      &NSMenu::insertItemWithTitle_action_keyEquivalent_atIndex>();
     methods.instance<"removeItem:", &NSMenu::removeItem>();

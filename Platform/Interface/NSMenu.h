@@ -125,9 +125,9 @@ class PELVOR_EXPORT NSMenu : public NSObject {
 
     /// Opens the menu where the event happened, in the event's window or else the view's.
     static void popUpContextMenu_withEvent_forView(NSMenu* menu, NSEvent* event, NSView* view);
-    /// Opens the menu at the place in the view, or on the screen if the view is null: the upper left corner of
-    /// the menu, or the middle of the item's left edge if the item is not null. Returns whether an item was
-    /// chosen.
+    /// Opens the menu at the place in the view, or on the screen if the view is null: the upper left corner
+    /// of the menu, or the middle of the item's left edge if the item is not null. Returns whether an item
+    /// was chosen.
     bool popUpMenuPositioningItem_atLocation_inView(NSMenuItem* item, NSPoint place, NSView* view);
     /// Closes the menu, and those that it was opened from, if it is open.
     void cancelTracking();
@@ -169,8 +169,8 @@ class PELVOR_EXPORT NSMenu : public NSObject {
     friend class NSMenuItem;
     friend PELVOR_EXPORT MenuRef _NSGetCarbonMenu(NSMenu* menu);
     friend PELVOR_EXPORT void HiliteMenu(MenuID number);
-/// The number that was highlighted last; 0 for none.
-PELVOR_EXPORT MenuID highlightedMenu();
+    /// The number that was highlighted last; 0 for none.
+    PELVOR_EXPORT MenuID highlightedMenu();
     void didChange();
     void tellObservers();
     bool contains(NSMenu* menu);

@@ -109,7 +109,9 @@ NSInteger NSPopUpButton::indexOfSelectedItem() {
 
 NSString* NSPopUpButton::titleOfSelectedItem() { return selectedItem() ? selectedItem()->title() : u""_ns; }
 void NSPopUpButton::selectItem(NSMenuItem* item) { popUpCell()->selectItem(item); }
-void NSPopUpButton::selectItemAtIndex(NSInteger index) { selectItem(index < 0 ? nullptr : itemAtIndex(index)); }
+void NSPopUpButton::selectItemAtIndex(NSInteger index) {
+    selectItem(index < 0 ? nullptr : itemAtIndex(index));
+}
 void NSPopUpButton::selectItemWithTitle(NSString* title) { selectItem(itemWithTitle(title)); }
 
 bool NSPopUpButton::selectItemWithTag(NSInteger tag) {

@@ -40,9 +40,10 @@ bool openContextMenu(NSEvent* event, NSWindow* window) {
         const NSPoint place = view->convertPoint_toView({NSMidX(seen), NSMidY(seen)}, nullptr);
         NSMenu::popUpContextMenu_withEvent_forView(
             menu,
-            NSEvent::keyEventWithType_location_modifierFlags_timestamp_windowNumber_context_characters_charactersIgnoringModifiers_isARepeat_keyCode(
-                NSKeyDown, place, event->modifierFlags(), event->timestamp(), window->windowNumber(), nullptr, key,
-                key, false, event->keyCode()),
+            NSEvent::
+                keyEventWithType_location_modifierFlags_timestamp_windowNumber_context_characters_charactersIgnoringModifiers_isARepeat_keyCode(
+                    NSKeyDown, place, event->modifierFlags(), event->timestamp(), window->windowNumber(),
+                    nullptr, key, key, false, event->keyCode()),
             view);
         return true;
     }

@@ -153,8 +153,8 @@ class PELVOR_EXPORT NSWindow : public NSResponder {
     NSColor* backgroundColor();
     void setBackgroundColor(NSColor* color);
 
-    /// Whether a window that can become main shows the application's main menu above its content view; true at
-    /// first.
+    /// Whether a window that can become main shows the application's main menu above its content view; true
+    /// at first.
     bool showsMenuBar();
     void setShowsMenuBar(bool shows);
 

@@ -30,8 +30,8 @@ NSDictionary* informativeAttributes() { return attributes(NSFont::systemFontOfSi
 float heightOf(NSString* text, float width, NSDictionary* itsAttributes) {
     if (text->length() == 0) return 0;
     constexpr auto kOptions = NSStringDrawingUsesLineFragmentOrigin | NSStringDrawingUsesFontLeading;
-    return std::ceil(NSHeight(
-        boundingRectWithSize_options_attributes(text, {width, 1e4F}, kOptions, itsAttributes)));
+    return std::ceil(
+        NSHeight(boundingRectWithSize_options_attributes(text, {width, 1e4F}, kOptions, itsAttributes)));
 }
 
 }  // namespace
@@ -95,7 +95,8 @@ void AlertView::drawRect(NSRect) {
     drawInRect_withAttributes(_alert->informativeText(), _informativeRect, informativeAttributes());
     if (NSImage* icon = _alert->icon())
         icon->drawInRect_fromRect_operation_fraction(
-            fittedImage(icon->size(), _iconRect, NSScaleProportionally), NSZeroRect, NSCompositeSourceOver, 1);
+            fittedImage(icon->size(), _iconRect, NSScaleProportionally), NSZeroRect, NSCompositeSourceOver,
+            1);
 }
 
 bool AlertView::performKeyEquivalent(NSEvent* event) {

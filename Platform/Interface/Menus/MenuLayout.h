@@ -24,8 +24,8 @@ class MenuText {
     explicit MenuText(NSAttributedString* text);
 
     NSSize size() const { return _size; }
-    /// Draws the text with its upper left corner at the point. A plain text has the colour; an attributed text
-    /// has its own unless `overrides` is true.
+    /// Draws the text with its upper left corner at the point. A plain text has the colour; an attributed
+    /// text has its own unless `overrides` is true.
     void draw(NSPoint point, ThemeColor color, bool overrides) const;
 
   private:

@@ -117,7 +117,8 @@ void MenuListView::drawRect(NSRect dirty) {
     }
     context->restoreGraphicsState();
     const float width = NSWidth(all), end = NSHeight(all) - kArrowHeight;
-    if (upperArrow() > 0) drawChevron({{0, 0}, {width, kArrowHeight}}, Pointing::up, ThemeColor::secondaryText);
+    if (upperArrow() > 0)
+        drawChevron({{0, 0}, {width, kArrowHeight}}, Pointing::up, ThemeColor::secondaryText);
     if (lowerArrow() > 0)
         drawChevron({{0, end}, {width, kArrowHeight}}, Pointing::down, ThemeColor::secondaryText);
     strokeRect(all, metrics::kLine, ThemeColor::border);
@@ -126,7 +127,8 @@ void MenuListView::drawRect(NSRect dirty) {
 void MenuListView::drawRow(const MenuLayout::Row& row, NSRect rect, bool isHighlighted) {
     NSMenuItem* item = row.item;
     if (item->isSeparatorItem()) {
-        fillRect(NSInsetRect({{0, NSMinY(rect) + 4}, {NSWidth(rect), metrics::kLine}}, 8, 0), ThemeColor::grid);
+        fillRect(NSInsetRect({{0, NSMinY(rect) + 4}, {NSWidth(rect), metrics::kLine}}, 8, 0),
+                 ThemeColor::grid);
         return;
     }
     isHighlighted &= item->isEnabled();
@@ -158,13 +160,14 @@ void MenuListView::drawMarks(NSMenuItem* item, NSRect rect, ThemeColor color) {
     if (NSImage* image = item->image()) {
         const float x = MenuLayout::kMarkX + MenuLayout::kMarkWidth + metrics::kImageGap;
         const NSSize size = image->size();
-        image->drawInRect_fromRect_operation_fraction(
-            mirrored({{x, NSMidY(rect) - size.height / 2}, size}), NSZeroRect, NSCompositeSourceOver,
-            item->isEnabled() ? 1.0F : 0.4F);
+        image->drawInRect_fromRect_operation_fraction(mirrored({{x, NSMidY(rect) - size.height / 2}, size}),
+                                                      NSZeroRect, NSCompositeSourceOver,
+                                                      item->isEnabled() ? 1.0F : 0.4F);
     }
     if (item->hasSubmenu())
-        drawChevron(column(width - MenuLayout::kEndInset - MenuLayout::kArrowWidth / 2, MenuLayout::kArrowWidth),
-                    _isMirrored ? Pointing::left : Pointing::right, color);
+        drawChevron(
+            column(width - MenuLayout::kEndInset - MenuLayout::kArrowWidth / 2, MenuLayout::kArrowWidth),
+            _isMirrored ? Pointing::left : Pointing::right, color);
 }
 
 }  // namespace pelvor

@@ -18,14 +18,14 @@
 namespace pelvor {
 namespace {
 
-constexpr double kRestSeconds = 0.15;     // the pointer rests on an item before its submenu opens
-constexpr double kHeadingSeconds = 0.4;   // how long the pointer may be on its way to a submenu
-constexpr double kClickSeconds = 0.35;    // a shorter press leaves the menu open
-constexpr double kScrollSeconds = 0.04;   // between two lines
-constexpr double kTypeSeconds = 1;        // letters that belong together
+constexpr double kRestSeconds = 0.15;    // the pointer rests on an item before its submenu opens
+constexpr double kHeadingSeconds = 0.4;  // how long the pointer may be on its way to a submenu
+constexpr double kClickSeconds = 0.35;   // a shorter press leaves the menu open
+constexpr double kScrollSeconds = 0.04;  // between two lines
+constexpr double kTypeSeconds = 1;       // letters that belong together
 constexpr double kRounding = 0.001;
 constexpr float kClickDistance = 5;
-constexpr float kSubmenuOverlap = 3;      // how far a submenu reaches over its menu
+constexpr float kSubmenuOverlap = 3;  // how far a submenu reaches over its menu
 
 constinit MenuTracker* runningTracker = nullptr;
 
@@ -48,8 +48,7 @@ NSPoint placeOnScreen(NSEvent* event) {
 
 // MARK: Places
 
-NSRect menuFrame(NSSize size, const MenuOpening& opening, float overlap, NSRect visible,
-                 bool isRightToLeft) {
+NSRect menuFrame(NSSize size, const MenuOpening& opening, float overlap, NSRect visible, bool isRightToLeft) {
     const NSRect anchor = opening.anchor;
     NSRect frame{{}, {std::min(size.width, NSWidth(visible)), std::min(size.height, NSHeight(visible))}};
     float& x = frame.origin.x;
@@ -57,7 +56,8 @@ NSRect menuFrame(NSSize size, const MenuOpening& opening, float overlap, NSRect 
     if (opening.side == MenuSide::beside) {
         const float before = NSMinX(anchor) - NSWidth(frame) + kSubmenuOverlap,
                     behind = NSMaxX(anchor) - kSubmenuOverlap;
-        const bool fitsBefore = before >= NSMinX(visible), fitsBehind = behind + NSWidth(frame) <= NSMaxX(visible);
+        const bool fitsBefore = before >= NSMinX(visible),
+                   fitsBehind = behind + NSWidth(frame) <= NSMaxX(visible);
         x = (isRightToLeft ? fitsBefore || !fitsBehind : !fitsBehind && fitsBefore) ? before : behind;
         top = NSMaxY(anchor) + metrics::kMenuInset;
     } else {
@@ -65,9 +65,11 @@ NSRect menuFrame(NSSize size, const MenuOpening& opening, float overlap, NSRect 
         top = opening.side == MenuSide::over ? NSMaxY(anchor) + overlap : NSMinY(anchor);
     }
     if (opening.side == MenuSide::below) {
-        const float roomBelow = NSMinY(anchor) - NSMinY(visible), roomAbove = NSMaxY(visible) - NSMaxY(anchor);
+        const float roomBelow = NSMinY(anchor) - NSMinY(visible),
+                    roomAbove = NSMaxY(visible) - NSMaxY(anchor);
         const bool isAbove = NSHeight(frame) > roomBelow && roomAbove > roomBelow;
-        frame.size.height = std::min(NSHeight(frame), std::max({roomBelow, roomAbove, metrics::kMenuItemHeight}));
+        frame.size.height =
+            std::min(NSHeight(frame), std::max({roomBelow, roomAbove, metrics::kMenuItemHeight}));
         if (isAbove) top = NSMaxY(anchor) + NSHeight(frame);
     }
     x = std::clamp(x, NSMinX(visible), std::max(NSMinX(visible), NSMaxX(visible) - NSWidth(frame)));
@@ -151,24 +153,30 @@ void MenuTracker::handle(NSEvent* event) {
         case NSMouseMoved:
         case NSLeftMouseDragged:
         case NSRightMouseDragged:
-        case NSOtherMouseDragged: return pointerMoved(placeOnScreen(event));
+        case NSOtherMouseDragged:
+            return pointerMoved(placeOnScreen(event));
         case NSLeftMouseDown:
         case NSRightMouseDown:
-        case NSOtherMouseDown: return pointerPressed(placeOnScreen(event));
+        case NSOtherMouseDown:
+            return pointerPressed(placeOnScreen(event));
         case NSLeftMouseUp:
         case NSRightMouseUp:
-        case NSOtherMouseUp: return pointerReleased(placeOnScreen(event));
+        case NSOtherMouseUp:
+            return pointerReleased(placeOnScreen(event));
         case NSScrollWheel:
             if (const std::size_t level = levelAt(placeOnScreen(event)); level < _levels.size())
                 _levels[level].view->scrollBy(-event->deltaY() * metrics::kMenuItemHeight);
             return pointerMoved(placeOnScreen(event));
-        case NSKeyDown: return keyPressed(event);
+        case NSKeyDown:
+            return keyPressed(event);
         case NSKeyUp:
         case NSFlagsChanged:
         case NSMouseEntered:
         case NSMouseExited:
-        case NSCursorUpdate: return;
-        default: break;
+        case NSCursorUpdate:
+            return;
+        default:
+            break;
     }
     application()->state().handle(event);
     const bool losesFocus = event->type() == NSSystemDefined && !event->data1() &&
@@ -181,7 +189,8 @@ void MenuTracker::handleTime(double now) {
     if (now < _scrollAt) return;
     _scrollAt = now + kScrollSeconds;
     if (_scrollLevel >= _levels.size() ||
-        !_levels[_scrollLevel].view->scrollBy(static_cast<float>(_scrollDirection) * metrics::kMenuItemHeight))
+        !_levels[_scrollLevel].view->scrollBy(static_cast<float>(_scrollDirection) *
+                                              metrics::kMenuItemHeight))
         _scrollAt = kNever;
 }
 
@@ -238,8 +247,8 @@ void MenuTracker::place(Level& level) {
     }
     const NSRect anchor = level.opening.anchor;
     const NSRect visible = visibleFrameAround({NSMidX(anchor), NSMidY(anchor)});
-    level.window->setFrame_display(menuFrame(size, level.opening, overlap, visible, menusRunFromRightToLeft()),
-                                   false);
+    level.window->setFrame_display(
+        menuFrame(size, level.opening, overlap, visible, menusRunFromRightToLeft()), false);
     level.view->scrollBy(0);
 }
 
@@ -260,7 +269,8 @@ void MenuTracker::refreshStale() {
         if (_levels[i].view->isStale()) {
             _levels[i].view->refresh();
             place(_levels[i]);
-            if (NSMenuItem* item = _levels[i].menu->highlightedItem(); item && item->menu() != _levels[i].menu)
+            if (NSMenuItem* item = _levels[i].menu->highlightedItem();
+                item && item->menu() != _levels[i].menu)
                 highlight(i, MenuLayout::kNoRow);
         }
         if (i + 1 >= _levels.size()) continue;
@@ -455,19 +465,26 @@ bool MenuTracker::moveByKey(char16_t key) {
             key = NSLeftArrowFunctionKey;
     }
     switch (key) {
-        case NSDownArrowFunctionKey: return step(level, row, 1), true;
-        case NSUpArrowFunctionKey: return step(level, row == MenuLayout::kNoRow ? count : row, -1), true;
-        case NSHomeFunctionKey: return step(level, MenuLayout::kNoRow, 1), true;
-        case NSEndFunctionKey: return step(level, count, -1), true;
+        case NSDownArrowFunctionKey:
+            return step(level, row, 1), true;
+        case NSUpArrowFunctionKey:
+            return step(level, row == MenuLayout::kNoRow ? count : row, -1), true;
+        case NSHomeFunctionKey:
+            return step(level, MenuLayout::kNoRow, 1), true;
+        case NSEndFunctionKey:
+            return step(level, count, -1), true;
         case NSPageDownFunctionKey:
         case NSPageUpFunctionKey: {
-            const int page = static_cast<int>(NSHeight(_levels[level].view->bounds()) / metrics::kMenuItemHeight);
+            const int page =
+                static_cast<int>(NSHeight(_levels[level].view->bounds()) / metrics::kMenuItemHeight);
             if (key == NSPageDownFunctionKey)
                 return step(level, std::min(std::max(row, 0) + page, count) - 1, 1), true;
             return step(level, std::max(row - page, -1) + 1, -1), true;
         }
-        case NSRightArrowFunctionKey: return goIn(level), true;
-        case NSLeftArrowFunctionKey: return goOut(level), true;
+        case NSRightArrowFunctionKey:
+            return goIn(level), true;
+        case NSLeftArrowFunctionKey:
+            return goOut(level), true;
         case NSCarriageReturnCharacter:
         case NSEnterCharacter:
         case ' ':
@@ -483,8 +500,10 @@ bool MenuTracker::moveByKey(char16_t key) {
             else
                 _isOver = true;
             return true;
-        case NSF10FunctionKey: return _isOver = true, true;
-        default: return false;
+        case NSF10FunctionKey:
+            return _isOver = true, true;
+        default:
+            return false;
     }
 }
 
@@ -527,7 +546,8 @@ void MenuTracker::stepTitle(int direction) {
     }
 }
 
-// Highlights the first item whose title begins with what was typed; the same letter again goes on to the next.
+// Highlights the first item whose title begins with what was typed; the same letter again goes on to the
+// next.
 void MenuTracker::typeSelect(NSString* characters, double now) {
     if (characters->length() == 0 || characters->characterAtIndex(0) < u' ' ||
         (characters->characterAtIndex(0) >= 0xF700 && characters->characterAtIndex(0) <= 0xF8FF))
@@ -547,7 +567,8 @@ void MenuTracker::typeSelect(NSString* characters, double now) {
         const int row = (start + steps) % count;
         const auto& [item, title, keys, y, height] = rows[static_cast<std::size_t>(row)];
         const bool matches =
-            item->title()->rangeOfString_options(prefix, NSCaseInsensitiveSearch | NSAnchoredSearch).length > 0;
+            item->title()->rangeOfString_options(prefix, NSCaseInsensitiveSearch | NSAnchoredSearch).length >
+            0;
         if (!matches || !rows[static_cast<std::size_t>(row)].canBeChosen()) continue;
         closeFrom(level + 1);
         highlight(level, row);

@@ -22,8 +22,8 @@ struct MenuOpening {
     MenuSide side = MenuSide::below;
     NSMenuItem* itemOverAnchor = nullptr;  ///< for MenuSide::over; else the upper left corner is the anchor's
     float leastWidth = 0;
-    bool isButtonDown = false;    ///< the press that opens the menu may go on to the item
-    bool isByKeyboard = false;    ///< the first item is highlighted
+    bool isButtonDown = false;  ///< the press that opens the menu may go on to the item
+    bool isByKeyboard = false;  ///< the first item is highlighted
 };
 
 /// The titles of a menu bar, among which the user goes from one menu to the next.
@@ -44,8 +44,8 @@ class MenuTitles {
 };
 
 /// Shows a menu and its submenus, and follows the user through them until an item is chosen or everything is
-/// closed. Only one tracker runs at a time. What delegates and validators raise is reported, and tracking goes
-/// on; they may change and end everything.
+/// closed. Only one tracker runs at a time. What delegates and validators raise is reported, and tracking
+/// goes on; they may change and end everything.
 class MenuTracker {
   public:
     explicit MenuTracker(MenuTitles* titles = nullptr) : _titles(titles) {}

@@ -68,8 +68,8 @@ class MenuTracking : public ::testing::Test {
         add(bar, "Edit", nullptr)->setSubmenu(edit);
         screen.app->setMainMenu(bar);
         window = screen.window({{100, 100}, {400, 300}});
-        for (NSMenu* menu : {file.get(), edit.get(), recent.get()}) menu->setTitle(NSString::ofUTF8(
-            menu == file ? "file" : menu == edit ? "edit" : "recent"));
+        for (NSMenu* menu : {file.get(), edit.get(), recent.get()})
+            menu->setTitle(NSString::ofUTF8(menu == file ? "file" : menu == edit ? "edit" : "recent"));
     }
 
     ~MenuTracking() {
@@ -99,9 +99,7 @@ class MenuTracking : public ::testing::Test {
         return [=, this] { key(unit, modifiers); };
     }
     // The window of the menu that was opened last, and a place in its line.
-    NSWindow* menuWindow() {
-        return static_cast<NSWindow*>(screen.app->orderedWindows()->objectAtIndex(0));
-    }
+    NSWindow* menuWindow() { return static_cast<NSWindow*>(screen.app->orderedWindows()->objectAtIndex(0)); }
     std::function<void()> pointing(int line) {
         return [=, this] { screen.backend->movePointer(placeOfLine(line)); };
     }
@@ -121,14 +119,13 @@ class MenuTracking : public ::testing::Test {
     std::string highlighted(NSMenu* menu) {
         return menu->highlightedItem() ? menu->highlightedItem()->title()->toUTF8() : "-";
     }
-    void openContextMenu() {
-        screen.click(window->contentView(), {50, 50}, 1, 0, 2);
-    }
+    void openContextMenu() { screen.click(window->contentView(), {50, 50}, 1, 0, 2); }
     std::string takeLog() { return joined(std::exchange(taker->log, {})); }
 
     InterfaceScope screen;
     Retained<MTTaker> taker = make<MTTaker>();
-    Retained<NSMenu> bar = NSMenu::init(), file = NSMenu::init(), edit = NSMenu::init(), recent = NSMenu::init();
+    Retained<NSMenu> bar = NSMenu::init(), file = NSMenu::init(), edit = NSMenu::init(),
+                     recent = NSMenu::init();
     Retained<NSWindow> window;
     std::vector<std::function<void()>> steps;
     std::size_t next = 0;
@@ -136,9 +133,8 @@ class MenuTracking : public ::testing::Test {
 };
 
 TEST_F(MenuTracking, GoesThroughMenusByKeys) {
-    plan({pressing(NSDownArrowFunctionKey), pressing(NSRightArrowFunctionKey), [&] {
-              EXPECT_EQ(highlighted(file) + " " + highlighted(recent), "Recent Anna");
-          },
+    plan({pressing(NSDownArrowFunctionKey), pressing(NSRightArrowFunctionKey),
+          [&] { EXPECT_EQ(highlighted(file) + " " + highlighted(recent), "Recent Anna"); },
           pressing(NSUpArrowFunctionKey), pressing(u'\r')});
     screen.press(NSF10FunctionKey);
     EXPECT_EQ(takeLog(), "open file, open recent, close recent, close file, Bruno");
@@ -151,17 +147,15 @@ TEST_F(MenuTracking, GoesThroughMenusByKeys) {
 }
 
 TEST_F(MenuTracking, SelectsByTyping) {
-    plan({pressing(u'r'), pressing(u'\r'), pressing(u'b'), pressing(u'r'), [&] {
-              EXPECT_EQ(highlighted(recent), "Bruno");
-          },
-          pressing(u'\r')});
+    plan({pressing(u'r'), pressing(u'\r'), pressing(u'b'), pressing(u'r'),
+          [&] { EXPECT_EQ(highlighted(recent), "Bruno"); }, pressing(u'\r')});
     screen.press(NSF10FunctionKey);
     EXPECT_EQ(takeLog(), "open file, open recent, close recent, close file, Bruno");
     // The same letter again and again goes round; an unknown one changes nothing.
-    plan({pressing(u'r'), pressing(u'\r'), pressing(u'b'), pressing(u'b'), [&] {
-              EXPECT_EQ(highlighted(recent), "Bruno");
-          },
-          pressing(u'x'), [&] { EXPECT_EQ(highlighted(recent), "Bruno"); }, pressing(NSF10FunctionKey)}, 1.5);
+    plan({pressing(u'r'), pressing(u'\r'), pressing(u'b'), pressing(u'b'),
+          [&] { EXPECT_EQ(highlighted(recent), "Bruno"); }, pressing(u'x'),
+          [&] { EXPECT_EQ(highlighted(recent), "Bruno"); }, pressing(NSF10FunctionKey)},
+         1.5);
     screen.press(NSF10FunctionKey);
 }
 
@@ -177,10 +171,9 @@ TEST_F(MenuTracking, TakesShortcutsWhileOpen) {
 }
 
 TEST_F(MenuTracking, FollowsAClickAndARest) {
-    plan({pointing(1), [&] { EXPECT_EQ(highlighted(file), "Recent"); }, pointing(2), [&] {
-              EXPECT_EQ(highlighted(recent), "Bruno");
-          },
-          clicking()}, 0.5);
+    plan({pointing(1), [&] { EXPECT_EQ(highlighted(file), "Recent"); }, pointing(2),
+          [&] { EXPECT_EQ(highlighted(recent), "Bruno"); }, clicking()},
+         0.5);
     screen.backend->movePointer(placeOfTitle(20));
     screen.backend->pressButton(1);
     screen.backend->releaseButton(1);
@@ -196,7 +189,10 @@ TEST_F(MenuTracking, FollowsADrag) {
     EXPECT_EQ(takeLog(), "open file, close file, New");
     // Over to the other title, and released beside everything.
     plan({[&] { screen.backend->movePointer(placeOfTitle(70)); },
-          [&] { screen.backend->movePointer({700, 700}); }, [&] { screen.backend->releaseButton(1); }});
+          [&] {
+              screen.backend->movePointer({700, 700});
+          },
+          [&] { screen.backend->releaseButton(1); }});
     screen.backend->movePointer(placeOfTitle(20));
     screen.backend->pressButton(1);
     screen.turn();
@@ -222,7 +218,8 @@ TEST_F(MenuTracking, OpensContextMenusAndClosesThemByAClickBeside) {
 TEST_F(MenuTracking, SurvivesWhatItsMenusDo) {
     LogLines log;
     plan({[&] { file->removeItemAtIndex(1); }, [&] { EXPECT_EQ(highlighted(file), "New"); },
-          [&] { file->removeAllItems(); }, pressing(NSDownArrowFunctionKey), pressing(u'\r'), pressing(0x1b)});
+          [&] { file->removeAllItems(); }, pressing(NSDownArrowFunctionKey), pressing(u'\r'),
+          pressing(0x1b)});
     screen.press(NSF10FunctionKey);
     EXPECT_EQ(takeLog(), "open file, close file");
     // A delegate raises; the item that was chosen is gone, with its menu, when its action is sent.
@@ -254,10 +251,13 @@ TEST_F(MenuTracking, FitsIntoTheScreenAndScrolls) {
     window->contentView()->setMenu(menu);
     const NSRect visible = NSScreen::mainScreen()->visibleFrame();
     plan({[&] { EXPECT_EQ(NSHeight(menuWindow()->frame()), NSHeight(visible)); },
-          [&] { screen.backend->movePointer(screen.placeOf(menuWindow()->contentView(), {40, NSHeight(visible) - 4})); },
+          [&] {
+              screen.backend->movePointer(
+                  screen.placeOf(menuWindow()->contentView(), {40, NSHeight(visible) - 4}));
+          },
           [&] {}, [&] { screen.backend->movePointer(placeOfLine(1)); },
-          [&] { EXPECT_GT(menu->indexOfItem(menu->highlightedItem()), 5); },
-          pressing(NSEndFunctionKey), pressing(u'\r')});
+          [&] { EXPECT_GT(menu->indexOfItem(menu->highlightedItem()), 5); }, pressing(NSEndFunctionKey),
+          pressing(u'\r')});
     openContextMenu();
     EXPECT_EQ(takeLog(), "Line 999");
 }
@@ -285,14 +285,16 @@ TEST_F(MenuTracking, SelectsInPopUpButtons) {
     button->setTarget(taker);
     button->setAction("choose:"_sel);
     window->contentView()->addSubview(button);
-    EXPECT_EQ(shown(button->numberOfItems(), button->titleOfSelectedItem(), button->indexOfItemWithTitle(u"Letter"_ns)),
+    EXPECT_EQ(shown(button->numberOfItems(), button->titleOfSelectedItem(),
+                    button->indexOfItemWithTitle(u"Letter"_ns)),
               "3 A4 2");
     // The selected line opens over the button, so a click in place changes nothing; keys go on from there.
-    plan({[&] { EXPECT_NEAR(NSMidY(menuWindow()->frame()) + 22, 100 + 33, 2); }, pressing(NSDownArrowFunctionKey),
-          pressing(u'\r')});
+    plan({[&] { EXPECT_NEAR(NSMidY(menuWindow()->frame()) + 22, 100 + 33, 2); },
+          pressing(NSDownArrowFunctionKey), pressing(u'\r')});
     screen.click(button, {60, 10});
     EXPECT_EQ(takeLog(), "chose A5");
-    EXPECT_EQ(shown(button->indexOfSelectedItem(), button->itemAtIndex(1)->state(), button->itemAtIndex(0)->state()),
+    EXPECT_EQ(shown(button->indexOfSelectedItem(), button->itemAtIndex(1)->state(),
+                    button->itemAtIndex(0)->state()),
               "1 1 0");
     button->removeItemAtIndex(1);
     EXPECT_EQ(button->selectedItem(), nullptr);
@@ -323,7 +325,8 @@ TEST_F(MenuTracking, AsksInAlerts) {
         NSInteger answer = 0;
         auto asks = Listener::doing([&](id) {
             plan({pressing(row.key)}, 0.25, NSModalPanelRunLoopMode);
-            answer = NSRunAlertPanel(u"Save?"_ns, u"Changes get lost."_ns, u"Save"_ns, row.alternate, nullptr);
+            answer =
+                NSRunAlertPanel(u"Save?"_ns, u"Changes get lost."_ns, u"Save"_ns, row.alternate, nullptr);
             screen.app->stop(nullptr);
         });
         performSelector_withObject_afterDelay(asks, "hear:"_sel, nullptr, 0);
