@@ -148,7 +148,10 @@ void NSGraphicsContext::clipToRect(NSRect rect) {
     cairo_t* page = _canvas->page();
     if (!page) return;
     addRect(page, isFinite(rect) ? rect : NSRect{});
+    // Edges of images are those of pixels: text is drawn quicker there, and nothing shines through.
+    if (!_canvas->isPDF()) cairo_set_antialias(page, CAIRO_ANTIALIAS_NONE);
     cairo_clip(page);
+    cairo_set_antialias(page, CAIRO_ANTIALIAS_DEFAULT);
 }
 
 void NSGraphicsContext::translateXBy_yBy(float x, float y) {

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "Text/Drawing/Canvas.h"
+#include "Text/Drawing/GlyphImages.h"
 #include "Text/Fonts/FontCatalogue.h"
 #include "Text/Fonts/FontVariant.h"
 #include "Text/NSFont.h"
@@ -37,11 +38,14 @@ cairo_font_face_t* faceOf(FontVariant& variant) {
     return static_cast<cairo_font_face_t*>(variant.drawingFace.get());
 }
 
+double slantOf(const GlyphRun& run) {
+    return static_cast<double>(run.obliqueness) + (run.font->variant().madeUp().isOblique ? kMadeUpSlant : 0);
+}
+
 void setFont(cairo_t* page, const GlyphRun& run) {
     FontVariant& variant = run.font->variant();
     const double size = static_cast<double>(run.font->pointSize());
-    const double slant =
-        static_cast<double>(run.obliqueness) + (variant.madeUp().isOblique ? kMadeUpSlant : 0);
+    const double slant = slantOf(run);
     cairo_matrix_t matrix;
     cairo_matrix_init(&matrix, size * static_cast<double>(run.expansion), 0, -slant * size, size, 0, 0);
     cairo_set_font_face(page, faceOf(variant));
@@ -140,10 +144,18 @@ void drawGlyphs(NSGraphicsContext* context, const GlyphRun& run, NSPoint origin)
                             run.expansion > 0;
     if (!page || run.glyphs.empty() || !isDrawable) return;
     FontVariant& variant = run.font->variant();
-    if (!faceOf(variant)) return drawBoxes(page, run, origin);
-    setFont(page, run);
+    cairo_font_face_t* face = faceOf(variant);
+    if (!face) return drawBoxes(page, run, origin);
     const std::vector<cairo_glyph_t> glyphs = glyphsOf(run, origin);
-    if (!context->canvas().isPDF() && !variant.face().entry().isColoured)
+    const bool isOutlined = !context->canvas().isPDF() && !variant.face().entry().isColoured;
+    const double size = static_cast<double>(run.font->pointSize());
+    if (isOutlined &&
+        GlyphImages::current().blend(
+            page, face, {variant.number(), size * static_cast<double>(run.expansion), size, slantOf(run)},
+            glyphs))
+        return;
+    setFont(page, run);
+    if (isOutlined)
         fillOutlines(page, glyphs);
     else
         showGlyphs(page, run, glyphs);
