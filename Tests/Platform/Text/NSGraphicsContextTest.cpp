@@ -6,6 +6,7 @@
 
 #include "Prelude.h"
 #include "TemporaryFolder.h"
+#include "Text/Drawing/Canvas.h"
 #include "Text/Drawing/GlyphDrawing.h"
 #include "Text/NSColor.h"
 #include "Text/NSFont.h"
@@ -94,6 +95,38 @@ TEST(NSGraphicsContextTest, DrawsRectanglesInTheirPlacesAndColours) {
     EXPECT_EQ(pixels.at(30, 4), 0u);  // inside the frame
     EXPECT_EQ(pixels.at(38, 5), 0u);
     EXPECT_EQ(pixels.at(0, 16), 0xFF000000);
+}
+
+// What is blended from images of glyphs looks as what Cairo fills, which it does for other operators.
+TEST(NSGraphicsContextTest, ImagesOfGlyphsLookLikeTheirOutlines) {
+    auto draw = [](cairo_operator_t way, NSFont* font, float x, bool isClipped) {
+        auto context = NSGraphicsContext::initWithImageSize_scale({70, 30}, 1.5F);
+        context->setColor(NSColor::colorWithCalibratedWhite_alpha(0.9F, 1));
+        context->fillRect({{0, 0}, {70, 30}});
+        if (isClipped) context->clipToRect({{10.3F, 8.2F}, {30, 10}});
+        cairo_set_operator(context->canvas().page(), way);
+        context->setColor(NSColor::colorWithCalibratedRed_green_blue_alpha(0.6F, 0.1F, 0.2F, 0.8F));
+        drawText(context, font, u"Agj\u00C5", {x, 20});
+        return context;
+    };
+    for (const char16_t* name : {u"DejaVuSans", u"DejaVuSans+Oblique"})
+        for (float x : {5.0F, 5.5F})
+            for (bool isClipped : {false, true}) {
+                SCOPED_TRACE(x);
+                NSFont* font = NSFont::fontWithName_size(NSString::of(name), 15);
+                auto blended = draw(CAIRO_OPERATOR_OVER, font, x, isClipped);
+                auto filled = draw(CAIRO_OPERATOR_ATOP, font, x, isClipped);
+                const Pixels one = pixelsOf(blended), other = pixelsOf(filled);
+                double difference = 0;
+                for (int row = 0; row < 45; ++row)
+                    for (int column = 0; column < 105; ++column)
+                        for (int shift = 0; shift < 32; shift += 8)
+                            difference += std::abs(static_cast<int>((one.at(column, row) >> shift) & 255) -
+                                                   static_cast<int>((other.at(column, row) >> shift) & 255));
+                // Advances fall between quarters of a pixel.
+                EXPECT_LT(difference / (45 * 105 * 4), 0.9);
+                EXPECT_GT(one.inkOf(20), 40) << "the background is there";
+            }
 }
 
 TEST(NSGraphicsContextTest, PlacesGlyphsBetweenPixels) {
