@@ -114,6 +114,9 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     //
     //     void layoutManager:(NSLayoutManager*) editedRange:(NSRange) changeInLength:(NSInteger)
     //     invalidatedRange:(NSRange)
+    //
+    // With empty ranges and no change, text has moved: an estimate has become a fact. The views must not ask
+    // the layout manager in that message.
 
     /// Tells the text views that show the characters to draw them again. Lays out nothing.
     void invalidateDisplayForCharacterRange(NSRange range);
@@ -247,6 +250,7 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     ~NSLayoutManager();
 
   private:
+    friend class LayoutState;
     void tellTextViews(NSRange edited, NSInteger delta, NSRange invalidated);
 
     std::unique_ptr<LayoutState> _state;

@@ -34,15 +34,22 @@ BlockSums& BlockSums::operator-=(const BlockSums& other) {
 LongExtent BlockList::heightOf(const BlockSums& sums) const {
     const std::uint32_t unmeasured = sums.blocks - sums.measuredBlocks;
     if (unmeasured == 0) return sums.height;
-    double lineHeight = 15 * kExtentsPerPoint, unitsInLine = 80;
-    if (_sums.measuredBlocks && _sums.lines) {
-        lineHeight = static_cast<double>(_sums.height) / _sums.lines;
-        const double fullLines = _sums.lines - 0.5 * _sums.measuredBlocks;
-        if (fullLines >= 2) unitsInLine = std::max(1.0, static_cast<double>(_sums.measuredUnits) / fullLines);
-    }
     const double lines =
-        static_cast<double>(sums.units - sums.measuredUnits) / unitsInLine + 0.5 * unmeasured;
-    return sums.height + static_cast<LongExtent>(lines * lineHeight);
+        static_cast<double>(sums.units - sums.measuredUnits) / _averages.unitsInLine + 0.5 * unmeasured;
+    return sums.height + static_cast<LongExtent>(lines * _averages.lineHeight);
+}
+
+// A block has changed. Each other average moves everything below a block that was never measured, and who
+// shows the text would have to draw all of it again; so the averages stay until twice or half as much is
+// measured.
+void BlockList::noteBlock() {
+    _knowsTop = false;
+    const std::uint64_t measured = _sums.measuredUnits + _sums.measuredBlocks;
+    if (_sums.lines == 0 || (measured < 2 * _averages.measured && 2 * measured > _averages.measured)) return;
+    _averages = {measured, static_cast<double>(_sums.height) / _sums.lines};
+    const double fullLines = _sums.lines - 0.5 * _sums.measuredBlocks;
+    if (fullLines >= 2)
+        _averages.unitsInLine = std::max(1.0, static_cast<double>(_sums.measuredUnits) / fullLines);
 }
 
 // As that of text that was read.
@@ -58,16 +65,17 @@ LongExtent BlockList::unreadHeight() const {
 
 void BlockList::recount(Chunk& chunk) {
     _remembered = {};
-    _knowsTop = false;
     _sums -= chunk.sums;
     chunk.sums = {};
     for (const auto& block : chunk.blocks) chunk.sums += BlockSums::of(*block);
     _sums += chunk.sums;
+    _knowsTop = false;
 }
 
 void BlockList::assign(NSUInteger units, Reader reader) {
     _chunks.clear();
     _sums = {};
+    _averages = {};
     _remembered = {};
     _knowsTop = false;
     _reader = std::move(reader);
@@ -167,6 +175,7 @@ void BlockList::forgetAllLines() {
         for (auto& block : chunk.blocks) block->isLaid = block->keepsLines = false;
         recount(chunk);
     }
+    _averages.measured = 0;
 }
 
 // MARK: Looking up

@@ -168,10 +168,10 @@ class BlockList {
         const BlockSums before = BlockSums::of(block);
         change(block);
         const BlockSums after = BlockSums::of(block);
-        _knowsTop = false;
         if (before.units != after.units) _remembered = {};
         (_chunks[place.chunk].sums -= before) += after;
         (_sums -= before) += after;
+        noteBlock();
     }
     /// Marks the blocks that share a unit with the range, and the one at its location, as not laid out. In a
     /// long paragraph that holds for the block before them too, whose last line may take in text, and the
@@ -187,6 +187,14 @@ class BlockList {
         BlockSums sums;
     };
 
+    /// What unmeasured text is estimated by, and how much was measured when that was found out.
+    struct Averages {
+        std::uint64_t measured = 0;
+        double lineHeight = 15 * kExtentsPerPoint;
+        double unitsInLine = 80;
+    };
+
+    void noteBlock();
     LongExtent heightOf(const BlockSums& sums) const;
     LongExtent heightOf(const Block& block) const { return heightOf(BlockSums::of(block)); }
     LongExtent unreadHeight() const;
@@ -197,6 +205,7 @@ class BlockList {
 
     std::vector<Chunk> _chunks;
     BlockSums _sums;
+    Averages _averages;
     Reader _reader;
     NSUInteger _unread = 0;  // units behind the blocks
     // The block that was looked for last, and its top if that was asked for.

@@ -342,6 +342,7 @@ void LayoutState::layOutFree(BlockPlace place) {
     while (_blocks.at(from).continues && !_blocks.at(_blocks.previous(from)).isLaid)
         from = _blocks.previous(from);
     const NSUInteger unit = place.unit;
+    const LongExtent estimated = _blocks.estimatedHeight();
     EqualRooms rooms(containers.front(), _room);
     for (;; from = _blocks.next(from)) {
         if (_blocks.at(from).keepsLines)
@@ -349,8 +350,10 @@ void LayoutState::layOutFree(BlockPlace place) {
         else if (!_blocks.at(from).isLaid)
             layOut(from, rooms);
         // Pieces change their ends: the unit decides where to stop.
-        if (_blocks.isLast(from) || endOf(from) > unit) return;
+        if (_blocks.isLast(from) || endOf(from) > unit) break;
     }
+    // Views show what stands below at places that are no longer right.
+    if (_blocks.estimatedHeight() != estimated) tools.layoutManager->tellTextViews({}, 0, {});
 }
 
 bool LayoutState::ensure(NSUInteger unit) {
