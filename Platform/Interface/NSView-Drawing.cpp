@@ -53,6 +53,10 @@ void NSView::setNeedsDisplayInRect(NSRect rect) {
     _window->state().painter.add(marked);
 }
 
+void NSView::setNeedsViewWillDraw() {
+    if (_window) _window->state().painter.addPreparation(this);
+}
+
 bool NSView::needsDisplay() {
     if (!_window) return false;
     const PixelRect visible =

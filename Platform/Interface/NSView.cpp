@@ -74,6 +74,7 @@ PELVOR_DEFINE_CLASS(NSView, interfaceLibrary) {
     methods.instance<"isOpaque", &NSView::isOpaque>();
     methods.instance<"drawRect:", &NSView::drawRect>();
     methods.instance<"viewWillDraw", &NSView::viewWillDraw>();
+    methods.instance<"setNeedsViewWillDraw", &NSView::setNeedsViewWillDraw>();
     methods.instance<"setNeedsDisplay:", &NSView::setNeedsDisplay>();
     methods.instance<"setNeedsDisplayInRect:", &NSView::setNeedsDisplayInRect>();
     methods.instance<"needsDisplay", &NSView::needsDisplay>();
@@ -315,6 +316,10 @@ void NSView::noteFrameChange() {
 void NSView::noteBoundsChange() {
     noteGeometryChange();
     setNeedsDisplay(true);
+    postBoundsChange();
+}
+
+void NSView::postBoundsChange() {
     if (_postsBoundsChanges)
         NSNotificationCenter::defaultCenter()->postNotificationName_object(NSViewBoundsDidChangeNotification,
                                                                            this);
@@ -322,6 +327,11 @@ void NSView::noteBoundsChange() {
 
 void NSView::markFrame() {
     if (_superview && !_isHidden) _superview->setNeedsDisplayInRect(_frame);
+}
+
+void NSView::markResize(NSRect oldFrame) {
+    if (_superview && !_isHidden) _superview->setNeedsDisplayInRect(oldFrame);
+    markFrame();
 }
 
 void NSView::setFrame(NSRect frame) {
@@ -353,12 +363,12 @@ void NSView::setFrameOrigin(NSPoint origin) {
 void NSView::setFrameSize(NSSize size) {
     size = finite(size);
     const NSSize old = bounds().size;
+    const NSRect oldFrame = _frame;
     if (size == _frame.size) return;
     const auto held = Retained<NSView>::retaining(this);
-    markFrame();
     _frame.size = size;
     noteGeometryChange();
-    markFrame();
+    markResize(oldFrame);
     if (_autoresizesSubviews && !_subviews.empty()) resizeSubviewsWithOldSize(old);
     noteFrameChange();
 }
@@ -378,6 +388,16 @@ void NSView::setBounds(NSRect bounds) {
     setBoundsSize(bounds.size);
     _postsBoundsChanges = posts;
     if (old != this->bounds()) noteBoundsChange();
+}
+
+void NSView::scrollBoundsOrigin(NSPoint origin) {
+    origin = finite(origin);
+    if (origin == _boundsOrigin) return;
+    const NSSize distance{_boundsOrigin.x - origin.x, _boundsOrigin.y - origin.y};
+    _boundsOrigin = origin;
+    noteGeometryChange();
+    scrollRect_by(bounds(), distance);
+    postBoundsChange();
 }
 
 void NSView::setBoundsOrigin(NSPoint origin) {

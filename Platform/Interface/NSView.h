@@ -193,6 +193,8 @@ class PELVOR_EXPORT NSView : public NSResponder {
     virtual void drawRect(NSRect dirty);
     /// Called before the view is drawn, when it may still mark more of itself.
     virtual void viewWillDraw();
+    /// Has `viewWillDraw` called before the window is drawn next, also if nothing of the view is marked.
+    void setNeedsViewWillDraw();
 
     void setNeedsDisplay(bool needsDisplay);
     void setNeedsDisplayInRect(NSRect rect);
@@ -289,6 +291,12 @@ class PELVOR_EXPORT NSView : public NSResponder {
     NSView();
     ~NSView();
 
+    /// For clip views: moves the origin of the bounds, and what is drawn with it; what comes into sight is
+    /// marked.
+    void scrollBoundsOrigin(NSPoint origin);
+    /// The size of the frame has changed: marks what has to be drawn again, all of both frames.
+    virtual void markResize(NSRect oldFrame);
+
   private:
     friend class NSWindow;
     friend class WindowPainter;
@@ -306,6 +314,7 @@ class PELVOR_EXPORT NSView : public NSResponder {
     void noteGeometryChange();
     void noteFrameChange();
     void noteBoundsChange();
+    void postBoundsChange();
     void placeOrigin(NSPoint origin);
     void placeSize(NSSize size);
     void markFrame();

@@ -93,6 +93,11 @@ void WindowPainter::addAll() {
     add({0, 0, size.width, size.height});
 }
 
+void WindowPainter::addPreparation(NSView* view) {
+    _preparing.emplace_back(view);
+    DisplayConnection::shared().needsTurn();
+}
+
 bool WindowPainter::isAllDamaged() const {
     const NSSize size = _window->state().content.size;
     return _damage.contains(pixels({0, 0, size.width, size.height}));
@@ -156,11 +161,26 @@ void WindowPainter::prepareViews(NSView* view, const ViewRect& rect) {
     });
 }
 
+void WindowPainter::prepareWaiting() {
+    for (const WeakHandle& waiting : std::exchange(_preparing, {})) {
+        const Retained<Object> alive = waiting.object();
+        auto* view = cast<NSView>(alive.get());
+        if (!view || view->window() != _window) continue;
+        try {
+            view->viewWillDraw();
+        } catch (...) {
+            reportCurrentException();
+        }
+    }
+}
+
 void WindowPainter::paint() {
-    if (_isPainting || _locks || _damage.isEmpty()) return;
+    if (_isPainting || _locks || (_damage.isEmpty() && _preparing.empty())) return;
     const auto held = Retained<NSWindow>::retaining(_window);
     WindowState& state = _window->state();
     if (!state.isVisible || state.flushDisabled) return;
+    prepareWaiting();
+    if (_damage.isEmpty()) return;
     const auto root = state.root;
     for (const PixelRect& rect : std::vector<PixelRect>(_damage.rects())) prepareViews(root, baseRect(rect));
     if (!begin()) return;

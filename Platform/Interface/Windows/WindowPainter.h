@@ -6,6 +6,7 @@
 
 #include "Interface/Backend/Backend.h"
 #include "Interface/Windows/ViewGeometry.h"
+#include "Runtime/WeakHandle.h"
 #include "Text/NSGraphicsContext.h"
 
 namespace pelvor {
@@ -38,6 +39,8 @@ class WindowPainter {
     void addPixels(const PixelRect& damage);
     void add(const ViewRect& baseRect);
     void addAll();
+    /// Has the view's `viewWillDraw` called before the next `paint` looks at what is marked.
+    void addPreparation(NSView* view);
     bool isAllDamaged() const;
     const DamageList& damage() const { return _damage; }
     void forget() { _damage.clear(); }
@@ -69,9 +72,11 @@ class WindowPainter {
     bool covers(NSView* view, const ViewTransform& toPoints, const PixelRect& clip);
     PixelRect devicePixels(const ViewTransform& toPoints, const ViewRect& rect) const;
     void prepareViews(NSView* view, const ViewRect& rect);
+    void prepareWaiting();
 
     Unretained<NSWindow> _window;
     DamageList _damage;
+    std::vector<WeakHandle> _preparing;  // views that want to mark what changed
     Retained<NSGraphicsContext> _context;
     const BackendImage* _image = nullptr;
     const unsigned char* _pixels = nullptr;  // that the context draws on
