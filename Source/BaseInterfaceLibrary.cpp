@@ -6,10 +6,13 @@
 #include "Menus/NSMenuItem-PelvorAdditions.h"
 #include "Menus/PBMenuItem.h"
 #include "NSEvent-PelvorAdditions.h"
+#include "NSResponder-PelvorAdditions.h"
 #include "NSSegmentedControl-PelvorPantherAdditions.h"
 #include "NSTableView-PelvorAdditions.h"
+#include "NSView-PelvorAdditions.h"
 #include "PBAutoscrollingTableView.h"
 #include "PBGUIUtil.h"
+#include "PBScrollView.h"
 #include "PantherCursor.h"
 
 namespace pelvor {
@@ -22,6 +25,7 @@ constexpr Library* kDependencies[] = {&baseTextLibrary, &interfaceLibrary};
 constexpr Class* kClasses[] = {
     &PBAutoscrollingTableView::classRecord,
     &PBMenuItem::classRecord,
+    &PBScrollView::classRecord,
     &PantherCursor::classRecord,
 };
 constexpr const Category* kCategories[] = {
@@ -30,8 +34,10 @@ constexpr const Category* kCategories[] = {
     &NSMenuItem_PelvorGUIAdditions_category,
     &NSMenu_PelvorAdditions_category,
     &NSObject_PelvorValidatedUserInterfaceItemAdditions_category,
+    &NSResponder_PelvorAdditions_category,
     &NSSegmentedControl_PelvorPantherAdditions_category,
     &NSTableView_PelvorAdditions_category,
+    &NSView_PelvorAdditions_category,
 };
 // clang-format on
 

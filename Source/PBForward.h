@@ -72,4 +72,7 @@ class PantherObject;  ///< gives all objects `setValue:forKey:`
 class PBUtil_Dummy;         ///< sets the library up when classes are loaded
 class _PBAssertionWarning;  ///< a place for warnings about assertions
 
+// Views
+class PBScrollView;  ///< a scroll view that scrolls without telling of each focus
+
 }  // namespace pelvor

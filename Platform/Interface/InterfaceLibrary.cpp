@@ -10,6 +10,7 @@
 #include "Interface/NSButton.h"
 #include "Interface/NSButtonCell.h"
 #include "Interface/NSCell.h"
+#include "Interface/NSClipView.h"
 #include "Interface/NSControl.h"
 #include "Interface/NSCursor.h"
 #include "Interface/NSEvent.h"
@@ -21,18 +22,24 @@
 #include "Interface/NSMenuBarView.h"
 #include "Interface/NSMenuItem.h"
 #include "Interface/NSPanel.h"
+#include "Interface/NSPasteboard.h"
 #include "Interface/NSPopUpButton.h"
 #include "Interface/NSPopUpButtonCell.h"
 #include "Interface/NSResponder.h"
 #include "Interface/NSScreen.h"
+#include "Interface/NSScrollView.h"
+#include "Interface/NSScroller.h"
 #include "Interface/NSSegmentedCell.h"
 #include "Interface/NSSegmentedControl.h"
 #include "Interface/NSTableColumn.h"
 #include "Interface/NSTableHeaderCell.h"
 #include "Interface/NSTableHeaderView.h"
 #include "Interface/NSTableView.h"
+#include "Interface/NSText.h"
 #include "Interface/NSTextFieldCell.h"
+#include "Interface/NSTextView.h"
 #include "Interface/NSView.h"
+#include "Interface/Texts/TextUndo.h"
 #include "Interface/Windows/WindowState.h"
 #include "Text/TextLibrary.h"
 
@@ -53,6 +60,7 @@ constexpr Class* kClasses[] = {
     &NSButton::classRecord,
     &NSButtonCell::classRecord,
     &NSCell::classRecord,
+    &NSClipView::classRecord,
     &NSControl::classRecord,
     &NSCursor::classRecord,
     &NSEvent::classRecord,
@@ -64,17 +72,23 @@ constexpr Class* kClasses[] = {
     &NSMenuBarView::classRecord,
     &NSMenuItem::classRecord,
     &NSPanel::classRecord,
+    &NSPasteboard::classRecord,
     &NSPopUpButton::classRecord,
     &NSPopUpButtonCell::classRecord,
     &NSResponder::classRecord,
     &NSScreen::classRecord,
+    &NSScrollView::classRecord,
+    &NSScroller::classRecord,
     &NSSegmentedCell::classRecord,
     &NSSegmentedControl::classRecord,
     &NSTableColumn::classRecord,
     &NSTableHeaderCell::classRecord,
     &NSTableHeaderView::classRecord,
     &NSTableView::classRecord,
+    &NSText::classRecord,
     &NSTextFieldCell::classRecord,
+    &NSTextUndo::classRecord,
+    &NSTextView::classRecord,
     &NSView::classRecord,
     &NSWindow::classRecord,
     &WindowRootView::classRecord,

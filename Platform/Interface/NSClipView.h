@@ -37,6 +37,8 @@ class PELVOR_EXPORT NSClipView : public NSView {
     /// the upper left part of one that is too large. Has the views around show it too. Returns whether
     /// anything moved.
     bool scrollRectToVisible(NSRect rect) override;
+    /// Scrolls, as the user does, so that the clip view's contents begin at the point.
+    void scrollPoint(NSPoint point) override;
     /// Whether a scroll moves what is on the screen, true at first; else all is drawn again.
     bool copiesOnScroll() { return _copiesOnScroll; }
     void setCopiesOnScroll(bool copies) { _copiesOnScroll = copies; }

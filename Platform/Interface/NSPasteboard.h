@@ -2,9 +2,9 @@
 // NSPasteboard: what was copied, selected or dragged, for this program and others.
 #pragma once
 
-#include <optional>
 #include <vector>
 
+#include "Foundation/NSData.h"
 #include "Foundation/NSPasteboardTypes.h"
 #include "Runtime/WeakHandle.h"
 
@@ -12,7 +12,6 @@ namespace pelvor {
 
 class InterfaceBackend;
 class NSArray;
-class NSData;
 
 /// What copy and paste use.
 extern PELVOR_EXPORT NSString* const NSGeneralPboard;
@@ -91,7 +90,7 @@ class PELVOR_EXPORT NSPasteboard : public NSObject {
     void releaseGlobally();
 
     // C++ only
-    /// For NSApplication: another program has taken over what this pasteboard offered.
+    /// Another program has taken over what this pasteboard offered; the owner hears of it a moment later.
     void contentLost();
 
   protected:
@@ -111,6 +110,8 @@ class PELVOR_EXPORT NSPasteboard : public NSObject {
     Entry* entryOf(NSString* type);
     NSData* ownData(NSString* type);
     void forgetContent();
+    std::vector<Entry> takeContent();
+    void tellOwners(const std::vector<Entry>& gone);
     InterfaceBackend* backend();
     void offer();
     const TypeNames& foreignTypes();

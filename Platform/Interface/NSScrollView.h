@@ -2,13 +2,10 @@
 // NSScrollView: a view of which the user sees a part, with scrollers.
 #pragma once
 
-#include "Interface/NSView.h"
+#include "Interface/NSClipView.h"
+#include "Interface/NSScroller.h"
 
 namespace pelvor {
-
-class NSClipView;
-class NSColor;
-class NSScroller;
 
 enum NSBorderType : int {
     NSNoBorder = 0,

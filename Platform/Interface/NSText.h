@@ -35,8 +35,9 @@ enum NSTextMovement : int {
 
 /// A view that shows text, lets the user select it, and perhaps edit it. NSTextView implements the class;
 /// what concerns the text itself is declared there. Main thread.
-class PELVOR_EXPORT NSText : public NSView, NSView::HiddenCreators {
+class PELVOR_EXPORT NSText : public NSView {
     PELVOR_CLASS(NSText, NSView);
+    PELVOR_INHERITED_CREATORS(initWithFrame);
 
   public:
     // The text

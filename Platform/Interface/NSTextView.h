@@ -226,6 +226,9 @@ class PELVOR_EXPORT NSTextView : public NSText {
     NSTextView();
     ~NSTextView();
 
+    /// Marks the lower edge alone if only the height has changed: the text marks its lines by itself.
+    void markResize(NSRect oldFrame) override;
+
   private:
     // Commands
     template <TextMove move>
@@ -327,12 +330,17 @@ class PELVOR_EXPORT NSTextView : public NSText {
     void offerPrimarySelection();
     void setNeedsPreparation();
     void prepare();
-    void keepPlace();
+    template <class Function>
+    void eachContainerIn(NSRect rect, const Function& function);
+    void keepPlaceOf(NSUInteger index, float y);
+    void showLines(NSRect visible);
     void drawSelection(NSRange range, NSTextContainer* container, NSPoint origin);
-    void drawMarkedLine(NSRange range, NSTextContainer* container, NSPoint origin);
+    void watchWindow(NSWindow* window);
+    void stopBlinking();
     void windowKeyDidChange(id notification);
     void blinkCaret(NSTimer* timer);
     void placeCaret();
+    void tellInputMethod();
     bool isActive();
 
     std::unique_ptr<TextViewState> _state;

@@ -6,9 +6,15 @@
 namespace pelvor {
 namespace {
 
+bool isSelectedLike(const ShownLine& before, const ShownLine& now) {
+    if (before.selected.length == 0 && now.selected.length == 0) return true;
+    return before.selected == now.selected && before.isSelectedToEdge == now.isSelectedToEdge &&
+           before.isActive == now.isActive;
+}
+
 bool looksLike(const ShownLine& before, const ShownLine& now) {
-    return !before.isChanged && before.range == now.range && before.rect == now.rect &&
-           before.used == now.used && before.isRightToLeft == now.isRightToLeft;
+    return !before.isChanged && isSelectedLike(before, now) && before.range == now.range &&
+           before.rect == now.rect && before.used == now.used && before.isRightToLeft == now.isRightToLeft;
 }
 
 }  // namespace
@@ -50,10 +56,11 @@ void ShownLines::update(std::vector<ShownLine> lines, const std::function<void(N
     _lines = std::move(lines);
 }
 
-const ShownLine* ShownLines::firstUnchanged() const {
-    const auto line =
-        std::find_if(_lines.begin(), _lines.end(), [](const ShownLine& each) { return !each.isChanged; });
-    return line == _lines.end() ? nullptr : &*line;
+const ShownLine* ShownLines::firstIn(float top, float bottom) const {
+    const auto line = std::find_if(_lines.begin(), _lines.end(),
+                                   [&](const ShownLine& each) { return NSMaxY(each.rect) > top; });
+    if (line == _lines.end() || line->isChanged || NSMinY(line->rect) >= bottom) return nullptr;
+    return &*line;
 }
 
 }  // namespace pelvor

@@ -11,6 +11,9 @@ namespace pelvor {
 
 /// A line fragment as it was drawn; its rectangles are in the coordinates of the view.
 struct ShownLine : LaidLine {
+    NSRange selected{};  ///< what of it is selected, from its first character
+    bool isSelectedToEdge = false;
+    bool isActive = false;   ///< the selection is where the keys go
     bool isChanged = false;  ///< what it shows is no longer what it showed
 };
 
@@ -24,8 +27,8 @@ class ShownLines {
     /// Calls the function with each rectangle in which a line stood or stands that looks different now, and
     /// remembers the new lines.
     void update(std::vector<ShownLine> lines, const std::function<void(NSRect)>& damage);
-    /// The first line that no edit marked, if any.
-    const ShownLine* firstUnchanged() const;
+    /// The first line between the two heights; null if there is none, or if it is changed.
+    const ShownLine* firstIn(float top, float bottom) const;
 
   private:
     std::vector<ShownLine> _lines;  // in the order of the text

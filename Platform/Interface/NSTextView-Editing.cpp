@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: Apache-2.0
+// Changing text for the user: asking, telling, undoing.
+#include <algorithm>
+
+#include "Foundation/NSMutableAttributedString.h"
+#include "Foundation/NSNotification.h"
+#include "Foundation/NSNotificationCenter.h"
+#include "Foundation/NSUndoManager.h"
+#include "Interface/NSWindow.h"
+#include "Interface/Texts/TextViewState.h"
+#include "Runtime/Message.h"
+#include "Shared/ArgumentChecks.h"
+
+namespace pelvor {
+namespace {
+
+NSString* plainTextOf(id text) {
+    if (auto string = cast<NSString>(text)) return string;
+    auto attributed = cast<NSAttributedString>(text);
+    return attributed ? attributed->string() : nullptr;
+}
+
+}  // namespace
+
+// MARK: Asking and telling
+
+// The delegate, if it has the operation.
+bool NSTextView::asksDelegate(SEL question, Retained<Object>& delegate) {
+    delegate.set(this->delegate());
+    return delegate && delegate->respondsToSelector(question);
+}
+
+void NSTextView::tell(NSString* name, SEL message, id userInfo) {
+    const auto alive = Retained<NSTextView>::retaining(this);
+    NSNotification* notification =
+        NSNotification::notificationWithName_object_userInfo(name, this, cast<NSDictionary>(userInfo));
+    const auto kept = Retained<NSNotification>::retaining(notification);
+    NSNotificationCenter::defaultCenter()->postNotification(notification);
+    if (Retained<Object> delegate; asksDelegate(message, delegate)) send(delegate, message, notification);
+}
+
+bool NSTextView::beginEditing() {
+    if (_state->hasBegunEditing) return true;
+    const SEL question = "textShouldBeginEditing:"_sel;
+    if (Retained<Object> delegate; asksDelegate(question, delegate) && !send<bool>(delegate, question, this))
+        return false;
+    if (_state->hasBegunEditing) return true;
+    _state->hasBegunEditing = true;
+    tell(NSTextDidBeginEditingNotification, "textDidBeginEditing:"_sel, nullptr);
+    return true;
+}
+
+// MARK: Changes
+
+bool NSTextView::shouldChangeTextInRange_replacementString(NSRange range, NSString* replacement) {
+    if (range.location == NSNotFound || !isEditable() || !_state->storage) return false;
+    requireRange(range, _state->length(), "shouldChangeTextInRange:replacementString:");
+    const auto alive = Retained<NSTextView>::retaining(this);
+    const auto kept = Retained<NSString>::retaining(replacement);
+    if (!beginEditing()) return false;
+    const SEL question = "textView:shouldChangeTextInRange:replacementString:"_sel;
+    if (Retained<Object> delegate;
+        asksDelegate(question, delegate) && !send<bool>(delegate, question, this, range, replacement))
+        return false;
+    // Whoever was asked may have edited.
+    if (!isRangeInside(range, _state->length())) return false;
+    noteUndo(range, replacement ? replacement->length() : range.length);
+    return true;
+}
+
+void NSTextView::didChangeText() { tell(NSTextDidChangeNotification, "textDidChange:"_sel, nullptr); }
+
+NSRange NSTextView::rangeForUserTextChange() {
+    return isEditable() && _state->storage ? _state->selection : NSRange{NSNotFound, 0};
+}
+
+// Asks, changes and tells; the caret stands behind the new text.
+bool NSTextView::replace(NSRange range, id text) {
+    const auto alive = Retained<NSTextView>::retaining(this);
+    const auto kept = Retained<Object>::retaining(text);
+    const auto attributes = Retained<NSDictionary>::retaining(typingAttributes());
+    const auto given = _state->typingAttributes;
+    if (!shouldChangeTextInRange_replacementString(range, plainTextOf(text))) return false;
+    putText(range, text, attributes);
+    const NSUInteger end = range.location + plainTextOf(text)->length();
+    const auto lastUndo = _state->lastUndo;
+    setSelectedRange({_state->clamped(end), 0});
+    _state->typingAttributes = given;
+    _state->lastUndo = lastUndo;  // the user goes on typing
+    didChangeText();
+    scrollRangeToVisible(_state->selection);
+    return true;
+}
+
+void NSTextView::putText(NSRange range, id text, NSDictionary* attributes) {
+    auto attributed = cast<NSAttributedString>(text);
+    if (attributed && isRichText())
+        _state->storage->replaceCharactersInRange_withAttributedString(range, attributed);
+    else
+        _state->storage->replaceCharactersInRange_withString_attributes(range, plainTextOf(text), attributes);
+}
+
+void NSTextView::insertText(id text) {
+    NSString* plain = plainTextOf(text);
+    if (!plain || !isEditable() || !_state->storage) return;
+    const auto kept = Retained<Object>::retaining(text);
+    _state->lastChange = NSDate::currentTimeIntervalSinceReferenceDate();
+    discardMarkedText();
+    replace(rangeForUserTextChange(), text);
+}
+
+// MARK: What others change
+
+// The layout manager tells of each edit of the storage.
+void NSTextView::textWasEdited(NSLayoutManager* layoutManager, NSRange edited, NSInteger change,
+                               NSRange invalidated) {
+    if (layoutManager != _state->layoutManager || !layoutManager) return;
+    if (edited.length > 0 || change != 0) {
+        const NSUInteger oldEnd = NSMaxRange(edited) - static_cast<NSUInteger>(change);
+        const auto moved = [&](NSUInteger place) {
+            if (place >= oldEnd) return place + static_cast<NSUInteger>(change);
+            return std::min(place, NSMaxRange(edited));
+        };
+        const auto follow = [&](NSRange& range) {
+            if (range.location == NSNotFound) return;
+            const NSUInteger start = moved(range.location);
+            range = {start, std::max(moved(NSMaxRange(range)), start) - start};
+        };
+        follow(_state->selection);
+        follow(_state->marked);
+        if (_state->fixedEnd != NSNotFound) _state->fixedEnd = moved(_state->fixedEnd);
+        _state->shown.invalidate(edited, change);
+    }
+    if (invalidated.length > 0 && invalidated != edited) _state->shown.invalidate(invalidated, 0);
+    const bool isMove = edited.length == 0 && change == 0 && invalidated.length == 0;
+    if (!isMove || !_state->isPreparing) setNeedsPreparation();
+}
+
+// MARK: Undo
+
+bool NSTextView::allowsUndo() { return _state->allowsUndo; }
+
+void NSTextView::setAllowsUndo(bool allows) {
+    _state->allowsUndo = allows;
+    breakUndoCoalescing();
+}
+
+NSUndoManager* NSTextView::undoManager() {
+    const SEL question = "undoManagerForTextView:"_sel;
+    if (Retained<Object> delegate; asksDelegate(question, delegate))
+        if (auto manager = cast<NSUndoManager>(send<id>(delegate, question, this))) return manager;
+    return NSText::undoManager();
+}
+
+void NSTextView::breakUndoCoalescing() { _state->lastUndo = nullptr; }
+
+// The units of the range are about to be replaced by so many others.
+void NSTextView::noteUndo(NSRange range, NSUInteger newLength) {
+    NSUndoManager* manager = _state->allowsUndo ? undoManager() : nullptr;
+    if (!manager || !manager->isUndoRegistrationEnabled()) return breakUndoCoalescing();
+    auto before =
+        Retained<NSAttributedString>::retaining(_state->storage->attributedSubstringFromRange(range));
+    const bool canGrow = _state->lastUndo && !manager->isUndoing() && !manager->isRedoing();
+    if (canGrow && _state->lastUndo->absorb(range, before, newLength)) return;
+    _state->lastUndo = NSTextUndo::change(range.location, std::move(before), newLength);
+    manager->registerUndoWithTarget_selector_object(this, "undoTextChange:"_sel, _state->lastUndo);
+    if (manager->isUndoing() || manager->isRedoing()) breakUndoCoalescing();
+}
+
+void NSTextView::undoTextChange(id record) {
+    auto undo = cast<NSTextUndo>(record);
+    if (!undo || !_state->storage) return;
+    const auto alive = Retained<NSTextView>::retaining(this);
+    const auto kept = Retained<NSTextUndo>::retaining(undo);
+    unmarkText();
+    const NSRange range = undo->range();
+    if (!isRangeInside(range, _state->length())) return;  // somebody edited without saying so
+    breakUndoCoalescing();
+    if (!shouldChangeTextInRange_replacementString(range, undo->before()->string())) return;
+    _state->storage->replaceCharactersInRange_withAttributedString(range, undo->before());
+    setSelectedRange(_state->clamped(NSRange{range.location, undo->before()->length()}));
+    didChangeText();
+    scrollRangeToVisible(_state->selection);
+}
+
+void NSTextView::undo(id) {
+    if (NSUndoManager* manager = undoManager(); manager && manager->canUndo()) manager->undo();
+}
+
+void NSTextView::redo(id) {
+    if (NSUndoManager* manager = undoManager(); manager && manager->canRedo()) manager->redo();
+}
+
+}  // namespace pelvor

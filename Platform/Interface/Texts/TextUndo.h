@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+// NSTextUndo: how one change of a text is undone.
+#pragma once
+
+#include "Foundation/NSAttributedString.h"
+
+namespace pelvor {
+
+/// What stood where, before a change by the user.
+class NSTextUndo : public NSObject {
+    PELVOR_CLASS(NSTextUndo, NSObject);
+
+  public:
+    /// The text was about to take the place of `before`, and to have `newLength` units.
+    static Retained<NSTextUndo> change(NSUInteger location, Retained<NSAttributedString> before,
+                                       NSUInteger newLength);
+
+    NSRange range() { return {_location, _newLength}; }
+    NSAttributedString* before() { return _before; }
+    /// Takes a further change in, if that goes on where this one ended: typing, deleting backward, or
+    /// deleting forward. False leaves everything as it is.
+    bool absorb(NSRange range, NSAttributedString* before, NSUInteger newLength);
+
+  protected:
+    NSTextUndo() = default;
+    ~NSTextUndo() = default;
+
+  private:
+    NSUInteger _location = 0;
+    NSUInteger _newLength = 0;
+    Retained<NSAttributedString> _before;
+};
+
+}  // namespace pelvor
