@@ -21,6 +21,9 @@ class XPointer {
         PixelPoint place;
         std::uint32_t modifiers = 0;
     };
+    /// Where the pointer is, without asking the server while an event is handled that tells it.
+    PixelPoint place() { return _known ? *_known : state().place; }
+    void setKnownPlace(std::optional<PixelPoint> place) { _known = place; }
     State state();
 
     /// Waits up to a fifth of a second while another program holds the pointer. Returns whether it is ours.
@@ -42,6 +45,7 @@ class XPointer {
     XConnection& _connection;
     xcb_cursor_context_t* _context = nullptr;
     bool _hasContext = false;
+    std::optional<PixelPoint> _known;
     std::map<BackendCursor, xcb_cursor_t> _cursors;
 };
 

@@ -331,7 +331,7 @@ void XWindow::push(const PixelRect& part) {
     if (inside.width > 0 && inside.height > 0) _image.push(_handle, _gc, inside);
 }
 
-void XWindow::present(std::span<const PixelRect> damage, bool isLast) {
+bool XWindow::present(std::span<const PixelRect> damage, bool isLast) {
     // What is sent to a window that cannot be seen is lost; all of it is sent when it can.
     if (_isVisible) std::ranges::for_each(damage, [this](const PixelRect& part) { push(part); });
     if (isLast) {
@@ -339,6 +339,7 @@ void XWindow::present(std::span<const PixelRect> damage, bool isLast) {
         _painted = {0, 0, _image.pixels().width, _image.pixels().height};
     }
     _connection.flush();
+    return isLast && _isVisible;
 }
 
 PixelRect XWindow::expose(const PixelRect& part) {

@@ -47,7 +47,8 @@ class XWindow {
 
     /// Null while the last frame is still being read.
     const BackendImage* beginPaint();
-    void present(std::span<const PixelRect> damage, bool isLast);
+    /// Returns whether a whole frame can be seen now.
+    bool present(std::span<const PixelRect> damage, bool isLast);
     /// Shows again what was painted; returns the part that was not, of no width if there is none.
     PixelRect expose(const PixelRect& part);
     /// Returns whether somebody waits to paint, and may now.

@@ -47,7 +47,10 @@ bool XCBBackend::prepare() {
 
 void XCBBackend::dispatch() {
     while (const XEvent event = _isLost ? nullptr : _connection->nextEvent())
-        if (!_textInput.method().filter(event.get())) deliver(*event);
+        if (!_textInput.method().filter(event.get())) {
+            deliver(*event);
+            _pointer.setKnownPlace({});
+        }
     if (!_isLost && _connection->isLost()) return loseDisplay();
     _selections.giveUpLate();
     _textInput.method().takeBackLate();
@@ -145,8 +148,7 @@ const BackendImage* XCBBackend::beginPaint(BackendWindow id) {
 }
 
 void XCBBackend::present(BackendWindow id, std::span<const PixelRect> damage, bool isLast) {
-    if (XWindow* window = windowOf(id)) window->present(damage, isLast);
-    _hasShown |= isLast;
+    if (XWindow* window = windowOf(id)) _hasShown |= window->present(damage, isLast);
 }
 
 // MARK: Pointer and tracking
@@ -273,6 +275,7 @@ void XCBBackend::deliverKey(const xcb_key_press_event_t& event) {
     const XWindow* window = windowOfHandle(event.event);
     const BackendKey key = _keyboard.key(event);
     if (!window) return;
+    _pointer.setKnownPlace(PixelPoint{event.root_x, event.root_y});
     _textInput.note(window->id(), event);
     _sink.key(_tracked ? _tracked : window->id(), key);
 }
@@ -348,7 +351,9 @@ void XCBBackend::deliverExpose(const xcb_expose_event_t& event) {
     XWindow* window = windowOfHandle(event.window);
     if (!window) return;
     const PixelRect damage = window->expose({event.x, event.y, event.width, event.height});
-    if (damage.width > 0) _sink.expose(window->id(), damage);
+    if (damage.width > 0) return _sink.expose(window->id(), damage);
+    _hasShown = true;
+    _connection->flush();
 }
 
 void XCBBackend::deliverMessage(const xcb_client_message_event_t& event) {

@@ -35,7 +35,7 @@ class XCBBackend final : public InterfaceBackend {
     void present(BackendWindow window, std::span<const PixelRect> damage, bool isLast) override;
 
     void setCursor(BackendWindow window, BackendCursor cursor) override;
-    PixelPoint pointerPlace() override { return _pointer.state().place; }
+    PixelPoint pointerPlace() override { return _pointer.place(); }
     std::uint32_t modifiersDown() override { return _pointer.state().modifiers; }
     bool beginTracking(BackendWindow menu) override;
     void endTracking() override;
@@ -90,7 +90,7 @@ class XCBBackend final : public InterfaceBackend {
     BackendWindow _focused = 0;
     BackendWindow _tracked = 0;
     bool _hasGrab = false;
-    bool _hasShown = false;    ///< a first picture
+    bool _hasShown = false;    ///< a first picture, on the screen
     bool _hasStarted = false;  ///< what was put off until then
     bool _isLost = false;
 };
