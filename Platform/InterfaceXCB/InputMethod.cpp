@@ -187,13 +187,15 @@ void XInputMethod::disconnected() {
 
 // MARK: Windows
 
+XInputMethod::Context& XInputMethod::contextFor(BackendWindow window, xcb_window_t handle) {
+    if (Context* context = contextOf(window)) return *context;
+    Context& context = _contexts.emplace_back(Context{window, handle});
+    context.isFocused = _focused == window;
+    return context;
+}
+
 void XInputMethod::setCaret(BackendWindow window, xcb_window_t handle, const PixelRect* caret) {
-    Context* context = contextOf(window);
-    if (!context) {
-        if (!caret) return;
-        context = &_contexts.emplace_back(Context{window, handle});
-        context->isFocused = _focused == window;
-    }
+    Context* context = &contextFor(window, handle);
     const bool tookText = std::exchange(context->takesText, caret != nullptr);
     if (caret && std::exchange(context->caret, *caret) != *caret) context->hasNewCaret = true;
     if (tookText != context->takesText) tellFocus(*context);
@@ -209,13 +211,12 @@ void XInputMethod::tellFocus(const Context& context) {
         xcb_xim_unset_ic_focus(_method, context.ic);
 }
 
-void XInputMethod::setFocused(BackendWindow window, bool isFocused) {
+void XInputMethod::setFocused(BackendWindow window, xcb_window_t handle, bool isFocused) {
     _focused = isFocused ? window : 0;
-    Context* context = contextOf(window);
-    if (!context) return;
-    context->isFocused = isFocused;
+    contextFor(window, handle).isFocused = isFocused;
+    tellFocus(contextFor(window, handle));
     if (!isFocused) reset(window);
-    if (Context* again = contextOf(window)) tellFocus(*again);
+    proceed();
 }
 
 void XInputMethod::windowEnded(BackendWindow window) {

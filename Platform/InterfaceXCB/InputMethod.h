@@ -41,11 +41,11 @@ class XInputMethod {
     /// Returns false if there is no input method for this window, or it does not want such keys.
     bool take(BackendWindow window, const BackendKey& key, const xcb_key_press_event_t& event);
     void release(BackendWindow window, const xcb_key_release_event_t& event);
-    /// Where the caret is; null if no text is taken.
+    /// Where the caret is; null if no text is taken. A window that has not told takes text.
     void setCaret(BackendWindow window, xcb_window_t handle, const PixelRect* caret);
     /// Gives up what is being composed.
     void reset(BackendWindow window);
-    void setFocused(BackendWindow window, bool isFocused);
+    void setFocused(BackendWindow window, xcb_window_t handle, bool isFocused);
     void windowEnded(BackendWindow window);
 
     /// Seconds until `takeBackLate` has something to do; infinity for never.
@@ -79,6 +79,7 @@ class XInputMethod {
     };
 
     Context* contextOf(BackendWindow window);
+    Context& contextFor(BackendWindow window, xcb_window_t handle);
     Context* contextOfIC(xcb_xic_t ic);
     void opened();
     void chooseStyle(const xcb_im_get_im_values_reply_fr_t* reply);

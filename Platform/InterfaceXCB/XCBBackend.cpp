@@ -329,7 +329,7 @@ void XCBBackend::deliverFocus(const xcb_focus_in_event_t& event) {
     _focused = isFocused ? id : 0;
     _keyboard.forgetKeysDown();
     _textInput.reset(id);
-    _textInput.method().setFocused(id, isFocused);
+    _textInput.method().setFocused(id, event.event, isFocused);
     _sink.focus(id, isFocused);
     if (!isFocused && _tracked) _sink.trackingLost();
 }

@@ -44,6 +44,7 @@ class XCBInputTest : public XCBTest {
         EXPECT_TRUE(driver->untilHeard("focus 1"));
     }
     void useLayouts(const std::string& layouts, const std::string& variants = "") {
+        driver->backend->layouts();  // changes are told to those who know what was before
         XServerScope::run({"setxkbmap", "-layout", layouts, "-variant", variants});
         EXPECT_TRUE(driver->untilHeard("layout changed"));
     }
