@@ -42,6 +42,7 @@ class NSTableColumn;       ///< a column of a table view
 class NSTableHeaderCell;   ///< the title of a column
 class NSTableHeaderView;   ///< the titles of a table's columns
 class NSTableView;         ///< rows and columns of values
+class NSTextField;         ///< a text that the user may change, in a field
 class NSTextFieldCell;     ///< a text in a field
 
 // Menus

@@ -36,6 +36,7 @@
 #include "Interface/NSTableHeaderView.h"
 #include "Interface/NSTableView.h"
 #include "Interface/NSText.h"
+#include "Interface/NSTextField.h"
 #include "Interface/NSTextFieldCell.h"
 #include "Interface/NSTextView.h"
 #include "Interface/NSView.h"
@@ -86,6 +87,7 @@ constexpr Class* kClasses[] = {
     &NSTableHeaderView::classRecord,
     &NSTableView::classRecord,
     &NSText::classRecord,
+    &NSTextField::classRecord,
     &NSTextFieldCell::classRecord,
     &NSTextUndo::classRecord,
     &NSTextView::classRecord,

@@ -14,7 +14,7 @@ class PELVOR_EXPORT NSActionCell : public NSCell {
   public:
     /// Not kept alive, and null once it ended. An action without a target goes to the first object that takes
     /// it, from the first responder on.
-    id target() override { return _target.object().get(); }
+    id target() override { return _target.object().autorelease(); }
     void setTarget(id target) override { _target = WeakHandle(target); }
     SEL action() override { return _action; }
     void setAction(SEL action) override { _action = action; }

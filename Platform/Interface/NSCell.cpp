@@ -13,6 +13,7 @@
 #include "Interface/NSControl.h"
 #include "Interface/NSEvent.h"
 #include "Interface/NSImage.h"
+#include "Interface/NSText.h"
 #include "Runtime/Message.h"
 #include "Shared/ArgumentChecks.h"
 #include "Text/NSAttributedString-Drawing.h"
@@ -117,6 +118,12 @@ PELVOR_DEFINE_CLASS(NSCell, interfaceLibrary) {
     methods.instance<"stopTracking:at:inView:mouseIsUp:", &NSCell::stopTracking_at_inView_mouseIsUp>();
     methods.instance<"getPeriodicDelay:interval:", &NSCell::getPeriodicDelay_interval>();
     methods.instance<"resetCursorRect:inView:", &NSCell::resetCursorRect_inView>();
+    methods.instance<"setUpFieldEditorAttributes:", &NSCell::setUpFieldEditorAttributes>();
+    methods.instance<"editWithFrame:inView:editor:delegate:event:",
+                     &NSCell::editWithFrame_inView_editor_delegate_event>();
+    methods.instance<"selectWithFrame:inView:editor:delegate:start:length:",
+                     &NSCell::selectWithFrame_inView_editor_delegate_start_length>();
+    methods.instance<"endEditing:", &NSCell::endEditing>();
 }
 
 // MARK: Creation
@@ -448,14 +455,16 @@ void NSCell::drawInteriorWithFrame_inView(NSRect frame, NSView*) {
 void NSCell::drawText_inRect(id text, NSRect rect) {
     if (!text || NSIsEmptyRect(rect)) return;
     auto* attributed = cast<NSAttributedString>(text);
-    if (!wraps()) {
-        const float height = attributed ? size(attributed).height : font()->defaultLineHeightForFont();
-        rect = {{rect.origin.x, std::floor(NSMidY(rect) - height / 2)}, {rect.size.width, std::ceil(height)}};
-    }
+    if (!wraps())
+        rect = lineRect(rect, attributed ? size(attributed).height : font()->defaultLineHeightForFont());
     if (attributed)
         drawInRect(attributed, rect);
     else
         drawInRect_withAttributes(textOf(text), rect, textAttributes());
+}
+
+NSRect NSCell::lineRect(NSRect rect, float height) {
+    return {{rect.origin.x, std::floor(NSMidY(rect) - height / 2)}, {rect.size.width, std::ceil(height)}};
 }
 
 void NSCell::highlight_withFrame_inView(bool isHighlighted, NSRect frame, NSView* view) {

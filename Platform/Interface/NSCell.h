@@ -15,6 +15,7 @@
 namespace pelvor {
 
 class NSEvent;
+class NSText;
 
 enum NSCellType : int { NSNullCellType = 0, NSTextCellType = 1, NSImageCellType = 2 };
 
@@ -216,6 +217,21 @@ class PELVOR_EXPORT NSCell : public NSObject {
     /// selected.
     virtual void resetCursorRect_inView(NSRect frame, NSView* view);
 
+    // Editing with a text object that the window lends, the field editor
+
+    /// Gives the text object the cell's font, alignment and colours; returns it. Null for null.
+    virtual NSText* setUpFieldEditorAttributes(NSText* text);
+    /// Has the text object edit the cell, and hands it the event, which may be null. Nothing happens if the
+    /// cell has no text to select or the view is in no window.
+    virtual void editWithFrame_inView_editor_delegate_event(NSRect frame, NSView* view, NSText* editor,
+                                                            id delegate, NSEvent* event);
+    /// Has the text object edit the cell, with a part of the text selected.
+    virtual void selectWithFrame_inView_editor_delegate_start_length(NSRect frame, NSView* view,
+                                                                     NSText* editor, id delegate, int start,
+                                                                     int length);
+    /// Takes the text object off the view.
+    virtual void endEditing(NSText* editor);
+
     // C++ only
 
     /// The colour of the text in the cell's present state.
@@ -255,6 +271,8 @@ class PELVOR_EXPORT NSCell : public NSObject {
     virtual void takeProperties(NSCell* other);
     /// Draws a string or attributed string in the middle of the height, in one line or wrapped.
     void drawText_inRect(id text, NSRect rect);
+    /// The part of a rectangle that lines of that height stand in.
+    NSRect lineRect(NSRect rect, float height);
     /// The room of that text in lines of the width.
     NSSize sizeOfText_width(id text, float width);
     /// Sends the action to the target through the control.

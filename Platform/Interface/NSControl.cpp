@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Interface/NSControl.h"
 
+#include "Foundation/NSNotificationCenter.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSActionCell.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSEvent.h"
+#include "Interface/NSText.h"
 #include "Interface/NSWindow.h"
 #include "Runtime/Message.h"
 
@@ -57,6 +59,8 @@ PELVOR_DEFINE_CLASS(NSControl, interfaceLibrary) {
     methods.instance<"takeDoubleValueFrom:", &NSControl::takeDoubleValueFrom>();
     methods.instance<"sendAction:to:", &NSControl::sendAction_to>();
     methods.instance<"performClick:", &NSControl::performClick>();
+    methods.instance<"currentEditor", &NSControl::currentEditor>();
+    methods.instance<"abortEditing", &NSControl::abortEditing>();
     methods.instance<"validateEditing", &NSControl::validateEditing>();
 }
 
@@ -223,6 +227,41 @@ void NSControl::takeIntValueFrom(id sender) {
 
 void NSControl::takeDoubleValueFrom(id sender) {
     if (_cell) _cell->takeDoubleValueFrom(sender);
+}
+
+// MARK: Editing
+
+NSText* NSControl::currentEditor() {
+    NSText* editor = window() ? window()->fieldEditor_forObject(false, this) : nullptr;
+    return editor && editor->delegate() == this && editor->isDescendantOf(this) ? editor : nullptr;
+}
+
+bool NSControl::abortEditing() {
+    const auto editor = Retained<NSText>::retaining(currentEditor());
+    if (editor) dropEditor(selectedCell(), editor);
+    return editor != nullptr;
+}
+
+void NSControl::validateEditing() {
+    NSText* editor = currentEditor();
+    if (editor && selectedCell()) selectedCell()->setStringValue(editor->string()->copy().get());
+}
+
+void NSControl::tellEditing(NSString* notification, SEL message, NSText* editor, id delegate) {
+    const auto self = Retained<NSControl>::retaining(this);
+    const auto receiver = Retained<Object>::retaining(delegate);
+    NSNotification* note = NSNotification::notificationWithName_object_userInfo(
+        notification, this, NSDictionary::of({{u"NSFieldEditor"_ns, editor}}));
+    NSNotificationCenter::defaultCenter()->postNotification(note);
+    if (receiver && receiver->respondsToSelector(message)) send(receiver, message, note);
+}
+
+void NSControl::dropEditor(NSCell* cell, NSText* editor) {
+    const auto self = Retained<NSControl>::retaining(this);
+    editor->setDelegate(nullptr);
+    if (window() && window()->firstResponder() == editor) window()->makeFirstResponder(nullptr);
+    if (cell) cell->endEditing(editor);
+    setNeedsDisplay(true);
 }
 
 // MARK: Action and events

@@ -7,6 +7,15 @@
 
 namespace pelvor {
 
+// Posted by controls whose text is edited, which are the sender, with the field editor under "NSFieldEditor"
+// in the user information.
+
+inline constexpr NSString* NSControlTextDidBeginEditingNotification =
+    u"NSControlTextDidBeginEditingNotification"_ns;
+inline constexpr NSString* NSControlTextDidChangeNotification = u"NSControlTextDidChangeNotification"_ns;
+inline constexpr NSString* NSControlTextDidEndEditingNotification =
+    u"NSControlTextDidEndEditingNotification"_ns;
+
 /// A view with a cell, which draws the control, keeps its value and follows the mouse:
 ///
 ///     auto button = NSButton::initWithFrame({{20, 20}, {90, 26}});
@@ -83,8 +92,15 @@ class PELVOR_EXPORT NSControl : public NSView {
     /// took it; false for the null selector.
     virtual bool sendAction_to(SEL action, id target);
     virtual void performClick(id sender);
-    /// Takes over the text that is being edited, and goes on editing; the base has none.
-    virtual void validateEditing() {}
+
+    // A text that is being edited in the window's field editor
+
+    /// The field editor while it edits this control, else null.
+    NSText* currentEditor();
+    /// Ends editing, and forgets what was typed. Returns whether the control was being edited.
+    virtual bool abortEditing();
+    /// Takes over what has been typed, and goes on editing.
+    virtual void validateEditing();
 
     bool isFlipped() override { return true; }
     bool isOpaque() override;
@@ -102,6 +118,11 @@ class PELVOR_EXPORT NSControl : public NSView {
     /// Whether the application is handling a press of the mouse: controls that need no keys do not take them
     /// away from a text then.
     static bool isInMouseDown();
+    /// Posts a notification of the field editor as one of the control, and tells the delegate, if it has a
+    /// method for it.
+    void tellEditing(NSString* notification, SEL message, NSText* editor, id delegate);
+    /// Takes the field editor off the control. The keys stay with the control's window.
+    void dropEditor(NSCell* cell, NSText* editor);
 
   private:
     Retained<NSCell> _cell;

@@ -88,6 +88,10 @@ void NSTableView::drawRow_clipRect(NSInteger row, NSRect clip) {
         // What draws may have changed the columns.
         const auto index = static_cast<NSInteger>(i);
         if (!isColumn(index) || !isRow(row)) return;
+        if (row == _editedRow && index == _editedColumn) {
+            fillRect(frameOfCellAtColumn_row(index, row), ThemeColor::content);
+            continue;
+        }
         const auto column = _columns[i];
         const auto cell = Retained<NSCell>::retaining(preparedCell(column, index, row));
         if (cell) cell->drawWithFrame_inView(frameOfCellAtColumn_row(index, row), this);

@@ -145,9 +145,6 @@ bool NSTableView::trackCell(NSEvent* event) {
     return true;
 }
 
-// A double click, or Return, on the place.
-void NSTableView::open(NSInteger, NSInteger) { sendAction_to(_doubleAction, target()); }
-
 // MARK: Keys
 
 NSInteger NSTableView::rowsOnPage() {

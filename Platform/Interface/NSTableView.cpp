@@ -11,7 +11,9 @@
 #include "Interface/Drawing/Theme.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSActionCell.h"
+#include "Interface/NSEvent.h"
 #include "Interface/NSTableHeaderView.h"
+#include "Interface/NSText.h"
 #include "Interface/NSWindow.h"
 #include "Shared/ArgumentChecks.h"
 
@@ -99,6 +101,14 @@ PELVOR_DEFINE_CLASS(NSTableView, interfaceLibrary) {
     methods.instance<"clickedColumn", &NSTableView::clickedColumn>();
     methods.instance<"doubleAction", &NSTableView::doubleAction>();
     methods.instance<"setDoubleAction:", &NSTableView::setDoubleAction>();
+    methods.instance<"editedRow", &NSTableView::editedRow>();
+    methods.instance<"editedColumn", &NSTableView::editedColumn>();
+    methods.instance<"editColumn:row:withEvent:select:", &NSTableView::editColumn_row_withEvent_select>();
+    methods.instance<"textShouldBeginEditing:", &NSTableView::textShouldBeginEditing>();
+    methods.instance<"textShouldEndEditing:", &NSTableView::textShouldEndEditing>();
+    methods.instance<"textDidBeginEditing:", &NSTableView::textDidBeginEditing>();
+    methods.instance<"textDidChange:", &NSTableView::textDidChange>();
+    methods.instance<"textDidEndEditing:", &NSTableView::textDidEndEditing>();
     methods.instance<"drawRow:clipRect:", &NSTableView::drawRow_clipRect>();
     methods.instance<"highlightSelectionInClipRect:", &NSTableView::highlightSelectionInClipRect>();
     methods.instance<"drawGridInClipRect:", &NSTableView::drawGridInClipRect>();
@@ -141,6 +151,7 @@ void NSTableView::reloadData() {
 
 void NSTableView::noteNumberOfRowsChanged() {
     const auto self = Retained<NSTableView>::retaining(this);
+    abortEditing();
     _rowCount = -1;
     const NSInteger count = numberOfRows();
     tile();
@@ -197,7 +208,9 @@ void NSTableView::addTableColumn(NSTableColumn* column) {
 void NSTableView::removeTableColumn(NSTableColumn* column) {
     const NSInteger index = indexOfColumn(column);
     if (index < 0) return;
+    const auto self = Retained<NSTableView>::retaining(this);
     const auto removed = Retained<NSTableColumn>::retaining(column);
+    abortEditing();
     _columns.erase(_columns.begin() + index);
     column->setTableView(nullptr);
     std::erase_if(_indicators, [&](const auto& indicator) { return indicator.first == column; });
@@ -235,6 +248,7 @@ void NSTableView::moveColumn_toColumn(NSInteger column, NSInteger newIndex) {
     requireIndex(static_cast<NSUInteger>(newIndex), count, "moveColumn:toColumn:");
     if (column == newIndex) return;
     const auto self = Retained<NSTableView>::retaining(this);
+    abortEditing();
     const auto begin = _columns.begin();
     if (column < newIndex)
         std::rotate(begin + column, begin + column + 1, begin + newIndex + 1);

@@ -12,6 +12,7 @@
 namespace pelvor {
 
 class NSEnumerator;
+class NSNotification;
 class NSTableHeaderView;
 
 // Posted by tables, which are the sender. The delegate gets the same as a message,
@@ -80,10 +81,10 @@ class PELVOR_EXPORT NSTableView : public NSControl {
 
     // What is shown. Neither is kept alive; null once it has ended.
 
-    id dataSource() { return _dataSource.object().get(); }
+    id dataSource() { return _dataSource.object().autorelease(); }
     /// Loads the data again.
     virtual void setDataSource(id source);
-    id delegate() { return _delegate.object().get(); }
+    id delegate() { return _delegate.object().autorelease(); }
     virtual void setDelegate(id delegate);
     /// Everything may be different: the number of rows is asked again, and all rows are drawn. Selected rows
     /// that no longer exist are deselected.
@@ -208,6 +209,30 @@ class PELVOR_EXPORT NSTableView : public NSControl {
     void keyDown(NSEvent* event) override;
     void mouseDown(NSEvent* event) override;
 
+    // Editing, in the window's field editor
+
+    /// The place that is being edited; -1 for none.
+    NSInteger editedRow() { return _editedRow; }
+    NSInteger editedColumn() { return _editedColumn; }
+    /// Edits the text of the place, with all of it selected or with what the event does, which may be null.
+    /// Return and Tab give the data source the text; Tab goes to the next column that can be edited, Escape
+    /// forgets what was typed. Neither columns nor delegate are asked whether they can be edited. Does
+    /// nothing if the table is in no window or the place has no text. Raises NSRangeException for a place
+    /// that does not exist.
+    virtual void editColumn_row_withEvent_select(NSInteger column, NSInteger row, NSEvent* event,
+                                                 bool select);
+    bool abortEditing() override;
+    void validateEditing() override {}
+
+    // What the field editor asks and tells its delegate, which the table is. The table's delegate may have
+    // `control:textShouldBeginEditing:` and the others that NSTextField describes.
+
+    virtual bool textShouldBeginEditing(NSText* text);
+    virtual bool textShouldEndEditing(NSText* text);
+    virtual void textDidBeginEditing(NSNotification* notification);
+    virtual void textDidChange(NSNotification* notification);
+    virtual void textDidEndEditing(NSNotification* notification);
+
     // Drawing, also for subclasses that draw in other ways. Rectangles are in the table's coordinates.
 
     virtual void drawRow_clipRect(NSInteger row, NSRect clip);
@@ -292,6 +317,8 @@ class PELVOR_EXPORT NSTableView : public NSControl {
     bool selectAlone(NSInteger row);
     NSInteger rowsOnPage();
     void open(NSInteger column, NSInteger row);
+    bool canEdit(NSInteger column, NSInteger row);
+    NSInteger nextEditable(NSInteger column, NSInteger row, NSInteger step);
 
     WeakHandle _dataSource, _delegate;
     std::vector<Retained<NSTableColumn>> _columns;
@@ -309,6 +336,8 @@ class PELVOR_EXPORT NSTableView : public NSControl {
     NSInteger _selectedRow = -1, _selectedColumn = -1;
     NSInteger _anchorRow = -1;  // where a selection that Shift extends begins
     NSInteger _clickedRow = -1, _clickedColumn = -1;
+    NSInteger _editedRow = -1, _editedColumn = -1;
+    Retained<NSCell> _editedCell;   // the copy that is edited
     Retained<NSCell> _trackedCell;  // the copy that follows the mouse, for the place that was clicked
     int _cellUses = 0;              // cells are set up for a row at the moment, not changed
     bool _alternatesRows = false;

@@ -295,7 +295,7 @@ bool NSTextView::resignFirstResponder() {
     const auto alive = Retained<NSTextView>::retaining(this);
     if (hasMarkedText()) NSInputManager::currentInputManager()->abandonMarkedTextInWindow(window());
     unmarkText();
-    if (_state->hasBegunEditing) {
+    if (_state->hasBegunEditing || isFieldEditor()) {  // who lent the editor has to take it back
         const SEL question = "textShouldEndEditing:"_sel;
         if (Retained<Object> delegate;
             asksDelegate(question, delegate) && !send<bool>(delegate, question, this))

@@ -10,6 +10,7 @@
 #include "Interface/Events/ApplicationState.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSInputManager.h"
+#include "Interface/NSText.h"
 #include "Interface/Windows/WindowState.h"
 #include "Runtime/Message.h"
 
@@ -107,6 +108,8 @@ PELVOR_DEFINE_CLASS(NSWindow, interfaceLibrary) {
     methods.instance<"recalculateKeyViewLoop", &NSWindow::recalculateKeyViewLoop>();
     methods.instance<"autorecalculatesKeyViewLoop", &NSWindow::autorecalculatesKeyViewLoop>();
     methods.instance<"setAutorecalculatesKeyViewLoop:", &NSWindow::setAutorecalculatesKeyViewLoop>();
+    methods.instance<"fieldEditor:forObject:", &NSWindow::fieldEditor_forObject>();
+    methods.instance<"endEditingFor:", &NSWindow::endEditingFor>();
     methods.instance<"sendEvent:", &NSWindow::sendEvent>();
     methods.instance<"postEvent:atStart:", &NSWindow::postEvent_atStart>();
     methods.instance<"nextEventMatchingMask:", &NSWindow::nextEventMatchingMask>();

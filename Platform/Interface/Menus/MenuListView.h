@@ -19,7 +19,7 @@ class MenuListView final : public NSView, NSView::HiddenCreators, private MenuOb
 
     // C++ only
 
-    NSMenu* menu() { return _menu; }
+    NSMenu* menu() override { return _menu; }
     const MenuLayout& layout() { return *_layout; }
     /// Whether the menu has changed since the layout was made.
     bool isStale() { return _isStale; }

@@ -57,6 +57,7 @@ struct WindowState {
     Retained<NSString> title, representedFilename, autosaveName;
     Retained<NSColor> backgroundColor;
     Retained<NSUndoManager> undoManager;
+    Retained<NSView> fieldEditor;  // an NSText, once somebody has asked for it
     WeakHandle delegate;
     WeakHandle firstResponder;  // empty: the window
     WeakHandle initialFirstResponder;

@@ -5,8 +5,10 @@
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSButton.h"
 #include "Interface/NSSegmentedControl.h"
-#include "Interface/NSTextFieldCell.h"
+#include "Interface/NSText.h"
+#include "Interface/NSTextField.h"
 #include "InterfaceScope.h"
+#include "TableRows.h"
 
 namespace pelvor {
 
@@ -230,6 +232,83 @@ TEST_F(SegmentTest, RefusesSegmentsThatDoNotExist) {
     control->setSelectedSegment(2);
     control->setSegmentCount(2);
     EXPECT_EQ(selection(), "00 -1");
+}
+
+// MARK: Text fields
+
+class FieldTest : public ControlTest {
+  protected:
+    FieldTest() {
+        field->setStringValue(u"Anna"_ns);
+        field->setDelegate(listener);
+        screen.turn();
+    }
+    std::string selection() {
+        NSText* editor = field->currentEditor();
+        return editor ? shown(editor->selectedRange()) : "none";
+    }
+
+    Retained<NSTextField> field = added<NSTextField>({{20, 20}, {120, 24}});
+    Retained<NSTextField> other = added<NSTextField>({{20, 60}, {120, 24}});
+    Retained<TableRows> listener = TableRows::of({});
+};
+
+TEST_F(FieldTest, EditsWhatIsTypedAndSendsItsActionForReturn) {
+    window->makeFirstResponder(field);
+    EXPECT_EQ(selection(), "{0, 4}");
+    screen.type(u"Berta");
+    EXPECT_EQ(shown(field->stringValue(), target->count, listener->take()), "Berta 0 begun ");
+    screen.press(NSCarriageReturnCharacter);
+    EXPECT_EQ(shown(field->stringValue(), target->count, listener->take()), "Berta 1 ended ");
+    EXPECT_EQ(selection(), "{0, 5}") << "goes on with all of it selected";
+    screen.type(u"x");
+    screen.press(NSEscapeCharacter);
+    EXPECT_EQ(shown(field->stringValue()), "Berta");
+    screen.press(NSTabCharacter);
+    EXPECT_EQ(selection(), "none");
+    EXPECT_NE(other->currentEditor(), nullptr);
+}
+
+TEST_F(FieldTest, PutsTheCaretWhereItIsClicked) {
+    screen.click(field, {118, 12});
+    EXPECT_EQ(selection(), "{4, 0}");
+    screen.type(u"s");
+    screen.click(other, {60, 12});
+    EXPECT_EQ(shown(field->stringValue(), selection()), "Annas none");
+    field->setEnabled(false);
+    screen.click(field, {60, 12});
+    EXPECT_EQ(selection(), "none");
+}
+
+TEST_F(FieldTest, ShowsTheTextAtThePlaceWhereItIsEdited) {
+    const auto darkest = [&] {
+        float leftmost = 120;
+        for (float x = 0; x < 120; ++x)
+            for (float y = 6; y < 18; ++y)
+                if ((screen.pixel(field, {x, y}) & 0xFF) < 0x60) leftmost = std::min(leftmost, x);
+        return leftmost;
+    };
+    const float before = darkest();
+    window->makeFirstResponder(field);
+    field->currentEditor()->setSelectedRange({4, 0});
+    screen.turn();
+    EXPECT_EQ(darkest(), before);
+}
+
+TEST_F(FieldTest, SurvivesItsEndWhileItIsEdited) {
+    window->makeFirstResponder(field);
+    screen.type(u"x");
+    target->reaction = [&] {
+        field->removeFromSuperview();
+        field = nullptr;
+        target->last = nullptr;
+    };
+    screen.press(NSCarriageReturnCharacter);
+    EXPECT_EQ(target->count, 1);
+    screen.type(u"x");
+    window->makeFirstResponder(other);
+    other->removeFromSuperview();
+    screen.type(u"x");
 }
 
 }  // namespace

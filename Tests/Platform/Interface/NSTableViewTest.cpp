@@ -260,6 +260,44 @@ TEST_F(TableTest, LivesThroughItsEndInAnAction) {
     screen.press(NSDownArrowFunctionKey);
 }
 
+// MARK: Editing
+
+TEST_F(TableTest, EditsByDoubleClicksAndKeys) {
+    for (const auto& column : table->columns()) column->setEditable(true);
+    clickRow(1, 0, 2);
+    EXPECT_EQ(shown(table->editedRow(), table->editedColumn(), rows->take()), "1 0 changing changed act ");
+    screen.type(u"wasp");
+    EXPECT_EQ(rows->take(), "begun ");
+    screen.press(NSTabCharacter);
+    EXPECT_EQ(shown(table->editedColumn(), rows->values[1], rows->take()), "1 wasp set ended ");
+    screen.type(u"x");
+    screen.press(NSEscapeCharacter);
+    EXPECT_EQ(shown(table->editedRow(), rows->values[1], rows->take()), "-1 wasp begun ended ");
+    EXPECT_EQ(window->firstResponder(), table);
+    screen.press(NSDownArrowFunctionKey);
+    screen.press(NSCarriageReturnCharacter);
+    EXPECT_EQ(shown(table->editedRow(), table->editedColumn()), "2 0");
+    screen.type(u"cow");
+    screen.press(NSCarriageReturnCharacter);
+    EXPECT_EQ(shown(table->editedRow(), rows->values[2]), "-1 cow");
+}
+
+TEST_F(TableTest, EndsEditingWhenItIsLeftOrItsDataChange) {
+    table->editColumn_row_withEvent_select(0, 0, nullptr, true);
+    screen.type(u"emu");
+    clickRow(4);
+    EXPECT_EQ(shown(table->editedRow(), rows->values[0], table->selectedRow()), "-1 emu 4")
+        << "a click elsewhere";
+    table->editColumn_row_withEvent_select(0, 0, nullptr, true);
+    screen.type(u"x");
+    table->reloadData();
+    EXPECT_EQ(shown(table->editedRow(), rows->values[0], table->currentEditor()), "-1 emu 0");
+    table->editColumn_row_withEvent_select(0, 0, nullptr, true);
+    table->removeFromSuperview();
+    table = nullptr;
+    screen.type(u"x");
+}
+
 // MARK: Columns
 
 TEST_F(TableTest, KeepsWidthsBetweenTheirLimits) {

@@ -17,6 +17,8 @@ PELVOR_DEFINE_CLASS(TableRows, tableTestLibrary) {
     methods.instance<"tableViewColumnDidResize:", &TableRows::tableViewColumnDidResize>();
     methods.instance<"tableViewColumnDidMove:", &TableRows::tableViewColumnDidMove>();
     methods.instance<"tableView:didClickTableColumn:", &TableRows::tableView_didClickTableColumn>();
+    methods.instance<"controlTextDidBeginEditing:", &TableRows::controlTextDidBeginEditing>();
+    methods.instance<"controlTextDidEndEditing:", &TableRows::controlTextDidEndEditing>();
     methods.instance<"act:", &TableRows::act>();
     methods.instance<"open:", &TableRows::open>();
 }

@@ -40,6 +40,8 @@ class TableRows final : public NSObject {
     void tableView_didClickTableColumn(id, NSTableColumn* column) {
         log += "title " + static_cast<NSString*>(column->identifier())->toUTF8() + " ";
     }
+    void controlTextDidBeginEditing(id) { log += "begun "; }
+    void controlTextDidEndEditing(id) { log += "ended "; }
     void act(id) { log += "act "; }
     void open(id) { log += "open "; }
     /// What was noted since the last call.
