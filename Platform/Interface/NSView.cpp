@@ -9,6 +9,7 @@
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSEvent.h"
 #include "Interface/NSMenu.h"
+#include "Interface/NSScrollView.h"
 #include "Interface/NSWindow.h"
 #include "Interface/Windows/ViewExtras.h"
 #include "Interface/Windows/WindowState.h"
@@ -23,6 +24,7 @@ PELVOR_DEFINE_CLASS(NSView, interfaceLibrary) {
     methods.instance<"subviews", &NSView::subviews>();
     methods.instance<"isDescendantOf:", &NSView::isDescendantOf>();
     methods.instance<"ancestorSharedWithView:", &NSView::ancestorSharedWithView>();
+    methods.instance<"enclosingScrollView", &NSView::enclosingScrollView>();
     methods.instance<"opaqueAncestor", &NSView::opaqueAncestor>();
     methods.instance<"viewWithTag:", &NSView::viewWithTag>();
     methods.instance<"tag", &NSView::tag>();
@@ -176,6 +178,12 @@ bool NSView::isDescendantOf(NSView* view) {
 NSView* NSView::ancestorSharedWithView(NSView* view) {
     for (NSView* level = view; level; level = level->_superview)
         if (isDescendantOf(level)) return level;
+    return nullptr;
+}
+
+NSScrollView* NSView::enclosingScrollView() {
+    for (NSView* around = _superview; around; around = around->_superview)
+        if (auto* scrollView = cast<NSScrollView>(around)) return scrollView;
     return nullptr;
 }
 

@@ -11,6 +11,7 @@
 namespace pelvor {
 
 class NSCursor;
+class NSScrollView;
 class NSMenu;
 class NSWindow;
 class WindowPainter;
@@ -92,6 +93,8 @@ class PELVOR_EXPORT NSView : public NSResponder {
     bool isDescendantOf(NSView* view);
     /// The nearest view that both are inside of or are; null if there is none.
     NSView* ancestorSharedWithView(NSView* view);
+    /// The nearest scroll view around the receiver; null if there is none.
+    NSScrollView* enclosingScrollView();
     /// The receiver or the nearest view around it that is opaque; the outermost view if none is.
     NSView* opaqueAncestor();
     /// The first view with the tag, the receiver first, then each subview with those inside it; or null.
