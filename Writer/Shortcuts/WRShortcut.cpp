@@ -7,7 +7,6 @@
 #include "Foundation/NSArray.h"
 #include "Interface/KeyEquivalents.h"
 #include "Interface/NSEvent.h"
-#include "Shared/ArgumentChecks.h"
 #include "Writer/Shortcuts/ShortcutsLibrary.h"
 
 namespace pelvor {
@@ -106,9 +105,7 @@ WRShortcut* WRShortcut::shortcutWithText(NSString* text) {
 }
 
 WRShortcut* WRShortcut::shortcutWithKeyEquivalent_modifierMask(NSString* equivalent, NSUInteger mask) {
-    constexpr const char* kOperation = "shortcutWithKeyEquivalent:modifierMask:";
-    requireArgument(equivalent, kOperation, "the equivalent");
-    if (equivalent->length() == 0) raiseBadArgument(kOperation, "the equivalent is empty");
+    if (!equivalent || equivalent->length() == 0) return nullptr;
     NSString* small = equivalent->lowercaseString();
     if (!small->isEqualToString(equivalent)) mask |= NSShiftKeyMask;
     auto shortcut = make<WRShortcut>();
@@ -122,7 +119,8 @@ bool WRShortcut::Key::matches(NSEvent* event) const {
 }
 
 bool WRShortcut::begins(const WRShortcut* other) const {
-    return _keys.size() <= other->_keys.size() && std::equal(_keys.begin(), _keys.end(), other->_keys.begin());
+    return _keys.size() <= other->_keys.size() &&
+           std::equal(_keys.begin(), _keys.end(), other->_keys.begin());
 }
 
 // MARK: What menu items ask

@@ -22,9 +22,10 @@ class WRShortcut final : public NSObject {
   public:
     /// Keys with blanks between them; each is a character or a name, behind the names of modifiers: "F5",
     /// "Ctrl+Shift+PageUp". The modifiers are Ctrl, Alt, Shift and Super, the named keys are Space, Plus,
-    /// Tab, Return, Backspace, Up, Down, Left, Right, Ins, Del, Home, End, PageUp, PageDown and F1 to F35. Null if the text says anything else. Borrowed.
+    /// Tab, Return, Backspace, Up, Down, Left, Right, Ins, Del, Home, End, PageUp, PageDown and F1 to F35.
+    /// Null if the text says anything else. Borrowed.
     static WRShortcut* shortcutWithText(NSString* text);
-    /// The one key of a menu item. Raises NSInvalidArgumentException if the equivalent is null or empty.
+    /// The one key of a menu item; null if the equivalent is null or empty.
     static WRShortcut* shortcutWithKeyEquivalent_modifierMask(NSString* equivalent, NSUInteger mask);
 
     // What menu items ask.

@@ -4,8 +4,8 @@
 #include "Interface/NSEvent.h"
 #include "Interface/NSWindow.h"
 #include "Runtime/Message.h"
-#include "Writer/Shortcuts/WRShortcutMatcher.h"
 #include "Writer/Shortcuts/ShortcutsLibrary.h"
+#include "Writer/Shortcuts/WRShortcutMatcher.h"
 
 namespace pelvor {
 namespace {
@@ -31,7 +31,8 @@ PELVOR_DEFINE_CLASS(WRShortcutApplication, shortcutsLibrary) {
 void WRShortcutApplication::performPosing() { classObject()->poseAsClass(NSApplication::classObject()); }
 
 void WRShortcutApplication::sendEvent(NSEvent* event) {
-    if (event && (isCaptured(event, keyWindow()) || WRShortcutMatcher::sharedMatcher()->takeEvent(event))) return;
+    if (event && (isCaptured(event, keyWindow()) || WRShortcutMatcher::sharedMatcher()->takeEvent(event)))
+        return;
     NSApplication::sendEvent(event);
 }
 

@@ -11,8 +11,8 @@
 #include "Interface/NSWindow.h"
 #include "Menus/NSMenuItem-PelvorAdditions.h"
 #include "Writer/LocalizedText.h"
-#include "Writer/Shortcuts/WRShortcutLabel.h"
 #include "Writer/Shortcuts/ShortcutsLibrary.h"
+#include "Writer/Shortcuts/WRShortcutLabel.h"
 
 namespace pelvor {
 

@@ -12,11 +12,12 @@ class NSMenu;
 class NSMenuItem;
 class NSNotification;
 
-/// Finds out that the keys of a shortcut have been pressed one after the other, and chooses the menu item that
-/// shows the shortcut. Sees events before menus and windows do (WRShortcutApplication).
+/// Finds out that the keys of a shortcut have been pressed one after the other, and chooses the menu item
+/// that shows the shortcut. Sees events before menus and windows do (WRShortcutApplication).
 ///
-/// After the first key a small window shows it and waits. Escape, a key that no shortcut goes on with, a click,
-/// another window and some seconds end the waiting; the key that ends it does nothing else. Main thread.
+/// After the first key a small window shows it and waits. Escape, a key that no shortcut goes on with, a
+/// click, another window and some seconds end the waiting; the key that ends it does nothing else. Main
+/// thread.
 class WRShortcutMatcher final : public NSObject {
     PELVOR_CLASS(WRShortcutMatcher, NSObject);
 
@@ -32,8 +33,8 @@ class WRShortcutMatcher final : public NSObject {
     void timeIsOver(NSTimer* timer);
     void windowDidResignKey(NSNotification* notification);
 
-    /// Sentences for the user, each about two items of the menu or its submenus whose shortcuts begin with the
-    /// same keys, so that one of them cannot be reached.
+    /// Sentences for the user, each about two items of the menu or its submenus whose shortcuts begin with
+    /// the same keys, so that one of them cannot be reached.
     NSArray* conflictsInMenu(NSMenu* menu);
 
     /// How long the next key is waited for.

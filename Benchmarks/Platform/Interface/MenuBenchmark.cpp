@@ -63,9 +63,8 @@ Retained<NSMenu> menuFor(BMEditor* editor) {
     benchmark::DoNotOptimize(hasPosed);
     auto menu = NSMenu::init();
     for (int i = 0; i < kCount; ++i)
-        menu->addItemWithTitle_action_keyEquivalent(
-                NSString::ofUTF8("Paragraph style " + std::to_string(i)), "edit:"_sel,
-                i % 10 ? u""_ns : u"k"_ns)
+        menu->addItemWithTitle_action_keyEquivalent(NSString::ofUTF8("Paragraph style " + std::to_string(i)),
+                                                    "edit:"_sel, i % 10 ? u""_ns : u"k"_ns)
             ->setTarget(editor);
     menu->setDelegate(editor);
     return menu;
@@ -105,7 +104,6 @@ void OpenAgain(benchmark::State& state) {
     }
 }
 BENCHMARK(OpenAgain)->Unit(benchmark::kMillisecond);
-
 
 void addItems(QMenu& menu) {
     for (int i = 0; i < kCount; ++i) {
@@ -147,7 +145,6 @@ void QtOpenAgain(benchmark::State& state) {
     for (auto _ : state) open(menu);
 }
 BENCHMARK(QtOpenAgain)->Unit(benchmark::kMillisecond);
-
 
 }  // namespace
 }  // namespace pelvor

@@ -76,18 +76,20 @@ class ShortcutMatching : public ::testing::Test {
         window->makeFirstResponder(view);
     }
     NSMenuItem* add(const char* title, const char* shortcut) {
-        auto item =
-            addItemWithTitle_target_action(edit, NSString::ofUTF8(title), nullptr, "choose:"_sel);
+        auto item = addItemWithTitle_target_action(edit, NSString::ofUTF8(title), nullptr, "choose:"_sel);
         setPelvorShortcut(item, WRShortcut::shortcutWithText(NSString::ofUTF8(shortcut)));
         return std::move(item).autorelease();
     }
-    void press(char16_t key, bool isCommand = false) { screen->press(key, isCommand ? std::uint32_t{NSCommandKeyMask} : 0); }
+    void press(char16_t key, bool isCommand = false) {
+        screen->press(key, isCommand ? std::uint32_t{NSCommandKeyMask} : 0);
+    }
     std::string takeLog() { return joined(std::exchange(view->log, {})); }
     bool isWaiting() { return WRShortcutMatcher::sharedMatcher()->waitingText(); }
 
     std::unique_ptr<InterfaceScope> screen = [] {
         registerLibrary(shortcutsLibrary);
-        static const bool havePosed = (PBMenuItem::performPosing(), WRShortcutApplication::performPosing(), true);
+        static const bool havePosed =
+            (PBMenuItem::performPosing(), WRShortcutApplication::performPosing(), true);
         EXPECT_TRUE(havePosed);
         return std::make_unique<InterfaceScope>();
     }();
@@ -119,9 +121,15 @@ TEST_F(ShortcutMatching, StopsWaiting) {
     const std::pair<const char*, std::function<void()>> ends[] = {
         {"Escape", [&] { press(0x1b); }},
         {"another key", [&] { press(u'z'); }},
-        {"a click", [&] { screen->click(window->contentView(), {200, 100}); }},
+        {"a click",
+         [&] {
+             screen->click(window->contentView(), {200, 100});
+         }},
         {"time", [&] { screen->wait(WRShortcutMatcher::kWaitingSeconds + 1); }},
-        {"another window", [&] { screen->window({{0, 0}, {80, 80}})->close(); }},
+        {"another window",
+         [&] {
+             screen->window({{0, 0}, {80, 80}})->close();
+         }},
     };
     for (const auto& [name, end] : ends) {
         window->makeKeyAndOrderFront(nullptr);
@@ -144,7 +152,8 @@ TEST_F(ShortcutMatching, LeavesKeysToWhoCapturesThem) {
 TEST_F(ShortcutMatching, ReportsConflicts) {
     auto conflicts = [&] {
         std::vector<std::string> all;
-        for (id sentence : WRShortcutMatcher::sharedMatcher()->conflictsInMenu(bar)) all.push_back(shown(sentence));
+        for (id sentence : WRShortcutMatcher::sharedMatcher()->conflictsInMenu(bar))
+            all.push_back(shown(sentence));
         return all;
     };
     EXPECT_THAT(conflicts(), IsEmpty());
