@@ -268,7 +268,8 @@ void NSScrollView::reflectScrolledClipView(NSClipView* clipView) {
             _clipView->isFlipped() ? NSMinY(shown) - NSMinY(whole) : NSMaxY(whole) - NSMaxY(shown);
         show(_vertical, start, NSHeight(shown), NSHeight(whole));
     }
-    if (_headerClip) _headerClip->scrollToPoint({NSMinX(shown), _headerClip->bounds().origin.y});
+    if (_headerClip)
+        _headerClip->scrollToPoint({NSMinX(shown) - NSMinX(whole), _headerClip->bounds().origin.y});
 }
 
 // The distance is to the right and down as it is seen.

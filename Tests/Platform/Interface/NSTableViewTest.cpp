@@ -3,6 +3,7 @@
 
 #include "Foundation/NSEnumerator.h"
 #include "Interface/NSButtonCell.h"
+#include "Interface/NSScrollView.h"
 #include "Interface/NSTableHeaderView.h"
 #include "InterfaceScope.h"
 #include "TableRows.h"
@@ -115,6 +116,32 @@ TEST_F(TableTest, SurvivesDataSourcesThatChangeItWhileItIsDrawn) {
     EXPECT_EQ(table->dataSource(), nullptr);
     table->reloadData();
     screen.turn();
+}
+
+TEST_F(TableTest, StandsUnderItsTitlesInAScrollView) {
+    auto scroll = NSScrollView::initWithFrame({{0, 0}, {150, 90}});
+    table->removeFromSuperview();
+    table->setFrameOrigin({20, 20});
+    scroll->setDocumentView(table);
+    window->contentView()->addSubview(scroll);
+    NSTableColumn *a = table->tableColumnWithIdentifier(u"a"_ns),
+                  *b = table->tableColumnWithIdentifier(u"b"_ns);
+    a->setWidth(150);
+    b->setWidth(100);
+    screen.turn();
+    const auto isAligned = [&] {
+        NSTableHeaderView* header = table->headerView();
+        return header->convertRect_toView(header->headerRectOfColumn(1), nullptr).origin.x ==
+               table->convertRect_toView(table->rectOfColumn(1), nullptr).origin.x;
+    };
+    EXPECT_TRUE(isAligned());
+    table->scrollColumnToVisible(1);
+    table->scrollRowToVisible(4);
+    screen.turn();
+    EXPECT_TRUE(isAligned());
+    EXPECT_TRUE(NSContainsRect(table->visibleRect(), table->frameOfCellAtColumn_row(1, 4)));
+    scroll->setFrameSize({350, 90});
+    EXPECT_EQ(shown(a->width(), b->width()), "150 300") << "the last one has grown by as much";
 }
 
 // MARK: Selection by the program
