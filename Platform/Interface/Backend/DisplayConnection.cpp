@@ -288,6 +288,11 @@ void DisplayConnection::lost(const std::string& reason) {
         NSRunLoop::mainRunLoop()->removeDescriptor_forMode(std::exchange(_descriptor, -1),
                                                            NSRunLoopCommonModes);
     NSLog(u"The display is lost: %@"_ns, NSString::ofUTF8(reason));
+    // Whoever follows the mouse waits for its release, which will not come.
+    for (const auto& [number, window] : _windows)
+        if (window->state().mouseTargets[0].object())
+            application().post(
+                EventMaker::simple(NSLeftMouseUp, window->windowNumber(), {}, 0, steadyTime()).get());
     postSystem(SystemEvent::displayLost, nullptr);
 }
 
