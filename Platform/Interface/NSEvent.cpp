@@ -13,6 +13,7 @@
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSWindow.h"
+#include "Runtime/NSException.h"
 #include "Shared/ArgumentChecks.h"
 
 namespace pelvor {

@@ -156,7 +156,7 @@ class PELVOR_EXPORT NSTextView : public NSText {
     /// {NSNotFound, 0} where the user may not edit.
     NSRange rangeForUserTextChange();
     /// Types a string or attributed string over the selection. Null and other objects do nothing.
-    virtual void insertText(id text);
+    void insertText(id text) override;
     /// True at first.
     bool allowsUndo();
     void setAllowsUndo(bool allows);

@@ -10,6 +10,7 @@
 #include "Interface/Windows/FocusStack.h"
 #include "Interface/Windows/ViewExtras.h"
 #include "Interface/Windows/WindowState.h"
+#include "Runtime/NSException.h"
 #include "Text/NSGraphicsContext.h"
 
 namespace pelvor {

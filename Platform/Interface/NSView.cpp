@@ -13,6 +13,7 @@
 #include "Interface/NSWindow.h"
 #include "Interface/Windows/ViewExtras.h"
 #include "Interface/Windows/WindowState.h"
+#include "Runtime/NSException.h"
 #include "Shared/ArgumentChecks.h"
 
 namespace pelvor {

@@ -206,7 +206,9 @@ bool HeadlessBackend::drop() {
 
 void HeadlessBackend::setBusy(bool isBusy) {
     _isBusy = isBusy;
-    if (!isBusy && find(_askedWhileBusy)) _sink.paintReady(std::exchange(_askedWhileBusy, 0));
+    if (isBusy) return;
+    for (BackendWindow window : std::exchange(_askedWhileBusy, {}))
+        if (find(window)) _sink.paintReady(window);
 }
 
 // MARK: What the user would see
@@ -306,7 +308,7 @@ const BackendImage* HeadlessBackend::beginPaint(BackendWindow number) {
     Window* window = find(number);
     if (!window) return nullptr;
     if (_isBusy) {
-        _askedWhileBusy = number;
+        _askedWhileBusy.push_back(number);
         return nullptr;
     }
     if (!window->image.pixels) {

@@ -138,7 +138,7 @@ class PELVOR_EXPORT HeadlessBackend final : public InterfaceBackend {
     bool _hasCaret = false;
     bool _isBusy = false;
     int _beeps = 0;
-    BackendWindow _askedWhileBusy = 0;
+    std::vector<BackendWindow> _askedWhileBusy;
     BackendWindow _dragTarget = 0;
     std::function<void(bool)> _dragDone;
     std::vector<PixelRect> _presented;
