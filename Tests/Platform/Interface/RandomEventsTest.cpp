@@ -86,7 +86,7 @@ struct RandomEvents : ::testing::Test {
                 return backend.setModifiers(random() & 31);
             case 5: {
                 BackendKey key;
-                key.characters = std::u16string(1, below(2) ? u'a' : NSTabCharacter);
+                key.characters = std::u16string(1, below(2) ? u'a' : u'\t');
                 key.charactersIgnoringModifiers = key.shortcutCharacters = key.characters;
                 return backend.key(key);
             }
