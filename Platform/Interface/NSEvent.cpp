@@ -24,25 +24,17 @@ constinit std::atomic<KeyModifierSource> keyModifierSource{nullptr};
 }  // namespace
 
 PELVOR_DEFINE_CLASS(NSEvent, interfaceLibrary) {
-    methods.creator<
-        "mouseEventWithType:location:modifierFlags:timestamp:windowNumber:context:eventNumber:clickCount:"
-        "pressure:",
-        &NSEvent::
-            mouseEventWithType_location_modifierFlags_timestamp_windowNumber_context_eventNumber_clickCount_pressure>();
-    methods.creator<
-        "keyEventWithType:location:modifierFlags:timestamp:windowNumber:context:characters:"
-        "charactersIgnoringModifiers:isARepeat:keyCode:",
-        &NSEvent::
-            keyEventWithType_location_modifierFlags_timestamp_windowNumber_context_characters_charactersIgnoringModifiers_isARepeat_keyCode>();
-    methods.creator<
-        "otherEventWithType:location:modifierFlags:timestamp:windowNumber:context:subtype:data1:data2:",
-        &NSEvent::
-            otherEventWithType_location_modifierFlags_timestamp_windowNumber_context_subtype_data1_data2>();
-    methods.creator<
-        "enterExitEventWithType:location:modifierFlags:timestamp:windowNumber:context:eventNumber:"
-        "trackingNumber:userData:",
-        &NSEvent::
-            enterExitEventWithType_location_modifierFlags_timestamp_windowNumber_context_eventNumber_trackingNumber_userData>();
+    // One line a row, as scripts/check-tables reads them.
+    // clang-format off
+    methods.creator<"mouseEventWithType:location:modifierFlags:timestamp:windowNumber:context:eventNumber:clickCount:pressure:",
+                    &NSEvent::mouseEventWithType_location_modifierFlags_timestamp_windowNumber_context_eventNumber_clickCount_pressure>();
+    methods.creator<"keyEventWithType:location:modifierFlags:timestamp:windowNumber:context:characters:charactersIgnoringModifiers:isARepeat:keyCode:",
+                    &NSEvent::keyEventWithType_location_modifierFlags_timestamp_windowNumber_context_characters_charactersIgnoringModifiers_isARepeat_keyCode>();
+    methods.creator<"otherEventWithType:location:modifierFlags:timestamp:windowNumber:context:subtype:data1:data2:",
+                    &NSEvent::otherEventWithType_location_modifierFlags_timestamp_windowNumber_context_subtype_data1_data2>();
+    methods.creator<"enterExitEventWithType:location:modifierFlags:timestamp:windowNumber:context:eventNumber:trackingNumber:userData:",
+                    &NSEvent::enterExitEventWithType_location_modifierFlags_timestamp_windowNumber_context_eventNumber_trackingNumber_userData>();
+    // clang-format on
     methods.instance<"type", &NSEvent::type>();
     methods.instance<"window", &NSEvent::window>();
     methods.instance<"windowNumber", &NSEvent::windowNumber>();

@@ -30,7 +30,7 @@ class NSString;
 /// has been written, or something went wrong, further drawing does nothing.
 class PELVOR_EXPORT NSGraphicsContext : public NSObject {
     PELVOR_CLASS(NSGraphicsContext, NSObject);
-    PELVOR_CREATORS(initWithImageSize_scale, initForPDFWithTitle);
+    PELVOR_CREATORS(initWithImageSize_scale, initForPDFWithTitle, onPixels);
 
   public:
     // Creation: owned contexts.

@@ -58,8 +58,8 @@ void setFont(cairo_t* page, const GlyphRun& run) {
     cairo_font_options_destroy(options);
 }
 
-std::vector<cairo_glyph_t> glyphsOf(const GlyphRun& run, NSPoint origin) {
-    std::vector<cairo_glyph_t> glyphs;
+std::vector<GlyphAt> glyphsOf(const GlyphRun& run, NSPoint origin) {
+    std::vector<GlyphAt> glyphs;
     glyphs.reserve(run.glyphs.size());
     std::int64_t pen = 0;
     for (const PlacedGlyph& glyph : run.glyphs) {
@@ -127,7 +127,7 @@ void showGlyphs(cairo_t* page, const GlyphRun& run, const std::vector<cairo_glyp
 void drawBoxes(cairo_t* page, const GlyphRun& run, NSPoint origin) {
     const NSRect box = run.font->boundingRectForFont();
     cairo_new_path(page);
-    for (const cairo_glyph_t& glyph : glyphsOf(run, origin))
+    for (const GlyphAt& glyph : glyphsOf(run, origin))
         cairo_rectangle(page, glyph.x + static_cast<double>(box.origin.x),
                         glyph.y - static_cast<double>(box.origin.y + box.size.height),
                         static_cast<double>(box.size.width), static_cast<double>(box.size.height));
@@ -146,14 +146,14 @@ void drawGlyphs(NSGraphicsContext* context, const GlyphRun& run, NSPoint origin)
     FontVariant& variant = run.font->variant();
     cairo_font_face_t* face = faceOf(variant);
     if (!face) return drawBoxes(page, run, origin);
-    const std::vector<cairo_glyph_t> glyphs = glyphsOf(run, origin);
+    const std::vector<GlyphAt> places = glyphsOf(run, origin);
     const bool isOutlined = !context->canvas().isPDF() && !variant.face().entry().isColoured;
     const double size = static_cast<double>(run.font->pointSize());
-    if (isOutlined &&
-        GlyphImages::current().blend(
-            page, face, {variant.number(), size * static_cast<double>(run.expansion), size, slantOf(run)},
-            glyphs))
-        return;
+    const GlyphImages::Look look{variant.number(), size * static_cast<double>(run.expansion), size,
+                                 slantOf(run)};
+    if (isOutlined && GlyphImages::current().blend(page, face, look, places)) return;
+    std::vector<cairo_glyph_t> glyphs;
+    for (const GlyphAt& place : places) glyphs.push_back({place.index, place.x, place.y});
     setFont(page, run);
     if (isOutlined)
         fillOutlines(page, glyphs);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Text/Drawing/GlyphImages.h"
 
+#include <cairo.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -186,8 +188,7 @@ const GlyphImages::Image& GlyphImages::image(Sized& sized, unsigned long glyph, 
     return image;
 }
 
-bool GlyphImages::blend(cairo_t* page, cairo_font_face_t* face, Look look,
-                        std::span<const cairo_glyph_t> glyphs) {
+bool GlyphImages::blend(cairo_t* page, cairo_font_face_t* face, Look look, std::span<const GlyphAt> glyphs) {
     Target target;
     if (!target.read(page)) return false;
     look.width *= target.xFactor;
@@ -196,7 +197,7 @@ bool GlyphImages::blend(cairo_t* page, cairo_font_face_t* face, Look look,
     if (look.width > kLargest || look.height > kLargest) return false;
     Sized& font = sized(face, look);
     if (cairo_scaled_font_status(font.font) != CAIRO_STATUS_SUCCESS) return false;
-    for (const cairo_glyph_t& glyph : glyphs) {
+    for (const GlyphAt& glyph : glyphs) {
         const double x = std::round((glyph.x * target.xFactor + target.xOffset) * kPhases);
         const double y = std::round((glyph.y * target.yFactor + target.yOffset) * kPhases);
         if (!(std::abs(x) < 1e6 && std::abs(y) < 1e6)) continue;

@@ -2,15 +2,23 @@
 // GlyphImages: glyphs as pixels, made once and blended into images.
 #pragma once
 
-#include <cairo.h>
-
 #include <cstdint>
 #include <memory>
 #include <span>
 #include <unordered_map>
 #include <vector>
 
+struct _cairo;
+struct _cairo_font_face;
+struct _cairo_scaled_font;
+
 namespace pelvor {
+
+/// A glyph by its index in the font, with its origin.
+struct GlyphAt {
+    unsigned long index;
+    double x, y;
+};
 
 /// Glyphs of a size as coverage of pixels, at each quarter of a pixel in both directions where one was
 /// needed. One thread at a time; each has its own. When they take more than some megabytes, all are
@@ -30,7 +38,7 @@ class GlyphImages {
     /// `size` and `expansion` are those of the font in the page's units. Returns false, and does nothing,
     /// where this way does not lead to what Cairo would draw, only quicker: turned or very large glyphs,
     /// pages that are no images, clips that cut through pixels.
-    bool blend(cairo_t* page, cairo_font_face_t* face, Look look, std::span<const cairo_glyph_t> glyphs);
+    bool blend(_cairo* page, _cairo_font_face* face, Look look, std::span<const GlyphAt> glyphs);
 
     GlyphImages() = default;
     GlyphImages(const GlyphImages&) = delete;
@@ -43,12 +51,12 @@ class GlyphImages {
     };
     struct Sized {
         Look look;
-        cairo_scaled_font_t* font;
+        _cairo_scaled_font* font;
         std::unordered_map<std::uint64_t, Image> images;
     };
     struct Target;
 
-    Sized& sized(cairo_font_face_t* face, const Look& look);
+    Sized& sized(_cairo_font_face* face, const Look& look);
     const Image& image(Sized& sized, unsigned long glyph, unsigned phaseX, unsigned phaseY);
     void forget();
 
