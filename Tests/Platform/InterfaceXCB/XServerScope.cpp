@@ -8,12 +8,22 @@
 #include <unistd.h>
 #include <xcb/xtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <thread>
-
-#include "Prelude.h"
+#include <utility>
 
 namespace pelvor {
+
+namespace {
+
+[[noreturn]] void fail(const std::string& reason) {
+    std::fprintf(stderr, "%s\n", reason.c_str());
+    std::abort();
+}
+
+}  // namespace
 
 ProgramScope::ProgramScope(const std::vector<std::string>& arguments, int descriptor,
                            const std::string& input) {
@@ -74,8 +84,7 @@ XServerScope::XServerScope(Manager manager, std::vector<std::string> options) {
     ::setenv("DISPLAY", (":" + number).c_str(), 1);
     std::string reason;
     _peer = XConnection::open(&reason);
-    EXPECT_TRUE(_peer) << reason;
-    if (!_peer) std::abort();
+    if (!_peer) fail("Xvfb does not start: " + reason);
     // The first key of XTEST changes the keyboard, which is told as a change of the layout.
     press(183);
     if (manager == Manager::openbox) startManager();
@@ -98,7 +107,7 @@ void XServerScope::startManager() {
             if (condition()) return;
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
-        ADD_FAILURE() << "openbox does not start";
+        fail("openbox does not start");
     };
     waitFor([&] { return peer.property(root(), peer[Atom::_NET_SUPPORTING_WM_CHECK]).type != 0; });
     waitFor([&] {
