@@ -11,7 +11,7 @@
 #include "Interface/NSButton.h"
 #include "Interface/NSEvent.h"
 #include "Interface/NSImage.h"
-#include "Interface/NSWindow.h"
+#include "Interface/NSPanel.h"
 #include "Text/NSString-Drawing.h"
 
 namespace pelvor {
@@ -42,7 +42,7 @@ Retained<NSWindow> AlertView::windowFor(NSAlert* alert) {
     auto view = cast<AlertView>(NSView::initWithFrame(NSZeroRect, classObject()));
     view->_alert = alert;
     view->layOut();
-    auto window = NSWindow::initWithContentRect_styleMask_backing_defer(
+    auto window = NSPanel::initWithContentRect_styleMask_backing_defer(
         {{}, view->frame().size}, NSTitledWindowMask, NSBackingStoreBuffered, true);
     window->setLevel(NSModalPanelWindowLevel);
     window->setTitle(alert->messageText());

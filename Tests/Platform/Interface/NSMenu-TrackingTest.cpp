@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Open menus, and a user who goes through them.
+#include "EnvironmentScope.h"
 #include "Foundation/NSObject-DelayedPerforming.h"
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSTimer.h"
@@ -144,6 +145,23 @@ TEST_F(MenuTracking, GoesThroughMenusByKeys) {
           pressing(NSUpArrowFunctionKey), [&] { EXPECT_EQ(highlighted(file), "Recent"); }, pressing(0x1b)});
     screen.press(NSF10FunctionKey);
     EXPECT_EQ(takeLog(), "open file, close file, open edit, close edit, open file, close file");
+}
+
+TEST_F(MenuTracking, RunsFromRightToLeft) {
+    LanguageScope language("he");
+    plan({pressing(NSDownArrowFunctionKey), pressing(NSDownArrowFunctionKey),
+          [&] { EXPECT_FLOAT_EQ(NSMaxX(menuWindow()->frame()), 496); }, pressing(NSLeftArrowFunctionKey),
+          [&] {
+              EXPECT_EQ(highlighted(recent), "Anna");
+              EXPECT_LT(NSMaxX(menuWindow()->frame()), 450);
+          },
+          pressing(NSRightArrowFunctionKey), pressing(NSLeftArrowFunctionKey), pressing(0x1b),
+          pressing(0x1b)});
+    screen.backend->movePointer(placeOfTitle(380));  // the first title
+    screen.backend->pressButton(1);
+    screen.backend->releaseButton(1);
+    screen.turn();
+    EXPECT_EQ(takeLog(), "open file, open recent, close recent, open recent, close recent, close file");
 }
 
 TEST_F(MenuTracking, SelectsByTyping) {
@@ -324,7 +342,9 @@ TEST_F(MenuTracking, AsksInAlerts) {
     for (const auto& row : rows) {
         NSInteger answer = 0;
         auto asks = Listener::doing([&](id) {
-            plan({pressing(row.key)}, 0.25, NSModalPanelRunLoopMode);
+            plan({[&] { EXPECT_EQ(menuWindow()->contentView()->superview()->subviews()->count(), 1u); },
+                  pressing(row.key)},
+                 0.25, NSModalPanelRunLoopMode);  // without a menu bar
             answer =
                 NSRunAlertPanel(u"Save?"_ns, u"Changes get lost."_ns, u"Save"_ns, row.alternate, nullptr);
             screen.app->stop(nullptr);

@@ -4,8 +4,12 @@
 
 #include "../Interface/TestViews.h"
 #include "BackendDriver.h"
+#include "Foundation/NSRunLoop.h"
+#include "Foundation/NSTimer.h"
 #include "Interface/Events/ApplicationState.h"
 #include "Interface/NSApplication.h"
+#include "Interface/NSMenu.h"
+#include "Interface/NSScreen.h"
 #include "Interface/NSWindow.h"
 #include "TestInputMethod.h"
 
@@ -71,6 +75,44 @@ TEST_F(XCBApplicationTest, GetsKeysAndClicks) {
     // The user closes the window by the manager's button.
     XServerScope::run({"xdotool", "key", "alt+F4"});
     EXPECT_TRUE(until([&] { return !window->isVisible(); }));
+}
+
+TEST_F(XCBApplicationTest, OpensMenus) {
+    start();
+    int chosen = 0;
+    auto taker =
+        Listener::doing([&](id item) { chosen = static_cast<int>(static_cast<NSMenuItem*>(item)->tag()); });
+    auto bar = NSMenu::init(), file = NSMenu::init();
+    for (int tag = 1; tag <= 3; ++tag) {
+        NSMenuItem* item = file->addItemWithTitle_action_keyEquivalent(u"Item"_ns, "hear:"_sel, u""_ns);
+        item->setTarget(taker);
+        item->setTag(tag);
+    }
+    bar->addItemWithTitle_action_keyEquivalent(u"File"_ns, SEL(), u""_ns)->setSubmenu(file);
+    app->setMainMenu(bar);
+    constexpr int kF10 = 68, kDown = 108, kReturn = 28, kEscape = 1;
+    for (int key : {kF10, kDown, kReturn}) server->press(key);
+    EXPECT_TRUE(until([&] { return chosen == 2; }));
+    EXPECT_EQ(app->orderedWindows()->count(), 1u);
+    // By the mouse, as soon as the menu is seen.
+    const NSRect contents = window->contentRectForFrameRect(window->frame());
+    const int x = static_cast<int>(NSMinX(contents)) + 20,
+              y = static_cast<int>(NSMaxY(NSScreen::mainScreen()->frame()) - NSMaxY(contents)) + 12;
+    auto user = Listener::doing([&](id timer) {
+        static_cast<NSTimer*>(timer)->invalidate();
+        server->click(x + 10, y + 12 + 5 + 2 * 22 + 11);
+    });
+    NSTimer* timer = NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(0.2, user, "hear:"_sel,
+                                                                                     nullptr, true);
+    NSRunLoop::mainRunLoop()->addTimer_forMode(timer, NSEventTrackingRunLoopMode);
+    server->click(x, y);
+    EXPECT_TRUE(until([&] { return chosen == 3; }));
+    // Nobody else is shut out afterwards: keys go to the view again.
+    server->press(kF10);
+    server->press(kEscape);
+    server->press(30);
+    EXPECT_TRUE(untilLogged("text a"));
+    app->setMainMenu(nullptr);
 }
 
 TEST_F(XCBApplicationTest, ShowsWhatIsComposed) {
