@@ -28,7 +28,7 @@ class TableRows final : public NSObject {
                                                              : nullptr;
     }
     void tableView_setObjectValue_forTableColumn_row(id, id value, id, NSInteger row) {
-        values[static_cast<std::size_t>(row)].set(value);
+        if (static_cast<std::size_t>(row) < values.size()) values[static_cast<std::size_t>(row)].set(value);
         log += "set ";
     }
     bool tableView_shouldSelectRow(id, NSInteger row) { return !refused.contains(row); }
