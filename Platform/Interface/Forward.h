@@ -23,6 +23,7 @@ class NSView;        ///< a rectangle that draws itself and takes events
 class NSWindow;      ///< a window with a tree of views
 
 // Text and what is copied
+class NSDraggingInfo;  ///< what is dragged over a view
 class NSPasteboard;  ///< what was copied, selected or dragged
 class NSText;        ///< what views of text have in common
 class NSTextView;    ///< shows, selects and edits a text

@@ -13,6 +13,7 @@
 #include "Interface/NSClipView.h"
 #include "Interface/NSControl.h"
 #include "Interface/NSCursor.h"
+#include "Interface/NSDraggingInfo.h"
 #include "Interface/NSEvent.h"
 #include "Interface/NSImage.h"
 #include "Interface/NSImageCell.h"
@@ -64,6 +65,7 @@ constexpr Class* kClasses[] = {
     &NSClipView::classRecord,
     &NSControl::classRecord,
     &NSCursor::classRecord,
+    &NSDraggingInfo::classRecord,
     &NSEvent::classRecord,
     &NSImage::classRecord,
     &NSImageCell::classRecord,

@@ -232,8 +232,10 @@ void NSTextView::tellInputMethod() {
 // Where the caret is to be seen; the old and the new place are drawn again.
 void NSTextView::placeCaret() {
     NSRect rect{};
-    if (shouldDrawInsertionPoint()) {
-        rect = caretRect({_state->selection.location, _state->affinity});
+    const bool isDrop = _state->dropIndex != NSNotFound;
+    if (isDrop || shouldDrawInsertionPoint()) {
+        rect = caretRect(isDrop ? CaretPlace{_state->dropIndex}
+                                : CaretPlace{_state->selection.location, _state->affinity});
         rect.size.width = NSHeight(rect) > 0 ? kCaretWidth : 0;
         // At the edge of the view the caret is still to be seen.
         rect.origin.x = std::clamp(NSMinX(rect), 0.0F, std::max(NSWidth(bounds()) - kCaretWidth, 0.0F));

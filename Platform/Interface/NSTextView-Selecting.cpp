@@ -9,6 +9,7 @@
 #include "Foundation/NSValue.h"
 #include "Interface/Drawing/Theme.h"
 #include "Interface/NSCursor.h"
+#include "Interface/NSDraggingInfo.h"
 #include "Interface/NSEvent.h"
 #include "Interface/NSInputManager.h"
 #include "Interface/NSPasteboard.h"
@@ -123,6 +124,8 @@ void NSTextView::mouseDown(NSEvent* event) {
                                         : NSSelectByCharacter;
     _state->isSelecting = true;
     _state->mouseDown = point;
+    _state->mayDrag = clicks == 1 && !(event->modifierFlags() & NSShiftKeyMask) && isInSelection(point);
+    if (_state->mayDrag) return;
     if (event->modifierFlags() & NSShiftKeyMask) {
         // The end that is further away stays.
         const NSRange old = _state->selection;
@@ -132,6 +135,23 @@ void NSTextView::mouseDown(NSEvent* event) {
     }
     _state->mouseAnchor = selectionRangeForProposedRange_granularity({place.index, 0}, _state->granularity);
     setSelectedRange_affinity_stillSelecting(_state->mouseAnchor, place.affinity, true);
+}
+
+bool NSTextView::isInSelection(NSPoint point) {
+    const NSRange selection = _state->selection;
+    if (selection.length == 0) return false;
+    for (id each : _state->layoutManager->textContainers()) {
+        auto container = static_cast<NSTextContainer*>(each);
+        const NSPoint origin = originOfTextContainer(container);
+        NSUInteger count = 0;
+        const NSRect* rects =
+            _state->layoutManager
+                ->rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
+                    selection, selection, container, &count);
+        for (NSUInteger i = 0; i < count; ++i)
+            if (NSMouseInRect({point.x - origin.x, point.y - origin.y}, rects[i], true)) return true;
+    }
+    return false;
 }
 
 void NSTextView::selectTo(NSPoint point) {
@@ -150,8 +170,15 @@ void NSTextView::selectTo(NSPoint point) {
 void NSTextView::mouseDragged(NSEvent* event) {
     if (!event || !_state->isSelecting || !mayLayOut()) return;
     const auto alive = Retained<NSTextView>::retaining(this);
-    _state->lastDrag.set(event);
     const NSPoint point = convertPoint_fromView(event->locationInWindow(), nullptr);
+    if (_state->mayDrag) {
+        const float far = std::hypot(point.x - _state->mouseDown.x, point.y - _state->mouseDown.y);
+        if (far < metrics::kDragDistance) return;
+        _state->isSelecting = _state->mayDrag = false;
+        beginDrag();
+        return;
+    }
+    _state->lastDrag.set(event);
     selectTo(point);
     const bool isOutside = !NSMouseInRect(point, visibleRect(), true);
     if (!isOutside) return stopAutoscrolling();
@@ -179,6 +206,11 @@ void NSTextView::mouseUp(NSEvent* event) {
     if (!_state->isSelecting) return NSText::mouseUp(event);
     _state->isSelecting = false;
     const auto alive = Retained<NSTextView>::retaining(this);
+    // A press in the selection that dragged nothing puts the caret there.
+    if (std::exchange(_state->mayDrag, false) && mayLayOut()) {
+        const CaretPlace place = placeAtPoint(_state->mouseDown);
+        setSelectedRange_affinity_stillSelecting({place.index, 0}, place.affinity, false);
+    }
     if (_state->selection.length > 0) offerPrimarySelection();
     updateInsertionPointStateAndRestartTimer(true);
 }
@@ -206,6 +238,56 @@ bool NSTextView::clickLink(NSUInteger index) {
     const auto link = Retained<Object>::retaining(
         _state->storage->attribute_atIndex_effectiveRange(NSLinkAttributeName, index, nullptr));
     return link && send<bool>(delegate, question, this, link.get(), index);
+}
+
+// MARK: Dragging
+
+bool NSTextView::beginDrag() {
+    NSPasteboard* board = NSPasteboard::pasteboardWithName(NSDragPboard);
+    return writeSelectionToPasteboard_types(board, writablePasteboardTypes()) &&
+           NSDraggingInfo::drag(window(), this);
+}
+
+NSUInteger NSTextView::dropIndex(NSDraggingInfo* info) {
+    return placeAtPoint(convertPoint_fromView(info->draggingLocation(), nullptr)).index;
+}
+
+// The caret that shows where a drop goes.
+void NSTextView::showDropPlace(NSUInteger index) {
+    _state->dropIndex = index;
+    setNeedsPreparation();
+}
+
+NSUInteger NSTextView::draggingMoved(NSDraggingInfo* info) {
+    if (!info || !isEditable() || !mayLayOut()) return NSDragOperationNone;
+    showDropPlace(dropIndex(info));
+    return info->draggingSource() == this ? NSDragOperationMove : NSDragOperationCopy;
+}
+
+void NSTextView::draggingExited(NSDraggingInfo*) { showDropPlace(NSNotFound); }
+
+// What comes from this view moves, unless Ctrl is down; all else is copied.
+bool NSTextView::performDragOperation(NSDraggingInfo* info) {
+    if (!info || !isEditable() || !mayLayOut()) return false;
+    const auto alive = Retained<NSTextView>::retaining(this);
+    showDropPlace(NSNotFound);
+    NSUInteger index = dropIndex(info);
+    const NSRange source = _state->selection;
+    const bool moves = info->draggingSource() == this && !(GetCurrentKeyModifiers() & kKeyModifierCommand);
+    if (moves && index >= source.location && index <= NSMaxRange(source)) return false;
+    breakUndoCoalescing();
+    if (moves) {
+        if (!replace(source, u""_ns)) return false;
+        if (index > source.location) index -= source.length;
+        breakUndoCoalescing();
+    }
+    index = _state->clamped(index);
+    setSelectedRange({index, 0});
+    if (!readSelectionFromPasteboard(info->draggingPasteboard())) return false;
+    const NSUInteger end = _state->selection.location;
+    if (end > index) setSelectedRange({index, end - index});
+    if (window()) window()->makeFirstResponder(this);
+    return true;
 }
 
 }  // namespace pelvor

@@ -12,6 +12,7 @@
 #include "Foundation/NSUndoManager.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSClipView.h"
+#include "Interface/NSDraggingInfo.h"
 #include "Interface/NSEvent.h"
 #include "Interface/NSPasteboard.h"
 #include "Interface/NSWindow.h"
@@ -204,6 +205,10 @@ PELVOR_DEFINE_CLASS(NSTextView, interfaceLibrary) {
     methods.instanceAs<"blinkCaret:", &NSTextView::blinkCaret>();
     methods.instanceAs<"autoscrollSelection:", &NSTextView::autoscrollSelection>();
     methods.instanceAs<"undoTextChange:", &NSTextView::undoTextChange>();
+    methods.instanceAs<"draggingEntered:", &NSTextView::draggingMoved>();
+    methods.instanceAs<"draggingUpdated:", &NSTextView::draggingMoved>();
+    methods.instanceAs<"draggingExited:", &NSTextView::draggingExited>();
+    methods.instanceAs<"performDragOperation:", &NSTextView::performDragOperation>();
     methods.instanceAs<"pasteboard:provideDataForType:", &NSTextView::provideSelection>();
     methods.instanceAs<"validateMenuItem:", &NSTextView::validateMenuItem>();
 }
@@ -233,6 +238,7 @@ Retained<NSTextView> NSTextView::initWithFrame_textContainer(NSRect frame, NSTex
                                                              Class* cls) {
     auto view = cast<NSTextView>(NSView::initWithFrame(frame, cls));
     view->setTextContainer(container);
+    view->registerForDraggedTypes(view->readablePasteboardTypes());
     return view;
 }
 

@@ -11,6 +11,7 @@ namespace pelvor {
 class NSArray;
 class NSAttributedString;
 class NSDictionary;
+class NSDraggingInfo;
 class NSEvent;
 class NSLayoutManager;
 class NSPasteboard;
@@ -323,9 +324,16 @@ class PELVOR_EXPORT NSTextView : public NSText {
 
     // Mouse, pasteboard, drawing
     void selectTo(NSPoint point);
+    bool isInSelection(NSPoint point);
     void autoscrollSelection(NSTimer* timer);
     void stopAutoscrolling();
     bool clickLink(NSUInteger index);
+    bool beginDrag();
+    NSUInteger draggingMoved(NSDraggingInfo* info);
+    void draggingExited(NSDraggingInfo* info);
+    bool performDragOperation(NSDraggingInfo* info);
+    void showDropPlace(NSUInteger index);
+    NSUInteger dropIndex(NSDraggingInfo* info);
     void provideSelection(NSPasteboard* pasteboard, NSString* type);
     void offerPrimarySelection();
     void setNeedsPreparation();

@@ -105,6 +105,9 @@ PELVOR_DEFINE_CLASS(NSView, interfaceLibrary) {
     methods.instance<"addTrackingRect:owner:userData:assumeInside:",
                      &NSView::addTrackingRect_owner_userData_assumeInside>();
     methods.instance<"removeTrackingRect:", &NSView::removeTrackingRect>();
+    methods.instance<"registerForDraggedTypes:", &NSView::registerForDraggedTypes>();
+    methods.instance<"unregisterDraggedTypes", &NSView::unregisterDraggedTypes>();
+    methods.instance<"registeredDraggedTypes", &NSView::registeredDraggedTypes>();
     methods.instance<"nextKeyView", &NSView::nextKeyView>();
     methods.instance<"previousKeyView", &NSView::previousKeyView>();
     methods.instance<"setNextKeyView:", &NSView::setNextKeyView>();

@@ -272,6 +272,14 @@ class PELVOR_EXPORT NSView : public NSResponder {
                                                                   bool isInside);
     void removeTrackingRect(NSTrackingRectTag tag);
 
+    // Dragging; NSDraggingInfo says what a view hears of it.
+
+    /// The types of what may be dropped on the view; null and an empty array for none.
+    void registerForDraggedTypes(NSArray* types);
+    void unregisterDraggedTypes();
+    /// Never null.
+    NSArray* registeredDraggedTypes();
+
     // The order in which Tab goes from view to view
 
     NSView* nextKeyView();

@@ -53,7 +53,7 @@ struct TextViewState {
     NSRange mouseAnchor{};     // what was selected when the button went down
     NSPoint mouseDown{};       // in the view
     bool isSelecting = false;  // the button is down
-    bool maySendDrag = false;  // it went down in the selection
+    bool mayDrag = false;      // it went down in the selection
     NSUInteger dropIndex = NSNotFound;
     Retained<NSTimer> autoscroll;
     Retained<NSEvent> lastDrag;

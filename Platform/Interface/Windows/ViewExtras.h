@@ -23,6 +23,7 @@ struct NSView::Extras {
     std::vector<CursorRect> cursorRects;
     std::uint64_t cursorGeneration = 0;  // of the window's geometry, when the rectangles were set
     Retained<NSString> toolTip;
+    Retained<NSArray> draggedTypes;
     Retained<NSMenu> menu;
 };
 

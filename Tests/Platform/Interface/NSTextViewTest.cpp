@@ -504,7 +504,35 @@ TEST_F(NSTextViewTest, OffersWhatIsSelectedToTheMiddleButton) {
     EXPECT_EQ(state(), "\u00e4|one twoone");
 }
 
-// MARK: Many containers
+TEST_F(NSTextViewTest, MovesAndTakesWhatIsDragged) {
+    set(u"one two three"_ns, {4, 4});
+    screen.moveTo(view, placeOf(5));
+    screen.down();
+    screen.moveTo(view, placeOf(10));
+    screen.moveTo(view, placeOf(13));
+    EXPECT_EQ(state(), "one |two |three");
+    screen.up();
+    screen.turn();
+    EXPECT_EQ(state(), "one three|two |");
+    command("undo:");
+    EXPECT_EQ(view->string()->toUTF8(), "one two three");
+    set(u"one"_ns, {0, 3});
+    screen.click(view, placeOf(1));
+    EXPECT_EQ(state(), "o|ne") << "a press in the selection that dragged nothing";
+    screen.backend->setForeignSelection(BackendSelection::drag, {{"UTF8_STRING", "new"}});
+    EXPECT_TRUE(screen.backend->dragTo(screen.placeOf(view, placeOf(3))));
+    screen.turn();
+    EXPECT_TRUE(screen.backend->drop());
+    screen.turn();
+    EXPECT_EQ(state(), "one|new|");
+    view->setEditable(false);
+    screen.backend->dragTo(screen.placeOf(view, placeOf(0)));
+    screen.backend->drop();
+    screen.turn();
+    EXPECT_EQ(view->string()->toUTF8(), "onenew");
+}
+
+// MARK: Between edits
 
 TEST_F(NSTextViewTest, SurvivesEditsBetweenBrackets) {
     set(words(100));
