@@ -7,6 +7,7 @@
 #include "Foundation/NSLog.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSNotificationCenter.h"
+#include "Foundation/RunLoop/Deadline.h"
 #include "Interface/Events/ApplicationState.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSInputManager.h"
@@ -379,11 +380,20 @@ void ApplicationState::noteFocus(NSWindow* window, bool isFocused) {
     DisplayConnection::shared().needsTurn();
 }
 
-// Between two windows of the program the focus is nowhere for a moment, so this waits for the end of the
-// turn.
+// Between two windows of the program the focus is nowhere until the window manager has moved it.
 void ApplicationState::updateActivity() {
+    constexpr double kPatience = 0.1;  // seconds
     const bool hasFocus = static_cast<bool>(focused.object());
-    if (isActive == hasFocus) return;
+    if (isActive == hasFocus) {
+        focusLost = 0;
+        return;
+    }
+    if (!hasFocus && focusLost == 0) {
+        focusLost = steadyTime();
+        DisplayConnection::shared().needsTurnAfter(kPatience);
+    }
+    if (!hasFocus && steadyTime() - focusLost < kPatience - 0.001) return;
+    focusLost = 0;
     isActive = hasFocus;
     for (NSWindow* each : std::vector<NSWindow*>(windows.begin(), windows.end())) {
         if (std::find(windows.begin(), windows.end(), each) == windows.end() || !each->hidesOnDeactivate())

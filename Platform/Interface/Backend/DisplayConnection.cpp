@@ -48,6 +48,7 @@ PELVOR_DEFINE_CLASS(DisplayWatcher, interfaceLibrary) {
     methods.instance<"displayIsReadable:", &DisplayWatcher::displayIsReadable>();
     methods.instance<"finishTurn", &DisplayWatcher::finishTurn>();
     methods.instance<"timeIsOver:", &DisplayWatcher::timeIsOver>();
+    methods.instance<"needsTurn:", &DisplayWatcher::needsTurn>();
     methods.instance<"postPeriodicEvent:", &DisplayWatcher::postPeriodicEvent>();
 }
 
@@ -157,6 +158,12 @@ void DisplayConnection::needsTurn() {
         NSArray::arrayWithObject(NSRunLoopCommonModes));
 }
 
+void DisplayConnection::needsTurnAfter(double seconds) {
+    auto timer = NSTimer::initWithFireDate_interval_target_selector_userInfo_repeats(
+        NSDate::dateWithTimeIntervalSinceNow(seconds), 0, _watcher.get(), "needsTurn:"_sel, nullptr, false);
+    NSRunLoop::mainRunLoop()->addTimer_forMode(timer, NSRunLoopCommonModes);
+}
+
 void DisplayConnection::finishTurn() {
     _needsTurn = false;
     if (NSApplication* app = NSApp()) app->state().finishTurn();
@@ -172,6 +179,10 @@ void DisplayWatcher::displayIsReadable(int) {
 
 void DisplayWatcher::finishTurn() {
     if (DisplayConnection* display = DisplayConnection::existing()) display->finishTurn();
+}
+
+void DisplayWatcher::needsTurn(id) {
+    if (DisplayConnection* display = DisplayConnection::existing()) display->needsTurn();
 }
 
 void DisplayWatcher::timeIsOver(id) { displayIsReadable(-1); }

@@ -62,6 +62,7 @@ class PELVOR_EXPORT DisplayConnection final : public BackendSink {
     bool poll();
     /// Has `finishTurn` called before the run loop waits again.
     void needsTurn();
+    void needsTurnAfter(double seconds);
     void finishTurn();
 
     // What parts of the library want to hear at once; they must not call code of the program there.
@@ -116,6 +117,7 @@ class DisplayWatcher final : public NSObject {
     void displayIsReadable(int descriptor);
     void finishTurn();
     void timeIsOver(id timer);
+    void needsTurn(id timer);
     void postPeriodicEvent(id timer);
 
   protected:

@@ -39,6 +39,7 @@ struct PELVOR_EXPORT ApplicationState {
     WeakHandle delegate;
     Retained<NSMenu> mainMenu;
     std::vector<Retained<NSCursor>> cursors;  // pushed; the last one is current
+    double focusLost = 0;                     // when no window had the focus any more; 0 while one has
     NSInteger lastWindowNumber = 0;
     int waiting = 0;  // calls of `next` on the stack
     int hiddenCursors = 0;
