@@ -42,6 +42,7 @@
 #include "Interface/NSTextView.h"
 #include "Interface/NSView.h"
 #include "Interface/Texts/TextUndo.h"
+#include "Interface/Windows/ToolTipView.h"
 #include "Interface/Windows/WindowState.h"
 #include "Text/TextLibrary.h"
 
@@ -95,6 +96,7 @@ constexpr Class* kClasses[] = {
     &NSTextView::classRecord,
     &NSView::classRecord,
     &NSWindow::classRecord,
+    &ToolTipView::classRecord,
     &WindowRootView::classRecord,
 };
 // clang-format on

@@ -9,6 +9,7 @@
 #include "Interface/Menus/ContextMenu.h"
 #include "Interface/NSInputManager.h"
 #include "Interface/NSMenu.h"
+#include "Interface/Windows/ToolTipView.h"
 #include "Interface/Windows/WindowState.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
@@ -217,6 +218,9 @@ void NSApplication::sendEvent(NSEvent* event) {
     const auto held = Retained<NSApplication>::retaining(this);
     const auto heldEvent = Retained<NSEvent>::retaining(event);
     const NSEventType type = event->type();
+    constexpr std::uint32_t kEndsTips =
+        NSKeyDownMask | NSLeftMouseDownMask | NSRightMouseDownMask | NSOtherMouseDownMask | NSScrollWheelMask;
+    if (NSEventMaskFromType(type) & kEndsTips) ToolTipView::hide();
     const bool isKey = type == NSKeyDown || type == NSKeyUp || type == NSFlagsChanged;
     if (type == NSKeyDown && mayBeEquivalent(event) && _state->performKeyEquivalent(event)) return;
     if (type == NSKeyDown && openContextMenu(event, keyWindow())) return;

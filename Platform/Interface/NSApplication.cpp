@@ -11,6 +11,7 @@
 #include "Interface/Events/ApplicationState.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSInputManager.h"
+#include "Interface/Windows/ToolTipView.h"
 #include "Interface/Windows/WindowState.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
@@ -91,6 +92,7 @@ NSApplication* NSApplication::sharedApplication() {
 void ApplicationState::end() {
     AutoreleasePool pool;
     Retained<NSApplication> app = sharedOne();
+    ToolTipView::hide();
     if (app) {
         ApplicationState& state = app->state();
         state.delegate = {};

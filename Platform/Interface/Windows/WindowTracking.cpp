@@ -8,6 +8,7 @@
 #include "Interface/Events/EventMaker.h"
 #include "Interface/NSCursor.h"
 #include "Interface/NSWindow.h"
+#include "Interface/Windows/ToolTipView.h"
 #include "Interface/Windows/ViewExtras.h"
 #include "Interface/Windows/WindowState.h"
 #include "Runtime/Message.h"
@@ -39,12 +40,16 @@ void WindowTracking::discardCursorRects() { noteGeometryChange(); }
 void WindowTracking::pointerMoved(NSEvent* event, bool setsCursor) {
     _place = event->locationInWindow();
     const bool wasInside = std::exchange(_isPointerInside, true);
-    if (setsCursor || !wasInside) setCursorAt(_place);
+    if (setsCursor || !wasInside) {
+        setCursorAt(_place);
+        ToolTipView::follow(_window->state().root->hitTest(_place), _window->convertBaseToScreen(_place));
+    }
     cross(event, true);
 }
 
 void WindowTracking::pointerLeft(NSEvent* event) {
     _isPointerInside = false;
+    ToolTipView::hide();
     cross(event, false);
 }
 

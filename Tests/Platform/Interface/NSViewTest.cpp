@@ -266,4 +266,31 @@ TEST_F(NSViewTest, CursorsAndTrackingFollowThePointerAndTheViews) {
     EXPECT_EQ(screen.backend->cursor(number), BackendCursor::crosshair);
 }
 
+TEST_F(NSViewTest, ATipComesWhenThePointerRestsAndGoesWithAPress) {
+    auto view = add(content, {{10, 10}, {50, 50}});
+    auto inner = add(view, {{0, 0}, {20, 20}});
+    view->setToolTip(u"Save the document"_ns);
+    auto shown = [&] { return screen.app->orderedWindows()->count() - 1; };
+    screen.moveTo(inner, {5, 5});
+    screen.wait(0.5);
+    screen.moveTo(inner, {6, 5});
+    screen.wait(0.5);
+    EXPECT_EQ(shown(), 0u);
+    screen.wait(0.2);
+    ASSERT_EQ(shown(), 1u);
+    auto* tip = static_cast<NSWindow*>(screen.app->orderedWindows()->objectAtIndex(0));
+    EXPECT_LT(NSMaxY(tip->frame()), window->convertBaseToScreen({0, 15}).y);
+    EXPECT_TRUE(window->isKeyWindow());
+    screen.moveTo(inner, {7, 5});
+    EXPECT_EQ(shown(), 1u);
+    screen.click(inner, {7, 5});
+    EXPECT_EQ(shown(), 0u);
+    screen.moveTo(inner, {8, 5});
+    screen.wait(0.4);
+    view->removeFromSuperview();
+    view = inner = nullptr;
+    screen.wait(1);
+    EXPECT_EQ(shown(), 0u);
+}
+
 }  // namespace
