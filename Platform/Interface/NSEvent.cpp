@@ -267,8 +267,8 @@ NSTimeInterval NSEvent::doubleClickInterval() { return 0.4; }
 namespace {
 
 Retained<NSTimer>& periodicTimer() {
-    static Retained<NSTimer> timer;
-    return timer;
+    static auto* timer = new Retained<NSTimer>;  // never destroyed, as the application is not
+    return *timer;
 }
 
 }  // namespace
