@@ -413,6 +413,12 @@ void NSTextView::setFrameSize(NSSize size) {
     setNeedsPreparation();
 }
 
+// A clip view that has grown is to be filled.
+void NSTextView::resizeWithOldSuperviewSize(NSSize oldSize) {
+    NSText::resizeWithOldSuperviewSize(oldSize);
+    setNeedsPreparation();
+}
+
 void NSTextView::markResize(NSRect oldFrame) {
     const NSRect now = frame();
     NSView* around = superview();

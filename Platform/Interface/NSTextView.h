@@ -206,6 +206,7 @@ class PELVOR_EXPORT NSTextView : public NSText {
     void setSelectable(bool isSelectable) override;
     void sizeToFit() override;
     void setFrameSize(NSSize size) override;
+    void resizeWithOldSuperviewSize(NSSize oldSize) override;
     bool isFlipped() override { return true; }
     bool isOpaque() override { return drawsBackground(); }
     bool acceptsFirstResponder() override { return isSelectable(); }

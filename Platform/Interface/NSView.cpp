@@ -22,6 +22,7 @@ PELVOR_DEFINE_CLASS(NSView, interfaceLibrary) {
     methods.creator<"initWithFrame:", &NSView::initWithFrame>();
     methods.instance<"superview", &NSView::superview>();
     methods.instance<"window", &NSView::window>();
+    methods.instance<"setSubviews:", &NSView::setSubviews>();
     methods.instance<"subviews", &NSView::subviews>();
     methods.instance<"isDescendantOf:", &NSView::isDescendantOf>();
     methods.instance<"ancestorSharedWithView:", &NSView::ancestorSharedWithView>();
@@ -280,6 +281,19 @@ void NSView::remove(bool marks) {
 
 void NSView::removeFromSuperview() { remove(true); }
 void NSView::removeFromSuperviewWithoutNeedingDisplay() { remove(false); }
+
+void NSView::setSubviews(NSArray* views) {
+    const auto held = Retained<NSView>::retaining(this);
+    std::vector<Retained<NSView>> wanted;
+    for (id each : views) {
+        if (!cast<NSView>(each)) raiseBadArgument("setSubviews:", "an object of the array is no view");
+        wanted.push_back(Retained<NSView>::retaining(cast<NSView>(each)));
+    }
+    for (const auto& old : std::vector<Retained<NSView>>(_subviews))
+        if (old->_superview == this && std::find(wanted.begin(), wanted.end(), old) == wanted.end())
+            old->removeFromSuperview();
+    for (const auto& view : wanted) addSubview(view);
+}
 
 void NSView::sortSubviewsUsingFunction_context(NSCompareFunction compare, void* context) {
     requireArgument(reinterpret_cast<const void*>(compare),

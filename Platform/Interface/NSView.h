@@ -113,6 +113,9 @@ class PELVOR_EXPORT NSView : public NSResponder {
     virtual void replaceSubview_with(NSView* oldView, NSView* newView);
     virtual void removeFromSuperview();
     void removeFromSuperviewWithoutNeedingDisplay();
+    /// Takes out the subviews that are not in the array, and adds its views in their order; for interface
+    /// files. Raises NSInvalidArgumentException for an object that is no view. Null stands for no views.
+    void setSubviews(NSArray* views);
     /// Orders the subviews by a function that returns below 0, 0 or above 0 for two views and the context.
     void sortSubviewsUsingFunction_context(NSCompareFunction compare, void* context);
 
