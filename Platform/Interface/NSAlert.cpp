@@ -23,8 +23,6 @@ PELVOR_DEFINE_CLASS(NSAlert, interfaceLibrary) {
     methods.instance<"setMessageText:", &NSAlert::setMessageText>();
     methods.instance<"informativeText", &NSAlert::informativeText>();
     methods.instance<"setInformativeText:", &NSAlert::setInformativeText>();
-    methods.instance<"alertStyle", &NSAlert::alertStyle>();
-    methods.instance<"setAlertStyle:", &NSAlert::setAlertStyle>();
     methods.instance<"icon", &NSAlert::icon>();
     methods.instance<"setIcon:", &NSAlert::setIcon>();
     methods.instance<"addButtonWithTitle:", &NSAlert::addButtonWithTitle>();

@@ -12,12 +12,6 @@ class NSImage;
 class NSMutableArray;
 class NSWindow;
 
-enum NSAlertStyle : int {
-    NSWarningAlertStyle = 0,
-    NSInformationalAlertStyle = 1,
-    NSCriticalAlertStyle = 2,
-};
-
 /// Which button of an alert was pressed: the first, second, third, and so on. The buttons of NSRunAlertPanel
 /// and of alerts made by the long creator have the numbers of the second kind.
 enum : NSInteger {
@@ -54,8 +48,6 @@ class PELVOR_EXPORT NSAlert : public NSObject {
     NSString* informativeText() { return _informativeText; }
     /// Copies the text, which explains the message; null stands for "".
     void setInformativeText(NSString* text);
-    NSAlertStyle alertStyle() { return _style; }
-    void setAlertStyle(NSAlertStyle style) { _style = style; }
     /// The picture beside the texts; null for none.
     NSImage* icon() { return _icon; }
     void setIcon(NSImage* icon);
@@ -90,7 +82,6 @@ class PELVOR_EXPORT NSAlert : public NSObject {
     Retained<NSImage> _icon;
     Retained<NSMutableArray> _buttons;
     Retained<NSWindow> _window;
-    NSAlertStyle _style = NSWarningAlertStyle;
 };
 
 /// Shows an alert with the title and a formatted message, until one of its up to three buttons is pressed.

@@ -28,8 +28,6 @@ PELVOR_DEFINE_CLASS(NSMenuItem, interfaceLibrary) {
     methods.instance<"setState:", &NSMenuItem::setState>();
     methods.instance<"indentationLevel", &NSMenuItem::indentationLevel>();
     methods.instance<"setIndentationLevel:", &NSMenuItem::setIndentationLevel>();
-    methods.instance<"toolTip", &NSMenuItem::toolTip>();
-    methods.instance<"setToolTip:", &NSMenuItem::setToolTip>();
     methods.instance<"isHidden", &NSMenuItem::isHidden>();
     methods.instance<"setHidden:", &NSMenuItem::setHidden>();
     methods.instance<"isEnabled", &NSMenuItem::isEnabled>();
@@ -126,7 +124,6 @@ void NSMenuItem::setIndentationLevel(NSInteger level) {
     change(_indentationLevel, std::clamp<NSInteger>(level, 0, 15));
 }
 
-void NSMenuItem::setToolTip(NSString* tip) { _toolTip = tip ? tip->copy() : nullptr; }
 void NSMenuItem::setHidden(bool isHidden) { change(_isHidden, isHidden); }
 void NSMenuItem::setEnabled(bool isEnabled) {
     if (std::exchange(_isEnabled, isEnabled) != isEnabled) didChangeLook();

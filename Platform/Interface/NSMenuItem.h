@@ -59,8 +59,6 @@ class PELVOR_EXPORT NSMenuItem : public NSObject {
     NSInteger indentationLevel() { return _indentationLevel; }
     /// A level below 0 counts as 0, above 15 as 15.
     void setIndentationLevel(NSInteger level);
-    NSString* toolTip() { return _toolTip; }
-    void setToolTip(NSString* tip);
     /// A hidden item is not shown, and its key equivalent does nothing.
     bool isHidden() { return _isHidden; }
     void setHidden(bool isHidden);
@@ -129,7 +127,7 @@ class PELVOR_EXPORT NSMenuItem : public NSObject {
     void didChange();
     void didChangeLook();
 
-    Retained<NSString> _title, _keyEquivalent, _toolTip;
+    Retained<NSString> _title, _keyEquivalent;
     Retained<NSAttributedString> _attributedTitle;
     Retained<NSImage> _image;
     Retained<NSMenu> _submenu;

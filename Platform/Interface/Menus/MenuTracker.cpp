@@ -132,17 +132,22 @@ Retained<NSMenuItem> MenuTracker::run(NSMenu* menu, const MenuOpening& opening) 
 void MenuTracker::loop() {
     while (!_isOver && !_levels.empty()) {
         AutoreleasePool pool;
-        refreshStale();
+        guarded([&] { refreshStale(); });
         const double next = std::min(_restAt, _scrollAt);
         NSDate* limit = next == kNever ? NSDate::distantFuture()
                                        : NSDate::dateWithTimeIntervalSinceNow(next - steadyTime());
-        NSEvent* event = application()->nextEventMatchingMask_untilDate_inMode_dequeue(
-            NSAnyEventMask, limit, NSEventTrackingRunLoopMode, true);
+        NSEvent* event = nullptr;
+        bool hasWaited = false;
+        guarded([&] {
+            event = application()->nextEventMatchingMask_untilDate_inMode_dequeue(
+                NSAnyEventMask, limit, NSEventTrackingRunLoopMode, true);
+            hasWaited = true;
+        });
         if (_isOver) break;
         const double now = steadyTime() + kRounding;
         if (event)
             guarded([&] { handle(event); });
-        else if (now < next)
+        else if (hasWaited && now < next)
             _isOver = true;  // the application stops, or nothing can come any more
         if (now >= next) guarded([&] { handleTime(now); });
     }

@@ -11,6 +11,7 @@
 #include "Interface/NSScreen.h"
 #include "Interface/NSView.h"
 #include "InterfaceScope.h"
+#include "RandomSteps.h"
 
 namespace {
 
@@ -83,9 +84,7 @@ class MenuTracking : public ::testing::Test {
         steps = std::move(itsSteps);
         next = 0;
         if (timer) timer->invalidate();
-        auto user = Listener::doing([this](id) {
-            if (next < steps.size()) steps[next++]();
-        });
+        auto user = Listener::doing([this](id) { next < steps.size() ? steps[next++]() : key(0x1b); });
         timer.set(NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(seconds, user, "hear:"_sel,
                                                                                   nullptr, true));
         NSRunLoop::mainRunLoop()->addTimer_forMode(timer, mode);
@@ -250,6 +249,66 @@ TEST_F(MenuTracking, SurvivesWhatItsMenusDo) {
     screen.press(NSF10FunctionKey);
     EXPECT_THAT(log.lines, Contains(HasSubstr("opening")));
     EXPECT_EQ(taker->log.back(), "Copy");
+}
+
+TEST_F(MenuTracking, SurvivesRandomSteps) {
+    LogLines log;
+    std::mt19937 random(7);
+    const auto below = [&](int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); };
+    NSMenu* const menus[] = {file, edit, recent};
+    const auto change = [&] {
+        NSMenu* menu = menus[below(3)];
+        const auto count = static_cast<int>(menu->numberOfItems());
+        switch (below(8)) {
+            case 0:
+                return void(add(menu, "More", taker));
+            case 1:
+                return count ? menu->removeItemAtIndex(below(count)) : void();
+            case 2:
+                return count ? menu->itemAtIndex(below(count))->setHidden(below(2)) : void();
+            case 3:
+                return menu->cancelTracking();
+            case 4:
+                return below(4) ? void() : menu->removeAllItems();
+            case 5:
+                throw NSException("Trouble", "at random");
+            case 6:
+                return window->setFrameOrigin({static_cast<float>(below(500)), 100});
+            default:
+                return;
+        }
+    };
+    taker->whenTold = [&](const std::string&) { below(6) ? void() : change(); };
+    taker->whenTaken = [&] { below(3) ? void() : change(); };
+    constexpr char16_t kKeys[] = {NSUpArrowFunctionKey,
+                                  NSDownArrowFunctionKey,
+                                  NSLeftArrowFunctionKey,
+                                  NSRightArrowFunctionKey,
+                                  NSEndFunctionKey,
+                                  u'\r',
+                                  u'm',
+                                  u'r',
+                                  0x1b};
+    const auto act = [&] {
+        if (const int what = below(10); what < 5)
+            key(kKeys[below(std::size(kKeys))]);
+        else if (what < 8)
+            screen.backend->movePointer({below(400), 500 + below(300)});
+        else if (what == 8)
+            clicking()();
+        else
+            change();
+    };
+    window->contentView()->setMenu(recent);
+    for (int round = randomSteps(150); round > 0; --round) {
+        for (NSMenu* menu : menus) add(menu, "Middle", taker);
+        if (!file->itemWithTitle(u"Recent"_ns) && !recent->supermenu())
+            add(file, "Recent", taker)->setSubmenu(recent);
+        plan(std::vector<std::function<void()>>(20, act), 0.02 * (1 + below(20)));
+        below(3) ? screen.press(NSF10FunctionKey) : openContextMenu();
+        EXPECT_FALSE(screen.backend->isTracking());
+    }
+    EXPECT_THAT(log.lines, Contains(HasSubstr("at random")));
 }
 
 TEST_F(MenuTracking, ClosesTheWindowInItsOwnAction) {
