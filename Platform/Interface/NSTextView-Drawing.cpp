@@ -54,7 +54,11 @@ void NSTextView::viewWillDraw() {
 
 // Lays out what can be seen, and compares it with what is on the screen.
 void NSTextView::prepare() {
-    if (_state->isPreparing || !window() || !mayLayOut()) return;
+    if (_state->isPreparing || !window()) return;
+    if (!mayLayOut()) {
+        _state->needsPreparing = false;  // the end of the edit asks for it again
+        return;
+    }
     if (!_state->needsPreparing && visibleRect() == _state->preparedRect) return;
     const auto alive = Retained<NSTextView>::retaining(this);
     const Flag preparing(_state->isPreparing);

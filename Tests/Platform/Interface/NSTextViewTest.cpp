@@ -544,7 +544,9 @@ TEST_F(NSTextViewTest, SurvivesEditsBetweenBrackets) {
     screen.press(NSPageDownFunctionKey);
     screen.click(view, {10, 10});
     storage->endEditing();
+    screen.backend->takePresented();
     screen.turn();
+    EXPECT_GT(rowsDrawn(), 5 * line) << "what the edit changed";
     screen.press(NSDownArrowFunctionKey);
     EXPECT_LE(view->selectedRange().location, storage->length());
 }
