@@ -9,70 +9,6 @@
 
 namespace {
 
-struct Nibs : ::testing::Test {
-    Nibs() { registerLibrary(baseLibrary); }
-    ~Nibs() { setPlatformVersion(1000); }
-
-    // A bundle with files of one object, which is of that class.
-    NSBundle* bundleWith(const std::string& name, std::initializer_list<const char*> files,
-                         const char* cls = "NSNull") {
-        const std::string resources = name + "/Contents/Resources/";
-        folder.write(name + "/Contents/Info.plist", "{}");
-        for (const char* file : files) writeFile(resources + file, cls);
-        return NSBundle::bundleWithPath(NSString::ofUTF8(folder.path(name)));
-    }
-    void writeFile(const std::string& path, const char* cls) {
-        folder.write(path + ".nib",
-                     "{Objects = ({Identifier = a; Class = " + std::string(cls) + "; Create = new;});}");
-    }
-    // The class of what is loaded, or "" if nothing is.
-    std::string load(NSBundle* bundle, NSString* name, id identifier) {
-        NSArray* objects = nullptr;
-        if (!loadNibNamed_owner_identifier_topLevelObjects(bundle, name, nullptr, identifier, &objects))
-            return objects ? "objects of nothing" : "";
-        EXPECT_EQ(objects->count(), 1u);
-        return objects->lastObject()->isa()->publicName();
-    }
-
-    TemporaryFolder folder;
-    LogLines log;
-    AutoreleasePool pool;
-};
-
-TEST_F(Nibs, AreReadOnceForEachIdentifier) {
-    NSBundle* bundle = bundleWith("A.bundle", {"One", "Two"}, "NSMutableArray");
-    NSString* identifier = u"AreReadOnceForEachIdentifier"_ns;
-    EXPECT_EQ(load(bundle, u"Missing"_ns, identifier), "");
-    EXPECT_EQ(load(bundle, u"One"_ns, identifier), "NSMutableArray");
-    writeFile("A.bundle/Contents/Resources/One", "NSMutableSet");
-    EXPECT_EQ(load(bundle, u"One"_ns, identifier), "NSMutableArray") << "the file was read already";
-    EXPECT_EQ(load(bundle, u"Missing"_ns, identifier), "NSMutableArray") << "the identifier alone decides";
-    EXPECT_EQ(load(bundle, u"One"_ns, nullptr), "NSMutableSet");
-    EXPECT_TRUE(loadNibNamed_owner_identifier(bundle, u"Two"_ns, nullptr, nullptr));
-    EXPECT_FALSE(loadNibNamed_owner_identifier(bundle, u"Three"_ns, nullptr, nullptr));
-    NSArray *first = nullptr, *second = nullptr;
-    for (NSArray** objects : {&first, &second})
-        EXPECT_TRUE(send<bool>(bundle, "loadNibNamed:owner:identifier:topLevelObjects:"_sel, u"One"_ns,
-                               static_cast<id>(nullptr), static_cast<id>(identifier), objects));
-    EXPECT_NE(first->lastObject(), second->lastObject());
-    EXPECT_THAT(log.lines, IsEmpty());
-}
-
-TEST_F(Nibs, AreNeverKeptByOlderPlatforms) {
-    NSBundle* bundle = bundleWith("B.bundle", {"One"}, "NSMutableArray");
-    NSString* identifier = u"AreNeverKeptByOlderPlatforms"_ns;
-    for (double version : {743.0, 742.9}) {
-        setPlatformVersion(version);
-        writeFile("B.bundle/Contents/Resources/One", "NSMutableArray");
-        EXPECT_EQ(load(bundle, u"One"_ns, identifier), "NSMutableArray");
-        writeFile("B.bundle/Contents/Resources/One", "NSMutableSet");
-        EXPECT_EQ(load(bundle, u"One"_ns, identifier), version < 743 ? "NSMutableSet" : "NSMutableArray");
-        EXPECT_EQ(load(bundle, u"Missing"_ns, nullptr), "");
-    }
-    EXPECT_TRUE(loadNibNamed_owner_identifier(bundle, u"One"_ns, u"owner"_ns, nullptr));
-    EXPECT_THAT(log.lines, IsEmpty());
-}
-
 // The class of a framework.
 extern Library ownerLibrary;
 class NibsOwner : public NSObject {
@@ -81,35 +17,71 @@ class NibsOwner : public NSObject {
 PELVOR_DEFINE_CLASS(NibsOwner, ownerLibrary) {}
 constinit Library ownerLibrary{"NibsOwner", {}, kClassesOf<NibsOwner>, {}};
 
+struct Nibs : ::testing::Test {
+    Nibs() { registerLibrary(baseLibrary); }
+    ~Nibs() {
+        setPlatformVersion(1000);
+        EXPECT_THAT(log.lines, IsEmpty());
+    }
+
+    // Writes a file of one object, which is of that class.
+    std::string writeFile(const std::string& path, const std::string& cls) {
+        return folder.write(path, "{Objects = ({Identifier = a; Class = " + cls + "; Create = new;});}");
+    }
+    // The class of what the bundle, or the class of bundles, loads; "" if nothing.
+    std::string load(id from, const std::string& name, id identifier, id owner = nullptr) {
+        NSString* text = NSString::ofUTF8(name);
+        NSArray* objects = nullptr;
+        const bool isLoaded = send<bool>(from, "loadNibNamed:owner:identifier:topLevelObjects:"_sel, text,
+                                         owner, identifier, &objects);
+        EXPECT_EQ(isLoaded, send<bool>(from, "loadNibNamed:owner:identifier:"_sel, text, owner, identifier));
+        EXPECT_EQ(isLoaded, objects && objects->count() == 1);
+        last = isLoaded ? objects->lastObject() : nullptr;
+        return last ? last->isa()->publicName() : "";
+    }
+
+    id last = nullptr;
+    TemporaryFolder folder;
+    LogLines log;
+    AutoreleasePool pool;
+};
+
+TEST_F(Nibs, AreReadOnceForEachIdentifierAndAlwaysByOlderPlatforms) {
+    folder.write("A.bundle/Contents/Info.plist", "{}");
+    NSBundle* bundle = NSBundle::bundleWithPath(NSString::ofUTF8(folder.path("A.bundle")));
+    for (double version : {1000.0, 743.0, 742.9}) {
+        setPlatformVersion(version);
+        const bool isKept = version >= 743;
+        id identifier = NSNumber::numberWithDouble(version);
+        writeFile("A.bundle/Contents/Resources/One.nib", "NSMutableArray");
+        EXPECT_EQ(load(bundle, "Missing", identifier), "");
+        EXPECT_EQ(load(bundle, "One", identifier), "NSMutableArray");
+        const id first = last;
+        writeFile("A.bundle/Contents/Resources/One.nib", "NSMutableSet");
+        EXPECT_EQ(load(bundle, "One", identifier), isKept ? "NSMutableArray" : "NSMutableSet") << version;
+        EXPECT_NE(last, first);
+        EXPECT_EQ(load(bundle, "Missing", identifier), isKept ? "NSMutableArray" : "") << "as it was read";
+        EXPECT_EQ(load(bundle, "One", nullptr, u"owner"_ns), "NSMutableSet");
+    }
+}
+
 TEST_F(Nibs, AreLookedForInTheOwnersBundleAndThenInTheMainBundle) {
-    using Additions = NSBundle_PelvorAdditions;
-    bundleWith("Own.framework", {"OnlyInOwn", "InBoth"}, "NSMutableArray");
+    const std::string own = folder.path("Own.framework/Contents/"),
+                      main = NSBundle::mainBundle()->resourcePath()->toUTF8();
+    folder.write(own + "Info.plist", "{}");
+    for (const char* name : {"OnlyInOwn.nib", "InBoth.nib"})
+        writeFile(own + "Resources/" + name, "NSMutableArray");
+    auto removal = atEnd([files = std::vector{writeFile(main + "/OnlyInMain.nib", "NSMutableSet"),
+                                              writeFile(main + "/InBoth.nib", "NSMutableSet")}] {
+        for (const std::string& file : files) std::filesystem::remove(file);
+    });
     registerLibrary(ownerLibrary);
     NSBundle::registerFramework_library(NSString::ofUTF8(folder.path("Own.framework")), ownerLibrary);
     auto owner = instanceOf(NibsOwner::classObject());
-    const std::string resources = NSBundle::mainBundle()->resourcePath()->toUTF8();
-    std::vector<std::string> files;
-    for (const char* name : {"/OnlyInMain.nib", "/InBoth.nib"}) {
-        files.push_back(resources + name);
-        std::ofstream(files.back()) << "{Objects = ({Identifier = a; Class = NSMutableSet; Create = new;});}";
-    }
-    auto removal = atEnd([&] {
-        for (const std::string& file : files) std::filesystem::remove(file);
-    });
-    auto loaded = [&](NSString* name, id itsOwner) {
-        NSArray* objects = nullptr;
-        const bool isLoaded =
-            Additions::loadNibNamed_owner_identifier_topLevelObjects(name, itsOwner, nullptr, &objects);
-        return std::string(isLoaded ? objects->lastObject()->isa()->publicName() : "");
-    };
-    EXPECT_EQ(loaded(u"OnlyInOwn"_ns, owner), "NSMutableArray");
-    EXPECT_EQ(loaded(u"InBoth"_ns, owner), "NSMutableArray");
-    EXPECT_EQ(loaded(u"OnlyInMain"_ns, owner), "NSMutableSet");
-    EXPECT_EQ(loaded(u"InBoth"_ns, nullptr), "NSMutableSet");
-    EXPECT_EQ(loaded(u"Missing"_ns, owner), "");
-    EXPECT_TRUE(send<bool>(NSBundle::classObject(), "loadNibNamed:owner:identifier:"_sel, u"OnlyInMain"_ns,
-                           owner, static_cast<id>(nullptr)));
-    EXPECT_THAT(log.lines, IsEmpty());
+    expectAll({"OnlyInOwn -> NSMutableArray", "InBoth -> NSMutableArray", "OnlyInMain -> NSMutableSet",
+               "Missing -> "},
+              [&](const std::string& name) { return load(NSBundle::classObject(), name, nullptr, owner); });
+    EXPECT_EQ(load(NSBundle::classObject(), "InBoth", nullptr), "NSMutableSet");
 }
 
 }  // namespace

@@ -62,9 +62,8 @@ TEST_F(OnlineHostTest, TheInternalVersionBecomesTwoNumbers) {
          "2.0 x9 -> 20000 0 2.0 x9", "2.0p 7 -> 20000 30007 2.0p 7", "2.0f1.5 -> 20000 40001 2.0f1.5",
          "2.0x1 -> *** bad version string 2.0x1", "2.0f -> *** bad version string 2.0f"},
         [this](const std::string& version) {
-            std::string line = linesOf("PBInternalVersion = \"" + version + "\";")[0];
-            return line.substr(std::min(line.find("***"), line.size())) +
-                   (line.find("***") == line.npos ? line : "");
+            const std::string line = linesOf("PBInternalVersion = \"" + version + "\";")[0];
+            return line.substr(line.find("***") == line.npos ? 0 : line.find("***"));
         });
     EXPECT_EQ(linesOf("PBInternalVersion = 2.0f;")[1], "20000 40000 2.0f");
     EXPECT_EQ(linesOf("PBInternalVersion = 2.0x1;")[1], "20000 0 2.0x1");

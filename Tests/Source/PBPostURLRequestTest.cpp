@@ -47,8 +47,8 @@ TEST(PBPostURLRequestTest, WritesPartsLineByLine) {
     EXPECT_TRUE(request->postContentsOfFile_forKey_isEncode(path, u"raw"_ns, false));
     folder.write("\xFF", "y");  // no UTF-8
     folder.write("\uFFFD", "another");
-    auto* bytes = NSFileManager::defaultManager()->stringWithFileSystemRepresentation_length("\xFF", 1);
-    path = NSString::ofUTF8(folder.path(""))->stringByAppendingPathComponent(bytes);
+    auto* name = NSFileManager::defaultManager()->stringWithFileSystemRepresentation_length("\xFF", 1);
+    path = NSString::ofUTF8(folder.path(""))->stringByAppendingPathComponent(name);
     EXPECT_TRUE(request->postContentsOfFile_forKey_isEncode(path, u"bytes"_ns, false));
     EXPECT_FALSE(request->postContentsOfFile_forKey(NSString::ofUTF8(folder.path("none")), u"none"_ns));
     EXPECT_EQ(errno, ENOENT);
@@ -58,22 +58,15 @@ TEST(PBPostURLRequestTest, WritesPartsLineByLine) {
     request->endPostPart();
     std::string line;
     for (int i = 0; i < 19; ++i) line += "eHh4";
+    const std::string part = "--B\nContent-Disposition: form-data; name=",
+                      bytesFollow = "Content-Type: application/octet-stream\n\n";
     EXPECT_EQ(bodyOf(request),
-              "--B\nContent-Disposition: form-data; name=\"user\"\n\nänne\n"
-              "--B\nContent-Disposition: form-data; name=\"a\"b\"\n\n7\n"
-              "--B\nContent-Disposition: form-data; name=\"k\"\n\n\n"
-              "--B\nContent-Disposition: form-data; name=\"5\"\n\n1\r\n2\n"
-              "--B\nContent-Disposition: form-data; name=\"file\"; filename=\"Arger & Co.txt\"\n"
-              "Content-Transfer-Encoding: base64\nContent-Type: application/octet-stream\n\n" +
-                  line +
-                  "\neAo=\n"
-                  "--B\nContent-Disposition: form-data; name=\"raw\"; filename=\"Arger & Co.txt\"\n"
-                  "Content-Type: application/octet-stream\n\n" +
-                  std::string(58, 'x') +
-                  "\n\n"
-                  "--B\nContent-Disposition: form-data; name=\"bytes\"; filename=\"?\"\n"
-                  "Content-Type: application/octet-stream\n\ny\n"
-                  "--B\nown: part\n\nx\n--B--");
+              part + "\"user\"\n\nänne\n" + part + "\"a\"b\"\n\n7\n" + part + "\"k\"\n\n\n" + part +
+                  "\"5\"\n\n1\r\n2\n" + part +
+                  "\"file\"; filename=\"Arger & Co.txt\"\nContent-Transfer-Encoding: base64\n" + bytesFollow +
+                  line + "\neAo=\n" + part + "\"raw\"; filename=\"Arger & Co.txt\"\n" + bytesFollow +
+                  std::string(58, 'x') + "\n\n" + part + "\"bytes\"; filename=\"?\"\n" + bytesFollow +
+                  "y\n--B\nown: part\n\nx\n--B--");
     EXPECT_EQ(shown(request->HTTPMethod(), request->valueForHTTPHeaderField(u"content-type"_ns)),
               "POST multipart/form-data; boundary=B");
 }

@@ -10,7 +10,6 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstdarg>
 #include <cstdio>
 
 namespace pelvor {
@@ -45,86 +44,58 @@ Function* next(const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-mode_t rightsOf(int flags, va_list arguments) {
-    return flags & (O_CREAT | O_TMPFILE) ? va_arg(arguments, mode_t) : 0;
-}
-
 }  // namespace
 
 #define INSTEAD_OF_THE_SYSTEM extern "C" [[gnu::visibility("default")]]
 
-// A call that does its work or fails.
-#define FAILING(type, name, parameters, arguments, ...)         \
-    INSTEAD_OF_THE_SYSTEM type name parameters __VA_ARGS__ {    \
-        static auto* const real = next<type parameters>(#name); \
-        if (strikes(#name)) return static_cast<type>(-1);       \
-        return real arguments;                                  \
+// A call that does its work or fails. Some are declared with "..." for their last parameter, so each is
+// defined under a name of its own, which the linker knows as the system's.
+#define REFUSING(type, name, parameters, arguments, reason)          \
+    INSTEAD_OF_THE_SYSTEM type failing_##name parameters asm(#name); \
+    type failing_##name parameters {                                 \
+        static auto* const real = next<type parameters>(#name);      \
+        if (strikes(#name)) return static_cast<type>(-1);            \
+        if (const int refusal = reason) return errno = refusal, -1;  \
+        return real arguments;                                       \
     }
+#define FAILING(type, name, parameters, arguments) REFUSING(type, name, parameters, arguments, 0)
 
 FAILING(ssize_t, write, (int file, const void* bytes, size_t count), (file, bytes, writtenOf(count)))
 FAILING(ssize_t, pread, (int file, void* bytes, size_t count, off_t place), (file, bytes, count, place))
 FAILING(ssize_t, pwrite, (int file, const void* bytes, size_t count, off_t place),
         (file, bytes, writtenOf(count), place))
-FAILING(int, mkdir, (const char* path, mode_t rights), (path, rights), noexcept)
-FAILING(int, mkdirat, (int folder, const char* path, mode_t rights), (folder, path, rights), noexcept)
-FAILING(int, unlinkat, (int folder, const char* path, int flags), (folder, path, flags), noexcept)
+FAILING(int, mkdir, (const char* path, mode_t rights), (path, rights))
+FAILING(int, mkdirat, (int folder, const char* path, mode_t rights), (folder, path, rights))
+FAILING(int, unlinkat, (int folder, const char* path, int flags), (folder, path, flags))
 FAILING(int, linkat, (int from, const char* old, int to, const char* name, int flags),
-        (from, old, to, name, flags), noexcept)
-FAILING(int, symlinkat, (const char* target, int folder, const char* name), (target, folder, name), noexcept)
+        (from, old, to, name, flags))
+FAILING(int, symlinkat, (const char* target, int folder, const char* name), (target, folder, name))
 FAILING(ssize_t, readlinkat, (int folder, const char* path, char* buffer, size_t size),
-        (folder, path, buffer, size), noexcept)
-FAILING(int, mknodat, (int folder, const char* path, mode_t mode, dev_t device), (folder, path, mode, device),
-        noexcept)
-FAILING(int, fchown, (int file, uid_t user, gid_t group), (file, user, group), noexcept)
-FAILING(int, fchmod, (int file, mode_t rights), (file, rights), noexcept)
-FAILING(int, futimens, (int file, const timespec times[2]), (file, times), noexcept)
-FAILING(int, flock, (int file, int operation), (file, operation), noexcept)
-FAILING(int, ftruncate, (int file, off_t size), (file, size), noexcept)
-FAILING(off_t, lseek, (int file, off_t place, int from), (file, place, from), noexcept)
-FAILING(int, fstat, (int file, struct stat* status), (file, status), noexcept)
+        (folder, path, buffer, size))
+FAILING(int, mknodat, (int folder, const char* path, mode_t mode, dev_t device), (folder, path, mode, device))
+FAILING(int, fchown, (int file, uid_t user, gid_t group), (file, user, group))
+FAILING(int, fchmod, (int file, mode_t rights), (file, rights))
+FAILING(int, futimens, (int file, const timespec times[2]), (file, times))
+FAILING(int, flock, (int file, int operation), (file, operation))
+FAILING(int, ftruncate, (int file, off_t size), (file, size))
+FAILING(off_t, lseek, (int file, off_t place, int from), (file, place, from))
+FAILING(int, fstat, (int file, struct stat* status), (file, status))
 FAILING(int, fstatat, (int folder, const char* path, struct stat* status, int flags),
-        (folder, path, status, flags), noexcept)
+        (folder, path, status, flags))
 
-INSTEAD_OF_THE_SYSTEM int openat(int folder, const char* path, int flags, ...) {
-    static auto* const real = next<int(int, const char*, int, ...)>("openat");
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t rights = rightsOf(flags, arguments);
-    va_end(arguments);
-    if (strikes("openat")) return -1;
-    if (faults.refusesUnnamedFiles && (flags & O_TMPFILE) == O_TMPFILE) return errno = EOPNOTSUPP, -1;
-    return real(folder, path, flags, rights);
-}
-
-INSTEAD_OF_THE_SYSTEM ssize_t copy_file_range(int from, off_t* source, int to, off_t* target, size_t count,
-                                              unsigned flags) {
-    static auto* const real = next<ssize_t(int, off_t*, int, off_t*, size_t, unsigned)>("copy_file_range");
-    if (strikes("copy_file_range")) return -1;
-    if (faults.refusesCopiesInside) return errno = EXDEV, -1;
-    return real(from, source, to, target, writtenOf(count), flags);
-}
-
-INSTEAD_OF_THE_SYSTEM int ioctl(int file, unsigned long request, ...) noexcept {
-    static auto* const real = next<int(int, unsigned long, void*)>("ioctl");
-    va_list arguments;
-    va_start(arguments, request);
-    void* argument = va_arg(arguments, void*);
-    va_end(arguments);
-    if (strikes("ioctl")) return -1;
-    if (faults.refusesCopiesInside && request == FICLONE) return errno = EOPNOTSUPP, -1;
-    return real(file, request, argument);
-}
+REFUSING(int, openat, (int folder, const char* path, int flags, mode_t rights), (folder, path, flags, rights),
+         faults.refusesUnnamedFiles && (flags & O_TMPFILE) == O_TMPFILE ? EOPNOTSUPP : 0)
+REFUSING(ssize_t, copy_file_range,
+         (int from, off_t* source, int to, off_t* target, size_t count, unsigned flags),
+         (from, source, to, target, writtenOf(count), flags), faults.refusesCopiesInside ? EXDEV : 0)
+REFUSING(int, ioctl, (int file, unsigned long request, void* argument), (file, request, argument),
+         (faults.refusesCopiesInside) && request == FICLONE ? EOPNOTSUPP : 0)
+REFUSING(int, renameat2, (int from, const char* old, int to, const char* name, unsigned flags),
+         (from, old, to, name, flags), (faults.refusesMoves) && from != to ? EXDEV : 0)
 
 INSTEAD_OF_THE_SYSTEM dirent* readdir(DIR* folder) {
     static auto* const real = next<dirent*(DIR*)>("readdir");
     return strikes("readdir") ? nullptr : real(folder);
-}
-
-INSTEAD_OF_THE_SYSTEM int renameat2(int from, const char* old, int to, const char* name,
-                                    unsigned flags) noexcept {
-    static auto* const real = next<int(int, const char*, int, const char*, unsigned)>("renameat2");
-    if (strikes("renameat2")) return -1;
-    return faults.refusesMoves && from != to ? errno = EXDEV, -1 : real(from, old, to, name, flags);
 }
 
 INSTEAD_OF_THE_SYSTEM int renameat(int from, const char* old, int to, const char* name) noexcept {

@@ -20,8 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 using std::string;
 
-constexpr uid_t kOtherUser = 65534;
-
 class FileContentsTest : public ::testing::TestWithParam<bool> {
   protected:
     void SetUp() override {
@@ -50,10 +48,10 @@ class FileContentsTest : public ::testing::TestWithParam<bool> {
     }
     // "65534:7 640"
     string rightsOf(const string& name) {
-        struct stat status = statusOf(name);
-        char text[64];
-        std::snprintf(text, sizeof text, "%u:%u %o", status.st_uid, status.st_gid, status.st_mode & 07777);
-        return text;
+        const struct stat status = statusOf(name);
+        std::ostringstream text;
+        text << status.st_uid << ':' << status.st_gid << ' ' << std::oct << (status.st_mode & 07777);
+        return text.str();
     }
     string make(const string& name, const string& text, mode_t rights, uid_t owner = geteuid(),
                 gid_t group = getegid()) {
@@ -140,30 +138,24 @@ TEST_P(FileContentsTest, KeepsTheRightsOfTheOldFileOrGivesWhatTheMaskLeaves) {
 
 TEST_P(FileContentsTest, KeepsOwnerAndGroupWhereTheUserMay) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can give files away";
-    struct {
-        const char* situation;
-        uid_t writer, owner;
-        gid_t group;
-        mode_t rights;
-        int failure;
-        const char* result;
-    } const rows[] = {
-        {"root writes a user's file", 0, kOtherUser, 7, 0640, 0, "65534:7 640"},
-        {"root writes a read-only file", 0, kOtherUser, 7, 0400, 0, "65534:7 400"},
-        {"a user writes an own file", kOtherUser, kOtherUser, kOtherUser, 0660, 0, "65534:65534 660"},
-        {"a user writes root's file", kOtherUser, 0, 0, 0666, 0, "65534:65534 666"},
-        {"a group that cannot be kept", kOtherUser, 0, 7, 06672, 0, "65534:65534 622"},
-        {"an own read-only file", kOtherUser, kOtherUser, kOtherUser, 0444, EACCES, "65534:65534 444"},
-        {"a file of somebody else", kOtherUser, 0, 0, 0644, EACCES, "0:0 644"},
-    };
-    for (const auto& row : rows) {
-        make("file", "old", row.rights, row.owner, row.group);
-        EXPECT_EQ(saveAs(row.writer, "file", "new"), row.failure) << row.situation;
-        EXPECT_EQ(rightsOf("file"), row.result) << row.situation;
-        EXPECT_EQ(folder.read("file"), row.failure ? "old" : "new") << row.situation;
-        EXPECT_THAT(names(), ElementsAre("file")) << row.situation;
-        fs::remove(folder.path("file"));
-    }
+    // The writer, and the owner, group and rights of the file, before and afterwards.
+    expectAll({"root writes a user's file: 0 65534 7 640 -> 65534:7 640 new",
+               "root writes a read-only file: 0 65534 7 400 -> 65534:7 400 new",
+               "a user writes an own file: 65534 65534 65534 660 -> 65534:65534 660 new",
+               "a user writes root's file: 65534 0 0 666 -> 65534:65534 666 new",
+               "a group that cannot be kept: 65534 0 7 6672 -> 65534:65534 622 new",
+               "an own read-only file: 65534 65534 65534 444 -> 65534:65534 444 old EACCES",
+               "a file of somebody else: 65534 0 0 644 -> 0:0 644 old EACCES"},
+              [this](const string& row) {
+                  unsigned writer, owner, group, rights;
+                  std::sscanf(row.c_str() + row.find(':'), ": %u %u %u %o", &writer, &owner, &group, &rights);
+                  make("file", "old", rights, owner, group);
+                  const int failure = saveAs(writer, "file", "new");
+                  EXPECT_THAT(names(), ElementsAre("file")) << row;
+                  const string result = rightsOf("file") + " " + folder.read("file");
+                  fs::remove(folder.path("file"));
+                  return failure ? result + " " + strerrorname_np(failure) : result;
+              });
 }
 
 TEST_P(FileContentsTest, KeepsTheAccessListOfTheOldFile) {
@@ -186,25 +178,22 @@ TEST_P(FileContentsTest, KeepsTheAccessListOfTheOldFile) {
 
 TEST_P(FileContentsTest, AFailureLeavesTheOldContentAndTellsTheReason) {
     make("file", "old", 0644);
-    struct {
-        bool Faults::*fault;
-        int reason;
-    } const rows[] = {{&Faults::failsToSync, EIO}, {&Faults::failsToClose, ENOSPC}};
-    for (const auto& row : rows) {
-        faults.*row.fault = true;
-        EXPECT_EQ(save("file", "new"), row.reason);
-        faults.*row.fault = false;
-        EXPECT_EQ(folder.read("file"), "old") << std::strerror(row.reason);
-        EXPECT_THAT(names(), ElementsAre("file")) << std::strerror(row.reason);
-    }
+    const auto expectOldContent = [&](int failure, int reason) {
+        EXPECT_EQ(failure, reason);
+        EXPECT_EQ(folder.read("file"), "old") << strerrorname_np(reason);
+        EXPECT_THAT(names(), ElementsAre("file")) << strerrorname_np(reason);
+    };
+    faults.failsToSync = true;
+    expectOldContent(save("file", "new"), EIO);
+    faults.failsToSync = false, faults.failsToClose = true;
+    expectOldContent(save("file", "new"), ENOSPC);
+    faults.failsToClose = false;
     int tooLarge = inChild([&] {
         signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{1000, 1000};
         return setrlimit(RLIMIT_FSIZE, &limit) == 0 ? save("file", string(4000, 'x')) : 0;
     });
-    EXPECT_EQ(tooLarge, EFBIG);
-    EXPECT_EQ(folder.read("file"), "old");
-    EXPECT_THAT(names(), ElementsAre("file"));
+    expectOldContent(tooLarge, EFBIG);
 }
 
 TEST_P(FileContentsTest, WhatAKilledProcessLeftGoesWithTheNextWrite) {

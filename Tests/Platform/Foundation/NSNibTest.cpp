@@ -22,14 +22,12 @@ class NTThing final : public NSObject {
     static Retained<NTThing> initWithTitle_inside(NSString* title, NTThing* outer,
                                                   Class* cls = classObject()) {
         auto thing = make<NTThing>(cls);
-        thing->take("made with " + shown(title, "in", outer));
+        notes += "made with " + shown(title, "in", outer) + "; ";
         thing->_outer.set(outer);
         return thing;
     }
-    static Retained<NTThing> initFailing(Class* cls = classObject()) {
-        throw NSException(NSGenericException, "no memory for " + std::string(cls->name()));
-    }
-    static Retained<NTThing> initNone(Class* = classObject()) { return nullptr; }
+    static Retained<NTThing> initFailing(Class*) { throw NSException(NSGenericException, "no memory"); }
+    static Retained<NTThing> initNone(Class*) { return nullptr; }
 
     // The setter of most values.
     template <class T>
@@ -105,15 +103,13 @@ struct Nib : ::testing::Test {
     Retained<NSNib> nibOf(const std::string& text, NSBundle* bundle = nullptr) {
         return NSNib::initWithData_bundle_error(dataOf(text), bundle, &error);
     }
-    // Why the file is refused, or its objects are not made.
+    // Why the file is refused, or its objects are not made; "" if they are.
     std::string faultOf(const std::string& text, id owner = nullptr) {
         AutoreleasePool pool;
         NSArray* objects = nullptr;
         auto nib = nibOf(text);
-        const bool isMade =
-            nib && nib->instantiateNibWithOwner_topLevelObjects_error(owner, &objects, &error);
-        EXPECT_EQ(!isMade, !!error);
-        EXPECT_EQ(!isMade, !objects);
+        if (nib) nib->instantiateNibWithOwner_topLevelObjects_error(owner, &objects, &error);
+        EXPECT_EQ(!objects, !!error);
         return error ? shown(error) : "";
     }
     // What the things note while the file is loaded.
@@ -140,9 +136,8 @@ std::string values(const std::string& entries) { return "Values = {" + entries +
 // The file of a row: the whole file, or entries of the object "a" and, behind a bar, connections.
 std::string fileOf(const std::string& row) {
     if (row[0] == '{' || row[0] == '(') return row;
-    const std::size_t bar = row.find('|');
-    if (bar == row.npos) return file(thing("a", row));
-    return file(thing("a", row.substr(0, bar)), row.substr(bar + 1));
+    const std::size_t bar = std::min(row.find('|'), row.size());
+    return file(thing("a", row.substr(0, bar)), row.substr(std::min(bar + 1, row.size())));
 }
 
 TEST_F(Nib, SetsValuesOfEachTypeByTheirKeys) {
@@ -154,12 +149,11 @@ TEST_F(Nib, SetsValuesOfEachTypeByTheirKeys) {
                "title = b; Title = a; -> a; b; ", "any = {Object = owner;}; -> (null); ",
                "any = ({Object = owner;}, a); -> ( a ); "},
               [this](const std::string& entries) {
-                  const std::string notes = notesOf(file(thing("a", values(entries))));
+                  const std::string notes = notesOf(fileOf(values(entries)));
                   return std::regex_replace(notes.substr(0, notes.find("awake; ")), std::regex("\\s+"), " ");
               });
-    EXPECT_EQ(notesOf(file(thing("a", "Values = ({width = 2;}, {count = 1; }, {width = 3;});"))),
-              "2; 1; 3; awake; ");
-    const std::string numbers = propertyList(
+    EXPECT_EQ(notesOf(fileOf("Values = ({width = 2;}, {count = 1; }, {width = 3;});")), "2; 1; 3; awake; ");
+    const auto numbers = propertyList(
         "<dict><key>Objects</key><array><dict><key>Identifier</key><string>a</string><key>Class</key>"
         "<string>NTThing</string><key>Values</key><dict><key>any</key><date>2001-01-01T00:00:00Z</date>"
         "<key>count</key><real>12</real><key>mask</key><integer>18446744073709551615</integer>"
@@ -197,6 +191,11 @@ TEST_F(Nib, MakesNewObjectsEachTimeWhichTheCallerKeeps) {
     EXPECT_EQ(NTThing::alive, 2);
 }
 
+// "object 'a', key 'b': " becomes "a.b: ".
+std::string shortened(const std::string& fault) {
+    return std::regex_replace(fault, std::regex("object '(\\w+)', key '([^']*)'"), "$1.$2");
+}
+
 TEST_F(Nib, RefusesFilesThatContradictThemselves) {
     expectAll(
         {"(a) -> this is no dictionary",
@@ -205,28 +204,25 @@ TEST_F(Nib, RefusesFilesThatContradictThemselves) {
          "{} -> key 'Objects': the key is missing",
          "{Objects = a;} -> key 'Objects': this is no array",
          "{Objects = (a);} -> object '1': this is no dictionary",
-         "{Objects = ({Class = A;});} -> object '1', key 'Identifier': the key is missing",
-         "{Objects = ({Identifier = a;});} -> object 'a', key 'Class': the key is missing",
-         "Clas = b; -> object 'a', key 'Clas': there is no such key here",
-         "},{Identifier = a; -> object '2', key 'Identifier': another object is called 'a'",
-         "},{Identifier = owner; -> object '2', key 'Identifier': 'owner' is the object that the file is "
-         "loaded for",
-         "Create = \"x:\"; -> object 'a', key 'Arguments': 'x:' takes 1, and there are 0",
-         "Values = {b = {Object = c;};}; -> object 'a', key 'b': there is no object 'c'",
-         "Values = {b = ({Object = a; X = Y;});}; -> object 'a', key 'X': there is no such key here",
-         "Values = {b = {};}; -> object 'a', key 'b': a dictionary as a value has the key 'Object', 'Text' "
-         "or 'Dictionary'",
+         "{Objects = ({Class = A;});} -> 1.Identifier: the key is missing",
+         "{Objects = ({Identifier = a;});} -> a.Class: the key is missing",
+         "Clas = b; -> a.Clas: there is no such key here",
+         "},{Identifier = a; -> 2.Identifier: another object is called 'a'",
+         "},{Identifier = owner; -> 2.Identifier: 'owner' is the object that the file is loaded for",
+         "Create = \"x:\"; -> a.Arguments: 'x:' takes 1, and there are 0",
+         "Values = {b = {Object = c;};}; -> a.b: there is no object 'c'",
+         "Values = {b = ({Object = a; X = Y;});}; -> a.X: there is no such key here",
+         "Values = {b = {};}; -> a.b: a dictionary as a value has the key 'Object', 'Text' or 'Dictionary'",
          "|{Source = b; Outlet = b; Target = c;} -> key 'Source': there is no object 'b'",
-         "|{Source = a; Outlet = b;} -> object 'a', key 'Target': the key is missing",
-         "|{Source = a; Outlet = b; Target = c;} -> object 'a', key 'b': there is no object 'c'",
-         "|{Source = a;} -> object 'a', key 'Connections': a connection has either 'Outlet' or 'Action'",
+         "|{Source = a; Outlet = b;} -> a.Target: the key is missing",
+         "|{Source = a; Outlet = b; Target = c;} -> a.b: there is no object 'c'",
+         "|{Source = a;} -> a.Connections: a connection has either 'Outlet' or 'Action'",
          "{Objects = (); TopLevel = (owner);} -> key 'TopLevel': the owner is no object of the file",
-         "Create = \"x:\"; Arguments = (({Object = a;})); -> object 'a', key 'Arguments': the objects are "
-         "made "
-         "from each other: 'a' needs 'a'"},
+         "Create = \"x:\"; Arguments = (({Object = a;})); -> a.Arguments: the objects are made from each "
+         "other: 'a' needs 'a'"},
         [this](const std::string& row) {
             EXPECT_FALSE(nibOf(fileOf(row)));
-            return error;
+            return shortened(shown(error));
         });
     EXPECT_EQ(shown(error->file(), "|", error->object(), "|", error->key()), " | a | Arguments");
     EXPECT_THAT(faultOf("{"), StartsWith("line 1, column 2: "));
@@ -235,26 +231,22 @@ TEST_F(Nib, RefusesFilesThatContradictThemselves) {
 TEST_F(Nib, TellsWhichObjectAndKeyCannotBeMade) {
     auto owner = make<NTThing>();
     expectAll(
-        {"{Objects = ({Identifier = a; Class = No;});} -> object 'a', key 'Class': there is no class No",
-         "Create = release; -> object 'a', key 'Create': the class NTThing has no operation 'release' that "
-         "returns an object",
-         "Create = initFailing; -> object 'a', key 'Create': no memory for NTThing",
-         "Create = initNone; -> object 'a', key 'Create': 'initNone' returned null",
-         "Values = {titel = b;}; -> object 'a', key 'titel': the class NTThing has no setter 'setTitel:'",
+        {"{Objects = ({Identifier = a; Class = No;});} -> a.Class: there is no class No",
+         "Create = release; -> a.Create: the class NTThing has no operation 'release' that returns an object",
+         "Create = initFailing; -> a.Create: no memory",
+         "Create = initNone; -> a.Create: 'initNone' returned null",
+         "Values = {titel = b;}; -> a.titel: the class NTThing has no setter 'setTitel:'",
          "Values = {\"\" = b;}; -> object 'a': the class NTThing has no setter 'set:'",
-         "Values = {width = \"1 \";}; -> object 'a', key 'width': the text '1 ' cannot become a float",
-         "Values = {count = 40000;}; -> object 'a', key 'count': the text '40000' cannot become a short",
-         "Values = {broken = b;}; -> object 'a', key 'broken': it is broken",
-         "|{Source = owner; Outlet = b; Target = a;} -> object 'owner', key 'b': the class NTThing has no "
-         "setter 'setB:'",
-         "|{Source = a; Action = \"jump:\"; Target = owner;} -> object 'a', key 'jump:': the object 'owner', "
-         "a "
-         "NTThing, has no such operation"},
-        [&](const std::string& row) { return faultOf(fileOf(row), owner); });
+         "Values = {width = \"1 \";}; -> a.width: the text '1 ' cannot become a float",
+         "Values = {count = 40000;}; -> a.count: the text '40000' cannot become a short",
+         "Values = {broken = b;}; -> a.broken: it is broken",
+         "|{Source = owner; Outlet = b; Target = a;} -> owner.b: the class NTThing has no setter 'setB:'",
+         "|{Source = a; Action = \"jump:\"; Target = owner;} -> a.jump:: the object 'owner', a NTThing, has "
+         "no such operation"},
+        [&](const std::string& row) { return shortened(faultOf(fileOf(row), owner)); });
     for (const char* entries : {"title = (b)", "count = \"1.5\"", "shown = maybe", "frame = (1, 2, 3)",
                                 "frame = (1, 2, 3, x)", "kind = No", "pointer = 5"})
-        EXPECT_THAT(faultOf(file(thing("a", values(entries + std::string(";"))))),
-                    StartsWith("object 'a', key '"));
+        EXPECT_THAT(faultOf(fileOf(values(entries + std::string(";")))), StartsWith("object 'a', key '"));
     EXPECT_THAT(faultOf(fileOf("Create = \"initWithTitle:inside:\"; Arguments = (b, c);")),
                 StartsWith("object 'a', key 'Create': "));
     EXPECT_THAT(faultOf(file("{Identifier = a; Class = NSObject;}", "{Source = a; Action = \"push:\";}")),
@@ -262,14 +254,13 @@ TEST_F(Nib, TellsWhichObjectAndKeyCannotBeMade) {
 }
 
 TEST_F(Nib, RefusesTooDeepChainsAndTakesLongLists) {
-    auto chain = [](int length, bool isBackwards) {
+    const std::string made = "Create = \"initWithTitle:inside:\"; Arguments = (t, {Object = ";
+    auto chain = [&](int length, bool isBackwards) {
         std::string objects;
         for (int i = 0; i < length; ++i) {
             const int number = isBackwards ? length - 1 - i : i;
-            objects += number == 0 ? thing("o0")
-                                   : thing("o" + std::to_string(number),
-                                           "Create = \"initWithTitle:inside:\"; Arguments = (t, {Object = o" +
-                                               std::to_string(number - 1) + ";});");
+            objects += thing("o" + std::to_string(number),
+                             made + (number ? "o" + std::to_string(number - 1) : "owner") + ";});");
         }
         return file(objects);
     };
@@ -282,10 +273,10 @@ TEST_F(Nib, RefusesTooDeepChainsAndTakesLongLists) {
     std::string many;
     for (int i = 0; i < 20000; ++i) many += thing("o" + std::to_string(i), values("count = 1;"));
     EXPECT_EQ(faultOf(file(many)), "");
-    EXPECT_THAT(faultOf(file(thing("a", values("any = " + repeated("(", 600) + repeated(")", 600) + ";")))),
+    EXPECT_THAT(faultOf(fileOf(values("any = " + repeated("(", 600) + repeated(")", 600) + ";"))),
                 HasSubstr("nested"));
     const std::string deep = repeated("(", 500) + "{Object = a;}" + repeated(")", 500);
-    runOnSmallStack([&] { EXPECT_EQ(faultOf(file(thing("a", values("any = " + deep + ";")))), ""); });
+    runOnSmallStack([&] { EXPECT_EQ(faultOf(fileOf(values("any = " + deep + ";"))), ""); });
 }
 
 // Things that own each other, and are owned by the owner, who refuses something after all that.
@@ -296,25 +287,25 @@ TEST_F(Nib, LeavesNothingBehindWhenMakingFails) {
         "{Source = b; Outlet = peer; Target = a;}, {Source = owner; Outlet = peer; Target = c;},"
         "{Source = owner; Action = \"push:\"; Target = c;}, ";
     auto owner = make<NTThing>();
-    auto before = [&] { return !owner->peer() && !owner->target() && NTThing::alive == 1; };
-    EXPECT_EQ(faultOf(file(objects, connections + "{Source = owner; Outlet = broken; Target = b;}"), owner),
-              "object 'owner', key 'broken': it is broken");
-    EXPECT_TRUE(before());
+    // The fault, and whether all is as before.
+    auto fault = [&](const std::string& connection) {
+        const std::string fault = faultOf(file(objects, connections + connection), owner);
+        return shown(fault, !owner->peer() && !owner->target() && NTThing::alive == 1);
+    };
+    EXPECT_EQ(fault("{Source = owner; Outlet = broken; Target = b;}"),
+              "object 'owner', key 'broken': it is broken 1");
     int awake = 0;
     NTThing::whenAwake = [&](NTThing*) {
         if (++awake == 3) throw NSException(NSGenericException, "too early");
     };
-    EXPECT_EQ(faultOf(file(objects, connections), owner), "object 'c', key 'awakeFromNib': too early");
-    EXPECT_TRUE(before());
+    EXPECT_EQ(fault(""), "object 'c', key 'awakeFromNib': too early 1");
     NTThing::whenAwake = [&](NTThing*) { throw 5; };
     AutoreleasePool pool;
-    EXPECT_THROW(nibOf(file(objects, connections))->instantiateNibWithOwner_topLevelObjects(owner, nullptr),
-                 int);
-    EXPECT_TRUE(before());
-    LogLines log;
+    EXPECT_THROW(fault(""), int);
     NTThing::whenAwake = nullptr;
-    EXPECT_FALSE(
-        nibOf(file(thing("a", values("x = y;"))))->instantiateNibWithOwner_topLevelObjects(owner, nullptr));
+    EXPECT_TRUE(!owner->peer() && !owner->target() && NTThing::alive == 1);
+    LogLines log;
+    EXPECT_FALSE(nibOf(fileOf(values("x = y;")))->instantiateNibWithOwner_topLevelObjects(owner, nullptr));
     EXPECT_THAT(log.lines, ElementsAre(HasSubstr("object 'a', key 'x'")));
 }
 
@@ -342,15 +333,12 @@ TEST_F(Nib, LooksUpFilesAndTextsInTheUsersLanguage) {
     BundleFolder folder;
     const fs::path path = folder.makeBundle("Nibs.bundle");
     const std::string resources = "Nibs.bundle/Contents/Resources/";
-    folder.write(
-        resources + "Panel.nib",
-        "{Strings = Panel; " +
-            file(thing("a", values("any = ({Text = _A;}, {Text = _B; Table = Other;}, {Text = _C;});")))
-                .substr(1));
+    const std::string texts = "any = ({Text = _A;}, {Text = _B; Table = Other;}, {Text = _C;});";
+    folder.write(resources + "Panel.nib", "{Strings = Panel; " + fileOf(values(texts)).substr(1));
     folder.write(resources + "de.lproj/Panel.strings", "_A = eins; _B = falsch;");
     folder.write(resources + "de.lproj/Other.strings", "_B = zwei;");
-    folder.write(resources + "en.lproj/Own.nib", file(thing("a", values("title = English;"))));
-    folder.write(resources + "de.lproj/Own.nib", file(thing("a", values("title = Deutsch;"))));
+    folder.write(resources + "en.lproj/Own.nib", fileOf(values("title = English;")));
+    folder.write(resources + "de.lproj/Own.nib", fileOf(values("title = Deutsch;")));
     folder.write(resources + "Broken.nib", "{Objects = (;}");
     LanguageScope language("de");
     NSBundle* bundle = bundleAt(path);

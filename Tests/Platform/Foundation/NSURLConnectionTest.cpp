@@ -2,6 +2,9 @@
 // Tests of loading over http, against servers that do what they should not.
 #include "Foundation/NSURLConnection.h"
 
+#include <optional>
+#include <regex>
+
 #include "Foundation/ClockScope.h"
 #include "Foundation/NSHTTPURLResponse.h"
 #include "Foundation/NSMutableData.h"
@@ -45,27 +48,25 @@ class LoadRecorder : public NSObject {
         note(connection, shown(cast<NSHTTPURLResponse>(response)->statusCode()));
     }
     void receiveData(NSURLConnection* connection, NSData* data) {
-        body += textOf(data);
-        note(connection, "data");
+        body += textOf(data), note(connection, "data");
     }
-    void finish(NSURLConnection* connection) {
-        isOver = true;
-        note(connection, "finished");
-    }
+    void finish(NSURLConnection* connection) { isOver = true, note(connection, "finished"); }
     void fail(NSURLConnection* connection, NSURLError* error) {
-        isOver = true;
-        note(connection, shown(error->code()));
+        isOver = true, note(connection, shown(error->code()));
     }
-    /// What is heard of a load until its end.
+    /// What is heard of a load until its end. Only a reaction may raise.
     std::string load(NSURLRequest* request) {
         auto connection = NSURLConnection::initWithRequest_delegate(request, this);
         EXPECT_THAT(heard, IsEmpty());
-        while (!isOver) NSRunLoop::currentRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
+        while (!isOver)
+            EXPECT_TRUE(RAISED(NSRunLoop::currentRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, nullptr))
+                            .empty() ||
+                        reaction);
         return joined(heard);
     }
 };
 
-extern Library connectionTestLibrary;
+constinit Library connectionTestLibrary{"ConnectionTest", {}, kClassesOf<LoadRecorder>, {}};
 PELVOR_DEFINE_CLASS(LoadRecorder, connectionTestLibrary) {
     methods.instanceAs<"connection:didSendBodyData:totalBytesWritten:totalBytesExpectedToWrite:",
                        &LoadRecorder::sent>();
@@ -73,12 +74,6 @@ PELVOR_DEFINE_CLASS(LoadRecorder, connectionTestLibrary) {
     methods.instanceAs<"connection:didReceiveData:", &LoadRecorder::receiveData>();
     methods.instanceAs<"connectionDidFinishLoading:", &LoadRecorder::finish>();
     methods.instanceAs<"connection:didFailWithError:", &LoadRecorder::fail>();
-}
-constinit Library connectionTestLibrary{"ConnectionTest", {}, kClassesOf<LoadRecorder>, {}};
-
-Retained<LoadRecorder> recorder() {
-    registerLibrary(connectionTestLibrary);
-    return make<LoadRecorder>();
 }
 
 /// "200 body", or the code of the error.
@@ -91,90 +86,56 @@ std::string loaded(NSURLRequest* request) {
     if (error) return shown(error->code());
     return shown(cast<NSHTTPURLResponse>(response)->statusCode()) + " " + textOf(data);
 }
+NSURLRequest* requestOf(const std::string& url) { return NSURLRequest::requestWithURL(urlOf(url)); }
 
 // libcurl asks again only five times in a load on a connection that the server closed without saying so.
-void redirect(Call& call, const std::string& target) {
-    call.send("HTTP/1.1 302 Elsewhere\r\nConnection: close\r\nLocation: " + target +
-              "\r\nContent-Length: 0\r\n\r\n");
+std::string redirection(const std::string& place) {
+    return "HTTP/1.1 302 Elsewhere\nConnection: close\nLocation: " + place + "\nContent-Length: 0\n\n";
 }
 
-void answerUntilClientGoes(Call& call, std::string_view start, std::string_view piece) {
-    call.send(start);
-    while (call.send(piece)) {
-    }
-}
-
+/// A server that sends a text, whose lines end with \r\n and in which TARGET is what was asked for, and then
+/// closes, or stalls, or sends another text until the client goes.
 struct Behaviour {
-    const char* name;
-    LoopbackServer::Answer answer;
-    const char* result;
-    double timeout = 30;
+    const char *name, *result;
+    std::string text;
+    std::optional<std::string> then = {};
+
+    bool isSlow() const { return then && then->size() < 2; }
+    void answer(Call& call) const {
+        if (call.target() == "/xxxxxxxxxx") return call.answer("there");
+        const std::string ended = std::regex_replace(text, std::regex("\n"), "\r\n");
+        call.send(std::regex_replace(ended, std::regex("TARGET"), call.target()));
+        if (then == "") return call.waitUntilClientGoes();
+        while (then && call.send(*then))
+            if (isSlow()) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
 };
 
+const std::string kOK = "HTTP/1.1 200 OK\n", kFlood(65536, 'x');
 const Behaviour kBehaviours[] = {
-    {"Answer", [](Call& call) { call.answer("hello"); }, "200 hello"},
-    {"Empty", [](Call& call) { call.send("HTTP/1.1 204 Nothing\r\n\r\n"); }, "204 "},
-    {"NotFound", [](Call& call) { call.send("HTTP/1.0 404 No\r\n\r\ngone"); }, "404 gone"},
-    {"Chunked",
-     [](Call& call) {
-         call.send(
-             "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n2;x=y\r\nde\r\n0\r\nA: "
-             "b\r\n\r\n");
-     },
-     "200 abcde"},
-    {"BrokenChunk",
-     [](Call& call) { call.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\nabc"); },
-     "-1005"},
-    {"InterimAnswers",
-     [](Call& call) {
-         call.send("HTTP/1.1 100 Go on\r\nA: b\r\n\r\nHTTP/1.1 103 Hints\r\n\r\n");
-         call.answer("late");
-     },
-     "200 late"},
-    {"TenRedirections",
-     [](Call& call) {
-         const std::size_t count = call.target().size();
-         count == 11 ? call.answer("there") : redirect(call, call.target() + "x");
-     },
-     "200 there"},
-    {"Circle", [](Call& call) { redirect(call, call.target()); }, "-1007"},
-    {"RedirectionToFile", [](Call& call) { redirect(call, "file:///etc/hostname"); }, "-1002"},
-    {"RedirectionToOtherScheme", [](Call& call) { redirect(call, "ftp://127.0.0.1/"); }, "-1002"},
-    {"ClosesEarly", [](Call&) {}, "-1005"},
-    {"Truncated", [](Call& call) { call.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc"); }, "-1005"},
-    {"TruncatedHead", [](Call& call) { call.send("HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r"); }, "-1005"},
-    {"TruncatedInterimAnswer", [](Call& call) { call.send("HTTP/1.1 103 Hints\r\nA: b\r\n"); }, "-1005"},
-    {"Rubbish", [](Call& call) { call.send("\x01\x02rubbish\r\n\r\n"); }, "-1011"},
-    {"StallsBeforeTheHead", [](Call& call) { call.waitUntilClientGoes(); }, "-1001", 0.05},
-    {"StallsInTheBody",
-     [](Call& call) {
-         call.send("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nabc");
-         call.waitUntilClientGoes();
-     },
-     "-1001", 0.05},
-    {"Drips",
-     [](Call& call) {
-         call.send("HTTP/1.1 200 OK\r\n\r\n");
-         while (call.send("x")) std::this_thread::sleep_for(std::chrono::milliseconds(5));
-     },
-     "-1001", 0.05},
-    {"FloodsTheHead",
-     [](Call& call) {
-         answerUntilClientGoes(call, "HTTP/1.1 200 OK\r\n", "X-Flood: aaaaaaaaaaaaaaaaaaaaaaaaa\r\n");
-     },
-     "-1103"},
-    {"FloodsALineOfTheHead",
-     [](Call& call) { answerUntilClientGoes(call, "HTTP/1.1 200 ", std::string(65536, 'x')); }, "-1103"},
-    {"FloodsInterimAnswers",
-     [](Call& call) {
-         answerUntilClientGoes(call, "", "HTTP/1.1 102 Wait\r\nX: aaaaaaaaaaaaaaaaaaaaaaaa\r\n\r\n");
-     },
-     "-1103"},
-    {"FloodsTheBody",
-     [](Call& call) { answerUntilClientGoes(call, "HTTP/1.1 200 OK\r\n\r\n", std::string(65536, 'x')); },
-     "-1103"},
-    {"SaysTooMuch", [](Call& call) { call.send("HTTP/1.1 200 OK\r\nContent-Length: 1000001\r\n\r\n"); },
-     "-1103"},
+    {"Answer", "200 hello", kOK + "Content-Length: 5\n\nhello"},
+    {"Empty", "204 ", "HTTP/1.1 204 Nothing\n\n"},
+    {"NotFound", "404 gone", "HTTP/1.0 404 No\n\ngone"},
+    {"Chunked", "200 abcde", kOK + "Transfer-Encoding: chunked\n\n3\nabc\n2;x=y\nde\n0\nA: b\n\n"},
+    {"BrokenChunk", "-1005", kOK + "Transfer-Encoding: chunked\n\nzz\nabc"},
+    {"InterimAnswers", "200 late", "HTTP/1.1 100 Go on\nA: b\n\nHTTP/1.1 103 Hints\n\n" + kOK + "\nlate"},
+    {"TenRedirections", "200 there", redirection("TARGETx")},
+    {"Circle", "-1007", redirection("TARGET")},
+    {"RedirectionToFile", "-1002", redirection("file:///etc/hostname")},
+    {"RedirectionToOtherScheme", "-1002", redirection("ftp://127.0.0.1/")},
+    {"ClosesEarly", "-1005", ""},
+    {"Truncated", "-1005", kOK + "Content-Length: 9\n\nabc"},
+    {"TruncatedHead", "-1005", kOK + "Content-Length: 0\n\r"},
+    {"TruncatedInterimAnswer", "-1005", "HTTP/1.1 103 Hints\nA: b\n"},
+    {"Rubbish", "-1011", "\x01\x02rubbish\n\n"},
+    {"StallsBeforeTheHead", "-1001", "", ""},
+    {"StallsInTheBody", "-1001", kOK + "Content-Length: 9\n\nabc", ""},
+    {"Drips", "-1001", kOK + "\n", "x"},
+    {"FloodsTheHead", "-1103", kOK, "X-Flood: aaaaaaaaaaaaaaaaaaaaaaaaa\r\n"},
+    {"FloodsALineOfTheHead", "-1103", "HTTP/1.1 200 ", kFlood},
+    {"FloodsInterimAnswers", "-1103", "", "HTTP/1.1 102 Wait\r\nX: aaaaaaaaaaaaaaaaaaaaaaaa\r\n\r\n"},
+    {"FloodsTheBody", "-1103", kOK + "\n", kFlood},
+    {"SaysTooMuch", "-1103", kOK + "Content-Length: 1000001\n\n"},
 };
 
 class ServerTest : public ::testing::TestWithParam<Behaviour> {};
@@ -183,12 +144,12 @@ INSTANTIATE_TEST_SUITE_P(Servers, ServerTest, ::testing::ValuesIn(kBehaviours),
 
 TEST_P(ServerTest, GivesTheSameWithAndWithoutARunLoop) {
     AutoreleasePool pool;
-    LoopbackServer server(GetParam().answer);
+    LoopbackServer server([](Call& call) { GetParam().answer(call); });
     auto request = NSMutableURLRequest::initWithURL(urlOf(server.url()));
-    request->setTimeoutInterval(GetParam().timeout);
+    request->setTimeoutInterval(GetParam().isSlow() ? 0.05 : 30);
     request->setMaximumResponseLength(1'000'000);
     EXPECT_EQ(loaded(request), GetParam().result);
-    auto delegate = recorder();
+    auto delegate = make<LoadRecorder>();
     delegate->load(request);
     std::string last = delegate->heard.back();
     if (last == "finished") last = delegate->heard[0] + " " + delegate->body;
@@ -227,7 +188,7 @@ TEST(NSURLConnectionTest, TellsOfProgress) {
     auto request = NSMutableURLRequest::initWithURL(urlOf(server.url()));
     request->setHTTPMethod(u"POST"_ns);
     request->setHTTPBody(NSMutableData::dataWithLength(20'000'000));
-    auto delegate = recorder();
+    auto delegate = make<LoadRecorder>();
     EXPECT_EQ(delegate->load(request), "sent, all sent, 200, data, finished");
     EXPECT_EQ(delegate->body, std::string(3'000'000, 'y'));
     EXPECT_EQ(server.calls()[0].body.size(), 20'000'000u);
@@ -239,7 +200,7 @@ TEST(NSURLConnectionTest, IsCancelledByAnyMessage) {
         AutoreleasePool pool;
         auto request = NSMutableURLRequest::initWithURL(urlOf(server.url()));
         request->setHTTPBody(NSData::dataWithBytes_length("x", 1));
-        auto delegate = recorder();
+        auto delegate = make<LoadRecorder>();
         delegate->reaction = [&](NSURLConnection* connection) {
             if (delegate->heard.size() < count) return;
             connection->cancel();
@@ -254,16 +215,27 @@ TEST(NSURLConnectionTest, IsCancelledByAnyMessage) {
 TEST(NSURLConnectionTest, GoesOnAfterADelegateThatRaises) {
     AutoreleasePool pool;
     LoopbackServer server([](Call& call) { call.answer("abc"); });
-    auto delegate = recorder();
-    delegate->reaction = [](NSURLConnection*) { throw NSException("Lamp", "it is broken"); };
-    auto connection = NSURLConnection::initWithRequest_delegate(
-        NSURLRequest::requestWithURL(urlOf(server.url())), delegate);
-    while (!delegate->isOver) try {
-            NSRunLoop::currentRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
-        } catch (const NSException&) {
-        }
-    EXPECT_THAT(delegate->heard, ElementsAre("200", "data", "finished"));
+    auto delegate = make<LoadRecorder>();
+    Retained<NSURLConnection> kept;
+    delegate->reaction = [&](NSURLConnection* connection) {
+        kept.set(connection);
+        throw NSException("Lamp", "it is broken");
+    };
+    EXPECT_EQ(delegate->load(requestOf(server.url())), "200, data, finished");
     EXPECT_EQ(delegate->retainCount(), 1u) << "a connection that has ended keeps nobody";
+}
+
+TEST(NSURLConnectionTest, LoadsOnSeveralThreadsAtOnce) {
+    LoopbackServer server([](Call& call) { call.answer(call.target()); });
+    onThreads(8, [&](int number) {
+        for (int i = 0; i < 5; ++i) {
+            const std::string target = "/" + std::to_string(number * 5 + i);
+            EXPECT_EQ(loaded(requestOf(server.url(target))), "200 " + target);
+            auto delegate = make<LoadRecorder>();
+            EXPECT_EQ(delegate->load(requestOf(server.url(target))), "200, data, finished");
+            EXPECT_EQ(delegate->body, target);
+        }
+    });
 }
 
 // What the run loop's clock does not reach, a stalled server does not hold up.
@@ -271,34 +243,28 @@ TEST(NSURLConnectionTest, TimesOutByTheClockOfTheRunLoop) {
     AutoreleasePool pool;
     LoopbackServer server([](Call& call) { call.waitUntilClientGoes(); });
     ClockScope clock;
-    auto delegate = recorder();
-    EXPECT_EQ(delegate->load(NSURLRequest::requestWithURL(urlOf(server.url()))), "-1001");
+    auto delegate = make<LoadRecorder>();
+    EXPECT_EQ(delegate->load(requestOf(server.url())), "-1001");
     EXPECT_GE(clock.now(), 60);
 }
 
 TEST(NSURLConnectionTest, RefusesWhatItCannotLoad) {
     AutoreleasePool pool;
-    int port = 0;
-    {
-        LoopbackServer server([](Call&) {});
-        port = server.port();
-    }
-    const std::string gone = "127.0.0.1:" + std::to_string(port);
-    for (auto [url, code] :
-         {std::pair{"http://" + gone, "-1004"}, {"file:///etc/hostname", "-1002"}, {"a/b", "-1002"}}) {
-        EXPECT_EQ(loaded(NSURLRequest::requestWithURL(urlOf(url))), code);
-        EXPECT_EQ(recorder()->load(NSURLRequest::requestWithURL(urlOf(url))), code);
+    const std::string gone = LoopbackServer([](Call&) {}).url();
+    for (auto [url, code] : {std::pair{gone, "-1004"}, {"file:///etc/hostname", "-1002"}, {"a/b", "-1002"}}) {
+        EXPECT_EQ(loaded(requestOf(url)), code);
+        EXPECT_EQ(make<LoadRecorder>()->load(requestOf(url)), code);
     }
     EXPECT_EQ(loaded(NSURLRequest::requestWithURL(nullptr)), "-1000");
     EXPECT_EQ(loaded(NSURLRequest::requestWithURL_cachePolicy_timeoutInterval(
-                  urlOf("http://" + gone), NSURLRequestReturnCacheDataDontLoad, 1)),
+                  urlOf(gone), NSURLRequestReturnCacheDataDontLoad, 1)),
               "-1008");
     LoopbackServer plain([](Call& call) { call.answer(""); });
-    EXPECT_EQ(loaded(NSURLRequest::requestWithURL(urlOf("https" + plain.url().substr(4)))), "-1200");
+    EXPECT_EQ(loaded(requestOf("https" + plain.url().substr(4))), "-1200");
     EXPECT_EQ(RAISED(NSURLConnection::connectionWithRequest_delegate(nullptr, nullptr)),
               "NSInvalidArgumentException: connectionWithRequest:delegate: the request is null");
     EXPECT_EQ(shown(NSURLConnection::canHandleRequest(nullptr),
-                    NSURLConnection::canHandleRequest(NSURLRequest::requestWithURL(urlOf("HTTPS://h/")))),
+                    NSURLConnection::canHandleRequest(requestOf("HTTPS://h/"))),
               "0 1");
 }
 
@@ -311,8 +277,7 @@ TEST(NSURLConnectionTest, TrustsNoServerThatVouchesForItself) {
         ::popen(("python3 " PELVOR_TEST_SOURCES "/secure-server.py " + folder.path("")).c_str(), "re");
     int port = 0;
     if (std::fscanf(server, "%d", &port) == 1) {
-        NSURL* url = urlOf("https://127.0.0.1:" + std::to_string(port));
-        EXPECT_EQ(loaded(NSURLRequest::requestWithURL(url)), "-1202");
+        EXPECT_EQ(loaded(requestOf("https://127.0.0.1:" + std::to_string(port))), "-1202");
     }
     ::pclose(server);
     if (!port) GTEST_SKIP() << "openssl is not installed";
@@ -324,43 +289,39 @@ TEST(NSURLErrorTest, TellsTheReasonInWords) {
     EXPECT_EQ(shown(NSURLError::create(NSURLErrorUnknown, "rare")->localizedReason()), "rare");
 }
 
+// Each form reads the same, and only the dictionary and the array look into what they read.
+std::string readAs(const std::string& form, const std::string& text) {
+    NSURL* url = urlOf(text);
+    if (form == "array") return shown(NSArray_URLContents::arrayWithContentsOfURL(url));
+    if (form == "data") return textOf(NSData_URLContents::dataWithContentsOfURL(url));
+    if (form == "string")
+        return shown(NSString_URLContents::stringWithContentsOfURL_encoding(url, NSUTF8StringEncoding));
+    NSString* reason = nullptr;
+    NSDictionary* dictionary = NSDictionary_URLContents::dictionaryWithContentsOfURL_reason(url, &reason);
+    EXPECT_EQ(shown(NSDictionary_URLContents::dictionaryWithContentsOfURL(url)), shown(dictionary));
+    return shown(dictionary, reason);
+}
+
 TEST(NSURLContentsTest, ReadsObjectsFromServersAndFiles) {
     AutoreleasePool pool;
-    const std::string list = "{lamp = on;}", array = "(1, 2)";
-    LoopbackServer server([&](Call& call) {
-        if (call.target() == "/list") return call.answer(list);
-        if (call.target() == "/array") return call.answer(array);
-        call.send("HTTP/1.0 500 Broken\r\n\r\n" + list);
-    });
     TemporaryFolder folder;
-    folder.write("list", list);
-    folder.write("array", array);
-    const std::string file = shown(NSURL::fileURLWithPath(NSString::ofUTF8(folder.path(""))));
-    for (const std::string& root :
-         {server.url(""), file.substr(0, file.size() - 1), "file://localhost" + folder.path().string()}) {
-        NSDictionary* dictionary =
-            NSDictionary_URLContents::dictionaryWithContentsOfURL(urlOf(root + "/list"));
-        EXPECT_EQ(shown(dictionary), shown(NSDictionary::of({{u"lamp"_ns, u"on"_ns}}))) << root;
-        EXPECT_EQ(shown(NSArray_URLContents::arrayWithContentsOfURL(urlOf(root + "/array"))),
-                  shown(NSArray::of({u"1"_ns, u"2"_ns})));
-        EXPECT_EQ(textOf(NSData_URLContents::dataWithContentsOfURL(urlOf(root + "/list"))), list);
-        EXPECT_EQ(shown(NSString_URLContents::stringWithContentsOfURL_encoding(urlOf(root + "/list"),
-                                                                               NSUTF8StringEncoding)),
-                  list);
-        EXPECT_EQ(NSArray_URLContents::arrayWithContentsOfURL(urlOf(root + "/list")), nullptr);
-        EXPECT_EQ(NSData_URLContents::dataWithContentsOfURL(urlOf(root + "/none")), nullptr);
-        expectAll(
-            {"/none -> " + std::string(root.starts_with("file") ? "the file does not exist"
-                                                                : "the server answered with the status 500"),
-             "/array -> the answer cannot be understood", "/list -> null"},
-            [&](const std::string& name) {
-                NSString* reason = nullptr;
-                NSDictionary_URLContents::dictionaryWithContentsOfURL_reason(urlOf(root + name), &reason);
-                return reason ? shown(reason) : "null";
-            });
-    }
-    EXPECT_EQ(NSData_URLContents::dataWithContentsOfURL(urlOf("file://elsewhere" + folder.path("list"))),
-              nullptr);
+    folder.write("list", "{lamp = on;}"), folder.write("array", "(1, 2)");
+    LoopbackServer server([&](Call& call) {
+        if (call.target() != "/none") return call.answer(folder.read(call.target().substr(1)));
+        call.send("HTTP/1.0 500 Broken\r\n\r\n{lamp = on;}");
+    });
+    const std::string file = shown(NSURL::fileURLWithPath(NSString::ofUTF8(folder.path().string())));
+    for (const std::string& root : {server.url(""), file, "file://localhost" + folder.path().string()})
+        expectAll({"dictionary /list -> {\n    lamp = on;\n} (null)", "array /array -> (\n    1,\n    2\n)",
+                   "data /list -> {lamp = on;}", "string /list -> {lamp = on;}", "array /list -> (null)",
+                   "data /none -> (null)", "dictionary /array -> (null) the answer cannot be understood",
+                   root[0] == 'f' ? "dictionary /none -> (null) the file does not exist"
+                                  : "dictionary /none -> (null) the server answered with the status 500"},
+                  [&](const std::string& row) {
+                      const std::size_t blank = row.find(' ');
+                      return readAs(row.substr(0, blank), root + row.substr(blank + 1));
+                  });
+    EXPECT_EQ(readAs("data", "file://elsewhere" + folder.path("list")), "(null)");
     EXPECT_EQ(NSDictionary_URLContents::dictionaryWithContentsOfURL(nullptr), nullptr);
 }
 

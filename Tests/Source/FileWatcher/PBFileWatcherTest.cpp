@@ -12,19 +12,15 @@
 namespace {
 
 struct PBFileWatcherTest : WatcherTest {
-    PBFileWatcherTest() { start(); }
+    PBFileWatcherTest() { watcher->setDelegate(witness); }
     ~PBFileWatcherTest() override {
         watcher = nullptr;
         awaitEndOfThreads(atFirst);
     }
-    void start() {
-        watcher = PBFileWatcher::init();
-        watcher->setDelegate(witness);
-    }
     void watch(const std::string& name, std::uint32_t actions = ~0u) {
         watcher->addFileAtPath_actions(path(name), actions);
     }
-    Retained<PBFileWatcher> watcher;
+    Retained<PBFileWatcher> watcher = PBFileWatcher::init();
 };
 
 TEST_F(PBFileWatcherTest, TellsTheActionsThatItWasAskedFor) {
@@ -58,7 +54,8 @@ TEST_F(PBFileWatcherTest, BearsWhatItsDelegateDoes) {
             reports += report + ",";
             if (report == "2 f") deed();
         };
-        start();
+        watcher = PBFileWatcher::init();
+        watcher->setDelegate(witness);
         watch("f"), watch("end", PBFileWasWritten);
         sh("echo >>f");
         runUntil([&] { return !reports.empty(); });
@@ -91,27 +88,23 @@ TEST_F(PBFileWatcherTest, SeesTenThousandSavesInFourStyles) {
     // In place; renamed over, where the new file may be watched while it takes the name; deleted and made;
     // exchanged.
     const char* const allowed[] = {" 2 16 ", " 1 4 32 ", " 2 4 16 32 ", " 1 4 32 "};
-    const std::string names[] = {"0", "1", "2", "3"};
     std::set<std::string> finished;
-    const auto watchAgain = [&](const std::string& name) {
-        watcher->removeFileAtPath(path(name)), watch(name);
-    };
     witness->reaction = [&](const std::string& report) {
         const std::string action = report.substr(0, report.find(' '));
         const bool isOfFolder = report.ends_with('.');
         const std::string name = isOfFolder ? "2" : report.substr(action.size() + 1);
-        if (isOfFolder || action == "1" || action == "4") watchAgain(name);
+        if (isOfFolder || action == "1" || action == "4") watcher->removeFileAtPath(path(name)), watch(name);
         EXPECT_THAT(isOfFolder ? " 2 " : allowed[std::stoi(name)], HasSubstr(" " + action + " ")) << name;
         if (folder.read(name) == "last") finished.insert(name);
     };
     sh("touch 0 1 2 3");
-    for (const std::string& name : names) watch(name);
+    for (const char* name : {"0", "1", "2", "3"}) watch(name);
     watch(".", PBFileWasWritten);
     sh("echo >0");
     runUntil("2 0");
     const auto before = descriptors();
     for (int style = 0; style < 4; ++style)
-        if (fork() == 0) save(folder.path(names[style]), style, 2'500);
+        if (fork() == 0) save(folder.path(std::to_string(style)), style, 2'500);
     runUntil([&] { return finished.size() == 4; });
     for (int status, left = 4; left > 0; --left) {
         wait(&status);
