@@ -311,7 +311,7 @@ PixelRect XWindow::frameExtents(bool hasManager) {
 // MARK: Painting
 
 const BackendImage* XWindow::beginPaint() {
-    if (!_isFrameOpen && _image.isBeingRead()) {
+    if (!_isFrameOpen && _image.isBeingRead() && !_connection.isLost()) {
         _isAwaited = true;
         return nullptr;
     }

@@ -5,6 +5,10 @@
 
 #include "BackendDriver.h"
 
+// The name of the file with permissions is kept in one place for all threads; one that waits for a server
+// that has stopped, which only tests leave behind and go on, has written to it.
+extern "C" const char* __tsan_default_suppressions() { return "race:XauFileName"; }
+
 namespace {
 
 using XCBWindowTest = XCBTest;
@@ -77,9 +81,9 @@ TEST_P(XCBManagedWindowTest, FillsScreensAndComesBack) {
 
     change(&WindowChanges::isZoomed, yes);
     EXPECT_TRUE(driver.until([&] {
-        return driver.frames[window].width > 1200 && std::ranges::any_of(driver.heard, [](const std::string& text) {
-                   return text.ends_with(" zoomed");
-               });
+        return driver.frames[window].width > 1200 &&
+               std::ranges::any_of(driver.heard,
+                                   [](const std::string& text) { return text.ends_with(" zoomed"); });
     }));
     change(&WindowChanges::isZoomed, no);
     EXPECT_TRUE(driver.untilHeard("configured 1 200,150 300x200"));
@@ -151,6 +155,9 @@ TEST_F(XCBWindowTest, OutlivesItsDisplay) {
     BackendDriver driver;
     const BackendWindow window = driver.openWindow({0, 0, 300, 200}, 0x336699);
     ASSERT_TRUE(driver.until([&] { return server.pixel(5, 5) == 0x336699; }));
+    ASSERT_TRUE(driver.until([&] { return driver.backend->beginPaint(window) != nullptr; }));
+    ::kill(server.server().pid(), SIGSTOP);
+    driver.paint(window, 0x445566);  // is never read
     server.server().end(SIGKILL);
     EXPECT_TRUE(driver.until([&] { return driver.count("lost: ") == 1; }));
     EXPECT_FALSE(driver.backend->hasDisplay());
