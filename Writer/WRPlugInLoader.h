@@ -14,7 +14,7 @@ class NSMutableSet;
 /// The bundles "*.bundle" of one folder, in the order of their names. For a bundle that cannot be loaded,
 /// the platform's log gets one line with the bundle, the stage of loading and the reason, and the other
 /// bundles are loaded. No bundle is ever unloaded. Main thread.
-class WRPlugInLoader : public NSObject {
+class PELVOR_EXPORT WRPlugInLoader : public NSObject {
     PELVOR_CLASS(WRPlugInLoader, NSObject);
     PELVOR_CREATORS(initWithFolder);
 

@@ -14,6 +14,8 @@
 
 namespace pelvor {
 
+NSString* const NSHyphenationPatternsDidLoadNotification = u"NSHyphenationPatternsDidLoadNotification"_ns;
+
 PELVOR_DEFINE_CLASS(NSLayoutManager, textLibrary) {
     methods.creator<"init", &NSLayoutManager::init>();
     methods.creatorAs<"new", &NSLayoutManager::init>();
@@ -38,6 +40,8 @@ PELVOR_DEFINE_CLASS(NSLayoutManager, textLibrary) {
     methods.instance<"invalidateDisplayForGlyphRange:", &NSLayoutManager::invalidateDisplayForGlyphRange>();
     methods.instance<"usesScreenFonts", &NSLayoutManager::usesScreenFonts>();
     methods.instance<"setUsesScreenFonts:", &NSLayoutManager::setUsesScreenFonts>();
+    methods.instance<"waitsForHyphenation", &NSLayoutManager::waitsForHyphenation>();
+    methods.instance<"setWaitsForHyphenation:", &NSLayoutManager::setWaitsForHyphenation>();
     methods.instance<"hyphenationFactor", &NSLayoutManager::hyphenationFactor>();
     methods.instance<"setHyphenationFactor:", &NSLayoutManager::setHyphenationFactor>();
     methods.instance<"usesFontLeading", &NSLayoutManager::usesFontLeading>();
@@ -265,6 +269,12 @@ void NSLayoutManager::invalidateDisplayForCharacterRange(NSRange range) {
 bool NSLayoutManager::usesScreenFonts() { return _state->usesScreenFonts; }
 
 void NSLayoutManager::setUsesScreenFonts(bool uses) { _state->usesScreenFonts = uses; }
+
+bool NSLayoutManager::waitsForHyphenation() { return _state->tools.boundaries.waitsForPatterns; }
+
+void NSLayoutManager::setWaitsForHyphenation(bool waits) {
+    _state->tools.boundaries.waitsForPatterns = waits;
+}
 
 float NSLayoutManager::hyphenationFactor() { return _state->hyphenationFactor; }
 

@@ -26,6 +26,10 @@ struct LaidLine {
     bool isRightToLeft = false;
 };
 
+/// Posted on the main thread when hyphenation patterns have been read that a layout manager did not wait for,
+/// with the language's name, an NSString, as object.
+extern PELVOR_EXPORT NSString* const NSHyphenationPatternsDidLoadNotification;
+
 /// What stands for units that have no glyph of their own.
 inline constexpr NSGlyph NSNullGlyph = 0;
 /// What stands for tabs, line ends and other characters that show nothing.
@@ -129,6 +133,12 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     /// As NSParagraphStyle's; 0 unless it is set. Holds for paragraphs whose own factor is 0.
     float hyphenationFactor();
     void setHyphenationFactor(float factor);
+    /// Whether layout waits while the hyphenation patterns of a language are read for the first time, which
+    /// takes seconds for some languages; true unless it is set. Otherwise words are not divided until the
+    /// patterns are there. The program then hears of NSHyphenationPatternsDidLoadNotification and invalidates
+    /// what it wants to be laid out anew.
+    bool waitsForHyphenation();
+    void setWaitsForHyphenation(bool waits);
     /// Whether the font's leading counts to the height of lines; true unless it is set.
     bool usesFontLeading();
     void setUsesFontLeading(bool uses);

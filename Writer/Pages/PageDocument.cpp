@@ -87,10 +87,24 @@ PageDocument::PageDocument(NSAttributedString* text, NSDictionary* settings)
     _pagination.emplace(_storage, _layoutManager, NSSize{_frame.width(), _frame.height()});
 }
 
+PageDocument::~PageDocument() = default;
+
 bool PageDocument::hasRoom() const { return _frame.width() >= kLeastRoom && _frame.height() >= kLeastRoom; }
 
 void PageDocument::findPages(NSUInteger count) {
     if (_pagination) _pagination->findPages(count);
+}
+
+void PageDocument::findPagesAgain() {
+    if (!_pagination) return;
+    const auto count = static_cast<NSUInteger>(pages().size());
+    _pagination.reset();
+    while (const NSUInteger left = _layoutManager->textContainers()->count())
+        _layoutManager->removeTextContainerAtIndex(left - 1);
+    _layoutManager->invalidateLayoutForCharacterRange_isSoft_actualCharacterRange({0, _storage->length()},
+                                                                                  false, nullptr);
+    _pagination.emplace(_storage, _layoutManager, NSSize{_frame.width(), _frame.height()});
+    findPages(count);
 }
 
 NSUInteger PageDocument::pageCount() {

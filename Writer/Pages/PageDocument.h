@@ -35,6 +35,8 @@ class PELVOR_EXPORT PageDocument {
     /// The settings are those of PlugInProtocol.h. Headers and footers that are higher than their margins
     /// take from the room of the text.
     PageDocument(NSAttributedString* text, NSDictionary* settings);
+    ~PageDocument();
+    PageDocument(const PageDocument&) = delete;
 
     /// Whether the margins leave room for text. Without it there are no pages.
     bool hasRoom() const;
@@ -47,6 +49,8 @@ class PELVOR_EXPORT PageDocument {
     void findPages(NSUInteger count);
     const PageFrame& frame() const { return _frame; }
 
+    /// Forgets all pages, and finds as many again: for when layout gives other lines than before.
+    void findPagesAgain();
     /// Draws a page that was found into the current graphics context. Where a header or footer has the number
     /// of pages, it is that of the pages found so far.
     void drawPage(NSUInteger index);

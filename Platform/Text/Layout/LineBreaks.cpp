@@ -8,10 +8,16 @@
 
 #include <algorithm>
 #include <cctype>
+#include <condition_variable>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <thread>
+
+#include "Foundation/NSNotificationCenter.h"
+#include "Foundation/NSRunLoop.h"
+#include "Text/NSLayoutManager.h"
 
 namespace pelvor {
 
@@ -120,17 +126,61 @@ std::string patternFile(std::string language) {
     return first.empty() ? first : std::string(std::filesystem::path(kPatternFolder) / first);
 }
 
-// The patterns of a language, or null; they live as long as the process.
-HyphenDict* patternsFor(const std::string& language) {
-    static std::mutex mutex;
-    static std::unordered_map<std::string, std::unique_ptr<HyphenDict, PatternDeleter>> all;
-    std::lock_guard guard(mutex);
-    auto [place, isNew] = all.try_emplace(language);
-    if (isNew)
-        if (std::string file = patternFile(language); !file.empty())
-            place->second.reset(hnj_hyphen_load(file.c_str()));
-    return place->second.get();
-}
+// The patterns of all languages that were asked for. They live as long as the process, and so does this
+// object, since a thread may read patterns when the process ends.
+class PatternShelf {
+  public:
+    static PatternShelf& shared() {
+        static auto* const shelf = new PatternShelf;
+        return *shelf;
+    }
+
+    // The patterns of a language; null if there are none, or if they are not read yet and the caller does not
+    // wait.
+    HyphenDict* patternsFor(const std::string& language, bool waits) {
+        std::unique_lock guard(_mutex);
+        auto [place, isNew] = _all.try_emplace(language);
+        Patterns& patterns = place->second;  // stays where it is
+        if (isNew) {
+            patterns.file = patternFile(language);
+            patterns.isRead = patterns.file.empty();
+            if (!patterns.isRead)
+                std::thread([this, language, &patterns] { read(language, patterns); }).detach();
+        }
+        if (waits) _isOneRead.wait(guard, [&] { return patterns.isRead; });
+        patterns.isMissed |= !patterns.isRead;
+        return patterns.isRead ? patterns.content.get() : nullptr;
+    }
+
+  private:
+    struct Patterns {
+        std::string file;
+        std::unique_ptr<HyphenDict, PatternDeleter> content;
+        bool isRead = false;
+        bool isMissed = false;  // somebody did not wait
+    };
+
+    void read(const std::string& language, Patterns& patterns) {
+        std::unique_ptr<HyphenDict, PatternDeleter> content(hnj_hyphen_load(patterns.file.c_str()));
+        std::unique_lock guard(_mutex);
+        patterns.content = std::move(content);
+        patterns.isRead = true;
+        const bool isMissed = patterns.isMissed;
+        guard.unlock();
+        _isOneRead.notify_all();
+        if (isMissed)
+            NSRunLoop::mainRunLoop()->perform(
+                [language] {
+                    NSNotificationCenter::defaultCenter()->postNotificationName_object(
+                        NSHyphenationPatternsDidLoadNotification, NSString::ofUTF8(language));
+                },
+                nullptr);
+    }
+
+    std::mutex _mutex;
+    std::condition_variable _isOneRead;
+    std::unordered_map<std::string, Patterns> _all;
+};
 
 // The word in small letters and the encoding of the patterns; empty if it does not fit.
 std::string encodedWord(std::u16string_view word, const HyphenDict* patterns) {
@@ -154,7 +204,9 @@ std::vector<std::uint32_t> Boundaries::hyphenationPoints(std::u16string_view wor
                                                          const std::string& language) {
     constexpr std::size_t kLongestWord = 100;
     std::vector<std::uint32_t> points;
-    HyphenDict* patterns = language.empty() || word.size() > kLongestWord ? nullptr : patternsFor(language);
+    HyphenDict* patterns = language.empty() || word.size() > kLongestWord
+                               ? nullptr
+                               : PatternShelf::shared().patternsFor(language, waitsForPatterns);
     if (!patterns) return points;
     const std::string bytes = encodedWord(word, patterns);
     if (bytes.empty()) return points;

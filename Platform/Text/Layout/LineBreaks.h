@@ -34,8 +34,12 @@ class Boundaries {
     NSUInteger characterEnd(std::u16string_view text, NSUInteger unit);
 
     /// Where the word may be divided, as ascending numbers of its units; nowhere if the language has no
-    /// patterns.
+    /// patterns, or if they are still being read and `waitsForPatterns` is false.
     std::vector<std::uint32_t> hyphenationPoints(std::u16string_view word, const std::string& language);
+
+    /// Whether to wait while the patterns of a language are read for the first time. Otherwise another thread
+    /// reads them, and the main thread posts NSHyphenationPatternsDidLoadNotification afterwards.
+    bool waitsForPatterns = true;
 
   private:
     UBreakIterator* lineIterator(const std::string& language);

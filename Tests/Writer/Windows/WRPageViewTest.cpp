@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/Windows/WRPageView.h"
+
+#include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSMutableString.h"
+#include "Interface/NSClipView.h"
+#include "Interface/NSScrollView.h"
+#include "Interface/NSScroller.h"
+#include "InterfaceScope.h"
+#include "NSView-PelvorAdditions.h"
+#include "Writer/PlugInProtocol.h"
+#include "Writer/Windows/WRZoomView.h"
+#include "Writer/Windows/WindowsLibrary.h"
+
+namespace {
+
+constexpr float kPaper = 200, kMargin = 20;
+
+NSDictionary* settingsWithMargin(float margin) {
+    auto* settings = NSMutableDictionary::dictionary();
+    for (NSString* key : {WRPageWidthKey, WRPageHeightKey})
+        settings->setObject_forKey(NSNumber::numberWithFloat(kPaper), key);
+    for (NSString* key : {WRLeftMarginKey, WRRightMarginKey, WRTopMarginKey, WRBottomMarginKey})
+        settings->setObject_forKey(NSNumber::numberWithFloat(margin), key);
+    return settings;
+}
+
+// A text of so many lines, each of which is a number.
+Retained<NSAttributedString> linesOf(unsigned count) {
+    auto text = NSMutableString::init();
+    for (unsigned i = 0; i < count; ++i) text->appendFormat(u"%u\n"_ns, i);
+    return NSAttributedString::initWithString(text);
+}
+
+class PageViewTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        registerLibrary(windowsLibrary);
+        window = screen.window({{100, 100}, {300, 300}});
+        scrollView = NSScrollView::initWithFrame({{0, 0}, {300, 300}});
+        scrollView->setHasVerticalScroller(true);
+        window->setContentView(scrollView);
+        view = WRPageView::create(linesOf(500).get(), settingsWithMargin(kMargin));
+        zoomView = WRZoomView::create(view);
+        scrollView->setDocumentView(zoomView);
+    }
+    void findAllPages() {
+        while (!view->isComplete()) screen.turn();
+    }
+
+    InterfaceScope screen;
+    Retained<NSWindow> window;
+    Retained<NSScrollView> scrollView;
+    Retained<WRPageView> view;
+    Retained<WRZoomView> zoomView;
+};
+
+TEST_F(PageViewTest, FindsPagesWhenNothingElseIsToBeDone) {
+    EXPECT_EQ(view->pageCount(), 1u);
+    EXPECT_FALSE(view->isComplete());
+    findAllPages();
+    const NSUInteger count = view->pageCount();
+    EXPECT_GT(count, 30u);
+    const NSRect last = view->frameOfPage(count - 1);
+    EXPECT_GT(NSMaxY(view->frame()), NSMaxY(last));
+    EXPECT_LT(NSMaxY(view->frame()), NSMaxY(last) + kPaper);
+    for (NSUInteger page : {NSUInteger{0}, count / 2, count - 1})
+        EXPECT_EQ(view->pageAtHeight(NSMidY(view->frameOfPage(page))), page);
+    EXPECT_EQ(view->pageAtHeight(-100), 0u);
+    EXPECT_EQ(view->pageAtHeight(1e7F), count - 1);
+    EXPECT_FALSE(WRPageView::create(linesOf(1).get(), settingsWithMargin(kPaper / 2)));
+}
+
+TEST_F(PageViewTest, SelectsOnEveryPage) {
+    findAllPages();
+    const NSRect page = view->frameOfPage(2);
+    view->scrollPoint({0, page.origin.y});
+    screen.turn();
+    screen.click(view, {page.origin.x + kMargin + 2, page.origin.y + kMargin + 8}, 2);
+    const NSRange word = view->selectedRange();
+    const NSRect shown = view->rectForCharacterRange(word);
+    EXPECT_GT(word.length, 1u);
+    EXPECT_TRUE(NSContainsRect(NSInsetRect(page, kMargin - 1, kMargin - 1), shown)) << shown;
+    screen.press(u'a', NSCommandKeyMask);
+    send(view.get(), "selectAll:"_sel, static_cast<id>(nullptr));
+    EXPECT_EQ(view->selectedRange(), (NSRange{0, view->string()->length()}));
+}
+
+// The lines may be other ones when the words of a language can be divided.
+TEST_F(PageViewTest, SetsPagesAgainWhenHyphenationCanBeUsed) {
+    findAllPages();
+    const NSUInteger count = view->pageCount();
+    view->setSelectedRange({100, 3});
+    NSNotificationCenter::defaultCenter()->postNotificationName_object(
+        NSHyphenationPatternsDidLoadNotification, u"de"_ns);
+    EXPECT_EQ(view->pageCount(), count);
+    findAllPages();
+    screen.turn();
+    EXPECT_EQ(view->selectedRange(), (NSRange{100, 3}));
+    EXPECT_GT(view->rectForCharacterRange({100, 3}).size.width, 0);
+}
+
+TEST_F(PageViewTest, IsShownLargerAndSmaller) {
+    findAllPages();
+    EXPECT_EQ(zoomFactor(view), 1.0);
+    view->scrollPoint({0, 1000});
+    const float middle = NSMidY(view->visibleRect());
+    zoomView->setZoom(2);
+    EXPECT_EQ(zoomFactor(view), 2.0);
+    EXPECT_NEAR(NSMidY(view->visibleRect()), middle, 1);
+    EXPECT_NEAR(NSHeight(view->visibleRect()), 150, 10);
+    zoomView->setZoom(0);
+    EXPECT_EQ(zoomView->zoom(), 0.1);
+    // In the middle of the room that is left.
+    const NSRect frame = view->convertRect_toView(view->bounds(), scrollView->contentView());
+    EXPECT_NEAR(NSMidX(frame), NSMidX(scrollView->contentView()->bounds()), 1);
+}
+
+}  // namespace

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+// Tests of Writer as somebody with keys and a mouse finds it on an X server.
+#include <sys/wait.h>
+
+#include <chrono>
+#include <thread>
+
+#include "Prelude.h"
+#include "ProgramOutput.h"
+#include "XServerScope.h"
+
+namespace {
+
+constexpr int kA = 30, kC = 46, kQ = 16, kControl = 29;  // as BackendKey::code
+
+class WriterWindowsTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        if (!XServerScope::isPossible()) GTEST_SKIP() << "there is no Xvfb";
+        if (outputOf("command -v xdotool xclip").status != 0)
+            GTEST_SKIP() << "there is no xdotool or no xclip";
+        server.emplace(XServerScope::Manager::openbox);
+    }
+    void pressWithControl(int code) {
+        server->key(kControl, true);
+        server->press(code);
+        server->key(kControl, false);
+    }
+    // Asks again and again, for some seconds.
+    template <class Condition>
+    [[nodiscard]] static bool until(Condition condition) {
+        for (int i = 0; i < 100; ++i) {
+            if (condition()) return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        }
+        return false;
+    }
+
+    std::optional<XServerScope> server;
+};
+
+TEST_F(WriterWindowsTest, ShowsADocumentToReadAndCopy) {
+    ProgramScope writer({WRITER_PROGRAM, WRITER_SAMPLE});
+    int x = 0, y = 0;
+    ASSERT_TRUE(until([&] {
+        const ProgramOutput place = outputOf(
+            "eval $(xdotool search --onlyvisible --name Sample.rtf getwindowgeometry --shell 2>/dev/null) && "
+            "echo $((X + WIDTH / 2)) $((Y + HEIGHT / 2))");
+        return std::sscanf(place.text.c_str(), "%d %d", &x, &y) == 2 && x > 0;
+    }));
+    EXPECT_TRUE(until([&] {
+        server->click(x, y);
+        pressWithControl(kA);
+        pressWithControl(kC);
+        return outputOf("timeout 2 xclip -o -selection clipboard 2>/dev/null")
+            .text.starts_with("The Compositor");
+    }));
+    pressWithControl(kQ);
+    int status = -1;
+    EXPECT_TRUE(until([&] { return waitpid(writer.pid(), &status, WNOHANG) == writer.pid(); }));
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+}
+
+TEST_F(WriterWindowsTest, WorksWithoutWindowsWhereItIsTold) {
+    const ProgramOutput output = outputOf(std::string(WRITER_PROGRAM) + " --screenless " + WRITER_SAMPLE);
+    EXPECT_EQ(output.status, 0);
+    EXPECT_NE(output.text.find("The Compositor"), output.text.npos);
+}
+
+}  // namespace

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/Windows/WRDesktop.h"
+
+#include "Foundation/NSBundle.h"
+#include "Foundation/NSLog.h"
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSNib.h"
+#include "Foundation/NSNotificationCenter.h"
+#include "Interface/NSAlert.h"
+#include "Interface/NSApplication.h"
+#include "Interface/NSMenu.h"
+#include "Menus/NSMenuItem-PelvorAdditions.h"
+#include "NSBundle-PelvorAdditions.h"
+#include "PBProfileKeys.h"
+#include "PBRegistry.h"
+#include "PBUtil.h"
+#include "Runtime/Registry.h"
+#include "Writer/LocalizedText.h"
+#include "Writer/ProfileChoice.h"
+#include "Writer/Shortcuts/WRShortcutMatcher.h"
+#include "Writer/WRAbout.h"
+#include "Writer/WRDocument.h"
+#include "Writer/Windows/WRDocumentWindow.h"
+#include "Writer/Windows/WRProfilesPanel.h"
+#include "Writer/Windows/WindowsLibrary.h"
+
+namespace pelvor {
+namespace {
+
+// Shortcuts of several keys, which an interface file has no text for.
+struct ActionShortcut {
+    SEL action;
+    NSString* keys;
+};
+const ActionShortcut kShortcuts[] = {
+    {"showNextPage:"_sel, u"Ctrl+K N"_ns},
+    {"showPreviousPage:"_sel, u"Ctrl+K P"_ns},
+    {"orderFrontProfiles:"_sel, u"Ctrl+K L"_ns},
+};
+
+NSMenuItem* itemWithActionIn(NSMenu* menu, SEL action) {
+    for (const auto& item : menu->items()) {
+        if (item->action() == action) return item;
+        if (NSMenu* submenu = item->submenu())
+            if (NSMenuItem* found = itemWithActionIn(submenu, action)) return found;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
+    methods.creator<"init", &WRDesktop::init>();
+    methods.instance<"hasDisplay", &WRDesktop::hasDisplay>();
+    methods.instance<"showDocument:options:", &WRDesktop::showDocument_options>();
+    methods.instance<"run", &WRDesktop::run>();
+    methods.instance<"setMainMenu:", &WRDesktop::setMainMenu>();
+    methods.instance<"setServicesMenu:", &WRDesktop::setServicesMenu>();
+    methods.instance<"profilesDidChange:", &WRDesktop::profilesDidChange>();
+    methods.instance<"windowDidClose:", &WRDesktop::windowDidClose>();
+    methods.instance<"orderFrontAbout:", &WRDesktop::orderFrontAbout>();
+    methods.instance<"orderFrontProfiles:", &WRDesktop::orderFrontProfiles>();
+    methods.instance<"applicationShouldTerminateAfterLastWindowClosed:",
+                     &WRDesktop::applicationShouldTerminateAfterLastWindowClosed>();
+}
+
+Retained<WRDesktop> WRDesktop::init(Class* cls) {
+    auto self = make<WRDesktop>(cls);
+    self->_windows = NSMutableArray::init();
+    return self;
+}
+
+WRDesktop::~WRDesktop() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
+
+bool WRDesktop::hasDisplay() { return NSApplication::sharedApplication()->hasDisplay(); }
+
+NSString* WRDesktop::showDocument_options(id document, NSDictionary* options) {
+    NSString* problem = nullptr;
+    auto* wanted = cast<WRDocument>(document);
+    auto window = wanted ? WRDocumentWindow::create(wanted, options, &problem) : nullptr;
+    if (!window) return problem;
+    if (!_mainMenu) makeMenus();
+    _windows->addObject(window);
+    window->show();
+    return nullptr;
+}
+
+void WRDesktop::run() {
+    NSApplication* application = NSApplication::sharedApplication();
+    application->setDelegate(this);
+    application->setTerminatesProcess(false);
+    application->run();
+    application->setDelegate(nullptr);
+}
+
+void WRDesktop::windowDidClose(WRDocumentWindow* window) { _windows->removeObjectIdenticalTo(window); }
+
+// MARK: Menus
+
+void WRDesktop::makeMenus() {
+    auto nib = NSNib::initWithNibNamed_bundle(u"MainMenu"_ns, NSBundle::bundleForClass(classObject()));
+    NSArray* objects = nullptr;
+    if (!nib || !nib->instantiateNibWithOwner_topLevelObjects(this, &objects)) return;
+    _nibObjects.set(objects);
+    for (const auto& [action, keys] : kShortcuts)
+        if (NSMenuItem* item = itemWithActionIn(_mainMenu, action))
+            setPelvorShortcut(item, WRShortcut::shortcutWithText(keys));
+    for (id conflict : WRShortcutMatcher::sharedMatcher()->conflictsInMenu(_mainMenu))
+        NSLog(u"%@"_ns, conflict);
+    NSApplication::sharedApplication()->setMainMenu(_mainMenu);
+    NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
+        this, "profilesDidChange:"_sel, PBProfilesDidChangeNotification, PBRegistry::sharedRegistry());
+    fillServicesMenu();
+}
+
+void WRDesktop::setMainMenu(NSMenu* menu) { _mainMenu.set(menu); }
+void WRDesktop::setServicesMenu(NSMenu* menu) { _servicesMenu.set(menu); }
+
+void WRDesktop::profilesDidChange(NSNotification*) { fillServicesMenu(); }
+
+void WRDesktop::fillServicesMenu() {
+    if (!_servicesMenu) return;
+    _servicesMenu->removeAllItems();
+    for (id profile :
+         profilesInOrder(PBRegistry::sharedRegistry()->profilesOfType(PBProfileDocumentServiceType))) {
+        NSMenuItem* item = _servicesMenu->addItemWithTitle_action_keyEquivalent(
+            nameOfProfile(static_cast<PBProfile*>(profile)), "askService:"_sel, u""_ns);
+        item->setRepresentedObject(profile);
+    }
+}
+
+void WRDesktop::orderFrontProfiles(id) {
+    if (!_profilesPanel) _profilesPanel = WRProfilesPanel::init();
+    _profilesPanel->show();
+}
+
+void WRDesktop::orderFrontAbout(id) {
+    NSString* text = make<WRAbout>()->text();
+    NSRunAlertPanel(localized(u"_About Writer"_ns), u"%@"_ns, nullptr, nullptr, nullptr,
+                    text ? text : u""_ns);
+}
+
+}  // namespace pelvor

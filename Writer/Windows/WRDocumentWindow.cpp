@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/Windows/WRDocumentWindow.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "Foundation/NSDictionary.h"
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableString.h"
+#include "Foundation/NSNotificationCenter.h"
+#include "Interface/NSAlert.h"
+#include "Interface/NSApplication.h"
+#include "Interface/NSClipView.h"
+#include "Interface/NSControl.h"
+#include "Interface/NSMenuItem.h"
+#include "Interface/NSScreen.h"
+#include "Interface/NSScrollView.h"
+#include "Interface/NSScroller.h"
+#include "Interface/NSTextFieldCell.h"
+#include "Interface/NSWindow.h"
+#include "Writer/LocalizedText.h"
+#include "Writer/Pages/StyledDocument.h"
+#include "Writer/PlugInObjects.h"
+#include "Writer/PlugInProtocol.h"
+#include "Writer/ProfileChoice.h"
+#include "Writer/WRDocument.h"
+#include "Writer/Windows/WRDesktop.h"
+#include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRZoomView.h"
+#include "Writer/Windows/WindowsLibrary.h"
+
+namespace pelvor {
+namespace {
+
+constexpr float kStatusHeight = 24;
+constexpr double kZooms[] = {0.1, 0.25, 0.5, 0.75, 1, 1.25, 1.5, 2, 3, 4, 6, 8};
+constexpr NSSize kRoomAround{24, 40};  // between a new window and the edges of the screen
+
+// A window as wide as a page and as high as the screen allows.
+NSRect firstFrame(NSSize page) {
+    const NSRect room =
+        NSInsetRect(NSScreen::mainScreen()->visibleFrame(), kRoomAround.width, kRoomAround.height);
+    const NSSize size{std::min(page.width + 40, room.size.width),
+                      std::min(page.height + kStatusHeight, room.size.height)};
+    return {{NSMidX(room) - size.width / 2, NSMaxY(room) - size.height}, size};
+}
+
+NSString* textOfAnswer(NSDictionary* answer) {
+    auto* lines = NSMutableArray::array();
+    for (NSDictionaryEntry entry : answer)
+        lines->addObject(NSString::stringWithFormat(u"%@: %@"_ns, entry.key, entry.value));
+    return lines->componentsJoinedByString(u"\n"_ns);
+}
+
+}  // namespace
+
+PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
+    methods.instance<"show", &WRDocumentWindow::show>();
+    methods.instance<"window", &WRDocumentWindow::window>();
+    methods.instance<"document", &WRDocumentWindow::document>();
+    methods.instance<"pageView", &WRDocumentWindow::pageView>();
+    methods.instance<"zoomIn:", &WRDocumentWindow::zoomIn>();
+    methods.instance<"zoomOut:", &WRDocumentWindow::zoomOut>();
+    methods.instance<"showActualSize:", &WRDocumentWindow::showActualSize>();
+    methods.instance<"showWholeWidth:", &WRDocumentWindow::showWholeWidth>();
+    methods.instance<"showNextPage:", &WRDocumentWindow::showNextPage>();
+    methods.instance<"showPreviousPage:", &WRDocumentWindow::showPreviousPage>();
+    methods.instance<"askService:", &WRDocumentWindow::askService>();
+    methods.instance<"validateShowNextPage:", &WRDocumentWindow::validateShowNextPage>();
+    methods.instance<"validateShowPreviousPage:", &WRDocumentWindow::validateShowPreviousPage>();
+    methods.instance<"currentPage", &WRDocumentWindow::currentPage>();
+    methods.instance<"windowWillClose:", &WRDocumentWindow::windowWillClose>();
+    methods.instance<"placeDidChange:", &WRDocumentWindow::placeDidChange>();
+}
+
+Retained<WRDocumentWindow> WRDocumentWindow::create(WRDocument* document, NSDictionary* options,
+                                                    NSString** problem) {
+    const StyledDocument styled = StyledDocument::of(document->text(), options);
+    if ((*problem = styled.problem)) return nullptr;
+    auto self = make<WRDocumentWindow>();
+    self->_document.set(document);
+    self->_pageView = WRPageView::create(styled.text, styled.settings);
+    if (!self->_pageView) {
+        *problem =
+            localized(u"_The margins, or the header and the footer, leave no room for text on the page."_ns);
+        return nullptr;
+    }
+    self->makeWindow(options);
+    return self;
+}
+
+WRDocumentWindow::~WRDocumentWindow() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
+
+void WRDocumentWindow::makeWindow(NSDictionary*) {
+    const NSRect frame = firstFrame(_pageView->frame().size);
+    _window = NSWindow::initWithContentRect_styleMask_backing_defer(
+        frame, NSTitledWindowMask | NSClosableWindowMask | NSMiniaturizableWindowMask | NSResizableWindowMask,
+        NSBackingStoreBuffered, true);
+    _window->setTitle(_document->path()->lastPathComponent());
+    _window->setContentMinSize({240, 160});
+    _window->setDelegate(this);
+    NSView* content = _window->contentView();
+    const NSSize size = content->frame().size;
+
+    _zoomView = WRZoomView::create(_pageView);
+    _scrollView =
+        NSScrollView::initWithFrame({{0, kStatusHeight}, {size.width, size.height - kStatusHeight}});
+    _scrollView->setAutoresizingMask(NSViewWidthSizable | NSViewHeightSizable);
+    _scrollView->setHasVerticalScroller(true);
+    _scrollView->setHasHorizontalScroller(true);
+    _scrollView->setDocumentView(_zoomView);
+    content->addSubview(_scrollView);
+
+    _status = NSControl::initWithFrame({{8, 2}, {size.width - 16, kStatusHeight - 4}});
+    _status->setCell(NSTextFieldCell::initTextCell(u""_ns).get());
+    _status->setAutoresizingMask(NSViewWidthSizable);
+    content->addSubview(_status);
+
+    auto* centre = NSNotificationCenter::defaultCenter();
+    centre->addObserver_selector_name_object(this, "placeDidChange:"_sel, NSViewBoundsDidChangeNotification,
+                                             _scrollView->contentView());
+    centre->addObserver_selector_name_object(this, "placeDidChange:"_sel, WRPageViewDidFindPagesNotification,
+                                             _pageView);
+    _window->setInitialFirstResponder(_pageView);
+    setNextResponder(_window->nextResponder());
+    _window->setNextResponder(this);
+    _zoomView->scrollPoint({0, 0});
+    placeDidChange(nullptr);
+}
+
+void WRDocumentWindow::show() { _window->makeKeyAndOrderFront(nullptr); }
+
+void WRDocumentWindow::windowWillClose(NSNotification*) {
+    auto self = Retained<WRDocumentWindow>::retaining(this);
+    NSNotificationCenter::defaultCenter()->removeObserver(this);
+    _window->setNextResponder(nullptr);
+    if (auto* desktop = cast<WRDesktop>(NSApplication::sharedApplication()->delegate()))
+        desktop->windowDidClose(this);
+}
+
+// MARK: Zoom
+
+void WRDocumentWindow::setZoom(double zoom) {
+    _zoomView->setZoom(zoom);
+    placeDidChange(nullptr);
+}
+
+void WRDocumentWindow::zoomIn(id) {
+    const auto* next = std::find_if(std::begin(kZooms), std::end(kZooms),
+                                    [this](double zoom) { return zoom > _zoomView->zoom() + 0.001; });
+    if (next != std::end(kZooms)) setZoom(*next);
+}
+
+void WRDocumentWindow::zoomOut(id) {
+    const auto next = std::find_if(std::rbegin(kZooms), std::rend(kZooms),
+                                   [this](double zoom) { return zoom < _zoomView->zoom() - 0.001; });
+    if (next != std::rend(kZooms)) setZoom(*next);
+}
+
+void WRDocumentWindow::showActualSize(id) { setZoom(1); }
+
+void WRDocumentWindow::showWholeWidth(id) {
+    setZoom(static_cast<double>(_scrollView->contentSize().width) /
+            static_cast<double>(_pageView->frame().size.width));
+}
+
+// MARK: Pages
+
+NSUInteger WRDocumentWindow::currentPage() {
+    const NSRect seen = _pageView->visibleRect();
+    return _pageView->pageAtHeight(NSMidY(seen));
+}
+
+void WRDocumentWindow::showPage(NSUInteger page) {
+    const NSRect frame = _pageView->frameOfPage(page);
+    _pageView->scrollPoint({_pageView->visibleRect().origin.x, frame.origin.y - 8});
+}
+
+void WRDocumentWindow::showNextPage(id) {
+    const NSUInteger next = currentPage() + 1;
+    _pageView->findPages(next + 1);
+    if (next < _pageView->pageCount()) showPage(next);
+}
+
+void WRDocumentWindow::showPreviousPage(id) {
+    if (const NSUInteger page = currentPage()) showPage(page - 1);
+}
+
+bool WRDocumentWindow::validateShowNextPage(id) {
+    return !_pageView->isComplete() || currentPage() + 1 < _pageView->pageCount();
+}
+
+bool WRDocumentWindow::validateShowPreviousPage(id) { return currentPage() > 0; }
+
+void WRDocumentWindow::placeDidChange(NSNotification*) {
+    const NSUInteger count = _pageView->pageCount();
+    NSString* key =
+        _pageView->isComplete() ? u"_Page %u of %u  ·  %d %%"_ns : u"_Page %u of %u …  ·  %d %%"_ns;
+    _status->setStringValue(
+        NSString::stringWithFormat(localized(key), std::min(currentPage() + 1, count), count,
+                                   static_cast<int>(std::lround(_zoomView->zoom() * 100))));
+}
+
+// MARK: Services
+
+void WRDocumentWindow::askService(id sender) {
+    auto* item = cast<NSMenuItem>(sender);
+    auto* profile = item ? cast<PBProfile>(item->representedObject()) : nullptr;
+    if (!profile) return;
+    NSDictionary* answer = askPlugIn(profile, "examineDocument:"_sel, _document.get());
+    NSString* text =
+        answer->objectForKey(WRErrorKey) ? problemOfAnswer(answer, WRTextKey, profile) : textOfAnswer(answer);
+    NSRunAlertPanel(nameOfProfile(profile), u"%@"_ns, nullptr, nullptr, nullptr, text);
+}
+
+}  // namespace pelvor

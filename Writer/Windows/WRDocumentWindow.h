@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+// WRDocumentWindow: a window with the pages of a document.
+#pragma once
+
+#include "Interface/NSResponder.h"
+
+namespace pelvor {
+
+class NSDictionary;
+class NSNotification;
+class NSScrollView;
+class NSControl;
+class NSWindow;
+class WRDocument;
+class WRPageView;
+class WRZoomView;
+
+/// Shows a document in a window and takes the commands that concern the window; it is the window's delegate
+/// and follows it in the chain of responders. Main thread.
+class WRDocumentWindow : public NSResponder {
+    PELVOR_CLASS(WRDocumentWindow, NSResponder);
+
+  public:
+    // C++ only
+    /// The options are those of page setters. Null if the document cannot be set in pages; the problem is
+    /// then a sentence for the user.
+    static Retained<WRDocumentWindow> create(WRDocument* document, NSDictionary* options, NSString** problem);
+
+    void show();
+    NSWindow* window() { return _window; }
+    WRDocument* document() { return _document; }
+    WRPageView* pageView() { return _pageView; }
+
+    // Commands
+
+    void zoomIn(id sender);
+    void zoomOut(id sender);
+    void showActualSize(id sender);
+    void showWholeWidth(id sender);
+    void showNextPage(id sender);
+    void showPreviousPage(id sender);
+    /// The sender is a menu item that represents the profile of a document service: shows what the service
+    /// says.
+    void askService(id sender);
+    bool validateShowNextPage(id item);
+    bool validateShowPreviousPage(id item);
+
+    /// The page in the middle of what is seen, from 0 on.
+    NSUInteger currentPage();
+    void windowWillClose(NSNotification* notification);
+    void placeDidChange(NSNotification* notification);
+
+  protected:
+    WRDocumentWindow() = default;
+    ~WRDocumentWindow();
+
+  private:
+    void makeWindow(NSDictionary* options);
+    void showPage(NSUInteger page);
+    void setZoom(double zoom);
+
+    Retained<WRDocument> _document;
+    Retained<NSWindow> _window;
+    Retained<NSScrollView> _scrollView;
+    Retained<WRZoomView> _zoomView;
+    Retained<WRPageView> _pageView;
+    Retained<NSControl> _status;
+};
+
+}  // namespace pelvor

@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/Windows/WRPageView.h"
+
+#include <algorithm>
+
+#include "Foundation/NSNotificationCenter.h"
+#include "PBIdleQueue.h"
+#include "Runtime/Registry.h"
+#include "Text/NSColor.h"
+#include "Text/NSGraphicsContext.h"
+#include "Writer/Windows/WindowsLibrary.h"
+
+namespace pelvor {
+namespace {
+
+constexpr float kGap = 14;  // around pages and between them
+
+PBIdleQueue* growingViews() {
+    static PBIdleQueue* const queue = PBIdleQueue::initWithSelector("findNextPage"_sel).leak();
+    return queue;
+}
+
+NSColor* deskColor() { return NSColor::colorWithCalibratedWhite_alpha(0.88F, 1); }
+NSColor* edgeColor() { return NSColor::colorWithCalibratedWhite_alpha(0.7F, 1); }
+
+}  // namespace
+
+PELVOR_DEFINE_CLASS(WRPageView, windowsLibrary) {
+    methods.instance<"pageCount", &WRPageView::pageCount>();
+    methods.instance<"isComplete", &WRPageView::isComplete>();
+    methods.instance<"pageAtHeight:", &WRPageView::pageAtHeight>();
+    methods.instance<"frameOfPage:", &WRPageView::frameOfPage>();
+    methods.instance<"findPages:", &WRPageView::findPages>();
+    methods.instance<"findNextPage", &WRPageView::findNextPage>();
+    methods.instance<"hyphenationDidLoad:", &WRPageView::hyphenationDidLoad>();
+    methods.instance<"originOfTextContainer:", &WRPageView::originOfTextContainer>();
+    methods.instance<"viewDidMoveToWindow", &WRPageView::viewDidMoveToWindow>();
+    methods.instance<"drawRect:", &WRPageView::drawRect>();
+    methods.instance<"isOpaque", &WRPageView::isOpaque>();
+}
+
+Retained<WRPageView> WRPageView::create(NSAttributedString* text, NSDictionary* settings) {
+    auto document = std::make_unique<PageDocument>(text, settings);
+    if (!document->hasRoom()) return nullptr;
+    document->layoutManager()->setWaitsForHyphenation(false);
+    document->findPages(1);
+    const NSSize paper = document->frame().paper;
+    auto self = cast<WRPageView>(
+        NSTextView::initWithFrame_textContainer({{0, 0}, {paper.width + 2 * kGap, paper.height + 2 * kGap}},
+                                                document->pages()[0].container, WRPageView::classObject()));
+    self->_document = std::move(document);
+    self->setVerticallyResizable(false);
+    self->setEditable(false);
+    self->setSelectable(true);
+    self->setDrawsBackground(false);
+    self->fitFrame();
+    NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
+        self, "hyphenationDidLoad:"_sel, NSHyphenationPatternsDidLoadNotification, nullptr);
+    return self;
+}
+
+WRPageView::~WRPageView() {
+    growingViews()->removeObject(this);
+    NSNotificationCenter::defaultCenter()->removeObserver(this);
+}
+
+// MARK: Pages
+
+NSUInteger WRPageView::pageCount() {
+    return _document ? static_cast<NSUInteger>(_document->pages().size()) : 0;
+}
+
+bool WRPageView::isComplete() { return !_document || _document->isComplete(); }
+
+NSRect WRPageView::frameOfPage(NSUInteger index) {
+    if (!_document) return {};
+    const NSSize paper = _document->frame().paper;
+    return {{kGap, kGap + static_cast<float>(index) * (paper.height + kGap)}, paper};
+}
+
+NSUInteger WRPageView::pageAtHeight(float y) {
+    if (!_document || pageCount() == 0) return 0;
+    const float step = _document->frame().paper.height + kGap;
+    const auto page = static_cast<NSInteger>((y - kGap / 2) / step);
+    return static_cast<NSUInteger>(std::clamp<NSInteger>(page, 0, static_cast<NSInteger>(pageCount()) - 1));
+}
+
+NSPoint WRPageView::originOfTextContainer(NSTextContainer* container) {
+    if (!_document) return {};
+    const auto& pages = _document->pages();
+    const auto found = std::find_if(pages.begin(), pages.end(), [container](const PageText& page) {
+        return page.container == container;
+    });
+    const NSRect page = frameOfPage(static_cast<NSUInteger>(found - pages.begin()));
+    return {page.origin.x + _document->frame().left, page.origin.y + _document->frame().top};
+}
+
+void WRPageView::findPages(NSUInteger count) {
+    if (isComplete()) return;
+    const NSUInteger before = pageCount();
+    _document->findPages(count);
+    tellOfPages(before);
+}
+
+void WRPageView::hyphenationDidLoad(id) {
+    if (!_document) return;
+    _document->findPagesAgain();
+    tellOfPages(0);
+    setNeedsDisplay(true);
+    if (window() && !isComplete()) growingViews()->addObject(this);
+}
+
+void WRPageView::tellOfPages(NSUInteger firstNew) {
+    for (NSUInteger i = firstNew; i < pageCount(); ++i) _document->pages()[i].container->setTextView(this);
+    fitFrame();
+    NSNotificationCenter::defaultCenter()->postNotificationName_object(WRPageViewDidFindPagesNotification,
+                                                                       this);
+}
+
+void WRPageView::findNextPage() {
+    findPages(pageCount() + 1);
+    if (!isComplete()) growingViews()->addObject(this);
+}
+
+void WRPageView::viewDidMoveToWindow() {
+    NSTextView::viewDidMoveToWindow();
+    if (!window())
+        growingViews()->removeObject(this);
+    else if (!isComplete())
+        growingViews()->addObject(this);
+}
+
+void WRPageView::fitFrame() {
+    const NSRect last = frameOfPage(std::max<NSUInteger>(pageCount(), 1) - 1);
+    setFrameSize({NSMaxX(last) + kGap, NSMaxY(last) + kGap});
+}
+
+// MARK: Drawing
+
+void WRPageView::drawPaper(NSUInteger index) {
+    auto* context = NSGraphicsContext::currentContext();
+    const NSRect page = frameOfPage(index);
+    context->setColor(edgeColor());
+    context->strokeRect_width(NSInsetRect(page, -1, -1), 1);
+    context->setColor(NSColor::whiteColor());
+    context->fillRect(page);
+    context->saveGraphicsState();
+    context->translateXBy_yBy(page.origin.x, page.origin.y);
+    _document->drawHeaderAndFooter(index);
+    context->restoreGraphicsState();
+}
+
+void WRPageView::drawRect(NSRect dirty) {
+    deskColor()->set();
+    NSRectFill(dirty);
+    if (!_document || pageCount() == 0) return;
+    const NSUInteger last = pageAtHeight(NSMaxY(dirty));
+    for (NSUInteger page = pageAtHeight(NSMinY(dirty)); page <= last; ++page) drawPaper(page);
+    NSTextView::drawRect(dirty);
+}
+
+}  // namespace pelvor

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/Windows/WRProfilesPanel.h"
+
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSNotificationCenter.h"
+#include "Interface/NSCell.h"
+#include "Interface/NSPanel.h"
+#include "Interface/NSScrollView.h"
+#include "Interface/NSScroller.h"
+#include "Interface/NSTableColumn.h"
+#include "PBAutoscrollingTableView.h"
+#include "PBProfileKeys.h"
+#include "PBRegistry.h"
+#include "Writer/LocalizedText.h"
+#include "Writer/ProfileChoice.h"
+#include "Writer/WRPlugInLoader.h"
+#include "Writer/Windows/WindowsLibrary.h"
+
+namespace pelvor {
+namespace {
+
+constexpr NSString* kName = u"name"_ns;
+constexpr NSString* kKind = u"kind"_ns;
+constexpr NSString* kPlugIn = u"plug-in"_ns;
+
+int compareNames(id a, id b, void*) {
+    return nameOfProfile(static_cast<PBProfile*>(a))
+        ->localizedCaseInsensitiveCompare(nameOfProfile(static_cast<PBProfile*>(b)));
+}
+
+Retained<NSTableColumn> columnWith(NSString* identifier, NSString* title, float width) {
+    auto column = NSTableColumn::initWithIdentifier(identifier);
+    column->headerCell()->setStringValue(title);
+    column->setWidth(width);
+    column->setEditable(false);
+    return column;
+}
+
+}  // namespace
+
+PELVOR_DEFINE_CLASS(WRProfilesPanel, windowsLibrary) {
+    methods.creator<"init", &WRProfilesPanel::init>();
+    methods.instance<"show", &WRProfilesPanel::show>();
+    methods.instance<"window", &WRProfilesPanel::window>();
+    methods.instance<"numberOfRowsInTableView:", &WRProfilesPanel::numberOfRowsInTableView>();
+    methods.instance<"tableView:objectValueForTableColumn:row:",
+                     &WRProfilesPanel::tableView_objectValueForTableColumn_row>();
+    methods.instance<"profilesDidChange:", &WRProfilesPanel::profilesDidChange>();
+}
+
+Retained<WRProfilesPanel> WRProfilesPanel::init(Class* cls) {
+    auto self = make<WRProfilesPanel>(cls);
+    self->_profiles = NSArray::init();
+    self->makeWindow();
+    NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
+        self, "profilesDidChange:"_sel, PBProfilesDidChangeNotification, PBRegistry::sharedRegistry());
+    self->profilesDidChange(nullptr);
+    return self;
+}
+
+WRProfilesPanel::~WRProfilesPanel() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
+
+void WRProfilesPanel::makeWindow() {
+    constexpr NSSize kSize{520, 360};
+    _window = NSPanel::initWithContentRect_styleMask_backing_defer(
+        {{200, 200}, kSize}, NSTitledWindowMask | NSClosableWindowMask | NSResizableWindowMask,
+        NSBackingStoreBuffered, true);
+    _window->setTitle(localized(u"_Plug-ins"_ns));
+    _table = PBAutoscrollingTableView::initWithFrame({{0, 0}, kSize});
+    _table->addTableColumn(columnWith(kName, localized(u"_Name"_ns), 200).get());
+    _table->addTableColumn(columnWith(kKind, localized(u"_Kind"_ns), 140).get());
+    _table->addTableColumn(columnWith(kPlugIn, localized(u"_Plug-in"_ns), 140).get());
+    _table->setUsesAlternatingRowBackgroundColors(true);
+    _table->setDataSource(this);
+    _table->setDelegate(this);
+    auto scrollView = NSScrollView::initWithFrame({{0, 0}, kSize});
+    scrollView->setAutoresizingMask(NSViewWidthSizable | NSViewHeightSizable);
+    scrollView->setHasVerticalScroller(true);
+    scrollView->setDocumentView(_table);
+    _window->contentView()->addSubview(scrollView);
+    _window->setInitialFirstResponder(_table);
+}
+
+void WRProfilesPanel::show() { _window->makeKeyAndOrderFront(nullptr); }
+
+int WRProfilesPanel::numberOfRowsInTableView(NSTableView*) { return static_cast<int>(_profiles->count()); }
+
+id WRProfilesPanel::tableView_objectValueForTableColumn_row(NSTableView*, NSTableColumn* column,
+                                                            NSInteger row) {
+    auto* profile = static_cast<PBProfile*>(_profiles->objectAtIndex(static_cast<NSUInteger>(row)));
+    if (column->identifier() == kName) return nameOfProfile(profile);
+    if (column->identifier() == kKind) return profile->valueForKey(PBProfileTypeKey);
+    return profile->bundle() ? WRPlugInLoader::nameOfBundle(profile->bundle()) : nullptr;
+}
+
+void WRProfilesPanel::profilesDidChange(NSNotification*) {
+    _profiles.set(
+        PBRegistry::sharedRegistry()->profiles()->sortedArrayUsingFunction_context(&compareNames, nullptr));
+    _table->reloadData();
+}
+
+}  // namespace pelvor

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/Windows/WRZoomView.h"
+
+#include <algorithm>
+
+#include "Foundation/NSNotificationCenter.h"
+#include "Interface/NSClipView.h"
+#include "Text/NSColor.h"
+#include "Writer/Windows/WindowsLibrary.h"
+
+namespace pelvor {
+
+PELVOR_DEFINE_CLASS(WRZoomView, windowsLibrary) {
+    methods.instance<"zoom", &WRZoomView::zoom>();
+    methods.instance<"setZoom:", &WRZoomView::setZoom>();
+    methods.instance<"content", &WRZoomView::content>();
+    methods.instance<"fitToContent", &WRZoomView::fitToContent>();
+    methods.instance<"isFlipped", &WRZoomView::isFlipped>();
+    methods.instance<"isOpaque", &WRZoomView::isOpaque>();
+    methods.instance<"drawRect:", &WRZoomView::drawRect>();
+    methods.instance<"contentDidChange:", &WRZoomView::contentDidChange>();
+    methods.instance<"viewDidMoveToSuperview", &WRZoomView::viewDidMoveToSuperview>();
+}
+
+Retained<WRZoomView> WRZoomView::create(NSView* content) {
+    auto self = cast<WRZoomView>(NSView::initWithFrame(content->frame(), WRZoomView::classObject()));
+    self->_content.set(content);
+    self->addSubview(content);
+    NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
+        self, "contentDidChange:"_sel, NSViewFrameDidChangeNotification, content);
+    return self;
+}
+
+WRZoomView::~WRZoomView() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
+
+void WRZoomView::viewDidMoveToSuperview() {
+    NSView::viewDidMoveToSuperview();
+    auto* centre = NSNotificationCenter::defaultCenter();
+    centre->removeObserver(this);
+    centre->addObserver_selector_name_object(this, "contentDidChange:"_sel, NSViewFrameDidChangeNotification,
+                                             _content);
+    if (NSView* clip = superview())
+        centre->addObserver_selector_name_object(this, "contentDidChange:"_sel,
+                                                 NSViewFrameDidChangeNotification, clip);
+    fitToContent();
+}
+
+void WRZoomView::contentDidChange(id) { fitToContent(); }
+
+// The bounds are in the content's units; the content stands in their middle.
+void WRZoomView::fitToContent() {
+    if (std::exchange(_isFitting, true)) return;
+    const NSSize content = _content->frame().size;
+    const NSSize room = superview() ? superview()->frame().size : NSSize{};
+    const auto scale = static_cast<float>(_zoom);
+    const NSSize size{std::max(content.width * scale, room.width),
+                      std::max(content.height * scale, room.height)};
+    setFrameSize(size);
+    setBoundsSize({size.width / scale, size.height / scale});
+    _content->setFrameOrigin({std::max((size.width / scale - content.width) / 2, 0.0F), 0});
+    setNeedsDisplay(true);
+    _isFitting = false;
+}
+
+void WRZoomView::setZoom(double zoom) {
+    zoom = std::clamp(zoom, 0.1, 8.0);
+    if (zoom == _zoom) return;
+    auto* clip = cast<NSClipView>(static_cast<id>(superview()));
+    const NSRect seen = visibleRect();
+    const NSPoint middle{NSMidX(seen) - _content->frame().origin.x, NSMidY(seen)};
+    _zoom = zoom;
+    fitToContent();
+    if (!clip) return;
+    const NSSize room = clip->bounds().size;
+    const auto scale = static_cast<float>(zoom);
+    scrollPoint(
+        {middle.x + _content->frame().origin.x - room.width / scale / 2, middle.y - room.height / scale / 2});
+}
+
+void WRZoomView::drawRect(NSRect dirty) {
+    NSColor::colorWithCalibratedWhite_alpha(0.88F, 1)->set();
+    NSRectFill(dirty);
+}
+
+}  // namespace pelvor

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/Windows/WindowsLibrary.h"
+
+#include "Writer/Pages/PagesLibrary.h"
+#include "Writer/Shortcuts/ShortcutsLibrary.h"
+#include "Writer/Windows/WRDesktop.h"
+#include "Writer/Windows/WRDocumentWindow.h"
+#include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRProfilesPanel.h"
+#include "Writer/Windows/WRZoomView.h"
+
+namespace pelvor {
+namespace {
+
+constexpr Library* kDependencies[] = {&pagesLibrary, &shortcutsLibrary};
+constexpr Class* kClasses[] = {&WRDesktop::classRecord, &WRDocumentWindow::classRecord,
+                               &WRPageView::classRecord, &WRProfilesPanel::classRecord,
+                               &WRZoomView::classRecord};
+
+}  // namespace
+
+constinit Library windowsLibrary{"WriterWindows", kDependencies, kClasses, {}};
+
+}  // namespace pelvor
