@@ -137,7 +137,7 @@ TEST_F(Localisation, AsksTheHostThenTheBundleOfTheObjectsClassThenAnswersTheKey)
     };
     expectAll({"_Host -> The host", "_Plug-in -> _Plug-in"}, localized(nullptr));
     for (id object : {id(made), id(lamp)})
-        expectAll({"_Both -> Both, says the host", "_Plug-in -> The plug-in", "_Cancel -> _Cancel",
+        expectAll({"_Both -> Both, says the host", "_Plug-in -> The plug-in", "_Nobody -> _Nobody",
                    "_Marker -> __PBLocalizedStringNotFound__"},
                   localized(object));
     PBSetToolboxBundleIdentifier(u"pelvor.test.Nobody"_ns);

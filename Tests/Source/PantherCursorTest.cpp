@@ -33,6 +33,7 @@ TEST(PantherCursor, StandsInOnOldPlatformsOnly) {
 }
 
 TEST(PelvorPantherAdditions, SelectsTheFirstSegmentWithATag) {
+    registerLibrary(baseInterfaceLibrary);
     auto control = NSSegmentedControl::initWithFrame({{0, 0}, {100, 24}});
     control->setSegmentCount(3);
     auto* cell = static_cast<NSSegmentedCell*>(control->cell());
