@@ -61,7 +61,7 @@ class PBUnichar32String;   ///< a text kept as code points
 
 // Menus
 class PBAutoscrollingTableView;  ///< a table in which typing selects rows
-class PBMenuItem;  ///< a menu item that can show a shortcut of several keys
+class PBMenuItem;                ///< a menu item that can show a shortcut of several keys
 
 // Older platforms
 class PantherCursor;  ///< gives cursors for hands and edges

@@ -24,9 +24,9 @@ class NSWindow;      ///< a window with a tree of views
 
 // Text and what is copied
 class NSDraggingInfo;  ///< what is dragged over a view
-class NSPasteboard;  ///< what was copied, selected or dragged
-class NSText;        ///< what views of text have in common
-class NSTextView;    ///< shows, selects and edits a text
+class NSPasteboard;    ///< what was copied, selected or dragged
+class NSText;          ///< what views of text have in common
+class NSTextView;      ///< shows, selects and edits a text
 
 // Controls, and what they draw in their places
 class NSActionCell;        ///< a cell with a target, an action and a tag

@@ -42,21 +42,21 @@ NSColor* themeColor(ThemeColor color);
 namespace metrics {
 
 inline constexpr float kCornerRadius = 4;
-inline constexpr float kLine = 1;           ///< of borders, grids and separators
-inline constexpr float kFocusRing = 2;      ///< the width of the ring, outside the control
-inline constexpr float kTextInset = 3;      ///< between the edge of a cell and its text
-inline constexpr float kFieldInset = 4;     ///< between the border of a field and its text
-inline constexpr float kButtonInset = 14;   ///< between the ends of a button and its title
-inline constexpr float kButtonHeight = 26;  ///< of a button of regular size
-inline constexpr float kSwitchSize = 14;    ///< of the mark of check boxes and radio buttons
-inline constexpr float kSwitchGap = 6;      ///< between the mark and its title
-inline constexpr float kImageGap = 5;       ///< between an image and a title
-inline constexpr float kSegmentInset = 10;  ///< between the ends of a segment and its label
-inline constexpr float kHeaderHeight = 22;  ///< of the titles of columns
-inline constexpr float kHeaderInset = 4.5f;    ///< between the ends of a column and its title
-inline constexpr float kRowHeight = 20;     ///< of a table's row
-inline constexpr float kDividerReach = 4;   ///< how near the pointer has to be to drag a column's edge
-inline constexpr float kDragDistance = 4;   ///< how far the pointer moves before it drags something
+inline constexpr float kLine = 1;            ///< of borders, grids and separators
+inline constexpr float kFocusRing = 2;       ///< the width of the ring, outside the control
+inline constexpr float kTextInset = 3;       ///< between the edge of a cell and its text
+inline constexpr float kFieldInset = 4;      ///< between the border of a field and its text
+inline constexpr float kButtonInset = 14;    ///< between the ends of a button and its title
+inline constexpr float kButtonHeight = 26;   ///< of a button of regular size
+inline constexpr float kSwitchSize = 14;     ///< of the mark of check boxes and radio buttons
+inline constexpr float kSwitchGap = 6;       ///< between the mark and its title
+inline constexpr float kImageGap = 5;        ///< between an image and a title
+inline constexpr float kSegmentInset = 10;   ///< between the ends of a segment and its label
+inline constexpr float kHeaderHeight = 22;   ///< of the titles of columns
+inline constexpr float kHeaderInset = 4.5f;  ///< between the ends of a column and its title
+inline constexpr float kRowHeight = 20;      ///< of a table's row
+inline constexpr float kDividerReach = 4;    ///< how near the pointer has to be to drag a column's edge
+inline constexpr float kDragDistance = 4;    ///< how far the pointer moves before it drags something
 inline constexpr float kScrollerWidth = 12;
 inline constexpr float kMenuItemHeight = 22;
 inline constexpr float kMenuInset = 5;  ///< between the edge of a menu and its first item

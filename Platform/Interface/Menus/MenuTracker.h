@@ -8,6 +8,7 @@
 
 #include "Foundation/NSDate.h"
 #include "Interface/Menus/MenuListView.h"
+#include "Interface/NSWindow.h"
 
 namespace pelvor {
 
