@@ -147,7 +147,8 @@ void ApplicationState::handleSystem(NSEvent* event) {
             for (NSWindow* each : windows) each->state().painter.addAll();
             return notify(NSApplicationDidChangeScreenParametersNotification,
                           "applicationDidChangeScreenParameters:"_sel);
-        case SystemEvent::displayLost:
+        case SystemEvent::displayLost:  // nobody can end what runs modally
+            for (const auto& session : sessions) session->code = NSRunAbortedResponse;
             return notify(NSApplicationDidLoseDisplayNotification, "applicationDidLoseDisplay:"_sel);
         case SystemEvent::input:
             return NSInputManager::currentInputManager()->deliverReplies();

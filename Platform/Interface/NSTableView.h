@@ -49,7 +49,7 @@ enum : NSUInteger {
 /// Rows and columns of values, which a data source gives when they are drawn:
 ///
 ///     auto table = NSTableView::initWithFrame({{0, 0}, {400, 300}});
-///     table->addTableColumn(NSTableColumn::initWithIdentifier(u"name"_ns));
+///     table->addTableColumn(NSTableColumn::initWithIdentifier(u"name"_ns).get());
 ///     table->setDataSource(people);
 ///     scrollView->setDocumentView(table);                    // which shows the table's header too
 ///

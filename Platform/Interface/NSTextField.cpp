@@ -174,11 +174,18 @@ void NSTextField::textDidEndEditing(NSNotification* notification) {
     dropEditor(cell(), editor);
     tellEditing(NSControlTextDidEndEditingNotification, "controlTextDidEndEditing:"_sel, editor, delegate());
     if (movement == NSReturnTextMovement) sendAction_to(action(), target());
-    NSWindow* window = this->window();
-    if (!window || window->firstResponder() != window) return;  // somebody has taken the keys
-    if (movement == NSReturnTextMovement || movement == NSCancelTextMovement)
-        selectText(this);
-    else if (movement == NSTabTextMovement)
+    const auto window = Retained<NSWindow>::retaining(this->window());
+    const auto hasKeys = [&] {
+        return window && this->window() == window && window->firstResponder() == window;
+    };
+    if (!hasKeys()) return;  // somebody has taken the keys
+    if (movement == NSReturnTextMovement || movement == NSCancelTextMovement) {
+        // A key that does nothing else here may be a button's.
+        NSEvent* event = window->currentEvent();
+        if (!(movement == NSReturnTextMovement && action()) && event && event->type() == NSKeyDown)
+            window->performKeyEquivalent(event);
+        if (hasKeys()) selectText(this);
+    } else if (movement == NSTabTextMovement)
         window->selectKeyViewFollowingView(this);
     else if (movement == NSBacktabTextMovement)
         window->selectKeyViewPrecedingView(this);

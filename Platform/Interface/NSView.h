@@ -361,7 +361,7 @@ class PELVOR_EXPORT NSView : public NSResponder {
 
 /// Fills the rectangle.
 PELVOR_EXPORT void NSRectFill(NSRect rect);
-/// Fills the rectangle with the colour's transparency taken into account, as `NSRectFill` does too.
+/// Fills so many rectangles.
 PELVOR_EXPORT void NSRectFillList(const NSRect* rects, NSInteger count);
 /// Draws a line of that thickness along the inside of the rectangle's edges.
 PELVOR_EXPORT void NSFrameRectWithWidth(NSRect rect, float width);

@@ -169,6 +169,10 @@ TEST_F(NSApplicationTest, AModalWindowKeepsEventsFromTheOthers) {
     EXPECT_EQ(screen.app->runModalSession(session), NSRunStoppedResponse);
     screen.app->endModalSession(session);
     EXPECT_EQ(screen.app->runModalSession(session), NSRunAbortedResponse);
+    NSModalSession unseen = screen.app->beginModalSessionForWindow(window);
+    screen.backend->lose("the cable");
+    EXPECT_EQ(screen.app->runModalSession(unseen), NSRunAbortedResponse) << "nobody can press a button";
+    screen.app->endModalSession(unseen);
 }
 
 TEST_F(NSApplicationTest, RunHandlesEventsUntilTheEndAndSurvivesExceptions) {

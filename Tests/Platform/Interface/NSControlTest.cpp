@@ -269,6 +269,24 @@ TEST_F(FieldTest, EditsWhatIsTypedAndSendsItsActionForReturn) {
     EXPECT_NE(other->currentEditor(), nullptr);
 }
 
+// In a dialog Return and Escape are buttons' keys, also while a field without an action is edited.
+TEST_F(FieldTest, LeavesKeysToButtons) {
+    auto pressed = [&](NSString* key) {
+        auto button = added<NSButton>({{200, 20}, {80, 26}});
+        button->setKeyEquivalent(key);
+        window->makeFirstResponder(field);
+        const int before = target->count;
+        screen.press(key->characterAtIndex(0));
+        button->removeFromSuperview();
+        return target->count - before;
+    };
+    EXPECT_EQ(pressed(u"\r"_ns), 1) << "the field has an action of its own";
+    field->setAction(SEL());
+    EXPECT_EQ(pressed(u"\r"_ns), 1);
+    EXPECT_EQ(pressed(u"\x1B"_ns), 1);
+    EXPECT_EQ(selection(), "{0, 4}");
+}
+
 TEST_F(FieldTest, PutsTheCaretWhereItIsClicked) {
     screen.click(field, {118, 12});
     EXPECT_EQ(selection(), "{4, 0}");
