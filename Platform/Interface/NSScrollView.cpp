@@ -55,8 +55,6 @@ PELVOR_DEFINE_CLASS(NSScrollView, interfaceLibrary) {
 
 namespace {
 
-constexpr float kLinesPerNotch = 3;  // that a mouse wheel scrolls
-
 float borderWidth(NSBorderType type) { return type == NSNoBorder ? 0 : metrics::kLine; }
 
 // The header of the document view; null if there is none.
@@ -314,8 +312,7 @@ void NSScrollView::scrollWheel(NSEvent* event) {
     const auto alive = Retained<NSScrollView>::retaining(this);
     float across = event->deltaX(), down = event->deltaY();
     if ((event->modifierFlags() & NSShiftKeyMask) && across == 0) std::swap(across, down);
-    const float step = kLinesPerNotch * _lineScroll;
-    scrollBy({-across * step, -down * step});
+    scrollBy({-across * _lineScroll, -down * _lineScroll});
     // At the end of the document, what is around scrolls.
     if (_clipView->bounds().origin == before) NSView::scrollWheel(event);
 }

@@ -60,6 +60,7 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
     methods.instance<"windowDidClose:", &WRDesktop::windowDidClose>();
     methods.instance<"orderFrontAbout:", &WRDesktop::orderFrontAbout>();
     methods.instance<"orderFrontProfiles:", &WRDesktop::orderFrontProfiles>();
+    methods.instance<"applicationDidLoseDisplay:", &WRDesktop::applicationDidLoseDisplay>();
     methods.instance<"applicationShouldTerminateAfterLastWindowClosed:",
                      &WRDesktop::applicationShouldTerminateAfterLastWindowClosed>();
 }
@@ -92,6 +93,8 @@ void WRDesktop::run() {
     application->run();
     application->setDelegate(nullptr);
 }
+
+void WRDesktop::applicationDidLoseDisplay(NSNotification*) { NSApplication::sharedApplication()->stop(this); }
 
 void WRDesktop::windowDidClose(WRDocumentWindow* window) { _windows->removeObjectIdenticalTo(window); }
 

@@ -38,6 +38,8 @@ class WRDesktop : public NSObject {
     void windowDidClose(WRDocumentWindow* window);
     void orderFrontAbout(id sender);
     void orderFrontProfiles(id sender);
+    /// Nobody sees the windows any more: ends `run`.
+    void applicationDidLoseDisplay(NSNotification* notification);
     bool applicationShouldTerminateAfterLastWindowClosed(id application) { return application != nullptr; }
 
   protected:

@@ -66,8 +66,9 @@ void WRZoomView::setZoom(double zoom) {
     zoom = std::clamp(zoom, 0.1, 8.0);
     if (zoom == _zoom) return;
     auto* clip = cast<NSClipView>(static_cast<id>(superview()));
-    const NSRect seen = visibleRect();
-    const NSPoint middle{NSMidX(seen) - _content->frame().origin.x, NSMidY(seen)};
+    const NSRect seen = _content->visibleRect();
+    const bool isAllSeen = NSHeight(seen) >= NSHeight(_content->bounds());
+    const NSPoint middle{NSMidX(seen), isAllSeen ? 0 : NSMidY(seen)};
     _zoom = zoom;
     fitToContent();
     if (!clip) return;

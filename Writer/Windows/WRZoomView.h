@@ -16,7 +16,8 @@ class WRZoomView : public NSView, NSView::HiddenCreators {
     static Retained<WRZoomView> create(NSView* content);
 
     double zoom() { return _zoom; }
-    /// What is seen in the middle stays there. The factor is moved into 0.1 to 8.
+    /// What is seen in the middle stays there; of content that is seen whole, the top. The factor is moved
+    /// into 0.1 to 8.
     void setZoom(double zoom);
     NSView* content() { return _content; }
     /// Follows the sizes of the content and of the clip view.

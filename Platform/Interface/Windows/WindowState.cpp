@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "Foundation/NSNotificationCenter.h"
+#include "Foundation/NSProcessInfo.h"
 #include "Interface/Events/ApplicationState.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSInputManager.h"
@@ -40,6 +41,7 @@ void WindowState::createBackendWindow() {
     wishes.isResizable = styleMask & NSResizableWindowMask;
     wishes.hasTitleBar = styleMask & NSTitledWindowMask;
     if (title) wishes.title = title->toUTF8();
+    wishes.name = NSProcessInfo::processInfo()->processName()->toUTF8();
     backendWindow = display.backend().createWindow(wishes);
     if (!backendWindow) return;
     display.add(backendWindow, window);

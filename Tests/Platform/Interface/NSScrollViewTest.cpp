@@ -86,7 +86,7 @@ TEST_F(NSScrollViewTest, PlacesItsParts) {
 }
 
 TEST_F(NSScrollViewTest, ScrollsByWheelScrollersAndProgram) {
-    screen.scroll(document, {5, 5}, 0, 1);
+    screen.scroll(document, {5, 5}, 0, 3);
     EXPECT_EQ(origin(), (NSPoint{0, 48}));
     screen.scroll(document, {5, 55}, 0, -9);
     EXPECT_EQ(origin(), (NSPoint{0, 0}));
