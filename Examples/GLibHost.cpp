@@ -2,8 +2,6 @@
 // A program with GLib's main loop that has Pelvor's run loop served inside it.
 #include <glib.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstdio>
 
 #include "Foundation/FoundationLibrary.h"
@@ -12,32 +10,11 @@
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSThread.h"
 #include "Foundation/NSTimer.h"
+#include "GLibRunLoop.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Runtime/Registry.h"
 
 namespace pelvor {
-
-// How long GLib may sleep if the descriptor stays silent; it looks at the descriptor by itself.
-gboolean prepare(GSource*, gint* timeout) {
-    AutoreleasePool pool;
-    NSDate* limit = NSRunLoop::currentRunLoop()->limitDateForMode(NSDefaultRunLoopMode);
-    double milliseconds = limit ? std::ceil(limit->timeIntervalSinceNow() * 1000) : -1;
-    *timeout = limit ? static_cast<gint>(std::clamp<double>(milliseconds, 0, G_MAXINT)) : -1;
-    return *timeout == 0;
-}
-
-gboolean dispatch(GSource*, GSourceFunc, gpointer) {
-    NSRunLoop::currentRunLoop()->performReadyWorkForMode(NSDefaultRunLoopMode);
-    return G_SOURCE_CONTINUE;
-}
-
-void serveRunLoop() {
-    static GSourceFuncs functions{prepare, nullptr, dispatch, nullptr, nullptr, nullptr};
-    GSource* source = g_source_new(&functions, sizeof(GSource));
-    g_source_add_unix_fd(source, NSRunLoop::currentRunLoop()->descriptor(), G_IO_IN);
-    g_source_attach(source, nullptr);
-    g_source_unref(source);
-}
 
 extern Library exampleLibrary;
 
@@ -91,7 +68,7 @@ PELVOR_DEFINE_CLASS(Traveller, exampleLibrary) {
 int main() {
     using namespace pelvor;
     AutoreleasePool pool;
-    serveRunLoop();
+    serveRunLoopInGLib(G_PRIORITY_DEFAULT);
     auto traveller = make<Traveller>();
     NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(traveller, "hear:"_sel,
                                                                             u"Departure"_ns, nullptr);

@@ -3,42 +3,16 @@
 // counts words when nothing else is to be done. With "--once" it ends when the words are counted.
 #include <gtk/gtk.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <string_view>
 
-#include "Foundation/NSRunLoop.h"
+#include "GLibRunLoop.h"
 #include "Runtime/AutoreleasePool.h"
 #include "TKDesk.h"
 
 namespace {
 
 using namespace pelvor;
-
-// How long GLib may sleep if the descriptor stays silent; it looks at the descriptor by itself.
-gboolean prepare(GSource*, gint* timeout) {
-    AutoreleasePool pool;
-    NSDate* limit = NSRunLoop::currentRunLoop()->limitDateForMode(NSDefaultRunLoopMode);
-    const double milliseconds = limit ? std::ceil(limit->timeIntervalSinceNow() * 1000) : -1;
-    *timeout = limit ? static_cast<gint>(std::clamp<double>(milliseconds, 0, G_MAXINT)) : -1;
-    return *timeout == 0;
-}
-
-gboolean dispatch(GSource*, GSourceFunc, gpointer) {
-    NSRunLoop::currentRunLoop()->performReadyWorkForMode(NSDefaultRunLoopMode);
-    return G_SOURCE_CONTINUE;
-}
-
-// Behind GTK's own events and drawing, so that "idle" means what the user would call idle.
-void serveRunLoop() {
-    static GSourceFuncs functions{prepare, nullptr, dispatch, nullptr, nullptr, nullptr};
-    GSource* source = g_source_new(&functions, sizeof(GSource));
-    g_source_set_priority(source, G_PRIORITY_DEFAULT_IDLE);
-    g_source_add_unix_fd(source, NSRunLoop::currentRunLoop()->descriptor(), G_IO_IN);
-    g_source_attach(source, nullptr);
-    g_source_unref(source);
-}
 
 void fillMenu(GtkWidget* item, const std::vector<std::string>& titles) {
     GtkWidget* menu = gtk_menu_new();
@@ -56,7 +30,8 @@ int main(int argc, char** argv) {
     if (!gtk_init_check(&argc, &argv)) return std::fputs("There is no display.\n", stderr), 1;
     const bool isOnce = argc > 1 && std::string_view(argv[1]) == "--once";
     AutoreleasePool pool;
-    serveRunLoop();
+    // Behind GTK's own events and drawing, so that "idle" means what the user would call idle.
+    serveRunLoopInGLib(G_PRIORITY_DEFAULT_IDLE);
 
     GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 8);
