@@ -36,6 +36,7 @@ constexpr Kind kKinds[] = {
     {PBProfileLanguageType, u"_Languages"_ns},
     {PBProfileUnitType, u"_Measurement units"_ns},
     {PBProfileFormatsType, u"_Formats"_ns},
+    {WRProfileDesktopType, u"_Desktops"_ns},
 };
 
 // What the name alone leaves open.

@@ -11,7 +11,7 @@ class PBProfileSet;
 class WRReport;
 
 /// The profiles of a set, by kind, with their names in the user's language. Main thread.
-class WRProfileListing : public NSObject {
+class PELVOR_EXPORT WRProfileListing : public NSObject {
     PELVOR_CLASS(WRProfileListing, NSObject);
     PELVOR_CREATORS(initWithProfiles);
 

@@ -51,14 +51,15 @@ TEST_F(WriterProgramTest, SpeaksTheLanguageOfTheUser) {
     };
     expectLines("en_US.UTF-8",
                 {"Document readers: Plain text (txt, text, log, *), Markdown text (md, markdown), ",
-                 "English: ", "Last line: ended", "Document services: Word statistics"});
+                 "English: ", "Last line: ended", "Document services: Word statistics", "Desktops: "});
     expectLines("fr_FR.UTF-8",
                 {"Lecteurs de documents : Texte brut (txt, text, log, *), Texte Markdown (md, markdown), ",
-                 "Unités de mesure : Millimètre (mm), Centimètre (cm), Pouce (in)",
-                 "Anglais : ", "Dernière ligne : terminée", "Services de documents : Statistique des mots"});
-    expectLines("de_CH.UTF-8",
-                {"Dokumentleser: Reiner Text (txt, text, log, *), Markdown-Text (md, markdown), ",
-                 "Englisch: ", "Letzte Zeile: abgeschlossen", "Dokumentdienste: Wortstatistik"});
+                 "Unités de mesure : Millimètre (mm), Centimètre (cm), Pouce (in)", "Anglais : ",
+                 "Dernière ligne : terminée", "Services de documents : Statistique des mots", "Bureaux : "});
+    expectLines(
+        "de_CH.UTF-8",
+        {"Dokumentleser: Reiner Text (txt, text, log, *), Markdown-Text (md, markdown), ",
+         "Englisch: ", "Letzte Zeile: abgeschlossen", "Dokumentdienste: Wortstatistik", "Arbeitsflächen: "});
     for (const char* locale : {"C", "", "ja_JP.UTF-8", "nonsense"}) {
         program.locale = locale;
         EXPECT_TRUE(program.run({"--list"}).prints("Document readers: ")) << locale;

@@ -14,6 +14,7 @@
 #include "Writer/LocalizedText.h"
 #include "Writer/ProfileChoice.h"
 #include "Writer/WRPlugInLoader.h"
+#include "Writer/WRProfileListing.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -89,7 +90,10 @@ id WRProfilesPanel::tableView_objectValueForTableColumn_row(NSTableView*, NSTabl
                                                             NSInteger row) {
     auto* profile = static_cast<PBProfile*>(_profiles->objectAtIndex(static_cast<NSUInteger>(row)));
     if (column->identifier() == kName) return nameOfProfile(profile);
-    if (column->identifier() == kKind) return profile->valueForKey(PBProfileTypeKey);
+    if (column->identifier() == kKind) {
+        auto* kind = cast<NSString>(profile->valueForKey(PBProfileTypeKey));
+        return kind ? WRProfileListing::nameOfKind(kind) : nullptr;
+    }
     return profile->bundle() ? WRPlugInLoader::nameOfBundle(profile->bundle()) : nullptr;
 }
 
