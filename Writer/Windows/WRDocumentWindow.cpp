@@ -11,12 +11,11 @@
 #include "Interface/NSAlert.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSClipView.h"
-#include "Interface/NSControl.h"
 #include "Interface/NSMenuItem.h"
 #include "Interface/NSScreen.h"
 #include "Interface/NSScrollView.h"
 #include "Interface/NSScroller.h"
-#include "Interface/NSTextFieldCell.h"
+#include "Interface/NSTextField.h"
 #include "Interface/NSWindow.h"
 #include "Writer/LocalizedText.h"
 #include "Writer/Pages/StyledDocument.h"
@@ -85,13 +84,13 @@ Retained<WRDocumentWindow> WRDocumentWindow::create(WRDocument* document, NSDict
             localized(u"_The margins, or the header and the footer, leave no room for text on the page."_ns);
         return nullptr;
     }
-    self->makeWindow(options);
+    self->makeWindow();
     return self;
 }
 
 WRDocumentWindow::~WRDocumentWindow() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
 
-void WRDocumentWindow::makeWindow(NSDictionary*) {
+void WRDocumentWindow::makeWindow() {
     const NSRect frame = firstFrame(_pageView->frame().size);
     _window = NSWindow::initWithContentRect_styleMask_backing_defer(
         frame, NSTitledWindowMask | NSClosableWindowMask | NSMiniaturizableWindowMask | NSResizableWindowMask,
@@ -108,11 +107,15 @@ void WRDocumentWindow::makeWindow(NSDictionary*) {
     _scrollView->setAutoresizingMask(NSViewWidthSizable | NSViewHeightSizable);
     _scrollView->setHasVerticalScroller(true);
     _scrollView->setHasHorizontalScroller(true);
+    _scrollView->setBackgroundColor(WRPageView::deskColor());
     _scrollView->setDocumentView(_zoomView);
     content->addSubview(_scrollView);
 
-    _status = NSControl::initWithFrame({{8, 2}, {size.width - 16, kStatusHeight - 4}});
-    _status->setCell(NSTextFieldCell::initTextCell(u""_ns).get());
+    _status = NSTextField::initWithFrame({{8, 2}, {size.width - 16, kStatusHeight - 4}});
+    _status->setEditable(false);
+    _status->setSelectable(false);
+    _status->setBezeled(false);
+    _status->setDrawsBackground(false);
     _status->setAutoresizingMask(NSViewWidthSizable);
     content->addSubview(_status);
 

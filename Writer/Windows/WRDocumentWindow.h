@@ -9,7 +9,7 @@ namespace pelvor {
 class NSDictionary;
 class NSNotification;
 class NSScrollView;
-class NSControl;
+class NSTextField;
 class NSWindow;
 class WRDocument;
 class WRPageView;
@@ -55,7 +55,7 @@ class WRDocumentWindow : public NSResponder {
     ~WRDocumentWindow();
 
   private:
-    void makeWindow(NSDictionary* options);
+    void makeWindow();
     void showPage(NSUInteger page);
     void setZoom(double zoom);
 
@@ -64,7 +64,7 @@ class WRDocumentWindow : public NSResponder {
     Retained<NSScrollView> _scrollView;
     Retained<WRZoomView> _zoomView;
     Retained<WRPageView> _pageView;
-    Retained<NSControl> _status;
+    Retained<NSTextField> _status;
 };
 
 }  // namespace pelvor

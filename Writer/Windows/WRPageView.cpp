@@ -20,7 +20,6 @@ PBIdleQueue* growingViews() {
     return queue;
 }
 
-NSColor* deskColor() { return NSColor::colorWithCalibratedWhite_alpha(0.88F, 1); }
 NSColor* edgeColor() { return NSColor::colorWithCalibratedWhite_alpha(0.7F, 1); }
 
 }  // namespace
@@ -36,7 +35,8 @@ PELVOR_DEFINE_CLASS(WRPageView, windowsLibrary) {
     methods.instance<"originOfTextContainer:", &WRPageView::originOfTextContainer>();
     methods.instance<"viewDidMoveToWindow", &WRPageView::viewDidMoveToWindow>();
     methods.instance<"drawRect:", &WRPageView::drawRect>();
-    methods.instance<"isOpaque", &WRPageView::isOpaque>();
+    methods.instance<"doCommandBySelector:", &WRPageView::doCommandBySelector>();
+    methods.instance<"insertText:", &WRPageView::insertText>();
 }
 
 Retained<WRPageView> WRPageView::create(NSAttributedString* text, NSDictionary* settings) {
@@ -53,11 +53,13 @@ Retained<WRPageView> WRPageView::create(NSAttributedString* text, NSDictionary* 
     self->setEditable(false);
     self->setSelectable(true);
     self->setDrawsBackground(false);
-    self->fitFrame();
+    self->tellOfPages(0);
     NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
         self, "hyphenationDidLoad:"_sel, NSHyphenationPatternsDidLoadNotification, nullptr);
     return self;
 }
+
+NSColor* WRPageView::deskColor() { return NSColor::colorWithCalibratedWhite_alpha(0.88F, 1); }
 
 WRPageView::~WRPageView() {
     growingViews()->removeObject(this);
@@ -87,11 +89,8 @@ NSUInteger WRPageView::pageAtHeight(float y) {
 
 NSPoint WRPageView::originOfTextContainer(NSTextContainer* container) {
     if (!_document) return {};
-    const auto& pages = _document->pages();
-    const auto found = std::find_if(pages.begin(), pages.end(), [container](const PageText& page) {
-        return page.container == container;
-    });
-    const NSRect page = frameOfPage(static_cast<NSUInteger>(found - pages.begin()));
+    const auto found = _pageOf.find(container);  // the one behind the last page is not in there
+    const NSRect page = frameOfPage(found == _pageOf.end() ? pageCount() : found->second);
     return {page.origin.x + _document->frame().left, page.origin.y + _document->frame().top};
 }
 
@@ -111,6 +110,8 @@ void WRPageView::hyphenationDidLoad(id) {
 }
 
 void WRPageView::tellOfPages(NSUInteger firstNew) {
+    if (firstNew == 0) _pageOf.clear();
+    for (NSUInteger i = firstNew; i < pageCount(); ++i) _pageOf[_document->pages()[i].container] = i;
     for (NSUInteger i = firstNew; i < pageCount(); ++i) _document->pages()[i].container->setTextView(this);
     fitFrame();
     NSNotificationCenter::defaultCenter()->postNotificationName_object(WRPageViewDidFindPagesNotification,
@@ -135,6 +136,28 @@ void WRPageView::fitFrame() {
     setFrameSize({NSMaxX(last) + kGap, NSMaxY(last) + kGap});
 }
 
+// MARK: Keys
+
+void WRPageView::doCommandBySelector(SEL selector) {
+    static const std::pair<SEL, SEL> kScrolling[] = {
+        {"moveUp:"_sel, "scrollLineUp:"_sel},
+        {"moveDown:"_sel, "scrollLineDown:"_sel},
+        {"moveToBeginningOfDocument:"_sel, "scrollToBeginningOfDocument:"_sel},
+        {"moveToEndOfDocument:"_sel, "scrollToEndOfDocument:"_sel},
+    };
+    if (!isEditable())
+        for (const auto& [moving, scrolling] : kScrolling)
+            if (selector == moving) selector = scrolling;
+    NSTextView::doCommandBySelector(selector);
+}
+
+void WRPageView::insertText(id text) {
+    auto* string = cast<NSString>(text);
+    if (!isEditable() && string && string->isEqualToString(u" "_ns))
+        return NSTextView::doCommandBySelector("scrollPageDown:"_sel);
+    NSTextView::insertText(text);
+}
+
 // MARK: Drawing
 
 void WRPageView::drawPaper(NSUInteger index) {
@@ -151,8 +174,6 @@ void WRPageView::drawPaper(NSUInteger index) {
 }
 
 void WRPageView::drawRect(NSRect dirty) {
-    deskColor()->set();
-    NSRectFill(dirty);
     if (!_document || pageCount() == 0) return;
     const NSUInteger last = pageAtHeight(NSMaxY(dirty));
     for (NSUInteger page = pageAtHeight(NSMinY(dirty)); page <= last; ++page) drawPaper(page);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <unordered_map>
 
 #include "Interface/NSTextView.h"
 #include "Writer/Pages/PageDocument.h"
@@ -22,6 +23,9 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     /// Null if the margins leave no room for text.
     static Retained<WRPageView> create(NSAttributedString* text, NSDictionary* settings);
 
+    /// The colour behind the pages. Borrowed.
+    static NSColor* deskColor();
+
     /// How many pages have been found, and whether these are all.
     NSUInteger pageCount();
     bool isComplete();
@@ -39,7 +43,9 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     NSPoint originOfTextContainer(NSTextContainer* container) override;
     void viewDidMoveToWindow() override;
     void drawRect(NSRect dirty) override;
-    bool isOpaque() override { return true; }
+    /// A text that cannot be edited has no caret to move: its keys scroll.
+    void doCommandBySelector(SEL selector) override;
+    void insertText(id text) override;
 
   protected:
     WRPageView() = default;
@@ -51,6 +57,7 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     void tellOfPages(NSUInteger firstNew);
 
     std::unique_ptr<PageDocument> _document;
+    std::unordered_map<NSTextContainer*, NSUInteger> _pageOf;
 };
 
 }  // namespace pelvor

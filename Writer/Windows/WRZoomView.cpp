@@ -5,7 +5,6 @@
 
 #include "Foundation/NSNotificationCenter.h"
 #include "Interface/NSClipView.h"
-#include "Text/NSColor.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -16,8 +15,6 @@ PELVOR_DEFINE_CLASS(WRZoomView, windowsLibrary) {
     methods.instance<"content", &WRZoomView::content>();
     methods.instance<"fitToContent", &WRZoomView::fitToContent>();
     methods.instance<"isFlipped", &WRZoomView::isFlipped>();
-    methods.instance<"isOpaque", &WRZoomView::isOpaque>();
-    methods.instance<"drawRect:", &WRZoomView::drawRect>();
     methods.instance<"contentDidChange:", &WRZoomView::contentDidChange>();
     methods.instance<"viewDidMoveToSuperview", &WRZoomView::viewDidMoveToSuperview>();
 }
@@ -26,8 +23,6 @@ Retained<WRZoomView> WRZoomView::create(NSView* content) {
     auto self = cast<WRZoomView>(NSView::initWithFrame(content->frame(), WRZoomView::classObject()));
     self->_content.set(content);
     self->addSubview(content);
-    NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
-        self, "contentDidChange:"_sel, NSViewFrameDidChangeNotification, content);
     return self;
 }
 
@@ -76,11 +71,6 @@ void WRZoomView::setZoom(double zoom) {
     const auto scale = static_cast<float>(zoom);
     scrollPoint(
         {middle.x + _content->frame().origin.x - room.width / scale / 2, middle.y - room.height / scale / 2});
-}
-
-void WRZoomView::drawRect(NSRect dirty) {
-    NSColor::colorWithCalibratedWhite_alpha(0.88F, 1)->set();
-    NSRectFill(dirty);
 }
 
 }  // namespace pelvor

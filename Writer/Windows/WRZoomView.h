@@ -24,8 +24,6 @@ class WRZoomView : public NSView, NSView::HiddenCreators {
     void fitToContent();
 
     bool isFlipped() override { return true; }
-    bool isOpaque() override { return true; }
-    void drawRect(NSRect dirty) override;
     void contentDidChange(id notification);
     void viewDidMoveToSuperview() override;
 

@@ -81,9 +81,28 @@ TEST_F(PageViewTest, SelectsOnEveryPage) {
     const NSRect shown = view->rectForCharacterRange(word);
     EXPECT_GT(word.length, 1u);
     EXPECT_TRUE(NSContainsRect(NSInsetRect(page, kMargin - 1, kMargin - 1), shown)) << shown;
-    screen.press(u'a', NSCommandKeyMask);
     send(view.get(), "selectAll:"_sel, static_cast<id>(nullptr));
     EXPECT_EQ(view->selectedRange(), (NSRange{0, view->string()->length()}));
+}
+
+// There is no caret to move in a text that is only read.
+TEST_F(PageViewTest, ScrollsByKeys) {
+    findAllPages();
+    window->makeFirstResponder(view);
+    const auto place = [&] { return NSMinY(view->visibleRect()); };
+    screen.press(NSDownArrowFunctionKey);
+    const float line = place();
+    EXPECT_GT(line, 0);
+    EXPECT_LT(line, 50);
+    screen.press(NSUpArrowFunctionKey);
+    EXPECT_EQ(place(), 0);
+    screen.press(u' ');
+    EXPECT_GT(place(), 150);
+    screen.press(NSEndFunctionKey, NSCommandKeyMask);
+    EXPECT_EQ(NSMaxY(view->visibleRect()), NSMaxY(view->bounds()));
+    screen.press(NSHomeFunctionKey, NSCommandKeyMask);
+    EXPECT_EQ(place(), 0);
+    EXPECT_EQ(view->selectedRange(), (NSRange{0, 0}));
 }
 
 // The lines may be other ones when the words of a language can be divided.
