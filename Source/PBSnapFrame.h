@@ -7,9 +7,10 @@
 
 namespace pelvor {
 
-/// The window frame `wrect`, in screen coordinates, moved to the edges of the visible frame of its screen
-/// that it is at most `screenEdgeSnapDistance` points away from, and into the visible frame. The size stays.
-/// Of a window that is too large, the upper and the right edge are in sight.
+/// Returns where a window with the frame `wrect`, in screen coordinates, is to be instead. An edge of the
+/// window that is at most `screenEdgeSnapDistance` points away from the edge of the visible frame of its
+/// screen is moved onto that edge; a window that is partly outside the visible frame is moved inside. The
+/// size stays. Of a window that is too large, the upper and the right edge are in sight.
 ///
 ///     window->setFrame_display(PBSnapFrame(proposed, 10), true);
 ///

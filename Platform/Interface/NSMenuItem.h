@@ -20,7 +20,10 @@ class NSString;
 ///     editMenu->addItem(find);                              // shown as "Find…   Ctrl+F"
 ///
 /// Choosing the item sends its action, with the item as the argument, to its target, or without a target to
-/// whoever takes the action first on the way that NSApplication looks for takers. Main thread.
+/// whoever takes the action first on the way that NSApplication looks for takers.
+///
+/// In a program that uses the library above, items that are made after `PBPostLoader::processClasses` are
+/// PBMenuItems, a subclass that can show shortcuts of several keys. Main thread.
 class PELVOR_EXPORT NSMenuItem : public NSObject {
     PELVOR_CLASS(NSMenuItem, NSObject);
     PELVOR_CREATORS(init, initWithTitle_action_keyEquivalent, separatorItem);

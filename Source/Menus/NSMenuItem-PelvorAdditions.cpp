@@ -3,11 +3,13 @@
 
 #include <unordered_map>
 
+#include "Foundation/NSLog.h"
 #include "Foundation/NSMutableAttributedString.h"
 #include "Foundation/NSString.h"
 #include "NSFont-PelvorAdditions.h"
 #include "NSObject-PelvorAdditions.h"
 #include "Runtime/Message.h"
+#include "Runtime/NSMethodSignature.h"
 #include "Runtime/Registry.h"
 #include "Shared/ArgumentChecks.h"
 #include "Text/NSColor.h"
@@ -27,12 +29,22 @@ class PBValidatorCache {
                 NSString::stringWithFormat(u"validate%@%@"_ns, name->substringToIndex(1)->capitalizedString(),
                                            name->substringFromIndex(1));
             const SEL validator = registerSelector(name->toUTF8());
-            if (target->respondsToSelector(validator)) _validators[action] = validator;
+            if (target->respondsToSelector(validator)) {
+                _validators[action] = validator;
+                logIfWithoutResult(target, validator);
+            }
         }
         return _validators[action];
     }
 
   private:
+    static void logIfWithoutResult(id target, SEL validator) {
+        NSMethodSignature* signature = target->methodSignatureForSelector(validator);
+        if (signature && signature->methodReturnLength() == 0)
+            NSLog(u"-[%s %s] returns nothing, so that its menu items stay disabled: declare it bool"_ns,
+                  target->class_()->publicName(), validator.name());
+    }
+
     std::unordered_map<SEL, SEL> _validators;
 };
 

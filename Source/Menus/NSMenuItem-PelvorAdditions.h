@@ -14,15 +14,22 @@ class NSColor;
 
 // MARK: Shortcuts
 //
-// A shortcut is an object of the host that responds to these messages:
+// A shortcut is an object of the host that responds to these messages. Each shortcut that an item is given is
+// sent the first two:
 //
 //     bool isMultikey                      whether the user presses more than one key after the other
+//     NSUInteger caseSensitiveModifiers    the modifiers of the key equivalent
+//
+// A shortcut of one key is sent isFunctionKey, and then one of the two messages below it:
+//
 //     bool isFunctionKey
-//     NSString* keyString                  the character of a function key, for a key equivalent
+//     NSString* keyString                  the character of a function key
 //     NSString* caseSensitiveKeyString     the character of any other key, a capital letter if it needs Shift
-//     NSUInteger caseSensitiveModifiers    the modifiers for that
-//     NSString* displayKeyString           "K, F", as the user sees the key or keys
+//
+// A shortcut of several keys is sent these two, whenever the item is given a title as well:
+//
 //     NSString* displayModifierString      "Ctrl+", as the user sees the modifiers
+//     NSString* displayKeyString           "K, F", as the user sees the keys
 //
 // A menu item shows one of several keys behind its title and keeps it in the attributes of that text; it has
 // no key equivalent then, and the host finds out by itself that the keys were pressed.
@@ -31,8 +38,8 @@ class NSColor;
 extern PELVOR_EXPORT NSString* const PBMenuItemShortcutAttributeName;
 extern PELVOR_EXPORT NSString* const PBMenuItemOriginalTitleAttributeName;
 
-/// Gives the item the shortcut, of one key or of several, in the place of any that it had; null takes a
-/// shortcut away.
+/// Gives the item the shortcut, of one key or of several, in the place of any that it had. Null takes the
+/// shortcut away; the item then has no key equivalent, and 0 as keyEquivalentModifierMask.
 PELVOR_EXPORT void setPelvorShortcut(NSMenuItem* item, id shortcut);
 
 /// Whether the item shows a shortcut of several keys, which is written to the first pointer. The title
@@ -71,8 +78,9 @@ PELVOR_EXPORT void highlightInMenuBar(NSMenu* menu, bool isHighlighted);
 
 // MARK: Validation
 //
-// An object that takes an action may have a validator of the action's name: validateCopy: for copy:. It is
-// sent the item and returns whether the item is to be enabled.
+// A validator is a method named after an action, validateCopy: for copy:, that is sent the item and returns
+// whether the item is to be enabled, a bool. An object that takes actions has its validators called by a
+// `validateMenuItem:` of its own; menus do not look for validators themselves.
 //
 //     bool Editor::validateMenuItem(NSMenuItem* item) {
 //         bool isEnabled = true;
@@ -85,9 +93,11 @@ PELVOR_EXPORT void highlightInMenuBar(NSMenu* menu, bool isHighlighted);
 class PBValidatorCache;
 
 /// Asks the target's validator for the action of the item, an object that responds to `action`. Returns false
-/// if there is no such validator; else its answer is written to the pointer, which may be null.
+/// if there is no such validator; else the validator's result is written to the pointer, which may be null.
+/// Of a validator that returns nothing, the result is false, and the log says once that its items stay
+/// disabled.
 PELVOR_EXPORT bool dispatchValidationTo_result(id item, id target, bool* result);
-/// The same with the cache of the target's class.
+/// Does the same with the cache of the target's class.
 PELVOR_EXPORT bool dispatchValidationTo_cache_result(id item, id target, PBValidatorCache* cache,
                                                      bool* result);
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// PBMenuItem: what every menu item of a program is, one that can show a shortcut of several keys.
+// PBMenuItem: the class that menu items are of once classes have posed; shows shortcuts of several keys.
 #pragma once
 
 #include "Interface/NSMenuItem.h"
@@ -9,9 +9,10 @@ namespace pelvor {
 class NSAttributedString;
 class NSString;
 
-/// Takes the place of NSMenuItem when the classes of a program pose. What the program sets as the title stays
-/// what `title` returns, also while the item shows the keys of a shortcut behind it (see
-/// NSMenuItem-PelvorAdditions.h), and the title that the item had first can be asked for:
+/// Takes the place of NSMenuItem in `PBPostLoader::processClasses`: an item that is made afterwards, also by
+/// `NSMenuItem::init…`, is a PBMenuItem. `title` returns what the program set as the title, also while the
+/// item shows the keys of a shortcut behind the title (see NSMenuItem-PelvorAdditions.h). `trueTitle` returns
+/// the title that the item had first:
 ///
 ///     NSMenuItem* item = menu->addItemWithTitle_action_keyEquivalent(u"Find"_ns, "find:"_sel, u""_ns);
 ///     setPelvorShortcut(item, shortcut);              // the item shows "Find      Ctrl+K F"
@@ -25,7 +26,7 @@ class PELVOR_EXPORT PBMenuItem : public NSMenuItem {
     PELVOR_INHERITED_CREATORS(init, separatorItem);
 
   public:
-    /// Has every item that is made from now on be one of this class.
+    /// Makes every item that is made from now on a PBMenuItem.
     static void performPosing();
 
     static Retained<PBMenuItem> initWithTitle_action_keyEquivalent(NSString* title, SEL action,
@@ -44,7 +45,7 @@ class PELVOR_EXPORT PBMenuItem : public NSMenuItem {
     /// Changes the title, and leaves the keys of a shortcut behind it. Does nothing for null. The first title
     /// that is not empty becomes the true title.
     void setTitle(NSString* title) override;
-    /// Changes the attributed title in the same way. Null shows the plain title.
+    /// Changes the attributed title, and leaves the keys of a shortcut behind it. Null shows the plain title.
     void setAttributedTitle(NSAttributedString* title) override;
 
     /// NSMenuItem's own operations, which know of no shortcut.

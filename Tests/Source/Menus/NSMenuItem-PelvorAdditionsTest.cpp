@@ -48,6 +48,7 @@ class MTEditor : public NSObject {
 
   public:
     bool validateCopy(NSMenuItem* item) { return lastItem = item, canCopy; }
+    void validateCut(NSMenuItem* item) { lastItem = item; }
 
     NSMenuItem* lastItem = nullptr;
     bool canCopy = true;
@@ -55,6 +56,7 @@ class MTEditor : public NSObject {
 
 PELVOR_DEFINE_CLASS(MTEditor, menuTestLibrary) {
     methods.instance<"validateCopy:", &MTEditor::validateCopy>();
+    methods.instance<"validateCut:", &MTEditor::validateCut>();
 }
 
 Library menuTestLibrary{"MenuTest", {}, kClassesOf<MTShortcut, MTEditor>, {}};
@@ -222,6 +224,12 @@ TEST_F(MenuItemAdditions, FindValidatorsByTheNameOfTheAction) {
     EXPECT_FALSE(dispatchValidationTo_result(NSMenuItem::separatorItem(), editor, &result));
     EXPECT_FALSE(dispatchValidationTo_result(copy, nullptr, &result));
     EXPECT_TRUE(result);
+    LogLines log;
+    auto cut = NSMenuItem::initWithTitle_action_keyEquivalent(u"Cut"_ns, "cut:"_sel, u""_ns);
+    for (int i = 0; i < 2; ++i) EXPECT_TRUE(dispatchValidationTo_result(cut, editor, &result));
+    EXPECT_FALSE(result);
+    EXPECT_THAT(log.lines, testing::ElementsAre("-[MTEditor validateCut:] returns nothing, so that its menu "
+                                                "items stay disabled: declare it bool"));
 }
 
 // MARK: Pruning
