@@ -41,89 +41,80 @@ Retained<NSString> copied(NSString* text) { return (text ? text : u""_ns)->copy(
 
 }  // namespace
 
-NSButtonCell::NSButtonCell()
-    : _title(copied(nullptr)), _alternateTitle(copied(nullptr)), _keyEquivalent(copied(nullptr)) {
+NSButtonCell::NSButtonCell() {
+    _button.title = _button.alternateTitle = _button.keyEquivalent = copied(nullptr);
     _values.isBordered = true;
     _values.alignment = NSCenterTextAlignment;
 }
 
 void NSButtonCell::takeProperties(NSCell* other) {
     NSActionCell::takeProperties(other);
-    auto* button = static_cast<NSButtonCell*>(other);
-    _type = button->_type;
-    _imagePosition = button->_imagePosition;
-    _keyEquivalentModifiers = button->_keyEquivalentModifiers;
-    _periodicDelay = button->_periodicDelay;
-    _periodicInterval = button->_periodicInterval;
-    _title = button->_title;
-    _alternateTitle = button->_alternateTitle;
-    _keyEquivalent = button->_keyEquivalent;
-    _attributedTitle = button->_attributedTitle;
-    _alternateImage = button->_alternateImage;
+    _button = static_cast<NSButtonCell*>(other)->_button;
 }
 
 // MARK: Properties
 
 void NSButtonCell::setButtonType(NSButtonType type) {
-    _type = type;
+    _button.type = type;
     setBordered(!hasMark());
     setAlignment(hasMark() ? NSNaturalTextAlignment : NSCenterTextAlignment);
     changed();
 }
 
 void NSButtonCell::setTitle(NSString* title) {
-    _attributedTitle = nullptr;
-    _title = copied(title);
+    _button.attributedTitle = nullptr;
+    _button.title = copied(title);
     changed();
 }
 
 NSAttributedString* NSButtonCell::attributedTitle() {
-    if (_attributedTitle) return _attributedTitle;
-    return NSAttributedString::initWithString_attributes(_title, textAttributes()).autorelease();
+    if (_button.attributedTitle) return _button.attributedTitle;
+    return NSAttributedString::initWithString_attributes(_button.title, textAttributes()).autorelease();
 }
 
 void NSButtonCell::setAttributedTitle(NSAttributedString* title) {
     if (title) setTitle(title->string());
-    _attributedTitle = title ? title->copy() : nullptr;
+    _button.attributedTitle = title ? title->copy() : nullptr;
     changed();
 }
 
 void NSButtonCell::setAlternateTitle(NSString* title) {
-    _alternateTitle = copied(title);
+    _button.alternateTitle = copied(title);
     changed();
 }
 
 void NSButtonCell::setAlternateImage(NSImage* image) {
-    _alternateImage.set(image);
+    _button.alternateImage.set(image);
     changed();
 }
 
 void NSButtonCell::setImage(NSImage* image) {
-    if (image && _imagePosition == NSNoImage) _imagePosition = _title->length() ? NSImageLeft : NSImageOnly;
+    if (image && _button.imagePosition == NSNoImage)
+        _button.imagePosition = _button.title->length() ? NSImageLeft : NSImageOnly;
     NSActionCell::setImage(image);
 }
 
 void NSButtonCell::setImagePosition(NSCellImagePosition position) {
-    _imagePosition = position;
+    _button.imagePosition = position;
     changed();
 }
 
 void NSButtonCell::setKeyEquivalent(NSString* key) {
-    _keyEquivalent = copied(key);
+    _button.keyEquivalent = copied(key);
     lookChanged();
 }
 
 void NSButtonCell::setNextState() {
-    if (_type == NSMomentaryLightButton || _type == NSMomentaryChangeButton ||
-        _type == NSMomentaryPushInButton)
+    if (_button.type == NSMomentaryLightButton || _button.type == NSMomentaryChangeButton ||
+        _button.type == NSMomentaryPushInButton)
         return;
-    if (_type != NSRadioButton) return NSActionCell::setNextState();
+    if (_button.type != NSRadioButton) return NSActionCell::setNextState();
     NSView* view = controlView();
     NSArray* siblings = view && view->superview() && action() ? view->superview()->subviews() : nullptr;
     for (NSUInteger i = 0; siblings && i < siblings->count(); ++i) {
         auto* control = cast<NSControl>(siblings->objectAtIndex(i));
         auto* button = control ? cast<NSButtonCell>(control->cell()) : nullptr;
-        if (button && button != this && button->_type == NSRadioButton && button->action() == action())
+        if (button && button != this && button->_button.type == NSRadioButton && button->action() == action())
             button->setState(NSOffState);
     }
     setState(NSOnState);
@@ -136,40 +127,42 @@ void NSButtonCell::setObjectValue(id value) {
 }
 
 void NSButtonCell::setPeriodicDelay_interval(float delay, float interval) {
-    _periodicDelay = delay;
-    _periodicInterval = interval;
+    _button.periodicDelay = delay;
+    _button.periodicInterval = interval;
 }
 
 void NSButtonCell::getPeriodicDelay_interval(float* delay, float* interval) {
-    if (delay) *delay = _periodicDelay;
-    if (interval) *interval = _periodicInterval;
+    if (delay) *delay = _button.periodicDelay;
+    if (interval) *interval = _button.periodicInterval;
 }
 
 // MARK: Room
 
 id NSButtonCell::shownTitle() {
-    const bool alternates = _type == NSToggleButton && state() == NSOnState && _alternateTitle->length();
-    if (alternates) return _alternateTitle;
-    if (_attributedTitle) return _attributedTitle;
-    return _title->length() ? _title.get() : nullptr;
+    const bool alternates =
+        _button.type == NSToggleButton && state() == NSOnState && _button.alternateTitle->length();
+    if (alternates) return _button.alternateTitle;
+    if (_button.attributedTitle) return _button.attributedTitle;
+    return _button.title->length() ? _button.title.get() : nullptr;
 }
 
 NSImage* NSButtonCell::shownImage() {
-    if (_imagePosition == NSNoImage) return nullptr;
-    const bool alternates =
-        _type == NSMomentaryChangeButton ? isHighlighted() : _type == NSToggleButton && state() == NSOnState;
-    return alternates && _alternateImage ? _alternateImage.get() : image();
+    if (_button.imagePosition == NSNoImage) return nullptr;
+    const bool alternates = _button.type == NSMomentaryChangeButton
+                                ? isHighlighted()
+                                : _button.type == NSToggleButton && state() == NSOnState;
+    return alternates && _button.alternateImage ? _button.alternateImage.get() : image();
 }
 
 NSSize NSButtonCell::cellSizeForBounds(NSRect) {
     NSImage* image = shownImage();
-    id title = image && _imagePosition == NSImageOnly ? nullptr : shownTitle();
+    id title = image && _button.imagePosition == NSImageOnly ? nullptr : shownTitle();
     NSSize total = title ? sizeOfText_width(title, 1.0e4f) : NSSize{0, font()->defaultLineHeightForFont()};
     if (image) {
         const NSSize size = image->size();
-        const bool isStacked = _imagePosition == NSImageBelow || _imagePosition == NSImageAbove;
+        const bool isStacked = _button.imagePosition == NSImageBelow || _button.imagePosition == NSImageAbove;
         const float gap = title ? metrics::kImageGap : 0;
-        if (!title || _imagePosition == NSImageOverlaps)
+        if (!title || _button.imagePosition == NSImageOverlaps)
             total = {std::max(total.width, size.width), std::max(total.height, size.height)};
         else if (isStacked)
             total = {std::max(total.width, size.width), total.height + gap + size.height};
@@ -202,12 +195,13 @@ NSButtonCell::Parts NSButtonCell::partsInFrame(NSRect frame) {
     if (!image) return parts;
     parts.image = rest;
     id title = shownTitle();
-    if (!title || _imagePosition == NSImageOnly || _imagePosition == NSImageOverlaps) return parts;
-    const bool isStacked = _imagePosition == NSImageBelow || _imagePosition == NSImageAbove;
-    const NSRectEdge edge = _imagePosition == NSImageBelow   ? NSMaxYEdge
-                            : _imagePosition == NSImageAbove ? NSMinYEdge
-                            : _imagePosition == NSImageRight ? NSMaxXEdge
-                                                             : NSMinXEdge;
+    if (!title || _button.imagePosition == NSImageOnly || _button.imagePosition == NSImageOverlaps)
+        return parts;
+    const bool isStacked = _button.imagePosition == NSImageBelow || _button.imagePosition == NSImageAbove;
+    const NSRectEdge edge = _button.imagePosition == NSImageBelow   ? NSMaxYEdge
+                            : _button.imagePosition == NSImageAbove ? NSMinYEdge
+                            : _button.imagePosition == NSImageRight ? NSMaxXEdge
+                                                                    : NSMinXEdge;
     if (!isStacked && alignment() == NSCenterTextAlignment) {
         // Image and title stand in the middle together.
         const float width = std::min(rest.size.width, image->size().width + metrics::kImageGap +
@@ -226,10 +220,10 @@ NSRect NSButtonCell::imageRectForBounds(NSRect bounds) { return partsInFrame(bou
 
 // MARK: Drawing
 
-bool NSButtonCell::isDefault() { return isBordered() && _keyEquivalent->isEqualToString(u"\r"_ns); }
+bool NSButtonCell::isDefault() { return isBordered() && _button.keyEquivalent->isEqualToString(u"\r"_ns); }
 
 bool NSButtonCell::looksPressed() {
-    const bool staysDown = _type == NSPushOnPushOffButton || _type == NSOnOffButton;
+    const bool staysDown = _button.type == NSPushOnPushOffButton || _button.type == NSOnOffButton;
     return isHighlighted() || (staysDown && state() == NSOnState);
 }
 
@@ -261,7 +255,7 @@ void NSButtonCell::drawInteriorWithFrame_inView(NSRect frame, NSView* view) {
     if (hasMark()) drawMark(parts.mark);
     if (NSImage* image = shownImage()) drawImage_withFrame_inView(image, parts.image, view);
     id title = shownTitle();
-    if (!title || (shownImage() && _imagePosition == NSImageOnly)) return;
+    if (!title || (shownImage() && _button.imagePosition == NSImageOnly)) return;
     if (auto* plain = cast<NSString>(title)) {
         auto attributed = NSAttributedString::initWithString_attributes(plain, textAttributes());
         drawTitle_withFrame_inView(attributed, parts.title, view);
@@ -284,7 +278,7 @@ NSRect NSButtonCell::drawTitle_withFrame_inView(NSAttributedString* title, NSRec
 void NSButtonCell::drawMark(NSRect place) {
     constexpr float kSize = metrics::kSwitchSize;
     place = {{place.origin.x, std::floor(NSMidY(place) - kSize / 2)}, {kSize, kSize}};
-    const float radius = _type == NSRadioButton ? kSize / 2 : metrics::kCornerRadius - 1;
+    const float radius = _button.type == NSRadioButton ? kSize / 2 : metrics::kCornerRadius - 1;
     const bool isFilled = state() != NSOffState && isEnabled();
     if (isFilled) {
         fillRounded(place, radius, isHighlighted() ? ThemeColor::pressedAccent : ThemeColor::accent);
@@ -296,7 +290,7 @@ void NSButtonCell::drawMark(NSRect place) {
     if (state() == NSMixedState)
         drawDash(place, ink);
     else if (state() == NSOnState)
-        _type == NSRadioButton ? drawDot(place, ink) : drawCheckMark(place, ink);
+        _button.type == NSRadioButton ? drawDot(place, ink) : drawCheckMark(place, ink);
     if (showsFirstResponder()) drawFocusRing(NSInsetRect(place, 1, 1), radius);
 }
 

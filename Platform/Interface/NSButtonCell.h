@@ -31,10 +31,10 @@ class PELVOR_EXPORT NSButtonCell : public NSActionCell {
     PELVOR_INHERITED_CREATORS(init, initTextCell, initImageCell);
 
   public:
-    NSButtonType buttonType() { return _type; }
+    NSButtonType buttonType() { return _button.type; }
     void setButtonType(NSButtonType type);
 
-    NSString* title() override { return _title; }
+    NSString* title() override { return _button.title; }
     /// Copies the title, in the place of an attributed one; null stands for "".
     void setTitle(NSString* title) override;
     /// The title with the attributes that it is drawn with.
@@ -42,22 +42,22 @@ class PELVOR_EXPORT NSButtonCell : public NSActionCell {
     /// Null leaves the plain title.
     void setAttributedTitle(NSAttributedString* title);
     /// What a button that toggles is called while it is on; "" for no other title.
-    NSString* alternateTitle() { return _alternateTitle; }
+    NSString* alternateTitle() { return _button.alternateTitle; }
     void setAlternateTitle(NSString* title);
-    NSImage* alternateImage() { return _alternateImage; }
+    NSImage* alternateImage() { return _button.alternateImage; }
     /// The image of a button that toggles or changes while it is on or held down; null for no other image.
     void setAlternateImage(NSImage* image);
     /// Puts the image beside the title if there was none.
     void setImage(NSImage* image) override;
-    NSCellImagePosition imagePosition() { return _imagePosition; }
+    NSCellImagePosition imagePosition() { return _button.imagePosition; }
     void setImagePosition(NSCellImagePosition position);
 
     /// The key that clicks the button, with the modifiers of the mask; "" for none. A button whose key is
     /// "\r" looks like the one that is meant.
-    NSString* keyEquivalent() override { return _keyEquivalent; }
+    NSString* keyEquivalent() override { return _button.keyEquivalent; }
     void setKeyEquivalent(NSString* key);
-    NSUInteger keyEquivalentModifierMask() { return _keyEquivalentModifiers; }
-    void setKeyEquivalentModifierMask(NSUInteger mask) { _keyEquivalentModifiers = mask; }
+    NSUInteger keyEquivalentModifierMask() { return _button.keyEquivalentModifiers; }
+    void setKeyEquivalentModifierMask(NSUInteger mask) { _button.keyEquivalentModifiers = mask; }
 
     /// A radio button is switched on, and the other ones with its action in the same view off. A push button
     /// keeps its state.
@@ -103,18 +103,21 @@ class PELVOR_EXPORT NSButtonCell : public NSActionCell {
     NSImage* shownImage();
 
   private:
-    bool hasMark() { return _type == NSSwitchButton || _type == NSRadioButton; }
+    bool hasMark() { return _button.type == NSSwitchButton || _button.type == NSRadioButton; }
     bool isDefault();
     bool looksPressed();
     void drawMark(NSRect place);
 
-    NSButtonType _type = NSMomentaryPushInButton;
-    NSCellImagePosition _imagePosition = NSNoImage;
-    NSUInteger _keyEquivalentModifiers = 0;
-    float _periodicDelay = 0.4f, _periodicInterval = 0.075f;
-    Retained<NSString> _title, _alternateTitle, _keyEquivalent;
-    Retained<NSAttributedString> _attributedTitle;
-    Retained<NSImage> _alternateImage;
+    struct ButtonValues {
+        NSButtonType type = NSMomentaryPushInButton;
+        NSCellImagePosition imagePosition = NSNoImage;
+        NSUInteger keyEquivalentModifiers = 0;
+        float periodicDelay = 0.4f, periodicInterval = 0.075f;
+        Retained<NSString> title, alternateTitle, keyEquivalent;
+        Retained<NSAttributedString> attributedTitle;
+        Retained<NSImage> alternateImage;
+    };
+    ButtonValues _button;
 };
 
 }  // namespace pelvor
