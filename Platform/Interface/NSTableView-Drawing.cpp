@@ -93,20 +93,28 @@ void NSTableView::drawRow_clipRect(NSInteger row, NSRect clip) {
             continue;
         }
         const auto column = _columns[i];
-        const auto cell = Retained<NSCell>::retaining(preparedCell(column, index, row));
+        const auto cell = preparedCell(column, index, row);
         if (cell) cell->drawWithFrame_inView(frameOfCellAtColumn_row(index, row), this);
     }
 }
 
-// The column's cell with the value and the look of the row.
-NSCell* NSTableView::preparedCell(NSTableColumn* column, NSInteger columnIndex, NSInteger row) {
+// The column's cell with the value and the look of the row; owned, since the data source or the delegate may
+// have given the column another one meanwhile.
+Retained<NSCell> NSTableView::preparedCell(NSTableColumn* column, NSInteger columnIndex, NSInteger row) {
     if (_trackedCell && row == _clickedRow && columnIndex == _clickedColumn) return _trackedCell;
-    const auto cell = Retained<NSCell>::retaining(column->dataCellForRow(row));
+    auto cell = Retained<NSCell>::retaining(column->dataCellForRow(row));
     if (!cell) return nullptr;
     cell->setObjectValue(objectValueAtColumn_row(column, row));
     cell->setHighlighted((isRowSelected(row) || isColumnSelected(columnIndex)) && isActive());
     tellDelegate("tableView:willDisplayCell:forTableColumn:row:"_sel, this, cell.get(), column, row);
     return cell;
+}
+
+// A copy of that cell, to keep while the column's own cell draws other rows.
+Retained<NSCell> NSTableView::copiedCell(NSTableColumn* column, NSInteger columnIndex, NSInteger row) {
+    const CellUse use(_cellUses);
+    const auto cell = preparedCell(column, columnIndex, row);
+    return cell ? cell->copy() : nullptr;
 }
 
 // MARK: The look of the selection

@@ -36,10 +36,7 @@ void NSTableView::editColumn_row_withEvent_select(NSInteger column, NSInteger ro
     const auto self = Retained<NSTableView>::retaining(this);
     if (!window() || !window()->makeFirstResponder(this)) return;
     const auto edited = _columns[static_cast<std::size_t>(column)];
-    ++_cellUses;
-    NSCell* prepared = preparedCell(edited, column, row);
-    _editedCell = prepared ? prepared->copy() : nullptr;
-    --_cellUses;
+    _editedCell = copiedCell(edited, column, row);
     if (!_editedCell || !window() || !isColumn(column) || !isRow(row)) return;
     scrollRowToVisible(row);
     scrollColumnToVisible(column);

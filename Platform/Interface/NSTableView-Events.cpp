@@ -120,10 +120,8 @@ bool NSTableView::trackCell(NSEvent* event) {
         return false;
     const NSInteger row = _clickedRow;
     const NSRect frame = frameOfCellAtColumn_row(_clickedColumn, row);
-    // The column's own cell draws other rows meanwhile.
-    ++_cellUses;
-    const auto cell = preparedCell(column, _clickedColumn, row)->copy();
-    --_cellUses;
+    const auto cell = copiedCell(column, _clickedColumn, row);
+    if (!cell) return false;
     const auto before = Retained<Object>::retaining(cell->objectValue());
     cell->setControlView(this);
     _trackedCell = cell;

@@ -284,7 +284,8 @@ class PELVOR_EXPORT NSTableView : public NSControl {
     bool isColumn(NSInteger column) { return column >= 0 && column < numberOfColumns(); }
     float visibleWidth();
     void distribute(float difference);
-    NSCell* preparedCell(NSTableColumn* column, NSInteger columnIndex, NSInteger row);
+    Retained<NSCell> preparedCell(NSTableColumn* column, NSInteger columnIndex, NSInteger row);
+    Retained<NSCell> copiedCell(NSTableColumn* column, NSInteger columnIndex, NSInteger row);
 
     // Whether the delegate has no method for the question, or says yes.
     template <class... Arguments>

@@ -104,6 +104,12 @@ TEST_F(TableTest, DrawsTheSelectionByWhereKeysGo) {
 TEST_F(TableTest, SurvivesDataSourcesThatChangeItWhileItIsDrawn) {
     rows->whenAsked = [&] {
         rows->whenAsked = nullptr;
+        for (const auto& column : table->columns()) column->setDataCell(NSButtonCell::init().get());
+    };
+    table->setNeedsDisplay(true);
+    screen.turn();
+    rows->whenAsked = [&] {
+        rows->whenAsked = nullptr;
         table->removeTableColumn(table->tableColumnWithIdentifier(u"a"_ns));
         table->removeTableColumn(table->tableColumnWithIdentifier(u"b"_ns));
         rows->values.clear();
@@ -307,6 +313,17 @@ TEST_F(TableTest, EditsByDoubleClicksAndKeys) {
     screen.type(u"cow");
     screen.press(NSCarriageReturnCharacter);
     EXPECT_EQ(shown(table->editedRow(), rows->values[2]), "-1 cow");
+}
+
+TEST_F(TableTest, DrawsChangedCellsAfterItsDataSourceRaised) {
+    screen.turn();
+    rows->whenAsked = [] { throw 1; };
+    EXPECT_THROW(table->editColumn_row_withEvent_select(0, 0, nullptr, true), int);
+    rows->whenAsked = nullptr;
+    rows->asked = 0;
+    table->columns()[0]->dataCell()->setAlignment(NSRightTextAlignment);
+    screen.turn();
+    EXPECT_EQ(rows->asked, 5);
 }
 
 TEST_F(TableTest, EndsEditingWhenItIsLeftOrItsDataChange) {
