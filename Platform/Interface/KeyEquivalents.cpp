@@ -46,11 +46,6 @@ const Name kKeyNames[] = {
     {NSPageDownFunctionKey, u"_Page Down"_ns},
 };
 
-NSString* localized(NSString* key) {
-    NSString* text = localizedLibraryText(key);
-    return text ? text : key->substringFromIndex(1);
-}
-
 bool isFunctionKey(unichar key) { return key >= kFirstFunctionKey && key <= kLastFunctionKey; }
 
 // Whether nobody needs Shift to type the key on any layout.
@@ -73,13 +68,13 @@ bool isKeyEquivalent(NSString* equivalent, NSUInteger mask, NSString* characters
 NSString* modifierText(NSUInteger modifiers) {
     NSString* text = u""_ns;
     for (const auto& [mask, name] : kModifierNames)
-        if (modifiers & mask) text = text->stringByAppendingFormat(u"%@+"_ns, localized(name));
+        if (modifiers & mask) text = text->stringByAppendingFormat(u"%@+"_ns, localizedLibraryText(name));
     return text;
 }
 
 NSString* keyText(unichar character) {
     for (const auto& [key, name] : kKeyNames)
-        if (key == character) return localized(name);
+        if (key == character) return localizedLibraryText(name);
     if (character >= NSF1FunctionKey && character <= NSF35FunctionKey)
         return NSString::stringWithFormat(u"F%d"_ns, character - NSF1FunctionKey + 1);
     const unichar capital = static_cast<unichar>(u_toupper(character));

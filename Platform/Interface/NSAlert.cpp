@@ -7,6 +7,7 @@
 #include "Foundation/LibraryTexts.h"
 #include "Foundation/NSLog.h"
 #include "Foundation/NSMutableArray.h"
+#include "Interface/Backend/DisplayConnection.h"
 #include "Interface/Drawing/Theme.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/Menus/AlertView.h"
@@ -36,11 +37,6 @@ namespace {
 
 Retained<NSString> copied(NSString* text) { return (text ? text : u""_ns)->copy(); }
 
-NSString* localized(NSString* key) {
-    NSString* text = localizedLibraryText(key);
-    return text ? text : key->substringFromIndex(1);
-}
-
 }  // namespace
 
 NSAlert::NSAlert()
@@ -68,13 +64,13 @@ NSArray* NSAlert::buttons() { return NSArray::arrayWithArray(_buttons); }
 
 NSButton* NSAlert::addButtonWithTitle(NSString* title) {
     auto button = NSButton::initWithFrame(NSZeroRect);
-    button->setTitle(title ? title : localized(u"_OK"_ns));
+    button->setTitle(title ? title : localizedLibraryText(u"_OK"_ns));
     button->setTag(static_cast<int>(NSAlertFirstButtonReturn + static_cast<NSInteger>(_buttons->count())));
     button->setTarget(this);
     button->setAction("buttonPressed:"_sel);
     if (_buttons->count() == 0)
         button->setKeyEquivalent(u"\r"_ns);
-    else if (button->title()->isEqualToString(localized(u"_Cancel"_ns)))
+    else if (button->title()->isEqualToString(localizedLibraryText(u"_Cancel"_ns)))
         button->setKeyEquivalent(u"\x1b"_ns);
     _buttons->addObject(button);
     return button;
@@ -87,7 +83,7 @@ void NSAlert::buttonPressed(id button) {
 
 NSInteger NSAlert::runModal() {
     NSApplication* application = NSApplication::sharedApplication();
-    if (!application->hasDisplay() && !application->isRunning()) {
+    if (!DisplayConnection::shared().hasUser() || (!application->hasDisplay() && !application->isRunning())) {
         NSLog(u"%@: %@"_ns, _messageText.get(), _informativeText.get());
         return NSAlertErrorReturn;
     }

@@ -22,7 +22,7 @@ enum : NSInteger {
     NSAlertDefaultReturn = 1,
     NSAlertAlternateReturn = 0,
     NSAlertOtherReturn = -1,
-    NSAlertErrorReturn = -2,  ///< nobody could be asked
+    NSAlertErrorReturn = -2,  ///< nobody could be asked, or nobody can reply any more
 };
 
 /// A panel that tells the user something, or asks which of a few things to do:
@@ -59,8 +59,9 @@ class PELVOR_EXPORT NSAlert : public NSObject {
     NSArray* buttons();
 
     /// Shows the alert until a button is pressed, and returns that button's tag. An alert without buttons
-    /// gets one. Where nobody can press a button, in a program without a display outside NSApplication's
-    /// `run`, it logs the texts and returns NSAlertErrorReturn.
+    /// gets an "OK" button. In a program without a display, where nobody can press a button, this logs the
+    /// texts and returns NSAlertErrorReturn at once; when the display goes while the alert is shown, it
+    /// returns NSAlertErrorReturn, too.
     NSInteger runModal();
     /// The panel while the alert runs, else null.
     NSWindow* window() { return _window; }

@@ -80,7 +80,10 @@ void DisplayConnection::connect(const Opener& opener) {
 DisplayConnection* DisplayConnection::existing() { return sharedConnection().get(); }
 
 DisplayConnection& DisplayConnection::shared() {
-    if (!sharedConnection()) open(&openBackend);
+    if (!sharedConnection()) {
+        open(&openBackend);
+        sharedConnection()->_isPlayed = false;
+    }
     return *sharedConnection();
 }
 
@@ -295,6 +298,7 @@ bool DisplayConnection::drag(BackendWindow number, const BackendDrag& drag) {
 }
 
 void DisplayConnection::lost(const std::string& reason) {
+    _isPlayed = false;
     if (_descriptor >= 0)
         NSRunLoop::mainRunLoop()->removeDescriptor_forMode(std::exchange(_descriptor, -1),
                                                            NSRunLoopCommonModes);

@@ -33,12 +33,15 @@ class PELVOR_EXPORT DisplayConnection final : public BackendSink {
     /// Null before the first demand.
     static DisplayConnection* existing();
     using Opener = std::function<std::unique_ptr<InterfaceBackend>(BackendSink&)>;
-    /// Opens a connection of one's own, in place of what `shared` would open; for tests.
+    /// Opens a connection of one's own, in place of what `shared` would open; for tests, which play the user.
     static void open(const Opener& opener);
     static void close();
     ~DisplayConnection();
 
     InterfaceBackend& backend() { return *_backend; }
+    /// Whether somebody can press keys: a user at a display, or whoever opened the connection, until it is
+    /// lost.
+    bool hasUser() const { return _isPlayed || _backend->hasDisplay(); }
 
     // Points and pixels
 
@@ -105,7 +108,7 @@ class PELVOR_EXPORT DisplayConnection final : public BackendSink {
     Retained<Object> _watcher;
     Retained<Object> _timeout;
     std::unique_ptr<InterfaceBackend> _backend;
-    bool _needsTurn = false;
+    bool _needsTurn = false, _isPlayed = true;
     int _descriptor = -1;
 };
 

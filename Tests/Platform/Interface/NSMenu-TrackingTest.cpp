@@ -4,6 +4,7 @@
 #include "Foundation/NSObject-DelayedPerforming.h"
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSTimer.h"
+#include "Interface/Events/ApplicationState.h"
 #include "Interface/NSAlert.h"
 #include "Interface/NSMenu.h"
 #include "Interface/NSMenuBarView.h"
@@ -412,6 +413,39 @@ TEST_F(MenuTracking, AsksInAlerts) {
         screen.app->run();
         EXPECT_EQ(answer, row.answer) << int{row.key};
     }
+}
+
+// Runs the application until an alert has returned.
+NSInteger askWhileRunning(NSApplication* app) {
+    NSInteger answer = 0;
+    auto asks = Listener::doing([&](id) {
+        answer = NSRunAlertPanel(u"Save?"_ns, u"It"_ns, nullptr, nullptr, nullptr);
+        app->stop(nullptr);
+    });
+    performSelector_withObject_afterDelay(asks, "hear:"_sel, nullptr, 0);
+    app->run();
+    return answer;
+}
+
+TEST_F(MenuTracking, AsksNobodyWhoIsGone) {
+    screen.backend->lose("the server closed the connection");
+    screen.turn();
+    plan({pressing(u'\r')}, 0.25, NSModalPanelRunLoopMode);  // would end an alert that is shown
+    LogLines log;
+    EXPECT_EQ(askWhileRunning(screen.app), NSAlertErrorReturn);
+    EXPECT_THAT(log.lines, ElementsAre("Save?: It"));
+}
+
+TEST(NSAlertTest, AsksNobodyWithoutDisplay) {
+    EnvironmentScope display("PELVOR_DISPLAY", "none");
+    ApplicationState::end();
+    AutoreleasePool pool;
+    NSApplication* app = NSApplication::sharedApplication();
+    app->setTerminatesProcess(false);
+    LogLines log;
+    EXPECT_EQ(askWhileRunning(app), NSAlertErrorReturn);
+    EXPECT_THAT(log.lines, ElementsAre("Save?: It"));
+    ApplicationState::end();
 }
 
 }  // namespace
