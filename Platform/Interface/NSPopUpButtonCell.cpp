@@ -50,7 +50,9 @@ void NSPopUpButtonCell::takeProperties(NSCell* other) {
     NSButtonCell::takeProperties(other);
     auto* button = static_cast<NSPopUpButtonCell*>(other);
     _pullsDown = button->_pullsDown;
-    if (button->_menu) setMenu(button->_menu);
+    _menu = button->_menu;
+    if (_menu) _menu->addObserver(this);
+    _isEmpty = button->_isEmpty;
     _selectedItem = button->_selectedItem;
 }
 
@@ -70,17 +72,26 @@ void NSPopUpButtonCell::setMenu(NSMenu* menu) {
     const auto former = std::exchange(_menu, Retained<NSMenu>::retaining(menu));
     if (former) former->removeObserver(this);
     if (menu) menu->addObserver(this);
-    selectItem(menu && menu->numberOfItems() > 0 ? menu->itemAtIndex(0) : nullptr);
+    _isEmpty = !menu || menu->numberOfItems() == 0;
+    selectItem(_isEmpty ? nullptr : menu->itemAtIndex(0));
 }
 
 void NSPopUpButtonCell::menuDidChange(NSMenu* menu) {
-    if (!_selectedItem && menu->numberOfItems() > 0) _selectedItem.set(menu->itemAtIndex(0));
+    // The first item that an empty menu gets is selected.
+    const bool wasEmpty = std::exchange(_isEmpty, menu->numberOfItems() == 0);
+    if (_isEmpty)
+        _selectedItem = nullptr;
+    else if (wasEmpty)
+        selectItem(menu->itemAtIndex(0));
     changed();
 }
 
+// Menus that are pulled down mark no item.
 void NSPopUpButtonCell::setPullsDown(bool pullsDown) {
+    const auto selected = Retained<NSMenuItem>::retaining(selectedItem());
+    selectItem(nullptr);
     _pullsDown = pullsDown;
-    changed();
+    selectItem(selected);
 }
 
 NSMenuItem* NSPopUpButtonCell::selectedItem() {

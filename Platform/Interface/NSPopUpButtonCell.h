@@ -29,7 +29,8 @@ class PELVOR_EXPORT NSPopUpButtonCell : public NSButtonCell, private MenuObserve
     void setPullsDown(bool pullsDown);
     /// Null if nothing is selected, or the item is no longer in the menu.
     NSMenuItem* selectedItem();
-    /// Selects the item, which gets a mark; null, or an item of another menu, selects nothing.
+    /// Selects the item, which gets a mark unless the menu is pulled down; null, or an item of another menu,
+    /// selects nothing.
     void selectItem(NSMenuItem* item);
 
     /// Opens the menu at the frame in the view, and does what the chosen item says.
@@ -57,6 +58,7 @@ class PELVOR_EXPORT NSPopUpButtonCell : public NSButtonCell, private MenuObserve
     Retained<NSMenu> _menu;
     Retained<NSMenuItem> _selectedItem;
     bool _pullsDown = false;
+    bool _isEmpty = true;  // the menu, when it was last seen
 };
 
 }  // namespace pelvor

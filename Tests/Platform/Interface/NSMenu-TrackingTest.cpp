@@ -364,8 +364,8 @@ TEST_F(MenuTracking, SelectsInPopUpButtons) {
     button->setAction("choose:"_sel);
     window->contentView()->addSubview(button);
     EXPECT_EQ(shown(button->numberOfItems(), button->titleOfSelectedItem(),
-                    button->indexOfItemWithTitle(u"Letter"_ns)),
-              "3 A4 2");
+                    button->indexOfItemWithTitle(u"Letter"_ns), button->itemAtIndex(0)->state()),
+              "3 A4 2 1");
     // The selected line opens over the button, so a click in place changes nothing; keys go on from there.
     plan({[&] { EXPECT_NEAR(NSMidY(menuWindow()->frame()) + 22, 100 + 33, 2); },
           pressing(NSDownArrowFunctionKey), pressing(u'\r')});
@@ -374,16 +374,27 @@ TEST_F(MenuTracking, SelectsInPopUpButtons) {
     EXPECT_EQ(shown(button->indexOfSelectedItem(), button->itemAtIndex(1)->state(),
                     button->itemAtIndex(0)->state()),
               "1 1 0");
+    const auto copied = button->cell()->copy();  // shows the same menu, and marks nothing else there
+    EXPECT_EQ(shown(copied->title(), button->itemAtIndex(0)->state()), "A5 0");
     button->removeItemAtIndex(1);
     EXPECT_EQ(button->selectedItem(), nullptr);
     plan({pressing(0x1b)});
     screen.click(button, {60, 10});
     EXPECT_EQ(takeLog(), "");
-    // A pull-down button keeps its title.
+    // A pull-down button keeps its title, and marks nothing.
+    button->selectItemAtIndex(0);
     button->setPullsDown(true);
+    EXPECT_EQ(shown(button->indexOfSelectedItem(), button->itemAtIndex(0)->state()), "0 0");
     plan({pressing(NSEndFunctionKey), pressing(u'\r')});
     screen.click(button, {60, 10});
     EXPECT_EQ(takeLog() + shown(button->cell()->title()), "chose LetterA4");
+    button->setPullsDown(false);
+    EXPECT_EQ(button->itemAtIndex(1)->state(), 1);
+    button->selectItemAtIndex(-1);
+    EXPECT_EQ(shown(button->indexOfSelectedItem(), button->itemAtIndex(1)->state()), "-1 0");
+    button->removeAllItems();
+    button->addItemWithTitle(u"A3"_ns);
+    EXPECT_EQ(shown(button->titleOfSelectedItem(), button->lastItem()->state()), "A3 1");
 }
 
 TEST_F(MenuTracking, AsksInAlerts) {
