@@ -15,6 +15,7 @@ PELVOR_DEFINE_CLASS(NSPopUpButton, interfaceLibrary) {
     methods.instance<"setPullsDown:", &NSPopUpButton::setPullsDown>();
     methods.instance<"addItemWithTitle:", &NSPopUpButton::addItemWithTitle>();
     methods.instance<"addItemsWithTitles:", &NSPopUpButton::addItemsWithTitles>();
+    methods.instance<"setItemTitles:", &NSPopUpButton::setItemTitles>();
     methods.instance<"insertItemWithTitle:atIndex:", &NSPopUpButton::insertItemWithTitle_atIndex>();
     methods.instance<"removeItemWithTitle:", &NSPopUpButton::removeItemWithTitle>();
     methods.instance<"removeItemAtIndex:", &NSPopUpButton::removeItemAtIndex>();
@@ -62,6 +63,14 @@ void NSPopUpButton::addItemWithTitle(NSString* title) {
 
 void NSPopUpButton::addItemsWithTitles(NSArray* titles) {
     for (id title : titles) addItemWithTitle(cast<NSString>(title));
+}
+
+void NSPopUpButton::setItemTitles(NSArray* titles) {
+    for (id title : titles)
+        if (!cast<NSString>(title)) raiseBadArgument("setItemTitles:", "an object of the array is no string");
+    removeAllItems();
+    addItemsWithTitles(titles);
+    selectItemAtIndex(numberOfItems() > 0 ? 0 : -1);
 }
 
 void NSPopUpButton::insertItemWithTitle_atIndex(NSString* title, NSInteger index) {

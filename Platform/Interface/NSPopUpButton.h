@@ -30,9 +30,13 @@ class PELVOR_EXPORT NSPopUpButton : public NSButton {
     bool pullsDown();
     void setPullsDown(bool pullsDown);
 
-    /// An item of that title that was there before goes. Raises NSInvalidArgumentException for null.
+    /// An item of that title that was there before goes. The first item that an empty menu gets is selected.
+    /// Raises NSInvalidArgumentException for null.
     void addItemWithTitle(NSString* title);
     void addItemsWithTitles(NSArray* titles);
+    /// Replaces all items by items with these titles, and selects the first; for interface files. Raises
+    /// NSInvalidArgumentException for an object that is no string. Null stands for no titles.
+    void setItemTitles(NSArray* titles);
     void insertItemWithTitle_atIndex(NSString* title, NSInteger index);
     void removeItemWithTitle(NSString* title);
     void removeItemAtIndex(NSInteger index);

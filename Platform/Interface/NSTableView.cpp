@@ -30,6 +30,7 @@ PELVOR_DEFINE_CLASS(NSTableView, interfaceLibrary) {
     methods.instance<"numberOfRows", &NSTableView::numberOfRows>();
     methods.instance<"numberOfColumns", &NSTableView::numberOfColumns>();
     methods.instance<"tableColumns", &NSTableView::tableColumns>();
+    methods.instance<"setTableColumns:", &NSTableView::setTableColumns>();
     methods.instance<"addTableColumn:", &NSTableView::addTableColumn>();
     methods.instance<"removeTableColumn:", &NSTableView::removeTableColumn>();
     methods.instance<"columnWithIdentifier:", &NSTableView::columnWithIdentifier>();
@@ -194,6 +195,23 @@ NSArray* NSTableView::tableColumns() {
 NSInteger NSTableView::indexOfColumn(NSTableColumn* column) {
     const auto found = std::find(_columns.begin(), _columns.end(), column);
     return found == _columns.end() ? -1 : static_cast<NSInteger>(found - _columns.begin());
+}
+
+void NSTableView::setTableColumns(NSArray* columns) {
+    constexpr const char* kOperation = "setTableColumns:";
+    const auto self = Retained<NSTableView>::retaining(this);
+    std::vector<Retained<NSTableColumn>> wanted;
+    for (id object : columns) {
+        auto* column = cast<NSTableColumn>(object);
+        if (!column) raiseBadArgument(kOperation, "an object of the array is no column");
+        if (column->tableView() && column->tableView() != this)
+            raiseBadArgument(kOperation, "a column of the array is in another table");
+        if (std::find(wanted.begin(), wanted.end(), column) != wanted.end())
+            raiseBadArgument(kOperation, "a column stands in the array twice");
+        wanted.push_back(Retained<NSTableColumn>::retaining(column));
+    }
+    for (const auto& column : std::vector<Retained<NSTableColumn>>(_columns)) removeTableColumn(column);
+    for (const auto& column : wanted) addTableColumn(column);
 }
 
 void NSTableView::addTableColumn(NSTableColumn* column) {

@@ -98,6 +98,10 @@ class PELVOR_EXPORT NSTableView : public NSControl {
 
     /// An array that later changes leave alone, from the left to the right.
     NSArray* tableColumns();
+    /// Replaces all columns by these, from the left to the right; for interface files. Raises
+    /// NSInvalidArgumentException for an object that is no column, a column of another table, and one that
+    /// stands in the array twice. Null stands for no columns.
+    void setTableColumns(NSArray* columns);
     /// Behind all others. Raises NSInvalidArgumentException for null and for a column of another table.
     virtual void addTableColumn(NSTableColumn* column);
     /// Does nothing if the table does not have the column.
