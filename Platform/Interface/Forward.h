@@ -55,4 +55,8 @@ class NSMenuItem;         ///< one line of a menu
 class NSPopUpButton;      ///< a button that opens a menu and shows the chosen item
 class NSPopUpButtonCell;  ///< the same as a cell
 
+// Panels for files
+class NSOpenPanel;  ///< asks the user which files to open
+class NSSavePanel;  ///< asks the user where to save a file
+
 }  // namespace pelvor

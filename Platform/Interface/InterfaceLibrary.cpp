@@ -22,11 +22,13 @@
 #include "Interface/NSMenu.h"
 #include "Interface/NSMenuBarView.h"
 #include "Interface/NSMenuItem.h"
+#include "Interface/NSOpenPanel.h"
 #include "Interface/NSPanel.h"
 #include "Interface/NSPasteboard.h"
 #include "Interface/NSPopUpButton.h"
 #include "Interface/NSPopUpButtonCell.h"
 #include "Interface/NSResponder.h"
+#include "Interface/NSSavePanel.h"
 #include "Interface/NSScreen.h"
 #include "Interface/NSScrollView.h"
 #include "Interface/NSScroller.h"
@@ -75,11 +77,13 @@ constexpr Class* kClasses[] = {
     &NSMenu::classRecord,
     &NSMenuBarView::classRecord,
     &NSMenuItem::classRecord,
+    &NSOpenPanel::classRecord,
     &NSPanel::classRecord,
     &NSPasteboard::classRecord,
     &NSPopUpButton::classRecord,
     &NSPopUpButtonCell::classRecord,
     &NSResponder::classRecord,
+    &NSSavePanel::classRecord,
     &NSScreen::classRecord,
     &NSScrollView::classRecord,
     &NSScroller::classRecord,
