@@ -34,6 +34,7 @@ PELVOR_DEFINE_CLASS(WRDocument, writerLibrary) {
     methods.instance<"text", &WRDocument::text>();
     methods.instance<"richText", &WRDocument::richText>();
     methods.instance<"settings", &WRDocument::settings>();
+    methods.instance<"answer", &WRDocument::answer>();
     methods
         .instance<"replaceCharactersInRange:withString:", &WRDocument::replaceCharactersInRange_withString>();
     methods.instance<"replaceAllOccurrencesOfString:withString:",

@@ -50,6 +50,8 @@ class PELVOR_EXPORT WRDocument : public NSObject {
     /// Calls the function with the text, which it may change. The formats become those that `setText` gives.
     void changeText(const std::function<void(NSMutableString*)>& change);
 
+    /// The reader's answer without the texts.
+    NSDictionary* answer() { return _answer; }
     /// The profile of the reader that read the document.
     PBProfile* reader() { return _reader; }
     /// Null where there is no encoding, as for bytes.

@@ -5,6 +5,7 @@
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSAttributedString.h"
+#include "Foundation/NSCoder.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/UserLanguages.h"
 #include "NSString-PelvorAdditions.h"
@@ -16,6 +17,8 @@ namespace pelvor {
 PELVOR_DEFINE_CLASS(WRLanguage, writerLibrary) {
     methods.classLevel<"languageWithIdentifier:", &WRLanguage::languageWithIdentifier>();
     methods.classLevel<"systemLanguage", &WRLanguage::systemLanguage>();
+    methods.classLevel<"initWithCoder:", &WRLanguage::initWithCoder>();
+    methods.instance<"encodeWithCoder:", &WRLanguage::encodeWithCoder>();
     methods.instance<"identifier", &WRLanguage::identifier>();
     methods.instance<"isRightToLeft", &WRLanguage::isRightToLeft>();
     methods.instance<"rangeWithGranularity:forString:range:",
@@ -92,6 +95,18 @@ WRLanguage* WRLanguage::languageWithIdentifier(NSString* identifier) {
 WRLanguage* WRLanguage::systemLanguage() {
     NSArray* languages = userLanguages();
     return languageWithIdentifier(languages->count() ? cast<NSString>(languages->objectAtIndex(0)) : u""_ns);
+}
+
+// Identifiers that no language has, such as an archive of strangers may hold, would be kept for ever.
+Retained<WRLanguage> WRLanguage::initWithCoder(NSCoder* coder) {
+    constexpr NSUInteger kLongest = 100;
+    auto* identifier = cast<NSString>(coder->decodeObjectForKey(u"identifier"_ns));
+    const bool isUsable = identifier && identifier->length() <= kLongest;
+    return Retained<WRLanguage>::retaining(languageWithIdentifier(isUsable ? identifier : u""_ns));
+}
+
+void WRLanguage::encodeWithCoder(NSCoder* coder) {
+    coder->encodeObject_forKey(_identifier, u"identifier"_ns);
 }
 
 bool WRLanguage::isRightToLeft() { return isLanguageWrittenRightToLeft(_identifier); }

@@ -10,6 +10,7 @@
 namespace pelvor {
 
 class NSAttributedString;
+class NSCoder;
 class NSString;
 class WRBoundaryScanner;
 
@@ -23,12 +24,17 @@ class WRBoundaryScanner;
 /// (WRBoundaryScanner). Each identifier has one object, which lives as long as the program. Main thread.
 class WRLanguage : public NSObject {
     PELVOR_CLASS(WRLanguage, NSObject);
+    PELVOR_CREATORS(initWithCoder);
 
   public:
     /// The language of an identifier such as "fr" or "pt_BR"; "" is no language in particular. Null for null.
     static WRLanguage* languageWithIdentifier(NSString* identifier);
     /// The first language of the user.
     static WRLanguage* systemLanguage();
+
+    /// An archive holds the identifier. Makes no object but the one of that identifier.
+    static Retained<WRLanguage> initWithCoder(NSCoder* coder);
+    void encodeWithCoder(NSCoder* coder);
 
     NSString* identifier() { return _identifier; }
     bool isRightToLeft();

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Pages/WRSheetParagraphStyle.h"
 
+#include "Foundation/NSCoder.h"
+#include "Foundation/NSString.h"
 #include "Runtime/Message.h"
 #include "Writer/Pages/PagesLibrary.h"
 
 namespace pelvor {
 
 PELVOR_DEFINE_CLASS(WRSheetParagraphStyle, pagesLibrary) {
+    methods.creator<"initWithCoder:", &WRSheetParagraphStyle::initWithCoder>();
+    methods.instance<"encodeWithCoder:", &WRSheetParagraphStyle::encodeWithCoder>();
     methods.instance<"isKeepWithNext", &WRSheetParagraphStyle::isKeepWithNext>();
     methods.instance<"isKeepTogether", &WRSheetParagraphStyle::isKeepTogether>();
     methods.instance<"isPageBreakBefore", &WRSheetParagraphStyle::isPageBreakBefore>();
@@ -24,6 +28,20 @@ Retained<WRSheetParagraphStyle> WRSheetParagraphStyle::create(NSParagraphStyle* 
     self->take(style);
     self->_rules = rules;
     return self;
+}
+
+Retained<WRSheetParagraphStyle> WRSheetParagraphStyle::initWithCoder(NSCoder* coder, Class* cls) {
+    auto self = cast<WRSheetParagraphStyle>(NSParagraphStyle::initWithCoder(coder, cls));
+    self->_rules = {coder->decodeBoolForKey(u"keepWithNext"_ns), coder->decodeBoolForKey(u"keepTogether"_ns),
+                    coder->decodeBoolForKey(u"pageBreakBefore"_ns)};
+    return self;
+}
+
+void WRSheetParagraphStyle::encodeWithCoder(NSCoder* coder) {
+    NSParagraphStyle::encodeWithCoder(coder);
+    coder->encodeBool_forKey(_rules.isKeepWithNext, u"keepWithNext"_ns);
+    coder->encodeBool_forKey(_rules.isKeepTogether, u"keepTogether"_ns);
+    coder->encodeBool_forKey(_rules.isPageBreakBefore, u"pageBreakBefore"_ns);
 }
 
 bool WRSheetParagraphStyle::isEqual(id other) {

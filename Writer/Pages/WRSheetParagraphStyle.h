@@ -19,10 +19,15 @@ struct PageRules {
 PELVOR_EXPORT PageRules pageRulesOf(Object* style);
 
 /// A paragraph style with rules for pages, as style sheets give them. Immutable, any thread.
-class PELVOR_EXPORT WRSheetParagraphStyle : public NSParagraphStyle, NSParagraphStyle::HiddenCreators {
+class PELVOR_EXPORT WRSheetParagraphStyle : public NSParagraphStyle {
     PELVOR_CLASS(WRSheetParagraphStyle, NSParagraphStyle);
+    PELVOR_CREATORS(initWithCoder);
+    PELVOR_INHERITED_CREATORS(init);
 
   public:
+    static Retained<WRSheetParagraphStyle> initWithCoder(NSCoder* coder, Class* cls = classObject());
+    void encodeWithCoder(NSCoder* coder);
+
     // C++ only
     static Retained<WRSheetParagraphStyle> create(NSParagraphStyle* style, PageRules rules);
 

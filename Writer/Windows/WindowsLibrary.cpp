@@ -2,6 +2,7 @@
 #include "Writer/Windows/WindowsLibrary.h"
 
 #include "Writer/Pages/PagesLibrary.h"
+#include "Writer/Recovery/RecoveryLibrary.h"
 #include "Writer/Shortcuts/ShortcutsLibrary.h"
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRDocumentWindow.h"
@@ -12,7 +13,7 @@
 namespace pelvor {
 namespace {
 
-constexpr Library* kDependencies[] = {&pagesLibrary, &shortcutsLibrary};
+constexpr Library* kDependencies[] = {&pagesLibrary, &recoveryLibrary, &shortcutsLibrary};
 constexpr Class* kClasses[] = {&WRDesktop::classRecord, &WRDocumentWindow::classRecord,
                                &WRPageView::classRecord, &WRProfilesPanel::classRecord,
                                &WRZoomView::classRecord};

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+// What a recovered text was: its file, and how that was read.
+#pragma once
+
+#include <cstdint>
+
+#include "Foundation/NSDictionary.h"
+#include "Foundation/NSString.h"
+
+namespace pelvor {
+
+/// Tells one content of a file from another. All zeros: there is no file.
+struct FileIdentity {
+    std::uint64_t inode = 0, size = 0;
+    std::int64_t seconds = 0, nanoseconds = 0;  ///< of the last change
+
+    /// The file as it is now; zeros for null and for a file that cannot be asked.
+    static FileIdentity ofFile(NSString* path);
+    bool isThere() const { return inode != 0; }
+    friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+};
+
+/// A document without its text.
+struct RecoveryOrigin {
+    /// The origin of a document that has just been read from the path or written to it. Every object may be
+    /// null: a document without a file has no path, one that nobody read has no reader.
+    static RecoveryOrigin of(NSString* path, NSString* reader, NSDictionary* answer);
+
+    Retained<NSString> path;
+    Retained<NSString> reader;      ///< the identifier of the profile of the reader
+    Retained<NSDictionary> answer;  ///< the reader's answer (PlugInProtocol.h) without its texts
+    FileIdentity file;              ///< when the document was last as in its file
+};
+
+}  // namespace pelvor
