@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "InterfaceXCB/Composer.h"
 
+#include <xkbcommon/xkbcommon-compose.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include <utility>
@@ -24,6 +25,9 @@ std::string localeName() {
 }
 
 }  // namespace
+
+void XComposeEnd::operator()(xkb_compose_table* table) const { xkb_compose_table_unref(table); }
+void XComposeEnd::operator()(xkb_compose_state* state) const { xkb_compose_state_unref(state); }
 
 void XComposer::prepare(xkb_context* context) {
     if (std::exchange(_isPrepared, true) || !context) return;

@@ -2,15 +2,13 @@
 // XComposer: dead keys and compose sequences.
 #pragma once
 
-#include <xkbcommon/xkbcommon-compose.h>
-
 #include "InterfaceXCB/Keyboard.h"
 
 namespace pelvor {
 
 struct XComposeEnd {
-    void operator()(xkb_compose_table* table) const { xkb_compose_table_unref(table); }
-    void operator()(xkb_compose_state* state) const { xkb_compose_state_unref(state); }
+    void operator()(xkb_compose_table* table) const;
+    void operator()(xkb_compose_state* state) const;
 };
 
 /// Takes keys one by one.

@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <xcb/randr.h>
 #include <xcb/shm.h>
+#include <xcb/xcb.h>
 #include <xcb/xcbext.h>
 
 #include <algorithm>
@@ -63,6 +64,8 @@ std::string displayName() {
     return std::string("the display \"") + (display ? display : "") + "\"";
 }
 
+XEvent received(xcb_generic_event_t* event) { return XEvent(reinterpret_cast<XAnyEvent*>(event)); }
+
 }  // namespace
 
 double secondsNow() {
@@ -92,8 +95,9 @@ std::unique_ptr<XConnection> XConnection::open(std::string* reason) {
     for (xcb_extension_t* extension : {&xcb_shm_id, &xcb_randr_id, &xcb_xkb_id})
         xcb_prefetch_extension_data(c, extension);
     for (std::size_t i = 0; i < std::size(kAtomNames); ++i)
-        self->_atomCookies[i] =
-            xcb_intern_atom(c, 0, static_cast<std::uint16_t>(std::strlen(kAtomNames[i])), kAtomNames[i]);
+        self->_atomSequences[i] =
+            xcb_intern_atom(c, 0, static_cast<std::uint16_t>(std::strlen(kAtomNames[i])), kAtomNames[i])
+                .sequence;
     xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(c));
     for (int i = 0; i < attempt->screen && screens.rem > 1; ++i) xcb_screen_next(&screens);
     self->_screen = screens.data;
@@ -113,6 +117,12 @@ XConnection::~XConnection() {
     _events.clear();
     if (_connection) xcb_disconnect(_connection);
 }
+
+xcb_window_t XConnection::root() const { return _screen->root; }
+
+bool XConnection::isLost() const { return !_connection || xcb_connection_has_error(_connection) != 0; }
+
+void XConnection::flush() const { xcb_flush(_connection); }
 
 bool XConnection::findVisual() {
     const xcb_setup_t* setup = xcb_get_setup(_connection);
@@ -157,7 +167,7 @@ xcb_atom_t XConnection::operator[](Atom atom) {
     if (!_hasAtoms) {
         _hasAtoms = true;
         for (std::size_t i = 0; i < std::size(kAtomNames); ++i) {
-            const auto reply = wait<xcb_intern_atom_reply_t>(_atomCookies[i]);
+            const auto reply = wait<xcb_intern_atom_reply_t>(_atomSequences[i]);
             if (!reply) continue;
             _atoms[i] = reply->atom;
             _atomsByName[kAtomNames[i]] = reply->atom;
@@ -198,12 +208,12 @@ std::vector<std::string> XConnection::namesOf(const std::vector<std::uint32_t>& 
 // MARK: Events and replies
 
 void XConnection::readWhatIsThere() {
-    while (xcb_generic_event_t* event = xcb_poll_for_event(_connection)) _events.emplace_back(event);
+    while (XEvent event = received(xcb_poll_for_event(_connection))) _events.push_back(std::move(event));
 }
 
-const xcb_generic_event_t* XConnection::peekEvent() {
+const XAnyEvent* XConnection::peekEvent() {
     if (_events.empty())
-        if (xcb_generic_event_t* event = xcb_poll_for_event(_connection)) _events.emplace_back(event);
+        if (XEvent event = received(xcb_poll_for_event(_connection))) _events.push_back(std::move(event));
     return _events.empty() ? nullptr : _events.front().get();
 }
 
@@ -215,7 +225,8 @@ XEvent XConnection::nextEvent() {
 }
 
 bool XConnection::hasQueuedEvents() {
-    while (xcb_generic_event_t* event = xcb_poll_for_queued_event(_connection)) _events.emplace_back(event);
+    while (XEvent event = received(xcb_poll_for_queued_event(_connection)))
+        _events.push_back(std::move(event));
     return !_events.empty();
 }
 
@@ -291,7 +302,7 @@ xcb_timestamp_t XConnection::time() {
     const xcb_atom_t property = (*this)[Atom::PELVOR_TIME];
     xcb_change_property(_connection, XCB_PROP_MODE_APPEND, _helper, property, XCB_ATOM_INTEGER, 32, 0,
                         nullptr);
-    const XEvent event = waitForEvent(0.5, [&](const xcb_generic_event_t& candidate) {
+    const XEvent event = waitForEvent(0.5, [&](const XAnyEvent& candidate) {
         return kindOf(candidate) == XCB_PROPERTY_NOTIFY &&
                as<xcb_property_notify_event_t>(candidate).atom == property;
     });

@@ -2,8 +2,6 @@
 // XConnection: the connection to the X server, its atoms, and waiting for replies no longer than a moment.
 #pragma once
 
-#include <xcb/xcb.h>
-
 #include <array>
 #include <cstdint>
 #include <cstdlib>
@@ -15,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "InterfaceXCB/XTypes.h"
+
 namespace pelvor {
 
 struct FreeDeleter {
@@ -23,7 +23,9 @@ struct FreeDeleter {
 /// A reply or an event, which libxcb allocates by malloc.
 template <class T>
 using XReply = std::unique_ptr<T, FreeDeleter>;
-using XEvent = XReply<xcb_generic_event_t>;
+/// An event of any kind, never defined: `kindOf` tells its kind, and `as` shows it as what it is.
+struct XAnyEvent;
+using XEvent = XReply<XAnyEvent>;
 
 // Atoms that are interned together when the connection is made.
 #define PELVOR_XCB_ATOMS(row)                                                                               \
@@ -74,7 +76,7 @@ class XConnection {
     operator xcb_connection_t*() const { return _connection; }
     const xcb_screen_t& screen() const { return *_screen; }
     int screenNumber() const { return _screenNumber; }
-    xcb_window_t root() const { return _screen->root; }
+    xcb_window_t root() const;
     /// What our windows are made with: 32-bit pixels of eight bits for each of red, green and blue.
     std::uint8_t depth() const { return _depth; }
     xcb_visualid_t visual() const { return _visual; }
@@ -89,13 +91,13 @@ class XConnection {
 
     /// Whether the server takes memory by its descriptor: not one on another machine, nor a very old one.
     bool sharesMemory();
-    bool isLost() const { return _connection == nullptr || xcb_connection_has_error(_connection) != 0; }
-    void flush() const { xcb_flush(_connection); }
+    bool isLost() const;
+    void flush() const;
 
     /// The next event that has come, or null; reads what is there.
     XEvent nextEvent();
     /// The event that `nextEvent` will return, or null.
-    const xcb_generic_event_t* peekEvent();
+    const XAnyEvent* peekEvent();
     /// Whether events wait already that were read with something else.
     bool hasQueuedEvents();
     /// Takes the first waiting event out that fits, waiting for one no longer than that; null if none came.
@@ -103,9 +105,13 @@ class XConnection {
     XEvent waitForEvent(double seconds, Fits fits);
 
     /// The reply, or null if there is an error, none comes in time, or the display is gone.
+    template <class Reply>
+    XReply<Reply> wait(unsigned int sequence, double seconds = 2) {
+        return XReply<Reply>(static_cast<Reply*>(waitForReply(sequence, seconds)));
+    }
     template <class Reply, class Cookie>
     XReply<Reply> wait(Cookie cookie, double seconds = 2) {
-        return XReply<Reply>(static_cast<Reply*>(waitForReply(cookie.sequence, seconds)));
+        return wait<Reply>(cookie.sequence, seconds);
     }
 
     /// Reads a property, and deletes it if that is wished.
@@ -138,7 +144,7 @@ class XConnection {
     xcb_colormap_t _colormap = 0;
     xcb_window_t _helper = 0;
     std::deque<XEvent> _events;
-    std::array<xcb_intern_atom_cookie_t, static_cast<std::size_t>(Atom::count)> _atomCookies{};
+    std::array<unsigned int, static_cast<std::size_t>(Atom::count)> _atomSequences{};  ///< of the requests
     std::array<xcb_atom_t, static_cast<std::size_t>(Atom::count)> _atoms{};
     bool _hasAtoms = false;
     std::optional<bool> _sharesMemory;
@@ -168,11 +174,13 @@ XEvent XConnection::waitForEvent(double seconds, Fits fits) {
     }
 }
 
-/// The kind of an event, whether the server or another client sent it.
-inline std::uint8_t kindOf(const xcb_generic_event_t& event) { return event.response_type & 0x7F; }
-inline bool wasSentByClient(const xcb_generic_event_t& event) { return (event.response_type & 0x80) != 0; }
+/// The kind of an event, which is its first byte, without the bit that says that another client sent it.
+template <class Event>
+std::uint8_t kindOf(const Event& event) {
+    return reinterpret_cast<const std::uint8_t&>(event) & 0x7F;
+}
 template <class T>
-const T& as(const xcb_generic_event_t& event) {
+const T& as(const XAnyEvent& event) {
     return reinterpret_cast<const T&>(event);
 }
 

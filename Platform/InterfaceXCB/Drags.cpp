@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "InterfaceXCB/Drags.h"
 
+#include <xcb/xcb.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include <algorithm>
@@ -113,12 +114,12 @@ void XDrags::finish(bool isTaken) {
 
 void XDrags::cancel() { finish(false); }
 
-bool XDrags::handle(const xcb_generic_event_t& event) {
+bool XDrags::handle(const XAnyEvent& event) {
     if (!isDragging()) return false;
     switch (kindOf(event)) {
         case XCB_MOTION_NOTIFY: {
             const auto& motion = as<xcb_motion_notify_event_t>(event);
-            const xcb_generic_event_t* next = _connection.peekEvent();
+            const XAnyEvent* next = _connection.peekEvent();
             if (!next || kindOf(*next) != XCB_MOTION_NOTIFY)
                 move({motion.root_x, motion.root_y}, motion.time);
             return true;

@@ -22,7 +22,7 @@ class XDrags {
     /// Of the window that drags; it has to end with that.
     BackendWindow window() const { return _window; }
     /// Whether the event belongs to the drag alone.
-    bool handle(const xcb_generic_event_t& event);
+    bool handle(const XAnyEvent& event);
     void cancel();
 
     // To here

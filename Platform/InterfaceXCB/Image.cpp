@@ -4,6 +4,8 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <xcb/shm.h>
+#include <xcb/xcb.h>
 
 #include <algorithm>
 #include <utility>

@@ -2,8 +2,6 @@
 // XImage: what a window is painted into, shared with the X server where it is on this machine.
 #pragma once
 
-#include <xcb/shm.h>
-
 #include <span>
 
 #include "Interface/Backend/Backend.h"

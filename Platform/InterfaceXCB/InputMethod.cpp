@@ -2,6 +2,8 @@
 #include "InterfaceXCB/InputMethod.h"
 
 #include <xcb-imdkit/encoding.h>
+#include <xcb-imdkit/imclient.h>
+#include <xcb/xcb.h>
 
 #include <algorithm>
 #include <limits>
@@ -65,8 +67,8 @@ void XInputMethod::open() {
         _method, [](xcb_xim_t*, void* data) { self(data).opened(); }, true, this);
 }
 
-bool XInputMethod::filter(xcb_generic_event_t* event) {
-    return _method && xcb_xim_filter_event(_method, event);
+bool XInputMethod::filter(XAnyEvent* event) {
+    return _method && xcb_xim_filter_event(_method, reinterpret_cast<xcb_generic_event_t*>(event));
 }
 
 void XInputMethod::opened() {
@@ -176,7 +178,8 @@ void XInputMethod::disconnected() {
     for (Context& context : _contexts) {
         context.ic = 0;
         context.isRefused = false;
-        context.wantedEvents = XCB_EVENT_MASK_KEY_PRESS;
+        context.wantsPresses = true;
+        context.wantsReleases = false;
     }
     _isWaiting = false;
     _ended.clear();
@@ -235,10 +238,11 @@ void XInputMethod::reset(BackendWindow window) {
 
 // MARK: Keys
 
-bool XInputMethod::take(BackendWindow window, const BackendKey& key, const xcb_key_press_event_t& event) {
+bool XInputMethod::take(BackendWindow window, const BackendKey& key,
+                        const std::shared_ptr<xcb_key_press_event_t>& event) {
     const Context* context = contextOf(window);
-    const bool isWanted = context && context->ic && context->takesText && _isOpen && !_isSilent &&
-                          (context->wantedEvents & XCB_EVENT_MASK_KEY_PRESS);
+    const bool isWanted =
+        context && context->ic && context->takesText && _isOpen && !_isSilent && context->wantsPresses;
     if (!isWanted) return false;
     _keys.push_back({window, key, event, secondsNow() + kPatience});
     proceed();
@@ -249,7 +253,7 @@ bool XInputMethod::sendKey() {
     while (!_keys.empty()) {
         Key& key = _keys.front();
         Context* context = contextOf(key.window);
-        if (context && context->ic && xcb_xim_forward_event(_method, context->ic, &key.event)) {
+        if (context && context->ic && xcb_xim_forward_event(_method, context->ic, key.event.get())) {
             key.isSent = true;
             return xcb_xim_get_im_values(
                 _method,
@@ -273,8 +277,7 @@ void XInputMethod::answered() {
 void XInputMethod::release(BackendWindow window, const xcb_key_release_event_t& event) {
     const Context* context = contextOf(window);
     // A release behind keys that still wait would come before them.
-    if (!context || !context->ic || !context->takesText || _isWaiting || !_isOpen ||
-        !(context->wantedEvents & XCB_EVENT_MASK_KEY_RELEASE))
+    if (!context || !context->ic || !context->takesText || _isWaiting || !_isOpen || !context->wantsReleases)
         return;
     xcb_key_press_event_t copy = event;
     xcb_xim_forward_event(_method, context->ic, &copy);
@@ -354,7 +357,7 @@ void XInputMethod::drawn(xcb_xic_t ic, const xcb_im_preedit_draw_fr_t& frame) {
 }
 
 void XInputMethod::cameBack(const xcb_key_press_event_t& event) {
-    if (_isSilent || kindOf(reinterpret_cast<const xcb_generic_event_t&>(event)) != XCB_KEY_PRESS) return;
+    if (_isSilent || kindOf(event) != XCB_KEY_PRESS) return;
     // It may be answered for already by a method that asks another program; then it is among those before.
     const auto fits = [&](const Key& key) {
         return key.key.code + 8 == event.detail && _connection.secondsOf(event.time) == key.key.seconds;
@@ -372,7 +375,10 @@ const xcb_xim_im_callback& XInputMethod::callbacks() {
         xcb_xim_im_callback callbacks{};
         callbacks.set_event_mask = [](xcb_xim_t*, xcb_xic_t ic, std::uint32_t wanted, std::uint32_t,
                                       void* data) {
-            if (Context* context = self(data).contextOfIC(ic)) context->wantedEvents = wanted;
+            Context* context = self(data).contextOfIC(ic);
+            if (!context) return;
+            context->wantsPresses = (wanted & XCB_EVENT_MASK_KEY_PRESS) != 0;
+            context->wantsReleases = (wanted & XCB_EVENT_MASK_KEY_RELEASE) != 0;
         };
         callbacks.forward_event = [](xcb_xim_t*, xcb_xic_t, xcb_key_press_event_t* event, void* data) {
             self(data).cameBack(*event);

@@ -2,8 +2,6 @@
 // XInputMethod: the user's input method, another program that may take keys and give text for them.
 #pragma once
 
-#include <xcb-imdkit/imclient.h>
-
 #include "InterfaceXCB/Connection.h"
 #include "InterfaceXCB/Preedit.h"
 
@@ -36,10 +34,11 @@ class XInputMethod {
     /// Looks for the one that the environment names; one that starts later is found then.
     void open();
     /// Whether the event is part of the talk with the input method.
-    bool filter(xcb_generic_event_t* event);
+    bool filter(XAnyEvent* event);
 
     /// Returns false if there is no input method for this window, or it does not want such keys.
-    bool take(BackendWindow window, const BackendKey& key, const xcb_key_press_event_t& event);
+    bool take(BackendWindow window, const BackendKey& key,
+              const std::shared_ptr<xcb_key_press_event_t>& event);
     void release(BackendWindow window, const xcb_key_release_event_t& event);
     /// Where the caret is; null if no text is taken. A window that has not told takes text.
     void setCaret(BackendWindow window, xcb_window_t handle, const PixelRect* caret);
@@ -65,14 +64,15 @@ class XInputMethod {
         bool isFocused = false;
         bool hasNewCaret = false;
         bool isToBeReset = false;
-        std::uint32_t wantedEvents = XCB_EVENT_MASK_KEY_PRESS;
+        bool wantsPresses = true;
+        bool wantsReleases = false;
         PixelRect caret{};
         Preedit preedit{};
     };
     struct Key {
         BackendWindow window;
         BackendKey key;
-        xcb_key_press_event_t event;
+        std::shared_ptr<xcb_key_press_event_t> event;
         double deadline;
         bool isSent = false;
         bool isBack = false;

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "InterfaceXCB/Keyboard.h"
 
+#include <xcb/xcb.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 #include <xkbcommon/xkbcommon-x11.h>
+#include <xkbcommon/xkbcommon.h>
 
 #include <algorithm>
 #include <utility>
@@ -120,6 +122,10 @@ std::vector<BackendLayout> layoutsOfRules(std::string_view rules) {
 
 // MARK: Keymap
 
+void XKeymapEnd::operator()(xkb_context* context) const { xkb_context_unref(context); }
+void XKeymapEnd::operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
+void XKeymapEnd::operator()(xkb_state* state) const { xkb_state_unref(state); }
+
 xkb_context* XKeyboard::context() {
     if (!_context) _context.reset(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
     return _context.get();
@@ -196,10 +202,12 @@ std::u16string XKeyboard::shortcutCharacters(xkb_keycode_t code, std::uint32_t s
     return charactersOfSymbol(symbol(code, kept, group));
 }
 
+double XKeyboard::secondsOf(const xcb_key_press_event_t& event) { return _connection.secondsOf(event.time); }
+
 BackendKey XKeyboard::key(const xcb_key_press_event_t& event) {
     prepare();
     BackendKey key;
-    key.isDown = kindOf(reinterpret_cast<const xcb_generic_event_t&>(event)) == XCB_KEY_PRESS;
+    key.isDown = kindOf(event) == XCB_KEY_PRESS;
     key.isRepeat = key.isDown && _keysDown[event.detail];
     _keysDown[event.detail] = key.isDown;
     key.code = static_cast<std::uint16_t>(event.detail - 8);
@@ -264,10 +272,10 @@ bool XKeyboard::setLayout(std::uint32_t group) {
     return true;
 }
 
-bool XKeyboard::handle(const xcb_generic_event_t& event, bool& isChanged) {
+bool XKeyboard::handle(const XAnyEvent& event, bool& isChanged) {
     isChanged = false;
     if (_firstEvent == 0 || kindOf(event) != _firstEvent) return false;
-    const std::uint8_t kind = event.pad0;  // of the extension's own
+    const std::uint8_t kind = as<xcb_generic_event_t>(event).pad0;  // of the extension's own
     if (kind == XCB_XKB_STATE_NOTIFY) {
         const auto& state = as<xcb_xkb_state_notify_event_t>(event);
         isChanged = std::exchange(_group, state.group) != state.group;

@@ -2,8 +2,6 @@
 // XKeyboard: what keys give under the layouts of the keyboard.
 #pragma once
 
-#include <xkbcommon/xkbcommon.h>
-
 #include <bitset>
 
 #include "Interface/Backend/Backend.h"
@@ -12,9 +10,9 @@
 namespace pelvor {
 
 struct XKeymapEnd {
-    void operator()(xkb_context* context) const { xkb_context_unref(context); }
-    void operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
-    void operator()(xkb_state* state) const { xkb_state_unref(state); }
+    void operator()(xkb_context* context) const;
+    void operator()(xkb_keymap* keymap) const;
+    void operator()(xkb_state* state) const;
 };
 
 /// The keymap is fetched before the first key, and again before the next key after it changed. Which layout
@@ -28,7 +26,7 @@ class XKeyboard {
     xkb_context* context();
 
     BackendKey key(const xcb_key_press_event_t& event);
-    double secondsOf(const xcb_key_press_event_t& event) { return _connection.secondsOf(event.time); }
+    double secondsOf(const xcb_key_press_event_t& event);
     /// Releases may have gone to another window.
     void forgetKeysDown() { _keysDown.reset(); }
 
@@ -36,7 +34,7 @@ class XKeyboard {
     bool setLayout(std::uint32_t group);
     /// Whether the event was about the keyboard; `isChanged` says whether the layouts or the current one are
     /// others.
-    bool handle(const xcb_generic_event_t& event, bool& isChanged);
+    bool handle(const XAnyEvent& event, bool& isChanged);
 
     /// BackendModifiers, of the state of an event.
     static std::uint32_t modifiers(std::uint32_t state);

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "InterfaceXCB/Pointer.h"
 
+#include <xcb/xcb.h>
+#include <xcb/xcb_cursor.h>
+
 #include <chrono>
 #include <thread>
 #include <utility>
@@ -152,7 +155,7 @@ BackendPointer XPointer::button(const xcb_button_press_event_t& event) {
         return pointer;
     }
     const std::uint32_t bit = 1U << (pointer.button - 1);
-    const bool isDown = kindOf(reinterpret_cast<const xcb_generic_event_t&>(event)) == XCB_BUTTON_PRESS;
+    const bool isDown = kindOf(event) == XCB_BUTTON_PRESS;
     pointer.kind = isDown ? BackendPointer::Kind::down : BackendPointer::Kind::up;
     pointer.buttonsDown = isDown ? pointer.buttonsDown | bit : pointer.buttonsDown & ~bit;
     return pointer;
@@ -162,7 +165,7 @@ BackendPointer XPointer::motion(const xcb_motion_notify_event_t& event) { return
 
 BackendPointer XPointer::crossing(const xcb_enter_notify_event_t& event) {
     BackendPointer pointer = this->pointer(event);
-    const bool isEnter = kindOf(reinterpret_cast<const xcb_generic_event_t&>(event)) == XCB_ENTER_NOTIFY;
+    const bool isEnter = kindOf(event) == XCB_ENTER_NOTIFY;
     pointer.kind = isEnter ? BackendPointer::Kind::entered : BackendPointer::Kind::exited;
     return pointer;
 }

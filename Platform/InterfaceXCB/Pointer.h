@@ -2,8 +2,6 @@
 // XPointer: the pointer's shapes, what its events say, and tracking.
 #pragma once
 
-#include <xcb/xcb_cursor.h>
-
 #include "InterfaceXCB/Keyboard.h"
 
 namespace pelvor {

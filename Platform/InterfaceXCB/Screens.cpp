@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "InterfaceXCB/Screens.h"
 
+#include <xcb/randr.h>
+#include <xcb/xcb.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -9,8 +12,10 @@ namespace pelvor {
 
 namespace {
 
-xcb_get_property_cookie_t rootProperty(XConnection& connection, xcb_atom_t name) {
-    return xcb_get_property(connection, 0, connection.root(), name, XCB_GET_PROPERTY_TYPE_ANY, 0, 1 << 18);
+/// Asks for a property of the root window; returns the request's sequence number.
+unsigned int askForProperty(XConnection& connection, xcb_atom_t name) {
+    return xcb_get_property(connection, 0, connection.root(), name, XCB_GET_PROPERTY_TYPE_ANY, 0, 1 << 18)
+        .sequence;
 }
 
 std::vector<std::uint32_t> wordsOf(const XReply<xcb_get_property_reply_t>& reply) {
@@ -57,10 +62,11 @@ XScreens::XScreens(XConnection& connection) : _connection(connection) {
 void XScreens::ask() {
     if (_question || _connection.isLost()) return;
     _question.emplace();
-    if (_hasMonitors) _question->monitors = xcb_randr_get_monitors(_connection, _connection.root(), 1);
-    _question->workArea = rootProperty(_connection, _connection[Atom::_NET_WORKAREA]);
-    _question->resources = rootProperty(_connection, XCB_ATOM_RESOURCE_MANAGER);
-    _question->manager = rootProperty(_connection, _connection[Atom::_NET_SUPPORTING_WM_CHECK]);
+    if (_hasMonitors)
+        _question->monitors = xcb_randr_get_monitors(_connection, _connection.root(), 1).sequence;
+    _question->workArea = askForProperty(_connection, _connection[Atom::_NET_WORKAREA]);
+    _question->resources = askForProperty(_connection, XCB_ATOM_RESOURCE_MANAGER);
+    _question->manager = askForProperty(_connection, _connection[Atom::_NET_SUPPORTING_WM_CHECK]);
 }
 
 /// A window manager's window names itself; another window may have got the number of one that has ended.
@@ -143,7 +149,7 @@ bool XScreens::collect() {
     return !before.empty() && before != _screens;
 }
 
-bool XScreens::handle(const xcb_generic_event_t& event) {
+bool XScreens::handle(const XAnyEvent& event) {
     const std::uint8_t kind = kindOf(event);
     bool isOurs = _firstEvent != 0 && (kind == _firstEvent || kind == _firstEvent + XCB_RANDR_NOTIFY);
     if (kind == XCB_PROPERTY_NOTIFY) {

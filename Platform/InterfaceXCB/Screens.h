@@ -2,8 +2,6 @@
 // XScreens: the monitors, and what panels and docks leave of them.
 #pragma once
 
-#include <xcb/randr.h>
-
 #include "Interface/Backend/Backend.h"
 #include "InterfaceXCB/Connection.h"
 
@@ -24,14 +22,15 @@ class XScreens {
     /// Whether the screens changed, as far as the server has replied.
     bool collect();
     /// Whether the event was about the screens, and the server was asked again.
-    bool handle(const xcb_generic_event_t& event);
+    bool handle(const XAnyEvent& event);
 
   private:
+    /// The sequence numbers of the requests.
     struct Question {
-        xcb_randr_get_monitors_cookie_t monitors;
-        xcb_get_property_cookie_t workArea;
-        xcb_get_property_cookie_t resources;
-        xcb_get_property_cookie_t manager;
+        unsigned int monitors;
+        unsigned int workArea;
+        unsigned int resources;
+        unsigned int manager;
     };
     void read();
     bool isManager(xcb_window_t window);

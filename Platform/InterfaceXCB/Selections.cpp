@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "InterfaceXCB/Selections.h"
 
+#include <xcb/xcb.h>
+
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -227,7 +229,7 @@ void XSelections::finishRequest(bool isThere, std::string content) {
 
 // MARK: Events and time
 
-bool XSelections::handle(const xcb_generic_event_t& event) {
+bool XSelections::handle(const XAnyEvent& event) {
     switch (kindOf(event)) {
         case XCB_SELECTION_REQUEST:
             answer(as<xcb_selection_request_event_t>(event));
@@ -293,12 +295,11 @@ void XSelections::saveClipboard() {
                           property, _connection.time());
     // The manager asks for the contents meanwhile.
     for (const double deadline = secondsNow() + 1; secondsNow() < deadline;) {
-        const XEvent event =
-            _connection.waitForEvent(deadline - secondsNow(), [](const xcb_generic_event_t& event) {
-                const std::uint8_t kind = kindOf(event);
-                return kind == XCB_SELECTION_NOTIFY || kind == XCB_SELECTION_REQUEST ||
-                       kind == XCB_PROPERTY_NOTIFY || kind == XCB_DESTROY_NOTIFY;
-            });
+        const XEvent event = _connection.waitForEvent(deadline - secondsNow(), [](const XAnyEvent& event) {
+            const std::uint8_t kind = kindOf(event);
+            return kind == XCB_SELECTION_NOTIFY || kind == XCB_SELECTION_REQUEST ||
+                   kind == XCB_PROPERTY_NOTIFY || kind == XCB_DESTROY_NOTIFY;
+        });
         if (!event) return;
         if (kindOf(*event) == XCB_SELECTION_NOTIFY &&
             as<xcb_selection_notify_event_t>(*event).selection == manager)

@@ -24,7 +24,7 @@ class XSelections {
     void saveClipboard();
 
     /// Whether the event was about selections alone.
-    bool handle(const xcb_generic_event_t& event);
+    bool handle(const XAnyEvent& event);
     /// Seconds until `giveUpLate` has something to do; infinity for never.
     double secondsLeft() const;
     void giveUpLate();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "InterfaceXCB/TextInput.h"
 
+#include <xcb/xcb.h>
+
 #include <algorithm>
 
 namespace pelvor {
@@ -25,16 +27,15 @@ void XTextInput::prepare() {
 }
 
 void XTextInput::note(BackendWindow window, const xcb_key_press_event_t& event) {
-    if (kindOf(reinterpret_cast<const xcb_generic_event_t&>(event)) == XCB_KEY_RELEASE)
-        return _method.release(window, event);
-    _events.push_back(event);
+    if (kindOf(event) == XCB_KEY_RELEASE) return _method.release(window, event);
+    _events.push_back(std::make_shared<xcb_key_press_event_t>(event));
     if (_events.size() > kEventCount) _events.pop_front();
 }
 
 void XTextInput::interpret(BackendWindow window, const BackendKey& key) {
     if (!key.isDown) return;
-    const auto event = std::ranges::find_if(_events, [&](const xcb_key_press_event_t& candidate) {
-        return candidate.detail == key.code + 8 && _keyboard.secondsOf(candidate) == key.seconds;
+    const auto event = std::ranges::find_if(_events, [&](const auto& candidate) {
+        return candidate->detail == key.code + 8 && _keyboard.secondsOf(*candidate) == key.seconds;
     });
     if (event == _events.end() || !_method.take(window, key, *event)) keyCameBack(window, key);
 }

@@ -32,7 +32,7 @@ class XTextInput : private XInputMethod::Client {
     XKeyboard& _keyboard;
     XComposer _composer;
     XInputMethod _method;
-    std::deque<xcb_key_press_event_t> _events;  ///< the latest keys
+    std::deque<std::shared_ptr<xcb_key_press_event_t>> _events;  ///< the latest keys
 };
 
 }  // namespace pelvor

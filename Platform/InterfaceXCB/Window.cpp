@@ -2,6 +2,7 @@
 #include "InterfaceXCB/Window.h"
 
 #include <unistd.h>
+#include <xcb/xcb.h>
 
 #include <algorithm>
 #include <utility>
@@ -295,7 +296,7 @@ PixelRect XWindow::frameExtents(bool hasManager) {
         _connection.sendMessage(_connection.root(), _handle, _connection[Atom::_NET_REQUEST_FRAME_EXTENTS],
                                 {},
                                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT);
-        _connection.waitForEvent(0.1, [&](const xcb_generic_event_t& event) {
+        _connection.waitForEvent(0.1, [&](const XAnyEvent& event) {
             if (kindOf(event) != XCB_PROPERTY_NOTIFY) return false;
             const auto& change = as<xcb_property_notify_event_t>(event);
             return change.window == _handle && change.atom == name;

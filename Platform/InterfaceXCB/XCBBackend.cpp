@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "InterfaceXCB/XCBBackend.h"
 
+#include <xcb/shm.h>
+#include <xcb/xcb.h>
+
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -215,7 +218,7 @@ void XCBBackend::beep() {
 
 // MARK: Events
 
-void XCBBackend::deliver(const xcb_generic_event_t& event) {
+void XCBBackend::deliver(const XAnyEvent& event) {
     bool isLayoutChanged = false;
     if (_screens.handle(event) || _selections.handle(event) || _drags.handle(event)) return;
     if (_keyboard.handle(event, isLayoutChanged)) {
@@ -224,7 +227,7 @@ void XCBBackend::deliver(const xcb_generic_event_t& event) {
     }
     switch (kindOf(event)) {
         case 0:
-            return deliverError(as<xcb_generic_error_t>(event));
+            return deliverError(event);
         case XCB_KEY_PRESS:
         case XCB_KEY_RELEASE:
             return deliverKey(as<xcb_key_press_event_t>(event));
@@ -284,7 +287,7 @@ void XCBBackend::deliverButton(const xcb_button_press_event_t& event) {
     _connection->noteTime(event.time);
     XWindow* window = windowOfHandle(event.event);
     const BackendPointer pointer = _pointer.button(event);
-    const bool isPress = kindOf(reinterpret_cast<const xcb_generic_event_t&>(event)) == XCB_BUTTON_PRESS;
+    const bool isPress = kindOf(event) == XCB_BUTTON_PRESS;
     if (!window || (pointer.kind == BackendPointer::Kind::scrolled && !isPress)) return;
     const BackendWindow id = window->id();
     if (pointer.kind == BackendPointer::Kind::down) {
@@ -301,7 +304,7 @@ void XCBBackend::deliverButton(const xcb_button_press_event_t& event) {
 
 void XCBBackend::deliverMotion(const xcb_motion_notify_event_t& event) {
     // Only the latest of places that come one after the other matters.
-    const xcb_generic_event_t* next = _connection->peekEvent();
+    const XAnyEvent* next = _connection->peekEvent();
     if (next && kindOf(*next) == XCB_MOTION_NOTIFY &&
         as<xcb_motion_notify_event_t>(*next).event == event.event &&
         as<xcb_motion_notify_event_t>(*next).state == event.state)
@@ -324,7 +327,7 @@ void XCBBackend::deliverFocus(const xcb_focus_in_event_t& event) {
         event.detail == XCB_NOTIFY_DETAIL_POINTER || event.detail == XCB_NOTIFY_DETAIL_INFERIOR;
     if (!window || isOfGrab(event.mode) || isOfPointer) return;
     const BackendWindow id = window->id();
-    const bool isFocused = kindOf(reinterpret_cast<const xcb_generic_event_t&>(event)) == XCB_FOCUS_IN;
+    const bool isFocused = kindOf(event) == XCB_FOCUS_IN;
     if (isFocused == (_focused == id)) return;
     _focused = isFocused ? id : 0;
     _keyboard.forgetKeysDown();
@@ -335,7 +338,7 @@ void XCBBackend::deliverFocus(const xcb_focus_in_event_t& event) {
 }
 
 void XCBBackend::deliverConfigure(const xcb_configure_notify_event_t& event) {
-    const xcb_generic_event_t* next = _connection->peekEvent();
+    const XAnyEvent* next = _connection->peekEvent();
     if (next && kindOf(*next) == XCB_CONFIGURE_NOTIFY &&
         as<xcb_configure_notify_event_t>(*next).window == event.window)
         return;
@@ -379,11 +382,11 @@ void XCBBackend::deliverRead(xcb_window_t handle) {
         if (windowOf(id)) _sink.paintReady(id);
 }
 
-void XCBBackend::deliverError(const xcb_generic_error_t& error) {
+void XCBBackend::deliverError(const XAnyEvent& event) {
     // Windows end while requests for them are under way, so that errors are nothing uncommon. One of sharing
     // pixels means that they will not be read.
     const xcb_query_extension_reply_t* shm = xcb_get_extension_data(*_connection, &xcb_shm_id);
-    if (shm && shm->present && error.major_code == shm->major_opcode) deliverRead(0);
+    if (shm && shm->present && as<xcb_generic_error_t>(event).major_code == shm->major_opcode) deliverRead(0);
 }
 
 }  // namespace pelvor

@@ -65,7 +65,7 @@ class XCBBackend final : public InterfaceBackend {
     void startRest();
     void loseDisplay();
 
-    void deliver(const xcb_generic_event_t& event);
+    void deliver(const XAnyEvent& event);
     void deliverKey(const xcb_key_press_event_t& event);
     void deliverButton(const xcb_button_press_event_t& event);
     void deliverMotion(const xcb_motion_notify_event_t& event);
@@ -75,7 +75,7 @@ class XCBBackend final : public InterfaceBackend {
     void deliverExpose(const xcb_expose_event_t& event);
     void deliverMessage(const xcb_client_message_event_t& event);
     void deliverRead(xcb_window_t handle);
-    void deliverError(const xcb_generic_error_t& error);
+    void deliverError(const XAnyEvent& event);
 
     std::unique_ptr<XConnection> _connection;
     BackendSink& _sink;

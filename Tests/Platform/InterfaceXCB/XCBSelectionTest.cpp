@@ -105,7 +105,7 @@ TEST_F(XCBSelectionTest, AnswersSeveralTargetsAtOnce) {
     XEvent notice;
     EXPECT_TRUE(driver->until([&] {
         notice = peer.waitForEvent(
-            0, [](const xcb_generic_event_t& event) { return kindOf(event) == XCB_SELECTION_NOTIFY; });
+            0, [](const XAnyEvent& event) { return kindOf(event) == XCB_SELECTION_NOTIFY; });
         return notice != nullptr;
     }));
     EXPECT_EQ(peer.property(window, text).bytes, "text");
@@ -157,8 +157,7 @@ TEST_F(XCBSelectionTest, AsksClipboardManagersForAMomentOnly) {
         c.wait<xcb_get_input_focus_reply_t>(xcb_get_input_focus(c));
         isReady = true;
         const auto waitFor = [&](std::uint8_t kind) {
-            return c.waitForEvent(20,
-                                  [kind](const xcb_generic_event_t& event) { return kindOf(event) == kind; });
+            return c.waitForEvent(20, [kind](const XAnyEvent& event) { return kindOf(event) == kind; });
         };
         const XEvent event = waitFor(XCB_SELECTION_REQUEST);
         const auto request = as<xcb_selection_request_event_t>(*event);
