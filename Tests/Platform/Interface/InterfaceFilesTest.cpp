@@ -167,11 +167,11 @@ TEST(InterfaceFiles, DescribeWindowsMenusAndTables) {
     table->setTableColumns(NSArray::of({table->tableColumns()->objectAtIndex(1), name}));
     EXPECT_EQ(table->columnWithIdentifier(u"name"_ns), 1);
     auto other = NSTableView::initWithFrame({});
-    for (const auto& [columns, reason] : std::initializer_list<std::pair<NSArray*, const char*>>{
+    for (const auto& row : std::initializer_list<std::pair<NSArray*, const char*>>{
              {NSArray::of({name, table}), "an object of the array is no column"},
              {NSArray::of({name, name}), "a column stands in the array twice"}})
-        EXPECT_EQ(RAISED(table->setTableColumns(columns)),
-                  std::string("NSInvalidArgumentException: setTableColumns: ") + reason);
+        EXPECT_EQ(RAISED(table->setTableColumns(row.first)),
+                  std::string("NSInvalidArgumentException: setTableColumns: ") + row.second);
     EXPECT_EQ(RAISED(other->setTableColumns(NSArray::of({name}))),
               "NSInvalidArgumentException: setTableColumns: a column of the array is in another table");
     EXPECT_EQ(table->numberOfColumns(), 2);
