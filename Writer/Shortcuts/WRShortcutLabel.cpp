@@ -14,7 +14,8 @@
 namespace pelvor {
 namespace {
 
-constexpr float kInset = 6, kDistance = 12;
+constexpr float kInset = 6;
+constexpr NSPoint kCorner{12, 32};  // above a status line
 
 NSDictionary* attributes() {
     return NSDictionary::of({{NSFontAttributeName, NSFont::systemFontOfSize(0)},
@@ -29,7 +30,7 @@ Retained<NSWindow> WRShortcutLabel::windowWithText(NSString* text, NSWindow* ove
     auto label = cast<WRShortcutLabel>(NSView::initWithFrame(NSZeroRect, classObject()));
     label->_text = text->copy();
     const NSSize room = sizeWithAttributes(text, attributes());
-    const NSPoint corner = over->convertBaseToScreen({kDistance, kDistance});
+    const NSPoint corner = over->convertBaseToScreen(kCorner);
     auto window = NSWindow::initWithContentRect_styleMask_backing_defer(
         {corner, {std::ceil(room.width) + 2 * kInset, std::ceil(room.height) + 2 * kInset}},
         NSBorderlessWindowMask, NSBackingStoreBuffered, true);

@@ -15,7 +15,7 @@ class WRShortcutLabel final : public NSView, NSView::HiddenCreators {
 
   public:
     // C++ only
-    /// A window, not shown yet, in the lower left corner of the other one.
+    /// A window, not shown yet, in the lower left corner of the other one, above a status line.
     static Retained<NSWindow> windowWithText(NSString* text, NSWindow* over);
 
     bool isFlipped() override { return true; }

@@ -101,7 +101,9 @@ class ShortcutMatching : public ::testing::Test {
 TEST_F(ShortcutMatching, ChoosesItemsByKeysInARow) {
     press(u'k', true);
     EXPECT_EQ(shown(WRShortcutMatcher::sharedMatcher()->waitingText()), "Ctrl+K …");
-    EXPECT_EQ(screen->app->orderedWindows()->count(), 2u);  // it is shown
+    ASSERT_EQ(screen->app->orderedWindows()->count(), 2u);  // it is shown
+    auto* label = cast<NSWindow>(screen->app->orderedWindows()->objectAtIndex(0));
+    EXPECT_GT(NSMinY(label->frame()), NSMinY(window->frame()) + 24) << "it hides a status line";
     press(u'f');
     EXPECT_EQ(takeLog(), "Find");
     EXPECT_EQ(screen->app->orderedWindows()->count(), 1u);
