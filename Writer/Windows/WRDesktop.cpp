@@ -134,7 +134,7 @@ void WRDesktop::fillServicesMenu() {
 
 void WRDesktop::orderFrontProfiles(id) {
     if (!_profilesPanel) _profilesPanel = WRProfilesPanel::init();
-    _profilesPanel->show();
+    _profilesPanel->showBeside(NSApplication::sharedApplication()->mainWindow());
 }
 
 void WRDesktop::orderFrontAbout(id) {

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WRProfilesPanel.h"
 
+#include <algorithm>
+
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Interface/NSCell.h"
 #include "Interface/NSPanel.h"
+#include "Interface/NSScreen.h"
 #include "Interface/NSScrollView.h"
 #include "Interface/NSScroller.h"
 #include "Interface/NSTableColumn.h"
@@ -20,6 +23,7 @@
 namespace pelvor {
 namespace {
 
+constexpr float kDistance = 8;  // between the window and the one beside it
 constexpr NSString* kName = u"name"_ns;
 constexpr NSString* kKind = u"kind"_ns;
 constexpr NSString* kPlugIn = u"plug-in"_ns;
@@ -37,11 +41,22 @@ Retained<NSTableColumn> columnWith(NSString* identifier, NSString* title, float 
     return column;
 }
 
+// At the right of the other frame, or at its left where there is no room, but always on the screen.
+NSPoint originBeside(NSRect other, NSSize size, NSRect screen) {
+    float x = NSMaxX(other) + kDistance;
+    if (x + size.width > NSMaxX(screen)) x = NSMinX(other) - kDistance - size.width;
+    const auto inside = [](float start, float length, float low, float high) {
+        return std::max(std::min(start, high - length), low);
+    };
+    return {inside(x, size.width, NSMinX(screen), NSMaxX(screen)),
+            inside(NSMaxY(other) - size.height, size.height, NSMinY(screen), NSMaxY(screen))};
+}
+
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRProfilesPanel, windowsLibrary) {
     methods.creator<"init", &WRProfilesPanel::init>();
-    methods.instance<"show", &WRProfilesPanel::show>();
+    methods.instance<"showBeside:", &WRProfilesPanel::showBeside>();
     methods.instance<"window", &WRProfilesPanel::window>();
     methods.instance<"numberOfRowsInTableView:", &WRProfilesPanel::numberOfRowsInTableView>();
     methods.instance<"tableView:objectValueForTableColumn:row:",
@@ -64,7 +79,7 @@ WRProfilesPanel::~WRProfilesPanel() { NSNotificationCenter::defaultCenter()->rem
 void WRProfilesPanel::makeWindow() {
     constexpr NSSize kSize{520, 360};
     _window = NSPanel::initWithContentRect_styleMask_backing_defer(
-        {{200, 200}, kSize}, NSTitledWindowMask | NSClosableWindowMask | NSResizableWindowMask,
+        {{0, 0}, kSize}, NSTitledWindowMask | NSClosableWindowMask | NSResizableWindowMask,
         NSBackingStoreBuffered, true);
     _window->setTitle(localized(u"_Plug-ins"_ns));
     _table = PBAutoscrollingTableView::initWithFrame({{0, 0}, kSize});
@@ -77,12 +92,20 @@ void WRProfilesPanel::makeWindow() {
     auto scrollView = NSScrollView::initWithFrame({{0, 0}, kSize});
     scrollView->setAutoresizingMask(NSViewWidthSizable | NSViewHeightSizable);
     scrollView->setHasVerticalScroller(true);
+    scrollView->setAutohidesScrollers(true);
     scrollView->setDocumentView(_table);
     _window->contentView()->addSubview(scrollView);
+    _table->sizeLastColumnToFit();
     _window->setInitialFirstResponder(_table);
 }
 
-void WRProfilesPanel::show() { _window->makeKeyAndOrderFront(nullptr); }
+void WRProfilesPanel::showBeside(NSWindow* other) {
+    NSScreen* screen = other ? other->screen() : NSScreen::mainScreen();
+    if (!_window->isVisible() && screen)
+        _window->setFrameOrigin(originBeside(other ? other->frame() : screen->visibleFrame(),
+                                             _window->frame().size, screen->visibleFrame()));
+    _window->makeKeyAndOrderFront(nullptr);
+}
 
 int WRProfilesPanel::numberOfRowsInTableView(NSTableView*) { return static_cast<int>(_profiles->count()); }
 

@@ -21,7 +21,8 @@ class WRProfilesPanel : public NSObject {
   public:
     static Retained<WRProfilesPanel> init(Class* cls = classObject());
 
-    void show();
+    /// Where it is not seen yet, it comes up beside the other window, or at the edge of the screen for null.
+    void showBeside(NSWindow* other);
     NSWindow* window() { return _window; }
 
     // The table's data source and delegate
