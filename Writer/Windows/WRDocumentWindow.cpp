@@ -11,6 +11,7 @@
 #include "Interface/NSAlert.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSClipView.h"
+#include "Interface/NSMenuBarView.h"
 #include "Interface/NSMenuItem.h"
 #include "Interface/NSScreen.h"
 #include "Interface/NSScrollView.h"
@@ -35,12 +36,13 @@ constexpr float kStatusHeight = 24;
 constexpr double kZooms[] = {0.1, 0.25, 0.5, 0.75, 1, 1.25, 1.5, 2, 3, 4, 6, 8};
 constexpr NSSize kRoomAround{24, 40};  // between a new window and the edges of the screen
 
-// A window as wide as a page and as high as the screen allows.
+// Shows a page whole, beside the scroller that further pages need, if the screen allows.
 NSRect firstFrame(NSSize page) {
     const NSRect room =
         NSInsetRect(NSScreen::mainScreen()->visibleFrame(), kRoomAround.width, kRoomAround.height);
-    const NSSize size{std::min(page.width + 40, room.size.width),
-                      std::min(page.height + kStatusHeight, room.size.height)};
+    const float bars = kStatusHeight + NSMenuBarView::menuBarHeight();
+    const NSSize size{std::min(page.width + NSScroller::scrollerWidth(), room.size.width),
+                      std::min(page.height + bars, room.size.height)};
     return {{NSMidX(room) - size.width / 2, NSMaxY(room) - size.height}, size};
 }
 
@@ -107,6 +109,7 @@ void WRDocumentWindow::makeWindow() {
     _scrollView->setAutoresizingMask(NSViewWidthSizable | NSViewHeightSizable);
     _scrollView->setHasVerticalScroller(true);
     _scrollView->setHasHorizontalScroller(true);
+    _scrollView->setAutohidesScrollers(true);
     _scrollView->setBackgroundColor(WRPageView::deskColor());
     _scrollView->setDocumentView(_zoomView);
     content->addSubview(_scrollView);
@@ -163,8 +166,11 @@ void WRDocumentWindow::zoomOut(id) {
 void WRDocumentWindow::showActualSize(id) { setZoom(1); }
 
 void WRDocumentWindow::showWholeWidth(id) {
-    setZoom(static_cast<double>(_scrollView->contentSize().width) /
-            static_cast<double>(_pageView->frame().size.width));
+    const float room = _scrollView->contentSize().width;
+    const float width = _pageView->frame().size.width;
+    setZoom(static_cast<double>(room / width));
+    const float left = _scrollView->contentSize().width;
+    if (left < room) setZoom(static_cast<double>(left / width));  // larger pages need the vertical scroller
 }
 
 // MARK: Pages

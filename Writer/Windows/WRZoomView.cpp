@@ -2,9 +2,11 @@
 #include "Writer/Windows/WRZoomView.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "Foundation/NSNotificationCenter.h"
 #include "Interface/NSClipView.h"
+#include "Interface/NSEvent.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -17,6 +19,7 @@ PELVOR_DEFINE_CLASS(WRZoomView, windowsLibrary) {
     methods.instance<"isFlipped", &WRZoomView::isFlipped>();
     methods.instance<"contentDidChange:", &WRZoomView::contentDidChange>();
     methods.instance<"viewDidMoveToSuperview", &WRZoomView::viewDidMoveToSuperview>();
+    methods.instance<"scrollWheel:", &WRZoomView::scrollWheel>();
 }
 
 Retained<WRZoomView> WRZoomView::create(NSView* content) {
@@ -48,8 +51,9 @@ void WRZoomView::fitToContent() {
     const NSSize content = _content->frame().size;
     const NSSize room = superview() ? superview()->frame().size : NSSize{};
     const auto scale = static_cast<float>(_zoom);
-    const NSSize size{std::max(content.width * scale, room.width),
-                      std::max(content.height * scale, room.height)};
+    // Whole points, so that no rounding makes content that just fits in larger than the room.
+    const NSSize size{std::max(std::floor(content.width * scale), room.width),
+                      std::max(std::floor(content.height * scale), room.height)};
     setFrameSize(size);
     setBoundsSize({size.width / scale, size.height / scale});
     _content->setFrameOrigin({std::max((size.width / scale - content.width) / 2, 0.0F), 0});
@@ -71,6 +75,18 @@ void WRZoomView::setZoom(double zoom) {
     const auto scale = static_cast<float>(zoom);
     scrollPoint(
         {middle.x + _content->frame().origin.x - room.width / scale / 2, middle.y - room.height / scale / 2});
+}
+
+void WRZoomView::scrollWheel(NSEvent* event) {
+    if (!event || !(event->modifierFlags() & NSCommandKeyMask)) return NSView::scrollWheel(event);
+    if (event->deltaY() == 0) return;
+    const auto alive = Retained<WRZoomView>::retaining(this);
+    const NSPoint place = event->locationInWindow();
+    const NSPoint before = _content->convertPoint_fromView(place, nullptr);
+    tryToPerform_with(event->deltaY() > 0 ? "zoomIn:"_sel : "zoomOut:"_sel, this);
+    const NSPoint after = _content->convertPoint_fromView(place, nullptr);
+    const NSPoint corner = visibleRect().origin;
+    scrollPoint({corner.x + before.x - after.x, corner.y + before.y - after.y});
 }
 
 }  // namespace pelvor

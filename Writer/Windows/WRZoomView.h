@@ -26,6 +26,9 @@ class WRZoomView : public NSView, NSView::HiddenCreators {
     bool isFlipped() override { return true; }
     void contentDidChange(id notification);
     void viewDidMoveToSuperview() override;
+    /// With Ctrl, sends zoomIn: or zoomOut: along the chain of responders, and keeps the place under the
+    /// pointer.
+    void scrollWheel(NSEvent* event) override;
 
   protected:
     WRZoomView() = default;
