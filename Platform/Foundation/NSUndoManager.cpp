@@ -63,6 +63,16 @@ namespace {
 
 constexpr std::uint32_t kCloseOrdering = 350'000;
 
+// Forgets the oldest groups. Objects that end with them may call the manager, which has only the rest then.
+void drop(std::vector<std::unique_ptr<UndoGroup>>& groups, std::size_t count) {
+    const auto end = groups.begin() + static_cast<std::ptrdiff_t>(count);
+    const std::vector<std::unique_ptr<UndoGroup>> dropped(std::make_move_iterator(groups.begin()),
+                                                          std::make_move_iterator(end));
+    groups.erase(groups.begin(), end);
+}
+
+void drop(std::vector<std::unique_ptr<UndoGroup>>& groups) { drop(groups, groups.size()); }
+
 }  // namespace
 
 NSUndoManager::NSUndoManager() = default;
@@ -89,13 +99,14 @@ void NSUndoManager::add(id target, std::function<void()> call, const char* opera
             throw NSException(NSInternalInconsistencyException,
                               std::string(operation) + ": no group is open");
         beginUndoGrouping();
+        if (_open.empty()) return;  // an observer has removed all
         if (!std::exchange(_hasGroupOfEvent, true))
             NSRunLoop::currentRunLoop()->performSelector_target_argument_order_modes(
                 "_closeGroupOfEvent"_sel, UndoGroupCloser::create(this).get(), nullptr, kCloseOrdering,
                 _modes);
     }
     _open.back()->actions.push_back({WeakHandle(target), target, std::move(call)});
-    if (_phase == Phase::idle) _redone.clear();
+    if (_phase == Phase::idle) drop(_redone);
 }
 
 void NSUndoManager::registerUndoWithTarget_selector_object(id target, SEL selector, id object) {
@@ -178,10 +189,10 @@ void NSUndoManager::setRunLoopModes(NSArray* modes) {
 }
 
 void NSUndoManager::setLevelsOfUndo(NSUInteger levels) {
+    const auto held = Retained<NSUndoManager>::retaining(this);
     _levels = levels;
     for (Groups* stack : {&_undone, &_redone})
-        if (_levels && stack->size() > _levels)
-            stack->erase(stack->begin(), stack->end() - static_cast<std::ptrdiff_t>(_levels));
+        if (_levels && stack->size() > _levels) drop(*stack, stack->size() - _levels);
 }
 
 // MARK: Undoing
@@ -193,18 +204,19 @@ void NSUndoManager::requireNoOpenGroup(const char* operation) {
 }
 
 void NSUndoManager::perform(Phase phase, Groups& from, const char* operation) {
+    const auto held = Retained<NSUndoManager>::retaining(this);
     requireNoOpenGroup(operation);
     if (from.empty()) return;
-    const auto held = Retained<NSUndoManager>::retaining(this);
     const bool isUndo = phase == Phase::undoing;
     post(isUndo ? NSUndoManagerWillUndoChangeNotification : NSUndoManagerWillRedoChangeNotification);
+    if (from.empty()) return;  // an observer has removed all
     const std::unique_ptr<UndoGroup> group = std::move(from.back());
     from.pop_back();
     struct End {
         NSUndoManager* manager;
         ~End() {
             manager->_phase = Phase::idle;
-            manager->_open.clear();
+            drop(manager->_open);
         }
     };
     {
@@ -235,18 +247,26 @@ bool NSUndoManager::canRedo() {
 }
 
 void NSUndoManager::removeAllActions() {
-    _undone.clear();
-    _redone.clear();
+    const auto held = Retained<NSUndoManager>::retaining(this);
+    drop(_undone);
+    drop(_redone);
     if (_phase != Phase::idle) return;
-    _open.clear();
+    drop(_open);
     _hasGroupOfEvent = false;
     _disabled = 0;
 }
 
 void NSUndoManager::removeAllActionsWithTarget(id target) {
+    std::vector<UndoAction> dropped;
     for (Groups* stack : {&_undone, &_redone, &_open}) {
-        for (auto& group : *stack)
-            std::erase_if(group->actions, [=](const UndoAction& action) { return action.address == target; });
+        for (auto& group : *stack) {
+            auto& actions = group->actions;
+            const auto end =
+                std::stable_partition(actions.begin(), actions.end(),
+                                      [=](const UndoAction& action) { return action.address != target; });
+            std::move(end, actions.end(), std::back_inserter(dropped));
+            actions.erase(end, actions.end());
+        }
         if (stack != &_open) std::erase_if(*stack, [](const auto& group) { return group->actions.empty(); });
     }
 }

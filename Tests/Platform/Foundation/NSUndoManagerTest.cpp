@@ -2,6 +2,7 @@
 #include "Foundation/NSUndoManager.h"
 
 #include "Foundation/ClockScope.h"
+#include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSRunLoop.h"
 #include "Prelude.h"
 #include "TestClasses.h"
@@ -100,6 +101,47 @@ TEST_F(NSUndoManagerTest, TargetsMayEndAndBeForgotten) {
     setText("last");
     manager = nullptr;
     endTurn();
+}
+
+TEST_F(NSUndoManagerTest, WhatIsDroppedMayCallTheManager) {
+    auto other = instanceOf(display->isa());
+    int ended = 0;
+    // An object that takes back its actions when it ends, and that only an action keeps.
+    const auto keep = [&] {
+        auto kept = atEnd([&] {
+            ++ended;
+            manager->removeAllActionsWithTarget(other);
+        });
+        manager->registerUndo(other, [kept] {});
+        endTurn();
+    };
+    keep();
+    keep();
+    manager->removeAllActionsWithTarget(other);
+    keep();
+    manager->removeAllActions();
+    manager->setLevelsOfUndo(1);
+    keep();
+    setText("a");
+    endTurn();
+    EXPECT_EQ(ended, 4);
+    manager->undo();
+    EXPECT_EQ(shown, "");
+
+    setText("b");
+    endTurn();
+    auto dropper = Listener::doing([&](id) { manager->removeAllActions(); });
+    NSNotificationCenter* centre = NSNotificationCenter::defaultCenter();
+    centre->addObserver_selector_name_object(dropper, "hear:"_sel, NSUndoManagerWillUndoChangeNotification,
+                                             manager);
+    manager->undo();
+    EXPECT_EQ(shown, "b");
+    centre->addObserver_selector_name_object(dropper, "hear:"_sel, NSUndoManagerDidOpenUndoGroupNotification,
+                                             manager);
+    setText("c");
+    centre->removeObserver(dropper);
+    EXPECT_EQ(manager->groupingLevel(), 0u);
+    EXPECT_FALSE(manager->canUndo());
 }
 
 TEST_F(NSUndoManagerTest, AnExceptionLeavesNoGroupOpen) {
