@@ -196,7 +196,9 @@ void NSTextView::drawSelection(NSRange range, NSTextContainer* container, NSPoin
         _state->layoutManager
             ->rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
                 part, _state->selection, container, &count);
-    for (NSUInteger i = 0; i < count; ++i) NSRectFill(NSOffsetRect(rects[i], origin.x, origin.y));
+    // On whole pixels, so that the rectangles of neighbouring lines and spans leave no light seam.
+    for (NSUInteger i = 0; i < count; ++i)
+        NSRectFill(centerScanRect(NSOffsetRect(rects[i], origin.x, origin.y)));
 }
 
 // MARK: Caret

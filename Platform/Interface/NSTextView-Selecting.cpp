@@ -138,20 +138,19 @@ void NSTextView::mouseDown(NSEvent* event) {
 }
 
 bool NSTextView::isInSelection(NSPoint point) {
-    const NSRange selection = _state->selection;
-    if (selection.length == 0) return false;
-    for (id each : _state->layoutManager->textContainers()) {
-        auto container = static_cast<NSTextContainer*>(each);
-        const NSPoint origin = originOfTextContainer(container);
-        NSUInteger count = 0;
-        const NSRect* rects =
-            _state->layoutManager
-                ->rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
-                    selection, selection, container, &count);
-        for (NSUInteger i = 0; i < count; ++i)
-            if (NSMouseInRect({point.x - origin.x, point.y - origin.y}, rects[i], true)) return true;
-    }
-    return false;
+    // Only the line at the point: the whole selection may not be laid out yet.
+    const NSRange part = NSIntersectionRange(_state->selection, lineAt(placeAtPoint(point)));
+    NSTextContainer* container = containerNear(point);
+    if (part.length == 0 || !container) return false;
+    const NSPoint origin = originOfTextContainer(container);
+    NSUInteger count = 0;
+    const NSRect* rects =
+        _state->layoutManager
+            ->rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
+                part, _state->selection, container, &count);
+    return std::any_of(rects, rects + count, [&](const NSRect& rect) {
+        return NSMouseInRect({point.x - origin.x, point.y - origin.y}, rect, true);
+    });
 }
 
 void NSTextView::selectTo(NSPoint point) {

@@ -10,6 +10,7 @@
 #include "Interface/NSPasteboard.h"
 #include "Interface/NSScrollView.h"
 #include "InterfaceScope.h"
+#include "Text/NSColor.h"
 #include "Text/NSFont.h"
 #include "Text/NSLayoutManager.h"
 #include "Text/NSTextContainer.h"
@@ -291,6 +292,19 @@ TEST_F(NSTextViewTest, LooksTheSameHoweverItCameToBe) {
     }
 }
 
+TEST_F(NSTextViewTest, LeavesNoSeamsInTheSelection) {
+    view->setTypingAttributes(
+        NSDictionary::of({{NSFontAttributeName, NSFont::fontWithName_size(u"DejaVuSans"_ns, 12.3F)}}));
+    NSTextStorage* storage = view->textStorage();
+    set(u"\n\n\n\n\n\n"_ns, {0, 6});
+    storage->addAttributes_range(view->typingAttributes(), {0, storage->length()});
+    view->setSelectionColor(NSColor::redColor());
+    screen.turn();
+    const float bottom = view->caretRectForCharacterAtIndex(5).origin.y;
+    ASSERT_NE(bottom, std::round(bottom));
+    for (float y = 2; y < bottom; ++y) EXPECT_EQ(screen.pixel(view, {100, y + 0.5F}), 0xFF0000u) << y;
+}
+
 TEST_F(NSTextViewTest, BlinksWhereTheKeysGoForAWhile) {
     set(u"ab"_ns, {1, 0});
     const NSPoint place{caret().origin.x + 0.5F, NSMidY(caret())};
@@ -331,6 +345,20 @@ TEST_F(NSTextViewTest, SelectsByMouse) {
     screen.wait(1);
     screen.click(view, {5, 190});
     EXPECT_EQ(state(), "one two three\n|four five") << "below the text, in its last line";
+}
+
+TEST_F(NSTextViewTest, APressInAllOfALongTextLaysOutNoMoreOfIt) {
+    set(words(20000));
+    view->setSelectedRange({0, view->string()->length()});
+    screen.turn();
+    const NSUInteger before = view->layoutManager()->firstUnlaidCharacterIndex();
+    ASSERT_LT(before, view->string()->length() / 2);
+    screen.moveTo(view, placeOf(3));
+    screen.down();
+    EXPECT_EQ(view->layoutManager()->firstUnlaidCharacterIndex(), before);
+    EXPECT_EQ(view->selectedRange().length, view->string()->length()) << "it may become a drag";
+    screen.up();
+    EXPECT_EQ(view->selectedRange(), (NSRange{3, 0}));
 }
 
 TEST_F(NSTextViewTest, ScrollsWhileADragIsOutside) {
