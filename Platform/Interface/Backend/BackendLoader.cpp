@@ -58,6 +58,9 @@ InterfaceBackendEntry loadEntry(std::string& reason) {
 std::unique_ptr<InterfaceBackend> openBackend(BackendSink& sink) {
     const char* wish = std::getenv("PELVOR_DISPLAY");
     const bool isUnwanted = wish && std::strcmp(wish, "none") == 0;
+    if (wish && *wish && !isUnwanted)
+        NSLog(u"PELVOR_DISPLAY is \"%@\", but \"none\" is the only value that has a meaning"_ns,
+              NSString::ofUTF8(wish));
     if (!isUnwanted && isSet("DISPLAY")) {
         std::string reason;
         if (InterfaceBackendEntry entry = loadEntry(reason))
