@@ -179,6 +179,7 @@ Retained<NSWindow> NSWindow::initWithContentRect_styleMask_backing_defer(NSRect 
     state.root->setNextResponder(window);
     app.windows.push_back(window);
     window->setContentView(nullptr);
+    state.updateMenuBar();
     return window;
 }
 
@@ -192,12 +193,8 @@ NSString* NSWindow::description() {
 NSUInteger NSWindow::styleMask() { return _state->styleMask; }
 
 NSRect NSWindow::frameRectForContentRect(NSRect rect) {
-    const PixelRect extents = _state->frameExtents();
-    const float scale = userSpaceScaleFactor();
-    auto points = [&](int pixels) { return static_cast<float>(pixels) / scale; };
-    return {{rect.origin.x - points(extents.x), rect.origin.y - points(extents.height)},
-            {rect.size.width + points(extents.x + extents.width),
-             rect.size.height + points(extents.y + extents.height)}};
+    rect.size.height += _state->barHeight();
+    return _state->frameAround(rect);
 }
 
 NSRect NSWindow::contentRectForFrameRect(NSRect frame) {
@@ -207,11 +204,13 @@ NSRect NSWindow::contentRectForFrameRect(NSRect frame) {
              std::max(frame.size.height - around.size.height, 1.0F)}};
 }
 
-NSRect NSWindow::frame() { return frameRectForContentRect(_state->content); }
+NSRect NSWindow::frame() { return _state->frameAround(_state->content); }
 
 void NSWindow::setFrame_display(NSRect frame, bool display) {
     const auto held = Retained<NSWindow>::retaining(this);
-    _state->setContent(contentRectForFrameRect(frame));
+    NSRect content = contentRectForFrameRect(frame);
+    content.size.height += _state->barHeight();
+    _state->setContent(content);
     if (display) displayIfNeeded();
 }
 
@@ -222,6 +221,7 @@ void NSWindow::setFrameTopLeftPoint(NSPoint corner) {
 }
 
 void NSWindow::setContentSize(NSSize size) {
+    size.height += _state->barHeight();
     NSRect content = _state->content;
     content.origin.y += content.size.height - size.height;  // the upper edge stays
     content.size = size;
@@ -261,29 +261,13 @@ NSRect NSWindow::constrainFrameRect_toScreen(NSRect frame, NSScreen* screen) {
 NSSize NSWindow::contentMinSize() { return _state->minSize; }
 NSSize NSWindow::contentMaxSize() { return _state->maxSize; }
 
-namespace {
-
-void setLimits(WindowState& state) {
-    if (!state.backendWindow) return;
-    const float scale = DisplayConnection::shared().scale();
-    auto pixels = [&](float points) { return static_cast<int>(std::clamp(points, 0.0F, 32767.0F) * scale); };
-    const PixelRect limits{pixels(state.minSize.width), pixels(state.minSize.height),
-                           pixels(state.maxSize.width), pixels(state.maxSize.height)};
-    WindowChanges changes;
-    changes.minimumAndMaximum = &limits;
-    DisplayConnection::shared().backend().configure(state.backendWindow, changes);
-    DisplayConnection::shared().needsTurn();
-}
-
-}  // namespace
-
 void NSWindow::setContentMinSize(NSSize size) {
     _state->minSize = size;
-    setLimits(*_state);
+    _state->setLimits();
 }
 void NSWindow::setContentMaxSize(NSSize size) {
     _state->maxSize = size;
-    setLimits(*_state);
+    _state->setLimits();
 }
 
 NSScreen* NSWindow::screen() {
@@ -331,7 +315,9 @@ NSString* NSWindow::stringWithSavedFrame() { return NSStringFromRect(frame()); }
 
 void NSWindow::setFrameFromString(NSString* text) {
     const NSRect frame = NSRectFromString(text);
-    if (!NSIsEmptyRect(frame)) setFrame_display(frame, true);
+    if (NSIsEmptyRect(frame)) return;
+    _state->keepsFrame = true;
+    setFrame_display(frame, true);
 }
 
 bool NSWindow::setFrameUsingName(NSString* name) {
@@ -420,6 +406,7 @@ void NSWindow::orderWindow_relativeTo(NSWindowOrderingMode place, NSInteger othe
     if (place == NSWindowOut) return orderOut(nullptr);
     const auto held = Retained<NSWindow>::retaining(this);
     WindowState& state = *_state;
+    if (!state.isVisible) state.updateMenuBar();
     if (!std::exchange(state.wasShown, true)) {
         if (state.styleMask & NSTitledWindowMask) {
             NSScreen* on = screen() ? screen() : NSScreen::mainScreen();

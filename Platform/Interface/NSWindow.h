@@ -68,7 +68,8 @@ inline constexpr NSString* NSWindowWillCloseNotification = u"NSWindowWillCloseNo
 ///     NSApplication::sharedApplication()->run();
 ///
 /// Base coordinates are points, y upwards, from the lower left corner of the contents; the content view fills
-/// the contents. The frame, in screen coordinates, includes what the window manager puts around the window.
+/// the contents. The frame, in screen coordinates, includes the menu bar above the contents and what the
+/// window manager puts around the window.
 ///
 /// **Key and main.** The key window gets the keys; its first responder gets them first. The main window is
 /// the document that panels and menus work on.
@@ -85,9 +86,9 @@ class PELVOR_EXPORT NSWindow : public NSResponder {
     PELVOR_CREATORS(initWithContentRect_styleMask_backing_defer);
 
   public:
-    /// A window that is not shown yet. The rectangle of its contents is in screen coordinates. Backing and
-    /// `defer` make no difference: windows are drawn into memory, and take part in the display from their
-    /// first showing.
+    /// A window that is not shown yet. The rectangle of its contents, without a menu bar, is in screen
+    /// coordinates. Backing and `defer` make no difference: windows are drawn into memory, and take part in
+    /// the display from their first showing.
     static Retained<NSWindow> initWithContentRect_styleMask_backing_defer(NSRect contentRect,
                                                                           NSUInteger styleMask,
                                                                           NSBackingStoreType backing,
@@ -98,6 +99,8 @@ class PELVOR_EXPORT NSWindow : public NSResponder {
 
     NSUInteger styleMask();
     NSRect frame();
+    /// These two convert between a frame and the contents inside it, with the menu bar that the window has
+    /// now.
     NSRect contentRectForFrameRect(NSRect frame);
     NSRect frameRectForContentRect(NSRect contentRect);
     virtual void setFrame_display(NSRect frame, bool display);
@@ -153,8 +156,10 @@ class PELVOR_EXPORT NSWindow : public NSResponder {
     NSColor* backgroundColor();
     void setBackgroundColor(NSColor* color);
 
-    /// Whether a window that can become main shows the application's main menu above its content view; true
-    /// at first.
+    /// Whether a window with a title bar that can become main shows the application's main menu above its
+    /// content view; true at first. The window grows by the menu bar, so that the contents keep their size: a
+    /// window that was never shown upwards, another one downwards. The frame of a zoomed window or one in
+    /// full screen stays, and so does a saved frame that was set before the first showing.
     bool showsMenuBar();
     void setShowsMenuBar(bool shows);
 
@@ -162,7 +167,8 @@ class PELVOR_EXPORT NSWindow : public NSResponder {
 
     NSInteger windowNumber();
     NSInteger level();
-    /// Of a window that was never shown; later changes leave its kind as it is.
+    /// Set it before the first showing: the window manager is told then what kind of window it is, and is not
+    /// told of later changes.
     void setLevel(NSInteger level);
     bool isVisible();
     void orderFront(id sender);
@@ -172,7 +178,9 @@ class PELVOR_EXPORT NSWindow : public NSResponder {
     void orderFrontRegardless();
     void orderWindow_relativeTo(NSWindowOrderingMode place, NSInteger otherNumber);
     virtual void makeKeyAndOrderFront(id sender);
-    /// Takes the window from the screen, after the notification of it.
+    /// Posts NSWindowWillCloseNotification and takes the window from the screen. Does not ask the delegate,
+    /// as `performClose` does. The program can show the window again if it still keeps it. A modal run of the
+    /// window ends with NSRunAbortedResponse.
     virtual void close();
     /// What a click on the close button does: asks the delegate, or else the window itself, by
     /// `windowShouldClose:`, and closes. Beeps for a window that cannot be closed.
@@ -203,9 +211,11 @@ class PELVOR_EXPORT NSWindow : public NSResponder {
 
     bool isKeyWindow();
     bool isMainWindow();
-    /// Whether the window has a title bar or can be resized.
+    /// Whether the window may get the keys. The base returns true for windows that have a title bar or can be
+    /// resized.
     virtual bool canBecomeKeyWindow();
-    /// The same, and it is no panel.
+    /// Whether the window may be the document that menus work on. The base returns what `canBecomeKeyWindow`
+    /// does, and false for panels.
     virtual bool canBecomeMainWindow();
     void makeKeyWindow();
     void makeMainWindow();
@@ -272,8 +282,9 @@ class PELVOR_EXPORT NSWindow : public NSResponder {
 
     bool viewsNeedDisplay();
     void setViewsNeedDisplay(bool need);
-    /// Draw at once: everything; what is marked.
+    /// Draws the whole window at once, marked or not.
     void display();
+    /// Draws what is marked at once.
     void displayIfNeeded();
     /// Between the two, nothing is drawn but by `display`.
     void disableFlushWindow();

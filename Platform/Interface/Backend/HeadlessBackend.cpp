@@ -225,6 +225,10 @@ PixelRect HeadlessBackend::frame(BackendWindow number) const {
     const Window* window = find(number);
     return window ? window->frame : PixelRect{};
 }
+PixelRect HeadlessBackend::limits(BackendWindow number) const {
+    const Window* window = find(number);
+    return window ? window->limits : PixelRect{};
+}
 BackendCursor HeadlessBackend::cursor(BackendWindow number) const {
     const Window* window = find(number);
     return window ? window->cursor : BackendCursor::arrow;
@@ -271,6 +275,7 @@ void HeadlessBackend::configure(BackendWindow number, const WindowChanges& chang
     Window* window = find(number);
     if (!window) return;
     if (changes.title) window->wishes.title = *changes.title;
+    if (changes.minimumAndMaximum) window->limits = *changes.minimumAndMaximum;
     if (changes.raises) {
         std::erase(_order, number);
         _order.push_back(number);

@@ -55,6 +55,8 @@ class PELVOR_EXPORT HeadlessBackend final : public InterfaceBackend {
     bool isShown(BackendWindow window) const;
     std::string title(BackendWindow window) const;
     PixelRect frame(BackendWindow window) const;
+    /// WindowChanges::minimumAndMaximum, as told last.
+    PixelRect limits(BackendWindow window) const;
     BackendCursor cursor(BackendWindow window) const;
     const BackendImage* picture(BackendWindow window) const;
     /// Parts that were presented since the last call.
@@ -103,6 +105,7 @@ class PELVOR_EXPORT HeadlessBackend final : public InterfaceBackend {
         WindowWishes wishes;
         PixelRect frame;
         PixelRect restoredFrame;
+        PixelRect limits;
         bool isShown = false, isMinimized = false, isZoomed = false;
         BackendCursor cursor = BackendCursor::arrow;
         std::vector<unsigned char> pixels;

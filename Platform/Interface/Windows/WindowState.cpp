@@ -45,14 +45,26 @@ void WindowState::createBackendWindow() {
     backendWindow = display.backend().createWindow(wishes);
     if (!backendWindow) return;
     display.add(backendWindow, window);
+    if (minSize != NSZeroSize || maxSize != NSZeroSize) setLimits();
+    if (!isDocumentEdited) return;
     WindowChanges changes;
-    const float scale = display.scale();
-    auto pixels = [&](float points) { return static_cast<int>(std::min(points, 32767.0F) * scale); };
-    const PixelRect limits{pixels(minSize.width), pixels(minSize.height), pixels(maxSize.width),
-                           pixels(maxSize.height)};
-    if (limits != PixelRect{}) changes.minimumAndMaximum = &limits;
-    if (isDocumentEdited) changes.isDocumentEdited = &isDocumentEdited;
+    changes.isDocumentEdited = &isDocumentEdited;
     display.backend().configure(backendWindow, changes);
+}
+
+void WindowState::setLimits() {
+    if (!backendWindow) return;
+    DisplayConnection& display = DisplayConnection::shared();
+    auto pixels = [&](float points) {
+        return static_cast<int>(std::clamp(points, 0.0F, 32767.0F) * display.scale());
+    };
+    auto height = [&](float points) { return pixels(points > 0 ? points + barHeight() : 0); };
+    const PixelRect limits{pixels(minSize.width), height(minSize.height), pixels(maxSize.width),
+                           height(maxSize.height)};
+    WindowChanges changes;
+    changes.minimumAndMaximum = &limits;
+    display.backend().configure(backendWindow, changes);
+    display.needsTurn();
 }
 
 // Left, top, right and bottom edge, in pixels.
@@ -63,6 +75,15 @@ PixelRect WindowState::frameExtents() {
         extents = DisplayConnection::shared().backend().frameExtents(backendWindow);
     }
     return *extents;
+}
+
+NSRect WindowState::frameAround(NSRect inside) {
+    const PixelRect around = frameExtents();
+    const float scale = DisplayConnection::shared().scale();
+    auto points = [&](int pixels) { return static_cast<float>(pixels) / scale; };
+    return {{inside.origin.x - points(around.x), inside.origin.y - points(around.height)},
+            {inside.size.width + points(around.x + around.width),
+             inside.size.height + points(around.y + around.height)}};
 }
 
 void WindowState::setContent(NSRect wanted) {
@@ -113,7 +134,7 @@ void WindowState::applyReport() {
     const Retained<Object> asked = delegate.object();
     const SEL question = "windowWillResize:toSize:"_sel;
     if (taken.size != content.size && asked && asked->respondsToSelector(question)) {
-        const NSSize frameSize = window->frameRectForContentRect(taken).size;
+        const NSSize frameSize = frameAround(taken).size;
         const NSSize wish = send<NSSize>(asked.get(), question, window, frameSize);
         taken.size.width += wish.width - frameSize.width;
         taken.size.height += wish.height - frameSize.height;
@@ -131,16 +152,25 @@ void WindowState::applyReport() {
 
 void WindowState::layOut() {
     const NSSize size = root->bounds().size;
-    const float above = bar ? std::min(bar->frame().size.height, size.height) : 0;
+    const float above = barHeight();
     if (bar) bar->setFrame({{0, size.height - above}, {size.width, above}});
-    if (contentView) contentView->setFrame({{0, 0}, {size.width, size.height - above}});
+    if (contentView) contentView->setFrame({{0, 0}, {size.width, std::max(size.height - above, 0.0F)}});
 }
 
 void WindowState::setBar(NSView* view) {
     if (bar == view) return;
-    if (Retained<NSView> old = std::exchange(bar, Retained<NSView>::retaining(view)))
-        old->removeFromSuperview();
+    const auto held = Retained<NSWindow>::retaining(window);
+    const float old = barHeight();
+    if (Retained<NSView> former = std::exchange(bar, Retained<NSView>::retaining(view)))
+        former->removeFromSuperview();
     if (view) root->addSubview(view);
+    setLimits();
+    if (!isZoomed && !isFullScreen && !(keepsFrame && !wasShown)) {
+        NSRect grown = content;
+        grown.size.height += barHeight() - old;
+        if (wasShown) grown.origin.y = NSMaxY(content) - grown.size.height;  // the upper edge stays
+        setContent(grown);
+    }
     layOut();
 }
 
@@ -158,7 +188,6 @@ void WindowState::show(bool shown, bool raises, bool takesFocus) {
     const auto held = Retained<NSWindow>::retaining(window);
     DisplayConnection& display = DisplayConnection::shared();
     if (shown && !backendWindow) createBackendWindow();
-    if (shown && !isVisible) updateMenuBar();
     WindowChanges changes;
     const bool isChanged = shown != isVisible;
     isVisible = shown;

@@ -47,7 +47,7 @@ struct WindowState {
     NSUInteger styleMask = 0;
     NSInteger number = 0;
     NSInteger level = NSNormalWindowLevel;
-    NSRect content;  // in screen coordinates
+    NSRect content;  // with the bar, in screen coordinates
     BackendWindow backendWindow = 0;
     std::optional<PixelRect> extents;
     std::optional<ReportedFrame> reported;  // and not yet taken over
@@ -79,6 +79,7 @@ struct WindowState {
     bool recalculatesKeyViewLoop = true;
     bool isClosed = false;
     bool wasShown = false;
+    bool keepsFrame = false;  // until the first showing: the saved frame included the bar
     bool isPanel = false;
     bool showsMenuBar = true;
     int flushDisabled = 0;
@@ -89,8 +90,14 @@ struct WindowState {
     void applyReport();
     bool differsFromReport();
     PixelRect frameExtents();
+    /// The frame of a window whose contents with the bar fill the rectangle.
+    NSRect frameAround(NSRect inside);
+    float barHeight() const { return bar ? bar->frame().size.height : 0; }
+    void setLimits();
     void layOut();
-    /// A view above the content view, as high as its frame; null for none.
+    /// Puts a view above the content view, as high as the view's frame; null takes it away. The window grows
+    /// by the bar, so that the content view keeps its size, unless the window is zoomed, in full screen or of
+    /// a saved size.
     void setBar(NSView* view);
     /// Shows the titles of the application's main menu, if there is one and the window is to have them.
     void updateMenuBar();

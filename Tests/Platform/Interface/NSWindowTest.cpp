@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Interface/NSWindow.h"
 
+#include "Interface/NSMenu.h"
+#include "Interface/NSMenuBarView.h"
 #include "InterfaceScope.h"
 #include "TestViews.h"
 
@@ -32,6 +34,49 @@ TEST(NSWindow, PaintsNoMoreThanWhatIsMarked) {
     EXPECT_THAT(view->drawn, ElementsAre(NSRect{{0, 0}, {5, 5}}));
     screen.turn();
     EXPECT_THAT(screen.backend->takePresented(), IsEmpty());
+}
+
+TEST(NSWindow, GrowsByItsMenuBar) {
+    InterfaceScope screen;
+    const NSRect asked{{100, 100}, {200, 100}};
+    const int bar = static_cast<int>(NSMenuBarView::menuBarHeight());
+    const auto contents = [](NSWindow* window) { return window->contentRectForFrameRect(window->frame()); };
+    const auto make = [&] {
+        return NSWindow::initWithContentRect_styleMask_backing_defer(asked, NSTitledWindowMask,
+                                                                     NSBackingStoreBuffered, true);
+    };
+    auto shown = screen.window(asked), unshown = make(), restored = make();
+    const NSRect frame = shown->frame();
+    restored->setFrameFromString(NSStringFromRect(frame));
+    const auto menu = NSMenu::init();
+    screen.app->setMainMenu(menu);
+    EXPECT_EQ(restored->frame(), frame) << "or else it grew at each launch";
+    auto later = make();
+    for (NSWindow* window : {shown.get(), unshown.get(), later.get()}) {
+        window->orderFront(nullptr);
+        screen.turn();
+        EXPECT_EQ(window->contentView()->frame().size, asked.size);
+        EXPECT_EQ(contents(window).size, asked.size);
+        EXPECT_EQ(screen.backend->frame(screen.number(window)).height, 100 + bar);
+        EXPECT_EQ(window->frameRectForContentRect(contents(window)), window->frame());
+    }
+    EXPECT_EQ(NSMaxY(shown->frame()), NSMaxY(frame));
+    EXPECT_EQ(contents(unshown), asked);
+    EXPECT_EQ(contents(later), asked);
+
+    later->setContentSize({260, 120});
+    EXPECT_EQ(later->contentView()->frame().size, (NSSize{260, 120}));
+    later->setFrame_display({{50, 50}, {300, 200}}, true);
+    EXPECT_EQ(later->frame(), (NSRect{{50, 50}, {300, 200}}));
+    later->setContentSize({260, 1});
+    later->setContentSize({260, 120});
+    EXPECT_EQ(later->contentView()->frame().size, (NSSize{260, 120}));
+    later->setContentMinSize({240, 100});
+    EXPECT_EQ(screen.backend->limits(screen.number(later)), (PixelRect{240, 100 + bar, 0, 0}));
+    later->setShowsMenuBar(false);
+    EXPECT_EQ(screen.backend->limits(screen.number(later)), (PixelRect{240, 100, 0, 0}));
+    EXPECT_EQ(later->contentView()->frame().size, (NSSize{260, 120}));
+    EXPECT_EQ(screen.backend->frame(screen.number(later)).height, 120);
 }
 
 TEST(NSWindow, HandsPressesAndKeysToViews) {

@@ -97,7 +97,7 @@ TEST_F(XCBApplicationTest, OpensMenus) {
     // By the mouse, as soon as the menu is seen.
     const NSRect contents = window->contentRectForFrameRect(window->frame());
     const int x = static_cast<int>(NSMinX(contents)) + 20,
-              y = static_cast<int>(NSMaxY(NSScreen::mainScreen()->frame()) - NSMaxY(contents)) + 12;
+              y = static_cast<int>(NSMaxY(NSScreen::mainScreen()->frame()) - NSMaxY(contents)) - 12;
     auto user = Listener::doing([&](id timer) {
         static_cast<NSTimer*>(timer)->invalidate();
         server->click(x + 10, y + 12 + 5 + 2 * 22 + 11);
