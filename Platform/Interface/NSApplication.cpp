@@ -96,8 +96,7 @@ void ApplicationState::end() {
     if (app) {
         ApplicationState& state = app->state();
         state.delegate = {};
-        for (NSWindow* window : std::vector<NSWindow*>(state.windows.begin(), state.windows.end())) {
-            const auto held = Retained<NSWindow>::retaining(window);
+        for (const auto& window : state.allWindows()) {
             window->setDelegate(nullptr);
             window->orderOut(nullptr);
         }
@@ -280,7 +279,7 @@ void NSApplication::setDelegate(id delegate) { _state->delegate = WeakHandle(del
 NSMenu* NSApplication::mainMenu() { return _state->mainMenu; }
 void NSApplication::setMainMenu(NSMenu* menu) {
     _state->mainMenu.set(menu);
-    for (NSWindow* window : _state->windows) window->state().updateMenuBar();
+    for (const auto& window : _state->allWindows()) window->state().updateMenuBar();
 }
 
 // MARK: Windows
@@ -335,6 +334,12 @@ void ApplicationState::setMainWindow(NSWindow* window) {
     mainWindow = window;
     if (old) old->resignMainWindow();
     if (window && mainWindow == window) window->becomeMainWindow();
+}
+
+std::vector<Retained<NSWindow>> ApplicationState::allWindows() {
+    std::vector<Retained<NSWindow>> all;
+    for (NSWindow* window : windows) all.push_back(Retained<NSWindow>::retaining(window));
+    return all;
 }
 
 // The window is ending.
@@ -397,10 +402,8 @@ void ApplicationState::updateActivity() {
     if (!hasFocus && steadyTime() - focusLost < kPatience - 0.001) return;
     focusLost = 0;
     isActive = hasFocus;
-    for (NSWindow* each : std::vector<NSWindow*>(windows.begin(), windows.end())) {
-        if (std::find(windows.begin(), windows.end(), each) == windows.end() || !each->hidesOnDeactivate())
-            continue;
-        const auto window = Retained<NSWindow>::retaining(each);
+    for (const auto& window : allWindows()) {
+        if (!window->hidesOnDeactivate()) continue;
         if (!isActive && window->isVisible()) {
             window->orderOut(nullptr);
             window->state().isHiddenByDeactivation = true;

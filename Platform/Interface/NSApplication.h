@@ -66,14 +66,16 @@ using NSModalSession = struct ModalSession*;
 /// **Exceptions** of event handling are told to `reportException` and end only the handling of their event.
 ///
 /// **Without a display**, or with the environment's PELVOR_DISPLAY set to "none", everything works and nobody
-/// sees it; why there is none is logged if DISPLAY names one.
+/// sees it. If DISPLAY names a display that cannot be had, the reason is logged; so is any other value of
+/// PELVOR_DISPLAY, which changes nothing.
 ///
 /// **Under a loop of somebody else**, call `deliverEventsInRunLoop` instead of `run`; the host's loop drives
 /// the main run loop (NSRunLoop::descriptor), and events are handed on from there.
 ///
 /// The delegate may have: `applicationShouldTerminate:` (returns an NSApplicationTerminateReply),
-/// `applicationShouldTerminateAfterLastWindowClosed:`, `application:reportException:` is not asked. It gets
-/// the messages of the notifications above. Main thread.
+/// `applicationShouldTerminateAfterLastWindowClosed:` (returns whether), and the messages of the
+/// notifications above. Exceptions are not told to the delegate; override `reportException` for that. Main
+/// thread.
 class PELVOR_EXPORT NSApplication : public NSResponder {
     PELVOR_CLASS(NSApplication, NSResponder);
 
@@ -96,8 +98,8 @@ class PELVOR_EXPORT NSApplication : public NSResponder {
     void finishLaunching();
     /// From now on events are handed on by the main run loop whenever that runs in the default mode.
     void deliverEventsInRunLoop();
-    /// Asks the delegate, posts NSApplicationWillTerminateNotification, and ends the process with 0. Where
-    /// `run` is on the way, it returns instead if the program was told so by `setTerminatesProcess`.
+    /// Asks the delegate and, unless it refuses, posts NSApplicationWillTerminateNotification and ends the
+    /// process with status 0. After `setTerminatesProcess(false)` the process goes on, and `run` returns.
     virtual void terminate(id sender);
     /// What became of NSTerminateLater.
     void replyToApplicationShouldTerminate(bool shouldTerminate);
@@ -154,14 +156,29 @@ class PELVOR_EXPORT NSApplication : public NSResponder {
     void updateWindows();
     void setWindowsNeedUpdate(bool need);
 
-    // Modal windows: events of other windows wait, except of those that work when modal.
+    // Modal windows: while one runs, the other windows get no events, except those that work when modal.
+    //
+    //     // The panel's buttons have a target with these methods as actions:
+    //     void Asker::ok(id) { NSApplication::sharedApplication()->stopModalWithCode(1); }
+    //     void Asker::cancel(id) { NSApplication::sharedApplication()->stopModalWithCode(0); }
+    //
+    //     const NSInteger code = NSApplication::sharedApplication()->runModalForWindow(panel);
+    //     panel->orderOut(nullptr);
+    //     if (code == 1) save();
+    //
+    // `stopModal` and its kin have no sender, so that they cannot be actions themselves. A button without a
+    // method of its own can have the application as target and `stop:` as action.
 
-    /// Shows the window and handles events until the run is stopped. Returns the code, and
-    /// NSRunAbortedResponse at once without windows to stop it: if the window is null.
+    /// Shows the window and handles events until the run is stopped. Returns the code it was stopped with, or
+    /// NSRunAbortedResponse once the window is closed or taken from the screen. For null, returns
+    /// NSRunAbortedResponse at once.
     NSInteger runModalForWindow(NSWindow* window);
+    /// Ends the innermost modal run with NSRunStoppedResponse, or with a code of the program's own. The
+    /// window stays on the screen. Does nothing while no window runs modally.
     void stopModal();
     void stopModalWithCode(NSInteger code);
-    /// Ends the run also from a timer or another part of the run loop.
+    /// Ends the innermost modal run with NSRunAbortedResponse. All three work also from timers and other
+    /// parts of the run loop.
     void abortModal();
     /// Null for null. The session has to be ended.
     NSModalSession beginModalSessionForWindow(NSWindow* window);

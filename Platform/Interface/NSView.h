@@ -207,9 +207,13 @@ class PELVOR_EXPORT NSView : public NSResponder {
     bool needsDisplay();
     /// Inside `drawRect`: whether what is drawn in the rectangle would be seen.
     bool needsToDrawRect(NSRect rect);
-    /// Draw at once: all of the view; a part; what is marked.
+    // These draw at once, instead of before the run loop waits. Programs seldom need them.
+
+    /// Marks and draws the whole view.
     void display();
+    /// Marks and draws the part of the view inside the rectangle.
     void displayRect(NSRect rect);
+    /// Draws what is marked in the view's window.
     void displayIfNeeded();
 
     /// Makes the view the one that is drawn in, also outside `drawRect`; each call needs an `unlockFocus`,

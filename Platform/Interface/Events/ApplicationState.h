@@ -78,6 +78,8 @@ struct PELVOR_EXPORT ApplicationState {
 
     void setKeyWindow(NSWindow* window);
     void setMainWindow(NSWindow* window);
+    /// Kept alive, for loops in which windows come and go.
+    std::vector<Retained<NSWindow>> allWindows();
     void forget(NSWindow* window);
     void noteClosed();
     void noteFocus(NSWindow* window, bool isFocused);

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Interface/NSApplication.h"
 
+#include "EnvironmentScope.h"
 #include "Foundation/NSTimer.h"
 #include "Interface/Events/ApplicationState.h"
+#include "Interface/NSMenu.h"
 #include "Interface/NSPanel.h"
 #include "Interface/Windows/WindowState.h"
 #include "InterfaceScope.h"
@@ -92,6 +94,25 @@ TEST_F(NSApplicationTest, AWindowOnTheScreenIsKeptAliveByIt) {
     }
     screen.turn();
     EXPECT_FALSE(watched.object());
+}
+
+TEST_F(NSApplicationTest, AMainMenuReachesAllWindowsThoughOneEnds) {
+    const auto make = [](NSUInteger style) {
+        return NSWindow::initWithContentRect_styleMask_backing_defer({{0, 0}, {200, 100}}, style,
+                                                                     NSBackingStoreBuffered, true);
+    };
+    auto bare = make(NSBorderlessWindowMask), first = make(NSTitledWindowMask),
+         second = make(NSTitledWindowMask), third = make(NSTitledWindowMask);
+    const float height = NSHeight(second->frame());
+    const WeakHandle watched(bare);
+    first->setDelegate(object);
+    delegate.whenCalled = [&] { bare = nullptr; };
+    const auto menu = NSMenu::init();
+    screen.app->setMainMenu(menu);
+    EXPECT_THAT(delegate.log, ElementsAre("resize"));
+    EXPECT_FALSE(watched.object());
+    for (NSWindow* window : {first.get(), second.get(), third.get()})
+        EXPECT_GT(NSHeight(window->frame()), height);
 }
 
 TEST_F(NSApplicationTest, TheKeyWindowIsTheOneWithTheFocus) {
@@ -312,6 +333,16 @@ TEST_F(NSApplicationTest, APictureThatIsStillBeingSentDelaysTheNext) {
     view->unlockFocus();
     EXPECT_EQ(screen.pixel(view, {5, 5}), 0x00FF00u);
     EXPECT_NE(screen.pixel(view, {60, 5}), 0x00FF00u);
+}
+
+TEST(NSApplicationDisplay, SaysThatAWishMeansNothing) {
+    const EnvironmentScope display("DISPLAY", nullptr), wish("PELVOR_DISPLAY", "wall");
+    AutoreleasePool pool;
+    ApplicationState::end();
+    LogLines log;
+    EXPECT_FALSE(NSApplication::sharedApplication()->hasDisplay());
+    EXPECT_THAT(log.lines, ElementsAre(HasSubstr("PELVOR_DISPLAY is \"wall\"")));
+    ApplicationState::end();
 }
 
 }  // namespace
