@@ -59,6 +59,9 @@ class OFTrieNode;          ///< where words of a trie part
 class PBRepeatString;      ///< a text again and again, never built
 class PBUnichar32String;   ///< a text kept as code points
 
+// Spelling
+class PBSpellCheckerLanguage;  ///< a language in which texts are checked
+
 // Menus
 class PBAutoscrollingTableView;  ///< a table in which typing selects rows
 class PBMenuItem;                ///< a menu item that can show a shortcut of several keys
