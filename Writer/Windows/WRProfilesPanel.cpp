@@ -41,10 +41,11 @@ Retained<NSTableColumn> columnWith(NSString* identifier, NSString* title, float 
     return column;
 }
 
-// At the right of the other frame, or at its left where there is no room, but always on the screen.
+// At the right of the other frame, or else at its left; at the right edge of the screen if neither has room.
 NSPoint originBeside(NSRect other, NSSize size, NSRect screen) {
+    const float left = NSMinX(other) - kDistance - size.width;
     float x = NSMaxX(other) + kDistance;
-    if (x + size.width > NSMaxX(screen)) x = NSMinX(other) - kDistance - size.width;
+    if (x + size.width > NSMaxX(screen) && left >= NSMinX(screen)) x = left;
     const auto inside = [](float start, float length, float low, float high) {
         return std::max(std::min(start, high - length), low);
     };
