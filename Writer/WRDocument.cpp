@@ -33,6 +33,8 @@ PELVOR_DEFINE_CLASS(WRDocument, writerLibrary) {
     methods.instance<"path", &WRDocument::path>();
     methods.instance<"text", &WRDocument::text>();
     methods.instance<"richText", &WRDocument::richText>();
+    methods.instance<"hasFormats", &WRDocument::hasFormats>();
+    methods.instance<"setHasFormats:", &WRDocument::setHasFormats>();
     methods.instance<"settings", &WRDocument::settings>();
     methods.instance<"answer", &WRDocument::answer>();
     methods
@@ -40,6 +42,8 @@ PELVOR_DEFINE_CLASS(WRDocument, writerLibrary) {
     methods.instance<"replaceAllOccurrencesOfString:withString:",
                      &WRDocument::replaceAllOccurrencesOfString_withString>();
     methods.instance<"setText:", &WRDocument::setText>();
+    methods.instance<"adoptText:", &WRDocument::adoptText>();
+    methods.instance<"textDidChange", &WRDocument::textDidChange>();
     methods.instance<"reader", &WRDocument::reader>();
     methods.instance<"encodingName", &WRDocument::encodingName>();
     methods.instance<"hasByteOrderMark", &WRDocument::hasByteOrderMark>();
@@ -64,7 +68,8 @@ Retained<WRDocument> WRDocument::initWithPath_reader_answer(NSString* path, PBPr
     auto self = make<WRDocument>(cls);
     self->_path = path->copy();
     if (auto* rich = cast<NSAttributedString>(answer->objectForKey(WRRichTextKey))) {
-        self->_richText = rich->mutableCopy();
+        self->_attributedText = rich->mutableCopy();
+        self->_hasFormats = true;
         if (!text->isEqualToString(rich->string())) return nullptr;
     }
     self->_text = text->copy();
@@ -98,11 +103,11 @@ NSString* WRDocument::contradictingMark() {
 
 // That of the rich text in one piece, for whoever walks through it.
 NSString* WRDocument::text() {
-    if (!_text) _text.set(NSString::of(_richText->string()->toUTF16()));
+    if (!_text) _text.set(NSString::of(_attributedText->string()->toUTF16()));
     return _text;
 }
 
-NSAttributedString* WRDocument::richText() { return _richText; }
+NSAttributedString* WRDocument::richText() { return _hasFormats ? _attributedText.get() : nullptr; }
 
 NSDictionary* WRDocument::settings() {
     return cast<NSDictionary>(_answer->objectForKey(WRDocumentSettingsKey));
@@ -121,15 +126,15 @@ unsigned long long WRDocument::byteCount() {
 }
 
 void WRDocument::replaceCharactersInRange_withString(NSRange range, NSString* string) {
-    if (!_richText)
+    if (!_attributedText)
         return changeText(
             [&](NSMutableString* text) { text->replaceCharactersInRange_withString(range, string); });
-    _richText->replaceCharactersInRange_withString(range, string);
+    _attributedText->replaceCharactersInRange_withString(range, string);
     textDidChange();
 }
 
 void WRDocument::replaceAllOccurrencesOfString_withString(NSString* target, NSString* replacement) {
-    if (!_richText)
+    if (!_attributedText)
         return changeText([&](NSMutableString* text) {
             pelvor::replaceAllOccurrencesOfString_withString(text, target, replacement);
         });
@@ -141,17 +146,17 @@ void WRDocument::replaceAllOccurrencesOfString_withString(NSString* target, NSSt
         if (range.location == NSNotFound) break;
         found.push_back(range);
     }
-    _richText->beginEditing();
+    _attributedText->beginEditing();
     // From behind, so that what is before a place stays where it is.
     for (std::size_t i = found.size(); i-- > 0;)
-        _richText->replaceCharactersInRange_withString(found[i], replacement);
-    _richText->endEditing();
+        _attributedText->replaceCharactersInRange_withString(found[i], replacement);
+    _attributedText->endEditing();
     textDidChange();
 }
 
 void WRDocument::setText(NSString* text) {
-    if (_richText)
-        replaceWords(_richText, text);
+    if (_attributedText)
+        replaceWords(_attributedText, text);
     else
         _text = text->copy();
     textDidChange();
@@ -159,7 +164,7 @@ void WRDocument::setText(NSString* text) {
 
 // A text that is never changed is never copied.
 void WRDocument::changeText(const std::function<void(NSMutableString*)>& change) {
-    if (_richText) {
+    if (_attributedText) {
         auto copy = text()->mutableCopy();
         change(copy);
         return setText(copy);
@@ -171,8 +176,14 @@ void WRDocument::changeText(const std::function<void(NSMutableString*)>& change)
     textDidChange();
 }
 
+void WRDocument::adoptText(NSMutableAttributedString* text) {
+    _attributedText.set(text);
+    _text = nullptr;
+    _paragraphs.reset();
+}
+
 void WRDocument::textDidChange() {
-    if (_richText) _text = nullptr;
+    if (_attributedText) _text = nullptr;
     _paragraphs.reset();
     NSNotificationCenter::defaultCenter()->postNotificationName_object(WRDocumentDidChangeNotification, this);
 }

@@ -17,7 +17,7 @@ class NSMutableAttributedString;
 class NSMutableString;
 class PBProfile;
 
-/// Posted by a document after its text has changed.
+/// Posted by a document after its text, or its formats, have changed.
 inline constexpr NSString* WRDocumentDidChangeNotification = u"WRDocumentDidChangeNotification"_ns;
 
 /// The text of a document and how it came in. Main thread.
@@ -35,6 +35,10 @@ class PELVOR_EXPORT WRDocument : public NSObject {
     NSString* text();
     /// The text with its formats, borrowed; null for a document without formats.
     NSAttributedString* richText();
+    /// Whether the document has formats of its own. A document that is only shown in some format, as plain
+    /// text is, has none, until the user gives it one.
+    bool hasFormats() { return _hasFormats; }
+    void setHasFormats(bool hasFormats) { _hasFormats = hasFormats; }
     /// The settings of PlugInProtocol.h; null for a document without settings.
     NSDictionary* settings();
 
@@ -49,6 +53,10 @@ class PELVOR_EXPORT WRDocument : public NSObject {
     void setText(NSString* text);
     /// Calls the function with the text, which it may change. The formats become those that `setText` gives.
     void changeText(const std::function<void(NSMutableString*)>& change);
+    /// From now on this is the text: it has the document's characters in the formats that they are shown in.
+    /// Whoever edits it calls `textDidChange` after each edit. The document keeps it.
+    void adoptText(NSMutableAttributedString* text);
+    void textDidChange();
 
     /// The reader's answer without the texts.
     NSDictionary* answer() { return _answer; }
@@ -86,12 +94,14 @@ class PELVOR_EXPORT WRDocument : public NSObject {
     ~WRDocument();
 
   private:
-    void textDidChange();
     const std::vector<NSRange>& paragraphs();
 
     Retained<NSString> _path;
-    Retained<NSString> _text;  // where there are formats, null after a change, until somebody asks
-    Retained<NSMutableAttributedString> _richText;
+    // The text is the attributed one where there is one; then the string is null after a change, until
+    // somebody asks.
+    Retained<NSString> _text;
+    Retained<NSMutableAttributedString> _attributedText;
+    bool _hasFormats = false;
     Retained<PBProfile> _reader;
     Retained<NSDictionary> _answer;                   // the reader's, without the texts
     std::optional<std::vector<NSRange>> _paragraphs;  // found when they are first needed

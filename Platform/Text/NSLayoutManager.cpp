@@ -185,7 +185,7 @@ void NSLayoutManager::removeTextContainerAtIndex(NSUInteger index) {
     const Retained<NSTextContainer> gone = _state->containers[index];
     _state->containers.erase(_state->containers.begin() + index);
     gone->setLayoutManager(nullptr);
-    _state->containersChanged();
+    _state->containersChanged(index);
 }
 
 bool NSLayoutManager::layoutManagerOwnsFirstResponderInWindow(id window) {

@@ -54,6 +54,13 @@ void addTabs(NSMutableAttributedString* text, float width) {
     text->addAttribute_value_range(NSParagraphStyleAttributeName, style->copy().get(), {0, text->length()});
 }
 
+// Adds why pictures could not be drawn, each reason once.
+void addProblems(NSArray* cells, NSMutableArray* problems) {
+    for (id cell : cells)
+        if (NSString* problem = static_cast<WRPictureCell*>(cell)->problem())
+            if (!problems->containsObject(problem)) problems->addObject(problem);
+}
+
 }  // namespace
 
 PageFrame PageFrame::of(NSDictionary* settings) {
@@ -71,23 +78,35 @@ PageFrame PageFrame::of(NSDictionary* settings) {
 }
 
 PageDocument::PageDocument(NSAttributedString* text, NSDictionary* settings)
+    : PageDocument(storageOf(text), settings) {}
+
+PageDocument::PageDocument(Retained<NSTextStorage> text, NSDictionary* settings)
     : _frame(PageFrame::of(settings)),
       _header(textIn(settings, WRHeaderKey)),
       _footer(textIn(settings, WRFooterKey)),
       _title(Retained<Object>::retaining(settings->objectForKey(WRTitleKey))),
-      _cells(NSMutableArray::init()) {
+      _cells(NSMutableArray::init()),
+      _lineProblems(NSMutableArray::init()) {
     if (!hasRoom()) return;
     const auto ignore = [](NSLayoutManager*, float) {};
     if (_header) _frame.top = std::max(_frame.top, _frame.headerPlace + setLine(_header, 0, ignore));
     if (_footer) _frame.bottom = std::max(_frame.bottom, _frame.footerPlace + setLine(_footer, 0, ignore));
     if (!hasRoom()) return;
-    _storage = storageOf(text);
+    _storage = std::move(text);
+    giveCells(_storage, {0, _storage->length()}, _cells);
     _layoutManager = WRPageLayoutManager::init();
     _storage->addLayoutManager(_layoutManager);
+    _layoutManager->setEditFunction([this](NSRange range, NSInteger delta) { textDidChange(range, delta); });
     _pagination.emplace(_storage, _layoutManager, NSSize{_frame.width(), _frame.height()});
 }
 
-PageDocument::~PageDocument() = default;
+PageDocument::~PageDocument() {
+    if (!_layoutManager) return;
+    _layoutManager->setEditFunction(nullptr);
+    _storage->removeLayoutManager(_layoutManager);
+}
+
+NSLayoutManager* PageDocument::layoutManager() { return _layoutManager; }
 
 bool PageDocument::hasRoom() const { return _frame.width() >= kLeastRoom && _frame.height() >= kLeastRoom; }
 
@@ -95,16 +114,34 @@ void PageDocument::findPages(NSUInteger count) {
     if (_pagination) _pagination->findPages(count);
 }
 
-void PageDocument::findPagesAgain() {
+NSUInteger PageDocument::rightPages() const {
+    return _pagination ? static_cast<NSUInteger>(_pagination->rightPages()) : 0;
+}
+
+NSUInteger PageDocument::pageWithUnit(NSUInteger unit) {
+    if (!_pagination) return 0;
+    const auto isFound = [&] {
+        const NSUInteger right = rightPages();
+        return right > 0 && unit < NSMaxRange(pages()[right - 1].range);
+    };
+    while (!isFound() && !isComplete()) _pagination->findNextPage();
+    return static_cast<NSUInteger>(_pagination->pageOf(unit));
+}
+
+void PageDocument::forgetPages() {
     if (!_pagination) return;
-    const auto count = static_cast<NSUInteger>(pages().size());
-    _pagination.reset();
-    while (const NSUInteger left = _layoutManager->textContainers()->count())
-        _layoutManager->removeTextContainerAtIndex(left - 1);
     _layoutManager->invalidateLayoutForCharacterRange_isSoft_actualCharacterRange({0, _storage->length()},
                                                                                   false, nullptr);
-    _pagination.emplace(_storage, _layoutManager, NSSize{_frame.width(), _frame.height()});
-    findPages(count);
+    _pagination->forgetPages();
+}
+
+// Whoever edits asks for places on the page at once; the rest can wait.
+void PageDocument::textDidChange(NSRange range, NSInteger delta) {
+    if (!_pagination) return;
+    giveCells(_storage, range, _cells);
+    _pagination->textDidChange(range, delta);
+    pageWithUnit(range.location);
+    if (_didEdit) _didEdit();
 }
 
 NSUInteger PageDocument::pageCount() {
@@ -117,7 +154,7 @@ const std::vector<PageText>& PageDocument::pages() const {
     return _pagination ? _pagination->pages() : kNone;
 }
 
-// Pictures get cells that draw; the document's own attachments stay as they are.
+// A copy; the text's own attachments stay as they are.
 Retained<NSTextStorage> PageDocument::storageOf(NSAttributedString* text) {
     auto storage = NSTextStorage::initWithAttributedString(text);
     storage->beginEditing();
@@ -128,19 +165,30 @@ Retained<NSTextStorage> PageDocument::storageOf(NSAttributedString* text) {
         if (!own) continue;
         auto shown = NSTextAttachment::initWithData_ofType(own->contents(), own->fileType());
         shown->setBounds(own->bounds());
-        auto cell = WRPictureCell::init();
-        shown->setAttachmentCell(cell);
-        _cells->addObject(cell);
         storage->addAttribute_value_range(NSAttachmentAttributeName, shown, run);
     }
     storage->endEditing();
     return storage;
 }
 
+void PageDocument::giveCells(NSTextStorage* storage, NSRange range, NSMutableArray* cells) {
+    NSRange run;
+    for (NSUInteger place = range.location; place < NSMaxRange(range); place = NSMaxRange(run)) {
+        auto* attachment = cast<NSTextAttachment>(storage->attribute_atIndex_longestEffectiveRange_inRange(
+            NSAttachmentAttributeName, place, &run, range));
+        if (!attachment || cast<WRPictureCell>(attachment->attachmentCell())) continue;
+        auto cell = WRPictureCell::init();
+        attachment->setAttachmentCell(cell);
+        cells->addObject(cell);
+    }
+}
+
 template <class Function>
 float PageDocument::setLine(NSAttributedString* line, NSUInteger page, Function function) {
     AutoreleasePool pool;
     auto storage = storageOf(line);
+    auto* cells = NSMutableArray::array();
+    giveCells(storage, {0, storage->length()}, cells);
     put(storage, WRPageNumberCharacter, NSNumber::numberWithUnsignedInt(page + 1));
     put(storage, WRPageCountCharacter,
         NSNumber::numberWithUnsignedInt(static_cast<NSUInteger>(pages().size())));
@@ -155,6 +203,7 @@ float PageDocument::setLine(NSAttributedString* line, NSUInteger page, Function 
     layoutManager->ensureLayoutForTextContainer(container);
     const float height = layoutManager->usedRectForTextContainer(container).size.height;
     function(layoutManager.get(), height);
+    addProblems(cells, _lineProblems);
     return height;
 }
 
@@ -185,10 +234,8 @@ void PageDocument::drawHeaderAndFooter(NSUInteger index) {
 }
 
 NSArray* PageDocument::problems() {
-    auto* problems = NSMutableArray::array();
-    for (id cell : _cells.get())
-        if (NSString* problem = static_cast<WRPictureCell*>(cell)->problem())
-            if (!problems->containsObject(problem)) problems->addObject(problem);
+    auto* problems = NSMutableArray::arrayWithArray(_lineProblems);
+    addProblems(_cells, problems);
     return problems;
 }
 

@@ -2,6 +2,7 @@
 // A document set in pages.
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include "Writer/Pages/Pagination.h"
@@ -11,6 +12,7 @@ namespace pelvor {
 class NSAttributedString;
 class NSDictionary;
 class NSMutableArray;
+class WRPageLayoutManager;
 
 /// Where things stand on a page, in points.
 struct PELVOR_EXPORT PageFrame {
@@ -30,11 +32,16 @@ struct PELVOR_EXPORT PageFrame {
 ///     if (!document.hasRoom()) return;
 ///     context->beginPageWithSize(document.frame().paper);
 ///     document.drawPage(0);
+///
+/// The text may be edited at any time: pages that look different are then found again when they are asked
+/// for.
 class PELVOR_EXPORT PageDocument {
   public:
-    /// The settings are those of PlugInProtocol.h. Headers and footers that are higher than their margins
-    /// take from the room of the text.
+    /// Sets a copy of the text. The settings are those of PlugInProtocol.h. Headers and footers that are
+    /// higher than their margins take from the room of the text.
     PageDocument(NSAttributedString* text, NSDictionary* settings);
+    /// Sets the text itself, whose pictures get cells that draw them.
+    PageDocument(Retained<NSTextStorage> text, NSDictionary* settings);
     ~PageDocument();
     PageDocument(const PageDocument&) = delete;
 
@@ -45,23 +52,31 @@ class PELVOR_EXPORT PageDocument {
     /// The pages that were found so far, and whether these are all.
     const std::vector<PageText>& pages() const PELVOR_LIFETIMEBOUND;
     bool isComplete() const { return !_pagination || _pagination->isComplete(); }
-    /// Finds pages until there are so many, or all.
+    /// Finds pages until so many are found and right, or all.
     void findPages(NSUInteger count);
+    /// How many pages, from the front on, are found and right.
+    NSUInteger rightPages() const;
+    /// Finds pages as far as to the one with the unit, and returns its index.
+    NSUInteger pageWithUnit(NSUInteger unit);
     const PageFrame& frame() const { return _frame; }
+    /// Called after each edit, when the page on which the edit begins is right again.
+    void setEditFunction(std::function<void()> function) { _didEdit = std::move(function); }
 
-    /// Forgets all pages, and finds as many again: for when layout gives other lines than before.
-    void findPagesAgain();
+    /// All pages are found anew when they are asked for: for when layout gives other lines than before.
+    void forgetPages();
     /// Draws a page that was found into the current graphics context. Where a header or footer has the number
     /// of pages, it is that of the pages found so far.
     void drawPage(NSUInteger index);
     void drawHeaderAndFooter(NSUInteger index);
     NSTextStorage* textStorage() { return _storage; }
-    NSLayoutManager* layoutManager() { return _layoutManager; }
+    NSLayoutManager* layoutManager();
     /// Why pictures could not be drawn so far, each reason once, borrowed.
     NSArray* problems();
 
   private:
-    Retained<NSTextStorage> storageOf(NSAttributedString* text);
+    static Retained<NSTextStorage> storageOf(NSAttributedString* text);
+    static void giveCells(NSTextStorage* storage, NSRange range, NSMutableArray* cells);
+    void textDidChange(NSRange range, NSInteger delta);
     /// Lays out a header or a footer, calls the function with its layout manager, and returns its height.
     template <class Function>
     float setLine(NSAttributedString* line, NSUInteger page, Function function);
@@ -70,9 +85,11 @@ class PELVOR_EXPORT PageDocument {
     PageFrame _frame;
     Retained<NSAttributedString> _header, _footer;
     Retained<Object> _title;
-    Retained<NSMutableArray> _cells;  // of all pictures
+    Retained<NSMutableArray> _cells;         // of all pictures in the text
+    Retained<NSMutableArray> _lineProblems;  // of headers and footers
     Retained<NSTextStorage> _storage;
-    Retained<NSLayoutManager> _layoutManager;
+    Retained<WRPageLayoutManager> _layoutManager;
+    std::function<void()> _didEdit;
     std::optional<Pagination> _pagination;  // none where there is no room
 };
 

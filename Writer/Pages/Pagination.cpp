@@ -14,6 +14,10 @@ namespace {
 
 constexpr unsigned kLinesTogether = 2;  // of a paragraph, at the end and at the start of a page
 
+bool isParagraphEnd(unichar unit) {
+    return unit == u'\n' || unit == u'\r' || unit == 0x85 || unit == 0x2029;
+}
+
 }  // namespace
 
 NSTextContainer* Pagination::addContainer() {
@@ -40,31 +44,113 @@ PageRules Pagination::rulesAt(NSUInteger index) {
         _storage->attribute_atIndex_effectiveRange(NSParagraphStyleAttributeName, index, nullptr));
 }
 
-void Pagination::findPages(std::size_t count) {
-    while (!_isComplete && _pages.size() < count) findNextPage();
+// MARK: Finding pages
+
+std::size_t Pagination::rightPages() const {
+    while (_firstWrong < _pages.size() && _pages[_firstWrong].isRight) ++_firstWrong;
+    return _firstWrong;
 }
 
-// There is always a container behind the page at work, so that the lines behind the page are known.
+void Pagination::findPages(std::size_t count) {
+    while (!isComplete() && rightPages() < count) findNextPage();
+}
+
+void Pagination::makePage(std::size_t index) {
+    if (index < _pages.size()) return;
+    auto container = _next ? std::move(_next) : Retained<NSTextContainer>::retaining(addContainer());
+    _pages.push_back({std::move(container), {}, false});
+    _hasEnd = false;
+}
+
+// So that the lines behind the page are known.
+void Pagination::ensureContainerBehind(std::size_t index) {
+    if (index + 1 == _pages.size() && !_next) _next.set(addContainer());
+}
+
 void Pagination::findNextPage() {
     AutoreleasePool pool;
-    const NSUInteger length = _storage->length();
-    const NSUInteger start = _pages.empty() ? 0 : NSMaxRange(_pages.back().range);
-    auto container = _next ? std::move(_next) : Retained<NSTextContainer>::retaining(addContainer());
-    _next.set(addContainer());
-    NSRange range = _layoutManager->glyphRangeForTextContainer(container);
+    const std::size_t index = rightPages();
+    makePage(index);
+    PageText& page = _pages[index];
+    const NSUInteger start = index > 0 ? NSMaxRange(_pages[index - 1].range) : 0;
+    const NSUInteger endBefore = NSMaxRange(page.range);
+    page.container->setContainerSize(_room);
+    NSRange range = _layoutManager->glyphRangeForTextContainer(page.container);
+    if (range.length > 0 && NSMaxRange(range) < _storage->length()) ensureContainerBehind(index);
     if (const NSUInteger end = range.length > 0 ? endOf(range) : NSMaxRange(range); end < NSMaxRange(range)) {
+        ensureContainerBehind(index);
         const NSRect line = _layoutManager->lineFragmentRectForGlyphAtIndex_effectiveRange(end, nullptr);
-        container->setContainerSize({_room.width, line.origin.y});
-        range = _layoutManager->glyphRangeForTextContainer(container);
+        page.container->setContainerSize({_room.width, line.origin.y});
+        range = _layoutManager->glyphRangeForTextContainer(page.container);
     }
-    _pages.push_back({std::move(container), {start, NSMaxRange(range) - start}});
-    const bool isAtEnd = NSMaxRange(range) >= length || range.length == 0;
-    _isComplete = isAtEnd && (length == 0 || range.length == 0 ||
-                              _storage->string()->characterAtIndex(length - 1) != u'\f');
-    if (!_isComplete) return;
-    _layoutManager->removeTextContainerAtIndex(_layoutManager->textContainers()->count() - 1);
-    _next = nullptr;
+    page.range = {start, NSMaxRange(range) - start};
+    page.isRight = true;
+    if (isEnd(page))
+        dropBehind(index);
+    else if (index + 1 < _pages.size() && NSMaxRange(range) != endBefore)
+        _pages[index + 1].isRight = false;
+    else if (index + 1 == _pages.size())
+        _hasEnd = false;
 }
+
+bool Pagination::isEnd(const PageText& page) {
+    const NSUInteger length = _storage->length();
+    if (page.range.length == 0) return true;
+    if (NSMaxRange(page.range) < length) return false;
+    const unichar last = _storage->string()->characterAtIndex(length - 1);
+    if (last == u'\f') return false;
+    // Below a line end there is one more line, for which there may be no room.
+    return !isParagraphEnd(last) || _layoutManager->extraLineFragmentTextContainer() == page.container;
+}
+
+void Pagination::dropBehind(std::size_t index) {
+    _hasEnd = true;
+    while (_layoutManager->textContainers()->count() > index + 1)
+        _layoutManager->removeTextContainerAtIndex(_layoutManager->textContainers()->count() - 1);
+    _next = nullptr;
+    _pages.resize(index + 1);
+}
+
+// MARK: Edits
+
+std::size_t Pagination::pageOf(NSUInteger unit) const {
+    const auto found = std::find_if(_pages.begin(), _pages.end(),
+                                    [unit](const PageText& page) { return unit < NSMaxRange(page.range); });
+    return std::min<std::size_t>(static_cast<std::size_t>(found - _pages.begin()), _pages.size() - 1);
+}
+
+void Pagination::noteWrong(std::size_t first, std::size_t last) {
+    for (std::size_t i = first; i <= last; ++i) _pages[i].isRight = false;
+    _firstWrong = std::min(_firstWrong, first);
+}
+
+void Pagination::textDidChange(NSRange range, NSInteger delta) {
+    _paragraph = {0, 0};
+    if (_pages.empty()) return;
+    const NSUInteger oldEnd = NSMaxRange(range) - static_cast<NSUInteger>(delta);
+    const auto moved = [&](NSUInteger place) {
+        if (place >= oldEnd) return place + static_cast<NSUInteger>(delta);
+        return std::min(place, NSMaxRange(range));
+    };
+    for (PageText& page : _pages) {
+        const NSUInteger start = moved(page.range.location);
+        page.range = {start, moved(NSMaxRange(page.range)) - start};
+    }
+    // What stands together with the text that was edited may have to go to another page with it.
+    NSUInteger start = std::min(range.location, _storage->length());
+    start = paragraphRangeForRange(_storage, {start, 0}).location;
+    start = longestIsKeepWithNextParagraphRangeBeforeIndex(_storage, start).location;
+    std::size_t first = pageOf(start);
+    if (first > 0 && start <= _pages[first].range.location) --first;
+    noteWrong(first, pageOf(NSMaxRange(range)));
+}
+
+void Pagination::forgetPages() {
+    _paragraph = {0, 0};
+    if (!_pages.empty()) noteWrong(0, _pages.size() - 1);
+}
+
+// MARK: Where a page ends
 
 NSUInteger Pagination::endOf(NSRange page) {
     const NSUInteger end = NSMaxRange(page);

@@ -12,6 +12,8 @@ namespace pelvor {
 PELVOR_DEFINE_CLASS(WRPageLayoutManager, pagesLibrary) {
     methods.classLevel<"didLoad", &WRPageLayoutManager::didLoad>();
     methods.instance<"languageForAttributes:", &WRPageLayoutManager::languageForAttributes>();
+    methods.instance<"textStorage:edited:range:changeInLength:invalidatedRange:",
+                     &WRPageLayoutManager::textStorage_edited_range_changeInLength_invalidatedRange>();
 }
 
 void WRPageLayoutManager::didLoad() {
@@ -25,6 +27,19 @@ NSString* WRPageLayoutManager::languageForAttributes(NSDictionary* attributes) {
     const SEL identifier = "identifier"_sel;
     return language && language->respondsToSelector(identifier) ? send<NSString*>(language, identifier)
                                                                 : nullptr;
+}
+
+void WRPageLayoutManager::textStorage_edited_range_changeInLength_invalidatedRange(NSTextStorage* storage,
+                                                                                   unsigned mask,
+                                                                                   NSRange newRange,
+                                                                                   NSInteger delta,
+                                                                                   NSRange invalidatedRange) {
+    NSLayoutManager::textStorage_edited_range_changeInLength_invalidatedRange(storage, mask, newRange, delta,
+                                                                              invalidatedRange);
+    if (!_didEdit) return;
+    // What was fixed around the edit looks different, too.
+    const NSRange range = NSUnionRange(newRange, invalidatedRange);
+    _didEdit(range, delta);
 }
 
 }  // namespace pelvor

@@ -2,6 +2,8 @@
 // WRPageLayoutManager: the layout manager of text on pages.
 #pragma once
 
+#include <functional>
+
 #include "Text/NSLayoutManager.h"
 
 namespace pelvor {
@@ -18,9 +20,22 @@ class PELVOR_EXPORT WRPageLayoutManager : public NSLayoutManager {
     /// of the system language.
     NSString* languageForAttributes(NSDictionary* attributes) override;
 
+    // C++ only
+    /// Called when the layout knows of an edit, with the range as it is now and the change in length. It may
+    /// ask for places.
+    using EditFunction = std::function<void(NSRange range, NSInteger delta)>;
+    void setEditFunction(EditFunction function) { _didEdit = std::move(function); }
+    /// The message of the text storage.
+    void textStorage_edited_range_changeInLength_invalidatedRange(NSTextStorage* storage, unsigned mask,
+                                                                  NSRange newRange, NSInteger delta,
+                                                                  NSRange invalidatedRange);
+
   protected:
     WRPageLayoutManager() = default;
     ~WRPageLayoutManager() = default;
+
+  private:
+    EditFunction _didEdit;
 };
 
 }  // namespace pelvor

@@ -159,6 +159,8 @@ void LayoutState::containersChanged(std::size_t first) {
         retreat(_fillings[first].start);
     else if (first == 0 || _frontier.isExhausted)
         retreat(0);
+    else if (first <= _frontier.container)  // where the next line was to stand
+        retreat(_fillings.back().start);
     _frontier.isTold = false;
 }
 
