@@ -65,6 +65,9 @@ bool NSTextView::shouldChangeTextInRange_replacementString(NSRange range, NSStri
     // Whoever was asked may have edited.
     if (!isRangeInside(range, _state->length())) return false;
     noteUndo(range, replacement ? replacement->length() : range.length);
+    // Who empties a text goes on in the formats that it had.
+    if (replacement && replacement->length() == 0 && range.length == _state->length())
+        _state->emptyAttributes.set(typingAttributes());
     return true;
 }
 

@@ -358,7 +358,8 @@ void NSTextView::setAttributeOfAll(NSString* name, id value) {
 
 NSDictionary* NSTextView::typingAttributes() {
     if (_state->typingAttributes) return _state->typingAttributes;
-    if (_state->length() == 0) return NSDictionary::dictionary();
+    if (_state->length() == 0)
+        return _state->emptyAttributes ? _state->emptyAttributes.get() : NSDictionary::dictionary();
     // Those of the character before the selection, unless that one ends another paragraph.
     NSUInteger index = std::min(_state->selection.location, _state->length() - 1);
     if (_state->selection.length == 0 && _state->selection.location > 0) {
@@ -375,6 +376,7 @@ NSDictionary* NSTextView::typingAttributes() {
 
 void NSTextView::setTypingAttributes(NSDictionary* attributes) {
     _state->typingAttributes = attributes ? attributes->copy() : nullptr;
+    if (_state->length() == 0) _state->emptyAttributes = _state->typingAttributes;
     breakUndoCoalescing();
 }
 

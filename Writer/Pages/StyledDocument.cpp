@@ -61,6 +61,9 @@ StyledDocument StyledDocument::of(NSString* text, NSDictionary* options) {
     if (!rich) rich = NSAttributedString::initWithString(text);
     styled.text = textInStyles(rich, *wishes.defaults, wishes.sheet ? &*wishes.sheet : nullptr);
     styled.settings.set(settingsFor(wishes, options));
+    const NamedStyle* plain = wishes.sheet ? wishes.sheet->paragraphStyle(kPlainStyleName) : nullptr;
+    if (!plain) plain = wishes.defaults->paragraphStyle(kPlainStyleName);
+    styled.plainAttributes.set(plain ? attributesOfStyle(*plain) : NSDictionary::dictionary());
     return styled;
 }
 

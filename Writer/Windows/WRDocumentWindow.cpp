@@ -8,6 +8,7 @@
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableString.h"
 #include "Foundation/NSNotificationCenter.h"
+#include "Foundation/NSUndoManager.h"
 #include "Interface/NSAlert.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSClipView.h"
@@ -18,6 +19,7 @@
 #include "Interface/NSScroller.h"
 #include "Interface/NSTextField.h"
 #include "Interface/NSWindow.h"
+#include "Text/NSTextStorage.h"
 #include "Writer/LocalizedText.h"
 #include "Writer/Pages/StyledDocument.h"
 #include "Writer/PlugInObjects.h"
@@ -70,6 +72,8 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
     methods.instance<"validateShowNextPage:", &WRDocumentWindow::validateShowNextPage>();
     methods.instance<"validateShowPreviousPage:", &WRDocumentWindow::validateShowPreviousPage>();
     methods.instance<"currentPage", &WRDocumentWindow::currentPage>();
+    methods.instance<"textDidChange:", &WRDocumentWindow::textDidChange>();
+    methods.instance<"undoManagerForTextView:", &WRDocumentWindow::undoManagerForTextView>();
     methods.instance<"windowWillClose:", &WRDocumentWindow::windowWillClose>();
     methods.instance<"placeDidChange:", &WRDocumentWindow::placeDidChange>();
 }
@@ -80,12 +84,15 @@ Retained<WRDocumentWindow> WRDocumentWindow::create(WRDocument* document, NSDict
     if ((*problem = styled.problem)) return nullptr;
     auto self = make<WRDocumentWindow>();
     self->_document.set(document);
-    self->_pageView = WRPageView::create(styled.text, styled.settings);
+    auto storage = NSTextStorage::initWithAttributedString(styled.text);
+    document->adoptText(storage);
+    self->_pageView = WRPageView::create(storage, styled.settings);
     if (!self->_pageView) {
         *problem =
             localized(u"_The margins, or the header and the footer, leave no room for text on the page."_ns);
         return nullptr;
     }
+    if (storage->length() == 0) self->_pageView->setTypingAttributes(styled.plainAttributes);
     self->makeWindow();
     return self;
 }
@@ -127,6 +134,14 @@ void WRDocumentWindow::makeWindow() {
                                              _scrollView->contentView());
     centre->addObserver_selector_name_object(this, "placeDidChange:"_sel, WRPageViewDidFindPagesNotification,
                                              _pageView);
+    centre->addObserver_selector_name_object(this, "textDidChange:"_sel,
+                                             NSTextStorageDidProcessEditingNotification,
+                                             _pageView->textStorage());
+    _undoManager = NSUndoManager::init();
+    _pageView->setDelegate(this);
+    // What is only shown is not the document's content.
+    NSString* fidelity = _document->fidelity();
+    _pageView->setEditable(!fidelity || !fidelity->isEqualToString(WRFidelityView));
     _window->setInitialFirstResponder(_pageView);
     setNextResponder(_window->nextResponder());
     _window->setNextResponder(this);
@@ -135,6 +150,12 @@ void WRDocumentWindow::makeWindow() {
 }
 
 void WRDocumentWindow::show() { _window->makeKeyAndOrderFront(nullptr); }
+
+// MARK: Editing
+
+void WRDocumentWindow::textDidChange(NSNotification*) { _document->textDidChange(); }
+
+NSUndoManager* WRDocumentWindow::undoManagerForTextView(id) { return _undoManager; }
 
 void WRDocumentWindow::windowWillClose(NSNotification*) {
     auto self = Retained<WRDocumentWindow>::retaining(this);

@@ -10,6 +10,8 @@ class NSDictionary;
 class NSNotification;
 class NSScrollView;
 class NSTextField;
+class NSTextStorage;
+class NSUndoManager;
 class NSWindow;
 class WRDocument;
 class WRPageView;
@@ -47,6 +49,10 @@ class WRDocumentWindow : public NSResponder {
 
     /// The page in the middle of what is seen, from 0 on.
     NSUInteger currentPage();
+    /// Observes the text storage.
+    void textDidChange(NSNotification* notification);
+    /// What is done to the text is undone by a manager of its own.
+    NSUndoManager* undoManagerForTextView(id textView);
     void windowWillClose(NSNotification* notification);
     void placeDidChange(NSNotification* notification);
 
@@ -60,6 +66,7 @@ class WRDocumentWindow : public NSResponder {
     void setZoom(double zoom);
 
     Retained<WRDocument> _document;
+    Retained<NSUndoManager> _undoManager;
     Retained<NSWindow> _window;
     Retained<NSScrollView> _scrollView;
     Retained<WRZoomView> _zoomView;

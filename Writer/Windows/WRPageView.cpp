@@ -13,10 +13,11 @@
 namespace pelvor {
 namespace {
 
-constexpr float kGap = 14;  // around pages and between them
+constexpr float kGap = 14;              // around pages and between them
+constexpr NSUInteger kPagesAtIdle = 4;  // found in one go
 
 PBIdleQueue* growingViews() {
-    static PBIdleQueue* const queue = PBIdleQueue::initWithSelector("findNextPage"_sel).leak();
+    static PBIdleQueue* const queue = PBIdleQueue::initWithSelector("findMorePages"_sel).leak();
     return queue;
 }
 
@@ -30,17 +31,20 @@ PELVOR_DEFINE_CLASS(WRPageView, windowsLibrary) {
     methods.instance<"pageAtHeight:", &WRPageView::pageAtHeight>();
     methods.instance<"frameOfPage:", &WRPageView::frameOfPage>();
     methods.instance<"findPages:", &WRPageView::findPages>();
-    methods.instance<"findNextPage", &WRPageView::findNextPage>();
+    methods.instance<"pageWithUnit:", &WRPageView::pageWithUnit>();
+    methods.instance<"findMorePages", &WRPageView::findMorePages>();
     methods.instance<"hyphenationDidLoad:", &WRPageView::hyphenationDidLoad>();
     methods.instance<"originOfTextContainer:", &WRPageView::originOfTextContainer>();
     methods.instance<"viewDidMoveToWindow", &WRPageView::viewDidMoveToWindow>();
+    methods.instance<"viewWillDraw", &WRPageView::viewWillDraw>();
+    methods.instance<"scrollRangeToVisible:", &WRPageView::scrollRangeToVisible>();
     methods.instance<"drawRect:", &WRPageView::drawRect>();
     methods.instance<"doCommandBySelector:", &WRPageView::doCommandBySelector>();
     methods.instance<"insertText:", &WRPageView::insertText>();
 }
 
-Retained<WRPageView> WRPageView::create(NSAttributedString* text, NSDictionary* settings) {
-    auto document = std::make_unique<PageDocument>(text, settings);
+Retained<WRPageView> WRPageView::create(Retained<NSTextStorage> text, NSDictionary* settings) {
+    auto document = std::make_unique<PageDocument>(std::move(text), settings);
     if (!document->hasRoom()) return nullptr;
     document->layoutManager()->setWaitsForHyphenation(false);
     document->findPages(1);
@@ -50,10 +54,9 @@ Retained<WRPageView> WRPageView::create(NSAttributedString* text, NSDictionary* 
                                                 document->pages()[0].container, WRPageView::classObject()));
     self->_document = std::move(document);
     self->setVerticallyResizable(false);
-    self->setEditable(false);
-    self->setSelectable(true);
     self->setDrawsBackground(false);
-    self->tellOfPages(0);
+    self->_document->setEditFunction([view = self.get()] { view->pagesDidChange(); });
+    self->pagesDidChange();
     NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
         self, "hyphenationDidLoad:"_sel, NSHyphenationPatternsDidLoadNotification, nullptr);
     return self;
@@ -96,31 +99,43 @@ NSPoint WRPageView::originOfTextContainer(NSTextContainer* container) {
 
 void WRPageView::findPages(NSUInteger count) {
     if (isComplete()) return;
-    const NSUInteger before = pageCount();
     _document->findPages(count);
-    tellOfPages(before);
+    pagesDidChange();
+}
+
+NSUInteger WRPageView::pageWithUnit(NSUInteger unit) {
+    if (!_document) return 0;
+    const NSUInteger page = _document->pageWithUnit(unit);
+    pagesDidChange();
+    return page;
 }
 
 void WRPageView::hyphenationDidLoad(id) {
     if (!_document) return;
-    _document->findPagesAgain();
-    tellOfPages(0);
+    _document->forgetPages();
     setNeedsDisplay(true);
-    if (window() && !isComplete()) growingViews()->addObject(this);
+    pagesDidChange();
 }
 
-void WRPageView::tellOfPages(NSUInteger firstNew) {
-    if (firstNew == 0) _pageOf.clear();
-    for (NSUInteger i = firstNew; i < pageCount(); ++i) _pageOf[_document->pages()[i].container] = i;
-    for (NSUInteger i = firstNew; i < pageCount(); ++i) _document->pages()[i].container->setTextView(this);
-    fitFrame();
+// Text containers and pages have the same indexes.
+void WRPageView::pagesDidChange() {
+    const NSUInteger count = pageCount(), before = std::exchange(_toldPages, count);
+    if (count < before) std::erase_if(_pageOf, [count](const auto& entry) { return entry.second >= count; });
+    for (NSUInteger i = before; i < count; ++i) _pageOf[_document->pages()[i].container] = i;
+    for (NSUInteger i = before; i < count; ++i) _document->pages()[i].container->setTextView(this);
+    const bool isComplete = this->isComplete();
+    if (!isComplete && window()) growingViews()->addObject(this);
+    const bool wasComplete = std::exchange(_isToldComplete, isComplete);
+    if (count == before && isComplete == wasComplete) return;
+    if (count != before) fitFrame();
+    // Headers and footers may tell how many pages there are.
+    if (isComplete && std::exchange(_shownCount, count) != count) setNeedsDisplay(true);
     NSNotificationCenter::defaultCenter()->postNotificationName_object(WRPageViewDidFindPagesNotification,
                                                                        this);
 }
 
-void WRPageView::findNextPage() {
-    findPages(pageCount() + 1);
-    if (!isComplete()) growingViews()->addObject(this);
+void WRPageView::findMorePages() {
+    if (!isComplete()) findPages(_document->rightPages() + kPagesAtIdle);
 }
 
 void WRPageView::viewDidMoveToWindow() {
@@ -160,13 +175,28 @@ void WRPageView::insertText(id text) {
 
 // MARK: Drawing
 
-void WRPageView::drawPaper(NSUInteger index) {
+// Lays out what can be seen.
+void WRPageView::viewWillDraw() {
+    if (_document) findPages(pageAtHeight(NSMaxY(visibleRect())) + 1);
+    NSTextView::viewWillDraw();
+}
+
+void WRPageView::scrollRangeToVisible(NSRange range) {
+    pageWithUnit(NSMaxRange(range));
+    NSTextView::scrollRangeToVisible(range);
+}
+
+void WRPageView::drawPaper(NSUInteger index, NSRect dirty) {
     auto* context = NSGraphicsContext::currentContext();
     const NSRect page = frameOfPage(index);
+    const PageFrame& frame = _document->frame();
     context->setColor(edgeColor());
     context->strokeRect_width(NSInsetRect(page, -1, -1), 1);
     context->setColor(NSColor::whiteColor());
     context->fillRect(page);
+    const bool isMarginDirty =
+        NSMinY(dirty) < NSMinY(page) + frame.top || NSMaxY(dirty) > NSMaxY(page) - frame.bottom;
+    if (!isMarginDirty) return;
     context->saveGraphicsState();
     context->translateXBy_yBy(page.origin.x, page.origin.y);
     _document->drawHeaderAndFooter(index);
@@ -176,7 +206,7 @@ void WRPageView::drawPaper(NSUInteger index) {
 void WRPageView::drawRect(NSRect dirty) {
     if (!_document || pageCount() == 0) return;
     const NSUInteger last = pageAtHeight(NSMaxY(dirty));
-    for (NSUInteger page = pageAtHeight(NSMinY(dirty)); page <= last; ++page) drawPaper(page);
+    for (NSUInteger page = pageAtHeight(NSMinY(dirty)); page <= last; ++page) drawPaper(page, dirty);
     NSTextView::drawRect(dirty);
 }
 

@@ -13,15 +13,16 @@ namespace pelvor {
 /// Posted by a page view when it has found more pages, or knows that there are no more.
 inline constexpr NSString* WRPageViewDidFindPagesNotification = u"WRPageViewDidFindPagesNotification"_ns;
 
-/// Shows a text in pages with their headers and footers, one below the other, in points as on paper. Pages
-/// are found when the main loop is idle; the view grows as they are. Main thread.
+/// Shows and edits a text in pages with their headers and footers, one below the other, in points as on
+/// paper. Pages are found when the main loop is idle; the view grows as they are. After an edit the page on
+/// which it begins and what is seen are right at once, later pages when the main loop is idle. Main thread.
 class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     PELVOR_CLASS(WRPageView, NSTextView);
 
   public:
     // C++ only
-    /// Null if the margins leave no room for text.
-    static Retained<WRPageView> create(NSAttributedString* text, NSDictionary* settings);
+    /// Null if the margins leave no room for text. The settings are those of PlugInProtocol.h.
+    static Retained<WRPageView> create(Retained<NSTextStorage> text, NSDictionary* settings);
 
     /// The colour behind the pages. Borrowed.
     static NSColor* deskColor();
@@ -32,16 +33,21 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     /// The page whose paper is nearest to the height.
     NSUInteger pageAtHeight(float y);
     NSRect frameOfPage(NSUInteger index);
-    /// Finds pages until there are so many or all.
+    /// Finds pages until so many are right, or all.
     void findPages(NSUInteger count);
-    /// The idle message: finds one more page.
-    void findNextPage();
+    /// Finds pages as far as to the one with the unit, and returns its index.
+    NSUInteger pageWithUnit(NSUInteger unit);
+    /// The idle message: finds some more pages.
+    void findMorePages();
+    PageDocument* pages() { return _document.get(); }
 
     /// Words of another language can be divided from now on.
     void hyphenationDidLoad(id notification);
 
     NSPoint originOfTextContainer(NSTextContainer* container) override;
     void viewDidMoveToWindow() override;
+    void viewWillDraw() override;
+    void scrollRangeToVisible(NSRange range) override;
     void drawRect(NSRect dirty) override;
     /// A text that cannot be edited has no caret to move: its keys scroll.
     void doCommandBySelector(SEL selector) override;
@@ -52,12 +58,15 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     ~WRPageView();
 
   private:
-    void drawPaper(NSUInteger index);
+    void drawPaper(NSUInteger index, NSRect dirty);
     void fitFrame();
-    void tellOfPages(NSUInteger firstNew);
+    void pagesDidChange();
 
     std::unique_ptr<PageDocument> _document;
     std::unordered_map<NSTextContainer*, NSUInteger> _pageOf;
+    NSUInteger _shownCount = 0;  // what headers and footers show once all pages are found
+    NSUInteger _toldPages = 0;   // how many pages others know of, and whether these are all
+    bool _isToldComplete = false;
 };
 
 }  // namespace pelvor

@@ -43,6 +43,7 @@ struct TextViewState {
 
     // Editing
     Retained<NSDictionary> typingAttributes;  // null: those of the text at the selection
+    Retained<NSDictionary> emptyAttributes;   // those of a text without characters
     NSRange marked{NSNotFound, 0};
     Retained<NSTextUndo> lastUndo;  // which goes on growing while the user types
     bool allowsUndo = true;

@@ -26,10 +26,10 @@ NSDictionary* settingsWithMargin(float margin) {
 }
 
 // A text of so many lines, each of which is a number.
-Retained<NSAttributedString> linesOf(unsigned count) {
+Retained<NSTextStorage> linesOf(unsigned count) {
     auto text = NSMutableString::init();
     for (unsigned i = 0; i < count; ++i) text->appendFormat(u"%u\n"_ns, i);
-    return NSAttributedString::initWithString(text);
+    return NSTextStorage::initWithString(text);
 }
 
 class PageViewTest : public ::testing::Test {
@@ -40,7 +40,7 @@ class PageViewTest : public ::testing::Test {
         scrollView = NSScrollView::initWithFrame({{0, 0}, {300, 300}});
         scrollView->setHasVerticalScroller(true);
         window->setContentView(scrollView);
-        view = WRPageView::create(linesOf(500).get(), settingsWithMargin(kMargin));
+        view = WRPageView::create(linesOf(500), settingsWithMargin(kMargin));
         zoomView = WRZoomView::create(view);
         scrollView->setDocumentView(zoomView);
     }
@@ -68,7 +68,7 @@ TEST_F(PageViewTest, FindsPagesWhenNothingElseIsToBeDone) {
         EXPECT_EQ(view->pageAtHeight(NSMidY(view->frameOfPage(page))), page);
     EXPECT_EQ(view->pageAtHeight(-100), 0u);
     EXPECT_EQ(view->pageAtHeight(1e7F), count - 1);
-    EXPECT_FALSE(WRPageView::create(linesOf(1).get(), settingsWithMargin(kPaper / 2)));
+    EXPECT_FALSE(WRPageView::create(linesOf(1), settingsWithMargin(kPaper / 2)));
 }
 
 TEST_F(PageViewTest, SelectsOnEveryPage) {
