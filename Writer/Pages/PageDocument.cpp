@@ -78,9 +78,9 @@ PageFrame PageFrame::of(NSDictionary* settings) {
 }
 
 PageDocument::PageDocument(NSAttributedString* text, NSDictionary* settings)
-    : PageDocument(storageOf(text), settings) {}
+    : PageDocument(storageOf(text), settings, Pagination::Purpose::reading) {}
 
-PageDocument::PageDocument(Retained<NSTextStorage> text, NSDictionary* settings)
+PageDocument::PageDocument(Retained<NSTextStorage> text, NSDictionary* settings, Pagination::Purpose purpose)
     : _frame(PageFrame::of(settings)),
       _header(textIn(settings, WRHeaderKey)),
       _footer(textIn(settings, WRFooterKey)),
@@ -97,7 +97,7 @@ PageDocument::PageDocument(Retained<NSTextStorage> text, NSDictionary* settings)
     _layoutManager = WRPageLayoutManager::init();
     _storage->addLayoutManager(_layoutManager);
     _layoutManager->setEditFunction([this](NSRange range, NSInteger delta) { textDidChange(range, delta); });
-    _pagination.emplace(_storage, _layoutManager, NSSize{_frame.width(), _frame.height()});
+    _pagination.emplace(_storage, _layoutManager, NSSize{_frame.width(), _frame.height()}, purpose);
 }
 
 PageDocument::~PageDocument() {

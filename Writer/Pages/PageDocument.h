@@ -40,8 +40,9 @@ class PELVOR_EXPORT PageDocument {
     /// Sets a copy of the text. The settings are those of PlugInProtocol.h. Headers and footers that are
     /// higher than their margins take from the room of the text.
     PageDocument(NSAttributedString* text, NSDictionary* settings);
-    /// Sets the text itself, whose pictures get cells that draw them.
-    PageDocument(Retained<NSTextStorage> text, NSDictionary* settings);
+    /// Sets the text itself, whose pictures get cells that draw them, for somebody who writes.
+    PageDocument(Retained<NSTextStorage> text, NSDictionary* settings)
+        : PageDocument(std::move(text), settings, Pagination::Purpose::writing) {}
     ~PageDocument();
     PageDocument(const PageDocument&) = delete;
 
@@ -74,6 +75,7 @@ class PELVOR_EXPORT PageDocument {
     NSArray* problems();
 
   private:
+    PageDocument(Retained<NSTextStorage> text, NSDictionary* settings, Pagination::Purpose purpose);
     static Retained<NSTextStorage> storageOf(NSAttributedString* text);
     static void giveCells(NSTextStorage* storage, NSRange range, NSMutableArray* cells);
     void textDidChange(NSRange range, NSInteger delta);

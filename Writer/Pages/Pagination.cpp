@@ -14,9 +14,7 @@ namespace {
 
 constexpr unsigned kLinesTogether = 2;  // of a paragraph, at the end and at the start of a page
 
-bool isParagraphEnd(unichar unit) {
-    return unit == u'\n' || unit == u'\r' || unit == 0x85 || unit == 0x2029;
-}
+bool isParagraphEnd(unichar unit) { return unit == u'\n' || unit == u'\r' || unit == 0x85 || unit == 0x2029; }
 
 }  // namespace
 
@@ -99,8 +97,9 @@ bool Pagination::isEnd(const PageText& page) {
     if (NSMaxRange(page.range) < length) return false;
     const unichar last = _storage->string()->characterAtIndex(length - 1);
     if (last == u'\f') return false;
+    if (_purpose == Purpose::reading || !isParagraphEnd(last)) return true;
     // Below a line end there is one more line, for which there may be no room.
-    return !isParagraphEnd(last) || _layoutManager->extraLineFragmentTextContainer() == page.container;
+    return _layoutManager->extraLineFragmentTextContainer() == page.container;
 }
 
 void Pagination::dropBehind(std::size_t index) {

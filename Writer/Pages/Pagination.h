@@ -28,23 +28,24 @@ struct PageText {
 ///   the next one stands on one page with the first lines of that. Where a page has nothing else, these rules
 ///   give way.
 ///
-/// A text that is empty, or ends with a form feed, has an empty page at its end; so has one that ends with a
-/// line end below which there is no room for a line.
+/// A text that is empty, or ends with a form feed, has an empty page at its end. So has one that ends with a
+/// line end below which there is no room for a line, if somebody is to write there.
 ///
 /// Pages are found from the front on when somebody wants them, so that the first page does not wait for the
 /// last. After an edit the pages that it touches are to be found again, and from there on as many as end at
 /// another place than before:
 ///
-///     storage->replaceCharactersInRange_withString({100, 0}, u"word "_ns);  // the layout manager hears of it
-///     pagination.textDidChange({100, 5}, 5);
-///     pagination.findPages(3);  // what the user sees
-///     while (!pagination.isComplete()) pagination.findNextPage();  // when nothing else is to be done
+///     storage->replaceCharactersInRange_withString({100, 0}, u"word "_ns);  // the layout manager hears of
+///     it pagination.textDidChange({100, 5}, 5); pagination.findPages(3);  // what the user sees while
+///     (!pagination.isComplete()) pagination.findNextPage();  // when nothing else is to be done
 class PELVOR_EXPORT Pagination {
   public:
+    enum class Purpose { reading, writing };
     /// The storage has the layout manager, which has no containers yet. `room` is that of each page. Both
     /// outlive this object.
-    Pagination(NSTextStorage* storage, NSLayoutManager* layoutManager, NSSize room)
-        : _storage(storage), _layoutManager(layoutManager), _room(room) {}
+    Pagination(NSTextStorage* storage, NSLayoutManager* layoutManager, NSSize room,
+               Purpose purpose = Purpose::reading)
+        : _storage(storage), _layoutManager(layoutManager), _room(room), _purpose(purpose) {}
 
     /// The pages found so far, also those that are to be found again.
     const std::vector<PageText>& pages() const PELVOR_LIFETIMEBOUND { return _pages; }
@@ -85,11 +86,12 @@ class PELVOR_EXPORT Pagination {
     NSTextStorage* _storage;
     NSLayoutManager* _layoutManager;
     NSSize _room;
+    Purpose _purpose;
     std::vector<PageText> _pages;
     mutable std::size_t _firstWrong = 0;  // none before it is wrong
     Retained<NSTextContainer> _next;      // the last container of the layout manager, behind the pages
     bool _hasEnd = false;                 // the last page ends the text, or did before an edit
-    NSRange _paragraph{0, 0};  // the last one that was asked for
+    NSRange _paragraph{0, 0};             // the last one that was asked for
 };
 
 }  // namespace pelvor

@@ -17,7 +17,7 @@ struct PELVOR_EXPORT StyledDocument {
     Retained<NSAttributedString> text;
     Retained<NSDictionary> settings;
     Retained<NSDictionary> plainAttributes;  ///< of text in no style
-    NSString* problem = nullptr;  ///< why there is neither, as a sentence for the user; borrowed
+    NSString* problem = nullptr;             ///< why there is neither, as a sentence for the user; borrowed
 };
 
 }  // namespace pelvor

@@ -5,6 +5,7 @@
 #include "NSAttributedString-PelvorAdditions.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
+#include "Text/NSTextStorage.h"
 #include "Writer/Pages/PagesLibrary.h"
 
 namespace pelvor {
@@ -29,11 +30,8 @@ NSString* WRPageLayoutManager::languageForAttributes(NSDictionary* attributes) {
                                                                 : nullptr;
 }
 
-void WRPageLayoutManager::textStorage_edited_range_changeInLength_invalidatedRange(NSTextStorage* storage,
-                                                                                   unsigned mask,
-                                                                                   NSRange newRange,
-                                                                                   NSInteger delta,
-                                                                                   NSRange invalidatedRange) {
+void WRPageLayoutManager::textStorage_edited_range_changeInLength_invalidatedRange(
+    NSTextStorage* storage, unsigned mask, NSRange newRange, NSInteger delta, NSRange invalidatedRange) {
     NSLayoutManager::textStorage_edited_range_changeInLength_invalidatedRange(storage, mask, newRange, delta,
                                                                               invalidatedRange);
     if (!_didEdit) return;

@@ -134,9 +134,8 @@ void WRDocumentWindow::makeWindow() {
                                              _scrollView->contentView());
     centre->addObserver_selector_name_object(this, "placeDidChange:"_sel, WRPageViewDidFindPagesNotification,
                                              _pageView);
-    centre->addObserver_selector_name_object(this, "textDidChange:"_sel,
-                                             NSTextStorageDidProcessEditingNotification,
-                                             _pageView->textStorage());
+    centre->addObserver_selector_name_object(
+        this, "textDidChange:"_sel, NSTextStorageDidProcessEditingNotification, _pageView->textStorage());
     _undoManager = NSUndoManager::init();
     _pageView->setDelegate(this);
     // What is only shown is not the document's content.

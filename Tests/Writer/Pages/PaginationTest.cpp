@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Pages/Pagination.h"
 
+#include <random>
+
 #include "Foundation/NSMutableAttributedString.h"
 #include "Foundation/NSMutableDictionary.h"
+#include "NSTextStorage-PelvorAdditions.h"
 #include "Prelude.h"
 #include "Text/NSMutableParagraphStyle.h"
 
@@ -117,6 +120,57 @@ TEST(Pagination, SetsHundredsOfPages) {
     EXPECT_GE(count, 3000 * 13 / 5 / 45);
     EXPECT_LE(count, 3000 * 13 / 5 / 41);
     EXPECT_EQ(pages.find("h|"), pages.npos);
+}
+
+// However text is edited, and however far pages are found in between, the pages are those of the text as it
+// is.
+TEST(Pagination, FollowsEdits) {
+    constexpr NSSize kRoom{100, 7 * kLineHeight};
+    std::mt19937 random(7);
+    const auto below = [&](NSUInteger count) {
+        return count ? static_cast<NSUInteger>(random() % count) : 0;
+    };
+    const auto words = [&](NSUInteger count) {
+        static const char* const kWords[] = {"a ",  "bc ", "+d ",        "efg ", "=hijk ",
+                                             "!l ", "m/",  "nopqrstuv ", "w"};
+        std::string text;
+        for (NSUInteger i = 0; i < count; ++i) text += kWords[below(std::size(kWords))];
+        return textOf(text);
+    };
+    const auto rangesOf = [](const Pagination& pagination) {
+        std::vector<NSRange> ranges;
+        for (const PageText& page : pagination.pages()) ranges.push_back(page.range);
+        return ranges;
+    };
+    for (int round = 0; round < 30; ++round) {
+        AutoreleasePool pool;
+        auto storage = words(below(60));
+        auto layoutManager = NSLayoutManager::init();
+        storage->addLayoutManager(layoutManager);
+        const auto purpose = round % 2 ? Pagination::Purpose::reading : Pagination::Purpose::writing;
+        Pagination pagination(storage, layoutManager, kRoom, purpose);
+        for (int edit = 0; edit < 40; ++edit) {
+            pagination.findPages(below(8));
+            const NSUInteger start = below(storage->length() + 1);
+            const NSUInteger length = below(std::min(storage->length() - start + 1, edit % 8 ? 4u : 100u));
+            auto added = words(below(edit % 8 ? 2 : 20));
+            const auto delta = static_cast<NSInteger>(added->length()) - static_cast<NSInteger>(length);
+            storage->replaceCharactersInRange_withAttributedString({start, length}, added);
+            // The paragraph's style is made one over all of the paragraph.
+            const NSUInteger end = start + added->length();
+            const NSRange changed = paragraphRangeForRange(storage, {start, end - start});
+            pagination.textDidChange(NSUnionRange(changed, {start, end - start}), delta);
+            if (edit % 5) continue;
+            pagination.findAllPages();
+            auto copy = NSTextStorage::initWithAttributedString(storage);
+            auto other = NSLayoutManager::init();
+            copy->addLayoutManager(other);
+            Pagination fresh(copy, other, kRoom, purpose);
+            fresh.findAllPages();
+            ASSERT_EQ(rangesOf(pagination), rangesOf(fresh)) << round << ", " << edit;
+            ASSERT_EQ(layoutManager->textContainers()->count(), pagination.pages().size());
+        }
+    }
 }
 
 }  // namespace

@@ -88,6 +88,7 @@ TEST_F(PageViewTest, SelectsOnEveryPage) {
 // There is no caret to move in a text that is only read.
 TEST_F(PageViewTest, ScrollsByKeys) {
     findAllPages();
+    view->setEditable(false);
     window->makeFirstResponder(view);
     const auto place = [&] { return NSMinY(view->visibleRect()); };
     screen.press(NSDownArrowFunctionKey);
@@ -103,6 +104,33 @@ TEST_F(PageViewTest, ScrollsByKeys) {
     screen.press(NSHomeFunctionKey, NSCommandKeyMask);
     EXPECT_EQ(place(), 0);
     EXPECT_EQ(view->selectedRange(), (NSRange{0, 0}));
+}
+
+TEST_F(PageViewTest, EditsOnEveryPage) {
+    findAllPages();
+    const NSUInteger count = view->pageCount(), length = view->string()->length();
+    window->makeFirstResponder(view);
+    screen.press(NSEndFunctionKey, NSCommandKeyMask);
+    screen.turn();
+    EXPECT_TRUE(NSIntersectsRect(view->visibleRect(), view->frameOfPage(count - 1)));
+    for (int i = 0; i < 30; ++i) screen.type("x\n");
+    EXPECT_GT(view->pageCount(), count) << "at once, where the caret is";
+    EXPECT_TRUE(NSContainsRect(view->visibleRect(), view->caretRectForCharacterAtIndex(length + 60)));
+    // A line more on the first page moves lines through all others, when there is time.
+    const NSUInteger last = view->pages()->pages()[count - 2].range.location;
+    view->setSelectedRange({0, 0});
+    screen.type("\n");
+    EXPECT_FALSE(view->isComplete());
+    findAllPages();
+    EXPECT_LT(view->pages()->pages()[count - 2].range.location, last + 1);
+    send(view.get(), "selectAll:"_sel, static_cast<id>(nullptr));
+    screen.press(NSDeleteFunctionKey);
+    EXPECT_EQ(view->pageCount(), 1u);
+    EXPECT_GT(NSHeight(view->caretRectForCharacterAtIndex(0)), 0);
+    send(view.get(), "undo:"_sel, static_cast<id>(nullptr));
+    findAllPages();
+    EXPECT_EQ(view->string()->length(), length + 61);
+    EXPECT_GT(view->pageCount(), count);
 }
 
 // The lines may be other ones when the words of a language can be divided.
