@@ -139,9 +139,14 @@ void Pagination::textDidChange(NSRange range, NSInteger delta) {
     NSUInteger start = std::min(range.location, _storage->length());
     start = paragraphRangeForRange(_storage, {start, 0}).location;
     start = longestIsKeepWithNextParagraphRangeBeforeIndex(_storage, start).location;
-    std::size_t first = pageOf(start);
-    if (first > 0 && start <= _pages[first].range.location) --first;
-    noteWrong(first, pageOf(NSMaxRange(range)));
+    const auto first = std::find_if(_pages.begin(), _pages.end() - 1, [start](const PageText& page) {
+        return start <= NSMaxRange(page.range);
+    });
+    const auto last = std::find_if(_pages.rbegin(), _pages.rend(), [range](const PageText& page) {
+        return page.range.location <= NSMaxRange(range);
+    });
+    noteWrong(static_cast<std::size_t>(first - _pages.begin()),
+              static_cast<std::size_t>(_pages.rend() - last) - 1);
 }
 
 void Pagination::forgetPages() {

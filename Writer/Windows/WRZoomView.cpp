@@ -10,6 +10,11 @@
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
+namespace {
+
+constexpr int kMostTries = 4;  // to fit into a room that changes meanwhile
+
+}  // namespace
 
 PELVOR_DEFINE_CLASS(WRZoomView, windowsLibrary) {
     methods.instance<"zoom", &WRZoomView::zoom>();
@@ -45,11 +50,21 @@ void WRZoomView::viewDidMoveToSuperview() {
 
 void WRZoomView::contentDidChange(id) { fitToContent(); }
 
-// The bounds are in the content's units; the content stands in their middle.
+// A new size may show or hide scrollers, which changes the room.
 void WRZoomView::fitToContent() {
     if (std::exchange(_isFitting, true)) return;
+    for (int tries = 0; tries < kMostTries; ++tries) {
+        const NSSize room = superview() ? superview()->frame().size : NSSize{};
+        fitToRoom(room);
+        if (!superview() || superview()->frame().size == room) break;
+    }
+    setNeedsDisplay(true);
+    _isFitting = false;
+}
+
+// The bounds are in the content's units; the content stands in their middle.
+void WRZoomView::fitToRoom(NSSize room) {
     const NSSize content = _content->frame().size;
-    const NSSize room = superview() ? superview()->frame().size : NSSize{};
     const auto scale = static_cast<float>(_zoom);
     // Whole points, so that no rounding makes content that just fits in larger than the room.
     const NSSize size{std::max(std::floor(content.width * scale), room.width),
@@ -57,8 +72,6 @@ void WRZoomView::fitToContent() {
     setFrameSize(size);
     setBoundsSize({size.width / scale, size.height / scale});
     _content->setFrameOrigin({std::max((size.width / scale - content.width) / 2, 0.0F), 0});
-    setNeedsDisplay(true);
-    _isFitting = false;
 }
 
 void WRZoomView::setZoom(double zoom) {

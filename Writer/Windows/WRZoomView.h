@@ -35,6 +35,8 @@ class WRZoomView : public NSView, NSView::HiddenCreators {
     ~WRZoomView();
 
   private:
+    void fitToRoom(NSSize room);
+
     Retained<NSView> _content;
     double _zoom = 1;
     bool _isFitting = false;
