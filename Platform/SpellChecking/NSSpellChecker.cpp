@@ -137,6 +137,7 @@ NSString* NSSpellChecker::availableLanguageForName(NSString* name) {
 
 NSString* NSSpellChecker::localizedNameForLanguage(NSString* name) {
     requireArgument(name, "localizedNameForLanguage:", "the name");
+    if (name->length() == 0) return name;
     UDisplayContext contexts[] = {UDISPCTX_STANDARD_NAMES, UDISPCTX_CAPITALIZATION_FOR_UI_LIST_OR_MENU};
     UErrorCode status = U_ZERO_ERROR;
     const char* reader = cast<NSString>(userLanguages()->objectAtIndex(0))->UTF8String();
@@ -157,8 +158,10 @@ struct NSSpellChecker::Rules {
 
     // The word is plain.
     bool isKnown(std::u16string_view word) const {
-        return language->dictionary->isCorrect(word) || language->learned.words().covers(word) ||
-               (ignored && ignored->covers(word));
+        return language->dictionary->isCorrect(word) || isTaught(word);
+    }
+    bool isTaught(std::u16string_view word) const {
+        return language->learned.words().covers(word) || (ignored && ignored->covers(word));
     }
     bool isMisspelled(NSString* text, NSRange word) const;
     bool isRightInItsPlace(NSString* text, NSRange range, std::u16string_view word) const;
@@ -181,6 +184,7 @@ bool NSSpellChecker::Rules::isRightInItsPlace(NSString* text, NSRange range, std
     const NSUInteger end = NSMaxRange(range);
     if (end < text->length() && text->characterAtIndex(end) == u'.' && isKnown(std::u16string(word) + u'.'))
         return true;
+    if (word.ends_with(u"'s") && isTaught(word.substr(0, word.size() - 2))) return true;
     if (word.find(u'\'') != word.npos) {  // the dictionary itself may have curly ones
         std::u16string curly(word);
         std::ranges::replace(curly, u'\'', u'\u2019');

@@ -110,7 +110,8 @@ class PELVOR_EXPORT NSSpellChecker : public NSObject {
 
     // Words that the user has taught, by dictionary. They stand in pelvor/spelling/<language>.words in the
     // user's folder for data: a word a line, in UTF-8; lines that begin with "#" are comments. A word in
-    // small letters also stands for its form with a capital, and any word for its form in capitals.
+    // small letters also stands for its form with a capital, and any word for its form in capitals and with
+    // "'s".
 
     /// Adds the word. Returns false (NSFileError tells why) if the file could not be written: the word then
     /// counts until the program ends. Raises NSInvalidArgumentException for an empty word or one with more

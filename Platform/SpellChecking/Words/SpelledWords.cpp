@@ -48,7 +48,7 @@ std::u16string_view plainWord(std::u16string_view word, std::u16string& room) {
     if (std::ranges::all_of(word, isPlain)) return word;
     room.clear();
     for (char16_t unit : word)
-        if (unit != kSoftHyphen) room += isCurly(unit) ? u'\'' : unit;
+        if (unit != kSoftHyphen) room += isCurly(unit) ? u'\'' : isHyphen(unit) ? u'-' : unit;
     UErrorCode status = U_ZERO_ERROR;
     const UNormalizer2* composer = unorm2_getNFCInstance(&status);
     const auto length = static_cast<int32_t>(room.size());

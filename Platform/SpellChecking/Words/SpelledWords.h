@@ -15,8 +15,8 @@ class NSString;
 /// A longer word, in units, is never misspelled.
 inline constexpr NSUInteger kLongestWord = 100;
 
-/// The word as dictionaries have it: with straight apostrophes and composed letters, without soft hyphens.
-/// The result shows `word` or `room`.
+/// The word as dictionaries have it: with straight apostrophes, plain hyphens and composed letters, without
+/// soft hyphens. The result shows `word` or `room`.
 std::u16string_view plainWord(std::u16string_view word, std::u16string& room);
 /// Whether the word has an apostrophe that is not straight.
 bool hasCurlyApostrophe(std::u16string_view word);

@@ -1,0 +1,259 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SpellChecking/NSSpellChecker.h"
+
+#include <sys/stat.h>
+
+#include "DictionaryScope.h"
+#include "Foundation/NSFileError.h"
+#include "Foundation/NSLog.h"
+#include "Foundation/NSRunLoop.h"
+#include "Prelude.h"
+#include "TestClasses.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(NSSpellChecker, FindsTheNextMisspelledWord) {
+    DictionaryScope scope;
+    scope.add("en_GB", "the\nsea\n");
+    NSSpellChecker* checker = scope.checker();
+    NSString* text = u"the see, the sae."_ns;
+    EXPECT_EQ(checker->checkSpellingOfString_startingAt(text, 0), (NSRange{4, 3}));
+    EXPECT_EQ(checker->checkSpellingOfString_startingAt(text, 5), (NSRange{13, 3})) << "from inside a word";
+    EXPECT_EQ(checker->checkSpellingOfString_startingAt(text, 17), (NSRange{4, 3})) << "from the end";
+    NSInteger count = -1;
+    const auto check = [&](NSUInteger start, bool wrap) {
+        return checker->checkSpellingOfString_startingAt_language_wrap_inSpellDocumentWithTag_wordCount(
+            text, start, nullptr, wrap, 0, &count);
+    };
+    EXPECT_EQ(check(7, false), (NSRange{13, 3}));
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(check(16, false), (NSRange{NSNotFound, 0}));
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(check(14, true), (NSRange{4, 3}));
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(checker->countWordsInString_language(u"Don't, 3 see-saws."_ns, nullptr), 4);
+    EXPECT_EQ(RAISED(checker->checkSpellingOfString_startingAt(text, 18)),
+              "NSRangeException: checkSpellingOfString:startingAt: index (18) beyond bounds (17)");
+    EXPECT_EQ(scope.wrongIn(u"xyz"_ns, u"ja"_ns), "") << "a language without a dictionary";
+}
+
+TEST(NSSpellChecker, KnowsWhatIsNoMisspelledWord) {
+    DictionaryScope scope;
+    scope.add("en", "sea\ndon't\nl\xE2\x80\x99\x65\x61u\ncafé\netc.\nhoc\nad-lib\nword\n");
+    struct Case {
+        const char16_t* text;
+        const char* wrong;
+    };
+    for (const auto& [text, wrong] : std::vector<Case>{
+             {u"Sea SEA sEa", " sEa"},
+             {u"don't don\u2019t Don\u2019t don\u02BCt dont", " dont"},
+             {u"l'eau l\u2019eau 'sea' \u2018sea\u2019", ""},
+             {u"cafe\u0301 caf\u00E9 se\u00ADa cafe", " cafe"},
+             {u"sea etc. etc, ETC.", " etc"},
+             {u"ad-lib ad\u2011lib ad-word lib", " ad lib"},
+             {u"x86 2nd my_name \u6771\u4EAC \u30AB\u30CA \u041C\u043E\u0440\u0435",
+              " \u041C\u043E\u0440\u0435"},
+             {u"http://zzz.qq/yyy?b=xxx (www.zzz.qq) zzz@yyy.xx @zzz mailto:zzz zzz", " zzz"},
+             {u"/usr/shar/zzz ~/zzz ./zzz c:\\zzz zzz/word notes.txt zzz.org Zzz.Org", " zzz Zzz.Org"},
+             {u"", ""}}) {
+        NSString* string = NSString::of(text);
+        EXPECT_EQ(scope.wrongIn(string), wrong) << string;
+        EXPECT_EQ(scope.wrongIn(string), wrong) << string << ", again";
+    }
+    const std::u16string longest(100, u'z');
+    EXPECT_EQ(scope.wrongIn(NSString::of(longest)), " " + std::string(100, 'z'));
+    EXPECT_EQ(scope.wrongIn(NSString::of(longest + u"z")), "");
+    EXPECT_EQ(scope.wrongIn(NSString::of(std::u16string(u"sea \xD800 \xDC00zz\xD800"))).empty(), false);
+}
+
+TEST(NSSpellChecker, ConvertsToTheEncodingsOfDictionaries) {
+    struct Case {
+        const char* encoding;
+        const char* word;
+        const char16_t* text;
+    };
+    const Case cases[] = {{"ISO8859-1", "K\xE4se", u"Käse"},
+                          {"ISO8859-2",
+                           "\xB3\xF3"
+                           "d\xBC",
+                           u"łódź"},
+                          {"microsoft-cp1251", "\xEC\xEE\xF0\xE5", u"море"},
+                          {"KOI8-U", "\xCD\xCF\xD2\xA4", u"морє"},
+                          {"TIS620-2533", "\xB7\xD0\xE0\xC5", u"ทะเล"},
+                          {"UTF-8", "\xF0\x90\x90\xA8\xF0\x90\x90\xB2", u"\U00010428\U00010432"}};
+    DictionaryScope scope;
+    for (const Case& each : cases)
+        scope.add(std::string("x_") + each.encoding[0] + each.encoding[4] + std::to_string(&each - cases),
+                  std::string(each.word) + "\n", std::string("SET ") + each.encoding + "\n");
+    NSArray* names = scope.checker()->availableLanguages();
+    ASSERT_EQ(names->count(), 6u);
+    for (id name : names) {
+        const Case& each = cases[name->description()->characterAtIndex(4) - u'0'];
+        NSString* text = NSString::of(each.text);
+        EXPECT_EQ(scope.wrongIn(text, cast<NSString>(name)), "") << each.encoding;
+        EXPECT_EQ(scope.wrongIn(u"\u03B8\u03AC"_ns, cast<NSString>(name)), " \u03B8\u03AC")
+            << "letters that the encoding lacks";
+        NSArray* guesses = scope.checker()->guessesForWord_language(
+            text->stringByAppendingString(text->substringFromIndex(text->length() - 1)),
+            cast<NSString>(name));
+        EXPECT_TRUE(guesses->containsObject(text)) << each.encoding << guesses;
+    }
+}
+
+TEST(NSSpellChecker, KeepsLearnedWordsInAFile) {
+    DictionaryScope scope;
+    scope.add("en", "sea\n");
+    scope.folder.write("home/pelvor/spelling/en.words", "# mine\r\n\xFF\xFE garbage\nPelvor\r\n\nlast");
+    NSSpellChecker* checker = scope.checker();
+    EXPECT_EQ(scope.wrongIn(u"Pelvor PELVOR pelvor Last LAST lASt mine"_ns), " pelvor lASt mine");
+    EXPECT_EQ(scope.wrongIn(u"Pelvor\u2019s sea's"_ns), " sea's");
+    EXPECT_TRUE(checker->learnWord(u"wouldn\u2019ta"_ns));
+    EXPECT_EQ(scope.wrongIn(u"wouldn'ta Wouldn\u2019ta"_ns), "");
+    EXPECT_EQ(scope.folder.read("home/pelvor/spelling/en.words"),
+              "# mine\r\n\xFF\xFE garbage\nPelvor\r\n\nlast\nwouldn'ta\n");
+
+    // Another program's words stay, and become known.
+    std::ofstream(scope.learnedFile("en"), std::ios::app) << "theirs\n";
+    EXPECT_TRUE(checker->unlearnWord(u"last"_ns));
+    EXPECT_TRUE(checker->hasLearnedWord(u"theirs"_ns));
+    EXPECT_FALSE(checker->hasLearnedWord(u"last"_ns));
+    EXPECT_EQ(scope.wrongIn(u"last Last theirs"_ns), " last Last");
+    EXPECT_EQ(scope.folder.read("home/pelvor/spelling/en.words"),
+              "# mine\r\n\xFF\xFE garbage\nPelvor\r\n\nwouldn'ta\ntheirs\n");
+    EXPECT_THAT(RAISED(checker->learnWord(u"a\nb"_ns)),
+                HasSubstr("learnWord:language: the word is empty or"));
+    EXPECT_THAT(RAISED(checker->learnWord(u"\u00AD"_ns)),
+                HasSubstr("learnWord:language: the word is empty or"));
+
+    // A file that is no file of ours is not written over; its word counts nevertheless, and is kept later.
+    fs::remove(scope.learnedFile("en"));
+    fs::create_directory(scope.learnedFile("en"));
+    EXPECT_FALSE(checker->learnWord(u"unkept"_ns));
+    EXPECT_EQ(scope.wrongIn(u"unkept"_ns), "");
+    fs::remove(scope.learnedFile("en"));
+    EXPECT_TRUE(checker->learnWord(u"kept"_ns));
+    EXPECT_THAT(scope.folder.read("home/pelvor/spelling/en.words"),
+                AllOf(HasSubstr("\nunkept\n"), HasSubstr("\nkept\n")));
+}
+
+TEST(NSSpellChecker, IgnoresWordsInOneDocument) {
+    DictionaryScope scope;
+    scope.add("en", "sea\n");
+    NSSpellChecker* checker = scope.checker();
+    const int one = NSSpellChecker::uniqueSpellDocumentTag(),
+              other = NSSpellChecker::uniqueSpellDocumentTag();
+    EXPECT_NE(one, other);
+    checker->ignoreWord_inSpellDocumentWithTag(u"zzz"_ns, one);
+    checker->ignoreWord_inSpellDocumentWithTag(u"yyy"_ns, 0);
+    NSString* text = u"zzz Zzz yyy"_ns;
+    EXPECT_EQ(scope.wrongIn(text, nullptr, one), " yyy");
+    EXPECT_EQ(scope.wrongIn(text, nullptr, other), " zzz Zzz yyy");
+    EXPECT_EQ(scope.wrongIn(text), " zzz Zzz yyy") << "no document has no ignored words";
+    NSArray* words = checker->ignoredWordsInSpellDocumentWithTag(one);
+    EXPECT_EQ(listed(words), "zzz");
+    checker->closeSpellDocumentWithTag(one);
+    EXPECT_EQ(scope.wrongIn(text, nullptr, one), " zzz Zzz yyy");
+    checker->setIgnoredWords_inSpellDocumentWithTag(words, other);
+    EXPECT_EQ(scope.wrongIn(text, nullptr, other), " yyy");
+}
+
+// What listeners are told.
+std::vector<std::string> told;
+const std::thread::id mainThread = std::this_thread::get_id();
+
+void showGuesses(NSObject*, NSArray* guesses, NSString* word) {
+    EXPECT_EQ(std::this_thread::get_id(), mainThread);
+    told.push_back(shown(word) + ": " + listed(guesses));
+}
+void hear(NSObject*, NSNotification* notice) { told.push_back(shown(notice->object())); }
+
+void runUntilTold(std::size_t count) {
+    while (told.size() < count)
+        NSRunLoop::currentRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
+}
+
+TEST(NSSpellChecker, GuessesOnAnotherThread) {
+    DictionaryScope scope;
+    scope.add("en", "sea\nwon't\n");
+    NSSpellChecker* checker = scope.checker();
+    EXPECT_EQ(listed(checker->guessesForWord(u"saa"_ns)), "sea");
+    EXPECT_EQ(listed(checker->guessesForWord(u"wont\u2019t"_ns)), "won\u2019t");
+    Class* listeners = makeClass<"show:forWord:", &showGuesses>("Listener");
+    auto listener = instanceOf(listeners), other = instanceOf(listeners), ended = instanceOf(listeners);
+    const auto request = [&](NSString* word, id target) {
+        checker->requestGuessesForWord_language_target_selector(word, nullptr, target, "show:forWord:"_sel);
+    };
+    request(u"seaa"_ns, listener);
+    request(u"wan't"_ns, listener);  // takes the place of the first
+    request(u"seaa"_ns, ended);
+    ended = nullptr;
+    request(u"saea"_ns, other);
+    runUntilTold(2);
+    EXPECT_THAT(told, ElementsAre("wan't: won't", "saea: sea"));
+    request(u"seaa"_ns, listener);
+    checker->cancelGuessesForTarget(listener);
+    checker->requestGuessesForWord_language_target_selector(u"q"_ns, u"ja"_ns, other, "show:forWord:"_sel);
+    runUntilTold(3);
+    EXPECT_EQ(told.back(), "q: ");
+}
+
+TEST(NSSpellChecker, ReadsDictionariesOnAnotherThread) {
+    DictionaryScope scope;
+    scope.add("de_DE", "Meer\n");
+    auto listener = instanceOf(makeClass<"didPrepare:", &hear>("Listener"));
+    NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
+        listener, "didPrepare:"_sel, NSSpellCheckerDidPrepareLanguageNotification, nullptr);
+    EXPECT_FALSE(scope.checker()->prepareLanguage(u"de"_ns));
+    EXPECT_EQ(scope.wrongIn(u"Meer meer"_ns, u"de"_ns), " meer")
+        << "who does not wait for the notice, waits here";
+    runUntilTold(1);
+    EXPECT_THAT(told, ElementsAre("de_DE"));
+    EXPECT_TRUE(scope.checker()->prepareLanguage(u"de"_ns));
+    EXPECT_TRUE(scope.checker()->prepareLanguage(u"ja"_ns));
+    NSNotificationCenter::defaultCenter()->removeObserver(listener);
+}
+
+TEST(NSSpellChecker, GoesOnWithoutDictionaries) {
+    DictionaryScope scope;
+    NSSpellChecker* checker = scope.checker();
+    EXPECT_EQ(checker->availableLanguages()->count(), 0u);
+    EXPECT_EQ(checker->language(), nullptr);
+    EXPECT_FALSE(checker->setLanguage(u"en"_ns));
+    EXPECT_EQ(scope.wrongIn(u"zzz"_ns), "");
+    EXPECT_EQ(checker->guessesForWord(u"zzz"_ns)->count(), 0u);
+    EXPECT_EQ(checker->countWordsInString_language(u"two words"_ns, nullptr), 2);
+    EXPECT_FALSE(checker->learnWord(u"zzz"_ns));
+    EXPECT_FALSE(checker->hasLearnedWord(u"zzz"_ns));
+}
+
+TEST(NSSpellChecker, ReadsTheInstalledDictionaries) {
+    EnvironmentScope data("XDG_DATA_DIRS", "/usr/share");
+    NSSpellChecker* checker = NSSpellChecker::sharedSpellChecker();
+    const auto wrong = [&](NSString* language, NSString* text) {
+        std::string words;
+        for (NSRange range : checker->misspelledRanges(text, {0, text->length()}, language, 0))
+            words += " " + text->substringWithRange(range)->toUTF8();
+        return words;
+    };
+    struct Case {
+        const char* language;
+        const char16_t* text;
+        const char* wrong;
+        const char16_t* guess;
+    };
+    for (const Case& each :
+         {Case{"en_GB", u"The colour isn\u2019t wrnog.", " wrnog", u"wrong"},
+          Case{"en_US", u"The color isn't wrnog.", " wrnog", u"wrong"},
+          Case{"de_DE", u"Die Straße ist in Müchen z.B.", " Müchen", u"München"},
+          Case{"fr", u"Aujourd\u2019hui l\u2019été n\u2019est pas arrivvé.", " arrivvé", u"arrivé"}}) {
+        NSString* language = NSString::ofUTF8(each.language);
+        if (!checker->availableLanguages()->containsObject(language)) continue;
+        EXPECT_EQ(wrong(language, NSString::of(each.text)), each.wrong) << each.language;
+        NSArray* guesses = checker->guessesForWord_language(NSString::ofUTF8(each.wrong + 1), language);
+        EXPECT_TRUE(guesses->containsObject(NSString::of(each.guess))) << guesses;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Spelling/PBSpellCheckerLanguage.h"
+
+#include "BaseSpellCheckingLibrary.h"
+#include "EnvironmentScope.h"
+#include "Prelude.h"
+#include "SpellChecking/NSSpellChecker.h"
+
+namespace {
+
+TEST(PBSpellCheckerLanguage, SavesAndLoadsItsNames) {
+    LanguageScope german("de");
+    auto* language = PBSpellCheckerLanguage::spellLanguageWithLanguageName(u"en_GB"_ns);
+    EXPECT_EQ(shown(language), "PBSpellCheckerLanguage {en_GB \"Englisch (Vereinigtes Königreich)\"}");
+    auto settings = NSMutableDictionary::init();
+    EXPECT_TRUE(language->saveToDictionary(settings));
+    EXPECT_EQ(settings->count(), 2u);
+    EXPECT_EQ(shown(settings->objectForKey(u"languageName"_ns)), "en_GB");
+
+    language->setIsSuspended(true);
+    auto* loaded = PBSpellCheckerLanguage::spellLanguageForDictionary(settings);
+    EXPECT_TRUE(loaded->isEqual(language)) << "suspension does not count";
+    EXPECT_EQ(loaded->hash(), language->hash());
+    EXPECT_FALSE(loaded->isSuspended());
+
+    // A display name of the settings counts; a missing one is asked for.
+    settings->setObject_forKey(u"Mine"_ns, u"languageDisplayName"_ns);
+    EXPECT_TRUE(loaded->loadFromDictionary(settings));
+    EXPECT_EQ(shown(loaded->displayName()), "Mine");
+    EXPECT_FALSE(loaded->isEqual(language));
+    settings->removeObjectForKey(u"languageDisplayName"_ns);
+    EXPECT_TRUE(loaded->loadFromDictionary(settings));
+    EXPECT_EQ(shown(loaded->displayName()), "Englisch (Vereinigtes Königreich)");
+
+    settings->removeObjectForKey(u"languageName"_ns);
+    settings->setObject_forKey(u"Other"_ns, u"languageDisplayName"_ns);
+    EXPECT_FALSE(loaded->loadFromDictionary(settings));
+    EXPECT_EQ(shown(loaded), "PBSpellCheckerLanguage {en_GB \"Englisch (Vereinigtes Königreich)\"}");
+    EXPECT_EQ(PBSpellCheckerLanguage::spellLanguageForDictionary(settings), nullptr);
+    EXPECT_EQ(PBSpellCheckerLanguage::spellLanguageForDictionary(nullptr), nullptr);
+}
+
+TEST(PBSpellCheckerLanguage, DoesWithoutNames) {
+    auto one = PBSpellCheckerLanguage::init(), other = PBSpellCheckerLanguage::init();
+    EXPECT_TRUE(one->isEqual(other));
+    EXPECT_EQ(one->hash(), other->hash());
+    EXPECT_FALSE(one->isEqual(u"x"_ns));
+    EXPECT_EQ(shown(one.get()), "PBSpellCheckerLanguage {(null) \"(null)\"}");
+    one->setLanguageName(u"fr"_ns);
+    one->setLanguageName(one->languageName());
+    EXPECT_FALSE(one->isEqual(other));
+    auto settings = NSMutableDictionary::init();
+    EXPECT_TRUE(one->saveToDictionary(settings));
+    EXPECT_EQ(settings->count(), 1u);
+    EXPECT_EQ(shown(settings->objectForKey(u"languageName"_ns)), "fr");
+}
+
+// A host that names languages by itself.
+NSString* hostName(NSSpellChecker*, NSString* name) { return name->uppercaseString(); }
+void defineHostNames(MethodTable<NSSpellChecker>& methods) {
+    methods.instanceAs<"displayNameForLanguageName:", &hostName>();
+}
+constinit const Category kHostNames = Category::of<NSSpellChecker, defineHostNames>("HostNames");
+constexpr const Category* kCategories[] = {&kHostNames};
+constexpr Library* kDependencies[] = {&baseSpellCheckingLibrary};
+constinit Library hostLibrary{"Host", kDependencies, {}, kCategories};
+
+TEST(PBSpellCheckerLanguage, AsksTheHostsSpellChecker) {
+    registerLibrary(hostLibrary);
+    EXPECT_EQ(shown(PBSpellCheckerLanguage::spellLanguageWithLanguageName(u"en"_ns)->displayName()), "EN");
+}
+
+}  // namespace
