@@ -190,7 +190,7 @@ bool NSSpellChecker::Rules::isRightInItsPlace(NSString* text, NSRange range, std
         std::ranges::replace(curly, u'\'', u'\u2019');
         if (isKnown(curly)) return true;
     }
-    const NSRange whole = hyphenatedWordAround(text, range);
+    const NSRange whole = joinedWordAround(text, range);
     if (whole.length > range.length) {
         StringUnits units(text, whole);
         std::u16string room;

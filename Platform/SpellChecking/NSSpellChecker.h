@@ -39,7 +39,7 @@ extern PELVOR_EXPORT NSString* const NSSpellCheckerDidPrepareLanguageNotificatio
 /// - words with a digit or an underscore, with ideographs or kana, or with more than 100 units;
 /// - what stands in a web address, a mail address or a name that begins with "@", a path that begins with
 ///   "/", "~" or ".", or any stretch with a backslash; and names such as "notes.txt" or "example.org";
-/// - parts of a word with hyphens, if the dictionary has the whole word;
+/// - parts of a word with hyphens, or with raised or lowered figures, if the dictionary has the whole word;
 /// - a word before a full stop that the dictionary has together with the full stop.
 /// A letter that the dictionary's encoding lacks is misspelled.
 ///

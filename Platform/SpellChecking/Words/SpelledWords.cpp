@@ -110,18 +110,22 @@ NSRange stretchAround(NSString* text, NSRange word) {
     return {start, end - start};
 }
 
-NSRange hyphenatedWordAround(NSString* text, NSRange word) {
+NSRange joinedWordAround(NSString* text, NSRange word) {
     NSRange stretch = stretchAround(text, word);
+    const auto isLetter = [&](NSUInteger place) {
+        const char16_t unit = text->characterAtIndex(place);
+        return u_isalpha(unit) || u_charType(unit) == U_OTHER_NUMBER;
+    };
     const auto belongs = [&](NSUInteger place) {
         const char16_t unit = text->characterAtIndex(place);
-        return isHyphen(unit) || isCurly(unit) || unit == u'\'' || unit == kSoftHyphen || u_isalpha(unit) ||
+        return isHyphen(unit) || isCurly(unit) || unit == u'\'' || unit == kSoftHyphen || isLetter(place) ||
                U16_IS_SURROGATE(unit) || u_charType(unit) == U_NON_SPACING_MARK;
     };
     NSUInteger start = word.location, end = NSMaxRange(word);
     while (start > stretch.location && belongs(start - 1)) --start;
     while (end < NSMaxRange(stretch) && belongs(end)) ++end;
-    while (start < word.location && !u_isalpha(text->characterAtIndex(start))) ++start;
-    while (end > NSMaxRange(word) && !u_isalpha(text->characterAtIndex(end - 1))) --end;
+    while (start < word.location && !isLetter(start)) ++start;
+    while (end > NSMaxRange(word) && !isLetter(end - 1)) --end;
     return end - start > kLongestWord ? word : NSRange{start, end - start};
 }
 

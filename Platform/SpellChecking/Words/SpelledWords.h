@@ -46,7 +46,8 @@ class WordWalk {
 
 /// The stretch without blanks around a word, with at most 256 units on each side.
 NSRange stretchAround(NSString* text, NSRange word);
-/// The word with all that hyphens join to it; the word itself if no hyphen does, or if the whole is too long.
-NSRange hyphenatedWordAround(NSString* text, NSRange word);
+/// The word with all that hyphens, raised and lowered figures join to it: "ad-lib", "HfO₂". The word itself
+/// if there is no more, or if the whole is too long.
+NSRange joinedWordAround(NSString* text, NSRange word);
 
 }  // namespace pelvor

@@ -41,7 +41,7 @@ TEST(NSSpellChecker, FindsTheNextMisspelledWord) {
 
 TEST(NSSpellChecker, KnowsWhatIsNoMisspelledWord) {
     DictionaryScope scope;
-    scope.add("en", "sea\ndon't\nl\xE2\x80\x99\x65\x61u\ncafé\netc.\nhoc\nad-lib\nword\n");
+    scope.add("en", "sea\ndon't\nl\xE2\x80\x99\x65\x61u\ncafé\netc.\nhoc\nad-lib\nword\nHfO₂\n");
     struct Case {
         const char16_t* text;
         const char* wrong;
@@ -52,7 +52,7 @@ TEST(NSSpellChecker, KnowsWhatIsNoMisspelledWord) {
              {u"l'eau l\u2019eau 'sea' \u2018sea\u2019", ""},
              {u"cafe\u0301 caf\u00E9 se\u00ADa cafe", " cafe"},
              {u"sea etc. etc, ETC.", " etc"},
-             {u"ad-lib ad\u2011lib ad-word lib", " ad lib"},
+             {u"ad-lib ad\u2011lib ad-word lib HfO\u2082 HfO", " ad lib HfO"},
              {u"x86 2nd my_name \u6771\u4EAC \u30AB\u30CA \u041C\u043E\u0440\u0435",
               " \u041C\u043E\u0440\u0435"},
              {u"http://zzz.qq/yyy?b=xxx (www.zzz.qq) zzz@yyy.xx @zzz mailto:zzz zzz", " zzz"},
