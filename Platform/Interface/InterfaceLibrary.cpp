@@ -43,6 +43,8 @@
 #include "Interface/NSTextFieldCell.h"
 #include "Interface/NSTextView.h"
 #include "Interface/NSView.h"
+#include "Interface/Panels/FileNameCell.h"
+#include "Interface/Panels/FilePanelView.h"
 #include "Interface/Texts/TextUndo.h"
 #include "Interface/Windows/ToolTipView.h"
 #include "Interface/Windows/WindowState.h"
@@ -58,6 +60,8 @@ constexpr Library* kDependencies[] = {&textLibrary};
 constexpr Class* kClasses[] = {
     &AlertView::classRecord,
     &DisplayWatcher::classRecord,
+    &FileNameCell::classRecord,
+    &FilePanelView::classRecord,
     &MenuListView::classRecord,
     &NSActionCell::classRecord,
     &NSAlert::classRecord,

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Interface/NSSavePanel.h"
 
-#include "Foundation/LibraryTexts.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSLog.h"
+#include "Foundation/NSUserDefaults.h"
+#include "Foundation/StandardFolders.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSApplication.h"
+#include "Interface/Panels/FilePanelView.h"
+#include "Interface/Panels/PanelMessages.h"
+#include "Runtime/Message.h"
 
 namespace pelvor {
 
@@ -17,6 +21,7 @@ PELVOR_DEFINE_CLASS(NSSavePanel, interfaceLibrary) {
     methods.instance<"runModalForDirectory:file:", &NSSavePanel::runModalForDirectory_file>();
     methods.instance<"ok:", &NSSavePanel::ok>();
     methods.instance<"cancel:", &NSSavePanel::cancel>();
+    methods.instance<"windowShouldClose:", &NSSavePanel::windowShouldClose>();
     methods.instance<"filename", &NSSavePanel::filename>();
     methods.instance<"directory", &NSSavePanel::directory>();
     methods.instance<"setDirectory:", &NSSavePanel::setDirectory>();
@@ -47,12 +52,10 @@ namespace {
 
 Retained<NSString> copied(NSString* text) { return text ? text->copy() : nullptr; }
 
-NSString* localized(NSString* key) {
-    NSString* text = localizedLibraryText(key);
-    return text ? text : key->substringFromIndex(1);
-}
+bool equalIgnoringCase(NSString* a, NSString* b) { return a->caseInsensitiveCompare(b) == NSOrderedSame; }
 
-constexpr NSRect kFirstContents{{0, 0}, {620, 460}};
+constexpr NSRect kFirstContents{{0, 0}, {640, 460}};
+constexpr NSSize kLeastContents{420, 320};
 
 }  // namespace
 
@@ -78,8 +81,62 @@ Retained<NSSavePanel> NSSavePanel::initWithContentRect_styleMask_backing_defer(N
 
 NSInteger NSSavePanel::runModal() {
     _paths = nullptr;
-    NSLog(u"%@: nobody can choose a file."_ns, title());
-    return NSCancelButton;
+    if (_view) return NSCancelButton;  // it runs already
+    NSApplication* application = NSApplication::sharedApplication();
+    if (!application->hasDisplay() && !application->isRunning()) {
+        NSLog(u"%@: nobody can choose a file."_ns, title());
+        return NSCancelButton;
+    }
+    const auto held = Retained<NSSavePanel>::retaining(this);
+    struct End {
+        NSSavePanel* panel;
+        ~End() { panel->endRun(); }
+    } end{this};
+    NSString* frameName = isSaving() ? u"NSSavePanel"_ns : u"NSOpenPanel"_ns;
+    setFrameUsingName(frameName);
+    center();
+    setLevel(NSModalPanelWindowLevel);
+    setContentMinSize(kLeastContents);
+    _view = FilePanelView::viewFor(this);
+    setContentView(_view);
+    _view->begin(foldersToBeginWith(), _name ? _name.get() : u""_ns);
+    const NSInteger code = application->runModalForWindow(this);
+    saveFrameUsingName(frameName);
+    if (code != NSOKButton) _paths = nullptr;
+    return _paths ? NSOKButton : NSCancelButton;
+}
+
+void NSSavePanel::endRun() {
+    const auto view = std::exchange(_view, nullptr);
+    if (!view) return;
+    endEditingFor(nullptr);
+    _directory = copied(view->folder());
+    if (isSaving()) _name = copied(view->name());
+    view->end();
+    if (_accessoryView) _accessoryView->removeFromSuperview();
+    orderOut(nullptr);
+    setContentView(nullptr);
+}
+
+// The first that can be read is shown.
+std::vector<NSString*> NSSavePanel::foldersToBeginWith() {
+    return {_directory, NSUserDefaults::standardUserDefaults()->stringForKey(PelvorPanelFolder),
+            folderOfType(folderType("docs"), FolderDomainUser), NSHomeDirectory(), u"/"_ns};
+}
+
+void NSSavePanel::accept(NSArray* paths) {
+    if (!_view || !paths || NSApplication::sharedApplication()->modalWindow() != this) return;
+    const auto held = Retained<NSSavePanel>::retaining(this);
+    const auto kept = NSArray::initWithArray(paths);
+    const auto delegate = Retained<Object>::retaining(this->delegate());
+    const SEL question = "panel:isValidFilename:"_sel;
+    if (delegate && delegate->respondsToSelector(question))
+        for (id path : kept)
+            if (!send<bool>(delegate.get(), question, this, path)) return;
+    if (!_view) return;
+    _paths = kept;
+    NSUserDefaults::standardUserDefaults()->setObject_forKey(_view->folder(), PelvorPanelFolder);
+    NSApplication::sharedApplication()->stopModalWithCode(NSOKButton);
 }
 
 NSInteger NSSavePanel::runModalForDirectory_file(NSString* directory, NSString* name) {
@@ -88,9 +145,24 @@ NSInteger NSSavePanel::runModalForDirectory_file(NSString* directory, NSString* 
     return runModal();
 }
 
-void NSSavePanel::ok(id) {}
-void NSSavePanel::cancel(id) {}
-void NSSavePanel::becomeKeyWindow() { NSPanel::becomeKeyWindow(); }
+void NSSavePanel::ok(id) {
+    if (const auto view = _view) view->accept();
+}
+
+void NSSavePanel::cancel(id) {
+    NSApplication* application = _view ? NSApp() : nullptr;
+    if (application && application->modalWindow() == this) application->stopModalWithCode(NSCancelButton);
+}
+
+bool NSSavePanel::windowShouldClose(id) {
+    cancel(nullptr);
+    return false;
+}
+
+void NSSavePanel::becomeKeyWindow() {
+    NSPanel::becomeKeyWindow();
+    if (const auto view = _view) view->readAgainIfChanged();
+}
 
 // MARK: Properties
 
@@ -98,25 +170,82 @@ NSString* NSSavePanel::filename() {
     return _paths && _paths->count() ? static_cast<NSString*>(_paths->objectAtIndex(0)) : nullptr;
 }
 
-NSString* NSSavePanel::directory() { return _directory; }
-void NSSavePanel::setDirectory(NSString* path) { _directory = copied(path); }
-NSString* NSSavePanel::nameFieldStringValue() { return _name ? _name.get() : u""_ns; }
-void NSSavePanel::setNameFieldStringValue(NSString* name) { _name = copied(name); }
-NSString* NSSavePanel::prompt() {
-    return _prompt ? _prompt.get() : localized(isSaving() ? u"_Save"_ns : u"_Open"_ns);
+NSString* NSSavePanel::directory() { return _view ? _view->folder() : _directory.get(); }
+
+void NSSavePanel::setDirectory(NSString* path) {
+    const auto view = _view;
+    if (!view) {
+        _directory = copied(path);
+        return;
+    }
+    for (NSString* each : {path, foldersToBeginWith()[1]})
+        if (each && view->showFolder(each, false)) return;
 }
-void NSSavePanel::setPrompt(NSString* prompt) { _prompt = copied(prompt); }
+
+NSString* NSSavePanel::nameFieldStringValue() {
+    return _view && isSaving() ? _view->name() : _name ? _name.get() : u""_ns;
+}
+
+void NSSavePanel::setNameFieldStringValue(NSString* name) {
+    _name = copied(name);
+    if (const auto view = _view; view && isSaving()) view->setName(_name ? _name.get() : u""_ns);
+}
+
+NSString* NSSavePanel::prompt() {
+    return _prompt ? _prompt.get() : panelText(isSaving() ? u"_Save"_ns : u"_Open"_ns);
+}
 NSString* NSSavePanel::message() { return _message ? _message.get() : u""_ns; }
-void NSSavePanel::setMessage(NSString* message) { _message = copied(message); }
-NSString* NSSavePanel::nameFieldLabel() { return _nameLabel ? _nameLabel.get() : localized(u"_Save as:"_ns); }
-void NSSavePanel::setNameFieldLabel(NSString* label) { _nameLabel = copied(label); }
+NSString* NSSavePanel::nameFieldLabel() { return _nameLabel ? _nameLabel.get() : panelText(u"_Save as:"_ns); }
+
+void NSSavePanel::refresh() {
+    if (const auto view = _view) view->refresh();
+}
+
+void NSSavePanel::setPrompt(NSString* prompt) {
+    _prompt = copied(prompt);
+    refresh();
+}
+
+void NSSavePanel::setMessage(NSString* message) {
+    _message = copied(message);
+    refresh();
+}
+
+void NSSavePanel::setNameFieldLabel(NSString* label) {
+    _nameLabel = copied(label);
+    refresh();
+}
 
 void NSSavePanel::setTitle(NSString* title) {
-    NSPanel::setTitle(title ? title : localized(isSaving() ? u"_Save"_ns : u"_Open"_ns));
+    NSPanel::setTitle(title ? title : panelText(isSaving() ? u"_Save"_ns : u"_Open"_ns));
+}
+
+// MARK: Types
+
+bool NSSavePanel::allowsName(NSString* name) {
+    if (!_types || !name) return true;
+    NSString* extension = name->pathExtension();
+    for (id type : _types.get())
+        if (cast<NSString>(type) && equalIgnoringCase(extension, static_cast<NSString*>(type))) return true;
+    return isSaving() && _allowsOtherTypes;
+}
+
+NSString* NSSavePanel::completedName(NSString* name) {
+    NSString* type = requiredFileType();
+    if (!name || !type) return name ? name : u""_ns;
+    const bool isOther = _allowsOtherTypes && name->pathExtension()->length() == 0;
+    return allowsName(name) && !isOther ? name : NSString::stringWithFormat(u"%@.%@"_ns, name, type);
 }
 
 void NSSavePanel::setAllowedFileTypes(NSArray* types) {
+    const auto view = _view;
+    const bool replaces = view && isSaving() && _types && allowsName(view->name());
     _types = types && types->count() ? NSArray::initWithArray(types) : nullptr;
+    if (!view) return;
+    NSString* name = view->name();
+    if (replaces && !allowsName(name) && name->pathExtension()->length() > 0)
+        view->setName(completedName(name->stringByDeletingPathExtension()));
+    view->readAgain();
 }
 
 NSString* NSSavePanel::requiredFileType() {
@@ -127,9 +256,24 @@ void NSSavePanel::setRequiredFileType(NSString* type) {
     setAllowedFileTypes(type ? NSArray::of({type}) : nullptr);
 }
 
-void NSSavePanel::setCanCreateDirectories(bool can) { _canCreateDirectories = can; }
-void NSSavePanel::setShowsHiddenFiles(bool shows) { _showsHiddenFiles = shows; }
-void NSSavePanel::validateVisibleColumns() {}
-void NSSavePanel::setAccessoryView(NSView* view) { _accessoryView.set(view); }
+// MARK: What is shown
+
+void NSSavePanel::setCanCreateDirectories(bool can) {
+    _canCreateDirectories = can;
+    refresh();
+}
+
+void NSSavePanel::setShowsHiddenFiles(bool shows) {
+    if (std::exchange(_showsHiddenFiles, shows) != shows) validateVisibleColumns();
+}
+
+void NSSavePanel::validateVisibleColumns() {
+    if (const auto view = _view) view->readAgain();
+}
+
+void NSSavePanel::setAccessoryView(NSView* view) {
+    _accessoryView.set(view);
+    refresh();
+}
 
 }  // namespace pelvor

@@ -2,10 +2,13 @@
 // NSSavePanel: asks the user where to save a file, and under which name.
 #pragma once
 
+#include <vector>
+
 #include "Interface/NSPanel.h"
 
 namespace pelvor {
 
+class FilePanelView;
 class NSArray;
 
 /// What `runModal` of the two panels for files returns.
@@ -70,6 +73,8 @@ class PELVOR_EXPORT NSSavePanel : public NSPanel {
     /// What the two buttons do. They do nothing while the panel does not run.
     void ok(id sender);
     void cancel(id sender);
+    /// Cancels in the place of closing.
+    bool windowShouldClose(id sender);
 
     /// The path that the user chose in the last run; null unless that returned NSOKButton.
     NSString* filename();
@@ -133,6 +138,12 @@ class PELVOR_EXPORT NSSavePanel : public NSPanel {
     virtual bool choosesFiles() { return true; }
     virtual bool choosesDirectories() { return false; }
     virtual bool choosesSeveral() { return false; }
+    /// Whether a file of that name has one of the allowed types.
+    bool allowsName(NSString* name);
+    /// The name with the extension that it is to have.
+    NSString* completedName(NSString* name);
+    /// Ends the run with these paths, unless the delegate finds one of them not valid.
+    void accept(NSArray* paths);
 
   protected:
     NSSavePanel();
@@ -142,6 +153,11 @@ class PELVOR_EXPORT NSSavePanel : public NSPanel {
     NSArray* chosenPaths() { return _paths; }
 
   private:
+    void endRun();
+    std::vector<NSString*> foldersToBeginWith();
+    void refresh();
+
+    Retained<FilePanelView> _view;  // while the panel runs
     Retained<NSArray> _types, _paths;
     Retained<NSString> _directory, _name, _prompt, _message, _nameLabel;
     Retained<NSView> _accessoryView;

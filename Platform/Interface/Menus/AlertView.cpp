@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Foundation/LibraryTexts.h"
 #include "Interface/Drawing/Theme.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/Menus/MenuLayout.h"
@@ -104,9 +105,10 @@ bool AlertView::performKeyEquivalent(NSEvent* event) {
     if (NSView::performKeyEquivalent(event)) return true;
     NSArray* buttons = _alert->buttons();
     NSString* key = event->charactersIgnoringModifiers();
-    if (buttons->count() != 1 || key->length() == 0 || key->characterAtIndex(0) != NSEscapeCharacter)
-        return false;
-    static_cast<NSButton*>(buttons->objectAtIndex(0))->performClick(this);
+    if (key->length() == 0 || key->characterAtIndex(0) != NSEscapeCharacter) return false;
+    auto* first = static_cast<NSButton*>(buttons->objectAtIndex(0));
+    if (buttons->count() != 1 && !first->title()->isEqual(localizedLibraryText(u"_Cancel"_ns))) return false;
+    first->performClick(this);
     return true;
 }
 

@@ -10,7 +10,8 @@ class NSAlert;
 class NSWindow;
 
 /// Shows an alert's texts and picture, with the buttons below, from the language's leading edge; the first
-/// button stands at the trailing edge. Escape presses an only button.
+/// button stands at the trailing edge. Escape presses an only button, and a first
+/// one that cancels.
 class AlertView final : public NSView, NSView::HiddenCreators {
     PELVOR_CLASS(AlertView, NSView);
     PELVOR_CREATORS();
