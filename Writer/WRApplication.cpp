@@ -213,7 +213,9 @@ void WRApplication::runDesktop() try {
                                         pageOptions(_document, _arguments, registry()));
     markMoment("shown");
     if (problem) return complain(problem);
+    if (!_plugInFolder) watchPlugIns();
     send(_desktop.get(), "run"_sel);
+    endWatchingPlugIns();
 } catch (...) {
     complainOfException();
 }
@@ -375,8 +377,7 @@ void WRApplication::runMainLoop() {
     }
     _loop->end();
     if (_sentry) _sentry->invalidate();
-    if (_plugInTimer) _plugInTimer->invalidate();
-    _plugInFolder = nullptr;
+    endWatchingPlugIns();
     _counter->invalidate();
 }
 
@@ -392,6 +393,10 @@ void WRApplication::count() {
 // The document is watched before it is read, so that no change falls in between.
 void WRApplication::watchFiles() {
     _sentry = WRFileSentry::initWithPath_target_selector(_path, this, "documentFileDidChange"_sel);
+    watchPlugIns();
+}
+
+void WRApplication::watchPlugIns() {
     NSString* folder = NSBundle::mainBundle()->builtInPlugInsPath();
     if (!folder) return;
     _plugInTimer = PBDelayedActionTimer::initWithTimeInterval_fromFirst_target_selector(
@@ -399,6 +404,11 @@ void WRApplication::watchFiles() {
     _plugInFolder = ZWFNSubscribeFileWatcher::init();
     _plugInFolder->setDelegate(this);
     _plugInFolder->addPath(folder);
+}
+
+void WRApplication::endWatchingPlugIns() {
+    if (_plugInTimer) _plugInTimer->invalidate();
+    _plugInFolder = nullptr;
 }
 
 // What this program has changed is not lost by what another has saved.

@@ -77,6 +77,8 @@ class WRApplication : public NSObject {
     void examineDocument();
     void runMainLoop();
     void watchFiles();
+    void watchPlugIns();
+    void endWatchingPlugIns();
     void count();
     WRDocument* readDocument();
     void performSoon(SEL selector, NSString* argument);

@@ -7,6 +7,8 @@
 #include "Foundation/NSArray.h"
 #include "Interface/KeyEquivalents.h"
 #include "Interface/NSEvent.h"
+#include "Interface/NSMenuItem.h"
+#include "Menus/NSMenuItem-PelvorAdditions.h"
 #include "Writer/Shortcuts/ShortcutsLibrary.h"
 
 namespace pelvor {
@@ -15,6 +17,7 @@ PELVOR_DEFINE_CLASS(WRShortcut, shortcutsLibrary) {
     methods.classLevel<"shortcutWithText:", &WRShortcut::shortcutWithText>();
     methods.classLevel<"shortcutWithKeyEquivalent:modifierMask:",
                        &WRShortcut::shortcutWithKeyEquivalent_modifierMask>();
+    methods.classLevel<"shortcutOfItem:", &WRShortcut::shortcutOfItem>();
     methods.instance<"isMultikey", &WRShortcut::isMultikey>();
     methods.instance<"isFunctionKey", &WRShortcut::isFunctionKey>();
     methods.instance<"keyString", &WRShortcut::keyString>();
@@ -124,6 +127,13 @@ bool WRShortcut::begins(const WRShortcut* other) const {
 }
 
 // MARK: What menu items ask
+
+WRShortcut* WRShortcut::shortcutOfItem(NSMenuItem* item) {
+    if (!item) return nullptr;
+    id shown = nullptr;
+    if (_getMultikeyShortcut_andOriginalTitle(item, &shown, nullptr)) return cast<WRShortcut>(shown);
+    return shortcutWithKeyEquivalent_modifierMask(item->keyEquivalent(), item->keyEquivalentModifierMask());
+}
 
 bool WRShortcut::isFunctionKey() {
     return _keys.front().character >= NSUpArrowFunctionKey && _keys.front().character <= 0xF8FF;

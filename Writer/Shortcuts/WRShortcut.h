@@ -9,6 +9,7 @@
 namespace pelvor {
 
 class NSEvent;
+class NSMenuItem;
 
 /// One key with its modifiers, or several that are pressed one after the other:
 ///
@@ -27,6 +28,9 @@ class WRShortcut final : public NSObject {
     static WRShortcut* shortcutWithText(NSString* text);
     /// The one key of a menu item; null if the equivalent is null or empty.
     static WRShortcut* shortcutWithKeyEquivalent_modifierMask(NSString* equivalent, NSUInteger mask);
+
+    /// What chooses the menu item, of one key or of several; null if no keys do. Borrowed.
+    static WRShortcut* shortcutOfItem(NSMenuItem* item);
 
     // What menu items ask.
 

@@ -8,8 +8,9 @@
 #include "Foundation/NSTimer.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSEvent.h"
+#include "Interface/NSMenu.h"
+#include "Interface/NSMenuItem.h"
 #include "Interface/NSWindow.h"
-#include "Menus/NSMenuItem-PelvorAdditions.h"
 #include "Writer/LocalizedText.h"
 #include "Writer/Shortcuts/ShortcutsLibrary.h"
 #include "Writer/Shortcuts/WRShortcutLabel.h"
@@ -40,13 +41,9 @@ void collect(NSMenu* menu, bool takesSingleKeys, std::vector<Candidate>& found) 
             collect(item->submenu(), takesSingleKeys, found);
             continue;
         }
-        id shown = nullptr;
-        _getMultikeyShortcut_andOriginalTitle(item, &shown, nullptr);
-        auto* shortcut = cast<WRShortcut>(shown);
-        if (takesSingleKeys && item->keyEquivalent()->length() > 0)
-            shortcut = WRShortcut::shortcutWithKeyEquivalent_modifierMask(item->keyEquivalent(),
-                                                                          item->keyEquivalentModifierMask());
-        if (shortcut && !item->isHidden()) found.push_back({item, Retained<WRShortcut>::retaining(shortcut)});
+        WRShortcut* shortcut = WRShortcut::shortcutOfItem(item);
+        if (shortcut && (takesSingleKeys || shortcut->isMultikey()) && !item->isHidden())
+            found.push_back({item, Retained<WRShortcut>::retaining(shortcut)});
     }
 }
 

@@ -22,6 +22,7 @@
 #include "Writer/WRDocument.h"
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRProfilesPanel.h"
+#include "Writer/Windows/WRShortcutsPanel.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -36,6 +37,7 @@ const ActionShortcut kShortcuts[] = {
     {"showNextPage:"_sel, u"Ctrl+K N"_ns},
     {"showPreviousPage:"_sel, u"Ctrl+K P"_ns},
     {"orderFrontProfiles:"_sel, u"Ctrl+K L"_ns},
+    {"orderFrontShortcuts:"_sel, u"Ctrl+K K"_ns},
 };
 
 NSMenuItem* itemWithActionIn(NSMenu* menu, SEL action) {
@@ -60,6 +62,7 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
     methods.instance<"windowDidClose:", &WRDesktop::windowDidClose>();
     methods.instance<"orderFrontAbout:", &WRDesktop::orderFrontAbout>();
     methods.instance<"orderFrontProfiles:", &WRDesktop::orderFrontProfiles>();
+    methods.instance<"orderFrontShortcuts:", &WRDesktop::orderFrontShortcuts>();
     methods.instance<"applicationDidLoseDisplay:", &WRDesktop::applicationDidLoseDisplay>();
     methods.instance<"applicationShouldTerminateAfterLastWindowClosed:",
                      &WRDesktop::applicationShouldTerminateAfterLastWindowClosed>();
@@ -135,6 +138,12 @@ void WRDesktop::fillServicesMenu() {
 void WRDesktop::orderFrontProfiles(id) {
     if (!_profilesPanel) _profilesPanel = WRProfilesPanel::init();
     _profilesPanel->showBeside(NSApplication::sharedApplication()->mainWindow());
+}
+
+void WRDesktop::orderFrontShortcuts(id) {
+    if (!_shortcutsPanel) _shortcutsPanel = WRShortcutsPanel::init();
+    _shortcutsPanel->takeMenu(_mainMenu);
+    _shortcutsPanel->showBeside(NSApplication::sharedApplication()->mainWindow());
 }
 
 void WRDesktop::orderFrontAbout(id) {

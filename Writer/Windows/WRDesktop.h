@@ -13,6 +13,7 @@ class NSNotification;
 class WRDocument;
 class WRDocumentWindow;
 class WRProfilesPanel;
+class WRShortcutsPanel;
 
 /// Writer with windows. It is the delegate of the application object. Main thread.
 class WRDesktop : public NSObject {
@@ -38,6 +39,7 @@ class WRDesktop : public NSObject {
     void windowDidClose(WRDocumentWindow* window);
     void orderFrontAbout(id sender);
     void orderFrontProfiles(id sender);
+    void orderFrontShortcuts(id sender);
     /// Nobody sees the windows any more: ends `run`.
     void applicationDidLoseDisplay(NSNotification* notification);
     bool applicationShouldTerminateAfterLastWindowClosed(id application) { return application != nullptr; }
@@ -55,6 +57,7 @@ class WRDesktop : public NSObject {
     Retained<NSMenu> _servicesMenu;
     Retained<NSArray> _nibObjects;
     Retained<WRProfilesPanel> _profilesPanel;
+    Retained<WRShortcutsPanel> _shortcutsPanel;
 };
 
 }  // namespace pelvor

@@ -29,6 +29,7 @@
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRZoomView.h"
+#include "Writer/Windows/WindowFrames.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -148,7 +149,18 @@ void WRDocumentWindow::makeWindow() {
     placeDidChange(nullptr);
 }
 
-void WRDocumentWindow::show() { _window->makeKeyAndOrderFront(nullptr); }
+void WRDocumentWindow::show() {
+    if (!_window->isVisible()) placeWindow();
+    _window->makeKeyAndOrderFront(nullptr);
+}
+
+// Where the document's window stood last, or else below and beside the window that is in front.
+void WRDocumentWindow::placeWindow() {
+    if (const NSRect noted = notedWindowFrame(_document->path()); !NSIsEmptyRect(noted))
+        return _window->setFrameFromString(NSStringFromRect(noted));
+    NSWindow* front = NSApplication::sharedApplication()->mainWindow();
+    if (front && front != _window) _window->setFrameTopLeftPoint(front->cascadeTopLeftFromPoint(NSZeroPoint));
+}
 
 // MARK: Editing
 
@@ -158,6 +170,7 @@ NSUndoManager* WRDocumentWindow::undoManagerForTextView(id) { return _undoManage
 
 void WRDocumentWindow::windowWillClose(NSNotification*) {
     auto self = Retained<WRDocumentWindow>::retaining(this);
+    noteWindowFrame(_document->path(), _window->frame());
     NSNotificationCenter::defaultCenter()->removeObserver(this);
     _window->setNextResponder(nullptr);
     if (auto* desktop = cast<WRDesktop>(NSApplication::sharedApplication()->delegate()))

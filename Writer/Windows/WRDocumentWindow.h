@@ -62,6 +62,7 @@ class WRDocumentWindow : public NSResponder {
 
   private:
     void makeWindow();
+    void placeWindow();
     void showPage(NSUInteger page);
     void setZoom(double zoom);
 

@@ -8,14 +8,17 @@
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRProfilesPanel.h"
+#include "Writer/Windows/WRShortcutsPanel.h"
+#include "Writer/Windows/WRTablePanel.h"
 #include "Writer/Windows/WRZoomView.h"
 
 namespace pelvor {
 namespace {
 
 constexpr Library* kDependencies[] = {&pagesLibrary, &recoveryLibrary, &shortcutsLibrary};
-constexpr Class* kClasses[] = {&WRDesktop::classRecord, &WRDocumentWindow::classRecord,
-                               &WRPageView::classRecord, &WRProfilesPanel::classRecord,
+constexpr Class* kClasses[] = {&WRDesktop::classRecord,        &WRDocumentWindow::classRecord,
+                               &WRPageView::classRecord,       &WRProfilesPanel::classRecord,
+                               &WRShortcutsPanel::classRecord, &WRTablePanel::classRecord,
                                &WRZoomView::classRecord};
 
 }  // namespace

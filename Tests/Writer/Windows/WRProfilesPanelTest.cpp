@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WRProfilesPanel.h"
 
+#include "Interface/NSMenu.h"
 #include "Interface/NSScrollView.h"
+#include "Interface/NSTableColumn.h"
 #include "Interface/NSTableView.h"
 #include "InterfaceScope.h"
+#include "Menus/NSMenuItem-PelvorAdditions.h"
 #include "PBPostLoader.h"
+#include "Writer/Shortcuts/WRShortcut.h"
+#include "Writer/Windows/WRShortcutsPanel.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace {
@@ -26,6 +31,26 @@ TEST(ProfilesPanelTest, ComesUpBesideAWindowAndFillsItsWidth) {
     }
     auto* table = cast<NSTableView>(static_cast<id>(panel->window()->initialFirstResponder()));
     EXPECT_EQ(NSMaxX(table->rectOfColumn(2)), table->enclosingScrollView()->contentSize().width);
+}
+
+TEST(ShortcutsPanelTest, ListsWhatKeysChoose) {
+    InterfaceScope screen;
+    auto menu = NSMenu::initWithTitle(u"Main"_ns), edit = NSMenu::initWithTitle(u"Edit"_ns);
+    menu->addItemWithTitle_action_keyEquivalent(u"Edit"_ns, SEL(), u""_ns)->setSubmenu(edit);
+    edit->addItemWithTitle_action_keyEquivalent(u"Copy"_ns, "copy:"_sel, u"c"_ns);
+    edit->addItemWithTitle_action_keyEquivalent(u"Delete"_ns, "delete:"_sel, u""_ns);
+    setPelvorShortcut(edit->addItemWithTitle_action_keyEquivalent(u"Look"_ns, "look:"_sel, u""_ns),
+                      WRShortcut::shortcutWithText(u"Ctrl+K L"_ns));
+    auto panel = WRShortcutsPanel::init();
+    panel->takeMenu(menu);
+    auto* table = cast<NSTableView>(static_cast<id>(panel->window()->initialFirstResponder()));
+    std::string rows;
+    for (int row = 0; row < panel->numberOfRowsInTableView(table); ++row)
+        for (id column : table->tableColumns())
+            rows += shown(panel->tableView_objectValueForTableColumn_row(
+                        table, static_cast<NSTableColumn*>(column), row)) +
+                    "|";
+    EXPECT_EQ(rows, "Copy|Ctrl+C|Edit|Look|Ctrl+K L|Edit|");
 }
 
 }  // namespace

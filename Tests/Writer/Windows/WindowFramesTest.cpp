@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/Windows/WindowFrames.h"
+
+#include "Foundation/NSUserDefaults.h"
+#include "InterfaceScope.h"
+
+namespace {
+
+TEST(WindowFrames, ComeBackWhereTheyCanBeSeen) {
+    InterfaceScope screen;
+    NSUserDefaults::setStandardUserDefaults(NSUserDefaults::initVolatile().get());
+    const NSRect room = NSScreen::mainScreen()->visibleFrame();
+    for (const auto& [situation, noted, expected] : {
+             std::tuple{"somewhere", NSRect{{100, 100}, {400, 300}}, NSRect{{100, 100}, {400, 300}}},
+             {"partly outside", {{-200, 100}, {400, 300}}, {{0, 100}, {400, 300}}},
+             {"near an edge", {{5, 100}, {400, 300}}, {{0, 100}, {400, 300}}},
+             {"on a screen that is gone",
+              {{9000, 100}, {400, 300}},
+              {{NSMidX(room) - 200, NSMaxY(room) - 300}, {400, 300}}},
+         }) {
+        noteWindowFrame(u"/letter.rtf"_ns, noted);
+        EXPECT_EQ(notedWindowFrame(u"/letter.rtf"_ns), expected) << situation;
+    }
+    for (unsigned i = 0; i < 100; ++i)
+        noteWindowFrame(NSString::stringWithFormat(u"/%u"_ns, i), {{100, 100}, {400, 300}});
+    EXPECT_TRUE(NSIsEmptyRect(notedWindowFrame(u"/letter.rtf"_ns)));
+    EXPECT_FALSE(NSIsEmptyRect(notedWindowFrame(u"/0"_ns)));
+    EXPECT_TRUE(NSIsEmptyRect(notedWindowFrame(nullptr)));
+    NSUserDefaults::setStandardUserDefaults(nullptr);
+}
+
+}  // namespace

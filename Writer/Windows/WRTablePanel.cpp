@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/Windows/WRTablePanel.h"
+
+#include <algorithm>
+
+#include "Foundation/NSArray.h"
+#include "Interface/NSCell.h"
+#include "Interface/NSPanel.h"
+#include "Interface/NSScreen.h"
+#include "Interface/NSScrollView.h"
+#include "Interface/NSTableColumn.h"
+#include "PBAutoscrollingTableView.h"
+#include "Writer/Windows/WindowsLibrary.h"
+
+namespace pelvor {
+namespace {
+
+constexpr float kDistance = 8;  // between the window and the one beside it
+constexpr NSSize kSize{520, 360};
+
+// At the right of the other frame, or else at its left; at the right edge of the screen if neither has room.
+NSPoint originBeside(NSRect other, NSSize size, NSRect screen) {
+    const float left = NSMinX(other) - kDistance - size.width;
+    float x = NSMaxX(other) + kDistance;
+    if (x + size.width > NSMaxX(screen) && left >= NSMinX(screen)) x = left;
+    const auto inside = [](float start, float length, float low, float high) {
+        return std::max(std::min(start, high - length), low);
+    };
+    return {inside(x, size.width, NSMinX(screen), NSMaxX(screen)),
+            inside(NSMaxY(other) - size.height, size.height, NSMinY(screen), NSMaxY(screen))};
+}
+
+}  // namespace
+
+PELVOR_DEFINE_CLASS(WRTablePanel, windowsLibrary) {
+    methods.instance<"showBeside:", &WRTablePanel::showBeside>();
+    methods.instance<"window", &WRTablePanel::window>();
+    methods.instance<"reload", &WRTablePanel::reload>();
+    methods.instance<"numberOfRowsInTableView:", &WRTablePanel::numberOfRowsInTableView>();
+    methods.instance<"tableView:objectValueForTableColumn:row:",
+                     &WRTablePanel::tableView_objectValueForTableColumn_row>();
+}
+
+WRTablePanel::WRTablePanel() = default;
+WRTablePanel::~WRTablePanel() = default;
+
+void WRTablePanel::makeWindow(NSString* title, std::span<const Column> columns) {
+    _window = NSPanel::initWithContentRect_styleMask_backing_defer(
+        {{0, 0}, kSize}, NSTitledWindowMask | NSClosableWindowMask | NSResizableWindowMask,
+        NSBackingStoreBuffered, true);
+    _window->setTitle(title);
+    _table = PBAutoscrollingTableView::initWithFrame({{0, 0}, kSize});
+    for (const Column& each : columns) {
+        auto column = NSTableColumn::initWithIdentifier(each.title);
+        column->headerCell()->setStringValue(each.title);
+        column->setWidth(each.width);
+        column->setEditable(false);
+        _table->addTableColumn(column);
+    }
+    _table->setUsesAlternatingRowBackgroundColors(true);
+    _table->setDataSource(this);
+    _table->setDelegate(this);
+    auto scrollView = NSScrollView::initWithFrame({{0, 0}, kSize});
+    scrollView->setAutoresizingMask(NSViewWidthSizable | NSViewHeightSizable);
+    scrollView->setHasVerticalScroller(true);
+    scrollView->setAutohidesScrollers(true);
+    scrollView->setDocumentView(_table);
+    _window->contentView()->addSubview(scrollView);
+    _table->sizeLastColumnToFit();
+    _window->setInitialFirstResponder(_table);
+}
+
+void WRTablePanel::showBeside(NSWindow* other) {
+    NSScreen* screen = other ? other->screen() : NSScreen::mainScreen();
+    if (!_window->isVisible() && screen)
+        _window->setFrameOrigin(originBeside(other ? other->frame() : screen->visibleFrame(),
+                                             _window->frame().size, screen->visibleFrame()));
+    _window->makeKeyAndOrderFront(nullptr);
+}
+
+void WRTablePanel::reload() { _table->reloadData(); }
+
+int WRTablePanel::numberOfRowsInTableView(NSTableView*) { return static_cast<int>(rowCount()); }
+
+id WRTablePanel::tableView_objectValueForTableColumn_row(NSTableView*, NSTableColumn* column, NSInteger row) {
+    const NSUInteger index = _table->tableColumns()->indexOfObjectIdenticalTo(column);
+    const auto place = static_cast<NSUInteger>(row);
+    return index == NSNotFound || place >= rowCount() ? nullptr : valueAt(place, index);
+}
+
+}  // namespace pelvor
