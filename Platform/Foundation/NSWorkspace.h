@@ -25,6 +25,10 @@ class PELVOR_EXPORT NSWorkspace : public NSObject {
     /// Returns the centre, borrowed; it exists as long as the process. A notification is posted on the thread
     /// that learns of the event, which need not be the main thread.
     NSNotificationCenter* notificationCenter() { return _centre; }
+    /// Opens the file or folder with the program that the user has chosen for its kind. Returns whether that
+    /// was begun: false if nothing has the path, or if the system has no `xdg-open`, which finds the program.
+    /// What becomes of it nobody waits for. Raises NSInvalidArgumentException for null.
+    bool openFile(NSString* path);
     /// Says that files at the path have changed. Nobody needs to be told on this system, where the kernel
     /// informs file managers, so that the operation does nothing.
     void noteFileSystemChanged(NSString* path);

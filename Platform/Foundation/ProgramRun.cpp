@@ -7,6 +7,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <thread>
 #include <vector>
 
 #include "Foundation/Files/SystemPath.h"
@@ -44,20 +45,23 @@ std::vector<std::string> environmentWith(NSString* searchPath) {
     return variables;
 }
 
-// How the program begins: without the host's signals, and with its output in the pipe.
+// How the program begins: without the host's signals; with its output in the pipe, or, without one, in a
+// session of its own.
 class Beginning {
   public:
-    explicit Beginning(int output) {
+    explicit Beginning(int output = -1) {
         ::posix_spawn_file_actions_init(&_files);
         ::posix_spawn_file_actions_addopen(&_files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        ::posix_spawn_file_actions_adddup2(&_files, output, STDOUT_FILENO);
+        if (output >= 0) ::posix_spawn_file_actions_adddup2(&_files, output, STDOUT_FILENO);
         ::posix_spawnattr_init(&_attributes);
         sigset_t none, all;
         sigemptyset(&none);
         sigfillset(&all);
         ::posix_spawnattr_setsigmask(&_attributes, &none);
         ::posix_spawnattr_setsigdefault(&_attributes, &all);
-        ::posix_spawnattr_setflags(&_attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        const int session = output < 0 ? POSIX_SPAWN_SETSID : 0;
+        ::posix_spawnattr_setflags(
+            &_attributes, static_cast<short>(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | session));
     }
     Beginning(const Beginning&) = delete;
     ~Beginning() {
@@ -66,6 +70,9 @@ class Beginning {
     }
     int run(pid_t& process, const std::string& program, const Words& arguments, const Words& environment) {
         return ::posix_spawn(&process, program.c_str(), &_files, &_attributes, arguments, environment);
+    }
+    int runNamed(pid_t& process, const std::string& name, const Words& arguments, const Words& environment) {
+        return ::posix_spawnp(&process, name.c_str(), &_files, &_attributes, arguments, environment);
     }
 
   private:
@@ -98,6 +105,18 @@ int runProgram(NSString* path, NSArray* arguments, std::string* output, NSString
     int status = 0;
     if (uninterrupted([&] { return ::waitpid(process, &status, 0); }) < 0) return -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+bool startProgram(NSString* name, NSArray* arguments) {
+    const std::string program = systemPath(name);
+    if (!isSystemPath(program)) return false;
+    pid_t process = 0;
+    const int reason = Beginning().runNamed(process, program, Words(argumentsOf(program, arguments)),
+                                            Words(environmentWith(nullptr)));
+    if (reason != 0) return errno = reason, false;
+    // Somebody has to take note of its end.
+    std::thread([process] { uninterrupted([&] { return ::waitpid(process, nullptr, 0); }); }).detach();
+    return true;
 }
 
 NSString* libraryProgramsFolder() {

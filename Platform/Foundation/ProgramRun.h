@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Running another program to its end.
+// Running other programs.
 #pragma once
 
 #include "Foundation/NSString.h"
@@ -15,6 +15,11 @@ class NSArray;
 /// the reason in `errno` if the program could not be run. Any thread.
 PELVOR_EXPORT int runProgram(NSString* path, NSArray* arguments, std::string* output = nullptr,
                              NSString* searchPath = nullptr);
+
+/// Starts the program of that name, which the folders of PATH are searched for, with the arguments, which are
+/// strings, and returns without waiting. The program reads nothing, writes where this one does, and goes on
+/// when this one ends. Returns false, with the reason in `errno`, if it could not be started. Any thread.
+PELVOR_EXPORT bool startProgram(NSString* name, NSArray* arguments);
 
 /// Returns the folder of the programs that belong to the library, which lies beside the library's code.
 /// Borrowed.
