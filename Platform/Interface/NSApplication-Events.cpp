@@ -147,8 +147,11 @@ void ApplicationState::handleSystem(NSEvent* event) {
             for (NSWindow* each : windows) each->state().painter.addAll();
             return notify(NSApplicationDidChangeScreenParametersNotification,
                           "applicationDidChangeScreenParameters:"_sel);
+        case SystemEvent::layoutsChanged:
+            return DisplayConnection::shared().tellLayoutChanges();
         case SystemEvent::displayLost:  // nobody can end what runs modally
             for (const auto& session : sessions) session->code = NSRunAbortedResponse;
+            DisplayConnection::shared().tellLayoutChanges();
             return notify(NSApplicationDidLoseDisplayNotification, "applicationDidLoseDisplay:"_sel);
         case SystemEvent::input:
             return NSInputManager::currentInputManager()->deliverReplies();

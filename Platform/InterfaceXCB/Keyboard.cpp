@@ -54,21 +54,6 @@ constexpr SymbolCharacter kFunctionKeys[] = {
     {XKB_KEY_KP_Enter, 0x03},     {XKB_KEY_Escape, 0x1B},
 };
 
-struct LayoutLanguage {
-    std::string_view layout;
-    std::string_view language;
-};
-/// Layouts that are not named after the language that they are for.
-constexpr LayoutLanguage kLanguages[] = {
-    {"al", "sq"},  {"am", "hy"},    {"at", "de"}, {"au", "en"}, {"ba", "bs"}, {"bd", "bn"}, {"bt", "dz"},
-    {"by", "be"},  {"ca", "fr"},    {"ch", "de"}, {"cn", "zh"}, {"cz", "cs"}, {"dk", "da"}, {"ee", "et"},
-    {"epo", "eo"}, {"gb", "en"},    {"ge", "ka"}, {"gr", "el"}, {"il", "he"}, {"in", "hi"}, {"iq", "ar"},
-    {"ir", "fa"},  {"jp", "ja"},    {"ke", "sw"}, {"kg", "ky"}, {"kh", "km"}, {"kr", "ko"}, {"kz", "kk"},
-    {"la", "lo"},  {"latam", "es"}, {"lk", "si"}, {"mm", "my"}, {"mv", "dv"}, {"np", "ne"}, {"nz", "en"},
-    {"pk", "ur"},  {"ara", "ar"},   {"rs", "sr"}, {"se", "sv"}, {"si", "sl"}, {"sy", "ar"}, {"tj", "tg"},
-    {"tm", "tk"},  {"tw", "zh"},    {"ua", "uk"}, {"us", "en"}, {"vn", "vi"}, {"za", "en"},
-};
-
 bool isKeypadSymbol(xkb_keysym_t symbol) { return symbol >= XKB_KEY_KP_Space && symbol <= XKB_KEY_KP_Equal; }
 
 std::vector<std::string> split(std::string_view text, char separator) {
@@ -106,15 +91,10 @@ std::vector<BackendLayout> layoutsOfRules(std::string_view rules) {
     for (const std::string& name : split(fields[2], ',')) {
         const std::size_t i = layouts.size();
         const std::string variant = i < variants.size() ? variants[i] : "";
-        const auto* found = std::ranges::find(kLanguages, std::string_view(name), &LayoutLanguage::layout);
         BackendLayout layout;
         layout.group = static_cast<std::uint32_t>(i);
         layout.name = variant.empty() ? name : name + "(" + variant + ")";
         layout.shortName = name;
-        layout.language = found != std::end(kLanguages) ? std::string(found->language)
-                          : name.size() == 2            ? name
-                                                        : "";
-        if (name == "ch" && variant.starts_with("fr")) layout.language = "fr";
         layouts.push_back(std::move(layout));
     }
     return layouts;
@@ -161,11 +141,13 @@ void XKeyboard::fetchKeymap() {
     const auto state =
         _connection.wait<xcb_xkb_get_state_reply_t>(xcb_xkb_get_state(_connection, XCB_XKB_ID_USE_CORE_KBD));
     if (state) _group = state->group;
+    if (!_toldGroup) _toldGroup = _group;
 }
 
 void XKeyboard::prepare() {
     if (!_isStale || _connection.isLost() || !startExtension()) return;
     _isStale = false;
+    _layouts.clear();
     fetchKeymap();
 }
 
@@ -250,17 +232,25 @@ BackendKey XKeyboard::key(const xcb_key_press_event_t& event) {
 
 std::vector<BackendLayout> XKeyboard::layouts() {
     prepare();
+    if (_connection.isLost() || !_keymap) return {};
+    if (_layouts.empty()) readLayouts();
+    for (BackendLayout& layout : _layouts) layout.isCurrent = layout.group == _group;
+    return _layouts;
+}
+
+void XKeyboard::readLayouts() {
     const XProperty rules = _connection.property(_connection.root(), _connection[Atom::_XKB_RULES_NAMES]);
-    std::vector<BackendLayout> layouts = layoutsOfRules(rules.bytes);
-    if (!_keymap) return layouts;
-    layouts.resize(xkb_keymap_num_layouts(_keymap.get()));
-    for (std::uint32_t group = 0; group < layouts.size(); ++group) {
-        layouts[group].group = group;
-        const char* name = xkb_keymap_layout_get_name(_keymap.get(), group);
-        layouts[group].displayName = name ? name : layouts[group].name;
-        layouts[group].isCurrent = group == _group;
+    _layouts = layoutsOfRules(rules.bytes);
+    _layouts.resize(xkb_keymap_num_layouts(_keymap.get()));
+    for (std::uint32_t group = 0; group < _layouts.size(); ++group) {
+        BackendLayout& layout = _layouts[group];
+        const char* shown = xkb_keymap_layout_get_name(_keymap.get(), group);
+        const BackendLayout* known = _registry.find(layout.name);
+        layout.group = group;
+        if (layout.name.empty()) layout.name = shown ? shown : "group " + std::to_string(group + 1);
+        layout.displayName = known ? known->displayName : shown ? shown : layout.name;
+        if (known) layout.language = known->language;
     }
-    return layouts;
 }
 
 bool XKeyboard::setLayout(std::uint32_t group) {
@@ -268,17 +258,29 @@ bool XKeyboard::setLayout(std::uint32_t group) {
     if (_connection.isLost() || !_keymap || group >= xkb_keymap_num_layouts(_keymap.get())) return false;
     xcb_xkb_latch_lock_state(_connection, XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, static_cast<std::uint8_t>(group),
                              0, 0, 0);
-    _connection.flush();
-    return true;
+    const auto state =
+        _connection.wait<xcb_xkb_get_state_reply_t>(xcb_xkb_get_state(_connection, XCB_XKB_ID_USE_CORE_KBD));
+    if (state) _group = state->group;
+    return state && state->group == group;
 }
 
 bool XKeyboard::handle(const XAnyEvent& event, bool& isChanged) {
     isChanged = false;
+    if (kindOf(event) == XCB_PROPERTY_NOTIFY) {
+        // The names of the layouts, which come behind a new keymap.
+        const auto& change = as<xcb_property_notify_event_t>(event);
+        if (change.window != _connection.root() || change.atom != _connection[Atom::_XKB_RULES_NAMES])
+            return false;
+        _layouts.clear();
+        isChanged = _firstEvent != 0;
+        return true;
+    }
     if (_firstEvent == 0 || kindOf(event) != _firstEvent) return false;
     const std::uint8_t kind = as<xcb_generic_event_t>(event).pad0;  // of the extension's own
     if (kind == XCB_XKB_STATE_NOTIFY) {
         const auto& state = as<xcb_xkb_state_notify_event_t>(event);
-        isChanged = std::exchange(_group, state.group) != state.group;
+        _group = state.group;
+        isChanged = std::exchange(_toldGroup, _group) != _group;
     } else if (kind == XCB_XKB_NEW_KEYBOARD_NOTIFY || kind == XCB_XKB_MAP_NOTIFY) {
         // Also told when another device types; several times for one change. The keymap is fetched once.
         isChanged = !std::exchange(_isStale, true);

@@ -3,9 +3,11 @@
 #pragma once
 
 #include <bitset>
+#include <optional>
 
 #include "Interface/Backend/Backend.h"
 #include "InterfaceXCB/Connection.h"
+#include "InterfaceXCB/LayoutRegistry.h"
 
 namespace pelvor {
 
@@ -31,6 +33,7 @@ class XKeyboard {
     void forgetKeysDown() { _keysDown.reset(); }
 
     std::vector<BackendLayout> layouts();
+    const std::vector<BackendLayout>& knownLayouts() { return _registry.all(); }
     bool setLayout(std::uint32_t group);
     /// Whether the event was about the keyboard; `isChanged` says whether the layouts or the current one are
     /// others.
@@ -42,6 +45,7 @@ class XKeyboard {
   private:
     bool startExtension();
     void fetchKeymap();
+    void readLayouts();
     xkb_keysym_t symbol(xkb_keycode_t code, std::uint32_t modifiers, std::uint32_t group);
     std::u16string shortcutCharacters(xkb_keycode_t code, std::uint32_t state, std::uint32_t group);
 
@@ -50,7 +54,10 @@ class XKeyboard {
     std::unique_ptr<xkb_keymap, XKeymapEnd> _keymap;
     std::unique_ptr<xkb_state, XKeymapEnd> _state;
     std::bitset<256> _keysDown;
+    XLayoutRegistry _registry;
+    std::vector<BackendLayout> _layouts;  ///< empty until somebody asks
     std::uint32_t _group = 0;
+    std::optional<std::uint32_t> _toldGroup;  ///< of the last notice, which `setLayout` is ahead of
     std::uint8_t _firstEvent = 0;
     bool _isStarted = false;
     bool _isStale = true;
@@ -60,7 +67,7 @@ class XKeyboard {
 std::u16string charactersOfSymbol(xkb_keysym_t symbol);
 bool isModifierSymbol(xkb_keysym_t symbol);
 /// The layouts as a server has them in its _XKB_RULES_NAMES: rules, model, layouts, variants and options with
-/// a zero byte behind each. The display names are not in there.
+/// a zero byte behind each. Display names and languages are not in there.
 std::vector<BackendLayout> layoutsOfRules(std::string_view rules);
 
 }  // namespace pelvor

@@ -142,6 +142,16 @@ bool XScreens::hasWindowManager() {
     return _manager != 0;
 }
 
+bool XScreens::areOfWayland() {
+    if (_areOfWayland || _connection.isLost()) return _areOfWayland.value_or(false);
+    constexpr std::string_view kExtension = "XWAYLAND";  // of new servers; old ones name their screens so
+    const auto extension = _connection.wait<xcb_query_extension_reply_t>(
+        xcb_query_extension(_connection, kExtension.size(), kExtension.data()));
+    const auto isOld = [&](const BackendScreen& screen) { return screen.name.starts_with(kExtension); };
+    _areOfWayland = (extension && extension->present) || std::ranges::any_of(list(), isOld);
+    return *_areOfWayland;
+}
+
 bool XScreens::collect() {
     if (!_question) return false;
     const std::vector<BackendScreen> before = _screens;

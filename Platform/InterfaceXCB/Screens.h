@@ -21,6 +21,8 @@ class XScreens {
     void ask();
     /// Whether the screens changed, as far as the server has replied.
     bool collect();
+    /// Whether the server shows its windows through Wayland.
+    bool areOfWayland();
     /// Whether the event was about the screens, and the server was asked again.
     bool handle(const XAnyEvent& event);
 
@@ -42,6 +44,7 @@ class XScreens {
     xcb_window_t _manager = 0;
     std::uint8_t _firstEvent = 0;
     bool _hasMonitors = false;
+    std::optional<bool> _areOfWayland;
 };
 
 /// Pixels for each unit of length, by the resolution that the user has set for texts; 1 if none is set.

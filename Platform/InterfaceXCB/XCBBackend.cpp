@@ -211,6 +211,16 @@ bool XCBBackend::beginDrag(BackendWindow id, std::function<void(bool isTaken)> d
     return window && _drags.begin(id, window->handle(), std::move(done));
 }
 
+// Under Wayland the user's layouts are the compositor's, and what this server is told changes nothing.
+
+std::vector<BackendLayout> XCBBackend::layouts() {
+    return _screens.areOfWayland() ? std::vector<BackendLayout>() : _keyboard.layouts();
+}
+
+bool XCBBackend::setLayout(std::uint32_t group) {
+    return !_screens.areOfWayland() && _keyboard.setLayout(group);
+}
+
 void XCBBackend::beep() {
     xcb_bell(*_connection, 0);
     _connection->flush();

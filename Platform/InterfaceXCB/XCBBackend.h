@@ -43,8 +43,9 @@ class XCBBackend final : public InterfaceBackend {
     void interpretKey(BackendWindow window, const BackendKey& key) override;
     void setTextInput(BackendWindow window, const PixelRect* caret) override;
     void resetComposing(BackendWindow window) override;
-    std::vector<BackendLayout> layouts() override { return _keyboard.layouts(); }
-    bool setLayout(std::uint32_t group) override { return _keyboard.setLayout(group); }
+    std::vector<BackendLayout> layouts() override;
+    const std::vector<BackendLayout>& knownLayouts() override { return _keyboard.knownLayouts(); }
+    bool setLayout(std::uint32_t group) override;
 
     bool offerSelection(BackendSelection selection, std::vector<std::string> types,
                         SelectionProvider provider) override;

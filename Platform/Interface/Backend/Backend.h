@@ -109,12 +109,12 @@ struct BackendDrag {
     std::vector<std::string> types;  ///< what the dragged content can be had as
 };
 
-/// A keyboard layout that the user can switch to.
+/// A keyboard layout.
 struct BackendLayout {
-    std::uint32_t group = 0;
+    std::uint32_t group = 0;  ///< what `setLayout` takes, of a layout that the user can switch to
     std::string name;         ///< "us", "de(nodeadkeys)"
-    std::string displayName;  ///< "German (no dead keys)"
-    std::string language;     ///< its first language as BCP 47 names it; may be empty
+    std::string displayName;  ///< "German (no dead keys)", in English
+    std::string language;     ///< its first language: "deu" or "de", "srp-Latn"; "" if that is not known
     std::string shortName;    ///< "de"
     bool isCurrent = false;
 };
@@ -274,8 +274,12 @@ class InterfaceBackend {
     virtual void setTextInput(BackendWindow window, const PixelRect* caret) = 0;
     /// Forgets half a compose sequence, such as when a shortcut takes the key.
     virtual void resetComposing(BackendWindow window) = 0;
+    /// Those that the user can switch to; none where programs cannot switch. `layoutChanged` tells of changes
+    /// from the first call on, perhaps also of some that changed nothing.
     virtual std::vector<BackendLayout> layouts() = 0;
-    /// Returns false where that is not possible.
+    /// All layouts that the system has, whether or not the user can switch to them.
+    virtual const std::vector<BackendLayout>& knownLayouts() = 0;
+    /// Switches; `layouts` says so at once. Returns false where that is not possible.
     virtual bool setLayout(std::uint32_t group) = 0;
 
     // Selections: what is copied, selected or dragged, here or by other programs. Types are names such as

@@ -7,12 +7,14 @@
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSLog.h"
+#include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSTimer.h"
 #include "Foundation/RunLoop/Deadline.h"
 #include "Interface/Backend/BackendLoader.h"
 #include "Interface/Events/ApplicationState.h"
 #include "Interface/Input/InputReply.h"
 #include "Interface/InterfaceLibrary.h"
+#include "Interface/KeyboardLayouts.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSInputManager.h"
 #include "Interface/NSWindow.h"
@@ -93,6 +95,39 @@ void DisplayConnection::open(const Opener& opener) {
 }
 
 void DisplayConnection::close() { sharedConnection().reset(); }
+
+// MARK: Keyboard layouts
+
+std::vector<BackendLayout> DisplayConnection::layouts() {
+    std::vector<BackendLayout> layouts;
+    for (BackendLayout& layout : _backend->layouts()) {
+        const auto same = std::ranges::find(layouts, layout.name, &BackendLayout::name);
+        if (same == layouts.end())
+            layouts.push_back(std::move(layout));
+        else if (layout.isCurrent)
+            *same = std::move(layout);
+    }
+    if (!_toldLayouts) _toldLayouts = layouts;
+    return layouts;
+}
+
+void DisplayConnection::tellLayoutChanges() {
+    if (!_toldLayouts) return;  // nobody knows of any
+    const auto former = std::exchange(_toldLayouts, std::nullopt);
+    const auto now = layouts();
+    const auto isCurrent = [](const BackendLayout& layout) { return layout.isCurrent; };
+    const auto current = [&](const std::vector<BackendLayout>& list) {
+        const auto found = std::ranges::find_if(list, isCurrent);
+        return found == list.end() ? std::string() : found->name;
+    };
+    const bool isOtherList =
+        !std::ranges::equal(*former, now, {}, &BackendLayout::name, &BackendLayout::name);
+    const bool isOtherCurrent = current(*former) != current(now);
+    NSNotificationCenter* centre = NSNotificationCenter::defaultCenter();
+    if (isOtherList) centre->postNotificationName_object(NSKeyboardLayoutsDidChangeNotification, nullptr);
+    if (isOtherCurrent)
+        centre->postNotificationName_object(NSCurrentKeyboardLayoutDidChangeNotification, nullptr);
+}
 
 // MARK: Points and pixels
 
@@ -279,9 +314,7 @@ void DisplayConnection::trackingLost() {
     if (whenTrackingIsLost) whenTrackingIsLost();
 }
 
-void DisplayConnection::layoutChanged() {
-    if (whenLayoutChanges) whenLayoutChanges();
-}
+void DisplayConnection::layoutChanged() { postSystem(SystemEvent::layoutsChanged, nullptr); }
 
 void DisplayConnection::screensChanged() {
     _screens = _backend->screens();

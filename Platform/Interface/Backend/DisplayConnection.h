@@ -3,6 +3,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 
 #include "Foundation/NSGeometry.h"
 #include "Foundation/NSRunLoop.h"
@@ -20,6 +21,7 @@ enum class SystemEvent : std::int16_t {
     configured,
     focus,
     screensChanged,
+    layoutsChanged,
     displayLost,
     input,  ///< the input manager has replies of the back end
 };
@@ -52,6 +54,11 @@ class PELVOR_EXPORT DisplayConnection final : public BackendSink {
     PixelRect pixelsOnScreen(NSRect rect);
     const std::vector<BackendScreen>& screens();
 
+    /// The keyboard layouts that the user can switch to, each once.
+    std::vector<BackendLayout> layouts();
+    /// Posts what has changed about them since somebody was told, or first asked.
+    void tellLayoutChanges();
+
     // Windows that the back end has made
 
     void add(BackendWindow number, NSWindow* window) { _windows[number] = window; }
@@ -71,7 +78,6 @@ class PELVOR_EXPORT DisplayConnection final : public BackendSink {
     // What parts of the library want to hear at once; they must not call code of the program there.
 
     std::function<void()> whenTrackingIsLost;
-    std::function<void()> whenLayoutChanges;
     std::function<void(BackendSelection)> whenSelectionIsLost;
     std::function<bool(NSWindow*, const BackendDrag&)> whenDragged;
 
@@ -104,6 +110,7 @@ class PELVOR_EXPORT DisplayConnection final : public BackendSink {
 
     std::map<BackendWindow, Unretained<NSWindow>> _windows;
     std::vector<BackendScreen> _screens;
+    std::optional<std::vector<BackendLayout>> _toldLayouts;
     EventMaker _maker;
     Retained<Object> _watcher;
     Retained<Object> _timeout;

@@ -22,7 +22,6 @@ HeadlessBackend::HeadlessBackend(BackendSink& sink) : _sink(sink) {
     screen.frame = screen.visibleFrame = {0, 0, 1280, 1024};
     screen.isMain = true;
     _screens = {screen};
-    _layouts = {{0, "us", "English (US)", "en", "us", true}};
 }
 
 HeadlessBackend::~HeadlessBackend() = default;

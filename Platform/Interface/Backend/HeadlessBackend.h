@@ -36,6 +36,7 @@ class PELVOR_EXPORT HeadlessBackend final : public InterfaceBackend {
     /// Before anybody has asked for them.
     void setScreensAtFirst(std::vector<BackendScreen> screens) { _screens = std::move(screens); }
     void setLayouts(std::vector<BackendLayout> layouts);
+    void setKnownLayouts(std::vector<BackendLayout> layouts) { _knownLayouts = std::move(layouts); }
     void setFrameExtents(PixelRect extents) { _extents = extents; }
     /// Another program offers this, by type.
     void setForeignSelection(BackendSelection selection, std::map<std::string, std::string> contents);
@@ -89,6 +90,7 @@ class PELVOR_EXPORT HeadlessBackend final : public InterfaceBackend {
     void setTextInput(BackendWindow window, const PixelRect* caret) override;
     void resetComposing(BackendWindow) override {}
     std::vector<BackendLayout> layouts() override { return _layouts; }
+    const std::vector<BackendLayout>& knownLayouts() override { return _knownLayouts; }
     bool setLayout(std::uint32_t group) override;
     bool offerSelection(BackendSelection selection, std::vector<std::string> types,
                         SelectionProvider provider) override;
@@ -147,6 +149,7 @@ class PELVOR_EXPORT HeadlessBackend final : public InterfaceBackend {
     std::vector<PixelRect> _presented;
     std::vector<BackendScreen> _screens;
     std::vector<BackendLayout> _layouts;
+    std::vector<BackendLayout> _knownLayouts;
     std::array<Offer, 3> _offers;
 };
 

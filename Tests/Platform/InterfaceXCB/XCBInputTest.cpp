@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests of keys, layouts, dead keys, the pointer and tracking on an X server.
 #include "BackendDriver.h"
+#include "Interface/KeyboardLayouts.h"
 #include "InterfaceXCB/Keyboard.h"
 #include "InterfaceXCB/Screens.h"
 
@@ -197,14 +198,46 @@ TEST_F(XCBInputTest, ListsLayoutsAndSwitchesThem) {
     for (const BackendLayout& layout : layouts)
         shown +=
             layout.name + " " + layout.shortName + " " + layout.language + (layout.isCurrent ? " *; " : "; ");
-    EXPECT_EQ(shown, "us us en *; de(nodeadkeys) de de; ch(fr) ch fr; ");
+    EXPECT_EQ(shown, "us us eng-US *; de(nodeadkeys) de deu-DE; ch(fr) ch fra-CH; ");
     EXPECT_EQ(layouts[1].displayName, "German (no dead keys)");
     driver->heard.clear();
     EXPECT_TRUE(driver->backend->setLayout(1));
-    EXPECT_TRUE(driver->untilHeard("layout changed"));
-    EXPECT_TRUE(driver->backend->layouts()[1].isCurrent);
+    EXPECT_TRUE(driver->backend->layouts()[1].isCurrent);  // at once
+    EXPECT_TRUE(driver->untilHeard("layout changed"));     // and yet it is told
     EXPECT_EQ(heardOf(pressed({kY})), "text z");
     EXPECT_FALSE(driver->backend->setLayout(3));
+}
+
+TEST_F(XCBInputTest, KnowsLayoutsThatAreNotEnabled) {
+    const std::vector<BackendLayout>& known = driver->backend->knownLayouts();
+    std::map<std::int32_t, std::string> names;  // by what programs store
+    for (const BackendLayout& layout : known) {
+        AutoreleasePool pool;
+        EXPECT_TRUE(
+            names.emplace(keyboardLayoutIdentifier(NSString::ofUTF8(layout.name)), layout.name).second)
+            << layout.name;
+    }
+    EXPECT_GT(known.size(), 300U);
+    const auto* polish = &*std::ranges::find(known, "pl", &BackendLayout::name);
+    EXPECT_EQ(polish->language + polish->displayName, "pol-PLPolish");
+}
+
+TEST_F(XCBInputTest, HasNoLayoutsUnderWayland) {
+    server.emplace();
+    XServerScope::run({"xrandr", "--setmonitor", "XWAYLAND0", "auto", "screen"});
+    driver.emplace();
+    EXPECT_TRUE(driver->backend->layouts().empty());
+    EXPECT_FALSE(driver->backend->setLayout(0));
+}
+
+TEST(XCBInputTableTest, TellsLanguagesOfLayouts) {
+    expectAll({"rs,latinyz,srp -> srp-Latn-RS", "me,cyrillic,srp -> srp-Cyrl-ME", "latam,,spa -> spa",
+               "us,rus,rus -> rus-US", "tw,,fox -> zho-TW", "in,, -> "},
+              [](const std::string& text) {
+                  const std::size_t first = text.find(','), second = text.find(',', first + 1);
+                  return languageOfLayout(text.substr(0, first), text.substr(first + 1, second - first - 1),
+                                          text.substr(second + 1));
+              });
 }
 
 TEST(XCBInputTableTest, ReadsWhatPropertiesHold) {
