@@ -6,12 +6,14 @@
 #include "Menus/NSMenuItem-PelvorAdditions.h"
 #include "Menus/PBMenuItem.h"
 #include "NSEvent-PelvorAdditions.h"
+#include "NSInputManager-PelvorAdditions.h"
 #include "NSResponder-PelvorAdditions.h"
 #include "NSSegmentedControl-PelvorPantherAdditions.h"
 #include "NSTableView-PelvorAdditions.h"
 #include "NSView-PelvorAdditions.h"
 #include "PBAutoscrollingTableView.h"
 #include "PBGUIUtil.h"
+#include "PBKeyboardInputMethod.h"
 #include "PBScrollView.h"
 #include "PantherCursor.h"
 
@@ -24,12 +26,14 @@ constexpr Library* kDependencies[] = {&baseTextLibrary, &interfaceLibrary};
 // clang-format off
 constexpr Class* kClasses[] = {
     &PBAutoscrollingTableView::classRecord,
+    &PBKeyboardInputMethod::classRecord,
     &PBMenuItem::classRecord,
     &PBScrollView::classRecord,
     &PantherCursor::classRecord,
 };
 constexpr const Category* kCategories[] = {
     &NSEvent_PelvorAdditions_category,
+    &NSInputManager_PelvorAdditions_category,
     &NSMenuItem_PelvorAdditions_category,
     &NSMenuItem_PelvorGUIAdditions_category,
     &NSMenu_PelvorAdditions_category,

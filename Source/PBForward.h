@@ -66,6 +66,9 @@ class PBSpellCheckerLanguage;  ///< a language in which texts are checked
 class PBAutoscrollingTableView;  ///< a table in which typing selects rows
 class PBMenuItem;                ///< a menu item that can show a shortcut of several keys
 
+// Keyboards
+class PBKeyboardInputMethod;  ///< a keyboard layout, to be listed, stored and restored
+
 // Older platforms
 class PantherCursor;  ///< gives cursors for hands and edges
 class PantherFont;    ///< gives fonts the sizes of controls

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "PBKeyboardInputMethod.h"
+
+#include "EnvironmentScope.h"
+#include "Foundation/NSNumber.h"
+#include "Foundation/NSRunLoop.h"
+#include "Foundation/NSTimer.h"
+#include "Interface/NSButton.h"
+#include "Interface/NSImage.h"
+#include "InterfaceScope.h"
+#include "NSInputManager-PelvorAdditions.h"
+
+namespace {
+
+using Keyboards = NSInputManager_PelvorAdditions;
+
+const BackendLayout kEnglish{0, "us", "English (US)", "eng", "us", true};
+const BackendLayout kGerman{1, "de(nodeadkeys)", "German (no dead keys)", "deu", "de"};
+const BackendLayout kRussian{2, "ru", "Russian", "rus", "ru"};
+const BackendLayout kGreek{0, "gr", "", "ell", "gr"};
+
+class PBKeyboardInputMethodTest : public testing::Test {
+  protected:
+    PBKeyboardInputMethodTest() {
+        screen.backend->setLayouts({kEnglish, kGerman, kRussian});
+        screen.backend->setKnownLayouts({kGreek});
+    }
+    static PBKeyboardInputMethod* available(NSUInteger index) {
+        return static_cast<PBKeyboardInputMethod*>(Keyboards::availableKeyboardLayouts()->objectAtIndex(index));
+    }
+    static NSDictionary* stored(NSString* layout, std::int32_t script) {
+        return NSDictionary::of({{u"keyboardLayoutIdentifier"_ns, NSNumber::numberWithInt(keyboardLayoutIdentifier(layout))},
+                                 {u"keyboardLayoutScriptCode"_ns, NSNumber::numberWithInt(script)},
+                                 {u"keyboardLayoutDisplayName"_ns, u"Stored"_ns}});
+    }
+    static std::string shownMethod(PBKeyboardInputMethod* method) {
+        NSString* name = method->displayName();
+        return method->description()->toUTF8() + " " + (name ? name->toUTF8() : "(null)") +
+               (method->keyboardLayoutRef() ? "" : " -");
+    }
+    static std::string idOf(NSString* name) { return std::to_string(keyboardLayoutIdentifier(name)); }
+
+    const LanguageScope english{"en"};
+    InterfaceScope screen;
+};
+
+TEST_F(PBKeyboardInputMethodTest, ListsWhatTheUserHas) {
+    NSArray* list = Keyboards::availableKeyboardLayouts();
+    ASSERT_EQ(list->count(), 3u);
+    EXPECT_EQ(shownMethod(available(1)), "PBKeyboardLayout \"de(nodeadkeys)\" [script=0, id=" +
+                                             idOf(u"de(nodeadkeys)"_ns) + "] German (no dead keys)");
+    EXPECT_EQ(available(2)->scriptCode(), smCyrillic);
+    EXPECT_EQ(available(2)->displayIcon()->size(), (NSSize{16, 16}));
+    EXPECT_EQ(Keyboards::availableKeyboardLayouts(), list);
+    // Others: a list of its own, in which known layouts are the same objects.
+    const auto russian = Retained<PBKeyboardInputMethod>::retaining(available(2));
+    screen.backend->setLayouts({kRussian, kGreek});
+    EXPECT_EQ(Keyboards::availableKeyboardLayouts()->count(), 2u);
+    EXPECT_EQ(available(0), russian.get());
+    screen.backend->setLayouts({});
+    EXPECT_EQ(Keyboards::availableKeyboardLayouts()->count(), 0u);
+    EXPECT_EQ(Keyboards::currentKeyboardLayout(), nullptr);
+}
+
+TEST_F(PBKeyboardInputMethodTest, StoresAndRestores) {
+    const auto one = PBKeyboardInputMethod::initWithKeyboardLayoutRef(available(2)->keyboardLayoutRef());
+    EXPECT_TRUE(one->isEqual(available(2)) && one->hash() == available(2)->hash());
+    EXPECT_FALSE(one->isEqual(available(1)) || one->isEqual(u"ru"_ns) || one->isEqual(nullptr));
+    EXPECT_TRUE(PBKeyboardInputMethod::inputMethodForDictionary(one->serializationDictionary())->isEqual(one));
+    EXPECT_EQ(one->serializationDictionary(), one->serializationDictionary());
+    const auto otherScript = PBKeyboardInputMethod::initWithKeyboardLayoutRef_scriptCode(one->keyboardLayoutRef(), 0);
+    EXPECT_FALSE(one->isEqual(otherScript));
+
+    const NSDictionary* none = nullptr;
+    struct {
+        const char* name;
+        NSDictionary* dictionary;
+        std::string expected;
+    } rows[] = {
+        {"enabled", stored(u"ru"_ns, 7), "\"ru\" [script=7, id=" + idOf(u"ru"_ns) + "] Russian"},
+        {"with its own script", NSDictionary::of({{u"keyboardLayoutIdentifier"_ns, NSNumber::numberWithInt(keyboardLayoutIdentifier(u"ru"_ns))}}),
+         "\"ru\" [script=7, id=" + idOf(u"ru"_ns) + "] Russian"},
+        {"with another script", stored(u"ru"_ns, 0), "\"ru\" [script=0, id=" + idOf(u"ru"_ns) + "] Russian"},
+        {"not enabled", stored(u"gr"_ns, 6), "\"gr\" [script=6, id=" + idOf(u"gr"_ns) + "] (null)"},
+        {"not installed", stored(u"martian"_ns, 4), "\"(null)\" [script=4, id=0] Stored -"},
+        {"other kinds", NSDictionary::of({{u"keyboardLayoutIdentifier"_ns, u"ru"_ns}, {u"keyboardLayoutDisplayName"_ns, NSArray::array()}}),
+         "\"(null)\" [script=0, id=0] (null) -"},
+        {"nothing", const_cast<NSDictionary*>(none), "\"(null)\" [script=0, id=0] (null) -"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(shownMethod(PBKeyboardInputMethod::inputMethodForDictionary(row.dictionary)),
+                  "PBKeyboardLayout " + row.expected)
+            << row.name;
+    auto* nameless = PBKeyboardInputMethod::inputMethodForDictionary(stored(u"gr"_ns, 6));
+    EXPECT_EQ(nameless->serializationDictionary()->count(), 2u);
+    EXPECT_TRUE(nameless->displayIcon());
+    EXPECT_EQ(nameless->stringForPropTag_keyboardLayoutRef(kKLIdentifier, nameless->keyboardLayoutRef()), nullptr);
+    EXPECT_EQ(nameless->imageForPropTag_keyboardLayoutRef(kKLName, nameless->keyboardLayoutRef()), nullptr);
+}
+
+TEST_F(PBKeyboardInputMethodTest, SwitchesTheKeyboard) {
+    PBKeyboardInputMethod* first = Keyboards::currentKeyboardLayout();
+    EXPECT_TRUE(first->isEqual(available(0)));
+    EXPECT_EQ(Keyboards::currentKeyboardLayout(), first);
+    EXPECT_TRUE(Keyboards::setCurrentKeyboardLayout(available(2)));
+    EXPECT_EQ(Keyboards::currentKeySciptCode(), smCyrillic);
+    EXPECT_TRUE(Keyboards::currentKeyboardLayout()->isEqual(available(2)));
+    EXPECT_EQ(shownMethod(first).substr(0, 21), "PBKeyboardLayout \"us\"");  // lives on
+    EXPECT_FALSE(Keyboards::setCurrentKeyboardLayout(nullptr));
+}
+
+TEST_F(PBKeyboardInputMethodTest, TellsOnceThatALayoutCannotBeHad) {
+    LogLines log;
+    auto* greek = PBKeyboardInputMethod::inputMethodForDictionary(stored(u"gr"_ns, 6));
+    auto* gone = PBKeyboardInputMethod::inputMethodForDictionary(stored(u"martian"_ns, 0));
+    const auto alerts = [&] {
+        screen.turn();
+        return std::exchange(log.lines, {}).size();
+    };
+    EXPECT_FALSE(Keyboards::setCurrentKeyboardLayout(gone));
+    EXPECT_TRUE(gone->isDisabled());
+    NSRunLoop::mainRunLoop()->performReadyWorkForMode(NSEventTrackingRunLoopMode);
+    EXPECT_TRUE(log.lines.empty());
+    screen.turn();
+    EXPECT_THAT(log.lines, testing::ElementsAre(testing::StartsWith("Unable to switch to the “Stored” keyboard layout.: To switch")));
+    log.lines.clear();
+    EXPECT_FALSE(Keyboards::setCurrentKeyboardLayout(gone));
+    EXPECT_EQ(alerts(), 0u);
+    EXPECT_FALSE(Keyboards::setCurrentKeyboardLayout(greek));  // each layout has its alert
+    EXPECT_EQ(alerts(), 1u);
+    screen.backend->setLayouts({kEnglish, kGreek});
+    EXPECT_TRUE(Keyboards::setCurrentKeyboardLayout(greek));
+    EXPECT_FALSE(greek->isDisabled());
+    screen.backend->setLayouts({kEnglish});
+    EXPECT_FALSE(Keyboards::setCurrentKeyboardLayout(greek));  // which arms it again
+    EXPECT_EQ(alerts(), 1u);
+}
+
+NSButton* buttonTitled(NSView* view, NSString* title) {
+    for (id each : view->subviews()) {
+        auto* button = cast<NSButton>(each);
+        if (button && button->title()->isEqualToString(title)) return button;
+        if (NSButton* found = buttonTitled(static_cast<NSView*>(each), title)) return found;
+    }
+    return nullptr;
+}
+
+TEST_F(PBKeyboardInputMethodTest, OffersTheSettings) {
+    const EnvironmentScope path("PATH", "/no/programs");
+    std::vector<std::string> pressed;
+    const auto user = Listener::doing([&](id) {
+        NSWindow* alert = screen.app->modalWindow();
+        for (NSString* title : {u"Show Keyboard Settings"_ns, u"OK"_ns})
+            if (NSButton* button = alert ? buttonTitled(alert->contentView()->superview(), title) : nullptr) {
+                pressed.push_back(title->toUTF8());
+                if (title == u"OK"_ns) screen.app->stop(nullptr);
+                return button->performClick(nullptr);
+            }
+    });
+    auto* timer = NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(0.25, user, "hear:"_sel, nullptr, true);
+    NSRunLoop::mainRunLoop()->addTimer_forMode(timer, NSModalPanelRunLoopMode);
+    Keyboards::setCurrentKeyboardLayout(PBKeyboardInputMethod::inputMethodForDictionary(stored(u"gr"_ns, 6)));
+    screen.app->run();
+    timer->invalidate();
+    EXPECT_EQ(joined(pressed), "Show Keyboard Settings, OK");  // and is told that there are none
+}
+
+}  // namespace
