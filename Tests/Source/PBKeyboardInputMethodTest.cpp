@@ -26,12 +26,14 @@ class PBKeyboardInputMethodTest : public testing::Test {
         screen.backend->setKnownLayouts({kGreek});
     }
     static PBKeyboardInputMethod* available(NSUInteger index) {
-        return static_cast<PBKeyboardInputMethod*>(Keyboards::availableKeyboardLayouts()->objectAtIndex(index));
+        return static_cast<PBKeyboardInputMethod*>(
+            Keyboards::availableKeyboardLayouts()->objectAtIndex(index));
     }
     static NSDictionary* stored(NSString* layout, std::int32_t script) {
-        return NSDictionary::of({{u"keyboardLayoutIdentifier"_ns, NSNumber::numberWithInt(keyboardLayoutIdentifier(layout))},
-                                 {u"keyboardLayoutScriptCode"_ns, NSNumber::numberWithInt(script)},
-                                 {u"keyboardLayoutDisplayName"_ns, u"Stored"_ns}});
+        return NSDictionary::of(
+            {{u"keyboardLayoutIdentifier"_ns, NSNumber::numberWithInt(keyboardLayoutIdentifier(layout))},
+             {u"keyboardLayoutScriptCode"_ns, NSNumber::numberWithInt(script)},
+             {u"keyboardLayoutDisplayName"_ns, u"Stored"_ns}});
     }
     static std::string shownMethod(PBKeyboardInputMethod* method) {
         NSString* name = method->displayName();
@@ -66,9 +68,11 @@ TEST_F(PBKeyboardInputMethodTest, StoresAndRestores) {
     const auto one = PBKeyboardInputMethod::initWithKeyboardLayoutRef(available(2)->keyboardLayoutRef());
     EXPECT_TRUE(one->isEqual(available(2)) && one->hash() == available(2)->hash());
     EXPECT_FALSE(one->isEqual(available(1)) || one->isEqual(u"ru"_ns) || one->isEqual(nullptr));
-    EXPECT_TRUE(PBKeyboardInputMethod::inputMethodForDictionary(one->serializationDictionary())->isEqual(one));
+    EXPECT_TRUE(
+        PBKeyboardInputMethod::inputMethodForDictionary(one->serializationDictionary())->isEqual(one));
     EXPECT_EQ(one->serializationDictionary(), one->serializationDictionary());
-    const auto otherScript = PBKeyboardInputMethod::initWithKeyboardLayoutRef_scriptCode(one->keyboardLayoutRef(), 0);
+    const auto otherScript =
+        PBKeyboardInputMethod::initWithKeyboardLayoutRef_scriptCode(one->keyboardLayoutRef(), 0);
     EXPECT_FALSE(one->isEqual(otherScript));
 
     const NSDictionary* none = nullptr;
@@ -78,12 +82,16 @@ TEST_F(PBKeyboardInputMethodTest, StoresAndRestores) {
         std::string expected;
     } rows[] = {
         {"enabled", stored(u"ru"_ns, 7), "\"ru\" [script=7, id=" + idOf(u"ru"_ns) + "] Russian"},
-        {"with its own script", NSDictionary::of({{u"keyboardLayoutIdentifier"_ns, NSNumber::numberWithInt(keyboardLayoutIdentifier(u"ru"_ns))}}),
+        {"with its own script",
+         NSDictionary::of(
+             {{u"keyboardLayoutIdentifier"_ns, NSNumber::numberWithInt(keyboardLayoutIdentifier(u"ru"_ns))}}),
          "\"ru\" [script=7, id=" + idOf(u"ru"_ns) + "] Russian"},
         {"with another script", stored(u"ru"_ns, 0), "\"ru\" [script=0, id=" + idOf(u"ru"_ns) + "] Russian"},
         {"not enabled", stored(u"gr"_ns, 6), "\"gr\" [script=6, id=" + idOf(u"gr"_ns) + "] (null)"},
         {"not installed", stored(u"martian"_ns, 4), "\"(null)\" [script=4, id=0] Stored -"},
-        {"other kinds", NSDictionary::of({{u"keyboardLayoutIdentifier"_ns, u"ru"_ns}, {u"keyboardLayoutDisplayName"_ns, NSArray::array()}}),
+        {"other kinds",
+         NSDictionary::of({{u"keyboardLayoutIdentifier"_ns, u"ru"_ns},
+                           {u"keyboardLayoutDisplayName"_ns, NSArray::array()}}),
          "\"(null)\" [script=0, id=0] (null) -"},
         {"nothing", const_cast<NSDictionary*>(none), "\"(null)\" [script=0, id=0] (null) -"},
     };
@@ -94,7 +102,8 @@ TEST_F(PBKeyboardInputMethodTest, StoresAndRestores) {
     auto* nameless = PBKeyboardInputMethod::inputMethodForDictionary(stored(u"gr"_ns, 6));
     EXPECT_EQ(nameless->serializationDictionary()->count(), 2u);
     EXPECT_TRUE(nameless->displayIcon());
-    EXPECT_EQ(nameless->stringForPropTag_keyboardLayoutRef(kKLIdentifier, nameless->keyboardLayoutRef()), nullptr);
+    EXPECT_EQ(nameless->stringForPropTag_keyboardLayoutRef(kKLIdentifier, nameless->keyboardLayoutRef()),
+              nullptr);
     EXPECT_EQ(nameless->imageForPropTag_keyboardLayoutRef(kKLName, nameless->keyboardLayoutRef()), nullptr);
 }
 
@@ -122,7 +131,8 @@ TEST_F(PBKeyboardInputMethodTest, TellsOnceThatALayoutCannotBeHad) {
     NSRunLoop::mainRunLoop()->performReadyWorkForMode(NSEventTrackingRunLoopMode);
     EXPECT_TRUE(log.lines.empty());
     screen.turn();
-    EXPECT_THAT(log.lines, testing::ElementsAre(testing::StartsWith("Unable to switch to the “Stored” keyboard layout.: To switch")));
+    EXPECT_THAT(log.lines, testing::ElementsAre(testing::StartsWith(
+                               "Unable to switch to the “Stored” keyboard layout.: To switch")));
     log.lines.clear();
     EXPECT_FALSE(Keyboards::setCurrentKeyboardLayout(gone));
     EXPECT_EQ(alerts(), 0u);
@@ -157,7 +167,8 @@ TEST_F(PBKeyboardInputMethodTest, OffersTheSettings) {
                 return button->performClick(nullptr);
             }
     });
-    auto* timer = NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(0.25, user, "hear:"_sel, nullptr, true);
+    auto* timer = NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(0.25, user, "hear:"_sel,
+                                                                                  nullptr, true);
     NSRunLoop::mainRunLoop()->addTimer_forMode(timer, NSModalPanelRunLoopMode);
     Keyboards::setCurrentKeyboardLayout(PBKeyboardInputMethod::inputMethodForDictionary(stored(u"gr"_ns, 6)));
     screen.app->run();

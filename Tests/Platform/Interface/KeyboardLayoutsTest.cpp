@@ -37,21 +37,39 @@ class KeyboardLayouts : public testing::Test {
 };
 
 TEST_F(KeyboardLayouts, KnowScriptsAndLanguages) {
-    expectAll({"deu-DE -> 0 de-DE", "pol -> 29 pl", "vie -> 30 vi", "ell-GR -> 6 el-GR", "srp-RS -> 7 sr-RS",
-               "srp-ME -> 0 sr-ME", "srp-Latn-RS -> 0 sr-Latn-RS", "rus-US -> 7 ru-US", "zho-CN -> 25 zh-CN",
-               "zho-TW -> 2 zh-TW", "jpn -> 1 ja", "kor -> 3 ko", "ara -> 4 ar", "pan-PK -> 4 pa-PK",
-               "pan-IN -> 10 pa-IN", "heb -> 5 he", "hin -> 9 hi", "tha -> 21 th", "chr-US -> 126 chr-US",
-               " -> 0 (null)", "a b -> 0 (null)"},
+    expectAll({"deu-DE -> 0 de-DE",
+               "pol -> 29 pl",
+               "vie -> 30 vi",
+               "ell-GR -> 6 el-GR",
+               "srp-RS -> 7 sr-RS",
+               "srp-ME -> 0 sr-ME",
+               "srp-Latn-RS -> 0 sr-Latn-RS",
+               "rus-US -> 7 ru-US",
+               "zho-CN -> 25 zh-CN",
+               "zho-TW -> 2 zh-TW",
+               "jpn -> 1 ja",
+               "kor -> 3 ko",
+               "ara -> 4 ar",
+               "pan-PK -> 4 pa-PK",
+               "pan-IN -> 10 pa-IN",
+               "heb -> 5 he",
+               "hin -> 9 hi",
+               "tha -> 21 th",
+               "chr-US -> 126 chr-US",
+               " -> 0 (null)",
+               "a b -> 0 (null)"},
               [&](const std::string& language) {
                   const KeyboardLayoutRef ref = only(layout("for " + language, language));
                   NSString* tag = keyboardLayoutLanguage(ref);
-                  return shown(property<std::intptr_t>(ref, kKLGroupIdentifier), tag ? tag->toUTF8() : "(null)");
+                  return shown(property<std::intptr_t>(ref, kKLGroupIdentifier),
+                               tag ? tag->toUTF8() : "(null)");
               });
 }
 
 TEST_F(KeyboardLayouts, AreNamedByTheUsersLanguage) {
     // The catalogue: five words, tables of keys and texts, and the texts.
-    const std::string keys[] = {"Czech", "German", "Russian"}, texts[] = {"Tschechisch", "Deutsch", "Russisch"};
+    const std::string keys[] = {"Czech", "German", "Russian"},
+                      texts[] = {"Tschechisch", "Deutsch", "Russisch"};
     std::vector<std::uint32_t> words{0x950412DE, 0, 3, 28, 52, 0, 0};
     std::string bytes;
     for (const auto* list : {&keys, &texts})
@@ -76,7 +94,8 @@ TEST_F(KeyboardLayouts, AreNamedByTheUsersLanguage) {
         EXPECT_TRUE(text == "German" || text == "Deutsch") << text;
     }
     folder.write(name, catalogue);
-    expectAll({"Czech -> Tschechisch", "German -> Deutsch", "Russian -> Russisch", "Danish -> Danish", " -> (null)"},
+    expectAll({"Czech -> Tschechisch", "German -> Deutsch", "Russian -> Russisch", "Danish -> Danish",
+               " -> (null)"},
               [&](const std::string& english) { return shownName(english.c_str()); });
     const LanguageScope english("en:de");
     EXPECT_EQ(shownName("German"), "German");
@@ -147,8 +166,9 @@ TEST_F(KeyboardLayouts, TellWhatChanged) {
 TEST_F(KeyboardLayouts, OpenTheirSettings) {
     const EnvironmentScope path("PATH", folder.path("bin").c_str());
     const auto install = [&](const std::string& name) {
-        const std::string program = folder.write(
-            "bin/" + name, "#!/bin/sh\nPATH=/usr/bin:/bin\necho \"${0##*/}\" \"$@\" >\"$0.part\"\nmv \"$0.part\" \"$0.ran\"\n");
+        const std::string program = folder.write("bin/" + name,
+                                                 "#!/bin/sh\nPATH=/usr/bin:/bin\necho \"${0##*/}\" \"$@\" "
+                                                 ">\"$0.part\"\nmv \"$0.part\" \"$0.ran\"\n");
         std::filesystem::permissions(program, std::filesystem::perms::owner_all);
     };
     const auto ran = [&](const std::string& name) {

@@ -7,6 +7,7 @@
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSTimer.h"
 #include "Interface/Events/ApplicationState.h"
+#include "Interface/KeyboardLayouts.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSMenu.h"
 #include "Interface/NSScreen.h"
@@ -63,6 +64,36 @@ class XCBApplicationTest : public XCBTest {
     Retained<NSWindow> window;
     Retained<TestView> view;
 };
+
+TEST_F(XCBApplicationTest, SwitchesKeyboards) {
+    start();
+    KeyboardLayoutRef layout = nullptr;
+    NSInteger count = 0;
+    EXPECT_EQ(KLGetCurrentKeyboardLayout(&layout), noErr);
+    const auto lists = Listener::to(NSKeyboardLayoutsDidChangeNotification);
+    XServerScope::run({"setxkbmap", "-layout", "us,de,ru"});
+    EXPECT_TRUE(until([&] { return KLGetKeyboardLayoutCount(&count) == noErr && count == 3; }));
+    EXPECT_TRUE(until([&] { return lists->takeCount() > 0; }));
+
+    const auto currents = Listener::to(NSCurrentKeyboardLayoutDidChangeNotification);
+    EXPECT_EQ(KLGetKeyboardLayoutWithIdentifier(keyboardLayoutIdentifier(u"ru"_ns), &layout), noErr);
+    EXPECT_EQ(KLSetCurrentKeyboardLayout(layout), noErr);
+    EXPECT_EQ(GetScriptManagerVariable(smKeyScript), smCyrillic);
+    EXPECT_TRUE(until([&] { return currents->takeCount() > 0; }));
+    server->press(30);
+    EXPECT_TRUE(untilLogged("text ф"));
+    KeyScript(smRoman);
+    server->press(21);
+    EXPECT_TRUE(untilLogged("text y"));
+
+    EXPECT_EQ(KLGetKeyboardLayoutWithIdentifier(keyboardLayoutIdentifier(u"gr"_ns), &layout), noErr);
+    EXPECT_EQ(KLSetCurrentKeyboardLayout(layout), resNotFound);
+    XServerScope::run({"setxkbmap", "-layout", "us,gr"});
+    EXPECT_TRUE(until([&] { return lists->takeCount() > 0; }));
+    EXPECT_EQ(KLSetCurrentKeyboardLayout(layout), noErr);
+    server->press(30);
+    EXPECT_TRUE(untilLogged("text α"));
+}
 
 TEST_F(XCBApplicationTest, GetsKeysAndClicks) {
     start();
