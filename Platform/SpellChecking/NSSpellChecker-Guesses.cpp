@@ -91,12 +91,15 @@ void NSSpellChecker::cancelGuessesForTarget(id target) {
 bool NSSpellChecker::prepareLanguage(NSString* name) {
     const State::Language* language = _state->languageFor(name);
     if (!language || language->dictionary->isRead()) return true;
-    _state->work.add([dictionary = language->dictionary, name = _state->nameFor(name)] {
+    std::string best = _state->nameFor(name);
+    if (!_state->preparing.insert(best).second) return false;
+    _state->work.add([this, dictionary = language->dictionary, best = std::move(best)] {
         dictionary->read();
         NSRunLoop::mainRunLoop()->perform(
-            [name] {
+            [this, best] {
+                _state->preparing.erase(best);
                 NSNotificationCenter::defaultCenter()->postNotificationName_object(
-                    NSSpellCheckerDidPrepareLanguageNotification, NSString::ofUTF8(name));
+                    NSSpellCheckerDidPrepareLanguageNotification, NSString::ofUTF8(best));
             },
             NSArray::of({NSRunLoopCommonModes}));
     });

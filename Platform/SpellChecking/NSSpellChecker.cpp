@@ -82,7 +82,7 @@ NSSpellChecker::State::Language::Language(std::shared_ptr<Dictionary> itsDiction
 std::string NSSpellChecker::State::nameFor(NSString* language) {
     if (!shelf.isFilled()) shelf.all();
     if (language) return shelf.bestName(language->toUTF8());
-    if (!chosen.empty()) return chosen;
+    if (auto name = shelf.bestName(chosen); !name.empty()) return name;  // it may have gone
     AutoreleasePool pool;
     for (id wanted : userLanguages())
         if (auto name = shelf.bestName(cast<NSString>(wanted)->toUTF8()); !name.empty()) return name;

@@ -71,7 +71,7 @@ class PELVOR_EXPORT NSSpellChecker : public NSObject {
     NSString* localizedNameForLanguage(NSString* name);
     /// Returns whether a check in the language need not wait for its dictionary, which is also true if there
     /// is none. Otherwise has another thread read the dictionary, and posts
-    /// NSSpellCheckerDidPrepareLanguageNotification afterwards.
+    /// NSSpellCheckerDidPrepareLanguageNotification afterwards, once however often it is called meanwhile.
     bool prepareLanguage(NSString* name);
 
     // Checking. The start is an index of the string; a start inside a word stands for the word's end.

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,7 @@ struct NSSpellChecker::State {
     std::map<int, WordSet> ignored;  // by document
     TextBoundaries commonBoundaries{TextBoundaries::Kind::Word, nullptr};
     std::vector<Request> requests;
+    std::set<std::string> preparing;  // names that `prepareLanguage` will announce
     BackgroundWork work;
 };
 

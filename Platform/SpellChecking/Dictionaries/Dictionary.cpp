@@ -5,6 +5,7 @@
 
 #include <exception>
 #include <functional>
+#include <utility>
 
 #include "Foundation/NSLog.h"
 

@@ -2,6 +2,7 @@
 // DictionaryShelf: all dictionaries of the machine, by their names.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <set>

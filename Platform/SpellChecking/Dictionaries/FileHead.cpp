@@ -3,6 +3,8 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
+
 #include "Shared/Descriptor.h"
 
 namespace pelvor {
@@ -15,7 +17,10 @@ std::optional<FileHead> readHead(const std::string& path, std::size_t limit) {
         errno = 0;
         return {};
     }
-    FileHead head{{}, static_cast<std::uint64_t>(status.st_size), {status.st_dev, status.st_ino}};
+    FileHead head{
+        {},
+        static_cast<std::uint64_t>(status.st_size),
+        {status.st_dev, status.st_ino, status.st_mtim.tv_sec * 1'000'000'000 + status.st_mtim.tv_nsec}};
     head.bytes.resize(std::min<std::uint64_t>(limit, head.size));
     for (std::size_t count = 0; count < head.bytes.size();) {
         const auto step =

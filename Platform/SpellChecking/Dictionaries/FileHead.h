@@ -9,9 +9,11 @@
 
 namespace pelvor {
 
-/// Which file it is, whatever names it has.
+/// Which file it is, whatever names it has, and when it was written: a new file may have the number of an old
+/// one.
 struct FileIdentity {
     std::uint64_t device = 0, number = 0;
+    std::int64_t written = 0;
     friend auto operator<=>(const FileIdentity&, const FileIdentity&) = default;
 };
 

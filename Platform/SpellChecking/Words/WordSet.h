@@ -2,6 +2,7 @@
 // WordSet: words that count as right whatever the dictionary says.
 #pragma once
 
+#include <functional>
 #include <set>
 #include <string>
 #include <string_view>

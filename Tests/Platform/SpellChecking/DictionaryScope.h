@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "EnvironmentScope.h"
 #include "Foundation/NSArray.h"
@@ -16,8 +17,7 @@ namespace pelvor {
 /// The strings with commas between.
 inline std::string listed(NSArray* strings) { return strings->componentsJoinedByString(u", "_ns)->toUTF8(); }
 
-/// The environment of the shared spell checker. A test process has one of these, since the checker keeps what
-/// it has read.
+/// The environment of the shared spell checker.
 struct DictionaryScope {
     TemporaryFolder folder;
     EnvironmentScope language{"LANGUAGE", "en_GB"}, locale{"LC_ALL", "en_GB.UTF-8"};
@@ -35,7 +35,12 @@ struct DictionaryScope {
         return folder.path("home/pelvor/spelling/" + name + ".words");
     }
 
-    NSSpellChecker* checker() { return NSSpellChecker::sharedSpellChecker(); }
+    /// The shared one, which has looked at the folders when it was first asked for.
+    NSSpellChecker* checker() {
+        NSSpellChecker* checker = NSSpellChecker::sharedSpellChecker();
+        if (!std::exchange(_isSeen, true)) checker->availableLanguages();
+        return checker;
+    }
     /// The misspelled words of the text, each behind a blank.
     std::string wrongIn(NSString* text, NSString* language = nullptr, int tag = 0) {
         std::string words;
@@ -43,6 +48,9 @@ struct DictionaryScope {
             words += " " + text->substringWithRange(range)->toUTF8();
         return words;
     }
+
+  private:
+    bool _isSeen = false;
 };
 
 }  // namespace pelvor

@@ -74,31 +74,23 @@ TEST(NSSpellChecker, ConvertsToTheEncodingsOfDictionaries) {
         const char* word;
         const char16_t* text;
     };
-    const Case cases[] = {{"ISO8859-1", "K\xE4se", u"Käse"},
-                          {"ISO8859-2",
-                           "\xB3\xF3"
-                           "d\xBC",
-                           u"łódź"},
-                          {"microsoft-cp1251", "\xEC\xEE\xF0\xE5", u"море"},
-                          {"KOI8-U", "\xCD\xCF\xD2\xA4", u"морє"},
-                          {"TIS620-2533", "\xB7\xD0\xE0\xC5", u"ทะเล"},
-                          {"UTF-8", "\xF0\x90\x90\xA8\xF0\x90\x90\xB2", u"\U00010428\U00010432"}};
     DictionaryScope scope;
-    for (const Case& each : cases)
-        scope.add(std::string("x_") + each.encoding[0] + each.encoding[4] + std::to_string(&each - cases),
-                  std::string(each.word) + "\n", std::string("SET ") + each.encoding + "\n");
-    NSArray* names = scope.checker()->availableLanguages();
-    ASSERT_EQ(names->count(), 6u);
-    for (id name : names) {
-        const Case& each = cases[name->description()->characterAtIndex(4) - u'0'];
-        NSString* text = NSString::of(each.text);
-        EXPECT_EQ(scope.wrongIn(text, cast<NSString>(name)), "") << each.encoding;
-        EXPECT_EQ(scope.wrongIn(u"\u03B8\u03AC"_ns, cast<NSString>(name)), " \u03B8\u03AC")
-            << "letters that the encoding lacks";
-        NSArray* guesses = scope.checker()->guessesForWord_language(
-            text->stringByAppendingString(text->substringFromIndex(text->length() - 1)),
-            cast<NSString>(name));
-        EXPECT_TRUE(guesses->containsObject(text)) << each.encoding << guesses;
+    for (const auto& [encoding, word, units] :
+         std::vector<Case>{{"ISO8859-1", "K\xE4se", u"Käse"},
+                           {"ISO8859-2", "\xB3\xF3\xBC", u"łóź"},
+                           {"microsoft-cp1251", "\xEC\xEE\xF0\xE5", u"море"},
+                           {"KOI8-U", "\xCD\xCF\xD2\xA4", u"морє"},
+                           {"TIS620-2533", "\xB7\xD0\xE0\xC5", u"ทะเล"},
+                           {"UTF-8", "\xF0\x90\x90\xA8\xF0\x90\x90\xB2", u"\U00010428\U00010432"}}) {
+        SCOPED_TRACE(encoding);
+        scope.add(encoding, std::string(word) + "\n", std::string("SET ") + encoding + "\n");
+        scope.checker()->availableLanguages();
+        NSString *text = NSString::of(units), *name = NSString::ofUTF8(encoding);
+        EXPECT_EQ(scope.wrongIn(text, name), "");
+        EXPECT_EQ(scope.wrongIn(u"\u03B8\u03AC"_ns, name), " \u03B8\u03AC") << "not in the encoding";
+        NSArray* guesses =
+            scope.checker()->guessesForWord_language(text->stringByAppendingString(text), name);
+        EXPECT_TRUE(guesses->containsObject(text)) << guesses;
     }
 }
 
@@ -180,7 +172,8 @@ TEST(NSSpellChecker, GuessesOnAnotherThread) {
     NSSpellChecker* checker = scope.checker();
     EXPECT_EQ(listed(checker->guessesForWord(u"saa"_ns)), "sea");
     EXPECT_EQ(listed(checker->guessesForWord(u"wont\u2019t"_ns)), "won\u2019t");
-    Class* listeners = makeClass<"show:forWord:", &showGuesses>("Listener");
+    told.clear();
+    Class* listeners = makeClass<"show:forWord:", &showGuesses>("Guessing");
     auto listener = instanceOf(listeners), other = instanceOf(listeners), ended = instanceOf(listeners);
     const auto request = [&](NSString* word, id target) {
         checker->requestGuessesForWord_language_target_selector(word, nullptr, target, "show:forWord:"_sel);
@@ -202,10 +195,12 @@ TEST(NSSpellChecker, GuessesOnAnotherThread) {
 TEST(NSSpellChecker, ReadsDictionariesOnAnotherThread) {
     DictionaryScope scope;
     scope.add("de_DE", "Meer\n");
-    auto listener = instanceOf(makeClass<"didPrepare:", &hear>("Listener"));
+    told.clear();
+    auto listener = instanceOf(makeClass<"didPrepare:", &hear>("Preparing"));
     NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
         listener, "didPrepare:"_sel, NSSpellCheckerDidPrepareLanguageNotification, nullptr);
     EXPECT_FALSE(scope.checker()->prepareLanguage(u"de"_ns));
+    scope.checker()->prepareLanguage(u"de_DE"_ns);  // no second notice
     EXPECT_EQ(scope.wrongIn(u"Meer meer"_ns, u"de"_ns), " meer")
         << "who does not wait for the notice, waits here";
     runUntilTold(1);
@@ -229,30 +224,24 @@ TEST(NSSpellChecker, GoesOnWithoutDictionaries) {
 }
 
 TEST(NSSpellChecker, ReadsTheInstalledDictionaries) {
+    DictionaryScope scope;
     EnvironmentScope data("XDG_DATA_DIRS", "/usr/share");
-    NSSpellChecker* checker = NSSpellChecker::sharedSpellChecker();
-    const auto wrong = [&](NSString* language, NSString* text) {
-        std::string words;
-        for (NSRange range : checker->misspelledRanges(text, {0, text->length()}, language, 0))
-            words += " " + text->substringWithRange(range)->toUTF8();
-        return words;
-    };
     struct Case {
-        const char* language;
+        const char* name;
         const char16_t* text;
         const char* wrong;
         const char16_t* guess;
     };
-    for (const Case& each :
-         {Case{"en_GB", u"The colour isn\u2019t wrnog.", " wrnog", u"wrong"},
-          Case{"en_US", u"The color isn't wrnog.", " wrnog", u"wrong"},
-          Case{"de_DE", u"Die Straße ist in Müchen z.B.", " Müchen", u"München"},
-          Case{"fr", u"Aujourd\u2019hui l\u2019été n\u2019est pas arrivvé.", " arrivvé", u"arrivé"}}) {
-        NSString* language = NSString::ofUTF8(each.language);
-        if (!checker->availableLanguages()->containsObject(language)) continue;
-        EXPECT_EQ(wrong(language, NSString::of(each.text)), each.wrong) << each.language;
-        NSArray* guesses = checker->guessesForWord_language(NSString::ofUTF8(each.wrong + 1), language);
-        EXPECT_TRUE(guesses->containsObject(NSString::of(each.guess))) << guesses;
+    for (const auto& [name, text, wrong, guess] : std::vector<Case>{
+             {"en_GB", u"The colour isn\u2019t wrnog.", " wrnog", u"wrong"},
+             {"en_US", u"The color isn't wrnog.", " wrnog", u"wrong"},
+             {"de_DE", u"Die Straße ist in Müchen z.B.", " Müchen", u"München"},
+             {"fr", u"Aujourd\u2019hui l\u2019été n\u2019est pas arrivvé.", " arrivvé", u"arrivé"}}) {
+        NSString* language = NSString::ofUTF8(name);
+        if (!scope.checker()->availableLanguages()->containsObject(language)) continue;
+        EXPECT_EQ(scope.wrongIn(NSString::of(text), language), wrong) << language;
+        NSArray* guesses = scope.checker()->guessesForWord_language(NSString::ofUTF8(wrong + 1), language);
+        EXPECT_TRUE(guesses->containsObject(NSString::of(guess))) << guesses;
     }
 }
 
