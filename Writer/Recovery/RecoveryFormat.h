@@ -8,12 +8,11 @@
 #include <unordered_map>
 #include <vector>
 
+#include "Foundation/NSData.h"
 #include "Foundation/NSMutableAttributedString.h"
 #include "Writer/Recovery/RecoveryOrigin.h"
 
 namespace pelvor {
-
-class NSData;
 
 // A file is the signature and records. A record is the length of its content, its kind and a checksum of all
 // else, four bytes each, and the content. Numbers are in the order of the machine, which a file never leaves.

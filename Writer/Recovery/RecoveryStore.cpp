@@ -12,7 +12,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "Foundation/NSDate.h"
 #include "Foundation/NSLog.h"
 #include "Foundation/StandardFolders.h"
 #include "Writer/Recovery/RecoveryFile.h"
@@ -121,9 +120,9 @@ void AbandonedDocument::discard() {
 RecoveryStore RecoveryStore::ofUser() {
     const char* state = std::getenv("XDG_STATE_HOME");
     const bool isNamed = state && *state == '/';
-    return RecoveryStore((isNamed ? state : NSHomeDirectory()->fileSystemRepresentation() +
-                                                std::string("/.local/state")) +
-                         std::string("/pelvor-writer/recovery"));
+    return RecoveryStore(
+        (isNamed ? state : NSHomeDirectory()->fileSystemRepresentation() + std::string("/.local/state")) +
+        std::string("/pelvor-writer/recovery"));
 }
 
 std::vector<AbandonedDocument> RecoveryStore::abandonedDocuments() const {

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "Foundation/NSDate.h"
 #include "Foundation/NSMutableAttributedString.h"
 #include "Writer/Recovery/RecoveryOrigin.h"
 
 namespace pelvor {
 
-class NSDate;
 class RecoveryFile;
 
 /// How the file of a recovered document compares with the file that the document was read from.

@@ -16,7 +16,7 @@
 namespace pelvor {
 namespace {
 
-constexpr double kInterval = 1;         // seconds from a change to its writing
+constexpr double kInterval = 1;        // seconds from a change to its writing
 constexpr double kRetryInterval = 30;  // after writing has failed
 
 // What the other thread writes.
@@ -106,11 +106,11 @@ void WRRecoveryJournal::setOrigin(RecoveryOrigin origin) {
 
 // MARK: Writing
 
-// A negative time stops the timer.
+// A negative time stops the timer. Without a storage there is nothing to write.
 void WRRecoveryJournal::writeIn(double seconds) {
     if (_timer) _timer->invalidate();
     _timer = nullptr;
-    if (seconds < 0) return;
+    if (seconds < 0 || !_storage) return;
     NSDate* date = NSDate::dateWithTimeIntervalSinceNow(seconds);
     _timer = NSTimer::initWithFireDate_interval_target_selector_userInfo_repeats(
         date, 0, this, "writeChanges:"_sel, nullptr, false);
@@ -156,11 +156,10 @@ void WRRecoveryJournal::tellProblem(int code) {
     if (!handler) return;
     NSString* folder = NSString::ofUTF8(_file->folder());
     NSString* reason = NSFileError::errorWithCode_path_isWriting(code, folder, true)->localizedReason();
-    handler(_origin.path ? localizedFormat(
-                               u"_What is typed in \"%@\" is not kept for the case of a crash: %@."_ns,
-                               _origin.path->lastPathComponent(), reason)
-                         : localizedFormat(u"_What is typed is not kept for the case of a crash: %@."_ns,
-                                           reason));
+    handler(_origin.path
+                ? localizedFormat(u"_What is typed in \"%@\" is not kept for the case of a crash: %@."_ns,
+                                  _origin.path->lastPathComponent(), reason)
+                : localizedFormat(u"_What is typed is not kept for the case of a crash: %@."_ns, reason));
 }
 
 bool WRRecoveryJournal::writeNow() {

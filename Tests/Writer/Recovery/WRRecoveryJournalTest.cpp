@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/Recovery/WRRecoveryJournal.h"
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+
+#include "ChildProcess.h"
+#include "Foundation/ClockScope.h"
+#include "Foundation/NSRunLoop.h"
+#include "RandomSteps.h"
+#include "RecoveryScope.h"
+
+namespace {
+
+mode_t rightsOf(const std::string& path) {
+    struct stat state {};
+    stat(path.c_str(), &state);
+    return state.st_mode & 07777;
+}
+
+// Moves the clock until the journal's timer has brought a finished file.
+void waitForFile(const RecoveryScope& scope) {
+    while (scope.names().empty() || scope.names()[0].ends_with(kUnfinishedExtension)) {
+        NSRunLoop::currentRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode,
+                                                        NSDate::dateWithTimeIntervalSinceNow(60));
+        std::this_thread::yield();
+    }
+}
+
+TEST(WRRecoveryJournal, WritesBehindAChangeAndNothingBefore) {
+    ClockScope clock;
+    RecoveryScope scope;
+    EXPECT_FALSE(NSRunLoop::currentRunLoop()->hasWorkForMode(NSDefaultRunLoopMode));
+    scope.type(u"I write"_ns);
+    waitForFile(scope);
+    EXPECT_EQ(rightsOf(scope.store.folder()), 0700u);
+    EXPECT_EQ(rightsOf(scope.store.folder() + '/' + scope.names()[0]), 0600u);
+    EXPECT_THAT(scope.found(), IsEmpty());  // its owner lives
+    scope.journal->leave();
+    EXPECT_THAT(scope.found(), ElementsAre("Dear Anna,\nI write"));
+}
+
+TEST(WRRecoveryJournal, RemovesItsFileWhenTheDocumentIsSavedOrClosed) {
+    RecoveryScope scope;
+    for (const bool isClosed : {false, true}) {
+        scope.type(u"more"_ns);
+        ASSERT_TRUE(scope.journal->writeNow());
+        EXPECT_EQ(scope.names().size(), 1u);
+        isClosed ? scope.journal->close() : scope.journal->documentIsInFile({});
+        EXPECT_THAT(scope.names(), IsEmpty());
+    }
+}
+
+TEST(WRRecoveryJournal, TellsOnceThatItCannotWriteAndTriesAgain) {
+    ClockScope clock;
+    RecoveryScope scope;
+    const std::string obstacle = scope.folder.write("state", "a file where the folder should be");
+    std::vector<std::string> problems;
+    scope.journal->setProblemHandler([&](NSString* problem) { problems.push_back(problem->toUTF8()); });
+    for (NSString* word : {u"one"_ns, u" two"_ns}) {
+        scope.type(word);
+        EXPECT_FALSE(scope.journal->writeNow());
+    }
+    EXPECT_THAT(problems, ElementsAre(StartsWith("_What is typed is not kept for the case of a crash: ")));
+    std::filesystem::remove(obstacle);
+    waitForFile(scope);
+    std::filesystem::remove_all(scope.store.folder());  // somebody clears the folder
+    scope.type(u" three"_ns);
+    scope.journal->leave();
+    EXPECT_THAT(scope.found(), ElementsAre("Dear Anna,\none two three"));
+}
+
+TEST(WRRecoveryJournal, TakesOverAnAbandonedDocument) {
+    RecoveryScope scope;
+    scope.type(u"one"_ns);
+    scope.journal->leave();
+    for (int crash = 0; crash < 2; ++crash) {
+        auto documents = scope.store.abandonedDocuments();
+        ASSERT_EQ(documents.size(), 1u);
+        EXPECT_THAT(scope.found(), IsEmpty());
+        scope.storage = NSTextStorage::initWithAttributedString(documents[0].text);
+        scope.begin(RecoveryOrigin::of(u"/letter"_ns, nullptr, nullptr), documents[0].file);
+        if (crash == 0) scope.type(u", two"_ns);
+        scope.journal->leave();
+    }
+    auto documents = scope.store.abandonedDocuments();
+    ASSERT_EQ(documents.size(), 1u);
+    EXPECT_EQ(documents[0].text->string()->toUTF8(), "Dear Anna,\none, two");
+    EXPECT_EQ(documents[0].origin.path->toUTF8(), "/letter");
+    documents[0].discard();
+    EXPECT_THAT(scope.names(), IsEmpty());
+}
+
+TEST(WRRecoveryJournal, KeepsEveryTextOfARandomSession) {
+    std::mt19937 random(7);
+    RecoveryScope scope;
+    for (int step = 0; step < randomSteps(600); ++step) {
+        const bool isBracketed = random() % 4 == 0;
+        if (isBracketed) scope.storage->beginEditing();
+        for (unsigned edits = 1 + random() % 3; edits > 0; --edits) {
+            changeRandomly(scope.storage, random);
+            if (isBracketed) scope.journal->writeChanges(nullptr);  // must not write half of an edit
+        }
+        if (isBracketed) scope.storage->endEditing();
+        if (random() % 3 == 0) scope.journal->writeChanges(nullptr);
+        if (random() % 50 != 0) continue;
+        scope.journal->leave();
+        auto documents = scope.store.abandonedDocuments();
+        ASSERT_EQ(documents.size(), 1u);
+        ASSERT_TRUE(documents[0].text->isEqualToAttributedString(scope.storage)) << step;
+        scope.begin({}, documents[0].file);
+    }
+}
+
+// The child tells the number of each change that it knows to be on the disk, until it is killed.
+TEST(WRRecoveryJournal, LosesOnlyWhatWasNotOnTheDiskWhenKilled) {
+    for (unsigned seed = 0; seed < static_cast<unsigned>(randomSteps(12)); ++seed) {
+        RecoveryScope scope;
+        int ends[2];
+        ASSERT_EQ(pipe(ends), 0);
+        const pid_t child = fork();
+        if (child == 0) {
+            std::mt19937 random(seed);
+            for (unsigned change = 1;; ++change) {
+                changeRandomly(scope.storage, random);
+                scope.journal->writeChanges(nullptr);
+                if (change % 3 == 0 && scope.journal->writeNow())
+                    (void)!write(ends[1], &change, sizeof change);
+            }
+        }
+        close(ends[1]);
+        unsigned told = 0;
+        const unsigned wanted = 3 + seed * 7;
+        while (told < wanted && read(ends[0], &told, sizeof told) == sizeof told) {
+        }
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        while (read(ends[0], &told, sizeof told) == sizeof told) {
+        }
+        close(ends[0]);
+        auto documents = scope.store.abandonedDocuments();
+        ASSERT_EQ(documents.size(), 1u);
+        std::mt19937 random(seed);
+        auto model = scope.storage->mutableCopy();
+        for (unsigned change = 0; change < told; ++change) changeRandomly(model, random);
+        unsigned unknown = 0;  // changes that were on the disk before the child could tell
+        for (; unknown < 10 && !documents[0].text->isEqualToAttributedString(model); ++unknown)
+            changeRandomly(model, random);
+        EXPECT_LE(unknown, 3u) << "seed " << seed << ", after change " << told;
+    }
+}
+
+// Files that may not grow stand for a full disk: a part of a record is written.
+TEST(WRRecoveryJournal, KeepsWhatIsOnAFullDiskAndGoesOnWhenThereIsRoom) {
+    EXPECT_EQ(inChild([] {
+                  signal(SIGXFSZ, SIG_IGN);
+                  RecoveryScope scope;
+                  scope.type(u"on the disk"_ns);
+                  if (!scope.journal->writeNow()) return 1;
+                  const auto size = std::filesystem::file_size(scope.store.folder() + '/' + scope.names()[0]);
+                  rlimit limit{};
+                  getrlimit(RLIMIT_FSIZE, &limit);
+                  limit.rlim_cur = size + 4;
+                  setrlimit(RLIMIT_FSIZE, &limit);
+                  for (int i = 0; i < 3; ++i) {
+                      scope.type(u", not"_ns);
+                      if (scope.journal->writeNow()) return 2;
+                  }
+                  if (scope.names().size() != 1) return 3;
+                  if (std::filesystem::file_size(scope.store.folder() + '/' + scope.names()[0]) != size)
+                      return 4;
+                  limit.rlim_cur = limit.rlim_max;
+                  setrlimit(RLIMIT_FSIZE, &limit);
+                  scope.journal->leave();
+                  return scope.found() == std::vector<std::string>{"Dear Anna,\non the disk, not, not, not"}
+                             ? 0
+                             : 5;
+              }),
+              0);
+}
+
+}  // namespace
