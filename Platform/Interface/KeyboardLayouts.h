@@ -8,7 +8,8 @@ namespace pelvor {
 
 // The user enables layouts in the settings of the desktop: the groups of the X server, four at most. All
 // functions are for the main thread, and raise nothing. Without a screen, and where programs cannot switch
-// the keyboard (under Wayland), there are no layouts.
+// the keyboard (under Wayland), there are no layouts. The first question about layouts reads the system's list
+// of them, in some 10 ms.
 //
 //     KeyboardLayoutRef layout = nullptr;
 //     if (KLGetKeyboardLayoutWithIdentifier(stored, &layout) == noErr) KLSetCurrentKeyboardLayout(layout);
@@ -89,8 +90,7 @@ extern PELVOR_EXPORT NSString* const NSCurrentKeyboardLayoutDidChangeNotificatio
 PELVOR_EXPORT OSStatus KLGetKeyboardLayoutCount(NSInteger* count);
 /// The enabled layout at the index, in the user's order.
 PELVOR_EXPORT OSStatus KLGetKeyboardLayoutAtIndex(NSInteger index, KeyboardLayoutRef* layout);
-/// The layout with the identifier, whether enabled or merely known to the system. Reads the system's list of
-/// layouts, in some 10 ms, the first time that no enabled layout has the identifier.
+/// The layout with the identifier, whether enabled or merely known to the system.
 PELVOR_EXPORT OSStatus KLGetKeyboardLayoutWithIdentifier(std::int32_t identifier, KeyboardLayoutRef* layout);
 /// Fails, and sets the value to null, if the layout has no such property or is null.
 PELVOR_EXPORT OSStatus KLGetKeyboardLayoutProperty(KeyboardLayoutRef layout, KeyboardLayoutPropertyTag tag,

@@ -68,8 +68,8 @@ std::vector<BackendLayout> readRegistry() {
     for (rxkb_layout* entry = registry.first(context.get()); entry; entry = registry.next(entry))
         layouts.push_back(registry.layout(entry));
     std::ranges::stable_sort(layouts, {}, &BackendLayout::name);
-    const auto repeated = std::ranges::unique(layouts, {}, &BackendLayout::name);
-    layouts.erase(repeated.begin(), repeated.end());
+    const auto isRepeated = [](const BackendLayout& a, const BackendLayout& b) { return a.name == b.name; };
+    layouts.erase(std::unique(layouts.begin(), layouts.end(), isRepeated), layouts.end());
     return layouts;
 }
 
