@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Foundation/NSMutableAttributedString.h"
+#include "Prelude.h"
 #include "TemporaryFolder.h"
 #include "Text/TextAttributes.h"
 #include "Writer/Recovery/RecoveryFile.h"

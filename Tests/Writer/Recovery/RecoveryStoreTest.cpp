@@ -9,16 +9,10 @@
 namespace {
 
 TEST(RecoveryStore, IsInTheFolderForStateOfTheUser) {
-    EnvironmentScope home("HOME", "/home/ann");
-    struct {
-        const char *state, *folder;
-    } const rows[] = {{"/s", "/s/pelvor-writer/recovery"},
-                      {"relative", "/home/ann/.local/state/pelvor-writer/recovery"},
-                      {nullptr, "/home/ann/.local/state/pelvor-writer/recovery"}};
-    for (const auto& row : rows) {
-        EnvironmentScope state("XDG_STATE_HOME", row.state);
-        EXPECT_EQ(RecoveryStore::ofUser().folder(), row.folder);
-    }
+    EnvironmentScope home("HOME", "/home/ann"), state("XDG_STATE_HOME", "relative");
+    EXPECT_EQ(RecoveryStore::ofUser().folder(), "/home/ann/.local/state/pelvor-writer/recovery");
+    EnvironmentScope named("XDG_STATE_HOME", "/s");
+    EXPECT_EQ(RecoveryStore::ofUser().folder(), "/s/pelvor-writer/recovery");
 }
 
 TEST(RecoveryStore, PassesOverWhatIsNoRecoveryFileAndSaysWhy) {

@@ -3,10 +3,10 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 
 #include <csignal>
 
-#include "ChildProcess.h"
 #include "Foundation/ClockScope.h"
 #include "Foundation/NSRunLoop.h"
 #include "RandomSteps.h"
@@ -20,9 +20,18 @@ mode_t rightsOf(const std::string& path) {
     return state.st_mode & 07777;
 }
 
-// Moves the clock until the journal's timer has brought a finished file.
-void waitForFile(const RecoveryScope& scope) {
-    while (scope.names().empty() || scope.names()[0].ends_with(kUnfinishedExtension)) {
+std::string pathOfFile(const RecoveryScope& scope) {
+    return scope.store.folder() + '/' + scope.names().at(0);
+}
+
+// Moves the clock until the journal's timer has brought a finished file of at least that size.
+void waitForFile(const RecoveryScope& scope, std::uintmax_t size) {
+    for (;;) {
+        std::error_code error;
+        const auto names = scope.names();
+        if (names.size() == 1 && !names[0].ends_with(kUnfinishedExtension) &&
+            std::filesystem::file_size(scope.store.folder() + '/' + names[0], error) >= size && !error)
+            return;
         NSRunLoop::currentRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode,
                                                         NSDate::dateWithTimeIntervalSinceNow(60));
         std::this_thread::yield();
@@ -34,45 +43,44 @@ TEST(WRRecoveryJournal, WritesBehindAChangeAndNothingBefore) {
     RecoveryScope scope;
     EXPECT_FALSE(NSRunLoop::currentRunLoop()->hasWorkForMode(NSDefaultRunLoopMode));
     scope.type(u"I write"_ns);
-    waitForFile(scope);
+    waitForFile(scope, 1);
     EXPECT_EQ(rightsOf(scope.store.folder()), 0700u);
-    EXPECT_EQ(rightsOf(scope.store.folder() + '/' + scope.names()[0]), 0600u);
+    EXPECT_EQ(rightsOf(pathOfFile(scope)), 0600u);
     EXPECT_THAT(scope.found(), IsEmpty());  // its owner lives
     scope.journal->leave();
     EXPECT_THAT(scope.found(), ElementsAre("Dear Anna,\nI write"));
 }
 
-TEST(WRRecoveryJournal, RemovesItsFileWhenTheDocumentIsSavedOrClosed) {
-    RecoveryScope scope;
-    for (const bool isClosed : {false, true}) {
-        scope.type(u"more"_ns);
-        ASSERT_TRUE(scope.journal->writeNow());
-        EXPECT_EQ(scope.names().size(), 1u);
-        isClosed ? scope.journal->close() : scope.journal->documentIsInFile({});
-        EXPECT_THAT(scope.names(), IsEmpty());
-    }
-}
-
-TEST(WRRecoveryJournal, TellsOnceThatItCannotWriteAndTriesAgain) {
+// Files that may not grow stand for a full disk: a part of a record is written.
+TEST(WRRecoveryJournal, TellsOnceThatTheDiskIsFullAndGoesOnWhenThereIsRoom) {
     ClockScope clock;
     RecoveryScope scope;
-    const std::string obstacle = scope.folder.write("state", "a file where the folder should be");
     std::vector<std::string> problems;
     scope.journal->setProblemHandler([&](NSString* problem) { problems.push_back(problem->toUTF8()); });
-    for (NSString* word : {u"one"_ns, u" two"_ns}) {
+    scope.type(u"one"_ns);
+    ASSERT_TRUE(scope.journal->writeNow());
+    const std::uintmax_t size = std::filesystem::file_size(pathOfFile(scope));
+    const auto before = signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const rlimit full{size + 4, limit.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &full);
+    for (NSString* word : {u", two"_ns, u", three"_ns}) {
         scope.type(word);
         EXPECT_FALSE(scope.journal->writeNow());
+        EXPECT_EQ(std::filesystem::file_size(pathOfFile(scope)), size);
     }
+    setrlimit(RLIMIT_FSIZE, &limit);
+    signal(SIGXFSZ, before);
     EXPECT_THAT(problems, ElementsAre(StartsWith("_What is typed is not kept for the case of a crash: ")));
-    std::filesystem::remove(obstacle);
-    waitForFile(scope);
-    std::filesystem::remove_all(scope.store.folder());  // somebody clears the folder
-    scope.type(u" three"_ns);
+    waitForFile(scope, size + 1);
+    std::filesystem::remove_all(scope.store.folder());  // somebody clears up
+    scope.type(u", four"_ns);
     scope.journal->leave();
-    EXPECT_THAT(scope.found(), ElementsAre("Dear Anna,\none two three"));
+    EXPECT_THAT(scope.found(), ElementsAre("Dear Anna,\none, two, three, four"));
 }
 
-TEST(WRRecoveryJournal, TakesOverAnAbandonedDocument) {
+TEST(WRRecoveryJournal, TakesOverAnAbandonedDocumentAndRemovesWhatIsSavedOrClosed) {
     RecoveryScope scope;
     scope.type(u"one"_ns);
     scope.journal->leave();
@@ -91,6 +99,15 @@ TEST(WRRecoveryJournal, TakesOverAnAbandonedDocument) {
     EXPECT_EQ(documents[0].origin.path->toUTF8(), "/letter");
     documents[0].discard();
     EXPECT_THAT(scope.names(), IsEmpty());
+    for (const bool isClosed : {false, true}) {
+        scope.begin({}, scope.store.newFile());
+        scope.type(u"more"_ns);
+        ASSERT_TRUE(scope.journal->writeNow());
+        EXPECT_EQ(scope.names().size(), 1u);
+        isClosed ? scope.journal->close() : scope.journal->documentIsInFile({});
+        EXPECT_THAT(scope.names(), IsEmpty());
+        scope.journal->close();
+    }
 }
 
 TEST(WRRecoveryJournal, KeepsEveryTextOfARandomSession) {
@@ -150,35 +167,6 @@ TEST(WRRecoveryJournal, LosesOnlyWhatWasNotOnTheDiskWhenKilled) {
             changeRandomly(model, random);
         EXPECT_LE(unknown, 3u) << "seed " << seed << ", after change " << told;
     }
-}
-
-// Files that may not grow stand for a full disk: a part of a record is written.
-TEST(WRRecoveryJournal, KeepsWhatIsOnAFullDiskAndGoesOnWhenThereIsRoom) {
-    EXPECT_EQ(inChild([] {
-                  signal(SIGXFSZ, SIG_IGN);
-                  RecoveryScope scope;
-                  scope.type(u"on the disk"_ns);
-                  if (!scope.journal->writeNow()) return 1;
-                  const auto size = std::filesystem::file_size(scope.store.folder() + '/' + scope.names()[0]);
-                  rlimit limit{};
-                  getrlimit(RLIMIT_FSIZE, &limit);
-                  limit.rlim_cur = size + 4;
-                  setrlimit(RLIMIT_FSIZE, &limit);
-                  for (int i = 0; i < 3; ++i) {
-                      scope.type(u", not"_ns);
-                      if (scope.journal->writeNow()) return 2;
-                  }
-                  if (scope.names().size() != 1) return 3;
-                  if (std::filesystem::file_size(scope.store.folder() + '/' + scope.names()[0]) != size)
-                      return 4;
-                  limit.rlim_cur = limit.rlim_max;
-                  setrlimit(RLIMIT_FSIZE, &limit);
-                  scope.journal->leave();
-                  return scope.found() == std::vector<std::string>{"Dear Anna,\non the disk, not, not, not"}
-                             ? 0
-                             : 5;
-              }),
-              0);
 }
 
 }  // namespace
