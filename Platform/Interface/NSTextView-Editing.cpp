@@ -10,6 +10,7 @@
 #include "Interface/Texts/TextViewState.h"
 #include "Runtime/Message.h"
 #include "Shared/ArgumentChecks.h"
+#include "Text/TextAttributes.h"
 
 namespace pelvor {
 namespace {
@@ -18,6 +19,24 @@ NSString* plainTextOf(id text) {
     if (auto string = cast<NSString>(text)) return string;
     auto attributed = cast<NSAttributedString>(text);
     return attributed ? attributed->string() : nullptr;
+}
+
+// Null where the text ends, and for text without a style.
+id paragraphStyleAt(NSTextStorage* storage, NSUInteger place) {
+    return place < storage->length()
+               ? storage->attribute_atIndex_effectiveRange(NSParagraphStyleAttributeName, place, nullptr)
+               : nullptr;
+}
+
+// Gives the rest of the paragraph the style that it had.
+void restoreStyleBehind(NSTextStorage* storage, NSUInteger place, id style) {
+    if (place >= storage->length()) return;
+    const NSUInteger end = NSMaxRange(paragraphsAround(storage->string(), {place, 0}));
+    const NSRange rest{place, end - place};
+    if (style)
+        storage->addAttribute_value_range(NSParagraphStyleAttributeName, style, rest);
+    else
+        storage->removeAttribute_range(NSParagraphStyleAttributeName, rest);
 }
 
 }  // namespace
@@ -163,9 +182,10 @@ void NSTextView::noteUndo(NSRange range, NSUInteger newLength) {
     if (!manager || !manager->isUndoRegistrationEnabled()) return breakUndoCoalescing();
     auto before =
         Retained<NSAttributedString>::retaining(_state->storage->attributedSubstringFromRange(range));
+    id styleBehind = paragraphStyleAt(_state->storage, NSMaxRange(range));
     const bool canGrow = _state->lastUndo && !manager->isUndoing() && !manager->isRedoing();
-    if (canGrow && _state->lastUndo->absorb(range, before, newLength)) return;
-    _state->lastUndo = NSTextUndo::change(range.location, std::move(before), newLength);
+    if (canGrow && _state->lastUndo->absorb(range, before, newLength, styleBehind)) return;
+    _state->lastUndo = NSTextUndo::change(range.location, std::move(before), newLength, styleBehind);
     manager->registerUndoWithTarget_selector_object(this, "undoTextChange:"_sel, _state->lastUndo);
     if (manager->isUndoing() || manager->isRedoing()) breakUndoCoalescing();
 }
@@ -180,7 +200,10 @@ void NSTextView::undoTextChange(id record) {
     if (!isRangeInside(range, _state->length())) return;  // somebody edited without saying so
     breakUndoCoalescing();
     if (!shouldChangeTextInRange_replacementString(range, undo->before()->string())) return;
+    _state->storage->beginEditing();
     _state->storage->replaceCharactersInRange_withAttributedString(range, undo->before());
+    restoreStyleBehind(_state->storage, range.location + undo->before()->length(), undo->styleBehind());
+    _state->storage->endEditing();
     setSelectedRange(_state->clamped(NSRange{range.location, undo->before()->length()}));
     didChangeText();
     scrollRangeToVisible(_state->selection);

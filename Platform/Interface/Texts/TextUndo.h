@@ -6,20 +6,23 @@
 
 namespace pelvor {
 
-/// What stood where, before a change by the user.
+/// What stood where, before a change by the user. A change can give what stands behind it in its paragraph
+/// another paragraph style, so that the one it had is known, too.
 class NSTextUndo : public NSObject {
     PELVOR_CLASS(NSTextUndo, NSObject);
 
   public:
-    /// The text was about to take the place of `before`, and to have `newLength` units.
+    /// The text was about to take the place of `before`, and to have `newLength` units. `styleBehind` is the
+    /// paragraph style of the next unit, or null.
     static Retained<NSTextUndo> change(NSUInteger location, Retained<NSAttributedString> before,
-                                       NSUInteger newLength);
+                                       NSUInteger newLength, id styleBehind);
 
     NSRange range() { return {_location, _newLength}; }
     NSAttributedString* before() { return _before; }
+    id styleBehind() { return _styleBehind; }
     /// Takes a further change in, if that goes on where this one ended: typing, deleting backward, or
     /// deleting forward. False leaves everything as it is.
-    bool absorb(NSRange range, NSAttributedString* before, NSUInteger newLength);
+    bool absorb(NSRange range, NSAttributedString* before, NSUInteger newLength, id styleBehind);
 
   protected:
     NSTextUndo() = default;
@@ -29,6 +32,7 @@ class NSTextUndo : public NSObject {
     NSUInteger _location = 0;
     NSUInteger _newLength = 0;
     Retained<NSAttributedString> _before;
+    Retained<Object> _styleBehind;
 };
 
 }  // namespace pelvor
