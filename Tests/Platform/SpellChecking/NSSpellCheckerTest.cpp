@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SpellChecking/NSSpellChecker.h"
 
-#include <sys/stat.h>
-
 #include "DictionaryScope.h"
-#include "Foundation/NSFileError.h"
 #include "Foundation/NSLog.h"
 #include "Foundation/NSRunLoop.h"
 #include "Prelude.h"
@@ -30,7 +27,6 @@ TEST(NSSpellChecker, FindsTheNextMisspelledWord) {
     EXPECT_EQ(check(7, false), (NSRange{13, 3}));
     EXPECT_EQ(count, 2);
     EXPECT_EQ(check(16, false), (NSRange{NSNotFound, 0}));
-    EXPECT_EQ(count, 0);
     EXPECT_EQ(check(14, true), (NSRange{4, 3}));
     EXPECT_EQ(count, 2);
     EXPECT_EQ(checker->countWordsInString_language(u"Don't, 3 see-saws."_ns, nullptr), 4);
