@@ -36,7 +36,7 @@ void FileNameCell::drawInteriorWithFrame_inView(NSRect frame, NSView* view) {
         menusRunFromRightToLeft() ? NSMaxX(frame) - kPictureRoom / 2 : frame.origin.x + kPictureRoom / 2;
     const NSRect place{{std::round(middle - size.width / 2), std::round(NSMidY(frame) - size.height / 2)},
                        size};
-    const ThemeColor ink = isHighlighted() ? ThemeColor::textOnAccent : ThemeColor::disabledText;
+    const ThemeColor ink = isHighlighted() ? ThemeColor::selection : ThemeColor::disabledText;
     if (_isFolder) {
         const ThemeColor color = isHighlighted() ? ThemeColor::textOnAccent : ThemeColor::accent;
         fillRounded({place.origin, {7, 6}}, 1.5f, color);

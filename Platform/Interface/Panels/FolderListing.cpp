@@ -12,10 +12,10 @@
 #include <cstring>
 #include <memory>
 
-#include "Foundation/LibraryTexts.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSFileManager.h"
 #include "Foundation/UserLanguages.h"
+#include "Interface/Panels/PanelMessages.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Shared/Descriptor.h"
 
@@ -97,6 +97,7 @@ class FolderListing::Formats {
         return textOf(text, udat_format(_dates.get(), seconds * 1000, text, kRoom, nullptr, &error), error);
     }
     NSString* sizeText(double bytes) {
+        if (bytes == 1) return panelText(u"_1 byte"_ns);
         NSString* const kUnits[] = {u"_%@ bytes"_ns, u"_%@ KB"_ns, u"_%@ MB"_ns, u"_%@ GB"_ns};
         std::size_t unit = 0;
         for (; bytes >= 999.5 && unit + 1 < std::size(kUnits); ++unit) bytes /= 1000;
@@ -106,7 +107,7 @@ class FolderListing::Formats {
         UChar text[kRoom];
         NSString* number =
             textOf(text, unum_formatDouble(_numbers.get(), bytes, text, kRoom, nullptr, &error), error);
-        return NSString::stringWithFormat(localizedLibraryText(kUnits[unit]), number);
+        return NSString::stringWithFormat(panelText(kUnits[unit]), number);
     }
 
   private:

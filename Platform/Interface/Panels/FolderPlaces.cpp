@@ -7,9 +7,9 @@
 #include <memory>
 #include <string_view>
 
-#include "Foundation/LibraryTexts.h"
 #include "Foundation/NSFileManager.h"
 #include "Foundation/StandardFolders.h"
+#include "Interface/Panels/PanelMessages.h"
 
 namespace pelvor {
 
@@ -18,9 +18,9 @@ std::vector<FolderPlace> folderPlaces() {
     const auto add = [&](NSString* title, NSString* path) {
         if (title && path) places.push_back({title->copy(), path->copy()});
     };
-    add(localizedLibraryText(u"_Home"_ns), NSHomeDirectory());
-    add(localizedLibraryText(u"_Documents"_ns), folderOfType(folderType("docs"), FolderDomainUser));
-    add(localizedLibraryText(u"_File System"_ns), u"/"_ns);
+    add(panelText(u"_Home"_ns), NSHomeDirectory());
+    add(panelText(u"_Documents"_ns), folderOfType(folderType("docs"), FolderDomainUser));
+    add(panelText(u"_File System"_ns), u"/"_ns);
     const auto close = [](FILE* file) { ::endmntent(file); };
     const std::unique_ptr<FILE, decltype(close)> mounts(::setmntent("/proc/self/mounts", "re"), close);
     mntent entry;
