@@ -119,10 +119,14 @@ void FilePanelView::makeTable() {
         column->dataCell()->setScrollable(isName);
         made.push_back(column);
     }
-    const NSTextAlignment trailing = menusRunFromRightToLeft() ? NSLeftTextAlignment : NSRightTextAlignment;
-    made.back()->dataCell()->setAlignment(trailing);
-    made.back()->headerCell()->setAlignment(trailing);
-    if (menusRunFromRightToLeft()) std::reverse(made.begin(), made.end());
+    // By the language of the panel, not by that of a name.
+    const bool isRightToLeft = menusRunFromRightToLeft();
+    for (const auto& column : made) {
+        const bool isAtLeft = (column == made.back()) == isRightToLeft;
+        for (NSCell* cell : {column->dataCell(), column->headerCell()})
+            cell->setAlignment(isAtLeft ? NSLeftTextAlignment : NSRightTextAlignment);
+    }
+    if (isRightToLeft) std::reverse(made.begin(), made.end());
     for (const auto& column : made) _table->addTableColumn(column);
     _table->setColumnAutoresizingStyle(NSTableViewUniformColumnAutoresizingStyle);
     _table->setAllowsColumnReordering(false);
