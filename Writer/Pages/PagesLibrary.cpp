@@ -2,6 +2,7 @@
 #include "Writer/Pages/PagesLibrary.h"
 
 #include "BaseTextLibrary.h"
+#include "Writer/Pages/WRMutableSheetParagraphStyle.h"
 #include "Writer/Pages/WRPageLayoutManager.h"
 #include "Writer/Pages/WRPictureCell.h"
 #include "Writer/Pages/WRSheetParagraphStyle.h"
@@ -10,8 +11,8 @@ namespace pelvor {
 namespace {
 
 constexpr Library* kDependencies[] = {&baseTextLibrary};
-constexpr Class* kClasses[] = {&WRPageLayoutManager::classRecord, &WRPictureCell::classRecord,
-                               &WRSheetParagraphStyle::classRecord};
+constexpr Class* kClasses[] = {&WRMutableSheetParagraphStyle::classRecord, &WRPageLayoutManager::classRecord,
+                               &WRPictureCell::classRecord, &WRSheetParagraphStyle::classRecord};
 
 }  // namespace
 

@@ -3,12 +3,14 @@
 
 #include <unordered_map>
 
+#include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableAttributedString.h"
 #include "Foundation/NSString.h"
 #include "NSAttributedString-PelvorAdditions.h"
 #include "NSString-PelvorAdditions.h"
 #include "Text/NSFontManager.h"
 #include "Text/TextAttributes.h"
+#include "Writer/Pages/StyleChange.h"
 
 namespace pelvor {
 namespace {
@@ -40,6 +42,17 @@ const NamedStyle* StyleSheet::find(const Styles& styles, NSString* name) {
     return found == styles.end() ? nullptr : &found->second;
 }
 
+NSArray* StyleSheet::namesOf(const Styles& styles) {
+    auto* names = NSMutableArray::array();
+    for (const auto& [name, style] : styles) names->addObject(NSString::of(name));
+    return names;
+}
+
+void StyleSheet::addMissingStyles(const StyleSheet& other) {
+    _paragraphStyles.insert(other._paragraphStyles.begin(), other._paragraphStyles.end());
+    _characterStyles.insert(other._characterStyles.begin(), other._characterStyles.end());
+}
+
 NSDictionary* attributesOfStyle(const NamedStyle& style) {
     auto* attributes = NSMutableDictionary::dictionaryWithDictionary(style.attributes);
     attributes->setObject_forKey(style.fontFor(nullptr), NSFontAttributeName);
@@ -49,14 +62,6 @@ NSDictionary* attributesOfStyle(const NamedStyle& style) {
 }
 
 namespace {
-
-NSFont* fontOf(NSDictionary* attributes) {
-    return cast<NSFont>(attributes->objectForKey(NSFontAttributeName));
-}
-NSString* nameIn(NSDictionary* attributes, NSString* key) {
-    return cast<NSString>(attributes->objectForKey(key));
-}
-bool areEqual(id one, id other) { return one == other || (one && other && one->isEqual(other)); }
 
 // Puts text into styles.
 class StyledText {
@@ -102,37 +107,14 @@ class StyledText {
         const NSRange paragraph = paragraphRangeForRange(_text->string(), {place, 0});
         const NSRange range{place, NSMaxRange(paragraph) - place};
         const NamedStyle* style = _sheet->paragraphStyle(nameIn(attributes, PBStyleParagraphAttributeName));
-        // Most of the paragraph is in the formats of the style that it was made with.
-        NSRange longest{0, 0};
-        for (AttributeRun run : _text->runsInRange(range))
-            if (run.range.length > longest.length) longest = run.range;
-        const auto usual = Retained<NSDictionary>::retaining(
-            _text->attributesAtIndex_effectiveRange(longest.location, nullptr));
+        const auto usual = Retained<NSDictionary>::retaining(usualAttributes(_text, range));
         _text->changeAttributesInRange(range, [&](NSDictionary* old) {
-            auto changed = NSMutableDictionary::initWithDictionary(old);
-            if (style) merge(*style, old, usual, changed);
+            auto changed =
+                style ? attributesInStyle(*style, old, usual) : NSMutableDictionary::initWithDictionary(old);
             addCharacterStyle(changed, nullptr);
             return Retained<NSDictionary>(std::move(changed));
         });
         return range;
-    }
-
-    static void merge(const NamedStyle& style, NSDictionary* old, NSDictionary* usual,
-                      NSMutableDictionary* changed) {
-        NSDictionary* whole = attributesOfStyle(style);
-        for (NSDictionaryEntry entry : whole)
-            if (areEqual(old->objectForKey(entry.key), usual->objectForKey(entry.key)))
-                changed->setObject_forKey(entry.value, entry.key);
-        NSFont *own = fontOf(old), *most = fontOf(usual);
-        if (!own || !most || own == most) return;
-        NSFont* font = fontOf(whole);
-        const unsigned difference = manager()->traitsOfFont(own) ^ manager()->traitsOfFont(most);
-        const float size = font->pointSize() * own->pointSize() / most->pointSize();
-        if (!own->familyName()->isEqualToString(most->familyName()))
-            font = manager()->convertFont_toFamily(font, own->familyName());
-        for (unsigned trait : {NSBoldFontMask, NSItalicFontMask})
-            if (difference & trait) font = withTrait(font, !(manager()->traitsOfFont(font) & trait), trait);
-        changed->setObject_forKey(manager()->convertFont_toSize(font, size), NSFontAttributeName);
     }
 
     void addCharacterStyle(NSMutableDictionary* attributes, const StyleSheet* defaults) {
@@ -140,8 +122,7 @@ class StyledText {
         const NamedStyle* style = _sheet ? _sheet->characterStyle(name) : nullptr;
         if (!style && defaults) style = defaults->characterStyle(name);
         if (!style) return;
-        attributes->addEntriesFromDictionary(style->attributes);
-        attributes->setObject_forKey(style->fontFor(fontOf(attributes)), NSFontAttributeName);
+        addStyle(*style, attributes);
     }
 
     Retained<NSMutableAttributedString> _text;

@@ -46,6 +46,11 @@ class PELVOR_EXPORT StyleSheet {
 
     const NamedStyle* paragraphStyle(NSString* name) const { return find(_paragraphStyles, name); }
     const NamedStyle* characterStyle(NSString* name) const { return find(_characterStyles, name); }
+    /// In alphabetical order, in lower case. Borrowed.
+    NSArray* paragraphStyleNames() const { return namesOf(_paragraphStyles); }
+    NSArray* characterStyleNames() const { return namesOf(_characterStyles); }
+    /// Takes over the styles of the other sheet whose names this one lacks.
+    void addMissingStyles(const StyleSheet& other);
     /// Those of the settings of PlugInProtocol.h that the sheet has; headers and footers are in its styles
     /// "header" and "footer".
     NSDictionary* settings() const { return _settings; }
@@ -58,6 +63,7 @@ class PELVOR_EXPORT StyleSheet {
     using Styles = std::map<std::u16string, NamedStyle>;
 
     static const NamedStyle* find(const Styles& styles, NSString* name);
+    static NSArray* namesOf(const Styles& styles);
 
     Styles _paragraphStyles, _characterStyles;
     Retained<NSMutableDictionary> _settings;

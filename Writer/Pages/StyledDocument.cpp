@@ -61,9 +61,11 @@ StyledDocument StyledDocument::of(NSString* text, NSDictionary* options) {
     if (!rich) rich = NSAttributedString::initWithString(text);
     styled.text = textInStyles(rich, *wishes.defaults, wishes.sheet ? &*wishes.sheet : nullptr);
     styled.settings.set(settingsFor(wishes, options));
-    const NamedStyle* plain = wishes.sheet ? wishes.sheet->paragraphStyle(kPlainStyleName) : nullptr;
-    if (!plain) plain = wishes.defaults->paragraphStyle(kPlainStyleName);
+    auto sheet = std::make_shared<StyleSheet>(wishes.sheet ? *wishes.sheet : *wishes.defaults);
+    sheet->addMissingStyles(*wishes.defaults);
+    const NamedStyle* plain = sheet->paragraphStyle(kPlainStyleName);
     styled.plainAttributes.set(plain ? attributesOfStyle(*plain) : NSDictionary::dictionary());
+    styled.sheet = std::move(sheet);
     return styled;
 }
 

@@ -2,8 +2,11 @@
 // A document that is ready to be set in pages.
 #pragma once
 
+#include <memory>
+
 #include "Foundation/NSAttributedString.h"
 #include "Foundation/NSDictionary.h"
+#include "Writer/Pages/StyleSheet.h"
 
 namespace pelvor {
 
@@ -16,8 +19,9 @@ struct PELVOR_EXPORT StyledDocument {
 
     Retained<NSAttributedString> text;
     Retained<NSDictionary> settings;
-    Retained<NSDictionary> plainAttributes;  ///< of text in no style
-    NSString* problem = nullptr;             ///< why there is neither, as a sentence for the user; borrowed
+    Retained<NSDictionary> plainAttributes;   ///< of text in no style
+    std::shared_ptr<const StyleSheet> sheet;  ///< with all styles that the document's text can have
+    NSString* problem = nullptr;              ///< why there is neither, as a sentence for the user; borrowed
 };
 
 }  // namespace pelvor

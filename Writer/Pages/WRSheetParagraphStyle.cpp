@@ -5,6 +5,7 @@
 #include "Foundation/NSString.h"
 #include "Runtime/Message.h"
 #include "Writer/Pages/PagesLibrary.h"
+#include "Writer/Pages/WRMutableSheetParagraphStyle.h"
 
 namespace pelvor {
 
@@ -53,6 +54,18 @@ std::uintptr_t WRSheetParagraphStyle::hash() {
     const unsigned rules =
         _rules.isKeepWithNext * 1u + _rules.isKeepTogether * 2u + _rules.isPageBreakBefore * 4u;
     return NSParagraphStyle::hash() + rules;
+}
+
+NSString* WRSheetParagraphStyle::description() {
+    NSString* text = NSParagraphStyle::description();
+    if (_rules.isKeepWithNext) text = text->stringByAppendingString(u", kept with the next"_ns);
+    if (_rules.isKeepTogether) text = text->stringByAppendingString(u", kept together"_ns);
+    if (_rules.isPageBreakBefore) text = text->stringByAppendingString(u", on a new page"_ns);
+    return text;
+}
+
+Retained<Object> WRSheetParagraphStyle::mutableCopyWithZone(void*) {
+    return WRMutableSheetParagraphStyle::create(this, _rules);
 }
 
 }  // namespace pelvor

@@ -18,7 +18,8 @@ struct PageRules {
 /// The rules of a paragraph style that has the messages of their names, of whatever class.
 PELVOR_EXPORT PageRules pageRulesOf(Object* style);
 
-/// A paragraph style with rules for pages, as style sheets give them. Immutable, any thread.
+/// A paragraph style with rules for pages, as style sheets and rich text files give them. Mutable copies keep
+/// the rules. Immutable, any thread.
 class PELVOR_EXPORT WRSheetParagraphStyle : public NSParagraphStyle {
     PELVOR_CLASS(WRSheetParagraphStyle, NSParagraphStyle);
     PELVOR_CREATORS(initWithCoder);
@@ -38,7 +39,9 @@ class PELVOR_EXPORT WRSheetParagraphStyle : public NSParagraphStyle {
     /// A style without rules is equal to a plain one.
     bool isEqual(id other) override;
     std::uintptr_t hash() override;
+    NSString* description() override;
     Retained<Object> copyWithZone(void*) override { return Retained<Object>::retaining(this); }
+    Retained<Object> mutableCopyWithZone(void*) override;
 
   protected:
     WRSheetParagraphStyle() = default;

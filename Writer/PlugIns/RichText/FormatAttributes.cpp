@@ -14,10 +14,10 @@
 #include "Text/NSFont.h"
 #include "Text/NSMutableParagraphStyle.h"
 #include "Text/NSTextTab.h"
+#include "Writer/Pages/WRSheetParagraphStyle.h"
 #include "Writer/PlugIns/RichText/LanguageNumbers.h"
 #include "Writer/PlugIns/RichText/Pictures.h"
 #include "Writer/PlugIns/RichText/RichTextReading.h"
-#include "Writer/PlugIns/RichText/WRParagraphStyle.h"
 
 namespace pelvor {
 namespace {
@@ -65,8 +65,8 @@ Retained<NSParagraphStyle> styleOf(const ParagraphFormat& format, std::int32_t t
             NSTextTab::initWithType_location(static_cast<NSTextTabType>(tab.type), points(tab.location))
                 .get());
     style->setTabStops(tabs);
-    return WRParagraphStyle::initWithParagraphStyle_keepWithNext_keepTogether_pageBreakBefore(
-        style, format[A::keepWithNext], format[A::keepTogether], format[A::pageBreakBefore]);
+    return WRSheetParagraphStyle::create(
+        style, {format[A::keepWithNext] != 0, format[A::keepTogether] != 0, format[A::pageBreakBefore] != 0});
 }
 
 bool isUsual(ParagraphFormat format) {
@@ -80,10 +80,6 @@ void setLanguage(NSString* name, NSMutableDictionary* attributes) {
     if (Class* languages = classNamed("WRLanguage"))
         attributes->setObject_forKey(send<id>(languages, "languageWithIdentifier:"_sel, name),
                                      PBLanguageAttributeName);
-}
-
-bool says(NSParagraphStyle* style, SEL question) {
-    return style->respondsToSelector(question) && send<bool>(style, question);
 }
 
 std::int32_t integer(Object* value) {
@@ -272,9 +268,10 @@ void AttributeFormats::takeStyle(NSParagraphStyle* style, ParagraphFormat& forma
         else
             leaveOut(u"tabStops"_ns);
     }
-    format[A::keepWithNext] = says(style, "isKeepWithNext"_sel);
-    format[A::keepTogether] = says(style, "isKeepTogether"_sel);
-    format[A::pageBreakBefore] = says(style, "isPageBreakBefore"_sel);
+    const PageRules rules = pageRulesOf(style);
+    format[A::keepWithNext] = rules.isKeepWithNext;
+    format[A::keepTogether] = rules.isKeepTogether;
+    format[A::pageBreakBefore] = rules.isPageBreakBefore;
 
     if (style->lineSpacing() != 0) leaveOut(u"lineSpacing"_ns);
     if (style->lineBreakMode() != NSLineBreakByWordWrapping) leaveOut(u"lineBreakMode"_ns);

@@ -1,20 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/RichText/RichTextPlugIn.h"
 
-#include "BaseTextLibrary.h"
+#include "Writer/Pages/PagesLibrary.h"
 #include "Writer/PlugIns/RichText/WRByteScanner.h"
 #include "Writer/PlugIns/RichText/WRControlWord.h"
-#include "Writer/PlugIns/RichText/WRParagraphStyle.h"
 #include "Writer/PlugIns/RichText/WRRichTextReader.h"
 #include "Writer/PlugIns/RichText/WRRichTextWriter.h"
 
 namespace pelvor {
 namespace {
 
-constexpr Library* kDependencies[] = {&baseTextLibrary};
+constexpr Library* kDependencies[] = {&pagesLibrary};
 constexpr Class* kClasses[] = {&WRByteScanner::classRecord, &WRControlWord::classRecord,
-                               &WRParagraphStyle::classRecord, &WRRichTextReader::classRecord,
-                               &WRRichTextWriter::classRecord};
+                               &WRRichTextReader::classRecord, &WRRichTextWriter::classRecord};
 
 }  // namespace
 

@@ -12,9 +12,9 @@
 #include "Text/NSFontManager.h"
 #include "Text/NSMutableParagraphStyle.h"
 #include "Text/NSTextTab.h"
+#include "Writer/Pages/WRSheetParagraphStyle.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/PlugIns/RichText/RichTextAnswer.h"
-#include "Writer/PlugIns/RichText/WRParagraphStyle.h"
 
 namespace {
 
@@ -34,8 +34,7 @@ Retained<NSParagraphStyle> styleOf(const std::function<void(NSMutableParagraphSt
                                    bool isKeepWithNext = false, bool isPageBreakBefore = false) {
     auto style = NSMutableParagraphStyle::init();
     change(style);
-    return WRParagraphStyle::initWithParagraphStyle_keepWithNext_keepTogether_pageBreakBefore(
-        style, isKeepWithNext, false, isPageBreakBefore);
+    return WRSheetParagraphStyle::create(style, {isKeepWithNext, false, isPageBreakBefore});
 }
 
 RichTextObjects readBack(const RichTextMarkup& markup) {
