@@ -39,6 +39,10 @@ void restoreStyleBehind(NSTextStorage* storage, NSUInteger place, id style) {
         storage->removeAttribute_range(NSParagraphStyleAttributeName, rest);
 }
 
+bool touch(NSRange one, NSRange other) {
+    return one.location <= NSMaxRange(other) && other.location <= NSMaxRange(one);
+}
+
 }  // namespace
 
 // MARK: Asking and telling
@@ -199,12 +203,19 @@ void NSTextView::undoTextChange(id record) {
     const NSRange range = undo->range();
     if (!isRangeInside(range, _state->length())) return;  // somebody edited without saying so
     breakUndoCoalescing();
-    if (!shouldChangeTextInRange_replacementString(range, undo->before()->string())) return;
+    NSString* text = undo->before()->string();
+    const bool keepsText =
+        range.length == text->length() && string()->substringWithRange(range)->isEqualToString(text);
+    if (!shouldChangeTextInRange_replacementString(range, keepsText ? nullptr : text)) return;
     _state->storage->beginEditing();
     _state->storage->replaceCharactersInRange_withAttributedString(range, undo->before());
-    restoreStyleBehind(_state->storage, range.location + undo->before()->length(), undo->styleBehind());
+    restoreStyleBehind(_state->storage, range.location + text->length(), undo->styleBehind());
     _state->storage->endEditing();
-    setSelectedRange(_state->clamped(NSRange{range.location, undo->before()->length()}));
+    // Who takes a format back goes on writing where the caret is.
+    if (keepsText && touch(_state->selection, range))
+        _state->typingAttributes = nullptr;
+    else
+        setSelectedRange(_state->clamped(NSRange{range.location, text->length()}));
     didChangeText();
     scrollRangeToVisible(_state->selection);
 }
