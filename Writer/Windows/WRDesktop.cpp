@@ -34,10 +34,10 @@ struct ActionShortcut {
     NSString* keys;
 };
 const ActionShortcut kShortcuts[] = {
-    {"showNextPage:"_sel, u"Ctrl+K N"_ns},
-    {"showPreviousPage:"_sel, u"Ctrl+K P"_ns},
-    {"orderFrontProfiles:"_sel, u"Ctrl+K L"_ns},
-    {"orderFrontShortcuts:"_sel, u"Ctrl+K K"_ns},
+    {"showNextPage:"_sel, u"Ctrl+K N"_ns},       {"showPreviousPage:"_sel, u"Ctrl+K P"_ns},
+    {"orderFrontProfiles:"_sel, u"Ctrl+K L"_ns}, {"orderFrontShortcuts:"_sel, u"Ctrl+K K"_ns},
+    {"increaseIndent:"_sel, u"Ctrl+K I"_ns},     {"decreaseIndent:"_sel, u"Ctrl+K U"_ns},
+    {"clearFormats:"_sel, u"Ctrl+K 0"_ns},
 };
 
 NSMenuItem* itemWithActionIn(NSMenu* menu, SEL action) {

@@ -27,6 +27,7 @@
 #include "Writer/ProfileChoice.h"
 #include "Writer/WRDocument.h"
 #include "Writer/Windows/WRDesktop.h"
+#include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRZoomView.h"
 #include "Writer/Windows/WindowFrames.h"
@@ -94,6 +95,7 @@ Retained<WRDocumentWindow> WRDocumentWindow::create(WRDocument* document, NSDict
         return nullptr;
     }
     if (storage->length() == 0) self->_pageView->setTypingAttributes(styled.plainAttributes);
+    self->_formatCommands = WRFormatCommands::create(document, self->_pageView, styled.sheet);
     self->makeWindow();
     return self;
 }
@@ -144,7 +146,8 @@ void WRDocumentWindow::makeWindow() {
     _pageView->setEditable(!fidelity || !fidelity->isEqualToString(WRFidelityView));
     _window->setInitialFirstResponder(_pageView);
     setNextResponder(_window->nextResponder());
-    _window->setNextResponder(this);
+    _formatCommands->setNextResponder(this);
+    _window->setNextResponder(_formatCommands);
     _zoomView->scrollPoint({0, 0});
     placeDidChange(nullptr);
 }

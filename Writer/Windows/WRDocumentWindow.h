@@ -14,6 +14,7 @@ class NSTextStorage;
 class NSUndoManager;
 class NSWindow;
 class WRDocument;
+class WRFormatCommands;
 class WRPageView;
 class WRZoomView;
 
@@ -72,6 +73,7 @@ class WRDocumentWindow : public NSResponder {
     Retained<NSScrollView> _scrollView;
     Retained<WRZoomView> _zoomView;
     Retained<WRPageView> _pageView;
+    Retained<WRFormatCommands> _formatCommands;
     Retained<NSTextField> _status;
 };
 

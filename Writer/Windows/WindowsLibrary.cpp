@@ -4,11 +4,14 @@
 #include "Writer/Pages/PagesLibrary.h"
 #include "Writer/Recovery/RecoveryLibrary.h"
 #include "Writer/Shortcuts/ShortcutsLibrary.h"
+#include "Writer/Windows/WRColorMenu.h"
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRDocumentWindow.h"
+#include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRProfilesPanel.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
+#include "Writer/Windows/WRStyleMenu.h"
 #include "Writer/Windows/WRTablePanel.h"
 #include "Writer/Windows/WRZoomView.h"
 
@@ -16,10 +19,11 @@ namespace pelvor {
 namespace {
 
 constexpr Library* kDependencies[] = {&pagesLibrary, &recoveryLibrary, &shortcutsLibrary};
-constexpr Class* kClasses[] = {&WRDesktop::classRecord,        &WRDocumentWindow::classRecord,
+constexpr Class* kClasses[] = {&WRColorMenu::classRecord,      &WRDesktop::classRecord,
+                               &WRDocumentWindow::classRecord, &WRFormatCommands::classRecord,
                                &WRPageView::classRecord,       &WRProfilesPanel::classRecord,
-                               &WRShortcutsPanel::classRecord, &WRTablePanel::classRecord,
-                               &WRZoomView::classRecord};
+                               &WRShortcutsPanel::classRecord, &WRStyleMenu::classRecord,
+                               &WRTablePanel::classRecord,     &WRZoomView::classRecord};
 
 }  // namespace
 

@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/Windows/WRFormatCommands.h"
+
+#include "FormatScope.h"
+#include "Foundation/NSNumber.h"
+#include "Interface/NSMenu.h"
+#include "Text/NSColor.h"
+#include "Text/NSFontManager.h"
+#include "Text/NSMutableParagraphStyle.h"
+#include "Text/NSTextStorage.h"
+#include "Writer/Pages/WRSheetParagraphStyle.h"
+#include "Writer/Windows/WRColorMenu.h"
+#include "Writer/Windows/WRStyleMenu.h"
+
+namespace {
+
+bool isBold(NSFont* font) { return NSFontManager::sharedFontManager()->traitsOfFont(font) & NSBoldFontMask; }
+
+struct FormatCommandsTest : ::testing::Test, FormatScope {
+    FormatCommandsTest() : FormatScope(u"one two\nthree\n\nfour"_ns) {}
+
+    std::string bold() {
+        std::string text;
+        for (NSUInteger i = 0; i < view->textStorage()->length(); ++i)
+            text += isBold(cast<NSFont>(view->textStorage()->attribute_atIndex_effectiveRange(
+                        NSFontAttributeName, i, nullptr)))
+                        ? 'B'
+                        : '.';
+        return text;
+    }
+    static std::string rulesOf(NSParagraphStyle* style) {
+        const PageRules rules = pageRulesOf(style);
+        return std::string(rules.isKeepWithNext ? "next " : "") + (rules.isKeepTogether ? "together" : "");
+    }
+};
+
+TEST_F(FormatCommandsTest, ToggleTheSelectionInOneStep) {
+    EXPECT_EQ(state("toggleBold:"_sel), "off");
+    select(4, 6);
+    choose("toggleBold:"_sel);
+    EXPECT_EQ(bold(), "....BBBBBB.........");
+    EXPECT_EQ(state("toggleBold:"_sel), "on");
+    EXPECT_TRUE(document->hasFormats());
+    EXPECT_EQ(shown(view->undoManager()->undoActionName()), "Change");
+    select(0, 6);
+    EXPECT_EQ(state("toggleBold:"_sel), "mixed");
+    choose("toggleBold:"_sel);
+    EXPECT_EQ(bold(), "BBBBBBBBBB.........") << "partly bold text becomes bold";
+    undo();
+    EXPECT_EQ(bold(), "....BBBBBB.........");
+    undo();
+    EXPECT_EQ(bold().find('B'), std::string::npos);
+    EXPECT_FALSE(document->hasFormats());
+    redo();
+    EXPECT_EQ(bold(), "....BBBBBB.........");
+    EXPECT_TRUE(document->hasFormats());
+}
+
+TEST_F(FormatCommandsTest, ChangeWhatIsTypedNextAtACaret) {
+    select(3);
+    choose("toggleBold:"_sel);
+    choose("toggleUnderline:"_sel);
+    EXPECT_EQ(state("toggleBold:"_sel), "on");
+    EXPECT_TRUE(document->hasFormats());
+    screen.type(u"xy");
+    choose("toggleBold:"_sel);
+    choose("toggleUnderline:"_sel);
+    screen.type(u"z");
+    EXPECT_EQ(bold().substr(0, 8), "...BB...");
+    EXPECT_EQ(runs(NSUnderlineStyleAttributeName), "3-5 1\n");
+}
+
+TEST_F(FormatCommandsTest, AreNotUndoneTogetherWithTyping) {
+    select(3);
+    screen.type(u"ab");
+    select(3, 2);
+    choose("toggleStrikethrough:"_sel);
+    select(5);
+    screen.type(u"c");
+    undo();
+    EXPECT_EQ(shown(view->string()->substringToIndex(6)), "oneab ");
+    EXPECT_EQ(runs(NSStrikethroughStyleAttributeName), "3-5 1\n");
+    undo();
+    EXPECT_EQ(runs(NSStrikethroughStyleAttributeName), "");
+    EXPECT_EQ(shown(view->string()->substringToIndex(5)), "oneab");
+}
+
+TEST_F(FormatCommandsTest, ChangeSizesStepByStep) {
+    select(0, 19);
+    for (const auto& [action, size] : {std::pair{"makeTextBigger:"_sel, " 12\n"},
+                                       {"makeTextBigger:"_sel, " 14\n"},
+                                       {"makeTextSmaller:"_sel, " 12\n"},
+                                       {"makeTextSmaller:"_sel, " 11\n"}}) {
+        choose(action);
+        EXPECT_THAT(runs(NSFontAttributeName), ::testing::HasSubstr(size));
+    }
+}
+
+TEST_F(FormatCommandsTest, ChangeWholeParagraphsAndKeepThePageRules) {
+    select(9);
+    choose("takeParagraphStyleFrom:"_sel, 0, u"heading 1"_ns);
+    EXPECT_EQ(state("alignParagraphs:"_sel, NSLeftTextAlignment), "on") << "natural";
+    choose("alignParagraphs:"_sel, NSCenterTextAlignment);
+    choose("takeLineSpacingFrom:"_sel, 150);
+    choose("increaseIndent:"_sel);
+    EXPECT_EQ(view->selectedRange(), (NSRange{9, 0}));
+    NSParagraphStyle* style = styleAt(13);
+    EXPECT_EQ(style->alignment(), NSCenterTextAlignment);
+    EXPECT_FLOAT_EQ(style->lineHeightMultiple(), 1.5F);
+    EXPECT_FLOAT_EQ(style->headIndent(), 36);
+    EXPECT_EQ(rulesOf(style), "next together");
+    EXPECT_EQ(styleAt(0)->alignment(), NSJustifiedTextAlignment);
+    EXPECT_EQ(rulesOf(styleAt(0)), "");
+    EXPECT_EQ(state("takeLineSpacingFrom:"_sel, 150), "on");
+    EXPECT_EQ(state("decreaseIndent:"_sel), "off");
+    undo();
+    EXPECT_FLOAT_EQ(styleAt(9)->headIndent(), 0);
+    EXPECT_EQ(view->selectedRange(), (NSRange{9, 0})) << "the caret stays";
+    EXPECT_EQ(state("decreaseIndent:"_sel), "disabled");
+    select(0, 12);
+    EXPECT_EQ(state("alignParagraphs:"_sel, NSCenterTextAlignment), "mixed");
+}
+
+TEST_F(FormatCommandsTest, KeepWhatDiffersInAParagraphThatGetsAStyle) {
+    select(4, 3);
+    choose("toggleItalic:"_sel);
+    select(0);
+    EXPECT_EQ(state("takeParagraphStyleFrom:"_sel, 0, u"text"_ns), "on") << "of text without a style";
+    choose("takeParagraphStyleFrom:"_sel, 0, u"Heading 2"_ns);
+    EXPECT_EQ(state("takeParagraphStyleFrom:"_sel, 0, u"heading 2"_ns), "on");
+    EXPECT_EQ(runs(PBStyleParagraphAttributeName), "0-4 Heading 2\n4-7 Heading 2\n7-8 Heading 2\n");
+    EXPECT_EQ(bold().substr(0, 9), "BBBBBBBB.");
+    const auto isItalic = [&](NSUInteger place) {
+        auto* font = cast<NSFont>(
+            view->textStorage()->attribute_atIndex_effectiveRange(NSFontAttributeName, place, nullptr));
+        return (NSFontManager::sharedFontManager()->traitsOfFont(font) & NSItalicFontMask) != 0;
+    };
+    EXPECT_TRUE(isItalic(5));
+    EXPECT_FALSE(isItalic(1));
+    select(0, 7);
+    EXPECT_EQ(state("takeParagraphStyleFrom:"_sel, 0, u"text"_ns), "off");
+    choose("clearFormats:"_sel);
+    EXPECT_FALSE(isItalic(5));
+    EXPECT_EQ(bold().substr(0, 9), "BBBBBBBB.") << "the style stays";
+}
+
+TEST_F(FormatCommandsTest, ExchangeCharacterStyles) {
+    const auto before = runs(NSFontAttributeName);
+    select(0, 3);
+    choose("takeCharacterStyleFrom:"_sel, 0, u"strong emphasis"_ns);
+    EXPECT_EQ(runs(PBStyleCharacterAttributeName), "0-3 strong emphasis\n");
+    EXPECT_EQ(state("takeCharacterStyleFrom:"_sel, 0, u"strong emphasis"_ns), "on");
+    choose("takeCharacterStyleFrom:"_sel, 0, u"emphasis"_ns);
+    EXPECT_EQ(bold().find('B'), std::string::npos);
+    EXPECT_EQ(state("toggleItalic:"_sel), "on");
+    choose("takeCharacterStyleFrom:"_sel);
+    EXPECT_EQ(runs(PBStyleCharacterAttributeName), "");
+    EXPECT_EQ(runs(NSFontAttributeName), before);
+    EXPECT_EQ(state("takeCharacterStyleFrom:"_sel), "on");
+}
+
+TEST_F(FormatCommandsTest, AreDisabledWhereNothingCanBeEdited) {
+    view->setEditable(false);
+    select(0, 5);
+    EXPECT_EQ(state("toggleBold:"_sel), "disabled");
+    choose("toggleBold:"_sel);
+    choose("takeParagraphStyleFrom:"_sel, 0, u"code"_ns);
+    EXPECT_EQ(bold().find('B'), std::string::npos);
+    EXPECT_FALSE(document->hasFormats());
+}
+
+TEST(EmptyDocumentTest, IsFormattedBeforeSomethingIsTyped) {
+    FormatScope empty(u""_ns);
+    empty.choose("takeParagraphStyleFrom:"_sel, 0, u"heading 1"_ns);
+    empty.choose("alignParagraphs:"_sel, NSRightTextAlignment);
+    empty.screen.type(u"A");
+    EXPECT_EQ(empty.runs(PBStyleParagraphAttributeName), "0-1 heading 1\n");
+    EXPECT_EQ(empty.styleAt(0)->alignment(), NSRightTextAlignment);
+    EXPECT_TRUE(empty.document->hasFormats());
+}
+
+TEST_F(FormatCommandsTest, FillTheMenusOfStylesAndColours) {
+    auto menu = NSMenu::initWithTitle(u"Styles"_ns);
+    auto styles = WRStyleMenu::init();
+    menu->setDelegate(styles);
+    menu->update();
+    EXPECT_GE(menu->indexOfItemWithRepresentedObject(u"heading 3"_ns), 0);
+    EXPECT_GE(menu->indexOfItemWithRepresentedObject(u"strong"_ns), 0);
+    EXPECT_EQ(menu->indexOfItemWithRepresentedObject(u"footer"_ns), -1);
+    auto colours = NSMenu::initWithTitle(u"Colours"_ns);
+    auto fill = WRColorMenu::init();
+    colours->setDelegate(fill);
+    colours->update();
+    select(0, 3);
+    colours->performActionForItemAtIndex(4);
+    id colour = colours->itemAtIndex(4)->representedObject();
+    EXPECT_EQ(state("takeColorFrom:"_sel, 0, colour), "on");
+    EXPECT_EQ(state("takeColorFrom:"_sel), "off");
+    colours->performActionForItemAtIndex(0);
+    EXPECT_EQ(runs(NSForegroundColorAttributeName), "");
+}
+
+}  // namespace
