@@ -7,6 +7,16 @@
 
 namespace pelvor {
 
+NSUInteger countWordsInRange(NSString* text, NSRange range) {
+    NSUInteger count = 0;
+    for (NSUInteger place = range.location; place < NSMaxRange(range);) {
+        const NSRange word = wordRangeForRange_includePreviousWord(text, {place, 0}, false);
+        count += word.length > 0 && word.location >= range.location;
+        place = std::max(NSMaxRange(word), place + 1);
+    }
+    return count;
+}
+
 bool nextParagraph(NSString* text, TextParagraph& paragraph) {
     const NSUInteger length = text->length();
     if (paragraph.end == length) return false;

@@ -26,9 +26,12 @@ struct TextParagraph {
 /// Goes on to the paragraph that starts where this one ends; false at the end of the text.
 bool nextParagraph(NSString* text, TextParagraph& paragraph);
 
-/// Counts a text piece by piece; the text must not change meanwhile. Words and quantities, as
-/// `wordRangeForRange_includePreviousWord` finds them, count as words. To be used after the load-time hooks
-/// ran.
+/// Returns the number of words that begin in the range; a word that begins before the range does not count.
+/// Words and quantities, as `wordRangeForRange_includePreviousWord` finds them, count as words. To be used
+/// after the load-time hooks ran.
+PELVOR_EXPORT NSUInteger countWordsInRange(NSString* text, NSRange range);
+
+/// Counts a text piece by piece, words as `countWordsInRange` does; the text must not change meanwhile.
 class TextCounter {
   public:
     explicit TextCounter(NSString* text) : _text(Retained<NSString>::retaining(text)) {}

@@ -7,6 +7,7 @@
 #include "Runtime/Registry.h"
 #include "Text/NSTextStorage.h"
 #include "Writer/Pages/PagesLibrary.h"
+#include "Writer/Pages/TextLanguage.h"
 
 namespace pelvor {
 
@@ -23,11 +24,7 @@ void WRPageLayoutManager::didLoad() {
 }
 
 NSString* WRPageLayoutManager::languageForAttributes(NSDictionary* attributes) {
-    if (NSString* name = NSLayoutManager::languageForAttributes(attributes)) return name;
-    id language = PBEffectiveLanguageForAttributes(attributes);
-    const SEL identifier = "identifier"_sel;
-    return language && language->respondsToSelector(identifier) ? send<NSString*>(language, identifier)
-                                                                : nullptr;
+    return languageOfAttributes(attributes);
 }
 
 void WRPageLayoutManager::textStorage_edited_range_changeInLength_invalidatedRange(

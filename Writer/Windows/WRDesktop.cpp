@@ -37,7 +37,7 @@ const ActionShortcut kShortcuts[] = {
     {"showNextPage:"_sel, u"Ctrl+K N"_ns},       {"showPreviousPage:"_sel, u"Ctrl+K P"_ns},
     {"orderFrontProfiles:"_sel, u"Ctrl+K L"_ns}, {"orderFrontShortcuts:"_sel, u"Ctrl+K K"_ns},
     {"increaseIndent:"_sel, u"Ctrl+K I"_ns},     {"decreaseIndent:"_sel, u"Ctrl+K U"_ns},
-    {"clearFormats:"_sel, u"Ctrl+K 0"_ns},
+    {"clearFormats:"_sel, u"Ctrl+K 0"_ns},       {"showNextMisspelling:"_sel, u"F7"_ns},
 };
 
 NSMenuItem* itemWithActionIn(NSMenu* menu, SEL action) {

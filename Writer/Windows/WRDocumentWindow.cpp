@@ -29,6 +29,8 @@
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRSpelling.h"
+#include "Writer/Windows/WRWordCounter.h"
 #include "Writer/Windows/WRZoomView.h"
 #include "Writer/Windows/WindowFrames.h"
 #include "Writer/Windows/WindowsLibrary.h"
@@ -100,7 +102,10 @@ Retained<WRDocumentWindow> WRDocumentWindow::create(WRDocument* document, NSDict
     return self;
 }
 
-WRDocumentWindow::~WRDocumentWindow() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
+WRDocumentWindow::~WRDocumentWindow() {
+    NSNotificationCenter::defaultCenter()->removeObserver(this);
+    stopWork();
+}
 
 void WRDocumentWindow::makeWindow() {
     const NSRect frame = firstFrame(_pageView->frame().size);
@@ -145,9 +150,14 @@ void WRDocumentWindow::makeWindow() {
     NSString* fidelity = _document->fidelity();
     _pageView->setEditable(!fidelity || !fidelity->isEqualToString(WRFidelityView));
     _window->setInitialFirstResponder(_pageView);
-    setNextResponder(_window->nextResponder());
-    _formatCommands->setNextResponder(this);
-    _window->setNextResponder(_formatCommands);
+    _spelling = WRSpelling::create(_pageView);
+    // Who takes commands behind the window, the last one first.
+    for (NSResponder* taker : {static_cast<NSResponder*>(_spelling),
+                               static_cast<NSResponder*>(_formatCommands), static_cast<NSResponder*>(this)}) {
+        taker->setNextResponder(_window->nextResponder());
+        _window->setNextResponder(taker);
+    }
+    _wordCounter = WRWordCounter::create(_pageView->textStorage(), [this] { showStatus(); });
     _zoomView->scrollPoint({0, 0});
     placeDidChange(nullptr);
 }
@@ -171,9 +181,16 @@ void WRDocumentWindow::textDidChange(NSNotification*) { _document->textDidChange
 
 NSUndoManager* WRDocumentWindow::undoManagerForTextView(id) { return _undoManager; }
 
+// What is kept up with the text while it is written.
+void WRDocumentWindow::stopWork() {
+    if (_wordCounter) _wordCounter->stop();
+    if (_spelling) _spelling->stop();
+}
+
 void WRDocumentWindow::windowWillClose(NSNotification*) {
     auto self = Retained<WRDocumentWindow>::retaining(this);
     noteWindowFrame(_document->path(), _window->frame());
+    stopWork();
     NSNotificationCenter::defaultCenter()->removeObserver(this);
     _window->setNextResponder(nullptr);
     if (auto* desktop = cast<WRDesktop>(NSApplication::sharedApplication()->delegate()))
@@ -237,13 +254,27 @@ bool WRDocumentWindow::validateShowNextPage(id) {
 
 bool WRDocumentWindow::validateShowPreviousPage(id) { return currentPage() > 0; }
 
-void WRDocumentWindow::placeDidChange(NSNotification*) {
-    const NSUInteger count = _pageView->pageCount();
-    NSString* key =
-        _pageView->isComplete() ? u"_Page %u of %u  ·  %d %%"_ns : u"_Page %u of %u …  ·  %d %%"_ns;
-    _status->setStringValue(
-        NSString::stringWithFormat(localized(key), std::min(currentPage() + 1, count), count,
-                                   static_cast<int>(std::lround(_zoomView->zoom() * 100))));
+// MARK: Status line
+
+void WRDocumentWindow::placeDidChange(NSNotification*) { showStatus(); }
+
+// "Page 2 of 5  ·  100 %  ·  1234 words".
+void WRDocumentWindow::showStatus() {
+    if (!_wordCounter) return;
+    const NSUInteger pages = _pageView->pageCount(), words = _wordCounter->count();
+    auto* status = NSMutableString::string();
+    status->appendFormat(localized(_pageView->isComplete() ? u"_Page %u of %u  ·  %d %%"_ns
+                                                           : u"_Page %u of %u …  ·  %d %%"_ns),
+                         std::min(currentPage() + 1, pages), pages,
+                         static_cast<int>(std::lround(_zoomView->zoom() * 100)));
+    status->appendString(u"  ·  "_ns);
+    if (!_wordCounter->isComplete())
+        status->appendFormat(localized(u"_%u words …"_ns), words);
+    else if (words == 1)
+        status->appendString(localized(u"_1 word"_ns));
+    else
+        status->appendFormat(localized(u"_%u words"_ns), words);
+    _status->setStringValue(status);
 }
 
 // MARK: Services

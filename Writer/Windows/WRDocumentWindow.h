@@ -16,6 +16,8 @@ class NSWindow;
 class WRDocument;
 class WRFormatCommands;
 class WRPageView;
+class WRSpelling;
+class WRWordCounter;
 class WRZoomView;
 
 /// Shows a document in a window and takes the commands that concern the window; it is the window's delegate
@@ -64,6 +66,8 @@ class WRDocumentWindow : public NSResponder {
   private:
     void makeWindow();
     void placeWindow();
+    void showStatus();
+    void stopWork();
     void showPage(NSUInteger page);
     void setZoom(double zoom);
 
@@ -75,6 +79,8 @@ class WRDocumentWindow : public NSResponder {
     Retained<WRPageView> _pageView;
     Retained<WRFormatCommands> _formatCommands;
     Retained<NSTextField> _status;
+    Retained<WRSpelling> _spelling;
+    Retained<WRWordCounter> _wordCounter;
 };
 
 }  // namespace pelvor

@@ -4,10 +4,15 @@
 #include <algorithm>
 
 #include "Foundation/NSNotificationCenter.h"
+#include "Interface/NSEvent.h"
+#include "Interface/NSMenu.h"
 #include "PBIdleQueue.h"
 #include "Runtime/Registry.h"
 #include "Text/NSColor.h"
 #include "Text/NSGraphicsContext.h"
+#include "Text/NSTextContainer.h"
+#include "Text/NSTextStorage.h"
+#include "Writer/Windows/WRSpellingMarks.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -21,6 +26,7 @@ PBIdleQueue* growingViews() {
     return queue;
 }
 
+NSColor* misspelledColor() { return NSColor::colorWithCalibratedRed_green_blue_alpha(0.86F, 0.1F, 0.1F, 1); }
 NSColor* edgeColor() { return NSColor::colorWithCalibratedWhite_alpha(0.7F, 1); }
 
 }  // namespace
@@ -33,6 +39,10 @@ PELVOR_DEFINE_CLASS(WRPageView, windowsLibrary) {
     methods.instance<"findPages:", &WRPageView::findPages>();
     methods.instance<"pageWithUnit:", &WRPageView::pageWithUnit>();
     methods.instance<"findMorePages", &WRPageView::findMorePages>();
+    methods.instance<"visibleTextRange", &WRPageView::visibleTextRange>();
+    methods.instance<"redrawRange:", &WRPageView::redrawRange>();
+    methods.instance<"setSpellingMarks:", &WRPageView::setSpellingMarks>();
+    methods.instance<"menuForEvent:", &WRPageView::menuForEvent>();
     methods.instance<"hyphenationDidLoad:", &WRPageView::hyphenationDidLoad>();
     methods.instance<"originOfTextContainer:", &WRPageView::originOfTextContainer>();
     methods.instance<"viewDidMoveToWindow", &WRPageView::viewDidMoveToWindow>();
@@ -151,7 +161,16 @@ void WRPageView::fitFrame() {
     setFrameSize({NSMaxX(last) + kGap, NSMaxY(last) + kGap});
 }
 
-// MARK: Keys
+// MARK: Keys and mouse
+
+NSMenu* WRPageView::menuForEvent(NSEvent* event) {
+    if (event && event->type() == NSRightMouseDown) {
+        const NSPoint place = convertPoint_fromView(event->locationInWindow(), nullptr);
+        const NSUInteger index = characterIndexForInsertionAtPoint(place);
+        if (!NSLocationInRange(index, selectedRange())) setSelectedRange({index, 0});
+    }
+    return NSTextView::menuForEvent(event);
+}
 
 void WRPageView::doCommandBySelector(SEL selector) {
     static const std::pair<SEL, SEL> kScrolling[] = {
@@ -208,6 +227,62 @@ void WRPageView::drawRect(NSRect dirty) {
     const NSUInteger last = pageAtHeight(NSMaxY(dirty));
     for (NSUInteger page = pageAtHeight(NSMinY(dirty)); page <= last; ++page) drawPaper(page, dirty);
     NSTextView::drawRect(dirty);
+    if (!_spellingMarks || textStorage()->editedMask()) return;
+    for (NSUInteger page = pageAtHeight(NSMinY(dirty)); page <= last; ++page) drawSpellingMarks(page, dirty);
+}
+
+// MARK: Spelling
+
+void WRPageView::setSpellingMarks(WRSpellingMarks* marks) {
+    _spellingMarks.set(marks);
+    setNeedsDisplay(true);
+}
+
+NSRange WRPageView::visibleTextRange() {
+    const NSRect seen = visibleRect();
+    if (pageCount() == 0 || NSIsEmptyRect(seen)) return {};
+    const auto& pages = _document->pages();
+    return NSUnionRange(pages[pageAtHeight(NSMinY(seen))].range, pages[pageAtHeight(NSMaxY(seen))].range);
+}
+
+void WRPageView::redrawRange(NSRange range) {
+    const NSRange part = NSIntersectionRange(range, visibleTextRange());
+    if (part.length == 0) return;
+    const NSRect rect = rectForCharacterRange(part), seen = visibleRect();
+    setNeedsDisplayInRect({{NSMinX(seen), NSMinY(rect)}, {NSWidth(seen), NSHeight(rect)}});
+}
+
+void WRPageView::drawSpellingMarks(NSUInteger index, NSRect dirty) {
+    NSTextContainer* container = _document->pages()[index].container;
+    const NSPoint origin = originOfTextContainer(container);
+    const NSRange range = layoutManager()->glyphRangeForBoundingRectWithoutAdditionalLayout_inTextContainer(
+        NSOffsetRect(dirty, -origin.x, -origin.y), container);
+    if (range.length == 0) return;
+    NSGraphicsContext::currentContext()->setColor(misspelledColor());
+    for (const NSRange word : _spellingMarks->marksInRange(range))
+        underline(NSIntersectionRange(word, range), container, origin);
+}
+
+// With dots below the baseline, line by line.
+void WRPageView::underline(NSRange word, NSTextContainer* container, NSPoint origin) {
+    constexpr float kBelow = 1.5F, kStep = 3, kDot = 1.75F;
+    NSLayoutManager* layout = layoutManager();
+    for (NSUInteger place = word.location; place < NSMaxRange(word);) {
+        NSRange line;
+        const NSRect fragment = layout->lineFragmentRectForGlyphAtIndex_effectiveRange(place, &line);
+        const NSRange part = NSIntersectionRange(line, {place, NSMaxRange(word) - place});
+        if (part.length == 0) return;
+        const float y =
+            origin.y + NSMinY(fragment) + layout->locationForGlyphAtIndex(part.location).y + kBelow;
+        NSUInteger count = 0;
+        const NSRect* rects =
+            layout->rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
+                part, {NSNotFound, 0}, container, &count);
+        for (NSUInteger i = 0; i < count; ++i)
+            for (float x = NSMinX(rects[i]); x + kDot <= NSMaxX(rects[i]); x += kStep)
+                NSGraphicsContext::currentContext()->fillRect({{origin.x + x, y}, {kDot, kDot}});
+        place = NSMaxRange(part);
+    }
 }
 
 }  // namespace pelvor

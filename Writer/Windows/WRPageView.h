@@ -10,6 +10,8 @@
 
 namespace pelvor {
 
+class WRSpellingMarks;
+
 /// Posted by a page view when it has found more pages, or knows that there are no more.
 inline constexpr NSString* WRPageViewDidFindPagesNotification = u"WRPageViewDidFindPagesNotification"_ns;
 
@@ -41,6 +43,13 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     void findMorePages();
     PageDocument* pages() { return _document.get(); }
 
+    /// The text of the pages that the user sees a part of.
+    NSRange visibleTextRange();
+    /// Text in the range looks different, although nothing has been edited.
+    void redrawRange(NSRange range);
+    /// The words that are underlined as misspelled; null for none.
+    void setSpellingMarks(WRSpellingMarks* marks);
+
     /// Words of another language can be divided from now on.
     void hyphenationDidLoad(id notification);
 
@@ -52,6 +61,8 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     /// A text that cannot be edited has no caret to move: its keys scroll.
     void doCommandBySelector(SEL selector) override;
     void insertText(id text) override;
+    /// The caret goes to the place of a click, unless something is selected there.
+    NSMenu* menuForEvent(NSEvent* event) override;
 
   protected:
     WRPageView() = default;
@@ -59,11 +70,14 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
 
   private:
     void drawPaper(NSUInteger index, NSRect dirty);
+    void drawSpellingMarks(NSUInteger index, NSRect dirty);
+    void underline(NSRange word, NSTextContainer* container, NSPoint origin);
     void fitFrame();
     void pagesDidChange();
 
     std::unique_ptr<PageDocument> _document;
     std::unordered_map<NSTextContainer*, NSUInteger> _pageOf;
+    Retained<WRSpellingMarks> _spellingMarks;
     NSUInteger _shownCount = 0;  // what headers and footers show once all pages are found
     NSUInteger _toldPages = 0;   // how many pages others know of, and whether these are all
     bool _isToldComplete = false;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WindowsLibrary.h"
 
+#include "BaseSpellCheckingLibrary.h"
 #include "Writer/Pages/PagesLibrary.h"
 #include "Writer/Recovery/RecoveryLibrary.h"
 #include "Writer/Shortcuts/ShortcutsLibrary.h"
@@ -11,19 +12,37 @@
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRProfilesPanel.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
+#include "Writer/Windows/WRSpelling.h"
+#include "Writer/Windows/WRSpellingMarks.h"
 #include "Writer/Windows/WRStyleMenu.h"
 #include "Writer/Windows/WRTablePanel.h"
+#include "Writer/Windows/WRTextWork.h"
+#include "Writer/Windows/WRWordCounter.h"
 #include "Writer/Windows/WRZoomView.h"
 
 namespace pelvor {
 namespace {
 
-constexpr Library* kDependencies[] = {&pagesLibrary, &recoveryLibrary, &shortcutsLibrary};
-constexpr Class* kClasses[] = {&WRColorMenu::classRecord,      &WRDesktop::classRecord,
-                               &WRDocumentWindow::classRecord, &WRFormatCommands::classRecord,
-                               &WRPageView::classRecord,       &WRProfilesPanel::classRecord,
-                               &WRShortcutsPanel::classRecord, &WRStyleMenu::classRecord,
-                               &WRTablePanel::classRecord,     &WRZoomView::classRecord};
+constexpr Library* kDependencies[] = {&baseSpellCheckingLibrary, &pagesLibrary, &recoveryLibrary,
+                                      &shortcutsLibrary};
+// clang-format off
+constexpr Class* kClasses[] = {
+    &WRColorMenu::classRecord,
+    &WRDesktop::classRecord,
+    &WRDocumentWindow::classRecord,
+    &WRFormatCommands::classRecord,
+    &WRPageView::classRecord,
+    &WRProfilesPanel::classRecord,
+    &WRShortcutsPanel::classRecord,
+    &WRSpelling::classRecord,
+    &WRSpellingMarks::classRecord,
+    &WRStyleMenu::classRecord,
+    &WRTablePanel::classRecord,
+    &WRTextWork::classRecord,
+    &WRWordCounter::classRecord,
+    &WRZoomView::classRecord,
+};
+// clang-format on
 
 }  // namespace
 

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: Apache-2.0
+// What is kept up with a text while it is written, in a loop without windows.
+#include "Writer/Windows/WRTextWork.h"
+
+#include <random>
+
+#include "Foundation/NSRunLoop.h"
+#include "PBPostLoader.h"
+#include "Prelude.h"
+#include "Text/NSTextStorage.h"
+#include "Writer/TextMeasure.h"
+#include "Writer/Windows/WRWordCounter.h"
+#include "Writer/Windows/WindowsLibrary.h"
+
+namespace {
+
+struct TextWorkTest : ::testing::Test {
+    static void SetUpTestSuite() {
+        registerLibrary(windowsLibrary);
+        PBPostLoader::processClassesStartingRegistry(false);
+    }
+    static Retained<NSTextStorage> wordsOf(std::size_t count) {
+        std::u16string text;
+        for (std::size_t i = 0; i < count; ++i) text += i % 12 ? u"word " : u"1,000\n";
+        return NSTextStorage::initWithString(NSString::of(text));
+    }
+    static void runUntil(auto isDone) {
+        while (!isDone()) NSRunLoop::mainRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
+    }
+    AutoreleasePool pool;
+};
+
+TEST_F(TextWorkTest, CountsOnlyWhatAnEditTouches) {
+    auto storage = wordsOf(50'000);
+    int told = 0;
+    auto counter = WRWordCounter::create(storage, [&told] { ++told; });
+    EXPECT_FALSE(counter->isComplete());
+    runUntil([&] { return counter->isUpToDate(); });
+    EXPECT_EQ(counter->count(), 50'000u);
+    told = 0;
+    storage->replaceCharactersInRange_withString({100'000, 0}, u" a b "_ns);
+    EXPECT_EQ(counter->count(), 50'000u) << "what was known is shown meanwhile";
+    NSRunLoop::mainRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
+    EXPECT_EQ(told, 1);
+    counter->stop();
+}
+
+// Edits of all sizes at random places, with counting going on in between.
+TEST_F(TextWorkTest, CountsWhatIsThereAfterAnyEdits) {
+    auto storage = wordsOf(5'000);
+    auto counter = WRWordCounter::create(storage, nullptr);
+    std::mt19937 random(7);
+    const auto upTo = [&](NSUInteger most) { return static_cast<NSUInteger>(random() % (most + 1)); };
+    for (int i = 0; i < 300; ++i) {
+        const NSUInteger length = storage->length(), start = upTo(length);
+        const NSUInteger removed = std::min(upTo(i % 10 ? 20 : 9'000), length - start);
+        std::u16string added;
+        for (NSUInteger units = upTo(i % 10 ? 20 : 9'000); units > 0; --units)
+            added += u"ab 1,\n$"[random() % 7];
+        storage->replaceCharactersInRange_withString({start, removed}, NSString::of(added));
+        if (i % 3 == 0) counter->workAtIdle();
+        if (i % 20) continue;
+        runUntil([&] { return counter->isUpToDate(); });
+        ASSERT_EQ(counter->count(), countWordsInRange(storage->string(), {0, storage->length()})) << i;
+    }
+    counter->stop();
+}
+
+}  // namespace
