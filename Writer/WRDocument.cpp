@@ -36,6 +36,7 @@ PELVOR_DEFINE_CLASS(WRDocument, writerLibrary) {
     methods.instance<"hasFormats", &WRDocument::hasFormats>();
     methods.instance<"setHasFormats:", &WRDocument::setHasFormats>();
     methods.instance<"settings", &WRDocument::settings>();
+    methods.instance<"setSettings:", &WRDocument::setSettings>();
     methods.instance<"answer", &WRDocument::answer>();
     methods
         .instance<"replaceCharactersInRange:withString:", &WRDocument::replaceCharactersInRange_withString>();
@@ -78,6 +79,7 @@ Retained<WRDocument> WRDocument::initWithPath_reader_answer(NSString* path, PBPr
     rest->removeObjectForKey(WRTextKey);
     rest->removeObjectForKey(WRRichTextKey);
     self->_answer.set(rest);
+    self->_settings.set(cast<NSDictionary>(rest->objectForKey(WRDocumentSettingsKey)));
     return self;
 }
 
@@ -109,9 +111,7 @@ NSString* WRDocument::text() {
 
 NSAttributedString* WRDocument::richText() { return _hasFormats ? _attributedText.get() : nullptr; }
 
-NSDictionary* WRDocument::settings() {
-    return cast<NSDictionary>(_answer->objectForKey(WRDocumentSettingsKey));
-}
+void WRDocument::setSettings(NSDictionary* settings) { _settings.set(settings); }
 
 NSString* WRDocument::message() { return cast<NSString>(_answer->objectForKey(WRMessageKey)); }
 

@@ -40,7 +40,8 @@ class PELVOR_EXPORT WRDocument : public NSObject {
     bool hasFormats() { return _hasFormats; }
     void setHasFormats(bool hasFormats) { _hasFormats = hasFormats; }
     /// The settings of PlugInProtocol.h; null for a document without settings.
-    NSDictionary* settings();
+    NSDictionary* settings() { return _settings; }
+    void setSettings(NSDictionary* settings);
 
     // Changes of the text. Where there are formats, new text has those of the text that it replaces, or of
     // the text before it.
@@ -103,6 +104,7 @@ class PELVOR_EXPORT WRDocument : public NSObject {
     Retained<NSMutableAttributedString> _attributedText;
     bool _hasFormats = false;
     Retained<PBProfile> _reader;
+    Retained<NSDictionary> _settings;
     Retained<NSDictionary> _answer;                   // the reader's, without the texts
     std::optional<std::vector<NSRange>> _paragraphs;  // found when they are first needed
 };

@@ -81,16 +81,8 @@ PageDocument::PageDocument(NSAttributedString* text, NSDictionary* settings)
     : PageDocument(storageOf(text), settings, Pagination::Purpose::reading) {}
 
 PageDocument::PageDocument(Retained<NSTextStorage> text, NSDictionary* settings, Pagination::Purpose purpose)
-    : _frame(PageFrame::of(settings)),
-      _header(textIn(settings, WRHeaderKey)),
-      _footer(textIn(settings, WRFooterKey)),
-      _title(Retained<Object>::retaining(settings->objectForKey(WRTitleKey))),
-      _cells(NSMutableArray::init()),
-      _lineProblems(NSMutableArray::init()) {
-    if (!hasRoom()) return;
-    const auto ignore = [](NSLayoutManager*, float) {};
-    if (_header) _frame.top = std::max(_frame.top, _frame.headerPlace + setLine(_header, 0, ignore));
-    if (_footer) _frame.bottom = std::max(_frame.bottom, _frame.footerPlace + setLine(_footer, 0, ignore));
+    : _cells(NSMutableArray::init()), _lineProblems(NSMutableArray::init()) {
+    takeSettings(settings);
     if (!hasRoom()) return;
     _storage = std::move(text);
     giveCells(_storage, {0, _storage->length()}, _cells);
@@ -98,6 +90,29 @@ PageDocument::PageDocument(Retained<NSTextStorage> text, NSDictionary* settings,
     _storage->addLayoutManager(_layoutManager);
     _layoutManager->setEditFunction([this](NSRange range, NSInteger delta) { textDidChange(range, delta); });
     _pagination.emplace(_storage, _layoutManager, NSSize{_frame.width(), _frame.height()}, purpose);
+}
+
+void PageDocument::takeSettings(NSDictionary* settings) {
+    _settings.set(settings);
+    _frame = PageFrame::of(settings);
+    _header = textIn(settings, WRHeaderKey);
+    _footer = textIn(settings, WRFooterKey);
+    _title.set(settings->objectForKey(WRTitleKey));
+    if (!hasRoom()) return;
+    const auto ignore = [](NSLayoutManager*, float) {};
+    if (_header) _frame.top = std::max(_frame.top, _frame.headerPlace + setLine(_header, 0, ignore));
+    if (_footer) _frame.bottom = std::max(_frame.bottom, _frame.footerPlace + setLine(_footer, 0, ignore));
+}
+
+bool PageDocument::setSettings(NSDictionary* settings) {
+    const auto before = _settings;
+    takeSettings(settings);
+    const bool fits = hasRoom();
+    if (!fits)
+        takeSettings(before);
+    else if (_pagination)
+        _pagination->setRoom({_frame.width(), _frame.height()});
+    return fits;
 }
 
 PageDocument::~PageDocument() {

@@ -46,6 +46,10 @@ class PELVOR_EXPORT PageDocument {
     ~PageDocument();
     PageDocument(const PageDocument&) = delete;
 
+    /// Sets the text anew with other settings. Returns false, and leaves all as it is, if they leave no room
+    /// for text.
+    bool setSettings(NSDictionary* settings);
+
     /// Whether the margins leave room for text. Without it there are no pages.
     bool hasRoom() const;
     /// All pages; finds those that were not found yet.
@@ -60,6 +64,7 @@ class PELVOR_EXPORT PageDocument {
     /// Finds pages as far as to the one with the unit, and returns its index.
     NSUInteger pageWithUnit(NSUInteger unit);
     const PageFrame& frame() const { return _frame; }
+    NSDictionary* settings() const { return _settings; }
     /// Called after each edit, when the page on which the edit begins is right again.
     void setEditFunction(std::function<void()> function) { _didEdit = std::move(function); }
 
@@ -79,11 +84,13 @@ class PELVOR_EXPORT PageDocument {
     static Retained<NSTextStorage> storageOf(NSAttributedString* text);
     static void giveCells(NSTextStorage* storage, NSRange range, NSMutableArray* cells);
     void textDidChange(NSRange range, NSInteger delta);
+    void takeSettings(NSDictionary* settings);
     /// Lays out a header or a footer, calls the function with its layout manager, and returns its height.
     template <class Function>
     float setLine(NSAttributedString* line, NSUInteger page, Function function);
     void drawLine(NSAttributedString* line, NSUInteger page, bool isHeader);
 
+    Retained<NSDictionary> _settings;
     PageFrame _frame;
     Retained<NSAttributedString> _header, _footer;
     Retained<Object> _title;

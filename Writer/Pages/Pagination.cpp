@@ -154,6 +154,15 @@ void Pagination::forgetPages() {
     if (!_pages.empty()) noteWrong(0, _pages.size() - 1);
 }
 
+void Pagination::setRoom(NSSize room) {
+    _room = room;
+    if (_pages.empty()) return;
+    dropBehind(0);
+    _pages[0].container->setContainerSize(room);
+    _hasEnd = false;
+    forgetPages();
+}
+
 // MARK: Where a page ends
 
 NSUInteger Pagination::endOf(NSRange page) {

@@ -66,6 +66,8 @@ class PELVOR_EXPORT Pagination {
     void textDidChange(NSRange range, NSInteger delta);
     /// All pages are to be found again: for when layout gives other lines than before.
     void forgetPages();
+    /// Gives all pages another room; they are to be found again.
+    void setRoom(NSSize room);
 
   private:
     NSTextContainer* addContainer();

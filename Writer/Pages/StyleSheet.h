@@ -57,6 +57,7 @@ class PELVOR_EXPORT StyleSheet {
 
     /// The paper sizes that style sheets and options name; zeros for an unknown name.
     static NSSize paperSizeNamed(NSString* name);
+    static NSArray* paperNames();
 
   private:
     friend class StyleSheetReader;

@@ -42,6 +42,12 @@ constexpr Paper kPapers[] = {{u"a3"_ns, {841.89F, 1190.55F}},
 
 }  // namespace
 
+NSArray* StyleSheet::paperNames() {
+    auto* names = NSMutableArray::array();
+    for (const Paper& paper : kPapers) names->addObject(paper.name);
+    return names;
+}
+
 NSSize StyleSheet::paperSizeNamed(NSString* name) {
     for (const Paper& paper : kPapers)
         if (paper.name->isEqualToString(name->lowercaseString())) return paper.size;

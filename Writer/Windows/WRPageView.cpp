@@ -18,8 +18,9 @@
 namespace pelvor {
 namespace {
 
-constexpr float kGap = 14;              // around pages and between them
-constexpr NSUInteger kPagesAtIdle = 4;  // found in one go
+constexpr float kGap = 14;               // around pages and between them
+constexpr NSUInteger kMostShown = 4096;  // of a long range; the rest need not be laid out to show it
+constexpr NSUInteger kPagesAtIdle = 4;   // found in one go
 
 PBIdleQueue* growingViews() {
     static PBIdleQueue* const queue = PBIdleQueue::initWithSelector("findMorePages"_sel).leak();
@@ -43,6 +44,7 @@ PELVOR_DEFINE_CLASS(WRPageView, windowsLibrary) {
     methods.instance<"redrawRange:", &WRPageView::redrawRange>();
     methods.instance<"setSpellingMarks:", &WRPageView::setSpellingMarks>();
     methods.instance<"menuForEvent:", &WRPageView::menuForEvent>();
+    methods.instance<"setSettings:", &WRPageView::setSettings>();
     methods.instance<"hyphenationDidLoad:", &WRPageView::hyphenationDidLoad>();
     methods.instance<"originOfTextContainer:", &WRPageView::originOfTextContainer>();
     methods.instance<"viewDidMoveToWindow", &WRPageView::viewDidMoveToWindow>();
@@ -118,6 +120,15 @@ NSUInteger WRPageView::pageWithUnit(NSUInteger unit) {
     const NSUInteger page = _document->pageWithUnit(unit);
     pagesDidChange();
     return page;
+}
+
+bool WRPageView::setSettings(NSDictionary* settings) {
+    if (!_document || !_document->setSettings(settings)) return false;
+    findPages(1);
+    pagesDidChange();
+    fitFrame();
+    setNeedsDisplay(true);
+    return true;
 }
 
 void WRPageView::hyphenationDidLoad(id) {
@@ -201,6 +212,7 @@ void WRPageView::viewWillDraw() {
 }
 
 void WRPageView::scrollRangeToVisible(NSRange range) {
+    range.length = std::min(range.length, kMostShown);
     pageWithUnit(NSMaxRange(range));
     NSTextView::scrollRangeToVisible(range);
 }

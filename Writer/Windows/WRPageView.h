@@ -42,6 +42,8 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     /// The idle message: finds some more pages.
     void findMorePages();
     PageDocument* pages() { return _document.get(); }
+    /// Sets the pages anew. Returns false, and changes nothing, if the settings leave no room for text.
+    bool setSettings(NSDictionary* settings);
 
     /// The text of the pages that the user sees a part of.
     NSRange visibleTextRange();

@@ -11,7 +11,8 @@
 #include "Runtime/AutoreleasePool.h"
 #include "Text/NSColor.h"
 #include "Text/NSGraphicsContext.h"
-#include "Writer/Pages/PageDocument.h"
+#include "Writer/Pages/DrawingScope.h"
+#include "Writer/Pages/PagePDF.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/PlugIns/TextFiles/TextFileWriting.h"
 
@@ -19,20 +20,6 @@ namespace pelvor {
 namespace {
 
 constexpr float kLongestEdge = 32767;  // of an image, in pixels
-
-// Draws on the context while it lives.
-class DrawingScope {
-  public:
-    explicit DrawingScope(NSGraphicsContext* context)
-        : _before(Retained<NSGraphicsContext>::retaining(NSGraphicsContext::currentContext())) {
-        NSGraphicsContext::setCurrentContext(context);
-    }
-    ~DrawingScope() { NSGraphicsContext::setCurrentContext(_before); }
-    DrawingScope(const DrawingScope&) = delete;
-
-  private:
-    Retained<NSGraphicsContext> _before;
-};
 
 // Writes what was drawn. Null, or the answer that tells why it could not be done.
 NSDictionary* writeDrawing(NSGraphicsContext* context, NSString* path, unsigned long long& bytes) {
@@ -52,18 +39,11 @@ NSDictionary* answerOf(PageDocument& document, NSArray* paths, unsigned long lon
 }  // namespace
 
 NSDictionary* writePDF(PageDocument& document, NSString* title, NSString* path) {
-    const NSUInteger count = document.pageCount();
-    auto context = NSGraphicsContext::initForPDFWithTitle(title);
-    {
-        DrawingScope scope(context);
-        for (NSUInteger page = 0; page < count; ++page) {
-            context->beginPageWithSize(document.frame().paper);
-            document.drawPage(page);
-        }
-    }
-    unsigned long long bytes = 0;
-    if (NSDictionary* failure = writeDrawing(context, path, bytes)) return failure;
-    return answerOf(document, NSArray::of({path}), bytes);
+    NSString* reason = nullptr;
+    NSData* data = pdfOfPages(document, title, {0, document.pageCount()}, &reason);
+    if (!data) return unwritableAnswer(path, reason);
+    if (NSDictionary* failure = writeFile(data, path)) return failure;
+    return answerOf(document, NSArray::of({path}), data->length());
 }
 
 NSArray* pathsOfImages(NSString* path, NSUInteger count) {
