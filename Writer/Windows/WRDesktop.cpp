@@ -8,6 +8,8 @@
 #include "Foundation/NSNotificationCenter.h"
 #include "Interface/NSAlert.h"
 #include "Interface/NSApplication.h"
+#include "Interface/NSEvent.h"
+#include "Interface/NSInputManager.h"
 #include "Interface/NSMenu.h"
 #include "Menus/NSMenuItem-PelvorAdditions.h"
 #include "NSBundle-PelvorAdditions.h"
@@ -21,6 +23,8 @@
 #include "Writer/WRAbout.h"
 #include "Writer/WRDocument.h"
 #include "Writer/Windows/WRDocumentWindow.h"
+#include "Writer/Windows/WRFindPanel.h"
+#include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRProfilesPanel.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
 #include "Writer/Windows/WindowsLibrary.h"
@@ -28,17 +32,34 @@
 namespace pelvor {
 namespace {
 
+constexpr unichar kF3 = NSF1FunctionKey + 2;
+
 // Shortcuts of several keys, which an interface file has no text for.
 struct ActionShortcut {
     SEL action;
     NSString* keys;
 };
+// clang-format off
 const ActionShortcut kShortcuts[] = {
-    {"showNextPage:"_sel, u"Ctrl+K N"_ns},       {"showPreviousPage:"_sel, u"Ctrl+K P"_ns},
-    {"orderFrontProfiles:"_sel, u"Ctrl+K L"_ns}, {"orderFrontShortcuts:"_sel, u"Ctrl+K K"_ns},
-    {"increaseIndent:"_sel, u"Ctrl+K I"_ns},     {"decreaseIndent:"_sel, u"Ctrl+K U"_ns},
-    {"clearFormats:"_sel, u"Ctrl+K 0"_ns},       {"showNextMisspelling:"_sel, u"F7"_ns},
+    {"showNextPage:"_sel, u"Ctrl+K N"_ns},
+    {"showPreviousPage:"_sel, u"Ctrl+K P"_ns},
+    {"orderFrontProfiles:"_sel, u"Ctrl+K L"_ns},
+    {"orderFrontShortcuts:"_sel, u"Ctrl+K K"_ns},
+    {"increaseIndent:"_sel, u"Ctrl+K I"_ns},
+    {"decreaseIndent:"_sel, u"Ctrl+K U"_ns},
+    {"clearFormats:"_sel, u"Ctrl+K 0"_ns},
+    {"showNextMisspelling:"_sel, u"F7"_ns},
+    {"useSelectionForFind:"_sel, u"Ctrl+Alt+F"_ns},
+    {"jumpToSelection:"_sel, u"Ctrl+Alt+J"_ns},
 };
+// clang-format on
+
+// Keys besides those in the menu.
+NSDictionary* keyBindings() {
+    return NSDictionary::of(
+        {{NSString::of({&kF3, 1}), u"findNext:"_ns},
+         {u"$"_ns->stringByAppendingString(NSString::of({&kF3, 1})), u"findPrevious:"_ns}});
+}
 
 NSMenuItem* itemWithActionIn(NSMenu* menu, SEL action) {
     for (const auto& item : menu->items()) {
@@ -63,6 +84,15 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
     methods.instance<"orderFrontAbout:", &WRDesktop::orderFrontAbout>();
     methods.instance<"orderFrontProfiles:", &WRDesktop::orderFrontProfiles>();
     methods.instance<"orderFrontShortcuts:", &WRDesktop::orderFrontShortcuts>();
+    methods.instance<"orderFrontFindPanel:", &WRDesktop::orderFrontFindPanel>();
+    methods.instance<"findNext:", &WRDesktop::findNext>();
+    methods.instance<"findPrevious:", &WRDesktop::findPrevious>();
+    methods.instance<"useSelectionForFind:", &WRDesktop::useSelectionForFind>();
+    methods.instance<"jumpToSelection:", &WRDesktop::jumpToSelection>();
+    methods.instanceAs<"validateFindNext:", &WRDesktop::canFind>();
+    methods.instanceAs<"validateFindPrevious:", &WRDesktop::canFind>();
+    methods.instanceAs<"validateJumpToSelection:", &WRDesktop::canFind>();
+    methods.instance<"validateUseSelectionForFind:", &WRDesktop::validateUseSelectionForFind>();
     methods.instance<"applicationDidLoseDisplay:", &WRDesktop::applicationDidLoseDisplay>();
     methods.instance<"applicationShouldTerminateAfterLastWindowClosed:",
                      &WRDesktop::applicationShouldTerminateAfterLastWindowClosed>();
@@ -114,6 +144,7 @@ void WRDesktop::makeMenus() {
     for (id conflict : WRShortcutMatcher::sharedMatcher()->conflictsInMenu(_mainMenu))
         NSLog(u"%@"_ns, conflict);
     NSApplication::sharedApplication()->setMainMenu(_mainMenu);
+    NSInputManager::setKeyBindings(keyBindings());
     NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
         this, "profilesDidChange:"_sel, PBProfilesDidChangeNotification, PBRegistry::sharedRegistry());
     fillServicesMenu();
@@ -144,6 +175,25 @@ void WRDesktop::orderFrontShortcuts(id) {
     if (!_shortcutsPanel) _shortcutsPanel = WRShortcutsPanel::init();
     _shortcutsPanel->takeMenu(_mainMenu);
     _shortcutsPanel->showBeside(NSApplication::sharedApplication()->mainWindow());
+}
+
+// MARK: Finding text
+
+WRFindPanel* WRDesktop::findPanel() {
+    if (!_findPanel) _findPanel = WRFindPanel::init();
+    return _findPanel;
+}
+
+void WRDesktop::orderFrontFindPanel(id sender) { findPanel()->orderFront(sender); }
+void WRDesktop::findNext(id sender) { findPanel()->findNext(sender); }
+void WRDesktop::findPrevious(id sender) { findPanel()->findPrevious(sender); }
+void WRDesktop::useSelectionForFind(id sender) { findPanel()->useSelectionForFind(sender); }
+void WRDesktop::jumpToSelection(id sender) { findPanel()->jumpToSelection(sender); }
+bool WRDesktop::canFind(id) { return WRFindPanel::pageView(); }
+
+bool WRDesktop::validateUseSelectionForFind(id) {
+    WRPageView* view = WRFindPanel::pageView();
+    return view && view->selectedRange().length > 0;
 }
 
 void WRDesktop::orderFrontAbout(id) {

@@ -12,6 +12,7 @@ class NSMutableArray;
 class NSNotification;
 class WRDocument;
 class WRDocumentWindow;
+class WRFindPanel;
 class WRProfilesPanel;
 class WRShortcutsPanel;
 
@@ -40,6 +41,18 @@ class WRDesktop : public NSObject {
     void orderFrontAbout(id sender);
     void orderFrontProfiles(id sender);
     void orderFrontShortcuts(id sender);
+
+    // These go to the panel for finding text.
+
+    void orderFrontFindPanel(id sender);
+    void findNext(id sender);
+    void findPrevious(id sender);
+    void useSelectionForFind(id sender);
+    void jumpToSelection(id sender);
+    /// Whether there is a document to look in.
+    bool canFind(id item);
+    bool validateUseSelectionForFind(id item);
+
     /// Nobody sees the windows any more: ends `run`.
     void applicationDidLoseDisplay(NSNotification* notification);
     bool applicationShouldTerminateAfterLastWindowClosed(id application) { return application != nullptr; }
@@ -51,6 +64,7 @@ class WRDesktop : public NSObject {
   private:
     void makeMenus();
     void fillServicesMenu();
+    WRFindPanel* findPanel();
 
     Retained<NSMutableArray> _windows;
     Retained<NSMenu> _mainMenu;
@@ -58,6 +72,7 @@ class WRDesktop : public NSObject {
     Retained<NSArray> _nibObjects;
     Retained<WRProfilesPanel> _profilesPanel;
     Retained<WRShortcutsPanel> _shortcutsPanel;
+    Retained<WRFindPanel> _findPanel;
 };
 
 }  // namespace pelvor

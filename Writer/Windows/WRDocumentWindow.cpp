@@ -6,6 +6,7 @@
 
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSMutableString.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSUndoManager.h"
@@ -28,7 +29,9 @@
 #include "Writer/WRDocument.h"
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRFormatCommands.h"
+#include "Writer/Windows/WRPageSetupPanel.h"
 #include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRPrintPanel.h"
 #include "Writer/Windows/WRSpelling.h"
 #include "Writer/Windows/WRWordCounter.h"
 #include "Writer/Windows/WRZoomView.h"
@@ -75,6 +78,9 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
     methods.instance<"askService:", &WRDocumentWindow::askService>();
     methods.instance<"validateShowNextPage:", &WRDocumentWindow::validateShowNextPage>();
     methods.instance<"validateShowPreviousPage:", &WRDocumentWindow::validateShowPreviousPage>();
+    methods.instance<"runPageLayout:", &WRDocumentWindow::runPageLayout>();
+    methods.instance<"printDocument:", &WRDocumentWindow::printDocument>();
+    methods.instance<"changeSettings:", &WRDocumentWindow::changeSettings>();
     methods.instance<"currentPage", &WRDocumentWindow::currentPage>();
     methods.instance<"textDidChange:", &WRDocumentWindow::textDidChange>();
     methods.instance<"undoManagerForTextView:", &WRDocumentWindow::undoManagerForTextView>();
@@ -275,6 +281,48 @@ void WRDocumentWindow::showStatus() {
     else
         status->appendFormat(localized(u"_%u words"_ns), words);
     _status->setStringValue(status);
+}
+
+// MARK: Paper and printing
+
+bool WRDocumentWindow::changeSettings(NSDictionary* settings) {
+    PageDocument* pages = _pageView->pages();
+    const auto before = Retained<NSDictionary>::retaining(pages->settings());
+    const auto ownBefore = Retained<NSDictionary>::retaining(_document->settings());
+    auto* now = NSMutableDictionary::dictionaryWithDictionary(before);
+    now->addEntriesFromDictionary(settings);
+    if (!_pageView->setSettings(now)) return false;
+    // From now on the document has settings of its own, all of those that are seen.
+    auto* own = NSMutableDictionary::dictionaryWithDictionary(now);
+    id title = ownBefore ? ownBefore->objectForKey(WRTitleKey) : nullptr;
+    if (!title) own->removeObjectForKey(WRTitleKey);
+    _document->setSettings(own);
+    _document->textDidChange();
+    _undoManager->registerUndo(this, [this, before, ownBefore] {
+        changeSettings(before);
+        _document->setSettings(ownBefore);
+    });
+    _undoManager->setActionName(localized(u"_Page Setup"_ns));
+    placeDidChange(nullptr);
+    return true;
+}
+
+void WRDocumentWindow::runPageLayout(id) {
+    const auto alive = Retained<WRDocumentWindow>::retaining(this);
+    WRPageSetupPanel::create(_pageView->pages()->settings(), [this](NSDictionary* settings) {
+        return changeSettings(settings);
+    })->runModal();
+}
+
+void WRDocumentWindow::printDocument(id) {
+    const auto alive = Retained<WRDocumentWindow>::retaining(this);
+    // As the text is now: a copy, set for somebody who reads.
+    PageDocument pages(_pageView->textStorage(), _pageView->pages()->settings());
+    NSString* outcome = WRPrintPanel::create(&pages, _document->path()->lastPathComponent())->runModal();
+    if (!outcome) return;
+    NSString* problems = pages.problems()->componentsJoinedByString(u"; "_ns);
+    if (problems->length()) outcome = NSString::stringWithFormat(u"%@\n%@"_ns, outcome, problems);
+    NSRunAlertPanel(localized(u"_Print"_ns), u"%@"_ns, nullptr, nullptr, nullptr, outcome);
 }
 
 // MARK: Services

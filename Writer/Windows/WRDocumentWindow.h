@@ -50,6 +50,14 @@ class WRDocumentWindow : public NSResponder {
     bool validateShowNextPage(id item);
     bool validateShowPreviousPage(id item);
 
+    // Paper and printing
+
+    void runPageLayout(id sender);
+    void printDocument(id sender);
+    /// Sets the pages anew with these settings, those of PlugInProtocol.h, in the place of the ones that they
+    /// had; this can be undone. Returns false, and changes nothing, if there is no room for text then.
+    bool changeSettings(NSDictionary* settings);
+
     /// The page in the middle of what is seen, from 0 on.
     NSUInteger currentPage();
     /// Observes the text storage.

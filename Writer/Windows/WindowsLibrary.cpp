@@ -8,14 +8,19 @@
 #include "Writer/Windows/WRColorMenu.h"
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRDocumentWindow.h"
+#include "Writer/Windows/WRFindPanel.h"
+#include "Writer/Windows/WRFormView.h"
 #include "Writer/Windows/WRFormatCommands.h"
+#include "Writer/Windows/WRPageSetupPanel.h"
 #include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRPrintPanel.h"
 #include "Writer/Windows/WRProfilesPanel.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
 #include "Writer/Windows/WRSpelling.h"
 #include "Writer/Windows/WRSpellingMarks.h"
 #include "Writer/Windows/WRStyleMenu.h"
 #include "Writer/Windows/WRTablePanel.h"
+#include "Writer/Windows/WRTextFinder.h"
 #include "Writer/Windows/WRTextWork.h"
 #include "Writer/Windows/WRWordCounter.h"
 #include "Writer/Windows/WRZoomView.h"
@@ -25,19 +30,25 @@ namespace {
 
 constexpr Library* kDependencies[] = {&baseSpellCheckingLibrary, &pagesLibrary, &recoveryLibrary,
                                       &shortcutsLibrary};
+// One a line, so that merges seldom meet.
 // clang-format off
 constexpr Class* kClasses[] = {
     &WRColorMenu::classRecord,
     &WRDesktop::classRecord,
     &WRDocumentWindow::classRecord,
+    &WRFindPanel::classRecord,
+    &WRFormView::classRecord,
     &WRFormatCommands::classRecord,
+    &WRPageSetupPanel::classRecord,
     &WRPageView::classRecord,
+    &WRPrintPanel::classRecord,
     &WRProfilesPanel::classRecord,
     &WRShortcutsPanel::classRecord,
     &WRSpelling::classRecord,
     &WRSpellingMarks::classRecord,
     &WRStyleMenu::classRecord,
     &WRTablePanel::classRecord,
+    &WRTextFinder::classRecord,
     &WRTextWork::classRecord,
     &WRWordCounter::classRecord,
     &WRZoomView::classRecord,

@@ -1,16 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WRDocumentWindow.h"
 
+#include <cstdlib>
 #include <filesystem>
 
+#include "Foundation/NSData.h"
 #include "Foundation/NSMutableString.h"
+#include "Interface/NSPanel.h"
+#include "Interface/NSPasteboard.h"
+#include "Interface/NSPopUpButton.h"
 #include "Interface/NSScrollView.h"
 #include "InterfaceScope.h"
 #include "NSView-PelvorAdditions.h"
 #include "PBPostLoader.h"
+#include "TemporaryFolder.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/WRDocument.h"
+#include "Writer/Windows/WRFindPanel.h"
+#include "Writer/Windows/WRPageSetupPanel.h"
 #include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRPrintPanel.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace {
@@ -85,6 +94,150 @@ TEST_F(DocumentWindowTest, ZoomsByTheWheelAroundThePointer) {
     screen.scroll(view, place, 0, 3);
     EXPECT_GT(NSMinY(view->visibleRect()), before);
     EXPECT_EQ(zoomFactor(view), 1.0);
+}
+
+// What is typed into the panel is looked for in the main window.
+TEST_F(DocumentWindowTest, FindsByThePanel) {
+    auto panel = WRFindPanel::init();
+    panel->orderFront(nullptr);
+    screen.turn();
+    screen.type(u"149");
+    screen.press(u'\r');
+    EXPECT_EQ(shown(panel->message()), "_1 of 1");
+    EXPECT_EQ(shown(view->string()->substringWithRange(view->selectedRange())), "149");
+    EXPECT_TRUE(NSContainsRect(view->visibleRect(), view->rectForCharacterRange(view->selectedRange())));
+    EXPECT_EQ(shown(NSPasteboard::pasteboardWithName(NSFindPboard)->stringForType(NSStringPboardType)),
+              "149");
+    screen.press(u'\t');
+    screen.type(u"x");
+    panel->replaceAndFind(nullptr);
+    EXPECT_EQ(shown(panel->message()), "_Not found") << "there is no other";
+    EXPECT_TRUE(view->string()->hasSuffix(u"148\nx\n"_ns));
+    screen.press(NSEscapeCharacter);
+    EXPECT_FALSE(panel->window()->isVisible());
+    // Without the panel, and with a line end.
+    const NSRange end = view->string()->rangeOfString(u"148\nx"_ns);
+    view->setSelectedRange(end);
+    panel->useSelectionForFind(nullptr);
+    panel->findNext(nullptr);
+    EXPECT_EQ(shown(panel->message()), "_1 of 1, from the other end of the text");
+    EXPECT_FALSE(panel->window()->isVisible());
+    EXPECT_EQ(view->selectedRange(), end);
+    view->insertText(u""_ns);
+    panel->findPrevious(nullptr);
+    EXPECT_TRUE(panel->window()->isVisible()) << "says that it was not found";
+}
+
+// MARK: Paper and printing
+
+TEST_F(DocumentWindowTest, ChangesPaperAndMargins) {
+    const NSSize paper = view->pages()->frame().paper;
+    const auto look = [&] {
+        while (!view->isComplete()) screen.turn();
+        const NSSize now = view->pages()->frame().paper;
+        const std::string size = now == paper ? "as before" : now.width > now.height ? "sideways" : "upright";
+        return size + ", " +
+               (view->pageCount() > 3 ? "more pages" : std::to_string(view->pageCount()) + " pages");
+    };
+    const std::string before = look();
+    auto panel = WRPageSetupPanel::create(
+        view->pages()->settings(), [&](NSDictionary* settings) { return window->changeSettings(settings); });
+    panel->window()->makeKeyAndOrderFront(nullptr);
+    screen.turn();
+    for (const char16_t* margin : {u"x", u"-1", u"5000"}) {  // the first field, all of it selected
+        send(panel->window()->firstResponder(), "selectAll:"_sel, id(nullptr));
+        screen.type(margin);
+        screen.press(u'\r');
+        EXPECT_TRUE(panel->window()->isVisible()) << "says why not";
+        EXPECT_EQ(look(), before);
+    }
+    EXPECT_FALSE(window->document()->settings());
+    send(panel->window()->firstResponder(), "selectAll:"_sel, id(nullptr));
+    screen.type(u"12,7");
+    auto* popUp =
+        cast<NSPopUpButton>(panel->window()->contentView()->viewWithTag(WRPageSetupPanel::kOrientationTag));
+    popUp->selectItemAtIndex(1);
+    screen.press(u'\r');
+    EXPECT_FALSE(panel->window()->isVisible());
+    EXPECT_EQ(look(), "sideways, more pages");
+    EXPECT_NEAR(PageFrame::of(window->document()->settings()).left, 36, 0.01);
+    EXPECT_FLOAT_EQ(NSWidth(view->frameOfPage(0)), paper.height);
+    send(view, "undo:"_sel, id(nullptr));
+    EXPECT_EQ(look(), before);
+    EXPECT_FALSE(window->document()->settings());
+    screen.turn();
+    send(view, "redo:"_sel, id(nullptr));
+    EXPECT_EQ(look(), "sideways, more pages");
+}
+
+TEST(PagesOfText, UnderstandsWhatPeopleWrite) {
+    for (const auto& [text, pages] : std::initializer_list<std::pair<NSString*, NSRange>>{{u""_ns, {0, 9}},
+                                                                                          {u"3"_ns, {2, 1}},
+                                                                                          {u"2-5"_ns, {1, 4}},
+                                                                                          {u" 7-"_ns, {6, 3}},
+                                                                                          {u"-3"_ns, {0, 3}}})
+        EXPECT_EQ(pagesOfText(text, 9), pages) << text;
+    for (NSString* text :
+         {u"0"_ns, u"10"_ns, u"5-2"_ns, u"1-2-3"_ns, u"two"_ns, u"2-12"_ns, u"-0"_ns, u"1,2"_ns})
+        EXPECT_EQ(pagesOfText(text, 9).length, 0u) << text;
+}
+
+// A service with two printers, of which the second one takes nothing.
+struct TwoPrinters : PrintService {
+    std::vector<Printer> printers() override {
+        return {{u"a"_ns->copy(), u"Office"_ns->copy(), true}, {u"b"_ns->copy(), u"Attic"_ns->copy(), false}};
+    }
+    int print(NSString* printer, NSData* pdf, NSString*, unsigned copies, NSString** reason) override {
+        told = printer->toUTF8() + " " + std::to_string(copies);
+        printed.set(pdf);
+        *reason = u"it is off"_ns;
+        return printer->isEqualToString(u"a"_ns) ? 12 : 0;
+    }
+    static inline std::string told;
+    static inline Retained<NSData> printed;
+};
+
+TEST_F(DocumentWindowTest, PrintsTheTextAsItIs) {
+    if (std::system("pdftotext -v 2>/dev/null")) GTEST_SKIP() << "needs pdftotext";
+    TemporaryFolder folder;
+    const auto textOf = [&](const char* name) {
+        const std::string path = folder.path(name), text = path + ".txt";
+        EXPECT_EQ(std::system(("pdftotext -raw " + path + " " + text).c_str()), 0);
+        return folder.read(std::string(name) + ".txt");
+    };
+    PrintService::setShared(std::make_unique<TwoPrinters>());
+    view->setSelectedRange({0, 0});
+    view->insertText(u"Edited "_ns);
+    PageDocument pages(view->textStorage(), view->pages()->settings());
+    auto panel = WRPrintPanel::create(&pages, u"b.txt"_ns);
+    const auto press = [&](std::u16string_view range) {
+        panel->window()->makeKeyAndOrderFront(nullptr);
+        screen.turn();
+        send(panel->window()->firstResponder(), "selectAll:"_sel, id(nullptr));
+        screen.type(range);
+        screen.press(u'\r');
+    };
+    press(u"7-9");
+    EXPECT_FALSE(panel->outcome()) << "there are no such pages";
+    press(u"1-1");
+    EXPECT_EQ(TwoPrinters::told, "a 1");
+    EXPECT_EQ(shown(panel->outcome()), "_Sent to the printer \"Office\" as job 12; pages: 1");
+    EXPECT_TRUE(TwoPrinters::printed->writeToFile_atomically(NSString::ofUTF8(folder.path("job.pdf")), true));
+    const std::string job = textOf("job.pdf");
+    EXPECT_EQ(job.substr(0, 9), "Edited 0\n");
+    EXPECT_EQ(job.find('\f'), job.size() - 1) << "one page";
+    auto* popUp = cast<NSPopUpButton>(panel->window()->contentView()->viewWithTag(WRPrintPanel::kPrinterTag));
+    popUp->selectItemAtIndex(1);
+    press(u"");
+    EXPECT_EQ(shown(panel->outcome()),
+              "_Nothing was printed: the printer \"Attic\" took no document: it is off.");
+    PrintService::setShared(nullptr);
+
+    NSString* path = NSString::ofUTF8(folder.path("all.pdf"));
+    EXPECT_NE(shown(panel->writePages({0, pages.pageCount()}, path)).find("_Written to"), std::string::npos);
+    EXPECT_NE(textOf("all.pdf").find("149"), std::string::npos);
+    path = NSString::ofUTF8(folder.path("no/all.pdf"));
+    EXPECT_NE(shown(panel->writePages({0, 1}, path)).find("could not be written"), std::string::npos);
 }
 
 }  // namespace

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/Windows/WRPageSetupPanel.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSNumber.h"
+#include "Foundation/NSScanner.h"
+#include "Interface/NSApplication.h"
+#include "Interface/NSButton.h"
+#include "Interface/NSPanel.h"
+#include "Interface/NSPopUpButton.h"
+#include "Interface/NSTextField.h"
+#include "Writer/LocalizedText.h"
+#include "Writer/Pages/PageDocument.h"
+#include "Writer/Pages/StyleSheet.h"
+#include "Writer/PlugInProtocol.h"
+#include "Writer/Windows/WRFormView.h"
+#include "Writer/Windows/WindowsLibrary.h"
+
+namespace pelvor {
+namespace {
+
+constexpr float kPointsPerMillimetre = 72 / 25.4F;
+enum Orientation : NSInteger { kUpright, kSideways };
+
+// The place of the paper in the list of those with names, either way round; that of "Other" if it has none.
+NSUInteger indexOfPaper(NSSize paper) {
+    NSArray* names = StyleSheet::paperNames();
+    NSUInteger i = 0;
+    for (; i < names->count(); ++i) {
+        const NSSize size = StyleSheet::paperSizeNamed(static_cast<NSString*>(names->objectAtIndex(i)));
+        if (std::abs(size.width - std::min(paper.width, paper.height)) < 1 &&
+            std::abs(size.height - std::max(paper.width, paper.height)) < 1)
+            break;
+    }
+    return i;
+}
+
+NSArray* paperTitles(bool hasOther) {
+    auto* titles = NSMutableArray::array();
+    for (id name : StyleSheet::paperNames())
+        titles->addObject(static_cast<NSString*>(name)->capitalizedString());
+    if (hasOther) titles->addObject(localized(u"_Other paper"_ns));
+    return titles;
+}
+
+// A length as the user writes it; below 0 if that is none.
+float lengthOf(NSString* text) {
+    NSString* number = text->componentsSeparatedByString(u","_ns)->componentsJoinedByString(u"."_ns);
+    auto scanner = NSScanner::scannerWithString(number);
+    float length = 0;
+    return scanner->scanFloat(&length) && scanner->isAtEnd() ? length : -1;
+}
+
+}  // namespace
+
+WRPageSetupPanel::~WRPageSetupPanel() = default;
+
+PELVOR_DEFINE_CLASS(WRPageSetupPanel, windowsLibrary) {
+    methods.instance<"runModal", &WRPageSetupPanel::runModal>();
+    methods.instance<"window", &WRPageSetupPanel::window>();
+    methods.instance<"accept:", &WRPageSetupPanel::accept>();
+    methods.instance<"cancel:", &WRPageSetupPanel::cancel>();
+}
+
+Retained<WRPageSetupPanel> WRPageSetupPanel::create(NSDictionary* settings,
+                                                    std::function<bool(NSDictionary*)> apply) {
+    auto self = make<WRPageSetupPanel>();
+    self->_apply = std::move(apply);
+    self->makePanel(settings);
+    return self;
+}
+
+void WRPageSetupPanel::makePanel(NSDictionary* settings) {
+    constexpr float kFieldWidth = 160;
+    const PageFrame frame = PageFrame::of(settings);
+    _width = frame.paper.width;
+    _height = frame.paper.height;
+    const NSUInteger paper = indexOfPaper(frame.paper);
+    auto form = WRFormView::create(this, kFieldWidth);
+    _paper.set(form->addPopUp(localized(u"_Paper:"_ns),
+                              paperTitles(paper == StyleSheet::paperNames()->count()), {}));
+    _paper->selectItemAtIndex(static_cast<NSInteger>(paper));
+    _orientation.set(form->addPopUp(localized(u"_Orientation:"_ns),
+                                    NSArray::of({localized(u"_Upright"_ns), localized(u"_Sideways"_ns)}),
+                                    {}));
+    _orientation->setTag(kOrientationTag);
+    _orientation->selectItemAtIndex(_width > _height ? kSideways : kUpright);
+    const struct {
+        NSString *key, *label;
+        float length;
+    } kMargins[] = {{WRLeftMarginKey, u"_Left margin in mm:"_ns, frame.left},
+                    {WRRightMarginKey, u"_Right margin in mm:"_ns, frame.right},
+                    {WRTopMarginKey, u"_Top margin in mm:"_ns, frame.top},
+                    {WRBottomMarginKey, u"_Bottom margin in mm:"_ns, frame.bottom}};
+    for (std::size_t i = 0; i < std::size(kMargins); ++i) {
+        const auto& [key, label, length] = kMargins[i];
+        _margins[i] = {key, Retained<NSTextField>::retaining(form->addField(localized(label)))};
+        _margins[i].field->setStringValue(
+            NSString::stringWithFormat(u"%.1f"_ns, static_cast<double>(length / kPointsPerMillimetre)));
+    }
+    _message.set(form->addMessage());
+    form->addButton(localized(u"_OK"_ns), "accept:"_sel)->setKeyEquivalent(u"\r"_ns);
+    form->addButton(localized(u"_Cancel"_ns), "cancel:"_sel)->setKeyEquivalent(u"\x1b"_ns);
+    _panel = form->panelWithTitle(localized(u"_Page Setup"_ns));
+    _panel->setInitialFirstResponder(_margins[0].field);
+}
+
+void WRPageSetupPanel::runModal() {
+    const auto alive = Retained<WRPageSetupPanel>::retaining(this);
+    NSApplication::sharedApplication()->runModalForWindow(_panel);
+    _panel->orderOut(nullptr);
+}
+
+// Null if a margin is no length.
+NSDictionary* WRPageSetupPanel::chosenSettings() {
+    auto* settings = NSMutableDictionary::dictionary();
+    const auto set = [&](NSString* key, float length) {
+        settings->setObject_forKey(NSNumber::numberWithFloat(length), key);
+    };
+    NSArray* names = StyleSheet::paperNames();
+    const auto index = static_cast<NSUInteger>(_paper->indexOfSelectedItem());
+    NSSize paper{std::min(_width, _height), std::max(_width, _height)};
+    if (index < names->count())
+        paper = StyleSheet::paperSizeNamed(static_cast<NSString*>(names->objectAtIndex(index)));
+    if (_orientation->indexOfSelectedItem() == kSideways) std::swap(paper.width, paper.height);
+    set(WRPageWidthKey, paper.width);
+    set(WRPageHeightKey, paper.height);
+    for (const Margin& margin : _margins) {
+        const float length = lengthOf(margin.field->stringValue());
+        if (!(length >= 0)) return nullptr;
+        set(margin.key, length * kPointsPerMillimetre);
+    }
+    return settings;
+}
+
+void WRPageSetupPanel::accept(id) {
+    NSDictionary* settings = chosenSettings();
+    if (!settings)
+        return _message->setStringValue(localized(u"_A margin is a number of millimetres, such as 25."_ns));
+    if (!_apply(settings))
+        return _message->setStringValue(
+            localized(u"_The margins, or the header and the footer, leave no room for text on the page."_ns));
+    cancel(nullptr);
+}
+
+void WRPageSetupPanel::cancel(id) {
+    NSApplication* application = NSApplication::sharedApplication();
+    if (application->modalWindow() == _panel) application->stopModal();
+    _panel->orderOut(nullptr);
+}
+
+}  // namespace pelvor
