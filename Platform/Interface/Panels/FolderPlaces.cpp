@@ -18,7 +18,7 @@ std::vector<FolderPlace> folderPlaces() {
     const auto add = [&](NSString* title, NSString* path) {
         if (title && path) places.push_back({title->copy(), path->copy()});
     };
-    add(panelText(u"_Home"_ns), NSHomeDirectory());
+    add(panelText(u"_Home Folder"_ns), NSHomeDirectory());
     add(panelText(u"_Documents"_ns), folderOfType(folderType("docs"), FolderDomainUser));
     add(panelText(u"_File System"_ns), u"/"_ns);
     const auto close = [](FILE* file) { ::endmntent(file); };

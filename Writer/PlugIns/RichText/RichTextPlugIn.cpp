@@ -2,6 +2,7 @@
 #include "Writer/PlugIns/RichText/RichTextPlugIn.h"
 
 #include "Writer/Pages/PagesLibrary.h"
+#include "Writer/PlugIns/RichText/RichTextPasteboard.h"
 #include "Writer/PlugIns/RichText/WRByteScanner.h"
 #include "Writer/PlugIns/RichText/WRControlWord.h"
 #include "Writer/PlugIns/RichText/WRRichTextReader.h"
@@ -14,9 +15,11 @@ constexpr Library* kDependencies[] = {&pagesLibrary};
 constexpr Class* kClasses[] = {&WRByteScanner::classRecord, &WRControlWord::classRecord,
                                &WRRichTextReader::classRecord, &WRRichTextWriter::classRecord};
 
+constexpr const Category* kCategories[] = {&NSAttributedString_RichText_category};
+
 }  // namespace
 
-constinit Library richTextPlugIn{"RichText", kDependencies, kClasses, {}};
+constinit Library richTextPlugIn{"RichText", kDependencies, kClasses, kCategories};
 
 }  // namespace pelvor
 

@@ -15,6 +15,7 @@
 #include "Writer/Pages/WRSheetParagraphStyle.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/PlugIns/RichText/RichTextAnswer.h"
+#include "Writer/PlugIns/RichText/RichTextPlugIn.h"
 
 namespace {
 
@@ -221,6 +222,30 @@ TEST_F(Letter, IsWrittenAndReadBackEqual) {
     };
     EXPECT_TRUE(withoutPictures(again.text)->isEqualToAttributedString(withoutPictures(objects.text).get()));
     EXPECT_TRUE(again.settings->isEqual(objects.settings));
+}
+
+// What one program copies, another one pastes: whole paragraphs or parts of them.
+TEST(RichTextPasteboard, GivesTheTextOfARange) {
+    registerLibrary(richTextPlugIn);
+    auto text = NSMutableAttributedString::initWithString(u"One\nTwo {\\par} ü\nThree"_ns);
+    text->addAttribute_value_range(NSFontAttributeName, font(12), {0, text->length()});
+    text->addAttribute_value_range(NSFontAttributeName, font(12, NSBoldFontMask), {4, 3});
+    for (const NSRange range : {NSRange{0, 4}, {1, 4}, {4, 13}, {4, 12}, {0, text->length()}, {2, 0}}) {
+        id data = send<id>(text.get(), "RTFFromRange:documentAttributes:"_sel, range, nullptr);
+        id back =
+            send<id>(NSAttributedString::classObject(), "initWithRTF:documentAttributes:"_sel, data, nullptr);
+        auto* pasted = cast<NSAttributedString>(back);
+        ASSERT_TRUE(pasted) << range;
+        EXPECT_EQ(shown(pasted->string()), shown(text->string()->substringWithRange(range))) << range;
+        if (range.location == 4) {
+            auto* bold = static_cast<NSFont*>(
+                pasted->attribute_atIndex_effectiveRange(NSFontAttributeName, 0, nullptr));
+            EXPECT_TRUE(NSFontManager::sharedFontManager()->traitsOfFont(bold) & NSBoldFontMask);
+        }
+    }
+    auto garbage = NSData::dataWithBytes_length("{\\rt", 4);
+    EXPECT_FALSE(
+        send<id>(NSAttributedString::classObject(), "initWithRTF:documentAttributes:"_sel, garbage, nullptr));
 }
 
 }  // namespace
