@@ -83,6 +83,7 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
     methods.instance<"changeSettings:", &WRDocumentWindow::changeSettings>();
     methods.instance<"currentPage", &WRDocumentWindow::currentPage>();
     methods.instance<"textDidChange:", &WRDocumentWindow::textDidChange>();
+    methods.instance<"pageViewDidReceiveFormats:", &WRDocumentWindow::pageViewDidReceiveFormats>();
     methods.instance<"undoManagerForTextView:", &WRDocumentWindow::undoManagerForTextView>();
     methods.instance<"windowWillClose:", &WRDocumentWindow::windowWillClose>();
     methods.instance<"placeDidChange:", &WRDocumentWindow::placeDidChange>();
@@ -184,6 +185,8 @@ void WRDocumentWindow::placeWindow() {
 // MARK: Editing
 
 void WRDocumentWindow::textDidChange(NSNotification*) { _document->textDidChange(); }
+
+void WRDocumentWindow::pageViewDidReceiveFormats(id) { _document->setHasFormats(true); }
 
 NSUndoManager* WRDocumentWindow::undoManagerForTextView(id) { return _undoManager; }
 

@@ -62,6 +62,8 @@ class WRDocumentWindow : public NSResponder {
     NSUInteger currentPage();
     /// Observes the text storage.
     void textDidChange(NSNotification* notification);
+    /// Text with formats was pasted or dropped.
+    void pageViewDidReceiveFormats(id pageView);
     /// What is done to the text is undone by a manager of its own.
     NSUndoManager* undoManagerForTextView(id textView);
     void windowWillClose(NSNotification* notification);

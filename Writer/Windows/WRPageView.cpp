@@ -6,13 +6,19 @@
 #include "Foundation/NSNotificationCenter.h"
 #include "Interface/NSEvent.h"
 #include "Interface/NSMenu.h"
+#include "Interface/NSPasteboard.h"
 #include "PBIdleQueue.h"
+#include "PBProfileKeys.h"
+#include "PBProfileSet.h"
+#include "PBRegistry.h"
+#include "Runtime/Message.h"
 #include "Runtime/Registry.h"
 #include "Text/NSColor.h"
 #include "Text/NSGraphicsContext.h"
 #include "Text/NSTextContainer.h"
 #include "Text/NSTextStorage.h"
 #include "Writer/Windows/WRSpellingMarks.h"
+#include "Writer/PlugInProtocol.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -48,6 +54,9 @@ PELVOR_DEFINE_CLASS(WRPageView, windowsLibrary) {
     methods.instance<"hyphenationDidLoad:", &WRPageView::hyphenationDidLoad>();
     methods.instance<"originOfTextContainer:", &WRPageView::originOfTextContainer>();
     methods.instance<"viewDidMoveToWindow", &WRPageView::viewDidMoveToWindow>();
+    methods.instance<"writablePasteboardTypes", &WRPageView::writablePasteboardTypes>();
+    methods.instance<"readablePasteboardTypes", &WRPageView::readablePasteboardTypes>();
+    methods.instance<"readSelectionFromPasteboard:type:", &WRPageView::readSelectionFromPasteboard_type>();
     methods.instance<"viewWillDraw", &WRPageView::viewWillDraw>();
     methods.instance<"scrollRangeToVisible:", &WRPageView::scrollRangeToVisible>();
     methods.instance<"drawRect:", &WRPageView::drawRect>();
@@ -201,6 +210,40 @@ void WRPageView::insertText(id text) {
     if (!isEditable() && string && string->isEqualToString(u" "_ns))
         return NSTextView::doCommandBySelector("scrollPageDown:"_sel);
     NSTextView::insertText(text);
+}
+
+// MARK: Copying
+
+namespace {
+
+// The plug-in for rich text is loaded when somebody needs it.
+void loadRichText() {
+    for (id writer : PBRegistry::sharedRegistry()->profilesOfType(PBProfileDocumentWriterType)->profiles()) {
+        auto* profile = static_cast<PBProfile*>(writer);
+        if (id value = profile->valueForKey(WRFidelityKey); value && value->isEqual(WRFidelityRich))
+            profile->profileClass();
+    }
+}
+
+}  // namespace
+
+NSArray* WRPageView::writablePasteboardTypes() {
+    loadRichText();
+    return NSTextView::writablePasteboardTypes();
+}
+
+NSArray* WRPageView::readablePasteboardTypes() {
+    loadRichText();
+    return NSTextView::readablePasteboardTypes();
+}
+
+bool WRPageView::readSelectionFromPasteboard_type(NSPasteboard* pasteboard, NSString* type) {
+    if (!NSTextView::readSelectionFromPasteboard_type(pasteboard, type)) return false;
+    const SEL told = "pageViewDidReceiveFormats:"_sel;
+    const auto listener = Retained<Object>::retaining(delegate());
+    if (type->isEqualToString(NSRTFPboardType) && listener && listener->respondsToSelector(told))
+        send(listener, told, this);
+    return true;
 }
 
 // MARK: Drawing

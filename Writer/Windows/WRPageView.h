@@ -57,6 +57,11 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
 
     NSPoint originOfTextContainer(NSTextContainer* container) override;
     void viewDidMoveToWindow() override;
+    /// Text goes to other programs and comes from them with its formats, if a plug-in knows how. The delegate
+    /// may have the message `pageViewDidReceiveFormats:`, with this view.
+    NSArray* writablePasteboardTypes() override;
+    NSArray* readablePasteboardTypes() override;
+    bool readSelectionFromPasteboard_type(NSPasteboard* pasteboard, NSString* type) override;
     void viewWillDraw() override;
     void scrollRangeToVisible(NSRange range) override;
     void drawRect(NSRect dirty) override;
