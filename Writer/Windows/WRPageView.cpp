@@ -17,8 +17,8 @@
 #include "Text/NSGraphicsContext.h"
 #include "Text/NSTextContainer.h"
 #include "Text/NSTextStorage.h"
-#include "Writer/Windows/WRSpellingMarks.h"
 #include "Writer/PlugInProtocol.h"
+#include "Writer/Windows/WRSpellingMarks.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
