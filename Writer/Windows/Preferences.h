@@ -9,4 +9,10 @@ namespace pelvor {
 /// A boolean: whether misspelled words are marked while the user types. True at first.
 inline constexpr NSString* WRMarksMisspellingsPreference = u"WRMarksMisspellings"_ns;
 
+/// A boolean: whether new windows have a ruler. True at first.
+inline constexpr NSString* WRShowsRulerPreference = u"WRShowsRuler"_ns;
+/// A string: the abbreviation of the ruler's unit, "mm"; at first centimetres, or inches where these are
+/// used.
+inline constexpr NSString* WRRulerUnitPreference = u"WRRulerUnit"_ns;
+
 }  // namespace pelvor

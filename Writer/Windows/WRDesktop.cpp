@@ -24,6 +24,7 @@
 #include "Writer/WRDocument.h"
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRFindPanel.h"
+#include "Writer/Windows/WRFontPalette.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRProfilesPanel.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
@@ -82,6 +83,7 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
     methods.instance<"profilesDidChange:", &WRDesktop::profilesDidChange>();
     methods.instance<"windowDidClose:", &WRDesktop::windowDidClose>();
     methods.instance<"orderFrontAbout:", &WRDesktop::orderFrontAbout>();
+    methods.instance<"orderFrontFontPalette:", &WRDesktop::orderFrontFontPalette>();
     methods.instance<"orderFrontProfiles:", &WRDesktop::orderFrontProfiles>();
     methods.instance<"orderFrontShortcuts:", &WRDesktop::orderFrontShortcuts>();
     methods.instance<"orderFrontFindPanel:", &WRDesktop::orderFrontFindPanel>();
@@ -194,6 +196,11 @@ bool WRDesktop::canFind(id) { return WRFindPanel::pageView(); }
 bool WRDesktop::validateUseSelectionForFind(id) {
     WRPageView* view = WRFindPanel::pageView();
     return view && view->selectedRange().length > 0;
+}
+
+void WRDesktop::orderFrontFontPalette(id) {
+    if (!_fontPalette) _fontPalette = WRFontPalette::init();
+    _fontPalette->showBeside(NSApplication::sharedApplication()->mainWindow());
 }
 
 void WRDesktop::orderFrontAbout(id) {

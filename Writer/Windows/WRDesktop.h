@@ -13,6 +13,7 @@ class NSNotification;
 class WRDocument;
 class WRDocumentWindow;
 class WRFindPanel;
+class WRFontPalette;
 class WRProfilesPanel;
 class WRShortcutsPanel;
 
@@ -40,6 +41,7 @@ class WRDesktop : public NSObject {
     void windowDidClose(WRDocumentWindow* window);
     void orderFrontAbout(id sender);
     void orderFrontProfiles(id sender);
+    void orderFrontFontPalette(id sender);
     void orderFrontShortcuts(id sender);
 
     // These go to the panel for finding text.
@@ -71,6 +73,7 @@ class WRDesktop : public NSObject {
     Retained<NSMenu> _servicesMenu;
     Retained<NSArray> _nibObjects;
     Retained<WRProfilesPanel> _profilesPanel;
+    Retained<WRFontPalette> _fontPalette;
     Retained<WRShortcutsPanel> _shortcutsPanel;
     Retained<WRFindPanel> _findPanel;
 };

@@ -10,6 +10,7 @@
 #include "Foundation/NSMutableString.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSUndoManager.h"
+#include "Foundation/NSUserDefaults.h"
 #include "Interface/NSAlert.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSClipView.h"
@@ -20,6 +21,7 @@
 #include "Interface/NSScroller.h"
 #include "Interface/NSTextField.h"
 #include "Interface/NSWindow.h"
+#include "Menus/NSMenuItem-PelvorAdditions.h"
 #include "Text/NSTextStorage.h"
 #include "Writer/LocalizedText.h"
 #include "Writer/Pages/StyledDocument.h"
@@ -27,11 +29,13 @@
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
 #include "Writer/WRDocument.h"
+#include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageSetupPanel.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRPrintPanel.h"
+#include "Writer/Windows/WRRuler.h"
 #include "Writer/Windows/WRSpelling.h"
 #include "Writer/Windows/WRWordCounter.h"
 #include "Writer/Windows/WRZoomView.h"
@@ -45,11 +49,17 @@ constexpr float kStatusHeight = 24;
 constexpr double kZooms[] = {0.1, 0.25, 0.5, 0.75, 1, 1.25, 1.5, 2, 3, 4, 6, 8};
 constexpr NSSize kRoomAround{24, 40};  // between a new window and the edges of the screen
 
+bool showsRulers() {
+    auto* defaults = NSUserDefaults::standardUserDefaults();
+    return !defaults->objectForKey(WRShowsRulerPreference) || defaults->boolForKey(WRShowsRulerPreference);
+}
+
 // Shows a page whole, beside the scroller that further pages need, if the screen allows.
 NSRect firstFrame(NSSize page) {
     const NSRect room =
         NSInsetRect(NSScreen::mainScreen()->visibleFrame(), kRoomAround.width, kRoomAround.height);
-    const float bars = kStatusHeight + NSMenuBarView::menuBarHeight();
+    const float bars =
+        kStatusHeight + NSMenuBarView::menuBarHeight() + (showsRulers() ? WRRuler::kHeight : 0);
     const NSSize size{std::min(page.width + NSScroller::scrollerWidth(), room.size.width),
                       std::min(page.height + bars, room.size.height)};
     return {{NSMidX(room) - size.width / 2, NSMaxY(room) - size.height}, size};
@@ -73,9 +83,12 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
     methods.instance<"zoomOut:", &WRDocumentWindow::zoomOut>();
     methods.instance<"showActualSize:", &WRDocumentWindow::showActualSize>();
     methods.instance<"showWholeWidth:", &WRDocumentWindow::showWholeWidth>();
+    methods.instance<"toggleRuler:", &WRDocumentWindow::toggleRuler>();
     methods.instance<"showNextPage:", &WRDocumentWindow::showNextPage>();
     methods.instance<"showPreviousPage:", &WRDocumentWindow::showPreviousPage>();
     methods.instance<"askService:", &WRDocumentWindow::askService>();
+    methods.instance<"validateMenuItem:", &WRDocumentWindow::validateMenuItem>();
+    methods.instance<"validateToggleRuler:", &WRDocumentWindow::validateToggleRuler>();
     methods.instance<"validateShowNextPage:", &WRDocumentWindow::validateShowNextPage>();
     methods.instance<"validateShowPreviousPage:", &WRDocumentWindow::validateShowPreviousPage>();
     methods.instance<"runPageLayout:", &WRDocumentWindow::runPageLayout>();
@@ -135,6 +148,7 @@ void WRDocumentWindow::makeWindow() {
     _scrollView->setBackgroundColor(WRPageView::deskColor());
     _scrollView->setDocumentView(_zoomView);
     content->addSubview(_scrollView);
+    showRuler(showsRulers());
 
     _status = NSTextField::initWithFrame({{8, 2}, {size.width - 16, kStatusHeight - 4}});
     _status->setEditable(false);
@@ -204,6 +218,41 @@ void WRDocumentWindow::windowWillClose(NSNotification*) {
     _window->setNextResponder(nullptr);
     if (auto* desktop = cast<WRDesktop>(NSApplication::sharedApplication()->delegate()))
         desktop->windowDidClose(this);
+}
+
+// MARK: Ruler
+
+void WRDocumentWindow::showRuler(bool shows) {
+    if (shows == static_cast<bool>(_ruler)) return;
+    NSRect room = _scrollView->frame();
+    if (!shows) {
+        room.size.height += WRRuler::kHeight;
+        _ruler->removeFromSuperview();
+        _ruler = nullptr;
+        return _scrollView->setFrame(room);
+    }
+    room.size.height -= WRRuler::kHeight;
+    _scrollView->setFrame(room);
+    _ruler = WRRuler::create(_formatCommands,
+                             {{room.origin.x, NSMaxY(room)}, {room.size.width, WRRuler::kHeight}});
+    _ruler->setAutoresizingMask(NSViewWidthSizable | NSViewMinYMargin);
+    _window->contentView()->addSubview(_ruler);
+}
+
+void WRDocumentWindow::toggleRuler(id) {
+    showRuler(!_ruler);
+    NSUserDefaults::standardUserDefaults()->setBool_forKey(static_cast<bool>(_ruler), WRShowsRulerPreference);
+}
+
+bool WRDocumentWindow::validateToggleRuler(id item) {
+    if (auto* shown = cast<NSMenuItem>(item)) shown->setState(static_cast<bool>(_ruler));
+    return true;
+}
+
+bool WRDocumentWindow::validateMenuItem(id item) {
+    bool isEnabled = true;
+    dispatchValidationTo_result(item, this, &isEnabled);
+    return isEnabled;
 }
 
 // MARK: Zoom

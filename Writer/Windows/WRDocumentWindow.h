@@ -16,6 +16,7 @@ class NSWindow;
 class WRDocument;
 class WRFormatCommands;
 class WRPageView;
+class WRRuler;
 class WRSpelling;
 class WRWordCounter;
 class WRZoomView;
@@ -42,11 +43,16 @@ class WRDocumentWindow : public NSResponder {
     void zoomOut(id sender);
     void showActualSize(id sender);
     void showWholeWidth(id sender);
+    /// Shows or hides the ruler, here and in windows that open later.
+    void toggleRuler(id sender);
     void showNextPage(id sender);
     void showPreviousPage(id sender);
     /// The sender is a menu item that represents the profile of a document service: shows what the service
     /// says.
     void askService(id sender);
+    /// Asks the operations below.
+    bool validateMenuItem(id item);
+    bool validateToggleRuler(id item);
     bool validateShowNextPage(id item);
     bool validateShowPreviousPage(id item);
 
@@ -75,6 +81,7 @@ class WRDocumentWindow : public NSResponder {
 
   private:
     void makeWindow();
+    void showRuler(bool shows);
     void placeWindow();
     void showStatus();
     void stopWork();
@@ -88,6 +95,7 @@ class WRDocumentWindow : public NSResponder {
     Retained<WRZoomView> _zoomView;
     Retained<WRPageView> _pageView;
     Retained<WRFormatCommands> _formatCommands;
+    Retained<WRRuler> _ruler;  // null while it is hidden
     Retained<NSTextField> _status;
     Retained<WRSpelling> _spelling;
     Retained<WRWordCounter> _wordCounter;

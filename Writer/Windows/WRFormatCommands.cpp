@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "Foundation/NSMutableDictionary.h"
+#include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSUndoManager.h"
 #include "Interface/NSApplication.h"
@@ -146,6 +147,8 @@ WRFormatCommands* WRFormatCommands::current() {
 
 // MARK: The selection
 
+std::span<const float> WRFormatCommands::usualSizes() { return kSizes; }
+
 bool WRFormatCommands::canEdit() { return _pageView->isEditable(); }
 
 NSRange WRFormatCommands::selection() { return _pageView->selectedRange(); }
@@ -159,26 +162,33 @@ NSDictionary* WRFormatCommands::currentAttributes() {
     return _pageView->textStorage()->attributesAtIndex_effectiveRange(selection().location, nullptr);
 }
 
+// The character behind a caret is in the paragraph of the caret, so no end of a long paragraph is looked for.
+NSUInteger WRFormatCommands::placeInParagraph() {
+    NSTextStorage* text = _pageView->textStorage();
+    const NSUInteger place = selection().location, length = text->length();
+    if (place < length) return place;
+    if (length == 0 || paragraphRangeForRange(text, {length, 0}).length == 0) return NSNotFound;
+    return length - 1;
+}
+
 NSParagraphStyle* WRFormatCommands::currentParagraphStyle() {
-    const NSRange range = selectedParagraphs();
-    return styleIn(range.length == 0
+    const NSUInteger place = placeInParagraph();
+    return styleIn(place == NSNotFound
                        ? _pageView->typingAttributes()
-                       : _pageView->textStorage()->attributesAtIndex_effectiveRange(range.location, nullptr));
+                       : _pageView->textStorage()->attributesAtIndex_effectiveRange(place, nullptr));
 }
 
 bool WRFormatCommands::isRightToLeft() {
     const NSWritingDirection direction = currentParagraphStyle()->baseWritingDirection();
     if (direction != NSWritingDirectionNatural) return direction == NSWritingDirectionRightToLeft;
-    const NSRange range = selectedParagraphs();
+    const NSUInteger place = placeInParagraph();
+    if (place == NSNotFound) return false;
     NSLayoutManager* layoutManager = _pageView->layoutManager();
-    if (range.length == 0) return false;
-    NSTextContainer* container =
-        layoutManager->textContainerForGlyphAtIndex_effectiveRange(range.location, nullptr);
-    const NSRect first =
-        layoutManager->lineFragmentRectForGlyphAtIndex_effectiveRange(range.location, nullptr);
+    NSTextContainer* container = layoutManager->textContainerForGlyphAtIndex_effectiveRange(place, nullptr);
+    const NSRect rect = layoutManager->lineFragmentRectForGlyphAtIndex_effectiveRange(place, nullptr);
     if (!container) return false;
-    for (const LaidLine& line : layoutManager->linesInRect(first, container))
-        if (NSLocationInRange(range.location, line.range)) return line.isRightToLeft;
+    for (const LaidLine& line : layoutManager->linesInRect(rect, container))
+        if (NSLocationInRange(place, line.range)) return line.isRightToLeft;
     return false;
 }
 
@@ -236,15 +246,21 @@ bool WRFormatCommands::edit(id sender, NSString* name, NSRange range,
     return true;
 }
 
+// What is typed next; null stands for what the text around the caret has. Ends each command.
+void WRFormatCommands::setTyping(NSDictionary* attributes) {
+    _pageView->setTypingAttributes(attributes);
+    NSNotificationCenter::defaultCenter()->postNotificationName_object(WRFormatsDidChangeNotification, this);
+}
+
 void WRFormatCommands::changeCharacters(id sender, NSString* name, const AttributeChange& change) {
     if (!canEdit()) return;
     if (selection().length > 0) {
         edit(sender, name, selection(),
              [&](NSTextStorage* text) { text->changeAttributesInRange(selection(), change); });
-        return _pageView->setTypingAttributes(nullptr);
+        return setTyping(nullptr);
     }
     if (!_document->hasFormats()) _document->setHasFormats(true);
-    _pageView->setTypingAttributes(change(_pageView->typingAttributes()).get());
+    setTyping(change(_pageView->typingAttributes()).get());
 }
 
 void WRFormatCommands::changeParagraphs(id sender, NSString* name, const StyleChange& change) {
@@ -257,7 +273,7 @@ void WRFormatCommands::changeParagraphs(id sender, NSString* name, const StyleCh
              [&](NSTextStorage* text) { text->changeAttributesInRange(range, changed); });
     else if (!_document->hasFormats())
         _document->setHasFormats(true);
-    _pageView->setTypingAttributes(typing);
+    setTyping(typing);
 }
 
 // MARK: Characters
@@ -395,7 +411,7 @@ void WRFormatCommands::takeParagraphStyleFrom(id sender) {
              [&](NSTextStorage* text) { setParagraphStyle(text, range, *_sheet, name); });
     else if (!_document->hasFormats())
         _document->setHasFormats(true);
-    _pageView->setTypingAttributes(attributesInParagraphStyle(*_sheet, name, typing, usual).get());
+    setTyping(attributesInParagraphStyle(*_sheet, name, typing, usual).get());
 }
 
 bool WRFormatCommands::validateTakeParagraphStyleFrom(id item) {
@@ -411,7 +427,7 @@ void WRFormatCommands::takeCharacterStyleFrom(id sender) {
     if (selection().length > 0) {
         edit(sender, nullptr, selection(),
              [&](NSTextStorage* text) { setCharacterStyle(text, selection(), *_sheet, name); });
-        return _pageView->setTypingAttributes(nullptr);
+        return setTyping(nullptr);
     }
     const NSRange paragraph = selectedParagraphs();
     changeCharacters(sender, nullptr, [&](NSDictionary* old) {
@@ -437,7 +453,7 @@ void WRFormatCommands::clearFormats(id sender) {
     if (range.length > 0)
         edit(sender, nullptr, range,
              [&](NSTextStorage* text) { pelvor::clearFormats(text, range, *_sheet); });
-    _pageView->setTypingAttributes(isCaret ? typing.get() : nullptr);
+    setTyping(isCaret ? typing.get() : nullptr);
 }
 
 }  // namespace pelvor

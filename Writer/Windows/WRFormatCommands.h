@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <span>
 
 #include "Interface/NSResponder.h"
 #include "Writer/Pages/StyleSheet.h"
@@ -15,6 +16,9 @@ class NSMutableParagraphStyle;
 class NSTextStorage;
 class WRDocument;
 class WRPageView;
+
+/// Posted by format commands when they have changed formats of the text, or of what is typed next.
+inline constexpr NSString* WRFormatsDidChangeNotification = u"WRFormatsDidChangeNotification"_ns;
 
 /// Stands behind the window in the chain of responders and takes the commands of the Format menu, for the
 /// text of the window's page view.
@@ -38,6 +42,9 @@ class WRFormatCommands : public NSResponder {
 
     using AttributeChange = std::function<Retained<NSDictionary>(NSDictionary* old)>;
     using StyleChange = std::function<void(NSMutableParagraphStyle* style)>;
+
+    /// The sizes in points that menus and palettes offer, in ascending order.
+    static std::span<const float> usualSizes();
 
     WRPageView* pageView() { return _pageView; }
     const StyleSheet& sheet() { return *_sheet; }
@@ -96,6 +103,7 @@ class WRFormatCommands : public NSResponder {
 
     NSRange selection();
     NSRange selectedParagraphs();
+    NSUInteger placeInParagraph();
     template <class Has>
     int stateOf(NSRange range, const Has& has);
     bool showState(id item, int state);
@@ -104,6 +112,7 @@ class WRFormatCommands : public NSResponder {
     float leastIndent();
     bool edit(id sender, NSString* name, NSRange range,
               const std::function<void(NSTextStorage* text)>& change);
+    void setTyping(NSDictionary* attributes);
     void setDocumentHasFormats(bool hasFormats);
 
     Retained<WRDocument> _document;

@@ -42,8 +42,10 @@ void WRStyleMenu::menuNeedsUpdate(NSMenu* menu) {
     menu->removeAllItems();
     WRFormatCommands* commands = WRFormatCommands::current();
     if (!commands) return;
+    addItem(menu, shownName(kPlainStyleName), "takeParagraphStyleFrom:"_sel, kPlainStyleName);
     for (id object : commands->sheet().paragraphStyleNames())
-        if (auto* name = static_cast<NSString*>(object); !isOfPages(name))
+        if (auto* name = static_cast<NSString*>(object);
+            !isOfPages(name) && !name->isEqualToString(kPlainStyleName))
             addItem(menu, shownName(name), "takeParagraphStyleFrom:"_sel, name);
     menu->addItem(NSMenuItem::separatorItem());
     addItem(menu, localized(u"_No Character Style"_ns), "takeCharacterStyleFrom:"_sel, nullptr);

@@ -1,34 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WRTablePanel.h"
 
-#include <algorithm>
-
 #include "Foundation/NSArray.h"
 #include "Interface/NSCell.h"
 #include "Interface/NSPanel.h"
-#include "Interface/NSScreen.h"
 #include "Interface/NSScrollView.h"
 #include "Interface/NSTableColumn.h"
 #include "PBAutoscrollingTableView.h"
+#include "Writer/Windows/WindowFrames.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
 namespace {
 
-constexpr float kDistance = 8;  // between the window and the one beside it
 constexpr NSSize kSize{520, 360};
-
-// At the right of the other frame, or else at its left; at the right edge of the screen if neither has room.
-NSPoint originBeside(NSRect other, NSSize size, NSRect screen) {
-    const float left = NSMinX(other) - kDistance - size.width;
-    float x = NSMaxX(other) + kDistance;
-    if (x + size.width > NSMaxX(screen) && left >= NSMinX(screen)) x = left;
-    const auto inside = [](float start, float length, float low, float high) {
-        return std::max(std::min(start, high - length), low);
-    };
-    return {inside(x, size.width, NSMinX(screen), NSMaxX(screen)),
-            inside(NSMaxY(other) - size.height, size.height, NSMinY(screen), NSMaxY(screen))};
-}
 
 }  // namespace
 
@@ -71,10 +56,7 @@ void WRTablePanel::makeWindow(NSString* title, std::span<const Column> columns) 
 }
 
 void WRTablePanel::showBeside(NSWindow* other) {
-    NSScreen* screen = other ? other->screen() : NSScreen::mainScreen();
-    if (!_window->isVisible() && screen)
-        _window->setFrameOrigin(originBeside(other ? other->frame() : screen->visibleFrame(),
-                                             _window->frame().size, screen->visibleFrame()));
+    placeBeside(_window, other);
     _window->makeKeyAndOrderFront(nullptr);
 }
 

@@ -7,13 +7,28 @@
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Interface/NSScreen.h"
+#include "Interface/NSWindow.h"
 #include "PBSnapFrame.h"
 
 namespace pelvor {
 namespace {
 
+constexpr float kDistance = 8;  // between a panel and the window beside it
+
 constexpr NSUInteger kMostFrames = 100;
 constexpr int kSnapDistance = 12;  // points
+
+// At the right of the other frame, or else at its left; at the right edge of the screen if neither has room.
+NSPoint originBeside(NSRect other, NSSize size, NSRect screen) {
+    const float left = NSMinX(other) - kDistance - size.width;
+    float x = NSMaxX(other) + kDistance;
+    if (x + size.width > NSMaxX(screen) && left >= NSMinX(screen)) x = left;
+    const auto inside = [](float start, float length, float low, float high) {
+        return std::max(std::min(start, high - length), low);
+    };
+    return {inside(x, size.width, NSMinX(screen), NSMaxX(screen)),
+            inside(NSMaxY(other) - size.height, size.height, NSMinY(screen), NSMaxY(screen))};
+}
 
 }  // namespace
 
@@ -51,6 +66,13 @@ NSRect notedWindowFrame(NSString* path) {
         frame.origin = {NSMidX(room) - NSWidth(frame) / 2, NSMaxY(room) - NSHeight(frame)};
     }
     return PBSnapFrame(frame, kSnapDistance);
+}
+
+void placeBeside(NSWindow* window, NSWindow* other) {
+    NSScreen* screen = other ? other->screen() : NSScreen::mainScreen();
+    if (window->isVisible() || !screen) return;
+    window->setFrameOrigin(originBeside(other ? other->frame() : screen->visibleFrame(), window->frame().size,
+                                        screen->visibleFrame()));
 }
 
 }  // namespace pelvor

@@ -7,6 +7,8 @@
 
 namespace pelvor {
 
+class NSWindow;
+
 /// User defaults: a dictionary from the paths of documents to the frames of their windows as strings, and the
 /// paths as an array, the one that was noted last at the end.
 inline constexpr NSString* WRWindowFramesKey = u"WRWindowFrames"_ns;
@@ -17,5 +19,8 @@ void noteWindowFrame(NSString* path, NSRect frame);
 /// Where the document's window stood, moved and made smaller so that it can be seen on a screen that there is
 /// now; an empty rectangle for a document that is not remembered.
 NSRect notedWindowFrame(NSString* path);
+
+/// Moves a window that is not seen yet beside the other one, or to the edge of the screen for null.
+void placeBeside(NSWindow* window, NSWindow* other);
 
 }  // namespace pelvor

@@ -9,12 +9,14 @@
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRFindPanel.h"
+#include "Writer/Windows/WRFontPalette.h"
 #include "Writer/Windows/WRFormView.h"
 #include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageSetupPanel.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRPrintPanel.h"
 #include "Writer/Windows/WRProfilesPanel.h"
+#include "Writer/Windows/WRRuler.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
 #include "Writer/Windows/WRSpelling.h"
 #include "Writer/Windows/WRSpellingMarks.h"
@@ -37,12 +39,14 @@ constexpr Class* kClasses[] = {
     &WRDesktop::classRecord,
     &WRDocumentWindow::classRecord,
     &WRFindPanel::classRecord,
+    &WRFontPalette::classRecord,
     &WRFormView::classRecord,
     &WRFormatCommands::classRecord,
     &WRPageSetupPanel::classRecord,
     &WRPageView::classRecord,
     &WRPrintPanel::classRecord,
     &WRProfilesPanel::classRecord,
+    &WRRuler::classRecord,
     &WRShortcutsPanel::classRecord,
     &WRSpelling::classRecord,
     &WRSpellingMarks::classRecord,
