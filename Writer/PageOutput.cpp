@@ -68,22 +68,27 @@ NSArray* keptPaths(WRDocument* document, NSString* format, WRArguments* argument
 
 }  // namespace
 
-NSDictionary* pageOptions(WRDocument* document, WRArguments* arguments, PBProfileSet* profiles) {
-    auto* options = NSMutableDictionary::dictionary();
-    const auto set = [options](NSString* key, id value) {
-        if (value) options->setObject_forKey(value, key);
+NSDictionary* pageWishes(WRArguments* arguments) {
+    auto* wishes = NSMutableDictionary::dictionary();
+    const auto set = [wishes](NSString* key, id value) {
+        if (value) wishes->setObject_forKey(value, key);
     };
     const auto setNumber = [&](NSString* key, NSString* option) {
         if (arguments->hasOption(option))
             set(key, NSNumber::numberWithUnsignedInt(arguments->numberOfOption(option)));
     };
-    set(WRTitleKey, document->path()->lastPathComponent());
-    set(WRRichTextKey, textWithLanguages(document, profiles).get());
-    set(WRDocumentSettingsKey, document->settings());
     set(WRStyleSheetKey, arguments->valueOfOption(u"--style-sheet"_ns));
     set(WRPaperKey, arguments->valueOfOption(u"--paper"_ns));
     setNumber(WRMarginKey, u"--margin"_ns);
     setNumber(WRResolutionKey, u"--resolution"_ns);
+    return wishes;
+}
+
+NSDictionary* pageOptions(WRDocument* document, NSDictionary* wishes, PBProfileSet* profiles) {
+    auto* options = NSMutableDictionary::dictionaryWithDictionary(wishes);
+    options->setObject_forKey(document->name(), WRTitleKey);
+    options->setObject_forKey(textWithLanguages(document, profiles).get(), WRRichTextKey);
+    if (document->settings()) options->setObject_forKey(document->settings(), WRDocumentSettingsKey);
     return options;
 }
 
@@ -91,7 +96,8 @@ namespace {
 
 NSDictionary* optionsFor(WRDocument* document, NSString* format, WRArguments* arguments,
                          PBProfileSet* profiles) {
-    auto* options = NSMutableDictionary::dictionaryWithDictionary(pageOptions(document, arguments, profiles));
+    auto* options =
+        NSMutableDictionary::dictionaryWithDictionary(pageOptions(document, pageWishes(arguments), profiles));
     options->setObject_forKey(keptPaths(document, format, arguments), WRKeptPathsKey);
     return options;
 }

@@ -13,8 +13,11 @@ class WRArguments;
 class WRDocument;
 class WRReport;
 
-/// How the arguments and the document want pages to be set: options of page setters. Borrowed.
-NSDictionary* pageOptions(WRDocument* document, WRArguments* arguments, PBProfileSet* profiles);
+/// How the arguments want pages of any document to be set: options of page setters. Borrowed.
+NSDictionary* pageWishes(WRArguments* arguments);
+
+/// How the wishes and the document want its pages to be set: options of page setters. Borrowed.
+PELVOR_EXPORT NSDictionary* pageOptions(WRDocument* document, NSDictionary* wishes, PBProfileSet* profiles);
 
 /// If the arguments request pages in the format, "pdf" or "png", has a page setter of the profiles write them
 /// and reports what was written. Returns null, or what went wrong, as a sentence for the user; borrowed.

@@ -14,6 +14,7 @@
 #include "Foundation/NSArray.h"
 #include "Foundation/NSBundle.h"
 #include "Foundation/NSData.h"
+#include "Foundation/NSFileManager.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSMutableSet.h"
@@ -209,8 +210,8 @@ void WRApplication::makeDesktop() try {
 }
 
 void WRApplication::runDesktop() try {
-    NSString* problem = send<NSString*>(_desktop.get(), "showDocument:options:"_sel, _document.get(),
-                                        pageOptions(_document, _arguments, registry()));
+    NSString* problem =
+        send<NSString*>(_desktop.get(), "showDocument:options:"_sel, _document.get(), pageWishes(_arguments));
     markMoment("shown");
     if (problem) return complain(problem);
     if (!_plugInFolder) watchPlugIns();
@@ -223,11 +224,18 @@ void WRApplication::runDesktop() try {
 bool WRApplication::openDocument() {
     AutoreleasePool pool;  // what the reader made goes, but for the text
     NSString* path = _arguments->documentPath();
+    if (!path && _desktop) {
+        _document = WRDocument::initWithName(localized(u"_Untitled"_ns));
+        return true;
+    }
     if (!path) path = NSBundle::mainBundle()->pathForResource_ofType(u"Sample"_ns, u"txt"_ns);
     if (!path) {
         complain(localized(u"_The sample document is missing."_ns));
         return false;
     }
+    // Windows keep paths for later starts, from other folders.
+    if (_desktop && !path->isAbsolutePath())
+        path = NSFileManager::defaultManager()->currentDirectoryPath()->stringByAppendingPathComponent(path);
     _path = path->copy();
     if (_arguments->hasOption(u"--stay"_ns)) watchFiles();
     _document.set(readDocument());
@@ -356,7 +364,10 @@ void WRApplication::uploadDocument() {
 
 void WRApplication::trashDocument() {
     if (!isLastStepDue(u"--trash"_ns)) return;
-    if (NSString* problem = throwDocumentAway(_path, _report)) complain(problem);
+    NSString* place = nullptr;
+    if (NSString* problem = throwDocumentAway(_path, &place)) return complain(problem);
+    _report->addHeading(localized(u"_In the trash"_ns));
+    _report->addLabel_value(localized(u"_Path"_ns), place);
     print(_report->takeText());
 }
 
@@ -392,7 +403,8 @@ void WRApplication::count() {
 
 // The document is watched before it is read, so that no change falls in between.
 void WRApplication::watchFiles() {
-    _sentry = WRFileSentry::initWithPath_target_selector(_path, this, "documentFileDidChange"_sel);
+    if (!_desktop)  // where windows watch by themselves
+        _sentry = WRFileSentry::initWithPath_target_selector(_path, this, "documentFileDidChange"_sel);
     watchPlugIns();
 }
 

@@ -30,7 +30,14 @@ bool isSet(NSDictionary* answer, NSString* key) {
 
 PELVOR_DEFINE_CLASS(WRDocument, writerLibrary) {
     methods.creator<"initWithPath:reader:answer:", &WRDocument::initWithPath_reader_answer>();
+    methods.creator<"initWithName:", &WRDocument::initWithName>();
     methods.instance<"path", &WRDocument::path>();
+    methods.instance<"hasFile", &WRDocument::hasFile>();
+    methods.instance<"name", &WRDocument::name>();
+    methods.instance<"setName:", &WRDocument::setName>();
+    methods.instance<"hasChanged", &WRDocument::hasChanged>();
+    methods.instance<"wasWrittenToPath:reader:encoding:", &WRDocument::wasWrittenToPath_reader_encoding>();
+    methods.instance<"takeReading:", &WRDocument::takeReading>();
     methods.instance<"text", &WRDocument::text>();
     methods.instance<"richText", &WRDocument::richText>();
     methods.instance<"hasFormats", &WRDocument::hasFormats>();
@@ -81,6 +88,41 @@ Retained<WRDocument> WRDocument::initWithPath_reader_answer(NSString* path, PBPr
     self->_answer.set(rest);
     self->_settings.set(cast<NSDictionary>(rest->objectForKey(WRDocumentSettingsKey)));
     return self;
+}
+
+Retained<WRDocument> WRDocument::initWithName(NSString* name, Class* cls) {
+    auto self = make<WRDocument>(cls);
+    self->_path.set(u""_ns);
+    self->_name = name->copy();
+    self->_text.set(u""_ns);
+    self->_answer.set(NSDictionary::dictionary());
+    return self;
+}
+
+NSString* WRDocument::name() { return hasFile() ? _path->lastPathComponent() : _name.get(); }
+
+void WRDocument::setName(NSString* name) { _name = name->copy(); }
+
+// A mark stays where the encoding does.
+void WRDocument::wasWrittenToPath_reader_encoding(NSString* path, PBProfile* reader, NSString* encodingName) {
+    _path = path->copy();
+    _reader.set(reader);
+    _fileIdentity = FileIdentity::ofFile(_path);
+    auto* answer = NSMutableDictionary::dictionary();
+    answer->setObject_forKey(NSNumber::numberWithUnsignedLongLong(_fileIdentity.size), WRByteCountKey);
+    if (encodingName) answer->setObject_forKey(encodingName, WREncodingKey);
+    const bool isEncodingKept = encodingName && encodingName->isEqual(this->encodingName());
+    answer->setObject_forKey(NSNumber::numberWithBool(isEncodingKept && hasByteOrderMark()),
+                             WRByteOrderMarkKey);
+    _answer.set(answer);
+}
+
+void WRDocument::takeReading(WRDocument* other) {
+    _reader = other->_reader;
+    _answer = other->_answer;
+    _settings = other->_settings;
+    _hasFormats = other->_hasFormats;
+    _fileIdentity = other->_fileIdentity;
 }
 
 NSString* WRDocument::encodingName() { return cast<NSString>(_answer->objectForKey(WREncodingKey)); }
@@ -183,6 +225,7 @@ void WRDocument::adoptText(NSMutableAttributedString* text) {
 }
 
 void WRDocument::textDidChange() {
+    _hasChanged = true;
     if (_attributedText) _text = nullptr;
     _paragraphs.reset();
     NSNotificationCenter::defaultCenter()->postNotificationName_object(WRDocumentDidChangeNotification, this);

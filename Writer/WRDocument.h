@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// WRDocument: a document that a reader has read.
+// WRDocument: a document that is open.
 #pragma once
 
 #include <functional>
@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Foundation/NSString.h"
+#include "Writer/FileIdentity.h"
 
 namespace pelvor {
 
@@ -23,14 +24,34 @@ inline constexpr NSString* WRDocumentDidChangeNotification = u"WRDocumentDidChan
 /// The text of a document and how it came in. Main thread.
 class PELVOR_EXPORT WRDocument : public NSObject {
     PELVOR_CLASS(WRDocument, NSObject);
-    PELVOR_CREATORS(initWithPath_reader_answer);
+    PELVOR_CREATORS(initWithName, initWithPath_reader_answer);
 
   public:
     /// Takes the answer of a reader. Returns null if the answer has no text, or its rich text has another.
     static Retained<WRDocument> initWithPath_reader_answer(NSString* path, PBProfile* reader,
                                                            NSDictionary* answer, Class* cls = classObject());
 
+    /// An empty document without a file.
+    static Retained<WRDocument> initWithName(NSString* name, Class* cls = classObject());
+
+    /// "" for a document without a file.
     NSString* path() { return _path; }
+    bool hasFile() { return _path->length() > 0; }
+    /// The name of the file, or of a document without a file.
+    NSString* name();
+    void setName(NSString* name);
+    /// Whether the text has changed since the document was read or made.
+    bool hasChanged() { return _hasChanged; }
+    /// The document's file is the one at the path from now on, which a writer has written. The reader, which
+    /// may be null, is one for such a file. The name of the encoding is null where there is none.
+    void wasWrittenToPath_reader_encoding(NSString* path, PBProfile* reader, NSString* encodingName);
+    /// How the document came in is what the other one, read from its file again, says. The text stays.
+    void takeReading(WRDocument* other);
+    // C++ only
+    /// The file when it was last read or written.
+    const FileIdentity& fileIdentity() { return _fileIdentity; }
+    void setFileIdentity(const FileIdentity& identity) { _fileIdentity = identity; }
+
     /// The text, borrowed; valid until the next change.
     NSString* text();
     /// The text with its formats, borrowed; null for a document without formats.
@@ -97,12 +118,13 @@ class PELVOR_EXPORT WRDocument : public NSObject {
   private:
     const std::vector<NSRange>& paragraphs();
 
-    Retained<NSString> _path;
+    Retained<NSString> _path, _name;
+    FileIdentity _fileIdentity;
     // The text is the attributed one where there is one; then the string is null after a change, until
     // somebody asks.
     Retained<NSString> _text;
     Retained<NSMutableAttributedString> _attributedText;
-    bool _hasFormats = false;
+    bool _hasFormats = false, _hasChanged = false;
     Retained<PBProfile> _reader;
     Retained<NSDictionary> _settings;
     Retained<NSDictionary> _answer;                   // the reader's, without the texts

@@ -75,6 +75,7 @@ WRDocument* WRDocumentOpener::openDocumentAtPath_options(NSString* path, NSDicti
 WRDocument* WRDocumentOpener::askReaders(NSString* path, NSDictionary* options) {
     _problem.set(
         localizedFormat(u"_The document \"%@\" could not be opened: there is no reader for it."_ns, path));
+    const FileIdentity identity = FileIdentity::ofFile(path);  // a change while somebody reads counts
     for (id candidate : _candidates.get()) {
         auto* profile = static_cast<PBProfile*>(candidate);
         NSDictionary* answer = askPlugIn(profile, "readDocumentAtPath:options:"_sel, path, options);
@@ -82,7 +83,10 @@ WRDocument* WRDocumentOpener::askReaders(NSString* path, NSDictionary* options) 
         if (!_problem) {
             auto document = WRDocument::initWithPath_reader_answer(path, profile, answer);
             _problem.set(problemOfDocument(document, options, profile));
-            if (!_problem) return std::move(document).autorelease();
+            if (!_problem) {
+                document->setFileIdentity(identity);
+                return std::move(document).autorelease();
+            }
         }
         id error = answer->objectForKey(WRErrorKey);
         if (error && !error->isEqual(WRErrorRefused) && !error->isEqual(WRErrorPlugIn)) return nullptr;

@@ -19,7 +19,7 @@ class PBProfileSet;
 ///     if (!document) complain(opener->problem());
 ///
 /// Main thread.
-class WRDocumentOpener : public NSObject {
+class PELVOR_EXPORT WRDocumentOpener : public NSObject {
     PELVOR_CLASS(WRDocumentOpener, NSObject);
     PELVOR_CREATORS(initWithProfiles);
 

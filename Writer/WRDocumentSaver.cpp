@@ -44,6 +44,8 @@ PELVOR_DEFINE_CLASS(WRDocumentSaver, writerLibrary) {
     methods.creator<"initWithProfiles:", &WRDocumentSaver::initWithProfiles>();
     methods.instance<"saveDocument:toPath:encoding:", &WRDocumentSaver::saveDocument_toPath_encoding>();
     methods.instance<"problem", &WRDocumentSaver::problem>();
+    methods.instance<"chooseWriterForDocument:path:", &WRDocumentSaver::chooseWriterForDocument_path>();
+    methods.instance<"readerForPath:", &WRDocumentSaver::readerForPath>();
     methods.instance<"writer", &WRDocumentSaver::writer>();
     methods.instance<"dropsFormats:", &WRDocumentSaver::dropsFormats>();
 }
@@ -58,30 +60,48 @@ Retained<WRDocumentSaver> WRDocumentSaver::initWithProfiles(PBProfileSet* profil
 
 NSDictionary* WRDocumentSaver::saveDocument_toPath_encoding(WRDocument* document, NSString* path,
                                                             NSString* encodingName) {
-    _writer.set(writerFor(document, path));
+    _remedy = SavingRemedy::none;
+    chooseWriterForDocument_path(document, path);
     _problem.set(problemOfSaving(document, path, encodingName));
     if (_problem) return nullptr;
     NSDictionary* answer = askPlugIn(_writer, "writeText:toPath:options:"_sel, document->text(), path,
                                      optionsFor(document, encodingName));
     _problem.set(problemOfAnswer(answer, WRByteCountKey, _writer));
+    if (id error = answer->objectForKey(WRErrorKey); error && error->isEqual(WRErrorEncoding))
+        _remedy = SavingRemedy::encoding;
     return _problem ? nullptr : answer;
 }
 
 // The best writer for the path. A document that is saved where it was read stays of its kind: the source of a
 // web page that was read as plain text does not become a page that shows that source.
-PBProfile* WRDocumentSaver::writerFor(WRDocument* document, NSString* path) {
+PBProfile* WRDocumentSaver::chooseWriterForDocument_path(WRDocument* document, NSString* path) {
+    _writer = nullptr;
     const bool keepsKind = document->reader() && isSameFile(path, document->path());
     for (id candidate : profilesForDocument(_profiles, PBProfileDocumentWriterType, path)) {
         auto* writer = static_cast<PBProfile*>(candidate);
-        if (!keepsKind || isRich(writer) == isRich(document->reader())) return writer;
+        if (keepsKind && isRich(writer) != isRich(document->reader())) continue;
+        _writer.set(writer);
+        break;
+    }
+    return _writer;
+}
+
+PBProfile* WRDocumentSaver::readerForPath(NSString* path) {
+    for (id candidate : profilesForDocument(_profiles, PBProfileDocumentReaderType, path)) {
+        auto* reader = static_cast<PBProfile*>(candidate);
+        if (_writer && isRich(reader) == isRich(_writer) && !reader->valueForKey(WRFidelityKey))
+            return reader;
     }
     return nullptr;
 }
 
+bool WRDocumentSaver::keepsFormats(PBProfile* writer) {
+    id fidelity = writer ? writer->valueForKey(WRFidelityKey) : nullptr;
+    return fidelity && fidelity->isEqual(WRFidelityRich);
+}
+
 bool WRDocumentSaver::dropsFormats(WRDocument* document) {
-    if (!_writer || !document->richText()) return false;
-    id value = _writer->valueForKey(WRFidelityKey);
-    return !value || !value->isEqual(WRFidelityRich);
+    return _writer && document->richText() && !keepsFormats(_writer);
 }
 
 // What forbids the saving before any writer is asked; null if nothing does.
@@ -90,14 +110,18 @@ NSString* WRDocumentSaver::problemOfSaving(WRDocument* document, NSString* path,
         return localizedFormat(
             u"_The document \"%@\" was not written: \"%@\" only shows documents, and what it shows is not their content."_ns,
             path, nameOfProfile(document->reader()));
-    if (hasFidelity(document, WRFidelityPart) && isSameFile(path, document->path()))
+    if (hasFidelity(document, WRFidelityPart) && isSameFile(path, document->path())) {
+        _remedy = SavingRemedy::file;
         return localizedFormat(
             u"_The document \"%@\" was not written: \"%@\" leaves out some of what is in the file. Save it as another file."_ns,
             path, nameOfProfile(document->reader()));
-    if (document->isLossy() && !encodingName)
+    }
+    if (document->isLossy() && !encodingName && !keepsFormats(_writer)) {
+        _remedy = SavingRemedy::encoding;
         return localizedFormat(
             u"_The document \"%@\" was not written: its encoding \"%@\" was guessed, and would give other bytes than were read. Name an encoding by \"--encoding\" or \"--save-encoding\"."_ns,
             path, document->encodingName());
+    }
     if (!_writer)
         return localizedFormat(u"_The document \"%@\" could not be written: there is no writer for it."_ns,
                                path);

@@ -6,14 +6,22 @@
 
 namespace pelvor {
 
+class NSArray;
 class NSDictionary;
 class PBProfile;
 class PBProfileSet;
 class WRDocument;
 
+/// What the user can do where a document was not written.
+enum class SavingRemedy : std::uint8_t {
+    none,      ///< written, or the problem lies elsewhere
+    encoding,  ///< name another encoding
+    file,      ///< save it as another file
+};
+
 /// Has the best writer that a profile query finds for the path write a document, unless the file at the path
 /// would lose content. Main thread.
-class WRDocumentSaver : public NSObject {
+class PELVOR_EXPORT WRDocumentSaver : public NSObject {
     PELVOR_CLASS(WRDocumentSaver, NSObject);
     PELVOR_CREATORS(initWithProfiles);
 
@@ -27,9 +35,18 @@ class WRDocumentSaver : public NSObject {
 
     /// Why the last document was not written, as a sentence for the user; null if it was written.
     NSString* problem() { return _problem; }
-    /// The profile of the writer that was tried last; null if there was no writer.
+    // C++ only
+    SavingRemedy remedy() { return _remedy; }
+
+    /// Finds the writer for the document at the path, which is not asked yet.
+    PBProfile* chooseWriterForDocument_path(WRDocument* document, NSString* path);
+    /// The profile of the writer that was chosen or tried last; null if there was none.
     PBProfile* writer() { return _writer; }
-    /// Whether the document has formats and that writer does not write them.
+    /// The profile of a reader that reads what the writer wrote to the path; null if there is none.
+    PBProfile* readerForPath(NSString* path);
+    /// Whether the profile is that of a writer that writes formats. False for null.
+    static bool keepsFormats(PBProfile* writer);
+    /// Whether the document has formats and the writer does not write them.
     bool dropsFormats(WRDocument* document);
 
   protected:
@@ -37,12 +54,12 @@ class WRDocumentSaver : public NSObject {
     ~WRDocumentSaver();
 
   private:
-    PBProfile* writerFor(WRDocument* document, NSString* path);
     NSString* problemOfSaving(WRDocument* document, NSString* path, NSString* encodingName);
 
     Retained<PBProfileSet> _profiles;
     Retained<PBProfile> _writer;
     Retained<NSString> _problem;
+    SavingRemedy _remedy = SavingRemedy::none;
 };
 
 }  // namespace pelvor

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/WRFileSentry.h"
 
+#include <vector>
+
 #include "FileWatcher/ZWFNSubscribeFileWatcher.h"
 #include "FileWatcher/ZWKQueue.h"
 #include "PBDelayedActionTimer.h"
-#include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
 #include "Writer/WriterLibrary.h"
 
@@ -14,17 +15,12 @@ namespace {
 constexpr double kMoment = 0.2;
 constexpr std::uint32_t kChanges = ZWFileWritten | ZWFileRenamed | ZWFileDeleted;
 
-// All zeros where there is no file.
-struct stat stateOf(NSString* path) {
-    AutoreleasePool pool;
-    struct stat state {};
-    if (stat(path->fileSystemRepresentation(), &state) != 0) state = {};
-    return state;
-}
+// Those that watch. The first one is the delegate of the shared queue.
+std::vector<WRFileSentry*> sentries;
 
-bool isSame(const struct stat& a, const struct stat& b) {
-    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
-           a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
+void setDelegateOfQueue() {
+    if (auto* queue = ZWKQueue::sharedFileWatcher())
+        queue->setDelegate(sentries.empty() ? nullptr : sentries.front());
 }
 
 }  // namespace
@@ -50,7 +46,8 @@ Retained<WRFileSentry> WRFileSentry::initWithPath_target_selector(NSString* path
     self->_timer = PBDelayedActionTimer::initWithTimeInterval_fromFirst_target_selector(
         kMoment, false, self, "changesAreOver:"_sel);
     self->noteFile();
-    if (auto* queue = ZWKQueue::sharedFileWatcher()) queue->setDelegate(self);
+    sentries.push_back(self);
+    setDelegateOfQueue();
     self->_folder = ZWFNSubscribeFileWatcher::init();
     self->_folder->setDelegate(self);
     NSString* folder = path->stringByDeletingLastPathComponent();
@@ -59,17 +56,21 @@ Retained<WRFileSentry> WRFileSentry::initWithPath_target_selector(NSString* path
     return self;
 }
 
-void WRFileSentry::noteFile() { _known = stateOf(_path); }
+void WRFileSentry::noteFile() { _known = FileIdentity::ofFile(_path); }
+
+void WRFileSentry::noteIdentity(const FileIdentity& identity) {
+    _known = identity;
+    if (_timer && FileIdentity::ofFile(_path) != _known) _timer->schedule();
+}
 
 void WRFileSentry::invalidate() {
     auto timer = std::move(_timer);
     if (!timer) return;
     timer->invalidate();
     _folder = nullptr;
-    auto* queue = ZWKQueue::sharedFileWatcher();
-    if (!queue) return;
-    queue->removePath(_path);
-    queue->setDelegate(nullptr);
+    if (auto* queue = ZWKQueue::sharedFileWatcher()) queue->removePath(_path);
+    std::erase(sentries, this);
+    setDelegateOfQueue();
 }
 
 // The name may belong to another file now.
@@ -81,15 +82,20 @@ void WRFileSentry::watchAgain() {
 }
 
 // The file was changed, or something in the folder has another name, perhaps the file.
-void WRFileSentry::watcher_receivedNotification_forPath(id, NSString*, NSString*) {
+void WRFileSentry::watcher_receivedNotification_forPath(id watcher, NSString*, NSString* path) {
+    if (watcher == _folder) return takeChange();
+    for (WRFileSentry* sentry : sentries)
+        if (sentry->_path->isEqualToString(path)) sentry->takeChange();
+}
+
+void WRFileSentry::takeChange() {
     if (!_timer) return;
     watchAgain();
     _timer->schedule();
 }
 
 void WRFileSentry::changesAreOver(PBDelayedActionTimer*) {
-    const struct stat state = stateOf(_path);
-    if (!isSame(state, _known)) send(_target, _selector);
+    if (FileIdentity::ofFile(_path) != _known) send(_target, _selector);
 }
 
 }  // namespace pelvor

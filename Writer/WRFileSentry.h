@@ -2,9 +2,8 @@
 // WRFileSentry: tells when another program has saved or removed a file.
 #pragma once
 
-#include <sys/stat.h>
-
 #include "Foundation/NSString.h"
+#include "Writer/FileIdentity.h"
 
 namespace pelvor {
 
@@ -19,9 +18,9 @@ class ZWFNSubscribeFileWatcher;
 ///     sentry->noteFile();  // after each saving by this program
 ///
 /// The target, which is not retained, gets the message a moment after the last change of a burst, if the file
-/// is gone or is another than when it was noted, by its number, size or time. A process has one sentry, since
-/// it uses the shared queue. Main thread.
-class WRFileSentry : public NSObject {
+/// is gone or is another than when it was noted, by its number, size or time. All sentries share the queue of
+/// the process. Main thread.
+class PELVOR_EXPORT WRFileSentry : public NSObject {
     PELVOR_CLASS(WRFileSentry, NSObject);
     PELVOR_CREATORS(initWithPath_target_selector);
 
@@ -32,12 +31,14 @@ class WRFileSentry : public NSObject {
 
     /// Takes the file as it is now for known.
     void noteFile();
+    /// What was known before the sentry was made. If the file is another, the target hears of it soon.
+    void noteIdentity(const FileIdentity& identity);
     /// Whether there was a file when it was noted.
-    bool isFileThere() { return _known.st_ino != 0; }
+    bool isFileThere() { return _known.isThere(); }
     /// Ends the watching for good.
     void invalidate();
 
-    /// The messages of the watchers and of the timer.
+    /// The messages of the watchers and of the timer. One sentry takes those of the shared queue for all.
     void watcher_receivedNotification_forPath(id watcher, NSString* name, NSString* path);
     void changesAreOver(PBDelayedActionTimer* timer);
 
@@ -46,6 +47,7 @@ class WRFileSentry : public NSObject {
     ~WRFileSentry();
 
   private:
+    void takeChange();
     void watchAgain();
 
     Retained<NSString> _path;
@@ -53,7 +55,7 @@ class WRFileSentry : public NSObject {
     SEL _selector;
     Retained<ZWFNSubscribeFileWatcher> _folder;
     Retained<PBDelayedActionTimer> _timer;
-    struct stat _known {};
+    FileIdentity _known;
 };
 
 }  // namespace pelvor

@@ -2,6 +2,7 @@
 #include "Foundation/NSUndoManager.h"
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 #include "Foundation/FoundationLibrary.h"
@@ -57,6 +58,12 @@ struct UndoAction {
 struct UndoGroup {
     std::vector<UndoAction> actions;
     Retained<NSString> name;
+    std::uint64_t number = nextNumber();  // of the state behind the group
+
+    static std::uint64_t nextNumber() {
+        static std::atomic<std::uint64_t> last{0};
+        return ++last;
+    }
 };
 
 namespace {
@@ -178,6 +185,8 @@ void NSUndoManager::endUndoGrouping() {
     setLevelsOfUndo(_levels);
 }
 
+std::uint64_t NSUndoManager::stateNumber() { return _undone.empty() ? 0 : _undone.back()->number; }
+
 void NSUndoManager::closeGroupOfEvent() {
     if (!std::exchange(_hasGroupOfEvent, false)) return;
     while (!_open.empty()) endUndoGrouping();
@@ -224,6 +233,7 @@ void NSUndoManager::perform(Phase phase, Groups& from, const char* operation) {
         _phase = phase;
         beginUndoGrouping();
         _open.back()->name = group->name;
+        _open.back()->number = group->number;
         for (auto action = group->actions.rbegin(); action != group->actions.rend(); ++action)
             if (Retained<Object> target = action->target.object()) action->call();
         while (!_open.empty()) endUndoGrouping();

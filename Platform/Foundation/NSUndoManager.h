@@ -2,6 +2,7 @@
 // NSUndoManager: remembers how to take back what was done.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -109,6 +110,9 @@ class PELVOR_EXPORT NSUndoManager : public NSObject {
     void registerUndo(id target, std::function<void()> undo);
     /// Remembers an invocation for the proxy of `prepareWithInvocationTarget`.
     void registerInvocation(id target, NSInvocation* invocation);
+    /// Names the state that `undo` would leave: the same number as before where groups were undone and
+    /// redone. 0 where there is nothing to undo. An open group does not count.
+    std::uint64_t stateNumber();
     /// Closes the group that the turn has opened.
     void closeGroupOfEvent();
 

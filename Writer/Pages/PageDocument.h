@@ -12,6 +12,7 @@ namespace pelvor {
 class NSAttributedString;
 class NSDictionary;
 class NSMutableArray;
+class NSString;
 class WRPageLayoutManager;
 
 /// Where things stand on a page, in points.

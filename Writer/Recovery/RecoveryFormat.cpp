@@ -260,13 +260,6 @@ class RecoveryReader {
 
 // MARK: Origins
 
-FileIdentity FileIdentity::ofFile(NSString* path) {
-    struct stat state;
-    if (!path || stat(path->fileSystemRepresentation(), &state) != 0) return {};
-    return {state.st_ino, static_cast<std::uint64_t>(state.st_size), state.st_mtim.tv_sec,
-            state.st_mtim.tv_nsec};
-}
-
 RecoveryOrigin RecoveryOrigin::of(NSString* path, NSString* reader, NSDictionary* answer) {
     RecoveryOrigin origin;
     origin.path.set(path);

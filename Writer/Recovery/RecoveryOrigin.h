@@ -2,23 +2,11 @@
 // What a recovered text was: its file, and how that was read.
 #pragma once
 
-#include <cstdint>
-
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSString.h"
+#include "Writer/FileIdentity.h"
 
 namespace pelvor {
-
-/// Tells one content of a file from another. All zeros: there is no file.
-struct FileIdentity {
-    std::uint64_t inode = 0, size = 0;
-    std::int64_t seconds = 0, nanoseconds = 0;  ///< of the last change
-
-    /// The file as it is now; zeros for null and for a file that cannot be asked.
-    static FileIdentity ofFile(NSString* path);
-    bool isThere() const { return inode != 0; }
-    friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
-};
 
 /// A document without its text.
 struct RecoveryOrigin {

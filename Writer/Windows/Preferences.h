@@ -8,6 +8,9 @@ namespace pelvor {
 
 /// A boolean: whether misspelled words are marked while the user types. True at first.
 inline constexpr NSString* WRMarksMisspellingsPreference = u"WRMarksMisspellings"_ns;
+/// An array of strings: the paths of the files that were opened or saved last, the latest first. Empty at
+/// first.
+inline constexpr NSString* WRRecentDocumentsPreference = u"WRRecentDocuments"_ns;
 
 /// A boolean: whether new windows have a ruler. True at first.
 inline constexpr NSString* WRShowsRulerPreference = u"WRShowsRuler"_ns;

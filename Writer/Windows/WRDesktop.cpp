@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WRDesktop.h"
 
+#include <algorithm>
+
 #include "Foundation/NSBundle.h"
 #include "Foundation/NSLog.h"
 #include "Foundation/NSMutableArray.h"
@@ -11,6 +13,8 @@
 #include "Interface/NSEvent.h"
 #include "Interface/NSInputManager.h"
 #include "Interface/NSMenu.h"
+#include "Interface/NSOpenPanel.h"
+#include "Interface/NSWindow.h"
 #include "Menus/NSMenuItem-PelvorAdditions.h"
 #include "NSBundle-PelvorAdditions.h"
 #include "PBProfileKeys.h"
@@ -19,14 +23,19 @@
 #include "Runtime/Registry.h"
 #include "Writer/LocalizedText.h"
 #include "Writer/ProfileChoice.h"
+#include "Writer/Recovery/RecoveryStore.h"
+#include "Writer/SameFile.h"
 #include "Writer/Shortcuts/WRShortcutMatcher.h"
 #include "Writer/WRAbout.h"
 #include "Writer/WRDocument.h"
+#include "Writer/WRDocumentOpener.h"
+#include "Writer/Windows/WRDocumentFile.h"
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRFindPanel.h"
 #include "Writer/Windows/WRFontPalette.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRProfilesPanel.h"
+#include "Writer/Windows/WRRecentDocuments.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
@@ -79,6 +88,18 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
     methods.instance<"showDocument:options:", &WRDesktop::showDocument_options>();
     methods.instance<"run", &WRDesktop::run>();
     methods.instance<"setMainMenu:", &WRDesktop::setMainMenu>();
+    methods.instance<"setRecentMenu:", &WRDesktop::setRecentMenu>();
+    methods.instance<"openPath:", &WRDesktop::openPath>();
+    methods.instance<"windowForPath:", &WRDesktop::windowForPath>();
+    methods.instance<"recentDocuments", &WRDesktop::recentDocuments>();
+    methods.instance<"newDocument:", &WRDesktop::newDocument>();
+    methods.instance<"openDocument:", &WRDesktop::openDocument>();
+    methods.instance<"openRecentDocument:", &WRDesktop::openRecentDocument>();
+    methods.instance<"clearRecentDocuments:", &WRDesktop::clearRecentDocuments>();
+    methods.instance<"validateMenuItem:", &WRDesktop::validateMenuItem>();
+    methods.instance<"validateClearRecentDocuments:", &WRDesktop::validateClearRecentDocuments>();
+    methods.instance<"applicationShouldTerminate:", &WRDesktop::applicationShouldTerminate>();
+    methods.instance<"applicationWillTerminate:", &WRDesktop::applicationWillTerminate>();
     methods.instance<"setServicesMenu:", &WRDesktop::setServicesMenu>();
     methods.instance<"profilesDidChange:", &WRDesktop::profilesDidChange>();
     methods.instance<"windowDidClose:", &WRDesktop::windowDidClose>();
@@ -103,20 +124,45 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
 Retained<WRDesktop> WRDesktop::init(Class* cls) {
     auto self = make<WRDesktop>(cls);
     self->_windows = NSMutableArray::init();
+    self->_wishes.set(NSDictionary::dictionary());
+    self->_recent = WRRecentDocuments::init();
     return self;
+}
+
+WRDesktop::WRDesktop() = default;
+
+WRDesktop* WRDesktop::current() {
+    NSApplication* application = NSApp();
+    return application ? cast<WRDesktop>(application->delegate()) : nullptr;
 }
 
 WRDesktop::~WRDesktop() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
 
 bool WRDesktop::hasDisplay() { return NSApplication::sharedApplication()->hasDisplay(); }
 
-NSString* WRDesktop::showDocument_options(id document, NSDictionary* options) {
-    NSString* problem = nullptr;
+void WRDesktop::setRecoveryStore(std::unique_ptr<RecoveryStore> store) { _store = std::move(store); }
+
+NSString* WRDesktop::showDocument_options(id document, NSDictionary* wishes) {
+    NSApplication::sharedApplication()->setDelegate(this);
+    if (wishes) _wishes.set(wishes);
     auto* wanted = cast<WRDocument>(document);
-    auto window = wanted ? WRDocumentWindow::create(wanted, options, &problem) : nullptr;
+    if (!wanted) return nullptr;
+    if (!_mainMenu) {
+        makeMenus();
+        recoverDocuments();
+    }
+    const bool isBlank = !wanted->hasFile() && !wanted->hasChanged();
+    if ((isBlank && _windows->count()) || (wanted->hasFile() && windowForPath(wanted->path())))
+        return nullptr;
+    return openWindow(wanted);
+}
+
+NSString* WRDesktop::openWindow(WRDocument* document) {
+    NSString* problem = nullptr;
+    auto window = WRDocumentWindow::create(document, _wishes, &problem);
     if (!window) return problem;
-    if (!_mainMenu) makeMenus();
     _windows->addObject(window);
+    if (document->hasFile()) _recent->addPath(document->path());
     window->show();
     return nullptr;
 }
@@ -129,9 +175,115 @@ void WRDesktop::run() {
     application->setDelegate(nullptr);
 }
 
-void WRDesktop::applicationDidLoseDisplay(NSNotification*) { NSApplication::sharedApplication()->stop(this); }
+void WRDesktop::applicationDidLoseDisplay(NSNotification*) {
+    for (const auto& window : documentWindows()) window->file()->leave();
+    NSApplication::sharedApplication()->stop(this);
+}
 
 void WRDesktop::windowDidClose(WRDocumentWindow* window) { _windows->removeObjectIdenticalTo(window); }
+
+// While one of them is asked for something, others may close.
+std::vector<Retained<WRDocumentWindow>> WRDesktop::documentWindows() {
+    std::vector<Retained<WRDocumentWindow>> windows;
+    for (id window : _windows.get())
+        windows.push_back(Retained<WRDocumentWindow>::retaining(static_cast<WRDocumentWindow*>(window)));
+    return windows;
+}
+
+// MARK: Quitting
+
+int WRDesktop::applicationShouldTerminate(id) {
+    for (const auto& window : documentWindows())
+        if (!window->file()->mayClose()) return NSTerminateCancel;
+    return NSTerminateNow;
+}
+
+void WRDesktop::applicationWillTerminate(NSNotification*) {
+    for (const auto& window : documentWindows()) window->file()->close();
+}
+
+// MARK: Documents
+
+WRDocumentWindow* WRDesktop::windowForPath(NSString* path) {
+    for (const auto& window : documentWindows()) {
+        WRDocument* document = window->document();
+        if (!document->hasFile()) continue;
+        if (path->isEqualToString(document->path()) || isSameFile(path, document->path())) return window;
+    }
+    return nullptr;
+}
+
+// An untitled document without changes makes way.
+void WRDesktop::openPath(NSString* path) {
+    const auto held = path->copy();
+    if (WRDocumentWindow* open = windowForPath(path)) return open->show();
+    const auto before = documentWindows();
+    auto opener = WRDocumentOpener::initWithProfiles(PBRegistry::sharedRegistry());
+    WRDocument* document = opener->openDocumentAtPath_options(path, NSDictionary::dictionary());
+    NSString* problem = document ? openWindow(document) : opener->problem();
+    if (problem) {
+        NSRunAlertPanel(localized(u"_The document cannot be opened."_ns), u"%@"_ns, nullptr, nullptr, nullptr,
+                        problem);
+        return;
+    }
+    for (const auto& window : before)
+        if (!window->document()->hasFile() && !window->document()->hasChanged()) window->window()->close();
+}
+
+NSString* WRDesktop::nameOfNewDocument() {
+    for (int number = 1;; ++number) {
+        NSString* name =
+            number == 1 ? localized(u"_Untitled"_ns) : localizedFormat(u"_Untitled %d"_ns, number);
+        const auto windows = documentWindows();
+        const bool isFree = std::none_of(windows.begin(), windows.end(), [name](const auto& window) {
+            return window->document()->name()->isEqualToString(name);
+        });
+        if (isFree) return name;
+    }
+}
+
+void WRDesktop::newDocument(id) {
+    auto document = WRDocument::initWithName(nameOfNewDocument());
+    if (NSString* problem = openWindow(document))
+        NSRunAlertPanel(localized(u"_The document cannot be opened."_ns), u"%@"_ns, nullptr, nullptr, nullptr,
+                        problem);
+}
+
+void WRDesktop::openDocument(id) {
+    NSOpenPanel* panel = NSOpenPanel::openPanel();
+    panel->setAllowsMultipleSelection(true);
+    if (panel->runModalForTypes(nullptr) != NSOKButton) return;
+    const auto paths = Retained<NSArray>::retaining(panel->filenames());
+    for (id path : paths.get()) openPath(static_cast<NSString*>(path));
+}
+
+void WRDesktop::openRecentDocument(id sender) {
+    auto* item = cast<NSMenuItem>(sender);
+    if (auto* path = item ? cast<NSString>(item->representedObject()) : nullptr) openPath(path);
+}
+
+void WRDesktop::clearRecentDocuments(id) { _recent->removeAllPaths(); }
+
+bool WRDesktop::validateMenuItem(id item) {
+    bool isEnabled = true;
+    dispatchValidationTo_result(item, this, &isEnabled);
+    return isEnabled;
+}
+
+bool WRDesktop::validateClearRecentDocuments(id) { return _recent->paths()->count() > 0; }
+
+void WRDesktop::recoverDocuments() {
+    if (!_store) return;
+    for (AbandonedDocument& abandoned : _store->abandonedDocuments()) {
+        auto document = WRDocumentFile::documentOf(abandoned);
+        if (!document) continue;
+        if (!document->hasFile()) document->setName(nameOfNewDocument());
+        if (NSString* problem = openWindow(document))
+            NSLog(u"%@"_ns, problem);
+        else
+            cast<WRDocumentWindow>(_windows->lastObject())->file()->takeAbandoned(abandoned);
+    }
+}
 
 // MARK: Menus
 
@@ -154,6 +306,7 @@ void WRDesktop::makeMenus() {
 
 void WRDesktop::setMainMenu(NSMenu* menu) { _mainMenu.set(menu); }
 void WRDesktop::setServicesMenu(NSMenu* menu) { _servicesMenu.set(menu); }
+void WRDesktop::setRecentMenu(NSMenu* menu) { menu->setDelegate(_recent); }
 
 void WRDesktop::profilesDidChange(NSNotification*) { fillServicesMenu(); }
 

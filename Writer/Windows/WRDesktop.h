@@ -2,6 +2,9 @@
 // WRDesktop: Writer's windows and menus.
 #pragma once
 
+#include <memory>
+#include <vector>
+
 #include "Foundation/NSString.h"
 
 namespace pelvor {
@@ -15,6 +18,8 @@ class WRDocumentWindow;
 class WRFindPanel;
 class WRFontPalette;
 class WRProfilesPanel;
+class WRRecentDocuments;
+class RecoveryStore;
 class WRShortcutsPanel;
 
 /// Writer with windows. It is the delegate of the application object. Main thread.
@@ -24,18 +29,44 @@ class WRDesktop : public NSObject {
 
   public:
     static Retained<WRDesktop> init(Class* cls = classObject());
+    /// The delegate of the application; null if that is none of this class.
+    static WRDesktop* current();
 
     /// Whether somebody can see windows.
     bool hasDisplay();
-    /// Shows the document, a WRDocument. Returns null, or why that cannot be done, as a sentence for the
-    /// user. The options are those of page setters.
-    NSString* showDocument_options(id document, NSDictionary* options);
+    /// Shows the document, a WRDocument, and, the first time, those that a crash has left. A document without
+    /// a file that was not changed is left out where there are others. Returns null, or why the document
+    /// cannot be shown, as a sentence for the user. The wishes are options of page setters, which hold for
+    /// all documents from now on.
+    NSString* showDocument_options(id document, NSDictionary* wishes);
     /// Handles events until the last window is closed or the user quits.
     void run();
 
-    /// What the interface file connects: the main menu, and the menu of the document services.
+    /// Opens the document in a window, or shows the window that it has. Tells the user why it cannot.
+    void openPath(NSString* path);
+    /// The window with the file; null if there is none.
+    WRDocumentWindow* windowForPath(NSString* path);
+    WRRecentDocuments* recentDocuments() { return _recent; }
+    // C++ only
+    /// Where unsaved changes are kept for the case of a crash; null where they are not.
+    RecoveryStore* recoveryStore() { return _store.get(); }
+    void setRecoveryStore(std::unique_ptr<RecoveryStore> store);
+
+    // Commands
+
+    void newDocument(id sender);
+    void openDocument(id sender);
+    /// The sender is a menu item that represents a path.
+    void openRecentDocument(id sender);
+    void clearRecentDocuments(id sender);
+    bool validateMenuItem(id item);
+    bool validateClearRecentDocuments(id item);
+
+    /// What the interface file connects: the main menu, and the menus of the document services and of the
+    /// documents that were open last.
     void setMainMenu(NSMenu* menu);
     void setServicesMenu(NSMenu* menu);
+    void setRecentMenu(NSMenu* menu);
     /// Observes the registry: the menu of services follows what plug-ins offer.
     void profilesDidChange(NSNotification* notification);
     void windowDidClose(WRDocumentWindow* window);
@@ -55,15 +86,22 @@ class WRDesktop : public NSObject {
     bool canFind(id item);
     bool validateUseSelectionForFind(id item);
 
-    /// Nobody sees the windows any more: ends `run`.
+    /// Asks what becomes of unsaved changes, window by window. Returns an NSApplicationTerminateReply.
+    int applicationShouldTerminate(id application);
+    void applicationWillTerminate(NSNotification* notification);
+    /// Nobody sees the windows any more: keeps unsaved changes for the next start, and ends `run`.
     void applicationDidLoseDisplay(NSNotification* notification);
     bool applicationShouldTerminateAfterLastWindowClosed(id application) { return application != nullptr; }
 
   protected:
-    WRDesktop() = default;
+    WRDesktop();
     ~WRDesktop();
 
   private:
+    NSString* openWindow(WRDocument* document);
+    std::vector<Retained<WRDocumentWindow>> documentWindows();
+    void recoverDocuments();
+    NSString* nameOfNewDocument();
     void makeMenus();
     void fillServicesMenu();
     WRFindPanel* findPanel();
@@ -71,6 +109,9 @@ class WRDesktop : public NSObject {
     Retained<NSMutableArray> _windows;
     Retained<NSMenu> _mainMenu;
     Retained<NSMenu> _servicesMenu;
+    Retained<NSDictionary> _wishes;
+    Retained<WRRecentDocuments> _recent;
+    std::unique_ptr<RecoveryStore> _store;
     Retained<NSArray> _nibObjects;
     Retained<WRProfilesPanel> _profilesPanel;
     Retained<WRFontPalette> _fontPalette;

@@ -22,8 +22,10 @@
 #include "Interface/NSTextField.h"
 #include "Interface/NSWindow.h"
 #include "Menus/NSMenuItem-PelvorAdditions.h"
+#include "PBRegistry.h"
 #include "Text/NSTextStorage.h"
 #include "Writer/LocalizedText.h"
+#include "Writer/PageOutput.h"
 #include "Writer/Pages/StyledDocument.h"
 #include "Writer/PlugInObjects.h"
 #include "Writer/PlugInProtocol.h"
@@ -31,6 +33,7 @@
 #include "Writer/WRDocument.h"
 #include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRDesktop.h"
+#include "Writer/Windows/WRDocumentFile.h"
 #include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageSetupPanel.h"
 #include "Writer/Windows/WRPageView.h"
@@ -98,16 +101,24 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
     methods.instance<"textDidChange:", &WRDocumentWindow::textDidChange>();
     methods.instance<"pageViewDidReceiveFormats:", &WRDocumentWindow::pageViewDidReceiveFormats>();
     methods.instance<"undoManagerForTextView:", &WRDocumentWindow::undoManagerForTextView>();
+    methods.instance<"windowShouldClose:", &WRDocumentWindow::windowShouldClose>();
+    methods.instance<"noticeDidResize:", &WRDocumentWindow::noticeDidResize>();
+    methods.instance<"file", &WRDocumentWindow::file>();
+    methods.instance<"hideNotice", &WRDocumentWindow::hideNotice>();
+    methods.instance<"notice", &WRDocumentWindow::notice>();
+    methods.instance<"wishes", &WRDocumentWindow::wishes>();
     methods.instance<"windowWillClose:", &WRDocumentWindow::windowWillClose>();
     methods.instance<"placeDidChange:", &WRDocumentWindow::placeDidChange>();
 }
 
-Retained<WRDocumentWindow> WRDocumentWindow::create(WRDocument* document, NSDictionary* options,
+Retained<WRDocumentWindow> WRDocumentWindow::create(WRDocument* document, NSDictionary* wishes,
                                                     NSString** problem) {
-    const StyledDocument styled = StyledDocument::of(document->text(), options);
+    const StyledDocument styled =
+        StyledDocument::of(document->text(), pageOptions(document, wishes, PBRegistry::sharedRegistry()));
     if ((*problem = styled.problem)) return nullptr;
     auto self = make<WRDocumentWindow>();
     self->_document.set(document);
+    self->_wishes.set(wishes);
     auto storage = NSTextStorage::initWithAttributedString(styled.text);
     document->adoptText(storage);
     self->_pageView = WRPageView::create(storage, styled.settings);
@@ -119,6 +130,9 @@ Retained<WRDocumentWindow> WRDocumentWindow::create(WRDocument* document, NSDict
     if (storage->length() == 0) self->_pageView->setTypingAttributes(styled.plainAttributes);
     self->_formatCommands = WRFormatCommands::create(document, self->_pageView, styled.sheet);
     self->makeWindow();
+    self->_file = WRDocumentFile::create(self);
+    self->_file->setNextResponder(self->nextResponder());
+    self->setNextResponder(self->_file);
     return self;
 }
 
@@ -132,7 +146,6 @@ void WRDocumentWindow::makeWindow() {
     _window = NSWindow::initWithContentRect_styleMask_backing_defer(
         frame, NSTitledWindowMask | NSClosableWindowMask | NSMiniaturizableWindowMask | NSResizableWindowMask,
         NSBackingStoreBuffered, true);
-    _window->setTitle(_document->path()->lastPathComponent());
     _window->setContentMinSize({240, 160});
     _window->setDelegate(this);
     NSView* content = _window->contentView();
@@ -210,33 +223,69 @@ void WRDocumentWindow::stopWork() {
     if (_spelling) _spelling->stop();
 }
 
+bool WRDocumentWindow::windowShouldClose(id) { return _file->mayClose(); }
+
 void WRDocumentWindow::windowWillClose(NSNotification*) {
     auto self = Retained<WRDocumentWindow>::retaining(this);
     noteWindowFrame(_document->path(), _window->frame());
     stopWork();
+    _file->close();
+    hideNotice();
     NSNotificationCenter::defaultCenter()->removeObserver(this);
     _window->setNextResponder(nullptr);
-    if (auto* desktop = cast<WRDesktop>(NSApplication::sharedApplication()->delegate()))
-        desktop->windowDidClose(this);
+    if (WRDesktop* desktop = WRDesktop::current()) desktop->windowDidClose(this);
+}
+
+// MARK: Notices
+
+void WRDocumentWindow::showNotice(NSString* text, std::vector<NoticeChoice> choices) {
+    hideNotice();
+    _notice = WRNoticeBar::create(text, std::move(choices), NSWidth(_window->contentView()->bounds()));
+    _notice->setAutoresizingMask(NSViewWidthSizable | NSViewMinYMargin);
+    _notice->setEndFunction([this] { hideNotice(); });
+    _notice->setPostsFrameChangedNotifications(true);
+    _window->contentView()->addSubview(_notice);
+    NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
+        this, "noticeDidResize:"_sel, NSViewFrameDidChangeNotification, _notice);
+    placeBars();
+}
+
+void WRDocumentWindow::hideNotice() {
+    auto notice = std::exchange(_notice, nullptr);
+    if (!notice) return;
+    NSNotificationCenter::defaultCenter()->removeObserver_name_object(this, NSViewFrameDidChangeNotification,
+                                                                      notice);
+    notice->removeFromSuperview();
+    placeBars();
+}
+
+void WRDocumentWindow::noticeDidResize(NSNotification*) { placeBars(); }
+
+// The pages have what the notice, the ruler and the status line leave.
+void WRDocumentWindow::placeBars() {
+    const NSRect room = _window->contentView()->bounds();
+    float upper = NSMaxY(room);
+    for (NSView* bar : {static_cast<NSView*>(_notice), static_cast<NSView*>(_ruler)}) {
+        if (!bar) continue;
+        upper -= NSHeight(bar->frame());
+        bar->setFrameOrigin({0, upper});
+    }
+    _scrollView->setFrame({{0, kStatusHeight}, {NSWidth(room), std::max(upper - kStatusHeight, 0.0F)}});
 }
 
 // MARK: Ruler
 
 void WRDocumentWindow::showRuler(bool shows) {
     if (shows == static_cast<bool>(_ruler)) return;
-    NSRect room = _scrollView->frame();
     if (!shows) {
-        room.size.height += WRRuler::kHeight;
         _ruler->removeFromSuperview();
         _ruler = nullptr;
-        return _scrollView->setFrame(room);
+        return placeBars();
     }
-    room.size.height -= WRRuler::kHeight;
-    _scrollView->setFrame(room);
-    _ruler = WRRuler::create(_formatCommands,
-                             {{room.origin.x, NSMaxY(room)}, {room.size.width, WRRuler::kHeight}});
+    _ruler = WRRuler::create(_formatCommands, {{}, {NSWidth(_scrollView->frame()), WRRuler::kHeight}});
     _ruler->setAutoresizingMask(NSViewWidthSizable | NSViewMinYMargin);
     _window->contentView()->addSubview(_ruler);
+    placeBars();
 }
 
 void WRDocumentWindow::toggleRuler(id) {
@@ -370,7 +419,7 @@ void WRDocumentWindow::printDocument(id) {
     const auto alive = Retained<WRDocumentWindow>::retaining(this);
     // As the text is now: a copy, set for somebody who reads.
     PageDocument pages(_pageView->textStorage(), _pageView->pages()->settings());
-    NSString* outcome = WRPrintPanel::create(&pages, _document->path()->lastPathComponent())->runModal();
+    NSString* outcome = WRPrintPanel::create(&pages, _document->name())->runModal();
     if (!outcome) return;
     NSString* problems = pages.problems()->componentsJoinedByString(u"; "_ns);
     if (problems->length()) outcome = NSString::stringWithFormat(u"%@\n%@"_ns, outcome, problems);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Interface/NSResponder.h"
+#include "Writer/Windows/WRNoticeBar.h"
 
 namespace pelvor {
 
@@ -14,6 +15,7 @@ class NSTextStorage;
 class NSUndoManager;
 class NSWindow;
 class WRDocument;
+class WRDocumentFile;
 class WRFormatCommands;
 class WRPageView;
 class WRRuler;
@@ -28,14 +30,21 @@ class WRDocumentWindow : public NSResponder {
 
   public:
     // C++ only
-    /// The options are those of page setters. Null if the document cannot be set in pages; the problem is
-    /// then a sentence for the user.
-    static Retained<WRDocumentWindow> create(WRDocument* document, NSDictionary* options, NSString** problem);
+    /// The wishes are options of page setters, for any document. Null if the document cannot be set in pages;
+    /// the problem is then a sentence for the user.
+    static Retained<WRDocumentWindow> create(WRDocument* document, NSDictionary* wishes, NSString** problem);
 
     void show();
     NSWindow* window() { return _window; }
     WRDocument* document() { return _document; }
     WRPageView* pageView() { return _pageView; }
+    WRDocumentFile* file() { return _file; }
+    NSDictionary* wishes() { return _wishes; }
+
+    /// Shows a sentence above the pages, in the place of one that is shown.
+    void showNotice(NSString* text, std::vector<NoticeChoice> choices);
+    void hideNotice();
+    WRNoticeBar* notice() { return _notice; }
 
     // Commands
 
@@ -72,6 +81,8 @@ class WRDocumentWindow : public NSResponder {
     void pageViewDidReceiveFormats(id pageView);
     /// What is done to the text is undone by a manager of its own.
     NSUndoManager* undoManagerForTextView(id textView);
+    bool windowShouldClose(id sender);
+    void noticeDidResize(NSNotification* notification);
     void windowWillClose(NSNotification* notification);
     void placeDidChange(NSNotification* notification);
 
@@ -85,10 +96,14 @@ class WRDocumentWindow : public NSResponder {
     void placeWindow();
     void showStatus();
     void stopWork();
+    void placeBars();
     void showPage(NSUInteger page);
     void setZoom(double zoom);
 
     Retained<WRDocument> _document;
+    Retained<NSDictionary> _wishes;
+    Retained<WRDocumentFile> _file;
+    Retained<WRNoticeBar> _notice;
     Retained<NSUndoManager> _undoManager;
     Retained<NSWindow> _window;
     Retained<NSScrollView> _scrollView;

@@ -7,16 +7,20 @@
 #include "Writer/Shortcuts/ShortcutsLibrary.h"
 #include "Writer/Windows/WRColorMenu.h"
 #include "Writer/Windows/WRDesktop.h"
+#include "Writer/Windows/WRDocumentFile.h"
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRFindPanel.h"
 #include "Writer/Windows/WRFontPalette.h"
 #include "Writer/Windows/WRFormView.h"
 #include "Writer/Windows/WRFormatCommands.h"
+#include "Writer/Windows/WRNoticeBar.h"
 #include "Writer/Windows/WRPageSetupPanel.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRPrintPanel.h"
 #include "Writer/Windows/WRProfilesPanel.h"
+#include "Writer/Windows/WRRecentDocuments.h"
 #include "Writer/Windows/WRRuler.h"
+#include "Writer/Windows/WRSaveChoices.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
 #include "Writer/Windows/WRSpelling.h"
 #include "Writer/Windows/WRSpellingMarks.h"
@@ -37,16 +41,20 @@ constexpr Library* kDependencies[] = {&baseSpellCheckingLibrary, &pagesLibrary, 
 constexpr Class* kClasses[] = {
     &WRColorMenu::classRecord,
     &WRDesktop::classRecord,
+    &WRDocumentFile::classRecord,
     &WRDocumentWindow::classRecord,
     &WRFindPanel::classRecord,
     &WRFontPalette::classRecord,
     &WRFormView::classRecord,
     &WRFormatCommands::classRecord,
+    &WRNoticeBar::classRecord,
     &WRPageSetupPanel::classRecord,
     &WRPageView::classRecord,
     &WRPrintPanel::classRecord,
     &WRProfilesPanel::classRecord,
+    &WRRecentDocuments::classRecord,
     &WRRuler::classRecord,
+    &WRSaveChoices::classRecord,
     &WRShortcutsPanel::classRecord,
     &WRSpelling::classRecord,
     &WRSpellingMarks::classRecord,

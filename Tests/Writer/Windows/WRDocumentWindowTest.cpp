@@ -224,7 +224,7 @@ TEST_F(DocumentWindowTest, PrintsTheTextAsItIs) {
     EXPECT_EQ(shown(panel->outcome()), "_Sent to the printer \"Office\" as job 12; pages: 1");
     EXPECT_TRUE(TwoPrinters::printed->writeToFile_atomically(NSString::ofUTF8(folder.path("job.pdf")), true));
     const std::string job = textOf("job.pdf");
-    EXPECT_EQ(job.substr(0, 9), "Edited 0\n");
+    EXPECT_EQ(job.substr(0, 15), "b.txt\nEdited 0\n") << "behind the header";
     EXPECT_EQ(job.find('\f'), job.size() - 1) << "one page";
     auto* popUp = cast<NSPopUpButton>(panel->window()->contentView()->viewWithTag(WRPrintPanel::kPrinterTag));
     popUp->selectItemAtIndex(1);

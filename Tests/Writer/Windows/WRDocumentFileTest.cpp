@@ -1,0 +1,342 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/Windows/WRDocumentFile.h"
+
+#include <filesystem>
+
+#include "Foundation/NSObject-DelayedPerforming.h"
+#include "Foundation/NSRunLoop.h"
+#include "Foundation/NSTimer.h"
+#include "Foundation/NSUserDefaults.h"
+#include "Interface/NSAlert.h"
+#include "Interface/NSButton.h"
+#include "Interface/NSMenu.h"
+#include "Interface/NSPopUpButton.h"
+#include "Interface/NSSavePanel.h"
+#include "InterfaceScope.h"
+#include "PBPostLoader.h"
+#include "TemporaryFolder.h"
+#include "Text/NSTextStorage.h"
+#include "Writer/LocalizedText.h"
+#include "Writer/PlugInProtocol.h"
+#include "Writer/Recovery/RecoveryStore.h"
+#include "Writer/WRDocument.h"
+#include "Writer/Windows/WRDesktop.h"
+#include "Writer/Windows/WRDocumentWindow.h"
+#include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRRecentDocuments.h"
+#include "Writer/Windows/WindowsLibrary.h"
+#include "WriterPlugIns.h"
+
+namespace {
+
+NSButton* buttonIn(NSView* view, const std::function<bool(NSButton*)>& isWanted) {
+    if (auto* button = cast<NSButton>(static_cast<id>(view)); button && isWanted(button)) return button;
+    for (id part : view->subviews())
+        if (NSButton* found = buttonIn(static_cast<NSView*>(part), isWanted)) return found;
+    return nullptr;
+}
+
+NSButton* buttonIn(NSView* view, NSString* title) {
+    return buttonIn(view, [=](auto* button) { return button->title()->isEqualToString(localized(title)); });
+}
+
+NSAlert* alertIn(NSWindow* panel) {
+    NSButton* button = buttonIn(panel->contentView(), [](auto*) { return true; });
+    return button ? cast<NSAlert>(button->target()) : nullptr;
+}
+
+class DocumentFileTest : public ::testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        registerLibrary(windowsLibrary);
+        PBPostLoader::processClassesStartingRegistry(false);
+        registerTextPlugIns();
+        std::filesystem::current_path(WRITER_PAGES);  // where the style sheet of all documents is
+    }
+    DocumentFileTest() {
+        NSUserDefaults::setStandardUserDefaults(NSUserDefaults::initVolatile().get());
+        screen.app->setTerminatesProcess(false);
+        start();
+    }
+    ~DocumentFileTest() {
+        if (timer) timer->invalidate();
+        NSUserDefaults::setStandardUserDefaults(nullptr);
+    }
+
+    /// Writer starts.
+    void start() {
+        desktop = WRDesktop::init();
+        desktop->setRecoveryStore(std::make_unique<RecoveryStore>(folder.path("recovery")));
+        desktop->showDocument_options(WRDocument::initWithName(u"Untitled"_ns).get(),
+                                      NSDictionary::dictionary());
+    }
+    WRDocumentWindow* open(const std::string& name, const std::string& content) {
+        NSString* path = NSString::ofUTF8(folder.write(name, content));
+        desktop->openPath(path);
+        screen.turn();
+        return desktop->windowForPath(path);
+    }
+    WRDocumentWindow* front() { return cast<WRDocumentWindow>(screen.app->keyWindow()->delegate()); }
+    /// Does something, while the user presses these buttons of the alerts that come. Returns their texts.
+    std::string doing(const std::function<void()>& action, std::vector<NSString*> buttons = {}) {
+        std::string texts;
+        std::size_t next = 0;
+        auto user = Listener::doing([&](id) {
+            NSWindow* panel = screen.app->modalWindow();
+            if (!panel) return;
+            if (auto* files = cast<NSSavePanel>(static_cast<id>(panel))) {
+                files->setDirectory(NSString::ofUTF8(folder.path().string()));
+                files->setNameFieldStringValue(buttons.at(next++));
+                return files->ok(nullptr);
+            }
+            if (NSAlert* alert = alertIn(panel))
+                texts += alert->messageText()->toUTF8() + "|" + alert->informativeText()->toUTF8() + "|";
+            NSButton* button =
+                next < buttons.size() ? buttonIn(panel->contentView(), buttons[next++]) : nullptr;
+            if (button) return button->performClick(nullptr);
+            ADD_FAILURE() << "no button for: " << texts;
+            screen.app->abortModal();
+        });
+        auto acts = Listener::doing([&](id) {
+            action();
+            screen.app->stop(nullptr);
+        });
+        timer.set(NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(0.25, user, "hear:"_sel,
+                                                                                  nullptr, true));
+        NSRunLoop::mainRunLoop()->addTimer_forMode(timer, NSModalPanelRunLoopMode);
+        performSelector_withObject_afterDelay(acts, "hear:"_sel, nullptr, 0);
+        screen.app->run();
+        std::exchange(timer, nullptr)->invalidate();
+        EXPECT_EQ(next, buttons.size()) << texts;
+        return texts;
+    }
+    std::string textOf(WRDocumentWindow* window) { return window->document()->text()->toUTF8(); }
+    void typeInto(WRDocumentWindow* window, std::u16string_view text) {
+        window->show();
+        screen.turn();
+        screen.type(text);
+    }
+    void undo(WRDocumentWindow* window) { send(window->pageView(), "undo:"_sel, id(nullptr)); }
+    void redo(WRDocumentWindow* window) { send(window->pageView(), "redo:"_sel, id(nullptr)); }
+    std::string notice(WRDocumentWindow* window) {
+        return window->notice() ? window->notice()->text()->toUTF8() : "";
+    }
+    void choose(WRDocumentWindow* window, NSString* title) {
+        buttonIn(window->notice(), title)->performClick(nullptr);
+    }
+
+    TemporaryFolder folder;
+    InterfaceScope screen;
+    Retained<WRDesktop> desktop;
+    Retained<NSTimer> timer;
+};
+
+TEST_F(DocumentFileTest, KnowsWhetherThereAreChangesThatAreInNoFile) {
+    WRDocumentWindow* window = open("a.txt", "one\n");
+    WRDocumentFile* file = window->file();
+    const auto states = [&] { return shown(file->isEdited(), window->window()->isDocumentEdited()); };
+    EXPECT_EQ(states(), "0 0");
+    typeInto(window, u"ab");
+    EXPECT_EQ(states(), "1 1");
+    undo(window);
+    EXPECT_EQ(states(), "0 0");
+    redo(window);
+    EXPECT_EQ(states(), "1 1");
+    EXPECT_TRUE(file->save());
+    EXPECT_EQ(folder.read("a.txt") + states(), "abone\n0 0");
+    screen.type(u"c");  // another step than what was typed before the saving
+    EXPECT_EQ(states(), "1 1");
+    undo(window);
+    EXPECT_EQ(textOf(window) + states(), "abone\n0 0");
+    undo(window);
+    EXPECT_EQ(textOf(window) + states(), "one\n1 1");
+    screen.type(u"d");
+    undo(window);
+    EXPECT_EQ(textOf(window) + states(), "one\n1 1") << "what is in the file cannot be redone";
+}
+
+TEST_F(DocumentFileTest, AsksBeforeItCloses) {
+    struct {
+        NSString* button;
+        bool isOpen;
+        const char* content;
+    } rows[] = {
+        {u"_Cancel"_ns, true, "one"}, {u"_Don't Save"_ns, false, "one"}, {u"_Save"_ns, false, "xone"}};
+    for (const auto& row : rows) {
+        auto window = Retained<WRDocumentWindow>::retaining(open("a.txt", "one"));
+        typeInto(window, u"x");
+        EXPECT_THAT(doing([&] { window->window()->performClose(nullptr); }, {row.button}),
+                    HasSubstr("Save the changes to \"a.txt\"?"));
+        EXPECT_EQ(window->window()->isVisible(), row.isOpen) << row.button;
+        EXPECT_EQ(folder.read("a.txt"), row.content) << row.button;
+        if (row.isOpen) doing([&] { window->window()->performClose(nullptr); }, {u"_Don't Save"_ns});
+    }
+}
+
+TEST_F(DocumentFileTest, AsksForEachDocumentBeforeItQuits) {
+    WRDocumentWindow* first = open("a.txt", "one");
+    WRDocumentWindow* second = open("b.txt", "two");
+    open("c.txt", "three");
+    typeInto(first, u"x");
+    typeInto(second, u"y");
+    const auto quit = [&] { EXPECT_EQ(desktop->applicationShouldTerminate(screen.app), NSTerminateCancel); };
+    EXPECT_THAT(doing(quit, {u"_Don't Save"_ns, u"_Cancel"_ns}),
+                AllOf(HasSubstr("a.txt"), HasSubstr("b.txt"), Not(HasSubstr("c.txt"))));
+    EXPECT_TRUE(first->file()->isEdited() && second->file()->isEdited());
+    doing([&] { screen.app->terminate(nullptr); }, {u"_Save"_ns, u"_Don't Save"_ns});
+    EXPECT_EQ(folder.read("a.txt") + folder.read("b.txt"), "xonetwo");
+}
+
+TEST_F(DocumentFileTest, SavesAsAnotherKind) {
+    WRDocumentWindow* window = front();
+    EXPECT_EQ(window->window()->title()->toUTF8(), "Untitled");
+    typeInto(window, u"Grüße");
+    doing([&] { window->file()->saveDocument(nullptr); }, {u"Letter"_ns});
+    EXPECT_EQ(shown(window->window()->title(), window->file()->isEdited()), "Letter.rtf 0");
+    EXPECT_THAT(folder.read("Letter.rtf"), StartsWith("{\\rtf1"));
+    EXPECT_THAT(
+        doing([&] { window->file()->writeToPath(NSString::ofUTF8(folder.path("Letter.txt")), nullptr); }),
+        "");
+    EXPECT_EQ(folder.read("Letter.txt"), "Grüße");
+    window->document()->setHasFormats(true);
+    const auto saveText = [&] { window->file()->save(); };
+    EXPECT_THAT(doing(saveText, {u"_Cancel"_ns}), HasSubstr("would lose the formats"));
+    doing(saveText, {u"_Save as Rich text…"_ns, u"Second"_ns});
+    EXPECT_EQ(window->document()->name()->toUTF8(), "Second.rtf");
+}
+
+TEST_F(DocumentFileTest, KeepsWhatItCannotWrite) {
+    WRDocumentWindow* window = open("sub/a.txt", "one");
+    typeInto(window, u"x");
+    const auto save = [&] { EXPECT_FALSE(window->file()->save()); };
+    std::filesystem::remove_all(folder.path("sub"));
+    EXPECT_THAT(doing(save, {u"_OK"_ns}), HasSubstr("could not be written"));
+    EXPECT_TRUE(window->file()->isEdited());
+    std::filesystem::create_directory(folder.path("sub"));
+    EXPECT_TRUE(window->file()->save());
+    EXPECT_EQ(folder.read("sub/a.txt"), "xone");
+
+    WRDocumentWindow* old = open("b.txt", "caf\xE9 et th\xE9");  // read in a one-byte encoding
+    typeInto(old, u"€Ω");
+    doing([&] { EXPECT_FALSE(old->file()->save()); }, {u"_Cancel"_ns});
+    EXPECT_TRUE(old->file()->isEdited());
+    doing([&] { EXPECT_TRUE(old->file()->save()); }, {u"_Save in UTF-8"_ns});
+    EXPECT_EQ(folder.read("b.txt"), "€Ωcafé et thé");
+    EXPECT_EQ(old->document()->encodingName()->toUTF8(), "UTF-8");
+}
+
+TEST_F(DocumentFileTest, FollowsOtherProgramsThatWriteTheFile) {
+    std::string lines;
+    for (int i = 0; i < 300; ++i) lines += "line " + std::to_string(i) + "\n";
+    WRDocumentWindow* window = open("a.txt", lines);
+    const auto writeOutside = [&](const std::string& text) {
+        folder.write("a.txt", text);
+        window->file()->fileDidChange();
+    };
+    WRPageView* view = window->pageView();
+    const NSUInteger place = window->document()->text()->rangeOfString(u"line 200"_ns).location;
+    view->setSelectedRange({place, 8});
+    view->scrollRangeToVisible({place, 8});
+    screen.turn();
+    const auto heightOfSelection = [&] {
+        return NSMinY(view->caretRectForCharacterAtIndex(view->selectedRange().location)) -
+               NSMinY(view->visibleRect());
+    };
+    const float before = heightOfSelection();
+    writeOutside("new\nnew\n" + lines);
+    EXPECT_EQ(textOf(window), "new\nnew\n" + lines);
+    EXPECT_EQ(shown(window->file()->isEdited(), view->selectedRange()), shown(false, NSRange{place + 8, 8}));
+    EXPECT_NEAR(heightOfSelection(), before, 1);
+
+    screen.press(NSLeftArrowFunctionKey);
+    screen.type(u"mine ");
+    writeOutside("theirs\n");
+    EXPECT_THAT(notice(window), HasSubstr("which was changed here, too"));
+    EXPECT_THAT(textOf(window), HasSubstr("mine line 200"));
+    choose(window, u"_Keep Mine"_ns);
+    EXPECT_EQ(notice(window), "");
+    const auto save = [&] { window->file()->save(); };
+    EXPECT_THAT(doing(save, {u"_Cancel"_ns}), HasSubstr("Another program has changed"));
+    EXPECT_EQ(folder.read("a.txt"), "theirs\n");
+    writeOutside("theirs again\n");
+    choose(window, u"_Reload"_ns);
+    EXPECT_EQ(textOf(window) + shown(window->file()->isEdited()), "theirs again\n0");
+    undo(window);
+    EXPECT_THAT(textOf(window), HasSubstr("mine line 200"));
+    EXPECT_TRUE(window->file()->isEdited());
+    writeOutside("theirs at last\n");
+    doing(save, {u"_Replace"_ns});
+    EXPECT_THAT(folder.read("a.txt"), HasSubstr("mine line 200"));
+
+    std::filesystem::remove(folder.path("a.txt"));
+    window->file()->fileDidChange();
+    EXPECT_THAT(notice(window), HasSubstr("removed or renamed"));
+    EXPECT_TRUE(window->file()->isEdited());
+    choose(window, u"_Save"_ns);
+    EXPECT_THAT(folder.read("a.txt") + notice(window), HasSubstr("mine line 200"));
+    EXPECT_FALSE(window->file()->isEdited());
+}
+
+TEST_F(DocumentFileTest, RevertsInOneStep) {
+    WRDocumentWindow* window = open("a.txt", "one two three\n");
+    EXPECT_FALSE(window->file()->validateRevertDocumentToSaved(nullptr));
+    typeInto(window, u"x");
+    screen.press(NSRightArrowFunctionKey);
+    screen.type(u"y");
+    doing([&] { window->file()->revertDocumentToSaved(nullptr); }, {u"_Revert"_ns});
+    EXPECT_EQ(textOf(window) + shown(window->file()->isEdited()), "one two three\n0");
+    undo(window);
+    EXPECT_EQ(textOf(window) + shown(window->file()->isEdited()), "xoyne two three\n1");
+}
+
+TEST_F(DocumentFileTest, RemembersTheDocumentsThatWereOpen) {
+    open("a.txt", "one");
+    WRDocumentWindow* window = open("b.txt", "two");
+    EXPECT_EQ(open("b.txt", "two"), window);
+    auto menu = NSMenu::init();
+    const auto titles = [&] {
+        desktop->recentDocuments()->menuNeedsUpdate(menu);
+        std::string names;
+        for (const auto& item : menu->items()) names += item->title()->toUTF8() + " ";
+        return names;
+    };
+    EXPECT_EQ(titles(), "b.txt a.txt  _Clear Menu ");
+    open("sub/b.txt", "three");
+    EXPECT_EQ(titles(), "b.txt – " + folder.path("sub") + " b.txt – " + folder.path().string() +
+                            " a.txt  _Clear Menu ");
+    std::filesystem::remove_all(folder.path("sub"));
+    window->window()->close();
+    titles();
+    desktop->openRecentDocument(menu->itemAtIndex(0));
+    EXPECT_EQ(textOf(front()), "two");
+    desktop->clearRecentDocuments(nullptr);
+    EXPECT_EQ(titles(), "_Clear Menu ");
+}
+
+TEST_F(DocumentFileTest, RecoversWhatACrashHasLeft) {
+    struct {
+        const char* name;
+        const char* now;  // null: removed
+        const char* notice;
+    } rows[] = {{"a.txt", "a", "they are not saved yet"},
+                {"b.txt", "other", "which another program has changed since"},
+                {"c.txt", nullptr, "which is not there any more"}};
+    for (const auto& row : rows) typeInto(open(row.name, std::string(1, row.name[0])), u"typed ");
+    desktop->newDocument(nullptr);
+    typeInto(front(), u"new");
+    desktop->applicationDidLoseDisplay(nullptr);  // nobody can be asked
+    for (id window : NSArray::arrayWithArray(screen.app->windows())) static_cast<NSWindow*>(window)->close();
+    folder.write("b.txt", "other");
+    std::filesystem::remove(folder.path("c.txt"));
+    start();
+    for (const auto& row : rows) {
+        WRDocumentWindow* window = desktop->windowForPath(NSString::ofUTF8(folder.path(row.name)));
+        ASSERT_TRUE(window) << row.name;
+        EXPECT_EQ(textOf(window), std::string("typed ") + row.name[0]);
+        EXPECT_THAT(notice(window), HasSubstr(row.notice));
+        EXPECT_TRUE(window->file()->isEdited() && window->window()->isDocumentEdited());
+    }
+    EXPECT_EQ(screen.app->windows()->count(), 4U) << "no empty document besides";
+}
+
+}  // namespace
