@@ -217,6 +217,7 @@ void NSWindow::doCommandBySelector(SEL selector) {
         send(other.get(), selector, id(nullptr));
         return;
     }
+    if (selector && NSApplication::sharedApplication()->tryToPerform_with(selector, nullptr)) return;
     // What a key means that no text takes may be a button's.
     NSEvent* event = application().current;
     const bool isKey = event && event->type() == NSKeyDown;

@@ -12,6 +12,7 @@
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRFormView.h"
 #include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WindowFrames.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -93,13 +94,18 @@ WRPageView* WRFindPanel::pageView() {
     return document ? document->pageView() : nullptr;
 }
 
+void WRFindPanel::show() {
+    placeBeside(_panel, NSApplication::sharedApplication()->mainWindow());
+    _panel->makeKeyAndOrderFront(nullptr);
+    _findField->selectText(nullptr);
+}
+
 NSString* WRFindPanel::message() { return _message->stringValue(); }
 
 void WRFindPanel::orderFront(id) {
     takePasteboard();
     _message->setStringValue(u""_ns);
-    _panel->makeKeyAndOrderFront(nullptr);
-    _findField->selectText(nullptr);
+    show();
 }
 
 // MARK: What is looked for
@@ -149,9 +155,14 @@ void WRFindPanel::tell(const FindResult& result) {
     _message->setStringValue(sentenceFor(result));
     const bool isDone =
         result.kind == Kind::found || result.kind == Kind::wrapped || result.kind == Kind::replaced;
-    if (isDone || _panel->isVisible()) return;
-    _panel->makeKeyAndOrderFront(nullptr);
-    _findField->selectText(nullptr);
+    if (!_panel->isVisible()) {
+        if (!isDone) show();
+    } else if (WRPageView* view = pageView(); isDone && view) {
+        // What was found is not to be behind the panel.
+        NSRect place = view->convertRect_toView(view->rectForCharacterRange(view->selectedRange()), nullptr);
+        place.origin = view->window()->convertBaseToScreen(place.origin);
+        uncover(place, _panel);
+    }
 }
 
 void WRFindPanel::findNext(id) {

@@ -46,6 +46,7 @@ class WRFindPanel : public NSObject {
 
   private:
     void makePanel();
+    void show();
     void takePasteboard();
     void showQuery(NSString* text);
     NSString* textOfField(NSTextField* field);

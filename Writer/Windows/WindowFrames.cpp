@@ -75,4 +75,15 @@ void placeBeside(NSWindow* window, NSWindow* other) {
                                         screen->visibleFrame()));
 }
 
+void uncover(NSRect rect, NSWindow* window) {
+    const NSRect frame = window->frame(), wide = NSInsetRect(rect, -kDistance, -kDistance);
+    NSScreen* screen = window->screen();
+    if (!screen || !NSIntersectsRect(frame, rect)) return;
+    for (const NSPoint origin :
+         {NSPoint{frame.origin.x, NSMinY(wide) - NSHeight(frame)}, NSPoint{frame.origin.x, NSMaxY(wide)},
+          NSPoint{NSMaxX(wide), frame.origin.y}, NSPoint{NSMinX(wide) - NSWidth(frame), frame.origin.y}})
+        if (NSContainsRect(screen->visibleFrame(), {origin, frame.size}))
+            return window->setFrameOrigin(origin);
+}
+
 }  // namespace pelvor

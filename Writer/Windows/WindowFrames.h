@@ -23,4 +23,7 @@ NSRect notedWindowFrame(NSString* path);
 /// Moves a window that is not seen yet beside the other one, or to the edge of the screen for null.
 void placeBeside(NSWindow* window, NSWindow* other);
 
+/// Moves the window, if it covers the rectangle of the screen, below the rectangle, above it or to a side.
+void uncover(NSRect rect, NSWindow* window);
+
 }  // namespace pelvor

@@ -39,6 +39,15 @@ class ControlTest : public testing::Test {
     Retained<ActionTarget> target = make<ActionTarget>();
 };
 
+// A key may be bound to a command that only the application's delegate has.
+TEST_F(ControlTest, CommandsThatNoViewTakesReachTheApplication) {
+    window->doCommandBySelector("act:"_sel);
+    EXPECT_EQ(target->count, 0);
+    screen.app->setDelegate(target);
+    window->doCommandBySelector("act:"_sel);
+    EXPECT_EQ(target->count, 1);
+}
+
 // MARK: Cells
 
 TEST_F(ControlTest, ShowsValuesOfAllKindsAsText) {

@@ -106,6 +106,13 @@ TEST_F(DocumentWindowTest, FindsByThePanel) {
     EXPECT_EQ(shown(panel->message()), "_1 of 1");
     EXPECT_EQ(shown(view->string()->substringWithRange(view->selectedRange())), "149");
     EXPECT_TRUE(NSContainsRect(view->visibleRect(), view->rectForCharacterRange(view->selectedRange())));
+    // The panel goes where it does not hide what was found.
+    const NSRect found =
+        view->convertRect_toView(view->rectForCharacterRange(view->selectedRange()), nullptr);
+    const NSPoint place = window->window()->convertBaseToScreen(found.origin);
+    panel->window()->setFrameOrigin({place.x - 20, place.y - 20});
+    screen.press(u'\r');
+    EXPECT_FALSE(NSPointInRect(place, panel->window()->frame()));
     EXPECT_EQ(shown(NSPasteboard::pasteboardWithName(NSFindPboard)->stringForType(NSStringPboardType)),
               "149");
     screen.press(u'\t');
