@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 // Somebody who types, selects, formats, undoes and redoes at random, beside what must come out of it.
+#include <filesystem>
 #include <random>
 
 #include "Foundation/NSAttributedString.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSUndoManager.h"
+#include "Interface/NSMenuItem.h"
 #include "Interface/NSScrollView.h"
 #include "InterfaceScope.h"
 #include "Text/NSLayoutManager.h"
 #include "Text/NSTextStorage.h"
+#include "Writer/Pages/StyledDocument.h"
 #include "Writer/PlugInProtocol.h"
+#include "Writer/WRDocument.h"
+#include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRZoomView.h"
 #include "Writer/Windows/WindowsLibrary.h"
@@ -28,6 +33,11 @@ class EditingTest : public ::testing::Test {
         for (NSString* key : {WRLeftMarginKey, WRRightMarginKey, WRTopMarginKey, WRBottomMarginKey})
             settings->setObject_forKey(NSNumber::numberWithFloat(20), key);
         view = WRPageView::create(NSTextStorage::initWithString(u"Dear Anna,\nhow are you?\n"_ns), settings);
+        std::filesystem::current_path(WRITER_PAGES);  // where the style sheet of all documents is
+        formats = WRFormatCommands::create(
+            WRDocument::initWithPath_reader_answer(u"/a"_ns, nullptr, NSDictionary::of({{WRTextKey, u""_ns}}))
+                .get(),
+            view, StyledDocument::of(u""_ns, NSDictionary::dictionary()).sheet);
         auto scrollView = NSScrollView::initWithFrame({{0, 0}, {300, 200}});
         scrollView->setDocumentView(WRZoomView::create(view).get());
         window->setContentView(scrollView);
@@ -40,6 +50,20 @@ class EditingTest : public ::testing::Test {
         return NSAttributedString::initWithAttributedString(view->textStorage());
     }
 
+    void formatSomething() {
+        static const SEL kFormats[] = {"toggleBold:"_sel,
+                                       "toggleUnderline:"_sel,
+                                       "makeTextBigger:"_sel,
+                                       "increaseIndent:"_sel,
+                                       "decreaseIndent:"_sel,
+                                       "takeParagraphStyleFrom:"_sel,
+                                       "takeCharacterStyleFrom:"_sel,
+                                       "clearFormats:"_sel};
+        static NSString* const kNames[] = {u"heading 1"_ns, u"quote"_ns, u"code"_ns, u"strong"_ns};
+        auto item = NSMenuItem::initWithTitle_action_keyEquivalent(u"Change"_ns, SEL(), u""_ns);
+        item->setRepresentedObject(kNames[below(std::size(kNames))]);
+        send(formats.get(), kFormats[below(std::size(kFormats))], item.get());
+    }
     void doSomething() {
         static const char16_t* const kTexts[] = {u"a",  u"word ",   u"é",  u"שלום",        u"\U0001F600",
                                                  u"fi", u"e\u0301", u"\n", u"Two words. ", u"\t"};
@@ -67,6 +91,7 @@ class EditingTest : public ::testing::Test {
                                                     : NSShiftKeyMask | NSCommandKeyMask;
             return screen.press(kKeys[below(std::size(kKeys))], modifiers);
         }
+        if (what == 16 && below(2)) return formatSomething();
         if (what < 18) return command(kCommands[below(std::size(kCommands))]);
         const NSUInteger length = view->string()->length();
         const NSUInteger start = below(length + 1);
@@ -87,6 +112,7 @@ class EditingTest : public ::testing::Test {
     InterfaceScope screen;
     Retained<NSWindow> window;
     Retained<WRPageView> view;
+    Retained<WRFormatCommands> formats;
     std::mt19937 random{11};
 };
 
