@@ -86,7 +86,7 @@ NSDictionary* pageWishes(WRArguments* arguments) {
 
 NSDictionary* pageOptions(WRDocument* document, NSDictionary* wishes, PBProfileSet* profiles) {
     auto* options = NSMutableDictionary::dictionaryWithDictionary(wishes);
-    options->setObject_forKey(document->name(), WRTitleKey);
+    if (document->hasFile()) options->setObject_forKey(document->name(), WRTitleKey);
     options->setObject_forKey(textWithLanguages(document, profiles).get(), WRRichTextKey);
     if (document->settings()) options->setObject_forKey(document->settings(), WRDocumentSettingsKey);
     return options;

@@ -127,6 +127,7 @@ Retained<WRDesktop> WRDesktop::init(Class* cls) {
     self->_windows = NSMutableArray::init();
     self->_wishes.set(NSDictionary::dictionary());
     self->_recent = WRRecentDocuments::init();
+    self->_store = std::make_unique<RecoveryStore>(RecoveryStore::ofUser());
     return self;
 }
 

@@ -48,7 +48,8 @@ class WRDesktop : public NSObject {
     WRDocumentWindow* windowForPath(NSString* path);
     WRRecentDocuments* recentDocuments() { return _recent; }
     // C++ only
-    /// Where unsaved changes are kept for the case of a crash; null where they are not.
+    /// Where unsaved changes are kept for the case of a crash, at first in the user's folder; null where they
+    /// are not.
     RecoveryStore* recoveryStore() { return _store.get(); }
     void setRecoveryStore(std::unique_ptr<RecoveryStore> store);
 

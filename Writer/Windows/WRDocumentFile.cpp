@@ -430,7 +430,7 @@ void WRDocumentFile::fileDidChange() {
               [this] {
                   if (NSString* problem = readAgain()) _owner->showNotice(problem, {});
               }},
-             {localized(u"_Keep Mine"_ns), [] {}}});
+             {localized(u"_Keep Mine"_ns), nullptr}});
     if (NSString* problem = readAgain()) _owner->showNotice(problem, {});
 }
 

@@ -40,7 +40,8 @@ Retained<WRNoticeBar> WRNoticeBar::create(NSString* text, std::vector<NoticeChoi
     self->_label->cell()->setWraps(true);
     self->_label->setStringValue(text);
     self->addSubview(self->_label);
-    choices.push_back({localized(u"_Close"_ns), [] {}});
+    if (std::all_of(choices.begin(), choices.end(), [](const auto& choice) { return choice.action; }))
+        choices.push_back({localized(u"_Close"_ns), nullptr});
     for (NoticeChoice& choice : choices) {
         auto button = NSButton::initWithFrame({});
         button->setTitle(choice.title);
@@ -70,7 +71,7 @@ void WRNoticeBar::choose(NSButton* button) {
     if (found == _buttons.end()) return;
     const auto action = _actions[static_cast<std::size_t>(found - _buttons.begin())];
     if (_end) std::exchange(_end, nullptr)();
-    action();
+    if (action) action();
 }
 
 void WRNoticeBar::setFrameSize(NSSize size) {

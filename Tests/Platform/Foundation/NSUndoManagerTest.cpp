@@ -57,6 +57,25 @@ TEST_F(NSUndoManagerTest, WhatATurnDoesIsTakenBackAsOne) {
     endTurn();
 }
 
+TEST_F(NSUndoManagerTest, NumbersTheStatesThatItLeadsTo) {
+    setText("a");
+    endTurn();
+    const std::uint64_t saved = manager->stateNumber();
+    setText("b");
+    endTurn();
+    EXPECT_NE(manager->stateNumber(), saved);
+    manager->undo();
+    EXPECT_EQ(manager->stateNumber(), saved);
+    manager->undo();
+    EXPECT_EQ(manager->stateNumber(), 0u);
+    manager->redo();
+    EXPECT_EQ(manager->stateNumber(), saved);
+    manager->undo();
+    setText("c");
+    endTurn();
+    EXPECT_NE(manager->stateNumber(), saved) << "another text, as many steps away from the first";
+}
+
 TEST_F(NSUndoManagerTest, GroupsNestAndAreLimited) {
     manager->setGroupsByEvent(false);
     EXPECT_THAT(reasonOf(NSInternalInconsistencyException, [&] { setText("x"); }),

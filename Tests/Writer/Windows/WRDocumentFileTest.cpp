@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WRDocumentFile.h"
 
+#include <chrono>
 #include <filesystem>
+#include <thread>
 
+#include "EnvironmentScope.h"
 #include "Foundation/NSObject-DelayedPerforming.h"
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSTimer.h"
@@ -109,6 +112,14 @@ class DocumentFileTest : public ::testing::Test {
         std::exchange(timer, nullptr)->invalidate();
         EXPECT_EQ(next, buttons.size()) << texts;
         return texts;
+    }
+    /// Lets the thread that watches files work, for some seconds at most.
+    bool until(const std::function<bool()>& condition) {
+        for (int i = 0; i < 1000 && !condition(); ++i) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+            screen.wait(0.3);
+        }
+        return condition();
     }
     std::string textOf(WRDocumentWindow* window) { return window->document()->text()->toUTF8(); }
     void typeInto(WRDocumentWindow* window, std::u16string_view text) {
@@ -287,6 +298,27 @@ TEST_F(DocumentFileTest, RevertsInOneStep) {
     EXPECT_EQ(textOf(window) + shown(window->file()->isEdited()), "one two three\n0");
     undo(window);
     EXPECT_EQ(textOf(window) + shown(window->file()->isEdited()), "xoyne two three\n1");
+}
+
+TEST_F(DocumentFileTest, HearsOfEachFileThatAnotherProgramWrites) {
+    WRDocumentWindow* first = open("a.txt", "one");
+    WRDocumentWindow* second = open("sub/b.txt", "two");
+    folder.write("sub/b.txt", "two and more");
+    EXPECT_TRUE(until([&] { return textOf(second) == "two and more"; }));
+    first->window()->close();
+    std::filesystem::remove(folder.path("sub/b.txt"));
+    EXPECT_TRUE(until([&] { return second->notice(); }));
+    EXPECT_THAT(notice(second), HasSubstr("removed or renamed"));
+}
+
+TEST_F(DocumentFileTest, MovesTheFileToTheTrash) {
+    EnvironmentScope home("XDG_DATA_HOME", folder.path("data").c_str());
+    auto window = Retained<WRDocumentWindow>::retaining(open("a.txt", "one"));
+    const auto move = [&] { window->file()->moveDocumentToTrash(nullptr); };
+    doing(move, {u"_Cancel"_ns});
+    EXPECT_TRUE(window->window()->isVisible() && std::filesystem::exists(folder.path("a.txt")));
+    doing(move, {u"_Move to Trash"_ns});
+    EXPECT_FALSE(window->window()->isVisible() || std::filesystem::exists(folder.path("a.txt")));
 }
 
 TEST_F(DocumentFileTest, RemembersTheDocumentsThatWereOpen) {

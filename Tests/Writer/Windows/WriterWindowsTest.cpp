@@ -3,10 +3,13 @@
 #include <sys/wait.h>
 
 #include <chrono>
+#include <filesystem>
 #include <thread>
 
+#include "EnvironmentScope.h"
 #include "Prelude.h"
 #include "ProgramOutput.h"
+#include "TemporaryFolder.h"
 #include "XServerScope.h"
 
 namespace {
@@ -59,6 +62,42 @@ TEST_F(WriterWindowsTest, ShowsADocumentToReadAndCopy) {
     int status = -1;
     EXPECT_TRUE(until([&] { return waitpid(writer.pid(), &status, WNOHANG) == writer.pid(); }));
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+}
+
+TEST_F(WriterWindowsTest, BringsBackWhatWasTypedBeforeItWasKilled) {
+    const TemporaryFolder folder;
+    const EnvironmentScope state("XDG_STATE_HOME", folder.path("state").c_str());
+    const EnvironmentScope config("XDG_CONFIG_HOME", folder.path("config").c_str());
+    const std::string path = folder.write("Letter.txt", "Anna");
+    const std::filesystem::path journals = folder.path("state/pelvor-writer/recovery");
+    const auto isShown = [] {
+        return outputOf("xdotool search --onlyvisible --name Letter.txt").status == 0;
+    };
+    const auto hasJournal = [&] {
+        std::error_code error;
+        for (const auto& entry : std::filesystem::directory_iterator(journals, error))
+            if (entry.is_regular_file() && entry.file_size() > 0) return true;
+        return false;
+    };
+    {
+        ProgramScope writer({WRITER_PROGRAM, path});
+        ASSERT_TRUE(until(isShown));
+        ASSERT_TRUE(until([&] {
+            server->press(kA);
+            return hasJournal();
+        }));
+        writer.end(SIGKILL);
+    }
+    ProgramScope writer({WRITER_PROGRAM});
+    ASSERT_TRUE(
+        until([] { return outputOf("xdotool search --onlyvisible --name '^.Letter.txt'").status == 0; }));
+    EXPECT_TRUE(until([&] {
+        pressWithControl(kA);
+        pressWithControl(kC);
+        const std::string text = outputOf("timeout 2 xclip -o -selection clipboard 2>/dev/null").text;
+        return text.starts_with("a") && text.ends_with("aAnna");
+    }));
+    EXPECT_EQ(folder.read("Letter.txt"), "Anna");
 }
 
 TEST_F(WriterWindowsTest, WorksWithoutWindowsWhereItIsTold) {
