@@ -112,7 +112,6 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
     methods.instance<"findPrevious:", &WRDesktop::findPrevious>();
     methods.instance<"useSelectionForFind:", &WRDesktop::useSelectionForFind>();
     methods.instance<"jumpToSelection:", &WRDesktop::jumpToSelection>();
-    methods.instance<"validateMenuItem:", &WRDesktop::validateMenuItem>();
     methods.instanceAs<"validateFindNext:", &WRDesktop::canFind>();
     methods.instanceAs<"validateFindPrevious:", &WRDesktop::canFind>();
     methods.instanceAs<"validateJumpToSelection:", &WRDesktop::canFind>();
@@ -346,12 +345,6 @@ void WRDesktop::findNext(id sender) { findPanel()->findNext(sender); }
 void WRDesktop::findPrevious(id sender) { findPanel()->findPrevious(sender); }
 void WRDesktop::useSelectionForFind(id sender) { findPanel()->useSelectionForFind(sender); }
 void WRDesktop::jumpToSelection(id sender) { findPanel()->jumpToSelection(sender); }
-bool WRDesktop::validateMenuItem(id item) {
-    bool isEnabled = true;
-    dispatchValidationTo_result(item, this, &isEnabled);
-    return isEnabled;
-}
-
 bool WRDesktop::canFind(id) { return WRFindPanel::pageView(); }
 
 bool WRDesktop::validateUseSelectionForFind(id) {

@@ -83,8 +83,6 @@ class WRDesktop : public NSObject {
     void findPrevious(id sender);
     void useSelectionForFind(id sender);
     void jumpToSelection(id sender);
-    /// Asks the validators of the actions, such as those below.
-    bool validateMenuItem(id item);
     /// Whether there is a document to look in.
     bool canFind(id item);
     bool validateUseSelectionForFind(id item);
