@@ -6,14 +6,13 @@
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNumber.h"
 #include "PBProfileKeys.h"
-#include "Runtime/AutoreleasePool.h"
 #include "Writer/LocalizedText.h"
+#include "Writer/ParagraphLanguages.h"
 #include "Writer/PlugInObjects.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
 #include "Writer/WRArguments.h"
 #include "Writer/WRDocument.h"
-#include "Writer/WRLanguage.h"
 #include "Writer/WRReport.h"
 
 namespace pelvor {
@@ -25,34 +24,11 @@ PBProfile* setterFor(PBProfileSet* profiles, NSString* format) {
     return found->count() ? static_cast<PBProfile*>(found->objectAtIndex(0)) : nullptr;
 }
 
-// An object that tells the languages of texts apart; null if there is none.
-Retained<Object> languageFinder(PBProfileSet* profiles) {
-    const SEL question = "languageOfText:"_sel;
-    for (id profile : profiles->profilesOfType(PBProfileDocumentServiceType)->profiles()) {
-        Class* cls = static_cast<PBProfile*>(profile)->profileClass();
-        if (cls && cls->instancesRespondTo(question))
-            return makePlugInObject(static_cast<PBProfile*>(profile));
-    }
-    return nullptr;
-}
-
-// The document's text with the languages of its paragraphs, as far as they can be told, so that words are
-// divided by them. Rich text has languages of its own if anybody named them.
+// The document's text with the languages of its paragraphs, as far as they can be told.
 Retained<NSAttributedString> textWithLanguages(WRDocument* document, PBProfileSet* profiles) {
     auto text = document->richText() ? document->richText()->mutableCopy()
                                      : NSMutableAttributedString::initWithString(document->text());
-    auto finder = languageFinder(profiles);
-    if (!finder) return text;
-    for (NSUInteger i = 0; i < document->paragraphCount(); ++i) {
-        AutoreleasePool pool;
-        const NSRange range = document->rangeOfParagraphAtIndex(i);
-        if (range.length == 0 ||
-            text->attribute_atIndex_effectiveRange(WRLanguageAttributeKey, range.location, nullptr))
-            continue;
-        auto* name = send<NSString*>(finder.get(), "languageOfText:"_sel, document->paragraphAtIndex(i));
-        if (WRLanguage* language = WRLanguage::languageWithIdentifier(name))
-            text->addAttribute_value_range(WRLanguageAttributeKey, language, range);
-    }
+    ParagraphLanguages(profiles).addTo(text, {0, text->length()});
     return text;
 }
 
@@ -84,11 +60,17 @@ NSDictionary* pageWishes(WRArguments* arguments) {
     return wishes;
 }
 
-NSDictionary* pageOptions(WRDocument* document, NSDictionary* wishes, PBProfileSet* profiles) {
+NSDictionary* pageOptions(WRDocument* document, NSDictionary* wishes) {
     auto* options = NSMutableDictionary::dictionaryWithDictionary(wishes);
     if (document->hasFile()) options->setObject_forKey(document->name(), WRTitleKey);
-    options->setObject_forKey(textWithLanguages(document, profiles).get(), WRRichTextKey);
+    if (document->richText()) options->setObject_forKey(document->richText(), WRRichTextKey);
     if (document->settings()) options->setObject_forKey(document->settings(), WRDocumentSettingsKey);
+    return options;
+}
+
+NSDictionary* pageOptionsWithLanguages(WRDocument* document, NSDictionary* wishes, PBProfileSet* profiles) {
+    auto* options = NSMutableDictionary::dictionaryWithDictionary(pageOptions(document, wishes));
+    options->setObject_forKey(textWithLanguages(document, profiles).get(), WRRichTextKey);
     return options;
 }
 
@@ -96,8 +78,8 @@ namespace {
 
 NSDictionary* optionsFor(WRDocument* document, NSString* format, WRArguments* arguments,
                          PBProfileSet* profiles) {
-    auto* options =
-        NSMutableDictionary::dictionaryWithDictionary(pageOptions(document, pageWishes(arguments), profiles));
+    auto* options = NSMutableDictionary::dictionaryWithDictionary(
+        pageOptionsWithLanguages(document, pageWishes(arguments), profiles));
     options->setObject_forKey(keptPaths(document, format, arguments), WRKeptPathsKey);
     return options;
 }

@@ -150,12 +150,15 @@ void PageDocument::forgetPages() {
     _pagination->forgetPages();
 }
 
-// Whoever edits asks for places on the page at once; the rest can wait.
+// Whoever edits asks for places on the page at once; the rest can wait, and so can formats of text on pages
+// that nobody has asked for yet.
 void PageDocument::textDidChange(NSRange range, NSInteger delta) {
     if (!_pagination) return;
+    const NSUInteger right = rightPages();
+    const bool isFurtherOn = right == 0 || range.location >= NSMaxRange(pages()[right - 1].range);
     giveCells(_storage, range, _cells);
     _pagination->textDidChange(range, delta);
-    pageWithUnit(range.location);
+    if (delta != 0 || !isFurtherOn) pageWithUnit(range.location);
     if (_didEdit) _didEdit();
 }
 

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Pages/TextLanguage.h"
 
-#include "Foundation/NSDictionary.h"
+#include "Foundation/NSMutableDictionary.h"
 #include "NSAttributedString-PelvorAdditions.h"
 #include "Runtime/Message.h"
+#include "Runtime/Registry.h"
 #include "Text/TextAttributes.h"
 
 namespace pelvor {
@@ -15,6 +16,15 @@ NSString* languageOfAttributes(NSDictionary* attributes) {
     const SEL identifier = "identifier"_sel;
     return language && language->respondsToSelector(identifier) ? send<NSString*>(language, identifier)
                                                                 : nullptr;
+}
+
+// For the layout the name, and for words the object of Writer's class, which programs without Writer lack.
+NSDictionary* attributesOfLanguage(NSString* name) {
+    auto* attributes = NSMutableDictionary::dictionaryWithObject_forKey(name, NSLanguageAttributeName);
+    if (Class* languages = classNamed("WRLanguage"))
+        attributes->setObject_forKey(send<id>(languages, "languageWithIdentifier:"_sel, name),
+                                     PBLanguageAttributeName);
+    return attributes;
 }
 
 NSString* languageInText(NSAttributedString* text, NSUInteger index, NSRange* stretch, NSRange limit) {

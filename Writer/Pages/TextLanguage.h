@@ -16,4 +16,7 @@ PELVOR_EXPORT NSString* languageOfAttributes(NSDictionary* attributes);
 PELVOR_EXPORT NSString* languageInText(NSAttributedString* text, NSUInteger index, NSRange* stretch,
                                        NSRange limit);
 
+/// The attributes of text in the language of that name. Borrowed.
+PELVOR_EXPORT NSDictionary* attributesOfLanguage(NSString* name);
+
 }  // namespace pelvor

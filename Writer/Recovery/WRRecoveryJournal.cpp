@@ -78,6 +78,7 @@ void WRRecoveryJournal::textStorage_edited_range_changeInLength_invalidatedRange
                                                                                  NSRange,
                                                                                  NSInteger changeInLength,
                                                                                  NSRange invalidated) {
+    if (_countsEdit && !_countsEdit()) return;
     addChange(invalidated, changeInLength);
     _isChanged = true;
     if (!_timer) writeIn(kInterval);

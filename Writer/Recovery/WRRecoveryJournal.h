@@ -41,6 +41,8 @@ class WRRecoveryJournal : public NSObject {
     /// Called once, with a sentence for the user, when the changes cannot be written. The journal goes on
     /// trying.
     void setProblemHandler(std::function<void(NSString*)> handler) { _problemHandler = std::move(handler); }
+    /// Edits of attributes that are told of while the function returns false are no changes of the document.
+    void setFilter(std::function<bool()> countsEdit) { _countsEdit = std::move(countsEdit); }
     /// The document has other settings or another path than before: a change that is in no file.
     void setOrigin(RecoveryOrigin origin);
     /// The text is that of the document's file: it was saved, or read again. Removes the recovery file.
@@ -81,6 +83,7 @@ class WRRecoveryJournal : public NSObject {
     Retained<NSData> _archivedOrigin;  // made when it is first needed
     std::shared_ptr<RecoveryFile> _file;
     std::function<void(NSString*)> _problemHandler;
+    std::function<bool()> _countsEdit;
     Retained<NSTimer> _timer;
 
     // What has changed since the last writing began. The range is in the text as it is now.

@@ -17,5 +17,8 @@ inline constexpr NSString* WRShowsRulerPreference = u"WRShowsRuler"_ns;
 /// A string: the abbreviation of the ruler's unit, "mm"; at first centimetres, or inches where these are
 /// used.
 inline constexpr NSString* WRRulerUnitPreference = u"WRRulerUnit"_ns;
+/// A boolean: whether the keyboard is switched to the language of the text that the caret moves into, where
+/// the user has a layout for that language. False at first.
+inline constexpr NSString* WRKeyboardFollowsLanguagePreference = u"WRKeyboardFollowsLanguage"_ns;
 
 }  // namespace pelvor

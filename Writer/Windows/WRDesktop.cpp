@@ -29,6 +29,7 @@
 #include "Writer/WRAbout.h"
 #include "Writer/WRDocument.h"
 #include "Writer/WRDocumentOpener.h"
+#include "Writer/Windows/WRCharactersPanel.h"
 #include "Writer/Windows/WRDocumentFile.h"
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRFindPanel.h"
@@ -58,6 +59,7 @@ const ActionShortcut kShortcuts[] = {
     {"increaseIndent:"_sel, u"Ctrl+K I"_ns},
     {"decreaseIndent:"_sel, u"Ctrl+K U"_ns},
     {"clearFormats:"_sel, u"Ctrl+K 0"_ns},
+    {"orderFrontCharacters:"_sel, u"Ctrl+K S"_ns},
     {"showNextMisspelling:"_sel, u"F7"_ns},
     {"useSelectionForFind:"_sel, u"Ctrl+Alt+F"_ns},
     {"jumpToSelection:"_sel, u"Ctrl+Alt+J"_ns},
@@ -107,6 +109,7 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
     methods.instance<"orderFrontFontPalette:", &WRDesktop::orderFrontFontPalette>();
     methods.instance<"orderFrontProfiles:", &WRDesktop::orderFrontProfiles>();
     methods.instance<"orderFrontShortcuts:", &WRDesktop::orderFrontShortcuts>();
+    methods.instance<"orderFrontCharacters:", &WRDesktop::orderFrontCharacters>();
     methods.instance<"orderFrontFindPanel:", &WRDesktop::orderFrontFindPanel>();
     methods.instance<"findNext:", &WRDesktop::findNext>();
     methods.instance<"findPrevious:", &WRDesktop::findPrevious>();
@@ -331,6 +334,11 @@ void WRDesktop::orderFrontShortcuts(id) {
     if (!_shortcutsPanel) _shortcutsPanel = WRShortcutsPanel::init();
     _shortcutsPanel->takeMenu(_mainMenu);
     _shortcutsPanel->showBeside(NSApplication::sharedApplication()->mainWindow());
+}
+
+void WRDesktop::orderFrontCharacters(id) {
+    if (!_charactersPanel) _charactersPanel = WRCharactersPanel::init();
+    _charactersPanel->showBeside(NSApplication::sharedApplication()->mainWindow());
 }
 
 // MARK: Finding text

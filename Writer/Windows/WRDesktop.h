@@ -13,6 +13,7 @@ class NSDictionary;
 class NSMenu;
 class NSMutableArray;
 class NSNotification;
+class WRCharactersPanel;
 class WRDocument;
 class WRDocumentWindow;
 class WRFindPanel;
@@ -75,6 +76,7 @@ class WRDesktop : public NSObject {
     void orderFrontProfiles(id sender);
     void orderFrontFontPalette(id sender);
     void orderFrontShortcuts(id sender);
+    void orderFrontCharacters(id sender);
 
     // These go to the panel for finding text.
 
@@ -117,6 +119,7 @@ class WRDesktop : public NSObject {
     Retained<WRProfilesPanel> _profilesPanel;
     Retained<WRFontPalette> _fontPalette;
     Retained<WRShortcutsPanel> _shortcutsPanel;
+    Retained<WRCharactersPanel> _charactersPanel;
     Retained<WRFindPanel> _findPanel;
 };
 

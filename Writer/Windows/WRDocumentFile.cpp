@@ -343,7 +343,7 @@ NSString* WRDocumentFile::readAgain() {
         read = opener->openDocumentAtPath_options(_document->path(), NSDictionary::dictionary());
     const auto problem = Retained<NSString>::retaining(opener->problem());
     const auto styled =
-        read ? StyledDocument::of(read->text(), pageOptions(read, _owner->wishes(), registry()))
+        read ? StyledDocument::of(read->text(), pageOptionsWithLanguages(read, _owner->wishes(), registry()))
              : StyledDocument{};
     if (problem || styled.problem) {
         auto sentence = Retained<NSString>::retaining(problem ? problem.get() : styled.problem);
@@ -462,6 +462,7 @@ void WRDocumentFile::keepJournal(std::shared_ptr<RecoveryFile> file) {
     _journaledFormats = _document->hasFormats();
     _journaledSettings.set(_document->settings());
     _journal = WRRecoveryJournal::create(_owner->pageView()->textStorage(), origin(), std::move(file));
+    _journal->setFilter([this] { return !_owner->isFindingLanguages(); });
     _journal->setProblemHandler([this](NSString* problem) { _owner->showNotice(problem, {}); });
 }
 

@@ -35,6 +35,8 @@
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRDocumentFile.h"
 #include "Writer/Windows/WRFormatCommands.h"
+#include "Writer/Windows/WRLanguageCommands.h"
+#include "Writer/Windows/WRLanguageSearch.h"
 #include "Writer/Windows/WRPageSetupPanel.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRPrintPanel.h"
@@ -98,6 +100,7 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
     methods.instance<"printDocument:", &WRDocumentWindow::printDocument>();
     methods.instance<"changeSettings:", &WRDocumentWindow::changeSettings>();
     methods.instance<"currentPage", &WRDocumentWindow::currentPage>();
+    methods.instance<"isFindingLanguages", &WRDocumentWindow::isFindingLanguages>();
     methods.instance<"textDidChange:", &WRDocumentWindow::textDidChange>();
     methods.instance<"pageViewDidReceiveFormats:", &WRDocumentWindow::pageViewDidReceiveFormats>();
     methods.instance<"undoManagerForTextView:", &WRDocumentWindow::undoManagerForTextView>();
@@ -113,14 +116,14 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
 
 Retained<WRDocumentWindow> WRDocumentWindow::create(WRDocument* document, NSDictionary* wishes,
                                                     NSString** problem) {
-    const StyledDocument styled =
-        StyledDocument::of(document->text(), pageOptions(document, wishes, PBRegistry::sharedRegistry()));
+    const StyledDocument styled = StyledDocument::of(document->text(), pageOptions(document, wishes));
     if ((*problem = styled.problem)) return nullptr;
     auto self = make<WRDocumentWindow>();
     self->_document.set(document);
     self->_wishes.set(wishes);
     auto storage = NSTextStorage::initWithAttributedString(styled.text);
     document->adoptText(storage);
+    self->_languageSearch = WRLanguageSearch::create(storage);
     self->_pageView = WRPageView::create(storage, styled.settings);
     if (!self->_pageView) {
         *problem =
@@ -185,9 +188,12 @@ void WRDocumentWindow::makeWindow() {
     _pageView->setEditable(!fidelity || !fidelity->isEqualToString(WRFidelityView));
     _window->setInitialFirstResponder(_pageView);
     _spelling = WRSpelling::create(_pageView);
+    _languageCommands = WRLanguageCommands::create(_pageView);
+    _languageSearch->setVisibleRange([view = _pageView.get()] { return view->visibleTextRange(); });
     // Who takes commands behind the window, the last one first.
-    for (NSResponder* taker : {static_cast<NSResponder*>(_spelling),
-                               static_cast<NSResponder*>(_formatCommands), static_cast<NSResponder*>(this)}) {
+    for (NSResponder* taker :
+         {static_cast<NSResponder*>(_spelling), static_cast<NSResponder*>(_languageCommands),
+          static_cast<NSResponder*>(_formatCommands), static_cast<NSResponder*>(this)}) {
         taker->setNextResponder(_window->nextResponder());
         _window->setNextResponder(taker);
     }
@@ -211,7 +217,11 @@ void WRDocumentWindow::placeWindow() {
 
 // MARK: Editing
 
-void WRDocumentWindow::textDidChange(NSNotification*) { _document->textDidChange(); }
+void WRDocumentWindow::textDidChange(NSNotification*) {
+    if (!isFindingLanguages()) _document->textDidChange();
+}
+
+bool WRDocumentWindow::isFindingLanguages() { return _languageSearch->isEditing(); }
 
 void WRDocumentWindow::pageViewDidReceiveFormats(id) { _document->setHasFormats(true); }
 
@@ -219,6 +229,7 @@ NSUndoManager* WRDocumentWindow::undoManagerForTextView(id) { return _undoManage
 
 // What is kept up with the text while it is written.
 void WRDocumentWindow::stopWork() {
+    if (_languageSearch) _languageSearch->stop();
     if (_wordCounter) _wordCounter->stop();
     if (_spelling) _spelling->stop();
 }

@@ -17,6 +17,8 @@ class NSWindow;
 class WRDocument;
 class WRDocumentFile;
 class WRFormatCommands;
+class WRLanguageCommands;
+class WRLanguageSearch;
 class WRPageView;
 class WRRuler;
 class WRSpelling;
@@ -75,6 +77,8 @@ class WRDocumentWindow : public NSResponder {
 
     /// The page in the middle of what is seen, from 0 on.
     NSUInteger currentPage();
+    /// Whether the edit that is told of is one by which nobody has changed the document.
+    bool isFindingLanguages();
     /// Observes the text storage.
     void textDidChange(NSNotification* notification);
     /// Text with formats was pasted or dropped.
@@ -112,6 +116,8 @@ class WRDocumentWindow : public NSResponder {
     Retained<WRFormatCommands> _formatCommands;
     Retained<WRRuler> _ruler;  // null while it is hidden
     Retained<NSTextField> _status;
+    Retained<WRLanguageSearch> _languageSearch;
+    Retained<WRLanguageCommands> _languageCommands;
     Retained<WRSpelling> _spelling;
     Retained<WRWordCounter> _wordCounter;
 };

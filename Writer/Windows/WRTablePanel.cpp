@@ -24,6 +24,7 @@ PELVOR_DEFINE_CLASS(WRTablePanel, windowsLibrary) {
     methods.instance<"numberOfRowsInTableView:", &WRTablePanel::numberOfRowsInTableView>();
     methods.instance<"tableView:objectValueForTableColumn:row:",
                      &WRTablePanel::tableView_objectValueForTableColumn_row>();
+    methods.instance<"chooseRow:", &WRTablePanel::chooseRow>();
 }
 
 WRTablePanel::WRTablePanel() = default;
@@ -45,6 +46,8 @@ void WRTablePanel::makeWindow(NSString* title, std::span<const Column> columns) 
     _table->setUsesAlternatingRowBackgroundColors(true);
     _table->setDataSource(this);
     _table->setDelegate(this);
+    _table->setTarget(this);
+    _table->setDoubleAction("chooseRow:"_sel);
     auto scrollView = NSScrollView::initWithFrame({{0, 0}, kSize});
     scrollView->setAutoresizingMask(NSViewWidthSizable | NSViewHeightSizable);
     scrollView->setHasVerticalScroller(true);
@@ -63,6 +66,11 @@ void WRTablePanel::showBeside(NSWindow* other) {
 void WRTablePanel::reload() { _table->reloadData(); }
 
 int WRTablePanel::numberOfRowsInTableView(NSTableView*) { return static_cast<int>(rowCount()); }
+
+void WRTablePanel::chooseRow(id) {
+    const NSInteger row = _table->selectedRow();
+    if (row >= 0 && static_cast<NSUInteger>(row) < rowCount()) rowWasChosen(static_cast<NSUInteger>(row));
+}
 
 id WRTablePanel::tableView_objectValueForTableColumn_row(NSTableView*, NSTableColumn* column, NSInteger row) {
     const NSUInteger index = _table->tableColumns()->indexOfObjectIdenticalTo(column);

@@ -24,9 +24,10 @@ class WRTablePanel : public NSObject {
     /// The rows are others now.
     void reload();
 
-    // The table's data source and delegate
+    // The table's data source, delegate and target
     int numberOfRowsInTableView(NSTableView* table);
     id tableView_objectValueForTableColumn_row(NSTableView* table, NSTableColumn* column, NSInteger row);
+    void chooseRow(id sender);
 
   protected:
     WRTablePanel();
@@ -40,6 +41,8 @@ class WRTablePanel : public NSObject {
     virtual NSUInteger rowCount() = 0;
     /// What stands in the row and column, both from 0 on; borrowed, or null.
     virtual id valueAt(NSUInteger row, NSUInteger column) = 0;
+    /// By a double click or Return.
+    virtual void rowWasChosen(NSUInteger) {}
 
   private:
     Retained<NSWindow> _window;

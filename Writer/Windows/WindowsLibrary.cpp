@@ -5,6 +5,7 @@
 #include "Writer/Pages/PagesLibrary.h"
 #include "Writer/Recovery/RecoveryLibrary.h"
 #include "Writer/Shortcuts/ShortcutsLibrary.h"
+#include "Writer/Windows/WRCharactersPanel.h"
 #include "Writer/Windows/WRColorMenu.h"
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRDocumentFile.h"
@@ -13,6 +14,8 @@
 #include "Writer/Windows/WRFontPalette.h"
 #include "Writer/Windows/WRFormView.h"
 #include "Writer/Windows/WRFormatCommands.h"
+#include "Writer/Windows/WRLanguageCommands.h"
+#include "Writer/Windows/WRLanguageSearch.h"
 #include "Writer/Windows/WRNoticeBar.h"
 #include "Writer/Windows/WRPageSetupPanel.h"
 #include "Writer/Windows/WRPageView.h"
@@ -39,6 +42,7 @@ constexpr Library* kDependencies[] = {&baseSpellCheckingLibrary, &pagesLibrary, 
 // One a line, so that merges seldom meet.
 // clang-format off
 constexpr Class* kClasses[] = {
+    &WRCharactersPanel::classRecord,
     &WRColorMenu::classRecord,
     &WRDesktop::classRecord,
     &WRDocumentFile::classRecord,
@@ -47,6 +51,9 @@ constexpr Class* kClasses[] = {
     &WRFontPalette::classRecord,
     &WRFormView::classRecord,
     &WRFormatCommands::classRecord,
+    &WRLanguageCommands::classRecord,
+    &WRLanguageMenu::classRecord,
+    &WRLanguageSearch::classRecord,
     &WRNoticeBar::classRecord,
     &WRPageSetupPanel::classRecord,
     &WRPageView::classRecord,
