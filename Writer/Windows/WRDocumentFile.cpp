@@ -221,7 +221,8 @@ bool WRDocumentFile::writeToPath(NSString* path, NSString* encodingName) {
     }
     auto saver = WRDocumentSaver::initWithProfiles(registry());
     saver->chooseWriterForDocument_path(_document, path);
-    if (isOwn && !mayReplaceFile(path)) return false;
+    if (isOwn)
+        if (const auto result = resultWithoutReplacing(path)) return *result;
     if (saver->dropsFormats(_document) &&
         !(_pathWithoutFormats && _pathWithoutFormats->isEqualToString(path)))
         if (const auto result = resultWithoutFormats(saver, path, encodingName)) return *result;
@@ -254,16 +255,17 @@ void WRDocumentFile::showTitle() {
     view->setSettings(settings);
 }
 
-// Another program's work is not replaced without a word.
-bool WRDocumentFile::mayReplaceFile(NSString* path) {
+// Another program's work is not replaced without a word. Nothing if the file may be replaced; else whether
+// the document was saved elsewhere.
+std::optional<bool> WRDocumentFile::resultWithoutReplacing(NSString* path) {
     const FileIdentity now = FileIdentity::ofFile(path);
-    if (!now.isThere() || now == _document->fileIdentity()) return true;
+    if (!now.isThere() || now == _document->fileIdentity()) return std::nullopt;
     const NSInteger answer =
         ask(localizedFormat(u"_Another program has changed \"%@\". Replace the file?"_ns, _document->name()),
             localized(u"_What the other program has written gets lost."_ns),
             {localized(u"_Save As…"_ns), localized(u"_Cancel"_ns), localized(u"_Replace"_ns)});
-    if (answer == 0) saveAs(nullptr);
-    return answer == 2;
+    if (answer == 2) return std::nullopt;
+    return answer == 0 && saveAs(nullptr);
 }
 
 // Nothing if the user wants the text alone to be written; else whether the document was saved.

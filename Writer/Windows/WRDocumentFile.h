@@ -86,7 +86,7 @@ class WRDocumentFile : public NSResponder {
     void keepJournal(std::shared_ptr<RecoveryFile> file);
     void noteOrigin();
     RecoveryOrigin origin();
-    bool mayReplaceFile(NSString* path);
+    std::optional<bool> resultWithoutReplacing(NSString* path);
     std::optional<bool> resultWithoutFormats(WRDocumentSaver* saver, NSString* path, NSString* encodingName);
     bool handleFailure(WRDocumentSaver* saver, NSString* path);
     void replaceText(NSAttributedString* text);

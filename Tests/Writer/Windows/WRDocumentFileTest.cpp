@@ -17,6 +17,7 @@
 #include "Interface/NSSavePanel.h"
 #include "InterfaceScope.h"
 #include "PBPostLoader.h"
+#include "PBRegistry.h"
 #include "TemporaryFolder.h"
 #include "Text/NSTextStorage.h"
 #include "Writer/LocalizedText.h"
@@ -227,6 +228,27 @@ TEST_F(DocumentFileTest, KeepsWhatItCannotWrite) {
     EXPECT_TRUE(window->file()->save());
     EXPECT_EQ(folder.read("sub/a.txt"), "xone");
 
+    struct {
+        NSString* fidelity;
+        std::vector<NSString*> buttons;
+        const char* problem;
+    } rows[] = {{WRFidelityPart, {u"_Save As…"_ns, u"c"_ns}, "leaves out some of what is in the file"},
+                {WRFidelityView, {u"_OK"_ns}, "what it shows is not their content"}};
+    for (const auto& row : rows) {
+        NSString* path = NSString::ofUTF8(folder.write("part.md", "*text*"));
+        PBProfile* reader =
+            PBRegistry::sharedRegistry()->profileWithIdentifier(u"pelvor.writer.plain-text-reader"_ns);
+        auto document = WRDocument::initWithPath_reader_answer(
+            path, reader, NSDictionary::of({{WRTextKey, u"text"_ns}, {WRFidelityKey, row.fidelity}}));
+        document->setFileIdentity(FileIdentity::ofFile(path));
+        EXPECT_FALSE(desktop->showDocument_options(document, nullptr));
+        WRDocumentWindow* shownIn = desktop->windowForPath(path);
+        EXPECT_THAT(doing([&] { shownIn->file()->save(); }, row.buttons), HasSubstr(row.problem));
+        EXPECT_EQ(folder.read("part.md"), "*text*");
+        shownIn->window()->close();
+    }
+    EXPECT_THAT(folder.read("c.rtf"), HasSubstr("text"));
+
     WRDocumentWindow* old = open("b.txt", "caf\xE9 et th\xE9");  // read in a one-byte encoding
     typeInto(old, u"€Ω");
     doing([&] { EXPECT_FALSE(old->file()->save()); }, {u"_Cancel"_ns});
@@ -276,6 +298,13 @@ TEST_F(DocumentFileTest, FollowsOtherProgramsThatWriteTheFile) {
     EXPECT_THAT(textOf(window), HasSubstr("mine line 200"));
     EXPECT_TRUE(window->file()->isEdited());
     writeOutside("theirs at last\n");
+    EXPECT_THAT(doing([&] { EXPECT_TRUE(window->file()->save()); }, {u"_Save As…"_ns, u"other"_ns}),
+                HasSubstr("Another program"));
+    EXPECT_EQ(window->document()->name()->toUTF8() + folder.read("a.txt"), "other.txttheirs at last\n");
+    EXPECT_TRUE(window->file()->writeToPath(NSString::ofUTF8(folder.path("a.txt")), nullptr));
+    screen.press(NSLeftArrowFunctionKey);
+    screen.type(u"!");
+    folder.write("a.txt", "theirs once more\n");  // nobody has told yet
     doing(save, {u"_Replace"_ns});
     EXPECT_THAT(folder.read("a.txt"), HasSubstr("mine line 200"));
 
