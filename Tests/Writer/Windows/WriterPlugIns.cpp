@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "WriterPlugIns.h"
 
+#include <utility>
+
 #include "BaseTextLibrary.h"
 #include "PBRegistry.h"
 #include "Prelude.h"
@@ -28,15 +30,13 @@ constinit Library richTextPlugIn{"RichText",
                                  {}};
 
 void registerTextPlugIns() {
-    static const bool isDone = [] {
-        registerLibrary(plainTextPlugIn);
-        registerLibrary(richTextPlugIn);
-        for (NSString* folder : {u"PlainText"_ns, u"RichText"_ns})
-            PBRegistry::sharedRegistry()->addProfilesFromPath_bundle(
-                NSString::stringWithFormat(u"%s/%@/Profiles.plist"_ns, WRITER_PLUGINS, folder), nullptr);
-        return true;
-    }();
-    (void)isDone;
+    static bool isDone = false;  // no constant, whose value clang 14 fails to find
+    if (std::exchange(isDone, true)) return;
+    registerLibrary(plainTextPlugIn);
+    registerLibrary(richTextPlugIn);
+    for (NSString* folder : {u"PlainText"_ns, u"RichText"_ns})
+        PBRegistry::sharedRegistry()->addProfilesFromPath_bundle(
+            NSString::stringWithFormat(u"%s/%@/Profiles.plist"_ns, WRITER_PLUGINS, folder), nullptr);
 }
 
 }  // namespace pelvor
