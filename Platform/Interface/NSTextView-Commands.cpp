@@ -7,6 +7,7 @@
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSUndoManager.h"
 #include "Interface/NSClipView.h"
+#include "Interface/NSMenuItem.h"
 #include "Interface/NSScrollView.h"
 #include "Interface/NSWindow.h"
 #include "Interface/Texts/TextMoves.h"
@@ -494,7 +495,11 @@ bool NSTextView::validateMenuItem(id item) {
     if (is("paste:"_sel) || is("pasteAsPlainText:"_sel)) return isEditable();
     if (!is("undo:"_sel) && !is("redo:"_sel)) return true;
     NSUndoManager* manager = undoManager();
-    return manager && (is("undo:"_sel) ? manager->canUndo() : manager->canRedo());
+    if (!manager) return false;
+    // The title tells what would be undone.
+    if (auto shown = cast<NSMenuItem>(item))
+        shown->setTitle(is("undo:"_sel) ? manager->undoMenuItemTitle() : manager->redoMenuItemTitle());
+    return is("undo:"_sel) ? manager->canUndo() : manager->canRedo();
 }
 
 }  // namespace pelvor

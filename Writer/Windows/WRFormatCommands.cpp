@@ -133,7 +133,7 @@ Retained<WRFormatCommands> WRFormatCommands::create(WRDocument* document, WRPage
                                                     std::shared_ptr<const StyleSheet> sheet) {
     auto self = make<WRFormatCommands>(classObject());
     self->_document.set(document);
-    self->_pageView = pageView;
+    self->_pageView.set(pageView);
     self->_sheet = std::move(sheet);
     return self;
 }
@@ -254,9 +254,8 @@ void WRFormatCommands::setTyping(NSDictionary* attributes) {
 
 void WRFormatCommands::changeCharacters(id sender, NSString* name, const AttributeChange& change) {
     if (!canEdit()) return;
-    if (selection().length > 0) {
-        edit(sender, name, selection(),
-             [&](NSTextStorage* text) { text->changeAttributesInRange(selection(), change); });
+    if (const NSRange range = selection(); range.length > 0) {
+        edit(sender, name, range, [&](NSTextStorage* text) { text->changeAttributesInRange(range, change); });
         return setTyping(nullptr);
     }
     if (!_document->hasFormats()) _document->setHasFormats(true);
@@ -424,9 +423,9 @@ bool WRFormatCommands::validateTakeParagraphStyleFrom(id item) {
 void WRFormatCommands::takeCharacterStyleFrom(id sender) {
     const auto name = Retained<NSString>::retaining(representedBy<NSString>(sender));
     if (!canEdit() || (name && !_sheet->characterStyle(name))) return;
-    if (selection().length > 0) {
-        edit(sender, nullptr, selection(),
-             [&](NSTextStorage* text) { setCharacterStyle(text, selection(), *_sheet, name); });
+    if (const NSRange range = selection(); range.length > 0) {
+        edit(sender, nullptr, range,
+             [&](NSTextStorage* text) { setCharacterStyle(text, range, *_sheet, name); });
         return setTyping(nullptr);
     }
     const NSRange paragraph = selectedParagraphs();

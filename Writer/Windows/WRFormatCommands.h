@@ -116,7 +116,7 @@ class WRFormatCommands : public NSResponder {
     void setDocumentHasFormats(bool hasFormats);
 
     Retained<WRDocument> _document;
-    Unretained<WRPageView> _pageView = nullptr;  // the window keeps both
+    Retained<WRPageView> _pageView;
     std::shared_ptr<const StyleSheet> _sheet;
 };
 

@@ -124,7 +124,7 @@ Retained<WRRuler> WRRuler::create(WRFormatCommands* commands, NSRect frame) {
     auto* centre = NSNotificationCenter::defaultCenter();
     NSView* pages = commands->pageView();
     for (NSString* name : {NSTextViewDidChangeSelectionNotification, NSTextDidChangeNotification,
-                           NSViewFrameDidChangeNotification})
+                           WRPageViewDidFindPagesNotification, NSViewFrameDidChangeNotification})
         centre->addObserver_selector_name_object(self, "placeDidChange:"_sel, name, pages);
     centre->addObserver_selector_name_object(self, "placeDidChange:"_sel, WRFormatsDidChangeNotification,
                                              commands);

@@ -10,6 +10,7 @@
 #include "NSAttributedString-PelvorAdditions.h"
 #include "PBPostLoader.h"
 #include "Runtime/Message.h"
+#include "TemporaryFolder.h"
 #include "Text/NSFont.h"
 #include "Text/NSParagraphStyle.h"
 #include "Writer/PlugInProtocol.h"
@@ -27,8 +28,8 @@ struct FormatScope {
         registerLibrary(windowsLibrary);
         PBPostLoader::processClassesStartingRegistry(false);
         std::filesystem::current_path(WRITER_PAGES);  // where the style sheet of all documents is
-        document = WRDocument::initWithPath_reader_answer(u"/a/b.txt"_ns, nullptr,
-                                                          NSDictionary::of({{WRTextKey, text}}));
+        document = WRDocument::initWithPath_reader_answer(NSString::ofUTF8(folder.write("b.txt", "")),
+                                                          nullptr, NSDictionary::of({{WRTextKey, text}}));
         NSString* problem = nullptr;
         window = WRDocumentWindow::create(document, NSDictionary::dictionary(), &problem);
         if (!window) throw std::runtime_error(shown(problem));
@@ -84,6 +85,7 @@ struct FormatScope {
         screen.turn();
     }
 
+    TemporaryFolder folder;
     InterfaceScope screen;
     Retained<WRDocument> document;
     Retained<WRDocumentWindow> window;

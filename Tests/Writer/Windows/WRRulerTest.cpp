@@ -3,7 +3,6 @@
 
 #include "FormatScope.h"
 #include "Foundation/NSUserDefaults.h"
-#include "Interface/NSMenu.h"
 #include "Interface/NSScrollView.h"
 #include "NSView-PelvorAdditions.h"
 #include "Text/NSTextTab.h"
