@@ -39,25 +39,53 @@ class WriterWindowsTest : public ::testing::Test {
         return false;
     }
 
-    std::optional<XServerScope> server;
-};
-
-TEST_F(WriterWindowsTest, ShowsADocumentToReadAndCopy) {
-    ProgramScope writer({WRITER_PROGRAM, WRITER_SAMPLE});
-    int x = 0, y = 0;
-    ASSERT_TRUE(until([&] {
+    // Where the text of the window whose name has the words is seen; {0, 0} until it is.
+    static std::pair<int, int> placeOfWindow(const std::string& name) {
+        int x = 0, y = 0;
         const ProgramOutput place = outputOf(
-            "eval $(xdotool search --onlyvisible --name Sample.rtf getwindowgeometry --shell 2>/dev/null) && "
-            "echo $((X + WIDTH / 2)) $((Y + HEIGHT / 2))");
-        return std::sscanf(place.text.c_str(), "%d %d", &x, &y) == 2 && x > 0;
-    }));
-    EXPECT_TRUE(until([&] {
+            "eval $(xdotool search --onlyvisible --name '" + name +
+            "' getwindowgeometry --shell 2>/dev/null) && echo $((X + WIDTH / 2)) $((Y + HEIGHT / 2))");
+        return std::sscanf(place.text.c_str(), "%d %d", &x, &y) == 2 ? std::pair{x, y} : std::pair{0, 0};
+    }
+    // Clicks into the window and copies all that is in it.
+    std::string copyAllOf(const std::string& name) {
+        const auto [x, y] = placeOfWindow(name);
+        if (x == 0) return {};
         server->click(x, y);
         pressWithControl(kA);
         pressWithControl(kC);
-        return outputOf("timeout 2 xclip -o -selection clipboard 2>/dev/null")
-            .text.starts_with("The Compositor");
-    }));
+        return outputOf("timeout 2 xclip -o -selection clipboard 2>/dev/null").text;
+    }
+
+    std::optional<XServerScope> server;
+};
+
+// Somebody writes in two languages, with a key that puts accents on letters, and goes on the next day.
+TEST_F(WriterWindowsTest, TakesALetterInTwoLanguages) {
+    const TemporaryFolder folder;
+    const EnvironmentScope state("XDG_STATE_HOME", folder.path("state").c_str());
+    const EnvironmentScope config("XDG_CONFIG_HOME", folder.path("config").c_str());
+    const std::string path =
+        folder.write("Letter.rtf", "{\\rtf1\\ansi{\\fonttbl{\\f0 Noto Serif;}}\\f0 Dear Anna,\\par}");
+    XServerScope::run({"setxkbmap", "us", "intl"});
+    {
+        ProgramScope writer({WRITER_PROGRAM, path});
+        ASSERT_TRUE(until([&] { return copyAllOf("Letter.rtf").starts_with("Dear Anna,"); }));
+        for (const char* keys : {"key ctrl+End", "type --delay 3 'How are you? '", "key ctrl+i",
+                                 "type --delay 3 'Das Caf'", "key dead_acute e ctrl+i s ctrl+s"})
+            outputOf(std::string("xdotool ") + keys);
+        EXPECT_TRUE(
+            until([&] { return folder.read("Letter.rtf").find("How are you?") != std::string::npos; }));
+    }
+    ProgramScope writer({WRITER_PROGRAM, path});
+    EXPECT_TRUE(until([&] { return copyAllOf("Letter.rtf") == "Dear Anna,\nHow are you? Das Caf\u00E9s"; }))
+        << copyAllOf("Letter.rtf");
+    EXPECT_THAT(folder.read("Letter.rtf"), testing::ContainsRegex("i Das Caf.*i0 ?s"));
+}
+
+TEST_F(WriterWindowsTest, ShowsADocumentToReadAndCopy) {
+    ProgramScope writer({WRITER_PROGRAM, WRITER_SAMPLE});
+    EXPECT_TRUE(until([&] { return copyAllOf("Sample.rtf").starts_with("The Compositor"); }));
     pressWithControl(kQ);
     int status = -1;
     EXPECT_TRUE(until([&] { return waitpid(writer.pid(), &status, WNOHANG) == writer.pid(); }));
