@@ -80,7 +80,7 @@ TEST_F(WriterWindowsTest, TakesALetterInTwoLanguages) {
     ProgramScope writer({WRITER_PROGRAM, path});
     EXPECT_TRUE(until([&] { return copyAllOf("Letter.rtf") == "Dear Anna,\nHow are you? Das Caf\u00E9s"; }))
         << copyAllOf("Letter.rtf");
-    EXPECT_THAT(folder.read("Letter.rtf"), testing::ContainsRegex("i Das Caf.*i0 ?s"));
+    EXPECT_THAT(folder.read("Letter.rtf"), testing::ContainsRegex("i Das Caf.*plain s"));
 }
 
 TEST_F(WriterWindowsTest, ShowsADocumentToReadAndCopy) {
