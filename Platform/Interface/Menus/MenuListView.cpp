@@ -5,6 +5,7 @@
 
 #include "Interface/Drawing/Shapes.h"
 #include "Interface/InterfaceLibrary.h"
+#include "Interface/Menus/MenuTracker.h"
 #include "Interface/NSImage.h"
 #include "Text/NSGraphicsContext.h"
 
@@ -26,7 +27,7 @@ MenuListView::~MenuListView() {
 }
 
 void MenuListView::menuDidChange(NSMenu*) {
-    if (!_menu->layout()) _isStale = true;
+    if (!_menu->layout() && !std::exchange(_isStale, true)) MenuTracker::wake();
     setNeedsDisplay(true);
 }
 

@@ -211,7 +211,11 @@ void MenuTracker::cancel(NSMenu* menu) {
                                        [&](const Level& level) { return !menu || level.menu == menu; });
     if (!isTracked || tracker->_isOver) return;
     tracker->_isOver = true;
-    // Wakes the loop if it waits.
+    wake();
+}
+
+void MenuTracker::wake() {
+    if (!runningTracker) return;
     application()->postEvent_atStart(
         NSEvent::otherEventWithType_location_modifierFlags_timestamp_windowNumber_context_subtype_data1_data2(
             NSApplicationDefined, NSZeroPoint, 0, steadyTime(), 0, nullptr, 0, 0, 0),

@@ -62,6 +62,8 @@ class MenuTracker {
 
     /// Closes all menus if the menu, or with null any menu, is being tracked.
     static void cancel(NSMenu* menu = nullptr);
+    /// Has the tracker look at its menus again, which have changed while it waits.
+    static void wake();
 
   private:
     struct Level {

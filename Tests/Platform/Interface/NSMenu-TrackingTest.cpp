@@ -10,6 +10,7 @@
 #include "Interface/NSMenuBarView.h"
 #include "Interface/NSPopUpButton.h"
 #include "Interface/NSScreen.h"
+#include "Interface/NSTextView.h"
 #include "Interface/NSView.h"
 #include "InterfaceScope.h"
 #include "RandomSteps.h"
@@ -231,6 +232,29 @@ TEST_F(MenuTracking, OpensContextMenusAndClosesThemByAClickBeside) {
     plan({[&] { recent->cancelTracking(); }});
     screen.press(NSMenuFunctionKey);
     EXPECT_EQ(takeLog(), "open recent, close recent, open recent, close recent");
+}
+
+// At the caret where a key asked for the menu; lines that come meanwhile are seen without a further event.
+TEST_F(MenuTracking, OpensAtTheCaretAndShowsWhatComes) {
+    auto text = NSTextView::initWithFrame({{0, 0}, {300, 200}});
+    text->setString(u"One two"_ns);
+    text->setSelectedRange({4, 0});
+    text->setMenu(recent);
+    text->setVerticallyResizable(false);
+    window->setContentView(text);
+    window->makeFirstResponder(text);
+    screen.turn();
+    NSRect opened;
+    float height = 0;
+    plan({[&] { opened = menuWindow()->frame(); },
+          [&] { recent->addItemWithTitle_action_keyEquivalent(u"Clara"_ns, SEL(), u""_ns); },
+          [&] { height = NSHeight(menuWindow()->frame()); }, [&] { recent->cancelTracking(); }});
+    screen.press(NSMenuFunctionKey);
+    const NSRect caret = text->convertRect_toView(text->caretRectForCharacterAtIndex(4), nullptr);
+    const NSPoint place = window->convertBaseToScreen(caret.origin);
+    EXPECT_NEAR(NSMinX(opened), place.x, 3);
+    EXPECT_NEAR(NSMaxY(opened), place.y, 3);
+    EXPECT_GT(height, NSHeight(opened));
 }
 
 TEST_F(MenuTracking, SurvivesWhatItsMenusDo) {

@@ -3,7 +3,6 @@
 
 #include "Foundation/NSData.h"
 #include "Foundation/NSDictionary.h"
-#include "Shared/ArgumentChecks.h"
 #include "Writer/PlugIns/RichText/RichTextAnswer.h"
 #include "Writer/PlugIns/RichText/RichTextMarkup.h"
 #include "Writer/PlugIns/RichText/RichTextReading.h"
@@ -29,9 +28,7 @@ constinit const Category NSAttributedString_RichText_category =
     Category::of<NSAttributedString, defineRichText>("RichText");
 
 NSData* RTFFromRange_documentAttributes(NSAttributedString* text, NSRange range, NSDictionary* settings) {
-    constexpr const char* kOperation = "RTFFromRange:documentAttributes:";
-    requireArgument(text, kOperation, "the text");
-    requireRange(range, text->length(), kOperation);
+    if (!text) return nullptr;
     const RichTextMarkup markup = markupOfRichText(text->attributedSubstringFromRange(range), settings);
     return NSData::dataWithBytes_length(markup.bytes.data(), static_cast<NSUInteger>(markup.bytes.size()));
 }
