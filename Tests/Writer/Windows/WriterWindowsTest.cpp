@@ -120,6 +120,7 @@ TEST_F(WriterWindowsTest, BringsBackWhatWasTypedBeforeItWasKilled) {
     ASSERT_TRUE(
         until([] { return outputOf("xdotool search --onlyvisible --name '^.Letter.txt'").status == 0; }));
     EXPECT_TRUE(until([&] {
+        outputOf("xdotool search --onlyvisible --name Letter.txt windowactivate --sync 2>/dev/null");
         pressWithControl(kA);
         pressWithControl(kC);
         const std::string text = outputOf("timeout 2 xclip -o -selection clipboard 2>/dev/null").text;
