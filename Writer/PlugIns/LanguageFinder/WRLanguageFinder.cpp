@@ -20,6 +20,12 @@
 namespace pelvor {
 namespace {
 
+// Words are looked up without being copied.
+struct WordHash {
+    using is_transparent = void;
+    std::size_t operator()(std::u16string_view word) const { return std::hash<std::u16string_view>()(word); }
+};
+
 struct Language {
     PBProfile* profile;
     NSUInteger paragraphCount = 0;
@@ -41,7 +47,10 @@ class LanguageTable {
         std::sort(_languages.begin(), _languages.end(), goesBefore);
         for (std::size_t i = 0; i < _languages.size(); ++i)
             for (id word : cast<NSArray>(_languages[i].profile->valueForKey(u"common words"_ns)))
-                if (auto* text = cast<NSString>(word)) _words[text->toUTF16()].push_back(i);
+                if (auto* text = cast<NSString>(word)) {
+                    _words[text->toUTF16()].push_back(i);
+                    _longest = std::max<std::size_t>(_longest, text->length());
+                }
     }
 
     /// Counts the paragraph for its language. Returns null if no language has more of the words than every
@@ -56,10 +65,11 @@ class LanguageTable {
   private:
     Language* take(std::u16string_view paragraph) {
         std::vector<unsigned> votes(_languages.size());
-        NSCharacterSet* letters = _pbLettersCharacterSet;
+        const std::uint8_t* letters = _pbLettersCharacterSet->basicPlaneBitmap();
+        const auto isLetter = [letters](char16_t unit) { return letters[unit >> 3] >> (unit & 7) & 1; };
         for (std::size_t i = 0; i < paragraph.size();) {
             std::size_t end = i;
-            while (end < paragraph.size() && letters->characterIsMember(paragraph[end])) ++end;
+            while (end < paragraph.size() && isLetter(paragraph[end])) ++end;
             if (end > i) vote(paragraph.substr(i, end - i), votes);
             i = end + 1;
         }
@@ -72,13 +82,15 @@ class LanguageTable {
     }
 
     void vote(std::u16string_view word, std::vector<unsigned>& votes) {
-        const auto found = _words.find(std::u16string(word));
+        if (word.size() > _longest) return;
+        const auto found = _words.find(word);
         if (found == _words.end()) return;
         for (std::size_t language : found->second) ++votes[language];
     }
 
     std::vector<Language> _languages;
-    std::unordered_map<std::u16string, std::vector<std::size_t>> _words;
+    std::unordered_map<std::u16string, std::vector<std::size_t>, WordHash, std::equal_to<>> _words;
+    std::size_t _longest = 0;  // of these words
 };
 
 PELVOR_DEFINE_CLASS(WRLanguageFinder, languageFinderPlugIn) {
