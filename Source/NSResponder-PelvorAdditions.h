@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// Hooks of responders that want to see key equivalents before the menus do. Both have methods that such a
-// responder overrides; the functions here are what every other responder does.
+// Hooks of responders that want to see key equivalents before the menus do, such as a field in which the user
+// types a shortcut. Both have methods that such a responder overrides; the functions here are what every
+// other responder does. The application class of the host asks the first responder in its `sendEvent`;
+// NSApplication itself does not.
 #pragma once
 
 #include "Interface/NSResponder.h"

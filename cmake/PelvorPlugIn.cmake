@@ -61,13 +61,18 @@ function(pelvor_host_bundle)
         RUNTIME_OUTPUT_DIRECTORY "${bundle}/Contents/Linux"
         PELVOR_BUNDLE "${bundle}")
     pelvor_loads_plugins(${arg_TARGET})
-    # The library's programs lie beside its code, which is in the host where the library is static.
+    # The library's programs, and what shows windows, lie beside its code, which is in the host where the library is static.
     _pelvor_is_static(Pelvor::Foundation static)
     if(static AND TARGET Pelvor::Archiver)
         set(programs "${bundle}/Contents/Linux/pelvor")
         add_custom_command(TARGET ${arg_TARGET} POST_BUILD VERBATIM
             COMMAND "${CMAKE_COMMAND}" -E make_directory "${programs}"
             COMMAND "${CMAKE_COMMAND}" -E copy_if_different $<TARGET_FILE:Pelvor::Archiver> "${programs}")
+    endif()
+    if(static AND TARGET Pelvor::InterfaceXCB)
+        add_custom_command(TARGET ${arg_TARGET} POST_BUILD VERBATIM
+            COMMAND "${CMAKE_COMMAND}" -E copy_if_different
+                $<TARGET_FILE:Pelvor::InterfaceXCB> "${bundle}/Contents/Linux")
     endif()
 endfunction()
 

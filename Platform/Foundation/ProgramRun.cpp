@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/ProgramRun.h"
 
-#include <dlfcn.h>
 #include <spawn.h>
 #include <sys/wait.h>
 
 #include <csignal>
-#include <filesystem>
 #include <thread>
 #include <vector>
 
 #include "Foundation/Files/SystemPath.h"
 #include "Foundation/NSArray.h"
+#include "Shared/CodeFolder.h"
 
 namespace pelvor {
 namespace {
@@ -120,14 +119,8 @@ bool startProgram(NSString* name, NSArray* arguments) {
 }
 
 NSString* libraryProgramsFolder() {
-    Dl_info place{};
-    std::error_code error;
-    ::dladdr(reinterpret_cast<const void*>(&libraryProgramsFolder), &place);
-    // The name of the program itself may be without a folder.
-    std::filesystem::path code = place.dli_fname ? place.dli_fname : "";
-    if (code.string().find('/') == std::string::npos || !std::filesystem::exists(code, error))
-        code = std::filesystem::read_symlink("/proc/self/exe", error);
-    return stringOfSystemPath((std::filesystem::absolute(code, error).parent_path() / "pelvor").string());
+    const void* code = reinterpret_cast<const void*>(&libraryProgramsFolder);
+    return stringOfSystemPath((folderOfCode(code) / "pelvor").string());
 }
 
 }  // namespace pelvor

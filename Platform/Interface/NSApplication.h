@@ -14,7 +14,9 @@ class NSMenu;
 class NSWindow;
 struct ApplicationState;
 
-/// The mode of the run loop while a panel runs modally, and while the mouse or a menu is followed.
+/// The mode of the run loop while a panel runs modally, and while the mouse or a menu is followed. Both are
+/// among NSRunLoopCommonModes once the application has been made. What waits for the default mode, such as
+/// delayed messages and idle queues, waits meanwhile.
 inline constexpr NSString* NSModalPanelRunLoopMode = u"NSModalPanelRunLoopMode"_ns;
 inline constexpr NSString* NSEventTrackingRunLoopMode = u"NSEventTrackingRunLoopMode"_ns;
 
@@ -69,13 +71,21 @@ using NSModalSession = struct ModalSession*;
 /// sees it. If DISPLAY names a display that cannot be had, the reason is logged; so is any other value of
 /// PELVOR_DISPLAY, which changes nothing.
 ///
-/// **Under a loop of somebody else**, call `deliverEventsInRunLoop` instead of `run`; the host's loop drives
-/// the main run loop (NSRunLoop::descriptor), and events are handed on from there.
+/// **The module for displays**, PelvorInterfaceXCB.so, is loaded from the file that the environment's
+/// PELVOR_INTERFACE_MODULE names, else from the folder of this library's code (of the program, if that holds
+/// the library), from "../lib" beside that folder, or from where the system finds libraries.
 ///
-/// The delegate may have: `applicationShouldTerminate:` (returns an NSApplicationTerminateReply),
-/// `applicationShouldTerminateAfterLastWindowClosed:` (returns whether), and the messages of the
-/// notifications above. Exceptions are not told to the delegate; override `reportException` for that. Main
-/// thread.
+/// **Under a loop of somebody else**, call `deliverEventsInRunLoop` instead of `run`; the host's loop drives
+/// the main run loop (NSRunLoop::descriptor), and events are handed on from there. `stop` has nothing to
+/// end then, and a `terminate` that does not end the process only posts its notification.
+///
+/// The delegate may have:
+///
+///     int applicationShouldTerminate:(NSApplication*)     an NSApplicationTerminateReply
+///     bool applicationShouldTerminateAfterLastWindowClosed:(NSApplication*)    panels do not count
+///
+/// and the messages of the notifications above. Exceptions are not told to the delegate; override
+/// `reportException` for that. Main thread.
 class PELVOR_EXPORT NSApplication : public NSResponder {
     PELVOR_CLASS(NSApplication, NSResponder);
 
@@ -88,8 +98,8 @@ class PELVOR_EXPORT NSApplication : public NSResponder {
 
     // The main loop
 
-    /// Takes and handles events until `stop`; calls `finishLaunching` first. Returns at once if there are no
-    /// windows, timers or other work to wait for.
+    /// Takes and handles events until `stop`; calls `finishLaunching` first. Without a display, returns once
+    /// there are no windows on the screen, timers or other work to wait for.
     void run();
     /// Ends `run` after this event; during a modal run, ends that one with NSRunStoppedResponse.
     void stop(id sender);
@@ -98,8 +108,9 @@ class PELVOR_EXPORT NSApplication : public NSResponder {
     void finishLaunching();
     /// From now on events are handed on by the main run loop whenever that runs in the default mode.
     void deliverEventsInRunLoop();
-    /// Asks the delegate and, unless it refuses, posts NSApplicationWillTerminateNotification and ends the
-    /// process with status 0. After `setTerminatesProcess(false)` the process goes on, and `run` returns.
+    /// Asks the delegate, but no windows, and, unless it refuses, posts
+    /// NSApplicationWillTerminateNotification and ends the process with status 0. After
+    /// `setTerminatesProcess(false)` the process goes on, and `run` returns.
     virtual void terminate(id sender);
     /// What became of NSTerminateLater.
     void replyToApplicationShouldTerminate(bool shouldTerminate);
@@ -169,9 +180,10 @@ class PELVOR_EXPORT NSApplication : public NSResponder {
     // `stopModal` and its kin have no sender, so that they cannot be actions themselves. A button without a
     // method of its own can have the application as target and `stop:` as action.
 
-    /// Shows the window and handles events until the run is stopped. Returns the code it was stopped with, or
-    /// NSRunAbortedResponse once the window is closed or taken from the screen. For null, returns
-    /// NSRunAbortedResponse at once.
+    /// Shows the window, in the middle of the screen if it was not shown yet, and handles events until the
+    /// run is stopped. Returns the code it was stopped with, or NSRunAbortedResponse once the window is
+    /// closed or taken from the screen. For null, returns NSRunAbortedResponse at once. Without a display,
+    /// nobody presses a button, and only the program itself can stop the run.
     NSInteger runModalForWindow(NSWindow* window);
     /// Ends the innermost modal run with NSRunStoppedResponse, or with a code of the program's own. The
     /// window stays on the screen. Does nothing while no window runs modally.

@@ -167,18 +167,26 @@ id NSControl::objectValue() {
     return _cell ? _cell->objectValue() : nullptr;
 }
 
-void NSControl::setObjectValue(id value) {
-    if (_cell) _cell->setObjectValue(value);
+template <auto set, class Value>
+void NSControl::setValue(Value value) {
+    if (!_cell) return;
+    (_cell.get()->*set)(value);
+    const auto editor = Retained<NSText>::retaining(currentEditor());
+    if (!editor || selectedCell() != _cell) return;
+    NSString* text = _cell->stringValue();
+    if (editor->string()->isEqualToString(text)) return;
+    editor->setString(text);
+    editor->setSelectedRange({editor->string()->length(), 0});
 }
+
+void NSControl::setObjectValue(id value) { setValue<&NSCell::setObjectValue>(value); }
 
 NSString* NSControl::stringValue() {
     validateEditing();
     return _cell ? _cell->stringValue() : u""_ns;
 }
 
-void NSControl::setStringValue(NSString* text) {
-    if (_cell) _cell->setStringValue(text);
-}
+void NSControl::setStringValue(NSString* text) { setValue<&NSCell::setStringValue>(text); }
 
 NSAttributedString* NSControl::attributedStringValue() {
     validateEditing();
@@ -186,7 +194,7 @@ NSAttributedString* NSControl::attributedStringValue() {
 }
 
 void NSControl::setAttributedStringValue(NSAttributedString* text) {
-    if (_cell) _cell->setAttributedStringValue(text);
+    setValue<&NSCell::setAttributedStringValue>(text);
 }
 
 int NSControl::intValue() {
@@ -194,40 +202,26 @@ int NSControl::intValue() {
     return _cell ? _cell->intValue() : 0;
 }
 
-void NSControl::setIntValue(int value) {
-    if (_cell) _cell->setIntValue(value);
-}
+void NSControl::setIntValue(int value) { setValue<&NSCell::setIntValue>(value); }
 
 float NSControl::floatValue() { return static_cast<float>(doubleValue()); }
 
-void NSControl::setFloatValue(float value) {
-    if (_cell) _cell->setFloatValue(value);
-}
+void NSControl::setFloatValue(float value) { setValue<&NSCell::setFloatValue>(value); }
 
 double NSControl::doubleValue() {
     validateEditing();
     return _cell ? _cell->doubleValue() : 0;
 }
 
-void NSControl::setDoubleValue(double value) {
-    if (_cell) _cell->setDoubleValue(value);
-}
+void NSControl::setDoubleValue(double value) { setValue<&NSCell::setDoubleValue>(value); }
 
-void NSControl::takeStringValueFrom(id sender) {
-    if (_cell) _cell->takeStringValueFrom(sender);
-}
+void NSControl::takeStringValueFrom(id sender) { setValue<&NSCell::takeStringValueFrom>(sender); }
 
-void NSControl::takeObjectValueFrom(id sender) {
-    if (_cell) _cell->takeObjectValueFrom(sender);
-}
+void NSControl::takeObjectValueFrom(id sender) { setValue<&NSCell::takeObjectValueFrom>(sender); }
 
-void NSControl::takeIntValueFrom(id sender) {
-    if (_cell) _cell->takeIntValueFrom(sender);
-}
+void NSControl::takeIntValueFrom(id sender) { setValue<&NSCell::takeIntValueFrom>(sender); }
 
-void NSControl::takeDoubleValueFrom(id sender) {
-    if (_cell) _cell->takeDoubleValueFrom(sender);
-}
+void NSControl::takeDoubleValueFrom(id sender) { setValue<&NSCell::takeDoubleValueFrom>(sender); }
 
 // MARK: Editing
 

@@ -69,7 +69,8 @@ class PELVOR_EXPORT NSControl : public NSView {
     NSWritingDirection baseWritingDirection();
     void setBaseWritingDirection(NSWritingDirection direction);
 
-    // The value; a text that is being edited is taken over first.
+    // The value. Reading it takes over a text that is being edited; setting it replaces that text, and the
+    // user goes on behind the new one.
 
     id objectValue();
     void setObjectValue(id value);
@@ -125,6 +126,9 @@ class PELVOR_EXPORT NSControl : public NSView {
     void dropEditor(NSCell* cell, NSText* editor);
 
   private:
+    template <auto set, class Value>
+    void setValue(Value value);
+
     Retained<NSCell> _cell;
     bool _ignoresMultiClick = false;
 };

@@ -193,7 +193,8 @@ class PELVOR_EXPORT NSWindow : public NSResponder {
     void deminiaturize(id sender);
     bool isMiniaturized();
     void performMiniaturize(id sender);
-    /// Makes the window as large as its screen, or gives it its former frame back.
+    /// Asks the window manager to make the window as large as its screen, or to give it its former frame
+    /// back. `isZoomed` and `frame` change when it has done so, if it does.
     void zoom(id sender);
     void performZoom(id sender);
     bool isZoomed();

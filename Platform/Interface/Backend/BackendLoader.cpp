@@ -5,11 +5,13 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <string>
 
 #include "Foundation/NSLog.h"
 #include "Foundation/NSString.h"
 #include "Interface/Backend/HeadlessBackend.h"
+#include "Shared/CodeFolder.h"
 
 namespace pelvor {
 namespace {
@@ -26,12 +28,10 @@ bool isSet(const char* variable) {
 std::vector<std::string> placesOfModule() {
     std::vector<std::string> places;
     if (const char* given = std::getenv("PELVOR_INTERFACE_MODULE"); given && *given) places.push_back(given);
-    Dl_info info;
-    if (dladdr(reinterpret_cast<void*>(&openBackend), &info) && info.dli_fname) {
-        const std::string file = info.dli_fname;
-        const std::string folder = file.substr(0, file.rfind('/') + 1);
-        places.push_back(folder + kModule);
-        places.push_back(folder + "../lib/" + kModule);
+    const std::filesystem::path folder = folderOfCode(reinterpret_cast<const void*>(&openBackend));
+    if (!folder.empty()) {
+        places.push_back(folder / kModule);
+        places.push_back(folder / "../lib" / kModule);
     }
     places.push_back(kModule);
     return places;

@@ -278,6 +278,21 @@ TEST_F(FieldTest, EditsWhatIsTypedAndSendsItsActionForReturn) {
     EXPECT_NE(other->currentEditor(), nullptr);
 }
 
+TEST_F(FieldTest, ShowsAValueThatIsSetWhileTheTextIsEdited) {
+    window->makeFirstResponder(field);
+    screen.type(u"Ber");
+    field->setStringValue(u"Clara"_ns);
+    EXPECT_EQ(shown(field->stringValue(), selection()), "Clara {5, 0}");
+    screen.type(u"!");
+    other->setStringValue(u"12"_ns);
+    field->takeStringValueFrom(field);
+    EXPECT_EQ(shown(field->stringValue(), other->stringValue(), selection()), "Clara! 12 {6, 0}");
+    field->setIntValue(7);
+    send(field->currentEditor(), "undo:"_sel, id(nullptr));
+    screen.press(NSEscapeCharacter);
+    EXPECT_EQ(shown(field->stringValue(), selection()), "7 {0, 1}");
+}
+
 // In a dialog Return and Escape are buttons' keys, also while a field without an action is edited.
 TEST_F(FieldTest, LeavesKeysToButtons) {
     auto pressed = [&](NSString* key) {
