@@ -158,8 +158,9 @@ void WHLetter::addText() {
 void WHLetter::addCount() {
     _button = buttonWithTitle(u"Count Words"_ns, {{12, 10}, {120, 26}}, this, "countWords:"_sel);
     _count = NSTextField::initWithFrame({{144, 10}, {264, 26}});
-    _count->setSelectable(false);  // a label
+    _count->setSelectable(false);
     _count->setBezeled(false);
+    _count->setDrawsBackground(false);
     _count->setAutoresizingMask(NSViewWidthSizable);
     _window->contentView()->addSubview(_button);
     _window->contentView()->addSubview(_count);

@@ -18,13 +18,19 @@ class NSNotification;
 /// The action is sent when Return is typed. Tab goes to the next view that takes keys, Escape forgets what
 /// was typed. The delegate may have `control:textShouldBeginEditing:`, `control:textShouldEndEditing:`,
 /// `control:textView:doCommandBySelector:`, `controlTextDidBeginEditing:`, `controlTextDidChange:` and
-/// `controlTextDidEndEditing:`. A field that can be neither edited nor selected is a label. Main thread.
+/// `controlTextDidEndEditing:`. A label is a field that can be neither edited nor selected:
+///
+///     label->setSelectable(false);
+///     label->setBezeled(false);
+///     label->setDrawsBackground(false);
+///
+/// Main thread.
 class PELVOR_EXPORT NSTextField : public NSControl {
     PELVOR_CLASS(NSTextField, NSControl);
     PELVOR_CREATORS(initWithFrame);
 
   public:
-    /// An empty field with a frame around it, which can be edited.
+    /// An empty field that can be edited, with a frame around it and a background.
     static Retained<NSTextField> initWithFrame(NSRect frame, Class* cls = classObject());
     static Class* cellClass() { return NSTextFieldCell::classObject(); }
 
