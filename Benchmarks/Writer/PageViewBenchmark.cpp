@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Writer's pages: from the press of a key to the painted line and the pages behind it, in texts of paragraphs of
-// 550 letters. There is no screen; Writer paints into memory.
+// Writer's pages: from the press of a key to the painted line and the pages behind it, in texts of paragraphs
+// of 550 letters. There is no screen; Writer paints into memory.
 #include <benchmark/benchmark.h>
 
 #include <string>

@@ -8,8 +8,8 @@ namespace pelvor {
 
 // The user enables layouts in the settings of the desktop: the groups of the X server, four at most. All
 // functions are for the main thread, and raise nothing. Without a screen, and where programs cannot switch
-// the keyboard (under Wayland), there are no layouts. The first question about layouts reads the system's list
-// of them, in some 10 ms.
+// the keyboard (under Wayland), there are no layouts. The first question about layouts reads the system's
+// list of them, in some 10 ms.
 //
 //     KeyboardLayoutRef layout = nullptr;
 //     if (KLGetKeyboardLayoutWithIdentifier(stored, &layout) == noErr) KLSetCurrentKeyboardLayout(layout);
