@@ -142,10 +142,14 @@ void NSApplication::run() {
 }
 
 void NSApplication::stop(id) {
-    if (_state->sessions.empty())
+    const auto& sessions = _state->sessions;
+    const auto last = std::find_if(sessions.rbegin(), sessions.rend(), [](const auto& session) {
+        return session->code == NSRunContinuesResponse;
+    });
+    if (last == sessions.rend())
         _state->stops = true;
     else
-        _state->sessions.back()->code = NSRunStoppedResponse;
+        (*last)->code = NSRunStoppedResponse;
     _state->wake();
 }
 

@@ -101,7 +101,8 @@ class PELVOR_EXPORT NSApplication : public NSResponder {
     /// Takes and handles events until `stop`; calls `finishLaunching` first. Without a display, returns once
     /// there are no windows on the screen, timers or other work to wait for.
     void run();
-    /// Ends `run` after this event; during a modal run, ends that one with NSRunStoppedResponse.
+    /// Ends `run` after this event; during a modal run, ends that one with NSRunStoppedResponse. A modal run
+    /// that is about to end, as all are when the display is lost, does not count.
     void stop(id sender);
     bool isRunning();
     /// Posts the two notifications of the launch, once.

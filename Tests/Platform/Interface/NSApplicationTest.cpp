@@ -196,6 +196,18 @@ TEST_F(NSApplicationTest, AModalWindowKeepsEventsFromTheOthers) {
     screen.app->endModalSession(unseen);
 }
 
+TEST_F(NSApplicationTest, StopsBeneathAModalRunThatIsAboutToEnd) {
+    auto window = screen.window({{100, 100}, {200, 100}});
+    auto lost = Listener::to(NSApplicationDidLoseDisplayNotification);
+    lost->reaction = [&] { screen.app->stop(nullptr); };
+    soon([&] {
+        soon([&] { screen.backend->lose("the cable"); });
+        EXPECT_EQ(screen.app->runModalForWindow(window), NSRunAbortedResponse);
+        EXPECT_EQ(lost->takeCount(), 1u);
+    });
+    screen.app->run();
+}
+
 TEST_F(NSApplicationTest, RunHandlesEventsUntilTheEndAndSurvivesExceptions) {
     auto window = screen.window({{100, 100}, {200, 100}});
     screen.app->setDelegate(object);
