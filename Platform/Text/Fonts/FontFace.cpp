@@ -46,7 +46,9 @@ hb_font_t* makeBoxShaper() {
     hb_font_funcs_set_glyph_h_advance_func(
         functions, [](hb_font_t*, void*, hb_codepoint_t, void*) -> hb_position_t { return kBoxAdvance; },
         nullptr, nullptr);
-    hb_font_t* font = hb_font_create(hb_face_get_empty());
+    hb_face_t* face = hb_face_create(hb_blob_get_empty(), 0);  // HarfBuzz sets no text in its own empty face
+    hb_font_t* font = hb_font_create(face);
+    hb_face_destroy(face);
     hb_font_set_funcs(font, functions, nullptr, nullptr);
     hb_font_funcs_destroy(functions);
     hb_font_set_scale(font, kBoxUnitsPerEm, kBoxUnitsPerEm);

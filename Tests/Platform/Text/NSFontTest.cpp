@@ -5,12 +5,15 @@
 
 #include <cstdlib>
 
+#include "Foundation/NSDictionary.h"
 #include "Foundation/NSKeyedArchiver.h"
 #include "Foundation/NSKeyedUnarchiver.h"
 #include "Prelude.h"
 #include "TemporaryFolder.h"
 #include "Text/NSFontDescriptor.h"
 #include "Text/NSFontManager.h"
+#include "Text/NSString-Drawing.h"
+#include "Text/TextAttributes.h"
 
 namespace {
 
@@ -187,7 +190,10 @@ TEST(NSFontTest, IsABoxOnAMachineWithoutFonts) {
         NSFont* font = NSFont::userFontOfSize(20);
         return font && font->ascender() == 15 && font->glyphForCharacter('a') == 0 &&
                font->advancementForGlyph(0).width == 12 && !fontNamed("DejaVu Sans") &&
-               manager()->convertFont_toHaveTrait(font, NSBoldFontMask) == font;
+               manager()->convertFont_toHaveTrait(font, NSBoldFontMask) == font &&
+               sizeWithAttributes(u"four"_ns,
+                                  NSDictionary::dictionaryWithObject_forKey(font, NSFontAttributeName))
+                       .width == 48;
     };
     TemporaryFolder folder;
     EXPECT_EXIT(std::_Exit(withFontsIn(folder, check)), ::testing::ExitedWithCode(0), "No font is installed");
