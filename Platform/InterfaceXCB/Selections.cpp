@@ -16,8 +16,9 @@ constexpr std::size_t kPieceSize = 1 << 18;
 constexpr std::size_t kLargestContent = std::size_t{1} << 30;  // an owner may send without an end
 constexpr unsigned kPropertyCount = 4;
 
+constexpr const char* kTargets = "TARGETS";
 constexpr std::string_view kNotTypes[] = {"DELETE",       "INSERT_PROPERTY", "INSERT_SELECTION", "MULTIPLE",
-                                          "SAVE_TARGETS", "TARGETS",         "TIMESTAMP"};
+                                          "SAVE_TARGETS", kTargets,          "TIMESTAMP"};
 
 }  // namespace
 
@@ -163,7 +164,7 @@ void XSelections::requestTypes(BackendSelection selection, SelectionReceiver don
         for (const std::string& type : offer->types) lines += type + "\n";
         return done(true, std::move(lines));
     }
-    request(selection, "TARGETS", [this, done = std::move(done)](bool isThere, const std::string& content) {
+    request(selection, kTargets, [this, done = std::move(done)](bool isThere, const std::string& content) {
         std::string lines;
         for (const std::string& name : _connection.namesOf(XProperty{0, 32, content}.words()))
             if (std::ranges::find(kNotTypes, name) == std::end(kNotTypes)) lines += name + "\n";
@@ -204,8 +205,10 @@ void XSelections::receive(const xcb_selection_notify_event_t& notice) {
     if (notice.property == XCB_NONE) return finishRequest(false, {});
     if (notice.property != request.property) return;
     XProperty property = _connection.property(_connection.helper(), request.property, true);
+    // Any content is bytes, the list of types numbers.
     if (property.type != _connection[Atom::INCR])
-        return finishRequest(property.type != 0, std::move(property.bytes));
+        return finishRequest(property.format == (request.type == kTargets ? 32 : 8),
+                             std::move(property.bytes));
     request.comesInPieces = true;
     request.deadline = secondsNow() + kPatience;
 }

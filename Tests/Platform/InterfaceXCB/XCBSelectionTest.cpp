@@ -138,6 +138,32 @@ TEST_F(XCBSelectionTest, GivesUpPartnersThatStop) {
     EXPECT_TRUE(driver->until([&] { return driver->backend->timeout() > 3; }));
 }
 
+TEST_F(XCBSelectionTest, TakesNoNumbersForAText) {
+    XConnection& peer = server->peerConnection();
+    xcb_set_selection_owner(peer, peer.helper(), peer[Atom::CLIPBOARD], XCB_CURRENT_TIME);
+    peer.flush();
+    Got got;
+    driver->backend->requestSelection(BackendSelection::clipboard, "UTF8_STRING", got.receiver());
+    XEvent question;
+    ASSERT_TRUE(driver->until([&] {
+        question = peer.waitForEvent(
+            0, [](const XAnyEvent& event) { return kindOf(event) == XCB_SELECTION_REQUEST; });
+        return question != nullptr;
+    }));
+    const auto& asked = as<xcb_selection_request_event_t>(*question);
+    peer.setProperty(asked.requestor, asked.property, XCB_ATOM_ATOM, {65, 66});
+    xcb_selection_notify_event_t reply{};
+    reply.response_type = XCB_SELECTION_NOTIFY;
+    reply.requestor = asked.requestor;
+    reply.selection = asked.selection;
+    reply.target = asked.target;
+    reply.property = asked.property;
+    xcb_send_event(peer, 0, asked.requestor, 0, reinterpret_cast<const char*>(&reply));
+    peer.flush();
+    EXPECT_TRUE(driver->until([&] { return got.isDone; }));
+    EXPECT_FALSE(got.isThere);
+}
+
 TEST_F(XCBSelectionTest, AsksClipboardManagersForAMomentOnly) {
     const double start = secondsNow();
     driver->backend->saveClipboard();
