@@ -121,7 +121,7 @@ void WRDocument::takeReading(WRDocument* other) {
     _reader = other->_reader;
     _answer = other->_answer;
     _settings = other->_settings;
-    _hasFormats = other->_hasFormats;
+    _hasFormats = _hasFormats || other->_hasFormats;
     _fileIdentity = other->_fileIdentity;
 }
 

@@ -45,7 +45,8 @@ class PELVOR_EXPORT WRDocument : public NSObject {
     /// The document's file is the one at the path from now on, which a writer has written. The reader, which
     /// may be null, is one for such a file. The name of the encoding is null where there is none.
     void wasWrittenToPath_reader_encoding(NSString* path, PBProfile* reader, NSString* encodingName);
-    /// How the document came in is what the other one, read from its file again, says. The text stays.
+    /// How the document came in is what the other one, read from its file again, says. The text stays, and so
+    /// does its having formats, which undoing may bring back.
     void takeReading(WRDocument* other);
     // C++ only
     /// The file when it was last read or written.

@@ -58,6 +58,12 @@ void complain(NSString* problem) {
     ask(localized(u"_The document was not saved."_ns), problem, {localized(u"_OK"_ns)});
 }
 
+// What a reader only shows cannot be saved.
+bool isOnlyShown(WRDocument* document) {
+    NSString* fidelity = document->fidelity();
+    return fidelity && fidelity->isEqualToString(WRFidelityView);
+}
+
 // What two texts share at their beginnings and at their ends.
 struct CommonParts {
     NSUInteger before = 0, after = 0;
@@ -329,11 +335,11 @@ void WRDocumentFile::revertDocumentToSaved(id) {
             localized(u"_What was changed since it was saved goes. \"Undo\" brings it back."_ns),
             {localized(u"_Revert"_ns), localized(u"_Cancel"_ns)});
     if (answer != 0) return;
-    if (NSString* problem = readAgain())
+    if (const auto problem = readAgain())
         ask(localized(u"_The document stays as it is."_ns), problem, {localized(u"_OK"_ns)});
 }
 
-NSString* WRDocumentFile::readAgain() {
+Retained<NSString> WRDocumentFile::readAgain() {
     AutoreleasePool pool;
     auto opener = WRDocumentOpener::initWithProfiles(registry());
     auto* options = NSMutableDictionary::dictionary();
@@ -343,14 +349,13 @@ NSString* WRDocumentFile::readAgain() {
     WRDocument* read = opener->openDocumentAtPath_options(_document->path(), options);
     if (!read && encoding)
         read = opener->openDocumentAtPath_options(_document->path(), NSDictionary::dictionary());
-    const auto problem = Retained<NSString>::retaining(opener->problem());
+    if (!read) return Retained<NSString>::retaining(opener->problem());
+    if (isOnlyShown(read) && !isOnlyShown(_document))
+        return Retained<NSString>::retaining(localizedFormat(
+            u"_The document \"%@\" could not be opened: there is no reader for it."_ns, _document->path()));
     const auto styled =
-        read ? StyledDocument::of(read->text(), pageOptionsWithLanguages(read, _owner->wishes(), registry()))
-             : StyledDocument{};
-    if (problem || styled.problem) {
-        auto sentence = Retained<NSString>::retaining(problem ? problem.get() : styled.problem);
-        return std::move(sentence).autorelease();
-    }
+        StyledDocument::of(read->text(), pageOptionsWithLanguages(read, _owner->wishes(), registry()));
+    if (styled.problem) return Retained<NSString>::retaining(styled.problem);
     replaceText(styled.text);
     _document->takeReading(read);
     WRPageView* view = _owner->pageView();
@@ -430,10 +435,14 @@ void WRDocumentFile::fileDidChange() {
                             _document->name()),
             {{localized(u"_Reload"_ns),
               [this] {
-                  if (NSString* problem = readAgain()) _owner->showNotice(problem, {});
+                  if (const auto problem = readAgain()) _owner->showNotice(problem, {});
               }},
              {localized(u"_Keep Mine"_ns), nullptr}});
-    if (NSString* problem = readAgain()) _owner->showNotice(problem, {});
+    const auto problem = readAgain();
+    if (!problem) return;
+    _isFileGone = true;  // what has its name now is no document
+    showState();
+    _owner->showNotice(problem, {});
 }
 
 // MARK: Trash

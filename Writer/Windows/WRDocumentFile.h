@@ -55,7 +55,7 @@ class WRDocumentFile : public NSResponder {
     bool writeToPath(NSString* path, NSString* encodingName);
     /// Puts what is in the file in the place of the text, in one step that can be undone. Returns null, or
     /// what went wrong, as a sentence for the user.
-    NSString* readAgain();
+    Retained<NSString> readAgain();
 
     // Commands
 
@@ -99,7 +99,7 @@ class WRDocumentFile : public NSResponder {
     Retained<NSString> _pathWithoutFormats;        // the user knows that this file keeps the text alone
     std::optional<std::uint64_t> _savedState = 0;  // of the undo manager when text and file were one
     bool _isEdited = false;
-    bool _isFileGone = false;
+    bool _isFileGone = false;  // there is no file of that name, or none that can be read
     bool _journaledFormats = false;
     Retained<NSDictionary> _journaledSettings;
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WRDocumentFile.h"
 
+#include <sys/stat.h>
+
 #include <chrono>
 #include <filesystem>
 #include <thread>
@@ -318,6 +320,38 @@ TEST_F(DocumentFileTest, FollowsOtherProgramsThatWriteTheFile) {
     choose(window, u"_Save"_ns);
     EXPECT_THAT(folder.read("a.txt") + notice(window), HasSubstr("mine line 200"));
     EXPECT_FALSE(window->file()->isEdited());
+}
+
+TEST_F(DocumentFileTest, KeepsItsTextWhereTheFileTurnsIntoSomethingElse) {
+    const std::string path = folder.path("a.txt");
+    const auto expectTextKept = [&](const char* kind, const std::function<void()>& replace) {
+        SCOPED_TRACE(kind);
+        auto window = Retained<WRDocumentWindow>::retaining(open("a.txt", "one"));
+        const auto change = [&](const std::function<void()>& action) {
+            std::filesystem::remove(path);
+            action();
+            window->file()->fileDidChange();
+        };
+        change(replace);
+        EXPECT_NE(notice(window), "");
+        EXPECT_EQ(textOf(window) + shown(window->file()->isEdited()), "one1");
+        change([&] { folder.write("a.txt", "two"); });
+        EXPECT_EQ(textOf(window) + notice(window) + shown(window->file()->isEdited()), "two0");
+        window->window()->close();
+    };
+    expectTextKept("folder", [&] { std::filesystem::create_directory(path); });
+    expectTextKept("pipe", [&] { ::mkfifo(path.c_str(), 0600); });
+    expectTextKept("circle of links", [&] { std::filesystem::create_symlink(path, path); });
+}
+
+TEST_F(DocumentFileTest, KeepsTheFormatsOfATextThatUndoingBringsBack) {
+    WRDocumentWindow* window = open("a.rtf", "{\\rtf1 one {\\b bold}}");
+    folder.write("a.rtf", "");
+    window->file()->fileDidChange();
+    EXPECT_EQ(textOf(window), "");
+    undo(window);
+    EXPECT_EQ(textOf(window), "one bold");
+    EXPECT_TRUE(window->document()->richText());
 }
 
 TEST_F(DocumentFileTest, RevertsInOneStep) {
