@@ -228,7 +228,7 @@ void NSLayoutManager::tellTextViews(NSRange edited, NSInteger delta, NSRange inv
 }
 
 void NSLayoutManager::textContainerChangedGeometry(NSTextContainer* container) {
-    _state->containersChanged(_state->indexOf(container));
+    _state->containerChanged(_state->indexOf(container));
     tellTextViews({}, 0, {});
 }
 

@@ -10,7 +10,6 @@
 #include "Foundation/NSObject-DelayedPerforming.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSEvent.h"
-#include "Interface/NSPanel.h"
 #include "Interface/NSScrollView.h"
 #include "Interface/NSTableColumn.h"
 #include "Interface/NSTextField.h"
@@ -20,6 +19,7 @@
 #include "Writer/LocalizedText.h"
 #include "Writer/Pages/StyleChange.h"
 #include "Writer/Windows/WRFormatCommands.h"
+#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WindowFrames.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
@@ -78,9 +78,8 @@ Retained<WRFontPalette> WRFontPalette::init(Class* cls) {
 void WRFontPalette::makeWindow() {
     constexpr NSSize kSize{470, 360};
     constexpr float kFoot = 72, kEdge = 8;
-    _window = NSPanel::initWithContentRect_styleMask_backing_defer(
-        {{0, 0}, kSize}, NSTitledWindowMask | NSClosableWindowMask | NSResizableWindowMask,
-        NSBackingStoreBuffered, true);
+    _window =
+        WRPalette::create({{0, 0}, kSize}, NSTitledWindowMask | NSClosableWindowMask | NSResizableWindowMask);
     _window->setTitle(localized(u"_Fonts"_ns));
     _window->setContentMinSize({360, 220});
     const float height = kSize.height - kFoot - kEdge;

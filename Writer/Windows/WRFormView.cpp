@@ -135,7 +135,10 @@ bool WRFormView::performKeyEquivalent(NSEvent* event) {
     if (NSView::performKeyEquivalent(event)) return true;
     NSString* key = event ? event->charactersIgnoringModifiers() : nullptr;
     if (!key || key->length() == 0 || key->characterAtIndex(0) != NSEscapeCharacter) return false;
-    if (NSWindow* panel = window()) panel->performClose(this);
+    if (NSWindow* panel = window()) {
+        panel->makeFirstResponder(nullptr);  // what was typed is the field's value
+        panel->performClose(this);
+    }
     return true;
 }
 

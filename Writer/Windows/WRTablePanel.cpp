@@ -3,10 +3,10 @@
 
 #include "Foundation/NSArray.h"
 #include "Interface/NSCell.h"
-#include "Interface/NSPanel.h"
 #include "Interface/NSScrollView.h"
 #include "Interface/NSTableColumn.h"
 #include "PBAutoscrollingTableView.h"
+#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WindowFrames.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
@@ -31,9 +31,8 @@ WRTablePanel::WRTablePanel() = default;
 WRTablePanel::~WRTablePanel() = default;
 
 void WRTablePanel::makeWindow(NSString* title, std::span<const Column> columns) {
-    _window = NSPanel::initWithContentRect_styleMask_backing_defer(
-        {{0, 0}, kSize}, NSTitledWindowMask | NSClosableWindowMask | NSResizableWindowMask,
-        NSBackingStoreBuffered, true);
+    _window =
+        WRPalette::create({{0, 0}, kSize}, NSTitledWindowMask | NSClosableWindowMask | NSResizableWindowMask);
     _window->setTitle(title);
     _table = PBAutoscrollingTableView::initWithFrame({{0, 0}, kSize});
     for (const Column& each : columns) {

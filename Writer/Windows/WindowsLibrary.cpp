@@ -19,6 +19,7 @@
 #include "Writer/Windows/WRNoticeBar.h"
 #include "Writer/Windows/WRPageSetupPanel.h"
 #include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WRPrintPanel.h"
 #include "Writer/Windows/WRProfilesPanel.h"
 #include "Writer/Windows/WRRecentDocuments.h"
@@ -58,7 +59,7 @@ constexpr Class* kClasses[] = {
     &WRPageSetupPanel::classRecord,
     &WRPageView::classRecord,
     &WRPrintPanel::classRecord,
-    &WRProfilesPanel::classRecord,
+    &WRPalette::classRecord, &WRProfilesPanel::classRecord,
     &WRRecentDocuments::classRecord,
     &WRRuler::classRecord,
     &WRSaveChoices::classRecord,

@@ -416,8 +416,7 @@ void MenuTracker::pointerPressed(NSPoint place) {
     pointerMoved(place);
     _pressPlace = place;
     _pressTime = steadyTime();
-    const std::size_t level = levelAt(place);
-    if (level < _levels.size()) return settleSubmenus(level);
+    if (levelAt(place) < _levels.size()) return rest();
     const int title = _titles ? _titles->titleAt(place) : MenuTitles::kNoTitle;
     if (title == MenuTitles::kNoTitle || title == _openTitle) _isOver = true;
 }

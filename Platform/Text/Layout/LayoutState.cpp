@@ -145,6 +145,12 @@ void LayoutState::placeAgainFrom(NSUInteger unit) {
         retreat(_blocks.placeOfUnit(unit).unit);
 }
 
+void LayoutState::containerChanged(std::size_t index) {
+    const bool staysUniform =
+        _isScanned && _isUniform && index > 0 && index < containers.size() && isLikeFirst(containers[index]);
+    staysUniform ? placeAgainInContainer(index) : containersChanged(index);
+}
+
 void LayoutState::containersChanged(std::size_t first) {
     if (!_isScanned) return;
     const bool wasUniform = std::exchange(_isUniform, isUniform());
@@ -155,6 +161,10 @@ void LayoutState::containersChanged(std::size_t first) {
         first = 0;
     }
     _room = room;
+    placeAgainInContainer(first);
+}
+
+void LayoutState::placeAgainInContainer(std::size_t first) {
     if (first < _fillings.size())
         retreat(_fillings[first].start);
     else if (first == 0 || _frontier.isExhausted)
@@ -168,7 +178,7 @@ void LayoutState::containerAppended() {
     if (!_isScanned) return;
     if (containers.size() == 1 || (containers.size() == 2 && isEndless(containers.front())))
         return containersChanged();
-    _isUniform = isUniform();
+    _isUniform = _isUniform && isLikeFirst(containers.back());
     _frontier.isTold = false;
     if (!_frontier.isExhausted) return;
     if (_isUniform) {
@@ -192,11 +202,13 @@ bool LayoutState::isEndless(NSTextContainer* container) {
 
 bool LayoutState::isFree() const { return containers.size() == 1 && isEndless(containers.front()); }
 
+bool LayoutState::isLikeFirst(NSTextContainer* container) const {
+    return container->isSimpleRectangularTextContainer() && roomOf(container) == roomOf(containers.front());
+}
+
 bool LayoutState::isUniform() const {
-    return std::all_of(containers.begin(), containers.end(), [&](const auto& container) {
-        return container->isSimpleRectangularTextContainer() &&
-               roomOf(container) == roomOf(containers.front());
-    });
+    return std::all_of(containers.begin(), containers.end(),
+                       [&](const auto& container) { return isLikeFirst(container); });
 }
 
 std::size_t LayoutState::indexOf(NSTextContainer* container) const {

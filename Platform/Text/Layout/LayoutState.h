@@ -38,6 +38,8 @@ class LayoutState {
     /// Containers came, went or changed, none before the one at the index. Whether lines have to be broken
     /// anew is found out here.
     void containersChanged(std::size_t first = 0);
+    /// This container alone has another shape.
+    void containerChanged(std::size_t index);
     /// A container came behind the others.
     void containerAppended();
     void forgetEverything();
@@ -135,6 +137,8 @@ class LayoutState {
     void joinBehind(NSUInteger unit);
     static bool isEndless(NSTextContainer* container);
     bool isUniform() const;
+    bool isLikeFirst(NSTextContainer* container) const;
+    void placeAgainInContainer(std::size_t first);
     NSTextContainer* containerAround(NSUInteger unit);
     bool setLines(BlockPlace place, LineRooms& rooms, std::vector<Line>& lines);
     void layOut(BlockPlace place, LineRooms& rooms);

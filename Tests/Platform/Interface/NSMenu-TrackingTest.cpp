@@ -200,6 +200,22 @@ TEST_F(MenuTracking, FollowsAClickAndARest) {
     EXPECT_EQ(takeLog(), "open file, open recent, close recent, close file, Bruno");
 }
 
+// A line that is clicked is meant, although the pointer may be on its way to the open submenu.
+TEST_F(MenuTracking, TakesAClickOnTheWayToASubmenu) {
+    PixelPoint quit{};
+    plan({[&] { quit = placeOfLine(4); }, pointing(1), [&] { EXPECT_EQ(highlighted(file), "Recent"); },
+          [&] {
+              screen.backend->movePointer({quit.x + 5, quit.y - 12});
+              clicking()();
+          }},
+         0.5);
+    screen.backend->movePointer(placeOfTitle(20));
+    screen.backend->pressButton(1);
+    screen.backend->releaseButton(1);
+    screen.turn();
+    EXPECT_EQ(takeLog(), "open file, open recent, close recent, close file, Quit");
+}
+
 TEST_F(MenuTracking, FollowsADrag) {
     plan({pointing(0), [&] { screen.backend->releaseButton(1); }});
     screen.backend->movePointer(placeOfTitle(20));

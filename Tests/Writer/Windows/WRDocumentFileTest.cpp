@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "EnvironmentScope.h"
+#include "Foundation/NSNib.h"
 #include "Foundation/NSObject-DelayedPerforming.h"
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSTimer.h"
@@ -167,6 +168,21 @@ TEST_F(DocumentFileTest, KnowsWhetherThereAreChangesThatAreInNoFile) {
     screen.type(u"d");
     undo(window);
     EXPECT_EQ(textOf(window) + states(), "one\n1 1") << "what is in the file cannot be redone";
+}
+
+// Those that are filled when they open, too: what fills them has to be kept.
+TEST_F(DocumentFileTest, HasItemsInAllMenusOfFormats) {
+    auto nib = NSNib::initWithContentsOfFile_bundle_error(
+        NSString::ofUTF8(WRITER_PAGES "/../Windows/MainMenu.nib"), nullptr, nullptr);
+    NSArray* kept = nullptr;
+    ASSERT_TRUE(nib && nib->instantiateNibWithOwner_topLevelObjects(desktop, &kept));
+    auto* main = static_cast<NSMenu*>(kept->objectAtIndex(0));
+    NSMenu* format = main->itemWithTitle(u"_Format"_ns)->submenu();
+    for (const auto& item : format->items())
+        if (NSMenu* menu = item->submenu()) {
+            menu->update();
+            EXPECT_GT(menu->numberOfItems(), 0) << item->title();
+        }
 }
 
 TEST_F(DocumentFileTest, AsksBeforeItCloses) {

@@ -51,6 +51,10 @@ TEST(ShortcutsPanelTest, ListsWhatKeysChoose) {
                         table, static_cast<NSTableColumn*>(column), row)) +
                     "|";
     EXPECT_EQ(rows, "Copy|Ctrl+C|Edit|Look|Ctrl+K L|Edit|");
+    panel->showBeside(nullptr);
+    screen.turn();
+    screen.press(0x1b);
+    EXPECT_FALSE(panel->window()->isVisible());
 }
 
 }  // namespace
