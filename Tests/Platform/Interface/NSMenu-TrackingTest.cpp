@@ -202,10 +202,15 @@ TEST_F(MenuTracking, FollowsAClickAndARest) {
 
 // A line that is clicked is meant, although the pointer may be on its way to the open submenu.
 TEST_F(MenuTracking, TakesAClickOnTheWayToASubmenu) {
-    PixelPoint quit{};
-    plan({[&] { quit = placeOfLine(4); }, pointing(1), [&] { EXPECT_EQ(highlighted(file), "Recent"); },
+    for (const char* title : {"Clara", "Dora", "Erna", "Frieda"}) add(recent, title, taker);
+    PixelPoint quit{};  // near the right edge
+    plan({[&] {
+              NSView* list = menuWindow()->contentView();
+              quit = screen.placeOf(list, {NSWidth(list->frame()) - 8, 5 + 22 * 4 - 1});
+          },
+          pointing(1), [&] { EXPECT_EQ(highlighted(file), "Recent"); },
           [&] {
-              screen.backend->movePointer({quit.x + 5, quit.y - 12});
+              screen.backend->movePointer(quit);
               clicking()();
           }},
          0.5);
