@@ -51,7 +51,7 @@ namespace pelvor {
 namespace {
 
 constexpr float kStatusHeight = 24;
-constexpr double kZooms[] = {0.1, 0.25, 0.5, 0.75, 1, 1.25, 1.5, 2, 3, 4, 6, 8};
+constexpr double kZooms[] = {0.1, 0.25, 0.33, 0.5, 0.67, 0.8, 0.9, 1, 1.25, 1.5, 2, 3, 4, 6, 8};
 constexpr NSSize kRoomAround{24, 40};  // between a new window and the edges of the screen
 
 bool showsRulers() {
@@ -318,7 +318,14 @@ bool WRDocumentWindow::validateMenuItem(id item) {
 // MARK: Zoom
 
 void WRDocumentWindow::setZoom(double zoom) {
+    const NSRange selection = _pageView->selectedRange();
+    const auto isSelectionSeen = [&] {
+        const NSRect caret = _pageView->caretRectForCharacterAtIndex(selection.location);
+        return NSPointInRect(caret.origin, _pageView->visibleRect());
+    };
+    const bool wasSeen = isSelectionSeen();
     _zoomView->setZoom(zoom);
+    if (wasSeen && !isSelectionSeen()) _pageView->scrollRangeToVisible({selection.location, 0});
     placeDidChange(nullptr);
 }
 

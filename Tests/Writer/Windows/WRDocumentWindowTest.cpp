@@ -76,6 +76,15 @@ TEST_F(DocumentWindowTest, ShowsScrollersWhereThereIsSomethingToScroll) {
     EXPECT_EQ(look(), "v filled");
 }
 
+TEST_F(DocumentWindowTest, KeepsTheCaretInSightWhenItZooms) {
+    view->setSelectedRange({0, 0});
+    view->scrollRangeToVisible({0, 0});
+    for (int i = 0; i < 4; ++i) {
+        window->zoomIn(nullptr);
+        EXPECT_TRUE(NSPointInRect(view->caretRectForCharacterAtIndex(0).origin, view->visibleRect())) << i;
+    }
+}
+
 TEST_F(DocumentWindowTest, ZoomsByTheWheelAroundThePointer) {
     while (!view->isComplete()) screen.turn();
     window->showNextPage(nullptr);
