@@ -321,7 +321,7 @@ void WRDocumentWindow::setZoom(double zoom) {
     const NSRange selection = _pageView->selectedRange();
     const auto isSelectionSeen = [&] {
         const NSRect caret = _pageView->caretRectForCharacterAtIndex(selection.location);
-        return NSPointInRect(caret.origin, _pageView->visibleRect());
+        return NSPointInRect({NSMinX(caret), NSMidY(caret)}, _pageView->visibleRect());
     };
     const bool wasSeen = isSelectionSeen();
     _zoomView->setZoom(zoom);

@@ -32,7 +32,7 @@ class WriterWindowsTest : public ::testing::Test {
     // Asks again and again, for some seconds.
     template <class Condition>
     [[nodiscard]] static bool until(Condition condition) {
-        for (int i = 0; i < 100; ++i) {
+        for (int i = 0; i < 300; ++i) {
             if (condition()) return true;
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
         }
@@ -104,7 +104,7 @@ TEST_F(WriterWindowsTest, BringsBackWhatWasTypedBeforeItWasKilled) {
     const auto hasJournal = [&] {
         std::error_code error;
         for (const auto& entry : std::filesystem::directory_iterator(journals, error))
-            if (entry.is_regular_file() && entry.file_size() > 0) return true;
+            if (entry.path().extension() == ".recovery") return true;
         return false;
     };
     {
