@@ -91,7 +91,9 @@ NSPoint offsetFromWholePixelOnScreenConsiderZoom(NSView* view, bool considersZoo
     if (considersZoom) {
         place = view->convertPoint_toView({0, 0}, nullptr);
     } else {
-        for (NSView* each = view; each && !cast<NSClipView>(each); each = each->superview()) {
+        // Up to the clip view; the view itself may be one.
+        for (NSView* each = view; each && (each == view || !cast<NSClipView>(each));
+             each = each->superview()) {
             place.x += each->frame().origin.x;
             place.y += each->frame().origin.y;
         }

@@ -100,6 +100,9 @@ TEST_F(ViewAdditionsTest, MeasuresHowFarAViewIsFromWholePixels) {
     EXPECT_EQ(offsetFromWholePixelOnScreenConsiderZoom(view, false), (NSPoint{0.25F, 0}));
     EXPECT_EQ(offsetFromWholePixelOnScreenConsiderZoom(inner, false), (NSPoint{0.75F, 0.75F}));
     EXPECT_EQ(offsetFromWholePixelOnScreenConsiderZoom(view, true), (NSPoint{0.75F, 0.5F}));
+    EXPECT_EQ(offsetFromWholePixelOnScreenConsiderZoom(NSClipView::initWithFrame({{10.25F, 3}, {5, 5}}).get(),
+                                                       false),
+              (NSPoint{0.25F, 0}));
 
     struct Row {
         const char* name;
