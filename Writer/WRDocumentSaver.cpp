@@ -101,7 +101,7 @@ bool WRDocumentSaver::keepsFormats(PBProfile* writer) {
 }
 
 bool WRDocumentSaver::dropsFormats(WRDocument* document) {
-    return _writer && document->richText() && !keepsFormats(_writer);
+    return _writer && (document->richText() || document->settings()) && !keepsFormats(_writer);
 }
 
 // What forbids the saving before any writer is asked; null if nothing does.

@@ -6,6 +6,7 @@
 #include "Foundation/NSBundle.h"
 #include "Foundation/NSLog.h"
 #include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNib.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Interface/NSAlert.h"
@@ -22,6 +23,7 @@
 #include "PBUtil.h"
 #include "Runtime/Registry.h"
 #include "Writer/LocalizedText.h"
+#include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
 #include "Writer/Recovery/RecoveryStore.h"
 #include "Writer/SameFile.h"
@@ -34,6 +36,7 @@
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRFindPanel.h"
 #include "Writer/Windows/WRFontPalette.h"
+#include "Writer/Windows/WROpenChoices.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRProfilesPanel.h"
 #include "Writer/Windows/WRRecentDocuments.h"
@@ -92,6 +95,7 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
     methods.instance<"setMainMenu:", &WRDesktop::setMainMenu>();
     methods.instance<"setRecentMenu:", &WRDesktop::setRecentMenu>();
     methods.instance<"openPath:", &WRDesktop::openPath>();
+    methods.instance<"openPath:encoding:", &WRDesktop::openPath_encoding>();
     methods.instance<"windowForPath:", &WRDesktop::windowForPath>();
     methods.instance<"recentDocuments", &WRDesktop::recentDocuments>();
     methods.instance<"newDocument:", &WRDesktop::newDocument>();
@@ -217,13 +221,21 @@ WRDocumentWindow* WRDesktop::windowForPath(NSString* path) {
     return nullptr;
 }
 
+void WRDesktop::openPath(NSString* path) { openPath_encoding(path, nullptr); }
+
 // An untitled document without changes makes way.
-void WRDesktop::openPath(NSString* path) {
+void WRDesktop::openPath_encoding(NSString* path, NSString* encodingName) {
     const auto held = path->copy();
-    if (WRDocumentWindow* open = windowForPath(path)) return open->show();
+    if (WRDocumentWindow* open = windowForPath(path)) {
+        open->show();
+        if (encodingName) open->file()->revertWithEncoding(encodingName);
+        return;
+    }
     const auto before = documentWindows();
     auto opener = WRDocumentOpener::initWithProfiles(PBRegistry::sharedRegistry());
-    WRDocument* document = opener->openDocumentAtPath_options(path, NSDictionary::dictionary());
+    auto* options = NSMutableDictionary::dictionary();
+    if (encodingName) options->setObject_forKey(encodingName, WREncodingKey);
+    WRDocument* document = opener->openDocumentAtPath_options(path, options);
     NSString* problem = document ? openWindow(document) : opener->problem();
     if (problem) {
         NSRunAlertPanel(localized(u"_The document cannot be opened."_ns), u"%@"_ns, nullptr, nullptr, nullptr,
@@ -256,9 +268,11 @@ void WRDesktop::newDocument(id) {
 void WRDesktop::openDocument(id) {
     NSOpenPanel* panel = NSOpenPanel::openPanel();
     panel->setAllowsMultipleSelection(true);
+    auto choices = WROpenChoices::create();
+    choices->attachToPanel(panel);
     if (panel->runModalForTypes(nullptr) != NSOKButton) return;
     const auto paths = Retained<NSArray>::retaining(panel->filenames());
-    for (id path : paths.get()) openPath(static_cast<NSString*>(path));
+    for (id path : paths.get()) openPath_encoding(static_cast<NSString*>(path), choices->encodingName());
 }
 
 void WRDesktop::openRecentDocument(id sender) {

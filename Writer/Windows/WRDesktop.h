@@ -45,6 +45,8 @@ class WRDesktop : public NSObject {
 
     /// Opens the document in a window, or shows the window that it has. Tells the user why it cannot.
     void openPath(NSString* path);
+    /// The same in the encoding, which a document that is open is read in again. Null: as `openPath`.
+    void openPath_encoding(NSString* path, NSString* encodingName);
     /// The window with the file; null if there is none.
     WRDocumentWindow* windowForPath(NSString* path);
     WRRecentDocuments* recentDocuments() { return _recent; }

@@ -99,6 +99,8 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
     methods.instance<"runPageLayout:", &WRDocumentWindow::runPageLayout>();
     methods.instance<"printDocument:", &WRDocumentWindow::printDocument>();
     methods.instance<"changeSettings:", &WRDocumentWindow::changeSettings>();
+    methods.instance<"setPageSettings:ownSettings:", &WRDocumentWindow::setPageSettings_ownSettings>();
+    methods.instance<"showTitle", &WRDocumentWindow::showTitle>();
     methods.instance<"currentPage", &WRDocumentWindow::currentPage>();
     methods.instance<"isFindingLanguages", &WRDocumentWindow::isFindingLanguages>();
     methods.instance<"textDidChange:", &WRDocumentWindow::textDidChange>();
@@ -131,6 +133,7 @@ Retained<WRDocumentWindow> WRDocumentWindow::create(WRDocument* document, NSDict
         return nullptr;
     }
     if (storage->length() == 0) self->_pageView->setTypingAttributes(styled.plainAttributes);
+    self->_sheet = styled.sheet;
     self->_formatCommands = WRFormatCommands::create(document, self->_pageView, styled.sheet);
     self->makeWindow();
     self->_file = WRDocumentFile::create(self);
@@ -405,30 +408,49 @@ void WRDocumentWindow::showStatus() {
 // MARK: Paper and printing
 
 bool WRDocumentWindow::changeSettings(NSDictionary* settings) {
-    PageDocument* pages = _pageView->pages();
-    const auto before = Retained<NSDictionary>::retaining(pages->settings());
-    const auto ownBefore = Retained<NSDictionary>::retaining(_document->settings());
-    auto* now = NSMutableDictionary::dictionaryWithDictionary(before);
+    auto* now = NSMutableDictionary::dictionaryWithDictionary(_pageView->pages()->settings());
     now->addEntriesFromDictionary(settings);
-    if (!_pageView->setSettings(now)) return false;
+    for (NSString* key : {WRHeaderKey, WRFooterKey})
+        if (auto* line = cast<NSAttributedString>(now->objectForKey(key)); line && !line->length())
+            now->removeObjectForKey(key);
     // From now on the document has settings of its own, all of those that are seen.
     auto* own = NSMutableDictionary::dictionaryWithDictionary(now);
-    id title = ownBefore ? ownBefore->objectForKey(WRTitleKey) : nullptr;
-    if (!title) own->removeObjectForKey(WRTitleKey);
-    _document->setSettings(own);
-    _document->textDidChange();
-    _undoManager->registerUndo(this, [this, before, ownBefore] {
-        changeSettings(before);
-        _document->setSettings(ownBefore);
-    });
+    NSDictionary* ownBefore = _document->settings();
+    if (!ownBefore || !ownBefore->objectForKey(WRTitleKey)) own->removeObjectForKey(WRTitleKey);
+    if (!setPageSettings_ownSettings(now, own)) return false;
     _undoManager->setActionName(localized(u"_Page Setup"_ns));
+    return true;
+}
+
+bool WRDocumentWindow::setPageSettings_ownSettings(NSDictionary* settings, NSDictionary* ownSettings) {
+    const auto before = Retained<NSDictionary>::retaining(_pageView->pages()->settings());
+    const auto ownBefore = Retained<NSDictionary>::retaining(_document->settings());
+    NSDictionary* now = withTitle(settings, ownSettings);
+    if (!now->isEqual(before) && !_pageView->setSettings(now)) return false;
+    _document->setSettings(ownSettings);
+    _undoManager->registerUndo(this,
+                               [this, before, ownBefore] { setPageSettings_ownSettings(before, ownBefore); });
+    _document->textDidChange();
     placeDidChange(nullptr);
     return true;
 }
 
+NSDictionary* WRDocumentWindow::withTitle(NSDictionary* settings, NSDictionary* ownSettings) {
+    id own = ownSettings ? ownSettings->objectForKey(WRTitleKey) : nullptr;
+    auto* titled = NSMutableDictionary::dictionaryWithDictionary(settings);
+    titled->setObject_forKey(own ? own : _document->name(), WRTitleKey);
+    return titled;
+}
+
+void WRDocumentWindow::showTitle() {
+    NSDictionary* settings = _pageView->pages()->settings();
+    NSDictionary* titled = withTitle(settings, _document->settings());
+    if (!titled->isEqual(settings)) _pageView->setSettings(titled);
+}
+
 void WRDocumentWindow::runPageLayout(id) {
     const auto alive = Retained<WRDocumentWindow>::retaining(this);
-    WRPageSetupPanel::create(_pageView->pages()->settings(), [this](NSDictionary* settings) {
+    WRPageSetupPanel::create(_pageView->pages()->settings(), *_sheet, [this](NSDictionary* settings) {
         return changeSettings(settings);
     })->runModal();
 }

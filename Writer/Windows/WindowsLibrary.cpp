@@ -17,6 +17,7 @@
 #include "Writer/Windows/WRLanguageCommands.h"
 #include "Writer/Windows/WRLanguageSearch.h"
 #include "Writer/Windows/WRNoticeBar.h"
+#include "Writer/Windows/WROpenChoices.h"
 #include "Writer/Windows/WRPageSetupPanel.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRPalette.h"
@@ -56,6 +57,7 @@ constexpr Class* kClasses[] = {
     &WRLanguageMenu::classRecord,
     &WRLanguageSearch::classRecord,
     &WRNoticeBar::classRecord,
+    &WROpenChoices::classRecord,
     &WRPageSetupPanel::classRecord,
     &WRPageView::classRecord,
     &WRPrintPanel::classRecord,

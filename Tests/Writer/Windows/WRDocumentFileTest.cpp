@@ -22,6 +22,7 @@
 #include "PBPostLoader.h"
 #include "PBRegistry.h"
 #include "TemporaryFolder.h"
+#include "Text/NSFont.h"
 #include "Text/NSTextStorage.h"
 #include "Writer/LocalizedText.h"
 #include "Writer/PlugInProtocol.h"
@@ -29,6 +30,7 @@
 #include "Writer/WRDocument.h"
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRDocumentWindow.h"
+#include "Writer/Windows/WROpenChoices.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRRecentDocuments.h"
 #include "Writer/Windows/WindowsLibrary.h"
@@ -96,8 +98,10 @@ class DocumentFileTest : public ::testing::Test {
                 files->setNameFieldStringValue(buttons.at(next++));
                 return files->ok(nullptr);
             }
-            if (NSAlert* alert = alertIn(panel))
+            if (NSAlert* alert = alertIn(panel)) {
+                EXPECT_FALSE(panel->title()->isEqualToString(alert->messageText())) << "says it twice";
                 texts += alert->messageText()->toUTF8() + "|" + alert->informativeText()->toUTF8() + "|";
+            }
             NSButton* button =
                 next < buttons.size() ? buttonIn(panel->contentView(), buttons[next++]) : nullptr;
             if (button) return button->performClick(nullptr);
@@ -233,6 +237,30 @@ TEST_F(DocumentFileTest, SavesAsAnotherKind) {
     EXPECT_THAT(doing(saveText, {u"_Cancel"_ns}), HasSubstr("would lose the formats"));
     doing(saveText, {u"_Save as Rich text…"_ns, u"Second"_ns});
     EXPECT_EQ(window->document()->name()->toUTF8(), "Second.rtf");
+
+    // Without the formats the window shows what the file holds.
+    const auto look = [&] {
+        NSTextStorage* text = window->pageView()->textStorage();
+        auto* font = cast<NSFont>(text->attribute_atIndex_effectiveRange(NSFontAttributeName, 1, nullptr));
+        const PageFrame frame = PageFrame::of(window->pageView()->pages()->settings());
+        return shown(font->pointSize(), frame.left, window->document()->hasFormats(),
+                     window->file()->isEdited());
+    };
+    window->pageView()->textStorage()->addAttribute_value_range(NSFontAttributeName,
+                                                                NSFont::systemFontOfSize(40), {0, 5});
+    window->changeSettings(NSDictionary::of({{WRLeftMarginKey, NSNumber::numberWithFloat(30)}}));
+    const auto write = [&] {
+        window->file()->writeToPath(NSString::ofUTF8(folder.path("Letter.txt")), nullptr);
+    };
+    doing(write, {u"_Save without Formats"_ns});
+    EXPECT_EQ(look(), "11 71 0 0");
+    undo(window);
+    EXPECT_EQ(look(), "40 30 1 1");
+    EXPECT_THAT(doing(write, {u"_Cancel"_ns}), HasSubstr("would lose the formats"));
+    redo(window);
+    EXPECT_EQ(look(), "11 71 0 0");
+    EXPECT_EQ(doing(write), "");
+    EXPECT_EQ(textOf(window), "Grüße");
 }
 
 TEST_F(DocumentFileTest, KeepsWhatItCannotWrite) {
@@ -307,11 +335,20 @@ TEST_F(DocumentFileTest, FollowsOtherProgramsThatWriteTheFile) {
     writeOutside("theirs\n");
     EXPECT_THAT(notice(window), HasSubstr("which was changed here, too"));
     EXPECT_THAT(textOf(window), HasSubstr("mine line 200"));
+    EXPECT_EQ(window->notice()->buttons()->count(), 2u);
     choose(window, u"_Keep Mine"_ns);
     EXPECT_EQ(notice(window), "");
     const auto save = [&] { window->file()->save(); };
+    EXPECT_EQ(doing(save), "") << "is asked once";
+    EXPECT_THAT(folder.read("a.txt"), HasSubstr("mine line 200"));
+    view->setSelectedRange({0, 0});
+    screen.type(u"more ");
+    writeOutside("theirs\n");
+    choose(window, u"_Keep Mine"_ns);
+    writeOutside("theirs\n\n");
+    EXPECT_THAT(notice(window), HasSubstr("which was changed here, too"));
     EXPECT_THAT(doing(save, {u"_Cancel"_ns}), HasSubstr("Another program has changed"));
-    EXPECT_EQ(folder.read("a.txt"), "theirs\n");
+    EXPECT_EQ(folder.read("a.txt"), "theirs\n\n");
     writeOutside("theirs again\n");
     choose(window, u"_Reload"_ns);
     EXPECT_EQ(textOf(window) + shown(window->file()->isEdited()), "theirs again\n0");
@@ -361,13 +398,30 @@ TEST_F(DocumentFileTest, KeepsItsTextWhereTheFileTurnsIntoSomethingElse) {
 }
 
 TEST_F(DocumentFileTest, KeepsTheFormatsOfATextThatUndoingBringsBack) {
-    WRDocumentWindow* window = open("a.rtf", "{\\rtf1 one {\\b bold}}");
-    folder.write("a.rtf", "");
+    WRDocumentWindow* window = open("a.rtf", "{\\rtf1\\paperw8000 one {\\b bold}}");
+    const auto look = [&] { return textOf(window) + shown(NSWidth(window->pageView()->frameOfPage(0))); };
+    folder.write("a.rtf", "{\\rtf1\\paperw6000 }");
     window->file()->fileDidChange();
-    EXPECT_EQ(textOf(window), "");
+    EXPECT_EQ(look(), "300");
     undo(window);
-    EXPECT_EQ(textOf(window), "one bold");
+    EXPECT_EQ(look(), "one bold400");
     EXPECT_TRUE(window->document()->richText());
+}
+
+TEST_F(DocumentFileTest, OpensInTheEncodingThatTheUserChooses) {
+    auto choices = WROpenChoices::create();
+    EXPECT_FALSE(choices->encodingName());
+    choices->encodingButton()->selectItemWithTitle(u"KOI8-R"_ns);
+    NSString* path = NSString::ofUTF8(folder.write("a.txt", "\xC1\xC2"));
+    desktop->openPath_encoding(path, choices->encodingName());
+    WRDocumentWindow* window = desktop->windowForPath(path);
+    EXPECT_EQ(textOf(window), "аб");
+    const auto openAgain = [&] { desktop->openPath_encoding(path, u"windows-1252"_ns); };
+    EXPECT_EQ(doing(openAgain), "");
+    EXPECT_EQ(textOf(window), "ÁÂ");
+    typeInto(window, u"x");
+    EXPECT_THAT(doing(openAgain, {u"_Cancel"_ns}), HasSubstr("Revert"));
+    EXPECT_EQ(textOf(window), "xÁÂ");
 }
 
 TEST_F(DocumentFileTest, RevertsInOneStep) {
@@ -436,6 +490,9 @@ TEST_F(DocumentFileTest, RecoversWhatACrashHasLeft) {
                 {"b.txt", "other", "which another program has changed since"},
                 {"c.txt", nullptr, "which is not there any more"}};
     for (const auto& row : rows) typeInto(open(row.name, std::string(1, row.name[0])), u"typed ");
+    WRDocumentWindow* only = open("d.txt", "only copy");  // not edited, but its file goes
+    std::filesystem::remove(folder.path("d.txt"));
+    only->file()->fileDidChange();
     desktop->newDocument(nullptr);
     typeInto(front(), u"new");
     desktop->applicationDidLoseDisplay(nullptr);  // nobody can be asked
@@ -449,8 +506,12 @@ TEST_F(DocumentFileTest, RecoversWhatACrashHasLeft) {
         EXPECT_EQ(textOf(window), std::string("typed ") + row.name[0]);
         EXPECT_THAT(notice(window), HasSubstr(row.notice));
         EXPECT_TRUE(window->file()->isEdited() && window->window()->isDocumentEdited());
+        EXPECT_EQ(window->pageView()->selectedRange(), (NSRange{6, 0})) << "where the user was";
     }
-    EXPECT_EQ(screen.app->windows()->count(), 4U) << "no empty document besides";
+    EXPECT_EQ(screen.app->windows()->count(), 5U) << "no empty document besides";
+    only = desktop->windowForPath(NSString::ofUTF8(folder.path("d.txt")));
+    ASSERT_TRUE(only);
+    EXPECT_EQ(textOf(only), "only copy");
 }
 
 }  // namespace

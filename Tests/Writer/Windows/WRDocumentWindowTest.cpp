@@ -5,15 +5,20 @@
 #include <filesystem>
 
 #include "Foundation/NSData.h"
+#include "Foundation/NSMutableAttributedString.h"
 #include "Foundation/NSMutableString.h"
+#include "Interface/NSButton.h"
 #include "Interface/NSPanel.h"
 #include "Interface/NSPasteboard.h"
 #include "Interface/NSPopUpButton.h"
 #include "Interface/NSScrollView.h"
+#include "Interface/NSTextField.h"
 #include "InterfaceScope.h"
 #include "NSView-PelvorAdditions.h"
 #include "PBPostLoader.h"
 #include "TemporaryFolder.h"
+#include "Writer/Pages/PageLines.h"
+#include "Writer/Pages/StyleSheet.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/WRDocument.h"
 #include "Writer/Windows/WRFindPanel.h"
@@ -157,8 +162,9 @@ TEST_F(DocumentWindowTest, ChangesPaperAndMargins) {
                (view->pageCount() > 3 ? "more pages" : std::to_string(view->pageCount()) + " pages");
     };
     const std::string before = look();
-    auto panel = WRPageSetupPanel::create(
-        view->pages()->settings(), [&](NSDictionary* settings) { return window->changeSettings(settings); });
+    auto panel = WRPageSetupPanel::create(view->pages()->settings(), {}, [&](NSDictionary* settings) {
+        return window->changeSettings(settings);
+    });
     panel->window()->makeKeyAndOrderFront(nullptr);
     screen.turn();
     for (const char16_t* margin : {u"x", u"-1", u"5000"}) {  // the first field, all of it selected
@@ -185,6 +191,57 @@ TEST_F(DocumentWindowTest, ChangesPaperAndMargins) {
     screen.turn();
     send(view, "redo:"_sel, id(nullptr));
     EXPECT_EQ(look(), "sideways, more pages");
+}
+
+TEST_F(DocumentWindowTest, HasTheHeaderAndThePageNumbersThatTheUserAsksFor) {
+    Retained<WRPageSetupPanel> panel;
+    const auto setUp = [&](bool hasHeader, NSString* text, bool hasNumber) {
+        screen.turn();
+        panel = WRPageSetupPanel::create(view->pages()->settings(), {}, [&](NSDictionary* settings) {
+            return window->changeSettings(settings);
+        });
+        if (panel->headerBox()->state() != hasHeader) panel->headerBox()->performClick(nullptr);
+        panel->headerField()->setStringValue(text);
+        panel->pageNumberBox()->setState(hasNumber);
+        panel->accept(nullptr);
+    };
+    const auto lines = [&] {
+        std::string text;
+        for (NSString* key : {WRHeaderKey, WRFooterKey}) {
+            NSDictionary *settings = view->pages()->settings(), *own = window->document()->settings();
+            auto* line = cast<NSAttributedString>(settings->objectForKey(key));
+            EXPECT_TRUE((own ? own->objectForKey(key) : nullptr) == line) << key;
+            text += textOfLine(line)->toUTF8() + "|";
+        }
+        return text;
+    };
+    EXPECT_EQ(lines(), "||");
+    setUp(true, u""_ns, true);
+    EXPECT_EQ(lines(), "{title}|{page}|");
+    EXPECT_TRUE(window->window()->isDocumentEdited());
+    EXPECT_EQ(shown(view->pages()->settings()->objectForKey(WRTitleKey)), "b.txt");
+    setUp(true, u"Anna, {page}"_ns, false);
+    EXPECT_EQ(lines(), "Anna, {page}||");
+    send(view, "undo:"_sel, id(nullptr));
+    EXPECT_EQ(lines(), "{title}|{page}|");
+    send(view, "undo:"_sel, id(nullptr));
+    EXPECT_EQ(lines() + shown(window->window()->isDocumentEdited()), "||0");
+    send(view, "redo:"_sel, id(nullptr));
+    EXPECT_EQ(lines(), "{title}|{page}|");
+    // What another program has put there
+    auto header = NSMutableAttributedString::initWithString(u"Old\nname \uFFFC"_ns);
+    header->addAttribute_value_range(NSKernAttributeName, NSNumber::numberWithInt(2), {0, 10});
+    auto footer = NSAttributedString::initWithString(u"Street\n\uE010 / \uE011\n"_ns);
+    window->changeSettings(NSDictionary::of({{WRHeaderKey, header.get()}, {WRFooterKey, footer.get()}}));
+    setUp(true, textOfLine(header), false);
+    EXPECT_TRUE(view->pages()->settings()->objectForKey(WRHeaderKey) == header.get()) << "left alone";
+    EXPECT_EQ(lines(), "Old name \uFFFC|Street|");
+    setUp(true, u"Old nice name \uFFFC"_ns, true);
+    EXPECT_EQ(lines(), "Old nice name \uFFFC|Street {page}|");
+    NSRange run;
+    cast<NSAttributedString>(view->pages()->settings()->objectForKey(WRHeaderKey))
+        ->attribute_atIndex_effectiveRange(NSKernAttributeName, 0, &run);
+    EXPECT_EQ(run.length, 15u) << "in the formats that it had";
 }
 
 TEST(PagesOfText, UnderstandsWhatPeopleWrite) {
@@ -241,7 +298,7 @@ TEST_F(DocumentWindowTest, PrintsTheTextAsItIs) {
     EXPECT_EQ(shown(panel->outcome()), "_Sent to the printer \"Office\" as job 12; pages: 1");
     EXPECT_TRUE(TwoPrinters::printed->writeToFile_atomically(NSString::ofUTF8(folder.path("job.pdf")), true));
     const std::string job = textOf("job.pdf");
-    EXPECT_EQ(job.substr(0, 15), "b.txt\nEdited 0\n") << "behind the header";
+    EXPECT_EQ(job.substr(0, 9), "Edited 0\n") << "no header that nobody asked for";
     EXPECT_EQ(job.find('\f'), job.size() - 1) << "one page";
     auto* popUp = cast<NSPopUpButton>(panel->window()->contentView()->viewWithTag(WRPrintPanel::kPrinterTag));
     popUp->selectItemAtIndex(1);

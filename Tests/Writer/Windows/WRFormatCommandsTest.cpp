@@ -102,7 +102,7 @@ TEST_F(FormatCommandsTest, ChangeWholeParagraphsAndKeepThePageRules) {
     EXPECT_FLOAT_EQ(style->lineHeightMultiple(), 1.5F);
     EXPECT_FLOAT_EQ(style->headIndent(), 36);
     EXPECT_EQ(rulesOf(style), "next together");
-    EXPECT_EQ(styleAt(0)->alignment(), NSJustifiedTextAlignment);
+    EXPECT_EQ(styleAt(0)->alignment(), NSNaturalTextAlignment);
     EXPECT_EQ(rulesOf(styleAt(0)), "");
     EXPECT_EQ(state("takeLineSpacingFrom:"_sel, 150), "on");
     EXPECT_EQ(state("decreaseIndent:"_sel), "off");
