@@ -236,10 +236,17 @@ bool WRDocumentFile::writeToPath(NSString* path, NSString* encodingName) {
     const bool dropsFormats = saver->dropsFormats(_document);
     if (dropsFormats)
         if (const auto result = resultWithoutFormats(saver, path, encodingName)) return *result;
-    if (WRDocumentSaver::keepsFormats(saver->writer())) encodingName = nullptr;
-    NSDictionary* answer = saver->saveDocument_toPath_encoding(_document, path, encodingName);
-    if (!answer) return handleFailure(saver, path);
     const bool isText = !WRDocumentSaver::keepsFormats(saver->writer());
+    const bool hadFormats = _document->hasFormats();
+    const auto ownSettings = Retained<NSDictionary>::retaining(_document->settings());
+    if (!isText) takeLook();
+    NSDictionary* answer =
+        saver->saveDocument_toPath_encoding(_document, path, isText ? encodingName : nullptr);
+    if (!answer) {
+        _document->setHasFormats(hadFormats);
+        _document->setSettings(ownSettings);
+        return handleFailure(saver, path);
+    }
     _document->wasWrittenToPath_reader_encoding(
         path, saver->readerForPath(path),
         isText ? cast<NSString>(answer->objectForKey(WREncodingKey)) : nullptr);
@@ -253,6 +260,16 @@ bool WRDocumentFile::writeToPath(NSString* path, NSString* encodingName) {
     if (desktop) desktop->recentDocuments()->addPath(path);
     if (auto* message = cast<NSString>(answer->objectForKey(WRMessageKey))) _owner->showNotice(message, {});
     return true;
+}
+
+// What has room for formats and page settings gets those that the user sees, so that the document looks the
+// same when it is opened again.
+void WRDocumentFile::takeLook() {
+    _document->setHasFormats(true);
+    if (_document->settings()) return;
+    auto* settings = NSMutableDictionary::dictionaryWithDictionary(_owner->pageView()->pages()->settings());
+    settings->removeObjectForKey(WRTitleKey);
+    _document->setSettings(settings);
 }
 
 // The window shows what the file holds. Undoing brings the formats back, as a change that is in no file.

@@ -95,6 +95,7 @@ class WRDocumentFile : public NSResponder {
     void beginStep();
     void replaceContent(const StyledDocument& styled, NSDictionary* ownSettings, NSString* actionName);
     bool replaceText(NSAttributedString* text);
+    void takeLook();
     void showWithoutFormats();
     void changeHasFormats(bool hasFormats);
     void keepInJournal();

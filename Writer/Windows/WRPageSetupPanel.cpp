@@ -137,7 +137,11 @@ void WRPageSetupPanel::addLines(WRFormView* form) {
     headerDidChange(nullptr);
 }
 
-void WRPageSetupPanel::headerDidChange(id) { _headerText->setEnabled(_hasHeader->state() != 0); }
+void WRPageSetupPanel::headerDidChange(id) {
+    const bool hasHeader = _hasHeader->state() != 0;
+    _headerText->setEnabled(hasHeader);
+    _headerText->setDrawsBackground(hasHeader);
+}
 
 void WRPageSetupPanel::runModal() {
     const auto alive = Retained<WRPageSetupPanel>::retaining(this);

@@ -227,10 +227,14 @@ TEST_F(DocumentFileTest, SavesAsAnotherKind) {
     typeInto(window, u"Grüße");
     doing([&] { window->file()->saveDocument(nullptr); }, {u"Letter"_ns});
     EXPECT_EQ(shown(window->window()->title(), window->file()->isEdited()), "Letter.rtf 0");
-    EXPECT_THAT(folder.read("Letter.rtf"), StartsWith("{\\rtf1"));
-    EXPECT_THAT(
-        doing([&] { window->file()->writeToPath(NSString::ofUTF8(folder.path("Letter.txt")), nullptr); }),
-        "");
+    EXPECT_THAT(folder.read("Letter.rtf"),
+                AllOf(StartsWith("{\\rtf1"), HasSubstr("\\paperw11906"), HasSubstr("\\fs22 Gr")))
+        << "as it is seen";
+    EXPECT_EQ(notice(window), "");
+    const auto write = [&] {
+        window->file()->writeToPath(NSString::ofUTF8(folder.path("Letter.txt")), nullptr);
+    };
+    doing(write, {u"_Save without Formats"_ns});
     EXPECT_EQ(folder.read("Letter.txt"), "Grüße");
     window->document()->setHasFormats(true);
     const auto saveText = [&] { window->file()->save(); };
@@ -249,9 +253,6 @@ TEST_F(DocumentFileTest, SavesAsAnotherKind) {
     window->pageView()->textStorage()->addAttribute_value_range(NSFontAttributeName,
                                                                 NSFont::systemFontOfSize(40), {0, 5});
     window->changeSettings(NSDictionary::of({{WRLeftMarginKey, NSNumber::numberWithFloat(30)}}));
-    const auto write = [&] {
-        window->file()->writeToPath(NSString::ofUTF8(folder.path("Letter.txt")), nullptr);
-    };
     doing(write, {u"_Save without Formats"_ns});
     EXPECT_EQ(look(), "11 71 0 0");
     undo(window);
@@ -268,7 +269,7 @@ TEST_F(DocumentFileTest, KeepsWhatItCannotWrite) {
     typeInto(window, u"x");
     const auto save = [&] { EXPECT_FALSE(window->file()->save()); };
     std::filesystem::remove_all(folder.path("sub"));
-    EXPECT_THAT(doing(save, {u"_OK"_ns}), HasSubstr("could not be written"));
+    EXPECT_THAT(doing(save, {u"_Cancel"_ns}), HasSubstr("could not be written"));
     EXPECT_TRUE(window->file()->isEdited());
     std::filesystem::create_directory(folder.path("sub"));
     EXPECT_TRUE(window->file()->save());
