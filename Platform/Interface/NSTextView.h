@@ -200,6 +200,12 @@ class PELVOR_EXPORT NSTextView : public NSText {
     bool readSelectionFromPasteboard(NSPasteboard* pasteboard);
     virtual bool readSelectionFromPasteboard_type(NSPasteboard* pasteboard, NSString* type);
 
+    // Dragging (see NSDraggingInfo). What is dragged from a text that can be edited moves, also into another
+    // window of this program, unless Ctrl is down; field editors and other programs get and give copies.
+
+    virtual NSUInteger draggingMoved(NSDraggingInfo* info);
+    virtual bool performDragOperation(NSDraggingInfo* info);
+
     // Of the superclasses
 
     void setEditable(bool isEditable) override;
@@ -330,9 +336,8 @@ class PELVOR_EXPORT NSTextView : public NSText {
     void stopAutoscrolling();
     bool clickLink(NSUInteger index);
     bool beginDrag();
-    NSUInteger draggingMoved(NSDraggingInfo* info);
     void draggingExited(NSDraggingInfo* info);
-    bool performDragOperation(NSDraggingInfo* info);
+    NSTextView* moverOf(NSDraggingInfo* info);
     void showDropPlace(NSUInteger index);
     NSUInteger dropIndex(NSDraggingInfo* info);
     void provideSelection(NSPasteboard* pasteboard, NSString* type);
