@@ -12,6 +12,8 @@ inline constexpr NSString* WRMarksMisspellingsPreference = u"WRMarksMisspellings
 /// first.
 inline constexpr NSString* WRRecentDocumentsPreference = u"WRRecentDocuments"_ns;
 
+/// An array of strings: the colours that were mixed last, "#1E50B4", the latest first. Empty at first.
+inline constexpr NSString* WRRecentColorsPreference = u"WRRecentColors"_ns;
 /// A boolean: whether new windows have a ruler. True at first.
 inline constexpr NSString* WRShowsRulerPreference = u"WRShowsRuler"_ns;
 /// A string: the abbreviation of the ruler's unit, "mm"; at first centimetres, or inches where these are

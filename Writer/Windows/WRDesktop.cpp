@@ -32,12 +32,15 @@
 #include "Writer/WRDocument.h"
 #include "Writer/WRDocumentOpener.h"
 #include "Writer/Windows/WRCharactersPanel.h"
+#include "Writer/Windows/WRColorPanel.h"
 #include "Writer/Windows/WRDocumentFile.h"
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRFindPanel.h"
 #include "Writer/Windows/WRFontPalette.h"
 #include "Writer/Windows/WROpenChoices.h"
+#include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WRProfilesPanel.h"
 #include "Writer/Windows/WRRecentDocuments.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
@@ -76,6 +79,10 @@ NSDictionary* keyBindings() {
          {u"$"_ns->stringByAppendingString(NSString::of({&kF3, 1})), u"findPrevious:"_ns}});
 }
 
+void showPalette(WRPalette* palette) {
+    palette->showBeside(NSApplication::sharedApplication()->mainWindow());
+}
+
 NSMenuItem* itemWithActionIn(NSMenu* menu, SEL action) {
     for (const auto& item : menu->items()) {
         if (item->action() == action) return item;
@@ -96,6 +103,7 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
     methods.instance<"setRecentMenu:", &WRDesktop::setRecentMenu>();
     methods.instance<"openPath:", &WRDesktop::openPath>();
     methods.instance<"openPath:encoding:", &WRDesktop::openPath_encoding>();
+    methods.instance<"openPaths:", &WRDesktop::openPaths>();
     methods.instance<"windowForPath:", &WRDesktop::windowForPath>();
     methods.instance<"recentDocuments", &WRDesktop::recentDocuments>();
     methods.instance<"newDocument:", &WRDesktop::newDocument>();
@@ -111,6 +119,8 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
     methods.instance<"windowDidClose:", &WRDesktop::windowDidClose>();
     methods.instance<"orderFrontAbout:", &WRDesktop::orderFrontAbout>();
     methods.instance<"orderFrontFontPalette:", &WRDesktop::orderFrontFontPalette>();
+    methods.instance<"orderFrontColorPanel:", &WRDesktop::orderFrontColorPanel>();
+    methods.instance<"validateOrderFrontColorPanel:", &WRDesktop::validateOrderFrontColorPanel>();
     methods.instance<"orderFrontProfiles:", &WRDesktop::orderFrontProfiles>();
     methods.instance<"orderFrontShortcuts:", &WRDesktop::orderFrontShortcuts>();
     methods.instance<"orderFrontCharacters:", &WRDesktop::orderFrontCharacters>();
@@ -246,6 +256,12 @@ void WRDesktop::openPath_encoding(NSString* path, NSString* encodingName) {
         if (!window->document()->hasFile() && !window->document()->hasChanged()) window->window()->close();
 }
 
+void WRDesktop::openPaths(NSArray* paths) {
+    const auto held = Retained<NSArray>::retaining(paths);
+    for (id object : held.get())
+        if (auto* path = cast<NSString>(object)) openPath(path);
+}
+
 NSString* WRDesktop::nameOfNewDocument() {
     for (int number = 1;; ++number) {
         NSString* name =
@@ -341,18 +357,18 @@ void WRDesktop::fillServicesMenu() {
 
 void WRDesktop::orderFrontProfiles(id) {
     if (!_profilesPanel) _profilesPanel = WRProfilesPanel::init();
-    _profilesPanel->showBeside(NSApplication::sharedApplication()->mainWindow());
+    showPalette(_profilesPanel->window());
 }
 
 void WRDesktop::orderFrontShortcuts(id) {
     if (!_shortcutsPanel) _shortcutsPanel = WRShortcutsPanel::init();
     _shortcutsPanel->takeMenu(_mainMenu);
-    _shortcutsPanel->showBeside(NSApplication::sharedApplication()->mainWindow());
+    showPalette(_shortcutsPanel->window());
 }
 
 void WRDesktop::orderFrontCharacters(id) {
     if (!_charactersPanel) _charactersPanel = WRCharactersPanel::init();
-    _charactersPanel->showBeside(NSApplication::sharedApplication()->mainWindow());
+    showPalette(_charactersPanel->window());
 }
 
 // MARK: Finding text
@@ -376,7 +392,17 @@ bool WRDesktop::validateUseSelectionForFind(id) {
 
 void WRDesktop::orderFrontFontPalette(id) {
     if (!_fontPalette) _fontPalette = WRFontPalette::init();
-    _fontPalette->showBeside(NSApplication::sharedApplication()->mainWindow());
+    showPalette(_fontPalette->window());
+}
+
+void WRDesktop::orderFrontColorPanel(id) {
+    if (!_colorPanel) _colorPanel = WRColorPanel::init();
+    showPalette(_colorPanel->window());
+}
+
+bool WRDesktop::validateOrderFrontColorPanel(id) {
+    WRFormatCommands* front = WRFormatCommands::current();
+    return front && front->canEdit();
 }
 
 void WRDesktop::orderFrontAbout(id) {

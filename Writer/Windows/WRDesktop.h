@@ -14,6 +14,7 @@ class NSMenu;
 class NSMutableArray;
 class NSNotification;
 class WRCharactersPanel;
+class WRColorPanel;
 class WRDocument;
 class WRDocumentWindow;
 class WRFindPanel;
@@ -47,6 +48,7 @@ class WRDesktop : public NSObject {
     void openPath(NSString* path);
     /// The same in the encoding, which a document that is open is read in again. Null: as `openPath`.
     void openPath_encoding(NSString* path, NSString* encodingName);
+    void openPaths(NSArray* paths);
     /// The window with the file; null if there is none.
     WRDocumentWindow* windowForPath(NSString* path);
     WRRecentDocuments* recentDocuments() { return _recent; }
@@ -77,6 +79,8 @@ class WRDesktop : public NSObject {
     void orderFrontAbout(id sender);
     void orderFrontProfiles(id sender);
     void orderFrontFontPalette(id sender);
+    void orderFrontColorPanel(id sender);
+    bool validateOrderFrontColorPanel(id item);
     void orderFrontShortcuts(id sender);
     void orderFrontCharacters(id sender);
 
@@ -120,6 +124,7 @@ class WRDesktop : public NSObject {
     Retained<NSArray> _nibObjects;
     Retained<WRProfilesPanel> _profilesPanel;
     Retained<WRFontPalette> _fontPalette;
+    Retained<WRColorPanel> _colorPanel;
     Retained<WRShortcutsPanel> _shortcutsPanel;
     Retained<WRCharactersPanel> _charactersPanel;
     Retained<WRFindPanel> _findPanel;

@@ -34,6 +34,7 @@
 #include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRDocumentFile.h"
+#include "Writer/Windows/WRFileDropView.h"
 #include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRLanguageCommands.h"
 #include "Writer/Windows/WRLanguageSearch.h"
@@ -154,6 +155,7 @@ void WRDocumentWindow::makeWindow() {
         NSBackingStoreBuffered, true);
     _window->setContentMinSize({240, 160});
     _window->setDelegate(this);
+    _window->setContentView(WRFileDropView::create(_window->contentView()->frame()).get());
     NSView* content = _window->contentView();
     const NSSize size = content->frame().size;
 
@@ -226,7 +228,7 @@ void WRDocumentWindow::textDidChange(NSNotification*) {
 
 bool WRDocumentWindow::isFindingLanguages() { return _languageSearch->isEditing(); }
 
-void WRDocumentWindow::pageViewDidReceiveFormats(id) { _document->setHasFormats(true); }
+void WRDocumentWindow::pageViewDidReceiveFormats(id) { _formatCommands->setDocumentHasFormats(true); }
 
 NSUndoManager* WRDocumentWindow::undoManagerForTextView(id) { return _undoManager; }
 

@@ -11,7 +11,6 @@
 #include "Foundation/NSScanner.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSButton.h"
-#include "Interface/NSPanel.h"
 #include "Interface/NSPopUpButton.h"
 #include "Interface/NSTextField.h"
 #include "Writer/LocalizedText.h"
@@ -20,6 +19,7 @@
 #include "Writer/Pages/StyleSheet.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/Windows/WRFormView.h"
+#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {

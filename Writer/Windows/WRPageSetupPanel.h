@@ -12,11 +12,11 @@ class NSAttributedString;
 class NSButton;
 class NSDictionary;
 class NSMutableDictionary;
-class NSPanel;
 class NSPopUpButton;
 class NSTextField;
 class StyleSheet;
 class WRFormView;
+class WRPalette;
 
 /// A panel in which the user chooses the size of the paper, which way round it is, the margins, in
 /// millimetres, a header, and whether the footer has the number of the page. Main thread.
@@ -33,7 +33,7 @@ class WRPageSetupPanel : public NSObject {
 
     /// Until the user accepts settings that can be applied, or cancels.
     void runModal();
-    NSPanel* window() { return _panel; }
+    WRPalette* window() { return _panel; }
     NSButton* headerBox() { return _hasHeader; }
     NSTextField* headerField() { return _headerText; }
     NSButton* pageNumberBox() { return _hasPageNumber; }
@@ -64,7 +64,7 @@ class WRPageSetupPanel : public NSObject {
     Retained<NSDictionary> _settings;         // as they were
     Retained<NSDictionary> _header, _footer;  // attributes of new ones
     float _width = 0, _height = 0;            // of the paper as it was
-    Retained<NSPanel> _panel;
+    Retained<WRPalette> _panel;
     Retained<NSPopUpButton> _paper, _orientation;
     Margin _margins[4];
     Retained<NSButton> _hasHeader, _hasPageNumber;

@@ -11,8 +11,10 @@
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Foundation/UserLanguages.h"
+#include "Interface/NSClipView.h"
 #include "Interface/NSEvent.h"
 #include "Interface/NSMenu.h"
+#include "Interface/NSScrollView.h"
 #include "Interface/NSTextView.h"
 #include "NSParagraphStyle-PelvorAdditions.h"
 #include "NSView-PelvorAdditions.h"
@@ -27,6 +29,7 @@
 #include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRRulerGuide.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -136,7 +139,10 @@ Retained<WRRuler> WRRuler::create(WRFormatCommands* commands, NSRect frame) {
     return self;
 }
 
-WRRuler::~WRRuler() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
+WRRuler::~WRRuler() {
+    NSNotificationCenter::defaultCenter()->removeObserver(this);
+    if (_guide) _guide->removeFromSuperview();
+}
 
 // MARK: What is shown
 
@@ -287,9 +293,7 @@ void WRRuler::drawScale() {
 void WRRuler::drawMark(const Mark& mark, float place) {
     const float x = xOfPlace(place);
     auto* context = NSGraphicsContext::currentContext();
-    context->setColor(_commands->canEdit()
-                          ? NSColor::colorWithCalibratedRed_green_blue_alpha(0.16F, 0.39F, 0.7F, 1)
-                          : grey(0.6F));
+    context->setColor(_commands->canEdit() ? WRRulerGuide::color() : grey(0.6F));
     switch (mark.kind) {
         case Kind::tab:
             return drawTab(mark.tab->tabStopType(), _look.isRightToLeft, x, kHeight - 2);
@@ -330,6 +334,27 @@ void WRRuler::follow(NSPoint point, bool snaps) {
     _drag->isOff =
         _drag->mark.kind == Kind::tab && (point.y < -kOffDistance || point.y > kHeight + kOffDistance);
     setNeedsDisplay(true);
+    showGuide();
+}
+
+// Over the pages, where the dragged mark stands; none without one.
+void WRRuler::showGuide() {
+    NSScrollView* pages = _commands->pageView()->enclosingScrollView();
+    const bool isShown = _drag && _drag->hasMoved && !_drag->isOff && pages && superview();
+    if (!isShown) {
+        if (_guide) _guide->removeFromSuperview();
+        _guide = nullptr;
+        return;
+    }
+    NSView* content = superview();
+    const NSRect room = content->convertRect_fromView(pages->contentView()->bounds(), pages->contentView());
+    const float x = content->convertPoint_fromView({xOfPlace(_drag->place), 0}, this).x;
+    if (!_guide) {
+        _guide = WRRulerGuide::create();
+        content->addSubview(_guide);
+    }
+    _guide->setHidden(x < NSMinX(room) || x >= NSMaxX(room));
+    _guide->setFrame({{std::floor(x), NSMinY(room)}, {1, NSHeight(room)}});
 }
 
 void WRRuler::mouseDragged(NSEvent* event) {
@@ -347,6 +372,7 @@ void WRRuler::mouseUp(NSEvent*) {
     const Drag drag = std::move(*_drag);
     _drag.reset();
     setNeedsDisplay(true);
+    showGuide();
     if (drag.hasMoved && !(drag.isNew && drag.isOff)) apply(drag);
 }
 

@@ -12,13 +12,14 @@ namespace pelvor {
 class NSParagraphStyle;
 class NSTextTab;
 class WRFormatCommands;
+class WRRulerGuide;
 
 /// A ruler above the pages, whose marks stand where they are in the text below. It shows the width of the
 /// text between the margins, and of the paragraph that the selection begins in the indents and the tab stops.
-/// Marks are dragged; a click sets a tab stop, a double click changes its kind, and dragging off the ruler
-/// removes it. Each is one step to undo and concerns all selected paragraphs. Places snap to the lines of the
-/// ruler unless the Alt key is down. Numbers count from the leading edge of the text, in a unit that the
-/// context menu sets. Main thread.
+/// Marks are dragged, and a line over the pages shows their place meanwhile; a click sets a tab stop, a
+/// double click changes its kind, and dragging off the ruler removes it. Each is one step to undo and
+/// concerns all selected paragraphs. Places snap to the lines of the ruler unless the Alt key is down.
+/// Numbers count from the leading edge of the text, in a unit that the context menu sets. Main thread.
 class WRRuler : public NSView, NSView::HiddenCreators {
     PELVOR_CLASS(WRRuler, NSView);
 
@@ -83,6 +84,7 @@ class WRRuler : public NSView, NSView::HiddenCreators {
     void drawMark(const Mark& mark, float place);
     void apply(const Drag& drag);
     void changeKind(NSTextTab* tab);
+    void showGuide();
 
     Retained<WRFormatCommands> _commands;
     Retained<NSString> _unitName;
@@ -90,6 +92,7 @@ class WRRuler : public NSView, NSView::HiddenCreators {
     Look _look{};
     Retained<NSParagraphStyle> _style;
     std::optional<Drag> _drag;
+    Retained<WRRulerGuide> _guide;  // while a mark is dragged
 };
 
 }  // namespace pelvor

@@ -5,11 +5,15 @@
 #include "Writer/Pages/PagesLibrary.h"
 #include "Writer/Recovery/RecoveryLibrary.h"
 #include "Writer/Shortcuts/ShortcutsLibrary.h"
+#include "Writer/Windows/WRBackgroundTask.h"
 #include "Writer/Windows/WRCharactersPanel.h"
 #include "Writer/Windows/WRColorMenu.h"
+#include "Writer/Windows/WRColorPanel.h"
+#include "Writer/Windows/WRColorSlider.h"
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRDocumentFile.h"
 #include "Writer/Windows/WRDocumentWindow.h"
+#include "Writer/Windows/WRFileDropView.h"
 #include "Writer/Windows/WRFindPanel.h"
 #include "Writer/Windows/WRFontPalette.h"
 #include "Writer/Windows/WRFormView.h"
@@ -25,6 +29,7 @@
 #include "Writer/Windows/WRProfilesPanel.h"
 #include "Writer/Windows/WRRecentDocuments.h"
 #include "Writer/Windows/WRRuler.h"
+#include "Writer/Windows/WRRulerGuide.h"
 #include "Writer/Windows/WRSaveChoices.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
 #include "Writer/Windows/WRSpelling.h"
@@ -44,11 +49,15 @@ constexpr Library* kDependencies[] = {&baseSpellCheckingLibrary, &pagesLibrary, 
 // One a line, so that merges seldom meet.
 // clang-format off
 constexpr Class* kClasses[] = {
+    &WRBackgroundTask::classRecord,
     &WRCharactersPanel::classRecord,
     &WRColorMenu::classRecord,
+    &WRColorPanel::classRecord,
+    &WRColorSlider::classRecord,
     &WRDesktop::classRecord,
     &WRDocumentFile::classRecord,
     &WRDocumentWindow::classRecord,
+    &WRFileDropView::classRecord,
     &WRFindPanel::classRecord,
     &WRFontPalette::classRecord,
     &WRFormView::classRecord,
@@ -64,6 +73,7 @@ constexpr Class* kClasses[] = {
     &WRPalette::classRecord, &WRProfilesPanel::classRecord,
     &WRRecentDocuments::classRecord,
     &WRRuler::classRecord,
+    &WRRulerGuide::classRecord,
     &WRSaveChoices::classRecord,
     &WRShortcutsPanel::classRecord,
     &WRSpelling::classRecord,

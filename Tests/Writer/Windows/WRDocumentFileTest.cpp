@@ -12,6 +12,7 @@
 #include "Foundation/NSObject-DelayedPerforming.h"
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSTimer.h"
+#include "Foundation/NSURL.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Interface/NSAlert.h"
 #include "Interface/NSButton.h"
@@ -480,6 +481,27 @@ TEST_F(DocumentFileTest, RemembersTheDocumentsThatWereOpen) {
     EXPECT_EQ(textOf(front()), "two");
     desktop->clearRecentDocuments(nullptr);
     EXPECT_EQ(titles(), "_Clear Menu ");
+}
+
+TEST_F(DocumentFileTest, OpensFilesThatAreDroppedOnAWindow) {
+    WRDocumentWindow* window = open("a.txt", "one");
+    NSView* content = window->window()->contentView();
+    for (const auto& [name, view] :
+         {std::pair<const char*, NSView*>{"b c.txt", window->pageView()}, {"d.txt", content}}) {
+        const std::string path = folder.write(name, "two");
+        const std::string address =
+            NSURL::fileURLWithPath(NSString::ofUTF8(path))->absoluteString()->toUTF8();
+        screen.backend->setForeignSelection(BackendSelection::drag,
+                                            {{"text/uri-list", address + "\r\n"}, {"text/plain", path}});
+        window->show();
+        screen.turn();
+        EXPECT_TRUE(screen.backend->dragTo(screen.placeOf(view, {50, 5}))) << name;
+        screen.turn();
+        EXPECT_TRUE(screen.backend->drop());
+        screen.wait(1);
+        EXPECT_TRUE(desktop->windowForPath(NSString::ofUTF8(path))) << name;
+        EXPECT_EQ(textOf(window), "one");
+    }
 }
 
 TEST_F(DocumentFileTest, RecoversWhatACrashHasLeft) {

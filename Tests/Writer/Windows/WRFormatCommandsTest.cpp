@@ -162,6 +162,16 @@ TEST_F(FormatCommandsTest, AreDisabledWhereNothingCanBeEdited) {
     EXPECT_FALSE(document->hasFormats());
 }
 
+TEST_F(FormatCommandsTest, MakeADocumentWithFormatsPlainAgainWhenUndone) {
+    screen.type(u"x");
+    window->pageViewDidReceiveFormats(view);  // with what was pasted
+    EXPECT_TRUE(document->hasFormats());
+    undo();
+    EXPECT_FALSE(document->hasFormats());
+    redo();
+    EXPECT_TRUE(document->hasFormats());
+}
+
 TEST(EmptyDocumentTest, IsFormattedBeforeSomethingIsTyped) {
     FormatScope empty(u""_ns);
     empty.choose("takeParagraphStyleFrom:"_sel, 0, u"heading 1"_ns);
