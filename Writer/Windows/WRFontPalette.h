@@ -11,11 +11,12 @@ namespace pelvor {
 
 class NSArray;
 class NSFont;
+class NSPanel;
 class NSTableColumn;
 class NSTableView;
 class NSTextField;
 class NSView;
-class WRPalette;
+class NSWindow;
 
 /// A panel with tables of font families, of the faces of a family, and of sizes. It shows the font of the
 /// selection in the document in front, and what the user selects, by a click or by typing the first letters,
@@ -29,7 +30,8 @@ class WRFontPalette : public NSObject {
   public:
     static Retained<WRFontPalette> init(Class* cls = classObject());
 
-    WRPalette* window() { return _window; }
+    void showBeside(NSWindow* other);
+    NSPanel* window() { return _window; }
 
     /// The font with what the user has selected last.
     NSFont* convertFont(NSFont* font);
@@ -44,7 +46,6 @@ class WRFontPalette : public NSObject {
     void tableViewSelectionDidChange(id notification);
     /// Does what waits for a pause.
     void applyPending();
-    void windowDidBecomeKey(id notification);
     void windowDidResignKey(id notification);
 
   protected:
@@ -62,7 +63,7 @@ class WRFontPalette : public NSObject {
     void send(Change change);
     void sendSoon(Change change);
 
-    Retained<WRPalette> _window;
+    Retained<NSPanel> _window;
     Retained<NSTableView> _families, _faces, _sizes;
     Retained<NSTextField> _size, _sample, _message;
     Retained<NSArray> _familyNames;

@@ -41,10 +41,7 @@ NSArray* extensionsOf(PBProfile* writer) {
     return extensions;
 }
 
-}  // namespace
-
-Retained<NSPopUpButton> WRSaveChoices::addLine(NSView* view, NSString* title, int line) {
-    const float y = static_cast<float>(line) * kLineHeight;
+Retained<NSPopUpButton> addLine(NSView* view, NSString* title, float y) {
     auto label = NSTextField::initWithFrame({{8, y + 6}, {kLabelWidth, 20}});
     label->setEditable(false);
     label->setBezeled(false);
@@ -57,16 +54,7 @@ Retained<NSPopUpButton> WRSaveChoices::addLine(NSView* view, NSString* title, in
     return button;
 }
 
-Retained<NSView> WRSaveChoices::viewWithLines(int count) {
-    return NSView::initWithFrame(
-        {{0, 0}, {8 + kLabelWidth + 8 + kButtonWidth + 8, static_cast<float>(count) * kLineHeight}});
-}
-
-NSArray* WRSaveChoices::usualEncodings() {
-    auto* names = NSMutableArray::array();
-    for (NSString* name : kUsualEncodings) names->addObject(name);
-    return names;
-}
+}  // namespace
 
 PELVOR_DEFINE_CLASS(WRSaveChoices, windowsLibrary) {
     methods.instance<"kindDidChange:", &WRSaveChoices::kindDidChange>();
@@ -98,8 +86,8 @@ Retained<WRSaveChoices> WRSaveChoices::create(WRDocument* document, PBProfile* w
 }
 
 void WRSaveChoices::makeView() {
-    _view = viewWithLines(2);
-    _kinds = addLine(_view, localized(u"_Kind:"_ns), 1);
+    _view = NSView::initWithFrame({{0, 0}, {8 + kLabelWidth + 8 + kButtonWidth + 8, 2 * kLineHeight}});
+    _kinds = addLine(_view, localized(u"_Kind:"_ns), kLineHeight);
     _encodings = addLine(_view, localized(u"_Encoding:"_ns), 0);
     for (id writer : _writers.get()) _kinds->addItemWithTitle(nameOfProfile(static_cast<PBProfile*>(writer)));
     _kinds->setTarget(this);

@@ -7,6 +7,7 @@
 #include "Interface/NSTableColumn.h"
 #include "PBAutoscrollingTableView.h"
 #include "Writer/Windows/WRPalette.h"
+#include "Writer/Windows/WindowFrames.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -17,6 +18,7 @@ constexpr NSSize kSize{520, 360};
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRTablePanel, windowsLibrary) {
+    methods.instance<"showBeside:", &WRTablePanel::showBeside>();
     methods.instance<"window", &WRTablePanel::window>();
     methods.instance<"reload", &WRTablePanel::reload>();
     methods.instance<"numberOfRowsInTableView:", &WRTablePanel::numberOfRowsInTableView>();
@@ -53,6 +55,11 @@ void WRTablePanel::makeWindow(NSString* title, std::span<const Column> columns) 
     _window->contentView()->addSubview(scrollView);
     _table->sizeLastColumnToFit();
     _window->setInitialFirstResponder(_table);
+}
+
+void WRTablePanel::showBeside(NSWindow* other) {
+    placeBeside(_window, other);
+    _window->makeKeyAndOrderFront(nullptr);
 }
 
 void WRTablePanel::reload() { _table->reloadData(); }

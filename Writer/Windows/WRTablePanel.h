@@ -10,7 +10,7 @@ namespace pelvor {
 
 class NSTableColumn;
 class NSTableView;
-class WRPalette;
+class NSWindow;
 
 /// A window with a table in which typed letters select a row by the first column. Subclasses say what the
 /// rows are. Main thread.
@@ -18,7 +18,9 @@ class WRTablePanel : public NSObject {
     PELVOR_CLASS(WRTablePanel, NSObject);
 
   public:
-    WRPalette* window() { return _window; }
+    /// Where it is not seen yet, it comes up beside the other window, or at the edge of the screen for null.
+    void showBeside(NSWindow* other);
+    NSWindow* window() { return _window; }
     /// The rows are others now.
     void reload();
 
@@ -43,7 +45,7 @@ class WRTablePanel : public NSObject {
     virtual void rowWasChosen(NSUInteger) {}
 
   private:
-    Retained<WRPalette> _window;
+    Retained<NSWindow> _window;
     Retained<NSTableView> _table;
 };
 

@@ -11,11 +11,15 @@
 #include <string>
 
 #include "Foundation/NSDictionary.h"
+#include "Foundation/NSRunLoop.h"
+#include "Interface/Backend/DisplayConnection.h"
+#include "Interface/Backend/HeadlessBackend.h"
 #include "Interface/InterfaceLibrary.h"
+#include "Interface/NSApplication.h"
 #include "Interface/NSScrollView.h"
 #include "Interface/NSTextView.h"
 #include "Interface/NSWindow.h"
-#include "Platform/Interface/Screenless.h"
+#include "Runtime/AutoreleasePool.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
 #include "Text/NSFont.h"
@@ -26,11 +30,30 @@ namespace {
 
 constexpr std::size_t kLength = 1 << 20;
 
+std::string text(std::size_t length) {
+    static const char* const words[] = {"The",  "quick", "brown", "fox", "jumps",
+                                        "over", "a",     "lazy",  "dog", "and"};
+    std::string made;
+    for (std::size_t i = 0, paragraph = 0; made.size() < length; ++i) {
+        made += words[(i * 7 + i / 9) % 10];
+        made += made.size() - paragraph > 550 ? '\n' : ' ';
+        if (made.back() == '\n') paragraph = made.size();
+    }
+    return made;
+}
+
 /// A text view in a window that has the keys, with the caret in the middle.
 struct TextWindow {
     explicit TextWindow(std::size_t length) {
         registerLibrary(interfaceLibrary);
-        screenlessBackend();
+        if (!backend) {
+            DisplayConnection::open([](BackendSink& sink) {
+                auto made = std::make_unique<HeadlessBackend>(sink);
+                backend = made.get();
+                return made;
+            });
+            NSApplication::sharedApplication()->deliverEventsInRunLoop();
+        }
         window = NSWindow::initWithContentRect_styleMask_backing_defer(
             {{0, 0}, {800, 600}}, NSTitledWindowMask, NSBackingStoreBuffered, true);
         auto scrollView = NSScrollView::initWithFrame({{0, 0}, {800, 600}});
@@ -38,7 +61,7 @@ struct TextWindow {
         view = NSTextView::initWithFrame({{0, 0}, {788, 600}});
         view->setTypingAttributes(
             NSDictionary::of({{NSFontAttributeName, NSFont::fontWithName_size(u"DejaVuSans"_ns, 12)}}));
-        view->setString(NSString::ofUTF8(paragraphsOf(length)));
+        view->setString(NSString::ofUTF8(text(length)));
         view->setAllowsUndo(true);
         scrollView->setDocumentView(view);
         window->contentView()->addSubview(scrollView);
@@ -46,17 +69,26 @@ struct TextWindow {
         window->makeFirstResponder(view);
         view->setSelectedRange({static_cast<NSUInteger>(length / 2), 0});
         view->scrollRangeToVisible(view->selectedRange());
-        turnScreenless();
+        turn();
     }
     ~TextWindow() {
         window->close();
-        turnScreenless();
+        turn();
+    }
+    static void turn() {
+        AutoreleasePool pool;
+        while (NSRunLoop::mainRunLoop()->performReadyWorkForMode(NSDefaultRunLoopMode)) {
+        }
     }
     static void press(unichar unit) {
-        sendKey(unit);
-        turnScreenless();
+        BackendKey key;
+        key.characters = key.charactersIgnoringModifiers = key.shortcutCharacters = std::u16string(1, unit);
+        if (unit < 0x100) key.symbol = unit;
+        backend->key(key);
+        turn();
     }
 
+    inline static HeadlessBackend* backend = nullptr;
     AutoreleasePool pool;
     Retained<NSWindow> window;
     Retained<NSTextView> view;
@@ -66,9 +98,9 @@ void type(benchmark::State& state) {
     TextWindow window(static_cast<std::size_t>(state.range(0)));
     std::size_t pixels = 0;
     bool isTyped = false;
-    screenlessBackend().takePresented();
+    TextWindow::backend->takePresented();
     for (auto _ : state) TextWindow::press((isTyped = !isTyped) ? u'x' : unichar{NSDeleteCharacter});
-    for (const PixelRect& rect : screenlessBackend().takePresented())
+    for (const PixelRect& rect : TextWindow::backend->takePresented())
         pixels += static_cast<std::size_t>(rect.width) * static_cast<std::size_t>(rect.height);
     state.counters["pixels"] = static_cast<double>(pixels) / static_cast<double>(state.iterations());
 }
@@ -81,7 +113,7 @@ void turnPage(benchmark::State& state) {
             state.PauseTiming();
             window.view->setSelectedRange({0, 0});
             window.view->scrollRangeToVisible({0, 0});
-            turnScreenless();
+            TextWindow::turn();
             state.ResumeTiming();
         }
     }
@@ -91,7 +123,7 @@ void blink(benchmark::State& state) {
     TextWindow window(kLength);
     for (auto _ : state) {
         send(window.view.get(), "blinkCaret:"_sel, nullptr);
-        turnScreenless();
+        TextWindow::turn();
     }
 }
 
@@ -108,7 +140,7 @@ struct QtWindow {
     explicit QtWindow(std::size_t length) {
         edit.setFont(QFont("DejaVu Sans", 9));
         edit.resize(800, 600);
-        edit.setPlainText(QString::fromStdString(paragraphsOf(length)));
+        edit.setPlainText(QString::fromStdString(text(length)));
         edit.show();
         edit.setFocus();
         auto cursor = edit.textCursor();
