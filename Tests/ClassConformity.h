@@ -3,6 +3,7 @@
 #pragma once
 
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -94,6 +95,10 @@ struct Progress {
 /// The whole life of a child process.
 [[noreturn]] inline void runSteps(Progress* progress,
                                   const std::function<std::vector<Step>()>& makeSteps) noexcept {
+    // Steps leave behind what they make, and of some of it, such as queues for file events, the system has
+    // few for all processes.
+    const rlimit few = {64, 64};
+    setrlimit(RLIMIT_NOFILE, &few);
     std::strcpy(progress->name, "The making of samples");
     alarm(60);
     const std::vector<Step> steps = makeSteps();

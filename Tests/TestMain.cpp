@@ -5,6 +5,7 @@
 #include "Prelude.h"
 
 #include "Sanitizers.h"
+#include "StuckTest.h"
 
 #if PELVOR_ADDRESS_SANITIZER
 // fontconfig forgets a little of what its rules for standing in make.
@@ -42,12 +43,19 @@ void Listener::hear(id what) {
 
 namespace {
 
-// Every test has a pool of its own.
-class PoolOfTheTest : public ::testing::EmptyTestEventListener {
-    void OnTestStart(const ::testing::TestInfo&) override { _pool.emplace(); }
-    void OnTestEnd(const ::testing::TestInfo&) override { _pool.reset(); }
+// Every test has a pool of its own, and tells where it waits if it does not end.
+class FrameOfTheTest : public ::testing::EmptyTestEventListener {
+    void OnTestStart(const ::testing::TestInfo&) override {
+        _pool.emplace();
+        _stuck.begin();
+    }
+    void OnTestEnd(const ::testing::TestInfo&) override {
+        _pool.reset();
+        _stuck.end();
+    }
 
     std::optional<AutoreleasePool> _pool;
+    StuckTest _stuck;
 };
 
 }  // namespace
@@ -55,6 +63,6 @@ class PoolOfTheTest : public ::testing::EmptyTestEventListener {
 
 int main(int argc, char** argv) {
     testing::InitGoogleMock(&argc, argv);
-    testing::UnitTest::GetInstance()->listeners().Append(new pelvor::PoolOfTheTest);
+    testing::UnitTest::GetInstance()->listeners().Append(new pelvor::FrameOfTheTest);
     return RUN_ALL_TESTS();
 }

@@ -62,7 +62,7 @@ NSDictionary* pageWishes(WRArguments* arguments) {
 
 NSDictionary* pageOptions(WRDocument* document, NSDictionary* wishes) {
     auto* options = NSMutableDictionary::dictionaryWithDictionary(wishes);
-    if (document->hasFile()) options->setObject_forKey(document->name(), WRTitleKey);
+    options->setObject_forKey(document->name(), WRTitleKey);
     if (document->richText()) options->setObject_forKey(document->richText(), WRRichTextKey);
     if (document->settings()) options->setObject_forKey(document->settings(), WRDocumentSettingsKey);
     return options;

@@ -2,6 +2,7 @@
 #include "Writer/TextEdit.h"
 
 #include "Scanning/OFStringScanner.h"
+#include "Writer/TextEscapes.h"
 
 namespace pelvor {
 namespace {
@@ -21,15 +22,7 @@ std::optional<NSUInteger> readNumberAfterSpace(OFStringScanner* scanner) {
 
 NSString* readText(OFStringScanner* scanner, NSString* line) {
     if (scanner->readCharacter() != u' ') return nullptr;
-    const StringUnits units(line, {scanner->scanLocation(), line->length() - scanner->scanLocation()});
-    std::u16string text;
-    for (NSUInteger i = 0; i < units.size(); ++i) {
-        const std::u16string_view escape = units.view().substr(i, 2);
-        const bool isEscape = escape == u"\\n" || escape == u"\\t" || escape == u"\\\\";
-        if (isEscape) ++i;
-        text.push_back(!isEscape ? units[i] : units[i] == u'n' ? u'\n' : units[i] == u't' ? u'\t' : u'\\');
-    }
-    return NSString::of(text);
+    return textFromEscapes(line->substringFromIndex(scanner->scanLocation()));
 }
 
 }  // namespace

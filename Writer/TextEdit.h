@@ -21,8 +21,7 @@ inline constexpr NSUInteger kGreatestTextPosition = 999'999'999;
 std::optional<NSUInteger> textPositionOf(NSString* text);
 
 /// Reads "insert POSITION TEXT", "delete POSITION LENGTH" or "replace POSITION LENGTH TEXT"; no value for any
-/// other line. The text goes on to the end of the line; "\n", "\t" and "\\" in it stand for a line end, a tab
-/// and a backslash.
+/// other line. The text goes on to the end of the line and is written as in TextEscapes.h.
 std::optional<TextEdit> textEditOf(NSString* line);
 
 }  // namespace pelvor

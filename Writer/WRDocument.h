@@ -49,7 +49,7 @@ class PELVOR_EXPORT WRDocument : public NSObject {
     /// does its having formats, which undoing may bring back.
     void takeReading(WRDocument* other);
     // C++ only
-    /// The file when it was last read or written.
+    /// The file when it was last read or written, or when the user has last decided to replace it.
     const FileIdentity& fileIdentity() { return _fileIdentity; }
     void setFileIdentity(const FileIdentity& identity) { _fileIdentity = identity; }
 

@@ -67,8 +67,10 @@ NSDictionary* WRDocumentSaver::saveDocument_toPath_encoding(WRDocument* document
     NSDictionary* answer = askPlugIn(_writer, "writeText:toPath:options:"_sel, document->text(), path,
                                      optionsFor(document, encodingName));
     _problem.set(problemOfAnswer(answer, WRByteCountKey, _writer));
-    if (id error = answer->objectForKey(WRErrorKey); error && error->isEqual(WRErrorEncoding))
-        _remedy = SavingRemedy::encoding;
+    if (id error = answer->objectForKey(WRErrorKey))
+        _remedy = error->isEqual(WRErrorEncoding) ? SavingRemedy::encoding
+                  : error->isEqual(WRErrorFile)   ? SavingRemedy::file
+                                                  : SavingRemedy::none;
     return _problem ? nullptr : answer;
 }
 
@@ -101,7 +103,7 @@ bool WRDocumentSaver::keepsFormats(PBProfile* writer) {
 }
 
 bool WRDocumentSaver::dropsFormats(WRDocument* document) {
-    return _writer && document->richText() && !keepsFormats(_writer);
+    return _writer && (document->richText() || document->settings()) && !keepsFormats(_writer);
 }
 
 // What forbids the saving before any writer is asked; null if nothing does.

@@ -46,7 +46,7 @@ class PELVOR_EXPORT WRDocumentSaver : public NSObject {
     PBProfile* readerForPath(NSString* path);
     /// Whether the profile is that of a writer that writes formats. False for null.
     static bool keepsFormats(PBProfile* writer);
-    /// Whether the document has formats and the writer does not write them.
+    /// Whether the document has formats or page settings and the writer does not write them.
     bool dropsFormats(WRDocument* document);
 
   protected:

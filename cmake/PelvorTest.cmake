@@ -6,7 +6,10 @@ find_package(Threads REQUIRED)
 include(GoogleTest)
 
 # What all test programs share: the main function, and the prelude that each test starts with.
-add_library(PelvorTestPrelude OBJECT "${PROJECT_SOURCE_DIR}/Tests/TestMain.cpp")
+add_library(PelvorTestPrelude OBJECT
+    "${PROJECT_SOURCE_DIR}/Tests/StuckTest.cpp"
+    "${PROJECT_SOURCE_DIR}/Tests/TestMain.cpp"
+)
 pelvor_warnings(PelvorTestPrelude)
 pelvor_unoptimised(PelvorTestPrelude)
 target_include_directories(PelvorTestPrelude PUBLIC "${PROJECT_SOURCE_DIR}/Tests")

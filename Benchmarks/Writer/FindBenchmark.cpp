@@ -9,25 +9,9 @@
 #include <QTextEdit>
 #include <string>
 
-#include "Foundation/NSMutableDictionary.h"
-#include "Foundation/NSNumber.h"
-#include "Foundation/NSRunLoop.h"
 #include "Foundation/NSUndoManager.h"
-#include "Interface/Backend/DisplayConnection.h"
-#include "Interface/Backend/HeadlessBackend.h"
-#include "Interface/NSApplication.h"
-#include "Interface/NSScrollView.h"
-#include "Interface/NSWindow.h"
-#include "Runtime/AutoreleasePool.h"
-#include "Runtime/Registry.h"
-#include "Text/NSFont.h"
-#include "Text/NSTextStorage.h"
-#include "Text/TextAttributes.h"
-#include "Writer/PlugInProtocol.h"
-#include "Writer/Windows/WRPageView.h"
+#include "Writer/PageWindow.h"
 #include "Writer/Windows/WRTextFinder.h"
-#include "Writer/Windows/WRZoomView.h"
-#include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
 namespace {
@@ -43,65 +27,8 @@ std::string text() {
     return made;
 }
 
-NSDictionary* a4() {
-    auto* settings = NSMutableDictionary::dictionary();
-    const auto set = [&](NSString* key, float value) {
-        settings->setObject_forKey(NSNumber::numberWithFloat(value), key);
-    };
-    set(WRPageWidthKey, 595);
-    set(WRPageHeightKey, 842);
-    for (NSString* key : {WRLeftMarginKey, WRRightMarginKey, WRTopMarginKey, WRBottomMarginKey}) set(key, 72);
-    return settings;
-}
-
-/// Pages in a window, all of them found.
-struct PageWindow {
-    explicit PageWindow(bool isAtEnd) {
-        registerLibrary(windowsLibrary);
-        if (!backend) {
-            DisplayConnection::open([](BackendSink& sink) {
-                auto made = std::make_unique<HeadlessBackend>(sink);
-                backend = made.get();
-                return made;
-            });
-            NSApplication::sharedApplication()->deliverEventsInRunLoop();
-        }
-        window = NSWindow::initWithContentRect_styleMask_backing_defer(
-            {{0, 0}, {800, 900}}, NSTitledWindowMask, NSBackingStoreBuffered, true);
-        auto scrollView = NSScrollView::initWithFrame({{0, 0}, {800, 900}});
-        scrollView->setHasVerticalScroller(true);
-        view = WRPageView::create(
-            NSTextStorage::initWithString_attributes(
-                NSString::ofUTF8(text()),
-                NSDictionary::of({{NSFontAttributeName, NSFont::fontWithName_size(u"DejaVu Serif"_ns, 11)}})),
-            a4());
-        scrollView->setDocumentView(WRZoomView::create(view).get());
-        window->setContentView(scrollView);
-        window->makeFirstResponder(view);
-        window->makeKeyAndOrderFront(nullptr);
-        while (!view->isComplete()) view->findMorePages();
-        if (isAtEnd) view->setSelectedRange({view->string()->length(), 0});
-        if (isAtEnd) view->scrollRangeToVisible(view->selectedRange());
-        do paint();
-        while (NSRunLoop::mainRunLoop()->performReadyWorkForMode(NSDefaultRunLoopMode));
-        backend->takePresented();
-    }
-    ~PageWindow() { window->close(); }
-    /// Until something is painted. Pages that are not seen are found later.
-    static void paint() {
-        AutoreleasePool pool;
-        for (int turn = 0; turn < 20 && backend->takePresented().empty(); ++turn)
-            NSRunLoop::mainRunLoop()->performReadyWorkForMode(NSDefaultRunLoopMode);
-    }
-
-    static inline HeadlessBackend* backend = nullptr;
-    AutoreleasePool pool;
-    Retained<NSWindow> window;
-    Retained<WRPageView> view;
-};
-
 void replace(benchmark::State& state, bool isUndone) {
-    PageWindow pages(state.range(0) != 0);
+    PageWindow pages(text(), static_cast<double>(state.range(0)));
     auto finder = WRTextFinder::init();
     finder->setQuery({u"quick"_ns->copy(), true, false});
     finder->setReplacement(u"slow"_ns);

@@ -62,7 +62,7 @@ void writeWholeText(benchmark::State& state) {
     const auto origin = archivedOrigin({});
     const auto text = typist.storage->copy();
     for (auto _ : state)
-        if (!file.writeText(origin, text)) return state.SkipWithError("the text was not written");
+        if (!file.writeText(origin, text, 0)) return state.SkipWithError("the text was not written");
     file.remove();
 }
 

@@ -10,7 +10,6 @@
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSControl.h"
 #include "Interface/NSImage.h"
-#include "Interface/Texts/CopiedText.h"
 #include "Runtime/Message.h"
 #include "Text/NSColor.h"
 
@@ -36,8 +35,14 @@ PELVOR_DEFINE_CLASS(NSButtonCell, interfaceLibrary) {
     methods.instance<"drawTitle:withFrame:inView:", &NSButtonCell::drawTitle_withFrame_inView>();
 }
 
+namespace {
+
+Retained<NSString> copied(NSString* text) { return (text ? text : u""_ns)->copy(); }
+
+}  // namespace
+
 NSButtonCell::NSButtonCell() {
-    _button.title = _button.alternateTitle = _button.keyEquivalent = copiedText(nullptr);
+    _button.title = _button.alternateTitle = _button.keyEquivalent = copied(nullptr);
     _values.isBordered = true;
     _values.alignment = NSCenterTextAlignment;
 }
@@ -58,7 +63,7 @@ void NSButtonCell::setButtonType(NSButtonType type) {
 
 void NSButtonCell::setTitle(NSString* title) {
     _button.attributedTitle = nullptr;
-    _button.title = copiedText(title);
+    _button.title = copied(title);
     changed();
 }
 
@@ -74,7 +79,7 @@ void NSButtonCell::setAttributedTitle(NSAttributedString* title) {
 }
 
 void NSButtonCell::setAlternateTitle(NSString* title) {
-    _button.alternateTitle = copiedText(title);
+    _button.alternateTitle = copied(title);
     changed();
 }
 
@@ -95,7 +100,7 @@ void NSButtonCell::setImagePosition(NSCellImagePosition position) {
 }
 
 void NSButtonCell::setKeyEquivalent(NSString* key) {
-    _button.keyEquivalent = copiedText(key);
+    _button.keyEquivalent = copied(key);
     lookChanged();
 }
 

@@ -257,22 +257,29 @@ void NSTextView::showDropPlace(NSUInteger index) {
     setNeedsPreparation();
 }
 
+// The text that loses what is dropped here; null where it is copied.
+NSTextView* NSTextView::moverOf(NSDraggingInfo* info) {
+    auto* source = cast<NSTextView>(info->draggingSource());
+    if (!source || !source->isEditable() || GetCurrentKeyModifiers() & kKeyModifierCommand) return nullptr;
+    return source == this || !(isFieldEditor() || source->isFieldEditor()) ? source : nullptr;
+}
+
 NSUInteger NSTextView::draggingMoved(NSDraggingInfo* info) {
     if (!info || !isEditable() || !mayLayOut()) return NSDragOperationNone;
     showDropPlace(dropIndex(info));
-    return info->draggingSource() == this ? NSDragOperationMove : NSDragOperationCopy;
+    return moverOf(info) ? NSDragOperationMove : NSDragOperationCopy;
 }
 
 void NSTextView::draggingExited(NSDraggingInfo*) { showDropPlace(NSNotFound); }
 
-// What comes from this view moves, unless Ctrl is down; all else is copied.
 bool NSTextView::performDragOperation(NSDraggingInfo* info) {
     if (!info || !isEditable() || !mayLayOut()) return false;
     const auto alive = Retained<NSTextView>::retaining(this);
     showDropPlace(NSNotFound);
     NSUInteger index = dropIndex(info);
     const NSRange source = _state->selection;
-    const bool moves = info->draggingSource() == this && !(GetCurrentKeyModifiers() & kKeyModifierCommand);
+    const auto mover = Retained<NSTextView>::retaining(moverOf(info));
+    const bool moves = mover == this;
     if (moves && index >= source.location && index <= NSMaxRange(source)) return false;
     breakUndoCoalescing();
     if (moves) {
@@ -283,6 +290,7 @@ bool NSTextView::performDragOperation(NSDraggingInfo* info) {
     index = _state->clamped(index);
     setSelectedRange({index, 0});
     if (!readSelectionFromPasteboard(info->draggingPasteboard())) return false;
+    if (mover && !moves) mover->replace(mover->_state->selection, u""_ns);
     const NSUInteger end = _state->selection.location;
     if (end > index) setSelectedRange({index, end - index});
     if (window()) window()->makeFirstResponder(this);

@@ -208,7 +208,7 @@ PELVOR_DEFINE_CLASS(NSTextView, interfaceLibrary) {
     methods.instanceAs<"draggingEntered:", &NSTextView::draggingMoved>();
     methods.instanceAs<"draggingUpdated:", &NSTextView::draggingMoved>();
     methods.instanceAs<"draggingExited:", &NSTextView::draggingExited>();
-    methods.instanceAs<"performDragOperation:", &NSTextView::performDragOperation>();
+    methods.instance<"performDragOperation:", &NSTextView::performDragOperation>();
     methods.instanceAs<"pasteboard:provideDataForType:", &NSTextView::provideSelection>();
     methods.instanceAs<"validateMenuItem:", &NSTextView::validateMenuItem>();
 }

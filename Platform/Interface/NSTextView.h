@@ -108,8 +108,6 @@ class PELVOR_EXPORT NSTextView : public NSText {
     NSUInteger characterIndexForInsertionAtPoint(NSPoint point);
     /// Where the caret stands in the view, without width; zeros where there is no room for the text.
     NSRect caretRectForCharacterAtIndex(NSUInteger index);
-    /// Below the caret, where that is seen.
-    NSPoint contextMenuPlace() override;
     /// The least rectangle of the view that holds the characters.
     NSRect rectForCharacterRange(NSRange range);
 
@@ -201,6 +199,12 @@ class PELVOR_EXPORT NSTextView : public NSText {
     virtual bool writeSelectionToPasteboard_type(NSPasteboard* pasteboard, NSString* type);
     bool readSelectionFromPasteboard(NSPasteboard* pasteboard);
     virtual bool readSelectionFromPasteboard_type(NSPasteboard* pasteboard, NSString* type);
+
+    // Dragging (see NSDraggingInfo). What is dragged from a text that can be edited moves, also into another
+    // window of this program, unless Ctrl is down; field editors and other programs get and give copies.
+
+    virtual NSUInteger draggingMoved(NSDraggingInfo* info);
+    virtual bool performDragOperation(NSDraggingInfo* info);
 
     // Of the superclasses
 
@@ -332,9 +336,8 @@ class PELVOR_EXPORT NSTextView : public NSText {
     void stopAutoscrolling();
     bool clickLink(NSUInteger index);
     bool beginDrag();
-    NSUInteger draggingMoved(NSDraggingInfo* info);
     void draggingExited(NSDraggingInfo* info);
-    bool performDragOperation(NSDraggingInfo* info);
+    NSTextView* moverOf(NSDraggingInfo* info);
     void showDropPlace(NSUInteger index);
     NSUInteger dropIndex(NSDraggingInfo* info);
     void provideSelection(NSPasteboard* pasteboard, NSString* type);

@@ -21,6 +21,7 @@
 #include "Text/NSTextTab.h"
 #include "Text/TextAttributes.h"
 #include "Writer/LocalizedText.h"
+#include "Writer/Pages/PageLines.h"
 #include "Writer/Pages/StyleSheet.h"
 #include "Writer/PlugInProtocol.h"
 
@@ -100,7 +101,6 @@ class StyleSheetReader {
     void readStyle(NSString* name, Styles& styles, bool isForParagraphs);
     void takeBase(id base, Styles& styles, NamedStyle& style, bool isForParagraphs);
     void readPage(StyleSheet& sheet, NSDictionary* page);
-    Retained<NSAttributedString> lineOf(const StyleSheet& sheet, NSString* style, NSString* text);
 
     template <class... Arguments>
     void fail(NSString* key, const Arguments&... arguments) {
@@ -438,27 +438,12 @@ void StyleSheetReader::readPage(StyleSheet& sheet, NSDictionary* page) {
         } else if (key->isEqualToString(u"header"_ns) || key->isEqualToString(u"footer"_ns)) {
             const bool isHeader = key->isEqualToString(u"header"_ns);
             if (NSString* line = text(entry.value))
-                settings->setObject_forKey(lineOf(sheet, key, line).get(),
+                settings->setObject_forKey(lineWithText(line, attributesOfLine(sheet, key)).get(),
                                            isHeader ? WRHeaderKey : WRFooterKey);
         } else {
             fail(u"_this key is not known."_ns);
         }
     }
-}
-
-// "{page}", "{pages}" and "{title}" stand for the numbers and the title.
-Retained<NSAttributedString> StyleSheetReader::lineOf(const StyleSheet& sheet, NSString* style,
-                                                      NSString* text) {
-    const auto put = [&](NSString* name, unichar sign) {
-        text = text->stringByReplacingOccurrencesOfString_withString(name,
-                                                                     NSString::of(std::u16string(1, sign)));
-    };
-    put(u"{page}"_ns, WRPageNumberCharacter);
-    put(u"{pages}"_ns, WRPageCountCharacter);
-    put(u"{title}"_ns, WRTitleCharacter);
-    const NamedStyle* found = sheet.paragraphStyle(style);
-    if (!found) found = sheet.paragraphStyle(kPlainStyleName);
-    return NSAttributedString::initWithString_attributes(text, found ? attributesOfStyle(*found) : nullptr);
 }
 
 std::optional<StyleSheet> StyleSheet::read(NSString* path, NSString** problem) {

@@ -34,11 +34,8 @@ void setMargins(NSMutableDictionary* settings, NSNumber* margin) {
 NSDictionary* settingsFor(const PageWishes& wishes, NSDictionary* options) {
     auto* settings = NSMutableDictionary::dictionaryWithDictionary(wishes.defaults->settings());
     if (NSString* name = stringEntry(options, WRTitleKey)) settings->setObject_forKey(name, WRTitleKey);
-    if (auto* own = cast<NSDictionary>(options->objectForKey(WRDocumentSettingsKey))) {
-        settings->removeObjectForKey(WRHeaderKey);
-        settings->removeObjectForKey(WRFooterKey);
+    if (auto* own = cast<NSDictionary>(options->objectForKey(WRDocumentSettingsKey)))
         settings->addEntriesFromDictionary(own);
-    }
     if (wishes.sheet) settings->addEntriesFromDictionary(wishes.sheet->settings());
     if (NSString* paper = stringEntry(options, WRPaperKey)) {
         const NSSize size = StyleSheet::paperSizeNamed(paper);

@@ -66,11 +66,12 @@ RecoveryFile::RecoveryFile(std::string folder) : _folder(std::move(folder)), _na
 RecoveryFile::RecoveryFile(std::string folder, std::string name, LockedFile file)
     : _folder(std::move(folder)), _name(std::move(name)), _file(std::move(file)) {}
 
-bool RecoveryFile::writeText(NSData* origin, NSAttributedString* text) {
+bool RecoveryFile::writeText(NSData* origin, NSAttributedString* text, NSUInteger place) {
     std::string bytes(kRecoverySignature);
     RecoveryAttributes attributes;
     addOriginRecord(bytes, origin);
     if (!addEditRecord(bytes, attributes, text, {0, text->length()}, 0)) return false;
+    addEditRecord(bytes, attributes, text, {place, 0}, 0);
     if (bytes.size() > kLongestRecoveryFile / 2) {  // there will be edits behind it
         errno = EFBIG;
         return false;
@@ -110,13 +111,15 @@ bool RecoveryFile::finish(int made, std::string_view bytes) {
     return false;
 }
 
-bool RecoveryFile::writeEdit(NSData* origin, NSAttributedString* text, NSRange range, NSUInteger removed) {
+bool RecoveryFile::writeEdit(NSData* origin, NSAttributedString* text, NSRange range, NSUInteger removed,
+                             NSUInteger place) {
     struct stat state;
-    if (!isThere() || fstat(_file, &state) != 0 || state.st_nlink == 0) return writeText(origin, text);
+    if (!isThere() || fstat(_file, &state) != 0 || state.st_nlink == 0) return writeText(origin, text, place);
     std::string bytes;
     if (!addEditRecord(bytes, _attributes, text, range, removed)) return false;
+    if (place != NSMaxRange(range)) addEditRecord(bytes, _attributes, text, {place, 0}, 0);
     const std::uint64_t edits = _size - _textSize + bytes.size();
-    return edits > std::max(_textSize, kLeastEdits) ? writeText(origin, text) : append(bytes);
+    return edits > std::max(_textSize, kLeastEdits) ? writeText(origin, text, place) : append(bytes);
 }
 
 bool RecoveryFile::append(std::string_view bytes) {

@@ -38,12 +38,13 @@ class RecoveryFile {
 
     const std::string& folder() const { return _folder; }
     bool isThere() const { return _file >= 0; }
-    /// Puts the text in the place of all that the file holds.
-    bool writeText(NSData* origin, NSAttributedString* text);
-    /// Adds an edit: the range of `text`, which is the whole text, took the place of `removed` units. Writes
-    /// the whole text instead where the edits have become longer than the text that they began with. The
-    /// call before this one has succeeded, and was no `remove`.
-    bool writeEdit(NSData* origin, NSAttributedString* text, NSRange range, NSUInteger removed);
+    /// Puts the text in the place of all that the file holds. The user was at `place` in it.
+    bool writeText(NSData* origin, NSAttributedString* text, NSUInteger place);
+    /// Adds an edit: the range of `text`, which is the whole text, took the place of `removed` units, and the
+    /// user was at `place` in it. Writes the whole text instead where the edits have become longer than the
+    /// text that they began with. The call before this one has succeeded, and was no `remove`.
+    bool writeEdit(NSData* origin, NSAttributedString* text, NSRange range, NSUInteger removed,
+                   NSUInteger place);
     void remove();
 
   private:

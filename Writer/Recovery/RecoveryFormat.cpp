@@ -233,6 +233,7 @@ class RecoveryReader {
             NSString::stringWithCharacters_length(units.data(), static_cast<NSUInteger>(added)), runs);
         if (!_content.text) _content.text = NSMutableAttributedString::init();
         _content.text->replaceCharactersInRange_withAttributedString({head.location, head.removed}, piece);
+        _content.place = head.location + piece->length();
         return true;
     }
 

@@ -22,7 +22,8 @@ namespace pelvor {
 //     edit        location, number of units removed, number of runs; for each run the number of its
 //                 attributes and its length; the units
 //
-// The text is empty before the first edit. Each record is written in one step; a reader takes the records
+// The text is empty before the first edit. The last edit ends where the user was; an edit that changes
+// nothing may stand there to tell that place. Each record is written in one step; a reader takes the records
 // from the front on that are whole, and drops the rest.
 
 inline constexpr std::string_view kRecoverySignature = "WRRecovery 1\n";
@@ -54,6 +55,7 @@ bool addEditRecord(std::string& bytes, RecoveryAttributes& attributes, NSAttribu
 struct RecoveryContent {
     RecoveryOrigin origin;
     Retained<NSMutableAttributedString> text;
+    NSUInteger place = 0;  ///< the end of the last edit
 };
 
 /// Reads a file's bytes, whatever they are. No value, and the reason in English, if they hold no text.

@@ -98,7 +98,7 @@ void addDocument(std::vector<AbandonedDocument>& documents, const std::string& f
     if (!content) return moveAside(path, reason);
     const double seconds =
         static_cast<double>(state.st_mtim.tv_sec) + static_cast<double>(state.st_mtim.tv_nsec) / 1e9;
-    documents.push_back({std::move(content->origin), std::move(content->text),
+    documents.push_back({std::move(content->origin), std::move(content->text), content->place,
                          Retained<NSDate>::retaining(NSDate::dateWithTimeIntervalSince1970(seconds)),
                          std::make_shared<RecoveryFile>(folder, name, std::move(file))});
 }

@@ -23,6 +23,7 @@ enum class RecoveredFileState : std::uint8_t { unchanged, changed, missing, neve
 struct AbandonedDocument {
     RecoveryOrigin origin;
     Retained<NSMutableAttributedString> text;  ///< with the formats as they were in the text storage
+    NSUInteger place;                          ///< in the text: where the last edit was
     Retained<NSDate> date;                     ///< of the last record
     std::shared_ptr<RecoveryFile> file;        ///< for `WRRecoveryJournal::create`
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Recovery/WRRecoveryJournal.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 
@@ -26,14 +27,14 @@ struct Writing {
     Retained<NSAttributedString> text;
     bool isWhole;
     NSRange range;
-    NSUInteger removed;
+    NSUInteger removed, place;
 
     int operator()() const noexcept {
         AutoreleasePool pool;
         try {
             errno = 0;
-            const bool isWritten =
-                isWhole ? file->writeText(origin, text) : file->writeEdit(origin, text, range, removed);
+            const bool isWritten = isWhole ? file->writeText(origin, text, place)
+                                           : file->writeEdit(origin, text, range, removed, place);
             return isWritten ? 0 : errno ? errno : EIO;
         } catch (const std::bad_alloc&) {
             return ENOMEM;
@@ -53,10 +54,11 @@ PELVOR_DEFINE_CLASS(WRRecoveryJournal, recoveryLibrary) {
 }
 
 Retained<WRRecoveryJournal> WRRecoveryJournal::create(NSTextStorage* storage, RecoveryOrigin origin,
-                                                      std::shared_ptr<RecoveryFile> file) {
+                                                      std::shared_ptr<RecoveryFile> file, NSUInteger place) {
     auto self = make<WRRecoveryJournal>(classObject());
     self->_origin = std::move(origin);
     self->_file = std::move(file);
+    self->_place = place;
     storage->addLayoutManager(self);
     if (self->_file->isThere()) {
         self->_isChanged = true;
@@ -75,11 +77,12 @@ void WRRecoveryJournal::setTextStorage(NSTextStorage* storage) {
 }
 
 void WRRecoveryJournal::textStorage_edited_range_changeInLength_invalidatedRange(NSTextStorage*, unsigned,
-                                                                                 NSRange,
+                                                                                 NSRange range,
                                                                                  NSInteger changeInLength,
                                                                                  NSRange invalidated) {
     if (_countsEdit && !_countsEdit()) return;
     addChange(invalidated, changeInLength);
+    _place = NSMaxRange(range);
     _isChanged = true;
     if (!_timer) writeIn(kInterval);
 }
@@ -132,7 +135,8 @@ void WRRecoveryJournal::startWriting() {
     _written = _storage->copy();
     const bool isWhole = _isWholeDue || _changed.location == NSNotFound;
     const NSUInteger removed = _changed.length - static_cast<NSUInteger>(_changeInLength);
-    Writing writing{_file, _archivedOrigin, _written, isWhole, _changed, removed};
+    const NSUInteger place = std::min(_place, _written->length());
+    Writing writing{_file, _archivedOrigin, _written, isWhole, _changed, removed, place};
     _isWholeDue = false;
     forgetChanges();
     try {

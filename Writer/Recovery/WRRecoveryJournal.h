@@ -34,16 +34,17 @@ class WRRecoveryJournal : public NSObject {
     // C++ only
 
     /// Begins to listen. The file is a new one, or that of an abandoned document, which is then written anew
-    /// at once: the old content stays until the new one is on the disk.
+    /// at once: the old content stays until the new one is on the disk. The last edit was at `place`.
     static Retained<WRRecoveryJournal> create(NSTextStorage* storage, RecoveryOrigin origin,
-                                              std::shared_ptr<RecoveryFile> file);
+                                              std::shared_ptr<RecoveryFile> file, NSUInteger place = 0);
 
     /// Called once, with a sentence for the user, when the changes cannot be written. The journal goes on
     /// trying.
     void setProblemHandler(std::function<void(NSString*)> handler) { _problemHandler = std::move(handler); }
     /// Edits of attributes that are told of while the function returns false are no changes of the document.
     void setFilter(std::function<bool()> countsEdit) { _countsEdit = std::move(countsEdit); }
-    /// The document has other settings or another path than before: a change that is in no file.
+    /// The document has other settings or another path than before, or its file is gone: what is in the
+    /// storage is in no file.
     void setOrigin(RecoveryOrigin origin);
     /// The text is that of the document's file: it was saved, or read again. Removes the recovery file.
     void documentIsInFile(RecoveryOrigin origin);
@@ -91,6 +92,7 @@ class WRRecoveryJournal : public NSObject {
     bool _isWholeDue = true;
     NSRange _changed{NSNotFound, 0};
     NSInteger _changeInLength = 0;
+    NSUInteger _place = 0;  // the end of the last edit
 
     std::future<int> _writing;              // an errno value; not valid while nothing is written
     Retained<NSAttributedString> _written;  // kept, so that its objects do not end on the other thread

@@ -5,13 +5,16 @@
 
 #include <dlfcn.h>
 
+#include <cmath>
+#include <cstdlib>
 #include <string>
+#include <string_view>
 
 #include "Foundation/NSData.h"
-#include "Writer/LocalizedText.h"
 
 #if __has_include(<cups/cups.h>)
 #include <cups/cups.h>
+#include <cups/pwg.h>
 #define WRITER_HAS_CUPS
 #endif
 
@@ -20,11 +23,11 @@ namespace {
 
 class NoPrinters : public PrintService {
   public:
-    std::vector<Printer> printers() override { return {}; }
-    int print(NSString*, NSData*, NSString*, unsigned, NSString** reason) override {
-        *reason = localized(u"_there are no printers"_ns);
-        return 0;
-    }
+    PrintProblem findPrinters(std::vector<Printer>&, const Flag&) override { return nothing(); }
+    PrintProblem print(const PrintJob&, int&, const Flag&) override { return nothing(); }
+
+  private:
+    static PrintProblem nothing() { return {PrintProblem::Kind::noService, nullptr}; }
 };
 
 #ifdef WRITER_HAS_CUPS
@@ -48,8 +51,10 @@ class Cups {
   public:
 #define WRITER_CUPS_FUNCTION(name) decltype(&::name) name = find<decltype(&::name)>(#name)
     WRITER_CUPS_FUNCTION(cupsAddOption);
+    WRITER_CUPS_FUNCTION(cupsCancelDestJob);
     WRITER_CUPS_FUNCTION(cupsCopyDestInfo);
     WRITER_CUPS_FUNCTION(cupsCreateDestJob);
+    WRITER_CUPS_FUNCTION(cupsEncryption);
     WRITER_CUPS_FUNCTION(cupsFinishDestDocument);
     WRITER_CUPS_FUNCTION(cupsFreeDestInfo);
     WRITER_CUPS_FUNCTION(cupsFreeDests);
@@ -57,58 +62,152 @@ class Cups {
     WRITER_CUPS_FUNCTION(cupsGetDests2);
     WRITER_CUPS_FUNCTION(cupsGetNamedDest);
     WRITER_CUPS_FUNCTION(cupsGetOption);
+    WRITER_CUPS_FUNCTION(cupsLastError);
     WRITER_CUPS_FUNCTION(cupsLastErrorString);
+    WRITER_CUPS_FUNCTION(cupsServer);
+    WRITER_CUPS_FUNCTION(cupsSetPasswordCB2);
     WRITER_CUPS_FUNCTION(cupsStartDestDocument);
     WRITER_CUPS_FUNCTION(cupsWriteRequestData);
+    WRITER_CUPS_FUNCTION(httpClose);
+    WRITER_CUPS_FUNCTION(httpConnect2);
+    WRITER_CUPS_FUNCTION(httpSetTimeout);
+    WRITER_CUPS_FUNCTION(ippPort);
+    WRITER_CUPS_FUNCTION(pwgMediaForSize);
 #undef WRITER_CUPS_FUNCTION
+};
+
+// A connection with the server of CUPS that does not wait for ever.
+class Connection {
+  public:
+    Connection(const Cups& cups, const PrintService::Flag& gaveUp) : _cups(cups), _gaveUp(gaveUp) {
+        constexpr int kLongestConnecting = 10000;  // in milliseconds
+        // Without this the library asks on the terminal.
+        cups.cupsSetPasswordCB2(
+            [](const char*, http_t*, const char*, const char*, void*) -> const char* { return nullptr; },
+            nullptr);
+        _http = cups.httpConnect2(cups.cupsServer(), cups.ippPort(), nullptr, AF_UNSPEC,
+                                  cups.cupsEncryption(), 1, kLongestConnecting, nullptr);
+        if (_http) cups.httpSetTimeout(_http, 1, goesOnWaiting, this);
+    }
+    ~Connection() { _cups.httpClose(_http); }
+    Connection(const Connection&) = delete;
+
+    http_t* http() const { return _http; }
+    /// Why the last request failed.
+    PrintProblem problem() const {
+        if (!_http || _silence >= kLongestSilence || _gaveUp) return {PrintProblem::Kind::noAnswer, nullptr};
+        NSString* text = NSString::ofUTF8(_cups.cupsLastErrorString());
+        return {PrintProblem::Kind::refused, (text ? text : u""_ns)->copy()};
+    }
+
+  private:
+    static constexpr int kLongestSilence = 30;  // in seconds
+
+    // Asked after each second in which nothing came.
+    static int goesOnWaiting(http_t*, void* data) {
+        auto* self = static_cast<Connection*>(data);
+        return !self->_gaveUp && ++self->_silence < kLongestSilence;
+    }
+
+    const Cups& _cups;
+    const PrintService::Flag& _gaveUp;
+    http_t* _http = nullptr;
+    int _silence = 0;
+};
+
+// What a printer is told about a job.
+class JobOptions {
+  public:
+    JobOptions(const Cups& cups, const PrintJob& job, bool canPrintTwoSided) : _cups(cups) {
+        const bool isSideways = job.paper.width > job.paper.height;
+        const auto hundredths = [](float points) {  // of a millimetre
+            return static_cast<int>(std::lround(points * 2540 / 72));
+        };
+        const int width = hundredths(job.paper.width), height = hundredths(job.paper.height);
+        // Paper has its name as it lies upright in the tray.
+        const pwg_media_t* media = cups.pwgMediaForSize(std::min(width, height), std::max(width, height));
+        if (media && media->pwg) add(CUPS_MEDIA, media->pwg);
+        add(CUPS_ORIENTATION, isSideways ? CUPS_ORIENTATION_LANDSCAPE : CUPS_ORIENTATION_PORTRAIT);
+        add(CUPS_COPIES, std::to_string(job.copies).c_str());
+        if (canPrintTwoSided)
+            add(CUPS_SIDES, !job.isTwoSided ? CUPS_SIDES_ONE_SIDED
+                            : isSideways    ? CUPS_SIDES_TWO_SIDED_LANDSCAPE
+                                            : CUPS_SIDES_TWO_SIDED_PORTRAIT);
+    }
+    ~JobOptions() { _cups.cupsFreeOptions(count, options); }
+    JobOptions(const JobOptions&) = delete;
+
+    int count = 0;
+    cups_option_t* options = nullptr;
+
+  private:
+    void add(const char* name, const char* value) {
+        count = _cups.cupsAddOption(name, value, count, &options);
+    }
+
+    const Cups& _cups;
 };
 
 class CupsPrinters : public PrintService {
   public:
     bool isThere() const { return _cups.isComplete(); }
 
-    std::vector<Printer> printers() override {
-        std::vector<Printer> found;
+    PrintProblem findPrinters(std::vector<Printer>& printers, const Flag& gaveUp) override {
+        const Connection connection(_cups, gaveUp);
+        if (!connection.http()) return connection.problem();
         cups_dest_t* all = nullptr;
-        const int count = _cups.cupsGetDests2(CUPS_HTTP_DEFAULT, &all);
-        for (int i = 0; i < count; ++i) {
-            if (all[i].instance) continue;  // the same printer with other options
-            const char* title = _cups.cupsGetOption("printer-info", all[i].num_options, all[i].options);
-            NSString* name = NSString::ofUTF8(all[i].name);
-            found.push_back({name->copy(), (title && *title ? NSString::ofUTF8(title) : name)->copy(),
-                             all[i].is_default != 0});
-        }
+        const int count = _cups.cupsGetDests2(connection.http(), &all);
+        for (int i = 0; i < count; ++i)
+            if (!all[i].instance)
+                printers.push_back(printerOf(all[i]));  // else one that is there, with other options
         _cups.cupsFreeDests(count, all);
-        return found;
+        return printers.empty() && _cups.cupsLastError() > IPP_STATUS_OK_EVENTS_COMPLETE &&
+                       _cups.cupsLastError() != IPP_STATUS_ERROR_NOT_FOUND
+                   ? connection.problem()
+                   : PrintProblem{};
     }
 
-    int print(NSString* printer, NSData* pdf, NSString* title, unsigned copies, NSString** reason) override {
-        cups_dest_t* to = _cups.cupsGetNamedDest(CUPS_HTTP_DEFAULT, printer->UTF8String(), nullptr);
-        cups_dinfo_t* info = to ? _cups.cupsCopyDestInfo(CUPS_HTTP_DEFAULT, to) : nullptr;
-        const int job = info ? send(to, info, pdf, title->UTF8String(), copies) : 0;
-        if (job == 0) *reason = NSString::ofUTF8(_cups.cupsLastErrorString());
+    PrintProblem print(const PrintJob& job, int& number, const Flag& gaveUp) override {
+        const Connection connection(_cups, gaveUp);
+        http_t* http = connection.http();
+        cups_dest_t* to = http ? _cups.cupsGetNamedDest(http, job.printer->UTF8String(), nullptr) : nullptr;
+        cups_dinfo_t* info = to ? _cups.cupsCopyDestInfo(http, to) : nullptr;
+        const bool isSent = info && send(http, to, info, job, number);
+        const PrintProblem problem = isSent ? PrintProblem{} : connection.problem();
+        if (number > 0 && (!isSent || gaveUp)) _cups.cupsCancelDestJob(http, to, number);
         if (info) _cups.cupsFreeDestInfo(info);
         if (to) _cups.cupsFreeDests(1, to);
-        return job;
+        return problem;
     }
 
   private:
-    int send(cups_dest_t* to, cups_dinfo_t* info, NSData* pdf, const char* title, unsigned copies) {
-        cups_option_t* options = nullptr;
-        const int count = _cups.cupsAddOption("copies", std::to_string(copies).c_str(), 0, &options);
-        int job = 0;
-        const ipp_status_t made =
-            _cups.cupsCreateDestJob(CUPS_HTTP_DEFAULT, to, info, &job, title, count, options);
-        bool isSent = made <= IPP_STATUS_OK_EVENTS_COMPLETE &&
-                      _cups.cupsStartDestDocument(CUPS_HTTP_DEFAULT, to, info, job, title, CUPS_FORMAT_PDF,
-                                                  count, options, 1) == HTTP_STATUS_CONTINUE;
-        isSent =
-            isSent && _cups.cupsWriteRequestData(CUPS_HTTP_DEFAULT, static_cast<const char*>(pdf->bytes()),
-                                                 pdf->length()) == HTTP_STATUS_CONTINUE;
-        isSent = isSent &&
-                 _cups.cupsFinishDestDocument(CUPS_HTTP_DEFAULT, to, info) <= IPP_STATUS_OK_EVENTS_COMPLETE;
-        _cups.cupsFreeOptions(count, options);
-        return isSent ? job : 0;
+    const char* option(const cups_dest_t& printer, const char* name) {
+        const char* value = _cups.cupsGetOption(name, printer.num_options, printer.options);
+        return value ? value : "";
+    }
+
+    bool canPrintTwoSided(const cups_dest_t& printer) {
+        return std::strtoul(option(printer, "printer-type"), nullptr, 10) & CUPS_PRINTER_DUPLEX;
+    }
+
+    Printer printerOf(const cups_dest_t& printer) {
+        NSString* name = NSString::ofUTF8(printer.name);
+        NSString* title = NSString::ofUTF8(option(printer, "printer-info"));
+        return {name->copy(), (title && title->length() ? title : name)->copy(), printer.is_default != 0,
+                canPrintTwoSided(printer),
+                std::string_view(option(printer, CUPS_SIDES)).substr(0, 3) == "two"};
+    }
+
+    bool send(http_t* http, cups_dest_t* to, cups_dinfo_t* info, const PrintJob& job, int& number) {
+        const JobOptions with(_cups, job, canPrintTwoSided(*to));
+        const char* title = job.title->UTF8String();
+        return _cups.cupsCreateDestJob(http, to, info, &number, title, with.count, with.options) <=
+                   IPP_STATUS_OK_EVENTS_COMPLETE &&
+               _cups.cupsStartDestDocument(http, to, info, number, title, CUPS_FORMAT_PDF, with.count,
+                                           with.options, 1) == HTTP_STATUS_CONTINUE &&
+               _cups.cupsWriteRequestData(http, static_cast<const char*>(job.pdf->bytes()),
+                                          job.pdf->length()) == HTTP_STATUS_CONTINUE &&
+               _cups.cupsFinishDestDocument(http, to, info) <= IPP_STATUS_OK_EVENTS_COMPLETE;
     }
 
     Cups _cups;
@@ -116,23 +215,26 @@ class CupsPrinters : public PrintService {
 
 #endif
 
-std::unique_ptr<PrintService>& sharedOne() {
-    static std::unique_ptr<PrintService> service;
-    return service;
+std::shared_ptr<PrintService> installedService() {
+#ifdef WRITER_HAS_CUPS
+    if (auto cups = std::make_shared<CupsPrinters>(); cups->isThere()) return cups;
+#endif
+    return std::make_shared<NoPrinters>();
+}
+
+// Threads may still use it when the program ends.
+std::shared_ptr<PrintService>& sharedOne() {
+    static auto* service = new std::shared_ptr<PrintService>;
+    return *service;
 }
 
 }  // namespace
 
-PrintService& PrintService::shared() {
-    std::unique_ptr<PrintService>& service = sharedOne();
-#ifdef WRITER_HAS_CUPS
-    if (!service)
-        if (auto cups = std::make_unique<CupsPrinters>(); cups->isThere()) service = std::move(cups);
-#endif
-    if (!service) service = std::make_unique<NoPrinters>();
-    return *service;
+std::shared_ptr<PrintService> PrintService::shared() {
+    if (!sharedOne()) sharedOne() = installedService();
+    return sharedOne();
 }
 
-void PrintService::setShared(std::unique_ptr<PrintService> service) { sharedOne() = std::move(service); }
+void PrintService::setShared(std::shared_ptr<PrintService> service) { sharedOne() = std::move(service); }
 
 }  // namespace pelvor

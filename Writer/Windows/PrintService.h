@@ -2,37 +2,70 @@
 // The printers that can be reached from here.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <vector>
 
+#include "Foundation/NSGeometry.h"
 #include "Foundation/NSString.h"
 
 namespace pelvor {
 
 class NSData;
 
+struct Printer {
+    Retained<NSString> name;   ///< what the service calls it
+    Retained<NSString> title;  ///< what the user calls it
+    bool isDefault = false;
+    bool canPrintTwoSided = false;
+    bool isTwoSided = false;  ///< prints on both sides unless it is told otherwise
+};
+
+/// Why something could not be had from the service.
+struct PrintProblem {
+    enum class Kind {
+        none,
+        noService,  ///< nothing here prints
+        noAnswer,   ///< the service does not answer, or the caller gave up
+        refused,    ///< the service says why, in `text`
+    };
+    Kind kind = Kind::none;
+    Retained<NSString> text;
+
+    explicit operator bool() const { return kind != Kind::none; }
+};
+
+/// A PDF document to be printed.
+struct PrintJob {
+    Retained<NSString> printer, title;
+    Retained<NSData> pdf;
+    NSSize paper;  ///< of the pages as they are read, in points
+    unsigned copies = 1;
+    /// Ignored by printers that have one side only.
+    bool isTwoSided = false;
+};
+
 /// What prints documents: CUPS, where it is installed. It is loaded when somebody asks for printers first.
-/// Main thread; printers in a network may take a moment.
+///
+/// A service in a network may take its time, and one that is broken may never answer; so these operations are
+/// called on a thread of their own. They return within a second or two once the caller sets `gaveUp`, and by
+/// themselves when the service has said nothing for half a minute. Any thread.
 class PrintService {
   public:
-    struct Printer {
-        Retained<NSString> name;   ///< what the service calls it
-        Retained<NSString> title;  ///< what the user calls it
-        bool isDefault = false;
-    };
+    using Flag = std::atomic<bool>;
 
     virtual ~PrintService() = default;
 
-    /// Empty where there are none, and where nothing prints.
-    virtual std::vector<Printer> printers() = 0;
-    /// Sends a PDF document to the printer, so many copies. Returns the number of the job; or 0, and the
-    /// reason as a clause for the user, borrowed.
-    virtual int print(NSString* printer, NSData* pdf, NSString* title, unsigned copies,
-                      NSString** reason) = 0;
+    /// Puts the printers into the vector, which stays empty where there are none.
+    virtual PrintProblem findPrinters(std::vector<Printer>& printers, const Flag& gaveUp) = 0;
+    /// Sends the job, and sets its number, which is above 0. A job that was sent when the caller had given up
+    /// is taken back.
+    virtual PrintProblem print(const PrintJob& job, int& number, const Flag& gaveUp) = 0;
 
-    static PrintService& shared();
-    /// For tests.
-    static void setShared(std::unique_ptr<PrintService> service);
+    /// Main thread.
+    static std::shared_ptr<PrintService> shared();
+    /// For tests. Main thread.
+    static void setShared(std::shared_ptr<PrintService> service);
 };
 
 }  // namespace pelvor

@@ -4,8 +4,8 @@
 #include "Interface/NSImage.h"
 #include "Interface/NSMenu.h"
 #include "Text/NSColor.h"
-#include "Text/NSGraphicsContext.h"
 #include "Writer/LocalizedText.h"
+#include "Writer/Windows/ColorParts.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -26,19 +26,6 @@ NSColor* colorOf(std::uint32_t rgb) {
     return NSColor::colorWithCalibratedRed_green_blue_alpha(part(16), part(8), part(0), 1);
 }
 
-Retained<NSImage> swatchOf(NSColor* color) {
-    constexpr NSSize kSize{14, 14};
-    constexpr float kScale = 2;
-    auto context = NSGraphicsContext::initWithImageSize_scale(kSize, kScale);
-    context->setColor(color);
-    context->fillRect({{0, 0}, kSize});
-    context->setColor(NSColor::colorWithCalibratedWhite_alpha(0, 0.3F));
-    context->strokeRect_width({{0, 0}, kSize}, 1);
-    auto image = NSImage::initWithData(context->dataWithReason(nullptr));
-    if (image) image->setSize(kSize);
-    return image;
-}
-
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRColorMenu, windowsLibrary) {
@@ -57,8 +44,11 @@ void WRColorMenu::menuNeedsUpdate(NSMenu* menu) {
         NSMenuItem* item = menu->addItemWithTitle_action_keyEquivalent(localized(key), action, u""_ns);
         NSColor* color = colorOf(rgb);
         item->setRepresentedObject(color);
-        item->setImage(swatchOf(color).get());
+        item->setImage(swatchOfColor(color).get());
     }
+    menu->addItem(NSMenuItem::separatorItem());
+    menu->addItemWithTitle_action_keyEquivalent(localized(u"_Other Colour…"_ns), "orderFrontColorPanel:"_sel,
+                                                u""_ns);
 }
 
 }  // namespace pelvor

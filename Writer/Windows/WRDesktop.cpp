@@ -6,10 +6,9 @@
 #include "Foundation/NSBundle.h"
 #include "Foundation/NSLog.h"
 #include "Foundation/NSMutableArray.h"
+#include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNib.h"
 #include "Foundation/NSNotificationCenter.h"
-#include "Foundation/NSObject-DelayedPerforming.h"
-#include "Foundation/NSUserDefaults.h"
 #include "Interface/NSAlert.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSEvent.h"
@@ -24,6 +23,7 @@
 #include "PBUtil.h"
 #include "Runtime/Registry.h"
 #include "Writer/LocalizedText.h"
+#include "Writer/PlugInProtocol.h"
 #include "Writer/ProfileChoice.h"
 #include "Writer/Recovery/RecoveryStore.h"
 #include "Writer/SameFile.h"
@@ -32,12 +32,15 @@
 #include "Writer/WRDocument.h"
 #include "Writer/WRDocumentOpener.h"
 #include "Writer/Windows/WRCharactersPanel.h"
+#include "Writer/Windows/WRColorPanel.h"
 #include "Writer/Windows/WRDocumentFile.h"
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRFindPanel.h"
 #include "Writer/Windows/WRFontPalette.h"
+#include "Writer/Windows/WROpenChoices.h"
+#include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageView.h"
-#include "Writer/Windows/WRPreferencesPanel.h"
+#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WRProfilesPanel.h"
 #include "Writer/Windows/WRRecentDocuments.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
@@ -76,6 +79,10 @@ NSDictionary* keyBindings() {
          {u"$"_ns->stringByAppendingString(NSString::of({&kF3, 1})), u"findPrevious:"_ns}});
 }
 
+void showPalette(WRPalette* palette) {
+    palette->showBeside(NSApplication::sharedApplication()->mainWindow());
+}
+
 NSMenuItem* itemWithActionIn(NSMenu* menu, SEL action) {
     for (const auto& item : menu->items()) {
         if (item->action() == action) return item;
@@ -95,6 +102,8 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
     methods.instance<"setMainMenu:", &WRDesktop::setMainMenu>();
     methods.instance<"setRecentMenu:", &WRDesktop::setRecentMenu>();
     methods.instance<"openPath:", &WRDesktop::openPath>();
+    methods.instance<"openPath:encoding:", &WRDesktop::openPath_encoding>();
+    methods.instance<"openPaths:", &WRDesktop::openPaths>();
     methods.instance<"windowForPath:", &WRDesktop::windowForPath>();
     methods.instance<"recentDocuments", &WRDesktop::recentDocuments>();
     methods.instance<"newDocument:", &WRDesktop::newDocument>();
@@ -110,11 +119,11 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
     methods.instance<"windowDidClose:", &WRDesktop::windowDidClose>();
     methods.instance<"orderFrontAbout:", &WRDesktop::orderFrontAbout>();
     methods.instance<"orderFrontFontPalette:", &WRDesktop::orderFrontFontPalette>();
+    methods.instance<"orderFrontColorPanel:", &WRDesktop::orderFrontColorPanel>();
+    methods.instance<"validateOrderFrontColorPanel:", &WRDesktop::validateOrderFrontColorPanel>();
     methods.instance<"orderFrontProfiles:", &WRDesktop::orderFrontProfiles>();
     methods.instance<"orderFrontShortcuts:", &WRDesktop::orderFrontShortcuts>();
     methods.instance<"orderFrontCharacters:", &WRDesktop::orderFrontCharacters>();
-    methods.instance<"orderFrontPreferences:", &WRDesktop::orderFrontPreferences>();
-    methods.instance<"defaultsDidChange:", &WRDesktop::defaultsDidChange>();
     methods.instance<"orderFrontFindPanel:", &WRDesktop::orderFrontFindPanel>();
     methods.instance<"findNext:", &WRDesktop::findNext>();
     methods.instance<"findPrevious:", &WRDesktop::findPrevious>();
@@ -135,8 +144,6 @@ Retained<WRDesktop> WRDesktop::init(Class* cls) {
     self->_wishes.set(NSDictionary::dictionary());
     self->_recent = WRRecentDocuments::init();
     self->_store = std::make_unique<RecoveryStore>(RecoveryStore::ofUser());
-    NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
-        self, "defaultsDidChange:"_sel, NSUserDefaultsDidChangeNotification, nullptr);
     return self;
 }
 
@@ -184,11 +191,11 @@ void WRDesktop::run() {
     application->setTerminatesProcess(false);
     application->run();
     application->setDelegate(nullptr);
-    NSUserDefaults::standardUserDefaults()->synchronize();
 }
 
 void WRDesktop::applicationDidLoseDisplay(NSNotification*) {
     for (const auto& window : documentWindows()) window->file()->leave();
+    NSApplication::sharedApplication()->stop(this);
 }
 
 void WRDesktop::windowDidClose(WRDocumentWindow* window) { _windows->removeObjectIdenticalTo(window); }
@@ -224,13 +231,21 @@ WRDocumentWindow* WRDesktop::windowForPath(NSString* path) {
     return nullptr;
 }
 
+void WRDesktop::openPath(NSString* path) { openPath_encoding(path, nullptr); }
+
 // An untitled document without changes makes way.
-void WRDesktop::openPath(NSString* path) {
+void WRDesktop::openPath_encoding(NSString* path, NSString* encodingName) {
     const auto held = path->copy();
-    if (WRDocumentWindow* open = windowForPath(path)) return open->show();
+    if (WRDocumentWindow* open = windowForPath(path)) {
+        open->show();
+        if (encodingName) open->file()->revertWithEncoding(encodingName);
+        return;
+    }
     const auto before = documentWindows();
     auto opener = WRDocumentOpener::initWithProfiles(PBRegistry::sharedRegistry());
-    WRDocument* document = opener->openDocumentAtPath_options(path, NSDictionary::dictionary());
+    auto* options = NSMutableDictionary::dictionary();
+    if (encodingName) options->setObject_forKey(encodingName, WREncodingKey);
+    WRDocument* document = opener->openDocumentAtPath_options(path, options);
     NSString* problem = document ? openWindow(document) : opener->problem();
     if (problem) {
         NSRunAlertPanel(localized(u"_The document cannot be opened."_ns), u"%@"_ns, nullptr, nullptr, nullptr,
@@ -239,6 +254,12 @@ void WRDesktop::openPath(NSString* path) {
     }
     for (const auto& window : before)
         if (!window->document()->hasFile() && !window->document()->hasChanged()) window->window()->close();
+}
+
+void WRDesktop::openPaths(NSArray* paths) {
+    const auto held = Retained<NSArray>::retaining(paths);
+    for (id object : held.get())
+        if (auto* path = cast<NSString>(object)) openPath(path);
 }
 
 NSString* WRDesktop::nameOfNewDocument() {
@@ -263,9 +284,11 @@ void WRDesktop::newDocument(id) {
 void WRDesktop::openDocument(id) {
     NSOpenPanel* panel = NSOpenPanel::openPanel();
     panel->setAllowsMultipleSelection(true);
+    auto choices = WROpenChoices::create();
+    choices->attachToPanel(panel);
     if (panel->runModalForTypes(nullptr) != NSOKButton) return;
     const auto paths = Retained<NSArray>::retaining(panel->filenames());
-    for (id path : paths.get()) openPath(static_cast<NSString*>(path));
+    for (id path : paths.get()) openPath_encoding(static_cast<NSString*>(path), choices->encodingName());
 }
 
 void WRDesktop::openRecentDocument(id sender) {
@@ -334,34 +357,18 @@ void WRDesktop::fillServicesMenu() {
 
 void WRDesktop::orderFrontProfiles(id) {
     if (!_profilesPanel) _profilesPanel = WRProfilesPanel::init();
-    _profilesPanel->showBeside(NSApplication::sharedApplication()->mainWindow());
+    showPalette(_profilesPanel->window());
 }
 
 void WRDesktop::orderFrontShortcuts(id) {
     if (!_shortcutsPanel) _shortcutsPanel = WRShortcutsPanel::init();
     _shortcutsPanel->takeMenu(_mainMenu);
-    _shortcutsPanel->showBeside(NSApplication::sharedApplication()->mainWindow());
+    showPalette(_shortcutsPanel->window());
 }
 
 void WRDesktop::orderFrontCharacters(id) {
     if (!_charactersPanel) _charactersPanel = WRCharactersPanel::init();
-    _charactersPanel->showBeside(NSApplication::sharedApplication()->mainWindow());
-}
-
-void WRDesktop::orderFrontPreferences(id sender) {
-    if (!_preferencesPanel) _preferencesPanel = WRPreferencesPanel::init();
-    _preferencesPanel->orderFront(sender);
-}
-
-// MARK: Settings
-
-// Changes that come together are written together.
-void WRDesktop::defaultsDidChange(NSNotification*) {
-    constexpr double kDelay = 1;
-    NSUserDefaults* defaults = NSUserDefaults::standardUserDefaults();
-    NSObject_DelayedPerforming::cancelPreviousPerformRequestsWithTarget_selector_object(
-        defaults, "synchronize"_sel, nullptr);
-    performSelector_withObject_afterDelay(defaults, "synchronize"_sel, nullptr, kDelay);
+    showPalette(_charactersPanel->window());
 }
 
 // MARK: Finding text
@@ -385,7 +392,17 @@ bool WRDesktop::validateUseSelectionForFind(id) {
 
 void WRDesktop::orderFrontFontPalette(id) {
     if (!_fontPalette) _fontPalette = WRFontPalette::init();
-    _fontPalette->showBeside(NSApplication::sharedApplication()->mainWindow());
+    showPalette(_fontPalette->window());
+}
+
+void WRDesktop::orderFrontColorPanel(id) {
+    if (!_colorPanel) _colorPanel = WRColorPanel::init();
+    showPalette(_colorPanel->window());
+}
+
+bool WRDesktop::validateOrderFrontColorPanel(id) {
+    WRFormatCommands* front = WRFormatCommands::current();
+    return front && front->canEdit();
 }
 
 void WRDesktop::orderFrontAbout(id) {

@@ -14,11 +14,11 @@ class NSMenu;
 class NSMutableArray;
 class NSNotification;
 class WRCharactersPanel;
+class WRColorPanel;
 class WRDocument;
 class WRDocumentWindow;
 class WRFindPanel;
 class WRFontPalette;
-class WRPreferencesPanel;
 class WRProfilesPanel;
 class WRRecentDocuments;
 class RecoveryStore;
@@ -46,6 +46,9 @@ class WRDesktop : public NSObject {
 
     /// Opens the document in a window, or shows the window that it has. Tells the user why it cannot.
     void openPath(NSString* path);
+    /// The same in the encoding, which a document that is open is read in again. Null: as `openPath`.
+    void openPath_encoding(NSString* path, NSString* encodingName);
+    void openPaths(NSArray* paths);
     /// The window with the file; null if there is none.
     WRDocumentWindow* windowForPath(NSString* path);
     WRRecentDocuments* recentDocuments() { return _recent; }
@@ -73,14 +76,13 @@ class WRDesktop : public NSObject {
     /// Observes the registry: the menu of services follows what plug-ins offer.
     void profilesDidChange(NSNotification* notification);
     void windowDidClose(WRDocumentWindow* window);
-    /// Settings that have changed are in their file a second later.
-    void defaultsDidChange(NSNotification* notification);
     void orderFrontAbout(id sender);
     void orderFrontProfiles(id sender);
     void orderFrontFontPalette(id sender);
+    void orderFrontColorPanel(id sender);
+    bool validateOrderFrontColorPanel(id item);
     void orderFrontShortcuts(id sender);
     void orderFrontCharacters(id sender);
-    void orderFrontPreferences(id sender);
 
     // These go to the panel for finding text.
 
@@ -96,7 +98,7 @@ class WRDesktop : public NSObject {
     /// Asks what becomes of unsaved changes, window by window. Returns an NSApplicationTerminateReply.
     int applicationShouldTerminate(id application);
     void applicationWillTerminate(NSNotification* notification);
-    /// Nobody sees the windows any more: keeps unsaved changes for the next start.
+    /// Nobody sees the windows any more: keeps unsaved changes for the next start, and ends `run`.
     void applicationDidLoseDisplay(NSNotification* notification);
     bool applicationShouldTerminateAfterLastWindowClosed(id application) { return application != nullptr; }
 
@@ -122,7 +124,7 @@ class WRDesktop : public NSObject {
     Retained<NSArray> _nibObjects;
     Retained<WRProfilesPanel> _profilesPanel;
     Retained<WRFontPalette> _fontPalette;
-    Retained<WRPreferencesPanel> _preferencesPanel;
+    Retained<WRColorPanel> _colorPanel;
     Retained<WRShortcutsPanel> _shortcutsPanel;
     Retained<WRCharactersPanel> _charactersPanel;
     Retained<WRFindPanel> _findPanel;

@@ -156,15 +156,19 @@ void WRDocumentFile::undoManagerDidAct(NSNotification*) {
     setEdited(_savedState != undoManager()->stateNumber());
 }
 
-// The step that led here is over: what is typed next is a step of its own.
 void WRDocumentFile::documentIsInFile() {
-    _owner->pageView()->breakUndoCoalescing();
-    undoManager()->closeGroupOfEvent();
+    beginStep();
     _savedState = undoManager()->stateNumber();
     _isEdited = _isFileGone = false;
     _owner->hideNotice();
     if (_journal) _journal->documentIsInFile(origin());
     showState();
+}
+
+// What was done before and what is done now are undone one by one.
+void WRDocumentFile::beginStep() {
+    _owner->pageView()->breakUndoCoalescing();
+    undoManager()->closeGroupOfEvent();
 }
 
 void WRDocumentFile::close() {
@@ -229,17 +233,25 @@ bool WRDocumentFile::writeToPath(NSString* path, NSString* encodingName) {
     saver->chooseWriterForDocument_path(_document, path);
     if (isOwn)
         if (const auto result = resultWithoutReplacing(path)) return *result;
-    if (saver->dropsFormats(_document) &&
-        !(_pathWithoutFormats && _pathWithoutFormats->isEqualToString(path)))
+    const bool dropsFormats = saver->dropsFormats(_document);
+    if (dropsFormats)
         if (const auto result = resultWithoutFormats(saver, path, encodingName)) return *result;
-    if (WRDocumentSaver::keepsFormats(saver->writer())) encodingName = nullptr;
-    NSDictionary* answer = saver->saveDocument_toPath_encoding(_document, path, encodingName);
-    if (!answer) return handleFailure(saver, path);
     const bool isText = !WRDocumentSaver::keepsFormats(saver->writer());
+    const bool hadFormats = _document->hasFormats();
+    const auto ownSettings = Retained<NSDictionary>::retaining(_document->settings());
+    if (!isText) takeLook();
+    NSDictionary* answer =
+        saver->saveDocument_toPath_encoding(_document, path, isText ? encodingName : nullptr);
+    if (!answer) {
+        _document->setHasFormats(hadFormats);
+        _document->setSettings(ownSettings);
+        return handleFailure(saver, path);
+    }
     _document->wasWrittenToPath_reader_encoding(
         path, saver->readerForPath(path),
         isText ? cast<NSString>(answer->objectForKey(WREncodingKey)) : nullptr);
-    showTitle();
+    if (dropsFormats) showWithoutFormats();
+    _owner->showTitle();
     documentIsInFile();
     if (isOwn && _sentry)
         _sentry->noteIdentity(_document->fileIdentity());
@@ -250,15 +262,32 @@ bool WRDocumentFile::writeToPath(NSString* path, NSString* encodingName) {
     return true;
 }
 
-// A document without a title of its own has its name in headers.
-void WRDocumentFile::showTitle() {
-    NSDictionary* own = _document->settings();
-    if (own && own->objectForKey(WRTitleKey)) return;
-    WRPageView* view = _owner->pageView();
-    auto* settings = NSMutableDictionary::dictionaryWithDictionary(view->pages()->settings());
-    if (_document->name()->isEqual(settings->objectForKey(WRTitleKey))) return;
-    settings->setObject_forKey(_document->name(), WRTitleKey);
-    view->setSettings(settings);
+// What has room for formats and page settings gets those that the user sees, so that the document looks the
+// same when it is opened again.
+void WRDocumentFile::takeLook() {
+    _document->setHasFormats(true);
+    if (_document->settings()) return;
+    auto* settings = NSMutableDictionary::dictionaryWithDictionary(_owner->pageView()->pages()->settings());
+    settings->removeObjectForKey(WRTitleKey);
+    _document->setSettings(settings);
+}
+
+// The window shows what the file holds. Undoing brings the formats back, as a change that is in no file.
+void WRDocumentFile::showWithoutFormats() {
+    beginStep();
+    changeHasFormats(false);
+    auto* options = NSMutableDictionary::dictionaryWithDictionary(
+        pageOptionsWithLanguages(_document, _owner->wishes(), registry()));
+    options->removeObjectForKey(WRDocumentSettingsKey);
+    const auto styled = StyledDocument::of(_document->text(), options);
+    if (styled.problem) return;
+    replaceContent(styled, nullptr, localized(u"_Save without Formats"_ns));
+    if (styled.text->length() == 0) _owner->pageView()->setTypingAttributes(styled.plainAttributes);
+}
+
+void WRDocumentFile::changeHasFormats(bool hasFormats) {
+    undoManager()->registerUndo(this, [this, before = _document->hasFormats()] { changeHasFormats(before); });
+    _document->setHasFormats(hasFormats);
 }
 
 // Another program's work is not replaced without a word. Nothing if the file may be replaced; else whether
@@ -289,9 +318,7 @@ std::optional<bool> WRDocumentFile::resultWithoutFormats(WRDocumentSaver* saver,
                     without})
              : ask(message, details, {localized(u"_Cancel"_ns), localized(u"_OK"_ns), without});
     if (answer == 0 && rich) return saveAs(rich);
-    if (answer != 2) return false;
-    _pathWithoutFormats = path->copy();
-    return std::nullopt;
+    return answer == 2 ? std::nullopt : std::optional(false);
 }
 
 // Returns whether the document was saved in another way.
@@ -328,26 +355,31 @@ bool WRDocumentFile::validateMenuItem(id item) {
 bool WRDocumentFile::validateRevertDocumentToSaved(id) { return _document->hasFile() && isEdited(); }
 
 void WRDocumentFile::revertDocumentToSaved(id) {
-    if (!validateRevertDocumentToSaved(nullptr)) return;
+    if (validateRevertDocumentToSaved(nullptr)) revertWithEncoding(nullptr);
+}
+
+void WRDocumentFile::revertWithEncoding(NSString* encodingName) {
     const auto alive = Retained<WRDocumentFile>::retaining(this);
-    const NSInteger answer =
+    if (isEdited() &&
         ask(localizedFormat(u"_Revert to the file \"%@\"?"_ns, _document->name()),
             localized(u"_What was changed since it was saved goes. \"Undo\" brings it back."_ns),
-            {localized(u"_Revert"_ns), localized(u"_Cancel"_ns)});
-    if (answer != 0) return;
-    if (const auto problem = readAgain())
+            {localized(u"_Revert"_ns), localized(u"_Cancel"_ns)}) != 0)
+        return;
+    if (const auto problem = readAgain(encodingName))
         ask(localized(u"_The document stays as it is."_ns), problem, {localized(u"_OK"_ns)});
 }
 
-Retained<NSString> WRDocumentFile::readAgain() {
+Retained<NSString> WRDocumentFile::readAgain(NSString* encodingName) {
     AutoreleasePool pool;
     auto opener = WRDocumentOpener::initWithProfiles(registry());
     auto* options = NSMutableDictionary::dictionary();
     // The encoding may be one that the user chose. Where it no longer fits, it is found out again.
-    NSString* encoding = _document->hasFormats() ? nullptr : _document->encodingName();
+    NSString* encoding = encodingName              ? encodingName
+                         : _document->hasFormats() ? nullptr
+                                                   : _document->encodingName();
     if (encoding) options->setObject_forKey(encoding, WREncodingKey);
     WRDocument* read = opener->openDocumentAtPath_options(_document->path(), options);
-    if (!read && encoding)
+    if (!read && encoding && !encodingName)
         read = opener->openDocumentAtPath_options(_document->path(), NSDictionary::dictionary());
     if (!read) return Retained<NSString>::retaining(opener->problem());
     if (isOnlyShown(read) && !isOnlyShown(_document))
@@ -356,19 +388,29 @@ Retained<NSString> WRDocumentFile::readAgain() {
     const auto styled =
         StyledDocument::of(read->text(), pageOptionsWithLanguages(read, _owner->wishes(), registry()));
     if (styled.problem) return Retained<NSString>::retaining(styled.problem);
-    replaceText(styled.text);
+    beginStep();
+    replaceContent(styled, read->settings(), localized(u"_Revert"_ns));
     _document->takeReading(read);
-    WRPageView* view = _owner->pageView();
-    if (!view->pages()->settings()->isEqual(styled.settings)) view->setSettings(styled.settings);
     documentIsInFile();
     if (_sentry) _sentry->noteIdentity(_document->fileIdentity());
     if (NSString* message = _document->message()) _owner->showNotice(message, {});
     return nullptr;
 }
 
+// All that is changed belongs to the step that has begun.
+void WRDocumentFile::replaceContent(const StyledDocument& styled, NSDictionary* ownSettings,
+                                    NSString* actionName) {
+    bool isChanged = replaceText(styled.text);
+    NSDictionary* own = _document->settings();
+    const bool isOwnSame = own ? own->isEqual(ownSettings) : !ownSettings;
+    if (!isOwnSame || !styled.settings->isEqual(_owner->pageView()->pages()->settings()))
+        isChanged = _owner->setPageSettings_ownSettings(styled.settings, ownSettings) || isChanged;
+    if (isChanged) undoManager()->setActionName(actionName);
+}
+
 // Only what differs is replaced, so that pages that stay the same are not set again. What was at the upper
-// edge of the window stays there.
-void WRDocumentFile::replaceText(NSAttributedString* text) {
+// edge of the window stays there. Returns whether the replacing can be undone.
+bool WRDocumentFile::replaceText(NSAttributedString* text) {
     WRPageView* view = _owner->pageView();
     NSTextStorage* storage = view->textStorage();
     const NSUInteger oldLength = storage->length(), newLength = text->length();
@@ -377,24 +419,20 @@ void WRDocumentFile::replaceText(NSAttributedString* text) {
     if (!areFormatsShared(storage, text, common)) replaced = {};
     const NSRange range{replaced.before, oldLength - replaced.before - replaced.after};
     const NSRange source{replaced.before, newLength - replaced.before - replaced.after};
-    if (range.length == 0 && source.length == 0) return;
+    if (range.length == 0 && source.length == 0) return false;
 
     const NSRect seen = view->visibleRect();
     const NSUInteger upper = view->characterIndexForInsertionAtPoint({NSMidX(seen), NSMinY(seen)});
     const float above = NSMinY(view->caretRectForCharacterAtIndex(upper)) - NSMinY(seen);
     const NSRange selection = view->selectedRange();
 
-    view->breakUndoCoalescing();
-    undoManager()->closeGroupOfEvent();
     const bool isUndoable =
         view->shouldChangeTextInRange_replacementString(range, text->string()->substringWithRange(source));
     storage->replaceCharactersInRange_withAttributedString(range, text->attributedSubstringFromRange(source));
-    if (isUndoable) {
-        undoManager()->setActionName(localized(u"_Revert"_ns));
+    if (isUndoable)
         view->didChangeText();
-    } else {
+    else
         undoManager()->removeAllActions();
-    }
 
     const auto place = [=](NSUInteger unit) { return common.place(unit, oldLength, newLength); };
     const NSUInteger start = place(selection.location), end = place(NSMaxRange(selection));
@@ -402,6 +440,7 @@ void WRDocumentFile::replaceText(NSAttributedString* text) {
     const NSUInteger now = place(upper);
     view->pageWithUnit(now);
     view->scrollPoint({NSMinX(seen), NSMinY(view->caretRectForCharacterAtIndex(now)) - above});
+    return isUndoable;
 }
 
 // MARK: Other programs
@@ -420,15 +459,20 @@ void WRDocumentFile::fileDidChange() {
     const bool wasGone = std::exchange(_isFileGone, !_sentry->isFileThere());
     showState();
     if (_isFileGone) {
-        if (!wasGone)
-            _owner->showNotice(
-                localizedFormat(
-                    u"_Another program has removed or renamed \"%@\". Its text is still open here; \"Save\" writes the file anew."_ns,
-                    _document->name()),
-                {{localized(u"_Save"_ns), [this] { save(); }}});
+        if (wasGone) return;
+        keepInJournal();
+        _owner->showNotice(
+            localizedFormat(
+                u"_Another program has removed or renamed \"%@\". Its text is still open here; \"Save\" writes the file anew."_ns,
+                _document->name()),
+            {{localized(u"_Save"_ns), [this] { save(); }}});
         return;
     }
-    if (FileIdentity::ofFile(_document->path()) == _document->fileIdentity()) return _owner->hideNotice();
+    const FileIdentity file = FileIdentity::ofFile(_document->path());
+    if (file == _document->fileIdentity()) {
+        if (wasGone && !_isEdited && _journal) _journal->documentIsInFile(origin());
+        return _owner->hideNotice();
+    }
     if (_isEdited)
         return _owner->showNotice(
             localizedFormat(u"_Another program has changed \"%@\", which was changed here, too."_ns,
@@ -437,12 +481,25 @@ void WRDocumentFile::fileDidChange() {
               [this] {
                   if (const auto problem = readAgain()) _owner->showNotice(problem, {});
               }},
-             {localized(u"_Keep Mine"_ns), nullptr}});
+             {localized(u"_Keep Mine"_ns), [this, file] { keepMine(file); }}});
     const auto problem = readAgain();
     if (!problem) return;
     _isFileGone = true;  // what has its name now is no document
     showState();
+    keepInJournal();
     _owner->showNotice(problem, {});
+}
+
+// What is in the window is in no file, whether or not it was edited.
+void WRDocumentFile::keepInJournal() {
+    if (_journal) _journal->setOrigin(origin());
+}
+
+// The user knows what is in the file and wants none of it: it may be replaced.
+void WRDocumentFile::keepMine(const FileIdentity& file) {
+    _document->setFileIdentity(file);
+    _savedState.reset();
+    keepInJournal();
 }
 
 // MARK: Trash
@@ -468,11 +525,11 @@ void WRDocumentFile::moveDocumentToTrash(id) {
 
 // MARK: Recovery
 
-void WRDocumentFile::keepJournal(std::shared_ptr<RecoveryFile> file) {
+void WRDocumentFile::keepJournal(std::shared_ptr<RecoveryFile> file, NSUInteger place) {
     if (_journal) _journal->close();
     _journaledFormats = _document->hasFormats();
     _journaledSettings.set(_document->settings());
-    _journal = WRRecoveryJournal::create(_owner->pageView()->textStorage(), origin(), std::move(file));
+    _journal = WRRecoveryJournal::create(_owner->pageView()->textStorage(), origin(), std::move(file), place);
     _journal->setFilter([this] { return !_owner->isFindingLanguages(); });
     _journal->setProblemHandler([this](NSString* problem) { _owner->showNotice(problem, {}); });
 }
@@ -514,7 +571,7 @@ Retained<WRDocument> WRDocumentFile::documentOf(const AbandonedDocument& abandon
 }
 
 void WRDocumentFile::takeAbandoned(const AbandonedDocument& abandoned) {
-    keepJournal(abandoned.file);
+    keepJournal(abandoned.file, abandoned.place);
     _savedState.reset();
     _isEdited = true;
     NSString* text = nullptr;
@@ -542,6 +599,9 @@ void WRDocumentFile::takeAbandoned(const AbandonedDocument& abandoned) {
     _isFileGone = abandoned.fileState() == RecoveredFileState::missing;
     showState();
     _owner->showNotice(text, {});
+    WRPageView* view = _owner->pageView();
+    view->setSelectedRange({abandoned.place, 0});
+    view->scrollRangeToVisible({abandoned.place, 0});
 }
 
 }  // namespace pelvor

@@ -21,6 +21,7 @@ class WRDocumentWindow;
 class WRFileSentry;
 class WRRecoveryJournal;
 struct AbandonedDocument;
+struct StyledDocument;
 
 /// Knows whether a window's document has changes that are in no file; saves it, reads it again, and watches
 /// what other programs do to its file. Follows the document's window in the chain of responders. What fails
@@ -37,7 +38,7 @@ class WRDocumentFile : public NSResponder {
     /// The document is one that a crash left: goes on with its journal, and tells the user.
     void takeAbandoned(const AbandonedDocument& abandoned);
 
-    /// Whether there are changes that are in no file.
+    /// Whether there is something in the window that is in no file.
     bool isEdited() { return _isEdited || _isFileGone; }
     /// Asks the user what becomes of the changes, if there are any, and saves them if that is requested.
     /// Returns whether the window may close.
@@ -53,9 +54,12 @@ class WRDocumentFile : public NSResponder {
     bool saveAs(PBProfile* writer);
     /// Writes the document into the file, which becomes its own. Null stands for the document's encoding.
     bool writeToPath(NSString* path, NSString* encodingName);
-    /// Puts what is in the file in the place of the text, in one step that can be undone. Returns null, or
-    /// what went wrong, as a sentence for the user.
-    Retained<NSString> readAgain();
+    /// Puts what is in the file in the place of the text and the page settings, in one step that can be
+    /// undone. Null stands for the document's encoding. Returns null, or what went wrong, as a sentence for
+    /// the user.
+    Retained<NSString> readAgain(NSString* encodingName = nullptr);
+    /// Does so if the user agrees to leave unsaved changes, and tells what went wrong.
+    void revertWithEncoding(NSString* encodingName);
 
     // Commands
 
@@ -80,23 +84,28 @@ class WRDocumentFile : public NSResponder {
   private:
     void setEdited(bool isEdited);
     void showState();
-    void showTitle();
     void documentIsInFile();
     void watchFile();
-    void keepJournal(std::shared_ptr<RecoveryFile> file);
+    void keepJournal(std::shared_ptr<RecoveryFile> file, NSUInteger place = 0);
     void noteOrigin();
     RecoveryOrigin origin();
     std::optional<bool> resultWithoutReplacing(NSString* path);
     std::optional<bool> resultWithoutFormats(WRDocumentSaver* saver, NSString* path, NSString* encodingName);
     bool handleFailure(WRDocumentSaver* saver, NSString* path);
-    void replaceText(NSAttributedString* text);
+    void beginStep();
+    void replaceContent(const StyledDocument& styled, NSDictionary* ownSettings, NSString* actionName);
+    bool replaceText(NSAttributedString* text);
+    void takeLook();
+    void showWithoutFormats();
+    void changeHasFormats(bool hasFormats);
+    void keepInJournal();
+    void keepMine(const FileIdentity& file);
     NSUndoManager* undoManager() override;
 
     Unretained<WRDocumentWindow> _owner = nullptr;
     Retained<WRDocument> _document;
     Retained<WRFileSentry> _sentry;
     Retained<WRRecoveryJournal> _journal;
-    Retained<NSString> _pathWithoutFormats;        // the user knows that this file keeps the text alone
     std::optional<std::uint64_t> _savedState = 0;  // of the undo manager when text and file were one
     bool _isEdited = false;
     bool _isFileGone = false;  // there is no file of that name, or none that can be read

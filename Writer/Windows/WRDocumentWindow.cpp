@@ -34,6 +34,7 @@
 #include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRDocumentFile.h"
+#include "Writer/Windows/WRFileDropView.h"
 #include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRLanguageCommands.h"
 #include "Writer/Windows/WRLanguageSearch.h"
@@ -54,7 +55,10 @@ constexpr float kStatusHeight = 24;
 constexpr double kZooms[] = {0.1, 0.25, 0.33, 0.5, 0.67, 0.8, 0.9, 1, 1.25, 1.5, 2, 3, 4, 6, 8};
 constexpr NSSize kRoomAround{24, 40};  // between a new window and the edges of the screen
 
-bool showsRulers() { return preference(WRShowsRulerPreference); }
+bool showsRulers() {
+    auto* defaults = NSUserDefaults::standardUserDefaults();
+    return !defaults->objectForKey(WRShowsRulerPreference) || defaults->boolForKey(WRShowsRulerPreference);
+}
 
 // Shows a page whole, beside the scroller that further pages need, if the screen allows.
 NSRect firstFrame(NSSize page) {
@@ -96,6 +100,8 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
     methods.instance<"runPageLayout:", &WRDocumentWindow::runPageLayout>();
     methods.instance<"printDocument:", &WRDocumentWindow::printDocument>();
     methods.instance<"changeSettings:", &WRDocumentWindow::changeSettings>();
+    methods.instance<"setPageSettings:ownSettings:", &WRDocumentWindow::setPageSettings_ownSettings>();
+    methods.instance<"showTitle", &WRDocumentWindow::showTitle>();
     methods.instance<"currentPage", &WRDocumentWindow::currentPage>();
     methods.instance<"isFindingLanguages", &WRDocumentWindow::isFindingLanguages>();
     methods.instance<"textDidChange:", &WRDocumentWindow::textDidChange>();
@@ -103,7 +109,6 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
     methods.instance<"undoManagerForTextView:", &WRDocumentWindow::undoManagerForTextView>();
     methods.instance<"windowShouldClose:", &WRDocumentWindow::windowShouldClose>();
     methods.instance<"noticeDidResize:", &WRDocumentWindow::noticeDidResize>();
-    methods.instance<"defaultsDidChange:", &WRDocumentWindow::defaultsDidChange>();
     methods.instance<"file", &WRDocumentWindow::file>();
     methods.instance<"hideNotice", &WRDocumentWindow::hideNotice>();
     methods.instance<"notice", &WRDocumentWindow::notice>();
@@ -129,6 +134,7 @@ Retained<WRDocumentWindow> WRDocumentWindow::create(WRDocument* document, NSDict
         return nullptr;
     }
     if (storage->length() == 0) self->_pageView->setTypingAttributes(styled.plainAttributes);
+    self->_sheet = styled.sheet;
     self->_formatCommands = WRFormatCommands::create(document, self->_pageView, styled.sheet);
     self->makeWindow();
     self->_file = WRDocumentFile::create(self);
@@ -149,6 +155,7 @@ void WRDocumentWindow::makeWindow() {
         NSBackingStoreBuffered, true);
     _window->setContentMinSize({240, 160});
     _window->setDelegate(this);
+    _window->setContentView(WRFileDropView::create(_window->contentView()->frame()).get());
     NSView* content = _window->contentView();
     const NSSize size = content->frame().size;
 
@@ -179,8 +186,6 @@ void WRDocumentWindow::makeWindow() {
                                              _pageView);
     centre->addObserver_selector_name_object(
         this, "textDidChange:"_sel, NSTextStorageDidProcessEditingNotification, _pageView->textStorage());
-    centre->addObserver_selector_name_object(this, "defaultsDidChange:"_sel,
-                                             NSUserDefaultsDidChangeNotification, nullptr);
     _undoManager = NSUndoManager::init();
     _pageView->setDelegate(this);
     // What is only shown is not the document's content.
@@ -223,7 +228,7 @@ void WRDocumentWindow::textDidChange(NSNotification*) {
 
 bool WRDocumentWindow::isFindingLanguages() { return _languageSearch->isEditing(); }
 
-void WRDocumentWindow::pageViewDidReceiveFormats(id) { _document->setHasFormats(true); }
+void WRDocumentWindow::pageViewDidReceiveFormats(id) { _formatCommands->setDocumentHasFormats(true); }
 
 NSUndoManager* WRDocumentWindow::undoManagerForTextView(id) { return _undoManager; }
 
@@ -300,10 +305,9 @@ void WRDocumentWindow::showRuler(bool shows) {
 }
 
 void WRDocumentWindow::toggleRuler(id) {
-    NSUserDefaults::standardUserDefaults()->setBool_forKey(!_ruler, WRShowsRulerPreference);
+    showRuler(!_ruler);
+    NSUserDefaults::standardUserDefaults()->setBool_forKey(static_cast<bool>(_ruler), WRShowsRulerPreference);
 }
-
-void WRDocumentWindow::defaultsDidChange(NSNotification*) { showRuler(showsRulers()); }
 
 bool WRDocumentWindow::validateToggleRuler(id item) {
     if (auto* shown = cast<NSMenuItem>(item)) shown->setState(static_cast<bool>(_ruler));
@@ -406,30 +410,49 @@ void WRDocumentWindow::showStatus() {
 // MARK: Paper and printing
 
 bool WRDocumentWindow::changeSettings(NSDictionary* settings) {
-    PageDocument* pages = _pageView->pages();
-    const auto before = Retained<NSDictionary>::retaining(pages->settings());
-    const auto ownBefore = Retained<NSDictionary>::retaining(_document->settings());
-    auto* now = NSMutableDictionary::dictionaryWithDictionary(before);
+    auto* now = NSMutableDictionary::dictionaryWithDictionary(_pageView->pages()->settings());
     now->addEntriesFromDictionary(settings);
-    if (!_pageView->setSettings(now)) return false;
+    for (NSString* key : {WRHeaderKey, WRFooterKey})
+        if (auto* line = cast<NSAttributedString>(now->objectForKey(key)); line && !line->length())
+            now->removeObjectForKey(key);
     // From now on the document has settings of its own, all of those that are seen.
     auto* own = NSMutableDictionary::dictionaryWithDictionary(now);
-    id title = ownBefore ? ownBefore->objectForKey(WRTitleKey) : nullptr;
-    if (!title) own->removeObjectForKey(WRTitleKey);
-    _document->setSettings(own);
-    _document->textDidChange();
-    _undoManager->registerUndo(this, [this, before, ownBefore] {
-        changeSettings(before);
-        _document->setSettings(ownBefore);
-    });
+    NSDictionary* ownBefore = _document->settings();
+    if (!ownBefore || !ownBefore->objectForKey(WRTitleKey)) own->removeObjectForKey(WRTitleKey);
+    if (!setPageSettings_ownSettings(now, own)) return false;
     _undoManager->setActionName(localized(u"_Page Setup"_ns));
+    return true;
+}
+
+bool WRDocumentWindow::setPageSettings_ownSettings(NSDictionary* settings, NSDictionary* ownSettings) {
+    const auto before = Retained<NSDictionary>::retaining(_pageView->pages()->settings());
+    const auto ownBefore = Retained<NSDictionary>::retaining(_document->settings());
+    NSDictionary* now = withTitle(settings, ownSettings);
+    if (!now->isEqual(before) && !_pageView->setSettings(now)) return false;
+    _document->setSettings(ownSettings);
+    _undoManager->registerUndo(this,
+                               [this, before, ownBefore] { setPageSettings_ownSettings(before, ownBefore); });
+    _document->textDidChange();
     placeDidChange(nullptr);
     return true;
 }
 
+NSDictionary* WRDocumentWindow::withTitle(NSDictionary* settings, NSDictionary* ownSettings) {
+    id own = ownSettings ? ownSettings->objectForKey(WRTitleKey) : nullptr;
+    auto* titled = NSMutableDictionary::dictionaryWithDictionary(settings);
+    titled->setObject_forKey(own ? own : _document->name(), WRTitleKey);
+    return titled;
+}
+
+void WRDocumentWindow::showTitle() {
+    NSDictionary* settings = _pageView->pages()->settings();
+    NSDictionary* titled = withTitle(settings, _document->settings());
+    if (!titled->isEqual(settings)) _pageView->setSettings(titled);
+}
+
 void WRDocumentWindow::runPageLayout(id) {
     const auto alive = Retained<WRDocumentWindow>::retaining(this);
-    WRPageSetupPanel::create(_pageView->pages()->settings(), [this](NSDictionary* settings) {
+    WRPageSetupPanel::create(_pageView->pages()->settings(), *_sheet, [this](NSDictionary* settings) {
         return changeSettings(settings);
     })->runModal();
 }

@@ -2,6 +2,8 @@
 // WRDocumentWindow: a window with the pages of a document.
 #pragma once
 
+#include <memory>
+
 #include "Interface/NSResponder.h"
 #include "Writer/Windows/WRNoticeBar.h"
 
@@ -14,6 +16,7 @@ class NSTextField;
 class NSTextStorage;
 class NSUndoManager;
 class NSWindow;
+class StyleSheet;
 class WRDocument;
 class WRDocumentFile;
 class WRFormatCommands;
@@ -72,8 +75,13 @@ class WRDocumentWindow : public NSResponder {
     void runPageLayout(id sender);
     void printDocument(id sender);
     /// Sets the pages anew with these settings, those of PlugInProtocol.h, in the place of the ones that they
-    /// had; this can be undone. Returns false, and changes nothing, if there is no room for text then.
+    /// had, and makes them the document's own; this can be undone. An empty header or footer takes the one
+    /// that there was away. Returns false, and changes nothing, if there is no room for text then.
     bool changeSettings(NSDictionary* settings);
+    /// The same with all settings of the pages, and those of the document itself, which may be null.
+    bool setPageSettings_ownSettings(NSDictionary* settings, NSDictionary* ownSettings);
+    /// A document without a title of its own has its name in headers: the name may be another now.
+    void showTitle();
 
     /// The page in the middle of what is seen, from 0 on.
     NSUInteger currentPage();
@@ -87,7 +95,6 @@ class WRDocumentWindow : public NSResponder {
     NSUndoManager* undoManagerForTextView(id textView);
     bool windowShouldClose(id sender);
     void noticeDidResize(NSNotification* notification);
-    void defaultsDidChange(NSNotification* notification);
     void windowWillClose(NSNotification* notification);
     void placeDidChange(NSNotification* notification);
 
@@ -104,6 +111,7 @@ class WRDocumentWindow : public NSResponder {
     void placeBars();
     void showPage(NSUInteger page);
     void setZoom(double zoom);
+    NSDictionary* withTitle(NSDictionary* settings, NSDictionary* ownSettings);
 
     Retained<WRDocument> _document;
     Retained<NSDictionary> _wishes;
@@ -115,6 +123,7 @@ class WRDocumentWindow : public NSResponder {
     Retained<WRZoomView> _zoomView;
     Retained<WRPageView> _pageView;
     Retained<WRFormatCommands> _formatCommands;
+    std::shared_ptr<const StyleSheet> _sheet;
     Retained<WRRuler> _ruler;  // null while it is hidden
     Retained<NSTextField> _status;
     Retained<WRLanguageSearch> _languageSearch;

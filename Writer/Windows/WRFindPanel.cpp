@@ -4,14 +4,15 @@
 #include "Foundation/NSArray.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSButton.h"
-#include "Interface/NSPanel.h"
 #include "Interface/NSPasteboard.h"
 #include "Interface/NSTextField.h"
 #include "Runtime/Message.h"
 #include "Writer/LocalizedText.h"
+#include "Writer/TextEscapes.h"
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRFormView.h"
 #include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WindowFrames.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
@@ -59,6 +60,7 @@ PELVOR_DEFINE_CLASS(WRFindPanel, windowsLibrary) {
     methods.instance<"replaceAll:", &WRFindPanel::replaceAll>();
     methods.instance<"useSelectionForFind:", &WRFindPanel::useSelectionForFind>();
     methods.instance<"jumpToSelection:", &WRFindPanel::jumpToSelection>();
+    methods.instance<"windowWillClose:", &WRFindPanel::windowWillClose>();
 }
 
 Retained<WRFindPanel> WRFindPanel::init(Class* cls) {
@@ -86,6 +88,7 @@ void WRFindPanel::makePanel() {
     form->addButton(localized(u"_Replace All"_ns), "replaceAll:"_sel);
     _panel = form->panelWithTitle(localized(u"_Find and Replace"_ns));
     _panel->setInitialFirstResponder(_findField);
+    _panel->setDelegate(this);
 }
 
 WRPageView* WRFindPanel::pageView() {
@@ -95,8 +98,7 @@ WRPageView* WRFindPanel::pageView() {
 }
 
 void WRFindPanel::show() {
-    placeBeside(_panel, NSApplication::sharedApplication()->mainWindow());
-    _panel->makeKeyAndOrderFront(nullptr);
+    _panel->showBeside(NSApplication::sharedApplication()->mainWindow());
     _findField->selectText(nullptr);
 }
 
@@ -162,8 +164,19 @@ void WRFindPanel::tell(const FindResult& result) {
         NSRect place = view->convertRect_toView(view->rectForCharacterRange(view->selectedRange()), nullptr);
         place.origin = view->window()->convertBaseToScreen(place.origin);
         uncover(place, _panel);
+        if (result.kind != Kind::replaced) showPlaces(view);
     }
 }
+
+// Null shows them nowhere any more.
+void WRFindPanel::showPlaces(WRPageView* view) {
+    if (const Retained<Object> before = _shown.object(); before && before.get() != view)
+        static_cast<WRPageView*>(before.get())->setFoundPlaces({});
+    _shown = WeakHandle(view);
+    if (view) view->setFoundPlaces(_finder->places(view));
+}
+
+void WRFindPanel::windowWillClose(id) { showPlaces(nullptr); }
 
 void WRFindPanel::findNext(id) {
     perform([this](NSTextView* view) { return _finder->find(view, false); });

@@ -2,17 +2,19 @@
 // WRFindPanel: the panel in which the user types what to find and what to put in its place.
 #pragma once
 
+#include "Runtime/WeakHandle.h"
 #include "Writer/Windows/WRTextFinder.h"
 
 namespace pelvor {
 
 class NSButton;
-class NSPanel;
 class NSTextField;
 class WRPageView;
+class WRPalette;
 
-/// Finds and replaces in the document of the main window, and says what happened. The text to find is that of
-/// the find pasteboard, so that all windows look for the same. Main thread.
+/// Finds and replaces in the document of the main window, and says what happened. While the panel is open,
+/// all places are marked in the document. The text to find is that of the find pasteboard, so that all
+/// windows look for the same. Main thread.
 class WRFindPanel : public NSObject {
     PELVOR_CLASS(WRFindPanel, NSObject);
     PELVOR_CREATORS(init);
@@ -22,7 +24,7 @@ class WRFindPanel : public NSObject {
 
     /// Shows the panel, with all of the text to find selected.
     void orderFront(id sender);
-    NSPanel* window() { return _panel; }
+    WRPalette* window() { return _panel; }
     /// What happened last, as the user sees it.
     NSString* message();
     /// The view of the document in the main window, borrowed; null if there is none.
@@ -40,6 +42,8 @@ class WRFindPanel : public NSObject {
     /// Scrolls the selection into the middle.
     void jumpToSelection(id sender);
 
+    void windowWillClose(id notification);
+
   protected:
     WRFindPanel() = default;
     ~WRFindPanel();
@@ -53,11 +57,13 @@ class WRFindPanel : public NSObject {
     template <class Command>
     void perform(Command command);
     void tell(const FindResult& result);
+    void showPlaces(WRPageView* view);
 
     Retained<WRTextFinder> _finder;
-    Retained<NSPanel> _panel;
+    Retained<WRPalette> _panel;
     Retained<NSTextField> _findField, _replacementField, _message;
     Retained<NSButton> _matchesCase, _wholeWords, _wraps, _escapes;
+    WeakHandle _shown;                // the view that shows the places
     NSInteger _pasteboardCount = -1;  // of what the field shows
 };
 

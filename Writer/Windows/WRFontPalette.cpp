@@ -2,6 +2,8 @@
 #include "Writer/Windows/WRFontPalette.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdlib>
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSNotification.h"
@@ -20,7 +22,6 @@
 #include "Writer/Pages/StyleChange.h"
 #include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPalette.h"
-#include "Writer/Windows/WindowFrames.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -40,11 +41,32 @@ NSString* memberText(NSArray* members, NSInteger row, NSUInteger index) {
 
 NSString* shownSize(float size) { return NSString::stringWithFormat(u"%g"_ns, static_cast<double>(size)); }
 
+// The face of the family that is most like the font; null for a family without faces.
+NSFont* nearestFont(NSFont* font, NSString* family) {
+    const unsigned traits = manager()->traitsOfFont(font);
+    const int weight = manager()->weightOfFont(font);
+    NSString* nearest = nullptr;
+    int least = 0;
+    NSArray* members = manager()->availableMembersOfFontFamily(family);
+    for (NSUInteger i = 0; members && i < members->count(); ++i) {
+        auto* member = static_cast<NSArray*>(members->objectAtIndex(i));
+        const auto number = [member](NSUInteger index) {
+            return static_cast<NSNumber*>(member->objectAtIndex(index))->intValue();
+        };
+        constexpr int kTrait = 100;  // more than weights differ
+        const int distance =
+            kTrait * std::popcount(static_cast<unsigned>(number(3)) ^ traits) + std::abs(number(2) - weight);
+        if (nearest && distance >= least) continue;
+        nearest = static_cast<NSString*>(member->objectAtIndex(0));
+        least = distance;
+    }
+    return nearest ? NSFont::fontWithName_size(nearest, font->pointSize()) : nullptr;
+}
+
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRFontPalette, windowsLibrary) {
     methods.creator<"init", &WRFontPalette::init>();
-    methods.instance<"showBeside:", &WRFontPalette::showBeside>();
     methods.instance<"window", &WRFontPalette::window>();
     methods.instance<"convertFont:", &WRFontPalette::convertFont>();
     methods.instance<"takeSizeFrom:", &WRFontPalette::takeSizeFrom>();
@@ -54,6 +76,7 @@ PELVOR_DEFINE_CLASS(WRFontPalette, windowsLibrary) {
                      &WRFontPalette::tableView_objectValueForTableColumn_row>();
     methods.instance<"tableViewSelectionDidChange:", &WRFontPalette::tableViewSelectionDidChange>();
     methods.instance<"applyPending", &WRFontPalette::applyPending>();
+    methods.instance<"windowDidBecomeKey:", &WRFontPalette::windowDidBecomeKey>();
     methods.instance<"windowDidResignKey:", &WRFontPalette::windowDidResignKey>();
 }
 
@@ -133,12 +156,6 @@ Retained<NSTextField> WRFontPalette::addField(NSRect frame, bool isEditable) {
     return field;
 }
 
-void WRFontPalette::showBeside(NSWindow* other) {
-    placeBeside(_window, other);
-    _window->makeKeyAndOrderFront(nullptr);
-    formatsDidChange(nullptr);
-}
-
 // MARK: The selection's font
 
 void WRFontPalette::formatsDidChange(id) {
@@ -195,9 +212,11 @@ NSFont* WRFontPalette::convertFont(NSFont* font) {
     NSFont* changed = nullptr;
     if (_change == Change::family) {
         const NSInteger row = _families->selectedRow();
-        if (row >= 0)
-            changed = manager()->convertFont_toFamily(
-                font, static_cast<NSString*>(_familyNames->objectAtIndex(static_cast<NSUInteger>(row))));
+        if (row < 0) return font;
+        auto* family = static_cast<NSString*>(_familyNames->objectAtIndex(static_cast<NSUInteger>(row)));
+        changed = manager()->convertFont_toFamily(font, family);
+        // The family may have no such face.
+        if (!changed->familyName()->isEqualToString(family)) changed = nearestFont(font, family);
     } else if (_change == Change::face) {
         changed =
             NSFont::fontWithName_size(memberText(_members, _faces->selectedRow(), 0), font->pointSize());
@@ -245,6 +264,9 @@ void WRFontPalette::applyPending() {
     NSObject_DelayedPerforming::cancelPreviousPerformRequestsWithTarget(this);
     send(change);
 }
+
+// It has not followed the selection while it was not seen.
+void WRFontPalette::windowDidBecomeKey(id) { formatsDidChange(nullptr); }
 
 void WRFontPalette::windowDidResignKey(id) { applyPending(); }
 

@@ -11,12 +11,11 @@ namespace pelvor {
 
 class NSArray;
 class NSFont;
-class NSPanel;
 class NSTableColumn;
 class NSTableView;
 class NSTextField;
 class NSView;
-class NSWindow;
+class WRPalette;
 
 /// A panel with tables of font families, of the faces of a family, and of sizes. It shows the font of the
 /// selection in the document in front, and what the user selects, by a click or by typing the first letters,
@@ -30,8 +29,7 @@ class WRFontPalette : public NSObject {
   public:
     static Retained<WRFontPalette> init(Class* cls = classObject());
 
-    void showBeside(NSWindow* other);
-    NSPanel* window() { return _window; }
+    WRPalette* window() { return _window; }
 
     /// The font with what the user has selected last.
     NSFont* convertFont(NSFont* font);
@@ -46,6 +44,7 @@ class WRFontPalette : public NSObject {
     void tableViewSelectionDidChange(id notification);
     /// Does what waits for a pause.
     void applyPending();
+    void windowDidBecomeKey(id notification);
     void windowDidResignKey(id notification);
 
   protected:
@@ -63,7 +62,7 @@ class WRFontPalette : public NSObject {
     void send(Change change);
     void sendSoon(Change change);
 
-    Retained<NSPanel> _window;
+    Retained<WRPalette> _window;
     Retained<NSTableView> _families, _faces, _sizes;
     Retained<NSTextField> _size, _sample, _message;
     Retained<NSArray> _familyNames;

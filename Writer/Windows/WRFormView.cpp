@@ -7,11 +7,11 @@
 #include "Foundation/NSArray.h"
 #include "Interface/NSButton.h"
 #include "Interface/NSEvent.h"
-#include "Interface/NSPanel.h"
 #include "Interface/NSPopUpButton.h"
 #include "Interface/NSTextField.h"
 #include "Runtime/Registry.h"
 #include "Text/NSParagraphStyle.h"
+#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -64,15 +64,15 @@ NSPopUpButton* WRFormView::addPopUp(NSString* label, NSArray* titles, SEL action
     return popUp;
 }
 
-NSButton* WRFormView::addCheckBox(NSString* title, SEL action) {
+NSButton* WRFormView::addCheckBox(NSString* title) {
     auto* box = add(nullptr, cast<NSButton>(NSButton::initWithFrame(NSZeroRect)));
     box->setButtonType(NSSwitchButton);
     box->setTitle(title);
-    box->setTarget(_target);
-    box->setAction(action);
     box->sizeToFit();
     return box;
 }
+
+void WRFormView::addView(NSString* label, Retained<NSView> view) { add(label, std::move(view)); }
 
 NSTextField* WRFormView::addMessage() { return add(nullptr, labelWith(u""_ns), true); }
 
@@ -123,10 +123,9 @@ void WRFormView::layOut() {
     setFrameSize({width, y + (_buttons.empty() ? 0 : kRowHeight) + kMargin});
 }
 
-Retained<NSPanel> WRFormView::panelWithTitle(NSString* title) {
+Retained<WRPalette> WRFormView::panelWithTitle(NSString* title) {
     layOut();
-    auto panel = NSPanel::initWithContentRect_styleMask_backing_defer(
-        {{0, 0}, frame().size}, NSTitledWindowMask | NSClosableWindowMask, NSBackingStoreBuffered, true);
+    auto panel = WRPalette::create({{0, 0}, frame().size}, NSTitledWindowMask | NSClosableWindowMask);
     panel->setTitle(title);
     panel->setContentView(this);
     panel->center();

@@ -10,9 +10,9 @@ namespace pelvor {
 
 class NSArray;
 class NSButton;
-class NSPanel;
 class NSPopUpButton;
 class NSTextField;
+class WRPalette;
 
 /// Rows of labels and controls, one below the other, and push buttons at the bottom. Labels are as wide as
 /// the widest one needs, and everything is mirrored for languages that are written from right to left:
@@ -34,10 +34,11 @@ class WRFormView : public NSView, NSView::HiddenCreators {
     // What is returned is borrowed; the view keeps it.
 
     NSTextField* addField(NSString* label);
-    // Actions of pop-up buttons and boxes may be null.
-
+    /// The action may be null.
     NSPopUpButton* addPopUp(NSString* label, NSArray* titles, SEL action);
-    NSButton* addCheckBox(NSString* title, SEL action = {});
+    NSButton* addCheckBox(NSString* title);
+    /// A view of the caller's own, which is made as wide as the fields.
+    void addView(NSString* label, Retained<NSView> view);
     /// A line over the whole width for what happened, at first empty.
     NSTextField* addMessage();
     /// From the right to the left.
@@ -45,7 +46,7 @@ class WRFormView : public NSView, NSView::HiddenCreators {
 
     /// A panel with a title bar and these contents, in the middle of the screen, not shown yet. Nothing is
     /// added any more.
-    Retained<NSPanel> panelWithTitle(NSString* title);
+    Retained<WRPalette> panelWithTitle(NSString* title);
 
     bool isFlipped() override { return true; }
     bool performKeyEquivalent(NSEvent* event) override;

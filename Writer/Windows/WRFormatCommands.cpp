@@ -232,7 +232,12 @@ bool WRFormatCommands::edit(id sender, NSString* name, NSRange range,
     const auto view = Retained<WRPageView>::retaining(_pageView);
     if (view->hasMarkedText()) view->unmarkText();
     view->breakUndoCoalescing();
-    if (!view->shouldChangeTextInRange_replacementString(range, nullptr)) return false;
+    NSUndoManager* undo = view->undoManager();
+    const bool hasOwnStep = undo && !_continuesStep;
+    if (undo && !hasOwnStep) undo->disableUndoRegistration();
+    const bool mayChange = view->shouldChangeTextInRange_replacementString(range, nullptr);
+    if (undo && !hasOwnStep) undo->enableUndoRegistration();
+    if (!mayChange) return false;
     setDocumentHasFormats(true);
     NSTextStorage* text = view->textStorage();
     text->beginEditing();
@@ -240,8 +245,7 @@ bool WRFormatCommands::edit(id sender, NSString* name, NSRange range,
     text->endEditing();
     view->breakUndoCoalescing();
     auto* item = cast<NSMenuItem>(sender);
-    if (NSUndoManager* undo = view->undoManager())
-        undo->setActionName(item ? item->title() : name ? name : u""_ns);
+    if (hasOwnStep) undo->setActionName(item ? item->title() : name ? name : u""_ns);
     view->didChangeText();
     return true;
 }
@@ -327,6 +331,13 @@ void WRFormatCommands::takeColorFrom(id sender) {
     auto* color = representedBy<NSColor>(sender);
     changeCharacters(sender, nullptr,
                      [color](NSDictionary* old) { return with(old, NSForegroundColorAttributeName, color); });
+}
+
+void WRFormatCommands::setTextColor(NSColor* color, bool continuesStep) {
+    _continuesStep = continuesStep;
+    changeCharacters(nullptr, localized(u"_Colour"_ns),
+                     [color](NSDictionary* old) { return with(old, NSForegroundColorAttributeName, color); });
+    _continuesStep = false;
 }
 
 bool WRFormatCommands::validateTakeColorFrom(id item) {

@@ -11,6 +11,7 @@
 
 namespace pelvor {
 
+class NSColor;
 class NSMutableAttributedString;
 class NSMutableParagraphStyle;
 class NSTextStorage;
@@ -58,7 +59,13 @@ class WRFormatCommands : public NSResponder {
     /// Does what commands do. The sender, a menu item or null, gives the name of the step to undo; null gives
     /// the name.
     void changeCharacters(id sender, NSString* name, const AttributeChange& change);
+    /// The same for the colour; null stands for that of the paragraph's style. One that continues the step to
+    /// undo before, in which the same characters got another colour, belongs to that step.
+    void setTextColor(NSColor* color, bool continuesStep);
     void changeParagraphs(id sender, NSString* name, const StyleChange& change);
+
+    /// Whether the document is one with formats; undoing takes the change back.
+    void setDocumentHasFormats(bool hasFormats);
 
     // Commands. Senders are menu items; what the item stands for is in its tag or its represented object.
 
@@ -113,10 +120,10 @@ class WRFormatCommands : public NSResponder {
     bool edit(id sender, NSString* name, NSRange range,
               const std::function<void(NSTextStorage* text)>& change);
     void setTyping(NSDictionary* attributes);
-    void setDocumentHasFormats(bool hasFormats);
 
     Retained<WRDocument> _document;
     Retained<WRPageView> _pageView;
+    bool _continuesStep = false;  // what is changed belongs to the last step to undo
     std::shared_ptr<const StyleSheet> _sheet;
 };
 

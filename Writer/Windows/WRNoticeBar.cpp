@@ -40,8 +40,7 @@ Retained<WRNoticeBar> WRNoticeBar::create(NSString* text, std::vector<NoticeChoi
     self->_label->cell()->setWraps(true);
     self->_label->setStringValue(text);
     self->addSubview(self->_label);
-    if (std::all_of(choices.begin(), choices.end(), [](const auto& choice) { return choice.action; }))
-        choices.push_back({localized(u"_Close"_ns), nullptr});
+    if (choices.size() < 2) choices.push_back({localized(u"_Close"_ns), nullptr});
     for (NoticeChoice& choice : choices) {
         auto button = NSButton::initWithFrame({});
         button->setTitle(choice.title);

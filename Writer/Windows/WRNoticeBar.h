@@ -15,11 +15,11 @@ class NSTextField;
 /// A button of a notice.
 struct NoticeChoice {
     NSString* title;
-    std::function<void()> action;  ///< none: the button only takes the notice away
+    std::function<void()> action;  ///< may be null: the button only takes the notice away
 };
 
 /// A strip with a sentence and buttons, as wide as the view that it is in. Each button takes the strip away
-/// and calls its action. Unless a choice does no more than that, there is a button "Close". Main thread.
+/// and calls its action. Where there are not two choices, there is a button "Close" besides. Main thread.
 class WRNoticeBar : public NSView, NSView::HiddenCreators {
     PELVOR_CLASS(WRNoticeBar, NSView);
 

@@ -4,26 +4,29 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Foundation/NSAttributedString.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSScanner.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSButton.h"
-#include "Interface/NSPanel.h"
 #include "Interface/NSPopUpButton.h"
 #include "Interface/NSTextField.h"
 #include "Writer/LocalizedText.h"
 #include "Writer/Pages/PageDocument.h"
+#include "Writer/Pages/PageLines.h"
 #include "Writer/Pages/StyleSheet.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/Windows/WRFormView.h"
+#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
 namespace {
 
 constexpr float kPointsPerMillimetre = 72 / 25.4F;
+constexpr NSString* kTitle = u"{title}"_ns;  // the header of somebody who writes none
 enum Orientation : NSInteger { kUpright, kSideways };
 
 // The place of the paper in the list of those with names, either way round; that of "Other" if it has none.
@@ -62,21 +65,25 @@ WRPageSetupPanel::~WRPageSetupPanel() = default;
 PELVOR_DEFINE_CLASS(WRPageSetupPanel, windowsLibrary) {
     methods.instance<"runModal", &WRPageSetupPanel::runModal>();
     methods.instance<"window", &WRPageSetupPanel::window>();
+    methods.instance<"headerDidChange:", &WRPageSetupPanel::headerDidChange>();
     methods.instance<"accept:", &WRPageSetupPanel::accept>();
     methods.instance<"cancel:", &WRPageSetupPanel::cancel>();
 }
 
-Retained<WRPageSetupPanel> WRPageSetupPanel::create(NSDictionary* settings,
+Retained<WRPageSetupPanel> WRPageSetupPanel::create(NSDictionary* settings, const StyleSheet& sheet,
                                                     std::function<bool(NSDictionary*)> apply) {
     auto self = make<WRPageSetupPanel>();
     self->_apply = std::move(apply);
-    self->makePanel(settings);
+    self->_settings.set(settings);
+    self->_header.set(attributesOfLine(sheet, u"header"_ns));
+    self->_footer.set(attributesOfLine(sheet, u"footer"_ns));
+    self->makePanel();
     return self;
 }
 
-void WRPageSetupPanel::makePanel(NSDictionary* settings) {
+void WRPageSetupPanel::makePanel() {
     constexpr float kFieldWidth = 160;
-    const PageFrame frame = PageFrame::of(settings);
+    const PageFrame frame = PageFrame::of(_settings);
     _width = frame.paper.width;
     _height = frame.paper.height;
     const NSUInteger paper = indexOfPaper(frame.paper);
@@ -102,11 +109,38 @@ void WRPageSetupPanel::makePanel(NSDictionary* settings) {
         _margins[i].field->setStringValue(
             NSString::stringWithFormat(u"%.1f"_ns, static_cast<double>(length / kPointsPerMillimetre)));
     }
+    addLines(form);
     _message.set(form->addMessage());
     form->addButton(localized(u"_OK"_ns), "accept:"_sel)->setKeyEquivalent(u"\r"_ns);
     form->addButton(localized(u"_Cancel"_ns), "cancel:"_sel)->setKeyEquivalent(u"\x1b"_ns);
     _panel = form->panelWithTitle(localized(u"_Page Setup"_ns));
     _panel->setInitialFirstResponder(_margins[0].field);
+}
+
+NSAttributedString* WRPageSetupPanel::shownLine(NSString* key) {
+    return cast<NSAttributedString>(_settings->objectForKey(key));
+}
+
+// The text that stands for the document's name is shown as that name.
+void WRPageSetupPanel::addLines(WRFormView* form) {
+    NSString* text = textOfLine(shownLine(WRHeaderKey));
+    _hasHeader.set(form->addCheckBox(localized(u"_Header on each page"_ns)));
+    _hasHeader->setState(text->length() > 0);
+    _hasHeader->setTarget(this);
+    _hasHeader->setAction("headerDidChange:"_sel);
+    _headerText.set(form->addField(localized(u"_Text of the header:"_ns)));
+    _headerText->setStringValue(text->isEqualToString(kTitle) ? u""_ns : text);
+    if (auto* title = cast<NSString>(_settings->objectForKey(WRTitleKey)))
+        cast<NSTextFieldCell>(_headerText->cell())->setPlaceholderString(title);
+    _hasPageNumber.set(form->addCheckBox(localized(u"_Page number at the foot of each page"_ns)));
+    _hasPageNumber->setState(hasPageNumber(shownLine(WRFooterKey)));
+    headerDidChange(nullptr);
+}
+
+void WRPageSetupPanel::headerDidChange(id) {
+    const bool hasHeader = _hasHeader->state() != 0;
+    _headerText->setEnabled(hasHeader);
+    _headerText->setDrawsBackground(hasHeader);
 }
 
 void WRPageSetupPanel::runModal() {
@@ -134,7 +168,25 @@ NSDictionary* WRPageSetupPanel::chosenSettings() {
         if (!(length >= 0)) return nullptr;
         set(margin.key, length * kPointsPerMillimetre);
     }
+    setLines(settings);
     return settings;
+}
+
+// What the user has not touched keeps its formats.
+void WRPageSetupPanel::setLines(NSMutableDictionary* settings) {
+    NSString* text = u""_ns;
+    if (_hasHeader->state())
+        text = _headerText->stringValue()->length() ? _headerText->stringValue() : kTitle;
+    NSAttributedString* header = shownLine(WRHeaderKey);
+    if (!text->isEqualToString(textOfLine(header)))
+        settings->setObject_forKey(lineWithText(text, _header, text->length() ? header : nullptr).get(),
+                                   WRHeaderKey);
+    NSAttributedString* footer = shownLine(WRFooterKey);
+    const bool isNumbered = _hasPageNumber->state() != 0;
+    if (isNumbered != hasPageNumber(footer))
+        settings->setObject_forKey(
+            (isNumbered ? footerWithPageNumber(footer, _footer) : footerWithoutPageNumber(footer)).get(),
+            WRFooterKey);
 }
 
 void WRPageSetupPanel::accept(id) {

@@ -3,7 +3,10 @@
 
 #include <algorithm>
 
+#include "Foundation/NSArray.h"
 #include "Foundation/NSNotificationCenter.h"
+#include "Foundation/NSPasteboardTypes.h"
+#include "Interface/NSDraggingInfo.h"
 #include "Interface/NSEvent.h"
 #include "Interface/NSMenu.h"
 #include "Interface/NSPasteboard.h"
@@ -18,6 +21,7 @@
 #include "Text/NSTextContainer.h"
 #include "Text/NSTextStorage.h"
 #include "Writer/PlugInProtocol.h"
+#include "Writer/Windows/WRFileDropView.h"
 #include "Writer/Windows/WRSpellingMarks.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
@@ -34,6 +38,7 @@ PBIdleQueue* growingViews() {
 }
 
 NSColor* misspelledColor() { return NSColor::colorWithCalibratedRed_green_blue_alpha(0.86F, 0.1F, 0.1F, 1); }
+NSColor* foundColor() { return NSColor::colorWithCalibratedRed_green_blue_alpha(1, 0.93F, 0.6F, 1); }
 NSColor* edgeColor() { return NSColor::colorWithCalibratedWhite_alpha(0.7F, 1); }
 
 }  // namespace
@@ -57,6 +62,9 @@ PELVOR_DEFINE_CLASS(WRPageView, windowsLibrary) {
     methods.instance<"writablePasteboardTypes", &WRPageView::writablePasteboardTypes>();
     methods.instance<"readablePasteboardTypes", &WRPageView::readablePasteboardTypes>();
     methods.instance<"readSelectionFromPasteboard:type:", &WRPageView::readSelectionFromPasteboard_type>();
+    methods.instanceAs<"draggingEntered:", &WRPageView::draggingMoved>();
+    methods.instanceAs<"draggingUpdated:", &WRPageView::draggingMoved>();
+    methods.instance<"performDragOperation:", &WRPageView::performDragOperation>();
     methods.instance<"viewWillDraw", &WRPageView::viewWillDraw>();
     methods.instance<"scrollRangeToVisible:", &WRPageView::scrollRangeToVisible>();
     methods.instance<"drawRect:", &WRPageView::drawRect>();
@@ -74,9 +82,14 @@ Retained<WRPageView> WRPageView::create(Retained<NSTextStorage> text, NSDictiona
         NSTextView::initWithFrame_textContainer({{0, 0}, {paper.width + 2 * kGap, paper.height + 2 * kGap}},
                                                 document->pages()[0].container, WRPageView::classObject()));
     self->_document = std::move(document);
+    self->registerForDraggedTypes(
+        self->readablePasteboardTypes()->arrayByAddingObject(NSFilenamesPboardType));
     self->setVerticallyResizable(false);
     self->setDrawsBackground(false);
-    self->_document->setEditFunction([view = self.get()] { view->pagesDidChange(); });
+    self->_document->setEditFunction([view = self.get()] {
+        view->setFoundPlaces({});
+        view->pagesDidChange();
+    });
     self->pagesDidChange();
     NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
         self, "hyphenationDidLoad:"_sel, NSHyphenationPatternsDidLoadNotification, nullptr);
@@ -246,6 +259,14 @@ bool WRPageView::readSelectionFromPasteboard_type(NSPasteboard* pasteboard, NSSt
     return true;
 }
 
+NSUInteger WRPageView::draggingMoved(NSDraggingInfo* info) {
+    return hasDraggedFiles(info) ? NSDragOperationCopy : NSTextView::draggingMoved(info);
+}
+
+bool WRPageView::performDragOperation(NSDraggingInfo* info) {
+    return openDraggedFiles(info) || NSTextView::performDragOperation(info);
+}
+
 // MARK: Drawing
 
 // Lays out what can be seen.
@@ -280,10 +301,47 @@ void WRPageView::drawPaper(NSUInteger index, NSRect dirty) {
 void WRPageView::drawRect(NSRect dirty) {
     if (!_document || pageCount() == 0) return;
     const NSUInteger last = pageAtHeight(NSMaxY(dirty));
-    for (NSUInteger page = pageAtHeight(NSMinY(dirty)); page <= last; ++page) drawPaper(page, dirty);
+    for (NSUInteger page = pageAtHeight(NSMinY(dirty)); page <= last; ++page) {
+        drawPaper(page, dirty);
+        if (!_foundPlaces.empty()) drawFoundPlaces(page, dirty);
+    }
     NSTextView::drawRect(dirty);
     if (!_spellingMarks || textStorage()->editedMask()) return;
     for (NSUInteger page = pageAtHeight(NSMinY(dirty)); page <= last; ++page) drawSpellingMarks(page, dirty);
+}
+
+// MARK: Found places
+
+void WRPageView::setFoundPlaces(std::vector<NSRange> places) {
+    if (places == _foundPlaces) return;
+    _foundPlaces = std::move(places);
+    setNeedsDisplay(true);
+}
+
+// The text of the page that is in the rectangle.
+NSRange WRPageView::rangeInRect(NSUInteger index, NSRect dirty) {
+    NSTextContainer* container = _document->pages()[index].container;
+    const NSPoint origin = originOfTextContainer(container);
+    return layoutManager()->glyphRangeForBoundingRectWithoutAdditionalLayout_inTextContainer(
+        NSOffsetRect(dirty, -origin.x, -origin.y), container);
+}
+
+void WRPageView::drawFoundPlaces(NSUInteger index, NSRect dirty) {
+    NSTextContainer* container = _document->pages()[index].container;
+    const NSPoint origin = originOfTextContainer(container);
+    const NSRange range = rangeInRect(index, dirty);
+    auto* context = NSGraphicsContext::currentContext();
+    context->setColor(foundColor());
+    auto place = std::partition_point(_foundPlaces.begin(), _foundPlaces.end(),
+                                      [&](NSRange each) { return NSMaxRange(each) <= range.location; });
+    for (; place != _foundPlaces.end() && place->location < NSMaxRange(range); ++place) {
+        NSUInteger count = 0;
+        const NSRect* rects =
+            layoutManager()
+                ->rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
+                    NSIntersectionRange(*place, range), {NSNotFound, 0}, container, &count);
+        for (NSUInteger i = 0; i < count; ++i) context->fillRect(NSOffsetRect(rects[i], origin.x, origin.y));
+    }
 }
 
 // MARK: Spelling
@@ -310,8 +368,7 @@ void WRPageView::redrawRange(NSRange range) {
 void WRPageView::drawSpellingMarks(NSUInteger index, NSRect dirty) {
     NSTextContainer* container = _document->pages()[index].container;
     const NSPoint origin = originOfTextContainer(container);
-    const NSRange range = layoutManager()->glyphRangeForBoundingRectWithoutAdditionalLayout_inTextContainer(
-        NSOffsetRect(dirty, -origin.x, -origin.y), container);
+    const NSRange range = rangeInRect(index, dirty);
     if (range.length == 0) return;
     NSGraphicsContext::currentContext()->setColor(misspelledColor());
     for (const NSRange word : _spellingMarks->marksInRange(range))

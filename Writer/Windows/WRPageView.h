@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 #include "Interface/NSTextView.h"
 #include "Writer/Pages/PageDocument.h"
@@ -49,6 +50,9 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     NSRange visibleTextRange();
     /// Text in the range looks different, although nothing has been edited.
     void redrawRange(NSRange range);
+    /// The places, in order, that have a background of their own because they were looked for. An edit takes
+    /// it away.
+    void setFoundPlaces(std::vector<NSRange> places);
     /// The words that are underlined as misspelled; null for none.
     void setSpellingMarks(WRSpellingMarks* marks);
 
@@ -62,6 +66,9 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     NSArray* writablePasteboardTypes() override;
     NSArray* readablePasteboardTypes() override;
     bool readSelectionFromPasteboard_type(NSPasteboard* pasteboard, NSString* type) override;
+    /// Files are opened.
+    NSUInteger draggingMoved(NSDraggingInfo* info) override;
+    bool performDragOperation(NSDraggingInfo* info) override;
     void viewWillDraw() override;
     void scrollRangeToVisible(NSRange range) override;
     void drawRect(NSRect dirty) override;
@@ -77,7 +84,9 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
 
   private:
     void drawPaper(NSUInteger index, NSRect dirty);
+    void drawFoundPlaces(NSUInteger index, NSRect dirty);
     void drawSpellingMarks(NSUInteger index, NSRect dirty);
+    NSRange rangeInRect(NSUInteger index, NSRect dirty);
     void underline(NSRange word, NSTextContainer* container, NSPoint origin);
     void fitFrame();
     void pagesDidChange();
@@ -85,6 +94,7 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     std::unique_ptr<PageDocument> _document;
     std::unordered_map<NSTextContainer*, NSUInteger> _pageOf;
     Retained<WRSpellingMarks> _spellingMarks;
+    std::vector<NSRange> _foundPlaces;
     NSUInteger _shownCount = 0;  // what headers and footers show once all pages are found
     NSUInteger _toldPages = 0;   // how many pages others know of, and whether these are all
     bool _isToldComplete = false;

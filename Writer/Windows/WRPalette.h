@@ -14,6 +14,8 @@ class WRPalette : public NSPanel, NSPanel::HiddenCreators {
     // C++ only
     static Retained<WRPalette> create(NSRect contentRect, NSUInteger styleMask);
 
+    /// Where it is not seen yet, it comes up beside the other window, or at the edge of the screen for null.
+    void showBeside(NSWindow* other);
     /// The command of Escape.
     void cancelOperation(id sender) { performClose(sender); }
     /// A key that no view wanted.

@@ -2,6 +2,7 @@
 #include "Writer/Windows/WRPrintPanel.h"
 
 #include <cerrno>
+#include <utility>
 
 #include "Foundation/NSArray.h"
 #include "Foundation/NSData.h"
@@ -11,13 +12,14 @@
 #include "Interface/NSApplication.h"
 #include "Interface/NSButton.h"
 #include "Interface/NSMenuItem.h"
-#include "Interface/NSPanel.h"
 #include "Interface/NSPopUpButton.h"
 #include "Interface/NSSavePanel.h"
 #include "Interface/NSTextField.h"
 #include "Writer/LocalizedText.h"
 #include "Writer/Pages/PagePDF.h"
+#include "Writer/Windows/WRBackgroundTask.h"
 #include "Writer/Windows/WRFormView.h"
+#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -30,6 +32,18 @@ int numberOf(NSString* text) {
     auto scanner = NSScanner::scannerWithString(text);
     int number = 0;
     return scanner->scanInt(&number) && scanner->isAtEnd() && number > 0 ? number : 0;
+}
+
+// Why something could not be had from the print service, as a clause for the user.
+NSString* reasonOf(const PrintProblem& problem) {
+    switch (problem.kind) {
+        case PrintProblem::Kind::noService:
+            return localized(u"_no print service is installed"_ns);
+        case PrintProblem::Kind::noAnswer:
+            return localized(u"_the print service does not answer"_ns);
+        default:
+            return problem.text;
+    }
 }
 
 }  // namespace
@@ -54,7 +68,9 @@ PELVOR_DEFINE_CLASS(WRPrintPanel, windowsLibrary) {
     methods.instance<"runModal", &WRPrintPanel::runModal>();
     methods.instance<"window", &WRPrintPanel::window>();
     methods.instance<"outcome", &WRPrintPanel::outcome>();
+    methods.instance<"message", &WRPrintPanel::message>();
     methods.instance<"print:", &WRPrintPanel::print>();
+    methods.instance<"printerDidChange:", &WRPrintPanel::printerDidChange>();
     methods.instance<"cancel:", &WRPrintPanel::cancel>();
 }
 
@@ -62,34 +78,88 @@ Retained<WRPrintPanel> WRPrintPanel::create(PageDocument* document, NSString* ti
     auto self = make<WRPrintPanel>();
     self->_document = document;
     self->_title = title->copy();
-    self->_printers = PrintService::shared().printers();
+    self->_gaveUp = std::make_shared<PrintService::Flag>(false);
     self->makePanel();
+    self->findPrinters();
     return self;
 }
 
 void WRPrintPanel::makePanel() {
-    constexpr float kFieldWidth = 220;
+    constexpr float kFieldWidth = 280;
     auto form = WRFormView::create(this, kFieldWidth);
-    _printer.set(form->addPopUp(localized(u"_Printer:"_ns), NSArray::array(), {}));
+    NSArray* choices = NSArray::of({localized(u"_Looking for printers…"_ns), localized(u"_PDF file…"_ns)});
+    _printer.set(form->addPopUp(localized(u"_Printer:"_ns), choices, "printerDidChange:"_sel));
     _printer->setTag(kPrinterTag);
-    NSInteger selected = 0;
-    for (const auto& [name, title, isDefault] : _printers) {
-        if (isDefault) selected = _printer->numberOfItems();
-        // Two printers may have one title.
-        _printer->addItemWithTitle(_printer->indexOfItemWithTitle(title) < 0 ? title : name);
-    }
-    _printer->addItemWithTitle(localized(u"_PDF file…"_ns));
-    _printer->selectItemAtIndex(selected);
     _copies.set(form->addField(localized(u"_Copies:"_ns)));
     _copies->setStringValue(u"1"_ns);
     _pages.set(form->addField(localized(u"_Pages:"_ns)));
+    _isTwoSided.set(form->addCheckBox(localized(u"_Print on both sides"_ns)));
+    _isTwoSided->setTag(kTwoSidedTag);
     _message.set(form->addMessage());
     _message->setStringValue(localized(u"_All pages, or some: 3, 2-5, 7-"_ns));
-    form->addButton(localized(u"_Print"_ns), "print:"_sel)->setKeyEquivalent(u"\r"_ns);
+    _print.set(form->addButton(localized(u"_Print"_ns), "print:"_sel));
+    _print->setKeyEquivalent(u"\r"_ns);
     form->addButton(localized(u"_Cancel"_ns), "cancel:"_sel)->setKeyEquivalent(u"\x1b"_ns);
     _panel = form->panelWithTitle(localized(u"_Print"_ns));
     _panel->setInitialFirstResponder(_pages);
+    printerDidChange(nullptr);
 }
+
+NSString* WRPrintPanel::message() { return _message->stringValue(); }
+
+// MARK: Printers
+
+void WRPrintPanel::findPrinters() {
+    struct Found {
+        std::vector<Printer> printers;
+        PrintProblem problem;
+    };
+    auto found = std::make_shared<Found>();
+    const auto self = Retained<WRPrintPanel>::retaining(this);
+    WRBackgroundTask::start(
+        [found, service = PrintService::shared(), gaveUp = _gaveUp] {
+            found->problem = service->findPrinters(found->printers, *gaveUp);
+        },
+        [found, self] {
+            if (!*self->_gaveUp) self->takePrinters(std::move(found->printers), found->problem);
+        });
+}
+
+// What the user has chosen meanwhile stays.
+void WRPrintPanel::takePrinters(std::vector<Printer> printers, const PrintProblem& problem) {
+    const bool hasChosen = _printer->indexOfSelectedItem() > 0;
+    _isLooking = false;
+    _printers = std::move(printers);
+    _printer->removeAllItems();
+    NSInteger selected = 0;
+    for (const Printer& printer : _printers) {
+        if (printer.isDefault) selected = _printer->numberOfItems();
+        // Two printers may have one title.
+        _printer->addItemWithTitle(_printer->indexOfItemWithTitle(printer.title) < 0 ? printer.title
+                                                                                     : printer.name);
+    }
+    _printer->addItemWithTitle(localized(u"_PDF file…"_ns));
+    _printer->selectItemAtIndex(hasChosen ? _printer->numberOfItems() - 1 : selected);
+    if (problem)
+        _message->setStringValue(localizedFormat(u"_No printers: %@."_ns, reasonOf(problem)));
+    else if (_printers.empty())
+        _message->setStringValue(localized(u"_No printers were found."_ns));
+    printerDidChange(nullptr);
+}
+
+// Null stands for a PDF file, and for none yet.
+const Printer* WRPrintPanel::chosenPrinter() {
+    const auto index = static_cast<std::size_t>(_printer->indexOfSelectedItem());
+    return index < _printers.size() ? &_printers[index] : nullptr;
+}
+
+void WRPrintPanel::printerDidChange(id) {
+    const Printer* printer = chosenPrinter();
+    _isTwoSided->setEnabled(printer && printer->canPrintTwoSided);
+    _isTwoSided->setState(printer && printer->isTwoSided ? NSOnState : NSOffState);
+}
+
+// MARK: Running
 
 NSString* WRPrintPanel::runModal() {
     const auto alive = Retained<WRPrintPanel>::retaining(this);
@@ -100,15 +170,23 @@ NSString* WRPrintPanel::runModal() {
 }
 
 void WRPrintPanel::cancel(id) {
+    *_gaveUp = true;
     NSApplication* application = NSApplication::sharedApplication();
     if (application->modalWindow() == _panel) application->stopModal();
     _panel->orderOut(nullptr);
+}
+
+void WRPrintPanel::finish(NSString* outcome) {
+    _outcome.set(outcome);
+    cancel(nullptr);
 }
 
 // MARK: Printing
 
 void WRPrintPanel::print(id) {
     const auto alive = Retained<WRPrintPanel>::retaining(this);
+    if (_isLooking && _printer->indexOfSelectedItem() == 0)
+        return _message->setStringValue(localized(u"_Printers are still being looked for."_ns));
     const int copies = numberOf(_copies->stringValue());
     if (copies == 0 || copies > kMostCopies)
         return _message->setStringValue(
@@ -118,15 +196,9 @@ void WRPrintPanel::print(id) {
     if (pages.length == 0)
         return _message->setStringValue(
             localizedFormat(u"_The document has %u pages; choose some of them: 3, 2-5, 7-"_ns, count));
-    const auto chosen = static_cast<std::size_t>(_printer->indexOfSelectedItem());
-    if (chosen < _printers.size()) {
-        _outcome.set(sendPages(pages, _printers[chosen], static_cast<unsigned>(copies)));
-    } else {
-        NSString* path = pathFromUser();
-        if (!path) return;
-        _outcome.set(writePages(pages, path));
-    }
-    cancel(nullptr);
+    if (const Printer* printer = chosenPrinter())
+        return sendPages(pages, *printer, static_cast<unsigned>(copies));
+    if (NSString* path = pathFromUser()) finish(writePages(pages, path));
 }
 
 NSString* WRPrintPanel::pathFromUser() {
@@ -148,15 +220,40 @@ NSString* WRPrintPanel::writePages(NSRange pages, NSString* path) {
     return localizedFormat(u"_Written to \"%@\"; pages: %u"_ns, path, pages.length);
 }
 
-NSString* WRPrintPanel::sendPages(NSRange pages, const PrintService::Printer& printer, unsigned copies) {
+void WRPrintPanel::sendPages(NSRange pages, const Printer& printer, unsigned copies) {
+    const auto refused = [title = printer.title](NSString* reason) {
+        return localizedFormat(u"_Nothing was printed: the printer \"%@\" took no document: %@."_ns,
+                               title.get(), reason);
+    };
     NSString* reason = nullptr;
     NSData* pdf = pdfOfPages(*_document, _title, pages, &reason);
-    const int job = pdf ? PrintService::shared().print(printer.name, pdf, _title, copies, &reason) : 0;
-    if (job == 0)
-        return localizedFormat(u"_Nothing was printed: the printer \"%@\" took no document: %@."_ns,
-                               printer.title.get(), reason);
-    return localizedFormat(u"_Sent to the printer \"%@\" as job %d; pages: %u"_ns, printer.title.get(), job,
-                           pages.length);
+    if (!pdf) return finish(refused(reason));
+    struct Sending {
+        PrintJob job;
+        int number = 0;
+        PrintProblem problem;
+    };
+    auto sending = std::make_shared<Sending>();
+    sending->job = {printer.name,
+                    _title,
+                    Retained<NSData>::retaining(pdf),
+                    _document->frame().paper,
+                    copies,
+                    _isTwoSided->state() == NSOnState};
+    _print->setEnabled(false);
+    _message->setStringValue(localizedFormat(u"_Sending to the printer \"%@\"…"_ns, printer.title.get()));
+    const auto self = Retained<WRPrintPanel>::retaining(this);
+    WRBackgroundTask::start(
+        [sending, service = PrintService::shared(), gaveUp = _gaveUp] {
+            sending->problem = service->print(sending->job, sending->number, *gaveUp);
+        },
+        [sending, self, refused, title = printer.title, count = pages.length] {
+            if (*self->_gaveUp) return;
+            self->finish(sending->problem
+                             ? refused(reasonOf(sending->problem))
+                             : localizedFormat(u"_Sent to the printer \"%@\" as job %d; pages: %u"_ns,
+                                               title.get(), sending->number, count));
+        });
 }
 
 }  // namespace pelvor

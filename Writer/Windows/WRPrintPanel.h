@@ -9,16 +9,18 @@
 
 namespace pelvor {
 
-class NSPanel;
+class NSButton;
 class NSPopUpButton;
 class NSTextField;
 class PageDocument;
+class WRPalette;
 
 /// The pages, of so many, that a text means: "3", "2-5", "7-", "-3", or "" for all. {NSNotFound, 0} if it
 /// means none.
 NSRange pagesOfText(NSString* text, NSUInteger count);
 
-/// A panel in which the user chooses a printer, or a PDF file, and has pages printed. Main thread.
+/// A panel in which the user chooses a printer, or a PDF file, and has pages printed. The print service is
+/// asked on another thread: the panel comes up at once and can be cancelled at any time. Main thread.
 class WRPrintPanel : public NSObject {
     PELVOR_CLASS(WRPrintPanel, NSObject);
 
@@ -30,14 +32,18 @@ class WRPrintPanel : public NSObject {
     /// Until pages were printed or the user cancels. Returns what happened, as a sentence for the user; null
     /// if nothing did.
     NSString* runModal();
-    NSPanel* window() { return _panel; }
-    /// The tag of the pop-up button with the printers.
-    static constexpr int kPrinterTag = 1;
+    WRPalette* window() { return _panel; }
+    /// What the panel says.
+    NSString* message();
+    /// The tags of the pop-up button with the printers, and of the box for both sides of the paper.
+    static constexpr int kPrinterTag = 1, kTwoSidedTag = 2;
     NSString* outcome() { return _outcome; }
     /// Writes a PDF document of the pages to the path. Returns what happened.
     NSString* writePages(NSRange pages, NSString* path);
 
     void print(id sender);
+    /// The user has chosen a printer.
+    void printerDidChange(id sender);
     void cancel(id sender);
 
   protected:
@@ -46,15 +52,22 @@ class WRPrintPanel : public NSObject {
 
   private:
     void makePanel();
+    void findPrinters();
+    void takePrinters(std::vector<Printer> printers, const PrintProblem& problem);
+    const Printer* chosenPrinter();
     NSString* pathFromUser();
-    NSString* sendPages(NSRange pages, const PrintService::Printer& printer, unsigned copies);
+    void sendPages(NSRange pages, const Printer& printer, unsigned copies);
+    void finish(NSString* outcome);
 
     PageDocument* _document = nullptr;
     Retained<NSString> _title, _outcome;
-    std::vector<PrintService::Printer> _printers;
-    Retained<NSPanel> _panel;
+    std::shared_ptr<PrintService::Flag> _gaveUp;  // the user has closed the panel
+    bool _isLooking = true;                       // for printers
+    std::vector<Printer> _printers;
+    Retained<WRPalette> _panel;
     Retained<NSPopUpButton> _printer;
     Retained<NSTextField> _copies, _pages, _message;
+    Retained<NSButton> _isTwoSided, _print;
 };
 
 }  // namespace pelvor

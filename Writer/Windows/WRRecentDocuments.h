@@ -7,7 +7,6 @@
 namespace pelvor {
 
 class NSMenu;
-class NSNotification;
 
 /// The files that were opened or saved last, the latest first, kept in the user defaults
 /// (Preferences.h). It is the delegate of a menu, whose items send "openRecentDocument:" to whoever takes it;
@@ -24,14 +23,12 @@ class WRRecentDocuments : public NSObject {
     /// Those that are there. Borrowed.
     NSArray* paths();
     void removeAllPaths();
-    /// Forgets the paths that are more than the user wants to have kept.
-    void defaultsDidChange(NSNotification* notification);
     /// The message of a menu to its delegate.
     void menuNeedsUpdate(NSMenu* menu);
 
   protected:
     WRRecentDocuments() = default;
-    ~WRRecentDocuments();
+    ~WRRecentDocuments() = default;
 };
 
 }  // namespace pelvor

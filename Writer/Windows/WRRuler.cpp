@@ -11,8 +11,10 @@
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Foundation/UserLanguages.h"
+#include "Interface/NSClipView.h"
 #include "Interface/NSEvent.h"
 #include "Interface/NSMenu.h"
+#include "Interface/NSScrollView.h"
 #include "Interface/NSTextView.h"
 #include "NSParagraphStyle-PelvorAdditions.h"
 #include "NSView-PelvorAdditions.h"
@@ -27,6 +29,7 @@
 #include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRRulerGuide.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -104,7 +107,6 @@ void drawTab(NSTextTabType type, bool isMirrored, float x, float bottom) {
 PELVOR_DEFINE_CLASS(WRRuler, windowsLibrary) {
     methods.instance<"placeDidChange:", &WRRuler::placeDidChange>();
     methods.instance<"takeUnitFrom:", &WRRuler::takeUnitFrom>();
-    methods.instance<"defaultsDidChange:", &WRRuler::defaultsDidChange>();
     methods.instance<"isFlipped", &WRRuler::isFlipped>();
     methods.instance<"isOpaque", &WRRuler::isOpaque>();
     methods.instance<"acceptsFirstMouse:", &WRRuler::acceptsFirstMouse>();
@@ -134,12 +136,13 @@ Retained<WRRuler> WRRuler::create(WRFormatCommands* commands, NSRect frame) {
     for (NSString* name : {NSViewBoundsDidChangeNotification, NSViewFrameDidChangeNotification})
         centre->addObserver_selector_name_object(self, "placeDidChange:"_sel, name,
                                                  pages->superview()->superview());
-    centre->addObserver_selector_name_object(self, "defaultsDidChange:"_sel,
-                                             NSUserDefaultsDidChangeNotification, nullptr);
     return self;
 }
 
-WRRuler::~WRRuler() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
+WRRuler::~WRRuler() {
+    NSNotificationCenter::defaultCenter()->removeObserver(this);
+    if (_guide) _guide->removeFromSuperview();
+}
 
 // MARK: What is shown
 
@@ -191,13 +194,9 @@ std::optional<WRRuler::Mark> WRRuler::markAt(NSPoint point) {
 
 // MARK: Units
 
-NSString* WRRuler::wantedUnit() {
-    NSString* wanted = NSUserDefaults::standardUserDefaults()->stringForKey(WRRulerUnitPreference);
-    return wanted ? wanted : measuresInInches() ? u"in"_ns : kCentimetre.name;
-}
-
 void WRRuler::chooseUnit() {
-    NSString* wanted = wantedUnit();
+    NSString* wanted = NSUserDefaults::standardUserDefaults()->stringForKey(WRRulerUnitPreference);
+    if (!wanted) wanted = measuresInInches() ? u"in"_ns : kCentimetre.name;
     const std::vector<Unit> units = allUnits();
     const auto found = std::find_if(units.begin(), units.end(),
                                     [&](const Unit& unit) { return unit.name->isEqualToString(wanted); });
@@ -212,27 +211,19 @@ void WRRuler::takeUnitFrom(id sender) {
     auto* name = item ? cast<NSString>(item->representedObject()) : nullptr;
     if (!name) return;
     NSUserDefaults::standardUserDefaults()->setObject_forKey(name, WRRulerUnitPreference);
-}
-
-void WRRuler::defaultsDidChange(id) {
-    if (!wantedUnit()->isEqual(_unitName)) chooseUnit();
-}
-
-void WRRuler::addUnitsToMenu(NSMenu* menu) {
-    for (id object : profilesInOrder(PBRegistry::sharedRegistry()->profilesOfType(PBProfileUnitType))) {
-        auto* profile = static_cast<PBProfile*>(object);
-        menu->addItemWithTitle_action_keyEquivalent(nameOfProfile(profile), SEL(), u""_ns)
-            ->setRepresentedObject(profile->valueForKey(u"abbreviation"_ns));
-    }
+    chooseUnit();
 }
 
 NSMenu* WRRuler::menuForEvent(NSEvent*) {
     auto menu = NSMenu::initWithTitle(u""_ns);
-    addUnitsToMenu(menu);
-    for (const auto& item : menu->items()) {
-        item->setAction("takeUnitFrom:"_sel);
+    for (id object : profilesInOrder(PBRegistry::sharedRegistry()->profilesOfType(PBProfileUnitType))) {
+        auto* profile = static_cast<PBProfile*>(object);
+        NSMenuItem* item =
+            menu->addItemWithTitle_action_keyEquivalent(nameOfProfile(profile), "takeUnitFrom:"_sel, u""_ns);
+        id name = profile->valueForKey(u"abbreviation"_ns);
         item->setTarget(this);
-        item->setState(_unitName->isEqual(item->representedObject()));
+        item->setRepresentedObject(name);
+        item->setState(_unitName->isEqual(name));
     }
     return std::move(menu).autorelease();
 }
@@ -302,9 +293,7 @@ void WRRuler::drawScale() {
 void WRRuler::drawMark(const Mark& mark, float place) {
     const float x = xOfPlace(place);
     auto* context = NSGraphicsContext::currentContext();
-    context->setColor(_commands->canEdit()
-                          ? NSColor::colorWithCalibratedRed_green_blue_alpha(0.16F, 0.39F, 0.7F, 1)
-                          : grey(0.6F));
+    context->setColor(_commands->canEdit() ? WRRulerGuide::color() : grey(0.6F));
     switch (mark.kind) {
         case Kind::tab:
             return drawTab(mark.tab->tabStopType(), _look.isRightToLeft, x, kHeight - 2);
@@ -345,6 +334,27 @@ void WRRuler::follow(NSPoint point, bool snaps) {
     _drag->isOff =
         _drag->mark.kind == Kind::tab && (point.y < -kOffDistance || point.y > kHeight + kOffDistance);
     setNeedsDisplay(true);
+    showGuide();
+}
+
+// Over the pages, where the dragged mark stands; none without one.
+void WRRuler::showGuide() {
+    NSScrollView* pages = _commands->pageView()->enclosingScrollView();
+    const bool isShown = _drag && _drag->hasMoved && !_drag->isOff && pages && superview();
+    if (!isShown) {
+        if (_guide) _guide->removeFromSuperview();
+        _guide = nullptr;
+        return;
+    }
+    NSView* content = superview();
+    const NSRect room = content->convertRect_fromView(pages->contentView()->bounds(), pages->contentView());
+    const float x = content->convertPoint_fromView({xOfPlace(_drag->place), 0}, this).x;
+    if (!_guide) {
+        _guide = WRRulerGuide::create();
+        content->addSubview(_guide);
+    }
+    _guide->setHidden(x < NSMinX(room) || x >= NSMaxX(room));
+    _guide->setFrame({{std::floor(x), NSMinY(room)}, {1, NSHeight(room)}});
 }
 
 void WRRuler::mouseDragged(NSEvent* event) {
@@ -362,6 +372,7 @@ void WRRuler::mouseUp(NSEvent*) {
     const Drag drag = std::move(*_drag);
     _drag.reset();
     setNeedsDisplay(true);
+    showGuide();
     if (drag.hasMoved && !(drag.isNew && drag.isOff)) apply(drag);
 }
 

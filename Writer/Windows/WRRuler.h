@@ -12,13 +12,14 @@ namespace pelvor {
 class NSParagraphStyle;
 class NSTextTab;
 class WRFormatCommands;
+class WRRulerGuide;
 
 /// A ruler above the pages, whose marks stand where they are in the text below. It shows the width of the
 /// text between the margins, and of the paragraph that the selection begins in the indents and the tab stops.
-/// Marks are dragged; a click sets a tab stop, a double click changes its kind, and dragging off the ruler
-/// removes it. Each is one step to undo and concerns all selected paragraphs. Places snap to the lines of the
-/// ruler unless the Alt key is down. Numbers count from the leading edge of the text, in a unit that the
-/// context menu sets. Main thread.
+/// Marks are dragged, and a line over the pages shows their place meanwhile; a click sets a tab stop, a
+/// double click changes its kind, and dragging off the ruler removes it. Each is one step to undo and
+/// concerns all selected paragraphs. Places snap to the lines of the ruler unless the Alt key is down.
+/// Numbers count from the leading edge of the text, in a unit that the context menu sets. Main thread.
 class WRRuler : public NSView, NSView::HiddenCreators {
     PELVOR_CLASS(WRRuler, NSView);
 
@@ -29,18 +30,13 @@ class WRRuler : public NSView, NSView::HiddenCreators {
 
     /// Where the place stands on the ruler, in points of the text from the leading edge of the lines.
     float xOfPlace(float place);
-    /// The abbreviation of the unit, which the user defaults have.
+    /// The abbreviation of the unit.
     NSString* unit() { return _unitName; }
-    /// Adds an item for each unit, whose represented object is the unit's abbreviation.
-    static void addUnitsToMenu(NSMenu* menu);
-    /// The abbreviation of the unit that the user wants.
-    static NSString* wantedUnit();
 
     /// The selection, the formats, or what is seen of the pages may have changed.
     void placeDidChange(id notification);
     /// The represented object of the sender is the abbreviation of a unit.
     void takeUnitFrom(id sender);
-    void defaultsDidChange(id notification);
 
     bool isFlipped() override { return true; }
     bool isOpaque() override { return true; }
@@ -88,6 +84,7 @@ class WRRuler : public NSView, NSView::HiddenCreators {
     void drawMark(const Mark& mark, float place);
     void apply(const Drag& drag);
     void changeKind(NSTextTab* tab);
+    void showGuide();
 
     Retained<WRFormatCommands> _commands;
     Retained<NSString> _unitName;
@@ -95,6 +92,7 @@ class WRRuler : public NSView, NSView::HiddenCreators {
     Look _look{};
     Retained<NSParagraphStyle> _style;
     std::optional<Drag> _drag;
+    Retained<WRRulerGuide> _guide;  // while a mark is dragged
 };
 
 }  // namespace pelvor

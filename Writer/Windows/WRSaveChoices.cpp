@@ -41,7 +41,10 @@ NSArray* extensionsOf(PBProfile* writer) {
     return extensions;
 }
 
-Retained<NSPopUpButton> addLine(NSView* view, NSString* title, float y) {
+}  // namespace
+
+Retained<NSPopUpButton> WRSaveChoices::addLine(NSView* view, NSString* title, int line) {
+    const float y = static_cast<float>(line) * kLineHeight;
     auto label = NSTextField::initWithFrame({{8, y + 6}, {kLabelWidth, 20}});
     label->setEditable(false);
     label->setBezeled(false);
@@ -54,7 +57,16 @@ Retained<NSPopUpButton> addLine(NSView* view, NSString* title, float y) {
     return button;
 }
 
-}  // namespace
+Retained<NSView> WRSaveChoices::viewWithLines(int count) {
+    return NSView::initWithFrame(
+        {{0, 0}, {8 + kLabelWidth + 8 + kButtonWidth + 8, static_cast<float>(count) * kLineHeight}});
+}
+
+NSArray* WRSaveChoices::usualEncodings() {
+    auto* names = NSMutableArray::array();
+    for (NSString* name : kUsualEncodings) names->addObject(name);
+    return names;
+}
 
 PELVOR_DEFINE_CLASS(WRSaveChoices, windowsLibrary) {
     methods.instance<"kindDidChange:", &WRSaveChoices::kindDidChange>();
@@ -86,8 +98,8 @@ Retained<WRSaveChoices> WRSaveChoices::create(WRDocument* document, PBProfile* w
 }
 
 void WRSaveChoices::makeView() {
-    _view = NSView::initWithFrame({{0, 0}, {8 + kLabelWidth + 8 + kButtonWidth + 8, 2 * kLineHeight}});
-    _kinds = addLine(_view, localized(u"_Kind:"_ns), kLineHeight);
+    _view = viewWithLines(2);
+    _kinds = addLine(_view, localized(u"_Kind:"_ns), 1);
     _encodings = addLine(_view, localized(u"_Encoding:"_ns), 0);
     for (id writer : _writers.get()) _kinds->addItemWithTitle(nameOfProfile(static_cast<PBProfile*>(writer)));
     _kinds->setTarget(this);

@@ -6,7 +6,7 @@
 
 namespace pelvor {
 
-class NSMutableArray;
+class NSArray;
 class NSPopUpButton;
 class NSSavePanel;
 class NSView;
@@ -28,6 +28,12 @@ class WRSaveChoices : public NSObject {
     static Retained<WRSaveChoices> create(WRDocument* document, PBProfile* writer);
     /// A writer that keeps all formats; null if there is none.
     static PBProfile* richWriter();
+    /// The names of encodings that users may choose, borrowed.
+    static NSArray* usualEncodings();
+    /// A view for a panel with so many lines of labels and pop-up buttons, and one of them, counted from
+    /// below.
+    static Retained<NSView> viewWithLines(int count);
+    static Retained<NSPopUpButton> addLine(NSView* view, NSString* label, int line);
 
     void attachToPanel(NSSavePanel* panel);
     /// The profile of the chosen writer; null if there are no writers.

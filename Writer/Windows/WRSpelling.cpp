@@ -25,7 +25,10 @@ constexpr NSUInteger kMostGuesses = 7;
 
 NSSpellChecker* checker() { return NSSpellChecker_PelvorAdditions::pelvorSpellChecker(); }
 
-bool areMarksWanted() { return preference(WRMarksMisspellingsPreference); }
+bool areMarksWanted() {
+    id wanted = NSUserDefaults::standardUserDefaults()->objectForKey(WRMarksMisspellingsPreference);
+    return !wanted || NSUserDefaults::standardUserDefaults()->boolForKey(WRMarksMisspellingsPreference);
+}
 
 NSMenuItem* addItem(NSMenu* menu, NSString* key, SEL action) {
     return menu->addItemWithTitle_action_keyEquivalent(localized(key), action, u""_ns);

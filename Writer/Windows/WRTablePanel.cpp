@@ -7,7 +7,6 @@
 #include "Interface/NSTableColumn.h"
 #include "PBAutoscrollingTableView.h"
 #include "Writer/Windows/WRPalette.h"
-#include "Writer/Windows/WindowFrames.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -18,7 +17,6 @@ constexpr NSSize kSize{520, 360};
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRTablePanel, windowsLibrary) {
-    methods.instance<"showBeside:", &WRTablePanel::showBeside>();
     methods.instance<"window", &WRTablePanel::window>();
     methods.instance<"reload", &WRTablePanel::reload>();
     methods.instance<"numberOfRowsInTableView:", &WRTablePanel::numberOfRowsInTableView>();
@@ -55,11 +53,6 @@ void WRTablePanel::makeWindow(NSString* title, std::span<const Column> columns) 
     _window->contentView()->addSubview(scrollView);
     _table->sizeLastColumnToFit();
     _window->setInitialFirstResponder(_table);
-}
-
-void WRTablePanel::showBeside(NSWindow* other) {
-    placeBeside(_window, other);
-    _window->makeKeyAndOrderFront(nullptr);
 }
 
 void WRTablePanel::reload() { _table->reloadData(); }

@@ -10,7 +10,7 @@ namespace pelvor {
 
 class NSTableColumn;
 class NSTableView;
-class NSWindow;
+class WRPalette;
 
 /// A window with a table in which typed letters select a row by the first column. Subclasses say what the
 /// rows are. Main thread.
@@ -18,9 +18,7 @@ class WRTablePanel : public NSObject {
     PELVOR_CLASS(WRTablePanel, NSObject);
 
   public:
-    /// Where it is not seen yet, it comes up beside the other window, or at the edge of the screen for null.
-    void showBeside(NSWindow* other);
-    NSWindow* window() { return _window; }
+    WRPalette* window() { return _window; }
     /// The rows are others now.
     void reload();
 
@@ -45,7 +43,7 @@ class WRTablePanel : public NSObject {
     virtual void rowWasChosen(NSUInteger) {}
 
   private:
-    Retained<NSWindow> _window;
+    Retained<WRPalette> _window;
     Retained<NSTableView> _table;
 };
 

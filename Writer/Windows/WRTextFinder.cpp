@@ -36,36 +36,6 @@ std::vector<NSRange> placesOfQuery(std::u16string_view text, const TextQuery& qu
     return places;
 }
 
-NSString* escapedText(NSString* text) {
-    std::u16string escaped;
-    for (NSUInteger i = 0; i < text->length(); ++i) switch (const unichar unit = text->characterAtIndex(i)) {
-            case u'\n':
-                escaped += u"\\n";
-                break;
-            case u'\t':
-                escaped += u"\\t";
-                break;
-            case u'\\':
-                escaped += u"\\\\";
-                break;
-            default:
-                escaped += unit;
-        }
-    return NSString::of(escaped);
-}
-
-NSString* textFromEscapes(NSString* escaped) {
-    std::u16string text;
-    for (NSUInteger i = 0, length = escaped->length(); i < length; ++i) {
-        const unichar unit = escaped->characterAtIndex(i);
-        const unichar next = unit == u'\\' && i + 1 < length ? escaped->characterAtIndex(i + 1) : u'\0';
-        const bool isEscape = next == u'n' || next == u't' || next == u'\\';
-        text += !isEscape ? unit : next == u'n' ? u'\n' : next == u't' ? u'\t' : u'\\';
-        i += isEscape;
-    }
-    return NSString::of(text);
-}
-
 // MARK: Replacing
 
 namespace {

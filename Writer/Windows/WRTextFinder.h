@@ -27,11 +27,6 @@ struct TextQuery {
 /// composed characters are not divided (see `NSString::rangeOfString_options_range`).
 std::vector<NSRange> placesOfQuery(std::u16string_view text, const TextQuery& query);
 
-/// The text with "\n" for a line end, "\t" for a tab and "\\" for a backslash, which is how such characters
-/// are typed into a field; and back. A backslash before anything else is a backslash.
-NSString* escapedText(NSString* text);
-NSString* textFromEscapes(NSString* escaped);
-
 /// What a search came to.
 struct FindResult {
     enum class Kind {
@@ -76,6 +71,9 @@ class WRTextFinder : public NSObject {
     /// Replaces all places. What comes in has the formats of the first character that goes.
     FindResult replaceAll(NSTextView* view);
 
+    /// All places in the text of the view, until it changes.
+    const std::vector<NSRange>& places(NSTextView* view) PELVOR_LIFETIMEBOUND;
+
     /// Observes the text whose places are known.
     void textDidChange(NSNotification* notification);
 
@@ -84,7 +82,6 @@ class WRTextFinder : public NSObject {
     ~WRTextFinder();
 
   private:
-    const std::vector<NSRange>& places(NSTextView* view);
     void forgetPlaces();
 
     TextQuery _query;

@@ -11,15 +11,11 @@
 #include <string>
 
 #include "Foundation/NSDictionary.h"
-#include "Foundation/NSRunLoop.h"
-#include "Interface/Backend/DisplayConnection.h"
-#include "Interface/Backend/HeadlessBackend.h"
 #include "Interface/InterfaceLibrary.h"
-#include "Interface/NSApplication.h"
 #include "Interface/NSScrollView.h"
 #include "Interface/NSTextView.h"
 #include "Interface/NSWindow.h"
-#include "Runtime/AutoreleasePool.h"
+#include "Platform/Interface/Screenless.h"
 #include "Runtime/Message.h"
 #include "Runtime/Registry.h"
 #include "Text/NSFont.h"
@@ -30,30 +26,11 @@ namespace {
 
 constexpr std::size_t kLength = 1 << 20;
 
-std::string text(std::size_t length) {
-    static const char* const words[] = {"The",  "quick", "brown", "fox", "jumps",
-                                        "over", "a",     "lazy",  "dog", "and"};
-    std::string made;
-    for (std::size_t i = 0, paragraph = 0; made.size() < length; ++i) {
-        made += words[(i * 7 + i / 9) % 10];
-        made += made.size() - paragraph > 550 ? '\n' : ' ';
-        if (made.back() == '\n') paragraph = made.size();
-    }
-    return made;
-}
-
 /// A text view in a window that has the keys, with the caret in the middle.
 struct TextWindow {
     explicit TextWindow(std::size_t length) {
         registerLibrary(interfaceLibrary);
-        if (!backend) {
-            DisplayConnection::open([](BackendSink& sink) {
-                auto made = std::make_unique<HeadlessBackend>(sink);
-                backend = made.get();
-                return made;
-            });
-            NSApplication::sharedApplication()->deliverEventsInRunLoop();
-        }
+        screenlessBackend();
         window = NSWindow::initWithContentRect_styleMask_backing_defer(
             {{0, 0}, {800, 600}}, NSTitledWindowMask, NSBackingStoreBuffered, true);
         auto scrollView = NSScrollView::initWithFrame({{0, 0}, {800, 600}});
@@ -61,7 +38,7 @@ struct TextWindow {
         view = NSTextView::initWithFrame({{0, 0}, {788, 600}});
         view->setTypingAttributes(
             NSDictionary::of({{NSFontAttributeName, NSFont::fontWithName_size(u"DejaVuSans"_ns, 12)}}));
-        view->setString(NSString::ofUTF8(text(length)));
+        view->setString(NSString::ofUTF8(paragraphsOf(length)));
         view->setAllowsUndo(true);
         scrollView->setDocumentView(view);
         window->contentView()->addSubview(scrollView);
@@ -69,26 +46,17 @@ struct TextWindow {
         window->makeFirstResponder(view);
         view->setSelectedRange({static_cast<NSUInteger>(length / 2), 0});
         view->scrollRangeToVisible(view->selectedRange());
-        turn();
+        turnScreenless();
     }
     ~TextWindow() {
         window->close();
-        turn();
-    }
-    static void turn() {
-        AutoreleasePool pool;
-        while (NSRunLoop::mainRunLoop()->performReadyWorkForMode(NSDefaultRunLoopMode)) {
-        }
+        turnScreenless();
     }
     static void press(unichar unit) {
-        BackendKey key;
-        key.characters = key.charactersIgnoringModifiers = key.shortcutCharacters = std::u16string(1, unit);
-        if (unit < 0x100) key.symbol = unit;
-        backend->key(key);
-        turn();
+        sendKey(unit);
+        turnScreenless();
     }
 
-    inline static HeadlessBackend* backend = nullptr;
     AutoreleasePool pool;
     Retained<NSWindow> window;
     Retained<NSTextView> view;
@@ -98,9 +66,9 @@ void type(benchmark::State& state) {
     TextWindow window(static_cast<std::size_t>(state.range(0)));
     std::size_t pixels = 0;
     bool isTyped = false;
-    TextWindow::backend->takePresented();
+    screenlessBackend().takePresented();
     for (auto _ : state) TextWindow::press((isTyped = !isTyped) ? u'x' : unichar{NSDeleteCharacter});
-    for (const PixelRect& rect : TextWindow::backend->takePresented())
+    for (const PixelRect& rect : screenlessBackend().takePresented())
         pixels += static_cast<std::size_t>(rect.width) * static_cast<std::size_t>(rect.height);
     state.counters["pixels"] = static_cast<double>(pixels) / static_cast<double>(state.iterations());
 }
@@ -113,7 +81,7 @@ void turnPage(benchmark::State& state) {
             state.PauseTiming();
             window.view->setSelectedRange({0, 0});
             window.view->scrollRangeToVisible({0, 0});
-            TextWindow::turn();
+            turnScreenless();
             state.ResumeTiming();
         }
     }
@@ -123,7 +91,7 @@ void blink(benchmark::State& state) {
     TextWindow window(kLength);
     for (auto _ : state) {
         send(window.view.get(), "blinkCaret:"_sel, nullptr);
-        TextWindow::turn();
+        turnScreenless();
     }
 }
 
@@ -140,7 +108,7 @@ struct QtWindow {
     explicit QtWindow(std::size_t length) {
         edit.setFont(QFont("DejaVu Sans", 9));
         edit.resize(800, 600);
-        edit.setPlainText(QString::fromStdString(text(length)));
+        edit.setPlainText(QString::fromStdString(paragraphsOf(length)));
         edit.show();
         edit.setFocus();
         auto cursor = edit.textCursor();

@@ -82,7 +82,10 @@ void DisplayConnection::connect(const Opener& opener) {
 DisplayConnection* DisplayConnection::existing() { return sharedConnection().get(); }
 
 DisplayConnection& DisplayConnection::shared() {
-    if (!sharedConnection()) open(&openBackend);
+    if (!sharedConnection()) {
+        open(&openBackend);
+        sharedConnection()->_isPlayed = false;
+    }
     return *sharedConnection();
 }
 
@@ -328,6 +331,7 @@ bool DisplayConnection::drag(BackendWindow number, const BackendDrag& drag) {
 }
 
 void DisplayConnection::lost(const std::string& reason) {
+    _isPlayed = false;
     if (_descriptor >= 0)
         NSRunLoop::mainRunLoop()->removeDescriptor_forMode(std::exchange(_descriptor, -1),
                                                            NSRunLoopCommonModes);
@@ -337,7 +341,6 @@ void DisplayConnection::lost(const std::string& reason) {
         if (window->state().mouseTargets[0].object())
             application().post(
                 EventMaker::simple(NSLeftMouseUp, window->windowNumber(), {}, 0, steadyTime()).get());
-    trackingLost();
     postSystem(SystemEvent::displayLost, nullptr);
 }
 

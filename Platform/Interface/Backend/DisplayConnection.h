@@ -41,6 +41,9 @@ class PELVOR_EXPORT DisplayConnection final : public BackendSink {
     ~DisplayConnection();
 
     InterfaceBackend& backend() { return *_backend; }
+    /// Whether somebody can press keys: a user at a display, or whoever opened the connection, until it is
+    /// lost.
+    bool hasUser() const { return _isPlayed || _backend->hasDisplay(); }
 
     // Points and pixels
 
@@ -112,7 +115,7 @@ class PELVOR_EXPORT DisplayConnection final : public BackendSink {
     Retained<Object> _watcher;
     Retained<Object> _timeout;
     std::unique_ptr<InterfaceBackend> _backend;
-    bool _needsTurn = false;
+    bool _needsTurn = false, _isPlayed = true;
     int _descriptor = -1;
 };
 

@@ -5,6 +5,8 @@
 #include <cmath>
 
 #include "Foundation/LibraryTexts.h"
+#include "Foundation/NSBundle.h"
+#include "Foundation/NSProcessInfo.h"
 #include "Interface/Drawing/Theme.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/Menus/MenuLayout.h"
@@ -35,6 +37,13 @@ float heightOf(NSString* text, float width, NSDictionary* itsAttributes) {
         NSHeight(boundingRectWithSize_options_attributes(text, {width, 1e4F}, kOptions, itsAttributes)));
 }
 
+// The title tells who asks; what is asked stands below it.
+NSString* programName() {
+    for (NSString* key : {u"CFBundleDisplayName"_ns, u"CFBundleName"_ns})
+        if (auto* name = cast<NSString>(NSBundle::mainBundle()->objectForInfoDictionaryKey(key))) return name;
+    return NSProcessInfo::processInfo()->processName();
+}
+
 }  // namespace
 
 PELVOR_DEFINE_CLASS(AlertView, interfaceLibrary) {}
@@ -46,7 +55,7 @@ Retained<NSWindow> AlertView::windowFor(NSAlert* alert) {
     auto window = NSPanel::initWithContentRect_styleMask_backing_defer(
         {{}, view->frame().size}, NSTitledWindowMask, NSBackingStoreBuffered, true);
     window->setLevel(NSModalPanelWindowLevel);
-    window->setTitle(alert->messageText());
+    window->setTitle(programName());
     window->setContentView(view);
     window->setInitialFirstResponder(cast<NSView>(alert->buttons()->objectAtIndex(0)));
     window->center();

@@ -16,9 +16,7 @@ class NSMenu;
 class NSString;
 enum class ThemeColor;
 
-/// A plain text in the menu's font, or an attributed text, with the room that it takes. In an attributed
-/// text, what has no font gets the menu's, and what is in the family of the menu's font gets its size, so
-/// that the lines of a menu are alike.
+/// A plain text in the menu's font, or an attributed text, with the room that it takes.
 class MenuText {
   public:
     MenuText() = default;
@@ -50,8 +48,8 @@ class MenuLayout {
     };
     static constexpr int kNoRow = -1;
 
-    /// Of the items from that index on. The menu keeps the layout of all its items until one of them changes.
-    static std::shared_ptr<const MenuLayout> of(NSMenu* menu, std::size_t firstItem = 0);
+    /// The menu keeps the layout until one of its items changes.
+    static std::shared_ptr<const MenuLayout> of(NSMenu* menu);
 
     const std::vector<Row>& rows() const { return _rows; }
     NSSize size() const { return _size; }

@@ -13,10 +13,9 @@ namespace pelvor {
 
 PELVOR_DEFINE_CLASS(MenuListView, interfaceLibrary) {}
 
-Retained<MenuListView> MenuListView::forMenu(NSMenu* menu, std::size_t firstItem, Class* cls) {
+Retained<MenuListView> MenuListView::forMenu(NSMenu* menu, Class* cls) {
     auto view = cast<MenuListView>(NSView::initWithFrame(NSZeroRect, cls));
     view->_menu.set(menu);
-    view->_firstItem = firstItem;
     view->_isMirrored = menusRunFromRightToLeft();
     menu->addObserver(view.get());
     view->refresh();
@@ -34,7 +33,7 @@ void MenuListView::menuDidChange(NSMenu*) {
 
 void MenuListView::refresh() {
     _isStale = false;
-    _layout = MenuLayout::of(_menu, _firstItem);
+    _layout = MenuLayout::of(_menu);
     scrollBy(0);
     setNeedsDisplay(true);
 }

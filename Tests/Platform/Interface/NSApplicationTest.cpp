@@ -196,9 +196,10 @@ TEST_F(NSApplicationTest, AModalWindowKeepsEventsFromTheOthers) {
     screen.app->endModalSession(unseen);
 }
 
-TEST_F(NSApplicationTest, EndsAllRunsWhenTheDisplayIsLost) {
+TEST_F(NSApplicationTest, StopsBeneathAModalRunThatIsAboutToEnd) {
     auto window = screen.window({{100, 100}, {200, 100}});
     auto lost = Listener::to(NSApplicationDidLoseDisplayNotification);
+    lost->reaction = [&] { screen.app->stop(nullptr); };
     soon([&] {
         soon([&] { screen.backend->lose("the cable"); });
         EXPECT_EQ(screen.app->runModalForWindow(window), NSRunAbortedResponse);

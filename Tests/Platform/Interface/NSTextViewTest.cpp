@@ -560,6 +560,39 @@ TEST_F(NSTextViewTest, MovesAndTakesWhatIsDragged) {
     EXPECT_EQ(view->string()->toUTF8(), "onenew");
 }
 
+TEST_F(NSTextViewTest, MovesWhatIsDraggedIntoAnotherText) {
+    struct Row {
+        const char* name;
+        bool hasCtrl, isReadOnly, isField;
+        const char* left;
+    };
+    auto other = screen.window({{700, 100}, {200, 200}});
+    auto taker = NSTextView::initWithFrame({{0, 0}, {200, 200}});
+    other->contentView()->addSubview(taker);
+    for (const Row& row : {Row{"moved", false, false, false, "one three"},
+                           {"copied", true, false, false, "one two three"},
+                           {"read only", false, true, false, "one two three"},
+                           {"into a field", false, false, true, "one two three"}}) {
+        taker->setString(u""_ns);
+        taker->setFieldEditor(row.isField);
+        view->setEditable(true);
+        set(u"one two three"_ns, {4, 4});
+        view->setEditable(!row.isReadOnly);
+        window->makeKeyAndOrderFront(nullptr);
+        screen.wait(1);
+        screen.moveTo(view, placeOf(5));
+        screen.down();
+        screen.moveTo(view, placeOf(10));
+        screen.moveTo(taker, {20, 10});
+        screen.backend->setModifiers(row.hasCtrl ? +kBackendCommand : 0U);
+        screen.up();
+        screen.turn();
+        screen.backend->setModifiers(0);
+        EXPECT_EQ(taker->string()->toUTF8(), "two ") << row.name;
+        EXPECT_EQ(view->string()->toUTF8(), row.left) << row.name;
+    }
+}
+
 // MARK: Between edits
 
 TEST_F(NSTextViewTest, SurvivesEditsBetweenBrackets) {

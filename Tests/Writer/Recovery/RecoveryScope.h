@@ -20,8 +20,8 @@ struct RecoveryScope {
     }
     ~RecoveryScope() { journal->close(); }
 
-    void begin(RecoveryOrigin origin, std::shared_ptr<RecoveryFile> file) {
-        journal = WRRecoveryJournal::create(storage, std::move(origin), std::move(file));
+    void begin(RecoveryOrigin origin, std::shared_ptr<RecoveryFile> file, NSUInteger place = 0) {
+        journal = WRRecoveryJournal::create(storage, std::move(origin), std::move(file), place);
     }
     void type(NSString* text) { storage->replaceCharactersInRange_withString({storage->length(), 0}, text); }
     /// The names in the folder.

@@ -89,14 +89,22 @@ TEST(WRRecoveryJournal, TakesOverAnAbandonedDocumentAndRemovesWhatIsSavedOrClose
         ASSERT_EQ(documents.size(), 1u);
         EXPECT_THAT(scope.found(), IsEmpty());
         scope.storage = NSTextStorage::initWithAttributedString(documents[0].text);
-        scope.begin(RecoveryOrigin::of(u"/letter"_ns, nullptr, nullptr), documents[0].file);
-        if (crash == 0) scope.type(u", two"_ns);
+        scope.begin(RecoveryOrigin::of(u"/letter"_ns, nullptr, nullptr), documents[0].file,
+                    documents[0].place);
+        if (crash == 0) {
+            EXPECT_EQ(documents[0].place, 14u);
+            scope.type(u", two"_ns);
+            ASSERT_TRUE(scope.journal->writeNow());
+            scope.storage->replaceCharactersInRange_withString({2, 0}, u"!"_ns);
+            scope.storage->deleteCharactersInRange({2, 1});
+        }
         scope.journal->leave();
     }
     auto documents = scope.store.abandonedDocuments();
     ASSERT_EQ(documents.size(), 1u);
     EXPECT_EQ(documents[0].text->string()->toUTF8(), "Dear Anna,\none, two");
     EXPECT_EQ(documents[0].origin.path->toUTF8(), "/letter");
+    EXPECT_EQ(documents[0].place, 2u) << "also where the whole text was written, and twice";
     documents[0].discard();
     EXPECT_THAT(scope.names(), IsEmpty());
     for (const bool isClosed : {false, true}) {

@@ -12,6 +12,7 @@
 #include "Foundation/NSObject-DelayedPerforming.h"
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSTimer.h"
+#include "Foundation/NSURL.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Interface/NSAlert.h"
 #include "Interface/NSButton.h"
@@ -22,17 +23,17 @@
 #include "PBPostLoader.h"
 #include "PBRegistry.h"
 #include "TemporaryFolder.h"
+#include "Text/NSFont.h"
 #include "Text/NSTextStorage.h"
 #include "Writer/LocalizedText.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/Recovery/RecoveryStore.h"
 #include "Writer/WRDocument.h"
-#include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRDocumentWindow.h"
+#include "Writer/Windows/WROpenChoices.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRRecentDocuments.h"
-#include "Writer/Windows/WRRuler.h"
 #include "Writer/Windows/WindowsLibrary.h"
 #include "WriterPlugIns.h"
 
@@ -98,8 +99,10 @@ class DocumentFileTest : public ::testing::Test {
                 files->setNameFieldStringValue(buttons.at(next++));
                 return files->ok(nullptr);
             }
-            if (NSAlert* alert = alertIn(panel))
+            if (NSAlert* alert = alertIn(panel)) {
+                EXPECT_FALSE(panel->title()->isEqualToString(alert->messageText())) << "says it twice";
                 texts += alert->messageText()->toUTF8() + "|" + alert->informativeText()->toUTF8() + "|";
+            }
             NSButton* button =
                 next < buttons.size() ? buttonIn(panel->contentView(), buttons[next++]) : nullptr;
             if (button) return button->performClick(nullptr);
@@ -225,16 +228,41 @@ TEST_F(DocumentFileTest, SavesAsAnotherKind) {
     typeInto(window, u"Grüße");
     doing([&] { window->file()->saveDocument(nullptr); }, {u"Letter"_ns});
     EXPECT_EQ(shown(window->window()->title(), window->file()->isEdited()), "Letter.rtf 0");
-    EXPECT_THAT(folder.read("Letter.rtf"), StartsWith("{\\rtf1"));
-    EXPECT_THAT(
-        doing([&] { window->file()->writeToPath(NSString::ofUTF8(folder.path("Letter.txt")), nullptr); }),
-        "");
+    EXPECT_THAT(folder.read("Letter.rtf"),
+                AllOf(StartsWith("{\\rtf1"), HasSubstr("\\paperw11906"), HasSubstr("\\fs22 Gr")))
+        << "as it is seen";
+    EXPECT_EQ(notice(window), "");
+    const auto write = [&] {
+        window->file()->writeToPath(NSString::ofUTF8(folder.path("Letter.txt")), nullptr);
+    };
+    doing(write, {u"_Save without Formats"_ns});
     EXPECT_EQ(folder.read("Letter.txt"), "Grüße");
     window->document()->setHasFormats(true);
     const auto saveText = [&] { window->file()->save(); };
     EXPECT_THAT(doing(saveText, {u"_Cancel"_ns}), HasSubstr("would lose the formats"));
     doing(saveText, {u"_Save as Rich text…"_ns, u"Second"_ns});
     EXPECT_EQ(window->document()->name()->toUTF8(), "Second.rtf");
+
+    // Without the formats the window shows what the file holds.
+    const auto look = [&] {
+        NSTextStorage* text = window->pageView()->textStorage();
+        auto* font = cast<NSFont>(text->attribute_atIndex_effectiveRange(NSFontAttributeName, 1, nullptr));
+        const PageFrame frame = PageFrame::of(window->pageView()->pages()->settings());
+        return shown(font->pointSize(), frame.left, window->document()->hasFormats(),
+                     window->file()->isEdited());
+    };
+    window->pageView()->textStorage()->addAttribute_value_range(NSFontAttributeName,
+                                                                NSFont::systemFontOfSize(40), {0, 5});
+    window->changeSettings(NSDictionary::of({{WRLeftMarginKey, NSNumber::numberWithFloat(30)}}));
+    doing(write, {u"_Save without Formats"_ns});
+    EXPECT_EQ(look(), "11 71 0 0");
+    undo(window);
+    EXPECT_EQ(look(), "40 30 1 1");
+    EXPECT_THAT(doing(write, {u"_Cancel"_ns}), HasSubstr("would lose the formats"));
+    redo(window);
+    EXPECT_EQ(look(), "11 71 0 0");
+    EXPECT_EQ(doing(write), "");
+    EXPECT_EQ(textOf(window), "Grüße");
 }
 
 TEST_F(DocumentFileTest, KeepsWhatItCannotWrite) {
@@ -242,7 +270,7 @@ TEST_F(DocumentFileTest, KeepsWhatItCannotWrite) {
     typeInto(window, u"x");
     const auto save = [&] { EXPECT_FALSE(window->file()->save()); };
     std::filesystem::remove_all(folder.path("sub"));
-    EXPECT_THAT(doing(save, {u"_OK"_ns}), HasSubstr("could not be written"));
+    EXPECT_THAT(doing(save, {u"_Cancel"_ns}), HasSubstr("could not be written"));
     EXPECT_TRUE(window->file()->isEdited());
     std::filesystem::create_directory(folder.path("sub"));
     EXPECT_TRUE(window->file()->save());
@@ -309,11 +337,20 @@ TEST_F(DocumentFileTest, FollowsOtherProgramsThatWriteTheFile) {
     writeOutside("theirs\n");
     EXPECT_THAT(notice(window), HasSubstr("which was changed here, too"));
     EXPECT_THAT(textOf(window), HasSubstr("mine line 200"));
+    EXPECT_EQ(window->notice()->buttons()->count(), 2u);
     choose(window, u"_Keep Mine"_ns);
     EXPECT_EQ(notice(window), "");
     const auto save = [&] { window->file()->save(); };
+    EXPECT_EQ(doing(save), "") << "is asked once";
+    EXPECT_THAT(folder.read("a.txt"), HasSubstr("mine line 200"));
+    view->setSelectedRange({0, 0});
+    screen.type(u"more ");
+    writeOutside("theirs\n");
+    choose(window, u"_Keep Mine"_ns);
+    writeOutside("theirs\n\n");
+    EXPECT_THAT(notice(window), HasSubstr("which was changed here, too"));
     EXPECT_THAT(doing(save, {u"_Cancel"_ns}), HasSubstr("Another program has changed"));
-    EXPECT_EQ(folder.read("a.txt"), "theirs\n");
+    EXPECT_EQ(folder.read("a.txt"), "theirs\n\n");
     writeOutside("theirs again\n");
     choose(window, u"_Reload"_ns);
     EXPECT_EQ(textOf(window) + shown(window->file()->isEdited()), "theirs again\n0");
@@ -363,13 +400,30 @@ TEST_F(DocumentFileTest, KeepsItsTextWhereTheFileTurnsIntoSomethingElse) {
 }
 
 TEST_F(DocumentFileTest, KeepsTheFormatsOfATextThatUndoingBringsBack) {
-    WRDocumentWindow* window = open("a.rtf", "{\\rtf1 one {\\b bold}}");
-    folder.write("a.rtf", "");
+    WRDocumentWindow* window = open("a.rtf", "{\\rtf1\\paperw8000 one {\\b bold}}");
+    const auto look = [&] { return textOf(window) + shown(NSWidth(window->pageView()->frameOfPage(0))); };
+    folder.write("a.rtf", "{\\rtf1\\paperw6000 }");
     window->file()->fileDidChange();
-    EXPECT_EQ(textOf(window), "");
+    EXPECT_EQ(look(), "300");
     undo(window);
-    EXPECT_EQ(textOf(window), "one bold");
+    EXPECT_EQ(look(), "one bold400");
     EXPECT_TRUE(window->document()->richText());
+}
+
+TEST_F(DocumentFileTest, OpensInTheEncodingThatTheUserChooses) {
+    auto choices = WROpenChoices::create();
+    EXPECT_FALSE(choices->encodingName());
+    choices->encodingButton()->selectItemWithTitle(u"KOI8-R"_ns);
+    NSString* path = NSString::ofUTF8(folder.write("a.txt", "\xC1\xC2"));
+    desktop->openPath_encoding(path, choices->encodingName());
+    WRDocumentWindow* window = desktop->windowForPath(path);
+    EXPECT_EQ(textOf(window), "аб");
+    const auto openAgain = [&] { desktop->openPath_encoding(path, u"windows-1252"_ns); };
+    EXPECT_EQ(doing(openAgain), "");
+    EXPECT_EQ(textOf(window), "ÁÂ");
+    typeInto(window, u"x");
+    EXPECT_THAT(doing(openAgain, {u"_Cancel"_ns}), HasSubstr("Revert"));
+    EXPECT_EQ(textOf(window), "xÁÂ");
 }
 
 TEST_F(DocumentFileTest, RevertsInOneStep) {
@@ -429,44 +483,25 @@ TEST_F(DocumentFileTest, RemembersTheDocumentsThatWereOpen) {
     EXPECT_EQ(titles(), "_Clear Menu ");
 }
 
-// In all windows at once, and in the file a second later.
-TEST_F(DocumentFileTest, KeepsPreferences) {
-    const EnvironmentScope config("XDG_CONFIG_HOME", folder.path("config").c_str());
-    const auto settings = [] { return NSUserDefaults::initWithDomainName(u"writer-test"_ns); };
-    auto defaults = settings();
-    NSUserDefaults::setStandardUserDefaults(defaults);
-    WRDocumentWindow* const windows[] = {open("a.txt", "a"), open("b.txt", "b")};
-    const auto rulers = [&] {
-        std::string answer;
-        for (WRDocumentWindow* window : windows) {
-            bool hasRuler = false;
-            for (id view : window->window()->contentView()->subviews())
-                hasRuler |= cast<WRRuler>(view) != nullptr;
-            answer += hasRuler ? "yes " : "no ";
-        }
-        return answer;
-    };
-    EXPECT_EQ(rulers(), "yes yes ");
-    desktop->orderFrontPreferences(nullptr);
-    NSView* panel = screen.app->keyWindow()->contentView();
-    for (NSString* title : {u"_Show the ruler"_ns, u"_Mark misspelled words"_ns})
-        buttonIn(panel, title)->performClick(nullptr);
-    buttonIn(panel, [](NSButton* button) {
-        auto* counts = cast<NSPopUpButton>(static_cast<id>(button));
-        if (!counts || counts->indexOfItemWithTitle(localized(u"_None"_ns)) < 0) return false;
-        counts->selectItemWithTitle(localized(u"_None"_ns));
-        return counts->sendAction_to(counts->action(), counts->target());
-    });
-    EXPECT_EQ(rulers(), "no no ");
-    EXPECT_EQ(desktop->recentDocuments()->paths()->count(), 0U);
-    screen.wait(1.5);
-    auto kept = settings();
-    for (NSString* key :
-         {WRShowsRulerPreference, WRMarksMisspellingsPreference, WRRecentDocumentCountPreference})
-        EXPECT_EQ(shown(static_cast<bool>(kept->objectForKey(key)), kept->integerForKey(key)), "1 0")
-            << shown(key);
-    defaults->setBool_forKey(true, WRShowsRulerPreference);  // as the menu does it
-    EXPECT_EQ(rulers() + std::to_string(buttonIn(panel, u"_Show the ruler"_ns)->state()), "yes yes 1");
+TEST_F(DocumentFileTest, OpensFilesThatAreDroppedOnAWindow) {
+    WRDocumentWindow* window = open("a.txt", "one");
+    NSView* content = window->window()->contentView();
+    for (const auto& [name, view] :
+         {std::pair<const char*, NSView*>{"b c.txt", window->pageView()}, {"d.txt", content}}) {
+        const std::string path = folder.write(name, "two");
+        const std::string address =
+            NSURL::fileURLWithPath(NSString::ofUTF8(path))->absoluteString()->toUTF8();
+        screen.backend->setForeignSelection(BackendSelection::drag,
+                                            {{"text/uri-list", address + "\r\n"}, {"text/plain", path}});
+        window->show();
+        screen.turn();
+        EXPECT_TRUE(screen.backend->dragTo(screen.placeOf(view, {50, 5}))) << name;
+        screen.turn();
+        EXPECT_TRUE(screen.backend->drop());
+        screen.wait(1);
+        EXPECT_TRUE(desktop->windowForPath(NSString::ofUTF8(path))) << name;
+        EXPECT_EQ(textOf(window), "one");
+    }
 }
 
 TEST_F(DocumentFileTest, RecoversWhatACrashHasLeft) {
@@ -478,6 +513,9 @@ TEST_F(DocumentFileTest, RecoversWhatACrashHasLeft) {
                 {"b.txt", "other", "which another program has changed since"},
                 {"c.txt", nullptr, "which is not there any more"}};
     for (const auto& row : rows) typeInto(open(row.name, std::string(1, row.name[0])), u"typed ");
+    WRDocumentWindow* only = open("d.txt", "only copy");  // not edited, but its file goes
+    std::filesystem::remove(folder.path("d.txt"));
+    only->file()->fileDidChange();
     desktop->newDocument(nullptr);
     typeInto(front(), u"new");
     desktop->applicationDidLoseDisplay(nullptr);  // nobody can be asked
@@ -491,8 +529,12 @@ TEST_F(DocumentFileTest, RecoversWhatACrashHasLeft) {
         EXPECT_EQ(textOf(window), std::string("typed ") + row.name[0]);
         EXPECT_THAT(notice(window), HasSubstr(row.notice));
         EXPECT_TRUE(window->file()->isEdited() && window->window()->isDocumentEdited());
+        EXPECT_EQ(window->pageView()->selectedRange(), (NSRange{6, 0})) << "where the user was";
     }
-    EXPECT_EQ(screen.app->windows()->count(), 4U) << "no empty document besides";
+    EXPECT_EQ(screen.app->windows()->count(), 5U) << "no empty document besides";
+    only = desktop->windowForPath(NSString::ofUTF8(folder.path("d.txt")));
+    ASSERT_TRUE(only);
+    EXPECT_EQ(textOf(only), "only copy");
 }
 
 }  // namespace

@@ -3,22 +3,29 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <thread>
 
 #include "Foundation/NSData.h"
+#include "Foundation/NSMutableAttributedString.h"
 #include "Foundation/NSMutableString.h"
+#include "Interface/NSButton.h"
 #include "Interface/NSPanel.h"
 #include "Interface/NSPasteboard.h"
 #include "Interface/NSPopUpButton.h"
 #include "Interface/NSScrollView.h"
+#include "Interface/NSTextField.h"
 #include "InterfaceScope.h"
 #include "NSView-PelvorAdditions.h"
 #include "PBPostLoader.h"
 #include "TemporaryFolder.h"
+#include "Writer/Pages/PageLines.h"
+#include "Writer/Pages/StyleSheet.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/WRDocument.h"
 #include "Writer/Windows/WRFindPanel.h"
 #include "Writer/Windows/WRPageSetupPanel.h"
 #include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WRPrintPanel.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
@@ -125,6 +132,35 @@ TEST_F(DocumentWindowTest, FindsByThePanel) {
     EXPECT_FALSE(NSPointInRect(place, panel->window()->frame()));
     EXPECT_EQ(shown(NSPasteboard::pasteboardWithName(NSFindPboard)->stringForType(NSStringPboardType)),
               "149");
+    // All places are marked while the panel is open and they are there.
+    const auto isMarked = [&](NSUInteger unit) {
+        view->scrollRangeToVisible({unit, 1});
+        screen.turn();
+        const NSRect rect = view->rectForCharacterRange({unit, 1});
+        return screen.pixel(view, {NSMinX(rect) + 0.5F, NSMinY(rect) + 1}) != 0xFFFFFF;
+    };
+    const auto find3 = [&] {
+        panel->orderFront(nullptr);
+        screen.turn();
+        screen.type(u"3");
+        screen.press(u'\r');
+        screen.press(u'\r');  // "3" and "13" are at 6 and 27
+        return std::to_string(isMarked(6)) + std::to_string(isMarked(4));
+    };
+    view->setSelectedRange({0, 0});
+    EXPECT_EQ(find3(), "10");
+    screen.press(NSEscapeCharacter);
+    EXPECT_FALSE(isMarked(6));
+    view->setSelectedRange({0, 0});
+    EXPECT_EQ(find3(), "10");
+    view->insertText(u"3"_ns);
+    screen.turn();
+    EXPECT_FALSE(isMarked(6));
+    send(view, "undo:"_sel, id(nullptr));
+    NSPasteboard* board = NSPasteboard::pasteboardWithName(NSFindPboard);
+    board->declareTypes_owner(NSArray::of({NSStringPboardType}), nullptr);
+    board->setString_forType(u"149"_ns, NSStringPboardType);
+    panel->findNext(nullptr);
     screen.press(u'\t');
     screen.type(u"x");
     panel->replaceAndFind(nullptr);
@@ -157,8 +193,9 @@ TEST_F(DocumentWindowTest, ChangesPaperAndMargins) {
                (view->pageCount() > 3 ? "more pages" : std::to_string(view->pageCount()) + " pages");
     };
     const std::string before = look();
-    auto panel = WRPageSetupPanel::create(
-        view->pages()->settings(), [&](NSDictionary* settings) { return window->changeSettings(settings); });
+    auto panel = WRPageSetupPanel::create(view->pages()->settings(), {}, [&](NSDictionary* settings) {
+        return window->changeSettings(settings);
+    });
     panel->window()->makeKeyAndOrderFront(nullptr);
     screen.turn();
     for (const char16_t* margin : {u"x", u"-1", u"5000"}) {  // the first field, all of it selected
@@ -187,6 +224,57 @@ TEST_F(DocumentWindowTest, ChangesPaperAndMargins) {
     EXPECT_EQ(look(), "sideways, more pages");
 }
 
+TEST_F(DocumentWindowTest, HasTheHeaderAndThePageNumbersThatTheUserAsksFor) {
+    Retained<WRPageSetupPanel> panel;
+    const auto setUp = [&](bool hasHeader, NSString* text, bool hasNumber) {
+        screen.turn();
+        panel = WRPageSetupPanel::create(view->pages()->settings(), {}, [&](NSDictionary* settings) {
+            return window->changeSettings(settings);
+        });
+        if (panel->headerBox()->state() != hasHeader) panel->headerBox()->performClick(nullptr);
+        panel->headerField()->setStringValue(text);
+        panel->pageNumberBox()->setState(hasNumber);
+        panel->accept(nullptr);
+    };
+    const auto lines = [&] {
+        std::string text;
+        for (NSString* key : {WRHeaderKey, WRFooterKey}) {
+            NSDictionary *settings = view->pages()->settings(), *own = window->document()->settings();
+            auto* line = cast<NSAttributedString>(settings->objectForKey(key));
+            EXPECT_TRUE((own ? own->objectForKey(key) : nullptr) == line) << key;
+            text += textOfLine(line)->toUTF8() + "|";
+        }
+        return text;
+    };
+    EXPECT_EQ(lines(), "||");
+    setUp(true, u""_ns, true);
+    EXPECT_EQ(lines(), "{title}|{page}|");
+    EXPECT_TRUE(window->window()->isDocumentEdited());
+    EXPECT_EQ(shown(view->pages()->settings()->objectForKey(WRTitleKey)), "b.txt");
+    setUp(true, u"Anna, {page}"_ns, false);
+    EXPECT_EQ(lines(), "Anna, {page}||");
+    send(view, "undo:"_sel, id(nullptr));
+    EXPECT_EQ(lines(), "{title}|{page}|");
+    send(view, "undo:"_sel, id(nullptr));
+    EXPECT_EQ(lines() + shown(window->window()->isDocumentEdited()), "||0");
+    send(view, "redo:"_sel, id(nullptr));
+    EXPECT_EQ(lines(), "{title}|{page}|");
+    // What another program has put there
+    auto header = NSMutableAttributedString::initWithString(u"Old\nname \uFFFC"_ns);
+    header->addAttribute_value_range(NSKernAttributeName, NSNumber::numberWithInt(2), {0, 10});
+    auto footer = NSAttributedString::initWithString(u"Street\n\uE010 / \uE011\n"_ns);
+    window->changeSettings(NSDictionary::of({{WRHeaderKey, header.get()}, {WRFooterKey, footer.get()}}));
+    setUp(true, textOfLine(header), false);
+    EXPECT_TRUE(view->pages()->settings()->objectForKey(WRHeaderKey) == header.get()) << "left alone";
+    EXPECT_EQ(lines(), "Old name \uFFFC|Street|");
+    setUp(true, u"Old nice name \uFFFC"_ns, true);
+    EXPECT_EQ(lines(), "Old nice name \uFFFC|Street {page}|");
+    NSRange run;
+    cast<NSAttributedString>(view->pages()->settings()->objectForKey(WRHeaderKey))
+        ->attribute_atIndex_effectiveRange(NSKernAttributeName, 0, &run);
+    EXPECT_EQ(run.length, 15u) << "in the formats that it had";
+}
+
 TEST(PagesOfText, UnderstandsWhatPeopleWrite) {
     for (const auto& [text, pages] : std::initializer_list<std::pair<NSString*, NSRange>>{{u""_ns, {0, 9}},
                                                                                           {u"3"_ns, {2, 1}},
@@ -199,19 +287,28 @@ TEST(PagesOfText, UnderstandsWhatPeopleWrite) {
         EXPECT_EQ(pagesOfText(text, 9).length, 0u) << text;
 }
 
-// A service with two printers, of which the second one takes nothing.
+// A service with two printers, of which the second one takes nothing. It answers when the test wants.
 struct TwoPrinters : PrintService {
-    std::vector<Printer> printers() override {
-        return {{u"a"_ns->copy(), u"Office"_ns->copy(), true}, {u"b"_ns->copy(), u"Attic"_ns->copy(), false}};
+    PrintProblem findPrinters(std::vector<Printer>& printers, const Flag& gaveUp) override {
+        if (!mayAnswer(gaveUp)) return {PrintProblem::Kind::noAnswer, nullptr};
+        printers = {{u"b"_ns->copy(), u"Attic"_ns->copy(), false, false, false},
+                    {u"a"_ns->copy(), u"Office"_ns->copy(), true, true, true}};
+        return {};
     }
-    int print(NSString* printer, NSData* pdf, NSString*, unsigned copies, NSString** reason) override {
-        told = printer->toUTF8() + " " + std::to_string(copies);
-        printed.set(pdf);
-        *reason = u"it is off"_ns;
-        return printer->isEqualToString(u"a"_ns) ? 12 : 0;
+    PrintProblem print(const PrintJob& job, int& number, const Flag& gaveUp) override {
+        if (!mayAnswer(gaveUp)) return {PrintProblem::Kind::noAnswer, nullptr};
+        printed = job;
+        if (!job.printer->isEqualToString(u"a"_ns))
+            return {PrintProblem::Kind::refused, u"it is off"_ns->copy()};
+        number = 12;
+        return {};
     }
-    static inline std::string told;
-    static inline Retained<NSData> printed;
+    bool mayAnswer(const Flag& gaveUp) {
+        while (!answers && !gaveUp) std::this_thread::yield();
+        return !gaveUp;
+    }
+    std::atomic<bool> answers{true};
+    PrintJob printed;
 };
 
 TEST_F(DocumentWindowTest, PrintsTheTextAsItIs) {
@@ -222,11 +319,15 @@ TEST_F(DocumentWindowTest, PrintsTheTextAsItIs) {
         EXPECT_EQ(std::system(("pdftotext -raw " + path + " " + text).c_str()), 0);
         return folder.read(std::string(name) + ".txt");
     };
-    PrintService::setShared(std::make_unique<TwoPrinters>());
+    const auto service = std::make_shared<TwoPrinters>();
+    PrintService::setShared(service);
+    service->answers = false;
     view->setSelectedRange({0, 0});
     view->insertText(u"Edited "_ns);
     PageDocument pages(view->textStorage(), view->pages()->settings());
     auto panel = WRPrintPanel::create(&pages, u"b.txt"_ns);
+    auto* popUp = cast<NSPopUpButton>(panel->window()->contentView()->viewWithTag(WRPrintPanel::kPrinterTag));
+    auto* bothSides = cast<NSButton>(panel->window()->contentView()->viewWithTag(WRPrintPanel::kTwoSidedTag));
     const auto press = [&](std::u16string_view range) {
         panel->window()->makeKeyAndOrderFront(nullptr);
         screen.turn();
@@ -234,20 +335,47 @@ TEST_F(DocumentWindowTest, PrintsTheTextAsItIs) {
         screen.type(range);
         screen.press(u'\r');
     };
+    const auto waitForOutcome = [&] {
+        while (!panel->outcome()) screen.turn();
+        return shown(panel->outcome());
+    };
+    press(u"1-1");
+    EXPECT_EQ(shown(popUp->itemTitles()->componentsJoinedByString(u"|"_ns)),
+              "_Looking for printers…|_PDF file…");
+    EXPECT_EQ(shown(panel->message()), "_Printers are still being looked for.");
+    service->answers = true;
+    while (popUp->numberOfItems() < 3) screen.turn();
+    EXPECT_EQ(shown(popUp->titleOfSelectedItem()), "Office");
     press(u"7-9");
     EXPECT_FALSE(panel->outcome()) << "there are no such pages";
+    service->answers = false;
     press(u"1-1");
-    EXPECT_EQ(TwoPrinters::told, "a 1");
-    EXPECT_EQ(shown(panel->outcome()), "_Sent to the printer \"Office\" as job 12; pages: 1");
-    EXPECT_TRUE(TwoPrinters::printed->writeToFile_atomically(NSString::ofUTF8(folder.path("job.pdf")), true));
+    EXPECT_EQ(shown(panel->message()), "_Sending to the printer \"Office\"…");
+    press(u"1-1");  // once is enough
+    service->answers = true;
+    EXPECT_EQ(waitForOutcome(), "_Sent to the printer \"Office\" as job 12; pages: 1");
+    EXPECT_EQ(service->printed.copies, 1u);
+    EXPECT_EQ(service->printed.paper, pages.frame().paper);
+    EXPECT_TRUE(service->printed.isTwoSided) << "as the printer does by itself";
+    EXPECT_TRUE(service->printed.pdf->writeToFile_atomically(NSString::ofUTF8(folder.path("job.pdf")), true));
     const std::string job = textOf("job.pdf");
-    EXPECT_EQ(job.substr(0, 15), "b.txt\nEdited 0\n") << "behind the header";
+    EXPECT_EQ(job.substr(0, 9), "Edited 0\n") << "no header that nobody asked for";
     EXPECT_EQ(job.find('\f'), job.size() - 1) << "one page";
-    auto* popUp = cast<NSPopUpButton>(panel->window()->contentView()->viewWithTag(WRPrintPanel::kPrinterTag));
-    popUp->selectItemAtIndex(1);
+    panel = WRPrintPanel::create(&pages, u"b.txt"_ns);
+    popUp = cast<NSPopUpButton>(panel->window()->contentView()->viewWithTag(WRPrintPanel::kPrinterTag));
+    bothSides = cast<NSButton>(panel->window()->contentView()->viewWithTag(WRPrintPanel::kTwoSidedTag));
+    while (popUp->numberOfItems() < 3) screen.turn();
+    EXPECT_TRUE(bothSides->isEnabled());
+    popUp->selectItemAtIndex(0);
+    panel->printerDidChange(popUp);
+    EXPECT_FALSE(bothSides->isEnabled());
     press(u"");
-    EXPECT_EQ(shown(panel->outcome()),
-              "_Nothing was printed: the printer \"Attic\" took no document: it is off.");
+    EXPECT_EQ(waitForOutcome(), "_Nothing was printed: the printer \"Attic\" took no document: it is off.");
+    // Closing the panel gives up.
+    service->answers = false;
+    panel = WRPrintPanel::create(&pages, u"b.txt"_ns);
+    panel->cancel(nullptr);
+    while (service.use_count() > 2) screen.turn();
     PrintService::setShared(nullptr);
 
     NSString* path = NSString::ofUTF8(folder.path("all.pdf"));

@@ -2,16 +2,19 @@
 #include "Writer/Windows/WRFontPalette.h"
 
 #include "FormatScope.h"
-#include "Interface/NSPanel.h"
 #include "Interface/NSScrollView.h"
 #include "Interface/NSTableView.h"
 #include "Interface/NSTextField.h"
+#include "Text/NSFontManager.h"
+#include "Text/NSTextStorage.h"
+#include "Writer/Pages/StyleChange.h"
+#include "Writer/Windows/WRPalette.h"
 
 namespace {
 
 struct FontPaletteTest : ::testing::Test, FormatScope {
     FontPaletteTest() : FormatScope(u"one two"_ns) {
-        palette->showBeside(window->window());
+        palette->window()->showBeside(window->window());
         screen.turn();
         for (id view : palette->window()->contentView()->subviews()) {
             if (auto* scrollView = cast<NSScrollView>(view))
@@ -73,6 +76,22 @@ TEST_F(FontPaletteTest, FollowsTheSelectionWithoutChangingIt) {
     choose("toggleItalic:"_sel);
     EXPECT_EQ(rows(), "DejaVu Sans Mono|Oblique|11|") << "what is typed next";
     EXPECT_EQ(runs(NSFontAttributeName), before);
+}
+
+TEST_F(FontPaletteTest, TakesTheNearestFaceOfAFamilyWithoutTheSame) {
+    auto* manager = NSFontManager::sharedFontManager();
+    NSFont* font = fontOf(view->textStorage()->attributesAtIndex_effectiveRange(0, nullptr));
+    NSString* poor = nullptr;
+    for (id family : manager->availableFontFamilies())
+        if (auto* name = static_cast<NSString*>(family);
+            !manager->convertFont_toFamily(font, name)->familyName()->isEqualToString(name))
+            poor = name;
+    if (!poor) GTEST_SKIP() << "all families have a regular face";
+    select(0, 7);
+    const StringUnits letters(poor, {0, poor->length()});
+    typeInto(tables[0], letters.view());
+    EXPECT_EQ(shown(fontOf(view->textStorage()->attributesAtIndex_effectiveRange(0, nullptr))->familyName()),
+              shown(poor));
 }
 
 TEST_F(FontPaletteTest, TakesASizeOfTheUsersOwn) {

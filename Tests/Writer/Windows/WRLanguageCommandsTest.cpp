@@ -24,6 +24,7 @@
 #include "Writer/Windows/WRCharactersPanel.h"
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace {
@@ -160,7 +161,7 @@ TEST_F(LanguageCommandsTest, TypesSpecialCharacters) {
     open(u"ab"_ns);
     view->setSelectedRange({1, 0});
     auto panel = WRCharactersPanel::init();
-    panel->showBeside(window->window());
+    panel->window()->showBeside(window->window());
     screen.turn();
     screen.type(u"U+2014");
     screen.press(NSCarriageReturnCharacter);

@@ -9,6 +9,7 @@
 #include "Menus/NSMenuItem-PelvorAdditions.h"
 #include "PBPostLoader.h"
 #include "Writer/Shortcuts/WRShortcut.h"
+#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
@@ -24,7 +25,7 @@ TEST(ProfilesPanelTest, ComesUpBesideAWindowAndFillsItsWidth) {
          {std::tuple{"right", 20.0F, 428.0F}, {"left", 800.0F, 272.0F}, {"no room", 400.0F, 760.0F}}) {
         other->setFrameOrigin({x, 600});
         panel->window()->orderOut(nullptr);
-        panel->showBeside(other);
+        panel->window()->showBeside(other);
         const NSRect frame = panel->window()->frame();
         EXPECT_EQ(NSMinX(frame), expected) << name;
         EXPECT_EQ(NSMaxY(frame), NSMaxY(other->frame())) << name;
@@ -51,7 +52,7 @@ TEST(ShortcutsPanelTest, ListsWhatKeysChoose) {
                         table, static_cast<NSTableColumn*>(column), row)) +
                     "|";
     EXPECT_EQ(rows, "Copy|Ctrl+C|Edit|Look|Ctrl+K L|Edit|");
-    panel->showBeside(nullptr);
+    panel->window()->showBeside(nullptr);
     screen.turn();
     screen.press(0x1b);
     EXPECT_FALSE(panel->window()->isVisible());

@@ -7,6 +7,7 @@
 #include "NSView-PelvorAdditions.h"
 #include "Text/NSTextTab.h"
 #include "Writer/Windows/Preferences.h"
+#include "Writer/Windows/WRRulerGuide.h"
 
 namespace {
 
@@ -78,6 +79,27 @@ TEST_F(RulerTest, SetsMovesChangesAndRemovesTabStops) {
     view->setEditable(false);
     drag(place + kCentimetre, place);
     EXPECT_EQ(tabs(), "141.732L ");
+}
+
+TEST_F(RulerTest, ShowsThePlaceOfAMarkInThePagesWhileItIsDragged) {
+    const auto guide = [&]() -> NSView* {
+        for (id view : window->window()->contentView()->subviews())
+            if (auto* found = cast<WRRulerGuide>(view)) return found;
+        return nullptr;
+    };
+    for (const NSUInteger place : {0u, 15u}) {  // the last paragraph runs from right to left
+        select(place);
+        screen.moveTo(ruler(), {ruler()->xOfPlace(0), kLower});
+        screen.down();
+        EXPECT_FALSE(guide()) << "nothing moves yet";
+        screen.moveTo(ruler(), {ruler()->xOfPlace(3 * kCentimetre), kLower});
+        ASSERT_TRUE(guide());
+        EXPECT_NEAR(NSMinX(guide()->frame()), ruler()->xOfPlace(3 * kCentimetre), 1);
+        EXPECT_EQ(NSMaxY(guide()->frame()), NSMaxY(view->enclosingScrollView()->frame()));
+        screen.up();
+        EXPECT_FALSE(guide());
+        EXPECT_NEAR(styleAt(place)->headIndent(), 3 * kCentimetre, 0.1);
+    }
 }
 
 TEST_F(RulerTest, FollowsZoomAndScrollingAndMirrorsParagraphsFromRightToLeft) {

@@ -8,6 +8,7 @@
 #include "Interface/NSTextView.h"
 #include "InterfaceScope.h"
 #include "Text/NSTextStorage.h"
+#include "Writer/TextEscapes.h"
 #include "Writer/Windows/WRFindPanel.h"
 #include "Writer/Windows/WindowsLibrary.h"
 

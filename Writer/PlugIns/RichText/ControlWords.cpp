@@ -124,9 +124,11 @@ class ControlWords {
         // Parts
         {"footnote", &P::beginFootnote},
         {"header", &P::beginHeader},
-        {"headerr", &P::beginHeader},
+        {"headerr", &P::beginHeader, 1},
         {"footer", &P::beginFooter},
-        {"footerr", &P::beginFooter},
+        {"footerr", &P::beginFooter, 1},
+        {"titlepg", &P::notePages, 0},
+        {"facingp", &P::notePages, 1},
         {"field", &P::beginField},
         {"fldinst", &P::beginDestination, of(D::fieldInstruction)},
         {"fldrslt", &P::beginFieldResult},
@@ -256,7 +258,7 @@ class ControlWords {
         "truncatefontheight "
         "subfontbysize sprsbsp wpjst msmcap viewnobound private rsidstyles formprot picw pich picbpp "
         "picbmp piccropl piccropr piccropt piccropb bliptag blipupi defformat pnstart sec min hr dy mo yr "
-        "nouicompat fromtext fromhtml lndscpsxn landscape paperpsz psz facingp margmirror titlepg "
+        "nouicompat fromtext fromhtml lndscpsxn landscape paperpsz psz margmirror "
         "partightenfactor pardirnatural tightenfactor expansion "
         "nosectexpand readonlyrecommended ilfo nolinespec tscbandsh trautofit fldedit flddirty fldlock "
         "fldpriv "

@@ -41,6 +41,10 @@ FieldInstruction::FieldInstruction(std::u16string_view text) {
         _kind = Kind::pageNumber;
     } else if (name == u"NUMPAGES") {
         _kind = Kind::pageCount;
+    } else if (name == u"TITLE") {
+        _kind = Kind::title;
+    } else if (name == u"FILENAME" && text.find(u"\\p") == text.npos) {  // without the folder
+        _kind = Kind::fileName;
     }
 }
 

@@ -10,7 +10,7 @@ namespace pelvor {
 /// An instruction such as `HYPERLINK "https://x.org" \o "a tip"`.
 class FieldInstruction {
   public:
-    enum class Kind { other, link, pageNumber, pageCount };
+    enum class Kind { other, link, pageNumber, pageCount, title, fileName };
 
     explicit FieldInstruction(std::u16string_view text);
 

@@ -87,13 +87,26 @@ void P::beginFootnote(int) {
     beginPart(_notes);
 }
 
-void P::beginHeader(int) {
+void P::beginHeader(int isOfRightPages) {
     if (!isText() || _result.header.length() > 0) return leaveOutDestination(0);
+    _hasLineOfRightPages |= isOfRightPages != 0;
     beginPart(_result.header);
 }
 
-void P::beginFooter(int) {
+// Whether headers and footers are not the same on all pages.
+void P::notePages(int areFacing) {
+    if (isSet()) (areFacing ? _arePagesFacing : _isFirstPageOther) = true;
+}
+
+void P::leaveOutPageRules() {
+    if (_isFirstPageOther && _result.header.length() + _result.footer.length() > 0)
+        _leftOut.insert("titlepg");
+    if (_arePagesFacing && _hasLineOfRightPages) _leftOut.insert("facingp");
+}
+
+void P::beginFooter(int isOfRightPages) {
     if (!isText() || _result.footer.length() > 0) return leaveOutDestination(0);
+    _hasLineOfRightPages |= isOfRightPages != 0;
     beginPart(_result.footer);
 }
 
@@ -251,22 +264,33 @@ void P::beginField(int) {
 void P::beginFieldResult(int) {
     if (!isText() || _state.field == 0) return;
     const FieldInstruction instruction(_fields[static_cast<std::size_t>(_state.field) - 1]);
-    const bool isInPart = _state.builder != &_result.body;
     switch (instruction.kind()) {
         case FieldInstruction::Kind::link:
             if (!instruction.link().empty())
                 character()[CharacterProperty::link] = _result.tables.links.numberOf(instruction.link());
             return;
         case FieldInstruction::Kind::pageNumber:
+            if (isInLine()) return replaceFieldResult(WRPageNumberCharacter);
+            break;
         case FieldInstruction::Kind::pageCount:
-            if (!isInPart) break;
-            appendPageNumber(instruction.kind() == FieldInstruction::Kind::pageNumber ? WRPageNumberCharacter
-                                                                                      : WRPageCountCharacter);
-            return skipDestination(0);
+            if (isInLine()) return replaceFieldResult(WRPageCountCharacter);
+            break;
+        // The title is the file's name where the document has none of its own.
+        case FieldInstruction::Kind::title:
+            if (isInLine() && hasTitle()) return replaceFieldResult(WRTitleCharacter);
+            break;
+        case FieldInstruction::Kind::fileName:
+            if (isInLine() && !hasTitle()) return replaceFieldResult(WRTitleCharacter);
+            break;
         default:
             break;
     }
     _leftOut.insert("fldinst");
+}
+
+void P::replaceFieldResult(char16_t sign) {
+    appendCharacter(sign);
+    skipDestination(0);
 }
 
 void P::setPictureType(int type) {
@@ -334,7 +358,7 @@ void P::appendCharacter(int unit) {
 }
 
 void P::appendPageNumber(int unit) {
-    if (_state.builder == &_result.header || _state.builder == &_result.footer)
+    if (isInLine())
         appendCharacter(unit);
     else
         _leftOut.insert("chpgn");

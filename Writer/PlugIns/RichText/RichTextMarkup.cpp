@@ -137,11 +137,18 @@ class MarkupBytes {
     bool _isAfterWord = false;
 };
 
-// Writes one text: the body, a header or a footer.
+// What stands for the title in a header or footer: a field of the document's own title, or of its file's
+// name.
+struct TitleField {
+    std::string_view instruction;
+    std::u16string result;
+};
+
+// Writes one text: the body, or, with a title, a header or a footer.
 class TextMarkup {
   public:
-    TextMarkup(AttributeFormats& formats, bool isPart, MarkupBytes& out)
-        : _formats(formats), _isPart(isPart), _out(out) {
+    TextMarkup(AttributeFormats& formats, const TitleField* title, MarkupBytes& out)
+        : _formats(formats), _title(title), _out(out) {
         _usual[C::font] = 1;
         _character = _usual;
     }
@@ -221,10 +228,13 @@ class TextMarkup {
                         _formats.tables().pictures[static_cast<std::size_t>(format[C::picture])]);
                 break;
             case WRPageNumberCharacter:
-                if (_isPart) return _out.word("chpgn");
+                if (_title) return _out.word("chpgn");
                 break;
             case WRPageCountCharacter:
-                if (_isPart) return _out.mark("{\\field{\\*\\fldinst NUMPAGES}{\\fldrslt 1}}");
+                if (_title) return addField("NUMPAGES", u"1");
+                break;
+            case WRTitleCharacter:
+                if (_title) return addField(_title->instruction, _title->result);
                 break;
             default:
                 break;
@@ -233,6 +243,16 @@ class TextMarkup {
             _out.text(static_cast<char>(unit));
         else
             _out.unit(unit);
+    }
+
+    void addField(std::string_view instruction, std::u16string_view result) {
+        _out.mark("{\\field{\\*");
+        _out.word("fldinst");
+        for (char byte : instruction) _out.text(byte);
+        _out.mark("}{");
+        _out.word("fldrslt");
+        _out.escaped(result);
+        _out.mark("}}");
     }
 
     void addPicture(const PictureEntry& picture) {
@@ -312,7 +332,7 @@ class TextMarkup {
     }
 
     AttributeFormats& _formats;
-    const bool _isPart;
+    const TitleField* _title;  // null for the body
     MarkupBytes& _out;
     std::unordered_map<NSDictionary*, Formats> _known;
     CharacterFormat _usual, _character, _outside;  // the last is that around a link
@@ -396,12 +416,17 @@ void addPageNumbers(NSDictionary* settings, MarkupBytes& out) {
 
 }  // namespace
 
-RichTextMarkup markupOfRichText(NSAttributedString* text, NSDictionary* settings) {
+RichTextMarkup markupOfRichText(NSAttributedString* text, NSDictionary* settings, NSString* fileName) {
     AutoreleasePool pool;
     AttributeFormats formats;
     MarkupBytes body, parts, out;
     body.reserve(text->length() + text->length() / 4);
-    TextMarkup(formats, false, body).add(text);
+    TextMarkup(formats, nullptr, body).add(text);
+    TitleField title{"TITLE", u""};
+    if (auto* own = settings ? cast<NSString>(settings->objectForKey(WRTitleKey)) : nullptr)
+        title.result = own->toUTF16();
+    else
+        title = {"FILENAME", fileName ? fileName->toUTF16() : u""};
     constexpr std::pair<NSString*, std::string_view> kParts[] = {{WRHeaderKey, "header"},
                                                                  {WRFooterKey, "footer"}};
     for (const auto& [key, word] : kParts) {
@@ -409,7 +434,7 @@ RichTextMarkup markupOfRichText(NSAttributedString* text, NSDictionary* settings
         if (!part || part->length() == 0) continue;
         parts.mark("{");
         parts.word(word);
-        TextMarkup(formats, true, parts).add(part);
+        TextMarkup(formats, &title, parts).add(part);
         parts.mark("}\n");
     }
     out.mark("{\\rtf1\\ansi\\ansicpg1252\\uc1\\deff0\n");

@@ -19,7 +19,8 @@ struct RichTextMarkup {
 
 /// The text and the settings, which may be null, of PlugInProtocol.h. Reading the bytes gives equal texts
 /// again, but for what was left out: every paragraph ends with a line feed, and lengths are rounded to the
-/// format's units.
-RichTextMarkup markupOfRichText(NSAttributedString* text, NSDictionary* settings);
+/// format's units. Headers show the name of the file where the settings have no title; it may be null.
+RichTextMarkup markupOfRichText(NSAttributedString* text, NSDictionary* settings,
+                                NSString* fileName = nullptr);
 
 }  // namespace pelvor

@@ -331,6 +331,7 @@ void RichTextParser::finish() {
             _scanner->skipPeekedCharacter();
         if (!_scanner->isAtEnd()) note(RichTextProblem::trailingBytes);
     }
+    leaveOutPageRules();
     _result.body.append(_notes);
     _result.leftOut.assign(_leftOut.begin(), _leftOut.end());
 }

@@ -90,6 +90,10 @@ class RichTextParser {
     std::uint32_t paragraphNumber(ParagraphFormat format);
 
     // Destinations
+    bool isInLine() const { return _state.builder == &_result.header || _state.builder == &_result.footer; }
+    bool hasTitle() const { return !_result.fields[static_cast<std::size_t>(DocumentField::title)].empty(); }
+    void replaceFieldResult(char16_t sign);
+    void leaveOutPageRules();
     bool isText() const { return _state.destination == Destination::text; }
     void begin(Destination destination);
     void beginPart(RichTextBuilder& builder);
@@ -114,8 +118,9 @@ class RichTextParser {
     void beginDestination(int destination);
     void beginDocumentField(int field);
     void beginFootnote(int);
-    void beginHeader(int);
-    void beginFooter(int);
+    void beginHeader(int isOfRightPages);
+    void beginFooter(int isOfRightPages);
+    void notePages(int rule);
     void beginField(int);
     void setFontKind(int kind);
     void beginFieldResult(int);
@@ -199,6 +204,7 @@ class RichTextParser {
     FilePicture _picture;
     int _tabType = 0, _noteCount = 0;
     bool _hasSectionEnded = false;
+    bool _isFirstPageOther = false, _arePagesFacing = false, _hasLineOfRightPages = false;
     std::set<std::string> _leftOut;
     ParagraphFormat _usualParagraph;
     CharacterFormat _usualCharacter;

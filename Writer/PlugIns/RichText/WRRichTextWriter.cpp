@@ -28,7 +28,7 @@ NSDictionary* WRRichTextWriter::writeText_toPath_options(NSString* text, NSStrin
         cast<NSAttributedString>(options ? options->objectForKey(WRRichTextKey) : nullptr));
     if (!rich) rich = NSAttributedString::initWithString(text);
     auto* settings = cast<NSDictionary>(options ? options->objectForKey(WRDocumentSettingsKey) : nullptr);
-    const RichTextMarkup markup = markupOfRichText(rich, settings);
+    const RichTextMarkup markup = markupOfRichText(rich, settings, path->lastPathComponent());
     NSDictionary* answer = writeTextFile(markup.bytes, u"us-ascii"_ns, path);
     if (markup.leftOut.empty() || answer->objectForKey(WRErrorKey)) return answer;
     auto names = NSMutableArray::init();

@@ -1,30 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/PlugIns/WebPage/WebPageMarkup.h"
 
+#include "Writer/TextEscapes.h"
 #include "Writer/TextParagraphs.h"
 
 namespace pelvor {
 namespace {
 
+constexpr UnitEscape kEscapes[] = {{u'&', u"&amp;"}, {u'<', u"&lt;"}, {u'>', u"&gt;"}, {u'"', u"&quot;"}};
+
 // Controls other than tabs are not allowed in pages.
 void appendEscaped(std::u16string& page, std::u16string_view text) {
     for (char16_t unit : text) {
-        switch (unit) {
-            case u'&':
-                page += u"&amp;";
-                break;
-            case u'<':
-                page += u"&lt;";
-                break;
-            case u'>':
-                page += u"&gt;";
-                break;
-            case u'"':
-                page += u"&quot;";
-                break;
-            default:
-                if (unit >= 0x20 || unit == u'\t') page.push_back(unit);
-        }
+        if (const std::u16string_view escape = escapeOfUnit(unit, kEscapes); !escape.empty())
+            page += escape;
+        else if (unit >= 0x20 || unit == u'\t')
+            page.push_back(unit);
     }
 }
 

@@ -154,10 +154,14 @@ TEST(RichTextMarkup, HasSettings) {
     auto* settings = NSDictionary::of({{WRPageWidthKey, number(595.3)},
                                        {WRFooterPlaceKey, number(36)},
                                        {WRTitleKey, u"T{é};"_ns},
-                                       {WRHeaderKey, plainText(u"n \uE010 of \uE011\nx"_ns).get()},
+                                       {WRHeaderKey, plainText(u"\uE012 \uE010 of \uE011\nx"_ns).get()},
                                        {WRFooterKey, plainText(u"\n"_ns).get()}});
     const RichTextObjects again = readBack(markupOfRichText(plainText(u"a"_ns).get(), settings));
     EXPECT_TRUE(again.settings->isEqual(settings)) << again.settings.get();
+    settings = NSDictionary::of({{WRHeaderKey, plainText(u"\uE012"_ns).get()}});
+    const RichTextMarkup markup = markupOfRichText(plainText(u"a"_ns).get(), settings, u"b}.rtf"_ns);
+    EXPECT_THAT(markup.bytes, HasSubstr("{\\field{\\*\\fldinst FILENAME}{\\fldrslt b\\u125?.rtf}}"));
+    EXPECT_TRUE(readBack(markup).settings->isEqual(settings));
 }
 
 TEST(RichTextMarkup, KeepsDigitsOfTheTextOutOfTheNumberBeforeThem) {

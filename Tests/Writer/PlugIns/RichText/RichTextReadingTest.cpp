@@ -137,6 +137,23 @@ TEST(RichTextReading, KnowsTheDocument) {
               "200 -1 0 9");
     EXPECT_EQ(shownText(read, read.header) + shownText(read, read.footer), "\uE010\n\uE011");
     EXPECT_THAT(read.leftOut, ElementsAre("header", "headerf", "marglsxn", "sect"));
+    // What headers show otherwise in other programs
+    const char* field = "{\\field{\\*\\fldinst FILENAME}{\\fldrslt a.rtf}}";
+    const std::string header = std::string("{\\header ") + field + "}";
+    const std::pair<std::string, const char*> rows[] = {
+        {"\\titlepg\\facingp", ""},
+        {header, ""},
+        {"{\\info{\\title T}}" + header, "fldinst "},
+        {field, "fldinst "},
+        {"\\titlepg" + header, "titlepg "},
+        {"\\titlepg0\\facingp" + header, ""},
+        {"\\facingp{\\footerr x}", "facingp "},
+    };
+    for (const auto& [markup, leftOut] : rows) {
+        std::string names;
+        for (const std::string& name : readOf("{\\rtf1" + markup + "}").leftOut) names += name + " ";
+        EXPECT_EQ(names, leftOut) << markup;
+    }
 }
 
 TEST(RichTextReading, TellsWhereAFileIsBroken) {

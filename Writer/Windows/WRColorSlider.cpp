@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Writer/Windows/WRColorSlider.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "Interface/NSEvent.h"
+#include "Interface/NSWindow.h"
+#include "Text/NSColor.h"
+#include "Text/NSGraphicsContext.h"
+#include "Writer/Windows/WindowsLibrary.h"
+
+namespace pelvor {
+namespace {
+
+constexpr float kEdge = 6, kKnobWidth = 9;
+constexpr float kStep = 0.01F, kLargeStep = 0.1F;
+
+}  // namespace
+
+PELVOR_DEFINE_CLASS(WRColorSlider, windowsLibrary) {
+    methods.instance<"isFlipped", &WRColorSlider::isFlipped>();
+    methods.instance<"acceptsFirstResponder", &WRColorSlider::acceptsFirstResponder>();
+    methods.instance<"becomeFirstResponder", &WRColorSlider::becomeFirstResponder>();
+    methods.instance<"resignFirstResponder", &WRColorSlider::resignFirstResponder>();
+    methods.instance<"drawRect:", &WRColorSlider::drawRect>();
+    methods.instance<"mouseDown:", &WRColorSlider::mouseDown>();
+    methods.instance<"mouseDragged:", &WRColorSlider::mouseDragged>();
+    methods.instance<"keyDown:", &WRColorSlider::keyDown>();
+}
+
+Retained<WRColorSlider> WRColorSlider::create(Part part, std::function<void(ColorParts)> changed) {
+    auto self = cast<WRColorSlider>(NSView::initWithFrame(NSZeroRect, classObject()));
+    self->_part = part;
+    self->_changed = std::move(changed);
+    return self;
+}
+
+void WRColorSlider::setColorParts(ColorParts parts) {
+    _parts = parts;
+    setNeedsDisplay(true);
+}
+
+bool WRColorSlider::becomeFirstResponder() {
+    setNeedsDisplay(true);
+    return NSView::becomeFirstResponder();
+}
+
+bool WRColorSlider::resignFirstResponder() {
+    setNeedsDisplay(true);
+    return NSView::resignFirstResponder();
+}
+
+// MARK: Drawing
+
+NSRect WRColorSlider::strip() { return NSInsetRect(bounds(), kEdge, kEdge); }
+
+void WRColorSlider::drawRect(NSRect) {
+    auto* context = NSGraphicsContext::currentContext();
+    const NSRect strip = this->strip();
+    const float width = NSWidth(strip);
+    for (float x = 0; x < width; ++x) {
+        ColorParts parts = _parts;
+        parts.*_part = x / std::max(width - 1, 1.0F);
+        context->setColor(parts.color());
+        context->fillRect({{NSMinX(strip) + x, NSMinY(strip)}, {std::min(1.0F, width - x), NSHeight(strip)}});
+    }
+    const bool hasKeys = window() && window()->firstResponder() == this;
+    context->setColor(hasKeys ? NSColor::colorWithCalibratedRed_green_blue_alpha(0.16F, 0.39F, 0.7F, 1)
+                              : NSColor::colorWithCalibratedWhite_alpha(0, 0.3F));
+    context->strokeRect_width(NSInsetRect(strip, -1, -1), hasKeys ? 2 : 1);
+    const NSRect knob{{NSMinX(strip) + _parts.*_part * width - kKnobWidth / 2, 1},
+                      {kKnobWidth, NSHeight(bounds()) - 2}};
+    context->setColor(NSColor::whiteColor());
+    context->fillRect(knob);
+    context->setColor(_parts.color());
+    context->fillRect(NSInsetRect(knob, 2, 2));
+    context->setColor(NSColor::colorWithCalibratedWhite_alpha(0, 0.6F));
+    context->strokeRect_width(knob, 1);
+}
+
+// MARK: Changes
+
+void WRColorSlider::change(float value) {
+    value = std::clamp(value, 0.0F, 1.0F);
+    if (value == _parts.*_part) return;
+    const auto alive = Retained<WRColorSlider>::retaining(this);
+    _parts.*_part = value;
+    setNeedsDisplay(true);
+    if (_changed) _changed(_parts);
+}
+
+void WRColorSlider::mouseDown(NSEvent* event) {
+    if (window()) window()->makeFirstResponder(this);
+    mouseDragged(event);
+}
+
+void WRColorSlider::mouseDragged(NSEvent* event) {
+    if (!event) return;
+    const float x = convertPoint_fromView(event->locationInWindow(), nullptr).x;
+    change((x - NSMinX(strip())) / std::max(NSWidth(strip()), 1.0F));
+}
+
+void WRColorSlider::keyDown(NSEvent* event) {
+    NSString* key = event ? event->charactersIgnoringModifiers() : nullptr;
+    const float step = event && event->modifierFlags() & NSShiftKeyMask ? kLargeStep : kStep;
+    switch (key && key->length() == 1 ? key->characterAtIndex(0) : u'\0') {
+        case NSLeftArrowFunctionKey:
+        case NSDownArrowFunctionKey:
+            return change(_parts.*_part - step);
+        case NSRightArrowFunctionKey:
+        case NSUpArrowFunctionKey:
+            return change(_parts.*_part + step);
+        case NSHomeFunctionKey:
+            return change(0);
+        case NSEndFunctionKey:
+            return change(1);
+        default:
+            NSView::keyDown(event);
+    }
+}
+
+}  // namespace pelvor

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+// WRColorSlider: a strip of colours with a knob.
+#pragma once
+
+#include <functional>
+
+#include "Interface/NSView.h"
+#include "Writer/Windows/ColorParts.h"
+
+namespace pelvor {
+
+/// Sets one part of a colour; shows on a strip what the colour would be. The knob is dragged, or moved by the
+/// arrow keys, in larger steps with Shift, and to the ends by Home and End. Main thread.
+class WRColorSlider : public NSView, NSView::HiddenCreators {
+    PELVOR_CLASS(WRColorSlider, NSView);
+
+  public:
+    // C++ only
+    using Part = float ColorParts::*;
+    /// The function hears of each change by the user.
+    static Retained<WRColorSlider> create(Part part, std::function<void(ColorParts)> changed);
+
+    void setColorParts(ColorParts parts);
+
+    bool isFlipped() override { return true; }
+    bool acceptsFirstResponder() override { return true; }
+    bool becomeFirstResponder() override;
+    bool resignFirstResponder() override;
+    void drawRect(NSRect dirty) override;
+    void mouseDown(NSEvent* event) override;
+    void mouseDragged(NSEvent* event) override;
+    void keyDown(NSEvent* event) override;
+
+  protected:
+    WRColorSlider() = default;
+    ~WRColorSlider() = default;
+
+  private:
+    NSRect strip();
+    void change(float value);
+
+    Part _part = &ColorParts::hue;
+    ColorParts _parts;
+    std::function<void(ColorParts)> _changed;
+};
+
+}  // namespace pelvor
