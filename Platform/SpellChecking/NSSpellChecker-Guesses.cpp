@@ -9,6 +9,7 @@
 #include "Runtime/Message.h"
 #include "Shared/ArgumentChecks.h"
 #include "SpellChecking/Checker/CheckerState.h"
+#include "SpellChecking/Words/GuessOrder.h"
 
 namespace pelvor {
 namespace {
@@ -24,6 +25,7 @@ std::vector<std::u16string> guessesBy(Dictionary& dictionary, std::u16string_vie
         std::ranges::replace(shown, u'\'', apostrophe);
         if (std::ranges::find(guesses, shown) == guesses.end()) guesses.push_back(std::move(shown));
     }
+    sortGuesses(guesses, word);
     return guesses;
 }
 

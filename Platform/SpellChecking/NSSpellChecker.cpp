@@ -45,6 +45,10 @@ PELVOR_DEFINE_CLASS(NSSpellChecker, spellCheckingLibrary) {
     methods.instance<"closeSpellDocumentWithTag:", &NSSpellChecker::closeSpellDocumentWithTag>();
     methods
         .instance<"ignoreWord:inSpellDocumentWithTag:", &NSSpellChecker::ignoreWord_inSpellDocumentWithTag>();
+    methods.instance<"isIgnoredWord:inSpellDocumentWithTag:",
+                     &NSSpellChecker::isIgnoredWord_inSpellDocumentWithTag>();
+    methods.instance<"unignoreWord:inSpellDocumentWithTag:",
+                     &NSSpellChecker::unignoreWord_inSpellDocumentWithTag>();
     methods.instance<"ignoredWordsInSpellDocumentWithTag:",
                      &NSSpellChecker::ignoredWordsInSpellDocumentWithTag>();
     methods.instance<"setIgnoredWords:inSpellDocumentWithTag:",
@@ -77,6 +81,7 @@ NSSpellChecker* NSSpellChecker::sharedSpellChecker() {
 NSSpellChecker::State::Language::Language(std::shared_ptr<Dictionary> itsDictionary)
     : dictionary(std::move(itsDictionary)),
       learned(LearnedWords::pathFor(dictionary->files().ownName)),
+      scripts(dictionary->files().name),
       boundaries(TextBoundaries::Kind::Word, NSString::ofUTF8(dictionary->files().name)) {}
 
 std::string NSSpellChecker::State::nameFor(NSString* language) {
@@ -177,14 +182,18 @@ bool NSSpellChecker::Rules::isMisspelled(NSString* text, NSRange range) const {
     StringUnits units(text, range);
     std::u16string room;
     const std::u16string_view word = plainWord(units, room);
-    return !isKnown(word) && !isUnspelledWord(word) && !isRightInItsPlace(text, range, word);
+    return !isKnown(word) && !isUnspelledWord(word) && language->scripts.haveLetterOf(word) &&
+           !isRightInItsPlace(text, range, word);
 }
 
 bool NSSpellChecker::Rules::isRightInItsPlace(NSString* text, NSRange range, std::u16string_view word) const {
     const NSUInteger end = NSMaxRange(range);
     if (end < text->length() && text->characterAtIndex(end) == u'.' && isKnown(std::u16string(word) + u'.'))
         return true;
-    if (word.ends_with(u"'s") && isTaught(word.substr(0, word.size() - 2))) return true;
+    if (word.ends_with(u"'s")) {
+        const std::u16string_view stem = word.substr(0, word.size() - 2);
+        if (isTaught(stem) || !language->scripts.haveLetterOf(stem)) return true;
+    }
     if (word.find(u'\'') != word.npos) {  // the dictionary itself may have curly ones
         std::u16string curly(word);
         std::ranges::replace(curly, u'\'', u'\u2019');
@@ -289,6 +298,18 @@ void NSSpellChecker::closeSpellDocumentWithTag(int tag) { _state->ignored.erase(
 void NSSpellChecker::ignoreWord_inSpellDocumentWithTag(NSString* word, int tag) {
     requireArgument(word, "ignoreWord:inSpellDocumentWithTag:", "the word");
     if (tag != 0) _state->ignored[tag].add(plainForm(word));
+}
+
+bool NSSpellChecker::isIgnoredWord_inSpellDocumentWithTag(NSString* word, int tag) {
+    requireArgument(word, "isIgnoredWord:inSpellDocumentWithTag:", "the word");
+    const auto place = _state->ignored.find(tag);
+    return place != _state->ignored.end() && place->second.contains(plainForm(word));
+}
+
+bool NSSpellChecker::unignoreWord_inSpellDocumentWithTag(NSString* word, int tag) {
+    requireArgument(word, "unignoreWord:inSpellDocumentWithTag:", "the word");
+    const auto place = _state->ignored.find(tag);
+    return place != _state->ignored.end() && place->second.remove(plainForm(word));
 }
 
 NSArray* NSSpellChecker::ignoredWordsInSpellDocumentWithTag(int tag) {

@@ -31,21 +31,23 @@ extern PELVOR_EXPORT NSString* const NSSpellCheckerDidPrepareLanguageNotificatio
 /// "myspell" in each folder of $XDG_DATA_DIRS (/usr/local/share and /usr/share). Names of the same files
 /// share one dictionary in memory. A pair of files that cannot be a dictionary is left out, and a line of the
 /// log says why. An operation that takes a language also takes other names for it, "en-GB" or "de" where
-/// there is only de_DE. Null stands for `language`. A text in a language without a dictionary has no
-/// misspelled words.
+/// there is only de_DE. Where an operation takes a language, null stands for `language`. A text in a language
+/// without a dictionary has no misspelled words.
 ///
 /// **Words** are found by the rules of Unicode. Straight and curly apostrophes are alike, and so are composed
 /// and decomposed letters; soft hyphens do not count. Never misspelled are:
 /// - words with a digit or an underscore, with ideographs or kana, or with more than 100 units;
+/// - words without a letter of the script that the language is written in, such as Greek ones in English;
 /// - what stands in a web address, a mail address or a name that begins with "@", a path that begins with
 ///   "/", "~" or ".", or any stretch with a backslash; and names such as "notes.txt" or "example.org";
 /// - parts of a word with hyphens, or with raised or lowered figures, if the dictionary has the whole word;
 /// - a word before a full stop that the dictionary has together with the full stop.
-/// A letter that the dictionary's encoding lacks is misspelled.
+/// A word of letters from several scripts, or with a letter that the dictionary's encoding lacks, is
+/// misspelled.
 ///
 /// **Time.** The first use of a language reads its dictionary, which takes up to 0.2 s; `prepareLanguage`
-/// has another thread do that. A check of known words takes less than a microsecond a word, guesses take a
-/// tenth of a second and more: `requestGuessesForWord:…` makes them on another thread.
+/// has another thread do that. A check of known words takes less than a microsecond a word. Guesses take a
+/// tenth of a second and more; `requestGuessesForWord:…` makes them on another thread.
 ///
 /// Main thread. Objects are borrowed. A null string or word raises NSInvalidArgumentException.
 class PELVOR_EXPORT NSSpellChecker : public NSObject {
@@ -69,8 +71,8 @@ class PELVOR_EXPORT NSSpellChecker : public NSObject {
     /// Returns the name for users in the user's language: "English (United Kingdom)". A name that stands for
     /// no language is returned as it is.
     NSString* localizedNameForLanguage(NSString* name);
-    /// Returns whether a check in the language need not wait for its dictionary, which is also true if there
-    /// is none. Otherwise has another thread read the dictionary, and posts
+    /// Returns true if a check in the language can begin at once, because the dictionary has been read or
+    /// because the language has no dictionary. Otherwise has another thread read the dictionary, and posts
     /// NSSpellCheckerDidPrepareLanguageNotification afterwards, once however often it is called meanwhile.
     bool prepareLanguage(NSString* name);
 
@@ -95,17 +97,20 @@ class PELVOR_EXPORT NSSpellChecker : public NSObject {
 
     // Guesses
 
-    /// Returns what may have been meant by a misspelled word, the likeliest first, 15 words at most. Guesses
-    /// have curly apostrophes if the word has.
+    /// Returns what may have been meant by a misspelled word, 15 words at most. Guesses that differ from the
+    /// word in nothing but accents, apostrophes and case come first, then those with two neighbouring letters
+    /// exchanged, then the others, each kind in the order of the dictionary. Guesses have curly apostrophes
+    /// if the word has.
     NSArray* guessesForWord(NSString* word);
     NSArray* guessesForWord_language(NSString* word, NSString* language);
     /// Makes the guesses on another thread and then sends `selector` with the guesses and the word to the
     /// target ("showGuesses:forWord:"), on the main thread in the common modes. The target is not retained; a
-    /// target that has ended hears nothing. A newer request with the same target takes the place of an older
-    /// one that was not answered. Raises NSInvalidArgumentException if the target or the selector is null.
+    /// target that has ended hears nothing. A request takes the place of an earlier one with the same target
+    /// whose guesses have not been sent yet. Raises NSInvalidArgumentException if the target or the selector
+    /// is null.
     void requestGuessesForWord_language_target_selector(NSString* word, NSString* language, id target,
                                                         SEL selector);
-    /// Forgets the target's request; the target hears nothing of it afterwards.
+    /// Forgets the target's request: the selector is not sent.
     void cancelGuessesForTarget(id target);
 
     // Words that the user has taught, by dictionary. They stand in pelvor/spelling/<language>.words in the
@@ -118,10 +123,10 @@ class PELVOR_EXPORT NSSpellChecker : public NSObject {
     /// than one line.
     bool learnWord(NSString* word);
     bool learnWord_language(NSString* word, NSString* language);
-    /// Whether the word itself was learned.
+    /// Returns whether the word was learned as it is written here.
     bool hasLearnedWord(NSString* word);
     bool hasLearnedWord_language(NSString* word, NSString* language);
-    /// Takes the word away; the result is that of `learnWord`.
+    /// Takes the word away. Returns false as `learnWord` does.
     bool unlearnWord(NSString* word);
     bool unlearnWord_language(NSString* word, NSString* language);
 
@@ -132,6 +137,11 @@ class PELVOR_EXPORT NSSpellChecker : public NSObject {
     /// Forgets the document's ignored words.
     void closeSpellDocumentWithTag(int tag);
     void ignoreWord_inSpellDocumentWithTag(NSString* word, int tag);
+    /// Returns whether the word, as it is written here, is among the document's ignored words.
+    bool isIgnoredWord_inSpellDocumentWithTag(NSString* word, int tag);
+    /// Takes the word, as it is written here, from the document's ignored words. Returns false if it is not
+    /// among them.
+    bool unignoreWord_inSpellDocumentWithTag(NSString* word, int tag);
     /// Returns the document's ignored words, so that a program can keep them with the document.
     NSArray* ignoredWordsInSpellDocumentWithTag(int tag);
     /// Gives the document these ignored words and no others; null stands for no words.

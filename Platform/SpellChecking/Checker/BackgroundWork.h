@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// BackgroundWork: one thread that does one thing after the other.
+// BackgroundWork: functions that another thread calls one after the other.
 #pragma once
 
 #include <functional>
@@ -7,14 +7,14 @@
 
 namespace pelvor {
 
-/// Does work on a thread that exists while there is work. Any thread may add work. What was added is done
-/// also after this object's end, unless the process ends before.
+/// Calls functions on a thread that exists while there are functions to call. Any thread may add functions.
+/// They are called even after this object has ended, unless the process ends before.
 class BackgroundWork {
   public:
     BackgroundWork();
     ~BackgroundWork();
 
-    /// Where no thread can be had, the work is done at once.
+    /// Calls the function at once if the system gives no thread.
     void add(std::function<void()> work);
 
   private:

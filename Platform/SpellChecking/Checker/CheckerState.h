@@ -19,7 +19,7 @@
 
 namespace pelvor {
 
-/// Main thread, but for the dictionaries and what background work has.
+/// For the main thread, except for the dictionaries and the functions that are given to `work`.
 struct NSSpellChecker::State {
     /// A dictionary in use.
     struct Language {
@@ -27,6 +27,7 @@ struct NSSpellChecker::State {
 
         std::shared_ptr<Dictionary> dictionary;
         LearnedWords learned;
+        LanguageScripts scripts;
         TextBoundaries boundaries;
     };
 
@@ -38,24 +39,26 @@ struct NSSpellChecker::State {
         Retained<NSString> word;
     };
 
-    /// The name of the dictionary for a language, null for the current one; empty if there is none.
+    /// The name of the dictionary for a language; null stands for the user's language. Empty if the language
+    /// has no dictionary.
     std::string nameFor(NSString* language);
-    /// The same for the dictionary itself; null if there is none.
+    /// The language with its dictionary; null if it has no dictionary. Takes what `nameFor` takes.
     Language* languageFor(NSString* language);
-    /// What finds words in that language, which may be null.
+    /// Finds words by the rules of the language, or by the common rules if it is null.
     TextBoundaries& boundariesFor(Language* language);
     /// Looks through the folders again if they have changed.
     void refresh();
 
+    /// Sends the guesses to the target of the request, unless that was cancelled.
     void deliver(const std::shared_ptr<std::atomic<bool>>& request,
                  const std::vector<std::u16string>& guesses);
 
     DictionaryShelf shelf;
-    std::string chosen;  // by `setLanguage`
-    // By the names that callers use; null for names without a dictionary.
+    std::string chosen;  // the name that was given to `setLanguage`; empty at first
+    // From the names that callers use; null for a name without a dictionary.
     std::map<std::u16string, Language*, std::less<>> languages;
     std::map<const Dictionary*, std::unique_ptr<Language>> opened;
-    std::map<int, WordSet> ignored;  // by document
+    std::map<int, WordSet> ignored;  // from the numbers of documents
     TextBoundaries commonBoundaries{TextBoundaries::Kind::Word, nullptr};
     std::vector<Request> requests;
     std::set<std::string> preparing;  // names that `prepareLanguage` will announce

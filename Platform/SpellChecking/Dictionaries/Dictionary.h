@@ -18,9 +18,9 @@ class Hunspell;
 
 namespace pelvor {
 
-/// The verdicts on words that were asked for lately. A verdict has a place by the hash of its word, and goes
-/// when another word comes to the place. Of the word only the hash is kept: two words of 64 equal bits would
-/// share a verdict, which no text will show. Any thread.
+/// The verdicts on the words that were looked up last. The hash of a word gives its verdict a place, where
+/// the verdict of a later word may replace it. Of a word only the hash is kept: two words with equal hashes
+/// would share a verdict, which is too rare to matter among 64 bits. Any thread.
 class VerdictTable {
   public:
     std::optional<bool> find(std::uint64_t hash) const {
@@ -42,9 +42,9 @@ class VerdictTable {
     std::unique_ptr<Places> _places = std::make_unique<Places>();
 };
 
-/// The dictionary of one pair of files, which is read when it is first asked, or by `read`. Words are in the
-/// form of `plainWord` (SpelledWords.h). Checks and guesses go by two readings of the files, since guesses
-/// take so long that no check can wait for them; the second one is made with the first guesses. Any thread.
+/// The dictionary of one pair of files, which is read by `read`, or when a word is first looked up. Words are
+/// in the form of `plainWord` (SpelledWords.h). The files are read once for checks and, when guesses are
+/// first wanted, once more for guesses: these take so long that no check can wait for them. Any thread.
 class Dictionary {
   public:
     explicit Dictionary(DictionaryFiles files);
@@ -52,7 +52,7 @@ class Dictionary {
 
     const DictionaryFiles& files() const { return _files; }
 
-    /// Reads the dictionary for checks unless that was done, and waits for another thread that does it.
+    /// Reads the dictionary for checks, unless it has been read. Waits for another thread that is reading it.
     void read();
     /// Whether `isCorrect` does not wait.
     bool isRead() const { return _isRead; }

@@ -16,24 +16,25 @@ namespace pelvor {
 struct DictionaryFiles {
     std::string name;  ///< "en_GB"
     std::string words, affixes;
-    /// The same for all names of a dictionary.
+    /// Names that stand for one dictionary, such as links, have equal identities.
     std::pair<FileIdentity, FileIdentity> identity;
     /// The name that the files themselves have, behind all links.
     std::string ownName;
 };
 
-/// The folders in which dictionaries lie, those first that count first. NSSpellChecker.h lists them.
+/// The folders in which dictionaries lie. Where two have a dictionary of one name, the first folder counts.
+/// NSSpellChecker.h lists the folders.
 std::vector<std::string> dictionaryFolders();
 
-/// The dictionaries in the folders in the order of their names, the first one of each name. `complain` is
-/// told of every file that ought to be a dictionary and cannot be used: its path and the reason.
+/// Returns the dictionaries in the folders in the order of their names, the first one of each name. Calls
+/// `complain` for every file that ought to be a dictionary and cannot be used, with its path and the reason.
 std::vector<DictionaryFiles> dictionariesIn(
     const std::vector<std::string>& folders,
     const std::function<void(const std::string& path, const std::string& reason)>& complain);
 
 // What the files begin with
 
-/// The encoding that a file of affixes names: "UTF-8". ISO8859-1 where it names none.
+/// The name of the encoding in a file of affixes, "UTF-8"; "ISO8859-1" for a file without one.
 std::string encodingNameInAffixes(std::string_view head);
 /// The encoding of the name in a dictionary; 0 if it is unknown.
 NSStringEncoding encodingOfDictionary(std::string_view name);

@@ -20,10 +20,10 @@ class DictionaryShelf {
     /// The names, in alphabetical order. Looks through the folders again if one of them has changed.
     const std::vector<DictionaryFiles>& all();
     bool isFilled() const { return !_folders.empty(); }
-    /// The name of the dictionary for a name of a language, "en-GB" or "de"; empty if there is none. Goes by
-    /// the folders as they were when `all` was last called.
+    /// Returns the name of the dictionary for a name of a language, "en-GB" or "de"; empty if the language
+    /// has no dictionary. Goes by the folders as they were when `all` was last called.
     std::string bestName(std::string_view language);
-    /// The dictionary of that very name; null if there is none.
+    /// Returns the dictionary of exactly that name, or null.
     std::shared_ptr<Dictionary> dictionary(const std::string& name);
 
   private:

@@ -24,7 +24,7 @@ struct FileHead {
 };
 
 /// Reads the first bytes of a regular file, without waiting. No value, with the reason in `errno`, if the
-/// file cannot be read; 0 stands for what is no regular file. Any thread.
+/// file cannot be read; the reason is 0 for what is no regular file. Any thread.
 std::optional<FileHead> readHead(const std::string& path, std::size_t limit);
 
 }  // namespace pelvor

@@ -11,16 +11,16 @@
 namespace pelvor {
 
 /// A file of lines: words in UTF-8, comments that begin with "#", and whatever else somebody has written
-/// there; such lines stay and are no words. A change of the words reads the file again, so that other
-/// programs' words stay, and puts a whole new file in its place. One thread.
+/// there. Lines that are no words stay as they are. A change of the words reads the file again, so that words
+/// of other programs stay, and puts a whole new file in its place. One thread.
 class LearnedWords {
   public:
     /// Reads the file if there is one; a line of the log says if it cannot be read.
     explicit LearnedWords(std::string path);
 
     const WordSet& words() const { return _words; }
-    /// These take words in the form of `plainWord`. They return false, with the reason in `errno`, if the
-    /// file cannot be written; the change then counts for this object only.
+    // These operations take words in the form of `plainWord`. They return false, with the reason in `errno`,
+    // if the file cannot be written; the change then counts for this object only.
     bool learn(const std::u16string& word);
     bool unlearn(const std::u16string& word);
 
@@ -37,7 +37,7 @@ class LearnedWords {
     WordSet _unwritten;  // words that no file has taken yet
 };
 
-/// The word that a line of the file holds, in the form of `plainWord`; empty if the line holds none.
+/// Returns the word in a line of the file, in the form of `plainWord`; empty for a line without a word.
 std::u16string wordInLine(std::string_view line);
 
 }  // namespace pelvor

@@ -73,6 +73,25 @@ bool isUnspelledWord(std::u16string_view word) {
     return isFileOrHost(word);
 }
 
+LanguageScripts::LanguageScripts(const std::string& language) {
+    UScriptCode scripts[8];
+    UErrorCode status = U_ZERO_ERROR;
+    const int32_t count = uscript_getCode(language.c_str(), scripts, 8, &status);
+    if (U_SUCCESS(status)) _scripts.assign(scripts, scripts + std::min<int32_t>(count, 8));
+}
+
+bool LanguageScripts::haveLetterOf(std::u16string_view word) const {
+    bool isOfThem = _scripts.empty();
+    for (std::size_t i = 0; i < word.size() && !isOfThem;) {
+        UChar32 character;
+        U16_NEXT(word.data(), i, word.size(), character);
+        isOfThem = std::ranges::any_of(_scripts, [character](int script) {
+            return uscript_hasScript(character, static_cast<UScriptCode>(script));
+        });
+    }
+    return isOfThem;
+}
+
 bool isAddress(std::u16string_view stretch) {
     constexpr std::u16string_view kBefore = u"([{<\"'\u201C\u2018\u00AB\u201E";
     stretch.remove_prefix(std::min(stretch.find_first_not_of(kBefore), stretch.size()));

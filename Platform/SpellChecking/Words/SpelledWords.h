@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Foundation/NSRange.h"
 #include "Foundation/TextBoundaries.h"
@@ -15,16 +16,30 @@ class NSString;
 /// A longer word, in units, is never misspelled.
 inline constexpr NSUInteger kLongestWord = 100;
 
-/// The word as dictionaries have it: with straight apostrophes, plain hyphens and composed letters, without
-/// soft hyphens. The result shows `word` or `room`.
+/// Returns the word as dictionaries have it: with straight apostrophes, plain hyphens and composed letters,
+/// without soft hyphens. The result refers to the characters of `word` or of `room`.
 std::u16string_view plainWord(std::u16string_view word, std::u16string& room);
 /// Whether the word has an apostrophe that is not straight.
 bool hasCurlyApostrophe(std::u16string_view word);
 
-/// Whether a dictionary has nothing to say about the word itself: one with digits, underscores, ideographs or
-/// kana, or a name such as "notes.txt".
+/// Whether no dictionary can tell if the word is right: a word with digits, underscores, ideographs or kana,
+/// or a name such as "notes.txt".
 bool isUnspelledWord(std::u16string_view word);
-/// Whether the stretch between blanks is an address or a path: what NSSpellChecker.h lists.
+/// The scripts that a language is written in, by its name: Latin for "de_AT", Cyrillic for "ru". Every script
+/// for a name that ICU does not know.
+class LanguageScripts {
+  public:
+    explicit LanguageScripts(const std::string& language);
+
+    /// Whether a letter of the word is of these scripts. Digits, marks and other characters that all scripts
+    /// share do not count.
+    bool haveLetterOf(std::u16string_view word) const;
+
+  private:
+    std::vector<int> _scripts;  // values of UScriptCode
+};
+
+/// Whether the stretch between blanks is one of the addresses and paths that NSSpellChecker.h lists.
 bool isAddress(std::u16string_view stretch);
 
 /// Walks the words of a text by the rules of a language:
@@ -46,8 +61,8 @@ class WordWalk {
 
 /// The stretch without blanks around a word, with at most 256 units on each side.
 NSRange stretchAround(NSString* text, NSRange word);
-/// The word with all that hyphens, raised and lowered figures join to it: "ad-lib", "HfO₂". The word itself
-/// if there is no more, or if the whole is too long.
+/// The word with everything that hyphens, raised and lowered figures join to it: "ad-lib", "HfO₂". Nothing is
+/// joined to it if the whole would be longer than `kLongestWord`.
 NSRange joinedWordAround(NSString* text, NSRange word);
 
 }  // namespace pelvor

@@ -27,12 +27,13 @@ void WordSet::add(std::u16string word) {
     _words.insert(std::move(word));
 }
 
-void WordSet::remove(const std::u16string& word) {
-    if (_words.erase(word) == 0) return;
+bool WordSet::remove(const std::u16string& word) {
+    if (_words.erase(word) == 0) return false;
     const auto capitals = converted(word, u_strToUpper);
     const bool isAnother = std::ranges::any_of(
         _words, [&](const std::u16string& each) { return converted(each, u_strToUpper) == capitals; });
     if (!isAnother) _inCapitals.erase(capitals);
+    return true;
 }
 
 bool WordSet::covers(std::u16string_view word) const {

@@ -13,10 +13,11 @@ namespace pelvor {
 class WordSet {
   public:
     void add(std::u16string word);
-    void remove(const std::u16string& word);
+    /// Returns false if the word is not there.
+    bool remove(const std::u16string& word);
     bool contains(std::u16string_view word) const { return _words.contains(word); }
-    /// Whether the word is there, or is the form in capitals of a word that is there, or the form with a
-    /// capital of a word in small letters.
+    /// Whether the set contains the word; or a word whose form in capitals it is; or a word in small letters
+    /// whose form with a first capital it is.
     bool covers(std::u16string_view word) const;
 
     bool isEmpty() const { return _words.empty(); }

@@ -16,7 +16,6 @@ TEST(NSSpellChecker, FindsTheNextMisspelledWord) {
     scope.add("en_GB", "the\nsea\n");
     NSSpellChecker* checker = scope.checker();
     NSString* text = u"the see, the sae."_ns;
-    EXPECT_EQ(checker->checkSpellingOfString_startingAt(text, 0), (NSRange{4, 3}));
     EXPECT_EQ(checker->checkSpellingOfString_startingAt(text, 5), (NSRange{13, 3})) << "from inside a word";
     EXPECT_EQ(checker->checkSpellingOfString_startingAt(text, 17), (NSRange{4, 3})) << "from the end";
     NSInteger count = -1;
@@ -49,8 +48,9 @@ TEST(NSSpellChecker, KnowsWhatIsNoMisspelledWord) {
              {u"cafe\u0301 caf\u00E9 se\u00ADa cafe", " cafe"},
              {u"sea etc. etc, ETC.", " etc"},
              {u"ad-lib ad\u2011lib ad-word lib HfO\u2082 HfO", " ad lib HfO"},
-             {u"x86 2nd my_name \u6771\u4EAC \u30AB\u30CA \u041C\u043E\u0440\u0435",
-              " \u041C\u043E\u0440\u0435"},
+             {u"x86 2nd my_name 東京 カナ", ""},
+             {u"Море θάλασσα بحر 바다 µ Анна's Анна\u2019s", ""},
+             {u"s\u0435a seaв мsea", " s\u0435a seaв мsea"},  // letters of two scripts
              {u"http://zzz.qq/yyy?b=xxx (www.zzz.qq) zzz@yyy.xx @zzz mailto:zzz zzz", " zzz"},
              {u"/usr/shar/zzz ~/zzz ./zzz c:\\zzz zzz/word notes.txt zzz.org Zzz.Org", " zzz Zzz.Org"},
              {u"", ""}}) {
@@ -105,15 +105,12 @@ TEST(NSSpellChecker, KeepsLearnedWordsInAFile) {
     // Another program's words stay, and become known.
     std::ofstream(scope.learnedFile("en"), std::ios::app) << "theirs\n";
     EXPECT_TRUE(checker->unlearnWord(u"last"_ns));
-    EXPECT_TRUE(checker->hasLearnedWord(u"theirs"_ns));
-    EXPECT_FALSE(checker->hasLearnedWord(u"last"_ns));
+    EXPECT_TRUE(checker->hasLearnedWord(u"theirs"_ns) && !checker->hasLearnedWord(u"last"_ns));
     EXPECT_EQ(scope.wrongIn(u"last Last theirs"_ns), " last Last");
     EXPECT_EQ(scope.folder.read("home/pelvor/spelling/en.words"),
               "# mine\r\n\xFF\xFE garbage\nPelvor\r\n\nwouldn'ta\ntheirs\n");
-    EXPECT_THAT(RAISED(checker->learnWord(u"a\nb"_ns)),
-                HasSubstr("learnWord:language: the word is empty or"));
-    EXPECT_THAT(RAISED(checker->learnWord(u"\u00AD"_ns)),
-                HasSubstr("learnWord:language: the word is empty or"));
+    for (NSString* bad : {u"a\nb"_ns, u"\u00AD"_ns})
+        EXPECT_THAT(RAISED(checker->learnWord(bad)), HasSubstr("learnWord:language: the word is empty or"));
 
     // A file that is no file of ours is not written over; its word counts nevertheless, and is kept later.
     fs::remove(scope.learnedFile("en"));
@@ -132,19 +129,33 @@ TEST(NSSpellChecker, IgnoresWordsInOneDocument) {
     NSSpellChecker* checker = scope.checker();
     const int one = NSSpellChecker::uniqueSpellDocumentTag(),
               other = NSSpellChecker::uniqueSpellDocumentTag();
-    EXPECT_NE(one, other);
+    const auto wrong = [&](int tag) { return scope.wrongIn(u"zzz Zzz y\u2019y"_ns, nullptr, tag); };
     checker->ignoreWord_inSpellDocumentWithTag(u"zzz"_ns, one);
-    checker->ignoreWord_inSpellDocumentWithTag(u"yyy"_ns, 0);
-    NSString* text = u"zzz Zzz yyy"_ns;
-    EXPECT_EQ(scope.wrongIn(text, nullptr, one), " yyy");
-    EXPECT_EQ(scope.wrongIn(text, nullptr, other), " zzz Zzz yyy");
-    EXPECT_EQ(scope.wrongIn(text), " zzz Zzz yyy") << "no document has no ignored words";
+    checker->ignoreWord_inSpellDocumentWithTag(u"y'y"_ns, 0);
+    EXPECT_EQ(wrong(one), " y\u2019y");
+    EXPECT_EQ(wrong(other), " zzz Zzz y\u2019y");
+    EXPECT_EQ(wrong(0), " zzz Zzz y\u2019y") << "no document has no ignored words";
+    checker->ignoreWord_inSpellDocumentWithTag(u"y'y"_ns, one);
     NSArray* words = checker->ignoredWordsInSpellDocumentWithTag(one);
-    EXPECT_EQ(listed(words), "zzz");
+    EXPECT_EQ(listed(words), "y'y, zzz");
+    EXPECT_TRUE(checker->unignoreWord_inSpellDocumentWithTag(u"y\u2019y"_ns, one));
+    EXPECT_FALSE(checker->unignoreWord_inSpellDocumentWithTag(u"Zzz"_ns, one));
+    EXPECT_EQ(wrong(one), " y\u2019y");
     checker->closeSpellDocumentWithTag(one);
-    EXPECT_EQ(scope.wrongIn(text, nullptr, one), " zzz Zzz yyy");
     checker->setIgnoredWords_inSpellDocumentWithTag(words, other);
-    EXPECT_EQ(scope.wrongIn(text, nullptr, other), " yyy");
+    EXPECT_EQ(wrong(one) + wrong(other), " zzz Zzz y\u2019y");
+}
+
+TEST(NSSpellChecker, GuessesTheLikeliestFirst) {
+    DictionaryScope scope;
+    scope.add("en", "te\nth\nthe\neh\nfont\ndon\ndon't\ndint\nLondon\nqua\nça\nCA\nva\n-haus\nhaus-\nHaus\n",
+              "SET UTF-8\nTRY esianrtolcdugmphbyfvkwzç'\n");
+    expectAll({"teh -> the, te, th, eh", "Teh -> The, Eh, Te, Th", "TEH -> THE, TE, TH, EH",
+               "dont -> don't, font, dint, don", "Dont -> Don't, Font, Dint, Don", "london -> London, don't",
+               "ca -> ça, CA, va", "haus -> Haus"},
+              [&](const std::string& word) {
+                  return listed(scope.checker()->guessesForWord(NSString::ofUTF8(word)));
+              });
 }
 
 // What listeners are told.
@@ -209,14 +220,11 @@ TEST(NSSpellChecker, ReadsDictionariesOnAnotherThread) {
 TEST(NSSpellChecker, GoesOnWithoutDictionaries) {
     DictionaryScope scope;
     NSSpellChecker* checker = scope.checker();
-    EXPECT_EQ(checker->availableLanguages()->count(), 0u);
     EXPECT_EQ(checker->language(), nullptr);
     EXPECT_FALSE(checker->setLanguage(u"en"_ns));
-    EXPECT_EQ(scope.wrongIn(u"zzz"_ns), "");
-    EXPECT_EQ(checker->guessesForWord(u"zzz"_ns)->count(), 0u);
+    EXPECT_EQ(scope.wrongIn(u"zzz"_ns) + listed(checker->guessesForWord(u"zzz"_ns)), "");
     EXPECT_EQ(checker->countWordsInString_language(u"two words"_ns, nullptr), 2);
-    EXPECT_FALSE(checker->learnWord(u"zzz"_ns));
-    EXPECT_FALSE(checker->hasLearnedWord(u"zzz"_ns));
+    EXPECT_FALSE(checker->learnWord(u"zzz"_ns) || checker->hasLearnedWord(u"zzz"_ns));
 }
 
 TEST(NSSpellChecker, ReadsTheInstalledDictionaries) {
