@@ -14,6 +14,7 @@
 #include "Shared/ArgumentChecks.h"
 #include "Text/Drawing/Canvas.h"
 #include "Text/Drawing/Pictures.h"
+#include "Text/Drawing/Wave.h"
 #include "Text/NSColor.h"
 #include "Text/TextLibrary.h"
 
@@ -38,6 +39,7 @@ PELVOR_DEFINE_CLASS(NSGraphicsContext, textLibrary) {
     methods.instance<"strokeRect:width:", &NSGraphicsContext::strokeRect_width>();
     methods.instance<"strokeLineFromPoint:toPoint:width:",
                      &NSGraphicsContext::strokeLineFromPoint_toPoint_width>();
+    methods.instance<"strokeWaveFromPoint:length:", &NSGraphicsContext::strokeWaveFromPoint_length>();
     methods.instance<"drawImage:inRect:reason:", &NSGraphicsContext::drawImage_inRect_reason>();
     methods.instance<"addLink:inRect:", &NSGraphicsContext::addLink_inRect>();
     methods.instance<"dataWithReason:", &NSGraphicsContext::dataWithReason>();
@@ -188,6 +190,11 @@ void NSGraphicsContext::strokeLineFromPoint_toPoint_width(NSPoint from, NSPoint 
     cairo_line_to(page, wide(to.x), wide(to.y));
     cairo_set_line_width(page, wide(width));
     cairo_stroke(page);
+}
+
+void NSGraphicsContext::strokeWaveFromPoint_length(NSPoint from, float length) {
+    if (cairo_t* page = _canvas->page(); page && areFinite(from) && std::isfinite(length))
+        drawWave(page, wide(from.x), wide(from.y), wide(length));
 }
 
 bool NSGraphicsContext::drawImage_inRect_reason(NSData* picture, NSRect rect, NSString** reason) {

@@ -73,6 +73,9 @@ class PELVOR_EXPORT NSGraphicsContext : public NSObject {
     /// A line of that thickness along the inside of the rectangle's edges.
     void strokeRect_width(NSRect rect, float width);
     void strokeLineFromPoint_toPoint_width(NSPoint from, NSPoint to, float width);
+    /// A wave such as marks misspelled words, some three points high, so far to the right of the point, which
+    /// is its upper left corner. It lies on whole pixels, so that it is crisp at any scale.
+    void strokeWaveFromPoint_length(NSPoint from, float length);
     /// A picture, PNG on any context and JPEG in PDF documents, stretched over the rectangle. False, with
     /// the reason written unless the pointer is null, if the picture cannot be drawn. Raises
     /// NSInvalidArgumentException for null.

@@ -366,33 +366,35 @@ void WRPageView::redrawRange(NSRange range) {
 }
 
 void WRPageView::drawSpellingMarks(NSUInteger index, NSRect dirty) {
-    NSTextContainer* container = _document->pages()[index].container;
-    const NSPoint origin = originOfTextContainer(container);
     const NSRange range = rangeInRect(index, dirty);
     if (range.length == 0) return;
     NSGraphicsContext::currentContext()->setColor(misspelledColor());
     for (const NSRange word : _spellingMarks->marksInRange(range))
-        underline(NSIntersectionRange(word, range), container, origin);
+        underline(NSIntersectionRange(word, range), _document->pages()[index].container, dirty);
 }
 
-// With dots below the baseline, line by line.
-void WRPageView::underline(NSRange word, NSTextContainer* container, NSPoint origin) {
-    constexpr float kBelow = 1.5F, kStep = 3, kDot = 1.75F;
+// With a wave below the baseline, line by line, as far as it is dirty. It keeps inside the line, whose area
+// is what is drawn again when the word changes.
+void WRPageView::underline(NSRange word, NSTextContainer* container, NSRect dirty) {
+    constexpr float kBelow = 1.25F, kHeight = 3;
     NSLayoutManager* layout = layoutManager();
+    const NSPoint origin = originOfTextContainer(container);
     for (NSUInteger place = word.location; place < NSMaxRange(word);) {
         NSRange line;
         const NSRect fragment = layout->lineFragmentRectForGlyphAtIndex_effectiveRange(place, &line);
         const NSRange part = NSIntersectionRange(line, {place, NSMaxRange(word) - place});
         if (part.length == 0) return;
-        const float y =
-            origin.y + NSMinY(fragment) + layout->locationForGlyphAtIndex(part.location).y + kBelow;
+        const float baseline = NSMinY(fragment) + layout->locationForGlyphAtIndex(part.location).y;
+        const float y = origin.y + std::min(baseline + kBelow, NSMaxY(fragment) - kHeight);
         NSUInteger count = 0;
         const NSRect* rects =
             layout->rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
                 part, {NSNotFound, 0}, container, &count);
-        for (NSUInteger i = 0; i < count; ++i)
-            for (float x = NSMinX(rects[i]); x + kDot <= NSMaxX(rects[i]); x += kStep)
-                NSGraphicsContext::currentContext()->fillRect({{origin.x + x, y}, {kDot, kDot}});
+        for (NSUInteger i = 0; i < count; ++i) {
+            const NSRect wave{{origin.x + NSMinX(rects[i]), y}, {NSWidth(rects[i]), kHeight}};
+            if (NSIntersectsRect(wave, dirty))
+                NSGraphicsContext::currentContext()->strokeWaveFromPoint_length(wave.origin, NSWidth(wave));
+        }
         place = NSMaxRange(part);
     }
 }

@@ -53,7 +53,7 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     /// The places, in order, that have a background of their own because they were looked for. An edit takes
     /// it away.
     void setFoundPlaces(std::vector<NSRange> places);
-    /// The words that are underlined as misspelled; null for none.
+    /// Sets what tells which words are underlined as misspelled; null takes the marks away.
     void setSpellingMarks(WRSpellingMarks* marks);
 
     /// Words of another language can be divided from now on.
@@ -87,7 +87,7 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     void drawFoundPlaces(NSUInteger index, NSRect dirty);
     void drawSpellingMarks(NSUInteger index, NSRect dirty);
     NSRange rangeInRect(NSUInteger index, NSRect dirty);
-    void underline(NSRange word, NSTextContainer* container, NSPoint origin);
+    void underline(NSRange word, NSTextContainer* container, NSRect dirty);
     void fitFrame();
     void pagesDidChange();
 

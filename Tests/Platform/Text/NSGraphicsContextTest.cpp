@@ -261,4 +261,23 @@ TEST(NSColorTest, KeepsComponentsInBoundsAndMixes) {
               "NSColor 0.75 0 0.25 1");
 }
 
+// It lies on whole pixels wherever it begins, and is as wide as it was asked to be.
+TEST(NSGraphicsContextTest, DrawsCrispWaves) {
+    for (const float scale : {0.5F, 1.0F, 1.25F, 2.0F, 4.0F}) {
+        const auto wave = [scale](NSPoint from) {
+            auto context = NSGraphicsContext::initWithImageSize_scale({40, 12}, scale);
+            context->strokeWaveFromPoint_length(from, 20);
+            const Pixels pixels = pixelsOf(context);
+            std::vector<std::uint32_t> all;
+            for (int y = 0; y < static_cast<int>(12 * scale); ++y)
+                for (int x = 0; x < pixels.width(); ++x) all.push_back(pixels.at(x, y));
+            const int first = static_cast<int>(4 * scale), last = static_cast<int>(24 * scale) - 1;
+            EXPECT_TRUE(pixels.inkOf(first) > 0.5 && pixels.inkOf(last) > 0.5) << scale;
+            EXPECT_TRUE(pixels.inkOf(first - 1) == 0 && pixels.inkOf(last + 1) == 0) << scale;
+            return all;
+        };
+        EXPECT_EQ(wave({4, 4}), wave({4 + 0.4F / scale, 4 + 0.9F / scale})) << scale;
+    }
+}
+
 }  // namespace
