@@ -22,19 +22,20 @@ struct Category;
 ///
 /// NSKeyboardLayoutsDidChangeNotification tells when to make it again. Main thread.
 struct PELVOR_EXPORT NSInputManager_PelvorAdditions {
-    /// The layouts that the user has enabled; empty where there are none. The list, and each method in it, is
-    /// the same object until the user enables others. Borrowed.
+    /// The layouts that the user has enabled, borrowed; empty where the keyboard cannot be switched. Returns
+    /// the same list of the same objects until the user enables other layouts.
     static NSArray* availableKeyboardLayouts();
     /// The script system of the current layout.
     static std::int32_t currentKeySciptCode();
-    /// Null where there are no layouts. Borrowed; the same object until the layout or the script changes.
+    /// The layout that the user types with, borrowed; null where the keyboard cannot be switched. Returns the
+    /// same object until the layout or the script system changes.
     static PBKeyboardInputMethod* currentKeyboardLayout();
-    /// Switches the keyboard and returns whether that succeeded. If it failed, the method is marked as
-    /// disabled, and the user is told in the next turn of the run loop in the default mode; once, until the
-    /// method could be switched to again. Returns false for null.
+    /// Switches the keyboard and returns whether that succeeded. A method that cannot be switched to is
+    /// marked as disabled, and the user is told in the next turn of the run loop in the default mode, but not
+    /// again before a switch to the method has succeeded. Returns false for null.
     static bool setCurrentKeyboardLayout(PBKeyboardInputMethod* method);
-    /// Tells the user that the keyboard cannot be switched to this layout, and opens the settings of the
-    /// keyboard if the user wants to; says so if there is no program for them. Does nothing for null.
+    /// Tells the user that the keyboard cannot be switched to this layout, and offers to open the settings of
+    /// the keyboard; tells the user if no program for them is installed. Does nothing for null.
     static void showAlertForFailedKeyboardLayout(PBKeyboardInputMethod* method);
 };
 

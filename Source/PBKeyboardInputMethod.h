@@ -24,25 +24,25 @@ class PELVOR_EXPORT PBKeyboardInputMethod : public NSObject {
     PELVOR_CREATORS(initWithKeyboardLayoutRef_scriptCode, initWithKeyboardLayoutRef);
 
   public:
-    /// The layout for the script system. Null gives a method without identifier and names.
+    /// The layout for the script system. A null layout gives a method without identifier and names.
     static Retained<PBKeyboardInputMethod> initWithKeyboardLayoutRef_scriptCode(KeyboardLayoutRef layoutRef,
                                                                                 std::int32_t scriptCode,
                                                                                 Class* cls = classObject());
     /// The layout for its own script system.
     static Retained<PBKeyboardInputMethod> initWithKeyboardLayoutRef(KeyboardLayoutRef layoutRef,
                                                                      Class* cls = classObject());
-    /// The layout that `serializationDictionary` describes; borrowed. If it is not installed, a method
-    /// without a handle, with the identifier 0 and the stored name and script system. Null, and values of
-    /// other kinds, stand for nothing stored.
+    /// The layout that `serializationDictionary` describes; borrowed. A layout that is not installed gives a
+    /// method without a handle, with the identifier 0 and the stored name and script system. A value of the
+    /// wrong kind counts as missing; null counts as an empty dictionary.
     static PBKeyboardInputMethod* inputMethodForDictionary(NSDictionary* dictionary);
 
-    /// What to store, a property list: "keyboardLayoutIdentifier", "keyboardLayoutScriptCode" and, if there
-    /// is one, "keyboardLayoutDisplayName". Made at the first call and then kept.
+    /// A property list to store: "keyboardLayoutIdentifier", "keyboardLayoutScriptCode" and, for a layout
+    /// with a display name, "keyboardLayoutDisplayName". Made at the first call and then kept.
     NSDictionary* serializationDictionary();
 
     /// Null for a layout that is not installed.
     KeyboardLayoutRef keyboardLayoutRef() { return _keyRef; }
-    /// Stays as it is as long as the layout has its name; 0 if it is not known.
+    /// What `keyboardLayoutIdentifier` makes of the layout's name; 0 for a layout that is not installed.
     std::int32_t keyboardLayoutID() { return _keyID; }
     /// "de(nodeadkeys)"; null for a layout that is not installed.
     NSString* name() { return _name; }
@@ -59,7 +59,8 @@ class PELVOR_EXPORT PBKeyboardInputMethod : public NSObject {
     /// The value of a property that is a string, `kKLName` or `kKLLocalizedName`; null for other tags, and if
     /// the layout has no such property. Borrowed.
     NSString* stringForPropTag_keyboardLayoutRef(KeyboardLayoutPropertyTag tag, KeyboardLayoutRef layoutRef);
-    /// The same for `kKLIcon`, made 16 × 16 points large.
+    /// The value of `kKLIcon`, made 16 × 16 points large; null for other tags and for layouts without an
+    /// icon.
     NSImage* imageForPropTag_keyboardLayoutRef(KeyboardLayoutPropertyTag tag, KeyboardLayoutRef layoutRef);
     NSString* nameForKeyboardLayoutRef(KeyboardLayoutRef layoutRef);
     NSString* displayNameForKeyboardLayoutRef(KeyboardLayoutRef layoutRef);

@@ -6,22 +6,22 @@
 
 namespace pelvor {
 
-// The user enables layouts in the settings of the desktop: the groups of the X server, four at most. All
-// functions are for the main thread, and raise nothing. Without a screen, and where programs cannot switch
-// the keyboard (under Wayland), there are no layouts. The first question about layouts reads the system's
-// list of them, in some 10 ms.
+// The user enables layouts in the settings of the desktop: these are the groups of the X server, four at
+// most. Without a screen, and where programs cannot switch the keyboard (under Wayland), no layout is
+// enabled. The first call that asks for layouts reads the system's list of them, which takes some 10 ms. All
+// functions are for the main thread, and raise nothing.
 //
 //     KeyboardLayoutRef layout = nullptr;
 //     if (KLGetKeyboardLayoutWithIdentifier(stored, &layout) == noErr) KLSetCurrentKeyboardLayout(layout);
 
-/// Refers to a layout, enabled or not; what it is, the functions below tell. A layout has one reference as
-/// long as the process lives.
+/// Stands for a layout, whether the user has enabled it or not; the functions below tell its properties. Each
+/// layout has one object, which lives as long as the process.
 struct OpaqueKeyboardLayout {
     std::int32_t identifier = 0;
 };
 using KeyboardLayoutRef = OpaqueKeyboardLayout*;
 
-/// What came of a call.
+/// The outcome of a call: `noErr`, or why the call failed.
 using OSStatus = std::int32_t;
 enum : OSStatus {
     noErr = 0,
@@ -29,11 +29,11 @@ enum : OSStatus {
     resNotFound = -192,  ///< there is no such layout or property, or the user has not enabled the layout
 };
 
-/// What can be asked about a layout, and what the value is: an integer in place of a pointer, or an object,
-/// which is borrowed.
+/// The properties of a layout. A value is an object, which is borrowed, or an integer, which stands in the
+/// place of the pointer.
 using KeyboardLayoutPropertyTag = std::uint32_t;
 enum : KeyboardLayoutPropertyTag {
-    kKLIdentifier = 2,       ///< integer, see `keyboardLayoutIdentifier`
+    kKLIdentifier = 2,       ///< integer: what `keyboardLayoutIdentifier` returns
     kKLIcon = 3,             ///< NSImage of 16 × 16 points: the short name of the layout, "DE"
     kKLLocalizedName = 4,    ///< NSString in the user's language, "Deutsch (ohne Akzenttasten)"
     kKLName = 5,             ///< NSString, "de(nodeadkeys)"
@@ -70,8 +70,7 @@ enum : std::int32_t {
     smTibetan = 26,
     smMongolian = 27,
     smEthiopic = 28,
-    smCentralEuroRoman =
-        29,  ///< Latin letters of Czech, Estonian, Hungarian, Latvian, Lithuanian, Polish, Slovak
+    smCentralEuroRoman = 29,  ///< Latin: Czech, Estonian, Hungarian, Latvian, Lithuanian, Polish, Slovak
     smVietnamese = 30,
     smUnicodeScript = 126,
 };
@@ -79,41 +78,47 @@ enum : std::int32_t {
 /// The selector of `GetScriptManagerVariable` for the script system of the current layout.
 inline constexpr std::int16_t smKeyScript = 22;
 
-// Told from the moment on that somebody asked for layouts.
+// Notifications, which the default centre posts with a null object. They begin with the first call that asks
+// for layouts.
 
-/// Posted by the default centre, with no object, when the user has enabled or disabled layouts.
+/// The user has enabled or disabled layouts.
 extern PELVOR_EXPORT NSString* const NSKeyboardLayoutsDidChangeNotification;
-/// Posted by the default centre, with no object, when another layout is the current one, whoever switched.
+/// Another layout has become the current one, whoever switched.
 extern PELVOR_EXPORT NSString* const NSCurrentKeyboardLayoutDidChangeNotification;
 
-/// How many layouts are enabled. Fails if there is none.
+// The functions that find something write it to their last argument. Where they fail, they write null or 0.
+
+/// Finds how many layouts are enabled. Fails with `resNotFound` if no layout is enabled.
 PELVOR_EXPORT OSStatus KLGetKeyboardLayoutCount(NSInteger* count);
-/// The enabled layout at the index, in the user's order.
+/// Finds the enabled layout at the index, from 0 on in the user's order.
 PELVOR_EXPORT OSStatus KLGetKeyboardLayoutAtIndex(NSInteger index, KeyboardLayoutRef* layout);
-/// The layout with the identifier, whether enabled or merely known to the system.
+/// Finds the layout with the identifier, whether the user has enabled it or the system merely knows it.
 PELVOR_EXPORT OSStatus KLGetKeyboardLayoutWithIdentifier(std::int32_t identifier, KeyboardLayoutRef* layout);
-/// Fails, and sets the value to null, if the layout has no such property or is null.
+/// Finds a property of the layout. Fails if the layout is null or has no such property.
 PELVOR_EXPORT OSStatus KLGetKeyboardLayoutProperty(KeyboardLayoutRef layout, KeyboardLayoutPropertyTag tag,
                                                    const void** value);
+/// Finds the layout that the user types with. Fails with `resNotFound` if no layout is enabled.
 PELVOR_EXPORT OSStatus KLGetCurrentKeyboardLayout(KeyboardLayoutRef* layout);
-/// Switches the keyboard, of all programs where the desktop has one layout for all. Fails if the user has not
-/// enabled the layout. The layout is the current one when the call returns.
+/// Switches the keyboard to the layout, which is the current one when the call returns. On desktops that have
+/// one layout for all programs, this switches the keyboard of all programs. Fails with `resNotFound` if the
+/// user has not enabled the layout.
 PELVOR_EXPORT OSStatus KLSetCurrentKeyboardLayout(KeyboardLayoutRef layout);
 
-/// Switches to the first enabled layout of the script system, unless the current layout is one of it or there
-/// is none. Bit 7 of the code is ignored, and negative codes do nothing.
+/// Switches to the first enabled layout of the script system. Nothing happens if the current layout is of
+/// that script system already, or if no enabled layout is. Bit 7 of the code does not count; a negative code
+/// does nothing.
 PELVOR_EXPORT void KeyScript(std::int16_t code);
-/// The script system of the current layout, `smRoman` if there is none, for `smKeyScript`; 0 for any other
-/// selector.
+/// Returns the script system of the current layout for the selector `smKeyScript`, or `smRoman` if no layout
+/// is enabled. Returns 0 for any other selector.
 PELVOR_EXPORT std::int32_t GetScriptManagerVariable(std::int16_t selector);
 
-/// The identifier of the layout with that name, "de(nodeadkeys)": 32 bits of the FNV-1a hash of the name, so
-/// that it stays as it is whatever layouts there are and in whatever order. Never 0.
+/// Returns the identifier of the layout with that name, "de(nodeadkeys)": the 32-bit FNV-1a hash of the name,
+/// which does not depend on the layouts that are enabled. It is never 0.
 PELVOR_EXPORT std::int32_t keyboardLayoutIdentifier(NSString* name);
-/// The language that the layout is for, "de" or "sr-Latn"; null if that is not known. Borrowed.
+/// Returns the language that the layout is for, "de" or "sr-Latn", borrowed; null if the language is unknown.
 PELVOR_EXPORT NSString* keyboardLayoutLanguage(KeyboardLayoutRef layout);
-/// Starts the program in which the user enables layouts: that of the running desktop, else any that is
-/// installed. Returns false if there is none.
+/// Starts the program in which the user enables layouts: the one of the running desktop, or else any other
+/// that is installed. Returns false if no such program is installed.
 PELVOR_EXPORT bool openKeyboardSettings();
 
 }  // namespace pelvor

@@ -19,14 +19,14 @@ class NSMutableDictionary;
 ///     …
 ///     language = PBSpellCheckerLanguage::spellLanguageForDictionary(settings);
 ///
-/// Missing display names come from the object that the class NSSpellChecker returns for `pelvorSpellChecker`,
-/// by its `displayNameForLanguageName:`. Objects are borrowed; main thread.
+/// A missing display name is asked from the spell checker: the message `displayNameForLanguageName:` to what
+/// the class NSSpellChecker returns for `pelvorSpellChecker`. Objects are borrowed; main thread.
 class PELVOR_EXPORT PBSpellCheckerLanguage : public NSObject {
     PELVOR_CLASS(PBSpellCheckerLanguage, NSObject);
     PELVOR_CREATORS(init, spellLanguageWithLanguageName, spellLanguageForDictionary);
 
   public:
-    /// Without names, and not suspended.
+    /// A language without names that is not suspended.
     static Retained<PBSpellCheckerLanguage> init(Class* cls = classObject());
     /// The language of that name, with the display name that the spell checker gives. Raises
     /// NSInvalidArgumentException for a null name.
@@ -50,8 +50,8 @@ class PELVOR_EXPORT PBSpellCheckerLanguage : public NSObject {
     /// dictionary.
     bool saveToDictionary(NSMutableDictionary* settings);
 
-    /// Whether the other object is a language with the same two names; it does not matter which of them is
-    /// suspended.
+    /// Whether the other object is a PBSpellCheckerLanguage with the same two names. Suspension does not
+    /// count.
     bool isEqual(id other) override;
     std::uintptr_t hash() override;
     /// PBSpellCheckerLanguage {en_GB "English (United Kingdom)"}

@@ -58,7 +58,6 @@ TEST_F(PBKeyboardInputMethodTest, ListsWhatTheUserHasAndSwitches) {
     EXPECT_TRUE(Keyboards::setCurrentKeyboardLayout(available(2)));
     EXPECT_EQ(Keyboards::currentKeySciptCode(), smCyrillic);
     EXPECT_TRUE(Keyboards::currentKeyboardLayout()->isEqual(available(2)));
-    EXPECT_EQ(first->scriptCode(), smRoman);  // lives on
     // Others: a list of its own, in which known layouts are the same objects.
     const auto russian = Retained<PBKeyboardInputMethod>::retaining(available(2));
     screen.backend->setLayouts({kRussian, kGreek});
@@ -75,10 +74,8 @@ TEST_F(PBKeyboardInputMethodTest, StoresAndRestores) {
     EXPECT_FALSE(one->isEqual(available(1)) || one->isEqual(u"ru"_ns) || one->isEqual(nullptr));
     EXPECT_TRUE(
         PBKeyboardInputMethod::inputMethodForDictionary(one->serializationDictionary())->isEqual(one));
-    EXPECT_EQ(one->serializationDictionary(), one->serializationDictionary());
-    const auto otherScript =
-        PBKeyboardInputMethod::initWithKeyboardLayoutRef_scriptCode(one->keyboardLayoutRef(), 0);
-    EXPECT_FALSE(one->isEqual(otherScript));
+    EXPECT_FALSE(one->isEqual(
+        PBKeyboardInputMethod::initWithKeyboardLayoutRef_scriptCode(one->keyboardLayoutRef(), 0).get()));
 
     struct Row {
         const char* name;
@@ -104,7 +101,6 @@ TEST_F(PBKeyboardInputMethodTest, StoresAndRestores) {
     auto* nameless = PBKeyboardInputMethod::inputMethodForDictionary(stored(u"gr"_ns, 6));
     EXPECT_EQ(nameless->serializationDictionary()->count(), 2u);
     EXPECT_TRUE(nameless->displayIcon());
-    EXPECT_EQ(nameless->stringForPropTag_keyboardLayoutRef(kKLIdentifier, nullptr), nullptr);
 }
 
 TEST_F(PBKeyboardInputMethodTest, TellsOnceThatALayoutCannotBeHad) {
@@ -120,19 +116,18 @@ TEST_F(PBKeyboardInputMethodTest, TellsOnceThatALayoutCannotBeHad) {
     NSRunLoop::mainRunLoop()->performReadyWorkForMode(NSEventTrackingRunLoopMode);
     EXPECT_TRUE(log.lines.empty());
     screen.turn();
-    EXPECT_THAT(log.lines, testing::ElementsAre(testing::StartsWith(
-                               "Unable to switch to the “Stored” keyboard layout.: To switch")));
-    log.lines.clear();
+    EXPECT_EQ(joined(log.lines).find("Unable to switch to the “Stored” keyboard layout.: To switch"), 0u);
+    EXPECT_EQ(std::exchange(log.lines, {}).size(), 1u);
     EXPECT_FALSE(Keyboards::setCurrentKeyboardLayout(gone));
     EXPECT_EQ(alerts(), 0u);
-    EXPECT_FALSE(Keyboards::setCurrentKeyboardLayout(greek));  // each layout has its alert
-    EXPECT_EQ(alerts(), 1u);
+    EXPECT_FALSE(Keyboards::setCurrentKeyboardLayout(greek));
+    EXPECT_EQ(alerts(), 1u) << "each layout has its alert";
     screen.backend->setLayouts({kEnglish, kGreek});
     EXPECT_TRUE(Keyboards::setCurrentKeyboardLayout(greek));
     EXPECT_FALSE(greek->isDisabled());
     screen.backend->setLayouts({kEnglish});
-    EXPECT_FALSE(Keyboards::setCurrentKeyboardLayout(greek));  // which arms it again
-    EXPECT_EQ(alerts(), 1u);
+    EXPECT_FALSE(Keyboards::setCurrentKeyboardLayout(greek));
+    EXPECT_EQ(alerts(), 1u) << "armed again by the success";
 }
 
 NSButton* buttonTitled(NSView* view, NSString* title) {

@@ -27,7 +27,7 @@ struct PixelRect {
     friend constexpr bool operator==(const PixelRect&, const PixelRect&) = default;
 };
 
-/// Names a window of a back end; 0 names none. A number is not used twice.
+/// Names a window of a back end; 0 names no window. A number is not used twice.
 using BackendWindow = std::uint32_t;
 
 /// Modifier keys and mouse buttons that are down, joined by "|". The command key is the key that shortcuts
@@ -124,7 +124,7 @@ enum class WindowKind { document, panel, menu, tip };
 struct WindowWishes {
     WindowKind kind = WindowKind::document;
     PixelRect frame;           ///< of the contents
-    BackendWindow parent = 0;  ///< of menus, tips and panels; 0 for none
+    BackendWindow parent = 0;  ///< of menus, tips and panels; 0 for a window without a parent
     bool isResizable = true;
     bool hasTitleBar = true;
     std::string title;
@@ -223,7 +223,7 @@ class InterfaceBackend {
     // The loop: wait until the descriptor is readable, but not if `prepare` returns true; then call
     // `dispatch`.
 
-    /// -1 for none.
+    /// -1 if there is no descriptor to wait for.
     virtual int descriptor() const = 0;
     /// Sends what is still to be sent. Returns whether events have come already.
     virtual bool prepare() = 0;
@@ -274,18 +274,21 @@ class InterfaceBackend {
     virtual void setTextInput(BackendWindow window, const PixelRect* caret) = 0;
     /// Forgets half a compose sequence, such as when a shortcut takes the key.
     virtual void resetComposing(BackendWindow window) = 0;
-    /// Those that the user can switch to; none where programs cannot switch. `layoutChanged` tells of changes
-    /// from the first call on, perhaps also of some that changed nothing.
+    /// Returns the layouts that the user can switch to; the list is empty where programs cannot switch the
+    /// keyboard. From the first call on, `layoutChanged` tells of changes, and sometimes when nothing
+    /// changed.
     virtual std::vector<BackendLayout> layouts() = 0;
-    /// All layouts that the system has, whether or not the user can switch to them.
+    /// Returns all layouts that the system has, whether or not the user can switch to them.
     virtual const std::vector<BackendLayout>& knownLayouts() = 0;
-    /// Switches; `layouts` says so at once. Returns false where that is not possible.
+    /// Switches to the layout with that group, which `layouts` returns as the current one from then on.
+    /// Returns false where the keyboard cannot be switched.
     virtual bool setLayout(std::uint32_t group) = 0;
 
     // Selections: what is copied, selected or dragged, here or by other programs. Types are names such as
     // "UTF8_STRING" or "text/rtf".
 
-    /// Returns false if another program is faster or the display is gone. No types: gives the selection up.
+    /// Offers content of these types to other programs; without types, gives the selection up. Returns false
+    /// if another program was faster or the display is gone.
     virtual bool offerSelection(BackendSelection selection, std::vector<std::string> types,
                                 SelectionProvider provider) = 0;
     /// The types that the owner offers; `done` gets them as lines.

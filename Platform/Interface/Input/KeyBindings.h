@@ -18,7 +18,7 @@ class KeyBindings {
   public:
     /// The library's own.
     KeyBindings();
-    /// Adds and replaces. Returns the first key that cannot be understood, "" if there is none.
+    /// Adds and replaces. Returns the first key that cannot be understood, "" if all can.
     std::u16string add(NSDictionary* bindings);
     const std::vector<SEL>& commandsFor(const BackendKey& key) const;
     NSDictionary* dictionary() const;
