@@ -2,6 +2,8 @@
 #include "Writer/ParagraphLanguages.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 #include "Foundation/NSArray.h"
 #include "PBProfileKeys.h"
@@ -16,6 +18,20 @@ namespace pelvor {
 namespace {
 
 constexpr NSUInteger kEnough = 4096;  // units that tell a language
+constexpr NSUInteger kNear = 8192;    // how far away a neighbour is looked for, in units
+
+WRLanguage* languageAt(NSAttributedString* text, NSUInteger unit, NSRange* run) {
+    return cast<WRLanguage>(text->attribute_atIndex_effectiveRange(WRLanguageAttributeKey, unit, run));
+}
+
+// The language of the last text before the unit that has one.
+WRLanguage* languageBefore(NSAttributedString* text, NSUInteger unit) {
+    WRLanguage* language = nullptr;
+    NSRange run{unit, 0};
+    while (!language && run.location > 0 && unit - run.location < kNear)
+        language = languageAt(text, run.location - 1, &run);
+    return language;
+}
 
 }  // namespace
 
@@ -27,22 +43,35 @@ ParagraphLanguages::ParagraphLanguages(PBProfileSet* profiles) {
     }
 }
 
+// Null if the paragraph does not tell.
+WRLanguage* ParagraphLanguages::languageOf(NSMutableAttributedString* text, NSRange paragraph) {
+    if (WRLanguage* own = languageAt(text, paragraph.location, nullptr)) return own;
+    NSString* start =
+        text->string()->substringWithRange({paragraph.location, std::min(paragraph.length, kEnough)});
+    return WRLanguage::languageWithIdentifier(send<NSString*>(_finder.get(), "languageOfText:"_sel, start));
+}
+
 NSUInteger ParagraphLanguages::addTo(NSMutableAttributedString* text, NSRange range) {
     if (!_finder) return text->length();
+    WRLanguage* before = languageBefore(text, range.location);
+    std::vector<NSRange> waiting;  // paragraphs for the language of one behind them
     TextParagraph paragraph;
     paragraph.end = range.location;
+    const auto isMore = [&] {
+        return paragraph.end < NSMaxRange(range) + (waiting.empty() ? 0 : kNear) &&
+               nextParagraph(text->string(), paragraph);
+    };
     text->beginEditing();
-    while (paragraph.end < NSMaxRange(range) && nextParagraph(text->string(), paragraph)) {
+    while (isMore()) {
         AutoreleasePool pool;
         const NSRange contents{paragraph.start, paragraph.contentsEnd - paragraph.start};
-        if (contents.length == 0 ||
-            text->attribute_atIndex_effectiveRange(WRLanguageAttributeKey, contents.location, nullptr))
-            continue;
-        NSString* start =
-            text->string()->substringWithRange({contents.location, std::min(contents.length, kEnough)});
-        auto* name = send<NSString*>(_finder.get(), "languageOfText:"_sel, start);
-        if (WRLanguage* language = WRLanguage::languageWithIdentifier(name))
-            text->addAttribute_value_range(WRLanguageAttributeKey, language, contents);
+        if (contents.length == 0) continue;
+        if (WRLanguage* language = languageOf(text, contents)) before = language;
+        waiting.push_back(contents);
+        if (!before) continue;
+        for (const NSRange each : std::exchange(waiting, {}))
+            if (!languageAt(text, each.location, nullptr))
+                text->addAttribute_value_range(WRLanguageAttributeKey, before, each);
     }
     text->endEditing();
     return paragraph.end;

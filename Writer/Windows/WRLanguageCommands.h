@@ -20,8 +20,8 @@ class WRLanguageCommands : public NSResponder {
     // C++ only
     static Retained<WRLanguageCommands> create(WRPageView* view);
 
-    /// The sender is a menu item that represents the name of a language, "" for none: the selected text, or
-    /// what is typed next, is in the language from now on.
+    /// The sender is a menu item that represents the name of a language, or "" for text in no language. Sets
+    /// the language of the selected text, or of what is typed next.
     void takeLanguageFrom(id sender);
     bool validateMenuItem(id item);
     bool validateTakeLanguageFrom(id item);
@@ -34,7 +34,7 @@ class WRLanguageCommands : public NSResponder {
 
   private:
     Unretained<WRPageView> _view = nullptr;  // shown by the window that keeps this object
-    Retained<NSString> _caretLanguage;       // for which the keyboard was switched last
+    Retained<NSString> _caretLanguage;       // of the text at the caret when the keyboard was last switched
 };
 
 /// The delegate of the menu with the languages of the plug-ins. Main thread.

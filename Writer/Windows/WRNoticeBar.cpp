@@ -58,6 +58,12 @@ WRNoticeBar::~WRNoticeBar() = default;
 
 NSString* WRNoticeBar::text() { return _label->stringValue(); }
 
+void WRNoticeBar::setText(NSString* text) {
+    if (text->isEqualToString(_label->stringValue())) return;
+    _label->setStringValue(text);
+    place();
+}
+
 NSArray* WRNoticeBar::buttons() {
     auto* buttons = NSMutableArray::array();
     for (const auto& button : _buttons) buttons->addObject(button);

@@ -30,6 +30,7 @@ class WRNoticeBar : public NSView, NSView::HiddenCreators {
     void setEndFunction(std::function<void()> function) { _end = std::move(function); }
     /// The sentence.
     NSString* text();
+    void setText(NSString* text);
     NSArray* buttons();
 
     void choose(NSButton* button);

@@ -9,6 +9,7 @@ namespace pelvor {
 class NSArray;
 class NSMenu;
 class NSNotification;
+class WRNoticeBar;
 class WRPageView;
 class WRSpellingMarks;
 
@@ -30,13 +31,19 @@ class WRSpelling : public NSResponder {
     /// Turns marks on or off in all windows.
     void toggleSpellingMarks(id sender);
     bool validateToggleSpellingMarks(id item);
+    /// Selects the next misspelled word. Where the text has not been checked yet, the user can go on
+    /// meanwhile: a notice tells how far the search is, and Escape or a change of the selection ends it.
     void showNextMisspelling(id sender);
+    void cancelOperation(id sender);
     bool validateMenuItem(id item);
     bool validateShowNextMisspelling(id item);
-    // For the misspelled word at the caret. The sender of the first one represents the word to be used.
+    /// For the misspelled word at the caret; the sender represents the word that takes its place.
     void replaceMisspelling(id sender);
     void ignoreMisspelling(id sender);
     void learnMisspelling(id sender);
+    /// For the word at the caret; the sender represents the word that was learned or ignored.
+    void unlearnWord(id sender);
+    void unignoreWord(id sender);
 
     // The context menu's delegate, and what the spell checker sends to it
     void menuNeedsUpdate(NSMenu* menu);
@@ -52,10 +59,19 @@ class WRSpelling : public NSResponder {
 
   private:
     NSRange wordAtCaret();
+    NSRange rightWordAtCaret();
+    void addItemsForMisspelling(NSMenu* menu, NSRange word);
+    void addItemsForRightWord(NSMenu* menu);
+    void learnedWordsAreKept(bool areKept);
+    void searchDidGoOn(double part);
+    void stopSearch();
+    void tellThatAllIsRight();
 
     Unretained<WRPageView> _view = nullptr;  // shown by the window that keeps this object
     Retained<WRSpellingMarks> _marks;
     Retained<NSMenu> _menu;
+    Retained<WRNoticeBar> _progress;  // the notice of the search that goes on
+    std::int32_t _searchStart = 0;    // by `TickCount`
 };
 
 }  // namespace pelvor

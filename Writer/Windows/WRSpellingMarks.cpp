@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WRSpellingMarks.h"
 
+#include <cerrno>
+
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSNotificationCenter.h"
-#include "Runtime/AutoreleasePool.h"
 #include "Runtime/Registry.h"
 #include "Spelling/NSSpellChecker-PelvorAdditions.h"
 #include "Text/NSTextStorage.h"
+#include "Text/TextAttributes.h"
 #include "Writer/Pages/TextLanguage.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
@@ -14,24 +16,43 @@ namespace pelvor {
 namespace {
 
 constexpr NSRange kNoWord{NSNotFound, 0};
+constexpr NSUInteger kShortLine = 48;  // in units; its words need not tell its language
+// Posted by spelling marks when the user has learned or unlearned a word.
+constexpr NSString* kRightWordsDidChange = u"WRRightWordsDidChangeNotification"_ns;
 
 NSSpellChecker* checker() { return NSSpellChecker_PelvorAdditions::pelvorSpellChecker(); }
 
 // Also where it stands beside the word.
 bool touches(NSRange word, NSUInteger place) { return word.location <= place && place <= NSMaxRange(word); }
 
+bool isLineEnd(unichar unit) { return unit == u'\n' || unit == u'\r' || unit == 0x2028 || unit == 0x2029; }
+
+// The line that the word is in; longer than a short line if it is none.
+NSRange lineAround(NSString* text, NSRange word) {
+    NSUInteger start = word.location, end = NSMaxRange(word);
+    const auto isShort = [&] { return end - start <= kShortLine; };
+    while (start > 0 && !isLineEnd(text->characterAtIndex(start - 1)) && isShort()) --start;
+    while (end < text->length() && !isLineEnd(text->characterAtIndex(end)) && isShort()) ++end;
+    return {start, end - start};
+}
+
 }  // namespace
 
 PELVOR_DEFINE_CLASS(WRSpellingMarks, windowsLibrary) {
     methods.instance<"misspelledWordAt:", &WRSpellingMarks::misspelledWordAt>();
-    methods.instance<"nextMisspelledWord:", &WRSpellingMarks::nextMisspelledWord>();
+    methods.instance<"isSearching", &WRSpellingMarks::isSearching>();
+    methods.instance<"stopSearch", &WRSpellingMarks::stopSearch>();
     methods.instance<"languageAt:", &WRSpellingMarks::languageAt>();
     methods.instance<"isOn", &WRSpellingMarks::isOn>();
     methods.instance<"setOn:", &WRSpellingMarks::setOn>();
     methods.instance<"caretDidMove:", &WRSpellingMarks::caretDidMove>();
     methods.instance<"ignoreWord:", &WRSpellingMarks::ignoreWord>();
     methods.instance<"learnWord:", &WRSpellingMarks::learnWord>();
-    methods.instance<"checkMarksAgain", &WRSpellingMarks::checkMarksAgain>();
+    methods.instance<"learnedWordAt:", &WRSpellingMarks::learnedWordAt>();
+    methods.instance<"ignoredWordAt:", &WRSpellingMarks::ignoredWordAt>();
+    methods.instance<"unignoreWord:", &WRSpellingMarks::unignoreWord>();
+    methods.instance<"unlearnWord:at:", &WRSpellingMarks::unlearnWord_at>();
+    methods.instance<"rightWordsDidChange:", &WRSpellingMarks::rightWordsDidChange>();
     methods.instance<"dictionaryDidLoad:", &WRSpellingMarks::dictionaryDidLoad>();
     methods.instance<"stop", &WRSpellingMarks::stop>();
 }
@@ -43,6 +64,8 @@ Retained<WRSpellingMarks> WRSpellingMarks::create(NSTextStorage* storage, View v
     self->_tag = NSSpellChecker::uniqueSpellDocumentTag();
     NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
         self, "dictionaryDidLoad:"_sel, NSSpellCheckerDidPrepareLanguageNotification, nullptr);
+    NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(self, "rightWordsDidChange:"_sel,
+                                                                            kRightWordsDidChange, nullptr);
     self->start(storage);
     return self;
 }
@@ -51,6 +74,7 @@ WRSpellingMarks::~WRSpellingMarks() { NSNotificationCenter::defaultCenter()->rem
 
 void WRSpellingMarks::stop() {
     _view = {};
+    stopSearch();
     checker()->closeSpellDocumentWithTag(_tag);
     WRTextWork::stop();
 }
@@ -72,7 +96,13 @@ void WRSpellingMarks::Marks::edit(NSRange range, NSInteger change) {
 void WRSpellingMarks::textDidChange(unsigned mask, NSRange range, NSInteger change) {
     _pieces.textDidChange(range, change);
     if (mask & NSTextStorageEditedCharacters) _typed = NSMaxRange(range);
-    if (_isOn) resume();
+    if (_search) {
+        const NSUInteger oldEnd = NSMaxRange(range) - static_cast<NSUInteger>(change);
+        for (NSUInteger* place : {&_search->start, &_search->place})
+            *place = *place >= oldEnd ? *place + static_cast<NSUInteger>(change)
+                                      : std::min(*place, range.location);
+    }
+    if (_isOn || _search) resume();
 }
 
 bool WRSpellingMarks::isTyped(NSRange word) { return _typed != NSNotFound && touches(word, _typed); }
@@ -99,24 +129,44 @@ void WRSpellingMarks::eachLanguageIn(NSRange range, Function function) {
     }
 }
 
-bool WRSpellingMarks::areDictionariesReady(NSRange range) {
-    bool isReady = true;
-    eachLanguageIn(
-        range, [&](NSString* language, NSRange) { return isReady = checker()->prepareLanguage(language); });
-    return isReady;
-}
-
-// From the start of the range, which begins and ends between words.
-std::vector<NSRange> WRSpellingMarks::misspelledWordsIn(NSRange range) {
+// From the start of the range, which begins and ends between words. No value while dictionaries are being
+// read.
+std::optional<std::vector<NSRange>> WRSpellingMarks::misspelledWordsIn(NSRange range) {
     std::vector<NSRange> words;
+    bool isReady = true;
     NSString* text = textStorage()->string()->substringWithRange(range);
     eachLanguageIn(range, [&](NSString* language, NSRange run) {
+        if (!checker()->prepareLanguage(language)) return isReady = false;
         run.location -= range.location;
-        const auto found = checker()->misspelledRanges(text, run, language, _tag);
-        words.insert(words.end(), found.begin(), found.end());
-        return true;
+        for (const NSRange word : checker()->misspelledRanges(text, run, language, _tag))
+            if (!isRightBeside({range.location + word.location, word.length}, isReady)) words.push_back(word);
+        return isReady;
     });
-    return words;
+    return isReady ? std::optional(std::move(words)) : std::nullopt;
+}
+
+// Whether the word stands in a short line and is right in the language of a line beside it or in the user's.
+bool WRSpellingMarks::isRightBeside(NSRange word, bool& isReady) {
+    NSString* text = textStorage()->string();
+    const NSRange line = lineAround(text, word);
+    if (line.length > kShortLine ||
+        textStorage()->attribute_atIndex_effectiveRange(NSLanguageAttributeName, word.location, nullptr))
+        return false;
+    NSUInteger before = line.location, behind = NSMaxRange(line);
+    while (before > 0 && isLineEnd(text->characterAtIndex(before - 1))) --before;
+    while (behind < text->length() && isLineEnd(text->characterAtIndex(behind))) ++behind;
+    NSString* own = languageAt(word.location);
+    for (NSString* language :
+         {before > 0 ? languageAt(before - 1) : nullptr, languageAt(behind), checker()->language()}) {
+        if (!language || (own && own->isEqualToString(language)) ||
+            !checker()->availableLanguageForName(language))
+            continue;
+        if (!checker()->prepareLanguage(language)) return !(isReady = false);
+        const NSRange inLine{word.location - line.location, word.length};
+        if (checker()->misspelledRanges(text->substringWithRange(line), inLine, language, _tag).empty())
+            return true;
+    }
+    return false;
 }
 
 void WRSpellingMarks::replaceMarks(Marks& marks, std::vector<NSRange> words, NSUInteger start) {
@@ -132,21 +182,68 @@ void WRSpellingMarks::replaceMarks(Marks& marks, std::vector<NSRange> words, NSU
 }
 
 bool WRSpellingMarks::workABit() {
-    if (!_isOn) return false;
     NSString* text = textStorage()->string();
-    auto piece = _pieces.takeUnknown(text, _view.visibleRange ? _view.visibleRange() : NSRange{});
-    if (!piece) piece = _pieces.takeUnknown(text, {0, text->length()});
+    std::optional<TextPieces<Marks>::Taken> piece;
+    if (_search) piece = _pieces.takeUnknown(text, {_search->place, 0});
+    if (!piece && _isOn && _view.visibleRange) piece = _pieces.takeUnknown(text, _view.visibleRange());
+    if (!piece && _isOn) piece = _pieces.takeUnknown(text, {0, text->length()});
     if (!piece) return false;
-    if (areDictionariesReady(piece->range)) {
-        replaceMarks(*piece->value, misspelledWordsIn(piece->range), piece->range.location);
-        return true;
+    auto words = misspelledWordsIn(piece->range);
+    if (!words) {
+        _pieces.forget(piece->range);  // until the dictionary is there
+        return false;
     }
-    _pieces.forget(piece->range);  // until the dictionary is there
-    return false;
+    replaceMarks(*piece->value, std::move(*words), piece->range.location);
+    goOnSearching();
+    return true;
 }
 
 void WRSpellingMarks::dictionaryDidLoad(id) {
-    if (_isOn) resume();
+    if (_isOn || _search) resume();
+}
+
+// MARK: Searching
+
+void WRSpellingMarks::findMisspelledWord(NSUInteger unit, std::function<void(NSRange)> found,
+                                         std::function<void(double)> didGoOn) {
+    unit = std::min(unit, textStorage()->length());
+    _search = Search{unit, unit, false, std::move(found), std::move(didGoOn)};
+    goOnSearching();
+    if (_search) resume();
+}
+
+// Passes what has been checked.
+void WRSpellingMarks::goOnSearching() {
+    while (_search) {
+        const NSUInteger place = _search->place;
+        const NSUInteger end = _search->isBefore ? _search->start : textStorage()->length();
+        if (place >= end) {
+            if (std::exchange(_search->isBefore, true)) return endSearch(kNoWord);
+            _search->place = 0;
+            continue;
+        }
+        NSRange found = kNoWord;
+        _pieces.eachIn({place, 0}, [&](const Marks& known, NSRange piece, bool isKnown) {
+            if (!isKnown) return;
+            _search->place = NSMaxRange(piece);
+            for (NSRange word : known.words) {
+                word.location += piece.location;
+                if (found.length == 0 && word.location >= place && word.location < end) found = word;
+            }
+        });
+        if (found.length > 0) return endSearch(found);
+        if (_search->place == place) return;
+    }
+}
+
+void WRSpellingMarks::endSearch(NSRange word) { std::exchange(_search, {})->found(word); }
+
+void WRSpellingMarks::didWork() {
+    if (!_search) return;
+    const auto length = static_cast<double>(textStorage()->length());
+    const double passed = static_cast<double>(_search->place) - static_cast<double>(_search->start);
+    const auto tell = _search->didGoOn;  // which may end the search
+    tell((_search->isBefore ? length + passed : passed) / length);
 }
 
 // MARK: Marks
@@ -176,35 +273,6 @@ NSRange WRSpellingMarks::misspelledWordAt(NSUInteger unit) {
     return found;
 }
 
-NSRange WRSpellingMarks::nextMisspelledWord(NSUInteger unit) {
-    const NSUInteger length = textStorage()->length();
-    const auto search = [this](NSRange range) {
-        NSRange found = kNoWord;
-        while (auto piece = _pieces.takeUnknown(textStorage()->string(), range))
-            replaceMarks(*piece->value, misspelledWordsIn(piece->range), piece->range.location);
-        _pieces.eachIn(range, [&](const Marks& known, NSRange piece, bool) {
-            for (NSRange word : known.words) {
-                word.location += piece.location;
-                if (found.length == 0 && NSLocationInRange(word.location, range)) found = word;
-            }
-        });
-        return found;
-    };
-    // Bit by bit: the next one is mostly near.
-    constexpr NSUInteger kBit = 16 * 1024;
-    const auto searchAll = [&](NSUInteger from, NSUInteger end) {
-        NSRange found = kNoWord;
-        for (; found.length == 0 && from < end; from += std::min(kBit, end - from)) {
-            AutoreleasePool pool;
-            found = search({from, std::min(kBit, end - from)});
-        }
-        return found;
-    };
-    unit = std::min(unit, length);
-    const NSRange found = searchAll(unit, length);
-    return found.length > 0 ? found : searchAll(0, unit);
-}
-
 NSString* WRSpellingMarks::languageAt(NSUInteger unit) {
     return unit < textStorage()->length() ? languageInText(textStorage(), unit, nullptr, {unit, 1}) : nullptr;
 }
@@ -217,24 +285,66 @@ void WRSpellingMarks::setOn(bool isOn) {
 
 // MARK: Words that are right
 
-void WRSpellingMarks::checkMarksAgain() {
-    std::vector<NSRange> marked;
-    _pieces.eachIn({0, textStorage()->length()}, [&](const Marks& known, NSRange piece, bool) {
-        if (!known.words.empty()) marked.push_back({piece.location, 0});
-    });
-    for (const NSRange piece : marked) _pieces.forget(piece);
+void WRSpellingMarks::checkAgain() {
+    _pieces.forget({0, textStorage()->length()});
     resume();
 }
 
+void WRSpellingMarks::rightWordsDidChange(id) { checkAgain(); }
+
+namespace {
+
+// Leaves `errno` as it is, which tells why a word could not be kept.
+void tellRightWordsDidChange() {
+    const int reason = errno;
+    NSNotificationCenter::defaultCenter()->postNotificationName_object(kRightWordsDidChange, nullptr);
+    errno = reason;
+}
+
+// The form of the word by which it was taught: itself, in small letters, or with a capital.
+template <class Predicate>
+NSString* formOf(NSString* word, Predicate isTaught) {
+    if (word->hasSuffix(u"'s"_ns) || word->hasSuffix(u"\u2019s"_ns))
+        if (NSString* stem = formOf(word->substringToIndex(word->length() - 2), isTaught)) return stem;
+    for (NSString* form : {word, word->lowercaseString(), word->capitalizedString()})
+        if (isTaught(form)) return form;
+    return nullptr;
+}
+
+}  // namespace
+
 void WRSpellingMarks::ignoreWord(NSRange range) {
     checker()->ignoreWord_inSpellDocumentWithTag(textStorage()->string()->substringWithRange(range), _tag);
-    checkMarksAgain();
+    checkAgain();
+}
+
+void WRSpellingMarks::unignoreWord(NSString* word) {
+    checker()->unignoreWord_inSpellDocumentWithTag(word, _tag);
+    checkAgain();
+}
+
+NSString* WRSpellingMarks::ignoredWordAt(NSRange range) {
+    return formOf(textStorage()->string()->substringWithRange(range), [this](NSString* form) {
+        return checker()->isIgnoredWord_inSpellDocumentWithTag(form, _tag);
+    });
 }
 
 bool WRSpellingMarks::learnWord(NSRange range) {
     const bool isWritten = checker()->learnWord_language(textStorage()->string()->substringWithRange(range),
                                                          languageAt(range.location));
-    checkMarksAgain();
+    tellRightWordsDidChange();
+    return isWritten;
+}
+
+NSString* WRSpellingMarks::learnedWordAt(NSRange range) {
+    NSString* language = languageAt(range.location);
+    return formOf(textStorage()->string()->substringWithRange(range),
+                  [language](NSString* form) { return checker()->hasLearnedWord_language(form, language); });
+}
+
+bool WRSpellingMarks::unlearnWord_at(NSString* word, NSRange range) {
+    const bool isWritten = checker()->unlearnWord_language(word, languageAt(range.location));
+    tellRightWordsDidChange();
     return isWritten;
 }
 

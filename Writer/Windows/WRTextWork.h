@@ -18,7 +18,7 @@ class WRTextWork : public NSObject {
     /// Ends the work for good.
     virtual void stop();
     NSTextStorage* textStorage() { return _storage; }
-    /// There is something to be done.
+    /// Has the work go on when the main loop is idle, since there is something to be done.
     void resume();
 
     /// The messages of the text storage and of the idle queue.
@@ -34,9 +34,9 @@ class WRTextWork : public NSObject {
 
     void start(NSTextStorage* storage);
     virtual void textDidChange(unsigned mask, NSRange range, NSInteger change) = 0;
-    /// Does a part of the work that takes a fraction of a millisecond. Returns false if there is none left.
+    /// Does a part of the work that takes a fraction of a millisecond. Returns false if no work is left.
     virtual bool workABit() = 0;
-    /// What was done in one go may be shown.
+    /// Called after some milliseconds of work, whose results may now be shown.
     virtual void didWork() {}
 
   private:

@@ -28,6 +28,12 @@ struct FormatScope {
         registerLibrary(windowsLibrary);
         PBPostLoader::processClassesStartingRegistry(false);
         std::filesystem::current_path(WRITER_PAGES);  // where the style sheet of all documents is
+        open(text);
+        screen.turn();
+    }
+    /// Shows another text in a window of its own, which the commands are for from now on. The window before
+    /// ends, unless somebody retains it.
+    void open(NSString* text) {
         document = WRDocument::initWithPath_reader_answer(NSString::ofUTF8(folder.write("b.txt", "")),
                                                           nullptr, NSDictionary::of({{WRTextKey, text}}));
         NSString* problem = nullptr;
@@ -35,7 +41,6 @@ struct FormatScope {
         if (!window) throw std::runtime_error(shown(problem));
         window->show();
         view = window->pageView();
-        screen.turn();
     }
     void select(NSUInteger location, NSUInteger length = 0) {
         view->setSelectedRange({location, length});

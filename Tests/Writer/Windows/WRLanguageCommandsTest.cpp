@@ -2,70 +2,56 @@
 // Languages of text, keyboards and characters in a document's window.
 #include "Writer/Windows/WRLanguageCommands.h"
 
-#include <filesystem>
-
 #include "../TestProfiles.h"
+#include "FormatScope.h"
 #include "Foundation/NSMutableString.h"
-#include "Foundation/NSUndoManager.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Interface/KeyboardLayouts.h"
 #include "Interface/NSMenu.h"
-#include "Interface/NSMenuItem.h"
 #include "Interface/NSTableView.h"
-#include "InterfaceScope.h"
-#include "NSAttributedString-PelvorAdditions.h"
-#include "PBPostLoader.h"
 #include "TestClasses.h"
 #include "Text/NSTextStorage.h"
 #include "Writer/Pages/TextLanguage.h"
-#include "Writer/PlugInProtocol.h"
-#include "Writer/WRDocument.h"
+#include "Writer/WRLanguage.h"
 #include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRCharactersPanel.h"
-#include "Writer/Windows/WRDocumentWindow.h"
-#include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRPalette.h"
-#include "Writer/Windows/WindowsLibrary.h"
 
 namespace {
 
-NSString* languageOf(NSObject*, NSString* text) { return text->hasPrefix(u"das"_ns) ? u"de"_ns : u"en"_ns; }
+// Knows two words.
+NSString* languageOf(NSObject*, NSString* text) {
+    return text->hasPrefix(u"das"_ns) ? u"de"_ns : text->hasPrefix(u"the"_ns) ? u"en"_ns : nullptr;
+}
+
+void addProfiles() {
+    static bool isDone = false;
+    if (std::exchange(isDone, true)) return;
+    makeClass<"languageOfText:", &languageOf>("WRTestLanguageFinder");
+    PBRegistry* registry = PBRegistry::sharedRegistry();
+    addProfile(registry, "finder", PBProfileDocumentServiceType, {}, 0, u"WRTestLanguageFinder"_ns);
+    const auto add = [registry](const char* name, NSString* type, NSString* key, id value) {
+        registry->addProfile(PBProfile::profileWithIdentifier_dictionary_bundle(
+            NSString::ofUTF8(name), NSDictionary::of({{PBProfileTypeKey, type}, {key, value}}), nullptr));
+    };
+    for (const char* name : {"en", "de", "fr"})
+        add(name, PBProfileLanguageType, u"code"_ns, NSString::ofUTF8(name));
+    add("dashes", PBProfilePaletteType, u"characters"_ns, NSArray::of({u"–"_ns, u"—"_ns}));
+}
 
 class LanguageCommandsTest : public ::testing::Test {
   protected:
-    static void SetUpTestSuite() {
-        registerLibrary(windowsLibrary);
-        PBPostLoader::processClassesStartingRegistry(false);
-        std::filesystem::current_path(WRITER_PAGES);
-        makeClass<"languageOfText:", &languageOf>("WRTestLanguageFinder");
-        PBRegistry* registry = PBRegistry::sharedRegistry();
-        addProfile(registry, "finder", PBProfileDocumentServiceType, {}, 0, u"WRTestLanguageFinder"_ns);
-        for (const char* name : {"en", "de", "fr"})
-            registry->addProfile(PBProfile::profileWithIdentifier_dictionary_bundle(
-                NSString::ofUTF8(name),
-                NSDictionary::of(
-                    {{PBProfileTypeKey, PBProfileLanguageType}, {u"code"_ns, NSString::ofUTF8(name)}}),
-                nullptr));
-        registry->addProfile(PBProfile::profileWithIdentifier_dictionary_bundle(
-            u"dashes"_ns,
-            NSDictionary::of({{PBProfileTypeKey, PBProfilePaletteType},
-                              {u"characters"_ns, NSArray::of({u"–"_ns, u"—"_ns})}}),
-            nullptr));
-    }
     LanguageCommandsTest() {
-        screen.backend->setLayouts(
+        addProfiles();
+        scope.screen.backend->setLayouts(
             {{0, "us", "English", "eng", "us", true}, {1, "de", "German", "deu", "de"}});
     }
     ~LanguageCommandsTest() override {
         NSUserDefaults::standardUserDefaults()->removeObjectForKey(WRKeyboardFollowsLanguagePreference);
     }
     void open(NSString* text) {
-        document = WRDocument::initWithPath_reader_answer(u"/a/b.txt"_ns, nullptr,
-                                                          NSDictionary::of({{WRTextKey, text}}));
-        NSString* problem = nullptr;
-        window = WRDocumentWindow::create(document, NSDictionary::dictionary(), &problem);
-        window->show();
-        view = window->pageView();
+        scope.open(text);
+        view = scope.view;
     }
     /// Chooses the language in the menu; returns the marks that the items had before.
     std::string choose(NSString* name) {
@@ -77,7 +63,7 @@ class LanguageCommandsTest : public ::testing::Test {
         for (const auto& item : menu->items())
             if (item->state()) marks += (item->state() > 0 ? " " : " -") + item->title()->toUTF8();
         menu->performActionForItemAtIndex(menu->indexOfItemWithRepresentedObject(name));
-        screen.turn();
+        scope.screen.turn();
         return marks;
     }
     std::string languageAt(NSUInteger index) {
@@ -90,9 +76,7 @@ class LanguageCommandsTest : public ::testing::Test {
         return keyboardLayoutLanguage(layout)->toUTF8();
     }
 
-    InterfaceScope screen;
-    Retained<WRDocument> document;
-    Retained<WRDocumentWindow> window;
+    FormatScope scope{u""_ns};
     WRPageView* view = nullptr;
 };
 
@@ -102,15 +86,15 @@ TEST_F(LanguageCommandsTest, SetsTheLanguageOfTheSelectionInOneStep) {
     EXPECT_EQ(choose(u"de"_ns), " en");
     EXPECT_EQ(languageAt(8) + languageAt(0), "deen");
     EXPECT_EQ(keyboard(), "de");
-    EXPECT_FALSE(document->hasFormats()) << "a language is no format";
+    EXPECT_FALSE(scope.document->hasFormats()) << "a language is no format";
     view->setSelectedRange({0, 16});
     EXPECT_EQ(choose(u"fr"_ns), " -en") << "of the first of several languages";
     EXPECT_EQ(keyboard(), "de") << "no layout for the language";
-    send(view, "undo:"_sel, static_cast<id>(nullptr));
+    scope.undo();
     EXPECT_EQ(languageAt(8) + languageAt(0), "deen");
     view->setSelectedRange({16, 0});
     EXPECT_EQ(choose(u"fr"_ns), " de");
-    screen.type(u"x");
+    scope.screen.type(u"x");
     EXPECT_EQ(languageAt(15) + languageAt(16), "defr");
     view->setEditable(false);
     EXPECT_FALSE(view->isEditable());
@@ -130,9 +114,31 @@ TEST_F(LanguageCommandsTest, SwitchesTheKeyboardWithTheCaretIfAsked) {
     EXPECT_EQ(keyboard(), "de");
     view->setSelectedRange({2, 0});
     EXPECT_EQ(keyboard(), "en");
-    screen.backend->setLayout(1);
+    scope.screen.backend->setLayout(1);
     view->setSelectedRange({3, 0});
     EXPECT_EQ(keyboard(), "de") << "the user's choice, in text of the same language";
+}
+
+// Lines that do not tell have the language of the line before, or else of the one behind.
+TEST_F(LanguageCommandsTest, FindsTheLanguagesOfLines) {
+    expectAll(
+        {"the|Anna|das|Anna -> en en de de", "Anna|Bonn|das -> de de de", "the||A|das|B -> en - en de de",
+         "Anna|Bonn -> - -"},
+        [&](const std::string& lines) {
+            open(NSString::ofUTF8(lines)->stringByReplacingOccurrencesOfString_withString(u"|"_ns, u"\n"_ns));
+            std::string found;
+            NSUInteger place = 0;
+            for (id line : view->string()->componentsSeparatedByString(u"\n"_ns)) {
+                const NSUInteger length = static_cast<NSString*>(line)->length();
+                auto* language = length
+                                     ? cast<WRLanguage>(view->textStorage()->attribute_atIndex_effectiveRange(
+                                           PBLanguageAttributeName, place, nullptr))
+                                     : nullptr;
+                found += (place ? " " : "") + (language ? language->identifier()->toUTF8() : "-");
+                place += length + 1;
+            }
+            return found;
+        });
 }
 
 TEST_F(LanguageCommandsTest, FindsLanguagesWhileTheDocumentIsShown) {
@@ -140,7 +146,7 @@ TEST_F(LanguageCommandsTest, FindsLanguagesWhileTheDocumentIsShown) {
     for (int i = 0; i < 20'000; ++i) text->appendFormat(u"%@ %d\n"_ns, i % 2 ? u"das"_ns : u"the"_ns, i);
     open(text);
     int told = 0;
-    auto listener = Listener::to(WRDocumentDidChangeNotification, document);
+    auto listener = Listener::to(WRDocumentDidChangeNotification, scope.document);
     listener->reaction = [&told] { ++told; };
     EXPECT_EQ(languageAt(0) + languageAt(7), "ende");
     EXPECT_NE(languageAt(text->length() - 3), "de");
@@ -149,9 +155,9 @@ TEST_F(LanguageCommandsTest, FindsLanguagesWhileTheDocumentIsShown) {
     const int typed = std::exchange(told, 0);
     EXPECT_GT(typed, 0);
     const NSUInteger last = text->length() - 2;
-    while (languageAt(last) != "de") screen.turn();
+    while (languageAt(last) != "de") scope.screen.turn();
     EXPECT_EQ(told, 0) << "nobody else has changed the document";
-    send(view, "undo:"_sel, static_cast<id>(nullptr));
+    scope.undo();
     EXPECT_TRUE(view->string()->isEqualToString(text));
     EXPECT_FALSE(view->undoManager()->canUndo());
     EXPECT_EQ(languageAt(last), "de");
@@ -161,12 +167,12 @@ TEST_F(LanguageCommandsTest, TypesSpecialCharacters) {
     open(u"ab"_ns);
     view->setSelectedRange({1, 0});
     auto panel = WRCharactersPanel::init();
-    panel->window()->showBeside(window->window());
-    screen.turn();
-    screen.type(u"U+2014");
-    screen.press(NSCarriageReturnCharacter);
+    panel->window()->showBeside(scope.window->window());
+    scope.screen.turn();
+    scope.screen.type(u"U+2014");
+    scope.screen.press(NSCarriageReturnCharacter);
     EXPECT_EQ(view->string()->toUTF8(), "a—b");
-    send(view, "undo:"_sel, static_cast<id>(nullptr));
+    scope.undo();
     EXPECT_EQ(view->string()->toUTF8(), "ab");
 }
 

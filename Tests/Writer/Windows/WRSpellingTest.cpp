@@ -2,160 +2,231 @@
 #include "Writer/Windows/WRSpelling.h"
 
 #include "DictionaryScope.h"
+#include "FormatScope.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Interface/NSMenu.h"
-#include "Interface/NSMenuItem.h"
-#include "InterfaceScope.h"
-#include "PBPostLoader.h"
 #include "Text/NSTextStorage.h"
 #include "Text/TextAttributes.h"
-#include "Writer/PlugInProtocol.h"
-#include "Writer/WRDocument.h"
+#include "Writer/WRLanguage.h"
 #include "Writer/Windows/Preferences.h"
-#include "Writer/Windows/WRDocumentWindow.h"
-#include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRSpellingMarks.h"
-#include "Writer/Windows/WindowsLibrary.h"
 
 namespace {
 
 bool isReddish(std::uint32_t colour) { return (colour >> 16) > (colour >> 8 & 0xFF) + 80; }
 
-// A document in a window, with small dictionaries of English and German.
+// Documents in windows, with small dictionaries of three languages.
 class SpellingTest : public ::testing::Test {
   protected:
-    static void SetUpTestSuite() {
-        registerLibrary(windowsLibrary);
-        PBPostLoader::processClassesStartingRegistry(false);
-        std::filesystem::current_path(WRITER_PAGES);
-    }
     SpellingTest() {
         dictionaries.add("en_GB", "the\nsea\nblue\n");
         dictionaries.add("de_DE", "das\nMeer\nblau\n");
+        dictionaries.add("fr", "la\nmer\n");
         dictionaries.checker();
+        open(u""_ns);
     }
     ~SpellingTest() override {
         NSUserDefaults::standardUserDefaults()->removeObjectForKey(WRMarksMisspellingsPreference);
     }
     void open(NSString* text) {
-        auto document = WRDocument::initWithPath_reader_answer(u"/a/b.txt"_ns, nullptr,
-                                                               NSDictionary::of({{WRTextKey, text}}));
-        NSString* problem = nullptr;
-        window = WRDocumentWindow::create(document, NSDictionary::dictionary(), &problem);
-        window->show();
-        view = window->pageView();
+        scope.open(text);
+        view = scope.view;
         settle();
     }
     // Until dictionaries are read and words are checked.
     void settle() {
         for (int i = 0; i < 4; ++i) {
-            for (NSString* name : {u"en_GB"_ns, u"de_DE"_ns})
-                while (!NSSpellChecker::sharedSpellChecker()->prepareLanguage(name)) screen.turn();
-            screen.turn();
+            for (NSString* name : {u"en_GB"_ns, u"de_DE"_ns, u"fr"_ns})
+                while (!dictionaries.checker()->prepareLanguage(name)) scope.screen.turn();
+            scope.screen.turn();
         }
+    }
+    WRSpellingMarks* marks() {
+        NSResponder* spelling = scope.window;
+        while (!cast<WRSpelling>(spelling)) spelling = spelling->nextResponder();
+        return cast<WRSpelling>(spelling)->marks();
     }
     std::string marked() {
         std::string words;
-        NSResponder* spelling = window;
-        while (!cast<WRSpelling>(spelling)) spelling = spelling->nextResponder();
-        auto* marks = cast<WRSpelling>(spelling)->marks();
-        for (const NSRange word : marks->marksInRange({0, view->string()->length()}))
+        for (const NSRange word : marks()->marksInRange({0, view->string()->length()}))
             words += " " + view->string()->substringWithRange(word)->toUTF8();
         return words;
     }
-    void setLanguage(NSString* name, NSRange range) {
-        view->textStorage()->addAttribute_value_range(NSLanguageAttributeName, name, range);
+    // Chooses in the context menu; returns the titles of the items before those for all words.
+    std::string choose(NSUInteger caret, SEL action = SEL()) {
+        view->setSelectedRange({caret, 0});
+        NSMenu* menu = view->menu();
+        menu->update();
+        while (menu->itemAtIndex(0)->title()->hasPrefix(u"_Looking"_ns)) scope.screen.turn();
+        std::string titles;
+        for (const auto& item : menu->items()) {
+            if (item->action() == "cut:"_sel) break;
+            titles += " " + item->title()->toUTF8();
+        }
+        if (action) menu->performActionForItemAtIndex(menu->indexOfItemWithTarget_andAction(nullptr, action));
         settle();
+        return titles;
     }
-    bool isUnderlined(NSRange word) {
-        screen.turn();
+    // How many of the rows of pixels below the word have red ones, and how many columns.
+    std::pair<int, int> underlined(NSRange word) {
+        scope.screen.turn();
         const NSRect rect = view->rectForCharacterRange(word);
+        std::set<int> rows, columns;
         for (float y = NSMinY(rect); y < NSMaxY(rect); ++y)
             for (float x = NSMinX(rect); x < NSMaxX(rect); ++x)
-                if (isReddish(screen.pixel(view, {x, y}))) return true;
-        return false;
+                if (isReddish(scope.screen.pixel(view, {x, y}))) {
+                    rows.insert(static_cast<int>(y));
+                    columns.insert(static_cast<int>(x - NSMinX(rect)));
+                }
+        return {static_cast<int>(rows.size()), static_cast<int>(columns.size())};
     }
 
     DictionaryScope dictionaries;
-    InterfaceScope screen;
-    Retained<WRDocumentWindow> window;
+    FormatScope scope{u""_ns};
     WRPageView* view = nullptr;
 };
 
 TEST_F(SpellingTest, MarksWordsInTheLanguageOfTheText) {
-    open(u"the sae das Mer el mar"_ns);
-    EXPECT_EQ(marked(), " sae das Mer el mar");
-    setLanguage(u"de"_ns, {8, 7});
-    setLanguage(u"es"_ns, {16, 6});
-    EXPECT_EQ(marked(), " sae Mer");
-    EXPECT_TRUE(isUnderlined({4, 3}));
-    EXPECT_FALSE(isUnderlined({0, 3}));
+    struct Row {
+        const char* name;
+        const char16_t* text;
+        std::vector<NSString*> languages;  // of the lines: none, as found out, or "=" as the user has set it
+        const char* marked;
+    };
+    for (const Row& row : std::vector<Row>{
+             {"the user's", u"the sae das", {}, " sae das"},
+             {"set", u"the Mer\nel mar", {u"=de"_ns, u"=es"_ns}, " the Mer"},
+             {"beside a line", u"das Meer\nthe Meer mer", {u"de"_ns, u"en"_ns}, " mer"},
+             {"above a line", u"mer Meer\n\nla mer", {u"de"_ns, nullptr, u"fr"_ns}, ""},
+             {"the user's in a short line", u"das sea mer", {u"de"_ns}, " mer"},
+             {"set in a short line", u"das sea", {u"=de"_ns}, " sea"},
+             {"a long line", u"das sea das das das das das das das das das das das", {u"de"_ns}, " sea"},
+             {"without a dictionary", u"zzz sae", {u"es"_ns}, ""}}) {
+        open(NSString::of(row.text));
+        NSUInteger place = 0, line = 0;
+        for (id each : view->string()->componentsSeparatedByString(u"\n"_ns)) {
+            const NSRange range{place, static_cast<NSString*>(each)->length()};
+            place = NSMaxRange(range) + 1;
+            NSString* name = line < row.languages.size() ? row.languages[line++] : nullptr;
+            if (!name) continue;
+            if (name->hasPrefix(u"="_ns))
+                view->textStorage()->addAttribute_value_range(NSLanguageAttributeName,
+                                                              name->substringFromIndex(1), range);
+            else
+                view->textStorage()->addAttribute_value_range(
+                    PBLanguageAttributeName, WRLanguage::languageWithIdentifier(name), range);
+        }
+        settle();
+        EXPECT_EQ(marked(), row.marked) << row.name;
+    }
+    open(u"the sae the"_ns);
+    const auto [rows, columns] = underlined({4, 3});
+    EXPECT_GE(rows, 2) << "a wave";
+    EXPECT_GE(columns, static_cast<int>(NSWidth(view->rectForCharacterRange({4, 3}))) - 3);
+    EXPECT_EQ(underlined({0, 3}).first, 0);
+    view->setSelectedRange({4, 3});
+    EXPECT_EQ(underlined({4, 3}), std::pair(rows, columns)) << "above the colour of the selection";
     // Letters in other formats are no other word.
     view->textStorage()->addAttribute_value_range(NSUnderlineStyleAttributeName, NSNumber::numberWithInt(1),
                                                   {0, 2});
     settle();
-    EXPECT_EQ(marked(), " sae Mer");
+    EXPECT_EQ(marked(), " sae");
 }
 
 TEST_F(SpellingTest, FollowsEdits) {
     open(u"the sae is blu"_ns);
     EXPECT_EQ(marked(), " sae is blu");
     view->setSelectedRange({0, 0});
-    screen.type(u"th");
+    scope.screen.type(u"th");
     EXPECT_EQ(marked(), " sae is blu") << "what is being typed is not marked";
-    screen.press(NSRightArrowFunctionKey);
+    scope.screen.press(NSRightArrowFunctionKey);
     EXPECT_EQ(marked(), " sae is blu") << "the caret is still in the word";
-    for (int i = 0; i < 4; ++i) screen.press(NSRightArrowFunctionKey);
+    for (int i = 0; i < 4; ++i) scope.screen.press(NSRightArrowFunctionKey);
     EXPECT_EQ(marked(), " ththe sae is blu");
     view->setSelectedRange({0, 2});
-    screen.press(NSDeleteFunctionKey);
+    scope.screen.press(NSDeleteFunctionKey);
     EXPECT_EQ(marked(), " sae is blu");
-    EXPECT_TRUE(isUnderlined({4, 3}));
-    screen.press(u'z', NSCommandKeyMask);
 }
 
 TEST_F(SpellingTest, OffersWhatMayHaveBeenMeant) {
     open(u"the sae sae"_ns);
-    view->setSelectedRange({5, 0});
-    NSMenu* menu = view->menu();
-    menu->update();
-    EXPECT_EQ(menu->itemAtIndex(0)->title()->toUTF8(), "_Looking for suggestions …");
-    while (!menu->itemAtIndex(0)->action()) screen.turn();
-    EXPECT_EQ(menu->itemAtIndex(0)->title()->toUTF8(), "sea");
-    menu->performActionForItemAtIndex(0);
-    settle();
+    EXPECT_EQ(choose(5, "replaceMisspelling:"_sel), " sea  _Ignore _Learn Spelling ");
     EXPECT_EQ(view->string()->toUTF8(), "the sea sae");
     EXPECT_EQ(marked(), " sae");
-    send(view, "undo:"_sel, static_cast<id>(nullptr));
+    scope.undo();
     settle();
     EXPECT_EQ(view->string()->toUTF8(), "the sae sae");
-    const auto choose = [&](SEL action) {
-        view->setSelectedRange({5, 0});
-        menu->update();
-        menu->performActionForItemAtIndex(menu->indexOfItemWithTarget_andAction(nullptr, action));
-        settle();
-    };
-    choose("ignoreMisspelling:"_sel);
+    choose(5, "ignoreMisspelling:"_sel);
     EXPECT_EQ(marked(), "");
-    open(u"the sae"_ns);
-    EXPECT_EQ(marked(), " sae") << "ignored in one document only";
-    menu = view->menu();
-    choose("learnMisspelling:"_sel);
-    EXPECT_EQ(marked(), "");
-    EXPECT_TRUE(dictionaries.checker()->hasLearnedWord_language(u"sae"_ns, u"en_GB"_ns));
+    EXPECT_EQ(choose(11, "unignoreWord:"_sel), " _Do Not Ignore ") << "the caret behind the word";
+    EXPECT_EQ(marked(), " sae sae");
+    choose(5, "ignoreMisspelling:"_sel);
+    const auto firstWindow = scope.window;
+    WRSpellingMarks* firstMarks = marks();
+    open(u"the Qqq qqq sae"_ns);
+    EXPECT_EQ(marked(), " Qqq qqq sae") << "ignored in one document only";
+    choose(10, "learnMisspelling:"_sel);
+    EXPECT_EQ(marked(), " sae");
+    EXPECT_EQ(choose(4, "unlearnWord:"_sel), " _Unlearn Spelling ") << "learned in small letters";
+    EXPECT_EQ(marked(), " Qqq qqq sae");
+    EXPECT_FALSE(dictionaries.checker()->hasLearnedWord_language(u"qqq"_ns, u"en_GB"_ns));
+    // What is learned in one window is known in the others.
+    choose(14, "learnMisspelling:"_sel);
+    firstMarks->unignoreWord(u"sae"_ns);
+    settle();
+    EXPECT_TRUE(firstMarks->marksInRange({0, 11}).empty());
 }
 
 TEST_F(SpellingTest, GoesToTheNextMisspelling) {
+    const auto next = [&] { scope.choose("showNextMisspelling:"_sel); };
     open(u"the sae, the blau"_ns);
     for (const NSRange& expected : {NSRange{4, 3}, {13, 4}, {4, 3}}) {
-        NSApplication::sharedApplication()->sendAction_to_from("showNextMisspelling:"_sel, nullptr, nullptr);
+        next();
         EXPECT_EQ(view->selectedRange(), expected);
     }
-    NSApplication::sharedApplication()->sendAction_to_from("toggleSpellingMarks:"_sel, nullptr, nullptr);
+    scope.choose("toggleSpellingMarks:"_sel);
     EXPECT_EQ(marked(), "");
-    EXPECT_FALSE(isUnderlined({4, 3}));
+    EXPECT_EQ(underlined({4, 3}).first, 0);
     open(u"sae"_ns);
     EXPECT_EQ(marked(), "") << "the choice is remembered";
+    next();
+    settle();
+    EXPECT_EQ(view->selectedRange(), (NSRange{0, 3})) << "also where nothing is marked";
+    LogLines log;
+    open(u"the"_ns);
+    next();
+    settle();
+    EXPECT_THAT(log.lines, Contains(StartsWith("_No word is misspelled."))) << joined(log.lines);
+}
+
+// In a text that is not checked at once, the search leaves the window alive.
+TEST_F(SpellingTest, SearchesWhileTheUserGoesOn) {
+    std::u16string text;
+    while (text.size() < 500'000) text += u"the blue sea\n";
+    NSUserDefaults::standardUserDefaults()->setObject_forKey(NSNumber::numberWithBool(false),
+                                                             WRMarksMisspellingsPreference);
+    open(NSString::of(text + u"sae"));
+    const auto search = [&] {
+        scope.screen.app->sendAction_to_from("showNextMisspelling:"_sel, nullptr, nullptr);
+    };
+    const auto isSearching = [&] { return marks()->isSearching(); };
+    search();
+    marks()->workAtIdle();
+    EXPECT_FALSE(scope.window->notice()) << "not in the first half second";
+    scope.screen.clock.advance(1);
+    marks()->workAtIdle();
+    ASSERT_TRUE(scope.window->notice());
+    EXPECT_THAT(scope.window->notice()->text()->toUTF8(), HasSubstr("Looking"));
+    scope.screen.press(0x1B);
+    EXPECT_FALSE(isSearching() || scope.window->notice());
+    search();
+    view->setSelectedRange({1, 0});
+    EXPECT_FALSE(isSearching()) << "the user is elsewhere";
+    search();
+    view->textStorage()->replaceCharactersInRange_withString({13, 13}, u""_ns);
+    EXPECT_TRUE(isSearching());
+    while (isSearching()) scope.screen.turn();
+    EXPECT_EQ(view->selectedRange(), (NSRange{static_cast<NSUInteger>(text.size()) - 13, 3}));
 }
 
 }  // namespace
