@@ -12,7 +12,6 @@
 #include "TestClasses.h"
 #include "Text/NSTextStorage.h"
 #include "Writer/Pages/TextLanguage.h"
-#include "Writer/WRLanguage.h"
 #include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRCharactersPanel.h"
 #include "Writer/Windows/WRPalette.h"
@@ -122,21 +121,13 @@ TEST_F(LanguageCommandsTest, SwitchesTheKeyboardWithTheCaretIfAsked) {
 // Lines that do not tell have the language of the line before, or else of the one behind.
 TEST_F(LanguageCommandsTest, FindsTheLanguagesOfLines) {
     expectAll(
-        {"the|Anna|das|Anna -> en en de de", "Anna|Bonn|das -> de de de", "the||A|das|B -> en - en de de",
-         "Anna|Bonn -> - -"},
-        [&](const std::string& lines) {
-            open(NSString::ofUTF8(lines)->stringByReplacingOccurrencesOfString_withString(u"|"_ns, u"\n"_ns));
+        {"the|Anna|das|Anna -> en en de de", "Anna|Bonn|das -> de de de", "the||A|das|B -> en en de de"},
+        [&](const std::string& text) {
+            NSString* lines = NSString::ofUTF8(text);
+            open(lines->stringByReplacingOccurrencesOfString_withString(u"|"_ns, u"\n"_ns));
             std::string found;
-            NSUInteger place = 0;
-            for (id line : view->string()->componentsSeparatedByString(u"\n"_ns)) {
-                const NSUInteger length = static_cast<NSString*>(line)->length();
-                auto* language = length
-                                     ? cast<WRLanguage>(view->textStorage()->attribute_atIndex_effectiveRange(
-                                           PBLanguageAttributeName, place, nullptr))
-                                     : nullptr;
-                found += (place ? " " : "") + (language ? language->identifier()->toUTF8() : "-");
-                place += length + 1;
-            }
+            for (NSUInteger i = 0; i < text.size(); ++i)
+                if (text[i] != '|' && (i == 0 || text[i - 1] == '|')) found += (i ? " " : "") + languageAt(i);
             return found;
         });
 }
