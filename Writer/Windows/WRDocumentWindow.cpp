@@ -286,7 +286,21 @@ void WRDocumentWindow::placeBars() {
         upper -= NSHeight(bar->frame());
         bar->setFrameOrigin({0, upper});
     }
-    _scrollView->setFrame({{0, kStatusHeight}, {NSWidth(room), std::max(upper - kStatusHeight, 0.0F)}});
+    keepCaretInSight([&] {
+        _scrollView->setFrame({{0, kStatusHeight}, {NSWidth(room), std::max(upper - kStatusHeight, 0.0F)}});
+    });
+}
+
+// Where somebody writes stays in sight when the pages are shown otherwise, or in less room.
+void WRDocumentWindow::keepCaretInSight(const std::function<void()>& change) {
+    const NSRange selection = _pageView->selectedRange();
+    const auto isSelectionSeen = [&] {
+        const NSRect caret = _pageView->caretRectForCharacterAtIndex(selection.location);
+        return NSPointInRect({NSMinX(caret), NSMidY(caret)}, _pageView->visibleRect());
+    };
+    const bool wasSeen = _window->isVisible() && isSelectionSeen();
+    change();
+    if (wasSeen && !isSelectionSeen()) _pageView->scrollRangeToVisible({selection.location, 0});
 }
 
 // MARK: Ruler
@@ -323,14 +337,7 @@ bool WRDocumentWindow::validateMenuItem(id item) {
 // MARK: Zoom
 
 void WRDocumentWindow::setZoom(double zoom) {
-    const NSRange selection = _pageView->selectedRange();
-    const auto isSelectionSeen = [&] {
-        const NSRect caret = _pageView->caretRectForCharacterAtIndex(selection.location);
-        return NSPointInRect({NSMinX(caret), NSMidY(caret)}, _pageView->visibleRect());
-    };
-    const bool wasSeen = isSelectionSeen();
-    _zoomView->setZoom(zoom);
-    if (wasSeen && !isSelectionSeen()) _pageView->scrollRangeToVisible({selection.location, 0});
+    keepCaretInSight([&] { _zoomView->setZoom(zoom); });
     placeDidChange(nullptr);
 }
 

@@ -2,6 +2,7 @@
 // WRDocumentWindow: a window with the pages of a document.
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "Interface/NSResponder.h"
@@ -111,6 +112,7 @@ class WRDocumentWindow : public NSResponder {
     void placeBars();
     void showPage(NSUInteger page);
     void setZoom(double zoom);
+    void keepCaretInSight(const std::function<void()>& change);
     NSDictionary* withTitle(NSDictionary* settings, NSDictionary* ownSettings);
 
     Retained<WRDocument> _document;

@@ -83,7 +83,15 @@ TEST_F(DocumentWindowTest, ShowsScrollersWhereThereIsSomethingToScroll) {
     EXPECT_EQ(look(), "v filled");
 }
 
-TEST_F(DocumentWindowTest, KeepsTheCaretInSightWhenItZooms) {
+TEST_F(DocumentWindowTest, KeepsTheCaretInSight) {
+    window->window()->setContentSize({700, 500});
+    screen.turn();
+    const NSRect seen = view->visibleRect();
+    view->setSelectedRange({view->characterIndexForInsertionAtPoint({NSMidX(seen), NSMaxY(seen) - 30}), 0});
+    const NSRect lowest = view->caretRectForCharacterAtIndex(view->selectedRange().location);
+    window->showNotice(u"News"_ns, {});
+    EXPECT_TRUE(NSPointInRect({NSMinX(lowest), NSMidY(lowest)}, view->visibleRect())) << "above a notice";
+    window->hideNotice();
     view->setSelectedRange({0, 0});
     view->scrollRangeToVisible({0, 0});
     for (int i = 0; i < 4; ++i) {
