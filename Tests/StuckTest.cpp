@@ -3,6 +3,7 @@
 
 #include <dirent.h>
 #include <execinfo.h>
+#include <pthread.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
