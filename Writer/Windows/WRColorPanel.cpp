@@ -106,7 +106,10 @@ void WRColorPanel::makeWindow() {
     showRecentColors();
 }
 
-void WRColorPanel::windowDidBecomeKey(id) { formatsDidChange(nullptr); }
+void WRColorPanel::windowDidBecomeKey(id) {
+    formatsDidChange(nullptr);
+    if (cast<NSText>(static_cast<id>(_window->firstResponder()))) _digits->selectText(nullptr);
+}
 
 void WRColorPanel::windowWillClose(id) { endStep(); }
 

@@ -60,8 +60,10 @@ void WRColorSlider::drawRect(NSRect) {
     auto* context = NSGraphicsContext::currentContext();
     const NSRect strip = this->strip();
     const float width = NSWidth(strip);
+    ColorParts parts = _parts;
+    if (_part == &ColorParts::hue) parts.saturation = 1;
+    if (_part != &ColorParts::brightness) parts.brightness = 1;
     for (float x = 0; x < width; ++x) {
-        ColorParts parts = _parts;
         parts.*_part = x / std::max(width - 1, 1.0F);
         context->setColor(parts.color());
         context->fillRect({{NSMinX(strip) + x, NSMinY(strip)}, {std::min(1.0F, width - x), NSHeight(strip)}});
@@ -83,9 +85,12 @@ void WRColorSlider::drawRect(NSRect) {
 // MARK: Changes
 
 void WRColorSlider::change(float value) {
+    constexpr float kInk = 0.7F;  // can be read on paper
     value = std::clamp(value, 0.0F, 1.0F);
     if (value == _parts.*_part) return;
     const auto alive = Retained<WRColorSlider>::retaining(this);
+    if (_part == &ColorParts::hue && _parts.saturation == 0) _parts.saturation = 1;
+    if (_part != &ColorParts::brightness && _parts.brightness == 0) _parts.brightness = kInk;
     _parts.*_part = value;
     setNeedsDisplay(true);
     if (_changed) _changed(_parts);

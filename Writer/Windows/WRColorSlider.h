@@ -9,8 +9,9 @@
 
 namespace pelvor {
 
-/// Sets one part of a colour; shows on a strip what the colour would be. The knob is dragged, or moved by the
-/// arrow keys, in larger steps with Shift, and to the ends by Home and End. Main thread.
+/// Sets one part of a colour; a strip shows what that part is about. The hue of a grey gives it saturation,
+/// and black becomes brighter with either, so that something is seen of them. The knob is dragged, or moved
+/// by the arrow keys, in larger steps with Shift, and to the ends by Home and End. Main thread.
 class WRColorSlider : public NSView, NSView::HiddenCreators {
     PELVOR_CLASS(WRColorSlider, NSView);
 

@@ -42,8 +42,10 @@ NSString* reasonOf(const PrintProblem& problem) {
         case PrintProblem::Kind::noAnswer:
             return localized(u"_the print service does not answer"_ns);
         default:
-            return problem.text;
+            break;
     }
+    NSString* text = problem.text;  // a sentence
+    return text->hasSuffix(u"."_ns) ? text->substringToIndex(text->length() - 1) : text;
 }
 
 }  // namespace

@@ -51,7 +51,7 @@ struct ColorPanelTest : ::testing::Test, FormatScope {
 };
 
 TEST_F(ColorPanelTest, GivesTheSelectionEachColourInOneStep) {
-    write(u"#0000ff");
+    screen.type(u"#0000ff");  // all digits are selected, and Return is not needed
     EXPECT_EQ(colors(), "0-3 #0000FF ");
     screen.press(u'\t');  // the hue
     screen.press(NSHomeFunctionKey);
@@ -67,6 +67,14 @@ TEST_F(ColorPanelTest, GivesTheSelectionEachColourInOneStep) {
     redo();
     EXPECT_EQ(colors(), "0-3 #FF1A1A ");
     EXPECT_EQ(shown(view->undoManager()->undoActionName()), "_Colour");
+    // Black and white have hues to be seen.
+    for (const auto& [from, to] : {std::pair{u"#000000", "0-3 #B36B00 "}, {u"#ffffff", "0-3 #FF9900 "}}) {
+        write(from);
+        screen.press(u'\t');
+        for (int i = 0; i < 10; ++i) screen.press(NSRightArrowFunctionKey);
+        EXPECT_EQ(colors(), to);
+    }
+    undo();
     // The same selection after something else was done, and another selection.
     write(u"#00ff00");
     select(4, 3);
@@ -78,7 +86,7 @@ TEST_F(ColorPanelTest, GivesTheSelectionEachColourInOneStep) {
     EXPECT_EQ(colors(), "0-3 #FF1A1A ");
     panel->window()->performClose(nullptr);
     EXPECT_EQ(shown(defaults->arrayForKey(WRRecentColorsPreference)->componentsJoinedByString(u" "_ns)),
-              "#00FF00 #FF1A1A");
+              "#00FF00 #FF9900 #FF1A1A");
 }
 
 }  // namespace

@@ -307,7 +307,7 @@ struct TwoPrinters : PrintService {
         if (!mayAnswer(gaveUp)) return {PrintProblem::Kind::noAnswer, nullptr};
         printed = job;
         if (!job.printer->isEqualToString(u"a"_ns))
-            return {PrintProblem::Kind::refused, u"it is off"_ns->copy()};
+            return {PrintProblem::Kind::refused, u"it is off."_ns->copy()};
         number = 12;
         return {};
     }
