@@ -127,8 +127,10 @@ class ControlWords {
         {"headerr", &P::beginHeader, 1},
         {"footer", &P::beginFooter},
         {"footerr", &P::beginFooter, 1},
-        {"titlepg", &P::notePages, 0},
-        {"facingp", &P::notePages, 1},
+        {"titlepg", &P::takePageRule, P::otherFirstPage},
+        {"facingp", &P::takePageRule, P::facingPages},
+        {"pgnstart", &P::takePageRule, P::laterStart},
+        {"pgnstarts", &P::takePageRule, P::laterStart},
         {"field", &P::beginField},
         {"fldinst", &P::beginDestination, of(D::fieldInstruction)},
         {"fldrslt", &P::beginFieldResult},
@@ -252,7 +254,7 @@ class ControlWords {
         "showplaceholdtext ignoremixedcontent saveinvalidxml showxmlerrors themelang themelangfe themelangcs "
         "fet ilfomacatclnup ftnbj aenddoc aftnnar ftnstart aftnstart ftnrstcont aftnrstcont ftnnar endnhere "
         "sectdefaultcl "
-        "sftnbj sectlinegrid linex cols colsx pgndec pgnstarts pgnrestart nocolbal nolead expshrtn "
+        "sftnbj sectlinegrid linex cols colsx pgndec pgnrestart nocolbal nolead expshrtn "
         "noultrlspc "
         "dntblnsbdb nospaceforul hyphcaps hyphhotz hyphconsec hyphauto gutter gutterprl guttersxn "
         "truncatefontheight "

@@ -93,21 +93,21 @@ void P::beginHeader(int isOfRightPages) {
     beginPart(_result.header);
 }
 
-// Whether headers and footers are not the same on all pages.
-void P::notePages(int areFacing) {
-    if (isSet()) (areFacing ? _arePagesFacing : _isFirstPageOther) = true;
-}
-
-void P::leaveOutPageRules() {
-    if (_isFirstPageOther && _result.header.length() + _result.footer.length() > 0)
-        _leftOut.insert("titlepg");
-    if (_arePagesFacing && _hasLineOfRightPages) _leftOut.insert("facingp");
-}
-
 void P::beginFooter(int isOfRightPages) {
     if (!isText() || _result.footer.length() > 0) return leaveOutDestination(0);
     _hasLineOfRightPages |= isOfRightPages != 0;
     beginPart(_result.footer);
+}
+
+void P::takePageRule(int rule) {
+    if (isSet() && (rule != laterStart || _parameter > 1)) _hasPageRule[rule] = true;
+}
+
+void P::leaveOutPageRules() {
+    if (_result.header.length() + _result.footer.length() == 0) return;
+    if (_hasPageRule[otherFirstPage]) _leftOut.insert("titlepg");
+    if (_hasPageRule[facingPages] && _hasLineOfRightPages) _leftOut.insert("facingp");
+    if (_hasPageRule[laterStart]) _leftOut.insert("pgnstart");
 }
 
 void P::beginAlternatives(int) {

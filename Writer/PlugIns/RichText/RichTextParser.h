@@ -51,6 +51,8 @@ class RichTextParser {
         CharacterFormat character;
         ParagraphFormat paragraph;
     };
+    /// Why headers and footers are not the same on all pages, or have other numbers.
+    enum PageRule { otherFirstPage, facingPages, laterStart };
     struct FileFont {
         FontEntry entry;
         int number = 0;
@@ -120,7 +122,7 @@ class RichTextParser {
     void beginFootnote(int);
     void beginHeader(int isOfRightPages);
     void beginFooter(int isOfRightPages);
-    void notePages(int rule);
+    void takePageRule(int rule);
     void beginField(int);
     void setFontKind(int kind);
     void beginFieldResult(int);
@@ -204,7 +206,8 @@ class RichTextParser {
     FilePicture _picture;
     int _tabType = 0, _noteCount = 0;
     bool _hasSectionEnded = false;
-    bool _isFirstPageOther = false, _arePagesFacing = false, _hasLineOfRightPages = false;
+    bool _hasPageRule[3] = {};  // by PageRule
+    bool _hasLineOfRightPages = false;
     std::set<std::string> _leftOut;
     ParagraphFormat _usualParagraph;
     CharacterFormat _usualCharacter;

@@ -148,6 +148,8 @@ TEST(RichTextReading, KnowsTheDocument) {
         {"\\titlepg" + header, "titlepg "},
         {"\\titlepg0\\facingp" + header, ""},
         {"\\facingp{\\footerr x}", "facingp "},
+        {"\\pgnstarts3{\\footer \\chpgn}", "pgnstart "},
+        {"\\pgnstarts1\\pgnstart4", ""},
     };
     for (const auto& [markup, leftOut] : rows) {
         std::string names;
