@@ -217,6 +217,7 @@ void WRApplication::runDesktop() try {
     if (!_plugInFolder) watchPlugIns();
     send(_desktop.get(), "run"_sel);
     endWatchingPlugIns();
+    if (!send<bool>(_desktop.get(), "hasDisplay"_sel)) _hasFailed = true;  // it is lost, as the log says
 } catch (...) {
     complainOfException();
 }

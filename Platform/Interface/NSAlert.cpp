@@ -7,14 +7,15 @@
 #include "Foundation/LibraryTexts.h"
 #include "Foundation/NSLog.h"
 #include "Foundation/NSMutableArray.h"
-#include "Interface/Backend/DisplayConnection.h"
 #include "Interface/Drawing/Theme.h"
+#include "Interface/Events/ApplicationState.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/Menus/AlertView.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSButton.h"
 #include "Interface/NSImage.h"
 #include "Interface/NSWindow.h"
+#include "Interface/Texts/CopiedText.h"
 
 namespace pelvor {
 
@@ -33,14 +34,8 @@ PELVOR_DEFINE_CLASS(NSAlert, interfaceLibrary) {
     methods.instance<"buttonPressed:", &NSAlert::buttonPressed>();
 }
 
-namespace {
-
-Retained<NSString> copied(NSString* text) { return (text ? text : u""_ns)->copy(); }
-
-}  // namespace
-
 NSAlert::NSAlert()
-    : _messageText(copied(nullptr)), _informativeText(_messageText), _buttons(NSMutableArray::init()) {}
+    : _messageText(copiedText(nullptr)), _informativeText(_messageText), _buttons(NSMutableArray::init()) {}
 NSAlert::~NSAlert() = default;
 
 Retained<NSAlert> NSAlert::init(Class* cls) { return make<NSAlert>(cls); }
@@ -57,8 +52,8 @@ Retained<NSAlert> NSAlert::alertWithMessageText_defaultButton_alternateButton_ot
     return alert;
 }
 
-void NSAlert::setMessageText(NSString* text) { _messageText = copied(text); }
-void NSAlert::setInformativeText(NSString* text) { _informativeText = copied(text); }
+void NSAlert::setMessageText(NSString* text) { _messageText = copiedText(text); }
+void NSAlert::setInformativeText(NSString* text) { _informativeText = copiedText(text); }
 void NSAlert::setIcon(NSImage* icon) { _icon.set(icon); }
 NSArray* NSAlert::buttons() { return NSArray::arrayWithArray(_buttons); }
 
@@ -83,7 +78,7 @@ void NSAlert::buttonPressed(id button) {
 
 NSInteger NSAlert::runModal() {
     NSApplication* application = NSApplication::sharedApplication();
-    if (!DisplayConnection::shared().hasUser() || (!application->hasDisplay() && !application->isRunning())) {
+    if (!application->state().canAsk()) {
         NSLog(u"%@: %@"_ns, _messageText.get(), _informativeText.get());
         return NSAlertErrorReturn;
     }

@@ -120,11 +120,14 @@ void ApplicationState::wake() { NSRunLoop::mainRunLoop()->wakeUp(); }
 void ApplicationState::handle(NSEvent* event) {
     const auto held = Retained<NSApplication>::retaining(app);
     current.set(event);
+    const bool isAltAlone = menuKeys.isAltAlone(event);
     try {
+        menuKeys.showLetters(allowsEvents(keyWindow) ? keyWindow : nullptr);
         if (event->type() == NSSystemDefined)
             handleSystem(event);
         else
             send(app, "sendEvent:"_sel, event);
+        if (isAltAlone && allowsEvents(keyWindow)) menuKeys.openFirst(keyWindow);
         if (windowsNeedUpdate) app->updateWindows();
     } catch (...) {
         reportCurrentException();
@@ -149,8 +152,9 @@ void ApplicationState::handleSystem(NSEvent* event) {
                           "applicationDidChangeScreenParameters:"_sel);
         case SystemEvent::layoutsChanged:
             return DisplayConnection::shared().tellLayoutChanges();
-        case SystemEvent::displayLost:  // nobody can end what runs modally
+        case SystemEvent::displayLost:  // nobody can end what runs
             for (const auto& session : sessions) session->code = NSRunAbortedResponse;
+            stops = true;
             DisplayConnection::shared().tellLayoutChanges();
             return notify(NSApplicationDidLoseDisplayNotification, "applicationDidLoseDisplay:"_sel);
         case SystemEvent::input:
@@ -217,6 +221,12 @@ bool ApplicationState::performKeyEquivalent(NSEvent* event) {
     return menu && send<bool>(menu.get(), "performKeyEquivalent:"_sel, event);
 }
 
+// A title of the menu bar by its letter, or the context menu.
+bool ApplicationState::openMenuByKey(NSEvent* event) {
+    if (keyWindow && allowsEvents(keyWindow) && menuKeys.openByLetter(event, keyWindow)) return true;
+    return openContextMenu(event, keyWindow);
+}
+
 void NSApplication::sendEvent(NSEvent* event) {
     if (!event) return;
     const auto held = Retained<NSApplication>::retaining(this);
@@ -227,7 +237,7 @@ void NSApplication::sendEvent(NSEvent* event) {
     if (NSEventMaskFromType(type) & kEndsTips) ToolTipView::hide();
     const bool isKey = type == NSKeyDown || type == NSKeyUp || type == NSFlagsChanged;
     if (type == NSKeyDown && mayBeEquivalent(event) && _state->performKeyEquivalent(event)) return;
-    if (type == NSKeyDown && openContextMenu(event, keyWindow())) return;
+    if (type == NSKeyDown && _state->openMenuByKey(event)) return;
     const auto window = Retained<NSWindow>::retaining(isKey && keyWindow() ? keyWindow() : event->window());
     if (!window) return;
     if (!isKey && type != NSScrollWheel && std::exchange(_state->isCursorHiddenUntilMove, false))

@@ -437,6 +437,11 @@ NSWindow* ApplicationState::modalWindow() {
     return sessions.empty() ? nullptr : sessions.back()->window.get();
 }
 
+bool ApplicationState::canAsk() {
+    const InterfaceBackend& backend = DisplayConnection::shared().backend();
+    return backend.hasUser() && (backend.hasDisplay() || isRunning);
+}
+
 bool ApplicationState::allowsEvents(NSWindow* window) {
     NSWindow* modal = modalWindow();
     if (!modal || !window || window->worksWhenModal() || window->level() >= NSPopUpMenuWindowLevel)

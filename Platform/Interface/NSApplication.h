@@ -35,7 +35,8 @@ inline constexpr NSString* NSApplicationWillUpdateNotification = u"NSApplication
 inline constexpr NSString* NSApplicationDidUpdateNotification = u"NSApplicationDidUpdateNotification"_ns;
 inline constexpr NSString* NSApplicationWillTerminateNotification =
     u"NSApplicationWillTerminateNotification"_ns;
-/// The display has gone; windows stay as they are, unseen. The program can save what it has.
+/// The display has gone, as a line of the log says; windows stay as they are, unseen. The program can save
+/// what it has. All modal runs and `run` return.
 inline constexpr NSString* NSApplicationDidLoseDisplayNotification =
     u"NSApplicationDidLoseDisplayNotification"_ns;
 

@@ -10,6 +10,7 @@
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSControl.h"
 #include "Interface/NSImage.h"
+#include "Interface/Texts/CopiedText.h"
 #include "Runtime/Message.h"
 #include "Text/NSColor.h"
 
@@ -35,14 +36,8 @@ PELVOR_DEFINE_CLASS(NSButtonCell, interfaceLibrary) {
     methods.instance<"drawTitle:withFrame:inView:", &NSButtonCell::drawTitle_withFrame_inView>();
 }
 
-namespace {
-
-Retained<NSString> copied(NSString* text) { return (text ? text : u""_ns)->copy(); }
-
-}  // namespace
-
 NSButtonCell::NSButtonCell() {
-    _button.title = _button.alternateTitle = _button.keyEquivalent = copied(nullptr);
+    _button.title = _button.alternateTitle = _button.keyEquivalent = copiedText(nullptr);
     _values.isBordered = true;
     _values.alignment = NSCenterTextAlignment;
 }
@@ -63,7 +58,7 @@ void NSButtonCell::setButtonType(NSButtonType type) {
 
 void NSButtonCell::setTitle(NSString* title) {
     _button.attributedTitle = nullptr;
-    _button.title = copied(title);
+    _button.title = copiedText(title);
     changed();
 }
 
@@ -79,7 +74,7 @@ void NSButtonCell::setAttributedTitle(NSAttributedString* title) {
 }
 
 void NSButtonCell::setAlternateTitle(NSString* title) {
-    _button.alternateTitle = copied(title);
+    _button.alternateTitle = copiedText(title);
     changed();
 }
 
@@ -100,7 +95,7 @@ void NSButtonCell::setImagePosition(NSCellImagePosition position) {
 }
 
 void NSButtonCell::setKeyEquivalent(NSString* key) {
-    _button.keyEquivalent = copied(key);
+    _button.keyEquivalent = copiedText(key);
     lookChanged();
 }
 

@@ -9,9 +9,15 @@
 namespace pelvor {
 
 class NSMenu;
+class NSMenuItem;
 
-/// Shows the titles of a menu's items beside each other, and opens their submenus: by the mouse, by F10, and
-/// from one to the next by the arrow keys. Windows that can become main have one above their content view
+/// Shows the titles of a menu's items beside each other, and opens their submenus: by the mouse, by F10 or
+/// Alt alone, and from one to the next by the arrow keys. Alt with a letter of a title opens the title's
+/// menu; which letter that is, of those from A to Z, the bar decides, and underlines the letters while Alt is
+/// down or the user goes through the menus by keys. Titles without room stand in a menu at the end of the
+/// bar.
+///
+/// Windows that can become main have one above their content view
 /// (NSWindow::showsMenuBar); other places get one by hand:
 ///
 ///     NSRect room = window->contentView()->bounds(), bar;
@@ -47,13 +53,19 @@ class PELVOR_EXPORT NSMenuBarView : public NSView {
     /// Takes F10.
     bool performKeyEquivalent(NSEvent* event) override;
 
+    // C++ only
+    void showLetters(bool shows);
+    /// Opens the menu whose letter is pressed with Alt. Returns whether there is one.
+    bool openByLetter(NSEvent* event);
+
   protected:
     NSMenuBarView();
     ~NSMenuBarView();
 
   private:
     struct Titles;
-    void track(int title, bool isButtonDown, bool isByKeyboard);
+    void track(int title, bool isButtonDown, bool isByKeyboard, NSMenuItem* entered = nullptr);
+    void drawTitle(NSMenuItem* item, NSRect rect, bool isOpen, NSUInteger letter);
 
     std::unique_ptr<Titles> _titles;
 };

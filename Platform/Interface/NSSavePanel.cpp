@@ -5,6 +5,7 @@
 #include "Foundation/NSLog.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Foundation/StandardFolders.h"
+#include "Interface/Events/ApplicationState.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSApplication.h"
 #include "Interface/Panels/FilePanelView.h"
@@ -83,7 +84,7 @@ NSInteger NSSavePanel::runModal() {
     _paths = nullptr;
     if (_view) return NSCancelButton;  // it runs already
     NSApplication* application = NSApplication::sharedApplication();
-    if (!application->hasDisplay() && !application->isRunning()) {
+    if (!application->state().canAsk()) {
         NSLog(u"%@: nobody can choose a file."_ns, title());
         return NSCancelButton;
     }

@@ -143,6 +143,12 @@ NSRect NSTextView::caretRectForCharacterAtIndex(NSUInteger index) {
     return caretRect({index});
 }
 
+NSPoint NSTextView::contextMenuPlace() {
+    const NSRect caret = caretRectForCharacterAtIndex(NSMaxRange(selectedRange()));
+    const NSPoint below{NSMinX(caret), NSMaxY(caret)};
+    return NSHeight(caret) > 0 && NSPointInRect(below, visibleRect()) ? below : NSText::contextMenuPlace();
+}
+
 NSRect NSTextView::rectForCharacterRange(NSRange range) {
     requireRange(range, _state->length(), "rectForCharacterRange:");
     if (!mayLayOut()) return {};

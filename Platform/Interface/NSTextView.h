@@ -108,6 +108,8 @@ class PELVOR_EXPORT NSTextView : public NSText {
     NSUInteger characterIndexForInsertionAtPoint(NSPoint point);
     /// Where the caret stands in the view, without width; zeros where there is no room for the text.
     NSRect caretRectForCharacterAtIndex(NSUInteger index);
+    /// Below the caret, where that is seen.
+    NSPoint contextMenuPlace() override;
     /// The least rectangle of the view that holds the characters.
     NSRect rectForCharacterRange(NSRange range);
 

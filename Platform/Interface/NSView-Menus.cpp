@@ -3,7 +3,6 @@
 #include "Interface/Menus/ContextMenu.h"
 #include "Interface/NSEvent.h"
 #include "Interface/NSMenu.h"
-#include "Interface/NSTextView.h"
 #include "Interface/NSWindow.h"
 #include "Interface/Windows/ViewExtras.h"
 #include "Runtime/Message.h"
@@ -25,20 +24,10 @@ void NSView::rightMouseDown(NSEvent* event) {
         NSResponder::rightMouseDown(event);
 }
 
-namespace {
-
-// Where a menu opens that a key asked for, in the view: at the caret, or in the middle of what is seen.
-NSPoint menuPlace(NSView* view) {
-    const NSRect seen = view->visibleRect();
-    if (auto* text = cast<NSTextView>(static_cast<id>(view))) {
-        const NSRect caret = text->caretRectForCharacterAtIndex(NSMaxRange(text->selectedRange()));
-        const NSPoint below{NSMinX(caret), NSMaxY(caret)};
-        if (NSHeight(caret) > 0 && NSPointInRect(below, seen)) return below;
-    }
+NSPoint NSView::contextMenuPlace() {
+    const NSRect seen = visibleRect();
     return {NSMidX(seen), NSMidY(seen)};
 }
-
-}  // namespace
 
 bool openContextMenu(NSEvent* event, NSWindow* window) {
     NSString* key = event->charactersIgnoringModifiers();
@@ -52,7 +41,8 @@ bool openContextMenu(NSEvent* event, NSWindow* window) {
         const auto view = Retained<NSView>::retaining(cast<NSView>(responder));
         NSMenu* menu = view ? send<NSMenu*>(view.get(), "menuForEvent:"_sel, event) : nullptr;
         if (!menu) continue;
-        const NSPoint place = view->convertPoint_toView(menuPlace(view), nullptr);
+        const NSPoint place =
+            view->convertPoint_toView(send<NSPoint>(view.get(), "contextMenuPlace"_sel), nullptr);
         NSMenu::popUpContextMenu_withEvent_forView(
             menu,
             NSEvent::

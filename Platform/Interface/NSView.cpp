@@ -117,6 +117,7 @@ PELVOR_DEFINE_CLASS(NSView, interfaceLibrary) {
     methods.instance<"canBecomeKeyView", &NSView::canBecomeKeyView>();
     methods.instance<"menu", &NSView::menu>();
     methods.instance<"setMenu:", &NSView::setMenu>();
+    methods.instance<"contextMenuPlace", &NSView::contextMenuPlace>();
     methods.instance<"menuForEvent:", &NSView::menuForEvent>();
     methods.instance<"toolTip", &NSView::toolTip>();
     methods.instance<"setToolTip:", &NSView::setToolTip>();

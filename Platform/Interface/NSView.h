@@ -262,6 +262,9 @@ class PELVOR_EXPORT NSView : public NSResponder {
     /// The menu for this press of the button, or of the key for context menus; the base returns `menu`. Null
     /// hands the event to the next responder.
     virtual NSMenu* menuForEvent(NSEvent* event);
+    /// Where a menu opens that a key has asked for, in the view's coordinates; the base returns the middle of
+    /// what is seen.
+    virtual NSPoint contextMenuPlace();
     /// Opens the menu.
     void rightMouseDown(NSEvent* event) override;
 

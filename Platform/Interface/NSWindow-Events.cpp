@@ -208,20 +208,13 @@ void NSWindow::doCommandBySelector(SEL selector) {
     const auto held = Retained<NSWindow>::retaining(this);
     if (selector == "insertTab:"_sel) return selectNextKeyView(this);
     if (selector == "insertBacktab:"_sel) return selectPreviousKeyView(this);
-    if (selector && respondsToSelector(selector)) {
-        send(this, selector, id(nullptr));
+    if (!selector || tryToPerform_with(selector, nullptr) ||
+        NSApplication::sharedApplication()->tryToPerform_with(selector, nullptr))
         return;
-    }
-    if (Retained<Object> other = _state->delegate.object();
-        selector && other && other->respondsToSelector(selector)) {
-        send(other.get(), selector, id(nullptr));
-        return;
-    }
-    if (selector && NSApplication::sharedApplication()->tryToPerform_with(selector, nullptr)) return;
     // What a key means that no text takes may be a button's.
     NSEvent* event = application().current;
     const bool isKey = event && event->type() == NSKeyDown;
-    if (selector && !(isKey && performKeyEquivalent(event))) NSBeep();
+    if (!isKey || !performKeyEquivalent(event)) NSBeep();
 }
 
 bool NSWindow::tryToPerform_with(SEL action, id argument) {

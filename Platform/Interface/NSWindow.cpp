@@ -11,6 +11,7 @@
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSInputManager.h"
 #include "Interface/NSText.h"
+#include "Interface/Texts/CopiedText.h"
 #include "Interface/Windows/WindowState.h"
 #include "Runtime/Message.h"
 
@@ -347,7 +348,7 @@ NSString* NSWindow::frameAutosaveName() { return _state->autosaveName; }
 NSString* NSWindow::title() { return _state->title; }
 
 void NSWindow::setTitle(NSString* title) {
-    _state->title = (title ? title : u""_ns)->copy();
+    _state->title = copiedText(title);
     if (!_state->backendWindow) return;
     const std::string text = _state->title->toUTF8();
     WindowChanges changes;

@@ -80,7 +80,7 @@ void XCBBackend::loseDisplay() {
     _selections.giveUpAll();
     _drags.cancel();
     _textInput.method().abandon();
-    _sink.lost("The connection to the display was lost");
+    _sink.lost("the connection to the server has ended");
 }
 
 // MARK: Windows

@@ -78,9 +78,11 @@ NSString* PBMenuItem::title() {
     return NSMenuItem::title();
 }
 
+// The first title is that of the creator.
 void PBMenuItem::setTitle(NSString* newTitle) {
     if (!newTitle) return;
-    if (title()->length() == 0 && newTitle->length() > 0) setTrueTitle(newTitle);
+    if (title()->length() == 0 && (newTitle->length() > 0 || !trueTitles().contains(this)))
+        setTrueTitle(newTitle);
     id shortcut = nullptr;
     if (plainTitleScopes == 0 && _getMultikeyShortcut_andOriginalTitle(this, &shortcut, nullptr))
         _setMultikeyShortcut_withTitle(this, shortcut, newTitle);

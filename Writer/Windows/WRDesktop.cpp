@@ -9,6 +9,8 @@
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNib.h"
 #include "Foundation/NSNotificationCenter.h"
+#include "Foundation/NSObject-DelayedPerforming.h"
+#include "Foundation/NSUserDefaults.h"
 #include "Interface/NSAlert.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSEvent.h"
@@ -37,10 +39,11 @@
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRFindPanel.h"
 #include "Writer/Windows/WRFontPalette.h"
-#include "Writer/Windows/WROpenChoices.h"
 #include "Writer/Windows/WRFormatCommands.h"
+#include "Writer/Windows/WROpenChoices.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRPalette.h"
+#include "Writer/Windows/WRPreferencesPanel.h"
 #include "Writer/Windows/WRProfilesPanel.h"
 #include "Writer/Windows/WRRecentDocuments.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
@@ -124,6 +127,8 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
     methods.instance<"orderFrontProfiles:", &WRDesktop::orderFrontProfiles>();
     methods.instance<"orderFrontShortcuts:", &WRDesktop::orderFrontShortcuts>();
     methods.instance<"orderFrontCharacters:", &WRDesktop::orderFrontCharacters>();
+    methods.instance<"orderFrontPreferences:", &WRDesktop::orderFrontPreferences>();
+    methods.instance<"defaultsDidChange:", &WRDesktop::defaultsDidChange>();
     methods.instance<"orderFrontFindPanel:", &WRDesktop::orderFrontFindPanel>();
     methods.instance<"findNext:", &WRDesktop::findNext>();
     methods.instance<"findPrevious:", &WRDesktop::findPrevious>();
@@ -144,6 +149,8 @@ Retained<WRDesktop> WRDesktop::init(Class* cls) {
     self->_wishes.set(NSDictionary::dictionary());
     self->_recent = WRRecentDocuments::init();
     self->_store = std::make_unique<RecoveryStore>(RecoveryStore::ofUser());
+    NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
+        self, "defaultsDidChange:"_sel, NSUserDefaultsDidChangeNotification, nullptr);
     return self;
 }
 
@@ -191,11 +198,11 @@ void WRDesktop::run() {
     application->setTerminatesProcess(false);
     application->run();
     application->setDelegate(nullptr);
+    NSUserDefaults::standardUserDefaults()->synchronize();
 }
 
 void WRDesktop::applicationDidLoseDisplay(NSNotification*) {
     for (const auto& window : documentWindows()) window->file()->leave();
-    NSApplication::sharedApplication()->stop(this);
 }
 
 void WRDesktop::windowDidClose(WRDocumentWindow* window) { _windows->removeObjectIdenticalTo(window); }
@@ -369,6 +376,22 @@ void WRDesktop::orderFrontShortcuts(id) {
 void WRDesktop::orderFrontCharacters(id) {
     if (!_charactersPanel) _charactersPanel = WRCharactersPanel::init();
     showPalette(_charactersPanel->window());
+}
+
+void WRDesktop::orderFrontPreferences(id) {
+    if (!_preferencesPanel) _preferencesPanel = WRPreferencesPanel::init();
+    showPalette(_preferencesPanel->window());
+}
+
+// MARK: Settings
+
+// Changes that come together are written together.
+void WRDesktop::defaultsDidChange(NSNotification*) {
+    constexpr double kDelay = 1;
+    NSUserDefaults* defaults = NSUserDefaults::standardUserDefaults();
+    NSObject_DelayedPerforming::cancelPreviousPerformRequestsWithTarget_selector_object(
+        defaults, "synchronize"_sel, nullptr);
+    performSelector_withObject_afterDelay(defaults, "synchronize"_sel, nullptr, kDelay);
 }
 
 // MARK: Finding text

@@ -19,6 +19,7 @@ class WRDocument;
 class WRDocumentWindow;
 class WRFindPanel;
 class WRFontPalette;
+class WRPreferencesPanel;
 class WRProfilesPanel;
 class WRRecentDocuments;
 class RecoveryStore;
@@ -76,6 +77,8 @@ class WRDesktop : public NSObject {
     /// Observes the registry: the menu of services follows what plug-ins offer.
     void profilesDidChange(NSNotification* notification);
     void windowDidClose(WRDocumentWindow* window);
+    /// Settings that have changed are in their file a second later.
+    void defaultsDidChange(NSNotification* notification);
     void orderFrontAbout(id sender);
     void orderFrontProfiles(id sender);
     void orderFrontFontPalette(id sender);
@@ -83,6 +86,7 @@ class WRDesktop : public NSObject {
     bool validateOrderFrontColorPanel(id item);
     void orderFrontShortcuts(id sender);
     void orderFrontCharacters(id sender);
+    void orderFrontPreferences(id sender);
 
     // These go to the panel for finding text.
 
@@ -98,7 +102,7 @@ class WRDesktop : public NSObject {
     /// Asks what becomes of unsaved changes, window by window. Returns an NSApplicationTerminateReply.
     int applicationShouldTerminate(id application);
     void applicationWillTerminate(NSNotification* notification);
-    /// Nobody sees the windows any more: keeps unsaved changes for the next start, and ends `run`.
+    /// Nobody sees the windows any more: keeps unsaved changes for the next start.
     void applicationDidLoseDisplay(NSNotification* notification);
     bool applicationShouldTerminateAfterLastWindowClosed(id application) { return application != nullptr; }
 
@@ -125,6 +129,7 @@ class WRDesktop : public NSObject {
     Retained<WRProfilesPanel> _profilesPanel;
     Retained<WRFontPalette> _fontPalette;
     Retained<WRColorPanel> _colorPanel;
+    Retained<WRPreferencesPanel> _preferencesPanel;
     Retained<WRShortcutsPanel> _shortcutsPanel;
     Retained<WRCharactersPanel> _charactersPanel;
     Retained<WRFindPanel> _findPanel;

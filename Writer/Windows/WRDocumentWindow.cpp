@@ -55,10 +55,7 @@ constexpr float kStatusHeight = 24;
 constexpr double kZooms[] = {0.1, 0.25, 0.33, 0.5, 0.67, 0.8, 0.9, 1, 1.25, 1.5, 2, 3, 4, 6, 8};
 constexpr NSSize kRoomAround{24, 40};  // between a new window and the edges of the screen
 
-bool showsRulers() {
-    auto* defaults = NSUserDefaults::standardUserDefaults();
-    return !defaults->objectForKey(WRShowsRulerPreference) || defaults->boolForKey(WRShowsRulerPreference);
-}
+bool showsRulers() { return preference(WRShowsRulerPreference); }
 
 // Shows a page whole, beside the scroller that further pages need, if the screen allows.
 NSRect firstFrame(NSSize page) {
@@ -109,6 +106,7 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
     methods.instance<"undoManagerForTextView:", &WRDocumentWindow::undoManagerForTextView>();
     methods.instance<"windowShouldClose:", &WRDocumentWindow::windowShouldClose>();
     methods.instance<"noticeDidResize:", &WRDocumentWindow::noticeDidResize>();
+    methods.instance<"defaultsDidChange:", &WRDocumentWindow::defaultsDidChange>();
     methods.instance<"file", &WRDocumentWindow::file>();
     methods.instance<"hideNotice", &WRDocumentWindow::hideNotice>();
     methods.instance<"notice", &WRDocumentWindow::notice>();
@@ -186,6 +184,8 @@ void WRDocumentWindow::makeWindow() {
                                              _pageView);
     centre->addObserver_selector_name_object(
         this, "textDidChange:"_sel, NSTextStorageDidProcessEditingNotification, _pageView->textStorage());
+    centre->addObserver_selector_name_object(this, "defaultsDidChange:"_sel,
+                                             NSUserDefaultsDidChangeNotification, nullptr);
     _undoManager = NSUndoManager::init();
     _pageView->setDelegate(this);
     // What is only shown is not the document's content.
@@ -319,9 +319,10 @@ void WRDocumentWindow::showRuler(bool shows) {
 }
 
 void WRDocumentWindow::toggleRuler(id) {
-    showRuler(!_ruler);
-    NSUserDefaults::standardUserDefaults()->setBool_forKey(static_cast<bool>(_ruler), WRShowsRulerPreference);
+    NSUserDefaults::standardUserDefaults()->setBool_forKey(!_ruler, WRShowsRulerPreference);
 }
+
+void WRDocumentWindow::defaultsDidChange(NSNotification*) { showRuler(showsRulers()); }
 
 bool WRDocumentWindow::validateToggleRuler(id item) {
     if (auto* shown = cast<NSMenuItem>(item)) shown->setState(static_cast<bool>(_ruler));

@@ -96,6 +96,7 @@ class WRDocumentWindow : public NSResponder {
     NSUndoManager* undoManagerForTextView(id textView);
     bool windowShouldClose(id sender);
     void noticeDidResize(NSNotification* notification);
+    void defaultsDidChange(NSNotification* notification);
     void windowWillClose(NSNotification* notification);
     void placeDidChange(NSNotification* notification);
 

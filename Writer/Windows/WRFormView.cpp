@@ -64,10 +64,12 @@ NSPopUpButton* WRFormView::addPopUp(NSString* label, NSArray* titles, SEL action
     return popUp;
 }
 
-NSButton* WRFormView::addCheckBox(NSString* title) {
+NSButton* WRFormView::addCheckBox(NSString* title, SEL action) {
     auto* box = add(nullptr, cast<NSButton>(NSButton::initWithFrame(NSZeroRect)));
     box->setButtonType(NSSwitchButton);
     box->setTitle(title);
+    box->setTarget(_target);
+    box->setAction(action);
     box->sizeToFit();
     return box;
 }

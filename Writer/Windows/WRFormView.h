@@ -34,11 +34,12 @@ class WRFormView : public NSView, NSView::HiddenCreators {
     // What is returned is borrowed; the view keeps it.
 
     NSTextField* addField(NSString* label);
-    /// The action may be null.
+    // Actions of pop-up buttons and boxes may be null.
+
     NSPopUpButton* addPopUp(NSString* label, NSArray* titles, SEL action);
-    NSButton* addCheckBox(NSString* title);
     /// A view of the caller's own, which is made as wide as the fields.
     void addView(NSString* label, Retained<NSView> view);
+    NSButton* addCheckBox(NSString* title, SEL action = {});
     /// A line over the whole width for what happened, at first empty.
     NSTextField* addMessage();
     /// From the right to the left.

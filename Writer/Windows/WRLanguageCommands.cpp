@@ -6,7 +6,6 @@
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSUndoManager.h"
-#include "Foundation/NSUserDefaults.h"
 #include "Interface/NSMenu.h"
 #include "Menus/NSMenuItem-PelvorAdditions.h"
 #include "NSInputManager-PelvorAdditions.h"
@@ -119,7 +118,7 @@ bool WRLanguageCommands::validateTakeLanguageFrom(id sender) {
 
 // The user may switch the keyboard, too: only another language at the caret counts.
 void WRLanguageCommands::selectionDidChange(NSNotification*) {
-    if (!NSUserDefaults::standardUserDefaults()->boolForKey(WRKeyboardFollowsLanguagePreference)) return;
+    if (!preference(WRKeyboardFollowsLanguagePreference)) return;
     NSString* language = languageOfAttributes(_view->typingAttributes());
     const bool isOther = !isSameLanguage(language, _caretLanguage);
     _caretLanguage.set(language);

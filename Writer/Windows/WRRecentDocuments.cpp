@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WRRecentDocuments.h"
 
+#include <algorithm>
+
 #include "Foundation/NSFileManager.h"
 #include "Foundation/NSMutableArray.h"
+#include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Interface/NSMenu.h"
 #include "Writer/LocalizedText.h"
@@ -12,7 +15,12 @@
 namespace pelvor {
 namespace {
 
-constexpr NSUInteger kMostPaths = 10;
+constexpr NSInteger kMostPaths = 50;
+
+NSUInteger wantedCount() {
+    return static_cast<NSUInteger>(
+        std::clamp<NSInteger>(preference(WRRecentDocumentCountPreference), 0, kMostPaths));
+}
 
 NSArray* storedPaths() {
     NSArray* paths = NSUserDefaults::standardUserDefaults()->stringArrayForKey(WRRecentDocumentsPreference);
@@ -20,9 +28,7 @@ NSArray* storedPaths() {
 }
 
 void store(NSArray* paths) {
-    auto* defaults = NSUserDefaults::standardUserDefaults();
-    defaults->setObject_forKey(paths, WRRecentDocumentsPreference);
-    defaults->synchronize();
+    NSUserDefaults::standardUserDefaults()->setObject_forKey(paths, WRRecentDocumentsPreference);
 }
 
 // Another file of the list has the same name.
@@ -41,17 +47,30 @@ PELVOR_DEFINE_CLASS(WRRecentDocuments, windowsLibrary) {
     methods.instance<"addPath:", &WRRecentDocuments::addPath>();
     methods.instance<"paths", &WRRecentDocuments::paths>();
     methods.instance<"removeAllPaths", &WRRecentDocuments::removeAllPaths>();
+    methods.instance<"defaultsDidChange:", &WRRecentDocuments::defaultsDidChange>();
     methods.instance<"menuNeedsUpdate:", &WRRecentDocuments::menuNeedsUpdate>();
 }
 
-Retained<WRRecentDocuments> WRRecentDocuments::init(Class* cls) { return make<WRRecentDocuments>(cls); }
+Retained<WRRecentDocuments> WRRecentDocuments::init(Class* cls) {
+    auto self = make<WRRecentDocuments>(cls);
+    NSNotificationCenter::defaultCenter()->addObserver_selector_name_object(
+        self, "defaultsDidChange:"_sel, NSUserDefaultsDidChangeNotification, nullptr);
+    return self;
+}
+
+WRRecentDocuments::~WRRecentDocuments() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
 
 void WRRecentDocuments::addPath(NSString* path) {
     auto* paths = NSMutableArray::arrayWithArray(storedPaths());
     paths->removeObject(path);
     paths->insertObject_atIndex(path, 0);
-    while (paths->count() > kMostPaths) paths->removeLastObject();
+    while (paths->count() > wantedCount()) paths->removeLastObject();
     store(paths);
+}
+
+void WRRecentDocuments::defaultsDidChange(NSNotification*) {
+    NSArray* paths = storedPaths();
+    if (paths->count() > wantedCount()) store(paths->subarrayWithRange({0, wantedCount()}));
 }
 
 NSArray* WRRecentDocuments::paths() {

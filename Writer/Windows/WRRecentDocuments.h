@@ -7,6 +7,7 @@
 namespace pelvor {
 
 class NSMenu;
+class NSNotification;
 
 /// The files that were opened or saved last, the latest first, kept in the user defaults
 /// (Preferences.h). It is the delegate of a menu, whose items send "openRecentDocument:" to whoever takes it;
@@ -23,12 +24,14 @@ class WRRecentDocuments : public NSObject {
     /// Those that are there. Borrowed.
     NSArray* paths();
     void removeAllPaths();
+    /// Forgets the paths that are more than the user wants to have kept.
+    void defaultsDidChange(NSNotification* notification);
     /// The message of a menu to its delegate.
     void menuNeedsUpdate(NSMenu* menu);
 
   protected:
     WRRecentDocuments() = default;
-    ~WRRecentDocuments() = default;
+    ~WRRecentDocuments();
 };
 
 }  // namespace pelvor

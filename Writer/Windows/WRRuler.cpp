@@ -107,6 +107,7 @@ void drawTab(NSTextTabType type, bool isMirrored, float x, float bottom) {
 PELVOR_DEFINE_CLASS(WRRuler, windowsLibrary) {
     methods.instance<"placeDidChange:", &WRRuler::placeDidChange>();
     methods.instance<"takeUnitFrom:", &WRRuler::takeUnitFrom>();
+    methods.instance<"defaultsDidChange:", &WRRuler::defaultsDidChange>();
     methods.instance<"isFlipped", &WRRuler::isFlipped>();
     methods.instance<"isOpaque", &WRRuler::isOpaque>();
     methods.instance<"acceptsFirstMouse:", &WRRuler::acceptsFirstMouse>();
@@ -136,6 +137,8 @@ Retained<WRRuler> WRRuler::create(WRFormatCommands* commands, NSRect frame) {
     for (NSString* name : {NSViewBoundsDidChangeNotification, NSViewFrameDidChangeNotification})
         centre->addObserver_selector_name_object(self, "placeDidChange:"_sel, name,
                                                  pages->superview()->superview());
+    centre->addObserver_selector_name_object(self, "defaultsDidChange:"_sel,
+                                             NSUserDefaultsDidChangeNotification, nullptr);
     return self;
 }
 
@@ -194,9 +197,13 @@ std::optional<WRRuler::Mark> WRRuler::markAt(NSPoint point) {
 
 // MARK: Units
 
-void WRRuler::chooseUnit() {
+NSString* WRRuler::wantedUnit() {
     NSString* wanted = NSUserDefaults::standardUserDefaults()->stringForKey(WRRulerUnitPreference);
-    if (!wanted) wanted = measuresInInches() ? u"in"_ns : kCentimetre.name;
+    return wanted ? wanted : measuresInInches() ? u"in"_ns : kCentimetre.name;
+}
+
+void WRRuler::chooseUnit() {
+    NSString* wanted = wantedUnit();
     const std::vector<Unit> units = allUnits();
     const auto found = std::find_if(units.begin(), units.end(),
                                     [&](const Unit& unit) { return unit.name->isEqualToString(wanted); });
@@ -211,19 +218,27 @@ void WRRuler::takeUnitFrom(id sender) {
     auto* name = item ? cast<NSString>(item->representedObject()) : nullptr;
     if (!name) return;
     NSUserDefaults::standardUserDefaults()->setObject_forKey(name, WRRulerUnitPreference);
-    chooseUnit();
+}
+
+void WRRuler::defaultsDidChange(id) {
+    if (!wantedUnit()->isEqual(_unitName)) chooseUnit();
+}
+
+void WRRuler::addUnitsToMenu(NSMenu* menu) {
+    for (id object : profilesInOrder(PBRegistry::sharedRegistry()->profilesOfType(PBProfileUnitType))) {
+        auto* profile = static_cast<PBProfile*>(object);
+        menu->addItemWithTitle_action_keyEquivalent(nameOfProfile(profile), SEL(), u""_ns)
+            ->setRepresentedObject(profile->valueForKey(u"abbreviation"_ns));
+    }
 }
 
 NSMenu* WRRuler::menuForEvent(NSEvent*) {
     auto menu = NSMenu::initWithTitle(u""_ns);
-    for (id object : profilesInOrder(PBRegistry::sharedRegistry()->profilesOfType(PBProfileUnitType))) {
-        auto* profile = static_cast<PBProfile*>(object);
-        NSMenuItem* item =
-            menu->addItemWithTitle_action_keyEquivalent(nameOfProfile(profile), "takeUnitFrom:"_sel, u""_ns);
-        id name = profile->valueForKey(u"abbreviation"_ns);
+    addUnitsToMenu(menu);
+    for (const auto& item : menu->items()) {
+        item->setAction("takeUnitFrom:"_sel);
         item->setTarget(this);
-        item->setRepresentedObject(name);
-        item->setState(_unitName->isEqual(name));
+        item->setState(_unitName->isEqual(item->representedObject()));
     }
     return std::move(menu).autorelease();
 }

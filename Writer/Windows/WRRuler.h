@@ -30,13 +30,18 @@ class WRRuler : public NSView, NSView::HiddenCreators {
 
     /// Where the place stands on the ruler, in points of the text from the leading edge of the lines.
     float xOfPlace(float place);
-    /// The abbreviation of the unit.
+    /// The abbreviation of the unit, which the user defaults have.
     NSString* unit() { return _unitName; }
+    /// Adds an item for each unit, whose represented object is the unit's abbreviation.
+    static void addUnitsToMenu(NSMenu* menu);
+    /// The abbreviation of the unit that the user wants.
+    static NSString* wantedUnit();
 
     /// The selection, the formats, or what is seen of the pages may have changed.
     void placeDidChange(id notification);
     /// The represented object of the sender is the abbreviation of a unit.
     void takeUnitFrom(id sender);
+    void defaultsDidChange(id notification);
 
     bool isFlipped() override { return true; }
     bool isOpaque() override { return true; }

@@ -32,10 +32,7 @@ constexpr std::int32_t kTicksUntilNotice = 30;  // half a second
 
 NSSpellChecker* checker() { return NSSpellChecker_PelvorAdditions::pelvorSpellChecker(); }
 
-bool areMarksWanted() {
-    id wanted = NSUserDefaults::standardUserDefaults()->objectForKey(WRMarksMisspellingsPreference);
-    return !wanted || NSUserDefaults::standardUserDefaults()->boolForKey(WRMarksMisspellingsPreference);
-}
+bool areMarksWanted() { return preference(WRMarksMisspellingsPreference); }
 
 NSMenuItem* addItem(NSMenu* menu, NSString* key, SEL action) {
     return menu->addItemWithTitle_action_keyEquivalent(localized(key), action, u""_ns);

@@ -25,6 +25,7 @@
 #include "Writer/Windows/WRPageSetupPanel.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRPalette.h"
+#include "Writer/Windows/WRPreferencesPanel.h"
 #include "Writer/Windows/WRPrintPanel.h"
 #include "Writer/Windows/WRProfilesPanel.h"
 #include "Writer/Windows/WRRecentDocuments.h"
@@ -69,6 +70,7 @@ constexpr Class* kClasses[] = {
     &WROpenChoices::classRecord,
     &WRPageSetupPanel::classRecord,
     &WRPageView::classRecord,
+    &WRPreferencesPanel::classRecord,
     &WRPrintPanel::classRecord,
     &WRPalette::classRecord, &WRProfilesPanel::classRecord,
     &WRRecentDocuments::classRecord,

@@ -219,6 +219,8 @@ class InterfaceBackend {
     virtual std::string name() const = 0;
     /// Whether somebody can see windows.
     virtual bool hasDisplay() const = 0;
+    /// Whether somebody can press keys: a user at a display, or a program that plays one.
+    virtual bool hasUser() const { return hasDisplay(); }
 
     // The loop: wait until the descriptor is readable, but not if `prepare` returns true; then call
     // `dispatch`.

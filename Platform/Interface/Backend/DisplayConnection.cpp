@@ -82,10 +82,7 @@ void DisplayConnection::connect(const Opener& opener) {
 DisplayConnection* DisplayConnection::existing() { return sharedConnection().get(); }
 
 DisplayConnection& DisplayConnection::shared() {
-    if (!sharedConnection()) {
-        open(&openBackend);
-        sharedConnection()->_isPlayed = false;
-    }
+    if (!sharedConnection()) open(&openBackend);
     return *sharedConnection();
 }
 
@@ -331,7 +328,6 @@ bool DisplayConnection::drag(BackendWindow number, const BackendDrag& drag) {
 }
 
 void DisplayConnection::lost(const std::string& reason) {
-    _isPlayed = false;
     if (_descriptor >= 0)
         NSRunLoop::mainRunLoop()->removeDescriptor_forMode(std::exchange(_descriptor, -1),
                                                            NSRunLoopCommonModes);
@@ -341,6 +337,7 @@ void DisplayConnection::lost(const std::string& reason) {
         if (window->state().mouseTargets[0].object())
             application().post(
                 EventMaker::simple(NSLeftMouseUp, window->windowNumber(), {}, 0, steadyTime()).get());
+    trackingLost();
     postSystem(SystemEvent::displayLost, nullptr);
 }
 

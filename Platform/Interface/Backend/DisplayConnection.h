@@ -41,9 +41,6 @@ class PELVOR_EXPORT DisplayConnection final : public BackendSink {
     ~DisplayConnection();
 
     InterfaceBackend& backend() { return *_backend; }
-    /// Whether somebody can press keys: a user at a display, or whoever opened the connection, until it is
-    /// lost.
-    bool hasUser() const { return _isPlayed || _backend->hasDisplay(); }
 
     // Points and pixels
 
@@ -115,7 +112,7 @@ class PELVOR_EXPORT DisplayConnection final : public BackendSink {
     Retained<Object> _watcher;
     Retained<Object> _timeout;
     std::unique_ptr<InterfaceBackend> _backend;
-    bool _needsTurn = false, _isPlayed = true;
+    bool _needsTurn = false;
     int _descriptor = -1;
 };
 

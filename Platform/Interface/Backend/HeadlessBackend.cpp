@@ -136,6 +136,11 @@ void HeadlessBackend::key(BackendKey key) {
     if (find(receiver)) _sink.key(receiver, key);
 }
 
+void HeadlessBackend::lose(const std::string& reason) {
+    _isPlayed = false;
+    _sink.lost(reason);
+}
+
 void HeadlessBackend::clickCloseButton(BackendWindow window) {
     if (find(window)) _sink.close(window);
 }

@@ -19,6 +19,8 @@ class PELVOR_EXPORT HeadlessBackend final : public InterfaceBackend {
 
     // The user
 
+    /// Tells that the program plays the user until the display is lost; at first, nobody does.
+    void setPlayed() { _isPlayed = true; }
     /// Moves the pointer to the place on the screen, with the buttons that are down.
     void movePointer(PixelPoint place);
     void pressButton(int button);
@@ -43,7 +45,7 @@ class PELVOR_EXPORT HeadlessBackend final : public InterfaceBackend {
     /// Drags what another program offers into a window, with the pointer where it is.
     bool dragTo(PixelPoint place);
     bool drop();
-    void lose(const std::string& reason) { _sink.lost(reason); }
+    void lose(const std::string& reason);
     /// Takes keys before they are text or commands, as an input method does; false leaves the key.
     std::function<bool(BackendWindow, const BackendKey&)> inputMethod;
     /// While true, pictures are still being sent.
@@ -70,6 +72,7 @@ class PELVOR_EXPORT HeadlessBackend final : public InterfaceBackend {
 
     std::string name() const override { return "none"; }
     bool hasDisplay() const override { return false; }
+    bool hasUser() const override { return _isPlayed; }
     int descriptor() const override { return -1; }
     bool prepare() override { return false; }
     void dispatch() override {}
@@ -142,6 +145,7 @@ class PELVOR_EXPORT HeadlessBackend final : public InterfaceBackend {
     PixelRect _caret;
     bool _hasCaret = false;
     bool _isBusy = false;
+    bool _isPlayed = false;
     int _beeps = 0;
     std::vector<BackendWindow> _askedWhileBusy;
     BackendWindow _dragTarget = 0;

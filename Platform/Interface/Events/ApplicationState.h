@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Interface/Backend/DisplayConnection.h"
+#include "Interface/Menus/MenuKeys.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSCursor.h"
 #include "Interface/NSEvent.h"
@@ -38,6 +39,7 @@ struct PELVOR_EXPORT ApplicationState {
     WeakHandle pointerWindow;
     WeakHandle delegate;
     Retained<NSMenu> mainMenu;
+    MenuKeys menuKeys;
     std::vector<Retained<NSCursor>> cursors;  // pushed; the last one is current
     double focusLost = 0;                     // when no window had the focus any more; 0 while one has
     NSInteger lastWindowNumber = 0;
@@ -68,6 +70,7 @@ struct PELVOR_EXPORT ApplicationState {
     bool runIsOver();
     bool modalRunIsOver();
     bool performKeyEquivalent(NSEvent* event);
+    bool openMenuByKey(NSEvent* event);
     /// Hands the event on; exceptions are reported.
     void handle(NSEvent* event);
     void handleSystem(NSEvent* event);
@@ -87,6 +90,8 @@ struct PELVOR_EXPORT ApplicationState {
     void pickKeyWindow();
     bool allowsEvents(NSWindow* window);
     NSWindow* modalWindow();
+    /// Whether somebody can answer what runs modally.
+    bool canAsk();
     void showCursor();
     NSInteger runSession(ModalSession& session);
     void finishTermination();

@@ -25,6 +25,23 @@ NSDictionary* plainAttributes(ThemeColor color) {
                              {NSForegroundColorAttributeName, themeColor(color)}});
 }
 
+NSFont* fitted(NSFont* font) {
+    NSFont* menuFont = NSFont::menuFontOfSize(0);
+    if (!font) return menuFont;
+    if (!font->familyName()->isEqualToString(menuFont->familyName())) return font;
+    NSFont* found = NSFont::fontWithName_size(font->fontName(), menuFont->pointSize());
+    return found ? found : menuFont;
+}
+
+Retained<NSAttributedString> inMenuFont(NSAttributedString* text) {
+    auto changed = text->mutableCopy();
+    for (AttributeRun run : text->runs())
+        changed->addAttribute_value_range(
+            NSFontAttributeName, fitted(cast<NSFont>(run.attributes->objectForKey(NSFontAttributeName))),
+            run.range);
+    return changed->copy();
+}
+
 NSSize roundedUp(NSSize size) { return {std::ceil(size.width), std::ceil(size.height)}; }
 
 }  // namespace
@@ -40,7 +57,7 @@ MenuText::MenuText(NSString* text)
       _size(roundedUp(sizeWithAttributes(text, plainAttributes(ThemeColor::text)))) {}
 
 MenuText::MenuText(NSAttributedString* text)
-    : _attributed(Retained<NSAttributedString>::retaining(text)), _size(roundedUp(pelvor::size(text))) {}
+    : _attributed(inMenuFont(text)), _size(roundedUp(pelvor::size(_attributed))) {}
 
 void MenuText::draw(NSPoint point, ThemeColor color, bool overrides) const {
     if (_plain) drawAtPoint_withAttributes(_plain, point, plainAttributes(color));
@@ -54,13 +71,15 @@ void MenuText::draw(NSPoint point, ThemeColor color, bool overrides) const {
 
 // MARK: Rows
 
-std::shared_ptr<const MenuLayout> MenuLayout::of(NSMenu* menu) {
-    if (const auto& kept = menu->layout()) return kept;
+std::shared_ptr<const MenuLayout> MenuLayout::of(NSMenu* menu, std::size_t firstItem) {
+    if (const auto& kept = menu->layout(); kept && firstItem == 0) return kept;
     auto layout = std::make_shared<MenuLayout>();
     float titleWidth = 0, keysWidth = 0, imageWidth = 0;
     bool hasSubmenus = false;
-    layout->_rows.reserve(menu->items().size());
-    for (const auto& item : menu->items()) {
+    const auto& items = menu->items();
+    layout->_rows.reserve(items.size());
+    for (std::size_t i = firstItem; i < items.size(); ++i) {
+        NSMenuItem* item = items[i];
         if (item->isHidden()) continue;
         layout->add(item);
         const Row& row = layout->_rows.back();
@@ -75,7 +94,7 @@ std::shared_ptr<const MenuLayout> MenuLayout::of(NSMenu* menu) {
     const float behind = std::max(keysWidth > 0 ? keysWidth + kLeastKeyGap : 0,
                                   hasSubmenus ? kArrowWidth + metrics::kImageGap : 0);
     layout->_size.width = std::max(kLeastWidth, layout->_titleX + titleWidth + behind + kEndInset);
-    menu->setLayout(layout);
+    if (firstItem == 0) menu->setLayout(layout);
     return layout;
 }
 

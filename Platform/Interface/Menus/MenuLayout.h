@@ -16,7 +16,9 @@ class NSMenu;
 class NSString;
 enum class ThemeColor;
 
-/// A plain text in the menu's font, or an attributed text, with the room that it takes.
+/// A plain text in the menu's font, or an attributed text, with the room that it takes. In an attributed
+/// text, what has no font gets the menu's, and what is in the family of the menu's font gets its size, so
+/// that the lines of a menu are alike.
 class MenuText {
   public:
     MenuText() = default;
@@ -48,8 +50,8 @@ class MenuLayout {
     };
     static constexpr int kNoRow = -1;
 
-    /// The menu keeps the layout until one of its items changes.
-    static std::shared_ptr<const MenuLayout> of(NSMenu* menu);
+    /// Of the items from that index on. The menu keeps the layout of all its items until one of them changes.
+    static std::shared_ptr<const MenuLayout> of(NSMenu* menu, std::size_t firstItem = 0);
 
     const std::vector<Row>& rows() const { return _rows; }
     NSSize size() const { return _size; }

@@ -13,9 +13,10 @@ namespace pelvor {
 
 PELVOR_DEFINE_CLASS(MenuListView, interfaceLibrary) {}
 
-Retained<MenuListView> MenuListView::forMenu(NSMenu* menu, Class* cls) {
+Retained<MenuListView> MenuListView::forMenu(NSMenu* menu, std::size_t firstItem, Class* cls) {
     auto view = cast<MenuListView>(NSView::initWithFrame(NSZeroRect, cls));
     view->_menu.set(menu);
+    view->_firstItem = firstItem;
     view->_isMirrored = menusRunFromRightToLeft();
     menu->addObserver(view.get());
     view->refresh();
@@ -33,7 +34,7 @@ void MenuListView::menuDidChange(NSMenu*) {
 
 void MenuListView::refresh() {
     _isStale = false;
-    _layout = MenuLayout::of(_menu);
+    _layout = MenuLayout::of(_menu, _firstItem);
     scrollBy(0);
     setNeedsDisplay(true);
 }

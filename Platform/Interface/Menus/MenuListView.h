@@ -15,7 +15,8 @@ class MenuListView final : public NSView, NSView::HiddenCreators, private MenuOb
     PELVOR_CREATORS(forMenu);
 
   public:
-    static Retained<MenuListView> forMenu(NSMenu* menu, Class* cls = classObject());
+    /// Shows the items from that index on.
+    static Retained<MenuListView> forMenu(NSMenu* menu, std::size_t firstItem, Class* cls = classObject());
 
     // C++ only
 
@@ -60,6 +61,7 @@ class MenuListView final : public NSView, NSView::HiddenCreators, private MenuOb
     static constexpr float kArrowHeight = 16;
 
     Retained<NSMenu> _menu;
+    std::size_t _firstItem = 0;
     std::shared_ptr<const MenuLayout> _layout;
     float _offset = 0;  // how far the lines are scrolled up
     bool _isStale = false;

@@ -98,13 +98,15 @@ Retained<NSMenuItem> MenuTracker::track(NSMenu* menu, const MenuOpening& opening
     return run(menu, opening);
 }
 
-Retained<NSMenuItem> MenuTracker::trackTitle(int title, bool isButtonDown, bool isByKeyboard) {
+Retained<NSMenuItem> MenuTracker::trackTitle(int title, bool isButtonDown, bool isByKeyboard,
+                                             NSMenuItem* entered) {
     if (runningTracker || !_titles->menuOfTitle(title)) return nullptr;
     _openTitle = title;
     _titles->showOpenTitle(title);
-    MenuOpening opening{_titles->rectOfTitle(title)};
+    MenuOpening opening = _titles->openingOfTitle(title);
     opening.isButtonDown = isButtonDown;
     opening.isByKeyboard = isByKeyboard;
+    opening.enteredItem = entered;
     auto chosen = run(_titles->menuOfTitle(title), opening);
     if (_titles) _titles->showOpenTitle(MenuTitles::kNoTitle);
     return chosen;
@@ -154,6 +156,7 @@ void MenuTracker::loop() {
 }
 
 void MenuTracker::handle(NSEvent* event) {
+    if (application()->state().menuKeys.isAltAlone(event)) _isOver = true;
     switch (event->type()) {
         case NSMouseMoved:
         case NSLeftMouseDragged:
@@ -230,7 +233,7 @@ void MenuTracker::open(NSMenu* menu, const MenuOpening& opening, NSMenuItem* ope
     guarded([&] { menu->update(); });
     guarded([&] { menu->tellDelegate("menuWillOpen:"_sel); });
     if (_isOver) return;
-    level.view = MenuListView::forMenu(menu);
+    level.view = MenuListView::forMenu(menu, opening.firstItem);
     level.window = NSWindow::initWithContentRect_styleMask_backing_defer(
         {{0, 0}, level.view->wantedSize()}, NSBorderlessWindowMask, NSBackingStoreBuffered, true);
     level.window->setLevel(NSPopUpMenuWindowLevel);
@@ -243,6 +246,10 @@ void MenuTracker::open(NSMenu* menu, const MenuOpening& opening, NSMenuItem* ope
     const std::size_t index = _levels.size() - 1;
     if (opening.isByKeyboard) step(index, MenuLayout::kNoRow, 1);
     if (opening.itemOverAnchor) highlight(index, _levels[index].view->layout().rowOf(opening.itemOverAnchor));
+    if (const int row = _levels[index].view->layout().rowOf(opening.enteredItem); row != MenuLayout::kNoRow) {
+        highlight(index, row);
+        openSubmenu(index, true);
+    }
 }
 
 void MenuTracker::place(Level& level) {
@@ -288,14 +295,15 @@ void MenuTracker::refreshStale() {
     }
 }
 
-void MenuTracker::openTitle(int title, bool isByKeyboard) {
+void MenuTracker::openTitle(int title, bool isByKeyboard, NSMenuItem* entered) {
     NSMenu* menu = _titles->menuOfTitle(title);
     _restAt = kNever;
     closeFrom(0);
     _openTitle = title;
     _titles->showOpenTitle(title);
-    MenuOpening opening{_titles->rectOfTitle(title)};
+    MenuOpening opening = _titles->openingOfTitle(title);
     opening.isByKeyboard = isByKeyboard;
+    opening.enteredItem = entered;
     if (menu && !_isOver) open(menu, opening, nullptr);
 }
 
@@ -450,7 +458,9 @@ void MenuTracker::keyPressed(NSEvent* event) {
     if (event->modifierFlags() & kCommands) {
         NSMenu* menu = _levels[0].menu;
         while (NSMenu* super = menu->supermenu()) menu = super;
-        if (const auto item = menu->itemForKeyEvent(event)) finish(item);
+        if (const auto item = menu->itemForKeyEvent(event)) return finish(item);
+        if (NSMenuItem* titled = _titles ? _titles->itemForLetter(event) : nullptr)
+            openTitle(_titles->titleOfItem(titled), true, titled);
         return;
     }
     const double now = steadyTime();

@@ -21,6 +21,8 @@ enum class MenuSide { below, beside, over };
 struct MenuOpening {
     NSRect anchor;  ///< on the screen
     MenuSide side = MenuSide::below;
+    std::size_t firstItem = 0;             ///< of those that are shown
+    NSMenuItem* enteredItem = nullptr;     ///< whose submenu opens as well, if the item is in the menu
     NSMenuItem* itemOverAnchor = nullptr;  ///< for MenuSide::over; else the upper left corner is the anchor's
     float leastWidth = 0;
     bool isButtonDown = false;  ///< the press that opens the menu may go on to the item
@@ -36,8 +38,11 @@ class MenuTitles {
     virtual int titleAt(NSPoint place) = 0;
     /// Null for a title without a menu.
     virtual NSMenu* menuOfTitle(int title) = 0;
-    /// On the screen.
-    virtual NSRect rectOfTitle(int title) = 0;
+    virtual MenuOpening openingOfTitle(int title) = 0;
+    /// The item whose letter is pressed with Alt; null if there is none.
+    virtual NSMenuItem* itemForLetter(NSEvent* event) = 0;
+    /// The title that the item's menu opens from.
+    virtual int titleOfItem(NSMenuItem* item) = 0;
     virtual void showOpenTitle(int title) = 0;
 
   protected:
@@ -57,8 +62,9 @@ class MenuTracker {
     /// Returns the chosen item, whose action the caller sends; null if none was chosen, and at once if
     /// another tracker runs.
     Retained<NSMenuItem> track(NSMenu* menu, const MenuOpening& opening);
-    /// Begins with a title of the bar.
-    Retained<NSMenuItem> trackTitle(int title, bool isButtonDown, bool isByKeyboard);
+    /// Begins with a title of the bar; with an item that the title opens, in the item's submenu.
+    Retained<NSMenuItem> trackTitle(int title, bool isButtonDown, bool isByKeyboard,
+                                    NSMenuItem* entered = nullptr);
 
     /// Closes all menus if the menu, or with null any menu, is being tracked.
     static void cancel(NSMenu* menu = nullptr);
@@ -85,7 +91,7 @@ class MenuTracker {
     void place(Level& level);
     void closeFrom(std::size_t level);
     void refreshStale();
-    void openTitle(int title, bool isByKeyboard);
+    void openTitle(int title, bool isByKeyboard, NSMenuItem* entered = nullptr);
     void openSubmenu(std::size_t level, bool isByKeyboard);
     void settleSubmenus(std::size_t level);
     std::size_t levelAt(NSPoint place);

@@ -4,6 +4,7 @@
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSTimer.h"
 #include "Foundation/NSUserDefaults.h"
+#include "Interface/NSAlert.h"
 #include "Interface/NSButton.h"
 #include "Interface/NSOpenPanel.h"
 #include "Interface/NSTableView.h"
@@ -124,7 +125,9 @@ class FilePanels : public testing::Test {
     // What an alert says that is open.
     std::string message() {
         NSWindow* window = screen.app->modalWindow();
-        return window == panel ? "" : window->title()->toUTF8();
+        auto* button = find<NSButton>(window->contentView(), [](NSButton*) { return true; });
+        auto* alert = window == panel ? nullptr : cast<NSAlert>(button->target());
+        return alert ? alert->messageText()->toUTF8() : "";
     }
     Step expectRows(const char* expected) {
         return [=, this] { EXPECT_EQ(rows(), expected); };

@@ -12,6 +12,7 @@ InterfaceScope::InterfaceScope(float scale) {
     DisplayConnection::open([&](BackendSink& sink) {
         auto made = std::make_unique<HeadlessBackend>(sink);
         backend = made.get();
+        backend->setPlayed();
         if (scale != 1) {
             BackendScreen screen = made->screens()[0];
             screen.scale = scale;

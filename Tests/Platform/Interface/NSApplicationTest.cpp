@@ -196,10 +196,9 @@ TEST_F(NSApplicationTest, AModalWindowKeepsEventsFromTheOthers) {
     screen.app->endModalSession(unseen);
 }
 
-TEST_F(NSApplicationTest, StopsBeneathAModalRunThatIsAboutToEnd) {
+TEST_F(NSApplicationTest, EndsAllRunsWhenTheDisplayIsLost) {
     auto window = screen.window({{100, 100}, {200, 100}});
     auto lost = Listener::to(NSApplicationDidLoseDisplayNotification);
-    lost->reaction = [&] { screen.app->stop(nullptr); };
     soon([&] {
         soon([&] { screen.backend->lose("the cable"); });
         EXPECT_EQ(screen.app->runModalForWindow(window), NSRunAbortedResponse);

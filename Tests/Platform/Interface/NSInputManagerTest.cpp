@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Interface/NSInputManager.h"
 
+#include "Interface/NSTextView.h"
 #include "InterfaceScope.h"
 #include "TestViews.h"
 
@@ -71,6 +72,21 @@ TEST_F(NSInputManagerTest, WhatIsComposedIsMarkedAndThenText) {
     static_cast<BackendSink&>(DisplayConnection::shared()).text(screen.number(window), u"late");
     screen.turn();
     EXPECT_THAT(other->log, ElementsAre("text late"));
+}
+
+TEST_F(NSInputManagerTest, CommandsGoOnBehindTheWindowOrEndWithOneBeep) {
+    auto text = NSTextView::initWithFrame({{0, 0}, {100, 50}}),
+         behind = NSTextView::initWithFrame({{0, 0}, {100, 50}});
+    window->contentView()->addSubview(text);
+    window->makeFirstResponder(text);
+    window->setNextResponder(behind);
+    NSInputManager::setKeyBindings(NSDictionary::of({{u"~q"_ns, u"nobody:"_ns}}));
+    press(u'q', NSAlternateKeyMask);
+    EXPECT_EQ(screen.backend->beeps(), 1);
+    behind->setString(u"abc"_ns);
+    window->doCommandBySelector("selectAll:"_sel);
+    EXPECT_EQ(shown(behind->selectedRange().length, screen.backend->beeps()), "3 1");
+    window->setNextResponder(nullptr);
 }
 
 TEST_F(NSInputManagerTest, ModifierKeysChangeTheFlagsAlone) {

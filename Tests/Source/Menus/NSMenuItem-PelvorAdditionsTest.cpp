@@ -113,6 +113,12 @@ TEST_F(MenuItemAdditions, EveryItemIsAPBMenuItem) {
     EXPECT_EQ(shown(trueTitle(item)), "Seek");
 }
 
+TEST_F(MenuItemAdditions, KeepAnEmptyFirstTitle) {
+    auto empty = NSMenuItem::init();
+    _setMultikeyShortcut_withTitle(empty, keys, u"Find"_ns);
+    EXPECT_EQ(shown(empty->title(), trueTitle(empty)), "Find ");
+}
+
 TEST_F(MenuItemAdditions, ShowTheKeysOfAShortcutBehindTheTitle) {
     setPelvorShortcut(item, keys);
     EXPECT_EQ(shownText(), "Find\tCtrl+K, F");

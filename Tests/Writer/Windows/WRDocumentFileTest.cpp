@@ -29,11 +29,13 @@
 #include "Writer/PlugInProtocol.h"
 #include "Writer/Recovery/RecoveryStore.h"
 #include "Writer/WRDocument.h"
+#include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WROpenChoices.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRRecentDocuments.h"
+#include "Writer/Windows/WRRuler.h"
 #include "Writer/Windows/WindowsLibrary.h"
 #include "WriterPlugIns.h"
 
@@ -502,6 +504,46 @@ TEST_F(DocumentFileTest, OpensFilesThatAreDroppedOnAWindow) {
         EXPECT_TRUE(desktop->windowForPath(NSString::ofUTF8(path))) << name;
         EXPECT_EQ(textOf(window), "one");
     }
+}
+
+// In all windows at once, and in the file a second later.
+TEST_F(DocumentFileTest, KeepsPreferences) {
+    const EnvironmentScope config("XDG_CONFIG_HOME", folder.path("config").c_str());
+    const auto settings = [] { return NSUserDefaults::initWithDomainName(u"writer-test"_ns); };
+    auto defaults = settings();
+    NSUserDefaults::setStandardUserDefaults(defaults);
+    WRDocumentWindow* const windows[] = {open("a.txt", "a"), open("b.txt", "b")};
+    const auto rulers = [&] {
+        std::string answer;
+        for (WRDocumentWindow* window : windows) {
+            bool hasRuler = false;
+            for (id view : window->window()->contentView()->subviews())
+                hasRuler |= cast<WRRuler>(view) != nullptr;
+            answer += hasRuler ? "yes " : "no ";
+        }
+        return answer;
+    };
+    EXPECT_EQ(rulers(), "yes yes ");
+    desktop->orderFrontPreferences(nullptr);
+    NSView* panel = screen.app->keyWindow()->contentView();
+    for (NSString* title : {u"_Show the ruler"_ns, u"_Mark misspelled words"_ns})
+        buttonIn(panel, title)->performClick(nullptr);
+    buttonIn(panel, [](NSButton* button) {
+        auto* counts = cast<NSPopUpButton>(static_cast<id>(button));
+        if (!counts || counts->indexOfItemWithTitle(localized(u"_None"_ns)) < 0) return false;
+        counts->selectItemWithTitle(localized(u"_None"_ns));
+        return counts->sendAction_to(counts->action(), counts->target());
+    });
+    EXPECT_EQ(rulers(), "no no ");
+    EXPECT_EQ(desktop->recentDocuments()->paths()->count(), 0U);
+    screen.wait(1.5);
+    auto kept = settings();
+    for (NSString* key :
+         {WRShowsRulerPreference, WRMarksMisspellingsPreference, WRRecentDocumentCountPreference})
+        EXPECT_EQ(shown(static_cast<bool>(kept->objectForKey(key)), kept->integerForKey(key)), "1 0")
+            << shown(key);
+    defaults->setBool_forKey(true, WRShowsRulerPreference);  // as the menu does it
+    EXPECT_EQ(rulers() + std::to_string(buttonIn(panel, u"_Show the ruler"_ns)->state()), "yes yes 1");
 }
 
 TEST_F(DocumentFileTest, RecoversWhatACrashHasLeft) {

@@ -92,7 +92,10 @@ TEST_F(WriterWindowsTest, ShowsADocumentToReadAndCopy) {
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
 }
 
-TEST_F(WriterWindowsTest, BringsBackWhatWasTypedBeforeItWasKilled) {
+class WriterLossTest : public WriterWindowsTest, public ::testing::WithParamInterface<bool> {};
+INSTANTIATE_TEST_SUITE_P(ItselfOrItsDisplay, WriterLossTest, ::testing::Bool());
+
+TEST_P(WriterLossTest, BringsBackWhatWasTypedBeforeItWasKilled) {
     const TemporaryFolder folder;
     const EnvironmentScope state("XDG_STATE_HOME", folder.path("state").c_str());
     const EnvironmentScope config("XDG_CONFIG_HOME", folder.path("config").c_str());
@@ -108,13 +111,23 @@ TEST_F(WriterWindowsTest, BringsBackWhatWasTypedBeforeItWasKilled) {
         return false;
     };
     {
-        ProgramScope writer({WRITER_PROGRAM, path});
+        ProgramScope writer(
+            {"sh", "-c", "exec \"$0\" \"$1\" 2> \"$2\"", WRITER_PROGRAM, path, folder.path("errors")});
         ASSERT_TRUE(until(isShown));
         ASSERT_TRUE(until([&] {
             server->press(kA);
             return hasJournal();
         }));
-        writer.end(SIGKILL);
+        if (GetParam()) {
+            writer.end(SIGKILL);
+        } else {
+            server->server().end(SIGKILL);
+            int status = 0;
+            EXPECT_TRUE(until([&] { return waitpid(writer.pid(), &status, WNOHANG) == writer.pid(); }));
+            EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << status;
+            EXPECT_THAT(folder.read("errors"), testing::MatchesRegex("[^\n]*The display is lost[^\n]*\n"));
+            server.emplace(XServerScope::Manager::openbox);
+        }
     }
     ProgramScope writer({WRITER_PROGRAM});
     ASSERT_TRUE(
