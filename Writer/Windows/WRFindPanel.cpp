@@ -155,17 +155,20 @@ void WRFindPanel::perform(Command command) {
 
 void WRFindPanel::tell(const FindResult& result) {
     _message->setStringValue(sentenceFor(result));
-    const bool isDone =
-        result.kind == Kind::found || result.kind == Kind::wrapped || result.kind == Kind::replaced;
+    const bool isFound = result.kind == Kind::found || result.kind == Kind::wrapped;
+    const bool isDone = isFound || result.kind == Kind::replaced;
+    WRPageView* view = pageView();
     if (!_panel->isVisible()) {
         if (!isDone) show();
-    } else if (WRPageView* view = pageView(); isDone && view) {
-        // What was found is not to be behind the panel.
-        NSRect place = view->convertRect_toView(view->rectForCharacterRange(view->selectedRange()), nullptr);
-        place.origin = view->window()->convertBaseToScreen(place.origin);
-        uncover(place, _panel);
-        if (result.kind != Kind::replaced) showPlaces(view);
+        if (result.kind == Kind::wrapped) NSBeep();  // nobody sees the message
+        return;
     }
+    showPlaces(isFound ? view : nullptr);
+    if (!isDone || !view) return;
+    // What was found is not to be behind the panel.
+    NSRect place = view->convertRect_toView(view->rectForCharacterRange(view->selectedRange()), nullptr);
+    place.origin = view->window()->convertBaseToScreen(place.origin);
+    uncover(place, _panel);
 }
 
 // Null shows them nowhere any more.

@@ -157,6 +157,10 @@ TEST_F(DocumentWindowTest, FindsByThePanel) {
     };
     view->setSelectedRange({0, 0});
     EXPECT_EQ(find3(), "10");
+    screen.type(u"nowhere");
+    screen.press(u'\r');
+    EXPECT_FALSE(isMarked(6));
+    EXPECT_EQ(find3(), "10");
     screen.press(NSEscapeCharacter);
     EXPECT_FALSE(isMarked(6));
     view->setSelectedRange({0, 0});
@@ -182,6 +186,7 @@ TEST_F(DocumentWindowTest, FindsByThePanel) {
     panel->useSelectionForFind(nullptr);
     panel->findNext(nullptr);
     EXPECT_EQ(shown(panel->message()), "_1 of 1, from the other end of the text");
+    EXPECT_EQ(screen.backend->beeps(), 1);
     EXPECT_FALSE(panel->window()->isVisible());
     EXPECT_EQ(view->selectedRange(), end);
     view->insertText(u""_ns);
