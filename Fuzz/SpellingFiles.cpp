@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "Foundation/NSArray.h"
@@ -14,39 +12,23 @@
 #include "Require.h"
 #include "Runtime/AutoreleasePool.h"
 #include "SpellChecking/NSSpellChecker.h"
+#include "TemporaryFolder.h"
 
 using namespace pelvor;
 
 namespace {
 
-namespace fs = std::filesystem;
-
 // The folders of this process, which go with the process.
-struct Home {
+struct Home : TemporaryFolder {
     Home() {
-        std::string name = fs::temp_directory_path() / "PelvorXXXXXX";
-        if (!mkdtemp(name.data())) std::abort();
-        path = name;
-        setenv("XDG_DATA_HOME", (path / "data").c_str(), 1);
-        setenv("XDG_DATA_DIRS", (path / "none").c_str(), 1);
-        fs::create_directories(path / "data/hunspell");
-        fs::create_directories(path / "data/pelvor/spelling");
-        fs::create_directories(path / "more");
+        setenv("XDG_DATA_HOME", path("data").c_str(), 1);
+        setenv("XDG_DATA_DIRS", path("none").c_str(), 1);
+        std::filesystem::create_directories(path("data/pelvor/spelling"));
+        std::filesystem::create_directories(path("more"));
         write("data/hunspell/en.dic", "1\nsea\n");
         write("data/hunspell/en.aff", "SET UTF-8\n");
         setLogSink([](const LogEntry&) {});
     }
-    ~Home() { fs::remove_all(path); }
-
-    void write(const char* name, const std::string& text) const {
-        std::ofstream(path / name, std::ios::binary) << text;
-    }
-    std::string read(const char* name) const {
-        std::ifstream file(path / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    fs::path path;
 };
 
 void checkDictionary(const Home& home, const std::string& words, const std::string& affixes) {
@@ -54,7 +36,7 @@ void checkDictionary(const Home& home, const std::string& words, const std::stri
     home.write("more/xx.aff", affixes);
     static bool isOther = false;  // other names of the folder have it read again
     isOther = !isOther;
-    setenv("DICPATH", (home.path / (isOther ? "more" : "./more")).c_str(), 1);
+    setenv("DICPATH", home.path(isOther ? "more" : "./more").c_str(), 1);
     const NSUInteger count = NSSpellChecker::sharedSpellChecker()->availableLanguages()->count();
     require(count == 1 || count == 2, "the other dictionary is offered whatever this one is");
 }

@@ -11,6 +11,7 @@
 #include "Foundation/NSFileManager.h"
 #include "Require.h"
 #include "Runtime/AutoreleasePool.h"
+#include "TemporaryFolder.h"
 
 using namespace pelvor;
 
@@ -19,23 +20,16 @@ namespace {
 namespace fs = std::filesystem;
 
 // The home folder's trash of this process, which goes with the process.
-struct Home {
+struct Home : TemporaryFolder {
     Home() {
-        std::string name = fs::temp_directory_path() / "PelvorXXXXXX";
-        if (!mkdtemp(name.data())) std::abort();
-        path = name;
-        setenv("XDG_DATA_HOME", (path / "data").c_str(), 1);
-        fs::create_directories(path / "data/Trash/info");
-        fs::create_directories(path / "data/Trash/files");
-        std::ofstream(path / "data/Trash/files/x");
+        setenv("XDG_DATA_HOME", path("data").c_str(), 1);
+        fs::create_directories(path("data/Trash/info"));
+        write("data/Trash/files/x", "");
     }
-    ~Home() { fs::remove_all(path); }
-
-    fs::path path;
 };
 
 void checkText(const Home& home, const std::string& text) {
-    const fs::path place = home.path / "data/Trash/info/x.trashinfo";
+    const std::string place = home.path("data/Trash/info/x.trashinfo");
     std::ofstream(place, std::ios::binary) << text;
     for (const TrashEntry& entry : DesktopTrash::ofHome().contents()) {
         require(entry.name == "x" && entry.original.starts_with('/'), "a file had a whole path");
@@ -57,13 +51,12 @@ void checkName(const Home& home, const std::string& name) {
     NSString* string =
         files->stringWithFileSystemRepresentation_length(name.data(), static_cast<NSUInteger>(name.size()));
     require(string->fileSystemRepresentation() == name, "a string leads to the name that it was made from");
-    const fs::path path = home.path / name;
+    const fs::path path = home.path(name);
     std::ofstream(path).close();
     const DesktopTrash trash = DesktopTrash::ofHome();
     require(trash.put(path, "y"), "the file is thrown away");
     const auto entries = trash.contents();
-    require(entries.size() == 1 && entries[0].original == fs::canonical(home.path) / name,
-            "its path is known");
+    require(entries.size() == 1 && entries[0].original == path, "its path is known");
     require(trash.restore(entries[0]) && fs::remove(path), "the file is where it was");
 }
 

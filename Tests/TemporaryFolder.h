@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// TemporaryFolder: a folder for the files of one test.
+// TemporaryFolder: a folder for the files of one test or one program.
 #pragma once
 
 #include <stdlib.h>
@@ -30,7 +30,7 @@ class TemporaryFolder {
 
     const std::filesystem::path& path() const { return _path; }
     std::string path(const std::string& name) const { return _path / name; }
-    /// Writes a file, with the folders that its name has, and answers its path.
+    /// Writes a file, with the folders that its name has, and returns its path.
     std::string write(const std::string& name, const std::string& content) const {
         std::filesystem::create_directories((_path / name).parent_path());
         std::ofstream(_path / name, std::ios::binary) << content;

@@ -14,7 +14,7 @@ Class* addMethod(Class* cls) {
     return cls;
 }
 
-/// A new class that answers the selector.
+/// A new class that has the method.
 template <FixedString Selector, auto Function>
 Class* makeClass(const char* name) {
     return addMethod<Selector, Function>(Class::createSubclass(name, NSObject::classObject()));

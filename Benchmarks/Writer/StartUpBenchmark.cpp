@@ -9,7 +9,7 @@
 
 namespace {
 
-// Runs the program once and answers the milliseconds from main to the moment, as it tells them itself; below
+// Runs the program once and returns the milliseconds from main to the moment, as it tells them itself; below
 // 0 if it does not.
 double millisecondsTo(const char* moment, const char* arguments) {
     const std::string command = std::string(WRITER_PROGRAM " --timing ") + arguments;

@@ -30,7 +30,7 @@ class PELVOR_EXPORT NSOpenPanel : public NSSavePanel, NSSavePanel::HiddenCreator
                                                                              Class* cls = classObject());
 
     /// Null types allow all files. A null folder leaves the choice as `setDirectory` does; the file of that
-    /// name is selected, null selects none.
+    /// name is selected, null selects no file.
     NSInteger runModalForTypes(NSArray* types);
     NSInteger runModalForDirectory_file_types(NSString* directory, NSString* name, NSArray* types);
 

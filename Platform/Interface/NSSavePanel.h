@@ -124,7 +124,7 @@ class PELVOR_EXPORT NSSavePanel : public NSPanel {
     /// Reads the folder on show again and asks the delegate about each entry.
     void validateVisibleColumns();
 
-    /// A view of the program below the table, such as a choice of formats; null for none. It keeps its height
+    /// A view of the program below the table, such as a choice of formats, or null. It keeps its height
     /// and is as wide as the panel if its autoresizing mask says so.
     NSView* accessoryView() { return _accessoryView; }
     void setAccessoryView(NSView* view);

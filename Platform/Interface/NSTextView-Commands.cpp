@@ -40,8 +40,9 @@ float distance(float place, float start, float end) {
 NSTextContainer* NSTextView::containerNear(NSPoint point) {
     NSTextContainer* nearest = nullptr;
     float least = 0;
-    for (id each : _state->layoutManager->textContainers()) {
-        auto container = static_cast<NSTextContainer*>(each);
+    const NSRange near = indexesOfTextContainersNearRect({point, {1, 1}});
+    for (NSUInteger i = near.location; i < NSMaxRange(near); ++i) {
+        NSTextContainer* container = _state->layoutManager->textContainerAtIndex(i);
         const NSRect rect{originOfTextContainer(container), container->containerSize()};
         const float far = distance(point.y, NSMinY(rect), NSMaxY(rect)) * 1000 +
                           distance(point.x, NSMinX(rect), NSMaxX(rect));

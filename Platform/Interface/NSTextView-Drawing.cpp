@@ -110,7 +110,7 @@ void NSTextView::showLines(NSRect visible) {
 void NSTextView::keepPlaceOf(NSUInteger index, float y) {
     NSTextContainer* container = nullptr;
     const NSRect rect = lineRect(index, &container);
-    if (!container || !cast<NSClipView>(superview())) return;
+    if (!container || !enclosingScrollView()) return;
     const float moved = NSMinY(rect) + originOfTextContainer(container).y - y;
     if (moved == 0) return;
     sizeToFit();
@@ -153,14 +153,20 @@ NSRect NSTextView::rectForCharacterRange(NSRange range) {
     requireRange(range, _state->length(), "rectForCharacterRange:");
     if (!mayLayOut()) return {};
     if (range.length == 0) return caretRect({range.location});
+    NSLayoutManager* layout = _state->layoutManager;
+    const NSTextContainer* first =
+        layout->textContainerForGlyphAtIndex_effectiveRange(range.location, nullptr);
+    const NSTextContainer* last =
+        layout->textContainerForGlyphAtIndex_effectiveRange(NSMaxRange(range) - 1, nullptr);
+    NSUInteger i = 0;
+    while (i < layout->textContainerCount() && layout->textContainerAtIndex(i) != first) ++i;
     NSRect bounds{};
-    for (id each : _state->layoutManager->textContainers()) {
-        auto container = static_cast<NSTextContainer*>(each);
-        const NSRect rect =
-            _state->layoutManager->boundingRectForGlyphRange_inTextContainer(range, container);
-        if (NSIsEmptyRect(rect)) continue;
+    for (; i < layout->textContainerCount(); ++i) {
+        NSTextContainer* container = layout->textContainerAtIndex(i);
+        const NSRect rect = layout->boundingRectForGlyphRange_inTextContainer(range, container);
         const NSPoint origin = originOfTextContainer(container);
-        bounds = NSUnionRect(bounds, NSOffsetRect(rect, origin.x, origin.y));
+        if (!NSIsEmptyRect(rect)) bounds = NSUnionRect(bounds, NSOffsetRect(rect, origin.x, origin.y));
+        if (container == last) break;
     }
     return bounds;
 }

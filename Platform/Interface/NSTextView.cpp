@@ -40,6 +40,7 @@ PELVOR_DEFINE_CLASS(NSTextView, interfaceLibrary) {
     methods.instance<"setTextContainerInset:", &NSTextView::setTextContainerInset>();
     methods.instance<"textContainerOrigin", &NSTextView::textContainerOrigin>();
     methods.instance<"originOfTextContainer:", &NSTextView::originOfTextContainer>();
+    methods.instance<"indexesOfTextContainersNearRect:", &NSTextView::indexesOfTextContainersNearRect>();
     methods.instance<"characterIndexForInsertionAtPoint:", &NSTextView::characterIndexForInsertionAtPoint>();
     methods.instance<"caretRectForCharacterAtIndex:", &NSTextView::caretRectForCharacterAtIndex>();
     methods.instance<"rectForCharacterRange:", &NSTextView::rectForCharacterRange>();
@@ -250,8 +251,8 @@ NSLayoutManager* NSTextView::layoutManager() { return _state->layoutManager; }
 
 NSTextContainer* NSTextView::textContainer() {
     if (!_state->layoutManager) return nullptr;
-    NSArray* containers = _state->layoutManager->textContainers();
-    return containers->count() ? cast<NSTextContainer>(containers->objectAtIndex(0)) : nullptr;
+    NSLayoutManager* layout = _state->layoutManager;
+    return layout->textContainerCount() ? layout->textContainerAtIndex(0) : nullptr;
 }
 
 void NSTextView::letTextGo() {
@@ -293,6 +294,10 @@ void NSTextView::setTextContainerInset(NSSize inset) {
 NSPoint NSTextView::textContainerOrigin() { return {_state->inset.width, _state->inset.height}; }
 
 NSPoint NSTextView::originOfTextContainer(NSTextContainer*) { return textContainerOrigin(); }
+
+NSRange NSTextView::indexesOfTextContainersNearRect(NSRect) {
+    return {0, _state->layoutManager ? _state->layoutManager->textContainerCount() : 0};
+}
 
 NSString* NSTextView::string() { return _state->storage ? _state->storage->string() : u""_ns; }
 

@@ -104,6 +104,9 @@ class PELVOR_EXPORT NSTextView : public NSText {
     NSPoint textContainerOrigin();
     /// Where the container's upper left corner is in the view. Subclasses place pages.
     virtual NSPoint originOfTextContainer(NSTextContainer* container);
+    /// The indexes of the containers that may show something in the rectangle, and of those that are
+    /// nearest to it; all of them, unless a subclass that places pages knows better.
+    virtual NSRange indexesOfTextContainersNearRect(NSRect rect);
     /// The place between two characters that is nearest to the point of the view, and which of its two lines.
     NSUInteger characterIndexForInsertionAtPoint(NSPoint point);
     /// Where the caret stands in the view, without width; zeros where there is no room for the text.

@@ -22,6 +22,8 @@ PELVOR_DEFINE_CLASS(NSLayoutManager, textLibrary) {
     methods.instance<"textStorage", &NSLayoutManager::textStorage>();
     methods.instance<"setTextStorage:", &NSLayoutManager::setTextStorage>();
     methods.instance<"textContainers", &NSLayoutManager::textContainers>();
+    methods.instance<"textContainerCount", &NSLayoutManager::textContainerCount>();
+    methods.instance<"textContainerAtIndex:", &NSLayoutManager::textContainerAtIndex>();
     methods.instance<"addTextContainer:", &NSLayoutManager::addTextContainer>();
     methods.instance<"insertTextContainer:atIndex:", &NSLayoutManager::insertTextContainer_atIndex>();
     methods.instance<"removeTextContainerAtIndex:", &NSLayoutManager::removeTextContainerAtIndex>();
@@ -160,6 +162,16 @@ NSArray* NSLayoutManager::textContainers() {
     return containers->copy().autorelease();
 }
 
+NSUInteger NSLayoutManager::textContainerCount() {
+    return static_cast<NSUInteger>(_state->containers.size());
+}
+
+NSTextContainer* NSLayoutManager::textContainerAtIndex(NSUInteger index) {
+    if (index >= textContainerCount())
+        raiseIndexBeyondBounds(index, textContainerCount(), "textContainerAtIndex:");
+    return _state->containers[index];
+}
+
 void NSLayoutManager::addTextContainer(NSTextContainer* container) {
     requireFreeContainer(container, "addTextContainer:");
     container->setLayoutManager(this);
@@ -169,9 +181,8 @@ void NSLayoutManager::addTextContainer(NSTextContainer* container) {
 
 void NSLayoutManager::insertTextContainer_atIndex(NSTextContainer* container, NSUInteger index) {
     requireFreeContainer(container, "insertTextContainer:atIndex:");
-    if (index > _state->containers.size())
-        raiseIndexBeyondBounds(index, static_cast<NSUInteger>(_state->containers.size()),
-                               "insertTextContainer:atIndex:");
+    if (index > textContainerCount())
+        raiseIndexBeyondBounds(index, textContainerCount(), "insertTextContainer:atIndex:");
     container->setLayoutManager(this);
     _state->containers.insert(_state->containers.begin() + index,
                               Retained<NSTextContainer>::retaining(container));
@@ -179,13 +190,12 @@ void NSLayoutManager::insertTextContainer_atIndex(NSTextContainer* container, NS
 }
 
 void NSLayoutManager::removeTextContainerAtIndex(NSUInteger index) {
-    if (index >= _state->containers.size())
-        raiseIndexBeyondBounds(index, static_cast<NSUInteger>(_state->containers.size()),
-                               "removeTextContainerAtIndex:");
+    if (index >= textContainerCount())
+        raiseIndexBeyondBounds(index, textContainerCount(), "removeTextContainerAtIndex:");
     const Retained<NSTextContainer> gone = _state->containers[index];
     _state->containers.erase(_state->containers.begin() + index);
     gone->setLayoutManager(nullptr);
-    _state->containersChanged(index);
+    _state->containerRemoved(index);
 }
 
 bool NSLayoutManager::layoutManagerOwnsFirstResponderInWindow(id window) {
@@ -217,10 +227,9 @@ SEL editMessage() { return "layoutManager:editedRange:changeInLength:invalidated
 }  // namespace
 
 void NSLayoutManager::tellTextViews(NSRange edited, NSInteger delta, NSRange invalidated) {
-    const auto containers = _state->containers;
     id told = nullptr;
-    for (const auto& container : containers) {
-        id view = container->textView();
+    for (NSUInteger i = 0; i < textContainerCount(); ++i) {  // who is told may change the list
+        id view = _state->containers[i]->textView();
         if (view && view != told && view->respondsToSelector(editMessage()))
             send(view, editMessage(), this, edited, delta, invalidated);
         told = view;

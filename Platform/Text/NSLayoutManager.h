@@ -80,6 +80,9 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
     void setTextStorage(NSTextStorage* textStorage);
     /// The containers in the order in which text fills them, borrowed.
     NSArray* textContainers();
+    /// The containers one by one, without a list of them. An index outside raises NSRangeException.
+    NSUInteger textContainerCount();
+    NSTextContainer* textContainerAtIndex(NSUInteger index);
     // The layout manager keeps its containers. Null as container, and one that is in the list of a layout
     // manager already, raise NSInvalidArgumentException, an index outside the list NSRangeException.
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-// What plug-ins of the test do: one answers the path as the text.
+// What plug-ins of the test do: one returns the path as the text.
 NSDictionary* readPath(NSObject*, NSString* path, NSDictionary*) {
     return NSDictionary::of({{WRTextKey, path}});
 }
@@ -21,7 +21,7 @@ NSDictionary* fault(NSString* error) {
     return NSDictionary::of({{WRErrorKey, error}, {WRMessageKey, u"message"_ns}});
 }
 
-// One answers as the path's last component without extension says: "refused", "encoding", "nothing", "odd" (a
+// One returns what the path's last component without extension says: "refused", "encoding", "nothing", "odd" (a
 // text that is a number), "throw", or, for the rest, none.
 NSDictionary* readAsNamed(NSObject*, NSString* path, NSDictionary*) {
     const std::string wish = shown(path->lastPathComponent()->stringByDeletingPathExtension());
@@ -52,7 +52,7 @@ struct DocumentOpener : ::testing::Test {
     WRDocument* open(const std::string& path) {
         return opener->openDocumentAtPath_options(NSString::ofUTF8(path), NSDictionary::dictionary());
     }
-    // Opens a file of that name and answers the identifier of the reader or the problem.
+    // Opens a file of that name and returns the identifier of the reader or the problem.
     std::string outcomeFor(const std::string& name) {
         WRDocument* document = open(folder.write(name, "content"));
         return document ? shown(document->reader()->identifier()) : shown(opener->problem());

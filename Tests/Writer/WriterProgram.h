@@ -60,7 +60,7 @@ class WriterProgram {
     /// Its input is the file at the path, or what is written to it.
     WriterSession start(const std::vector<std::string>& arguments, WriterOutput kind = WriterOutput::pipe,
                         const std::string& inputPath = "");
-    /// From now on runs a copy of the bundle, and answers the copy's folder of plug-ins.
+    /// From now on runs a copy of the bundle, and returns the copy's folder of plug-ins.
     std::string useCopy();
 
     TemporaryFolder folder;

@@ -104,8 +104,8 @@ bool Pagination::isEnd(const PageText& page) {
 
 void Pagination::dropBehind(std::size_t index) {
     _hasEnd = true;
-    while (_layoutManager->textContainers()->count() > index + 1)
-        _layoutManager->removeTextContainerAtIndex(_layoutManager->textContainers()->count() - 1);
+    while (_layoutManager->textContainerCount() > index + 1)
+        _layoutManager->removeTextContainerAtIndex(_layoutManager->textContainerCount() - 1);
     _next = nullptr;
     _pages.resize(index + 1);
 }

@@ -131,6 +131,12 @@ NSPoint WRPageView::originOfTextContainer(NSTextContainer* container) {
     return {page.origin.x + _document->frame().left, page.origin.y + _document->frame().top};
 }
 
+NSRange WRPageView::indexesOfTextContainersNearRect(NSRect rect) {
+    if (pageCount() == 0) return NSTextView::indexesOfTextContainersNearRect(rect);
+    const NSUInteger first = pageAtHeight(NSMinY(rect));
+    return {first, pageAtHeight(NSMaxY(rect)) + 1 - first};
+}
+
 void WRPageView::findPages(NSUInteger count) {
     if (isComplete()) return;
     _document->findPages(count);

@@ -60,6 +60,7 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     void hyphenationDidLoad(id notification);
 
     NSPoint originOfTextContainer(NSTextContainer* container) override;
+    NSRange indexesOfTextContainersNearRect(NSRect rect) override;
     void viewDidMoveToWindow() override;
     /// Text goes to other programs and comes from them with its formats, if a plug-in knows how. The delegate
     /// may have the message `pageViewDidReceiveFormats:`, with this view.

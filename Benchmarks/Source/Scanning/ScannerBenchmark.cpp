@@ -47,7 +47,7 @@ void finish(benchmark::State& state, std::u16string_view text) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size() * 2));
 }
 
-// Runs over the text again and again; `read` answers false at its end.
+// Runs over the text again and again; `read` returns false at its end.
 template <class Read>
 void scan(benchmark::State& state, const std::u16string& text, Read read) {
     AutoreleasePool outer;

@@ -85,9 +85,11 @@ struct TextViewState {
 // coordinates.
 template <class Function>
 void NSTextView::eachContainerIn(NSRect rect, const Function& function) {
-    const auto containers = Retained<NSArray>::retaining(_state->layoutManager->textContainers());
-    for (id each : containers.get()) {
-        auto container = static_cast<NSTextContainer*>(each);
+    const Retained<NSLayoutManager> layout = _state->layoutManager;
+    const NSRange near = indexesOfTextContainersNearRect(rect);
+    // The function may lay out, with which containers come and go.
+    for (NSUInteger i = near.location; i < std::min(NSMaxRange(near), layout->textContainerCount()); ++i) {
+        const auto container = Retained<NSTextContainer>::retaining(layout->textContainerAtIndex(i));
         const NSPoint origin = originOfTextContainer(container);
         // The text may stand out at the sides, as italics do.
         const float top = std::max(NSMinY(rect) - origin.y, 0.0F);

@@ -65,6 +65,7 @@ LongExtent BlockList::unreadHeight() const {
 
 void BlockList::recount(Chunk& chunk) {
     _remembered = {};
+    _cursor = {};
     _sums -= chunk.sums;
     chunk.sums = {};
     for (const auto& block : chunk.blocks) chunk.sums += BlockSums::of(*block);
@@ -77,6 +78,7 @@ void BlockList::assign(NSUInteger units, Reader reader) {
     _sums = {};
     _averages = {};
     _remembered = {};
+    _cursor = {};
     _knowsTop = false;
     _reader = std::move(reader);
     append(_reader({0, units}));
@@ -184,9 +186,11 @@ BlockPlace BlockList::placeOfUnit(NSUInteger unit) {
     if (unit - _remembered.unit < at(_remembered).units) return _remembered;
     while (unit >= readUnits() && readMore()) {
     }
-    BlockPlace place;
-    while (place.chunk + 1 < _chunks.size() && unit - place.unit >= _chunks[place.chunk].sums.units)
-        place.unit += static_cast<NSUInteger>(_chunks[place.chunk++].sums.units);
+    while (_cursor.chunk > 0 && unit < _cursor.before.units) stepBack();
+    while (_cursor.chunk + 1 < _chunks.size() &&
+           unit - _cursor.before.units >= _chunks[_cursor.chunk].sums.units)
+        stepForward();
+    BlockPlace place{_cursor.chunk, 0, static_cast<NSUInteger>(_cursor.before.units)};
     const Blocks& blocks = _chunks[place.chunk].blocks;
     while (place.index + 1 < blocks.size() && unit - place.unit >= blocks[place.index]->units)
         place.unit += blocks[place.index++]->units;
@@ -219,8 +223,9 @@ BlockPlace BlockList::placeOfHeight(LongExtent height, LongExtent& top) {
 LongExtent BlockList::topOf(const BlockPlace& place) {
     const bool isRemembered = place == _remembered;
     if (isRemembered && _knowsTop) return _rememberedTop;
-    BlockSums before;
-    for (std::size_t chunk = 0; chunk < place.chunk; ++chunk) before += _chunks[chunk].sums;
+    while (_cursor.chunk > place.chunk) stepBack();
+    while (_cursor.chunk < place.chunk) stepForward();
+    BlockSums before = _cursor.before;
     for (std::size_t index = 0; index < place.index; ++index)
         before += BlockSums::of(*_chunks[place.chunk].blocks[index]);
     const LongExtent top = heightOf(before);

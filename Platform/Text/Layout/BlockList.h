@@ -113,8 +113,8 @@ struct BlockPlace {
     friend bool operator==(const BlockPlace&, const BlockPlace&) = default;
 };
 
-/// All blocks of a text in their order, in chunks of up to 128 with sums: a look-up walks the chunks' sums,
-/// then the blocks of one chunk. There is always at least one block; the last one may be empty.
+/// All blocks of a text in their order, in chunks of up to 128 with sums: a look-up walks the chunks' sums
+/// from the chunk that was looked for last, then the blocks of one chunk. There is always at least one block; the last one may be empty.
 ///
 /// Paragraphs are found when somebody gets to them: behind the blocks there may be text that was not read
 /// yet. Whatever looks for a block there reads on.
@@ -170,6 +170,7 @@ class BlockList {
         const BlockSums after = BlockSums::of(block);
         if (before.units != after.units) _remembered = {};
         (_chunks[place.chunk].sums -= before) += after;
+        if (place.chunk < _cursor.chunk) (_cursor.before -= before) += after;
         (_sums -= before) += after;
         noteBlock();
     }
@@ -187,6 +188,12 @@ class BlockList {
         BlockSums sums;
     };
 
+    /// A chunk, and the sums of all chunks before it.
+    struct Cursor {
+        std::size_t chunk = 0;
+        BlockSums before;
+    };
+
     /// What unmeasured text is estimated by, and how much was measured when that was found out.
     struct Averages {
         std::uint64_t measured = 0;
@@ -195,6 +202,8 @@ class BlockList {
     };
 
     void noteBlock();
+    void stepForward() { _cursor.before += _chunks[_cursor.chunk++].sums; }
+    void stepBack() { _cursor.before -= _chunks[--_cursor.chunk].sums; }
     LongExtent heightOf(const BlockSums& sums) const;
     LongExtent heightOf(const Block& block) const { return heightOf(BlockSums::of(block)); }
     LongExtent unreadHeight() const;
@@ -208,6 +217,7 @@ class BlockList {
     Averages _averages;
     Reader _reader;
     NSUInteger _unread = 0;  // units behind the blocks
+    Cursor _cursor;  // at the chunk that was looked for last
     // The block that was looked for last, and its top if that was asked for.
     BlockPlace _remembered;
     LongExtent _rememberedTop = 0;

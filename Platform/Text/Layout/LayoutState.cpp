@@ -194,6 +194,14 @@ void LayoutState::containerAppended() {
     }
 }
 
+// Containers of one shape stay so without one of them.
+void LayoutState::containerRemoved(std::size_t index) {
+    if (_isScanned && _isUniform && containers.size() > 1)
+        placeAgainInContainer(index);
+    else
+        containersChanged(index);
+}
+
 // MARK: Containers
 
 bool LayoutState::isEndless(NSTextContainer* container) {

@@ -42,6 +42,7 @@ class LayoutState {
     void containerChanged(std::size_t index);
     /// A container came behind the others.
     void containerAppended();
+    void containerRemoved(std::size_t index);
     void forgetEverything();
 
     std::vector<Retained<NSTextContainer>> containers;

@@ -21,7 +21,7 @@ void defineAnswer(MethodTable<Animal>& methods) {
 template <int N>
 const auto kAnswer = &implementation<"answer", &answer<N>>;
 
-// Registers a library of one category of that class, which answers the number.
+// Registers a library of one category of that class, which returns the number.
 template <int N>
 void registerCategory(const char* className, const char* name = "Answers") {
     static Category category = Category::of<Animal, defineAnswer<N>>(name);
