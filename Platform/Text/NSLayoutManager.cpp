@@ -230,10 +230,14 @@ void NSLayoutManager::tellTextViews(NSRange edited, NSInteger delta, NSRange inv
     id told = nullptr;
     for (NSUInteger i = 0; i < textContainerCount(); ++i) {  // who is told may change the list
         id view = _state->containers[i]->textView();
-        if (view && view != told && view->respondsToSelector(editMessage()))
-            send(view, editMessage(), this, edited, delta, invalidated);
+        if (view != told) tellTextView(view, edited, delta, invalidated);
         told = view;
     }
+}
+
+void NSLayoutManager::tellTextView(id view, NSRange edited, NSInteger delta, NSRange invalidated) {
+    if (view && view->respondsToSelector(editMessage()))
+        send(view, editMessage(), this, edited, delta, invalidated);
 }
 
 void NSLayoutManager::textContainerChangedGeometry(NSTextContainer* container) {
@@ -241,7 +245,9 @@ void NSLayoutManager::textContainerChangedGeometry(NSTextContainer* container) {
     tellTextViews({}, 0, {});
 }
 
-void NSLayoutManager::textContainerChangedTextView(NSTextContainer*) { tellTextViews({}, 0, {}); }
+void NSLayoutManager::textContainerChangedTextView(NSTextContainer* container) {
+    if (container) tellTextView(container->textView(), {}, 0, {});
+}
 
 void NSLayoutManager::invalidateLayoutForCharacterRange_isSoft_actualCharacterRange(NSRange range,
                                                                                     bool isSoft,

@@ -265,6 +265,7 @@ class PELVOR_EXPORT NSLayoutManager : public NSObject {
   private:
     friend class LayoutState;
     void tellTextViews(NSRange edited, NSInteger delta, NSRange invalidated);
+    void tellTextView(id view, NSRange edited, NSInteger delta, NSRange invalidated);
 
     std::unique_ptr<LayoutState> _state;
     Retained<NSContainerRunTable> _runTable;

@@ -128,10 +128,14 @@ bool WRShortcut::begins(const WRShortcut* other) const {
 
 // MARK: What menu items ask
 
+WRShortcut* WRShortcut::shownShortcutOfItem(NSMenuItem* item) {
+    id shown = nullptr;
+    return _getMultikeyShortcut_andOriginalTitle(item, &shown, nullptr) ? cast<WRShortcut>(shown) : nullptr;
+}
+
 WRShortcut* WRShortcut::shortcutOfItem(NSMenuItem* item) {
     if (!item) return nullptr;
-    id shown = nullptr;
-    if (_getMultikeyShortcut_andOriginalTitle(item, &shown, nullptr)) return cast<WRShortcut>(shown);
+    if (WRShortcut* shown = shownShortcutOfItem(item)) return shown;
     return shortcutWithKeyEquivalent_modifierMask(item->keyEquivalent(), item->keyEquivalentModifierMask());
 }
 

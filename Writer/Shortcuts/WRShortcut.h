@@ -50,6 +50,9 @@ class WRShortcut final : public NSObject {
 
     // C++ only
 
+    /// The shortcut of several keys that the item shows, or null. Borrowed.
+    static WRShortcut* shownShortcutOfItem(NSMenuItem* item);
+
     struct Key {
         unichar character = 0;  // of a letter, the small one
         NSUInteger modifiers = 0;

@@ -41,7 +41,8 @@ void collect(NSMenu* menu, bool takesSingleKeys, std::vector<Candidate>& found) 
             collect(item->submenu(), takesSingleKeys, found);
             continue;
         }
-        WRShortcut* shortcut = WRShortcut::shortcutOfItem(item);
+        WRShortcut* shortcut =
+            takesSingleKeys ? WRShortcut::shortcutOfItem(item) : WRShortcut::shownShortcutOfItem(item);
         if (shortcut && (takesSingleKeys || shortcut->isMultikey()) && !item->isHidden())
             found.push_back({item, Retained<WRShortcut>::retaining(shortcut)});
     }
