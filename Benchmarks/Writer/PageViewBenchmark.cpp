@@ -61,6 +61,18 @@ void open(benchmark::State& state) {
     for (auto _ : state) PageWindow window(text, 0);
 }
 
+// A place behind very many short paragraphs, of which no page was found before.
+void goBehindEmptyParagraphs(benchmark::State& state) {
+    AutoreleasePool pool;
+    NSString* text = NSString::ofUTF8(std::string(static_cast<std::size_t>(state.range(0)), '\n'));
+    for (auto _ : state) {
+        auto view =
+            WRPageView::create(NSTextStorage::initWithString_attributes(text, nullptr), PageWindow::a4());
+        benchmark::DoNotOptimize(view->pageWithUnit(text->length()));
+    }
+}
+
+BENCHMARK(goBehindEmptyParagraphs)->Arg(100'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(typeLetters)->Args({1000, 50})->Args({kLength, 0})->Args({kLength, 50})->Args({10 * kLength, 0});
 BENCHMARK(typeReturn)->Args({kLength, 0})->Args({kLength, 50})->Args({10 * kLength, 0});
 BENCHMARK(findPagesBehind)->Arg(kLength)->Unit(benchmark::kMillisecond);

@@ -114,7 +114,8 @@ struct BlockPlace {
 };
 
 /// All blocks of a text in their order, in chunks of up to 128 with sums: a look-up walks the chunks' sums
-/// from the chunk that was looked for last, then the blocks of one chunk. There is always at least one block; the last one may be empty.
+/// from the chunk that was looked for last, then the blocks of one chunk. There is always at least one block;
+/// the last one may be empty.
 ///
 /// Paragraphs are found when somebody gets to them: behind the blocks there may be text that was not read
 /// yet. Whatever looks for a block there reads on.
@@ -217,7 +218,7 @@ class BlockList {
     Averages _averages;
     Reader _reader;
     NSUInteger _unread = 0;  // units behind the blocks
-    Cursor _cursor;  // at the chunk that was looked for last
+    Cursor _cursor;          // at the chunk that was looked for last
     // The block that was looked for last, and its top if that was asked for.
     BlockPlace _remembered;
     LongExtent _rememberedTop = 0;

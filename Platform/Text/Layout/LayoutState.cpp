@@ -220,8 +220,11 @@ bool LayoutState::isUniform() const {
 }
 
 std::size_t LayoutState::indexOf(NSTextContainer* container) const {
-    return static_cast<std::size_t>(std::find(containers.begin(), containers.end(), container) -
-                                    containers.begin());
+    // Who asks goes from one container to the next.
+    for (const std::size_t near : {_lastIndex, _lastIndex + 1})
+        if (near < containers.size() && containers[near] == container) return _lastIndex = near;
+    return _lastIndex = static_cast<std::size_t>(std::find(containers.begin(), containers.end(), container) -
+                                                 containers.begin());
 }
 
 const std::vector<ContainerFilling>& LayoutState::fillings() {

@@ -161,6 +161,7 @@ class LayoutState {
 
     BlockList _blocks;
     bool _isScanned = false;
+    mutable std::size_t _lastIndex = 0;  // of the container that was looked for last
     bool _isUniform = true;
     LineRoom _room;  // of all lines, where the rooms are uniform
     Frontier _frontier;

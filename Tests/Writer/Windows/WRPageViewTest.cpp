@@ -151,6 +151,23 @@ TEST_F(PageViewTest, SetsPagesAgainWhenHyphenationCanBeUsed) {
     EXPECT_GT(view->rectForCharacterRange({100, 3}).size.width, 0);
 }
 
+TEST_F(PageViewTest, KeepsWhatIsSeenInPlaceWhenLinesAboveMove) {
+    findAllPages();
+    view->scrollPoint({0, 1000});
+    screen.turn();
+    const NSRect seen = view->visibleRect();
+    const NSUInteger index = view->characterIndexForInsertionAtPoint({NSMidX(seen), NSMinY(seen) + 10});
+    const auto height = [&](NSUInteger place) {
+        return NSMinY(view->caretRectForCharacterAtIndex(place)) - NSMinY(view->visibleRect());
+    };
+    const float before = height(index);
+    view->textStorage()->replaceCharactersInRange_withString({0, 0}, u"A\nB\nC\n"_ns);
+    findAllPages();
+    screen.turn();
+    EXPECT_NE(NSMinY(view->visibleRect()), NSMinY(seen));
+    EXPECT_NEAR(height(index + 6), before, 1);
+}
+
 TEST_F(PageViewTest, IsShownLargerAndSmaller) {
     findAllPages();
     EXPECT_EQ(zoomFactor(view), 1.0);
