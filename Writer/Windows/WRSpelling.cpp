@@ -152,16 +152,15 @@ void WRSpelling::tellThatAllIsRight() {
     NSRunLoop::mainRunLoop()->perform(tell, nullptr);
 }
 
-// Leaves the notice alone that somebody else shows. The button of our own does no more than take it away.
+// Leaves a notice alone that somebody else shows. A notice that the user has closed does not come back.
 void WRSpelling::searchDidGoOn(double part) {
     auto* owner = cast<WRDocumentWindow>(_view->window() ? _view->window()->delegate() : nullptr);
     if (!owner || TickCount() - _searchStart < kTicksUntilNotice) return;
-    if (_progress && !owner->notice()) return stopSearch();
     NSString* text = NSString::stringWithFormat(localized(u"_Looking for misspelled words: %d %%"_ns),
                                                 static_cast<int>(part * 100));
     if (_progress && owner->notice() == _progress) return _progress->setText(text);
     if (_progress || owner->notice()) return;
-    owner->showNotice(text, {{localized(u"_Stop"_ns), nullptr}});
+    owner->showNotice(text, {{localized(u"_Stop"_ns), [this] { stopSearch(); }}});
     _progress.set(owner->notice());
 }
 
