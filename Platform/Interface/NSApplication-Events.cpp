@@ -157,6 +157,8 @@ void ApplicationState::handleSystem(NSEvent* event) {
             stops = true;
             DisplayConnection::shared().tellLayoutChanges();
             return notify(NSApplicationDidLoseDisplayNotification, "applicationDidLoseDisplay:"_sel);
+        case SystemEvent::keysTaken:  // MenuKeys sees it
+            return;
         case SystemEvent::input:
             return NSInputManager::currentInputManager()->deliverReplies();
     }

@@ -11,13 +11,6 @@ namespace {
 
 constexpr std::size_t kEventCount = 64;
 
-bool typesText(const BackendKey& key) {
-    if (key.characters.empty() || key.modifiers & (kBackendCommand | kBackendOption | kBackendControl))
-        return false;
-    const char16_t first = key.characters[0];
-    return first >= 0x20 && first != 0x7F && (first < 0xF700 || first > 0xF8FF);
-}
-
 }  // namespace
 
 void XTextInput::prepare() {
@@ -61,7 +54,7 @@ void XTextInput::keyCameBack(BackendWindow window, const BackendKey& key) {
         case XComposer::Result::Kind::plain:
             break;
     }
-    if (typesText(key))
+    if (isTypedText(key))
         _sink.text(window, key.characters);
     else
         _sink.command(window, key);

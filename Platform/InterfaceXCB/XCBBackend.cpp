@@ -335,6 +335,7 @@ void XCBBackend::deliverFocus(const xcb_focus_in_event_t& event) {
     const XWindow* window = windowOfHandle(event.event);
     const bool isOfPointer =
         event.detail == XCB_NOTIFY_DETAIL_POINTER || event.detail == XCB_NOTIFY_DETAIL_INFERIOR;
+    if (window && event.mode == XCB_NOTIFY_MODE_GRAB) _sink.keysTaken();
     if (!window || isOfGrab(event.mode) || isOfPointer) return;
     const BackendWindow id = window->id();
     const bool isFocused = kindOf(event) == XCB_FOCUS_IN;

@@ -193,6 +193,8 @@ class BackendSink {
     virtual void configured(BackendWindow window, const PixelRect& frame, bool isMinimized,
                             bool isZoomed) = 0;
     virtual void focus(BackendWindow window, bool isFocused) = 0;
+    /// Somebody, such as a window manager with keys of its own, takes keys although the focus is here.
+    virtual void keysTaken() {}
     /// The user asks to close the window.
     virtual void close(BackendWindow window) = 0;
     /// A click beside the menus that are tracked, the loss of the grab, or of the keyboard: tracking ends.

@@ -303,6 +303,8 @@ void DisplayConnection::focus(BackendWindow number, bool isFocused) {
     if (NSWindow* target = window(number)) postSystem(SystemEvent::focus, target, isFocused);
 }
 
+void DisplayConnection::keysTaken() { postSystem(SystemEvent::keysTaken, nullptr); }
+
 void DisplayConnection::close(BackendWindow number) {
     if (NSWindow* target = window(number)) postSystem(SystemEvent::closeWindow, target);
 }

@@ -23,6 +23,7 @@ enum class SystemEvent : std::int16_t {
     screensChanged,
     layoutsChanged,
     displayLost,
+    keysTaken,
     input,  ///< the input manager has replies of the back end
 };
 
@@ -90,6 +91,7 @@ class PELVOR_EXPORT DisplayConnection final : public BackendSink {
     void paintReady(BackendWindow window) override;
     void configured(BackendWindow window, const PixelRect& frame, bool isMinimized, bool isZoomed) override;
     void focus(BackendWindow window, bool isFocused) override;
+    void keysTaken() override;
     void close(BackendWindow window) override;
     void trackingLost() override;
     void layoutChanged() override;

@@ -101,6 +101,9 @@ bool MenuKeys::isAltAlone(NSEvent* event) {
         case NSMouseMoved:
             _modifiers = event->modifierFlags() & kModifiers;
             return false;
+        case NSSystemDefined:  // the keys go elsewhere, or a window moves
+            _isAltPressed = false;
+            return false;
         default:
             return false;
     }

@@ -253,6 +253,8 @@ TEST_F(MenuTracking, GoesToTheBarByAltAlone) {
                      hold(kBackendOption);
                  },
                  ""},
+                {"a key of the window manager",
+                 [] { static_cast<BackendSink&>(DisplayConnection::shared()).keysTaken(); }, ""},
                 {"a key", [&] { key(u'x', kBackendOption); }, ""},
                 {"a window that is moved",
                  [&] {

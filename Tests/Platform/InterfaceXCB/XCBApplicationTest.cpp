@@ -157,16 +157,4 @@ TEST_F(XCBApplicationTest, ShowsWhatIsComposed) {
     EXPECT_TRUE(untilLogged("text 啊"));
 }
 
-TEST_F(XCBApplicationTest, GoesOnWithoutItsDisplay) {
-    start();
-    LogLines log;
-    auto listener = Listener::to(NSApplicationDidLoseDisplayNotification);
-    server->server().end(SIGKILL);
-    EXPECT_TRUE(until([&] { return !listener->heard.empty(); }));
-    EXPECT_THAT(log.lines, Contains(HasSubstr("The display is lost")));
-    view->setNeedsDisplay(true);
-    window->setFrame_display({{0, 0}, {500, 400}}, true);
-    window->orderOut(nullptr);
-}
-
 }  // namespace
