@@ -51,9 +51,8 @@ Retained<NSAttributedString> NSAttributedString::initWithString_attributes(NSStr
                                                                            Class* cls) {
     requireArgument(string, "initWithString:attributes:", "the string");
     auto made = make<NSAttributedString>(cls);
-    StringUnits units(string);
-    AttributeStretch all{units.size(), NSAttributeDictionary::with(attributes)};
-    made->_content->text = TextTree(units);
+    made->_content->text = TextTree(string);
+    AttributeStretch all{made->_content->text.length(), NSAttributeDictionary::with(attributes)};
     made->_content->runs = RunTree({&all, 1});
     return made;
 }
@@ -85,8 +84,7 @@ Retained<NSAttributedString> NSAttributedString::initWithString_runs(NSString* s
     }
     if (end != string->length()) raiseBadArgument(kOperation, "the runs have another length than the text");
     auto made = make<NSAttributedString>(cls);
-    StringUnits units(string);
-    made->_content->text = TextTree(units);
+    made->_content->text = TextTree(string);
     made->_content->runs = RunTree(stretches);
     return made;
 }

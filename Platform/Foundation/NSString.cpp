@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/NSString.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "Foundation/FoundationLibrary.h"
@@ -14,6 +15,9 @@
 namespace pelvor {
 
 namespace {
+
+// How many units of strings that keep them in pieces are compared at once.
+constexpr NSUInteger kPiece = 512;
 
 // Formats sent as messages have no arguments.
 NSString* formatAlone(NSString* format) { return NSString::stringWithFormat(format); }
@@ -277,8 +281,19 @@ bool NSString::isEqualToString(NSString* other) {
     if (count != other->length()) return false;
     const unichar *mine = contiguousCharacters(), *theirs = other->contiguousCharacters();
     if (mine && theirs) return std::memcmp(mine, theirs, count * sizeof(unichar)) == 0;
-    StringUnits own(this), others(other);
-    return own.view() == others.view();
+    unichar ownPiece[kPiece], otherPiece[kPiece];
+    const auto pieceOf = [](NSString* string, const unichar* units, NSRange range, unichar* buffer) {
+        if (units) return units + range.location;
+        string->getCharacters_range(buffer, range);
+        return static_cast<const unichar*>(buffer);
+    };
+    for (NSRange range{0, 0}; range.location < count; range.location += range.length) {
+        range.length = std::min(kPiece, count - range.location);
+        if (std::memcmp(pieceOf(this, mine, range, ownPiece), pieceOf(other, theirs, range, otherPiece),
+                        range.length * sizeof(unichar)))
+            return false;
+    }
+    return true;
 }
 
 std::uintptr_t NSString::hash() {

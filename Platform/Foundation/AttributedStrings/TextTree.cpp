@@ -12,7 +12,15 @@ namespace pelvor {
 TextLeaf* TextLeaf::create(std::u16string_view units, NSUInteger room) {
     auto* leaf = ::new (::operator new(sizeof(TextLeaf) + room * sizeof(unichar))) TextLeaf(room);
     leaf->length = static_cast<NSUInteger>(units.size());
-    std::memcpy(leaf->units(), units.data(), units.size() * sizeof(unichar));
+    std::memcpy(leaf->ownUnits(), units.data(), units.size() * sizeof(unichar));
+    return leaf;
+}
+
+TextLeaf* TextLeaf::create(std::u16string_view units, NSString* string) {
+    auto* leaf = ::new (::operator new(sizeof(TextLeaf))) TextLeaf(0);
+    leaf->length = static_cast<NSUInteger>(units.size());
+    leaf->_units = units.data();
+    leaf->_string.set(string);
     return leaf;
 }
 
@@ -45,7 +53,7 @@ void TextLeaf::replace(NodeRef<TextLeaf>& leaf, NSRange range, std::u16string_vi
     if (length > leaf.leaf()->room)
         leaf = NodeRef<TextLeaf>(
             create(leaf.leaf()->view(), std::min(kMost, std::max(length, 2 * leaf->length))));
-    unichar* place = leaf.leaf()->units() + range.location;
+    unichar* place = leaf.leaf()->ownUnits() + range.location;
     std::memmove(place + added, place + range.length, (leaf->length - NSMaxRange(range)) * sizeof(unichar));
     std::memcpy(place, units.data(), added * sizeof(unichar));
     leaf->length = length;
@@ -55,20 +63,23 @@ void TextLeaf::replace(NodeRef<TextLeaf>& leaf, NSRange range, std::u16string_vi
 
 namespace {
 
-std::vector<NodeRef<TextLeaf>> leavesOf(std::u16string_view units) {
+// Most leaves are never edited: without a string to keep, their units have just the room that they need.
+std::vector<NodeRef<TextLeaf>> leavesOf(std::u16string_view units, NSString* string = nullptr) {
+    const auto leafOf = [string](std::u16string_view piece) {
+        return string ? TextLeaf::create(piece, string)
+                      : TextLeaf::create(piece, static_cast<NSUInteger>(piece.size()));
+    };
     std::vector<NodeRef<TextLeaf>> leaves;
     if (units.empty()) return leaves;
     if (units.size() <= TextLeaf::kMost) {
-        leaves.emplace_back(TextLeaf::create(units, static_cast<NSUInteger>(units.size())));
+        leaves.emplace_back(leafOf(units));
         return leaves;
     }
     std::size_t count = (units.size() + TextLeaf::kUsual - 1) / TextLeaf::kUsual, start = 0;
     leaves.reserve(count);
     for (std::size_t i = 1; i <= count; ++i) {
         std::size_t end = units.size() * i / count;
-        // Most leaves are never edited; the first edit of one makes room.
-        leaves.emplace_back(
-            TextLeaf::create(units.substr(start, end - start), static_cast<NSUInteger>(end - start)));
+        leaves.emplace_back(leafOf(units.substr(start, end - start)));
         start = end;
     }
     return leaves;
@@ -76,7 +87,17 @@ std::vector<NodeRef<TextLeaf>> leavesOf(std::u16string_view units) {
 
 }  // namespace
 
-TextTree::TextTree(std::u16string_view units) : _tree(leavesOf(units)) {}
+TextTree::TextTree(NSString* string) {
+    Retained<NSString> kept;
+    if (string->length() > TextLeaf::kMost) kept = string->copy();
+    const unichar* shared = kept ? kept->contiguousCharacters() : nullptr;
+    if (shared) {
+        _tree = Tree(leavesOf({shared, kept->length()}, kept));
+        return;
+    }
+    StringUnits units(string);
+    _tree = Tree(leavesOf(units));
+}
 
 const unichar* TextTree::contiguousUnits() const {
     static constexpr unichar kNothing = 0;

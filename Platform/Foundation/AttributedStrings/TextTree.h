@@ -5,10 +5,12 @@
 #include <string_view>
 
 #include "Foundation/AttributedStrings/PieceTree.h"
+#include "Foundation/NSString.h"
 
 namespace pelvor {
 
-/// Units in one piece, with room for more behind them.
+/// Units in one piece. They stand behind the leaf, with room for more, or are part of a string that the leaf
+/// keeps; an edit gives such a leaf units of its own.
 struct TextLeaf : TreeNode {
     static constexpr NSUInteger kMost = 2048, kUsual = kMost / 8 * 7, kThin = kMost / 4;
     static constexpr NSUInteger kShare =
@@ -16,29 +18,36 @@ struct TextLeaf : TreeNode {
 
     /// A leaf of these units with room for so many at least.
     static TextLeaf* create(std::u16string_view units, NSUInteger room);
+    /// A leaf of units of the string, which never changes.
+    static TextLeaf* create(std::u16string_view units, NSString* string);
     static void destroy(TextLeaf* leaf) noexcept;
 
-    unichar* units() { return reinterpret_cast<unichar*>(this + 1); }
-    std::u16string_view view() { return {units(), length}; }
+    const unichar* units() { return _units; }
+    std::u16string_view view() { return {_units, length}; }
 
-    TextLeaf* clone() { return create(view(), room); }
+    TextLeaf* clone() { return _string ? create(view(), _string) : create(view(), room); }
     bool isThin() const { return length < kThin; }
     TextLeaf* split(NSUInteger place);
     static void join(NodeRef<TextLeaf>& first, NodeRef<TextLeaf>& second);
     /// Puts the units in place of a range of the leaf, which has no other owner. The leaf takes as many.
     static void replace(NodeRef<TextLeaf>& leaf, NSRange range, std::u16string_view units);
 
-    NSUInteger room;
+    NSUInteger room;  ///< 0 if the units are not the leaf's own
 
   private:
     explicit TextLeaf(NSUInteger room) : TreeNode(0), room(room) {}
+    unichar* ownUnits() { return reinterpret_cast<unichar*>(this + 1); }
+
+    const unichar* _units = ownUnits();
+    Retained<NSString> _string;
 };
 
 /// UTF-16 units that can be changed anywhere in little time. Ranges and places are inside the text.
 class TextTree {
   public:
     TextTree() = default;
-    explicit TextTree(std::u16string_view units);
+    /// The text of the string. A long one is shared with its immutable copy.
+    explicit TextTree(NSString* string);
 
     NSUInteger length() const { return _tree.length(); }
     unichar unitAt(NSUInteger index) const {

@@ -221,9 +221,34 @@ TEST(NSAttributedStringTest, LongTextsHashAndCopyAsStrings) {
     auto text = NSMutableAttributedString::initWithString(NSString::of(units));
     auto copy = text->string()->copy();
     EXPECT_EQ(text->string()->hash(), NSString::of(units)->hash());
+    for (NSUInteger place : {0u, 4000u, 8999u}) {
+        EXPECT_TRUE(text->string()->isEqualToString(NSString::of(units)));
+        text->replaceCharactersInRange_withString({place, 1}, u"A"_ns);
+        EXPECT_FALSE(text->string()->isEqualToString(NSString::of(units)));
+        text->replaceCharactersInRange_withString({place, 1}, NSString::of(units.substr(place, 1)));
+    }
     text->deleteCharactersInRange({5, 8990});
     EXPECT_EQ(text->length(), 10u);
     EXPECT_EQ(copy->toUTF16(), units);
+}
+
+TEST(NSAttributedStringTest, LongTextsAreIndependentOfTheStringsThatTheyAreMadeOf) {
+    const std::u16string units(9000, u'a');
+    Retained<NSMutableAttributedString> ofString, ofMutableString;
+    {
+        AutoreleasePool pool;
+        NSString* string = NSString::of(units);
+        ofString = NSMutableAttributedString::initWithString(string);
+        ofString->replaceCharactersInRange_withString({4000, 10}, u"b"_ns);
+        ofString->deleteCharactersInRange({8, 1});
+        EXPECT_EQ(string->toUTF16(), units);
+        NSMutableString* changed = NSMutableString::string();
+        changed->appendString(string);
+        ofMutableString = NSMutableAttributedString::initWithString(changed);
+        changed->setString(u""_ns);
+    }
+    EXPECT_EQ(ofString->string()->toUTF16(), units.substr(0, 3999) + u'b' + units.substr(4010));
+    EXPECT_EQ(ofMutableString->string()->toUTF16(), units);
 }
 
 TEST(NSAttributedStringTest, CopiesAreReadOnOtherThreadsWhileTheTextChanges) {

@@ -11,7 +11,6 @@
 #include "Writer/PlugIns/PlainText/WRPlainTextWriter.h"
 #include "Writer/PlugIns/RichText/RichTextPlugIn.h"
 #include "Writer/PlugIns/RichText/WRByteScanner.h"
-#include "Writer/PlugIns/RichText/WRControlWord.h"
 #include "Writer/PlugIns/RichText/WRRichTextReader.h"
 #include "Writer/PlugIns/RichText/WRRichTextWriter.h"
 
@@ -24,10 +23,8 @@ constexpr Library* kDependencies[] = {&baseTextLibrary};
 
 constinit Library plainTextPlugIn{
     "PlainText", kDependencies, kClassesOf<WRPlainTextReader, WRPlainTextWriter>, {}};
-constinit Library richTextPlugIn{"RichText",
-                                 kDependencies,
-                                 kClassesOf<WRByteScanner, WRControlWord, WRRichTextReader, WRRichTextWriter>,
-                                 {}};
+constinit Library richTextPlugIn{
+    "RichText", kDependencies, kClassesOf<WRByteScanner, WRRichTextReader, WRRichTextWriter>, {}};
 
 void registerTextPlugIns() {
     static bool isDone = false;  // no constant, whose value clang 14 fails to find

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Scanning/OFTrie.h"
+#include <array>
+#include <utility>
+#include <vector>
+
 #include "Text/NSTextTab.h"
 #include "Text/TextAttributes.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/PlugIns/RichText/RichTextParser.h"
-#include "Writer/PlugIns/RichText/WRControlWord.h"
 
 namespace pelvor {
 namespace {
@@ -269,55 +271,55 @@ class ControlWords {
         "cghi objattph objemb objh objw objscalex objscaley rsltpict rslttxt rsltrtf rsltbmp rsltmerge "
         "objupdate objlink objsetsize";
 
-    static OFTrie* trie() {
-        static OFTrie* const shared = makeTrie();
-        return shared;
+    /// The row of the name, or null.
+    static const ControlWord* find(std::string_view name) {
+        static ControlWords words;
+        return *words.placeOf(name);
     }
-    static OFCharacterSet* nonLetters() {
-        static OFCharacterSet* const set = [] {
-            auto made = OFCharacterSet::init();
-            made->addCharactersInRange({u'a', 26});
-            made->addCharactersInRange({u'A', 26});
-            made->invert();
-            return made.leak();
-        }();
-        return set;
-    }
-    static const ControlWord& row(unsigned index) { return rows()[index]; }
 
   private:
-    // A row for each name of the lists, and the table.
-    static std::vector<ControlWord>& rows() {
-        static std::vector<ControlWord> all;
-        return all;
-    }
-    static OFTrie* makeTrie() {
-        auto trie = OFTrie::initCaseSensitive(true);
-        // Lists first, so that no name of theirs takes the place of a row.
+    // A power of two, a few times as many as there are words.
+    static constexpr std::size_t kPlaces = 2048;
+
+    // Lists first, so that no name of theirs takes the place of a row.
+    ControlWords() {
         const std::pair<const char*, ControlWord> lists[] = {{kIgnored, {"", &P::ignore}},
                                                              {kSkipped, {"", &P::skipDestination}},
                                                              {kLeftOut, {"", &P::leaveOutDestination}}};
         for (const auto& [names, word] : lists) {
             for (std::string_view rest = names; !rest.empty();) {
                 const std::size_t end = std::min(rest.find(' '), rest.size());
-                rows().push_back({rest.substr(0, end), word.action});
+                _listed.push_back({rest.substr(0, end), word.action});
                 rest.remove_prefix(std::min(end + 1, rest.size()));
             }
         }
-        rows().insert(rows().end(), std::begin(kWords), std::end(kWords));
-        for (unsigned index = 0; index < rows().size(); ++index) {
-            auto bucket = make<WRControlWord>();
-            bucket->index = index;
-            trie->addBucket_forString(bucket, NSString::ofUTF8(rows()[index].name));
-        }
-        return trie.leak();
+        for (const ControlWord& word : _listed) *placeOf(word.name) = &word;
+        for (const ControlWord& word : kWords) *placeOf(word.name) = &word;
     }
+
+    // Names are so short that a call would take longer.
+    static bool isSame(std::string_view name, std::string_view other) {
+        if (name.size() != other.size()) return false;
+        for (std::size_t i = 0; i < name.size(); ++i)
+            if (name[i] != other[i]) return false;
+        return true;
+    }
+
+    // The word's place in the table, or the free one where it would stand.
+    const ControlWord** placeOf(std::string_view name) {
+        std::size_t place = 0;
+        for (char letter : name) place = (place ^ static_cast<std::uint8_t>(letter)) * 0x01000193;
+        place ^= place >> 16;
+        for (;; ++place) {
+            const ControlWord*& word = _places[place % kPlaces];
+            if (!word || isSame(word->name, name)) return &word;
+        }
+    }
+
+    std::vector<ControlWord> _listed;
+    std::array<const ControlWord*, kPlaces> _places{};
 };
 
-const ControlWord* ControlWord::next(WRByteScanner* scanner) {
-    auto* found = static_cast<WRControlWord*>(scanner->readLongestTrieElement_delimiterOFCharacterSet(
-        ControlWords::trie(), ControlWords::nonLetters()));
-    return found ? &ControlWords::row(found->index) : nullptr;
-}
+const ControlWord* ControlWord::find(std::string_view name) { return ControlWords::find(name); }
 
 }  // namespace pelvor

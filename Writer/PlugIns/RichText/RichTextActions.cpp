@@ -43,7 +43,7 @@ ParagraphFormat& P::paragraph() {
 // MARK: Destinations
 
 void P::leaveOut(int) {
-    if (_leftOut.size() < kMaximumLeftOut) _leftOut.insert(_word ? std::string(_word->name) : _name);
+    if (_leftOut.size() < kMaximumLeftOut) _leftOut.emplace(_word ? _word->name : _name);
 }
 
 void P::skipDestination(int) { begin(Destination::skipped); }

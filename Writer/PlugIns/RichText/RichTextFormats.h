@@ -95,21 +95,15 @@ struct ParagraphFormat : FormatValues<ParagraphProperty> {
 struct FormatHash {
     std::size_t operator()(const CharacterFormat& format) const { return hashOf(format.values); }
     std::size_t operator()(const ParagraphFormat& format) const {
-        std::size_t hash = hashOf(format.values);
-        for (const TabFormat& tab : format.tabs) hash = mixed(mixed(hash, tab.location), tab.type);
-        return hash;
+        return hashOf(format.values) * 31 + hashOf(format.tabs);
     }
 
   private:
-    static std::size_t mixed(std::size_t hash, std::int32_t value) {
-        hash = (hash ^ static_cast<std::uint32_t>(value)) * 0x9E3779B97F4A7C15;
-        return hash ^ hash >> 32;
-    }
+    // Of values without padding.
     template <class Values>
     static std::size_t hashOf(const Values& values) {
-        std::size_t hash = 0;
-        for (std::int32_t value : values) hash = mixed(hash, value);
-        return hash;
+        return std::hash<std::string_view>()(
+            {reinterpret_cast<const char*>(values.data()), values.size() * sizeof(values[0])});
     }
 };
 

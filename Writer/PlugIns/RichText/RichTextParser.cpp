@@ -11,7 +11,6 @@ namespace {
 
 // More than any word processor writes.
 constexpr std::size_t kMaximumDepth = 2000;
-constexpr std::size_t kMaximumNameLength = 32;
 
 constexpr bool isLetter(unichar unit) { return (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z'; }
 constexpr bool isDigit(unichar unit) { return unit >= u'0' && unit <= u'9'; }
@@ -30,6 +29,19 @@ constexpr auto kIsPlain = [] {
     isPlain['\t'] = true;
     return isPlain;
 }();
+
+// Takes the units that come next as long as the condition holds, one part after the other.
+template <class Condition, class Take>
+void takeWhile(WRByteScanner* scanner, Condition condition, Take take) {
+    std::u16string_view units, part;
+    do {
+        units = scanner->nextUnits();
+        const auto end = std::find_if_not(units.begin(), units.end(), condition);
+        part = units.substr(0, static_cast<std::size_t>(end - units.begin()));
+        take(part);
+        scanner->skipCharacters(static_cast<NSInteger>(part.size()));
+    } while (!units.empty() && part.size() == units.size());
+}
 
 }  // namespace
 
@@ -118,8 +130,8 @@ void RichTextParser::takeControl() {
 void RichTextParser::takeControlWord() {
     flushBytes();
     const bool isStarred = std::exchange(_isStarred, false);
-    _word = ControlWord::next(_scanner);
-    if (!_word) takeUnknownWord();
+    takeName();
+    _word = ControlWord::find(_name);
     takeParameter();
     const bool isSkipped = _state.destination == Destination::skipped;
     if (!isSkipped && (!_word || (isStarred && _word->action == &RichTextParser::ignore))) {
@@ -132,10 +144,15 @@ void RichTextParser::takeControlWord() {
     }
 }
 
-void RichTextParser::takeUnknownWord() {
-    _name.clear();
-    for (; isLetter(_scanner->peekCharacter()); _scanner->skipPeekedCharacter())
-        if (_name.size() < kMaximumNameLength) _name.push_back(static_cast<char>(_scanner->peekCharacter()));
+void RichTextParser::takeName() {
+    std::size_t count = 0;
+    takeWhile(
+        _scanner, [](unichar unit) { return isLetter(unit); },
+        [&](std::u16string_view letters) {
+            for (unichar letter : letters.substr(0, _letters.size() - count))
+                _letters[count++] = static_cast<char>(letter);
+        });
+    _name = {_letters.data(), count};
 }
 
 // Numbers that are too large become the largest. One space ends the word and is no text.
@@ -202,11 +219,10 @@ void RichTextParser::takeHexadecimal() {
 void RichTextParser::takePlain() {
     _isStarred = false;
     if (_state.destination == Destination::picture) return takePlainDigits();
-    if (_state.destination == Destination::skipped) {
-        while (kIsPlain[_scanner->peekCharacter()]) _scanner->skipPeekedCharacter();
-        if (_scanner->peekCharacter() >= 0x80) _scanner->skipPeekedCharacter();
-        return;
-    }
+    if (_state.destination == Destination::skipped)
+        return takeWhile(
+            _scanner, [](unichar unit) { return kIsPlain[unit] || unit >= 0x80; },
+            [](std::u16string_view) {});
     if (isText() && _skippedLeft == 0 && _bytes.empty() && _scanner->peekCharacter() < 0x80 &&
         !codePage().isSymbolic() && !_state.character[CharacterProperty::hidden])
         return takePlainText();
@@ -215,20 +231,27 @@ void RichTextParser::takePlain() {
 
 void RichTextParser::takePlainText() {
     UnitBuffer& text = _state.builder->unitsOfFormat(formatNumber());
-    for (unichar unit; kIsPlain[unit = _scanner->peekCharacter()]; _scanner->skipPeekedCharacter())
-        text.append(unit);
+    takeWhile(
+        _scanner, [](unichar unit) { return kIsPlain[unit]; },
+        [&](std::u16string_view units) { text.append(units); });
 }
 
 void RichTextParser::takePlainDigits() {
-    std::string& bytes = _picture.entry.bytes;
-    for (unichar unit; kIsPlain[unit = _scanner->peekCharacter()] || unit >= 0x80;
-         _scanner->skipPeekedCharacter()) {
-        const int digit = valueOfHexadecimal(unit);
-        if (digit < 0 || !_picture.isKnown) continue;
-        if (_picture.hasHalfByte) bytes.push_back(static_cast<char>(_picture.halfByte << 4 | digit));
-        _picture.halfByte = static_cast<std::uint8_t>(digit);
-        _picture.hasHalfByte = !_picture.hasHalfByte;
-    }
+    takeWhile(
+        _scanner, [](unichar unit) { return kIsPlain[unit] || unit >= 0x80; },
+        [&](std::u16string_view units) {
+            if (_picture.isKnown)
+                for (unichar unit : units) takeDigit(unit);
+        });
+}
+
+void RichTextParser::takeDigit(unichar unit) {
+    const int digit = valueOfHexadecimal(unit);
+    if (digit < 0) return;
+    if (_picture.hasHalfByte)
+        _picture.entry.bytes.push_back(static_cast<char>(_picture.halfByte << 4 | digit));
+    _picture.halfByte = static_cast<std::uint8_t>(digit);
+    _picture.hasHalfByte = !_picture.hasHalfByte;
 }
 
 void RichTextParser::takeByte(std::uint8_t byte) {

@@ -14,7 +14,7 @@ namespace pelvor {
 
 struct ControlWord;
 
-/// Reads one file. Groups are kept on a stack of states; a control word is found in a trie and calls the
+/// Reads one file. Groups are kept on a stack of states; a control word is found by its name and calls the
 /// function that its row of the table of control words names.
 class RichTextParser {
   public:
@@ -71,13 +71,14 @@ class RichTextParser {
     void closeGroup();
     void takeControl();
     void takeControlWord();
-    void takeUnknownWord();
+    void takeName();
     void takeParameter();
     void takeSymbol();
     void takeHexadecimal();
     void takePlain();
     void takePlainText();
     void takePlainDigits();
+    void takeDigit(unichar unit);
     void endTexts(const State& outermost);
     void finish();
 
@@ -181,7 +182,8 @@ class RichTextParser {
     bool _isDone = false;
 
     const ControlWord* _word = nullptr;
-    std::string _name;  // of the unknown word
+    std::array<char, 32> _letters;
+    std::string_view _name;  // of the word, or its beginning: some of the letters
     bool _hasParameter = false, _isStarred = false;
     int _parameter = 0;
 
@@ -220,7 +222,7 @@ struct ControlWord {
     int value = 0;
 
     /// The word's row, or null.
-    static const ControlWord* next(WRByteScanner* scanner);
+    static const ControlWord* find(std::string_view name);
 };
 
 }  // namespace pelvor

@@ -4,7 +4,6 @@
 #include "Writer/Pages/PagesLibrary.h"
 #include "Writer/PlugIns/RichText/RichTextPasteboard.h"
 #include "Writer/PlugIns/RichText/WRByteScanner.h"
-#include "Writer/PlugIns/RichText/WRControlWord.h"
 #include "Writer/PlugIns/RichText/WRRichTextReader.h"
 #include "Writer/PlugIns/RichText/WRRichTextWriter.h"
 
@@ -12,8 +11,8 @@ namespace pelvor {
 namespace {
 
 constexpr Library* kDependencies[] = {&pagesLibrary};
-constexpr Class* kClasses[] = {&WRByteScanner::classRecord, &WRControlWord::classRecord,
-                               &WRRichTextReader::classRecord, &WRRichTextWriter::classRecord};
+constexpr Class* kClasses[] = {&WRByteScanner::classRecord, &WRRichTextReader::classRecord,
+                               &WRRichTextWriter::classRecord};
 
 constexpr const Category* kCategories[] = {&NSAttributedString_RichText_category};
 

@@ -31,8 +31,15 @@ bool WRByteScanner::fetchMoreData() {
     _hasFailed |= count < 0;
     std::transform(_bytes.begin(), _bytes.begin() + std::max<std::ptrdiff_t>(count, 0), _units.begin(),
                    [](char byte) { return static_cast<std::uint8_t>(byte); });
-    return fetchMoreDataFromCharacters_length_offset_freeWhenDone(
-        _units.data(), static_cast<NSUInteger>(std::max<std::ptrdiff_t>(count, 0)), place, false);
+    _start = place;
+    _end = place + static_cast<NSUInteger>(std::max<std::ptrdiff_t>(count, 0));
+    return fetchMoreDataFromCharacters_length_offset_freeWhenDone(_units.data(), _end - _start, place, false);
+}
+
+std::u16string_view WRByteScanner::nextUnits() {
+    peekCharacter();
+    const NSUInteger place = scanLocation();
+    return {_units.data() + (place - _start), _end - place};
 }
 
 std::string WRByteScanner::readBytes(NSUInteger count) {

@@ -23,6 +23,8 @@ class WRByteScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreat
     /// Does nothing: the next fetch goes to the scan location, wherever that is.
     void _rewindCharacterSource() override {}
 
+    /// The units from the scan location on that are read already; none at the end of the data.
+    std::u16string_view nextUnits();
     bool isAtEnd() { return peekCharacter() == 0 && scanLocation() >= _source->length(); }
     /// Consumes `count` bytes and returns them; fewer if the file ends before.
     std::string readBytes(NSUInteger count);
@@ -37,7 +39,8 @@ class WRByteScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreat
     const TextFileSource* _source = nullptr;
     TextFileProgress _progress;
     std::vector<char> _bytes;
-    std::vector<unichar> _units;  // the scanner's buffer
+    std::vector<unichar> _units;      // the scanner's buffer
+    NSUInteger _start = 0, _end = 0;  // the places of its first unit and behind its last one
     bool _hasFailed = false;
 };
 

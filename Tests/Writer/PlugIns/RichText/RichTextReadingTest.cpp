@@ -189,6 +189,18 @@ TEST(RichTextReading, TellsWhereAFileIsBroken) {
     EXPECT_TRUE(readOf(" \r\n{\\rtf}\n\0 "s).isRichText);
 }
 
+// Files are read in blocks.
+TEST(RichTextReading, TakesWhatIsLong) {
+    const std::string text(150'000, 'a'), digits(150'000, '1');
+    EXPECT_EQ(textOf(text), text);
+    EXPECT_EQ(textOf("{\\*\\generator " + text + "}b"), "b");
+    EXPECT_EQ(textOf("{\\pict\\pngblip " + digits + "}b"), "[picture(png 0x0 " + digits + ")]\uFFFC[]b");
+    for (std::size_t before = 65'500; before < 65'540; ++before)
+        ASSERT_EQ(textOf(text.substr(0, before) + "\\rquote\\'e9{\\b b}"),
+                  text.substr(0, before) + "\u2019é[bold]b")
+            << before;
+}
+
 // Each would take hours if what is read once were looked at again and again.
 TEST(RichTextReading, TakesTimeInProportionWhateverTheFile) {
     for (const char* piece :
