@@ -4,10 +4,15 @@
 #include <fontconfig/fontconfig.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <map>
 #include <tuple>
 
 #include "Foundation/NSLog.h"
+#include "Foundation/StandardFolders.h"
+#include "Runtime/AutoreleasePool.h"
+#include "Text/Fonts/FontMemory.h"
 #include "Text/NSFontManager.h"
 
 namespace pelvor {
@@ -70,6 +75,58 @@ bool isUsable(FcPattern* pattern) {
            textOf(pattern, FC_FILE);
 }
 
+unsigned indexOf(FcPattern* pattern) { return static_cast<unsigned>(numberOf(pattern, FC_INDEX, 0)); }
+
+template <class Do>
+void forUsablePatterns(FcConfig* config, Do action) {
+    for (FcSetName name : {FcSetSystem, FcSetApplication})
+        if (const FcFontSet* set = FcConfigGetFonts(config, name))
+            for (int i = 0; i < set->nfont; ++i)
+                if (isUsable(set->fonts[i])) action(set->fonts[i]);
+}
+
+ListedFont fontOf(FcPattern* pattern) {
+    ListedFont font;
+    FontEntry& entry = font.entry;
+    entry.family = nameOf(pattern, FC_FAMILY, FC_FAMILYLANG);
+    entry.fullName = nameOf(pattern, FC_FULLNAME, FC_FULLNAMELANG);
+    entry.style = nameOf(pattern, FC_STYLE, FC_STYLELANG);
+    const char* postScriptName = textOf(pattern, FC_POSTSCRIPT_NAME);
+    entry.postScriptName = postScriptName ? postScriptName : entry.fullName;
+    entry.file = textOf(pattern, FC_FILE);
+    entry.index = indexOf(pattern);
+    entry.weight = weightOf(pattern);
+    entry.traits = traitsOf(pattern, entry.weight);
+    entry.isColoured = flagOf(pattern, FC_COLOR);
+    for (int place = 0; const char* family = textOf(pattern, FC_FAMILY, place); ++place)
+        font.families.emplace_back(family);
+    return font;
+}
+
+FontList listOf(FcConfig* config) {
+    FontList list;
+    forUsablePatterns(config, [&](FcPattern* pattern) { list.fonts.push_back(fontOf(pattern)); });
+    return list;
+}
+
+// The files and folders whose change may change what fontconfig says, with those of the user that it did not
+// find.
+std::vector<std::string> dependenciesOf(FcConfig* config) {
+    std::vector<std::string> paths;
+    for (FcStrList* list : {FcConfigGetConfigFiles(config), FcConfigGetFontDirs(config)}) {
+        while (const FcChar8* path = FcStrListNext(list))
+            paths.emplace_back(reinterpret_cast<const char*>(path));
+        FcStrListDone(list);
+    }
+    AutoreleasePool pool;
+    const std::string home = NSHomeDirectory()->fileSystemRepresentation();
+    const char* settings = std::getenv("XDG_CONFIG_HOME");
+    const std::string own = (settings && *settings ? settings : home + "/.config") + "/fontconfig";
+    paths.insert(paths.end(),
+                 {own + "/fonts.conf", own + "/conf.d", home + "/.fonts.conf", home + "/.fonts.conf.d"});
+    return paths;
+}
+
 FcPattern* patternOfFamily(const char* family) {
     FcPattern* pattern = FcPatternCreate();
     FcPatternAddString(pattern, FC_FAMILY, reinterpret_cast<const FcChar8*>(family));
@@ -96,10 +153,15 @@ FontCatalogue& FontCatalogue::shared() {
     return *catalogue;
 }
 
-FontCatalogue::FontCatalogue() : _config(FcConfigReference(nullptr)) {
-    for (FcSetName name : {FcSetSystem, FcSetApplication})
-        if (const FcFontSet* set = FcConfigGetFonts(_config, name))
-            for (int i = 0; i < set->nfont; ++i) add(set->fonts[i]);
+FontCatalogue::FontCatalogue() {
+    if (const std::optional<FontList> known = FontMemory::ofUser().read()) {
+        for (const ListedFont& font : known->fonts) add(font);
+        for (const auto& [family, place] : known->best) _rememberedBest.emplace(family, &_entries[place]);
+    } else {
+        FontList list = listOf(FcConfigReference(nullptr));
+        for (const ListedFont& font : list.fonts) add(font);
+        remember(std::move(list));
+    }
     for (const FontEntry& entry : _entries) _ordered.push_back(&entry);
     std::sort(_ordered.begin(), _ordered.end(), [](const FontEntry* a, const FontEntry* b) {
         return std::tie(a->postScriptName, a->file) < std::tie(b->postScriptName, b->file);
@@ -112,28 +174,42 @@ FontCatalogue::FontCatalogue() : _config(FcConfigReference(nullptr)) {
     if (_entries.empty()) logText("No font is installed: text is set in boxes");
 }
 
-void FontCatalogue::add(FcPattern* pattern) {
-    if (!isUsable(pattern)) return;
-    FontEntry& entry = _entries.emplace_back();
-    entry.family = nameOf(pattern, FC_FAMILY, FC_FAMILYLANG);
-    entry.fullName = nameOf(pattern, FC_FULLNAME, FC_FULLNAMELANG);
-    entry.style = nameOf(pattern, FC_STYLE, FC_STYLELANG);
-    const char* postScriptName = textOf(pattern, FC_POSTSCRIPT_NAME);
-    entry.postScriptName = postScriptName ? postScriptName : entry.fullName;
-    entry.file = textOf(pattern, FC_FILE);
-    entry.index = static_cast<unsigned>(numberOf(pattern, FC_INDEX, 0));
-    entry.weight = weightOf(pattern);
-    entry.traits = traitsOf(pattern, entry.weight);
-    entry.isColoured = flagOf(pattern, FC_COLOR);
-    FcCharSet* characters = nullptr;
-    if (FcPatternGetCharSet(pattern, FC_CHARSET, 0, &characters) == FcResultMatch)
-        entry.characters = characters;
-    entry.pattern = pattern;
-    _byPattern.emplace(pattern, &entry);
+void FontCatalogue::add(const ListedFont& font) {
+    FontEntry& entry = _entries.emplace_back(font.entry);
     _postScriptNames[lowerCased(entry.postScriptName)].push_back(&entry);
     _fullNames[lowerCased(entry.fullName)].push_back(&entry);
-    for (int place = 0; const char* family = textOf(pattern, FC_FAMILY, place); ++place)
-        _families[lowerCased(family)].push_back(&entry);
+    for (const std::string& family : font.families) _families[lowerCased(family)].push_back(&entry);
+}
+
+// Gives the entries what is not remembered.
+void FontCatalogue::askFontconfig() {
+    std::call_once(_asked, [this] {
+        _config = FcConfigReference(nullptr);
+        std::map<std::pair<std::string_view, unsigned>, FontEntry*> faces;
+        for (FontEntry& entry : _entries) faces[{entry.file, entry.index}] = &entry;
+        forUsablePatterns(_config, [&](FcPattern* pattern) {
+            const auto face = faces.find({textOf(pattern, FC_FILE), indexOf(pattern)});
+            if (face == faces.end()) return;
+            FcCharSet* characters = nullptr;
+            if (FcPatternGetCharSet(pattern, FC_CHARSET, 0, &characters) == FcResultMatch)
+                face->second->characters = characters;
+            face->second->pattern = pattern;
+            _byPattern.emplace(pattern, face->second);
+        });
+    });
+}
+
+void FontCatalogue::remember(FontList list) {
+    for (const char* family : {"sans-serif", "monospace"}) {
+        const auto order = ranked(patternOfFamily(family));
+        const auto best =
+            std::find_if(order.begin(), order.end(), [](auto* entry) { return !entry->isColoured; });
+        if (best == order.end()) continue;
+        const auto place =
+            std::find_if(_entries.begin(), _entries.end(), [&](auto& entry) { return &entry == *best; });
+        list.best.emplace_back(family, static_cast<std::size_t>(place - _entries.begin()));
+    }
+    FontMemory::ofUser().write(list, dependenciesOf(_config));
 }
 
 std::vector<const FontEntry*> FontCatalogue::look(const Names& names, std::string_view name) {
@@ -169,8 +245,11 @@ std::shared_ptr<FontFace> FontCatalogue::bestFace(const char* family) {
         if (auto known = _best.find(family); known != _best.end()) return known->second;
     }
     std::shared_ptr<FontFace> best;
-    for (const FontEntry* entry : ranked(patternOfFamily(family)))
-        if (!entry->isColoured && (best = face(*entry))) break;
+    if (auto known = _rememberedBest.find(family); known != _rememberedBest.end())
+        best = face(*known->second);
+    if (!best)
+        for (const FontEntry* entry : ranked(patternOfFamily(family)))
+            if (!entry->isColoured && (best = face(*entry))) break;
     if (!best) best = FontFace::box();
     std::lock_guard lock(_mutex);
     return _best.emplace(family, best).first->second;
@@ -186,7 +265,8 @@ std::shared_ptr<FontFace> FontCatalogue::emojiFace() {
     return emoji;
 }
 
-std::vector<const FontEntry*> FontCatalogue::substitutes(const FontEntry& entry, EastAsian language) const {
+std::vector<const FontEntry*> FontCatalogue::substitutes(const FontEntry& entry, EastAsian language) {
+    askFontconfig();
     static constexpr const char* kNames[kEastAsianCount] = {nullptr, "zh-cn", "zh-tw", "zh-hk", "ja", "ko"};
     FcPattern* wanted = patternOfFamily(entry.family.c_str());
     if (const char* name = kNames[static_cast<std::size_t>(language)])
@@ -200,7 +280,8 @@ std::vector<const FontEntry*> FontCatalogue::substitutes(const FontEntry& entry,
 }
 
 // Takes over the pattern.
-std::vector<const FontEntry*> FontCatalogue::ranked(FcPattern* wanted) const {
+std::vector<const FontEntry*> FontCatalogue::ranked(FcPattern* wanted) {
+    askFontconfig();
     FcConfigSubstitute(_config, wanted, FcMatchPattern);
     FcDefaultSubstitute(wanted);
     FcResult result = FcResultNoMatch;

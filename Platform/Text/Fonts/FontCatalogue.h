@@ -31,6 +31,7 @@ struct FontEntry {
     int weight = 5;       ///< 0 to 15, 5 is regular and 9 bold
     unsigned traits = 0;  ///< NSFontTraitMask
     bool isColoured = false;
+    // What fontconfig knows besides, once it was asked: FontCatalogue::substitutes does.
     const _FcCharSet* characters = nullptr;
     _FcPattern* pattern = nullptr;
 
@@ -40,7 +41,11 @@ struct FontEntry {
 /// The name with small letters for A to Z: names of fonts are compared so.
 std::string lowerCased(std::string_view name);
 
-/// The outline and colour fonts that fontconfig knows, read when first asked for. Any thread.
+struct FontList;
+struct ListedFont;
+
+/// The outline and colour fonts that fontconfig knows, or knew when its settings and the folders of fonts
+/// were the same, read when first asked for. Any thread.
 class FontCatalogue {
   public:
     static FontCatalogue& shared();
@@ -60,24 +65,29 @@ class FontCatalogue {
     std::shared_ptr<FontFace> bestFace(const char* family);
     /// All typefaces in the order in which the configuration would have them stand in for the given one in
     /// text of the language.
-    std::vector<const FontEntry*> substitutes(const FontEntry& entry, EastAsian language) const;
+    std::vector<const FontEntry*> substitutes(const FontEntry& entry, EastAsian language);
     /// The colour font for emoji, null if there is none.
     std::shared_ptr<FontFace> emojiFace();
 
   private:
     FontCatalogue();
-    void add(_FcPattern* pattern);
-    std::vector<const FontEntry*> ranked(_FcPattern* wanted) const;
+    void add(const ListedFont& font);
+    void askFontconfig();
+    void remember(FontList list);
+    std::vector<const FontEntry*> ranked(_FcPattern* wanted);
 
     // Names in lower case, each with all its typefaces.
     using Names = std::unordered_map<std::string, std::vector<const FontEntry*>>;
     static std::vector<const FontEntry*> look(const Names& names, std::string_view name);
 
-    _FcConfig* _config;
     std::deque<FontEntry> _entries;
     std::vector<const FontEntry*> _ordered;
-    std::unordered_map<const _FcPattern*, const FontEntry*> _byPattern;
     Names _postScriptNames, _fullNames, _families;
+    std::unordered_map<std::string, const FontEntry*> _rememberedBest;
+
+    std::once_flag _asked;  // for what follows
+    _FcConfig* _config = nullptr;
+    std::unordered_map<const _FcPattern*, const FontEntry*> _byPattern;
 
     struct Opened {
         std::weak_ptr<FontFace> face;

@@ -3,13 +3,18 @@
 // installs.
 #include "Text/NSFont.h"
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <cstdlib>
 
+#include "EnvironmentScope.h"
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSKeyedArchiver.h"
 #include "Foundation/NSKeyedUnarchiver.h"
 #include "Prelude.h"
 #include "TemporaryFolder.h"
+#include "Text/Fonts/FontMemory.h"
 #include "Text/NSFontDescriptor.h"
 #include "Text/NSFontManager.h"
 #include "Text/NSString-Drawing.h"
@@ -197,6 +202,72 @@ TEST(NSFontTest, IsABoxOnAMachineWithoutFonts) {
     };
     TemporaryFolder folder;
     EXPECT_EXIT(std::_Exit(withFontsIn(folder, check)), ::testing::ExitedWithCode(0), "No font is installed");
+}
+
+// In a process that has read no fonts yet.
+bool isFoundElsewhere(const char* name) {
+    const int child = fork();
+    if (child == 0) std::_Exit(fontNamed(name) ? 0 : 1);
+    int status = -1;
+    waitpid(child, &status, 0);
+    return status == 0;
+}
+
+TEST(NSFontTest, IsRememberedUntilFoldersChange) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    TemporaryFolder folder;
+    auto check = [&] {
+        setenv("XDG_CACHE_HOME", folder.path("cache").c_str(), 1);
+        std::filesystem::create_directories(folder.path("fonts"));
+        std::filesystem::copy_file("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf",
+                                   folder.path("fonts/DejaVuSans.ttf"));
+        bool isRight = isFoundElsewhere("DejaVu Sans");
+        std::string memory = folder.read("cache/pelvor-fonts");
+        for (std::size_t place; (place = memory.find("DejaVu Sans")) != std::string::npos;)
+            memory.replace(place, 6, "Memory");
+        folder.write("cache/pelvor-fonts", memory);
+        isRight = isRight && isFoundElsewhere("Memory Sans") && !isFoundElsewhere("DejaVu Sans");
+        folder.write("fonts/new", "");
+        return isRight && isFoundElsewhere("DejaVu Sans");
+    };
+    EXPECT_EXIT(std::_Exit(withFontsIn(folder, check)), ::testing::ExitedWithCode(0), "");
+}
+
+TEST(FontMemoryTest, KeepsAllOrNothing) {
+    TemporaryFolder folder;
+    const std::string path = folder.path("fonts"), other = folder.write("other", "");
+    const FontMemory memory(path);
+    FontList list;
+    list.fonts = {{{"A-Bold", "A", "A Bold", "Bold", "/a.ttf", 3, 9, NSBoldFontMask, false}, {"A", "Ä"}},
+                  {{"B", "B", "B", "", "/b.ttf", 1 << 16, 5, 0, true}, {"B"}}};
+    list.best = {{"serif", 1}};
+    memory.write(list, {other, folder.path("absent")});
+    const std::optional<FontList> read = memory.read();
+    ASSERT_TRUE(read && read->fonts.size() == 2);
+    const FontEntry& entry = read->fonts[0].entry;
+    EXPECT_EQ(entry.postScriptName + entry.family + entry.fullName + entry.style + entry.file,
+              "A-BoldAA BoldBold/a.ttf");
+    EXPECT_EQ(shown(entry.index, entry.weight, entry.traits, entry.isColoured), shown(3, 9, 2, false));
+    EXPECT_EQ(read->fonts[0].families, list.fonts[0].families);
+    EXPECT_TRUE(read->fonts[1].entry.isColoured && read->fonts[1].entry.index == 1 << 16);
+    EXPECT_EQ(read->best, list.best);
+
+    const std::string whole = folder.read("fonts");
+    for (std::size_t length = 0; length + 1 < whole.size(); ++length) {
+        folder.write("fonts", whole.substr(0, length));
+        ASSERT_FALSE(memory.read()) << length;
+    }
+    folder.write("fonts", whole);
+    EXPECT_FALSE((EnvironmentScope("FC_LANG", "tlh"), memory.read()));
+    EXPECT_TRUE(memory.read());
+    for (const char* changed : {"other", "absent"}) {
+        memory.write(list, {other, folder.path("absent")});
+        folder.write(changed, "new");
+        EXPECT_FALSE(memory.read()) << changed;
+    }
+    list.fonts[0].entry.file = "/with\ttab";
+    FontMemory(folder.path("second")).write(list, {});
+    EXPECT_FALSE(std::filesystem::exists(folder.path("second")));
 }
 
 TEST(NSFontTest, PassesOverABrokenFile) {

@@ -1,0 +1,146 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Text/Fonts/FontMemory.h"
+
+#include <fontconfig/fontconfig.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <fstream>
+#include <sstream>
+
+#include "Foundation/StandardFolders.h"
+#include "Runtime/AutoreleasePool.h"
+
+namespace pelvor {
+namespace {
+
+// The file has a line for the environment, lines that begin with their kind, and one for the end. Fields are
+// parted by tabs.
+constexpr std::string_view kDependency = "on", kFont = "font", kBest = "best", kEnd = "end";
+
+// What fontconfig looks at, or what its ranking depends on.
+std::string environment() {
+    std::string line = "Pelvor fonts 1, fontconfig " + std::to_string(FcGetVersion());
+    for (const char* name :
+         {"FONTCONFIG_FILE", "FONTCONFIG_PATH", "FONTCONFIG_SYSROOT", "HOME", "XDG_CONFIG_HOME",
+          "XDG_CONFIG_DIRS", "XDG_DATA_HOME", "XDG_DATA_DIRS", "FC_LANG", "LC_ALL", "LC_CTYPE", "LANG"}) {
+        const char* value = std::getenv(name);
+        line += '\t' + (value ? '=' + std::string(value) : "");
+    }
+    return line;
+}
+
+// When the file was changed, and its size; "-" if it is not there.
+std::string stateOf(const std::string& path) {
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0) return "-";
+    return std::to_string(status.st_mtim.tv_sec) + '.' + std::to_string(status.st_mtim.tv_nsec) + ' ' +
+           std::to_string(status.st_size);
+}
+
+// Takes what comes before the separator off the front of the text.
+std::string_view takeUntil(char separator, std::string_view& text) {
+    const std::size_t end = std::min(text.find(separator), text.size());
+    const std::string_view taken = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
+    return taken;
+}
+
+template <class Number>
+bool takeNumber(std::string_view& fields, Number& number) {
+    const std::string_view digits = takeUntil('\t', fields);
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return error == std::errc() && end == digits.data() + digits.size();
+}
+
+bool takeFont(std::string_view fields, ListedFont& font) {
+    FontEntry& entry = font.entry;
+    int isColoured = 0;
+    if (!takeNumber(fields, entry.index) || !takeNumber(fields, entry.weight) ||
+        !takeNumber(fields, entry.traits) || !takeNumber(fields, isColoured))
+        return false;
+    entry.isColoured = isColoured;
+    for (std::string* text :
+         {&entry.postScriptName, &entry.family, &entry.fullName, &entry.style, &entry.file})
+        *text = takeUntil('\t', fields);
+    while (!fields.empty()) font.families.emplace_back(takeUntil('\t', fields));
+    return true;
+}
+
+}  // namespace
+
+FontMemory FontMemory::ofUser() {
+    AutoreleasePool pool;
+    NSString* folder = folderOfType(folderType("cach"), FolderDomainUser);
+    return FontMemory(folder ? std::string(folder->fileSystemRepresentation()) + "/pelvor-fonts" : "");
+}
+
+std::optional<FontList> FontMemory::read() const {
+    std::ifstream file(_path, std::ios::binary);
+    std::ostringstream content;
+    if (!file || !(content << file.rdbuf())) return {};
+    const std::string text = std::move(content).str();
+    std::string_view rest = text;
+    if (takeUntil('\n', rest) != environment()) return {};
+    FontList list;
+    while (!rest.empty()) {
+        std::string_view fields = takeUntil('\n', rest);
+        const std::string_view kind = takeUntil('\t', fields);
+        if (kind == kEnd) return list;
+        if (kind == kDependency) {
+            const std::string path(takeUntil('\t', fields));
+            if (stateOf(path) != fields) return {};
+        } else if (kind == kFont) {
+            if (!takeFont(fields, list.fonts.emplace_back())) return {};
+        } else if (kind == kBest) {
+            auto& [family, place] = list.best.emplace_back(takeUntil('\t', fields), 0);
+            if (!takeNumber(fields, place) || place >= list.fonts.size()) return {};
+        }
+    }
+    return {};
+}
+
+void FontMemory::write(const FontList& list, const std::vector<std::string>& dependencies) const {
+    std::string text;
+    bool isPossible = !_path.empty();
+    const auto add = [&](std::string_view field, char behind = '\t') {
+        isPossible = isPossible && field.find_first_of("\t\n") == std::string_view::npos;
+        text += field;
+        text += behind;
+    };
+    for (const std::string& path : dependencies) {
+        add(kDependency);
+        add(path);
+        add(stateOf(path), '\n');
+    }
+    for (const auto& [entry, families] : list.fonts) {
+        add(kFont);
+        for (long number :
+             {long{entry.index}, long{entry.weight}, long{entry.traits}, long{entry.isColoured}})
+            add(std::to_string(number));
+        for (const std::string& field :
+             {entry.postScriptName, entry.family, entry.fullName, entry.style, entry.file})
+            add(field);
+        for (const std::string& family : families) add(family);
+        text.back() = '\n';
+    }
+    for (const auto& [family, place] : list.best) {
+        add(kBest);
+        add(family);
+        add(std::to_string(place), '\n');
+    }
+    if (!isPossible) return;
+    // Other programs see the old file or the new one.
+    std::string draft = _path + ".XXXXXX";
+    const int descriptor = mkstemp(draft.data());
+    if (descriptor < 0) return;
+    close(descriptor);
+    std::ofstream file(draft, std::ios::binary);
+    file << environment() << '\n' << text << kEnd << '\n';
+    file.close();
+    if (!file || std::rename(draft.c_str(), _path.c_str()) != 0) unlink(draft.c_str());
+}
+
+}  // namespace pelvor
