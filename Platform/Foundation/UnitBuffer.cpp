@@ -13,10 +13,13 @@ namespace {
 // reading a large file goes into making small ones.
 constexpr std::size_t kLarge = std::size_t{8} << 20;
 
+// With the pages at the ends that the units share: memory that is advised in part cannot be made larger where
+// it is, but has to be copied.
 void askForHugePages(void* memory, std::size_t size) {
     const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-    const auto start = (reinterpret_cast<std::uintptr_t>(memory) + page - 1) / page * page;
-    madvise(reinterpret_cast<void*>(start), size - page, MADV_HUGEPAGE);
+    const auto place = reinterpret_cast<std::uintptr_t>(memory);
+    const std::uintptr_t start = place / page * page, end = (place + size + page - 1) / page * page;
+    madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
 }
 
 }  // namespace
