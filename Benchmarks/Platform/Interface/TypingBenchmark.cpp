@@ -58,10 +58,9 @@ using Pixels = std::vector<std::uint32_t>;
 
 class Onlooker {
   public:
-    Onlooker(const char* program, std::size_t size)
-        : _server(XServerScope::Manager::openbox),
-          _start(millisecondsNow()),
-          _program(commandOf(program, size)) {}
+    Onlooker(const char* program, std::size_t size) : Onlooker(commandOf(program, size)) {}
+    explicit Onlooker(const std::vector<std::string>& command)
+        : _server(XServerScope::Manager::openbox), _start(millisecondsNow()), _program(command) {}
 
     /// Milliseconds from the start until there are dark pixels on light ones where the text begins.
     double waitForText() {
@@ -69,6 +68,23 @@ class Onlooker {
             const Pixels pixels = see(kWindowLeft + 5, kWindowTop + 5, 200, 60);
             return std::ranges::any_of(pixels, isDark) && std::ranges::count_if(pixels, isLight) > 6000;
         });
+    }
+    /// Milliseconds of processor time that the program takes until there are dark pixels on light ones where
+    /// the text of Writer's first page begins.
+    double waitForPage() {
+        const bool isSeen = waitUntil([&] {
+                                const Pixels pixels = see(420, 180, 400, 100);
+                                return std::ranges::count_if(pixels, isDark) > 500 &&
+                                       std::ranges::count_if(pixels, isLight) > 20000;
+                            }) >= 0;
+        double nanoseconds = 0;
+        for (const auto& task :
+             std::filesystem::directory_iterator("/proc/" + std::to_string(_program.pid()) + "/task")) {
+            double taken = 0;
+            std::ifstream(task.path() / "schedstat") >> taken;
+            nanoseconds += taken;
+        }
+        return isSeen ? nanoseconds / 1e6 : -1;
     }
     /// Milliseconds from the key until a pixel changes that it always changes, `count` times; the other key
     /// makes it as it was before.
@@ -177,6 +193,25 @@ void starting(benchmark::State& state, const char* program) {
     tell(state, times);
 }
 
+// As an editor of small texts writes.
+void openingRichText(benchmark::State& state) {
+    const std::filesystem::path file = std::filesystem::temp_directory_path() / "TypingBenchmark.rtf";
+    {
+        std::ofstream bytes(file);
+        bytes << "{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0\\froman DejaVu Serif;}}\n";
+        while (bytes.tellp() < state.range(0))
+            bytes << "\\pard\\sa200\\sl276\\slmult1\\f0\\fs22 It was a bright cold day in April, and the "
+                     "clocks "
+                     "were striking \\b thirteen\\b0 . Winston Smith, his chin nuzzled into his breast in an "
+                     "effort to escape the vile wind, slipped quickly through the glass doors.\\par\n";
+        bytes << "}";
+    }
+    std::vector<double> times;
+    for (int i = 0; i < 8; ++i)
+        times.push_back(Onlooker(std::vector<std::string>{WRITER_PROGRAM, file}).waitForPage());
+    tell(state, times);
+}
+
 void settings(benchmark::internal::Benchmark* benchmark) {
     benchmark->Unit(benchmark::kMillisecond)->UseManualTime()->Iterations(1);
 }
@@ -201,6 +236,7 @@ void add(const char* program) {
 int main(int argc, char** argv) {
     if (argc == 3 && std::string_view(argv[1]) == "ours") return showOurs(std::strtoul(argv[2], nullptr, 10));
     for (const char* program : {"ours", "Writer", "QTextEdit", "QPlainTextEdit"}) add(program);
+    benchmark::RegisterBenchmark("richText/Writer", openingRichText)->Apply(settings)->Arg(10'000'000);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
 }
