@@ -8,6 +8,7 @@
 #include "Foundation/NSNumber.h"
 #include "Interface/Drawing/Shapes.h"
 #include "Interface/InterfaceLibrary.h"
+#include "Interface/Menus/MenuLayout.h"
 #include "Interface/NSControl.h"
 #include "Interface/NSImage.h"
 #include "Interface/Texts/CopiedText.h"
@@ -177,7 +178,7 @@ NSSize NSButtonCell::cellSizeForBounds(NSRect) {
 
 NSButtonCell::Parts NSButtonCell::partsInFrame(NSRect frame) {
     Parts parts;
-    const bool isRightToLeft = baseWritingDirection() == NSWritingDirectionRightToLeft;
+    const bool isRightToLeft = runsFromRightToLeft(baseWritingDirection());
     NSRect rest = frame;
     if (hasMark()) {
         NSDivideRect(rest, &parts.mark, &rest, metrics::kSwitchSize, isRightToLeft ? NSMaxXEdge : NSMinXEdge);

@@ -132,8 +132,7 @@ NSSize NSPopUpButtonCell::cellSizeForBounds(NSRect) {
 }
 
 void NSPopUpButtonCell::drawInteriorWithFrame_inView(NSRect frame, NSView*) {
-    const NSRectEdge trailing =
-        baseWritingDirection() == NSWritingDirectionRightToLeft ? NSMinXEdge : NSMaxXEdge;
+    const NSRectEdge trailing = runsFromRightToLeft(baseWritingDirection()) ? NSMinXEdge : NSMaxXEdge;
     NSRect arrow, rest;
     NSDivideRect(NSInsetRect(frame, metrics::kFieldInset, 0), &arrow, &rest, kArrowWidth, trailing);
     drawText_inRect(title(), NSInsetRect(rest, metrics::kFieldInset, metrics::kTextInset));

@@ -12,7 +12,6 @@
 #include "Text/NSAttributedString-Drawing.h"
 #include "Text/NSColor.h"
 #include "Text/NSFont.h"
-#include "Text/NSParagraphStyle.h"
 #include "Text/NSString-Drawing.h"
 
 namespace pelvor {
@@ -48,6 +47,11 @@ NSSize roundedUp(NSSize size) { return {std::ceil(size.width), std::ceil(size.he
 
 bool menusRunFromRightToLeft() {
     return NSParagraphStyle::defaultWritingDirectionForLanguage(nullptr) == NSWritingDirectionRightToLeft;
+}
+
+bool runsFromRightToLeft(NSWritingDirection direction) {
+    return direction == NSWritingDirectionNatural ? menusRunFromRightToLeft()
+                                                  : direction == NSWritingDirectionRightToLeft;
 }
 
 // MARK: Texts

@@ -8,6 +8,7 @@
 #include "Foundation/NSAttributedString.h"
 #include "Foundation/NSGeometry.h"
 #include "Interface/NSMenuItem.h"
+#include "Text/NSParagraphStyle.h"
 
 namespace pelvor {
 
@@ -75,5 +76,7 @@ class MenuLayout {
 
 /// Whether menus run from right to left in the user's language.
 bool menusRunFromRightToLeft();
+/// The same of a control with this base direction; a natural one is that of menus.
+bool runsFromRightToLeft(NSWritingDirection direction);
 
 }  // namespace pelvor

@@ -45,7 +45,11 @@ NSSize MenuListView::wantedSize() {
     return {_layout->size().width, _layout->size().height + 2 * metrics::kMenuInset};
 }
 
-float MenuListView::lengthBeyond() { return std::max(0.0F, wantedSize().height - NSHeight(bounds())); }
+// A window is as high as whole pixels are, so that a part of a point may be missing.
+float MenuListView::lengthBeyond() {
+    const float beyond = wantedSize().height - NSHeight(bounds());
+    return beyond < 1 ? 0 : beyond;
+}
 
 NSRect MenuListView::linesRect() {
     NSRect rect = bounds();

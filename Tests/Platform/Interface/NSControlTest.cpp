@@ -2,6 +2,7 @@
 #include "Interface/NSControl.h"
 
 #include "ActionTarget.h"
+#include "EnvironmentScope.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSButton.h"
 #include "Interface/NSSegmentedControl.h"
@@ -108,6 +109,12 @@ TEST_F(ControlTest, SwitchesBoxesThroughTheirStatesAndRadioButtonsByGroups) {
         states += std::to_string(box->state()) + " ";
     }
     EXPECT_EQ(states, "-1 1 0 -1 ");
+    const auto titleX = [&] { return NSMinX(box->cell()->titleRectForBounds(box->bounds())); };
+    EXPECT_GT(titleX(), 0);
+    {
+        LanguageScope language("he");
+        EXPECT_EQ(titleX(), 0) << "the mark is at the right";
+    }
 
     auto first = added<NSButton>({{20, 60}, {80, 20}}), second = added<NSButton>({{20, 90}, {80, 20}});
     for (NSButton* radio : {first.get(), second.get()}) radio->setButtonType(NSRadioButton);

@@ -526,6 +526,24 @@ TEST_F(MenuTracking, HasLinesOfOneHeight) {
     EXPECT_GT(heightWith(NSFont::userFixedPitchFontOfSize(40)), 50);
 }
 
+TEST_F(MenuTracking, ShowsAllLinesWherePixelsArePartsOfPoints) {
+    BackendScreen fine = screen.backend->screens()[0];
+    fine.scale = 1.25F;
+    screen.backend->setScreens({fine});
+    screen.turn();
+    auto menu = NSMenu::init();
+    for (int i = 0; i < 13; ++i) add(menu, std::to_string(i).c_str(), taker);
+    menu->insertItem_atIndex(NSMenuItem::separatorItem(), 1);  // 305 points are 381.25 pixels
+    window->contentView()->setMenu(menu);
+    plan({[&] {
+              NSView* list = menuWindow()->contentView();
+              EXPECT_LT(NSHeight(list->frame()), 305);
+              screen.backend->movePointer(screen.placeOf(list, {40, NSHeight(list->frame()) - 8}));
+          },
+          [&] { EXPECT_EQ(highlighted(menu), "12"); }});
+    openContextMenu();
+}
+
 TEST_F(MenuTracking, HighlightsTitlesByTheirHandles) {
     const MenuRef handle = _NSGetCarbonMenu(edit);
     ASSERT_TRUE(handle && GetMenuID(handle));
