@@ -57,14 +57,15 @@ class WriterWindowsTest : public ::testing::Test {
         return outputOf("timeout 2 xclip -o -selection clipboard 2>/dev/null").text;
     }
 
+    // Settings and what a crash has left are the test's own.
+    const TemporaryFolder folder;
+    const EnvironmentScope state{"XDG_STATE_HOME", folder.path("state").c_str()};
+    const EnvironmentScope config{"XDG_CONFIG_HOME", folder.path("config").c_str()};
     std::optional<XServerScope> server;
 };
 
 // Somebody writes in two languages, with a key that puts accents on letters, and goes on the next day.
 TEST_F(WriterWindowsTest, TakesALetterInTwoLanguages) {
-    const TemporaryFolder folder;
-    const EnvironmentScope state("XDG_STATE_HOME", folder.path("state").c_str());
-    const EnvironmentScope config("XDG_CONFIG_HOME", folder.path("config").c_str());
     const std::string path =
         folder.write("Letter.rtf", "{\\rtf1\\ansi{\\fonttbl{\\f0 Noto Serif;}}\\f0 Dear Anna,\\par}");
     XServerScope::run({"setxkbmap", "us", "intl"});
@@ -96,9 +97,6 @@ class WriterLossTest : public WriterWindowsTest, public ::testing::WithParamInte
 INSTANTIATE_TEST_SUITE_P(ItselfOrItsDisplay, WriterLossTest, ::testing::Bool());
 
 TEST_P(WriterLossTest, BringsBackWhatWasTypedBeforeItWasKilled) {
-    const TemporaryFolder folder;
-    const EnvironmentScope state("XDG_STATE_HOME", folder.path("state").c_str());
-    const EnvironmentScope config("XDG_CONFIG_HOME", folder.path("config").c_str());
     const std::string path = folder.write("Letter.txt", "Anna");
     const std::filesystem::path journals = folder.path("state/pelvor-writer/recovery");
     const auto isShown = [] {
