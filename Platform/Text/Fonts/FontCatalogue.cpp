@@ -209,7 +209,8 @@ void FontCatalogue::remember(FontList list) {
             std::find_if(_entries.begin(), _entries.end(), [&](auto& entry) { return &entry == *best; });
         list.best.emplace_back(family, static_cast<std::size_t>(place - _entries.begin()));
     }
-    FontMemory::ofUser().write(list, dependenciesOf(_config));
+    // What has changed since it was read would be taken for what was read.
+    if (FcConfigUptoDate(_config)) FontMemory::ofUser().write(list, dependenciesOf(_config));
 }
 
 std::vector<const FontEntry*> FontCatalogue::look(const Names& names, std::string_view name) {
