@@ -75,6 +75,7 @@ Retained<WRDocument> WRDocument::initWithPath_reader_answer(NSString* path, PBPr
     if (!text) return nullptr;
     auto self = make<WRDocument>(cls);
     self->_path = path->copy();
+    self->_name.set(u""_ns);
     if (auto* rich = cast<NSAttributedString>(answer->objectForKey(WRRichTextKey))) {
         self->_attributedText = rich->mutableCopy();
         self->_hasFormats = true;

@@ -423,6 +423,7 @@ bool WRDocumentWindow::changeSettings(NSDictionary* settings) {
     for (NSString* key : {WRHeaderKey, WRFooterKey})
         if (auto* line = cast<NSAttributedString>(now->objectForKey(key)); line && !line->length())
             now->removeObjectForKey(key);
+    if (now->isEqual(_pageView->pages()->settings())) return true;
     // From now on the document has settings of its own, all of those that are seen.
     auto* own = NSMutableDictionary::dictionaryWithDictionary(now);
     NSDictionary* ownBefore = _document->settings();

@@ -90,12 +90,13 @@ void WRPageSetupPanel::makePanel() {
     auto form = WRFormView::create(this, kFieldWidth);
     _paper.set(form->addPopUp(localized(u"_Paper:"_ns),
                               paperTitles(paper == StyleSheet::paperNames()->count()), {}));
-    _paper->selectItemAtIndex(static_cast<NSInteger>(paper));
+    _shownPaper = static_cast<NSInteger>(paper);
+    _paper->selectItemAtIndex(_shownPaper);
     _orientation.set(form->addPopUp(localized(u"_Orientation:"_ns),
                                     NSArray::of({localized(u"_Upright"_ns), localized(u"_Sideways"_ns)}),
                                     {}));
     _orientation->setTag(kOrientationTag);
-    _orientation->selectItemAtIndex(_width > _height ? kSideways : kUpright);
+    _orientation->selectItemAtIndex(shownOrientation());
     const struct {
         NSString *key, *label;
         float length;
@@ -105,9 +106,11 @@ void WRPageSetupPanel::makePanel() {
                     {WRBottomMarginKey, u"_Bottom margin in mm:"_ns, frame.bottom}};
     for (std::size_t i = 0; i < std::size(kMargins); ++i) {
         const auto& [key, label, length] = kMargins[i];
-        _margins[i] = {key, Retained<NSTextField>::retaining(form->addField(localized(label)))};
-        _margins[i].field->setStringValue(
-            NSString::stringWithFormat(u"%.1f"_ns, static_cast<double>(length / kPointsPerMillimetre)));
+        NSString* shown =
+            NSString::stringWithFormat(u"%.1f"_ns, static_cast<double>(length / kPointsPerMillimetre));
+        NSTextField* field = form->addField(localized(label));
+        field->setStringValue(shown);
+        _margins[i] = {key, Retained<NSTextField>::retaining(field), Retained<NSString>::retaining(shown)};
     }
     addLines(form);
     _message.set(form->addMessage());
@@ -137,11 +140,7 @@ void WRPageSetupPanel::addLines(WRFormView* form) {
     headerDidChange(nullptr);
 }
 
-void WRPageSetupPanel::headerDidChange(id) {
-    const bool hasHeader = _hasHeader->state() != 0;
-    _headerText->setEnabled(hasHeader);
-    _headerText->setDrawsBackground(hasHeader);
-}
+void WRPageSetupPanel::headerDidChange(id) { _headerText->setEnabled(_hasHeader->state() != 0); }
 
 void WRPageSetupPanel::runModal() {
     const auto alive = Retained<WRPageSetupPanel>::retaining(this);
@@ -149,7 +148,7 @@ void WRPageSetupPanel::runModal() {
     _panel->orderOut(nullptr);
 }
 
-// Null if a margin is no length.
+// Null if a margin is no length. What is shown may be rounded, so only what was changed counts.
 NSDictionary* WRPageSetupPanel::chosenSettings() {
     auto* settings = NSMutableDictionary::dictionary();
     const auto set = [&](NSString* key, float length) {
@@ -161,12 +160,16 @@ NSDictionary* WRPageSetupPanel::chosenSettings() {
     if (index < names->count())
         paper = StyleSheet::paperSizeNamed(static_cast<NSString*>(names->objectAtIndex(index)));
     if (_orientation->indexOfSelectedItem() == kSideways) std::swap(paper.width, paper.height);
-    set(WRPageWidthKey, paper.width);
-    set(WRPageHeightKey, paper.height);
+    if (_paper->indexOfSelectedItem() != _shownPaper ||
+        _orientation->indexOfSelectedItem() != shownOrientation()) {
+        set(WRPageWidthKey, paper.width);
+        set(WRPageHeightKey, paper.height);
+    }
     for (const Margin& margin : _margins) {
         const float length = lengthOf(margin.field->stringValue());
         if (!(length >= 0)) return nullptr;
-        set(margin.key, length * kPointsPerMillimetre);
+        if (!margin.field->stringValue()->isEqualToString(margin.shown))
+            set(margin.key, length * kPointsPerMillimetre);
     }
     setLines(settings);
     return settings;

@@ -26,7 +26,7 @@ class WRPageSetupPanel : public NSObject {
   public:
     // C++ only
     /// Shows the settings, which are those of PlugInProtocol.h. The function is given the settings that the
-    /// panel has fields for; it returns whether they leave room for text. New headers and
+    /// user has changed; it returns whether they leave room for text. New headers and
     /// footers are in the styles "header" and "footer" of the sheet; those switched off are empty.
     static Retained<WRPageSetupPanel> create(NSDictionary* settings, const StyleSheet& sheet,
                                              std::function<bool(NSDictionary*)> apply);
@@ -52,11 +52,13 @@ class WRPageSetupPanel : public NSObject {
     struct Margin {
         NSString* key;
         Retained<NSTextField> field;
+        Retained<NSString> shown;  // at first
     };
 
     void makePanel();
     void addLines(WRFormView* form);
     NSDictionary* chosenSettings();
+    NSInteger shownOrientation() { return _width > _height; }
     void setLines(NSMutableDictionary* settings);
     NSAttributedString* shownLine(NSString* key);
 
@@ -64,6 +66,7 @@ class WRPageSetupPanel : public NSObject {
     Retained<NSDictionary> _settings;         // as they were
     Retained<NSDictionary> _header, _footer;  // attributes of new ones
     float _width = 0, _height = 0;            // of the paper as it was
+    NSInteger _shownPaper = 0;
     Retained<WRPalette> _panel;
     Retained<NSPopUpButton> _paper, _orientation;
     Margin _margins[4];

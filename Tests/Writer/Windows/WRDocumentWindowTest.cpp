@@ -260,6 +260,8 @@ TEST_F(DocumentWindowTest, HasTheHeaderAndThePageNumbersThatTheUserAsksFor) {
         return text;
     };
     EXPECT_EQ(lines(), "||");
+    setUp(false, u""_ns, false);
+    EXPECT_FALSE(window->document()->settings() || window->window()->isDocumentEdited()) << "no change";
     setUp(true, u""_ns, true);
     EXPECT_EQ(lines(), "{title}|{page}|");
     EXPECT_TRUE(window->window()->isDocumentEdited());
