@@ -101,16 +101,16 @@ TEST_F(SpellingTest, MarksWordsInTheLanguageOfTheText) {
         NSString *first, *last;  // the languages of the first and the last line, "=" as the user has set it
         const char* marked;
     };
-    for (const Row& row :
-         std::vector<Row>{{"the user's", u"the sae das", nullptr, nullptr, " sae das"},
-                          {"set", u"the Mer\nel mar", u"=de"_ns, u"=es"_ns, " the Mer"},
-                          {"beside a line", u"das Meer\nthe Meer mer", u"de"_ns, u"en"_ns, " mer"},
-                          {"above a line", u"mer Meer\n\nla mer", u"de"_ns, u"fr"_ns, ""},
-                          {"the user's in a short line", u"das sea mer", u"de"_ns, nullptr, " mer"},
-                          {"set in a short line", u"das sea", u"=de"_ns, nullptr, " sea"},
-                          {"a long line", u"das sea das das das das das das das das das das das", u"de"_ns,
-                           nullptr, " sea"},
-                          {"without a dictionary", u"zzz sae", u"es"_ns, nullptr, ""}}) {
+    Row rows[] = {
+        {"the user's", u"the sae das", nullptr, nullptr, " sae das"},
+        {"set", u"the Mer\nel mar", u"=de"_ns, u"=es"_ns, " the Mer"},
+        {"beside a line", u"das Meer\nthe Meer mer", u"de"_ns, u"en"_ns, " mer"},
+        {"above a line", u"mer Meer\n\nla mer", u"de"_ns, u"fr"_ns, ""},
+        {"the user's in a short line", u"das sea mer", u"de"_ns, nullptr, " mer"},
+        {"set in a short line", u"das sea", u"=de"_ns, nullptr, " sea"},
+        {"a long line", u"das sea das das das das das das das das das das das", u"de"_ns, nullptr, " sea"},
+        {"without a dictionary", u"zzz sae", u"es"_ns, nullptr, ""}};
+    for (const Row& row : rows) {
         open(NSString::of(row.text));
         const std::u16string_view text = row.text;
         setLanguage(row.first, text.substr(0, text.find(u'\n')), 0);
