@@ -73,6 +73,7 @@ Retained<WRSpellingMarks> WRSpellingMarks::create(NSTextStorage* storage, View v
 WRSpellingMarks::~WRSpellingMarks() { NSNotificationCenter::defaultCenter()->removeObserver(this); }
 
 void WRSpellingMarks::stop() {
+    NSNotificationCenter::defaultCenter()->removeObserver(this);
     _view = {};
     stopSearch();
     checker()->closeSpellDocumentWithTag(_tag);

@@ -173,6 +173,8 @@ TEST_F(SpellingTest, OffersWhatMayHaveBeenMeant) {
     firstMarks->unignoreWord(u"sae"_ns);
     settle();
     EXPECT_TRUE(firstMarks->marksInRange({0, 11}).empty());
+    firstWindow->window()->close();
+    EXPECT_EQ(choose(15, "unlearnWord:"_sel), " _Unlearn Spelling ") << "a closed window hears nothing";
 }
 
 TEST_F(SpellingTest, GoesToTheNextMisspelling) {
