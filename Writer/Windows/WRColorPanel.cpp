@@ -143,9 +143,12 @@ void WRColorPanel::apply(ColorParts parts) {
     if (!commands || !commands->canEdit())
         return _message->setStringValue(
             localized(commands ? u"_This text cannot be changed."_ns : u"_No document is open."_ns));
-    _isApplying = true;
+    struct Applying {
+        bool& flag;
+        explicit Applying(bool& raised) : flag(raised) { flag = true; }
+        ~Applying() { flag = false; }
+    } applying(_isApplying);
     commands->setTextColor(parts.color(), commands == _changed);
-    _isApplying = false;
     _changed = commands;
 }
 

@@ -7,7 +7,6 @@
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSNumber.h"
-#include "Foundation/NSUndoManager.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSMenuItem.h"
 #include "Menus/NSMenuItem-PelvorAdditions.h"
@@ -20,6 +19,7 @@
 #include "Writer/LocalizedText.h"
 #include "Writer/Pages/StyleChange.h"
 #include "Writer/WRDocument.h"
+#include "Writer/Windows/UndoPause.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
@@ -227,17 +227,16 @@ void WRFormatCommands::setDocumentHasFormats(bool hasFormats) {
 
 // One step to undo, apart from what is typed before and after. False if the user may not change the range.
 bool WRFormatCommands::edit(id sender, NSString* name, NSRange range,
-                            const std::function<void(NSTextStorage* text)>& change) {
+                            const std::function<void(NSTextStorage* text)>& change, bool continuesStep) {
     const auto alive = Retained<WRFormatCommands>::retaining(this);
     const auto view = Retained<WRPageView>::retaining(_pageView);
     if (view->hasMarkedText()) view->unmarkText();
     view->breakUndoCoalescing();
     NSUndoManager* undo = view->undoManager();
-    const bool hasOwnStep = undo && !_continuesStep;
-    if (undo && !hasOwnStep) undo->disableUndoRegistration();
-    const bool mayChange = view->shouldChangeTextInRange_replacementString(range, nullptr);
-    if (undo && !hasOwnStep) undo->enableUndoRegistration();
-    if (!mayChange) return false;
+    {
+        const UndoPause pause(continuesStep ? undo : nullptr);
+        if (!view->shouldChangeTextInRange_replacementString(range, nullptr)) return false;
+    }
     setDocumentHasFormats(true);
     NSTextStorage* text = view->textStorage();
     text->beginEditing();
@@ -245,7 +244,7 @@ bool WRFormatCommands::edit(id sender, NSString* name, NSRange range,
     text->endEditing();
     view->breakUndoCoalescing();
     auto* item = cast<NSMenuItem>(sender);
-    if (hasOwnStep) undo->setActionName(item ? item->title() : name ? name : u""_ns);
+    if (undo && !continuesStep) undo->setActionName(item ? item->title() : name ? name : u""_ns);
     view->didChangeText();
     return true;
 }
@@ -256,10 +255,13 @@ void WRFormatCommands::setTyping(NSDictionary* attributes) {
     NSNotificationCenter::defaultCenter()->postNotificationName_object(WRFormatsDidChangeNotification, this);
 }
 
-void WRFormatCommands::changeCharacters(id sender, NSString* name, const AttributeChange& change) {
+void WRFormatCommands::changeCharacters(id sender, NSString* name, const AttributeChange& change,
+                                        bool continuesStep) {
     if (!canEdit()) return;
     if (const NSRange range = selection(); range.length > 0) {
-        edit(sender, name, range, [&](NSTextStorage* text) { text->changeAttributesInRange(range, change); });
+        edit(
+            sender, name, range, [&](NSTextStorage* text) { text->changeAttributesInRange(range, change); },
+            continuesStep);
         return setTyping(nullptr);
     }
     if (!_document->hasFormats()) _document->setHasFormats(true);
@@ -334,10 +336,10 @@ void WRFormatCommands::takeColorFrom(id sender) {
 }
 
 void WRFormatCommands::setTextColor(NSColor* color, bool continuesStep) {
-    _continuesStep = continuesStep;
-    changeCharacters(nullptr, localized(u"_Colour"_ns),
-                     [color](NSDictionary* old) { return with(old, NSForegroundColorAttributeName, color); });
-    _continuesStep = false;
+    changeCharacters(
+        nullptr, localized(u"_Colour"_ns),
+        [color](NSDictionary* old) { return with(old, NSForegroundColorAttributeName, color); },
+        continuesStep);
 }
 
 bool WRFormatCommands::validateTakeColorFrom(id item) {

@@ -57,12 +57,13 @@ class WRFormatCommands : public NSResponder {
     /// Whether that paragraph runs from right to left.
     bool isRightToLeft();
     /// Does what commands do. The sender, a menu item or null, gives the name of the step to undo; null gives
-    /// the name.
-    void changeCharacters(id sender, NSString* name, const AttributeChange& change);
-    /// The same for the colour; null stands for that of the paragraph's style. One that continues the step to
-    /// undo before, in which the same characters got another colour, belongs to that step.
-    void setTextColor(NSColor* color, bool continuesStep);
+    /// the name. A change that continues the step to undo before, which changed the same characters in the
+    /// same way, belongs to that step.
+    void changeCharacters(id sender, NSString* name, const AttributeChange& change,
+                          bool continuesStep = false);
     void changeParagraphs(id sender, NSString* name, const StyleChange& change);
+    /// Changes the colour of characters; null stands for that of the paragraph's style.
+    void setTextColor(NSColor* color, bool continuesStep);
 
     /// Whether the document is one with formats; undoing takes the change back.
     void setDocumentHasFormats(bool hasFormats);
@@ -118,12 +119,11 @@ class WRFormatCommands : public NSResponder {
     void moveIndents(id sender, float distance);
     float leastIndent();
     bool edit(id sender, NSString* name, NSRange range,
-              const std::function<void(NSTextStorage* text)>& change);
+              const std::function<void(NSTextStorage* text)>& change, bool continuesStep = false);
     void setTyping(NSDictionary* attributes);
 
     Retained<WRDocument> _document;
     Retained<WRPageView> _pageView;
-    bool _continuesStep = false;  // what is changed belongs to the last step to undo
     std::shared_ptr<const StyleSheet> _sheet;
 };
 

@@ -5,11 +5,11 @@
 #include <span>
 
 #include "Foundation/NSNotificationCenter.h"
-#include "Foundation/NSUndoManager.h"
 #include "Foundation/TextBoundaries.h"
 #include "Interface/NSTextView.h"
 #include "Runtime/Registry.h"
 #include "Text/NSTextStorage.h"
+#include "Writer/Windows/UndoPause.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -94,10 +94,10 @@ std::u16string unitsOf(NSString* text) {
 // so that the selection comes back with the text and no more than its place has to be laid out.
 bool changeText(NSTextView* view, NSRange range, NSAttributedString* text, NSRange selection) {
     NSUndoManager* manager = view->allowsUndo() ? view->undoManager() : nullptr;
-    if (manager) manager->disableUndoRegistration();
-    const bool mayChange = view->shouldChangeTextInRange_replacementString(range, text->string());
-    if (manager) manager->enableUndoRegistration();
-    if (!mayChange) return false;
+    {
+        const UndoPause pause(manager);
+        if (!view->shouldChangeTextInRange_replacementString(range, text->string())) return false;
+    }
     auto before =
         Retained<NSAttributedString>::retaining(view->textStorage()->attributedSubstringFromRange(range));
     if (manager)
