@@ -59,8 +59,8 @@ class Cups {
     WRITER_CUPS_FUNCTION(cupsFreeDestInfo);
     WRITER_CUPS_FUNCTION(cupsFreeDests);
     WRITER_CUPS_FUNCTION(cupsFreeOptions);
+    WRITER_CUPS_FUNCTION(cupsGetDest);
     WRITER_CUPS_FUNCTION(cupsGetDests2);
-    WRITER_CUPS_FUNCTION(cupsGetNamedDest);
     WRITER_CUPS_FUNCTION(cupsGetOption);
     WRITER_CUPS_FUNCTION(cupsLastError);
     WRITER_CUPS_FUNCTION(cupsLastErrorString);
@@ -87,7 +87,7 @@ class Connection {
             nullptr);
         _http = cups.httpConnect2(cups.cupsServer(), cups.ippPort(), nullptr, AF_UNSPEC,
                                   cups.cupsEncryption(), 1, kLongestConnecting, nullptr);
-        if (_http) cups.httpSetTimeout(_http, 1, goesOnWaiting, this);
+        if (_http) cups.httpSetTimeout(_http, kTick, goesOnWaiting, this);
     }
     ~Connection() { _cups.httpClose(_http); }
     Connection(const Connection&) = delete;
@@ -101,9 +101,10 @@ class Connection {
     }
 
   private:
-    static constexpr int kLongestSilence = 30;  // in seconds
+    static constexpr double kTick = 0.25;  // in seconds
+    static constexpr int kLongestSilence = static_cast<int>(30 / kTick);
 
-    // Asked after each second in which nothing came.
+    // Asked after each tick in which nothing came.
     static int goesOnWaiting(http_t*, void* data) {
         auto* self = static_cast<Connection*>(data);
         return !self->_gaveUp && ++self->_silence < kLongestSilence;
@@ -112,7 +113,7 @@ class Connection {
     const Cups& _cups;
     const PrintService::Flag& _gaveUp;
     http_t* _http = nullptr;
-    int _silence = 0;
+    int _silence = 0;  // in ticks
 };
 
 // What a printer is told about a job.
@@ -170,13 +171,18 @@ class CupsPrinters : public PrintService {
     PrintProblem print(const PrintJob& job, int& number, const Flag& gaveUp) override {
         const Connection connection(_cups, gaveUp);
         http_t* http = connection.http();
-        cups_dest_t* to = http ? _cups.cupsGetNamedDest(http, job.printer->UTF8String(), nullptr) : nullptr;
+        // Asked for one printer alone, the library may open a connection of its own, which waits for ever.
+        cups_dest_t* all = nullptr;
+        const int count = http ? _cups.cupsGetDests2(http, &all) : 0;
+        cups_dest_t* to = _cups.cupsGetDest(job.printer->UTF8String(), nullptr, count, all);
         cups_dinfo_t* info = to ? _cups.cupsCopyDestInfo(http, to) : nullptr;
         const bool isSent = info && send(http, to, info, job, number);
-        const PrintProblem problem = isSent ? PrintProblem{} : connection.problem();
+        PrintProblem problem = isSent ? PrintProblem{} : connection.problem();
+        if (problem.kind == PrintProblem::Kind::refused && !to)
+            problem = {PrintProblem::Kind::noPrinter, nullptr};
         if (number > 0 && (!isSent || gaveUp)) _cups.cupsCancelDestJob(http, to, number);
         if (info) _cups.cupsFreeDestInfo(info);
-        if (to) _cups.cupsFreeDests(1, to);
+        _cups.cupsFreeDests(count, all);
         return problem;
     }
 

@@ -26,6 +26,7 @@ struct PrintProblem {
     enum class Kind {
         none,
         noService,  ///< nothing here prints
+        noPrinter,  ///< the service has no printer of that name any more
         noAnswer,   ///< the service does not answer, or the caller gave up
         refused,    ///< the service says why, in `text`
     };

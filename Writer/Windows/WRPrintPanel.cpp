@@ -39,6 +39,8 @@ NSString* reasonOf(const PrintProblem& problem) {
     switch (problem.kind) {
         case PrintProblem::Kind::noService:
             return localized(u"_no print service is installed"_ns);
+        case PrintProblem::Kind::noPrinter:
+            return localized(u"_it is not there any more"_ns);
         case PrintProblem::Kind::noAnswer:
             return localized(u"_the print service does not answer"_ns);
         default:
