@@ -318,8 +318,8 @@ NSLayoutManager::rectArrayForCharacterRange_withinSelectedCharacterRange_inTextC
             NSMaxRange(selection) > NSMaxRange(lineRange))
             return rects.push_back(rect);
         const Extent textLeft = _state->at(place).textLeft;
-        const bool goesOn =
-            NSMaxRange(part) == NSMaxRange(lineRange) && NSMaxRange(selection) > NSMaxRange(part);
+        const bool goesOn = NSMaxRange(part) == NSMaxRange(lineRange) &&
+                            selection.location < NSMaxRange(part) && NSMaxRange(selection) > NSMaxRange(part);
         for (auto [left, right] : spansOf(*_state, place, part, goesOn))
             rects.push_back(
                 {{pointsOf(textLeft + left), rect.origin.y}, {pointsOf(right - left), rect.size.height}});

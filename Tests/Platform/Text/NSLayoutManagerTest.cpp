@@ -338,6 +338,11 @@ TEST_F(NSLayoutManagerTest, CoversSelectionsWithRectangles) {
     EXPECT_EQ(NSMaxX(rects[0]), 60) << "to the edge, where the selection goes on";
     EXPECT_EQ(rects[1], text.lineRect(8)) << "a whole line from edge to edge";
     EXPECT_NEAR(NSMaxX(rects[2]), text.x(18), 0.02);
+    rects =
+        text.layoutManager->rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
+            {14, 6}, {NSNotFound, 0}, text.containers[0], &count);
+    ASSERT_EQ(count, 2u);
+    EXPECT_LT(NSMaxX(rects[1]), 60) << "nothing is selected: to the end of the last line only";
     LaidOutText mixed(u"ab\u05D0\u05D1cd"_ns, plain());
     mixed.layoutManager->rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
         {1, 2}, {1, 2}, mixed.containers[0], &count);
