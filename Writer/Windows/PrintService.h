@@ -49,7 +49,7 @@ struct PrintJob {
 /// What prints documents: CUPS, where it is installed. It is loaded when somebody asks for printers first.
 ///
 /// A service in a network may take its time, and one that is broken may never answer; so these operations are
-/// called on a thread of their own. They return within a second or two once the caller sets `gaveUp`, and by
+/// called on a thread of their own. They return within a few seconds once the caller sets `gaveUp`, and by
 /// themselves when the service has said nothing for half a minute. Any thread.
 class PrintService {
   public:
