@@ -55,7 +55,7 @@ TEST_F(TextWorkTest, CountsWhatIsThereAfterAnyEdits) {
     storage->replaceCharactersInRange_withString({storage->length() / 2, 0}, u" a b "_ns);
     EXPECT_EQ(counter->count(), count) << "what was known is shown meanwhile";
     runUntil([&] { return counter->isUpToDate(); });
-    EXPECT_EQ(told, 1);
+    EXPECT_GE(told, 1);  // more often where the work takes several slices
     counter->stop();
 }
 
