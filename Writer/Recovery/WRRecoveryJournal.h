@@ -46,7 +46,8 @@ class WRRecoveryJournal : public NSObject {
     /// The document has other settings or another path than before, or its file is gone: what is in the
     /// storage is in no file.
     void setOrigin(RecoveryOrigin origin);
-    /// The text is that of the document's file: it was saved, or read again. Removes the recovery file.
+    /// The text is that of the document's file: it was saved, read again, or all changes were undone. Removes
+    /// the recovery file.
     void documentIsInFile(RecoveryOrigin origin);
 
     /// Writes all changes and waits until they are on the disk. Returns whether they are.

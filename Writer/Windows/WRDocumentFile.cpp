@@ -154,6 +154,7 @@ void WRDocumentFile::documentDidChange(NSNotification*) {
 void WRDocumentFile::undoManagerDidAct(NSNotification*) {
     noteOrigin();
     setEdited(_savedState != undoManager()->stateNumber());
+    if (_journal && !isEdited()) _journal->documentIsInFile(origin());
 }
 
 void WRDocumentFile::documentIsInFile() {

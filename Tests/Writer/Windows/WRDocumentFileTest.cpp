@@ -555,6 +555,17 @@ TEST_F(DocumentFileTest, RecoversWhatACrashHasLeft) {
                 {"b.txt", "other", "which another program has changed since"},
                 {"c.txt", nullptr, "which is not there any more"}};
     for (const auto& row : rows) typeInto(open(row.name, std::string(1, row.name[0])), u"typed ");
+    WRDocumentWindow* undone = open("e.txt", "as in the file");
+    typeInto(undone, u"typed ");
+    const std::filesystem::path journals = folder.path("recovery");
+    for (const bool isEdited : {true, false}) {
+        if (!isEdited) undo(undone);
+        EXPECT_TRUE(until([&] {
+            std::error_code error;  // no folder yet
+            const auto files = std::filesystem::directory_iterator(journals, error);
+            return std::distance(begin(files), end(files)) == (isEdited ? 4 : 3);
+        })) << (isEdited ? "kept" : "nothing is left to keep");
+    }
     WRDocumentWindow* only = open("d.txt", "only copy");  // not edited, but its file goes
     std::filesystem::remove(folder.path("d.txt"));
     only->file()->fileDidChange();
