@@ -57,14 +57,16 @@ NSRect notedWindowFrame(NSString* path) {
     NSRect frame = text ? NSRectFromString(text) : NSRect{};
     if (NSIsEmptyRect(frame)) return {};
     // The screen on which it stood may be gone, or be smaller.
-    const NSRect room = NSScreen::mainScreen()->visibleFrame();
-    bool isOnScreen = false;
+    NSRect room{};
     for (id screen : NSScreen::screens())
-        isOnScreen |= NSIntersectsRect(static_cast<NSScreen*>(screen)->visibleFrame(), frame);
-    if (!isOnScreen) {
-        frame.size = {std::min(NSWidth(frame), NSWidth(room)), std::min(NSHeight(frame), NSHeight(room))};
-        frame.origin = {NSMidX(room) - NSWidth(frame) / 2, NSMaxY(room) - NSHeight(frame)};
-    }
+        if (const NSRect seen = static_cast<NSScreen*>(screen)->visibleFrame(); NSIntersectsRect(seen, frame))
+            room = NSUnionRect(room, seen);
+    const bool isOnScreen = !NSIsEmptyRect(room);
+    if (!isOnScreen) room = NSScreen::mainScreen()->visibleFrame();
+    const NSSize size{std::min(NSWidth(frame), NSWidth(room)), std::min(NSHeight(frame), NSHeight(room))};
+    const float left = isOnScreen ? NSMinX(frame) : NSMidX(room) - size.width / 2;
+    const float top = isOnScreen ? NSMaxY(frame) : NSMaxY(room);
+    frame = {{left, top - size.height}, size};
     return PBSnapFrame(frame, kSnapDistance);
 }
 

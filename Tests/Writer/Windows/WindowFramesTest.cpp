@@ -14,6 +14,7 @@ TEST(WindowFrames, ComeBackWhereTheyCanBeSeen) {
              std::tuple{"somewhere", NSRect{{100, 100}, {400, 300}}, NSRect{{100, 100}, {400, 300}}},
              {"partly outside", {{-200, 100}, {400, 300}}, {{0, 100}, {400, 300}}},
              {"near an edge", {{5, 100}, {400, 300}}, {{0, 100}, {400, 300}}},
+             {"on a screen that was larger", {{-50, -50}, {9000, 9000}}, room},
              {"on a screen that is gone",
               {{9000, 100}, {400, 300}},
               {{NSMidX(room) - 200, NSMaxY(room) - 300}, {400, 300}}},
