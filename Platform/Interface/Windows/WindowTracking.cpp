@@ -38,11 +38,13 @@ void WindowTracking::noteGeometryChange() {
 void WindowTracking::discardCursorRects() { noteGeometryChange(); }
 
 void WindowTracking::pointerMoved(NSEvent* event, bool setsCursor) {
-    _place = event->locationInWindow();
+    const bool hasMoved = std::exchange(_place, event->locationInWindow()) != event->locationInWindow();
     const bool wasInside = std::exchange(_isPointerInside, true);
     if (setsCursor || !wasInside) {
         setCursorAt(_place);
-        ToolTipView::follow(_window->state().root->hitTest(_place), _window->convertBaseToScreen(_place));
+        // A menu before the pointer may have gone; the user has pointed at nothing by that.
+        if (hasMoved)
+            ToolTipView::follow(_window->state().root->hitTest(_place), _window->convertBaseToScreen(_place));
     }
     cross(event, true);
 }

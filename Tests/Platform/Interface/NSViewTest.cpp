@@ -285,6 +285,14 @@ TEST_F(NSViewTest, ATipComesWhenThePointerRestsAndGoesWithAPress) {
     EXPECT_EQ(shown(), 1u);
     screen.click(inner, {7, 5});
     EXPECT_EQ(shown(), 0u);
+    auto menu = NSWindow::initWithContentRect_styleMask_backing_defer(window->frame(), NSBorderlessWindowMask,
+                                                                      NSBackingStoreBuffered, false);
+    menu->orderFront(nullptr);
+    screen.moveTo(inner, {7, 5});
+    menu->close();
+    screen.moveTo(inner, {7, 5});
+    screen.wait(1);
+    EXPECT_EQ(shown(), 0u) << "another window came and went, but the pointer rested";
     screen.moveTo(inner, {8, 5});
     screen.wait(0.4);
     view->removeFromSuperview();
