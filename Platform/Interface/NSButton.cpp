@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Interface/NSButton.h"
 
+#include "Foundation/NSArray.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSEvent.h"
+#include "Interface/NSWindow.h"
 
 namespace pelvor {
 
@@ -125,9 +127,33 @@ void NSButton::setPeriodicDelay_interval(float delay, float interval) {
 
 bool NSButton::acceptsFirstResponder() { return !isInMouseDown() && NSControl::acceptsFirstResponder(); }
 
+// The nearest button at that side in the same row.
+NSButton* NSButton::buttonBeside(bool isLeft) {
+    NSButton* nearest = nullptr;
+    float least = 0;
+    for (id each : superview() ? superview()->subviews() : NSArray::array()) {
+        auto* button = cast<NSButton>(each);
+        if (!button || !button->acceptsFirstResponder() || button->isHiddenOrHasHiddenAncestor()) continue;
+        const NSRect own = frame(), other = button->frame();
+        const float far = isLeft ? NSMidX(own) - NSMidX(other) : NSMidX(other) - NSMidX(own);
+        const bool isInRow = NSMinY(other) < NSMidY(own) && NSMidY(own) < NSMaxY(other);
+        if (!isInRow || far <= 0 || (nearest && far >= least)) continue;
+        nearest = button;
+        least = far;
+    }
+    return nearest;
+}
+
 void NSButton::keyDown(NSEvent* event) {
-    if (event && isEnabled() && event->characters()->isEqualToString(u" "_ns)) return performClick(this);
-    NSControl::keyDown(event);
+    NSString* key = event ? event->characters() : u""_ns;
+    if (isEnabled() && key->isEqualToString(u" "_ns)) return performClick(this);
+    const unichar unit = key->length() == 1 ? key->characterAtIndex(0) : 0;
+    const bool isLeft = unit == NSLeftArrowFunctionKey;
+    NSButton* beside = isLeft || unit == NSRightArrowFunctionKey ? buttonBeside(isLeft) : nullptr;
+    if (beside)
+        window()->makeFirstResponder(beside);
+    else
+        NSControl::keyDown(event);
 }
 
 bool NSButton::performKeyEquivalent(NSEvent* event) {

@@ -8,7 +8,8 @@
 namespace pelvor {
 
 /// A control that the user clicks. The blank clicks it too, where keys go to it, and its key equivalent
-/// wherever keys go in the window.
+/// wherever keys go in the window. From a button that has the keys, the arrows to the left and right lead to
+/// the next button beside it in the same view.
 ///
 ///     auto box = NSButton::initWithFrame({{20, 20}, {120, 20}});
 ///     box->setButtonType(NSSwitchButton);
@@ -57,6 +58,7 @@ class PELVOR_EXPORT NSButton : public NSControl {
     ~NSButton() = default;
 
   private:
+    NSButton* buttonBeside(bool isLeft);
     NSButtonCell* buttonCell() { return cast<NSButtonCell>(cell()); }
 };
 

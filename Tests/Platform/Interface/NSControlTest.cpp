@@ -140,6 +140,15 @@ TEST_F(ControlTest, TakesKeys) {
     window->makeFirstResponder(button);
     screen.press(u' ');
     EXPECT_EQ(target->count, 3);
+
+    auto beside = added<NSButton>({{190, 20}, {80, 26}}), between = added<NSButton>({{105, 20}, {80, 26}});
+    const auto below = added<NSButton>({{60, 60}, {80, 26}});  // in another row
+    screen.press(NSRightArrowFunctionKey);
+    EXPECT_EQ(window->firstResponder(), between);
+    between->setEnabled(false);
+    window->makeFirstResponder(beside);
+    for (int i = 0; i < 2; ++i) screen.press(NSLeftArrowFunctionKey);
+    EXPECT_EQ(window->firstResponder(), button) << "there is none beside it";
 }
 
 TEST_F(ControlTest, SendsAgainAndAgainWhileItIsHeld) {
