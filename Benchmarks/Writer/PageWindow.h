@@ -29,10 +29,10 @@ struct PageWindow {
         auto scrollView = NSScrollView::initWithFrame({{0, 0}, {800, 900}});
         scrollView->setHasVerticalScroller(true);
         NSFont* font = NSFont::fontWithName_size(u"DejaVu Serif"_ns, 11);
-        view = WRPageView::create(
-            NSTextStorage::initWithString_attributes(NSString::ofUTF8(text),
-                                                     NSDictionary::of({{NSFontAttributeName, font}})),
-            a4());
+        view =
+            WRPageView::create(NSTextStorage::initWithString_attributes(
+                                   NSString::ofUTF8(text), NSDictionary::of({{NSFontAttributeName, font}})),
+                               a4());
         scrollView->setDocumentView(WRZoomView::create(view).get());
         window->setContentView(scrollView);
         window->makeFirstResponder(view);

@@ -21,8 +21,8 @@ NSDictionary* fault(NSString* error) {
     return NSDictionary::of({{WRErrorKey, error}, {WRMessageKey, u"message"_ns}});
 }
 
-// One returns what the path's last component without extension says: "refused", "encoding", "nothing", "odd" (a
-// text that is a number), "throw", or, for the rest, none.
+// One returns what the path's last component without extension says: "refused", "encoding", "nothing", "odd"
+// (a text that is a number), "throw", or, for the rest, none.
 NSDictionary* readAsNamed(NSObject*, NSString* path, NSDictionary*) {
     const std::string wish = shown(path->lastPathComponent()->stringByDeletingPathExtension());
     if (wish == "refused") return fault(WRErrorRefused);
