@@ -3,7 +3,6 @@
 #pragma once
 
 #include <sys/mman.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -92,13 +91,17 @@ struct Progress {
     char name[200];
 };
 
-/// The whole life of a child process.
+/// Steps leave behind what they make, and of some of it, such as queues for file events, the system has few
+/// for all processes.
+inline bool hasManyDescriptors() {
+    const int lowestFree = dup(STDERR_FILENO);
+    if (lowestFree >= 0) close(lowestFree);
+    return lowestFree > 64;
+}
+
+/// The whole life of a child process. Another one goes on where it ends.
 [[noreturn]] inline void runSteps(Progress* progress,
                                   const std::function<std::vector<Step>()>& makeSteps) noexcept {
-    // Steps leave behind what they make, and of some of it, such as queues for file events, the system has
-    // few for all processes.
-    const rlimit few = {64, 64};
-    setrlimit(RLIMIT_NOFILE, &few);
     std::strcpy(progress->name, "The making of samples");
     alarm(60);
     const std::vector<Step> steps = makeSteps();
@@ -112,6 +115,7 @@ struct Progress {
         } catch (const NSException& exception) {
             if (exception.reason().empty()) std::abort();
         }
+        if (hasManyDescriptors()) _exit(0);
     }
     progress->isOver = true;
     _exit(0);
