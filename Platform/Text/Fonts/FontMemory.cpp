@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <charconv>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -78,6 +79,8 @@ FontMemory FontMemory::ofUser() {
 }
 
 std::optional<FontList> FontMemory::read() const {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(_path, error)) return {};  // opening a pipe would wait
     std::ifstream file(_path, std::ios::binary);
     std::ostringstream content;
     if (!file || !(content << file.rdbuf())) return {};

@@ -3,6 +3,7 @@
 // installs.
 #include "Text/NSFont.h"
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -268,6 +269,8 @@ TEST(FontMemoryTest, KeepsAllOrNothing) {
     list.fonts[0].entry.file = "/with\ttab";
     FontMemory(folder.path("second")).write(list, {});
     EXPECT_FALSE(std::filesystem::exists(folder.path("second")));
+    ASSERT_EQ(mkfifo(folder.path("pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(FontMemory(folder.path("pipe")).read()) << "without waiting for a writer";
 }
 
 TEST(NSFontTest, PassesOverABrokenFile) {
