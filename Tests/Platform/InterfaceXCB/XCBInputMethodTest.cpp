@@ -24,6 +24,10 @@ class XCBInputMethodTest : public XCBTest {
         driver->heard.clear();
         for (const int code : codes) server->press(code);
     }
+    /// Until the method has answered all keys.
+    void awaitAnswers() {
+        EXPECT_TRUE(driver->until([&] { return driver->backend->timeout() > 1; }));
+    }
     /// All that came of keys so far, once that many things did.
     std::string results(std::size_t count) {
         std::vector<std::string> texts;
@@ -51,7 +55,7 @@ TEST_F(XCBInputMethodTest, ComposesInEitherEncoding) {
         type({kA, kX, kA, kReturn, kB});
         EXPECT_EQ(results(5), "preedit 啊 1 0+1!, preedit 啊啊 2 0+1! 1+1, preedit  0, text 啊啊, text b");
         EXPECT_EQ(method->spotX, 20);
-        EXPECT_TRUE(driver->until([&] { return driver->backend->timeout() > 1; })) << "all were answered";
+        awaitAnswers();
 
         // Composing is given up when nobody takes text any longer, and keys are used here.
         type({kA});
@@ -66,6 +70,7 @@ TEST_F(XCBInputMethodTest, TakesKeysBackFromOneThatHangs) {
     start("UTF8_STRING");
     type({kA});
     EXPECT_EQ(results(1), "preedit 啊 1 0+1!");
+    awaitAnswers();
     method->hangs = true;
     std::string expected = "preedit  0";
     driver->heard.clear();
