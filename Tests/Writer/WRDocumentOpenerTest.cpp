@@ -22,7 +22,7 @@ NSDictionary* fault(NSString* error) {
 }
 
 // One returns what the path's last component without extension says: "refused", "encoding", "nothing", "odd"
-// (a text that is a number), "throw", or, for the rest, none.
+// (a text that is a number), "throw", or, for any other name, no text.
 NSDictionary* readAsNamed(NSObject*, NSString* path, NSDictionary*) {
     const std::string wish = shown(path->lastPathComponent()->stringByDeletingPathExtension());
     if (wish == "refused") return fault(WRErrorRefused);

@@ -57,7 +57,7 @@ class PrintService {
 
     virtual ~PrintService() = default;
 
-    /// Puts the printers into the vector, which stays empty where there are none.
+    /// Puts the printers into the vector, which stays empty where no printer is set up.
     virtual PrintProblem findPrinters(std::vector<Printer>& printers, const Flag& gaveUp) = 0;
     /// Sends the job, and sets its number, which is above 0. A job that was sent when the caller had given up
     /// is taken back.

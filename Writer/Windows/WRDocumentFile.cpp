@@ -496,7 +496,7 @@ void WRDocumentFile::keepInJournal() {
     if (_journal) _journal->setOrigin(origin());
 }
 
-// The user knows what is in the file and wants none of it: it may be replaced.
+// The user knows what is in the file and does not want it: the file may be replaced.
 void WRDocumentFile::keepMine(const FileIdentity& file) {
     _document->setFileIdentity(file);
     _savedState.reset();

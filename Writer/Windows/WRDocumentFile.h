@@ -108,7 +108,7 @@ class WRDocumentFile : public NSResponder {
     Retained<WRRecoveryJournal> _journal;
     std::optional<std::uint64_t> _savedState = 0;  // of the undo manager when text and file were one
     bool _isEdited = false;
-    bool _isFileGone = false;  // there is no file of that name, or none that can be read
+    bool _isFileGone = false;  // no file of that name can be read
     bool _journaledFormats = false;
     Retained<NSDictionary> _journaledSettings;
 };

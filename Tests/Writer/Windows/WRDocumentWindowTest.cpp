@@ -302,7 +302,7 @@ TEST(PagesOfText, UnderstandsWhatPeopleWrite) {
         EXPECT_EQ(pagesOfText(text, 9).length, 0u) << text;
 }
 
-// A service with two printers, of which the second one takes nothing. It answers when the test wants.
+// A service with two printers, of which the second one takes nothing. It replies when the test wants.
 struct TwoPrinters : PrintService {
     PrintProblem findPrinters(std::vector<Printer>& printers, const Flag& gaveUp) override {
         if (!mayAnswer(gaveUp)) return {PrintProblem::Kind::noAnswer, nullptr};

@@ -275,7 +275,7 @@ void P::beginFieldResult(int) {
         case FieldInstruction::Kind::pageCount:
             if (isInLine()) return replaceFieldResult(WRPageCountCharacter);
             break;
-        // The title is the file's name where the document has none of its own.
+        // The title is the file's name where the document has no title.
         case FieldInstruction::Kind::title:
             if (isInLine() && hasTitle()) return replaceFieldResult(WRTitleCharacter);
             break;

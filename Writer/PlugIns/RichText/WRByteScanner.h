@@ -23,7 +23,7 @@ class WRByteScanner : public OFCharacterScanner, OFCharacterScanner::HiddenCreat
     /// Does nothing: the next fetch goes to the scan location, wherever that is.
     void _rewindCharacterSource() override {}
 
-    /// The units from the scan location on that are read already; none at the end of the data.
+    /// The units from the scan location on that are read already; empty at the end of the data.
     std::u16string_view nextUnits();
     bool isAtEnd() { return peekCharacter() == 0 && scanLocation() >= _source->length(); }
     /// Consumes `count` bytes and returns them; fewer if the file ends before.
