@@ -12,6 +12,10 @@ namespace {
 
 using Color = std::array<double, 4>;
 
+// Pixels a point. A larger tile would take more memory than there is, and without a tile nothing could be
+// drawn on the page any more.
+constexpr double kLargest = 64;
+
 // One wave, crest and trough. Set side by side, copies of it make a long one, which takes a tenth of the time
 // of a curve.
 class WaveTile {
@@ -63,7 +67,7 @@ void drawWave(cairo_t* page, double x, double y, double length) {
     Color color{0, 0, 0, 1};
     cairo_pattern_get_rgba(cairo_get_source(page), &color[0], &color[1], &color[2], &color[3]);
     thread_local WaveTile tile;
-    tile.prepare(pixels, color);
+    tile.prepare(std::min(pixels, kLargest), color);
     x = std::floor(x * scale);
     y = std::floor(y * scale);
     cairo_save(page);

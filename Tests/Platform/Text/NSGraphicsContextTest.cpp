@@ -278,6 +278,11 @@ TEST(NSGraphicsContextTest, DrawsCrispWaves) {
         };
         EXPECT_EQ(wave({4, 4}), wave({4 + 0.4F / scale, 4 + 0.9F / scale})) << scale;
     }
+    auto context = NSGraphicsContext::initWithImageSize_scale({8, 8}, 1);
+    context->scaleXBy_yBy(1e6F, 1e6F);
+    context->strokeWaveFromPoint_length({0, 0}, 1e-6F);
+    context->fillRect({{4e-6F, 0}, {1e-6F, 8e-6F}});
+    EXPECT_GT(pixelsOf(context).inkOf(4), 4) << "at any scale, the page can still be drawn on";
 }
 
 }  // namespace
