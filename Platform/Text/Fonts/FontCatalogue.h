@@ -31,7 +31,7 @@ struct FontEntry {
     int weight = 5;       ///< 0 to 15, 5 is regular and 9 bold
     unsigned traits = 0;  ///< NSFontTraitMask
     bool isColoured = false;
-    // What fontconfig knows besides, once it was asked: FontCatalogue::substitutes does.
+    // What else fontconfig knows; null until FontCatalogue::substitutes has asked it.
     const _FcCharSet* characters = nullptr;
     _FcPattern* pattern = nullptr;
 

@@ -134,7 +134,7 @@ void FontFace::readMeasures() {
     all.glyphCount = hb_face_get_glyph_count(hb_font_get_face(_shaper));
 }
 
-bool FontFace::isListed(char32_t character) const {
+bool FontFace::hasGlyphFor(char32_t character) const {
     hb_codepoint_t glyph = 0;
     return hb_font_get_nominal_glyph(_shaper, character, &glyph);
 }

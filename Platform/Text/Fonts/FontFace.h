@@ -34,7 +34,7 @@ class FontFace {
     FT_FaceRec_* outlines() const { return _outlines; }
 
     bool hasCharacter(char32_t character) {
-        return character <= 0xFFFF ? _characters[static_cast<char16_t>(character)] : isListed(character);
+        return character <= 0xFFFF ? _characters[static_cast<char16_t>(character)] : hasGlyphFor(character);
     }
 
     /// Whether the face has all characters that ASCII shows.
@@ -53,13 +53,13 @@ class FontFace {
     FontFace() = default;
     bool load(const FontEntry& entry, std::string& reason);
     void readMeasures();
-    bool isListed(char32_t character) const;
+    bool hasGlyphFor(char32_t character) const;
 
     const FontEntry* _entry = nullptr;
     hb_blob_t* _file = nullptr;
     hb_font_t* _shaper = nullptr;
     FT_FaceRec_* _outlines = nullptr;
-    CharacterBits _characters{[this](char32_t character) { return isListed(character); }};
+    CharacterBits _characters{[this](char32_t character) { return hasGlyphFor(character); }};
     bool _hasASCII = false;
     Measures _measures{};
 };

@@ -6,7 +6,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -135,7 +137,8 @@ void FontMemory::write(const FontList& list, const std::vector<std::string>& dep
         add(std::to_string(place), '\n');
     }
     if (!isPossible) return;
-    // Other programs see the old file or the new one.
+    // Other programs see the old file or the new one. Unlike NSData's atomic writing, this does not wait for
+    // the disk: a file whose end a loss of power has taken is written anew.
     std::string draft = _path + ".XXXXXX";
     const int descriptor = mkstemp(draft.data());
     if (descriptor < 0) return;
