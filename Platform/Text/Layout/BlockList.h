@@ -113,9 +113,9 @@ struct BlockPlace {
     friend bool operator==(const BlockPlace&, const BlockPlace&) = default;
 };
 
-/// All blocks of a text in their order, in chunks of up to 128 with sums: a look-up walks the chunks' sums
-/// from the chunk that was looked for last, then the blocks of one chunk. There is always at least one block;
-/// the last one may be empty.
+/// All blocks of a text in their order, in chunks of up to 128 with sums: a look-up walks the chunks' sums,
+/// by unit from the chunk that was looked for last and by height from the front, then the blocks of one
+/// chunk. There is always at least one block; the last one may be empty.
 ///
 /// Paragraphs are found when somebody gets to them: behind the blocks there may be text that was not read
 /// yet. Whatever looks for a block there reads on.

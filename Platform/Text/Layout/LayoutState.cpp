@@ -148,7 +148,10 @@ void LayoutState::placeAgainFrom(NSUInteger unit) {
 void LayoutState::containerChanged(std::size_t index) {
     const bool staysUniform =
         _isScanned && _isUniform && index > 0 && index < containers.size() && isLikeFirst(containers[index]);
-    staysUniform ? placeAgainInContainer(index) : containersChanged(index);
+    if (staysUniform)
+        placeAgainInContainer(index);
+    else
+        containersChanged(index);
 }
 
 void LayoutState::containersChanged(std::size_t first) {
@@ -220,7 +223,7 @@ bool LayoutState::isUniform() const {
 }
 
 std::size_t LayoutState::indexOf(NSTextContainer* container) const {
-    // Who asks goes from one container to the next.
+    // Callers go from one container to the next.
     for (const std::size_t near : {_lastIndex, _lastIndex + 1})
         if (near < containers.size() && containers[near] == container) return _lastIndex = near;
     return _lastIndex = static_cast<std::size_t>(std::find(containers.begin(), containers.end(), container) -
