@@ -11,6 +11,7 @@
 #include "Foundation/NSScanner.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSButton.h"
+#include "Interface/NSMenu.h"
 #include "Interface/NSMenuItem.h"
 #include "Interface/NSPopUpButton.h"
 #include "Interface/NSSavePanel.h"
@@ -136,13 +137,17 @@ void WRPrintPanel::takePrinters(std::vector<Printer> printers, const PrintProble
     _printers = std::move(printers);
     _printer->removeAllItems();
     NSInteger selected = 0;
+    // The button itself would take the place of an item with the same title, and the places of printers
+    // count.
+    const auto add = [menu = _printer->menu()](NSString* title) {
+        menu->addItemWithTitle_action_keyEquivalent(title, SEL(), u""_ns);
+    };
     for (const Printer& printer : _printers) {
         if (printer.isDefault) selected = _printer->numberOfItems();
         // Two printers may have one title.
-        _printer->addItemWithTitle(_printer->indexOfItemWithTitle(printer.title) < 0 ? printer.title
-                                                                                     : printer.name);
+        add(_printer->indexOfItemWithTitle(printer.title) < 0 ? printer.title : printer.name);
     }
-    _printer->addItemWithTitle(localized(u"_PDF file…"_ns));
+    add(localized(u"_PDF file…"_ns));
     _printer->selectItemAtIndex(hasChosen ? _printer->numberOfItems() - 1 : selected);
     if (problem)
         _message->setStringValue(localizedFormat(u"_No printers: %@."_ns, reasonOf(problem)));

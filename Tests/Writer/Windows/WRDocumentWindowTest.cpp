@@ -302,11 +302,13 @@ TEST(PagesOfText, UnderstandsWhatPeopleWrite) {
         EXPECT_EQ(pagesOfText(text, 9).length, 0u) << text;
 }
 
-// A service with two printers, of which the second one takes nothing. It replies when the test wants.
-struct TwoPrinters : PrintService {
+// A service with three printers. The first two share a title, which is the name of the second one; the last
+// one alone takes what is printed. The service replies when the test wants.
+struct ThreePrinters : PrintService {
     PrintProblem findPrinters(std::vector<Printer>& printers, const Flag& gaveUp) override {
         if (!mayAnswer(gaveUp)) return {PrintProblem::Kind::noAnswer, nullptr};
         printers = {{u"b"_ns->copy(), u"Attic"_ns->copy(), false, false, false},
+                    {u"Attic"_ns->copy(), u"Attic"_ns->copy(), false, false, false},
                     {u"a"_ns->copy(), u"Office"_ns->copy(), true, true, true}};
         return {};
     }
@@ -334,7 +336,7 @@ TEST_F(DocumentWindowTest, PrintsTheTextAsItIs) {
         EXPECT_EQ(std::system(("pdftotext -raw " + path + " " + text).c_str()), 0);
         return folder.read(std::string(name) + ".txt");
     };
-    const auto service = std::make_shared<TwoPrinters>();
+    const auto service = std::make_shared<ThreePrinters>();
     PrintService::setShared(service);
     service->answers = false;
     view->setSelectedRange({0, 0});
@@ -360,6 +362,7 @@ TEST_F(DocumentWindowTest, PrintsTheTextAsItIs) {
     EXPECT_EQ(shown(panel->message()), "_Printers are still being looked for.");
     service->answers = true;
     while (popUp->numberOfItems() < 3) screen.turn();
+    EXPECT_EQ(shown(popUp->itemTitles()->componentsJoinedByString(u"|"_ns)), "Attic|Attic|Office|_PDF file…");
     EXPECT_EQ(shown(popUp->titleOfSelectedItem()), "Office");
     press(u"7-9");
     EXPECT_FALSE(panel->outcome()) << "there are no such pages";
