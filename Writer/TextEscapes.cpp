@@ -11,9 +11,9 @@ constexpr UnitEscape kEscapes[] = {{u'\n', u"\\n"}, {u'\t', u"\\t"}, {u'\\', u"\
 }  // namespace
 
 NSString* escapedText(NSString* text) {
+    const StringUnits units(text);
     std::u16string escaped;
-    for (NSUInteger i = 0; i < text->length(); ++i) {
-        const unichar unit = text->characterAtIndex(i);
+    for (const unichar unit : units.view()) {
         const std::u16string_view escape = escapeOfUnit(unit, kEscapes);
         escaped += escape.empty() ? std::u16string_view(&unit, 1) : escape;
     }
@@ -21,7 +21,7 @@ NSString* escapedText(NSString* text) {
 }
 
 NSString* textFromEscapes(NSString* escaped) {
-    const StringUnits units(escaped, {0, escaped->length()});
+    const StringUnits units(escaped);
     std::u16string text;
     for (std::u16string_view rest = units.view(); !rest.empty();) {
         std::u16string_view taken = rest.substr(0, 1);

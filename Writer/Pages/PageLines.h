@@ -23,7 +23,7 @@ PELVOR_EXPORT NSString* textOfLine(NSAttributedString* line);
 /// Whether the header or footer, which may be null, has the number of the page.
 PELVOR_EXPORT bool hasPageNumber(NSAttributedString* line);
 /// The footer with a centred paragraph for the number of the page behind all others; or without the
-/// paragraphs that have it. The footer may be null. May be empty.
+/// paragraphs that have it. The footer may be null, and the result may be empty.
 PELVOR_EXPORT Retained<NSAttributedString> footerWithPageNumber(NSAttributedString* footer,
                                                                 NSDictionary* attributes);
 PELVOR_EXPORT Retained<NSAttributedString> footerWithoutPageNumber(NSAttributedString* footer);

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <unordered_map>
 #include <vector>
 
@@ -99,9 +101,9 @@ struct FormatHash {
     }
 
   private:
-    // Of values without padding.
     template <class Values>
     static std::size_t hashOf(const Values& values) {
+        static_assert(std::has_unique_object_representations_v<typename Values::value_type>, "no padding");
         return std::hash<std::string_view>()(
             {reinterpret_cast<const char*>(values.data()), values.size() * sizeof(values[0])});
     }
