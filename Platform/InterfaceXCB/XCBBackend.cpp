@@ -403,7 +403,7 @@ void XCBBackend::deliverError(const XAnyEvent& event) {
 }  // namespace pelvor
 
 /// Called by the library when there is a display.
-extern "C" __attribute__((visibility("default"))) pelvor::InterfaceBackend* interface_backend_1(
+extern "C" __attribute__((visibility("default"))) pelvor::InterfaceBackend* interface_backend_2(
     pelvor::BackendSink* sink, std::string* reason) {
     std::unique_ptr<pelvor::XConnection> connection = pelvor::XConnection::open(reason);
     return connection ? new pelvor::XCBBackend(std::move(connection), *sink) : nullptr;

@@ -311,8 +311,8 @@ class InterfaceBackend {
     virtual void saveClipboard() = 0;
 };
 
-/// The one symbol of a back end's module, `interface_backend_1`. Connects to the display, waiting two seconds
-/// at most; null, with the reason written, if there is none.
+/// The one symbol of a back end's module, `interface_backend_2`; a change of this file raises the number.
+/// Connects to the display, waiting two seconds at most; returns null, and the reason, without a display.
 using InterfaceBackendEntry = InterfaceBackend* (*)(BackendSink* sink, std::string* reason);
 
 }  // namespace pelvor

@@ -45,9 +45,9 @@ InterfaceBackendEntry loadEntry(std::string& reason) {
             if (reason.empty()) reason = dlerror();
             continue;
         }
-        if (void* symbol = dlsym(module, "interface_backend_1"))
+        if (void* symbol = dlsym(module, "interface_backend_2"))
             return reinterpret_cast<InterfaceBackendEntry>(symbol);
-        reason = place + " has no symbol interface_backend_1";
+        reason = place + " has no symbol interface_backend_2";
         dlclose(module);
     }
     return nullptr;

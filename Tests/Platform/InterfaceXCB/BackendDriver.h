@@ -8,7 +8,7 @@
 #include "Shared/UTF8.h"
 #include "XServerScope.h"
 
-extern "C" pelvor::InterfaceBackend* interface_backend_1(pelvor::BackendSink* sink, std::string* reason);
+extern "C" pelvor::InterfaceBackend* interface_backend_2(pelvor::BackendSink* sink, std::string* reason);
 
 namespace pelvor {
 
@@ -20,7 +20,7 @@ inline std::string utf8(std::u16string_view text) { return utf8FromUnitsMending(
 
 class BackendDriver final : public BackendSink {
   public:
-    BackendDriver() : backend(interface_backend_1(this, &reason)) {}
+    BackendDriver() : backend(interface_backend_2(this, &reason)) {}
 
     /// Lets the back end work until that holds; fails if that takes very long.
     template <class Condition>
