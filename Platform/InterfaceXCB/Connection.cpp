@@ -289,6 +289,18 @@ void XConnection::sendMessage(xcb_window_t to, xcb_window_t about, xcb_atom_t ty
     xcb_send_event(_connection, 0, to, mask, reinterpret_cast<const char*>(&message));
 }
 
+void XConnection::sendSelectionNotice(const xcb_selection_request_event_t& request, xcb_atom_t property) {
+    xcb_selection_notify_event_t notice{};
+    notice.response_type = XCB_SELECTION_NOTIFY;
+    notice.time = request.time;
+    notice.requestor = request.requestor;
+    notice.selection = request.selection;
+    notice.target = request.target;
+    notice.property = property;
+    xcb_send_event(_connection, 0, request.requestor, 0, reinterpret_cast<const char*>(&notice));
+    flush();
+}
+
 // MARK: Time
 
 void XConnection::noteTime(xcb_timestamp_t time) {

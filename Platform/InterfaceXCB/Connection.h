@@ -121,6 +121,8 @@ class XConnection {
     void setProperty(xcb_window_t window, xcb_atom_t name, xcb_atom_t type, std::string_view bytes);
     void sendMessage(xcb_window_t to, xcb_window_t about, xcb_atom_t type,
                      const std::array<std::uint32_t, 5>& words, std::uint32_t mask = 0);
+    /// Tells who asked for a selection's content in which property it stands; XCB_NONE refuses the request.
+    void sendSelectionNotice(const xcb_selection_request_event_t& request, xcb_atom_t property);
 
     /// The server's time of the event that is being handled or was lately; asks the server if that was long
     /// ago.

@@ -20,6 +20,9 @@ constexpr const char* kTargets = "TARGETS";
 constexpr std::string_view kNotTypes[] = {"DELETE",       "INSERT_PROPERTY", "INSERT_SELECTION", "MULTIPLE",
                                           "SAVE_TARGETS", kTargets,          "TIMESTAMP"};
 
+// Any content is bytes, the list of types numbers.
+int formatOf(std::string_view type) { return type == kTargets ? 32 : 8; }
+
 }  // namespace
 
 xcb_atom_t XSelections::atomOf(BackendSelection selection) {
@@ -74,16 +77,8 @@ void XSelections::answer(const xcb_selection_request_event_t& request) {
     const Offer* found = offerOf(request.selection);
     const bool isEarlier = found && request.time != XCB_CURRENT_TIME &&
                            static_cast<std::int32_t>(request.time - found->time) < 0;
-    xcb_selection_notify_event_t notice{};
-    notice.response_type = XCB_SELECTION_NOTIFY;
-    notice.time = request.time;
-    notice.requestor = request.requestor;
-    notice.selection = request.selection;
-    notice.target = request.target;
     const auto reply = [&](bool isGiven) {
-        notice.property = isGiven ? property : static_cast<xcb_atom_t>(XCB_NONE);
-        xcb_send_event(_connection, 0, request.requestor, 0, reinterpret_cast<const char*>(&notice));
-        _connection.flush();
+        _connection.sendSelectionNotice(request, isGiven ? property : static_cast<xcb_atom_t>(XCB_NONE));
     };
     if (!found || isEarlier) return reply(false);
     const Offer offer = *found;  // the provider may offer something else
@@ -205,10 +200,8 @@ void XSelections::receive(const xcb_selection_notify_event_t& notice) {
     if (notice.property == XCB_NONE) return finishRequest(false, {});
     if (notice.property != request.property) return;
     XProperty property = _connection.property(_connection.helper(), request.property, true);
-    // Any content is bytes, the list of types numbers.
     if (property.type != _connection[Atom::INCR])
-        return finishRequest(property.format == (request.type == kTargets ? 32 : 8),
-                             std::move(property.bytes));
+        return finishRequest(property.format == formatOf(request.type), std::move(property.bytes));
     request.comesInPieces = true;
     request.deadline = secondsNow() + kPatience;
 }
@@ -217,7 +210,9 @@ void XSelections::receivePiece() {
     Request& request = _requests.front();
     const XProperty piece = _connection.property(_connection.helper(), request.property, true);
     if (piece.bytes.empty()) return finishRequest(piece.type != 0, std::move(request.content));
-    if (request.content.size() + piece.bytes.size() > kLargestContent) return finishRequest(false, {});
+    if (piece.format != formatOf(request.type) ||
+        request.content.size() + piece.bytes.size() > kLargestContent)
+        return finishRequest(false, {});
     request.content += piece.bytes;
     request.deadline = secondsNow() + kPatience;
     _connection.flush();

@@ -142,26 +142,33 @@ TEST_F(XCBSelectionTest, TakesNoNumbersForAText) {
     XConnection& peer = server->peerConnection();
     xcb_set_selection_owner(peer, peer.helper(), peer[Atom::CLIPBOARD], XCB_CURRENT_TIME);
     peer.flush();
-    Got got;
-    driver->backend->requestSelection(BackendSelection::clipboard, "UTF8_STRING", got.receiver());
-    XEvent question;
-    ASSERT_TRUE(driver->until([&] {
-        question = peer.waitForEvent(
-            0, [](const XAnyEvent& event) { return kindOf(event) == XCB_SELECTION_REQUEST; });
-        return question != nullptr;
-    }));
-    const auto& asked = as<xcb_selection_request_event_t>(*question);
-    peer.setProperty(asked.requestor, asked.property, XCB_ATOM_ATOM, {65, 66});
-    xcb_selection_notify_event_t reply{};
-    reply.response_type = XCB_SELECTION_NOTIFY;
-    reply.requestor = asked.requestor;
-    reply.selection = asked.selection;
-    reply.target = asked.target;
-    reply.property = asked.property;
-    xcb_send_event(peer, 0, asked.requestor, 0, reinterpret_cast<const char*>(&reply));
-    peer.flush();
-    EXPECT_TRUE(driver->until([&] { return got.isDone; }));
-    EXPECT_FALSE(got.isThere);
+    for (const bool comesInPieces : {false, true}) {
+        Got got;
+        driver->backend->requestSelection(BackendSelection::clipboard, "UTF8_STRING", got.receiver());
+        XEvent question;
+        ASSERT_TRUE(driver->until([&] {
+            question = peer.waitForEvent(
+                0, [](const XAnyEvent& event) { return kindOf(event) == XCB_SELECTION_REQUEST; });
+            return question != nullptr;
+        }));
+        const auto& asked = as<xcb_selection_request_event_t>(*question);
+        const auto give = [&](xcb_atom_t type) {
+            peer.setProperty(asked.requestor, asked.property, type, {65, 66});
+            peer.flush();
+        };
+        give(comesInPieces ? peer[Atom::INCR] : xcb_atom_t{XCB_ATOM_ATOM});
+        peer.sendSelectionNotice(asked, asked.property);
+        if (comesInPieces) {
+            const auto isTaken = [&] { return peer.property(asked.requestor, asked.property).type == 0; };
+            EXPECT_TRUE(driver->until(isTaken));
+            give(XCB_ATOM_ATOM);
+            EXPECT_TRUE(driver->until(isTaken));
+            peer.setProperty(asked.requestor, asked.property, XCB_ATOM_ATOM, "");  // the end
+            peer.flush();
+        }
+        EXPECT_TRUE(driver->until([&] { return got.isDone; }));
+        EXPECT_FALSE(got.isThere) << comesInPieces;
+    }
 }
 
 TEST_F(XCBSelectionTest, AsksClipboardManagersForAMomentOnly) {
@@ -192,13 +199,7 @@ TEST_F(XCBSelectionTest, AsksClipboardManagersForAMomentOnly) {
         c.flush();
         waitFor(XCB_SELECTION_NOTIFY);
         saved = c.property(c.helper(), c[Atom::TARGETS]).bytes;
-        xcb_selection_notify_event_t notice{};
-        notice.response_type = XCB_SELECTION_NOTIFY;
-        notice.requestor = request.requestor;
-        notice.selection = request.selection;
-        notice.target = request.target;
-        xcb_send_event(c, 0, request.requestor, 0, reinterpret_cast<const char*>(&notice));
-        c.flush();
+        c.sendSelectionNotice(request, XCB_NONE);
         waitFor(XCB_SELECTION_CLEAR);
     });
     while (!isReady) std::this_thread::yield();
