@@ -10,6 +10,7 @@
 #include "Interface/Events/ApplicationState.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSEvent.h"
+#include "Interface/NSInputManager.h"
 #include "Interface/NSScreen.h"
 #include "Interface/NSWindow.h"
 #include "Interface/Windows/WindowState.h"
@@ -116,6 +117,8 @@ Retained<NSMenuItem> MenuTracker::run(NSMenu* menu, const MenuOpening& opening) 
     runningTracker = this;
     const auto held = Retained<NSMenu>::retaining(menu);
     auto* centre = NSNotificationCenter::defaultCenter();
+    // Half a text, such as a dead key, would change the first key after the menu.
+    NSInputManager::currentInputManager()->abandonMarkedTextInWindow(application()->keyWindow());
     guarded([&] { centre->postNotificationName_object(NSMenuDidBeginTrackingNotification, held); });
     _isButtonDown = opening.isButtonDown;
     _pressTime = steadyTime();

@@ -121,7 +121,7 @@ TEST_F(XCBApplicationTest, OpensMenus) {
     }
     bar->addItemWithTitle_action_keyEquivalent(u"File"_ns, SEL(), u""_ns)->setSubmenu(file);
     app->setMainMenu(bar);
-    constexpr int kF10 = 68, kDown = 108, kReturn = 28, kEscape = 1;
+    constexpr int kF10 = 68, kDown = 108, kReturn = 28, kEscape = 1, kGrave = 41, kAlt = 56, kF = 33, kE = 18;
     for (int key : {kF10, kDown, kReturn}) server->press(key);
     EXPECT_TRUE(until([&] { return chosen == 2; }));
     EXPECT_EQ(app->orderedWindows()->count(), 1u);
@@ -138,11 +138,16 @@ TEST_F(XCBApplicationTest, OpensMenus) {
     NSRunLoop::mainRunLoop()->addTimer_forMode(timer, NSEventTrackingRunLoopMode);
     server->click(x, y);
     EXPECT_TRUE(until([&] { return chosen == 3; }));
-    // Nobody else is shut out afterwards: keys go to the view again.
-    server->press(kF10);
-    server->press(kEscape);
-    server->press(30);
+    // Nobody else is shut out afterwards: keys go to the view again, and a dead key is forgotten.
+    XServerScope::run({"setxkbmap", "-layout", "de"});
+    for (int key : {kGrave, kF10, kEscape, 30}) server->press(key);
     EXPECT_TRUE(untilLogged("text a"));
+    server->press(kGrave);
+    server->key(kAlt, true);
+    server->press(kF);
+    server->key(kAlt, false);
+    for (int key : {kEscape, kE}) server->press(key);
+    EXPECT_TRUE(untilLogged("text e"));
     app->setMainMenu(nullptr);
 }
 
