@@ -225,8 +225,8 @@ bool ApplicationState::performKeyEquivalent(NSEvent* event) {
 
 // A title of the menu bar by its letter, or the context menu.
 bool ApplicationState::openMenuByKey(NSEvent* event) {
-    if (keyWindow && allowsEvents(keyWindow) && menuKeys.openByLetter(event, keyWindow)) return true;
-    return openContextMenu(event, keyWindow);
+    if (!keyWindow || !allowsEvents(keyWindow)) return false;
+    return menuKeys.openByLetter(event, keyWindow) || openContextMenu(event, keyWindow);
 }
 
 void NSApplication::sendEvent(NSEvent* event) {

@@ -376,6 +376,19 @@ TEST_F(MenuTracking, OpensContextMenusAndClosesThemByAClickBeside) {
     plan({[&] { recent->cancelTracking(); }});
     screen.press(NSMenuFunctionKey);
     EXPECT_EQ(takeLog(), "open recent, close recent, open recent, close recent");
+    // Not by a key in a window that waits for another one.
+    auto other = screen.window({{500, 100}, {200, 100}});
+    NSModalSession session = screen.app->beginModalSessionForWindow(other);
+    window->makeKeyWindow();
+    plan({[&] { recent->cancelTracking(); }});
+    const unichar menuKey = NSMenuFunctionKey;
+    NSString* typed = NSString::stringWithCharacters_length(&menuKey, 1);
+    screen.app->sendEvent(
+        NSEvent::
+            keyEventWithType_location_modifierFlags_timestamp_windowNumber_context_characters_charactersIgnoringModifiers_isARepeat_keyCode(
+                NSKeyDown, {}, 0, 0, window->windowNumber(), nullptr, typed, typed, false, 0));
+    EXPECT_EQ(takeLog(), "");
+    screen.app->endModalSession(session);
 }
 
 // At the caret where a key asked for the menu; lines that come meanwhile are seen without a further event.
