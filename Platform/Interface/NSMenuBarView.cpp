@@ -39,9 +39,9 @@ float widthOfTitle(NSString* title) { return MenuText(title).size().width + 2 * 
 // The titles that a bar shows, for the bar and for who tracks its menus.
 struct NSMenuBarView::Titles final : MenuTitles, MenuObserver {
     struct Title {
-        Retained<NSMenuItem> item;  // null for those without room
+        Retained<NSMenuItem> item;  // null for the title that stands for all items without room
         NSRect rect;                // in the bar
-        std::size_t index;          // of the item, or of the first one without room
+        std::size_t index;          // of the item, or of the first item without room
     };
 
     explicit Titles(NSMenuBarView* itsBar) : bar(itsBar) {}

@@ -54,8 +54,9 @@ class PELVOR_EXPORT NSMenuBarView : public NSView {
     bool performKeyEquivalent(NSEvent* event) override;
 
     // C++ only
+    /// Underlines the letters, or stops that.
     void showLetters(bool shows);
-    /// Opens the menu whose letter is pressed with Alt. Returns whether there is one.
+    /// Opens the menu whose letter is pressed with Alt. Returns false if no menu has the letter.
     bool openByLetter(NSEvent* event);
 
   protected:

@@ -27,7 +27,7 @@ bool touches(NSRange word, NSUInteger place) { return word.location <= place && 
 
 bool isLineEnd(unichar unit) { return unit == u'\n' || unit == u'\r' || unit == 0x2028 || unit == 0x2029; }
 
-// The line that the word is in; longer than a short line if it is none.
+// The line that the word is in; of a line that is not short, a part that is longer than kShortLine.
 NSRange lineAround(NSString* text, NSRange word) {
     NSUInteger start = word.location, end = NSMaxRange(word);
     const auto isShort = [&] { return end - start <= kShortLine; };

@@ -90,7 +90,7 @@ struct PELVOR_EXPORT ApplicationState {
     void pickKeyWindow();
     bool allowsEvents(NSWindow* window);
     NSWindow* modalWindow();
-    /// Whether somebody can answer what runs modally.
+    /// Whether an alert or a panel can be answered: by a user at a display, or by a program that plays one.
     bool canAsk();
     void showCursor();
     NSInteger runSession(ModalSession& session);

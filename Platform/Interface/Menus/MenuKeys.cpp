@@ -37,7 +37,7 @@ bool isCommand(NSMenu* menu, NSDictionary* keyBindings, char16_t letter) {
     return hasKeyEquivalent(menu, text) || keyBindings->objectForKey(u"~"_ns->stringByAppendingString(text));
 }
 
-// Null in a window without one.
+// The menu bar in the view; null if the view holds no menu bar.
 NSMenuBarView* barIn(NSView* view) {
     if (auto* bar = cast<NSMenuBarView>(static_cast<id>(view))) return bar;
     for (id subview : view->subviews())

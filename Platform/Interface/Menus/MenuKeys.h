@@ -26,24 +26,24 @@ struct TitleLetter {
 /// Letters that Alt makes a key equivalent or a key binding of are not free. An item whose title has no free
 /// letter is left out.
 PELVOR_EXPORT std::vector<TitleLetter> titleLetters(NSMenu* menu);
-/// The item whose letter is pressed with Alt and no other modifier key; null if there is none.
+/// The item whose letter is pressed with Alt and no other modifier key; null for every other event.
 NSMenuItem* itemForLetter(NSMenu* menu, NSEvent* event);
 
 /// The keys besides F10 that lead to the menu bar of the key window: Alt, pressed and released alone, and Alt
 /// with a letter.
 class MenuKeys {
   public:
-    /// Is told of every event. Returns whether the event releases Alt, and nothing else was done meanwhile.
-    /// Alt that is held longer, to see the letters or to move a window, means no menu.
+    /// Has to be told of every event. Returns true if the event releases Alt after a short press without any
+    /// other key, click or move of the pointer. A longer press only shows the letters, or moves a window.
     bool isAltAlone(NSEvent* event);
     /// Has the window's bar underline its letters while Alt is down.
     void showLetters(NSWindow* window);
-    /// Opens the menu that the key means. Returns whether there is one.
+    /// Opens the menu whose letter is pressed with Alt. Returns false if no menu has the letter.
     bool openByLetter(NSEvent* event, NSWindow* window);
     void openFirst(NSWindow* window);
 
   private:
-    WeakHandle _letteredBar;  // that underlines letters
+    WeakHandle _letteredBar;  // the menu bar that underlines its letters
     double _pressTime = 0;
     NSPoint _pressPlace;
     std::uint32_t _modifiers = 0;  // of the event before

@@ -76,7 +76,7 @@ class MenuLayout {
 
 /// Whether menus run from right to left in the user's language.
 bool menusRunFromRightToLeft();
-/// The same of a control with this base direction; a natural one is that of menus.
+/// Whether a control with this base direction runs from right to left; a natural one does if menus do.
 bool runsFromRightToLeft(NSWritingDirection direction);
 
 }  // namespace pelvor

@@ -21,8 +21,8 @@ enum class MenuSide { below, beside, over };
 struct MenuOpening {
     NSRect anchor;  ///< on the screen
     MenuSide side = MenuSide::below;
-    std::size_t firstItem = 0;             ///< of those that are shown
-    NSMenuItem* enteredItem = nullptr;     ///< whose submenu opens as well, if the item is in the menu
+    std::size_t firstItem = 0;             ///< the index of the first item that is shown
+    NSMenuItem* enteredItem = nullptr;     ///< an item whose submenu opens as well, if it is in the menu
     NSMenuItem* itemOverAnchor = nullptr;  ///< for MenuSide::over; else the upper left corner is the anchor's
     float leastWidth = 0;
     bool isButtonDown = false;  ///< the press that opens the menu may go on to the item
@@ -38,10 +38,11 @@ class MenuTitles {
     virtual int titleAt(NSPoint place) = 0;
     /// Null for a title without a menu.
     virtual NSMenu* menuOfTitle(int title) = 0;
+    /// Where the title's menu opens, and which of its items are shown.
     virtual MenuOpening openingOfTitle(int title) = 0;
-    /// The item whose letter is pressed with Alt; null if there is none.
+    /// The item whose letter is pressed with Alt; null for every other event.
     virtual NSMenuItem* itemForLetter(NSEvent* event) = 0;
-    /// The title that the item's menu opens from.
+    /// The title that the item's menu opens from: the item's own, or the last one for an item without room.
     virtual int titleOfItem(NSMenuItem* item) = 0;
     virtual void showOpenTitle(int title) = 0;
 
