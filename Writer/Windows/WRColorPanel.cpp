@@ -101,7 +101,6 @@ void WRColorPanel::makeWindow() {
     form->addView(localized(u"_Used last:"_ns), row);
     _message.set(form->addMessage());
     _window = form->panelWithTitle(localized(u"_Colour"_ns));
-    _window->setInitialFirstResponder(_digits);
     _window->setDelegate(this);
     showRecentColors();
 }

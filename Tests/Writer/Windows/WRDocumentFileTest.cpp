@@ -526,6 +526,7 @@ TEST_F(DocumentFileTest, KeepsPreferences) {
     EXPECT_EQ(rulers(), "yes yes ");
     desktop->orderFrontPreferences(nullptr);
     NSView* panel = screen.app->keyWindow()->contentView();
+    EXPECT_TRUE(cast<NSPopUpButton>(static_cast<id>(screen.app->keyWindow()->firstResponder())));
     for (NSString* title : {u"_Show the ruler"_ns, u"_Mark misspelled words"_ns})
         buttonIn(panel, title)->performClick(nullptr);
     buttonIn(panel, [](NSButton* button) {
