@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "EnvironmentScope.h"
 #include "Foundation/NSData.h"
 #include "Foundation/NSMutableAttributedString.h"
 #include "Foundation/NSMutableString.h"
@@ -208,11 +209,14 @@ TEST_F(DocumentWindowTest, ChangesPaperAndMargins) {
                (view->pageCount() > 3 ? "more pages" : std::to_string(view->pageCount()) + " pages");
     };
     const std::string before = look();
+    const EnvironmentScope locale("LC_ALL", "de_DE.UTF-8"), languages("LANGUAGE", nullptr);
     auto panel = WRPageSetupPanel::create(view->pages()->settings(), {}, [&](NSDictionary* settings) {
         return window->changeSettings(settings);
     });
     panel->window()->makeKeyAndOrderFront(nullptr);
     screen.turn();
+    EXPECT_NE(shown(cast<NSText>(static_cast<id>(panel->window()->firstResponder()))->string()).find(','),
+              std::string::npos);
     for (const char16_t* margin : {u"x", u"-1", u"5000"}) {  // the first field, all of it selected
         send(panel->window()->firstResponder(), "selectAll:"_sel, id(nullptr));
         screen.type(margin);
