@@ -59,10 +59,7 @@ PELVOR_DEFINE_CLASS(WRColorPanel, windowsLibrary) {
 Retained<WRColorPanel> WRColorPanel::init(Class* cls) {
     auto self = make<WRColorPanel>(cls);
     self->makeWindow();
-    auto* centre = NSNotificationCenter::defaultCenter();
-    for (NSString* name : {NSTextViewDidChangeSelectionNotification, NSTextDidChangeNotification,
-                           WRFormatsDidChangeNotification, NSWindowDidBecomeMainNotification})
-        centre->addObserver_selector_name_object(self, "formatsDidChange:"_sel, name, nullptr);
+    WRFormatCommands::addObserverOfCurrent(self);
     return self;
 }
 

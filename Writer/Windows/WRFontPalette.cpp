@@ -16,7 +16,6 @@
 #include "Interface/NSScrollView.h"
 #include "Interface/NSTableColumn.h"
 #include "Interface/NSTextField.h"
-#include "Interface/NSTextView.h"
 #include "PBAutoscrollingTableView.h"
 #include "Text/NSFontManager.h"
 #include "Writer/LocalizedText.h"
@@ -92,10 +91,7 @@ Retained<WRFontPalette> WRFontPalette::init(Class* cls) {
     self->_familyNames.set(manager()->availableFontFamilies());
     self->_members = NSArray::init();
     self->makeWindow();
-    auto* centre = NSNotificationCenter::defaultCenter();
-    for (NSString* name : {NSTextViewDidChangeSelectionNotification, NSTextDidChangeNotification,
-                           WRFormatsDidChangeNotification, NSWindowDidBecomeMainNotification})
-        centre->addObserver_selector_name_object(self, "formatsDidChange:"_sel, name, nullptr);
+    WRFormatCommands::addObserverOfCurrent(self);
     return self;
 }
 
