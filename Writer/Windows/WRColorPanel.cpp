@@ -2,7 +2,6 @@
 #include "Writer/Windows/WRColorPanel.h"
 
 #include <memory>
-#include <utility>
 
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSMutableArray.h"
@@ -144,8 +143,9 @@ void WRColorPanel::apply(ColorParts parts) {
         explicit Applying(bool& raised) : flag(raised) { flag = true; }
         ~Applying() { flag = false; }
     } applying(_isApplying);
-    commands->setTextColor(parts.color(), commands == _changed);
-    _changed = commands;
+    const bool continuesStep = _changed && _changed->object().get() == commands;
+    _changed.emplace(commands);
+    commands->setTextColor(parts.color(), continuesStep);
 }
 
 void WRColorPanel::takeDigitsFrom(id) {
@@ -165,7 +165,8 @@ void WRColorPanel::controlTextDidChange(id) {
 
 // What is done from now on is another step to undo.
 void WRColorPanel::endStep() {
-    if (!std::exchange(_changed, nullptr)) return;
+    if (!_changed) return;
+    _changed.reset();
     NSString* digits = hexOfColor(_parts.color());
     auto* recent = NSMutableArray::arrayWithArray(recentDigits());
     recent->removeObject(digits);
