@@ -45,6 +45,7 @@ class WRDocumentWindow : public NSResponder {
     WRDocument* document() { return _document; }
     WRPageView* pageView() { return _pageView; }
     WRDocumentFile* file() { return _file; }
+    WRFormatCommands* formatCommands() { return _formatCommands; }
     NSDictionary* wishes() { return _wishes; }
 
     /// Shows a sentence above the pages, in the place of one that is shown.
