@@ -349,7 +349,9 @@ bool WRDocumentFile::validateMenuItem(id item) {
     return isEnabled;
 }
 
-bool WRDocumentFile::validateRevertDocumentToSaved(id) { return _document->hasFile() && isEdited(); }
+bool WRDocumentFile::validateRevertDocumentToSaved(id) {
+    return _document->fileIdentity().isThere() && isEdited();
+}
 
 void WRDocumentFile::revertDocumentToSaved(id) {
     if (validateRevertDocumentToSaved(nullptr)) revertWithEncoding(nullptr);
@@ -501,7 +503,9 @@ void WRDocumentFile::keepMine(const FileIdentity& file) {
 
 // MARK: Trash
 
-bool WRDocumentFile::validateMoveDocumentToTrash(id) { return _document->hasFile() && !_isFileGone; }
+bool WRDocumentFile::validateMoveDocumentToTrash(id) {
+    return _document->fileIdentity().isThere() && !_isFileGone;
+}
 
 void WRDocumentFile::moveDocumentToTrash(id) {
     if (!validateMoveDocumentToTrash(nullptr)) return;

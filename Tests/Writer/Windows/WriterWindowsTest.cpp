@@ -93,6 +93,15 @@ TEST_F(WriterWindowsTest, ShowsADocumentToReadAndCopy) {
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
 }
 
+TEST_F(WriterWindowsTest, BeginsTheFileThatItIsCalledWith) {
+    ProgramScope writer({WRITER_PROGRAM, folder.path("New.txt")});
+    ASSERT_TRUE(until([] { return placeOfWindow("^New.txt").first != 0; }));
+    EXPECT_TRUE(until([&] {
+        outputOf("xdotool key a ctrl+s");
+        return std::filesystem::exists(folder.path("New.txt"));
+    }));
+}
+
 class WriterLossTest : public WriterWindowsTest, public ::testing::WithParamInterface<bool> {};
 INSTANTIATE_TEST_SUITE_P(ItselfOrItsDisplay, WriterLossTest, ::testing::Bool());
 
