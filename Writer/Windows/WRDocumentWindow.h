@@ -59,7 +59,7 @@ class WRDocumentWindow : public NSResponder {
     void zoomOut(id sender);
     void showActualSize(id sender);
     void showWholeWidth(id sender);
-    /// Shows or hides the ruler, here and in windows that open later.
+    /// Shows or hides the rulers of all windows.
     void toggleRuler(id sender);
     void showNextPage(id sender);
     void showPreviousPage(id sender);

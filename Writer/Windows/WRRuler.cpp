@@ -354,7 +354,7 @@ void WRRuler::follow(NSPoint point, bool snaps) {
     showGuide();
 }
 
-// Over the pages, where the dragged mark stands; none without one.
+// A line over the pages at the place of the dragged mark, as long as there is one.
 void WRRuler::showGuide() {
     NSScrollView* pages = _commands->pageView()->enclosingScrollView();
     const bool isShown = _drag && _drag->hasMoved && !_drag->isOff && pages && superview();
