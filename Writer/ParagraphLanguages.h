@@ -22,7 +22,6 @@ class PELVOR_EXPORT ParagraphLanguages {
     /// Asks the first service of the profiles that tells the languages of texts.
     explicit ParagraphLanguages(PBProfileSet* profiles);
 
-    bool canTell() const { return static_cast<bool>(_finder); }
     /// Sets WRLanguageAttributeKey for the paragraphs that begin in the range, unless they have a language or
     /// neither they nor their neighbours tell one. Goes on behind the range, for some pages at most, while
     /// the last paragraphs wait for a language from behind. Returns where the last paragraph ends that was

@@ -5,7 +5,6 @@
 
 #include <dlfcn.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <string>

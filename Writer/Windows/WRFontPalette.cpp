@@ -5,7 +5,6 @@
 #include <bit>
 #include <cstdlib>
 
-#include "Foundation/LocalizedNumbers.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSNotification.h"
 #include "Foundation/NSNotificationCenter.h"
@@ -16,6 +15,7 @@
 #include "Interface/NSScrollView.h"
 #include "Interface/NSTableColumn.h"
 #include "Interface/NSTextField.h"
+#include "Interface/NSTextView.h"
 #include "PBAutoscrollingTableView.h"
 #include "Text/NSFontManager.h"
 #include "Writer/LocalizedText.h"
@@ -39,9 +39,7 @@ NSString* memberText(NSArray* members, NSInteger row, NSUInteger index) {
     return cast<NSString>(member->objectAtIndex(index));
 }
 
-NSString* shownSize(float size) {
-    return localizedNumber(NSString::stringWithFormat(u"%g"_ns, static_cast<double>(size)));
-}
+NSString* shownSize(float size) { return NSString::stringWithFormat(u"%g"_ns, static_cast<double>(size)); }
 
 // The face of the family that is most like the font; null for a family without faces.
 NSFont* nearestFont(NSFont* font, NSString* family) {
@@ -91,7 +89,10 @@ Retained<WRFontPalette> WRFontPalette::init(Class* cls) {
     self->_familyNames.set(manager()->availableFontFamilies());
     self->_members = NSArray::init();
     self->makeWindow();
-    WRFormatCommands::addObserverOfCurrent(self);
+    auto* centre = NSNotificationCenter::defaultCenter();
+    for (NSString* name : {NSTextViewDidChangeSelectionNotification, NSTextDidChangeNotification,
+                           WRFormatsDidChangeNotification, NSWindowDidBecomeMainNotification})
+        centre->addObserver_selector_name_object(self, "formatsDidChange:"_sel, name, nullptr);
     return self;
 }
 
@@ -228,7 +229,7 @@ NSFont* WRFontPalette::convertFont(NSFont* font) {
 void WRFontPalette::takeSizeFrom(id sender) {
     auto* field = cast<NSControl>(sender);
     if (!field) return;
-    const float size = plainNumber(field->stringValue())->floatValue();
+    const float size = field->floatValue();
     if (size > 0)
         _wantedSize = std::min(size, kLargestSize);
     else if (_shown)

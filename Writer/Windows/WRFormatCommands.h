@@ -40,9 +40,6 @@ class WRFormatCommands : public NSResponder {
                                              std::shared_ptr<const StyleSheet> sheet);
     /// Those of the window that the user works in, also while a palette has the keys; null if there is none.
     static WRFormatCommands* current();
-    /// Sends "formatsDidChange:" to the object whenever these may be others, or their selection or its
-    /// formats, until the notification centre is told to remove the observer.
-    static void addObserverOfCurrent(id observer);
 
     using AttributeChange = std::function<Retained<NSDictionary>(NSDictionary* old)>;
     using StyleChange = std::function<void(NSMutableParagraphStyle* style)>;
@@ -120,7 +117,6 @@ class WRFormatCommands : public NSResponder {
     bool showState(id item, int state);
     void changeSizes(id sender, bool isBigger);
     void moveIndents(id sender, float distance);
-    float leastIndent();
     bool edit(id sender, NSString* name, NSRange range,
               const std::function<void(NSTextStorage* text)>& change, bool continuesStep = false);
     void setTyping(NSDictionary* attributes);

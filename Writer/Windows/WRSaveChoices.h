@@ -42,8 +42,6 @@ class WRSaveChoices : public NSObject {
     NSString* extension();
     /// Null for the document's own encoding, and where the kind has no choice of encodings.
     NSString* encodingName();
-    NSPopUpButton* kindButton() { return _kinds; }
-    NSPopUpButton* encodingButton() { return _encodings; }
 
     /// What the buttons do.
     void kindDidChange(id sender);

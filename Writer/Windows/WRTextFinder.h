@@ -44,7 +44,7 @@ struct FindResult {
 
 /// Finds text in text views, selects it, and replaces it, as one change that can be undone:
 ///
-///     finder->query().text.set(u"colour"_ns);
+///     finder->setQuery({u"colour"_ns->copy()});
 ///     finder->setReplacement(u"color"_ns);
 ///     if (finder->find(view, false).kind == FindResult::Kind::found) finder->replace(view);
 ///
@@ -57,10 +57,8 @@ class WRTextFinder : public NSObject {
     static Retained<WRTextFinder> init(Class* cls = classObject());
 
     // C++ only
-    const TextQuery& query() { return _query; }
     void setQuery(TextQuery query);
     void setReplacement(NSString* replacement) { _replacement.set(replacement); }
-    bool wraps() { return _wraps; }
     /// Whether a search goes on at the other end of the text. True at first.
     void setWraps(bool wraps) { _wraps = wraps; }
 
