@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Pages/Pagination.h"
 
-#include <random>
-
 #include "Foundation/NSMutableAttributedString.h"
-#include "Foundation/NSMutableDictionary.h"
 #include "NSTextStorage-PelvorAdditions.h"
 #include "Prelude.h"
 #include "Text/NSMutableParagraphStyle.h"
@@ -24,9 +21,8 @@ Retained<NSTextStorage> textOf(const std::string& words) {
         auto style = NSMutableParagraphStyle::init();
         style->setMinimumLineHeight(kLineHeight);
         style->setMaximumLineHeight(kLineHeight);
-        auto attributes = NSMutableDictionary::init();
-        attributes->setObject_forKey(WRSheetParagraphStyle::create(style, rules).get(),
-                                     NSParagraphStyleAttributeName);
+        auto ruled = WRSheetParagraphStyle::create(style, rules);
+        auto* attributes = NSDictionary::of({{NSParagraphStyleAttributeName, ruled.get()}});
         paragraph.push_back(mark);
         text->appendAttributedString(
             NSAttributedString::initWithString_attributes(NSString::of(paragraph), attributes).get());

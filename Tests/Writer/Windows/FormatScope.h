@@ -1,20 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
-// FormatScope: a document in a window, whose text is formatted.
+// FormatScope: a document in a window, and the user who formats its text.
 #pragma once
 
 #include <filesystem>
 
 #include "Foundation/NSUndoManager.h"
+#include "Foundation/NSUserDefaults.h"
 #include "Interface/NSMenuItem.h"
 #include "InterfaceScope.h"
 #include "NSAttributedString-PelvorAdditions.h"
 #include "PBPostLoader.h"
-#include "Runtime/Message.h"
 #include "TemporaryFolder.h"
+#include "Text/NSColor.h"
 #include "Text/NSFont.h"
 #include "Text/NSParagraphStyle.h"
+#include "Text/NSTextStorage.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/WRDocument.h"
+#include "Writer/Windows/ColorParts.h"
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageView.h"
@@ -22,12 +25,32 @@
 
 namespace pelvor {
 
+/// Makes Writer's windows ready, and goes to where the style sheet of all documents is.
+inline void prepareWindows() {
+    registerLibrary(windowsLibrary);
+    PBPostLoader::processClassesStartingRegistry(false);
+    std::filesystem::current_path(WRITER_PAGES);
+}
+
+/// A user without settings, for a scope. No file keeps what is set meanwhile.
+struct DefaultsScope {
+    DefaultsScope() { NSUserDefaults::setStandardUserDefaults(defaults); }
+    ~DefaultsScope() { NSUserDefaults::setStandardUserDefaults(nullptr); }
+    Retained<NSUserDefaults> defaults = NSUserDefaults::initVolatile();
+};
+
+/// The first view of the class that stands in the window itself; null if there is none.
+template <class View>
+View* partOf(WRDocumentWindow* window) {
+    for (id part : window->window()->contentView()->subviews())
+        if (auto* found = cast<View>(part)) return found;
+    return nullptr;
+}
+
 /// Shows a plain text in a window, and gives commands as menus do.
-struct FormatScope {
+struct FormatScope : DefaultsScope {
     explicit FormatScope(NSString* text) {
-        registerLibrary(windowsLibrary);
-        PBPostLoader::processClassesStartingRegistry(false);
-        std::filesystem::current_path(WRITER_PAGES);  // where the style sheet of all documents is
+        prepareWindows();
         open(text);
         screen.turn();
     }
@@ -42,9 +65,33 @@ struct FormatScope {
         window->show();
         view = window->pageView();
     }
+    void findAllPages() {
+        while (!view->isComplete()) screen.turn();
+    }
+    /// A text of so many lines, each of which is a number.
+    static Retained<NSString> numberedLines(unsigned count) {
+        auto text = NSMutableString::init();
+        for (unsigned i = 0; i < count; ++i) text->appendFormat(u"%u\n"_ns, i);
+        return text;
+    }
+    /// Pages of 200 points each way, as the settings of a document.
+    static NSDictionary* smallPages(float margin) {
+        auto* settings = NSMutableDictionary::dictionary();
+        for (NSString* key : {WRPageWidthKey, WRPageHeightKey})
+            settings->setObject_forKey(NSNumber::numberWithFloat(200), key);
+        for (NSString* key : {WRLeftMarginKey, WRRightMarginKey, WRTopMarginKey, WRBottomMarginKey})
+            settings->setObject_forKey(NSNumber::numberWithFloat(margin), key);
+        return settings;
+    }
     void select(NSUInteger location, NSUInteger length = 0) {
         view->setSelectedRange({location, length});
         screen.turn();
+    }
+    /// Types in the place of all that is in the field that has the keys, and presses Return.
+    void enter(NSWindow* panel, std::u16string_view text) {
+        send(panel->firstResponder(), "selectAll:"_sel, id(nullptr));
+        screen.type(text);
+        screen.press(u'\r');
     }
     Retained<NSMenuItem> item(SEL action, NSInteger tag = 0, id represented = nullptr) {
         auto made = NSMenuItem::initWithTitle_action_keyEquivalent(u"Change"_ns, action, u""_ns);
@@ -68,12 +115,14 @@ struct FormatScope {
         std::string text;
         for (AttributeRun run : view->textStorage()->runsInRange({0, view->textStorage()->length()}))
             if (id value = run.attributes->objectForKey(key)) {
-                auto* font = cast<NSFont>(value);
-                auto* name = font ? NSString::stringWithFormat(u"%@ %g"_ns, font->fontName(),
-                                                               static_cast<double>(font->pointSize()))
-                                  : value->description();
-                text += std::to_string(run.range.location) + "-" + std::to_string(NSMaxRange(run.range)) +
-                        " " + name->toUTF8() + "\n";
+                text +=
+                    std::to_string(run.range.location) + "-" + std::to_string(NSMaxRange(run.range)) + " ";
+                if (auto* font = cast<NSFont>(value))
+                    text += shown(font->fontName(), font->pointSize()) + "\n";
+                else if (auto* color = cast<NSColor>(value))
+                    text += shown(hexOfColor(color)) + "\n";
+                else
+                    text += shown(value) + "\n";
             }
         return text;
     }

@@ -3,42 +3,45 @@
 
 #include <sys/stat.h>
 
-#include <chrono>
-#include <filesystem>
-#include <thread>
-
+#include "BaseTextLibrary.h"
 #include "EnvironmentScope.h"
+#include "FormatScope.h"
 #include "Foundation/NSNib.h"
 #include "Foundation/NSObject-DelayedPerforming.h"
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSTimer.h"
 #include "Foundation/NSURL.h"
-#include "Foundation/NSUserDefaults.h"
 #include "Interface/NSAlert.h"
 #include "Interface/NSButton.h"
 #include "Interface/NSMenu.h"
 #include "Interface/NSPopUpButton.h"
 #include "Interface/NSSavePanel.h"
-#include "InterfaceScope.h"
-#include "PBPostLoader.h"
 #include "PBRegistry.h"
-#include "TemporaryFolder.h"
-#include "Text/NSFont.h"
-#include "Text/NSTextStorage.h"
 #include "Writer/LocalizedText.h"
-#include "Writer/PlugInProtocol.h"
+#include "Writer/PlugIns/PlainText/PlainTextPlugIn.h"
+#include "Writer/PlugIns/PlainText/WRPlainTextReader.h"
+#include "Writer/PlugIns/PlainText/WRPlainTextWriter.h"
+#include "Writer/PlugIns/RichText/RichTextPlugIn.h"
+#include "Writer/PlugIns/RichText/WRByteScanner.h"
+#include "Writer/PlugIns/RichText/WRRichTextReader.h"
+#include "Writer/PlugIns/RichText/WRRichTextWriter.h"
 #include "Writer/Recovery/RecoveryStore.h"
-#include "Writer/WRDocument.h"
-#include "Writer/WRDocumentOpener.h"
 #include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRDesktop.h"
-#include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WROpenChoices.h"
-#include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRRecentDocuments.h"
 #include "Writer/Windows/WRRuler.h"
-#include "Writer/Windows/WindowsLibrary.h"
-#include "WriterPlugIns.h"
+
+namespace pelvor {
+
+// Readers and writers of plain and rich text.
+constexpr Library* kDependencies[] = {&baseTextLibrary};
+constinit Library plainTextPlugIn{
+    "PlainText", kDependencies, kClassesOf<WRPlainTextReader, WRPlainTextWriter>, {}};
+constinit Library richTextPlugIn{
+    "RichText", kDependencies, kClassesOf<WRByteScanner, WRRichTextReader, WRRichTextWriter>, {}};
+
+}  // namespace pelvor
 
 namespace {
 
@@ -58,24 +61,19 @@ NSAlert* alertIn(NSWindow* panel) {
     return button ? cast<NSAlert>(button->target()) : nullptr;
 }
 
-class DocumentFileTest : public ::testing::Test {
-  protected:
+struct DocumentFileTest : ::testing::Test, DefaultsScope {
     static void SetUpTestSuite() {
-        registerLibrary(windowsLibrary);
-        PBPostLoader::processClassesStartingRegistry(false);
-        registerTextPlugIns();
-        std::filesystem::current_path(WRITER_PAGES);  // where the style sheet of all documents is
+        prepareWindows();
+        registerLibrary(plainTextPlugIn);
+        registerLibrary(richTextPlugIn);
+        for (NSString* folder : {u"PlainText"_ns, u"RichText"_ns})
+            PBRegistry::sharedRegistry()->addProfilesFromPath_bundle(
+                NSString::stringWithFormat(u"%s/%@/Profiles.plist"_ns, WRITER_PLUGINS, folder), nullptr);
     }
-    DocumentFileTest() {
-        NSUserDefaults::setStandardUserDefaults(NSUserDefaults::initVolatile().get());
-        screen.app->setTerminatesProcess(false);
-        start();
-    }
+    DocumentFileTest() { start(); }
     ~DocumentFileTest() {
         if (timer) timer->invalidate();
-        NSUserDefaults::setStandardUserDefaults(nullptr);
     }
-
     /// Writer starts.
     void start() {
         desktop = WRDesktop::init();
@@ -134,6 +132,11 @@ class DocumentFileTest : public ::testing::Test {
         return condition();
     }
     std::string textOf(WRDocumentWindow* window) { return window->document()->text()->toUTF8(); }
+    /// The text, and whether there are changes of it that are in no file, and the window shows so: "text 1
+    /// 1".
+    std::string stateOf(WRDocumentWindow* window) {
+        return shown(textOf(window), window->file()->isEdited(), window->window()->isDocumentEdited());
+    }
     void typeInto(WRDocumentWindow* window, std::u16string_view text) {
         window->show();
         screen.turn();
@@ -155,55 +158,24 @@ class DocumentFileTest : public ::testing::Test {
 };
 
 TEST_F(DocumentFileTest, KnowsWhetherThereAreChangesThatAreInNoFile) {
-    WRDocumentWindow* window = open("a.txt", "one\n");
-    WRDocumentFile* file = window->file();
-    const auto states = [&] { return shown(file->isEdited(), window->window()->isDocumentEdited()); };
-    EXPECT_EQ(states(), "0 0");
+    WRDocumentWindow* window = open("a.txt", "one");
     typeInto(window, u"ab");
-    EXPECT_EQ(states(), "1 1");
+    EXPECT_EQ(stateOf(window), "abone 1 1");
     undo(window);
-    EXPECT_EQ(states(), "0 0");
+    EXPECT_EQ(stateOf(window), "one 0 0");
     redo(window);
-    EXPECT_EQ(states(), "1 1");
-    EXPECT_TRUE(file->save());
-    EXPECT_EQ(folder.read("a.txt") + states(), "abone\n0 0");
+    EXPECT_EQ(stateOf(window), "abone 1 1");
+    EXPECT_TRUE(window->file()->save());
+    EXPECT_EQ(folder.read("a.txt") + stateOf(window), "aboneabone 0 0");
     screen.type(u"c");  // another step than what was typed before the saving
-    EXPECT_EQ(states(), "1 1");
+    EXPECT_EQ(stateOf(window), "cone 1 1");
     undo(window);
-    EXPECT_EQ(textOf(window) + states(), "abone\n0 0");
+    EXPECT_EQ(stateOf(window), "abone 0 0");
     undo(window);
-    EXPECT_EQ(textOf(window) + states(), "one\n1 1");
+    EXPECT_EQ(stateOf(window), "one 1 1");
     screen.type(u"d");
     undo(window);
-    EXPECT_EQ(textOf(window) + states(), "one\n1 1") << "what is in the file cannot be redone";
-}
-
-TEST_F(DocumentFileTest, BeginsWhereThereIsNoFileYet) {
-    auto opener = WRDocumentOpener::initWithProfiles(PBRegistry::sharedRegistry());
-    const auto opened = [&](const char* name) {
-        return opener->openOrMakeDocumentAtPath_options(NSString::ofUTF8(folder.path(name)),
-                                                        NSDictionary::dictionary());
-    };
-    EXPECT_FALSE(opened("no/New.txt"));
-    EXPECT_THAT(shown(opener->problem()), HasSubstr("the enclosing folder does not exist"));
-    WRDocument* document = opened("New.txt");
-    ASSERT_TRUE(document) << opener->problem();
-    EXPECT_FALSE(desktop->showDocument_options(document, nullptr));
-    WRDocumentWindow* window = desktop->windowForPath(document->path());
-    const auto states = [&] {
-        WRDocumentFile* file = window->file();
-        return shown(window->window()->title(), file->isEdited(),
-                     file->validateRevertDocumentToSaved(nullptr),
-                     file->validateMoveDocumentToTrash(nullptr));
-    };
-    EXPECT_EQ(states(), "New.txt 0 0 0");
-    typeInto(window, u"x");
-    EXPECT_EQ(states(), "New.txt 1 0 0");
-    EXPECT_EQ(doing([&] { window->file()->saveDocument(nullptr); }), "");
-    EXPECT_EQ(folder.read("New.txt"), "x");
-    screen.type(u"y");
-    EXPECT_EQ(states(), "New.txt 1 1 1");
-    EXPECT_EQ(shown(opened("New.txt")->text()), "x");
+    EXPECT_EQ(stateOf(window), "one 1 1") << "what is in the file cannot be redone";
 }
 
 // Those that are filled when they open, too: what fills them has to be kept.
@@ -384,7 +356,7 @@ TEST_F(DocumentFileTest, FollowsOtherProgramsThatWriteTheFile) {
     EXPECT_EQ(folder.read("a.txt"), "theirs\n\n");
     writeOutside("theirs again\n");
     choose(window, u"_Reload"_ns);
-    EXPECT_EQ(textOf(window) + shown(window->file()->isEdited()), "theirs again\n0");
+    EXPECT_EQ(stateOf(window), "theirs again\n 0 0");
     undo(window);
     EXPECT_THAT(textOf(window), HasSubstr("mine line 200"));
     EXPECT_TRUE(window->file()->isEdited());
@@ -420,9 +392,9 @@ TEST_F(DocumentFileTest, KeepsItsTextWhereTheFileTurnsIntoSomethingElse) {
         };
         change(replace);
         EXPECT_NE(notice(window), "");
-        EXPECT_EQ(textOf(window) + shown(window->file()->isEdited()), "one1");
+        EXPECT_EQ(stateOf(window), "one 1 1");
         change([&] { folder.write("a.txt", "two"); });
-        EXPECT_EQ(textOf(window) + notice(window) + shown(window->file()->isEdited()), "two0");
+        EXPECT_EQ(notice(window) + stateOf(window), "two 0 0");
         window->window()->close();
     };
     expectTextKept("folder", [&] { std::filesystem::create_directory(path); });
@@ -464,9 +436,9 @@ TEST_F(DocumentFileTest, RevertsInOneStep) {
     screen.press(NSRightArrowFunctionKey);
     screen.type(u"y");
     doing([&] { window->file()->revertDocumentToSaved(nullptr); }, {u"_Revert"_ns});
-    EXPECT_EQ(textOf(window) + shown(window->file()->isEdited()), "one two three\n0");
+    EXPECT_EQ(stateOf(window), "one two three\n 0 0");
     undo(window);
-    EXPECT_EQ(textOf(window) + shown(window->file()->isEdited()), "xoyne two three\n1");
+    EXPECT_EQ(stateOf(window), "xoyne two three\n 1 1");
 }
 
 TEST_F(DocumentFileTest, HearsOfEachFileThatAnotherProgramWrites) {
@@ -539,23 +511,15 @@ TEST_F(DocumentFileTest, OpensFilesThatAreDroppedOnAWindow) {
 TEST_F(DocumentFileTest, KeepsPreferences) {
     const EnvironmentScope config("XDG_CONFIG_HOME", folder.path("config").c_str());
     const auto settings = [] { return NSUserDefaults::initWithDomainName(u"writer-test"_ns); };
-    auto defaults = settings();
-    NSUserDefaults::setStandardUserDefaults(defaults);
-    WRDocumentWindow* const windows[] = {open("a.txt", "a"), open("b.txt", "b")};
+    auto own = settings();
+    NSUserDefaults::setStandardUserDefaults(own);
+    WRDocumentWindow *first = open("a.txt", "a"), *second = open("b.txt", "b");
     const auto rulers = [&] {
-        std::string answer;
-        for (WRDocumentWindow* window : windows) {
-            bool hasRuler = false;
-            for (id view : window->window()->contentView()->subviews())
-                hasRuler |= cast<WRRuler>(view) != nullptr;
-            answer += hasRuler ? "yes " : "no ";
-        }
-        return answer;
+        return shown(partOf<WRRuler>(first) != nullptr, partOf<WRRuler>(second) != nullptr);
     };
-    EXPECT_EQ(rulers(), "yes yes ");
+    EXPECT_EQ(rulers(), "1 1");
     desktop->orderFrontPreferences(nullptr);
     NSView* panel = screen.app->keyWindow()->contentView();
-    EXPECT_TRUE(cast<NSPopUpButton>(static_cast<id>(screen.app->keyWindow()->firstResponder())));
     for (NSString* title : {u"_Show the ruler"_ns, u"_Mark misspelled words"_ns})
         buttonIn(panel, title)->performClick(nullptr);
     buttonIn(panel, [](NSButton* button) {
@@ -564,7 +528,7 @@ TEST_F(DocumentFileTest, KeepsPreferences) {
         counts->selectItemWithTitle(localized(u"_None"_ns));
         return counts->sendAction_to(counts->action(), counts->target());
     });
-    EXPECT_EQ(rulers(), "no no ");
+    EXPECT_EQ(rulers(), "0 0");
     EXPECT_EQ(desktop->recentDocuments()->paths()->count(), 0U);
     screen.wait(1.5);
     auto kept = settings();
@@ -572,8 +536,8 @@ TEST_F(DocumentFileTest, KeepsPreferences) {
          {WRShowsRulerPreference, WRMarksMisspellingsPreference, WRRecentDocumentCountPreference})
         EXPECT_EQ(shown(static_cast<bool>(kept->objectForKey(key)), kept->integerForKey(key)), "1 0")
             << shown(key);
-    defaults->setBool_forKey(true, WRShowsRulerPreference);  // as the menu does it
-    EXPECT_EQ(rulers() + std::to_string(buttonIn(panel, u"_Show the ruler"_ns)->state()), "yes yes 1");
+    own->setBool_forKey(true, WRShowsRulerPreference);  // as the menu does it
+    EXPECT_EQ(shown(rulers(), buttonIn(panel, u"_Show the ruler"_ns)->state()), "1 1 1");
 }
 
 TEST_F(DocumentFileTest, RecoversWhatACrashHasLeft) {

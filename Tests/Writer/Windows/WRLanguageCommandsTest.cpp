@@ -4,13 +4,9 @@
 
 #include "../TestProfiles.h"
 #include "FormatScope.h"
-#include "Foundation/NSMutableString.h"
-#include "Foundation/NSUserDefaults.h"
 #include "Interface/KeyboardLayouts.h"
 #include "Interface/NSMenu.h"
-#include "Interface/NSTableView.h"
 #include "TestClasses.h"
-#include "Text/NSTextStorage.h"
 #include "Writer/Pages/TextLanguage.h"
 #include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRCharactersPanel.h"
@@ -23,38 +19,27 @@ NSString* languageOf(NSObject*, NSString* text) {
     return text->hasPrefix(u"das"_ns) ? u"de"_ns : text->hasPrefix(u"the"_ns) ? u"en"_ns : nullptr;
 }
 
-void addProfiles() {
-    static bool isDone = false;
-    if (std::exchange(isDone, true)) return;
-    makeClass<"languageOfText:", &languageOf>("WRTestLanguageFinder");
-    PBRegistry* registry = PBRegistry::sharedRegistry();
-    addProfile(registry, "finder", PBProfileDocumentServiceType, {}, 0, u"WRTestLanguageFinder"_ns);
-    const auto add = [registry](const char* name, NSString* type, NSString* key, id value) {
-        registry->addProfile(PBProfile::profileWithIdentifier_dictionary_bundle(
-            NSString::ofUTF8(name), NSDictionary::of({{PBProfileTypeKey, type}, {key, value}}), nullptr));
-    };
-    for (const char* name : {"en", "de", "fr"})
-        add(name, PBProfileLanguageType, u"code"_ns, NSString::ofUTF8(name));
-    add("dashes", PBProfilePaletteType, u"characters"_ns, NSArray::of({u"–"_ns, u"—"_ns}));
-}
-
-class LanguageCommandsTest : public ::testing::Test {
-  protected:
-    LanguageCommandsTest() {
-        addProfiles();
-        scope.screen.backend->setLayouts(
+struct LanguageCommandsTest : ::testing::Test, FormatScope {
+    static void SetUpTestSuite() {
+        prepareWindows();
+        makeClass<"languageOfText:", &languageOf>("WRTestLanguageFinder");
+        PBRegistry* registry = PBRegistry::sharedRegistry();
+        addProfile(registry, "finder", PBProfileDocumentServiceType, {}, 0, u"WRTestLanguageFinder"_ns);
+        const auto add = [registry](NSString* name, NSString* type, NSString* key, id value) {
+            registry->addProfile(PBProfile::profileWithIdentifier_dictionary_bundle(
+                name, NSDictionary::of({{PBProfileTypeKey, type}, {key, value}}), nullptr));
+        };
+        for (NSString* name : {u"en"_ns, u"de"_ns, u"fr"_ns})
+            add(name, PBProfileLanguageType, u"code"_ns, name);
+        add(u"dashes"_ns, PBProfilePaletteType, u"characters"_ns, NSArray::of({u"–"_ns, u"—"_ns}));
+    }
+    LanguageCommandsTest() : FormatScope(u"the sea das Meer"_ns) {
+        screen.backend->setLayouts(
             {{0, "us", "English", "eng", "us", true}, {1, "de", "German", "deu", "de"}});
     }
-    ~LanguageCommandsTest() override {
-        NSUserDefaults::standardUserDefaults()->removeObjectForKey(WRKeyboardFollowsLanguagePreference);
-    }
-    void open(NSString* text) {
-        scope.open(text);
-        view = scope.view;
-    }
     /// Chooses the language in the menu; returns the marks that the items had before.
-    std::string choose(NSString* name) {
-        auto menu = NSMenu::initWithTitle(u""_ns);
+    std::string chooseLanguage(NSString* name) {
+        auto menu = NSMenu::init();
         auto filler = WRLanguageMenu::init();
         menu->setDelegate(filler);
         menu->update();
@@ -62,7 +47,7 @@ class LanguageCommandsTest : public ::testing::Test {
         for (const auto& item : menu->items())
             if (item->state()) marks += (item->state() > 0 ? " " : " -") + item->title()->toUTF8();
         menu->performActionForItemAtIndex(menu->indexOfItemWithRepresentedObject(name));
-        scope.screen.turn();
+        screen.turn();
         return marks;
     }
     std::string languageAt(NSUInteger index) {
@@ -74,47 +59,41 @@ class LanguageCommandsTest : public ::testing::Test {
         KLGetCurrentKeyboardLayout(&layout);
         return keyboardLayoutLanguage(layout)->toUTF8();
     }
-
-    FormatScope scope{u""_ns};
-    WRPageView* view = nullptr;
 };
 
 TEST_F(LanguageCommandsTest, SetsTheLanguageOfTheSelectionInOneStep) {
-    open(u"the sea das Meer"_ns);
-    view->setSelectedRange({8, 8});
-    EXPECT_EQ(choose(u"de"_ns), " en");
+    select(8, 8);
+    EXPECT_EQ(chooseLanguage(u"de"_ns), " en");
     EXPECT_EQ(languageAt(8) + languageAt(0), "deen");
     EXPECT_EQ(keyboard(), "de");
-    EXPECT_FALSE(scope.document->hasFormats()) << "a language is no format";
-    view->setSelectedRange({0, 16});
-    EXPECT_EQ(choose(u"fr"_ns), " -en") << "of the first of several languages";
+    EXPECT_FALSE(document->hasFormats()) << "a language is no format";
+    select(0, 16);
+    EXPECT_EQ(chooseLanguage(u"fr"_ns), " -en") << "of the first of several languages";
     EXPECT_EQ(keyboard(), "de") << "no layout for the language";
-    scope.undo();
+    undo();
     EXPECT_EQ(languageAt(8) + languageAt(0), "deen");
-    view->setSelectedRange({16, 0});
-    EXPECT_EQ(choose(u"fr"_ns), " de");
-    scope.screen.type(u"x");
+    select(16);
+    EXPECT_EQ(chooseLanguage(u"fr"_ns), " de");
+    screen.type(u"x");
     EXPECT_EQ(languageAt(15) + languageAt(16), "defr");
     view->setEditable(false);
-    EXPECT_FALSE(view->isEditable());
-    view->setSelectedRange({0, 16});
-    choose(u"de"_ns);
+    select(0, 16);
+    chooseLanguage(u"de"_ns);
     EXPECT_EQ(languageAt(0), "en");
 }
 
 TEST_F(LanguageCommandsTest, SwitchesTheKeyboardWithTheCaretIfAsked) {
     open(u"the sea\ndas Meer"_ns);
     EXPECT_EQ(languageAt(8), "de");
-    view->setSelectedRange({10, 0});
+    select(10);
     EXPECT_EQ(keyboard(), "en");
-    NSUserDefaults::standardUserDefaults()->setObject_forKey(NSNumber::numberWithBool(true),
-                                                             WRKeyboardFollowsLanguagePreference);
-    view->setSelectedRange({11, 0});
+    defaults->setBool_forKey(true, WRKeyboardFollowsLanguagePreference);
+    select(11);
     EXPECT_EQ(keyboard(), "de");
-    view->setSelectedRange({2, 0});
+    select(2);
     EXPECT_EQ(keyboard(), "en");
-    scope.screen.backend->setLayout(1);
-    view->setSelectedRange({3, 0});
+    screen.backend->setLayout(1);
+    select(3);
     EXPECT_EQ(keyboard(), "de") << "the user's choice, in text of the same language";
 }
 
@@ -137,7 +116,7 @@ TEST_F(LanguageCommandsTest, FindsLanguagesWhileTheDocumentIsShown) {
     for (int i = 0; i < 20'000; ++i) text->appendFormat(u"%@ %d\n"_ns, i % 2 ? u"das"_ns : u"the"_ns, i);
     open(text);
     int told = 0;
-    auto listener = Listener::to(WRDocumentDidChangeNotification, scope.document);
+    auto listener = Listener::to(WRDocumentDidChangeNotification, document);
     listener->reaction = [&told] { ++told; };
     EXPECT_EQ(languageAt(0) + languageAt(7), "ende");
     EXPECT_NE(languageAt(text->length() - 3), "de");
@@ -146,9 +125,9 @@ TEST_F(LanguageCommandsTest, FindsLanguagesWhileTheDocumentIsShown) {
     const int typed = std::exchange(told, 0);
     EXPECT_GT(typed, 0);
     const NSUInteger last = text->length() - 2;
-    while (languageAt(last) != "de") scope.screen.turn();
+    while (languageAt(last) != "de") screen.turn();
     EXPECT_EQ(told, 0) << "nobody else has changed the document";
-    scope.undo();
+    undo();
     EXPECT_TRUE(view->string()->isEqualToString(text));
     EXPECT_FALSE(view->undoManager()->canUndo());
     EXPECT_EQ(languageAt(last), "de");
@@ -156,14 +135,14 @@ TEST_F(LanguageCommandsTest, FindsLanguagesWhileTheDocumentIsShown) {
 
 TEST_F(LanguageCommandsTest, TypesSpecialCharacters) {
     open(u"ab"_ns);
-    view->setSelectedRange({1, 0});
+    select(1);
     auto panel = WRCharactersPanel::init();
-    panel->window()->showBeside(scope.window->window());
-    scope.screen.turn();
-    scope.screen.type(u"U+2014");
-    scope.screen.press(NSCarriageReturnCharacter);
+    panel->window()->showBeside(window->window());
+    screen.turn();
+    screen.type(u"U+2014");
+    screen.press(NSCarriageReturnCharacter);
     EXPECT_EQ(view->string()->toUTF8(), "a—b");
-    scope.undo();
+    undo();
     EXPECT_EQ(view->string()->toUTF8(), "ab");
 }
 

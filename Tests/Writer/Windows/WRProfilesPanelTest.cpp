@@ -1,23 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WRProfilesPanel.h"
 
+#include "FormatScope.h"
 #include "Interface/NSMenu.h"
 #include "Interface/NSScrollView.h"
 #include "Interface/NSTableColumn.h"
 #include "Interface/NSTableView.h"
-#include "InterfaceScope.h"
 #include "Menus/NSMenuItem-PelvorAdditions.h"
-#include "PBPostLoader.h"
 #include "Writer/Shortcuts/WRShortcut.h"
 #include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
-#include "Writer/Windows/WindowsLibrary.h"
 
 namespace {
 
 TEST(ProfilesPanelTest, ComesUpBesideAWindowAndFillsItsWidth) {
-    registerLibrary(windowsLibrary);
-    PBPostLoader::processClassesStartingRegistry(false);
+    prepareWindows();
     InterfaceScope screen;  // 1280 points wide
     auto other = screen.window({{100, 100}, {400, 300}});
     auto panel = WRProfilesPanel::init();

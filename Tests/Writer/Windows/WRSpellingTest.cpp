@@ -3,9 +3,7 @@
 
 #include "DictionaryScope.h"
 #include "FormatScope.h"
-#include "Foundation/NSUserDefaults.h"
 #include "Interface/NSMenu.h"
-#include "Text/NSTextStorage.h"
 #include "Text/TextAttributes.h"
 #include "Writer/WRLanguage.h"
 #include "Writer/Windows/Preferences.h"
@@ -16,29 +14,23 @@ namespace {
 bool isReddish(std::uint32_t colour) { return (colour >> 16) > (colour >> 8 & 0xFF) + 80; }
 
 // Documents in windows, with small dictionaries of three languages.
-class SpellingTest : public ::testing::Test {
-  protected:
-    SpellingTest() {
-        dictionaries.add("en_GB", "the\nsea\nblue\n");
-        dictionaries.add("de_DE", "das\nMeer\nblau\n");
-        dictionaries.add("fr", "la\nmer\n");
-        dictionaries.checker();
-        open(u""_ns);
-    }
-    ~SpellingTest() override {
-        NSUserDefaults::standardUserDefaults()->removeObjectForKey(WRMarksMisspellingsPreference);
+struct SpellingTest : ::testing::Test, DictionaryScope, FormatScope {
+    SpellingTest() : FormatScope(u""_ns) {
+        add("en_GB", "the\nsea\nblue\n");
+        add("de_DE", "das\nMeer\nblau\n");
+        add("fr", "la\nmer\n");
+        checker();
     }
     void open(NSString* text) {
-        scope.open(text);
-        view = scope.view;
+        FormatScope::open(text);
         settle();
     }
     // Until dictionaries are read and words are checked.
     void settle() {
         for (int i = 0; i < 4; ++i) {
             for (NSString* name : {u"en_GB"_ns, u"de_DE"_ns, u"fr"_ns})
-                while (!dictionaries.checker()->prepareLanguage(name)) scope.screen.turn();
-            scope.screen.turn();
+                while (!checker()->prepareLanguage(name)) screen.turn();
+            screen.turn();
         }
     }
     // From the place to the end of the text before it: "de" as the document tells, or "=de" as the user has
@@ -53,7 +45,7 @@ class SpellingTest : public ::testing::Test {
             {static_cast<NSUInteger>(place), static_cast<NSUInteger>(before.size() - place)});
     }
     WRSpellingMarks* marks() {
-        NSResponder* spelling = scope.window;
+        NSResponder* spelling = window;
         while (!cast<WRSpelling>(spelling)) spelling = spelling->nextResponder();
         return cast<WRSpelling>(spelling)->marks();
     }
@@ -64,11 +56,11 @@ class SpellingTest : public ::testing::Test {
         return words;
     }
     // Chooses in the context menu; returns the titles of the items before those for all words.
-    std::string choose(NSUInteger caret, SEL action = SEL()) {
-        view->setSelectedRange({caret, 0});
+    std::string chooseAt(NSUInteger caret, SEL action = SEL()) {
+        select(caret);
         NSMenu* menu = view->menu();
         menu->update();
-        while (menu->itemAtIndex(0)->title()->hasPrefix(u"_Looking"_ns)) scope.screen.turn();
+        while (menu->itemAtIndex(0)->title()->hasPrefix(u"_Looking"_ns)) screen.turn();
         std::string titles;
         for (const auto& item : menu->items()) {
             if (item->action() == "cut:"_sel) break;
@@ -80,18 +72,14 @@ class SpellingTest : public ::testing::Test {
     }
     // Of how many points the word's underline has pixels.
     int underlined(NSRange word) {
-        scope.screen.turn();
+        screen.turn();
         const NSRect rect = view->rectForCharacterRange(word);
         int points = 0;
         for (float y = NSMinY(rect); y < NSMaxY(rect); ++y)
             for (float x = NSMinX(rect); x < NSMaxX(rect); ++x)
-                points += isReddish(scope.screen.pixel(view, {x, y}));
+                points += isReddish(screen.pixel(view, {x, y}));
         return points;
     }
-
-    DictionaryScope dictionaries;
-    FormatScope scope{u""_ns};
-    WRPageView* view = nullptr;
 };
 
 TEST_F(SpellingTest, MarksWordsInTheLanguageOfTheText) {
@@ -135,67 +123,63 @@ TEST_F(SpellingTest, FollowsEdits) {
     open(u"the sae is blu"_ns);
     EXPECT_EQ(marked(), " sae is blu");
     view->setSelectedRange({0, 0});
-    scope.screen.type(u"th");
+    screen.type(u"th");
     EXPECT_EQ(marked(), " sae is blu") << "what is being typed is not marked";
-    scope.screen.press(NSRightArrowFunctionKey);
+    screen.press(NSRightArrowFunctionKey);
     EXPECT_EQ(marked(), " sae is blu") << "the caret is still in the word";
-    for (int i = 0; i < 4; ++i) scope.screen.press(NSRightArrowFunctionKey);
+    for (int i = 0; i < 4; ++i) screen.press(NSRightArrowFunctionKey);
     EXPECT_EQ(marked(), " ththe sae is blu");
     view->setSelectedRange({0, 2});
-    scope.screen.press(NSDeleteFunctionKey);
+    screen.press(NSDeleteFunctionKey);
     EXPECT_EQ(marked(), " sae is blu");
 }
 
 TEST_F(SpellingTest, OffersWhatMayHaveBeenMeant) {
     open(u"the sae sae"_ns);
-    EXPECT_EQ(choose(5, "replaceMisspelling:"_sel), " sea  _Ignore _Learn Spelling ");
+    EXPECT_EQ(chooseAt(5, "replaceMisspelling:"_sel), " sea  _Ignore _Learn Spelling ");
     EXPECT_EQ(view->string()->toUTF8(), "the sea sae");
     EXPECT_EQ(marked(), " sae");
-    scope.undo();
-    settle();
+    undo();
     EXPECT_EQ(view->string()->toUTF8(), "the sae sae");
-    choose(5, "ignoreMisspelling:"_sel);
+    chooseAt(5, "ignoreMisspelling:"_sel);
     EXPECT_EQ(marked(), "");
-    EXPECT_EQ(choose(11, "unignoreWord:"_sel), " _Do Not Ignore ") << "the caret behind the word";
+    EXPECT_EQ(chooseAt(11, "unignoreWord:"_sel), " _Do Not Ignore ") << "the caret behind the word";
     EXPECT_EQ(marked(), " sae sae");
-    choose(5, "ignoreMisspelling:"_sel);
-    const auto firstWindow = scope.window;
+    chooseAt(5, "ignoreMisspelling:"_sel);
+    const auto firstWindow = window;
     WRSpellingMarks* firstMarks = marks();
     open(u"the Qqq qqq sae"_ns);
     EXPECT_EQ(marked(), " Qqq qqq sae") << "ignored in one document only";
-    choose(10, "learnMisspelling:"_sel);
+    chooseAt(10, "learnMisspelling:"_sel);
     EXPECT_EQ(marked(), " sae");
-    EXPECT_EQ(choose(4, "unlearnWord:"_sel), " _Unlearn Spelling ") << "learned in small letters";
+    EXPECT_EQ(chooseAt(4, "unlearnWord:"_sel), " _Unlearn Spelling ") << "learned in small letters";
     EXPECT_EQ(marked(), " Qqq qqq sae");
-    EXPECT_FALSE(dictionaries.checker()->hasLearnedWord_language(u"qqq"_ns, u"en_GB"_ns));
     // What is learned in one window is known in the others.
-    choose(14, "learnMisspelling:"_sel);
+    chooseAt(14, "learnMisspelling:"_sel);
     firstMarks->unignoreWord(u"sae"_ns);
     settle();
     EXPECT_TRUE(firstMarks->marksInRange({0, 11}).empty());
     firstWindow->window()->close();
-    EXPECT_EQ(choose(15, "unlearnWord:"_sel), " _Unlearn Spelling ") << "a closed window hears nothing";
+    EXPECT_EQ(chooseAt(15, "unlearnWord:"_sel), " _Unlearn Spelling ") << "a closed window hears nothing";
 }
 
 TEST_F(SpellingTest, GoesToTheNextMisspelling) {
-    const auto next = [&] { scope.choose("showNextMisspelling:"_sel); };
+    const auto next = [&] {
+        choose("showNextMisspelling:"_sel);
+        settle();
+        return view->selectedRange();
+    };
     open(u"the sae, the blau"_ns);
-    for (const NSRange& expected : {NSRange{4, 3}, {13, 4}, {4, 3}}) {
-        next();
-        EXPECT_EQ(view->selectedRange(), expected);
-    }
-    scope.choose("toggleSpellingMarks:"_sel);
+    for (const NSRange& expected : {NSRange{4, 3}, {13, 4}, {4, 3}}) EXPECT_EQ(next(), expected);
+    choose("toggleSpellingMarks:"_sel);
     EXPECT_EQ(marked(), "");
     EXPECT_EQ(underlined({4, 3}), 0);
     open(u"sae"_ns);
     EXPECT_EQ(marked(), "") << "the choice is remembered";
-    next();
-    settle();
-    EXPECT_EQ(view->selectedRange(), (NSRange{0, 3})) << "also where nothing is marked";
+    EXPECT_EQ(next(), (NSRange{0, 3})) << "also where nothing is marked";
     LogLines log;
     open(u"the"_ns);
     next();
-    settle();
     EXPECT_THAT(log.lines, Contains(StartsWith("_No word is misspelled."))) << joined(log.lines);
 }
 
@@ -203,29 +187,26 @@ TEST_F(SpellingTest, GoesToTheNextMisspelling) {
 TEST_F(SpellingTest, SearchesWhileTheUserGoesOn) {
     std::u16string text;
     while (text.size() < 500'000) text += u"the blue sea\n";
-    NSUserDefaults::standardUserDefaults()->setObject_forKey(NSNumber::numberWithBool(false),
-                                                             WRMarksMisspellingsPreference);
+    defaults->setBool_forKey(false, WRMarksMisspellingsPreference);
     open(NSString::of(text + u"sae"));
-    const auto search = [&] {
-        scope.screen.app->sendAction_to_from("showNextMisspelling:"_sel, nullptr, nullptr);
-    };
+    const auto search = [&] { screen.app->sendAction_to_from("showNextMisspelling:"_sel, nullptr, nullptr); };
     const auto isSearching = [&] { return marks()->isSearching(); };
     search();
     marks()->workAtIdle();
-    EXPECT_FALSE(scope.window->notice()) << "not in the first half second";
-    scope.screen.clock.advance(1);
+    EXPECT_FALSE(window->notice()) << "not in the first half second";
+    screen.clock.advance(1);
     marks()->workAtIdle();
-    ASSERT_TRUE(scope.window->notice());
-    EXPECT_THAT(scope.window->notice()->text()->toUTF8(), HasSubstr("Looking"));
-    scope.screen.press(0x1B);
-    EXPECT_FALSE(isSearching() || scope.window->notice());
+    ASSERT_TRUE(window->notice());
+    EXPECT_THAT(window->notice()->text()->toUTF8(), HasSubstr("Looking"));
+    screen.press(0x1B);
+    EXPECT_FALSE(isSearching() || window->notice());
     search();
     view->setSelectedRange({1, 0});
     EXPECT_FALSE(isSearching()) << "the user is elsewhere";
     search();
     view->textStorage()->replaceCharactersInRange_withString({13, 13}, u""_ns);
     EXPECT_TRUE(isSearching());
-    while (isSearching()) scope.screen.turn();
+    while (isSearching()) screen.turn();
     EXPECT_EQ(view->selectedRange(), (NSRange{static_cast<NSUInteger>(text.size()) - 13, 3}));
 }
 

@@ -1,16 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WRTextFinder.h"
 
-#include <random>
-
-#include "Foundation/NSUndoManager.h"
-#include "Interface/NSPasteboard.h"
-#include "Interface/NSTextView.h"
-#include "InterfaceScope.h"
-#include "Text/NSTextStorage.h"
+#include "FormatScope.h"
 #include "Writer/TextEscapes.h"
 #include "Writer/Windows/WRFindPanel.h"
-#include "Writer/Windows/WindowsLibrary.h"
 
 namespace {
 
@@ -49,62 +42,40 @@ TEST(TextQueryTest, ReadsAndWritesEscapes) {
     EXPECT_EQ(shown(textFromEscapes(u"\\x\\"_ns)), "\\x\\");
 }
 
-class TextFinderTest : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        registerLibrary(windowsLibrary);
-        window = screen.window({{100, 100}, {300, 300}});
-        view = NSTextView::initWithFrame({{0, 0}, {300, 300}});
-        window->contentView()->addSubview(view);
-        finder = WRTextFinder::init();
-    }
+struct TextFinderTest : ::testing::Test, FormatScope {
+    TextFinderTest() : FormatScope(u"one two one three one"_ns) {}
+
     void setText(NSString* text) {
         view->textStorage()->setAttributedString(NSAttributedString::initWithString(text).get());
     }
-    void command(SEL command) {
-        send(view.get(), command, id(nullptr));
-        screen.turn();
-    }
+    // How the search ended, with the number of the place, and where the selection begins then.
     std::string find(bool isBackwards = false) {
+        static constexpr const char* kEnds[] = {"no query", "not found", "no more", "found", "wrapped"};
         const FindResult result = finder->find(view, isBackwards);
-        switch (result.kind) {
-            case FindResult::Kind::found:
-                return std::to_string(result.number) + " at " +
-                       std::to_string(view->selectedRange().location);
-            case FindResult::Kind::wrapped:
-                return "wrapped to " + std::to_string(result.number);
-            case FindResult::Kind::noMore:
-                return "no more";
-            default:
-                return "not found";
-        }
+        return shown(kEnds[static_cast<int>(result.kind)], result.number, "at",
+                     view->selectedRange().location);
     }
 
-    InterfaceScope screen;
-    Retained<NSWindow> window;
-    Retained<NSTextView> view;
-    Retained<WRTextFinder> finder;
+    Retained<WRTextFinder> finder = WRTextFinder::init();
 };
 
 TEST_F(TextFinderTest, GoesFromPlaceToPlace) {
-    setText(u"one two one three one"_ns);
-    EXPECT_EQ(finder->find(view, false).kind, FindResult::Kind::noQuery);
+    EXPECT_EQ(find(), "no query 0 at 0");
     finder->setQuery(queryOf(u"one"));
     view->setSelectedRange({1, 0});
-    EXPECT_EQ(find(), "2 at 8");
-    EXPECT_EQ(find(), "3 at 18");
-    EXPECT_EQ(find(), "wrapped to 1");
-    EXPECT_EQ(find(true), "wrapped to 3");
-    EXPECT_EQ(find(true), "2 at 8");
+    EXPECT_EQ(find(), "found 2 at 8");
+    EXPECT_EQ(find(), "found 3 at 18");
+    EXPECT_EQ(find(), "wrapped 1 at 0");
+    EXPECT_EQ(find(true), "wrapped 3 at 18");
+    EXPECT_EQ(find(true), "found 2 at 8");
     finder->setWraps(false);
-    EXPECT_EQ(find(true), "1 at 0");
-    EXPECT_EQ(find(true), "no more");
-    EXPECT_EQ(view->selectedRange(), (NSRange{0, 3})) << "stays";
+    EXPECT_EQ(find(true), "found 1 at 0");
+    EXPECT_EQ(find(true), "no more 0 at 0") << "the selection stays";
     // The text may change in between.
     view->insertText(u"One, one and "_ns);
-    EXPECT_EQ(find(), "3 at 18");
+    EXPECT_EQ(find(), "found 3 at 18");
     finder->setQuery(queryOf(u"four"));
-    EXPECT_EQ(find(), "not found");
+    EXPECT_EQ(find(), "not found 0 at 18");
 }
 
 TEST_F(TextFinderTest, ReplacesThePlaceThatIsSelected) {
@@ -114,12 +85,10 @@ TEST_F(TextFinderTest, ReplacesThePlaceThatIsSelected) {
     view->setSelectedRange({0, 0});
     EXPECT_EQ(finder->replace(view).kind, FindResult::Kind::found) << "selects it first";
     EXPECT_EQ(finder->replace(view).kind, FindResult::Kind::replaced);
-    EXPECT_EQ(shown(view->string()), "long b a");
-    EXPECT_EQ(view->selectedRange(), (NSRange{4, 0}));
+    EXPECT_EQ(shown(view->string(), view->selectedRange()), "long b a {4, 0}");
     screen.turn();
-    command("undo:"_sel);
-    EXPECT_EQ(shown(view->string()), "a b a");
-    EXPECT_EQ(view->selectedRange(), (NSRange{0, 1}));
+    undo();
+    EXPECT_EQ(shown(view->string(), view->selectedRange()), "a b a {0, 1}");
     view->setEditable(false);
     EXPECT_EQ(finder->replaceAll(view).kind, FindResult::Kind::readOnly);
     EXPECT_EQ(shown(view->string()), "a b a");
@@ -163,11 +132,11 @@ TEST_F(TextFinderTest, ReplacesAllWithTheirFormats) {
         screen.turn();
         if (places.empty()) continue;
         EXPECT_EQ(view->selectedRange(), (NSRange{moved, 0}));
-        command("undo:"_sel);
+        undo();
         EXPECT_TRUE(view->textStorage()->isEqual(before));
         EXPECT_EQ(view->selectedRange(), (NSRange{caret, 0}));
         EXPECT_FALSE(view->undoManager()->canUndo());
-        command("redo:"_sel);
+        redo();
         EXPECT_TRUE(view->textStorage()->isEqual(expected));
     }
 }

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WindowFrames.h"
 
-#include "Foundation/NSUserDefaults.h"
-#include "InterfaceScope.h"
+#include "FormatScope.h"
 
 namespace {
 
 TEST(WindowFrames, ComeBackWhereTheyCanBeSeen) {
+    const DefaultsScope defaults;
     InterfaceScope screen;
-    NSUserDefaults::setStandardUserDefaults(NSUserDefaults::initVolatile().get());
     const NSRect room = NSScreen::mainScreen()->visibleFrame();
     for (const auto& [situation, noted, expected] : {
              std::tuple{"somewhere", NSRect{{100, 100}, {400, 300}}, NSRect{{100, 100}, {400, 300}}},
@@ -27,7 +26,6 @@ TEST(WindowFrames, ComeBackWhereTheyCanBeSeen) {
     EXPECT_TRUE(NSIsEmptyRect(notedWindowFrame(u"/letter.rtf"_ns)));
     EXPECT_FALSE(NSIsEmptyRect(notedWindowFrame(u"/0"_ns)));
     EXPECT_TRUE(NSIsEmptyRect(notedWindowFrame(nullptr)));
-    NSUserDefaults::setStandardUserDefaults(nullptr);
 }
 
 }  // namespace

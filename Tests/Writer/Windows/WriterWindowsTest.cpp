@@ -39,22 +39,18 @@ class WriterWindowsTest : public ::testing::Test {
         return false;
     }
 
-    // Where the text of the window whose name has the words is seen; {0, 0} until it is.
-    static std::pair<int, int> placeOfWindow(const std::string& name) {
-        int x = 0, y = 0;
-        const ProgramOutput place = outputOf(
-            "eval $(xdotool search --onlyvisible --name '" + name +
-            "' getwindowgeometry --shell 2>/dev/null) && echo $((X + WIDTH / 2)) $((Y + HEIGHT / 2))");
-        return std::sscanf(place.text.c_str(), "%d %d", &x, &y) == 2 ? std::pair{x, y} : std::pair{0, 0};
-    }
-    // Clicks into the window and copies all that is in it.
+    // Brings the window to the front whose name has the words, and copies all that is in it.
     std::string copyAllOf(const std::string& name) {
-        const auto [x, y] = placeOfWindow(name);
-        if (x == 0) return {};
-        server->click(x, y);
+        outputOf("xdotool search --onlyvisible --name " + name + " windowactivate --sync 2>/dev/null");
         pressWithControl(kA);
         pressWithControl(kC);
         return outputOf("timeout 2 xclip -o -selection clipboard 2>/dev/null").text;
+    }
+    // Waits until the program has ended; -1 for one that was killed.
+    static int exitStatusOf(const ProgramScope& program) {
+        int status = -1;
+        EXPECT_TRUE(until([&] { return waitpid(program.pid(), &status, WNOHANG) == program.pid(); }));
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
     // Settings and what a crash has left are the test's own.
@@ -82,24 +78,8 @@ TEST_F(WriterWindowsTest, TakesALetterInTwoLanguages) {
     EXPECT_TRUE(until([&] { return copyAllOf("Letter.rtf") == "Dear Anna,\nHow are you? Das Caf\u00E9s"; }))
         << copyAllOf("Letter.rtf");
     EXPECT_THAT(folder.read("Letter.rtf"), testing::ContainsRegex("i Das Caf.*plain s"));
-}
-
-TEST_F(WriterWindowsTest, ShowsADocumentToReadAndCopy) {
-    ProgramScope writer({WRITER_PROGRAM, WRITER_SAMPLE});
-    EXPECT_TRUE(until([&] { return copyAllOf("Sample.rtf").starts_with("The Compositor"); }));
     pressWithControl(kQ);
-    int status = -1;
-    EXPECT_TRUE(until([&] { return waitpid(writer.pid(), &status, WNOHANG) == writer.pid(); }));
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
-}
-
-TEST_F(WriterWindowsTest, BeginsTheFileThatItIsCalledWith) {
-    ProgramScope writer({WRITER_PROGRAM, folder.path("New.txt")});
-    ASSERT_TRUE(until([] { return placeOfWindow("^New.txt").first != 0; }));
-    EXPECT_TRUE(until([&] {
-        outputOf("xdotool key a ctrl+s");
-        return std::filesystem::exists(folder.path("New.txt"));
-    }));
+    EXPECT_EQ(exitStatusOf(writer), 0);
 }
 
 class WriterLossTest : public WriterWindowsTest, public ::testing::WithParamInterface<bool> {};
@@ -129,9 +109,7 @@ TEST_P(WriterLossTest, BringsBackWhatWasTypedBeforeItWasKilled) {
             writer.end(SIGKILL);
         } else {
             server->server().end(SIGKILL);
-            int status = 0;
-            EXPECT_TRUE(until([&] { return waitpid(writer.pid(), &status, WNOHANG) == writer.pid(); }));
-            EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 1) << status;
+            EXPECT_EQ(exitStatusOf(writer), 1);
             EXPECT_THAT(folder.read("errors"), testing::MatchesRegex("[^\n]*The display is lost[^\n]*\n"));
             server.emplace(XServerScope::Manager::openbox);
         }
@@ -140,10 +118,7 @@ TEST_P(WriterLossTest, BringsBackWhatWasTypedBeforeItWasKilled) {
     ASSERT_TRUE(
         until([] { return outputOf("xdotool search --onlyvisible --name '^.Letter.txt'").status == 0; }));
     EXPECT_TRUE(until([&] {
-        outputOf("xdotool search --onlyvisible --name Letter.txt windowactivate --sync 2>/dev/null");
-        pressWithControl(kA);
-        pressWithControl(kC);
-        const std::string text = outputOf("timeout 2 xclip -o -selection clipboard 2>/dev/null").text;
+        const std::string text = copyAllOf("Letter.txt");
         return text.starts_with("a") && text.ends_with("aAnna");
     }));
     EXPECT_EQ(folder.read("Letter.txt"), "Anna");
