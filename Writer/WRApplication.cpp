@@ -250,12 +250,13 @@ WRDocument* WRApplication::readDocument() {
     auto* options = NSMutableDictionary::dictionaryWithDictionary(
         optionsWithEncoding(_arguments->valueOfOption(u"--encoding"_ns)));
     options->setObject_forKey(this, WRProgressKey);
-    WRDocument* document = opener->openDocumentAtPath_options(_path, options);
+    WRDocument* document = _desktop ? opener->openOrMakeDocumentAtPath_options(_path, options)
+                                    : opener->openDocumentAtPath_options(_path, options);
     if (!document) {
         complain(opener->problem());
         return nullptr;
     }
-    reportDocument(_report, document, opener);
+    if (document->reader()) reportDocument(_report, document, opener);
     print(_report->takeText());
     auto* centre = NSNotificationCenter::defaultCenter();
     centre->removeObserver_name_object(this, WRDocumentDidChangeNotification, nullptr);

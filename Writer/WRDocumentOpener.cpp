@@ -7,8 +7,8 @@
 #include <cerrno>
 
 #include "Foundation/NSArray.h"
-#include "Foundation/NSDictionary.h"
 #include "Foundation/NSFileError.h"
+#include "Foundation/NSMutableDictionary.h"
 #include "PBProfileKeys.h"
 #include "PBProfileSet.h"
 #include "Writer/LocalizedText.h"
@@ -20,8 +20,8 @@
 namespace pelvor {
 namespace {
 
-NSString* problemOfReason(int reason, NSString* path) {
-    auto* error = NSFileError::errorWithCode_path_isWriting(reason, path, false);
+NSString* problemOfReason(int reason, NSString* path, bool isWriting = false) {
+    auto* error = NSFileError::errorWithCode_path_isWriting(reason, path, isWriting);
     return localizedFormat(u"_The document \"%@\" could not be opened: %@."_ns, path,
                            error->localizedReason());
 }
@@ -50,6 +50,8 @@ NSString* problemOfDocument(WRDocument* document, NSDictionary* options, PBProfi
 PELVOR_DEFINE_CLASS(WRDocumentOpener, writerLibrary) {
     methods.creator<"initWithProfiles:", &WRDocumentOpener::initWithProfiles>();
     methods.instance<"openDocumentAtPath:options:", &WRDocumentOpener::openDocumentAtPath_options>();
+    methods
+        .instance<"openOrMakeDocumentAtPath:options:", &WRDocumentOpener::openOrMakeDocumentAtPath_options>();
     methods.instance<"problem", &WRDocumentOpener::problem>();
     methods.instance<"candidates", &WRDocumentOpener::candidates>();
 }
@@ -69,6 +71,20 @@ WRDocument* WRDocumentOpener::openDocumentAtPath_options(NSString* path, NSDicti
     if (_problem) return nullptr;
     _candidates.set(profilesForDocument(_profiles, PBProfileDocumentReaderType, path));
     return askReaders(path, options);
+}
+
+WRDocument* WRDocumentOpener::openOrMakeDocumentAtPath_options(NSString* path, NSDictionary* options) {
+    struct stat status;
+    if (stat(path->fileSystemRepresentation(), &status) == 0 || errno != ENOENT)
+        return openDocumentAtPath_options(path, options);
+    _candidates.set(NSArray::array());
+    NSString* folder = path->stringByDeletingLastPathComponent();
+    const bool hasFolder = folder->length() == 0 || stat(folder->fileSystemRepresentation(), &status) == 0;
+    _problem.set(hasFolder ? nullptr : problemOfReason(errno, path, true));
+    if (_problem) return nullptr;
+    auto* answer = NSMutableDictionary::dictionaryWithObject_forKey(u""_ns, WRTextKey);
+    if (id encoding = options->objectForKey(WREncodingKey)) answer->setObject_forKey(encoding, WREncodingKey);
+    return WRDocument::initWithPath_reader_answer(path, nullptr, answer).autorelease();
 }
 
 // A refusal leads to the next reader. Any other error ends the search, for the document is at fault.

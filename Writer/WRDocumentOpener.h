@@ -29,6 +29,9 @@ class PELVOR_EXPORT WRDocumentOpener : public NSObject {
     /// Returns the document, borrowed. Returns null if no reader can read it; `problem` then tells the
     /// reason. `options` are the options of readers (PlugInProtocol.h).
     WRDocument* openDocumentAtPath_options(NSString* path, NSDictionary* options);
+    /// Does so; where there is no file, but its folder is there, returns an empty document that will be saved
+    /// at the path.
+    WRDocument* openOrMakeDocumentAtPath_options(NSString* path, NSDictionary* options);
 
     /// Why the last document was not opened, as a sentence for the user; null if it was opened.
     NSString* problem() { return _problem; }

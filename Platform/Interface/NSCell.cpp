@@ -436,7 +436,8 @@ NSDictionary* NSCell::textAttributes() {
 void NSCell::drawWithFrame_inView(NSRect frame, NSView* view) {
     setControlView(view);
     if (_values.isBezeled) {
-        fillRounded(frame, metrics::kCornerRadius, ThemeColor::content);
+        fillRounded(frame, metrics::kCornerRadius,
+                    _values.isEnabled ? ThemeColor::content : ThemeColor::window);
         strokeRounded(frame, metrics::kCornerRadius, metrics::kLine, ThemeColor::border);
     } else if (_values.isBordered) {
         strokeRect(frame, metrics::kLine, ThemeColor::border);

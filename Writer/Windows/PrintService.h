@@ -49,8 +49,9 @@ struct PrintJob {
 /// What prints documents: CUPS, where it is installed. It is loaded when somebody asks for printers first.
 ///
 /// A service in a network may take its time, and one that is broken may never answer; so these operations are
-/// called on a thread of their own. They return within a few seconds once the caller sets `gaveUp`, and by
-/// themselves when the service has said nothing for half a minute. Any thread.
+/// called on a thread of their own. They return at most ten seconds after the caller has set `gaveUp`, for so
+/// long they may wait for a connection, and by themselves when the service has said nothing for half a
+/// minute. Any thread.
 class PrintService {
   public:
     using Flag = std::atomic<bool>;

@@ -2,7 +2,6 @@
 #include "Writer/Windows/WRColorPanel.h"
 
 #include <memory>
-#include <utility>
 
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSMutableArray.h"
@@ -59,10 +58,7 @@ PELVOR_DEFINE_CLASS(WRColorPanel, windowsLibrary) {
 Retained<WRColorPanel> WRColorPanel::init(Class* cls) {
     auto self = make<WRColorPanel>(cls);
     self->makeWindow();
-    auto* centre = NSNotificationCenter::defaultCenter();
-    for (NSString* name : {NSTextViewDidChangeSelectionNotification, NSTextDidChangeNotification,
-                           WRFormatsDidChangeNotification, NSWindowDidBecomeMainNotification})
-        centre->addObserver_selector_name_object(self, "formatsDidChange:"_sel, name, nullptr);
+    WRFormatCommands::addObserverOfCurrent(self);
     return self;
 }
 
@@ -101,7 +97,6 @@ void WRColorPanel::makeWindow() {
     form->addView(localized(u"_Used last:"_ns), row);
     _message.set(form->addMessage());
     _window = form->panelWithTitle(localized(u"_Colour"_ns));
-    _window->setInitialFirstResponder(_digits);
     _window->setDelegate(this);
     showRecentColors();
 }
@@ -148,8 +143,9 @@ void WRColorPanel::apply(ColorParts parts) {
         explicit Applying(bool& raised) : flag(raised) { flag = true; }
         ~Applying() { flag = false; }
     } applying(_isApplying);
-    commands->setTextColor(parts.color(), commands == _changed);
-    _changed = commands;
+    const bool continuesStep = _changed && _changed->object().get() == commands;
+    _changed.emplace(commands);
+    commands->setTextColor(parts.color(), continuesStep);
 }
 
 void WRColorPanel::takeDigitsFrom(id) {
@@ -169,7 +165,8 @@ void WRColorPanel::controlTextDidChange(id) {
 
 // What is done from now on is another step to undo.
 void WRColorPanel::endStep() {
-    if (!std::exchange(_changed, nullptr)) return;
+    if (!_changed) return;
+    _changed.reset();
     NSString* digits = hexOfColor(_parts.color());
     auto* recent = NSMutableArray::arrayWithArray(recentDigits());
     recent->removeObject(digits);

@@ -2,8 +2,10 @@
 // WRColorPanel: a panel in which the user mixes a colour for text.
 #pragma once
 
+#include <optional>
 #include <vector>
 
+#include "Runtime/WeakHandle.h"
 #include "Writer/Windows/ColorParts.h"
 
 namespace pelvor {
@@ -11,7 +13,6 @@ namespace pelvor {
 class NSButton;
 class NSTextField;
 class WRColorSlider;
-class WRFormatCommands;
 class WRPalette;
 
 /// A panel with a field for a colour's digits, sliders, and the colours that were used last. It shows the
@@ -53,7 +54,7 @@ class WRColorPanel : public NSObject {
     std::vector<Retained<WRColorSlider>> _sliders;
     std::vector<Retained<NSButton>> _recent;
     ColorParts _parts;
-    Unretained<WRFormatCommands> _changed = nullptr;  // whose text has the colour of the step that goes on
+    std::optional<WeakHandle> _changed;  // whose text has the colour of the step that goes on
     bool _isApplying = false;
 };
 

@@ -82,8 +82,11 @@ NSDictionary* keyBindings() {
          {u"$"_ns->stringByAppendingString(NSString::of({&kF3, 1})), u"findPrevious:"_ns}});
 }
 
-void showPalette(WRPalette* palette) {
-    palette->showBeside(NSApplication::sharedApplication()->mainWindow());
+// Makes the panel, if there is none yet, and shows it.
+template <class Panel>
+void showPanel(Retained<Panel>& panel) {
+    if (!panel) panel = Panel::init();
+    panel->window()->showBeside(NSApplication::sharedApplication()->mainWindow());
 }
 
 NSMenuItem* itemWithActionIn(NSMenu* menu, SEL action) {
@@ -362,26 +365,17 @@ void WRDesktop::fillServicesMenu() {
     }
 }
 
-void WRDesktop::orderFrontProfiles(id) {
-    if (!_profilesPanel) _profilesPanel = WRProfilesPanel::init();
-    showPalette(_profilesPanel->window());
-}
-
 void WRDesktop::orderFrontShortcuts(id) {
     if (!_shortcutsPanel) _shortcutsPanel = WRShortcutsPanel::init();
     _shortcutsPanel->takeMenu(_mainMenu);
-    showPalette(_shortcutsPanel->window());
+    showPanel(_shortcutsPanel);
 }
 
-void WRDesktop::orderFrontCharacters(id) {
-    if (!_charactersPanel) _charactersPanel = WRCharactersPanel::init();
-    showPalette(_charactersPanel->window());
-}
-
-void WRDesktop::orderFrontPreferences(id) {
-    if (!_preferencesPanel) _preferencesPanel = WRPreferencesPanel::init();
-    showPalette(_preferencesPanel->window());
-}
+void WRDesktop::orderFrontProfiles(id) { showPanel(_profilesPanel); }
+void WRDesktop::orderFrontCharacters(id) { showPanel(_charactersPanel); }
+void WRDesktop::orderFrontPreferences(id) { showPanel(_preferencesPanel); }
+void WRDesktop::orderFrontFontPalette(id) { showPanel(_fontPalette); }
+void WRDesktop::orderFrontColorPanel(id) { showPanel(_colorPanel); }
 
 // MARK: Settings
 
@@ -411,16 +405,6 @@ bool WRDesktop::canFind(id) { return WRFindPanel::pageView(); }
 bool WRDesktop::validateUseSelectionForFind(id) {
     WRPageView* view = WRFindPanel::pageView();
     return view && view->selectedRange().length > 0;
-}
-
-void WRDesktop::orderFrontFontPalette(id) {
-    if (!_fontPalette) _fontPalette = WRFontPalette::init();
-    showPalette(_fontPalette->window());
-}
-
-void WRDesktop::orderFrontColorPanel(id) {
-    if (!_colorPanel) _colorPanel = WRColorPanel::init();
-    showPalette(_colorPanel->window());
 }
 
 bool WRDesktop::validateOrderFrontColorPanel(id) {

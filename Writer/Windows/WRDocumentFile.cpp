@@ -30,6 +30,7 @@
 #include "Writer/WRFileSentry.h"
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WRDocumentWindow.h"
+#include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRRecentDocuments.h"
 #include "Writer/Windows/WRSaveChoices.h"
@@ -276,7 +277,7 @@ void WRDocumentFile::takeLook() {
 // The window shows what the file holds. Undoing brings the formats back, as a change that is in no file.
 void WRDocumentFile::showWithoutFormats() {
     beginStep();
-    changeHasFormats(false);
+    _owner->formatCommands()->setDocumentHasFormats(false);
     auto* options = NSMutableDictionary::dictionaryWithDictionary(
         pageOptionsWithLanguages(_document, _owner->wishes(), registry()));
     options->removeObjectForKey(WRDocumentSettingsKey);
@@ -284,11 +285,6 @@ void WRDocumentFile::showWithoutFormats() {
     if (styled.problem) return;
     replaceContent(styled, nullptr, localized(u"_Save without Formats"_ns));
     if (styled.text->length() == 0) _owner->pageView()->setTypingAttributes(styled.plainAttributes);
-}
-
-void WRDocumentFile::changeHasFormats(bool hasFormats) {
-    undoManager()->registerUndo(this, [this, before = _document->hasFormats()] { changeHasFormats(before); });
-    _document->setHasFormats(hasFormats);
 }
 
 // Another program's work is not replaced without a word. Nothing if the file may be replaced; else whether
@@ -353,7 +349,9 @@ bool WRDocumentFile::validateMenuItem(id item) {
     return isEnabled;
 }
 
-bool WRDocumentFile::validateRevertDocumentToSaved(id) { return _document->hasFile() && isEdited(); }
+bool WRDocumentFile::validateRevertDocumentToSaved(id) {
+    return _document->fileIdentity().isThere() && isEdited();
+}
 
 void WRDocumentFile::revertDocumentToSaved(id) {
     if (validateRevertDocumentToSaved(nullptr)) revertWithEncoding(nullptr);
@@ -505,7 +503,9 @@ void WRDocumentFile::keepMine(const FileIdentity& file) {
 
 // MARK: Trash
 
-bool WRDocumentFile::validateMoveDocumentToTrash(id) { return _document->hasFile() && !_isFileGone; }
+bool WRDocumentFile::validateMoveDocumentToTrash(id) {
+    return _document->fileIdentity().isThere() && !_isFileGone;
+}
 
 void WRDocumentFile::moveDocumentToTrash(id) {
     if (!validateMoveDocumentToTrash(nullptr)) return;

@@ -97,7 +97,6 @@ class WRDocumentFile : public NSResponder {
     bool replaceText(NSAttributedString* text);
     void takeLook();
     void showWithoutFormats();
-    void changeHasFormats(bool hasFormats);
     void keepInJournal();
     void keepMine(const FileIdentity& file);
     NSUndoManager* undoManager() override;

@@ -108,6 +108,7 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
     methods.instance<"noticeDidResize:", &WRDocumentWindow::noticeDidResize>();
     methods.instance<"defaultsDidChange:", &WRDocumentWindow::defaultsDidChange>();
     methods.instance<"file", &WRDocumentWindow::file>();
+    methods.instance<"formatCommands", &WRDocumentWindow::formatCommands>();
     methods.instance<"hideNotice", &WRDocumentWindow::hideNotice>();
     methods.instance<"notice", &WRDocumentWindow::notice>();
     methods.instance<"wishes", &WRDocumentWindow::wishes>();

@@ -45,6 +45,7 @@ class WRDocumentWindow : public NSResponder {
     WRDocument* document() { return _document; }
     WRPageView* pageView() { return _pageView; }
     WRDocumentFile* file() { return _file; }
+    WRFormatCommands* formatCommands() { return _formatCommands; }
     NSDictionary* wishes() { return _wishes; }
 
     /// Shows a sentence above the pages, in the place of one that is shown.
@@ -58,7 +59,7 @@ class WRDocumentWindow : public NSResponder {
     void zoomOut(id sender);
     void showActualSize(id sender);
     void showWholeWidth(id sender);
-    /// Shows or hides the ruler, here and in windows that open later.
+    /// Shows or hides the rulers of all windows.
     void toggleRuler(id sender);
     void showNextPage(id sender);
     void showPreviousPage(id sender);

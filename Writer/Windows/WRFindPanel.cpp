@@ -87,7 +87,6 @@ void WRFindPanel::makePanel() {
     form->addButton(localized(u"_Replace"_ns), "replace:"_sel);
     form->addButton(localized(u"_Replace All"_ns), "replaceAll:"_sel);
     _panel = form->panelWithTitle(localized(u"_Find and Replace"_ns));
-    _panel->setInitialFirstResponder(_findField);
     _panel->setDelegate(this);
 }
 

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstdlib>
 
+#include "Foundation/LocalizedNumbers.h"
 #include "Foundation/NSArray.h"
 #include "Foundation/NSNotification.h"
 #include "Foundation/NSNotificationCenter.h"
@@ -15,7 +16,6 @@
 #include "Interface/NSScrollView.h"
 #include "Interface/NSTableColumn.h"
 #include "Interface/NSTextField.h"
-#include "Interface/NSTextView.h"
 #include "PBAutoscrollingTableView.h"
 #include "Text/NSFontManager.h"
 #include "Writer/LocalizedText.h"
@@ -39,7 +39,9 @@ NSString* memberText(NSArray* members, NSInteger row, NSUInteger index) {
     return cast<NSString>(member->objectAtIndex(index));
 }
 
-NSString* shownSize(float size) { return NSString::stringWithFormat(u"%g"_ns, static_cast<double>(size)); }
+NSString* shownSize(float size) {
+    return localizedNumber(NSString::stringWithFormat(u"%g"_ns, static_cast<double>(size)));
+}
 
 // The face of the family that is most like the font; null for a family without faces.
 NSFont* nearestFont(NSFont* font, NSString* family) {
@@ -89,10 +91,7 @@ Retained<WRFontPalette> WRFontPalette::init(Class* cls) {
     self->_familyNames.set(manager()->availableFontFamilies());
     self->_members = NSArray::init();
     self->makeWindow();
-    auto* centre = NSNotificationCenter::defaultCenter();
-    for (NSString* name : {NSTextViewDidChangeSelectionNotification, NSTextDidChangeNotification,
-                           WRFormatsDidChangeNotification, NSWindowDidBecomeMainNotification})
-        centre->addObserver_selector_name_object(self, "formatsDidChange:"_sel, name, nullptr);
+    WRFormatCommands::addObserverOfCurrent(self);
     return self;
 }
 
@@ -229,7 +228,7 @@ NSFont* WRFontPalette::convertFont(NSFont* font) {
 void WRFontPalette::takeSizeFrom(id sender) {
     auto* field = cast<NSControl>(sender);
     if (!field) return;
-    const float size = field->floatValue();
+    const float size = plainNumber(field->stringValue())->floatValue();
     if (size > 0)
         _wantedSize = std::min(size, kLargestSize);
     else if (_shown)

@@ -130,6 +130,9 @@ Retained<WRPalette> WRFormView::panelWithTitle(NSString* title) {
     auto panel = WRPalette::create({{0, 0}, frame().size}, NSTitledWindowMask | NSClosableWindowMask);
     panel->setTitle(title);
     panel->setContentView(this);
+    const auto first = std::find_if(_rows.begin(), _rows.end(),
+                                    [](const Row& row) { return row.control->acceptsFirstResponder(); });
+    if (first != _rows.end()) panel->setInitialFirstResponder(first->control);
     panel->center();
     return panel;
 }

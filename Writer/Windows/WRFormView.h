@@ -45,8 +45,8 @@ class WRFormView : public NSView, NSView::HiddenCreators {
     /// From the right to the left.
     NSButton* addButton(NSString* title, SEL action);
 
-    /// A panel with a title bar and these contents, in the middle of the screen, not shown yet. Nothing is
-    /// added any more.
+    /// A panel with a title bar and these contents, in the middle of the screen, not shown yet, in which the
+    /// first control will have the keys. Nothing is added any more.
     Retained<WRPalette> panelWithTitle(NSString* title);
 
     bool isFlipped() override { return true; }

@@ -9,6 +9,7 @@
 #include "Foundation/NSNumber.h"
 #include "Interface/NSApplication.h"
 #include "Interface/NSMenuItem.h"
+#include "Interface/NSWindow.h"
 #include "Menus/NSMenuItem-PelvorAdditions.h"
 #include "NSAttributedString-PelvorAdditions.h"
 #include "NSTextStorage-PelvorAdditions.h"
@@ -143,6 +144,13 @@ WRFormatCommands::~WRFormatCommands() = default;
 WRFormatCommands* WRFormatCommands::current() {
     return cast<WRFormatCommands>(
         NSApplication::sharedApplication()->targetForAction("takeParagraphStyleFrom:"_sel));
+}
+
+void WRFormatCommands::addObserverOfCurrent(id observer) {
+    auto* centre = NSNotificationCenter::defaultCenter();
+    for (NSString* name : {NSTextViewDidChangeSelectionNotification, NSTextDidChangeNotification,
+                           WRFormatsDidChangeNotification, NSWindowDidBecomeMainNotification})
+        centre->addObserver_selector_name_object(observer, "formatsDidChange:"_sel, name, nullptr);
 }
 
 // MARK: The selection

@@ -40,6 +40,9 @@ class WRFormatCommands : public NSResponder {
                                              std::shared_ptr<const StyleSheet> sheet);
     /// Those of the window that the user works in, also while a palette has the keys; null if there is none.
     static WRFormatCommands* current();
+    /// Sends "formatsDidChange:" to the object whenever these may be others, or their selection or its
+    /// formats, until the notification centre is told to remove the observer.
+    static void addObserverOfCurrent(id observer);
 
     using AttributeChange = std::function<Retained<NSDictionary>(NSDictionary* old)>;
     using StyleChange = std::function<void(NSMutableParagraphStyle* style)>;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Foundation/LocalizedNumbers.h"
 #include "Foundation/NSAttributedString.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableDictionary.h"
@@ -52,8 +53,7 @@ NSArray* paperTitles(bool hasOther) {
 
 // A length as the user writes it; below 0 if that is none.
 float lengthOf(NSString* text) {
-    NSString* number = text->componentsSeparatedByString(u","_ns)->componentsJoinedByString(u"."_ns);
-    auto scanner = NSScanner::scannerWithString(number);
+    auto scanner = NSScanner::scannerWithString(plainNumber(text));
     float length = 0;
     return scanner->scanFloat(&length) && scanner->isAtEnd() ? length : -1;
 }
@@ -106,8 +106,8 @@ void WRPageSetupPanel::makePanel() {
                     {WRBottomMarginKey, u"_Bottom margin in mm:"_ns, frame.bottom}};
     for (std::size_t i = 0; i < std::size(kMargins); ++i) {
         const auto& [key, label, length] = kMargins[i];
-        NSString* shown =
-            NSString::stringWithFormat(u"%.1f"_ns, static_cast<double>(length / kPointsPerMillimetre));
+        NSString* shown = localizedNumber(
+            NSString::stringWithFormat(u"%.1f"_ns, static_cast<double>(length / kPointsPerMillimetre)));
         NSTextField* field = form->addField(localized(label));
         field->setStringValue(shown);
         _margins[i] = {key, Retained<NSTextField>::retaining(field), Retained<NSString>::retaining(shown)};

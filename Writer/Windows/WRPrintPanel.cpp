@@ -96,6 +96,7 @@ void WRPrintPanel::makePanel() {
     _printer.set(form->addPopUp(localized(u"_Printer:"_ns), choices, "printerDidChange:"_sel));
     _printer->setTag(kPrinterTag);
     _copies.set(form->addField(localized(u"_Copies:"_ns)));
+    _copies->setTag(kCopiesTag);
     _copies->setStringValue(u"1"_ns);
     _pages.set(form->addField(localized(u"_Pages:"_ns)));
     _isTwoSided.set(form->addCheckBox(localized(u"_Print on both sides"_ns)));
@@ -162,10 +163,14 @@ const Printer* WRPrintPanel::chosenPrinter() {
     return index < _printers.size() ? &_printers[index] : nullptr;
 }
 
+// That choice is the last one.
+bool WRPrintPanel::isForFile() { return _printer->indexOfSelectedItem() == _printer->numberOfItems() - 1; }
+
 void WRPrintPanel::printerDidChange(id) {
     const Printer* printer = chosenPrinter();
     _isTwoSided->setEnabled(printer && printer->canPrintTwoSided);
     _isTwoSided->setState(printer && printer->isTwoSided ? NSOnState : NSOffState);
+    _copies->setEnabled(!isForFile());
 }
 
 // MARK: Running
@@ -174,7 +179,7 @@ NSString* WRPrintPanel::runModal() {
     const auto alive = Retained<WRPrintPanel>::retaining(this);
     _outcome = nullptr;
     NSApplication::sharedApplication()->runModalForWindow(_panel);
-    _panel->orderOut(nullptr);
+    cancel(nullptr);  // it may have ended in another way, with the display
     return _outcome ? _outcome->copy().autorelease() : nullptr;
 }
 
@@ -194,9 +199,9 @@ void WRPrintPanel::finish(NSString* outcome) {
 
 void WRPrintPanel::print(id) {
     const auto alive = Retained<WRPrintPanel>::retaining(this);
-    if (_isLooking && _printer->indexOfSelectedItem() == 0)
+    if (_isLooking && !isForFile())
         return _message->setStringValue(localized(u"_Printers are still being looked for."_ns));
-    const int copies = numberOf(_copies->stringValue());
+    const int copies = isForFile() ? 1 : numberOf(_copies->stringValue());
     if (copies == 0 || copies > kMostCopies)
         return _message->setStringValue(
             localizedFormat(u"_The number of copies is between 1 and %d."_ns, kMostCopies));

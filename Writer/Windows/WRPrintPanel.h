@@ -35,8 +35,9 @@ class WRPrintPanel : public NSObject {
     WRPalette* window() { return _panel; }
     /// What the panel says.
     NSString* message();
-    /// The tags of the pop-up button with the printers, and of the box for both sides of the paper.
-    static constexpr int kPrinterTag = 1, kTwoSidedTag = 2;
+    /// The tags of the pop-up button with the printers, of the box for both sides of the paper, and of the
+    /// field with the number of copies.
+    static constexpr int kPrinterTag = 1, kTwoSidedTag = 2, kCopiesTag = 3;
     NSString* outcome() { return _outcome; }
     /// Writes a PDF document of the pages to the path. Returns what happened.
     NSString* writePages(NSRange pages, NSString* path);
@@ -55,6 +56,7 @@ class WRPrintPanel : public NSObject {
     void findPrinters();
     void takePrinters(std::vector<Printer> printers, const PrintProblem& problem);
     const Printer* chosenPrinter();
+    bool isForFile();
     NSString* pathFromUser();
     void sendPages(NSRange pages, const Printer& printer, unsigned copies);
     void finish(NSString* outcome);

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "Foundation/LocalizedNumbers.h"
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/NSNumber.h"
@@ -298,7 +299,8 @@ void WRRuler::drawScale() {
             fill(std::floor(x), middle - half, 1, 2 * half);
         } else if (i != 0) {
             const double value = static_cast<double>(std::abs(static_cast<float>(i) * tick / _unit));
-            NSString* text = NSString::stringWithFormat(u"%g"_ns, std::round(value * 100) / 100);
+            NSString* text =
+                localizedNumber(NSString::stringWithFormat(u"%g"_ns, std::round(value * 100) / 100));
             const NSSize size = sizeWithAttributes(text, attributes);
             drawAtPoint_withAttributes(text, {x - size.width / 2, middle - size.height / 2}, attributes);
         }
@@ -352,7 +354,7 @@ void WRRuler::follow(NSPoint point, bool snaps) {
     showGuide();
 }
 
-// Over the pages, where the dragged mark stands; none without one.
+// A line over the pages at the place of the dragged mark, as long as there is one.
 void WRRuler::showGuide() {
     NSScrollView* pages = _commands->pageView()->enclosingScrollView();
     const bool isShown = _drag && _drag->hasMoved && !_drag->isOff && pages && superview();

@@ -4,6 +4,7 @@
 
 #include <list>
 
+#include "Foundation/LocalizedNumbers.h"
 #include "Foundation/NSUserDefaults.h"
 #include "Platform/Foundation/BundleTestSupport.h"
 
@@ -47,6 +48,16 @@ TEST_F(UserLanguages, ComeFromTheUserDefaultsFirst) {
         defaults->setObject_forKey(useless, PelvorLanguages);
         EXPECT_EQ(languages(), "de-DE de");
     }
+}
+
+TEST_F(UserLanguages, SeparateTheFractionsOfNumbers) {
+    expectAll({"en -> 12.7 12", "de-AT -> 12,7 12", "sr-Latn-RS -> 12,7 12", "fa -> 12.7 12",
+               "no such language -> 12.7 12"},
+              [&](const std::string& language) {
+                  defaults->setObject_forKey(NSArray::of({NSString::ofUTF8(language)}), PelvorLanguages);
+                  return shown(localizedNumber(u"12.7"_ns), localizedNumber(u"12"_ns));
+              });
+    for (NSString* written : {u"12,7"_ns, u"12.7"_ns}) EXPECT_EQ(shown(plainNumber(written)), "12.7");
 }
 
 }  // namespace

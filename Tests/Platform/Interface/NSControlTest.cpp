@@ -333,9 +333,11 @@ TEST_F(FieldTest, PutsTheCaretWhereItIsClicked) {
     screen.type(u"s");
     screen.click(other, {60, 12});
     EXPECT_EQ(shown(field->stringValue(), selection()), "Annas none");
+    const std::uint32_t face = screen.pixel(field, {110, 5});
     field->setEnabled(false);
     screen.click(field, {60, 12});
     EXPECT_EQ(selection(), "none");
+    EXPECT_NE(screen.pixel(field, {110, 5}), face) << "one sees that it takes no keys";
 }
 
 TEST_F(FieldTest, ShowsTheTextAtThePlaceWhereItIsEdited) {

@@ -26,6 +26,7 @@
 #include "Writer/PlugIns/RichText/WRRichTextReader.h"
 #include "Writer/PlugIns/RichText/WRRichTextWriter.h"
 #include "Writer/Recovery/RecoveryStore.h"
+#include "Writer/WRDocumentOpener.h"
 #include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRDesktop.h"
 #include "Writer/Windows/WROpenChoices.h"
@@ -176,6 +177,34 @@ TEST_F(DocumentFileTest, KnowsWhetherThereAreChangesThatAreInNoFile) {
     screen.type(u"d");
     undo(window);
     EXPECT_EQ(stateOf(window), "one 1 1") << "what is in the file cannot be redone";
+}
+
+TEST_F(DocumentFileTest, BeginsWhereThereIsNoFileYet) {
+    auto opener = WRDocumentOpener::initWithProfiles(PBRegistry::sharedRegistry());
+    const auto opened = [&](const char* name) {
+        return opener->openOrMakeDocumentAtPath_options(NSString::ofUTF8(folder.path(name)),
+                                                        NSDictionary::dictionary());
+    };
+    EXPECT_FALSE(opened("no/New.txt"));
+    EXPECT_THAT(shown(opener->problem()), HasSubstr("the enclosing folder does not exist"));
+    WRDocument* document = opened("New.txt");
+    ASSERT_TRUE(document) << opener->problem();
+    EXPECT_FALSE(desktop->showDocument_options(document, nullptr));
+    WRDocumentWindow* window = desktop->windowForPath(document->path());
+    const auto states = [&] {
+        WRDocumentFile* file = window->file();
+        return shown(window->window()->title(), file->isEdited(),
+                     file->validateRevertDocumentToSaved(nullptr),
+                     file->validateMoveDocumentToTrash(nullptr));
+    };
+    EXPECT_EQ(states(), "New.txt 0 0 0");
+    typeInto(window, u"x");
+    EXPECT_EQ(states(), "New.txt 1 0 0");
+    EXPECT_EQ(doing([&] { window->file()->saveDocument(nullptr); }), "");
+    EXPECT_EQ(folder.read("New.txt"), "x");
+    screen.type(u"y");
+    EXPECT_EQ(states(), "New.txt 1 1 1");
+    EXPECT_EQ(shown(opened("New.txt")->text()), "x");
 }
 
 // Those that are filled when they open, too: what fills them has to be kept.
@@ -520,6 +549,7 @@ TEST_F(DocumentFileTest, KeepsPreferences) {
     EXPECT_EQ(rulers(), "1 1");
     desktop->orderFrontPreferences(nullptr);
     NSView* panel = screen.app->keyWindow()->contentView();
+    EXPECT_TRUE(cast<NSPopUpButton>(static_cast<id>(screen.app->keyWindow()->firstResponder())));
     for (NSString* title : {u"_Show the ruler"_ns, u"_Mark misspelled words"_ns})
         buttonIn(panel, title)->performClick(nullptr);
     buttonIn(panel, [](NSButton* button) {

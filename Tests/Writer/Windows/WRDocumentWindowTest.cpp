@@ -3,8 +3,11 @@
 
 #include <cstdlib>
 
+#include "EnvironmentScope.h"
 #include "FormatScope.h"
 #include "Foundation/NSMutableAttributedString.h"
+#include "Foundation/NSRunLoop.h"
+#include "Foundation/NSTimer.h"
 #include "Interface/NSButton.h"
 #include "Interface/NSPanel.h"
 #include "Interface/NSPasteboard.h"
@@ -168,9 +171,12 @@ TEST_F(DocumentWindowTest, ChangesPaperAndMargins) {
     };
     const std::string before = look();
     const NSSize paper = view->pages()->frame().paper;
+    const EnvironmentScope locale("LC_ALL", "de_DE.UTF-8"), languages("LANGUAGE", nullptr);
     auto panel = pageSetup();
     panel->window()->makeKeyAndOrderFront(nullptr);
     screen.turn();
+    EXPECT_NE(shown(cast<NSText>(static_cast<id>(panel->window()->firstResponder()))->string()).find(','),
+              std::string::npos);
     for (const char16_t* margin : {u"x", u"-1", u"5000"}) {  // the first field
         enter(panel->window(), margin);
         EXPECT_TRUE(panel->window()->isVisible()) << "says why not";
@@ -336,12 +342,24 @@ TEST_F(DocumentWindowTest, PrintsTheTextAsItIs) {
     popUp->selectItemAtIndex(0);
     panel->printerDidChange(popUp);
     EXPECT_FALSE(bothSides->isEnabled());
+    auto* copies = cast<NSTextField>(panel->window()->contentView()->viewWithTag(WRPrintPanel::kCopiesTag));
+    for (const NSInteger choice : {3, 0}) {  // the file, and the printer again
+        popUp->selectItemAtIndex(choice);
+        panel->printerDidChange(popUp);
+        EXPECT_EQ(copies->isEnabled(), choice == 0);
+    }
     press(u"");
     EXPECT_EQ(waitForOutcome(), "_Nothing was printed: the printer \"Attic\" took no document: it is off.");
     // Closing the panel gives up.
     service->answers = false;
     panel = WRPrintPanel::create(&pages, u"b.txt"_ns);
     panel->cancel(nullptr);
+    while (service.use_count() > 2) screen.turn();
+    panel = WRPrintPanel::create(&pages, u"b.txt"_ns);
+    auto ending = NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(
+        0, screen.app, "abortModal"_sel, nullptr, false);
+    NSRunLoop::mainRunLoop()->addTimer_forMode(ending, NSModalPanelRunLoopMode);
+    EXPECT_FALSE(panel->runModal());
     while (service.use_count() > 2) screen.turn();
     PrintService::setShared(nullptr);
 

@@ -104,6 +104,9 @@ TEST_F(FontPaletteTest, TakesASizeOfTheUsersOwn) {
     palette->takeSizeFrom(fields[0]);
     EXPECT_EQ(shown(fields[0]->stringValue()), "13.5");
     EXPECT_THAT(runs(NSFontAttributeName), ::testing::HasSubstr(" 13.5\n"));
+    fields[0]->setStringValue(u"14,5"_ns);  // as others write it
+    palette->takeSizeFrom(fields[0]);
+    EXPECT_THAT(runs(NSFontAttributeName), ::testing::HasSubstr(" 14.5\n"));
 }
 
 }  // namespace

@@ -82,6 +82,15 @@ TEST_F(WriterWindowsTest, TakesALetterInTwoLanguages) {
     EXPECT_EQ(exitStatusOf(writer), 0);
 }
 
+TEST_F(WriterWindowsTest, BeginsTheFileThatItIsCalledWith) {
+    ProgramScope writer({WRITER_PROGRAM, folder.path("New.txt")});
+    ASSERT_TRUE(until([] { return placeOfWindow("^New.txt").first != 0; }));
+    EXPECT_TRUE(until([&] {
+        outputOf("xdotool key a ctrl+s");
+        return std::filesystem::exists(folder.path("New.txt"));
+    }));
+}
+
 class WriterLossTest : public WriterWindowsTest, public ::testing::WithParamInterface<bool> {};
 INSTANTIATE_TEST_SUITE_P(ItselfOrItsDisplay, WriterLossTest, ::testing::Bool());
 

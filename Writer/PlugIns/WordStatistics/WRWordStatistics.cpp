@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "Foundation/LocalizedNumbers.h"
 #include "Foundation/NSCharacterSet.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNumber.h"
@@ -65,7 +66,7 @@ NSDictionary* WRWordStatistics::examineDocument(id document) {
     add(u"_Different words"_ns, number(count.timesOfWord.size()));
     if (count.words == 0) return found;
     const double letters = static_cast<double>(count.letters) / static_cast<double>(count.words);
-    add(u"_Letters in a word"_ns, NSString::stringWithFormat(u"%.1f"_ns, letters));
+    add(u"_Letters in a word"_ns, localizedNumber(NSString::stringWithFormat(u"%.1f"_ns, letters)));
     add(u"_Longest word"_ns, NSString::of(count.longest));
     add(u"_Most frequent words"_ns, joined(count.mostFrequent(theFrequentWordCount)));
     add(u"_Minutes of reading"_ns, number((count.words + kWordsAMinute - 1) / kWordsAMinute));
