@@ -54,11 +54,12 @@ TEST_F(WriterProgramTest, SpeaksTheLanguageOfTheUser) {
                  "English: ", "Last line: ended", "Document services: Word statistics", "Desktops: "});
     expectLines("fr_FR.UTF-8",
                 {"Lecteurs de documents : Texte brut (txt, text, log, *), Texte Markdown (md, markdown), ",
-                 "Unités de mesure : Millimètre (mm), Centimètre (cm), Pouce (in)", "Anglais : ",
-                 "Dernière ligne : terminée", "Services de documents : Statistique des mots", "Bureaux : "});
+                 "Unités de mesure : Millimètre (mm), Centimètre (cm), Pouce (in)",
+                 "Anglais : ", "Dernière ligne : terminée", "Lettres par mot : 4,",
+                 "Services de documents : Statistique des mots", "Bureaux : "});
     expectLines("de_CH.UTF-8",
                 {"Dokumentleser: Reiner Text (txt, text, log, *), Markdown-Text (md, markdown), ",
-                 "Englisch: ", "Letzte Zeile: abgeschlossen", "Buchstaben je Wort: 4,",
+                 "Englisch: ", "Letzte Zeile: abgeschlossen", "Buchstaben je Wort: 4.",
                  "Dokumentdienste: Wortstatistik", "Arbeitsflächen: "});
     for (const char* locale : {"C", "", "ja_JP.UTF-8", "nonsense"}) {
         program.locale = locale;
