@@ -72,8 +72,8 @@ class UnitBuffer {
     void take(std::size_t count) { _size += count; }
     std::u16string_view view() const PELVOR_LIFETIMEBOUND { return {_units, _size}; }
 
-    /// The text as a borrowed string; the buffer is empty then. Raises NSMallocException for a text that is
-    /// too long for a string.
+    /// The text as a borrowed string, after which the buffer is not to be used. Raises NSMallocException for
+    /// a text that is too long for a string.
     NSString* takeString() {
         if (_size > std::numeric_limits<NSUInteger>::max())
             throw NSException(NSMallocException, "UnitBuffer: the text is too long for a string");

@@ -12,8 +12,8 @@ void RichTextBuilder::startRun(std::uint32_t format) {
 
 void RichTextBuilder::appendOpen() {
     if (_runs.empty() || _isParagraphStart) startRun(_runs.empty() ? 0 : _runs.back().character);
-    if (_hasOpenBreak) _units.append(u'');
-    for (; _openCells > 0; --_openCells) _units.append(u'	');
+    if (_hasOpenBreak) _units.append(u'\f');
+    for (; _openCells > 0; --_openCells) _units.append(u'\t');
     _hasOpen = _hasOpenBreak = false;
 }
 
