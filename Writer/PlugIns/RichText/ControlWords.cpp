@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <array>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -19,6 +21,11 @@ constexpr int of(Value value) {
 template <class Property>
 constexpr int packed(Property property, int value) {
     return of(property) << 8 | (value & 0xFF);
+}
+
+// Names in a list that is parted by single spaces.
+constexpr std::size_t countOf(std::string_view names) {
+    return 1 + static_cast<std::size_t>(std::count(names.begin(), names.end(), ' '));
 }
 
 }  // namespace
@@ -278,8 +285,11 @@ class ControlWords {
     }
 
   private:
-    // A power of two, a few times as many as there are words.
+    // A power of two.
     static constexpr std::size_t kPlaces = 2048;
+    static_assert(2 * (std::size(kWords) + countOf(kSkipped) + countOf(kLeftOut) + countOf(kIgnored)) <
+                      kPlaces,
+                  "a search for an unknown word ends at a free place");
 
     // Lists first, so that no name of theirs takes the place of a row.
     ControlWords() {
