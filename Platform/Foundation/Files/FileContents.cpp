@@ -41,11 +41,13 @@ bool writeDirectly(const std::string& path, std::span<const std::byte> content) 
 // MARK: Replacing
 
 // A file system may tell of a failure only when a descriptor is closed; the lock goes with the last one.
-bool finish(int file) {
-    return uninterrupted([&] { return ::fsync(file); }) == 0 && Descriptor(::dup(file)).close();
+bool finish(int file, bool isOnDisk) {
+    return (!isOnDisk || uninterrupted([&] { return ::fsync(file); }) == 0) &&
+           Descriptor(::dup(file)).close();
 }
 
-bool replaceFile(const std::string& path, std::span<const std::byte> content, bool isPrivate) {
+bool replaceFile(const std::string& path, std::span<const std::byte> content, FileWriting writing) {
+    const bool isPrivate = writing != FileWriting::atomic;
     std::size_t start = path.rfind('/') + 1;
     std::string name = path.substr(start);
     Descriptor folder = openedAt(AT_FDCWD, start ? path.substr(0, start).c_str() : ".", O_PATH | O_DIRECTORY);
@@ -59,7 +61,7 @@ bool replaceFile(const std::string& path, std::span<const std::byte> content, bo
     if (isPrivate && !isNew) (void)!::fchown(file, old.st_uid, static_cast<gid_t>(-1));
     if (!isPrivate && isNew && file.hasName()) (void)!::fchmod(file, rightsOfNewFile());
     if (!isPrivate && !isNew && !FileRights(path, old).giveTo(file)) return false;
-    return finish(file) && file.replaceTarget(isNew);
+    return finish(file, writing != FileWriting::atomicCache) && file.replaceTarget(isNew);
 }
 
 // Whether the path means a regular file, or one that does not exist yet; `path` then becomes the file's own
@@ -122,7 +124,7 @@ bool writeFile(const std::string& path, std::span<const std::byte> content, File
     bool isRegular = meansRegularFile(target);
     if (writing == FileWriting::direct || !isRegular)
         return writeDirectly(target.starts_with("/proc/") ? target : path, content);
-    return replaceFile(target, content, writing == FileWriting::atomicPrivate);
+    return replaceFile(target, content, writing);
 }
 
 }  // namespace pelvor

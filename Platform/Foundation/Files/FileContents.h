@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Reading and writing whole files; for Foundation's own sources.
+// Reading and writing whole files; for the platform's own sources.
 #pragma once
 
 #include <cstddef>
@@ -23,9 +23,10 @@ bool readFile(const std::string& path, GrowingBytes& content, FileReading readin
 bool writeAll(int file, std::span<const std::byte> content);
 
 enum class FileWriting : unsigned char {
-    direct,        ///< into the file itself; a failure may leave a part of the content
-    atomic,        ///< into another file of the same folder, which takes the name when it is complete
-    atomicPrivate  ///< like `atomic`, and nobody but the file's owner may read or write the file afterwards
+    direct,         ///< into the file itself; a failure may leave a part of the content
+    atomic,         ///< into another file of the same folder, which takes the name when it is complete
+    atomicPrivate,  ///< like `atomic`, and nobody but the file's owner may read or write the file afterwards
+    atomicCache     ///< like `atomicPrivate`, but does not wait for the disk: a loss of power may cut it off
 };
 
 /// Writes a new file, or in the place of the old content of a file. Returns false, with the reason in
@@ -41,6 +42,7 @@ enum class FileWriting : unsigned char {
 /// - When the process is killed, no other file stays behind, except in the moment before the new file takes
 ///   the name, or on a file system without unnamed files: then the next atomic write of the same file removes
 ///   what stayed.
-bool writeFile(const std::string& path, std::span<const std::byte> content, FileWriting writing);
+PELVOR_EXPORT bool writeFile(const std::string& path, std::span<const std::byte> content,
+                             FileWriting writing);
 
 }  // namespace pelvor

@@ -2,17 +2,17 @@
 #include "Text/Fonts/FontMemory.h"
 
 #include <fontconfig/fontconfig.h>
-#include <stdlib.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <span>
 #include <sstream>
 
+#include "Foundation/Files/FileContents.h"
 #include "Foundation/StandardFolders.h"
 #include "Runtime/AutoreleasePool.h"
 
@@ -137,16 +137,9 @@ void FontMemory::write(const FontList& list, const std::vector<std::string>& dep
         add(std::to_string(place), '\n');
     }
     if (!isPossible) return;
-    // Other programs see the old file or the new one. Unlike NSData's atomic writing, this does not wait for
-    // the disk: a file whose end a loss of power has taken is written anew.
-    std::string draft = _path + ".XXXXXX";
-    const int descriptor = mkstemp(draft.data());
-    if (descriptor < 0) return;
-    close(descriptor);
-    std::ofstream file(draft, std::ios::binary);
-    file << environment() << '\n' << text << kEnd << '\n';
-    file.close();
-    if (!file || std::rename(draft.c_str(), _path.c_str()) != 0) unlink(draft.c_str());
+    text.insert(0, environment() + '\n').append(kEnd) += '\n';
+    // A file whose end a loss of power has taken is written anew.
+    writeFile(_path, std::as_bytes(std::span(text)), FileWriting::atomicCache);
 }
 
 }  // namespace pelvor

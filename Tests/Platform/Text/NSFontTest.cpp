@@ -3,11 +3,13 @@
 // installs.
 #include "Text/NSFont.h"
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <set>
 
 #include "EnvironmentScope.h"
 #include "Foundation/NSDictionary.h"
@@ -266,6 +268,22 @@ TEST(FontMemoryTest, KeepsAllOrNothing) {
         folder.write(changed, "new");
         EXPECT_FALSE(memory.read()) << changed;
     }
+    const int killed = fork();
+    if (killed == 0) {
+        const rlimit few{16, 16}, none{0, 0};
+        setrlimit(RLIMIT_CORE, &none);
+        setrlimit(RLIMIT_FSIZE, &few);  // the signal for the byte behind these ends the process
+        memory.write(list, {});
+        std::_Exit(0);
+    }
+    int status = 0;
+    ASSERT_TRUE(waitpid(killed, &status, 0) == killed && WIFSIGNALED(status));
+    memory.write(list, {});
+    EXPECT_TRUE(memory.read());
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path("")))
+        names.insert(entry.path().filename());
+    EXPECT_THAT(names, ElementsAre("absent", "fonts", "other")) << "nothing else stays of what was cut off";
     list.fonts[0].entry.file = "/with\ttab";
     FontMemory(folder.path("second")).write(list, {});
     EXPECT_FALSE(std::filesystem::exists(folder.path("second")));
