@@ -175,7 +175,8 @@ class ControlWords {
         {"charscalex", &P::setNumber, of(C::width)},
         {"scaps", &P::setFlag, packed(C::capitals, 1)},
         {"caps", &P::setFlag, packed(C::capitals, 2)},
-        {"lang", &P::setNumber, of(C::language)},
+        {"lang", &P::setLanguage},
+        {"pelvorlang", &P::beginDestination, of(D::language)},  // the exact name
         {"cf", &P::setColourOf, of(C::foreground)},
         {"cb", &P::setColourOf, of(C::background)},
         {"chcbpat", &P::setColourOf, of(C::background)},

@@ -8,12 +8,11 @@
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNumber.h"
 #include "NSAttributedString-PelvorAdditions.h"
-#include "Runtime/Message.h"
-#include "Runtime/Registry.h"
 #include "Text/NSColor.h"
 #include "Text/NSFont.h"
 #include "Text/NSMutableParagraphStyle.h"
 #include "Text/NSTextTab.h"
+#include "Writer/Pages/TextLanguage.h"
 #include "Writer/Pages/WRSheetParagraphStyle.h"
 #include "Writer/PlugIns/RichText/LanguageNumbers.h"
 #include "Writer/PlugIns/RichText/Pictures.h"
@@ -74,14 +73,6 @@ bool isUsual(ParagraphFormat format) {
     return format == ParagraphFormat();
 }
 
-// For the layout the name, and for words the object of Writer's class, which programs without Writer lack.
-void setLanguage(NSString* name, NSMutableDictionary* attributes) {
-    attributes->setObject_forKey(name, NSLanguageAttributeName);
-    if (Class* languages = classNamed("WRLanguage"))
-        attributes->setObject_forKey(send<id>(languages, "languageWithIdentifier:"_sel, name),
-                                     PBLanguageAttributeName);
-}
-
 std::int32_t integer(Object* value) {
     auto* number = cast<NSNumber>(value);
     return number ? number->intValue() : 0;
@@ -119,8 +110,9 @@ Retained<NSDictionary> FormatAttributes::attributesOf(const CharacterFormat& cha
     setColour(NSForegroundColorAttributeName, character[C::foreground]);
     setColour(NSBackgroundColorAttributeName, character[C::background]);
     setColour(NSUnderlineColorAttributeName, character[C::underlineColour]);
-    if (const std::string_view language = languageOfNumber(character[C::language]); !language.empty())
-        setLanguage(NSString::ofUTF8(language), attributes);
+    if (const std::int32_t language = character[C::language])
+        attributes->addEntriesFromDictionary(
+            attributesOfLanguage(NSString::of(_tables.languages[language])));
     if (const std::int32_t style = character[C::style])
         set(PBStyleCharacterAttributeName, NSString::of(_tables.styles[style]));
     if (const std::int32_t link = character[C::link])
@@ -182,8 +174,9 @@ CharacterFormat AttributeFormats::characterOf(NSDictionary* attributes) {
         } else if (is(NSUnderlineColorAttributeName)) {
             format[C::underlineColour] = colourNumber(value);
         } else if (is(NSLanguageAttributeName)) {
-            format[C::language] = numberOfLanguage(value->description()->toUTF8());
-            if (!format[C::language]) leaveOut(name);
+            const std::u16string language = value->description()->toUTF16();
+            if (!isLanguageName(language)) return leaveOut(name);
+            format[C::language] = _tables.languages.numberOf(language);
         } else if (is(PBStyleCharacterAttributeName) && cast<NSString>(value)) {
             format[C::style] = _tables.styles.numberOf(cast<NSString>(value)->toUTF16());
         } else if (is(NSLinkAttributeName)) {

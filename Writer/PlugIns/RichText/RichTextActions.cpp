@@ -14,7 +14,6 @@ namespace {
 
 constexpr int kMaximumLength = 1'000'000;  // in twips
 constexpr std::size_t kMaximumLeftOut = 64;
-constexpr int kUnknownLanguage = 1024;
 
 std::u16string trimmed(std::u16string_view text) {
     while (!text.empty() && text.front() == u' ') text.remove_prefix(1);
@@ -128,6 +127,7 @@ void P::endDestination(const State& inner) {
         return;
     }
     const State outer = std::exchange(_state, inner);
+    std::u16string language;
     switch (inner.destination) {
         case Destination::fontTable:
             if (_captured.size() > inner.captureStart) commitFont();
@@ -145,6 +145,9 @@ void P::endDestination(const State& inner) {
         case Destination::fieldInstruction:
             if (inner.field > 0) _fields[static_cast<std::size_t>(inner.field) - 1] += takeCaptured();
             break;
+        case Destination::language:
+            language = takeCaptured();
+            break;
         default:
             break;
     }
@@ -153,6 +156,7 @@ void P::endDestination(const State& inner) {
         _captured.resize(std::min(_captured.size(), inner.captureStart));
     if (inner.destination == Destination::fontTable) setUsualFont();
     if (inner.destination == Destination::picture) endPicture();
+    if (inner.destination == Destination::language) takeLanguageName(language);
 }
 
 void P::endPart(const State& part) {
@@ -451,15 +455,24 @@ void P::setNumber(int value) {
             case CharacterProperty::width:
                 number = parameterBetween(1, 600);
                 break;
-            case CharacterProperty::language:
-                number = _parameter == kUnknownLanguage ? 0 : parameterBetween(0, 0xFFFF);
-                if (number && languageOfNumber(number).empty()) leaveOut(number = 0);
-                break;
             default:
                 number = parameterBetween(-31680, 31680);
         }
     }
     character()[property] = number;
+}
+
+void P::setLanguage(int) {
+    const int number = _hasParameter ? _parameter : 0;
+    const std::u16string_view name = languageOfNumber(number);
+    if (name.empty() && number != 0 && number != kUnknownLanguage) leaveOut(0);
+    character()[CharacterProperty::language] =
+        name.empty() ? 0 : _result.tables.languages.numberOf(std::u16string(name));
+}
+
+// Programs that do not know the name keep to the number before.
+void P::takeLanguageName(const std::u16string& name) {
+    if (isLanguageName(name)) character()[CharacterProperty::language] = _result.tables.languages.numberOf(name);
 }
 
 void P::setOffset(int sign) {

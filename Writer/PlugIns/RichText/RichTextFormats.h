@@ -30,7 +30,7 @@ enum class CharacterProperty {
     kern,             ///< the space behind each character
     width,            ///< in percent
     capitals,         ///< 1 for small capitals, 2 for capitals
-    language,         ///< its number in the format
+    language,         ///< an index in the table of languages; 0 is none
     foreground,       ///< an index in the table of colours; 0 is none
     background,       ///< an index in the table of colours; 0 is none
     underlineColour,  ///< an index in the table of colours; 0 is none
@@ -157,7 +157,7 @@ class EntryTable {
 struct RichTextTables {
     EntryTable<FontEntry> fonts;
     EntryTable<ColourEntry> colours;
-    EntryTable<std::u16string> styles, links;
+    EntryTable<std::u16string> styles, links, languages;
     std::vector<PictureEntry> pictures{1};  ///< entry 0 stands for none
     /// The distance of the tab stops behind the last one that is set; 0 is the usual one.
     std::int32_t tabInterval = 0;

@@ -8,15 +8,18 @@
 #include <unordered_map>
 #include <utility>
 
+#include "Foundation/NSArray.h"
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSString.h"
+#include "Foundation/UserLanguages.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Text/NSTextTab.h"
 #include "Text/TextAttributes.h"
 #include "Writer/PlugInProtocol.h"
 #include "Writer/PlugIns/RichText/FieldInstruction.h"
 #include "Writer/PlugIns/RichText/FormatAttributes.h"
+#include "Writer/PlugIns/RichText/LanguageNumbers.h"
 #include "Writer/PlugIns/RichText/RichTextAnswer.h"
 
 namespace pelvor {
@@ -33,7 +36,7 @@ struct NumberWord {
 };
 
 constexpr NumberWord<C> kCharacterNumbers[] = {
-    {C::size, "fs"},       {C::kern, "expndtw"},        {C::width, "charscalex"}, {C::language, "lang"},
+    {C::size, "fs"},       {C::kern, "expndtw"},        {C::width, "charscalex"},
     {C::foreground, "cf"}, {C::underlineColour, "ulc"}, {C::style, "cs"},
 };
 constexpr NumberWord<A> kParagraphNumbers[] = {
@@ -125,7 +128,6 @@ class MarkupBytes {
                 this->unit(unit);
     }
     void add(const MarkupBytes& other) {
-        if (_isAfterWord) mark("\n");  // which ends the word
         _bytes += other._bytes;
         _isAfterWord = other._isAfterWord;
     }
@@ -154,6 +156,8 @@ class TextMarkup {
     }
 
     void add(NSAttributedString* text) {
+        _out.word("pard");  // what the formats of a paragraph and of characters are counted from
+        _out.word("plain");
         const StringUnits units(text->string());
         for (AttributeRun run : text->runs()) {
             const Formats& formats = formatsOf(run.attributes);
@@ -305,6 +309,7 @@ class TextMarkup {
             if (format[property] == value) _out.word(word);
         for (const auto& [property, word] : kCharacterNumbers)
             if (format[property] != usual[property]) _out.word(word, format[property]);
+        setLanguage(format[C::language]);
         if (const std::int32_t offset = format[C::baselineOffset])
             _out.word(offset > 0 ? "up" : "dn", std::abs(offset));
         if (const std::int32_t colour = format[C::background]) {
@@ -312,6 +317,19 @@ class TextMarkup {
             _out.word("chcbpat", colour);
             _out.word("cb", colour);
         }
+    }
+
+    // Other programs know numbers: that of "fr-FR" for "fr". The name follows where a number has another one.
+    void setLanguage(std::int32_t language) {
+        if (!language) return;
+        const std::u16string& name = _formats.tables().languages[language];
+        const std::int32_t number = numberOfLanguage(name);
+        _out.word("lang", number ? number : kUnknownLanguage);
+        if (languageOfNumber(number) == name) return;
+        _out.mark("{\\*");
+        _out.word("pelvorlang");
+        _out.escaped(name);
+        _out.mark("}");
     }
 
     void beginLink(std::int32_t link) {
@@ -414,6 +432,12 @@ void addPageNumbers(NSDictionary* settings, MarkupBytes& out) {
             out.word(kPageWords[i], std::lround(std::clamp(number->doubleValue() * 20, 0.0, 1e6)));
 }
 
+// What other programs take text for that names no language: the user's own.
+std::int32_t usualLanguage() {
+    NSArray* names = userLanguages();
+    return names->count() ? numberOfLanguage(static_cast<NSString*>(names->objectAtIndex(0))->toUTF16()) : 0;
+}
+
 }  // namespace
 
 RichTextMarkup markupOfRichText(NSAttributedString* text, NSDictionary* settings, NSString* fileName) {
@@ -437,13 +461,16 @@ RichTextMarkup markupOfRichText(NSAttributedString* text, NSDictionary* settings
         TextMarkup(formats, &title, parts).add(part);
         parts.mark("}\n");
     }
-    out.mark("{\\rtf1\\ansi\\ansicpg1252\\uc1\\deff0\n");
+    out.mark("{\\rtf1\\ansi\\ansicpg1252\\uc1\\deff0");
+    if (const std::int32_t language = usualLanguage()) out.word("deflang", language);
+    out.mark("\n");
     addFonts(formats.tables(), out);
     addColours(formats.tables(), out);
     addStyles(formats.tables(), out);
     if (settings) addFields(settings, out);
     if (settings) addPageNumbers(settings, out);
     if (const std::int32_t interval = formats.tables().tabInterval) out.word("deftab", interval);
+    out.mark("\n");
     out.add(parts);
     out.add(body);
     out.mark("}\n");

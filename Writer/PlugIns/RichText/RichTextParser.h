@@ -35,6 +35,7 @@ class RichTextParser {
         styleSheet,
         documentField,
         fieldInstruction,
+        language,
         picture
     };
     struct State {
@@ -107,6 +108,7 @@ class RichTextParser {
     void setUsualFont();
     void endPart(const State& part);
     void endPicture();
+    void takeLanguageName(const std::u16string& name);
     std::u16string takeCaptured();
     CharacterFormat& character();
     ParagraphFormat& paragraph();
@@ -152,6 +154,7 @@ class RichTextParser {
     void resetCharacter(int);
     void resetParagraph(int);
     void setFlag(int property);
+    void setLanguage(int);
     void setNumber(int property);
     void setValue(int packed);
     void setColourOf(int property);

@@ -3,6 +3,7 @@
 
 #include <fstream>
 
+#include "EnvironmentScope.h"
 #include "Foundation/NSMutableAttributedString.h"
 #include "NSAttributedString-PelvorAdditions.h"
 #include "Prelude.h"
@@ -93,6 +94,7 @@ TEST(RichTextMarkup, IsReadBackEqual) {
         {"Capitals", with(PBFontCaseChangeAttributeName, number(2))},
         {"Language", with(NSLanguageAttributeName, u"de-AT"_ns)},
         {"LanguageAlone", with(NSLanguageAttributeName, u"fr"_ns)},
+        {"LanguageWithoutNumber", with(NSLanguageAttributeName, u"eo"_ns)},
         {"Colour", with(NSForegroundColorAttributeName, colour(1, 2, 3))},
         {"Background", with(NSBackgroundColorAttributeName, colour(255, 128, 0))},
         {"UnderlineColour", with(NSUnderlineColorAttributeName, colour(0, 0, 255))},
@@ -183,6 +185,28 @@ TEST(RichTextMarkup, EndsEveryParagraphTheSameWayAndNamesWhatItLeavesOut) {
     EXPECT_THAT(markup.leftOut, ElementsAre(u"NSSuperScript", u"NSToolTip", u"lineSpacing"));
 }
 
+TEST(RichTextMarkup, TellsLanguagesToOtherPrograms) {
+    const std::pair<NSString*, const char*> rows[] = {
+        {u"de-AT"_ns, "\\lang3079 a"},
+        {u"fr"_ns, "\\lang1036{\\*\\pelvorlang fr}a"},
+        {u"pt_BR"_ns, "\\lang1046{\\*\\pelvorlang pt_BR}a"},
+        {u"nn"_ns, "\\lang2068{\\*\\pelvorlang nn}a"},
+        {u"zh-Hant-MO"_ns, "\\lang1028{\\*\\pelvorlang zh-Hant-MO}a"},
+        {u"eo"_ns, "\\lang1024{\\*\\pelvorlang eo}a"},
+    };
+    for (const auto& [name, bytes] : rows) {
+        auto text = plainText(u"a"_ns);
+        text->addAttribute_value_range(NSLanguageAttributeName, name, {0, 1});
+        EXPECT_THAT(markupOfRichText(text, nullptr).bytes, HasSubstr(bytes));
+    }
+    auto text = plainText(u"a"_ns);
+    text->addAttribute_value_range(NSLanguageAttributeName, u"no name"_ns, {0, 1});
+    EXPECT_THAT(markupOfRichText(text, nullptr).leftOut, ElementsAre(u"NSLanguage"));
+    const LanguageScope french("fr");
+    EXPECT_THAT(markupOfRichText(plainText(u"a"_ns).get(), nullptr).bytes,
+                AllOf(HasSubstr("\\deflang1036\n"), HasSubstr("\\pard\\plain a}")));
+}
+
 // A document as a well-known word processor writes it.
 struct Letter : ::testing::Test {
     Letter() {
@@ -200,7 +224,7 @@ TEST_F(Letter, IsReadWell) {
     EXPECT_THAT(shownText(read, read.footer), HasSubstr("Page \uE010 of \uE011"));
     const std::string text = shownText(read, read.body);
     for (const char* part :
-         {"size=32 bold language=2057]Dear Anna,",
+         {"size=32 bold language=en-GB]Dear Anna,",
           "it’s “quoted” – “so” — 50\u00A0km, e\u00ADmail, well\u2011known.\u2028Next line.",
           "]•\t[font]one point", "Привет", "日本", "αβγ", "our page", "link(https://example.org/a?b=1)",
           "link(pelvor-anchor:end)", "Name\tNumber\t\n", "Bolt\u2028M8\t12\tsteel\n",

@@ -35,7 +35,11 @@ inline std::string shownText(const RichText& read, RichTextBuilder& builder) {
     const auto character = [&](CharacterFormat format) {
         const std::int32_t link = std::exchange(format[CharacterProperty::link], 0);
         const std::int32_t picture = std::exchange(format[CharacterProperty::picture], 0);
+        const std::int32_t language = std::exchange(format[CharacterProperty::language], 0);
         std::string list = listed(kCharacter, format, CharacterFormat());
+        if (language)
+            list += (list.empty() ? "language=" : " language=") +
+                    NSString::of(read.tables.languages[language])->toUTF8();
         if (link)
             list +=
                 (list.empty() ? "link(" : " link(") + NSString::of(read.tables.links[link])->toUTF8() + ")";
