@@ -201,6 +201,7 @@ class ControlWords {
         {"sa", &P::setParagraphNumber, of(A::spaceAfter)},
         {"sl", &P::setParagraphNumber, of(A::lineHeight)},
         {"slmult", &P::setParagraphFlag, of(A::isLineHeightFactor)},
+        {"hyphauto", &P::setHyphenation},
         {"hyphpar", &P::setParagraphFlag, of(A::hyphenates)},
         {"keepn", &P::setParagraphFlag, of(A::keepWithNext)},
         {"keep", &P::setParagraphFlag, of(A::keepTogether)},
@@ -266,7 +267,7 @@ class ControlWords {
         "sectdefaultcl "
         "sftnbj sectlinegrid linex cols colsx pgndec pgnrestart nocolbal nolead expshrtn "
         "noultrlspc "
-        "dntblnsbdb nospaceforul hyphcaps hyphhotz hyphconsec hyphauto gutter gutterprl guttersxn "
+        "dntblnsbdb nospaceforul hyphcaps hyphhotz hyphconsec gutter gutterprl guttersxn "
         "truncatefontheight "
         "subfontbysize sprsbsp wpjst msmcap viewnobound private rsidstyles formprot picw pich picbpp "
         "picbmp piccropl piccropr piccropt piccropb bliptag blipupi defformat pnstart sec min hr dy mo yr "

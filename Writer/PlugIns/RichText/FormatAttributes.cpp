@@ -111,10 +111,9 @@ Retained<NSDictionary> FormatAttributes::attributesOf(const CharacterFormat& cha
     setColour(NSBackgroundColorAttributeName, character[C::background]);
     setColour(NSUnderlineColorAttributeName, character[C::underlineColour]);
     if (const std::int32_t language = character[C::language])
-        attributes->addEntriesFromDictionary(
-            attributesOfLanguage(NSString::of(_tables.languages[language])));
+        attributes->addEntriesFromDictionary(attributesOfLanguage(NSString::of(_tables.languages[language])));
     if (const std::int32_t style = character[C::style])
-        set(PBStyleCharacterAttributeName, NSString::of(_tables.styles[style]));
+        set(PBStyleCharacterAttributeName, NSString::of(_tables.characterStyles[style]));
     if (const std::int32_t link = character[C::link])
         set(NSLinkAttributeName, NSString::of(_tables.links[link]));
     if (const std::int32_t picture = character[C::picture])
@@ -123,7 +122,7 @@ Retained<NSDictionary> FormatAttributes::attributesOf(const CharacterFormat& cha
     if (_tables.tabInterval || !isUsual(paragraph))
         set(NSParagraphStyleAttributeName, styleOf(paragraph, _tables.tabInterval).get());
     if (const std::int32_t style = paragraph[A::style])
-        set(PBStyleParagraphAttributeName, NSString::of(_tables.styles[style]));
+        set(PBStyleParagraphAttributeName, NSString::of(_tables.paragraphStyles[style]));
     return attributes;
 }
 
@@ -178,7 +177,7 @@ CharacterFormat AttributeFormats::characterOf(NSDictionary* attributes) {
             if (!isLanguageName(language)) return leaveOut(name);
             format[C::language] = _tables.languages.numberOf(language);
         } else if (is(PBStyleCharacterAttributeName) && cast<NSString>(value)) {
-            format[C::style] = _tables.styles.numberOf(cast<NSString>(value)->toUTF16());
+            format[C::style] = _tables.characterStyles.numberOf(cast<NSString>(value)->toUTF16());
         } else if (is(NSLinkAttributeName)) {
             format[C::link] = _tables.links.numberOf(value->description()->toUTF16());
         } else if (is(NSAttachmentAttributeName)) {
@@ -226,7 +225,7 @@ ParagraphFormat AttributeFormats::paragraphOf(NSDictionary* attributes) {
     takeTabInterval(style ? twips(style->defaultTabInterval()) : 0);
     if (auto* name = cast<NSString>(attributes->objectForKey(PBStyleParagraphAttributeName));
         name && name->length())
-        format[A::style] = _tables.styles.numberOf(name->toUTF16());
+        format[A::style] = _tables.paragraphStyles.numberOf(name->toUTF16());
     return format;
 }
 

@@ -239,7 +239,8 @@ void P::setColourOf(int property) {
 
 void P::commitStyle() {
     const std::u16string name = trimmed(takeCaptured());
-    _styles[{_isCharacterStyle, _styleNumber}] = name.empty() ? 0 : _result.tables.styles.numberOf(name);
+    auto& styles = _isCharacterStyle ? _result.tables.characterStyles : _result.tables.paragraphStyles;
+    _styles[{_isCharacterStyle, _styleNumber}] = name.empty() ? 0 : styles.numberOf(name);
     _styleNumber = 0;
     _isCharacterStyle = false;
 }
@@ -472,7 +473,8 @@ void P::setLanguage(int) {
 
 // Programs that do not know the name keep to the number before.
 void P::takeLanguageName(const std::u16string& name) {
-    if (isLanguageName(name)) character()[CharacterProperty::language] = _result.tables.languages.numberOf(name);
+    if (isLanguageName(name))
+        character()[CharacterProperty::language] = _result.tables.languages.numberOf(name);
 }
 
 void P::setOffset(int sign) {
@@ -485,6 +487,12 @@ void P::resetParagraph(int) {
     _state.paragraph = _usualParagraph;
     _state.isInTable = false;
     _tabType = 0;
+}
+
+void P::setHyphenation(int) {
+    if (!isText()) return;
+    _usualParagraph[ParagraphProperty::hyphenates] = isSet();
+    _state.paragraph[ParagraphProperty::hyphenates] = isSet();
 }
 
 void P::setParagraphFlag(int property) { paragraph()[static_cast<ParagraphProperty>(property)] = isSet(); }

@@ -34,7 +34,7 @@ enum class CharacterProperty {
     foreground,       ///< an index in the table of colours; 0 is none
     background,       ///< an index in the table of colours; 0 is none
     underlineColour,  ///< an index in the table of colours; 0 is none
-    style,            ///< an index in the table of styles; 0 is none
+    style,            ///< an index in the table of styles of characters; 0 is none
     hidden,           ///< 0 or 1
     link,             ///< an index in the table of links; 0 is none
     picture,          ///< an index in the table of pictures; 0 is none
@@ -56,7 +56,7 @@ enum class ParagraphProperty {
     keepWithNext,        ///< 0 or 1
     keepTogether,        ///< 0 or 1
     pageBreakBefore,     ///< 0 or 1
-    style,               ///< an index in the table of styles; 0 is none
+    style,               ///< an index in the table of styles of paragraphs; 0 is none
     count
 };
 
@@ -157,7 +157,7 @@ class EntryTable {
 struct RichTextTables {
     EntryTable<FontEntry> fonts;
     EntryTable<ColourEntry> colours;
-    EntryTable<std::u16string> styles, links, languages;
+    EntryTable<std::u16string> characterStyles, paragraphStyles, links, languages;
     std::vector<PictureEntry> pictures{1};  ///< entry 0 stands for none
     /// The distance of the tab stops behind the last one that is set; 0 is the usual one.
     std::int32_t tabInterval = 0;

@@ -14,6 +14,7 @@
 #include "Foundation/NSString.h"
 #include "Foundation/UserLanguages.h"
 #include "Runtime/AutoreleasePool.h"
+#include "Text/NSParagraphStyle.h"
 #include "Text/NSTextTab.h"
 #include "Text/TextAttributes.h"
 #include "Writer/PlugInProtocol.h"
@@ -37,7 +38,7 @@ struct NumberWord {
 
 constexpr NumberWord<C> kCharacterNumbers[] = {
     {C::size, "fs"},       {C::kern, "expndtw"},        {C::width, "charscalex"},
-    {C::foreground, "cf"}, {C::underlineColour, "ulc"}, {C::style, "cs"},
+    {C::foreground, "cf"}, {C::underlineColour, "ulc"},
 };
 constexpr NumberWord<A> kParagraphNumbers[] = {
     {A::leadingIndent, "li"},
@@ -90,6 +91,11 @@ constexpr std::string_view kPictureWords[] = {"pngblip", "jpegblip", "emfblip", 
 constexpr std::string_view kPageWords[] = {"paperw", "paperh", "margl",   "margr",
                                            "margt",  "margb",  "headery", "footery"};
 constexpr std::string_view kFieldWords[] = {"title", "author", "subject", "keywords", "doccomm"};
+
+// One style sheet holds the styles of paragraphs and of characters, and no two of them have one number.
+constexpr std::int32_t sheetNumber(std::int32_t style, bool isOfCharacters) {
+    return 2 * style - !isOfCharacters;
+}
 
 // Bytes with control words. A space follows a word where the next byte could be taken for a part of it.
 class MarkupBytes {
@@ -149,8 +155,13 @@ struct TitleField {
 // Writes one text: the body, or, with a title, a header or a footer.
 class TextMarkup {
   public:
-    TextMarkup(AttributeFormats& formats, const TitleField* title, MarkupBytes& out)
-        : _formats(formats), _title(title), _out(out) {
+    TextMarkup(AttributeFormats& formats, const ParagraphFormat& usualParagraph, const TitleField* title,
+               MarkupBytes& out)
+        : _formats(formats),
+          _title(title),
+          _out(out),
+          _usualParagraph(usualParagraph),
+          _paragraph(usualParagraph) {
         _usual[C::font] = 1;
         _character = _usual;
     }
@@ -282,12 +293,16 @@ class TextMarkup {
         endLink();
         _paragraph = format;
         _out.word("pard");
-        if (format[A::style]) _out.word("s", format[A::style]);
-        const ParagraphFormat usual;
+        if (format[A::style]) _out.word("s", sheetNumber(format[A::style], false));
         for (const auto& [property, word] : kParagraphNumbers)
-            if (format[property] != usual[property]) _out.word(word, format[property]);
+            if (format[property] != _usualParagraph[property]) _out.word(word, format[property]);
         for (const auto& [property, value, word] : kParagraphValues)
             if (format[property] == value) _out.word(word);
+        if (format[A::direction] == NSWritingDirectionRightToLeft) {
+            // The indents above are those on the left and on the right for some programs.
+            _out.word("lin", format[A::leadingIndent]);
+            _out.word("rin", format[A::trailingIndent]);
+        }
         for (const TabFormat& tab : format.tabs) {
             if (tab.type) _out.word(kTabWords[tab.type]);
             _out.word("tx", tab.location);
@@ -309,6 +324,7 @@ class TextMarkup {
             if (format[property] == value) _out.word(word);
         for (const auto& [property, word] : kCharacterNumbers)
             if (format[property] != usual[property]) _out.word(word, format[property]);
+        if (format[C::style]) _out.word("cs", sheetNumber(format[C::style], true));
         setLanguage(format[C::language]);
         if (const std::int32_t offset = format[C::baselineOffset])
             _out.word(offset > 0 ? "up" : "dn", std::abs(offset));
@@ -354,12 +370,11 @@ class TextMarkup {
     MarkupBytes& _out;
     std::unordered_map<NSDictionary*, Formats> _known;
     CharacterFormat _usual, _character, _outside;  // the last is that around a link
-    ParagraphFormat _paragraph;
+    ParagraphFormat _usualParagraph, _paragraph;
     bool _isParagraphStart = true, _isAfterReturn = false;
 };
 
 void addFonts(const RichTextTables& tables, MarkupBytes& out) {
-    if (tables.fonts.size() == 1) return;
     out.mark("{");
     out.word("fonttbl");
     for (std::int32_t number = 1; number < tables.fonts.size(); ++number) {
@@ -368,13 +383,13 @@ void addFonts(const RichTextTables& tables, MarkupBytes& out) {
         out.word("f", number - 1);
         out.word(kFontKinds[entry.kind]);
         out.word("fcharset", 0);
+        out.escaped(entry.name);
         if (!entry.alternative.empty()) {
             out.mark("{\\*");
             out.word("falt");
             out.escaped(entry.alternative);
             out.mark("}");
         }
-        out.escaped(entry.name);
         out.text(';');
         out.mark("}");
     }
@@ -396,19 +411,21 @@ void addColours(const RichTextTables& tables, MarkupBytes& out) {
     out.mark("}\n");
 }
 
-// A name may be that of a style of characters and of one of paragraphs.
 void addStyles(const RichTextTables& tables, MarkupBytes& out) {
-    if (tables.styles.size() == 1) return;
-    out.mark("{");
-    out.word("stylesheet");
-    for (std::int32_t number = 1; number < tables.styles.size(); ++number)
-        for (std::string_view kind : {"s", "cs"}) {
-            out.mark(kind == "s" ? "{" : "{\\*");
-            out.word(kind, number);
-            out.escaped(tables.styles[number]);
+    const auto addNames = [&](const EntryTable<std::u16string>& names, bool isOfCharacters) {
+        for (std::int32_t style = 1; style < names.size(); ++style) {
+            out.mark(isOfCharacters ? "{\\*" : "{");
+            out.word(isOfCharacters ? "cs" : "s", sheetNumber(style, isOfCharacters));
+            out.escaped(names[style]);
             out.text(';');
             out.mark("}");
         }
+    };
+    if (tables.paragraphStyles.size() + tables.characterStyles.size() == 2) return;
+    out.mark("{");
+    out.word("stylesheet");
+    addNames(tables.paragraphStyles, false);
+    addNames(tables.characterStyles, true);
     out.mark("}\n");
 }
 
@@ -427,9 +444,21 @@ void addFields(NSDictionary* settings, MarkupBytes& out) {
 }
 
 void addPageNumbers(NSDictionary* settings, MarkupBytes& out) {
+    const auto number = [settings](NSString* key) { return cast<NSNumber>(settings->objectForKey(key)); };
+    auto *width = number(WRPageWidthKey), *height = number(WRPageHeightKey);
+    if (width && height && width->doubleValue() > height->doubleValue()) out.word("landscape");
     for (std::size_t i = 0; i < std::size(kPageWords); ++i)
-        if (auto* number = cast<NSNumber>(settings->objectForKey(kPageNumberKeys[i])))
-            out.word(kPageWords[i], std::lround(std::clamp(number->doubleValue() * 20, 0.0, 1e6)));
+        if (auto* length = number(kPageNumberKeys[i]))
+            out.word(kPageWords[i], std::lround(std::clamp(length->doubleValue() * 20, 0.0, 1e6)));
+}
+
+bool isHyphenated(NSAttributedString* text) {
+    if (!text) return false;
+    for (AttributeRun run : text->runs())
+        if (auto* style = cast<NSParagraphStyle>(run.attributes->objectForKey(NSParagraphStyleAttributeName));
+            style && style->hyphenationFactor() > 0)
+            return true;
+    return false;
 }
 
 // What other programs take text for that names no language: the user's own.
@@ -444,21 +473,26 @@ RichTextMarkup markupOfRichText(NSAttributedString* text, NSDictionary* settings
     AutoreleasePool pool;
     AttributeFormats formats;
     MarkupBytes body, parts, out;
+    const auto line = [settings](NSString* key) {
+        return settings ? cast<NSAttributedString>(settings->objectForKey(key)) : nullptr;
+    };
+    const std::pair<NSAttributedString*, std::string_view> lines[] = {{line(WRHeaderKey), "header"},
+                                                                      {line(WRFooterKey), "footer"}};
+    ParagraphFormat usual;
+    usual[A::hyphenates] = isHyphenated(text) || isHyphenated(lines[0].first) || isHyphenated(lines[1].first);
+    if (text->length() == 0) formats.characterOf(NSDictionary::dictionary());  // every file has a font
     body.reserve(text->length() + text->length() / 4);
-    TextMarkup(formats, nullptr, body).add(text);
+    TextMarkup(formats, usual, nullptr, body).add(text);
     TitleField title{"TITLE", u""};
     if (auto* own = settings ? cast<NSString>(settings->objectForKey(WRTitleKey)) : nullptr)
         title.result = own->toUTF16();
     else
         title = {"FILENAME", fileName ? fileName->toUTF16() : u""};
-    constexpr std::pair<NSString*, std::string_view> kParts[] = {{WRHeaderKey, "header"},
-                                                                 {WRFooterKey, "footer"}};
-    for (const auto& [key, word] : kParts) {
-        auto* part = settings ? cast<NSAttributedString>(settings->objectForKey(key)) : nullptr;
+    for (const auto& [part, word] : lines) {
         if (!part || part->length() == 0) continue;
         parts.mark("{");
         parts.word(word);
-        TextMarkup(formats, &title, parts).add(part);
+        TextMarkup(formats, usual, &title, parts).add(part);
         parts.mark("}\n");
     }
     out.mark("{\\rtf1\\ansi\\ansicpg1252\\uc1\\deff0");
@@ -468,8 +502,10 @@ RichTextMarkup markupOfRichText(NSAttributedString* text, NSDictionary* settings
     addColours(formats.tables(), out);
     addStyles(formats.tables(), out);
     if (settings) addFields(settings, out);
-    if (settings) addPageNumbers(settings, out);
+    out.word("widowctrl");
     if (const std::int32_t interval = formats.tables().tabInterval) out.word("deftab", interval);
+    if (usual[A::hyphenates]) out.word("hyphauto");
+    if (settings) addPageNumbers(settings, out);
     out.mark("\n");
     out.add(parts);
     out.add(body);

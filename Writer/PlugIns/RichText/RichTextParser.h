@@ -160,6 +160,7 @@ class RichTextParser {
     void setColourOf(int property);
     void setOffset(int sign);
     void setKernQuarters(int);
+    void setHyphenation(int);
     void setParagraphFlag(int property);
     void setParagraphNumber(int property);
     void setParagraphValue(int packed);

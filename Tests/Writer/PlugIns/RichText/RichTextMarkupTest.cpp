@@ -207,6 +207,44 @@ TEST(RichTextMarkup, TellsLanguagesToOtherPrograms) {
                 AllOf(HasSubstr("\\deflang1036\n"), HasSubstr("\\pard\\plain a}")));
 }
 
+// Other programs are stricter than the reader here, which takes words in any order and numbers of any kind.
+TEST(RichTextMarkup, KeepsToThePublishedFormat) {
+    const auto textWith = [](NSUInteger end, std::initializer_list<NSDictionaryEntry> attributes) {
+        auto text = plainText(u"a\nb"_ns);
+        text->addAttributes_range(NSDictionary::of(attributes), {0, end});
+        return text;
+    };
+    const auto hyphenated = styleOf([](auto* style) { style->setHyphenationFactor(1); });
+    const auto rightToLeft = styleOf([](auto* style) {
+        style->setBaseWritingDirection(NSWritingDirectionRightToLeft);
+        style->setHeadIndent(36);
+        style->setTailIndent(-10);
+    });
+    const struct {
+        const char* situation;
+        Retained<NSMutableAttributedString> text;
+        const char* bytes;
+    } rows[] = {
+        {"NameOfAFontFirst",
+         textWith(2, {{NSFontAttributeName, NSFont::fontWithName_size(u"Noto Sans Hebrew"_ns, 12)},
+                      {PBFontSubstitutedAttributeName, u"Lost"_ns}}),
+         "{\\f0\\fnil\\fcharset0 Lost{\\*\\falt Noto Sans Hebrew};}"},
+        {"FontOfNoText", NSMutableAttributedString::init(), "{\\fonttbl{\\f0\\"},
+        {"NumbersOfStyles",
+         textWith(2, {{PBStyleParagraphAttributeName, u"A"_ns}, {PBStyleCharacterAttributeName, u"A"_ns}}),
+         "{\\stylesheet{\\s1 A;}{\\*\\cs2 A;}}"},
+        {"Hyphenation", textWith(2, {{NSParagraphStyleAttributeName, hyphenated.get()}}),
+         "\\widowctrl\\hyphauto\n\\pard\\plain a\\par\n\\pard\\hyphpar0 b}"},
+        {"Indents", textWith(2, {{NSParagraphStyleAttributeName, rightToLeft.get()}}),
+         "\\pard\\li720\\fi-720\\ri200\\rtlpar\\lin720\\rin200 a\\par"},
+    };
+    for (const auto& [situation, text, bytes] : rows)
+        EXPECT_THAT(markupOfRichText(text, nullptr).bytes, HasSubstr(bytes)) << situation;
+    auto* wide = NSDictionary::of({{WRPageWidthKey, number(842)}, {WRPageHeightKey, number(595)}});
+    EXPECT_THAT(markupOfRichText(plainText(u"a"_ns).get(), wide).bytes,
+                HasSubstr("\\landscape\\paperw16840\\paperh11900\n"));
+}
+
 // A document as a well-known word processor writes it.
 struct Letter : ::testing::Test {
     Letter() {

@@ -81,12 +81,15 @@ TEST(RichTextReading, TakesFormatsOfCharacters) {
         {"Colours", "{\\colortbl;\\red255;\\red255;\\blue9;}\\cf1 a\\cf2 b\\cf3\\highlight1 c\\cf9\\cb0 d",
          "[foreground]ab[foreground=2 background]c[]d"},
         {"FirstColourIsReal", "{\\colortbl\\red1;\\red2;}\\cf0 a\\cf1 b", "[foreground]a[foreground=2]b"},
-        {"Languages", "\\lang1031 a\\lang1024 b\\lang9 c\\lang999 d", "[language=de-DE]a[]b[language=de]c[]d"},
+        {"Languages", "\\lang1031 a\\lang1024 b\\lang9 c\\lang999 d",
+         "[language=de-DE]a[]b[language=en]c[]d"},
         {"LanguageByName", "\\lang1036{\\*\\pelvorlang fr}a{\\*\\pelvorlang a b}b{\\*\\pelvorlang}\\plain c",
          "[language=fr]ab[]c"},
-        {"UsualLanguage", "\\deflang1031 a\\lang1036\\langfe1041\\langnp1031 b\\plain c", "a[language=fr-FR]b[]c"},
+        {"UsualLanguage", "\\deflang1031 a\\lang1036\\langfe1041\\langnp1031 b\\plain c",
+         "a[language=fr-FR]b[]c"},
         {"Fonts", "\\deff1{\\fonttbl\\f0 A;\\f1\\fmodern B;}a\\f0 b\\plain c", "[font=2]a[font]b[font=2]c"},
-        {"StylesByName", "{\\stylesheet{\\s1 Head;}{\\*\\cs2 Em;}}\\cs2 a\\par", "[style=2]a\n"},
+        {"StylesByName", "{\\stylesheet{\\s1 Head;}{\\*\\cs2 Quiet;}{\\*\\cs3 Em;}}\\s1\\cs3 a\\par",
+         "[style=2]a\n{style}"},
         {"Hidden", "a{\\v b}c", "ac"},
     });
 }
@@ -100,6 +103,7 @@ TEST(RichTextReading, TakesFormatsOfParagraphs) {
         {"Heights", "\\sl360\\slmult1\\par\\sl240\\par\\slmult0\\sl-200\\par",
          "\n{lineHeight=360 isLineHeightFactor}\n\n{lineHeight=-200}"},
         {"Pages", "\\keepn\\keep\\pagebb\\hyphpar0 a\\par", "a\n{keepWithNext keepTogether pageBreakBefore}"},
+        {"Hyphenation", "\\hyphauto a\\par\\hyphpar0 b\\par\\pard c", "a\n{hyphenates}b\nc{hyphenates}"},
         {"Tabs", "\\tqr\\tx900\\tx300\\tqdec\\tx600 a\\par\\pard b", "a\n{tabs 300 600D 900R}b"},
         {"RightToLeft", "\\rtlpar a\\par", "a\n{direction}"},
     });
