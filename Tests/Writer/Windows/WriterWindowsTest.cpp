@@ -39,6 +39,9 @@ class WriterWindowsTest : public ::testing::Test {
         return false;
     }
 
+    static bool isShown(const std::string& name) {
+        return outputOf("xdotool search --onlyvisible --name '" + name + "'").status == 0;
+    }
     // Brings the window to the front whose name has the words, and copies all that is in it.
     std::string copyAllOf(const std::string& name) {
         outputOf("xdotool search --onlyvisible --name " + name + " windowactivate --sync 2>/dev/null");
@@ -84,7 +87,7 @@ TEST_F(WriterWindowsTest, TakesALetterInTwoLanguages) {
 
 TEST_F(WriterWindowsTest, BeginsTheFileThatItIsCalledWith) {
     ProgramScope writer({WRITER_PROGRAM, folder.path("New.txt")});
-    ASSERT_TRUE(until([] { return placeOfWindow("^New.txt").first != 0; }));
+    ASSERT_TRUE(until([] { return isShown("^New.txt"); }));
     EXPECT_TRUE(until([&] {
         outputOf("xdotool key a ctrl+s");
         return std::filesystem::exists(folder.path("New.txt"));
@@ -97,9 +100,6 @@ INSTANTIATE_TEST_SUITE_P(ItselfOrItsDisplay, WriterLossTest, ::testing::Bool());
 TEST_P(WriterLossTest, BringsBackWhatWasTypedBeforeItWasKilled) {
     const std::string path = folder.write("Letter.txt", "Anna");
     const std::filesystem::path journals = folder.path("state/pelvor-writer/recovery");
-    const auto isShown = [] {
-        return outputOf("xdotool search --onlyvisible --name Letter.txt").status == 0;
-    };
     const auto hasJournal = [&] {
         std::error_code error;
         for (const auto& entry : std::filesystem::directory_iterator(journals, error))
@@ -109,7 +109,7 @@ TEST_P(WriterLossTest, BringsBackWhatWasTypedBeforeItWasKilled) {
     {
         ProgramScope writer(
             {"sh", "-c", "exec \"$0\" \"$1\" 2> \"$2\"", WRITER_PROGRAM, path, folder.path("errors")});
-        ASSERT_TRUE(until(isShown));
+        ASSERT_TRUE(until([] { return isShown("Letter.txt"); }));
         ASSERT_TRUE(until([&] {
             server->press(kA);
             return hasJournal();
@@ -124,8 +124,7 @@ TEST_P(WriterLossTest, BringsBackWhatWasTypedBeforeItWasKilled) {
         }
     }
     ProgramScope writer({WRITER_PROGRAM});
-    ASSERT_TRUE(
-        until([] { return outputOf("xdotool search --onlyvisible --name '^.Letter.txt'").status == 0; }));
+    ASSERT_TRUE(until([] { return isShown("^.Letter.txt"); }));
     EXPECT_TRUE(until([&] {
         const std::string text = copyAllOf("Letter.txt");
         return text.starts_with("a") && text.ends_with("aAnna");
