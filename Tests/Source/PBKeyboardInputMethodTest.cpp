@@ -3,11 +3,8 @@
 
 #include "EnvironmentScope.h"
 #include "Foundation/NSNumber.h"
-#include "Foundation/NSRunLoop.h"
-#include "Foundation/NSTimer.h"
-#include "Interface/NSButton.h"
 #include "Interface/NSImage.h"
-#include "InterfaceScope.h"
+#include "ModalUser.h"
 #include "NSInputManager-PelvorAdditions.h"
 
 namespace {
@@ -36,8 +33,7 @@ class PBKeyboardInputMethodTest : public testing::Test {
              {u"keyboardLayoutDisplayName"_ns, u"Stored"_ns}});
     }
     static std::string shownMethod(PBKeyboardInputMethod* method) {
-        NSString* name = method->displayName();
-        return method->description()->toUTF8() + " " + (name ? name->toUTF8() : "(null)") +
+        return shown(method->description(), method->displayName()) +
                (method->keyboardLayoutRef() ? "" : " -");
     }
     static std::string idOf(NSString* name) { return std::to_string(keyboardLayoutIdentifier(name)); }
@@ -53,8 +49,7 @@ TEST_F(PBKeyboardInputMethodTest, ListsWhatTheUserHasAndSwitches) {
                                              idOf(u"de(nodeadkeys)"_ns) + "] German (no dead keys)");
     EXPECT_EQ(Keyboards::availableKeyboardLayouts(), list);
     PBKeyboardInputMethod* first = Keyboards::currentKeyboardLayout();
-    EXPECT_TRUE(first->isEqual(available(0)));
-    EXPECT_EQ(Keyboards::currentKeyboardLayout(), first);
+    EXPECT_TRUE(first->isEqual(available(0)) && first == Keyboards::currentKeyboardLayout());
     EXPECT_TRUE(Keyboards::setCurrentKeyboardLayout(available(2)));
     EXPECT_EQ(Keyboards::currentKeySciptCode(), smCyrillic);
     EXPECT_TRUE(Keyboards::currentKeyboardLayout()->isEqual(available(2)));
@@ -116,8 +111,9 @@ TEST_F(PBKeyboardInputMethodTest, TellsOnceThatALayoutCannotBeHad) {
     NSRunLoop::mainRunLoop()->performReadyWorkForMode(NSEventTrackingRunLoopMode);
     EXPECT_TRUE(log.lines.empty());
     screen.turn();
-    EXPECT_EQ(joined(log.lines).find("Unable to switch to the “Stored” keyboard layout.: To switch"), 0u);
-    EXPECT_EQ(std::exchange(log.lines, {}).size(), 1u);
+    EXPECT_THAT(log.lines,
+                ElementsAre(StartsWith("Unable to switch to the “Stored” keyboard layout.: To switch")));
+    log.lines.clear();
     EXPECT_FALSE(Keyboards::setCurrentKeyboardLayout(gone));
     EXPECT_EQ(alerts(), 0u);
     EXPECT_FALSE(Keyboards::setCurrentKeyboardLayout(greek));
@@ -130,33 +126,18 @@ TEST_F(PBKeyboardInputMethodTest, TellsOnceThatALayoutCannotBeHad) {
     EXPECT_EQ(alerts(), 1u) << "armed again by the success";
 }
 
-NSButton* buttonTitled(NSView* view, NSString* title) {
-    for (id each : view->subviews()) {
-        auto* button = cast<NSButton>(each);
-        if (button && button->title()->isEqualToString(title)) return button;
-        if (NSButton* found = buttonTitled(static_cast<NSView*>(each), title)) return found;
-    }
-    return nullptr;
-}
-
 TEST_F(PBKeyboardInputMethodTest, OffersTheSettings) {
     const EnvironmentScope path("PATH", "/no/programs");
     std::vector<std::string> pressed;
-    const auto user = Listener::doing([&](id) {
-        NSWindow* alert = screen.app->modalWindow();
-        for (NSString* title : {u"Show Keyboard Settings"_ns, u"OK"_ns})
-            if (NSButton* button = alert ? buttonTitled(alert->contentView()->superview(), title) : nullptr) {
-                pressed.push_back(title->toUTF8());
-                if (title == u"OK"_ns) screen.app->stop(nullptr);
-                return button->performClick(nullptr);
-            }
-    });
-    auto* timer = NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(0.25, user, "hear:"_sel,
-                                                                                  nullptr, true);
-    NSRunLoop::mainRunLoop()->addTimer_forMode(timer, NSModalPanelRunLoopMode);
-    Keyboards::setCurrentKeyboardLayout(PBKeyboardInputMethod::inputMethodForDictionary(stored(u"gr"_ns, 6)));
-    screen.app->run();
-    timer->invalidate();
+    runWithUser(
+        screen, [&] { Keyboards::showAlertForFailedKeyboardLayout(available(2)); },
+        [&] {
+            for (NSString* title : {u"Show Keyboard Settings"_ns, u"OK"_ns})
+                if (auto* button = buttonIn(screen.app->modalWindow()->contentView(), title)) {
+                    pressed.push_back(title->toUTF8());
+                    return button->performClick(nullptr);
+                }
+        });
     EXPECT_EQ(joined(pressed), "Show Keyboard Settings, OK");  // and is told that there are none
 }
 
