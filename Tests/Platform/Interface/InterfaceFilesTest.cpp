@@ -8,133 +8,40 @@
 #include "Interface/NSTextView.h"
 #include "InterfaceScope.h"
 #include "TableRows.h"
-#include "TemporaryFolder.h"
-#include "Text/NSColor.h"
 
 namespace {
 
-constexpr const char* kFile = R"({
-    Objects = (
-        { Identifier = page; Class = NSView; Create = "initWithFrame:"; Arguments = ((0, 0, 400, 300));
-          Values = { subviews = ({ Object = scroller; }); }; },
-        { Identifier = scroller; Class = NSScrollView; Create = "initWithFrame:"; Arguments = ((0, 0, 400, 300));
-          Values = { autoresizingMask = 18; hasVerticalScroller = YES; documentView = { Object = letter; }; }; },
-        { Identifier = letter; Class = NSTextView; Create = "initWithFrame:"; Arguments = ((0, 0, 388, 300));
-          Values = { autoresizingMask = 2; string = "Dear Anna"; }; },
-    );
-    Connections = ({ Source = letter; Outlet = delegate; Target = owner; });
-    TopLevel = (page);
-})";
-
-// As docs/interface-files.md shows it.
-constexpr const char* kGuests = R"(
-{
-    Objects = (
-        {
-            Identifier = window;
-            Class = NSWindow;
-            Create = "initWithContentRect:styleMask:backing:defer:";
-            Arguments = ((100, 100, 400, 300), 15, 2, YES);
-            Values = { contentView = { Object = page; }; title = { Text = "_Guests"; }; };
-        },
-        {
-            Identifier = page;
-            Class = NSView;
-            Create = "initWithFrame:";
-            Arguments = ((0, 0, 400, 300));
-            Values = { subviews = ({ Object = scroller; }, { Object = order; }); };
-        },
-        {
-            Identifier = order;
-            Class = NSPopUpButton;
-            Create = "initWithFrame:pullsDown:";
-            Arguments = ((10, 264, 160, 26), NO);
-            Values = { autoresizingMask = 8; itemTitles = ({ Text = "_By Name"; }, { Text = "_By Town"; }); };
-        },
-        {
-            Identifier = scroller;
-            Class = NSScrollView;
-            Create = "initWithFrame:";
-            Arguments = ((0, 0, 400, 254));
-            Values = { autoresizingMask = 18; documentView = { Object = guests; }; hasVerticalScroller = YES; };
-        },
-        {
-            Identifier = guests;
-            Class = NSTableView;
-            Create = "initWithFrame:";
-            Arguments = ((0, 0, 400, 254));
-            Values = { menu = { Object = menu; }; tableColumns = ({ Object = name; }, { Object = town; }); };
-        },
-        {
-            Identifier = name;
-            Class = NSTableColumn;
-            Create = "initWithIdentifier:";
-            Arguments = (name);
-            Values = { headerCell = { Object = nameTitle; }; width = 160; };
-        },
-        {
-            Identifier = nameTitle;
-            Class = NSTableHeaderCell;
-            Create = "initTextCell:";
-            Arguments = ({ Text = "_Name"; });
-        },
-        { Identifier = town; Class = NSTableColumn; Create = "initWithIdentifier:"; Arguments = (town); },
-        {
-            Identifier = menu;
-            Class = NSMenu;
-            Create = "initWithTitle:";
-            Arguments = ("");
-            Values = { itemArray = ({ Object = remove; }); };
-        },
-        {
-            Identifier = remove;
-            Class = NSMenuItem;
-            Create = "initWithTitle:action:keyEquivalent:";
-            Arguments = ({ Text = "_Remove"; }, "delete:", "");
-        },
-    );
-    Connections = (
-        { Source = guests; Outlet = dataSource; Target = owner; },
-        { Source = order; Action = "act:"; Target = owner; },
-    );
-    TopLevel = (window);
-}
-)";
-
-// The top-level objects of the file; null, and a failure, if it describes none.
-NSArray* objectsOf(const char* file, id owner) {
-    TemporaryFolder folder;
+// The first object that the file describes; null, and a failure, if there is none of that class.
+template <class T>
+T* objectOf(NSString* file, id owner) {
+    NSString* folder = u"" PELVOR_TEST_SOURCES "/"_ns;
     NSNibError* error = nullptr;
     NSArray* top = nullptr;
-    auto nib = NSNib::initWithContentsOfFile_bundle_error(NSString::ofUTF8(folder.write("Some.nib", file)),
-                                                          nullptr, &error);
-    if (!nib || !nib->instantiateNibWithOwner_topLevelObjects_error(owner, &top, &error)) {
-        ADD_FAILURE() << error->description()->toUTF8();
-        return nullptr;
-    }
-    return top;
+    auto nib =
+        NSNib::initWithContentsOfFile_bundle_error(folder->stringByAppendingString(file), nullptr, &error);
+    if (nib) nib->instantiateNibWithOwner_topLevelObjects_error(owner, &top, &error);
+    T* object = top ? cast<T>(top->objectAtIndex(0)) : nullptr;
+    EXPECT_TRUE(object) << error;
+    return object;
 }
 
 TEST(InterfaceFiles, DescribeViews) {
     InterfaceScope screen;
     auto owner = NSView::initWithFrame({});
-    NSArray* top = objectsOf(kFile, owner);
-    ASSERT_TRUE(top);
-    auto* page = static_cast<NSView*>(top->objectAtIndex(0));
+    auto* page = objectOf<NSView>(u"Letter.nib"_ns, owner);
+    ASSERT_TRUE(page);
     auto window = screen.window({{0, 0}, {500, 400}});
     window->setContentView(page);
     screen.turn();
-    auto* scrollView = cast<NSScrollView>(page->subviews()->objectAtIndex(0));
-    ASSERT_TRUE(scrollView);
+    auto* scrollView = static_cast<NSScrollView*>(page->subviews()->objectAtIndex(0));
     auto* letter = cast<NSTextView>(scrollView->documentView());
     ASSERT_TRUE(letter);
-    EXPECT_EQ(letter->string()->toUTF8(), "Dear Anna");
     EXPECT_EQ(letter->delegate(), owner.get());
     EXPECT_EQ(scrollView->frame().size, (NSSize{500, 400}));
     EXPECT_EQ(letter->frame().size, (NSSize{488, 400}));
     screen.click(letter, {200, 5});
     screen.type(u",");
-    EXPECT_EQ(letter->string()->toUTF8(), "Dear Anna,");
+    EXPECT_EQ(letter->string()->toUTF8(), "_Dear Anna,");
     page->setSubviews(nullptr);
     EXPECT_EQ(page->subviews()->count(), 0u);
 }
@@ -142,23 +49,19 @@ TEST(InterfaceFiles, DescribeViews) {
 TEST(InterfaceFiles, DescribeWindowsMenusAndTables) {
     InterfaceScope screen;
     auto owner = TableRows::of({"Anna", "Bruno"});
-    NSArray* top = objectsOf(kGuests, owner);
-    ASSERT_TRUE(top);
-    auto* window = static_cast<NSWindow*>(top->objectAtIndex(0));
+    auto* window = objectOf<NSWindow>(u"Guests.nib"_ns, owner);
+    ASSERT_TRUE(window);
     window->makeKeyAndOrderFront(nullptr);
     screen.turn();
     EXPECT_EQ(screen.backend->title(screen.number(window)), "_Guests");
     NSArray* parts = window->contentView()->subviews();
-    auto* table = cast<NSTableView>(cast<NSScrollView>(parts->objectAtIndex(0))->documentView());
+    auto* table = cast<NSTableView>(static_cast<NSScrollView*>(parts->objectAtIndex(0))->documentView());
     ASSERT_TRUE(table);
     auto* name = static_cast<NSTableColumn*>(table->tableColumns()->objectAtIndex(0));
     EXPECT_EQ(shown(name->identifier(), name->headerCell()->stringValue(), name->width()), "name _Name 160");
     EXPECT_EQ(shown(table->numberOfColumns(), table->numberOfRows()), "2 2");
-    screen.click(table, {10, 25});
-    EXPECT_EQ(table->selectedRow(), 1);
     EXPECT_EQ(shown(table->menu()->itemAtIndex(0)->title()), "_Remove");
-    auto* order = cast<NSPopUpButton>(parts->objectAtIndex(1));
-    ASSERT_TRUE(order);
+    auto* order = static_cast<NSPopUpButton*>(parts->objectAtIndex(1));
     EXPECT_EQ(shown(order->titleOfSelectedItem(), order->numberOfItems()), "_By Name 2");
     order->sendAction_to(order->action(), order->target());
     EXPECT_EQ(owner->take(), "act ");
@@ -167,13 +70,16 @@ TEST(InterfaceFiles, DescribeWindowsMenusAndTables) {
     table->setTableColumns(NSArray::of({table->tableColumns()->objectAtIndex(1), name}));
     EXPECT_EQ(table->columnWithIdentifier(u"name"_ns), 1);
     auto other = NSTableView::initWithFrame({});
-    for (const auto& row : std::initializer_list<std::pair<NSArray*, const char*>>{
-             {NSArray::of({name, table}), "an object of the array is no column"},
-             {NSArray::of({name, name}), "a column stands in the array twice"}})
-        EXPECT_EQ(RAISED(table->setTableColumns(row.first)),
-                  std::string("NSInvalidArgumentException: setTableColumns: ") + row.second);
-    EXPECT_EQ(RAISED(other->setTableColumns(NSArray::of({name}))),
-              "NSInvalidArgumentException: setTableColumns: a column of the array is in another table");
+    struct {
+        NSTableView* table;
+        id second;
+        const char* problem;
+    } const rows[] = {{table, table, "an object of the array is no column"},
+                      {table, name, "a column stands in the array twice"},
+                      {other, name, "a column of the array is in another table"}};
+    for (const auto& row : rows)
+        EXPECT_EQ(RAISED(row.table->setTableColumns(NSArray::of({name, row.second}))),
+                  std::string("NSInvalidArgumentException: setTableColumns: ") + row.problem);
     EXPECT_EQ(table->numberOfColumns(), 2);
     table->setTableColumns(nullptr);
     other->setTableColumns(NSArray::of({name}));
