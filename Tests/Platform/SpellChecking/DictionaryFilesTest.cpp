@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 
 #include "DictionaryScope.h"
-#include "Foundation/NSLog.h"
 #include "Prelude.h"
 
 namespace {
@@ -13,8 +12,7 @@ namespace fs = std::filesystem;
 std::string languages(DictionaryScope& scope) { return listed(scope.checker()->availableLanguages()); }
 
 TEST(DictionaryFiles, AreOfferedUnderAllNamesAndReadOnce) {
-    DictionaryScope scope;
-    scope.add("en_GB", "colour\n");
+    DictionaryScope scope("en_GB", "colour\n");
     fs::create_symlink("en_GB.dic", scope.folder.path("usr/hunspell/en_AU.dic"));
     fs::create_symlink("en_GB.aff", scope.folder.path("usr/hunspell/en_AU.aff"));
     // The same files in the old folder, and a file of the user's that counts first.
@@ -42,43 +40,41 @@ TEST(DictionaryFiles, AreOfferedUnderAllNamesAndReadOnce) {
 }
 
 TEST(DictionaryFiles, ThatAreNoDictionariesAreLeftOutWithTheReason) {
-    DictionaryScope scope;
-    std::string log;
-    LogSinkScope sink([&](const LogEntry& entry) { log += std::string(entry.text) + "\n"; });
-    scope.add("en", "fine\n");
-    scope.add("no_count", "word\n");
-    scope.folder.write("usr/hunspell/no_count.dic", "word\nother\n");
-    scope.add("large_count", "");
-    scope.folder.write("usr/hunspell/large_count.dic", "260000000\nword\n");
-    scope.add("garbage", "");
-    scope.folder.write("usr/hunspell/garbage.dic", std::string("\0\xFF\xFE\n\n1", 6));
-    scope.add("odd_encoding", "word\n", "# affixes\nSET\tKLINGON-8\n");
-    scope.folder.write("usr/hunspell/alone.dic", "1\nword\n");
+    DictionaryScope scope("en", "fine\n");
+    const auto with = [](std::string_view content) {
+        return [=](const fs::path& path) { std::ofstream(path) << content; };
+    };
+    struct {
+        const char* file;
+        std::string reason;
+        std::function<void(const fs::path&)> make;
+    } const rows[] = {
+        {"no_count.dic", "its first line is not the count of its words", with("word\nother\n")},
+        {"large_count.dic", "its first line is not the count of its words", with("260000000\nword\n")},
+        {"garbage.dic", "its first line is not the count of its words", with({"\0\xFF\xFE\n\n1", 6})},
+        {"odd_encoding.aff", "its encoding, \"KLINGON-8\", is unknown", with("# affixes\nSET\tKLINGON-8\n")},
+        {"alone.aff", "the file does not exist", [](auto&) {}},
+        {"pipe.dic", "it is no regular file", [](auto& path) { mkfifo(path.c_str(), 0600); }},
+        {"folder.aff", "it is no regular file", [](auto& path) { fs::create_directory(path); }},
+        {"huge.aff", "it is larger than 256 MB",
+         [](auto& path) { std::ofstream(path).seekp(1 << 28) << "x"; }},
+        {"loop.dic", "", [](auto& path) { fs::create_symlink(path, path); }},
+    };
+    for (const auto& row : rows) {
+        const fs::path path = scope.folder.path(std::string("usr/hunspell/") + row.file);
+        scope.add(path.stem(), "word\n");
+        fs::remove(path);
+        row.make(path);
+    }
     scope.folder.write("usr/hunspell/hyph_en.dic", "UTF-8\n.a1b\n");  // patterns, which nobody complains of
-    scope.add("pipe", "");
-    fs::remove(scope.folder.path("usr/hunspell/pipe.dic"));
-    ASSERT_EQ(mkfifo(scope.folder.path("usr/hunspell/pipe.dic").c_str(), 0600), 0);
-    scope.add("folder", "word\n");
-    fs::remove(scope.folder.path("usr/hunspell/folder.aff"));
-    fs::create_directory(scope.folder.path("usr/hunspell/folder.aff"));
-    scope.add("huge", "word\n");
-    fs::resize_file(scope.folder.path("usr/hunspell/huge.aff"), (1ULL << 28) + 1);
-    fs::create_symlink("loop.dic", scope.folder.path("usr/hunspell/loop.dic"));
-
+    LogLines log;
     EXPECT_EQ(languages(scope), "en");
-    for (const char* line :
-         {"no_count.dic is left out: its first line is not the count of its words",
-          "large_count.dic is left out: its first line is not the count of its words",
-          "garbage.dic is left out: its first line is not the count of its words",
-          "odd_encoding.aff is left out: its encoding, \"KLINGON-8\", is unknown",
-          "alone.aff is left out: the file does not exist", "pipe.dic is left out: it is no regular file",
-          "folder.aff is left out: it is no regular file", "huge.aff is left out: it is larger than 256 MB",
-          "loop.dic is left out: "})
-        EXPECT_THAT(log, HasSubstr(line));
-    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 9) << log;
+    for (const auto& row : rows)
+        EXPECT_THAT(log.lines, Contains(HasSubstr(row.file + (" is left out: " + row.reason))));
+    EXPECT_EQ(log.lines.size(), std::size(rows)) << joined(log.lines);
     scope.add("de", "fein\n");
     languages(scope);
-    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 9) << "each complaint is made once";
+    EXPECT_EQ(log.lines.size(), std::size(rows)) << "each complaint is made once";
 }
 
 TEST(DictionaryFiles, AreFoundByOtherNamesOfTheLanguage) {

@@ -19,6 +19,10 @@ inline std::string listed(NSArray* strings) { return strings->componentsJoinedBy
 
 /// The environment of the shared spell checker.
 struct DictionaryScope {
+    DictionaryScope() = default;
+    /// With that dictionary.
+    DictionaryScope(const std::string& name, const std::string& words) { add(name, words); }
+
     TemporaryFolder folder;
     EnvironmentScope language{"LANGUAGE", "en_GB"}, locale{"LC_ALL", "en_GB.UTF-8"};
     EnvironmentScope data{"XDG_DATA_HOME", folder.path("home").c_str()};
@@ -30,9 +34,6 @@ struct DictionaryScope {
         const auto count = std::count(words.begin(), words.end(), '\n');
         folder.write("usr/hunspell/" + name + ".dic", std::to_string(count) + "\n" + words);
         folder.write("usr/hunspell/" + name + ".aff", affixes);
-    }
-    std::string learnedFile(const std::string& name) const {
-        return folder.path("home/pelvor/spelling/" + name + ".words");
     }
 
     /// The shared one, which has looked at the folders when it was first asked for.
