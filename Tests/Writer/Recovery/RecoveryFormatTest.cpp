@@ -16,14 +16,6 @@
 
 namespace {
 
-std::string bytesOf(const RecoveryOrigin& origin, NSAttributedString* text) {
-    std::string bytes(kRecoverySignature);
-    RecoveryAttributes attributes;
-    addOriginRecord(bytes, archivedOrigin(origin).get());
-    addEditRecord(bytes, attributes, text, {0, text->length()}, 0);
-    return bytes;
-}
-
 TEST(RecoveryFormat, BringsBackFormatsPicturesAndSettings) {
     for (Library* library : {&writerLibrary, &pagesLibrary}) registerLibrary(*library);
     auto style = NSMutableParagraphStyle::init();
@@ -48,22 +40,22 @@ TEST(RecoveryFormat, BringsBackFormatsPicturesAndSettings) {
     auto* answer =
         NSDictionary::of({{WREncodingKey, u"utf-8"_ns},
                           {WRDocumentSettingsKey, NSDictionary::of({{WRHeaderKey, expected.get()}})}});
-    std::vector<std::string> log;
-    LogSinkScope scope([&](const LogEntry& entry) { log.emplace_back(entry.text); });
-    std::string reason;
-    auto read = readRecovery(bytesOf(RecoveryOrigin::of(u"/a/b.rtf"_ns, u"rich"_ns, answer), text), reason);
+    std::string bytes(kRecoverySignature), reason;
+    RecoveryAttributes attributes;
+    LogLines log;
+    addOriginRecord(bytes, archivedOrigin(RecoveryOrigin::of(u"/a/b.rtf"_ns, u"rich"_ns, answer)).get());
+    addEditRecord(bytes, attributes, text, {0, text->length()}, 0);
+    auto read = readRecovery(bytes, reason);
     ASSERT_TRUE(read) << reason;
     auto* attachment = cast<NSTextAttachment>(
         read->text->attribute_atIndex_effectiveRange(NSAttachmentAttributeName, 0, nullptr));
-    ASSERT_TRUE(attachment);
-    EXPECT_TRUE(attachment->contents()->isEqual(picture->contents()));
+    ASSERT_TRUE(attachment && attachment->contents()->isEqual(picture->contents()));
     EXPECT_EQ(attachment->bounds(), picture->bounds());
     read->text->removeAttribute_range(NSAttachmentAttributeName, {0, 1});
     EXPECT_TRUE(read->text->isEqualToAttributedString(expected)) << read->text->description()->toUTF8();
     EXPECT_TRUE(read->origin.answer->isEqual(answer));
-    EXPECT_TRUE(read->origin.path->isEqualToString(u"/a/b.rtf"_ns));
-    EXPECT_TRUE(read->origin.reader->isEqualToString(u"rich"_ns));
-    EXPECT_THAT(log, ElementsAre(HasSubstr("\"stranger\"")));
+    EXPECT_EQ(shown(read->origin.path, read->origin.reader), "/a/b.rtf rich");
+    EXPECT_THAT(log.lines, ElementsAre(HasSubstr("\"stranger\"")));
 }
 
 // A process may be killed behind any byte.

@@ -48,20 +48,14 @@ struct RecoveryScope {
 
 /// Changes a text in a random way, always in the same one for the same generator.
 inline void changeRandomly(NSMutableAttributedString* text, std::mt19937& random) {
-    const NSUInteger length = text->length();
-    const NSUInteger start = random() % (length + 1);
-    const NSRange range{start, std::min<NSUInteger>(random() % 30, length - start)};
-    switch (random() % 4) {
-        case 0:
-            return text->addAttribute_value_range(
-                NSKernAttributeName, NSNumber::numberWithInt(static_cast<int>(random() % 5)), range);
-        case 1:
-            return text->deleteCharactersInRange(range);
-        default:
-            return text->replaceCharactersInRange_withString(
-                {start, 0},
-                NSString::of(std::u16string(random() % 100, static_cast<unichar>(u'a' + random() % 26))));
+    const NSUInteger start = random() % (text->length() + 1);
+    const NSRange range{start, std::min<NSUInteger>(random() % 30, text->length() - start)};
+    if (random() % 4 == 0) {
+        auto* number = NSNumber::numberWithInt(static_cast<int>(random() % 5));
+        return text->addAttribute_value_range(NSKernAttributeName, number, range);
     }
+    const std::u16string units(random() % 3 * 33, static_cast<unichar>(u'a' + random() % 26));
+    text->replaceCharactersInRange_withString(range, NSString::of(units));
 }
 
 }  // namespace pelvor

@@ -2,7 +2,6 @@
 #include "Writer/Recovery/WRRecoveryJournal.h"
 
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <csignal>
@@ -13,12 +12,6 @@
 #include "RecoveryScope.h"
 
 namespace {
-
-mode_t rightsOf(const std::string& path) {
-    struct stat state {};
-    stat(path.c_str(), &state);
-    return state.st_mode & 07777;
-}
 
 std::string pathOfFile(const RecoveryScope& scope) {
     return scope.store.folder() + '/' + scope.names().at(0);
@@ -44,8 +37,8 @@ TEST(WRRecoveryJournal, WritesBehindAChangeAndNothingBefore) {
     EXPECT_FALSE(NSRunLoop::currentRunLoop()->hasWorkForMode(NSDefaultRunLoopMode));
     scope.type(u"I write"_ns);
     waitForFile(scope, 1);
-    EXPECT_EQ(rightsOf(scope.store.folder()), 0700u);
-    EXPECT_EQ(rightsOf(pathOfFile(scope)), 0600u);
+    EXPECT_EQ(std::filesystem::status(scope.store.folder()).permissions(), std::filesystem::perms{0700});
+    EXPECT_EQ(std::filesystem::status(pathOfFile(scope)).permissions(), std::filesystem::perms{0600});
     EXPECT_THAT(scope.found(), IsEmpty());  // its owner lives
     scope.journal->leave();
     EXPECT_THAT(scope.found(), ElementsAre("Dear Anna,\nI write"));
@@ -157,13 +150,9 @@ TEST(WRRecoveryJournal, LosesOnlyWhatWasNotOnTheDiskWhenKilled) {
         }
         close(ends[1]);
         unsigned told = 0;
-        const unsigned wanted = 3 + seed * 7;
-        while (told < wanted && read(ends[0], &told, sizeof told) == sizeof told) {
-        }
-        kill(child, SIGKILL);
+        while (read(ends[0], &told, sizeof told) == sizeof told)
+            if (told >= 3 + seed * 7) kill(child, SIGKILL);
         waitpid(child, nullptr, 0);
-        while (read(ends[0], &told, sizeof told) == sizeof told) {
-        }
         close(ends[0]);
         auto documents = scope.store.abandonedDocuments();
         ASSERT_EQ(documents.size(), 1u);
