@@ -73,7 +73,9 @@ NSButton* NSAlert::addButtonWithTitle(NSString* title) {
 
 void NSAlert::buttonPressed(id button) {
     auto* pressed = cast<NSButton>(button);
-    NSApplication::sharedApplication()->stopModalWithCode(pressed ? pressed->tag() : NSAlertErrorReturn);
+    NSApplication* application = NSApplication::sharedApplication();
+    if (!_window || application->modalWindow() != _window) return;  // another window is asked
+    application->stopModalWithCode(pressed ? pressed->tag() : NSAlertErrorReturn);
 }
 
 NSInteger NSAlert::runModal() {

@@ -63,7 +63,9 @@ void NSInputManager::forget() { sharedManager() = nullptr; }
 void NSInputManager::interpretKeyEvent_forClient(NSEvent* event, NSResponder* client) {
     if (!event || !client || event->type() != NSKeyDown) return;
     const auto held = Retained<NSInputManager>::retaining(this);
-    NSWindow* window = event->window();
+    // A key goes to the key window even where it was pressed in another one, which may have closed since.
+    auto* view = cast<NSView>(client);
+    NSWindow* window = view ? view->window() : event->window();
     _state->client = WeakHandle(client);
     const BackendWindow number = window ? window->state().backendWindow : 0;
     if (number) {

@@ -50,8 +50,8 @@ PELVOR_DEFINE_CLASS(AlertView, interfaceLibrary) {}
 
 Retained<NSWindow> AlertView::windowFor(NSAlert* alert) {
     auto view = cast<AlertView>(NSView::initWithFrame(NSZeroRect, classObject()));
-    view->_alert = alert;
-    view->layOut();
+    view->_alert = WeakHandle(alert);
+    view->layOut(alert);
     auto window = NSPanel::initWithContentRect_styleMask_backing_defer(
         {{}, view->frame().size}, NSTitledWindowMask, NSBackingStoreBuffered, true);
     window->setLevel(NSModalPanelWindowLevel);
@@ -62,9 +62,14 @@ Retained<NSWindow> AlertView::windowFor(NSAlert* alert) {
     return window;
 }
 
-void AlertView::layOut() {
+Retained<NSAlert> AlertView::alert() {
+    const auto object = _alert.object();
+    return Retained<NSAlert>::retaining(static_cast<NSAlert*>(object.get()));
+}
+
+void AlertView::layOut(NSAlert* alert) {
     float buttonsWidth = 0;
-    for (id each : _alert->buttons()) {
+    for (id each : alert->buttons()) {
         auto* button = static_cast<NSButton*>(each);
         button->sizeToFit();
         NSSize size = button->frame().size;
@@ -72,11 +77,11 @@ void AlertView::layOut() {
         button->setFrameSize(size);
         buttonsWidth += size.width + kGap;
     }
-    NSImage* icon = _alert->icon();
+    NSImage* icon = alert->icon();
     const float textX = kMargin + (icon ? kIconSize + kMargin : 0);
     const float textWidth = std::max(kTextWidth, buttonsWidth - kGap + kMargin - textX);
-    const float messageHeight = heightOf(_alert->messageText(), textWidth, messageAttributes()),
-                informativeHeight = heightOf(_alert->informativeText(), textWidth, informativeAttributes());
+    const float messageHeight = heightOf(alert->messageText(), textWidth, messageAttributes()),
+                informativeHeight = heightOf(alert->informativeText(), textWidth, informativeAttributes());
     _messageRect = {{textX, kMargin}, {textWidth, messageHeight}};
     _informativeRect = {{textX, NSMaxY(_messageRect) + (messageHeight > 0 ? kGap : 0)},
                         {textWidth, informativeHeight}};
@@ -89,7 +94,7 @@ void AlertView::layOut() {
         for (NSRect* rect : {&_messageRect, &_informativeRect, &_iconRect})
             rect->origin.x = width - NSMaxX(*rect);
     float x = width - kMargin;
-    for (id each : _alert->buttons()) {
+    for (id each : alert->buttons()) {
         auto* button = static_cast<NSButton*>(each);
         const float itsWidth = NSWidth(button->frame());
         x -= itsWidth;
@@ -100,19 +105,21 @@ void AlertView::layOut() {
 }
 
 void AlertView::drawRect(NSRect) {
-    if (!_alert) return;
-    drawInRect_withAttributes(_alert->messageText(), _messageRect, messageAttributes());
-    drawInRect_withAttributes(_alert->informativeText(), _informativeRect, informativeAttributes());
-    if (NSImage* icon = _alert->icon())
+    const auto alert = this->alert();
+    if (!alert) return;
+    drawInRect_withAttributes(alert->messageText(), _messageRect, messageAttributes());
+    drawInRect_withAttributes(alert->informativeText(), _informativeRect, informativeAttributes());
+    if (NSImage* icon = alert->icon())
         icon->drawInRect_fromRect_operation_fraction(
             fittedImage(icon->size(), _iconRect, NSScaleProportionally), NSZeroRect, NSCompositeSourceOver,
             1);
 }
 
 bool AlertView::performKeyEquivalent(NSEvent* event) {
-    if (!event || !_alert) return false;
+    const auto alert = this->alert();
+    if (!event || !alert) return false;
     if (NSView::performKeyEquivalent(event)) return true;
-    NSArray* buttons = _alert->buttons();
+    NSArray* buttons = alert->buttons();
     NSString* key = event->charactersIgnoringModifiers();
     if (key->length() == 0 || key->characterAtIndex(0) != NSEscapeCharacter) return false;
     auto* first = static_cast<NSButton*>(buttons->objectAtIndex(0));

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Interface/NSView.h"
+#include "Runtime/WeakHandle.h"
 
 namespace pelvor {
 
@@ -29,9 +30,10 @@ class AlertView final : public NSView, NSView::HiddenCreators {
     ~AlertView() = default;
 
   private:
-    void layOut();
+    void layOut(NSAlert* alert);
+    Retained<NSAlert> alert();
 
-    Unretained<NSAlert> _alert = nullptr;  // it runs as long as the view is shown
+    WeakHandle _alert;  // somebody may hold the window longer than the alert runs
     NSRect _iconRect, _messageRect, _informativeRect;
 };
 

@@ -74,6 +74,24 @@ TEST_F(NSInputManagerTest, WhatIsComposedIsMarkedAndThenText) {
     EXPECT_THAT(other->log, ElementsAre("text late"));
 }
 
+// Such as those that were typed into a panel when it went.
+TEST_F(NSInputManagerTest, KeysOfAClosedWindowAreTextWhereTheyGo) {
+    Retained<NSWindow> panel = screen.window({{10, 10}, {50, 50}});
+    auto button = TestView::make({{0, 0}, {50, 50}});
+    panel->contentView()->addSubview(button);
+    panel->makeFirstResponder(button);
+    panel->makeKeyAndOrderFront(nullptr);
+    screen.turn();
+    BackendKey key;
+    key.characters = u"x";
+    screen.backend->key(key);
+    panel->orderOut(nullptr);
+    window->makeKeyAndOrderFront(nullptr);
+    screen.turn();
+    EXPECT_THAT(view->log, ElementsAre("text x"));
+    EXPECT_THAT(button->log, IsEmpty());
+}
+
 TEST_F(NSInputManagerTest, CommandsGoOnBehindTheWindowOrEndWithOneBeep) {
     auto text = NSTextView::initWithFrame({{0, 0}, {100, 50}}),
          behind = NSTextView::initWithFrame({{0, 0}, {100, 50}});

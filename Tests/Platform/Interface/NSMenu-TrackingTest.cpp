@@ -629,8 +629,13 @@ TEST_F(MenuTracking, AsksInAlerts) {
                 {0x1b, nullptr, NSAlertDefaultReturn}};
     for (const auto& row : rows) {
         NSInteger answer = 0;
+        Retained<NSWindow> panel;
         auto asks = Listener::doing([&](id) {
-            plan({[&] { EXPECT_EQ(menuWindow()->contentView()->superview()->subviews()->count(), 1u); },
+            AutoreleasePool pool;
+            plan({[&] {
+                      panel.set(menuWindow());
+                      EXPECT_EQ(panel->contentView()->superview()->subviews()->count(), 1u);
+                  },
                   pressing(row.key)},
                  0.25, NSModalPanelRunLoopMode);  // without a menu bar
             answer =
@@ -640,6 +645,7 @@ TEST_F(MenuTracking, AsksInAlerts) {
         performSelector_withObject_afterDelay(asks, "hear:"_sel, nullptr, 0);
         screen.app->run();
         EXPECT_EQ(answer, row.answer) << int{row.key};
+        EXPECT_FALSE(panel->performKeyEquivalent(screen.app->currentEvent())) << "that alert is gone";
     }
 }
 
