@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Foundation/TextBoundaries.h"
 
+#include <unicode/ubidi.h>
 #include <unicode/ubrk.h>
 #include <unicode/uloc.h>
 #include <unicode/utext.h>
 
 #include <algorithm>
+#include <cstdint>
 
 #include "Foundation/NSString.h"
 
@@ -174,6 +176,11 @@ bool TextBoundaries::isWordBefore(NSUInteger boundary) {
 
 bool isLanguageWrittenRightToLeft(NSString* language) {
     return language && uloc_isRightToLeft(language->UTF8String());
+}
+
+bool isParagraphReadRightToLeft(std::u16string_view paragraph) {
+    const auto size = static_cast<std::int32_t>(std::min<std::size_t>(paragraph.size(), INT32_MAX));
+    return ubidi_getBaseDirection(paragraph.data(), size) == UBIDI_RTL;
 }
 
 }  // namespace pelvor

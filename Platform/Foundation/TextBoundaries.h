@@ -4,6 +4,7 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 
 #include "Foundation/NSRange.h"
 #include "Runtime/Object.h"
@@ -61,5 +62,9 @@ class PELVOR_EXPORT TextBoundaries {
 /// Whether the language or locale, "ar" or "az_Arab", is written from right to left; false for null and for
 /// unknown languages. Any thread.
 PELVOR_EXPORT bool isLanguageWrittenRightToLeft(NSString* language);
+
+/// Whether the paragraph is read from right to left: the first of its characters that have a direction of
+/// their own is a letter of Hebrew, Arabic or a script like these. Any thread.
+PELVOR_EXPORT bool isParagraphReadRightToLeft(std::u16string_view paragraph);
 
 }  // namespace pelvor

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <utility>
 
+#include "Foundation/TextBoundaries.h"
 #include "Text/NSLayoutManager.h"
 #include "Text/NSTextStorage.h"
 
@@ -143,8 +144,7 @@ void MeasuredText::findDirections(Direction known) {
     else if (known != Direction::unknown)
         isRightToLeft = known == Direction::rightToLeft;
     else
-        isRightToLeft = needsOrder &&
-                        ubidi_getBaseDirection(units.data(), static_cast<std::int32_t>(size())) == UBIDI_RTL;
+        isRightToLeft = needsOrder && isParagraphReadRightToLeft({units.data(), size()});
     _levels.clear();
     if (!needsOrder && !isRightToLeft) return;
     UErrorCode status = U_ZERO_ERROR;

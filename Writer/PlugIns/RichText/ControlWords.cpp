@@ -192,6 +192,7 @@ class ControlWords {
         {"qd", &P::setParagraphValue, packed(A::alignment, NSJustifiedTextAlignment)},
         {"ltrpar", &P::setParagraphValue, packed(A::direction, NSWritingDirectionLeftToRight)},
         {"rtlpar", &P::setParagraphValue, packed(A::direction, NSWritingDirectionRightToLeft)},
+        {"pelvornatural", &P::setNatural},
         {"li", &P::setParagraphNumber, of(A::leadingIndent)},
         {"lin", &P::setParagraphNumber, of(A::leadingIndent)},
         {"fi", &P::setParagraphNumber, of(A::firstLineIndent)},

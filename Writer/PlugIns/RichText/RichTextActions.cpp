@@ -495,6 +495,15 @@ void P::setHyphenation(int) {
     _state.paragraph[ParagraphProperty::hyphenates] = isSet();
 }
 
+// The word is alone in a group, which other programs pass over. Direction and alignment before the group are
+// what the text of the paragraph has by itself.
+void P::setNatural(int) {
+    const ParagraphFormat usual;
+    for (const ParagraphProperty property : {ParagraphProperty::alignment, ParagraphProperty::direction})
+        _states.back().paragraph[property] = usual[property];
+    skipDestination(0);
+}
+
 void P::setParagraphFlag(int property) { paragraph()[static_cast<ParagraphProperty>(property)] = isSet(); }
 
 void P::setParagraphValue(int packed) {

@@ -12,6 +12,7 @@
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSNumber.h"
 #include "Foundation/NSString.h"
+#include "Foundation/TextBoundaries.h"
 #include "Foundation/UserLanguages.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Text/NSParagraphStyle.h"
@@ -83,6 +84,8 @@ constexpr ValueWord<A> kParagraphValues[] = {
     {A::direction, NSWritingDirectionLeftToRight, "ltrpar"},
     {A::direction, NSWritingDirectionRightToLeft, "rtlpar"},
 };
+
+constexpr std::u16string_view kParagraphEnds = u"\n\r\u2029";
 
 // By NSTextTabType.
 constexpr std::string_view kTabWords[] = {"", "tqr", "tqc", "tqdec"};
@@ -172,7 +175,7 @@ class TextMarkup {
         const StringUnits units(text->string());
         for (AttributeRun run : text->runs()) {
             const Formats& formats = formatsOf(run.attributes);
-            addRun(units.view().substr(run.range.location, run.range.length), formats);
+            addRun(units.view().substr(run.range.location), run.range.length, formats);
         }
         endLink();
     }
@@ -189,13 +192,19 @@ class TextMarkup {
         return place->second;
     }
 
-    void addRun(std::u16string_view units, const Formats& formats) {
+    // The run is the front of the text from there on.
+    void addRun(std::u16string_view text, std::size_t length, const Formats& formats) {
+        std::u16string_view units = text.substr(0, length);
         // A line end may be cut by the border of two runs.
         if (std::exchange(_isAfterReturn, false) && units.starts_with(u'\n')) units.remove_prefix(1);
         while (!units.empty()) {
-            if (std::exchange(_isParagraphStart, false)) setParagraph(formats.paragraph);
+            if (std::exchange(_isParagraphStart, false)) {
+                const std::u16string_view rest =
+                    text.substr(static_cast<std::size_t>(units.data() - text.data()));
+                setParagraph(formats.paragraph, rest.substr(0, rest.find_first_of(kParagraphEnds)));
+            }
             setCharacter(formats.character);
-            const std::size_t end = std::min(units.find_first_of(u"\n\r\u2029"), units.size());
+            const std::size_t end = std::min(units.find_first_of(kParagraphEnds), units.size());
             addUnits(units.substr(0, end), formats.character);
             if (end < units.size()) {
                 const bool isPair = units.substr(end).starts_with(u"\r\n");
@@ -288,17 +297,25 @@ class TextMarkup {
         _out.mark("}");
     }
 
-    void setParagraph(const ParagraphFormat& format) {
-        if (format == _paragraph) return;
+    void setParagraph(const ParagraphFormat& format, std::u16string_view text) {
+        const ParagraphFormat natural;
+        const bool isNatural = format[A::direction] == natural[A::direction];
+        const bool isRightToLeft = isNatural ? isParagraphReadRightToLeft(text)
+                                             : format[A::direction] == NSWritingDirectionRightToLeft;
+        if (format == _paragraph && isRightToLeft == _isRightToLeft) return;
         endLink();
         _paragraph = format;
+        _isRightToLeft = isRightToLeft;
         _out.word("pard");
         if (format[A::style]) _out.word("s", sheetNumber(format[A::style], false));
+        // Other programs do not look at the text to find the direction or the alignment.
+        if (isRightToLeft && (isNatural || format[A::alignment] == natural[A::alignment]))
+            _out.mark("\\rtlpar\\qr{\\*\\pelvornatural}");
         for (const auto& [property, word] : kParagraphNumbers)
             if (format[property] != _usualParagraph[property]) _out.word(word, format[property]);
         for (const auto& [property, value, word] : kParagraphValues)
             if (format[property] == value) _out.word(word);
-        if (format[A::direction] == NSWritingDirectionRightToLeft) {
+        if (isRightToLeft && (format[A::leadingIndent] || format[A::trailingIndent])) {
             // The indents above are those on the left and on the right for some programs.
             _out.word("lin", format[A::leadingIndent]);
             _out.word("rin", format[A::trailingIndent]);
@@ -371,7 +388,7 @@ class TextMarkup {
     std::unordered_map<NSDictionary*, Formats> _known;
     CharacterFormat _usual, _character, _outside;  // the last is that around a link
     ParagraphFormat _usualParagraph, _paragraph;
-    bool _isParagraphStart = true, _isAfterReturn = false;
+    bool _isParagraphStart = true, _isAfterReturn = false, _isRightToLeft = false;
 };
 
 void addFonts(const RichTextTables& tables, MarkupBytes& out) {
@@ -400,13 +417,13 @@ void addColours(const RichTextTables& tables, MarkupBytes& out) {
     if (tables.colours.size() == 1) return;
     out.mark("{");
     out.word("colortbl");
-    out.text(';');
+    out.mark(";");
     for (std::int32_t number = 1; number < tables.colours.size(); ++number) {
         const ColourEntry& colour = tables.colours[number];
         out.word("red", colour.red);
         out.word("green", colour.green);
         out.word("blue", colour.blue);
-        out.text(';');
+        out.mark(";");
     }
     out.mark("}\n");
 }
@@ -430,17 +447,17 @@ void addStyles(const RichTextTables& tables, MarkupBytes& out) {
 }
 
 void addFields(NSDictionary* settings, MarkupBytes& out) {
-    out.mark("{");
-    out.word("info");
+    MarkupBytes fields;
     for (std::size_t i = 0; i < std::size(kFieldWords); ++i) {
         auto* field = cast<NSString>(settings->objectForKey(kDocumentFieldKeys[i]));
         if (!field) continue;
-        out.mark("{");
-        out.word(kFieldWords[i]);
-        out.escaped(field->toUTF16());
-        out.mark("}");
+        fields.mark("{");
+        fields.word(kFieldWords[i]);
+        fields.escaped(field->toUTF16());
+        fields.mark("}");
     }
-    out.mark("}\n");
+    const std::string bytes = fields.take();
+    if (!bytes.empty()) out.mark("{\\info" + bytes + "}\n");
 }
 
 void addPageNumbers(NSDictionary* settings, MarkupBytes& out) {

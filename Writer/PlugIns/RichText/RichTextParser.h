@@ -161,6 +161,7 @@ class RichTextParser {
     void setOffset(int sign);
     void setKernQuarters(int);
     void setHyphenation(int);
+    void setNatural(int);
     void setParagraphFlag(int property);
     void setParagraphNumber(int property);
     void setParagraphValue(int packed);

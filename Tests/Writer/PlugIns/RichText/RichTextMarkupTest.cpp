@@ -74,6 +74,13 @@ TEST(RichTextMarkup, IsReadBackEqual) {
          }},
         {"Plain", [](NSMutableAttributedString*) {}},
         {"Characters", ofString(u"\\{}~\u00A0\u00AD\u2011\t\f\u2028\u0007é中🍀\xD800\uFFFC\uE010;"_ns)},
+        {"RightToLeft", ofString(u"א"_ns)},
+        {"RightToLeftCentred",
+         [](NSMutableAttributedString* text) {
+             text->replaceCharactersInRange_withString({2, 3}, u"א"_ns);
+             const auto centred = styleOf([](auto* style) { style->setAlignment(NSCenterTextAlignment); });
+             text->addAttribute_value_range(NSParagraphStyleAttributeName, centred.get(), {0, text->length()});
+         }},
         {"EmptyLines", ofString(u"\n\n\n"_ns)},
         {"WordBeforeDigits", with(NSFontAttributeName, font(14))},
         {"Bold", with(NSFontAttributeName, font(12, NSBoldFontMask))},
@@ -236,7 +243,10 @@ TEST(RichTextMarkup, KeepsToThePublishedFormat) {
         {"Hyphenation", textWith(2, {{NSParagraphStyleAttributeName, hyphenated.get()}}),
          "\\widowctrl\\hyphauto\n\\pard\\plain a\\par\n\\pard\\hyphpar0 b}"},
         {"Indents", textWith(2, {{NSParagraphStyleAttributeName, rightToLeft.get()}}),
-         "\\pard\\li720\\fi-720\\ri200\\rtlpar\\lin720\\rin200 a\\par"},
+         "\\pard\\rtlpar\\qr{\\*\\pelvornatural}\\li720\\fi-720\\ri200\\rtlpar\\lin720\\rin200 "
+         "a\\par\n\\pard b"},
+        {"DirectionOfTheText", plainText(u"1 א\n\u200F\nb"_ns),
+         "\\pard\\rtlpar\\qr{\\*\\pelvornatural}1 \\u1488?\\par\n\\u8207?\\par\n\\pard b}"},
     };
     for (const auto& [situation, text, bytes] : rows)
         EXPECT_THAT(markupOfRichText(text, nullptr).bytes, HasSubstr(bytes)) << situation;

@@ -106,6 +106,7 @@ TEST(RichTextReading, TakesFormatsOfParagraphs) {
         {"Hyphenation", "\\hyphauto a\\par\\hyphpar0 b\\par\\pard c", "a\n{hyphenates}b\nc{hyphenates}"},
         {"Tabs", "\\tqr\\tx900\\tx300\\tqdec\\tx600 a\\par\\pard b", "a\n{tabs 300 600D 900R}b"},
         {"RightToLeft", "\\rtlpar a\\par", "a\n{direction}"},
+        {"Natural", "\\rtlpar\\qr{\\*\\pelvornatural}a\\par\\qc b\\par", "a\nb\n{alignment=2}"},
     });
 }
 
