@@ -52,6 +52,7 @@ PELVOR_DEFINE_CLASS(WRColorPanel, windowsLibrary) {
     methods.instance<"takeRecentColorFrom:", &WRColorPanel::takeRecentColorFrom>();
     methods.instance<"formatsDidChange:", &WRColorPanel::formatsDidChange>();
     methods.instance<"windowDidBecomeKey:", &WRColorPanel::windowDidBecomeKey>();
+    methods.instance<"windowDidResignKey:", &WRColorPanel::windowDidResignKey>();
     methods.instance<"windowWillClose:", &WRColorPanel::windowWillClose>();
 }
 
@@ -77,9 +78,14 @@ void WRColorPanel::makeWindow() {
                     {u"_Saturation:"_ns, &ColorParts::saturation},
                     {u"_Brightness:"_ns, &ColorParts::brightness}};
     for (const auto& [label, part] : kSliders) {
-        _sliders.push_back(
-            WRColorSlider::create(part, [panel = std::make_shared<WeakHandle>(this)](ColorParts parts) {
+        const auto panel = std::make_shared<WeakHandle>(this);
+        _sliders.push_back(WRColorSlider::create(
+            part,
+            [panel](ColorParts parts) {
                 if (auto found = panel->object()) static_cast<WRColorPanel*>(found.get())->apply(parts);
+            },
+            [panel] {
+                if (auto found = panel->object()) static_cast<WRColorPanel*>(found.get())->showUsedColor();
             }));
         form->addView(localized(label), _sliders.back());
     }
@@ -105,6 +111,8 @@ void WRColorPanel::windowDidBecomeKey(id) {
     formatsDidChange(nullptr);
     if (cast<NSText>(static_cast<id>(_window->firstResponder()))) _digits->selectText(nullptr);
 }
+
+void WRColorPanel::windowDidResignKey(id) { showUsedColor(); }
 
 void WRColorPanel::windowWillClose(id) { endStep(); }
 
@@ -144,6 +152,7 @@ void WRColorPanel::apply(ColorParts parts) {
         ~Applying() { flag = false; }
     } applying(_isApplying);
     const bool continuesStep = _changed && _changed->object().get() == commands;
+    if (!_changed) _recentBeforeStep.set(recentDigits());
     _changed.emplace(commands);
     commands->setTextColor(parts.color(), continuesStep);
 }
@@ -152,6 +161,7 @@ void WRColorPanel::takeDigitsFrom(id) {
     NSColor* color = colorOfHex(_digits->stringValue());
     if (color && !isSame(color, _parts)) apply(ColorParts::of(color));
     _digits->setStringValue(hexOfColor(_parts.color()));
+    showUsedColor();
     if (!color) _message->setStringValue(localized(u"_A colour is written as in #1E50B4."_ns));
 }
 
@@ -163,17 +173,23 @@ void WRColorPanel::controlTextDidChange(id) {
 
 // MARK: Colours that were used last
 
-// What is done from now on is another step to undo.
-void WRColorPanel::endStep() {
+// The step has one colour among those that were used last: the one that it has come to.
+void WRColorPanel::showUsedColor() {
     if (!_changed) return;
-    _changed.reset();
     NSString* digits = hexOfColor(_parts.color());
-    auto* recent = NSMutableArray::arrayWithArray(recentDigits());
+    auto* recent = NSMutableArray::arrayWithArray(_recentBeforeStep);
     recent->removeObject(digits);
     recent->insertObject_atIndex(digits, 0);
     while (recent->count() > kMostRecent) recent->removeLastObject();
+    if (recent->isEqual(recentDigits())) return;
     NSUserDefaults::standardUserDefaults()->setObject_forKey(recent, WRRecentColorsPreference);
     showRecentColors();
+}
+
+// What is done from now on is another step to undo.
+void WRColorPanel::endStep() {
+    showUsedColor();
+    _changed.reset();
 }
 
 void WRColorPanel::showRecentColors() {

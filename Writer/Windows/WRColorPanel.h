@@ -36,6 +36,7 @@ class WRColorPanel : public NSObject {
     /// The selection or its formats may have changed.
     void formatsDidChange(id notification);
     void windowDidBecomeKey(id notification);
+    void windowDidResignKey(id notification);
     void windowWillClose(id notification);
 
   protected:
@@ -46,6 +47,7 @@ class WRColorPanel : public NSObject {
     void makeWindow();
     void show(ColorParts parts);
     void apply(ColorParts parts);
+    void showUsedColor();
     void endStep();
     void showRecentColors();
 
@@ -54,7 +56,8 @@ class WRColorPanel : public NSObject {
     std::vector<Retained<WRColorSlider>> _sliders;
     std::vector<Retained<NSButton>> _recent;
     ColorParts _parts;
-    std::optional<WeakHandle> _changed;  // whose text has the colour of the step that goes on
+    std::optional<WeakHandle> _changed;   // whose text has the colour of the step that goes on
+    Retained<NSArray> _recentBeforeStep;  // the digits of the colours that were used last
     bool _isApplying = false;
 };
 

@@ -27,13 +27,17 @@ PELVOR_DEFINE_CLASS(WRColorSlider, windowsLibrary) {
     methods.instance<"drawRect:", &WRColorSlider::drawRect>();
     methods.instance<"mouseDown:", &WRColorSlider::mouseDown>();
     methods.instance<"mouseDragged:", &WRColorSlider::mouseDragged>();
+    methods.instance<"mouseUp:", &WRColorSlider::mouseUp>();
     methods.instance<"keyDown:", &WRColorSlider::keyDown>();
+    methods.instance<"keyUp:", &WRColorSlider::keyUp>();
 }
 
-Retained<WRColorSlider> WRColorSlider::create(Part part, std::function<void(ColorParts)> changed) {
+Retained<WRColorSlider> WRColorSlider::create(Part part, std::function<void(ColorParts)> changed,
+                                              std::function<void()> released) {
     auto self = cast<WRColorSlider>(NSView::initWithFrame(NSZeroRect, classObject()));
     self->_part = part;
     self->_changed = std::move(changed);
+    self->_released = std::move(released);
     return self;
 }
 
@@ -105,6 +109,14 @@ void WRColorSlider::mouseDragged(NSEvent* event) {
     if (!event) return;
     const float x = convertPoint_fromView(event->locationInWindow(), nullptr).x;
     change((x - NSMinX(strip())) / std::max(NSWidth(strip()), 1.0F));
+}
+
+void WRColorSlider::mouseUp(NSEvent*) {
+    if (_released) _released();
+}
+
+void WRColorSlider::keyUp(NSEvent*) {
+    if (_released) _released();
 }
 
 void WRColorSlider::keyDown(NSEvent* event) {

@@ -18,8 +18,9 @@ class WRColorSlider : public NSView, NSView::HiddenCreators {
   public:
     // C++ only
     using Part = float ColorParts::*;
-    /// The function hears of each change by the user.
-    static Retained<WRColorSlider> create(Part part, std::function<void(ColorParts)> changed);
+    /// The functions hear of each change by the user, and that a key or the mouse has been let go.
+    static Retained<WRColorSlider> create(Part part, std::function<void(ColorParts)> changed,
+                                          std::function<void()> released);
 
     void setColorParts(ColorParts parts);
 
@@ -30,7 +31,9 @@ class WRColorSlider : public NSView, NSView::HiddenCreators {
     void drawRect(NSRect dirty) override;
     void mouseDown(NSEvent* event) override;
     void mouseDragged(NSEvent* event) override;
+    void mouseUp(NSEvent* event) override;
     void keyDown(NSEvent* event) override;
+    void keyUp(NSEvent* event) override;
 
   protected:
     WRColorSlider() = default;
@@ -43,6 +46,7 @@ class WRColorSlider : public NSView, NSView::HiddenCreators {
     Part _part = &ColorParts::hue;
     ColorParts _parts;
     std::function<void(ColorParts)> _changed;
+    std::function<void()> _released;
 };
 
 }  // namespace pelvor

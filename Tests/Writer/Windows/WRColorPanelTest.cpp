@@ -30,6 +30,11 @@ struct ColorPanelTest : ::testing::Test, FormatScope {
         panel->window()->makeFirstResponder(panel->window()->initialFirstResponder());
         enter(panel->window(), digits);
     }
+    /// What the panel offers as used last.
+    std::string used() {
+        NSArray* digits = defaults->arrayForKey(WRRecentColorsPreference);
+        return digits ? shown(digits->componentsJoinedByString(u" "_ns)) : "";
+    }
     std::string colors() { return runs(NSForegroundColorAttributeName); }
 
     Retained<WRColorPanel> panel = WRColorPanel::init();
@@ -70,8 +75,24 @@ TEST_F(ColorPanelTest, GivesTheSelectionEachColourInOneStep) {
     undo();
     EXPECT_EQ(colors(), "0-3 #FF1A1A\n");
     panel->window()->performClose(nullptr);
-    EXPECT_EQ(shown(defaults->arrayForKey(WRRecentColorsPreference)->componentsJoinedByString(u" "_ns)),
-              "#00FF00 #FF9900 #FF1A1A");
+    EXPECT_EQ(used(), "#00FF00 #FF9900 #FF1A1A");
+}
+
+TEST_F(ColorPanelTest, OffersAColourAsSoonAsItIsUsed) {
+    write(u"#0000ff");
+    EXPECT_EQ(used(), "#0000FF") << "Return";
+    screen.press(u'\t');
+    screen.press(NSHomeFunctionKey);
+    EXPECT_EQ(used(), "#FF0000") << "a key is let go";
+    auto* hue = cast<NSView>(static_cast<id>(panel->window()->firstResponder()));
+    screen.drag(hue, {0, 10}, {NSWidth(hue->frame()) / 2, 10});
+    EXPECT_EQ("0-3 " + used() + "\n", colors()) << "the mouse is let go";
+    select(4, 3);
+    panel->window()->makeKeyAndOrderFront(nullptr);
+    panel->window()->makeFirstResponder(panel->window()->initialFirstResponder());
+    screen.type(u"#00ff00");
+    window->show();
+    EXPECT_THAT(used(), testing::StartsWith("#00FF00 #")) << "another window has the keys";
 }
 
 }  // namespace
