@@ -102,6 +102,9 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
     methods.instance<"currentPage", &WRDocumentWindow::currentPage>();
     methods.instance<"isFindingLanguages", &WRDocumentWindow::isFindingLanguages>();
     methods.instance<"textDidChange:", &WRDocumentWindow::textDidChange>();
+    methods.instance<"textView:shouldChangeTextInRange:replacementString:",
+                     &WRDocumentWindow::textView_shouldChangeTextInRange_replacementString>();
+    methods.instance<"pageViewHasFormats:", &WRDocumentWindow::pageViewHasFormats>();
     methods.instance<"pageViewDidReceiveFormats:", &WRDocumentWindow::pageViewDidReceiveFormats>();
     methods.instance<"undoManagerForTextView:", &WRDocumentWindow::undoManagerForTextView>();
     methods.instance<"windowShouldClose:", &WRDocumentWindow::windowShouldClose>();
@@ -228,6 +231,14 @@ void WRDocumentWindow::textDidChange(NSNotification*) {
 }
 
 bool WRDocumentWindow::isFindingLanguages() { return _languageSearch->isEditing(); }
+
+bool WRDocumentWindow::textView_shouldChangeTextInRange_replacementString(id, NSRange,
+                                                                          NSString* replacement) {
+    if (replacement && replacement->length() > 0) _formatCommands->textWillBeTyped();
+    return true;
+}
+
+bool WRDocumentWindow::pageViewHasFormats(id) { return _document->hasFormats(); }
 
 void WRDocumentWindow::pageViewDidReceiveFormats(id) { _formatCommands->setDocumentHasFormats(true); }
 

@@ -91,6 +91,10 @@ class WRDocumentWindow : public NSResponder {
     bool isFindingLanguages();
     /// Observes the text storage.
     void textDidChange(NSNotification* notification);
+    /// Each edit is allowed.
+    bool textView_shouldChangeTextInRange_replacementString(id view, NSRange range, NSString* replacement);
+    /// Asked when text is copied.
+    bool pageViewHasFormats(id pageView);
     /// Text with formats was pasted or dropped.
     void pageViewDidReceiveFormats(id pageView);
     /// What is done to the text is undone by a manager of its own.

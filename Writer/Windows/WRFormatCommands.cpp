@@ -58,6 +58,12 @@ Retained<NSDictionary> withStyle(NSDictionary* attributes, const WRFormatCommand
     return with(attributes, NSParagraphStyleAttributeName, style->copy().get());
 }
 
+// A language is no format.
+Retained<NSDictionary> formatsIn(NSDictionary* attributes) {
+    const auto named = with(attributes, NSLanguageAttributeName, nullptr);
+    return with(named, PBLanguageAttributeName, nullptr);
+}
+
 bool hasLine(NSDictionary* attributes, NSString* key) {
     auto* style = cast<NSNumber>(attributes->objectForKey(key));
     return style && style->intValue() != NSUnderlineStyleNone;
@@ -263,6 +269,24 @@ void WRFormatCommands::setTyping(NSDictionary* attributes) {
     NSNotificationCenter::defaultCenter()->postNotificationName_object(WRFormatsDidChangeNotification, this);
 }
 
+// The same, as the only effect of a command: what is typed is a step to undo by itself, for it may be what
+// makes the document one with formats.
+void WRFormatCommands::chooseTyping(NSDictionary* attributes) {
+    const auto typing = formatsIn(_pageView->typingAttributes());
+    if (!typing->isEqual(_chosenTyping)) _usualTyping = typing;
+    _chosenTyping = formatsIn(attributes);
+    _pageView->breakUndoCoalescing();
+    setTyping(attributes);
+}
+
+void WRFormatCommands::textWillBeTyped() {
+    NSUndoManager* undo = _pageView->undoManager();
+    if (!_chosenTyping || _document->hasFormats() || (undo && (undo->isUndoing() || undo->isRedoing())))
+        return;
+    const auto typing = formatsIn(_pageView->typingAttributes());
+    if (typing->isEqual(_chosenTyping) && !typing->isEqual(_usualTyping)) setDocumentHasFormats(true);
+}
+
 void WRFormatCommands::changeCharacters(id sender, NSString* name, const AttributeChange& change,
                                         bool continuesStep) {
     if (!canEdit()) return;
@@ -272,8 +296,7 @@ void WRFormatCommands::changeCharacters(id sender, NSString* name, const Attribu
             continuesStep);
         return setTyping(nullptr);
     }
-    if (!_document->hasFormats()) _document->setHasFormats(true);
-    setTyping(change(_pageView->typingAttributes()).get());
+    chooseTyping(change(_pageView->typingAttributes()).get());
 }
 
 void WRFormatCommands::changeParagraphs(id sender, NSString* name, const StyleChange& change) {
@@ -281,11 +304,8 @@ void WRFormatCommands::changeParagraphs(id sender, NSString* name, const StyleCh
     const auto changed = [&](NSDictionary* old) { return withStyle(old, change); };
     const auto typing = changed(_pageView->typingAttributes());
     const NSRange range = selectedParagraphs();
-    if (range.length > 0)
-        edit(sender, name, range,
-             [&](NSTextStorage* text) { text->changeAttributesInRange(range, changed); });
-    else if (!_document->hasFormats())
-        _document->setHasFormats(true);
+    if (range.length == 0) return chooseTyping(typing);
+    edit(sender, name, range, [&](NSTextStorage* text) { text->changeAttributesInRange(range, changed); });
     setTyping(typing);
 }
 
@@ -426,12 +446,10 @@ void WRFormatCommands::takeParagraphStyleFrom(id sender) {
     const auto typing = Retained<NSDictionary>::retaining(_pageView->typingAttributes());
     const auto usual = Retained<NSDictionary>::retaining(
         range.length > 0 ? usualAttributes(_pageView->textStorage(), range) : typing.get());
-    if (range.length > 0)
-        edit(sender, nullptr, range,
-             [&](NSTextStorage* text) { setParagraphStyle(text, range, *_sheet, name); });
-    else if (!_document->hasFormats())
-        _document->setHasFormats(true);
-    setTyping(attributesInParagraphStyle(*_sheet, name, typing, usual).get());
+    const auto next = attributesInParagraphStyle(*_sheet, name, typing, usual);
+    if (range.length == 0) return chooseTyping(next);
+    edit(sender, nullptr, range, [&](NSTextStorage* text) { setParagraphStyle(text, range, *_sheet, name); });
+    setTyping(next);
 }
 
 bool WRFormatCommands::validateTakeParagraphStyleFrom(id item) {
@@ -470,7 +488,7 @@ void WRFormatCommands::clearFormats(id sender) {
     const bool isCaret = selection().length == 0;
     const NSRange range = isCaret ? selectedParagraphs() : selection();
     const auto typing = clearedAttributes(*_sheet, _pageView->typingAttributes(), true);
-    if (range.length > 0)
+    if (range.length > 0 && _document->hasFormats())
         edit(sender, nullptr, range,
              [&](NSTextStorage* text) { pelvor::clearFormats(text, range, *_sheet); });
     setTyping(isCaret ? typing.get() : nullptr);

@@ -26,8 +26,8 @@ inline constexpr NSString* WRFormatsDidChangeNotification = u"WRFormatsDidChange
 ///
 /// Commands that concern characters change the selected text or, without any, what is typed next; commands
 /// that concern paragraphs change all that the selection touches. Each is one step to undo, named after the
-/// menu item. The first one makes a plain document one with formats; undoing it makes the document plain
-/// again.
+/// menu item. The first one makes a plain document one with formats, but not before something is typed in
+/// them; undoing that makes the document plain again.
 ///
 /// Menu items show the state of the selection: checked, or with a dash where only part of it has the format.
 /// They are disabled where the text cannot be edited. Main thread.
@@ -70,6 +70,8 @@ class WRFormatCommands : public NSResponder {
 
     /// Whether the document is one with formats; undoing takes the change back.
     void setDocumentHasFormats(bool hasFormats);
+    /// Is called before the user types something.
+    void textWillBeTyped();
 
     // Commands. Senders are menu items; what the item stands for is in its tag or its represented object.
 
@@ -123,10 +125,13 @@ class WRFormatCommands : public NSResponder {
     bool edit(id sender, NSString* name, NSRange range,
               const std::function<void(NSTextStorage* text)>& change, bool continuesStep = false);
     void setTyping(NSDictionary* attributes);
+    void chooseTyping(NSDictionary* attributes);
 
     Retained<WRDocument> _document;
     Retained<WRPageView> _pageView;
     std::shared_ptr<const StyleSheet> _sheet;
+    // What the user has chosen for what is typed next, and what that would have been otherwise.
+    Retained<NSDictionary> _chosenTyping, _usualTyping;
 };
 
 }  // namespace pelvor

@@ -247,6 +247,10 @@ void loadRichText() {
 }  // namespace
 
 NSArray* WRPageView::writablePasteboardTypes() {
+    const SEL question = "pageViewHasFormats:"_sel;
+    const auto asked = Retained<Object>::retaining(delegate());
+    if (asked && asked->respondsToSelector(question) && !send<bool>(asked, question, this))
+        return NSArray::of({NSStringPboardType});
     loadRichText();
     return NSTextView::writablePasteboardTypes();
 }

@@ -63,7 +63,8 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     NSRange indexesOfTextContainersNearRect(NSRect rect) override;
     void viewDidMoveToWindow() override;
     /// Text goes to other programs and comes from them with its formats, if a plug-in knows how. The delegate
-    /// may have the message `pageViewDidReceiveFormats:`, with this view.
+    /// may have two messages with this view: `pageViewHasFormats:` says whether there are formats, or the
+    /// text goes without them; `pageViewDidReceiveFormats:` tells that some have come.
     NSArray* writablePasteboardTypes() override;
     NSArray* readablePasteboardTypes() override;
     bool readSelectionFromPasteboard_type(NSPasteboard* pasteboard, NSString* type) override;

@@ -14,6 +14,7 @@
 #include "Interface/NSAlert.h"
 #include "Interface/NSButton.h"
 #include "Interface/NSMenu.h"
+#include "Interface/NSPasteboard.h"
 #include "Interface/NSPopUpButton.h"
 #include "Interface/NSSavePanel.h"
 #include "PBRegistry.h"
@@ -21,6 +22,7 @@
 #include "Writer/PlugIns/PlainText/PlainTextPlugIn.h"
 #include "Writer/PlugIns/PlainText/WRPlainTextReader.h"
 #include "Writer/PlugIns/PlainText/WRPlainTextWriter.h"
+#include "Writer/PlugIns/RichText/RichTextPasteboard.h"
 #include "Writer/PlugIns/RichText/RichTextPlugIn.h"
 #include "Writer/PlugIns/RichText/WRByteScanner.h"
 #include "Writer/PlugIns/RichText/WRRichTextReader.h"
@@ -39,8 +41,10 @@ namespace pelvor {
 constexpr Library* kDependencies[] = {&baseTextLibrary};
 constinit Library plainTextPlugIn{
     "PlainText", kDependencies, kClassesOf<WRPlainTextReader, WRPlainTextWriter>, {}};
-constinit Library richTextPlugIn{
-    "RichText", kDependencies, kClassesOf<WRByteScanner, WRRichTextReader, WRRichTextWriter>, {}};
+constexpr const Category* kRichTextCategories[] = {&NSAttributedString_RichText_category};
+constinit Library richTextPlugIn{"RichText", kDependencies,
+                                 kClassesOf<WRByteScanner, WRRichTextReader, WRRichTextWriter>,
+                                 kRichTextCategories};
 
 }  // namespace pelvor
 
@@ -205,6 +209,19 @@ TEST_F(DocumentFileTest, BeginsWhereThereIsNoFileYet) {
     screen.type(u"y");
     EXPECT_EQ(states(), "New.txt 1 1 1");
     EXPECT_EQ(shown(opened("New.txt")->text()), "x");
+}
+
+TEST_F(DocumentFileTest, CopiesPlainTextWithoutFormats) {
+    WRDocumentWindow* window = open("a.txt", "one");
+    const auto copied = [&] {
+        for (const SEL action : {"selectAll:"_sel, "copy:"_sel, "paste:"_sel})
+            send(window->pageView(), action, id(nullptr));
+        return shown(NSPasteboard::generalPasteboard()->types()->componentsJoinedByString(u" "_ns),
+                     window->document()->hasFormats());
+    };
+    EXPECT_EQ(copied(), "NSStringPboardType 0");
+    window->document()->setHasFormats(true);
+    EXPECT_THAT(copied(), HasSubstr("NSRTFPboardType"));
 }
 
 // Those that are filled when they open, too: what fills them has to be kept.

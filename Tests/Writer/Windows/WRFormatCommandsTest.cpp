@@ -54,8 +54,9 @@ TEST_F(FormatCommandsTest, ChangeWhatIsTypedNextAtACaret) {
     choose("toggleBold:"_sel);
     choose("toggleUnderline:"_sel);
     EXPECT_EQ(state("toggleBold:"_sel), "on");
-    EXPECT_TRUE(document->hasFormats());
+    EXPECT_FALSE(document->hasFormats());
     screen.type(u"xy");
+    EXPECT_TRUE(document->hasFormats());
     choose("toggleBold:"_sel);
     choose("toggleUnderline:"_sel);
     choose("makeTextBigger:"_sel);
@@ -139,6 +140,22 @@ TEST_F(FormatCommandsTest, LeaveADocumentPlainThatHasNoFormats) {
     EXPECT_TRUE(document->hasFormats());
     undo();
     EXPECT_FALSE(document->hasFormats());
+    // What is chosen for what is typed next: taken back, used, and used again after that was undone.
+    std::string states;
+    for (const char16_t* step : {u"", u"", u"x", u"", u"y", u"z", u"<", u"<", u">", u">", u"<"}) {
+        if (*step == u'<')
+            undo();
+        else if (*step == u'>')
+            redo();
+        else if (*step)
+            screen.type(step);
+        else
+            choose("toggleBold:"_sel);
+        states += document->hasFormats() ? 'F' : '.';
+    }
+    EXPECT_EQ(states, "....FF...F.");
+    choose("clearFormats:"_sel);
+    EXPECT_FALSE(document->hasFormats());
     view->setEditable(false);
     select(0, 5);
     EXPECT_EQ(state("toggleBold:"_sel), "disabled");
@@ -151,6 +168,7 @@ TEST(EmptyDocumentTest, IsFormattedBeforeSomethingIsTyped) {
     FormatScope empty(u""_ns);
     empty.choose("takeParagraphStyleFrom:"_sel, 0, u"heading 1"_ns);
     empty.choose("alignParagraphs:"_sel, NSRightTextAlignment);
+    EXPECT_FALSE(empty.document->hasFormats()) << "there is nothing that has them";
     empty.screen.type(u"A");
     EXPECT_EQ(empty.runs(PBStyleParagraphAttributeName), "0-1 heading 1\n");
     EXPECT_EQ(empty.styleAt(0)->alignment(), NSRightTextAlignment);
