@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WRDocumentWindow.h"
 
-#include <cstdlib>
-
 #include "EnvironmentScope.h"
 #include "FormatScope.h"
 #include "Foundation/NSMutableAttributedString.h"
@@ -15,6 +13,7 @@
 #include "Interface/NSScrollView.h"
 #include "Interface/NSTextField.h"
 #include "NSView-PelvorAdditions.h"
+#include "ProgramOutput.h"
 #include "Writer/Pages/PageLines.h"
 #include "Writer/Pages/StyleSheet.h"
 #include "Writer/Windows/WRFindPanel.h"
@@ -34,6 +33,10 @@ struct DocumentWindowTest : ::testing::Test, FormatScope {
         std::string text = scrollView->verticalScroller()->isHidden() ? "" : "v";
         if (!scrollView->horizontalScroller()->isHidden()) text += "h";
         return std::abs(width - scrollView->contentSize().width) < 1 ? text + " filled" : text;
+    }
+    template <class Control>
+    static Control* controlIn(NSWindow* panel, int tag) {
+        return cast<Control>(panel->contentView()->viewWithTag(tag));
     }
     Retained<WRPageSetupPanel> pageSetup() {
         const auto apply = [this](NSDictionary* settings) { return window->changeSettings(settings); };
@@ -183,9 +186,7 @@ TEST_F(DocumentWindowTest, ChangesPaperAndMargins) {
         EXPECT_EQ(look(), before);
     }
     EXPECT_FALSE(document->settings());
-    auto* popUp =
-        cast<NSPopUpButton>(panel->window()->contentView()->viewWithTag(WRPageSetupPanel::kOrientationTag));
-    popUp->selectItemAtIndex(1);
+    controlIn<NSPopUpButton>(panel->window(), WRPageSetupPanel::kOrientationTag)->selectItemAtIndex(1);
     enter(panel->window(), u"12,7");
     EXPECT_FALSE(panel->window()->isVisible());
     EXPECT_NEAR(PageFrame::of(document->settings()).left, 36, 0.01);
@@ -219,7 +220,6 @@ TEST_F(DocumentWindowTest, HasTheHeaderAndThePageNumbersThatTheUserAsksFor) {
         }
         return text;
     };
-    EXPECT_EQ(lines(), "||");
     setUp(false, u""_ns, false);
     EXPECT_FALSE(document->settings() || window->window()->isDocumentEdited()) << "no change";
     setUp(true, u""_ns, true);
@@ -287,11 +287,9 @@ struct ThreePrinters : PrintService {
 };
 
 TEST_F(DocumentWindowTest, PrintsTheTextAsItIs) {
-    if (std::system("pdftotext -v 2>/dev/null")) GTEST_SKIP() << "needs pdftotext";
+    if (outputOf("pdftotext -v 2>&1").status) GTEST_SKIP() << "needs pdftotext";
     const auto textOf = [&](const char* name) {
-        const std::string path = folder.path(name), text = path + ".txt";
-        EXPECT_EQ(std::system(("pdftotext -raw " + path + " " + text).c_str()), 0);
-        return folder.read(std::string(name) + ".txt");
+        return outputOf("pdftotext -raw " + folder.path(name) + " -").text;
     };
     const auto service = std::make_shared<ThreePrinters>();
     PrintService::setShared(service);
@@ -299,9 +297,13 @@ TEST_F(DocumentWindowTest, PrintsTheTextAsItIs) {
     view->setSelectedRange({0, 0});
     view->insertText(u"Edited "_ns);
     PageDocument pages(view->textStorage(), view->pages()->settings());
-    auto panel = WRPrintPanel::create(&pages, u"b.txt"_ns);
-    auto* popUp = cast<NSPopUpButton>(panel->window()->contentView()->viewWithTag(WRPrintPanel::kPrinterTag));
-    auto* bothSides = cast<NSButton>(panel->window()->contentView()->viewWithTag(WRPrintPanel::kTwoSidedTag));
+    Retained<WRPrintPanel> panel;
+    NSPopUpButton* printers = nullptr;
+    const auto open = [&] {
+        panel = WRPrintPanel::create(&pages, u"b.txt"_ns);
+        printers = controlIn<NSPopUpButton>(panel->window(), WRPrintPanel::kPrinterTag);
+    };
+    const auto titles = [&] { return shown(printers->itemTitles()->componentsJoinedByString(u"|"_ns)); };
     const auto press = [&](std::u16string_view range) {
         panel->window()->makeKeyAndOrderFront(nullptr);
         screen.turn();
@@ -311,14 +313,14 @@ TEST_F(DocumentWindowTest, PrintsTheTextAsItIs) {
         while (!panel->outcome()) screen.turn();
         return shown(panel->outcome());
     };
+    open();
     press(u"1-1");
-    EXPECT_EQ(shown(popUp->itemTitles()->componentsJoinedByString(u"|"_ns)),
-              "_Looking for printers…|_PDF file…");
+    EXPECT_EQ(titles(), "_Looking for printers…|_PDF file…");
     EXPECT_EQ(shown(panel->message()), "_Printers are still being looked for.");
     service->answers = true;
-    while (popUp->numberOfItems() < 3) screen.turn();
-    EXPECT_EQ(shown(popUp->itemTitles()->componentsJoinedByString(u"|"_ns)), "Attic|Attic|Office|_PDF file…");
-    EXPECT_EQ(shown(popUp->titleOfSelectedItem()), "Office");
+    while (printers->numberOfItems() < 3) screen.turn();
+    EXPECT_EQ(titles(), "Attic|Attic|Office|_PDF file…");
+    EXPECT_EQ(shown(printers->titleOfSelectedItem()), "Office");
     press(u"7-9");
     EXPECT_FALSE(panel->outcome()) << "there are no such pages";
     service->answers = false;
@@ -327,35 +329,34 @@ TEST_F(DocumentWindowTest, PrintsTheTextAsItIs) {
     press(u"1-1");  // once is enough
     service->answers = true;
     EXPECT_EQ(waitForOutcome(), "_Sent to the printer \"Office\" as job 12; pages: 1");
-    EXPECT_EQ(service->printed.copies, 1u);
-    EXPECT_EQ(service->printed.paper, pages.frame().paper);
-    EXPECT_TRUE(service->printed.isTwoSided) << "as the printer does by itself";
-    EXPECT_TRUE(service->printed.pdf->writeToFile_atomically(NSString::ofUTF8(folder.path("job.pdf")), true));
-    const std::string job = textOf("job.pdf");
-    EXPECT_EQ(job.substr(0, 9), "Edited 0\n") << "no header that nobody asked for";
-    EXPECT_EQ(job.find('\f'), job.size() - 1) << "one page";
-    panel = WRPrintPanel::create(&pages, u"b.txt"_ns);
-    popUp = cast<NSPopUpButton>(panel->window()->contentView()->viewWithTag(WRPrintPanel::kPrinterTag));
-    bothSides = cast<NSButton>(panel->window()->contentView()->viewWithTag(WRPrintPanel::kTwoSidedTag));
-    while (popUp->numberOfItems() < 3) screen.turn();
-    EXPECT_TRUE(bothSides->isEnabled());
-    popUp->selectItemAtIndex(0);
-    panel->printerDidChange(popUp);
-    EXPECT_FALSE(bothSides->isEnabled());
-    auto* copies = cast<NSTextField>(panel->window()->contentView()->viewWithTag(WRPrintPanel::kCopiesTag));
-    for (const NSInteger choice : {3, 0}) {  // the file, and the printer again
-        popUp->selectItemAtIndex(choice);
-        panel->printerDidChange(popUp);
-        EXPECT_EQ(copies->isEnabled(), choice == 0);
-    }
+    const PrintJob& job = service->printed;
+    EXPECT_EQ(job.copies, 1u);
+    EXPECT_EQ(job.paper, pages.frame().paper);
+    EXPECT_TRUE(job.isTwoSided) << "as the printer does by itself";
+    EXPECT_TRUE(job.pdf->writeToFile_atomically(NSString::ofUTF8(folder.path("job.pdf")), true));
+    const std::string text = textOf("job.pdf");
+    EXPECT_THAT(text, StartsWith("Edited 0\n")) << "no header that nobody asked for";
+    EXPECT_EQ(text.find('\f'), text.size() - 1) << "one page";
+
+    open();
+    while (printers->numberOfItems() < 3) screen.turn();
+    const auto choose = [&](NSInteger printer) {
+        printers->selectItemAtIndex(printer);
+        panel->printerDidChange(printers);
+        return shown(controlIn<NSControl>(panel->window(), WRPrintPanel::kTwoSidedTag)->isEnabled(),
+                     controlIn<NSControl>(panel->window(), WRPrintPanel::kCopiesTag)->isEnabled());
+    };
+    EXPECT_EQ(choose(2), "1 1");
+    EXPECT_EQ(choose(3), "0 0") << "the file";
+    EXPECT_EQ(choose(0), "0 1");
     press(u"");
     EXPECT_EQ(waitForOutcome(), "_Nothing was printed: the printer \"Attic\" took no document: it is off.");
     // Closing the panel gives up.
     service->answers = false;
-    panel = WRPrintPanel::create(&pages, u"b.txt"_ns);
+    open();
     panel->cancel(nullptr);
     while (service.use_count() > 2) screen.turn();
-    panel = WRPrintPanel::create(&pages, u"b.txt"_ns);
+    open();
     auto ending = NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(
         0, screen.app, "abortModal"_sel, nullptr, false);
     NSRunLoop::mainRunLoop()->addTimer_forMode(ending, NSModalPanelRunLoopMode);
@@ -363,11 +364,12 @@ TEST_F(DocumentWindowTest, PrintsTheTextAsItIs) {
     while (service.use_count() > 2) screen.turn();
     PrintService::setShared(nullptr);
 
-    NSString* path = NSString::ofUTF8(folder.path("all.pdf"));
-    EXPECT_NE(shown(panel->writePages({0, pages.pageCount()}, path)).find("_Written to"), std::string::npos);
-    EXPECT_NE(textOf("all.pdf").find("149"), std::string::npos);
-    path = NSString::ofUTF8(folder.path("no/all.pdf"));
-    EXPECT_NE(shown(panel->writePages({0, 1}, path)).find("could not be written"), std::string::npos);
+    const auto write = [&](NSUInteger count, const char* name) {
+        return shown(panel->writePages({0, count}, NSString::ofUTF8(folder.path(name))));
+    };
+    EXPECT_THAT(write(pages.pageCount(), "all.pdf"), HasSubstr("_Written to"));
+    EXPECT_THAT(textOf("all.pdf"), HasSubstr("149"));
+    EXPECT_THAT(write(1, "no/all.pdf"), HasSubstr("could not be written"));
 }
 
 }  // namespace
