@@ -4,6 +4,11 @@
 # All libraries, for those who install them without the rest.
 add_custom_target(pelvor-libraries)
 
+# While building, the libraries stand beside each other as they do once installed, and so find each other in the same
+# way. A folder for building alone would be overwritten when they are installed; CMake fills such a place up with empty
+# entries, each of which means the folder that a program is started in.
+set(PELVOR_LIBRARY_FOLDER "${PROJECT_BINARY_DIR}/Libraries")
+
 # pelvor_library(NAME <target> ALIAS <name> INCLUDE_ROOT <dir> HEADERS <dir>…
 #                [DEPS <name>…] [PACKAGES "<find_package arguments>"…] [PKG_CONFIG <module>…] [LIBRARIES <target>…])
 #
@@ -33,7 +38,9 @@ function(pelvor_library)
     set_target_properties(${arg_NAME} PROPERTIES
         EXPORT_NAME ${arg_ALIAS}
         DEFINE_SYMBOL ""
-        INSTALL_RPATH "\$ORIGIN"  # the libraries below are beside it, wherever the prefix is
+        LIBRARY_OUTPUT_DIRECTORY "${PELVOR_LIBRARY_FOLDER}"
+        INSTALL_RPATH "\$ORIGIN"
+        BUILD_WITH_INSTALL_RPATH ON
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR})
     target_compile_features(${arg_NAME} PUBLIC cxx_std_20)
