@@ -6,9 +6,9 @@
 
 #include "Foundation/NSAttributedString.h"
 #include "Foundation/NSNumber.h"
+#include "Interface/Drawing/Direction.h"
 #include "Interface/Drawing/Shapes.h"
 #include "Interface/InterfaceLibrary.h"
-#include "Interface/Menus/MenuLayout.h"
 #include "Interface/NSControl.h"
 #include "Interface/NSImage.h"
 #include "Interface/Texts/CopiedText.h"

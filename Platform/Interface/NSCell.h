@@ -144,6 +144,8 @@ class PELVOR_EXPORT NSCell : public NSObject {
     bool isScrollable() { return _values.isScrollable; }
     /// Whether a text that is edited moves aside when it becomes too long. Such a cell does not wrap.
     void setScrollable(bool isScrollable);
+    /// The side that the text, and the marks, segments and indicators beside it, begin at. Natural at first:
+    /// a text decides by its letters, and the rest begins where menus do in the user's language.
     NSWritingDirection baseWritingDirection() { return _values.baseWritingDirection; }
     void setBaseWritingDirection(NSWritingDirection direction);
     virtual bool isBordered() { return _values.isBordered; }

@@ -7,6 +7,7 @@
 
 #include "Foundation/NSMutableAttributedString.h"
 #include "Foundation/NSNumber.h"
+#include "Interface/Drawing/Direction.h"
 #include "Interface/Drawing/Shapes.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/Menus/MenuKeys.h"
@@ -30,7 +31,7 @@ namespace {
 constexpr float kTitleInset = 9, kBarInset = 4;
 
 // What stands for the titles without room.
-NSString* moreText() { return menusRunFromRightToLeft() ? u"«"_ns : u"»"_ns; }
+NSString* moreText() { return interfaceRunsFromRightToLeft() ? u"«"_ns : u"»"_ns; }
 
 float widthOfTitle(NSString* title) { return MenuText(title).size().width + 2 * kTitleInset; }
 
@@ -100,7 +101,7 @@ std::vector<NSMenuBarView::Titles::Title> NSMenuBarView::Titles::all() {
     if (!observed) return titles;
     const float end = NSWidth(bar->bounds());
     const auto add = [&](NSMenuItem* item, float x, float width, std::size_t index) {
-        const float left = menusRunFromRightToLeft() ? end - x - width : x;
+        const float left = interfaceRunsFromRightToLeft() ? end - x - width : x;
         titles.push_back(
             {Retained<NSMenuItem>::retaining(item), {{left, 0}, {width, menuBarHeight()}}, index});
     };

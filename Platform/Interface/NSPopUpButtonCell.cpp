@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Interface/Drawing/Direction.h"
 #include "Interface/Drawing/Shapes.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/Menus/MenuTracker.h"

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "Foundation/NSMutableDictionary.h"
+#include "Interface/Drawing/Direction.h"
 #include "Interface/Drawing/Shapes.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSControl.h"
@@ -162,7 +163,7 @@ NSSize NSSegmentedCell::cellSizeForBounds(NSRect) {
 
 NSRect NSSegmentedCell::rectOfSegment_inFrame(int segment, NSRect frame) {
     const Segment& shown = at(segment, "rectOfSegment:inFrame:");
-    const bool isRightToLeft = baseWritingDirection() == NSWritingDirectionRightToLeft;
+    const bool isRightToLeft = runsFromRightToLeft(baseWritingDirection());
     const float total = cellSizeForBounds(frame).width;
     // A frame that is narrower than the segments makes all of them narrower.
     const float factor = std::min(1.0f, frame.size.width / total);
@@ -188,7 +189,7 @@ void NSSegmentedCell::drawInteriorWithFrame_inView(NSRect frame, NSView* view) {
                         : isEnabled() ? ThemeColor::accent
                                       : ThemeColor::inactiveSelection);
         if (i > 0) {
-            const bool isRightToLeft = baseWritingDirection() == NSWritingDirectionRightToLeft;
+            const bool isRightToLeft = runsFromRightToLeft(baseWritingDirection());
             const float edge = isRightToLeft ? NSMaxX(place) : NSMinX(place);
             fillRect({{std::floor(edge), place.origin.y + 5}, {metrics::kLine, place.size.height - 10}},
                      ThemeColor::grid);
@@ -208,7 +209,8 @@ void NSSegmentedCell::drawSegment_inFrame_withView(int segment, NSRect frame, NS
         NSRect place = frame;
         if (shown.label)
             NSDivideRect(NSInsetRect(frame, metrics::kSegmentInset - 2, 0), &place, &frame,
-                         shown.image->size().width, NSMinXEdge);
+                         shown.image->size().width,
+                         runsFromRightToLeft(baseWritingDirection()) ? NSMaxXEdge : NSMinXEdge);
         shown.image->drawInRect_fromRect_operation_fraction(
             fittedImage(shown.image->size(), place, NSScaleProportionally), NSZeroRect, NSCompositeSourceOver,
             isUsable ? 1 : 0.4f);

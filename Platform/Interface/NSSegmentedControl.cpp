@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Interface/NSSegmentedControl.h"
 
+#include "Interface/Drawing/Direction.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSEvent.h"
 #include "Runtime/NSException.h"
@@ -97,7 +98,7 @@ bool NSSegmentedControl::acceptsFirstResponder() {
 void NSSegmentedControl::keyDown(NSEvent* event) {
     const unichar key = event && event->characters()->length() ? event->characters()->characterAtIndex(0) : 0;
     auto* segmented = cast<NSSegmentedCell>(cell());
-    const bool isRightToLeft = baseWritingDirection() == NSWritingDirectionRightToLeft;
+    const bool isRightToLeft = runsFromRightToLeft(baseWritingDirection());
     if (!segmented || !isEnabled() || (key != NSLeftArrowFunctionKey && key != NSRightArrowFunctionKey))
         return NSControl::keyDown(event);
     if ((key == NSLeftArrowFunctionKey) == isRightToLeft)

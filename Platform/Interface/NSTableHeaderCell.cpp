@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "Interface/Drawing/Direction.h"
 #include "Interface/Drawing/Shapes.h"
 #include "Interface/InterfaceLibrary.h"
 
@@ -38,9 +39,8 @@ NSRect NSTableHeaderCell::titleRectForBounds(NSRect bounds) {
 
 NSRect NSTableHeaderCell::sortIndicatorRectForBounds(NSRect bounds) {
     NSRect indicator;
-    const bool isRightToLeft = baseWritingDirection() == NSWritingDirectionRightToLeft;
     NSDivideRect(NSInsetRect(bounds, metrics::kHeaderInset / 2, 0), &indicator, nullptr, kIndicatorWidth,
-                 isRightToLeft ? NSMinXEdge : NSMaxXEdge);
+                 runsFromRightToLeft(baseWritingDirection()) ? NSMinXEdge : NSMaxXEdge);
     return indicator;
 }
 

@@ -7,9 +7,9 @@
 #include "Foundation/LibraryTexts.h"
 #include "Foundation/NSBundle.h"
 #include "Foundation/NSProcessInfo.h"
+#include "Interface/Drawing/Direction.h"
 #include "Interface/Drawing/Theme.h"
 #include "Interface/InterfaceLibrary.h"
-#include "Interface/Menus/MenuLayout.h"
 #include "Interface/NSAlert.h"
 #include "Interface/NSButton.h"
 #include "Interface/NSEvent.h"
@@ -89,7 +89,7 @@ void AlertView::layOut(NSAlert* alert) {
     const float width = textX + textWidth + kMargin;
     const float buttonsY = std::max(NSMaxY(_informativeRect), icon ? NSMaxY(_iconRect) : 0) + kMargin;
     setFrameSize({width, buttonsY + metrics::kButtonHeight + kMargin});
-    const bool isRightToLeft = menusRunFromRightToLeft();
+    const bool isRightToLeft = interfaceRunsFromRightToLeft();
     if (isRightToLeft)
         for (NSRect* rect : {&_messageRect, &_informativeRect, &_iconRect})
             rect->origin.x = width - NSMaxX(*rect);

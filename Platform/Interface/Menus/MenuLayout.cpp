@@ -13,6 +13,7 @@
 #include "Text/NSColor.h"
 #include "Text/NSFont.h"
 #include "Text/NSString-Drawing.h"
+#include "Text/TextAttributes.h"
 
 namespace pelvor {
 namespace {
@@ -44,15 +45,6 @@ Retained<NSAttributedString> inMenuFont(NSAttributedString* text) {
 NSSize roundedUp(NSSize size) { return {std::ceil(size.width), std::ceil(size.height)}; }
 
 }  // namespace
-
-bool menusRunFromRightToLeft() {
-    return NSParagraphStyle::defaultWritingDirectionForLanguage(nullptr) == NSWritingDirectionRightToLeft;
-}
-
-bool runsFromRightToLeft(NSWritingDirection direction) {
-    return direction == NSWritingDirectionNatural ? menusRunFromRightToLeft()
-                                                  : direction == NSWritingDirectionRightToLeft;
-}
 
 // MARK: Texts
 

@@ -8,7 +8,6 @@
 #include "Foundation/NSAttributedString.h"
 #include "Foundation/NSGeometry.h"
 #include "Interface/NSMenuItem.h"
-#include "Text/NSParagraphStyle.h"
 
 namespace pelvor {
 
@@ -73,10 +72,5 @@ class MenuLayout {
     NSSize _size;
     float _titleX = 0;
 };
-
-/// Whether menus run from right to left in the user's language.
-bool menusRunFromRightToLeft();
-/// Whether a control with this base direction runs from right to left; a natural one does if menus do.
-bool runsFromRightToLeft(NSWritingDirection direction);
 
 }  // namespace pelvor

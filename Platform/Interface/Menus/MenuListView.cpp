@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "Interface/Drawing/Direction.h"
 #include "Interface/Drawing/Shapes.h"
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/Menus/MenuTracker.h"
@@ -17,7 +18,7 @@ Retained<MenuListView> MenuListView::forMenu(NSMenu* menu, std::size_t firstItem
     auto view = cast<MenuListView>(NSView::initWithFrame(NSZeroRect, cls));
     view->_menu.set(menu);
     view->_firstItem = firstItem;
-    view->_isMirrored = menusRunFromRightToLeft();
+    view->_isMirrored = interfaceRunsFromRightToLeft();
     menu->addObserver(view.get());
     view->refresh();
     return view;

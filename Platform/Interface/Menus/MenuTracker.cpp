@@ -6,6 +6,7 @@
 
 #include "Foundation/NSNotificationCenter.h"
 #include "Foundation/RunLoop/Deadline.h"
+#include "Interface/Drawing/Direction.h"
 #include "Interface/Drawing/Theme.h"
 #include "Interface/Events/ApplicationState.h"
 #include "Interface/NSApplication.h"
@@ -267,7 +268,7 @@ void MenuTracker::place(Level& level) {
     const NSRect anchor = level.opening.anchor;
     const NSRect visible = visibleFrameAround({NSMidX(anchor), NSMidY(anchor)});
     level.window->setFrame_display(
-        menuFrame(size, level.opening, overlap, visible, menusRunFromRightToLeft()), false);
+        menuFrame(size, level.opening, overlap, visible, interfaceRunsFromRightToLeft()), false);
     level.view->scrollBy(0);
 }
 
@@ -479,7 +480,7 @@ bool MenuTracker::moveByKey(char16_t key) {
     const std::size_t level = activeLevel();
     const auto& rows = _levels[level].view->layout().rows();
     const int row = highlightedRow(level), count = static_cast<int>(rows.size());
-    if (menusRunFromRightToLeft()) {
+    if (interfaceRunsFromRightToLeft()) {
         if (key == NSLeftArrowFunctionKey)
             key = NSRightArrowFunctionKey;
         else if (key == NSRightArrowFunctionKey)

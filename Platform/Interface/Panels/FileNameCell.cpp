@@ -3,9 +3,9 @@
 
 #include <cmath>
 
+#include "Interface/Drawing/Direction.h"
 #include "Interface/Drawing/Shapes.h"
 #include "Interface/InterfaceLibrary.h"
-#include "Interface/Menus/MenuLayout.h"
 
 namespace pelvor {
 
@@ -25,7 +25,8 @@ void FileNameCell::takeProperties(NSCell* other) {
 
 NSRect FileNameCell::titleRectForBounds(NSRect bounds) {
     NSRect rest = bounds;
-    NSDivideRect(rest, nullptr, &rest, kPictureRoom, menusRunFromRightToLeft() ? NSMaxXEdge : NSMinXEdge);
+    NSDivideRect(rest, nullptr, &rest, kPictureRoom,
+                 interfaceRunsFromRightToLeft() ? NSMaxXEdge : NSMinXEdge);
     return NSTextFieldCell::titleRectForBounds(rest);
 }
 
@@ -33,7 +34,7 @@ void FileNameCell::drawInteriorWithFrame_inView(NSRect frame, NSView* view) {
     NSTextFieldCell::drawInteriorWithFrame_inView(frame, view);
     const NSSize size = _isFolder ? kFolder : kFile;
     const float middle =
-        menusRunFromRightToLeft() ? NSMaxX(frame) - kPictureRoom / 2 : frame.origin.x + kPictureRoom / 2;
+        interfaceRunsFromRightToLeft() ? NSMaxX(frame) - kPictureRoom / 2 : frame.origin.x + kPictureRoom / 2;
     const NSRect place{{std::round(middle - size.width / 2), std::round(NSMidY(frame) - size.height / 2)},
                        size};
     const ThemeColor ink = isHighlighted() ? ThemeColor::selection : ThemeColor::disabledText;

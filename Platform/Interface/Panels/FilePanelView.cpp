@@ -8,9 +8,9 @@
 #include "Foundation/NSFileManager.h"
 #include "Foundation/NSMutableArray.h"
 #include "Foundation/NSMutableIndexSet.h"
+#include "Interface/Drawing/Direction.h"
 #include "Interface/Drawing/Theme.h"
 #include "Interface/InterfaceLibrary.h"
-#include "Interface/Menus/MenuLayout.h"
 #include "Interface/NSMenuItem.h"
 #include "Interface/NSSavePanel.h"
 #include "Interface/NSScrollView.h"
@@ -79,7 +79,7 @@ void FilePanelView::makeParts() {
     _message->cell()->setWraps(true);
     addSubview(_message);
     _label = label();
-    _label->setAlignment(menusRunFromRightToLeft() ? NSLeftTextAlignment : NSRightTextAlignment);
+    _label->setAlignment(interfaceRunsFromRightToLeft() ? NSLeftTextAlignment : NSRightTextAlignment);
     addSubview(_label);
     _field = NSTextField::initWithFrame(NSZeroRect);
     _field->cell()->setScrollable(true);
@@ -120,7 +120,7 @@ void FilePanelView::makeTable() {
         made.push_back(column);
     }
     // By the language of the panel, not by that of a name.
-    const bool isRightToLeft = menusRunFromRightToLeft();
+    const bool isRightToLeft = interfaceRunsFromRightToLeft();
     for (const auto& column : made) {
         const bool isAtLeft = (column == made.back()) == isRightToLeft;
         for (NSCell* cell : {column->dataCell(), column->headerCell()})
@@ -170,7 +170,7 @@ void FilePanelView::setFrameSize(NSSize size) {
 
 // Left is right where the language runs from right to left.
 void FilePanelView::place(NSView* view, NSRect rect) {
-    if (menusRunFromRightToLeft()) rect.origin.x = bounds().size.width - NSMaxX(rect);
+    if (interfaceRunsFromRightToLeft()) rect.origin.x = bounds().size.width - NSMaxX(rect);
     view->setFrame(rect);
 }
 

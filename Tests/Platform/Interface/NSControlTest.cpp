@@ -6,6 +6,7 @@
 #include "Interface/InterfaceLibrary.h"
 #include "Interface/NSButton.h"
 #include "Interface/NSSegmentedControl.h"
+#include "Interface/NSTableHeaderCell.h"
 #include "Interface/NSText.h"
 #include "Interface/NSTextField.h"
 #include "InterfaceScope.h"
@@ -248,6 +249,25 @@ TEST_F(SegmentTest, MovesByKeysRoundTheEndAndPastWhatCannotBeUsed) {
         order += std::to_string(control->selectedSegment());
     }
     EXPECT_EQ(order, "0202");
+}
+
+TEST_F(SegmentTest, RunsAsTheLanguageDoesUnlessToldOtherwise) {
+    auto header = NSTableHeaderCell::init();
+    const auto segmentAtLeft = [&] {
+        screen.click(control, {25, 12});
+        return control->selectedSegment();
+    };
+    const auto indicatorX = [&] { return NSMinX(header->sortIndicatorRectForBounds({{}, {100, 22}})); };
+    LanguageScope language("he");
+    EXPECT_EQ(segmentAtLeft(), 2);
+    EXPECT_LT(indicatorX(), 50);
+    window->makeFirstResponder(control);
+    screen.press(NSRightArrowFunctionKey);
+    EXPECT_EQ(control->selectedSegment(), 1);
+    control->setBaseWritingDirection(NSWritingDirectionLeftToRight);
+    header->setBaseWritingDirection(NSWritingDirectionLeftToRight);
+    EXPECT_EQ(segmentAtLeft(), 0);
+    EXPECT_GT(indicatorX(), 50);
 }
 
 TEST_F(SegmentTest, RefusesSegmentsThatDoNotExist) {
