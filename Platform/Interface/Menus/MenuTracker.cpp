@@ -243,8 +243,8 @@ void MenuTracker::open(NSMenu* menu, const MenuOpening& opening, NSMenuItem* ope
     level.window->setLevel(NSPopUpMenuWindowLevel);
     level.window->setContentView(level.view);
     level.window->setAcceptsMouseMovedEvents(true);
-    place(level);
-    level.window->orderFront(nullptr);
+    guarded([&] { place(level); });  // who hears that windows move may raise
+    guarded([&] { level.window->orderFront(nullptr); });
     DisplayConnection::shared().backend().beginTracking(level.window->state().backendWindow);
     _levels.push_back(std::move(level));
     const std::size_t index = _levels.size() - 1;
@@ -276,7 +276,7 @@ void MenuTracker::closeFrom(std::size_t first) {
     while (_levels.size() > first) {
         const Level level = std::move(_levels.back());
         _levels.pop_back();
-        level.window->orderOut(nullptr);
+        guarded([&] { level.window->orderOut(nullptr); });
         guarded([&] { level.menu->setHighlightedItem(nullptr); });
         guarded([&] { level.menu->tellDelegate("menuDidClose:"_sel); });
     }

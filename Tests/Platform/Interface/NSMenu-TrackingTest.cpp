@@ -431,6 +431,15 @@ TEST_F(MenuTracking, SurvivesWhatItsMenusDo) {
     screen.press(NSF10FunctionKey);
     EXPECT_THAT(log.lines, Contains(HasSubstr("opening")));
     EXPECT_EQ(taker->log.back(), "Copy");
+    // Whoever hears that the menu's window moves raises.
+    taker->whenTold = nullptr;
+    auto hearer = Listener::to(NSWindowDidMoveNotification);
+    hearer->reaction = [] { throw NSException("Trouble", "moving"); };
+    window->contentView()->setMenu(recent);
+    plan({pressing(0x1b)});
+    takeLog();
+    openContextMenu();
+    EXPECT_EQ(takeLog(), "open recent, close recent");
 }
 
 TEST_F(MenuTracking, SurvivesRandomSteps) {
