@@ -124,6 +124,17 @@ bool XConnection::isLost() const { return !_connection || xcb_connection_has_err
 
 void XConnection::flush() const { xcb_flush(_connection); }
 
+bool XConnection::owns(xcb_window_t window) const {
+    const xcb_setup_t* setup = xcb_get_setup(_connection);
+    return (window & ~setup->resource_id_mask) == setup->resource_id_base;
+}
+
+void XConnection::watch(xcb_window_t window) {
+    if (owns(window)) return;  // its events are those that it was made with
+    const std::uint32_t events[] = {XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY};
+    xcb_change_window_attributes(_connection, window, XCB_CW_EVENT_MASK, events);
+}
+
 bool XConnection::findVisual() {
     const xcb_setup_t* setup = xcb_get_setup(_connection);
     if (setup->image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST) return false;
@@ -187,7 +198,9 @@ xcb_atom_t XConnection::atomNamed(const std::string& name) {
     return _atomsByName[name] = reply->atom;
 }
 
-std::vector<std::string> XConnection::namesOf(const std::vector<std::uint32_t>& atoms) {
+std::vector<std::string> XConnection::namesOf(std::vector<std::uint32_t> atoms) {
+    constexpr std::size_t kMostNames = 1024;
+    atoms.resize(std::min(atoms.size(), kMostNames));
     std::vector<std::pair<xcb_atom_t, xcb_get_atom_name_cookie_t>> asked;
     for (const xcb_atom_t atom : atoms)
         if (!_namesByAtom.contains(atom)) asked.emplace_back(atom, xcb_get_atom_name(_connection, atom));

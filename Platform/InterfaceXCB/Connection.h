@@ -83,11 +83,16 @@ class XConnection {
     xcb_colormap_t colormap() const { return _colormap; }
     /// A window that is never shown, for selections and times.
     xcb_window_t helper() const { return _helper; }
+    /// Whether this connection has made the window.
+    bool owns(xcb_window_t window) const;
+    /// Asks for the events of another program's window: its properties change, and it ends.
+    void watch(xcb_window_t window);
 
     xcb_atom_t operator[](Atom atom);
     /// Asks the server for a name that was not asked for before; 0 if it does not reply.
     xcb_atom_t atomNamed(const std::string& name);
-    std::vector<std::string> namesOf(const std::vector<std::uint32_t>& atoms);
+    /// Of no more than the first 1024 atoms: each one is asked for, and other programs make these lists.
+    std::vector<std::string> namesOf(std::vector<std::uint32_t> atoms);
 
     /// Whether the server takes memory by its descriptor: not one on another machine, nor a very old one.
     bool sharesMemory();

@@ -15,6 +15,7 @@ constexpr double kPatience = 2;
 constexpr std::size_t kPieceSize = 1 << 18;
 constexpr std::size_t kLargestContent = std::size_t{1} << 30;  // an owner may send without an end
 constexpr unsigned kPropertyCount = 4;
+constexpr std::size_t kMostTransfers = 64;  // each has its content; a program may ask as often as it likes
 
 constexpr const char* kTargets = "TARGETS";
 constexpr std::string_view kNotTypes[] = {"DELETE",       "INSERT_PROPERTY", "INSERT_SELECTION", "MULTIPLE",
@@ -80,7 +81,10 @@ void XSelections::answer(const xcb_selection_request_event_t& request) {
     const auto reply = [&](bool isGiven) {
         _connection.sendSelectionNotice(request, isGiven ? property : static_cast<xcb_atom_t>(XCB_NONE));
     };
-    if (!found || isEarlier) return reply(false);
+    // Whoever asks may name any window; what a window of ours has for properties and events is not its own to
+    // say.
+    const bool isOurs = _connection.owns(request.requestor) && request.requestor != _connection.helper();
+    if (!found || isEarlier || isOurs) return reply(false);
     const Offer offer = *found;  // the provider may offer something else
     try {
         reply(request.target == _connection[Atom::MULTIPLE]
@@ -106,8 +110,7 @@ bool XSelections::give(const Offer& offer, xcb_window_t window, xcb_atom_t targe
     const auto type = std::ranges::find_if(
         offer.types, [&](const std::string& name) { return _connection.atomNamed(name) == target; });
     if (type == offer.types.end() || target == 0) return false;
-    giveContent(window, property, target, offer.provider(*type));
-    return true;
+    return giveContent(window, property, target, offer.provider(*type));
 }
 
 bool XSelections::giveSeveral(const Offer& offer, xcb_window_t window, xcb_atom_t property) {
@@ -121,21 +124,25 @@ bool XSelections::giveSeveral(const Offer& offer, xcb_window_t window, xcb_atom_
     return !pairs.empty();
 }
 
-void XSelections::giveContent(xcb_window_t window, xcb_atom_t property, xcb_atom_t type,
+bool XSelections::giveContent(xcb_window_t window, xcb_atom_t property, xcb_atom_t type,
                               std::string content) {
-    if (content.size() <= pieceSize()) return _connection.setProperty(window, property, type, content);
-    // Who wants it deletes the property to get the next piece.
-    const std::uint32_t events[] = {XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY};
-    xcb_change_window_attributes(_connection, window, XCB_CW_EVENT_MASK, events);
+    // What the window did not fetch from there it does not want any longer.
+    std::erase_if(_transfers, [&](const Transfer& transfer) { return transfer.goesTo(window, property); });
+    if (content.size() <= pieceSize()) {
+        _connection.setProperty(window, property, type, content);
+        return true;
+    }
+    if (_transfers.size() >= kMostTransfers) return false;
+    _connection.watch(window);  // who wants it deletes the property to get the next piece
     _connection.setProperty(window, property, _connection[Atom::INCR],
                             {static_cast<std::uint32_t>(std::min<std::size_t>(content.size(), UINT32_MAX))});
     _transfers.push_back({window, property, type, std::move(content), 0, secondsNow() + kPatience});
+    return true;
 }
 
 bool XSelections::continueTransfer(xcb_window_t window, xcb_atom_t property) {
-    const auto transfer = std::ranges::find_if(_transfers, [&](const Transfer& candidate) {
-        return candidate.window == window && candidate.property == property;
-    });
+    const auto transfer = std::ranges::find_if(
+        _transfers, [&](const Transfer& candidate) { return candidate.goesTo(window, property); });
     if (transfer == _transfers.end()) return false;
     const std::size_t size = std::min(pieceSize(), transfer->content.size() - transfer->sent);
     _connection.setProperty(window, property, transfer->type,

@@ -46,6 +46,10 @@ class XSelections {
         std::string content;
         std::size_t sent = 0;
         double deadline;
+
+        bool goesTo(xcb_window_t itsWindow, xcb_atom_t itsProperty) const {
+            return window == itsWindow && property == itsProperty;
+        }
     };
     struct Request {
         xcb_atom_t selection;
@@ -66,7 +70,7 @@ class XSelections {
     void answer(const xcb_selection_request_event_t& request);
     bool give(const Offer& offer, xcb_window_t window, xcb_atom_t target, xcb_atom_t property);
     bool giveSeveral(const Offer& offer, xcb_window_t window, xcb_atom_t property);
-    void giveContent(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, std::string content);
+    bool giveContent(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, std::string content);
     bool continueTransfer(xcb_window_t window, xcb_atom_t property);
     void endTransfers(xcb_window_t window);
 

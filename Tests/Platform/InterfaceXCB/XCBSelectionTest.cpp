@@ -40,6 +40,24 @@ class XCBSelectionTest : public XCBTest {
         EXPECT_TRUE(driver->until([&] { return got.isDone; }));
         return got;
     }
+    /// The next event of that kind that the peer gets.
+    XEvent peerEvent(std::uint8_t kind) {
+        XEvent event;
+        EXPECT_TRUE(driver->until([&] {
+            event = server->peerConnection().waitForEvent(
+                0, [kind](const XAnyEvent& candidate) { return kindOf(candidate) == kind; });
+            return event != nullptr;
+        }));
+        return event;
+    }
+    /// The peer asks for the clipboard's content; returns the property that it is told.
+    xcb_atom_t convert(xcb_window_t window, const char* type, const std::string& property) {
+        XConnection& peer = server->peerConnection();
+        xcb_convert_selection(peer, window, peer[Atom::CLIPBOARD], peer.atomNamed(type),
+                              peer.atomNamed(property), XCB_CURRENT_TIME);
+        peer.flush();
+        return as<xcb_selection_notify_event_t>(*peerEvent(XCB_SELECTION_NOTIFY)).property;
+    }
     static SelectionProvider giving(const std::string& content) {
         return [content](const std::string&) { return content; };
     }
@@ -100,14 +118,7 @@ TEST_F(XCBSelectionTest, AnswersSeveralTargetsAtOnce) {
     const xcb_atom_t pairs = peer.atomNamed("PAIRS");
     peer.setProperty(window, pairs, peer[Atom::ATOM_PAIR],
                      {peer[Atom::UTF8_STRING], text, peer.atomNamed("image/png"), missing});
-    xcb_convert_selection(peer, window, peer[Atom::CLIPBOARD], peer[Atom::MULTIPLE], pairs, XCB_CURRENT_TIME);
-    peer.flush();
-    XEvent notice;
-    EXPECT_TRUE(driver->until([&] {
-        notice = peer.waitForEvent(
-            0, [](const XAnyEvent& event) { return kindOf(event) == XCB_SELECTION_NOTIFY; });
-        return notice != nullptr;
-    }));
+    EXPECT_EQ(convert(window, "MULTIPLE", "PAIRS"), pairs);
     EXPECT_EQ(peer.property(window, text).bytes, "text");
     EXPECT_EQ(peer.property(window, missing).type, 0U);
     EXPECT_THAT(peer.property(window, pairs).words(),
@@ -145,12 +156,7 @@ TEST_F(XCBSelectionTest, TakesNoNumbersForAText) {
     for (const bool comesInPieces : {false, true}) {
         Got got;
         driver->backend->requestSelection(BackendSelection::clipboard, "UTF8_STRING", got.receiver());
-        XEvent question;
-        ASSERT_TRUE(driver->until([&] {
-            question = peer.waitForEvent(
-                0, [](const XAnyEvent& event) { return kindOf(event) == XCB_SELECTION_REQUEST; });
-            return question != nullptr;
-        }));
+        const XEvent question = peerEvent(XCB_SELECTION_REQUEST);
         const auto& asked = as<xcb_selection_request_event_t>(*question);
         const auto give = [&](xcb_atom_t type) {
             peer.setProperty(asked.requestor, asked.property, type, {65, 66});
@@ -169,6 +175,70 @@ TEST_F(XCBSelectionTest, TakesNoNumbersForAText) {
         EXPECT_TRUE(driver->until([&] { return got.isDone; }));
         EXPECT_FALSE(got.isThere) << comesInPieces;
     }
+    // Nor an endless list of types.
+    Got types;
+    driver->backend->requestTypes(BackendSelection::clipboard, types.receiver());
+    const XEvent question = peerEvent(XCB_SELECTION_REQUEST);
+    const auto& asked = as<xcb_selection_request_event_t>(*question);
+    peer.setProperty(asked.requestor, asked.property, XCB_ATOM_ATOM,
+                     std::vector<std::uint32_t>(50000, XCB_ATOM_STRING));
+    peer.sendSelectionNotice(asked, asked.property);
+    EXPECT_TRUE(driver->until([&] { return types.isDone; }));
+    EXPECT_LT(types.content.size(), 10000U);
+}
+
+TEST_F(XCBSelectionTest, GivesEachContentOnceAndNotEndlessly) {
+    XConnection& peer = server->peerConnection();
+    const xcb_window_t window = peer.helper();
+    const std::string former = pattern(700000), later(600000, 'x');
+    const auto offer = [&](const std::string& content) {
+        ASSERT_TRUE(
+            driver->backend->offerSelection(BackendSelection::clipboard, {"UTF8_STRING"}, giving(content)));
+    };
+    // Asked for again, at the same place, before the former content was fetched.
+    offer(former);
+    convert(window, "UTF8_STRING", "PLACE");
+    offer(later);
+    const xcb_atom_t place = convert(window, "UTF8_STRING", "PLACE");
+    EXPECT_EQ(peer.property(window, place, true).type, peer[Atom::INCR]);
+    std::string got;
+    for (bool isOver = false; !isOver;) {
+        XProperty piece;
+        ASSERT_TRUE(driver->until([&] {
+            piece = peer.property(window, place, true);
+            return piece.type != 0;
+        }));
+        isOver = piece.bytes.empty();
+        got += piece.bytes;
+    }
+    EXPECT_TRUE(got == later);
+    // Asked for again and again, and never fetched.
+    int count = 0;
+    for (int i = 0; i < 100; ++i)
+        count += convert(window, "UTF8_STRING", "PLACE" + std::to_string(i)) != XCB_NONE;
+    EXPECT_GT(count, 10);
+    EXPECT_LT(count, 100);
+}
+
+// Whoever asks may name a window of the program that is asked.
+TEST_F(XCBSelectionTest, GivesNothingToItsOwnWindows) {
+    XConnection& peer = server->peerConnection();
+    driver->openWindow({100, 100, 200, 200}, 0x111111);
+    ASSERT_TRUE(driver->until([&] { return server->pixel(150, 150) == 0x111111; }));
+    const auto windows = peer.wait<xcb_query_tree_reply_t>(xcb_query_tree(peer, peer.root()));
+    const xcb_window_t window = xcb_query_tree_children(windows.get())[windows->children_len - 1];
+    ASSERT_TRUE(driver->backend->offerSelection(BackendSelection::clipboard, {"UTF8_STRING"},
+                                                giving(pattern(1000000))));
+    for (const Atom name : {Atom::WM_PROTOCOLS, Atom::PELVOR_TIME}) {
+        const XProperty before = peer.property(window, peer[name]);
+        xcb_convert_selection(peer, window, peer[Atom::CLIPBOARD], peer[Atom::UTF8_STRING], peer[name],
+                              XCB_CURRENT_TIME);
+        peer.flush();
+        convert(peer.helper(), "TARGETS", "PLACE");  // once this is replied to, the other is as well
+        EXPECT_EQ(peer.property(window, peer[name]).bytes, before.bytes);
+    }
+    server->press(30);
+    EXPECT_TRUE(driver->untilHeard("key down a"));
 }
 
 TEST_F(XCBSelectionTest, AsksClipboardManagersForAMomentOnly) {
