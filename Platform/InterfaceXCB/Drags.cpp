@@ -115,6 +115,9 @@ void XDrags::finish(bool isTaken) {
 void XDrags::cancel() { finish(false); }
 
 bool XDrags::handle(const XAnyEvent& event) {
+    // A source that has ended says no more.
+    if (kindOf(event) == XCB_DESTROY_NOTIFY && as<xcb_destroy_notify_event_t>(event).window == _drop.source)
+        leave();
     if (!isDragging()) return false;
     switch (kindOf(event)) {
         case XCB_MOTION_NOTIFY: {
@@ -182,6 +185,7 @@ void XDrags::enter(const std::uint32_t* words) {
     leave();
     _drop = {};
     _drop.source = words[0];
+    _connection.watch(_drop.source);
     std::vector<std::uint32_t> types{words[2], words[3], words[4]};
     if (words[1] & 1) types = _connection.property(words[0], _connection[Atom::XdndTypeList]).words();
     std::erase(types, 0U);

@@ -111,4 +111,12 @@ TEST_P(XCBDragTest, IsRefusedGivenUpOrLost) {
     EXPECT_EQ(result, 0) << "the window that it came from has ended";
 }
 
+TEST_P(XCBDragTest, LeavesWhenItsProgramEnds) {
+    beginDrag();
+    server->movePointer(500, 200);
+    EXPECT_TRUE(driver->until([&] { return other->count("drag entered") == 1; }));
+    driver.reset();
+    EXPECT_TRUE(other->untilHeard("drag left"));
+}
+
 }  // namespace
