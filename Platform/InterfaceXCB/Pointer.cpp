@@ -112,9 +112,13 @@ bool XPointer::grab(xcb_window_t window, xcb_cursor_t cursor) {
         const auto pointer = _connection.wait<xcb_grab_pointer_reply_t>(
             xcb_grab_pointer(_connection, 1, window, kGrabbedEvents, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
                              XCB_NONE, cursor, XCB_CURRENT_TIME));
-        isOurs = pointer && pointer->status == XCB_GRAB_STATUS_SUCCESS;
+        if (!pointer) break;
+        isOurs = pointer->status == XCB_GRAB_STATUS_SUCCESS;
     }
-    if (!isOurs) return false;
+    if (!isOurs) {
+        ungrab();  // what a server that hangs may still grab, and what an earlier call did
+        return false;
+    }
     xcb_discard_reply(_connection, xcb_grab_keyboard(_connection, 0, window, XCB_CURRENT_TIME,
                                                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)
                                        .sequence);

@@ -24,7 +24,8 @@ class XPointer {
     void setKnownPlace(std::optional<PixelPoint> place) { _known = place; }
     State state();
 
-    /// Waits up to a fifth of a second while another program holds the pointer. Returns whether it is ours.
+    /// Waits up to a fifth of a second while another program holds the pointer. Returns whether it is ours;
+    /// if not, an earlier grab has ended as well.
     bool grab(xcb_window_t window, xcb_cursor_t cursor = 0);
     void ungrab();
     /// Of a grab that has a cursor of its own.

@@ -302,11 +302,18 @@ TEST_F(XCBInputTest, TracksMenus) {
     driver->interprets = true;
     EXPECT_EQ(heardOf(pressed({kA})), "text a");
 
+    // A menu opens a second one, which cannot be seen.
+    const BackendWindow second = driver->openWindow({200, 120, 100, 100}, 0xDDDDDD, WindowKind::menu, window);
+    ASSERT_TRUE(driver->backend->beginTracking(second));
+    WindowWishes wishes;
+    wishes.kind = WindowKind::menu;
+    EXPECT_FALSE(driver->backend->beginTracking(driver->backend->createWindow(wishes)));
+    driver->backend->endTracking();
     // Another program holds the pointer.
+    driver->backend->pointerPlace();
     const auto grab = server->peerConnection().wait<xcb_grab_pointer_reply_t>(
         xcb_grab_pointer(server->peer(), 0, server->root(), 0, 1, 1, 0, 0, 0));
     ASSERT_EQ(grab->status, XCB_GRAB_STATUS_SUCCESS);
-    const BackendWindow second = driver->openWindow({200, 120, 100, 100}, 0xDDDDDD, WindowKind::menu, window);
     EXPECT_FALSE(driver->backend->beginTracking(second));
     driver->backend->endTracking();
 }
