@@ -267,10 +267,12 @@ bool XWindow::handleConfigure(const xcb_configure_notify_event_t& event) {
 
 void XWindow::handleMap(bool isMapped, bool hasManager) {
     _isMapped = isMapped;
-    if (!isMapped)
+    if (!isMapped) {
         _isVisible = false;
-    else if (_wantsFocus)
-        takeFocus(hasManager);
+        return;
+    }
+    if (!hasManager) _isMinimized = false;  // a manager that ends leaves all windows shown
+    if (_wantsFocus) takeFocus(hasManager);
 }
 
 bool XWindow::handleProperty(xcb_atom_t name) {

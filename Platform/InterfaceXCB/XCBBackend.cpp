@@ -262,8 +262,8 @@ void XCBBackend::deliver(const XAnyEvent& event) {
         case XCB_UNMAP_NOTIFY:
             if (XWindow* window = windowOfHandle(as<xcb_map_notify_event_t>(event).window)) {
                 const bool isMapped = kindOf(event) == XCB_MAP_NOTIFY;
-                window->handleMap(isMapped, _screens.hasWindowManager());
                 _screens.ask();
+                window->handleMap(isMapped, _screens.hasWindowManager());
                 // A window manager places the window and then tells; without one nothing is changed.
                 if (isMapped && !_screens.hasWindowManager()) tellConfigured(*window);
             }

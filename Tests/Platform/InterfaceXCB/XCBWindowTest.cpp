@@ -93,6 +93,18 @@ TEST_P(XCBManagedWindowTest, FillsScreensAndComesBack) {
     change(&WindowChanges::isMinimized, no);
     EXPECT_TRUE(driver.untilHeard("configured 1 200,150 300x200"));
     EXPECT_TRUE(driver.until([&] { return server.pixel(210, 160) == 0x336699; }));
+    if (GetParam() == XServerScope::Manager::none) return;
+
+    // The manager ends, and all windows are shown.
+    change(&WindowChanges::isMinimized, yes);
+    EXPECT_TRUE(driver.untilHeard("configured 1 200,150 300x200 minimized"));
+    driver.heard.clear();
+    server.killManager();
+    EXPECT_TRUE(driver.until([&] {
+        return std::ranges::any_of(driver.heard, [](const std::string& text) {
+            return text.starts_with("configured 1") && !text.ends_with(" minimized");
+        });
+    }));
 }
 
 TEST_P(XCBManagedWindowTest, IsClosedAndGivesItsName) {

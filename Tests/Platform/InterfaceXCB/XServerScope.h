@@ -2,6 +2,7 @@
 // XServerScope: an X server of its own for a test, programs that run under it, and somebody who types there.
 #pragma once
 
+#include <signal.h>
 #include <xcb/xcb.h>
 
 #include <memory>
@@ -41,6 +42,8 @@ class XServerScope {
     /// False if there is no Xvfb on this machine.
     static bool isPossible();
     void startManager();
+    /// The manager crashes.
+    void killManager() { _manager->end(SIGKILL); }
 
     /// Sees and does what another program would.
     xcb_connection_t* peer() { return *_peer; }
