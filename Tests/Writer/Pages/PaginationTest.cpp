@@ -99,10 +99,7 @@ TEST(Pagination, DividesATextAmongPages) {
         {"KeepWithOneThatBeginsAPage", "a +b !c", "ab|c"},
     };
     for (const auto& [situation, words, pages] : cases) EXPECT_EQ(pagesOf(words), pages) << situation;
-}
-
-// However small the room is, each page gets a line.
-TEST(Pagination, PutsALineAtLeastOnEachPage) {
+    // However small the room is, each page gets a line.
     EXPECT_EQ(pagesOf("a bcd", 3), "a|b|c|d");
     EXPECT_EQ(pagesOf("+a =bc !d", 3), "a|b|c|d");
     EXPECT_EQ(pagesOf("a b", 5 * kLineHeight, 1), "ab");

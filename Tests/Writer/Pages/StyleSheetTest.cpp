@@ -2,7 +2,6 @@
 #include "Writer/Pages/StyleSheet.h"
 
 #include "Foundation/NSMutableAttributedString.h"
-#include "Foundation/NSNumber.h"
 #include "NSAttributedString-PelvorAdditions.h"
 #include "Prelude.h"
 #include "TemporaryFolder.h"
@@ -26,10 +25,7 @@ NSDictionary* attributesAt(NSAttributedString* text, NSUInteger index) {
 }
 std::string fontAt(NSAttributedString* text, NSUInteger index) {
     auto* font = cast<NSFont>(attributesAt(text, index)->objectForKey(NSFontAttributeName));
-    return font ? NSString::stringWithFormat(u"%@ %g"_ns, font->fontName(),
-                                             static_cast<double>(font->pointSize()))
-                      ->toUTF8()
-                : "";
+    return font ? shown(font->fontName(), font->pointSize()) : "";
 }
 
 constexpr const char* kSheet = R"({
@@ -85,8 +81,6 @@ TEST_F(StyleSheetTest, IsRefusedWithThePlaceAndTheReason) {
          "a number from 0 to 14400 is needed, not \"-1\"."},
         {"{ \"paragraph styles\" = { a = { size = 12pt; }; }; }", "paragraph styles / a / size",
          "a number from 1 to 1000 is needed, not \"12pt\"."},
-        {"{ \"paragraph styles\" = { a = { alignment = middle; }; }; }", "paragraph styles / a / alignment",
-         "one of left, right, center, justified, natural is needed, not \"middle\"."},
         {"{ \"paragraph styles\" = { a = { colour = red; }; }; }", "paragraph styles / a / colour",
          "a colour like \"#1A2B3C\" is needed, not \"red\"."},
         {"{ \"paragraph styles\" = { a = { tabs = ({ place = 1; }, { kind = up; }); }; }; }",

@@ -14,9 +14,7 @@ struct EditingTest : ::testing::Test, FormatScope {
     }
     NSUInteger below(NSUInteger count) { return static_cast<NSUInteger>(random() % count); }
     void command(const char* name) { send(view, registerSelector(name), id(nullptr)); }
-    Retained<NSAttributedString> text() {
-        return NSAttributedString::initWithAttributedString(view->textStorage());
-    }
+    Retained<NSAttributedString> text() { return view->textStorage()->copy(); }
 
     void formatSomething() {
         static const char* const kFormats[] = {

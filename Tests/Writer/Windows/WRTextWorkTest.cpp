@@ -2,8 +2,6 @@
 // What is kept up with a text while it is written, in a loop without windows.
 #include "Writer/Windows/WRTextWork.h"
 
-#include <random>
-
 #include "Foundation/NSRunLoop.h"
 #include "PBPostLoader.h"
 #include "Prelude.h"
@@ -14,28 +12,21 @@
 
 namespace {
 
-struct TextWorkTest : ::testing::Test {
-    static void SetUpTestSuite() {
-        registerLibrary(windowsLibrary);
-        PBPostLoader::processClassesStartingRegistry(false);
-    }
-    static Retained<NSTextStorage> wordsOf(std::size_t count) {
-        std::u16string text;
-        for (std::size_t i = 0; i < count; ++i) text += i % 12 ? u"word " : u"1,000\n";
-        return NSTextStorage::initWithString(NSString::of(text));
-    }
-    static void runUntil(auto isDone) {
-        while (!isDone()) NSRunLoop::mainRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
-    }
-    AutoreleasePool pool;
-};
-
 // Edits of all sizes at random places, with counting going on in between.
-TEST_F(TextWorkTest, CountsWhatIsThereAfterAnyEdits) {
-    auto storage = wordsOf(5'000);
+TEST(WordCounterTest, CountsWhatIsThereAfterAnyEdits) {
+    registerLibrary(windowsLibrary);
+    PBPostLoader::processClassesStartingRegistry(false);
+    AutoreleasePool pool;
+    std::u16string text;
+    for (int i = 0; i < 5'000; ++i) text += i % 12 ? u"word " : u"1,000\n";
+    auto storage = NSTextStorage::initWithString(NSString::of(text));
     int told = 0;
     auto counter = WRWordCounter::create(storage, [&told] { ++told; });
     EXPECT_FALSE(counter->isComplete());
+    const auto finish = [&] {
+        while (!counter->isUpToDate())
+            NSRunLoop::mainRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
+    };
     std::mt19937 random(7);
     const auto upTo = [&](NSUInteger most) { return static_cast<NSUInteger>(random() % (most + 1)); };
     for (int i = 0; i < 300; ++i) {
@@ -47,14 +38,14 @@ TEST_F(TextWorkTest, CountsWhatIsThereAfterAnyEdits) {
         storage->replaceCharactersInRange_withString({start, removed}, NSString::of(added));
         if (i % 3 == 0) counter->workAtIdle();
         if (i % 20) continue;
-        runUntil([&] { return counter->isUpToDate(); });
+        finish();
         ASSERT_EQ(counter->count(), countWordsInRange(storage->string(), {0, storage->length()})) << i;
     }
     const NSUInteger count = counter->count();
     told = 0;
     storage->replaceCharactersInRange_withString({storage->length() / 2, 0}, u" a b "_ns);
     EXPECT_EQ(counter->count(), count) << "what was known is shown meanwhile";
-    runUntil([&] { return counter->isUpToDate(); });
+    finish();
     EXPECT_GE(told, 1);  // more often where the work takes several slices
     counter->stop();
 }

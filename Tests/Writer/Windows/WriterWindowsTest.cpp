@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr int kA = 30, kC = 46, kQ = 16, kControl = 29;  // as BackendKey::code
-
 class WriterWindowsTest : public ::testing::Test {
   protected:
     void SetUp() override {
@@ -23,11 +21,6 @@ class WriterWindowsTest : public ::testing::Test {
         if (outputOf("command -v xdotool xclip").status != 0)
             GTEST_SKIP() << "there is no xdotool or no xclip";
         server.emplace(XServerScope::Manager::openbox);
-    }
-    void pressWithControl(int code) {
-        server->key(kControl, true);
-        server->press(code);
-        server->key(kControl, false);
     }
     // Asks again and again, for some seconds.
     template <class Condition>
@@ -43,10 +36,9 @@ class WriterWindowsTest : public ::testing::Test {
         return outputOf("xdotool search --onlyvisible --name '" + name + "'").status == 0;
     }
     // Brings the window to the front whose name has the words, and copies all that is in it.
-    std::string copyAllOf(const std::string& name) {
-        outputOf("xdotool search --onlyvisible --name " + name + " windowactivate --sync 2>/dev/null");
-        pressWithControl(kA);
-        pressWithControl(kC);
+    static std::string copyAllOf(const std::string& name) {
+        outputOf("xdotool search --onlyvisible --name " + name +
+                 " windowactivate --sync key ctrl+a ctrl+c 2>/dev/null");
         return outputOf("timeout 2 xclip -o -selection clipboard 2>/dev/null").text;
     }
     // Waits until the program has ended; -1 for one that was killed.
@@ -81,7 +73,7 @@ TEST_F(WriterWindowsTest, TakesALetterInTwoLanguages) {
     EXPECT_TRUE(until([&] { return copyAllOf("Letter.rtf") == "Dear Anna,\nHow are you? Das Caf\u00E9s"; }))
         << copyAllOf("Letter.rtf");
     EXPECT_THAT(folder.read("Letter.rtf"), testing::ContainsRegex("i Das Caf.*plain s"));
-    pressWithControl(kQ);
+    outputOf("xdotool key ctrl+q");
     EXPECT_EQ(exitStatusOf(writer), 0);
 }
 
@@ -111,7 +103,7 @@ TEST_P(WriterLossTest, BringsBackWhatWasTypedBeforeItWasKilled) {
             {"sh", "-c", "exec \"$0\" \"$1\" 2> \"$2\"", WRITER_PROGRAM, path, folder.path("errors")});
         ASSERT_TRUE(until([] { return isShown("Letter.txt"); }));
         ASSERT_TRUE(until([&] {
-            server->press(kA);
+            outputOf("xdotool key a");
             return hasJournal();
         }));
         if (GetParam()) {
