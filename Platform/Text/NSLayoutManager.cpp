@@ -176,6 +176,7 @@ void NSLayoutManager::addTextContainer(NSTextContainer* container) {
     requireFreeContainer(container, "addTextContainer:");
     container->setLayoutManager(this);
     _state->containers.push_back(Retained<NSTextContainer>::retaining(container));
+    _state->textViewsChanged();
     _state->containerAppended();
 }
 
@@ -186,6 +187,7 @@ void NSLayoutManager::insertTextContainer_atIndex(NSTextContainer* container, NS
     container->setLayoutManager(this);
     _state->containers.insert(_state->containers.begin() + index,
                               Retained<NSTextContainer>::retaining(container));
+    _state->textViewsChanged();
     _state->containersChanged();
 }
 
@@ -195,6 +197,7 @@ void NSLayoutManager::removeTextContainerAtIndex(NSUInteger index) {
     const Retained<NSTextContainer> gone = _state->containers[index];
     _state->containers.erase(_state->containers.begin() + index);
     gone->setLayoutManager(nullptr);
+    _state->textViewsChanged();
     _state->containerRemoved(index);
 }
 
@@ -227,12 +230,8 @@ SEL editMessage() { return "layoutManager:editedRange:changeInLength:invalidated
 }  // namespace
 
 void NSLayoutManager::tellTextViews(NSRange edited, NSInteger delta, NSRange invalidated) {
-    id told = nullptr;
-    for (NSUInteger i = 0; i < textContainerCount(); ++i) {  // who is told may change the list
-        id view = _state->containers[i]->textView();
-        if (view != told) tellTextView(view, edited, delta, invalidated);
-        told = view;
-    }
+    for (std::size_t i = 0; i < _state->textViewStarts().size(); ++i)  // who is told may change the list
+        tellTextView(_state->containers[_state->textViewStarts()[i]]->textView(), edited, delta, invalidated);
 }
 
 void NSLayoutManager::tellTextView(id view, NSRange edited, NSInteger delta, NSRange invalidated) {
@@ -246,6 +245,7 @@ void NSLayoutManager::textContainerChangedGeometry(NSTextContainer* container) {
 }
 
 void NSLayoutManager::textContainerChangedTextView(NSTextContainer* container) {
+    _state->textViewsChanged();
     if (container) tellTextView(container->textView(), {}, 0, {});
 }
 

@@ -147,7 +147,7 @@ void LayoutState::placeAgainFrom(NSUInteger unit) {
 
 void LayoutState::containerChanged(std::size_t index) {
     const bool staysUniform =
-        _isScanned && _isUniform && index > 0 && index < containers.size() && isLikeFirst(containers[index]);
+        _isScanned && _isUniform && index < containers.size() && hasRoom(containers[index], _room);
     if (staysUniform)
         placeAgainInContainer(index);
     else
@@ -181,7 +181,7 @@ void LayoutState::containerAppended() {
     if (!_isScanned) return;
     if (containers.size() == 1 || (containers.size() == 2 && isEndless(containers.front())))
         return containersChanged();
-    _isUniform = _isUniform && isLikeFirst(containers.back());
+    _isUniform = _isUniform && hasRoom(containers.back(), _room);
     _frontier.isTold = false;
     if (!_frontier.isExhausted) return;
     if (_isUniform) {
@@ -213,13 +213,27 @@ bool LayoutState::isEndless(NSTextContainer* container) {
 
 bool LayoutState::isFree() const { return containers.size() == 1 && isEndless(containers.front()); }
 
-bool LayoutState::isLikeFirst(NSTextContainer* container) const {
-    return container->isSimpleRectangularTextContainer() && roomOf(container) == roomOf(containers.front());
+bool LayoutState::hasRoom(NSTextContainer* container, const LineRoom& room) {
+    return container->isSimpleRectangularTextContainer() && roomOf(container) == room;
 }
 
 bool LayoutState::isUniform() const {
+    if (containers.empty()) return true;
+    const LineRoom room = roomOf(containers.front());
     return std::all_of(containers.begin(), containers.end(),
-                       [&](const auto& container) { return isLikeFirst(container); });
+                       [&](const auto& container) { return hasRoom(container, room); });
+}
+
+const std::vector<std::size_t>& LayoutState::textViewStarts() {
+    if (_textViewStarts.empty()) {
+        id before = nullptr;
+        for (std::size_t i = 0; i < containers.size(); ++i) {
+            id view = containers[i]->textView();
+            if (i == 0 || view != before) _textViewStarts.push_back(i);
+            before = view;
+        }
+    }
+    return _textViewStarts;
 }
 
 std::size_t LayoutState::indexOf(NSTextContainer* container) const {

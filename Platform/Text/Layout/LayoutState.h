@@ -45,6 +45,11 @@ class LayoutState {
     void containerRemoved(std::size_t index);
     void forgetEverything();
 
+    /// The indexes of the containers whose text view is not that of the container before them.
+    const std::vector<std::size_t>& textViewStarts();
+    /// Containers came or went, or have another text view.
+    void textViewsChanged() { _textViewStarts.clear(); }
+
     std::vector<Retained<NSTextContainer>> containers;
     LayoutTools tools;
     WeakHandle delegate;
@@ -138,7 +143,7 @@ class LayoutState {
     void joinBehind(NSUInteger unit);
     static bool isEndless(NSTextContainer* container);
     bool isUniform() const;
-    bool isLikeFirst(NSTextContainer* container) const;
+    static bool hasRoom(NSTextContainer* container, const LineRoom& room);
     void placeAgainInContainer(std::size_t first);
     NSTextContainer* containerAround(NSUInteger unit);
     bool setLines(BlockPlace place, LineRooms& rooms, std::vector<Line>& lines);
@@ -168,6 +173,7 @@ class LayoutState {
     std::vector<ContainerFilling> _fillings;
     std::size_t _toldContainers = 0;  // whose completion the delegate knows
     std::vector<ContainerFilling> _freeFilling;
+    std::vector<std::size_t> _textViewStarts;  // empty until somebody asks
 
     GlyphCache _glyphs;
     MeasuredText _text;  // of the block that is laid out

@@ -528,7 +528,24 @@ TEST_F(NSLayoutManagerTest, TellsTextViewsWhatLooksDifferent) {
               }),
               "{0, 0} 0 {2, 3}\n");
     EXPECT_EQ(toldOf([&] { text.containers[0]->setContainerSize({50, 1e7F}); }), "{0, 0} 0 {0, 0}\n");
-    text.containers[0]->setTextView(nullptr);
+    // Each view once, whose containers stand in a row, and nobody who has gone.
+    auto other = make<EditListener>();
+    Retained<NSTextContainer> more[3];
+    for (auto& container : more) {
+        container = NSTextContainer::initWithContainerSize({50, 20});
+        text.layoutManager->addTextContainer(container);
+        container->setTextView(&container == more ? view.get() : other.get());
+    }
+    const auto edit = [&] { text.storage->replaceCharactersInRange_withString({0, 1}, u"O"_ns); };
+    const auto toldBoth = [&] {
+        other->told.str("");
+        const std::string first = toldOf(edit);
+        return first + "and " + other->told.str();
+    };
+    EXPECT_EQ(toldBoth(), "{0, 1} 0 {0, 1}\nand {0, 1} 0 {0, 1}\n");
+    for (const NSUInteger index : {0, 0}) text.layoutManager->removeTextContainerAtIndex(index);
+    EXPECT_EQ(toldBoth(), "and {0, 1} 0 {0, 1}\n");
+    for (const auto& container : more) container->setTextView(nullptr);
 }
 
 TEST_F(NSLayoutManagerTest, ListsLinesByTheirHeight) {
