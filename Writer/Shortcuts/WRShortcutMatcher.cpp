@@ -34,6 +34,14 @@ struct Candidate {
     Retained<WRShortcut> shortcut;
 };
 
+// Typing begins no shortcut: no letter has to look through the menus.
+bool mayBegin(NSEvent* event) {
+    constexpr NSUInteger kCommands = NSCommandKeyMask | NSAlternateKeyMask | NSControlKeyMask;
+    if (event->modifierFlags() & kCommands) return true;
+    NSString* key = event->charactersIgnoringModifiers();
+    return key->length() > 0 && key->characterAtIndex(0) >= NSUpArrowFunctionKey;
+}
+
 // The items that can be chosen by several keys, or also by one.
 void collect(NSMenu* menu, bool takesSingleKeys, std::vector<Candidate>& found) {
     for (const auto& item : menu->items()) {
@@ -61,6 +69,7 @@ bool WRShortcutMatcher::takeEvent(NSEvent* event) {
     if (type == NSLeftMouseDown || type == NSRightMouseDown || type == NSOtherMouseDown) stopWaiting();
     if (type != NSKeyDown) return false;
     const bool isWaiting = !_pressed.empty();
+    if (!isWaiting && !mayBegin(event)) return false;
     NSMenu* menu = NSApplication::sharedApplication()->mainMenu();
     std::vector<Candidate> candidates;
     if (menu) collect(menu, false, candidates);

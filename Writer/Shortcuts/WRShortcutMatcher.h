@@ -15,7 +15,8 @@ class NSNotification;
 /// Finds out that the keys of a shortcut have been pressed one after the other, and chooses the menu item
 /// that shows the shortcut. Sees events before menus and windows do (WRShortcutApplication).
 ///
-/// After the first key a small window shows it and waits. Escape, a key that no shortcut goes on with, a
+/// The first key has Ctrl, Alt or Super, or is a function key: letters alone are typed. After the first key a
+/// small window shows the key and waits. Escape, a key that no shortcut goes on with, a
 /// click, another window and some seconds end the waiting; the key that ends it does nothing else. Main
 /// thread.
 class WRShortcutMatcher final : public NSObject {

@@ -67,6 +67,7 @@ PELVOR_DEFINE_CLASS(WRPageView, windowsLibrary) {
     methods.instance<"performDragOperation:", &WRPageView::performDragOperation>();
     methods.instance<"viewWillDraw", &WRPageView::viewWillDraw>();
     methods.instance<"scrollRangeToVisible:", &WRPageView::scrollRangeToVisible>();
+    methods.instance<"isOpaque", &WRPageView::isOpaque>();
     methods.instance<"drawRect:", &WRPageView::drawRect>();
     methods.instance<"doCommandBySelector:", &WRPageView::doCommandBySelector>();
     methods.instance<"insertText:", &WRPageView::insertText>();
@@ -295,8 +296,10 @@ void WRPageView::drawPaper(NSUInteger index, NSRect dirty) {
     auto* context = NSGraphicsContext::currentContext();
     const NSRect page = frameOfPage(index);
     const PageFrame& frame = _document->frame();
-    context->setColor(edgeColor());
-    context->strokeRect_width(NSInsetRect(page, -1, -1), 1);
+    if (!NSContainsRect(page, dirty)) {
+        context->setColor(edgeColor());
+        context->strokeRect_width(NSInsetRect(page, -1, -1), 1);
+    }
     context->setColor(NSColor::whiteColor());
     context->fillRect(page);
     const bool isMarginDirty =
@@ -309,15 +312,19 @@ void WRPageView::drawPaper(NSUInteger index, NSRect dirty) {
 }
 
 void WRPageView::drawRect(NSRect dirty) {
+    const NSUInteger first = pageAtHeight(NSMinY(dirty)), last = pageAtHeight(NSMaxY(dirty));
+    if (!NSContainsRect(frameOfPage(first), dirty)) {
+        deskColor()->set();
+        NSRectFill(dirty);
+    }
     if (!_document || pageCount() == 0) return;
-    const NSUInteger last = pageAtHeight(NSMaxY(dirty));
-    for (NSUInteger page = pageAtHeight(NSMinY(dirty)); page <= last; ++page) {
+    for (NSUInteger page = first; page <= last; ++page) {
         drawPaper(page, dirty);
         if (!_foundPlaces.empty()) drawFoundPlaces(page, dirty);
     }
     NSTextView::drawRect(dirty);
     if (!_spellingMarks || textStorage()->editedMask()) return;
-    for (NSUInteger page = pageAtHeight(NSMinY(dirty)); page <= last; ++page) drawSpellingMarks(page, dirty);
+    for (NSUInteger page = first; page <= last; ++page) drawSpellingMarks(page, dirty);
 }
 
 // MARK: Found places

@@ -73,6 +73,8 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     bool performDragOperation(NSDraggingInfo* info) override;
     void viewWillDraw() override;
     void scrollRangeToVisible(NSRange range) override;
+    /// Pages and the desk around them.
+    bool isOpaque() override { return true; }
     void drawRect(NSRect dirty) override;
     /// A text that cannot be edited has no caret to move: its keys scroll.
     void doCommandBySelector(SEL selector) override;

@@ -69,6 +69,8 @@ class ShortcutMatching : public ::testing::Test {
         add("Replace", "Ctrl+K Ctrl+R");
         add("Refused", "Ctrl+K X")->setTag(1);
         add("Bold", "Ctrl+B");
+        add("Typed", "J J");
+        add("Fast", "F7 J");
         bar->addItemWithTitle_action_keyEquivalent(u"Edit"_ns, SEL(), u""_ns)->setSubmenu(edit);
         screen->app->setMainMenu(bar);
         window = screen->window({{100, 100}, {300, 200}});
@@ -112,6 +114,8 @@ TEST_F(ShortcutMatching, ChoosesItemsByKeysInARow) {
     press(u'b', true);
     press(u'f');
     EXPECT_EQ(takeLog(), "Replace, Bold, key f");
+    for (const char16_t key : {u'j', u'j', static_cast<char16_t>(NSF7FunctionKey), u'j'}) press(key);
+    EXPECT_EQ(takeLog(), "key j, key j, Fast");
     const int beeps = screen->backend->beeps();
     press(u'k', true);
     press(u'x');
