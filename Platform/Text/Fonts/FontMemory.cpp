@@ -68,7 +68,9 @@ bool takeFont(std::string_view fields, ListedFont& font) {
     for (std::string* text :
          {&entry.postScriptName, &entry.family, &entry.fullName, &entry.style, &entry.file})
         *text = takeUntil('\t', fields);
-    while (!fields.empty()) font.families.emplace_back(takeUntil('\t', fields));
+    while (!fields.empty())
+        if (const std::string_view family = takeUntil('\t', fields); !family.empty())
+            font.families.emplace_back(family);
     return true;
 }
 
