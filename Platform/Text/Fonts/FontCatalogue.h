@@ -20,6 +20,8 @@ struct _FcPattern;
 
 namespace pelvor {
 
+constexpr int kGreatestWeight = 15;
+
 /// A typeface that the configuration lists. Names are UTF-8.
 struct FontEntry {
     std::string postScriptName;
@@ -28,7 +30,7 @@ struct FontEntry {
     std::string style = {};  ///< "Bold Oblique"
     std::string file = {};
     unsigned index = 0;   ///< the face in its file, and above bit 16 the named instance of a variable font
-    int weight = 5;       ///< 0 to 15, 5 is regular and 9 bold
+    int weight = 5;       ///< 0 to kGreatestWeight, 5 is regular and 9 bold
     unsigned traits = 0;  ///< NSFontTraitMask
     bool isColoured = false;
     // What else fontconfig knows; null until FontCatalogue::substitutes has asked it.

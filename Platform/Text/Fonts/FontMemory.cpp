@@ -23,6 +23,10 @@ namespace {
 // parted by tabs.
 constexpr std::string_view kDependency = "on", kFont = "font", kBest = "best", kEnd = "end";
 
+// In bytes: a hundred thousand fonts take less. What is longer would be slower to read than the fonts are
+// found.
+constexpr std::uintmax_t kLongestFile = 32 << 20;
+
 // What fontconfig looks at, or what its ranking depends on.
 std::string environment() {
     std::string line = "Pelvor fonts 1, fontconfig " + std::to_string(FcGetVersion());
@@ -62,7 +66,8 @@ bool takeFont(std::string_view fields, ListedFont& font) {
     FontEntry& entry = font.entry;
     int isColoured = 0;
     if (!takeNumber(fields, entry.index) || !takeNumber(fields, entry.weight) ||
-        !takeNumber(fields, entry.traits) || !takeNumber(fields, isColoured))
+        !takeNumber(fields, entry.traits) || !takeNumber(fields, isColoured) || entry.weight < 0 ||
+        entry.weight > kGreatestWeight)
         return false;
     entry.isColoured = isColoured;
     for (std::string* text :
@@ -85,6 +90,7 @@ FontMemory FontMemory::ofUser() {
 std::optional<FontList> FontMemory::read() const {
     std::error_code error;
     if (!std::filesystem::is_regular_file(_path, error)) return {};  // opening a pipe would wait
+    if (std::filesystem::file_size(_path, error) > kLongestFile) return {};
     std::ifstream file(_path, std::ios::binary);
     std::ostringstream content;
     if (!file || !(content << file.rdbuf())) return {};

@@ -78,8 +78,9 @@ namespace {
 // How far a face is from the wanted traits and weight.
 int distance(const FontEntry& entry, unsigned traits, int weight) {
     const unsigned wrong = entry.traits ^ traits;
-    return std::abs(entry.weight - weight) + (wrong & NSBoldFontMask ? 50 : 0) +
-           (wrong & NSItalicFontMask ? 100 : 0) + (wrong & kUnchangeableTraits ? 200 : 0);
+    return std::abs(entry.weight - std::clamp(weight, 0, kGreatestWeight)) +
+           (wrong & NSBoldFontMask ? 50 : 0) + (wrong & NSItalicFontMask ? 100 : 0) +
+           (wrong & kUnchangeableTraits ? 200 : 0);
 }
 
 }  // namespace

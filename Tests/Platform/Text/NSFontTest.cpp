@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <climits>
 #include <cstdlib>
 #include <set>
 
@@ -166,6 +167,8 @@ TEST(NSFontManagerTest, ConvertsSizeFamilyAndWeight) {
     EXPECT_EQ(manager()->fontWithFamily_traits_weight_size(u"DejaVu Serif"_ns, NSBoldFontMask, 9, 8),
               fontNamed("DejaVuSerif-Bold", 8));
     EXPECT_EQ(manager()->fontWithFamily_traits_weight_size(u"Lost"_ns, 0, 5, 8), nullptr);
+    for (const int weight : {INT_MIN, INT_MAX})
+        EXPECT_TRUE(manager()->fontWithFamily_traits_weight_size(u"DejaVu Serif"_ns, 0, weight, 8)) << weight;
 }
 
 TEST(NSFontManagerTest, ListsWhatThereIs) {
@@ -259,6 +262,15 @@ TEST(FontMemoryTest, KeepsAllOrNothing) {
     for (std::size_t length = 0; length + 1 < whole.size(); ++length) {
         folder.write("fonts", whole.substr(0, length));
         ASSERT_FALSE(memory.read()) << length;
+    }
+    folder.write("fonts", whole);
+    std::filesystem::resize_file(path, 40 << 20);
+    EXPECT_FALSE(memory.read()) << "too long";
+    for (const int weight : {-1, 16, INT_MIN}) {
+        FontList odd = list;
+        odd.fonts[0].entry.weight = weight;
+        memory.write(odd, {});
+        EXPECT_FALSE(memory.read()) << weight;
     }
     folder.write("fonts", whole);
     EXPECT_FALSE((EnvironmentScope("FC_LANG", "tlh"), memory.read()));
