@@ -63,6 +63,7 @@ constexpr Reason kReasons[] = {
 
 const char* keyOfReason(int code, FileUse use) {
     if (code == ENOENT && use == FileUse::writing) return "_the enclosing folder does not exist";
+    if (code == EFBIG && use == FileUse::reading) return "_the file is too large";
     const auto* reason = std::ranges::find(kReasons, code, &Reason::code);
     return reason == std::end(kReasons) ? nullptr : reason->key;
 }

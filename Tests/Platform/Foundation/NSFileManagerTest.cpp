@@ -333,6 +333,8 @@ TEST_F(NSFileManagerTest, TellsReasonsInTheUsersLanguage) {
     EXPECT_EQ(reason("fr_CA", ENOENT, true), "le dossier parent n’existe pas");
     EXPECT_EQ(reason("fr", ENOENT, false), "le fichier n’existe pas");
     EXPECT_EQ(reason("es:en", EROFS, true), "the disk can only be read");
+    EXPECT_EQ(reason("en", EFBIG, false) + ", " + reason("en", EFBIG, true),
+              "the file is too large, the file would be too large");
     EXPECT_EQ(reason("de", EADV, true), "Advertise error") << "one that is too rare";
     const auto lastReason = [&](const char* name) {
         return shown(NSFileError::lastWriteErrorAtPath(path(name))->reason());
