@@ -19,13 +19,24 @@
 namespace pelvor {
 namespace {
 
+double secondsOf(const struct stat& state) {
+    return static_cast<double>(state.st_mtim.tv_sec) + static_cast<double>(state.st_mtim.tv_nsec) / 1e9;
+}
+
+// Those that were changed last come first.
 std::vector<std::string> namesIn(const std::string& folder) {
-    std::vector<std::string> names;
+    std::vector<std::pair<double, std::string>> files;
     DIR* stream = opendir(folder.c_str());
-    if (!stream) return names;
-    while (const dirent* entry = readdir(stream)) names.emplace_back(entry->d_name);
+    if (!stream) return {};
+    while (const dirent* entry = readdir(stream)) {
+        struct stat state {};
+        (void)fstatat(dirfd(stream), entry->d_name, &state, AT_SYMLINK_NOFOLLOW);
+        files.emplace_back(-secondsOf(state), entry->d_name);
+    }
     closedir(stream);
-    std::sort(names.begin(), names.end());
+    std::sort(files.begin(), files.end());
+    std::vector<std::string> names;
+    for (auto& file : files) names.push_back(std::move(file.second));
     return names;
 }
 
@@ -96,10 +107,8 @@ void addDocument(std::vector<AbandonedDocument>& documents, const std::string& f
     if (file < 0) return;
     auto content = contentOf(file, static_cast<std::uint64_t>(state.st_size), reason);
     if (!content) return moveAside(path, reason);
-    const double seconds =
-        static_cast<double>(state.st_mtim.tv_sec) + static_cast<double>(state.st_mtim.tv_nsec) / 1e9;
     documents.push_back({std::move(content->origin), std::move(content->text), content->place,
-                         Retained<NSDate>::retaining(NSDate::dateWithTimeIntervalSince1970(seconds)),
+                         Retained<NSDate>::retaining(NSDate::dateWithTimeIntervalSince1970(secondsOf(state))),
                          std::make_shared<RecoveryFile>(folder, name, std::move(file))});
 }
 
@@ -132,15 +141,19 @@ std::vector<AbandonedDocument> RecoveryStore::abandonedDocuments() const {
         if (errno != ENOENT) logPassedOver(_folder, std::strerror(errno));
         return documents;
     }
+    std::size_t left = 0;
     for (const std::string& name : namesIn(_folder)) {
-        if (name.ends_with(kUnfinishedExtension))
+        if (name.ends_with(kUnfinishedExtension)) {
             removeUnlessLocked(_folder + '/' + name);
-        else if (name.ends_with(kRecoveryExtension))
-            addDocument(documents, _folder, name);
+        } else if (name.ends_with(kRecoveryExtension)) {
+            if (documents.size() < kMost)
+                addDocument(documents, _folder, name);
+            else
+                ++left;
+        }
     }
-    std::sort(documents.begin(), documents.end(), [](const auto& one, const auto& another) {
-        return one.date->timeIntervalSinceReferenceDate() > another.date->timeIntervalSinceReferenceDate();
-    });
+    if (left)
+        logText(std::to_string(left) + " more recovery files in " + _folder + " wait for the next start");
     return documents;
 }
 

@@ -41,13 +41,16 @@ struct AbandonedDocument {
 ///     }
 class RecoveryStore {
   public:
+    static constexpr std::size_t kMost = 50;
+
     /// pelvor-writer/recovery in $XDG_STATE_HOME, or in ~/.local/state.
     static RecoveryStore ofUser();
     explicit RecoveryStore(std::string folder) : _folder(std::move(folder)) {}
 
     const std::string& folder() const { return _folder; }
-    /// What a crash left, the latest first. Documents of other processes that live are passed over. Recovery
-    /// files that hold no text get the extension "damaged", and the log says why.
+    /// What a crash left, the latest first, and of that no more than `kMost`: each document is a window and
+    /// keeps files open. What is left over waits for the next call. Documents of other processes that live
+    /// are passed over. Recovery files that hold no text get the extension "damaged", and the log says why.
     std::vector<AbandonedDocument> abandonedDocuments() const;
     /// A file for a document that has none. It is made when something is written.
     std::shared_ptr<RecoveryFile> newFile() const;

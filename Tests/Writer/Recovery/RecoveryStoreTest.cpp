@@ -40,6 +40,30 @@ TEST(RecoveryStore, PassesOverWhatIsNoRecoveryFileAndSaysWhy) {
     EXPECT_EQ(scope.folder.read("elsewhere"), "x");
 }
 
+TEST(RecoveryStore, LeavesWhatIsMoreThanFitsTheScreen) {
+    RecoveryScope scope;
+    scope.type(u"I write"_ns);
+    scope.journal->leave();
+    const std::filesystem::path folder = scope.store.folder(), first = folder / scope.names().at(0);
+    for (std::size_t i = 1; i < RecoveryStore::kMost + 2; ++i) {
+        const auto copy = folder / (std::to_string(i) + ".recovery");
+        std::filesystem::copy_file(first, copy);
+        std::filesystem::last_write_time(
+            copy, std::filesystem::last_write_time(first) - std::chrono::minutes(i * 7 % 52));
+    }
+    LogLines log;
+    {
+        auto documents = scope.store.abandonedDocuments();
+        ASSERT_EQ(documents.size(), RecoveryStore::kMost);
+        EXPECT_TRUE(std::ranges::is_sorted(documents, std::ranges::greater(), [](const auto& document) {
+            return document.date->timeIntervalSinceReferenceDate();
+        }));
+        for (AbandonedDocument& document : documents) document.discard();
+    }
+    EXPECT_THAT(log.lines, ElementsAre(AllOf(StartsWith("2 more"), EndsWith("wait for the next start"))));
+    EXPECT_EQ(scope.found().size(), 2u);
+}
+
 TEST(RecoveryStore, MissesNoFileThatWasNeverThere) {
     AbandonedDocument document;
     document.origin = RecoveryOrigin::of(u"/no/such/letter.txt"_ns, nullptr, nullptr);
