@@ -24,6 +24,7 @@
 #include "Writer/Windows/WRFileDropView.h"
 #include "Writer/Windows/WRSpellingMarks.h"
 #include "Writer/Windows/WindowsLibrary.h"
+#include "Writer/Windows/WordDrag.h"
 
 namespace pelvor {
 namespace {
@@ -275,7 +276,11 @@ NSUInteger WRPageView::draggingMoved(NSDraggingInfo* info) {
 }
 
 bool WRPageView::performDragOperation(NSDraggingInfo* info) {
-    return openDraggedFiles(info) || NSTextView::performDragOperation(info);
+    if (openDraggedFiles(info)) return true;
+    WordDrag drag(info);
+    if (!NSTextView::performDragOperation(info)) return false;
+    drag.fitBlanks(this);
+    return true;
 }
 
 // MARK: Drawing

@@ -68,7 +68,7 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     NSArray* writablePasteboardTypes() override;
     NSArray* readablePasteboardTypes() override;
     bool readSelectionFromPasteboard_type(NSPasteboard* pasteboard, NSString* type) override;
-    /// Files are opened.
+    /// Files are opened; whole words that are dragged keep one blank between them and others.
     NSUInteger draggingMoved(NSDraggingInfo* info) override;
     bool performDragOperation(NSDraggingInfo* info) override;
     void viewWillDraw() override;

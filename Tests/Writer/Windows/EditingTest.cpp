@@ -91,4 +91,40 @@ TEST_F(EditingTest, UndoesEverythingAndDoesItAgain) {
     }
 }
 
+TEST_F(EditingTest, KeepsOneBlankBetweenWordsThatAreDragged) {
+    struct Row {
+        NSString* text;
+        NSRange dragged;
+        NSUInteger place;
+        const char* result;
+    };
+    for (const Row& row : {Row{u"one two three four"_ns, {4, 3}, 14, "one three two four"},
+                           {u"one two three four"_ns, {4, 3}, 13, "one three two four"},
+                           {u"one two three four"_ns, {4, 9}, 0, "two three one four"},
+                           {u"one two."_ns, {0, 3}, 7, "two one."},
+                           {u"“one two” (three)"_ns, {5, 3}, 11, "“one” (two three)"},
+                           {u"(one two) three"_ns, {1, 3}, 9, "(two) one three"},
+                           {u"part of it"_ns, {0, 3}, 7, "t ofpar it"},
+                           {u"你好 世界"_ns, {3, 2}, 0, "世界你好 "}}) {
+        view->setString(row.text);
+        view->setSelectedRange(row.dragged);
+        screen.wait(1);
+        const auto point = [&](NSUInteger place) {
+            const NSRect caret = view->caretRectForCharacterAtIndex(place);
+            return NSPoint{NSMinX(caret) + 1, NSMidY(caret)};
+        };
+        screen.moveTo(view, point(row.dragged.location + 1));
+        screen.down();
+        screen.moveTo(view, point(row.dragged.location));
+        screen.moveTo(view, point(row.place));
+        screen.up();
+        screen.turn();
+        EXPECT_EQ(shown(view->string()), row.result);
+        undo();
+        EXPECT_EQ(shown(view->string()), shown(row.text));
+    }
+    screen.backend->setForeignSelection(BackendSelection::drag, {});  // other tests find no words of this one
+    screen.turn();
+}
+
 }  // namespace
