@@ -101,7 +101,8 @@ TEST_F(WriterProgramTest, KeepsTheFormatsOfRichText) {
     EXPECT_EQ(run.valueOf("Reader"), "Rich text, of 3, because it is for “rtf” documents");
     EXPECT_EQ(run.valueOf("First line"), "a bold word");
     EXPECT_TRUE(run.prints("Plug-ins (10): ")) << "the plug-in is loaded when the document is read";
-    EXPECT_THAT(program.folder.read("a.rtf"), HasSubstr("a very \\plain\\b BOLD\\plain  word\\par"));
+    EXPECT_THAT(program.folder.read("a.rtf"),
+                HasSubstr("a very \\plain\\b\\lang2057 BOLD\\plain\\lang2057  word\\par"));
     // As text, and from text.
     run = program.run({rich, saveAs});
     EXPECT_EQ(copied(), "a very BOLD word\n");

@@ -176,6 +176,8 @@ class ControlWords {
         {"scaps", &P::setFlag, packed(C::capitals, 1)},
         {"caps", &P::setFlag, packed(C::capitals, 2)},
         {"lang", &P::setLanguage},
+        {"deflang", &P::setUsualLanguage},
+        {"pelvorunmarked", &P::leaveUsualLanguageUnmarked},
         {"pelvorlang", &P::beginDestination, of(D::language)},  // the exact name
         {"cf", &P::setColourOf, of(C::foreground)},
         {"cb", &P::setColourOf, of(C::background)},
@@ -246,7 +248,7 @@ class ControlWords {
     static constexpr const char* kIgnored =
         "adjustright af afs ab ai alang aspalpha aspnum faauto fcs ltrch rtlch loch hich dbch ltrsect "
         "rtlsect "
-        "ltrdoc rtldoc deflang deflangfe deflanga adeff adeflang stshfdbch stshfloch stshfhich stshfbi "
+        "ltrdoc rtldoc deflangfe deflanga adeff adeflang stshfdbch stshfloch stshfhich stshfbi "
         "langfe langnp langfenp "
         "noproof kern insrsid rsidroot rsid delrsid charrsid pararsid sectrsid tblrsid styrsid "
         "widctlpar nowidctlpar widowctrl nooverflow nosnaplinegrid snapgridtocell outlinelevel "

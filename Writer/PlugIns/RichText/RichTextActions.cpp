@@ -464,11 +464,18 @@ void P::setNumber(int value) {
 }
 
 void P::setLanguage(int) {
-    const int number = _hasParameter ? _parameter : 0;
+    const int number = _hasParameter && _parameter != _unmarkedLanguage ? _parameter : 0;
     const std::u16string_view name = languageOfNumber(number);
     if (name.empty() && number != 0 && number != kUnknownLanguage) leaveOut(0);
     character()[CharacterProperty::language] =
         name.empty() ? 0 : _result.tables.languages.numberOf(std::u16string(name));
+}
+
+void P::setUsualLanguage(int) { _usualLanguage = _parameter; }
+
+void P::leaveUsualLanguageUnmarked(int) {
+    _unmarkedLanguage = _usualLanguage;
+    skipDestination(0);
 }
 
 // Programs that do not know the name keep to the number before.

@@ -155,16 +155,18 @@ struct TitleField {
     std::u16string result;
 };
 
+// What the texts of a document share.
+struct UsualFormats {
+    ParagraphFormat paragraph;
+    std::int32_t language = 0;  // the number of the language that other programs take unmarked text for; or 0
+};
+
 // Writes one text: the body, or, with a title, a header or a footer.
 class TextMarkup {
   public:
-    TextMarkup(AttributeFormats& formats, const ParagraphFormat& usualParagraph, const TitleField* title,
+    TextMarkup(AttributeFormats& formats, const UsualFormats& usual, const TitleField* title,
                MarkupBytes& out)
-        : _formats(formats),
-          _title(title),
-          _out(out),
-          _usualParagraph(usualParagraph),
-          _paragraph(usualParagraph) {
+        : _formats(formats), _title(title), _out(out), _usualFormats(usual), _paragraph(usual.paragraph) {
         _usual[C::font] = 1;
         _character = _usual;
     }
@@ -172,6 +174,7 @@ class TextMarkup {
     void add(NSAttributedString* text) {
         _out.word("pard");  // what the formats of a paragraph and of characters are counted from
         _out.word("plain");
+        setLanguage(0);
         const StringUnits units(text->string());
         for (AttributeRun run : text->runs()) {
             const Formats& formats = formatsOf(run.attributes);
@@ -312,7 +315,7 @@ class TextMarkup {
         if (isRightToLeft && (isNatural || format[A::alignment] == natural[A::alignment]))
             _out.mark("\\rtlpar\\qr{\\*\\pelvornatural}");
         for (const auto& [property, word] : kParagraphNumbers)
-            if (format[property] != _usualParagraph[property]) _out.word(word, format[property]);
+            if (format[property] != _usualFormats.paragraph[property]) _out.word(word, format[property]);
         for (const auto& [property, value, word] : kParagraphValues)
             if (format[property] == value) _out.word(word);
         if (isRightToLeft && (format[A::leadingIndent] || format[A::trailingIndent])) {
@@ -352,13 +355,16 @@ class TextMarkup {
         }
     }
 
-    // Other programs know numbers: that of "fr-FR" for "fr". The name follows where a number has another one.
+    // Other programs know numbers: that of "fr-FR" for "fr". The name follows where a number alone would be
+    // read as another one, or as that of unmarked text.
     void setLanguage(std::int32_t language) {
+        const std::int32_t usual = _usualFormats.language;
+        if (!language && usual) _out.word("lang", usual);
         if (!language) return;
         const std::u16string& name = _formats.tables().languages[language];
         const std::int32_t number = numberOfLanguage(name);
         _out.word("lang", number ? number : kUnknownLanguage);
-        if (languageOfNumber(number) == name) return;
+        if (number != usual && languageOfNumber(number) == name) return;
         _out.mark("{\\*");
         _out.word("pelvorlang");
         _out.escaped(name);
@@ -387,7 +393,8 @@ class TextMarkup {
     MarkupBytes& _out;
     std::unordered_map<NSDictionary*, Formats> _known;
     CharacterFormat _usual, _character, _outside;  // the last is that around a link
-    ParagraphFormat _usualParagraph, _paragraph;
+    const UsualFormats& _usualFormats;
+    ParagraphFormat _paragraph;
     bool _isParagraphStart = true, _isAfterReturn = false, _isRightToLeft = false;
 };
 
@@ -495,8 +502,10 @@ RichTextMarkup markupOfRichText(NSAttributedString* text, NSDictionary* settings
     };
     const std::pair<NSAttributedString*, std::string_view> lines[] = {{line(WRHeaderKey), "header"},
                                                                       {line(WRFooterKey), "footer"}};
-    ParagraphFormat usual;
-    usual[A::hyphenates] = isHyphenated(text) || isHyphenated(lines[0].first) || isHyphenated(lines[1].first);
+    UsualFormats usual;
+    usual.language = usualLanguage();
+    usual.paragraph[A::hyphenates] =
+        isHyphenated(text) || isHyphenated(lines[0].first) || isHyphenated(lines[1].first);
     if (text->length() == 0) formats.characterOf(NSDictionary::dictionary());  // every file has a font
     body.reserve(text->length() + text->length() / 4);
     TextMarkup(formats, usual, nullptr, body).add(text);
@@ -513,7 +522,8 @@ RichTextMarkup markupOfRichText(NSAttributedString* text, NSDictionary* settings
         parts.mark("}\n");
     }
     out.mark("{\\rtf1\\ansi\\ansicpg1252\\uc1\\deff0");
-    if (const std::int32_t language = usualLanguage()) out.word("deflang", language);
+    if (usual.language) out.word("deflang", usual.language);
+    if (usual.language) out.mark("{\\*\\pelvorunmarked}");
     out.mark("\n");
     addFonts(formats.tables(), out);
     addColours(formats.tables(), out);
@@ -521,7 +531,7 @@ RichTextMarkup markupOfRichText(NSAttributedString* text, NSDictionary* settings
     if (settings) addFields(settings, out);
     out.word("widowctrl");
     if (const std::int32_t interval = formats.tables().tabInterval) out.word("deftab", interval);
-    if (usual[A::hyphenates]) out.word("hyphauto");
+    if (usual.paragraph[A::hyphenates]) out.word("hyphauto");
     if (settings) addPageNumbers(settings, out);
     out.mark("\n");
     out.add(parts);

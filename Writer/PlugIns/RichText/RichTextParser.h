@@ -155,6 +155,8 @@ class RichTextParser {
     void resetParagraph(int);
     void setFlag(int property);
     void setLanguage(int);
+    void setUsualLanguage(int);
+    void leaveUsualLanguageUnmarked(int);
     void setNumber(int property);
     void setValue(int packed);
     void setColourOf(int property);
@@ -201,6 +203,7 @@ class RichTextParser {
     std::map<int, std::shared_ptr<CodePage>> _codePages;
 
     int _documentCodePage = 1252, _defaultFont = 0;
+    int _usualLanguage = 0, _unmarkedLanguage = 0;  // the latter is that of text that names none
     FileFont _font;
     std::map<int, std::int32_t> _fonts;  // from the file's numbers to ours
     ColourEntry _colour;

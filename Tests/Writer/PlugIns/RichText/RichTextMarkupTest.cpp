@@ -50,6 +50,7 @@ Retained<NSMutableAttributedString> plainText(NSString* string) {
 }
 
 TEST(RichTextMarkup, IsReadBackEqual) {
+    const LanguageScope german("de");
     using Change = std::function<void(NSMutableAttributedString*)>;
     const auto with = [](NSString* name, auto* value, NSRange range = {2, 3}) -> Change {
         return [=](NSMutableAttributedString* text) { text->addAttribute_value_range(name, value, range); };
@@ -94,6 +95,7 @@ TEST(RichTextMarkup, IsReadBackEqual) {
         {"Capitals", with(PBFontCaseChangeAttributeName, number(2))},
         {"Language", with(NSLanguageAttributeName, u"de-AT"_ns)},
         {"LanguageAlone", with(NSLanguageAttributeName, u"fr"_ns)},
+        {"LanguageOfTheUser", with(NSLanguageAttributeName, u"de-DE"_ns)},
         {"LanguageWithoutNumber", with(NSLanguageAttributeName, u"eo"_ns)},
         {"Colour", with(NSForegroundColorAttributeName, colour(1, 2, 3))},
         {"Background", with(NSBackgroundColorAttributeName, colour(255, 128, 0))},
@@ -176,9 +178,11 @@ TEST(RichTextMarkup, EndsEveryParagraphTheSameWayAndNamesWhatItLeavesOut) {
 }
 
 TEST(RichTextMarkup, TellsLanguagesToOtherPrograms) {
+    const LanguageScope french("fr");
     const std::pair<NSString*, const char*> rows[] = {
         {u"de-AT"_ns, "\\lang3079 a"},
         {u"fr"_ns, "\\lang1036{\\*\\pelvorlang fr}a"},
+        {u"fr-FR"_ns, "\\lang1036{\\*\\pelvorlang fr-FR}a"},
         {u"pt_BR"_ns, "\\lang1046{\\*\\pelvorlang pt_BR}a"},
         {u"nn"_ns, "\\lang2068{\\*\\pelvorlang nn}a"},
         {u"zh-Hant-MO"_ns, "\\lang1028{\\*\\pelvorlang zh-Hant-MO}a"},
@@ -192,13 +196,14 @@ TEST(RichTextMarkup, TellsLanguagesToOtherPrograms) {
     auto text = plainText(u"a"_ns);
     text->addAttribute_value_range(NSLanguageAttributeName, u"no name"_ns, {0, 1});
     EXPECT_THAT(markupOfRichText(text, nullptr).leftOut, ElementsAre(u"NSLanguage"));
-    const LanguageScope french("fr");
-    EXPECT_THAT(markupOfRichText(plainText(u"a"_ns).get(), nullptr).bytes,
-                AllOf(HasSubstr("\\deflang1036\n"), HasSubstr("\\pard\\plain a}")));
+    EXPECT_THAT(
+        markupOfRichText(plainText(u"a"_ns).get(), nullptr).bytes,
+        AllOf(HasSubstr("\\deflang1036{\\*\\pelvorunmarked}\n"), HasSubstr("\\pard\\plain\\lang1036 a}")));
 }
 
 // Other programs are stricter than the reader here, which takes words in any order and numbers of any kind.
 TEST(RichTextMarkup, KeepsToThePublishedFormat) {
+    const LanguageScope english("en");
     const auto textWith = [](NSUInteger end, std::initializer_list<NSDictionaryEntry> attributes) {
         auto text = plainText(u"a\nb"_ns);
         text->addAttributes_range(NSDictionary::of(attributes), {0, end});
@@ -224,7 +229,7 @@ TEST(RichTextMarkup, KeepsToThePublishedFormat) {
          textWith(2, {{PBStyleParagraphAttributeName, u"A"_ns}, {PBStyleCharacterAttributeName, u"A"_ns}}),
          "{\\stylesheet{\\s1 A;}{\\*\\cs2 A;}}"},
         {"Hyphenation", textWith(2, {{NSParagraphStyleAttributeName, hyphenated.get()}}),
-         "\\widowctrl\\hyphauto\n\\pard\\plain a\\par\n\\pard\\hyphpar0 b}"},
+         "\\widowctrl\\hyphauto\n\\pard\\plain\\lang1033 a\\par\n\\pard\\hyphpar0 b}"},
         {"Indents", textWith(2, {{NSParagraphStyleAttributeName, rightToLeft.get()}}),
          "\\pard\\rtlpar\\qr{\\*\\pelvornatural}\\li720\\fi-720\\ri200\\rtlpar\\lin720\\rin200 "
          "a\\par\n\\pard b"},

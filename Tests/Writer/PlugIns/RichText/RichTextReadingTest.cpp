@@ -85,6 +85,8 @@ TEST(RichTextReading, TakesFormatsOfCharacters) {
          "[language=de-DE]a[]b[language=en]c[]d"},
         {"LanguageByName", "\\lang1036{\\*\\pelvorlang fr}a{\\*\\pelvorlang a b}b{\\*\\pelvorlang}\\plain c",
          "[language=fr]ab[]c"},
+        {"UnmarkedLanguage", "\\deflang1036{\\*\\pelvorunmarked x}\\lang1036 a\\lang1031 b",
+         "a[language=de-DE]b"},
         {"UsualLanguage", "\\deflang1031 a\\lang1036\\langfe1041\\langnp1031 b\\plain c",
          "a[language=fr-FR]b[]c"},
         {"Fonts", "\\deff1{\\fonttbl\\f0 A;\\f1\\fmodern B;}a\\f0 b\\plain c", "[font=2]a[font]b[font=2]c"},
