@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -97,8 +98,11 @@ class Connection {
     /// Why the last request failed.
     PrintProblem problem() const {
         if (!_http || _silence >= kLongestSilence || _gaveUp) return {PrintProblem::Kind::noAnswer, nullptr};
-        NSString* text = NSString::ofUTF8(_cups.cupsLastErrorString());
-        return {PrintProblem::Kind::refused, (text ? text : u""_ns)->copy()};
+        const char* reason = _cups.cupsLastErrorString();
+        // The library asks the system why it understands nothing, and for the system nothing has failed.
+        if (!reason || !*reason || !std::strcmp(reason, std::strerror(0)))
+            return {PrintProblem::Kind::unclear, nullptr};
+        return {PrintProblem::Kind::refused, NSString::ofUTF8(reason)->copy()};
     }
 
   private:

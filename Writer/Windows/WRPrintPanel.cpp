@@ -44,6 +44,8 @@ NSString* reasonOf(const PrintProblem& problem) {
             return localized(u"_it is not there any more"_ns);
         case PrintProblem::Kind::noAnswer:
             return localized(u"_the print service does not answer"_ns);
+        case PrintProblem::Kind::unclear:
+            return localized(u"_what the print service answers makes no sense"_ns);
         default:
             break;
     }

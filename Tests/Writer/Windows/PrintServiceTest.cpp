@@ -34,4 +34,14 @@ TEST(PrintServiceTest, EndsWithItsCallersPatience) {
     }
 }
 
+TEST(PrintServiceTest, TellsWhenItUnderstandsNothing) {
+    LoopbackServer server([](LoopbackServer::Call& call) { call.send("What?\r\n\r\n"); });
+    const std::string address = "127.0.0.1:" + std::to_string(server.port());
+    const EnvironmentScope environment("CUPS_SERVER", address.c_str());
+    std::vector<Printer> printers;
+    const PrintProblem problem = PrintService::shared()->findPrinters(printers, PrintService::Flag(false));
+    if (problem.kind == PrintProblem::Kind::noService) GTEST_SKIP() << "there is no CUPS";
+    EXPECT_EQ(problem.kind, PrintProblem::Kind::unclear) << shown(problem.text);
+}
+
 }  // namespace
