@@ -36,13 +36,20 @@ TEST(NSSpellChecker, FindsTheNextMisspelledWord) {
 TEST(NSSpellChecker, KnowsWhatIsNoMisspelledWord) {
     DictionaryScope scope("en", "sea\ndon't\nl\xE2\x80\x99\x65\x61u\ncafé\netc.\nhoc\nad-lib\nword\nHfO₂\n");
     expectAll(
-        {"Sea SEA sEa ->  sEa", "don't don\u2019t Don\u2019t don\u02BCt dont ->  dont",
-         "l'eau l\u2019eau 'sea' \u2018sea\u2019 -> ", "cafe\u0301 caf\u00E9 se\u00ADa cafe ->  cafe",
-         "sea etc. etc, ETC. ->  etc", "ad-lib ad\u2011lib ad-word lib HfO\u2082 HfO ->  ad lib HfO",
-         "x86 2nd my_name 東京 カナ -> ", "Море θάλασσα بحر 바다 µ Анна's Анна\u2019s -> ",
-         "s\u0435a seaв мsea ->  s\u0435a seaв мsea",  // letters of two scripts
-         "http://zzz.qq/yyy?b=xxx (www.zzz.qq) zzz@yyy.xx @zzz mailto:zzz zzz ->  zzz",
-         "/usr/shar/zzz ~/zzz ./zzz c:\\zzz zzz/word notes.txt zzz.org Zzz.Org ->  zzz Zzz.Org", " -> "},
+        {
+            "Sea SEA sEa ->  sEa",
+            "don't don\u2019t Don\u2019t don\u02BCt dont ->  dont",
+            "l'eau l\u2019eau 'sea' \u2018sea\u2019 -> ",
+            "cafe\u0301 caf\u00E9 se\u00ADa cafe ->  cafe",
+            "sea etc. etc, ETC. ->  etc",
+            "ad-lib ad\u2011lib ad-word lib HfO\u2082 HfO ->  ad lib HfO",
+            "x86 2nd my_name 東京 カナ -> ",
+            "Море θάλασσα بحر 바다 µ Анна's Анна\u2019s -> ",
+            "s\u0435a seaв мsea ->  s\u0435a seaв мsea",  // letters of two scripts
+            "http://zzz.qq/yyy?b=xxx (www.zzz.qq) zzz@yyy.xx @zzz mailto:zzz zzz ->  zzz",
+            "/usr/shar/zzz ~/zzz ./zzz c:\\zzz zzz/word notes.txt zzz.org Zzz.Org ->  zzz Zzz.Org",
+            " -> ",
+        },
         [&](const std::string& text) {
             const std::string wrong = scope.wrongIn(NSString::ofUTF8(text));
             EXPECT_EQ(scope.wrongIn(NSString::ofUTF8(text)), wrong) << text << ", again";

@@ -14,13 +14,9 @@ TEST(PBSpellCheckerLanguage, SavesAndLoadsItsNames) {
     EXPECT_EQ(shown(language), "PBSpellCheckerLanguage {en_GB \"Englisch (Vereinigtes Königreich)\"}");
     auto settings = NSMutableDictionary::init();
     EXPECT_TRUE(language->saveToDictionary(settings));
-    EXPECT_EQ(settings->count(), 2u);
-    EXPECT_EQ(shown(settings->objectForKey(u"languageName"_ns)), "en_GB");
-
     language->setIsSuspended(true);
     auto* loaded = PBSpellCheckerLanguage::spellLanguageForDictionary(settings);
     EXPECT_TRUE(loaded->isEqual(language)) << "suspension does not count";
-    EXPECT_EQ(loaded->hash(), language->hash());
     EXPECT_FALSE(loaded->isSuspended());
 
     // A display name of the settings counts; a missing one is asked for.
@@ -29,8 +25,7 @@ TEST(PBSpellCheckerLanguage, SavesAndLoadsItsNames) {
     EXPECT_EQ(shown(loaded->displayName()), "Mine");
     EXPECT_FALSE(loaded->isEqual(language));
     settings->removeObjectForKey(u"languageDisplayName"_ns);
-    EXPECT_TRUE(loaded->loadFromDictionary(settings));
-    EXPECT_TRUE(loaded->isEqual(language));
+    EXPECT_TRUE(loaded->loadFromDictionary(settings) && loaded->isEqual(language));
     auto* nameless = NSDictionary::of({{u"languageDisplayName"_ns, u"Other"_ns}});
     EXPECT_FALSE(loaded->loadFromDictionary(nameless));
     EXPECT_TRUE(loaded->isEqual(language)) << "nothing has changed";
@@ -40,12 +35,10 @@ TEST(PBSpellCheckerLanguage, SavesAndLoadsItsNames) {
 
 TEST(PBSpellCheckerLanguage, DoesWithoutNames) {
     auto one = PBSpellCheckerLanguage::init(), other = PBSpellCheckerLanguage::init();
-    EXPECT_TRUE(one->isEqual(other));
-    EXPECT_EQ(one->hash(), other->hash());
-    EXPECT_FALSE(one->isEqual(u"x"_ns));
-    EXPECT_EQ(shown(one.get()), "PBSpellCheckerLanguage {(null) \"(null)\"}");
+    EXPECT_TRUE(one->isEqual(other) && one->hash() == other->hash());
     one->setLanguageName(u"fr"_ns);
     EXPECT_FALSE(one->isEqual(other));
+    EXPECT_EQ(shown(one.get()), "PBSpellCheckerLanguage {fr \"(null)\"}");
     auto settings = NSMutableDictionary::init();
     EXPECT_TRUE(one->saveToDictionary(settings));
     EXPECT_TRUE(settings->isEqual(NSDictionary::of({{u"languageName"_ns, u"fr"_ns}})));

@@ -103,8 +103,7 @@ TEST(WRRecoveryJournal, TakesOverAnAbandonedDocumentAndRemovesWhatIsSavedOrClose
     for (const bool isClosed : {false, true}) {
         scope.begin({}, scope.store.newFile());
         scope.type(u"more"_ns);
-        ASSERT_TRUE(scope.journal->writeNow());
-        EXPECT_EQ(scope.names().size(), 1u);
+        ASSERT_TRUE(scope.journal->writeNow() && !scope.names().empty());
         isClosed ? scope.journal->close() : scope.journal->documentIsInFile({});
         EXPECT_THAT(scope.names(), IsEmpty());
         scope.journal->close();
