@@ -5,13 +5,12 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <climits>
 #include <cstdlib>
 #include <set>
 
+#include "ChildProcess.h"
 #include "EnvironmentScope.h"
 #include "Foundation/NSDictionary.h"
 #include "Foundation/NSKeyedArchiver.h"
@@ -185,48 +184,44 @@ TEST(NSFontManagerTest, ListsWhatThereIs) {
 
 // MARK: Machines with few fonts
 
-// In a process of its own, whose machine has the fonts of the folder.
-int withFontsIn(const TemporaryFolder& folder, const std::function<bool()>& check) {
+constexpr const char* kDejaVuSans = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
+
+// The check holds, and logs this, in a process of its own, whose machine has the fonts of the folder.
+void expectWithFontsIn(const TemporaryFolder& folder, const char* log, const std::function<bool()>& check) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
     const std::string settings = folder.write(
         "fonts.conf", "<?xml version=\"1.0\"?><!DOCTYPE fontconfig SYSTEM \"fonts.dtd\"><fontconfig><dir>" +
                           folder.path("fonts") + "</dir><cachedir>" + folder.path("cache") +
                           "</cachedir></fontconfig>");
-    setenv("FONTCONFIG_FILE", settings.c_str(), 1);
-    return check() ? 0 : 1;
+    const auto run = [&] {
+        setenv("FONTCONFIG_FILE", settings.c_str(), 1);
+        std::_Exit(check() ? 0 : 1);
+    };
+    EXPECT_EXIT(run(), ::testing::ExitedWithCode(0), log);
 }
 
 TEST(NSFontTest, IsABoxOnAMachineWithoutFonts) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    auto check = [] {
+    expectWithFontsIn({}, "No font is installed", [] {
         NSFont* font = NSFont::userFontOfSize(20);
-        return font && font->ascender() == 15 && font->glyphForCharacter('a') == 0 &&
+        auto* attributes = NSDictionary::dictionaryWithObject_forKey(font, NSFontAttributeName);
+        return font->ascender() == 15 && font->glyphForCharacter('a') == 0 &&
                font->advancementForGlyph(0).width == 12 && !fontNamed("DejaVu Sans") &&
                manager()->convertFont_toHaveTrait(font, NSBoldFontMask) == font &&
-               sizeWithAttributes(u"four"_ns,
-                                  NSDictionary::dictionaryWithObject_forKey(font, NSFontAttributeName))
-                       .width == 48;
-    };
-    TemporaryFolder folder;
-    EXPECT_EXIT(std::_Exit(withFontsIn(folder, check)), ::testing::ExitedWithCode(0), "No font is installed");
+               sizeWithAttributes(u"four"_ns, attributes).width == 48;
+    });
 }
 
 // In a process that has read no fonts yet.
 bool isFoundElsewhere(const char* name) {
-    const int child = fork();
-    if (child == 0) std::_Exit(fontNamed(name) ? 0 : 1);
-    int status = -1;
-    waitpid(child, &status, 0);
-    return status == 0;
+    return inChild([&] { return fontNamed(name) ? 0 : 1; }) == 0;
 }
 
 TEST(NSFontTest, IsRememberedUntilFoldersChange) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
     TemporaryFolder folder;
-    auto check = [&] {
+    expectWithFontsIn(folder, "", [&] {
         setenv("XDG_CACHE_HOME", folder.path("cache").c_str(), 1);
         std::filesystem::create_directories(folder.path("fonts"));
-        std::filesystem::copy_file("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf",
-                                   folder.path("fonts/DejaVuSans.ttf"));
+        std::filesystem::copy_file(kDejaVuSans, folder.path("fonts/DejaVuSans.ttf"));
         bool isRight = isFoundElsewhere("DejaVu Sans");
         std::string memory = folder.read("cache/pelvor-fonts");
         for (std::size_t place; (place = memory.find("DejaVu Sans")) != std::string::npos;)
@@ -235,8 +230,7 @@ TEST(NSFontTest, IsRememberedUntilFoldersChange) {
         isRight = isRight && isFoundElsewhere("Memory Sans") && !isFoundElsewhere("DejaVu Sans");
         folder.write("fonts/new", "");
         return isRight && isFoundElsewhere("DejaVu Sans");
-    };
-    EXPECT_EXIT(std::_Exit(withFontsIn(folder, check)), ::testing::ExitedWithCode(0), "");
+    });
 }
 
 TEST(FontMemoryTest, KeepsAllOrNothing) {
@@ -250,11 +244,10 @@ TEST(FontMemoryTest, KeepsAllOrNothing) {
     memory.write(list, {other, folder.path("absent")});
     const std::optional<FontList> read = memory.read();
     ASSERT_TRUE(read && read->fonts.size() == 2);
-    const FontEntry& entry = read->fonts[0].entry;
-    EXPECT_EQ(entry.postScriptName + entry.family + entry.fullName + entry.style + entry.file,
-              "A-BoldAA BoldBold/a.ttf");
-    EXPECT_EQ(shown(entry.index, entry.weight, entry.traits, entry.isColoured), shown(3, 9, 2, false));
-    EXPECT_EQ(read->fonts[0].families, list.fonts[0].families);
+    const auto& [entry, families] = read->fonts[0];
+    EXPECT_EQ(shown(entry.postScriptName, entry.family, entry.fullName, entry.style, entry.file, entry.index,
+                    entry.weight, entry.traits, entry.isColoured, joined(families)),
+              "A-Bold A A Bold Bold /a.ttf 3 9 2 0 A, Ä");
     EXPECT_TRUE(read->fonts[1].entry.isColoured && read->fonts[1].entry.index == 1 << 16);
     EXPECT_EQ(read->best, list.best);
 
@@ -304,21 +297,16 @@ TEST(FontMemoryTest, KeepsAllOrNothing) {
 }
 
 TEST(NSFontTest, PassesOverABrokenFile) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
     TemporaryFolder folder;
-    std::filesystem::create_directories(folder.path("fonts"));
-    const std::string whole = folder.path("fonts/DejaVuSans.ttf");
-    auto check = [&] {
-        std::filesystem::copy_file("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf", whole,
-                                   std::filesystem::copy_options::overwrite_existing);
+    expectWithFontsIn(folder, "DejaVuSans.ttf\" is passed over: it holds no such typeface", [&] {
+        const std::string whole = folder.write("fonts/DejaVuSans.ttf", "");
+        std::filesystem::copy_file(kDejaVuSans, whole, std::filesystem::copy_options::overwrite_existing);
         const bool isListed = manager()->availableFonts()->count() == 1;
         std::filesystem::remove(whole);
         folder.write("fonts/DejaVuSans.ttf", "no font any more");
         return isListed && !fontNamed("DejaVuSans") && !fontNamed("DejaVuSans") &&
                nameOf(NSFont::userFontOfSize(0)) == "Boxes";
-    };
-    EXPECT_EXIT(std::_Exit(withFontsIn(folder, check)), ::testing::ExitedWithCode(0),
-                "DejaVuSans.ttf\" is passed over: it holds no such typeface");
+    });
 }
 
 }  // namespace
