@@ -2,6 +2,7 @@
 // What must hold for every class of every library.
 #pragma once
 
+#include <signal.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -103,6 +104,7 @@ inline bool hasManyDescriptors() {
 [[noreturn]] inline void runSteps(Progress* progress,
                                   const std::function<std::vector<Step>()>& makeSteps) noexcept {
     std::strcpy(progress->name, "The making of samples");
+    signal(SIGALRM, SIG_DFL);
     alarm(60);
     const std::vector<Step> steps = makeSteps();
     while (progress->next < steps.size()) {

@@ -17,12 +17,12 @@ namespace pelvor {
 namespace {
 
 // Below the time that CTest gives a test.
-constexpr time_t kSeconds = PELVOR_ADDRESS_SANITIZER || PELVOR_THREAD_SANITIZER ? 600 : 100;
+constexpr unsigned kSeconds = PELVOR_ADDRESS_SANITIZER || PELVOR_THREAD_SANITIZER ? 600 : 100;
 
 // No thread of the library blocks this signal.
 constexpr int kSignal = SIGTRAP;
 
-void writePlace() {
+void writePlace(int) {
     char head[64];
     char name[17] = "";
     pthread_getname_np(pthread_self(), name, sizeof name);
@@ -32,9 +32,8 @@ void writePlace() {
     backtrace_symbols_fd(calls, backtrace(calls, 48), STDERR_FILENO);
 }
 
-// The timer interrupts one thread, which interrupts all. They write one after another.
-void interrupt(int, siginfo_t* info, void*) {
-    if (info->si_code != SI_TIMER) return writePlace();
+// The alarm interrupts one thread, which interrupts all. They write one after another.
+void interruptAll(int) {
     DIR* threads = opendir("/proc/self/task");
     while (const dirent* thread = threads ? readdir(threads) : nullptr) {
         const int number = std::atoi(thread->d_name);
@@ -47,25 +46,14 @@ void interrupt(int, siginfo_t* info, void*) {
 
 }  // namespace
 
-StuckTest::StuckTest() {
-    struct sigaction action {};
-    action.sa_sigaction = interrupt;
-    action.sa_flags = SA_SIGINFO | SA_RESTART | SA_NODEFER;
-    sigaction(kSignal, &action, nullptr);
+void StuckTest::begin() {
     void* call;
     backtrace(&call, 1);  // loads what it needs, which it may not do inside a signal
-    sigevent event{};
-    event.sigev_notify = SIGEV_SIGNAL;
-    event.sigev_signo = kSignal;
-    timer_create(CLOCK_MONOTONIC, &event, &_timer);
+    std::signal(kSignal, writePlace);
+    std::signal(SIGALRM, interruptAll);
+    alarm(kSeconds);
 }
 
-void StuckTest::begin() { set(kSeconds); }
-void StuckTest::end() { set(0); }
-
-void StuckTest::set(time_t seconds) {
-    const itimerspec times{{}, {seconds, 0}};
-    timer_settime(_timer, 0, &times, nullptr);
-}
+void StuckTest::end() { alarm(0); }
 
 }  // namespace pelvor

@@ -47,15 +47,14 @@ namespace {
 class FrameOfTheTest : public ::testing::EmptyTestEventListener {
     void OnTestStart(const ::testing::TestInfo&) override {
         _pool.emplace();
-        _stuck.begin();
+        StuckTest::begin();
     }
     void OnTestEnd(const ::testing::TestInfo&) override {
         _pool.reset();
-        _stuck.end();
+        StuckTest::end();
     }
 
     std::optional<AutoreleasePool> _pool;
-    StuckTest _stuck;
 };
 
 }  // namespace
