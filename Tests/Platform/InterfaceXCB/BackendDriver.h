@@ -17,6 +17,14 @@ inline std::string shownRect(const PixelRect& rect) {
            std::to_string(rect.height);
 }
 inline std::string utf8(std::u16string_view text) { return utf8FromUnitsMending(text); }
+inline std::string shownPreedit(std::u16string_view text, std::size_t caret,
+                                std::span<const PreeditSpan> spans) {
+    std::string shown = utf8(text) + " " + std::to_string(caret);
+    for (const PreeditSpan& span : spans)
+        shown += " " + std::to_string(span.location) + "+" + std::to_string(span.length) +
+                 (span.isHighlighted ? "!" : "");
+    return shown;
+}
 
 class BackendDriver final : public BackendSink {
   public:
@@ -104,11 +112,7 @@ class BackendDriver final : public BackendSink {
     void text(BackendWindow, std::u16string_view text) override { note("text " + utf8(text)); }
     void preedit(BackendWindow, std::u16string_view text, std::size_t caret,
                  std::span<const PreeditSpan> spans) override {
-        std::string shown = "preedit " + utf8(text) + " " + std::to_string(caret);
-        for (const PreeditSpan& span : spans)
-            shown += " " + std::to_string(span.location) + "+" + std::to_string(span.length) +
-                     (span.isHighlighted ? "!" : "");
-        note(shown);
+        note("preedit " + shownPreedit(text, caret, spans));
     }
     void command(BackendWindow, const BackendKey& key) override {
         note("command " + utf8(key.shortcutCharacters));

@@ -111,11 +111,7 @@ TEST(PreeditTest, BelievesNoNumbers) {
     Preedit preedit;
     const auto shown = [&] {
         const Preedit::Shown shown = preedit.shown();
-        std::string text = utf8(shown.text) + " " + std::to_string(shown.caret);
-        for (const PreeditSpan& span : shown.spans)
-            text += " " + std::to_string(span.location) + "+" + std::to_string(span.length) +
-                    (span.isHighlighted ? "!" : "");
-        return text;
+        return shownPreedit(shown.text, shown.caret, shown.spans);
     };
     const std::uint32_t styles[] = {0, 4, 1, 2};
     preedit.replace(100, 100, u"a\U0001F600b", styles);

@@ -123,23 +123,21 @@ void XServerScope::startManager() {
     });
 }
 
-void XServerScope::key(int code, bool isDown) {
-    xcb_test_fake_input(peer(), isDown ? XCB_KEY_PRESS : XCB_KEY_RELEASE, static_cast<std::uint8_t>(code + 8),
-                        0, XCB_NONE, 0, 0, 0);
+void XServerScope::play(std::uint8_t kind, int detail, int x, int y) {
+    xcb_test_fake_input(peer(), kind, static_cast<std::uint8_t>(detail), 0, root(),
+                        static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 0);
     // Once the server replies, it has done what was asked before.
     _peer->wait<xcb_get_input_focus_reply_t>(xcb_get_input_focus(peer()));
 }
 
-void XServerScope::movePointer(int x, int y) {
-    xcb_test_fake_input(peer(), XCB_MOTION_NOTIFY, 0, 0, root(), static_cast<std::int16_t>(x),
-                        static_cast<std::int16_t>(y), 0);
-    _peer->wait<xcb_get_input_focus_reply_t>(xcb_get_input_focus(peer()));
+void XServerScope::key(int code, bool isDown) {
+    play(isDown ? XCB_KEY_PRESS : XCB_KEY_RELEASE, code + 8, 0, 0);
 }
 
+void XServerScope::movePointer(int x, int y) { play(XCB_MOTION_NOTIFY, 0, x, y); }
+
 void XServerScope::button(int number, bool isDown) {
-    xcb_test_fake_input(peer(), isDown ? XCB_BUTTON_PRESS : XCB_BUTTON_RELEASE,
-                        static_cast<std::uint8_t>(number), 0, XCB_NONE, 0, 0, 0);
-    _peer->wait<xcb_get_input_focus_reply_t>(xcb_get_input_focus(peer()));
+    play(isDown ? XCB_BUTTON_PRESS : XCB_BUTTON_RELEASE, number, 0, 0);
 }
 
 void XServerScope::click(int x, int y, int number) {

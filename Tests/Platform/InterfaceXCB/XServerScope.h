@@ -67,6 +67,8 @@ class XServerScope {
     static void run(const std::vector<std::string>& arguments) { ProgramScope(arguments).wait(); }
 
   private:
+    void play(std::uint8_t kind, int detail, int x, int y);
+
     std::unique_ptr<ProgramScope> _server;
     std::unique_ptr<ProgramScope> _manager;
     std::unique_ptr<XConnection> _peer;
