@@ -3,8 +3,8 @@
 
 #include "BaseSpellCheckingLibrary.h"
 #include "EnvironmentScope.h"
-#include "Prelude.h"
 #include "SpellChecking/NSSpellChecker.h"
+#include "TestClasses.h"
 
 namespace {
 
@@ -45,17 +45,11 @@ TEST(PBSpellCheckerLanguage, DoesWithoutNames) {
 }
 
 // A host that names languages by itself.
-NSString* hostName(NSSpellChecker*, NSString* name) { return name->uppercaseString(); }
-void defineHostNames(MethodTable<NSSpellChecker>& methods) {
-    methods.instanceAs<"displayNameForLanguageName:", &hostName>();
-}
-constinit const Category kHostNames = Category::of<NSSpellChecker, defineHostNames>("HostNames");
-constexpr const Category* kCategories[] = {&kHostNames};
-constexpr Library* kDependencies[] = {&baseSpellCheckingLibrary};
-constinit Library hostLibrary{"Host", kDependencies, {}, kCategories};
+NSString* hostName(NSObject*, NSString* name) { return name->uppercaseString(); }
 
 TEST(PBSpellCheckerLanguage, AsksTheHostsSpellChecker) {
-    registerLibrary(hostLibrary);
+    registerLibrary(baseSpellCheckingLibrary);  // whose own names are older
+    addMethod<"displayNameForLanguageName:", &hostName>(NSSpellChecker::classObject());
     EXPECT_EQ(shown(PBSpellCheckerLanguage::spellLanguageWithLanguageName(u"en"_ns)->displayName()), "EN");
 }
 
