@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
-// FormatScope: a document in a window, and the user who formats its text.
+// FormatScope: a document in a window, and the user who formats its text. Also what most tests of windows use
+// besides.
 #pragma once
 
 #include <filesystem>
 
 #include "Foundation/NSUndoManager.h"
 #include "Foundation/NSUserDefaults.h"
+#include "Interface/NSMenu.h"
 #include "Interface/NSMenuItem.h"
+#include "Interface/NSScrollView.h"
+#include "Interface/NSTextField.h"
 #include "InterfaceScope.h"
 #include "NSAttributedString-PelvorAdditions.h"
+#include "NSView-PelvorAdditions.h"
 #include "PBPostLoader.h"
 #include "TemporaryFolder.h"
 #include "Text/NSColor.h"
@@ -18,9 +23,11 @@
 #include "Writer/PlugInProtocol.h"
 #include "Writer/WRDocument.h"
 #include "Writer/Windows/ColorParts.h"
+#include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRDocumentWindow.h"
 #include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageView.h"
+#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {

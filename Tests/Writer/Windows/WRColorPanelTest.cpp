@@ -2,9 +2,6 @@
 #include "Writer/Windows/WRColorPanel.h"
 
 #include "FormatScope.h"
-#include "Interface/NSTextField.h"
-#include "Writer/Windows/Preferences.h"
-#include "Writer/Windows/WRPalette.h"
 
 namespace {
 

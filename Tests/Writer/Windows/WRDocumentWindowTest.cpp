@@ -7,18 +7,13 @@
 #include "Foundation/NSRunLoop.h"
 #include "Foundation/NSTimer.h"
 #include "Interface/NSButton.h"
-#include "Interface/NSPanel.h"
 #include "Interface/NSPasteboard.h"
 #include "Interface/NSPopUpButton.h"
-#include "Interface/NSScrollView.h"
-#include "Interface/NSTextField.h"
-#include "NSView-PelvorAdditions.h"
 #include "ProgramOutput.h"
 #include "Writer/Pages/PageLines.h"
 #include "Writer/Pages/StyleSheet.h"
 #include "Writer/Windows/WRFindPanel.h"
 #include "Writer/Windows/WRPageSetupPanel.h"
-#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WRPrintPanel.h"
 
 namespace {

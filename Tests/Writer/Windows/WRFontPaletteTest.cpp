@@ -2,13 +2,9 @@
 #include "Writer/Windows/WRFontPalette.h"
 
 #include "FormatScope.h"
-#include "Interface/NSScrollView.h"
 #include "Interface/NSTableView.h"
-#include "Interface/NSTextField.h"
 #include "Text/NSFontManager.h"
-#include "Text/NSTextStorage.h"
 #include "Writer/Pages/StyleChange.h"
-#include "Writer/Windows/WRPalette.h"
 
 namespace {
 

@@ -2,7 +2,6 @@
 #include "Writer/Windows/WRFormatCommands.h"
 
 #include "FormatScope.h"
-#include "Interface/NSMenu.h"
 #include "Text/NSFontManager.h"
 #include "Writer/Pages/WRSheetParagraphStyle.h"
 #include "Writer/Windows/WRColorMenu.h"

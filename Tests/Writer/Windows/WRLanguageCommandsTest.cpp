@@ -5,12 +5,9 @@
 #include "../TestProfiles.h"
 #include "FormatScope.h"
 #include "Interface/KeyboardLayouts.h"
-#include "Interface/NSMenu.h"
 #include "TestClasses.h"
 #include "Writer/Pages/TextLanguage.h"
-#include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRCharactersPanel.h"
-#include "Writer/Windows/WRPalette.h"
 
 namespace {
 

@@ -3,9 +3,6 @@
 
 #include "FormatScope.h"
 #include "Interface/NSClipView.h"
-#include "Interface/NSScrollView.h"
-#include "Interface/NSScroller.h"
-#include "NSView-PelvorAdditions.h"
 #include "Writer/Windows/WRZoomView.h"
 
 namespace {

@@ -2,13 +2,10 @@
 #include "Writer/Windows/WRProfilesPanel.h"
 
 #include "FormatScope.h"
-#include "Interface/NSMenu.h"
-#include "Interface/NSScrollView.h"
 #include "Interface/NSTableColumn.h"
 #include "Interface/NSTableView.h"
 #include "Menus/NSMenuItem-PelvorAdditions.h"
 #include "Writer/Shortcuts/WRShortcut.h"
-#include "Writer/Windows/WRPalette.h"
 #include "Writer/Windows/WRShortcutsPanel.h"
 
 namespace {

@@ -2,10 +2,7 @@
 #include "Writer/Windows/WRRuler.h"
 
 #include "FormatScope.h"
-#include "Interface/NSScrollView.h"
-#include "NSView-PelvorAdditions.h"
 #include "Text/NSTextTab.h"
-#include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRRulerGuide.h"
 
 namespace {
@@ -110,7 +107,6 @@ TEST_F(RulerTest, IsHiddenAndShownForLaterWindowsToo) {
     choose("toggleRuler:"_sel);
     EXPECT_FALSE(ruler());
     EXPECT_EQ(NSHeight(view->enclosingScrollView()->frame()), NSHeight(room) + WRRuler::kHeight);
-    EXPECT_FALSE(defaults->boolForKey(WRShowsRulerPreference));
     EXPECT_EQ(state("toggleRuler:"_sel), "off");
     choose("toggleRuler:"_sel);
     EXPECT_EQ(view->enclosingScrollView()->frame(), room);

@@ -3,10 +3,7 @@
 
 #include "DictionaryScope.h"
 #include "FormatScope.h"
-#include "Interface/NSMenu.h"
-#include "Text/TextAttributes.h"
 #include "Writer/WRLanguage.h"
-#include "Writer/Windows/Preferences.h"
 #include "Writer/Windows/WRSpellingMarks.h"
 
 namespace {

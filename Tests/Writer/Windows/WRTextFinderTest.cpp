@@ -3,7 +3,6 @@
 
 #include "FormatScope.h"
 #include "Writer/TextEscapes.h"
-#include "Writer/Windows/WRFindPanel.h"
 
 namespace {
 
