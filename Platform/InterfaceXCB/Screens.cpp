@@ -79,7 +79,8 @@ bool XScreens::isManager(xcb_window_t window) {
 PixelRect XScreens::workArea(const XReply<xcb_get_property_reply_t>& reply) const {
     const std::vector<std::uint32_t> words = wordsOf(reply);
     if (_manager == 0 || words.size() < 4) return {-32768, -32768, 65535, 65535};
-    const auto number = [&](std::size_t i) { return static_cast<int>(words[i]); };
+    // Any client can write there, and sums of two such numbers stay in range.
+    const auto number = [&](std::size_t i) { return std::clamp(static_cast<int>(words[i]), -32768, 65535); };
     return {number(0), number(1), number(2), number(3)};
 }
 
