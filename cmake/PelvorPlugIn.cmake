@@ -176,7 +176,7 @@ function(_pelvor_write_info path type executable)
         list(APPEND pairs "CFBundleExecutable=${executable}")
         if(type STREQUAL "BNDL")
             # kInterfaceVersion in Runtime/Registry.h: a process loads no code that says another one.
-            list(APPEND pairs "PelvorInterfaceVersion=3")
+            list(APPEND pairs "PelvorInterfaceVersion=4")
         endif()
     endif()
     set(entries "")

@@ -36,7 +36,7 @@ struct Category {
 /// The version of the binary interface between hosts and plug-ins: the layout of objects and records and the
 /// C++ functions that headers name. The version grows with every change after which code has to be compiled
 /// again. Code that was compiled with another version is refused.
-inline constexpr std::uint32_t kInterfaceVersion = 3;  // also in cmake/PelvorPlugIn.cmake
+inline constexpr std::uint32_t kInterfaceVersion = 4;  // also in cmake/PelvorPlugIn.cmake
 
 /// The list of a library or plug-in: the libraries that it needs, its classes and its categories. A library
 /// has one such constant, in a .cpp of its own. The list is registered once, as a whole, and for good.
