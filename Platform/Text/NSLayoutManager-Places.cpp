@@ -238,11 +238,13 @@ struct Span {
 Span spanOf(const GlyphPiece& piece, std::uint32_t start, std::uint32_t end,
             const std::vector<LineGlyphs::Caret>& carets) {
     Span span{piece.left, piece.left + piece.width};
-    for (const auto& caret : carets) {
-        if (caret.unit <= piece.start || caret.unit >= piece.end) continue;
-        if (caret.unit == start) (piece.isRightToLeft ? span.right : span.left) = caret.place;
-        if (caret.unit == end) (piece.isRightToLeft ? span.left : span.right) = caret.place;
-    }
+    const auto cut = [&](std::uint32_t unit, Extent& edge) {
+        if (unit <= piece.start || unit >= piece.end) return;
+        const auto caret = std::ranges::lower_bound(carets, unit, {}, &LineGlyphs::Caret::unit);
+        if (caret != carets.end() && caret->unit == unit) edge = caret->place;
+    };
+    cut(start, piece.isRightToLeft ? span.right : span.left);
+    cut(end, piece.isRightToLeft ? span.left : span.right);
     return span;
 }
 

@@ -352,6 +352,15 @@ TEST_F(NSLayoutManagerTest, CoversSelectionsWithRectangles) {
                 ->rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
                     {1, 3}, {1, 3}, leftwards.containers[0], &count);
     EXPECT_EQ(NSMinX(rects[0]), 0);
+    // Each cluster was compared with each place of a caret, which took minutes.
+    constexpr NSUInteger kMany = 300'000;
+    LaidOutText line(NSString::of(std::u16string(kMany, u'i')), plain(), {{1.0e7F, 100}});
+    rects =
+        line.layoutManager->rectArrayForCharacterRange_withinSelectedCharacterRange_inTextContainer_rectCount(
+            {1, kMany - 2}, {1, kMany - 2}, line.containers[0], &count);
+    ASSERT_EQ(count, 1u);
+    EXPECT_EQ(NSMinX(rects[0]), line.x(1));
+    EXPECT_NEAR(NSMaxX(rects[0]), line.x(kMany - 1), 1);
 }
 
 // MARK: Containers
