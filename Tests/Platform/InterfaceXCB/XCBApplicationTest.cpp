@@ -155,8 +155,12 @@ TEST_F(XCBApplicationTest, ShowsWhatIsComposed) {
     TestInputMethod method;
     start();
     EXPECT_TRUE(until([&] { return method.focusCount > 0; }));
-    server->press(30);
-    EXPECT_TRUE(until([&] { return !view->log.empty(); }));
+    // A machine that stalls makes the method too late, and the key a letter.
+    for (int i = 0; i < 20 && (view->log.empty() || view->log.back() == "text a"); ++i) {
+        view->log.clear();
+        server->press(30);
+        ASSERT_TRUE(until([&] { return !view->log.empty(); }));
+    }
     EXPECT_THAT(view->log.back(), HasSubstr("啊"));
     server->press(28);
     EXPECT_TRUE(untilLogged("text 啊"));
