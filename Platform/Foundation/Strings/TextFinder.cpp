@@ -38,6 +38,12 @@ class CanonicalReader {
     CanonicalReader(Units text, std::size_t place, bool folds) : _text(text), _place(place), _folds(folds) {}
 
     bool isAtEnd() const { return _next == _group.size() && _place == _text.size(); }
+    /// Whether the character at the place is read with what stands before it.
+    static bool isInGroup(Units text, std::size_t place) {
+        if (place == 0 || text[place] < 0x300) return false;
+        const std::size_t before = place - (splitsPair(text, place - 1) ? 2 : 1);
+        return joins(codePointAt(text, before), codePointAt(text, place));
+    }
     /// Whether what has been read ends where a letter with its marks ends.
     bool isBetweenGroups() const { return _next == _group.size(); }
     /// The end of the group that is being read.
@@ -155,7 +161,9 @@ class EquivalentSearch {
   private:
     // The length of the text from the place on that is equivalent to the needle; 0 if there is no such text.
     std::size_t matchLength(std::size_t place) const {
-        if (!mayMatch(place)) return 0;
+        // No match begins at a mark that belongs to a letter. There may be very many, which would be read
+        // again from each of them on.
+        if (!mayMatch(place) || CanonicalReader::isInGroup(_text, place)) return 0;
         CanonicalReader reader(_text, place, _folds);
         for (char32_t c : _needle)
             if (reader.isAtEnd() || reader.read() != c) return 0;

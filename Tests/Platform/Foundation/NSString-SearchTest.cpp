@@ -157,6 +157,9 @@ TEST(NSStringSearchTest, TextThatAlmostMatchesEverywhereTakesNoLongerAndTheNeare
         for (NSStringCompareOptions options : {0u, unsigned(kBack)})
             EXPECT_EQ(NSString::of(text)->rangeOfString_options(wanted, options), expected);
     }
+    NSString* marked = NSString::of(u"e" + std::u16string(200000, u'\u0301'));
+    for (NSStringCompareOptions options : {0u, unsigned(kBack)})
+        EXPECT_EQ(marked->rangeOfString_options(u"é"_ns, options), kNothing);
     const std::u16string between(20000, u'x'), parted = u"e\u0301", whole = u"é";
     for (bool isPartedFirst : {true, false}) {
         NSString* mixed = NSString::of(isPartedFirst ? parted + between + whole : whole + between + parted);
