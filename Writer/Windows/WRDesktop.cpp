@@ -107,6 +107,8 @@ PELVOR_DEFINE_CLASS(WRDesktop, windowsLibrary) {
     methods.instance<"run", &WRDesktop::run>();
     methods.instance<"setMainMenu:", &WRDesktop::setMainMenu>();
     methods.instance<"setRecentMenu:", &WRDesktop::setRecentMenu>();
+    methods.instance<"setWindowMenu:", &WRDesktop::setWindowMenu>();
+    methods.instance<"menuNeedsUpdate:", &WRDesktop::menuNeedsUpdate>();
     methods.instance<"openPath:", &WRDesktop::openPath>();
     methods.instance<"openPath:encoding:", &WRDesktop::openPath_encoding>();
     methods.instance<"openPaths:", &WRDesktop::openPaths>();
@@ -351,6 +353,24 @@ void WRDesktop::makeMenus() {
 void WRDesktop::setMainMenu(NSMenu* menu) { _mainMenu.set(menu); }
 void WRDesktop::setServicesMenu(NSMenu* menu) { _servicesMenu.set(menu); }
 void WRDesktop::setRecentMenu(NSMenu* menu) { menu->setDelegate(_recent); }
+void WRDesktop::setWindowMenu(NSMenu* menu) { menu->setDelegate(this); }
+
+void WRDesktop::menuNeedsUpdate(NSMenu* menu) {
+    const SEL show = "makeKeyAndOrderFront:"_sel;
+    for (NSInteger i = menu->numberOfItems(); i-- > 0;)
+        if (NSMenuItem* item = menu->itemAtIndex(i); item->action() == show || item->isSeparatorItem())
+            menu->removeItemAtIndex(i);
+    const auto windows = documentWindows();
+    if (!windows.empty() && menu->numberOfItems() > 0) menu->addItem(NSMenuItem::separatorItem());
+    for (const auto& each : windows) {
+        NSWindow* window = each->window();
+        NSString* mark = window->isDocumentEdited() ? u"*"_ns : u""_ns;  // as in its title bar
+        NSMenuItem* item = menu->addItemWithTitle_action_keyEquivalent(
+            mark->stringByAppendingString(window->title()), show, u""_ns);
+        item->setTarget(window);
+        item->setState(window == NSApplication::sharedApplication()->mainWindow());
+    }
+}
 
 void WRDesktop::profilesDidChange(NSNotification*) { fillServicesMenu(); }
 

@@ -69,11 +69,14 @@ class WRDesktop : public NSObject {
     bool validateMenuItem(id item);
     bool validateClearRecentDocuments(id item);
 
-    /// What the interface file connects: the main menu, and the menus of the document services and of the
-    /// documents that were open last.
+    /// What the interface file connects: the main menu, and the menus of the document services, of the
+    /// documents that were open last, and of the windows.
     void setMainMenu(NSMenu* menu);
     void setServicesMenu(NSMenu* menu);
     void setRecentMenu(NSMenu* menu);
+    void setWindowMenu(NSMenu* menu);
+    /// Lists the documents' windows behind the commands of the menu of windows.
+    void menuNeedsUpdate(NSMenu* menu);
     /// Observes the registry: the menu of services follows what plug-ins offer.
     void profilesDidChange(NSNotification* notification);
     void windowDidClose(WRDocumentWindow* window);

@@ -2,6 +2,7 @@
 #include "Writer/Windows/WindowFrames.h"
 
 #include "FormatScope.h"
+#include "Writer/Windows/WRDesktop.h"
 
 namespace {
 
@@ -26,6 +27,33 @@ TEST(WindowFrames, ComeBackWhereTheyCanBeSeen) {
     EXPECT_TRUE(NSIsEmptyRect(notedWindowFrame(u"/letter.rtf"_ns)));
     EXPECT_FALSE(NSIsEmptyRect(notedWindowFrame(u"/0"_ns)));
     EXPECT_TRUE(NSIsEmptyRect(notedWindowFrame(nullptr)));
+}
+
+TEST(WindowMenu, ListsTheDocuments) {
+    const DefaultsScope defaults;
+    InterfaceScope screen;
+    prepareWindows();
+    auto desktop = WRDesktop::init();
+    auto menu = NSMenu::init();
+    menu->addItemWithTitle_action_keyEquivalent(u"Zoom"_ns, "performZoom:"_sel, u""_ns);
+    desktop->setWindowMenu(menu);
+    const auto listed = [&] {
+        std::string text;
+        menu->update();
+        for (const auto& item : menu->items()) text += (item->state() ? "|+" : "|") + shown(item->title());
+        return text;
+    };
+    EXPECT_EQ(listed(), "|Zoom");
+    std::vector<std::string> titles;
+    for (int i = 0; i < 2; ++i) {
+        desktop->newDocument(nullptr);
+        titles.push_back(shown(screen.app->mainWindow()->title()));
+    }
+    EXPECT_EQ(listed(), "|Zoom||" + titles[0] + "|+" + titles[1]);
+    screen.type(u"x");
+    menu->performActionForItemAtIndex(2);
+    screen.turn();
+    EXPECT_EQ(listed(), "|Zoom||+" + titles[0] + "|*" + titles[1]);
 }
 
 }  // namespace
