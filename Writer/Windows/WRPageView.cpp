@@ -224,6 +224,13 @@ void WRPageView::doCommandBySelector(SEL selector) {
         for (const auto& [moving, scrolling] : kScrolling)
             if (selector == moving) selector = scrolling;
     NSTextView::doCommandBySelector(selector);
+    static const SEL kToBeginning[] = {"moveToBeginningOfDocument:"_sel, "pageUp:"_sel,
+                                       "moveToBeginningOfDocumentAndModifySelection:"_sel,
+                                       "pageUpAndModifySelection:"_sel};
+    if (std::ranges::find(kToBeginning, selector) == std::end(kToBeginning) || selectedRange().location > 0)
+        return;
+    const NSRect seen = visibleRect();
+    if (NSMaxY(caretRectForCharacterAtIndex(0)) <= NSHeight(seen)) scrollPoint({NSMinX(seen), 0});
 }
 
 void WRPageView::insertText(id text) {

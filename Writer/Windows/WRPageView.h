@@ -76,7 +76,8 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     /// Pages and the desk around them.
     bool isOpaque() override { return true; }
     void drawRect(NSRect dirty) override;
-    /// A text that cannot be edited has no caret to move: its keys scroll.
+    /// A text that cannot be edited has no caret to move: its keys scroll. The beginning of a text is shown
+    /// with the margin above it.
     void doCommandBySelector(SEL selector) override;
     void insertText(id text) override;
     /// The caret goes to the place of a click, unless something is selected there.

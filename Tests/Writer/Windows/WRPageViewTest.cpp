@@ -81,6 +81,20 @@ TEST_F(PageViewTest, ScrollsByKeys) {
     EXPECT_EQ(view->selectedRange(), (NSRange{0, 0}));
 }
 
+TEST_F(PageViewTest, ShowsTheMarginAboveTheBeginning) {
+    window->makeFirstResponder(view);
+    for (const auto& [height, modifiers] :
+         {std::pair{300.0F, 0U}, {300.0F, unsigned{NSShiftKeyMask}}, {40.0F, 0U}}) {
+        window->setContentSize({300, height});
+        screen.press(NSEndFunctionKey, NSCommandKeyMask);
+        screen.press(NSHomeFunctionKey, NSCommandKeyMask | modifiers);
+        screen.turn();
+        const NSRect seen = view->visibleRect(), caret = view->caretRectForCharacterAtIndex(0);
+        EXPECT_EQ(NSMinY(seen) == 0, height > 40) << height;
+        EXPECT_TRUE(NSPointInRect({NSMinX(caret), NSMidY(caret)}, seen)) << height;
+    }
+}
+
 TEST_F(PageViewTest, EditsOnEveryPage) {
     window->setContentSize({300, 100});  // less than a page
     findAllPages();
