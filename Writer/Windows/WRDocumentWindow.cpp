@@ -106,6 +106,7 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
                      &WRDocumentWindow::textView_shouldChangeTextInRange_replacementString>();
     methods.instance<"pageViewHasFormats:", &WRDocumentWindow::pageViewHasFormats>();
     methods.instance<"pageViewDidReceiveFormats:", &WRDocumentWindow::pageViewDidReceiveFormats>();
+    methods.instance<"textViewDidChangeSelection:", &WRDocumentWindow::textViewDidChangeSelection>();
     methods.instance<"undoManagerForTextView:", &WRDocumentWindow::undoManagerForTextView>();
     methods.instance<"windowShouldClose:", &WRDocumentWindow::windowShouldClose>();
     methods.instance<"noticeDidResize:", &WRDocumentWindow::noticeDidResize>();
@@ -241,6 +242,10 @@ bool WRDocumentWindow::textView_shouldChangeTextInRange_replacementString(id, NS
 bool WRDocumentWindow::pageViewHasFormats(id) { return _document->hasFormats(); }
 
 void WRDocumentWindow::pageViewDidReceiveFormats(id) { _formatCommands->setDocumentHasFormats(true); }
+
+void WRDocumentWindow::textViewDidChangeSelection(NSNotification*) {
+    if (_wordCounter) _wordCounter->setSelection(_pageView->selectedRange());
+}
 
 NSUndoManager* WRDocumentWindow::undoManagerForTextView(id) { return _undoManager; }
 
@@ -408,7 +413,7 @@ bool WRDocumentWindow::validateShowPreviousPage(id) { return currentPage() > 0; 
 
 void WRDocumentWindow::placeDidChange(NSNotification*) { showStatus(); }
 
-// "Page 2 of 5  ·  100 %  ·  1234 words".
+// "Page 2 of 5  ·  100 %  ·  1234 words"; "12 of 1234 words" where some are selected.
 void WRDocumentWindow::showStatus() {
     if (!_wordCounter) return;
     const NSUInteger pages = _pageView->pageCount(), words = _wordCounter->count();
@@ -420,6 +425,10 @@ void WRDocumentWindow::showStatus() {
     status->appendString(u"  ·  "_ns);
     if (!_wordCounter->isComplete())
         status->appendFormat(localized(u"_%u words …"_ns), words);
+    else if (const auto selected = _wordCounter->selectedCount(); selected && words == 1)
+        status->appendFormat(localized(u"_%u of 1 word"_ns), *selected);
+    else if (selected)
+        status->appendFormat(localized(u"_%u of %u words"_ns), *selected, words);
     else if (words == 1)
         status->appendString(localized(u"_1 word"_ns));
     else

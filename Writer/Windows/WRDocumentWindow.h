@@ -97,6 +97,7 @@ class WRDocumentWindow : public NSResponder {
     bool pageViewHasFormats(id pageView);
     /// Text with formats was pasted or dropped.
     void pageViewDidReceiveFormats(id pageView);
+    void textViewDidChangeSelection(NSNotification* notification);
     /// What is done to the text is undone by a manager of its own.
     NSUndoManager* undoManagerForTextView(id textView);
     bool windowShouldClose(id sender);

@@ -35,6 +35,28 @@ void WRWordCounter::textDidChange(unsigned mask, NSRange range, NSInteger change
     resume();
 }
 
+void WRWordCounter::setSelection(NSRange selection) {
+    if (_selection.length == 0 && selection.length == 0) return;
+    _selection = selection;
+    resume();
+}
+
+// Of a piece that is selected as a whole, the words are known.
+NSUInteger WRWordCounter::countSelection() {
+    NSString* text = textStorage()->string();
+    NSUInteger count = 0;
+    _pieces.eachIn(_selection, [&](const Words& words, NSRange piece, bool) {
+        const NSRange part = NSIntersectionRange(piece, _selection);
+        if (part == piece && piece.location > _selection.location)
+            count += words.count;
+        else if (part.location > _selection.location)
+            count += countWordsInRange(text, part);
+        else  // the rest of a word is one, too
+            count += countWordsInRange(text->substringWithRange(part), {0, part.length});
+    });
+    return count;
+}
+
 bool WRWordCounter::workABit() {
     const auto piece = _pieces.takeUnknown(textStorage()->string(), {0, textStorage()->length()});
     if (piece) piece->value->count = countWordsInRange(textStorage()->string(), piece->range);
@@ -48,6 +70,8 @@ void WRWordCounter::didWork() {
         now.words += words.count;
         now.isComplete &= isKnown;
     });
+    _selection = NSIntersectionRange(_selection, {0, textStorage()->length()});
+    if (now.isComplete && _selection.length > 0) now.selected = countSelection();
     if (std::exchange(_count, now) != now && _didCount) _didCount();
 }
 

@@ -91,6 +91,18 @@ TEST_F(EditingTest, UndoesEverythingAndDoesItAgain) {
     }
 }
 
+TEST_F(EditingTest, CountsTheWordsThatAreSelected) {
+    const auto shows = [&](NSString* end) {
+        for (int i = 0; i < 100; ++i, screen.turn())
+            if (partOf<NSTextField>(window)->stringValue()->hasSuffix(end)) return true;
+        return false;
+    };
+    select(2, 9);
+    EXPECT_TRUE(shows(u"2 of 5 words"_ns));
+    select(2);
+    EXPECT_TRUE(shows(u"  ·  5 words"_ns) || shows(u"_5 words"_ns));
+}
+
 TEST_F(EditingTest, KeepsOneBlankBetweenWordsThatAreDragged) {
     struct Row {
         NSString* text;

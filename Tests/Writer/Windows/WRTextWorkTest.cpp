@@ -27,6 +27,15 @@ TEST(WordCounterTest, CountsWhatIsThereAfterAnyEdits) {
         while (!counter->isUpToDate())
             NSRunLoop::mainRunLoop()->runMode_beforeDate(NSDefaultRunLoopMode, nullptr);
     };
+    finish();
+    for (const NSRange selected : {NSRange{0, storage->length()}, {2, 1}, {4, 1}, {2, 9'000}, {0, 0}}) {
+        counter->setSelection(selected);
+        counter->workAtIdle();
+        NSString* part = storage->string()->substringWithRange(selected);
+        EXPECT_EQ(counter->selectedCount().value_or(0), countWordsInRange(part, {0, selected.length}))
+            << selected;
+        EXPECT_EQ(counter->selectedCount().has_value(), selected.length > 0);
+    }
     std::mt19937 random(7);
     const auto upTo = [&](NSUInteger most) { return static_cast<NSUInteger>(random() % (most + 1)); };
     for (int i = 0; i < 300; ++i) {
