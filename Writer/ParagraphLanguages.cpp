@@ -18,6 +18,7 @@ namespace pelvor {
 namespace {
 
 constexpr NSUInteger kEnough = 4096;  // units that tell a language
+constexpr NSUInteger kClear = 80;     // units that tell a language although more is going to be written
 constexpr NSUInteger kNear = 8192;    // how far away a neighbour is looked for, in units
 
 WRLanguage* languageAt(NSAttributedString* text, NSUInteger unit, NSRange* run) {
@@ -43,12 +44,28 @@ ParagraphLanguages::ParagraphLanguages(PBProfileSet* profiles) {
     }
 }
 
-// Null if the paragraph does not tell.
-WRLanguage* ParagraphLanguages::languageOf(NSMutableAttributedString* text, NSRange paragraph) {
-    if (WRLanguage* own = languageAt(text, paragraph.location, nullptr)) return own;
-    NSString* start =
-        text->string()->substringWithRange({paragraph.location, std::min(paragraph.length, kEnough)});
+// Null if the text does not tell.
+WRLanguage* ParagraphLanguages::languageToldBy(NSAttributedString* text, NSRange range) {
+    NSString* start = text->string()->substringWithRange({range.location, std::min(range.length, kEnough)});
     return WRLanguage::languageWithIdentifier(send<NSString*>(_finder.get(), "languageOfText:"_sel, start));
+}
+
+WRLanguage* ParagraphLanguages::languageOf(NSMutableAttributedString* text, NSRange paragraph) {
+    WRLanguage* own = languageAt(text, paragraph.location, nullptr);
+    return own ? own : languageToldBy(text, paragraph);
+}
+
+WRLanguage* ParagraphLanguages::languageOfWritten(NSAttributedString* text, NSRange contents,
+                                                  bool isFinished) {
+    if (!_finder || contents.length == 0 || (!isFinished && contents.length < kClear)) return nullptr;
+    WRLanguage* language = languageToldBy(text, contents);
+    if (!isFinished) {
+        const NSUInteger half = std::min(contents.length, kEnough) / 2;
+        if (languageToldBy(text, {contents.location, half}) != language ||
+            languageToldBy(text, {contents.location + half, half}) != language)
+            return nullptr;
+    }
+    return language || !isFinished ? language : languageBefore(text, contents.location);
 }
 
 NSUInteger ParagraphLanguages::addTo(NSMutableAttributedString* text, NSRange range) {

@@ -28,7 +28,14 @@ class PELVOR_EXPORT ParagraphLanguages {
     /// looked at.
     NSUInteger addTo(NSMutableAttributedString* text, NSRange range);
 
+    /// The language of a paragraph, without its end, that has been written: the one that it tells now, or
+    /// else that of the paragraph before it. A paragraph that somebody still writes in has to be clear: it
+    /// has 80 units or more, and both halves tell the same language. Null if there is no language, or the
+    /// paragraph is not clear.
+    WRLanguage* languageOfWritten(NSAttributedString* text, NSRange contents, bool isFinished);
+
   private:
+    WRLanguage* languageToldBy(NSAttributedString* text, NSRange range);
     WRLanguage* languageOf(NSMutableAttributedString* text, NSRange paragraph);
 
     Retained<Object> _finder;  // null if there is no such service

@@ -199,7 +199,7 @@ void WRDocumentWindow::makeWindow() {
     _window->setInitialFirstResponder(_pageView);
     _spelling = WRSpelling::create(_pageView);
     _languageCommands = WRLanguageCommands::create(_pageView);
-    _languageSearch->setVisibleRange([view = _pageView.get()] { return view->visibleTextRange(); });
+    _languageSearch->setView(_pageView);
     // Who takes commands behind the window, the last one first.
     for (NSResponder* taker :
          {static_cast<NSResponder*>(_spelling), static_cast<NSResponder*>(_languageCommands),
@@ -245,6 +245,7 @@ void WRDocumentWindow::pageViewDidReceiveFormats(id) { _formatCommands->setDocum
 
 void WRDocumentWindow::textViewDidChangeSelection(NSNotification*) {
     if (_wordCounter) _wordCounter->setSelection(_pageView->selectedRange());
+    if (_languageSearch) _languageSearch->caretDidMove();
 }
 
 NSUndoManager* WRDocumentWindow::undoManagerForTextView(id) { return _undoManager; }

@@ -2,16 +2,19 @@
 // WRLanguageSearch: finds the languages of a document that is shown.
 #pragma once
 
-#include <functional>
+#include <optional>
 
 #include "Writer/ParagraphLanguages.h"
 #include "Writer/Windows/WRTextWork.h"
 
 namespace pelvor {
 
+class WRPageView;
+
 /// Gives the paragraphs of a document that was opened their languages (ParagraphLanguages): those at the
 /// front at once, so that the first page need not be set twice, the others when the main loop is idle, what
-/// is seen first. What is written meanwhile keeps the language that it is written in.
+/// is seen first. Paragraphs that are written get theirs when the caret has left them, or when they are
+/// clear, but never while an input method composes.
 class WRLanguageSearch : public WRTextWork {
     PELVOR_CLASS(WRLanguageSearch, WRTextWork);
 
@@ -19,7 +22,9 @@ class WRLanguageSearch : public WRTextWork {
     // C++ only
     /// To be made before anything else hears of edits of the storage.
     static Retained<WRLanguageSearch> create(NSTextStorage* storage);
-    void setVisibleRange(std::function<NSRange()> function) { _visibleRange = std::move(function); }
+    /// The view that the text is written in, which outlives this object or is null.
+    void setView(WRPageView* view) { _view = view; }
+    void caretDidMove();
 
     /// Whether the edit that is told of is one of the search, by which nobody has changed the document.
     bool isEditing() { return _isEditing; }
@@ -34,11 +39,15 @@ class WRLanguageSearch : public WRTextWork {
 
   private:
     NSUInteger addTo(NSTextStorage* storage, NSRange range);
+    bool lookAtWritten();
+    void setLanguage(WRLanguage* language, NSRange range);
+    void writeOnIn(WRLanguage* language);
 
     ParagraphLanguages _languages;
-    std::function<NSRange()> _visibleRange;
+    Unretained<WRPageView> _view = nullptr;
     NSRange _lastVisible;
-    NSUInteger _done = 0;  // the paragraphs before this unit have been looked at
+    std::optional<NSRange> _written;  // where paragraphs have been written since they were looked at
+    NSUInteger _done = 0;             // the paragraphs before this unit have been looked at
     bool _isEditing = false;
 };
 

@@ -7,6 +7,7 @@
 #include "Interface/KeyboardLayouts.h"
 #include "TestClasses.h"
 #include "Writer/Pages/TextLanguage.h"
+#include "Writer/WRLanguage.h"
 #include "Writer/Windows/WRCharactersPanel.h"
 
 namespace {
@@ -128,6 +129,50 @@ TEST_F(LanguageCommandsTest, FindsLanguagesWhileTheDocumentIsShown) {
     EXPECT_TRUE(view->string()->isEqualToString(text));
     EXPECT_FALSE(view->undoManager()->canUndo());
     EXPECT_EQ(languageAt(last), "de");
+}
+
+TEST_F(LanguageCommandsTest, FindsTheLanguageOfWhatIsWritten) {
+    std::string many;
+    for (int i = 0; i < 22; ++i) many += "das ";
+    struct Row {
+        const char* situation;
+        std::string typed;
+        NSString* chosen;   // the language that the user sets first
+        NSUInteger caret;   // where the user goes then
+        const char* found;  // of the first and the last letter
+    };
+    const Row rows[] = {
+        {"being written", "das Meer", nullptr, 17, "enen"},
+        {"behind its end", "das Meer\n", nullptr, 18, "dede"},
+        {"left", "das Meer", nullptr, 2, "dede"},
+        {"long enough", many, nullptr, 9 + 88, "dede"},
+        {"long, but not clear", "das " + std::string(90, 'x'), nullptr, 9 + 94, "enen"},
+        {"that does not tell", "Meer\n", nullptr, 14, "enen"},
+        {"set by the user", "das Meer\n", u"fr"_ns, 18, "frfr"},
+        {"several", "the\ndas Meer\ndas\n", nullptr, 26, "ende"},
+    };
+    for (const Row& row : rows) {
+        open(u"the sea\n\n"_ns);
+        select(0, 9);
+        view->textStorage()->addAttribute_value_range(WRLanguageAttributeKey,
+                                                      WRLanguage::languageWithIdentifier(u"en"_ns), {0, 9});
+        select(9);
+        view->undoManager()->removeAllActions();
+        if (row.chosen) chooseLanguage(row.chosen);
+        view->insertText(NSString::ofUTF8(row.typed));
+        select(row.caret);
+        for (int i = 0; i < 5; ++i) screen.turn();
+        const NSUInteger last = 9 + row.typed.find_last_not_of('\n');
+        EXPECT_EQ(languageAt(9) + languageAt(last), row.found) << row.situation;
+        undo();
+        EXPECT_EQ(shown(view->string()), "the sea\n\n") << row.situation;
+        EXPECT_FALSE(view->undoManager()->canUndo()) << row.situation;
+    }
+    open(u"the sea\n"_ns);
+    select(8);
+    view->setMarkedText_selectedRange(NSString::ofUTF8(many), {0, 0});
+    for (int i = 0; i < 5; ++i) screen.turn();
+    EXPECT_NE(languageAt(8), "de") << "is being composed";
 }
 
 TEST_F(LanguageCommandsTest, TypesSpecialCharacters) {
