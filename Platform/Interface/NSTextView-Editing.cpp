@@ -39,6 +39,15 @@ void restoreStyleBehind(NSTextStorage* storage, NSUInteger place, id style) {
         storage->removeAttribute_range(NSParagraphStyleAttributeName, rest);
 }
 
+// The change that is being taken back: what is noted meanwhile does it again.
+struct Undone {
+    Undone(Retained<NSTextUndo>& noted, NSTextUndo* undo) : noted(noted) { noted.set(undo); }
+    ~Undone() { noted = nullptr; }
+    Undone(const Undone&) = delete;
+    Undone& operator=(const Undone&) = delete;
+    Retained<NSTextUndo>& noted;
+};
+
 bool touch(NSRange one, NSRange other) {
     return one.location <= NSMaxRange(other) && other.location <= NSMaxRange(one);
 }
@@ -88,13 +97,17 @@ bool NSTextView::shouldChangeTextInRange_replacementString(NSRange range, NSStri
     // Whoever was asked may have edited.
     if (!isRangeInside(range, _state->length())) return false;
     noteUndo(range, replacement ? replacement->length() : range.length);
+    if (!replacement && _state->lastUndo) _state->lastUndo->setSelectionAfter(_state->selection);
     // Who empties a text goes on in the formats that it had.
     if (replacement && replacement->length() == 0 && range.length == _state->length())
         _state->emptyAttributes.set(typingAttributes());
     return true;
 }
 
-void NSTextView::didChangeText() { tell(NSTextDidChangeNotification, "textDidChange:"_sel, nullptr); }
+void NSTextView::didChangeText() {
+    if (_state->lastUndo) _state->lastUndo->setSelectionAfter(_state->selection);
+    tell(NSTextDidChangeNotification, "textDidChange:"_sel, nullptr);
+}
 
 NSRange NSTextView::rangeForUserTextChange() {
     return isEditable() && _state->storage ? _state->selection : NSRange{NSNotFound, 0};
@@ -188,8 +201,13 @@ void NSTextView::noteUndo(NSRange range, NSUInteger newLength) {
         Retained<NSAttributedString>::retaining(_state->storage->attributedSubstringFromRange(range));
     id styleBehind = paragraphStyleAt(_state->storage, NSMaxRange(range));
     const bool canGrow = _state->lastUndo && !manager->isUndoing() && !manager->isRedoing();
-    if (canGrow && _state->lastUndo->absorb(range, before, newLength, styleBehind)) return;
+    const NSRange caretBehind{range.location + newLength, 0};
+    if (canGrow && _state->lastUndo->absorb(range, before, newLength, styleBehind))
+        return _state->lastUndo->setSelectionAfter(caretBehind);
     _state->lastUndo = NSTextUndo::change(range.location, std::move(before), newLength, styleBehind);
+    const auto& undone = _state->undone;
+    _state->lastUndo->setSelectionBefore(undone ? undone->selectionAfter() : _state->selection);
+    _state->lastUndo->setSelectionAfter(undone ? undone->selectionBefore() : caretBehind);
     manager->registerUndoWithTarget_selector_object(this, "undoTextChange:"_sel, _state->lastUndo);
     if (manager->isUndoing() || manager->isRedoing()) breakUndoCoalescing();
 }
@@ -206,16 +224,19 @@ void NSTextView::undoTextChange(id record) {
     NSString* text = undo->before()->string();
     const bool keepsText =
         range.length == text->length() && string()->substringWithRange(range)->isEqualToString(text);
-    if (!shouldChangeTextInRange_replacementString(range, keepsText ? nullptr : text)) return;
+    {
+        const Undone noted(_state->undone, undo);
+        if (!shouldChangeTextInRange_replacementString(range, keepsText ? nullptr : text)) return;
+    }
     _state->storage->beginEditing();
     _state->storage->replaceCharactersInRange_withAttributedString(range, undo->before());
     restoreStyleBehind(_state->storage, range.location + text->length(), undo->styleBehind());
     _state->storage->endEditing();
     // Who takes a format back goes on writing where the caret is.
-    if (keepsText && touch(_state->selection, range))
-        _state->typingAttributes = nullptr;
-    else
-        setSelectedRange(_state->clamped(NSRange{range.location, text->length()}));
+    if (!keepsText || !touch(_state->selection, range))
+        setSelectedRange(_state->clamped(undo->selectionBefore()));
+    // Who takes back only what was typed may have chosen its formats before.
+    if (keepsText || text->length() > 0) _state->typingAttributes = nullptr;
     didChangeText();
     scrollRangeToVisible(_state->selection);
 }

@@ -20,6 +20,11 @@ class NSTextUndo : public NSObject {
     NSRange range() { return {_location, _newLength}; }
     NSAttributedString* before() { return _before; }
     id styleBehind() { return _styleBehind; }
+    /// What is selected before the change, which undoing brings back, and after the change. Nothing at first.
+    NSRange selectionBefore() { return _selectionBefore; }
+    NSRange selectionAfter() { return _selectionAfter; }
+    void setSelectionBefore(NSRange selection) { _selectionBefore = selection; }
+    void setSelectionAfter(NSRange selection) { _selectionAfter = selection; }
     /// Takes a further change in, if that goes on where this one ended: typing, deleting backward, or
     /// deleting forward. False leaves everything as it is.
     bool absorb(NSRange range, NSAttributedString* before, NSUInteger newLength, id styleBehind);
@@ -33,6 +38,7 @@ class NSTextUndo : public NSObject {
     NSUInteger _newLength = 0;
     Retained<NSAttributedString> _before;
     Retained<Object> _styleBehind;
+    NSRange _selectionBefore, _selectionAfter;
 };
 
 }  // namespace pelvor

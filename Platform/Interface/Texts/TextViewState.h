@@ -46,9 +46,9 @@ struct TextViewState {
     Retained<NSDictionary> emptyAttributes;   // those of a text without characters
     NSRange marked{NSNotFound, 0};
     Retained<NSTextUndo> lastUndo;  // which goes on growing while the user types
+    Retained<NSTextUndo> undone;    // while it is being taken back
     bool allowsUndo = true;
     bool hasBegunEditing = false;
-    bool isUndoing = false;
 
     // Mouse
     NSRange mouseAnchor{};     // what was selected when the button went down

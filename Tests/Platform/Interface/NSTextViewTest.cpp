@@ -427,6 +427,45 @@ TEST_F(NSTextViewTest, UndoesTypingAsAWhole) {
     EXPECT_EQ(view->string()->toUTF8(), "ax1yb");
 }
 
+TEST_F(NSTextViewTest, SelectsWhatWasSelectedBeforeAndAfterAStep) {
+    const auto pressing = [&](unichar key, int times) {
+        return [=, this] {
+            for (int i = 0; i < times; ++i) screen.press(key);
+        };
+    };
+    const auto putting = [&](NSRange range, NSString* text) {  // as a program does
+        return [=, this] {
+            ASSERT_TRUE(view->shouldChangeTextInRange_replacementString(range, text));
+            view->textStorage()->replaceCharactersInRange_withString(range, text);
+            view->didChangeText();
+        };
+    };
+    const struct {
+        const char* name;
+        NSRange selection;
+        std::function<void()> step;
+        const char *undone, *redone;
+    } rows[] = {{"typing", {7, 0}, [&] { screen.type(u" x"); }, "one two|", "one two x|"},
+                {"typing over", {0, 3}, [&] { screen.type(u"xy"); }, "|one| two", "xy| two"},
+                {"backward", {7, 0}, pressing(NSDeleteCharacter, 3), "one two|", "one |"},
+                {"forward", {3, 0}, pressing(NSDeleteFunctionKey, 2), "one| two", "one|wo"},
+                {"others' text", {5, 0}, putting({0, 7}, u"three four"_ns), "one t|wo", "three| four"},
+                {"others' end", {0, 3}, putting({7, 0}, u"!"_ns), "|one| two", "|one| two!"}};
+    for (const auto& row : rows) {
+        set(u"one two"_ns, row.selection);
+        view->undoManager()->removeAllActions();
+        row.step();
+        for (int i = 0; i < 2; ++i) {
+            view->setSelectedRange({1, 0});
+            screen.press('z', kCommand);
+            EXPECT_EQ(state(), row.undone) << row.name;
+            view->setSelectedRange({1, 0});
+            screen.press('z', kCommand | kShift);
+            EXPECT_EQ(state(), row.redone) << row.name;
+        }
+    }
+}
+
 TEST_F(NSTextViewTest, UndoesAnyEditsInTheirOrder) {
     std::mt19937 random(3);
     set(u"The quick brown fox"_ns);

@@ -158,7 +158,7 @@ TEST_F(DocumentFileTest, KnowsWhetherThereAreChangesThatAreInNoFile) {
     EXPECT_TRUE(window->file()->save());
     EXPECT_EQ(folder.read("a.txt") + stateOf(window), "aboneabone 0 0");
     screen.type(u"c");  // another step than what was typed before the saving
-    EXPECT_EQ(stateOf(window), "cone 1 1");
+    EXPECT_EQ(stateOf(window), "abcone 1 1");
     undo(window);
     EXPECT_EQ(stateOf(window), "abone 0 0");
     undo(window);
