@@ -10,6 +10,7 @@
 #include "Interface/Texts/TextViewState.h"
 #include "Runtime/Message.h"
 #include "Shared/ArgumentChecks.h"
+#include "Text/Layout/Paragraphs.h"
 #include "Text/TextAttributes.h"
 
 namespace pelvor {
@@ -200,7 +201,10 @@ void NSTextView::noteUndo(NSRange range, NSUInteger newLength) {
     auto before =
         Retained<NSAttributedString>::retaining(_state->storage->attributedSubstringFromRange(range));
     id styleBehind = paragraphStyleAt(_state->storage, NSMaxRange(range));
-    const bool canGrow = _state->lastUndo && !manager->isUndoing() && !manager->isRedoing();
+    // A line end that was typed ends its step.
+    const bool beginsLine = range.length == 0 && range.location > 0 &&
+                            isLineEnd(_state->storage->string()->characterAtIndex(range.location - 1));
+    const bool canGrow = _state->lastUndo && !beginsLine && !manager->isUndoing() && !manager->isRedoing();
     const NSRange caretBehind{range.location + newLength, 0};
     if (canGrow && _state->lastUndo->absorb(range, before, newLength, styleBehind))
         return _state->lastUndo->setSelectionAfter(caretBehind);
