@@ -365,10 +365,10 @@ void MenuTracker::highlight(std::size_t level, int row) {
     view->menu()->setHighlightedItem(item);
 }
 
-// The level that the keys go to: the last one with a highlight.
+// The level that the keys go to: the last one with a highlight, or that a click opened.
 std::size_t MenuTracker::activeLevel() {
     std::size_t level = _levels.size() - 1;
-    while (level > 0 && !_levels[level].menu->highlightedItem()) --level;
+    while (level > 0 && !_levels[level].takesKeys && !_levels[level].menu->highlightedItem()) --level;
     return level;
 }
 
@@ -446,10 +446,9 @@ void MenuTracker::pointerReleased(NSPoint place) {
     }
     NSMenuItem* item = _levels[level].menu->highlightedItem();
     if (!item || _levels[level].view->rowAt(placeIn(level, place)) != highlightedRow(level)) return;
-    if (item->hasSubmenu())
-        settleSubmenus(level);
-    else
-        finish(item);
+    if (!item->hasSubmenu()) return finish(item);
+    settleSubmenus(level);
+    if (level + 1 < _levels.size()) _levels[level + 1].takesKeys = true;
 }
 
 // MARK: The keyboard
@@ -548,6 +547,8 @@ void MenuTracker::goIn(std::size_t level) {
     NSMenuItem* item = _levels[level].menu->highlightedItem();
     if (item && item->hasSubmenu())
         openSubmenu(level, true);
+    else if (!item && level > 0)
+        step(level, MenuLayout::kNoRow, 1);
     else
         stepTitle(1);
 }

@@ -79,6 +79,7 @@ class MenuTracker {
         Retained<NSWindow> window;
         Retained<NSMenuItem> opener;  // null for the first level
         MenuOpening opening;
+        bool takesKeys = false;  // without a highlight, too: it was opened by a click
     };
     static constexpr double kNever = std::numeric_limits<double>::infinity();
 

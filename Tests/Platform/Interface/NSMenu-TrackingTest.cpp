@@ -323,6 +323,26 @@ TEST_F(MenuTracking, FollowsAClickAndARest) {
     EXPECT_EQ(takeLog(), "open file, open recent, close recent, close file, Bruno");
 }
 
+TEST_F(MenuTracking, ASubmenuThatAClickOpensTakesTheKeys) {
+    const struct {
+        bool isClicked;
+        char16_t key;
+        const char* chosen;
+    } rows[] = {{true, NSDownArrowFunctionKey, "Anna"},
+                {true, NSUpArrowFunctionKey, "Bruno"},
+                {true, NSRightArrowFunctionKey, "Anna"},
+                {true, u'b', "Berta"},
+                {false, NSUpArrowFunctionKey, "New"}};
+    for (const auto& row : rows) {
+        // The pointer rests for long enough to open the submenu.
+        plan({pointing(1), row.isClicked ? clicking() : [] {}, pressing(row.key), pressing(u'\r')}, 0.5);
+        screen.backend->movePointer(placeOfTitle(20));
+        clicking()();
+        screen.turn();
+        EXPECT_EQ(takeLog(), "open file, open recent, close recent, close file, " + std::string(row.chosen));
+    }
+}
+
 // A line that is clicked is meant, although the pointer may be on its way to the open submenu.
 TEST_F(MenuTracking, TakesAClickOnTheWayToASubmenu) {
     for (const char* title : {"Clara", "Dora", "Erna", "Frieda"}) add(recent, title, taker);
