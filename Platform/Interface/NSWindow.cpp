@@ -230,10 +230,18 @@ void NSWindow::setContentSize(NSSize size) {
 }
 
 void NSWindow::center() {
-    NSScreen* on = screen() ? screen() : NSScreen::mainScreen();
-    const NSRect room = on->visibleFrame(), old = frame();
-    setFrameOrigin({room.origin.x + std::round((room.size.width - old.size.width) / 2),
-                    room.origin.y + std::round((room.size.height - old.size.height) * 2 / 3)});
+    const bool isNewPanel = _state->isPanel && !_state->wasShown;
+    NSWindow* main = isNewPanel ? application().mainWindow : nullptr;
+    NSScreen* on = main ? main->screen() : isNewPanel ? nullptr : screen();
+    const NSRect visible = (on ? on : NSScreen::mainScreen())->visibleFrame();
+    const NSRect room = main ? main->frame() : visible;
+    const NSSize size = frame().size;
+    const auto between = [](float place, float first, float last) {
+        return std::clamp(std::round(place), first, std::max(first, last));
+    };
+    setFrameOrigin({between(NSMidX(room) - size.width / 2, NSMinX(visible), NSMaxX(visible) - size.width),
+                    between(NSMinY(room) + (NSHeight(room) - size.height) * 2 / 3, NSMinY(visible),
+                            NSMaxY(visible) - size.height)});
 }
 
 NSPoint NSWindow::cascadeTopLeftFromPoint(NSPoint corner) {

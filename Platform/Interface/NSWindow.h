@@ -107,7 +107,7 @@ class PELVOR_EXPORT NSWindow : public NSResponder {
     void setFrameOrigin(NSPoint origin);
     void setFrameTopLeftPoint(NSPoint corner);
     void setContentSize(NSSize size);
-    /// Puts the window in the middle of its screen, somewhat above.
+    /// Puts the window somewhat above the middle of its screen; a new panel over the main window, if any.
     void center();
     /// Puts the upper left corner of the frame at the point, or leaves the window where it is for
     /// NSZeroPoint. Returns where the next window goes.

@@ -307,6 +307,39 @@ TEST_F(NSApplicationTest, ScreensAreInPointsFromTheLowerLeftOfTheFirst) {
     EXPECT_TRUE(NSIntersectsRect(lost->frame(), NSScreen::mainScreen()->visibleFrame()));
 }
 
+TEST_F(NSApplicationTest, APanelOpensOverTheMainWindow) {
+    BackendScreen first, second;
+    first.frame = first.visibleFrame = {0, 0, 1000, 800};
+    first.isMain = true;
+    second.frame = second.visibleFrame = {1000, 0, 1000, 800};
+    screen.backend->setScreens({first, second});
+    screen.turn();
+    const struct {
+        const char* name;
+        NSRect main;
+        bool isPanel, wasShown;
+        NSPoint place;
+    } rows[] = {{"nothing below", {}, true, false, {400, 467}},
+                {"above the middle", {{1100, 100}, {600, 400}}, true, false, {1300, 300}},
+                {"kept on the screen", {{1850, 700}, {600, 400}}, true, false, {1800, 600}},
+                {"shown before", {{1100, 100}, {600, 400}}, true, true, {400, 467}},
+                {"a window", {{1100, 100}, {600, 400}}, false, false, {400, 467}}};
+    for (const auto& row : rows) {
+        const auto main = NSWidth(row.main) > 0 ? screen.window(row.main) : Retained<NSWindow>();
+        const NSRect contents{{10, 10}, {200, 100}};
+        Retained<NSWindow> window = NSPanel::initWithContentRect_styleMask_backing_defer(
+            contents, NSBorderlessWindowMask, NSBackingStoreBuffered, true);
+        if (!row.isPanel)
+            window = NSWindow::initWithContentRect_styleMask_backing_defer(contents, NSBorderlessWindowMask,
+                                                                           NSBackingStoreBuffered, true);
+        if (row.wasShown) window->orderFront(nullptr);
+        window->center();
+        EXPECT_EQ(window->frame().origin, row.place) << row.name;
+        window->orderOut(nullptr);
+        if (main) main->close();
+    }
+}
+
 TEST_F(NSApplicationTest, FramesIncludeWhatIsAroundWindowsAndAreKeptByName) {
     screen.backend->setFrameExtents({2, 20, 2, 4});
     auto window = screen.window({{100, 100}, {200, 100}});
