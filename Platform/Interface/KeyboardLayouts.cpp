@@ -62,7 +62,10 @@ KeyboardLayout* currentLayout() {
 }
 
 bool switchTo(const BackendLayout& layout) {
-    return layout.isCurrent || display().backend().setLayout(layout.group);
+    if (layout.isCurrent) return true;
+    const bool isSwitched = display().backend().setLayout(layout.group);
+    display().needsTurn();  // the notice has come with the answer, and nothing else wakes the run loop
+    return isSwitched;
 }
 
 Retained<NSImage> iconOf(const BackendLayout& facts) {

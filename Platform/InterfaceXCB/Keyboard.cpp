@@ -234,7 +234,9 @@ std::vector<BackendLayout> XKeyboard::layouts() {
     prepare();
     if (_connection.isLost() || !_keymap) return {};
     if (_layouts.empty()) readLayouts();
-    for (BackendLayout& layout : _layouts) layout.isCurrent = layout.group == _group;
+    // After a change of the layouts the server may name a group that is no more; keys use the groups in turn.
+    const std::size_t current = _layouts.empty() ? 0 : _group % _layouts.size();
+    for (BackendLayout& layout : _layouts) layout.isCurrent = layout.group == current;
     return _layouts;
 }
 

@@ -206,6 +206,10 @@ TEST_F(XCBInputTest, ListsLayoutsAndSwitchesThem) {
     EXPECT_TRUE(driver->untilHeard("layout changed"));     // and yet it is told
     EXPECT_EQ(heardOf(pressed({kY})), "text z");
     EXPECT_FALSE(driver->backend->setLayout(3));
+    // The second group is locked and gone.
+    XServerScope::run({"setxkbmap", "-layout", "de", "-variant", ""});
+    EXPECT_TRUE(driver->until([&] { return driver->backend->layouts().size() == 1; }));
+    EXPECT_TRUE(driver->backend->layouts()[0].isCurrent);
 }
 
 TEST_F(XCBInputTest, KnowsLayoutsThatAreNotEnabled) {
