@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PBKeyboardInputMethod.h"
 
+#include <optional>
+
 #include "BaseInterfaceLibrary.h"
 #include "Foundation/NSMutableDictionary.h"
 #include "Foundation/NSNumber.h"
@@ -60,6 +62,13 @@ T* stored(NSDictionary* dictionary, NSString* key) {
     return dictionary ? cast<T>(dictionary->objectForKey(key)) : nullptr;
 }
 
+// Some forms of property lists, and arguments of a command line, have texts in the place of numbers.
+std::optional<std::int32_t> storedInteger(NSDictionary* dictionary, NSString* key) {
+    if (auto* number = stored<NSNumber>(dictionary, key)) return number->intValue();
+    if (auto* text = stored<NSString>(dictionary, key)) return text->intValue();
+    return std::nullopt;
+}
+
 }  // namespace
 
 PBKeyboardInputMethod::~PBKeyboardInputMethod() = default;
@@ -82,13 +91,12 @@ Retained<PBKeyboardInputMethod> PBKeyboardInputMethod::initWithKeyboardLayoutRef
 }
 
 PBKeyboardInputMethod* PBKeyboardInputMethod::inputMethodForDictionary(NSDictionary* dictionary) {
-    auto* identifier = stored<NSNumber>(dictionary, _PBKeyboardInputMethodKey_id);
-    auto* scriptCode = stored<NSNumber>(dictionary, _PBKeyboardInputMethodKey_scriptCode);
+    const auto identifier = storedInteger(dictionary, _PBKeyboardInputMethodKey_id);
+    const auto scriptCode = storedInteger(dictionary, _PBKeyboardInputMethodKey_scriptCode);
     KeyboardLayoutRef layout = nullptr;
-    const bool isInstalled =
-        identifier && KLGetKeyboardLayoutWithIdentifier(identifier->intValue(), &layout) == noErr;
+    const bool isInstalled = identifier && KLGetKeyboardLayoutWithIdentifier(*identifier, &layout) == noErr;
     if (isInstalled && !scriptCode) return initWithKeyboardLayoutRef(layout).autorelease();
-    auto method = initWithKeyboardLayoutRef_scriptCode(layout, scriptCode ? scriptCode->intValue() : 0);
+    auto method = initWithKeyboardLayoutRef_scriptCode(layout, scriptCode.value_or(0));
     if (!isInstalled)
         method->_displayName.set(stored<NSString>(dictionary, _PBKeyboardInputMethodKey_displayName));
     return std::move(method).autorelease();

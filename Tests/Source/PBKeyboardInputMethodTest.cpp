@@ -81,10 +81,13 @@ TEST_F(PBKeyboardInputMethodTest, StoresAndRestores) {
         {{u"keyboardLayoutIdentifier"_ns, NSNumber::numberWithInt(one->keyboardLayoutID())}});
     auto* wrong = NSDictionary::of({{u"keyboardLayoutIdentifier"_ns, u"ru"_ns}});
     const std::string id = idOf(u"ru"_ns);
+    auto* texts = NSDictionary::of(
+        {{u"keyboardLayoutIdentifier"_ns, NSString::ofUTF8(id)}, {u"keyboardLayoutScriptCode"_ns, u"5"_ns}});
     for (const Row& row : {
              Row{"enabled", stored(u"ru"_ns, 7), "\"ru\" [script=7, id=" + id + "] Russian"},
              Row{"with its own script", bare, "\"ru\" [script=7, id=" + id + "] Russian"},
              Row{"with another script", stored(u"ru"_ns, 0), "\"ru\" [script=0, id=" + id + "] Russian"},
+             Row{"as texts", texts, "\"ru\" [script=5, id=" + id + "] Russian"},
              Row{"not enabled", stored(u"gr"_ns, 6), "\"gr\" [script=6, id=" + idOf(u"gr"_ns) + "] (null)"},
              Row{"not installed", stored(u"martian"_ns, 4), "\"(null)\" [script=4, id=0] Stored -"},
              Row{"of other kinds", wrong, "\"(null)\" [script=0, id=0] (null) -"},
