@@ -30,7 +30,8 @@ struct PELVOR_EXPORT NSInputManager_PelvorAdditions {
     /// The layout that the user types with, borrowed; null where the keyboard cannot be switched. Returns the
     /// same object until the layout or the script system changes.
     static PBKeyboardInputMethod* currentKeyboardLayout();
-    /// Switches the keyboard and returns whether that succeeded. A method that cannot be switched to is
+    /// Switches the keyboard, at first to the method's script system, and returns whether that succeeded; the
+    /// script system may have been switched where it returns false. A method that cannot be switched to is
     /// marked as disabled, and the user is told in the next turn of the run loop in the default mode, but not
     /// again before a switch to the method has succeeded. Returns false for null.
     static bool setCurrentKeyboardLayout(PBKeyboardInputMethod* method);

@@ -83,7 +83,8 @@ inline constexpr std::int16_t smKeyScript = 22;
 
 /// The user has enabled or disabled layouts.
 extern PELVOR_EXPORT NSString* const NSKeyboardLayoutsDidChangeNotification;
-/// Another layout has become the current one, whoever switched.
+/// Another layout has become the current one, whoever switched. The run loop posts it, also after a switch by
+/// the program itself.
 extern PELVOR_EXPORT NSString* const NSCurrentKeyboardLayoutDidChangeNotification;
 
 // The functions that find something write it to their last argument. Where they fail, they write null or 0.
@@ -115,7 +116,7 @@ PELVOR_EXPORT std::int32_t GetScriptManagerVariable(std::int16_t selector);
 /// Returns the identifier of the layout with that name, "de(nodeadkeys)": the 32-bit FNV-1a hash of the name,
 /// which does not depend on the layouts that are enabled. It is never 0.
 PELVOR_EXPORT std::int32_t keyboardLayoutIdentifier(NSString* name);
-/// Returns the language that the layout is for, "de" or "sr-Latn", borrowed; null if the language is unknown.
+/// Returns the language that the layout is for, "de-DE" or "es", borrowed; null if the language is unknown.
 PELVOR_EXPORT NSString* keyboardLayoutLanguage(KeyboardLayoutRef layout);
 /// Starts the program in which the user enables layouts: the one of the running desktop, or else any other
 /// that is installed. Returns false if no such program is installed.

@@ -62,8 +62,8 @@ enum : NSUInteger {
 /// `tableView:shouldEditTableColumn:row:`, `selectionShouldChangeInTableView:`, `tableView:shouldSelectRow:`,
 /// `tableView:shouldSelectTableColumn:`, `tableView:mouseDownInHeaderOfTableColumn:`,
 /// `tableView:didClickTableColumn:`, `tableView:didDragTableColumn:`, and the messages of the notifications.
-/// What the program does itself by the operations below, the delegate is not asked about, but for
-/// `selectAll` and `deselectAll`.
+/// Of what the program does itself by the operations below, the delegate is told but not asked; `selectAll`
+/// and `deselectAll` ask as well.
 ///
 /// **The user** selects rows by mouse and keys: Shift extends the selection, the command key adds and takes
 /// away, where several rows may be selected. The arrows, Home, End, Page Up and Page Down move the selection;

@@ -120,10 +120,10 @@ class PELVOR_EXPORT NSTextView : public NSText {
     void setString(NSString* string) override;
     void replaceCharactersInRange_withString(NSRange range, NSString* string) override;
 
-    // Attributes of the whole text; null and natural for an empty text without typing attributes.
+    // Attributes of the whole text, as its front has them; null and natural where nobody has set them.
 
     NSFont* font();
-    void setFont(NSFont* font);
+    void setFont(NSFont* font);  // as all of these: asks and tells nobody, and cannot be undone
     NSColor* textColor();
     void setTextColor(NSColor* color);
     int alignment();

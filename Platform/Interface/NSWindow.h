@@ -151,7 +151,7 @@ class PELVOR_EXPORT NSWindow : public NSResponder {
     NSString* representedFilename();
     void setRepresentedFilename(NSString* path);
     bool isDocumentEdited();
-    void setDocumentEdited(bool isEdited);
+    void setDocumentEdited(bool isEdited);  ///< shown by a "*" before the title
     /// What stands behind the views.
     NSColor* backgroundColor();
     void setBackgroundColor(NSColor* color);

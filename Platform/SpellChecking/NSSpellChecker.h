@@ -30,8 +30,9 @@ extern PELVOR_EXPORT NSString* const NSSpellCheckerDidPrepareLanguageNotificatio
 /// DICPATH, "hunspell" in the user's folder for data ($XDG_DATA_HOME), and "hunspell", "myspell/dicts" and
 /// "myspell" in each folder of $XDG_DATA_DIRS (/usr/local/share and /usr/share). Names of the same files
 /// share one dictionary in memory. A pair of files that cannot be a dictionary is left out, and a line of the
-/// log says why. An operation that takes a language also takes other names for it, "en-GB" or "de" where
-/// there is only de_DE. Where an operation takes a language, null stands for `language`. A text in a language
+/// log says why. An operation that takes a language also takes other names for it: "en-GB", and "de" or
+/// "de_AT" where there is only de_DE. Where an operation on words takes a language, null stands for
+/// `language`; the operations on languages raise NSInvalidArgumentException for null. A text in a language
 /// without a dictionary has no misspelled words.
 ///
 /// **Words** are found by the rules of Unicode. Straight and curly apostrophes are alike, and so are composed
@@ -68,8 +69,8 @@ class PELVOR_EXPORT NSSpellChecker : public NSObject {
     bool setLanguage(NSString* name);
     /// Returns the available language that the name stands for; null if there is none.
     NSString* availableLanguageForName(NSString* name);
-    /// Returns the name for users in the user's language: "English (United Kingdom)". A name that stands for
-    /// no language is returned as it is.
+    /// Returns the name for users in the user's language: "English (United Kingdom)". Parts that stand for
+    /// nothing are returned as they are: "xx (YY)" for "xx_YY".
     NSString* localizedNameForLanguage(NSString* name);
     /// Returns true if a check in the language can begin at once, because the dictionary has been read or
     /// because the language has no dictionary. Otherwise has another thread read the dictionary, and posts
@@ -97,7 +98,7 @@ class PELVOR_EXPORT NSSpellChecker : public NSObject {
 
     // Guesses
 
-    /// Returns what may have been meant by a misspelled word, 15 words at most. Guesses that differ from the
+    /// Returns what may have been meant by the word, right or misspelled, 15 words at most. Guesses that differ from the
     /// word in nothing but accents, apostrophes and case come first, then those with two neighbouring letters
     /// exchanged, then the others, each kind in the order of the dictionary. Guesses have curly apostrophes
     /// if the word has.
@@ -119,11 +120,12 @@ class PELVOR_EXPORT NSSpellChecker : public NSObject {
     // "'s".
 
     /// Adds the word. Returns false (NSFileError tells why) if the file could not be written: the word then
-    /// counts until the program ends. Raises NSInvalidArgumentException for an empty word or one with more
+    /// counts until the program ends. Returns false as well, and adds nothing, if the language has no
+    /// dictionary. Raises NSInvalidArgumentException for an empty word or one with more
     /// than one line.
     bool learnWord(NSString* word);
     bool learnWord_language(NSString* word, NSString* language);
-    /// Returns whether the word was learned as it is written here.
+    /// Returns whether the word was learned as it is written here, but for the kind of apostrophe.
     bool hasLearnedWord(NSString* word);
     bool hasLearnedWord_language(NSString* word, NSString* language);
     /// Takes the word away. Returns false as `learnWord` does.
@@ -142,7 +144,8 @@ class PELVOR_EXPORT NSSpellChecker : public NSObject {
     /// Takes the word, as it is written here, from the document's ignored words. Returns false if it is not
     /// among them.
     bool unignoreWord_inSpellDocumentWithTag(NSString* word, int tag);
-    /// Returns the document's ignored words, so that a program can keep them with the document.
+    /// Returns the document's ignored words, with straight apostrophes, so that a program can keep them
+    /// with the document.
     NSArray* ignoredWordsInSpellDocumentWithTag(int tag);
     /// Gives the document these ignored words and no others; null stands for no words.
     void setIgnoredWords_inSpellDocumentWithTag(NSArray* words, int tag);
