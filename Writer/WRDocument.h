@@ -42,6 +42,9 @@ class PELVOR_EXPORT WRDocument : public NSObject {
     void setName(NSString* name);
     /// Whether the text has changed since the document was read or made.
     bool hasChanged() { return _hasChanged; }
+    /// Whether nobody has used the document: it has no file and no text, and has not changed. Another one may
+    /// take its place without a question.
+    bool isUnused() { return !hasFile() && !hasChanged() && text()->length() == 0; }
     /// The document's file is the one at the path from now on, which a writer has written. The reader, which
     /// may be null, is one for such a file. The name of the encoding is null where there is none.
     void wasWrittenToPath_reader_encoding(NSString* path, PBProfile* reader, NSString* encodingName);

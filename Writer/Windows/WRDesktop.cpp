@@ -181,9 +181,8 @@ NSString* WRDesktop::showDocument_options(id document, NSDictionary* wishes) {
         makeMenus();
         recoverDocuments();
     }
-    const bool isBlank = !wanted->hasFile() && !wanted->hasChanged();
-    if ((isBlank && _windows->count()) || (wanted->hasFile() && windowForPath(wanted->path())))
-        return nullptr;
+    if (wanted->isUnused() && _windows->count()) return nullptr;
+    if (wanted->hasFile() && windowForPath(wanted->path())) return nullptr;
     return openWindow(wanted);
 }
 
@@ -245,7 +244,7 @@ WRDocumentWindow* WRDesktop::windowForPath(NSString* path) {
 
 void WRDesktop::openPath(NSString* path) { openPath_encoding(path, nullptr); }
 
-// An untitled document without changes makes way.
+// A document that nobody has used makes way.
 void WRDesktop::openPath_encoding(NSString* path, NSString* encodingName) {
     const auto held = path->copy();
     if (WRDocumentWindow* open = windowForPath(path)) {
@@ -265,7 +264,7 @@ void WRDesktop::openPath_encoding(NSString* path, NSString* encodingName) {
         return;
     }
     for (const auto& window : before)
-        if (!window->document()->hasFile() && !window->document()->hasChanged()) window->window()->close();
+        if (window->document()->isUnused()) window->window()->close();
 }
 
 void WRDesktop::openPaths(NSArray* paths) {

@@ -37,8 +37,8 @@ class WRDesktop : public NSObject {
 
     /// Whether somebody can see windows.
     bool hasDisplay();
-    /// Shows the document, a WRDocument, and, the first time, those that a crash has left. A document without
-    /// a file that was not changed is left out where there are others. Returns null, or why the document
+    /// Shows the document, a WRDocument, and, the first time, those that a crash has left. A document that
+    /// nobody has used is left out where there are others. Returns null, or why the document
     /// cannot be shown, as a sentence for the user. The wishes are options of page setters, which hold for
     /// all documents from now on.
     NSString* showDocument_options(id document, NSDictionary* wishes);

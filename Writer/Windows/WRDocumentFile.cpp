@@ -574,7 +574,7 @@ Retained<WRDocument> WRDocumentFile::documentOf(const AbandonedDocument& abandon
 void WRDocumentFile::takeAbandoned(const AbandonedDocument& abandoned) {
     keepJournal(abandoned.file, abandoned.place);
     _savedState.reset();
-    _isEdited = true;
+    _document->textDidChange();  // before the crash
     NSString* text = nullptr;
     switch (abandoned.fileState()) {
         case RecoveredFileState::unchanged:

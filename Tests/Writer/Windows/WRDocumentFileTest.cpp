@@ -608,6 +608,8 @@ TEST_F(DocumentFileTest, RecoversWhatACrashHasLeft) {
     only = desktop->windowForPath(NSString::ofUTF8(folder.path("d.txt")));
     ASSERT_TRUE(only);
     EXPECT_EQ(textOf(only), "only copy");
+    open("f.txt", "another");
+    EXPECT_EQ(screen.app->windows()->count(), 6U) << "nobody has asked about the document without a file";
 }
 
 }  // namespace
