@@ -289,11 +289,17 @@ void WRDocumentWindow::hideNotice() {
     if (!notice) return;
     NSNotificationCenter::defaultCenter()->removeObserver_name_object(this, NSViewFrameDidChangeNotification,
                                                                       notice);
-    notice->removeFromSuperview();
-    placeBars();
+    removeBar(notice);
 }
 
 void WRDocumentWindow::noticeDidResize(NSNotification*) { placeBars(); }
+
+// The page gets the keys of a bar that had them.
+void WRDocumentWindow::removeBar(NSView* bar) {
+    bar->removeFromSuperview();
+    if (_window->firstResponder() == _window.get()) _window->makeFirstResponder(_pageView);
+    placeBars();
+}
 
 // The pages have what the notice, the ruler and the status line leave.
 void WRDocumentWindow::placeBars() {
@@ -326,9 +332,8 @@ void WRDocumentWindow::keepCaretInSight(const std::function<void()>& change) {
 void WRDocumentWindow::showRuler(bool shows) {
     if (shows == static_cast<bool>(_ruler)) return;
     if (!shows) {
-        _ruler->removeFromSuperview();
-        _ruler = nullptr;
-        return placeBars();
+        const auto ruler = std::exchange(_ruler, nullptr);
+        return removeBar(ruler);
     }
     _ruler = WRRuler::create(_formatCommands, {{}, {NSWidth(_scrollView->frame()), WRRuler::kHeight}});
     _ruler->setAutoresizingMask(NSViewWidthSizable | NSViewMinYMargin);

@@ -117,6 +117,7 @@ class WRDocumentWindow : public NSResponder {
     void showStatus();
     void stopWork();
     void placeBars();
+    void removeBar(NSView* bar);
     void showPage(NSUInteger page);
     void setZoom(double zoom);
     void keepCaretInSight(const std::function<void()>& change);

@@ -35,6 +35,7 @@ Retained<WRNoticeBar> WRNoticeBar::create(NSString* text, std::vector<NoticeChoi
     auto self = cast<WRNoticeBar>(NSView::initWithFrame({{0, 0}, {width, 0}}, WRNoticeBar::classObject()));
     self->_label = NSTextField::initWithFrame({});
     self->_label->setEditable(false);
+    self->_label->setSelectable(false);  // so that a click leaves the keys to the page
     self->_label->setBezeled(false);
     self->_label->setDrawsBackground(false);
     self->_label->cell()->setWraps(true);
