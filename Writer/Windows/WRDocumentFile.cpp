@@ -420,9 +420,7 @@ bool WRDocumentFile::replaceText(NSAttributedString* text) {
     const NSRange source{replaced.before, newLength - replaced.before - replaced.after};
     if (range.length == 0 && source.length == 0) return false;
 
-    const NSRect seen = view->visibleRect();
-    const NSUInteger upper = view->characterIndexForInsertionAtPoint({NSMidX(seen), NSMinY(seen)});
-    const float above = NSMinY(view->caretRectForCharacterAtIndex(upper)) - NSMinY(seen);
+    const auto upper = view->upperPlace();
     const NSRange selection = view->selectedRange();
 
     const bool isUndoable =
@@ -436,9 +434,7 @@ bool WRDocumentFile::replaceText(NSAttributedString* text) {
     const auto place = [=](NSUInteger unit) { return common.place(unit, oldLength, newLength); };
     const NSUInteger start = place(selection.location), end = place(NSMaxRange(selection));
     view->setSelectedRange({start, end - start});
-    const NSUInteger now = place(upper);
-    view->pageWithUnit(now);
-    view->scrollPoint({NSMinX(seen), NSMinY(view->caretRectForCharacterAtIndex(now)) - above});
+    view->showPlace({place(upper.unit), upper.height});
     return isUndoable;
 }
 

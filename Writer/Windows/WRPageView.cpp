@@ -153,12 +153,28 @@ NSUInteger WRPageView::pageWithUnit(NSUInteger unit) {
 }
 
 bool WRPageView::setSettings(NSDictionary* settings) {
-    if (!_document || !_document->setSettings(settings)) return false;
+    if (!_document) return false;
+    const SeenPlace upper = upperPlace();
+    if (!_document->setSettings(settings)) return false;
     findPages(1);
     pagesDidChange();
     fitFrame();
     setNeedsDisplay(true);
+    showPlace(upper);
     return true;
+}
+
+WRPageView::SeenPlace WRPageView::upperPlace() {
+    const NSRect seen = visibleRect();
+    const NSUInteger unit = characterIndexForInsertionAtPoint({NSMidX(seen), NSMinY(seen)});
+    return {unit, NSMinY(caretRectForCharacterAtIndex(unit)) - NSMinY(seen)};
+}
+
+void WRPageView::showPlace(SeenPlace place) {
+    const NSRect seen = visibleRect();
+    const float pages = NSHeight(seen) / NSHeight(frameOfPage(0));
+    findPages(pageWithUnit(place.unit) + static_cast<NSUInteger>(pages) + 2);
+    scrollPoint({NSMinX(seen), NSMinY(caretRectForCharacterAtIndex(place.unit)) - place.height});
 }
 
 void WRPageView::hyphenationDidLoad(id) {

@@ -43,8 +43,19 @@ class WRPageView : public NSTextView, NSTextView::HiddenCreators {
     /// The idle message: finds some more pages.
     void findMorePages();
     PageDocument* pages() { return _document.get(); }
-    /// Sets the pages anew. Returns false, and changes nothing, if the settings leave no room for text.
+    /// Sets the pages anew, with the same text at the upper edge of what is seen. Returns false, and changes
+    /// nothing, if the settings leave no room for text.
     bool setSettings(NSDictionary* settings);
+
+    /// A place in the text, and how far its upper edge is below that of what is seen.
+    struct SeenPlace {
+        NSUInteger unit;
+        float height;
+    };
+    /// The place at the upper edge of what is seen.
+    SeenPlace upperPlace();
+    /// Finds the pages around the place and scrolls to where the place is seen so.
+    void showPlace(SeenPlace place);
 
     /// The text of the pages that the user sees a part of.
     NSRange visibleTextRange();

@@ -299,6 +299,19 @@ TEST_F(DocumentFileTest, SavesAsAnotherKind) {
     EXPECT_EQ(textOf(window), "Grüße");
 }
 
+TEST_F(DocumentFileTest, StaysWhereItIsWhenItGetsAnotherName) {
+    WRDocumentWindow* window = front();
+    WRPageView* view = window->pageView();
+    typeInto(window, u"x");
+    view->insertText(FormatScope::numberedLines(300).get());
+    screen.turn();
+    view->scrollPoint({0, 1800});
+    for (NSString* name : {u"First"_ns, u"Second"_ns}) {
+        doing([&] { window->file()->saveAs(nullptr); }, {name});
+        EXPECT_NEAR(NSMinY(view->visibleRect()), 1800, 1) << name;
+    }
+}
+
 TEST_F(DocumentFileTest, KeepsWhatItCannotWrite) {
     WRDocumentWindow* window = open("sub/a.txt", "one");
     typeInto(window, u"x");
