@@ -41,6 +41,7 @@ inline constexpr NSString* PelvorPanelFolder = u"PelvorPanelFolder"_ns;
 /// **The delegate** may have, besides the messages of a window's delegate:
 ///
 ///     (bool)panel:(id) shouldShowFilename:(NSString*)        // for each entry of a folder, by its path
+///     (NSString*)panel:(id) nameForTypedName:(NSString*)     // what a typed name stands for; may set the types
 ///     (bool)panel:(id) isValidFilename:(NSString*)           // for each chosen path; says itself why not
 ///     (void)panel:(id) directoryDidChange:(NSString*)
 ///     (void)panelSelectionDidChange:(id)

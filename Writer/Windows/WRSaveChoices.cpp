@@ -41,6 +41,15 @@ NSArray* extensionsOf(PBProfile* writer) {
     return extensions;
 }
 
+bool hasExtensionOf(PBProfile* writer, NSString* name) {
+    NSString* extension = name->pathExtension();
+    for (id known : extensionsOf(writer))
+        if (auto* text = cast<NSString>(known);
+            text && text->caseInsensitiveCompare(extension) == NSOrderedSame)
+            return true;
+    return false;
+}
+
 }  // namespace
 
 Retained<NSPopUpButton> WRSaveChoices::addLine(NSView* view, NSString* title, int line) {
@@ -70,6 +79,7 @@ NSArray* WRSaveChoices::usualEncodings() {
 
 PELVOR_DEFINE_CLASS(WRSaveChoices, windowsLibrary) {
     methods.instance<"kindDidChange:", &WRSaveChoices::kindDidChange>();
+    methods.instance<"panel:nameForTypedName:", &WRSaveChoices::panel_nameForTypedName>();
 }
 
 WRSaveChoices::~WRSaveChoices() = default;
@@ -118,6 +128,7 @@ void WRSaveChoices::fillEncodings() {
 void WRSaveChoices::attachToPanel(NSSavePanel* panel) {
     _panel.set(panel);
     panel->setAccessoryView(_view);
+    panel->setDelegate(this);
     kindDidChange(nullptr);
 }
 
@@ -145,6 +156,30 @@ void WRSaveChoices::kindDidChange(id) {
     if (!_panel) return;
     _panel->setAllowedFileTypes(extensionsOf(writer()));
     _panel->setAllowsOtherFileTypes(!keepsFormats(writer()));
+}
+
+// Of several kinds the chosen one; -1 for none.
+NSInteger WRSaveChoices::indexOfKindForName(NSString* name) {
+    if (hasExtensionOf(writer(), name)) return _kinds->indexOfSelectedItem();
+    for (NSUInteger i = 0; i < _writers->count(); ++i)
+        if (hasExtensionOf(static_cast<PBProfile*>(_writers->objectAtIndex(i)), name))
+            return static_cast<NSInteger>(i);
+    return -1;
+}
+
+// At first the panel selects the name without its extension. Who types "a.txt" there has "a.txt.rtf".
+NSString* WRSaveChoices::panel_nameForTypedName(id, NSString* name) {
+    NSString* typed = name;
+    if (hasExtensionOf(writer(), name)) {
+        typed = name->stringByDeletingPathExtension();
+        if (typed->isEqualToString(_document->name()->stringByDeletingPathExtension())) return name;
+    }
+    const NSInteger kind = indexOfKindForName(typed);
+    if (kind < 0) return name;
+    _kinds->selectItemAtIndex(kind);
+    kindDidChange(nullptr);
+    _panel->setNameFieldStringValue(typed);
+    return typed;
 }
 
 }  // namespace pelvor

@@ -45,6 +45,8 @@ class WRSaveChoices : public NSObject {
 
     /// What the buttons do.
     void kindDidChange(id sender);
+    /// The panel's question. An extension of another kind chooses that kind.
+    NSString* panel_nameForTypedName(id panel, NSString* name);
 
   protected:
     WRSaveChoices() = default;
@@ -53,6 +55,7 @@ class WRSaveChoices : public NSObject {
   private:
     void makeView();
     void fillEncodings();
+    NSInteger indexOfKindForName(NSString* name);
 
     Retained<WRDocument> _document;
     Retained<NSArray> _writers;

@@ -13,6 +13,7 @@
 #include "Interface/NSText.h"
 #include "Interface/Panels/FilePanelView.h"
 #include "Interface/Panels/PanelMessages.h"
+#include "Runtime/Message.h"
 
 namespace pelvor {
 namespace {
@@ -232,6 +233,11 @@ void FilePanelView::acceptSelection() {
 
 void FilePanelView::acceptName(NSString* typed) {
     if (typed->length() == 0) return;
+    const auto held = Retained<NSString>::retaining(typed);
+    const auto delegate = Retained<Object>::retaining(_panel->delegate());
+    const SEL question = "panel:nameForTypedName:"_sel;
+    if (delegate && delegate->respondsToSelector(question))
+        typed = send<NSString*>(delegate.get(), question, _panel, typed);
     const auto name = _panel->completedName(typed)->copy();
     const auto path = folder()->stringByAppendingPathComponent(name)->copy();
     constexpr auto* kFailure = u"_The name “%@” cannot be used: %@."_ns;

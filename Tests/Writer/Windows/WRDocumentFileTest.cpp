@@ -299,6 +299,26 @@ TEST_F(DocumentFileTest, SavesAsAnotherKind) {
     EXPECT_EQ(textOf(window), "Grüße");
 }
 
+// Names as they are when somebody types over the part of "Untitled.rtf" that is selected.
+TEST_F(DocumentFileTest, TakesTheKindFromTheExtensionThatIsTyped) {
+    const std::pair<NSString*, const char*> rows[] = {
+        {u"letter.rtf.rtf"_ns, "letter.rtf"}, {u"letter.RTF.rtf"_ns, "letter.RTF"},
+        {u"noteA.txt.rtf"_ns, "noteA.txt"},   {u"noteB.rtf"_ns, "noteB.rtf"},
+        {u"noteC.txt"_ns, "noteC.txt"},       {u"v1.2.txt"_ns, "v1.2.txt"},
+    };
+    WRDocumentWindow* window = front();
+    typeInto(window, u"x");
+    for (const auto& [typed, name] : rows) {
+        if (window->document()->hasFile()) std::filesystem::remove(window->document()->path()->toUTF8());
+        doing([&] { window->file()->saveAs(nullptr); }, {typed});
+        EXPECT_EQ(shown(window->document()->name()), name);
+        EXPECT_EQ(folder.read(name).starts_with("{\\rtf"),
+                  std::string(name).find("txt") == std::string::npos);
+        window->document()->setHasFormats(false);
+        window->document()->setSettings(nullptr);
+    }
+}
+
 TEST_F(DocumentFileTest, StaysWhereItIsWhenItGetsAnotherName) {
     WRDocumentWindow* window = front();
     WRPageView* view = window->pageView();
