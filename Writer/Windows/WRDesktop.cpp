@@ -182,7 +182,10 @@ NSString* WRDesktop::showDocument_options(id document, NSDictionary* wishes) {
         recoverDocuments();
     }
     if (wanted->isUnused() && _windows->count()) return nullptr;
-    if (wanted->hasFile() && windowForPath(wanted->path())) return nullptr;
+    if (WRDocumentWindow* open = wanted->hasFile() ? windowForPath(wanted->path()) : nullptr) {
+        open->show();
+        return nullptr;
+    }
     return openWindow(wanted);
 }
 

@@ -68,6 +68,17 @@ NSRect firstFrame(NSSize page) {
     return {{NSMidX(room) - size.width / 2, NSMaxY(room) - size.height}, size};
 }
 
+// Whether the window has its upper left corner where a visible one has its own.
+bool standsOnOneOf(NSArray* windows, NSWindow* window) {
+    const NSRect frame = window->frame();
+    for (id each : windows) {
+        auto* other = static_cast<NSWindow*>(each);
+        if (other == window || !other->isVisible()) continue;
+        if (NSMinX(other->frame()) == NSMinX(frame) && NSMaxY(other->frame()) == NSMaxY(frame)) return true;
+    }
+    return false;
+}
+
 NSString* textOfAnswer(NSDictionary* answer) {
     auto* lines = NSMutableArray::array();
     for (NSDictionaryEntry entry : answer)
@@ -217,12 +228,17 @@ void WRDocumentWindow::show() {
     _window->makeKeyAndOrderFront(nullptr);
 }
 
-// Where the document's window stood last, or else below and beside the window that is in front.
+// Where the document's window stood last, or else below and beside the window that is in front; on no other
+// window exactly.
 void WRDocumentWindow::placeWindow() {
-    if (const NSRect noted = notedWindowFrame(_document->path()); !NSIsEmptyRect(noted))
-        return _window->setFrameFromString(NSStringFromRect(noted));
     NSWindow* front = NSApplication::sharedApplication()->mainWindow();
-    if (front && front != _window) _window->setFrameTopLeftPoint(front->cascadeTopLeftFromPoint(NSZeroPoint));
+    if (const NSRect noted = notedWindowFrame(_document->path()); !NSIsEmptyRect(noted))
+        _window->setFrameFromString(NSStringFromRect(noted));
+    else if (front && front != _window)
+        _window->setFrameTopLeftPoint(front->cascadeTopLeftFromPoint(NSZeroPoint));
+    NSArray* windows = NSApplication::sharedApplication()->windows();
+    for (NSUInteger i = 0; i < windows->count() && standsOnOneOf(windows, _window); ++i)
+        _window->setFrameTopLeftPoint(_window->cascadeTopLeftFromPoint(NSZeroPoint));
 }
 
 // MARK: Editing

@@ -3,6 +3,8 @@
 
 #include <sys/stat.h>
 
+#include <set>
+
 #include "BaseTextLibrary.h"
 #include "EnvironmentScope.h"
 #include "FormatScope.h"
@@ -626,10 +628,25 @@ TEST_F(DocumentFileTest, RecoversWhatACrashHasLeft) {
     desktop->newDocument(nullptr);
     typeInto(front(), u"new");
     desktop->applicationDidLoseDisplay(nullptr);  // nobody can be asked
-    for (id window : NSArray::arrayWithArray(screen.app->windows())) static_cast<NSWindow*>(window)->close();
+    for (id each : NSArray::arrayWithArray(screen.app->windows())) {
+        auto* window = static_cast<NSWindow*>(each);
+        window->setFrameTopLeftPoint({100, 1000});
+        window->close();
+    }
     folder.write("b.txt", "other");
     std::filesystem::remove(folder.path("c.txt"));
     start();
+    std::set<std::pair<float, float>> corners;
+    for (id window : screen.app->windows()) {
+        const NSRect frame = static_cast<NSWindow*>(window)->frame();
+        corners.emplace(NSMinX(frame), NSMaxY(frame));
+    }
+    EXPECT_EQ(corners.size(), 5U) << "none stands on another";
+    auto opener = WRDocumentOpener::initWithProfiles(PBRegistry::sharedRegistry());
+    WRDocument* wanted = opener->openDocumentAtPath_options(NSString::ofUTF8(folder.path("b.txt")),
+                                                            NSDictionary::dictionary());
+    desktop->showDocument_options(wanted, nullptr);
+    EXPECT_EQ(front(), desktop->windowForPath(wanted->path())) << "what is asked for is in front";
     for (const auto& [name, text] : rows) {
         WRDocumentWindow* window = desktop->windowForPath(NSString::ofUTF8(folder.path(name)));
         ASSERT_TRUE(window) << name;
