@@ -191,7 +191,7 @@ bool WRDocumentFile::mayClose() {
     _owner->window()->makeKeyAndOrderFront(nullptr);
     const NSInteger answer =
         ask(localizedFormat(u"_Save the changes to \"%@\"?"_ns, _document->name()),
-            localized(u"_Changes that are not saved get lost."_ns),
+            localized(u"_Your changes will be lost if you do not save them."_ns),
             {localized(u"_Save"_ns), localized(u"_Cancel"_ns), localized(u"_Don't Save"_ns)});
     return answer == 0 ? save() : answer == 2;
 }
@@ -294,7 +294,7 @@ std::optional<bool> WRDocumentFile::resultWithoutReplacing(NSString* path) {
     if (!now.isThere() || now == _document->fileIdentity()) return std::nullopt;
     const NSInteger answer =
         ask(localizedFormat(u"_Another program has changed \"%@\". Replace the file?"_ns, _document->name()),
-            localized(u"_What the other program has written gets lost."_ns),
+            localized(u"_What the other program has written will be lost."_ns),
             {localized(u"_Save As…"_ns), localized(u"_Cancel"_ns), localized(u"_Replace"_ns)});
     if (answer == 2) return std::nullopt;
     return answer == 0 && saveAs(nullptr);
@@ -361,7 +361,8 @@ void WRDocumentFile::revertWithEncoding(NSString* encodingName) {
     const auto alive = Retained<WRDocumentFile>::retaining(this);
     if (isEdited() &&
         ask(localizedFormat(u"_Revert to the file \"%@\"?"_ns, _document->name()),
-            localized(u"_What was changed since it was saved goes. \"Undo\" brings it back."_ns),
+            localized(
+                u"_Changes made since the document was saved will be discarded; \"Undo\" brings them back."_ns),
             {localized(u"_Revert"_ns), localized(u"_Cancel"_ns)}) != 0)
         return;
     if (const auto problem = readAgain(encodingName))
@@ -507,7 +508,7 @@ void WRDocumentFile::moveDocumentToTrash(id) {
     if (!validateMoveDocumentToTrash(nullptr)) return;
     const auto alive = Retained<WRDocumentFile>::retaining(this);
     NSString* details =
-        isEdited() ? localized(u"_The window closes, and changes that are not saved get lost."_ns)
+        isEdited() ? localized(u"_The window closes, and changes that are not saved will be lost."_ns)
                    : localized(u"_The window closes. You find the file in the trash of the desktop."_ns);
     if (ask(localizedFormat(u"_Move \"%@\" to the trash?"_ns, _document->name()), details,
             {localized(u"_Move to Trash"_ns), localized(u"_Cancel"_ns)}) != 0)

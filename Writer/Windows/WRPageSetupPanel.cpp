@@ -28,7 +28,7 @@ namespace {
 
 constexpr float kPointsPerMillimetre = 72 / 25.4F;
 constexpr NSString* kTitle = u"{title}"_ns;  // the header of somebody who writes none
-enum Orientation : NSInteger { kUpright, kSideways };
+enum Orientation : NSInteger { kPortrait, kLandscape };
 
 // The place of the paper in the list of those with names, either way round; that of "Other" if it has none.
 NSUInteger indexOfPaper(NSSize paper) {
@@ -93,7 +93,7 @@ void WRPageSetupPanel::makePanel() {
     _shownPaper = static_cast<NSInteger>(paper);
     _paper->selectItemAtIndex(_shownPaper);
     _orientation.set(form->addPopUp(localized(u"_Orientation:"_ns),
-                                    NSArray::of({localized(u"_Upright"_ns), localized(u"_Sideways"_ns)}),
+                                    NSArray::of({localized(u"_Portrait"_ns), localized(u"_Landscape"_ns)}),
                                     {}));
     _orientation->setTag(kOrientationTag);
     _orientation->selectItemAtIndex(shownOrientation());
@@ -159,7 +159,7 @@ NSDictionary* WRPageSetupPanel::chosenSettings() {
     NSSize paper{std::min(_width, _height), std::max(_width, _height)};
     if (index < names->count())
         paper = StyleSheet::paperSizeNamed(static_cast<NSString*>(names->objectAtIndex(index)));
-    if (_orientation->indexOfSelectedItem() == kSideways) std::swap(paper.width, paper.height);
+    if (_orientation->indexOfSelectedItem() == kLandscape) std::swap(paper.width, paper.height);
     if (_paper->indexOfSelectedItem() != _shownPaper ||
         _orientation->indexOfSelectedItem() != shownOrientation()) {
         set(WRPageWidthKey, paper.width);

@@ -100,7 +100,7 @@ void WRPrintPanel::makePanel() {
     _copies.set(form->addField(localized(u"_Copies:"_ns)));
     _copies->setTag(kCopiesTag);
     _copies->setStringValue(u"1"_ns);
-    _pages.set(form->addField(localized(u"_Pages:"_ns)));
+    _pages.set(form->addField(localized(u"_Pages (empty for all):"_ns)));
     _isTwoSided.set(form->addCheckBox(localized(u"_Print on both sides"_ns)));
     _isTwoSided->setTag(kTwoSidedTag);
     _message.set(form->addMessage());
