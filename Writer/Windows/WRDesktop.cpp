@@ -358,7 +358,7 @@ void WRDesktop::setRecentMenu(NSMenu* menu) { menu->setDelegate(_recent); }
 void WRDesktop::setWindowMenu(NSMenu* menu) { menu->setDelegate(this); }
 
 void WRDesktop::menuNeedsUpdate(NSMenu* menu) {
-    const SEL show = "makeKeyAndOrderFront:"_sel;
+    const SEL show = "showWindow:"_sel;
     for (NSInteger i = menu->numberOfItems(); i-- > 0;)
         if (NSMenuItem* item = menu->itemAtIndex(i); item->action() == show || item->isSeparatorItem())
             menu->removeItemAtIndex(i);
@@ -369,7 +369,7 @@ void WRDesktop::menuNeedsUpdate(NSMenu* menu) {
         NSString* mark = window->isDocumentEdited() ? u"*"_ns : u""_ns;  // as in its title bar
         NSMenuItem* item = menu->addItemWithTitle_action_keyEquivalent(
             mark->stringByAppendingString(window->title()), show, u""_ns);
-        item->setTarget(window);
+        item->setTarget(each);
         item->setState(window == NSApplication::sharedApplication()->mainWindow());
     }
 }

@@ -90,6 +90,7 @@ NSString* textOfAnswer(NSDictionary* answer) {
 
 PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
     methods.instance<"show", &WRDocumentWindow::show>();
+    methods.instance<"showWindow:", &WRDocumentWindow::showWindow>();
     methods.instance<"window", &WRDocumentWindow::window>();
     methods.instance<"document", &WRDocumentWindow::document>();
     methods.instance<"pageView", &WRDocumentWindow::pageView>();
@@ -225,6 +226,7 @@ void WRDocumentWindow::makeWindow() {
 
 void WRDocumentWindow::show() {
     if (!_window->isVisible()) placeWindow();
+    if (_window->isMiniaturized()) _window->deminiaturize(nullptr);
     _window->makeKeyAndOrderFront(nullptr);
 }
 

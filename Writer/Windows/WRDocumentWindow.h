@@ -40,7 +40,9 @@ class WRDocumentWindow : public NSResponder {
     /// the problem is then a sentence for the user.
     static Retained<WRDocumentWindow> create(WRDocument* document, NSDictionary* wishes, NSString** problem);
 
+    /// Also where the window is minimized.
     void show();
+    void showWindow(id) { show(); }
     NSWindow* window() { return _window; }
     WRDocument* document() { return _document; }
     WRPageView* pageView() { return _pageView; }

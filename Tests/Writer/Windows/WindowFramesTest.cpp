@@ -51,9 +51,14 @@ TEST(WindowMenu, ListsTheDocuments) {
     }
     EXPECT_EQ(listed(), "|Zoom||" + titles[0] + "|+" + titles[1]);
     screen.type(u"x");
+    NSWindow* first = cast<NSWindow>(screen.app->orderedWindows()->lastObject());
+    first->miniaturize(nullptr);
+    screen.turn();
+    ASSERT_TRUE(first->isMiniaturized());
     menu->performActionForItemAtIndex(2);
     screen.turn();
     EXPECT_EQ(listed(), "|Zoom||+" + titles[0] + "|*" + titles[1]);
+    EXPECT_FALSE(first->isMiniaturized());
 }
 
 }  // namespace
