@@ -119,6 +119,7 @@ PELVOR_DEFINE_CLASS(WRDocumentWindow, windowsLibrary) {
     methods.instance<"pageViewHasFormats:", &WRDocumentWindow::pageViewHasFormats>();
     methods.instance<"pageViewDidReceiveFormats:", &WRDocumentWindow::pageViewDidReceiveFormats>();
     methods.instance<"textViewDidChangeSelection:", &WRDocumentWindow::textViewDidChangeSelection>();
+    methods.instance<"textView:doCommandBySelector:", &WRDocumentWindow::textView_doCommandBySelector>();
     methods.instance<"undoManagerForTextView:", &WRDocumentWindow::undoManagerForTextView>();
     methods.instance<"windowShouldClose:", &WRDocumentWindow::windowShouldClose>();
     methods.instance<"noticeDidResize:", &WRDocumentWindow::noticeDidResize>();
@@ -264,6 +265,10 @@ void WRDocumentWindow::pageViewDidReceiveFormats(id) { _formatCommands->setDocum
 void WRDocumentWindow::textViewDidChangeSelection(NSNotification*) {
     if (_wordCounter) _wordCounter->setSelection(_pageView->selectedRange());
     if (_languageSearch) _languageSearch->caretDidMove();
+}
+
+bool WRDocumentWindow::textView_doCommandBySelector(id, SEL selector) {
+    return selector == "insertNewline:"_sel && _formatCommands->endHeading();
 }
 
 NSUndoManager* WRDocumentWindow::undoManagerForTextView(id) { return _undoManager; }

@@ -100,6 +100,7 @@ class WRDocumentWindow : public NSResponder {
     /// Text with formats was pasted or dropped.
     void pageViewDidReceiveFormats(id pageView);
     void textViewDidChangeSelection(NSNotification* notification);
+    bool textView_doCommandBySelector(id view, SEL selector);
     /// What is done to the text is undone by a manager of its own.
     NSUndoManager* undoManagerForTextView(id textView);
     bool windowShouldClose(id sender);

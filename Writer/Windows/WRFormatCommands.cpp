@@ -118,6 +118,7 @@ PELVOR_DEFINE_CLASS(WRFormatCommands, windowsLibrary) {
     methods.instance<"takeLineSpacingFrom:", &WRFormatCommands::takeLineSpacingFrom>();
     methods.instance<"increaseIndent:", &WRFormatCommands::increaseIndent>();
     methods.instance<"decreaseIndent:", &WRFormatCommands::decreaseIndent>();
+    methods.instance<"endHeading", &WRFormatCommands::endHeading>();
     methods.instance<"takeParagraphStyleFrom:", &WRFormatCommands::takeParagraphStyleFrom>();
     methods.instance<"takeCharacterStyleFrom:", &WRFormatCommands::takeCharacterStyleFrom>();
     methods.instance<"clearFormats:", &WRFormatCommands::clearFormats>();
@@ -441,6 +442,31 @@ bool WRFormatCommands::validateDecreaseIndent(id) {
 
 void WRFormatCommands::takeParagraphStyleFrom(id sender) {
     const auto name = Retained<NSString>::retaining(representedBy<NSString>(sender));
+    setParagraphStyle(sender, name);
+}
+
+bool WRFormatCommands::endHeading() {
+    const NSRange caret = selection();
+    const NamedStyle* style =
+        _sheet->paragraphStyle(nameIn(_pageView->typingAttributes(), PBStyleParagraphAttributeName));
+    if (!canEdit() || !_document->hasFormats() || _pageView->hasMarkedText() || caret.length > 0 || !style ||
+        !style->rules.isKeepWithNext || selectedParagraphs().location == caret.location)
+        return false;
+    NSString* text = _pageView->string();
+    const bool isAtEnd = caret.location == text->length() ||
+                         std::u16string_view(u"\n\r\u2029").find(text->characterAtIndex(caret.location)) !=
+                             std::u16string_view::npos;
+    if (!isAtEnd) return false;
+    NSUndoManager* undo = _pageView->undoManager();
+    _pageView->breakUndoCoalescing();
+    if (undo) undo->beginUndoGrouping();
+    _pageView->insertText(u"\n"_ns);
+    setParagraphStyle(nullptr, kPlainStyleName);
+    if (undo) undo->endUndoGrouping();
+    return true;
+}
+
+void WRFormatCommands::setParagraphStyle(id sender, NSString* name) {
     if (!canEdit() || !_sheet->paragraphStyle(name)) return;
     const NSRange range = selectedParagraphs();
     const auto typing = Retained<NSDictionary>::retaining(_pageView->typingAttributes());
@@ -448,7 +474,8 @@ void WRFormatCommands::takeParagraphStyleFrom(id sender) {
         range.length > 0 ? usualAttributes(_pageView->textStorage(), range) : typing.get());
     const auto next = attributesInParagraphStyle(*_sheet, name, typing, usual);
     if (range.length == 0) return chooseTyping(next);
-    edit(sender, nullptr, range, [&](NSTextStorage* text) { setParagraphStyle(text, range, *_sheet, name); });
+    edit(sender, nullptr, range,
+         [&](NSTextStorage* text) { pelvor::setParagraphStyle(text, range, *_sheet, name); });
     setTyping(next);
 }
 

@@ -72,6 +72,9 @@ class WRFormatCommands : public NSResponder {
     void setDocumentHasFormats(bool hasFormats);
     /// Is called before the user types something.
     void textWillBeTyped();
+    /// Is called when the user presses Return. At the end of a heading, that is of a paragraph whose style
+    /// keeps it with the next one, begins a paragraph of plain text in one step to undo; else returns false.
+    bool endHeading();
 
     // Commands. Senders are menu items; what the item stands for is in its tag or its represented object.
 
@@ -116,6 +119,7 @@ class WRFormatCommands : public NSResponder {
 
     NSRange selection();
     NSRange selectedParagraphs();
+    void setParagraphStyle(id sender, NSString* name);
     NSUInteger placeInParagraph();
     template <class Has>
     int stateOf(NSRange range, const Has& has);

@@ -48,6 +48,29 @@ TEST_F(FormatCommandsTest, ToggleTheSelectionInOneStep) {
     EXPECT_TRUE(document->hasFormats());
 }
 
+// Behind a heading comes text, in the same step as the line's end.
+TEST_F(FormatCommandsTest, EndAHeadingByReturn) {
+    expectAll({"One|\nTwo 4 -> text", "One| 3 -> text", "O|ne 1 -> heading 1", "|One 0 -> heading 1"},
+              [&](const std::string& given) {
+                  const std::size_t mark = given.find('|');
+                  const auto place = static_cast<NSUInteger>(mark);
+                  std::string content = given.substr(0, given.rfind(' '));
+                  open(NSString::ofUTF8(content.erase(mark, 1)));
+                  choose("takeParagraphStyleFrom:"_sel, 0, u"heading 1"_ns);
+                  select(place);
+                  screen.type(u"x");
+                  screen.press(NSCarriageReturnCharacter);
+                  auto* name =
+                      cast<NSString>(view->typingAttributes()->objectForKey(PBStyleParagraphAttributeName));
+                  const std::string found = name ? name->toUTF8() : "none";
+                  const auto style = shown(runs(PBStyleParagraphAttributeName));
+                  undo();
+                  if (found == "text") content.insert(mark, "x");  // elsewhere the line's end is only typed
+                  EXPECT_EQ(shown(view->string()), content) << style;
+                  return found;
+              });
+}
+
 TEST_F(FormatCommandsTest, ChangeWhatIsTypedNextAtACaret) {
     select(3);
     choose("toggleBold:"_sel);
