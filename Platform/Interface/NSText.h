@@ -45,7 +45,7 @@ class PELVOR_EXPORT NSText : public NSView {
     /// A live view of the text, borrowed.
     virtual NSString* string() = 0;
     /// Null stands for an empty text. The caret goes before the first character. Nobody is asked or told, and
-    /// nothing can be undone.
+    /// no step on the text can be undone any more.
     virtual void setString(NSString* string) = 0;
     /// Raises NSRangeException for a range that is not in the text.
     virtual void replaceCharactersInRange_withString(NSRange range, NSString* string) = 0;

@@ -305,6 +305,9 @@ void NSTextView::setString(NSString* string) {
     if (!_state->storage) return;
     replaceCharactersInRange_withString({0, _state->length()}, string);
     setSelectedRange({0, 0});
+    // Steps that belong to the old text would change places of the new one.
+    breakUndoCoalescing();
+    if (NSUndoManager* manager = undoManager()) manager->removeAllActionsWithTarget(this);
 }
 
 void NSTextView::replaceCharactersInRange_withString(NSRange range, NSString* string) {
