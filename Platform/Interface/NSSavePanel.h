@@ -41,10 +41,9 @@ inline constexpr NSString* PelvorPanelFolder = u"PelvorPanelFolder"_ns;
 /// **The delegate** may have, besides the messages of a window's delegate:
 ///
 ///     (bool)panel:(id) shouldShowFilename:(NSString*)        // for each entry of a folder, by its path
-///     (NSString*)panel:(id) nameForTypedName:(NSString*)     // what a typed name stands for; may set the types
-///     (bool)panel:(id) isValidFilename:(NSString*)           // for each chosen path; says itself why not
-///     (void)panel:(id) directoryDidChange:(NSString*)
-///     (void)panelSelectionDidChange:(id)
+///     (NSString*)panel:(id) nameForTypedName:(NSString*)     // what a typed name stands for; may set the
+///     types (bool)panel:(id) isValidFilename:(NSString*)           // for each chosen path; says itself why
+///     not (void)panel:(id) directoryDidChange:(NSString*) (void)panelSelectionDidChange:(id)
 ///
 /// All properties keep their values from run to run; those that are shown can be changed during a run. Null
 /// as a text stands for the first one, in the user's language. Main thread.

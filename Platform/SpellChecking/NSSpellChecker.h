@@ -98,10 +98,10 @@ class PELVOR_EXPORT NSSpellChecker : public NSObject {
 
     // Guesses
 
-    /// Returns what may have been meant by the word, right or misspelled, 15 words at most. Guesses that differ from the
-    /// word in nothing but accents, apostrophes and case come first, then those with two neighbouring letters
-    /// exchanged, then the others, each kind in the order of the dictionary. Guesses have curly apostrophes
-    /// if the word has.
+    /// Returns what may have been meant by the word, right or misspelled, 15 words at most. Guesses that
+    /// differ from the word in nothing but accents, apostrophes and case come first, then those with two
+    /// neighbouring letters exchanged, then the others, each kind in the order of the dictionary. Guesses
+    /// have curly apostrophes if the word has.
     NSArray* guessesForWord(NSString* word);
     NSArray* guessesForWord_language(NSString* word, NSString* language);
     /// Makes the guesses on another thread and then sends `selector` with the guesses and the word to the

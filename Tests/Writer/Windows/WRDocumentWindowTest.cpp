@@ -76,8 +76,7 @@ TEST_F(DocumentWindowTest, KeepsTheKeysInThePageBesideNotices) {
     window->showNotice(u"News"_ns, {});
     screen.click(window->notice(), {20, NSMidY(window->notice()->bounds())});
     EXPECT_TRUE(hasKeys()) << "after a click on the text";
-    window->window()->makeFirstResponder(
-        static_cast<NSView*>(window->notice()->buttons()->objectAtIndex(0)));
+    window->window()->makeFirstResponder(static_cast<NSView*>(window->notice()->buttons()->objectAtIndex(0)));
     EXPECT_FALSE(hasKeys());
     screen.press(u' ');
     EXPECT_TRUE(hasKeys() && !window->notice()) << "after the button is gone";
