@@ -82,7 +82,8 @@ bool WRLanguageSearch::lookAtWritten() {
                            std::min(paragraph.contentsEnd, text->length()) - paragraph.start};
     const NSUInteger caret = _view->selectedRange().location;
     const bool isWriting = caret >= contents.location && caret <= NSMaxRange(contents);
-    WRLanguage* language = _languages.languageOfWritten(text, contents, !isWriting);
+    const bool waits = isWriting && wasJustJudged(contents);
+    WRLanguage* language = waits ? nullptr : _languages.languageOfWritten(text, contents, !isWriting);
     if (language) setLanguage(language, contents);
     if (language && (isWriting || (caret == paragraph.end && caret == text->length()))) writeOnIn(language);
     const NSUInteger end = NSMaxRange(*_written);
@@ -93,6 +94,17 @@ bool WRLanguageSearch::lookAtWritten() {
     else
         _written.reset();
     return true;
+}
+
+// A paragraph that is being written is judged again when some letters have come or gone, not at each one.
+bool WRLanguageSearch::wasJustJudged(NSRange contents) {
+    constexpr NSUInteger kSome = 16;
+    const NSRange before = _judged;
+    if (contents.location == before.location && contents.length < before.length + kSome &&
+        before.length < contents.length + kSome)
+        return true;
+    _judged = contents;
+    return false;
 }
 
 // Text in a language that was set keeps it.

@@ -40,6 +40,7 @@ class WRLanguageSearch : public WRTextWork {
   private:
     NSUInteger addTo(NSTextStorage* storage, NSRange range);
     bool lookAtWritten();
+    bool wasJustJudged(NSRange contents);
     void setLanguage(WRLanguage* language, NSRange range);
     void writeOnIn(WRLanguage* language);
 
@@ -47,6 +48,7 @@ class WRLanguageSearch : public WRTextWork {
     Unretained<WRPageView> _view = nullptr;
     NSRange _lastVisible;
     std::optional<NSRange> _written;  // where paragraphs have been written since they were looked at
+    NSRange _judged{NSNotFound, 0};   // the paragraph that was judged last while it was written
     NSUInteger _done = 0;             // the paragraphs before this unit have been looked at
     bool _isEditing = false;
 };
