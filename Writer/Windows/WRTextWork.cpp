@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Writer/Windows/WRTextWork.h"
 
-#include <chrono>
-
+#include "Foundation/NSRunLoop.h"
+#include "Foundation/NSTimer.h"
 #include "PBIdleQueue.h"
 #include "Runtime/AutoreleasePool.h"
 #include "Text/NSTextStorage.h"
@@ -11,7 +11,6 @@
 namespace pelvor {
 namespace {
 
-using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kSlice{2};  // what a key that is pressed meanwhile waits at most
 
 PBIdleQueue* worksToDo() {
@@ -52,11 +51,20 @@ void WRTextWork::setTextStorage(NSTextStorage* storage) { _storage = storage; }
 void WRTextWork::textStorage_edited_range_changeInLength_invalidatedRange(NSTextStorage*, unsigned mask,
                                                                           NSRange range, NSInteger change,
                                                                           NSRange) {
+    if (mask & NSTextStorageEditedCharacters) _lastEdit = Clock::now();
     textDidChange(mask, range, change);
+}
+
+void WRTextWork::resumeAfter(Clock::duration pause) {
+    auto timer = NSTimer::timerWithTimeInterval_target_selector_userInfo_repeats(
+        std::chrono::duration<double>(pause).count(), this, "resume"_sel, nullptr, false);
+    NSRunLoop::mainRunLoop()->addTimer_forMode(timer, NSRunLoopCommonModes);
 }
 
 void WRTextWork::workAtIdle() {
     if (!_storage) return;
+    if (const auto rest = _lastEdit + pauseAfterEdit - Clock::now(); rest > rest.zero())
+        return resumeAfter(rest);
     const auto self = Retained<WRTextWork>::retaining(this);
     const Clock::time_point end = Clock::now() + kSlice;
     bool isMore = true;

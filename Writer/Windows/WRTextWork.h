@@ -2,6 +2,8 @@
 // WRTextWork: something that is kept up with a text while it is written.
 #pragma once
 
+#include <chrono>
+
 #include "Foundation/NSRange.h"
 #include "Runtime/Class.h"
 
@@ -18,7 +20,8 @@ class WRTextWork : public NSObject {
     /// Ends the work for good.
     virtual void stop();
     NSTextStorage* textStorage() { return _storage; }
-    /// Has the work go on when the main loop is idle, since there is something to be done.
+    /// Has the work go on when the main loop is idle, some milliseconds after an edit, since there is
+    /// something to be done.
     void resume();
 
     /// The messages of the text storage and of the idle queue.
@@ -27,6 +30,11 @@ class WRTextWork : public NSObject {
                                                                   NSRange range, NSInteger change,
                                                                   NSRange invalidated);
     void workAtIdle();
+
+    // C++ only
+    /// How long the work waits after an edit: the display's server has the processor in this time, to show
+    /// what was typed.
+    static inline std::chrono::milliseconds pauseAfterEdit{10};
 
   protected:
     WRTextWork() = default;
@@ -40,7 +48,11 @@ class WRTextWork : public NSObject {
     virtual void didWork() {}
 
   private:
+    using Clock = std::chrono::steady_clock;
+    void resumeAfter(Clock::duration pause);
+
     Unretained<NSTextStorage> _storage = nullptr;
+    Clock::time_point _lastEdit;
 };
 
 }  // namespace pelvor

@@ -28,6 +28,7 @@
 #include "Writer/Windows/WRFormatCommands.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WRPalette.h"
+#include "Writer/Windows/WRTextWork.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
 namespace pelvor {
@@ -35,6 +36,7 @@ namespace pelvor {
 /// Makes Writer's windows ready, and goes to where the style sheet of all documents is.
 inline void prepareWindows() {
     registerLibrary(windowsLibrary);
+    WRTextWork::pauseAfterEdit = {};  // the tests' clock stands still
     PBPostLoader::processClassesStartingRegistry(false);
     std::filesystem::current_path(WRITER_PAGES);
 }
