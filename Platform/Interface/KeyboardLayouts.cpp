@@ -64,7 +64,7 @@ KeyboardLayout* currentLayout() {
 bool switchTo(const BackendLayout& layout) {
     if (layout.isCurrent) return true;
     const bool isSwitched = display().backend().setLayout(layout.group);
-    display().needsTurn();  // the notice has come with the answer, and nothing else wakes the run loop
+    display().needsTurn();  // the notice has come with the reply, and nothing else wakes the run loop
     return isSwitched;
 }
 

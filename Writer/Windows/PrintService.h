@@ -28,7 +28,7 @@ struct PrintProblem {
         noService,  ///< nothing here prints
         noPrinter,  ///< the service has no printer of that name any more
         noAnswer,   ///< the service does not answer, or the caller gave up
-        unclear,    ///< what answers is no print service, or a broken one
+        unclear,    ///< what replies is no print service, or a broken one
         refused,    ///< the service says why, in `text`
     };
     Kind kind = Kind::none;

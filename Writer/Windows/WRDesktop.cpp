@@ -82,7 +82,7 @@ NSDictionary* keyBindings() {
          {u"$"_ns->stringByAppendingString(NSString::of({&kF3, 1})), u"findPrevious:"_ns}});
 }
 
-// Makes the panel, if there is none yet, and shows it.
+// Shows the panel, which is made the first time.
 template <class Panel>
 void showPanel(Retained<Panel>& panel) {
     if (!panel) panel = Panel::init();

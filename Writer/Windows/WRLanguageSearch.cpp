@@ -71,7 +71,8 @@ void WRLanguageSearch::caretDidMove() {
     if (_written) resume();
 }
 
-// Goes on by a paragraph. Returns false if there is none, or the last one is still being written.
+// Goes on by a paragraph. Returns false if no paragraph is left, or the last one is still
+// being written.
 bool WRLanguageSearch::lookAtWritten() {
     if (!_written || !_view || _view->hasMarkedText()) return false;
     NSTextStorage* text = textStorage();

@@ -158,7 +158,7 @@ void WRSaveChoices::kindDidChange(id) {
     _panel->setAllowsOtherFileTypes(!keepsFormats(writer()));
 }
 
-// Of several kinds the chosen one; -1 for none.
+// Of several kinds the chosen one; -1 for no kind.
 NSInteger WRSaveChoices::indexOfKindForName(NSString* name) {
     if (hasExtensionOf(writer(), name)) return _kinds->indexOfSelectedItem();
     for (NSUInteger i = 0; i < _writers->count(); ++i)

@@ -11,7 +11,7 @@
 
 namespace {
 
-// The first object that the file describes; null, and a failure, if there is none of that class.
+// The first object that the file describes; null, and a failure, if no object is of that class.
 template <class T>
 T* objectOf(NSString* file, id owner) {
     NSString* folder = u"" PELVOR_TEST_SOURCES "/"_ns;

@@ -27,7 +27,7 @@ inline void runWithUser(InterfaceScope& screen, const std::function<void()>& act
     timer->invalidate();
 }
 
-/// The first view of the class below that view for which this holds; null if there is none.
+/// The first view of the class below that view for which this holds; null if no view is such.
 template <class T>
 T* viewIn(
     NSView* view, const std::function<bool(T*)>& isWanted = [](T*) { return true; }) {

@@ -48,7 +48,7 @@ struct DefaultsScope {
     Retained<NSUserDefaults> defaults = NSUserDefaults::initVolatile();
 };
 
-/// The first view of the class that stands in the window itself; null if there is none.
+/// The first view of the class that stands in the window itself; null if no view is.
 template <class View>
 View* partOf(WRDocumentWindow* window) {
     for (id part : window->window()->contentView()->subviews())

@@ -30,11 +30,11 @@ enum class CharacterProperty {
     kern,             ///< the space behind each character
     width,            ///< in percent
     capitals,         ///< 1 for small capitals, 2 for capitals
-    language,         ///< an index in the table of languages; 0 is none
+    language,         ///< an index in the table of languages; 0 for no language
     foreground,       ///< an index in the table of colours; 0 is none
     background,       ///< an index in the table of colours; 0 is none
     underlineColour,  ///< an index in the table of colours; 0 is none
-    style,            ///< an index in the table of styles of characters; 0 is none
+    style,            ///< an index in the table of styles of characters; 0 for no style
     hidden,           ///< 0 or 1
     link,             ///< an index in the table of links; 0 is none
     picture,          ///< an index in the table of pictures; 0 is none
@@ -56,7 +56,7 @@ enum class ParagraphProperty {
     keepWithNext,        ///< 0 or 1
     keepTogether,        ///< 0 or 1
     pageBreakBefore,     ///< 0 or 1
-    style,               ///< an index in the table of styles of paragraphs; 0 is none
+    style,               ///< an index in the table of styles of paragraphs; 0 for no style
     count
 };
 

@@ -203,7 +203,7 @@ class RichTextParser {
     std::map<int, std::shared_ptr<CodePage>> _codePages;
 
     int _documentCodePage = 1252, _defaultFont = 0;
-    int _usualLanguage = 0, _unmarkedLanguage = 0;  // the latter is that of text that names none
+    int _usualLanguage = 0, _unmarkedLanguage = 0;  // the latter for text without a language of its own
     FileFont _font;
     std::map<int, std::int32_t> _fonts;  // from the file's numbers to ours
     ColourEntry _colour;
