@@ -16,6 +16,7 @@
 #include "Text/TextAttributes.h"
 #include "Writer/LocalizedText.h"
 #include "Writer/Windows/Preferences.h"
+#include "Writer/Windows/RaisedFlag.h"
 #include "Writer/Windows/WRColorSlider.h"
 #include "Writer/Windows/WRFormView.h"
 #include "Writer/Windows/WRFormatCommands.h"
@@ -146,11 +147,7 @@ void WRColorPanel::apply(ColorParts parts) {
     if (!commands || !commands->canEdit())
         return _message->setStringValue(
             localized(commands ? u"_This text cannot be changed."_ns : u"_No document is open."_ns));
-    struct Applying {
-        bool& flag;
-        explicit Applying(bool& raised) : flag(raised) { flag = true; }
-        ~Applying() { flag = false; }
-    } applying(_isApplying);
+    const RaisedFlag applying(_isApplying);
     const bool continuesStep = _changed && _changed->object().get() == commands;
     if (!_changed) _recentBeforeStep.set(recentDigits());
     _changed.emplace(commands);

@@ -13,6 +13,7 @@
 #include "Writer/PlugInProtocol.h"
 #include "Writer/TextMeasure.h"
 #include "Writer/WRLanguage.h"
+#include "Writer/Windows/RaisedFlag.h"
 #include "Writer/Windows/WRPageView.h"
 #include "Writer/Windows/WindowsLibrary.h"
 
@@ -46,10 +47,8 @@ void WRLanguageSearch::stop() {
 }
 
 NSUInteger WRLanguageSearch::addTo(NSTextStorage* storage, NSRange range) {
-    _isEditing = true;
-    const NSUInteger end = _languages.addTo(storage, range);
-    _isEditing = false;
-    return end;
+    const RaisedFlag editing(_isEditing);
+    return _languages.addTo(storage, range);
 }
 
 void WRLanguageSearch::textDidChange(unsigned mask, NSRange range, NSInteger change) {
@@ -116,12 +115,11 @@ void WRLanguageSearch::setLanguage(WRLanguage* language, NSRange range) {
             run.attributes->objectForKey(WRLanguageAttributeKey) != language)
             others.push_back(run.range);
     if (others.empty()) return;
-    _isEditing = true;
+    const RaisedFlag editing(_isEditing);
     textStorage()->beginEditing();
     for (const NSRange run : others)
         textStorage()->addAttribute_value_range(WRLanguageAttributeKey, language, run);
     textStorage()->endEditing();
-    _isEditing = false;
 }
 
 // What is typed next is in the language, too, unless the user has set one for it.
